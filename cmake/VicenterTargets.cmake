@@ -1,0 +1,68 @@
+# Compiler settings shared by every target, and the functions that declare targets.
+#
+#   vicenter_library(NAME SOURCES ... LINKS ...)   a static library, warnings as errors
+#   vicenter_program(NAME SOURCES ... LINKS ...)   an executable
+#   vicenter_gtest(NAME SOURCES ... LINKS ...)     a GoogleTest program, each test known to CTest
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Dev CACHE STRING "Build type" FORCE)
+endif()
+# Dev: what a test run on a small machine needs: quick to compile, assertions kept, line numbers in stacks.
+set(CMAKE_C_FLAGS_DEV "-O1 -g1" CACHE STRING "" FORCE)
+set(CMAKE_CXX_FLAGS_DEV "-O1 -g1" CACHE STRING "" FORCE)
+set(CMAKE_EXE_LINKER_FLAGS_DEV "" CACHE STRING "" FORCE)
+set(CMAKE_SHARED_LINKER_FLAGS_DEV "" CACHE STRING "" FORCE)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+  set(CMAKE_C_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+add_library(vicenter_settings INTERFACE)
+target_include_directories(vicenter_settings INTERFACE "${CMAKE_SOURCE_DIR}")
+target_compile_options(vicenter_settings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
+  -Wcast-qual -Werror)
+if(VICENTER_SANITIZE)
+  target_compile_options(vicenter_settings INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(vicenter_settings INTERFACE -fsanitize=address,undefined)
+endif()
+
+if(VICENTER_TIDY)
+  find_program(CLANG_TIDY_PROGRAM NAMES clang-tidy-14 clang-tidy REQUIRED)
+  set(CMAKE_CXX_CLANG_TIDY "${CLANG_TIDY_PROGRAM}")
+endif()
+
+function(vicenter_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC vicenter_settings ${ARG_LINKS})
+endfunction()
+
+function(vicenter_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE vicenter_settings ${ARG_LINKS})
+endfunction()
+
+function(vicenter_gtest name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  find_package(GTest REQUIRED)
+  include(GoogleTest)
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE vicenter_settings ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${name} PRIVATE VICENTER_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  # One line per test program: a process per test would cost more than the tests themselves.
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "TZ=Asia/Shanghai;LC_ALL=C.UTF-8;QT_QPA_PLATFORM=offscreen")
+endfunction()

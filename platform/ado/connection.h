@@ -1,0 +1,83 @@
+#pragma once
+
+// Connections to account sets, whatever stands behind them.
+//
+// A back end is a folder beside this header that implements Connection and registers itself under the name that a
+// connect string gives as Provider=. Callers ask OpenConnection() and never name a back end. A connection belongs
+// to the user-interface thread; the recordsets that it returns outlive it.
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ado/recordset.h"
+
+namespace vicenter::ado {
+
+namespace error_number {
+inline constexpr std::int32_t kProviderError = static_cast<std::int32_t>(0x80040E14);  // a statement was refused
+inline constexpr std::int32_t kItemNotFound = 3265;
+inline constexpr std::int32_t kNoCurrentRecord = 3021;
+inline constexpr std::int32_t kObjectClosed = 3704;
+inline constexpr std::int32_t kProviderNotFound = 3706;
+}  // namespace error_number
+
+// One diagnostic record of the server.
+struct DriverError {
+    std::int32_t native = 0;  // the server's message number, for instance 208
+    std::int32_t severity = 0;
+    std::int32_t state = 0;
+    std::int32_t line = 0;  // within the batch or procedure, from 1
+    std::string procedure;  // empty outside a procedure
+    std::string sqlState;
+    std::string text;
+};
+
+// Called between the rows of a result; false ends the statement as cancelled.
+using ProgressCallback = std::function<bool(std::int64_t rows)>;
+
+class Connection {
+  public:
+    Connection() = default;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    virtual ~Connection() = default;
+
+    // Throws automation::Error when the account set cannot be opened.
+    virtual void Open(const std::string& connectString) = 0;
+    virtual bool IsOpen() const = 0;
+    // Runs one batch. The recordset of its first result; further results hang on Recordset::Next(). A batch
+    // without any result gives a closed recordset. recordsAffected gets the rows changed by the whole batch, or -1
+    // when no statement changed any. Throws automation::Error (kProviderError, the text of the first diagnostic
+    // record); Errors() then holds all of them.
+    virtual RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected = nullptr) = 0;
+    virtual void Close() = 0;
+    // The records of the last Execute or Open.
+    virtual const std::vector<DriverError>& Errors() const = 0;
+};
+
+using ConnectionRef = std::shared_ptr<Connection>;
+using ConnectionFactory = std::function<ConnectionRef()>;
+
+// A connect string: key=value pairs, ";" between them, keys without case; a value may stand in braces or quotes.
+class ConnectString {
+  public:
+    explicit ConnectString(std::string_view text);
+    // The last value of that key, or the empty text.
+    std::string Value(std::string_view key) const;
+    bool Has(std::string_view key) const;
+
+  private:
+    std::vector<std::pair<std::string, std::string>> pairs_;
+};
+
+// Back ends by provider name; compared without case. A later registration replaces the earlier one.
+void RegisterProvider(std::string name, ConnectionFactory factory);
+
+// Opens a new connection by the connect string's Provider=. An unknown or missing provider is error 3706.
+ConnectionRef OpenConnection(const std::string& connectString);
+
+}  // namespace vicenter::ado
