@@ -1,0 +1,107 @@
+#include "platform/ado/connection.h"
+
+#include <utility>
+
+namespace vicenter::ado {
+
+using automation::Error;
+
+namespace {
+
+constexpr const char* kProviderNotFoundText = "Provider cannot be found. It may not be properly installed.";
+
+std::string_view Trimmed(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
+        text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
+        text.remove_suffix(1);
+    return text;
+}
+
+struct Provider {
+    std::string name;
+    ConnectionFactory factory;
+};
+
+std::vector<Provider>& Providers() {
+    static std::vector<Provider> providers;
+    return providers;
+}
+
+}  // namespace
+
+ConnectString::ConnectString(std::string_view text) {
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const std::size_t equals = text.find('=', at);
+        const std::size_t semicolon = text.find(';', at);
+        if (equals == std::string_view::npos || (semicolon != std::string_view::npos && semicolon < equals)) {
+            // A piece without "=" names nothing.
+            if (semicolon == std::string_view::npos) return;
+            at = semicolon + 1;
+            continue;
+        }
+        const std::string_view key = Trimmed(text.substr(at, equals - at));
+        at = equals + 1;
+        while (at < text.size() && (text[at] == ' ' || text[at] == '\t'))
+            ++at;
+        std::string value;
+        const char open = at < text.size() ? text[at] : '\0';
+        if (open == '{' || open == '"' || open == '\'') {
+            // The closing mark is doubled to stand for itself.
+            const char close = open == '{' ? '}' : open;
+            for (++at; at < text.size(); ++at) {
+                if (text[at] == close) {
+                    if (at + 1 >= text.size() || text[at + 1] != close) break;
+                    ++at;
+                }
+                value += text[at];
+            }
+            const std::size_t end = text.find(';', at);
+            at = end == std::string_view::npos ? text.size() : end + 1;
+        } else {
+            const std::size_t end = text.find(';', at);
+            const std::size_t stop = end == std::string_view::npos ? text.size() : end;
+            value = Trimmed(text.substr(at, stop - at));
+            at = end == std::string_view::npos ? text.size() : end + 1;
+        }
+        pairs_.emplace_back(std::string(key), std::move(value));
+    }
+}
+
+std::string ConnectString::Value(std::string_view key) const {
+    for (auto pair = pairs_.rbegin(); pair != pairs_.rend(); ++pair) {
+        if (automation::SameName(pair->first, key)) return pair->second;
+    }
+    return {};
+}
+
+bool ConnectString::Has(std::string_view key) const {
+    for (const auto& pair : pairs_) {
+        if (automation::SameName(pair.first, key)) return true;
+    }
+    return false;
+}
+
+void RegisterProvider(std::string name, ConnectionFactory factory) {
+    for (Provider& provider : Providers()) {
+        if (automation::SameName(provider.name, name)) {
+            provider.factory = std::move(factory);
+            return;
+        }
+    }
+    Providers().push_back({std::move(name), std::move(factory)});
+}
+
+ConnectionRef OpenConnection(const std::string& connectString) {
+    const std::string name = ConnectString(connectString).Value("Provider");
+    for (const Provider& provider : Providers()) {
+        if (name.empty() || !automation::SameName(provider.name, name)) continue;
+        ConnectionRef connection = provider.factory();
+        connection->Open(connectString);
+        return connection;
+    }
+    throw Error(error_number::kProviderNotFound, kProviderNotFoundText, "ADODB.Connection");
+}
+
+}  // namespace vicenter::ado
