@@ -26,7 +26,8 @@ class ClassRegistry {
     void Unregister(std::string_view progId);
     bool IsRegistered(std::string_view progId) const;
     std::vector<std::string> ProgIds() const;
-    // Throws Error 429 when the ProgID is unknown or the factory gives no object; other errors of the factory pass.
+    // Throws Error 429 when the ProgID is unknown or the factory gives no object; other errors of the factory
+    // pass.
     ObjectRef Create(std::string_view progId) const;
 
     // Keeps the whole content of a registry and puts it back at the end of the scope: for tests and examples.

@@ -28,8 +28,8 @@ class DateTime {
     static std::optional<DateTime> FromParts(const DateTimeParts& parts);
     // Automation serial: days since 1899-12-30 with the time of day as the absolute fraction.
     static DateTime FromSerial(double days);
-    // "YYYY-MM-DD", "YYYY-MM-DD hh:mm[:ss[.fff]]", also with "/" between the date's parts or "T" before the time,
-    // one-digit months and days allowed, blanks around ignored. Nothing for any other text.
+    // "YYYY-MM-DD", "YYYY-MM-DD hh:mm[:ss[.fff]]", also with "/" between the date's parts or "T" before the
+    // time, one-digit months and days allowed, blanks around ignored. Nothing for any other text.
     static std::optional<DateTime> Parse(std::string_view text);
 
     std::int64_t Milliseconds() const { return milliseconds_; }

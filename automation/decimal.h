@@ -1,7 +1,8 @@
 #pragma once
 
 // Exact decimal numbers: a sign, up to 38 significant digits and a scale of 0 to 38 digits after the point.
-// Serves both the automation Decimal and the decimal columns of an account set. A value type without ownership.
+// Serves both the automation Decimal and the decimal columns of an account set. A value type without
+// ownership.
 
 #include <cstdint>
 #include <optional>
@@ -44,7 +45,8 @@ class Decimal {
     // Without trailing zeros of the fraction: "12.5".
     std::string ToShortText() const;
 
-    // Same value with the given scale, rounded half away from zero; throws Error 6 when it needs over 38 digits.
+    // Same value with the given scale, rounded half away from zero; throws Error 6 when it needs over 38
+    // digits.
     Decimal Rescaled(int scale) const;
     // Same value with the given scale, surplus digits cut off.
     Decimal Truncated(int scale) const;
@@ -54,8 +56,8 @@ class Decimal {
 
     // Negative, zero or positive as a < b, a == b, a > b.
     static int Compare(const Decimal& a, const Decimal& b);
-    // Exact; throw Error 6 when the result needs over 38 digits. Multiply drops digits of the fraction (rounding)
-    // before it gives up.
+    // Exact; throw Error 6 when the result needs over 38 digits. Multiply drops digits of the fraction
+    // (rounding) before it gives up.
     static Decimal Add(const Decimal& a, const Decimal& b);
     static Decimal Subtract(const Decimal& a, const Decimal& b);
     static Decimal Multiply(const Decimal& a, const Decimal& b);

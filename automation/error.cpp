@@ -43,7 +43,9 @@ std::string ErrorText(std::int32_t number) {
 }
 
 Error::Error(std::int32_t number, std::string text, std::string source)
-    : number_(number), text_(text.empty() ? ErrorText(number) : std::move(text)), source_(std::move(source)) {}
+    : number_(number),
+      text_(text.empty() ? ErrorText(number) : std::move(text)),
+      source_(std::move(source)) {}
 
 Error& Error::While(std::string doing) {
     chain_.push_back(std::move(doing));

@@ -2,9 +2,10 @@
 
 // The one exception type of the project.
 //
-// A run-time error has a number, a text and a source, as every automation client expects, and the chain of what
-// was being done when it came up. It is thrown by any layer and converted at the edges: the automation boundary,
-// the slots of the windows and main(). Whatever is *expected* to happen is a return value, never an Error.
+// A run-time error has a number, a text and a source, as every automation client expects, and the chain of
+// what was being done when it came up. It is thrown by any layer and converted at the edges: the automation
+// boundary, the slots of the windows and main(). Whatever is *expected* to happen is a return value, never an
+// Error.
 
 #include <cstdint>
 #include <exception>

@@ -12,7 +12,8 @@
 //         static const MemberTable<Point> table{
 //             Property<Point>("X", [](Point& self, Arguments&) { return Variant(self.X()); },
 //                             [](Point& self, Arguments& a) { self.SetX(a[0].Value().ToDouble()); }),
-//             Method<Point>("MoveBy", {"dx", "dy"}, [](Point& self, Arguments& a) { ...; return Variant(); }),
+//             Method<Point>("MoveBy", {"dx", "dy"}, [](Point& self, Arguments& a) { ...; return Variant();
+//             }),
 //         };
 //         return table;
 //     }
@@ -68,11 +69,13 @@ struct Member {
 
 template <class T>
 Member<T> Method(std::string name, ArgumentNames arguments, typename Member<T>::Reader call) {
-    return {{std::move(name), std::move(arguments.names), false, false, true, false}, std::move(call), nullptr};
+    return {
+        {std::move(name), std::move(arguments.names), false, false, true, false}, std::move(call), nullptr};
 }
 
 template <class T>
-Member<T> Property(std::string name, typename Member<T>::Reader read, typename Member<T>::Writer write = nullptr) {
+Member<T> Property(std::string name, typename Member<T>::Reader read,
+                   typename Member<T>::Writer write = nullptr) {
     MemberInfo info{std::move(name), {}, read != nullptr, write != nullptr, false, false};
     return {std::move(info), std::move(read), std::move(write)};
 }
@@ -80,7 +83,8 @@ Member<T> Property(std::string name, typename Member<T>::Reader read, typename M
 template <class T>
 Member<T> IndexedProperty(std::string name, ArgumentNames indexes, typename Member<T>::Reader read,
                           typename Member<T>::Writer write = nullptr) {
-    MemberInfo info{std::move(name), std::move(indexes.names), read != nullptr, write != nullptr, false, false};
+    MemberInfo info{
+        std::move(name), std::move(indexes.names), read != nullptr, write != nullptr, false, false};
     return {std::move(info), std::move(read), std::move(write)};
 }
 

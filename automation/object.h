@@ -2,8 +2,8 @@
 
 // Late-bound objects: named members called with variants.
 //
-// Objects are owned through ObjectRef and live on the user-interface thread. A member name is compared without
-// regard to case. The empty name stands for the default member. Failures are thrown as Error:
+// Objects are owned through ObjectRef and live on the user-interface thread. A member name is compared
+// without regard to case. The empty name stands for the default member. Failures are thrown as Error:
 //   438 no such member, 448 unknown named argument, 449 missing argument, 450 too many arguments.
 
 #include <initializer_list>
@@ -23,8 +23,8 @@ enum class InvokeKind { Get, Put, Call };
 class Argument {
   public:
     template <class T>
-        requires std::convertible_to<T, Variant>
-    Argument(T&& value) : value_(std::forward<T>(value)) {}  // NOLINT: arguments read like values at the call
+    requires std::convertible_to<T, Variant> Argument(T&& value)
+        : value_(std::forward<T>(value)) {}  // NOLINT: arguments read like values at the call
 
     static Argument ByReference(Variant& variable) {
         Argument argument{Variant()};
@@ -63,7 +63,9 @@ class Object : public std::enable_shared_from_this<Object> {
     virtual bool HasMember(std::string_view name) const = 0;
     virtual Variant Invoke(std::string_view name, InvokeKind kind, Arguments& arguments) = 0;
 
-    Variant Get(std::string_view name, Arguments arguments = {}) { return Invoke(name, InvokeKind::Get, arguments); }
+    Variant Get(std::string_view name, Arguments arguments = {}) {
+        return Invoke(name, InvokeKind::Get, arguments);
+    }
     Variant Call(std::string_view name, Arguments arguments = {}) {
         return Invoke(name, InvokeKind::Call, arguments);
     }

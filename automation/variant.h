@@ -3,7 +3,8 @@
 // Variant: the value that travels through every late-bound call.
 //
 // A value type; texts are UTF-8, arrays are shared copy-on-write (an assigned array never changes behind its
-// other owners), objects are shared references. Not thread-safe: everything runs on the user-interface thread.
+// other owners), objects are shared references. Not thread-safe: everything runs on the user-interface
+// thread.
 
 #include <cstdint>
 #include <memory>
@@ -21,7 +22,21 @@ namespace vicenter::automation {
 class Object;
 using ObjectRef = std::shared_ptr<Object>;
 
-enum class VariantType { Empty, Null, Boolean, Int16, Int32, Int64, Double, Decimal, Date, Text, Array, Object, Error };
+enum class VariantType {
+    Empty,
+    Null,
+    Boolean,
+    Int16,
+    Int32,
+    Int64,
+    Double,
+    Decimal,
+    Date,
+    Text,
+    Array,
+    Object,
+    Error
+};
 
 // At the automation boundary true has all bits set.
 inline constexpr std::int16_t kAutomationTrue = -1;
@@ -80,9 +95,10 @@ class Variant {
     // "Variant()", "Error", the object's own type name, or "Nothing".
     std::string TypeName() const;
 
-    // Conversions as an automation client expects them, independent of the locale. Empty counts as 0, false or
-    // the empty text; objects are asked for their default member. Each throws
-    //   13 type mismatch (a text that is no number, an array, an error value), 6 overflow, 94 invalid use of Null.
+    // Conversions as an automation client expects them, independent of the locale. Empty counts as 0, false
+    // or the empty text; objects are asked for their default member. Each throws
+    //   13 type mismatch (a text that is no number, an array, an error value), 6 overflow, 94 invalid use of
+    //   Null.
     // Numbers round half to even when they become integers.
     bool ToBoolean() const;
     std::int16_t ToInt16() const;
@@ -105,9 +121,9 @@ class Variant {
     struct NullValue {
         friend bool operator==(const NullValue&, const NullValue&) = default;
     };
-    using Data = std::variant<std::monostate, NullValue, bool, std::int16_t, std::int32_t, std::int64_t, double,
-                              Decimal, DateTime, std::string, std::shared_ptr<const VariantArray>, ObjectRef,
-                              ErrorValue>;
+    using Data = std::variant<std::monostate, NullValue, bool, std::int16_t, std::int32_t, std::int64_t,
+                              double, Decimal, DateTime, std::string, std::shared_ptr<const VariantArray>,
+                              ObjectRef, ErrorValue>;
     const Data& Raw() const { return data_; }
 
     // Same type and same value (texts by their bytes, arrays element by element, objects by identity).
@@ -122,8 +138,8 @@ class Variant {
 
 // The shortest text that reads back as the same double, '.' as the decimal sign: "0.1", "1E+20" as "1e+20".
 std::string DoubleToText(double value);
-// A decimal number with optional sign, fraction and exponent, blanks around ignored; nothing for any other text
-// (no hexadecimal, no separators, no currency signs, no "inf").
+// A decimal number with optional sign, fraction and exponent, blanks around ignored; nothing for any other
+// text (no hexadecimal, no separators, no currency signs, no "inf").
 std::optional<double> ParseDouble(std::string_view text);
 
 }  // namespace vicenter::automation

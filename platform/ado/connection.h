@@ -2,9 +2,9 @@
 
 // Connections to account sets, whatever stands behind them.
 //
-// A back end is a folder beside this header that implements Connection and registers itself under the name that a
-// connect string gives as Provider=. Callers ask OpenConnection() and never name a back end. A connection belongs
-// to the user-interface thread; the recordsets that it returns outlive it.
+// A back end is a folder beside this header that implements Connection and registers itself under the name
+// that a connect string gives as Provider=. Callers ask OpenConnection() and never name a back end. A
+// connection belongs to the user-interface thread; the recordsets that it returns outlive it.
 
 #include <cstdint>
 #include <functional>
@@ -18,7 +18,8 @@
 namespace vicenter::ado {
 
 namespace error_number {
-inline constexpr std::int32_t kProviderError = static_cast<std::int32_t>(0x80040E14);  // a statement was refused
+inline constexpr std::int32_t kProviderError =
+    static_cast<std::int32_t>(0x80040E14);  // a statement was refused
 inline constexpr std::int32_t kItemNotFound = 3265;
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
 inline constexpr std::int32_t kObjectClosed = 3704;
@@ -50,9 +51,9 @@ class Connection {
     virtual void Open(const std::string& connectString) = 0;
     virtual bool IsOpen() const = 0;
     // Runs one batch. The recordset of its first result; further results hang on Recordset::Next(). A batch
-    // without any result gives a closed recordset. recordsAffected gets the rows changed by the whole batch, or -1
-    // when no statement changed any. Throws automation::Error (kProviderError, the text of the first diagnostic
-    // record); Errors() then holds all of them.
+    // without any result gives a closed recordset. recordsAffected gets the rows changed by the whole batch,
+    // or -1 when no statement changed any. Throws automation::Error (kProviderError, the text of the first
+    // diagnostic record); Errors() then holds all of them.
     virtual RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected = nullptr) = 0;
     virtual void Close() = 0;
     // The records of the last Execute or Open.
@@ -62,7 +63,8 @@ class Connection {
 using ConnectionRef = std::shared_ptr<Connection>;
 using ConnectionFactory = std::function<ConnectionRef()>;
 
-// A connect string: key=value pairs, ";" between them, keys without case; a value may stand in braces or quotes.
+// A connect string: key=value pairs, ";" between them, keys without case; a value may stand in braces or
+// quotes.
 class ConnectString {
   public:
     explicit ConnectString(std::string_view text);

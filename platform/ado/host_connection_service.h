@@ -3,8 +3,9 @@
 // The host's data-connection service, as far as the component uses it.
 //
 // The framework object is process-wide and created on first use; it gives brokers and creates host objects. A
-// broker is bound to the host property string and then hands out the connection for each statement. A host may
-// set a framework of its own; the default opens a plain connection from the property string's ConnectString.
+// broker is bound to the host property string and then hands out the connection for each statement. A host
+// may set a framework of its own; the default opens a plain connection from the property string's
+// ConnectString.
 
 #include <memory>
 #include <string>

@@ -2,9 +2,9 @@
 
 // A disconnected, in-memory recordset: it stays usable after its connection is gone.
 //
-// C++ callers use the typed members; automation clients the late-bound ones (RecordCount, EOF, BOF, MoveFirst,
-// MoveNext, Fields, State, NextRecordset; the default member is Fields). Owned through RecordsetRef,
-// user-interface thread only.
+// C++ callers use the typed members; automation clients the late-bound ones (RecordCount, EOF, BOF,
+// MoveFirst, MoveNext, Fields, State, NextRecordset; the default member is Fields). Owned through
+// RecordsetRef, user-interface thread only.
 
 #include <cstdint>
 #include <memory>
@@ -106,7 +106,9 @@ class Recordset : public automation::TableObject<Recordset> {
     const Variant& Value(std::size_t column) const;
     const Variant& Value(std::string_view name) const { return Value(ColumnIndex(name)); }
     // A value of any row, row counted from 0.
-    const Variant& ValueAt(std::size_t row, std::size_t column) const { return values_[row * columns_.size() + column]; }
+    const Variant& ValueAt(std::size_t row, std::size_t column) const {
+        return values_[row * columns_.size() + column];
+    }
 
     // The next result of the same batch; no object behind the last.
     const RecordsetRef& Next() const { return next_; }

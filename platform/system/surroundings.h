@@ -2,9 +2,9 @@
 
 // What the component needs of the machine and of the person in front of it, as interfaces.
 //
-// One Surroundings serves the process: Current() is the operating system's until a window system, a command line
-// or a test puts another in place. Message boxes, file choices, the clock and process starts all go this way, so
-// that no test ever meets a modal dialog. User-interface thread only.
+// One Surroundings serves the process: Current() is the operating system's until a window system, a command
+// line or a test puts another in place. Message boxes, file choices, the clock and process starts all go this
+// way, so that no test ever meets a modal dialog. User-interface thread only.
 
 #include <cstdint>
 #include <functional>
@@ -40,8 +40,8 @@ struct FileRequest {
     std::string proposedName;
     std::vector<FileFilter> filters;
     std::size_t selectedFilter = 0;
-    std::uint32_t flags = 0;  // of the common dialog: 0x2 overwrite prompt, 0x4 hide read-only, 0x800 path must
-                              // exist, 0x1000 file must exist, 0x80000 explorer style
+    std::uint32_t flags = 0;  // of the common dialog: 0x2 overwrite prompt, 0x4 hide read-only, 0x800 path
+                              // must exist, 0x1000 file must exist, 0x80000 explorer style
 };
 
 // Modal file choices; nothing when the user cancelled.
@@ -103,7 +103,8 @@ struct Surroundings {
     std::shared_ptr<Folders> folders;
 
     static Surroundings& Current();
-    // The operating system's services; message boxes answer Ok/No and file dialogs cancel, since nobody is there.
+    // The operating system's services; message boxes answer Ok/No and file dialogs cancel, since nobody is
+    // there.
     static Surroundings OfSystem();
 };
 

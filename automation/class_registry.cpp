@@ -1,0 +1,54 @@
+#include "automation/class_registry.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace vicenter::automation {
+
+bool ClassRegistry::NameLess::operator()(std::string_view a, std::string_view b) const {
+    auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                        [&](char x, char y) { return lower(x) < lower(y); });
+}
+
+ClassRegistry& ClassRegistry::Process() {
+    static ClassRegistry registry;
+    return registry;
+}
+
+void ClassRegistry::Register(std::string progId, Factory factory) {
+    Unregister(progId);
+    classes_.emplace(std::move(progId), std::move(factory));
+}
+
+void ClassRegistry::Unregister(std::string_view progId) {
+    const auto found = classes_.find(progId);
+    if (found != classes_.end()) classes_.erase(found);
+}
+
+bool ClassRegistry::IsRegistered(std::string_view progId) const {
+    return classes_.find(progId) != classes_.end();
+}
+
+std::vector<std::string> ClassRegistry::ProgIds() const {
+    std::vector<std::string> result;
+    result.reserve(classes_.size());
+    for (const auto& [progId, factory] : classes_)
+        result.push_back(progId);
+    return result;
+}
+
+ObjectRef ClassRegistry::Create(std::string_view progId) const {
+    const auto found = classes_.find(progId);
+    if (found == classes_.end()) throw Error(error_number::kCannotCreateObject, {}, std::string(progId));
+    const Factory factory = found->second;  // the class may unregister itself while it is created
+    ObjectRef object = factory();
+    if (!object) throw Error(error_number::kCannotCreateObject, {}, std::string(progId));
+    return object;
+}
+
+ObjectRef CreateObject(std::string_view progId) {
+    return ClassRegistry::Process().Create(progId);
+}
+
+}  // namespace vicenter::automation
