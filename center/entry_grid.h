@@ -1,0 +1,174 @@
+#pragma once
+
+// The entry grid `vsEntrys` without a window: 21 columns, texts, colours, widths, active cell.
+//
+// One object serves three sides: the presenter works on the typed members, hosts and dialogs drive it
+// late-bound by the spread control's property names (Row, Col, Row2, Col2, BlockMode, ReDraw, Text,
+// ForeColor, BackColor, ColHidden, ColWidth, MaxRows, MaxCols ...), and a window paints it through
+// GridObserver. Rows and columns count from 1; row 0 is the header. A blank row costs one pointer, a filled
+// one two blocks of memory, so that 100,000 rows are no burden. Owned through std::shared_ptr, user-interface
+// thread only.
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "automation/member_table.h"
+#include "center/columns.h"
+
+namespace vicenter::center {
+
+namespace color {
+inline constexpr std::int32_t kBlack = 0;
+inline constexpr std::int32_t kRed = 255;  // 0x00BBGGRR
+inline constexpr std::int32_t kWhite = 0xFFFFFF;
+}  // namespace color
+
+struct CellRange {
+    int firstRow = 1;
+    int firstColumn = 1;
+    int lastRow = 0;
+    int lastColumn = 0;
+
+    bool IsEmpty() const { return lastRow < firstRow || lastColumn < firstColumn; }
+    friend bool operator==(const CellRange&, const CellRange&) = default;
+};
+
+struct CellAddress {
+    int row = 1;
+    int column = 1;
+    friend bool operator==(const CellAddress&, const CellAddress&) = default;
+};
+
+// What a cell looks like; the text is Text()'s.
+struct CellLook {
+    std::int32_t foreColor = color::kBlack;
+    std::int32_t backColor = color::kWhite;
+    bool operator==(const CellLook&) const = default;
+};
+
+struct ColumnLayout {
+    double width = 0;  // twips; dragging may leave fractions
+    bool hidden = false;
+};
+
+struct GridFont {
+    std::string name;
+    double size = 9;
+};
+
+// Told of every change. Structure changes come in pairs, before and after, as item models want them; cell
+// changes are held back while ReDraw is off and come as one range when it goes on again.
+class GridObserver {
+  public:
+    virtual ~GridObserver() = default;
+    virtual void TextsChanged(const CellRange&) {}
+    virtual void LooksChanged(const CellRange&) {}
+    virtual void RowsAboutToBeInserted(int /*firstRow*/, int /*count*/) {}
+    virtual void RowsInserted(int /*firstRow*/, int /*count*/) {}
+    virtual void RowsAboutToBeRemoved(int /*firstRow*/, int /*count*/) {}
+    virtual void RowsRemoved(int /*firstRow*/, int /*count*/) {}
+    virtual void AboutToReset() {}
+    virtual void WasReset() {}
+    virtual void ColumnsChanged(int /*firstColumn*/, int /*lastColumn*/) {}  // width or hidden flag
+    virtual void RowHeightsChanged() {}
+    virtual void FontChanged() {}
+    virtual void ActiveCellChanged(const CellAddress&) {}
+    virtual void ScrolledIntoView(const CellAddress&) {}
+};
+
+class GridJournal;
+
+class EntryGrid : public automation::TableObject<EntryGrid> {
+  public:
+    EntryGrid();
+    ~EntryGrid() override;
+    static const automation::MemberTable<EntryGrid>& Members();
+    std::string TypeName() const override { return "vaSpread"; }
+
+    void AddObserver(GridObserver& observer);
+    void RemoveObserver(GridObserver& observer);
+    // Every change of texts and rows is also written down there (undo); none by default. Not owned.
+    void SetJournal(GridJournal* journal) { journal_ = journal; }
+
+    int RowTotal() const { return static_cast<int>(rows_.size()); }
+    // Rows are cut off or blank ones added at the end.
+    void SetRowTotal(int rows);
+    // All rows gone, then `rows` blank ones; the active cell is (1, 1). Not written to the journal.
+    void Clear(int rows);
+    void InsertRows(int firstRow, int count);
+    void RemoveRows(int firstRow, int count);
+    bool IsBlankRow(int row) const;
+
+    // The plain text; the view is valid until the row changes. Outside the grid: the empty text.
+    std::string_view Text(int row, int column) const;
+    // False, and nothing changed, when the column refuses the text (AcceptsProgramText) or the cell is
+    // outside.
+    bool SetText(int row, int column, std::string_view text);
+    // A whole row as read from the account set: never refused, not written to the journal.
+    void FillRow(int row, const std::array<std::string, kColumnCount>& texts);
+
+    CellLook Look(int row, int column) const;
+    void SetForeColor(const CellRange& range, std::int32_t value);
+    void SetBackColor(const CellRange& range, std::int32_t value);
+    // The check (1 to 5) that refused the cell, 0 for none; kept beside the colour for tooltips.
+    int FaultyCheck(int row, int column) const;
+    void SetFaultyCheck(int row, int check, bool faulty);
+
+    ColumnLayout Layout(int column) const { return layouts_[static_cast<std::size_t>(column)]; }
+    void SetColumnWidth(int column, double twips);
+    void SetColumnHidden(int column, bool hidden);
+
+    int HeaderHeight() const { return headerHeight_; }  // twips
+    int RowHeight() const { return rowHeight_; }
+    void SetRowHeights(int header, int data);
+    const GridFont& Font() const { return font_; }
+    void SetFont(GridFont font);
+
+    // Nothing is active before the first cell has been: row and column 0.
+    CellAddress ActiveCell() const { return active_; }
+    void SetActiveCell(const CellAddress& cell);
+    void ScrollIntoView(const CellAddress& cell);
+
+    bool ReDraw() const { return redraw_; }
+    void SetReDraw(bool on);
+
+  private:
+    friend class GridJournal;
+    struct Row;
+    struct Selection {  // the control's current block: Row, Col to Row2, Col2
+        int row = 1;
+        int column = 1;
+        int row2 = 1;
+        int column2 = 1;
+        bool block = false;
+    };
+
+    bool Contains(int row, int column) const;
+    Row& RowAt(int row);
+    const Row* RowIfAny(int row) const;
+    bool PutText(int row, int column, std::string_view text);
+    void ReportTexts(const CellRange& range);
+    void ReportLooks(const CellRange& range);
+    CellRange SelectedRange() const;
+    template <class Call>
+    void Tell(Call call);
+
+    std::vector<std::unique_ptr<Row>> rows_;
+    std::array<ColumnLayout, kColumnCount + 1> layouts_;
+    std::vector<GridObserver*> observers_;
+    GridJournal* journal_ = nullptr;
+    Selection selection_;
+    CellAddress active_{0, 0};
+    GridFont font_;
+    int headerHeight_ = 450;
+    int rowHeight_ = 285;
+    bool redraw_ = true;
+    CellRange pendingTexts_;
+    CellRange pendingLooks_;
+};
+
+}  // namespace vicenter::center
