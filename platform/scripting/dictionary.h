@@ -1,0 +1,77 @@
+#pragma once
+
+// Scripting.Dictionary: keys and items in the order in which the keys were added.
+//
+// Keys are any values but arrays; numbers are equal across their types; texts compare by their characters or,
+// with CompareMode 1, without case. Removing a key costs time linear in the number of keys; everything else
+// is constant. User-interface thread only.
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "automation/member_table.h"
+#include "automation/variant.h"
+
+namespace vicenter::scripting {
+
+using automation::Variant;
+
+enum class CompareMode : std::int32_t { Binary = 0, Text = 1 };
+
+class Dictionary : public automation::TableObject<Dictionary> {
+  public:
+    static const automation::MemberTable<Dictionary>& Members();
+    std::string TypeName() const override { return "Dictionary"; }
+
+    std::size_t Count() const { return entries_.size(); }
+    bool Exists(const Variant& key) const { return Find(key) != kNone; }
+    // Error 457 when the key exists.
+    void Add(Variant key, Variant item);
+    // Adds or replaces.
+    void SetItem(const Variant& key, Variant item);
+    // The item, or none when the key does not exist. Does not add.
+    const Variant* Item(const Variant& key) const;
+    // As automation clients know it: an unknown key is added with an empty item.
+    const Variant& ItemOrNew(const Variant& key);
+    // Error 32811 when the key does not exist.
+    void Remove(const Variant& key);
+    void RemoveAll();
+    // Error 32811 for an unknown key, 457 when the new key exists.
+    void Rename(const Variant& key, Variant newKey);
+    // Error 5 when the dictionary is not empty.
+    void SetCompareMode(CompareMode mode);
+    CompareMode GetCompareMode() const { return mode_; }
+
+    // The entry at a position, counted from 0.
+    const Variant& KeyAt(std::size_t index) const { return entries_[index].key; }
+    const Variant& ItemAt(std::size_t index) const { return entries_[index].item; }
+    automation::VariantArray Keys() const;
+    automation::VariantArray Items() const;
+
+  private:
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    // Up to here a plain scan is quicker than the index and needs no memory of its own.
+    static constexpr std::size_t kIndexFrom = 8;
+
+    struct Entry {
+        std::string code;  // the key in its comparable form
+        Variant key;
+        Variant item;
+    };
+
+    std::string CodeOf(const Variant& key) const;
+    std::size_t Find(const Variant& key) const { return FindCode(CodeOf(key)); }
+    std::size_t FindCode(const std::string& code) const;
+    void Append(std::string code, Variant key, Variant item);
+    void RebuildIndex();
+
+    std::vector<Entry> entries_;
+    std::unordered_map<std::string, std::size_t> index_;
+    CompareMode mode_ = CompareMode::Binary;
+};
+
+using DictionaryRef = std::shared_ptr<Dictionary>;
+
+}  // namespace vicenter::scripting

@@ -1,0 +1,180 @@
+// Text order by ICU: the "zh" collation at secondary strength, which ignores case and width but not accents.
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <numeric>
+#include <utility>
+
+#include <unicode/coll.h>
+#include <unicode/stringpiece.h>
+#include <unicode/translit.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include "automation/error.h"
+#include "platform/system/collation.h"
+
+namespace vicenter::system {
+
+namespace {
+
+icu::StringPiece Piece(std::string_view text) {
+    return icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size()));
+}
+
+std::string_view WithoutTrailingBlanks(std::string_view text) {
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
+    return text;
+}
+
+// Words of the ledger whose characters ICU reads otherwise: it knows one reading a character.
+constexpr std::pair<std::u16string_view, std::string_view> kReadings[] = {
+    {u"银行", "yh"}, {u"分行", "fh"}, {u"支行", "zh"}, {u"总行", "zh"}, {u"会计", "kj"},
+    {u"长期", "cq"}, {u"长途", "ct"}, {u"调整", "tz"}, {u"重组", "cz"}, {u"盛", "s"},
+};
+
+class IcuCollator : public Collator {
+  public:
+    IcuCollator() {
+        UErrorCode status = U_ZERO_ERROR;
+        collator_.reset(icu::Collator::createInstance(icu::Locale("zh", "CN"), status));
+        if (U_FAILURE(status)) throw automation::Error(0, "The Chinese collation is not available.");
+        collator_->setStrength(icu::Collator::SECONDARY);
+        RankAscii();
+    }
+
+    int Compare(std::string_view a, std::string_view b) const override {
+        a = WithoutTrailingBlanks(a);
+        b = WithoutTrailingBlanks(b);
+        if (a == b) return 0;
+        if (const int quick = CompareAscii(a, b); quick != kUndecided) return quick;
+        UErrorCode status = U_ZERO_ERROR;
+        return collator_->compareUTF8(Piece(a), Piece(b), status);
+    }
+
+    std::string Fold(std::string_view text) const override {
+        std::string result(text);
+        bool ascii = true;
+        for (char& c : result) {
+            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+            ascii = ascii && static_cast<unsigned char>(c) < 0x80;
+        }
+        if (ascii) return result;
+        icu::UnicodeString wide = icu::UnicodeString::fromUTF8(Piece(text));
+        for (std::int32_t i = 0; i < wide.length(); ++i) {
+            const char16_t unit = wide.charAt(i);
+            if (unit >= 0xFF01 && unit <= 0xFF5E) wide.setCharAt(i, static_cast<char16_t>(unit - 0xFEE0));
+            if (unit == 0x3000) wide.setCharAt(i, u' ');
+        }
+        wide.foldCase();
+        result.clear();
+        wide.toUTF8String(result);
+        return result;
+    }
+
+    std::string PinyinInitials(std::string_view text) const override {
+        const icu::UnicodeString wide = icu::UnicodeString::fromUTF8(Piece(text));
+        std::string result;
+        for (std::int32_t i = 0; i < wide.length();) {
+            if (const std::int32_t taken = TakeReading(wide, i, result)) {
+                i += taken;
+                continue;
+            }
+            const UChar32 c = wide.char32At(i);
+            i += U16_LENGTH(c);
+            if (u_hasBinaryProperty(c, UCHAR_IDEOGRAPHIC)) {
+                icu::UnicodeString one(c);
+                Pinyin().transliterate(one);
+                if (one.length() > 0 && one.charAt(0) < 0x80) result += static_cast<char>(one.charAt(0));
+            } else if (u_isalnum(c)) {
+                icu::UnicodeString one(c);
+                std::string utf8;
+                result += Fold(one.toUTF8String(utf8));
+            }
+        }
+        return result;
+    }
+
+  private:
+    static constexpr int kUndecided = 2;
+
+    // ASCII texts compare by a table: the same order as the collation's, found by sorting the characters
+    // once. Characters that the collation ignores have no rank and send the texts the long way.
+    void RankAscii() {
+        std::array<int, 128> order{};
+        std::iota(order.begin(), order.end(), 0);
+        const auto compare = [&](int x, int y) {
+            UErrorCode status = U_ZERO_ERROR;
+            const char a = static_cast<char>(x);
+            const char b = static_cast<char>(y);
+            return static_cast<int>(
+                collator_->compareUTF8(icu::StringPiece(&a, 1), icu::StringPiece(&b, 1), status));
+        };
+        std::stable_sort(order.begin(), order.end(), [&](int x, int y) { return compare(x, y) < 0; });
+        const icu::StringPiece nothing("", 0);
+        int rank = 1;
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            if (i > 0 && compare(order[i - 1], order[i]) != 0) ++rank;
+            const char c = static_cast<char>(order[i]);
+            UErrorCode status = U_ZERO_ERROR;
+            const bool ignored =
+                collator_->compareUTF8(icu::StringPiece(&c, 1), nothing, status) == UCOL_EQUAL;
+            ranks_[static_cast<std::size_t>(order[i])] = ignored ? 0 : static_cast<unsigned char>(rank);
+        }
+    }
+
+    int CompareAscii(std::string_view a, std::string_view b) const {
+        const std::size_t common = std::min(a.size(), b.size());
+        int found = 0;
+        for (std::size_t i = 0; i < common; ++i) {
+            const auto x = static_cast<unsigned char>(a[i]);
+            const auto y = static_cast<unsigned char>(b[i]);
+            if (x >= 128 || y >= 128 || ranks_[x] == 0 || ranks_[y] == 0) return kUndecided;
+            if (found == 0 && ranks_[x] != ranks_[y]) found = ranks_[x] < ranks_[y] ? -1 : 1;
+        }
+        // What follows must be plain too: a combining mark behind the difference could still change it.
+        const std::string_view rest = a.size() > b.size() ? a.substr(common) : b.substr(common);
+        for (const char c : rest) {
+            const auto x = static_cast<unsigned char>(c);
+            if (x >= 128 || ranks_[x] == 0) return kUndecided;
+        }
+        if (found != 0) return found;
+        return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+    }
+
+    static std::int32_t TakeReading(const icu::UnicodeString& text, std::int32_t at, std::string& result) {
+        for (const auto& [word, initials] : kReadings) {
+            const auto length = static_cast<std::int32_t>(word.size());
+            if (text.compare(at, length, icu::UnicodeString(word.data(), length)) == 0) {
+                result += initials;
+                return length;
+            }
+        }
+        return 0;
+    }
+
+    static const icu::Transliterator& Pinyin() {
+        static const std::unique_ptr<icu::Transliterator> transliterator = [] {
+            UErrorCode status = U_ZERO_ERROR;
+            std::unique_ptr<icu::Transliterator> created(
+                icu::Transliterator::createInstance("Han-Latin; Latin-ASCII; Lower", UTRANS_FORWARD, status));
+            if (U_FAILURE(status)) throw automation::Error(0, "The pinyin transliteration is not available.");
+            return created;
+        }();
+        return *transliterator;
+    }
+
+    std::unique_ptr<icu::Collator> collator_;
+    std::array<unsigned char, 128> ranks_{};
+};
+
+}  // namespace
+
+const Collator& Collator::Chinese() {
+    static const IcuCollator collator;
+    return collator;
+}
+
+}  // namespace vicenter::system

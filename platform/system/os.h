@@ -1,0 +1,25 @@
+#pragma once
+
+// The few calls that differ between operating systems; one source a system (os_posix.cpp). Not for callers
+// outside this folder: they go through Surroundings.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vicenter::system::os {
+
+std::int32_t ProcessId();
+// Starts a program without waiting for it; false when it is not found. Arguments without the program's own
+// name.
+bool StartProgram(const std::string& program, const std::vector<std::string>& arguments);
+// Opens a document with the program that the desktop has for it; false when there is none.
+bool OpenWithDesktop(const std::string& path);
+// 16 bytes from the system's random source; nothing when it fails.
+std::optional<std::vector<unsigned char>> RandomBytes();
+std::string UserDataFolder();
+// The folder of the running program.
+std::string ProgramFolder();
+
+}  // namespace vicenter::system::os
