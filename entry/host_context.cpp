@@ -1,0 +1,93 @@
+#include "entry/host_context.h"
+
+#include <utility>
+
+#include "automation/class_registry.h"
+#include "platform/system/surroundings.h"
+#include "platform/system/utf8.h"
+
+namespace vicenter::entry {
+
+using automation::Variant;
+
+namespace {
+
+struct ModuleValues {
+    std::string userId;
+    automation::ObjectRef hostContext;
+    std::string presetPropsString;
+};
+
+ModuleValues& Values() {
+    static ModuleValues values;
+    return values;
+}
+
+}  // namespace
+
+std::string GetPropsString() {
+    const ModuleValues& values = Values();
+    if (values.hostContext) {
+        if (!values.hostContext->Get("AcctID").ToTextOrEmpty().empty()) {
+            return values.hostContext->Get("PropsString").ToTextOrEmpty();
+        }
+    } else if (!values.presetPropsString.empty()) {
+        return values.presetPropsString;
+    }
+    return GetShareProperty("PropsString").ToTextOrEmpty();
+}
+
+Variant GetShareProperty(std::string_view name) {
+    const automation::ObjectRef properties = automation::CreateObject("VelaPropsMgr.ShareProps");
+    const std::int32_t processId = system::Surroundings::Current().processes->CurrentProcessId();
+    return properties->Call("GetProperty", {processId, name});
+}
+
+std::string GetPropValue(std::string_view key) {
+    if (automation::SameName(key, "LANGUAGE")) return "chs";
+    try {
+        std::string text = GetPropsString();
+        if (text.empty() || text.back() != ';') text += ';';
+        const std::string head = std::string(key) + "=";
+        const std::size_t found = system::FindIgnoringCase(text, head);
+        if (found == std::string::npos) return {};
+        const std::size_t end = text.find(';', found);
+        if (end < found + head.size()) return {};  // the key itself holds a ";"
+        return text.substr(found + head.size(), end - found - head.size());
+    } catch (const automation::Error&) {
+        return {};
+    }
+}
+
+std::string GetKeyValue(std::string_view text, std::string_view key, std::string_view separator) {
+    std::string list = std::string(separator).append(text);
+    if (!list.ends_with(separator)) list += separator;
+    const std::string head = std::string(separator).append(key) + "=";
+    const std::size_t found = system::FindIgnoringCase(list, head);
+    if (found == std::string::npos) return {};
+    std::string value = list.substr(found + head.size());
+    std::string_view endMark = separator;
+    if (automation::SameName(key, "ConnectString")) {
+        if (!value.empty()) value.erase(0, 1);  // the "{"
+        endMark = "}";
+    }
+    return value.substr(0, value.find(endMark));
+}
+
+const std::string& CurrentUserId() {
+    return Values().userId;
+}
+
+void SetCurrentUserId(std::string userId) {
+    Values().userId = std::move(userId);
+}
+
+void AttachHostContext(automation::ObjectRef context) {
+    Values().hostContext = std::move(context);
+}
+
+void PresetPropsString(std::string propsString) {
+    Values().presetPropsString = std::move(propsString);
+}
+
+}  // namespace vicenter::entry

@@ -1,0 +1,87 @@
+#include "store/cls_vi_data.h"
+
+#include "automation/class_registry.h"
+#include "entry/host_context.h"
+#include "entry/sql_text.h"
+#include "platform/system/surroundings.h"
+
+namespace vicenter::store {
+
+using automation::Error;
+
+clsVIData::clsVIData() {
+    try {
+        broker_ = ado::HostFramework::Process().GiveBroker();
+        auxiliary_ = broker_->Auxiliary();
+    } catch (const Error&) {
+        // The first statement asks again and reports it in its own way.
+        broker_.reset();
+    }
+}
+
+clsVIData::~clsVIData() {
+    auxiliary_.reset();
+    broker_.reset();
+}
+
+void clsVIData::Open() {
+    const std::string propsString = entry::GetPropsString();
+    broker_ = ado::HostFramework::Process().GiveBroker();
+    broker_->Bind(propsString);
+    auxiliary_ = broker_->Auxiliary();
+}
+
+RecordsetRef clsVIData::Query(const std::string& sql) {
+    Open();
+    return QueryAgain(sql);
+}
+
+RecordsetRef clsVIData::QueryAgain(const std::string& sql) {
+    broker_->Settle();
+    return broker_->GiveConnection()->Execute(sql);
+}
+
+bool clsVIData::IsExecuteSql(const std::string& strsql) {
+    try {
+        Open();
+        std::int64_t recordsAffected = 0;
+        broker_->GiveConnection()->Execute(strsql, &recordsAffected);
+        broker_->Settle();
+        return true;
+    } catch (const Error& error) {
+        system::Surroundings::Current().messageBoxes->Show(
+            error.Text(), system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+        return false;
+    }
+}
+
+RecordsetRef clsVIData::GetRs(const std::string& strsql) {
+    try {
+        return Query(strsql);
+    } catch (const Error&) {
+        return nullptr;
+    }
+}
+
+scripting::DictionaryRef clsVIData::GetUserCloudInfo() {
+    try {
+        const automation::ObjectRef information = automation::CreateObject("VelaBillDataAccess.SysInfo");
+        const Variant answer =
+            information->Call("GetUserCloudInfo", {entry::GetPropsString(), entry::CurrentUserId()});
+        if (!answer.IsObject() || !std::get<automation::ObjectRef>(answer.Raw())) return nullptr;
+        const automation::ObjectRef& recordset = answer.AsObject();
+        if (recordset->Get("RecordCount").ToInt32() == 0 || recordset->Get("EOF").ToBoolean()) return nullptr;
+        const automation::ObjectRef fields = recordset->Get("Fields").AsObject();
+        auto result = std::make_shared<scripting::Dictionary>();
+        const std::int32_t count = fields->Get("Count").ToInt32();
+        for (std::int32_t i = 0; i < count; ++i) {
+            const automation::ObjectRef field = fields->Get("Item", {i}).AsObject();
+            result->Add(field->Get("Name"), field->Get("Value"));
+        }
+        return result;
+    } catch (const Error&) {
+        return nullptr;
+    }
+}
+
+}  // namespace vicenter::store

@@ -1,0 +1,147 @@
+// The template tables: list, profile, count, name test, delete, insert and lines.
+
+#include <cmath>
+#include <limits>
+
+#include "entry/host_context.h"
+#include "entry/sql_text.h"
+#include "store/cls_vi_data.h"
+
+namespace vicenter::store {
+
+using automation::Error;
+using entry::kCrLf;
+using entry::SqlQuote;
+
+namespace {
+
+struct ProfileColumn {
+    bool hidden;
+    int twips;
+};
+
+constexpr ProfileColumn kDefaultProfile[] = {
+    {false, 1170}, {false, 2820}, {false, 1150}, {true, 800},  {false, 1455}, {false, 1455}, {false, 850},
+    {true, 800},   {true, 1400},  {true, 1250},  {true, 1800}, {true, 800},   {true, 1000},  {true, 1600},
+    {true, 1700},  {true, 800},   {true, 1250},  {true, 1600}, {true, 1700},  {true, 1700},  {false, 4005},
+};
+
+// The whole number of a custom template's name. A name of a user's own making may hold more than a long can:
+// it then counts as no number, or nobody could ever make a new template again.
+std::int32_t CustomNumber(const std::string& text) {
+    const double number = std::nearbyint(entry::LeadingNumber(text));
+    if (number < 0 || number >= std::numeric_limits<std::int32_t>::max()) return 0;
+    return static_cast<std::int32_t>(number);
+}
+
+}  // namespace
+
+std::string CustomTemplateName(std::int64_t number) {
+    return "自定义模板(" + std::to_string(number) + ")";
+}
+
+std::string DefaultColumnProfile() {
+    std::string profile;
+    int index = 0;
+    for (const ProfileColumn& column : kDefaultProfile) {
+        if (++index > 1) profile += ',';
+        profile +=
+            std::to_string(index) + "|" + (column.hidden ? "1" : "0") + "|" + std::to_string(column.twips);
+    }
+    return profile;
+}
+
+RecordsetRef clsVIData::GetVchTemplateByUserID(const std::string& iUserID) {
+    try {
+        Query(std::string("if Not exists(select 1 from t_VchTemplate where FID = 0) ") + kCrLf + " begin " +
+              kCrLf +
+              " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
+              "values(0,'标准模板',0,'0',GETDATE()) " +
+              kCrLf + " end");
+        return QueryAgain(
+            "select a.* from (select FID,FName from t_VchTemplate where fid <> 0 and FUserID = " + iUserID +
+            kCrLf + " union all " + kCrLf +
+            " select FID,FName from t_VchTemplate where FID = 0 ) a order by a.FID ");
+    } catch (const Error&) {
+        return nullptr;
+    }
+}
+
+std::string clsVIData::GetVchTpProfileByUserID(const std::string& iUserID) {
+    try {
+        Query("if Not exists(select 1 from t_VchTpProfile where FUserID = " + iUserID + ") " + kCrLf +
+              " begin " + kCrLf + " insert into t_VchTpProfile(FUserID,FValue) values(" + iUserID + "," +
+              SqlQuote(DefaultColumnProfile()) + ") " + kCrLf + " end");
+        const RecordsetRef profile =
+            QueryAgain("select FValue from t_VchTpProfile where FUserID = " + iUserID);
+        return profile->RecordCount() > 0 ? profile->Value("FValue").ToTextOrEmpty() : std::string();
+    } catch (const Error&) {
+        return {};
+    }
+}
+
+std::int32_t clsVIData::GetVchEntryCount(const std::string& iFID) {
+    try {
+        const RecordsetRef count =
+            Query("select count(*) as FCount from t_VchTemplateEntry where FID = " + iFID);
+        return count->RecordCount() >= 1 ? count->Value("FCount").ToInt32() : 0;
+    } catch (const Error&) {
+        return 0;
+    }
+}
+
+bool clsVIData::CheckVchTemplateIsExist(const std::string& strName) {
+    return FindVchTemplate(strName) >= 0;
+}
+
+std::int32_t clsVIData::FindVchTemplate(const std::string& strName) {
+    constexpr std::int32_t kNone = -1;
+    try {
+        const RecordsetRef found = Query("select FID from t_VchTemplate where FName = " + SqlQuote(strName));
+        return found->RecordCount() >= 1 ? found->Value("FID").ToInt32() : kNone;
+    } catch (const Error&) {
+        return kNone;
+    }
+}
+
+bool clsVIData::DeleteVchTemplateInfo(const std::string& FID) {
+    try {
+        Query(" delete t_VchTemplate where FID = " + FID + kCrLf + " delete t_VchTemplateEntry where FID = " +
+              FID + kCrLf + " delete t_VchTpControl where FID = " + FID);
+        return true;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
+std::int32_t clsVIData::InsertVchTemplateInfo(std::int32_t& lMaxNum) {
+    try {
+        const RecordsetRef names = Query(
+            "select REPLACE(REPLACE(fname,')',''),'自定义模板(','') as FNum from t_VchTemplate where FName "
+            "like "
+            "'%自定义模板(%'");
+        for (; !names->AtEnd(); names->MoveNext()) {
+            const std::int32_t number = CustomNumber(names->Value("FNum").ToTextOrEmpty());
+            if (lMaxNum <= number) lMaxNum = number;
+        }
+        QueryAgain(std::string(" declare @MaxFID int ") + kCrLf +
+                   " select @MaxFID = MAX(FID)+1 from t_VchTemplate " + kCrLf +
+                   " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) values(@MaxFID,'" +
+                   CustomTemplateName(std::int64_t{lMaxNum} + 1) + "'," + entry::CurrentUserId() +
+                   ",'0',GETDATE())" + kCrLf);
+        const RecordsetRef id = QueryAgain("select Max(FID) as FID from t_VchTemplate ");
+        return id->Value("FID").ToInt32();
+    } catch (const Error&) {
+        return 0;
+    }
+}
+
+RecordsetRef clsVIData::GetVchTemplateEntryInfo(const std::string& FID) {
+    try {
+        return Query("select * from t_VchTemplateEntry where FID = " + FID + " order by FNo,FEntryID ");
+    } catch (const Error&) {
+        return nullptr;
+    }
+}
+
+}  // namespace vicenter::store
