@@ -81,8 +81,7 @@ void CreateAccountSetFile(const std::string& file, const AccountSetOptions& opti
 
     // The process id keeps two processes apart that make the same account set at once; the later move wins.
     fs::path temporary = folder / target.filename();
-    temporary +=
-        "." + std::to_string(system::Surroundings::Current().processes->CurrentProcessId()) + ".new";
+    temporary += "." + std::to_string(system::Surroundings::Current().processes->CurrentProcessId()) + ".new";
     RemoveQuietly(temporary);
     try {
         const ado::ConnectionRef connection = ado::OpenConnection(FileConnectString(FromPath(temporary)));

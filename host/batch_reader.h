@@ -1,8 +1,8 @@
 #pragma once
 
-// Reads a T-SQL script batch by batch. A line that holds only GO, with a repeat count at most, ends a batch, but
-// not inside a comment, a string or a quoted name that runs over several lines. Holds one batch at a time, so that
-// scripts of any size can be run from a stream. The stream outlives the reader.
+// Reads a T-SQL script batch by batch. A line that holds only GO, with a repeat count at most, ends a batch,
+// but not inside a comment, a string or a quoted name that runs over several lines. Holds one batch at a
+// time, so that scripts of any size can be run from a stream. The stream outlives the reader.
 
 #include <istream>
 #include <optional>
@@ -12,9 +12,9 @@
 namespace vicenter::host {
 
 struct ScriptBatch {
-    std::string text;       // without the GO line
-    int firstLine = 1;      // of the script
-    int repeat = 1;         // GO n
+    std::string text;   // without the GO line
+    int firstLine = 1;  // of the script
+    int repeat = 1;     // GO n
 };
 
 class BatchReader {

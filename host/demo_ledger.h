@@ -1,8 +1,8 @@
 #pragma once
 
-// The demo ledger: a small trading firm with its chart of accounts, master data, two years of posted vouchers, three
-// users and their first templates. Deterministic: the same options give the same rows, whatever machine and day.
-// Sends plain T-SQL batches, so that it fills an account set of any server.
+// The demo ledger: a small trading firm with its chart of accounts, master data, two years of posted
+// vouchers, three users and their first templates. Deterministic: the same options give the same rows,
+// whatever machine and day. Sends plain T-SQL batches, so that it fills an account set of any server.
 
 #include <cstdint>
 
