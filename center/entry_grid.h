@@ -14,18 +14,14 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "automation/member_table.h"
 #include "center/columns.h"
+#include "center/grid_row.h"
 
 namespace vicenter::center {
-
-namespace color {
-inline constexpr std::int32_t kBlack = 0;
-inline constexpr std::int32_t kRed = 255;  // 0x00BBGGRR
-inline constexpr std::int32_t kWhite = 0xFFFFFF;
-}  // namespace color
 
 struct CellRange {
     int firstRow = 1;
@@ -80,7 +76,15 @@ class GridObserver {
     virtual void ScrolledIntoView(const CellAddress&) {}
 };
 
-class GridJournal;
+// Written to at once, ReDraw or not, for every change of content: what undo and the dirty flag need. Filling
+// rows from the account set is no change of content.
+class GridRecorder {
+  public:
+    virtual ~GridRecorder() = default;
+    virtual void TextReplaced(int row, int column, std::string_view before) = 0;
+    virtual void RowsInserted(int firstRow, int count) = 0;
+    virtual void RowsRemoved(int firstRow, std::vector<GridRowPtr> rows) = 0;
+};
 
 class EntryGrid : public automation::TableObject<EntryGrid> {
   public:
@@ -91,13 +95,14 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
 
     void AddObserver(GridObserver& observer);
     void RemoveObserver(GridObserver& observer);
-    // Every change of texts and rows is also written down there (undo); none by default. Not owned.
-    void SetJournal(GridJournal* journal) { journal_ = journal; }
+    // None by default. Not owned.
+    void SetRecorder(GridRecorder* recorder) { recorder_ = recorder; }
+    GridRecorder* Recorder() const { return recorder_; }
 
     int RowTotal() const { return static_cast<int>(rows_.size()); }
     // Rows are cut off or blank ones added at the end.
     void SetRowTotal(int rows);
-    // All rows gone, then `rows` blank ones; the active cell is (1, 1). Not written to the journal.
+    // All rows gone, then `rows` blank ones; the active cell is (1, 1). Not recorded.
     void Clear(int rows);
     void InsertRows(int firstRow, int count);
     void RemoveRows(int firstRow, int count);
@@ -108,7 +113,7 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
     // False, and nothing changed, when the column refuses the text (AcceptsProgramText) or the cell is
     // outside.
     bool SetText(int row, int column, std::string_view text);
-    // A whole row as read from the account set: never refused, not written to the journal.
+    // A whole row as read from the account set: never refused, not recorded.
     void FillRow(int row, const std::array<std::string, kColumnCount>& texts);
 
     CellLook Look(int row, int column) const;
@@ -136,9 +141,15 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
     bool ReDraw() const { return redraw_; }
     void SetReDraw(bool on);
 
+    // The late-bound block: Row and Col to Row2 and Col2 (with BlockMode) or the one cell; -1 stands for all.
+    CellRange SelectedRange() const;
+
+    // For undo: puts a text back whatever the column accepts, and puts removed rows back. Recorded like any
+    // change.
+    void RestoreText(int row, int column, std::string_view text);
+    void RestoreRows(int firstRow, std::vector<GridRowPtr> rows);
+
   private:
-    friend class GridJournal;
-    struct Row;
     struct Selection {  // the control's current block: Row, Col to Row2, Col2
         int row = 1;
         int column = 1;
@@ -147,20 +158,25 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
         bool block = false;
     };
 
+    static int CheckedColumn(int column);  // throws Error 5 outside the grid
+    automation::Variant SelectedText() const;
+    void SetSelectedText(const std::string& text);
     bool Contains(int row, int column) const;
-    Row& RowAt(int row);
-    const Row* RowIfAny(int row) const;
-    bool PutText(int row, int column, std::string_view text);
+    GridRow& RowAt(int row);
+    const GridRow* RowIfAny(int row) const;
+    void ReplaceText(int row, int column, std::string_view text);
+    void Paint(const CellRange& range, std::int32_t value, std::int32_t usual,
+               bool (GridRow::*paint)(int, std::int32_t));
+    void FlushPending();
     void ReportTexts(const CellRange& range);
     void ReportLooks(const CellRange& range);
-    CellRange SelectedRange() const;
-    template <class Call>
-    void Tell(Call call);
+    template <class Telling>
+    void Tell(Telling tell);
 
-    std::vector<std::unique_ptr<Row>> rows_;
+    std::vector<GridRowPtr> rows_;
     std::array<ColumnLayout, kColumnCount + 1> layouts_;
     std::vector<GridObserver*> observers_;
-    GridJournal* journal_ = nullptr;
+    GridRecorder* recorder_ = nullptr;
     Selection selection_;
     CellAddress active_{0, 0};
     GridFont font_;
