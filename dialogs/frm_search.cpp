@@ -1,0 +1,105 @@
+#include "dialogs/frm_search.h"
+
+#include <string_view>
+
+#include "automation/class_registry.h"
+#include "entry/screen.h"
+#include "entry/sql_text.h"
+#include "platform/system/surroundings.h"
+#include "platform/system/utf8.h"
+
+namespace vicenter::dialogs {
+
+using automation::Argument;
+using automation::Variant;
+
+namespace {
+
+constexpr std::int32_t kExplanation = 2;
+constexpr std::int32_t kAccountNumber = 5;
+constexpr std::int32_t kAccountName = 6;
+constexpr std::int32_t kRemark = 21;
+
+std::string Trimmed(const std::string& text) {
+    return std::string(system::TrimBlanks(text));
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+void Tell(const std::string& text) {
+    system::Surroundings::Current().messageBoxes->Show(
+        text, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+}
+
+}  // namespace
+
+void FrmSearch::Load(FrmSearchView& view) {
+    view_ = &view;
+    lastRow_ = 0;
+    lastKey_.clear();
+}
+
+std::string FrmSearch::CellText(std::int32_t row, std::int32_t column) {
+    grid_->Put("Row", row);
+    grid_->Put("Col", column);
+    return Trimmed(grid_->Get("Text").ToTextOrEmpty());
+}
+
+bool FrmSearch::Matches(std::int32_t row, const SearchFields& filter) {
+    if (!filter.txtExp.empty() && !Contains(CellText(row, kExplanation), filter.txtExp)) return false;
+    if (!filter.txtAcct.empty() && CellText(row, kAccountNumber) != filter.txtAcct &&
+        !Contains(CellText(row, kAccountName), filter.txtAcct)) {
+        return false;
+    }
+    return filter.txtBZ.empty() || Contains(CellText(row, kRemark), filter.txtBZ);
+}
+
+void FrmSearch::cmdOK_Click() {
+    if (entryCount_ < 1) {
+        Tell("当前模板没有可查找的模板信息！");
+        return;
+    }
+    SearchFields filter = view_->Fields();
+    filter = {Trimmed(filter.txtExp), Trimmed(filter.txtAcct), Trimmed(filter.txtBZ)};
+    if (filter.txtExp.empty() && filter.txtAcct.empty() && filter.txtBZ.empty()) {
+        Tell("请输入过滤信息！");
+        return;
+    }
+    const std::string key = filter.txtBZ + "|||" + filter.txtAcct + "|||" + filter.txtExp;
+    if (key != lastKey_) {
+        lastRow_ = 0;
+        lastKey_ = key;
+    }
+    for (std::int32_t row = lastRow_ + 1; row <= entryCount_; ++row) {
+        if (!Matches(row, filter)) continue;
+        lastRow_ = row;
+        grid_->Call("SetActiveCell", {Argument(std::int32_t{1}), Argument(row)});
+        entry::HighlightGridRow(row, *grid_);
+        return;
+    }
+    if (lastRow_ != 0) {
+        lastRow_ = 0;
+        cmdOK_Click();
+        return;
+    }
+    Tell("没有查找到对应的数据，请重新录入查找条件！");
+}
+
+void FrmSearch::cmdAcct_Click() {
+    const std::string typed = Trimmed(view_->Fields().txtAcct);
+    const automation::ObjectRef lookUp = automation::CreateObject("VelaEBCGLView.GLView");
+    Variant text(entry::SqlEscape(typed));
+    const automation::ObjectRef result =
+        lookUp->Call("AccountLookup", {Argument::ByReference(text)}).AsObject();
+    const Variant record = result->Get("ReturnObject");
+    if (!record.IsObject() || record.AsObject() == nullptr) return;
+    view_->SetAccount(record.AsObject()->Get("Number").ToTextOrEmpty());
+}
+
+void FrmSearch::cmdCancel_Click() {
+    view_->Unload();
+}
+
+}  // namespace vicenter::dialogs

@@ -1,0 +1,111 @@
+#include "dialogs/frm_set_colume.h"
+
+#include <array>
+
+namespace vicenter::dialogs {
+
+using automation::Variant;
+
+namespace {
+
+struct OptionalColumn {
+    const char* caption;
+    int column;
+};
+
+constexpr int kRemark = 21;  // stands in the list in grid mode only
+
+constexpr std::array<OptionalColumn, 12> kOptionalColumns{{
+    {"附件数", 7},
+    {"结算方式", 9},
+    {"结算号", 10},
+    {"核算项目", 11},
+    {"币别", 13},
+    {"汇率", 14},
+    {"原币金额", 15},
+    {"计量单位", 17},
+    {"数量", 18},
+    {"单价", 19},
+    {"金额", 20},
+    {"备注", kRemark},
+}};
+
+constexpr std::int32_t kAllRows = -1;
+
+bool IsHidden(automation::Object& grid, int column) {
+    grid.Put("Row", kAllRows);
+    grid.Put("Col", std::int32_t{column});
+    return grid.Get("ColHidden").ToBoolean();
+}
+
+}  // namespace
+
+void frmSetColume::Load(frmSetColumeView& view) {
+    view_ = &view;
+    choices_.clear();
+    for (const OptionalColumn& optional : kOptionalColumns) {
+        if (selectionMode_ && optional.column == kRemark) continue;
+        ColumnChoice choice{optional.caption, optional.column, false};
+        if (!selectionMode_) {
+            choice.ticked = !IsHidden(*grid_, optional.column);
+        } else {
+            // Asked first: reading the item of an absent key would add the key.
+            const Variant key(std::to_string(optional.column));
+            if (selection_->Call("Exists", {key}).ToBoolean()) {
+                choice.ticked = selection_->Get("Item", {key}).ToInt32() == 1;
+            }
+        }
+        choices_.push_back(std::move(choice));
+    }
+}
+
+std::string frmSetColume::Caption() const {
+    return selectionMode_ ? "模板字段设置" : "显示隐藏列";
+}
+
+void frmSetColume::SetTick(std::size_t row, bool ticked) {
+    if (row < choices_.size()) choices_[row].ticked = ticked;
+}
+
+void frmSetColume::Command(int index) {
+    switch (index) {
+        case 0:
+            if (selectionMode_) {
+                FillSelection();
+            } else {
+                ApplyToGrid();
+            }
+            view_->Unload();
+            break;
+        case 1:
+            if (!selectionMode_) ApplyToGrid();
+            break;
+        case 2:
+            view_->Unload();
+            break;
+        default:
+            break;
+    }
+}
+
+void frmSetColume::ApplyToGrid() {
+    for (const ColumnChoice& choice : choices_) {
+        grid_->Put("Row", kAllRows);
+        grid_->Put("Col", std::int32_t{choice.column});
+        grid_->Put("ColHidden", !choice.ticked);
+    }
+}
+
+void frmSetColume::FillSelection() {
+    for (const ColumnChoice& choice : choices_) {
+        const Variant key(std::to_string(choice.column));
+        const Variant item(std::int32_t{choice.ticked ? 1 : 0});
+        if (selection_->Call("Exists", {key}).ToBoolean()) {
+            selection_->Put("Item", {key}, item);
+        } else {
+            selection_->Call("Add", {key, item});
+        }
+    }
+}
+
+}  // namespace vicenter::dialogs
