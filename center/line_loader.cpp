@@ -1,0 +1,106 @@
+#include "center/line_loader.h"
+
+#include "store/cls_vi_data.h"
+
+namespace vicenter::center {
+
+using automation::Decimal;
+using automation::Variant;
+using automation::VariantType;
+
+namespace {
+
+// Digits as the account set holds them, without the zeros that its column type adds behind.
+std::string PlainNumber(const Variant& value) {
+    if (value.Type() == VariantType::Decimal) return value.ToDecimal().ToShortText();
+    if (value.Type() == VariantType::Double) return Decimal::FromDouble(value.ToDouble()).ToShortText();
+    return value.ToTextOrEmpty();
+}
+
+bool IsZero(const Variant& value) {
+    if (value.IsNull() || value.IsEmpty()) return true;
+    if (value.Type() == VariantType::Decimal) return value.ToDecimal().IsZero();
+    return value.IsNumeric() && value.ToDouble() == 0;
+}
+
+std::string DirectionText(const Variant& value) {
+    if (value.IsNull() || !value.IsNumeric()) return {};
+    const double code = value.ToDouble();
+    if (code == 1) return std::string(kDebit);
+    return code == 0 ? std::string(kCredit) : std::string();
+}
+
+// Filling a grid is no change of its content.
+class Unrecorded {
+  public:
+    explicit Unrecorded(EntryGrid& grid) : grid_(grid), recorder_(grid.Recorder()) {
+        grid_.SetRecorder(nullptr);
+        grid_.SetReDraw(false);
+    }
+    Unrecorded(const Unrecorded&) = delete;
+    Unrecorded& operator=(const Unrecorded&) = delete;
+    ~Unrecorded() {
+        grid_.SetRecorder(recorder_);
+        grid_.SetReDraw(true);
+    }
+
+  private:
+    EntryGrid& grid_;
+    GridRecorder* recorder_;
+};
+
+}  // namespace
+
+LineReader::LineReader(const ado::Recordset& records) : records_(records) {
+    for (const ColumnSpec& spec : Columns()) {
+        fields_[static_cast<std::size_t>(spec.column - 1)] = records.ColumnIndex(spec.field);
+    }
+}
+
+std::string LineReader::CellText(int gridColumn, std::size_t record) const {
+    const auto value = [&](int ofColumn) -> const Variant& {
+        return records_.ValueAt(record, fields_[static_cast<std::size_t>(ofColumn - 1)]);
+    };
+    const Variant& own = value(gridColumn);
+    switch (Column(gridColumn).kind) {
+        case CellKind::Direction:
+            return DirectionText(own);
+        case CellKind::Id:
+        case CellKind::Whole:
+            return IsZero(own) ? std::string() : PlainNumber(own);
+        case CellKind::Decimal:
+            if (gridColumn == column::kRate && value(column::kCurrencyName).ToTextOrEmpty().empty())
+                return {};
+            return IsZero(own) ? std::string() : PlainNumber(own);
+        case CellKind::TemplateNumber:
+        case CellKind::Text:
+            break;
+    }
+    return own.ToTextOrEmpty();
+}
+
+void LineReader::FillRow(EntryGrid& grid, int gridRow, std::size_t record) {
+    for (int c = 1; c <= kColumnCount; ++c)
+        texts_[static_cast<std::size_t>(c - 1)] = CellText(c, record);
+    grid.FillRow(gridRow, texts_);
+}
+
+std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId) {
+    store::clsVIData data;
+    const ado::RecordsetRef records = data.GetVchTemplateEntryInfo(templateId);
+    if (records == nullptr) return std::nullopt;
+    const auto count = static_cast<int>(records->RecordCount());
+    if (count < 1) return 0;
+
+    const Unrecorded filling(grid);
+    if (count >= kFirstRowTotal) grid.SetRowTotal(count + 2);
+    LineReader reader(*records);
+    CellChecks checks;
+    for (int row = 1; row <= count; ++row) {
+        reader.FillRow(grid, row, static_cast<std::size_t>(row - 1));
+        MarkRow(grid, row, checks);
+    }
+    return count;
+}
+
+}  // namespace vicenter::center

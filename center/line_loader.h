@@ -1,0 +1,34 @@
+#pragma once
+
+// Reads a template's entry lines into a grid and marks what no longer resolves. Needs no window.
+
+#include <optional>
+#include <string>
+
+#include "center/cell_checks.h"
+#include "center/entry_grid.h"
+#include "platform/ado/recordset.h"
+
+namespace vicenter::center {
+
+// Shows one record after the other: the columns are looked up once for all rows.
+class LineReader {
+  public:
+    explicit LineReader(const ado::Recordset& records);
+    // Row of the recordset, counted from 0, into the grid row.
+    void FillRow(EntryGrid& grid, int gridRow, std::size_t record);
+
+  private:
+    std::string CellText(int gridColumn, std::size_t record) const;
+
+    const ado::Recordset& records_;
+    std::array<std::size_t, kColumnCount> fields_{};
+    std::array<std::string, kColumnCount> texts_;
+};
+
+// Fills the grid with the lines of the template and marks every row; the number of lines, or nothing when the
+// lines cannot be read. With 100 lines or more the grid gets two rows more than lines; below, it keeps its
+// rows.
+std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId);
+
+}  // namespace vicenter::center
