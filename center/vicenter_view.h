@@ -48,6 +48,8 @@ struct TreeNode {
 struct ProgressState {
     bool visible = false;
     std::string label;
+    std::int64_t done = 0;  // of all; nothing is counted while all is 0
+    std::int64_t all = 0;
 };
 
 // The item editing panel of column 11.

@@ -71,8 +71,7 @@ std::string GetKeyValue(std::string_view text, std::string_view key, std::string
         if (!value.empty()) value.erase(0, 1);  // the "{"
         endMark = "}";
     }
-    const std::size_t end = value.find(endMark);
-    return end == std::string::npos ? std::string() : value.substr(0, end);
+    return value.substr(0, value.find(endMark));
 }
 
 const std::string& CurrentUserId() {

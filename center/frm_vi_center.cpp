@@ -1,0 +1,258 @@
+#include "center/frm_vi_center.h"
+
+#include "automation/class_registry.h"
+#include "center/cell_checks.h"
+#include "center/frm_vi_center_parts.h"
+#include "center/help.h"
+#include "entry/host_context.h"
+#include "entry/host_services.h"
+#include "store/cls_vi_data.h"
+
+namespace vicenter::center {
+
+using automation::Argument;
+using automation::Variant;
+using entry::LogKind;
+
+namespace {
+
+// The voucher-template function to the host's rights system.
+constexpr std::int32_t kTemplateRight = 3145728;
+
+}  // namespace
+
+// --- parts
+
+frmVICenter::Parts::Parts(VICenterView& view, TemplateCommands* theCommands)
+    : state(view),
+      commands(theCommands),
+      profile(state),
+      editing(state),
+      tree(
+          state, [this] { return save.ConfirmUnsavedChanges(); },
+          [this] {
+              editing.Forget();
+              RefreshSurroundings();
+          }),
+      save(state, [this] { Reopen(); }),
+      lookUps(state),
+      items(state),
+      names(state),
+      blocks(state, [this] {
+          editing.Forget();
+          RefreshStatus();
+      }) {
+    state.grid->AddObserver(*this);
+}
+
+frmVICenter::Parts::~Parts() {
+    state.grid->RemoveObserver(*this);
+}
+
+void frmVICenter::Parts::Reopen() {
+    const CellAddress active = state.grid->ActiveCell();
+    const std::string name = state.templateName;
+    const std::string id = state.templateId;
+    tree.Open(name, id, {});
+    // The cursor stays where the user was working.
+    if (active.row >= 1 && active.row <= state.rowCount + 1) {
+        state.grid->SetActiveCell(active);
+        state.grid->ScrollIntoView(active);
+    }
+}
+
+void frmVICenter::Parts::RefreshStatus() {
+    StatusState status = SumUp(*state.grid, state.rowCount, state.grid->ActiveCell().row);
+    if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
+    const CellAddress active = state.grid->ActiveCell();
+    status.hint = CheckText(state.grid->FaultyCheck(active.row, active.column));
+    state.view.SetStatus(status);
+}
+
+void frmVICenter::Parts::RefreshSurroundings() {
+    names.Close();
+    items.Refresh();
+    RefreshStatus();
+}
+
+void frmVICenter::Parts::ActiveCellChanged(const CellAddress&) {
+    RefreshSurroundings();
+}
+
+void frmVICenter::Parts::TextsChanged(const CellRange& range) {
+    const CellAddress active = state.grid->ActiveCell();
+    const bool touchesItems = range.firstRow <= active.row && active.row <= range.lastRow &&
+                              range.firstColumn <= column::kItems &&
+                              range.lastColumn >= column::kAccountNumber;
+    if (touchesItems && active.column == column::kItems) items.Refresh();
+}
+
+// --- the window system
+
+frmVICenter::frmVICenter(VICenterView& view, TemplateCommands* commands)
+    : parts_(std::make_unique<Parts>(view, commands)) {}
+
+frmVICenter::~frmVICenter() = default;
+
+void frmVICenter::Load() {
+    WindowState& state = parts_->state;
+    state.userId = entry::GetPropValue("UserID");
+    entry::SetCurrentUserId(state.userId);
+    state.templateId.clear();
+    state.entryCount = 0;
+    parts_->tree.Build();
+    state.Enable({Tool::Del, Tool::DelRow, Tool::AddRow, Tool::Share}, false);
+    state.grid->SetRowHeights(RowHeights().header, RowHeights().data);
+    state.grid->Clear(kFirstRowTotal);
+    parts_->profile.Apply();
+    // The columns' cell types and the list of column 3 are fixed by the column table.
+    parts_->tree.Open(store::kStandardTemplateName, "0", {});
+    state.view.PlaceProgressFrame(PlaceProgress(state.view.WindowSize()));
+    entry::WriteOperationLog(LogKind::Requested, "凭证模板-打开");
+    try {
+        state.security = automation::CreateObject("VelaEBSBase.SecurityInfo");
+        state.hasRight =
+            state.security
+                ->Call("AccessCheck", {Argument(entry::GetPropsString()), Argument(std::int16_t{4}),
+                                       Argument(std::int16_t{4}), Argument(kTemplateRight)})
+                .ToBoolean();
+    } catch (const automation::Error&) {
+        state.hasRight = false;
+    }
+    if (!state.hasRight) state.view.SetGridInteractive(false);
+}
+
+void frmVICenter::Activate() {
+    AtEdge([&] { parts_->profile.ApplyBillFont(); });
+}
+
+void frmVICenter::Unload() {
+    AtEdge([&] {
+        parts_->profile.Save();
+        parts_->state.security.reset();
+        entry::WriteOperationLog(LogKind::Closed, "凭证模板-关闭");
+    });
+}
+
+bool frmVICenter::KeyPreview(int keyCode) {
+    if (keyCode != key_code::kF1) return false;
+    ShowHelp();
+    return true;
+}
+
+void frmVICenter::ToolClick(std::string_view key) {
+    for (const ToolSpec& spec : Tools()) {
+        if (!automation::SameName(spec.key, key)) continue;
+        AtEdge([&] { parts_->RunCommand(spec.tool, *this); });
+        return;
+    }
+}
+
+// --- tree
+
+void frmVICenter::TreeGotFocus() {
+    parts_->tree.GotFocus();
+}
+
+void frmVICenter::TreeLostFocus() {
+    parts_->tree.LostFocus();
+}
+
+void frmVICenter::TreeNodeClick(const std::string& key) {
+    AtEdge([&] {
+        parts_->editing.FinishTyping();
+        parts_->tree.NodeClick(key);
+    });
+}
+
+void frmVICenter::TreeDoubleClick() {
+    AtEdge([&] { parts_->tree.DoubleClick(); });
+}
+
+bool frmVICenter::TreeBeforeLabelEdit() {
+    return parts_->tree.BeforeLabelEdit();
+}
+
+bool frmVICenter::TreeAfterLabelEdit(const std::string& newText) {
+    bool stands = false;
+    AtEdge([&] { stands = parts_->tree.AfterLabelEdit(newText); });
+    return stands;
+}
+
+bool frmVICenter::TreeEditsLabels() const {
+    return parts_->tree.EditsLabels();
+}
+
+const std::string& frmVICenter::SelectedNode() const {
+    return parts_->tree.SelectedKey();
+}
+
+const std::vector<TreeNode>& frmVICenter::Nodes() const {
+    return parts_->tree.Nodes();
+}
+
+// --- what other folders use
+
+const std::string& frmVICenter::TemplateId() const {
+    return parts_->state.templateId;
+}
+
+const std::string& frmVICenter::TemplateName() const {
+    return parts_->state.templateName;
+}
+
+int frmVICenter::RowCount() const {
+    return parts_->state.rowCount;
+}
+
+EntryGrid& frmVICenter::Grid() {
+    return *parts_->state.grid;
+}
+
+void frmVICenter::ShowProgress(const ProgressState& state) {
+    parts_->state.view.SetProgress(state);
+}
+
+void frmVICenter::RebuildTreeAndSelect(std::int32_t id) {
+    parts_->tree.RebuildAndSelect(id);
+}
+
+const std::shared_ptr<EntryGrid>& frmVICenter::GridObject() const {
+    return parts_->state.grid;
+}
+
+std::int32_t frmVICenter::CurrentEntryCount() const {
+    return parts_->state.entryCount;
+}
+
+bool frmVICenter::IsDirty() const {
+    return parts_->state.dirty;
+}
+
+bool frmVICenter::HasRight() const {
+    return parts_->state.hasRight;
+}
+
+const ToolStates& frmVICenter::EnabledTools() const {
+    return parts_->state.tools;
+}
+
+bool frmVICenter::Save() {
+    bool saved = false;
+    AtEdge([&] {
+        parts_->editing.FinishTyping();
+        saved = parts_->save.Save();
+    });
+    return saved;
+}
+
+bool frmVICenter::ConfirmUnsavedChanges() {
+    bool mayGoOn = false;
+    AtEdge([&] {
+        parts_->editing.FinishTyping();
+        mayGoOn = parts_->save.ConfirmUnsavedChanges();
+    });
+    return mayGoOn;
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,188 @@
+// The grid's events of frmVICenter: cursor, keys, edits, blocks, item panel and name list.
+
+#include "center/cell_checks.h"
+#include "center/cell_resolution.h"
+#include "center/fault_text.h"
+#include "center/frm_vi_center.h"
+#include "center/frm_vi_center_parts.h"
+
+namespace vicenter::center {
+
+void frmVICenter::GridGotFocus() {
+    parts_->state.Enable({Tool::AddRow, Tool::DelRow}, true);
+}
+
+void frmVICenter::GridLostFocus() {
+    parts_->state.Enable({Tool::AddRow, Tool::DelRow}, false);
+}
+
+void frmVICenter::MoveActiveCell(const CellAddress& to) {
+    AtEdge([&] { parts_->editing.MoveActiveCell(to); });
+}
+
+bool frmVICenter::GridKeyPress(char32_t character) {
+    const int active = parts_->state.grid->ActiveCell().column;
+    // Backspace and the other editing keys are no text.
+    if (character == key_code::kBack) return true;
+    return active >= 1 && parts_->editing.CanEdit() && AcceptsCharacter(active, character);
+}
+
+bool frmVICenter::GridKeyDown(int keyCode, const std::string& cellText) {
+    bool used = false;
+    AtEdge([&] {
+        switch (keyCode) {
+            case key_code::kInsert:
+            case key_code::kF7:
+                OpenLookUp();
+                used = true;
+                return;
+            case key_code::kLeft:
+            case key_code::kRight:
+                return;
+            case key_code::kKeypadDecimal:
+                used = parts_->editing.RepeatExplanation(cellText);
+                return;
+            default:
+                return;
+        }
+    });
+    return used;
+}
+
+TextVerdict frmVICenter::CommitText(const CellAddress& cell, const std::string& text) {
+    TextVerdict verdict = TextVerdict::Locked;
+    AtEdge([&] { verdict = parts_->editing.CommitText(cell, text); });
+    parts_->names.Close();
+    parts_->RefreshStatus();
+    return verdict;
+}
+
+void frmVICenter::ClearCells(const CellRange& range) {
+    AtEdge([&] { parts_->editing.ClearCells(range); });
+    parts_->RefreshStatus();
+}
+
+void frmVICenter::OpenLookUp() {
+    AtEdge([&] {
+        if (!parts_->editing.CanEdit()) return;
+        parts_->names.Close();
+        parts_->lookUps.Open();
+        parts_->editing.Forget();
+    });
+    parts_->RefreshStatus();
+}
+
+std::string frmVICenter::DescribeFault(const CellAddress& cell) {
+    std::string text;
+    AtEdge([&] { text = FaultText(*parts_->state.grid, cell); });
+    return text;
+}
+
+void frmVICenter::SelectionChanged(const CellRange& range) {
+    parts_->selection = range;
+    parts_->RefreshStatus();
+}
+
+// --- blocks and undo
+
+std::string frmVICenter::CopyBlock(const CellRange& range) const {
+    return parts_->blocks.Copy(range);
+}
+
+PasteResult frmVICenter::PasteBlock(const CellAddress& at, const std::string& text) {
+    PasteResult result;
+    AtEdge([&] { result = parts_->blocks.Paste(at, text); });
+    return result;
+}
+
+void frmVICenter::FillDown(const CellRange& range) {
+    AtEdge([&] { parts_->blocks.FillDown(range); });
+}
+
+PasteResult frmVICenter::FillSelection(const CellRange& range, const std::string& text) {
+    PasteResult result;
+    AtEdge([&] { result = parts_->blocks.FillSelection(range, text); });
+    return result;
+}
+
+void frmVICenter::DuplicateRow() {
+    AtEdge([&] { parts_->blocks.DuplicateRow(); });
+}
+
+void frmVICenter::InsertRows(int firstRow, int count) {
+    AtEdge([&] {
+        if (parts_->editing.CanEdit()) parts_->editing.InsertRows(firstRow, count);
+    });
+    parts_->RefreshStatus();
+}
+
+void frmVICenter::DeleteRows(int firstRow, int count) {
+    AtEdge([&] {
+        if (parts_->editing.CanEdit()) parts_->editing.DeleteRows(firstRow, count);
+    });
+    parts_->RefreshStatus();
+}
+
+bool frmVICenter::CanUndo() const {
+    return parts_->editing.CanEdit() && parts_->state.journal.CanUndo();
+}
+
+bool frmVICenter::CanRedo() const {
+    return parts_->editing.CanEdit() && parts_->state.journal.CanRedo();
+}
+
+void frmVICenter::Undo() {
+    AtEdge([&] { parts_->editing.Undo(); });
+    parts_->RefreshStatus();
+}
+
+void frmVICenter::Redo() {
+    AtEdge([&] { parts_->editing.Redo(); });
+    parts_->RefreshStatus();
+}
+
+// --- item panel
+
+void frmVICenter::ToggleItemPanel() {
+    parts_->items.Toggle();
+}
+
+void frmVICenter::CommitItemText(const std::string& text) {
+    AtEdge([&] { parts_->items.CommitText(text); });
+}
+
+void frmVICenter::CommitItemNumber(std::size_t row, const std::string& number) {
+    AtEdge([&] { parts_->items.CommitNumber(row, number); });
+}
+
+void frmVICenter::LookUpItem(std::size_t row) {
+    AtEdge([&] { parts_->items.LookUp(row); });
+}
+
+// --- name list
+
+void frmVICenter::NameListKey(const std::string& typedText) {
+    AtEdge([&] { parts_->names.TextTyped(typedText); });
+}
+
+void frmVICenter::NameListSelect(int index) {
+    parts_->names.Select(index);
+}
+
+void frmVICenter::NameListMove(int steps) {
+    parts_->names.Move(steps);
+}
+
+bool frmVICenter::NameListTake() {
+    bool taken = false;
+    AtEdge([&] { taken = parts_->names.Take(); });
+    if (taken) parts_->editing.Forget();
+    parts_->RefreshStatus();
+    return taken;
+}
+
+void frmVICenter::NameListClose() {
+    parts_->names.Close();
+}
+
+}  // namespace vicenter::center

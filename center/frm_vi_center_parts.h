@@ -1,0 +1,63 @@
+#pragma once
+
+// The parts behind frmVICenter; included by its sources only.
+
+#include <optional>
+#include <string>
+
+#include "center/block_editing.h"
+#include "center/cell_look_ups.h"
+#include "center/column_profile.h"
+#include "center/frm_vi_center.h"
+#include "center/grid_editing.h"
+#include "center/item_panel.h"
+#include "center/name_list.h"
+#include "center/status_line.h"
+#include "center/template_save.h"
+#include "center/template_tree.h"
+#include "center/window_state.h"
+
+namespace vicenter::center {
+
+struct frmVICenter::Parts : public GridObserver {
+    Parts(VICenterView& view, TemplateCommands* theCommands);
+    ~Parts() override;
+
+    void Reopen();
+    // What hangs on the active cell and the sums: item panel, name list, status line.
+    void RefreshSurroundings();
+    void RefreshStatus();
+    void RunCommand(Tool tool, TemplateWindow& window);
+
+    void ActiveCellChanged(const CellAddress& cell) override;
+    void TextsChanged(const CellRange& range) override;
+
+    WindowState state;
+    TemplateCommands* commands;
+    ColumnProfile profile;
+    GridEditing editing;
+    TemplateTree tree;
+    TemplateSave save;
+    CellLookUps lookUps;
+    ItemPanel items;
+    NameList names;
+    BlockEditing blocks;
+    CellRange selection;
+
+  private:
+    bool RefusedForRight();
+    void ShowFind();
+    void ShowColumns();
+};
+
+// Runs an event's work; an error ends it and is told to the user.
+template <class Work>
+void AtEdge(Work work) {
+    try {
+        work();
+    } catch (const automation::Error& error) {
+        Tell(error.Text());
+    }
+}
+
+}  // namespace vicenter::center

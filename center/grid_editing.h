@@ -1,0 +1,57 @@
+#pragma once
+
+// The user's work in the grid: moving, typing, inserting and deleting rows, undo. Part of frmVICenter.
+//
+// Records every change of content: it sets the dirty flag, keeps the number of rows in use and feeds the
+// journal.
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "center/cell_rules.h"
+#include "center/window_state.h"
+
+namespace vicenter::center {
+
+class GridEditing : public GridRecorder {
+  public:
+    explicit GridEditing(WindowState& state);
+    ~GridEditing() override;
+
+    // Leaves the active cell for another one.
+    void MoveActiveCell(const CellAddress& to);
+    // Resolves the active cell if something has been typed there and not been resolved yet.
+    void FinishTyping();
+    TextVerdict CommitText(const CellAddress& cell, const std::string& text);
+    void ClearCells(const CellRange& range);
+    // Typing two points repeats the explanation of the line above; true when it did.
+    bool RepeatExplanation(const std::string& cellText);
+
+    void InsertRow();  // at the active row
+    void DeleteRow();  // the active row
+    void InsertRows(int firstRow, int count);
+    void DeleteRows(int firstRow, int count);
+
+    bool CanEdit() const { return state_.hasRight; }
+    void Undo();
+    void Redo();
+    // What happened before is no longer to be joined or resolved: another template is in the grid.
+    void Forget() { typed_.reset(); }
+
+    void TextReplaced(int row, int column, std::string_view before) override;
+    void RowsInserted(int firstRow, int count) override;
+    void RowsRemoved(int firstRow, std::vector<GridRowPtr> rows) override;
+
+  private:
+    void Leave(const CellAddress& cell);
+    void KeepSpareRow();
+    // The rows that the active row may not pass: true when r leaves a gap, and the user has been told.
+    bool LeavesGap(int row);
+    void Return(const JournalMark& mark);
+
+    WindowState& state_;
+    std::optional<CellAddress> typed_;  // committed, not yet left
+};
+
+}  // namespace vicenter::center
