@@ -1,0 +1,142 @@
+#include "autovch/frm_auto_vch.h"
+
+#include <algorithm>
+
+#include "platform/system/utf8.h"
+
+namespace vicenter::autovch {
+
+namespace {
+
+constexpr std::int64_t kMaxYear = 9999;
+constexpr std::int64_t kMaxVoucherNumber = 999999999;
+constexpr std::int64_t kUsualPeriods = 12;  // of a ledger that does not say how many it has
+constexpr int kCancel = 2;
+
+std::string Words(const FilterCount& count) {
+    return "将生成 " + std::to_string(count.numbers) + " 个凭证模板编号（" + std::to_string(count.vouchers) +
+           " 张凭证，" + std::to_string(count.lines) + " 条分录）";
+}
+
+}  // namespace
+
+void frmAutoVch::Load() {
+    state_.groups = {kAllGroups};
+    for (std::string& group : ReadVoucherGroups())
+        state_.groups.push_back(std::move(group));
+    state_.group = 0;
+
+    const LedgerPeriod ledger = ReadLedgerPeriod();
+    bounds_[kYear].upper = kMaxYear;
+    bounds_[kPeriod].upper = ledger.periodCount > 0 ? ledger.periodCount : kUsualPeriods;
+    bounds_[kFirstNumber].upper = bounds_[kLastNumber].upper = kMaxVoucherNumber;
+
+    optionalFields_ = std::make_shared<scripting::Dictionary>();
+    for (const int column : kOptionalColumns)
+        optionalFields_->Add(std::to_string(column), 0);
+
+    state_.boxes[kYear] = std::to_string(ledger.currentYear);
+    state_.boxes[kPeriod] = std::to_string(ledger.currentPeriod);
+    RefreshNumbers();
+    FilterSettled();
+}
+
+bool frmAutoVch::AcceptsCharacter(char32_t character) {
+    constexpr char32_t kBackspace = 8;
+    return (character >= U'0' && character <= U'9') || character == kBackspace;
+}
+
+bool frmAutoVch::SetBox(Box box, const std::string& text) {
+    if (text == state_.boxes[box]) return true;
+    if (text.size() > state_.maxLengths[box] || (!text.empty() && !IsWholeNumber(text))) return false;
+    state_.boxes[box] = text;
+    Changed(box);
+    return true;
+}
+
+void frmAutoVch::Spin(Box box, bool up) {
+    const BoxBounds& bounds = bounds_[box];
+    std::int64_t value = bounds.lower;
+    if (!state_.boxes[box].empty()) {
+        const std::int64_t old = std::stoll(state_.boxes[box]);
+        if (up) {
+            value = old >= bounds.upper ? bounds.upper : old < bounds.lower ? bounds.lower : old + 1;
+        } else {
+            value = old <= bounds.lower ? bounds.lower : old > bounds.upper ? bounds.upper : old - 1;
+        }
+    }
+    state_.boxes[box] = std::to_string(value);
+    Changed(box);
+    view_.Show(state_);
+}
+
+void frmAutoVch::Changed(Box box) {
+    if (box == kFirstNumber || box == kLastNumber) {
+        ownRange_ = true;
+    } else if (!ownRange_) {
+        RefreshNumbers();
+        view_.Show(state_);
+    }
+}
+
+void frmAutoVch::RefreshNumbers() {
+    const VoucherNumbers numbers = ReadVoucherNumbers(state_.boxes[kYear], state_.boxes[kPeriod]);
+    state_.boxes[kFirstNumber] = numbers.lowest;
+    state_.boxes[kLastNumber] = numbers.highest;
+}
+
+void frmAutoVch::SelectGroup(std::size_t index) {
+    if (index < state_.groups.size()) state_.group = index;
+}
+
+void frmAutoVch::SetIncludeSystem(bool include) {
+    state_.includeSystem = include;
+}
+
+void frmAutoVch::SetTemplateName(const std::string& name) {
+    state_.templateName = name;
+}
+
+VoucherFilter frmAutoVch::Filter() const {
+    return {state_.boxes[kYear],
+            state_.boxes[kPeriod],
+            state_.boxes[kFirstNumber],
+            state_.boxes[kLastNumber],
+            state_.group == 0 ? std::string() : state_.groups[state_.group],
+            state_.includeSystem};
+}
+
+void frmAutoVch::FilterSettled() {
+    const VoucherFilter filter = Filter();
+    const std::string problem = FilterProblem(filter);
+    state_.selected = problem.empty() ? Words(CountSelected(filter)) : problem;
+    view_.Show(state_);
+}
+
+void frmAutoVch::ChooseColumns() {
+    dialogs::frmSetColume dialog;
+    dialog.SetSelectionMode(true);
+    dialog.SetSelection(optionalFields_);
+    view_.ShowColumnDialog(dialog);
+}
+
+void frmAutoVch::Command(int index) {
+    if (index == kCancel) {
+        view_.Unload();
+        return;
+    }
+    GenerationRequest request{Filter(), state_.templateName, {}};
+    for (const int column : kOptionalColumns) {
+        const automation::Variant* chosen = optionalFields_->Item(std::to_string(column));
+        if (chosen != nullptr && chosen->ToInt32() == 1) request.columns.insert(column);
+    }
+    bool shown = false;
+    result_ = Generate(request, [&](std::int64_t done, std::int64_t all) {
+        shown = true;
+        return view_.ShowProgress(done, all);
+    });
+    if (shown) view_.HideProgress();
+    if (result_.generated) view_.Unload();
+}
+
+}  // namespace vicenter::autovch

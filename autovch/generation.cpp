@@ -1,0 +1,100 @@
+#include "autovch/generation.h"
+
+#include <map>
+
+#include "entry/host_context.h"
+#include "entry/host_services.h"
+#include "entry/sql_text.h"
+#include "platform/system/surroundings.h"
+#include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+#include "store/statements.h"
+
+namespace vicenter::autovch {
+
+using entry::kCrLf;
+using system::MessageButtons;
+using system::MessageResult;
+
+namespace {
+
+MessageResult ShowMessage(const std::string& text, MessageButtons buttons = MessageButtons::Ok) {
+    return system::Surroundings::Current().messageBoxes->Show(text, buttons, system::MessageIcon::Information,
+                                                              entry::kMessageTitle);
+}
+
+// Asks for each distinct detail id once within one generation.
+class ItemsTexts {
+  public:
+    const std::string& Of(const std::string& detailId) {
+        const auto [found, isNew] = texts_.try_emplace(detailId);
+        if (isNew && !detailId.empty() && detailId != "0") {
+            found->second = store::clsVIData().MergeItemsInfo(detailId);
+        }
+        return found->second;
+    }
+
+  private:
+    std::map<std::string, std::string> texts_;
+};
+
+std::string UnusableNote(const std::string& templateId) {
+    const auto numbers = store::GetRecordset(
+        "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = " + templateId + " order by fno");
+    if (!numbers || numbers->AtEnd()) return {};
+    std::string list;
+    for (; !numbers->AtEnd(); numbers->MoveNext()) {
+        if (!list.empty()) list += "、";
+        list += numbers->Value("FNo").ToTextOrEmpty();
+    }
+    return "注：编号为 " + list + " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
+}
+
+}  // namespace
+
+GenerationResult Generate(const GenerationRequest& request, const Progress& progress) {
+    if (const std::string problem = FilterProblem(request.filter); !problem.empty()) {
+        ShowMessage(problem);
+        return {};
+    }
+    const std::string name(system::TrimBlanks(request.templateName));
+    if (name.empty()) {
+        ShowMessage("凭证模板名称不允许为空！");
+        return {};
+    }
+    entry::WriteFrameLog("C001C039", "AutoRunVch");
+
+    TemplateTarget target{name, entry::CurrentUserId(), store::clsVIData().FindVchTemplate(name)};
+    if (target.overwriteId >= 0 &&
+        ShowMessage("凭证模板“" + name +
+                        "”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？",
+                    MessageButtons::YesNo) != MessageResult::Yes) {
+        return {};
+    }
+    const auto vouchers = store::GetRecordset(VoucherQuery(request.filter));
+    if (!vouchers || vouchers->AtEnd()) {
+        ShowMessage("没有查询到凭证信息，凭证模板生成失败，请重新设置过滤条件！");
+        return {};
+    }
+    ItemsTexts items;
+    const std::string batch = GenerationBatch(
+        target, request.columns, *vouchers, [&](const std::string& detailId) { return items.Of(detailId); },
+        progress);
+    if (batch.empty() || !store::RunSql(batch)) return {};
+
+    const auto id =
+        store::GetRecordset("select FID from t_VchTemplate where FName = " + entry::SqlQuote(name));
+    if (!id || id->AtEnd()) return {};
+    GenerationResult result;
+    result.templateId = id->Value("FID").ToInt32();
+    result.generated = true;
+    result.message = "凭证生成凭证模板 " + name + " 成功！";
+    const std::string templateId = std::to_string(result.templateId);
+    store::RunSql("exec pro_VchTpCanUsed " + templateId);
+    if (const std::string note = UnusableNote(templateId); !note.empty()) {
+        result.message.append(kCrLf).append(kCrLf).append(note);
+    }
+    return result;
+}
+
+}  // namespace vicenter::autovch

@@ -1,0 +1,31 @@
+#pragma once
+
+// Turns posted vouchers into a template: the checks, the question, the batch and the report.
+//
+// Works without a window; the dialog and the command line both use it. Messages go through the surroundings'
+// message boxes. Nothing is written unless Generate() gets as far as its one batch. User-interface thread.
+
+#include <cstdint>
+#include <string>
+
+#include "autovch/generation_sql.h"
+#include "autovch/voucher_filter.h"
+
+namespace vicenter::autovch {
+
+struct GenerationRequest {
+    VoucherFilter filter;
+    std::string templateName;
+    ChosenColumns columns;
+};
+
+struct GenerationResult {
+    std::int32_t templateId = 0;
+    bool generated = false;
+    std::string message;  // for the caller to show once the dialog is closed
+};
+
+// progress may be empty; giving up there writes nothing and says nothing.
+GenerationResult Generate(const GenerationRequest& request, const Progress& progress = {});
+
+}  // namespace vicenter::autovch

@@ -1,0 +1,212 @@
+#include "autovch/generation_sql.h"
+
+#include "entry/sql_text.h"
+#include "store/cls_vi_data.h"
+
+namespace vicenter::autovch {
+
+using automation::Variant;
+using automation::VariantType;
+using entry::kCrLf;
+using entry::SqlQuote;
+
+namespace {
+
+// One optional column: what it adds to the column list, and the query's columns that give its values.
+struct OptionalField {
+    int column;
+    std::string_view columns;
+    std::vector<std::string_view> sources;
+};
+
+// In the order of the column list: the items come last.
+const std::vector<OptionalField>& OptionalFields() {
+    static const std::vector<OptionalField> fields{
+        {7, ",FFileCount", {"FFileCount"}},
+        {9, ",FSettleID,FSettleName", {"FSettleID", "FSettleName"}},
+        {10, ",FSettleNumber", {"FSettleNumber"}},
+        {13, ",FCurrencyID,FCurrencyName", {"FCurrencyID", "FCurrencyName"}},
+        {14, ",FRate", {"FRate"}},
+        {15, ",FAmountFor", {"FAmountFor"}},
+        {17, ",FUnitID,FUnitName", {"FUnitID", "FUnitName"}},
+        {18, ",FQty", {"FQty"}},
+        {19, ",FPrice", {"FPrice"}},
+        {20, ",FAmount", {"FAmount"}},
+        {11, ",FItemsInfo", {"FItemsInfo"}},
+    };
+    return fields;
+}
+
+// The query names the account's name without the table's misspelling.
+constexpr std::string_view kFixedSources[] = {"FNo",        "FExp",           "FDC",
+                                              "FAccountID", "FAccountNumber", "FAccountName"};
+constexpr std::string_view kItemsSource = "FItemsInfo";
+
+// How often the progress is asked, in rows.
+constexpr std::int64_t kProgressRows = 500;
+
+std::string Conditions(const VoucherFilter& filter) {
+    std::string sql = " Where a.FYear = " + filter.year + " And a.FPeriod = " + filter.period + kCrLf;
+    if (!filter.group.empty()) {
+        sql +=
+            "and a.FGroupID = (select FGroupID from t_VoucherGroup where FName = " + SqlQuote(filter.group) +
+            ") " + kCrLf;
+    }
+    sql += " and a.FNumber >=" + filter.from + " and a.FNumber <=" + filter.to + kCrLf;
+    if (!filter.includeSystem) sql += std::string(" and a.FTranType = 0") + kCrLf;
+    return sql;
+}
+
+std::string Joins() {
+    return std::string("  from t_Voucher a") + kCrLf +
+           " inner join t_VoucherEntry b on a.FVoucherID = b.FVoucherID" + kCrLf +
+           " inner join t_Account c on b.FAccountID = c.FAccountID" + kCrLf +
+           " left join t_Settle d on b.FSettleTypeID = d.FItemID and b.FSettleTypeID >0" + kCrLf +
+           " inner join t_Currency e on b.FCurrencyID = e.FCurrencyID" + kCrLf +
+           " left join t_MeasureUnit f on b.FMeasureUnitID = f.FMeasureUnitID and b.FMeasureUnitID >0" +
+           kCrLf;
+}
+
+// Numbers as plain decimals without loss, texts as literals, a missing value as the word Null.
+std::string SqlOf(const Variant& value) {
+    switch (value.Type()) {
+        case VariantType::Null:
+        case VariantType::Empty:
+            return "Null";
+        case VariantType::Boolean:
+            return value.ToBoolean() ? "1" : "0";
+        case VariantType::Double:
+            return value.ToDecimal().ToShortText();
+        case VariantType::Int16:
+        case VariantType::Int32:
+        case VariantType::Int64:
+        case VariantType::Decimal:
+            return value.ToText();
+        default:
+            return SqlQuote(value.ToTextOrEmpty());
+    }
+}
+
+void AppendLine(std::string& batch, std::string_view statement) {
+    batch.append(statement).append(kCrLf);
+}
+
+std::string ControlRows(bool overwrite) {
+    std::string sql;
+    for (const char* line :
+         {" declare @FNo int ", " declare @Vch_cursor CURSOR ", " Set @Vch_cursor = CURSOR FOR ",
+          "     select distinct FNo from t_VchTemplateEntry where FID = @MaxFID ", " OPEN @Vch_cursor ",
+          " FETCH @Vch_cursor into @FNo ", " while @@fetch_status=0 ", " Begin ",
+          "     declare @FFileCount int ", "     declare @Exp nvarchar(255) ",
+          "     select Top 1 @FFileCount=FFileCount,@Exp=FExp from t_VchTemplateEntry where FID = @MaxFID "
+          "and FNo = @FNo "
+          "order by FEntryID "}) {
+        AppendLine(sql, line);
+    }
+    AppendLine(
+        sql, overwrite
+                 ? "     update t_VchTpControl set FFileCount = @FFileCount,FKey = @Exp where FID = @MaxFID "
+                   "and FNo = @FNo "
+                 : "     insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount) "
+                   "values(@MaxFID,@FNo,0,@Exp,@FFileCount) ");
+    for (const char* line : {"     fetch next from @Vch_cursor into @FNo ", " End ", " close @Vch_cursor "}) {
+        AppendLine(sql, line);
+    }
+    sql += " deallocate @Vch_cursor ";
+    if (overwrite) {
+        sql += std::string(kCrLf) +
+               " delete t_VchTpControl where FID = @MaxFID and FNo not in (select FNo from "
+               "t_VchTemplateEntry where FID "
+               "= @MaxFID) ";
+    }
+    return sql;
+}
+
+}  // namespace
+
+std::string VoucherQuery(const VoucherFilter& filter) {
+    return std::string(
+               " select a.FNumber as FNo,b.FExplanation as FExp,b.FDC,b.FAccountID,c.FNumber as "
+               "FAccountNumber,c.FName "
+               "as FAccountName, ") +
+           kCrLf +
+           " b.FSettleTypeID as FSettleID,isnull(d.FName,'') as FSettleName,ISNULL(d.FNumber,'') as "
+           "FSettleNumber," +
+           kCrLf +
+           " b.FCurrencyID,e.FName as FCurrencyName,b.FExchangeRate as "
+           "FRate,b.FAmountFor,b.FAmount,b.FQuantity as "
+           "FQty," +
+           kCrLf +
+           " b.FUnitPrice as FPrice,b.FMeasureUnitID as FUnitID,ISNULL(f.FName,'') as FUnitName,'' as "
+           "FRemark," +
+           kCrLf + " a.FAttachments as FFileCount,b.FDetailID as FItemsInfo" + kCrLf + Joins() +
+           Conditions(filter) + "order by b.FVoucherID,b.FEntryID";
+}
+
+std::string VoucherCountQuery(const VoucherFilter& filter) {
+    std::string sql =
+        "select count(distinct a.FNumber) as FNumbers,count(distinct a.FVoucherID) as FVouchers,"
+        "count(*) as FLines" +
+        std::string(kCrLf) + Joins() + Conditions(filter);
+    return sql;
+}
+
+std::string EntryColumns(const ChosenColumns& chosen) {
+    std::string columns = "FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName";
+    for (const OptionalField& field : OptionalFields()) {
+        if (chosen.contains(field.column)) columns += field.columns;
+    }
+    return columns;
+}
+
+std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& chosen,
+                            ado::Recordset& vouchers, const ItemsOf& itemsOf, const Progress& progress) {
+    const bool overwrite = target.overwriteId >= 0;
+    const std::string id = std::to_string(target.overwriteId);
+    std::string batch;
+    if (overwrite) {
+        AppendLine(batch, " delete t_VchTemplateEntry where FID = " + id);
+        AppendLine(batch, " delete t_VchTemplate where FID = " + id);
+        AppendLine(batch, " declare @MaxFID int ");
+        AppendLine(batch, " set @MaxFID = " + id);
+    } else {
+        AppendLine(batch, " declare @MaxFID int ");
+        AppendLine(batch, " select @MaxFID = Max(FID)+1 from t_VchTemplate ");
+    }
+    AppendLine(batch, " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) values(@MaxFID," +
+                          SqlQuote(target.name) + "," + target.userId + ",'',GetDate()) ");
+
+    // Where each value stands in the query, found once for all rows.
+    struct Source {
+        std::size_t column;
+        bool items;
+    };
+    std::vector<Source> sources;
+    for (const std::string_view name : kFixedSources)
+        sources.push_back({vouchers.ColumnIndex(name), false});
+    for (const OptionalField& field : OptionalFields()) {
+        if (!chosen.contains(field.column)) continue;
+        for (const std::string_view name : field.sources) {
+            sources.push_back({vouchers.ColumnIndex(name), name == kItemsSource});
+        }
+    }
+
+    const std::string head =
+        " insert into t_VchTemplateEntry(FID,FEntryID," + EntryColumns(chosen) + ") values(@MaxFID,";
+    const std::int64_t all = vouchers.RecordCount();
+    batch.reserve(batch.size() + static_cast<std::size_t>(all) * (head.size() + sources.size() * 12));
+    for (std::int64_t row = 0; row < all; ++row) {
+        if (progress && row % kProgressRows == 0 && !progress(row, all)) return {};
+        batch.append(head).append(std::to_string(row + 1));
+        for (const Source& source : sources) {
+            const Variant& value = vouchers.ValueAt(static_cast<std::size_t>(row), source.column);
+            batch += ',';
+            batch += source.items ? SqlQuote(itemsOf(value.ToTextOrEmpty())) : SqlOf(value);
+        }
+        AppendLine(batch, ") ");
+    }
+    if (progress && !progress(all, all)) return {};
+    return batch + ControlRows(overwrite);
+}
+
+}  // namespace vicenter::autovch

@@ -1,0 +1,142 @@
+#include "autovch/generation.h"
+
+#include "tests/autovch/autovch_fixture.h"
+
+namespace vicenter::autovch {
+namespace {
+
+using system::MessageButtons;
+using system::MessageResult;
+
+class GenerateTest : public AutoVchTest {
+  protected:
+    void SetUp() override {
+        AutoVchTest::SetUp();
+        request_ = {MarchFilter(), " 三月 ", {}};
+        set_.Answer("from t_Voucher a",
+                    Rows(VoucherColumns(), {VoucherRow(2, "提现", 17), VoucherRow(2, "提现", 17)}));
+    }
+    std::string BatchSent() const {
+        for (const std::string& sql : set_.Statements()) {
+            if (sql.find("@Vch_cursor") != std::string::npos) return sql;
+        }
+        return {};
+    }
+
+    GenerationRequest request_;
+};
+
+// From the first insert on the template can be found by its name.
+void ExistsAfterTheBatch(fakes::FakeAccountSet& set, int id) {
+    set.Respond("@Vch_cursor", [&set, id](const std::string&) {
+        set.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{id}}));
+        return Rows({});
+    });
+}
+
+TEST_F(GenerateTest, WritesOneBatchAndReports) {
+    ExistsAfterTheBatch(set_, 9);
+    const GenerationResult result = Generate(request_);
+    EXPECT_TRUE(result.generated);
+    EXPECT_EQ(result.templateId, 9);
+    EXPECT_EQ(result.message, "凭证生成凭证模板 三月 成功！");
+    EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
+    const auto& sent = set_.Statements();
+    ASSERT_EQ(sent.size(), 6U);
+    EXPECT_EQ(sent[0], "select FID from t_VchTemplate where FName = '三月'");
+    EXPECT_EQ(sent[1], VoucherQuery(request_.filter));
+    EXPECT_EQ(sent[3], "select FID from t_VchTemplate where FName = '三月'");
+    EXPECT_EQ(sent[4], "exec pro_VchTpCanUsed 9");
+    EXPECT_EQ(sent[5], "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = 9 order by fno");
+    EXPECT_EQ(frame_->Calls(), (Texts{"Propstring=UserID=16394;", "WriteMGLog(C001C039, AutoRunVch)"}));
+}
+
+TEST_F(GenerateTest, ReportsTheNumbersThatCannotBeUsed) {
+    ExistsAfterTheBatch(set_, 9);
+    set_.Answer("FIsCanUsed = 0", Rows({"FNo"}, {{2}, {4}}));
+    EXPECT_EQ(Generate(request_).message,
+              "凭证生成凭证模板 三月 成功！\r\n\r\n注：编号为 2、4 "
+              "的凭证模板存在异常(标红)，无法在当前账套中使用！");
+}
+
+TEST_F(GenerateTest, InputProblemsStopBeforeAnything) {
+    request_.filter.year = "";
+    EXPECT_FALSE(Generate(request_).generated);
+    request_.filter = MarchFilter();
+    request_.filter.period = "";
+    Generate(request_);
+    request_.filter = MarchFilter();
+    request_.filter.to = "0";
+    Generate(request_);
+    request_.filter = MarchFilter();
+    request_.templateName = "   ";
+    Generate(request_);
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(),
+              (Texts{"请设置凭证过滤年度！", "请设置凭证过滤期间！", "请正确设置凭证号范围！",
+                     "凭证模板名称不允许为空！"}));
+    for (const auto& message : surroundings_.messageBoxes->shown) {
+        EXPECT_EQ(message.title, "信息提示");
+        EXPECT_EQ(message.icon, system::MessageIcon::Information);
+    }
+    EXPECT_TRUE(set_.Statements().empty());
+    EXPECT_TRUE(frame_->Calls().empty());
+}
+
+TEST_F(GenerateTest, AnExistingNameIsAskedAbout) {
+    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{7}}));
+    surroundings_.messageBoxes->answers = {MessageResult::No};
+    EXPECT_FALSE(Generate(request_).generated);
+    ASSERT_EQ(surroundings_.messageBoxes->shown.size(), 1U);
+    const auto& question = surroundings_.messageBoxes->shown.front();
+    EXPECT_EQ(question.text,
+              "凭证模板“三月”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？");
+    EXPECT_EQ(question.buttons, MessageButtons::YesNo);
+    EXPECT_EQ(BatchSent(), "");
+    EXPECT_EQ(set_.Statements().size(), 1U);  // not even the vouchers were read
+}
+
+TEST_F(GenerateTest, YesOverwritesUnderTheSameId) {
+    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{7}}));
+    surroundings_.messageBoxes->answers = {MessageResult::Yes};
+    const GenerationResult result = Generate(request_);
+    EXPECT_TRUE(result.generated);
+    EXPECT_EQ(result.templateId, 7);
+    EXPECT_TRUE(BatchSent().starts_with(" delete t_VchTemplateEntry where FID = 7\r\n"));
+}
+
+TEST_F(GenerateTest, NoVouchersIsAMessage) {
+    set_.Answer("from t_Voucher a", Rows(VoucherColumns()));
+    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(),
+              Texts{"没有查询到凭证信息，凭证模板生成失败，请重新设置过滤条件！"});
+    EXPECT_EQ(BatchSent(), "");
+}
+
+TEST_F(GenerateTest, AFailingBatchIsReportedOnceAndGeneratesNothing) {
+    set_.Fail("@Vch_cursor", "Violation of PRIMARY KEY constraint.");
+    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"Violation of PRIMARY KEY constraint."});
+    EXPECT_EQ(set_.LastStatement(), BatchSent());
+}
+
+TEST_F(GenerateTest, CancellingWritesNothingAndSaysNothing) {
+    EXPECT_FALSE(Generate(request_, [](std::int64_t, std::int64_t) { return false; }).generated);
+    EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
+    EXPECT_EQ(BatchSent(), "");
+}
+
+TEST_F(GenerateTest, EachDetailIdIsAskedForOnce) {
+    request_.columns = {11};
+    set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}, {{1, "t_Organization"}}));
+    set_.Answer("as FItemsInfo from t_ItemDetail a", Rows({"FItemsInfo"}, {{"01.01"}}));
+    ExistsAfterTheBatch(set_, 9);
+    EXPECT_TRUE(Generate(request_).generated);
+    int asked = 0;
+    for (const std::string& sql : set_.Statements())
+        asked += sql.find("FSQLTableName") != std::string::npos ? 1 : 0;
+    EXPECT_EQ(asked, 1);
+    EXPECT_NE(BatchSent().find(",'01.01') \r\n"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace vicenter::autovch
