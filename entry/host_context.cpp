@@ -71,7 +71,8 @@ std::string GetKeyValue(std::string_view text, std::string_view key, std::string
         if (!value.empty()) value.erase(0, 1);  // the "{"
         endMark = "}";
     }
-    return value.substr(0, value.find(endMark));
+    const std::size_t end = value.find(endMark);
+    return end == std::string::npos ? std::string() : value.substr(0, end);
 }
 
 const std::string& CurrentUserId() {

@@ -35,8 +35,8 @@ class TemplateWindow {
     virtual bool ReportRows(std::int64_t done, std::int64_t all) = 0;
     virtual void HideProgress() = 0;
 
-    // Builds the template tree anew.
-    virtual void RebuildTree() = 0;
+    // Builds the template tree anew and selects the template of that id.
+    virtual void RebuildTreeAndSelect(std::int32_t id) = 0;
 };
 
 }  // namespace vicenter::exchange

@@ -1,5 +1,6 @@
 #include "host/demo_ledger.h"
 
+#include <algorithm>
 #include <string>
 
 #include "host/demo_master.h"
@@ -74,19 +75,29 @@ void WriteVoucher(SqlWriter& writer, int id, const DemoVoucher& voucher) {
         WriteEntry(writer, voucherId, i + 1, voucher.entries[i]);
 }
 
-// What the firm's own business brings: a run without writing.
-std::int64_t CountOwnVouchers() {
+std::int64_t CountVouchers(std::int64_t extra) {
     DemoMaster master = DemoMaster::Read();
     std::int64_t count = 0;
-    DemoVouchers(master).Generate(0, [&](const DemoVoucher&) { ++count; });
+    DemoVouchers(master).Generate(extra, 0, [&](const DemoVoucher&) { ++count; });
     return count;
+}
+
+// How many vouchers beside the firm's own bring it close to a total, without going past it: found by runs
+// that write nothing.
+std::int64_t ExtraFor(std::int64_t total) {
+    const std::int64_t own = CountVouchers(0);
+    std::int64_t extra = std::max<std::int64_t>(0, total - own);
+    for (std::int64_t count = own; extra > 0; extra -= std::min(extra, count - total)) {
+        count = CountVouchers(extra);
+        if (count <= total) break;
+    }
+    return extra;
 }
 
 }  // namespace
 
 void PrepareDemo(ado::Connection& connection, const DemoOptions& options) {
-    const std::int64_t own = options.vouchers > 0 ? CountOwnVouchers() : 0;
-    const std::int64_t extra = options.vouchers > own ? options.vouchers - own : 0;
+    const std::int64_t extra = options.vouchers > 0 ? ExtraFor(options.vouchers) : 0;
 
     SqlWriter writer(connection);
     DemoMaster master = DemoMaster::Read();
@@ -94,7 +105,7 @@ void PrepareDemo(ado::Connection& connection, const DemoOptions& options) {
     WriteCalendar(writer);
     master.Write(writer);
     int id = 0;
-    DemoVouchers(master).Generate(extra, [&](const DemoVoucher& voucher) {
+    DemoVouchers(master).Generate(extra, options.vouchers, [&](const DemoVoucher& voucher) {
         master.ItemDetails().WriteNew(writer);
         WriteVoucher(writer, ++id, voucher);
     });

@@ -27,7 +27,7 @@ std::int64_t DemoVouchers::Draw(std::int64_t below) {
     return static_cast<std::int64_t>(value % static_cast<std::uint64_t>(below));
 }
 
-void DemoVouchers::Generate(std::int64_t extra, const Sink& sink) {
+void DemoVouchers::Generate(std::int64_t extra, std::int64_t total, const Sink& sink) {
     std::vector<std::pair<int, int>> periods;
     for (int year = kDemoFirstYear; year <= kDemoLastYear; ++year) {
         const int last = year == kDemoLastYear ? kDemoLastPeriod : 12;
@@ -46,6 +46,9 @@ void DemoVouchers::Generate(std::int64_t extra, const Sink& sink) {
         for (std::int64_t n = extra * i / count; n < extra * (i + 1) / count; ++n)
             DoExtra(n);
         CloseMonth();
+        // Payments touch no result account, so that they may come behind the closing.
+        while (i == count - 1 && emitted_ + static_cast<std::int64_t>(vouchers_.size()) < total)
+            PaySupplier(LastDay());
         Emit(sink);
     }
 }
@@ -119,6 +122,7 @@ void DemoVouchers::Emit(const Sink& sink) {
     for (DemoVoucher& voucher : vouchers_) {
         voucher.number = ++numbers[voucher.group];
         sink(voucher);
+        ++emitted_;
     }
     vouchers_.clear();
 }

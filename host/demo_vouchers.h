@@ -66,8 +66,9 @@ class DemoVouchers {
     explicit DemoVouchers(DemoMaster& master) : master_(master) {}
 
     // All vouchers by date and number. extra more vouchers than the firm's own business brings are spread
-    // evenly over the periods. Call it once.
-    void Generate(std::int64_t extra, const Sink& sink);
+    // evenly over the periods; they may call for a few more or fewer at the ends of months (taxes,
+    // revaluations), so that payments in the last period make up what is missing to total. Call it once.
+    void Generate(std::int64_t extra, std::int64_t total, const Sink& sink);
 
   private:
     struct Receivable {
@@ -142,6 +143,7 @@ class DemoVouchers {
     int period_ = 0;
     std::deque<DemoVoucher> vouchers_;
     std::int64_t settleNumbers_ = 0;
+    std::int64_t emitted_ = 0;
     std::map<int, std::int64_t> rates_;  // by currency, this month
     std::deque<Receivable> receivables_;
     std::deque<Payable> payables_;

@@ -34,6 +34,8 @@ constexpr ErrorEntry kErrors[] = {
     {116, 16, kBatch,
      "Only one expression can be specified in the select list when the subquery is not introduced with "
      "EXISTS."},
+    {117, 15, kBatch,
+     "The %S_MSG name '%.*ls' contains more than the maximum number of prefixes. The maximum is %d."},
     {119, 15, kBatch,
      "Must pass parameter number %d and subsequent parameters as '@name = value'. After the form '@name = "
      "value' "

@@ -10,6 +10,7 @@
 #include <unicode/stringpiece.h>
 #include <unicode/translit.h>
 #include <unicode/uchar.h>
+#include <unicode/uscript.h>
 #include <unicode/unistr.h>
 
 #include "automation/error.h"
@@ -42,6 +43,10 @@ class IcuCollator : public Collator {
         collator_.reset(icu::Collator::createInstance(icu::Locale("zh", "CN"), status));
         if (U_FAILURE(status)) throw automation::Error(0, "The Chinese collation is not available.");
         collator_->setStrength(icu::Collator::SECONDARY);
+        // Letters stand before Chinese characters, as SQL Server has them; ICU's own order is the other way round.
+        const std::int32_t scripts[] = {USCRIPT_LATIN, USCRIPT_HAN};
+        collator_->setReorderCodes(scripts, 2, status);
+        if (U_FAILURE(status)) throw automation::Error(0, "The Chinese collation is not available.");
         RankAscii();
     }
 

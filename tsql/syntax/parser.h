@@ -13,8 +13,10 @@
 
 namespace vicenter::tsql {
 
-// Levels of parentheses, subqueries, blocks and nodes of an expression: deeper is error 191.
-inline constexpr int kNestingLimit = 400;
+// Levels of parentheses, subqueries, CASE, blocks and IFs within each other: deeper is error 191.
+inline constexpr int kNestingLimit = 200;
+// Nodes below each other in one expression or FROM clause, for instance the operands of a + b + …: as above.
+inline constexpr int kDepthLimit = 1000;
 
 class Parser;
 

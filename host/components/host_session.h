@@ -1,0 +1,46 @@
+#pragma once
+
+// One user at work on one account set: what the host's components share.
+//
+// Held by every component object that a registration makes; the connection is opened at the first statement
+// and anew after it has been lost. User-interface thread.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/ado/connection.h"
+
+namespace vicenter::host {
+
+struct HostSettings {
+    std::string connectString;
+    std::int32_t userId = 1;
+};
+
+class HostSession {
+  public:
+    explicit HostSession(HostSettings settings) : settings_(std::move(settings)) {}
+
+    const HostSettings& Settings() const { return settings_; }
+    // The host property string: UserID first, since it is searched for as plain text, and the connect string
+    // in braces.
+    std::string PropsString() const;
+    // Runs one batch on the session's own connection. Throws what the connection throws.
+    ado::RecordsetRef Execute(std::string_view batch);
+    ado::Connection& Connection();
+
+  private:
+    HostSettings settings_;
+    ado::ConnectionRef connection_;
+};
+
+using HostSessionRef = std::shared_ptr<HostSession>;
+
+// The value of a key of a property string that a caller hands to a component.
+std::string PropsValue(const std::string& propsString, std::string_view key);
+
+// The user id in a property string; throws Error 5 when it holds none.
+std::int32_t PropsUser(const std::string& propsString);
+
+}  // namespace vicenter::host

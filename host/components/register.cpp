@@ -1,0 +1,25 @@
+#include "automation/class_registry.h"
+#include "host/components/components.h"
+
+namespace vicenter::host {
+
+HostSessionRef RegisterHostComponents(const HostSettings& settings) {
+    const auto session = std::make_shared<HostSession>(settings);
+    struct Component {
+        const char* progId;
+        automation::ObjectRef (*make)(const HostSessionRef&);
+    };
+    static constexpr Component kComponents[] = {
+        {"VelaPropsMgr.ShareProps", MakeShareProps},         {"VelaEBSBase.SecurityInfo", MakeSecurityInfo},
+        {"VelaEBSBase.SystemProfile", MakeSystemProfile},    {"VelaEBCGLView.GLData", MakeGlData},
+        {"VelaConnection.AppConnection", MakeAppConnection}, {"Vela_APFC.FrameData", MakeFrameData},
+        {"VelaBillDataAccess.SysInfo", MakeSysInfo},
+    };
+    for (const Component& component : kComponents) {
+        automation::ClassRegistry::Process().Register(
+            component.progId, [session, make = component.make] { return make(session); });
+    }
+    return session;
+}
+
+}  // namespace vicenter::host

@@ -1,0 +1,327 @@
+#include <algorithm>
+#include <unordered_map>
+
+#include "platform/office/cell_text.h"
+#include "platform/office/column_letters.h"
+#include "platform/office/column_width.h"
+#include "platform/office/excel_objects.h"
+
+namespace vicenter::office {
+
+namespace {
+
+constexpr std::int32_t kContinuousLine = 1;
+constexpr std::int32_t kNoLine = -4142;
+constexpr std::int32_t kNoColor = -4142;
+constexpr std::int32_t kLastPaletteIndex = 56;
+constexpr double kStandardFontSize = 11;
+constexpr double kSmallestFontSize = 1;
+constexpr double kLargestFontSize = 409;
+
+bool IsValue(std::string_view name) {
+    return name.empty() || name == "Value" || automation::SameName(name, "Value") ||
+           automation::SameName(name, "Value2");
+}
+
+}  // namespace
+
+Variant ExcelRange::Invoke(std::string_view name, automation::InvokeKind kind, Arguments& arguments) {
+    if (IsValue(name)) {
+        if (kind == automation::InvokeKind::Put && arguments.size() == 1) {
+            SetValue(arguments[0].Value());
+            return {};
+        }
+        if (kind != automation::InvokeKind::Put && arguments.empty() && name.size() <= 5) return Value();
+    }
+    return TableObject::Invoke(name, kind, arguments);
+}
+
+bool ExcelRange::IsWholeColumns() const {
+    return area_.firstRow == 0 && area_.lastRow == sheet_->WholeArea().lastRow;
+}
+
+Variant ExcelRange::Value() const {
+    const Workbook& workbook = sheet_->Book()->Content();
+    const Sheet& sheet = sheet_->Content();
+    if (IsSingleCell()) return GetCellValue(workbook, sheet.Find(area_.firstRow, area_.firstColumn));
+    const std::uint64_t cells = static_cast<std::uint64_t>(area_.lastRow - area_.firstRow + 1) *
+                                (area_.lastColumn - area_.firstColumn + 1);
+    constexpr std::uint64_t kMaxCellsAtOnce = 4'000'000;
+    if (cells > kMaxCellsAtOnce) FailTooLarge();
+    automation::VariantArray rows;
+    for (std::uint32_t row = area_.firstRow; row <= area_.lastRow; ++row) {
+        automation::VariantArray values;
+        for (std::uint32_t column = area_.firstColumn; column <= area_.lastColumn; ++column) {
+            values.push_back(GetCellValue(workbook, sheet.Find(row, column)));
+        }
+        rows.emplace_back(std::move(values));
+    }
+    return rows;
+}
+
+void ExcelRange::SetValue(const Variant& value) {
+    Workbook& workbook = sheet_->Book()->Content();
+    Sheet& sheet = sheet_->Content();
+    for (std::uint32_t row = area_.firstRow; row <= area_.lastRow; ++row) {
+        for (std::uint32_t column = area_.firstColumn; column <= area_.lastColumn; ++column) {
+            SetCellValue(workbook, sheet, row, column, value);
+        }
+    }
+}
+
+std::string ExcelRange::Text() const {
+    const Cell* cell = sheet_->Content().Find(area_.firstRow, area_.firstColumn);
+    return cell == nullptr ? std::string() : CellText(sheet_->Book()->Content(), *cell);
+}
+
+CellFormat ExcelRange::Format() const {
+    const Workbook& workbook = sheet_->Book()->Content();
+    const Sheet& sheet = sheet_->Content();
+    if (const Cell* cell = sheet.Find(area_.firstRow, area_.firstColumn))
+        return workbook.Formats().At(cell->format);
+    const auto setting = sheet.Columns().find(area_.firstColumn);
+    return workbook.Formats().At(setting == sheet.Columns().end() ? 0 : setting->second.format);
+}
+
+void ExcelRange::ChangeFormat(const std::function<void(CellFormat&)>& change) {
+    Workbook& workbook = sheet_->Book()->Content();
+    Sheet& sheet = sheet_->Content();
+    std::unordered_map<std::uint16_t, std::uint16_t> changed;
+    const auto apply = [&](std::uint16_t& index) {
+        const auto [place, isNew] = changed.try_emplace(index, std::uint16_t{0});
+        if (isNew) {
+            CellFormat format = workbook.Formats().At(index);
+            change(format);
+            place->second = workbook.Formats().Intern(format);
+        }
+        index = place->second;
+    };
+    if (!IsWholeColumns()) {
+        for (std::uint32_t row = area_.firstRow; row <= area_.lastRow; ++row) {
+            for (std::uint32_t column = area_.firstColumn; column <= area_.lastColumn; ++column) {
+                apply(sheet.At(row, column).format);
+            }
+        }
+        return;
+    }
+    // Whole columns: the format serves cells to come, too.
+    const std::uint32_t lastColumn = std::min(area_.lastColumn, kMaxXlsColumns - 1);
+    for (std::uint32_t column = area_.firstColumn; column <= lastColumn; ++column) {
+        apply(sheet.ColumnAt(column).format);
+    }
+    for (std::uint32_t row = 0; row < sheet.Rows().size(); ++row) {
+        for (std::uint32_t column = area_.firstColumn; column <= lastColumn; ++column) {
+            if (sheet.Find(row, column) != nullptr) apply(sheet.At(row, column).format);
+        }
+    }
+}
+
+std::shared_ptr<ExcelRange> ExcelRange::Part(const CellArea& area, Unit unit) const {
+    auto part = std::make_shared<ExcelRange>(sheet_, area);
+    part->unit_ = unit;
+    return part;
+}
+
+void ExcelRange::AutoFit() {
+    // Fitting rows is left to whoever shows the sheet.
+    if (!IsWholeColumns() && unit_ != Unit::Columns) return;
+    const std::uint32_t last = std::min(area_.lastColumn, sheet_->Content().UsedArea().lastColumn);
+    if (last >= area_.firstColumn) {
+        AutoFitColumns(sheet_->Book()->Content(), sheet_->Content(), area_.firstColumn, last);
+    }
+}
+
+const MemberTable<ExcelRange>& ExcelRange::Members() {
+    using automation::IndexedProperty;
+    using automation::Method;
+    using automation::Property;
+    const auto numberFormat = [](ExcelRange& self, Arguments&) -> Variant {
+        std::string format = self.Format().numberFormat;
+        return format.empty() ? std::string("General") : format;
+    };
+    const auto setNumberFormat = [](ExcelRange& self, Arguments& a) {
+        std::string format = a[0].Value().ToText();
+        if (format == "General" || format == "G/通用格式") format.clear();
+        self.ChangeFormat([&format](CellFormat& look) { look.numberFormat = format; });
+    };
+    const auto value = [](ExcelRange& self, Arguments&) -> Variant { return self.Value(); };
+    const auto setValue = [](ExcelRange& self, Arguments& a) { self.SetValue(a[0].Value()); };
+    static const MemberTable<ExcelRange> table{
+        Property<ExcelRange>("Value", value, setValue).AsDefault(),
+        Property<ExcelRange>(
+            "Value2",
+            [](ExcelRange& self, Arguments&) -> Variant {
+                const Variant result = self.Value();
+                return result.Type() == automation::VariantType::Date ? Variant(result.ToDouble()) : result;
+            },
+            setValue),
+        Property<ExcelRange>("Formula", value, setValue),
+        Property<ExcelRange>("Text", [](ExcelRange& self, Arguments&) -> Variant { return self.Text(); }),
+        Property<ExcelRange>("NumberFormat", numberFormat, setNumberFormat),
+        Property<ExcelRange>("NumberFormatLocal", numberFormat, setNumberFormat),
+        Property<ExcelRange>(
+            "Font",
+            [](ExcelRange& self, Arguments&) -> Variant { return std::make_shared<ExcelFont>(self.Self()); }),
+        IndexedProperty<ExcelRange>("Borders", {"Index?"},
+                                    [](ExcelRange& self, Arguments&) -> Variant {
+                                        return std::make_shared<ExcelBorders>(self.Self());
+                                    }),
+        Property<ExcelRange>("Interior",
+                             [](ExcelRange& self, Arguments&) -> Variant {
+                                 return std::make_shared<ExcelInterior>(self.Self());
+                             }),
+        Property<ExcelRange>("Count",
+                             [](ExcelRange& self, Arguments&) -> Variant {
+                                 const std::int64_t rows = self.area_.lastRow - self.area_.firstRow + 1;
+                                 const std::int64_t columns =
+                                     self.area_.lastColumn - self.area_.firstColumn + 1;
+                                 if (self.unit_ == Unit::Rows) return static_cast<std::int32_t>(rows);
+                                 if (self.unit_ == Unit::Columns) return static_cast<std::int32_t>(columns);
+                                 const std::int64_t cells = rows * columns;
+                                 if (cells > INT32_MAX) {
+                                     throw automation::Error(automation::error_number::kOverflow);
+                                 }
+                                 return static_cast<std::int32_t>(cells);
+                             }),
+        Property<ExcelRange>(
+            "Rows",
+            [](ExcelRange& self, Arguments&) -> Variant { return self.Part(self.area_, Unit::Rows); }),
+        Property<ExcelRange>(
+            "Columns",
+            [](ExcelRange& self, Arguments&) -> Variant { return self.Part(self.area_, Unit::Columns); }),
+        IndexedProperty<ExcelRange>("Cells", {"RowIndex", "ColumnIndex"},
+                                    [](ExcelRange& self, Arguments& a) -> Variant {
+                                        const CellArea area =
+                                            self.sheet_->AreaOfCell(a[0].Value(), a[1].Value());
+                                        const std::uint32_t row = self.area_.firstRow + area.firstRow;
+                                        const std::uint32_t column =
+                                            self.area_.firstColumn + area.firstColumn;
+                                        return self.Part({row, column, row, column}, Unit::Cells);
+                                    }),
+        Property<ExcelRange>("EntireColumn",
+                             [](ExcelRange& self, Arguments&) -> Variant {
+                                 CellArea area = self.sheet_->WholeArea();
+                                 area.firstColumn = self.area_.firstColumn;
+                                 area.lastColumn = self.area_.lastColumn;
+                                 return self.Part(area, Unit::Columns);
+                             }),
+        Property<ExcelRange>("Row",
+                             [](ExcelRange& self, Arguments&) -> Variant {
+                                 return static_cast<std::int32_t>(self.area_.firstRow + 1);
+                             }),
+        Property<ExcelRange>("Column",
+                             [](ExcelRange& self, Arguments&) -> Variant {
+                                 return static_cast<std::int32_t>(self.area_.firstColumn + 1);
+                             }),
+        Property<ExcelRange>("Address",
+                             [](ExcelRange& self, Arguments&) -> Variant {
+                                 const auto name = [](std::uint32_t row, std::uint32_t column) {
+                                     return "$" + ColumnLetters(column + 1) + "$" + std::to_string(row + 1);
+                                 };
+                                 std::string text = name(self.area_.firstRow, self.area_.firstColumn);
+                                 if (!self.IsSingleCell()) {
+                                     text += ":" + name(self.area_.lastRow, self.area_.lastColumn);
+                                 }
+                                 return text;
+                             }),
+        Property<ExcelRange>(
+            "ColumnWidth",
+            [](ExcelRange& self, Arguments&) -> Variant {
+                constexpr double kStandardWidth = 8.43;
+                const auto& columns = self.sheet_->Content().Columns();
+                const auto setting = columns.find(self.area_.firstColumn);
+                return setting == columns.end() || setting->second.width <= 0 ? kStandardWidth
+                                                                              : setting->second.width;
+            },
+            [](ExcelRange& self, Arguments& a) {
+                const double width = a[0].Value().ToDouble();
+                constexpr double kMaxWidth = 255;
+                if (width < 0 || width > kMaxWidth) FailExcel("列宽无效！");
+                const std::uint32_t last = std::min(self.area_.lastColumn, kMaxXlsColumns - 1);
+                for (std::uint32_t column = self.area_.firstColumn; column <= last; ++column) {
+                    self.sheet_->Content().ColumnAt(column).width = width;
+                }
+            }),
+        Method<ExcelRange>("AutoFit", {},
+                           [](ExcelRange& self, Arguments&) -> Variant {
+                               self.AutoFit();
+                               return true;
+                           }),
+        Method<ExcelRange>("Select", {},
+                           [](ExcelRange& self, Arguments&) -> Variant {
+                               self.sheet_->Content();
+                               self.sheet_->Book()->Application()->SetSelection(
+                                   self.Part(self.area_, self.unit_));
+                               return true;
+                           }),
+        Method<ExcelRange>("Activate", {}, [](ExcelRange&, Arguments&) -> Variant { return true; }),
+    };
+    return table;
+}
+
+template <>
+const MemberTable<ExcelFont>& ExcelFont::Members() {
+    using automation::Property;
+    static const MemberTable<ExcelFont> table{
+        Property<ExcelFont>(
+            "Size",
+            [](ExcelFont& self, Arguments&) -> Variant {
+                const double size = self.range_->Format().fontSize;
+                return size > 0 ? size : kStandardFontSize;
+            },
+            [](ExcelFont& self, Arguments& a) {
+                const double size = a[0].Value().ToDouble();
+                if (!(size >= kSmallestFontSize && size <= kLargestFontSize)) FailExcel("字号无效！");
+                self.range_->ChangeFormat([size](CellFormat& look) { look.fontSize = size; });
+            }),
+        Property<ExcelFont>(
+            "Bold", [](ExcelFont& self, Arguments&) -> Variant { return self.range_->Format().bold; },
+            [](ExcelFont& self, Arguments& a) {
+                const bool bold = a[0].Value().ToBoolean();
+                self.range_->ChangeFormat([bold](CellFormat& look) { look.bold = bold; });
+            }),
+    };
+    return table;
+}
+
+template <>
+const MemberTable<ExcelBorders>& ExcelBorders::Members() {
+    using automation::Property;
+    static const MemberTable<ExcelBorders> table{
+        Property<ExcelBorders>(
+            "LineStyle",
+            [](ExcelBorders& self, Arguments&) -> Variant {
+                return self.range_->Format().borders ? kContinuousLine : kNoLine;
+            },
+            [](ExcelBorders& self, Arguments& a) {
+                const std::int32_t style = a[0].Value().ToInt32();
+                if (style != kContinuousLine && style != kNoLine) FailExcel("不支持的线型！");
+                self.range_->ChangeFormat(
+                    [style](CellFormat& look) { look.borders = style == kContinuousLine; });
+            }),
+    };
+    return table;
+}
+
+template <>
+const MemberTable<ExcelInterior>& ExcelInterior::Members() {
+    using automation::Property;
+    static const MemberTable<ExcelInterior> table{
+        Property<ExcelInterior>(
+            "ColorIndex",
+            [](ExcelInterior& self, Arguments&) -> Variant {
+                const std::uint8_t color = self.range_->Format().fillColor;
+                return color == 0 ? kNoColor : static_cast<std::int32_t>(color);
+            },
+            [](ExcelInterior& self, Arguments& a) {
+                const std::int32_t color = a[0].Value().ToInt32();
+                if (color != kNoColor && (color < 1 || color > kLastPaletteIndex))
+                    FailExcel("颜色序号无效！");
+                const auto index = static_cast<std::uint8_t>(color == kNoColor ? 0 : color);
+                self.range_->ChangeFormat([index](CellFormat& look) { look.fillColor = index; });
+            }),
+    };
+    return table;
+}
+
+}  // namespace vicenter::office

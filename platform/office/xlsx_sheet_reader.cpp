@@ -1,0 +1,265 @@
+#include <charconv>
+#include <cmath>
+#include <optional>
+
+#include "automation/date_time.h"
+#include "automation/variant.h"
+#include "platform/office/dates.h"
+#include "platform/office/limits.h"
+#include "platform/office/xlsx_reader.h"
+
+namespace vicenter::office {
+
+namespace {
+
+using Token = XmlScanner::Token;
+
+enum class ValueKind { Number, SharedText, InlineText, FormulaText, Boolean, Error, Date };
+
+ValueKind KindOfType(std::string_view type) {
+    if (type == "s") return ValueKind::SharedText;
+    if (type == "inlineStr") return ValueKind::InlineText;
+    if (type == "str") return ValueKind::FormulaText;
+    if (type == "b") return ValueKind::Boolean;
+    if (type == "e") return ValueKind::Error;
+    if (type == "d") return ValueKind::Date;
+    return ValueKind::Number;
+}
+
+struct Place {
+    std::uint32_t row;
+    std::uint32_t column;
+};
+
+// "AB12" as row 11 and column 27; nothing for any other text or a place outside of a sheet.
+std::optional<Place> ReadReference(std::string_view text) {
+    std::uint32_t column = 0;
+    std::size_t at = 0;
+    for (; at < text.size() && at < 4; ++at) {
+        const char c = static_cast<char>(text[at] & ~0x20);
+        if (c < 'A' || c > 'Z') break;
+        column = column * 26 + static_cast<std::uint32_t>(c - 'A' + 1);
+    }
+    std::uint32_t row = 0;
+    const auto [rest, error] = std::from_chars(text.data() + at, text.data() + text.size(), row);
+    if (at == 0 || error != std::errc() || rest != text.data() + text.size()) return std::nullopt;
+    if (row == 0 || row > kMaxRows || column > kMaxColumns) return std::nullopt;
+    return Place{row - 1, column - 1};
+}
+
+std::string_view Trim(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+class SheetReader {
+  public:
+    SheetReader(XlsxPart& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet)
+        : scanner_(part), tables_(tables), workbook_(workbook), sheet_(sheet) {}
+
+    void Read() {
+        bool inData = false;
+        for (Token token = scanner_.Next(); token != Token::Finished; token = scanner_.Next()) {
+            if (token == Token::Text) continue;
+            const std::string_view name = scanner_.Name();
+            if (token == Token::End) {
+                if (name == "sheetData") inData = false;
+                if (name == "row") sheet_.FinishRow(row_);
+                continue;
+            }
+            if (name == "c" && inData) {
+                ReadCell();
+            } else if (name == "row" && inData) {
+                StartRow();
+            } else if (name == "sheetData") {
+                inData = true;
+            } else if (name == "col") {
+                ReadColumn();
+            } else if (scanner_.Depth() == 1 && name != "worksheet") {
+                FailDamaged("不是工作表");
+            }
+        }
+    }
+
+  private:
+    void StartRow() {
+        // A row or a cell without a place follows the one before it.
+        const std::string_view number = scanner_.RawAttribute("r");
+        std::uint32_t row = nextRow_ + 1;
+        if (!number.empty()) {
+            const auto [rest, error] = std::from_chars(number.data(), number.data() + number.size(), row);
+            if (error != std::errc() || row == 0 || row > kMaxRows) FailDamaged("行号");
+        }
+        row_ = row - 1;
+        nextRow_ = row;
+        nextColumn_ = 0;
+    }
+
+    void ReadColumn() {
+        if (!scanner_.HasAttribute("hidden")) return;
+        const std::string_view hidden = scanner_.RawAttribute("hidden");
+        if (hidden != "1" && hidden != "true") return;
+        std::uint32_t first = 0;
+        std::uint32_t last = 0;
+        const std::string_view min = scanner_.RawAttribute("min");
+        const std::string_view max = scanner_.RawAttribute("max");
+        std::from_chars(min.data(), min.data() + min.size(), first);
+        std::from_chars(max.data(), max.data() + max.size(), last);
+        if (first == 0) return;
+        for (; first <= last && first <= kMaxXlsColumns; ++first)
+            sheet_.ColumnAt(first - 1).hidden = true;
+    }
+
+    void ReadCell() {
+        std::uint32_t row = row_;
+        std::uint32_t column = nextColumn_;
+        const std::string_view reference = scanner_.RawAttribute("r");
+        if (!reference.empty()) {
+            const auto place = ReadReference(reference);
+            if (!place) FailDamaged("单元格位置");
+            row = place->row;
+            column = place->column;
+        }
+        if (column >= kMaxColumns || row >= kMaxRows) FailDamaged("单元格位置");
+        nextColumn_ = column + 1;
+        std::uint16_t format = 0;
+        const std::string_view style = scanner_.RawAttribute("s");
+        if (!style.empty()) {
+            std::uint32_t index = 0;
+            std::from_chars(style.data(), style.data() + style.size(), index);
+            if (index < tables_.formats.size()) format = tables_.formats[index];
+        }
+        const ValueKind kind = KindOfType(scanner_.RawAttribute("t"));
+
+        text_.clear();
+        bool anyValue = false;
+        const std::size_t depth = scanner_.Depth();
+        while (true) {
+            const Token token = scanner_.Next();
+            if (token == Token::Finished) FailDamaged("XML 不完整");
+            if (token == Token::End && scanner_.Depth() < depth) break;
+            if (token != Token::Start) continue;
+            if (scanner_.Name() == "v" && kind != ValueKind::InlineText) {
+                ReadValueText();
+                anyValue = true;
+            } else if (scanner_.Name() == "is") {
+                text_.clear();
+                ReadStringItem(scanner_, text_);
+                anyValue = true;
+            } else {
+                scanner_.SkipElement();
+            }
+        }
+        if (!anyValue) {
+            // Borders and the like around nothing.
+            if (!style.empty()) sheet_.ExtendUsedArea(row, column);
+            return;
+        }
+        Store(row, column, format, kind);
+    }
+
+    void ReadValueText() {
+        const std::size_t depth = scanner_.Depth();
+        while (true) {
+            const Token token = scanner_.Next();
+            if (token == Token::Finished) FailDamaged("XML 不完整");
+            if (token == Token::End && scanner_.Depth() < depth) return;
+            if (token == Token::Text) scanner_.AppendText(text_);
+        }
+    }
+
+    void Store(std::uint32_t row, std::uint32_t column, std::uint16_t format, ValueKind kind) {
+        const auto setText = [this](Cell& cell, std::string_view text) {
+            cell.kind = CellKind::Text;
+            cell.text = workbook_.Texts().Intern(text);
+        };
+        switch (kind) {
+            case ValueKind::SharedText: {
+                std::uint32_t index = 0;
+                const std::string_view number = Trim(text_);
+                const auto [rest, error] =
+                    std::from_chars(number.data(), number.data() + number.size(), index);
+                if (error != std::errc() || rest != number.data() + number.size() ||
+                    index >= tables_.sharedTexts.size()) {
+                    FailDamaged("共享字符串");
+                }
+                Cell& cell = sheet_.Append(row, column, format);
+                cell.kind = CellKind::Text;
+                cell.text = tables_.sharedTexts[index];
+                return;
+            }
+            case ValueKind::InlineText:
+                setText(sheet_.Append(row, column, format), text_);
+                return;
+            case ValueKind::FormulaText:
+                ResolvePackageEscapes(text_);
+                setText(sheet_.Append(row, column, format), text_);
+                return;
+            case ValueKind::Boolean: {
+                const std::string_view value = Trim(text_);
+                Cell& cell = sheet_.Append(row, column, format);
+                cell.kind = CellKind::Boolean;
+                cell.boolean = value == "1" || value == "true";
+                return;
+            }
+            case ValueKind::Error: {
+                Cell& cell = sheet_.Append(row, column, format);
+                cell.kind = CellKind::Error;
+                cell.error = CellErrorFromText(Trim(text_));
+                return;
+            }
+            case ValueKind::Date: {
+                std::string_view value = Trim(text_);
+                if (value.ends_with('Z')) value.remove_suffix(1);
+                const auto date = automation::DateTime::Parse(value);
+                Cell& cell = sheet_.Append(row, column, format);
+                if (!date) {
+                    setText(cell, text_);
+                    return;
+                }
+                if (!workbook_.Formats().IsDate(format)) cell.format = tables_.dateFormat;
+                cell.kind = CellKind::Number;
+                cell.number = SerialFromDate(*date, workbook_.dates1904);
+                return;
+            }
+            case ValueKind::Number:
+                break;
+        }
+        const std::string_view value = Trim(text_);
+        if (value.empty()) {
+            sheet_.ExtendUsedArea(row, column);
+            return;
+        }
+        double number = 0;
+        const auto [rest, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+        Cell& cell = sheet_.Append(row, column, format);
+        if (error == std::errc() && rest == value.data() + value.size() && std::isfinite(number)) {
+            cell.kind = CellKind::Number;
+            cell.number = number;
+        } else if (const auto lenient = automation::ParseDouble(value)) {
+            cell.kind = CellKind::Number;
+            cell.number = *lenient;
+        } else {
+            setText(cell, text_);
+        }
+    }
+
+    XmlScanner scanner_;
+    const XlsxTables& tables_;
+    Workbook& workbook_;
+    Sheet& sheet_;
+    std::string text_;
+    std::uint32_t row_ = 0;
+    std::uint32_t nextRow_ = 0;
+    std::uint32_t nextColumn_ = 0;
+};
+
+}  // namespace
+
+void ReadXlsxSheet(XlsxPart& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet) {
+    SheetReader(part, tables, workbook, sheet).Read();
+}
+
+}  // namespace vicenter::office

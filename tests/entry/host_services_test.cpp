@@ -1,0 +1,99 @@
+#include "entry/host_services.h"
+
+#include <gtest/gtest.h>
+
+#include "entry/host_context.h"
+#include "tests/fakes/fake_account_set.h"
+#include "tests/fakes/scripted_object.h"
+
+namespace vicenter::entry {
+namespace {
+
+using automation::Arguments;
+using automation::Variant;
+using fakes::RegisterScripted;
+
+class HostServicesTest : public testing::Test {
+  protected:
+    void SetUp() override { PresetPropsString("UserID=7;"); }
+    void TearDown() override { PresetPropsString(""); }
+
+    automation::ClassRegistry::Restore restore_;
+};
+
+TEST_F(HostServicesTest, ProfileValuesComeFromTheHostsProfile) {
+    const auto profile = RegisterScripted("VelaEBSBase.SystemProfile");
+    profile->Value("GetProfile", 12);
+    EXPECT_EQ(GetSystemProfile("GL", "PeriodCount"), Variant(12));
+    EXPECT_EQ(profile->Calls(), std::vector<std::string>{"GetProfile(UserID=7;, GL, PeriodCount)"});
+}
+
+TEST_F(HostServicesTest, AMissingProfileIsEmpty) {
+    EXPECT_TRUE(GetSystemProfile("GL", "CurrentYear").IsEmpty());
+}
+
+TEST_F(HostServicesTest, UserSettingsAreReadByTheirLeadingDigits) {
+    const auto connection = RegisterScripted("VelaConnection.AppConnection");
+    Variant stored = "12pt";
+    connection->On("Execute", [&](Arguments&) { return Variant(fakes::Rows({"FValue"}, {{stored}})); });
+    EXPECT_EQ(GetUserSettingNumber(16394, "BillFontSize", 9), 12);
+    EXPECT_EQ(connection->Calls(),
+              std::vector<std::string>{"Execute(Select FValue From t_UserSetting Where FUserID=16394 And "
+                                       "FCategory='Vela_APFC' And FKey ='BillFontSize')"});
+    stored = "10.5";
+    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 10.5);
+    stored = Variant::Null();
+    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 0);
+    stored = "big";
+    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 0);
+}
+
+TEST_F(HostServicesTest, AnApostropheInTheKeyIsDoubled) {
+    const auto connection = RegisterScripted("VelaConnection.AppConnection");
+    connection->On("Execute", [](Arguments&) { return Variant(fakes::Rows({"FValue"})); });
+    GetUserSettingNumber(1, " a'b ", 9);
+    EXPECT_EQ(connection->Calls().front(),
+              "Execute(Select FValue From t_UserSetting Where FUserID=1 And FCategory='Vela_APFC' And FKey "
+              "='a''b')");
+}
+
+TEST_F(HostServicesTest, WithoutAStoredRowTheDefaultCounts) {
+    const auto connection = RegisterScripted("VelaConnection.AppConnection");
+    connection->On("Execute", [](Arguments&) { return Variant(fakes::Rows({"FValue"})); });
+    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 9);
+}
+
+TEST_F(HostServicesTest, AFailingConnectionGivesTheDefault) {
+    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 9);
+}
+
+TEST_F(HostServicesTest, TheOperationLogGetsCodeKindAndText) {
+    const auto log = RegisterScripted("VelaEBCGLView.GLData");
+    log->Value("WriteLog", Variant());
+    WriteOperationLog(LogKind::Requested, "凭证模板-打开");
+    WriteOperationLog("K1", LogKind::Failed, "x");
+    EXPECT_EQ(log->Calls(),
+              (std::vector<std::string>{"WriteLog(K831000, 1, 凭证模板-打开)", "WriteLog(K1, 4, x)"}));
+}
+
+TEST_F(HostServicesTest, ALogThatFailsIsSilent) {
+    EXPECT_NO_THROW(WriteOperationLog(LogKind::Closed, "凭证模板-关闭"));
+    const auto log = RegisterScripted("VelaEBCGLView.GLData");
+    log->On("WriteLog", [](Arguments&) -> Variant { throw automation::Error(5); });
+    EXPECT_NO_THROW(WriteOperationLog(LogKind::Closed, "凭证模板-关闭"));
+}
+
+TEST_F(HostServicesTest, TheFrameLogGetsThePropertyStringFirst) {
+    const auto frame = RegisterScripted("Vela_APFC.FrameData");
+    frame->Value("WriteMGLog", true);
+    WriteFrameLog("C001C039", "AutoRunVch");
+    EXPECT_EQ(frame->Calls(),
+              (std::vector<std::string>{"Propstring=UserID=7;", "WriteMGLog(C001C039, AutoRunVch)"}));
+}
+
+TEST_F(HostServicesTest, AFrameLogThatFailsIsSilent) {
+    EXPECT_NO_THROW(WriteFrameLog("C001C039", "AutoRunVch"));
+}
+
+}  // namespace
+}  // namespace vicenter::entry

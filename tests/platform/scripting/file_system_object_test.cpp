@@ -1,0 +1,112 @@
+#include "platform/scripting/file_system_object.h"
+
+#include <fstream>
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include "automation/class_registry.h"
+#include "tests/fakes/fake_surroundings.h"
+
+namespace vicenter::scripting {
+namespace {
+
+using automation::Variant;
+
+std::int32_t NumberOfError(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const automation::Error& error) {
+        return error.Number();
+    }
+    return 0;
+}
+
+std::string ContentOf(const std::string& path) {
+    std::ifstream stream(system::PathFromUtf8(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+class FileSystemObjectTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        RegisterScripting();
+        files_ = automation::CreateObject("Scripting.FileSystemObject");
+    }
+    std::string Write(const std::string& name, const std::string& content) {
+        const std::string path = folder_.File(name);
+        std::ofstream(system::PathFromUtf8(path), std::ios::binary) << content;
+        return path;
+    }
+    bool Exists(const std::string& path) { return files_->Call("FileExists", {path}).ToBoolean(); }
+
+    automation::ClassRegistry::Restore restore_;
+    fakes::TemporaryFolder folder_;
+    automation::ObjectRef files_;
+};
+
+TEST_F(FileSystemObjectTest, TakesNamesApart) {
+    EXPECT_EQ(files_->Call("GetExtensionName", {"C:\\模板\\abc.def.XLSX"}), Variant("XLSX"));
+    EXPECT_EQ(files_->Call("GetBaseName", {"/tmp/模板/abc.def.xlsx"}), Variant("abc.def"));
+    EXPECT_EQ(files_->Call("GetFileName", {"C:\\模板\\abc.xls"}), Variant("abc.xls"));
+    EXPECT_EQ(files_->Call("GetExtensionName", {"/a.b/noextension"}), Variant(""));
+    EXPECT_EQ(files_->Call("GetBaseName", {"noextension"}), Variant("noextension"));
+    EXPECT_EQ(files_->Call("GetParentFolderName", {"/a/b.txt"}), Variant("/a"));
+}
+
+TEST_F(FileSystemObjectTest, BuildsPathsWithOneSeparator) {
+    EXPECT_EQ(files_->Call("BuildPath", {"/tmp/", "a"}), Variant("/tmp/a"));
+    EXPECT_EQ(files_->Call("BuildPath", {"/tmp", "a"}), Variant("/tmp/a"));
+    EXPECT_EQ(files_->Call("BuildPath", {"", "a"}), Variant("a"));
+}
+
+TEST_F(FileSystemObjectTest, TellsFilesFromFolders) {
+    const std::string path = Write("凭证 模板.xls", "x");
+    EXPECT_TRUE(Exists(path));
+    EXPECT_FALSE(Exists(folder_.Text()));
+    EXPECT_FALSE(Exists(folder_.File("none")));
+    EXPECT_EQ(files_->Call("FolderExists", {folder_.Text()}), Variant(true));
+    EXPECT_EQ(files_->Call("FolderExists", {path}), Variant(false));
+}
+
+TEST_F(FileSystemObjectTest, CopiesOverAndOnlyWhenAsked) {
+    const std::string source = Write("a", "new");
+    const std::string target = Write("b", "old");
+    EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {source, target, false}); }), 58);
+    EXPECT_EQ(ContentOf(target), "old");
+    files_->Call("CopyFile", {source, target});
+    EXPECT_EQ(ContentOf(target), "new");
+    EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {folder_.File("none"), target}); }), 53);
+    EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {source, folder_.File("no/such")}); }), 76);
+    EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {source, folder_.Text()}); }), 70);
+}
+
+TEST_F(FileSystemObjectTest, AWriteProtectedFileNeedsForce) {
+    const std::string path = Write("a", "x");
+    const auto file = files_->Call("GetFile", {path}).AsObject();
+    EXPECT_EQ(file->Get("Attributes"), Variant(kAttributeArchive));
+    file->Put("Attributes", kAttributeReadOnly);
+    EXPECT_EQ(file->Get("Attributes"), Variant(kAttributeArchive | kAttributeReadOnly));
+    EXPECT_EQ(NumberOfError([&] { files_->Call("DeleteFile", {path}); }), 70);
+    EXPECT_TRUE(Exists(path));
+    file->Put("Attributes", 0);
+    EXPECT_EQ(file->Get("Attributes"), Variant(kAttributeArchive));
+    file->Put("Attributes", kAttributeReadOnly);
+    files_->Call("DeleteFile", {path, true});
+    EXPECT_FALSE(Exists(path));
+}
+
+TEST_F(FileSystemObjectTest, MissingFilesAreError53) {
+    EXPECT_EQ(NumberOfError([&] { files_->Call("DeleteFile", {folder_.File("none")}); }), 53);
+    EXPECT_EQ(NumberOfError([&] { files_->Call("GetFile", {folder_.File("none")}); }), 53);
+}
+
+TEST_F(FileSystemObjectTest, FolderTwoIsTheTemporaryOne) {
+    fakes::FakeSurroundings surroundings;
+    surroundings.folders->temporary = "/somewhere";
+    EXPECT_EQ(files_->Call("GetSpecialFolder", {2}).ToText(), "/somewhere");
+    EXPECT_EQ(NumberOfError([&] { files_->Call("GetSpecialFolder", {0}); }), 5);
+}
+
+}  // namespace
+}  // namespace vicenter::scripting

@@ -1,0 +1,127 @@
+// Names, calls, CAST and CONVERT.
+
+#include "tsql/syntax/parse/parser_core.h"
+
+namespace vicenter::tsql {
+
+ExprPtr Parser::ParseNameOrCall() {
+    const Position start = Peek().position;
+    if (At(Op::kLeftParen, 1)) {
+        if (AtWord("cast")) return ParseCast(false);
+        if (AtWord("try_cast")) return ParseCast(true);
+    }
+    ObjectName name = TakeObjectName();
+    if (At(Op::kLeftParen)) return ParseCall(std::move(name));
+    return std::make_unique<ColumnExpr>(start, std::move(name));
+}
+
+// Reserved words that start a value.
+ExprPtr Parser::ParseKeywordPrimary() {
+    const Token token = Peek();
+    const auto call = [&] {
+        Take();
+        ObjectName name;
+        name.parts.push_back(Name{std::string(token.text), token.position, false});
+        return name;
+    };
+    switch (token.keyword) {
+        case Keyword::kNull:
+            Take();
+            return std::make_unique<LiteralExpr>(token.position, LiteralKind::kNull, "");
+        case Keyword::kCase:
+            return ParseCase();
+        case Keyword::kConvert:
+            return ParseConvert(false);
+        case Keyword::kTryConvert:
+            return ParseConvert(true);
+        case Keyword::kCoalesce:
+        case Keyword::kNullif:
+        case Keyword::kLeft:
+        case Keyword::kRight:
+        case Keyword::kIdentity:
+            if (!At(Op::kLeftParen, 1)) Fail();
+            return ParseCall(call());
+        case Keyword::kCurrentTimestamp:
+        case Keyword::kCurrentUser:
+        case Keyword::kSessionUser:
+        case Keyword::kSystemUser:
+        case Keyword::kUser: {
+            auto function = std::make_unique<FunctionExpr>(token.position, call());
+            function->hasParentheses = false;
+            return function;
+        }
+        default:
+            Fail();
+    }
+}
+
+ExprPtr Parser::ParseCall(ObjectName name) {
+    const Level level(*this);
+    const bool firstIsCondition = name.parts.size() == 1 && IsWord(name.Object(), "iif");
+    const Position start = name.Where();
+    auto function = std::make_unique<FunctionExpr>(start, std::move(name));
+    Expect(Op::kLeftParen);
+    if (At(Op::kStar) && At(Op::kRightParen, 1)) {
+        Take();
+        function->star = true;
+    } else if (!At(Op::kRightParen)) {
+        function->distinct = Accept(Keyword::kDistinct);
+        if (!function->distinct) Accept(Keyword::kAll);
+        if (firstIsCondition) {
+            function->arguments.push_back(ParseCondition());
+            Expect(Op::kComma);
+        }
+        do {
+            function->arguments.push_back(ParseValue());
+        } while (Accept(Op::kComma));
+    }
+    Expect(Op::kRightParen);
+    if (At(Keyword::kOver)) function->over = ParseOver();
+    for (const ExprPtr& argument : function->arguments)
+        Deepen(*function, argument);
+    return function;
+}
+
+OverClause Parser::ParseOver() {
+    OverClause over;
+    Expect(Keyword::kOver);
+    Expect(Op::kLeftParen);
+    if (AcceptWord("partition")) {
+        Expect(Keyword::kBy);
+        over.partitionBy = ParseValueList();
+    }
+    if (At(Keyword::kOrder)) over.orderBy = ParseOrderBy();
+    Expect(Op::kRightParen);
+    return over;
+}
+
+ExprPtr Parser::ParseCast(bool tryOnly) {
+    const Level level(*this);
+    auto cast = std::make_unique<CastExpr>(Take().position);
+    cast->tryOnly = tryOnly;
+    Expect(Op::kLeftParen);
+    cast->operand = ParseValue();
+    Expect(Keyword::kAs);
+    cast->type = TakeType();
+    Expect(Op::kRightParen);
+    Deepen(*cast, cast->operand);
+    return cast;
+}
+
+ExprPtr Parser::ParseConvert(bool tryOnly) {
+    const Level level(*this);
+    auto cast = std::make_unique<CastExpr>(Take().position);
+    cast->convert = true;
+    cast->tryOnly = tryOnly;
+    Expect(Op::kLeftParen);
+    cast->type = TakeType();
+    Expect(Op::kComma);
+    cast->operand = ParseValue();
+    if (Accept(Op::kComma)) cast->style = ParseValue();
+    Expect(Op::kRightParen);
+    Deepen(*cast, cast->operand);
+    Deepen(*cast, cast->style);
+    return cast;
+}
+
+}  // namespace vicenter::tsql

@@ -1,0 +1,224 @@
+#include "tsql/syntax/parse/parser_core.h"
+
+#include <algorithm>
+
+#include "tsql/error_table.h"
+
+namespace vicenter::tsql {
+namespace {
+
+constexpr std::size_t kLongestName = 128;  // characters
+constexpr std::size_t kMostNameParts = 4;
+
+// What an error message shows of a token: its value, without quotes.
+std::string Shown(const Token& token) {
+    return std::string(FirstCharacters(TokenValue(token), kLongestName));
+}
+
+std::string Lowered(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
+    }
+    return lower;
+}
+
+}  // namespace
+
+Parser::Level::Level(Parser& parser) : parser_(parser) {
+    if (parser_.level_ >= kNestingLimit) throw MakeError(191, parser_.Peek().position);
+    ++parser_.level_;
+}
+
+const Token& Parser::Peek(std::size_t n) {
+    while (aheadCount_ <= n)
+        ahead_[aheadCount_++] = lexer_.Next();
+    return ahead_[n];
+}
+
+Token Parser::Take() {
+    Peek();
+    const Token token = ahead_[0];
+    --aheadCount_;
+    for (std::size_t i = 0; i < aheadCount_; ++i)
+        ahead_[i] = ahead_[i + 1];
+    if (token.kind != TokenKind::kEnd) previous_ = token;
+    return token;
+}
+
+void Parser::Restore(const State& state) {
+    lexer_ = state.lexer;
+    ahead_ = state.ahead;
+    aheadCount_ = state.aheadCount;
+    previous_ = state.previous;
+}
+
+void Parser::Seek(Position where) {
+    lexer_ = Lexer(lexer_.Text(), where);
+    aheadCount_ = 0;
+    first_ = false;
+}
+
+bool Parser::AtWord(std::string_view lower, std::size_t n) {
+    const Token& token = Peek(n);
+    return token.kind == TokenKind::kIdentifier && token.keyword == Keyword::kNone &&
+           IsWord(token.text, lower);
+}
+
+bool Parser::AtName(std::size_t n) {
+    const Token& token = Peek(n);
+    return token.kind == TokenKind::kQuotedIdentifier ||
+           (token.kind == TokenKind::kIdentifier && token.keyword == Keyword::kNone);
+}
+
+bool Parser::AcceptWord(std::string_view lower) {
+    if (!AtWord(lower)) return false;
+    Take();
+    return true;
+}
+
+void Parser::ExpectWord(std::string_view lower) {
+    if (!AcceptWord(lower)) Fail();
+}
+
+void Parser::Fail() {
+    Peek();
+    FailAt(ahead_[0]);
+}
+
+// Where something is missing at the end of the text, the error points at the last word there is.
+void Parser::FailAt(const Token& token) {
+    if (token.kind == TokenKind::kEnd) throw MakeError(102, previous_.position, {Shown(previous_)});
+    if (token.keyword != Keyword::kNone) throw MakeError(156, token.position, {token.text});
+    throw MakeError(
+        102, token.position,
+        {token.kind == TokenKind::kMoney || token.kind == TokenKind::kBinary ? std::string(token.text)
+                                                                             : Shown(token)});
+}
+
+Name Parser::TakeName() {
+    if (!AtName()) Fail();
+    const Token token = Take();
+    Name name{TokenValue(token), token.position, token.kind == TokenKind::kQuotedIdentifier};
+    if (FirstCharacters(name.text, kLongestName).size() < name.text.size()) {
+        throw MakeError(103, token.position, {"identifier", Shown(token), static_cast<int>(kLongestName)});
+    }
+    if (name.text.empty()) throw MakeError(1038, token.position);
+    return name;
+}
+
+std::vector<Name> Parser::TakeNames() {
+    std::vector<Name> names;
+    do {
+        names.push_back(TakeName());
+    } while (Accept(Op::kComma));
+    return names;
+}
+
+std::vector<Name> Parser::TakeNamesInParentheses() {
+    Expect(Op::kLeftParen);
+    std::vector<Name> names = TakeNames();
+    Expect(Op::kRightParen);
+    return names;
+}
+
+// Empty parts stand between dots: db..table.
+ObjectName Parser::TakeObjectName() {
+    ObjectName name;
+    const Position start = Peek().position;
+    name.parts.push_back(TakeName());
+    while (At(Op::kDot) && (AtName(1) || At(Op::kDot, 1))) {
+        Take();
+        if (At(Op::kDot)) {
+            name.parts.push_back(Name{"", Peek().position, false});
+        } else {
+            name.parts.push_back(TakeName());
+        }
+    }
+    if (name.parts.size() > kMostNameParts) {
+        throw MakeError(117, start, {"object", name.Text(), static_cast<int>(kMostNameParts) - 1});
+    }
+    return name;
+}
+
+std::string Parser::TakeVariable() {
+    return std::string(Expect(TokenKind::kVariable).text);
+}
+
+TypeName Parser::TakeType() {
+    TypeName type;
+    type.position = Peek().position;
+    if (At(Keyword::kNational) || At(Keyword::kDouble)) {
+        type.name = Lowered(Take().text);
+        if (type.name == "double") {
+            type.name += ' ' + Lowered(Expect(Keyword::kPrecision).text);
+        } else {
+            type.name += ' ' + Lowered(TakeName().text);
+        }
+    } else {
+        const ObjectName name = TakeObjectName();  // sys.int and dbo.usertype
+        type.name = Lowered(name.Object());
+    }
+    if (At(Keyword::kVarying)) type.name += ' ' + Lowered(Take().text);
+    if (!Accept(Op::kLeftParen)) return type;
+    const auto number = [&] {
+        const Token token = Expect(TokenKind::kInteger);
+        constexpr std::size_t kDigits = 9;
+        if (token.text.size() > kDigits) FailAt(token);
+        return std::stoi(std::string(token.text));
+    };
+    if (AcceptWord("max")) {
+        type.length = TypeName::kMax;
+    } else {
+        type.length = number();
+        if (Accept(Op::kComma)) type.scale = number();
+    }
+    Expect(Op::kRightParen);
+    return type;
+}
+
+void Parser::SkipParentheses() {
+    Expect(Op::kLeftParen);
+    for (int open = 1; open > 0;) {
+        if (AtEnd()) Fail();
+        const Token token = Take();
+        if (token.op == Op::kLeftParen) ++open;
+        if (token.op == Op::kRightParen) --open;
+    }
+}
+
+void Parser::SkipStorageOptions() {
+    for (;;) {
+        if (At(Keyword::kWith) && At(Op::kLeftParen, 1)) {
+            Take();
+            SkipParentheses();
+        } else if (At(Keyword::kWith) && At(Keyword::kFillfactor, 1)) {
+            Take();
+            Take();
+            Expect(Op::kEqual);
+            Expect(TokenKind::kInteger);
+        } else if (At(Keyword::kOn) && (AtName(1) || At(Keyword::kPrimary, 1)) && !At(Op::kDot, 2)) {
+            Take();
+            Take();
+        } else if (AtWord("textimage_on")) {
+            Take();
+            Take();
+        } else {
+            return;
+        }
+    }
+}
+
+std::optional<bool> Parser::AcceptClustered() {
+    if (Accept(Keyword::kClustered)) return true;
+    if (Accept(Keyword::kNonclustered)) return false;
+    return std::nullopt;
+}
+
+void Parser::Deepen(Expr& parent, const ExprPtr& child) {
+    if (!child) return;
+    if (child->depth >= kDepthLimit) throw MakeError(191, parent.position);
+    parent.depth = std::max<std::uint16_t>(parent.depth, static_cast<std::uint16_t>(child->depth + 1));
+}
+
+}  // namespace vicenter::tsql
