@@ -1,0 +1,184 @@
+#include "ui/qt_surroundings.h"
+
+#include <QApplication>
+#include <QPushButton>
+
+#include "ui/qt_text.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr std::uint32_t kOverwritePrompt = 0x2;
+
+QMessageBox::StandardButtons StandardButtons(system::MessageButtons buttons) {
+    switch (buttons) {
+        case system::MessageButtons::OkCancel:
+            return QMessageBox::Ok | QMessageBox::Cancel;
+        case system::MessageButtons::YesNo:
+            return QMessageBox::Yes | QMessageBox::No;
+        case system::MessageButtons::Ok:
+            break;
+    }
+    return QMessageBox::Ok;
+}
+
+QMessageBox::Icon Icon(system::MessageIcon icon) {
+    switch (icon) {
+        case system::MessageIcon::Information:
+            return QMessageBox::Information;
+        case system::MessageIcon::Question:
+            return QMessageBox::Question;
+        case system::MessageIcon::Exclamation:
+            return QMessageBox::Warning;
+        case system::MessageIcon::Critical:
+            return QMessageBox::Critical;
+        case system::MessageIcon::None:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QWidget* DialogParent() {
+    if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+    return QApplication::activeWindow();
+}
+
+std::optional<std::string> Chosen(QFileDialog& dialog) {
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+    return FromQt(dialog.selectedFiles().constFirst());
+}
+
+// "xls" of "*.xls"; empty for "*.*" and for patterns of several kinds.
+QString SuffixOf(const std::string& pattern) {
+    const QString text = ToQt(pattern);
+    if (!text.startsWith(QLatin1String("*.")) || text.contains(u';') || text.contains(u' ')) return {};
+    const QString suffix = text.mid(2);
+    return suffix.contains(u'*') || suffix.contains(u'?') ? QString() : suffix;
+}
+
+}  // namespace
+
+void FillMessageBox(QMessageBox& box, const std::string& text, system::MessageButtons buttons,
+                    system::MessageIcon icon, const std::string& title) {
+    box.setObjectName(QStringLiteral("messageBox"));
+    box.setWindowTitle(ToQt(title));
+    // Plain: a template's name may hold what reads as mark-up.
+    box.setTextFormat(Qt::PlainText);
+    box.setText(ToQtLines(text));
+    box.setIcon(Icon(icon));
+    box.setStandardButtons(StandardButtons(buttons));
+    if (QPushButton* ok = qobject_cast<QPushButton*>(box.button(QMessageBox::Ok))) {
+        ok->setText(QStringLiteral("确定"));
+        box.setDefaultButton(ok);
+    }
+    if (QAbstractButton* cancel = box.button(QMessageBox::Cancel)) cancel->setText(QStringLiteral("取消"));
+    if (QPushButton* yes = qobject_cast<QPushButton*>(box.button(QMessageBox::Yes))) {
+        yes->setText(QStringLiteral("是(&Y)"));
+        box.setDefaultButton(yes);
+    }
+    if (QAbstractButton* no = box.button(QMessageBox::No)) {
+        no->setText(QStringLiteral("否(&N)"));
+        box.setEscapeButton(no);
+    }
+}
+
+QStringList NameFilters(const system::FileRequest& request) {
+    QStringList filters;
+    for (const system::FileFilter& filter : request.filters) {
+        const QString pattern =
+            QLatin1Char('(') + ToQt(filter.pattern).replace(u';', u' ') + QLatin1Char(')');
+        QString text = ToQt(filter.description);
+        if (!text.endsWith(pattern)) text += QLatin1Char(' ') + pattern;
+        filters << text;
+    }
+    return filters;
+}
+
+void FillFileDialog(QFileDialog& dialog, const system::FileRequest& request, bool saving) {
+    dialog.setObjectName(QStringLiteral("fileDialog"));
+    dialog.setWindowTitle(ToQt(request.title));
+    dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, saving && (request.flags & kOverwritePrompt) == 0);
+    const QStringList filters = NameFilters(request);
+    if (!filters.isEmpty()) {
+        dialog.setNameFilters(filters);
+        const auto selected = static_cast<qsizetype>(request.selectedFilter);
+        dialog.selectNameFilter(filters.value(selected, filters.constFirst()));
+        if (saving) {
+            const auto takeSuffix = [&dialog, request](const QString& chosen) {
+                const qsizetype index = NameFilters(request).indexOf(chosen);
+                if (index >= 0)
+                    dialog.setDefaultSuffix(SuffixOf(request.filters[static_cast<size_t>(index)].pattern));
+            };
+            takeSuffix(dialog.selectedNameFilter());
+            QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, takeSuffix);
+        }
+    }
+    if (!request.proposedName.empty()) dialog.selectFile(ToQt(request.proposedName));
+    dialog.setLabelText(QFileDialog::LookIn, QStringLiteral("位置："));
+    dialog.setLabelText(QFileDialog::FileName, QStringLiteral("文件名(&N)："));
+    dialog.setLabelText(QFileDialog::FileType, QStringLiteral("文件类型："));
+    dialog.setLabelText(QFileDialog::Accept,
+                        saving ? QStringLiteral("保存(&S)") : QStringLiteral("打开(&O)"));
+    dialog.setLabelText(QFileDialog::Reject, QStringLiteral("取消"));
+}
+
+system::MessageResult QtMessageBoxes::Show(const std::string& text, system::MessageButtons buttons,
+                                           system::MessageIcon icon, const std::string& title) {
+    QMessageBox box(DialogParent());
+    FillMessageBox(box, text, buttons, icon, title);
+    switch (box.exec()) {
+        case QMessageBox::Yes:
+            return system::MessageResult::Yes;
+        case QMessageBox::No:
+            return system::MessageResult::No;
+        case QMessageBox::Cancel:
+            return system::MessageResult::Cancel;
+        default:
+            break;
+    }
+    return system::MessageResult::Ok;
+}
+
+std::optional<std::string> QtFileDialogs::ChooseFileToOpen(const system::FileRequest& request) {
+    QFileDialog dialog(DialogParent());
+    FillFileDialog(dialog, request, false);
+    return Chosen(dialog);
+}
+
+std::optional<std::string> QtFileDialogs::ChooseFileToSave(const system::FileRequest& request) {
+    QFileDialog dialog(DialogParent());
+    FillFileDialog(dialog, request, true);
+    return Chosen(dialog);
+}
+
+QtScreen::~QtScreen() {
+    if (busy_ && QApplication::instance()) QApplication::restoreOverrideCursor();
+}
+
+void QtScreen::SetMousePointer(system::MousePointer pointer) {
+    // The pointer is a state, not a stack: setting it twice needs one reset only.
+    const bool busy = pointer == system::MousePointer::Hourglass;
+    if (busy == busy_) return;
+    busy_ = busy;
+    if (busy) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+void QtScreen::Repaint() {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+system::Surroundings QtSurroundings(system::Surroundings base) {
+    base.messageBoxes = std::make_shared<QtMessageBoxes>();
+    base.fileDialogs = std::make_shared<QtFileDialogs>();
+    base.screen = std::make_shared<QtScreen>();
+    return base;
+}
+
+}  // namespace vicenter::ui

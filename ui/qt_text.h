@@ -1,0 +1,24 @@
+#pragma once
+
+// Text between the component (UTF-8 std::string, line breaks CR LF) and Qt (QString). Stateless.
+
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace vicenter::ui {
+
+inline QString ToQt(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+inline std::string FromQt(const QString& text) {
+    return text.toStdString();
+}
+
+// A message of several lines as Qt's widgets want it: LF alone.
+inline QString ToQtLines(std::string_view text) {
+    return ToQt(text).replace(QLatin1String("\r\n"), QLatin1String("\n"));
+}
+
+}  // namespace vicenter::ui
