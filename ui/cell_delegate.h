@@ -1,0 +1,37 @@
+#pragma once
+
+// Paints the cells of the entry grid and makes their editors. Owned by the grid view. User-interface thread
+// only.
+
+#include <QStyledItemDelegate>
+
+namespace vicenter::ui {
+
+class GridView;
+
+class CellDelegate : public QStyledItemDelegate {
+    Q_OBJECT
+
+  public:
+    explicit CellDelegate(GridView& view);
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override;
+    void setEditorData(QWidget* editor, const QModelIndex& index) const override;
+    void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override;
+    void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                              const QModelIndex& index) const override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    // The button at the right end of the active cell: look-ups, the items panel, the direction list.
+    static bool HasButton(int gridColumn);
+    static QRect ButtonRect(const QRect& cell);
+
+  private:
+    GridView& view_;
+};
+
+}  // namespace vicenter::ui
