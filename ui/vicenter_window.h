@@ -1,0 +1,141 @@
+#pragma once
+
+// The main window `frmVICenter` on Qt.
+//
+// A window owns its presenter and its widgets and, once opened, itself: closing deletes it. It forwards
+// events to the presenter and shows what arrives through VICenterView; the grid's contents it observes.
+// Several windows live side by side. No exception leaves it towards Qt. User-interface thread only.
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <memory>
+#include <string>
+
+#include "center/frm_vi_center.h"
+#include "ui/grid_actions.h"
+#include "ui/grid_model.h"
+#include "ui/grid_view.h"
+#include "ui/item_panel.h"
+#include "ui/name_list_popup.h"
+#include "ui/status_line.h"
+#include "ui/template_tree.h"
+#include "ui/tool_band.h"
+
+namespace vicenter::ui {
+
+class VICenterWindow : public QMainWindow,
+                       public center::VICenterView,
+                       private GridActions,
+                       private TreeActions {
+    Q_OBJECT
+
+  public:
+    explicit VICenterWindow(std::shared_ptr<center::TemplateCommands> commands = nullptr);
+    ~VICenterWindow() override;
+
+    // Loads and shows the window. Throws what the presenter throws; the window is then to be deleted.
+    void Open();
+
+    center::frmVICenter& Presenter() { return *presenter_; }
+    GridView& Grid() { return *grid_; }
+    TemplateTree& Tree() { return *tree_; }
+    ToolBand& Band() { return *band_; }
+    ItemPanel& Items() { return *items_; }
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    enum class Zone { Elsewhere, Tree, Grid };
+
+    void BuildWidgets();
+    void BuildGrid();
+    void ConnectItemPanel();
+    void LayOutFrame();
+    void LayOutPanel();
+    void PlaceOverlays();
+    void FocusMoved(QWidget* now);
+    Zone ZoneOf(const QWidget* widget) const;
+    void ClickTool(const QString& key);
+    void ShowRefused(const center::PasteResult& result);
+    QRect CellOverlayRect(const center::CellAddress& cell) const;
+    QRect ActiveRowOnScreen() const;
+
+    // VICenterView
+    void ShowModeless() override;
+    void CloseWindow() override;
+    void SetTree(const std::vector<center::TreeNode>& nodes) override;
+    void AddTreeNode(const center::TreeNode& node) override;
+    void RemoveTreeNode(const std::string& key) override;
+    void SetTreeNodeText(const std::string& key, const std::string& text) override;
+    void SelectTreeNode(const std::string& key) override;
+    void StartLabelEdit() override;
+    void SetToolStates(const center::ToolStates& states) override;
+    void SetTemplateName(const std::string& name) override;
+    void SetGridInteractive(bool interactive) override;
+    void SetProgress(const center::ProgressState& state) override;
+    void SetItemPanel(const center::ItemPanelState& state) override;
+    void SetStatus(const center::StatusState& state) override;
+    void SetNameList(const center::NameListState& state) override;
+    int ApplyFont(const std::string& name, double size) override;
+    center::Size WindowSize() const override;
+    void PlaceProgressFrame(const center::Position& position) override;
+    void ShowFindDialog(dialogs::FrmSearch& dialog) override;
+    void ShowColumnDialog(dialogs::frmSetColume& dialog) override;
+
+    // GridActions
+    void MoveActiveCell(const center::CellAddress& to) override;
+    void SelectionChanged(const center::CellRange& range) override;
+    bool KeyPress(char32_t character) override;
+    bool KeyDown(int keyCode, const std::string& cellText) override;
+    void OpenLookUp() override;
+    int RowsInUse() override;
+    void ClearCells(const center::CellRange& range) override;
+    std::string CopyBlock(const center::CellRange& range) override;
+    void PasteBlock(const center::CellAddress& at, const std::string& text) override;
+    void FillDown(const center::CellRange& range) override;
+    void FillSelection(const center::CellRange& range, const std::string& text) override;
+    void DuplicateRow() override;
+    void InsertRows(int firstRow, int count) override;
+    void DeleteRows(int firstRow, int count) override;
+    void Undo() override;
+    void Redo() override;
+    bool IsNameListOpen() override;
+    void NameListKey(const std::string& typedText) override;
+    void NameListMove(int steps) override;
+    bool NameListTake() override;
+    void NameListClose() override;
+
+    // TreeActions
+    void NodeClick(const std::string& key) override;
+    void DoubleClick() override;
+    bool BeforeLabelEdit() override;
+    bool AfterLabelEdit(const std::string& newText) override;
+    bool EditsLabels() override;
+    void DeleteSelected() override;
+
+    // Declared last to first use: the presenter goes before the widgets that it speaks to.
+    std::shared_ptr<center::TemplateCommands> commands_;
+    ToolBand* band_ = nullptr;
+    StatusLine* status_ = nullptr;
+    TemplateTree* tree_ = nullptr;
+    QFrame* panel_ = nullptr;
+    QLineEdit* name_ = nullptr;
+    QLabel* measure_ = nullptr;
+    QFrame* progress_ = nullptr;
+    QLabel* progressLabel_ = nullptr;
+    NameListPopup* nameList_ = nullptr;
+    ItemPanel* items_ = nullptr;
+    GridModel* model_ = nullptr;
+    GridView* grid_ = nullptr;
+    Zone zone_ = Zone::Elsewhere;
+    bool loaded_ = false;
+    bool unloaded_ = false;
+    std::unique_ptr<center::frmVICenter> presenter_;
+};
+
+}  // namespace vicenter::ui

@@ -1,0 +1,140 @@
+// What the grid and the tree of the main window ask for, forwarded to its presenter.
+
+#include "platform/system/surroundings.h"
+#include "ui/vicenter_window.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr std::size_t kRefusedNamed = 12;
+
+}  // namespace
+
+void VICenterWindow::ShowRefused(const center::PasteResult& result) {
+    if (result.refused.empty()) return;
+    std::string text =
+        "以下 " + std::to_string(result.refused.size()) + " 个单元格不能接受所给内容，保持原样：\r\n";
+    for (std::size_t i = 0; i < result.refused.size() && i < kRefusedNamed; ++i) {
+        const center::RefusedCell& refused = result.refused[i];
+        text += "\r\n行" + std::to_string(refused.cell.row);
+        if (refused.cell.column >= 1 && refused.cell.column <= center::kColumnCount) {
+            text += " " + std::string(center::Column(refused.cell.column).header);
+        }
+        text += "：“" + refused.text + "” " + refused.reason;
+    }
+    if (result.refused.size() > kRefusedNamed) text += "\r\n……";
+    system::Surroundings::Current().messageBoxes->Show(text, system::MessageButtons::Ok,
+                                                       system::MessageIcon::Information, "信息提示");
+}
+
+void VICenterWindow::MoveActiveCell(const center::CellAddress& to) {
+    presenter_->MoveActiveCell(to);
+}
+
+void VICenterWindow::SelectionChanged(const center::CellRange& range) {
+    if (loaded_ && !unloaded_) presenter_->SelectionChanged(range);
+}
+
+bool VICenterWindow::KeyPress(char32_t character) {
+    return presenter_->GridKeyPress(character);
+}
+
+bool VICenterWindow::KeyDown(int keyCode, const std::string& cellText) {
+    return presenter_->GridKeyDown(keyCode, cellText);
+}
+
+void VICenterWindow::OpenLookUp() {
+    presenter_->OpenLookUp();
+}
+
+int VICenterWindow::RowsInUse() {
+    return presenter_->RowCount();
+}
+
+void VICenterWindow::ClearCells(const center::CellRange& range) {
+    presenter_->ClearCells(range);
+}
+
+std::string VICenterWindow::CopyBlock(const center::CellRange& range) {
+    return presenter_->CopyBlock(range);
+}
+
+void VICenterWindow::PasteBlock(const center::CellAddress& at, const std::string& text) {
+    ShowRefused(presenter_->PasteBlock(at, text));
+}
+
+void VICenterWindow::FillDown(const center::CellRange& range) {
+    presenter_->FillDown(range);
+}
+
+void VICenterWindow::FillSelection(const center::CellRange& range, const std::string& text) {
+    ShowRefused(presenter_->FillSelection(range, text));
+}
+
+void VICenterWindow::DuplicateRow() {
+    presenter_->DuplicateRow();
+}
+
+void VICenterWindow::InsertRows(int firstRow, int count) {
+    presenter_->InsertRows(firstRow, count);
+}
+
+void VICenterWindow::DeleteRows(int firstRow, int count) {
+    presenter_->DeleteRows(firstRow, count);
+}
+
+void VICenterWindow::Undo() {
+    presenter_->Undo();
+}
+
+void VICenterWindow::Redo() {
+    presenter_->Redo();
+}
+
+bool VICenterWindow::IsNameListOpen() {
+    return nameList_->State().open;
+}
+
+void VICenterWindow::NameListKey(const std::string& typedText) {
+    presenter_->NameListKey(typedText);
+}
+
+void VICenterWindow::NameListMove(int steps) {
+    presenter_->NameListMove(steps);
+}
+
+bool VICenterWindow::NameListTake() {
+    return presenter_->NameListTake();
+}
+
+void VICenterWindow::NameListClose() {
+    if (nameList_->State().open) presenter_->NameListClose();
+}
+
+void VICenterWindow::NodeClick(const std::string& key) {
+    grid_->CommitOpenEditor();
+    presenter_->TreeNodeClick(key);
+}
+
+void VICenterWindow::DoubleClick() {
+    presenter_->TreeDoubleClick();
+}
+
+bool VICenterWindow::BeforeLabelEdit() {
+    return presenter_->TreeBeforeLabelEdit();
+}
+
+bool VICenterWindow::AfterLabelEdit(const std::string& newText) {
+    return presenter_->TreeAfterLabelEdit(newText);
+}
+
+bool VICenterWindow::EditsLabels() {
+    return presenter_->TreeEditsLabels();
+}
+
+void VICenterWindow::DeleteSelected() {
+    if (band_->ActionOf(center::Tool::Del).isEnabled()) presenter_->ToolClick("mnuDel");
+}
+
+}  // namespace vicenter::ui
