@@ -1,0 +1,94 @@
+#include "ui/application.h"
+
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QImage>
+#include <QPainter>
+#include <QRawFont>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "ui/chinese_texts.h"
+#include "ui/key_codes.h"
+#include "ui/twips.h"
+
+namespace vicenter::ui {
+namespace {
+
+TEST(ApplicationFont, PrefersNotoSansThenWenQuanYi) {
+    EXPECT_EQ(ChooseChineseFamily({"DejaVu Sans", "WenQuanYi Zen Hei", "Noto Sans CJK SC"}),
+              "Noto Sans CJK SC");
+    EXPECT_EQ(ChooseChineseFamily({"DejaVu Sans", "WenQuanYi Zen Hei", "WenQuanYi Micro Hei"}),
+              "WenQuanYi Micro Hei");
+    EXPECT_EQ(ChooseChineseFamily({"DejaVu Sans"}), QString());
+}
+
+TEST(ApplicationFont, ShowsChineseAsCharactersAndNotAsBoxes) {
+    const QRawFont font = QRawFont::fromFont(BillFont(9), QFontDatabase::SimplifiedChinese);
+    for (const QChar character : QStringLiteral("凭证模板借贷摘要科目金额")) {
+        EXPECT_TRUE(font.supportsCharacter(character)) << static_cast<int>(character.unicode());
+    }
+}
+
+TEST(ApplicationFont, HasTheSizeAskedFor) {
+    EXPECT_DOUBLE_EQ(BillFont(12).pointSizeF(), 12);
+}
+
+TEST(ApplicationIcons, AreAllThereAndAllDifferent) {
+    std::set<QByteArray> seen;
+    for (const char* stem : {"tool_new", "tool_delete", "tool_save", "tool_columns", "tool_delete_row",
+                             "tool_add_row", "tool_find", "tool_import", "tool_export", "tool_generate",
+                             "tool_cloud", "tool_share", "tool_quit", "tree_root", "tree_template", "app"}) {
+        const QImage image = NamedIcon(stem).pixmap(24, 24).toImage().convertToFormat(QImage::Format_ARGB32);
+        ASSERT_FALSE(image.isNull()) << stem;
+        const QByteArray bytes(reinterpret_cast<const char*>(image.constBits()), image.sizeInBytes());
+        EXPECT_NE(bytes.count('\0'), bytes.size()) << stem << " is blank";
+        EXPECT_TRUE(seen.insert(bytes).second) << stem << " looks like another icon";
+    }
+}
+
+TEST(ChineseTexts, WordsQtsOwnButtonsInChineseAndLeavesTheRest) {
+    const ChineseTexts texts;
+    EXPECT_EQ(texts.translate("QPlatformTheme", "Cancel", nullptr, -1), "取消");
+    EXPECT_EQ(texts.translate("QFileDialog", "&Save", nullptr, -1), "保存(&S)");
+    EXPECT_TRUE(texts.translate("QLineEdit", "no such text", nullptr, -1).isNull());
+}
+
+TEST(Twips, AreFifteenToAPixelAtNinetySixDotsAnInch) {
+    EXPECT_EQ(TwipsToPixels(285, 96), 19);
+    EXPECT_EQ(TwipsToPixels(450, 96), 30);
+    EXPECT_DOUBLE_EQ(PixelsToTwips(78, 96), 1170);
+    EXPECT_EQ(TwipsToPixels(285, 144), 29);
+}
+
+TEST(KeyCodes, AreThoseOfTheComponentsTables) {
+    const auto code = [](int key, Qt::KeyboardModifiers modifiers = {}) {
+        return KeyCodeOf(QKeyEvent(QEvent::KeyPress, key, modifiers));
+    };
+    EXPECT_EQ(code(Qt::Key_Insert), 45);
+    EXPECT_EQ(code(Qt::Key_F7), 118);
+    EXPECT_EQ(code(Qt::Key_F1), 112);
+    EXPECT_EQ(code(Qt::Key_Left), 37);
+    EXPECT_EQ(code(Qt::Key_Right), 39);
+    EXPECT_EQ(code(Qt::Key_Period, Qt::KeypadModifier), 110);
+    EXPECT_EQ(code(Qt::Key_Period), 190);
+    EXPECT_EQ(code(Qt::Key_Backspace), 8);
+    EXPECT_EQ(code(Qt::Key_7), 55);
+    EXPECT_EQ(code(Qt::Key_7, Qt::KeypadModifier), 103);
+    EXPECT_EQ(code(Qt::Key_A), 65);
+}
+
+TEST(KeyCodes, TypedCharactersAreOnlyThoseThatType) {
+    const auto typed = [](int key, Qt::KeyboardModifiers modifiers, const QString& text) {
+        return TypedCharacter(QKeyEvent(QEvent::KeyPress, key, modifiers, text));
+    };
+    EXPECT_EQ(typed(Qt::Key_A, {}, "a"), U'a');
+    EXPECT_EQ(typed(0, {}, "借"), U'借');
+    EXPECT_EQ(typed(Qt::Key_A, Qt::ControlModifier, "\x01"), U'\0');
+    EXPECT_EQ(typed(Qt::Key_Delete, {}, "\x7f"), U'\0');
+    EXPECT_EQ(typed(Qt::Key_F5, {}, QString()), U'\0');
+}
+
+}  // namespace
+}  // namespace vicenter::ui

@@ -1,0 +1,133 @@
+#pragma once
+
+// Stand-ins that the window tests share: a person who answers message boxes as told, and rules that do what a
+// plain grid would.
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "center/cell_rules.h"
+#include "center/entry_grid.h"
+#include "platform/system/surroundings.h"
+#include "ui/grid_actions.h"
+
+namespace vicenter::ui::testing {
+
+// Never shows anything: remembers what was asked and answers from a queue, else OK or No.
+class RecordedBoxes : public system::MessageBoxes {
+  public:
+    system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
+                               system::MessageIcon icon, const std::string& title) override {
+        texts.push_back(text);
+        titles.push_back(title);
+        icons.push_back(icon);
+        if (!answers.empty()) {
+            const system::MessageResult answer = answers.front();
+            answers.pop_front();
+            return answer;
+        }
+        return buttons == system::MessageButtons::YesNo ? system::MessageResult::No
+                                                        : system::MessageResult::Ok;
+    }
+
+    std::vector<std::string> texts;
+    std::vector<std::string> titles;
+    std::vector<system::MessageIcon> icons;
+    std::deque<system::MessageResult> answers;
+};
+
+// The system's surroundings with recorded message boxes, for the length of a test.
+class QuietSurroundings {
+  public:
+    QuietSurroundings() : boxes(std::make_shared<RecordedBoxes>()), scope_(Make(boxes)) {}
+    std::shared_ptr<RecordedBoxes> boxes;
+
+  private:
+    static system::Surroundings Make(const std::shared_ptr<RecordedBoxes>& boxes) {
+        system::Surroundings quiet = system::Surroundings::OfSystem();
+        quiet.messageBoxes = boxes;
+        return quiet;
+    }
+    system::SurroundingsScope scope_;
+};
+
+// Rules of a grid without a template center: the cursor goes where it is sent, texts are taken.
+class PlainActions : public GridActions {
+  public:
+    explicit PlainActions(std::shared_ptr<center::EntryGrid> entryGrid) : grid(std::move(entryGrid)) {}
+
+    void MoveActiveCell(const center::CellAddress& to) override {
+        moves.push_back(to);
+        const center::CellAddress end = sendTo.row > 0 ? sendTo : to;
+        grid->SetActiveCell(end);
+    }
+    void SelectionChanged(const center::CellRange& range) override { selection = range; }
+    bool KeyPress(char32_t character) override { return character != U'\'' && character != U'|'; }
+    bool KeyDown(int keyCode, const std::string& cellText) override {
+        keys.push_back(keyCode);
+        keyTexts.push_back(cellText);
+        if (keyCode == 110 && cellText == ".") {
+            grid->SetText(grid->ActiveCell().row, grid->ActiveCell().column, "above");
+            return true;
+        }
+        return keyCode == 45 || keyCode == 118;
+    }
+    void OpenLookUp() override { ++lookUps; }
+    int RowsInUse() override { return rowsInUse; }
+    void ClearCells(const center::CellRange& range) override {
+        for (int row = range.firstRow; row <= range.lastRow; ++row) {
+            for (int column = range.firstColumn; column <= range.lastColumn; ++column)
+                grid->SetText(row, column, "");
+        }
+    }
+    std::string CopyBlock(const center::CellRange& range) override {
+        return std::string(grid->Text(range.firstRow, range.firstColumn));
+    }
+    void PasteBlock(const center::CellAddress& at, const std::string& text) override {
+        pastedAt = at;
+        pasted = text;
+    }
+    void FillDown(const center::CellRange& range) override { filled = range; }
+    void FillSelection(const center::CellRange& range, const std::string& text) override {
+        filled = range;
+        pasted = text;
+    }
+    void DuplicateRow() override { ++duplicates; }
+    void InsertRows(int, int) override {}
+    void DeleteRows(int, int) override { ++deletes; }
+    void Undo() override { ++undos; }
+    void Redo() override { ++redos; }
+    bool IsNameListOpen() override { return listOpen; }
+    void NameListKey(const std::string& typedText) override { typed.push_back(typedText); }
+    void NameListMove(int steps) override { listMoves += steps; }
+    bool NameListTake() override {
+        listOpen = false;
+        if (listTakes) grid->SetText(grid->ActiveCell().row, grid->ActiveCell().column, "chosen");
+        return listTakes;
+    }
+    void NameListClose() override { listOpen = false; }
+
+    std::shared_ptr<center::EntryGrid> grid;
+    std::vector<center::CellAddress> moves;
+    center::CellAddress sendTo{0, 0};  // where every move ends up, when set
+    center::CellRange selection;
+    std::vector<int> keys;
+    std::vector<std::string> keyTexts;
+    std::vector<std::string> typed;
+    center::CellAddress pastedAt{0, 0};
+    std::string pasted;
+    center::CellRange filled;
+    int rowsInUse = 10;
+    int lookUps = 0;
+    int duplicates = 0;
+    int deletes = 0;
+    int undos = 0;
+    int redos = 0;
+    int listMoves = 0;
+    bool listOpen = false;
+    bool listTakes = false;
+};
+
+}  // namespace vicenter::ui::testing

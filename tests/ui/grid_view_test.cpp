@@ -1,0 +1,460 @@
+#include "ui/grid_view.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include "tests/ui/fakes.h"
+#include "ui/cell_delegate.h"
+#include "ui/twips.h"
+
+namespace vicenter::ui {
+namespace {
+
+using testing::PlainActions;
+
+class GridViewTest : public ::testing::Test {
+  protected:
+    GridViewTest() {
+        grid->SetRowTotal(100);
+        for (const int column : {4, 8, 12, 16})
+            grid->SetColumnHidden(column, true);
+        hooks.commit = [this](const center::CellAddress& cell, const std::string& text) {
+            const auto verdict = center::CheckTypedText(cell.column, text);
+            if (verdict == center::TextVerdict::Taken) grid->SetText(cell.row, cell.column, text);
+            return verdict;
+        };
+        model = std::make_unique<GridModel>(grid, hooks);
+        view = std::make_unique<GridView>(*model, actions);
+        view->resize(900, 400);
+        view->show();
+        view->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
+        view->setFocus();
+        Go(1, 1);
+        actions.moves.clear();
+    }
+
+    void Go(int row, int column) {
+        view->selectionModel()->setCurrentIndex(model->IndexOf({row, column}),
+                                                QItemSelectionModel::ClearAndSelect);
+    }
+    QWidget* Editor() { return view->indexWidget(view->currentIndex()); }
+    QLineEdit* Field() { return qobject_cast<QLineEdit*>(Editor()); }
+    // A key goes to the editor when one is open, as it would on a desktop.
+    void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(Target(), key, modifiers); }
+    void Type(const char* text) {
+        for (const char* c = text; *c; ++c)
+            QTest::keyClick(Target(), *c);
+    }
+    QWidget* Target() { return Editor() ? Editor() : static_cast<QWidget*>(view.get()); }
+    center::CellAddress Current() { return model->AddressOf(view->currentIndex()); }
+
+    std::shared_ptr<center::EntryGrid> grid = std::make_shared<center::EntryGrid>();
+    PlainActions actions{grid};
+    GridModel::Hooks hooks;
+    std::unique_ptr<GridModel> model;
+    std::unique_ptr<GridView> view;
+};
+
+TEST_F(GridViewTest, TypingStartsEditingAndEnterTakesTheTextAndMovesRight) {
+    Go(1, 2);
+    Type("abc");
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_EQ(Field()->text(), "abc");
+    EXPECT_EQ(grid->Text(1, 2), "");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid->Text(1, 2), "abc");
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 3}));
+    EXPECT_EQ(grid->ActiveCell(), (center::CellAddress{1, 3}));
+}
+
+TEST_F(GridViewTest, TypingReplacesWhatTheCellHeldAndF2GoesOnWithIt) {
+    grid->SetText(1, 2, "old");
+    Go(1, 2);
+    Type("n");
+    EXPECT_EQ(Field()->text(), "n");
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(grid->Text(1, 2), "old");
+    Key(Qt::Key_F2);
+    ASSERT_NE(Field(), nullptr);
+    Key(Qt::Key_End);
+    Type("er");
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(grid->Text(1, 2), "older");
+}
+
+TEST_F(GridViewTest, EscapeGivesTheTextUp) {
+    grid->SetText(1, 2, "kept");
+    Go(1, 2);
+    Type("lost");
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_EQ(grid->Text(1, 2), "kept");
+    EXPECT_EQ(Current(), (center::CellAddress{1, 2}));
+}
+
+TEST_F(GridViewTest, DeleteClearsTheSelectedCellsAndNeverARow) {
+    grid->SetText(1, 2, "a");
+    grid->SetText(2, 2, "b");
+    grid->SetText(3, 2, "c");
+    Go(1, 2);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(grid->Text(1, 2), "");
+    EXPECT_EQ(grid->Text(2, 2), "");
+    EXPECT_EQ(grid->Text(3, 2), "c");
+    EXPECT_EQ(grid->RowTotal(), 100);
+    EXPECT_EQ(actions.deletes, 0);
+}
+
+TEST_F(GridViewTest, TabSkipsHiddenColumnsAndGoesOnInTheNextRow) {
+    Go(1, 3);
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 5}));
+    Key(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 3}));
+    Go(1, 21);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Current(), (center::CellAddress{2, 1}));
+    Key(Qt::Key_Return, Qt::ShiftModifier);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 21}));
+}
+
+TEST_F(GridViewTest, EveryCursorMoveIsToldToTheRules) {
+    Key(Qt::Key_Down);
+    Key(Qt::Key_Right);
+    ASSERT_EQ(actions.moves.size(), 2U);
+    EXPECT_EQ(actions.moves[0], (center::CellAddress{2, 1}));
+    EXPECT_EQ(actions.moves[1], (center::CellAddress{2, 2}));
+}
+
+TEST_F(GridViewTest, TheCursorEndsUpWhereTheRulesSendIt) {
+    actions.sendTo = {11, 2};
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
+                      view->visualRect(model->IndexOf({15, 2})).center());
+    EXPECT_EQ(Current(), (center::CellAddress{11, 2}));
+    EXPECT_EQ(view->selectionModel()->selectedIndexes(), QModelIndexList{model->IndexOf({11, 2})});
+    EXPECT_EQ(actions.moves.size(), 1U);
+}
+
+TEST_F(GridViewTest, TheCursorFollowsTheGridWithoutTellingTheRulesAgain) {
+    grid->SetActiveCell({42, 6});
+    EXPECT_EQ(Current(), (center::CellAddress{42, 6}));
+    EXPECT_TRUE(actions.moves.empty());
+}
+
+TEST_F(GridViewTest, RowsThatComeAndGoLeaveTheCursorOnTheActiveCell) {
+    grid->SetActiveCell({5, 2});
+    grid->InsertRows(5, 1);
+    EXPECT_EQ(Current(), grid->ActiveCell());
+    grid->RemoveRows(5, 1);
+    EXPECT_EQ(Current(), grid->ActiveCell());
+    grid->Clear(100);
+    EXPECT_EQ(Current(), grid->ActiveCell());
+    EXPECT_TRUE(actions.moves.empty());
+}
+
+TEST_F(GridViewTest, ColumnOneTakesDigitsOnlyWhicheverWayTheyComeIn) {
+    Go(1, 1);
+    Type("a1b2");
+    EXPECT_EQ(Field()->text(), "12");
+    QApplication::clipboard()->setText("3x");
+    Field()->paste();
+    EXPECT_EQ(Field()->text(), "12");
+    QInputMethodEvent commit;
+    commit.setCommitString("借");
+    QApplication::sendEvent(Field(), &commit);
+    EXPECT_EQ(Field()->text(), "12");
+    QApplication::clipboard()->setText("34");
+    Field()->paste();
+    EXPECT_EQ(Field()->text(), "1234");
+}
+
+TEST_F(GridViewTest, QuotesAndBarsAreRefusedInEveryColumn) {
+    for (const int column : {1, 2, 5, 21}) {
+        Go(1, column);
+        Type("'");
+        Type("|");
+        EXPECT_EQ(Editor(), nullptr) << column;
+        Type("1'|2");
+        EXPECT_EQ(Field()->text(), "12") << column;
+        Key(Qt::Key_Escape);
+    }
+}
+
+TEST_F(GridViewTest, TextsLongerThanTheColumnAreRefusedWholeAndNeverCut) {
+    Go(1, 21);
+    Key(Qt::Key_F2);
+    QApplication::clipboard()->setText(QString(81, u'注'));
+    Field()->paste();
+    EXPECT_EQ(Field()->text(), "");
+    QApplication::clipboard()->setText(QString(80, u'注'));
+    Field()->paste();
+    EXPECT_EQ(Field()->text().size(), 80);
+    Type("x");
+    EXPECT_EQ(Field()->text().size(), 80);
+}
+
+TEST_F(GridViewTest, AnInputMethodStartsEditingAndItsTextComesIn) {
+    Go(1, 2);
+    QInputMethodEvent preedit("shou", {});
+    QApplication::sendEvent(view.get(), &preedit);
+    ASSERT_NE(Field(), nullptr);
+    QInputMethodEvent commit;
+    commit.setCommitString("收到货款");
+    QApplication::sendEvent(Field(), &commit);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid->Text(1, 2), "收到货款");
+}
+
+TEST_F(GridViewTest, TheDirectionColumnOffersBlankDebitAndCredit) {
+    Go(1, 3);
+    Key(Qt::Key_F2);
+    auto* list = qobject_cast<QComboBox*>(Editor());
+    ASSERT_NE(list, nullptr);
+    EXPECT_FALSE(list->isEditable());
+    ASSERT_EQ(list->count(), 3);
+    EXPECT_EQ(list->itemText(0), "");
+    EXPECT_EQ(list->itemText(1), "借");
+    EXPECT_EQ(list->itemText(2), "贷");
+    list->hidePopup();
+    list->setCurrentIndex(2);
+    emit list->activated(2);
+    EXPECT_EQ(grid->Text(1, 3), "贷");
+}
+
+TEST_F(GridViewTest, TypingInTheDirectionColumnChoosesAndNeverWritesOtherText) {
+    Go(1, 3);
+    Type("x");
+    EXPECT_EQ(grid->Text(1, 3), "");
+    EXPECT_EQ(Editor(), nullptr);
+    Type("j");
+    EXPECT_EQ(grid->Text(1, 3), "借");
+    Type("d");
+    EXPECT_EQ(grid->Text(1, 3), "贷");
+    QInputMethodEvent commit;
+    commit.setCommitString("借");
+    QApplication::sendEvent(view.get(), &commit);
+    EXPECT_EQ(grid->Text(1, 3), "借");
+    EXPECT_EQ(Editor(), nullptr);
+}
+
+TEST_F(GridViewTest, LookUpKeysGoToTheRulesAlsoWhileEditing) {
+    Go(1, 5);
+    Key(Qt::Key_F7);
+    Key(Qt::Key_Insert);
+    ASSERT_GE(actions.keys.size(), 2U);
+    EXPECT_EQ(actions.keys[0], 118);
+    EXPECT_EQ(actions.keys[1], 45);
+    actions.keys.clear();
+    actions.keyTexts.clear();
+    Type("1001");
+    actions.keys.clear();
+    actions.keyTexts.clear();
+    Key(Qt::Key_F7);
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_EQ(actions.keys, std::vector<int>{118});
+    EXPECT_EQ(actions.keyTexts, std::vector<std::string>{"1001"});
+}
+
+TEST_F(GridViewTest, TheSecondPointOnTheKeypadIsTheRules) {
+    Go(2, 2);
+    QTest::keyClick(Target(), Qt::Key_Period, Qt::KeypadModifier);
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_EQ(Field()->text(), ".");
+    QTest::keyClick(Target(), Qt::Key_Period, Qt::KeypadModifier);
+    EXPECT_EQ(grid->Text(2, 2), "above");
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_EQ(Field()->text(), "above");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid->Text(2, 2), "above");
+}
+
+TEST_F(GridViewTest, ArrowsLeaveACellThatIsBeingTypedButMoveInOneThatIsEdited) {
+    Go(2, 2);
+    Type("ab");
+    Key(Qt::Key_Left);
+    EXPECT_EQ(grid->Text(2, 2), "ab");
+    EXPECT_EQ(Current(), (center::CellAddress{2, 1}));
+    Go(2, 2);
+    Key(Qt::Key_F2);
+    Key(Qt::Key_End);
+    Key(Qt::Key_Left);
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_EQ(Field()->cursorPosition(), 1);
+    Key(Qt::Key_Down);
+    EXPECT_EQ(Current(), (center::CellAddress{3, 2}));
+}
+
+TEST_F(GridViewTest, ControlKeysJumpAsInASpreadsheetAndNeverPastTheFirstBlankRow) {
+    Go(3, 5);
+    Key(Qt::Key_End);
+    EXPECT_EQ(Current(), (center::CellAddress{3, 21}));
+    Key(Qt::Key_Home);
+    EXPECT_EQ(Current(), (center::CellAddress{3, 1}));
+    Key(Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(Current(), (center::CellAddress{10, 21}));
+    Key(Qt::Key_Home, Qt::ControlModifier);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 1}));
+    Key(Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(Current(), (center::CellAddress{10, 1}));
+    Key(Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(Current(), (center::CellAddress{11, 1}));
+    Key(Qt::Key_PageUp);
+    Key(Qt::Key_PageDown);
+    EXPECT_LE(Current().row, 11);
+    Key(Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_EQ(Current().column, 21);
+    Key(Qt::Key_Left, Qt::ControlModifier);
+    EXPECT_EQ(Current().column, 1);
+}
+
+TEST_F(GridViewTest, BlocksGoThroughTheClipboard) {
+    grid->SetText(2, 2, "copied");
+    Go(2, 2);
+    Key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "copied");
+    Go(5, 2);
+    QApplication::clipboard()->setText("a\tb\r\nc\td\r\n");
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(actions.pastedAt, (center::CellAddress{5, 2}));
+    EXPECT_EQ(actions.pasted, "a\tb\r\nc\td\r\n");
+}
+
+TEST_F(GridViewTest, OneValueIsPastedIntoEverySelectedCell) {
+    Go(2, 2);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    QApplication::clipboard()->setText("same\n");
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(actions.filled, (center::CellRange{2, 2, 3, 2}));
+    EXPECT_EQ(actions.pasted, "same");
+}
+
+TEST_F(GridViewTest, UndoRedoFillAndDuplicateHaveTheirUsualKeys) {
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    Key(Qt::Key_Y, Qt::ControlModifier);
+    Key(Qt::Key_D, Qt::ControlModifier);
+    Key(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(actions.undos, 1);
+    EXPECT_EQ(actions.redos, 1);
+    EXPECT_EQ(actions.filled, (center::CellRange{1, 1, 1, 1}));
+    EXPECT_EQ(actions.duplicates, 1);
+}
+
+TEST_F(GridViewTest, AGridThatIsNotInteractiveTakesNothing) {
+    grid->SetText(1, 2, "kept");
+    view->SetInteractive(false);
+    Go(1, 2);
+    Type("x");
+    Key(Qt::Key_F2);
+    Key(Qt::Key_Delete);
+    Key(Qt::Key_F7);
+    QApplication::clipboard()->setText("p");
+    Key(Qt::Key_V, Qt::ControlModifier);
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_EQ(grid->Text(1, 2), "kept");
+    EXPECT_TRUE(actions.keys.empty());
+    EXPECT_EQ(actions.pasted, "");
+    EXPECT_EQ(actions.undos, 0);
+    Key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "kept");
+}
+
+TEST_F(GridViewTest, KeysOfAnOpenNameListGoToIt) {
+    Go(1, 5);
+    Type("10");
+    EXPECT_EQ(actions.typed, (std::vector<std::string>{"1", "10"}));
+    actions.listOpen = true;
+    actions.listTakes = true;
+    Key(Qt::Key_Down);
+    EXPECT_EQ(actions.listMoves, 1);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 5}));
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid->Text(1, 5), "chosen");
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 6}));
+}
+
+TEST_F(GridViewTest, EscapeClosesTheNameListFirstAndKeepsWhatWasTyped) {
+    Go(1, 5);
+    Type("10");
+    actions.listOpen = true;
+    Key(Qt::Key_Escape);
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_EQ(Field()->text(), "10");
+    EXPECT_FALSE(actions.listOpen);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid->Text(1, 5), "10");
+}
+
+TEST_F(GridViewTest, AListThatHasNothingToTakeDoesNotStopPlainTyping) {
+    Go(1, 5);
+    Type("zz");
+    actions.listOpen = true;
+    actions.listTakes = false;
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(grid->Text(1, 5), "zz");
+    EXPECT_EQ(Current(), (center::CellAddress{1, 6}));
+}
+
+TEST_F(GridViewTest, TheButtonOfTheActiveCellOpensTheLookUp) {
+    Go(2, 5);
+    const QRect button = CellDelegate::ButtonRect(view->visualRect(view->currentIndex()));
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, button.center());
+    EXPECT_EQ(actions.lookUps, 1);
+    EXPECT_EQ(Editor(), nullptr);
+}
+
+TEST_F(GridViewTest, ColumnsHaveTheWidthsOfTheGridAndDraggedOnesGoBackToIt) {
+    grid->SetColumnWidth(2, 3000);
+    EXPECT_EQ(view->columnWidth(1), TwipsToPixels(3000, *view));
+    grid->SetColumnHidden(7, true);
+    EXPECT_TRUE(view->isColumnHidden(6));
+    EXPECT_DOUBLE_EQ(grid->Layout(7).width, 850);
+    grid->SetColumnHidden(7, false);
+    EXPECT_EQ(view->columnWidth(6), TwipsToPixels(850, *view));
+    view->horizontalHeader()->resizeSection(1, 100);
+    EXPECT_DOUBLE_EQ(grid->Layout(2).width, PixelsToTwips(100, *view));
+}
+
+TEST_F(GridViewTest, WidthsThatNobodyDraggedKeepTheirFractions) {
+    grid->SetColumnWidth(2, 2820.37);
+    EXPECT_DOUBLE_EQ(grid->Layout(2).width, 2820.37);
+}
+
+TEST_F(GridViewTest, RowHeightsFollowTheGrid) {
+    grid->SetRowHeights(450, 285);
+    EXPECT_EQ(view->rowHeight(0), TwipsToPixels(285, *view));
+    EXPECT_EQ(view->horizontalHeader()->height(), TwipsToPixels(450, *view));
+    grid->SetRowHeights(510, 345);
+    EXPECT_EQ(view->rowHeight(99), TwipsToPixels(345, *view));
+    EXPECT_EQ(view->horizontalHeader()->height(), TwipsToPixels(510, *view));
+}
+
+TEST_F(GridViewTest, HeadersTintTheActiveRowAndColumnAndFitTheirNumbers) {
+    const int narrow = view->verticalHeader()->width();
+    grid->SetRowTotal(100000);
+    QApplication::processEvents();
+    EXPECT_GE(view->verticalHeader()->width(), view->fontMetrics().horizontalAdvance("100000"));
+    EXPECT_GE(view->verticalHeader()->width(), narrow);
+}
+
+TEST_F(GridViewTest, KeepsNoWidgetPerCell) {
+    grid->SetRowTotal(100000);
+    view->verticalScrollBar()->setValue(view->verticalScrollBar()->maximum());
+    QApplication::processEvents();
+    EXPECT_LT(view->viewport()->children().size(), 3);
+}
+
+}  // namespace
+}  // namespace vicenter::ui

@@ -1,0 +1,16 @@
+// The window tests run in one process with one QApplication, offscreen unless the environment names a
+// display.
+
+#include <gtest/gtest.h>
+
+#include "ui/application.h"
+
+int main(int argc, char** argv) {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setEffectEnabled(Qt::UI_AnimateCombo, false);
+    vicenter::ui::SetUpApplication(application);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,114 @@
+#include "ui/qt_surroundings.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "automation/error.h"
+#include "tests/ui/fakes.h"
+#include "ui/slot_guard.h"
+
+namespace vicenter::ui {
+namespace {
+
+TEST(QtMessageBox, ShowsPlainTextWithChineseButtonsAndLineBreaks) {
+    QMessageBox box;
+    FillMessageBox(box, "模板删除将无法还原，是否删除？\r\n\r\n凭证模板：<b>甲</b>",
+                   system::MessageButtons::YesNo, system::MessageIcon::Information, "信息提示");
+    EXPECT_EQ(box.windowTitle(), "信息提示");
+    EXPECT_EQ(box.text(), "模板删除将无法还原，是否删除？\n\n凭证模板：<b>甲</b>");
+    EXPECT_EQ(box.textFormat(), Qt::PlainText);
+    EXPECT_EQ(box.icon(), QMessageBox::Information);
+    EXPECT_EQ(box.button(QMessageBox::Yes)->text(), "是(&Y)");
+    EXPECT_EQ(box.button(QMessageBox::No)->text(), "否(&N)");
+    EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::Yes));
+    EXPECT_EQ(box.escapeButton(), box.button(QMessageBox::No));
+}
+
+TEST(QtMessageBox, OffersOkAloneOrOkAndCancel) {
+    QMessageBox one;
+    FillMessageBox(one, "x", system::MessageButtons::Ok, system::MessageIcon::None, "t");
+    EXPECT_EQ(one.buttons().size(), 1);
+    EXPECT_EQ(one.button(QMessageBox::Ok)->text(), "确定");
+    QMessageBox two;
+    FillMessageBox(two, "x", system::MessageButtons::OkCancel, system::MessageIcon::Critical, "t");
+    EXPECT_EQ(two.buttons().size(), 2);
+    EXPECT_EQ(two.button(QMessageBox::Cancel)->text(), "取消");
+    EXPECT_EQ(two.icon(), QMessageBox::Critical);
+}
+
+system::FileRequest WorkbookRequest() {
+    system::FileRequest request;
+    request.title = "指定引出文件名";
+    request.proposedName = "标准模板";
+    request.filters = {{"Database File Excel File (*.xls)", "*.xls"}, {"工作簿", "*.xlsx"}};
+    request.selectedFilter = 1;
+    request.flags = 0x2;
+    return request;
+}
+
+TEST(QtFileDialog, NamesEachPatternOnce) {
+    EXPECT_EQ(NameFilters(WorkbookRequest()),
+              QStringList({"Database File Excel File (*.xls)", "工作簿 (*.xlsx)"}));
+}
+
+TEST(QtFileDialog, PreselectsTheFilterAndAddsItsExtension) {
+    QFileDialog dialog;
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    FillFileDialog(dialog, WorkbookRequest(), true);
+    EXPECT_EQ(dialog.windowTitle(), "指定引出文件名");
+    EXPECT_EQ(dialog.selectedNameFilter(), "工作簿 (*.xlsx)");
+    EXPECT_EQ(dialog.defaultSuffix(), "xlsx");
+    EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+    EXPECT_FALSE(dialog.testOption(QFileDialog::DontConfirmOverwrite));
+    emit dialog.filterSelected("Database File Excel File (*.xls)");
+    EXPECT_EQ(dialog.defaultSuffix(), "xls");
+}
+
+TEST(QtFileDialog, AsksAboutOverwritingOnlyWhenToldTo) {
+    system::FileRequest request = WorkbookRequest();
+    request.flags = 0;
+    QFileDialog dialog;
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    FillFileDialog(dialog, request, true);
+    EXPECT_TRUE(dialog.testOption(QFileDialog::DontConfirmOverwrite));
+}
+
+TEST(QtScreen, ShowsTheWaitCursorUntilItIsSetBackHoweverOftenItWasSet) {
+    QtScreen screen;
+    screen.SetMousePointer(system::MousePointer::Hourglass);
+    screen.SetMousePointer(system::MousePointer::Hourglass);
+    ASSERT_NE(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    screen.SetMousePointer(system::MousePointer::Default);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST(QtSurroundings, KeepsTheSystemsOtherServices) {
+    const system::Surroundings base = system::Surroundings::OfSystem();
+    const system::Surroundings own = QtSurroundings(base);
+    EXPECT_EQ(own.clock, base.clock);
+    EXPECT_EQ(own.processes, base.processes);
+    EXPECT_NE(dynamic_cast<QtMessageBoxes*>(own.messageBoxes.get()), nullptr);
+    EXPECT_NE(dynamic_cast<QtFileDialogs*>(own.fileDialogs.get()), nullptr);
+    EXPECT_NE(dynamic_cast<QtScreen*>(own.screen.get()), nullptr);
+}
+
+TEST(SlotGuard, TellsFailuresInAMessageBoxAndLetsNonePass) {
+    const testing::QuietSurroundings quiet;
+    Guarded([] { throw automation::Error(429, "不能创建对象", "VelaEBCGLView.GLView"); });
+    Guarded([] { throw std::runtime_error("plain"); });
+    Guarded([] { throw 5; });
+    ASSERT_EQ(quiet.boxes->texts.size(), 3U);
+    EXPECT_EQ(quiet.boxes->texts[0], "不能创建对象\r\n\r\nVelaEBCGLView.GLView");
+    EXPECT_EQ(quiet.boxes->texts[1], "plain");
+    EXPECT_EQ(quiet.boxes->texts[2], "未知错误");
+    EXPECT_EQ(quiet.boxes->titles[0], "信息提示");
+    EXPECT_EQ(GuardedOr(7, []() -> int { throw 5; }), 7);
+    EXPECT_EQ(GuardedOr(7, [] { return 8; }), 8);
+}
+
+}  // namespace
+}  // namespace vicenter::ui

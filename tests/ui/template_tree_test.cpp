@@ -1,0 +1,176 @@
+#include "ui/template_tree.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace vicenter::ui {
+namespace {
+
+class RecordedTreeActions : public TreeActions {
+  public:
+    void NodeClick(const std::string& key) override { clicks.push_back(key); }
+    void DoubleClick() override {
+        ++doubleClicks;
+        if (tree && mayRename) tree->StartLabelEdit();
+    }
+    bool BeforeLabelEdit() override { return mayEdit; }
+    bool AfterLabelEdit(const std::string& newText) override {
+        labels.push_back(newText);
+        return accepts;
+    }
+    bool EditsLabels() override { return automatic; }
+    void DeleteSelected() override { ++deletes; }
+
+    TemplateTree* tree = nullptr;
+    std::vector<std::string> clicks;
+    std::vector<std::string> labels;
+    int doubleClicks = 0;
+    int deletes = 0;
+    bool mayRename = true;
+    bool mayEdit = true;
+    bool accepts = true;
+    bool automatic = false;
+};
+
+class TemplateTreeTest : public ::testing::Test {
+  protected:
+    TemplateTreeTest() {
+        actions.tree = &tree;
+        tree.SetNodes({{"ROOT", "凭证模板", 7},
+                       {"detail-0", "标准模板", 2},
+                       {"detail-5", "自定义模板(1)", 2},
+                       {"detail-6", "自定义模板(2)", 2}});
+        tree.resize(220, 300);
+        tree.show();
+        tree.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&tree));
+        tree.setFocus();
+        tree.SelectNode("detail-0");
+    }
+
+    QPoint At(const char* key) { return tree.visualItemRect(tree.FindNode(key)).center(); }
+    void Click(const char* key) { QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, At(key)); }
+    void DoubleClick(const char* key) {
+        Click(key);
+        QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, At(key));
+    }
+    // The editor hands its text over once the key has been dealt with.
+    void Key(Qt::Key key) {
+        QTest::keyClick(Editor(), key);
+        QApplication::processEvents();
+    }
+    QLineEdit* Editor() { return tree.findChild<QLineEdit*>("labelEditor"); }
+
+    RecordedTreeActions actions;
+    TemplateTree tree{actions};
+};
+
+TEST_F(TemplateTreeTest, ShowsTheRootExpandedWithTheTemplatesBelow) {
+    ASSERT_EQ(tree.topLevelItemCount(), 1);
+    const QTreeWidgetItem* root = tree.topLevelItem(0);
+    EXPECT_EQ(root->text(0), "凭证模板");
+    EXPECT_TRUE(root->isExpanded());
+    ASSERT_EQ(root->childCount(), 3);
+    EXPECT_EQ(root->child(1)->text(0), "自定义模板(1)");
+    EXPECT_FALSE(root->icon(0).isNull());
+    EXPECT_FALSE(root->child(0)->icon(0).isNull());
+}
+
+TEST_F(TemplateTreeTest, SelectingByTheProgramIsNoClick) {
+    tree.SelectNode("detail-6");
+    EXPECT_EQ(tree.SelectedKey(), "detail-6");
+    EXPECT_TRUE(actions.clicks.empty());
+}
+
+TEST_F(TemplateTreeTest, AClickIsRaisedOnceAndAlsoOnTheSelectedNode) {
+    Click("detail-5");
+    EXPECT_EQ(actions.clicks, std::vector<std::string>{"detail-5"});
+    EXPECT_EQ(tree.SelectedKey(), "detail-5");
+    Click("detail-5");
+    EXPECT_EQ(actions.clicks.size(), 2U);
+}
+
+TEST_F(TemplateTreeTest, ArrowKeysClickTheNodeTheyReach) {
+    QTest::keyClick(&tree, Qt::Key_Down);
+    QTest::keyClick(&tree, Qt::Key_Up);
+    QTest::keyClick(&tree, Qt::Key_Up);
+    EXPECT_EQ(actions.clicks, (std::vector<std::string>{"detail-5", "detail-0", "ROOT"}));
+}
+
+TEST_F(TemplateTreeTest, ADoubleClickEditsTheLabelAndEnterHandsItOver) {
+    DoubleClick("detail-5");
+    EXPECT_EQ(actions.doubleClicks, 1);
+    ASSERT_NE(Editor(), nullptr);
+    Editor()->setText("");
+    QTest::keyClicks(Editor(), "Sales");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(actions.labels, std::vector<std::string>{"Sales"});
+    EXPECT_EQ(tree.FindNode("detail-5")->text(0), "Sales");
+    EXPECT_EQ(actions.clicks.size(), 1U) << "the second press of a double-click is no click";
+}
+
+TEST_F(TemplateTreeTest, ARefusedLabelGoesBackToTheOldText) {
+    actions.accepts = false;
+    DoubleClick("detail-5");
+    Editor()->selectAll();
+    QTest::keyClicks(Editor(), "dup");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(actions.labels, std::vector<std::string>{"dup"});
+    EXPECT_EQ(tree.FindNode("detail-5")->text(0), "自定义模板(1)");
+}
+
+TEST_F(TemplateTreeTest, AnUntouchedLabelIsHandedOverOnEnterButNotOnEscapeOrOnLeaving) {
+    DoubleClick("detail-5");
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(actions.labels.empty());
+    DoubleClick("detail-5");
+    ASSERT_NE(Editor(), nullptr);
+    tree.EndLabelEdit();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(actions.labels.empty());
+    DoubleClick("detail-5");
+    ASSERT_NE(Editor(), nullptr);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(actions.labels, std::vector<std::string>{"自定义模板(1)"});
+}
+
+TEST_F(TemplateTreeTest, ALabelThatMayNotBeEditedIsNot) {
+    actions.mayEdit = false;
+    DoubleClick("detail-0");
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_FALSE(tree.IsEditingLabel());
+}
+
+TEST_F(TemplateTreeTest, WhileEditingIsAutomaticAClickOnTheSelectedNodeEditsIt) {
+    actions.automatic = true;
+    Click("detail-5");
+    EXPECT_FALSE(tree.IsEditingLabel());
+    Click("detail-5");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return tree.IsEditingLabel(); }, 3000));
+}
+
+TEST_F(TemplateTreeTest, F2RenamesAndDeleteAsksForDeletion) {
+    tree.SelectNode("detail-6");
+    QTest::keyClick(&tree, Qt::Key_Delete);
+    EXPECT_EQ(actions.deletes, 1);
+    QTest::keyClick(&tree, Qt::Key_F2);
+    EXPECT_EQ(actions.doubleClicks, 1);
+    EXPECT_TRUE(tree.IsEditingLabel());
+}
+
+TEST_F(TemplateTreeTest, NodesComeGoAndChangeByKey) {
+    tree.AddNode({"detail-9", "新", 2});
+    ASSERT_NE(tree.FindNode("detail-9"), nullptr);
+    tree.SetNodeText("detail-9", "改");
+    EXPECT_EQ(tree.FindNode("detail-9")->text(0), "改");
+    tree.SelectNode("detail-9");
+    tree.RemoveNode("detail-9");
+    EXPECT_EQ(tree.FindNode("detail-9"), nullptr);
+    EXPECT_TRUE(actions.clicks.empty());
+}
+
+}  // namespace
+}  // namespace vicenter::ui
