@@ -324,7 +324,11 @@ bool operator==(const Variant& a, const Variant& b) {
 std::string DoubleToText(double value) {
     if (value == 0) return "0";  // also for minus zero
     char buffer[64];
-    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    // People and databases read amounts: no exponent within the digits that a double holds.
+    const double magnitude = std::fabs(value);
+    const auto result = magnitude >= 1e-5 && magnitude < 1e15
+                            ? std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed)
+                            : std::to_chars(buffer, buffer + sizeof buffer, value);
     return std::string(buffer, result.ptr);
 }
 

@@ -136,7 +136,8 @@ class Variant {
     Data data_;
 };
 
-// The shortest text that reads back as the same double, '.' as the decimal sign: "0.1", "1E+20" as "1e+20".
+// The shortest text that reads back as the same double, '.' as the decimal sign: "0.1", "100000"; with an
+// exponent only from 1e15 up and below 0.00001: "1e+20".
 std::string DoubleToText(double value);
 // A decimal number with optional sign, fraction and exponent, blanks around ignored; nothing for any other
 // text (no hexadecimal, no separators, no currency signs, no "inf").
