@@ -1,6 +1,8 @@
 #include "platform/scripting/dictionary.h"
 
-#include <cstdio>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "platform/system/collation.h"
@@ -15,6 +17,46 @@ using automation::Method;
 using automation::Property;
 using automation::VariantType;
 namespace error_number = automation::error_number;
+
+namespace {
+
+std::uint32_t Mixed(std::uint64_t value) {
+    value *= 0x9E3779B97F4A7C15U;
+    return static_cast<std::uint32_t>(value >> 32);
+}
+
+// Eight bytes a step; the last step overlaps the one before it.
+std::uint32_t HashText(std::string_view text) {
+    const char* bytes = text.data();
+    const std::size_t size = text.size();
+    std::uint64_t hash = size;
+    std::uint64_t word = 0;
+    if (size < 8) {
+        if (size != 0) std::memcpy(&word, bytes, size);
+        return Mixed(hash ^ (word * 0xFF51AFD7ED558CCDU));
+    }
+    for (std::size_t i = 0; i + 8 < size; i += 8) {
+        std::memcpy(&word, bytes + i, 8);
+        hash = (hash ^ word) * 0xFF51AFD7ED558CCDU;
+        hash ^= hash >> 32;
+    }
+    std::memcpy(&word, bytes + size - 8, 8);
+    hash = (hash ^ word) * 0xFF51AFD7ED558CCDU;
+    return Mixed(hash ^ (hash >> 32));
+}
+
+// The text that equal numbers of different types share.
+std::string NumberCode(const Variant& key) {
+    if (key.Type() == VariantType::Decimal) return key.ToText();
+    if (key.Type() != VariantType::Double && key.Type() != VariantType::Date)
+        return std::to_string(key.ToInt64());
+    const double value = key.ToDouble();
+    if (value == std::trunc(value) && std::fabs(value) < 9e15)
+        return std::to_string(static_cast<std::int64_t>(value));
+    return automation::DoubleToText(value);
+}
+
+}  // namespace
 
 const MemberTable<Dictionary>& Dictionary::Members() {
     using Self = Dictionary;
@@ -59,71 +101,122 @@ const MemberTable<Dictionary>& Dictionary::Members() {
     return table;
 }
 
-std::string Dictionary::CodeOf(const Variant& key) const {
+std::uint32_t Dictionary::HashOf(const Variant& key) const {
     switch (key.Type()) {
         case VariantType::Empty:
-            return "e";
+            return 1;
         case VariantType::Null:
-            return "n";
-        case VariantType::Text: {
-            const std::string& text = key.AsText();
-            return "t" + (mode_ == CompareMode::Text ? system::Collator::Chinese().Fold(text) : text);
-        }
-        case VariantType::Object: {
-            char address[32];
-            std::snprintf(address, sizeof address, "o%p",
-                          static_cast<const void*>(std::get<automation::ObjectRef>(key.Raw()).get()));
-            return address;
-        }
+            return 2;
+        case VariantType::Text:
+            return mode_ == CompareMode::Text ? HashText(system::Collator::Chinese().Fold(key.AsText()))
+                                              : HashText(key.AsText());
+        case VariantType::Object:
+            return Mixed(reinterpret_cast<std::uintptr_t>(std::get<automation::ObjectRef>(key.Raw()).get()));
         case VariantType::Array:
         case VariantType::Error:
             throw Error(error_number::kInvalidProcedureCall, {}, "Dictionary");
-        case VariantType::Double:
-            return "#" + automation::DoubleToText(key.ToDouble());
-        case VariantType::Date:
-            return "#" + automation::DoubleToText(key.ToDouble());
-        case VariantType::Decimal:
-            return "#" + key.ToText();
         default:
-            return "#" + std::to_string(key.ToInt64());
+            return HashText(NumberCode(key));
     }
 }
 
-std::size_t Dictionary::FindCode(const std::string& code) const {
+bool Dictionary::SameKey(const Variant& a, const Variant& b) const {
+    if (a.IsNumber() && b.IsNumber()) return NumberCode(a) == NumberCode(b);
+    if (a.Type() != b.Type()) return false;
+    if (a.IsText() && mode_ == CompareMode::Text) {
+        const auto& collator = system::Collator::Chinese();
+        return collator.Fold(a.AsText()) == collator.Fold(b.AsText());
+    }
+    return a == b;
+}
+
+template <class Test>
+std::size_t Dictionary::Search(std::uint32_t hash, const Test& same) const {
     if (index_.empty()) {
-        for (std::size_t i = 0; i < entries_.size(); ++i) {
-            if (entries_[i].code == code) return i;
+        for (std::size_t i = 0; i < hashes_.size(); ++i) {
+            if (hashes_[i] == hash && same(entries_[i].key)) return i;
         }
         return kNone;
     }
-    const auto found = index_.find(code);
-    return found == index_.end() ? kNone : found->second;
+    const std::size_t mask = index_.size() - 1;
+    for (std::size_t place = hash & mask; index_[place] != 0; place = (place + 1) & mask) {
+        const std::size_t position = index_[place] - 1;
+        if (hashes_[position] == hash && same(entries_[position].key)) return position;
+    }
+    return kNone;
 }
 
-void Dictionary::Append(std::string code, Variant key, Variant item) {
-    if (!index_.empty()) index_.emplace(code, entries_.size());
-    entries_.push_back({std::move(code), std::move(key), std::move(item)});
-    if (index_.empty() && entries_.size() > kIndexFrom) RebuildIndex();
+std::size_t Dictionary::FindHashed(std::uint32_t hash, const Variant& key) const {
+    return Search(hash, [&](const Variant& other) { return SameKey(other, key); });
+}
+
+void Dictionary::Append(std::uint32_t hash, Variant key, Variant item) {
+    entries_.push_back({std::move(key), std::move(item)});
+    hashes_.push_back(hash);
+    EnterIntoIndex(entries_.size() - 1);
+}
+
+void Dictionary::EnterIntoIndex(std::size_t position) {
+    if (entries_.size() <= kIndexFrom) return;
+    if (index_.size() < 2 * entries_.size()) {
+        RebuildIndex();
+        return;
+    }
+    const std::size_t mask = index_.size() - 1;
+    std::size_t place = hashes_[position] & mask;
+    while (index_[place] != 0)
+        place = (place + 1) & mask;
+    index_[place] = static_cast<std::uint32_t>(position + 1);
 }
 
 void Dictionary::RebuildIndex() {
     index_.clear();
     if (entries_.size() <= kIndexFrom) return;
-    for (std::size_t i = 0; i < entries_.size(); ++i)
-        index_.emplace(entries_[i].code, i);
+    std::size_t places = 4 * kIndexFrom;
+    while (places < 3 * entries_.size())
+        places *= 2;
+    index_.resize(places);
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        std::size_t place = hashes_[i] & (places - 1);
+        while (index_[place] != 0)
+            place = (place + 1) & (places - 1);
+        index_[place] = static_cast<std::uint32_t>(i + 1);
+    }
+}
+
+void Dictionary::Reserve(std::size_t count) {
+    entries_.reserve(count);
+    hashes_.reserve(count);
+}
+
+Variant* Dictionary::AddPlace(std::string_view key) {
+    if (mode_ == CompareMode::Text) {
+        Variant text(key);
+        if (Exists(text)) return nullptr;
+        Add(std::move(text), Variant());
+        return &entries_.back().item;
+    }
+    const std::uint32_t hash = HashText(key);
+    const std::size_t found = Search(hash, [&](const Variant& other) {
+        const auto* text = std::get_if<std::string>(&other.Raw());
+        return text != nullptr && *text == key;
+    });
+    if (found != kNone) return nullptr;
+    Append(hash, Variant(key), Variant());
+    return &entries_.back().item;
 }
 
 void Dictionary::Add(Variant key, Variant item) {
-    std::string code = CodeOf(key);
-    if (FindCode(code) != kNone) throw Error(error_number::kKeyAlreadyExists, {}, "Dictionary");
-    Append(std::move(code), std::move(key), std::move(item));
+    const std::uint32_t hash = HashOf(key);
+    if (FindHashed(hash, key) != kNone) throw Error(error_number::kKeyAlreadyExists, {}, "Dictionary");
+    Append(hash, std::move(key), std::move(item));
 }
 
 void Dictionary::SetItem(const Variant& key, Variant item) {
-    std::string code = CodeOf(key);
-    const std::size_t found = FindCode(code);
+    const std::uint32_t hash = HashOf(key);
+    const std::size_t found = FindHashed(hash, key);
     if (found == kNone) {
-        Append(std::move(code), key, std::move(item));
+        Append(hash, key, std::move(item));
     } else {
         entries_[found].item = std::move(item);
     }
@@ -135,11 +228,11 @@ const Variant* Dictionary::Item(const Variant& key) const {
 }
 
 const Variant& Dictionary::ItemOrNew(const Variant& key) {
-    std::string code = CodeOf(key);
-    std::size_t found = FindCode(code);
+    const std::uint32_t hash = HashOf(key);
+    std::size_t found = FindHashed(hash, key);
     if (found == kNone) {
         found = entries_.size();
-        Append(std::move(code), key, Variant());
+        Append(hash, key, Variant());
     }
     return entries_[found].item;
 }
@@ -148,21 +241,23 @@ void Dictionary::Remove(const Variant& key) {
     const std::size_t found = Find(key);
     if (found == kNone) throw Error(error_number::kElementNotFound, {}, "Dictionary");
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(found));
+    hashes_.erase(hashes_.begin() + static_cast<std::ptrdiff_t>(found));
     RebuildIndex();
 }
 
 void Dictionary::RemoveAll() {
     entries_.clear();
+    hashes_.clear();
     index_.clear();
 }
 
 void Dictionary::Rename(const Variant& key, Variant newKey) {
     const std::size_t found = Find(key);
     if (found == kNone) throw Error(error_number::kElementNotFound, {}, "Dictionary");
-    std::string code = CodeOf(newKey);
-    const std::size_t other = FindCode(code);
+    const std::uint32_t hash = HashOf(newKey);
+    const std::size_t other = FindHashed(hash, newKey);
     if (other != kNone && other != found) throw Error(error_number::kKeyAlreadyExists, {}, "Dictionary");
-    entries_[found].code = std::move(code);
+    hashes_[found] = hash;
     entries_[found].key = std::move(newKey);
     RebuildIndex();
 }

@@ -7,8 +7,9 @@
 // is constant. User-interface thread only.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 #include "automation/member_table.h"
@@ -50,25 +51,35 @@ class Dictionary : public automation::TableObject<Dictionary> {
     automation::VariantArray Keys() const;
     automation::VariantArray Items() const;
 
+    // For readers of long texts: room for so many entries, and an entry with a text as key whose item the
+    // caller fills in. None when the key exists; the place is good until the next change of the dictionary.
+    void Reserve(std::size_t count);
+    Variant* AddPlace(std::string_view key);
+
   private:
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-    // Up to here a plain scan is quicker than the index and needs no memory of its own.
-    static constexpr std::size_t kIndexFrom = 8;
+    // Up to here a plain scan of the hashes is quicker than the index and needs no memory of its own.
+    static constexpr std::size_t kIndexFrom = 32;
 
     struct Entry {
-        std::string code;  // the key in its comparable form
         Variant key;
         Variant item;
     };
 
-    std::string CodeOf(const Variant& key) const;
-    std::size_t Find(const Variant& key) const { return FindCode(CodeOf(key)); }
-    std::size_t FindCode(const std::string& code) const;
-    void Append(std::string code, Variant key, Variant item);
+    std::uint32_t HashOf(const Variant& key) const;
+    bool SameKey(const Variant& a, const Variant& b) const;
+    std::size_t Find(const Variant& key) const { return FindHashed(HashOf(key), key); }
+    std::size_t FindHashed(std::uint32_t hash, const Variant& key) const;
+    // The first entry of that hash whose key the test accepts.
+    template <class Test>
+    std::size_t Search(std::uint32_t hash, const Test& same) const;
+    void Append(std::uint32_t hash, Variant key, Variant item);
+    void EnterIntoIndex(std::size_t position);
     void RebuildIndex();
 
     std::vector<Entry> entries_;
-    std::unordered_map<std::string, std::size_t> index_;
+    std::vector<std::uint32_t> hashes_;  // of entries_, position by position
+    std::vector<std::uint32_t> index_;   // open addressing by hash: position + 1, 0 for a free place
     CompareMode mode_ = CompareMode::Binary;
 };
 
