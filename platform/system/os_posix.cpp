@@ -4,6 +4,7 @@
 
 #include <dlfcn.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -89,6 +90,25 @@ std::string ProgramFolder() {
     std::error_code error;
     const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
     return error ? std::string(".") : PathToUtf8(path.parent_path());
+}
+
+void* MapMemory(std::size_t bytes) {
+    void* memory =
+        mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    return memory == MAP_FAILED ? nullptr : memory;
+}
+
+void* RemapMemory(void* memory, std::size_t bytes, std::size_t newBytes) {
+    void* moved = mremap(memory, bytes, newBytes, MREMAP_MAYMOVE);
+    return moved == MAP_FAILED ? nullptr : moved;
+}
+
+void DiscardMemory(void* memory, std::size_t bytes) {
+    madvise(memory, bytes, MADV_DONTNEED);
+}
+
+void UnmapMemory(void* memory, std::size_t bytes) {
+    munmap(memory, bytes);
 }
 
 }  // namespace vicenter::system::os
