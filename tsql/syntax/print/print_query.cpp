@@ -1,0 +1,271 @@
+#include "tsql/syntax/print/printer_core.h"
+
+namespace vicenter::tsql {
+
+std::string_view AssignText(AssignOp op) {
+    switch (op) {
+        case AssignOp::kSet:
+            return " = ";
+        case AssignOp::kAdd:
+            return " += ";
+        case AssignOp::kSubtract:
+            return " -= ";
+        case AssignOp::kMultiply:
+            return " *= ";
+        case AssignOp::kDivide:
+            return " /= ";
+        case AssignOp::kModulo:
+            return " %= ";
+        case AssignOp::kBitAnd:
+            return " &= ";
+        case AssignOp::kBitOr:
+            return " |= ";
+        case AssignOp::kBitXor:
+            return " ^= ";
+    }
+    return {};
+}
+
+void Printer::PutWith(const std::vector<CommonTable>& with) {
+    for (const CommonTable& table : with) {
+        Text(&table == &with.front() ? "with " : ", ");
+        Put(table.name);
+        PutNameList(table.columns);
+        Text(" as (");
+        Put(*table.query);
+        Text(")");
+    }
+    if (!with.empty()) Text(" ");
+}
+
+void Printer::PutOrderBy(const std::vector<OrderItem>& items) {
+    for (const OrderItem& item : items) {
+        Text(&item == &items.front() ? "order by " : ", ");
+        Put(*item.expression);
+        if (item.descending) Text(" desc");
+    }
+}
+
+void Printer::PutHints(const std::vector<std::string>& hints) {
+    for (const std::string& hint : hints) {
+        Text(&hint == &hints.front() ? " with (" : ", ");
+        Text(hint);
+    }
+    if (!hints.empty()) Text(")");
+}
+
+void Printer::PutOptions(const std::vector<std::string>& options) {
+    for (const std::string& option : options) {
+        Text(&option == &options.front() ? " option (" : ", ");
+        Text(option);
+    }
+    if (!options.empty()) Text(")");
+}
+
+void Printer::Put(const Query& query) {
+    PutWith(query.with);
+    Put(*query.body);
+    if (!query.orderBy.empty()) {
+        Text(" ");
+        PutOrderBy(query.orderBy);
+    }
+    if (query.offset) {
+        Text(" offset ");
+        Put(*query.offset);
+        Text(" rows");
+    }
+    if (query.fetch) {
+        Text(" fetch next ");
+        Put(*query.fetch);
+        Text(" rows only");
+    }
+    PutOptions(query.options);
+}
+
+void Printer::PutTerm(const QueryBody& body) {
+    if (body.kind == QueryBodyKind::kSelect) return Put(body);
+    Text("(");
+    Put(body);
+    Text(")");
+}
+
+void Printer::Put(const QueryBody& body) {
+    if (body.kind == QueryBodyKind::kSelect) return Put(As<SelectBody>(body));
+    const auto& operation = As<SetOperation>(body);
+    PutTerm(*operation.first);
+    for (const SetOperation::Term& term : operation.rest) {
+        switch (term.op) {
+            case SetOp::kUnion:
+                Text(" union ");
+                break;
+            case SetOp::kUnionAll:
+                Text(" union all ");
+                break;
+            case SetOp::kExcept:
+                Text(" except ");
+                break;
+            case SetOp::kIntersect:
+                Text(" intersect ");
+                break;
+        }
+        PutTerm(*term.body);
+    }
+}
+
+void Printer::Put(const TopClause& top) {
+    Text("top ");
+    if (top.parentheses) Text("(");
+    Put(*top.count);
+    if (top.parentheses) Text(")");
+    if (top.percent) Text(" percent");
+    if (top.withTies) Text(" with ties");
+    Text(" ");
+}
+
+void Printer::Put(const SelectItem& item) {
+    if (item.kind == SelectItemKind::kStar) {
+        if (!item.qualifier.IsEmpty()) {
+            Put(item.qualifier);
+            Text(".");
+        }
+        return Text("*");
+    }
+    if (item.kind == SelectItemKind::kAssignment) {
+        Text(item.variable);
+        Text(AssignText(item.assign));
+    }
+    Put(*item.expression);
+    if (item.alias.IsEmpty() && !item.alias.quoted) return;
+    Text(" as ");
+    Put(item.alias);
+}
+
+void Printer::Put(const SelectBody& select) {
+    Text("select ");
+    if (select.distinct) Text("distinct ");
+    if (select.top) Put(*select.top);
+    for (const SelectItem& item : select.items) {
+        if (&item != &select.items.front()) Text(", ");
+        Put(item);
+    }
+    if (!select.into.IsEmpty()) {
+        Text(" into ");
+        Put(select.into);
+    }
+    PutFrom(select.from);
+    if (select.where) {
+        Text(" where ");
+        Put(*select.where);
+    }
+    if (!select.groupBy.empty()) {
+        Text(" group by ");
+        PutList(select.groupBy);
+    }
+    if (select.having) {
+        Text(" having ");
+        Put(*select.having);
+    }
+}
+
+void Printer::PutFrom(const std::vector<TableSourcePtr>& from) {
+    for (const TableSourcePtr& source : from) {
+        Text(&source == &from.front() ? " from " : ", ");
+        Put(*source);
+    }
+}
+
+void Printer::Put(const TableSource& source) {
+    const auto alias = [&](const Name& name, const std::vector<Name>& columns) {
+        if (name.IsEmpty()) return;
+        Text(" as ");
+        Put(name);
+        PutNameList(columns);
+    };
+    switch (source.kind) {
+        case SourceKind::kTable: {
+            const auto& table = As<TableRef>(source);
+            Put(table.name);
+            alias(table.alias, {});
+            PutHints(table.hints);
+            break;
+        }
+        case SourceKind::kDerived: {
+            const auto& derived = As<DerivedTable>(source);
+            Text("(");
+            Put(*derived.query);
+            Text(")");
+            alias(derived.alias, derived.columns);
+            break;
+        }
+        case SourceKind::kValues: {
+            const auto& values = As<ValuesTable>(source);
+            for (const auto& row : values.rows) {
+                Text(&row == &values.rows.front() ? "(values (" : ", (");
+                PutList(row);
+                Text(")");
+            }
+            Text(")");
+            alias(values.alias, values.columns);
+            break;
+        }
+        case SourceKind::kFunction: {
+            const auto& function = As<FunctionTable>(source);
+            Put(function.name);
+            Text("(");
+            PutList(function.arguments);
+            Text(")");
+            alias(function.alias, function.columns);
+            break;
+        }
+        case SourceKind::kJoin: {
+            const auto& join = As<JoinedTable>(source);
+            Put(*join.left);
+            switch (join.join) {
+                case JoinKind::kInner:
+                    Text(" inner join ");
+                    break;
+                case JoinKind::kLeft:
+                    Text(" left join ");
+                    break;
+                case JoinKind::kRight:
+                    Text(" right join ");
+                    break;
+                case JoinKind::kFull:
+                    Text(" full join ");
+                    break;
+                case JoinKind::kCross:
+                    Text(" cross join ");
+                    break;
+                case JoinKind::kCrossApply:
+                    Text(" cross apply ");
+                    break;
+                case JoinKind::kOuterApply:
+                    Text(" outer apply ");
+                    break;
+            }
+            const bool nested = join.right->kind == SourceKind::kJoin;
+            if (nested) Text("(");
+            Put(*join.right);
+            if (nested) Text(")");
+            if (join.on) {
+                Text(" on ");
+                Put(*join.on);
+            }
+            break;
+        }
+    }
+}
+
+void Printer::Put(const OutputClause& output) {
+    Text(" output ");
+    for (const SelectItem& item : output.items) {
+        if (&item != &output.items.front()) Text(", ");
+        Put(item);
+    }
+    if (output.into.IsEmpty()) return;
+    Text(" into ");
+    Put(output.into);
+    PutNameList(output.columns);
+}
+
+}  // namespace vicenter::tsql

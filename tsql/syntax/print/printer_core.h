@@ -1,0 +1,82 @@
+#pragma once
+
+// What the print_*.cpp share. Internal to tsql/syntax.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/syntax/ast.h"
+
+namespace vicenter::tsql {
+
+class Printer {
+  public:
+    std::string Finish() { return std::move(out_); }
+
+    // print_expression.cpp
+    void Put(const Expr& expr, int lowest = 0);
+    void Put(const Name& name);
+    void Put(const ObjectName& name);
+    void Put(const TypeName& type);
+    void PutNames(const std::vector<Name>& names);
+    void PutNameList(const std::vector<Name>& names);  // " (a, b)", or nothing
+    void PutList(const std::vector<ExprPtr>& list);
+
+    // print_query.cpp
+    void Put(const Query& query);
+    void Put(const QueryBody& body);
+    void PutTerm(const QueryBody& body);  // with parentheses around set operations
+    void Put(const SelectBody& select);
+    void Put(const SelectItem& item);
+    void Put(const TopClause& top);
+    void Put(const TableSource& source);
+    void PutFrom(const std::vector<TableSourcePtr>& from);
+    void PutWith(const std::vector<CommonTable>& with);
+    void PutOrderBy(const std::vector<OrderItem>& items);
+    void PutHints(const std::vector<std::string>& hints);
+    void PutOptions(const std::vector<std::string>& options);
+    void Put(const OutputClause& output);
+
+    // print_definition.cpp
+    void Put(const TableDefinition& definition);
+    void Put(const ColumnDefinition& column);
+    void Put(const Constraint& constraint, bool ofColumn);
+    void PutIndexColumns(const std::vector<IndexColumn>& columns);
+    void PutClustered(const std::optional<bool>& clustered);
+    void Put(const CreateTableStatement& create);
+    void Put(const AlterTableStatement& alter);
+    void Put(const CreateIndexStatement& create);
+    void Put(const CreateViewStatement& create);
+    void Put(const CreateProcedureStatement& create);
+    void Put(const DropStatement& drop);
+
+    // print_statement.cpp
+    void Put(const Statement& statement);
+    void PutStatements(const std::vector<StatementPtr>& statements);
+    void Put(const InsertStatement& insert);
+    void Put(const UpdateStatement& update);
+    void Put(const DeleteStatement& statement);
+    void Put(const DeclareStatement& declare);
+    void Put(const SetOptionStatement& set);
+    void Put(const CursorDefinition& cursor);
+    void Put(const CursorName& cursor);
+    void Put(const FetchStatement& fetch);
+    void Put(const IfStatement& statement);
+    void PutBranch(const Statement& statement);
+    void Put(const TryCatchStatement& statement);
+    void Put(const ExecuteStatement& execute);
+    void Put(const TransactionStatement& transaction);
+    void PutRaiserror(const RaiserrorStatement& raise);
+
+    void Text(std::string_view text) { out_ += text; }
+    void NewLine();
+
+  private:
+    std::string out_;
+    int indent_ = 0;
+};
+
+std::string_view AssignText(AssignOp op);
+
+}  // namespace vicenter::tsql
