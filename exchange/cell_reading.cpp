@@ -1,0 +1,99 @@
+#include "exchange/cell_reading.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/system/collation.h"
+#include "platform/system/utf8.h"
+
+namespace vicenter::exchange {
+
+namespace {
+
+using automation::Variant;
+using automation::VariantType;
+
+// The low half of an automation error code tells the error value.
+std::string ErrorName(std::int32_t code) {
+    switch (static_cast<std::uint32_t>(code) & 0xFFFF) {
+        case 2000:
+            return "#NULL!";
+        case 2007:
+            return "#DIV/0!";
+        case 2023:
+            return "#REF!";
+        case 2029:
+            return "#NAME?";
+        case 2036:
+            return "#NUM!";
+        case 2042:
+            return "#N/A";
+        default:
+            return "#VALUE!";
+    }
+}
+
+std::string DateAsTyped(const automation::DateTime& date) {
+    std::string text = date.ToText();
+    constexpr std::string_view kMidnight = " 00:00:00";
+    if (text.ends_with(kMidnight)) text.resize(text.size() - kMidnight.size());
+    return text;
+}
+
+}  // namespace
+
+std::string CellAsTyped(const Variant& value) {
+    switch (value.Type()) {
+        case VariantType::Empty:
+        case VariantType::Null:
+            return {};
+        case VariantType::Text:
+            return std::string(system::TrimBlanks(value.AsText()));
+        case VariantType::Boolean:
+            return value.ToBoolean() ? "TRUE" : "FALSE";
+        case VariantType::Error:
+            return ErrorName(value.AsErrorCode());
+        case VariantType::Date:
+            return DateAsTyped(value.ToDate());
+        case VariantType::Double:
+            return CanonicalNumber(value.ToDouble());
+        default:
+            return value.ToText();
+    }
+}
+
+std::optional<double> ReadTypedNumber(std::string_view text) {
+    std::string plain(text);
+    if (std::any_of(plain.begin(), plain.end(),
+                    [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
+        plain = system::Collator::Chinese().Fold(plain);
+    }
+    const std::size_t comma = plain.find(',');
+    if (comma != std::string::npos) {
+        // Only between the digits before the point.
+        const std::size_t point = plain.find('.');
+        if (comma == 0 || plain[comma - 1] < '0' || plain[comma - 1] > '9' ||
+            (point != std::string::npos && plain.rfind(',') > point)) {
+            return std::nullopt;
+        }
+        std::erase(plain, ',');
+    }
+    const auto number = automation::ParseDouble(plain);
+    if (!number || !std::isfinite(*number)) return std::nullopt;
+    return number;
+}
+
+std::string CanonicalNumber(double value) {
+    if (value == 0) return "0";
+    const double size = std::fabs(value);
+    constexpr double kLargest = 1e21;
+    constexpr double kSmallest = 1e-15;
+    if (size >= kLargest || size < kSmallest) return automation::DoubleToText(value);
+    try {
+        return automation::Decimal::FromDouble(value).ToShortText();
+    } catch (const automation::Error&) {
+        return automation::DoubleToText(value);
+    }
+}
+
+}  // namespace vicenter::exchange

@@ -1,0 +1,25 @@
+#pragma once
+
+// Cell values as texts and texts as numbers, as a person reads a sheet and types it again. Pure functions.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "automation/variant.h"
+
+namespace vicenter::exchange {
+
+// What one would type to get the value: 1001 for a number, the digits for a text, "2024-01-02" for a date,
+// "TRUE",
+// "#N/A"; the empty text for an empty cell. Blanks at the ends are dropped.
+std::string CellAsTyped(const automation::Variant& value);
+
+// A number as people write it: thousands separators and full-width digits allowed, blanks around ignored.
+// Nothing for any other text, dates and errors among them.
+std::optional<double> ReadTypedNumber(std::string_view text);
+
+// The decimal digits that read back as the same number, without exponent as far as digits suffice.
+std::string CanonicalNumber(double value);
+
+}  // namespace vicenter::exchange

@@ -1,0 +1,81 @@
+#include "exchange/cloud_upload.h"
+
+#include <cstdint>
+
+#include "automation/class_registry.h"
+#include "automation/object.h"
+#include "entry/host_context.h"
+#include "entry/sql_text.h"
+#include "exchange/template_columns.h"
+#include "platform/system/surroundings.h"
+
+namespace vicenter::exchange {
+
+namespace {
+
+using automation::Error;
+using automation::ObjectRef;
+using automation::Variant;
+
+constexpr const char* kDriveProgId = "VelaFRAPI.NXCloud";
+constexpr const char* kRecordsProgId = "VelaBillDataAccess.SaveData";
+constexpr const char* kFolderName = kSheetName;
+constexpr std::int32_t kFolderNotFound = 2002;
+
+// The drive keeps a folder tree for each user: the user's id is the context of its operations.
+std::int32_t DriveContext() {
+    return static_cast<std::int32_t>(entry::LeadingNumber(entry::CurrentUserId()));
+}
+
+// One value of the upload's result, which may be an object with members or a keyed collection.
+Variant ResultValue(const ObjectRef& result, const char* key) {
+    return result->HasMember(key) ? result->Get(key) : result->Get("", {key});
+}
+
+}  // namespace
+
+void UploadTemplateCommand() {
+    system::Surroundings::Current().messageBoxes->Show("此功能已停止使用！", system::MessageButtons::Ok,
+                                                       system::MessageIcon::Information,
+                                                       entry::kProductTitle);
+}
+
+void UploadTemplateFile(const std::string& filePath, const std::string& fileName, std::string& resultText) {
+    constexpr const char* kPutFailed = "模板文件上传过程中出现异常，上传失败！";
+    try {
+        const ObjectRef drive = automation::CreateObject(kDriveProgId);
+        std::int32_t folder = drive->Call("NXDrive_CheckDir", {DriveContext(), 0, kFolderName}).ToInt32();
+        if (folder < 0) {
+            resultText = "个人云盘获取'凭证模板'目录时出现异常，查找目录失败！";
+            return;
+        }
+        if (folder == kFolderNotFound) {
+            folder = drive->Call("NXDrive_NewDir", {DriveContext(), 0, kFolderName}).ToInt32();
+            if (folder < 0) {
+                resultText = "个人云盘创建'凭证模板'目录时出现异常，目录创建失败！";
+                return;
+            }
+        }
+        const Variant result = drive->Call("NXDrive_PutFile", {folder, filePath, fileName});
+        if (!result.IsObject() || !result.AsObject()) {
+            resultText = kPutFailed;
+            return;
+        }
+        RecordUploadedFile(result.AsObject());
+        resultText = "success";
+    } catch (const Error&) {
+        resultText = kPutFailed;
+    }
+}
+
+void RecordUploadedFile(const ObjectRef& result) {
+    const std::int32_t folderId = ResultValue(result, "folder_id").ToInt32();
+    const std::int32_t fileId = ResultValue(result, "file_id").ToInt32();
+    const std::string name = ResultValue(result, "name").ToText();
+    const std::string extension = ResultValue(result, "ext").ToText();
+    automation::CreateObject(kRecordsProgId)
+        ->Call("InsertCDFile", {entry::GetPropsString(), entry::CurrentUserId(), folderId, kFolderName,
+                                fileId, name, extension, 0, ""});
+}
+
+}  // namespace vicenter::exchange

@@ -1,0 +1,146 @@
+#include "exchange/excel_access.h"
+
+#include <algorithm>
+
+#include "automation/class_registry.h"
+#include "entry/names.h"
+#include "entry/sql_text.h"
+#include "platform/system/surroundings.h"
+
+namespace vicenter::exchange {
+
+namespace {
+
+using automation::Argument;
+using automation::Arguments;
+using automation::Error;
+using automation::Variant;
+
+constexpr const char* kFileSystemProgId = "Scripting.FileSystemObject";
+
+std::int32_t installedVersion = 0;
+
+// The whole part of a version such as "16.0".
+std::int32_t VersionOf(const ObjectRef& excel) {
+    return static_cast<std::int32_t>(entry::LeadingNumber(excel->Get("Version").ToText()));
+}
+
+std::string UpperCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return text;
+}
+
+void DeleteIfPresent(const ObjectRef& files, const std::string& name) {
+    try {
+        if (files && files->Call("FileExists", {name}).ToBoolean()) files->Call("DeleteFile", {name, true});
+    } catch (const Error&) {
+        // What cannot be removed is left to the system's own tidying.
+    }
+}
+
+// A file in use resists; that it is still there afterwards is what counts.
+void ForceDelete(const ObjectRef& files, const std::string& name) {
+    try {
+        files->Call("GetFile", {name}).AsObject()->Put("Attributes", 0);
+        files->Call("DeleteFile", {name, true});
+    } catch (const Error&) {
+    }
+}
+
+}  // namespace
+
+bool IsExcelInstalled() {
+    installedVersion = 0;
+    try {
+        installedVersion = VersionOf(automation::CreateObject(kExcelProgId));
+        return true;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
+std::int32_t ExcelVersion() {
+    return installedVersion;
+}
+
+bool SaveWorkbookAs(const ObjectRef& excel, const ObjectRef& workbook, const std::string& fileName,
+                    std::string& errorText, bool showMessage) {
+    if (!excel || !workbook) return false;
+    bool saved = false;
+    ObjectRef files;
+    std::string temporary;
+    try {
+        files = automation::CreateObject(kFileSystemProgId);
+        const std::string extension = files->Call("GetExtensionName", {fileName}).ToText();
+        temporary = entry::MakeTempName(true, extension);
+        const std::int32_t version = VersionOf(excel);
+        bool refused = false;
+        if (UpperCase(extension) == "XLSX") {
+            if (version < kFirstXlsxVersion) {
+                errorText = "安装的Excel版本不支持xlsx格式！";
+                refused = true;
+            } else {
+                workbook->Call("SaveAs", {Argument::Named("FileName", temporary),
+                                          Argument::Named("AccessMode", kAccessExclusive)});
+            }
+        } else {
+            workbook->Call("SaveAs", {Argument::Named("FileName", temporary),
+                                      Argument::Named("FileFormat", kFormatXls)});
+        }
+        if (!refused) {
+            const auto targetExists = [&] { return files->Call("FileExists", {fileName}).ToBoolean(); };
+            if (targetExists()) ForceDelete(files, fileName);
+            if (targetExists()) {
+                DeleteIfPresent(files, temporary);
+                errorText = std::string("目标文件正在使用，无法引出!") + entry::kCrLf + "文件：" + fileName;
+            } else {
+                workbook->Call("Close", {false});
+                files->Call("CopyFile", {temporary, fileName, true});
+                DeleteIfPresent(files, temporary);
+                saved = targetExists();
+            }
+        }
+    } catch (const Error& error) {
+        DeleteIfPresent(files, temporary);
+        errorText = "保存文件失败，原因：" + error.Text();
+        return false;
+    }
+    if (!errorText.empty() && showMessage) {
+        system::Surroundings::Current().messageBoxes->Show(
+            errorText, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kProductTitle);
+    }
+    return saved;
+}
+
+ExcelSession::ExcelSession() : application_(automation::CreateObject(kExcelProgId)) {}
+
+ExcelSession::~ExcelSession() {
+    try {
+        application_->Call("Quit");
+    } catch (const Error&) {
+        // It goes with its last reference.
+    }
+}
+
+ObjectRef SheetCells::At(std::int32_t row, std::int32_t column) {
+    if (arguments_.size() != 2) arguments_ = {Variant(), Variant()};
+    arguments_[0].Assign(row);
+    arguments_[1].Assign(column);
+    return sheet_->Invoke("Cells", automation::InvokeKind::Get, arguments_).AsObject();
+}
+
+Variant SheetCells::Value(std::int32_t row, std::int32_t column) {
+    none_.clear();
+    return At(row, column)->Invoke("Value", automation::InvokeKind::Get, none_);
+}
+
+void SheetCells::SetValue(std::int32_t row, std::int32_t column, Variant value) {
+    if (arguments_.size() != 3) arguments_ = {Variant(), Variant(), Variant()};
+    arguments_[0].Assign(row);
+    arguments_[1].Assign(column);
+    arguments_[2].Assign(std::move(value));
+    sheet_->Invoke("Cells", automation::InvokeKind::Put, arguments_);
+}
+
+}  // namespace vicenter::exchange

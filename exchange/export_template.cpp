@@ -1,0 +1,227 @@
+#include "exchange/export_template.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "automation/class_registry.h"
+#include "entry/host_services.h"
+#include "entry/screen.h"
+#include "entry/sql_text.h"
+#include "exchange/cell_reading.h"
+#include "exchange/excel_access.h"
+#include "exchange/template_columns.h"
+#include "platform/system/collation.h"
+#include "platform/system/surroundings.h"
+#include "platform/system/utf8.h"
+
+namespace vicenter::exchange {
+
+namespace {
+
+using automation::Argument;
+using automation::Error;
+using automation::Variant;
+
+constexpr std::int32_t kLinesBetweenReports = 200;
+constexpr std::uint32_t kExplorerStyle = 0x80000;
+constexpr std::uint32_t kPathMustExist = 0x800;
+constexpr std::uint32_t kHideReadOnly = 0x4;
+constexpr std::uint32_t kOverwritePrompt = 0x2;
+
+// The user's wish to stop; not an error.
+struct Cancelled {};
+
+void ShowMessage(const std::string& text) {
+    system::Surroundings::Current().messageBoxes->Show(
+        text, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+}
+
+bool CheckReady(const TemplateWindow& window) {
+    if (window.CurrentTemplateId().empty()) {
+        ShowMessage("请选择要引出的模板！");
+        return false;
+    }
+    if (!IsExcelInstalled()) {
+        ShowMessage("检测当前系统未安装Excel，引出失败！");
+        return false;
+    }
+    return true;
+}
+
+void DeleteExisting(const std::string& fileName) {
+    try {
+        automation::CreateObject("Scripting.FileSystemObject")->Call("DeleteFile", {fileName});
+    } catch (const Error&) {
+        // Nothing there, or in use: the save routine meets it again.
+    }
+}
+
+bool SameText(std::string_view a, std::string_view b) {
+    return system::Collator::Chinese().Compare(a, b) == 0;
+}
+
+// A text that a spreadsheet would take for a number, a date, a formula or an error goes behind an apostrophe,
+// the spreadsheet's own mark of a text, which is no part of it.
+Variant AsTextValue(std::string text) {
+    constexpr std::string_view kMarks = "=+-@'#";
+    const bool digits = std::any_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (!text.empty() && (digits || kMarks.find(text.front()) != kMarks.npos ||
+                          automation::SameName(text, "true") || automation::SameName(text, "false"))) {
+        text.insert(text.begin(), '\'');
+    }
+    return text;
+}
+
+// Nothing: the cell stays empty.
+std::optional<Variant> CellValue(const TemplateColumn& column, std::string text) {
+    switch (column.type) {
+        case CellType::DebitCredit:
+            for (const char* side : {"借", "贷"}) {
+                if (text == side || SameText(text, side)) return Variant(side);
+            }
+            return std::nullopt;
+        case CellType::Number:
+        case CellType::WholeNumber: {
+            if (column.gridColumn == kColumns[kNumberColumn].gridColumn) {
+                if (text.empty()) return std::nullopt;
+                return Variant(std::move(text));
+            }
+            const auto number = ReadTypedNumber(text);
+            if (!number || *number == 0) return std::nullopt;
+            if (column.type == CellType::Number) return Variant(*number);
+            const std::int32_t whole = Variant(*number).ToInt32();
+            if (whole == 0) return std::nullopt;
+            return Variant(whole);
+        }
+        case CellType::Text:
+            break;
+    }
+    const std::string_view trimmed = system::TrimBlanks(text);
+    if (trimmed.empty()) return std::nullopt;
+    // The account code's column is formatted as text: its characters stay as they are.
+    if (column.gridColumn == kColumns[kAccountNumberColumn].gridColumn) return Variant(trimmed);
+    return AsTextValue(std::string(trimmed));
+}
+
+ObjectRef OnlySheet(const ObjectRef& workbook) {
+    const ObjectRef sheets = workbook->Get("Worksheets").AsObject();
+    for (std::int32_t i = sheets->Get("Count").ToInt32(); i >= 2; --i) {
+        sheets->Get("Item", {i}).AsObject()->Call("Delete");
+    }
+    const bool any = sheets->Get("Count").ToInt32() > 0;
+    ObjectRef sheet = any ? sheets->Get("Item", {1}).AsObject() : sheets->Call("Add").AsObject();
+    sheet->Put("Name", kSheetName);
+    return sheet;
+}
+
+void WriteHeader(SheetCells& cells) {
+    for (std::size_t i = 0; i < kColumns.size(); ++i) {
+        const auto column = static_cast<std::int32_t>(i + 1);
+        cells.SetValue(1, column, kColumns[i].header);
+        cells.At(1, column)->Get("Interior").AsObject()->Put("ColorIndex", kHeaderColor);
+    }
+}
+
+void WriteLines(TemplateWindow& window, SheetCells& cells, bool interactive) {
+    const std::int32_t lines = window.EntryLineCount();
+    for (std::int32_t line = 1; line <= lines; ++line) {
+        for (std::size_t i = 0; i < kColumns.size(); ++i) {
+            auto value = CellValue(kColumns[i], window.EntryText(kColumns[i].gridColumn, line));
+            if (value) cells.SetValue(line + 1, static_cast<std::int32_t>(i + 1), std::move(*value));
+        }
+        if (interactive && (line % kLinesBetweenReports == 0 || line == lines) &&
+            !window.ReportRows(line, lines)) {
+            throw Cancelled();
+        }
+    }
+}
+
+void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, TemplateWindow& window, bool interactive) {
+    SheetCells cells(sheet);
+    WriteHeader(cells);
+    sheet->Get("Columns", {static_cast<std::int32_t>(kAccountNumberColumn + 1)}).AsObject()->Call("Select");
+    excel->Get("Selection").AsObject()->Put("NumberFormatLocal", "@");
+    WriteLines(window, cells, interactive);
+    const ObjectRef block =
+        sheet
+            ->Get("Range",
+                  {Variant(cells.At(1, 1)),
+                   Variant(cells.At(window.EntryLineCount() + 1, static_cast<std::int32_t>(kColumnCount)))})
+            .AsObject();
+    block->Get("Font").AsObject()->Put("Size", kFontSize);
+    block->Get("Borders").AsObject()->Put("LineStyle", kContinuousLine);
+    sheet->Get("Columns", {"A:Q"}).AsObject()->Call("AutoFit");
+    sheet->Call("Select");
+    cells.At(1, 1)->Call("Select");
+}
+
+std::string FailureText(const Error& error) {
+    std::string text = "模板引出失败！" + error.Text();
+    if (error.Text().find("不能访问") != std::string::npos) text += "请先关闭已经打开的模板文件(Excel)。";
+    return text;
+}
+
+}  // namespace
+
+bool WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, bool interactive) {
+    const std::string name = window.TemplateName();
+    const auto endInteraction = [&] {
+        if (!interactive) return;
+        entry::EndBusy();
+        window.HideProgress();
+    };
+    if (interactive) {
+        window.ShowProgress("正在执行凭证模板引出，请稍后...");
+        entry::BeginBusy();
+    }
+    try {
+        bool saved = false;
+        {
+            const ExcelSession session;
+            const ObjectRef workbook =
+                session.Application()->Get("Workbooks").AsObject()->Call("Add").AsObject();
+            BuildSheet(session.Application(), OnlySheet(workbook), window, interactive);
+            std::string errorText;
+            saved = SaveWorkbookAs(session.Application(), workbook, fileName, errorText, false);
+        }
+        if (saved && interactive) window.SetProgressLabel("引出完毕...");
+        endInteraction();
+        if (!saved) return false;
+        if (interactive) ShowMessage("模板引出成功！");
+        entry::WriteOperationLog(entry::LogKind::Succeeded, "凭证模板-引出模板 " + name + " 成功");
+        return true;
+    } catch (const Cancelled&) {
+        endInteraction();
+    } catch (const Error& error) {
+        endInteraction();
+        if (interactive) ShowMessage(FailureText(error));
+        entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-引出模板 " + name + " 失败");
+    }
+    return false;
+}
+
+void ExportTemplate(TemplateWindow& window) {
+    if (!CheckReady(window)) return;
+    const std::string name = window.TemplateName();
+    system::FileRequest request;
+    request.title = "指定引出文件名";
+    request.flags = kExplorerStyle | kPathMustExist | kHideReadOnly | kOverwritePrompt;
+    request.filters = {{"Database File Excel File (*.xls)", "*.xls"}};
+    if (ExcelVersion() >= kFirstXlsxVersion) {
+        request.filters.push_back({"Database File Excel File (*.xlsx)", "*.xlsx"});
+        request.selectedFilter = 1;
+    }
+    request.proposedName = name;
+    const auto chosen = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);
+    if (!chosen || chosen->empty() || *chosen == name) return;
+    DeleteExisting(*chosen);
+    WriteTemplateWorkbook(window, *chosen, true);
+}
+
+bool ExportTemplateTo(TemplateWindow& window, const std::string& fileName) {
+    if (!CheckReady(window)) return false;
+    DeleteExisting(fileName);
+    return WriteTemplateWorkbook(window, fileName, true);
+}
+
+}  // namespace vicenter::exchange

@@ -1,0 +1,79 @@
+#include "exchange/import_checks.h"
+
+#include "automation/variant.h"
+#include "entry/sql_text.h"
+#include "exchange/cell_reading.h"
+#include "platform/system/collation.h"
+
+namespace vicenter::exchange {
+
+namespace {
+
+bool WasSeen(std::string_view seen, std::string_view header) {
+    const auto& collator = system::Collator::Chinese();
+    return collator.Fold(seen).find(collator.Fold("|" + std::string(header) + "|")) != std::string::npos;
+}
+
+std::string HeaderError(std::int32_t column, std::string_view header, std::string_view what) {
+    std::string line = "第" + ColumnLetter(column) + "列[";
+    line.append(header).append("]").append(what).append(entry::kCrLf);
+    return line;
+}
+
+}  // namespace
+
+bool MapImportHeader(std::string_view header, std::string& errorText, std::string_view seen,
+                     std::int32_t column, std::string& fieldList) {
+    const auto place = FindColumn(header);
+    if (!place) {
+        errorText += HeaderError(column, header, "列名错误！");
+        return false;
+    }
+    if (WasSeen(seen, header)) {
+        errorText += HeaderError(column, header, "存在同名列！");
+        return false;
+    }
+    if (!fieldList.empty()) fieldList += ',';
+    fieldList += kColumns[*place].field;
+    return true;
+}
+
+bool CheckRequiredColumns(std::string_view seen, std::string& missing) {
+    bool all = true;
+    for (const TemplateColumn& column : kColumns) {
+        // The mark in the header tells which columns must be there.
+        if (!column.header.ends_with("(*)") || WasSeen(seen, column.header)) continue;
+        all = false;
+        if (!missing.empty()) missing += ',';
+        missing += column.header;
+    }
+    return all;
+}
+
+bool CheckImportCell(std::string_view text, CellType type, bool required) {
+    if (text.empty()) return !required;
+    switch (type) {
+        case CellType::Text:
+            return true;
+        case CellType::DebitCredit: {
+            if (text == "借" || text == "贷") return true;
+            const auto& collator = system::Collator::Chinese();
+            return collator.Compare(text, "借") == 0 || collator.Compare(text, "贷") == 0;
+        }
+        case CellType::Number:
+            return ReadTypedNumber(text).has_value();
+        case CellType::WholeNumber: {
+            const auto number = ReadTypedNumber(text);
+            if (!number) return false;
+            try {
+                automation::Variant(*number).ToInt16();
+                return true;
+            } catch (const automation::Error&) {
+                return false;
+            }
+        }
+    }
+    return false;
+}
+
+}  // namespace vicenter::exchange

@@ -1,0 +1,41 @@
+#pragma once
+
+// The rows of a template sheet on their way into the batch. Refers to the sheet for the time of one import.
+// User-interface thread only.
+
+#include <array>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "exchange/excel_access.h"
+#include "exchange/template_columns.h"
+
+namespace vicenter::exchange {
+
+class ImportRows {
+  public:
+    // fieldList: the fields of the sheet's columns in their order, joined by ",".
+    ImportRows(const ObjectRef& sheet, std::int32_t columnCount, const std::string& fieldList);
+
+    // Reads one row of the sheet; whether any of its cells holds something.
+    bool ReadRow(std::int32_t row);
+    // Checks the row: its errors are appended to errorText, and `values` becomes the list of values of its
+    // insert, in the sheet's order of columns. Reads the row unless it is the one that ReadRow() read last.
+    void ValidateImportRow(std::int32_t row, std::string& values, std::string& errorText);
+
+  private:
+    std::string ReadCell(std::int32_t row, std::size_t index);
+    bool IsFirstOfItsNumber();
+    void CheckExplanation(std::int32_t row, std::size_t index, std::string& values, std::string& errorText);
+
+    SheetCells cells_;
+    std::vector<std::size_t> columns_;  // places in kColumns, by the sheet's columns
+    std::vector<std::string> texts_;    // of the row read last
+    std::int32_t row_ = 0;
+    std::size_t numberIndex_ = 0;
+    std::set<std::string, std::less<>> numbersMet_;
+};
+
+}  // namespace vicenter::exchange

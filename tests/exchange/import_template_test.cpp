@@ -1,0 +1,340 @@
+#include "exchange/import_template.h"
+
+#include "exchange/export_template.h"
+#include "exchange/import_batch.h"
+#include "tests/exchange/exchange_fixture.h"
+
+namespace vicenter::exchange {
+namespace {
+
+const Lines kHeaders = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)", "附件数",
+                        "结算方式",    "结算号",  "核算项目", "币别",        "汇率",        "原币金额",
+                        "计量单位",    "数量",    "单价",     "金额",        "备注"};
+const Lines kShortHeaders = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)", "备注"};
+const std::string kControlHead =
+    " declare @FNo int \r\n declare @Vch_cursor CURSOR \r\n Set @Vch_cursor = CURSOR FOR \r\n"
+    "     select distinct FNo from t_VchTemplateEntry where FID = @MaxFID \r\n OPEN @Vch_cursor \r\n"
+    " FETCH @Vch_cursor into @FNo \r\n while @@fetch_status=0 \r\n Begin \r\n     declare @FFileCount int "
+    "\r\n"
+    "     declare @Exp nvarchar(255) \r\n"
+    "     select Top 1 @FFileCount=FFileCount,@Exp=FExp from t_VchTemplateEntry where FID = @MaxFID and FNo "
+    "= @FNo "
+    "order by FEntryID \r\n";
+const std::string kControlTail =
+    "     fetch next from @Vch_cursor into @FNo \r\n End \r\n close @Vch_cursor \r\n deallocate @Vch_cursor "
+    "\r\n";
+
+class ImportTest : public ExchangeTest {
+  protected:
+    void SetUp() override {
+        ExchangeTest::SetUp();
+        set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{8}}));
+        set_.Answer("from t_VchTpControl where FIsCanUsed", Rows({"FNo"}));
+    }
+    bool Import(const std::string& file, std::int32_t existing = -1) {
+        return ImportTemplateWorkbook(window_, file, existing, "甲's");
+    }
+    bool ImportRowsOf(const std::vector<Lines>& rows) { return Import(MakeWorkbook("a.xlsx", rows)); }
+    std::string Batch() const { return set_.Statements().empty() ? "" : set_.Statements()[0]; }
+    void ExpectNothingWritten(const std::string& message, const std::string& title) {
+        EXPECT_EQ(Messages(), Lines{message});
+        EXPECT_EQ(LastTitle(), title);
+        EXPECT_TRUE(set_.Statements().empty());
+        EXPECT_EQ(window_.told.back(), "hide");
+        EXPECT_TRUE(TemporaryFiles().empty());
+    }
+};
+
+TEST_F(ImportTest, TellsThatExcelIsMissing) {
+    office::UnregisterExcelServer();
+    ImportTemplate(window_);
+    EXPECT_EQ(Messages(), Lines{"检测当前系统未安装Excel，引入失败！"});
+    EXPECT_EQ(LastTitle(), "信息提示");
+}
+
+TEST_F(ImportTest, AsksForAFileOfBothKindsFromVersion12On) {
+    ImportTemplate(window_);
+    const system::FileRequest& request = surroundings_.fileDialogs->requests.at(0);
+    EXPECT_EQ(request.title, "选择引入文件");
+    EXPECT_EQ(request.flags, 0x81001u);
+    EXPECT_EQ(request.proposedName, "");
+    ASSERT_EQ(request.filters.size(), 2u);
+    EXPECT_EQ(request.filters[0].description, "FormatIni File Excel File (*.xls)");
+    EXPECT_EQ(request.filters[1].description, "FormatIni File Excel File (*.xlsx)");
+    EXPECT_EQ(request.filters[1].pattern, "*.xlsx");
+    EXPECT_EQ(request.selectedFilter, 1u);
+    EXPECT_TRUE(Messages().empty());
+    office::RegisterExcelServer("11.0");
+    ImportTemplate(window_);
+    EXPECT_EQ(surroundings_.fileDialogs->requests.at(1).filters.size(), 1u);
+}
+
+TEST_F(ImportTest, RefusesOtherExtensions) {
+    for (const char* name : {"a.csv", "a", "xls", "a.xlsm"}) {
+        surroundings_.messageBoxes->shown.clear();
+        EXPECT_FALSE(ImportTemplateFile(window_, folder_.File(name)));
+        EXPECT_EQ(Messages(), Lines{"选择导入文件类型不正确，请确认是Excel文件！"});
+        EXPECT_EQ(LastTitle(), "信息提示");
+    }
+}
+
+TEST_F(ImportTest, AsksBeforeItReplacesATemplate) {
+    const std::string file = MakeWorkbook("旧模板.XLSX", {kShortHeaders, {"#1", "a", "借", "1001", "b"}});
+    set_.Answer("FName", Rows({"FID"}, {{5}}));
+    surroundings_.fileDialogs->choices = {file, file};
+    ImportTemplate(window_);
+    const std::string question =
+        "模板[旧模板]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？";
+    EXPECT_EQ(Messages(), Lines{question});
+    EXPECT_EQ(surroundings_.messageBoxes->shown[0].buttons, system::MessageButtons::OkCancel);
+    EXPECT_EQ(LastTitle(), "信息提示");
+    EXPECT_TRUE(window_.told.empty());
+    surroundings_.messageBoxes->answers = {system::MessageResult::Ok};
+    ImportTemplate(window_);
+    EXPECT_EQ(Messages().back(), "引入模板 旧模板 成功！");
+    bool replaced = false;
+    for (const std::string& sql : set_.Statements())
+        replaced |= sql.find(" set @MaxFID = 5") != std::string::npos;
+    EXPECT_TRUE(replaced);
+}
+
+TEST_F(ImportTest, WritesANewTemplateInOneBatch) {
+    EXPECT_TRUE(ImportRowsOf({kHeaders,
+                              {"#1", "提'现", "借", "1001.10", "现金", "#2", "支票", "0012", "01", "人民币",
+                               "#1", "#12.5", "公斤", "#3", "#0.1", "1,234.50", "备注"},
+                              {"#1", "", "贷", "#1002", "银行"}}));
+    EXPECT_EQ(
+        Batch(),
+        " declare @MaxFID int \r\n select @MaxFID = Max(FID)+1 from t_VchTemplate \r\n"
+        " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
+        "values(@MaxFID,'甲''s',16394,'',GetDate()) \r\n"
+        " insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp,FDC,FAccountNumber,FAcctountName,FFileCount,"
+        "FSettleName,FSettleNumber,FItemsInfo,FCurrencyName,FRate,FAmountFor,FUnitName,FQty,FPrice,FAmount,"
+        "FRemark) "
+        "values(@MaxFID,2,1,'提''现',1,'1001.10','现金',2,'支票','0012','01','人民币',1,12.5,'公斤',3,"
+        "0.1,1234.5,'备注') \r\n"
+        " insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp,FDC,FAccountNumber,FAcctountName,FFileCount,"
+        "FSettleName,FSettleNumber,FItemsInfo,FCurrencyName,FRate,FAmountFor,FUnitName,FQty,FPrice,FAmount,"
+        "FRemark) values(@MaxFID,3,1,'',0,'1002','银行',0,'','','','',0,0,'',0,0,0,'') \r\n" +
+            kControlHead +
+            "     insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount) "
+            "values(@MaxFID,@FNo,0,@Exp,@FFileCount) \r\n" +
+            kControlTail);
+    EXPECT_EQ(
+        set_.Statements(),
+        (Lines{Batch(), "select FID from t_VchTemplate where FName = '甲''s'", "exec pro_VchTpCanUsed 8",
+               "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = 8 order by fno"}));
+    EXPECT_EQ(window_.told, (Lines{"show 正在执行凭证模板引入，请稍后...", "rows 2/2", "label 引入完毕...",
+                                   "rebuild 8", "hide"}));
+    EXPECT_EQ(Messages(), Lines{"引入模板 甲's 成功！"});
+    EXPECT_EQ(LastTitle(), "信息提示");
+    EXPECT_EQ(log_->Calls(), Lines{"WriteLog(K831000, 3, 凭证模板-引入模板 甲's 成功)"});
+    EXPECT_TRUE(TemporaryFiles().empty());
+}
+
+TEST_F(ImportTest, ReplacesATemplateAndKeepsItsControlRows) {
+    EXPECT_TRUE(Import(MakeWorkbook("a.xls", {kShortHeaders, {"#3", "x", "贷", "1", "n"}}), 5));
+    EXPECT_EQ(
+        Batch(),
+        " delete t_VchTemplateEntry where FID = 5\r\n delete t_VchTemplate where FID = 5\r\n"
+        " declare @MaxFID int \r\n set @MaxFID = 5\r\n"
+        " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
+        "values(@MaxFID,'甲''s',16394,'',GetDate()) \r\n"
+        " insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp,FDC,FAccountNumber,FAcctountName,FRemark) "
+        "values(@MaxFID,2,3,'x',0,'1','n','') \r\n" +
+            kControlHead +
+            "     update t_VchTpControl set FFileCount = @FFileCount,FKey = @Exp where FID = @MaxFID and FNo "
+            "= "
+            "@FNo \r\n" +
+            kControlTail +
+            " delete t_VchTpControl where FID = @MaxFID and FNo not in (select FNo from t_VchTemplateEntry "
+            "where FID = @MaxFID) \r\n");
+}
+
+TEST_F(ImportTest, NotesTheNumbersThatCannotBeUsed) {
+    set_.Answer("from t_VchTpControl where FIsCanUsed", Rows({"FNo"}, {{1}, {3}}));
+    EXPECT_TRUE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}}));
+    EXPECT_EQ(Messages(), Lines{"引入模板 甲's 成功！\r\n\r\n注：编号为 1、3 的凭证模板存在异常(标红)，"
+                                "无法在当前账套中使用！"});
+}
+
+TEST_F(ImportTest, TakesTheColumnsInAnyOrder) {
+    EXPECT_TRUE(
+        ImportRowsOf({{"科目名称(*)", "借／贷（*）", " 摘要(*) ", "模板编号(*)", "科目代码(*)", "金额"},
+                      {"现金", "借", "a", "#7", "#1001", "#2.25"}}));
+    EXPECT_NE(Batch().find("(FID,FEntryID,FAcctountName,FDC,FExp,FNo,FAccountNumber,FAmount) "
+                           "values(@MaxFID,2,'现金',1,'a',7,'1001',2.25) "),
+              std::string::npos)
+        << Batch();
+}
+
+TEST_F(ImportTest, RefusesAMissingFile) {
+    EXPECT_FALSE(Import(folder_.File("none.xls")));
+    ExpectNothingWritten("引入模板失败！源文件不存在！", "信息提示");
+}
+
+TEST_F(ImportTest, RefusesAWorkbookWithoutTheSheet) {
+    EXPECT_FALSE(Import(MakeWorkbook("a.xls", {kShortHeaders}, "Sheet1")));
+    ExpectNothingWritten("引入模板失败！模板文件结构不正确，无法找到[凭证模板]sheet页！", "Orbis提示");
+}
+
+TEST_F(ImportTest, TellsEveryFaultyHeader) {
+    EXPECT_FALSE(ImportRowsOf({{"模板编号(*)", "备注", "备注", "x", "", "摘要(*)"}}));
+    ExpectNothingWritten(
+        "引入模板失败！模板文件结构不正确: "
+        "\r\n第C列[备注]存在同名列！\r\n第D列[x]列名错误！\r\n第E列[]列名错误！\r\n",
+        "Orbis提示");
+}
+
+TEST_F(ImportTest, NeverSeesTheLastHeaderAmongTheRequired) {
+    EXPECT_FALSE(ImportRowsOf({{"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)"}}));
+    ExpectNothingWritten("引入模板失败！模板文件结构不正确,缺少必录列: 科目名称(*)", "Orbis提示");
+}
+
+TEST_F(ImportTest, ListsEveryMissingColumn) {
+    EXPECT_FALSE(ImportRowsOf({{"摘要(*)", "科目代码(*)", "备注"}}));
+    ExpectNothingWritten("引入模板失败！模板文件结构不正确,缺少必录列: 模板编号(*),借/贷(*),科目名称(*)",
+                         "Orbis提示");
+}
+
+TEST_F(ImportTest, ReportsEveryFaultyCellAtOnce) {
+    EXPECT_FALSE(ImportRowsOf(
+        {kHeaders,
+         {"#1", "", "借", "1001", "现金"},
+         {"x", "a", "借方", "", " ", "40000", "", "", "", "", "abc", "#1", "", "2024-01-02", "", "#5"},
+         {"#1", "", "贷", "1", "n"}}));
+    ExpectNothingWritten(
+        "引入模板失败！模板文件数据存在以下错误: "
+        "第2行，第B列值存在错误(相同凭证模板编号首行摘要不允许为空)，\r\n"
+        "第3行，第A列值存在错误，\r\n第3行，第C列值存在错误，\r\n第3行，第D列值存在错误，\r\n"
+        "第3行，第E列值存在错误，\r\n第3行，第F列值存在错误，\r\n第3行，第K列值存在错误，\r\n"
+        "第3行，第N列值存在错误，\r\n",
+        "Orbis提示");
+    EXPECT_TRUE(log_->Calls().empty());
+}
+
+TEST_F(ImportTest, TakesDatesBooleansAndErrorsInNumberColumnsForErrors) {
+    office::Workbook workbook;
+    office::Sheet& sheet = workbook.AddSheet(kSheetName);
+    const auto setText = [&](std::uint32_t row, std::uint32_t column, const std::string& text) {
+        office::Cell& cell = sheet.At(row, column);
+        cell.kind = office::CellKind::Text;
+        cell.text = workbook.Texts().Intern(text);
+    };
+    const Lines headers = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)",
+                           "科目名称(*)", "数量",    "单价",     "金额"};
+    const Lines texts = {"1", "a", "借", "1001", "n"};
+    for (std::uint32_t c = 0; c < headers.size(); ++c)
+        setText(0, c, headers[c]);
+    for (std::uint32_t c = 0; c < texts.size(); ++c)
+        setText(1, c, texts[c]);
+    office::CellFormat date;
+    date.numberFormat = "yyyy-mm-dd";
+    sheet.At(1, 5).kind = office::CellKind::Number;
+    sheet.At(1, 5).number = 45292;
+    sheet.At(1, 5).format = workbook.Formats().Intern(date);
+    sheet.At(1, 6).kind = office::CellKind::Boolean;
+    sheet.At(1, 6).boolean = true;
+    sheet.At(1, 7).kind = office::CellKind::Error;
+    sheet.At(1, 7).error = office::CellError::Div0;
+    for (const auto kind : {office::FileKind::Xls, office::FileKind::Xlsx}) {
+        surroundings_.messageBoxes->shown.clear();
+        office::WriteWorkbook(workbook, folder_.File("d"), kind);
+        EXPECT_FALSE(Import(folder_.File("d")));
+        EXPECT_EQ(Messages(), Lines{"引入模板失败！模板文件数据存在以下错误: 第2行，第F列值存在错误，\r\n"
+                                    "第2行，第G列值存在错误，\r\n第2行，第H列值存在错误，\r\n"});
+    }
+}
+
+TEST_F(ImportTest, ReadsCodesAsTheyAreShown) {
+    office::Workbook workbook;
+    office::Sheet& sheet = workbook.AddSheet(kSheetName);
+    for (std::uint32_t c = 0; c < kShortHeaders.size(); ++c) {
+        office::Cell& cell = sheet.At(0, c);
+        cell.kind = office::CellKind::Text;
+        cell.text = workbook.Texts().Intern(kShortHeaders[c]);
+        sheet.At(1, c).kind = office::CellKind::Number;
+        sheet.At(1, c).number = 12;
+    }
+    sheet.At(1, 2).kind = office::CellKind::Text;
+    sheet.At(1, 2).text = workbook.Texts().Intern("借");
+    office::CellFormat padded;
+    padded.numberFormat = "0000";
+    sheet.At(1, 0).format = sheet.At(1, 3).format = workbook.Formats().Intern(padded);
+    office::WriteWorkbook(workbook, folder_.File("d.xls"), office::FileKind::Xls);
+    EXPECT_TRUE(Import(folder_.File("d.xls")));
+    EXPECT_NE(Batch().find("values(@MaxFID,2,12,'12',1,'0012','12','12') "), std::string::npos) << Batch();
+}
+
+TEST_F(ImportTest, LeavesOutBlankRowsBehindTheLastFilledOne) {
+    EXPECT_TRUE(
+        ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}, {" ", " "}, {"", "", "", "", "", "  "}}));
+    EXPECT_NE(Batch().find("@MaxFID,2,"), std::string::npos);
+    EXPECT_EQ(Batch().find("@MaxFID,3,"), std::string::npos);
+}
+
+TEST_F(ImportTest, TakesABlankRowInTheMiddleForARowWithErrors) {
+    EXPECT_FALSE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}, {}, {"#1", "", "贷", "2", "m"}}));
+    ExpectNothingWritten(
+        "引入模板失败！模板文件数据存在以下错误: 第3行，第A列值存在错误，\r\n"
+        "第3行，第B列值存在错误(相同凭证模板编号首行摘要不允许为空)，\r\n第3行，第C列值存在错误，\r\n"
+        "第3行，第D列值存在错误，\r\n第3行，第E列值存在错误，\r\n",
+        "Orbis提示");
+}
+
+TEST_F(ImportTest, WritesNothingWhenCancelled) {
+    window_.cancel = true;
+    EXPECT_FALSE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}}));
+    EXPECT_TRUE(set_.Statements().empty());
+    EXPECT_TRUE(Messages().empty());
+    EXPECT_EQ(window_.told.back(), "hide");
+    EXPECT_TRUE(TemporaryFiles().empty());
+}
+
+TEST_F(ImportTest, FailsPlainlyOnFilesThatAreNoWorkbooks) {
+    std::ofstream(folder_.File("bad.xls")) << "no workbook";
+    EXPECT_FALSE(Import(folder_.File("bad.xls")));
+    ExpectNothingWritten("引入模板失败！", "信息提示");
+    EXPECT_EQ(log_->Calls(), Lines{"WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败)"});
+}
+
+TEST_F(ImportTest, FailsWhenTheServerRefusesTheBatch) {
+    set_.Fail("insert into t_VchTemplate", "no room");
+    EXPECT_FALSE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}}));
+    EXPECT_EQ(Messages(), (Lines{"no room", "引入模板失败！"}));
+    EXPECT_EQ(log_->Calls(), Lines{"WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败)"});
+    EXPECT_EQ(set_.Statements().size(), 1u);
+}
+
+TEST_F(ImportTest, QuitsTheServerWhateverHappens) {
+    const auto excel = fakes::RegisterScripted("Excel.Application");
+    excel->Value("Quit", {});
+    EXPECT_FALSE(Import(MakeWorkbook("a.xls", {kShortHeaders})));
+    EXPECT_EQ(excel->Calls().front(), "DisplayAlerts=False");
+    EXPECT_EQ(excel->Calls().back(), "Quit()");
+    EXPECT_TRUE(TemporaryFiles().empty());
+}
+
+TEST_F(ImportTest, ComesBackFromAnExportFieldByField) {
+    window_.AddLine({"1", "提现 'x'", "借", "1001.10", "现金 01", "2", "支票", "0012", "01.01,02", "人民币",
+                     "7.1234", "0.30000000000000004", "公斤", "3", "0.1", "-1234567.89", "=1+1"});
+    window_.AddLine(
+        {"32767", "_x000D_", "贷", "0000", "𠮷", "", "", "1/2", "", "", "", "", "", "", "", "1e20", "<&>"});
+    for (const char* name : {"r.xls", "r.xlsx"}) {
+        set_.Forget();
+        ASSERT_TRUE(WriteTemplateWorkbook(window_, folder_.File(name), false));
+        EXPECT_TRUE(Import(folder_.File(name)));
+        EXPECT_NE(
+            Batch().find("values(@MaxFID,2,1,'提现 ''x''',1,'1001.10','现金 01',2,'支票','0012','01.01,02',"
+                         "'人民币',7.1234,0.30000000000000004,'公斤',3,0.1,-1234567.89,'=1+1') "),
+            std::string::npos)
+            << Batch();
+        EXPECT_NE(Batch().find("values(@MaxFID,3,32767,'_x000D_',0,'0000','𠮷',0,'','1/2','','',0,0,'',0,0,"
+                               "100000000000000000000,'<&>') "),
+                  std::string::npos)
+            << Batch();
+    }
+}
+
+}  // namespace
+}  // namespace vicenter::exchange
