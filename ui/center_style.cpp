@@ -49,6 +49,13 @@ void CenterStyle::drawControl(ControlElement element, const QStyleOption* option
         painter->drawLine(option->rect.bottomLeft(), option->rect.bottomRight());
         return;
     }
+    if (element == CE_HeaderSection || element == CE_HeaderEmptyArea) {
+        painter->fillRect(option->rect, colors::kHeader);
+        painter->setPen(colors::kLine);
+        painter->drawLine(option->rect.bottomLeft(), option->rect.bottomRight());
+        painter->drawLine(option->rect.topRight(), option->rect.bottomRight());
+        return;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
 }
 
@@ -73,6 +80,7 @@ int CenterStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
                            QStyleHintReturn* returnData) const {
     // A list in a cell opens below it, as in a spreadsheet, not over it.
     if (hint == SH_ComboBox_Popup) return 0;
+    if (hint == SH_Table_GridLineColor) return static_cast<int>(colors::kGridLine.rgb());
     return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 

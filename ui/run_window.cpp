@@ -1,0 +1,75 @@
+#include "ui/run_window.h"
+
+#include <QApplication>
+
+#include "ui/application.h"
+#include "ui/offscreen_session.h"
+#include "ui/qt_surroundings.h"
+#include "ui/window_factory.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+// The factory of the process for the length of a scope.
+class FactoryScope {
+  public:
+    explicit FactoryScope(std::shared_ptr<entry::WindowFactory> factory)
+        : before_(entry::WindowFactory::Process()) {
+        entry::WindowFactory::SetProcess(std::move(factory));
+    }
+    FactoryScope(const FactoryScope&) = delete;
+    FactoryScope& operator=(const FactoryScope&) = delete;
+    ~FactoryScope() { entry::WindowFactory::SetProcess(before_); }
+
+  private:
+    std::shared_ptr<entry::WindowFactory> before_;
+};
+
+void CloseAll() {
+    for (QWidget* window : QApplication::topLevelWidgets())
+        window->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+}  // namespace
+
+bool HasDisplay() {
+#if defined(_WIN32) || defined(__APPLE__)
+    return true;
+#else
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+#endif
+}
+
+int RunWindow(int argc, char** argv, const WindowRun& run) {
+    QApplication application(argc, argv);
+    SetUpApplication(application);
+    const system::SurroundingsScope surroundings(QtSurroundings(system::Surroundings::Current()));
+    const FactoryScope factory(std::make_shared<QtWindowFactory>(run.commands));
+    if (run.prepare) run.prepare();
+    run.open();
+    const int code = QApplication::exec();
+    CloseAll();
+    return code;
+}
+
+int RunOffscreenSession(int argc, char** argv, const WindowRun& run, const std::string& folder,
+                        std::ostream& out) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    SetUpApplication(application);
+    const FactoryScope factory(std::make_shared<QtWindowFactory>(run.commands));
+    if (run.prepare) run.prepare();
+    int code = 0;
+    {
+        OffscreenSession session(run.open, folder, out);
+        code = session.Run() ? 0 : 1;
+    }
+    CloseAll();
+    return code;
+}
+
+}  // namespace vicenter::ui
