@@ -8,6 +8,7 @@
 #include "host/batch_reader.h"
 #include "host/demo_ledger.h"
 #include "host/embedded_files.h"
+#include "platform/system/files.h"
 #include "platform/system/surroundings.h"
 
 namespace vicenter::host {
@@ -16,15 +17,6 @@ using automation::Error;
 namespace fs = std::filesystem;
 
 namespace {
-
-fs::path ToPath(const std::string& utf8) {
-    return fs::path(std::u8string(utf8.begin(), utf8.end()));
-}
-
-std::string FromPath(const fs::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
 
 // Removes the temporary account set with what the engine may have left beside it.
 void RemoveQuietly(const fs::path& file) {
@@ -37,6 +29,12 @@ void RemoveQuietly(const fs::path& file) {
 }
 
 }  // namespace
+
+void RegisterProviders() {
+#ifdef VICENTER_HAS_ACCOUNT_SET_PROVIDER
+    ado::RegisterAccountSetProvider();
+#endif
+}
 
 void RunScript(ado::Connection& connection, std::string_view script, const std::string& name) {
     std::istringstream stream{std::string(script)};
@@ -71,20 +69,21 @@ std::string FileConnectString(const std::string& file) {
 }
 
 void CreateAccountSetFile(const std::string& file, const AccountSetOptions& options) {
-    const fs::path target = ToPath(file);
+    const fs::path target = system::PathFromUtf8(file);
     std::error_code ignored;
     if (fs::exists(target, ignored))
         throw Error(automation::error_number::kFileAlreadyExists, "文件已存在：" + file);
     const fs::path folder = fs::absolute(target).parent_path();
     if (!fs::is_directory(folder, ignored))
-        throw Error(automation::error_number::kPathNotFound, "文件夹不存在：" + FromPath(folder));
+        throw Error(automation::error_number::kPathNotFound, "文件夹不存在：" + system::PathToUtf8(folder));
 
     // The process id keeps two processes apart that make the same account set at once; the later move wins.
     fs::path temporary = folder / target.filename();
     temporary += "." + std::to_string(system::Surroundings::Current().processes->CurrentProcessId()) + ".new";
     RemoveQuietly(temporary);
     try {
-        const ado::ConnectionRef connection = ado::OpenConnection(FileConnectString(FromPath(temporary)));
+        const ado::ConnectionRef connection =
+            ado::OpenConnection(FileConnectString(system::PathToUtf8(temporary)));
         CreateAccountSet(*connection);
         if (options.demo) PrepareDemo(*connection, DemoOptions{options.vouchers});
         connection->Close();

@@ -10,6 +10,9 @@
 
 namespace vicenter::host {
 
+// Makes the account-set back ends of this build known. Any number of calls.
+void RegisterProviders();
+
 // Runs a script batch by batch. An error names the script and the line within it on its chain.
 void RunScript(ado::Connection& connection, std::string_view script, const std::string& name);
 

@@ -1,0 +1,216 @@
+#include "host/cli/cli.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include <CLI/CLI.hpp>
+
+#include "automation/error.h"
+#include "entry/host_context.h"
+#include "host/account_set.h"
+#include "host/cli/console.h"
+#include "host/cli/context.h"
+#include "host/components/components.h"
+#include "platform/system/files.h"
+#include "platform/system/surroundings.h"
+#include "store/component_classes.h"
+
+namespace vicenter::host {
+
+using automation::Error;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kDemoFile = "demo.vas";
+
+// The commands and options of the program, bound to one CliOptions.
+class CommandLine {
+  public:
+    explicit CommandLine(CliOptions& options) : options_(options) {
+        app_.require_subcommand(0, 1);
+        app_.fallthrough();
+        AddGlobalOptions();
+        AddCommands();
+    }
+
+    // Nothing when the command is to run, else the exit code.
+    std::optional<int> Parse(const std::vector<std::string>& arguments, const CliStreams& streams) {
+        try {
+            // The parser takes its arguments from the back.
+            app_.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+            return std::nullopt;
+        } catch (const CLI::ParseError& error) {
+            const int code = app_.exit(error, streams.out, streams.err);
+            return code == 0 ? kExitDone : kExitWrongUse;
+        }
+    }
+
+  private:
+    void AddGlobalOptions() {
+        auto* file = app_.add_option("--account-set", options_.accountSet, "账套文件 / account set file");
+        app_.add_option("--connect", options_.connectString, "连接字符串 / connect string")->excludes(file);
+        app_.add_option("--user", options_.userId, "用户编号 / user id")->capture_default_str();
+        app_.add_flag("--json", options_.json, "输出 JSON / print one JSON document");
+        auto* yes = app_.add_flag_callback(
+            "--yes", [this] { options_.answer = true; },
+            "对所有提问回答“是” / answer every question with yes");
+        app_.add_flag_callback(
+                "--no", [this] { options_.answer = false; },
+                "对所有提问回答“否” / answer every question with no")
+            ->excludes(yes);
+    }
+
+    CLI::App* AddCommand(CLI::App& parent, const char* name, CliCommand command, const char* description) {
+        CLI::App* added = parent.add_subcommand(name, description);
+        added->callback([this, command] { options_.command = command; });
+        return added;
+    }
+
+    CLI::App* AddNamedCommand(const char* name, CliCommand command, const char* description) {
+        CLI::App* added = AddCommand(app_, name, command, description);
+        added->add_option("NAME", options_.name, "模板名称 / template")->required();
+        return added;
+    }
+
+    void AddCommands() {
+        AddCommand(app_, "window", CliCommand::Window, "打开凭证模板窗口 / open the Template Center")
+            ->add_option("--offscreen-session", options_.sessionFolder,
+                         "不用显示器演示主要操作，图片存入文件夹 / drive the window without a display, "
+                         "pictures into DIR");
+
+        CLI::App* accountSet = app_.add_subcommand("account-set", "账套 / account sets");
+        accountSet->require_subcommand(1);
+        CLI::App* create =
+            AddCommand(*accountSet, "new", CliCommand::AccountSetNew, "新建账套 / make an account set");
+        create->add_option("FILE", options_.file, "账套文件 / file")->required();
+        auto* demo = create->add_flag("--demo", options_.demo, "带演示数据 / with the demo ledger");
+        create->add_option("--vouchers", options_.vouchers, "演示凭证数 / number of demo vouchers")
+            ->needs(demo)
+            ->check(CLI::Range(0, 10'000'000));
+
+        AddCommand(app_, "list", CliCommand::List, "列出模板 / list the templates");
+        AddNamedCommand("show", CliCommand::Show, "显示模板 / show a template");
+        AddCommand(app_, "new", CliCommand::New, "新增模板 / make a template");
+        AddNamedCommand("rename", CliCommand::Rename, "修改模板名称 / rename a template")
+            ->add_option("NEW", options_.newName, "新名称 / new name")
+            ->required();
+        AddNamedCommand("delete", CliCommand::Delete, "删除模板 / delete a template");
+        AddNamedCommand("check", CliCommand::Check, "检查模板 / check a template");
+        AddCommand(app_, "log", CliCommand::Log, "操作日志 / print the operation log");
+        AddNamedCommand("save", CliCommand::Save,
+                        "从标准输入读入 JSON 并保存 / replace a template's lines from standard input");
+        AddCommand(app_, "sql", CliCommand::Sql, "执行 T-SQL / run T-SQL, GO ends a batch")
+            ->add_option("FILE", options_.file, "脚本文件 / script; standard input without");
+    }
+
+    CliOptions& options_;
+    CLI::App app_{"凭证模板 / voucher templates", "vicenter"};
+};
+
+// The account set to work on: as asked for, else the demo set of this user, made on first use.
+std::string ChosenConnectString(const CliContext& context) {
+    const CliOptions& options = context.options;
+    if (!options.connectString.empty()) return options.connectString;
+    if (!options.accountSet.empty()) {
+        std::error_code ignored;
+        if (!fs::exists(system::PathFromUtf8(options.accountSet), ignored))
+            throw Error(automation::error_number::kFileNotFound, "账套文件不存在：" + options.accountSet);
+        return FileConnectString(options.accountSet);
+    }
+    const fs::path folder = system::PathFromUtf8(system::Surroundings::Current().folders->UserData());
+    const fs::path file = folder / kDemoFile;
+    std::error_code failed;
+    if (!fs::exists(file, failed)) {
+        fs::create_directories(folder, failed);
+        CreateAccountSetFile(system::PathToUtf8(file), {true, 0});
+    }
+    return FileConnectString(system::PathToUtf8(file));
+}
+
+int Dispatch(const CliContext& context) {
+    switch (context.options.command) {
+        case CliCommand::Window:
+            return RunWindow(context);
+        case CliCommand::AccountSetNew:
+            return RunAccountSetNew(context);
+        case CliCommand::List:
+            return RunList(context);
+        case CliCommand::Show:
+            return RunShow(context);
+        case CliCommand::New:
+            return RunNew(context);
+        case CliCommand::Rename:
+            return RunRename(context);
+        case CliCommand::Delete:
+            return RunDelete(context);
+        case CliCommand::Check:
+            return RunCheck(context);
+        case CliCommand::Log:
+            return RunLog(context);
+        case CliCommand::Save:
+            return RunSave(context);
+        case CliCommand::Sql:
+            return RunSql(context);
+    }
+    return kExitWrongUse;
+}
+
+// Commands that answer with messages give their document even when they end in an error.
+bool Speaks(CliCommand command) {
+    switch (command) {
+        case CliCommand::AccountSetNew:
+        case CliCommand::New:
+        case CliCommand::Rename:
+        case CliCommand::Delete:
+        case CliCommand::Check:
+        case CliCommand::Save:
+            return true;
+        default:
+            return false;
+    }
+}
+
+int FailWithDocument(const CliContext& context, const std::string& text) {
+    if (Speaks(context.options.command)) FinishSpeaking(context, false, Variant::Null());
+    return Fail(context, text);
+}
+
+int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHooks& hooks) {
+    // A window has boxes of its own; elsewhere the terminal takes their place.
+    const bool windowed = options.command == CliCommand::Window;
+    const auto messages =
+        std::make_shared<ConsoleMessages>(streams.in, streams.out, options.answer, options.json);
+    system::Surroundings surroundings = system::Surroundings::Current();
+    if (!windowed) surroundings.messageBoxes = messages;
+    const system::SurroundingsScope scope(surroundings);
+
+    CliContext context{options, streams, hooks, *messages, nullptr};
+    try {
+        RegisterProviders();
+        store::RegisterComponentClasses();
+        if (options.command != CliCommand::AccountSetNew) {
+            context.session = RegisterHostComponents({ChosenConnectString(context), options.userId});
+            entry::SetCurrentUserId(std::to_string(options.userId));
+        }
+        return Dispatch(context);
+    } catch (const Error& error) {
+        std::string text = error.Text();
+        for (const std::string& doing : error.Chain())
+            text += "\n  " + doing;
+        return FailWithDocument(context, text);
+    } catch (const std::exception& error) {
+        return FailWithDocument(context, error.what());
+    }
+}
+
+}  // namespace
+
+int RunCli(const std::vector<std::string>& arguments, const CliStreams& streams, const CliHooks& hooks) {
+    CliOptions options;
+    CommandLine commandLine(options);
+    if (const std::optional<int> code = commandLine.Parse(arguments, streams)) return *code;
+    return RunCommand(options, streams, hooks);
+}
+
+}  // namespace vicenter::host

@@ -1,0 +1,68 @@
+// vicenter save NAME < lines.json
+
+#include <iterator>
+#include <optional>
+
+#include "automation/class_registry.h"
+#include "automation/error.h"
+#include "center/template_save.h"
+#include "entry/host_context.h"
+#include "entry/host_services.h"
+#include "host/cli/context.h"
+#include "host/cli/line_input.h"
+#include "host/cli/templates.h"
+
+namespace vicenter::host {
+
+namespace {
+
+// As the window asks when it is loaded.
+bool HasRight() {
+    try {
+        return automation::CreateObject("VelaEBSBase.SecurityInfo")
+            ->Call("AccessCheck", {entry::GetPropsString(), std::int16_t{4}, std::int16_t{4}, 3145728})
+            .ToBoolean();
+    } catch (const automation::Error&) {
+        return false;
+    }
+}
+
+// False when the lines do not pass or an empty template is not to be saved; the user has been told.
+bool Validate(const center::EntryGrid& grid, int count) {
+    if (count == 0) return center::ConfirmEmptyTemplate();
+    const std::optional<center::Finding> finding = center::ValidateLines(grid, count);
+    if (finding) center::Tell(finding->text);
+    return !finding;
+}
+
+// The success message follows even when the database has refused the batch; then the refusal was shown before
+// it.
+bool Save(const CliContext& context, const TemplateHead& head, const center::EntryGrid& grid, int count) {
+    const std::size_t before = context.messages.Shown().size();
+    return center::SendTemplate(grid, count, head.id, head.name) &&
+           context.messages.Shown().size() == before + 1;
+}
+
+}  // namespace
+
+int RunSave(const CliContext& context) {
+    const TemplateHead head = FindTemplate(context, context.options.name);
+    const std::string input{std::istreambuf_iterator<char>(context.streams.in),
+                            std::istreambuf_iterator<char>()};
+    const Variant document = DecodeJson(input);
+
+    entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-保存模板 ");
+    if (!HasRight()) {
+        center::Tell("对不起，你没有相应的权限！");
+        return FinishSpeaking(context, false, Variant::Null());
+    }
+    center::EntryGrid grid;
+    const int count = ReadLines(document, grid);
+    const bool ok = Validate(grid, count) && Save(context, head, grid, count);
+    const Variant data =
+        ok ? JsonObject({{"FID", Variant(head.id).ToInt32()}, {"FName", head.name}, {"lines", count}})
+           : Variant::Null();
+    return FinishSpeaking(context, ok, data);
+}
+
+}  // namespace vicenter::host

@@ -1,0 +1,128 @@
+// vicenter sql [FILE]
+
+#include <fstream>
+#include <ostream>
+
+#include "automation/error.h"
+#include "host/batch_reader.h"
+#include "host/cli/context.h"
+#include "platform/system/files.h"
+
+namespace vicenter::host {
+
+using automation::Error;
+
+namespace {
+
+// Answers in one of the two forms, batch by batch as they come.
+class SqlAnswer {
+  public:
+    explicit SqlAnswer(const CliContext& context) : context_(context), out_(context.streams.out) {
+        if (context_.options.json) out_ << "[";
+    }
+    void Batch(const std::vector<ado::RecordsetRef>& results) {
+        if (!context_.options.json) {
+            for (const ado::RecordsetRef& result : results)
+                PrintTable(*result);
+            return;
+        }
+        PrintBatch(results, Variant::Null());
+    }
+    void Failure(const ado::DriverError& error) {
+        if (context_.options.json) {
+            PrintBatch({},
+                       JsonObject({{"number", error.native}, {"line", error.line}, {"text", error.text}}));
+            return;
+        }
+        out_.flush();
+        context_.streams.err << "消息 " << error.native << "，第 " << error.line << " 行：" << error.text
+                             << "\n";
+    }
+    void End() {
+        if (context_.options.json) out_ << "]\n";
+        out_.flush();
+    }
+
+  private:
+    void PrintBatch(const std::vector<ado::RecordsetRef>& results, const Variant& error) {
+        VariantArray list;
+        for (const ado::RecordsetRef& result : results) {
+            VariantArray columns;
+            for (const ado::Column& column : result->Columns())
+                columns.emplace_back(column.name);
+            VariantArray rows;
+            for (std::size_t r = 0; r < static_cast<std::size_t>(result->RecordCount()); ++r) {
+                VariantArray row;
+                for (std::size_t c = 0; c < result->ColumnCount(); ++c)
+                    row.push_back(JsonValue(result->ValueAt(r, c)));
+                rows.emplace_back(row);
+            }
+            list.push_back(JsonObject({{"columns", columns}, {"rows", rows}}));
+        }
+        if (batches_++ > 0) out_ << ",";
+        out_ << EncodeJson(JsonObject({{"results", list}, {"error", error}}));
+    }
+
+    void PrintTable(const ado::Recordset& result) {
+        for (std::size_t c = 0; c < result.ColumnCount(); ++c)
+            out_ << (c > 0 ? "\t" : "") << result.Columns()[c].name;
+        out_ << "\n";
+        for (std::size_t r = 0; r < static_cast<std::size_t>(result.RecordCount()); ++r) {
+            for (std::size_t c = 0; c < result.ColumnCount(); ++c) {
+                const Variant value = JsonValue(result.ValueAt(r, c));
+                out_ << (c > 0 ? "\t" : "") << (value.IsNull() ? "NULL" : value.ToText());
+            }
+            out_ << "\n";
+        }
+        out_ << "(" << result.RecordCount() << ")\n\n";
+    }
+
+    const CliContext& context_;
+    std::ostream& out_;
+    std::size_t batches_ = 0;
+};
+
+// False when the batch failed.
+bool RunBatch(ado::Connection& connection, const ScriptBatch& batch, SqlAnswer& answer) {
+    try {
+        std::vector<ado::RecordsetRef> results;
+        for (ado::RecordsetRef result = connection.Execute(batch.text); result; result = result->Next()) {
+            if (result->IsOpen()) results.push_back(result);
+        }
+        answer.Batch(results);
+        return true;
+    } catch (const Error& error) {
+        ado::DriverError record;
+        if (connection.Errors().empty()) {
+            record.native = error.Number();
+            record.text = error.Text();
+        } else {
+            record = connection.Errors().front();
+        }
+        answer.Failure(record);
+        return false;
+    }
+}
+
+}  // namespace
+
+int RunSql(const CliContext& context) {
+    std::ifstream file;
+    if (!context.options.file.empty()) {
+        file.open(system::PathFromUtf8(context.options.file), std::ios::binary);
+        if (!file)
+            throw Error(automation::error_number::kFileNotFound, "文件不存在：" + context.options.file);
+    }
+    ado::Connection& connection = context.session->Connection();
+    BatchReader reader(context.options.file.empty() ? context.streams.in : file);
+    SqlAnswer answer(context);
+    bool ok = true;
+    while (const std::optional<ScriptBatch> batch = reader.Next()) {
+        for (int i = 0; i < batch->repeat; ++i)
+            ok = RunBatch(connection, *batch, answer) && ok;
+    }
+    answer.End();
+    return ok ? kExitDone : kExitFailed;
+}
+
+}  // namespace vicenter::host

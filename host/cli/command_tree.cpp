@@ -1,0 +1,107 @@
+// vicenter new, rename NAME NEW, delete NAME: the tree's commands, by the window's own rules.
+
+#include <algorithm>
+#include <string>
+
+#include "automation/error.h"
+#include "center/frm_vi_center.h"
+#include "center/window_state.h"
+#include "host/cli/context.h"
+#include "host/cli/templates.h"
+
+namespace vicenter::host {
+
+namespace {
+
+// A window that nobody sees: it loads, takes the same events and is closed again.
+class HiddenWindow {
+  public:
+    HiddenWindow() : presenter_(view_, nullptr) { presenter_.Load(); }
+    HiddenWindow(const HiddenWindow&) = delete;
+    HiddenWindow& operator=(const HiddenWindow&) = delete;
+    ~HiddenWindow() { presenter_.Unload(); }
+
+    center::frmVICenter& Presenter() { return presenter_; }
+    const ConsoleView& View() const { return view_; }
+
+    bool HasNode(const std::string& key) const {
+        const auto& nodes = presenter_.Nodes();
+        return std::any_of(nodes.begin(), nodes.end(),
+                           [&](const center::TreeNode& node) { return node.key == key; });
+    }
+
+  private:
+    ConsoleView view_;
+    center::frmVICenter presenter_;
+};
+
+std::string KeyOf(const std::string& id) {
+    return std::string(center::kTemplateKeyHead) + id;
+}
+
+// The window gives a user without the right no label to edit and says nothing; a terminal has to.
+void SayNoRight() {
+    center::Tell("对不起，你没有相应的权限！");
+}
+
+}  // namespace
+
+int RunNew(const CliContext& context) {
+    ReadTemplates(context);
+    Variant data = Variant::Null();
+    bool ok = false;
+    std::string text;
+    {
+        HiddenWindow window;
+        const std::string before = window.Presenter().SelectedNode();
+        window.Presenter().ToolClick("mnuNew");
+        const std::string key = window.Presenter().SelectedNode();
+        ok = window.Presenter().HasRight() && key != before;
+        if (ok) {
+            const std::string id = key.substr(center::kTemplateKeyHead.size());
+            const std::string name = window.Presenter().TemplateName();
+            data = JsonObject({{"FID", Variant(id).ToInt32()}, {"FName", name}});
+            text = id + "\t" + name + "\n";
+        }
+    }
+    return FinishSpeaking(context, ok, data, text);
+}
+
+int RunRename(const CliContext& context) {
+    const TemplateHead head = FindTemplate(context, context.options.name);
+    Variant data = Variant::Null();
+    bool ok = false;
+    {
+        HiddenWindow window;
+        center::frmVICenter& presenter = window.Presenter();
+        presenter.TreeNodeClick(KeyOf(head.id));
+        presenter.TreeDoubleClick();
+        if (!presenter.HasRight()) {
+            SayNoRight();
+        } else if (!window.View().IsEditingLabel() || !presenter.TreeBeforeLabelEdit()) {
+            center::Tell("标准模板不允许修改名称！");
+        } else {
+            ok = presenter.TreeAfterLabelEdit(context.options.newName);
+        }
+        if (ok) data = JsonObject({{"FID", Variant(head.id).ToInt32()}, {"FName", presenter.TemplateName()}});
+    }
+    return FinishSpeaking(context, ok, data);
+}
+
+int RunDelete(const CliContext& context) {
+    const TemplateHead head = FindTemplate(context, context.options.name);
+    bool ok = false;
+    {
+        HiddenWindow window;
+        window.Presenter().TreeNodeClick(KeyOf(head.id));
+        window.Presenter().ToolClick("mnuDel");
+        ok = !window.HasNode(KeyOf(head.id));
+        // The standard template is protected without a word in the window.
+        if (!ok && window.Presenter().HasRight() && head.id == "0") center::Tell("标准模板不允许删除！");
+    }
+    return FinishSpeaking(
+        context, ok,
+        ok ? JsonObject({{"FID", Variant(head.id).ToInt32()}, {"FName", head.name}}) : Variant::Null());
+}
+
+}  // namespace vicenter::host

@@ -1,0 +1,59 @@
+#include "host/cli/console.h"
+
+#include <istream>
+#include <ostream>
+
+namespace vicenter::host {
+
+using system::MessageButtons;
+using system::MessageIcon;
+using system::MessageResult;
+
+namespace {
+
+std::string WithLineFeeds(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        if (c != '\r') result += c;
+    }
+    return result;
+}
+
+}  // namespace
+
+MessageResult ConsoleMessages::Show(const std::string& text, MessageButtons buttons, MessageIcon,
+                                    const std::string& title) {
+    shown_.push_back({title, text});
+    if (buttons == MessageButtons::Ok) return MessageResult::Ok;
+    const bool agreed = answer_ ? *answer_ : Ask(text);
+    refused_ = !agreed;
+    if (buttons == MessageButtons::YesNo) return agreed ? MessageResult::Yes : MessageResult::No;
+    return agreed ? MessageResult::Ok : MessageResult::Cancel;
+}
+
+bool ConsoleMessages::Ask(const std::string& text) {
+    if (quiet_) return false;
+    // What was said before belongs above the question.
+    const ShownMessage question = shown_.back();
+    shown_.pop_back();
+    Print(out_);
+    shown_.push_back(question);
+    printed_ = shown_.size();
+    out_ << WithLineFeeds(text) << " [y/n] " << std::flush;
+    std::string line;
+    // The end of the input is a refusal: nobody is there to agree.
+    if (!std::getline(in_, line)) {
+        out_ << "\n";
+        return false;
+    }
+    const std::size_t first = line.find_first_not_of(" \t");
+    if (first == std::string::npos) return false;
+    return line[first] == 'y' || line[first] == 'Y' || line.compare(first, 3, "是") == 0;
+}
+
+void ConsoleMessages::Print(std::ostream& out) {
+    for (; printed_ < shown_.size(); ++printed_)
+        out << WithLineFeeds(shown_[printed_].text) << "\n";
+}
+
+}  // namespace vicenter::host

@@ -1,0 +1,82 @@
+#pragma once
+
+// Message boxes and the template center's view for a terminal.
+
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "center/vicenter_view.h"
+#include "platform/system/surroundings.h"
+
+namespace vicenter::host {
+
+struct ShownMessage {
+    std::string title;
+    std::string text;
+};
+
+// Keeps the messages for the end of the command and asks questions at once.
+class ConsoleMessages final : public system::MessageBoxes {
+  public:
+    // quiet: questions are not printed, for output that a program reads; without an answer they count as
+    // refused.
+    ConsoleMessages(std::istream& in, std::ostream& out, std::optional<bool> answer, bool quiet)
+        : in_(in), out_(out), answer_(answer), quiet_(quiet) {}
+
+    system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
+                               system::MessageIcon icon, const std::string& title) override;
+
+    // Questions are among them.
+    const std::vector<ShownMessage>& Shown() const { return shown_; }
+    // Prints those that have not been printed yet, line breaks as the terminal has them.
+    void Print(std::ostream& out);
+    // True when the last question was refused.
+    bool WasRefused() const { return refused_; }
+
+  private:
+    bool Ask(const std::string& text);
+
+    std::istream& in_;
+    std::ostream& out_;
+    std::optional<bool> answer_;
+    bool quiet_;
+    std::vector<ShownMessage> shown_;
+    std::size_t printed_ = 0;
+    bool refused_ = false;
+};
+
+// A window that shows nothing: what matters arrives as messages and in the account set.
+class ConsoleView final : public center::VICenterView {
+  public:
+    void ShowModeless() override {}
+    void CloseWindow() override {}
+    void SetTree(const std::vector<center::TreeNode>&) override {}
+    void AddTreeNode(const center::TreeNode&) override {}
+    void RemoveTreeNode(const std::string&) override {}
+    void SetTreeNodeText(const std::string&, const std::string&) override {}
+    void SelectTreeNode(const std::string&) override {}
+    void StartLabelEdit() override { editingLabel_ = true; }
+    void SetToolStates(const center::ToolStates&) override {}
+    void SetTemplateName(const std::string&) override {}
+    void SetGridInteractive(bool) override {}
+    void SetProgress(const center::ProgressState&) override {}
+    void SetItemPanel(const center::ItemPanelState&) override {}
+    void SetStatus(const center::StatusState&) override {}
+    void SetNameList(const center::NameListState&) override {}
+    int ApplyFont(const std::string&, double) override { return 0; }
+    center::Size WindowSize() const override { return {}; }
+    void PlaceProgressFrame(const center::Position&) override {}
+    void ShowFindDialog(dialogs::FrmSearch&) override {}
+    void ShowColumnDialog(dialogs::frmSetColume&) override {}
+
+    // The presenter has asked for the selected node's label to be edited.
+    bool IsEditingLabel() const { return editingLabel_; }
+
+  private:
+    bool editingLabel_ = false;
+};
+
+}  // namespace vicenter::host

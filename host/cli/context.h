@@ -1,0 +1,47 @@
+#pragma once
+
+// What every command has at hand, and the way its answer leaves.
+
+#include <functional>
+#include <string>
+
+#include "host/cli/cli.h"
+#include "host/cli/console.h"
+#include "host/cli/json.h"
+#include "host/cli/options.h"
+#include "host/components/host_session.h"
+
+namespace vicenter::host {
+
+struct CliContext {
+    const CliOptions& options;
+    const CliStreams& streams;
+    const CliHooks& hooks;
+    ConsoleMessages& messages;
+    HostSessionRef session;
+};
+
+// Prints one JSON document and a line break.
+void PrintJson(const CliContext& context, const Variant& document);
+
+// The end of a command that speaks to the user: one JSON document, or the messages (to `err` when it failed)
+// and, when it did not fail, the text. Returns the exit code.
+int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text = {});
+
+// What went wrong, on `err`; the exit code of a failure.
+int Fail(const CliContext& context, const std::string& text);
+
+// ---- commands, one source each
+int RunAccountSetNew(const CliContext& context);
+int RunList(const CliContext& context);
+int RunShow(const CliContext& context);
+int RunNew(const CliContext& context);
+int RunRename(const CliContext& context);
+int RunDelete(const CliContext& context);
+int RunCheck(const CliContext& context);
+int RunLog(const CliContext& context);
+int RunSave(const CliContext& context);
+int RunSql(const CliContext& context);
+int RunWindow(const CliContext& context);
+
+}  // namespace vicenter::host

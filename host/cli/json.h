@@ -1,0 +1,32 @@
+#pragma once
+
+// JSON documents of the command line, by the project's own codec. Objects are Scripting.Dictionary objects in
+// the order in which their keys were added.
+
+#include <initializer_list>
+#include <string>
+#include <utility>
+
+#include "automation/variant.h"
+#include "platform/scripting/dictionary.h"
+
+namespace vicenter::host {
+
+using automation::Variant;
+using automation::VariantArray;
+
+using JsonMember = std::pair<const char*, Variant>;
+
+Variant JsonObject(std::initializer_list<JsonMember> members);
+
+// Without blanks or line breaks. Decimals and dates must have become texts before.
+std::string EncodeJson(const Variant& value);
+
+// Throws Error 8732 for a text that is no JSON document.
+Variant DecodeJson(const std::string& text);
+
+// The value as the command line prints it: whole and floating numbers stay numbers, booleans of a row become
+// 0 or 1, exact decimals and dates become texts.
+Variant JsonValue(const Variant& value);
+
+}  // namespace vicenter::host

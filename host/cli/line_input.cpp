@@ -1,0 +1,194 @@
+#include "host/cli/line_input.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "automation/error.h"
+#include "center/cell_rules.h"
+#include "center/columns.h"
+#include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+
+namespace vicenter::host {
+
+using automation::Error;
+using automation::VariantType;
+using scripting::Dictionary;
+
+namespace {
+
+namespace column = center::column;
+using Texts = std::array<std::string, center::kColumnCount>;
+
+[[noreturn]] void Refuse(std::size_t line, std::string_view field, const std::string& reason) {
+    throw Error(automation::error_number::kInvalidProcedureCall,
+                "第 " + std::to_string(line) + " 行 " + std::string(field) + "：" + reason);
+}
+
+// A JSON value as the text of a cell.
+std::string CellText(const Variant& value, std::size_t line, std::string_view field) {
+    switch (value.Type()) {
+        case VariantType::Null:
+        case VariantType::Empty:
+            return {};
+        case VariantType::Text:
+            return value.AsText();
+        case VariantType::Double:
+            // Never with an exponent: 1e3 is a JSON number, but no plain one.
+            return automation::Decimal::FromDouble(value.ToDouble()).ToShortText();
+        case VariantType::Int16:
+        case VariantType::Int32:
+        case VariantType::Int64:
+        case VariantType::Decimal:
+            return value.ToText();
+        default:
+            Refuse(line, field, "应为文本、数字或 null。");
+    }
+}
+
+bool HasControlCharacter(std::string_view text) {
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7F) return true;
+    }
+    return false;
+}
+
+// Apostrophes and bars, which the keyboard is refused, are taken: they are stored as they stand.
+void CheckText(const center::ColumnSpec& spec, const std::string& text, std::size_t line) {
+    if (!system::IsValidUtf8(text)) Refuse(line, spec.field, "不是有效的 UTF-8 文本。");
+    if (HasControlCharacter(text)) Refuse(line, spec.field, "不允许含有控制字符。");
+    if (system::CodeUnitCount(system::TrimBlanks(text)) > static_cast<std::size_t>(spec.maxCharacters))
+        Refuse(line, spec.field, "超过 " + std::to_string(spec.maxCharacters) + " 个字符。");
+}
+
+std::string ReadCell(const center::ColumnSpec& spec, const Variant& value, std::size_t line) {
+    std::string text = CellText(value, line, spec.field);
+    switch (spec.kind) {
+        case center::CellKind::Text:
+            CheckText(spec, text, line);
+            break;
+        case center::CellKind::Direction:
+            // The stored codes are taken, too, so that what `show` prints can be saved.
+            if (text == "1") text = center::kDebit;
+            if (text == "0") text = center::kCredit;
+            if (center::CheckTypedText(spec.column, text) != center::TextVerdict::Taken)
+                Refuse(line, spec.field, "应为“借”或“贷”。");
+            break;
+        case center::CellKind::Id:
+            if (text == "0") text.clear();
+            if (!center::AcceptsProgramText(spec.column, text)) Refuse(line, spec.field, "应为整数。");
+            break;
+        case center::CellKind::TemplateNumber:
+        case center::CellKind::Whole:
+        case center::CellKind::Decimal: {
+            const center::TextVerdict verdict = center::CheckTypedText(spec.column, text);
+            if (verdict != center::TextVerdict::Taken)
+                Refuse(line, spec.field, center::VerdictText(verdict, spec.column));
+            break;
+        }
+    }
+    return text;
+}
+
+// Asks for each code once.
+class IdResolver {
+  public:
+    // As leaving the cell would: the id, and the name where the code stands for it.
+    void Resolve(Texts& texts) {
+        ResolveAccount(texts);
+        ResolveNamed(texts, column::kSettleName, column::kSettleId, "FItemID");
+        ResolveNamed(texts, column::kCurrencyName, column::kCurrencyId, "FCurrencyID");
+        ResolveNamed(texts, column::kUnitName, column::kUnitId, "FUnitGroupID");
+    }
+
+  private:
+    struct Record {
+        bool found = false;
+        std::string id;
+        std::string name;
+    };
+
+    static std::string& At(Texts& texts, int gridColumn) {
+        return texts[static_cast<std::size_t>(gridColumn - 1)];
+    }
+
+    void ResolveAccount(Texts& texts) {
+        if (!At(texts, column::kAccountId).empty()) return;
+        const Record& account = Find(column::kAccountNumber, At(texts, column::kAccountNumber), "FAccountID");
+        if (!account.found) return;
+        At(texts, column::kAccountId) = account.id;
+        if (At(texts, column::kAccountName).empty()) At(texts, column::kAccountName) = account.name;
+    }
+
+    void ResolveNamed(Texts& texts, int nameColumn, int idColumn, const char* idField) {
+        if (!At(texts, idColumn).empty()) return;
+        const Record& record = Find(nameColumn, At(texts, nameColumn), idField);
+        if (!record.found) return;
+        At(texts, idColumn) = record.id;
+        At(texts, nameColumn) = record.name;
+    }
+
+    const Record& Find(int gridColumn, const std::string& code, const char* idField) {
+        static const Record kNone;
+        const std::string_view trimmed = system::TrimBlanks(code);
+        if (trimmed.empty()) return kNone;
+        const auto [place, isNew] = known_.try_emplace({gridColumn, std::string(trimmed)});
+        if (!isNew) return place->second;
+        const ado::RecordsetRef rows =
+            store::clsVIData().GetItemInfoByNumber(gridColumn, std::string(trimmed));
+        if (rows == nullptr || rows->RecordCount() < 1) return place->second;
+        place->second = {true, rows->Value(idField).ToTextOrEmpty(), rows->Value("FName").ToTextOrEmpty()};
+        return place->second;
+    }
+
+    std::map<std::pair<int, std::string>, Record> known_;
+};
+
+const Dictionary* AsObject(const Variant& value) {
+    return value.IsObject() ? dynamic_cast<const Dictionary*>(value.AsObject().get()) : nullptr;
+}
+
+// Fields that `show` prints beside those of the grid's columns; they are the program's own.
+bool IsOwnField(const std::string& name) {
+    return name == "FID" || name == "FEntryID" || name == "faulty";
+}
+
+Texts ReadLine(const Variant& value, std::size_t line) {
+    const Dictionary* object = AsObject(value);
+    if (object == nullptr) Refuse(line, "lines", "应为对象。");
+    Texts texts;
+    for (std::size_t i = 0; i < object->Count(); ++i) {
+        const std::string name = object->KeyAt(i).ToText();
+        if (IsOwnField(name)) continue;
+        const center::ColumnSpec* found = nullptr;
+        for (const center::ColumnSpec& spec : center::Columns()) {
+            if (spec.field == name) found = &spec;
+        }
+        if (found == nullptr) Refuse(line, name, "没有这个字段。");
+        texts[static_cast<std::size_t>(found->column - 1)] = ReadCell(*found, object->ItemAt(i), line);
+    }
+    return texts;
+}
+
+}  // namespace
+
+int ReadLines(const Variant& document, center::EntryGrid& grid) {
+    const Dictionary* object = AsObject(document);
+    const Variant* lines = object ? object->Item("lines") : nullptr;
+    if (lines == nullptr || !lines->IsArray())
+        throw Error(automation::error_number::kInvalidProcedureCall, "应为 {\"lines\":[…]}。");
+    const VariantArray& list = lines->AsArray();
+    grid.Clear(static_cast<int>(list.size()) + 2);
+    IdResolver resolver;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        Texts texts = ReadLine(list[i], i + 1);
+        resolver.Resolve(texts);
+        grid.FillRow(static_cast<int>(i) + 1, texts);
+    }
+    return static_cast<int>(list.size());
+}
+
+}  // namespace vicenter::host

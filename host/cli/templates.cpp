@@ -1,0 +1,74 @@
+#include "host/cli/templates.h"
+
+#include "automation/error.h"
+#include "center/columns.h"
+#include "center/line_loader.h"
+#include "platform/system/collation.h"
+#include "store/cls_vi_data.h"
+
+namespace vicenter::host {
+
+using automation::Error;
+
+namespace {
+
+[[noreturn]] void ThrowUnreadable() {
+    throw Error(automation::error_number::kElementNotFound, "无法读取凭证模板，请检查账套连接！");
+}
+
+}  // namespace
+
+std::vector<TemplateHead> ReadTemplates(const CliContext& context) {
+    // Opened first on its own, so that a missing account set is reported with its reason.
+    context.session->Connection();
+    const ado::RecordsetRef list =
+        store::clsVIData().GetVchTemplateByUserID(std::to_string(context.options.userId));
+    if (list == nullptr) ThrowUnreadable();
+    std::vector<TemplateHead> templates;
+    for (; !list->AtEnd(); list->MoveNext())
+        templates.push_back({list->Value("FID").ToText(), list->Value("FName").ToTextOrEmpty()});
+    return templates;
+}
+
+TemplateHead FindTemplate(const CliContext& context, const std::string& name) {
+    const std::vector<TemplateHead> templates = ReadTemplates(context);
+    for (const TemplateHead& head : templates) {
+        if (head.name == name) return head;
+    }
+    for (const TemplateHead& head : templates) {
+        if (system::Collator::Chinese().Compare(head.name, name) == 0) return head;
+    }
+    throw Error(automation::error_number::kElementNotFound, "没有名为“" + name + "”的凭证模板！");
+}
+
+void ReadLines(const std::string& templateId, TemplateLines& lines) {
+    lines.records = store::clsVIData().GetVchTemplateEntryInfo(templateId);
+    const std::optional<int> loaded = center::LoadLines(lines.grid, templateId);
+    if (lines.records == nullptr || !loaded || *loaded != lines.records->RecordCount()) ThrowUnreadable();
+    lines.count = *loaded;
+}
+
+std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row) {
+    std::vector<std::string> fields;
+    for (const center::ColumnSpec& spec : center::Columns()) {
+        if (grid.FaultyCheck(row, spec.column) != 0) fields.emplace_back(spec.field);
+    }
+    return fields;
+}
+
+VariantArray ReadControlRows(const std::string& templateId) {
+    const ado::RecordsetRef rows = store::clsVIData().GetRs(
+        "select FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed from t_VchTpControl where FID = " + templateId +
+        " order by FNo");
+    if (rows == nullptr) ThrowUnreadable();
+    VariantArray result;
+    for (; !rows->AtEnd(); rows->MoveNext()) {
+        const auto object = std::make_shared<scripting::Dictionary>();
+        for (const char* field : {"FNo", "FUseFrequency", "FKey", "FFileCount", "FIsCanUsed"})
+            object->Add(field, JsonValue(rows->Value(field)));
+        result.emplace_back(object);
+    }
+    return result;
+}
+
+}  // namespace vicenter::host

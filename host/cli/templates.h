@@ -1,0 +1,41 @@
+#pragma once
+
+// What the commands on templates share: the user's list, names and lines.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "center/entry_grid.h"
+#include "host/cli/context.h"
+#include "platform/ado/recordset.h"
+
+namespace vicenter::host {
+
+struct TemplateHead {
+    std::string id;
+    std::string name;
+};
+
+// The user's templates as the tree lists them, the standard template first. Throws when they cannot be read.
+std::vector<TemplateHead> ReadTemplates(const CliContext& context);
+
+// The template of that name among them: by its exact name, else without regard to case. Throws Error 32811
+// when there is none.
+TemplateHead FindTemplate(const CliContext& context, const std::string& name);
+
+// A template's lines as stored, and the grid that holds them with the checks' marks; the same order in both.
+struct TemplateLines {
+    ado::RecordsetRef records;
+    center::EntryGrid grid;
+    int count = 0;
+};
+void ReadLines(const std::string& templateId, TemplateLines& lines);
+
+// The fields of a row's red cells, in column order.
+std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row);
+
+// Control rows of a template as JSON, ordered by template number.
+VariantArray ReadControlRows(const std::string& templateId);
+
+}  // namespace vicenter::host

@@ -1,0 +1,40 @@
+#include "host/window/open_window.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "automation/class_registry.h"
+#include "automation/error.h"
+#include "platform/system/files.h"
+#include "ui/run_window.h"
+
+namespace vicenter::host {
+
+using automation::Error;
+
+namespace {
+
+ui::WindowRun Run() {
+    ui::WindowRun run;
+    run.open = [] { automation::CreateObject("VelaVICenter.aplication")->Call("ShowVICenter"); };
+    return run;
+}
+
+}  // namespace
+
+int OpenWindow(int argc, char** argv) {
+    if (!ui::HasDisplay())
+        throw Error(
+            automation::error_number::kCannotCreateObject,
+            "没有可用的显示器，请改用 window --offscreen-session 文件夹，或 list、show、save 等命令。");
+    return ui::RunWindow(argc, argv, Run());
+}
+
+int DriveWindow(int argc, char** argv, const std::string& folder, std::ostream& out) {
+    std::error_code failed;
+    std::filesystem::create_directories(system::PathFromUtf8(folder), failed);
+    if (failed) throw Error(automation::error_number::kPathNotFound, failed.message() + "：" + folder);
+    return ui::RunOffscreenSession(argc, argv, Run(), folder, out);
+}
+
+}  // namespace vicenter::host
