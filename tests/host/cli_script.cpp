@@ -1,0 +1,154 @@
+#include "tests/host/cli_script.h"
+
+#include <ctime>
+#include <regex>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "automation/class_registry.h"
+#include "host/cli/cli.h"
+#include "tests/host/demo_set.h"
+
+namespace vicenter::host::test {
+
+namespace {
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+    return text;
+}
+
+// Dates of yesterday to tomorrow, whatever zone the clock is asked in.
+std::string WithoutNow(std::string text) {
+    for (const int offset : {-1, 0, 1}) {
+        const std::time_t moment = std::time(nullptr) + offset * 86'400;
+        char day[16];
+        std::strftime(day, sizeof day, "%Y-%m-%d", std::gmtime(&moment));
+        text = std::regex_replace(text, std::regex(std::string(day) + R"( \d\d:\d\d:\d\d(\.\d{1,3})?)"),
+                                  "<now>");
+    }
+    return text;
+}
+
+// The folders of the user's own data lie in the test's folder, too.
+class TestFolders : public system::Folders {
+  public:
+    explicit TestFolders(std::string path) : path_(std::move(path)) {}
+    std::string Temporary() override { return path_; }
+    std::string UserData() override { return path_ + "/data"; }
+    std::string Component() override { return path_; }
+
+  private:
+    std::string path_;
+};
+
+}  // namespace
+
+std::vector<std::string> SplitArguments(const std::string& command) {
+    std::vector<std::string> arguments;
+    bool open = false;
+    char quote = '\0';
+    for (const char c : command) {
+        if (quote != '\0') {
+            if (c == quote)
+                quote = '\0';
+            else
+                arguments.back() += c;
+        } else if (c == ' ') {
+            open = false;
+        } else {
+            if (!open) arguments.emplace_back();
+            open = true;
+            if (c == '\'' || c == '"')
+                quote = c;
+            else
+                arguments.back() += c;
+        }
+    }
+    return arguments;
+}
+
+CliScript ReadCliScript(const std::string& text) {
+    CliScript script;
+    int number = 0;
+    for (const std::string& line : Lines(text)) {
+        ++number;
+        const std::string rest = line.size() > 2 ? line.substr(2) : std::string();
+        if (line.starts_with("set: "))
+            script.set = line.substr(5);
+        else if (line.starts_with("$ "))
+            script.steps.push_back({number, rest, {}, {}, {}, 0});
+        else if (script.steps.empty())
+            script.head.push_back(line);
+        else if (line.starts_with("<"))
+            script.steps.back().input.push_back(rest);
+        else if (line.starts_with("|"))
+            script.steps.back().output.push_back(rest);
+        else if (line.starts_with("!"))
+            script.steps.back().errors.push_back(rest);
+        else if (line.starts_with("= "))
+            script.steps.back().exitCode = std::stoi(rest);
+        else if (!line.empty())
+            ADD_FAILURE() << "line " << number << " is not understood: " << line;
+    }
+    return script;
+}
+
+std::string WriteCliScript(const CliScript& script) {
+    std::string text;
+    for (const std::string& line : script.head) {
+        if (!line.empty()) text += line + "\n";
+    }
+    text += "set: " + script.set + "\n";
+    const auto block = [&text](const char* mark, const std::vector<std::string>& lines) {
+        for (const std::string& line : lines)
+            text += line.empty() ? std::string(mark) + "\n" : std::string(mark) + " " + line + "\n";
+    };
+    for (const CliStep& step : script.steps) {
+        text += "\n$ " + step.command + "\n";
+        block("<", step.input);
+        block("|", step.output);
+        block("!", step.errors);
+        if (step.exitCode != 0) text += "= " + std::to_string(step.exitCode) + "\n";
+    }
+    return text;
+}
+
+CliScript RunCliScript(const CliScript& script) {
+    TestFolder folder;
+    const automation::ClassRegistry::Restore registry;
+    system::Surroundings surroundings = system::Surroundings::OfSystem();
+    surroundings.folders = std::make_shared<TestFolders>(folder.Path());
+    const system::SurroundingsScope scope(surroundings);
+    std::vector<std::string> common;
+    if (script.set != "none") common = {"--account-set", CopySet(folder, script.set == "demo")};
+
+    CliScript result = script;
+    for (CliStep& step : result.steps) {
+        std::vector<std::string> arguments = common;
+        for (const std::string& argument : SplitArguments(step.command))
+            arguments.push_back(Replaced(argument, "$FOLDER", folder.Path()));
+        std::string input;
+        for (const std::string& line : step.input)
+            input += Replaced(line, "$FOLDER", folder.Path()) + "\n";
+        std::istringstream in(input);
+        std::ostringstream out;
+        std::ostringstream err;
+        step.exitCode = RunCli(arguments, {in, out, err});
+        step.output = Lines(WithoutNow(Replaced(out.str(), folder.Path(), "$FOLDER")));
+        step.errors = Lines(WithoutNow(Replaced(err.str(), folder.Path(), "$FOLDER")));
+    }
+    return result;
+}
+
+}  // namespace vicenter::host::test

@@ -1,0 +1,47 @@
+#pragma once
+
+// A command-line test: a text file that holds commands, their input and the expected output.
+//
+//     # by hand                                comments at the head, kept when the file is rewritten
+//     set: demo                                demo (the usual), empty, or none (nothing is made beforehand)
+//
+//     $ --json list                            a command on the test's own copy of the set; 'a b' is one
+//     argument < {"lines":[]}                           lines of its standard input, if any | [{"FID":0,…}]
+//     expected standard output, line by line ! vicenter: …                            expected standard
+//     error, line by line = 1                                      expected exit code, when it is not 0
+//
+// "$FOLDER" stands for the test's folder, in commands, input and output. Times of today are written as <now>.
+// With VICENTER_UPDATE_GOLDENS=1 in the environment the expectations are written anew instead of compared.
+
+#include <string>
+#include <vector>
+
+namespace vicenter::host::test {
+
+struct CliStep {
+    int line = 0;
+    std::string command;
+    std::vector<std::string> input;
+    std::vector<std::string> output;
+    std::vector<std::string> errors;
+    int exitCode = 0;
+
+    friend bool operator==(const CliStep&, const CliStep&) = default;
+};
+
+struct CliScript {
+    std::vector<std::string> head;  // comments and blank lines before the first setting
+    std::string set = "demo";
+    std::vector<CliStep> steps;
+};
+
+CliScript ReadCliScript(const std::string& text);
+std::string WriteCliScript(const CliScript& script);
+
+// The arguments of a command: blanks between them, '…' and "…" around those with blanks.
+std::vector<std::string> SplitArguments(const std::string& command);
+
+// Runs every step and puts what came out in the place of what was expected.
+CliScript RunCliScript(const CliScript& script);
+
+}  // namespace vicenter::host::test

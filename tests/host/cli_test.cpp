@@ -1,0 +1,93 @@
+// Runs tests/host/cli/*.test, and sees to it that every command and option is in one of them.
+
+#include "host/cli/cli.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "platform/system/files.h"
+#include "tests/host/cli_script.h"
+
+namespace vicenter::host {
+namespace {
+
+const std::filesystem::path& Folder() {
+    static const std::filesystem::path folder =
+        std::filesystem::path(VICENTER_SOURCE_DIR) / "tests" / "host" / "cli";
+    return folder;
+}
+
+std::vector<std::string> ScriptNames() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(Folder())) {
+        if (entry.path().extension() == ".test") names.push_back(entry.path().stem().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::string Help(const std::vector<std::string>& arguments) {
+    std::istringstream in;
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(kExitDone, RunCli(arguments, {in, out, err}));
+    return out.str();
+}
+
+class CommandLine : public testing::TestWithParam<std::string> {};
+
+TEST_P(CommandLine, AnswersAsExpected) {
+    const std::filesystem::path path = Folder() / (GetParam() + ".test");
+    const test::CliScript expected = test::ReadCliScript(ReadFile(path));
+    const test::CliScript actual = test::RunCliScript(expected);
+    if (std::getenv("VICENTER_UPDATE_GOLDENS") != nullptr) {
+        std::ofstream(path, std::ios::binary) << test::WriteCliScript(actual);
+        return;
+    }
+    ASSERT_FALSE(expected.steps.empty());
+    for (std::size_t i = 0; i < expected.steps.size(); ++i) {
+        const test::CliStep& step = expected.steps[i];
+        SCOPED_TRACE(GetParam() + ".test:" + std::to_string(step.line) + ": " + step.command);
+        EXPECT_EQ(step.output, actual.steps[i].output);
+        EXPECT_EQ(step.errors, actual.steps[i].errors);
+        EXPECT_EQ(step.exitCode, actual.steps[i].exitCode);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Scripts, CommandLine, testing::ValuesIn(ScriptNames()),
+                         [](const auto& script) { return script.param; });
+
+TEST(CommandLineTests, CoverEveryCommandAndOption) {
+    std::string scripts;
+    for (const std::string& name : ScriptNames()) {
+        for (const test::CliStep& step : test::ReadCliScript(ReadFile(Folder() / (name + ".test"))).steps)
+            scripts += " " + step.command + " ";
+    }
+    const std::string help =
+        Help({"--help"}) + Help({"account-set", "new", "--help"}) + Help({"window", "--help"});
+    std::set<std::string> words;
+    const std::regex option(R"(--[a-z][a-z-]*)");
+    for (std::sregex_iterator at(help.begin(), help.end(), option), end; at != end; ++at)
+        words.insert(at->str());
+    // Subcommands stand at the beginning of their lines.
+    const std::regex command(R"(\n  ([a-z][a-z-]*) )");
+    for (std::sregex_iterator at(help.begin(), help.end(), command), end; at != end; ++at)
+        words.insert((*at)[1].str());
+    words.erase("--account-set");  // given to every command of the scripts
+    EXPECT_GT(words.size(), 15U);
+    for (const std::string& word : words)
+        EXPECT_NE(std::string::npos, scripts.find(" " + word + " ")) << word << " has no test";
+}
+
+}  // namespace
+}  // namespace vicenter::host

@@ -1,0 +1,132 @@
+// A process that is killed in the middle of a save leaves an account set that opens and holds either the old
+// lines or the new ones. VICENTER_KILLS in the environment sets how many processes are killed; 20 without it.
+
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <thread>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tests/host/demo_set.h"
+
+extern char** environ;
+
+namespace vicenter::host {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kTemplate = "日常费用";
+
+// Lines whose remark and number of rows tell which save they are of.
+struct Version {
+    std::string mark;
+    int lines;
+    std::string file;
+};
+
+void WriteDocument(const Version& version) {
+    std::ofstream out(system::PathFromUtf8(version.file), std::ios::binary);
+    out << "{\"lines\":[";
+    for (int i = 0; i < version.lines; ++i) {
+        out << (i > 0 ? "," : "") << "{\"FNo\":" << i / 2 + 1 << ",\"FExp\":\"" << version.mark
+            << "\",\"FDC\":\"" << (i % 2 == 0 ? "借" : "贷")
+            << "\",\"FAccountNumber\":\"1001\",\"FAcctountName\":\"库存现金\",\"FAmount\":\"" << i
+            << "\",\"FRemark\":\"" << version.mark << "\"}";
+    }
+    out << "]}";
+}
+
+pid_t StartSave(const std::string& set, const std::string& document) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, 0, document.c_str(), O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    std::vector<std::string> arguments = {VICENTER_PROGRAM, "--account-set", set, "save", kTemplate};
+    std::vector<char*> argv;
+    for (std::string& argument : arguments)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    pid_t pid = 0;
+    EXPECT_EQ(0, posix_spawn(&pid, VICENTER_PROGRAM, &actions, nullptr, argv.data(), environ));
+    posix_spawn_file_actions_destroy(&actions);
+    return pid;
+}
+
+int Wait(pid_t pid) {
+    int status = 0;
+    EXPECT_EQ(pid, waitpid(pid, &status, 0));
+    return status;
+}
+
+// The mark of the version that the set holds; a mixture or a half-made one is none.
+std::string StoredVersion(const std::string& set, const std::vector<Version>& versions) {
+    const ado::ConnectionRef connection = ado::OpenConnection(FileConnectString(set));
+    const ado::RecordsetRef lines = connection->Execute(
+        "select count(*) as FLines,count(distinct FRemark) as FMarks,min(FRemark) as FMark,max(FEntryID) as "
+        "FLast,"
+        "count(distinct FNo) as FNumbers from t_VchTemplateEntry where FID = 1");
+    const ado::RecordsetRef control = connection->Execute(
+        "select count(*) as FRows,count(distinct FKey) as FKeys,min(FKey) as FKey,sum(FIsCanUsed) as FUsable "
+        "from "
+        "t_VchTpControl where FID = 1");
+    for (const Version& version : versions) {
+        if (lines->Value("FLines").ToInt32() == version.lines && lines->Value("FMarks").ToInt32() == 1 &&
+            lines->Value("FMark").ToText() == version.mark &&
+            lines->Value("FLast").ToInt32() == version.lines &&
+            control->Value("FRows").ToInt32() == lines->Value("FNumbers").ToInt32() &&
+            control->Value("FKeys").ToInt32() == 1 && control->Value("FKey").ToText() == version.mark &&
+            control->Value("FUsable").ToInt32() == control->Value("FRows").ToInt32())
+            return version.mark;
+    }
+    return {};
+}
+
+TEST(KilledSave, LeavesEitherTheOldOrTheNewLines) {
+    const char* asked = std::getenv("VICENTER_KILLS");
+    const int kills = asked ? std::atoi(asked) : 20;
+    test::TestFolder folder;
+    const std::string set = test::CopySet(folder);
+    const std::vector<Version> versions = {{"甲", 1200, folder.Path("a.json")},
+                                           {"乙", 1800, folder.Path("b.json")}};
+    for (const Version& version : versions)
+        WriteDocument(version);
+
+    // A whole run of each first, for the time that it takes.
+    std::chrono::microseconds whole{0};
+    for (const Version& version : versions) {
+        const auto start = Clock::now();
+        ASSERT_EQ(0, Wait(StartSave(set, version.file)));
+        whole = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start);
+        ASSERT_EQ(version.mark, StoredVersion(set, versions));
+    }
+
+    int killed = 0;
+    int replaced = 0;
+    std::string before = versions[1].mark;
+    for (int i = 0; i < kills; ++i) {
+        const Version& next = before == versions[0].mark ? versions[1] : versions[0];
+        const pid_t pid = StartSave(set, next.file);
+        // The moments cover the run evenly, in an order that jumps.
+        const auto delay = whole * ((i * 37) % 100 + 1) / 100;
+        std::this_thread::sleep_for(delay);  // the moment of the kill is what is tested
+        kill(pid, SIGKILL);
+        killed += WIFSIGNALED(Wait(pid)) ? 1 : 0;
+        const std::string after = StoredVersion(set, versions);
+        ASSERT_FALSE(after.empty()) << "a mixture after kill " << i << " at " << delay.count() << " us";
+        replaced += after != before ? 1 : 0;
+        before = after;
+    }
+    EXPECT_GT(killed, kills / 2);
+    std::cout << kills << " processes, " << killed << " killed before their end, " << replaced
+              << " times the new lines were there, " << kills - replaced << " times the old ones\n";
+}
+
+}  // namespace
+}  // namespace vicenter::host
