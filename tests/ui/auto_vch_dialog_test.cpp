@@ -1,0 +1,110 @@
+// The generation dialog driven by real key and mouse events on a scripted ledger.
+
+#include "ui/auto_vch_dialog.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+#include "tests/autovch/autovch_fixture.h"
+
+namespace vicenter::ui {
+namespace {
+
+using automation::Arguments;
+using automation::Variant;
+using fakes::Rows;
+
+class AutoVchDialogTest : public autovch::AutoVchTest {
+  protected:
+    void SetUp() override {
+        AutoVchTest::SetUp();
+        const auto profile = fakes::RegisterScripted("VelaEBSBase.SystemProfile");
+        profile->On("GetProfile", [](Arguments& a) {
+            const std::string key = a[2].Value().ToText();
+            return key == "PeriodCount" ? Variant(12) : key == "CurrentYear" ? Variant(2024) : Variant(3);
+        });
+        set_.Answer("t_VoucherGroup order", Rows({"FGroupID", "FName"}, {{1, "记"}, {2, "收"}}));
+        set_.Answer("FMinNum", Rows({"FMinNum", "FMaxNum"}, {{2, 31}}));
+        set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines"}, {{4, 6, 25}}));
+        dialog_ = std::make_unique<AutoVchDialog>();
+        dialog_->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog_.get()));
+    }
+    template <class Widget>
+    Widget* Child(const char* name) {
+        auto* widget = dialog_->findChild<Widget*>(QString::fromLatin1(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
+    QLineEdit* Box(int index) { return Child<QLineEdit>(("txtPeriod" + std::to_string(index)).c_str()); }
+
+    std::unique_ptr<AutoVchDialog> dialog_;
+};
+
+TEST_F(AutoVchDialogTest, ShowsTheLedgersDefaults) {
+    EXPECT_EQ(dialog_->windowTitle(), QStringLiteral("根据凭证生成凭证模板"));
+    EXPECT_EQ(Box(0)->text(), QStringLiteral("2024"));
+    EXPECT_EQ(Box(1)->text(), QStringLiteral("3"));
+    EXPECT_EQ(Box(2)->text(), QStringLiteral("2"));
+    EXPECT_EQ(Box(3)->text(), QStringLiteral("31"));
+    EXPECT_EQ(Child<QComboBox>("cmbCheckState")->count(), 3);
+    EXPECT_EQ(Child<QPushButton>("Command0")->text(), QStringLiteral("生成(&O)"));
+    EXPECT_EQ(Child<QPushButton>("Command2")->text(), QStringLiteral("取消(&C)"));
+    EXPECT_EQ(Child<QLabel>("lblSelected")->text(),
+              QStringLiteral("将生成 4 个凭证模板编号（6 张凭证，25 条分录）"));
+}
+
+TEST_F(AutoVchDialogTest, NumberBoxesTakeDigitsOnly) {
+    Box(1)->setFocus();
+    Box(1)->selectAll();
+    QTest::keyClicks(Box(1), QStringLiteral("-a1.2x"));
+    EXPECT_EQ(Box(1)->text(), QStringLiteral("12"));
+    QTest::keyClicks(Box(1), QStringLiteral("3"));  // two digits at most
+    EXPECT_EQ(Box(1)->text(), QStringLiteral("12"));
+}
+
+TEST_F(AutoVchDialogTest, AFocusedBoxSelectsItsWholeText) {
+    Box(3)->setFocus();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Box(3)->selectedText(), QStringLiteral("31"));
+}
+
+TEST_F(AutoVchDialogTest, UpDownButtonsAndArrowKeysStep) {
+    auto* upDown = Child<QWidget>("updBPeriod");
+    QTest::mouseClick(upDown->findChild<QToolButton*>(QStringLiteral("up")), Qt::LeftButton);
+    EXPECT_EQ(Box(1)->text(), QStringLiteral("4"));
+    QTest::mouseClick(upDown->findChild<QToolButton*>(QStringLiteral("down")), Qt::LeftButton);
+    QTest::keyClick(Box(1), Qt::Key_Down);
+    EXPECT_EQ(Box(1)->text(), QStringLiteral("2"));
+}
+
+TEST_F(AutoVchDialogTest, EscCloses) {
+    QTest::keyClick(dialog_.get(), Qt::Key_Escape);
+    EXPECT_FALSE(dialog_->isVisible());
+    EXPECT_FALSE(dialog_->Result().generated);
+}
+
+TEST_F(AutoVchDialogTest, GeneratesByKeyboard) {
+    set_.Answer("'' as FRemark", Rows(autovch::VoucherColumns(), {autovch::VoucherRow(2, "提现", 0)}));
+    set_.Respond("@Vch_cursor", [this](const std::string&) {
+        set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{9}}));
+        return Rows({});
+    });
+    auto* name = Child<QLineEdit>("txtVchTpName");
+    name->setFocus();
+    QTest::keyClicks(name, QStringLiteral("March"));
+    QTest::keyClick(name, Qt::Key_Return);
+    EXPECT_FALSE(dialog_->isVisible());
+    EXPECT_TRUE(dialog_->Result().generated);
+    EXPECT_EQ(dialog_->Result().templateId, 9);
+}
+
+TEST_F(AutoVchDialogTest, AMissingNameKeepsItOpen) {
+    QTest::mouseClick(Child<QPushButton>("Command0"), Qt::LeftButton);
+    EXPECT_TRUE(dialog_->isVisible());
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(), std::vector<std::string>{"凭证模板名称不允许为空！"});
+}
+
+}  // namespace
+}  // namespace vicenter::ui
