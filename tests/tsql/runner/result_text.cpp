@@ -33,6 +33,9 @@ std::string TextCell(const std::string& text) {
 }
 
 std::string TypeText(const ado::Column& column) {
+    // Two words for one type: expected texts say decimal.
+    if (column.serverType.starts_with("numeric"))
+        return "decimal" + column.serverType.substr(std::string("numeric").size());
     if (!column.serverType.empty()) return column.serverType;
     static const std::map<ado::DataType, std::string> kNames = {
         {ado::DataType::kSmallInt, "smallint"}, {ado::DataType::kInteger, "int"},
