@@ -63,7 +63,7 @@ inline std::vector<std::string> ComponentStatements() {
         "a.FItemClassID = "
         "b.FItemClassID \r\n where a.FDetailID = 5\r\n and b.FItemClassID>0 order by a.FItemClassID ",
         "select isnull(F1.FNumber,'')+','+isnull(F3.FNumber,'') as FItemsInfo from t_ItemDetail a  left join "
-        "t_Organization F1 on a.F1 = F1.FItemID  left join t_Emp F3 on a.F3 = F3.FItemID  Where FDetailID = "
+        "t_Customer F1 on a.F1 = F1.FItemID  left join t_Employee F3 on a.F3 = F3.FItemID  Where FDetailID = "
         "5",
         "select a.FDetailID,isnull(b.FDetailCount,0) as FDetailCount from t_Account a \r\n left join "
         "t_ItemDetail b on "
@@ -84,7 +84,7 @@ inline std::vector<std::string> ComponentStatements() {
         "b.FItemClassID \r\n where a.FDetailID = (select FDetailID  from t_Account where FNumber = "
         "'1122')\r\n and "
         "b.FItemClassID>0 order by a.FItemClassID ",
-        "select FItemID from t_Organization where fnumber = '01.001'",
+        "select FItemID from t_Customer where fnumber = '01.001'",
         // tree, layout, look-ups
         "select FID from t_VchTemplate where FName = '新模板' and FUserID = 16394",
         "update t_VchTemplate set FName = '新模板' where FID = 3",

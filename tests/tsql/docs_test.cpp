@@ -1,0 +1,137 @@
+// docs/tsql-support.md and docs/error-numbers.md say what the text tests cover and what the error table
+// holds. They are made here: VICENTER_UPDATE_DOCS=1 writes them, otherwise a stale one fails.
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "runner/test_file.h"
+#include "tsql/error_table.h"
+
+namespace vicenter::tsql_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kRoot = VICENTER_SOURCE_DIR;
+
+void ExpectDoc(const std::string& name, const std::string& text) {
+    const fs::path path = kRoot / "docs" / name;
+    if (std::getenv("VICENTER_UPDATE_DOCS")) {
+        ASSERT_EQ(std::getenv("CI"), nullptr) << "docs are not written in CI";
+        std::ofstream(path, std::ios::binary) << text;
+        return;
+    }
+    ASSERT_TRUE(fs::exists(path)) << name;
+    EXPECT_TRUE(ReadWholeFile(path) == text)
+        << name << " is stale: run test_tsql_runner with VICENTER_UPDATE_DOCS=1 and read the difference";
+}
+
+bool IsErrorNumber(const std::string& topic) {
+    return std::all_of(topic.begin(), topic.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
+}
+
+struct Coverage {
+    std::map<std::string, std::set<std::string>> topics;  // statement, function or type: tests
+    std::map<std::int32_t, std::set<std::string>> errors;
+};
+
+Coverage Collect() {
+    Coverage coverage;
+    for (const fs::path& path : FindTestFiles(kRoot / "tests/tsql")) {
+        const TestFile file = ReadTestFile(path);
+        const std::string name =
+            fs::relative(path, kRoot / "tests/tsql").replace_extension().generic_string();
+        for (const std::string& topic : file.covers) {
+            if (!IsErrorNumber(topic)) coverage.topics[topic].insert(name);
+        }
+        for (const Step& step : file.steps) {
+            if (step.errorNumber) coverage.errors[*step.errorNumber].insert(name);
+        }
+    }
+    return coverage;
+}
+
+std::string Links(const std::set<std::string>& tests) {
+    std::string text;
+    for (const std::string& test : tests) {
+        text += (text.empty() ? "" : ", ") + ("[" + test + "](../tests/tsql/" + test + ".test)");
+    }
+    return text;
+}
+
+// What would end a cell of a table or start an emphasis.
+std::string Escaped(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        if (c == '|' || c == '*' || c == '_' || c == '<') result += '\\';
+        result += c;
+    }
+    return result;
+}
+
+bool IsStatement(const std::string& topic) {
+    return std::none_of(topic.begin(), topic.end(), [](unsigned char c) { return std::islower(c) != 0; }) &&
+           std::any_of(topic.begin(), topic.end(), [](unsigned char c) { return std::isupper(c) != 0; });
+}
+
+std::string SupportText() {
+    const Coverage coverage = Collect();
+    std::string statements;
+    std::string others;
+    for (const auto& [topic, tests] : coverage.topics) {
+        (IsStatement(topic) ? statements : others) += "| " + Escaped(topic) + " | " + Links(tests) + " |\n";
+    }
+    return "# T-SQL of the embedded account set\n\n"
+           "What an embedded account set takes, each with the tests that show it. Made from the `# covers:` "
+           "lines of\n"
+           "`tests/tsql/**/*.test` by the test `DocsTest`; whatever is not listed here is not promised. "
+           "Error numbers\n"
+           "are in [error-numbers.md](error-numbers.md).\n\n"
+           "## Statements and clauses\n\n| statement or clause | tests |\n|---|---|\n" +
+           statements + "\n## Functions, types, operators\n\n| name | tests |\n|---|---|\n" + others;
+}
+
+std::string ErrorsText() {
+    const Coverage coverage = Collect();
+    std::string text =
+        "# Error numbers of the embedded account set\n\n"
+        "SQL Server's numbers, severities and texts, from `tsql/error_table.cpp`. *Batch*: the rest of the "
+        "batch does\n"
+        "not run; other errors end their statement alone unless `XACT_ABORT` is on. Slots such as `%.*ls` "
+        "are filled\n"
+        "in. Made by the test `DocsTest`.\n\n"
+        "| number | severity | ends | message | tests |\n|---|---|---|---|---|\n";
+    for (const tsql::ErrorEntry& entry : tsql::ErrorTable()) {
+        const auto tests = coverage.errors.find(entry.number);
+        text += "| " + std::to_string(entry.number) + " | " + std::to_string(entry.severity) + " | " +
+                (entry.abortsBatch ? "batch" : "statement") + " | " + Escaped(entry.message) + " | " +
+                (tests == coverage.errors.end() ? "" : Links(tests->second)) + " |\n";
+    }
+    return text;
+}
+
+TEST(DocsTest, SupportTableListsWhatIsTested) {
+    ExpectDoc("tsql-support.md", SupportText());
+}
+
+TEST(DocsTest, ErrorNumbersAreThoseOfTheTable) {
+    ExpectDoc("error-numbers.md", ErrorsText());
+}
+
+TEST(DocsTest, EveryTextTestSaysItsNameAndWhatItCovers) {
+    for (const fs::path& path : FindTestFiles(kRoot / "tests/tsql")) {
+        const TestFile file = ReadTestFile(path);
+        EXPECT_EQ(file.name, fs::relative(path, kRoot).generic_string());
+        EXPECT_FALSE(file.covers.empty()) << file.name;
+    }
+}
+
+}  // namespace
+}  // namespace vicenter::tsql_test
