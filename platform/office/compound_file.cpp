@@ -1,6 +1,7 @@
 #include "platform/office/compound_file.h"
 
 #include <algorithm>
+#include <array>
 
 #include <gsf/gsf.h>
 
@@ -10,19 +11,37 @@ namespace vicenter::office {
 
 namespace {
 
-// The library reports damaged files in its own log, too; the Error is enough.
 void InitLibrary() {
     static const bool done = [] {
         gsf_init();
-        const auto silent = [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {};
-        const auto levels = static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK & ~G_LOG_LEVEL_ERROR);
-        for (const char* domain : {"libgsf:msole", "libgsf", "GLib", "GLib-GObject"}) {
-            g_log_set_handler(domain, levels, silent, nullptr);
-        }
         return true;
     }();
     static_cast<void>(done);
 }
+
+// The library tells damaged files to the process's log, too; the Error is enough. Only for the time of a
+// call: the log belongs to the whole process.
+class QuietLog {
+  public:
+    QuietLog() {
+        const auto silent = [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {};
+        const auto levels = static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK & ~G_LOG_LEVEL_ERROR);
+        for (std::size_t i = 0; i < kDomains.size(); ++i) {
+            handlers_[i] = g_log_set_handler(kDomains[i], levels, silent, nullptr);
+        }
+    }
+    QuietLog(const QuietLog&) = delete;
+    QuietLog& operator=(const QuietLog&) = delete;
+    ~QuietLog() {
+        for (std::size_t i = 0; i < kDomains.size(); ++i)
+            g_log_remove_handler(kDomains[i], handlers_[i]);
+    }
+
+  private:
+    static constexpr std::array<const char*, 5> kDomains = {nullptr, "libgsf:msole", "libgsf", "GLib",
+                                                            "GLib-GObject"};
+    std::array<guint, kDomains.size()> handlers_{};
+};
 
 struct Unref {
     void operator()(void* object) const {
@@ -81,6 +100,7 @@ struct CompoundReader::Handles {
 
 CompoundReader::CompoundReader(const std::string& fileName) : handles_(std::make_unique<Handles>()) {
     InitLibrary();
+    const QuietLog quiet;
     handles_->file.reset(gsf_input_stdio_new(fileName.c_str(), nullptr));
     if (!handles_->file) FailDamaged("无法打开");
     handles_->compound.reset(gsf_infile_msole_new(handles_->file.get(), nullptr));
@@ -98,6 +118,7 @@ CompoundReader::CompoundReader(const std::string& fileName) : handles_(std::make
 CompoundReader::~CompoundReader() = default;
 
 std::size_t CompoundReader::Read(char* buffer, std::size_t size) {
+    const QuietLog quiet;
     GsfInput* stream = handles_->stream.get();
     const gsf_off_t left = gsf_input_remaining(stream);
     if (left <= 0) return 0;
@@ -107,6 +128,7 @@ std::size_t CompoundReader::Read(char* buffer, std::size_t size) {
 }
 
 void CompoundReader::Seek(std::uint64_t position) {
+    const QuietLog quiet;
     if (position > Size() ||
         gsf_input_seek(handles_->stream.get(), static_cast<gsf_off_t>(position), G_SEEK_SET)) {
         FailDamaged("工作表位置");

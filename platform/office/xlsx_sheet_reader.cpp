@@ -238,7 +238,7 @@ class SheetReader {
         if (error == std::errc() && rest == value.data() + value.size() && std::isfinite(number)) {
             cell.kind = CellKind::Number;
             cell.number = number;
-        } else if (const auto lenient = automation::ParseDouble(value)) {
+        } else if (const auto lenient = automation::ParseDouble(value); lenient && std::isfinite(*lenient)) {
             cell.kind = CellKind::Number;
             cell.number = *lenient;
         } else {
