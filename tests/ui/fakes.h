@@ -1,57 +1,16 @@
 #pragma once
 
-// Stand-ins that the window tests share: a person who answers message boxes as told, and rules that do what a
-// plain grid would.
+// A stand-in that the grid's tests share: rules that do what a plain grid would.
 
-#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "center/cell_rules.h"
 #include "center/entry_grid.h"
-#include "platform/system/surroundings.h"
 #include "ui/grid_actions.h"
 
 namespace vicenter::ui::testing {
-
-// Never shows anything: remembers what was asked and answers from a queue, else OK or No.
-class RecordedBoxes : public system::MessageBoxes {
-  public:
-    system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
-                               system::MessageIcon icon, const std::string& title) override {
-        texts.push_back(text);
-        titles.push_back(title);
-        icons.push_back(icon);
-        if (!answers.empty()) {
-            const system::MessageResult answer = answers.front();
-            answers.pop_front();
-            return answer;
-        }
-        return buttons == system::MessageButtons::YesNo ? system::MessageResult::No
-                                                        : system::MessageResult::Ok;
-    }
-
-    std::vector<std::string> texts;
-    std::vector<std::string> titles;
-    std::vector<system::MessageIcon> icons;
-    std::deque<system::MessageResult> answers;
-};
-
-// The system's surroundings with recorded message boxes, for the length of a test.
-class QuietSurroundings {
-  public:
-    QuietSurroundings() : boxes(std::make_shared<RecordedBoxes>()), scope_(Make(boxes)) {}
-    std::shared_ptr<RecordedBoxes> boxes;
-
-  private:
-    static system::Surroundings Make(const std::shared_ptr<RecordedBoxes>& boxes) {
-        system::Surroundings quiet = system::Surroundings::OfSystem();
-        quiet.messageBoxes = boxes;
-        return quiet;
-    }
-    system::SurroundingsScope scope_;
-};
 
 // Rules of a grid without a template center: the cursor goes where it is sent, texts are taken.
 class PlainActions : public GridActions {

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/error.h"
-#include "tests/ui/fakes.h"
+#include "tests/fakes/fake_surroundings.h"
 #include "ui/slot_guard.h"
 
 namespace vicenter::ui {
@@ -97,15 +97,15 @@ TEST(QtSurroundings, KeepsTheSystemsOtherServices) {
 }
 
 TEST(SlotGuard, TellsFailuresInAMessageBoxAndLetsNonePass) {
-    const testing::QuietSurroundings quiet;
+    const fakes::FakeSurroundings quiet;
     Guarded([] { throw automation::Error(429, "不能创建对象", "VelaEBCGLView.GLView"); });
     Guarded([] { throw std::runtime_error("plain"); });
     Guarded([] { throw 5; });
-    ASSERT_EQ(quiet.boxes->texts.size(), 3U);
-    EXPECT_EQ(quiet.boxes->texts[0], "不能创建对象\r\n\r\nVelaEBCGLView.GLView");
-    EXPECT_EQ(quiet.boxes->texts[1], "plain");
-    EXPECT_EQ(quiet.boxes->texts[2], "未知错误");
-    EXPECT_EQ(quiet.boxes->titles[0], "信息提示");
+    ASSERT_EQ(quiet.messageBoxes->shown.size(), 3U);
+    EXPECT_EQ(quiet.messageBoxes->shown[0].text, "不能创建对象\r\n\r\nVelaEBCGLView.GLView");
+    EXPECT_EQ(quiet.messageBoxes->shown[1].text, "plain");
+    EXPECT_EQ(quiet.messageBoxes->shown[2].text, "未知错误");
+    EXPECT_EQ(quiet.messageBoxes->shown[0].title, "信息提示");
     EXPECT_EQ(GuardedOr(7, []() -> int { throw 5; }), 7);
     EXPECT_EQ(GuardedOr(7, [] { return 8; }), 8);
 }
