@@ -1,0 +1,281 @@
+#include "center/cell_rules.h"
+
+#include <initializer_list>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "center/columns.h"
+
+namespace vicenter::center {
+
+namespace {
+
+constexpr std::initializer_list<int> kTextColumns{2, 5, 6, 9, 10, 11, 13, 17, 21};
+constexpr std::initializer_list<int> kDecimalColumns{14, 15, 18, 19, 20};
+constexpr std::initializer_list<int> kIdColumns{4, 8, 12, 16};
+
+std::string Repeated(const std::string& text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i)
+        result += text;
+    return result;
+}
+
+TextVerdict Verdict(int gridColumn, const std::string& text) {
+    return CheckTypedText(gridColumn, text);
+}
+
+}  // namespace
+
+// --- characters
+
+TEST(TypedCharacters, ASingleQuoteAndAVerticalBarAreRefusedInEveryColumn) {
+    for (int c = 1; c <= kColumnCount; ++c) {
+        EXPECT_FALSE(AcceptsCharacter(c, U'\'')) << c;
+        EXPECT_FALSE(AcceptsCharacter(c, U'|')) << c;
+    }
+}
+
+TEST(TypedCharacters, ControlCharactersAreRefusedInEveryColumn) {
+    for (int c = 1; c <= kColumnCount; ++c) {
+        for (const char32_t control : {U'\0', U'\t', U'\n', U'\r', U'\x1B', U'\x7F'})
+            EXPECT_FALSE(AcceptsCharacter(c, control)) << c;
+    }
+}
+
+TEST(TypedCharacters, TheTemplateNumberTakesDigitsOnly) {
+    for (char32_t digit = U'0'; digit <= U'9'; ++digit)
+        EXPECT_TRUE(AcceptsCharacter(column::kNo, digit));
+    for (const char32_t other : {U'a', U'Z', U'-', U'.', U',', U' ', U'/', U':', U'一', U'１'})
+        EXPECT_FALSE(AcceptsCharacter(column::kNo, other));
+}
+
+TEST(TypedCharacters, TextColumnsTakeAnythingElse) {
+    for (const int c : kTextColumns) {
+        for (const char32_t character : {U'a', U'"', U'.', U',', U' ', U'借', U'\U0001F600'})
+            EXPECT_TRUE(AcceptsCharacter(c, character)) << c;
+    }
+}
+
+TEST(TypedCharacters, NumberColumnsTakeDigitsAndDecimalOnesAPoint) {
+    for (const int c : kDecimalColumns) {
+        EXPECT_TRUE(AcceptsCharacter(c, U'7')) << c;
+        EXPECT_TRUE(AcceptsCharacter(c, U'.')) << c;
+        for (const char32_t other : {U'-', U'+', U',', U'e', U'¥', U' '})
+            EXPECT_FALSE(AcceptsCharacter(c, other)) << c;
+    }
+    EXPECT_TRUE(AcceptsCharacter(column::kFileCount, U'7'));
+    EXPECT_FALSE(AcceptsCharacter(column::kFileCount, U'.'));
+}
+
+TEST(TypedCharacters, LockedColumnsAndTheDirectionListTakeNone) {
+    for (const int c : kIdColumns)
+        EXPECT_FALSE(AcceptsCharacter(c, U'1')) << c;
+    for (const char32_t character : {U'a', U'1', U'借'})
+        EXPECT_FALSE(AcceptsCharacter(column::kDirection, character));
+}
+
+// --- whole texts
+
+TEST(TypedTexts, TheEmptyTextIsTakenEverywhereButInLockedColumns) {
+    for (int c = 1; c <= kColumnCount; ++c) {
+        EXPECT_EQ(Verdict(c, ""), Column(c).locked ? TextVerdict::Locked : TextVerdict::Taken) << c;
+    }
+}
+
+TEST(TypedTexts, LockedColumnsTakeNothing) {
+    for (const int c : kIdColumns)
+        EXPECT_EQ(Verdict(c, "1001"), TextVerdict::Locked) << c;
+}
+
+TEST(TypedTexts, RefusedCharactersAreRefusedWithinATextToo) {
+    for (const int c : kTextColumns) {
+        for (const char* text : {"a'b", "a|b", "'", "|", "a\tb", "a\nb", "a\x7F"})
+            EXPECT_EQ(Verdict(c, text), TextVerdict::BadCharacter) << c << " " << text;
+        EXPECT_EQ(Verdict(c, std::string("a\0b", 3)), TextVerdict::BadCharacter) << c;
+    }
+}
+
+TEST(TypedTexts, EveryTextColumnTakesItsLimitOfCharactersAndNoMore) {
+    for (const int c : kTextColumns) {
+        const int limit = Column(c).maxCharacters;
+        EXPECT_EQ(Verdict(c, Repeated("a", limit)), TextVerdict::Taken) << c;
+        EXPECT_EQ(Verdict(c, Repeated("a", limit + 1)), TextVerdict::TooLong) << c;
+        // A Chinese character counts once, not by its bytes.
+        EXPECT_EQ(Verdict(c, Repeated("借", limit)), TextVerdict::Taken) << c;
+        EXPECT_EQ(Verdict(c, Repeated("借", limit + 1)), TextVerdict::TooLong) << c;
+    }
+}
+
+TEST(TypedTexts, ACharacterOutsideTheBasicPlaneCountsTwiceAsTheServerCountsIt) {
+    EXPECT_EQ(Verdict(column::kCurrencyName, Repeated("😀", 15)), TextVerdict::Taken);
+    EXPECT_EQ(Verdict(column::kCurrencyName, Repeated("😀", 15) + "a"), TextVerdict::TooLong);
+}
+
+TEST(TypedTexts, TheDirectionIsOneOfThreeChoices) {
+    for (const char* text : {"借", "贷", "  ", ""})
+        EXPECT_EQ(Verdict(column::kDirection, text), TextVerdict::Taken) << text;
+    for (const char* text : {"借方", "d", "1", "借 ", " 贷"})
+        EXPECT_EQ(Verdict(column::kDirection, text), TextVerdict::NotInList) << text;
+}
+
+TEST(TypedTexts, TheTemplateNumberTakesDigitsUpToTheLargestInteger) {
+    EXPECT_EQ(Verdict(1, "0"), TextVerdict::Taken);
+    EXPECT_EQ(Verdict(1, "007"), TextVerdict::Taken);
+    EXPECT_EQ(Verdict(1, "2147483647"), TextVerdict::Taken);
+    EXPECT_EQ(Verdict(1, "2147483648"), TextVerdict::TooLarge);
+    EXPECT_EQ(Verdict(1, "9999999999"), TextVerdict::TooLarge);
+    EXPECT_EQ(Verdict(1, "00000000001"), TextVerdict::TooLong);
+    for (const char* text : {"-1", "+1", "1.0", "1,000", "1e3", "0x1F", " 1", "1 ", "一", "１", "a"})
+        EXPECT_EQ(Verdict(1, text), TextVerdict::BadCharacter) << text;
+}
+
+TEST(TypedTexts, ADigitThatWouldPassTheLargestTemplateNumberIsRefusedWhileTyping) {
+    EXPECT_TRUE(MayBecomeTypedText(1, "214748364"));
+    EXPECT_TRUE(MayBecomeTypedText(1, "2147483647"));
+    EXPECT_FALSE(MayBecomeTypedText(1, "2147483648"));
+    EXPECT_FALSE(MayBecomeTypedText(1, "21474836470"));
+}
+
+TEST(TypedTexts, AttachmentsAreAWholeNumberUpToNineNines) {
+    const int c = column::kFileCount;
+    EXPECT_EQ(Verdict(c, "0"), TextVerdict::Taken);
+    EXPECT_EQ(Verdict(c, "999999999"), TextVerdict::Taken);
+    EXPECT_EQ(Verdict(c, "0000999999999"), TextVerdict::Taken);
+    EXPECT_EQ(Verdict(c, "1000000000"), TextVerdict::TooLarge);
+    for (const char* text : {"1.0", "1.", ".", "-1", "+1", "1,000", "1e3", "0x1", "a", "¥1", "１"})
+        EXPECT_EQ(Verdict(c, text), TextVerdict::NotANumber) << text;
+}
+
+TEST(TypedTexts, DecimalColumnsTakeNumbersFromZeroToNineNines) {
+    for (const int c : kDecimalColumns) {
+        for (const char* text : {"0", "0.0", "1", "1.5", ".5", "5.", "007.50", "999999999", "999999999.0000"})
+            EXPECT_EQ(Verdict(c, text), TextVerdict::Taken) << c << " " << text;
+        for (const char* text : {"1000000000", "999999999.1", "999999999.0001"})
+            EXPECT_EQ(Verdict(c, text), TextVerdict::TooLarge) << c << " " << text;
+        for (const char* text : {"-1", "-0", "+1", ".", "1.2.3", "1,000", "1,5", "1e3", "1E3", "1e,3", "0x1F",
+                                 "¥1", "$1", " 1", "1 ", "１", "nan", "inf", "一"}) {
+            EXPECT_EQ(Verdict(c, text), TextVerdict::NotANumber) << c << " " << text;
+        }
+    }
+}
+
+TEST(TypedTexts, EveryDecimalColumnTakesItsDecimalsAndNoMore) {
+    for (const int c : kDecimalColumns) {
+        const int limit = Column(c).decimals;
+        EXPECT_EQ(Verdict(c, "1." + Repeated("3", limit)), TextVerdict::Taken) << c;
+        EXPECT_EQ(Verdict(c, "1." + Repeated("3", limit + 1)), TextVerdict::TooManyDecimals) << c;
+    }
+    EXPECT_EQ(Verdict(column::kAmount, "0.12345"), TextVerdict::TooManyDecimals);
+    EXPECT_EQ(Verdict(column::kRate, "0.1234567891"), TextVerdict::Taken);
+}
+
+TEST(TypedTexts, ANumberMayBeUnfinishedOnlyWhileItIsTyped) {
+    for (const int c : kDecimalColumns) {
+        EXPECT_TRUE(MayBecomeTypedText(c, ".")) << c;
+        EXPECT_TRUE(MayBecomeTypedText(c, "12.")) << c;
+        EXPECT_FALSE(MayBecomeTypedText(c, "1.2.")) << c;
+        EXPECT_FALSE(MayBecomeTypedText(c, "-")) << c;
+        EXPECT_EQ(Verdict(c, "."), TextVerdict::NotANumber) << c;
+    }
+    EXPECT_FALSE(MayBecomeTypedText(column::kFileCount, "."));
+}
+
+TEST(TypedTexts, EveryRefusalIsExplainedAndNothingElseIs) {
+    EXPECT_EQ(VerdictText(TextVerdict::Taken, 1), "");
+    EXPECT_EQ(VerdictText(TextVerdict::Locked, 4), "该列由系统填写，不能录入");
+    EXPECT_EQ(VerdictText(TextVerdict::BadCharacter, 1), "只能录入数字");
+    EXPECT_EQ(VerdictText(TextVerdict::BadCharacter, 2), "不能包含单引号、竖线或控制字符");
+    EXPECT_EQ(VerdictText(TextVerdict::TooLong, 13), "长度不能超过30个字符");
+    EXPECT_EQ(VerdictText(TextVerdict::NotANumber, 7), "必须是不小于0的整数");
+    EXPECT_EQ(VerdictText(TextVerdict::NotANumber, 20), "必须是不小于0的数字，不带千分位");
+    EXPECT_EQ(VerdictText(TextVerdict::TooLarge, 1), "不能大于2147483647");
+    EXPECT_EQ(VerdictText(TextVerdict::TooLarge, 20), "不能大于999999999");
+    EXPECT_EQ(VerdictText(TextVerdict::TooManyDecimals, 20), "小数位数不能超过4位");
+    EXPECT_EQ(VerdictText(TextVerdict::TooManyDecimals, 19), "小数位数不能超过10位");
+    EXPECT_EQ(VerdictText(TextVerdict::NotInList, 3), "只能选择“借”或“贷”");
+}
+
+// --- texts of programs
+
+TEST(ProgramTexts, TheTemplateNumberTakesDigitsOnlyByAnyWayIn) {
+    for (const char* text : {"", "0", "12", "2147483647", "000000000012"})
+        EXPECT_TRUE(AcceptsProgramText(1, text)) << text;
+    for (const char* text :
+         {"2147483648", "99999999999999999999", "-1", "1.0", "a", " 1", "1;drop table t", "１"})
+        EXPECT_FALSE(AcceptsProgramText(1, text)) << text;
+}
+
+TEST(ProgramTexts, IdColumnsTakeWholeNumbersSinceTheyGoBareIntoStatements) {
+    for (const int c : kIdColumns) {
+        for (const char* text : {"", "0", "1001", "-1"})
+            EXPECT_TRUE(AcceptsProgramText(c, text)) << c << " " << text;
+        for (const char* text : {"1;drop table t", "1 or 1=1", "a", "1.5", "--1", "12345678901"})
+            EXPECT_FALSE(AcceptsProgramText(c, text)) << c << " " << text;
+    }
+}
+
+TEST(ProgramTexts, EveryOtherColumnTakesAnyText) {
+    for (const int c : {2, 3, 5, 6, 7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20, 21})
+        EXPECT_TRUE(AcceptsProgramText(c, "a'b|c\n" + Repeated("x", 300))) << c;
+}
+
+// --- numbers
+
+TEST(PlainNumbers, AreDigitsWithAtMostOnePointAndASign) {
+    for (const char* text : {"0", "12", "12.5", ".5", "5.", "-3", "+3", " 7 ", "00"})
+        EXPECT_TRUE(IsPlainNumber(text)) << text;
+    for (const char* text : {"", " ", ".", "-", "+", "-.", "1.2.3", "1,000", "1e3", "1e,3", "0x1F", "&H1F",
+                             "¥1", "$1", "1 2", "--1", "１", "12a", "nan"}) {
+        EXPECT_FALSE(IsPlainNumber(text)) << text;
+    }
+}
+
+// --- painting
+
+TEST(DisplayTexts, DecimalColumnsGetThousandsSeparators) {
+    EXPECT_EQ(DisplayText(column::kAmount, "1234567.5"), "1,234,567.50");
+    EXPECT_EQ(DisplayText(column::kQuantity, "1000"), "1,000");
+    EXPECT_EQ(DisplayText(column::kQuantity, "999"), "999");
+    EXPECT_EQ(DisplayText(column::kRate, "6.8765432101"), "6.8765432101");
+}
+
+TEST(DisplayTexts, NoDigitThatMattersIsLost) {
+    EXPECT_EQ(DisplayText(column::kAmount, "0.0001"), "0.0001");
+    EXPECT_EQ(DisplayText(column::kPrice, "999999998.1234567891"), "999,999,998.1234567891");
+    EXPECT_EQ(DisplayText(column::kAmountFor, "123456789.1234"), "123,456,789.1234");
+}
+
+TEST(DisplayTexts, WhatWasTypedAndWhatTheAccountSetKeepsOfItReadTheSame) {
+    for (const int c : kDecimalColumns) {
+        EXPECT_EQ(DisplayText(c, "1.50"), DisplayText(c, "1.5")) << c;
+        EXPECT_EQ(DisplayText(c, "007"), DisplayText(c, "7")) << c;
+        EXPECT_EQ(DisplayText(c, ".5"), DisplayText(c, "0.5")) << c;
+        EXPECT_EQ(DisplayText(c, "5."), DisplayText(c, "5")) << c;
+        EXPECT_EQ(DisplayText(c, "12.3400"), DisplayText(c, "12.34")) << c;
+    }
+}
+
+TEST(DisplayTexts, AmountsAndPricesShowTwoDecimalsAtLeast) {
+    for (const int c : {column::kAmount, column::kAmountFor, column::kPrice})
+        EXPECT_EQ(DisplayText(c, "5"), "5.00") << c;
+    for (const int c : {column::kRate, column::kQuantity})
+        EXPECT_EQ(DisplayText(c, "5.0"), "5") << c;
+}
+
+TEST(DisplayTexts, NegativeNumbersKeepTheirSign) {
+    EXPECT_EQ(DisplayText(column::kAmount, "-1234.5"), "-1,234.50");
+}
+
+TEST(DisplayTexts, EveryOtherTextIsPaintedAsItIs) {
+    EXPECT_EQ(DisplayText(column::kAmount, ""), "");
+    EXPECT_EQ(DisplayText(column::kAmount, "abc"), "abc");
+    EXPECT_EQ(DisplayText(column::kAmount, "1e5"), "1e5");
+    EXPECT_EQ(DisplayText(column::kAmount, "."), ".");
+    EXPECT_EQ(DisplayText(column::kNo, "0012345"), "0012345");
+    EXPECT_EQ(DisplayText(column::kAccountNumber, "0012345.50"), "0012345.50");
+    EXPECT_EQ(DisplayText(column::kFileCount, "12345"), "12345");
+}
+
+}  // namespace vicenter::center
