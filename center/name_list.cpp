@@ -5,7 +5,6 @@
 #include "automation/class_registry.h"
 #include "center/cell_look_ups.h"
 #include "center/cell_resolution.h"
-#include "platform/system/collation.h"
 #include "platform/system/utf8.h"
 
 namespace vicenter::center {
@@ -31,55 +30,9 @@ bool IsDetail(const Variant& records) {
 
 }  // namespace
 
-// --- NameIndex
-
-void NameIndex::Clear() {
-    entries_.clear();
-    folded_.clear();
-    candidates_.clear();
-    lastText_.clear();
-}
-
-void NameIndex::Add(Entry entry) {
-    const system::Collator& collator = system::Collator::Chinese();
-    std::string folded = collator.Fold(entry.number);
-    folded += '\0';
-    folded += collator.Fold(entry.name);
-    folded += '\0';
-    folded += collator.PinyinInitials(entry.name);
-    folded += '\0';
-    folded_.push_back(std::move(folded));
-    candidates_.push_back(entries_.size());
-    entries_.push_back(std::move(entry));
-    lastText_.clear();
-}
-
-std::vector<std::size_t> NameIndex::Narrow(std::string_view text, std::size_t most) {
-    const std::string wanted = system::Collator::Chinese().Fold(system::TrimBlanks(text));
-    if (lastText_.empty() || wanted.find(lastText_) == std::string::npos) {
-        candidates_.resize(entries_.size());
-        for (std::size_t i = 0; i < candidates_.size(); ++i)
-            candidates_[i] = i;
-    }
-    std::erase_if(candidates_, [&](std::size_t i) { return folded_[i].find(wanted) == std::string::npos; });
-    lastText_ = wanted;
-
-    std::vector<std::size_t> result;
-    const auto take = [&](bool codesThatBegin) {
-        for (const std::size_t i : candidates_) {
-            if (result.size() >= most) return;
-            if (folded_[i].starts_with(wanted) == codesThatBegin) result.push_back(i);
-        }
-    };
-    take(true);
-    take(false);
-    return result;
-}
-
-// --- NameList
-
 void NameList::ReadEntries(const CellAddress& cell) {
     cell_ = cell;
+    entries_.clear();
     index_.Clear();
     try {
         Variant text("");
@@ -95,11 +48,13 @@ void NameList::ReadEntries(const CellAddress& cell) {
         if (!list.IsObject() || list.AsObject() == nullptr) return;
         const automation::ObjectRef& records = list.AsObject();
         for (; !records->Get("EOF").ToBoolean(); records->Call("MoveNext")) {
-            index_.Add({RecordField(list, "FID").ToTextOrEmpty(),
-                        RecordField(list, "FNumber").ToTextOrEmpty(),
-                        RecordField(list, "FName").ToTextOrEmpty(), IsDetail(list)});
+            entries_.push_back({RecordField(list, "FID").ToTextOrEmpty(),
+                                RecordField(list, "FNumber").ToTextOrEmpty(),
+                                RecordField(list, "FName").ToTextOrEmpty(), IsDetail(list)});
+            index_.Add(entries_.back().number, entries_.back().name);
         }
     } catch (const automation::Error&) {
+        entries_.clear();
         index_.Clear();
     }
 }
@@ -113,12 +68,10 @@ void NameList::TextTyped(const std::string& text) {
         return;
     }
     if (!(cell == cell_)) ReadEntries(cell);
-    shown_ = index_.Narrow(text, kMostShown);
+    shown_ = index_.Best(text, kMostShown);
     list_ = {!shown_.empty(), cell.row, cell.column, -1, {}};
-    for (const std::size_t i : shown_) {
-        const NameIndex::Entry& entry = index_.At(i);
-        list_.entries.push_back({entry.number, entry.name, entry.selectable});
-    }
+    for (const std::size_t i : shown_)
+        list_.entries.push_back({entries_[i].number, entries_[i].name, entries_[i].selectable});
     state_.view.SetNameList(list_);
 }
 
@@ -138,7 +91,7 @@ bool NameList::Take() {
     const bool taken = list_.open && list_.selected >= 0 &&
                        list_.entries[static_cast<std::size_t>(list_.selected)].selectable;
     if (taken) {
-        const NameIndex::Entry& entry = index_.At(shown_[static_cast<std::size_t>(list_.selected)]);
+        const Entry& entry = entries_[shown_[static_cast<std::size_t>(list_.selected)]];
         const Choice choice{entry.id, entry.number, entry.name};
         WriteChosen(state_, list_.row, TextsOfChoice(*state_.grid, list_.row, list_.column, choice));
         state_.dirty = true;

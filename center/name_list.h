@@ -12,38 +12,12 @@
 // explanations it is the bound account.
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "center/window_state.h"
+#include "platform/system/narrowing_index.h"
 
 namespace vicenter::center {
-
-// Entries that narrow quickly: everything that is compared is folded once.
-class NameIndex {
-  public:
-    struct Entry {
-        std::string id;
-        std::string number;
-        std::string name;
-        bool selectable = true;
-    };
-
-    void Clear();
-    void Add(Entry entry);
-    bool IsEmpty() const { return entries_.empty(); }
-    const Entry& At(std::size_t index) const { return entries_[index]; }
-
-    // Indexes of the entries whose code, name or initials contain the text: codes that begin with it first,
-    // otherwise in the list's order; at most `most`.
-    std::vector<std::size_t> Narrow(std::string_view text, std::size_t most);
-
-  private:
-    std::vector<Entry> entries_;
-    std::vector<std::string> folded_;      // code, name and initials, each ended by a NUL
-    std::vector<std::size_t> candidates_;  // of the last text, which the next one mostly extends
-    std::string lastText_;
-};
 
 class NameList {
   public:
@@ -63,8 +37,16 @@ class NameList {
   private:
     void ReadEntries(const CellAddress& cell);
 
+    struct Entry {
+        std::string id;
+        std::string number;
+        std::string name;
+        bool selectable = true;
+    };
+
     WindowState& state_;
-    NameIndex index_;
+    std::vector<Entry> entries_;
+    system::NarrowingIndex index_;  // of entries_
     NameListState list_;
     std::vector<std::size_t> shown_;
     CellAddress cell_{0, 0};  // whose entries the index holds
