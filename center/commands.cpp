@@ -59,9 +59,7 @@ void frmVICenter::Parts::RunCommand(Tool tool, TemplateWindow& window) {
             if (!RefusedForRight()) editing.InsertRow();
             break;
         case Tool::Imp:
-            LogRequest("凭证模板-引入模板");
-            if (RefusedForRight() || !gate()) break;
-            if (commands != nullptr) commands->Import(window);
+            RunImport(window, {});
             break;
         case Tool::Exp:
             LogRequest("凭证模板-引出模板");
@@ -78,6 +76,17 @@ void frmVICenter::Parts::RunCommand(Tool tool, TemplateWindow& window) {
         case Tool::Share:
             // Known, and deliberately without effect.
             break;
+    }
+}
+
+void frmVICenter::Parts::RunImport(TemplateWindow& window, const std::string& fileName) {
+    editing.FinishTyping();
+    LogRequest("凭证模板-引入模板");
+    if (RefusedForRight() || !save.ConfirmUnsavedChanges() || commands == nullptr) return;
+    if (fileName.empty()) {
+        commands->Import(window);
+    } else {
+        commands->ImportFile(window, fileName);
     }
 }
 

@@ -148,6 +148,10 @@ void frmVICenter::ToolClick(std::string_view key) {
     }
 }
 
+void frmVICenter::FileDropped(const std::string& fileName) {
+    AtEdge([&] { parts_->RunImport(*this, fileName); });
+}
+
 // --- tree
 
 void frmVICenter::TreeGotFocus() {
@@ -211,6 +215,10 @@ EntryGrid& frmVICenter::Grid() {
 
 void frmVICenter::ShowProgress(const ProgressState& state) {
     parts_->state.view.SetProgress(state);
+}
+
+bool frmVICenter::ProgressCancelled() {
+    return parts_->state.view.ProgressCancelled();
 }
 
 void frmVICenter::RebuildTreeAndSelect(std::int32_t id) {

@@ -58,6 +58,8 @@ class frmVICenter final : public TemplateWindow {
     bool KeyPreview(int keyCode);
     // A tool of the bar by its key, compared without case.
     void ToolClick(std::string_view key);
+    // A workbook file dropped on the window: the import command on it.
+    void FileDropped(const std::string& fileName);
 
     // --- tree
     void TreeGotFocus();
@@ -120,6 +122,7 @@ class frmVICenter final : public TemplateWindow {
     int RowCount() const override;
     EntryGrid& Grid() override;
     void ShowProgress(const ProgressState& state) override;
+    bool ProgressCancelled() override;
     void RebuildTreeAndSelect(std::int32_t id) override;
 
     const std::shared_ptr<EntryGrid>& GridObject() const;  // vsEntrys

@@ -28,6 +28,8 @@ struct frmVICenter::Parts : public GridObserver {
     void RefreshSurroundings();
     void RefreshStatus();
     void RunCommand(Tool tool, TemplateWindow& window);
+    // fileName: a workbook chosen already; empty: the command asks for one.
+    void RunImport(TemplateWindow& window, const std::string& fileName);
 
     void ActiveCellChanged(const CellAddress& cell) override;
     void TextsChanged(const CellRange& range) override;

@@ -22,6 +22,8 @@ class TemplateWindow {
     virtual int RowCount() const = 0;                     // rows of the grid in use
     virtual EntryGrid& Grid() = 0;                        // vsEntrys
     virtual void ShowProgress(const ProgressState& state) = 0;
+    // The user has asked to cancel what the progress panel shows.
+    virtual bool ProgressCancelled() = 0;
     // Builds the tree anew, selects the node of that id, or of the last row when the id is below 1, and opens
     // it.
     virtual void RebuildTreeAndSelect(std::int32_t id) = 0;
@@ -31,6 +33,8 @@ class TemplateCommands {
   public:
     virtual ~TemplateCommands() = default;
     virtual void Import(TemplateWindow& window) = 0;
+    // The import of a file that is chosen already.
+    virtual void ImportFile(TemplateWindow& window, const std::string& fileName) = 0;
     virtual void Export(TemplateWindow& window) = 0;
     virtual void UploadToCloud(TemplateWindow& window) = 0;
     // Shows the generation dialog modally; it rebuilds the tree itself when it generated a template.

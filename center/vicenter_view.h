@@ -114,6 +114,8 @@ class VICenterView {
     virtual void SetTemplateName(const std::string& name) = 0;  // itName
     virtual void SetGridInteractive(bool interactive) = 0;
     virtual void SetProgress(const ProgressState& state) = 0;  // progress, lblprogress
+    // Takes clicks on the progress panel alone and tells whether Cancel was among them.
+    virtual bool ProgressCancelled() { return false; }
     virtual void SetItemPanel(const ItemPanelState& state) = 0;
     virtual void SetStatus(const StatusState& state) = 0;
     virtual void SetNameList(const NameListState& state) = 0;

@@ -2,8 +2,12 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QMimeData>
+#include <QUrl>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -32,6 +36,16 @@ constexpr int kNamePadding = 9;  // pixels around the name's line
 // would leave a third of every row empty.
 constexpr double kLineOfEm = 1.2;
 
+// The one local workbook file that is being dragged; empty for anything else.
+QString DroppedWorkbook(const QMimeData& data) {
+    const QList<QUrl> urls = data.urls();
+    if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
+    const QString file = urls.front().toLocalFile();
+    const bool workbook = file.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive) ||
+                          file.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive);
+    return workbook ? file : QString();
+}
+
 center::Size TwipsOf(const QSize& size, const QPaintDevice& device) {
     return {static_cast<int>(PixelsToTwips(size.width(), device)),
             static_cast<int>(PixelsToTwips(size.height(), device))};
@@ -59,6 +73,7 @@ VICenterWindow::VICenterWindow(std::shared_ptr<center::TemplateCommands> command
     ConnectItemPanel();
     resize(TwipsToPixels(kDesignedWidth * 15, *this), TwipsToPixels(kDesignedHeight * 15, *this));
     setMinimumSize(0, 0);
+    setAcceptDrops(true);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { FocusMoved(now); });
     qApp->installEventFilter(this);
 }
@@ -106,23 +121,8 @@ void VICenterWindow::BuildWidgets() {
     items_ = new ItemPanel(inner);
     nameList_ = new NameListPopup(inner);
 
-    progress_ = new QFrame(this);
-    progress_->setObjectName(QStringLiteral("progress"));
-    progress_->setFrameShape(QFrame::Box);
-    progress_->setAutoFillBackground(true);
+    progress_ = new ProgressFrame(this);
     progress_->resize(TwipsToPixels(kProgressWidth, *this), TwipsToPixels(kProgressHeight, *this));
-    progressLabel_ = new QLabel(progress_);
-    progressLabel_->setObjectName(QStringLiteral("lblprogress"));
-    progressLabel_->setAlignment(Qt::AlignCenter);
-    progressLabel_->setTextFormat(Qt::PlainText);
-    auto* bar = new QProgressBar(progress_);
-    bar->setRange(0, 0);
-    bar->setTextVisible(false);
-    bar->setFixedHeight(6);
-    auto* layout = new QVBoxLayout(progress_);
-    layout->addWidget(progressLabel_, 1);
-    layout->addWidget(bar);
-    progress_->hide();
 }
 
 void VICenterWindow::BuildGrid() {
@@ -180,10 +180,29 @@ void VICenterWindow::CloseWindow() {
 }
 
 void VICenterWindow::closeEvent(QCloseEvent* event) {
+    if (progress_->IsPolling()) {
+        event->ignore();  // a command is under way
+        return;
+    }
     event->accept();
     if (unloaded_ || !loaded_) return;
     unloaded_ = true;
     Guarded([this] { presenter_->Unload(); });
+}
+
+void VICenterWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!DroppedWorkbook(*event->mimeData()).isEmpty() && !progress_->IsPolling())
+        event->acceptProposedAction();
+}
+
+void VICenterWindow::dropEvent(QDropEvent* event) {
+    const QString file = DroppedWorkbook(*event->mimeData());
+    if (file.isEmpty()) return;
+    event->acceptProposedAction();
+    // After the drag has ended: the import may ask questions.
+    QMetaObject::invokeMethod(
+        this, [this, file] { Guarded([&] { presenter_->FileDropped(FromQt(file)); }); },
+        Qt::QueuedConnection);
 }
 
 void VICenterWindow::changeEvent(QEvent* event) {
@@ -330,9 +349,11 @@ void VICenterWindow::SetGridInteractive(bool interactive) {
 }
 
 void VICenterWindow::SetProgress(const center::ProgressState& state) {
-    progressLabel_->setText(ToQtLines(state.label));
-    progress_->setVisible(state.visible);
-    if (state.visible) progress_->raise();
+    progress_->SetState(state);
+}
+
+bool VICenterWindow::ProgressCancelled() {
+    return progress_->PollCancelled();
 }
 
 void VICenterWindow::SetItemPanel(const center::ItemPanelState& state) {

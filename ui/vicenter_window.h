@@ -19,6 +19,7 @@
 #include "ui/grid_view.h"
 #include "ui/item_panel.h"
 #include "ui/name_list_popup.h"
+#include "ui/progress_frame.h"
 #include "ui/status_line.h"
 #include "ui/template_tree.h"
 #include "ui/tool_band.h"
@@ -46,6 +47,8 @@ class VICenterWindow : public QMainWindow,
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -78,6 +81,7 @@ class VICenterWindow : public QMainWindow,
     void SetTemplateName(const std::string& name) override;
     void SetGridInteractive(bool interactive) override;
     void SetProgress(const center::ProgressState& state) override;
+    bool ProgressCancelled() override;
     void SetItemPanel(const center::ItemPanelState& state) override;
     void SetStatus(const center::StatusState& state) override;
     void SetNameList(const center::NameListState& state) override;
@@ -126,8 +130,7 @@ class VICenterWindow : public QMainWindow,
     QFrame* panel_ = nullptr;
     QLineEdit* name_ = nullptr;
     QLabel* measure_ = nullptr;
-    QFrame* progress_ = nullptr;
-    QLabel* progressLabel_ = nullptr;
+    ProgressFrame* progress_ = nullptr;
     NameListPopup* nameList_ = nullptr;
     ItemPanel* items_ = nullptr;
     GridModel* model_ = nullptr;

@@ -6,6 +6,7 @@
 #include "automation/class_registry.h"
 #include "automation/error.h"
 #include "platform/system/files.h"
+#include "ui/center_commands.h"
 #include "ui/run_window.h"
 
 namespace vicenter::host {
@@ -16,6 +17,7 @@ namespace {
 
 ui::WindowRun Run() {
     ui::WindowRun run;
+    run.commands = std::make_shared<ui::CenterCommands>();
     run.open = [] { automation::CreateObject("VelaVICenter.aplication")->Call("ShowVICenter"); };
     return run;
 }
