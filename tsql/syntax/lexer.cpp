@@ -95,21 +95,18 @@ bool IsLetter(std::uint32_t c) {
 }  // namespace
 
 std::size_t Lexer::WordEnd(std::size_t from) const {
+    const char* const text = text_.data();
+    const std::size_t size = text_.size();
     std::size_t at = from;
-    while (at < text_.size()) {
-        const std::uint8_t kind = ClassOf(text_[at]);
-        if (kind & kWordPart) {
+    for (;;) {
+        while (at < size && (ClassOf(text[at]) & kWordPart))
             ++at;
-        } else if (kind & kWide) {
-            std::uint32_t codePoint = 0;
-            const std::size_t length = CharacterLength(text_, at, &codePoint);
-            if (!IsLetter(codePoint)) break;
-            at += length;
-        } else {
-            break;
-        }
+        if (at >= size || !(ClassOf(text[at]) & kWide)) return at;
+        std::uint32_t codePoint = 0;
+        const std::size_t length = CharacterLength(text_, at, &codePoint);
+        if (!IsLetter(codePoint)) return at;
+        at += length;
     }
-    return at;
 }
 
 void Lexer::AdvanceOverLines(std::size_t end) {
@@ -146,23 +143,33 @@ void Lexer::SkipBlockComment() {
 }
 
 void Lexer::SkipBlanksAndComments() {
-    while (at_ < text_.size()) {
-        const char c = text_[at_];
+    const char* const text = text_.data();
+    const std::size_t size = text_.size();
+    std::size_t at = at_;
+    for (; at < size; ++at) {
+        const char c = text[at];
+        if (static_cast<unsigned char>(c) > '/') break;  // most tokens: no blank and no comment starts so
         if (c == '\n') {
-            ++at_;
             ++line_;
-            lineStart_ = static_cast<std::int64_t>(at_);
+            lineStart_ = static_cast<std::int64_t>(at + 1);
         } else if (ClassOf(c) & kBlank) {
-            ++at_;
-        } else if (c == '-' && text_.substr(at_, 2) == "--") {
-            const std::size_t end = text_.find('\n', at_);
-            at_ = end == std::string_view::npos ? text_.size() : end;
-        } else if (c == '/' && text_.substr(at_, 2) == "/*") {
+            continue;
+        } else if (c == '-' && at + 1 < size && text[at + 1] == '-') {
+            const std::size_t end = text_.find('\n', at);
+            if (end == std::string_view::npos) {
+                at = size;
+                break;
+            }
+            at = end - 1;
+        } else if (c == '/' && at + 1 < size && text[at + 1] == '*') {
+            at_ = at;
             SkipBlockComment();
+            at = at_ - 1;
         } else {
-            return;
+            break;
         }
     }
+    at_ = at;
 }
 
 Token Lexer::Finish(Token token, std::size_t end) {
@@ -251,6 +258,13 @@ Token Lexer::ReadWord(TokenKind kind) {
     const std::size_t end = WordEnd(at_ + 1);
     if (kind == TokenKind::kIdentifier) token.keyword = FindKeyword(text_.substr(at_, end - at_));
     return Finish(token, end);
+}
+
+Token Lexer::ReadSimple(Op op) {
+    Token token;
+    token.kind = TokenKind::kOperator;
+    token.op = op;
+    return Finish(token, at_ + 1);
 }
 
 Token Lexer::ReadOperator() {
@@ -350,6 +364,7 @@ Token Lexer::Next() {
     }
     const char c = text_[at_];
     const char next = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
+    if (c == ',') return ReadSimple(Op::kComma);
     const std::uint8_t kind = ClassOf(c);
     if (kind & kWordStart) {
         if (next == '\'' && (c == 'N' || c == 'n')) return ReadQuoted(TokenKind::kNString, at_ + 1, '\'');

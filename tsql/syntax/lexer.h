@@ -102,6 +102,7 @@ class Lexer {
     Token ReadNumber();
     Token ReadMoney();
     Token ReadWord(TokenKind kind);
+    Token ReadSimple(Op op);  // of one character
     Token ReadOperator();
     std::size_t WordEnd(std::size_t from) const;
 
