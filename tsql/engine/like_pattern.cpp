@@ -1,0 +1,158 @@
+#include "tsql/engine/like_pattern.h"
+
+#include <string>
+#include <vector>
+
+#include "tsql/engine/text_units.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+struct Range {
+    std::string low;
+    std::string high;
+};
+
+struct Element {
+    enum Kind { kCharacter, kAny, kMany, kSet } kind = kCharacter;
+    std::string character;
+    std::vector<Range> ranges;
+    bool negated = false;
+};
+
+std::vector<std::string> Characters(std::string_view text) {
+    std::vector<std::string> characters;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t bytes = CharacterBytes(text, at);
+        characters.emplace_back(text.substr(at, bytes));
+        at += bytes;
+    }
+    return characters;
+}
+
+// Texts and patterns are folded first, so that characters compare by their bytes; only ranges ask the collation.
+std::vector<Element> Compile(const std::vector<std::string>& pattern, std::string_view escape) {
+    std::vector<Element> elements;
+    for (std::size_t at = 0; at < pattern.size(); ++at) {
+        Element element;
+        const std::string& character = pattern[at];
+        if (!escape.empty() && character == escape && at + 1 < pattern.size()) {
+            element.character = pattern[++at];
+        } else if (character == "%") {
+            element.kind = Element::kMany;
+        } else if (character == "_") {
+            element.kind = Element::kAny;
+        } else if (character == "[") {
+            std::size_t end = at + 1;
+            if (end < pattern.size() && pattern[end] == "^") {
+                element.negated = true;
+                ++end;
+            }
+            const std::size_t first = end;
+            bool closed = false;
+            for (; end < pattern.size(); ++end) {
+                if (pattern[end] == "]" && end > first) {
+                    closed = true;
+                    break;
+                }
+                std::string low = pattern[end];
+                if (!escape.empty() && low == escape && end + 1 < pattern.size()) low = pattern[++end];
+                if (end + 2 < pattern.size() && pattern[end + 1] == "-" && pattern[end + 2] != "]") {
+                    element.ranges.push_back({low, pattern[end + 2]});
+                    end += 2;
+                } else {
+                    element.ranges.push_back({low, low});
+                }
+            }
+            // An unclosed bracket matches nothing, as on the server.
+            element.kind = Element::kSet;
+            if (!closed) {
+                element.ranges.clear();
+                element.negated = false;
+                end = pattern.size();
+            }
+            at = end;
+        } else {
+            element.character = character;
+        }
+        elements.push_back(std::move(element));
+    }
+    return elements;
+}
+
+bool MatchesOne(const TextCollation& collation, const Element& element, const std::string& character) {
+    switch (element.kind) {
+        case Element::kCharacter:
+            return element.character == character;
+        case Element::kAny:
+            return true;
+        case Element::kMany:
+            return false;
+        case Element::kSet:
+            break;
+    }
+    for (const Range& range : element.ranges) {
+        const bool within = range.low == range.high ? range.low == character
+                                                    : collation.Compare(range.low, character) <= 0 &&
+                                                          collation.Compare(character, range.high) <= 0;
+        if (within) return !element.negated;
+    }
+    return element.negated && !element.ranges.empty();
+}
+
+bool Matches(const TextCollation& collation, const std::vector<std::string>& text,
+             const std::vector<Element>& pattern) {
+    // One point to return to is enough: a later % makes every earlier one final.
+    std::size_t at = 0;
+    std::size_t in = 0;
+    std::size_t retryIn = 0;
+    std::size_t retryAt = 0;
+    bool canRetry = false;
+    while (at < text.size()) {
+        if (in < pattern.size() && pattern[in].kind == Element::kMany) {
+            canRetry = true;
+            retryIn = ++in;
+            retryAt = at;
+        } else if (in < pattern.size() && MatchesOne(collation, pattern[in], text[at])) {
+            ++in;
+            ++at;
+        } else if (canRetry) {
+            in = retryIn;
+            at = ++retryAt;
+        } else {
+            // Blanks at the end of the text may be left over.
+            for (; in == pattern.size() && at < text.size(); ++at) {
+                if (text[at] != " ") return false;
+            }
+            return in == pattern.size() && at == text.size();
+        }
+    }
+    while (in < pattern.size() && pattern[in].kind == Element::kMany) ++in;
+    return in == pattern.size();
+}
+
+}  // namespace
+
+bool MatchesPattern(const TextCollation& collation, std::string_view text, std::string_view pattern,
+                    std::string_view escape) {
+    const std::string foldedEscape = collation.Fold(escape);
+    return Matches(collation, Characters(collation.Fold(text)),
+                   Compile(Characters(collation.Fold(pattern)), foldedEscape));
+}
+
+std::size_t FindPattern(const TextCollation& collation, std::string_view text, std::string_view pattern) {
+    const std::vector<std::string> characters = Characters(collation.Fold(text));
+    std::vector<Element> elements = Compile(Characters(collation.Fold(pattern)), {});
+    const bool fromAnywhere = !elements.empty() && elements.front().kind == Element::kMany;
+    while (!elements.empty() && elements.front().kind == Element::kMany) elements.erase(elements.begin());
+    for (std::size_t start = 0; start <= characters.size(); ++start) {
+        const std::vector<std::string> rest(characters.begin() + static_cast<std::ptrdiff_t>(start),
+                                            characters.end());
+        if (Matches(collation, rest, elements)) return start + 1;
+        if (!fromAnywhere) break;
+    }
+    return 0;
+}
+
+}  // namespace vicenter::tsql::engine

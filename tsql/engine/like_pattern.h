@@ -1,0 +1,20 @@
+#pragma once
+
+// Patterns of LIKE and PATINDEX: % _ [a-z] [^…] and an escape character. Pure functions.
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "tsql/engine/text_collation.h"
+
+namespace vicenter::tsql::engine {
+
+// The escape character is one character of UTF-8, or empty.
+bool MatchesPattern(const TextCollation& collation, std::string_view text, std::string_view pattern,
+                    std::string_view escape = {});
+
+// PATINDEX: where a match begins, counted in characters from 1; 0 when there is none.
+std::size_t FindPattern(const TextCollation& collation, std::string_view text, std::string_view pattern);
+
+}  // namespace vicenter::tsql::engine

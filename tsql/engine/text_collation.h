@@ -1,0 +1,28 @@
+#pragma once
+
+// The order of texts, given to the engine by whoever opens an account set: the engine has no tables of characters
+// of its own. Implementations must be stateless for callers and outlive every session. Letters and digits of ASCII
+// must stand as they do in every language: digits before letters, letters without case.
+
+#include <string>
+#include <string_view>
+
+namespace vicenter::tsql::engine {
+
+class TextCollation {
+  public:
+    TextCollation() = default;
+    TextCollation(const TextCollation&) = delete;
+    TextCollation& operator=(const TextCollation&) = delete;
+    virtual ~TextCollation() = default;
+
+    // Negative, zero or positive; without case and width. Trailing blanks have been cut by the engine.
+    virtual int Compare(std::string_view a, std::string_view b) const = 0;
+    // Equal for texts that compare equal, character by character: what LIKE and REPLACE compare.
+    virtual std::string Fold(std::string_view text) const = 0;
+};
+
+// With trailing blanks ignored and a short way for equal texts and for plain letters and digits.
+int CompareTexts(const TextCollation& collation, std::string_view a, std::string_view b);
+
+}  // namespace vicenter::tsql::engine
