@@ -72,12 +72,14 @@ constexpr ErrorEntry kErrors[] = {
      "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING "
      "clause or a "
      "select list, and the column being aggregated is an outer reference."},
+    {155, 15, kBatch, "'%.*ls' is not a recognized %ls option."},
     {156, 15, kBatch, "Incorrect syntax near the keyword '%.*ls'."},
     {157, 15, kBatch, "An aggregate may not appear in the set list of an UPDATE statement."},
     {164, 15, kBatch,
      "Each GROUP BY expression must contain at least one column that is not an outer reference."},
     {174, 15, kBatch, "The %.*ls function requires %d argument(s)."},
     {178, 15, kBatch, "A RETURN statement with a return value cannot be used in this context."},
+    {179, 15, kBatch, "Cannot use the OUTPUT option when passing a constant to a stored procedure."},
     {180, 15, kBatch, "There are too many parameters in this %ls statement. The maximum number is %d."},
     {189, 15, kBatch, "The %ls function requires %d to %d arguments."},
     {191, 15, kBatch,
@@ -118,6 +120,7 @@ constexpr ErrorEntry kErrors[] = {
      "the "
      "CONVERT function to run this query."},
     {262, 14, kBatch, "%ls permission denied in database '%.*ls'."},
+    {263, 16, kBatch, "Must specify table to select from."},
     {264, 16, kBatch,
      "The column name '%.*ls' is specified more than once in the SET clause or column list of an INSERT. A "
      "column "
@@ -134,6 +137,9 @@ constexpr ErrorEntry kErrors[] = {
      "The column \"%.*ls\" cannot be modified because it is either a computed column or is the result of a "
      "UNION "
      "operator."},
+    {281, 16, kBatch, "%d is not a valid style number when converting from %ls to a character string."},
+    {289, 16, kStatement,
+     "Cannot construct data type %ls, some of the arguments have values which are not valid."},
     {306, 16, kBatch,
      "The text, ntext, and image data types cannot be compared or sorted, except when using IS NULL or LIKE "
      "operator."},
@@ -166,7 +172,13 @@ constexpr ErrorEntry kErrors[] = {
      "The %ls statement conflicted with the %ls constraint \"%.*ls\". The conflict occurred in database "
      "\"%.*ls\", "
      "table \"%.*ls\"%ls%.*ls%ls."},
+    {628, 16, kStatement, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
+    {701, 17, kBatch, "There is insufficient system memory in resource pool 'default' to run this query."},
+    {823, 24, kBatch, "The account set '%.*ls' cannot be read or written: %ls."},
+    {824, 24, kBatch, "The account set '%.*ls' is damaged: %ls."},
     {911, 16, kBatch, "Database '%.*ls' does not exist. Make sure that the name is entered correctly."},
+    {1007, 15, kBatch,
+     "The number '%.*ls' is out of the range for numeric representation (maximum precision 38)."},
     {1013, 16, kBatch,
      "The objects \"%.*ls\" and \"%.*ls\" in the FROM clause have the same exposed names. Use correlation "
      "names to "
@@ -184,6 +196,8 @@ constexpr ErrorEntry kErrors[] = {
     {1060, 15, kBatch,
      "The number of rows provided for a TOP or FETCH clauses row count parameter must be an integer."},
     {1087, 15, kBatch, "Must declare the table variable \"%.*ls\"."},
+    {1088, 15, kBatch,
+     "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
     {1205, 13, kBatch,
      "Transaction (Process ID %d) was deadlocked on %.*ls resources with another process and has been chosen "
      "as the "
@@ -244,6 +258,8 @@ constexpr ErrorEntry kErrors[] = {
      "Column or parameter #%d: Specified column scale %d is greater than the specified precision of %d."},
     {2812, 16, kStatement, "Could not find stored procedure '%.*ls'."},
     {3609, 16, kBatch, "The transaction ended in the trigger. The batch has been aborted."},
+    {3617, 10, kBatch, "The query has been canceled by the user."},
+    {3623, 16, kStatement, "An invalid floating point operation occurred."},
     {3701, 11, kStatement,
      "Cannot %S_MSG the %S_MSG '%.*ls', because it does not exist or you do not have permission."},
     {3705, 16, kStatement, "Cannot use DROP %ls with '%.*ls' because '%.*ls' is a %S_MSG. Use %ls."},
@@ -255,6 +271,7 @@ constexpr ErrorEntry kErrors[] = {
     {3728, 16, kStatement, "'%.*ls' is not a constraint."},
     {3902, 16, kStatement, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     {3903, 16, kStatement, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."},
+    {3906, 16, kBatch, "Failed to update database \"%.*ls\" because the database is read-only."},
     {3930, 16, kBatch,
      "The current transaction cannot be committed and cannot support operations that write to the log file. "
      "Roll back "
@@ -292,6 +309,8 @@ constexpr ErrorEntry kErrors[] = {
     {4922, 16, kStatement, "%ls %.*ls failed because one or more objects access this column."},
     {4924, 16, kStatement, "%ls failed because column '%.*ls' does not exist in table '%.*ls'."},
     {5074, 16, kStatement, "The %S_MSG '%.*ls' is dependent on %S_MSG '%.*ls'."},
+    {5120, 16, kBatch, "Unable to open the physical file \"%.*ls\": %ls."},
+    {5172, 16, kBatch, "The file '%.*ls' is not an account set."},
     {8101, 16, kBatch,
      "An explicit value for the identity column in table '%.*ls' can only be specified when a column list is "
      "used and "
@@ -348,6 +367,8 @@ constexpr ErrorEntry kErrors[] = {
      "partitions. Please simplify the query. If you believe you have received this message in error, contact "
      "Customer "
      "Support Services for more information."},
+    {8624, 16, kBatch,
+     "Internal Query Processor Error: The query processor could not produce a query plan. %ls"},
     {9002, 17, kBatch, "The transaction log for database '%.*ls' is full due to '%ls'."},
     {10700, 16, kBatch, "The table-valued parameter \"%.*ls\" is READONLY and cannot be modified."},
     {10704, 15, kBatch,
@@ -388,6 +409,7 @@ constexpr ErrorEntry kErrors[] = {
      "Error number %d in the THROW statement is outside the valid range. Specify an error number in the "
      "valid range of "
      "50000 to 2147483647."},
+    {40510, 16, kBatch, "Statement '%.*ls' is not supported by the embedded account set."},
     {50000, 16, kStatement, "%ls"},
 };
 

@@ -65,7 +65,8 @@ KeyInfo KeyFromColumns(std::string name, std::string_view kind, const std::vecto
 
 std::string ColumnList(const std::vector<std::string>& names) {
     std::string list;
-    for (const std::string& name : names) list += (list.empty() ? "" : ", ") + Quoted(name);
+    for (const std::string& name : names)
+        list += (list.empty() ? "" : ", ") + Quoted(name);
     return list;
 }
 
@@ -94,7 +95,8 @@ const KeyInfo* TableInfo::PrimaryKey() const {
 
 bool TableInfo::IsRowNumber(std::string_view columnName) const {
     const KeyInfo* key = PrimaryKey();
-    if (key == nullptr || key->columns.size() != 1 || !SameName(key->columns.front(), columnName)) return false;
+    if (key == nullptr || key->columns.size() != 1 || !SameName(key->columns.front(), columnName))
+        return false;
     const ColumnInfo* column = FindColumn(columnName);
     return column != nullptr && column->type.IsInteger() && column->computedText.empty();
 }
@@ -109,7 +111,9 @@ bool TableInfo::IsInUniqueKey(std::string_view columnName) const {
     return false;
 }
 
-std::string TableInfo::Sql() const { return (temporary ? "temp." : "main.") + Quoted(physical); }
+std::string TableInfo::Sql() const {
+    return (temporary ? "temp." : "main.") + Quoted(physical);
+}
 
 std::string PhysicalColumn(const TableInfo& table, const ColumnInfo& column) {
     std::string sql = Quoted(column.name);
@@ -150,15 +154,17 @@ std::string PhysicalTable(const TableInfo& table) {
         sql += ", CONSTRAINT " + Quoted(check.name) + " CHECK(" + check.sqlText + ")";
     }
     for (const ForeignKeyInfo& key : table.foreignKeys) {
-        sql += ", CONSTRAINT " + Quoted(key.name) + " FOREIGN KEY(" + ColumnList(key.columns) + ") REFERENCES " +
-               Quoted(key.referencedTable) + "(" + ColumnList(key.referencedColumns) + ")";
+        sql += ", CONSTRAINT " + Quoted(key.name) + " FOREIGN KEY(" + ColumnList(key.columns) +
+               ") REFERENCES " + Quoted(key.referencedTable) + "(" + ColumnList(key.referencedColumns) + ")";
         if (!key.onDelete.empty()) sql += " ON DELETE " + key.onDelete;
         if (!key.onUpdate.empty()) sql += " ON UPDATE " + key.onUpdate;
     }
     return sql + ")";
 }
 
-std::string PhysicalIndexName(const TableInfo& table, const KeyInfo& key) { return table.physical + "$" + key.name; }
+std::string PhysicalIndexName(const TableInfo& table, const KeyInfo& key) {
+    return table.physical + "$" + key.name;
+}
 
 std::string PhysicalIndex(const TableInfo& table, const KeyInfo& key) {
     std::string columns;
@@ -235,7 +241,8 @@ void Catalog::Load() {
         }
     }
     Statement columns = database_.Prepare(
-        "SELECT object, name, type, length, precision, scale, nullable, identity, seed, increment, default_name, "
+        "SELECT object, name, type, length, precision, scale, nullable, identity, seed, increment, "
+        "default_name, "
         "default_text, computed_text FROM \"ts$columns\" ORDER BY object, ordinal");
     while (database_.Step(columns)) {
         const auto owner = byId.find(columns.Int(0));
@@ -256,7 +263,8 @@ void Catalog::Load() {
         owner->second->columns.push_back(std::move(column));
     }
     Statement keys = database_.Prepare(
-        "SELECT object, name, kind, columns, referenced_table, referenced_columns, on_delete, on_update, text, "
+        "SELECT object, name, kind, columns, referenced_table, referenced_columns, on_delete, on_update, "
+        "text, "
         "sql_text FROM \"ts$keys\" ORDER BY object, ordinal");
     while (database_.Step(keys)) {
         const auto owner = byId.find(keys.Int(0));
@@ -267,8 +275,8 @@ void Catalog::Load() {
         if (kind == "CK") {
             table.checks.push_back({name, keys.Text(8), keys.Text(9)});
         } else if (kind == "FK") {
-            table.foreignKeys.push_back({name, SplitNames(keys.Text(3)), keys.Text(4), SplitNames(keys.Text(5)),
-                                         keys.Text(6), keys.Text(7)});
+            table.foreignKeys.push_back({name, SplitNames(keys.Text(3)), keys.Text(4),
+                                         SplitNames(keys.Text(5)), keys.Text(6), keys.Text(7)});
         } else {
             table.keys.push_back(KeyFromColumns(name, kind, SplitNames(keys.Text(3))));
         }
@@ -315,7 +323,8 @@ bool Catalog::HasConstraint(std::string_view name) const {
 
 std::vector<const TableInfo*> Catalog::Tables() const {
     std::vector<const TableInfo*> result;
-    for (const auto& [key, table] : tables_) result.push_back(table.get());
+    for (const auto& [key, table] : tables_)
+        result.push_back(table.get());
     return result;
 }
 
@@ -348,7 +357,8 @@ void Catalog::SetLastIdentity(const TableInfo& table, std::int64_t value) {
         if (TableInfo* own = FindTemporary(table.name)) own->lastIdentity = value;
         return;
     }
-    Statement write = database_.Prepare("INSERT OR REPLACE INTO \"ts$identity\"(object, last) VALUES(?1, ?2)");
+    Statement write =
+        database_.Prepare("INSERT OR REPLACE INTO \"ts$identity\"(object, last) VALUES(?1, ?2)");
     write.Bind(1, table.id);
     write.Bind(2, value);
     database_.Step(write);
@@ -361,7 +371,8 @@ TableInfo* Catalog::FindTemporary(std::string_view name) {
 
 std::vector<std::string> Catalog::TemporaryNames() const {
     std::vector<std::string> names;
-    for (const auto& [key, table] : temporary_) names.push_back(table->name);
+    for (const auto& [key, table] : temporary_)
+        names.push_back(table->name);
     return names;
 }
 

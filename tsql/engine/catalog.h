@@ -2,9 +2,9 @@
 
 // What an account set holds: tables with their SQL Server types, keys, views and procedures.
 //
-// The catalog lives in tables of the account set (ts$…, see docs/account-set-format.md) and is read into memory; it
-// is read again when SQLite's schema version shows that any process has changed it. One catalog per session.
-// Pointers into it stay good until Generation() changes.
+// The catalog lives in tables of the account set (ts$…, see docs/account-set-format.md) and is read into
+// memory; it is read again when SQLite's schema version shows that any process has changed it. One catalog
+// per session. Pointers into it stay good until Generation() changes.
 
 #include <cstdint>
 #include <functional>
@@ -99,7 +99,8 @@ class Catalog {
     void Refresh();
     // After a rollback: what was read may never have been.
     void Forget();
-    // Changes whenever a pointer into the catalog or a translated statement may be out of date.
+    // Changes whenever a pointer into the catalog or a translated statement may be out of date; temporary
+    // tables, which come and go, have their numbers instead.
     std::uint64_t Generation() const { return generation_; }
 
     // Names compare without case; temporary tables come first.

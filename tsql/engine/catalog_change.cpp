@@ -1,4 +1,5 @@
-// The definitions that change a catalog. Each runs in the session's transaction, so a failure leaves nothing behind.
+// The definitions that change a catalog. Each runs in the session's transaction, so a failure leaves nothing
+// behind.
 
 #include "automation/object.h"
 #include "tsql/engine/catalog.h"
@@ -59,8 +60,15 @@ std::vector<KeyRow> KeyRows(const TableInfo& table) {
         rows.push_back({key.name, KeyCode(key.kind), Joined(marked), {}, {}, {}, {}, {}, {}});
     }
     for (const ForeignKeyInfo& key : table.foreignKeys) {
-        rows.push_back({key.name, "FK", Joined(key.columns), key.referencedTable, Joined(key.referencedColumns),
-                        key.onDelete, key.onUpdate, {}, {}});
+        rows.push_back({key.name,
+                        "FK",
+                        Joined(key.columns),
+                        key.referencedTable,
+                        Joined(key.referencedColumns),
+                        key.onDelete,
+                        key.onUpdate,
+                        {},
+                        {}});
     }
     for (const CheckInfo& check : table.checks) {
         rows.push_back({check.name, "CK", {}, {}, {}, {}, {}, check.text, check.sqlText});
@@ -120,9 +128,9 @@ std::int64_t Catalog::WriteTable(const TableInfo& table) {
         keys.Bind(1, id);
         keys.Bind(2, ++ordinal);
         int parameter = 3;
-        for (const std::string* text : {&row.name, &row.kind, &row.columns, &row.referencedTable,
-                                        &row.referencedColumns, &row.onDelete, &row.onUpdate, &row.text,
-                                        &row.sqlText}) {
+        for (const std::string* text :
+             {&row.name, &row.kind, &row.columns, &row.referencedTable, &row.referencedColumns, &row.onDelete,
+              &row.onUpdate, &row.text, &row.sqlText}) {
             keys.Bind(parameter++, *text);
         }
         database_.Step(keys);
@@ -186,8 +194,9 @@ void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
     if (rewriteSchema) {
         // Constraints and types are nothing but text to SQLite's files, so the text alone is replaced.
         database_.Run("PRAGMA writable_schema = ON");
-        Statement update = database_.Prepare(std::string("UPDATE ") + (changed.temporary ? "temp" : "main") +
-                                             ".sqlite_schema SET sql = ?1 WHERE type = 'table' AND name = ?2");
+        Statement update =
+            database_.Prepare(std::string("UPDATE ") + (changed.temporary ? "temp" : "main") +
+                              ".sqlite_schema SET sql = ?1 WHERE type = 'table' AND name = ?2");
         update.Bind(1, PhysicalTable(changed));
         update.Bind(2, changed.physical);
         database_.Step(update);
@@ -223,7 +232,8 @@ void Catalog::DropIndex(const TableInfo& table, const std::string& name) {
 void Catalog::WriteModule(char kind, const std::string& name, const std::string& text) {
     // An altered module keeps its id.
     Statement write = database_.Prepare(
-        "INSERT INTO \"ts$objects\"(name, kind, text, created) VALUES(?1, ?2, ?3, datetime('now', 'localtime')) "
+        "INSERT INTO \"ts$objects\"(name, kind, text, created) VALUES(?1, ?2, ?3, datetime('now', "
+        "'localtime')) "
         "ON CONFLICT(name) DO UPDATE SET text = excluded.text");
     write.Bind(1, name);
     write.Bind(2, std::string_view(&kind, 1));
@@ -246,13 +256,12 @@ void Catalog::AddTemporary(TableInfo table) {
     // Numbers of temporary tables lie below those of the account set, as on the server.
     static std::int64_t next = -1000000000;
     if (table.id == 0) table.id = next--;
-    temporary_[LowerAscii(table.name)] = std::make_unique<TableInfo>(std::move(table));
-    ++generation_;
+    const std::string key = LowerAscii(table.name);
+    temporary_[key] = std::make_unique<TableInfo>(std::move(table));
 }
 
 void Catalog::DropTemporary(const std::string& name) {
     temporary_.erase(LowerAscii(name));
-    ++generation_;
 }
 
 }  // namespace vicenter::tsql::engine

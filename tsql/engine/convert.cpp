@@ -38,8 +38,10 @@ IntegerRange RangeOf(TypeKind kind) {
 
 std::string_view Trimmed(std::string_view text) {
     const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
     return text;
 }
 
@@ -138,7 +140,8 @@ Value ToInteger(const Value& value, const SqlType& from, const SqlType& to) {
         }
         case StorageClass::kBinary: {
             std::uint64_t number = 0;
-            for (const char byte : value.Blob()) number = number << 8 | static_cast<unsigned char>(byte);
+            for (const char byte : value.Blob())
+                number = number << 8 | static_cast<unsigned char>(byte);
             if (to.kind == TypeKind::kInt) return Value(std::int64_t{static_cast<std::int32_t>(number)});
             return FitInteger(static_cast<std::int64_t>(number), to);
         }
@@ -199,7 +202,8 @@ Value ToDecimal(const Value& value, const SqlType& from, const SqlType& to) {
             return FitDecimal(Decimal::FromDouble(days), from, to);
         }
         case StorageClass::kBinary:
-            return FitDecimal(Decimal(ToInteger(value, from, SqlType::Of(TypeKind::kBigInt)).Int()), from, to);
+            return FitDecimal(Decimal(ToInteger(value, from, SqlType::Of(TypeKind::kBigInt)).Int()), from,
+                              to);
     }
     return {};
 }
@@ -273,7 +277,8 @@ std::string FloatText(double number, int style) {
     // Six significant digits, and three digits of the exponent, as the server writes them.
     char buffer[64];
     const int digits = style == 1 ? 8 : style == 2 ? 16 : style == 3 ? 17 : 6;
-    std::snprintf(buffer, sizeof buffer, style == 0 ? "%.*g" : "%.*e", style == 0 ? digits : digits - 1, number);
+    std::snprintf(buffer, sizeof buffer, style == 0 ? "%.*g" : "%.*e", style == 0 ? digits : digits - 1,
+                  number);
     std::string text = buffer;
     const std::size_t exponent = text.find('e');
     if (exponent != std::string::npos && text.size() - exponent == 4) text.insert(exponent + 2, "0");
@@ -375,13 +380,15 @@ Value ToBinary(const Value& value, const SqlType& from, const SqlType& to) {
     } else if (from.IsInteger()) {
         const auto number = static_cast<std::uint64_t>(value.Int());
         const int size = from.kind == TypeKind::kBigInt ? 8 : from.kind == TypeKind::kInt ? 4 : 2;
-        for (int shift = (size - 1) * 8; shift >= 0; shift -= 8) bytes += static_cast<char>(number >> shift & 0xFF);
+        for (int shift = (size - 1) * 8; shift >= 0; shift -= 8)
+            bytes += static_cast<char>(number >> shift & 0xFF);
     } else {
         throw MakeError(529, {}, {from.Name(), to.Name()});
     }
     if (to.length > 0) {
         const auto size = static_cast<std::size_t>(to.length);
-        if (bytes.size() > size) bytes = from.IsInteger() ? bytes.substr(bytes.size() - size) : bytes.substr(0, size);
+        if (bytes.size() > size)
+            bytes = from.IsInteger() ? bytes.substr(bytes.size() - size) : bytes.substr(0, size);
         if (to.kind == TypeKind::kBinary) bytes.resize(size, '\0');
     }
     return Value(Bytes{std::move(bytes)});
@@ -415,11 +422,10 @@ void CheckConversion(const SqlType& from, const SqlType& to, bool isExplicit) {
     if (from.IsUnknown() || from.kind == to.kind) return;
     const bool guidFrom = from.kind == TypeKind::kUniqueIdentifier;
     const bool guidTo = to.kind == TypeKind::kUniqueIdentifier;
-    const bool clash = (guidFrom && !to.IsText() && !to.IsBinary()) || (guidTo && !from.IsText() && !from.IsBinary()) ||
-                       (from.kind == TypeKind::kDate && to.IsNumber()) ||
-                       (to.kind == TypeKind::kDate && from.IsNumber()) ||
-                       (from.kind == TypeKind::kTime && to.IsNumber()) ||
-                       (to.kind == TypeKind::kTime && from.IsNumber());
+    const bool clash =
+        (guidFrom && !to.IsText() && !to.IsBinary()) || (guidTo && !from.IsText() && !from.IsBinary()) ||
+        (from.kind == TypeKind::kDate && to.IsNumber()) || (to.kind == TypeKind::kDate && from.IsNumber()) ||
+        (from.kind == TypeKind::kTime && to.IsNumber()) || (to.kind == TypeKind::kTime && from.IsNumber());
     if (clash) throw MakeError(isExplicit ? 529 : 206, {}, {MessageName(from), MessageName(to)});
     if (isExplicit) return;
     const bool onlyExplicit = (from.IsDate() && to.IsNumber()) || (from.IsText() && to.IsBinary());

@@ -21,8 +21,8 @@ struct ColumnTarget {
     bool nullable = true;
 };
 
-// A value on its way into a column: NULL and texts that are too long are refused (515, 2628). The operation is the
-// word of message 515: INSERT or UPDATE.
+// A value on its way into a column: NULL and texts that are too long are refused (515, 2628). The operation
+// is the word of message 515: INSERT or UPDATE.
 Value ConvertForColumn(const Value& value, const SqlType& from, const ColumnTarget& target,
                        std::string_view operation);
 
@@ -32,7 +32,8 @@ std::string MessageName(const SqlType& type);
 // Nothing needs to be done to make a value of the one type a value of the other.
 bool SameRepresentation(const SqlType& from, const SqlType& to);
 
-// Throws 257 or 206 when SQL Server makes that conversion only by CAST, or not at all (529 for an explicit one).
+// Throws 257 or 206 when SQL Server makes that conversion only by CAST, or not at all (529 for an explicit
+// one).
 void CheckConversion(const SqlType& from, const SqlType& to, bool isExplicit);
 
 }  // namespace vicenter::tsql::engine

@@ -15,23 +15,37 @@ Statement& Statement::operator=(Statement&& other) noexcept {
     return *this;
 }
 
-Statement::~Statement() { sqlite3_finalize(handle_); }
+Statement::~Statement() {
+    sqlite3_finalize(handle_);
+}
 
-int Statement::Step() { return sqlite3_step(handle_); }
+int Statement::Step() {
+    return sqlite3_step(handle_);
+}
 
-void Statement::Reset() { sqlite3_reset(handle_); }
+void Statement::Reset() {
+    sqlite3_reset(handle_);
+}
 
-bool Statement::IsReadOnly() const { return sqlite3_stmt_readonly(handle_) != 0; }
+bool Statement::IsReadOnly() const {
+    return sqlite3_stmt_readonly(handle_) != 0;
+}
 
-void Statement::Bind(int parameter, std::int64_t value) { sqlite3_bind_int64(handle_, parameter, value); }
+void Statement::Bind(int parameter, std::int64_t value) {
+    sqlite3_bind_int64(handle_, parameter, value);
+}
 
 void Statement::Bind(int parameter, std::string_view value) {
     sqlite3_bind_text64(handle_, parameter, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
-void Statement::BindNull(int parameter) { sqlite3_bind_null(handle_, parameter); }
+void Statement::BindNull(int parameter) {
+    sqlite3_bind_null(handle_, parameter);
+}
 
-std::int64_t Statement::Int(int column) const { return sqlite3_column_int64(handle_, column); }
+std::int64_t Statement::Int(int column) const {
+    return sqlite3_column_int64(handle_, column);
+}
 
 std::string Statement::Text(int column) const {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
@@ -39,9 +53,13 @@ std::string Statement::Text(int column) const {
     return std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(handle_, column)));
 }
 
-bool Statement::IsNull(int column) const { return sqlite3_column_type(handle_, column) == SQLITE_NULL; }
+bool Statement::IsNull(int column) const {
+    return sqlite3_column_type(handle_, column) == SQLITE_NULL;
+}
 
-Database::~Database() { sqlite3_close_v2(handle_); }
+Database::~Database() {
+    sqlite3_close_v2(handle_);
+}
 
 void Database::Open(const std::string& path, bool create, int lockTimeoutMilliseconds) {
     path_ = path;
@@ -64,8 +82,8 @@ void Database::SetLockTimeout(int milliseconds) {
 
 Statement Database::Prepare(std::string_view sql) {
     sqlite3_stmt* statement = nullptr;
-    const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
-                                        &statement, nullptr);
+    const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
+                                        SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
     if (code != SQLITE_OK) throw Failure(code);
     return Statement(statement);
 }
@@ -84,9 +102,13 @@ bool Database::Step(Statement& statement) {
     throw failure;
 }
 
-bool Database::InTransaction() const { return sqlite3_get_autocommit(handle_) == 0; }
+bool Database::InTransaction() const {
+    return sqlite3_get_autocommit(handle_) == 0;
+}
 
-std::int64_t Database::Changes() const { return sqlite3_changes64(handle_); }
+std::int64_t Database::Changes() const {
+    return sqlite3_changes64(handle_);
+}
 
 SqlError Database::Failure(int code) const {
     const std::string text = handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
@@ -132,8 +154,12 @@ std::string Doubled(std::string_view text, char mark) {
 
 }  // namespace
 
-std::string Quoted(std::string_view name) { return Doubled(name, '"'); }
+std::string Quoted(std::string_view name) {
+    return Doubled(name, '"');
+}
 
-std::string QuotedText(std::string_view text) { return Doubled(text, '\''); }
+std::string QuotedText(std::string_view text) {
+    return Doubled(text, '\'');
+}
 
 }  // namespace vicenter::tsql::engine

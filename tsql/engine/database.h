@@ -1,6 +1,7 @@
 #pragma once
 
-// SQLite behind two small classes: a connection and a prepared statement, with failures as SQL Server's errors.
+// SQLite behind two small classes: a connection and a prepared statement, with failures as SQL Server's
+// errors.
 //
 // Both are used by one session on one thread. A statement must not outlive its database.
 
@@ -8,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "tsql/engine/value.h"
 #include "tsql/diagnostic.h"
+#include "tsql/engine/value.h"
 
 struct sqlite3;
 struct sqlite3_stmt;

@@ -11,8 +11,9 @@ using automation::DateTimeParts;
 
 namespace {
 
-constexpr std::array<const char*, 12> kMonths = {"January", "February", "March",     "April",   "May",      "June",
-                                                 "July",    "August",   "September", "October", "November", "December"};
+constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
+                                                 "May",       "June",     "July",     "August",
+                                                 "September", "October",  "November", "December"};
 constexpr std::array<const char*, 7> kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                   "Thursday", "Friday", "Saturday"};
 constexpr std::int64_t kMillisecondsPerDay = 86400000;
@@ -50,15 +51,19 @@ std::optional<std::vector<Token>> Split(std::string_view text) {
         std::size_t end = at + 1;
         Token token;
         if (std::isdigit(byte) != 0) {
-            while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])) != 0) ++end;
+            while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])) != 0)
+                ++end;
             if (end - at > 9) return std::nullopt;
             token.kind = Token::kNumber;
-            for (std::size_t i = at; i < end; ++i) token.number = token.number * 10 + (text[i] - '0');
+            for (std::size_t i = at; i < end; ++i)
+                token.number = token.number * 10 + (text[i] - '0');
         } else if (std::isalpha(byte) != 0) {
-            while (end < text.size() && std::isalpha(static_cast<unsigned char>(text[end])) != 0) ++end;
+            while (end < text.size() && std::isalpha(static_cast<unsigned char>(text[end])) != 0)
+                ++end;
             token.kind = Token::kWord;
         } else if (byte >= 0x80) {
-            while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) ++end;
+            while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+                ++end;
             token.kind = Token::kWord;
         }
         token.text = text.substr(at, end - at);
@@ -115,9 +120,7 @@ class DateReader {
         }
         return true;
     }
-    bool IsTimeAhead() const {
-        return IsNumber() && (IsMark(':', 1) || IsWord("AM", 1) || IsWord("PM", 1));
-    }
+    bool IsTimeAhead() const { return IsNumber() && (IsMark(':', 1) || IsWord("AM", 1) || IsWord("PM", 1)); }
 
     bool ReadTime() {
         if (!IsTimeAhead()) return false;
@@ -149,7 +152,8 @@ class DateReader {
         }
         if (digits.size() > 7) return false;
         int scaled = 0;
-        for (std::size_t i = 0; i < 3; ++i) scaled = scaled * 10 + (i < digits.size() ? digits[i] - '0' : 0);
+        for (std::size_t i = 0; i < 3; ++i)
+            scaled = scaled * 10 + (i < digits.size() ? digits[i] - '0' : 0);
         parts_.millisecond = scaled;
         return true;
     }
@@ -166,7 +170,8 @@ class DateReader {
             return ReadDayThenMonthName();
         }
         ++at_;
-        if (first.text.size() == 8) return Set(first.number / 10000, first.number / 100 % 100, first.number % 100);
+        if (first.text.size() == 8)
+            return Set(first.number / 10000, first.number / 100 % 100, first.number % 100);
         if (first.text.size() == 6) {
             return Set(FullYear(first.number / 10000, 2), first.number / 100 % 100, first.number % 100);
         }
@@ -241,7 +246,9 @@ std::int64_t DayNumber(const DateTime& date) {
 }
 
 // 0 is Sunday; 1899-12-30 was a Saturday.
-int WeekdayOf(std::int64_t day) { return static_cast<int>(((day + 6) % 7 + 7) % 7); }
+int WeekdayOf(std::int64_t day) {
+    return static_cast<int>(((day + 6) % 7 + 7) % 7);
+}
 
 int DaysInMonth(int year, int month) {
     static constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
@@ -365,17 +372,39 @@ std::optional<DatePart> DatePartByName(std::string_view lowerName) {
         DatePart part;
     };
     static constexpr Named kParts[] = {
-        {"year", DatePart::kYear},           {"yy", DatePart::kYear},          {"yyyy", DatePart::kYear},
-        {"quarter", DatePart::kQuarter},     {"qq", DatePart::kQuarter},       {"q", DatePart::kQuarter},
-        {"month", DatePart::kMonth},         {"mm", DatePart::kMonth},         {"m", DatePart::kMonth},
-        {"dayofyear", DatePart::kDayOfYear}, {"dy", DatePart::kDayOfYear},     {"y", DatePart::kDayOfYear},
-        {"day", DatePart::kDay},             {"dd", DatePart::kDay},           {"d", DatePart::kDay},
-        {"week", DatePart::kWeek},           {"wk", DatePart::kWeek},          {"ww", DatePart::kWeek},
-        {"iso_week", DatePart::kIsoWeek},    {"isowk", DatePart::kIsoWeek},    {"isoww", DatePart::kIsoWeek},
-        {"weekday", DatePart::kWeekday},     {"dw", DatePart::kWeekday},       {"w", DatePart::kWeekday},
-        {"hour", DatePart::kHour},           {"hh", DatePart::kHour},          {"minute", DatePart::kMinute},
-        {"mi", DatePart::kMinute},           {"n", DatePart::kMinute},         {"second", DatePart::kSecond},
-        {"ss", DatePart::kSecond},           {"s", DatePart::kSecond},         {"millisecond", DatePart::kMillisecond},
+        {"year", DatePart::kYear},
+        {"yy", DatePart::kYear},
+        {"yyyy", DatePart::kYear},
+        {"quarter", DatePart::kQuarter},
+        {"qq", DatePart::kQuarter},
+        {"q", DatePart::kQuarter},
+        {"month", DatePart::kMonth},
+        {"mm", DatePart::kMonth},
+        {"m", DatePart::kMonth},
+        {"dayofyear", DatePart::kDayOfYear},
+        {"dy", DatePart::kDayOfYear},
+        {"y", DatePart::kDayOfYear},
+        {"day", DatePart::kDay},
+        {"dd", DatePart::kDay},
+        {"d", DatePart::kDay},
+        {"week", DatePart::kWeek},
+        {"wk", DatePart::kWeek},
+        {"ww", DatePart::kWeek},
+        {"iso_week", DatePart::kIsoWeek},
+        {"isowk", DatePart::kIsoWeek},
+        {"isoww", DatePart::kIsoWeek},
+        {"weekday", DatePart::kWeekday},
+        {"dw", DatePart::kWeekday},
+        {"w", DatePart::kWeekday},
+        {"hour", DatePart::kHour},
+        {"hh", DatePart::kHour},
+        {"minute", DatePart::kMinute},
+        {"mi", DatePart::kMinute},
+        {"n", DatePart::kMinute},
+        {"second", DatePart::kSecond},
+        {"ss", DatePart::kSecond},
+        {"s", DatePart::kSecond},
+        {"millisecond", DatePart::kMillisecond},
         {"ms", DatePart::kMillisecond},
     };
     for (const Named& entry : kParts) {
@@ -465,7 +494,9 @@ std::int64_t DateDifference(DatePart part, const DateTime& from, const DateTime&
 int DatePartOf(DatePart part, const DateTime& date) {
     const DateTimeParts p = date.Parts();
     const std::int64_t day = DayNumber(date);
-    const auto firstOfYear = [](int year) { return DayNumber(*DateTime::FromParts({year, 1, 1, 0, 0, 0, 0})); };
+    const auto firstOfYear = [](int year) {
+        return DayNumber(*DateTime::FromParts({year, 1, 1, 0, 0, 0, 0}));
+    };
     switch (part) {
         case DatePart::kYear:
             return p.year;

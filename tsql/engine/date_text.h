@@ -11,9 +11,9 @@
 
 namespace vicenter::tsql::engine {
 
-// A text as SQL Server reads it with DATEFORMAT ymd: "20260131", "2026-01-31", "2026/1/31 8:00", "2026-01-31T08:00:00",
-// "2026年1月31日", "01/31/2026", "Jan 31 2026 8:00AM", "8:00". The empty text is 1900-01-01. Nothing for no date.
-// style is that of CONVERT: 3, 4, 5, 103, 104, 105 read the day first.
+// A text as SQL Server reads it with DATEFORMAT ymd: "20260131", "2026-01-31", "2026/1/31 8:00",
+// "2026-01-31T08:00:00", "2026年1月31日", "01/31/2026", "Jan 31 2026 8:00AM", "8:00". The empty text is
+// 1900-01-01. Nothing for no date. style is that of CONVERT: 3, 4, 5, 103, 104, 105 read the day first.
 std::optional<DateTime> ParseDate(std::string_view text, int style = 0);
 
 // By a style of CONVERT; nothing for an unknown style.
@@ -43,8 +43,8 @@ int DatePartOf(DatePart part, const DateTime& date);
 // "January", "Saturday", else the number.
 std::string DateName(DatePart part, const DateTime& date);
 
-// Rounded to what the type keeps: datetime to 1/300 s, smalldatetime to the minute, date to the day. Nothing when
-// the date is outside of the type's range.
+// Rounded to what the type keeps: datetime to 1/300 s, smalldatetime to the minute, date to the day. Nothing
+// when the date is outside of the type's range.
 std::optional<DateTime> RoundToType(const DateTime& date, const SqlType& type);
 
 }  // namespace vicenter::tsql::engine

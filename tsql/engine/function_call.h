@@ -1,7 +1,7 @@
 #pragma once
 
-// What the sources of the SQLite functions share: arguments, results and the wrapper that keeps exceptions out of
-// SQLite. Internal to the engine.
+// What the sources of the SQLite functions share: arguments, results and the wrapper that keeps exceptions
+// out of SQLite. Internal to the engine.
 
 #include <cstdint>
 #include <string>
@@ -101,8 +101,8 @@ template <void (*Body)(FunctionCall&)>
 void Define(sqlite3* database, FunctionServices& services, const char* name, int arguments,
             bool deterministic = true) {
     sqlite3_create_function_v2(database, name, arguments,
-                               SQLITE_UTF8 | (deterministic ? SQLITE_DETERMINISTIC : 0), &services, Wrapped<Body>,
-                               nullptr, nullptr, nullptr);
+                               SQLITE_UTF8 | (deterministic ? SQLITE_DETERMINISTIC : 0), &services,
+                               Wrapped<Body>, nullptr, nullptr, nullptr);
 }
 
 void RegisterConversionFunctions(sqlite3* database, FunctionServices& services);

@@ -45,8 +45,8 @@ const std::string* FunctionServices::FindKey(std::string_view column) const {
 }
 
 std::int64_t TypeCode(const SqlType& type) {
-    return static_cast<std::int64_t>(type.kind) | std::int64_t{type.precision} << 8 | std::int64_t{type.scale} << 16 |
-           std::int64_t{type.length + 1} << 24;
+    return static_cast<std::int64_t>(type.kind) | std::int64_t{type.precision} << 8 |
+           std::int64_t{type.scale} << 16 | std::int64_t{type.length + 1} << 24;
 }
 
 SqlType TypeFromCode(std::int64_t code) {
@@ -64,8 +64,10 @@ std::string KeyText(const Value& value, const SqlType& type) {
 }
 
 void RegisterFunctions(sqlite3* database, FunctionServices& services) {
-    sqlite3_create_collation_v2(database, kTextCollationName, SQLITE_UTF8, &services, CompareTextValues, nullptr);
-    sqlite3_create_collation_v2(database, kNumberCollationName, SQLITE_UTF8, nullptr, CompareNumberValues, nullptr);
+    sqlite3_create_collation_v2(database, kTextCollationName, SQLITE_UTF8, &services, CompareTextValues,
+                                nullptr);
+    sqlite3_create_collation_v2(database, kNumberCollationName, SQLITE_UTF8, nullptr, CompareNumberValues,
+                                nullptr);
     RegisterConversionFunctions(database, services);
     RegisterTextFunctions(database, services);
     RegisterDateFunctions(database, services);

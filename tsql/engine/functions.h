@@ -2,8 +2,8 @@
 
 // The functions and collations that translated statements call inside SQLite, all named ts_….
 //
-// Failures are SqlError: SQLite can carry only a text, so the error waits in the services until the statement that
-// failed picks it up. Services belong to one session and outlive its database connection.
+// Failures are SqlError: SQLite can carry only a text, so the error waits in the services until the statement
+// that failed picks it up. Services belong to one session and outlive its database connection.
 
 #include <cstdint>
 #include <functional>
@@ -28,6 +28,8 @@ struct FunctionServices {
     std::function<Value(std::string_view name, std::string_view type)> objectId;
     std::function<Value(std::string_view table, std::string_view column)> columnLength;
     std::function<Value(std::string_view variable)> variable;
+
+    std::function<std::int64_t()> nextIdentity;
 
     std::optional<SqlError> pending;
     // The last value on its way into each column of a unique key, for the message of a duplicate.

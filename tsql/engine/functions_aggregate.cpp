@@ -1,5 +1,5 @@
-// Aggregates that SQLite has not, or has with other rules: exact sums, averages of the argument's type, and the one
-// value of a scalar subquery. Each takes one argument, so that DISTINCT works on them.
+// Aggregates that SQLite has not, or has with other rules: exact sums, averages of the argument's type, and
+// the one value of a scalar subquery. Each takes one argument, so that DISTINCT works on them.
 
 #include <new>
 #include <string>
@@ -146,8 +146,8 @@ void RegisterAggregates(sqlite3* database, FunctionServices& services) {
     DefineSum<SumKind::kBigInt, true>(database, services, "ts_avg_bigint");
     DefineSum<SumKind::kDecimal, true>(database, services, "ts_avg_decimal");
     DefineSum<SumKind::kReal, true>(database, services, "ts_avg_real");
-    sqlite3_create_function_v2(database, "ts_single", 1, SQLITE_UTF8, &services, nullptr, SingleStep, SingleFinal,
-                               nullptr);
+    sqlite3_create_function_v2(database, "ts_single", 1, SQLITE_UTF8, &services, nullptr, SingleStep,
+                               SingleFinal, nullptr);
     sqlite3_create_function_v2(database, "ts_string_agg", 2, SQLITE_UTF8, &services, nullptr, StringAggStep,
                                StringAggFinal, nullptr);
 }

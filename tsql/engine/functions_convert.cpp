@@ -57,8 +57,15 @@ void VariableFunction(FunctionCall& call) {
     call.Return(call.Services().variable(call.Text(0)), call.Type(1));
 }
 
+// ts_next_identity()
+void NextIdentityFunction(FunctionCall& call) {
+    call.Return(call.Services().nextIdentity());
+}
+
 // ts_fail(number): an error that only shows when the expression is evaluated
-void FailFunction(FunctionCall& call) { throw MakeError(static_cast<std::int32_t>(call.Int(0)), {}); }
+void FailFunction(FunctionCall& call) {
+    throw MakeError(static_cast<std::int32_t>(call.Int(0)), {});
+}
 
 // ts_newid()
 void NewIdFunction(FunctionCall& call) {
@@ -86,6 +93,7 @@ void RegisterConversionFunctions(sqlite3* database, FunctionServices& services) 
     Define<ObjectIdFunction>(database, services, "ts_object_id", -1, false);
     Define<ColumnLengthFunction>(database, services, "ts_col_length", 2, false);
     Define<VariableFunction>(database, services, "ts_variable", 2, false);
+    Define<NextIdentityFunction>(database, services, "ts_next_identity", 0, false);
     Define<FailFunction>(database, services, "ts_fail", 1, false);
     Define<NewIdFunction>(database, services, "ts_newid", 0, false);
 }

@@ -9,7 +9,9 @@ namespace vicenter::tsql::engine {
 
 namespace {
 
-DatePart PartOf(const FunctionCall& call, int i) { return static_cast<DatePart>(call.Int(i)); }
+DatePart PartOf(const FunctionCall& call, int i) {
+    return static_cast<DatePart>(call.Int(i));
+}
 
 // ts_dateadd(part, count, date, type)
 void DateAddFunction(FunctionCall& call) {

@@ -1,5 +1,5 @@
-// Arithmetic with SQL Server's overflow, scale and division rules. Operators are named by one letter: + - * / %
-// and, for integers, & | ^ as well.
+// Arithmetic with SQL Server's overflow, scale and division rules. Operators are named by one letter: + - * /
+// % and, for integers, & | ^ as well.
 
 #include <cmath>
 
@@ -85,7 +85,8 @@ void DecimalFunction(FunctionCall& call) {
                 break;
         }
         result = result.Rescaled(type.scale);
-        if (!result.IsZero() && result.Precision() - result.Scale() > type.precision - type.scale) Overflow(type);
+        if (!result.IsZero() && result.Precision() - result.Scale() > type.precision - type.scale)
+            Overflow(type);
         call.Return(result);
     } catch (const SqlError&) {
         throw;
@@ -119,7 +120,9 @@ void RealFunction(FunctionCall& call) {
     call.Return(result);
 }
 
-Decimal Zero(const Decimal& like) { return Decimal(0).Rescaled(like.Scale()); }
+Decimal Zero(const Decimal& like) {
+    return Decimal(0).Rescaled(like.Scale());
+}
 
 // ts_neg(value, type)
 void NegateFunction(FunctionCall& call) {
@@ -136,7 +139,8 @@ void AbsFunction(FunctionCall& call) {
     if (call.IsNull(0)) return;
     const SqlType type = call.Type(1);
     const Value value = call.Argument(0, type);
-    if (type.IsExact()) return call.Return(value.Exact().IsNegative() ? value.Exact().Negated() : value.Exact());
+    if (type.IsExact())
+        return call.Return(value.Exact().IsNegative() ? value.Exact().Negated() : value.Exact());
     if (type.IsFloat()) return call.Return(std::fabs(value.Real()));
     call.Return(value.Int() < 0 ? Calculated('-', 0, value.Int(), type) : value.Int());
 }
@@ -148,7 +152,10 @@ void SignFunction(FunctionCall& call) {
     const Value value = call.Argument(0, type);
     if (type.IsExact()) {
         const Decimal& number = value.Exact();
-        const Decimal one = Decimal(number.IsZero() ? 0 : number.IsNegative() ? -1 : 1).Rescaled(number.Scale());
+        const Decimal one = Decimal(number.IsZero()       ? 0
+                                    : number.IsNegative() ? -1
+                                                          : 1)
+                                .Rescaled(number.Scale());
         return call.Return(one);
     }
     const double number = type.IsFloat() ? value.Real() : static_cast<double>(value.Int());
@@ -176,7 +183,8 @@ Decimal RoundedDecimal(const Decimal& number, std::int64_t places, bool cut) {
     std::string power = "1" + std::string(static_cast<std::size_t>(-places), '0');
     const auto unit = Decimal::Parse(power);
     if (!unit) return Zero(number);
-    const Decimal quotient = Decimal::Divide(number, *unit, Decimal::kMaxDigits - number.Precision() > 20 ? 10 : 1);
+    const Decimal quotient =
+        Decimal::Divide(number, *unit, Decimal::kMaxDigits - number.Precision() > 20 ? 10 : 1);
     const Decimal whole = cut ? quotient.Truncated(0) : quotient.Rescaled(0);
     return Decimal::Multiply(whole, *unit).Rescaled(scale);
 }
@@ -209,8 +217,12 @@ void Whole(FunctionCall& call, bool up) {
     call.Return(type.IsMoney() ? whole.Rescaled(4) : whole);
 }
 
-void FloorFunction(FunctionCall& call) { Whole(call, false); }
-void CeilingFunction(FunctionCall& call) { Whole(call, true); }
+void FloorFunction(FunctionCall& call) {
+    Whole(call, false);
+}
+void CeilingFunction(FunctionCall& call) {
+    Whole(call, true);
+}
 
 // ts_power(base, exponent): both as float
 void PowerFunction(FunctionCall& call) {
@@ -228,13 +240,27 @@ void RealToReal(FunctionCall& call) {
     call.Return(result);
 }
 
-double Sqrt(double x) { return std::sqrt(x); }
-double Exp(double x) { return std::exp(x); }
-double Log(double x) { return std::log(x); }
-double Log10(double x) { return std::log10(x); }
-double Sin(double x) { return std::sin(x); }
-double Cos(double x) { return std::cos(x); }
-double Tan(double x) { return std::tan(x); }
+double Sqrt(double x) {
+    return std::sqrt(x);
+}
+double Exp(double x) {
+    return std::exp(x);
+}
+double Log(double x) {
+    return std::log(x);
+}
+double Log10(double x) {
+    return std::log10(x);
+}
+double Sin(double x) {
+    return std::sin(x);
+}
+double Cos(double x) {
+    return std::cos(x);
+}
+double Tan(double x) {
+    return std::tan(x);
+}
 
 void RandFunction(FunctionCall& call) {
     std::uint32_t bits = 0;

@@ -5,13 +5,12 @@
 #include <cstdio>
 #include <vector>
 
+#include "automation/variant.h"
 #include "tsql/engine/convert.h"
 #include "tsql/engine/date_text.h"
 #include "tsql/engine/function_call.h"
 #include "tsql/engine/like_pattern.h"
 #include "tsql/engine/text_units.h"
-
-#include "automation/variant.h"
 
 namespace vicenter::tsql::engine {
 
@@ -58,7 +57,8 @@ class FoldedText {
 
   private:
     static std::size_t Index(const std::vector<std::size_t>& places, std::size_t place) {
-        return static_cast<std::size_t>(std::lower_bound(places.begin(), places.end(), place) - places.begin());
+        return static_cast<std::size_t>(std::lower_bound(places.begin(), places.end(), place) -
+                                        places.begin());
     }
 
     std::string folded_;
@@ -185,17 +185,27 @@ std::string WithCase(std::string_view text, bool upper) {
             const auto lead = static_cast<unsigned char>(text[at]);
             const auto trail = static_cast<unsigned char>(text[at + 1]);
             std::uint32_t code = (lead & 0x1FU) << 6 | (trail & 0x3FU);
-            const auto within = [&code](std::uint32_t low, std::uint32_t high) { return code >= low && code <= high; };
+            const auto within = [&code](std::uint32_t low, std::uint32_t high) {
+                return code >= low && code <= high;
+            };
             if (upper) {
-                if (within(0xE0, 0xFE) && code != 0xF7) code -= 32;
-                else if (within(0x3B1, 0x3C9) && code != 0x3C2) code -= 32;
-                else if (within(0x430, 0x44F)) code -= 32;
-                else if (within(0x450, 0x45F)) code -= 80;
+                if (within(0xE0, 0xFE) && code != 0xF7)
+                    code -= 32;
+                else if (within(0x3B1, 0x3C9) && code != 0x3C2)
+                    code -= 32;
+                else if (within(0x430, 0x44F))
+                    code -= 32;
+                else if (within(0x450, 0x45F))
+                    code -= 80;
             } else {
-                if (within(0xC0, 0xDE) && code != 0xD7) code += 32;
-                else if (within(0x391, 0x3A9)) code += 32;
-                else if (within(0x410, 0x42F)) code += 32;
-                else if (within(0x400, 0x40F)) code += 80;
+                if (within(0xC0, 0xDE) && code != 0xD7)
+                    code += 32;
+                else if (within(0x391, 0x3A9))
+                    code += 32;
+                else if (within(0x410, 0x42F))
+                    code += 32;
+                else if (within(0x400, 0x40F))
+                    code += 80;
             }
             result += static_cast<char>(0xC0 | code >> 6);
             result += static_cast<char>(0x80 | (code & 0x3F));
@@ -225,7 +235,8 @@ void ReplicateFunction(FunctionCall& call) {
     const std::string_view text = call.Text(0);
     std::string result;
     const std::int64_t count = text.empty() ? 0 : call.Int(1);
-    for (std::int64_t i = 0; i < count && result.size() < kLongestText; ++i) result += text;
+    for (std::int64_t i = 0; i < count && result.size() < kLongestText; ++i)
+        result += text;
     call.Return(HeadUnits(result, kLongestText));
 }
 
@@ -257,7 +268,8 @@ void ReverseFunction(FunctionCall& call) {
     for (std::size_t at = 0; at < text.size(); at += characters.back().size()) {
         characters.push_back(text.substr(at, CharacterBytes(text, at)));
     }
-    for (auto character = characters.rbegin(); character != characters.rend(); ++character) result += *character;
+    for (auto character = characters.rbegin(); character != characters.rend(); ++character)
+        result += *character;
     call.Return(std::string_view(result));
 }
 
@@ -272,7 +284,8 @@ void StrFunction(FunctionCall& call) {
     std::string text = buffer;
     const auto width = static_cast<std::size_t>(length);
     const std::size_t whole = text.find('.');
-    if ((whole == std::string::npos ? text.size() : whole) > width) return call.Return(std::string_view(std::string(width, '*')));
+    if ((whole == std::string::npos ? text.size() : whole) > width)
+        return call.Return(std::string_view(std::string(width, '*')));
     if (text.size() > width) {
         // Decimals that do not fit are rounded away.
         const std::size_t room = width > whole + 1 ? width - whole - 1 : 0;
@@ -288,7 +301,8 @@ std::uint32_t CodePoint(std::string_view text) {
     auto code = static_cast<std::uint32_t>(static_cast<unsigned char>(text[0]));
     if (bytes == 1) return code;
     code &= 0xFFU >> (bytes + 1);
-    for (std::size_t i = 1; i < bytes; ++i) code = code << 6 | (static_cast<unsigned char>(text[i]) & 0x3FU);
+    for (std::size_t i = 1; i < bytes; ++i)
+        code = code << 6 | (static_cast<unsigned char>(text[i]) & 0x3FU);
     return code;
 }
 
@@ -338,7 +352,8 @@ void QuoteNameFunction(FunctionCall& call) {
 void LikeFunction(FunctionCall& call) {
     if (call.IsNull(0) || call.IsNull(1)) return;
     const std::string_view escape = call.Count() > 2 && !call.IsNull(2) ? call.Text(2) : std::string_view();
-    if (!escape.empty() && CharacterBytes(escape, 0) != escape.size()) throw MakeError(506, {}, {escape, "LIKE"});
+    if (!escape.empty() && CharacterBytes(escape, 0) != escape.size())
+        throw MakeError(506, {}, {escape, "LIKE"});
     call.Return(std::int64_t{MatchesPattern(call.Collation(), call.Text(0), call.Text(1), escape) ? 1 : 0});
 }
 

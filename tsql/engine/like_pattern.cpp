@@ -31,7 +31,8 @@ std::vector<std::string> Characters(std::string_view text) {
     return characters;
 }
 
-// Texts and patterns are folded first, so that characters compare by their bytes; only ranges ask the collation.
+// Texts and patterns are folded first, so that characters compare by their bytes; only ranges ask the
+// collation.
 std::vector<Element> Compile(const std::vector<std::string>& pattern, std::string_view escape) {
     std::vector<Element> elements;
     for (std::size_t at = 0; at < pattern.size(); ++at) {
@@ -128,7 +129,8 @@ bool Matches(const TextCollation& collation, const std::vector<std::string>& tex
             return in == pattern.size() && at == text.size();
         }
     }
-    while (in < pattern.size() && pattern[in].kind == Element::kMany) ++in;
+    while (in < pattern.size() && pattern[in].kind == Element::kMany)
+        ++in;
     return in == pattern.size();
 }
 
@@ -145,7 +147,8 @@ std::size_t FindPattern(const TextCollation& collation, std::string_view text, s
     const std::vector<std::string> characters = Characters(collation.Fold(text));
     std::vector<Element> elements = Compile(Characters(collation.Fold(pattern)), {});
     const bool fromAnywhere = !elements.empty() && elements.front().kind == Element::kMany;
-    while (!elements.empty() && elements.front().kind == Element::kMany) elements.erase(elements.begin());
+    while (!elements.empty() && elements.front().kind == Element::kMany)
+        elements.erase(elements.begin());
     for (std::size_t start = 0; start <= characters.size(); ++start) {
         const std::vector<std::string> rest(characters.begin() + static_cast<std::ptrdiff_t>(start),
                                             characters.end());

@@ -18,7 +18,8 @@ SqlType DecimalLiteralType(std::string_view text) {
     const std::size_t point = text.find('.');
     std::string_view whole = text.substr(0, point);
     const std::size_t scale = point == std::string_view::npos ? 0 : text.size() - point - 1;
-    while (!whole.empty() && whole.front() == '0') whole.remove_prefix(1);
+    while (!whole.empty() && whole.front() == '0')
+        whole.remove_prefix(1);
     const std::size_t precision = whole.size() + scale;
     return SqlType::Decimal(precision == 0 ? 1 : static_cast<int>(precision), static_cast<int>(scale));
 }
@@ -56,7 +57,8 @@ SqlType LiteralType(LiteralKind kind, std::string_view text) {
         case LiteralKind::kNString:
             return SqlType::NVarChar(Length(text));
         case LiteralKind::kBinary:
-            return SqlType::Of(TypeKind::kVarBinary, text.empty() ? 1 : static_cast<int>((text.size() + 1) / 2));
+            return SqlType::Of(TypeKind::kVarBinary,
+                               text.empty() ? 1 : static_cast<int>((text.size() + 1) / 2));
         case LiteralKind::kNull:
         case LiteralKind::kDefault:
             break;
@@ -64,13 +66,14 @@ SqlType LiteralType(LiteralKind kind, std::string_view text) {
     return {};
 }
 
-Value LiteralValue(LiteralKind kind, std::string_view text, bool negated) {
+Value ValueOfLiteral(LiteralKind kind, std::string_view text, bool negated) {
     switch (kind) {
         case LiteralKind::kInteger: {
             std::int32_t number = 0;
             const auto end = text.data() + text.size();
             const auto result = std::from_chars(text.data(), end, number);
-            if (result.ec == std::errc() && result.ptr == end) return Value(std::int64_t{negated ? -number : number});
+            if (result.ec == std::errc() && result.ptr == end)
+                return Value(std::int64_t{negated ? -number : number});
             [[fallthrough]];
         }
         case LiteralKind::kDecimal:

@@ -24,7 +24,8 @@ bool SameOptional(const ExprPtr& a, const ExprPtr& b) {
 }
 
 bool IsAggregateName(std::string_view name) {
-    for (const char* aggregate : {"count", "count_big", "sum", "avg", "min", "max", "string_agg", "stdev", "var"}) {
+    for (const char* aggregate :
+         {"count", "count_big", "sum", "avg", "min", "max", "string_agg", "stdev", "var"}) {
         if (SameName(name, aggregate)) return true;
     }
     return false;
@@ -37,7 +38,9 @@ bool AnyAggregate(const std::vector<ExprPtr>& list) {
     return false;
 }
 
-bool MayHaveAggregate(const ExprPtr& expression) { return expression && HasAggregate(*expression); }
+bool MayHaveAggregate(const ExprPtr& expression) {
+    return expression && HasAggregate(*expression);
+}
 
 }  // namespace
 
@@ -77,7 +80,8 @@ bool SameExpression(const Expr& a, const Expr& b) {
             const auto& left = As<FunctionExpr>(a);
             const auto& right = As<FunctionExpr>(b);
             return SameName(left.name.Object(), right.name.Object()) && left.distinct == right.distinct &&
-                   left.star == right.star && !left.over && !right.over && SameLists(left.arguments, right.arguments);
+                   left.star == right.star && !left.over && !right.over &&
+                   SameLists(left.arguments, right.arguments);
         }
         case ExprKind::kCast: {
             const auto& left = As<CastExpr>(a);
@@ -111,7 +115,8 @@ bool HasAggregate(const Expr& expression) {
         case ExprKind::kUnary:
             return HasAggregate(*As<UnaryExpr>(expression).operand);
         case ExprKind::kBinary:
-            return HasAggregate(*As<BinaryExpr>(expression).left) || HasAggregate(*As<BinaryExpr>(expression).right);
+            return HasAggregate(*As<BinaryExpr>(expression).left) ||
+                   HasAggregate(*As<BinaryExpr>(expression).right);
         case ExprKind::kComparison:
             return HasAggregate(*As<ComparisonExpr>(expression).left) ||
                    HasAggregate(*As<ComparisonExpr>(expression).right);
@@ -121,10 +126,12 @@ bool HasAggregate(const Expr& expression) {
             return HasAggregate(*As<NotExpr>(expression).operand);
         case ExprKind::kBetween: {
             const auto& between = As<BetweenExpr>(expression);
-            return HasAggregate(*between.operand) || HasAggregate(*between.low) || HasAggregate(*between.high);
+            return HasAggregate(*between.operand) || HasAggregate(*between.low) ||
+                   HasAggregate(*between.high);
         }
         case ExprKind::kLike:
-            return HasAggregate(*As<LikeExpr>(expression).operand) || HasAggregate(*As<LikeExpr>(expression).pattern);
+            return HasAggregate(*As<LikeExpr>(expression).operand) ||
+                   HasAggregate(*As<LikeExpr>(expression).pattern);
         case ExprKind::kIn:
             return HasAggregate(*As<InExpr>(expression).operand) || AnyAggregate(As<InExpr>(expression).list);
         case ExprKind::kIsNull:

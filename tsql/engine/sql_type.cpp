@@ -54,7 +54,9 @@ constexpr NamedKind kNames[] = {
     {"table", TypeKind::kTable},
 };
 
-int LongerLength(int a, int b) { return a == kMaxLength || b == kMaxLength ? kMaxLength : std::max(a, b); }
+int LongerLength(int a, int b) {
+    return a == kMaxLength || b == kMaxLength ? kMaxLength : std::max(a, b);
+}
 
 }  // namespace
 
@@ -112,7 +114,9 @@ TypeKind KindByName(std::string_view lowerName) {
     return TypeKind::kUnknown;
 }
 
-std::string_view SqlType::Name() const { return KindName(kind); }
+std::string_view SqlType::Name() const {
+    return KindName(kind);
+}
 
 std::string SqlType::FullName() const {
     std::string name(Name());
@@ -161,7 +165,8 @@ SqlType CommonType(const SqlType& a, const SqlType& b) {
     if (higher.IsText() || higher.IsBinary()) {
         if (lower.IsText() || lower.IsBinary()) result.length = LongerLength(a.length, b.length);
         // char of different lengths, or char with varchar: the longer, variable one keeps every value.
-        if (result.kind == TypeKind::kNChar && lower.kind == TypeKind::kVarChar) result.kind = TypeKind::kNVarChar;
+        if (result.kind == TypeKind::kNChar && lower.kind == TypeKind::kVarChar)
+            result.kind = TypeKind::kNVarChar;
     } else if (higher.kind == TypeKind::kDecimal && (lower.IsExact() || lower.IsInteger())) {
         const SqlType other = AsDecimal(lower);
         const int whole = std::max(higher.precision - higher.scale, other.precision - other.scale);

@@ -20,7 +20,8 @@ const SqlType kKind = SqlType::Of(TypeKind::kChar, 2);
 const SqlType kInt = SqlType::Int();
 
 constexpr const char* kObjectsSql =
-    "SELECT name, id, id AS object_id, CASE kind WHEN 'U' THEN 'U ' WHEN 'V' THEN 'V ' ELSE 'P ' END AS xtype, "
+    "SELECT name, id, id AS object_id, CASE kind WHEN 'U' THEN 'U ' WHEN 'V' THEN 'V ' ELSE 'P ' END AS "
+    "xtype, "
     "CASE kind WHEN 'U' THEN 'U ' WHEN 'V' THEN 'V ' ELSE 'P ' END AS type, "
     "CASE kind WHEN 'U' THEN 'USER_TABLE' WHEN 'V' THEN 'VIEW' ELSE 'SQL_STORED_PROCEDURE' END AS type_desc, "
     "1 AS uid, 1 AS schema_id, 0 AS parent_obj, 0 AS parent_object_id, created || '.000' AS crdate, "
@@ -74,7 +75,8 @@ const std::vector<ResultColumn>& TableColumns() {
 
 constexpr const char* kColumnsSql =
     "SELECT c.name, c.object AS id, c.object AS object_id, c.ordinal AS colid, c.ordinal AS column_id, "
-    "c.length AS length, c.length AS max_length, c.precision AS prec, c.precision AS precision, c.scale AS scale, "
+    "c.length AS length, c.length AS max_length, c.precision AS prec, c.precision AS precision, c.scale AS "
+    "scale, "
     "c.nullable AS isnullable, c.nullable AS is_nullable, c.identity AS is_identity, c.type AS type_name "
     "FROM main.\"ts$columns\" c";
 
@@ -84,11 +86,13 @@ constexpr const char* kIndexesSql =
     "WHERE k.kind IN ('PK', 'UQ', 'UX', 'IX')";
 
 constexpr const char* kSchemaTablesSql =
-    "SELECT 'accountset' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME, CASE kind WHEN 'U' THEN "
+    "SELECT 'accountset' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME, CASE kind WHEN 'U' "
+    "THEN "
     "'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE FROM main.\"ts$objects\" WHERE kind IN ('U', 'V')";
 
 constexpr const char* kSchemaColumnsSql =
-    "SELECT 'accountset' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, o.name AS TABLE_NAME, c.name AS COLUMN_NAME, "
+    "SELECT 'accountset' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, o.name AS TABLE_NAME, c.name AS "
+    "COLUMN_NAME, "
     "c.ordinal AS ORDINAL_POSITION, nullif(c.default_text, '') AS COLUMN_DEFAULT, "
     "CASE c.nullable WHEN 1 THEN 'YES' ELSE 'NO' END AS IS_NULLABLE, c.type AS DATA_TYPE, "
     "CASE WHEN c.length = 0 THEN NULL ELSE c.length END AS CHARACTER_MAXIMUM_LENGTH, "
@@ -97,26 +101,28 @@ constexpr const char* kSchemaColumnsSql =
     "FROM main.\"ts$columns\" c JOIN main.\"ts$objects\" o ON o.id = c.object";
 
 constexpr const char* kRoutinesSql =
-    "SELECT 'dbo' AS ROUTINE_SCHEMA, name AS ROUTINE_NAME, 'PROCEDURE' AS ROUTINE_TYPE, text AS ROUTINE_DEFINITION "
+    "SELECT 'dbo' AS ROUTINE_SCHEMA, name AS ROUTINE_NAME, 'PROCEDURE' AS ROUTINE_TYPE, text AS "
+    "ROUTINE_DEFINITION "
     "FROM main.\"ts$objects\" WHERE kind = 'P'";
 
 const std::vector<NamedView>& Views() {
     static const std::vector<ResultColumn> columnColumns = {
-        {"name", kName},    {"id", kInt},          {"object_id", kInt}, {"colid", kInt},      {"column_id", kInt},
-        {"length", kInt},   {"max_length", kInt},  {"prec", kInt},      {"precision", kInt},  {"scale", kInt},
-        {"isnullable", kInt}, {"is_nullable", kInt}, {"is_identity", kInt}, {"type_name", kName},
+        {"name", kName},       {"id", kInt},         {"object_id", kInt},  {"colid", kInt},
+        {"column_id", kInt},   {"length", kInt},     {"max_length", kInt}, {"prec", kInt},
+        {"precision", kInt},   {"scale", kInt},      {"isnullable", kInt}, {"is_nullable", kInt},
+        {"is_identity", kInt}, {"type_name", kName},
     };
     static const std::vector<ResultColumn> indexColumns = {
-        {"name", kName},     {"id", kInt},        {"object_id", kInt},     {"indid", kInt},
-        {"index_id", kInt},  {"is_unique", kInt}, {"is_primary_key", kInt},
+        {"name", kName},    {"id", kInt},        {"object_id", kInt},      {"indid", kInt},
+        {"index_id", kInt}, {"is_unique", kInt}, {"is_primary_key", kInt},
     };
     static const std::vector<ResultColumn> schemaTables = {
         {"TABLE_CATALOG", kName}, {"TABLE_SCHEMA", kName}, {"TABLE_NAME", kName}, {"TABLE_TYPE", kName}};
     static const std::vector<ResultColumn> schemaColumns = {
-        {"TABLE_CATALOG", kName},     {"TABLE_SCHEMA", kName}, {"TABLE_NAME", kName},
-        {"COLUMN_NAME", kName},       {"ORDINAL_POSITION", kInt}, {"COLUMN_DEFAULT", SqlType::NVarChar(4000)},
-        {"IS_NULLABLE", kName},       {"DATA_TYPE", kName},    {"CHARACTER_MAXIMUM_LENGTH", kInt},
-        {"NUMERIC_PRECISION", kInt},  {"NUMERIC_SCALE", kInt}};
+        {"TABLE_CATALOG", kName},    {"TABLE_SCHEMA", kName},    {"TABLE_NAME", kName},
+        {"COLUMN_NAME", kName},      {"ORDINAL_POSITION", kInt}, {"COLUMN_DEFAULT", SqlType::NVarChar(4000)},
+        {"IS_NULLABLE", kName},      {"DATA_TYPE", kName},       {"CHARACTER_MAXIMUM_LENGTH", kInt},
+        {"NUMERIC_PRECISION", kInt}, {"NUMERIC_SCALE", kInt}};
     static const std::vector<ResultColumn> routines = {{"ROUTINE_SCHEMA", kName},
                                                        {"ROUTINE_NAME", kName},
                                                        {"ROUTINE_TYPE", kName},

@@ -12,9 +12,12 @@ namespace {
 // Rank of digits and letters, 0 for every other byte.
 constexpr std::array<std::uint8_t, 256> MakeRanks() {
     std::array<std::uint8_t, 256> ranks{};
-    for (std::size_t c = '0'; c <= '9'; ++c) ranks[c] = static_cast<std::uint8_t>(1 + c - '0');
-    for (std::size_t c = 'a'; c <= 'z'; ++c) ranks[c] = static_cast<std::uint8_t>(11 + c - 'a');
-    for (std::size_t c = 'A'; c <= 'Z'; ++c) ranks[c] = static_cast<std::uint8_t>(11 + c - 'A');
+    for (std::size_t c = '0'; c <= '9'; ++c)
+        ranks[c] = static_cast<std::uint8_t>(1 + c - '0');
+    for (std::size_t c = 'a'; c <= 'z'; ++c)
+        ranks[c] = static_cast<std::uint8_t>(11 + c - 'a');
+    for (std::size_t c = 'A'; c <= 'Z'; ++c)
+        ranks[c] = static_cast<std::uint8_t>(11 + c - 'A');
     return ranks;
 }
 constexpr std::array<std::uint8_t, 256> kRanks = MakeRanks();
@@ -33,7 +36,8 @@ int CompareTexts(const TextCollation& collation, std::string_view a, std::string
         if (left == 0 || right == 0) return collation.Compare(a, b);
         if (difference == 0) difference = left - right;
     }
-    // What follows must be plain, too: a mark behind the common head may change the order of characters before it.
+    // What follows must be plain, too: a mark behind the common head may change the order of characters
+    // before it.
     for (std::size_t rest = at; rest < a.size(); ++rest) {
         if (kRanks[static_cast<unsigned char>(a[rest])] == 0) return collation.Compare(a, b);
     }

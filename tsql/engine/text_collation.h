@@ -1,8 +1,8 @@
 #pragma once
 
-// The order of texts, given to the engine by whoever opens an account set: the engine has no tables of characters
-// of its own. Implementations must be stateless for callers and outlive every session. Letters and digits of ASCII
-// must stand as they do in every language: digits before letters, letters without case.
+// The order of texts, given to the engine by whoever opens an account set: the engine has no tables of
+// characters of its own. Implementations must be stateless for callers and outlive every session. Letters and
+// digits of ASCII must stand as they do in every language: digits before letters, letters without case.
 
 #include <string>
 #include <string_view>

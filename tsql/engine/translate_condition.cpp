@@ -34,13 +34,15 @@ std::string Translator::RenderCompared(const Operand& operand, const SqlType& co
     if (common.IsExact()) {
         if (operand.type.IsExact()) return Render(operand);
         if (operand.type.IsInteger()) return RenderAs(operand, AsDecimal(operand.type));
-        if (operand.type.IsText()) return RenderAs(operand, common.IsMoney() ? common : SqlType::Decimal(38, 10));
+        if (operand.type.IsText())
+            return RenderAs(operand, common.IsMoney() ? common : SqlType::Decimal(38, 10));
     }
     if (common.IsInteger() && operand.type.IsInteger()) return Render(operand);
     return RenderAs(operand, common);
 }
 
-std::string Translator::Compare(const char* op, const Operand& left, const Operand& right, Position position) {
+std::string Translator::Compare(const char* op, const Operand& left, const Operand& right,
+                                Position position) {
     const SqlType common = CommonType(left.type, right.type);
     try {
         const std::string a = RenderCompared(left, common);
@@ -52,7 +54,8 @@ std::string Translator::Compare(const char* op, const Operand& left, const Opera
                    operand.type.IsExact() == common.IsExact();
         };
         if (!needsCollation || natural(left) || natural(right)) return a + " " + op + " " + b;
-        return a + " COLLATE " + (common.IsText() ? kTextCollationName : kNumberCollationName) + " " + op + " " + b;
+        return a + " COLLATE " + (common.IsText() ? kTextCollationName : kNumberCollationName) + " " + op +
+               " " + b;
     } catch (SqlError& error) {
         error.SetLine(static_cast<std::int32_t>(position.line));
         throw;
@@ -109,7 +112,8 @@ std::string Translator::Like(const LikeExpr& like, Scope& scope) {
     const auto asText = [&](const Operand& operand) {
         return operand.type.IsText() ? Render(operand) : RenderAs(operand, text, true);
     };
-    std::string sql = "ts_like(" + asText(Value(*like.operand, scope)) + ", " + asText(Value(*like.pattern, scope));
+    std::string sql =
+        "ts_like(" + asText(Value(*like.operand, scope)) + ", " + asText(Value(*like.pattern, scope));
     if (like.escape) sql += ", " + asText(Value(*like.escape, scope));
     sql += ")";
     return like.negated ? "NOT " + sql : sql;
@@ -125,7 +129,8 @@ std::string Translator::In(const InExpr& in, Scope& scope) {
         const SqlType common = CommonType(operand.type, member);
         const Operand column = Computed("c1", member);
         const std::string converted = RenderCompared(column, common);
-        const std::string inner = converted == "c1" ? query.sql : "SELECT " + converted + " FROM (" + query.sql + ")";
+        const std::string inner =
+            converted == "c1" ? query.sql : "SELECT " + converted + " FROM (" + query.sql + ")";
         std::string left = RenderCompared(operand, common);
         if (common.IsText()) left += std::string(" COLLATE ") + kTextCollationName;
         if (common.IsExact()) left += std::string(" COLLATE ") + kNumberCollationName;
@@ -138,7 +143,8 @@ std::string Translator::In(const InExpr& in, Scope& scope) {
         common = CommonType(common, members.back().type);
     }
     std::string list;
-    for (const Operand& member : members) list += (list.empty() ? "" : ", ") + RenderCompared(member, common);
+    for (const Operand& member : members)
+        list += (list.empty() ? "" : ", ") + RenderCompared(member, common);
     std::string left = RenderCompared(operand, common);
     const bool natural = operand.column && operand.type.IsText() == common.IsText() &&
                          operand.type.IsExact() == common.IsExact();
@@ -152,8 +158,8 @@ std::string Translator::Quantified(const QuantifiedExpr& quantified, Scope& scop
     const Operand operand = Value(*quantified.operand, scope);
     const QueryText query = QueryOf(*quantified.query, &scope, false);
     if (query.columns.size() != 1) throw MakeError(116, quantified.query->position);
-    const std::string comparison =
-        Compare(Sign(quantified.op), operand, Computed("q.c1", query.columns.front().type), quantified.position);
+    const std::string comparison = Compare(Sign(quantified.op), operand,
+                                           Computed("q.c1", query.columns.front().type), quantified.position);
     if (quantified.all) {
         return "NOT EXISTS(SELECT 1 FROM (" + query.sql + ") AS q WHERE NOT coalesce(" + comparison + ", 0))";
     }

@@ -55,7 +55,9 @@ const char* OperatorName(BinaryOp op) {
     return "";
 }
 
-std::string Code(const SqlType& type) { return std::to_string(TypeCode(type)); }
+std::string Code(const SqlType& type) {
+    return std::to_string(TypeCode(type));
+}
 
 // A whole number that stands in the text counts with its own digits among decimals.
 SqlType ArithmeticType(const Operand& operand) {
@@ -93,12 +95,13 @@ std::string Translator::Render(const Operand& operand) {
     if (inlineLiterals_) {
         // A check constraint keeps its literals in its text.
         const engine::Value value =
-            LiteralValue(operand.pending->literal, operand.pending->text, operand.pending->negated);
+            ValueOfLiteral(operand.pending->literal, operand.pending->text, operand.pending->negated);
         switch (value.Raw().index()) {
             case 1:
                 return std::to_string(value.Int());
             case 2:
-                return ConvertCall(QuotedText(operand.pending->text), SqlType::VarChar(100), SqlType::Float());
+                return ConvertCall(QuotedText(operand.pending->text), SqlType::VarChar(100),
+                                   SqlType::Float());
             case 3:
                 return QuotedText(value.Exact().ToText());
             case 5:
@@ -121,7 +124,8 @@ std::string Translator::RenderAs(const Operand& operand, const SqlType& type, bo
         return AddParameter(std::move(parameter));
     }
     if (SameRepresentation(operand.type, type)) return Render(operand);
-    if (operand.type.IsInteger() && type.kind == TypeKind::kFloat) return "CAST(" + Render(operand) + " AS REAL)";
+    if (operand.type.IsInteger() && type.kind == TypeKind::kFloat)
+        return "CAST(" + Render(operand) + " AS REAL)";
     return ConvertCall(Render(operand), operand.type, type);
 }
 
@@ -142,8 +146,8 @@ std::string Translator::RenderStored(const Operand& operand, const TableInfo& ta
     }
     const SqlType from = operand.type.IsUnknown() ? column.type : operand.type;
     return "ts_put(" + Render(operand) + ", " + Code(from) + ", " + Code(column.type) + ", " +
-           (column.nullable ? "1" : "0") + ", " + QuotedText(table.FullName()) + ", " + QuotedText(column.name) +
-           ", '" + operation + "', " + (isKey ? "1" : "0") + ")";
+           (column.nullable ? "1" : "0") + ", " + QuotedText(table.FullName()) + ", " +
+           QuotedText(column.name) + ", '" + operation + "', " + (isKey ? "1" : "0") + ")";
 }
 
 std::string Translator::Collated(const Operand& operand) {
@@ -200,13 +204,15 @@ Operand Translator::ValueInner(const Expr& expression, Scope& scope) {
 }
 
 Operand Translator::Literal(const LiteralExpr& literal) {
-    if (literal.literal == LiteralKind::kNull) return Computed("NULL", {});
+    const int ordinal = foreignDepth_ == 0 ? context_.LiteralOrdinal(literal) : -1;
+    // A NULL that stands where other runs have values stays a parameter.
+    if (literal.literal == LiteralKind::kNull && ordinal < 0) return Computed("NULL", {});
     if (literal.literal == LiteralKind::kDefault) throw MakeError(156, literal.position, {"DEFAULT"});
     Parameter parameter;
     parameter.source = Parameter::Source::kLiteral;
     parameter.literal = literal.literal;
     parameter.text = literal.text;
-    parameter.ordinal = context_.LiteralOrdinal(literal);
+    parameter.ordinal = ordinal;
     parameter.from = LiteralType(literal.literal, literal.text);
     Operand operand;
     operand.type = parameter.from;
@@ -289,7 +295,8 @@ Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
         if (found != nullptr) {
             if (level->grouped && aggregateDepth_ == 0 && level == &scope) {
                 bool listed = false;
-                for (const std::string& group : level->groupColumns) listed = listed || group == found->sql;
+                for (const std::string& group : level->groupColumns)
+                    listed = listed || group == found->sql;
                 if (!listed) throw MakeError(8120, column.position, {owner->exposedName, found->name});
             }
             Operand operand;
@@ -308,8 +315,10 @@ Operand Translator::Unary(const UnaryExpr& unary, Scope& scope) {
     Operand operand = Value(*unary.operand, scope);
     if (unary.op == UnaryOp::kPlus) return operand;
     if (unary.op == UnaryOp::kBitNot) {
-        if (!operand.type.IsInteger()) throw MakeError(8117, unary.position, {MessageName(operand.type), "'~'"});
-        if (operand.type.kind == TypeKind::kBit) return Computed("(1 - " + Render(operand) + ")", operand.type);
+        if (!operand.type.IsInteger())
+            throw MakeError(8117, unary.position, {MessageName(operand.type), "'~'"});
+        if (operand.type.kind == TypeKind::kBit)
+            return Computed("(1 - " + Render(operand) + ")", operand.type);
         return Computed("(~" + Render(operand) + ")", operand.type);
     }
     if (operand.type.IsUnknown()) return operand;
@@ -343,24 +352,25 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
     SqlType common = CommonType(a, b);
     if (common.IsText()) {
         throw MakeError(a.IsUnknown() || b.IsUnknown() ? 8117 : 402, position,
-                        {MessageName(a.IsUnknown() ? b : a), a.IsUnknown() || b.IsUnknown() ? OperatorName(op) : b.Name(),
-                         OperatorName(op)});
+                        {MessageName(a.IsUnknown() ? b : a),
+                         a.IsUnknown() || b.IsUnknown() ? OperatorName(op) : b.Name(), OperatorName(op)});
     }
     if (common.IsDate()) {
         if (op != BinaryOp::kAdd && op != BinaryOp::kSubtract) {
             throw MakeError(8117, position, {MessageName(common), OperatorName(op)});
         }
-        if (common.kind == TypeKind::kDate || common.kind == TypeKind::kTime || common.kind == TypeKind::kDateTime2) {
+        if (common.kind == TypeKind::kDate || common.kind == TypeKind::kTime ||
+            common.kind == TypeKind::kDateTime2) {
             throw MakeError(206, position, {MessageName(a), MessageName(b)});
         }
         const SqlType datetime = SqlType::DateTime();
         const Operand& date = a.IsDate() ? left : right;
         const Operand& other = a.IsDate() ? right : left;
-        const std::string days =
-            other.type.IsDate() || other.type.IsText()
-                ? ConvertCall(RenderAs(other, datetime), datetime, SqlType::Float())
-                : RenderAs(other, SqlType::Float());
-        if (op == BinaryOp::kSubtract && !a.IsDate()) throw MakeError(8117, position, {MessageName(b), "subtract"});
+        const std::string days = other.type.IsDate() || other.type.IsText()
+                                     ? ConvertCall(RenderAs(other, datetime), datetime, SqlType::Float())
+                                     : RenderAs(other, SqlType::Float());
+        if (op == BinaryOp::kSubtract && !a.IsDate())
+            throw MakeError(8117, position, {MessageName(b), "subtract"});
         return Computed("ts_date_plus(" + RenderAs(date, datetime) + ", " + days + ", " +
                             (op == BinaryOp::kAdd ? "1" : "-1") + ")",
                         datetime);
@@ -371,7 +381,8 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
         throw MakeError(402, position, {MessageName(a), MessageName(b), OperatorName(op)});
     }
     if (common.IsFloat()) {
-        if (op == BinaryOp::kModulo) throw MakeError(402, position, {MessageName(a), MessageName(b), "modulo"});
+        if (op == BinaryOp::kModulo)
+            throw MakeError(402, position, {MessageName(a), MessageName(b), "modulo"});
         return Computed("ts_real('" + letter + "', " + RenderAs(left, SqlType::Float()) + ", " +
                             RenderAs(right, SqlType::Float()) + ")",
                         SqlType::Float());
@@ -380,12 +391,13 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
         if (common.kind == TypeKind::kBit && !bitwise) {
             throw MakeError(8117, position, {"bit", OperatorName(op)});
         }
-        return Computed("ts_int('" + letter + "', " + RenderAs(left, common) + ", " + RenderAs(right, common) + ", " +
-                            Code(common) + ")",
+        return Computed("ts_int('" + letter + "', " + RenderAs(left, common) + ", " +
+                            RenderAs(right, common) + ", " + Code(common) + ")",
                         common);
     }
-    static constexpr Arithmetic kArithmetic[] = {Arithmetic::kAdd, Arithmetic::kSubtract, Arithmetic::kMultiply,
-                                                 Arithmetic::kDivide, Arithmetic::kModulo};
+    static constexpr Arithmetic kArithmetic[] = {Arithmetic::kAdd, Arithmetic::kSubtract,
+                                                 Arithmetic::kMultiply, Arithmetic::kDivide,
+                                                 Arithmetic::kModulo};
     for (const Operand* operand : {&left, &right}) {
         if (operand->literal != nullptr) context_.PinLiteral(*operand->literal);
     }
@@ -402,13 +414,15 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
                              : DecimalResult(kArithmetic[static_cast<std::size_t>(op)], leftType, rightType);
     const std::string leftText = exact(left);
     const std::string rightText = exact(right);
-    return Computed("ts_dec('" + letter + "', " + leftText + ", " + rightText + ", " + Code(type) + ")", type);
+    return Computed("ts_dec('" + letter + "', " + leftText + ", " + rightText + ", " + Code(type) + ")",
+                    type);
 }
 
 Operand Translator::Case(const CaseExpr& expression, Scope& scope) {
     std::vector<Operand> results;
     SqlType type;
-    for (const CaseExpr::Branch& branch : expression.branches) results.push_back(Value(*branch.then, scope));
+    for (const CaseExpr::Branch& branch : expression.branches)
+        results.push_back(Value(*branch.then, scope));
     if (expression.otherwise) results.push_back(Value(*expression.otherwise, scope));
     for (const Operand& result : results) {
         type = CommonType(type, result.type);
@@ -417,10 +431,10 @@ Operand Translator::Case(const CaseExpr& expression, Scope& scope) {
     std::string sql = "CASE";
     std::size_t next = 0;
     for (const CaseExpr::Branch& branch : expression.branches) {
-        const std::string condition =
-            expression.operand
-                ? Compare("=", Value(*expression.operand, scope), Value(*branch.when, scope), branch.when->position)
-                : ConditionText(*branch.when, scope);
+        const std::string condition = expression.operand
+                                          ? Compare("=", Value(*expression.operand, scope),
+                                                    Value(*branch.when, scope), branch.when->position)
+                                          : ConditionText(*branch.when, scope);
         sql += " WHEN " + condition + " THEN " + RenderAs(results[next++], type);
     }
     if (expression.otherwise) sql += " ELSE " + RenderAs(results[next], type);
@@ -442,8 +456,10 @@ Operand Translator::Cast(const CastExpr& expression, Scope& scope) {
         throw;
     }
     const char* name = expression.tryOnly ? "ts_try_conv(" : "ts_conv(";
-    const std::string style = expression.style ? RenderAs(Value(*expression.style, scope), SqlType::Int()) : "0";
-    return Computed(name + Render(operand) + ", " + Code(operand.type) + ", " + Code(type) + ", " + style + ")", type);
+    const std::string style =
+        expression.style ? RenderAs(Value(*expression.style, scope), SqlType::Int()) : "0";
+    return Computed(
+        name + Render(operand) + ", " + Code(operand.type) + ", " + Code(type) + ", " + style + ")", type);
 }
 
 Operand Translator::Subquery(const SubqueryExpr& expression, Scope& scope) {
@@ -462,7 +478,8 @@ SqlType Translator::ResolveType(const TypeName& name) {
         case TypeKind::kDecimal: {
             const int precision = name.length.value_or(18);
             const int scale = name.scale.value_or(0);
-            if (precision > kMaxPrecision || precision < 1) throw MakeError(2750, name.position, {1, precision, kMaxPrecision});
+            if (precision > kMaxPrecision || precision < 1)
+                throw MakeError(2750, name.position, {1, precision, kMaxPrecision});
             if (scale > precision) throw MakeError(2751, name.position, {1, scale, precision});
             return SqlType::Decimal(precision, scale);
         }

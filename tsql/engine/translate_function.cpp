@@ -54,7 +54,8 @@ struct FunctionTranslator {
         const auto* word = TryAs<ColumnExpr>(function.arguments[i].get());
         const auto part = word != nullptr ? DatePartByName(LowerAscii(word->name.Object())) : std::nullopt;
         if (part) return std::to_string(static_cast<int>(*part));
-        throw MakeError(155, function.position, {word != nullptr ? word->name.Object() : std::string(), name});
+        throw MakeError(155, function.position,
+                        {word != nullptr ? word->name.Object() : std::string(), name});
     }
     // A literal's value when it is a small whole number; else the given one.
     int LiteralInt(std::size_t i, int otherwise) {
@@ -82,7 +83,9 @@ namespace {
 
 using Call = FunctionTranslator;
 
-Operand IntOfText(Call& call) { return Call::Made("ts_" + call.name + "(" + call.Text(0) + ")", SqlType::Int()); }
+Operand IntOfText(Call& call) {
+    return Call::Made("ts_" + call.name + "(" + call.Text(0) + ")", SqlType::Int());
+}
 
 Operand TextOfText(Call& call) {
     const SqlType type = call.TextType(0, call.TextLength(0));
@@ -96,7 +99,8 @@ Operand DataLength(Call& call) {
 
 Operand LeftRight(Call& call) {
     const int length = call.LiteralInt(1, call.TextLength(0));
-    return Call::Made("ts_" + call.name + "(" + call.Text(0) + ", " + call.Int(1) + ")", call.TextType(0, length));
+    return Call::Made("ts_" + call.name + "(" + call.Text(0) + ", " + call.Int(1) + ")",
+                      call.TextType(0, length));
 }
 
 Operand Substring(Call& call) {
@@ -120,17 +124,22 @@ Operand Replace(Call& call) {
                       unicode ? SqlType::NVarChar(4000) : SqlType::VarChar(8000));
 }
 
-SqlType LongText(Call& call) { return call.TextType(0, call.At(0).type.IsUnicode() ? 4000 : 8000); }
+SqlType LongText(Call& call) {
+    return call.TextType(0, call.At(0).type.IsUnicode() ? 4000 : 8000);
+}
 
 Operand Replicate(Call& call) {
     return Call::Made("ts_replicate(" + call.Text(0) + ", " + call.Int(1) + ")", LongText(call));
 }
 
-Operand Space(Call& call) { return Call::Made("ts_space(" + call.Int(0) + ")", SqlType::VarChar(8000)); }
+Operand Space(Call& call) {
+    return Call::Made("ts_space(" + call.Int(0) + ")", SqlType::VarChar(8000));
+}
 
 Operand Stuff(Call& call) {
-    return Call::Made("ts_stuff(" + call.Text(0) + ", " + call.Int(1) + ", " + call.Int(2) + ", " + call.Text(3) + ")",
-                      LongText(call));
+    return Call::Made(
+        "ts_stuff(" + call.Text(0) + ", " + call.Int(1) + ", " + call.Int(2) + ", " + call.Text(3) + ")",
+        LongText(call));
 }
 
 Operand Str(Call& call) {
@@ -146,7 +155,9 @@ Operand CharOf(Call& call) {
     return Call::Made("ts_nchar(" + call.Int(0) + ")", SqlType::Of(kind, 1));
 }
 
-Operand CodeOf(Call& call) { return Call::Made("ts_unicode(" + call.Text(0) + ")", SqlType::Int()); }
+Operand CodeOf(Call& call) {
+    return Call::Made("ts_unicode(" + call.Text(0) + ")", SqlType::Int());
+}
 
 Operand QuoteName(Call& call) {
     const std::string mark = call.Count() > 1 ? ", " + call.Text(1) : "";
@@ -176,7 +187,9 @@ Operand IsNullCall(Call& call) {
     return Call::Made("ifnull(" + first + ", " + call.As(1, type) + ")", type);
 }
 
-Operand CoalesceCall(Call& call) { return call.Coalesce(); }
+Operand CoalesceCall(Call& call) {
+    return call.Coalesce();
+}
 
 Operand NullIf(Call& call) {
     call.Pin(0);
@@ -185,7 +198,9 @@ Operand NullIf(Call& call) {
     return Call::Made("(CASE WHEN " + equal + " THEN NULL ELSE " + call.Plain(0) + " END)", type);
 }
 
-Operand ChooseCall(Call& call) { return call.Choose(); }
+Operand ChooseCall(Call& call) {
+    return call.Choose();
+}
 
 Operand Abs(Call& call) {
     const SqlType type = call.NumberType(0);
@@ -197,7 +212,8 @@ Operand Round(Call& call) {
     const std::string number = call.As(0, type);
     const std::string places = call.Int(1);
     const std::string cut = call.Count() > 2 ? call.Int(2) : "0";
-    return Call::Made("ts_round(" + number + ", " + places + ", " + cut + ", " + Call::Code(type) + ")", type);
+    return Call::Made("ts_round(" + number + ", " + places + ", " + cut + ", " + Call::Code(type) + ")",
+                      type);
 }
 
 Operand FloorCeiling(Call& call) {
@@ -227,9 +243,13 @@ Operand Square(Call& call) {
     return Call::Made("ts_real('*', " + number + ", " + number + ")", SqlType::Float());
 }
 
-Operand Pi(Call&) { return Call::Made("3.1415926535897931", SqlType::Float()); }
+Operand Pi(Call&) {
+    return Call::Made("3.1415926535897931", SqlType::Float());
+}
 
-Operand Rand(Call&) { return Call::Made("ts_rand()", SqlType::Float()); }
+Operand Rand(Call&) {
+    return Call::Made("ts_rand()", SqlType::Float());
+}
 
 Operand GetDate(Call& call) {
     call.name = "getdate";
@@ -246,8 +266,8 @@ Operand DateAdd(Call& call) {
     if (!type.IsDate()) type = SqlType::DateTime();
     const std::string part = call.PartCode(0);
     const std::string count = call.Int(1);
-    return Call::Made("ts_dateadd(" + part + ", " + count + ", " + call.As(2, type) + ", " + Call::Code(type) + ")",
-                      type);
+    return Call::Made(
+        "ts_dateadd(" + part + ", " + count + ", " + call.As(2, type) + ", " + Call::Code(type) + ")", type);
 }
 
 Operand DateDiff(Call& call) {
@@ -283,7 +303,9 @@ Operand EndOfMonth(Call& call) {
                       SqlType::Of(TypeKind::kDate));
 }
 
-Operand NewId(Call&) { return Call::Made("ts_newid()", SqlType::Of(TypeKind::kUniqueIdentifier)); }
+Operand NewId(Call&) {
+    return Call::Made("ts_newid()", SqlType::Of(TypeKind::kUniqueIdentifier));
+}
 
 Operand ObjectIdCall(Call& call) {
     const std::string type = call.Count() > 1 ? ", " + call.Text(1) : "";
@@ -291,23 +313,35 @@ Operand ObjectIdCall(Call& call) {
 }
 
 Operand ColLength(Call& call) {
-    return Call::Made("ts_col_length(" + call.Text(0) + ", " + call.Text(1) + ")", SqlType::Of(TypeKind::kSmallInt));
+    return Call::Made("ts_col_length(" + call.Text(0) + ", " + call.Text(1) + ")",
+                      SqlType::Of(TypeKind::kSmallInt));
 }
 
 Operand ObjectName(Call& call) {
-    return Call::Made("(SELECT name FROM main.\"ts$objects\" WHERE id = " + call.Int(0) + ")", SqlType::NVarChar(128));
+    return Call::Made("(SELECT name FROM main.\"ts$objects\" WHERE id = " + call.Int(0) + ")",
+                      SqlType::NVarChar(128));
 }
 
-Operand SystemInt(Call& call) { return call.System(SqlType::Int()); }
-Operand SystemText(Call& call) { return call.System(SqlType::NVarChar(4000)); }
+Operand SystemInt(Call& call) {
+    return call.System(SqlType::Int());
+}
+Operand SystemText(Call& call) {
+    return call.System(SqlType::NVarChar(4000));
+}
 Operand SystemName(Call& call) {
     // An argument would name the current database or user: there is no other.
     return call.System(SqlType::NVarChar(128));
 }
-Operand SystemDecimal(Call& call) { return call.System(SqlType::Decimal(38, 0)); }
+Operand SystemDecimal(Call& call) {
+    return call.System(SqlType::Decimal(38, 0));
+}
 
-Operand Aggregated(Call& call) { return call.Aggregate(); }
-Operand WindowedCall(Call& call) { return call.Windowed(); }
+Operand Aggregated(Call& call) {
+    return call.Aggregate();
+}
+Operand WindowedCall(Call& call) {
+    return call.Windowed();
+}
 
 struct Entry {
     std::string_view name;
@@ -433,7 +467,8 @@ Operand FunctionTranslator::Coalesce() {
         type = CommonType(type, At(i).type);
     }
     std::string sql;
-    for (std::size_t i = 0; i < Count(); ++i) sql += (i == 0 ? "" : ", ") + As(i, type);
+    for (std::size_t i = 0; i < Count(); ++i)
+        sql += (i == 0 ? "" : ", ") + As(i, type);
     return Made("coalesce(" + sql + ")", type);
 }
 
@@ -477,31 +512,38 @@ Operand FunctionTranslator::Aggregate() {
     }
     const bool average = name == "avg";
     if (from.IsExact()) {
-        SqlType type = from.IsMoney() ? SqlType::Of(TypeKind::kMoney)
-                                      : SqlType::Decimal(kMaxPrecision, average && from.scale < 6 ? 6 : from.scale);
+        SqlType type = from.IsMoney()
+                           ? SqlType::Of(TypeKind::kMoney)
+                           : SqlType::Decimal(kMaxPrecision, average && from.scale < 6 ? 6 : from.scale);
         const std::string sql = "ts_" + name + "_decimal(" + distinct + translator.Collated(At(0)) + ")";
         if (!from.IsMoney()) return Made(sql, type);
-        return Made("ts_conv(" + sql + ", " + Code(SqlType::Decimal(38, 6)) + ", " + Code(type) + ", 0)", type);
+        return Made("ts_conv(" + sql + ", " + Code(SqlType::Decimal(38, 6)) + ", " + Code(type) + ", 0)",
+                    type);
     }
     const char* kind = from.IsFloat() ? "_real(" : from.kind == TypeKind::kBigInt ? "_bigint(" : "_int(";
-    const SqlType type = from.IsFloat() ? SqlType::Float()
-                                        : SqlType::Of(from.kind == TypeKind::kBigInt ? from.kind : TypeKind::kInt);
+    const SqlType type = from.IsFloat()
+                             ? SqlType::Float()
+                             : SqlType::Of(from.kind == TypeKind::kBigInt ? from.kind : TypeKind::kInt);
     return Made("ts_" + name + kind + distinct + Plain(0) + ")", type);
 }
 
-Operand FunctionTranslator::Windowed() { return Made(name + "()", SqlType::Of(TypeKind::kBigInt)); }
+Operand FunctionTranslator::Windowed() {
+    return Made(name + "()", SqlType::Of(TypeKind::kBigInt));
+}
 
 Operand Translator::Function(const FunctionExpr& function, Scope& scope) {
     FunctionTranslator call{*this, function, scope, LowerAscii(function.name.Object())};
     const Entry* entry = FindFunction(call.name);
-    if (entry == nullptr) throw MakeError(195, function.position, {function.name.Object(), "built-in function name"});
+    if (entry == nullptr)
+        throw MakeError(195, function.position, {function.name.Object(), "built-in function name"});
     const std::size_t count = function.arguments.size();
     if (count < entry->least || count > entry->most) {
         if (entry->least == entry->most) {
             throw MakeError(174, function.position, {call.name, static_cast<std::int32_t>(entry->least)});
         }
-        throw MakeError(189, function.position, {call.name, static_cast<std::int32_t>(entry->least),
-                                                 static_cast<std::int32_t>(entry->most)});
+        throw MakeError(
+            189, function.position,
+            {call.name, static_cast<std::int32_t>(entry->least), static_cast<std::int32_t>(entry->most)});
     }
     const bool aggregate = entry->translate == Aggregated && !function.over;
     if (aggregate) ++aggregateDepth_;
@@ -512,7 +554,8 @@ Operand Translator::Function(const FunctionExpr& function, Scope& scope) {
     Operand result = entry->translate(call);
     if (!function.over) return result;
     std::string window;
-    if (!function.over->partitionBy.empty()) window += "PARTITION BY " + call.List(function.over->partitionBy);
+    if (!function.over->partitionBy.empty())
+        window += "PARTITION BY " + call.List(function.over->partitionBy);
     for (std::size_t i = 0; i < function.over->orderBy.size(); ++i) {
         const OrderItem& item = function.over->orderBy[i];
         window += i == 0 ? " ORDER BY " : ", ";

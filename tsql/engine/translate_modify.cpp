@@ -36,14 +36,16 @@ void Translator::Begin(const TableInfo& table, const char* operation) {
 }
 
 const TableInfo& Translator::TargetTable(const ObjectName& name) {
-    const TableInfo* table = context_.FindTable(name.Object());
+    const TableInfo* table = FindTable(name.Object());
     if (table != nullptr) return *table;
     if (name.Object().front() == '@') throw MakeError(1087, name.Where(), {name.Object()});
-    if (context_.ViewDefinition(name.Object()) != nullptr) throw MakeError(4406, name.Where(), {name.Object()});
+    if (context_.ViewDefinition(name.Object()) != nullptr)
+        throw MakeError(4406, name.Where(), {name.Object()});
     throw MakeError(208, name.Where(), {name.Text()});
 }
 
-std::vector<const ColumnInfo*> Translator::TargetColumns(const TableInfo& table, const std::vector<Name>& columns) {
+std::vector<const ColumnInfo*> Translator::TargetColumns(const TableInfo& table,
+                                                         const std::vector<Name>& columns) {
     std::vector<const ColumnInfo*> result;
     for (const Name& name : columns) {
         const ColumnInfo* column = table.FindColumn(name.text);
@@ -72,7 +74,10 @@ Operand Translator::DefaultOf(const ColumnInfo& column) {
     if (column.defaultText.empty()) return Computed("NULL", {});
     ownedExpressions_.push_back(ParseExpression(column.defaultText));
     Scope none;
-    return Value(*ownedExpressions_.back(), none);
+    ++foreignDepth_;
+    Operand value = Value(*ownedExpressions_.back(), none);
+    --foreignDepth_;
+    return value;
 }
 
 void Translator::AddDefaults(const TableInfo& table, std::vector<const ColumnInfo*>& columns,
@@ -80,7 +85,8 @@ void Translator::AddDefaults(const TableInfo& table, std::vector<const ColumnInf
     const std::size_t given = columns.size();
     for (const ColumnInfo& column : table.columns) {
         bool present = !column.computedText.empty();
-        for (std::size_t i = 0; i < given; ++i) present = present || columns[i] == &column;
+        for (std::size_t i = 0; i < given; ++i)
+            present = present || columns[i] == &column;
         if (present) continue;
         if (column.identity) {
             translation_.usesIdentity = true;
@@ -94,19 +100,23 @@ void Translator::AddDefaults(const TableInfo& table, std::vector<const ColumnInf
     }
 }
 
-std::string Translator::InsertHead(const TableInfo& table, const std::vector<const ColumnInfo*>& columns) const {
+std::string Translator::InsertHead(const TableInfo& table,
+                                   const std::vector<const ColumnInfo*>& columns) const {
     std::string sql = "INSERT INTO " + table.Sql() + "(";
-    for (std::size_t i = 0; i < columns.size(); ++i) sql += (i == 0 ? "" : ", ") + Quoted(columns[i]->name);
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        sql += (i == 0 ? "" : ", ") + Quoted(columns[i]->name);
     return sql + ")";
 }
 
 std::string Translator::Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable) {
     Scope scope;
     Source source = SourceOf(table, pseudoTable);
-    for (SourceColumn& column : source.columns) column.sql = Quoted(column.name);
+    for (SourceColumn& column : source.columns)
+        column.sql = Quoted(column.name);
     scope.sources.push_back(std::move(source));
     SelectParts parts;
-    for (const SelectItem& item : output.items) AddItem(item, scope, parts);
+    for (const SelectItem& item : output.items)
+        AddItem(item, scope, parts);
     std::string sql;
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
         sql += (i == 0 ? " RETURNING " : ", ") + Render(parts.items[i]);
@@ -153,7 +163,8 @@ Translation Translator::Insert(const InsertStatement& statement) {
         std::vector<std::string> defaults;
         AddDefaults(table, all, defaults);
         std::string values = row;
-        for (const std::string& value : defaults) values += (values.empty() ? "" : ", ") + value;
+        for (const std::string& value : defaults)
+            values += (values.empty() ? "" : ", ") + value;
         sql += (sql.empty() ? " VALUES (" : ", (") + values + ")";
     }
     translation_.oneRow = rows.size() == 1;
@@ -177,12 +188,14 @@ Translation Translator::InsertRow(const TableInfo& table, const std::vector<Name
     }
     AddDefaults(table, columns, values);
     std::string sql;
-    for (const std::string& value : values) sql += (sql.empty() ? " VALUES (" : ", ") + value;
+    for (const std::string& value : values)
+        sql += (sql.empty() ? " VALUES (" : ", ") + value;
     translation_.oneRow = true;
     return Finished(InsertHead(table, columns) + sql + ")");
 }
 
-Translation Translator::InsertQuery(const TableInfo& table, const std::vector<Name>& names, const Query& query) {
+Translation Translator::InsertQuery(const TableInfo& table, const std::vector<Name>& names,
+                                    const Query& query) {
     Begin(table, kInsert);
     std::vector<const ColumnInfo*> columns = TargetColumns(table, names);
     const QueryText rows = QueryOf(query, nullptr, true);
@@ -197,15 +210,18 @@ Translation Translator::InsertQuery(const TableInfo& table, const std::vector<Na
     }
     AddDefaults(table, columns, values);
     std::string list;
-    for (const std::string& value : values) list += (list.empty() ? " SELECT " : ", ") + value;
+    for (const std::string& value : values)
+        list += (list.empty() ? " SELECT " : ", ") + value;
     return Finished(InsertHead(table, columns) + list + " FROM (" + rows.sql + ") WHERE true");
 }
 
-std::vector<Translator::Assigned> Translator::Assignments(const UpdateStatement& statement, const TableInfo& table,
-                                                          Scope& scope, const std::string& alias) {
+std::vector<Translator::Assigned> Translator::Assignments(const UpdateStatement& statement,
+                                                          const TableInfo& table, Scope& scope,
+                                                          const std::string& alias) {
     std::vector<Assigned> result;
-    for (const engine::Assignment& assignment : statement.assignments) {
-        if (assignment.column.IsEmpty()) throw MakeError(40510, assignment.position, {"UPDATE … SET @variable = expression"});
+    for (const tsql::Assignment& assignment : statement.assignments) {
+        if (assignment.column.IsEmpty())
+            throw MakeError(40510, assignment.position, {"UPDATE … SET @variable = expression"});
         const std::string& name = assignment.column.Object();
         const ColumnInfo* column = table.FindColumn(name);
         if (column == nullptr) throw MakeError(207, assignment.position, {name});
@@ -223,8 +239,8 @@ std::vector<Translator::Assigned> Translator::Assignments(const UpdateStatement&
             current.sql = alias + "." + Quoted(column->name);
             current.type = column->type;
             current.column = true;
-            value = Binary(static_cast<BinaryOp>(static_cast<int>(assignment.op) - 1), assignment.position, current,
-                           value);
+            value = Binary(static_cast<BinaryOp>(static_cast<int>(assignment.op) - 1), assignment.position,
+                           current, value);
         }
         result.push_back({column, std::move(value)});
     }
@@ -251,7 +267,7 @@ Translation Translator::Update(const UpdateStatement& statement) {
     std::vector<Assigned> assigned = Assignments(statement, table, scope, alias);
     const std::string condition = statement.where ? ConditionText(*statement.where, scope) : std::string();
     std::string variables;
-    for (const engine::Assignment& assignment : statement.assignments) {
+    for (const tsql::Assignment& assignment : statement.assignments) {
         if (assignment.variable.empty()) continue;
         const ColumnInfo* column = table.FindColumn(assignment.column.Object());
         translation_.assignments.push_back({LowerAscii(assignment.variable), AssignOp::kSet});
@@ -286,14 +302,15 @@ Translation Translator::Update(const UpdateStatement& statement) {
             sql += (i == 0 ? "" : ", ") + Quoted(assigned[i].column->name) + " = " +
                    RenderStored(quoted, table, *assigned[i].column, kUpdate);
         }
-        sql = "UPDATE " + table.Sql() + " AS \"ts$t\" SET " + sql + " FROM (" + inner + from + Where(condition) + limit +
-              ") AS \"ts$s\" WHERE \"ts$t\"._rowid_ = \"ts$s\".r";
+        sql = "UPDATE " + table.Sql() + " AS \"ts$t\" SET " + sql + " FROM (" + inner + from +
+              Where(condition) + limit + ") AS \"ts$s\" WHERE \"ts$t\"._rowid_ = \"ts$s\".r";
     }
     sql += variables;
     if (statement.output) {
         for (const SelectItem& item : statement.output->items) {
             const auto* column = TryAs<ColumnExpr>(item.expression.get());
-            const std::string& qualifier = column != nullptr ? column->name.Schema() : item.qualifier.Schema();
+            const std::string& qualifier =
+                column != nullptr ? column->name.Schema() : item.qualifier.Schema();
             if (SameName(qualifier, "deleted")) throw MakeError(40510, item.position, {"OUTPUT deleted"});
         }
         sql += Output(*statement.output, table, "inserted");

@@ -20,7 +20,8 @@ std::string ItemName(const SelectItem& item) {
 
 const SelectBody* FirstSelect(const QueryBody& body) {
     const QueryBody* at = &body;
-    while (at->kind == QueryBodyKind::kSetOperation) at = As<SetOperation>(*at).first.get();
+    while (at->kind == QueryBodyKind::kSetOperation)
+        at = As<SetOperation>(*at).first.get();
     return &As<SelectBody>(*at);
 }
 
@@ -52,7 +53,8 @@ Translation Translator::Assignment(std::string_view variable, const SqlType& typ
     if (op != AssignOp::kSet) {
         Operand current = System(LowerAscii(variable), type);
         current.pending->source = Parameter::Source::kVariable;
-        operand = Binary(static_cast<BinaryOp>(static_cast<int>(op) - 1), expression.position, current, operand);
+        operand =
+            Binary(static_cast<BinaryOp>(static_cast<int>(op) - 1), expression.position, current, operand);
     }
     translation_.columns.push_back({"", type});
     return Finished("SELECT " + RenderAs(operand, type));
@@ -119,12 +121,15 @@ std::string Translator::Assemble(SelectParts& parts, const std::vector<SqlType>*
 SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderFrom, const Scope* outer) {
     std::vector<SelectParts> members;
     members.push_back(BodyOf(*operation.first, nullptr, outer));
-    for (const SetOperation::Term& term : operation.rest) members.push_back(BodyOf(*term.body, nullptr, outer));
+    for (const SetOperation::Term& term : operation.rest)
+        members.push_back(BodyOf(*term.body, nullptr, outer));
     std::vector<SqlType> types;
-    for (const Operand& item : members.front().items) types.push_back(item.type);
+    for (const Operand& item : members.front().items)
+        types.push_back(item.type);
     for (const SelectParts& member : members) {
         if (member.items.size() != types.size()) throw MakeError(205, operation.position);
-        for (std::size_t i = 0; i < types.size(); ++i) types[i] = CommonType(types[i], member.items[i].type);
+        for (std::size_t i = 0; i < types.size(); ++i)
+            types[i] = CommonType(types[i], member.items[i].type);
     }
     SelectParts parts;
     for (std::size_t i = 0; i < members.size(); ++i) {
@@ -204,9 +209,10 @@ void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& part
         const auto type = context_.VariableType(name);
         if (!type) throw MakeError(137, item.position, {item.variable});
         if (item.assign != AssignOp::kSet) {
-            const Operand current =
-                Computed("ts_variable(" + QuotedText(name) + ", " + std::to_string(TypeCode(*type)) + ")", *type);
-            operand = Binary(static_cast<BinaryOp>(static_cast<int>(item.assign) - 1), item.position, current, operand);
+            const Operand current = Computed(
+                "ts_variable(" + QuotedText(name) + ", " + std::to_string(TypeCode(*type)) + ")", *type);
+            operand = Binary(static_cast<BinaryOp>(static_cast<int>(item.assign) - 1), item.position, current,
+                             operand);
         }
         const std::string text = RenderAs(operand, *type);
         operand = Computed(text, *type);
@@ -247,11 +253,13 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
         aggregates = aggregates || (item.expression && HasAggregate(*item.expression));
     }
     if (orderFrom != nullptr) {
-        for (const OrderItem& item : orderFrom->orderBy) aggregates = aggregates || HasAggregate(*item.expression);
+        for (const OrderItem& item : orderFrom->orderBy)
+            aggregates = aggregates || HasAggregate(*item.expression);
     }
     if (!select.groupBy.empty() || aggregates) CheckGroupBy(select, scope, parts.tail);
     aggregateAllowed_ = true;
-    for (const SelectItem& item : select.items) AddItem(item, scope, parts);
+    for (const SelectItem& item : select.items)
+        AddItem(item, scope, parts);
     if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size()) {
         throw MakeError(141, select.position);
     }
@@ -301,8 +309,8 @@ std::string Translator::OrderBy(const Query& query, const SelectBody& select, Sc
             column != nullptr && column->name.parts.size() == 1) {
             for (std::size_t i = 0; i < parts.items.size(); ++i) {
                 if (!SameName(parts.names[i], column->name.Object())) continue;
-                const bool alias = isSet || (i < select.items.size() && !select.items[i].alias.IsEmpty()) ||
-                                   select.distinct;
+                const bool alias =
+                    isSet || (i < select.items.size() && !select.items[i].alias.IsEmpty()) || select.distinct;
                 if (alias) {
                     named = i;
                     break;

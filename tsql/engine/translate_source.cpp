@@ -1,9 +1,10 @@
 // FROM: tables, views, subqueries and joins.
 
 #include "automation/object.h"
+#include "tsql/engine/functions.h"
 #include "tsql/engine/text_units.h"
 #include "tsql/engine/translator.h"
-#include "tsql/engine/functions.h"
+#include "tsql/syntax/parser.h"
 
 namespace vicenter::tsql::engine {
 
@@ -15,6 +16,12 @@ namespace {
 constexpr int kViewNesting = 32;
 
 }  // namespace
+
+const TableInfo* Translator::FindTable(std::string_view name) {
+    const TableInfo* table = context_.FindTable(name);
+    if (table != nullptr && table->temporary) translation_.temporaries.emplace_back(table->name, table->id);
+    return table;
+}
 
 std::string Translator::From(const std::vector<TableSourcePtr>& sources, Scope& scope) {
     std::string sql;
@@ -53,10 +60,12 @@ std::string Translator::SourceText(const TableSource& source, Scope& scope) {
             for (const auto& row : rows) {
                 query.sql += query.sql.empty() ? "SELECT " : " UNION ALL SELECT ";
                 for (std::size_t i = 0; i < row.size(); ++i) {
-                    query.sql += (i == 0 ? "" : ", ") + RenderAs(row[i], types[i]) + " AS c" + std::to_string(i + 1);
+                    query.sql +=
+                        (i == 0 ? "" : ", ") + RenderAs(row[i], types[i]) + " AS c" + std::to_string(i + 1);
                 }
             }
-            for (const SqlType& type : types) query.columns.push_back({"", type});
+            for (const SqlType& type : types)
+                query.columns.push_back({"", type});
             query.natural.assign(types.size(), false);
             return Derived(query.sql, query, values.alias.text, values.columns, scope, source.position);
         }
@@ -115,7 +124,9 @@ Source Translator::SourceOf(const TableInfo& table, const std::string& exposedNa
             Scope own;
             own.sources.push_back(source);
             ownedExpressions_.push_back(ParseExpression(column.computedText));
+            ++foreignDepth_;
             const Operand computed = Value(*ownedExpressions_.back(), own);
+            --foreignDepth_;
             entry.sql = "(" + Render(computed) + ")";
             entry.type = computed.type;
             entry.natural = false;
@@ -123,6 +134,15 @@ Source Translator::SourceOf(const TableInfo& table, const std::string& exposedNa
         source.columns.push_back(std::move(entry));
     }
     return source;
+}
+
+SqlType Translator::ComputedType(const TableInfo& table, const std::string& text) {
+    TableInfo plain = table;
+    std::erase_if(plain.columns, [](const ColumnInfo& column) { return !column.computedText.empty(); });
+    Scope scope;
+    scope.sources.push_back(SourceOf(plain, table.name));
+    ownedExpressions_.push_back(ParseExpression(text));
+    return Value(*ownedExpressions_.back(), scope).type;
 }
 
 void Translator::AddSource(Source source, Scope& scope, Position position) {
@@ -154,8 +174,9 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
             return Derived(query.sql, query, exposed, common->columns, scope, table.position);
         }
     }
-    if (const TableInfo* found = context_.FindTable(name)) {
-        const bool system = SameName(table.name.Schema(), "sys") || SameName(table.name.Schema(), "information_schema");
+    if (const TableInfo* found = FindTable(name)) {
+        const bool system =
+            SameName(table.name.Schema(), "sys") || SameName(table.name.Schema(), "information_schema");
         if (!system) {
             Source source = SourceOf(*found, exposed);
             std::string sql = found->Sql() + " AS " + source.alias;
@@ -168,7 +189,9 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         if (++viewDepth_ > kViewNesting) throw MakeError(4413, table.position, {name});
         std::vector<const std::vector<CommonTable>*> outside;
         outside.swap(commonTables_);
+        ++foreignDepth_;
         const QueryText query = QueryOf(*view->query, nullptr, false);
+        --foreignDepth_;
         outside.swap(commonTables_);
         --viewDepth_;
         return Derived(query.sql, query, exposed, view->columns, scope, table.position);
@@ -179,7 +202,8 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         source.tableName = name;
         source.alias = Quoted(exposed);
         for (const ResultColumn& column : view->columns) {
-            source.columns.push_back({column.name, column.type, source.alias + "." + Quoted(column.name), false});
+            source.columns.push_back(
+                {column.name, column.type, source.alias + "." + Quoted(column.name), false});
         }
         std::string sql = std::string("(") + view->sql + ") AS " + source.alias;
         AddSource(std::move(source), scope, table.position);

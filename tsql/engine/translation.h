@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tsql/engine/convert.h"
@@ -21,8 +22,8 @@ struct Parameter {
     Source source = Source::kLiteral;
 
     LiteralKind literal = LiteralKind::kNull;
-    std::string text;   // the literal, or the name of the variable or system value in lower case
-    int ordinal = -1;   // the literal's number among those of the batch when they may change; else -1
+    std::string text;  // the literal, or the name of the variable or system value in lower case
+    int ordinal = -1;  // the literal's number among those of the batch when they may change; else -1
     bool negated = false;
 
     SqlType from;
@@ -53,14 +54,16 @@ struct Translation {
     std::string table;                            // the table that is changed, empty for none
     std::string operation;                        // INSERT, UPDATE, DELETE or MERGE of messages
     bool changesTemporary = false;
-    bool usesIdentity = false;  // rows get their identity values from the session
+    bool usesIdentity = false;   // rows get their identity values from the session
     bool givesIdentity = false;  // the statement gives explicit values for an identity column
-    bool hasOutput = false;     // rows come back from OUTPUT: `columns` describes them
+    bool hasOutput = false;      // rows come back from OUTPUT: `columns` describes them
+    // Temporary tables that the statement uses, with their numbers: made anew they need a new translation.
+    std::vector<std::pair<std::string, std::int64_t>> temporaries;
     bool oneRow = false;  // cannot change more than one row, so no savepoint is needed
 };
 
 // The type and value of a literal.
 SqlType LiteralType(LiteralKind kind, std::string_view text);
-Value LiteralValue(LiteralKind kind, std::string_view text, bool negated = false);
+Value ValueOfLiteral(LiteralKind kind, std::string_view text, bool negated = false);
 
 }  // namespace vicenter::tsql::engine

@@ -1,8 +1,8 @@
 #pragma once
 
-// Turns one statement's tree into SQLite SQL, with the static types of T-SQL: every expression gets a type, implicit
-// conversions become calls, names are resolved against the catalog. Literals, variables and values of the session
-// become parameters, so that one translation serves many runs.
+// Turns one statement's tree into SQLite SQL, with the static types of T-SQL: every expression gets a type,
+// implicit conversions become calls, names are resolved against the catalog. Literals, variables and values
+// of the session become parameters, so that one translation serves many runs.
 //
 // A translator serves one statement. It is spread over translate_*.cpp by what it translates.
 
@@ -111,13 +111,17 @@ class Translator {
     Translation Delete(const DeleteStatement& statement);
     // One value, and one condition as 1, 0 or NULL.
     Translation Expression(const Expr& expression);
-    Translation Assignment(std::string_view variable, const SqlType& type, AssignOp op, const Expr& expression);
+    Translation Assignment(std::string_view variable, const SqlType& type, AssignOp op,
+                           const Expr& expression);
     Translation Condition(const Expr& condition);
     // A condition over the columns of one table, as SQLite keeps it: without parameters.
     std::string CheckText(const TableInfo& table, const Expr& condition);
     // UPDATE t SET c = value [WHERE c IS NULL]: fills a new column or changes a column's type.
     Translation FillColumn(const TableInfo& table, const ColumnInfo& column, const Expr& value);
     Translation RewriteColumn(const TableInfo& table, const ColumnInfo& column, const SqlType& from);
+
+    // The type of a computed column.
+    SqlType ComputedType(const TableInfo& table, const std::string& text);
 
     // The type that a definition names; errors 2715 and its kin.
     static SqlType ResolveType(const TypeName& type);
@@ -155,8 +159,11 @@ class Translator {
     // With the collation that SQLite does not know by itself.
     std::string Collated(const Operand& operand);
     std::string AddParameter(Parameter parameter);
-    std::string ConvertCall(const std::string& sql, const SqlType& from, const SqlType& to, int style = 0) const;
-    static Operand Computed(std::string sql, SqlType type) { return {std::move(sql), type, false, {}, nullptr}; }
+    std::string ConvertCall(const std::string& sql, const SqlType& from, const SqlType& to,
+                            int style = 0) const;
+    static Operand Computed(std::string sql, SqlType type) {
+        return {std::move(sql), type, false, {}, nullptr};
+    }
 
     // translate_query.cpp
     QueryText QueryOf(const Query& query, const Scope* outer, bool ordered);
@@ -173,6 +180,7 @@ class Translator {
     QueryText Finish(SelectParts parts);
 
     // translate_source.cpp
+    const TableInfo* FindTable(std::string_view name);
     std::string From(const std::vector<TableSourcePtr>& sources, Scope& scope);
     std::string SourceText(const TableSource& source, Scope& scope);
     std::string Joined(const JoinedTable& join, Scope& scope);
@@ -187,7 +195,8 @@ class Translator {
     const TableInfo& TargetTable(const ObjectName& name);
     std::vector<const ColumnInfo*> TargetColumns(const TableInfo& table, const std::vector<Name>& columns);
     // The columns that get a value besides the given ones, and the texts of those values.
-    void AddDefaults(const TableInfo& table, std::vector<const ColumnInfo*>& columns, std::vector<std::string>& values);
+    void AddDefaults(const TableInfo& table, std::vector<const ColumnInfo*>& columns,
+                     std::vector<std::string>& values);
     Operand DefaultOf(const ColumnInfo& column);
     std::string InsertHead(const TableInfo& table, const std::vector<const ColumnInfo*>& columns) const;
     std::string Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable);
@@ -215,6 +224,7 @@ class Translator {
     std::string assigning_;  // variables assigned by this SELECT, each between blanks
     int aliasNumber_ = 0;
     int viewDepth_ = 0;
+    int foreignDepth_ = 0;  // inside a text of the catalog, whose literals are not those of the batch
 };
 
 // Trees that mean the same within one query.

@@ -17,7 +17,8 @@ void PutDigits(char* at, int count, int number) {
 
 int Digits(std::string_view text, std::size_t at, std::size_t count) {
     int number = 0;
-    for (std::size_t i = at; i < at + count && i < text.size(); ++i) number = number * 10 + (text[i] - '0');
+    for (std::size_t i = at; i < at + count && i < text.size(); ++i)
+        number = number * 10 + (text[i] - '0');
     return number;
 }
 
@@ -113,7 +114,8 @@ void BindValue(sqlite3_stmt* statement, int parameter, const Value& value, const
             bindText(value.Text());
             break;
         default:
-            sqlite3_bind_blob64(statement, parameter, value.Blob().data(), value.Blob().size(), SQLITE_TRANSIENT);
+            sqlite3_bind_blob64(statement, parameter, value.Blob().data(), value.Blob().size(),
+                                SQLITE_TRANSIENT);
             break;
     }
 }

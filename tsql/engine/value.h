@@ -2,8 +2,8 @@
 
 // One value of an expression, variable or column, apart from its type, and its way into and out of SQLite.
 //
-// What a value looks like inside SQLite depends on the storage class of its type: decimals and dates are texts
-// there (see docs/account-set-format.md). A plain value.
+// What a value looks like inside SQLite depends on the storage class of its type: decimals and dates are
+// texts there (see docs/account-set-format.md). A plain value.
 
 #include <cstdint>
 #include <string>

@@ -1,0 +1,35 @@
+#include <sqlite3.h>
+
+#include "automation/object.h"
+#include "tsql/engine/executor.h"
+
+namespace vicenter::tsql::engine {
+
+void Executor::CreateIndex(const CreateIndexStatement& statement) {
+    const bool temporary = statement.table.Object().front() == '#';
+    Change(temporary, [&] {
+        const TableInfo& table = DefinedTable(statement.table, 1088);
+        KeyInfo key;
+        key.name = statement.name.text;
+        key.kind = statement.unique ? KeyKind::kUniqueIndex : KeyKind::kIndex;
+        for (const KeyInfo& other : table.keys) {
+            if (automation::SameName(other.name, key.name)) {
+                throw MakeError(1913, statement.position, {key.name, "table", table.FullName()});
+            }
+        }
+        for (const IndexColumn& column : statement.columns) {
+            const ColumnInfo* found = table.FindColumn(column.name.text);
+            if (found == nullptr) throw MakeError(1911, column.name.position, {column.name.text});
+            key.columns.push_back(found->name);
+            key.descending.push_back(column.descending);
+        }
+        try {
+            catalog_.CreateIndex(table, key);
+        } catch (const SqlError&) {
+            if (sqlite3_extended_errcode(database_.Handle()) != SQLITE_CONSTRAINT_UNIQUE) throw;
+            throw MakeError(1505, statement.position, {table.FullName(), key.name, "()"});
+        }
+    });
+}
+
+}  // namespace vicenter::tsql::engine

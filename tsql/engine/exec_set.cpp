@@ -1,0 +1,54 @@
+#include "automation/object.h"
+#include "tsql/engine/executor.h"
+#include "tsql/engine/text_units.h"
+
+namespace vicenter::tsql::engine {
+
+void Executor::SetVariable(const SetVariableStatement& statement) {
+    Variable& variable = FindVariable(statement.name, statement.position);
+    if (variable.isCursor) {
+        const auto* source = TryAs<VariableExpr>(statement.value.get());
+        if (source == nullptr) throw MakeError(16949, statement.position, {statement.name});
+        variable.cursor = FindVariable(source->name, source->position).cursor;
+        return;
+    }
+    Plan& plan = PlanFor(&statement, [&](Translator& translator) {
+        return translator.Assignment(statement.name, variable.type, statement.op, *statement.value);
+    });
+    const ResetAtEnd reset(plan.statement);
+    Bind(plan);
+    StepPlan(plan);
+    variable.value = ReadColumn(plan.statement.Handle(), 0, variable.type);
+    rowCount_ = 1;
+}
+
+// Options without a meaning here (isolation levels, ANSI settings, …) are taken without a word.
+void Executor::SetOption(const SetOptionStatement& statement) {
+    for (const std::string& option : statement.options) {
+        if (option == "nocount") {
+            noCount_ = statement.on.value_or(false);
+        } else if (option == "xact_abort") {
+            exactAbort_ = statement.on.value_or(false);
+        } else if (option == "rowcount") {
+            rowCountLimit_ = statement.value ? EvaluateInt(*statement.value) : 0;
+        } else if (option == "lock_timeout") {
+            database_.SetLockTimeout(statement.value ? static_cast<int>(EvaluateInt(*statement.value)) : -1);
+        } else if (option == "identity_insert") {
+            const TableInfo* table = FindTable(statement.table.Object());
+            if (table == nullptr) throw MakeError(208, statement.position, {statement.table.Text()});
+            if (table->IdentityColumn() == nullptr) throw MakeError(8106, statement.position, {table->name});
+            if (!statement.on.value_or(false)) {
+                identityInsert_.clear();
+            } else if (!identityInsert_.empty() && !automation::SameName(identityInsert_, table->name)) {
+                throw MakeError(8107, statement.position,
+                                {"accountset", "dbo", identityInsert_, table->name});
+            } else {
+                identityInsert_ = table->name;
+            }
+            // Whether a column list may name the identity column is part of a translation.
+            frame_->unit->plans.clear();
+        }
+    }
+}
+
+}  // namespace vicenter::tsql::engine

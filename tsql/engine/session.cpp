@@ -1,0 +1,50 @@
+#include "tsql/engine/session.h"
+
+#include <sqlite3.h>
+
+#include "tsql/engine/executor.h"
+
+namespace vicenter::tsql::engine {
+
+class Session::Impl {
+  public:
+    explicit Impl(SessionOptions options)
+        : options_(std::move(options)),
+          catalog_(database_),
+          executor_(database_, catalog_, services_, options_) {
+        services_.collation = options_.collation;
+        database_.Open(options_.path, options_.create, options_.lockTimeoutMilliseconds);
+        RegisterFunctions(database_.Handle(), services_);
+        catalog_.Prepare(options_.create);
+        // A transaction that has been reported as done survives a killed process; WAL keeps the file whole.
+        database_.Run("PRAGMA synchronous = NORMAL");
+        database_.Run("PRAGMA foreign_keys = ON");
+        database_.Run("PRAGMA temp_store = MEMORY");
+        database_.Run("PRAGMA cache_size = -16000");
+        catalog_.Refresh();
+    }
+
+    ExecutionReport Execute(std::string_view batch, ResultSink& sink) { return executor_.Run(batch, sink); }
+    void Reset() { executor_.Reset(); }
+
+  private:
+    SessionOptions options_;
+    FunctionServices services_;
+    Database database_;
+    Catalog catalog_;
+    Executor executor_;
+};
+
+Session::Session(SessionOptions options) : impl_(std::make_unique<Impl>(std::move(options))) {}
+
+Session::~Session() = default;
+
+ExecutionReport Session::Execute(std::string_view batch, ResultSink& sink) {
+    return impl_->Execute(batch, sink);
+}
+
+void Session::Reset() {
+    impl_->Reset();
+}
+
+}  // namespace vicenter::tsql::engine
