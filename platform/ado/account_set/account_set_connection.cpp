@@ -1,0 +1,272 @@
+#include "platform/ado/account_set/account_set_connection.h"
+
+#include <charconv>
+
+#include "platform/ado/account_set/account_set_provider.h"
+#include "platform/ado/account_set/session_pool.h"
+#include "platform/system/collation.h"
+#include "platform/system/surroundings.h"
+
+namespace vicenter::ado {
+
+using automation::Error;
+namespace engine = tsql::engine;
+
+namespace {
+
+constexpr const char* kProviderName = "VelaAccountSet";
+constexpr const char* kClosedText = "Operation is not allowed when the object is closed.";
+constexpr std::int32_t kFirstErrorSeverity = 11;
+
+class ChineseCollation final : public engine::TextCollation {
+  public:
+    int Compare(std::string_view a, std::string_view b) const override {
+        return system::Collator::Chinese().Compare(a, b);
+    }
+    std::string Fold(std::string_view text) const override { return system::Collator::Chinese().Fold(text); }
+};
+
+const ChineseCollation& Collation() {
+    static const ChineseCollation collation;
+    return collation;
+}
+
+DataType DataTypeOf(const engine::SqlType& type) {
+    using engine::TypeKind;
+    switch (type.kind) {
+        case TypeKind::kBit:
+            return DataType::kBoolean;
+        case TypeKind::kTinyInt:
+            return DataType::kTinyInt;
+        case TypeKind::kSmallInt:
+            return DataType::kSmallInt;
+        case TypeKind::kInt:
+            return DataType::kInteger;
+        case TypeKind::kBigInt:
+            return DataType::kBigInt;
+        case TypeKind::kSmallMoney:
+        case TypeKind::kMoney:
+            return DataType::kCurrency;
+        case TypeKind::kDecimal:
+            return DataType::kNumeric;
+        case TypeKind::kReal:
+        case TypeKind::kFloat:
+            return DataType::kDouble;
+        case TypeKind::kTime:
+        case TypeKind::kDate:
+        case TypeKind::kSmallDateTime:
+        case TypeKind::kDateTime:
+        case TypeKind::kDateTime2:
+            return DataType::kTimeStamp;
+        case TypeKind::kBinary:
+        case TypeKind::kVarBinary:
+            return DataType::kBinary;
+        case TypeKind::kUniqueIdentifier:
+            return DataType::kGuid;
+        case TypeKind::kChar:
+            return DataType::kChar;
+        case TypeKind::kVarChar:
+            return type.IsMax() ? DataType::kLongVarChar : DataType::kVarChar;
+        case TypeKind::kText:
+            return DataType::kLongVarChar;
+        case TypeKind::kNText:
+            return DataType::kLongVarWChar;
+        default:
+            return type.IsMax() ? DataType::kLongVarWChar : DataType::kVarWChar;
+    }
+}
+
+Variant VariantOf(engine::Value& value, const engine::SqlType& type) {
+    using engine::TypeKind;
+    switch (value.Raw().index()) {
+        case 0:
+            return Variant::Null();
+        case 1:
+            switch (type.kind) {
+                case TypeKind::kBit:
+                    return Variant(value.Int() != 0);
+                case TypeKind::kTinyInt:
+                case TypeKind::kSmallInt:
+                    return Variant(static_cast<std::int16_t>(value.Int()));
+                case TypeKind::kBigInt:
+                    return Variant(value.Int());
+                default:
+                    return Variant(static_cast<std::int32_t>(value.Int()));
+            }
+        case 2:
+            return Variant(value.Real());
+        case 3:
+            return Variant(value.Exact());
+        case 4:
+            return Variant(value.Date());
+        case 5:
+            return Variant(value.Text());
+        default: {
+            // As a text: bytes have no automation type of their own here.
+            static constexpr char kHex[] = "0123456789ABCDEF";
+            std::string text = "0x";
+            for (const char byte : value.Blob()) {
+                text += kHex[static_cast<unsigned char>(byte) >> 4];
+                text += kHex[static_cast<unsigned char>(byte) & 15];
+            }
+            return Variant(text);
+        }
+    }
+}
+
+// Builds recordsets of what the engine gives.
+class RecordsetSink final : public engine::ResultSink {
+  public:
+    void BeginResult(const std::vector<engine::ResultColumn>& columns) override {
+        std::vector<Column> fields;
+        types_.clear();
+        for (const engine::ResultColumn& column : columns) {
+            fields.push_back({column.name, DataTypeOf(column.type), column.type.FullName()});
+            types_.push_back(column.type);
+        }
+        auto next = std::make_shared<Recordset>(std::move(fields));
+        if (last_) last_->SetNext(next);
+        if (!first_) first_ = next;
+        last_ = std::move(next);
+    }
+    void AddRow(std::vector<engine::Value>& row) override {
+        std::vector<Variant> values;
+        values.reserve(row.size());
+        for (std::size_t i = 0; i < row.size(); ++i)
+            values.push_back(VariantOf(row[i], types_[i]));
+        last_->AppendRow(std::move(values));
+    }
+    void Message(const tsql::Diagnostic& message) override { messages_.push_back(message); }
+
+    const RecordsetRef& First() const { return first_; }
+    const std::vector<tsql::Diagnostic>& Messages() const { return messages_; }
+
+  private:
+    RecordsetRef first_;
+    RecordsetRef last_;
+    std::vector<engine::SqlType> types_;
+    std::vector<tsql::Diagnostic> messages_;
+};
+
+const char* SqlStateOf(std::int32_t number) {
+    switch (number) {
+        case 208:
+        case 2812:
+            return "42S02";
+        case 207:
+            return "42S22";
+        case 2714:
+            return "42S01";
+        case 515:
+        case 547:
+        case 2601:
+        case 2627:
+            return "23000";
+        case 220:
+        case 232:
+        case 8115:
+            return "22003";
+        case 2628:
+        case 8152:
+            return "22001";
+        case 245:
+        case 8114:
+            return "22018";
+        case 241:
+        case 242:
+            return "22007";
+        case 8134:
+            return "22012";
+        case 1222:
+            return "HYT00";
+        default:
+            return "42000";
+    }
+}
+
+DriverError RecordOf(const tsql::Diagnostic& diagnostic) {
+    DriverError record;
+    record.native = diagnostic.number;
+    record.severity = diagnostic.severity;
+    record.state = diagnostic.state;
+    record.line = diagnostic.line;
+    record.procedure = diagnostic.procedure;
+    record.sqlState = diagnostic.severity < kFirstErrorSeverity ? "01000" : SqlStateOf(diagnostic.number);
+    record.text = diagnostic.text;
+    return record;
+}
+
+bool IsNo(const std::string& word) {
+    return automation::SameName(word, "no") || automation::SameName(word, "false") || word == "0";
+}
+
+bool IsYes(const std::string& word) {
+    return automation::SameName(word, "yes") || automation::SameName(word, "true") || word == "1";
+}
+
+}  // namespace
+
+AccountSetConnection::~AccountSetConnection() {
+    AccountSetConnection::Close();
+}
+
+void AccountSetConnection::Open(const std::string& connectString) {
+    Close();
+    errors_.clear();
+    const ConnectString settings(connectString);
+    engine::SessionOptions options;
+    options.path = settings.Value("Data Source");
+    options.create = IsYes(settings.Value("Create"));
+    options.batchTransactions = !automation::SameName(settings.Value("Transactions"), "none");
+    options.collation = &Collation();
+    options.now = [] { return system::Surroundings::Current().clock->Now(); };
+    if (settings.Has("User ID")) options.user = settings.Value("User ID");
+    if (settings.Has("Lock Timeout")) {
+        const std::string text = settings.Value("Lock Timeout");
+        std::from_chars(text.data(), text.data() + text.size(), options.lockTimeoutMilliseconds);
+    }
+    const bool pooled = !IsNo(settings.Value("Pooling"));
+    if (pooled) session_ = SessionPool::Process().Take(connectString);
+    try {
+        if (!session_) session_ = std::make_unique<engine::Session>(std::move(options));
+    } catch (const tsql::SqlError& error) {
+        errors_.push_back(RecordOf(error.Details()));
+        throw Error(error_number::kProviderError, error.Text(), kProviderName);
+    }
+    poolKey_ = pooled ? connectString : std::string();
+}
+
+RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t* recordsAffected) {
+    if (!session_) throw Error(error_number::kObjectClosed, kClosedText, kProviderName);
+    errors_.clear();
+    RecordsetSink sink;
+    const engine::ExecutionReport report = session_->Execute(batch, sink);
+    for (const tsql::Diagnostic& diagnostic : report.errors)
+        errors_.push_back(RecordOf(diagnostic));
+    for (const tsql::Diagnostic& message : sink.Messages())
+        errors_.push_back(RecordOf(message));
+    if (!report.errors.empty()) {
+        throw Error(error_number::kProviderError, report.errors.front().text, kProviderName);
+    }
+    if (recordsAffected != nullptr) *recordsAffected = report.rowsAffected;
+    return sink.First() ? sink.First() : std::make_shared<Recordset>();
+}
+
+void AccountSetConnection::Close() {
+    if (!session_) return;
+    if (poolKey_.empty()) {
+        session_.reset();
+    } else {
+        SessionPool::Process().Keep(poolKey_, std::move(session_));
+    }
+}
+
+void RegisterAccountSetProvider() {
+    RegisterProvider(kProviderName, [] { return std::make_shared<AccountSetConnection>(); });
+}
+
+void CloseIdleAccountSets() {
+    SessionPool::Process().Clear();
+}
+
+}  // namespace vicenter::ado

@@ -1,0 +1,23 @@
+#pragma once
+
+// The provider "VelaAccountSet": the embedded account set as a data connection.
+//
+// Connect string: Provider=VelaAccountSet;Data Source=<file>, and
+//   Create=yes            makes the file when it does not exist; without it a missing file is an error
+//   Transactions=batch    a batch is one unit (default); none: each statement stands alone
+//   Lock Timeout=<ms>     how long to wait for another process (default 5000)
+//   User ID=<name>        what USER_NAME() answers
+//   Pooling=no            opens the file anew each time; otherwise sessions are kept and used again
+// Process-wide, user-interface thread.
+
+#include "platform/ado/connection.h"
+
+namespace vicenter::ado {
+
+// Registers the provider. Calling it again does no harm.
+void RegisterAccountSetProvider();
+
+// Closes the kept sessions, for instance before their file is moved or deleted.
+void CloseIdleAccountSets();
+
+}  // namespace vicenter::ado

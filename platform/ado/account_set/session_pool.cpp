@@ -1,0 +1,43 @@
+#include "platform/ado/account_set/session_pool.h"
+
+#include "automation/error.h"
+
+namespace vicenter::ado {
+
+namespace {
+
+constexpr std::size_t kKeptSessions = 8;
+
+}  // namespace
+
+SessionPool& SessionPool::Process() {
+    static SessionPool pool;
+    return pool;
+}
+
+std::unique_ptr<tsql::engine::Session> SessionPool::Take(const std::string& key) {
+    for (auto entry = idle_.rbegin(); entry != idle_.rend(); ++entry) {
+        if (entry->key != key) continue;
+        std::unique_ptr<tsql::engine::Session> session = std::move(entry->session);
+        idle_.erase(std::next(entry).base());
+        return session;
+    }
+    return nullptr;
+}
+
+void SessionPool::Keep(const std::string& key, std::unique_ptr<tsql::engine::Session> session) {
+    try {
+        session->Reset();
+    } catch (const automation::Error&) {
+        // What cannot be put back is closed.
+        return;
+    }
+    if (idle_.size() >= kKeptSessions) idle_.erase(idle_.begin());
+    idle_.push_back({key, std::move(session)});
+}
+
+void SessionPool::Clear() {
+    idle_.clear();
+}
+
+}  // namespace vicenter::ado
