@@ -1,0 +1,107 @@
+#pragma once
+
+// A main window that shows nothing: it keeps the last state of everything and the order of what it was told.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "center/vicenter_view.h"
+#include "dialogs/frm_search.h"
+#include "dialogs/frm_set_colume.h"
+
+namespace vicenter::center::test {
+
+class FakeVICenterView : public VICenterView {
+  public:
+    void ShowModeless() override { calls.emplace_back("show"); }
+    void CloseWindow() override { calls.emplace_back("close"); }
+
+    void SetTree(const std::vector<TreeNode>& nodes) override {
+        calls.emplace_back("tree");
+        tree = nodes;
+        selected.clear();
+    }
+    void AddTreeNode(const TreeNode& node) override {
+        calls.push_back("add " + node.key);
+        tree.push_back(node);
+    }
+    void RemoveTreeNode(const std::string& key) override {
+        calls.push_back("remove " + key);
+        std::erase_if(tree, [&](const TreeNode& node) { return node.key == key; });
+    }
+    void SetTreeNodeText(const std::string& key, const std::string& text) override {
+        calls.push_back("text " + key + " " + text);
+        for (TreeNode& node : tree) {
+            if (node.key == key) node.text = text;
+        }
+    }
+    void SelectTreeNode(const std::string& key) override {
+        calls.push_back("select " + key);
+        selected = key;
+    }
+    void StartLabelEdit() override { calls.emplace_back("edit label"); }
+
+    void SetToolStates(const ToolStates& states) override {
+        calls.emplace_back("tools");
+        tools = states;
+    }
+    void SetTemplateName(const std::string& text) override {
+        calls.push_back("name " + text);
+        name = text;
+    }
+    void SetGridInteractive(bool on) override {
+        calls.push_back(on ? "interactive" : "not interactive");
+        interactive = on;
+    }
+    void SetProgress(const ProgressState& state) override { progress = state; }
+    void SetItemPanel(const ItemPanelState& state) override { itemPanel = state; }
+    void SetStatus(const StatusState& state) override { status = state; }
+    void SetNameList(const NameListState& state) override { nameList = state; }
+
+    int ApplyFont(const std::string& fontName, double size) override {
+        fonts.push_back(fontName + " " + std::to_string(static_cast<int>(size)));
+        return labelHeight;
+    }
+    Size WindowSize() const override { return windowSize; }
+    void PlaceProgressFrame(const Position& position) override {
+        calls.push_back("progress frame " + std::to_string(position.left) + "," +
+                        std::to_string(position.top));
+    }
+
+    void ShowFindDialog(dialogs::FrmSearch& dialog) override {
+        calls.emplace_back("find");
+        if (onFind) onFind(dialog);
+    }
+    void ShowColumnDialog(dialogs::frmSetColume& dialog) override {
+        calls.emplace_back("columns");
+        if (onColumns) onColumns(dialog);
+    }
+
+    // How often it was told that.
+    int Count(const std::string& call) const {
+        int count = 0;
+        for (const std::string& made : calls)
+            count += made == call ? 1 : 0;
+        return count;
+    }
+    bool Enabled(Tool tool) const { return tools[static_cast<std::size_t>(tool)]; }
+
+    std::vector<std::string> calls;
+    std::vector<TreeNode> tree;
+    std::string selected;
+    ToolStates tools{};
+    std::string name;
+    bool interactive = true;
+    ProgressState progress;
+    ItemPanelState itemPanel;
+    StatusState status;
+    NameListState nameList;
+    std::vector<std::string> fonts;
+    int labelHeight = 180;
+    Size windowSize{12000, 8000};
+    std::function<void(dialogs::FrmSearch&)> onFind;
+    std::function<void(dialogs::frmSetColume&)> onColumns;
+};
+
+}  // namespace vicenter::center::test
