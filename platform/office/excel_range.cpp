@@ -216,11 +216,13 @@ const MemberTable<ExcelRange>& ExcelRange::Members() {
         Property<ExcelRange>("Address",
                              [](ExcelRange& self, Arguments&) -> Variant {
                                  const auto name = [](std::uint32_t row, std::uint32_t column) {
-                                     return "$" + ColumnLetters(column + 1) + "$" + std::to_string(row + 1);
+                                     std::string place("$");
+                                     place.append(ColumnLetters(column + 1)).append("$");
+                                     return place.append(std::to_string(row + 1));
                                  };
                                  std::string text = name(self.area_.firstRow, self.area_.firstColumn);
                                  if (!self.IsSingleCell()) {
-                                     text += ":" + name(self.area_.lastRow, self.area_.lastColumn);
+                                     text.append(":").append(name(self.area_.lastRow, self.area_.lastColumn));
                                  }
                                  return text;
                              }),
