@@ -87,7 +87,9 @@ CliScript ReadCliScript(const std::string& text) {
         if (line.starts_with("set: "))
             script.set = line.substr(5);
         else if (line.starts_with("$ "))
-            script.steps.push_back({number, rest, {}, {}, {}, 0});
+            script.steps.push_back({number, rest, {}, {}, {}, {}, 0});
+        else if (line.starts_with("% "))
+            script.steps.push_back({number, {}, rest, {}, {}, {}, 0});
         else if (script.steps.empty())
             script.head.push_back(line);
         else if (line.starts_with("<"))
@@ -115,7 +117,7 @@ std::string WriteCliScript(const CliScript& script) {
             text += line.empty() ? std::string(mark) + "\n" : std::string(mark) + " " + line + "\n";
     };
     for (const CliStep& step : script.steps) {
-        text += "\n$ " + step.command + "\n";
+        text += step.file.empty() ? "\n$ " + step.command + "\n" : "\n% " + step.file + "\n";
         block("<", step.input);
         block("|", step.output);
         block("!", step.errors);
@@ -135,6 +137,12 @@ CliScript RunCliScript(const CliScript& script) {
 
     CliScript result = script;
     for (CliStep& step : result.steps) {
+        if (!step.file.empty()) {
+            std::ofstream file(system::PathFromUtf8(folder.Path(step.file)), std::ios::binary);
+            for (const std::string& line : step.input)
+                file << line << "\n";
+            continue;
+        }
         std::vector<std::string> arguments = common;
         for (const std::string& argument : SplitArguments(step.command))
             arguments.push_back(Replaced(argument, "$FOLDER", folder.Path()));

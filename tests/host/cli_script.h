@@ -21,6 +21,7 @@ namespace vicenter::host::test {
 struct CliStep {
     int line = 0;
     std::string command;
+    std::string file;  // then there is no command
     std::vector<std::string> input;
     std::vector<std::string> output;
     std::vector<std::string> errors;
