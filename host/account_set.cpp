@@ -8,6 +8,7 @@
 #include "host/batch_reader.h"
 #include "host/demo_ledger.h"
 #include "host/embedded_files.h"
+#include "platform/ado/account_set/account_set_provider.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
 
@@ -31,9 +32,7 @@ void RemoveQuietly(const fs::path& file) {
 }  // namespace
 
 void RegisterProviders() {
-#ifdef VICENTER_HAS_ACCOUNT_SET_PROVIDER
     ado::RegisterAccountSetProvider();
-#endif
 }
 
 void RunScript(ado::Connection& connection, std::string_view script, const std::string& name) {
@@ -82,8 +81,9 @@ void CreateAccountSetFile(const std::string& file, const AccountSetOptions& opti
     temporary += "." + std::to_string(system::Surroundings::Current().processes->CurrentProcessId()) + ".new";
     RemoveQuietly(temporary);
     try {
-        const ado::ConnectionRef connection =
-            ado::OpenConnection(FileConnectString(system::PathToUtf8(temporary)));
+        // A session that is kept would still hold the file when it is moved.
+        const ado::ConnectionRef connection = ado::OpenConnection(
+            FileConnectString(system::PathToUtf8(temporary)) + ";Create=yes;Pooling=no");
         CreateAccountSet(*connection);
         if (options.demo) PrepareDemo(*connection, DemoOptions{options.vouchers});
         connection->Close();

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "host/account_set.h"
+#include "platform/ado/account_set/account_set_provider.h"
 #include "platform/system/files.h"
 
 namespace vicenter::host::test {
@@ -33,6 +34,7 @@ class TestFolder {
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
     ~TestFolder() {
+        ado::CloseIdleAccountSets();
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
     }
