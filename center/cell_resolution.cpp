@@ -11,7 +11,8 @@ namespace {
 
 class RowWriter {
   public:
-    RowWriter(EntryGrid& grid, int row, const ado::RecordsetRef& record)
+    // record: none for a row of which cells are only cleared.
+    RowWriter(EntryGrid& grid, int row, const ado::Recordset* record)
         : grid_(grid), row_(row), record_(record) {}
 
     void Put(int gridColumn, const char* field) {
@@ -27,7 +28,7 @@ class RowWriter {
   private:
     EntryGrid& grid_;
     int row_;
-    const ado::RecordsetRef& record_;
+    const ado::Recordset* record_;
 };
 
 void ClearDependents(RowWriter& row, int gridColumn) {
@@ -122,7 +123,7 @@ void ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& record
     if (!IsLookUpColumn(cell.column)) return;
     const ado::RecordsetRef& record = records.Find(cell.column, text);
     if (record == nullptr) return;
-    RowWriter row(grid, cell.row, record);
+    RowWriter row(grid, cell.row, record.get());
     WriteFound(row, cell.column);
 }
 

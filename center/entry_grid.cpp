@@ -127,9 +127,11 @@ void EntryGrid::RemoveRows(int firstRow, int count) {
     const auto first = rows_.begin() + (firstRow - 1);
     std::vector<GridRowPtr> removed(std::make_move_iterator(first), std::make_move_iterator(first + count));
     rows_.erase(first, first + count);
-    if (active_.row > RowTotal()) active_.row = RowTotal();
+    const bool activeRowGone = active_.row > RowTotal();
+    if (activeRowGone) active_ = RowTotal() > 0 ? CellAddress{RowTotal(), active_.column} : CellAddress{0, 0};
     if (recorder_ != nullptr) recorder_->RowsRemoved(firstRow, std::move(removed));
     Tell([=](GridObserver& o) { o.RowsRemoved(firstRow, count); });
+    if (activeRowGone) Tell([cell = active_](GridObserver& o) { o.ActiveCellChanged(cell); });
 }
 
 bool EntryGrid::IsBlankRow(int row) const {

@@ -67,7 +67,8 @@ void GridEditing::KeepSpareRow() {
 }
 
 void GridEditing::Leave(const CellAddress& cell) {
-    if (!state_.IsOpen() || cell.row < 1 || cell.column < 1) return;
+    // Whoever may only look changes nothing by moving about.
+    if (!CanEdit() || !state_.IsOpen() || cell.row < 1 || cell.column < 1) return;
     EntryGrid& grid = *state_.grid;
     const UndoStep step(state_, typed_ == cell);
     typed_.reset();
@@ -186,7 +187,7 @@ void GridEditing::DeleteRows(int firstRow, int count) {
 void GridEditing::Return(const JournalMark& mark) {
     EntryGrid& grid = *state_.grid;
     state_.rowCount = mark.rowCount;
-    state_.dirty = true;
+    state_.dirty = state_.dirty || mark.dirty;
     typed_.reset();
     CellChecks checks;
     grid.SetReDraw(false);

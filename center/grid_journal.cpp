@@ -97,8 +97,10 @@ JournalMark GridJournal::Undo() {
         for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
             Apply(*change);
     }
+    JournalMark mark = step.before;
+    mark.dirty = step.after.dirty;
     undone_.push_back(std::move(step));
-    return undone_.back().before;
+    return mark;
 }
 
 JournalMark GridJournal::Redo() {

@@ -20,6 +20,7 @@ namespace vicenter::center {
 struct JournalMark {
     int rowCount = 0;
     CellAddress active{0, 0};
+    bool dirty = false;  // the template differs from what was loaded
 };
 
 class GridJournal {
@@ -42,7 +43,8 @@ class GridJournal {
 
     bool CanUndo() const { return !done_.empty(); }
     bool CanRedo() const { return !undone_.empty(); }
-    // The mark to go back to. The grid's recorder is silent meanwhile. Only when Can...() says so.
+    // The mark to go back to; its dirty flag is the one behind the step, since taking a change back is a
+    // change as well. The grid's recorder is silent meanwhile. Only when Can...() says so.
     JournalMark Undo();
     JournalMark Redo();
     void Drop();

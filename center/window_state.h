@@ -32,7 +32,7 @@ struct WindowState {
     automation::ObjectRef security;  // held until the window is unloaded
 
     bool IsOpen() const { return !templateId.empty(); }
-    JournalMark Mark() const { return {rowCount, grid->ActiveCell()}; }
+    JournalMark Mark() const { return {rowCount, grid->ActiveCell(), dirty}; }
 
     void Enable(std::initializer_list<Tool> which, bool enabled) {
         for (const Tool tool : which)
