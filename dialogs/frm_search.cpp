@@ -93,9 +93,14 @@ void FrmSearch::cmdAcct_Click() {
     Variant text(entry::SqlEscape(typed));
     const automation::ObjectRef result =
         lookUp->Call("AccountLookup", {Argument::ByReference(text)}).AsObject();
+    if (result == nullptr) return;
     const Variant record = result->Get("ReturnObject");
     if (!record.IsObject() || record.AsObject() == nullptr) return;
-    view_->SetAccount(record.AsObject()->Get("Number").ToTextOrEmpty());
+    // A record has either members or fields of that name.
+    automation::Object& account = *record.AsObject();
+    const Variant number =
+        account.HasMember("Number") ? account.Get("Number") : account.Get("", {Argument("Number")});
+    view_->SetAccount(number.ToTextOrEmpty());
 }
 
 void FrmSearch::cmdCancel_Click() {
