@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/connection.h"
 #include "runner/result_text.h"
 #include "runner/test_file.h"
@@ -37,8 +38,10 @@ class TextTest : public testing::TestWithParam<fs::path> {
         fs::remove_all(folder_);
         fs::create_directories(folder_);
         // Statement by statement, as the server runs a batch without a transaction around it.
-        connection_ = ado::OpenConnection(
-            "Provider=VelaAccountSet;Data Source=" + (folder_ / "test.vca").string() + ";Transactions=none");
+        ado::RegisterAccountSetProvider();
+        connection_ =
+            ado::OpenConnection("Provider=VelaAccountSet;Data Source=" + (folder_ / "test.vca").string() +
+                                ";Create=yes;Pooling=no;Transactions=none");
     }
 
     void TearDown() override {
