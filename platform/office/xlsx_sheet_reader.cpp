@@ -115,7 +115,14 @@ class SheetReader {
     void ReadCell() {
         std::uint32_t row = row_;
         std::uint32_t column = nextColumn_;
-        const std::string_view reference = scanner_.RawAttribute("r");
+        std::string_view reference;
+        std::string_view style;
+        std::string_view type;
+        scanner_.ForEachAttribute([&](std::string_view name, std::string_view value) {
+            if (name == "r") reference = value;
+            if (name == "s") style = value;
+            if (name == "t") type = value;
+        });
         if (!reference.empty()) {
             const auto place = ReadReference(reference);
             if (!place) FailDamaged("单元格位置");
@@ -125,13 +132,13 @@ class SheetReader {
         if (column >= kMaxColumns || row >= kMaxRows) FailDamaged("单元格位置");
         nextColumn_ = column + 1;
         std::uint16_t format = 0;
-        const std::string_view style = scanner_.RawAttribute("s");
-        if (!style.empty()) {
+        const bool styled = !style.empty();
+        if (styled) {
             std::uint32_t index = 0;
             std::from_chars(style.data(), style.data() + style.size(), index);
             if (index < tables_.formats.size()) format = tables_.formats[index];
         }
-        const ValueKind kind = KindOfType(scanner_.RawAttribute("t"));
+        const ValueKind kind = KindOfType(type);
 
         text_.clear();
         bool anyValue = false;
@@ -154,7 +161,7 @@ class SheetReader {
         }
         if (!anyValue) {
             // Borders and the like around nothing.
-            if (!style.empty()) sheet_.ExtendUsedArea(row, column);
+            if (styled) sheet_.ExtendUsedArea(row, column);
             return;
         }
         Store(row, column, format, kind);

@@ -1,6 +1,7 @@
 #include "platform/office/xml_scanner.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "platform/office/limits.h"
@@ -10,6 +11,14 @@ namespace vicenter::office {
 namespace {
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+// What may end a tag or change how its bytes are read.
+constexpr std::array<bool, 256> kTagMarks = [] {
+    std::array<bool, 256> marks{};
+    for (const char c : {'"', '\'', '>', '<'})
+        marks[static_cast<unsigned char>(c)] = true;
+    return marks;
+}();
 
 bool IsSpace(char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
@@ -107,6 +116,7 @@ std::size_t XmlScanner::FindTagEnd(std::size_t from) {
         const std::size_t size = end_ - begin_;
         for (; offset < size; ++offset) {
             const char c = base[offset];
+            if (!kTagMarks[static_cast<unsigned char>(c)]) continue;
             if (quote != 0) {
                 if (c == quote) quote = 0;
             } else if (c == '"' || c == '\'') {
@@ -241,23 +251,19 @@ bool XmlScanner::NextAttribute(std::size_t& at, std::string_view& name, std::str
 }
 
 std::string_view XmlScanner::RawAttribute(std::string_view name) const {
-    std::size_t at = 0;
-    std::string_view found;
-    std::string_view value;
-    while (NextAttribute(at, found, value)) {
-        if (found == name) return value;
-    }
-    return {};
+    std::string_view result;
+    bool found = false;
+    ForEachAttribute([&](std::string_view known, std::string_view value) {
+        if (!found && known == name) result = value;
+        found = found || known == name;
+    });
+    return result;
 }
 
 bool XmlScanner::HasAttribute(std::string_view name) const {
-    std::size_t at = 0;
-    std::string_view found;
-    std::string_view value;
-    while (NextAttribute(at, found, value)) {
-        if (found == name) return true;
-    }
-    return false;
+    bool found = false;
+    ForEachAttribute([&](std::string_view known, std::string_view) { found = found || known == name; });
+    return found;
 }
 
 std::string XmlScanner::Attribute(std::string_view name) const {

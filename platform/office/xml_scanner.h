@@ -42,11 +42,18 @@ class XmlScanner {
     // Empty when there is none.
     std::string_view RawAttribute(std::string_view name) const;
     bool HasAttribute(std::string_view name) const;
+    // Of the last Start: calls take(name, raw value) for every attribute, in one pass.
+    template <class Take>
+    void ForEachAttribute(const Take& take) const {
+        std::size_t at = 0;
+        std::string_view name;
+        std::string_view value;
+        while (NextAttribute(at, name, value))
+            take(name, value);
+    }
     std::string Attribute(std::string_view name) const;
     // Of the last Text: appended with its references resolved.
     void AppendText(std::string& to) const;
-    // Of the last Text, as it stands; numbers and indexes need no more.
-    std::string_view RawText() const { return text_; }
 
     // Behind a Start: skips to the End of the same element.
     void SkipElement();
