@@ -315,6 +315,26 @@ TEST_F(ImportTest, QuitsTheServerWhateverHappens) {
     EXPECT_TRUE(TemporaryFiles().empty());
 }
 
+TEST_F(ImportTest, TakesTemplatesOfEveryProgram) {
+    const Lines samples = {"openpyxl.xlsx",    "xlsxwriter-inline.xlsx", "xlwt.xls",
+                           "sheetjs.xls",      "sheetjs.xlsx",           "libreoffice.xls",
+                           "libreoffice.xlsx", "gnumeric.xls",           "gnumeric.xlsx"};
+    for (const std::string& name : samples) {
+        set_.Forget();
+        EXPECT_TRUE(Import(std::string(VICENTER_SOURCE_DIR "/tests/data/workbooks/") + name)) << name;
+        EXPECT_NE(
+            Batch().find(
+                "values(@MaxFID,2,1,'提取现金',1,'1001.10','现金',2,'支票','0012','01.01,02','人民币',1,"
+                "12.5,'公斤',3,0.1,1234.56,'备注𠮷') "),
+            std::string::npos)
+            << name;
+        EXPECT_NE(Batch().find("values(@MaxFID,3,1,'',0,'1002','银行存款',0,'','','','美元',7.1234,"),
+                  std::string::npos)
+            << name;
+        EXPECT_EQ(Batch().find("values(@MaxFID,4,"), std::string::npos) << name;
+    }
+}
+
 TEST_F(ImportTest, ComesBackFromAnExportFieldByField) {
     window_.AddLine({"1", "提现 'x'", "借", "1001.10", "现金 01", "2", "支票", "0012", "01.01,02", "人民币",
                      "7.1234", "0.30000000000000004", "公斤", "3", "0.1", "-1234567.89", "=1+1"});
