@@ -281,7 +281,7 @@ std::string FloatText(double number, int style) {
                   number);
     std::string text = buffer;
     const std::size_t exponent = text.find('e');
-    if (exponent != std::string::npos && text.size() - exponent == 4) text.insert(exponent + 2, "0");
+    if (exponent != std::string::npos && text.size() - exponent == 4) text.insert(exponent + 2, 1, '0');
     return text;
 }
 
@@ -291,7 +291,7 @@ std::string MoneyText(const Decimal& number, int style) {
     const std::size_t first = text.front() == '-' ? 1 : 0;
     for (std::size_t at = text.find('.'); at > first + 3;) {
         at -= 3;
-        text.insert(at, ",");
+        text.insert(at, 1, ',');
     }
     return text;
 }

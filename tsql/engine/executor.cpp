@@ -171,6 +171,7 @@ void Executor::RunTemplate(const UnitItem& item) {
         const bool own = BeginChange(table != nullptr && table->temporary);
         try {
             literals_ = &frame_->unit->literals;
+            templateRun_ = true;
             literalBase_ = item.firstLiteral;
             literalOffsets_ = item.offsets;
             pinned_ = false;
@@ -188,10 +189,12 @@ void Executor::RunTemplate(const UnitItem& item) {
             }
             literals_ = nullptr;
             literalOffsets_ = nullptr;
+            templateRun_ = false;
             EndChange(own);
         } catch (...) {
             literals_ = nullptr;
             literalOffsets_ = nullptr;
+            templateRun_ = false;
             UndoChange(own);
             throw;
         }

@@ -204,6 +204,7 @@ class Executor final : public TranslateContext {
     ExecutionReport* report_ = nullptr;
     const std::vector<LiteralValue>* literals_ = nullptr;  // of the run, for parameters with an ordinal
     std::size_t literalBase_ = 0;
+    bool templateRun_ = false;  // literals carry their own signs
     const std::vector<std::uint32_t>* literalOffsets_ = nullptr;
     Unit* pinUnit_ = nullptr;
     bool pinned_ = false;  // a literal was pinned while a plan was made

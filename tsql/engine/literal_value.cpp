@@ -26,7 +26,7 @@ SqlType DecimalLiteralType(std::string_view text) {
 
 std::string FromHexadecimal(std::string_view text) {
     std::string digits(text);
-    if (digits.size() % 2 != 0) digits.insert(0, "0");
+    if (digits.size() % 2 != 0) digits.insert(0, 1, '0');
     const auto nibble = [](char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; };
     std::string bytes;
     for (std::size_t at = 0; at < digits.size(); at += 2) {

@@ -41,8 +41,7 @@ Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Val
             if (parameter.ordinal >= 0 && literals_ != nullptr) {
                 const LiteralValue& literal =
                     (*literals_)[literalBase_ + static_cast<std::size_t>(parameter.ordinal)];
-                const bool negated =
-                    parameter.forColumn ? parameter.negated || literal.negative : parameter.negated;
+                const bool negated = templateRun_ ? literal.negative : parameter.negated;
                 const std::string text = literal.Text();
                 from = LiteralType(literal.kind, text);
                 value = ValueOfLiteral(literal.kind, text, negated);
@@ -84,7 +83,9 @@ bool Executor::BindLiteral(sqlite3_stmt* statement, int index, const Parameter& 
             const char* end = literal.text.data() + literal.text.size();
             const auto result = std::from_chars(literal.text.data(), end, number);
             if (result.ec != std::errc() || result.ptr != end) return false;
-            sqlite3_bind_int64(statement, index, literal.negative ? -std::int64_t{number} : number);
+            sqlite3_bind_int64(
+                statement, index,
+                (templateRun_ ? literal.negative : parameter.negated) ? -std::int64_t{number} : number);
             return true;
         }
         case LiteralKind::kString:

@@ -26,6 +26,11 @@ class Session::Impl {
 
     ExecutionReport Execute(std::string_view batch, ResultSink& sink) { return executor_.Run(batch, sink); }
     void Reset() { executor_.Reset(); }
+    bool IsStale() {
+        int moved = 0;
+        sqlite3_file_control(database_.Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+        return moved != 0;
+    }
 
   private:
     SessionOptions options_;
@@ -45,6 +50,10 @@ ExecutionReport Session::Execute(std::string_view batch, ResultSink& sink) {
 
 void Session::Reset() {
     impl_->Reset();
+}
+
+bool Session::IsStale() const {
+    return impl_->IsStale();
 }
 
 }  // namespace vicenter::tsql::engine

@@ -60,6 +60,8 @@ class Session {
     // Back to the state of a new session: open transactions are undone, temporary tables, cursors and
     // settings go.
     void Reset();
+    // The file has been moved or deleted since it was opened.
+    bool IsStale() const;
 
   private:
     class Impl;

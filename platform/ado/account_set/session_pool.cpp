@@ -20,6 +20,8 @@ std::unique_ptr<tsql::engine::Session> SessionPool::Take(const std::string& key)
         if (entry->key != key) continue;
         std::unique_ptr<tsql::engine::Session> session = std::move(entry->session);
         idle_.erase(std::next(entry).base());
+        // Another file may stand at its path by now.
+        if (session->IsStale()) return Take(key);
         return session;
     }
     return nullptr;
