@@ -1,0 +1,129 @@
+#pragma once
+
+// A session on an account set in a folder of its own, and results as plain texts.
+
+#include <atomic>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tsql/engine/convert.h"
+#include "tsql/engine/session.h"
+
+namespace vicenter::tsql::engine {
+
+// ASCII without case; enough for what is not about Chinese order.
+class PlainCollation final : public TextCollation {
+  public:
+    int Compare(std::string_view a, std::string_view b) const override { return Fold(a).compare(Fold(b)); }
+    std::string Fold(std::string_view text) const override {
+        std::string folded(text);
+        for (char& c : folded) {
+            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+        }
+        return folded;
+    }
+};
+
+class TextSink final : public ResultSink {
+  public:
+    void BeginResult(const std::vector<ResultColumn>& columns) override {
+        if (!text_.empty()) text_ += "\n--\n";
+        types_.clear();
+        std::string header;
+        for (const ResultColumn& column : columns) {
+            header += (header.empty() ? "" : " ") + column.name + ":" + column.type.FullName();
+            types_.push_back(column.type);
+        }
+        text_ += header;
+    }
+    void AddRow(std::vector<Value>& row) override {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            line += i == 0 ? "" : "|";
+            line += row[i].IsNull() ? "NULL"
+                                    : Convert(row[i], types_[i], SqlType::NVarChar(kMaxLength),
+                                              types_[i].IsDate() ? 121 : 0)
+                                          .Text();
+        }
+        text_ += "\n" + line;
+    }
+    void Message(const Diagnostic& message) override { messages_ += message.text + "\n"; }
+
+    const std::string& Text() const { return text_; }
+    const std::string& Messages() const { return messages_; }
+
+  private:
+    std::string text_;
+    std::string messages_;
+    std::vector<SqlType> types_;
+};
+
+class EngineTest : public testing::Test {
+  protected:
+    EngineTest() {
+        static std::atomic<int> number{0};
+        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+        folder_ = std::filesystem::temp_directory_path() /
+                  ("vicenter_" + std::string(info->test_suite_name()) + "_" + info->name() + "_" +
+                   std::to_string(std::hash<std::string>()(testing::TempDir() + std::to_string(++number)) %
+                                  100000));
+        std::filesystem::remove_all(folder_);
+        std::filesystem::create_directories(folder_);
+    }
+    ~EngineTest() override {
+        session_.reset();
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+    std::string Path() const { return (folder_ / "set.vas").string(); }
+    SessionOptions Options() const {
+        SessionOptions options;
+        options.path = Path();
+        options.create = true;
+        options.collation = &collation_;
+        options.now = [] { return *automation::DateTime::Parse("2026-01-31 08:09:10.123"); };
+        return options;
+    }
+    std::unique_ptr<Session> Another() const { return std::make_unique<Session>(Options()); }
+    Session& First() {
+        if (!session_) session_ = Another();
+        return *session_;
+    }
+    void UseStatementTransactions() {
+        SessionOptions options = Options();
+        options.batchTransactions = false;
+        session_ = std::make_unique<Session>(options);
+    }
+
+    // The results, or "error <number> line <line>: <text>" for each error behind them.
+    static std::string RunOn(Session& session, std::string_view batch) {
+        TextSink sink;
+        const ExecutionReport report = session.Execute(batch, sink);
+        std::string text = sink.Text();
+        for (const Diagnostic& error : report.errors) {
+            text += (text.empty() ? "" : "\n") + ("error " + std::to_string(error.number)) + " line " +
+                    std::to_string(error.line) + ": " + error.text;
+        }
+        return text;
+    }
+    std::string Run(std::string_view batch) { return RunOn(First(), batch); }
+    std::int64_t Affected(std::string_view batch) {
+        TextSink sink;
+        return First().Execute(batch, sink).rowsAffected;
+    }
+    std::string Messages(std::string_view batch) {
+        TextSink sink;
+        First().Execute(batch, sink);
+        return sink.Messages();
+    }
+
+    PlainCollation collation_;
+    std::filesystem::path folder_;
+    std::unique_ptr<Session> session_;
+};
+
+}  // namespace vicenter::tsql::engine
