@@ -142,7 +142,10 @@ void TemplateTree::NodeClick(const std::string& key) {
 }
 
 void TemplateTree::DoubleClick() {
-    if (!state_.hasRight || !confirm_()) return;
+    if (state_.hasRight && confirm_()) StartRenaming();
+}
+
+void TemplateTree::StartRenaming() {
     editsLabels_ = true;
     state_.view.StartLabelEdit();
 }
@@ -194,7 +197,8 @@ bool TemplateTree::CreateTemplate() {
     nodes_.push_back(node);
     state_.view.AddTreeNode(node);
     Select(node.key);
-    DoubleClick();
+    // The command has been through the right and the gate already: no second question.
+    StartRenaming();
     Open(node.text, IdOf(node.key), {});
     state_.Enable({Tool::Del, Tool::Save}, true);
     return true;
@@ -227,6 +231,8 @@ void TemplateTree::DeleteSelected() {
     }
     nodes_.erase(nodes_.begin() + static_cast<std::ptrdiff_t>(at));
     selected_ = kRootKey;
+    // Whatever was not saved has been given up before the question: nothing to save into what is gone.
+    state_.dirty = false;
     state_.view.RemoveTreeNode(removed);
     entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-删除模板 " + text + " 成功");
     if (neighbour.empty()) {

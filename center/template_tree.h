@@ -36,6 +36,7 @@ class TemplateTree {
     bool EditsLabels() const { return editsLabels_; }
 
   private:
+    void StartRenaming();
     void ReadNodes();
     void Select(const std::string& key);
     const TreeNode* Find(const std::string& key) const;

@@ -38,6 +38,9 @@ struct Template {
 class RecordingCommands : public TemplateCommands {
   public:
     void Import(TemplateWindow&) override { run.emplace_back("import"); }
+    void ImportFile(TemplateWindow&, const std::string& fileName) override {
+        run.push_back("import " + fileName);
+    }
     void Export(TemplateWindow&) override { run.emplace_back("export"); }
     void UploadToCloud(TemplateWindow&) override { run.emplace_back("upload"); }
     void GenerateFromVouchers(TemplateWindow&) override { run.emplace_back("generate"); }

@@ -265,6 +265,33 @@ TEST_F(Commands, FourCommandsOfOtherFoldersDoNothingWithoutThem) {
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
+TEST_F(Commands, ADroppedWorkbookIsImportedUnderTheSameRules) {
+    OpenAs(true);
+    Window().FileDropped("a.xlsx");
+    EXPECT_THAT(Log(), ElementsAre("log 1 凭证模板-引入模板"));
+    EXPECT_THAT(commands_.run, ElementsAre("import a.xlsx"));
+    MakeDirty();
+    Answer(MessageResult::Yes);  // refused: the line has no number
+    Window().FileDropped("b.xlsx");
+    EXPECT_EQ(commands_.run.size(), 1U);
+    OpenAs(false);
+    Window().FileDropped("c.xlsx");
+    EXPECT_THAT(Log(), ElementsAre("log 1 凭证模板-引入模板"));
+    EXPECT_THAT(Messages(), ElementsAre(kNoRight));
+    EXPECT_EQ(commands_.run.size(), 1U);
+}
+
+TEST_F(Commands, OtherFoldersSeeAndShowProgressThroughTheWindow) {
+    OpenAs(true);
+    Window().ShowProgress({true, "正在引出", 3, 10});
+    EXPECT_TRUE(view_.progress.visible);
+    EXPECT_EQ(view_.progress.label, "正在引出");
+    EXPECT_EQ(view_.progress.done, 3);
+    EXPECT_FALSE(Window().ProgressCancelled());
+    view_.cancelled = true;
+    EXPECT_TRUE(Window().ProgressCancelled());
+}
+
 TEST_F(Commands, ToolKeysCompareWithoutCase) {
     OpenAs(true);
     Window().ToolClick("MNUEXP");

@@ -55,6 +55,7 @@ class FakeVICenterView : public VICenterView {
         interactive = on;
     }
     void SetProgress(const ProgressState& state) override { progress = state; }
+    bool ProgressCancelled() override { return cancelled; }
     void SetItemPanel(const ItemPanelState& state) override { itemPanel = state; }
     void SetStatus(const StatusState& state) override { status = state; }
     void SetNameList(const NameListState& state) override { nameList = state; }
@@ -94,6 +95,7 @@ class FakeVICenterView : public VICenterView {
     std::string name;
     bool interactive = true;
     ProgressState progress;
+    bool cancelled = false;
     ItemPanelState itemPanel;
     StatusState status;
     NameListState nameList;
