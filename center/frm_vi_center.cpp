@@ -1,7 +1,7 @@
 #include "center/frm_vi_center.h"
 
 #include "automation/class_registry.h"
-#include "center/cell_checks.h"
+#include "center/fault_text.h"
 #include "center/frm_vi_center_parts.h"
 #include "center/help.h"
 #include "entry/host_context.h"
@@ -65,7 +65,7 @@ void frmVICenter::Parts::RefreshStatus() {
     StatusState status = SumUp(*state.grid, state.rowCount, state.grid->ActiveCell().row);
     if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
     const CellAddress active = state.grid->ActiveCell();
-    status.hint = CheckText(state.grid->FaultyCheck(active.row, active.column));
+    status.hint = FaultText(*state.grid, active);
     state.view.SetStatus(status);
 }
 
@@ -170,7 +170,10 @@ void frmVICenter::TreeNodeClick(const std::string& key) {
 }
 
 void frmVICenter::TreeDoubleClick() {
-    AtEdge([&] { parts_->tree.DoubleClick(); });
+    AtEdge([&] {
+        parts_->editing.FinishTyping();
+        parts_->tree.DoubleClick();
+    });
 }
 
 bool frmVICenter::TreeBeforeLabelEdit() {

@@ -105,10 +105,16 @@ void ItemPanel::Write(const std::string& text) {
     Refresh();
 }
 
-void ItemPanel::CommitText(const std::string& text) {
+void ItemPanel::CommitText(const std::string& typed) {
     if (!panel_.visible) return;
+    // The format knows no blanks around the numbers and has a piece for every class.
+    const auto typedPieces = static_cast<std::size_t>(std::count(typed.begin(), typed.end(), ',')) + 1;
+    std::vector<std::string> pieces = SplitItems(typed, std::max(typedPieces, panel_.rows.size()));
+    for (std::string& piece : pieces)
+        piece = std::string(system::TrimBlanks(piece));
+    const std::string text = JoinItems(pieces);
     if (CheckTypedText(column::kItems, text) == TextVerdict::Taken) {
-        Write(text.find_first_not_of(',') == std::string::npos ? std::string() : text);
+        Write(text);
     } else {
         state_.view.SetItemPanel(panel_);
     }

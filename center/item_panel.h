@@ -24,7 +24,7 @@ class ItemPanel {
     // The active cell or its row has changed.
     void Refresh();
     void Toggle();
-    void CommitText(const std::string& text);
+    void CommitText(const std::string& typed);
     void CommitNumber(std::size_t row, const std::string& number);
     // Throws what the host's components throw.
     void LookUp(std::size_t row);
