@@ -112,6 +112,7 @@ std::string Translator::Render(const Operand& operand) {
     }
     Parameter parameter = *operand.pending;
     parameter.to = parameter.from;
+    parameter.asWritten = true;
     return AddParameter(std::move(parameter));
 }
 
