@@ -1,34 +1,37 @@
 // Blocks of cells as spreadsheets put them on the clipboard.
 
+#include <optional>
+
 #include "center/block_editing.h"
 
 namespace vicenter::center {
 
 namespace {
 
-// Reads one quoted cell from behind its opening quote; the position ends behind the closing one.
-std::string ReadQuoted(std::string_view text, std::size_t& at) {
+// Reads one quoted cell from behind its opening quote; the position ends behind the closing one. Nothing for
+// a quote that is never closed.
+std::optional<std::string> ReadQuoted(std::string_view text, std::size_t& at) {
     std::string cell;
     while (at < text.size()) {
         if (text[at] == '"') {
-            if (at + 1 >= text.size() || text[at + 1] != '"') {
-                ++at;
-                break;
-            }
             ++at;
+            if (at >= text.size() || text[at] != '"') return cell;
         }
         cell += text[at++];
     }
-    return cell;
+    return std::nullopt;
 }
 
-// A quote that is never closed before a cell ends is an ordinary character.
-bool StartsQuotedCell(std::string_view text, std::size_t at) {
-    if (text[at] != '"') return false;
+// The quoted cell that starts here, the position behind it. A quote that no cell's end follows is an ordinary
+// character; the position then stays.
+std::optional<std::string> TakeQuotedCell(std::string_view text, std::size_t& at) {
+    if (text[at] != '"') return std::nullopt;
     std::size_t end = at + 1;
-    ReadQuoted(text, end);
-    if (text[end - 1] != '"') return false;
-    return end == text.size() || text[end] == '\t' || text[end] == '\r' || text[end] == '\n';
+    std::optional<std::string> cell = ReadQuoted(text, end);
+    const bool ended = end >= text.size() || text[end] == '\t' || text[end] == '\r' || text[end] == '\n';
+    if (!cell || !ended) return std::nullopt;
+    at = end;
+    return cell;
 }
 
 bool NeedsQuotes(const std::string& cell) {
@@ -53,11 +56,14 @@ TextBlock ParseBlock(std::string_view text) {
     };
     while (at < text.size()) {
         const char c = text[at];
-        if (cellStarts && StartsQuotedCell(text, at)) {
-            ++at;
-            cell = ReadQuoted(text, at);
+        if (cellStarts) {
             cellStarts = false;
-        } else if (c == '\t') {
+            if (std::optional<std::string> quoted = TakeQuotedCell(text, at)) {
+                cell = std::move(*quoted);
+                continue;
+            }
+        }
+        if (c == '\t') {
             row.push_back(std::move(cell));
             cell.clear();
             cellStarts = true;
@@ -67,7 +73,6 @@ TextBlock ParseBlock(std::string_view text) {
             endRow();
         } else {
             cell += c;
-            cellStarts = false;
             ++at;
         }
     }

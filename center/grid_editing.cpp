@@ -122,8 +122,9 @@ void GridEditing::ClearCells(const CellRange& range) {
     CellChecks checks;
     MasterRecords records;
     const int lastRow = std::min(range.lastRow, state_.rowCount);
-    for (int row = range.firstRow; row <= lastRow; ++row) {
-        for (int c = range.firstColumn; c <= range.lastColumn; ++c) {
+    const int lastColumn = std::min(range.lastColumn, kColumnCount);
+    for (int row = std::max(1, range.firstRow); row <= lastRow; ++row) {
+        for (int c = std::max(1, range.firstColumn); c <= lastColumn; ++c) {
             if (Column(c).locked || grid.Text(row, c).empty()) continue;
             grid.SetText(row, c, {});
             ResolveCell(grid, {row, c}, records);
@@ -191,7 +192,7 @@ void GridEditing::Return(const JournalMark& mark) {
     typed_.reset();
     CellChecks checks;
     grid.SetReDraw(false);
-    for (int row = 1; row <= state_.rowCount; ++row)
+    for (int row = mark.firstRow; row <= std::min(mark.lastRow, grid.RowTotal()); ++row)
         MarkRow(grid, row, checks);
     grid.SetReDraw(true);
     if (mark.active.row >= 1) grid.SetActiveCell(mark.active);

@@ -1,5 +1,6 @@
 #include "center/grid_journal.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vicenter::center {
@@ -68,8 +69,10 @@ void GridJournal::RowsRemoved(int firstRow, std::vector<GridRowPtr> rows) {
 }
 
 // Takes the change back and leaves its inverse in its place.
-void GridJournal::Apply(Change& change) {
+void GridJournal::Apply(Change& change, JournalMark& rows) {
     if (auto* text = std::get_if<Text>(&change)) {
+        rows.firstRow = rows.lastRow == 0 ? text->row : std::min(rows.firstRow, text->row);
+        rows.lastRow = std::max(rows.lastRow, text->row);
         std::string now(grid_.Text(text->row, text->column));
         grid_.RestoreText(text->row, text->column, text->other);
         text->other = std::move(now);
@@ -79,6 +82,8 @@ void GridJournal::Apply(Change& change) {
         auto& catcher = static_cast<Catcher&>(*grid_.Recorder());
         const int firstRow = inserted->firstRow;
         grid_.RemoveRows(firstRow, inserted->count);
+        // Rows below have moved up, those of this step among them.
+        rows.firstRow = std::max(1, std::min(rows.firstRow, rows.firstRow - inserted->count));
         change = Removed{firstRow, std::move(catcher.removed)};
         return;
     }
@@ -86,18 +91,19 @@ void GridJournal::Apply(Change& change) {
     const int firstRow = removed.firstRow;
     const int count = static_cast<int>(removed.rows.size());
     grid_.RestoreRows(firstRow, std::move(removed.rows));
+    if (rows.lastRow > 0) rows.lastRow += count;
     change = Inserted{firstRow, count};
 }
 
 JournalMark GridJournal::Undo() {
     Step step = std::move(done_.back());
     done_.pop_back();
+    JournalMark mark = step.before;
     {
         const Catcher catcher(grid_);
         for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
-            Apply(*change);
+            Apply(*change, mark);
     }
-    JournalMark mark = step.before;
     mark.dirty = step.after.dirty;
     undone_.push_back(std::move(step));
     return mark;
@@ -106,13 +112,14 @@ JournalMark GridJournal::Undo() {
 JournalMark GridJournal::Redo() {
     Step step = std::move(undone_.back());
     undone_.pop_back();
+    JournalMark mark = step.after;
     {
         const Catcher catcher(grid_);
         for (Change& change : step.changes)
-            Apply(change);
+            Apply(change, mark);
     }
     done_.push_back(std::move(step));
-    return done_.back().after;
+    return mark;
 }
 
 void GridJournal::Drop() {

@@ -21,6 +21,9 @@ struct JournalMark {
     int rowCount = 0;
     CellAddress active{0, 0};
     bool dirty = false;  // the template differs from what was loaded
+    // The rows whose texts a step changed. Rows that came or went as a whole bring their colours along.
+    int firstRow = 1;
+    int lastRow = 0;
 };
 
 class GridJournal {
@@ -70,7 +73,7 @@ class GridJournal {
         JournalMark after;
     };
 
-    void Apply(Change& change);
+    void Apply(Change& change, JournalMark& rows);
 
     EntryGrid& grid_;
     std::deque<Step> done_;

@@ -1,0 +1,345 @@
+#include "center/block_editing.h"
+
+#include "tests/center/grid_fixture.h"
+
+namespace vicenter::center {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class BlockEditingTest : public GridTest {
+  protected:
+    void ShowAll() {
+        for (int c = 1; c <= kColumnCount; ++c)
+            Grid().SetColumnHidden(c, false);
+    }
+    static Texts Refused(const PasteResult& result) {
+        Texts texts;
+        for (const RefusedCell& cell : result.refused) {
+            texts.push_back(std::to_string(cell.cell.row) + "," + std::to_string(cell.cell.column) + " " +
+                            cell.text + ": " + cell.reason);
+        }
+        return texts;
+    }
+
+    GridEditing editing_{state_};
+    int edited_ = 0;
+    BlockEditing blocks_{state_, [this] { ++edited_; }};
+};
+
+}  // namespace
+
+// --- copying
+
+TEST_F(BlockEditingTest, CopyingTakesTheShownColumnsAsTheyAre) {
+    UseRows(2);
+    Grid().SetText(1, 4, "77");
+    Grid().SetText(1, 5, "0012");
+    Grid().SetText(1, 20, "5.5000");
+    EXPECT_EQ(blocks_.Copy({1, 1, 2, 7}), "1\t\t\t0012\t\t\r\n2\t\t\t\t\t\r\n");
+    Grid().SetColumnHidden(20, false);
+    EXPECT_EQ(blocks_.Copy({1, 19, 1, 21}), "5.5000\t\r\n");
+}
+
+TEST_F(BlockEditingTest, CopyingStaysWithinTheGrid) {
+    Grid().SetRowTotal(2);
+    Grid().SetText(2, 21, "x");
+    EXPECT_EQ(blocks_.Copy({0, 20, 99, 99}), "\r\nx\r\n");
+    EXPECT_EQ(blocks_.Copy({}), "");
+}
+
+// --- pasting
+
+TEST_F(BlockEditingTest, APastedRowIsResolvedAsIfItHadBeenTyped) {
+    ShowAll();
+    const PasteResult result = blocks_.Paste(
+        {1, 1}, "3\t1\t借\t\t1002\t\t2\t\t01\t00012\t\t\tUSD\t6.5\t100\t\t\t\t\t650.00\t备注\r\n");
+    EXPECT_EQ(result.rows, 1);
+    EXPECT_THAT(result.refused, IsEmpty());
+    const Texts expected{"3", "提现", "借",  "2",   "1002", "银行存款", "2", "51", "支票",   "00012", "",
+                         "2", "美元", "6.5", "100", "",     "",         "",  "",   "650.00", "备注"};
+    // The account of the explanation has given way to the one that was pasted.
+    for (int c = 1; c <= kColumnCount; ++c) {
+        const std::string shown = c == 10 ? "00012" : expected[static_cast<std::size_t>(c - 1)];
+        EXPECT_EQ(Text(1, c), shown) << c;
+        EXPECT_EQ(Color(1, c), color::kBlack) << c;
+    }
+    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_TRUE(state_.dirty);
+    EXPECT_EQ(edited_, 1);
+}
+
+TEST_F(BlockEditingTest, PastingFillsTheShownColumnsFromTheGivenOneOn) {
+    // Column 4 is hidden: the block goes from 3 to 5.
+    blocks_.Paste({1, 3}, "借\t1001");
+    EXPECT_EQ(Text(1, 3), "借");
+    EXPECT_EQ(Text(1, 5), "1001");
+    EXPECT_EQ(Text(1, 6), "库存现金");
+}
+
+TEST_F(BlockEditingTest, CellsBeyondTheLastColumnFindNoPlace) {
+    const PasteResult result = blocks_.Paste({1, 21}, "备注\tmore\tand more");
+    EXPECT_EQ(result.cells, 1);
+    EXPECT_EQ(Text(1, 21), "备注");
+    EXPECT_EQ(state_.rowCount, 1);
+}
+
+TEST_F(BlockEditingTest, CodesKeepTheirLeadingZeros) {
+    blocks_.Paste({1, 5}, "0101\r\n000777\r\n");
+    EXPECT_EQ(Text(1, 5), "0101");
+    EXPECT_EQ(Text(1, 6), "零一");
+    EXPECT_EQ(Text(2, 5), "000777");
+    EXPECT_EQ(Color(2, 5), color::kRed);
+}
+
+TEST_F(BlockEditingTest, RowsAreAddedAsNeededWithABlankOneBelow) {
+    std::string text;
+    for (int i = 1; i <= 150; ++i)
+        text += std::to_string(i) + "\r\n";
+    const PasteResult result = blocks_.Paste({1, 1}, text);
+    EXPECT_EQ(result.rows, 150);
+    EXPECT_EQ(state_.rowCount, 150);
+    EXPECT_EQ(Text(150, 1), "150");
+    EXPECT_GT(Grid().RowTotal(), 150);
+}
+
+TEST_F(BlockEditingTest, PastingLeavesNoGap) {
+    UseRows(1);
+    EXPECT_EQ(blocks_.Paste({3, 1}, "1").rows, 0);
+    EXPECT_THAT(Messages(), ElementsAre("请连续录入凭证模板分录！"));
+    EXPECT_EQ(state_.rowCount, 1);
+    blocks_.Paste({2, 1}, "2\r\n\r\n3\r\n");
+    EXPECT_EQ(Text(2, 1), "2");
+    EXPECT_EQ(Text(3, 1), "3");
+    EXPECT_EQ(state_.rowCount, 3);
+}
+
+TEST_F(BlockEditingTest, WhatCannotBeTakenIsKeptOutAndListedByRowAndColumn) {
+    const PasteResult result = blocks_.Paste({1, 1}, "1\tit's\t借方\n2a\tb\t借\n3\tc\t贷");
+    EXPECT_THAT(Refused(result), ElementsAre("1,2 it's: 不能包含单引号、竖线或控制字符",
+                                             "1,3 借方: 只能选择“借”或“贷”", "2,1 2a: 只能录入数字"));
+    EXPECT_EQ(Text(1, 1), "1");
+    EXPECT_EQ(Text(1, 2), "");
+    EXPECT_EQ(Text(1, 3), "");
+    EXPECT_EQ(Text(2, 1), "");
+    EXPECT_EQ(Text(2, 2), "b");
+    EXPECT_EQ(result.rows, 3);
+    EXPECT_EQ(result.cells, 6);
+}
+
+TEST_F(BlockEditingTest, NumbersAreNeverSilentlyAltered) {
+    ShowAll();
+    const PasteResult result = blocks_.Paste({1, 20}, "1,234.50\n-5\n1.23456\n1000000000\n¥5\n12.50");
+    EXPECT_EQ(result.refused.size(), 5U);
+    EXPECT_EQ(Text(1, 20), "12.50");
+    EXPECT_EQ(state_.rowCount, 1);
+}
+
+TEST_F(BlockEditingTest, ALineOfWhichNothingCouldBeTakenLeavesNoRowBehind) {
+    const PasteResult result = blocks_.Paste({1, 1}, "a\n2\nb\n3");
+    EXPECT_EQ(Text(1, 1), "2");
+    EXPECT_EQ(Text(2, 1), "3");
+    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(result.refused.size(), 2U);
+}
+
+TEST_F(BlockEditingTest, IdsFollowFromCodesAndAreRefusedWhenTheyDiffer) {
+    ShowAll();
+    const PasteResult same = blocks_.Paste({1, 4}, "1\t1001");
+    EXPECT_THAT(same.refused, IsEmpty());
+    const PasteResult other = blocks_.Paste({1, 4}, "99\t1001");
+    EXPECT_THAT(Refused(other), ElementsAre("1,4 99: 该列由系统填写，不能录入"));
+    EXPECT_EQ(Text(1, 4), "1");
+}
+
+TEST_F(BlockEditingTest, AnEmptyNameBesideACodeDoesNotClearTheRow) {
+    blocks_.Paste({1, 5}, "1001\t");
+    EXPECT_EQ(Text(1, 5), "1001");
+    EXPECT_EQ(Text(1, 6), "库存现金");
+    blocks_.Paste({1, 5}, "1002\t");
+    EXPECT_EQ(Text(1, 6), "银行存款");
+}
+
+TEST_F(BlockEditingTest, EmptyCellsClearWhatWasThere) {
+    blocks_.Paste({1, 1}, "1\ta\t借\t1001");
+    blocks_.Paste({1, 2}, "\t\t");
+    EXPECT_EQ(Text(1, 2), "");
+    EXPECT_EQ(Text(1, 3), "");
+    EXPECT_EQ(Text(1, 5), "");
+    EXPECT_EQ(Text(1, 4), "");
+    EXPECT_EQ(Text(1, 6), "");
+    EXPECT_EQ(Text(1, 1), "1");
+}
+
+TEST_F(BlockEditingTest, CopiedRowsPasteAsTheyWere) {
+    blocks_.Paste({1, 1}, "1\t提货\t借\t1001\r\n1\t提货\t贷\t1002\r\n");
+    const std::string copied = blocks_.Copy({1, 1, 2, 21});
+    EXPECT_THAT(blocks_.Paste({3, 1}, copied).refused, IsEmpty());
+    EXPECT_EQ(blocks_.Copy({3, 1, 4, 21}), copied);
+    EXPECT_EQ(Text(3, 4), "1");
+    EXPECT_EQ(Text(4, 4), "2");
+}
+
+TEST_F(BlockEditingTest, WithoutTheRightNothingIsPasted) {
+    state_.hasRight = false;
+    EXPECT_EQ(blocks_.Paste({1, 1}, "1").rows, 0);
+    blocks_.FillDown({1, 1, 5, 1});
+    blocks_.DuplicateRow();
+    EXPECT_TRUE(Grid().IsBlankRow(1));
+    EXPECT_EQ(edited_, 0);
+}
+
+TEST_F(BlockEditingTest, NothingToPasteIsNoChange) {
+    EXPECT_EQ(blocks_.Paste({1, 1}, "").rows, 0);
+    EXPECT_EQ(blocks_.Paste({0, 0}, "1").rows, 0);
+    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.journal.CanUndo());
+}
+
+TEST_F(BlockEditingTest, TenThousandRowsAreOneStepOfUndoAndShowProgress) {
+    constexpr int kRows = 10000;
+    std::string text;
+    for (int i = 1; i <= kRows; ++i)
+        text += std::to_string(i) + "\t提货\t借\t1002\r\n";
+    set_.Forget();
+    GridDiary diary(Grid());
+    EXPECT_EQ(blocks_.Paste({1, 1}, text).rows, kRows);
+    EXPECT_EQ(state_.rowCount, kRows);
+    EXPECT_EQ(Text(kRows, 6), "银行存款");
+    // Each different question once, whatever the number of rows.
+    EXPECT_LE(set_.Statements().size(), 4U);
+    EXPECT_LE(diary.Take().size(), 6U);
+
+    ASSERT_EQ(view_.progress.size(), kRows / 500 + 1U);
+    EXPECT_TRUE(view_.progress.front().visible);
+    EXPECT_EQ(view_.progress.front().label, "正在粘贴，请稍后...");
+    EXPECT_EQ(view_.progress[1].done, 500);
+    EXPECT_EQ(view_.progress[1].all, kRows);
+    EXPECT_FALSE(view_.progress.back().visible);
+
+    editing_.Undo();
+    EXPECT_EQ(state_.rowCount, 0);
+    EXPECT_TRUE(Grid().IsBlankRow(1));
+    EXPECT_EQ(Grid().RowTotal(), 100);
+    EXPECT_FALSE(state_.journal.CanUndo());
+    editing_.Redo();
+    EXPECT_EQ(state_.rowCount, kRows);
+    EXPECT_EQ(Text(kRows, 5), "1002");
+}
+
+TEST_F(BlockEditingTest, AFewRowsShowNoProgress) {
+    blocks_.Paste({1, 1}, "1\r\n2\r\n");
+    EXPECT_THAT(view_.progress, IsEmpty());
+}
+
+// --- one value into all selected cells
+
+TEST_F(BlockEditingTest, OneValueGoesIntoAllSelectedCells) {
+    UseRows(3);
+    const PasteResult result = blocks_.FillSelection({1, 5, 3, 5}, "1001");
+    EXPECT_EQ(result.cells, 3);
+    for (int row = 1; row <= 3; ++row)
+        EXPECT_EQ(Text(row, 6), "库存现金");
+    editing_.Undo();
+    EXPECT_EQ(Text(1, 5), "");
+    EXPECT_EQ(Text(3, 6), "");
+    EXPECT_FALSE(state_.journal.CanUndo());
+}
+
+TEST_F(BlockEditingTest, AValueThatNoSelectedCellTakesIsListedForEach) {
+    UseRows(2);
+    const PasteResult result = blocks_.FillSelection({1, 1, 2, 1}, "a");
+    EXPECT_THAT(Refused(result), ElementsAre("1,1 a: 只能录入数字", "2,1 a: 只能录入数字"));
+    EXPECT_EQ(Text(1, 1), "1");
+    EXPECT_FALSE(state_.dirty);
+}
+
+// --- filling down
+
+TEST_F(BlockEditingTest, FillingDownCopiesTheFirstRowOfTheSelection) {
+    blocks_.Paste({1, 1}, "1\t提货\t借\t1001\r\n2\tb\t贷\t1002\r\n3\r\n");
+    blocks_.FillDown({1, 2, 3, 5});
+    for (int row = 2; row <= 3; ++row) {
+        EXPECT_EQ(Text(row, 1), std::to_string(row));
+        EXPECT_EQ(Text(row, 2), "提货");
+        EXPECT_EQ(Text(row, 3), "借");
+        EXPECT_EQ(Text(row, 5), "1001");
+        // The hidden id goes along with its code.
+        EXPECT_EQ(Text(row, 4), "1");
+    }
+}
+
+TEST_F(BlockEditingTest, OneRowAloneTakesWhatStandsAbove) {
+    blocks_.Paste({1, 1}, "1\t提货");
+    blocks_.FillDown({2, 1, 2, 2});
+    EXPECT_EQ(Text(2, 1), "1");
+    EXPECT_EQ(Text(2, 2), "提货");
+    EXPECT_EQ(state_.rowCount, 2);
+    edited_ = 0;
+    blocks_.FillDown({1, 1, 1, 2});
+    EXPECT_EQ(edited_, 0);
+}
+
+TEST_F(BlockEditingTest, FillingDownIsOneStepAndMarksTheRows) {
+    blocks_.Paste({1, 5}, "9999");
+    blocks_.FillDown({1, 5, 4, 5});
+    EXPECT_EQ(state_.rowCount, 4);
+    EXPECT_EQ(Color(4, 5), color::kRed);
+    editing_.Undo();
+    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_TRUE(Grid().IsBlankRow(2));
+}
+
+TEST_F(BlockEditingTest, HiddenColumnsAreNotFilled) {
+    UseRows(2);
+    Grid().SetText(1, 10, "00012");
+    blocks_.FillDown({1, 1, 2, 21});
+    EXPECT_EQ(Text(2, 10), "");
+    EXPECT_EQ(Text(2, 1), "1");
+}
+
+TEST_F(BlockEditingTest, FillingDownBelowTheRowsInUseNeedsARowAbove) {
+    UseRows(1);
+    blocks_.FillDown({3, 1, 5, 1});
+    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_FALSE(state_.dirty);
+}
+
+// --- duplicating
+
+TEST_F(BlockEditingTest, ADuplicateStandsBelowItsRowWithEverythingInIt) {
+    ShowAll();
+    blocks_.Paste({1, 1}, "1\t提货\t借\t\t1002\t\t\t\t01\t00012\r\n2\r\n");
+    Grid().SetColumnHidden(10, true);
+    Grid().SetActiveCell({1, 3});
+    blocks_.DuplicateRow();
+    for (int c = 1; c <= kColumnCount; ++c)
+        EXPECT_EQ(Text(2, c), Text(1, c)) << c;
+    EXPECT_EQ(Text(2, 8), "51");
+    EXPECT_EQ(Text(3, 1), "2");
+    EXPECT_EQ(state_.rowCount, 3);
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, 3}));
+    editing_.Undo();
+    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(Text(2, 1), "2");
+}
+
+TEST_F(BlockEditingTest, TheLastRowInUseIsDuplicatedToo) {
+    UseRows(2);
+    Grid().SetActiveCell({2, 1});
+    blocks_.DuplicateRow();
+    EXPECT_EQ(state_.rowCount, 3);
+    EXPECT_EQ(Text(3, 1), "2");
+}
+
+TEST_F(BlockEditingTest, ABlankRowBelowIsNotDuplicated) {
+    UseRows(1);
+    Grid().SetActiveCell({2, 1});
+    blocks_.DuplicateRow();
+    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(Grid().RowTotal(), 100);
+}
+
+}  // namespace vicenter::center

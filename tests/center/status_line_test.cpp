@@ -1,0 +1,93 @@
+#include "center/status_line.h"
+
+#include "tests/center/grid_fixture.h"
+
+namespace vicenter::center {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+void Line(EntryGrid& grid, int row, const char* number, const char* direction, const char* amount) {
+    grid.SetText(row, column::kNo, number);
+    grid.SetText(row, column::kDirection, direction);
+    grid.SetText(row, column::kAmount, amount);
+}
+
+}  // namespace
+
+TEST(StatusLine, CountsLinesAndDifferentNumbers) {
+    EntryGrid grid;
+    Line(grid, 1, "3", "借", "");
+    Line(grid, 2, "3", "贷", "");
+    Line(grid, 3, "5", "借", "");
+    Line(grid, 4, "", "借", "9");
+    const StatusState status = SumUp(grid, 4, 1);
+    EXPECT_EQ(status.lines, 4);
+    EXPECT_EQ(status.numbers, 2);
+    EXPECT_THAT(status.unbalanced, IsEmpty());
+}
+
+TEST(StatusLine, SumsTheActiveRowsNumberExactly) {
+    EntryGrid grid;
+    Line(grid, 1, "3", "借", "0.1");
+    Line(grid, 2, "3", "借", "0.2");
+    Line(grid, 3, "3", "贷", "0.3");
+    Line(grid, 4, "5", "贷", "1234567.5");
+    StatusState status = SumUp(grid, 4, 2);
+    EXPECT_EQ(status.number, "3");
+    EXPECT_EQ(status.debit, "0.30");
+    EXPECT_EQ(status.credit, "0.30");
+    EXPECT_EQ(status.difference, "");
+    EXPECT_THAT(status.unbalanced, ElementsAre("5"));
+    status = SumUp(grid, 4, 4);
+    EXPECT_EQ(status.number, "5");
+    EXPECT_EQ(status.debit, "0.00");
+    EXPECT_EQ(status.credit, "1,234,567.50");
+    EXPECT_EQ(status.difference, "-1,234,567.50");
+}
+
+TEST(StatusLine, HasNoSumsOutsideTheRowsInUse) {
+    EntryGrid grid;
+    Line(grid, 1, "3", "借", "1");
+    for (const int row : {0, 2, 50}) {
+        const StatusState status = SumUp(grid, 1, row);
+        EXPECT_EQ(status.number, "");
+        EXPECT_EQ(status.debit, "");
+    }
+}
+
+TEST(StatusLine, LeavesOutWhatIsNoNumberOrHasNoSide) {
+    EntryGrid grid;
+    Line(grid, 1, "3", "借", "abc");
+    Line(grid, 2, "3", "  ", "5");
+    Line(grid, 3, "3", "贷", "1e5");
+    const StatusState status = SumUp(grid, 3, 1);
+    EXPECT_EQ(status.debit, "0.00");
+    EXPECT_EQ(status.credit, "0.00");
+    EXPECT_THAT(status.unbalanced, IsEmpty());
+}
+
+TEST(StatusLine, RowsBelowThoseInUseDoNotCount) {
+    EntryGrid grid;
+    Line(grid, 1, "3", "借", "1");
+    Line(grid, 2, "4", "借", "1");
+    EXPECT_EQ(SumUp(grid, 1, 1).numbers, 1);
+    EXPECT_THAT(SumUp(grid, 1, 1).unbalanced, ElementsAre("3"));
+}
+
+TEST(SelectionSum, AddsTwoOrMoreNumbersOfNumberColumns) {
+    EntryGrid grid;
+    grid.SetText(1, column::kAmount, "1000.25");
+    grid.SetText(2, column::kAmount, "0.5");
+    grid.SetText(1, column::kNo, "7");
+    grid.SetText(1, column::kAccountNumber, "1001");
+    EXPECT_EQ(SumOfSelection(grid, {1, 1, 2, 21}), "1,000.75");
+    EXPECT_EQ(SumOfSelection(grid, {1, 20, 1, 20}), "");
+    EXPECT_EQ(SumOfSelection(grid, {1, 1, 2, 5}), "");
+    EXPECT_EQ(SumOfSelection(grid, {-5, -5, 1000, 1000}), "1,000.75");
+    EXPECT_EQ(SumOfSelection(grid, {}), "");
+}
+
+}  // namespace vicenter::center
