@@ -1,6 +1,7 @@
 #include "dialogs/frm_search.h"
 
 #include <string_view>
+#include <variant>
 
 #include "automation/class_registry.h"
 #include "entry/screen.h"
@@ -26,6 +27,12 @@ std::string Trimmed(const std::string& text) {
 
 bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
+}
+
+// No object for a value that is none, and for the object that is not there.
+automation::ObjectRef ObjectOrNone(const Variant& value) {
+    const auto* object = std::get_if<automation::ObjectRef>(&value.Raw());
+    return object == nullptr ? nullptr : *object;
 }
 
 void Tell(const std::string& text) {
@@ -92,14 +99,13 @@ void FrmSearch::cmdAcct_Click() {
     const automation::ObjectRef lookUp = automation::CreateObject("VelaEBCGLView.GLView");
     Variant text(entry::SqlEscape(typed));
     const automation::ObjectRef result =
-        lookUp->Call("AccountLookup", {Argument::ByReference(text)}).AsObject();
-    if (result == nullptr) return;
-    const Variant record = result->Get("ReturnObject");
-    if (!record.IsObject() || record.AsObject() == nullptr) return;
+        ObjectOrNone(lookUp->Call("AccountLookup", {Argument::ByReference(text)}));
+    const automation::ObjectRef account =
+        result == nullptr ? nullptr : ObjectOrNone(result->Get("ReturnObject"));
+    if (account == nullptr) return;
     // A record has either members or fields of that name.
-    automation::Object& account = *record.AsObject();
     const Variant number =
-        account.HasMember("Number") ? account.Get("Number") : account.Get("", {Argument("Number")});
+        account->HasMember("Number") ? account->Get("Number") : account->Get("", {Argument("Number")});
     view_->SetAccount(number.ToTextOrEmpty());
 }
 
