@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 #include "automation/error.h"
 #include "platform/scripting/dictionary.h"
@@ -53,6 +55,12 @@ void AppendUtf8(std::string& text, unsigned code) {
         add(0x80 | ((code >> 6) & 0x3F));
         add(0x80 | (code & 0x3F));
     }
+}
+
+// Makes the value of an empty variant in its place: assigning would move and destroy each value once more.
+template <class T>
+void Place(Variant& empty, T&& value) {
+    std::construct_at(&empty, std::forward<T>(value));
 }
 
 // A match of the number pattern, taken apart on the way over it.
@@ -161,7 +169,7 @@ void JsonDecoder::ScanValue(Variant& value, int depth) {
     switch (*place_) {
         case '"':
             ++place_;
-            value = Variant(ScanString());
+            Place(value, std::string(ScanString()));
             return;
         case '{':
             ++place_;
@@ -179,12 +187,12 @@ void JsonDecoder::ScanValue(Variant& value, int depth) {
         case 't':
             if (!AtWord("true")) break;
             place_ += 4;
-            value = Variant(true);
+            Place(value, true);
             return;
         case 'f':
             if (!AtWord("false")) break;
             place_ += 5;
-            value = Variant(false);
+            Place(value, false);
             return;
         default:
             break;
@@ -198,7 +206,7 @@ void JsonDecoder::ScanObject(Variant& value, int depth) {
     SkipWhitespace();
     if (At('}')) {
         ++place_;
-        value = Variant(std::move(dictionary));
+        Place(value, automation::ObjectRef(std::move(dictionary)));
         return;
     }
     if (!At('"')) Fail(json_error::kPropertyName);
@@ -225,7 +233,7 @@ void JsonDecoder::ScanObject(Variant& value, int depth) {
     }
     ++place_;
     usualCount_ = std::min(dictionary->Count(), kMostReserved);
-    value = Variant(std::move(dictionary));
+    Place(value, automation::ObjectRef(std::move(dictionary)));
 }
 
 void JsonDecoder::ScanArray(Variant& value, int depth) {
@@ -342,7 +350,7 @@ void JsonDecoder::ScanNumber(Variant& value) {
     }
     if (number_ == end_) Fail(json_error::kNoValue);
     const NumberMatch match = MatchNumber(number_, end_);
-    value = Variant(ToDouble(match));
+    Place(value, ToDouble(match));
     if (match.begin == place_) {
         place_ = match.end;
     } else {

@@ -134,7 +134,12 @@ void JsonEncoder::WriteObject(const automation::ObjectRef& object, int depth) {
         Write('{');
         for (std::size_t i = 0; i < dictionary->Count(); ++i) {
             if (i != 0) Write(',');
-            WriteValue(dictionary->KeyAt(i), depth);
+            const Variant& key = dictionary->KeyAt(i);
+            if (const auto* text = std::get_if<std::string>(&key.Raw())) {
+                WriteString(*text);
+            } else {
+                WriteValue(key, depth);
+            }
             Write(':');
             WriteValue(dictionary->ItemAt(i), depth);
         }
@@ -187,7 +192,30 @@ void JsonEncoder::WriteDouble(double value) {
         WriteInteger(static_cast<std::int64_t>(value));
         return;
     }
+    // Amounts: a decimal of at most 15 digits that reads back as the same double is its shortest text.
+    constexpr double kScale = 10000;
+    const double scaled = std::nearbyint(value * kScale);
+    if (std::fabs(scaled) < 1e15 && scaled / kScale == value) {
+        WriteScaled(static_cast<std::int64_t>(scaled));
+        return;
+    }
     Write(automation::DoubleToText(value));
+}
+
+// A number of ten-thousandths that is no whole number.
+void JsonEncoder::WriteScaled(std::int64_t scaled) {
+    char* out = Room(kLongestNumber);
+    char* const begin = out;
+    if (scaled < 0) *out++ = '-';
+    const std::uint64_t magnitude = static_cast<std::uint64_t>(scaled < 0 ? -scaled : scaled);
+    out = std::to_chars(out, begin + kLongestNumber, magnitude / 10000).ptr;
+    *out++ = '.';
+    auto fraction = static_cast<unsigned>(magnitude % 10000);
+    for (unsigned unit = 1000; fraction != 0; unit /= 10) {
+        *out++ = static_cast<char>('0' + fraction / unit);
+        fraction %= unit;
+    }
+    used_ += static_cast<std::size_t>(out - begin);
 }
 
 }  // namespace vicenter::support

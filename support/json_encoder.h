@@ -3,6 +3,7 @@
 // Writes values as JSON text. See VbsJson for the rules. One encoder a text.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,7 @@ class JsonEncoder {
     void WriteString(std::string_view text);
     void WriteDouble(double value);
     void WriteInteger(std::int64_t value);
+    void WriteScaled(std::int64_t scaled);
     void Write(std::string_view text);
     void Write(char c);
     // The place to write at, with room for so many bytes.

@@ -151,7 +151,7 @@ std::size_t Dictionary::FindHashed(std::uint32_t hash, const Variant& key) const
 }
 
 void Dictionary::Append(std::uint32_t hash, Variant key, Variant item) {
-    entries_.push_back({std::move(key), std::move(item)});
+    entries_.emplace_back(std::move(key), std::move(item));
     hashes_.push_back(hash);
     EnterIntoIndex(entries_.size() - 1);
 }
@@ -202,8 +202,10 @@ Variant* Dictionary::AddPlace(std::string_view key) {
         return text != nullptr && *text == key;
     });
     if (found != kNone) return nullptr;
-    Append(hash, Variant(key), Variant());
-    return &entries_.back().item;
+    Entry& entry = entries_.emplace_back(key);
+    hashes_.push_back(hash);
+    if (entries_.size() > kIndexFrom) EnterIntoIndex(entries_.size() - 1);
+    return &entry.item;
 }
 
 void Dictionary::Add(Variant key, Variant item) {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "automation/member_table.h"
@@ -62,6 +63,9 @@ class Dictionary : public automation::TableObject<Dictionary> {
     static constexpr std::size_t kIndexFrom = 32;
 
     struct Entry {
+        Entry(Variant theKey, Variant theItem) : key(std::move(theKey)), item(std::move(theItem)) {}
+        explicit Entry(std::string_view text) : key(text) {}  // in place: many are made when texts are read
+
         Variant key;
         Variant item;
     };

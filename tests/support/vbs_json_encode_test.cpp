@@ -76,6 +76,10 @@ TEST(VbsJsonEncode, NumbersTakeTheirShortestTextWithAPoint) {
     EXPECT_EQ(Encoded(0.00001), "0.00001");
     EXPECT_EQ(Encoded(1.5e-7), "1.5e-07");
     EXPECT_EQ(Encoded(-0.0), "0");
+    EXPECT_EQ(Encoded(0.05), "0.05");
+    EXPECT_EQ(Encoded(-0.0001), "-0.0001");
+    EXPECT_EQ(Encoded(12345678901.1001), "12345678901.1001");
+    EXPECT_EQ(Encoded(0.00015), "0.00015");
     for (const double value : {0.1 + 0.2, 1.0 / 3, 5e-324, 1.7976931348623157e308, 123456789.012345678})
         EXPECT_EQ(Decoded(Encoded(value)), Variant(value));
 }
