@@ -1,0 +1,55 @@
+// The texts kept from fuzzing, and small damages done to each of them.
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/json_fuzz_check.h"
+
+namespace vicenter::support {
+namespace {
+
+std::vector<std::string> KeptTexts() {
+    std::vector<std::string> texts;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(VICENTER_SOURCE_DIR "/tests/support/json_corpus")) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        texts.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    }
+    return texts;
+}
+
+TEST(JsonFuzzReplay, EveryKeptTextKeepsTheRules) {
+    const auto texts = KeptTexts();
+    ASSERT_GE(texts.size(), 5U);
+    for (const std::string& text : texts)
+        EXPECT_TRUE(KeepsTheRules(text)) << text;
+}
+
+TEST(JsonFuzzReplay, EveryTextCutShortKeepsTheRules) {
+    for (const std::string& text : KeptTexts()) {
+        for (std::size_t length = 0; length < text.size(); ++length)
+            EXPECT_TRUE(KeepsTheRules(std::string_view(text).substr(0, length))) << text.substr(0, length);
+    }
+}
+
+TEST(JsonFuzzReplay, EveryTextWithOneOtherByteKeepsTheRules) {
+    for (std::string text : KeptTexts()) {
+        for (char& c : text) {
+            const char kept = c;
+            for (const char other :
+                 {'"', '\\', '{', '}', '[', ']', ',', ':', '0', '-', 'e', 'u', '\n', '\xF0'}) {
+                c = other;
+                EXPECT_TRUE(KeepsTheRules(text)) << text;
+            }
+            c = kept;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vicenter::support
