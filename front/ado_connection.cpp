@@ -1,0 +1,88 @@
+#include "front/ado_connection.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "automation/class_registry.h"
+#include "automation/member_table.h"
+#include "platform/ado/account_set/account_set_provider.h"
+#include "platform/ado/connection.h"
+
+namespace vicenter::front {
+
+using automation::Arguments;
+using automation::Error;
+using automation::MemberTable;
+using automation::Method;
+using automation::Property;
+using automation::Variant;
+
+namespace {
+
+class AdoConnection : public automation::TableObject<AdoConnection> {
+  public:
+    static const MemberTable<AdoConnection>& Members();
+    std::string TypeName() const override { return "Connection"; }
+
+    void Open(const Variant& connectString) {
+        if (!connectString.IsMissing()) connectString_ = connectString.ToText();
+        connection_ = ado::OpenConnection(connectString_);
+    }
+    void Close() {
+        if (connection_) connection_->Close();
+        connection_ = nullptr;
+    }
+    bool IsOpen() const { return connection_ && connection_->IsOpen(); }
+    ado::RecordsetRef Execute(const std::string& text, std::int64_t& affected) {
+        if (!IsOpen())
+            throw Error(ado::error_number::kObjectClosed,
+                        "Operation is not allowed when the object is closed.", "ADODB.Connection");
+        return connection_->Execute(text, &affected);
+    }
+    const std::string& ConnectString() const { return connectString_; }
+    void SetConnectString(std::string text) { connectString_ = std::move(text); }
+
+  private:
+    std::string connectString_;
+    ado::ConnectionRef connection_;
+};
+
+const MemberTable<AdoConnection>& AdoConnection::Members() {
+    using Self = AdoConnection;
+    static const MemberTable<Self> table{
+        Property<Self>(
+            "ConnectionString", [](Self& self, Arguments&) { return Variant(self.ConnectString()); },
+            [](Self& self, Arguments& a) { self.SetConnectString(a[0].Value().ToText()); })
+            .AsDefault(),
+        Property<Self>("State", [](Self& self, Arguments&) { return Variant(self.IsOpen() ? 1 : 0); }),
+        Method<Self>("Open", {"ConnectionString?"},
+                     [](Self& self, Arguments& a) {
+                         self.Open(a[0].Value());
+                         return Variant();
+                     }),
+        Method<Self>("Execute", {"CommandText", "RecordsAffected?", "Options?"},
+                     [](Self& self, Arguments& a) {
+                         std::int64_t affected = 0;
+                         auto rows = self.Execute(a[0].Value().ToText(), affected);
+                         if (a[1].IsByReference()) a[1].Assign(affected);
+                         return Variant(automation::ObjectRef(std::move(rows)));
+                     }),
+        Method<Self>("Close", {},
+                     [](Self& self, Arguments&) {
+                         self.Close();
+                         return Variant();
+                     }),
+    };
+    return table;
+}
+
+}  // namespace
+
+void RegisterAdoClasses() {
+    ado::RegisterAccountSetProvider();
+    automation::ClassRegistry::Process().Register("ADODB.Connection",
+                                                  [] { return std::make_shared<AdoConnection>(); });
+}
+
+}  // namespace vicenter::front

@@ -1,0 +1,44 @@
+#include "front/last_error.h"
+
+#include <optional>
+
+namespace vicenter::front {
+
+namespace {
+
+std::optional<automation::Error>& LastError() {
+    thread_local std::optional<automation::Error> error;
+    return error;
+}
+
+}  // namespace
+
+vic_status SetLastError(const automation::Error& error) {
+    LastError() = error;
+    // An error numbered 0 must not pass for success.
+    if (error.Number() == 0) LastError().emplace(VIC_ERROR_INTERNAL, error.Text(), error.Source());
+    return LastError()->Number();
+}
+
+void ForgetLastError() {
+    LastError().reset();
+}
+
+vic_int32 LastErrorNumber() {
+    return LastError() ? LastError()->Number() : 0;
+}
+
+const char* LastErrorDescription() {
+    return LastError() ? LastError()->Text().c_str() : "";
+}
+
+const char* LastErrorSource() {
+    return LastError() ? LastError()->Source().c_str() : "";
+}
+
+automation::Error ErrorOfStatus(vic_status status) {
+    if (LastError() && LastError()->Number() == status) return *LastError();
+    return automation::Error(status);
+}
+
+}  // namespace vicenter::front

@@ -1,0 +1,86 @@
+#include "front/session.h"
+
+#include <atomic>
+#include <mutex>
+#include <utility>
+
+#include "automation/error.h"
+#include "front/ado_connection.h"
+#include "front/include/vicenter/vicenter.h"
+#include "platform/ado/account_set/account_set_provider.h"
+#include "platform/office/excel_server.h"
+#include "store/component_classes.h"
+#include "support/support_classes.h"
+
+namespace vicenter::front {
+
+using automation::Error;
+
+namespace {
+
+std::mutex& Lock() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+// The system gives a thread's id again once it has ended; this number it never does.
+std::uint64_t ThisThread() {
+    static std::atomic<std::uint64_t> last{0};
+    thread_local const std::uint64_t number = ++last;
+    return number;
+}
+
+// Kept to the end of the process unless it is ended before: what a window or a host object does last may
+// come after every static object is gone.
+Session*& Current() {
+    static Session* session = nullptr;
+    return session;
+}
+
+}  // namespace
+
+Session::Session()
+    : thread_(ThisThread()), surroundings_(system::Surroundings::Current()), windows_(WindowLoop::Create()) {
+    store::RegisterComponentClasses();
+    support::RegisterSupportClasses();
+    RegisterAdoClasses();
+    // For the workbooks of import and export; a host with a spreadsheet server of its own registers that.
+    if (!automation::ClassRegistry::Process().IsRegistered("Excel.Application"))
+        office::RegisterExcelServer();
+}
+
+Session::~Session() = default;
+
+Session& Session::Enter() {
+    const std::lock_guard guard(Lock());
+    if (Current() == nullptr) Current() = new Session();
+    if (Current()->thread_ != ThisThread()) {
+        throw Error(VIC_ERROR_WRONG_THREAD,
+                    "The template center belongs to the thread that called it first; "
+                    "call it from that thread only.",
+                    "VelaVICenter");
+    }
+    return *Current();
+}
+
+void Session::End() {
+    {
+        const std::lock_guard guard(Lock());
+        if (Current() == nullptr) return;
+    }
+    Session& session = Enter();
+    if (session.calls_ != 0) {
+        throw Error(automation::error_number::kInvalidProcedureCall,
+                    "The template center cannot be shut down while a call is under way.", "VelaVICenter");
+    }
+    session.windows_->CloseAll();
+    if (session.windows_->OpenWindows() != 0) {
+        throw Error(automation::error_number::kInvalidProcedureCall,
+                    "A template center window is still open.", "VelaVICenter");
+    }
+    ado::CloseIdleAccountSets();
+    const std::lock_guard guard(Lock());
+    delete std::exchange(Current(), nullptr);
+}
+
+}  // namespace vicenter::front

@@ -1,0 +1,52 @@
+#pragma once
+
+// The library's life within a host: bound to a thread by the first call, its classes registered, ended by a
+// shutdown, after which the next call begins anew.
+
+#include <cstdint>
+#include <memory>
+
+#include "automation/class_registry.h"
+#include "front/window_loop.h"
+#include "platform/system/surroundings.h"
+
+namespace vicenter::front {
+
+class Session {
+  public:
+    // The session of the process, begun if need be. Error VIC_ERROR_WRONG_THREAD on another thread.
+    static Session& Enter();
+    // Ends it, when it has begun: closes the windows and puts back what the process had before. Error 5 while
+    // a call is under way or a window stays open.
+    static void End();
+
+    WindowLoop& Windows() { return *windows_; }
+
+    // Counts the calls under way on the session's thread.
+    class CallScope;
+
+    Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+  private:
+    std::uint64_t thread_;
+    int calls_ = 0;
+    automation::ClassRegistry::Restore classes_;
+    system::SurroundingsScope surroundings_;
+    std::unique_ptr<WindowLoop> windows_;
+};
+
+class Session::CallScope {
+  public:
+    explicit CallScope(Session& session) : session_(session) { ++session_.calls_; }
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
+    ~CallScope() { --session_.calls_; }
+
+  private:
+    Session& session_;
+};
+
+}  // namespace vicenter::front

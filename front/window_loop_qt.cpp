@@ -1,0 +1,144 @@
+// The windows on Qt. The application object is made when the first window is asked for, unless the host has
+// one: a host with a Qt loop of its own needs nothing from here, one without pumps events through it.
+
+#include <QApplication>
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+#include <memory>
+#include <vector>
+
+#include "automation/error.h"
+#include "entry/window_factory.h"
+#include "front/message_handler.h"
+#include "front/window_loop.h"
+#include "platform/system/surroundings.h"
+#include "ui/application.h"
+#include "ui/center_commands.h"
+#include "ui/qt_surroundings.h"
+#include "ui/run_window.h"
+#include "ui/vicenter_window.h"
+#include "ui/window_factory.h"
+
+namespace vicenter::front {
+
+using automation::Error;
+
+namespace {
+
+constexpr const char* kSource = "VelaVICenter";
+
+std::vector<QPointer<ui::VICenterWindow>> Windows() {
+    std::vector<QPointer<ui::VICenterWindow>> windows;
+    if (qApp == nullptr) return windows;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        auto* window = dynamic_cast<ui::VICenterWindow*>(widget);
+        if (window != nullptr && window->isVisible()) windows.emplace_back(window);
+    }
+    return windows;
+}
+
+class QtWindowLoop : public WindowLoop {
+  public:
+    QtWindowLoop();
+    ~QtWindowLoop() override;
+
+    void Process(int milliseconds) override {
+        Ensure();
+        if (milliseconds <= 0) {
+            QCoreApplication::processEvents();
+        } else {
+            QTimer limit;
+            limit.setSingleShot(true);
+            limit.start(milliseconds);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        DeleteClosed();
+    }
+
+    void Run() override {
+        Ensure();
+        while (OpenWindows() != 0) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            DeleteClosed();
+        }
+    }
+
+    std::size_t OpenWindows() const override { return Windows().size(); }
+
+    void CloseAll() override {
+        for (const QPointer<ui::VICenterWindow>& window : Windows()) {
+            if (window) window->close();
+        }
+        DeleteClosed();
+    }
+
+    // The application object: the host's, or one made here.
+    void Ensure();
+
+  private:
+    // Windows delete themselves by a posted event, which pumping alone never delivers.
+    static void DeleteClosed() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+
+    int argc_ = 1;
+    char name_[9] = "vicenter";
+    char* argv_[2] = {name_, nullptr};
+    std::unique_ptr<QApplication> own_;
+    std::shared_ptr<entry::WindowFactory> factory_;  // while it is the process's
+    bool ready_ = false;
+};
+
+// In place from the start; makes the application object when the first window is asked for.
+class LazyWindowFactory : public entry::WindowFactory {
+  public:
+    explicit LazyWindowFactory(QtWindowLoop& loop) : loop_(loop) {}
+    void OpenVICenter() override {
+        loop_.Ensure();
+        ui::QtWindowFactory(commands_).OpenVICenter();
+    }
+
+  private:
+    QtWindowLoop& loop_;
+    std::shared_ptr<center::TemplateCommands> commands_ = std::make_shared<ui::CenterCommands>();
+};
+
+QtWindowLoop::QtWindowLoop() {
+    if (entry::WindowFactory::Process()) return;  // the host has windows of its own making
+    factory_ = std::make_shared<LazyWindowFactory>(*this);
+    entry::WindowFactory::SetProcess(factory_);
+}
+
+QtWindowLoop::~QtWindowLoop() {
+    if (factory_ && entry::WindowFactory::Process() == factory_) entry::WindowFactory::SetProcess(nullptr);
+    if (!ready_) return;
+    for (const QPointer<ui::VICenterWindow>& window : Windows())
+        delete window;
+    DeleteClosed();
+}
+
+void QtWindowLoop::Ensure() {
+    if (ready_) return;
+    if (QCoreApplication::instance() == nullptr) {
+        if (!ui::HasDisplay()) {  // Qt would end the process
+            throw Error(automation::error_number::kCannotCreateObject,
+                        "No display is available to show the template center.", kSource);
+        }
+        own_ = std::make_unique<QApplication>(argc_, argv_);
+        QApplication::setQuitOnLastWindowClosed(false);
+        ui::SetUpApplication(*own_);
+    }
+    if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr) {
+        throw Error(automation::error_number::kCannotCreateObject,
+                    "The host's application object cannot show windows.", kSource);
+    }
+    ReplaceSurroundings(ui::QtSurroundings(system::Surroundings::Current()));
+    ready_ = true;
+}
+
+}  // namespace
+
+std::unique_ptr<WindowLoop> WindowLoop::Create() {
+    return std::make_unique<QtWindowLoop>();
+}
+
+}  // namespace vicenter::front
