@@ -22,6 +22,8 @@ std::string HelpPage(const std::string& componentFolder) {
     for (int level = 0; level <= kLevelsUp && !folder.empty(); ++level, folder = folder.parent_path()) {
         std::error_code ignored;
         if (std::filesystem::exists(folder / page, ignored)) return system::PathToUtf8(folder / page);
+        const std::filesystem::path installed = folder / "share" / "vicenter" / page;
+        if (std::filesystem::exists(installed, ignored)) return system::PathToUtf8(installed);
     }
     return system::PathToUtf8(system::PathFromUtf8(componentFolder) / page);
 }
