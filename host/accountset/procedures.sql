@@ -45,20 +45,27 @@ begin
                                               where a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1))
 
     -- Accounting items: one piece per item class of the account, in the order of the class ids. FRest holds the
-    -- pieces that are still to be looked at, each with a separator behind it.
+    -- pieces that are still to be looked at, each with a separator behind it; FComma is where the first one ends.
+    -- The collation takes a full-width comma for a comma, so that unicode() has the last word: 44 is the comma.
     create table #Item (
         FEntryID int not null primary key,
         FNo int not null,
         FDetailID int not null,
         FRest nvarchar(256) collate database_default not null,
-        FPiece nvarchar(256) collate database_default not null
+        FPiece nvarchar(256) collate database_default not null,
+        FComma int not null
     )
 
-    insert into #Item (FEntryID, FNo, FDetailID, FRest, FPiece)
-    select e.FEntryID, e.FNo, isnull(a.FDetailID, 0), e.FItemsInfo + ',', ''
+    insert into #Item (FEntryID, FNo, FDetailID, FRest, FPiece, FComma)
+    select e.FEntryID, e.FNo, isnull(a.FDetailID, 0), e.FItemsInfo + ',', e.FItemsInfo, 0
     from t_VchTemplateEntry e
     left join t_Account a on a.FNumber = ltrim(rtrim(e.FAccountNumber))
-    where e.FID = @FID and len(replace(isnull(e.FItemsInfo, ''), ',', '') + '|') > 1
+    where e.FID = @FID and len(isnull(e.FItemsInfo, '') + '|') > 1
+
+    -- A text of nothing but separators stands for no items.
+    while exists (select 1 from #Item where unicode(FPiece) = 44)
+        update #Item set FPiece = substring(FPiece, 2, 256) where unicode(FPiece) = 44
+    delete from #Item where len(FPiece + '|') = 1
 
     -- An account without item classes takes no items.
     insert into #Bad (FNo)
@@ -81,16 +88,21 @@ begin
     fetch next from class_cursor into @ItemClassID, @TableName
     while @@fetch_status = 0
     begin
+        update #Item set FComma = charindex(',', FRest)
+        while exists (select 1 from #Item where FComma > 0 and unicode(substring(FRest, FComma, 1)) <> 44)
+            update #Item set FComma = charindex(',', FRest, FComma + 1)
+            where FComma > 0 and unicode(substring(FRest, FComma, 1)) <> 44
+
         -- Fewer pieces than classes.
         insert into #Bad (FNo)
         select i.FNo from #Item i
         inner join t_ItemDetailV v on v.FDetailID = i.FDetailID and v.FItemClassID = @ItemClassID
-        where charindex(',', i.FRest) = 0
+        where i.FComma = 0
 
         -- The next piece of every line whose account has this class.
         update #Item
-        set FPiece = left(FRest, charindex(',', FRest + ',') - 1),
-            FRest = substring(FRest, charindex(',', FRest + ',') + 1, 256)
+        set FPiece = case when FComma > 0 then left(FRest, FComma - 1) else '' end,
+            FRest = substring(FRest, FComma + 1, 256)
         where FDetailID in (select v.FDetailID from t_ItemDetailV v where v.FItemClassID = @ItemClassID)
 
         -- It is empty or the number of an item of the class, whose table only the class knows.

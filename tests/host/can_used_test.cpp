@@ -101,7 +101,12 @@ class CanUsed : public testing::Test {
                                              "C001,S001",
                                              ",S001",
                                              "'",
-                                             "，"};
+                                             "，",
+                                             "D01，E001，P01",
+                                             ",，",
+                                             "D01,E001，,P01",
+                                             "D01,E001,P01,X，Y",
+                                             "，,"};
 
     test::TestFolder folder_;
     automation::ClassRegistry::Restore restore_;
