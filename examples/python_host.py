@@ -3,8 +3,8 @@
 
     python_host.py ACCOUNT_SET [--show]
 
-lists the user's templates and their lines, makes a template and deletes it again, and with --show opens the
-template center and waits until it is closed. VICENTER_LIBRARY names the library when it is not installed;
+lists the user's templates and their lines; with --show it opens the template center, makes a template and deletes
+it again, and waits until the window is closed. VICENTER_LIBRARY names the library when it is not installed;
 an account set with demo data is made by: vicenter account-set new FILE --demo
 """
 
@@ -84,10 +84,16 @@ def list_templates(library):
 
 
 def make_and_delete(library):
-    """A new custom template, found by its name and deleted again; its number comes back by reference."""
+    """A new custom template, found by its name and deleted again; its number comes back by reference.
+
+    The component learns its user when a window opens: before the first one no template can be made.
+    """
     data = library.create("VelaVICenter.clsVIData")
     number = Reference(0)
     new_id = data.InsertVchTemplateInfo(number)
+    if new_id <= 0:
+        print("no template was made")
+        return False
     name = "自定义模板(%d)" % (number.value + 1)
     print("made %s (%d): %s" % (name, new_id, data.CheckVchTemplateIsExist(name)))
     deleted = data.DeleteVchTemplateInfo(new_id)
@@ -111,9 +117,9 @@ def main(arguments):
     print("library %s" % library.version)
     register_components(library, os.path.abspath(arguments[0]))
     list_templates(library)
-    make_and_delete(library)
     if "--show" in arguments:
         library.create("VelaVICenter.aplication").ShowVICenter()
+        make_and_delete(library)
         library.run()
     library.shutdown()
     return 0
