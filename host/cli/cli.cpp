@@ -11,6 +11,7 @@
 #include "host/cli/console.h"
 #include "host/cli/context.h"
 #include "host/components/components.h"
+#include "platform/office/excel_server.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
 #include "store/component_classes.h"
@@ -52,6 +53,9 @@ class CommandLine {
         app_.add_option("--connect", options_.connectString, "连接字符串 / connect string")->excludes(file);
         app_.add_option("--user", options_.userId, "用户编号 / user id")->capture_default_str();
         app_.add_flag("--json", options_.json, "输出 JSON / print one JSON document");
+        app_.add_option("--excel", options_.excelVersion,
+                        "工作簿服务的版本，none 表示未安装 / version of the workbook server, none for none")
+            ->capture_default_str();
         auto* yes = app_.add_flag_callback(
             "--yes", [this] { options_.answer = true; },
             "对所有提问回答“是” / answer every question with yes");
@@ -102,6 +106,43 @@ class CommandLine {
                         "从标准输入读入 JSON 并保存 / replace a template's lines from standard input");
         AddCommand(app_, "sql", CliCommand::Sql, "执行 T-SQL / run T-SQL, GO ends a batch")
             ->add_option("FILE", options_.file, "脚本文件 / script; standard input without");
+        AddExchangeCommands();
+        AddGenerate();
+    }
+
+    void AddExchangeCommands() {
+        CLI::App* exporting =
+            AddCommand(app_, "export", CliCommand::Export, "引出模板 / export to a workbook");
+        auto* name = exporting->add_option("NAME", options_.name, "模板名称 / template");
+        auto* file = exporting->add_option("FILE", options_.file, ".xls / .xlsx");
+        name->needs(file);
+        auto* all = exporting->add_option("--all", options_.exportFolder,
+                                          "引出全部模板到文件夹 / every template into FOLDER");
+        all->excludes(name);
+        exporting->callback([this, name, all] {
+            if (name->count() == 0 && all->count() == 0) throw CLI::RequiredError("NAME FILE, --all FOLDER");
+            options_.command = CliCommand::Export;
+        });
+        AddCommand(app_, "import", CliCommand::Import, "引入模板 / import a workbook, or those of a folder")
+            ->add_option("FILE", options_.file, "工作簿或文件夹 / workbook or folder")
+            ->required();
+    }
+
+    void AddGenerate() {
+        GenerateOptions& generate = options_.generate;
+        CLI::App* added = AddCommand(app_, "generate", CliCommand::Generate,
+                                     "根据凭证生成模板 / make a template from posted vouchers");
+        added->add_option("--name", options_.name, "模板名称 / template")->required();
+        added->add_option("--year", generate.year, "年度 / year")->required();
+        added->add_option("--period", generate.period, "期间 / period")->required();
+        auto* from = added->add_option("--from", generate.from, "起始凭证号 / first voucher number");
+        added->add_option("--to", generate.to, "终止凭证号 / last voucher number")->needs(from);
+        added->add_option("--group", generate.group, "凭证类别 / voucher group");
+        added->add_flag("--include-system", generate.includeSystem,
+                        "包括机制凭证 / with system-made vouchers");
+        added->add_option("--fields", generate.fields, "模板字段列号 / columns of optional fields")
+            ->delimiter(',')
+            ->check(CLI::IsMember({7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20}));
     }
 
     CliOptions& options_;
@@ -152,6 +193,12 @@ int Dispatch(const CliContext& context) {
             return RunSave(context);
         case CliCommand::Sql:
             return RunSql(context);
+        case CliCommand::Export:
+            return RunExport(context);
+        case CliCommand::Import:
+            return RunImport(context);
+        case CliCommand::Generate:
+            return RunGenerate(context);
     }
     return kExitWrongUse;
 }
@@ -165,6 +212,9 @@ bool Speaks(CliCommand command) {
         case CliCommand::Delete:
         case CliCommand::Check:
         case CliCommand::Save:
+        case CliCommand::Export:
+        case CliCommand::Import:
+        case CliCommand::Generate:
             return true;
         default:
             return false;
@@ -189,6 +239,11 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
     try {
         RegisterProviders();
         store::RegisterComponentClasses();
+        if (options.excelVersion == "none") {
+            office::UnregisterExcelServer();
+        } else {
+            office::RegisterExcelServer(options.excelVersion);
+        }
         if (options.command != CliCommand::AccountSetNew) {
             context.session = RegisterHostComponents({ChosenConnectString(context), options.userId});
             entry::SetCurrentUserId(std::to_string(options.userId));

@@ -3,29 +3,16 @@
 #include <iterator>
 #include <optional>
 
-#include "automation/class_registry.h"
-#include "automation/error.h"
 #include "center/template_save.h"
-#include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
 #include "host/cli/line_input.h"
+#include "host/cli/rights.h"
 #include "host/cli/templates.h"
 
 namespace vicenter::host {
 
 namespace {
-
-// As the window asks when it is loaded.
-bool HasRight() {
-    try {
-        return automation::CreateObject("VelaEBSBase.SecurityInfo")
-            ->Call("AccessCheck", {entry::GetPropsString(), std::int16_t{4}, std::int16_t{4}, 3145728})
-            .ToBoolean();
-    } catch (const automation::Error&) {
-        return false;
-    }
-}
 
 // False when the lines do not pass or an empty template is not to be saved; the user has been told.
 bool Validate(const center::EntryGrid& grid, int count) {
@@ -52,10 +39,7 @@ int RunSave(const CliContext& context) {
     const Variant document = DecodeJson(input);
 
     entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-保存模板 ");
-    if (!HasRight()) {
-        center::Tell("对不起，你没有相应的权限！");
-        return FinishSpeaking(context, false, Variant::Null());
-    }
+    if (!CheckRight()) return FinishSpeaking(context, false, Variant::Null());
     center::EntryGrid grid;
     const int count = ReadLines(document, grid);
     const bool ok = Validate(grid, count) && Save(context, head, grid, count);

@@ -43,5 +43,8 @@ int RunLog(const CliContext& context);
 int RunSave(const CliContext& context);
 int RunSql(const CliContext& context);
 int RunWindow(const CliContext& context);
+int RunExport(const CliContext& context);
+int RunImport(const CliContext& context);
+int RunGenerate(const CliContext& context);
 
 }  // namespace vicenter::host

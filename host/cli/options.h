@@ -5,10 +5,36 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vicenter::host {
 
-enum class CliCommand { Window, AccountSetNew, List, Show, New, Rename, Delete, Check, Log, Save, Sql };
+enum class CliCommand {
+    Window,
+    AccountSetNew,
+    List,
+    Show,
+    New,
+    Rename,
+    Delete,
+    Check,
+    Log,
+    Save,
+    Sql,
+    Export,
+    Import,
+    Generate
+};
+
+struct GenerateOptions {
+    std::string year;
+    std::string period;
+    std::string from;   // empty: the period's lowest number
+    std::string to;     // empty: its highest
+    std::string group;  // empty: all groups
+    bool includeSystem = false;
+    std::vector<int> fields;  // grid columns of the optional fields
+};
 
 struct CliOptions {
     CliCommand command = CliCommand::Window;
@@ -20,10 +46,13 @@ struct CliOptions {
 
     std::string name;     // of the template
     std::string newName;  // rename
-    std::string file;     // account-set new, sql
+    std::string file;     // account-set new, sql, export, import
     bool demo = false;
     int vouchers = 0;
-    std::string sessionFolder;  // window --offscreen-session
+    std::string sessionFolder;          // window --offscreen-session
+    std::string exportFolder;           // export --all
+    std::string excelVersion = "16.0";  // of the workbook server; "none": not installed
+    GenerateOptions generate;
 };
 
 }  // namespace vicenter::host
