@@ -98,11 +98,31 @@ void Executor::Reset() {
     database_.SetLockTimeout(options_.lockTimeoutMilliseconds);
 }
 
+namespace {
+
+// A plan is made for the types of its literals, lengths and digits included: '1001' and '1002.01' are two
+// types, and a plan for the one would cut the other.
+void AppendLiteralTypes(const std::vector<LiteralValue>& literals, std::string& key) {
+    for (const LiteralValue& literal : literals) {
+        const SqlType type = LiteralType(literal.kind, literal.Text());
+        key += '\x1f';
+        if (type.kind == TypeKind::kInt) continue;
+        key += std::to_string(type.length);
+        key += '.';
+        key += std::to_string(type.precision);
+        key += '.';
+        key += std::to_string(type.scale);
+    }
+}
+
+}  // namespace
+
 std::shared_ptr<Unit> Executor::UnitFor(std::string_view batch, std::vector<LiteralValue>& literals,
                                         bool& usesShape) {
     auto shape = ShapeOf(batch);
     usesShape = shape.has_value();
     if (!shape) return ParseUnit(batch, true);
+    AppendLiteralTypes(shape->literals, shape->key);
     const auto known = shapes_.find(shape->key);
     if (known != shapes_.end()) {
         for (const std::shared_ptr<Unit>& unit : known->second) {

@@ -257,7 +257,7 @@ void AccountSetConnection::Close() {
     if (poolKey_.empty()) {
         session_.reset();
     } else {
-        SessionPool::Process().Keep(poolKey_, std::move(session_));
+        SessionPool::KeepForProcess(poolKey_, std::move(session_));
     }
 }
 

@@ -15,6 +15,17 @@ SessionPool& SessionPool::Process() {
     return pool;
 }
 
+// Whoever holds a connection may let go of it after the pool has ended with the process.
+bool SessionPool::ended_ = false;
+
+SessionPool::~SessionPool() {
+    ended_ = true;
+}
+
+void SessionPool::KeepForProcess(const std::string& key, std::unique_ptr<tsql::engine::Session> session) {
+    if (!ended_) Process().Keep(key, std::move(session));
+}
+
 std::unique_ptr<tsql::engine::Session> SessionPool::Take(const std::string& key) {
     for (auto entry = idle_.rbegin(); entry != idle_.rend(); ++entry) {
         if (entry->key != key) continue;

@@ -14,6 +14,14 @@ namespace vicenter::ado {
 class SessionPool {
   public:
     static SessionPool& Process();
+    // Keep() on the process's pool; at the process's end, when there is no pool any more, the session just
+    // closes.
+    static void KeepForProcess(const std::string& key, std::unique_ptr<tsql::engine::Session> session);
+
+    SessionPool() = default;
+    SessionPool(const SessionPool&) = delete;
+    SessionPool& operator=(const SessionPool&) = delete;
+    ~SessionPool();
 
     // A kept session, or none.
     std::unique_ptr<tsql::engine::Session> Take(const std::string& key);
@@ -26,6 +34,7 @@ class SessionPool {
         std::string key;
         std::unique_ptr<tsql::engine::Session> session;
     };
+    static bool ended_;
     std::vector<Idle> idle_;
 };
 
