@@ -8,6 +8,7 @@
 
 #include "automation/class_registry.h"
 #include "host/cli/cli.h"
+#include "platform/system/surroundings.h"
 #include "tests/host/demo_set.h"
 
 namespace vicenter::host::test {
