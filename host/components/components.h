@@ -10,8 +10,12 @@
 //   Vela_APFC.FrameData           usage record (t_FrameLog)
 //   VelaBillDataAccess.SysInfo    a user's cloud account (t_UserCloud)
 //
-// The look-up dialogs and name lists (VelaVchExp.ExpView, VelaEBCGLView.GLView, VelaGLNameListLib.GLNameList
-// and VelaGLNameListLib2.GLNameList) need a window system: whoever brings one registers them behind these.
+//   VelaVchExp.ExpView            explanations to choose from (t_VoucherExp)
+//   VelaEBCGLView.GLView          accounts, settlement types, currencies, units and items to choose from
+//   VelaGLNameListLib.GLNameList  what the typing name lists offer;
+//   VelaGLNameListLib2.GLNameList the same
+//
+// The look-ups ask the process's LookUpDialog, which whoever has a window system provides.
 
 #include "automation/object.h"
 #include "host/components/host_session.h"
@@ -25,6 +29,9 @@ automation::ObjectRef MakeGlData(const HostSessionRef& session);
 automation::ObjectRef MakeAppConnection(const HostSessionRef& session);
 automation::ObjectRef MakeFrameData(const HostSessionRef& session);
 automation::ObjectRef MakeSysInfo(const HostSessionRef& session);
+automation::ObjectRef MakeExpView(const HostSessionRef& session);
+automation::ObjectRef MakeGlView(const HostSessionRef& session);
+automation::ObjectRef MakeGlNameList(const HostSessionRef& session);
 
 // Registers all of them in the process's class registry, in place of whatever stood there. They share one
 // session, which is returned.

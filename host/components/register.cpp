@@ -10,10 +10,17 @@ HostSessionRef RegisterHostComponents(const HostSettings& settings) {
         automation::ObjectRef (*make)(const HostSessionRef&);
     };
     static constexpr Component kComponents[] = {
-        {"VelaPropsMgr.ShareProps", MakeShareProps},         {"VelaEBSBase.SecurityInfo", MakeSecurityInfo},
-        {"VelaEBSBase.SystemProfile", MakeSystemProfile},    {"VelaEBCGLView.GLData", MakeGlData},
-        {"VelaConnection.AppConnection", MakeAppConnection}, {"Vela_APFC.FrameData", MakeFrameData},
+        {"VelaPropsMgr.ShareProps", MakeShareProps},
+        {"VelaEBSBase.SecurityInfo", MakeSecurityInfo},
+        {"VelaEBSBase.SystemProfile", MakeSystemProfile},
+        {"VelaEBCGLView.GLData", MakeGlData},
+        {"VelaConnection.AppConnection", MakeAppConnection},
+        {"Vela_APFC.FrameData", MakeFrameData},
         {"VelaBillDataAccess.SysInfo", MakeSysInfo},
+        {"VelaVchExp.ExpView", MakeExpView},
+        {"VelaEBCGLView.GLView", MakeGlView},
+        {"VelaGLNameListLib.GLNameList", MakeGlNameList},
+        {"VelaGLNameListLib2.GLNameList", MakeGlNameList},
     };
     for (const Component& component : kComponents) {
         automation::ClassRegistry::Process().Register(
