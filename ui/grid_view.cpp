@@ -273,6 +273,13 @@ void GridView::inputMethodEvent(QInputMethodEvent* event) {
         event->accept();
         return;
     }
+    // A text that comes without having been composed: Qt would open the editor and lose it.
+    if (!event->commitString().isEmpty() && event->preeditString().isEmpty() && current.isValid() &&
+        IsInteractive() && !IsEditing() && edit(current, AnyKeyPressed, nullptr)) {
+        if (QWidget* editor = indexWidget(current)) QApplication::sendEvent(editor, event);
+        event->accept();
+        return;
+    }
     QTableView::inputMethodEvent(event);
 }
 

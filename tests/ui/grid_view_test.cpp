@@ -216,6 +216,17 @@ TEST_F(GridViewTest, AnInputMethodStartsEditingAndItsTextComesIn) {
     EXPECT_EQ(grid->Text(1, 2), "收到货款");
 }
 
+TEST_F(GridViewTest, TextCommittedWithoutComposingLosesNoCharacter) {
+    Go(1, 2);
+    for (const char* character : {"收", "货", "款"}) {
+        QInputMethodEvent commit;
+        commit.setCommitString(character);
+        QApplication::sendEvent(QApplication::focusWidget(), &commit);
+    }
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid->Text(1, 2), "收货款");
+}
+
 TEST_F(GridViewTest, TheDirectionColumnOffersBlankDebitAndCredit) {
     Go(1, 3);
     Key(Qt::Key_F2);
