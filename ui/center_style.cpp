@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QStyleOption>
+#include <algorithm>
 
 namespace vicenter::ui {
 
@@ -9,6 +10,11 @@ namespace {
 
 constexpr int kToolIconSize = 24;
 constexpr double kCornerRadius = 4;
+constexpr int kShortestThumb = 28;
+constexpr QColor kScrollGroove{0xf1, 0xf4, 0xf6};
+constexpr QColor kScrollThumb{0xc2, 0xcc, 0xd3};
+constexpr QColor kScrollHovered{0xa6, 0xb3, 0xbc};
+constexpr QColor kScrollHeld{0x8b, 0x9a, 0xa5};
 
 // The flat tool button: nothing at rest, a tinted plate under the mouse.
 void DrawToolPlate(const QStyleOption& option, QPainter& painter) {
@@ -57,6 +63,62 @@ void CenterStyle::drawControl(ControlElement element, const QStyleOption* option
         return;
     }
     QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+void CenterStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                     QPainter* painter, const QWidget* widget) const {
+    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control != CC_ScrollBar || !bar) {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        return;
+    }
+    painter->fillRect(bar->rect, kScrollGroove);
+    if (bar->minimum == bar->maximum) return;
+    const bool held = (bar->state & State_Sunken) && (bar->activeSubControls & SC_ScrollBarSlider);
+    const bool hovered = (bar->state & State_MouseOver) && (bar->activeSubControls & SC_ScrollBarSlider);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(held ? kScrollHeld : hovered ? kScrollHovered : kScrollThumb);
+    const QRectF thumb =
+        QRectF(subControlRect(control, option, SC_ScrollBarSlider, widget)).adjusted(3, 3, -3, -3);
+    const double radius = std::min(thumb.width(), thumb.height()) / 2;
+    painter->drawRoundedRect(thumb, radius, radius);
+    painter->restore();
+}
+
+QRect CenterStyle::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                                  const QWidget* widget) const {
+    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control != CC_ScrollBar || !bar) return QProxyStyle::subControlRect(control, option, part, widget);
+    // A thumb in a groove; no arrow buttons.
+    const bool upright = bar->orientation == Qt::Vertical;
+    const int length = upright ? bar->rect.height() : bar->rect.width();
+    const double range = static_cast<double>(bar->maximum) - bar->minimum;
+    const int thumb = range <= 0
+                          ? length
+                          : std::clamp(static_cast<int>(length * bar->pageStep / (range + bar->pageStep)),
+                                       std::min(kShortestThumb, length), length);
+    const int at = sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb,
+                                           bar->upsideDown);
+    const auto span = [&](int from, int size) {
+        const QRect rect = upright
+                               ? QRect(bar->rect.left(), bar->rect.top() + from, bar->rect.width(), size)
+                               : QRect(bar->rect.left() + from, bar->rect.top(), size, bar->rect.height());
+        return visualRect(bar->direction, bar->rect, rect);
+    };
+    switch (part) {
+        case SC_ScrollBarGroove:
+            return bar->rect;
+        case SC_ScrollBarSlider:
+            return span(at, thumb);
+        case SC_ScrollBarSubPage:
+            return span(0, at);
+        case SC_ScrollBarAddPage:
+            return span(at + thumb, length - at - thumb);
+        default:
+            return {};
+    }
 }
 
 int CenterStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {

@@ -6,9 +6,11 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMouseEvent>
 #include <QPixmap>
-#include <QScrollBar>
+#include <QPushButton>
+#include <QTimer>
 #include <QToolButton>
 #include <algorithm>
 #include <ostream>
@@ -34,10 +36,10 @@ struct Line {
 };
 
 constexpr Line kLines[kLineCount] = {
-    {"1", "支付本月房租", "借", "560205", "8000"},
-    {"1", "支付本月房租", "贷", "100201", "8000"},
-    {"2", "提取备用金", "借", "1001", "2500.5"},
-    {"2", "提取备用金", "贷", "999999", "2500.5"},
+    {"1", "支付本月水电费", "借", "5602.04", "8000"},
+    {"1", "支付本月水电费", "贷", "1002.01", "8000"},
+    {"2", "报销市内交通费", "借", "1001", "2500.5"},
+    {"2", "报销市内交通费", "贷", "9999", "2500.5"},
 };
 
 void Settle() {
@@ -91,10 +93,10 @@ void OffscreenSession::Expect(bool condition, const std::string& what) {
     out_ << "    !! " << what << "\n";
 }
 
-void OffscreenSession::Picture(const std::string& stem) {
+void OffscreenSession::Picture(const std::string& stem, QWidget* of) {
     Settle();
     const QString path = QDir(ToQt(folder_)).filePath(ToQt(stem) + QStringLiteral(".png"));
-    const bool saved = window_->grab().save(path);
+    const bool saved = (of ? of : window_)->grab().save(path);
     Expect(saved, "cannot write " + FromQt(path));
     if (saved) out_ << "     -> " << FromQt(path) << "\n";
 }
@@ -106,14 +108,19 @@ VICenterWindow* OffscreenSession::OpenWindow() {
             window_ = window;
     }
     if (!window_) return nullptr;
+    Activate();
+    Settle();
+    return window_;
+}
+
+// Without a window manager nobody gives the focus back when a dialog has closed.
+void OffscreenSession::Activate() {
     window_->activateWindow();
     QElapsedTimer waited;
     waited.start();
     while (!window_->isActiveWindow() && waited.elapsed() < kActivationMilliseconds) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     }
-    Settle();
-    return window_;
 }
 
 void OffscreenSession::CloseWindow() {
@@ -229,6 +236,33 @@ void OffscreenSession::MakeTemplate() {
     Expect(window_->Presenter().RowCount() == 0, "a new template has lines");
 }
 
+void OffscreenSession::ShowAmounts() {
+    if (!window_->Presenter().Grid().Layout(center::column::kAmount).hidden) return;
+    Step("单击“显示隐藏列”，勾选“金额”，确定");
+    QTimer::singleShot(0, window_, [this] {
+        auto* dialog = window_->findChild<QDialog*>(QStringLiteral("frmSetColume"));
+        auto* list = dialog ? dialog->findChild<QListWidget*>(QStringLiteral("ColList")) : nullptr;
+        auto* ok = dialog ? dialog->findChild<QPushButton*>(QStringLiteral("Command0")) : nullptr;
+        if (!list || !ok) {
+            Expect(false, "the column dialog did not open");
+            if (dialog) dialog->reject();
+            return;
+        }
+        for (int row = 0; row < list->count(); ++row) {
+            if (list->item(row)->data(Qt::UserRole).toInt() != center::column::kAmount) continue;
+            list->setCurrentRow(row);
+            QKeyEvent space(QEvent::KeyPress, Qt::Key_Space, {}, QStringLiteral(" "));
+            QApplication::sendEvent(list, &space);
+        }
+        Picture("3-columns", dialog);
+        Click(*ok, ok->width() / 2, ok->height() / 2);
+    });
+    ClickTool(QStringLiteral("mnuShowCol"));
+    Activate();
+    Expect(!window_->Presenter().Grid().Layout(center::column::kAmount).hidden,
+           "the amount column is still hidden");
+}
+
 void OffscreenSession::TypeLines() {
     Step("录入 4 行分录（键盘、输入法），其中一行的科目代码不存在");
     using namespace center::column;
@@ -257,7 +291,7 @@ void OffscreenSession::TypeLines() {
     Expect(window_->Presenter().RowCount() == kLineCount, "not every typed line is in use");
     Expect(window_->Presenter().IsDirty(), "typing did not mark the template as changed");
     SelectCell(kLineCount, kAccountNumber);
-    Picture("3-typed");
+    Picture("4-typed");
 }
 
 void OffscreenSession::SaveTemplate() {
@@ -268,7 +302,7 @@ void OffscreenSession::SaveTemplate() {
     Expect(!window_->Presenter().IsDirty(), "the template still counts as changed");
     Expect(window_->Presenter().Grid().FaultyCheck(kLineCount, center::column::kAccountNumber) == 1,
            "the unknown account is not red");
-    Picture("4-saved");
+    Picture("5-saved");
 }
 
 void OffscreenSession::ReopenAndCompare() {
@@ -302,7 +336,7 @@ void OffscreenSession::ReopenAndCompare() {
     out_ << "     " << window_->Presenter().RowCount() << " 行分录，与保存前逐格一致\n";
     window_->Grid().setFocus();
     SelectCell(1, center::column::kAccountNumber);
-    Picture("5-reopened");
+    Picture("6-reopened");
 }
 
 bool OffscreenSession::Run() {
@@ -312,6 +346,7 @@ bool OffscreenSession::Run() {
         return false;
     }
     MakeTemplate();
+    ShowAmounts();
     TypeLines();
     SaveTemplate();
     ReopenAndCompare();

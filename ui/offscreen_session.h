@@ -33,11 +33,14 @@ class OffscreenSession {
 
     void Step(const std::string& text);
     void Expect(bool condition, const std::string& what);
-    void Picture(const std::string& stem);
+    // Of the window, or of a dialog over it.
+    void Picture(const std::string& stem, QWidget* of = nullptr);
 
     VICenterWindow* OpenWindow();
+    void Activate();
     void CloseWindow();
     void MakeTemplate();
+    void ShowAmounts();
     void TypeLines();
     void SaveTemplate();
     void ReopenAndCompare();

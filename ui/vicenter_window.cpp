@@ -112,6 +112,7 @@ void VICenterWindow::BuildWidgets() {
     name_ = new QLineEdit(panel_);
     name_->setObjectName(QStringLiteral("itName"));
     name_->setReadOnly(true);
+    name_->setTextMargins(4, 0, 4, 0);
     name_->setFocusPolicy(Qt::ClickFocus);
     name_->setPlaceholderText(QStringLiteral("没有打开的模板"));
     measure_ = new QLabel(QStringLiteral("凭证模板"), panel_);
