@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "automation/class_registry.h"
 #include "automation/error.h"
 #include "entry/host_context.h"
 #include "host/account_set.h"
@@ -227,10 +228,13 @@ int FailWithDocument(const CliContext& context, const std::string& text) {
 }
 
 int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHooks& hooks) {
+    // The session ends with the command, not with the process: its connection must not outlive what it is
+    // kept in.
+    const automation::ClassRegistry::Restore registry;
     // A window has boxes of its own; elsewhere the terminal takes their place.
     const bool windowed = options.command == CliCommand::Window;
-    const auto messages =
-        std::make_shared<ConsoleMessages>(streams.in, streams.out, options.answer, options.json);
+    const auto messages = std::make_shared<ConsoleMessages>(
+        streams.in, options.json ? streams.err : streams.out, options.answer, options.json);
     system::Surroundings surroundings = system::Surroundings::Current();
     if (!windowed) surroundings.messageBoxes = messages;
     const system::SurroundingsScope scope(surroundings);

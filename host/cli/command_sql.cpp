@@ -1,5 +1,6 @@
 // vicenter sql [FILE]
 
+#include <charconv>
 #include <fstream>
 #include <ostream>
 
@@ -13,6 +14,18 @@ namespace vicenter::host {
 using automation::Error;
 
 namespace {
+
+// A decimal with all digits of its column's scale, as the server shows it; any other value as it is.
+Variant ColumnValue(const ado::Column& column, const Variant& value) {
+    if (value.Type() != automation::VariantType::Decimal) return JsonValue(value);
+    int scale = column.type == ado::DataType::kCurrency ? 4 : value.ToDecimal().Scale();
+    // "decimal(18,4)"
+    if (const std::size_t comma = column.serverType.find(','); comma != std::string::npos) {
+        const char* first = column.serverType.data() + comma + 1;
+        std::from_chars(first, column.serverType.data() + column.serverType.size(), scale);
+    }
+    return value.ToDecimal().Rescaled(scale).ToText();
+}
 
 // Answers in one of the two forms, batch by batch as they come.
 class SqlAnswer {
@@ -54,7 +67,7 @@ class SqlAnswer {
             for (std::size_t r = 0; r < static_cast<std::size_t>(result->RecordCount()); ++r) {
                 VariantArray row;
                 for (std::size_t c = 0; c < result->ColumnCount(); ++c)
-                    row.push_back(JsonValue(result->ValueAt(r, c)));
+                    row.push_back(ColumnValue(result->Columns()[c], result->ValueAt(r, c)));
                 rows.emplace_back(row);
             }
             list.push_back(JsonObject({{"columns", columns}, {"rows", rows}}));
@@ -69,7 +82,7 @@ class SqlAnswer {
         out_ << "\n";
         for (std::size_t r = 0; r < static_cast<std::size_t>(result.RecordCount()); ++r) {
             for (std::size_t c = 0; c < result.ColumnCount(); ++c) {
-                const Variant value = JsonValue(result.ValueAt(r, c));
+                const Variant value = ColumnValue(result.Columns()[c], result.ValueAt(r, c));
                 out_ << (c > 0 ? "\t" : "") << (value.IsNull() ? "NULL" : value.ToText());
             }
             out_ << "\n";

@@ -26,24 +26,24 @@ MessageResult ConsoleMessages::Show(const std::string& text, MessageButtons butt
     shown_.push_back({title, text});
     if (buttons == MessageButtons::Ok) return MessageResult::Ok;
     const bool agreed = answer_ ? *answer_ : Ask(text);
-    refused_ = !agreed;
     if (buttons == MessageButtons::YesNo) return agreed ? MessageResult::Yes : MessageResult::No;
     return agreed ? MessageResult::Ok : MessageResult::Cancel;
 }
 
 bool ConsoleMessages::Ask(const std::string& text) {
-    if (quiet_) return false;
-    // What was said before belongs above the question.
-    const ShownMessage question = shown_.back();
-    shown_.pop_back();
-    Print(out_);
-    shown_.push_back(question);
-    printed_ = shown_.size();
-    out_ << WithLineFeeds(text) << " [y/n] " << std::flush;
+    if (!intoDocument_) {
+        // What was said before belongs above the question.
+        const ShownMessage question = shown_.back();
+        shown_.pop_back();
+        Print(prompt_);
+        shown_.push_back(question);
+        printed_ = shown_.size();
+    }
+    prompt_ << WithLineFeeds(text) << " [y/n] " << std::flush;
     std::string line;
     // The end of the input is a refusal: nobody is there to agree.
     if (!std::getline(in_, line)) {
-        out_ << "\n";
+        prompt_ << "\n";
         return false;
     }
     const std::size_t first = line.find_first_not_of(" \t");

@@ -21,10 +21,9 @@ struct ShownMessage {
 // Keeps the messages for the end of the command and asks questions at once.
 class ConsoleMessages final : public system::MessageBoxes {
   public:
-    // quiet: questions are not printed, for output that a program reads; without an answer they count as
-    // refused.
-    ConsoleMessages(std::istream& in, std::ostream& out, std::optional<bool> answer, bool quiet)
-        : in_(in), out_(out), answer_(answer), quiet_(quiet) {}
+    // Questions are asked on `prompt`, below the messages so far unless those go into a document.
+    ConsoleMessages(std::istream& in, std::ostream& prompt, std::optional<bool> answer, bool intoDocument)
+        : in_(in), prompt_(prompt), answer_(answer), intoDocument_(intoDocument) {}
 
     system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
                                system::MessageIcon icon, const std::string& title) override;
@@ -33,19 +32,16 @@ class ConsoleMessages final : public system::MessageBoxes {
     const std::vector<ShownMessage>& Shown() const { return shown_; }
     // Prints those that have not been printed yet, line breaks as the terminal has them.
     void Print(std::ostream& out);
-    // True when the last question was refused.
-    bool WasRefused() const { return refused_; }
 
   private:
     bool Ask(const std::string& text);
 
     std::istream& in_;
-    std::ostream& out_;
+    std::ostream& prompt_;
     std::optional<bool> answer_;
-    bool quiet_;
+    bool intoDocument_;
     std::vector<ShownMessage> shown_;
     std::size_t printed_ = 0;
-    bool refused_ = false;
 };
 
 // A window that shows nothing: what matters arrives as messages and in the account set.

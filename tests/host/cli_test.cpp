@@ -73,8 +73,9 @@ TEST(CommandLineTests, CoverEveryCommandAndOption) {
         for (const test::CliStep& step : test::ReadCliScript(ReadFile(Folder() / (name + ".test"))).steps)
             scripts += " " + step.command + " ";
     }
-    const std::string help =
-        Help({"--help"}) + Help({"account-set", "new", "--help"}) + Help({"window", "--help"});
+    std::string help = Help({"--help"}) + Help({"account-set", "new", "--help"});
+    for (const char* command : {"window", "export", "import", "generate"})
+        help += Help({command, "--help"});
     std::set<std::string> words;
     const std::regex option(R"(--[a-z][a-z-]*)");
     for (std::sregex_iterator at(help.begin(), help.end(), option), end; at != end; ++at)
