@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <memory>
 #include <numeric>
 #include <utility>
@@ -10,8 +11,8 @@
 #include <unicode/stringpiece.h>
 #include <unicode/translit.h>
 #include <unicode/uchar.h>
-#include <unicode/uscript.h>
 #include <unicode/unistr.h>
+#include <unicode/uscript.h>
 
 #include "automation/error.h"
 #include "platform/system/collation.h"
@@ -43,7 +44,8 @@ class IcuCollator : public Collator {
         collator_.reset(icu::Collator::createInstance(icu::Locale("zh", "CN"), status));
         if (U_FAILURE(status)) throw automation::Error(0, "The Chinese collation is not available.");
         collator_->setStrength(icu::Collator::SECONDARY);
-        // Letters stand before Chinese characters, as SQL Server has them; ICU's own order is the other way round.
+        // Letters stand before Chinese characters, as SQL Server has them; ICU's own order is the other way
+        // round.
         const std::int32_t scripts[] = {USCRIPT_LATIN, USCRIPT_HAN};
         collator_->setReorderCodes(scripts, 2, status);
         if (U_FAILURE(status)) throw automation::Error(0, "The Chinese collation is not available.");
@@ -89,10 +91,11 @@ class IcuCollator : public Collator {
             }
             const UChar32 c = wide.char32At(i);
             i += U16_LENGTH(c);
-            if (u_hasBinaryProperty(c, UCHAR_IDEOGRAPHIC)) {
-                icu::UnicodeString one(c);
-                Pinyin().transliterate(one);
-                if (one.length() > 0 && one.charAt(0) < 0x80) result += static_cast<char>(one.charAt(0));
+            if (c < 0x80) {
+                const char letter = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
+                if ((letter >= '0' && letter <= '9') || (letter >= 'a' && letter <= 'z')) result += letter;
+            } else if (u_hasBinaryProperty(c, UCHAR_IDEOGRAPHIC)) {
+                if (const char initial = InitialOf(c); initial != kNoInitial) result += initial;
             } else if (u_isalnum(c)) {
                 icu::UnicodeString one(c);
                 std::string utf8;
@@ -151,6 +154,7 @@ class IcuCollator : public Collator {
 
     static std::int32_t TakeReading(const icu::UnicodeString& text, std::int32_t at, std::string& result) {
         for (const auto& [word, initials] : kReadings) {
+            if (text.charAt(at) != word.front()) continue;
             const auto length = static_cast<std::int32_t>(word.size());
             if (text.compare(at, length, icu::UnicodeString(word.data(), length)) == 0) {
                 result += initials;
@@ -158,6 +162,30 @@ class IcuCollator : public Collator {
             }
         }
         return 0;
+    }
+
+    static constexpr char kNoInitial = 1;
+    static constexpr UChar32 kFirstKept = 0x4E00;
+    static constexpr UChar32 kLastKept = 0x9FFF;
+
+    // A transliteration costs some 10 us; lists of thousands of names repeat the same few characters, so that
+    // those of the common block are kept, 0 standing for not yet known.
+    static char InitialOf(UChar32 c) {
+        if (c < kFirstKept || c > kLastKept) return Transliterated(c);
+        static std::array<std::atomic<char>, kLastKept - kFirstKept + 1> kept{};
+        std::atomic<char>& initial = kept[static_cast<std::size_t>(c - kFirstKept)];
+        char known = initial.load(std::memory_order_relaxed);
+        if (known == 0) {
+            known = Transliterated(c);
+            initial.store(known, std::memory_order_relaxed);
+        }
+        return known;
+    }
+
+    static char Transliterated(UChar32 c) {
+        icu::UnicodeString one(c);
+        Pinyin().transliterate(one);
+        return one.length() > 0 && one.charAt(0) < 0x80 ? static_cast<char>(one.charAt(0)) : kNoInitial;
     }
 
     static const icu::Transliterator& Pinyin() {
