@@ -5,8 +5,10 @@
 
 #include "automation/class_registry.h"
 #include "automation/error.h"
+#include "host/components/look_up_dialog.h"
 #include "platform/system/files.h"
 #include "ui/center_commands.h"
+#include "ui/look_up_dialog.h"
 #include "ui/run_window.h"
 
 namespace vicenter::host {
@@ -16,6 +18,7 @@ using automation::Error;
 namespace {
 
 ui::WindowRun Run() {
+    LookUpDialog::SetProcess(std::make_shared<ui::QtLookUpDialog>());
     ui::WindowRun run;
     run.commands = std::make_shared<ui::CenterCommands>();
     run.open = [] { automation::CreateObject("VelaVICenter.aplication")->Call("ShowVICenter"); };
