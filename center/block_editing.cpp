@@ -11,7 +11,7 @@ namespace vicenter::center {
 
 namespace {
 
-constexpr int kRowsPerReport = 500;  // rows between two steps of the progress panel
+constexpr std::size_t kRowsPerReport = 500;  // rows between two steps of the progress panel
 constexpr const char* kProgressText = "正在粘贴，请稍后...";
 constexpr const char* kGapText = "请连续录入凭证模板分录！";
 
@@ -26,6 +26,28 @@ std::vector<int> ShownColumns(const EntryGrid& grid, int first, int last) {
 bool IsBlank(const std::vector<std::string>& row) {
     return std::all_of(row.begin(), row.end(), [](const std::string& cell) { return cell.empty(); });
 }
+
+// The progress panel of a long paste; gone at the end of the scope, however that comes.
+class PasteProgress {
+  public:
+    PasteProgress(VICenterView& view, std::size_t rows) : view_(view), rows_(rows) {}
+    PasteProgress(const PasteProgress&) = delete;
+    PasteProgress& operator=(const PasteProgress&) = delete;
+    ~PasteProgress() {
+        if (IsLong()) view_.SetProgress({});
+    }
+    void Report(std::size_t done) {
+        if (!IsLong() || done % kRowsPerReport != 0) return;
+        view_.SetProgress(
+            {true, kProgressText, static_cast<std::int64_t>(done), static_cast<std::int64_t>(rows_)});
+    }
+
+  private:
+    bool IsLong() const { return rows_ > kRowsPerReport; }
+
+    VICenterView& view_;
+    std::size_t rows_;
+};
 
 // The hidden id column that belongs to a name column, 0 for none.
 int IdColumnOf(int gridColumn) {
@@ -146,16 +168,13 @@ PasteResult BlockEditing::Enter(const CellAddress& at, const std::vector<int>& c
         return {};
     }
     EntryGrid& grid = *state_.grid;
-    const bool long_ = block.size() > static_cast<std::size_t>(kRowsPerReport);
     PasteResult result;
     {
+        PasteProgress progress(state_.view, block.size());
         Entering entering(state_);
         int row = at.row;
         for (std::size_t i = 0; i < block.size(); ++i) {
-            if (long_ && i % static_cast<std::size_t>(kRowsPerReport) == 0) {
-                state_.view.SetProgress({true, kProgressText, static_cast<std::int64_t>(i),
-                                         static_cast<std::int64_t>(block.size())});
-            }
+            progress.Report(i);
             // A blank line below the rows in use would leave a gap.
             if (IsBlank(block[i]) && row > state_.rowCount) continue;
             if (row + 1 > grid.RowTotal()) {
@@ -167,7 +186,6 @@ PasteResult BlockEditing::Enter(const CellAddress& at, const std::vector<int>& c
         }
         result = std::move(entering.result);
     }
-    if (long_) state_.view.SetProgress({});
     edited_();
     return result;
 }

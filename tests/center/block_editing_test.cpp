@@ -229,6 +229,21 @@ TEST_F(BlockEditingTest, TenThousandRowsAreOneStepOfUndoAndShowProgress) {
     EXPECT_EQ(Text(kRows, 5), "1002");
 }
 
+TEST_F(BlockEditingTest, AnErrorHalfWayTakesTheProgressAwayAndLeavesOneStep) {
+    set_.Answer("select FAccountID,FNumber,FName from t_Account where FNumber = '7777'",
+                Rows({"Unknown"}, {{Variant(1)}}));
+    std::string text;
+    for (int i = 1; i <= 600; ++i)
+        text += i == 550 ? "1\ta\t借\t7777\r\n" : "1\ta\t借\t1001\r\n";
+    EXPECT_THROW(blocks_.Paste({1, 1}, text), automation::Error);
+    ASSERT_FALSE(view_.progress.empty());
+    EXPECT_FALSE(view_.progress.back().visible);
+    EXPECT_TRUE(Grid().ReDraw());
+    editing_.Undo();
+    EXPECT_EQ(state_.rowCount, 0);
+    EXPECT_FALSE(state_.journal.CanUndo());
+}
+
 TEST_F(BlockEditingTest, AFewRowsShowNoProgress) {
     blocks_.Paste({1, 1}, "1\r\n2\r\n");
     EXPECT_THAT(view_.progress, IsEmpty());
