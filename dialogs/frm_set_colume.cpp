@@ -101,7 +101,9 @@ void frmSetColume::FillSelection() {
         const Variant key(std::to_string(choice.column));
         const Variant item(std::int32_t{choice.ticked ? 1 : 0});
         if (selection_->Call("Exists", {key}).ToBoolean()) {
-            selection_->Put("Item", {key}, item);
+            // As one list: GCC 12 warns wrongly of the index that Put would add the value behind.
+            automation::Arguments indexAndValue{key, item};
+            selection_->Invoke("Item", automation::InvokeKind::Put, indexAndValue);
         } else {
             selection_->Call("Add", {key, item});
         }
