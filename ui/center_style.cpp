@@ -21,11 +21,16 @@ void DrawToolPlate(const QStyleOption& option, QPainter& painter) {
     const bool enabled = option.state & QStyle::State_Enabled;
     const bool pressed = option.state & (QStyle::State_Sunken | QStyle::State_On);
     const bool hovered = option.state & QStyle::State_MouseOver;
-    if (!enabled || (!pressed && !hovered)) return;
+    // On the command bar a tool is flat until the mouse is over it; a button elsewhere has its plate always.
+    const bool flat = option.state & QStyle::State_AutoRaise;
+    if (flat && (!enabled || (!pressed && !hovered))) return;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(pressed ? QColor(0x9c, 0xc9, 0xc0) : QColor(0xc8, 0xdf, 0xda));
-    painter.setBrush(pressed ? QColor(0xd2, 0xe7, 0xe2) : QColor(0xe9, 0xf4, 0xf1));
+    const bool rest = !pressed && !hovered;
+    painter.setPen(pressed ? QColor(0x9c, 0xc9, 0xc0) : rest ? colors::kLine : QColor(0xc8, 0xdf, 0xda));
+    painter.setBrush(pressed ? QColor(0xd2, 0xe7, 0xe2)
+                     : rest  ? QColor(0xf7, 0xf9, 0xfa)
+                             : QColor(0xe9, 0xf4, 0xf1));
     painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), kCornerRadius, kCornerRadius);
     painter.restore();
 }

@@ -47,7 +47,7 @@ ItemPanel::ItemPanel(QWidget* parent)
     button_->setAutoFillBackground(true);
     button_->setToolTip(QStringLiteral("核算项目 (F4)"));
     picture_->setObjectName(QStringLiteral("picItem"));
-    picture_->setFrameShape(QFrame::Box);
+    picture_->setFrameShape(QFrame::StyledPanel);
     picture_->setAutoFillBackground(true);
     auto* layout = new QVBoxLayout(picture_);
     layout->setContentsMargins(0, 0, 0, 0);

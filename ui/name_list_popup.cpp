@@ -84,7 +84,7 @@ class NameListModel : public QAbstractListModel {
 NameListPopup::NameListPopup(QWidget* parent)
     : QFrame(parent), model_(new NameListModel(state_, this)), list_(new QListView(this)) {
     setObjectName(QStringLiteral("nameList"));
-    setFrameShape(QFrame::Box);
+    setFrameShape(QFrame::StyledPanel);
     setFocusPolicy(Qt::NoFocus);
     setAutoFillBackground(true);
     list_->setFrameShape(QFrame::NoFrame);
