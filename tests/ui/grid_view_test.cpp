@@ -227,6 +227,29 @@ TEST_F(GridViewTest, TextCommittedWithoutComposingLosesNoCharacter) {
     EXPECT_EQ(grid->Text(1, 2), "收货款");
 }
 
+TEST_F(GridViewTest, ATextThatAnInputMethodCommitsWithoutComposingIsNotLost) {
+    grid->SetText(1, 2, "old");
+    Go(1, 2);
+    QInputMethodEvent commit;
+    commit.setCommitString("支");
+    QApplication::sendEvent(view.get(), &commit);
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_EQ(Field()->text(), "支");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(grid->Text(1, 2), "支");
+}
+
+TEST_F(GridViewTest, ACompositionThatEndsInTheGridGoesToTheEditor) {
+    Go(1, 2);
+    QInputMethodEvent preedit("zhi", {});
+    QApplication::sendEvent(view.get(), &preedit);
+    QInputMethodEvent commit;
+    commit.setCommitString("支付");
+    QApplication::sendEvent(view.get(), &commit);
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_EQ(Field()->text(), "支付");
+}
+
 TEST_F(GridViewTest, TheDirectionColumnOffersBlankDebitAndCredit) {
     Go(1, 3);
     Key(Qt::Key_F2);
