@@ -190,8 +190,9 @@ bool AcceptsProgramText(int gridColumn, std::string_view text) {
         case CellKind::TemplateNumber:
             return AllDigits(text) && !ExceedsLimit(text, kLargestTemplateNumber);
         case CellKind::Id: {
-            if (!text.empty() && text.front() == '-') text.remove_prefix(1);
-            return AllDigits(text) && text.size() <= 10;
+            if (text.empty()) return true;
+            if (text.front() == '-') text.remove_prefix(1);
+            return !text.empty() && AllDigits(text) && text.size() <= 10;
         }
         default:
             return true;

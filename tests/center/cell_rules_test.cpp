@@ -211,7 +211,7 @@ TEST(ProgramTexts, IdColumnsTakeWholeNumbersSinceTheyGoBareIntoStatements) {
     for (const int c : kIdColumns) {
         for (const char* text : {"", "0", "1001", "-1"})
             EXPECT_TRUE(AcceptsProgramText(c, text)) << c << " " << text;
-        for (const char* text : {"1;drop table t", "1 or 1=1", "a", "1.5", "--1", "12345678901"})
+        for (const char* text : {"-", "1;drop table t", "1 or 1=1", "a", "1.5", "--1", "12345678901"})
             EXPECT_FALSE(AcceptsProgramText(c, text)) << c << " " << text;
     }
 }
