@@ -42,10 +42,11 @@ class DemoSetTest : public ::testing::Test {
 
     // As a host opens it.
     void Open() {
+        const QWidgetList before = QApplication::topLevelWidgets();
         automation::CreateObject("VelaVICenter.aplication")->Call("ShowVICenter");
         for (QWidget* widget : QApplication::topLevelWidgets()) {
             auto* candidate = qobject_cast<VICenterWindow*>(widget);
-            if (candidate && candidate->isVisible()) window = candidate;
+            if (candidate && !before.contains(widget)) window = candidate;
         }
         ASSERT_FALSE(window.isNull());
         ASSERT_TRUE(QTest::qWaitForWindowActive(window));
