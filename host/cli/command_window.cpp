@@ -1,5 +1,7 @@
 // vicenter window
 
+#include <ostream>
+
 #include "host/cli/context.h"
 
 namespace vicenter::host {
@@ -8,7 +10,12 @@ int RunWindow(const CliContext& context) {
     const std::string& folder = context.options.sessionFolder;
     if (folder.empty() ? !context.hooks.openWindow : !context.hooks.driveWindow)
         return Fail(context, "此版本不含窗口，请使用 list、show、save 等命令（vicenter --help）。");
-    return folder.empty() ? context.hooks.openWindow() : context.hooks.driveWindow(folder);
+    if (folder.empty()) return context.hooks.openWindow();
+    const int code = context.hooks.driveWindow(folder);
+    context.streams.out << "账套在 "
+                        << ado::ConnectString(context.session->Settings().connectString).Value("Data Source")
+                        << "\n";
+    return code;
 }
 
 }  // namespace vicenter::host

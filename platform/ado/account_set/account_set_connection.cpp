@@ -226,7 +226,7 @@ void AccountSetConnection::Open(const std::string& connectString) {
         std::from_chars(text.data(), text.data() + text.size(), options.lockTimeoutMilliseconds);
     }
     const bool pooled = !IsNo(settings.Value("Pooling"));
-    if (pooled) session_ = SessionPool::Process().Take(connectString);
+    if (SessionPool* pool = pooled ? SessionPool::Process() : nullptr) session_ = pool->Take(connectString);
     try {
         if (!session_) session_ = std::make_unique<engine::Session>(std::move(options));
     } catch (const tsql::SqlError& error) {
@@ -254,11 +254,9 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
 
 void AccountSetConnection::Close() {
     if (!session_) return;
-    if (poolKey_.empty()) {
-        session_.reset();
-    } else {
-        SessionPool::KeepForProcess(poolKey_, std::move(session_));
-    }
+    SessionPool* pool = poolKey_.empty() ? nullptr : SessionPool::Process();
+    if (pool != nullptr) pool->Keep(poolKey_, std::move(session_));
+    session_.reset();
 }
 
 void RegisterAccountSetProvider() {
@@ -266,7 +264,7 @@ void RegisterAccountSetProvider() {
 }
 
 void CloseIdleAccountSets() {
-    SessionPool::Process().Clear();
+    if (SessionPool* pool = SessionPool::Process()) pool->Clear();
 }
 
 }  // namespace vicenter::ado

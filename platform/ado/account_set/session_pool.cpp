@@ -10,20 +10,16 @@ constexpr std::size_t kKeptSessions = 8;
 
 }  // namespace
 
-SessionPool& SessionPool::Process() {
-    static SessionPool pool;
-    return pool;
-}
-
-// Whoever holds a connection may let go of it after the pool has ended with the process.
 bool SessionPool::ended_ = false;
+
+SessionPool* SessionPool::Process() {
+    if (ended_) return nullptr;
+    static SessionPool pool;
+    return &pool;
+}
 
 SessionPool::~SessionPool() {
     ended_ = true;
-}
-
-void SessionPool::KeepForProcess(const std::string& key, std::unique_ptr<tsql::engine::Session> session) {
-    if (!ended_) Process().Keep(key, std::move(session));
 }
 
 std::unique_ptr<tsql::engine::Session> SessionPool::Take(const std::string& key) {

@@ -13,10 +13,9 @@ namespace vicenter::ado {
 
 class SessionPool {
   public:
-    static SessionPool& Process();
-    // Keep() on the process's pool; at the process's end, when there is no pool any more, the session just
-    // closes.
-    static void KeepForProcess(const std::string& key, std::unique_ptr<tsql::engine::Session> session);
+    // The process's pool; none once the process is ending: whoever still holds a connection then works
+    // without.
+    static SessionPool* Process();
 
     SessionPool() = default;
     SessionPool(const SessionPool&) = delete;
