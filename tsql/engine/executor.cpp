@@ -1,5 +1,7 @@
 #include "tsql/engine/executor.h"
 
+#include <charconv>
+
 #include "automation/object.h"
 #include "tsql/engine/text_units.h"
 #include "tsql/syntax/parser.h"
@@ -103,15 +105,32 @@ namespace {
 // A plan is made for the types of its literals, lengths and digits included: '1001' and '1002.01' are two
 // types, and a plan for the one would cut the other.
 void AppendLiteralTypes(const std::vector<LiteralValue>& literals, std::string& key) {
+    constexpr std::size_t kSurelyInt = 9;  // digits
+    const auto append = [&key](char mark, std::size_t number) {
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        key += mark;
+        key.append(digits, end);
+    };
     for (const LiteralValue& literal : literals) {
-        const SqlType type = LiteralType(literal.kind, literal.Text());
         key += '\x1f';
-        if (type.kind == TypeKind::kInt) continue;
-        key += std::to_string(type.length);
-        key += '.';
-        key += std::to_string(type.precision);
-        key += '.';
-        key += std::to_string(type.scale);
+        switch (literal.kind) {
+            case LiteralKind::kInteger:
+                if (literal.text.size() <= kSurelyInt) continue;
+                break;
+            case LiteralKind::kString:
+            case LiteralKind::kNString:
+                if (literal.doubled) break;
+                append('u', UnitCount(literal.text));
+                continue;
+            default:
+                break;
+        }
+        const SqlType type = LiteralType(literal.kind, literal.Text());
+        append('t', static_cast<std::size_t>(type.kind));
+        append('u', static_cast<std::size_t>(type.length));
+        append('p', static_cast<std::size_t>(type.precision));
+        append('s', static_cast<std::size_t>(type.scale));
     }
 }
 

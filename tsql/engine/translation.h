@@ -28,7 +28,8 @@ struct Parameter {
 
     SqlType from;
     SqlType to;
-    bool asWritten = false;  // of no other type than the literal's own, whose length may change from run to run
+    bool asWritten =
+        false;  // of no other type than the literal's own, whose length may change from run to run
     bool forColumn = false;  // stored under a column's rules, else converted as any expression
     std::string table;
     std::string column;
@@ -40,6 +41,12 @@ struct Parameter {
 struct ResultColumn {
     std::string name;
     SqlType type;
+    // The type's full name, made on first use: a plan answers many times.
+    const std::string& TypeName() const {
+        if (typeName.empty()) typeName = type.FullName();
+        return typeName;
+    }
+    mutable std::string typeName = {};
 };
 
 struct VariableAssignment {

@@ -119,9 +119,11 @@ class RecordsetSink final : public engine::ResultSink {
   public:
     void BeginResult(const std::vector<engine::ResultColumn>& columns) override {
         std::vector<Column> fields;
+        fields.reserve(columns.size());
         types_.clear();
+        types_.reserve(columns.size());
         for (const engine::ResultColumn& column : columns) {
-            fields.push_back({column.name, DataTypeOf(column.type), column.type.FullName()});
+            fields.push_back({column.name, DataTypeOf(column.type), column.TypeName()});
             types_.push_back(column.type);
         }
         auto next = std::make_shared<Recordset>(std::move(fields));
