@@ -42,6 +42,12 @@ if(VICENTER_SANITIZE)
   target_link_options(vicenter_settings INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(VICENTER_FUZZ)
+  # Coverage of the libraries is what steers a fuzzer; a program adds the driver itself.
+  target_compile_options(vicenter_settings INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(vicenter_settings INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 if(VICENTER_TIDY)
   find_program(CLANG_TIDY_PROGRAM NAMES clang-tidy-14 clang-tidy REQUIRED)
   set(CMAKE_CXX_CLANG_TIDY "${CLANG_TIDY_PROGRAM}")

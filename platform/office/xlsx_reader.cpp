@@ -5,6 +5,7 @@
 #include <map>
 
 #include "platform/office/limits.h"
+#include "platform/office/xlsx_package.h"
 
 namespace vicenter::office {
 
@@ -62,59 +63,13 @@ bool ReadFlag(std::string_view text) {
     return text == "1" || text == "true" || text == "on";
 }
 
-void ReadSharedTexts(XlsxPart& part, Workbook& workbook, XlsxTables& tables) {
-    XmlScanner scanner(part);
-    std::string text;
-    for (Token token = scanner.Next(); token != Token::Finished; token = scanner.Next()) {
-        if (token != Token::Start || scanner.Name() != "si") continue;
-        text.clear();
-        ReadStringItem(scanner, text);
-        workbook.Charge(sizeof(std::uint32_t));
-        tables.sharedTexts.push_back(workbook.Texts().Intern(text));
-    }
-}
-
-void ReadStyles(XlsxPart& part, Workbook& workbook, XlsxTables& tables) {
-    std::map<std::uint32_t, std::string> numberFormats;
-    std::map<std::uint32_t, std::uint16_t> indexes;
-    bool inCellFormats = false;
-    XmlScanner scanner(part);
-    for (Token token = scanner.Next(); token != Token::Finished; token = scanner.Next()) {
-        if (token == Token::Text) continue;
-        const std::string_view name = scanner.Name();
-        if (name == "cellXfs") {
-            inCellFormats = token == Token::Start;
-        } else if (token == Token::Start && name == "numFmt" && scanner.Depth() == 3) {
-            std::string format = scanner.Attribute("formatCode");
-            if (format.size() <= 1024 && numberFormats.size() < kMaxFormats) {
-                numberFormats[ReadNumber(scanner.RawAttribute("numFmtId"), 0)] = std::move(format);
-            }
-        } else if (token == Token::Start && name == "xf" && inCellFormats) {
-            if (tables.formats.size() >= kMaxFormats) FailTooLarge();
-            const std::uint32_t number = ReadNumber(scanner.RawAttribute("numFmtId"), 0);
-            const auto known = indexes.find(number);
-            if (known != indexes.end()) {
-                tables.formats.push_back(known->second);
-                continue;
-            }
-            CellFormat format;
-            const auto own = numberFormats.find(number);
-            format.numberFormat = own != numberFormats.end() ? own->second : BuiltInNumberFormat(number);
-            if (format.numberFormat == "General") format.numberFormat.clear();
-            const std::uint16_t index = workbook.Formats().Intern(format);
-            indexes[number] = index;
-            tables.formats.push_back(index);
-        }
-    }
-}
-
 struct SheetEntry {
     std::string name;
     std::string relationship;
     bool hidden = false;
 };
 
-std::vector<SheetEntry> ReadWorkbookPart(XlsxPart& part, Workbook& workbook) {
+std::vector<SheetEntry> ReadWorkbookPart(ByteSource& part, Workbook& workbook) {
     std::vector<SheetEntry> result;
     XmlScanner scanner(part);
     bool rootChecked = false;
@@ -167,6 +122,52 @@ void ReadStringItem(XmlScanner& scanner, std::string& text) {
     }
 }
 
+void ReadXlsxSharedTexts(ByteSource& part, Workbook& workbook, XlsxTables& tables) {
+    XmlScanner scanner(part);
+    std::string text;
+    for (Token token = scanner.Next(); token != Token::Finished; token = scanner.Next()) {
+        if (token != Token::Start || scanner.Name() != "si") continue;
+        text.clear();
+        ReadStringItem(scanner, text);
+        workbook.Charge(sizeof(std::uint32_t));
+        tables.sharedTexts.push_back(workbook.Texts().Intern(text));
+    }
+}
+
+void ReadXlsxStyles(ByteSource& part, Workbook& workbook, XlsxTables& tables) {
+    std::map<std::uint32_t, std::string> numberFormats;
+    std::map<std::uint32_t, std::uint16_t> indexes;
+    bool inCellFormats = false;
+    XmlScanner scanner(part);
+    for (Token token = scanner.Next(); token != Token::Finished; token = scanner.Next()) {
+        if (token == Token::Text) continue;
+        const std::string_view name = scanner.Name();
+        if (name == "cellXfs") {
+            inCellFormats = token == Token::Start;
+        } else if (token == Token::Start && name == "numFmt" && scanner.Depth() == 3) {
+            std::string format = scanner.Attribute("formatCode");
+            if (format.size() <= 1024 && numberFormats.size() < kMaxFormats) {
+                numberFormats[ReadNumber(scanner.RawAttribute("numFmtId"), 0)] = std::move(format);
+            }
+        } else if (token == Token::Start && name == "xf" && inCellFormats) {
+            if (tables.formats.size() >= kMaxFormats) FailTooLarge();
+            const std::uint32_t number = ReadNumber(scanner.RawAttribute("numFmtId"), 0);
+            const auto known = indexes.find(number);
+            if (known != indexes.end()) {
+                tables.formats.push_back(known->second);
+                continue;
+            }
+            CellFormat format;
+            const auto own = numberFormats.find(number);
+            format.numberFormat = own != numberFormats.end() ? own->second : BuiltInNumberFormat(number);
+            if (format.numberFormat == "General") format.numberFormat.clear();
+            const std::uint16_t index = workbook.Formats().Intern(format);
+            indexes[number] = index;
+            tables.formats.push_back(index);
+        }
+    }
+}
+
 std::unique_ptr<Workbook> ReadXlsx(const std::string& fileName) {
     const XlsxPackage package(fileName);
     auto workbook = std::make_unique<Workbook>();
@@ -180,10 +181,10 @@ std::unique_ptr<Workbook> ReadXlsx(const std::string& fileName) {
 
     XlsxTables tables;
     if (const auto part = package.Open(TargetOfType(relationships, main, "/styles"))) {
-        ReadStyles(*part, *workbook, tables);
+        ReadXlsxStyles(*part, *workbook, tables);
     }
     if (const auto part = package.Open(TargetOfType(relationships, main, "/sharedStrings"))) {
-        ReadSharedTexts(*part, *workbook, tables);
+        ReadXlsxSharedTexts(*part, *workbook, tables);
     }
     CellFormat date;
     date.numberFormat = "yyyy/m/d";

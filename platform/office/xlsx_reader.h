@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/office/workbook.h"
-#include "platform/office/xlsx_package.h"
+#include "platform/office/xml_scanner.h"
 
 namespace vicenter::office {
 
@@ -22,8 +22,10 @@ struct XlsxTables {
     std::uint16_t dateFormat = 0;            // for dates written as text
 };
 
-// Reads the part of one worksheet.
-void ReadXlsxSheet(XlsxPart& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet);
+// Each reads one part: the shared texts, the styles, and the cells of one worksheet.
+void ReadXlsxSharedTexts(ByteSource& part, Workbook& workbook, XlsxTables& tables);
+void ReadXlsxStyles(ByteSource& part, Workbook& workbook, XlsxTables& tables);
+void ReadXlsxSheet(ByteSource& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet);
 
 // Reads the texts of a string item up to its end: its own text and its rich text runs, without phonetic
 // hints. The scanner stands behind the item's Start.

@@ -56,7 +56,7 @@ std::string_view Trim(std::string_view text) {
 
 class SheetReader {
   public:
-    SheetReader(XlsxPart& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet)
+    SheetReader(ByteSource& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet)
         : scanner_(part), tables_(tables), workbook_(workbook), sheet_(sheet) {}
 
     void Read() {
@@ -265,7 +265,7 @@ class SheetReader {
 
 }  // namespace
 
-void ReadXlsxSheet(XlsxPart& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet) {
+void ReadXlsxSheet(ByteSource& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet) {
     SheetReader(part, tables, workbook, sheet).Read();
 }
 

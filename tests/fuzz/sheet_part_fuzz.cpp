@@ -1,5 +1,6 @@
-// Fuzz target of the sheet reader alone: the input is the XML of one worksheet, without the zip around it,
-// where mutations of a whole package would mostly break the compression.
+// Fuzz target of the readers of a package's parts: the input is the XML of one part, read as styles, as
+// shared texts and as a worksheet, without the zip around it, where mutations would mostly break the
+// compression.
 
 #include <algorithm>
 #include <cstddef>
@@ -8,13 +9,14 @@
 #include <string>
 
 #include "automation/error.h"
-#include "platform/office/xml_scanner.h"
+#include "platform/office/workbook.h"
+#include "platform/office/xlsx_reader.h"
 
 namespace {
 
-using vicenter::office::XmlScanner;
+using vicenter::office::ByteSource;
 
-class Bytes : public vicenter::office::ByteSource {
+class Bytes : public ByteSource {
   public:
     Bytes(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
     std::size_t Read(char* buffer, std::size_t size) override {
@@ -32,20 +34,25 @@ class Bytes : public vicenter::office::ByteSource {
     std::size_t left_;
 };
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+// Refusing a part must leave the others readable: each reader goes on with what the one before it made.
+template <class Reader>
+void Try(const std::uint8_t* data, std::size_t size, const Reader& read) {
     try {
         Bytes source(data, size);
-        XmlScanner scanner(source);
-        std::string text;
-        for (auto token = scanner.Next(); token != XmlScanner::Token::Finished; token = scanner.Next()) {
-            if (token == XmlScanner::Token::Start) text = scanner.Attribute("r");
-            if (token == XmlScanner::Token::Text) scanner.AppendText(text);
-            vicenter::office::ResolvePackageEscapes(text);
-        }
+        read(source);
     } catch (const vicenter::automation::Error&) {
         // Refused.
     }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    vicenter::office::Workbook workbook;
+    vicenter::office::XlsxTables tables;
+    Try(data, size, [&](ByteSource& part) { ReadXlsxStyles(part, workbook, tables); });
+    Try(data, size, [&](ByteSource& part) { ReadXlsxSharedTexts(part, workbook, tables); });
+    Try(data, size,
+        [&](ByteSource& part) { ReadXlsxSheet(part, tables, workbook, workbook.AddSheet("Sheet1")); });
     return 0;
 }
