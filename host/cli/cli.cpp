@@ -50,6 +50,7 @@ class CommandLine {
 
   private:
     void AddGlobalOptions() {
+        app_.set_version_flag("--version", "vicenter " VICENTER_VERSION, "版本 / print the version");
         auto* file = app_.add_option("--account-set", options_.accountSet, "账套文件 / account set file");
         app_.add_option("--connect", options_.connectString, "连接字符串 / connect string")->excludes(file);
         app_.add_option("--user", options_.userId, "用户编号 / user id")->capture_default_str();

@@ -67,12 +67,8 @@ TEST_P(CommandLine, AnswersAsExpected) {
 INSTANTIATE_TEST_SUITE_P(Scripts, CommandLine, testing::ValuesIn(ScriptNames()),
                          [](const auto& script) { return script.param; });
 
-TEST(CommandLineTests, CoverEveryCommandAndOption) {
-    std::string scripts;
-    for (const std::string& name : ScriptNames()) {
-        for (const test::CliStep& step : test::ReadCliScript(ReadFile(Folder() / (name + ".test"))).steps)
-            scripts += " " + step.command + " ";
-    }
+// Every command and option, as the program's own help names them.
+std::set<std::string> CommandsAndOptions() {
     std::string help = Help({"--help"}) + Help({"account-set", "new", "--help"});
     for (const char* command : {"window", "export", "import", "generate"})
         help += Help({command, "--help"});
@@ -84,10 +80,39 @@ TEST(CommandLineTests, CoverEveryCommandAndOption) {
     const std::regex command(R"(\n  ([a-z][a-z-]*) )");
     for (std::sregex_iterator at(help.begin(), help.end(), command), end; at != end; ++at)
         words.insert((*at)[1].str());
+    return words;
+}
+
+TEST(CommandLineTests, CoverEveryCommandAndOption) {
+    std::string scripts;
+    for (const std::string& name : ScriptNames()) {
+        for (const test::CliStep& step : test::ReadCliScript(ReadFile(Folder() / (name + ".test"))).steps)
+            scripts += " " + step.command + " ";
+    }
+    std::set<std::string> words = CommandsAndOptions();
     words.erase("--account-set");  // given to every command of the scripts
+    words.erase("--version");      // below: its answer changes with every release
     EXPECT_GT(words.size(), 15U);
     for (const std::string& word : words)
         EXPECT_NE(std::string::npos, scripts.find(" " + word + " ")) << word << " has no test";
+}
+
+TEST(CommandLineTests, TellTheVersion) {
+    EXPECT_EQ(Help({"--version"}), "vicenter " VICENTER_VERSION "\n");
+}
+
+TEST(CommandLineDocs, NameEveryCommandAndOption) {
+    const std::filesystem::path root(VICENTER_SOURCE_DIR);
+    const std::string page = ReadFile(root / "docs" / "command-line.md");
+    // troff writes a hyphen that is typed as such with a backslash.
+    const std::string manual =
+        std::regex_replace(ReadFile(root / "packaging" / "vicenter.1"), std::regex(R"(\\-)"), "-");
+    for (const std::string& word : CommandsAndOptions()) {
+        const std::regex whole("(^|[^a-z-])" + word + "($|[^a-z-])");
+        EXPECT_TRUE(std::regex_search(page, whole)) << word << " is not in docs/command-line.md";
+        EXPECT_TRUE(std::regex_search(manual, whole)) << word << " is not in packaging/vicenter.1";
+    }
+    EXPECT_NE(std::string::npos, manual.find("\"vicenter " VICENTER_VERSION "\"")) << "another version";
 }
 
 }  // namespace
