@@ -1,0 +1,72 @@
+# Shared by the tests of what is installed.
+
+# run(OUT COMMAND...): the command's standard output; anything but success ends the test.
+function(run out)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\nended with ${status}\n${output}${errors}")
+  endif()
+  set(${out} "${output}" PARENT_SCOPE)
+endfunction()
+
+function(expect_same what actual expected)
+  if(NOT actual STREQUAL expected)
+    message(FATAL_ERROR "${what}: expected\n${expected}\nbut it is\n${actual}")
+  endif()
+endfunction()
+
+function(expect_contains what text part)
+  string(FIND "${text}" "${part}" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "${what} lacks\n${part}\nin\n${text}")
+  endif()
+endfunction()
+
+function(expect_file path)
+  if(NOT EXISTS "${path}")
+    message(FATAL_ERROR "${path} is missing")
+  endif()
+endfunction()
+
+# What a user meets under a prefix: program, manual, desktop entry, icon, help topic, licence.
+function(check_program prefix)
+  run(version "${prefix}/bin/vicenter" --version)
+  expect_same("the version" "${version}" "vicenter ${VERSION}\n")
+  # The demo account set goes where this user keeps data: below the test's own folder.
+  run(templates "${CMAKE_COMMAND}" -E env "XDG_DATA_HOME=${FOLDER}/data" "${prefix}/bin/vicenter" list)
+  expect_contains("the list of templates" "${templates}" "标准模板")
+  foreach(file share/doc/vicenter/copyright share/doc/vicenter/changelog.gz share/man/man1/vicenter.1.gz
+               share/icons/hicolor/scalable/apps/vicenter.svg
+               share/vicenter/docs/help/凭证模板.htm share/doc/vicenter/examples/python_host.py
+               include/vicenter/vicenter.h)
+    expect_file("${prefix}/${file}")
+  endforeach()
+
+  file(READ "${prefix}/share/applications/vicenter.desktop" entry)
+  foreach(line "[Desktop Entry]" "Type=Application" "Exec=vicenter window" "Icon=vicenter" "Terminal=false"
+               "Name[zh_CN]=凭证模板" "Categories=Office;Finance;")
+    expect_contains("the desktop entry" "${entry}" "${line}\n")
+  endforeach()
+  find_program(validate desktop-file-validate)
+  if(validate)
+    run(findings "${validate}" "${prefix}/share/applications/vicenter.desktop")
+    expect_same("the desktop entry's findings" "${findings}" "")
+  endif()
+
+  find_program(man man)
+  if(man)
+    execute_process(COMMAND "${man}" --warnings -E UTF-8 -l "${prefix}/share/man/man1/vicenter.1.gz"
+                    OUTPUT_VARIABLE page ERROR_VARIABLE warnings RESULT_VARIABLE status)
+    expect_same("the manual's warnings" "${status}${warnings}" "0")
+    expect_contains("the manual" "${page}" "generate")
+  endif()
+
+  if(HAS_WINDOWS)
+    run(pictures "${CMAKE_COMMAND}" -E env "XDG_DATA_HOME=${FOLDER}/data" "QT_QPA_PLATFORM=offscreen"
+        "${prefix}/bin/vicenter" window --offscreen-session "${FOLDER}/pictures")
+    file(GLOB made "${FOLDER}/pictures/*.png")
+    if(NOT made)
+      message(FATAL_ERROR "The offscreen session made no picture:\n${pictures}")
+    endif()
+  endif()
+endfunction()

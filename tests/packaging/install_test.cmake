@@ -1,0 +1,30 @@
+# Installs the build to a prefix, and builds and runs the C++ example against it, as another project would.
+include("${CMAKE_CURRENT_LIST_DIR}/checks.cmake")
+file(REMOVE_RECURSE "${FOLDER}")
+set(prefix "${FOLDER}/prefix")
+
+run(ignored "${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${prefix}")
+check_program("${prefix}")
+
+# The example as it was installed, which names no path of its own.
+set(example "${prefix}/share/doc/vicenter/examples/cpp_client")
+run(ignored "${CMAKE_COMMAND}" -S "${example}" -B "${FOLDER}/example" -G "${GENERATOR}"
+    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}"
+    "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Werror")
+file(STRINGS "${FOLDER}/example/CMakeCache.txt" found REGEX "^vicenter_DIR:")
+expect_same("the package that was found" "${found}" "vicenter_DIR:PATH=${prefix}/${LIBRARY_FOLDER}/cmake/vicenter")
+run(ignored "${CMAKE_COMMAND}" --build "${FOLDER}/example")
+run(answer "${FOLDER}/example/cpp_client" "[1, {\"凭证\": \"\\ud83d\\ude00\"}, null]")
+expect_same("the example's answer" "${answer}" "an array of 3 values\n[1,{\"凭证\":\"😀\"},null]\n")
+
+# A version that is not installed is refused.
+file(WRITE "${FOLDER}/newer/CMakeLists.txt"
+  "cmake_minimum_required(VERSION 3.25)\nproject(newer NONE)\nfind_package(vicenter 2 REQUIRED)\n")
+execute_process(COMMAND "${CMAKE_COMMAND}" -S "${FOLDER}/newer" -B "${FOLDER}/newer/build" -G "${GENERATOR}"
+                        "-DCMAKE_PREFIX_PATH=${prefix}"
+                OUTPUT_QUIET ERROR_VARIABLE refusal RESULT_VARIABLE status)
+if(status EQUAL 0)
+  message(FATAL_ERROR "find_package(vicenter 2) was content with ${VERSION}")
+endif()
+expect_contains("the refusal" "${refusal}" "version: ${VERSION}")
+file(REMOVE_RECURSE "${FOLDER}")
