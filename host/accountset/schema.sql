@@ -66,6 +66,20 @@ create table t_UserCloud (
 )
 GO
 
+-- Files on the users' cloud drives.
+create table t_CloudFile (
+    FFileID int not null constraint PK_t_CloudFile primary key,
+    FDate datetime not null,
+    FUserID int not null,
+    FFolderID int not null,
+    FFolderName nvarchar(255) not null,
+    FName nvarchar(255) not null,
+    FExt nvarchar(20) not null,
+    FBillID int not null default (0),
+    FRemark nvarchar(255) not null default ('')
+)
+GO
+
 -- ---- master data ------------------------------------------------------------------------------------------
 
 -- FCurrencyID 1 is the currency in which the books are kept.

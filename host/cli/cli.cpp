@@ -25,6 +25,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kDemoFile = "demo.vas";
+constexpr const char* kCloudFolder = "cloud";
 
 // The commands and options of the program, bound to one CliOptions.
 class CommandLine {
@@ -250,7 +251,9 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
             office::RegisterExcelServer(options.excelVersion);
         }
         if (options.command != CliCommand::AccountSetNew) {
-            context.session = RegisterHostComponents({ChosenConnectString(context), options.userId});
+            const fs::path userData = system::PathFromUtf8(surroundings.folders->UserData());
+            context.session = RegisterHostComponents(
+                {ChosenConnectString(context), options.userId, system::PathToUtf8(userData / kCloudFolder)});
             entry::SetCurrentUserId(std::to_string(options.userId));
         }
         return Dispatch(context);

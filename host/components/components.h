@@ -9,6 +9,8 @@
 //   VelaConnection.AppConnection  statements on the account set
 //   Vela_APFC.FrameData           usage record (t_FrameLog)
 //   VelaBillDataAccess.SysInfo    a user's cloud account (t_UserCloud)
+//   VelaBillDataAccess.SaveData   the record of files on the cloud drive (t_CloudFile)
+//   VelaFRAPI.NXCloud             the cloud drive: a folder, whose place is a setting
 //
 //   VelaVchExp.ExpView            explanations to choose from (t_VoucherExp)
 //   VelaEBCGLView.GLView          accounts, settlement types, currencies, units and items to choose from
@@ -29,6 +31,8 @@ automation::ObjectRef MakeGlData(const HostSessionRef& session);
 automation::ObjectRef MakeAppConnection(const HostSessionRef& session);
 automation::ObjectRef MakeFrameData(const HostSessionRef& session);
 automation::ObjectRef MakeSysInfo(const HostSessionRef& session);
+automation::ObjectRef MakeSaveData(const HostSessionRef& session);
+automation::ObjectRef MakeNxCloud(const HostSessionRef& session);
 automation::ObjectRef MakeExpView(const HostSessionRef& session);
 automation::ObjectRef MakeGlView(const HostSessionRef& session);
 automation::ObjectRef MakeGlNameList(const HostSessionRef& session);

@@ -16,6 +16,7 @@ namespace vicenter::host {
 struct HostSettings {
     std::string connectString;
     std::int32_t userId = 1;
+    std::string cloudFolder = {};  // where the users' cloud drives are kept; empty: there are none
 };
 
 class HostSession {

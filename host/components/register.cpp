@@ -17,6 +17,8 @@ HostSessionRef RegisterHostComponents(const HostSettings& settings) {
         {"VelaConnection.AppConnection", MakeAppConnection},
         {"Vela_APFC.FrameData", MakeFrameData},
         {"VelaBillDataAccess.SysInfo", MakeSysInfo},
+        {"VelaBillDataAccess.SaveData", MakeSaveData},
+        {"VelaFRAPI.NXCloud", MakeNxCloud},
         {"VelaVchExp.ExpView", MakeExpView},
         {"VelaEBCGLView.GLView", MakeGlView},
         {"VelaGLNameListLib.GLNameList", MakeGlNameList},

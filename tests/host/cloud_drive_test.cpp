@@ -1,0 +1,150 @@
+// The upload of workbooks against the host's own cloud drive and its record of files.
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "automation/class_registry.h"
+#include "entry/host_context.h"
+#include "exchange/cloud_upload.h"
+#include "host/components/cloud_folder.h"
+#include "host/components/components.h"
+#include "platform/scripting/file_system_object.h"
+#include "tests/fakes/fake_surroundings.h"
+#include "tests/host/demo_set.h"
+
+namespace vicenter::host {
+namespace {
+
+namespace fs = std::filesystem;
+using automation::CreateObject;
+using automation::Variant;
+
+class CloudDrive : public testing::Test {
+  protected:
+    CloudDrive() {
+        Register(place_);
+        fs::create_directories(system::PathFromUtf8(folder_.Path("out")));
+        WriteFile("第一");
+    }
+    void Register(const std::string& place, std::int32_t user = 2) {
+        session_ = RegisterHostComponents({connectString_, user, place});
+        entry::SetCurrentUserId(std::to_string(user));
+    }
+    void WriteFile(const std::string& content) const { std::ofstream(PathOf(file_)) << content; }
+    static fs::path PathOf(const std::string& name) { return system::PathFromUtf8(name); }
+    static std::string ContentOf(const fs::path& path) {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    std::string Upload() const {
+        std::string text;
+        exchange::UploadTemplateFile(file_, "日常费用.xlsx", text);
+        return text;
+    }
+    std::string Records() const {
+        const auto rows = session_->Execute(
+            "select FUserID,FFolderID,FFolderName,FFileID,FName,FExt,FBillID,FRemark from t_CloudFile order "
+            "by FFileID");
+        std::string text;
+        for (; !rows->AtEnd(); rows->MoveNext()) {
+            for (std::size_t i = 0; i < 8; ++i)
+                text += rows->Value(i).ToText() + "|";
+            text += "\n";
+        }
+        return text;
+    }
+
+    test::TestFolder folder_;
+    std::string connectString_ = FileConnectString(test::CopySet(folder_));
+    std::string place_ = folder_.Path("云盘");
+    std::string file_ = folder_.Path("out/日常费用.xlsx");
+    automation::ClassRegistry::Restore restore_;
+    fakes::FakeSurroundings surroundings_;
+    HostSessionRef session_;
+};
+
+TEST_F(CloudDrive, TheWithdrawnCommandTouchesNeitherDriveNorRecords) {
+    exchange::UploadTemplateCommand();
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(), std::vector<std::string>{"此功能已停止使用！"});
+    EXPECT_FALSE(fs::exists(PathOf(place_)));
+    EXPECT_EQ("", Records());
+}
+
+TEST_F(CloudDrive, AnUploadMakesTheFolderStoresTheFileAndRecordsIt) {
+    EXPECT_EQ("success", Upload());
+    EXPECT_EQ("第一", ContentOf(PathOf(place_) / "2" / PathOf("凭证模板") / PathOf("日常费用.xlsx")));
+    EXPECT_EQ("2|10001|凭证模板|10002|日常费用|xlsx|0||\n", Records());
+}
+
+TEST_F(CloudDrive, ASecondUploadOfTheNameReplacesFileAndRecord) {
+    EXPECT_EQ("success", Upload());
+    WriteFile("第二");
+    EXPECT_EQ("success", Upload());
+    EXPECT_EQ("第二", ContentOf(PathOf(place_) / "2" / PathOf("凭证模板") / PathOf("日常费用.xlsx")));
+    EXPECT_EQ("2|10001|凭证模板|10002|日常费用|xlsx|0||\n", Records());
+}
+
+TEST_F(CloudDrive, EveryUserHasADriveOfHisOwn) {
+    EXPECT_EQ("success", Upload());
+    Register(place_, 1);
+    EXPECT_EQ("success", Upload());
+    EXPECT_EQ("2|10001|凭证模板|10002|日常费用|xlsx|0||\n1|10003|凭证模板|10004|日常费用|xlsx|0||\n",
+              Records());
+    const auto drive = CreateObject("VelaFRAPI.NXCloud");
+    // The folder of user 2 holds nothing of user 1.
+    EXPECT_EQ(Variant(2002), drive->Call("NXDrive_CheckDir", {1, 10001, "子"}));
+    EXPECT_EQ(Variant(-1), drive->Call("NXDrive_NewDir", {1, 10001, "子"}));
+    EXPECT_EQ(Variant(10005), drive->Call("NXDrive_NewDir", {2, 10001, "子"}));
+    EXPECT_EQ(Variant(10005), drive->Call("NXDrive_CheckDir", {2, 10001, "子"}));
+}
+
+TEST_F(CloudDrive, AHostWithoutADriveFailsAtTheFirstStep) {
+    Register("");
+    EXPECT_EQ("个人云盘获取'凭证模板'目录时出现异常，查找目录失败！", Upload());
+    EXPECT_EQ("", Records());
+}
+
+TEST_F(CloudDrive, ADriveThatTakesNoFolderFailsAtTheSecond) {
+    std::ofstream(PathOf(place_)) << "a file where the drive should be";
+    EXPECT_EQ("个人云盘创建'凭证模板'目录时出现异常，目录创建失败！", Upload());
+    EXPECT_EQ("", Records());
+}
+
+TEST_F(CloudDrive, AFileThatIsNotThereFailsAtTheThird) {
+    fs::remove(PathOf(file_));
+    EXPECT_EQ("模板文件上传过程中出现异常，上传失败！", Upload());
+    EXPECT_EQ("", Records());
+}
+
+TEST_F(CloudDrive, AnAccountSetThatCannotRecordTheFileFailsAtTheThird) {
+    session_->Execute("drop table t_CloudFile");
+    EXPECT_EQ("模板文件上传过程中出现异常，上传失败！", Upload());
+}
+
+TEST_F(CloudDrive, NamesThatLeadElsewhereAreNoNames) {
+    CloudFolder drive(place_);
+    for (const char* name : {"", ".", "..", "a/b", "../a", "a\\b", "a\nb"}) {
+        EXPECT_FALSE(drive.MakeFolder(1, 0, name)) << name;
+        EXPECT_FALSE(drive.FindFolder(1, 0, name)) << name;
+    }
+    const auto own = drive.MakeFolder(1, 0, "a");
+    ASSERT_TRUE(own);
+    EXPECT_FALSE(drive.PutFile(*own, file_, "../b"));
+    EXPECT_FALSE(drive.PutFile(9, file_, "b"));
+    EXPECT_TRUE(drive.PutFile(*own, file_, "b"));
+}
+
+TEST_F(CloudDrive, IdsOutliveFoldersAndFolderMadeByHandGetsOne) {
+    CloudFolder drive(place_);
+    const auto id = drive.MakeFolder(1, 0, "a");
+    fs::remove_all(PathOf(place_) / "1" / "a");
+    EXPECT_FALSE(drive.FindFolder(1, 0, "a"));
+    EXPECT_FALSE(drive.PutFile(*id, file_, "b"));
+    EXPECT_EQ(id, drive.MakeFolder(1, 0, "a"));
+    fs::create_directories(PathOf(place_) / "1" / "by hand");
+    EXPECT_EQ(*id + 1, drive.FindFolder(1, 0, "by hand"));
+}
+
+}  // namespace
+}  // namespace vicenter::host
