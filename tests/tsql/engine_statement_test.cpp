@@ -202,8 +202,12 @@ TEST_F(EngineStatementTest, Columns_refuse_what_does_not_fit) {
               "error 8115 line 1: Arithmetic overflow error converting int to data type numeric.");
     EXPECT_EQ(Run("insert into t(c, d) values(1, 'x')"),
               "error 8114 line 1: Error converting data type varchar to numeric.");
-    EXPECT_EQ(Run("insert into t(c, e) values(1, '2026-02-30')"),
+    EXPECT_EQ(Run("insert into t(c, e) values(1, 'no date')"),
               "error 241 line 1: Conversion failed when converting date and/or time from character string.");
+    EXPECT_EQ(
+        Run("insert into t(c, e) values(1, '2026-02-30')"),
+        "error 242 line 1: The conversion of a varchar data type to a datetime data type resulted in an "
+        "out-of-range value.");
     EXPECT_EQ(Run("insert into t(a) values(1)"),
               "error 515 line 1: Cannot insert the value NULL into column 'c', table 'dbo.t'; column does "
               "not allow nulls. "

@@ -251,10 +251,15 @@ Value ToDate(const Value& value, const SqlType& from, const SqlType& to, int sty
         case StorageClass::kDate:
             date = value.Date();
             break;
-        case StorageClass::kText:
-            date = ParseDate(value.Text(), style);
-            if (!date) throw MakeError(241, {});
-            break;
+        case StorageClass::kText: {
+            bool outOfRange = false;
+            date = ParseDate(value.Text(), style, &outOfRange);
+            if (date) break;
+            // The older types tell a day that does not exist from a text that is no date.
+            const bool older = to.kind == TypeKind::kDateTime || to.kind == TypeKind::kSmallDateTime;
+            if (outOfRange && older) throw MakeError(242, {}, {from.Name(), to.Name()});
+            throw MakeError(241, {});
+        }
         case StorageClass::kInteger:
         case StorageClass::kReal:
         case StorageClass::kDecimal: {

@@ -98,8 +98,12 @@ class DateReader {
         }
         if (any && at_ < tokens_.size() && IsWord("Z")) ++at_;
         if (at_ != tokens_.size()) return std::nullopt;
-        return DateTime::FromParts(parts_);
+        const std::optional<DateTime> date = DateTime::FromParts(parts_);
+        outOfRange_ = !date;
+        return date;
     }
+    // The text had the form of a date, but there is no such day or hour.
+    bool OutOfRange() const { return outOfRange_; }
 
   private:
     bool IsNumber(std::size_t ahead = 0) const {
@@ -131,7 +135,7 @@ class DateReader {
             parts_.hour = parts_.hour % 12 + (IsWord("PM") ? 12 : 0);
             ++at_;
         }
-        return parts_.hour < 24 && parts_.minute < 60 && parts_.second < 60;
+        return true;
     }
     bool ReadMinutes() {
         if (!IsNumber(1)) return false;
@@ -148,7 +152,7 @@ class DateReader {
         if (!decimals) {
             // ":5" are five milliseconds, ".5" five tenths.
             parts_.millisecond = tokens_[at_ - 1].number;
-            return parts_.millisecond < 1000;
+            return true;
         }
         if (digits.size() > 7) return false;
         int scaled = 0;
@@ -189,6 +193,7 @@ class DateReader {
         const Token a = tokens_[at_];
         const Token b = tokens_[at_ + 2];
         const Token c = tokens_[at_ + 4];
+        if (a.text.size() > 4 || b.text.size() > 2 || c.text.size() > 4) return false;
         at_ += 5;
         if (a.text.size() == 4) return Set(a.number, b.number, c.number);
         if (c.text.size() == 4 || style_ != 0) {
@@ -228,6 +233,7 @@ class DateReader {
     int style_;
     std::size_t at_ = 0;
     DateTimeParts parts_;
+    bool outOfRange_ = false;
 };
 
 template <class... Args>
@@ -309,10 +315,14 @@ std::string DayText(const DateTimeParts& p, int style) {
 
 }  // namespace
 
-std::optional<DateTime> ParseDate(std::string_view text, int style) {
+std::optional<DateTime> ParseDate(std::string_view text, int style, bool* outOfRange) {
+    if (outOfRange != nullptr) *outOfRange = false;
     auto tokens = Split(text);
     if (!tokens) return std::nullopt;
-    return DateReader(std::move(*tokens), style).Read();
+    DateReader reader(std::move(*tokens), style);
+    const std::optional<DateTime> date = reader.Read();
+    if (outOfRange != nullptr) *outOfRange = reader.OutOfRange();
+    return date;
 }
 
 std::optional<std::string> FormatDate(const DateTime& date, const SqlType& type, int style) {

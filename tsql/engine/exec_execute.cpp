@@ -115,7 +115,7 @@ void Executor::BindArguments(const CreateProcedureStatement& procedure, const Ex
             variable.value = Convert(evaluated, type, variable.type);
         } catch (const SqlError& error) {
             // A wrong argument is told as 8114, whatever the conversion would say.
-            if (error.Number() != 245 && error.Number() != 241) throw;
+            if (error.Number() != 245 && error.Number() != 241 && error.Number() != 242) throw;
             throw MakeError(8114, statement.position, {MessageName(type), MessageName(variable.type)});
         }
         callee.variables.emplace(LowerAscii(parameter.name), std::move(variable));
