@@ -18,6 +18,23 @@ std::string ItemName(const SelectItem& item) {
     return {};
 }
 
+bool IsTopOne(const SelectBody& select) {
+    const auto* count = select.top ? TryAs<LiteralExpr>(select.top->count.get()) : nullptr;
+    return count != nullptr && count->text == "1" && !select.top->percent;
+}
+
+// Variables take the rows one after the other, in an order that the query states.
+bool AssignsInOrder(const SelectBody& select, const Query& query) {
+    if (query.orderBy.empty() || select.from.empty() || select.distinct || IsTopOne(select)) return false;
+    for (const OrderItem& item : query.orderBy) {
+        if (item.expression->kind == ExprKind::kLiteral) return false;  // the number of an item
+    }
+    for (const SelectItem& item : select.items) {
+        if (item.kind == SelectItemKind::kAssignment) return true;
+    }
+    return false;
+}
+
 const SelectBody* FirstSelect(const QueryBody& body) {
     const QueryBody* at = &body;
     while (at->kind == QueryBodyKind::kSetOperation)
@@ -235,6 +252,26 @@ void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::strin
     scope.grouped = true;
 }
 
+// SELECT @v = @v + … ORDER BY: SQLite evaluates a select list before it sorts, so the sorted rows become a
+// table of their own. The offset keeps SQLite from merging it with the query around it.
+void Translator::OrderRowsFirst(const Query& query, const SelectBody& select, Scope& scope,
+                                SelectParts& parts) {
+    const std::string order = OrderBy(query, select, scope, parts);
+    std::string limit = LimitOf(&select, &query, scope);
+    if (limit.empty()) limit = " LIMIT -1";
+    if (!query.offset) limit += " OFFSET 0";
+    std::string columns;
+    int number = 0;
+    for (Source& source : scope.sources) {
+        for (SourceColumn& column : source.columns) {
+            const std::string name = "k" + std::to_string(++number);
+            columns += (columns.empty() ? "" : ", ") + column.sql + " AS " + name;
+            column.sql = "\"ordered$\"." + name;
+        }
+    }
+    parts.tail = " FROM (SELECT " + columns + parts.tail + order + limit + ") AS \"ordered$\"";
+}
+
 SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer) {
     Scope scope;
     scope.outer = outer;
@@ -258,6 +295,8 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     }
     if (!select.groupBy.empty() || aggregates) CheckGroupBy(select, scope, parts.tail);
     aggregateAllowed_ = true;
+    const bool ordersFirst = orderFrom != nullptr && !scope.grouped && AssignsInOrder(select, *orderFrom);
+    if (ordersFirst) OrderRowsFirst(*orderFrom, select, scope, parts);
     for (const SelectItem& item : select.items)
         AddItem(item, scope, parts);
     if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size()) {
@@ -265,14 +304,14 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     }
     if (select.having) parts.tail += " HAVING " + ConditionText(*select.having, scope);
     parts.head = select.distinct ? "SELECT DISTINCT" : "SELECT";
-    if (orderFrom != nullptr) parts.order = OrderBy(*orderFrom, select, scope, parts);
-    parts.limit = LimitOf(&select, orderFrom, scope);
+    if (!ordersFirst) {
+        if (orderFrom != nullptr) parts.order = OrderBy(*orderFrom, select, scope, parts);
+        parts.limit = LimitOf(&select, orderFrom, scope);
+    }
     parts.singleRow = select.from.empty() || (aggregates && select.groupBy.empty());
-    if (const auto* top = select.top ? TryAs<LiteralExpr>(select.top->count.get()) : nullptr) {
-        if (top->text == "1" && !select.top->percent) {
-            context_.PinLiteral(*top);
-            parts.singleRow = true;
-        }
+    if (IsTopOne(select)) {
+        context_.PinLiteral(As<LiteralExpr>(*select.top->count));
+        parts.singleRow = true;
     }
     assigning_ = assigningOutside;
     return parts;

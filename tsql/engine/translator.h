@@ -173,6 +173,7 @@ class Translator {
     void AddItem(const SelectItem& item, Scope& scope, SelectParts& parts);
     void AddStar(const SelectItem& item, Scope& scope, SelectParts& parts);
     std::string OrderBy(const Query& query, const SelectBody& select, Scope& scope, const SelectParts& parts);
+    void OrderRowsFirst(const Query& query, const SelectBody& select, Scope& scope, SelectParts& parts);
     std::string OrderItemText(const OrderItem& item, const std::string& sql, const Operand& operand);
     std::string LimitOf(const SelectBody* select, const Query* query, Scope& scope);
     std::string Assemble(SelectParts& parts, const std::vector<SqlType>* types);
