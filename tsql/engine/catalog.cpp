@@ -178,6 +178,32 @@ std::string PhysicalIndex(const TableInfo& table, const KeyInfo& key) {
            Quoted(table.physical) + "(" + columns + ")";
 }
 
+std::string PhysicalNullIndexName(const TableInfo& table, const KeyInfo& key) {
+    return PhysicalIndexName(table, key) + "$null";
+}
+
+std::string PhysicalNullIndex(const TableInfo& table, const KeyInfo& key) {
+    if (!key.IsUnique()) return {};
+    std::string columns;
+    std::string anyNull;
+    for (const std::string& name : key.columns) {
+        const ColumnInfo& column = *table.FindColumn(name);
+        if (!columns.empty()) columns += ", ";
+        if (!column.nullable) {
+            columns += Quoted(name);
+            continue;
+        }
+        columns += "(" + Quoted(name) + " IS NULL), ifnull(" + Quoted(name) + ", 0)";
+        if (column.type.IsText()) columns += std::string(" COLLATE ") + kTextCollationName;
+        if (column.type.IsExact()) columns += std::string(" COLLATE ") + kNumberCollationName;
+        anyNull += (anyNull.empty() ? "" : " OR ") + Quoted(name) + " IS NULL";
+    }
+    if (anyNull.empty()) return {};
+    return std::string("CREATE UNIQUE INDEX ") + (table.temporary ? "temp." : "main.") +
+           Quoted(PhysicalNullIndexName(table, key)) + " ON " + Quoted(table.physical) + "(" + columns +
+           ") WHERE " + anyNull;
+}
+
 void Catalog::Prepare(bool create) {
     Statement mark = database_.Prepare("PRAGMA application_id");
     std::int64_t found = database_.Step(mark) ? mark.Int(0) : 0;

@@ -120,6 +120,8 @@ class Catalog {
     void DropColumn(const TableInfo& table, const std::string& column);
     void ChangeTable(const TableInfo& changed, bool rewriteSchema);
     void CreateIndex(const TableInfo& table, const KeyInfo& key);
+    // Makes the indexes of a table's keys that depend on which columns may be NULL anew.
+    void RemakeNullIndexes(const TableInfo& table);
     void DropIndex(const TableInfo& table, const std::string& key);
     void WriteModule(char kind, const std::string& name, const std::string& text);
     void DropModule(char kind, const std::string& name);
@@ -137,6 +139,7 @@ class Catalog {
     void Load();
     std::int64_t SchemaVersion();
     std::int64_t WriteTable(const TableInfo& table);
+    void MakeIndex(const TableInfo& table, const KeyInfo& key);
     void Touch();
 
     Database& database_;
@@ -154,5 +157,9 @@ std::string PhysicalTable(const TableInfo& table);
 std::string PhysicalColumn(const TableInfo& table, const ColumnInfo& column);
 std::string PhysicalIndexName(const TableInfo& table, const KeyInfo& key);
 std::string PhysicalIndex(const TableInfo& table, const KeyInfo& key);
+// Beside a unique index, which to SQLite may hold any number of NULLs: the index that takes NULLs for equal,
+// as the server does. Empty when no column of the key may be NULL.
+std::string PhysicalNullIndexName(const TableInfo& table, const KeyInfo& key);
+std::string PhysicalNullIndex(const TableInfo& table, const KeyInfo& key);
 
 }  // namespace vicenter::tsql::engine

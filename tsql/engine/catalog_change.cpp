@@ -147,7 +147,7 @@ void Catalog::CreateTable(TableInfo table) {
     }
     for (const KeyInfo& key : table.keys) {
         if (key.kind == KeyKind::kPrimary && table.IsRowNumber(key.columns.front())) continue;
-        database_.Run(PhysicalIndex(table, key));
+        MakeIndex(table, key);
     }
     if (table.temporary) {
         AddTemporary(std::move(table));
@@ -214,16 +214,31 @@ void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
 void Catalog::CreateIndex(const TableInfo& table, const KeyInfo& key) {
     TableInfo changed = table;
     changed.keys.push_back(key);
-    database_.Run(PhysicalIndex(table, key));
+    MakeIndex(table, key);
     ChangeTable(changed, false);
+}
+
+void Catalog::MakeIndex(const TableInfo& table, const KeyInfo& key) {
+    database_.Run(PhysicalIndex(table, key));
+    if (const std::string nulls = PhysicalNullIndex(table, key); !nulls.empty()) database_.Run(nulls);
+}
+
+void Catalog::RemakeNullIndexes(const TableInfo& table) {
+    for (const KeyInfo& key : table.keys) {
+        database_.Run(std::string("DROP INDEX IF EXISTS ") + (table.temporary ? "temp." : "main.") +
+                      Quoted(PhysicalNullIndexName(table, key)));
+        if (const std::string nulls = PhysicalNullIndex(table, key); !nulls.empty()) database_.Run(nulls);
+    }
 }
 
 void Catalog::DropIndex(const TableInfo& table, const std::string& name) {
     TableInfo changed = table;
     for (const KeyInfo& key : table.keys) {
         if (!SameName(key.name, name)) continue;
-        database_.Run(std::string("DROP INDEX IF EXISTS ") + (table.temporary ? "temp." : "main.") +
-                      Quoted(PhysicalIndexName(table, key)));
+        for (const std::string& index : {PhysicalIndexName(table, key), PhysicalNullIndexName(table, key)}) {
+            database_.Run(std::string("DROP INDEX IF EXISTS ") + (table.temporary ? "temp." : "main.") +
+                          Quoted(index));
+        }
     }
     std::erase_if(changed.keys, [&](const KeyInfo& entry) { return SameName(entry.name, name); });
     ChangeTable(changed, false);

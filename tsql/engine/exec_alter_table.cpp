@@ -68,7 +68,7 @@ void Executor::AlterTable(const AlterTableStatement& statement) {
                     // Keys and checks that came with the column.
                     TableInfo now = DefinedTable(statement.table, 4902);
                     for (std::size_t i = changed.keys.size(); i < probe.keys.size(); ++i) {
-                        catalog_.CreateIndex(now, probe.keys[i]);
+                        MakeKey(now, probe.keys[i], statement.position);
                         now = DefinedTable(statement.table, 4902);
                     }
                     if (probe.checks.size() > changed.checks.size() ||
@@ -83,7 +83,7 @@ void Executor::AlterTable(const AlterTableStatement& statement) {
                     TableInfo changed = current;
                     AddConstraint(changed, constraint);
                     if (changed.keys.size() > current.keys.size()) {
-                        catalog_.CreateIndex(current, changed.keys.back());
+                        MakeKey(current, changed.keys.back(), statement.position);
                     } else {
                         const bool rewrite = changed.checks.size() > current.checks.size() ||
                                              changed.foreignKeys.size() > current.foreignKeys.size();
@@ -126,6 +126,7 @@ void Executor::AlterTable(const AlterTableStatement& statement) {
                 catalog_.ChangeTable(changed, true);
                 const TableInfo& now = DefinedTable(statement.table, 4902);
                 run(Translator(*this).RewriteColumn(now, *now.FindColumn(definition.name.text), from));
+                catalog_.RemakeNullIndexes(now);
                 break;
             }
             case AlterTableAction::kDropColumn:

@@ -23,13 +23,20 @@ void Executor::CreateIndex(const CreateIndexStatement& statement) {
             key.columns.push_back(found->name);
             key.descending.push_back(column.descending);
         }
-        try {
-            catalog_.CreateIndex(table, key);
-        } catch (const SqlError&) {
-            if (sqlite3_extended_errcode(database_.Handle()) != SQLITE_CONSTRAINT_UNIQUE) throw;
-            throw MakeError(1505, statement.position, {table.FullName(), key.name, "()"});
-        }
+        MakeKey(table, key, statement.position);
     });
+}
+
+void Executor::MakeKey(const TableInfo& table, const KeyInfo& key, Position position) {
+    // The names, since the catalog is read anew.
+    const std::string tableName = table.FullName();
+    const std::string keyName = key.name;
+    try {
+        catalog_.CreateIndex(table, key);
+    } catch (const SqlError&) {
+        if (sqlite3_extended_errcode(database_.Handle()) != SQLITE_CONSTRAINT_UNIQUE) throw;
+        throw MakeError(1505, position, {tableName, keyName, "()"});
+    }
 }
 
 }  // namespace vicenter::tsql::engine

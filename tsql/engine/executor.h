@@ -188,6 +188,8 @@ class Executor final : public TranslateContext {
     TableInfo BuildTable(const std::string& name, const TableDefinition& definition, bool temporary);
     void AddColumn(TableInfo& table, const ColumnDefinition& definition);
     void AddConstraint(TableInfo& table, const Constraint& constraint);
+    // Makes a key of an existing table; error 1505 when its rows do not allow it.
+    void MakeKey(const TableInfo& table, const KeyInfo& key, Position position);
     std::string ConstraintName(const TableInfo& table, const Constraint& constraint, const char* prefix,
                                const std::string& detail);
     void DropConstraint(TableInfo& table, const Name& name, bool& found);

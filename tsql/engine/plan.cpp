@@ -177,9 +177,13 @@ SqlError Executor::ConstraintError(const Plan& plan, int code, const std::string
         code == SQLITE_CONSTRAINT_ROWID) {
         const std::vector<std::string> columns = FailedColumns(text, table->physical);
         for (const KeyInfo& key : table->keys) {
-            if (!key.IsUnique() || !SameColumns(key.columns, columns)) continue;
+            if (!key.IsUnique()) continue;
+            // An index over expressions is named itself: "UNIQUE constraint failed: index 't$UX$null'".
+            const bool hit = SameColumns(key.columns, columns) ||
+                             text.find("'" + PhysicalNullIndexName(*table, key) + "'") != std::string::npos;
+            if (!hit) continue;
             std::string values;
-            for (const std::string& column : columns) {
+            for (const std::string& column : key.columns) {
                 const std::string* value = services_.FindKey(table->FindColumn(column)->name);
                 values += (values.empty() ? "(" : ", ") + (value != nullptr ? *value : std::string("?"));
             }
