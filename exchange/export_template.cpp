@@ -98,8 +98,10 @@ std::optional<Variant> CellValue(const TemplateColumn& column, std::string text)
     }
     const std::string_view trimmed = system::TrimBlanks(text);
     if (trimmed.empty()) return std::nullopt;
-    // The account code's column is formatted as text: its characters stay as they are.
-    if (column.gridColumn == kColumns[kAccountNumberColumn].gridColumn) return Variant(trimmed);
+    // The account code's column is formatted as text: its characters stay as they are, but for the mark.
+    if (column.gridColumn == kColumns[kAccountNumberColumn].gridColumn && trimmed.front() != '\'') {
+        return Variant(trimmed);
+    }
     return AsTextValue(std::string(trimmed));
 }
 

@@ -146,6 +146,7 @@ TEST_F(ExportTest, KeepsFiguresFormulaMarksAndDatesOfTextColumnsAsTexts) {
         const office::Sheet& sheet = *workbook->Sheets()[0];
         EXPECT_EQ(sheet.Find(i + 1, 1)->kind, office::CellKind::Text) << texts[i];
         EXPECT_EQ(office::CellText(*workbook, *sheet.Find(i + 1, 1)), texts[i]);
+        EXPECT_EQ(office::CellText(*workbook, *sheet.Find(i + 1, 3)), texts[i]);
         EXPECT_EQ(office::CellText(*workbook, *sheet.Find(i + 1, 4)), texts[i]);
     }
 }
