@@ -159,7 +159,7 @@ void Recordset::Reserve(std::size_t rows) {
     values_.reserve(rows * columns_.size());
 }
 
-void Recordset::AppendRow(std::vector<Variant> values) {
+void Recordset::AppendRow(std::span<Variant> values) {
     for (Variant& value : values)
         values_.push_back(std::move(value));
     ++rows_;

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -88,7 +89,9 @@ class Recordset : public automation::TableObject<Recordset> {
 
     void Reserve(std::size_t rows);
     // values.size() must equal ColumnCount().
-    void AppendRow(std::vector<Variant> values);
+    void AppendRow(std::vector<Variant> values) { AppendRow(std::span(values)); }
+    // Moves the values out.
+    void AppendRow(std::span<Variant> values);
 
     bool IsOpen() const { return open_; }
     std::int64_t RecordCount() const;  // -1 for a closed recordset

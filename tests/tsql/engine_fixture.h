@@ -27,7 +27,7 @@ class PlainCollation final : public TextCollation {
     }
 };
 
-class TextSink final : public ResultSink {
+class TextSink : public ResultSink {
   public:
     void BeginResult(const std::vector<ResultColumn>& columns) override {
         if (!text_.empty()) text_ += "\n--\n";

@@ -105,6 +105,33 @@ TEST_F(EngineTransactionTest, A_batch_that_has_read_before_another_wrote_may_sti
     EXPECT_EQ(Run("insert into t values(2, 'b') commit select count(*) as n from t"), "n:int\n2");
 }
 
+TEST_F(EngineTransactionTest, Each_query_of_a_batch_sees_what_another_session_has_written_meanwhile) {
+    class WritingSink final : public TextSink {
+      public:
+        explicit WritingSink(Session& other) : other_(other) {}
+        void BeginResult(const std::vector<ResultColumn>& columns) override {
+            TextSink::BeginResult(columns);
+            if (written_) return;
+            written_ = true;
+            EXPECT_EQ(RunOn(other_, "insert into t values(1, 'a')"), "");
+        }
+
+      private:
+        Session& other_;
+        bool written_ = false;
+    };
+    MakeTable();
+    const auto other = Another();
+    WritingSink sink(*other);
+    EXPECT_TRUE(
+        First()
+            .Execute("select count(*) as n from t\nselect count(*) as n from t\ninsert into t values(2, 'b')",
+                     sink)
+            .errors.empty());
+    EXPECT_EQ(sink.Text(), "n:int\n0\n--\nn:int\n1");
+    EXPECT_EQ(Run("select count(*) as n from t"), "n:int\n2");
+}
+
 TEST_F(EngineTransactionTest, Another_session_sees_new_columns_tables_and_procedures_at_once) {
     MakeTable();
     const auto other = Another();

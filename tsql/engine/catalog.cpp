@@ -226,13 +226,20 @@ void Catalog::Prepare(bool create) {
     database_.Run("COMMIT");
 }
 
+// Leaves the statement on its row, and with it the snapshot.
 std::int64_t Catalog::SchemaVersion() {
+    EndSnapshot();
     if (!versionStatement_) versionStatement_ = database_.Prepare("PRAGMA main.schema_version");
-    const ResetAtEnd reset(versionStatement_);
-    return database_.Step(versionStatement_) ? versionStatement_.Int(0) : 0;
+    holding_ = database_.Step(versionStatement_);
+    return holding_ ? versionStatement_.Int(0) : 0;
 }
 
 void Catalog::Refresh() {
+    RefreshAndHold();
+    EndSnapshot();
+}
+
+void Catalog::RefreshAndHold() {
     const std::int64_t version = SchemaVersion();
     if (version == version_) return;
     Load();

@@ -97,6 +97,14 @@ class Catalog {
     void Prepare(bool create);
     // Reads everything again when the schema version has changed since the last time.
     void Refresh();
+    // The same, and what is read next on this connection is of the same moment: a query then needs no lock of
+    // its own. EndSnapshot must come before anything that changes the account set.
+    void RefreshAndHold();
+    void EndSnapshot() {
+        if (!holding_) return;
+        versionStatement_.Reset();
+        holding_ = false;
+    }
     // After a rollback: what was read may never have been.
     void Forget();
     // Changes whenever a pointer into the catalog or a translated statement may be out of date; temporary
@@ -144,6 +152,7 @@ class Catalog {
 
     Database& database_;
     Statement versionStatement_;
+    bool holding_ = false;  // versionStatement_ stands on its row
     std::int64_t version_ = -1;
     std::uint64_t generation_ = 1;
     std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> tables_;

@@ -80,7 +80,9 @@ std::vector<KeyRow> KeyRows(const TableInfo& table) {
 
 // Every change moves SQLite's schema version on, since that is what other sessions look at.
 void Catalog::Touch() {
-    database_.Run("PRAGMA main.schema_version = " + std::to_string(SchemaVersion() + 1));
+    const std::int64_t version = SchemaVersion();
+    EndSnapshot();
+    database_.Run("PRAGMA main.schema_version = " + std::to_string(version + 1));
     Forget();
     Refresh();
 }

@@ -42,6 +42,7 @@ void Executor::RollbackPhysical() {
 }
 
 bool Executor::BeginChange(bool temporary) {
+    catalog_.EndSnapshot();
     if (physical_) return false;
     const bool unit = options_.batchTransactions || transactionCount_ > 0;
     // What only touches temporary tables leaves other processes alone.

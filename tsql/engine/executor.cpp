@@ -55,7 +55,7 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     caught_.clear();
     bool failed = false;
     try {
-        catalog_.Refresh();
+        catalog_.RefreshAndHold();
         RunBatch(batch);
     } catch (const Abort& abort) {
         report.errors.push_back(abort.error.Details());
@@ -67,6 +67,7 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
         report.errors.push_back(MakeError(8624, {}, {error.Text()}).Details());
         failed = true;
     }
+    catalog_.EndSnapshot();
     try {
         EndBatch(failed);
     } catch (const SqlError& error) {
@@ -275,6 +276,9 @@ Flow Executor::RunStatement(const tsql::Statement& statement) {
 
 Flow Executor::Dispatch(const tsql::Statement& statement) {
     Flow flow = Flow::kNext;
+    // A query that opens the batch goes on in the moment in which the catalog was read.
+    if (statement.kind != StatementKind::kSelect && statement.kind != StatementKind::kIf)
+        catalog_.EndSnapshot();
     switch (statement.kind) {
         case StatementKind::kSelect:
             Select(As<SelectStatement>(statement));

@@ -121,6 +121,7 @@ void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
 
 bool Executor::StepPlan(Plan& plan) {
     const int code = plan.statement.Step();
+    catalog_.EndSnapshot();
     if (code == SQLITE_ROW) return true;
     if (code == SQLITE_DONE) return false;
     FailStep(plan, code);

@@ -49,6 +49,7 @@ class Value {
     const Decimal& Exact() const { return std::get<Decimal>(data_); }
     const DateTime& Date() const { return std::get<DateTime>(data_); }
     const std::string& Text() const { return std::get<std::string>(data_); }
+    std::string TakeText() { return std::move(std::get<std::string>(data_)); }
     const std::string& Blob() const { return std::get<Bytes>(data_).data; }
     const Data& Raw() const { return data_; }
 

@@ -100,7 +100,7 @@ Variant VariantOf(engine::Value& value, const engine::SqlType& type) {
         case 4:
             return Variant(value.Date());
         case 5:
-            return Variant(value.Text());
+            return Variant(value.TakeText());
         default: {
             // As a text: bytes have no automation type of their own here.
             static constexpr char kHex[] = "0123456789ABCDEF";
@@ -132,11 +132,10 @@ class RecordsetSink final : public engine::ResultSink {
         last_ = std::move(next);
     }
     void AddRow(std::vector<engine::Value>& row) override {
-        std::vector<Variant> values;
-        values.reserve(row.size());
+        values_.clear();
         for (std::size_t i = 0; i < row.size(); ++i)
-            values.push_back(VariantOf(row[i], types_[i]));
-        last_->AppendRow(std::move(values));
+            values_.push_back(VariantOf(row[i], types_[i]));
+        last_->AppendRow(std::span(values_));
     }
     void Message(const tsql::Diagnostic& message) override { messages_.push_back(message); }
 
@@ -147,6 +146,7 @@ class RecordsetSink final : public engine::ResultSink {
     RecordsetRef first_;
     RecordsetRef last_;
     std::vector<engine::SqlType> types_;
+    std::vector<Variant> values_;  // of one row at a time
     std::vector<tsql::Diagnostic> messages_;
 };
 
