@@ -36,6 +36,7 @@ enum RecordId : std::uint16_t {
     kLabel = 0x0204,
     kBoolError = 0x0205,
     kString = 0x0207,
+    kDefaultRowHeight = 0x0225,
     kWindow2 = 0x023E,
     kRk = 0x027E,
     kStyle = 0x0293,

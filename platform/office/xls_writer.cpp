@@ -17,6 +17,7 @@ using xls::Units;
 
 constexpr std::uint32_t kUnused = 0xFFFFFFFF;
 constexpr double kStandardFontSize = 11;
+constexpr std::uint16_t kStandardRowHeight = 270;  // twentieths of a point, for the standard font
 constexpr std::uint16_t kTextFormatId = 49;
 constexpr std::uint16_t kFirstOwnFormatId = 164;
 // The file's own first fonts; number 4 does not exist.
@@ -275,6 +276,10 @@ class Writer {
         const Sheet& sheet = *workbook_.Sheets()[index];
         const bool active = index == workbook_.activeSheet;
         WriteBof(out, xls::kWorksheet);
+        // Without it some programs take a height that cuts off the tops of Chinese characters.
+        out.Begin(xls::kDefaultRowHeight, 4);
+        out.U16(0);
+        out.U16(kStandardRowHeight);
         WriteShort(out, xls::kDefaultColumnWidth, 8);
         for (const auto& [column, setting] : sheet.Columns()) {
             if (column >= kMaxXlsColumns) break;

@@ -222,6 +222,16 @@ TEST_P(BothKinds, AFileCutShortIsAnErrorAtEveryLength) {
     }
 }
 
+TEST(Xls, TellsTheHeightOfRowsSoThatNoProgramCutsOffChineseCharacters) {
+    const fakes::TemporaryFolder folder;
+    Workbook workbook;
+    workbook.AddSheet("s");
+    WriteWorkbook(workbook, folder.File("h.xls"), FileKind::Xls);
+    // Record 0x0225 of 4 bytes: no flags, 270 twentieths of a point.
+    const std::string record("\x25\x02\x04\x00\x00\x00\x0E\x01", 8);
+    EXPECT_NE(FileBytes(folder.File("h.xls")).find(record), std::string::npos);
+}
+
 TEST(Xls, RefusesMoreRowsThanItHolds) {
     fakes::TemporaryFolder folder;
     Workbook workbook;
