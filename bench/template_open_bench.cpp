@@ -13,6 +13,7 @@
 #include "center/block_editing.h"
 #include "center/grid_editing.h"
 #include "center/line_loader.h"
+#include "center/silent_view.h"
 #include "center/window_state.h"
 #include "entry/host_context.h"
 #include "host/account_set.h"
@@ -25,31 +26,6 @@ using namespace vicenter;
 using bench::Require;
 
 constexpr const char* kTemplateId = "900";
-
-// A view that shows nothing.
-class NoView : public center::VICenterView {
-  public:
-    void ShowModeless() override {}
-    void CloseWindow() override {}
-    void SetTree(const std::vector<center::TreeNode>&) override {}
-    void AddTreeNode(const center::TreeNode&) override {}
-    void RemoveTreeNode(const std::string&) override {}
-    void SetTreeNodeText(const std::string&, const std::string&) override {}
-    void SelectTreeNode(const std::string&) override {}
-    void StartLabelEdit() override {}
-    void SetToolStates(const center::ToolStates&) override {}
-    void SetTemplateName(const std::string&) override {}
-    void SetGridInteractive(bool) override {}
-    void SetProgress(const center::ProgressState&) override {}
-    void SetItemPanel(const center::ItemPanelState&) override {}
-    void SetStatus(const center::StatusState&) override {}
-    void SetNameList(const center::NameListState&) override {}
-    int ApplyFont(const std::string&, double) override { return 0; }
-    center::Size WindowSize() const override { return {}; }
-    void PlaceProgressFrame(const center::Position&) override {}
-    void ShowFindDialog(dialogs::FrmSearch&) override {}
-    void ShowColumnDialog(dialogs::frmSetColume&) override {}
-};
 
 class Folder {
   public:
@@ -135,7 +111,7 @@ int main(int argc, char** argv) {
     entry::PresetPropsString("UserID=1;ConnectString={" + host::FileConnectString(folder.File()) + "};");
     entry::SetCurrentUserId("1");
 
-    NoView view;
+    center::SilentView view;
     center::WindowState state(view);
     state.hasRight = true;
     state.templateId = kTemplateId;

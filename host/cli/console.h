@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "center/vicenter_view.h"
+#include "center/silent_view.h"
 #include "platform/system/surroundings.h"
 
 namespace vicenter::host {
@@ -45,28 +45,9 @@ class ConsoleMessages final : public system::MessageBoxes {
 };
 
 // A window that shows nothing: what matters arrives as messages and in the account set.
-class ConsoleView final : public center::VICenterView {
+class ConsoleView final : public center::SilentView {
   public:
-    void ShowModeless() override {}
-    void CloseWindow() override {}
-    void SetTree(const std::vector<center::TreeNode>&) override {}
-    void AddTreeNode(const center::TreeNode&) override {}
-    void RemoveTreeNode(const std::string&) override {}
-    void SetTreeNodeText(const std::string&, const std::string&) override {}
-    void SelectTreeNode(const std::string&) override {}
     void StartLabelEdit() override { editingLabel_ = true; }
-    void SetToolStates(const center::ToolStates&) override {}
-    void SetTemplateName(const std::string&) override {}
-    void SetGridInteractive(bool) override {}
-    void SetProgress(const center::ProgressState&) override {}
-    void SetItemPanel(const center::ItemPanelState&) override {}
-    void SetStatus(const center::StatusState&) override {}
-    void SetNameList(const center::NameListState&) override {}
-    int ApplyFont(const std::string&, double) override { return 0; }
-    center::Size WindowSize() const override { return {}; }
-    void PlaceProgressFrame(const center::Position&) override {}
-    void ShowFindDialog(dialogs::FrmSearch&) override {}
-    void ShowColumnDialog(dialogs::frmSetColume&) override {}
 
     // The presenter has asked for the selected node's label to be edited.
     bool IsEditingLabel() const { return editingLabel_; }

@@ -67,7 +67,7 @@ class EmbeddedGrid : public testing::Test {
     host::HostSessionRef session_ =
         host::RegisterHostComponents({host::FileConnectString(host::test::CopySet(folder_)), 1});
     fakes::FakeSurroundings surroundings_;
-    SilentView view_;
+    NotingView view_;
     std::unique_ptr<frmVICenter> window_;
 };
 

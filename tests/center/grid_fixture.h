@@ -13,6 +13,7 @@
 #include "center/cell_checks.h"
 #include "center/column_profile.h"
 #include "center/grid_editing.h"
+#include "center/silent_view.h"
 #include "center/window_state.h"
 #include "entry/host_context.h"
 #include "store/statements.h"
@@ -35,31 +36,14 @@ inline void PrintTo(const CellRange& range, std::ostream* out) {
 }
 
 // A view that keeps what the grid's side of the window tells it.
-class SilentView : public VICenterView {
+class NotingView : public SilentView {
   public:
-    void ShowModeless() override {}
-    void CloseWindow() override {}
-    void SetTree(const std::vector<TreeNode>&) override {}
-    void AddTreeNode(const TreeNode&) override {}
-    void RemoveTreeNode(const std::string&) override {}
-    void SetTreeNodeText(const std::string&, const std::string&) override {}
-    void SelectTreeNode(const std::string&) override {}
-    void StartLabelEdit() override {}
-    void SetToolStates(const ToolStates&) override {}
-    void SetTemplateName(const std::string&) override {}
-    void SetGridInteractive(bool) override {}
     void SetProgress(const ProgressState& state) override { progress.push_back(state); }
-    void SetItemPanel(const ItemPanelState&) override {}
-    void SetStatus(const StatusState&) override {}
-    void SetNameList(const NameListState&) override {}
     int ApplyFont(const std::string& name, double size) override {
         fonts.push_back({name, size});
         return labelHeight;
     }
     Size WindowSize() const override { return {12000, 9000}; }
-    void PlaceProgressFrame(const Position&) override {}
-    void ShowFindDialog(dialogs::FrmSearch&) override {}
-    void ShowColumnDialog(dialogs::frmSetColume&) override {}
 
     std::vector<ProgressState> progress;
     std::vector<GridFont> fonts;
@@ -207,7 +191,7 @@ class GridTest : public testing::Test {
     fakes::FakeSurroundings surroundings_;
     fakes::FakeAccountSet set_;
     LedgerOfAFew ledger_{set_};
-    SilentView view_;
+    NotingView view_;
     WindowState state_{view_};
 };
 

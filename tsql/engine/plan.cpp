@@ -61,8 +61,6 @@ Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Val
             value = (*row)[static_cast<std::size_t>(parameter.ordinal)];
             break;
     }
-    // The plan was made for a literal of another length: nothing may be cut off.
-    if (parameter.asWritten && from.IsText() && parameter.to.IsText()) return value;
     if (!parameter.forColumn) return Convert(value, from, parameter.to);
     const ColumnTarget target{parameter.table, parameter.column, parameter.to, parameter.nullable};
     Value stored = ConvertForColumn(value, from, target, parameter.operation);

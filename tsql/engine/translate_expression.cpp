@@ -112,7 +112,6 @@ std::string Translator::Render(const Operand& operand) {
     }
     Parameter parameter = *operand.pending;
     parameter.to = parameter.from;
-    parameter.asWritten = true;
     return AddParameter(std::move(parameter));
 }
 

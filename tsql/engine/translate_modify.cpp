@@ -247,22 +247,29 @@ std::vector<Translator::Assigned> Translator::Assignments(const UpdateStatement&
     return result;
 }
 
+// What UPDATE or DELETE changes: one of the sources of its FROM, or a table that is added to them.
+const Source& Translator::ChangedSource(const ObjectName& name, Position where, Scope& scope,
+                                        std::string& from) {
+    const Source* target = FindTarget(name, scope);
+    if (target == nullptr) {
+        const TableInfo& named = TargetTable(name);
+        scope.sources.push_back(SourceOf(named, named.name));
+        target = &scope.sources.back();
+        from += (from.empty() ? " FROM " : ", ") + named.Sql() + " AS " + target->alias;
+    }
+    if (target->table == nullptr) throw MakeError(4406, where, {name.Text()});
+    return *target;
+}
+
 Translation Translator::Update(const UpdateStatement& statement) {
     if (!statement.currentOf.IsEmpty()) throw MakeError(40510, statement.position, {"WHERE CURRENT OF"});
     if (!statement.with.empty()) commonTables_.push_back(&statement.with);
     Scope scope;
     std::string from = From(statement.from, scope);
-    const Source* target = FindTarget(statement.target, scope);
+    const Source& target = ChangedSource(statement.target, statement.position, scope, from);
     const bool joined = !statement.from.empty();
-    if (target == nullptr) {
-        const TableInfo& named = TargetTable(statement.target);
-        scope.sources.push_back(SourceOf(named, named.name));
-        target = &scope.sources.back();
-        from += (from.empty() ? " FROM " : ", ") + named.Sql() + " AS " + target->alias;
-    }
-    if (target->table == nullptr) throw MakeError(4406, statement.position, {statement.target.Text()});
-    const TableInfo& table = *target->table;
-    const std::string alias = target->alias;
+    const TableInfo& table = *target.table;
+    const std::string alias = target.alias;
     Begin(table, kUpdate);
     std::vector<Assigned> assigned = Assignments(statement, table, scope, alias);
     const std::string condition = statement.where ? ConditionText(*statement.where, scope) : std::string();
@@ -323,17 +330,10 @@ Translation Translator::Delete(const DeleteStatement& statement) {
     if (!statement.with.empty()) commonTables_.push_back(&statement.with);
     Scope scope;
     std::string from = From(statement.from, scope);
-    const Source* target = FindTarget(statement.target, scope);
+    const Source& target = ChangedSource(statement.target, statement.position, scope, from);
     const bool joined = !statement.from.empty();
-    if (target == nullptr) {
-        const TableInfo& named = TargetTable(statement.target);
-        scope.sources.push_back(SourceOf(named, named.name));
-        target = &scope.sources.back();
-        from += (from.empty() ? " FROM " : ", ") + named.Sql() + " AS " + target->alias;
-    }
-    if (target->table == nullptr) throw MakeError(4406, statement.position, {statement.target.Text()});
-    const TableInfo& table = *target->table;
-    const std::string alias = target->alias;
+    const TableInfo& table = *target.table;
+    const std::string alias = target.alias;
     Begin(table, kDelete);
     const std::string condition = statement.where ? ConditionText(*statement.where, scope) : std::string();
     std::string where = Where(condition);

@@ -28,8 +28,6 @@ struct Parameter {
 
     SqlType from;
     SqlType to;
-    bool asWritten =
-        false;  // of no other type than the literal's own, whose length may change from run to run
     bool forColumn = false;  // stored under a column's rules, else converted as any expression
     std::string table;
     std::string column;

@@ -194,6 +194,7 @@ class Translator {
 
     // translate_modify.cpp
     const TableInfo& TargetTable(const ObjectName& name);
+    const Source& ChangedSource(const ObjectName& name, Position where, Scope& scope, std::string& from);
     std::vector<const ColumnInfo*> TargetColumns(const TableInfo& table, const std::vector<Name>& columns);
     // The columns that get a value besides the given ones, and the texts of those values.
     void AddDefaults(const TableInfo& table, std::vector<const ColumnInfo*>& columns,
