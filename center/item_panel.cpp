@@ -76,6 +76,8 @@ void ItemPanel::ReadClasses(const std::string& accountNumber) {
     for (; !classes->AtEnd(); classes->MoveNext()) {
         ItemPanelState::Row row;
         row.classId = classes->Value("FItemClassID").ToInt32();
+        // Classes of 0 and less are no part of the items text.
+        if (row.classId <= 0) continue;
         row.className = classes->Value("FName").ToTextOrEmpty();
         panel_.rows.push_back(std::move(row));
     }

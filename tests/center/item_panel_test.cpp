@@ -89,6 +89,14 @@ TEST_F(Panel, AUserWithoutTheRightSeesNone) {
     EXPECT_FALSE(Shown().visible);
 }
 
+TEST_F(Panel, ClassesOfZeroAndLessAreNoPartOfTheItems) {
+    set_.Answer("FItemID = -1 order by",
+                Rows({"FItemClassID", "FName"}, {{-1, "旧类别"}, {0, "无"}, {2, "部门"}}));
+    Window().MoveActiveCell({1, column::kItems - 1});
+    Window().MoveActiveCell({1, column::kItems});
+    EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
+}
+
 TEST_F(Panel, FollowsTheActiveRow) {
     Window().MoveActiveCell({2, column::kItems});
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
