@@ -189,6 +189,13 @@ TEST_F(ColumnProfileTest, AFontBelowNinePointsIsNotApplied) {
     EXPECT_EQ(Grid().Font().size, before.size);
 }
 
+TEST_F(ColumnProfileTest, TheFontIsThatOfTheWholeKeyUserID) {
+    const fakes::ScriptedRef connection = StoreFontSize("12");
+    entry::PresetPropsString("CloudUserID=1;userid=8;");
+    profile_.ApplyBillFont();
+    EXPECT_THAT(connection->Calls(), testing::ElementsAre(testing::HasSubstr("FUserID=8 ")));
+}
+
 TEST_F(ColumnProfileTest, AHostWithoutAUserGetsTheDefaultFont) {
     entry::PresetPropsString("Server=a;");
     profile_.ApplyBillFont();

@@ -292,6 +292,22 @@ TEST_F(Save, SendsOneBatchAsksForUnusableNumbersTellsLogsAndReloads) {
     EXPECT_FALSE(Window().IsDirty());
 }
 
+TEST_F(Save, TellsThenLogsThenReloads) {
+    FillLine(1, "1", "收款");
+    Forget();
+    std::size_t toldBefore = 0;
+    bool reloadedBefore = true;
+    log_->On("WriteLog", [&](Arguments&) {
+        toldBefore = Messages().size();
+        reloadedBefore = !Sent("select * from t_VchTemplateEntry").empty();
+        return Variant();
+    });
+    EXPECT_TRUE(Window().Save());
+    EXPECT_EQ(toldBefore, 1U);
+    EXPECT_FALSE(reloadedBefore);
+    EXPECT_FALSE(Sent("select * from t_VchTemplateEntry").empty());
+}
+
 TEST_F(Save, NamesTheNumbersThatCannotBeUsed) {
     FillLine(1, "1", "收款");
     set_.Answer("select FNo from t_VchTpControl", Rows({"FNo"}, {{1}, {4}, {12}}));
