@@ -7,6 +7,7 @@
 #include "automation/error.h"
 #include "host/batch_reader.h"
 #include "host/cli/context.h"
+#include "platform/ado/account_set/account_set_provider.h"
 #include "platform/system/files.h"
 
 namespace vicenter::host {
@@ -33,20 +34,21 @@ class SqlAnswer {
     explicit SqlAnswer(const CliContext& context) : context_(context), out_(context.streams.out) {
         if (context_.options.json) out_ << "[";
     }
-    void Batch(const std::vector<ado::RecordsetRef>& results) {
-        if (!context_.options.json) {
-            for (const ado::RecordsetRef& result : results)
-                PrintTable(*result);
-            return;
-        }
-        PrintBatch(results, Variant::Null());
-    }
-    void Failure(const ado::DriverError& error) {
+    void Batch(const ado::RecordsetRef& first) {
         if (context_.options.json) {
-            PrintBatch({},
+            PrintBatch(first, Variant::Null());
+        } else {
+            PrintTables(first);
+        }
+    }
+    // The results are those that the batch gave all the same.
+    void Failure(const ado::RecordsetRef& first, const ado::DriverError& error) {
+        if (context_.options.json) {
+            PrintBatch(first,
                        JsonObject({{"number", error.native}, {"line", error.line}, {"text", error.text}}));
             return;
         }
+        PrintTables(first);
         out_.flush();
         context_.streams.err << "消息 " << error.native << "，第 " << error.line << " 行：" << error.text
                              << "\n";
@@ -57,9 +59,10 @@ class SqlAnswer {
     }
 
   private:
-    void PrintBatch(const std::vector<ado::RecordsetRef>& results, const Variant& error) {
+    void PrintBatch(const ado::RecordsetRef& first, const Variant& error) {
         VariantArray list;
-        for (const ado::RecordsetRef& result : results) {
+        for (ado::RecordsetRef result = first; result; result = result->Next()) {
+            if (!result->IsOpen()) continue;
             VariantArray columns;
             for (const ado::Column& column : result->Columns())
                 columns.emplace_back(column.name);
@@ -74,6 +77,12 @@ class SqlAnswer {
         }
         if (batches_++ > 0) out_ << ",";
         out_ << EncodeJson(JsonObject({{"results", list}, {"error", error}}));
+    }
+
+    void PrintTables(const ado::RecordsetRef& first) {
+        for (ado::RecordsetRef result = first; result; result = result->Next()) {
+            if (result->IsOpen()) PrintTable(*result);
+        }
     }
 
     void PrintTable(const ado::Recordset& result) {
@@ -98,11 +107,7 @@ class SqlAnswer {
 // False when the batch failed.
 bool RunBatch(ado::Connection& connection, const ScriptBatch& batch, SqlAnswer& answer) {
     try {
-        std::vector<ado::RecordsetRef> results;
-        for (ado::RecordsetRef result = connection.Execute(batch.text); result; result = result->Next()) {
-            if (result->IsOpen()) results.push_back(result);
-        }
-        answer.Batch(results);
+        answer.Batch(connection.Execute(batch.text));
         return true;
     } catch (const Error& error) {
         ado::DriverError record;
@@ -112,7 +117,7 @@ bool RunBatch(ado::Connection& connection, const ScriptBatch& batch, SqlAnswer& 
         } else {
             record = connection.Errors().front();
         }
-        answer.Failure(record);
+        answer.Failure(ado::ResultsDespiteFailure(connection), record);
         return false;
     }
 }

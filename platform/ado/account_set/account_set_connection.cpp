@@ -241,6 +241,7 @@ void AccountSetConnection::Open(const std::string& connectString) {
 RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t* recordsAffected) {
     if (!session_) throw Error(error_number::kObjectClosed, kClosedText, kProviderName);
     errors_.clear();
+    despiteFailure_.reset();
     RecordsetSink sink;
     const engine::ExecutionReport report = session_->Execute(batch, sink);
     for (const tsql::Diagnostic& diagnostic : report.errors)
@@ -248,6 +249,7 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
     for (const tsql::Diagnostic& message : sink.Messages())
         errors_.push_back(RecordOf(message));
     if (!report.errors.empty()) {
+        despiteFailure_ = sink.First();
         throw Error(error_number::kProviderError, report.errors.front().text, kProviderName);
     }
     if (recordsAffected != nullptr) *recordsAffected = report.rowsAffected;
@@ -263,6 +265,11 @@ void AccountSetConnection::Close() {
 
 void RegisterAccountSetProvider() {
     RegisterProvider(kProviderName, [] { return std::make_shared<AccountSetConnection>(); });
+}
+
+RecordsetRef ResultsDespiteFailure(const Connection& connection) {
+    const auto* own = dynamic_cast<const AccountSetConnection*>(&connection);
+    return own == nullptr ? nullptr : own->ResultsDespiteFailure();
 }
 
 void CloseIdleAccountSets() {

@@ -21,11 +21,13 @@ class AccountSetConnection final : public Connection {
     RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected) override;
     void Close() override;
     const std::vector<DriverError>& Errors() const override { return errors_; }
+    const RecordsetRef& ResultsDespiteFailure() const { return despiteFailure_; }
 
   private:
     std::string poolKey_;  // empty when the session is not to be kept
     std::unique_ptr<tsql::engine::Session> session_;
     std::vector<DriverError> errors_;
+    RecordsetRef despiteFailure_;
 };
 
 }  // namespace vicenter::ado
