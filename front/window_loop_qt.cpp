@@ -15,8 +15,8 @@
 #include "platform/system/surroundings.h"
 #include "ui/application.h"
 #include "ui/center_commands.h"
+#include "ui/display.h"
 #include "ui/qt_surroundings.h"
-#include "ui/run_window.h"
 #include "ui/vicenter_window.h"
 #include "ui/window_factory.h"
 

@@ -34,15 +34,6 @@ void CloseAll() {
 
 }  // namespace
 
-bool HasDisplay() {
-#if defined(_WIN32) || defined(__APPLE__)
-    return true;
-#else
-    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
-#endif
-}
-
 int RunWindow(int argc, char** argv, const WindowRun& run) {
     QApplication application(argc, argv);
     SetUpApplication(application);

@@ -22,9 +22,6 @@ struct WindowRun {
     std::function<void()> prepare;
 };
 
-// True when a desktop is there to show windows on.
-bool HasDisplay();
-
 // Opens the window and runs until the last one is closed. Returns the exit code. Throws what opening throws.
 int RunWindow(int argc, char** argv, const WindowRun& run);
 

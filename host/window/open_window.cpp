@@ -8,6 +8,7 @@
 #include "host/components/look_up_dialog.h"
 #include "platform/system/files.h"
 #include "ui/center_commands.h"
+#include "ui/display.h"
 #include "ui/look_up_dialog.h"
 #include "ui/run_window.h"
 

@@ -1,5 +1,6 @@
 /* A host in plain C: gives the component a property manager, opens two windows, pumps their events and closes
- * them. The argument says whether the library was built with windows (1 or 0). */
+ * them. The argument says what to expect of them: "shown", "unreachable" (no display answers) or
+ * "none" (the library was built without). */
 
 #include <stdio.h>
 #include <string.h>
@@ -45,13 +46,22 @@ static vic_int32 no_messages(void *data, const char *text, vic_int32 buttons, vi
     return 1;
 }
 
-static void show_windows(int with_windows)
+static void show_windows(const char *windows)
 {
     vic_object *application = NULL;
     size_t open = 0;
     check(vic_create("VelaVICenter.aplication", &application) == 0, "create aplication");
-    if (!with_windows) {
+    if (strcmp(windows, "none") == 0) {
         check(vic_call(application, "ShowVICenter", NULL, 0, NULL) == VIC_ERROR_NO_WINDOWS, "no windows");
+        vic_release(application);
+        return;
+    }
+    if (strcmp(windows, "unreachable") == 0) {
+        check(vic_call(application, "ShowVICenter", NULL, 0, NULL) == VIC_ERROR_NO_WINDOWS &&
+                  strcmp(vic_error_description(),
+                         "No display is available to show the template center.") == 0,
+              "a display that does not answer is an error");
+        check(vic_process_events(0) == VIC_ERROR_NO_WINDOWS, "events without a display are an error");
         vic_release(application);
         return;
     }
@@ -98,7 +108,7 @@ int main(int argc, char **argv)
     vic_clear(&result);
     vic_release(data);
 
-    show_windows(argc > 1 && strcmp(argv[1], "1") == 0);
+    show_windows(argc > 1 ? argv[1] : "none");
 
     check(vic_live_objects(&live) == 0 && live == 0, "nothing is held");
     check(vic_shutdown() == 0, "shut down");

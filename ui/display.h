@@ -1,0 +1,11 @@
+#pragma once
+
+// Whether windows can be shown here. To be asked before the application object is made: where its platform
+// cannot be reached, Qt ends the process, which is not for a library to do to its host. Any thread.
+
+namespace vicenter::ui {
+
+// True when one of the platforms that the application would try is installed and its display answers.
+bool HasDisplay();
+
+}  // namespace vicenter::ui
