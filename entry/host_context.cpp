@@ -75,8 +75,9 @@ std::string GetKeyValue(std::string_view text, std::string_view key, std::string
     return end == std::string::npos ? std::string() : value.substr(0, end);
 }
 
-const std::string& CurrentUserId() {
-    return Values().userId;
+std::string CurrentUserId() {
+    const std::string& kept = Values().userId;
+    return kept.empty() ? GetPropValue("UserID") : kept;
 }
 
 void SetCurrentUserId(std::string userId) {

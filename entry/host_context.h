@@ -3,8 +3,8 @@
 // How the component learns its host context: the host property string and the values in it.
 //
 // The property string is fetched anew on every call; nothing of it is cached. What the module keeps for the
-// life of the process: the current user id, an attachable host context object and a preset property string
-// (the latter two empty unless a host sets them). User-interface thread.
+// life of the process: the current user id (of the window that opened last), an attachable host context
+// object and a preset property string (the latter two empty unless a host sets them). User-interface thread.
 
 #include <string>
 #include <string_view>
@@ -29,7 +29,9 @@ std::string GetPropValue(std::string_view key);
 // it.
 std::string GetKeyValue(std::string_view text, std::string_view key, std::string_view separator);
 
-const std::string& CurrentUserId();
+// The id that the last window kept; before there was one, the host's own UserID as it stands now, so
+// that a host that only uses the data class has an owner for what it makes.
+std::string CurrentUserId();
 void SetCurrentUserId(std::string userId);
 
 void AttachHostContext(automation::ObjectRef context);

@@ -84,10 +84,7 @@ def list_templates(library):
 
 
 def make_and_delete(library):
-    """A new custom template, found by its name and deleted again; its number comes back by reference.
-
-    The component learns its user when a window opens: before the first one no template can be made.
-    """
+    """A new custom template, found by its name and deleted again; its number comes back by reference."""
     data = library.create("VelaVICenter.clsVIData")
     number = Reference(0)
     new_id = data.InsertVchTemplateInfo(number)
@@ -117,9 +114,9 @@ def main(arguments):
     print("library %s" % library.version)
     register_components(library, os.path.abspath(arguments[0]))
     list_templates(library)
+    make_and_delete(library)
     if "--show" in arguments:
         library.create("VelaVICenter.aplication").ShowVICenter()
-        make_and_delete(library)
         library.run()
     library.shutdown()
     return 0

@@ -120,5 +120,16 @@ TEST(CurrentUserIdTest, IsKeptForTheProcess) {
     SetCurrentUserId("");
 }
 
+TEST(CurrentUserIdTest, IsTheHostsBeforeAnyWindowKeptOne) {
+    PresetPropsString("userid=7;");
+    EXPECT_EQ(CurrentUserId(), "7");
+    PresetPropsString("UserID=8;");
+    EXPECT_EQ(CurrentUserId(), "8");  // as it stands now
+    SetCurrentUserId("16394");
+    EXPECT_EQ(CurrentUserId(), "16394");
+    SetCurrentUserId("");
+    PresetPropsString("");
+}
+
 }  // namespace
 }  // namespace vicenter::entry
