@@ -35,9 +35,9 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     name_ = new QLineEdit(this);
     name_->setObjectName(QStringLiteral("txtVchTpName"));
     nameLabel->setBuddy(name_);
-    auto* columns = new QPushButton(QStringLiteral("模板字段设置"), this);
-    columns->setObjectName(QStringLiteral("cmdCols"));
-    columns->setAutoDefault(false);
+    columns_ = new QPushButton(QStringLiteral("模板字段设置"), this);
+    columns_->setObjectName(QStringLiteral("cmdCols"));
+    columns_->setAutoDefault(false);
     selected_ = new QLabel(this);
     selected_->setObjectName(QStringLiteral("lblSelected"));
     selected_->setWordWrap(true);
@@ -54,7 +54,7 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     auto* nameRow = new QHBoxLayout;
     nameRow->addWidget(nameLabel);
     nameRow->addWidget(name_, 1);
-    nameRow->addWidget(columns);
+    nameRow->addWidget(columns_);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(progress_, 1);
     buttons->addStretch();
@@ -74,7 +74,7 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     connect(&settled_, &QTimer::timeout, this, [this] { Guarded([this] { form_.FilterSettled(); }); });
     connect(name_, &QLineEdit::textEdited, this,
             [this](const QString& text) { Guarded([&] { form_.SetTemplateName(FromQt(text)); }); });
-    connect(columns, &QPushButton::clicked, this, [this] { Guarded([this] { form_.ChooseColumns(); }); });
+    connect(columns_, &QPushButton::clicked, this, [this] { Guarded([this] { form_.ChooseColumns(); }); });
     connect(generate_, &QPushButton::clicked, this, [this] { RunCommand(kGenerate); });
     connect(cancel, &QPushButton::clicked, this, &AutoVchDialog::reject);
     Guarded([this] { form_.Load(); });
@@ -213,11 +213,10 @@ void AutoVchDialog::RunCommand(int index) {
 }
 
 bool AutoVchDialog::ShowProgress(std::int64_t done, std::int64_t all) {
-    filter_->setEnabled(false);
-    generate_->setEnabled(false);
+    EnableInputs(false);
     progress_->setRange(0, static_cast<int>(all));
     progress_->setValue(static_cast<int>(done));
-    progress_->setFormat(QStringLiteral("%v / %m"));
+    progress_->setFormat(QStringLiteral("已读取 %m 行，已生成 %v 行"));
     progress_->show();
     // The dialog is modal: what is taken here can only be a click on Cancel, or Esc.
     QCoreApplication::processEvents();
@@ -226,8 +225,12 @@ bool AutoVchDialog::ShowProgress(std::int64_t done, std::int64_t all) {
 
 void AutoVchDialog::HideProgress() {
     progress_->hide();
-    filter_->setEnabled(true);
-    generate_->setEnabled(true);
+    EnableInputs(true);
+}
+
+void AutoVchDialog::EnableInputs(bool enabled) {
+    for (QWidget* input : std::initializer_list<QWidget*>{filter_, name_, columns_, generate_})
+        input->setEnabled(enabled);
 }
 
 void AutoVchDialog::ShowColumnDialog(dialogs::frmSetColume& dialog) {

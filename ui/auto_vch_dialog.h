@@ -42,6 +42,8 @@ class AutoVchDialog : public QDialog, private autovch::AutoVchView {
     QWidget* BuildUpDown(autovch::Box box, const char* name);
     void BoxEdited(autovch::Box box);
     void FilterChanged();
+    // Nothing but Cancel can be used while a generation runs.
+    void EnableInputs(bool enabled);
     void RunCommand(int index);
 
     autovch::frmAutoVch form_{*this};
@@ -49,6 +51,7 @@ class AutoVchDialog : public QDialog, private autovch::AutoVchView {
     QComboBox* groups_ = nullptr;
     QCheckBox* system_ = nullptr;
     QLineEdit* name_ = nullptr;
+    QPushButton* columns_ = nullptr;
     QLabel* selected_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QWidget* filter_ = nullptr;

@@ -4,6 +4,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QToolButton>
 
 #include "tests/autovch/autovch_fixture.h"
@@ -98,6 +99,42 @@ TEST_F(AutoVchDialogTest, GeneratesByKeyboard) {
     EXPECT_FALSE(dialog_->isVisible());
     EXPECT_TRUE(dialog_->Result().generated);
     EXPECT_EQ(dialog_->Result().templateId, 9);
+}
+
+TEST_F(AutoVchDialogTest, WhileItGeneratesOnlyCancelCanBeUsed) {
+    set_.Answer("'' as FRemark", Rows(autovch::VoucherColumns(), {autovch::VoucherRow(2, "提现", 0)}));
+    QString progress;
+    set_.Respond("@Vch_cursor", [&](const std::string&) {
+        for (const char* name :
+             {"txtPeriod0", "cmbCheckState", "chkJZVch", "txtVchTpName", "cmdCols", "Command0"})
+            EXPECT_FALSE(Child<QWidget>(name)->isEnabled()) << name;
+        EXPECT_TRUE(Child<QWidget>("Command2")->isEnabled());
+        progress = Child<QProgressBar>("progress")->text();
+        return Rows({});  // the name is not found afterwards: nothing was generated
+    });
+    QTest::keyClicks(Child<QLineEdit>("txtVchTpName"), QStringLiteral("March"));
+    QTest::mouseClick(Child<QPushButton>("Command0"), Qt::LeftButton);
+    EXPECT_EQ(progress, QStringLiteral("已读取 1 行，已生成 1 行"));
+    EXPECT_TRUE(dialog_->isVisible());
+    EXPECT_TRUE(Child<QWidget>("txtVchTpName")->isEnabled());
+    EXPECT_TRUE(Child<QWidget>("cmdCols")->isEnabled());
+    EXPECT_TRUE(Child<QProgressBar>("progress")->isHidden());
+}
+
+TEST_F(AutoVchDialogTest, CancelDuringTheGenerationKeepsTheDialogAndWritesNothing) {
+    set_.Respond("'' as FRemark", [this](const std::string&) {
+        // As soon as the first progress lets events through.
+        QTimer::singleShot(0, dialog_.get(),
+                           [this] { QTest::mouseClick(Child<QPushButton>("Command2"), Qt::LeftButton); });
+        return Rows(autovch::VoucherColumns(), {autovch::VoucherRow(2, "提现", 0)});
+    });
+    QTest::keyClicks(Child<QLineEdit>("txtVchTpName"), QStringLiteral("March"));
+    QTest::mouseClick(Child<QPushButton>("Command0"), Qt::LeftButton);
+    EXPECT_TRUE(dialog_->isVisible());
+    EXPECT_FALSE(dialog_->Result().generated);
+    EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
+    for (const std::string& sql : set_.Statements())
+        EXPECT_EQ(sql.find("insert into"), std::string::npos) << sql;
 }
 
 TEST_F(AutoVchDialogTest, AMissingNameKeepsItOpen) {
