@@ -138,5 +138,29 @@ TEST_F(GenerateTest, EachDetailIdIsAskedForOnce) {
     EXPECT_NE(BatchSent().find(",'01.01') \r\n"), std::string::npos);
 }
 
+// Round trips of a generation from that many lines, with four detail ids among them.
+std::size_t RoundTrips(fakes::FakeAccountSet& set, const GenerationRequest& request, int lines) {
+    std::vector<std::vector<Variant>> rows;
+    for (int line = 0; line < lines; ++line)
+        rows.push_back(VoucherRow(1 + line / 2, "提现", 16 + line % 4));
+    set.Answer("from t_Voucher a", Rows(VoucherColumns(), rows));
+    set.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}));
+    ExistsAfterTheBatch(set, 9);
+    set.Forget();
+    EXPECT_TRUE(Generate(request).generated);
+    return set.Statements().size();
+}
+
+TEST_F(GenerateTest, RoundTripsDoNotGrowWithTheLines) {
+    set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}, {{1, "t_Organization"}}));
+    set_.Answer("as FItemsInfo from t_ItemDetail a", Rows({"FItemsInfo"}, {{"01.01"}}));
+    EXPECT_EQ(RoundTrips(set_, request_, 8), 6U);
+    EXPECT_EQ(RoundTrips(set_, request_, 8000), 6U);
+    // With the items: two more for each distinct detail id.
+    request_.columns = {11};
+    EXPECT_EQ(RoundTrips(set_, request_, 8), 6U + 2 * 4);
+    EXPECT_EQ(RoundTrips(set_, request_, 8000), 6U + 2 * 4);
+}
+
 }  // namespace
 }  // namespace vicenter::autovch

@@ -39,6 +39,29 @@ TEST_F(SupportLateBound, TheCodecGoesBothWays) {
     EXPECT_EQ(json->Call("ENCODE", {value}), Variant(R"({"a":[1,true,null],"b":"凭证"})"));
 }
 
+TEST_F(SupportLateBound, TheCodecsEdgeCasesAreThoseOfTheClass) {
+    const ObjectRef json = CreateObject("VelaVICenter.VbsJson");
+    const auto again = [&](const char* text) {
+        return json->Call("Encode", {json->Call("Decode", {text})}).ToText();
+    };
+    EXPECT_EQ(again("[]"), "[]");
+    EXPECT_EQ(again("{}"), "{}");
+    EXPECT_EQ(again("01"), "0");         // the rest is left alone
+    EXPECT_EQ(again("[x,5]"), "[5,5]");  // a number is searched for, and the place moves on by its length
+    EXPECT_EQ(again("[] rest"), "[]");
+    EXPECT_EQ(again(R"( { "a" : [ 1 , { "b" : null } ] } )"), R"({"a":[1,{"b":null}]})");
+    EXPECT_EQ(again(R"("\u51ed\ud83d\ude00\/\b")"), R"("凭😀/\b")");
+    const std::string deep(100'000, '[');
+    EXPECT_EQ(ErrorOf([&] { json->Call("Decode", {deep}); }), "8732 Nesting too deep");
+    for (const auto& [text, error] :
+         {std::pair{"{1", "8732 Expecting property name"}, std::pair{"{\"a\"", "8732 Expecting : delimiter"},
+          std::pair{"[1 2]", "8732 Expecting , delimiter"},
+          std::pair{"\"abc", "8732 Unterminated string starting"},
+          std::pair{"\"\\x\"", "8732 Invalid escape"}}) {
+        EXPECT_EQ(ErrorOf([&] { json->Call("Decode", {text}); }), error) << text;
+    }
+}
+
 TEST_F(SupportLateBound, TheCodecReadsTheTextOfAnyValue) {
     const ObjectRef json = CreateObject("VelaVICenter.VbsJson");
     EXPECT_EQ(json->Call("Decode", {12}), Variant(12.0));
@@ -57,6 +80,7 @@ TEST_F(SupportLateBound, TheCodecsErrorsKeepTheirNumberAndText) {
 
 TEST_F(SupportLateBound, TheBuilderHasAllItsMembers) {
     const ObjectRef builder = CreateObject("VelaVICenter.StringBuilder");
+    EXPECT_EQ(builder->Call("ToString"), Variant(""));
     EXPECT_EQ(builder->Get("ChunkSize").ToInt32(), 8192);
     builder->Put("ChunkSize", 4);
     EXPECT_EQ(builder->Get("ChunkSize").ToInt32(), 4);
