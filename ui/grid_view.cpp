@@ -280,15 +280,6 @@ void GridView::inputMethodEvent(QInputMethodEvent* event) {
         event->accept();
         return;
     }
-    if (!event->commitString().isEmpty() && event->preeditString().isEmpty() && !IsEditing() &&
-        current.isValid()) {
-        // A text that arrives whole, without a composition before it: Qt opens the editor and drops the text.
-        if (edit(current, AnyKeyPressed, nullptr)) {
-            if (QWidget* editor = OpenEditor()) QApplication::sendEvent(editor, event);
-        }
-        event->accept();
-        return;
-    }
     QTableView::inputMethodEvent(event);
 }
 
