@@ -58,6 +58,16 @@ Row& Sheet::RowAt(std::uint32_t row) {
     return rows_[row];
 }
 
+// The rows of a table are alike: a row begins with room for the columns in use, or as many as the row above
+// it has, and grows little by little from there. Doubling would leave half of most rows unused.
+std::size_t Sheet::RoomFor(std::uint32_t row) const {
+    constexpr std::size_t kMostAtFirst = 32;
+    const std::size_t size = rows_[row].size();
+    if (size > 0) return size + std::max<std::size_t>(4, size / 4);
+    const std::size_t columns = anyUsed_ ? used_.lastColumn - used_.firstColumn + 1 : 1;
+    return std::max(std::min(columns, kMostAtFirst), row > 0 ? rows_[row - 1].size() : 0);
+}
+
 Cell& Sheet::At(std::uint32_t row, std::uint32_t column) {
     if (column >= kMaxColumns) FailTooLarge();
     Row& cells = RowAt(row);
@@ -67,10 +77,11 @@ Cell& Sheet::At(std::uint32_t row, std::uint32_t column) {
         place = std::lower_bound(cells.begin(), cells.end(), column,
                                  [](const Cell& cell, std::uint32_t wanted) { return cell.column < wanted; });
         if (place->column == column) return *place;
-    } else if (cells.empty() && row > 0) {
-        // The rows of a table are alike: reserving what the row above took saves growing and spares memory.
-        cells.reserve(rows_[row - 1].size());
-        place = cells.end();
+    }
+    if (cells.size() == cells.capacity()) {
+        const auto before = place - cells.begin();
+        cells.reserve(RoomFor(row));
+        place = cells.begin() + before;
     }
     workbook_.Charge(sizeof(Cell));
     Cell cell;

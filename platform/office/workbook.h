@@ -97,6 +97,7 @@ class Sheet {
 
   private:
     Row& RowAt(std::uint32_t row);
+    std::size_t RoomFor(std::uint32_t row) const;
 
     Workbook& workbook_;
     std::string name_;

@@ -1,5 +1,6 @@
 #include "platform/office/xls_reader.h"
 
+#include <algorithm>
 #include <bit>
 #include <map>
 #include <set>
@@ -250,6 +251,9 @@ class Reader {
             }
             case xls::kFormula:
                 return ReadFormula(sheet);
+            case xls::kColumnInfo:
+                ReadColumns(sheet);
+                return lastRow;
             case xls::kBlank: {
                 const Place place = ReadPlace();
                 if (place.styled) sheet.ExtendUsedArea(place.row, place.column);
@@ -266,6 +270,15 @@ class Reader {
             default:
                 return lastRow;
         }
+    }
+
+    void ReadColumns(Sheet& sheet) {
+        std::uint32_t column = in_.U16();
+        const std::uint32_t last = std::min<std::uint32_t>(in_.U16(), kMaxXlsColumns - 1);
+        in_.Skip(4);
+        if ((in_.U16() & 1) == 0) return;
+        for (; column <= last; ++column)
+            sheet.ColumnAt(column).hidden = true;
     }
 
     std::uint32_t ReadFormula(Sheet& sheet) {

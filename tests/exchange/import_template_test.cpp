@@ -316,9 +316,22 @@ TEST_F(ImportTest, QuitsTheServerWhateverHappens) {
 }
 
 TEST_F(ImportTest, TakesTemplatesOfEveryProgram) {
-    const Lines samples = {"openpyxl.xlsx",    "xlsxwriter-inline.xlsx", "xlwt.xls",
-                           "sheetjs.xls",      "sheetjs.xlsx",           "libreoffice.xls",
-                           "libreoffice.xlsx", "gnumeric.xls",           "gnumeric.xlsx"};
+    const Lines samples = {"openpyxl.xlsx",
+                           "xlsxwriter-inline.xlsx",
+                           "xlwt.xls",
+                           "exceljs.xlsx",
+                           "sheetjs.xls",
+                           "sheetjs.xlsx",
+                           "sheetjs-features.xls",
+                           "sheetjs-features.xlsx",
+                           "libreoffice.xls",
+                           "libreoffice.xlsx",
+                           "libreoffice-features.xls",
+                           "libreoffice-features.xlsx",
+                           "gnumeric.xls",
+                           "gnumeric.xlsx",
+                           "gnumeric-features.xls",
+                           "gnumeric-features.xlsx"};
     for (const std::string& name : samples) {
         set_.Forget();
         EXPECT_TRUE(Import(std::string(VICENTER_SOURCE_DIR "/tests/data/workbooks/") + name)) << name;

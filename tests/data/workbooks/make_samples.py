@@ -101,19 +101,19 @@ def xlwt_sample():
 
 
 def office_samples():
-    if shutil.which("soffice"):
-        for kind, name in (("xls", "MS Excel 97"), ("xlsx", "Calc MS Excel 2007 XML")):
-            subprocess.run(["soffice", "--headless", "--convert-to", f"{kind}:{name}", "--outdir", "office",
-                            "xlsxwriter-inline.xlsx"], check=True)
-            shutil.move(f"office/xlsxwriter-inline.{kind}", f"libreoffice.{kind}")
-        subprocess.run(["soffice", "--headless", "--convert-to", "xls:MS Excel 97", "--outdir", "office",
-                        "openpyxl-1904.xlsx"], check=True)
-        shutil.move("office/openpyxl-1904.xls", "libreoffice-1904.xls")
-        shutil.rmtree("office")
-    if shutil.which("ssconvert"):
-        subprocess.run(["ssconvert", "xlsxwriter-inline.xlsx", "gnumeric.xlsx"], check=True)
-        subprocess.run(["ssconvert", "-T", "Gnumeric_Excel:excel_biff8", "xlsxwriter-inline.xlsx", "gnumeric.xls"],
-                       check=True)
+    """What the two office programs make of the files above, the sheet with hidden and frozen parts among them."""
+    plain = [("xlsxwriter-inline", "")]
+    features = [("openpyxl", "-features"), ("openpyxl-1904", "-1904")]
+    for source, mark in plain + features:
+        if shutil.which("soffice"):
+            for kind, name in (("xls", "MS Excel 97"), ("xlsx", "Calc MS Excel 2007 XML")):
+                subprocess.run(["soffice", "--headless", "--convert-to", f"{kind}:{name}", "--outdir", "office",
+                                f"{source}.xlsx"], check=True)
+                shutil.move(f"office/{source}.{kind}", f"libreoffice{mark}.{kind}")
+            shutil.rmtree("office")
+        if shutil.which("ssconvert"):
+            for kind, exporter in (("xls", "Gnumeric_Excel:excel_biff8"), ("xlsx", "Gnumeric_Excel:xlsx2")):
+                subprocess.run(["ssconvert", "-T", exporter, f"{source}.xlsx", f"gnumeric{mark}.{kind}"], check=True)
 
 
 openpyxl_sample()

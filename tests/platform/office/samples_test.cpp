@@ -7,10 +7,22 @@ std::string Sample(const std::string& name) {
     return std::string(VICENTER_SOURCE_DIR "/tests/data/workbooks/") + name;
 }
 
+// The same sheet with what people do to it: hidden, merged, filtered, frozen and commented parts.
+const std::vector<std::string> kFeatureSamples = {"openpyxl.xlsx",
+                                                  "exceljs.xlsx",
+                                                  "sheetjs-features.xls",
+                                                  "sheetjs-features.xlsx",
+                                                  "gnumeric-features.xls",
+                                                  "gnumeric-features.xlsx",
+                                                  "libreoffice-features.xls",
+                                                  "libreoffice-features.xlsx"};
+
 TEST(Samples, TemplateSheetsByEveryProgramReadAlike) {
-    for (const char* name :
-         {"openpyxl.xlsx", "xlsxwriter-inline.xlsx", "xlwt.xls", "sheetjs.xls", "sheetjs.xlsx",
-          "libreoffice.xls", "libreoffice.xlsx", "gnumeric.xls", "gnumeric.xlsx"}) {
+    std::vector<std::string> names = {"xlsxwriter-inline.xlsx", "xlwt.xls",        "sheetjs.xls",
+                                      "sheetjs.xlsx",           "libreoffice.xls", "libreoffice.xlsx",
+                                      "gnumeric.xls",           "gnumeric.xlsx"};
+    names.insert(names.end(), kFeatureSamples.begin(), kFeatureSamples.end());
+    for (const std::string& name : names) {
         const auto workbook = ReadWorkbook(Sample(name));
         const Sheet* sheet = workbook->FindSheet("凭证模板");
         ASSERT_NE(sheet, nullptr) << name;
@@ -28,13 +40,20 @@ TEST(Samples, TemplateSheetsByEveryProgramReadAlike) {
 }
 
 TEST(Samples, DatesCountedFrom1904AreTheSameDays) {
-    for (const char* name : {"openpyxl-1904.xlsx", "libreoffice-1904.xls"}) {
+    for (const char* name : {"openpyxl-1904.xlsx", "libreoffice-1904.xls", "libreoffice-1904.xlsx",
+                             "gnumeric-1904.xls", "gnumeric-1904.xlsx"}) {
         const auto workbook = ReadWorkbook(Sample(name));
         const Sheet& sheet = *workbook->Sheets()[0];
         EXPECT_EQ(TextAt(*workbook, sheet, 0, 0), "2024-01-02") << name;
         EXPECT_EQ(TextAt(*workbook, sheet, 0, 1), "2024-01-02 03:04:05") << name;
         EXPECT_EQ(TextAt(*workbook, sheet, 0, 2), "#N/A") << name;
         EXPECT_EQ(TextAt(*workbook, sheet, 0, 3), "TRUE") << name;
+    }
+    for (const char* name : {"exceljs.xlsx", "sheetjs-features.xls", "sheetjs-features.xlsx"}) {
+        const auto workbook = ReadWorkbook(Sample(name));
+        const Sheet* sheet = workbook->FindSheet("日期");
+        ASSERT_NE(sheet, nullptr) << name;
+        EXPECT_EQ(TextAt(*workbook, *sheet, 0, 0), "2024-01-02") << name;
     }
 }
 
@@ -53,11 +72,21 @@ TEST(Samples, RichTextsFormulaResultsAndFormatsAreRead) {
 }
 
 TEST(Samples, HiddenSheetsAndColumnsAreKnownAsSuch) {
-    const auto workbook = ReadWorkbook(Sample("openpyxl.xlsx"));
-    ASSERT_EQ(workbook->Sheets().size(), 3u);
-    EXPECT_TRUE(workbook->Sheets()[2]->IsHidden());
-    EXPECT_TRUE(workbook->Sheets()[1]->Columns().at(7).hidden);
-    EXPECT_EQ(workbook->Sheets()[1]->UsedArea().lastRow, 6u);
+    for (const std::string& name : kFeatureSamples) {
+        const auto workbook = ReadWorkbook(Sample(name));
+        ASSERT_EQ(workbook->Sheets().size(), 3u) << name;
+        const Sheet* hidden = workbook->FindSheet("隐藏");
+        const Sheet* sheet = workbook->FindSheet("凭证模板");
+        ASSERT_NE(hidden, nullptr) << name;
+        ASSERT_NE(sheet, nullptr) << name;
+        EXPECT_FALSE(sheet->IsHidden()) << name;
+        // Gnumeric writes no hidden sheets into .xlsx files.
+        const bool sheetsLost = name == "gnumeric-features.xlsx";
+        EXPECT_TRUE(sheet->Columns().count(7) != 0 && sheet->Columns().at(7).hidden) << name;
+        EXPECT_EQ(hidden->IsHidden(), !sheetsLost) << name;
+        EXPECT_FALSE(sheet->Columns().count(6) != 0 && sheet->Columns().at(6).hidden) << name;
+    }
+    EXPECT_EQ(ReadWorkbook(Sample("openpyxl.xlsx"))->FindSheet("凭证模板")->UsedArea().lastRow, 6u);
 }
 
 }  // namespace
