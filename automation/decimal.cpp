@@ -256,14 +256,14 @@ int Decimal::Compare(const Decimal& a, const Decimal& b) {
     const UInt128 wholeA = a.magnitude_ / PowerOfTen(a.scale_);
     const UInt128 wholeB = b.magnitude_ / PowerOfTen(b.scale_);
     if (wholeA != wholeB) return wholeA < wholeB ? -sign : sign;
-    const int scale = std::max(a.scale_, b.scale_);
+    const int scale = std::max(a.Scale(), b.Scale());
     const UInt128 restA = (a.magnitude_ % PowerOfTen(a.scale_)) * PowerOfTen(scale - a.scale_);
     const UInt128 restB = (b.magnitude_ % PowerOfTen(b.scale_)) * PowerOfTen(scale - b.scale_);
     return restA == restB ? 0 : (restA < restB ? -sign : sign);
 }
 
 Decimal Decimal::Add(const Decimal& a, const Decimal& b) {
-    const int scale = std::max(a.scale_, b.scale_);
+    const int scale = std::max(a.Scale(), b.Scale());
     const auto x = ScaledUp(a.magnitude_, scale - a.scale_);
     const auto y = ScaledUp(b.magnitude_, scale - b.scale_);
     if (!x || !y) {
@@ -330,7 +330,7 @@ Decimal Decimal::Divide(const Decimal& a, const Decimal& b, int scale) {
 
 Decimal Decimal::Remainder(const Decimal& a, const Decimal& b) {
     if (b.IsZero()) throw Error(error_number::kDivisionByZero);
-    const int scale = std::max(a.scale_, b.scale_);
+    const int scale = std::max(a.Scale(), b.Scale());
     const auto x = ScaledUp(a.magnitude_, scale - a.scale_);
     const auto y = ScaledUp(b.magnitude_, scale - b.scale_);
     if (!x || !y) Overflow();

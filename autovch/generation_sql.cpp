@@ -98,9 +98,9 @@ std::string ControlRows(bool overwrite) {
           "     select distinct FNo from t_VchTemplateEntry where FID = @MaxFID ", " OPEN @Vch_cursor ",
           " FETCH @Vch_cursor into @FNo ", " while @@fetch_status=0 ", " Begin ",
           "     declare @FFileCount int ", "     declare @Exp nvarchar(255) ",
-          "     select Top 1 @FFileCount=FFileCount,@Exp=FExp from t_VchTemplateEntry where FID = @MaxFID "
-          "and FNo = @FNo "
-          "order by FEntryID "}) {
+          ("     select Top 1 @FFileCount=FFileCount,@Exp=FExp from t_VchTemplateEntry where FID = @MaxFID "
+           "and FNo = @FNo "
+           "order by FEntryID ")}) {
         AppendLine(sql, line);
     }
     AppendLine(

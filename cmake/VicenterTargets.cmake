@@ -50,7 +50,8 @@ endif()
 
 if(VICENTER_TIDY)
   find_program(CLANG_TIDY_PROGRAM NAMES clang-tidy-14 clang-tidy REQUIRED)
-  set(CMAKE_CXX_CLANG_TIDY "${CLANG_TIDY_PROGRAM}")
+  # The compile commands are the other compiler's.
+  set(CMAKE_CXX_CLANG_TIDY "${CLANG_TIDY_PROGRAM};--quiet;--extra-arg=-Wno-unknown-warning-option")
 endif()
 
 function(vicenter_library name)

@@ -26,6 +26,13 @@ class FactoryScope {
     std::shared_ptr<entry::WindowFactory> before_;
 };
 
+QtMessageHandler defaultHandler = nullptr;
+
+// Without a window manager the platform notes at every window that it cannot pass hints on.
+void LeaveOutPlatformNotes(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (!text.startsWith(QLatin1String("This plugin does not support"))) defaultHandler(type, context, text);
+}
+
 void CloseAll() {
     for (QWidget* window : QApplication::topLevelWidgets())
         window->close();
@@ -49,6 +56,7 @@ int RunWindow(int argc, char** argv, const WindowRun& run) {
 int RunOffscreenSession(int argc, char** argv, const WindowRun& run, const std::string& folder,
                         std::ostream& out) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    defaultHandler = qInstallMessageHandler(LeaveOutPlatformNotes);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     SetUpApplication(application);
