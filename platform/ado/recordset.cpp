@@ -1,5 +1,6 @@
 #include "platform/ado/recordset.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -159,10 +160,15 @@ void Recordset::Reserve(std::size_t rows) {
     values_.reserve(rows * columns_.size());
 }
 
-void Recordset::AppendRow(std::span<Variant> values) {
-    for (Variant& value : values)
-        values_.push_back(std::move(value));
+void Recordset::AppendRow(std::vector<Variant> values) {
+    std::move(values.begin(), values.end(), AppendRow().begin());
+}
+
+std::span<Variant> Recordset::AppendRow() {
+    const std::size_t begin = values_.size();
+    values_.resize(begin + columns_.size());
     ++rows_;
+    return std::span(values_).subspan(begin);
 }
 
 std::int64_t Recordset::RecordCount() const {

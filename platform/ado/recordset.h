@@ -89,9 +89,9 @@ class Recordset : public automation::TableObject<Recordset> {
 
     void Reserve(std::size_t rows);
     // values.size() must equal ColumnCount().
-    void AppendRow(std::vector<Variant> values) { AppendRow(std::span(values)); }
-    // Moves the values out.
-    void AppendRow(std::span<Variant> values);
+    void AppendRow(std::vector<Variant> values);
+    // A new row of empty values, one a column, to be filled before the next is appended.
+    std::span<Variant> AppendRow();
 
     bool IsOpen() const { return open_; }
     std::int64_t RecordCount() const;  // -1 for a closed recordset

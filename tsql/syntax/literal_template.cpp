@@ -48,8 +48,8 @@ bool StartsDataStatement(const Token& first) {
 
 // Words that can only start the next statement behind a complete one. WITH, FETCH, ELSE and the like could go
 // on.
-bool StartsNextStatement(std::string_view word) {
-    switch (FindKeyword(word)) {
+bool StartsNextStatement(Keyword word) {
+    switch (word) {
         case Keyword::kSelect:
         case Keyword::kInsert:
         case Keyword::kUpdate:
@@ -104,11 +104,11 @@ class LiteralFinder {
         } else if (token.keyword == Keyword::kBy) {
             sorting_ = true;
             sortingLevel_ = parens_.size();
-        } else if (sorting_ && parens_.size() == sortingLevel_ && StartsNextStatement(token.text)) {
+        } else if (sorting_ && parens_.size() == sortingLevel_ && StartsNextStatement(token.keyword)) {
             sorting_ = false;
         }
         fixedDepth_ = !parens_.empty() && parens_.back();
-        if (StartsNextStatement(token.text)) {
+        if (StartsNextStatement(token.keyword)) {
             calling_ = token.keyword == Keyword::kExec || token.keyword == Keyword::kExecute;
         }
         previous_ = token;
@@ -341,7 +341,7 @@ bool EndsWell(std::string_view text, std::size_t at) {
     std::size_t end = at;
     while (end < text.size() && IsWordByte(text[end]))
         ++end;
-    return end > at && StartsNextStatement(text.substr(at, end - at));
+    return end > at && StartsNextStatement(FindKeyword(text.substr(at, end - at)));
 }
 
 void AppendMark(std::string& key, const LiteralValue& value) {

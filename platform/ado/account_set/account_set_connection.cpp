@@ -132,10 +132,9 @@ class RecordsetSink final : public engine::ResultSink {
         last_ = std::move(next);
     }
     void AddRow(std::vector<engine::Value>& row) override {
-        values_.clear();
+        const std::span<Variant> values = last_->AppendRow();
         for (std::size_t i = 0; i < row.size(); ++i)
-            values_.push_back(VariantOf(row[i], types_[i]));
-        last_->AppendRow(std::span(values_));
+            values[i] = VariantOf(row[i], types_[i]);
     }
     void Message(const tsql::Diagnostic& message) override { messages_.push_back(message); }
 
@@ -146,7 +145,6 @@ class RecordsetSink final : public engine::ResultSink {
     RecordsetRef first_;
     RecordsetRef last_;
     std::vector<engine::SqlType> types_;
-    std::vector<Variant> values_;  // of one row at a time
     std::vector<tsql::Diagnostic> messages_;
 };
 
