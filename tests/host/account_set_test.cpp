@@ -111,6 +111,25 @@ TEST(DemoSet, EveryEntryPointsToDetailAccountsCurrenciesAndItemsThatExist) {
               Number(*set, "select count(*) from t_ItemDetailV"));
 }
 
+TEST(DemoSet, HoldsTheMasterDataOfATradingFirm) {
+    test::TestFolder folder;
+    const ado::ConnectionRef set = OpenDemo(folder);
+    for (const char* currency : {"RMB", "USD", "EUR", "HKD"})
+        EXPECT_EQ(1, Number(*set, std::string("select count(*) from t_Currency where FNumber = '") +
+                                      currency + "'"));
+    EXPECT_EQ(66, Number(*set, "select count(*) from t_Account where FLevel = 1"));
+    for (const char* some :
+         {"t_Account where FLevel > 1 and FDetail = 1", "t_Account where FIsBank <> 0 and FDetail = 1",
+          "t_Account where FCurrencyID = 0", "t_Account where FCurrencyID > 1",
+          "t_Account where FUnitGroupID <> 0 and FQuantities <> 0", "t_Account where FDetailID <> 0",
+          "t_Customer", "t_Supplier", "t_Department", "t_Employee", "t_Item_3001", "t_Settle", "t_UnitGroup",
+          "t_MeasureUnit", "t_VoucherExp where FAccountID <> 0", "t_VoucherExp where FAccountID = 0"}) {
+        EXPECT_GT(Number(*set, std::string("select count(*) from ") + some), 0) << some;
+    }
+    EXPECT_GT(Number(*set, "select count(distinct FGroupID) from t_Voucher"), 2);
+    EXPECT_EQ(2, Number(*set, "select count(distinct FYear) from t_Voucher where FPosted = 1"));
+}
+
 TEST(DemoSet, HasItsUsersTemplatesAndTheStandardTemplate) {
     test::TestFolder folder;
     const ado::ConnectionRef set = OpenDemo(folder);
