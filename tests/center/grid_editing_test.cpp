@@ -129,6 +129,26 @@ TEST_F(GridEditingTest, TheCellThatWasLeftIsRedWhenItsCheckFailsAndBlackOtherwis
     EXPECT_EQ(Color(1, 9), color::kBlack);
 }
 
+TEST_F(GridEditingTest, AnExplanationThatBringsItsAccountMakesTheRowsOtherCellsSound) {
+    set_.Answer(
+        "on a.FAccountID = b.FAccountID where a.FNumber = '3'",
+        Rows({"FExplanation", "FAccountID", "FNumber", "FName"}, {{"提款", Variant(2), "1002", "银行存款"}}));
+    Type(1, 9, "01");
+    EXPECT_EQ(Color(1, 9), color::kRed);  // no account yet
+    Type(1, 2, "3");
+    EXPECT_EQ(Text(1, 5), "1002");
+    EXPECT_EQ(Color(1, 9), color::kBlack);
+}
+
+TEST_F(GridEditingTest, ACursorThatStaysLeavesNoCell) {
+    Grid().SetActiveCell({1, 5});
+    editing_.CommitText({1, 5}, "1001");
+    editing_.MoveActiveCell({1, 5});
+    EXPECT_EQ(Text(1, 6), "");
+    editing_.MoveActiveCell({1, 7});
+    EXPECT_EQ(Text(1, 6), "库存现金");
+}
+
 TEST_F(GridEditingTest, AnAccountCodeThatIsNotFoundKeepsTheOldIdAndName) {
     Type(1, 5, "1001");
     Type(1, 5, "9999");
