@@ -6,6 +6,7 @@
 // their place until they are deleted. Memory is bounded by kMaxWorkbookBytes whatever a file declares. Not
 // thread-safe.
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -133,6 +134,12 @@ class Workbook {
     void Charge(std::size_t bytes) {
         charged_ += bytes;
         if (charged_ + texts_.Bytes() > kMaxWorkbookBytes) FailTooLarge();
+    }
+
+    // Charges what one more entry makes a list grow by: old and new memory stand side by side for a while.
+    template <class T>
+    void ChargeEntry(const std::vector<T>& list) {
+        if (list.size() == list.capacity()) Charge(std::max<std::size_t>(1, 2 * list.capacity()) * sizeof(T));
     }
 
   private:

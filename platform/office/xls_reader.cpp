@@ -113,7 +113,7 @@ class Reader {
         const std::uint32_t count = in_.U32();
         for (std::uint32_t i = 0; i < count; ++i) {
             in_.ReadText(text_);
-            workbook_->Charge(sizeof(std::uint32_t));
+            workbook_->ChargeEntry(texts_);
             texts_.push_back(workbook_->Texts().Intern(text_));
         }
     }

@@ -129,7 +129,7 @@ void ReadXlsxSharedTexts(ByteSource& part, Workbook& workbook, XlsxTables& table
         if (token != Token::Start || scanner.Name() != "si") continue;
         text.clear();
         ReadStringItem(scanner, text);
-        workbook.Charge(sizeof(std::uint32_t));
+        workbook.ChargeEntry(tables.sharedTexts);
         tables.sharedTexts.push_back(workbook.Texts().Intern(text));
     }
 }

@@ -2,6 +2,7 @@
 #include <random>
 
 #include "platform/office/xlsx_package.h"
+#include "platform/office/xlsx_reader.h"
 #include "platform/office/zip_writer.h"
 #include "tests/platform/office/office_fixture.h"
 
@@ -231,6 +232,39 @@ TEST_F(Hostile, ManySheetsOnOnePartAreBoundedByMemory) {
     package.workbook += "</sheets></workbook>";
     package.sheet = "<worksheet><sheetData><row r='1048576'><c><v>1</v></c></row></sheetData></worksheet>";
     ExpectRefused(package);
+}
+
+// Shared texts that are empty cost nothing but their places, whose list doubles as it grows.
+TEST_F(Hostile, TheListOfSharedTextsIsBoundedWithItsGrowth) {
+    class EmptyTexts : public ByteSource {
+      public:
+        std::size_t Read(char* buffer, std::size_t size) override {
+            std::size_t count = 0;
+            for (; count < size && at_ < xml_.size(); ++count)
+                buffer[count] = xml_[at_++];
+            return count;
+        }
+
+      private:
+        static std::string Make() {
+            std::string xml = "<sst>";
+            for (int i = 0; i < 100'000; ++i)
+                xml += "<si/>";
+            return xml + "</sst>";
+        }
+        std::string xml_ = Make();
+        std::size_t at_ = 0;
+    };
+    const auto read = [](std::size_t room) {
+        EmptyTexts source;
+        Workbook workbook;
+        workbook.Charge(kMaxWorkbookBytes - room);
+        XlsxTables tables;
+        ReadXlsxSharedTexts(source, workbook, tables);
+        return tables.sharedTexts.size();
+    };
+    EXPECT_EQ(read(2u << 20), 100'000u);
+    EXPECT_THROW(read(500'000), automation::Error);
 }
 
 // --- the old kind
