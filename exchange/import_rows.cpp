@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "entry/sql_text.h"
 #include "exchange/cell_reading.h"
@@ -16,6 +17,27 @@ using automation::Variant;
 std::string ErrorPlace(std::int32_t row, std::size_t index) {
     return "第" + std::to_string(row) + "行，第" + ColumnLetter(static_cast<std::int32_t>(index + 1)) +
            "列值存在错误";
+}
+
+// A code shown with zeros before or behind ("0000", "0.00") is typed with them. What the format would round
+// is left as it is.
+std::string WithZerosOf(std::string_view format, std::string text) {
+    constexpr std::string_view kDigits = "0123456789";
+    const auto parts = [](std::string_view number) {
+        const std::size_t point = std::min(number.find('.'), number.size());
+        return std::pair{number.substr(0, point), number.substr(std::min(number.size(), point + 1))};
+    };
+    const auto [wholeZeros, decimalZeros] = parts(format);
+    const auto [whole, decimals] = parts(text);
+    const bool zerosOnly = !wholeZeros.empty() && wholeZeros.find_first_not_of('0') == wholeZeros.npos &&
+                           decimalZeros.find_first_not_of('0') == decimalZeros.npos;
+    const bool digitsOnly = !whole.empty() && whole.find_first_not_of(kDigits) == whole.npos &&
+                            decimals.find_first_not_of(kDigits) == decimals.npos;
+    if (!zerosOnly || !digitsOnly || decimals.size() > decimalZeros.size()) return text;
+    const std::size_t before = wholeZeros.size() - std::min(wholeZeros.size(), whole.size());
+    const std::size_t behind = decimalZeros.size() - decimals.size();
+    if (decimals.empty() && behind > 0) text += '.';
+    return std::string(before, '0') + text + std::string(behind, '0');
 }
 
 // What an accepted cell becomes in the insert.
@@ -61,13 +83,7 @@ std::string ImportRows::ReadCell(std::int32_t row, std::size_t index) {
     if (value.Type() != automation::VariantType::Double || kColumns[columns_[index]].type != CellType::Text) {
         return text;
     }
-    // A code shown with leading zeros ("0000") is typed with them.
-    const std::string format = cells_.At(row, column)->Get("NumberFormat").ToTextOrEmpty();
-    if (format.size() > text.size() && format.find_first_not_of('0') == std::string::npos &&
-        text.find_first_not_of("0123456789") == std::string::npos) {
-        text.insert(0, format.size() - text.size(), '0');
-    }
-    return text;
+    return WithZerosOf(cells_.At(row, column)->Get("NumberFormat").ToTextOrEmpty(), std::move(text));
 }
 
 bool ImportRows::ReadRow(std::int32_t row) {

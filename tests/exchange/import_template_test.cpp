@@ -266,6 +266,45 @@ TEST_F(ImportTest, ReadsCodesAsTheyAreShown) {
     EXPECT_NE(Batch().find("values(@MaxFID,2,12,'12',1,'0012','12','12') "), std::string::npos) << Batch();
 }
 
+TEST_F(ImportTest, ReadsCodesWithTheDecimalsThatTheyAreShownWith) {
+    office::Workbook workbook;
+    office::Sheet& sheet = workbook.AddSheet(kSheetName);
+    const std::vector<std::pair<const char*, double>> shown = {{"0.00", 1001.1},     {"0.00", 1001},
+                                                               {"0.0", 1001.25},     {"00000.00", 12.5},
+                                                               {"#,##0.00", 1001.1}, {"0.00", -1}};
+    const auto setText = [&](std::uint32_t row, std::uint32_t column, const std::string& text) {
+        office::Cell& cell = sheet.At(row, column);
+        cell.kind = office::CellKind::Text;
+        cell.text = workbook.Texts().Intern(text);
+    };
+    for (std::uint32_t c = 0; c < kShortHeaders.size(); ++c)
+        setText(0, c, kShortHeaders[c]);
+    for (std::uint32_t i = 0; i < shown.size(); ++i) {
+        for (const auto& [column, text] :
+             std::vector<std::pair<std::uint32_t, const char*>>{{0, "1"}, {1, "a"}, {2, "借"}, {4, "n"}}) {
+            setText(i + 1, column, text);
+        }
+        office::CellFormat format;
+        format.numberFormat = shown[i].first;
+        office::Cell& cell = sheet.At(i + 1, 3);
+        cell.kind = office::CellKind::Number;
+        cell.number = shown[i].second;
+        cell.format = workbook.Formats().Intern(format);
+    }
+    for (const auto kind : {office::FileKind::Xls, office::FileKind::Xlsx}) {
+        set_.Forget();
+        office::WriteWorkbook(workbook, folder_.File("d"), kind);
+        EXPECT_TRUE(Import(folder_.File("d")));
+        const Lines codes = {"1001.10", "1001.00", "1001.25", "00012.50", "1001.1", "-1"};
+        for (std::size_t i = 0; i < codes.size(); ++i) {
+            EXPECT_NE(Batch().find("," + std::to_string(i + 2) + ",1,'a',1,'" + codes[i] + "','n'"),
+                      std::string::npos)
+                << codes[i] << "\n"
+                << Batch();
+        }
+    }
+}
+
 TEST_F(ImportTest, LeavesOutBlankRowsBehindTheLastFilledOne) {
     EXPECT_TRUE(
         ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}, {" ", " "}, {"", "", "", "", "", "  "}}));

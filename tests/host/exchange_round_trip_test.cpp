@@ -2,6 +2,8 @@
 // generated ones that hold every edge value, through files of both kinds.
 
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <random>
 
 #include "exchange/template_columns.h"
@@ -273,6 +275,37 @@ TEST_F(ExchangeRoundTrip, GeneratedTemplatesComeBack) {
 TEST_F(ExchangeRoundTrip, ATemplateWithoutLinesComesBackEmpty) {
     AddTemplate("990", "空");
     ExpectSameAfterRoundTrip("990", "空", "1");
+}
+
+TEST_F(ExchangeRoundTrip, AFolderIsImportedFileByFileInTheOrderOfNames) {
+    namespace fs = std::filesystem;
+    const fs::path in = system::PathFromUtf8(folder_.Path("in"));
+    fs::create_directories(in / "deeper");
+    for (const char* file : {"in/b.XLSX", "in/a.xls", "in/deeper/c.xls"})
+        ASSERT_EQ(kExitDone, Run({"export", "日常费用", folder_.Path(file)}).exitCode);
+    std::ofstream(in / "notes.txt") << "no workbook";
+    const CliAnswer answer = Run({"import", folder_.Path("in")});
+    EXPECT_EQ(kExitDone, answer.exitCode);
+    EXPECT_EQ("引入模板 a 成功！\n引入模板 b 成功！\n", answer.output);
+    EXPECT_EQ(0, Number("select count(*) from t_VchTemplate where FName = 'c'"));
+}
+
+TEST_F(ExchangeRoundTrip, AFaultyFileOfAFolderKeepsTheOthersFromNothing) {
+    const auto in = system::PathFromUtf8(folder_.Path("in"));
+    std::filesystem::create_directories(in);
+    ASSERT_EQ(kExitDone, Run({"export", "日常费用", folder_.Path("in/b.xls")}).exitCode);
+    std::ofstream(in / "a.xls") << "no workbook";
+    const CliAnswer answer = Run({"import", folder_.Path("in")});
+    EXPECT_EQ(kExitFailed, answer.exitCode);
+    EXPECT_EQ("引入模板失败！\n引入模板 b 成功！\n", answer.output + answer.errors);
+}
+
+TEST_F(ExchangeRoundTrip, AFolderWithoutWorkbooksIsSaidToBeOne) {
+    const std::string empty = folder_.Path("empty");
+    std::filesystem::create_directories(system::PathFromUtf8(empty));
+    const CliAnswer answer = Run({"import", empty});
+    EXPECT_EQ(kExitFailed, answer.exitCode);
+    EXPECT_NE(std::string::npos, answer.errors.find("文件夹中没有工作簿：" + empty)) << answer.errors;
 }
 
 // A workbook holds doubles: seventeen digits are one too many for some of them.
