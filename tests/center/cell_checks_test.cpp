@@ -114,6 +114,30 @@ TEST_F(CellChecksTest, TheSameQuestionIsAskedOnceAndADifferentOneAnew) {
     EXPECT_TRUE(checks.IsValid(Grid(), 3, 2));
 }
 
+TEST_F(CellChecksTest, OneAccountsCellsAreEachAQuestionOfTheirOwn) {
+    CellChecks checks;
+    struct Case {
+        const char* account;
+        int column;
+        const char* sound;
+        const char* faulty;
+        int check;
+    };
+    for (const Case& each : {Case{"1002", 9, "支票", "本票", 2}, Case{"1002", 13, "美元", "日元", 3},
+                             Case{"1403", 17, "千克", "吨", 4}, Case{"1122", 11, "C1,D1", "C1,D9", 5}}) {
+        for (int row = 1; row <= 3; ++row)
+            Grid().SetText(row, 5, each.account);
+        Grid().SetText(1, each.column, each.sound);
+        Grid().SetText(2, each.column, each.faulty);
+        Grid().SetText(3, each.column, each.sound);
+        EXPECT_TRUE(checks.IsValid(Grid(), 1, each.check)) << each.check;
+        EXPECT_FALSE(checks.IsValid(Grid(), 2, each.check)) << each.check;
+        set_.Forget();
+        EXPECT_TRUE(checks.IsValid(Grid(), 3, each.check)) << each.check;
+        EXPECT_TRUE(set_.Statements().empty()) << each.check;
+    }
+}
+
 TEST(CheckColumns, EveryCheckHasItsColumnsAndAText) {
     EXPECT_EQ(CheckOfColumn(5), 1);
     EXPECT_EQ(CheckOfColumn(6), 1);

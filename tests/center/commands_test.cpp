@@ -281,6 +281,18 @@ TEST_F(Commands, ADroppedWorkbookIsImportedUnderTheSameRules) {
     EXPECT_EQ(commands_.run.size(), 1U);
 }
 
+TEST_F(Commands, TypingCountsBeforeADroppedWorkbookToo) {
+    OpenAs(true);
+    set_.Answer("select FAccountID,FNumber,FName from t_Account where FNumber = '1002'",
+                Rows({"FAccountID", "FNumber", "FName"}, {{1002, "1002", "银行存款"}}));
+    FillLine(1, "1", "收款");
+    Type(1, column::kAccountNumber, "1002");
+    Answer(MessageResult::Yes);
+    Window().FileDropped("a.xlsx");
+    ASSERT_EQ(Sent("exec pro_VchTpCanUsed").size(), 1U);
+    EXPECT_THAT(Sent("exec pro_VchTpCanUsed")[0], HasSubstr(",1,1002,'1002','银行存款',"));
+}
+
 TEST_F(Commands, OtherFoldersSeeAndShowProgressThroughTheWindow) {
     OpenAs(true);
     Window().ShowProgress({true, "正在引出", 3, 10});

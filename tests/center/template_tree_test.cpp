@@ -292,6 +292,18 @@ TEST_F(Tree, ADoubleClickTakesWhatHasBeenTypedFirst) {
     EXPECT_THAT(Sent("exec pro_VchTpCanUsed")[0], HasSubstr(",1,1002,'1002','银行存款',"));
 }
 
+TEST_F(Tree, AClickTakesWhatHasBeenTypedFirst) {
+    Open();
+    FillLine(1, "1", "收款");
+    set_.Answer("select FAccountID,FNumber,FName from t_Account where FNumber = '1002'",
+                Rows({"FAccountID", "FNumber", "FName"}, {{1002, "1002", "银行存款"}}));
+    Type(1, column::kAccountNumber, "1002");
+    Answer(MessageResult::Yes);
+    Click("detail-5");
+    ASSERT_EQ(Sent("exec pro_VchTpCanUsed").size(), 1U);
+    EXPECT_THAT(Sent("exec pro_VchTpCanUsed")[0], HasSubstr(",1,1002,'1002','银行存款',"));
+}
+
 TEST_F(Tree, TheRootAndTheStandardTemplateCannotBeRenamed) {
     Open();
     EXPECT_FALSE(Window().TreeBeforeLabelEdit());
