@@ -30,7 +30,8 @@ const std::array<ToolLook, center::kToolCount>& Looks() {
         {Tool::PrcFind, "tool_find", QKeySequence(Qt::CTRL | Qt::Key_F), false},
         {Tool::Imp, "tool_import", {}, true},
         {Tool::Exp, "tool_export", {}, false},
-        {Tool::AutoVch, "tool_generate", {}, false},
+        // The one command that fetches from the ledger anew, which is what F5 stands for.
+        {Tool::AutoVch, "tool_generate", QKeySequence(Qt::Key_F5), false},
         {Tool::CloudP, "tool_cloud", {}, false},
         {Tool::Share, "tool_share", {}, false},
         {Tool::Quit, "tool_quit", {}, true},

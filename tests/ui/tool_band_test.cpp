@@ -1,8 +1,11 @@
 #include "ui/tool_band.h"
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
+#include <QToolTip>
 
 #include <gtest/gtest.h>
 
@@ -51,6 +54,26 @@ TEST(ToolBand, AClickTellsTheKeyAndLeavesTheFocusWhereItWas) {
     QTest::mouseClick(button, Qt::LeftButton);
     ASSERT_EQ(clicked.size(), 1);
     EXPECT_EQ(clicked[0][0].toString(), "mnuSave");
+}
+
+TEST(ToolBand, TooltipsNameTheKeysOfTheirCommands) {
+    const std::pair<const char*, const char*> expected[] = {
+        {"mnuNew", "新增模板库 (Ctrl+N)"},
+        {"mnuSave", "保存模板库 (Ctrl+S)"},
+        {"mnuPrcFind", "查找 (Ctrl+F)"},
+        {"mnuAutoVch", "根据凭证生成 (F5)"},
+    };
+    ToolBand band;
+    band.show();
+    for (const auto& [key, text] : expected) {
+        auto* button = band.findChild<QToolButton*>(QString(key) + "Button");
+        ASSERT_NE(button, nullptr) << key;
+        const QPoint at = button->rect().center();
+        QHelpEvent asked(QEvent::ToolTip, at, button->mapToGlobal(at));
+        QApplication::sendEvent(button, &asked);
+        EXPECT_EQ(QToolTip::text(), text);
+    }
+    QToolTip::hideText();
 }
 
 TEST(ToolBand, StatesEnableAndDisableToolsInTheirPlaces) {

@@ -437,6 +437,51 @@ TEST_F(WindowTest, PastedCellsThatCannotBeTakenAreListed) {
     EXPECT_EQ(Text(6, 1), "");
 }
 
+// Says which commands were run.
+class RecordingCommands : public center::TemplateCommands {
+  public:
+    void Import(center::TemplateWindow&) override { run.emplace_back("import"); }
+    void ImportFile(center::TemplateWindow&, const std::string&) override { run.emplace_back("file"); }
+    void Export(center::TemplateWindow&) override { run.emplace_back("export"); }
+    void UploadToCloud(center::TemplateWindow&) override { run.emplace_back("upload"); }
+    void GenerateFromVouchers(center::TemplateWindow&) override { run.emplace_back("generate"); }
+    std::vector<std::string> run;
+};
+
+TEST_F(WindowTest, F5GeneratesFromVouchersAndTakesWhatIsBeingTypedFirst) {
+    const auto commands = std::make_shared<RecordingCommands>();
+    window = new VICenterWindow(commands);
+    window->Open();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    ClickCell(1, 2);
+    Key(Qt::Key_F5);
+    EXPECT_THAT(commands->run, ElementsAre("generate"));
+    EXPECT_THAT(ledger->log->Calls(), Contains("WriteLog(K831000, 1, 凭证模板-通过凭证生成模板)"));
+    EXPECT_THAT(Messages(), ::testing::IsEmpty());
+    Type("typed");
+    ledger->surroundings.messageBoxes->answers = {MessageResult::No};
+    Key(Qt::Key_F5);
+    EXPECT_THAT(Messages(), ElementsAre("当前凭证模板修改后未保存，您是否进行保存?"));
+    EXPECT_EQ(commands->run.size(), 2U);
+    window->Tree().setFocus();
+    Key(Qt::Key_F5);
+    EXPECT_EQ(commands->run.size(), 3U);
+}
+
+TEST_F(WindowTest, CtrlSSavesAndCtrlNMakesATemplateWhereverTheirToolsAreOn) {
+    Open();
+    ClickNode("detail-0");
+    ClickCell(1, 2);
+    Type("typed");
+    Key(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_THAT(ledger->Sent("delete t_VchTemplateEntry"), HasSubstr("'typed'"));
+    Key(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(window->Tree().FindNode("detail-9"), nullptr) << "the tool is off once the tree is left";
+    window->Tree().setFocus();
+    Key(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_NE(window->Tree().FindNode("detail-9"), nullptr);
+}
+
 TEST_F(WindowTest, ProgressIsShownInItsFrame) {
     Open();
     window->Presenter().ShowProgress({true, "正在执行凭证模板引出，请稍后..."});
