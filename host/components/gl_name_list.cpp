@@ -21,6 +21,9 @@ class GlNameList final : public automation::TableObject<GlNameList> {
                                                return Variant(self.GetNameList(arguments[0].Value().ToInt32(),
                                                                                arguments[1].Value()));
                                            }),
+            automation::Property<GlNameList>(
+                "ListVersion",
+                [](GlNameList& self, Arguments&) { return Variant(self.session_->DataVersion()); }),
         };
         return table;
     }

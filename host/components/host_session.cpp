@@ -17,12 +17,21 @@ std::string HostSession::PropsString() const {
 }
 
 ado::Connection& HostSession::Connection() {
-    if (!connection_ || !connection_->IsOpen()) connection_ = ado::OpenConnection(settings_.connectString);
+    if (!connection_ || !connection_->IsOpen()) {
+        connection_ = ado::OpenConnection(settings_.connectString);
+        static int opened = 0;
+        number_ = ++opened;
+    }
     return *connection_;
 }
 
 ado::RecordsetRef HostSession::Execute(std::string_view batch) {
     return Connection().Execute(batch);
+}
+
+std::string HostSession::DataVersion() {
+    const std::optional<std::uint32_t> version = Connection().DataVersion();
+    return version ? std::to_string(number_) + "." + std::to_string(*version) : std::string();
 }
 
 std::string PropsValue(const std::string& propsString, std::string_view key) {

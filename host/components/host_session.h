@@ -29,11 +29,14 @@ class HostSession {
     std::string PropsString() const;
     // Runs one batch on the session's own connection. Throws what the connection throws.
     ado::RecordsetRef Execute(std::string_view batch);
+    // Another text whenever anything in the account set may have changed; empty when that cannot be told.
+    std::string DataVersion();
     ado::Connection& Connection();
 
   private:
     HostSettings settings_;
     ado::ConnectionRef connection_;
+    int number_ = 0;  // of the connection, within the process: versions of different ones do not compare
 };
 
 using HostSessionRef = std::shared_ptr<HostSession>;

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,6 +57,9 @@ class Connection {
     // diagnostic record); Errors() then holds all of them.
     virtual RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected = nullptr) = 0;
     virtual void Close() = 0;
+    // Another number whenever anything in the account set may have changed since, by whomever; compares with
+    // earlier numbers of the same open connection only. Nothing when the back end cannot tell.
+    virtual std::optional<std::uint32_t> DataVersion() { return std::nullopt; }
     // The records of the last Execute or Open.
     virtual const std::vector<DriverError>& Errors() const = 0;
 };

@@ -31,6 +31,17 @@ class Session::Impl {
         sqlite3_file_control(database_.Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
         return moved != 0;
     }
+    std::uint32_t DataVersion() {
+        // What others have committed is noticed when the read lock is taken, which the pragma does.
+        if (!version_) version_ = database_.Prepare("PRAGMA data_version");
+        {
+            const ResetAtEnd reset(version_);
+            database_.Step(version_);
+        }
+        std::uint32_t version = 0;
+        sqlite3_file_control(database_.Handle(), "main", SQLITE_FCNTL_DATA_VERSION, &version);
+        return version;
+    }
 
   private:
     SessionOptions options_;
@@ -38,6 +49,7 @@ class Session::Impl {
     Database database_;
     Catalog catalog_;
     Executor executor_;
+    Statement version_;
 };
 
 Session::Session(SessionOptions options) : impl_(std::make_unique<Impl>(std::move(options))) {}
@@ -54,6 +66,10 @@ void Session::Reset() {
 
 bool Session::IsStale() const {
     return impl_->IsStale();
+}
+
+std::uint32_t Session::DataVersion() {
+    return impl_->DataVersion();
 }
 
 }  // namespace vicenter::tsql::engine

@@ -62,6 +62,10 @@ class Session {
     void Reset();
     // The file has been moved or deleted since it was opened.
     bool IsStale() const;
+    // Another number whenever anything in the account set has changed, by this session or by another;
+    // compares with earlier numbers of the same session only. Takes the read lock for a moment; throws
+    // SqlError.
+    std::uint32_t DataVersion();
 
   private:
     class Impl;

@@ -261,6 +261,16 @@ void AccountSetConnection::Close() {
     session_.reset();
 }
 
+std::optional<std::uint32_t> AccountSetConnection::DataVersion() {
+    if (!session_) return std::nullopt;
+    try {
+        return session_->DataVersion();
+    } catch (const tsql::SqlError&) {
+        // A file that is locked or gone: whoever asks reads again and meets the error there.
+        return std::nullopt;
+    }
+}
+
 void RegisterAccountSetProvider() {
     RegisterProvider(kProviderName, [] { return std::make_shared<AccountSetConnection>(); });
 }

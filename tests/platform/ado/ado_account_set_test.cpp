@@ -147,6 +147,30 @@ TEST_F(AdoAccountSetTest, A_pooled_session_comes_back_clean_and_never_for_anothe
     EXPECT_THROW(third->Execute("select * from t"), automation::Error);
 }
 
+TEST_F(AdoAccountSetTest, The_data_version_changes_with_every_change_whoever_makes_it) {
+    const ConnectionRef one = OpenConnection(Connect());
+    const ConnectionRef other = OpenConnection(Connect());
+    one->Execute("create table t (a int)");
+    const auto version = one->DataVersion();
+    ASSERT_TRUE(version.has_value());
+    one->Execute("select * from t");
+    other->Execute("select * from t");
+    EXPECT_EQ(one->DataVersion(), version);
+
+    one->Execute("insert into t values(1)");
+    const auto afterOwn = one->DataVersion();
+    EXPECT_NE(afterOwn, version);
+    other->Execute("update t set a = 2");
+    const auto afterOthers = one->DataVersion();
+    EXPECT_NE(afterOthers, afterOwn);
+    one->Execute("drop table t");
+    EXPECT_NE(one->DataVersion(), afterOthers);
+    EXPECT_EQ(one->DataVersion(), one->DataVersion());
+
+    one->Close();
+    EXPECT_EQ(one->DataVersion(), std::nullopt);
+}
+
 TEST_F(AdoAccountSetTest, A_closed_connection_says_so) {
     const ConnectionRef connection = OpenConnection(Connect());
     connection->Close();
