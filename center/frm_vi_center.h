@@ -110,6 +110,7 @@ class frmVICenter final : public TemplateWindow {
     void LookUpItem(std::size_t row);
 
     // --- typing name list
+    void PrepareNameLists();                         // for the window's idle moments
     void NameListKey(const std::string& typedText);  // the editor's text changed
     void NameListSelect(int index);
     void NameListMove(int steps);

@@ -113,14 +113,14 @@ void frmVICenter::InsertRows(int firstRow, int count) {
     AtEdge([&] {
         if (parts_->editing.CanEdit()) parts_->editing.InsertRows(firstRow, count);
     });
-    parts_->RefreshStatus();
+    parts_->RefreshSurroundings();
 }
 
 void frmVICenter::DeleteRows(int firstRow, int count) {
     AtEdge([&] {
         if (parts_->editing.CanEdit()) parts_->editing.DeleteRows(firstRow, count);
     });
-    parts_->RefreshStatus();
+    parts_->RefreshSurroundings();
 }
 
 bool frmVICenter::CanUndo() const {
@@ -133,12 +133,12 @@ bool frmVICenter::CanRedo() const {
 
 void frmVICenter::Undo() {
     AtEdge([&] { parts_->editing.Undo(); });
-    parts_->RefreshStatus();
+    parts_->RefreshSurroundings();
 }
 
 void frmVICenter::Redo() {
     AtEdge([&] { parts_->editing.Redo(); });
-    parts_->RefreshStatus();
+    parts_->RefreshSurroundings();
 }
 
 // --- item panel
@@ -149,17 +149,24 @@ void frmVICenter::ToggleItemPanel() {
 
 void frmVICenter::CommitItemText(const std::string& text) {
     AtEdge([&] { parts_->items.CommitText(text); });
+    parts_->RefreshStatus();
 }
 
 void frmVICenter::CommitItemNumber(std::size_t row, const std::string& number) {
     AtEdge([&] { parts_->items.CommitNumber(row, number); });
+    parts_->RefreshStatus();
 }
 
 void frmVICenter::LookUpItem(std::size_t row) {
     AtEdge([&] { parts_->items.LookUp(row); });
+    parts_->RefreshStatus();
 }
 
 // --- name list
+
+void frmVICenter::PrepareNameLists() {
+    AtEdge([&] { parts_->names.Prepare(); });
+}
 
 void frmVICenter::NameListKey(const std::string& typedText) {
     AtEdge([&] { parts_->names.TextTyped(typedText); });

@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -31,7 +32,8 @@ constexpr int kNameTop = 40;      // twips
 constexpr int kNameLeft = 20;
 constexpr int kProgressWidth = 4800;
 constexpr int kProgressHeight = 1000;
-constexpr int kNamePadding = 9;  // pixels around the name's line
+constexpr int kPauseMilliseconds = 30;  // shorter than a hand needs from one key to the next
+constexpr int kNamePadding = 9;         // pixels around the name's line
 // Of a font's em: what one line of a cell takes up. The line heights that Chinese fonts name for running text
 // would leave a third of every row empty.
 constexpr double kLineOfEm = 1.2;
@@ -136,6 +138,11 @@ void VICenterWindow::BuildGrid() {
     grid_ = new GridView(*model_, *this, panel_);
     connect(grid_, &GridView::contentsMoved, this, &VICenterWindow::PlaceOverlays);
     connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
+    pause_ = new QTimer(this);
+    pause_->setSingleShot(true);
+    pause_->setInterval(kPauseMilliseconds);
+    connect(pause_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
+    connect(model_, &GridModel::activeCellChanged, pause_, qOverload<>(&QTimer::start));
     connect(grid_, &GridView::editingChanged, items_, &ItemPanel::SetCellEditing);
     connect(grid_, &GridView::textRefused, status_, &StatusLine::Flash);
     connect(nameList_, &NameListPopup::chosen, this, [this](int index) {
@@ -210,6 +217,7 @@ void VICenterWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow() && loaded_ && !unloaded_) {
         Guarded([this] { presenter_->Activate(); });
+        pause_->start();
     }
 }
 
@@ -301,6 +309,11 @@ void VICenterWindow::ClickTool(const QString& key) {
     grid_->CommitOpenEditor();
     tree_->EndLabelEdit();
     Guarded([&] { presenter_->ToolClick(FromQt(key)); });
+}
+
+void VICenterWindow::PrepareNameLists() {
+    if (!loaded_ || unloaded_ || progress_->IsPolling()) return;
+    Guarded([this] { presenter_->PrepareNameLists(); });
 }
 
 QRect VICenterWindow::ActiveRowOnScreen() const {

@@ -62,6 +62,7 @@ class VICenterWindow : public QMainWindow,
     void LayOutPanel();
     void PlaceOverlays();
     void FocusMoved(QWidget* now);
+    void PrepareNameLists();
     Zone ZoneOf(const QWidget* widget) const;
     void ClickTool(const QString& key);
     void ShowRefused(const center::PasteResult& result);
@@ -135,6 +136,7 @@ class VICenterWindow : public QMainWindow,
     ItemPanel* items_ = nullptr;
     GridModel* model_ = nullptr;
     GridView* grid_ = nullptr;
+    QTimer* pause_ = nullptr;  // runs out when the user rests on a cell
     Zone zone_ = Zone::Elsewhere;
     bool loaded_ = false;
     bool unloaded_ = false;

@@ -92,6 +92,101 @@ TEST_F(NameLists, AreReadAnewForAnotherCell) {
     EXPECT_EQ(read_, 2);
 }
 
+// --- kept while the component says that nothing has changed
+
+class KeptNameLists : public NameLists {
+  protected:
+    KeptNameLists() {
+        for (const auto& list : {first_, second_})
+            list->On("ListVersion", [this](Arguments&) { return Variant(version_); });
+    }
+    std::string version_ = "1";
+};
+
+TEST_F(KeptNameLists, AreReadOnceAsLongAsNothingHasChanged) {
+    TypeAt(1, 5, "1");
+    TypeAt(2, 5, "10");
+    EXPECT_THAT(Shown(), ElementsAre("1001 库存现金", "1002 银行存款", "1002.01 工商银行"));
+    EXPECT_EQ(view_.nameList.row, 2);
+    TypeAt(1, 9, "1");
+    TypeAt(1, 5, "2001");
+    EXPECT_THAT(Shown(), ElementsAre("2001 短期借款"));
+    EXPECT_EQ(read_, 2);  // columns 5 and 9
+}
+
+TEST_F(KeptNameLists, ShowWhatHasChangedFromTheNextCellOn) {
+    TypeAt(1, 5, "1");
+    entries_ = {{9, "1999", "新科目", 1}};
+    version_ = "2";
+    TypeAt(1, 5, "10");
+    EXPECT_THAT(Shown(), ElementsAre("1001 库存现金", "1002 银行存款", "1002.01 工商银行"));
+    TypeAt(2, 5, "1");
+    EXPECT_THAT(Shown(), ElementsAre("1999 新科目"));
+    TypeAt(1, 5, "19");
+    EXPECT_THAT(Shown(), ElementsAre("1999 新科目"));
+    EXPECT_EQ(read_, 2);
+}
+
+TEST_F(KeptNameLists, AComponentThatCannotTellIsAskedForEveryCell) {
+    version_.clear();
+    TypeAt(1, 5, "1");
+    TypeAt(2, 5, "1");
+    Window().PrepareNameLists();
+    EXPECT_EQ(read_, 2);
+}
+
+TEST_F(KeptNameLists, AListThatFailedIsReadAgain) {
+    first_->On("GetNameList", [this](Arguments&) -> Variant {
+        if (++read_ == 1) throw automation::Error(5);
+        return Variant(Rows({"FID", "FNumber", "FName", "FDetail"}, entries_));
+    });
+    TypeAt(1, 5, "1");
+    EXPECT_FALSE(view_.nameList.open);
+    TypeAt(2, 5, "1");
+    EXPECT_TRUE(view_.nameList.open);
+    EXPECT_EQ(read_, 2);
+}
+
+TEST_F(KeptNameLists, UnitsOfAnotherGroupAreAnotherList) {
+    int group = 3;
+    set_.Respond("select FUnitGroupID from t_account",
+                 [&](const std::string&) { return Rows({"FUnitGroupID"}, {{group}}); });
+    TypeAt(1, 17, "1");
+    group = 4;
+    TypeAt(1, 5, "1");
+    TypeAt(1, 17, "1");
+    EXPECT_THAT(second_->Calls(), testing::IsSupersetOf({"GetNameList(17, 3)", "GetNameList(17, 4)"}));
+}
+
+TEST_F(KeptNameLists, AreReadBeforeTheFirstKeyAndAgainOnceSomethingHasChanged) {
+    Window().PrepareNameLists();
+    EXPECT_EQ(read_, 4);  // columns 2, 5, 9 and 13; units hang on the row
+    Window().PrepareNameLists();
+    TypeAt(1, 5, "1");
+    TypeAt(1, 13, "1");
+    EXPECT_EQ(read_, 4);
+    version_ = "2";
+    Window().PrepareNameLists();
+    EXPECT_EQ(read_, 4) << "a list that is being read from stays";
+    Window().NameListClose();
+    Window().PrepareNameLists();
+    EXPECT_EQ(read_, 8);
+}
+
+TEST_F(KeptNameLists, OneMissingComponentLeavesTheOthersLists) {
+    automation::ClassRegistry::Process().Unregister("VelaGLNameListLib.GLNameList");
+    Window().PrepareNameLists();
+    EXPECT_EQ(read_, 2);
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
+TEST_F(KeptNameLists, NothingIsReadAheadForWhoeverMayNotType) {
+    right_ = false;
+    Open();
+    Window().PrepareNameLists();
+    EXPECT_EQ(read_, 0);
+}
+
 TEST_F(NameLists, NeverStopTyping) {
     automation::ClassRegistry::Process().Unregister("VelaGLNameListLib.GLNameList");
     second_->On("GetNameList", [](Arguments&) -> Variant { throw automation::Error(5); });
