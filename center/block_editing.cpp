@@ -122,6 +122,11 @@ class BlockEditing::Entering {
         if (const int id = IdColumnOf(to.column); id != 0) {
             grid.SetText(to.row, id, std::string(grid.Text(from.row, id)));
         }
+        // A code without its name would be a line that cannot be saved.
+        if (to.column == column::kAccountNumber) {
+            grid.SetText(to.row, column::kAccountName,
+                         std::string(grid.Text(from.row, column::kAccountName)));
+        }
     }
     void Mark(int row) { MarkRow(*state_.grid, row, checks_); }
 
@@ -206,6 +211,8 @@ void BlockEditing::FillDown(const CellRange& range) {
             }
             entering.Mark(row);
         }
+        // A blank row stays below the rows in use.
+        if (state_.rowCount == state_.grid->RowTotal()) state_.grid->SetRowTotal(state_.rowCount + 1);
     }
     edited_();
 }

@@ -53,10 +53,14 @@ void frmVICenter::Parts::RunCommand(Tool tool, TemplateWindow& window) {
             ShowColumns();
             break;
         case Tool::DelRow:
-            if (!RefusedForRight()) editing.DeleteRow();
+            if (RefusedForRight()) break;
+            editing.DeleteRow();
+            RefreshSurroundings();
             break;
         case Tool::AddRow:
-            if (!RefusedForRight()) editing.InsertRow();
+            if (RefusedForRight()) break;
+            editing.InsertRow();
+            RefreshSurroundings();
             break;
         case Tool::Imp:
             RunImport(window, {});

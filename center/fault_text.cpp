@@ -45,7 +45,11 @@ std::string SettlementFault(const EntryGrid& grid, int row) {
 std::string CurrencyFault(const EntryGrid& grid, int row) {
     const bool exists = HasRow("select FCurrencyID from t_Currency where FName = " +
                                Quoted(grid, row, column::kCurrencyName));
-    return exists ? "科目不核算该币别" : "币别不存在";
+    if (!exists) return "币别不存在";
+    // Only accounts kept in the first currency refuse others.
+    const std::string fitting =
+        Names(store::GetRecordset("select FName from t_Currency where FCurrencyID = 1"));
+    return fitting.empty() ? "科目不核算该币别" : "科目不核算该币别，可用：" + fitting;
 }
 
 std::string UnitFault(const EntryGrid& grid, int row) {
@@ -69,7 +73,15 @@ std::string ItemsFault(const EntryGrid& grid, int row) {
 }  // namespace
 
 std::string FaultText(const EntryGrid& grid, const CellAddress& cell) {
-    switch (static_cast<CellCheck>(grid.FaultyCheck(cell.row, cell.column))) {
+    const int check = grid.FaultyCheck(cell.row, cell.column);
+    // The other four checks look at the row's account as well: without a sound one they fail for its sake.
+    if (check > static_cast<int>(CellCheck::Account)) {
+        if (grid.Text(cell.row, column::kAccountNumber).empty()) return "请先录入明细科目";
+        if (grid.FaultyCheck(cell.row, column::kAccountNumber) != 0) {
+            return "请先更正科目：" + AccountFault(grid, cell.row);
+        }
+    }
+    switch (static_cast<CellCheck>(check)) {
         case CellCheck::Account:
             return AccountFault(grid, cell.row);
         case CellCheck::Settlement:

@@ -40,7 +40,7 @@ frmVICenter::Parts::Parts(VICenterView& view, TemplateCommands* theCommands)
       names(state),
       blocks(state, [this] {
           editing.Forget();
-          RefreshStatus();
+          RefreshSurroundings();
       }) {
     state.grid->AddObserver(*this);
 }
@@ -62,7 +62,8 @@ void frmVICenter::Parts::Reopen() {
 }
 
 void frmVICenter::Parts::RefreshStatus() {
-    StatusState status = SumUp(*state.grid, state.rowCount, state.grid->ActiveCell().row);
+    if (!sums || sums->RowCount() != state.rowCount) sums.emplace(*state.grid, state.rowCount);
+    StatusState status = sums->Status(*state.grid, state.grid->ActiveCell().row);
     if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
     const CellAddress active = state.grid->ActiveCell();
     status.hint = FaultText(*state.grid, active);
@@ -79,7 +80,20 @@ void frmVICenter::Parts::ActiveCellChanged(const CellAddress&) {
     RefreshSurroundings();
 }
 
+void frmVICenter::Parts::RowsInserted(int /*firstRow*/, int /*count*/) {
+    sums.reset();
+}
+
+void frmVICenter::Parts::RowsRemoved(int /*firstRow*/, int /*count*/) {
+    sums.reset();
+}
+
+void frmVICenter::Parts::WasReset() {
+    sums.reset();
+}
+
 void frmVICenter::Parts::TextsChanged(const CellRange& range) {
+    sums.reset();
     const CellAddress active = state.grid->ActiveCell();
     const bool touchesItems = range.firstRow <= active.row && active.row <= range.lastRow &&
                               range.firstColumn <= column::kItems &&

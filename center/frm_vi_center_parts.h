@@ -33,6 +33,9 @@ struct frmVICenter::Parts : public GridObserver {
 
     void ActiveCellChanged(const CellAddress& cell) override;
     void TextsChanged(const CellRange& range) override;
+    void RowsInserted(int firstRow, int count) override;
+    void RowsRemoved(int firstRow, int count) override;
+    void WasReset() override;
 
     WindowState state;
     TemplateCommands* commands;
@@ -45,6 +48,7 @@ struct frmVICenter::Parts : public GridObserver {
     NameList names;
     BlockEditing blocks;
     CellRange selection;
+    std::optional<NumberSums> sums;  // of the grid as it is
 
   private:
     bool RefusedForRight();

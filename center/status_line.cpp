@@ -1,12 +1,8 @@
 #include "center/status_line.h"
 
 #include <algorithm>
-#include <optional>
-#include <string>
-#include <unordered_map>
-#include <vector>
+#include <utility>
 
-#include "automation/decimal.h"
 #include "center/cell_rules.h"
 
 namespace vicenter::center {
@@ -14,11 +10,6 @@ namespace vicenter::center {
 using automation::Decimal;
 
 namespace {
-
-struct Sides {
-    Decimal debit;
-    Decimal credit;
-};
 
 std::optional<Decimal> NumberOf(std::string_view text) {
     if (!IsPlainNumber(text)) return std::nullopt;
@@ -29,17 +20,22 @@ std::string AmountText(const Decimal& amount) {
     return DisplayText(column::kAmount, amount.ToText());
 }
 
+// The template number of a row as the account set will know it: "01" and "1" are one.
+std::string_view NumberOfRow(const EntryGrid& grid, int row) {
+    std::string_view number = grid.Text(row, column::kNo);
+    while (number.size() > 1 && number.front() == '0')
+        number.remove_prefix(1);
+    return number;
+}
+
 }  // namespace
 
-StatusState SumUp(const EntryGrid& grid, int rowCount, int activeRow) {
-    StatusState status;
-    status.lines = rowCount;
-    std::unordered_map<std::string, Sides> sums;
+NumberSums::NumberSums(const EntryGrid& grid, int rowCount) : rowCount_(rowCount) {
     std::vector<std::string> order;
     for (int row = 1; row <= rowCount; ++row) {
-        const std::string number(grid.Text(row, column::kNo));
+        const std::string number(NumberOfRow(grid, row));
         if (number.empty()) continue;
-        const auto [at, isNew] = sums.try_emplace(number);
+        const auto [at, isNew] = sums_.try_emplace(number);
         if (isNew) order.push_back(number);
         const std::optional<Decimal> amount = NumberOf(grid.Text(row, column::kAmount));
         if (!amount) continue;
@@ -47,14 +43,20 @@ StatusState SumUp(const EntryGrid& grid, int rowCount, int activeRow) {
         if (direction == kDebit) at->second.debit = Decimal::Add(at->second.debit, *amount);
         if (direction == kCredit) at->second.credit = Decimal::Add(at->second.credit, *amount);
     }
-    status.numbers = static_cast<int>(order.size());
-    for (const std::string& number : order) {
-        const Sides& sides = sums[number];
-        if (!(sides.debit == sides.credit)) status.unbalanced.push_back(number);
+    for (std::string& number : order) {
+        const Sides& sides = sums_[number];
+        if (!(sides.debit == sides.credit)) unbalanced_.push_back(std::move(number));
     }
-    if (activeRow < 1 || activeRow > rowCount) return status;
-    const auto active = sums.find(std::string(grid.Text(activeRow, column::kNo)));
-    if (active == sums.end()) return status;
+}
+
+StatusState NumberSums::Status(const EntryGrid& grid, int activeRow) const {
+    StatusState status;
+    status.lines = rowCount_;
+    status.numbers = static_cast<int>(sums_.size());
+    status.unbalanced = unbalanced_;
+    if (activeRow < 1 || activeRow > rowCount_) return status;
+    const auto active = sums_.find(std::string(NumberOfRow(grid, activeRow)));
+    if (active == sums_.end()) return status;
     status.number = active->first;
     status.debit = AmountText(active->second.debit);
     status.credit = AmountText(active->second.credit);

@@ -1,14 +1,42 @@
 #pragma once
 
-// The numbers of the status line. Pure functions of the grid.
+// The numbers of the status line, computed from the grid.
 
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "automation/decimal.h"
 #include "center/entry_grid.h"
 #include "center/vicenter_view.h"
 
 namespace vicenter::center {
 
-// Lines, template numbers, sums of the active row's number and the numbers whose sides differ.
-StatusState SumUp(const EntryGrid& grid, int rowCount, int activeRow);
+// The sums of every template number in use: one pass over the rows. Moving about in an unchanged grid asks
+// the same object again.
+class NumberSums {
+  public:
+    NumberSums(const EntryGrid& grid, int rowCount);
+
+    int RowCount() const { return rowCount_; }
+    // Lines, template numbers, sums of the active row's number and the numbers whose sides differ.
+    StatusState Status(const EntryGrid& grid, int activeRow) const;
+
+  private:
+    struct Sides {
+        automation::Decimal debit;
+        automation::Decimal credit;
+    };
+
+    int rowCount_;
+    std::unordered_map<std::string, Sides> sums_;
+    std::vector<std::string> unbalanced_;  // in the order of their first lines
+};
+
+inline StatusState SumUp(const EntryGrid& grid, int rowCount, int activeRow) {
+    return NumberSums(grid, rowCount).Status(grid, activeRow);
+}
 
 // The sum of the numbers in a block, as a display text; empty when there are fewer than two.
 std::string SumOfSelection(const EntryGrid& grid, const CellRange& range);

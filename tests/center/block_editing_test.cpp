@@ -281,8 +281,9 @@ TEST_F(BlockEditingTest, FillingDownCopiesTheFirstRowOfTheSelection) {
         EXPECT_EQ(Text(row, 2), "提货");
         EXPECT_EQ(Text(row, 3), "借");
         EXPECT_EQ(Text(row, 5), "1001");
-        // The hidden id goes along with its code.
+        // The hidden id and the name go along with the code.
         EXPECT_EQ(Text(row, 4), "1");
+        EXPECT_EQ(Text(row, 6), "库存现金");
     }
 }
 
@@ -305,6 +306,20 @@ TEST_F(BlockEditingTest, FillingDownIsOneStepAndMarksTheRows) {
     editing_.Undo();
     EXPECT_EQ(state_.rowCount, 1);
     EXPECT_TRUE(Grid().IsBlankRow(2));
+}
+
+TEST_F(BlockEditingTest, FillingDownToTheLastRowLeavesABlankOneBelow) {
+    UseRows(1);
+    const int total = Grid().RowTotal();
+    blocks_.FillDown({1, 1, total, 1});
+    EXPECT_EQ(state_.rowCount, total);
+    EXPECT_EQ(Grid().RowTotal(), total + 1);
+    editing_.Undo();
+    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(Grid().RowTotal(), total);
+    editing_.Redo();
+    EXPECT_EQ(state_.rowCount, total);
+    EXPECT_EQ(Grid().RowTotal(), total + 1);
 }
 
 TEST_F(BlockEditingTest, HiddenColumnsAreNotFilled) {

@@ -192,9 +192,25 @@ TEST_F(CellChecksTest, ACurrencyIsUnknownOrNotTheAccounts) {
     Put(13, "美元");
     Mark();
     EXPECT_EQ(FaultText(Grid(), {1, 13}), "科目不核算该币别");
+    set_.Answer("select FName from t_Currency where FCurrencyID = 1", Rows({"FName"}, {{"人民币"}}));
+    EXPECT_EQ(FaultText(Grid(), {1, 13}), "科目不核算该币别，可用：人民币");
     Put(13, "日元");
     Mark();
     EXPECT_EQ(FaultText(Grid(), {1, 13}), "币别不存在");
+}
+
+TEST_F(CellChecksTest, WithoutASoundAccountTheOthersAskForOneFirst) {
+    Put(9, "支票");
+    Put(17, "千克");
+    Put(11, "C1");
+    Mark();
+    for (const int c : {9, 11, 17})
+        EXPECT_EQ(FaultText(Grid(), {1, c}), "请先录入明细科目") << c;
+    Put(5, "9999");
+    Mark();
+    for (const int c : {9, 11, 17})
+        EXPECT_EQ(FaultText(Grid(), {1, c}), "请先更正科目：科目代码不存在") << c;
+    EXPECT_EQ(FaultText(Grid(), {1, 5}), "科目代码不存在");
 }
 
 TEST_F(CellChecksTest, AUnitIsExplainedWithTheUnitsThatFit) {

@@ -435,5 +435,33 @@ TEST_F(ToolStatesTest, ShareIsNeverEnabled) {
     step([&] { Window().TreeLostFocus(); });
 }
 
+// --- status line
+
+TEST_F(CenterTest, TheStatusLineFollowsEveryChangeOfTheGrid) {
+    lines_["0"] = {Line(1, "收款"), Line(1, "", 0)};
+    Open();
+    Type(1, column::kAmount, "5");
+    EXPECT_THAT(view_.status.unbalanced, ElementsAre("1"));
+    EXPECT_EQ(view_.status.difference, "5.00");
+    Type(2, column::kAmount, "5");
+    EXPECT_THAT(view_.status.unbalanced, IsEmpty());
+    Window().ClearCells({2, column::kAmount, 2, column::kAmount});
+    EXPECT_THAT(view_.status.unbalanced, ElementsAre("1"));
+    Window().Undo();
+    EXPECT_THAT(view_.status.unbalanced, IsEmpty());
+    Window().DeleteRows(2, 1);
+    EXPECT_EQ(view_.status.lines, 1);
+    EXPECT_THAT(view_.status.unbalanced, ElementsAre("1"));
+    Window().InsertRows(1, 1);
+    EXPECT_EQ(view_.status.lines, 2);
+    Window().PasteBlock({3, 1}, "7\r\n8");
+    EXPECT_EQ(view_.status.lines, 4);
+    EXPECT_EQ(view_.status.numbers, 3);
+    Answer(system::MessageResult::No);
+    Window().TreeNodeClick("detail-5");
+    EXPECT_EQ(view_.status.lines, 0);
+    EXPECT_EQ(view_.status.numbers, 0);
+}
+
 }  // namespace
 }  // namespace vicenter::center::test

@@ -199,6 +199,43 @@ TEST_F(Panel, TheButtonOpensAndClosesThePicture) {
     EXPECT_FALSE(Shown().expanded);
 }
 
+// --- rows that come and go under the cursor
+
+TEST_F(Panel, FollowsTheRowThatComesUnderTheCursor) {
+    Window().CommitItemNumber(0, "C001");
+    EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
+    Window().InsertRows(1, 1);
+    EXPECT_TRUE(Shown().visible);
+    EXPECT_THAT(ShownRows(), IsEmpty());
+    EXPECT_EQ(Shown().text, "");
+    Window().DeleteRows(1, 1);
+    EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
+    Window().DeleteRows(1, 1);
+    EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
+    Window().Undo();
+    EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
+    Window().Redo();
+    EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
+}
+
+TEST_F(Panel, FollowsTheRowCommandsOfTheBar) {
+    Window().ToolClick("mnuAddRow");
+    EXPECT_THAT(ShownRows(), IsEmpty());
+    EXPECT_EQ(view_.status.lines, 4);
+    Window().ToolClick("mnuDelRow");
+    EXPECT_THAT(ShownRows(), ElementsAre("1 客户 ", "2 部门 "));
+    EXPECT_EQ(view_.status.lines, 3);
+    Window().ToolClick("mnuDelRow");
+    EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
+}
+
+TEST_F(Panel, FollowsADuplicatedRow) {
+    Window().MoveActiveCell({2, column::kItems});
+    Window().DuplicateRow();
+    EXPECT_EQ(Grid().ActiveCell().row, 3);
+    EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
+}
+
 // --- look-up
 
 class PanelLookUp : public Panel {
@@ -249,6 +286,7 @@ TEST_F(PanelLookUp, AFailingOneIsToldAndChangesNothing) {
 
 TEST_F(Panel, TheStatusLineSaysWhatTheActiveFaultyCellExpects) {
     Window().CommitItemNumber(0, "C999");
+    EXPECT_EQ(view_.status.hint, "核算项目代码不存在或个数不符，应依次为：客户、部门") << "at once";
     Window().MoveActiveCell({1, 10});
     EXPECT_EQ(view_.status.hint, "");
     Window().MoveActiveCell({1, column::kItems});

@@ -48,6 +48,17 @@ TEST(StatusLine, SumsTheActiveRowsNumberExactly) {
     EXPECT_EQ(status.difference, "-1,234,567.50");
 }
 
+TEST(StatusLine, NumbersWithLeadingZerosAreTheNumbersWithoutThem) {
+    EntryGrid grid;
+    Line(grid, 1, "01", "借", "5");
+    Line(grid, 2, "1", "贷", "5");
+    const StatusState status = SumUp(grid, 2, 1);
+    EXPECT_EQ(status.numbers, 1);
+    EXPECT_EQ(status.number, "1");
+    EXPECT_EQ(status.credit, "5.00");
+    EXPECT_THAT(status.unbalanced, IsEmpty());
+}
+
 TEST(StatusLine, HasNoSumsOutsideTheRowsInUse) {
     EntryGrid grid;
     Line(grid, 1, "3", "借", "1");
