@@ -154,13 +154,19 @@ void GridView::ApplyFont() {
     rows_->setFont(font);
 }
 
+// By the view's own member: Shift with an arrow then selects from here.
+void GridView::Place(const QModelIndex& index) {
+    const FlagScope scope(placing_);
+    setCurrentIndex(index);
+}
+
 void GridView::FollowActiveCell() {
     if (model_.IsChangingRows()) return;
     const QModelIndex index = model_.IndexOf(model_.Grid().ActiveCell());
     if (index == currentIndex()) return;
     const FlagScope scope(following_);
     if (index.isValid()) {
-        selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+        Place(index);
     } else {
         selectionModel()->clear();
     }

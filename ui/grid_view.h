@@ -69,6 +69,8 @@ class GridView : public QTableView {
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void scrollContentsBy(int dx, int dy) override;
     void resizeEvent(QResizeEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event = nullptr) const override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     bool focusNextPrevChild(bool next) override;
 
@@ -78,6 +80,7 @@ class GridView : public QTableView {
     void ApplyRowHeights();
     void ApplyFont();
     void FollowActiveCell();
+    void Place(const QModelIndex& index);
     void MoveTo(int row, int column);
     void MoveOn(bool back);
     void MoveRows(int rows);
@@ -85,6 +88,8 @@ class GridView : public QTableView {
     bool HandleNameListKey(QWidget& editor, const QKeyEvent& event);
     void ClearSelection();
     void DuplicateRow();
+    void InsertRows(const center::CellRange& block);
+    void DeleteRows(const center::CellRange& block);
     void OpenLookUp();
     void SetDirection(const QString& text);
     int FirstVisibleColumn() const;
@@ -97,6 +102,7 @@ class GridView : public QTableView {
     bool following_ = false;        // the view follows the grid's active cell, not the other way round
     bool applyingColumns_ = false;  // widths come from the grid, not from the user
     bool openingByTyping_ = false;
+    bool placing_ = false;  // the cursor goes to one cell, whatever keys are held
 };
 
 }  // namespace vicenter::ui

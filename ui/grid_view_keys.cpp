@@ -26,6 +26,23 @@ bool IsModifierKey(int key) {
            key == Qt::Key_AltGr || key == Qt::Key_CapsLock || key == Qt::Key_NumLock;
 }
 
+bool IsCursorKey(int key) {
+    return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down ||
+           key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+}
+
+// Ctrl with + and -, of the keypad too, insert and delete rows as in a spreadsheet. + is Shift and = on many
+// keyboards.
+bool IsInsertKey(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (event.key() == Qt::Key_Equal) return modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
+    return event.key() == Qt::Key_Plus && (modifiers & ~Qt::ShiftModifier) == Qt::ControlModifier;
+}
+
+bool IsDeleteKey(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Minus && (event.modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier;
+}
+
 }  // namespace
 
 int GridView::FirstVisibleColumn() const {
@@ -44,8 +61,7 @@ int GridView::LastVisibleColumn() const {
 
 void GridView::MoveTo(int row, int column) {
     const QModelIndex index = model_.index(std::clamp(row, 0, model_.rowCount() - 1), column);
-    if (!index.isValid()) return;
-    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    if (index.isValid()) Place(index);
 }
 
 // Through the visible columns and from the last to the first of the next row, as a form is filled in.
@@ -68,6 +84,20 @@ void GridView::MoveRows(int rows) {
 
 bool GridView::focusNextPrevChild(bool /*next*/) {
     return false;  // Tab moves between cells
+}
+
+// Qt leaves the selection behind when Ctrl is held on the way; in a spreadsheet it goes along.
+QItemSelectionModel::SelectionFlags GridView::selectionCommand(const QModelIndex& index,
+                                                               const QEvent* event) const {
+    if (placing_) return QItemSelectionModel::ClearAndSelect;
+    if (event != nullptr && event->type() == QEvent::KeyPress) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        if (IsCursorKey(key.key()) && key.modifiers() & Qt::ControlModifier) {
+            const QKeyEvent plain(QEvent::KeyPress, key.key(), key.modifiers() & ~Qt::ControlModifier);
+            return QTableView::selectionCommand(index, &plain);
+        }
+    }
+    return QTableView::selectionCommand(index, event);
 }
 
 QModelIndex GridView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
@@ -150,6 +180,16 @@ void GridView::DuplicateRow() {
     if (IsInteractive()) Guarded([&] { actions_.DuplicateRow(); });
 }
 
+void GridView::InsertRows(const center::CellRange& block) {
+    if (!IsInteractive() || block.IsEmpty()) return;
+    Guarded([&] { actions_.InsertRows(block.firstRow, block.lastRow - block.firstRow + 1); });
+}
+
+void GridView::DeleteRows(const center::CellRange& block) {
+    if (!IsInteractive() || block.IsEmpty()) return;
+    Guarded([&] { actions_.DeleteRows(block.firstRow, block.lastRow - block.firstRow + 1); });
+}
+
 void GridView::OpenLookUp() {
     if (IsInteractive()) Guarded([&] { actions_.OpenLookUp(); });
 }
@@ -179,6 +219,8 @@ bool GridView::HandleShortcut(const QKeyEvent& event) {
         DuplicateRow();
         return true;
     }
+    if (IsInsertKey(event)) return InsertRows(SelectedBlock()), true;
+    if (IsDeleteKey(event)) return DeleteRows(SelectedBlock()), true;
     return false;
 }
 
@@ -361,10 +403,12 @@ void GridView::contextMenuEvent(QContextMenuEvent* event) {
     add(QStringLiteral("向下填充\tCtrl+D"), true,
         [this, block] { Guarded([&] { actions_.FillDown(block); }); });
     add(QStringLiteral("复制分录\tCtrl+Shift+D"), true, [this] { DuplicateRow(); });
-    add(count > 1 ? QStringLiteral("插入 %1 行").arg(count) : QStringLiteral("插入行"), true,
-        [this, block, count] { Guarded([&] { actions_.InsertRows(block.firstRow, count); }); });
-    add(count > 1 ? QStringLiteral("删除 %1 行").arg(count) : QStringLiteral("删除行"), true,
-        [this, block, count] { Guarded([&] { actions_.DeleteRows(block.firstRow, count); }); });
+    add((count > 1 ? QStringLiteral("插入 %1 行").arg(count) : QStringLiteral("插入行")) +
+            QStringLiteral("\tCtrl++"),
+        true, [this, block] { InsertRows(block); });
+    add((count > 1 ? QStringLiteral("删除 %1 行").arg(count) : QStringLiteral("删除行")) +
+            QStringLiteral("\tCtrl+-"),
+        true, [this, block] { DeleteRows(block); });
     menu.addSeparator();
     add(QStringLiteral("查看资料\tF7"), true, [this] { OpenLookUp(); });
     menu.exec(event->globalPos());

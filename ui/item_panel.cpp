@@ -105,7 +105,10 @@ void ItemPanel::BuildRows(std::size_t count) {
         grid->addWidget(widgets.lookUp, row, 2);
         connect(widgets.number, &QLineEdit::editingFinished, this,
                 [this, field = widgets.number] { Commit(*field); });
-        connect(widgets.lookUp, &QToolButton::clicked, this, [this, row] { emit lookUpRequested(row); });
+        connect(widgets.lookUp, &QToolButton::clicked, this, [this, row, field = widgets.number] {
+            Commit(*field);  // the look-up starts at what has been typed
+            emit lookUpRequested(row);
+        });
         rows_.push_back(widgets);
     }
     empty_ = new QLabel(QStringLiteral("该分录的科目没有核算项目"), content_);
@@ -206,6 +209,7 @@ bool ItemPanel::eventFilter(QObject* watched, QEvent* event) {
         if ((key.key() == Qt::Key_F7 || key.key() == Qt::Key_Insert) && field) {
             for (std::size_t i = 0; i < rows_.size(); ++i) {
                 if (rows_[i].number != field) continue;
+                Commit(*field);
                 emit lookUpRequested(static_cast<int>(i));
                 return true;
             }

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "center/cell_rules.h"
@@ -54,8 +55,11 @@ class PlainActions : public GridActions {
         pasted = text;
     }
     void DuplicateRow() override { ++duplicates; }
-    void InsertRows(int, int) override {}
-    void DeleteRows(int, int) override { ++deletes; }
+    void InsertRows(int firstRow, int count) override { inserted = {firstRow, count}; }
+    void DeleteRows(int firstRow, int count) override {
+        ++deletes;
+        deleted = {firstRow, count};
+    }
     void Undo() override { ++undos; }
     void Redo() override { ++redos; }
     bool IsNameListOpen() override { return listOpen; }
@@ -78,6 +82,8 @@ class PlainActions : public GridActions {
     center::CellAddress pastedAt{0, 0};
     std::string pasted;
     center::CellRange filled;
+    std::pair<int, int> inserted;  // first row and count
+    std::pair<int, int> deleted;
     int rowsInUse = 10;
     int lookUps = 0;
     int duplicates = 0;

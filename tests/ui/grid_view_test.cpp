@@ -3,11 +3,14 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -352,6 +355,47 @@ TEST_F(GridViewTest, ControlKeysJumpAsInASpreadsheetAndNeverPastTheFirstBlankRow
     EXPECT_EQ(Current().column, 1);
 }
 
+TEST_F(GridViewTest, TheSelectionGoesAlongWithTheCursorHoweverItMoves) {
+    const auto only = [this] {
+        const center::CellAddress cell = Current();
+        return view->SelectedBlock() == center::CellRange{cell.row, cell.column, cell.row, cell.column};
+    };
+    Go(3, 5);
+    Key(Qt::Key_End, Qt::ControlModifier);
+    EXPECT_TRUE(only());
+    grid->SetText(1, 1, "7");
+    grid->SetText(10, 21, "kept");
+    Key(Qt::Key_Home, Qt::ControlModifier);
+    EXPECT_TRUE(only());
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(grid->Text(1, 1), "");
+    EXPECT_EQ(grid->Text(10, 21), "kept");
+    Key(Qt::Key_Tab);
+    EXPECT_TRUE(only());
+}
+
+TEST_F(GridViewTest, ShiftSelectsFromTheCursorHoweverItCameThere) {
+    Go(7, 7);
+    Key(Qt::Key_Home, Qt::ControlModifier);
+    Key(Qt::Key_Tab);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{1, 2, 2, 2}));
+    Key(Qt::Key_Down, Qt::ShiftModifier | Qt::ControlModifier);
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{1, 2, 10, 2}));
+    Key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{1, 2, 10, 3}));
+    grid->SetActiveCell({5, 2});
+    Key(Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{4, 2, 5, 2}));
+    Type("x");
+    Key(Qt::Key_Return);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{4, 3, 5, 3}));
+    Key(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{5, 2, 5, 2}))
+        << "Shift with Tab selects nothing more";
+}
+
 TEST_F(GridViewTest, BlocksGoThroughTheClipboard) {
     grid->SetText(2, 2, "copied");
     Go(2, 2);
@@ -382,6 +426,59 @@ TEST_F(GridViewTest, UndoRedoFillAndDuplicateHaveTheirUsualKeys) {
     EXPECT_EQ(actions.redos, 1);
     EXPECT_EQ(actions.filled, (center::CellRange{1, 1, 1, 1}));
     EXPECT_EQ(actions.duplicates, 1);
+}
+
+TEST_F(GridViewTest, PlusAndMinusWithControlInsertAndDeleteAsManyRowsAsAreSelected) {
+    Go(3, 2);
+    Key(Qt::Key_Plus, Qt::ControlModifier);
+    EXPECT_EQ(actions.inserted, (std::pair{3, 1}));
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    Key(Qt::Key_Equal, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(actions.inserted, (std::pair{3, 3}));
+    Key(Qt::Key_Minus, Qt::ControlModifier | Qt::KeypadModifier);
+    EXPECT_EQ(actions.deleted, (std::pair{3, 3}));
+    view->SetInteractive(false);
+    Key(Qt::Key_Minus, Qt::ControlModifier);
+    EXPECT_EQ(actions.deletes, 1);
+}
+
+TEST_F(GridViewTest, ItsMenuInsertsAndDeletesAsManyRowsAsAreSelected) {
+    Go(2, 2);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    const auto choose = [this](const QString& text) {
+        QTimer::singleShot(0, view.get(), [this, text] {
+            auto* menu = view->findChild<QMenu*>("gridMenu");
+            ASSERT_NE(menu, nullptr);
+            for (QAction* action : menu->actions()) {
+                if (action->text().section('\t', 0, 0) == text) action->trigger();
+            }
+            menu->close();
+        });
+        const QPoint at = view->visualRect(model->IndexOf({2, 2})).center();
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, at, view->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(view->viewport(), &event);
+    };
+    choose("插入 2 行");
+    EXPECT_EQ(actions.inserted, (std::pair{2, 2}));
+    choose("删除 2 行");
+    EXPECT_EQ(actions.deleted, (std::pair{2, 2}));
+    choose("复制分录");
+    EXPECT_EQ(actions.duplicates, 1);
+}
+
+TEST_F(GridViewTest, ADoubleClickOnAColumnsEdgeFitsItToItsTexts) {
+    grid->SetText(1, 2, "收到国外客户支付的上一年度货款及其利息");
+    grid->SetColumnWidth(2, 600);
+    QHeaderView* header = view->horizontalHeader();
+    const QPoint edge(header->sectionViewportPosition(1) + header->sectionSize(1) - 1, header->height() / 2);
+    QTest::mouseMove(header->viewport(), edge);
+    QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, edge);
+    const int text = view->fontMetrics().horizontalAdvance("收到国外客户支付的上一年度货款及其利息");
+    EXPECT_GE(view->columnWidth(1), text);
+    EXPECT_LE(view->columnWidth(1), text + 40);
+    EXPECT_DOUBLE_EQ(grid->Layout(2).width, PixelsToTwips(view->columnWidth(1), *view));
+    EXPECT_FALSE(header->sectionsMovable());
 }
 
 TEST_F(GridViewTest, AGridThatIsNotInteractiveTakesNothing) {

@@ -115,6 +115,26 @@ TEST_F(ItemPanelTest, LookUpAndOpenButtonsAskForTheirs) {
     EXPECT_EQ(toggles.size(), 1);
 }
 
+TEST_F(ItemPanelTest, ALookUpStartsAtWhatHasBeenTyped) {
+    panel.SetState(TwoClasses());
+    QStringList order;
+    QObject::connect(&panel, &ItemPanel::numberCommitted, &panel,
+                     [&](int row, const QString& number) { order << QString("%1 %2").arg(row).arg(number); });
+    QObject::connect(&panel, &ItemPanel::lookUpRequested, &panel,
+                     [&](int row) { order << QString("look-up %1").arg(row); });
+    auto* first = Find<QLineEdit>("txtItemNumber1");
+    first->setFocus();
+    first->selectAll();
+    QTest::keyClicks(first, "C1");
+    QTest::keyClick(first, Qt::Key_F7);
+    auto* second = Find<QLineEdit>("txtItemNumber2");
+    second->setFocus();
+    second->selectAll();
+    QTest::keyClicks(second, "D0");
+    QTest::mouseClick(Find<QToolButton>("cmdItemLookUp2"), Qt::LeftButton);
+    EXPECT_EQ(order, (QStringList{"0 C1", "look-up 0", "1 D0", "look-up 1"}));
+}
+
 TEST_F(ItemPanelTest, MakesRoomForTheCellsOwnEditorAndIsAwayWithoutTheRight) {
     panel.SetState(TwoClasses());
     panel.SetCellEditing(true);
