@@ -1,6 +1,9 @@
 #include "ui/qt_surroundings.h"
 
 #include <QApplication>
+#include <QLabel>
+#include <QLayout>
+#include <QPlainTextEdit>
 #include <QPushButton>
 
 #include "ui/qt_text.h"
@@ -57,6 +60,27 @@ QString SuffixOf(const std::string& pattern) {
     return suffix.contains(u'*') || suffix.contains(u'?') ? QString() : suffix;
 }
 
+// A list of errors may be longer than the screen is high, its buttons below the edge: it is read in a box of
+// its own that scrolls, and can be copied from there.
+void MakeScrollable(QMessageBox& box) {
+    constexpr qsizetype kMostLines = 20;
+    constexpr qsizetype kMostCharacters = 2000;
+    const QString text = box.text();
+    if (text.size() <= kMostCharacters && text.count(u'\n') <= kMostLines) return;
+    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    if (label == nullptr || box.layout() == nullptr) return;
+    auto* whole = new QPlainTextEdit(text, &box);
+    whole->setObjectName(QStringLiteral("messageText"));
+    whole->setReadOnly(true);
+    whole->setTabChangesFocus(true);
+    whole->setAccessibleName(box.windowTitle());
+    const QFontMetrics metrics = whole->fontMetrics();
+    whole->setMinimumSize(metrics.averageCharWidth() * 80,
+                          metrics.lineSpacing() * static_cast<int>(kMostLines));
+    delete box.layout()->replaceWidget(label, whole);
+    label->hide();
+}
+
 }  // namespace
 
 void FillMessageBox(QMessageBox& box, const std::string& text, system::MessageButtons buttons,
@@ -81,6 +105,7 @@ void FillMessageBox(QMessageBox& box, const std::string& text, system::MessageBu
         no->setText(QStringLiteral("否(&N)"));
         box.setEscapeButton(no);
     }
+    MakeScrollable(box);
 }
 
 QStringList NameFilters(const system::FileRequest& request) {

@@ -1,6 +1,7 @@
 #include "ui/qt_surroundings.h"
 
 #include <QApplication>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <stdexcept>
 
@@ -37,6 +38,33 @@ TEST(QtMessageBox, OffersOkAloneOrOkAndCancel) {
     EXPECT_EQ(two.buttons().size(), 2);
     EXPECT_EQ(two.button(QMessageBox::Cancel)->text(), "取消");
     EXPECT_EQ(two.icon(), QMessageBox::Critical);
+}
+
+TEST(QtMessageBox, ALongListScrollsSoThatTheButtonsStayOnTheScreen) {
+    std::string text = "引入模板失败！模板文件数据存在以下错误: ";
+    for (int row = 2; row < 3000; ++row)
+        text += "第" + std::to_string(row) + "行，第A列值存在错误，\r\n";
+    QMessageBox box;
+    FillMessageBox(box, text, system::MessageButtons::Ok, system::MessageIcon::Information, "Orbis提示");
+    box.show();
+    const auto* whole = box.findChild<QPlainTextEdit*>(QStringLiteral("messageText"));
+    ASSERT_NE(whole, nullptr);
+    EXPECT_TRUE(whole->isVisible());
+    EXPECT_TRUE(whole->isReadOnly());
+    EXPECT_EQ(whole->toPlainText(), box.text());
+    EXPECT_TRUE(whole->toPlainText().endsWith(QStringLiteral("第2999行，第A列值存在错误，\n")));
+    EXPECT_LT(box.height(), 600);
+    EXPECT_LT(box.width(), 1000);
+    const QWidget* ok = box.button(QMessageBox::Ok);
+    EXPECT_TRUE(box.rect().contains(QRect(ok->mapTo(&box, QPoint()), ok->size())));
+    EXPECT_EQ(box.defaultButton(), ok);
+}
+
+TEST(QtMessageBox, AShortMessageIsNoListToScroll) {
+    QMessageBox box;
+    FillMessageBox(box, "引入模板失败！\r\n第2行，第A列值存在错误，\r\n", system::MessageButtons::Ok,
+                   system::MessageIcon::Information, "t");
+    EXPECT_EQ(box.findChild<QPlainTextEdit*>(QStringLiteral("messageText")), nullptr);
 }
 
 system::FileRequest WorkbookRequest() {
