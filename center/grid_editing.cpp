@@ -89,7 +89,8 @@ void GridEditing::MoveActiveCell(const CellAddress& to) {
     const CellAddress from = grid.ActiveCell();
     if (!(from == to)) Leave(from);
     CellAddress target = to;
-    if (LeavesGap(to.row)) {
+    // Whoever may only look enters no lines, with gaps or without.
+    if (CanEdit() && LeavesGap(to.row)) {
         target.row = state_.rowCount + 1;
         KeepSpareRow();
     }

@@ -194,6 +194,15 @@ TEST_F(GridEditingTest, MovingPastTheFirstBlankRowIsRefusedAndLandsThere) {
     EXPECT_FALSE(state_.dirty);
 }
 
+TEST_F(GridEditingTest, WhoMayNotChangeTemplatesLooksAnywhereWithoutAMessage) {
+    UseRows(3);
+    state_.hasRight = false;
+    editing_.MoveActiveCell({50, 7});
+    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{50, 7}));
+    EXPECT_EQ(Grid().RowTotal(), kFirstRowTotal);
+}
+
 TEST_F(GridEditingTest, TheFirstBlankRowIsWithinReach) {
     UseRows(3);
     editing_.MoveActiveCell({4, 1});
