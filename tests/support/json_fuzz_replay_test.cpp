@@ -30,6 +30,25 @@ TEST(JsonFuzzReplay, EveryKeptTextKeepsTheRules) {
         EXPECT_TRUE(KeepsTheRules(text)) << text;
 }
 
+// Bytes from pairs of hexadecimal digits.
+std::string Bytes(const std::string& digits) {
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
+        bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
+    return bytes;
+}
+
+TEST(JsonFuzzReplay, EveryTextThatTheFuzzerFoundKeepsTheRules) {
+    std::ifstream file(VICENTER_SOURCE_DIR "/tests/support/json_fuzz_corpus.txt");
+    int count = 0;
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        EXPECT_TRUE(KeepsTheRules(Bytes(line))) << line;
+        ++count;
+    }
+    EXPECT_GE(count, 500);
+}
+
 TEST(JsonFuzzReplay, EveryTextCutShortKeepsTheRules) {
     for (const std::string& text : KeptTexts()) {
         for (std::size_t length = 0; length < text.size(); ++length)
