@@ -266,6 +266,7 @@ TEST_F(CInterface, ConvertsAsAutomationDoes) {
     null.type = VIC_NULL;
     EXPECT_EQ(vic_convert(&null, VIC_TEXT, &out.variant), 94);
     EXPECT_EQ(vic_convert(&text, VIC_ARRAY, &out.variant), 13);
+    EXPECT_EQ(vic_convert(&text, static_cast<vic_type>(999), &out.variant), 13);
 }
 
 TEST_F(CInterface, CopiesAndClearsWhatVariantsOwn) {

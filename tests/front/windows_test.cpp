@@ -3,6 +3,13 @@
 
 #include "tests/front/front_testing.h"
 
+#ifdef VICENTER_PROGRAM
+#include <cstdlib>
+#include <filesystem>
+
+#include <unistd.h>
+#endif
+
 namespace vicenter::front {
 namespace {
 
@@ -33,6 +40,69 @@ TEST_F(FrontWindows, NoneIsOpenAtFirst) {
 }
 
 #if VICENTER_FRONT_HAS_WINDOWS
+
+#ifdef VICENTER_PROGRAM
+
+// The host's property manager, as a host in C supplies it: the instance is the property string.
+vic_class PropertyManager(std::string& properties) {
+    vic_class definition{};
+    definition.size = sizeof definition;
+    definition.type_name = "ShareProps";
+    definition.data = &properties;
+    definition.create = [](void* data, void** instance) -> vic_status {
+        *instance = data;
+        return 0;
+    };
+    definition.invoke = [](void* instance, vic_kind, const char*, vic_variant*, size_t,
+                           vic_variant* result) -> vic_status {
+        const auto& text = *static_cast<const std::string*>(instance);
+        return vic_set_text(result, text.data(), text.size());
+    };
+    return definition;
+}
+
+// Trees, grids and recordsets in them: what several windows hold must be gone with them, which the leak check
+// of an instrumented build sees to at the end.
+TEST_F(FrontWindows, SeveralOnAnAccountSetLeaveNothing) {
+    const auto folder =
+        std::filesystem::temp_directory_path() / ("vicenter-front-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder);
+    const std::string file = (folder / "demo.vas").string();
+    ASSERT_EQ(
+        std::system(("'" VICENTER_PROGRAM "' account-set new '" + file + "' --demo > /dev/null").c_str()), 0);
+    std::string properties = "UserID=1;ConnectString={Provider=VelaAccountSet;Data Source=" + file + "};";
+    const vic_class manager = PropertyManager(properties);
+    ASSERT_EQ(vic_register_class("VelaPropsMgr.ShareProps", &manager), 0);
+
+    for (std::size_t opened = 1; opened <= 3; ++opened) {
+        ASSERT_EQ(Show(), 0) << vic_error_description();
+        EXPECT_EQ(OpenWindows(), opened);
+        EXPECT_EQ(vic_process_events(1), 0);
+    }
+    {
+        Handle data("VelaVICenter.clsVIData");
+        const vic_variant user = Value::Int(1);
+        Value templates;
+        ASSERT_EQ(data.Call("GetVchTemplateByUserID", {user}, &templates), 0);
+        ASSERT_EQ(templates.variant.type, VIC_OBJECT);
+        Value count;
+        ASSERT_EQ(vic_get(templates.variant.value.object, "RecordCount", &count.variant), 0);
+        Value number;
+        ASSERT_EQ(vic_convert(&count.variant, VIC_INT32, &number.variant), 0);
+        EXPECT_GE(number.variant.value.int32, 4);
+    }
+    EXPECT_EQ(vic_close_windows(), 0);
+    EXPECT_EQ(OpenWindows(), 0U);
+    std::size_t live = 1;
+    EXPECT_EQ(vic_live_objects(&live), 0);
+    EXPECT_EQ(live, 0U);
+    EXPECT_EQ(vic_unregister_class("VelaPropsMgr.ShareProps"), 0);
+    EXPECT_EQ(vic_shutdown(), 0);
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+}
+
+#endif
 
 TEST_F(FrontWindows, OpensIndependentWindowsAndClosesThem) {
     ASSERT_EQ(Show(), 0) << vic_error_description();

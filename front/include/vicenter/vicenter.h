@@ -51,6 +51,13 @@ typedef long vic_int64;
 
 typedef vic_int32 vic_status;
 
+/* Makes an enumeration hold any int in C++ as it does in C: what a host passes may be no member of it. */
+#ifdef __cplusplus
+#define VIC_INT_ENUM : vic_int32
+#else
+#define VIC_INT_ENUM
+#endif
+
 /* Counts up with every change of this interface; what was there before stays as it is. */
 #define VIC_ABI_VERSION 1
 
@@ -61,7 +68,7 @@ typedef vic_int32 vic_status;
 #define VIC_ERROR_NO_WINDOWS 429
 #define VIC_ERROR_WRONG_THREAD (-2147417842) /* 0x8001010E */
 
-typedef enum vic_type {
+typedef enum vic_type VIC_INT_ENUM {
     VIC_EMPTY = 0,
     VIC_NULL = 1,
     VIC_BOOLEAN = 2, /* value.boolean: 0, or -1 for true */
@@ -141,7 +148,7 @@ VIC_API vic_status vic_has_member(vic_object *object, const char *name, vic_int3
 /* Handles and instances of host classes that are still held: 0 when nothing leaks. */
 VIC_API vic_status vic_live_objects(size_t *count);
 
-typedef enum vic_kind { VIC_GET = 0, VIC_PUT = 1, VIC_CALL = 2 } vic_kind;
+typedef enum vic_kind VIC_INT_ENUM { VIC_GET = 0, VIC_PUT = 1, VIC_CALL = 2 } vic_kind;
 
 /* Calls a member; name "" is the default member. Arguments are values, or VIC_BYREF to variables that the
  * member may change. names is NULL, or one name or NULL for each argument. The value of a VIC_PUT is the last
