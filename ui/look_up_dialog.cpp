@@ -15,7 +15,7 @@ namespace vicenter::ui {
 
 namespace {
 
-constexpr int kWidth = 560;
+constexpr int kWidth = 640;
 constexpr int kHeight = 420;
 constexpr int kNumberWidth = 150;
 constexpr int kNameWidth = 220;
