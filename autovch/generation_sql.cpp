@@ -7,6 +7,7 @@ namespace vicenter::autovch {
 
 using automation::Variant;
 using automation::VariantType;
+using entry::AppendSqlQuoted;
 using entry::kCrLf;
 using entry::SqlQuote;
 
@@ -68,22 +69,29 @@ std::string Joins() {
 }
 
 // Numbers as plain decimals without loss, texts as literals, a missing value as the word Null.
-std::string SqlOf(const Variant& value) {
+void AppendSql(std::string& batch, const Variant& value) {
     switch (value.Type()) {
         case VariantType::Null:
         case VariantType::Empty:
-            return "Null";
+            batch += "Null";
+            return;
         case VariantType::Boolean:
-            return value.ToBoolean() ? "1" : "0";
+            batch += value.ToBoolean() ? '1' : '0';
+            return;
         case VariantType::Double:
-            return value.ToDecimal().ToShortText();
+            batch += value.ToDecimal().ToShortText();
+            return;
         case VariantType::Int16:
         case VariantType::Int32:
         case VariantType::Int64:
         case VariantType::Decimal:
-            return value.ToText();
+            batch += value.ToText();
+            return;
+        case VariantType::Text:
+            AppendSqlQuoted(batch, std::get<std::string>(value.Raw()));
+            return;
         default:
-            return SqlQuote(value.ToTextOrEmpty());
+            AppendSqlQuoted(batch, value.ToTextOrEmpty());
     }
 }
 
@@ -201,7 +209,11 @@ std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& c
         for (const Source& source : sources) {
             const Variant& value = vouchers.ValueAt(static_cast<std::size_t>(row), source.column);
             batch += ',';
-            batch += source.items ? SqlQuote(itemsOf(value.ToTextOrEmpty())) : SqlOf(value);
+            if (source.items) {
+                AppendSqlQuoted(batch, itemsOf(value.ToTextOrEmpty()));
+            } else {
+                AppendSql(batch, value);
+            }
         }
         AppendLine(batch, ") ");
     }

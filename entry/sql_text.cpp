@@ -4,19 +4,43 @@
 
 namespace vicenter::entry {
 
+namespace {
+
+void AppendEscaped(std::string& sql, std::string_view text) {
+    for (std::size_t from = 0;;) {
+        const std::size_t quote = text.find('\'', from);
+        if (quote == std::string_view::npos) {
+            sql.append(text, from);
+            return;
+        }
+        sql.append(text, from, quote + 1 - from).push_back('\'');
+        from = quote + 1;
+    }
+}
+
+}  // namespace
+
 std::string SqlEscape(std::string_view text) {
     std::string result;
     result.reserve(text.size() + 2);
-    for (const char c : text) {
-        result += c;
-        if (c == '\'') result += c;
-    }
+    AppendEscaped(result, text);
     return result;
 }
 
 std::string SqlQuote(std::string_view text, bool addQuotes, bool trim) {
+    if (addQuotes && trim) {
+        std::string result;
+        AppendSqlQuoted(result, text);
+        return result;
+    }
     const std::string escaped = SqlEscape(trim ? system::TrimBlanks(text) : text);
     return addQuotes ? "'" + escaped + "'" : escaped;
+}
+
+void AppendSqlQuoted(std::string& sql, std::string_view text) {
+    sql += '\'';
+    AppendEscaped(sql, system::TrimBlanks(text));
+    sql += '\'';
 }
 
 std::string SqlText(const Variant& value, bool addQuotes, bool trim) {

@@ -22,6 +22,8 @@ inline constexpr const char* kCrLf = "\r\n";
 std::string SqlEscape(std::string_view text);
 // The text without blanks at its ends (trim), apostrophes doubled, in apostrophes (addQuotes).
 std::string SqlQuote(std::string_view text, bool addQuotes = true, bool trim = true);
+// Appends what SqlQuote(text) gives; for batches of many values.
+void AppendSqlQuoted(std::string& sql, std::string_view text);
 // As SqlQuote; null counts as the empty text. A value that is no text (an array, say) gives the empty text.
 std::string SqlText(const Variant& value, bool addQuotes = true, bool trim = true);
 // As SqlText, but an empty value with blankAsNull is the bare word Null.

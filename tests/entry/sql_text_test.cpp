@@ -51,5 +51,16 @@ TEST(SqlText, LeadingNumbersStopAtTheFirstOtherCharacter) {
     EXPECT_EQ(LeadingNumber("1,000"), 1);
 }
 
+TEST(AppendSqlQuotedTest, AppendsTheLiteral) {
+    std::string sql = "values(";
+    AppendSqlQuoted(sql, "  it's 'here' ");
+    AppendSqlQuoted(sql, "");
+    AppendSqlQuoted(sql, "''");
+    EXPECT_EQ(sql,
+              "values('it''s ''here'''"
+              "''"
+              "''''''");
+}
+
 }  // namespace
 }  // namespace vicenter::entry
