@@ -2,7 +2,7 @@
 -- holds a cell that the entry grid would mark red, else 1. The conditions below are the grid's own five checks, so
 -- that what is red and what is reported as unusable agree.
 --
--- len(x + '|') > 1 stands for "x is not empty": a plain comparison would take a text of blanks for empty.
+-- datalength(x) > 0 stands for "x is not empty": a plain comparison would take a text of blanks for empty.
 create procedure pro_VchTpCanUsed
     @FID int
 as
@@ -21,7 +21,7 @@ begin
     -- Settlement type: known, and only on a bank account.
     insert into #Bad (FNo)
     select e.FNo from t_VchTemplateEntry e
-    where e.FID = @FID and len(isnull(e.FSettleName, '') + '|') > 1
+    where e.FID = @FID and datalength(e.FSettleName) > 0
       and (not exists (select 1 from t_Settle s where s.FName = ltrim(rtrim(e.FSettleName)))
            or not exists (select 1 from t_Account a
                           where a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1 and a.FIsBank <> 0))
@@ -29,7 +29,7 @@ begin
     -- Currency: known; an account kept in currency 1 takes no other.
     insert into #Bad (FNo)
     select e.FNo from t_VchTemplateEntry e
-    where e.FID = @FID and len(isnull(e.FCurrencyName, '') + '|') > 1
+    where e.FID = @FID and datalength(e.FCurrencyName) > 0
       and not exists (select 1 from t_Currency c, t_Account a
                       where c.FName = ltrim(rtrim(e.FCurrencyName))
                         and a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1
@@ -38,7 +38,7 @@ begin
     -- Measure unit: of the account's unit group.
     insert into #Bad (FNo)
     select e.FNo from t_VchTemplateEntry e
-    where e.FID = @FID and len(isnull(e.FUnitName, '') + '|') > 1
+    where e.FID = @FID and datalength(e.FUnitName) > 0
       and not exists (select 1 from t_MeasureUnit u
                       where u.FMeasureUnitID > 0 and u.FName = ltrim(rtrim(e.FUnitName))
                         and u.FUnitGroupID = (select a.FUnitGroupID from t_Account a
@@ -60,12 +60,12 @@ begin
     select e.FEntryID, e.FNo, isnull(a.FDetailID, 0), e.FItemsInfo + ',', e.FItemsInfo, 0
     from t_VchTemplateEntry e
     left join t_Account a on a.FNumber = ltrim(rtrim(e.FAccountNumber))
-    where e.FID = @FID and len(isnull(e.FItemsInfo, '') + '|') > 1
+    where e.FID = @FID and datalength(e.FItemsInfo) > 0
 
     -- A text of nothing but separators stands for no items.
     while exists (select 1 from #Item where unicode(FPiece) = 44)
         update #Item set FPiece = substring(FPiece, 2, 256) where unicode(FPiece) = 44
-    delete from #Item where len(FPiece + '|') = 1
+    delete from #Item where datalength(FPiece) = 0
 
     -- An account without item classes takes no items.
     insert into #Bad (FNo)
@@ -88,7 +88,9 @@ begin
     fetch next from class_cursor into @ItemClassID, @TableName
     while @@fetch_status = 0
     begin
+        -- Only the lines whose account has this class; the others' FComma stays 0.
         update #Item set FComma = charindex(',', FRest)
+        where FDetailID in (select v.FDetailID from t_ItemDetailV v where v.FItemClassID = @ItemClassID)
         while exists (select 1 from #Item where FComma > 0 and unicode(substring(FRest, FComma, 1)) <> 44)
             update #Item set FComma = charindex(',', FRest, FComma + 1)
             where FComma > 0 and unicode(substring(FRest, FComma, 1)) <> 44
@@ -102,14 +104,15 @@ begin
         -- The next piece of every line whose account has this class.
         update #Item
         set FPiece = case when FComma > 0 then left(FRest, FComma - 1) else '' end,
-            FRest = substring(FRest, FComma + 1, 256)
+            FRest = substring(FRest, FComma + 1, 256),
+            FComma = 0
         where FDetailID in (select v.FDetailID from t_ItemDetailV v where v.FItemClassID = @ItemClassID)
 
         -- It is empty or the number of an item of the class, whose table only the class knows.
         set @sql = 'insert into #Bad (FNo) select i.FNo from #Item i'
             + ' inner join t_ItemDetailV v on v.FDetailID = i.FDetailID'
             + ' and v.FItemClassID = ' + cast(@ItemClassID as nvarchar(20))
-            + ' where len(i.FPiece + ''|'') > 1'
+            + ' where datalength(i.FPiece) > 0'
         if object_id(@TableName) is not null
             set @sql = @sql + ' and not exists (select 1 from ' + @TableName
                 + ' t where t.FNumber = ltrim(rtrim(i.FPiece)))'
