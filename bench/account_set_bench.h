@@ -116,6 +116,15 @@ struct Candidate {
     }
 };
 
+// Medians and spreads, beside the first candidate.
+inline void Print(const std::vector<Candidate>& candidates, double unitsPerRun, const char* unit) {
+    for (const Candidate& candidate : candidates) {
+        std::printf("%-48s %10.3f %s  (spread %.3f)  %.2f x base\n", candidate.name.c_str(),
+                    candidate.Median() / unitsPerRun, unit, candidate.Spread() / unitsPerRun,
+                    candidate.Median() / candidates.front().Median());
+    }
+}
+
 // Every candidate once per round, so that what else the machine does hits all alike. The first one is the
 // base.
 inline void RunInTurn(std::vector<Candidate>& candidates, int rounds, double unitsPerRun, const char* unit) {
@@ -127,11 +136,7 @@ inline void RunInTurn(std::vector<Candidate>& candidates, int rounds, double uni
             if (round >= 0) candidate.times.push_back(time);
         }
     }
-    for (const Candidate& candidate : candidates) {
-        std::printf("%-48s %10.3f %s  (spread %.3f)  %.2f x base\n", candidate.name.c_str(),
-                    candidate.Median() / unitsPerRun, unit, candidate.Spread() / unitsPerRun,
-                    candidate.Median() / candidates.front().Median());
-    }
+    Print(candidates, unitsPerRun, unit);
 }
 
 }  // namespace vicenter::bench
