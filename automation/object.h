@@ -22,9 +22,12 @@ enum class InvokeKind { Get, Put, Call };
 // One argument: a value, or a reference to the caller's variable; optionally named.
 class Argument {
   public:
+    // Arguments read like values at the call; copies and moves are other constructors, since an argument
+    // converts to no value.
     template <class T>
-    requires std::convertible_to<T, Variant> Argument(T&& value)
-        : value_(std::forward<T>(value)) {}  // NOLINT: arguments read like values at the call
+    requires std::convertible_to<T, Variant>
+    // NOLINTNEXTLINE(bugprone-forwarding-reference-overload,google-explicit-constructor)
+    Argument(T&& value) : value_(std::forward<T>(value)) {}
 
     static Argument ByReference(Variant& variable) {
         Argument argument{Variant()};

@@ -60,7 +60,7 @@ class Variant {
     Variant(std::int32_t value) : data_(value) {}
     Variant(std::int64_t value) : data_(value) {}
     Variant(double value) : data_(value) {}
-    Variant(Decimal value) : data_(std::move(value)) {}
+    Variant(Decimal value) : data_(value) {}
     Variant(DateTime value) : data_(value) {}
     Variant(std::string value) : data_(std::move(value)) {}
     Variant(std::string_view value) : data_(std::string(value)) {}
