@@ -9,15 +9,17 @@ namespace vicenter::tsql::engine {
 
 namespace {
 
-// Rank of digits and letters, 0 for every other byte.
+// Rank of the characters that one sees in codes: marks before digits before letters, as the collation has
+// them (a test compares). 0 for every other byte.
 constexpr std::array<std::uint8_t, 256> MakeRanks() {
+    constexpr std::string_view kOrder =
+        " _-,;:!?.'\"()[]{}@*/\\&#%`^+<=>|~$0123456789abcdefghijklmnopqrstuvwxyz";
     std::array<std::uint8_t, 256> ranks{};
-    for (std::size_t c = '0'; c <= '9'; ++c)
-        ranks[c] = static_cast<std::uint8_t>(1 + c - '0');
-    for (std::size_t c = 'a'; c <= 'z'; ++c)
-        ranks[c] = static_cast<std::uint8_t>(11 + c - 'a');
-    for (std::size_t c = 'A'; c <= 'Z'; ++c)
-        ranks[c] = static_cast<std::uint8_t>(11 + c - 'A');
+    for (std::size_t i = 0; i < kOrder.size(); ++i) {
+        const auto c = static_cast<unsigned char>(kOrder[i]);
+        ranks[c] = static_cast<std::uint8_t>(i + 1);
+        if (c >= 'a' && c <= 'z') ranks[static_cast<std::size_t>(c - 'a' + 'A')] = ranks[c];
+    }
     return ranks;
 }
 constexpr std::array<std::uint8_t, 256> kRanks = MakeRanks();

@@ -1,8 +1,9 @@
 #pragma once
 
 // The order of texts, given to the engine by whoever opens an account set: the engine has no tables of
-// characters of its own. Implementations must be stateless for callers and outlive every session. Letters and
-// digits of ASCII must stand as they do in every language: digits before letters, letters without case.
+// characters of its own. Implementations must be stateless for callers and outlive every session. The
+// printable characters of ASCII must stand as the root order has them: marks before digits before letters, letters
+// without case.
 
 #include <string>
 #include <string_view>
@@ -22,7 +23,7 @@ class TextCollation {
     virtual std::string Fold(std::string_view text) const = 0;
 };
 
-// With trailing blanks ignored and a short way for equal texts and for plain letters and digits.
+// With trailing blanks ignored and a short way for equal texts and for printable ASCII.
 int CompareTexts(const TextCollation& collation, std::string_view a, std::string_view b);
 
 }  // namespace vicenter::tsql::engine
