@@ -11,38 +11,31 @@ begin
 
     create table #Bad (FNo int not null)
 
-    -- Account: must be there and be a detail account.
+    -- Account, settlement type, currency and measure unit, in one pass over the lines.
     insert into #Bad (FNo)
     select e.FNo from t_VchTemplateEntry e
-    where e.FID = @FID
-      and not exists (select 1 from t_Account a
-                      where a.FNumber = ltrim(rtrim(isnull(e.FAccountNumber, ''))) and a.FDetail = 1)
-
-    -- Settlement type: known, and only on a bank account.
-    insert into #Bad (FNo)
-    select e.FNo from t_VchTemplateEntry e
-    where e.FID = @FID and datalength(e.FSettleName) > 0
-      and (not exists (select 1 from t_Settle s where s.FName = ltrim(rtrim(e.FSettleName)))
-           or not exists (select 1 from t_Account a
-                          where a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1 and a.FIsBank <> 0))
-
-    -- Currency: known; an account kept in currency 1 takes no other.
-    insert into #Bad (FNo)
-    select e.FNo from t_VchTemplateEntry e
-    where e.FID = @FID and datalength(e.FCurrencyName) > 0
-      and not exists (select 1 from t_Currency c, t_Account a
-                      where c.FName = ltrim(rtrim(e.FCurrencyName))
-                        and a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1
-                        and (a.FCurrencyID <> 1 or c.FCurrencyID = 1))
-
-    -- Measure unit: of the account's unit group.
-    insert into #Bad (FNo)
-    select e.FNo from t_VchTemplateEntry e
-    where e.FID = @FID and datalength(e.FUnitName) > 0
-      and not exists (select 1 from t_MeasureUnit u
-                      where u.FMeasureUnitID > 0 and u.FName = ltrim(rtrim(e.FUnitName))
-                        and u.FUnitGroupID = (select a.FUnitGroupID from t_Account a
-                                              where a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1))
+    where e.FID = @FID and (
+      -- Account: must be there and be a detail account.
+      not exists (select 1 from t_Account a
+                  where a.FNumber = ltrim(rtrim(isnull(e.FAccountNumber, ''))) and a.FDetail = 1)
+      -- Settlement type: known, and only on a bank account.
+      or datalength(e.FSettleName) > 0
+         and (not exists (select 1 from t_Settle s where s.FName = ltrim(rtrim(e.FSettleName)))
+              or not exists (select 1 from t_Account a
+                             where a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1 and a.FIsBank <> 0))
+      -- Currency: known; an account kept in currency 1 takes no other.
+      or datalength(e.FCurrencyName) > 0
+         and not exists (select 1 from t_Currency c, t_Account a
+                         where c.FName = ltrim(rtrim(e.FCurrencyName))
+                           and a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1
+                           and (a.FCurrencyID <> 1 or c.FCurrencyID = 1))
+      -- Measure unit: of the account's unit group.
+      or datalength(e.FUnitName) > 0
+         and not exists (select 1 from t_MeasureUnit u
+                         where u.FMeasureUnitID > 0 and u.FName = ltrim(rtrim(e.FUnitName))
+                           and u.FUnitGroupID = (select a.FUnitGroupID from t_Account a
+                                                 where a.FNumber = ltrim(rtrim(e.FAccountNumber)) and a.FDetail = 1))
+    )
 
     -- Accounting items: one piece per item class of the account, in the order of the class ids. FRest holds the
     -- pieces that are still to be looked at, each with a separator behind it; FComma is where the first one ends.
