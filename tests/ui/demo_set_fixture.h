@@ -15,9 +15,11 @@
 
 #include "automation/class_registry.h"
 #include "host/components/components.h"
+#include "platform/office/excel_server.h"
 #include "store/component_classes.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/host/demo_set.h"
+#include "ui/center_commands.h"
 #include "ui/vicenter_window.h"
 #include "ui/window_factory.h"
 
@@ -36,7 +38,9 @@ class DemoSetTest : public ::testing::Test {
     void Enter(std::int32_t user) {
         store::RegisterComponentClasses();
         session = host::RegisterHostComponents({host::FileConnectString(file), user});
-        entry::WindowFactory::SetProcess(std::make_shared<QtWindowFactory>());
+        office::RegisterExcelServer();
+        entry::WindowFactory::SetProcess(
+            std::make_shared<QtWindowFactory>(std::make_shared<CenterCommands>()));
     }
 
     // As a host opens it.
@@ -93,6 +97,19 @@ class DemoSetTest : public ::testing::Test {
         Key(Qt::Key_Tab);
         Type(account);
         Key(Qt::Key_Tab);
+    }
+    // The messages shown since the last time.
+    std::vector<std::string> TakeMessages() {
+        const std::vector<std::string> texts = surroundings.messageBoxes->Texts();
+        surroundings.messageBoxes->shown.clear();
+        return texts;
+    }
+    // What the account set itself holds.
+    std::int64_t Number(const std::string& query) {
+        return ado::OpenConnection(host::FileConnectString(file))
+            ->Execute(query)
+            ->Value(std::size_t{0})
+            .ToInt64();
     }
     std::vector<std::string> Contents() {
         std::vector<std::string> texts;

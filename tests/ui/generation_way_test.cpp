@@ -16,21 +16,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "automation/class_registry.h"
-#include "host/components/components.h"
-#include "platform/office/excel_server.h"
-#include "store/component_classes.h"
-#include "tests/fakes/fake_surroundings.h"
-#include "tests/host/demo_set.h"
-#include "ui/center_commands.h"
-#include "ui/vicenter_window.h"
-#include "ui/window_factory.h"
+#include "tests/ui/demo_set_fixture.h"
 
 namespace vicenter::ui {
 namespace {
 
 using ::testing::ElementsAre;
-namespace column = center::column;
 
 constexpr int kOptionalFieldCount = 11;
 
@@ -62,68 +53,29 @@ void TypeInto(QWidget& parent, const char* name, const char* text) {
     QTest::keyClicks(box, QString::fromLatin1(text));
 }
 
-class GenerationWayTest : public ::testing::Test {
+class GenerationWayTest : public DemoSetTest {
   protected:
-    GenerationWayTest() {
-        store::RegisterComponentClasses();
-        office::RegisterExcelServer();
-        entry::WindowFactory::SetProcess(
-            std::make_shared<QtWindowFactory>(std::make_shared<CenterCommands>()));
-    }
-    ~GenerationWayTest() override {
-        if (window_) window_->close();
-        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        entry::WindowFactory::SetProcess(nullptr);
-    }
+    void SetUp() override { Open(); }
 
-    void SetUp() override {
-        const QWidgetList before = QApplication::topLevelWidgets();
-        automation::CreateObject("VelaVICenter.aplication")->Call("ShowVICenter");
-        for (QWidget* widget : QApplication::topLevelWidgets()) {
-            auto* candidate = qobject_cast<VICenterWindow*>(widget);
-            if (candidate != nullptr && !before.contains(widget)) window_ = candidate;
-        }
-        ASSERT_FALSE(window_.isNull());
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
-    }
-
-    std::vector<std::string> TakeMessages() {
-        const std::vector<std::string> texts = surroundings_.messageBoxes->Texts();
-        surroundings_.messageBoxes->shown.clear();
-        return texts;
-    }
     std::string NodeText(const std::string& key) {
-        const auto* node = window_->Tree().FindNode(key);
+        const auto* node = window->Tree().FindNode(key);
         return node == nullptr ? "no such node" : node->text(0).toStdString();
     }
     // Every line as the grid has it, without the hidden ids, which a workbook does not carry.
     std::vector<std::string> Lines() {
         std::vector<std::string> lines;
-        for (int row = 1; row <= window_->Presenter().RowCount(); ++row) {
+        for (int row = 1; row <= window->Presenter().RowCount(); ++row) {
             std::string line;
             for (int c = 1; c <= center::kColumnCount; ++c) {
                 if (c == column::kAccountId || c == column::kSettleId || c == column::kCurrencyId ||
                     c == column::kUnitId)
                     continue;
-                line.append(window_->Presenter().Grid().Text(row, c)).append("|");
+                line.append(window->Presenter().Grid().Text(row, c)).append("|");
             }
             lines.push_back(line);
         }
         return lines;
     }
-    std::int64_t Number(const std::string& query) {
-        return ado::OpenConnection(host::FileConnectString(file_))
-            ->Execute(query)
-            ->Value(std::size_t{0})
-            .ToInt64();
-    }
-
-    fakes::FakeSurroundings surroundings_;
-    automation::ClassRegistry::Restore restore_;
-    host::test::TestFolder folder_;
-    std::string file_ = host::test::CopySet(folder_);
-    host::HostSessionRef session_ = host::RegisterHostComponents({host::FileConnectString(file_), 1});
-    QPointer<VICenterWindow> window_;
 };
 
 // October 2026, group 收, numbers 1 and 2, with every optional field.
@@ -156,53 +108,53 @@ void ChooseEveryField(QDialog& dialog) {
 }
 
 TEST_F(GenerationWayTest, FromVouchersThroughTheGridToAWorkbookAndBack) {
-    const std::size_t nodes = window_->Presenter().Nodes().size();
+    const std::size_t nodes = window->Presenter().Nodes().size();
     WhenModal("frmAutoVch", [](QDialog& dialog) {
         FillIn(dialog);
         WhenModal("frmSetColume", ChooseEveryField);
         Click(dialog, "cmdCols");
         Click(dialog, "Command0");
     });
-    Click(*window_, "mnuAutoVchButton");
+    Click(*window, "mnuAutoVchButton");
     EXPECT_THAT(TakeMessages(), ElementsAre("凭证生成凭证模板 October 成功！"));
 
-    window_->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window_));
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
 
     // In the tree, selected, its lines in the grid.
-    EXPECT_EQ(window_->Presenter().Nodes().size(), nodes + 1);
-    EXPECT_EQ(NodeText(window_->Presenter().SelectedNode()), "October");
-    EXPECT_EQ(window_->Presenter().TemplateName(), "October");
-    ASSERT_EQ(window_->Presenter().RowCount(), 4);
-    EXPECT_EQ(window_->Presenter().Grid().Text(1, column::kExplanation), "收到货款");
-    EXPECT_EQ(window_->Presenter().Grid().Text(1, column::kSettleName), "电汇");
-    EXPECT_EQ(window_->Presenter().Grid().Text(2, column::kItems), "C005");
+    EXPECT_EQ(window->Presenter().Nodes().size(), nodes + 1);
+    EXPECT_EQ(NodeText(window->Presenter().SelectedNode()), "October");
+    EXPECT_EQ(window->Presenter().TemplateName(), "October");
+    ASSERT_EQ(window->Presenter().RowCount(), 4);
+    EXPECT_EQ(window->Presenter().Grid().Text(1, column::kExplanation), "收到货款");
+    EXPECT_EQ(window->Presenter().Grid().Text(1, column::kSettleName), "电汇");
+    EXPECT_EQ(window->Presenter().Grid().Text(2, column::kItems), "C005");
 
     // A line edited by keyboard, then saved.
-    const QModelIndex cell = window_->Grid().Model().IndexOf({1, column::kExplanation});
-    window_->Grid().setFocus();
-    window_->Grid().scrollTo(cell);
-    QTest::mouseClick(window_->Grid().viewport(), Qt::LeftButton, {},
-                      window_->Grid().visualRect(cell).center());
+    const QModelIndex cell = window->Grid().Model().IndexOf({1, column::kExplanation});
+    window->Grid().setFocus();
+    window->Grid().scrollTo(cell);
+    QTest::mouseClick(window->Grid().viewport(), Qt::LeftButton, {},
+                      window->Grid().visualRect(cell).center());
     for (const char c : std::string("Received"))
         QTest::keyClick(QApplication::focusWidget(), c);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     QApplication::processEvents();
-    EXPECT_EQ(window_->Presenter().Grid().Text(1, column::kExplanation), "Received");
-    Click(*window_, "mnuSaveButton");
+    EXPECT_EQ(window->Presenter().Grid().Text(1, column::kExplanation), "Received");
+    Click(*window, "mnuSaveButton");
     EXPECT_THAT(TakeMessages(), ElementsAre("模板 October 保存成功！"));
     EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FExp = 'Received' and FID = " +
-                     window_->Presenter().TemplateId()),
+                     window->Presenter().TemplateId()),
               1);
     const std::vector<std::string> saved = Lines();
 
-    surroundings_.fileDialogs->choices = {folder_.Path("Again.xlsx"), folder_.Path("Again.xlsx")};
-    Click(*window_, "mnuExpButton");
+    surroundings.fileDialogs->choices = {folder.Path("Again.xlsx"), folder.Path("Again.xlsx")};
+    Click(*window, "mnuExpButton");
     EXPECT_THAT(TakeMessages(), ElementsAre("模板引出成功！"));
-    Click(*window_, "mnuImpButton");
+    Click(*window, "mnuImpButton");
     EXPECT_THAT(TakeMessages(), ElementsAre("引入模板 Again 成功！"));
-    EXPECT_EQ(window_->Presenter().Nodes().size(), nodes + 2);
-    EXPECT_EQ(NodeText(window_->Presenter().SelectedNode()), "Again");
+    EXPECT_EQ(window->Presenter().Nodes().size(), nodes + 2);
+    EXPECT_EQ(NodeText(window->Presenter().SelectedNode()), "Again");
     EXPECT_EQ(Lines(), saved);
 }
 
@@ -213,7 +165,7 @@ TEST_F(GenerationWayTest, CancelledInTheDialogItLeavesEverythingAsItWas) {
         FillIn(dialog);
         Click(dialog, "Command2");
     });
-    Click(*window_, "mnuAutoVchButton");
+    Click(*window, "mnuAutoVchButton");
     EXPECT_THAT(TakeMessages(), ElementsAre());
     EXPECT_EQ(Number("select count(*) from t_VchTemplate"), templates);
     EXPECT_EQ(Lines(), before);
