@@ -46,9 +46,8 @@ void FinishImportBatch(std::string& batch, std::int32_t existingId) {
           "     select distinct FNo from t_VchTemplateEntry where FID = @MaxFID ", " OPEN @Vch_cursor ",
           " FETCH @Vch_cursor into @FNo ", " while @@fetch_status=0 ", " Begin ",
           "     declare @FFileCount int ", "     declare @Exp nvarchar(255) ",
-          "     select Top 1 @FFileCount=FFileCount,@Exp=FExp from t_VchTemplateEntry where FID = @MaxFID "
-          "and FNo = "
-          "@FNo order by FEntryID "}) {
+          ("     select Top 1 @FFileCount=FFileCount,@Exp=FExp from t_VchTemplateEntry where FID = @MaxFID "
+           "and FNo = @FNo order by FEntryID ")}) {
         AppendLine(batch, line);
     }
     if (existingId == kNewTemplate) {

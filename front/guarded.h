@@ -42,7 +42,8 @@ vic_status Guarded(const Work& work) noexcept {
 // Arguments that must be there.
 template <class... Pointers>
 void Need(const Pointers*... pointers) {
-    if (((pointers == nullptr) || ...))
+    const bool missing = ((pointers == nullptr) || ...);
+    if (missing)
         throw automation::Error(VIC_ERROR_INVALID_ARGUMENT, "A pointer that must be given is null",
                                 "VelaVICenter");
 }

@@ -4,7 +4,7 @@
 namespace vicenter::host {
 
 HostSessionRef RegisterHostComponents(const HostSettings& settings) {
-    const auto session = std::make_shared<HostSession>(settings);
+    auto session = std::make_shared<HostSession>(settings);
     struct Component {
         const char* progId;
         automation::ObjectRef (*make)(const HostSessionRef&);
