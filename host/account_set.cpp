@@ -82,8 +82,8 @@ void CreateAccountSetFile(const std::string& file, const AccountSetOptions& opti
     RemoveQuietly(temporary);
     try {
         // A session that is kept would still hold the file when it is moved.
-        const ado::ConnectionRef connection = ado::OpenConnection(
-            FileConnectString(system::PathToUtf8(temporary)) + ";Create=yes;Pooling=no");
+        const ado::ConnectionRef connection =
+            ado::OpenConnection(FileConnectString(system::PathToUtf8(temporary)) + ";Create=yes;Pooling=no");
         CreateAccountSet(*connection);
         if (options.demo) PrepareDemo(*connection, DemoOptions{options.vouchers});
         connection->Close();

@@ -9,8 +9,7 @@
 
 static int failures = 0;
 
-static void check(int condition, const char *what)
-{
+static void check(int condition, const char* what) {
     if (!condition) {
         fprintf(stderr, "failed: %s (error %ld: %s)\n", what, (long)vic_error_number(),
                 vic_error_description());
@@ -18,16 +17,14 @@ static void check(int condition, const char *what)
     }
 }
 
-static vic_status create_props(void *data, void **instance)
-{
+static vic_status create_props(void* data, void** instance) {
     *instance = data;
     return 0;
 }
 
-static vic_status invoke_props(void *instance, vic_kind kind, const char *name, vic_variant *arguments,
-                               size_t count, vic_variant *result)
-{
-    int *calls = (int *)instance;
+static vic_status invoke_props(void* instance, vic_kind kind, const char* name, vic_variant* arguments,
+                               size_t count, vic_variant* result) {
+    int* calls = (int*)instance;
     (void)kind;
     if (strcmp(name, "GetProperty") != 0 || count != 2) return 438;
     if (arguments[1].type != VIC_TEXT) return 13;
@@ -35,9 +32,8 @@ static vic_status invoke_props(void *instance, vic_kind kind, const char *name, 
     return vic_set_text(result, "UserID=16394;ConnectString={Provider=Nobody;Data Source=x};", (size_t)-1);
 }
 
-static vic_int32 no_messages(void *data, const char *text, vic_int32 buttons, vic_int32 icon,
-                             const char *title)
-{
+static vic_int32 no_messages(void* data, const char* text, vic_int32 buttons, vic_int32 icon,
+                             const char* title) {
     (void)data;
     (void)text;
     (void)buttons;
@@ -46,9 +42,8 @@ static vic_int32 no_messages(void *data, const char *text, vic_int32 buttons, vi
     return 1;
 }
 
-static void show_windows(const char *windows)
-{
-    vic_object *application = NULL;
+static void show_windows(const char* windows) {
+    vic_object* application = NULL;
     size_t open = 0;
     check(vic_create("VelaVICenter.aplication", &application) == 0, "create aplication");
     if (strcmp(windows, "none") == 0) {
@@ -57,10 +52,10 @@ static void show_windows(const char *windows)
         return;
     }
     if (strcmp(windows, "unreachable") == 0) {
-        check(vic_call(application, "ShowVICenter", NULL, 0, NULL) == VIC_ERROR_NO_WINDOWS &&
-                  strcmp(vic_error_description(),
-                         "No display is available to show the template center.") == 0,
-              "a display that does not answer is an error");
+        check(
+            vic_call(application, "ShowVICenter", NULL, 0, NULL) == VIC_ERROR_NO_WINDOWS &&
+                strcmp(vic_error_description(), "No display is available to show the template center.") == 0,
+            "a display that does not answer is an error");
         check(vic_process_events(0) == VIC_ERROR_NO_WINDOWS, "events without a display are an error");
         vic_release(application);
         return;
@@ -75,12 +70,11 @@ static void show_windows(const char *windows)
     check(vic_open_windows(&open) == 0 && open == 0, "no window is open");
 }
 
-int main(int argc, char **argv)
-{
+int main(int argc, char** argv) {
     int calls = 0;
     size_t live = 1;
     vic_class props;
-    vic_object *data = NULL;
+    vic_object* data = NULL;
     vic_variant argument;
     vic_variant result;
 

@@ -2,8 +2,8 @@
 
 // The order of texts, given to the engine by whoever opens an account set: the engine has no tables of
 // characters of its own. Implementations must be stateless for callers and outlive every session. The
-// printable characters of ASCII must stand as the root order has them: marks before digits before letters, letters
-// without case.
+// printable characters of ASCII must stand as the root order has them: marks before digits before letters,
+// letters without case.
 
 #include <string>
 #include <string_view>

@@ -94,12 +94,12 @@ typedef struct vic_object vic_object;
 typedef struct vic_variant vic_variant;
 
 typedef struct vic_text {
-    const char *data;
+    const char* data;
     size_t length; /* in bytes */
 } vic_text;
 
 typedef struct vic_array {
-    vic_variant *items;
+    vic_variant* items;
     size_t count;
 } vic_array;
 
@@ -114,14 +114,14 @@ struct vic_variant {
         double number;
         vic_text text;
         vic_array array;
-        vic_object *object;
-        vic_variant *reference;
+        vic_object* object;
+        vic_variant* reference;
     } value;
 };
 
 /* ---- the library */
 
-VIC_API const char *vic_version(void);
+VIC_API const char* vic_version(void);
 VIC_API vic_int32 vic_abi_version(void);
 /* Closes the windows, forgets the host's classes and frees the thread. Fails with 5, and the rest is not
  * done, while a call is under way or when a window stays open. Handles still held must not be used. */
@@ -130,83 +130,83 @@ VIC_API vic_status vic_shutdown(void);
 /* ---- the last error of the calling thread; the texts stay until its next failing call */
 
 VIC_API vic_int32 vic_error_number(void);
-VIC_API const char *vic_error_description(void);
-VIC_API const char *vic_error_source(void);
+VIC_API const char* vic_error_description(void);
+VIC_API const char* vic_error_source(void);
 /* For the functions of host classes: sets the error and answers its number, to be returned. A description
  * or source that is NULL stands for the usual one. */
-VIC_API vic_status vic_raise(vic_int32 number, const char *description, const char *source);
+VIC_API vic_status vic_raise(vic_int32 number, const char* description, const char* source);
 
 /* ---- objects */
 
-VIC_API vic_status vic_create(const char *prog_id, vic_object **object);
-VIC_API vic_status vic_retain(vic_object *object);
-VIC_API vic_status vic_release(vic_object *object); /* NULL is allowed */
+VIC_API vic_status vic_create(const char* prog_id, vic_object** object);
+VIC_API vic_status vic_retain(vic_object* object);
+VIC_API vic_status vic_release(vic_object* object); /* NULL is allowed */
 /* 1 in *same when both handles stand for one object. */
-VIC_API vic_status vic_same(const vic_object *a, const vic_object *b, vic_int32 *same);
-VIC_API vic_status vic_type_name(vic_object *object, vic_variant *name);
-VIC_API vic_status vic_has_member(vic_object *object, const char *name, vic_int32 *answer);
+VIC_API vic_status vic_same(const vic_object* a, const vic_object* b, vic_int32* same);
+VIC_API vic_status vic_type_name(vic_object* object, vic_variant* name);
+VIC_API vic_status vic_has_member(vic_object* object, const char* name, vic_int32* answer);
 /* Handles and instances of host classes that are still held: 0 when nothing leaks. */
-VIC_API vic_status vic_live_objects(size_t *count);
+VIC_API vic_status vic_live_objects(size_t* count);
 
 typedef enum vic_kind VIC_INT_ENUM { VIC_GET = 0, VIC_PUT = 1, VIC_CALL = 2 } vic_kind;
 
 /* Calls a member; name "" is the default member. Arguments are values, or VIC_BYREF to variables that the
  * member may change. names is NULL, or one name or NULL for each argument. The value of a VIC_PUT is the last
  * argument. result may be NULL; it is written to without being cleared before. */
-VIC_API vic_status vic_invoke(vic_object *object, vic_kind kind, const char *name,
-                              const vic_variant *arguments, const char *const *names, size_t count,
-                              vic_variant *result);
-VIC_API vic_status vic_call(vic_object *object, const char *name, const vic_variant *arguments, size_t count,
-                            vic_variant *result);
-VIC_API vic_status vic_get(vic_object *object, const char *name, vic_variant *result);
-VIC_API vic_status vic_put(vic_object *object, const char *name, const vic_variant *value);
+VIC_API vic_status vic_invoke(vic_object* object, vic_kind kind, const char* name,
+                              const vic_variant* arguments, const char* const* names, size_t count,
+                              vic_variant* result);
+VIC_API vic_status vic_call(vic_object* object, const char* name, const vic_variant* arguments, size_t count,
+                            vic_variant* result);
+VIC_API vic_status vic_get(vic_object* object, const char* name, vic_variant* result);
+VIC_API vic_status vic_put(vic_object* object, const char* name, const vic_variant* value);
 
 /* ---- variants; each of these first gives back what the variant owns, so start from a zeroed one */
 
-VIC_API vic_status vic_clear(vic_variant *variant);
-VIC_API vic_status vic_copy(vic_variant *to, const vic_variant *from);
+VIC_API vic_status vic_clear(vic_variant* variant);
+VIC_API vic_status vic_copy(vic_variant* to, const vic_variant* from);
 /* A length of (size_t)-1 stands for the bytes before the first zero. */
-VIC_API vic_status vic_set_text(vic_variant *variant, const char *data, size_t length);
-VIC_API vic_status vic_set_decimal(vic_variant *variant, const char *digits);
-VIC_API vic_status vic_set_object(vic_variant *variant, vic_object *object); /* takes a share of its own */
+VIC_API vic_status vic_set_text(vic_variant* variant, const char* data, size_t length);
+VIC_API vic_status vic_set_decimal(vic_variant* variant, const char* digits);
+VIC_API vic_status vic_set_object(vic_variant* variant, vic_object* object); /* takes a share of its own */
 /* An array of empty items, to be filled by the functions of this group. */
-VIC_API vic_status vic_set_array(vic_variant *variant, size_t count);
+VIC_API vic_status vic_set_array(vic_variant* variant, size_t count);
 /* The value as another type, as automation converts it (13, 6 or 94 when it cannot); VIC_TEXT of any value,
  * VIC_BOOLEAN, VIC_INT16, VIC_INT32, VIC_INT64, VIC_DOUBLE, VIC_DECIMAL, VIC_DATE. */
-VIC_API vic_status vic_convert(const vic_variant *from, vic_type type, vic_variant *to);
+VIC_API vic_status vic_convert(const vic_variant* from, vic_type type, vic_variant* to);
 
 /* ---- classes of the host */
 
 typedef struct vic_class {
     size_t size;           /* sizeof(vic_class) */
-    const char *type_name; /* what clients see as the class name */
-    void *data;            /* handed to create */
+    const char* type_name; /* what clients see as the class name */
+    void* data;            /* handed to create */
     /* Makes an instance. NULL when all objects come from vic_new_object(). */
-    vic_status (*create)(void *data, void **instance);
+    vic_status (*create)(void* data, void** instance);
     /* Calls a member. Arguments that arrive as VIC_BYREF refer to variables that may be set by the functions
      * above; result is empty and may be left so. Answers 0, or what vic_raise() or a failed call answered. */
-    vic_status (*invoke)(void *instance, vic_kind kind, const char *name, vic_variant *arguments,
-                         size_t count, vic_variant *result);
+    vic_status (*invoke)(void* instance, vic_kind kind, const char* name, vic_variant* arguments,
+                         size_t count, vic_variant* result);
     /* 1 for a member that exists; NULL when invoke answers 438 for those that do not. */
-    vic_int32 (*has_member)(void *instance, const char *name);
+    vic_int32 (*has_member)(void* instance, const char* name);
     /* The last share of the instance is gone; may be NULL. */
-    void (*release)(void *instance);
+    void (*release)(void* instance);
 } vic_class;
 
 /* The definition is copied. A later registration of the ProgID replaces the earlier one. */
-VIC_API vic_status vic_register_class(const char *prog_id, const vic_class *definition);
-VIC_API vic_status vic_unregister_class(const char *prog_id);
+VIC_API vic_status vic_register_class(const char* prog_id, const vic_class* definition);
+VIC_API vic_status vic_unregister_class(const char* prog_id);
 /* An object around an instance that exists already. */
-VIC_API vic_status vic_new_object(const vic_class *definition, void *instance, vic_object **object);
+VIC_API vic_status vic_new_object(const vic_class* definition, void* instance, vic_object** object);
 
 /* ---- messages to the user */
 
 /* Answers a message box: buttons 0 OK, 1 OK and Cancel, 4 Yes and No; icon 0, 16, 32, 48 or 64; the answer
  * is 1 OK, 2 Cancel, 6 Yes or 7 No. */
-typedef vic_int32 (*vic_message_handler)(void *data, const char *text, vic_int32 buttons, vic_int32 icon,
-                                         const char *title);
+typedef vic_int32 (*vic_message_handler)(void* data, const char* text, vic_int32 buttons, vic_int32 icon,
+                                         const char* title);
 /* Puts a function in place of the message boxes; NULL puts them back. */
-VIC_API vic_status vic_set_message_handler(vic_message_handler handler, void *data);
+VIC_API vic_status vic_set_message_handler(vic_message_handler handler, void* data);
 
 /* ---- the windows, for hosts without a window loop of their own */
 
@@ -214,7 +214,7 @@ VIC_API vic_status vic_set_message_handler(vic_message_handler handler, void *da
 VIC_API vic_status vic_process_events(vic_int32 milliseconds);
 /* Handles events until no template center window is open. */
 VIC_API vic_status vic_run(void);
-VIC_API vic_status vic_open_windows(size_t *count);
+VIC_API vic_status vic_open_windows(size_t* count);
 /* Closes the windows as their frames would; one that its user keeps stays open. */
 VIC_API vic_status vic_close_windows(void);
 
