@@ -27,6 +27,21 @@ namespace {
 constexpr const char* kDemoFile = "demo.vas";
 constexpr const char* kCloudFolder = "cloud";
 
+// A script whose variable is unset hands over an empty text, which must not come out as the demo set.
+const CLI::Validator kNotEmpty(
+    [](const std::string& given) {
+        return given.empty() ? std::string("不能为空 / must not be empty") : std::string();
+    },
+    "");
+
+const CLI::Validator kDigits(
+    [](const std::string& given) {
+        return given.find_first_not_of("0123456789") == std::string::npos
+                   ? std::string()
+                   : "应为数字 / must be a number：" + given;
+    },
+    "");
+
 // The commands and options of the program, bound to one CliOptions.
 class CommandLine {
   public:
@@ -52,8 +67,11 @@ class CommandLine {
   private:
     void AddGlobalOptions() {
         app_.set_version_flag("--version", "vicenter " VICENTER_VERSION, "版本 / print the version");
-        auto* file = app_.add_option("--account-set", options_.accountSet, "账套文件 / account set file");
-        app_.add_option("--connect", options_.connectString, "连接字符串 / connect string")->excludes(file);
+        auto* file = app_.add_option("--account-set", options_.accountSet, "账套文件 / account set file")
+                         ->check(kNotEmpty);
+        app_.add_option("--connect", options_.connectString, "连接字符串 / connect string")
+            ->check(kNotEmpty)
+            ->excludes(file);
         app_.add_option("--user", options_.userId, "用户编号 / user id")->capture_default_str();
         app_.add_flag("--json", options_.json, "输出 JSON / print one JSON document");
         app_.add_option("--excel", options_.excelVersion,
@@ -84,13 +102,14 @@ class CommandLine {
         AddCommand(app_, "window", CliCommand::Window, "打开凭证模板窗口 / open the Template Center")
             ->add_option("--offscreen-session", options_.sessionFolder,
                          "不用显示器演示主要操作，图片存入文件夹 / drive the window without a display, "
-                         "pictures into DIR");
+                         "pictures into DIR")
+            ->check(kNotEmpty);
 
         CLI::App* accountSet = app_.add_subcommand("account-set", "账套 / account sets");
         accountSet->require_subcommand(1);
         CLI::App* create =
             AddCommand(*accountSet, "new", CliCommand::AccountSetNew, "新建账套 / make an account set");
-        create->add_option("FILE", options_.file, "账套文件 / file")->required();
+        create->add_option("FILE", options_.file, "账套文件 / file")->required()->check(kNotEmpty);
         auto* demo = create->add_flag("--demo", options_.demo, "带演示数据 / with the demo ledger");
         create->add_option("--vouchers", options_.vouchers, "演示凭证数 / number of demo vouchers")
             ->needs(demo)
@@ -108,7 +127,8 @@ class CommandLine {
         AddNamedCommand("save", CliCommand::Save,
                         "从标准输入读入 JSON 并保存 / replace a template's lines from standard input");
         AddCommand(app_, "sql", CliCommand::Sql, "执行 T-SQL / run T-SQL, GO ends a batch")
-            ->add_option("FILE", options_.file, "脚本文件 / script; standard input without");
+            ->add_option("FILE", options_.file, "脚本文件 / script; standard input without")
+            ->check(kNotEmpty);
         AddExchangeCommands();
         AddGenerate();
     }
@@ -117,10 +137,12 @@ class CommandLine {
         CLI::App* exporting =
             AddCommand(app_, "export", CliCommand::Export, "引出模板 / export to a workbook");
         auto* name = exporting->add_option("NAME", options_.name, "模板名称 / template");
-        auto* file = exporting->add_option("FILE", options_.file, ".xls / .xlsx");
+        auto* file = exporting->add_option("FILE", options_.file, ".xls / .xlsx")->check(kNotEmpty);
         name->needs(file);
-        auto* all = exporting->add_option("--all", options_.exportFolder,
-                                          "引出全部模板到文件夹 / every template into FOLDER");
+        auto* all = exporting
+                        ->add_option("--all", options_.exportFolder,
+                                     "引出全部模板到文件夹 / every template into FOLDER")
+                        ->check(kNotEmpty);
         all->excludes(name);
         exporting->callback([this, name, all] {
             if (name->count() == 0 && all->count() == 0) throw CLI::RequiredError("NAME FILE, --all FOLDER");
@@ -128,7 +150,8 @@ class CommandLine {
         });
         AddCommand(app_, "import", CliCommand::Import, "引入模板 / import a workbook, or those of a folder")
             ->add_option("FILE", options_.file, "工作簿或文件夹 / workbook or folder")
-            ->required();
+            ->required()
+            ->check(kNotEmpty);
     }
 
     void AddGenerate() {
@@ -136,8 +159,8 @@ class CommandLine {
         CLI::App* added = AddCommand(app_, "generate", CliCommand::Generate,
                                      "根据凭证生成模板 / make a template from posted vouchers");
         added->add_option("--name", options_.name, "模板名称 / template")->required();
-        added->add_option("--year", generate.year, "年度 / year")->required();
-        added->add_option("--period", generate.period, "期间 / period")->required();
+        added->add_option("--year", generate.year, "年度 / year")->required()->check(kDigits);
+        added->add_option("--period", generate.period, "期间 / period")->required()->check(kDigits);
         auto* from = added->add_option("--from", generate.from, "起始凭证号 / first voucher number");
         added->add_option("--to", generate.to, "终止凭证号 / last voucher number")->needs(from);
         added->add_option("--group", generate.group, "凭证类别 / voucher group");
@@ -272,8 +295,12 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
 int RunCli(const std::vector<std::string>& arguments, const CliStreams& streams, const CliHooks& hooks) {
     CliOptions options;
     CommandLine commandLine(options);
-    if (const std::optional<int> code = commandLine.Parse(arguments, streams)) return *code;
-    return RunCommand(options, streams, hooks);
+    const std::optional<int> parsed = commandLine.Parse(arguments, streams);
+    const int code = parsed ? *parsed : RunCommand(options, streams, hooks);
+    // An answer that never arrived, on a full disk for instance, is not done.
+    if (streams.out.flush() || code != kExitDone) return code;
+    streams.err << "vicenter: 输出无法写入。\n";
+    return kExitFailed;
 }
 
 }  // namespace vicenter::host

@@ -69,10 +69,15 @@ bool MayReplace(const std::string& file) {
            system::MessageResult::Yes;
 }
 
-bool Export(const TemplateHead& head, const std::string& file) {
+bool Export(const CliContext& context, const TemplateHead& head, const std::string& file) {
     entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-引出模板");
     WindowlessTemplate window(head);
-    return MayReplace(file) && exchange::ExportTemplateTo(window, file);
+    if (!MayReplace(file)) return false;
+    const std::size_t told = context.messages.Shown().size();
+    if (exchange::ExportTemplateTo(window, file)) return true;
+    // The save routine keeps its reasons to itself; a script needs at least the name.
+    if (context.messages.Shown().size() == told) Fail(context, "工作簿未能写入：" + file);
+    return false;
 }
 
 bool IsWorkbook(const fs::path& path) {
@@ -104,7 +109,7 @@ int RunExport(const CliContext& context) {
     VariantArray written;
     bool ok = true;
     const auto take = [&](const TemplateHead& head, const std::string& file) {
-        if (Export(head, file)) {
+        if (Export(context, head, file)) {
             written.push_back(JsonObject({{"FName", head.name}, {"file", file}}));
         } else {
             ok = false;

@@ -1,14 +1,18 @@
 // vicenter sql [FILE]
 
+#include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 #include <ostream>
+#include <string_view>
 
 #include "automation/error.h"
 #include "host/batch_reader.h"
 #include "host/cli/context.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/system/files.h"
+#include "platform/system/utf8.h"
 
 namespace vicenter::host {
 
@@ -104,8 +108,28 @@ class SqlAnswer {
     std::size_t batches_ = 0;
 };
 
+// The number of the line that holds the first byte that is no UTF-8; 0 without one.
+int FirstForeignLine(std::string_view text) {
+    int number = 1;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        if (!system::IsValidUtf8(text.substr(0, end))) return number;
+        text.remove_prefix(std::min(end + 1, text.size()));
+        ++number;
+    }
+    return 0;
+}
+
 // False when the batch failed.
 bool RunBatch(ado::Connection& connection, const ScriptBatch& batch, SqlAnswer& answer) {
+    if (const int line = FirstForeignLine(batch.text); line != 0) {
+        ado::DriverError record;
+        record.native = automation::error_number::kInvalidProcedureCall;
+        record.line = line;
+        record.text = "脚本不是 UTF-8 文本，请另存为 UTF-8 后再执行。";
+        answer.Failure(nullptr, record);
+        return false;
+    }
     try {
         answer.Batch(connection.Execute(batch.text));
         return true;
@@ -127,7 +151,12 @@ bool RunBatch(ado::Connection& connection, const ScriptBatch& batch, SqlAnswer& 
 int RunSql(const CliContext& context) {
     std::ifstream file;
     if (!context.options.file.empty()) {
-        file.open(system::PathFromUtf8(context.options.file), std::ios::binary);
+        const std::filesystem::path path = system::PathFromUtf8(context.options.file);
+        std::error_code ignored;
+        if (std::filesystem::is_directory(path, ignored))
+            throw Error(automation::error_number::kFileNotFound,
+                        "是文件夹，不是脚本文件：" + context.options.file);
+        file.open(path, std::ios::binary);
         if (!file)
             throw Error(automation::error_number::kFileNotFound, "文件不存在：" + context.options.file);
     }

@@ -5,6 +5,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "automation/variant.h"
@@ -22,8 +23,9 @@ Variant JsonObject(std::initializer_list<JsonMember> members);
 // Without blanks or line breaks. Decimals and dates must have become texts before.
 std::string EncodeJson(const Variant& value);
 
-// Throws Error 8732 for a text that is no JSON document.
-Variant DecodeJson(const std::string& text);
+// One object and nothing else, with or without a byte order mark. Throws Error 8732 with the place of the
+// first fault.
+Variant DecodeJson(std::string_view text);
 
 // The value as the command line prints it: whole and floating numbers stay numbers, booleans of a row become
 // 0 or 1, exact decimals and dates become texts.
