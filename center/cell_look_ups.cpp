@@ -83,10 +83,10 @@ Variant UnitGroupOf(const std::string& accountId) {
     return group->Value("FUnitGroupID");
 }
 
-void CellLookUps::Open() {
+bool CellLookUps::Open() {
     const EntryGrid& grid = *state_.grid;
     const CellAddress cell = grid.ActiveCell();
-    if (cell.row < 1 || cell.column < 1) return;
+    if (cell.row < 1 || cell.column < 1) return false;
 
     // Everything is read from the host before the first cell is written: an error leaves the row whole.
     std::optional<Choice> choice;
@@ -106,7 +106,7 @@ void CellLookUps::Open() {
         case column::kUnitName: {
             const std::string accountId(grid.Text(cell.row, column::kAccountId));
             // The one way out that does not mark the template as changed.
-            if (accountId.empty()) return;
+            if (accountId.empty()) return false;
             choice = Unit(accountId);
             break;
         }
@@ -115,6 +115,7 @@ void CellLookUps::Open() {
     }
     if (choice) WriteChosen(state_, cell.row, TextsOfChoice(grid, cell.row, cell.column, *choice));
     state_.dirty = true;
+    return choice.has_value();
 }
 
 std::optional<Choice> CellLookUps::Explanation() {

@@ -50,8 +50,9 @@ class CellLookUps {
   public:
     explicit CellLookUps(WindowState& state) : state_(state) {}
 
-    // The look-up of the active cell. Throws what the host's components throw.
-    void Open();
+    // The look-up of the active cell; true when a choice was written. Throws what the host's components
+    // throw.
+    bool Open();
 
   private:
     std::optional<Choice> Explanation();

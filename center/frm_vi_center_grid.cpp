@@ -66,8 +66,8 @@ void frmVICenter::OpenLookUp() {
     AtEdge([&] {
         if (!parts_->editing.CanEdit()) return;
         parts_->names.Close();
-        parts_->lookUps.Open();
-        parts_->editing.Forget();
+        // A choice takes the place of what was typed; after anything else that is still to be resolved.
+        if (parts_->lookUps.Open()) parts_->editing.Forget();
     });
     parts_->RefreshStatus();
 }
@@ -83,7 +83,7 @@ void frmVICenter::SelectionChanged(const CellRange& range) {
     parts_->RefreshStatus();
 }
 
-// --- blocks and undo
+// --- blocks and undo: what has been typed is resolved before rows are copied or move away under it
 
 std::string frmVICenter::CopyBlock(const CellRange& range) const {
     return parts_->blocks.Copy(range);
@@ -91,34 +91,50 @@ std::string frmVICenter::CopyBlock(const CellRange& range) const {
 
 PasteResult frmVICenter::PasteBlock(const CellAddress& at, const std::string& text) {
     PasteResult result;
-    AtEdge([&] { result = parts_->blocks.Paste(at, text); });
+    AtEdge([&] {
+        parts_->editing.FinishTyping();
+        result = parts_->blocks.Paste(at, text);
+    });
     return result;
 }
 
 void frmVICenter::FillDown(const CellRange& range) {
-    AtEdge([&] { parts_->blocks.FillDown(range); });
+    AtEdge([&] {
+        parts_->editing.FinishTyping();
+        parts_->blocks.FillDown(range);
+    });
 }
 
 PasteResult frmVICenter::FillSelection(const CellRange& range, const std::string& text) {
     PasteResult result;
-    AtEdge([&] { result = parts_->blocks.FillSelection(range, text); });
+    AtEdge([&] {
+        parts_->editing.FinishTyping();
+        result = parts_->blocks.FillSelection(range, text);
+    });
     return result;
 }
 
 void frmVICenter::DuplicateRow() {
-    AtEdge([&] { parts_->blocks.DuplicateRow(); });
+    AtEdge([&] {
+        parts_->editing.FinishTyping();
+        parts_->blocks.DuplicateRow();
+    });
 }
 
 void frmVICenter::InsertRows(int firstRow, int count) {
     AtEdge([&] {
-        if (parts_->editing.CanEdit()) parts_->editing.InsertRows(firstRow, count);
+        if (!parts_->editing.CanEdit()) return;
+        parts_->editing.FinishTyping();
+        parts_->editing.InsertRows(firstRow, count);
     });
     parts_->RefreshSurroundings();
 }
 
 void frmVICenter::DeleteRows(int firstRow, int count) {
     AtEdge([&] {
-        if (parts_->editing.CanEdit()) parts_->editing.DeleteRows(firstRow, count);
+        if (!parts_->editing.CanEdit()) return;
+        parts_->editing.FinishTyping();
+        parts_->editing.DeleteRows(firstRow, count);
     });
     parts_->RefreshSurroundings();
 }

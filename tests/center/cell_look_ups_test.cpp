@@ -243,6 +243,56 @@ TEST_F(LookUps, AColumnWithoutALookUpOpensNothingButMarksTheTemplateAsChanged) {
     EXPECT_THAT(explanations_->Calls(), IsEmpty());
 }
 
+// --- what had been typed before
+
+class TypedBefore : public LookUps {
+  protected:
+    void SetUp() override {
+        LookUps::SetUp();
+        set_.Answer("select FCurrencyID,FName from t_Currency where FNumber = 'USD'",
+                    Rows({"FCurrencyID", "FName"}, {{2, "美元"}}));
+        // A name that is another currency's code: asked about again, it would become that one.
+        set_.Answer("select FCurrencyID,FName from t_Currency where FNumber = '港币'",
+                    Rows({"FCurrencyID", "FName"}, {{9, "另一种"}}));
+        set_.Answer("select FCurrencyID from t_Currency where FName", Rows({"FCurrencyID"}, {{2}}));
+        set_.Answer("select FCurrencyID from t_Account", Rows({"FCurrencyID"}, {{0}}));
+        record_->Value("Name", "港币");
+        result_->Value("ReturnValue", 3);
+        Type(1, column::kCurrencyName, "USD");
+    }
+};
+
+TEST_F(TypedBefore, AChoiceTakesItsPlaceAndIsNotResolvedAgainByTheNextCommand) {
+    Window().OpenLookUp();
+    set_.Forget();
+    Window().ToolClick("mnuShare");
+    EXPECT_THAT(set_.Statements(), IsEmpty());
+    EXPECT_EQ(Cell(1, column::kCurrencyName), "港币");
+    EXPECT_EQ(Cell(1, column::kCurrencyId), "3");
+}
+
+TEST_F(TypedBefore, AfterACancelledLookUpItIsStillResolvedByTheNextCommand) {
+    Cancel();
+    Window().OpenLookUp();
+    Window().ToolClick("mnuShare");
+    EXPECT_EQ(Cell(1, column::kCurrencyName), "美元");
+    EXPECT_EQ(Cell(1, column::kCurrencyId), "2");
+}
+
+TEST_F(TypedBefore, AfterAFailedLookUpItIsStillResolvedByTheNextCommand) {
+    ledger_->On("CurrencyLookup", [](Arguments&) -> Variant { throw automation::Error(5, "组件出错"); });
+    Window().OpenLookUp();
+    Window().ToolClick("mnuShare");
+    EXPECT_EQ(Cell(1, column::kCurrencyName), "美元");
+}
+
+TEST_F(LookUps, ACellWithoutALookUpIsStillResolvedByTheNextCommand) {
+    Type(1, column::kItems, ",,");
+    Window().OpenLookUp();
+    Window().ToolClick("mnuShare");
+    EXPECT_EQ(Cell(1, column::kItems), "");
+}
+
 TEST_F(LookUps, InsertAndF7OpenThem) {
     Cancel();
     Window().MoveActiveCell({1, column::kSettleName});

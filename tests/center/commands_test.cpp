@@ -202,6 +202,54 @@ TEST_F(Commands, TypingThatHasNotBeenLeftCountsBeforeTheCommand) {
     EXPECT_THAT(Sent("exec pro_VchTpCanUsed")[0], HasSubstr(",1,1002,'1002','银行存款',"));
 }
 
+class TypedCode : public Commands {
+  protected:
+    void SetUp() override {
+        OpenAs(true);
+        set_.Answer("select FAccountID,FNumber,FName from t_Account where FNumber = '1002'",
+                    Rows({"FAccountID", "FNumber", "FName"}, {{1002, "1002", "银行存款"}}));
+        FillLine(1, "1", "收款");
+        FillLine(2, "1", "付款");
+        Type(2, column::kAccountNumber, "1002");
+    }
+    Texts Names() {
+        Texts names;
+        for (int row = 1; row <= Window().RowCount(); ++row)
+            names.push_back(Cell(row, column::kAccountName));
+        return names;
+    }
+};
+
+TEST_F(TypedCode, IsResolvedBeforeRowsAreInsertedAboveIt) {
+    Window().InsertRows(1, 1);
+    EXPECT_THAT(Names(), ElementsAre("", "现金", "银行存款"));
+}
+
+TEST_F(TypedCode, IsResolvedBeforeRowsAboveItAreDeleted) {
+    Window().DeleteRows(1, 1);
+    EXPECT_THAT(Names(), ElementsAre("银行存款"));
+}
+
+TEST_F(TypedCode, IsResolvedBeforeItsRowIsDuplicated) {
+    Window().DuplicateRow();
+    EXPECT_THAT(Names(), ElementsAre("现金", "银行存款", "银行存款"));
+}
+
+TEST_F(TypedCode, IsResolvedBeforeOtherCellsAreFilledOrPastedInto) {
+    Window().FillDown({1, column::kExplanation, 2, column::kExplanation});
+    EXPECT_THAT(Names(), ElementsAre("现金", "银行存款"));
+    Type(2, column::kAccountNumber, "1001");
+    Type(2, column::kAccountNumber, "1002");
+    Grid().SetText(2, column::kAccountName, "");
+    Window().PasteBlock({1, column::kRemark}, "备注");
+    EXPECT_THAT(Names(), ElementsAre("现金", "银行存款"));
+    Type(2, column::kAccountNumber, "1001");
+    Type(2, column::kAccountNumber, "1002");
+    Grid().SetText(2, column::kAccountName, "");
+    Window().FillSelection({1, column::kRemark, 1, column::kRemark}, "别的备注");
+    EXPECT_THAT(Names(), ElementsAre("现金", "银行存款"));
+}
+
 TEST_F(Commands, RowCommandsWorkOnTheActiveRow) {
     lines_["0"] = {Line(1, "a"), Line(1, "b"), Line(1, "c")};
     OpenAs(true);
