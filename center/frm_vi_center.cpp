@@ -38,10 +38,7 @@ frmVICenter::Parts::Parts(VICenterView& view, TemplateCommands* theCommands)
       lookUps(state),
       items(state),
       names(state),
-      blocks(state, [this] {
-          editing.Forget();
-          RefreshSurroundings();
-      }) {
+      blocks(state, [this] { RefreshSurroundings(); }) {
     state.grid->AddObserver(*this);
 }
 

@@ -43,6 +43,12 @@ TEST_F(Frame, LoadsInTheFixedOrder) {
     EXPECT_EQ(view_.calls.back(), "not interactive");
 }
 
+TEST_F(Frame, KeepsTheUserThatItWasOpenedFor) {
+    Open();
+    entry::PresetPropsString("UserID=9;");
+    EXPECT_EQ(entry::CurrentUserId(), "7");
+}
+
 TEST_F(Frame, OpensTheStandardTemplateAtLoad) {
     lines_["0"] = {Line(1, "收款"), Line(1, "")};
     Open();

@@ -271,6 +271,26 @@ TEST_F(NameLists, AnAccountIsWrittenAsItsLookUpWouldWriteIt) {
     EXPECT_EQ(Cell(1, column::kAccountId), "1001");
 }
 
+TEST_F(NameLists, AChoiceIsNotResolvedAgainByTheNextCommand) {
+    Type(1, column::kAccountNumber, "1002");
+    TypeAt(1, column::kAccountNumber, "gs");
+    Window().NameListMove(1);
+    ASSERT_TRUE(Window().NameListTake());
+    set_.Forget();
+    Window().ToolClick("mnuShare");
+    EXPECT_THAT(set_.Statements(), IsEmpty());
+}
+
+TEST_F(NameLists, WhatWasTypedIsStillResolvedWhenNothingIsTaken) {
+    set_.Answer("select FAccountID,FNumber,FName from t_Account where FNumber = '1002'",
+                Rows({"FAccountID", "FNumber", "FName"}, {{1002, "1002", "银行存款"}}));
+    Type(1, column::kAccountNumber, "1002");
+    TypeAt(1, column::kAccountNumber, "1002");
+    ASSERT_FALSE(Window().NameListTake());
+    Window().ToolClick("mnuShare");
+    EXPECT_EQ(Cell(1, column::kAccountName), "银行存款");
+}
+
 TEST_F(NameLists, GroupAccountsAreShownButCannotBeTaken) {
     TypeAt(1, 5, "yhck");
     ASSERT_THAT(Shown(), ElementsAre("1002 银行存款"));

@@ -257,6 +257,21 @@ class Save : public CenterTest {
     }
 };
 
+// The rows that the grid was asked to show.
+class Shown : public GridObserver {
+  public:
+    explicit Shown(EntryGrid& grid) : grid_(grid) { grid_.AddObserver(*this); }
+    Shown(const Shown&) = delete;
+    Shown& operator=(const Shown&) = delete;
+    ~Shown() override { grid_.RemoveObserver(*this); }
+    void ScrolledIntoView(const CellAddress& cell) override { rows.push_back(cell.row); }
+
+    std::vector<int> rows;
+
+  private:
+    EntryGrid& grid_;
+};
+
 TEST_F(Save, DoesNothingWithACleanGrid) {
     EXPECT_FALSE(Window().Save());
     EXPECT_THAT(Messages(), IsEmpty());
@@ -330,6 +345,46 @@ TEST_F(Save, ShowsTheLinesThatTheAccountSetHoldsAfterwards) {
     EXPECT_EQ(Window().CurrentEntryCount(), 2);
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, 5}));
     EXPECT_FALSE(Window().CanUndo());
+}
+
+TEST_F(Save, LeavesTheCursorOnTheFirstBlankRowAndShowsIt) {
+    FillLine(1, "1", "收款");
+    lines_["5"] = {Line(1, "收款")};
+    Window().MoveActiveCell({2, 5});
+    const Shown shown(Grid());
+    EXPECT_TRUE(Window().Save());
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, 5}));
+    EXPECT_THAT(shown.rows, ElementsAre(2));
+}
+
+TEST_F(Save, PutsTheCursorNowhereBelowTheFirstBlankRow) {
+    FillLine(1, "1", "收款");
+    FillLine(2, "1", "付款");
+    lines_["5"] = {Line(1, "收款")};
+    Window().MoveActiveCell({3, 5});
+    EXPECT_TRUE(Window().Save());
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{1, 1}));
+}
+
+TEST_F(Save, TakesWhatHasBeenTypedFirst) {
+    set_.Answer("select FAccountID,FNumber,FName from t_Account where FNumber = '1002'",
+                Rows({"FAccountID", "FNumber", "FName"}, {{1002, "1002", "银行存款"}}));
+    FillLine(1, "1", "收款");
+    Type(1, column::kAccountNumber, "1002");
+    EXPECT_TRUE(Window().Save());
+    ASSERT_EQ(Batches().size(), 1U);
+    EXPECT_THAT(Batches()[0], HasSubstr(",1,1002,'1002','银行存款',"));
+}
+
+TEST_F(Save, TakesWhatHasBeenTypedBeforeItIsOfferedToo) {
+    set_.Answer("select FAccountID,FNumber,FName from t_Account where FNumber = '1002'",
+                Rows({"FAccountID", "FNumber", "FName"}, {{1002, "1002", "银行存款"}}));
+    FillLine(1, "1", "收款");
+    Type(1, column::kAccountNumber, "1002");
+    Answer(system::MessageResult::Yes);
+    EXPECT_TRUE(Window().ConfirmUnsavedChanges());
+    ASSERT_EQ(Batches().size(), 1U);
+    EXPECT_THAT(Batches()[0], HasSubstr(",1,1002,'1002','银行存款',"));
 }
 
 TEST_F(Save, MarksWhatNoLongerResolvesWhenItReloads) {

@@ -77,6 +77,16 @@ TEST_F(Tree, RebuildingSelectsAndOpensTheGivenTemplate) {
     EXPECT_EQ(Window().RowCount(), 1);
 }
 
+TEST_F(Tree, WhatWasTypedInTheTemplateBeforeIsNotResolvedInTheNextOne) {
+    Open();
+    Type(1, column::kAccountNumber, "1002");
+    Window().RebuildTreeAndSelect(8);
+    Forget();
+    Window().ToolClick("mnuShare");
+    EXPECT_THAT(set_.Statements(), IsEmpty());
+    EXPECT_FALSE(Window().IsDirty());
+}
+
 TEST_F(Tree, RebuildingWithAnIdBelowOneSelectsTheLastRow) {
     for (const int id : {0, -1}) {
         Open();
