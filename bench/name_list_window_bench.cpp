@@ -20,6 +20,7 @@
 #include "bench/account_set_bench.h"
 #include "host/account_set.h"
 #include "host/components/components.h"
+#include "platform/system/collation.h"
 #include "store/component_classes.h"
 #include "ui/application.h"
 #include "ui/vicenter_window.h"
@@ -114,6 +115,8 @@ int main(int argc, char** argv) {
     QApplication::processEvents();
     Typist typist(*window);
 
+    // The user looks at the window for as long as pinyin takes to load, then goes to the cell.
+    Require(QTest::qWaitFor([] { return system::PinyinLoading::IsOver(); }), "pinyin is loaded");
     typist.Enter(1, center::column::kAccountNumber);
     std::printf("%d accounts; a key until the list is painted, processor time, %d rounds\n", kAccounts,
                 rounds);

@@ -181,6 +181,7 @@ void VICenterWindow::ShowModeless() {
     grid_->setFocus(Qt::OtherFocusReason);
     raise();
     activateWindow();
+    pause_->start();
 }
 
 void VICenterWindow::CloseWindow() {
@@ -313,6 +314,11 @@ void VICenterWindow::ClickTool(const QString& key) {
 
 void VICenterWindow::PrepareNameLists() {
     if (!loaded_ || unloaded_ || progress_->IsPolling()) return;
+    if (!system::PinyinLoading::IsOver()) {
+        if (!pinyin_) pinyin_.emplace();
+        pause_->start();
+        return;
+    }
     Guarded([this] { presenter_->PrepareNameLists(); });
 }
 

@@ -11,9 +11,11 @@
 #include <QMainWindow>
 #include <QProgressBar>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "center/frm_vi_center.h"
+#include "platform/system/collation.h"
 #include "ui/grid_actions.h"
 #include "ui/grid_model.h"
 #include "ui/grid_view.h"
@@ -140,6 +142,7 @@ class VICenterWindow : public QMainWindow,
     Zone zone_ = Zone::Elsewhere;
     bool loaded_ = false;
     bool unloaded_ = false;
+    std::optional<system::PinyinLoading> pinyin_;  // for the name lists, from the first pause on
     std::unique_ptr<center::frmVICenter> presenter_;
 };
 

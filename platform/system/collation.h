@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace vicenter::system {
 
@@ -20,6 +21,24 @@ class Collator {
 
     // The one collator of the process.
     static const Collator& Chinese();
+};
+
+// Loads what PinyinInitials needs on a thread of its own, some 250 ms once in a process, so that the first
+// list that wants initials does not wait for it; who asks in the meantime waits for what is left. The
+// destructor waits for the thread. What fails here fails again, and is reported, where initials are asked
+// for.
+class PinyinLoading {
+  public:
+    PinyinLoading();
+    ~PinyinLoading();
+    PinyinLoading(const PinyinLoading&) = delete;
+    PinyinLoading& operator=(const PinyinLoading&) = delete;
+
+    // Whether nobody waits any more: initials are at hand in this process, or cannot be had.
+    static bool IsOver();
+
+  private:
+    std::thread thread_;
 };
 
 }  // namespace vicenter::system

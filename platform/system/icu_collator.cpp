@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 #include <numeric>
+#include <system_error>
 #include <utility>
 
 #include <unicode/coll.h>
@@ -20,6 +21,8 @@
 namespace vicenter::system {
 
 namespace {
+
+std::atomic<bool> pinyinLoadingIsOver{false};
 
 icu::StringPiece Piece(std::string_view text) {
     return icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size()));
@@ -194,6 +197,7 @@ class IcuCollator : public Collator {
             std::unique_ptr<icu::Transliterator> created(
                 icu::Transliterator::createInstance("Han-Latin; Latin-ASCII; Lower", UTRANS_FORWARD, status));
             if (U_FAILURE(status)) throw automation::Error(0, "The pinyin transliteration is not available.");
+            pinyinLoadingIsOver = true;
             return created;
         }();
         return *transliterator;
@@ -208,6 +212,31 @@ class IcuCollator : public Collator {
 const Collator& Collator::Chinese() {
     static const IcuCollator collator;
     return collator;
+}
+
+PinyinLoading::PinyinLoading() {
+    if (IsOver()) return;
+    try {
+        thread_ = std::thread([] {
+            try {
+                Collator::Chinese().PinyinInitials("一");
+            } catch (const automation::Error&) {
+                // Whoever asks for initials is told.
+                pinyinLoadingIsOver = true;
+            }
+        });
+    } catch (const std::system_error&) {
+        // No thread to be had: loaded by the first who asks.
+        pinyinLoadingIsOver = true;
+    }
+}
+
+PinyinLoading::~PinyinLoading() {
+    if (thread_.joinable()) thread_.join();
+}
+
+bool PinyinLoading::IsOver() {
+    return pinyinLoadingIsOver;
 }
 
 }  // namespace vicenter::system

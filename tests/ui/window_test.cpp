@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/system/collation.h"
 #include "tests/ui/scripted_ledger.h"
 #include "ui/cell_editor.h"
 #include "ui/twips.h"
@@ -466,6 +467,25 @@ TEST_F(WindowTest, F5GeneratesFromVouchersAndTakesWhatIsBeingTypedFirst) {
     window->Tree().setFocus();
     Key(Qt::Key_F5);
     EXPECT_EQ(commands->run.size(), 3U);
+}
+
+TEST_F(WindowTest, ReadsTheNameListsWhileTheUserRestsOnACell) {
+    int read = 0;
+    std::string version = "1";
+    const auto list = fakes::RegisterScripted("VelaGLNameListLib.GLNameList");
+    list->On("ListVersion", [&](automation::Arguments&) { return automation::Variant(version); });
+    list->On("GetNameList", [&](automation::Arguments&) {
+        ++read;
+        return automation::Variant(fakes::Rows({"FID", "FNumber", "FName", "FDetail"}));
+    });
+    Open();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return read == 2; })) << "explanations and accounts";
+    EXPECT_TRUE(system::PinyinLoading::IsOver()) << "so that the lists' initials keep nobody waiting";
+    version = "2";
+    ClickCell(2, 5);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return read == 4; }));
+    Close();
+    automation::ClassRegistry::Process().Unregister("VelaGLNameListLib.GLNameList");
 }
 
 TEST_F(WindowTest, CtrlSSavesAndCtrlNMakesATemplateWhereverTheirToolsAreOn) {

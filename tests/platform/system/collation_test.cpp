@@ -68,5 +68,14 @@ TEST(Collation, PinyinInitialsReadLedgerWordsRightly) {
     EXPECT_EQ(C().PinyinInitials(""), "");
 }
 
+TEST(Collation, PinyinIsLoadedOnAThreadOfItsOwn) {
+    {
+        const PinyinLoading first;
+        const PinyinLoading second;  // of another window: nothing is loaded twice, both may be waited for
+    }
+    EXPECT_TRUE(PinyinLoading::IsOver());
+    EXPECT_EQ(C().PinyinInitials("应收账款"), "yszk");
+}
+
 }  // namespace
 }  // namespace vicenter::system
