@@ -125,6 +125,7 @@ int main(int argc, char** argv) {
     std::vector<std::vector<double>> keys(word.size());
     std::vector<double> again;
     std::vector<double> unprepared;
+    pause();
     for (int round = 0; round < rounds; ++round) {
         typist.Enter(1 + round % 2, center::column::kAccountNumber);
         for (std::size_t i = 0; i < word.size(); ++i)
