@@ -273,15 +273,25 @@ void ReverseFunction(FunctionCall& call) {
     call.Return(std::string_view(result));
 }
 
+// With exact halves away from zero, where printf may take the even digit.
+std::string FixedText(double number, int decimals) {
+    const double factor = std::pow(10.0, decimals);
+    const double scaled = number * factor;
+    if (std::fabs(scaled) < 1e15 && scaled / factor == number &&
+        std::fabs(scaled - std::trunc(scaled)) == 0.5)
+        number = std::round(scaled) / factor;
+    char buffer[400];
+    std::snprintf(buffer, sizeof buffer, "%.*f", decimals, number);
+    return buffer;
+}
+
 // ts_str(number, length, decimals)
 void StrFunction(FunctionCall& call) {
     if (call.AnyNull()) return;
     const std::int64_t length = call.Int(1);
     const std::int64_t decimals = std::clamp<std::int64_t>(call.Int(2), 0, 16);
     if (length < 0) return;
-    char buffer[400];
-    std::snprintf(buffer, sizeof buffer, "%.*f", static_cast<int>(decimals), call.Real(0));
-    std::string text = buffer;
+    std::string text = FixedText(call.Real(0), static_cast<int>(decimals));
     const auto width = static_cast<std::size_t>(length);
     const std::size_t whole = text.find('.');
     if ((whole == std::string::npos ? text.size() : whole) > width)
@@ -289,8 +299,7 @@ void StrFunction(FunctionCall& call) {
     if (text.size() > width) {
         // Decimals that do not fit are rounded away.
         const std::size_t room = width > whole + 1 ? width - whole - 1 : 0;
-        std::snprintf(buffer, sizeof buffer, "%.*f", static_cast<int>(room), call.Real(0));
-        text = buffer;
+        text = FixedText(call.Real(0), static_cast<int>(room));
     }
     if (text.size() < width) text.insert(0, width - text.size(), ' ');
     call.Return(std::string_view(text));
@@ -349,12 +358,14 @@ void QuoteNameFunction(FunctionCall& call) {
     call.Return(std::string_view(text));
 }
 
+template <TrailingBlanks Blanks>
 void LikeFunction(FunctionCall& call) {
     if (call.IsNull(0) || call.IsNull(1)) return;
     const std::string_view escape = call.Count() > 2 && !call.IsNull(2) ? call.Text(2) : std::string_view();
     if (!escape.empty() && CharacterBytes(escape, 0) != escape.size())
         throw MakeError(506, {}, {escape, "LIKE"});
-    call.Return(std::int64_t{MatchesPattern(call.Collation(), call.Text(0), call.Text(1), escape) ? 1 : 0});
+    const bool matches = MatchesPattern(call.Collation(), call.Text(0), call.Text(1), escape, Blanks);
+    call.Return(std::int64_t{matches ? 1 : 0});
 }
 
 // ts_isnumeric(text): what could become an integer, decimal, money or float
@@ -397,7 +408,8 @@ void RegisterTextFunctions(sqlite3* database, FunctionServices& services) {
     Define<UnicodeFunction>(database, services, "ts_unicode", 1);
     Define<NCharFunction>(database, services, "ts_nchar", 1);
     Define<QuoteNameFunction>(database, services, "ts_quotename", -1);
-    Define<LikeFunction>(database, services, "ts_like", -1);
+    Define<LikeFunction<TrailingBlanks::kIgnored>>(database, services, "ts_like", -1);
+    Define<LikeFunction<TrailingBlanks::kCount>>(database, services, "ts_nlike", -1);
     Define<IsNumericFunction>(database, services, "ts_isnumeric", 1);
     Define<IsDateFunction>(database, services, "ts_isdate", 1);
 }

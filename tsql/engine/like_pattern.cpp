@@ -1,5 +1,6 @@
 #include "tsql/engine/like_pattern.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -32,34 +33,38 @@ std::vector<std::string> Characters(std::string_view text) {
 }
 
 // Texts and patterns are folded first, so that characters compare by their bytes; only ranges ask the
-// collation.
-std::vector<Element> Compile(const std::vector<std::string>& pattern, std::string_view escape) {
+// collation. What is a wildcard is asked of the pattern as it was written: a full-width mark stands for
+// itself.
+std::vector<Element> Compile(const TextCollation& collation, std::string_view text, std::string_view escape) {
+    const std::vector<std::string> pattern = Characters(collation.Fold(text));
+    std::vector<std::string> marks = Characters(text);
+    if (marks.size() != pattern.size()) marks = pattern;  // a letter that folds to two
     std::vector<Element> elements;
     for (std::size_t at = 0; at < pattern.size(); ++at) {
         Element element;
-        const std::string& character = pattern[at];
-        if (!escape.empty() && character == escape && at + 1 < pattern.size()) {
+        const std::string& mark = marks[at];
+        if (!escape.empty() && pattern[at] == escape && at + 1 < pattern.size()) {
             element.character = pattern[++at];
-        } else if (character == "%") {
+        } else if (mark == "%") {
             element.kind = Element::kMany;
-        } else if (character == "_") {
+        } else if (mark == "_") {
             element.kind = Element::kAny;
-        } else if (character == "[") {
+        } else if (mark == "[") {
             std::size_t end = at + 1;
-            if (end < pattern.size() && pattern[end] == "^") {
+            if (end < pattern.size() && marks[end] == "^") {
                 element.negated = true;
                 ++end;
             }
             const std::size_t first = end;
             bool closed = false;
             for (; end < pattern.size(); ++end) {
-                if (pattern[end] == "]" && end > first) {
+                if (marks[end] == "]" && end > first) {
                     closed = true;
                     break;
                 }
                 std::string low = pattern[end];
                 if (!escape.empty() && low == escape && end + 1 < pattern.size()) low = pattern[++end];
-                if (end + 2 < pattern.size() && pattern[end + 1] == "-" && pattern[end + 2] != "]") {
+                if (end + 2 < pattern.size() && marks[end + 1] == "-" && marks[end + 2] != "]") {
                     element.ranges.push_back({low, pattern[end + 2]});
                     end += 2;
                 } else {
@@ -75,7 +80,7 @@ std::vector<Element> Compile(const std::vector<std::string>& pattern, std::strin
             }
             at = end;
         } else {
-            element.character = character;
+            element.character = pattern[at];
         }
         elements.push_back(std::move(element));
     }
@@ -102,8 +107,13 @@ bool MatchesOne(const TextCollation& collation, const Element& element, const st
     return element.negated && !element.ranges.empty();
 }
 
+bool IsBlankFrom(const std::vector<std::string>& text, std::size_t at) {
+    return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(),
+                       [](const std::string& character) { return character == " "; });
+}
+
 bool Matches(const TextCollation& collation, const std::vector<std::string>& text,
-             const std::vector<Element>& pattern) {
+             const std::vector<Element>& pattern, TrailingBlanks blanks) {
     // One point to return to is enough: a later % makes every earlier one final.
     std::size_t at = 0;
     std::size_t in = 0;
@@ -118,15 +128,13 @@ bool Matches(const TextCollation& collation, const std::vector<std::string>& tex
         } else if (in < pattern.size() && MatchesOne(collation, pattern[in], text[at])) {
             ++in;
             ++at;
+        } else if (in == pattern.size() && blanks == TrailingBlanks::kIgnored && IsBlankFrom(text, at)) {
+            return true;
         } else if (canRetry) {
             in = retryIn;
             at = ++retryAt;
         } else {
-            // Blanks at the end of the text may be left over.
-            for (; in == pattern.size() && at < text.size(); ++at) {
-                if (text[at] != " ") return false;
-            }
-            return in == pattern.size() && at == text.size();
+            return false;
         }
     }
     while (in < pattern.size() && pattern[in].kind == Element::kMany)
@@ -137,22 +145,21 @@ bool Matches(const TextCollation& collation, const std::vector<std::string>& tex
 }  // namespace
 
 bool MatchesPattern(const TextCollation& collation, std::string_view text, std::string_view pattern,
-                    std::string_view escape) {
-    const std::string foldedEscape = collation.Fold(escape);
+                    std::string_view escape, TrailingBlanks blanks) {
     return Matches(collation, Characters(collation.Fold(text)),
-                   Compile(Characters(collation.Fold(pattern)), foldedEscape));
+                   Compile(collation, pattern, collation.Fold(escape)), blanks);
 }
 
 std::size_t FindPattern(const TextCollation& collation, std::string_view text, std::string_view pattern) {
     const std::vector<std::string> characters = Characters(collation.Fold(text));
-    std::vector<Element> elements = Compile(Characters(collation.Fold(pattern)), {});
+    std::vector<Element> elements = Compile(collation, pattern, {});
     const bool fromAnywhere = !elements.empty() && elements.front().kind == Element::kMany;
     while (!elements.empty() && elements.front().kind == Element::kMany)
         elements.erase(elements.begin());
     for (std::size_t start = 0; start <= characters.size(); ++start) {
         const std::vector<std::string> rest(characters.begin() + static_cast<std::ptrdiff_t>(start),
                                             characters.end());
-        if (Matches(collation, rest, elements)) return start + 1;
+        if (Matches(collation, rest, elements, TrailingBlanks::kIgnored)) return start + 1;
         if (!fromAnywhere) break;
     }
     return 0;

@@ -112,10 +112,16 @@ std::string Translator::Like(const LikeExpr& like, Scope& scope) {
     const auto asText = [&](const Operand& operand) {
         return operand.type.IsText() ? Render(operand) : RenderAs(operand, text, true);
     };
-    std::string sql =
-        "ts_like(" + asText(Value(*like.operand, scope)) + ", " + asText(Value(*like.pattern, scope));
-    if (like.escape) sql += ", " + asText(Value(*like.escape, scope));
-    sql += ")";
+    const Operand operand = Value(*like.operand, scope);
+    const Operand pattern = Value(*like.pattern, scope);
+    bool unicode = operand.type.IsUnicode() || pattern.type.IsUnicode();
+    std::string sql = "(" + asText(operand) + ", " + asText(pattern);
+    if (like.escape) {
+        const Operand escape = Value(*like.escape, scope);
+        unicode = unicode || escape.type.IsUnicode();
+        sql += ", " + asText(escape);
+    }
+    sql = (unicode ? "ts_nlike" : "ts_like") + sql + ")";
     return like.negated ? "NOT " + sql : sql;
 }
 
