@@ -9,6 +9,9 @@ void Executor::CreateIndex(const CreateIndexStatement& statement) {
     const bool temporary = statement.table.Object().front() == '#';
     Change(temporary, [&] {
         const TableInfo& table = DefinedTable(statement.table, 1088);
+        // Over all rows the index would refuse what its filter lets in.
+        if (statement.unique && statement.where)
+            throw MakeError(40510, statement.position, {"CREATE UNIQUE INDEX … WHERE"});
         KeyInfo key;
         key.name = statement.name.text;
         key.kind = statement.unique ? KeyKind::kUniqueIndex : KeyKind::kIndex;

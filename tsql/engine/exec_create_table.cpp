@@ -44,6 +44,7 @@ void Executor::AddColumn(TableInfo& table, const ColumnDefinition& definition) {
         return;
     }
     column.type = Translator::ResolveType(definition.type);
+    if (!definition.collation.IsEmpty()) Translator::CheckCollation(definition.collation);
     column.nullable = definition.nullable.value_or(true);
     if (definition.identity) {
         if (table.IdentityColumn() != nullptr) throw MakeError(2744, definition.name.position, {table.name});

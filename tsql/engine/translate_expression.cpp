@@ -1,5 +1,7 @@
 // Value expressions.
 
+#include <algorithm>
+
 #include "automation/object.h"
 #include "tsql/engine/functions.h"
 #include "tsql/engine/text_units.h"
@@ -194,13 +196,24 @@ Operand Translator::ValueInner(const Expr& expression, Scope& scope) {
         case ExprKind::kCast:
             return Cast(As<CastExpr>(expression), scope);
         case ExprKind::kCollate:
-            // There is one collation; asking for another one by name changes nothing.
+            CheckCollation(As<CollateExpr>(expression).collation);
             return Value(*As<CollateExpr>(expression).operand, scope);
         case ExprKind::kSubquery:
             return Subquery(As<SubqueryExpr>(expression), scope);
         default:
             throw MakeError(4145, expression.position, {""});
     }
+}
+
+// There is one collation; asking for another one by name changes nothing, unless it were to tell upper from
+// lower case.
+void Translator::CheckCollation(const Name& collation) {
+    const std::string name = LowerAscii(collation.text) + "_";
+    if (name.find("_bin_") == std::string::npos && name.find("_bin2_") == std::string::npos &&
+        name.find("_cs_") == std::string::npos) {
+        return;
+    }
+    throw MakeError(40510, collation.position, {"COLLATE " + collation.text});
 }
 
 Operand Translator::Literal(const LiteralExpr& literal) {
@@ -273,6 +286,14 @@ Operand Translator::Variable(const VariableExpr& variable) {
     return operand;
 }
 
+void Translator::CheckGrouped(const Scope& scope, const std::string& sql, Position position,
+                              const Source& source, const SourceColumn& column) const {
+    if (!scope.grouped || aggregateDepth_ > 0) return;
+    const auto& groups = scope.groupColumns;
+    if (std::find(groups.begin(), groups.end(), sql) == groups.end())
+        throw MakeError(8120, position, {source.exposedName, column.name});
+}
+
 Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
     const std::string& name = column.name.Object();
     const std::string qualifier = column.name.parts.size() > 1 ? column.name.Schema() : std::string();
@@ -293,12 +314,7 @@ Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
             }
         }
         if (found != nullptr) {
-            if (level->grouped && aggregateDepth_ == 0 && level == &scope) {
-                bool listed = false;
-                for (const std::string& group : level->groupColumns)
-                    listed = listed || group == found->sql;
-                if (!listed) throw MakeError(8120, column.position, {owner->exposedName, found->name});
-            }
+            if (level == &scope) CheckGrouped(scope, found->sql, column.position, *owner, *found);
             Operand operand;
             operand.sql = found->sql;
             operand.type = found->type;
@@ -383,9 +399,11 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
     if (common.IsFloat()) {
         if (op == BinaryOp::kModulo)
             throw MakeError(402, position, {MessageName(a), MessageName(b), "modulo"});
-        return Computed("ts_real('" + letter + "', " + RenderAs(left, SqlType::Float()) + ", " +
-                            RenderAs(right, SqlType::Float()) + ")",
-                        SqlType::Float());
+        const std::string sql = "ts_real('" + letter + "', " + RenderAs(left, SqlType::Float()) + ", " +
+                                RenderAs(right, SqlType::Float()) + ")";
+        if (common.kind == TypeKind::kReal)
+            return Computed(ConvertCall(sql, SqlType::Float(), common), common);
+        return Computed(sql, common);
     }
     if (common.IsInteger()) {
         if (common.kind == TypeKind::kBit && !bitwise) {

@@ -120,7 +120,8 @@ std::string Translator::Output(const OutputClause& output, const TableInfo& tabl
     std::string sql;
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
         sql += (i == 0 ? " RETURNING " : ", ") + Render(parts.items[i]);
-        translation_.columns.push_back({parts.names[i], parts.items[i].type});
+        const SqlType& type = parts.items[i].type;
+        translation_.columns.push_back({parts.names[i], type.IsUnknown() ? SqlType::Int() : type});
     }
     translation_.hasOutput = true;
     return sql;

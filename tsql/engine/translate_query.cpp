@@ -1,5 +1,7 @@
 // SELECT, UNION and what belongs to them: select lists, GROUP BY, ORDER BY, TOP.
 
+#include <algorithm>
+
 #include "automation/object.h"
 #include "tsql/engine/functions.h"
 #include "tsql/engine/text_units.h"
@@ -33,6 +35,17 @@ bool AssignsInOrder(const SelectBody& select, const Query& query) {
         if (item.kind == SelectItemKind::kAssignment) return true;
     }
     return false;
+}
+
+// DISTINCT leaves nothing to sort by but what it lists.
+bool IsListed(const Expr& expression, const Operand& operand, const SelectBody& select,
+              const SelectParts& parts) {
+    for (const SelectItem& item : select.items) {
+        if (item.expression && SameExpression(*item.expression, expression)) return true;
+    }
+    return std::any_of(parts.items.begin(), parts.items.end(), [&](const Operand& item) {
+        return !item.pending && !operand.pending && item.sql == operand.sql;
+    });
 }
 
 const SelectBody* FirstSelect(const QueryBody& body) {
@@ -101,7 +114,9 @@ QueryText Translator::Finish(SelectParts parts) {
     QueryText result;
     result.sql = Assemble(parts, nullptr);
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
-        result.columns.push_back({parts.names[i], parts.items[i].type});
+        // A NULL without a type of its own is an int.
+        const SqlType& type = parts.items[i].type;
+        result.columns.push_back({parts.names[i], type.IsUnknown() ? SqlType::Int() : type});
         // An item of its own has no collation that a column of it could pass on.
         result.natural.push_back(parts.items[i].column);
     }
@@ -210,6 +225,7 @@ void Translator::AddStar(const SelectItem& item, Scope& scope, SelectParts& part
             operand.sql = column.sql;
             operand.type = column.type;
             operand.column = column.natural;
+            CheckGrouped(scope, operand.sql, item.position, source, column);
             parts.items.push_back(std::move(operand));
             parts.names.push_back(column.name);
         }
@@ -235,7 +251,6 @@ void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& part
         operand = Computed(text, *type);
         parts.assignments.push_back({name, AssignOp::kSet});
     }
-    if (operand.type.IsUnknown() && !operand.pending) operand.type = SqlType::Int();
     parts.items.push_back(std::move(operand));
     parts.names.push_back(ItemName(item));
 }
@@ -362,6 +377,8 @@ std::string Translator::OrderBy(const Query& query, const SelectBody& select, Sc
         }
         if (isSet) throw MakeError(104, item.expression->position);
         const Operand operand = Value(*item.expression, scope);
+        if (select.distinct && !IsListed(*item.expression, operand, select, parts))
+            throw MakeError(145, item.expression->position);
         sql += OrderItemText(item, Render(operand), operand);
     }
     return sql;

@@ -26,8 +26,11 @@ const TableInfo* Translator::FindTable(std::string_view name) {
 std::string Translator::From(const std::vector<TableSourcePtr>& sources, Scope& scope) {
     std::string sql;
     for (const TableSourcePtr& source : sources) {
-        sql += sql.empty() ? " FROM " : ", ";
-        sql += SourceText(*source, scope);
+        const bool first = sql.empty();
+        sql += first ? " FROM " : ", ";
+        // SQLite takes a comma for a join as good as any other; here it is the outermost.
+        const bool apart = !first && source->kind == SourceKind::kJoin;
+        sql += apart ? "(" + SourceText(*source, scope) + ")" : SourceText(*source, scope);
     }
     return sql;
 }

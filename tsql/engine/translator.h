@@ -125,6 +125,8 @@ class Translator {
 
     // The type that a definition names; errors 2715 and its kin.
     static SqlType ResolveType(const TypeName& type);
+    // Throws 40510 for a collation under which texts would compare otherwise than they do here.
+    static void CheckCollation(const Name& collation);
 
   private:
     friend struct FunctionTranslator;
@@ -136,6 +138,9 @@ class Translator {
     Operand Variable(const VariableExpr& variable);
     Operand System(std::string name, SqlType type);
     Operand Column(const ColumnExpr& column, Scope& scope);
+    // Throws 8120 for a column of a grouped query by which the query is not grouped.
+    void CheckGrouped(const Scope& scope, const std::string& sql, Position position, const Source& source,
+                      const SourceColumn& column) const;
     Operand Unary(const UnaryExpr& unary, Scope& scope);
     Operand Binary(BinaryOp op, Position position, const Operand& left, const Operand& right);
     Operand Case(const CaseExpr& expression, Scope& scope);

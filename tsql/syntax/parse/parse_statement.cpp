@@ -5,6 +5,52 @@
 
 namespace vicenter::tsql {
 
+namespace {
+
+// Statements of the server that an account set does not have.
+bool IsOtherStatement(Keyword keyword) {
+    switch (keyword) {
+        case Keyword::kBackup:
+        case Keyword::kBulk:
+        case Keyword::kDbcc:
+        case Keyword::kGoto:
+        case Keyword::kKill:
+        case Keyword::kMerge:
+        case Keyword::kReconfigure:
+        case Keyword::kRestore:
+        case Keyword::kShutdown:
+        case Keyword::kWaitfor:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Objects of the server that an account set does not have.
+bool IsOtherObject(Keyword keyword) {
+    switch (keyword) {
+        case Keyword::kDatabase:
+        case Keyword::kFunction:
+        case Keyword::kSchema:
+        case Keyword::kStatistics:
+        case Keyword::kTrigger:
+        case Keyword::kUser:
+            return true;
+        default:
+            return false;
+    }
+}
+
+std::string UpperWord(const Token& token) {
+    std::string word(token.text);
+    for (char& c : word) {
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    }
+    return word;
+}
+
+}  // namespace
+
 void Parser::SkipSemicolons() {
     while (Accept(Op::kSemicolon)) {
     }
@@ -111,6 +157,7 @@ StatementPtr Parser::ParseStatementBody() {
     }
     if (At(Op::kLeftParen) && AtQuery()) return ParseSelect({});
     if (AtWord("throw")) return ParseThrow();
+    if (IsOtherStatement(Peek().keyword)) throw MakeError(40510, start, {UpperWord(Peek())});
     // The first statement of a batch may call a procedure by its bare name.
     if (first_ && !nested_ && AtName()) return ParseExecuteCall(start);
     Fail();
@@ -146,6 +193,7 @@ StatementPtr Parser::ParseCreate() {
         case Keyword::kProcedure:
             return ParseCreateProcedure(start, false, createOrAlter);
         default:
+            if (IsOtherObject(Peek().keyword)) throw MakeError(40510, start, {"CREATE " + UpperWord(Peek())});
             Fail();
     }
 }
@@ -161,6 +209,7 @@ StatementPtr Parser::ParseAlter() {
         case Keyword::kProcedure:
             return ParseCreateProcedure(start, true, false);
         default:
+            if (IsOtherObject(Peek().keyword)) throw MakeError(40510, start, {"ALTER " + UpperWord(Peek())});
             Fail();
     }
 }
