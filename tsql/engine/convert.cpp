@@ -1,5 +1,6 @@
 #include "tsql/engine/convert.h"
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -115,7 +116,9 @@ Value ToInteger(const Value& value, const SqlType& from, const SqlType& to) {
             const double whole = std::trunc(number);
             if (!(whole >= static_cast<double>(range.low)) || !(whole <= static_cast<double>(range.high)) ||
                 whole >= 9223372036854775808.0) {
-                throw MakeError(232, {}, {to.Name(), automation::DoubleToText(number)});
+                std::array<char, 400> digits{};
+                std::snprintf(digits.data(), digits.size(), "%.6f", number);
+                throw MakeError(232, {}, {to.Name(), digits.data()});
             }
             return Value(static_cast<std::int64_t>(whole));
         }
@@ -152,9 +155,7 @@ Value ToInteger(const Value& value, const SqlType& from, const SqlType& to) {
 Value FitDecimal(const Decimal& number, const SqlType& from, const SqlType& to) {
     try {
         const Decimal scaled = number.Rescaled(to.scale);
-        if (scaled.IsZero() || scaled.Precision() - scaled.Scale() <= to.precision - to.scale) {
-            return Value(scaled);
-        }
+        if (FitsDecimal(scaled, to)) return Value(scaled);
     } catch (const automation::Error&) {
         // More than 38 digits: the same overflow.
     }
@@ -400,6 +401,14 @@ Value ToBinary(const Value& value, const SqlType& from, const SqlType& to) {
 }
 
 }  // namespace
+
+bool FitsDecimal(const Decimal& scaled, const SqlType& type) {
+    if (!type.IsMoney())
+        return scaled.IsZero() || scaled.Precision() - scaled.Scale() <= type.precision - type.scale;
+    // Ten-thousandths in an integer of eight or four bytes, which reaches one further below zero.
+    const std::uint64_t top = std::uint64_t{1} << (type.kind == TypeKind::kMoney ? 63 : 31);
+    return scaled.Magnitude() <= (scaled.IsNegative() ? top : top - 1);
+}
 
 std::string MessageName(const SqlType& type) {
     return type.kind == TypeKind::kDecimal ? "numeric" : std::string(type.Name());

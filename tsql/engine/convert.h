@@ -26,6 +26,9 @@ struct ColumnTarget {
 Value ConvertForColumn(const Value& value, const SqlType& from, const ColumnTarget& target,
                        std::string_view operation);
 
+// A number, already of the type's scale, is within the type's range.
+bool FitsDecimal(const Decimal& scaled, const SqlType& type);
+
 // The name of a type in error messages: decimal is called numeric there.
 std::string MessageName(const SqlType& type);
 

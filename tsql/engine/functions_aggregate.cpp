@@ -11,7 +11,7 @@ namespace vicenter::tsql::engine {
 
 namespace {
 
-enum class SumKind { kInt, kBigInt, kDecimal, kReal };
+enum class SumKind { kInt, kBigInt, kDecimal, kMoney, kReal };
 
 // SQLite gives zeroed memory without constructors, so the state is made on first use.
 struct SumState {
@@ -53,9 +53,11 @@ void ReturnSum(sqlite3_context* context, const SumState& state) {
     const FunctionCall call(context, 0, nullptr);
     if constexpr (Kind == SumKind::kReal) {
         call.Return(Average ? state.real / static_cast<double>(state.count) : state.real);
-    } else if constexpr (Kind == SumKind::kDecimal) {
+    } else if constexpr (Kind == SumKind::kDecimal || Kind == SumKind::kMoney) {
         if constexpr (Average) {
-            const int scale = state.sum.Scale() > 6 ? state.sum.Scale() : 6;
+            // Money is divided as money, cut and not rounded at its four places.
+            const int least = Kind == SumKind::kMoney ? 4 : 6;
+            const int scale = state.sum.Scale() > least ? state.sum.Scale() : least;
             call.Return(Decimal::Divide(state.sum, Decimal(state.count), scale));
         } else {
             call.Return(state.sum);
@@ -145,6 +147,7 @@ void RegisterAggregates(sqlite3* database, FunctionServices& services) {
     DefineSum<SumKind::kInt, true>(database, services, "ts_avg_int");
     DefineSum<SumKind::kBigInt, true>(database, services, "ts_avg_bigint");
     DefineSum<SumKind::kDecimal, true>(database, services, "ts_avg_decimal");
+    DefineSum<SumKind::kMoney, true>(database, services, "ts_avg_money");
     DefineSum<SumKind::kReal, true>(database, services, "ts_avg_real");
     sqlite3_create_function_v2(database, "ts_single", 1, SQLITE_UTF8, &services, nullptr, SingleStep,
                                SingleFinal, nullptr);

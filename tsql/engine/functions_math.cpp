@@ -85,8 +85,7 @@ void DecimalFunction(FunctionCall& call) {
                 break;
         }
         result = result.Rescaled(type.scale);
-        if (!result.IsZero() && result.Precision() - result.Scale() > type.precision - type.scale)
-            Overflow(type);
+        if (!FitsDecimal(result, type)) Overflow(type);
         call.Return(result);
     } catch (const SqlError&) {
         throw;

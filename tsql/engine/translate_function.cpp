@@ -515,7 +515,8 @@ Operand FunctionTranslator::Aggregate() {
         SqlType type = from.IsMoney()
                            ? SqlType::Of(TypeKind::kMoney)
                            : SqlType::Decimal(kMaxPrecision, average && from.scale < 6 ? 6 : from.scale);
-        const std::string sql = "ts_" + name + "_decimal(" + distinct + translator.Collated(At(0)) + ")";
+        const char* exact = average && from.IsMoney() ? "_money(" : "_decimal(";
+        const std::string sql = "ts_" + name + exact + distinct + translator.Collated(At(0)) + ")";
         if (!from.IsMoney()) return Made(sql, type);
         return Made("ts_conv(" + sql + ", " + Code(SqlType::Decimal(38, 6)) + ", " + Code(type) + ", 0)",
                     type);
