@@ -64,10 +64,10 @@ QString ChooseChineseFamily(const QStringList& families) {
 QString BillFontFamily() {
     static const QString family = [] {
         const QStringList families = QFontDatabase::families(QFontDatabase::SimplifiedChinese);
-        const QString song = QStringLiteral("宋体");
+        QString song = QStringLiteral("宋体");
         if (families.contains(song)) return song;
         if (families.contains(QStringLiteral("SimSun"))) return QStringLiteral("SimSun");
-        const QString chosen = ChooseChineseFamily(families);
+        QString chosen = ChooseChineseFamily(families);
         if (!chosen.isEmpty()) return chosen;
         return families.isEmpty() ? song : families.constFirst();
     }();

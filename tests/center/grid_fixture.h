@@ -118,8 +118,7 @@ class LedgerOfAFew {
         Explanation(set, "1", "提现", 1, "1001", "库存现金");
         Explanation(set, "2", "付款", 0, "", "");
         set.Respond("select a.FItemClassID,b.FSQLTableName", [](const std::string& sql) {
-            const ado::RecordsetRef none = Rows({"FItemClassID", "FSQLTableName"});
-            if (sql.find("'1122'") == std::string::npos) return none;
+            if (sql.find("'1122'") == std::string::npos) return Rows({"FItemClassID", "FSQLTableName"});
             return Rows({"FItemClassID", "FSQLTableName"},
                         {{Variant(1), "t_Organization"}, {Variant(2), "t_Department"}});
         });

@@ -86,6 +86,7 @@ class InsertTest : public StoreTest {
     // Inserts on a set that holds these numbers and returns the name in the batch.
     std::string NameAfter(const std::vector<Variant>& numbers, std::int32_t& lMaxNum) {
         std::vector<std::vector<Variant>> rows;
+        rows.reserve(numbers.size());
         for (const Variant& number : numbers)
             rows.push_back({number});
         set_.Answer("FNum", Rows({"FNum"}, rows));

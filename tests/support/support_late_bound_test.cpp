@@ -53,12 +53,12 @@ TEST_F(SupportLateBound, TheCodecsEdgeCasesAreThoseOfTheClass) {
     EXPECT_EQ(again(R"("\u51ed\ud83d\ude00\/\b")"), R"("凭😀/\b")");
     const std::string deep(100'000, '[');
     EXPECT_EQ(ErrorOf([&] { json->Call("Decode", {deep}); }), "8732 Nesting too deep");
-    for (const auto& [text, error] :
+    for (const auto& faulty :
          {std::pair{"{1", "8732 Expecting property name"}, std::pair{"{\"a\"", "8732 Expecting : delimiter"},
           std::pair{"[1 2]", "8732 Expecting , delimiter"},
           std::pair{"\"abc", "8732 Unterminated string starting"},
           std::pair{"\"\\x\"", "8732 Invalid escape"}}) {
-        EXPECT_EQ(ErrorOf([&] { json->Call("Decode", {text}); }), error) << text;
+        EXPECT_EQ(ErrorOf([&] { json->Call("Decode", {faulty.first}); }), faulty.second) << faulty.first;
     }
 }
 

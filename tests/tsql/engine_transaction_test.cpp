@@ -188,7 +188,7 @@ TEST_F(EngineTransactionTest, A_killed_writer_leaves_the_old_rows_or_the_new_one
     }
     Run(first);
     session_.reset();
-    for (int round = 0; round < 20; ++round) {
+    for (std::int64_t round = 0; round < 20; ++round) {
         testing_support::KillAfter(round * 400, [&] {
             Session writer(Options());
             for (;;) {

@@ -92,6 +92,7 @@ void Executor::Modify(const void* key, bool temporary, const Make& make, const O
             const std::int64_t changed = rowCount_;
             const std::int64_t affected = report_->rowsAffected;
             std::vector<SqlType> types;
+            types.reserve(columns.size());
             for (const ResultColumn& column : columns)
                 types.push_back(column.type);
             InsertRows(output, output->into, output->columns, types, rows);

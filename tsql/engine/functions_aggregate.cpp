@@ -27,7 +27,8 @@ FunctionServices& ServicesOf(sqlite3_context* context) {
 
 SumState* StateOf(sqlite3_context* context) {
     // The memory is aligned to 8 bytes only; the state lives behind a pointer.
-    auto** slot = static_cast<SumState**>(sqlite3_aggregate_context(context, sizeof(SumState*)));
+    constexpr int kPointerBytes = sizeof(void*);
+    auto** slot = static_cast<SumState**>(sqlite3_aggregate_context(context, kPointerBytes));
     if (slot == nullptr) throw std::bad_alloc();
     if (*slot == nullptr) *slot = new SumState{true, Decimal(), 0, 0};
     return *slot;

@@ -189,20 +189,13 @@ std::string WithCase(std::string_view text, bool upper) {
                 return code >= low && code <= high;
             };
             if (upper) {
-                if (within(0xE0, 0xFE) && code != 0xF7)
-                    code -= 32;
-                else if (within(0x3B1, 0x3C9) && code != 0x3C2)
-                    code -= 32;
-                else if (within(0x430, 0x44F))
+                if ((within(0xE0, 0xFE) && code != 0xF7) || (within(0x3B1, 0x3C9) && code != 0x3C2) ||
+                    within(0x430, 0x44F))
                     code -= 32;
                 else if (within(0x450, 0x45F))
                     code -= 80;
             } else {
-                if (within(0xC0, 0xDE) && code != 0xD7)
-                    code += 32;
-                else if (within(0x391, 0x3A9))
-                    code += 32;
-                else if (within(0x410, 0x42F))
+                if ((within(0xC0, 0xDE) && code != 0xD7) || within(0x391, 0x3A9) || within(0x410, 0x42F))
                     code += 32;
                 else if (within(0x400, 0x40F))
                     code += 80;

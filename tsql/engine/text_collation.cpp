@@ -18,7 +18,7 @@ constexpr std::array<std::uint8_t, 256> MakeRanks() {
     for (std::size_t i = 0; i < kOrder.size(); ++i) {
         const auto c = static_cast<unsigned char>(kOrder[i]);
         ranks[c] = static_cast<std::uint8_t>(i + 1);
-        if (c >= 'a' && c <= 'z') ranks[static_cast<std::size_t>(c - 'a' + 'A')] = ranks[c];
+        if (c >= 'a' && c <= 'z') ranks[c & ~0x20U] = ranks[c];
     }
     return ranks;
 }

@@ -202,9 +202,9 @@ constexpr unsigned char Fold(char c) {
 // Length, first, second, middle and last letter tell the words apart well enough.
 constexpr std::size_t Hash(std::string_view word) {
     const std::size_t n = word.size();
-    return (n * 131U + Fold(word[0]) * 31U + Fold(word[1]) * 7U + Fold(word[n / 2]) * 61U +
-            Fold(word[n - 1]) * 17U) &
-           (kSlots - 1);
+    const unsigned letters =
+        Fold(word[0]) * 31U + Fold(word[1]) * 7U + Fold(word[n / 2]) * 61U + Fold(word[n - 1]) * 17U;
+    return (n * 131U + letters) & (kSlots - 1);
 }
 
 constexpr std::array<Keyword, kSlots> MakeTable() {

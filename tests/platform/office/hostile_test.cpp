@@ -292,7 +292,7 @@ class HostileXls : public Hostile {
             bytes_[at + i] = static_cast<char>(value >> (8 * i) & 0xFF);
     }
     // Place of the first allocation table in the file.
-    std::size_t Table() const { return (U32(76) + 1) * 512; }
+    std::size_t Table() const { return (std::size_t{U32(76)} + 1) * 512; }
     void ExpectNoCrash() {
         WriteBytes(File(), bytes_);
         try {
@@ -314,10 +314,10 @@ TEST_F(HostileXls, CyclesInTheSectorsEnd) {
             SetU32(table + entry * 4, target);
         ExpectNoCrash();
         bytes_ = good;
-        SetU32(table + target * 4, target);
+        SetU32(table + std::size_t{target} * 4, target);
         ExpectNoCrash();
         bytes_ = good;
-        SetU32(table + target * 4, 0);
+        SetU32(table + std::size_t{target} * 4, 0);
         ExpectNoCrash();
     }
 }

@@ -34,7 +34,7 @@ class FileSystemObjectTest : public testing::Test {
         files_ = automation::CreateObject("Scripting.FileSystemObject");
     }
     std::string Write(const std::string& name, const std::string& content) {
-        const std::string path = folder_.File(name);
+        std::string path = folder_.File(name);
         std::ofstream(system::PathFromUtf8(path), std::ios::binary) << content;
         return path;
     }

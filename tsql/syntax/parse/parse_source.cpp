@@ -37,7 +37,6 @@ bool Parser::AtJoin() {
         case Keyword::kJoin:
         case Keyword::kInner:
         case Keyword::kCross:
-            return true;
         // LEFT and RIGHT are functions, too, but those do not follow a table.
         case Keyword::kLeft:
         case Keyword::kRight:

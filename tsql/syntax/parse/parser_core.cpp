@@ -197,10 +197,8 @@ void Parser::SkipStorageOptions() {
             Take();
             Expect(Op::kEqual);
             Expect(TokenKind::kInteger);
-        } else if (At(Keyword::kOn) && (AtName(1) || At(Keyword::kPrimary, 1)) && !At(Op::kDot, 2)) {
-            Take();
-            Take();
-        } else if (AtWord("textimage_on")) {
+        } else if (AtWord("textimage_on") ||
+                   (At(Keyword::kOn) && (AtName(1) || At(Keyword::kPrimary, 1)) && !At(Op::kDot, 2))) {
             Take();
             Take();
         } else {
