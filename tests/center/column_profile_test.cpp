@@ -100,7 +100,7 @@ class ColumnProfileTest : public GridTest {
   protected:
     // The user's stored font size, as the host's connection answers.
     fakes::ScriptedRef StoreFontSize(const std::string& size) {
-        const fakes::ScriptedRef connection = fakes::RegisterScripted("VelaConnection.AppConnection");
+        fakes::ScriptedRef connection = fakes::RegisterScripted("VelaConnection.AppConnection");
         connection->On("Execute", [size](fakes::Arguments&) {
             return Variant(size.empty() ? Rows({"FValue"}) : Rows({"FValue"}, {{size}}));
         });
