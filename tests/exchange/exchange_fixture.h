@@ -112,7 +112,7 @@ class ExchangeTest : public testing::Test {
                 }
             }
         }
-        const std::string file = folder_.File(name);
+        std::string file = folder_.File(name);
         office::WriteWorkbook(workbook, file,
                               name.ends_with(".xls") ? office::FileKind::Xls : office::FileKind::Xlsx);
         return file;
