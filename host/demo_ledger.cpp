@@ -87,9 +87,10 @@ std::int64_t CountVouchers(std::int64_t extra) {
 std::int64_t ExtraFor(std::int64_t total) {
     const std::int64_t own = CountVouchers(0);
     std::int64_t extra = std::max<std::int64_t>(0, total - own);
-    for (std::int64_t count = own; extra > 0; extra -= std::min(extra, count - total)) {
-        count = CountVouchers(extra);
+    while (extra > 0) {
+        const std::int64_t count = CountVouchers(extra);
         if (count <= total) break;
+        extra -= std::min(extra, count - total);
     }
     return extra;
 }

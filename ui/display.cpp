@@ -44,7 +44,7 @@ QSet<QString> InstalledPlatforms() {
         for (const QFileInfo& file : QDir(folder).entryInfoList(QDir::Files)) {
             if (!QLibrary::isLibrary(file.fileName())) continue;
             const QJsonObject about = QPluginLoader(file.absoluteFilePath()).metaData();
-            for (const QJsonValue& key : about[QStringLiteral("MetaData")][QStringLiteral("Keys")].toArray())
+            for (const auto& key : about[QStringLiteral("MetaData")][QStringLiteral("Keys")].toArray())
                 names.insert(key.toString().toLower());
         }
     }

@@ -65,7 +65,7 @@ GridView::GridView(GridModel& model, GridActions& actions, QWidget* parent)
     own.setColor(QPalette::HighlightedText, colors::kInk);
     own.setColor(QPalette::Mid, colors::kGridLine);
     setPalette(own);
-    setModel(&model_);
+    QTableView::setModel(&model_);
 
     connect(&model_, &GridModel::columnLayoutChanged, this, &GridView::ApplyColumns);
     connect(&model_, &GridModel::rowHeightsChanged, this, &GridView::ApplyRowHeights);

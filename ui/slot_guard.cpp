@@ -27,7 +27,7 @@ std::string Describe(const std::exception_ptr& failure) {
 
 }  // namespace
 
-void ReportFailure(std::exception_ptr failure) noexcept {
+void ReportFailure(const std::exception_ptr& failure) noexcept {
     static bool reporting = false;
     if (reporting) return;
     reporting = true;

@@ -13,7 +13,7 @@ namespace vicenter::ui {
 
 // Shows a failure in the suite's message box; never throws. Failures that come up while another one is being
 // shown are dropped, so that a failing repaint cannot pile up boxes.
-void ReportFailure(std::exception_ptr failure) noexcept;
+void ReportFailure(const std::exception_ptr& failure) noexcept;
 
 template <class Action>
 void Guarded(Action&& action) noexcept {

@@ -12,7 +12,7 @@ QtWindowFactory::QtWindowFactory(std::shared_ptr<center::TemplateCommands> comma
 void QtWindowFactory::OpenVICenter() {
     auto window = std::make_unique<VICenterWindow>(commands_);
     window->Open();
-    window.release();  // deletes itself when it is closed
+    static_cast<void>(window.release());  // deletes itself when it is closed
 }
 
 }  // namespace vicenter::ui
