@@ -117,7 +117,9 @@ void ToC(const Variant& value, vic_variant& variant) {
             vic_variant array;
             SetArray(array, items.size());
             try {
+                // There is no array behind no items, and then no turn of this loop.
                 for (std::size_t i = 0; i < items.size(); ++i)
+                    // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker)
                     ToC(items[i], array.value.array.items[i]);
             } catch (...) {
                 Clear(array);

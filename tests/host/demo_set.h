@@ -60,7 +60,7 @@ inline const std::string& OriginalSet(bool demo) {
     static TestFolder folder;
     static const auto make = [](bool withDemo) {
         RegisterProviders();
-        const std::string file = folder.Path(withDemo ? "demo.vas" : "empty.vas");
+        std::string file = folder.Path(withDemo ? "demo.vas" : "empty.vas");
         CreateAccountSetFile(file, {withDemo, 0});
         return file;
     };
@@ -74,7 +74,7 @@ inline const std::string& OriginalSet(bool demo) {
 
 // A copy for one test.
 inline std::string CopySet(const TestFolder& folder, bool demo = true) {
-    const std::string file = folder.Path("set.vas");
+    std::string file = folder.Path("set.vas");
     std::filesystem::copy_file(system::PathFromUtf8(OriginalSet(demo)), system::PathFromUtf8(file));
     return file;
 }
