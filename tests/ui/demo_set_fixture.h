@@ -100,7 +100,7 @@ class DemoSetTest : public ::testing::Test {
     }
     // The messages shown since the last time.
     std::vector<std::string> TakeMessages() {
-        const std::vector<std::string> texts = surroundings.messageBoxes->Texts();
+        std::vector<std::string> texts = surroundings.messageBoxes->Texts();
         surroundings.messageBoxes->shown.clear();
         return texts;
     }

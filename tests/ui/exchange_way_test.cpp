@@ -42,7 +42,7 @@ class ExchangeWayTest : public DemoSetTest {
             for (std::uint32_t column = 0; column < values.size(); ++column)
                 setText(row, column, row == 0 ? exchange::kColumns[column].header : values[column]);
         }
-        const std::string path = folder.Path(name);
+        std::string path = folder.Path(name);
         office::WriteWorkbook(workbook, path, office::FileKind::Xlsx);
         return path;
     }

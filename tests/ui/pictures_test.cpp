@@ -84,7 +84,7 @@ class PicturesTest : public DemoSetTest {
     void LookUp(const QString& stem, int row, int gridColumn, const char* typed = "") {
         ClickCell(row, gridColumn);
         Dialog(
-            stem, [this] { QTest::keyClick(QApplication::focusWidget(), Qt::Key_F7); },
+            stem, [] { QTest::keyClick(QApplication::focusWidget(), Qt::Key_F7); },
             [&](QWidget& dialog) {
                 QTest::keyClicks(dialog.findChild<QLineEdit*>("txtFilter"), typed);
                 const auto* list = dialog.findChild<QTreeWidget*>("lstRecords");
