@@ -31,7 +31,7 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
 
 // Dates of yesterday to tomorrow, whatever zone the clock is asked in.
 std::string WithoutNow(std::string text) {
-    for (const int offset : {-1, 0, 1}) {
+    for (const std::time_t offset : {-1, 0, 1}) {
         const std::time_t moment = std::time(nullptr) + offset * 86'400;
         char day[16];
         std::strftime(day, sizeof day, "%Y-%m-%d", std::gmtime(&moment));
