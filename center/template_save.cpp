@@ -169,10 +169,14 @@ bool SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templa
         entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 成功");
         return true;
     } catch (const Error&) {
-        Tell("模板 " + name + " 保存失败！");
-        entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 失败");
+        TellSaveFailed(name);
         return false;
     }
+}
+
+void TellSaveFailed(const std::string& name) {
+    Tell("模板 " + name + " 保存失败！");
+    entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 失败");
 }
 
 bool ConfirmEmptyTemplate() {
@@ -184,6 +188,11 @@ TemplateSave::TemplateSave(WindowState& state, std::function<void()> reopen)
 
 bool TemplateSave::Save() {
     if (!state_.IsOpen() || !state_.dirty) return false;
+    if (!state_.linesKnown) {
+        // The batch replaces every line: what nobody has seen is not to be lost to the few that were typed.
+        TellSaveFailed(state_.templateName);
+        return false;
+    }
     if (!Validate()) return false;
     if (!SendTemplate(*state_.grid, state_.rowCount, state_.templateId, state_.templateName)) return false;
     reopen_();

@@ -26,6 +26,9 @@ std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::strin
 bool SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
                   const std::string& name);
 
+// What the user and the operation log learn of a save that failed.
+void TellSaveFailed(const std::string& name);
+
 // An empty template is saved only when the user agrees.
 bool ConfirmEmptyTemplate();
 

@@ -96,6 +96,7 @@ void TemplateTree::Open(const std::string& name, const std::string& id, const st
     state_.grid->Clear(kFirstRowTotal);
     state_.rowCount = 0;
     state_.dirty = false;
+    state_.linesKnown = true;
     state_.templateId = id;
     std::string shown = name;
     if (state_.templateId.empty() && IsTemplateKey(selected_)) {
@@ -111,7 +112,9 @@ void TemplateTree::Open(const std::string& name, const std::string& id, const st
     if (!displayName.empty()) shown = displayName;
     state_.SetTemplateName(shown);
     state_.entryCount = store::clsVIData().GetVchEntryCount(state_.templateId);
-    if (const std::optional<int> lines = LoadLines(*state_.grid, state_.templateId)) {
+    const std::optional<int> lines = LoadLines(*state_.grid, state_.templateId);
+    state_.linesKnown = lines.has_value();
+    if (lines) {
         state_.entryCount = *lines;
         state_.rowCount = *lines;
     }

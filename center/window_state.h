@@ -26,6 +26,7 @@ struct WindowState {
     std::string templateName;     // itName
     std::int32_t entryCount = 0;  // lines of the open template as last read
     int rowCount = 0;             // rows of the grid in use
+    bool linesKnown = true;       // false: the open template's lines could not be read
     bool dirty = false;
     bool hasRight = false;
     ToolStates tools{};

@@ -430,6 +430,40 @@ TEST_F(Save, CanBeTriedAgainAfterAFailure) {
     EXPECT_EQ(Batches()[0], Batches()[1]);
 }
 
+TEST_F(Save, NeverReplacesLinesThatCouldNotBeRead) {
+    lines_["5"] = {Line(1, "stored"), Line(2, "stored too")};
+    set_.Fail("select * from t_VchTemplateEntry", "connection lost");
+    Window().TreeNodeClick("detail-5");
+    FillLine(1, "1", "收款");
+    Forget();
+    EXPECT_FALSE(Window().Save());
+    EXPECT_THAT(Batches(), IsEmpty());
+    EXPECT_THAT(Messages(), ElementsAre("模板 自定义模板(1) 保存失败！"));
+    EXPECT_THAT(Log(), ElementsAre("log 3 凭证模板-保存模板 自定义模板(1) 失败"));
+    EXPECT_TRUE(Window().IsDirty());
+    EXPECT_EQ(Cell(1, column::kExplanation), "收款");
+
+    // Once they have been read, everything is as usual.
+    set_.Respond("select * from t_VchTemplateEntry",
+                 [this](const std::string&) { return Rows(LineFields(), lines_["5"]); });
+    Answer(system::MessageResult::No);
+    Window().TreeNodeClick("detail-5");
+    EXPECT_EQ(Window().RowCount(), 2);
+    MakeDirty();
+    EXPECT_TRUE(Window().Save());
+    EXPECT_EQ(Batches().size(), 1U);
+}
+
+TEST_F(Save, AsksNothingAboutAnEmptyGridThatIsOnlyUnread) {
+    set_.Fail("select * from t_VchTemplateEntry", "connection lost");
+    Window().TreeNodeClick("detail-5");
+    Window().OpenLookUp();  // marks the template as changed
+    ASSERT_TRUE(Window().IsDirty());
+    Forget();
+    EXPECT_FALSE(Window().Save());
+    EXPECT_THAT(Messages(), ElementsAre("模板 自定义模板(1) 保存失败！"));
+}
+
 TEST_F(Save, GoesToTheFaultyCellAndWritesNothing) {
     FillLine(1, "1", "收款");
     FillLine(2, "1", "");
