@@ -1,8 +1,11 @@
 #include "ui/cell_delegate.h"
 
+#include <QAbstractItemView>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QToolTip>
 #include <algorithm>
 
 #include "ui/cell_editor.h"
@@ -64,6 +67,29 @@ QRect CellDelegate::ButtonRect(const QRect& cell) {
     return QRect(cell.right() - width - 1, cell.top() + 2, width, cell.height() - 4);
 }
 
+QRect CellDelegate::TextRect(const QRect& cell, const QModelIndex& index) const {
+    QRect inner = cell.adjusted(kTextMargin, 0, -kTextMargin, 0);
+    const bool active = index == view_.currentIndex();
+    if (active && view_.IsInteractive() && HasButton(view_.Model().AddressOf(index).column)) {
+        inner.setRight(ButtonRect(cell).left() - 2);
+    }
+    return inner;
+}
+
+bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                             const QModelIndex& index) {
+    if (event->type() == QEvent::ToolTip && index.isValid() && !index.data(Qt::ToolTipRole).isValid()) {
+        const QString text = index.data().toString();
+        const int room = TextRect(option.rect, index).width();
+        if (view_.fontMetrics().horizontalAdvance(text) > room) {
+            QToolTip::showText(event->globalPos(), QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()),
+                               view->viewport(), option.rect);
+            return true;
+        }
+    }
+    return QStyledItemDelegate::helpEvent(event, view, option, index);
+}
+
 void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     // Straight from the grid: a screen of cells is painted on every scrolled line.
@@ -81,8 +107,7 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const std::string_view plain = grid.Text(cell.row, cell.column);
     const bool button = active && view_.IsInteractive() && HasButton(cell.column);
     if (!plain.empty()) {
-        QRect inner = option.rect.adjusted(kTextMargin, 0, -kTextMargin, 0);
-        if (button) inner.setRight(ButtonRect(option.rect).left() - 2);
+        const QRect inner = TextRect(option.rect, index);
         const bool right = center::Column(cell.column).rightAligned;
         const QString text = ToQt(center::DisplayText(cell.column, plain));
         painter->setFont(option.font);

@@ -25,12 +25,18 @@ class CellDelegate : public QStyledItemDelegate {
     void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                               const QModelIndex& index) const override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    // What is wrong with a cell, else its text when the column is too narrow for it.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                   const QModelIndex& index) override;
 
     // The button at the right end of the active cell: look-ups, the items panel, the direction list.
     static bool HasButton(int gridColumn);
     static QRect ButtonRect(const QRect& cell);
 
   private:
+    // The room for a cell's text.
+    QRect TextRect(const QRect& cell, const QModelIndex& index) const;
+
     GridView& view_;
 };
 

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 
 #include "center/cell_rules.h"
+#include "ui/composition.h"
 #include "ui/qt_text.h"
 
 namespace vicenter::ui {
@@ -26,6 +27,7 @@ CellEditor::CellEditor(int column, QWidget* parent) : QLineEdit(parent), column_
     setFrame(false);
     setTextMargins(1, 0, 1, 0);
     setValidator(new ColumnValidator(column, this));
+    new Composition(*this);
     if (center::Column(column).rightAligned) setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     connect(this, &QLineEdit::inputRejected, this, [this] {
         const std::string now = FromQt(text());

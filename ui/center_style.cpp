@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QStyleOption>
+#include <QToolButton>
 #include <algorithm>
 
 namespace vicenter::ui {
@@ -35,6 +36,15 @@ void DrawToolPlate(const QStyleOption& option, QPainter& painter) {
     painter.restore();
 }
 
+void DrawToolFocus(const QStyleOption& option, QPainter& painter) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colors::kAccent, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), kCornerRadius, kCornerRadius);
+    painter.restore();
+}
+
 }  // namespace
 
 CenterStyle::CenterStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -46,6 +56,14 @@ void CenterStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
             DrawToolPlate(*option, *painter);
             return;
         case PE_PanelToolBar:
+            return;
+        case PE_FrameFocusRect:
+            // A tool that the keyboard has reached.
+            if (qobject_cast<const QToolButton*>(widget)) {
+                DrawToolFocus(*option, *painter);
+                return;
+            }
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
             return;
         default:
             QProxyStyle::drawPrimitive(element, option, painter, widget);

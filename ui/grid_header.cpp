@@ -1,6 +1,8 @@
 #include "ui/grid_header.h"
 
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
 #include <algorithm>
 
 #include "ui/center_style.h"
@@ -49,6 +51,19 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int logicalI
     painter->setPen(orientation() == Qt::Horizontal || active ? colors::kInk : colors::kFaintInk);
     painter->drawText(inner, Qt::AlignCenter, fontMetrics().elidedText(text, Qt::ElideRight, inner.width()));
     painter->restore();
+}
+
+bool GridHeader::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && orientation() == Qt::Horizontal && model()) {
+        const auto& help = static_cast<const QHelpEvent&>(*event);
+        const int section = logicalIndexAt(help.pos());
+        const QString text = model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+        const bool cut =
+            section >= 0 && fontMetrics().horizontalAdvance(text) > sectionSize(section) - 2 * kTextMargin;
+        QToolTip::showText(help.globalPos(), cut ? text : QString(), viewport());
+        return true;
+    }
+    return QHeaderView::viewportEvent(event);
 }
 
 QSize GridHeader::sizeHint() const {

@@ -19,6 +19,8 @@ class GridHeader : public QHeaderView {
   protected:
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
     QSize sizeHint() const override;
+    // Names a column that is too narrow for its header.
+    bool viewportEvent(QEvent* event) override;
 
   private:
     int activeSection_ = -1;

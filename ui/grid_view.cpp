@@ -12,6 +12,7 @@
 #include "ui/cell_delegate.h"
 #include "ui/cell_editor.h"
 #include "ui/center_style.h"
+#include "ui/composition.h"
 #include "ui/qt_text.h"
 #include "ui/slot_guard.h"
 #include "ui/twips.h"
@@ -116,6 +117,7 @@ void GridView::CommitOpenEditor() {
 }
 
 void GridView::FinishEditing(QWidget* editor) {
+    Composition::Finish(*editor);
     Guarded([&] { actions_.NameListClose(); });
     commitData(editor);
     closeEditor(editor, QAbstractItemDelegate::NoHint);

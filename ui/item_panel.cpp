@@ -8,6 +8,7 @@
 
 #include "ui/cell_editor.h"
 #include "ui/center_style.h"
+#include "ui/composition.h"
 #include "ui/qt_text.h"
 
 namespace vicenter::ui {
@@ -41,6 +42,7 @@ ItemPanel::ItemPanel(QWidget* parent)
     text_->setFocusPolicy(Qt::ClickFocus);
     text_->setValidator(new ColumnValidator(center::column::kItems, text_));
     text_->installEventFilter(this);
+    new Composition(*text_);
     button_->setObjectName(QStringLiteral("cmdItem"));
     button_->setFocusPolicy(Qt::NoFocus);
     button_->setArrowType(Qt::DownArrow);
@@ -72,6 +74,14 @@ void ItemPanel::Commit(QLineEdit& field) {
         emit numberCommitted(static_cast<int>(i), field.text());
         return;  // the rows may have been built anew
     }
+}
+
+void ItemPanel::CommitTyping() {
+    Composition::Finish(*text_);
+    Commit(*text_);
+    // By index: a number that is handed over may build the rows anew.
+    for (std::size_t i = 0; i < rows_.size(); ++i)
+        Commit(*rows_[i].number);
 }
 
 void ItemPanel::BuildRows(std::size_t count) {

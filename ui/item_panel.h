@@ -30,6 +30,8 @@ class ItemPanel : public QObject {
     void SetCellEditing(bool editing);
     void SetInteractive(bool interactive);
     void SetFont(const QFont& font);
+    // Hands over what has been typed and not been left yet: a command does not wait for the focus to move.
+    void CommitTyping();
     bool HasFocusWithin() const;
     bool Contains(const QWidget* widget) const;
 

@@ -1,6 +1,7 @@
 #include "ui/qt_surroundings.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QPlainTextEdit>
@@ -60,6 +61,25 @@ QString SuffixOf(const std::string& pattern) {
     return suffix.contains(u'*') || suffix.contains(u'?') ? QString() : suffix;
 }
 
+// Yes and No are both answers, and No is not always the harmless one: it gives unsaved changes up. As with
+// the boxes that users of such programs know, neither Esc nor the frame answers for them.
+class AnswerOnly : public QObject {
+  public:
+    explicit AnswerOnly(QMessageBox& box) : QObject(&box) {
+        box.setWindowFlag(Qt::WindowCloseButtonHint, false);
+        box.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const bool escape = event->type() == QEvent::KeyPress &&
+                            static_cast<const QKeyEvent*>(event)->matches(QKeySequence::Cancel);
+        const bool frame = event->type() == QEvent::Close && event->spontaneous();
+        if (!escape && !frame) return QObject::eventFilter(watched, event);
+        event->ignore();
+        return true;
+    }
+};
+
 // A list of errors may be longer than the screen is high, its buttons below the edge: it is read in a box of
 // its own that scrolls, and can be copied from there.
 void MakeScrollable(QMessageBox& box) {
@@ -103,7 +123,7 @@ void FillMessageBox(QMessageBox& box, const std::string& text, system::MessageBu
     }
     if (QAbstractButton* no = box.button(QMessageBox::No)) {
         no->setText(QStringLiteral("否(&N)"));
-        box.setEscapeButton(no);
+        new AnswerOnly(box);
     }
     MakeScrollable(box);
 }

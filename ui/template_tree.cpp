@@ -12,6 +12,7 @@
 
 #include "ui/application.h"
 #include "ui/center_style.h"
+#include "ui/composition.h"
 #include "ui/qt_text.h"
 #include "ui/slot_guard.h"
 
@@ -44,6 +45,7 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
                           const QModelIndex& index) const override {
         QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
         if (editor) editor->setObjectName(QStringLiteral("labelEditor"));
+        if (auto* field = qobject_cast<QLineEdit*>(editor)) new Composition(*field);
         return editor;
     }
 
@@ -185,6 +187,7 @@ void TemplateTree::StartLabelEdit() {
 void TemplateTree::EndLabelEdit() {
     if (!IsEditingLabel()) return;
     if (QWidget* editor = indexWidget(currentIndex())) {
+        Composition::Finish(*editor);
         commitData(editor);
         closeEditor(editor, QAbstractItemDelegate::NoHint);
     }

@@ -1,6 +1,8 @@
 #include "ui/tool_band.h"
 
+#include <QApplication>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QToolButton>
 #include <QToolTip>
 
@@ -72,7 +74,68 @@ void ToolBand::SetStates(const center::ToolStates& states) {
     updateGeometry();
 }
 
+void ToolBand::TakeKeyboard() {
+    QWidget* focus = QApplication::focusWidget();
+    if (focus && isAncestorOf(focus)) return GiveKeyboardBack();
+    before_ = focus;
+    MoveFocus(-1, 1);
+}
+
+// To the next tool that can be clicked, round the ends.
+void ToolBand::MoveFocus(int from, int step) {
+    const int count = static_cast<int>(actions().size());
+    for (int i = 1; i <= count; ++i) {
+        QWidget* button = widgetForAction(actions()[((from + i * step) % count + count) % count]);
+        if (!qobject_cast<QToolButton*>(button) || !button->isEnabled() || !button->isVisible()) continue;
+        button->setFocus(Qt::ShortcutFocusReason);
+        return;
+    }
+}
+
+void ToolBand::GiveKeyboardBack() {
+    if (before_) before_->setFocus(Qt::OtherFocusReason);
+}
+
+bool ToolBand::HandleKey(QWidget& button, int key) {
+    int at = 0;
+    while (at < actions().size() && widgetForAction(actions()[at]) != &button)
+        ++at;
+    switch (key) {
+        case Qt::Key_Right:
+        case Qt::Key_Tab:
+            MoveFocus(at, 1);
+            return true;
+        case Qt::Key_Left:
+        case Qt::Key_Backtab:
+            MoveFocus(at, -1);
+            return true;
+        case Qt::Key_Home:
+            MoveFocus(-1, 1);
+            return true;
+        case Qt::Key_End:
+            MoveFocus(static_cast<int>(actions().size()), -1);
+            return true;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+        case Qt::Key_Space: {
+            const QPointer<QAction> action = actions().value(at);
+            GiveKeyboardBack();
+            if (action) action->trigger();
+            return true;
+        }
+        case Qt::Key_Escape:
+            GiveKeyboardBack();
+            return true;
+        default:
+            return false;
+    }
+}
+
 bool ToolBand::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && watched->isWidgetType() &&
+        HandleKey(static_cast<QWidget&>(*watched), static_cast<QKeyEvent*>(event)->key())) {
+        return true;
+    }
     const auto* button = qobject_cast<QToolButton*>(watched);
     if (event->type() == QEvent::ToolTip && button && button->defaultAction() &&
         !button->defaultAction()->shortcut().isEmpty()) {

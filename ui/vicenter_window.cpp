@@ -210,7 +210,11 @@ void VICenterWindow::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
     // After the drag has ended: the import may ask questions.
     QMetaObject::invokeMethod(
-        this, [this, file] { Guarded([&] { presenter_->FileDropped(FromQt(file)); }); },
+        this,
+        [this, file] {
+            CommitTyping();
+            Guarded([&] { presenter_->FileDropped(FromQt(file)); });
+        },
         Qt::QueuedConnection);
 }
 
@@ -228,6 +232,7 @@ bool VICenterWindow::eventFilter(QObject* watched, QEvent* event) {
         // included.
         const auto* widget = static_cast<const QWidget*>(watched);
         const QWidget* window = widget->window();
+        if (window == this && MoveBetweenAreas(static_cast<QKeyEvent&>(*event))) return true;
         if (window == this || (window->windowType() == Qt::Popup && isAncestorOf(window))) {
             const int code = KeyCodeOf(static_cast<QKeyEvent&>(*event));
             if (code != 0 && GuardedOr(false, [&] { return presenter_->KeyPreview(code); })) return true;
@@ -290,9 +295,29 @@ VICenterWindow::Zone VICenterWindow::ZoneOf(const QWidget* widget) const {
     return Zone::Elsewhere;
 }
 
+// Tab stays within the grid, so that the tree and the command bar have keys of their own: F6 goes from one
+// area to the other, F10 to the bar.
+bool VICenterWindow::MoveBetweenAreas(const QKeyEvent& event) {
+    if (!loaded_ || progress_->IsPolling()) return false;
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (event.key() == Qt::Key_F10 && modifiers == Qt::NoModifier) {
+        band_->TakeKeyboard();
+        return true;
+    }
+    if (event.key() != Qt::Key_F6 || (modifiers & ~Qt::ShiftModifier) != Qt::NoModifier) return false;
+    if (ZoneOf(QApplication::focusWidget()) == Zone::Tree) {
+        grid_->setFocus(Qt::ShortcutFocusReason);
+    } else {
+        tree_->setFocus(Qt::ShortcutFocusReason);
+    }
+    return true;
+}
+
 void VICenterWindow::FocusMoved(QWidget* now) {
     // The focus that goes to another window, a menu or a message box comes back: nothing was left for good.
     if (!now || now->window() != this || unloaded_ || !loaded_) return;
+    // The command bar acts on where the focus was.
+    if (band_->isAncestorOf(now)) return;
     const Zone next = ZoneOf(now);
     if (next == zone_) return;
     const Zone before = std::exchange(zone_, next);
@@ -305,10 +330,15 @@ void VICenterWindow::FocusMoved(QWidget* now) {
     grid_->viewport()->update();
 }
 
-void VICenterWindow::ClickTool(const QString& key) {
-    // What is being typed belongs to the cell or the label before the command looks at them.
+// What is being typed belongs to the cell, the items or the label before a command looks at them.
+void VICenterWindow::CommitTyping() {
     grid_->CommitOpenEditor();
+    items_->CommitTyping();
     tree_->EndLabelEdit();
+}
+
+void VICenterWindow::ClickTool(const QString& key) {
+    CommitTyping();
     Guarded([&] { presenter_->ToolClick(FromQt(key)); });
 }
 

@@ -64,9 +64,11 @@ class VICenterWindow : public QMainWindow,
     void LayOutPanel();
     void PlaceOverlays();
     void FocusMoved(QWidget* now);
+    bool MoveBetweenAreas(const QKeyEvent& event);
     void PrepareNameLists();
     Zone ZoneOf(const QWidget* widget) const;
     void ClickTool(const QString& key);
+    void CommitTyping();
     void ShowRefused(const center::PasteResult& result);
     QRect CellOverlayRect(const center::CellAddress& cell) const;
     QRect ActiveRowOnScreen() const;

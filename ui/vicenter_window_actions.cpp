@@ -114,6 +114,7 @@ void VICenterWindow::NameListClose() {
 
 void VICenterWindow::NodeClick(const std::string& key) {
     grid_->CommitOpenEditor();
+    items_->CommitTyping();
     presenter_->TreeNodeClick(key);
 }
 

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTest>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -25,7 +26,23 @@ TEST(QtMessageBox, ShowsPlainTextWithChineseButtonsAndLineBreaks) {
     EXPECT_EQ(box.button(QMessageBox::Yes)->text(), "是(&Y)");
     EXPECT_EQ(box.button(QMessageBox::No)->text(), "否(&N)");
     EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::Yes));
-    EXPECT_EQ(box.escapeButton(), box.button(QMessageBox::No));
+}
+
+TEST(QtMessageBox, EscapeAndTheFrameDoNotAnswerBetweenYesAndNo) {
+    using system::MessageButtons;
+    const std::pair<MessageButtons, bool> expected[] = {
+        {MessageButtons::YesNo, true}, {MessageButtons::OkCancel, false}, {MessageButtons::Ok, false}};
+    for (const auto& [buttons, stays] : expected) {
+        QMessageBox box;
+        FillMessageBox(box, "当前凭证模板修改后未保存，您是否进行保存?", buttons,
+                       system::MessageIcon::Information, "信息提示");
+        box.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&box));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        EXPECT_EQ(box.isVisible(), stays);
+        EXPECT_EQ(box.windowFlags().testFlag(Qt::WindowCloseButtonHint), !stays);
+        box.hide();
+    }
 }
 
 TEST(QtMessageBox, OffersOkAloneOrOkAndCancel) {
