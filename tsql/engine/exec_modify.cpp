@@ -1,7 +1,10 @@
 // What INSERT, UPDATE and DELETE share: the change itself, its atomicity and its counts.
 
+#include <algorithm>
+
 #include <sqlite3.h>
 
+#include "automation/object.h"
 #include "tsql/engine/executor.h"
 
 namespace vicenter::tsql::engine {
@@ -79,6 +82,73 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
     if (!noCount_ || report_->rowsAffected >= 0) {
         report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + changed;
     }
+}
+
+bool Executor::IsReferenced(const TableInfo& table) const {
+    if (table.temporary) return false;
+    for (const TableInfo* other : catalog_.Tables()) {
+        for (const ForeignKeyInfo& key : other->foreignKeys) {
+            if (automation::SameName(key.referencedTable, table.name)) return true;
+        }
+    }
+    return false;
+}
+
+// The rows as they are to be are read, the old ones deleted and the new ones inserted. Rows that others refer
+// to cannot be deleted on the way.
+bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
+    bool possible = false;
+    Change(temporary, [&] {
+        Plan& plan = PlanFor(&statement.assignments,
+                             [&](Translator& translator) { return translator.UpdatedRows(statement); });
+        const TableInfo& table = *catalog_.FindTable(plan.translation.table);
+        if (IsReferenced(table)) return;
+        possible = true;
+        std::vector<std::vector<Value>> rows;
+        {
+            const ResetAtEnd reset(plan.statement);
+            Bind(plan);
+            while (StepPlan(plan))
+                ReadRow(plan, rows.emplace_back());
+        }
+        StatementGuard guard(database_, true);
+        Statement remove = database_.Prepare("DELETE FROM " + table.Sql() + " WHERE _rowid_ = ?1");
+        for (const std::vector<Value>& row : rows) {
+            remove.Bind(1, row.front().Int());
+            database_.Step(remove);
+            remove.Reset();
+        }
+        const std::vector<ResultColumn>& columns = plan.translation.columns;
+        // A key of one integer is the number of the row itself.
+        const bool named = std::any_of(columns.begin() + 1, columns.end(), [&](const ResultColumn& column) {
+            return table.IsRowNumber(column.name);
+        });
+        const std::size_t first = named ? 1 : 0;
+        std::string list;
+        std::string marks;
+        for (std::size_t i = first; i < columns.size(); ++i) {
+            list += (i == first ? "" : ", ") + Quoted(columns[i].name);
+            marks += i == first ? "?" : ", ?";
+        }
+        Statement add =
+            database_.Prepare("INSERT INTO " + table.Sql() + "(" + list + ") VALUES (" + marks + ")");
+        for (const std::vector<Value>& row : rows) {
+            for (std::size_t i = first; i < columns.size(); ++i) {
+                const ResultColumn& column = columns[i];
+                if (table.IsInUniqueKey(column.name))
+                    services_.RememberKey(column.name, KeyText(row[i], column.type));
+                BindValue(add.Handle(), static_cast<int>(i - first) + 1, row[i], column.type);
+            }
+            const int code = add.Step();
+            if (code != SQLITE_DONE) FailStep(plan, code);
+            add.Reset();
+        }
+        guard.Release();
+        rowCount_ = static_cast<std::int64_t>(rows.size());
+        if (!noCount_ || report_->rowsAffected >= 0)
+            report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + rowCount_;
+    });
+    return possible;
 }
 
 void Executor::Modify(const void* key, bool temporary, const Make& make, const OutputClause* output) {

@@ -145,6 +145,9 @@ class Executor final : public TranslateContext {
     void InsertRows(const void* key, const ObjectName& table, const std::vector<Name>& columns,
                     const std::vector<SqlType>& types, std::vector<std::vector<Value>>& rows);
     void Update(const UpdateStatement& statement);
+    // False when it cannot be done that way.
+    bool RewriteRows(const UpdateStatement& statement, bool temporary);
+    bool IsReferenced(const TableInfo& table) const;
     void Delete(const DeleteStatement& statement);
     void Modify(const void* key, bool temporary, const Make& make, const OutputClause* output);
     void RunModification(Plan& plan, std::vector<std::vector<Value>>* output);

@@ -1,5 +1,7 @@
 // INSERT, UPDATE and DELETE.
 
+#include <algorithm>
+
 #include "automation/object.h"
 #include "tsql/engine/functions.h"
 #include "tsql/engine/text_units.h"
@@ -262,18 +264,60 @@ const Source& Translator::ChangedSource(const ObjectName& name, Position where, 
     return *target;
 }
 
-Translation Translator::Update(const UpdateStatement& statement) {
+// What an UPDATE says, translated: both its forms below are made of it.
+struct Translator::UpdateParts {
+    Scope scope;
+    std::string from;
+    const TableInfo* table = nullptr;
+    std::string alias;
+    std::vector<Assigned> assigned;
+    std::string condition;
+    std::string limit;
+};
+
+Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement) {
     if (!statement.currentOf.IsEmpty()) throw MakeError(40510, statement.position, {"WHERE CURRENT OF"});
     if (!statement.with.empty()) commonTables_.push_back(&statement.with);
-    Scope scope;
-    std::string from = From(statement.from, scope);
-    const Source& target = ChangedSource(statement.target, statement.position, scope, from);
-    const bool joined = !statement.from.empty();
-    const TableInfo& table = *target.table;
-    const std::string alias = target.alias;
-    Begin(table, kUpdate);
-    std::vector<Assigned> assigned = Assignments(statement, table, scope, alias);
-    const std::string condition = statement.where ? ConditionText(*statement.where, scope) : std::string();
+    UpdateParts parts;
+    parts.from = From(statement.from, parts.scope);
+    const Source& target = ChangedSource(statement.target, statement.position, parts.scope, parts.from);
+    parts.table = target.table;
+    parts.alias = target.alias;
+    Begin(*parts.table, kUpdate);
+    parts.assigned = Assignments(statement, *parts.table, parts.scope, parts.alias);
+    if (statement.where) parts.condition = ConditionText(*statement.where, parts.scope);
+    if (statement.top) {
+        if (statement.top->percent) throw MakeError(40510, statement.position, {"TOP"});
+        Scope none;
+        parts.limit =
+            " LIMIT " + RenderAs(Value(*statement.top->count, none), SqlType::Of(TypeKind::kBigInt));
+    }
+    return parts;
+}
+
+Translation Translator::UpdatedRows(const UpdateStatement& statement) {
+    const UpdateParts parts = PartsOf(statement);
+    std::string sql = "SELECT " + parts.alias + "._rowid_";
+    translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
+    for (const ColumnInfo& column : parts.table->columns) {
+        if (!column.computedText.empty()) continue;
+        const auto entry = std::find_if(parts.assigned.begin(), parts.assigned.end(),
+                                        [&](const Assigned& other) { return other.column == &column; });
+        sql +=
+            ", " + (entry != parts.assigned.end() ? RenderStored(entry->value, *parts.table, column, kUpdate)
+                                                  : parts.alias + "." + Quoted(column.name));
+        translation_.columns.push_back({column.name, column.type});
+    }
+    // A row that FROM finds twice is changed once.
+    sql += parts.from + Where(parts.condition) + " GROUP BY " + parts.alias + "._rowid_" + parts.limit;
+    return Finished(std::move(sql));
+}
+
+Translation Translator::Update(const UpdateStatement& statement) {
+    const UpdateParts parts = PartsOf(statement);
+    const TableInfo& table = *parts.table;
+    const std::string& alias = parts.alias;
+    const std::vector<Assigned>& assigned = parts.assigned;
     std::string variables;
     for (const tsql::Assignment& assignment : statement.assignments) {
         if (assignment.variable.empty()) continue;
@@ -282,21 +326,20 @@ Translation Translator::Update(const UpdateStatement& statement) {
         translation_.columns.push_back({"", column->type});
         variables += (variables.empty() ? " RETURNING " : ", ") + Quoted(column->name);
     }
-    std::string limit;
-    if (statement.top) {
-        if (statement.top->percent) throw MakeError(40510, statement.position, {"TOP"});
-        Scope none;
-        limit = " LIMIT " + RenderAs(Value(*statement.top->count, none), SqlType::Of(TypeKind::kBigInt));
-    }
+    // SQLite changes row after row: a value that asks the table itself has to be known before the first.
+    const bool asksItself = std::any_of(assigned.begin(), assigned.end(), [&](const Assigned& entry) {
+        return entry.value.sql.find(table.Sql()) != std::string::npos;
+    });
     std::string sql;
-    if (!joined) {
+    if (statement.from.empty() && !asksItself) {
         for (const Assigned& entry : assigned) {
             sql += (sql.empty() ? "" : ", ") + Quoted(entry.column->name) + " = " +
                    RenderStored(entry.value, table, *entry.column, kUpdate);
         }
-        std::string where = Where(condition);
-        if (!limit.empty()) {
-            where = " WHERE _rowid_ IN (SELECT " + alias + "._rowid_" + from + where + limit + ")";
+        std::string where = Where(parts.condition);
+        if (!parts.limit.empty()) {
+            where =
+                " WHERE _rowid_ IN (SELECT " + alias + "._rowid_" + parts.from + where + parts.limit + ")";
         }
         sql = "UPDATE " + table.Sql() + " AS " + alias + " SET " + sql + where;
     } else {
@@ -310,8 +353,8 @@ Translation Translator::Update(const UpdateStatement& statement) {
             sql += (i == 0 ? "" : ", ") + Quoted(assigned[i].column->name) + " = " +
                    RenderStored(quoted, table, *assigned[i].column, kUpdate);
         }
-        sql = "UPDATE " + table.Sql() + " AS \"ts$t\" SET " + sql + " FROM (" + inner + from +
-              Where(condition) + limit + ") AS \"ts$s\" WHERE \"ts$t\"._rowid_ = \"ts$s\".r";
+        sql = "UPDATE " + table.Sql() + " AS \"ts$t\" SET " + sql + " FROM (" + inner + parts.from +
+              Where(parts.condition) + parts.limit + ") AS \"ts$s\" WHERE \"ts$t\"._rowid_ = \"ts$s\".r";
     }
     sql += variables;
     if (statement.output) {

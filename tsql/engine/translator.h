@@ -117,6 +117,8 @@ class Translator {
     // A condition over the columns of one table, as SQLite keeps it: without parameters.
     std::string CheckText(const TableInfo& table, const Expr& condition);
     // UPDATE t SET c = value [WHERE c IS NULL]: fills a new column or changes a column's type.
+    // The rows that an UPDATE changes as they are to be: each row's number and every stored column.
+    Translation UpdatedRows(const UpdateStatement& statement);
     Translation FillColumn(const TableInfo& table, const ColumnInfo& column, const Expr& value);
     Translation RewriteColumn(const TableInfo& table, const ColumnInfo& column, const SqlType& from);
 
@@ -212,6 +214,8 @@ class Translator {
         const ColumnInfo* column;
         Operand value;
     };
+    struct UpdateParts;
+    UpdateParts PartsOf(const UpdateStatement& statement);
     std::vector<Assigned> Assignments(const UpdateStatement& statement, const TableInfo& table, Scope& scope,
                                       const std::string& alias);
 
