@@ -200,6 +200,13 @@ bool IsNo(const std::string& word) {
     return automation::SameName(word, "no") || automation::SameName(word, "false") || word == "0";
 }
 
+// A mode or a time that was misspelt must not quietly become the usual one.
+[[noreturn]] void RefuseValue(const std::string& attribute) {
+    throw Error(error_number::kProviderError,
+                "Invalid value specified for connection string attribute '" + attribute + "'.",
+                kProviderName);
+}
+
 bool IsYes(const std::string& word) {
     return automation::SameName(word, "yes") || automation::SameName(word, "true") || word == "1";
 }
@@ -217,13 +224,17 @@ void AccountSetConnection::Open(const std::string& connectString) {
     engine::SessionOptions options;
     options.path = settings.Value("Data Source");
     options.create = IsYes(settings.Value("Create"));
-    options.batchTransactions = !automation::SameName(settings.Value("Transactions"), "none");
+    const std::string transactions = settings.Value("Transactions");
+    options.batchTransactions = !automation::SameName(transactions, "none");
+    if (options.batchTransactions && !transactions.empty() && !automation::SameName(transactions, "batch"))
+        RefuseValue("Transactions");
     options.collation = &Collation();
     options.now = [] { return system::Surroundings::Current().clock->Now(); };
     if (settings.Has("User ID")) options.user = settings.Value("User ID");
-    if (settings.Has("Lock Timeout")) {
-        const std::string text = settings.Value("Lock Timeout");
-        std::from_chars(text.data(), text.data() + text.size(), options.lockTimeoutMilliseconds);
+    if (const std::string text = settings.Value("Lock Timeout"); !text.empty()) {
+        const char* end = text.data() + text.size();
+        const auto result = std::from_chars(text.data(), end, options.lockTimeoutMilliseconds);
+        if (result.ec != std::errc() || result.ptr != end) RefuseValue("Lock Timeout");
     }
     const bool pooled = !IsNo(settings.Value("Pooling"));
     if (SessionPool* pool = pooled ? SessionPool::Process() : nullptr) session_ = pool->Take(connectString);

@@ -54,6 +54,22 @@ TEST_F(AdoAccountSetTest, Values_arrive_as_automation_values_of_their_types) {
     EXPECT_EQ(rows->Columns()[6].type, DataType::kNumeric);
 }
 
+TEST_F(AdoAccountSetTest, A_misspelt_setting_of_the_connect_string_is_refused) {
+    for (const char* wrong : {"Transactions=non", "Lock Timeout=soon", "Lock Timeout=5 s"}) {
+        try {
+            OpenConnection(Connect(std::string("Create=yes;") + wrong));
+            FAIL() << wrong;
+        } catch (const automation::Error& error) {
+            const std::string attribute = std::string(wrong).substr(0, std::string(wrong).find('='));
+            EXPECT_EQ(error.Text(),
+                      "Invalid value specified for connection string attribute '" + attribute + "'.");
+        }
+    }
+    EXPECT_FALSE(std::filesystem::exists(Path()));
+    OpenConnection(Connect("Create=yes;Transactions=Batch;Lock Timeout=-1"));
+    OpenConnection(Connect("Transactions=NONE;Lock Timeout="));
+}
+
 TEST_F(AdoAccountSetTest, Several_results_hang_on_each_other_and_rows_are_counted) {
     const ConnectionRef connection = OpenConnection(Connect());
     std::int64_t affected = 0;
