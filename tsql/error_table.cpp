@@ -177,6 +177,9 @@ constexpr ErrorEntry kErrors[] = {
     {823, 24, kBatch, "The account set '%.*ls' cannot be read or written: %ls."},
     {824, 24, kBatch, "The account set '%.*ls' is damaged: %ls."},
     {911, 16, kBatch, "Database '%.*ls' does not exist. Make sure that the name is entered correctly."},
+    {948, 20, kBatch,
+     "The database '%.*ls' cannot be opened because it is version %d. This server supports version %d and "
+     "earlier. A downgrade path is not supported."},
     {1007, 15, kBatch,
      "The number '%.*ls' is out of the range for numeric representation (maximum precision 38)."},
     {1013, 16, kBatch,

@@ -165,6 +165,27 @@ TEST_F(EngineTransactionTest, A_file_that_is_no_account_set_is_refused_and_left_
     EXPECT_EQ(std::filesystem::file_size(Path()), 5000U);
 }
 
+TEST_F(EngineTransactionTest, An_account_set_of_a_later_format_is_refused_and_left_alone) {
+    EXPECT_EQ(Run("create table t (a int)"), "");
+    session_.reset();
+    {
+        // The last byte of the version in the head of the file.
+        std::fstream file(Path(), std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(63);
+        file.put('\2');
+    }
+    try {
+        Session session(Options());
+        FAIL() << "opened";
+    } catch (const SqlError& error) {
+        EXPECT_EQ(error.Number(), 948);
+        EXPECT_EQ(error.Text(),
+                  "The database '" + Path() +
+                      "' cannot be opened because it is version 2. This server supports version 1 "
+                      "and earlier. A downgrade path is not supported.");
+    }
+}
+
 TEST_F(EngineTransactionTest, A_missing_file_is_an_error_unless_it_is_to_be_made) {
     SessionOptions options = Options();
     options.create = false;

@@ -15,6 +15,7 @@ namespace {
 
 // The mark of an account set in the header of its file.
 constexpr std::int64_t kApplicationId = 0x56435441;
+constexpr std::int64_t kFormatVersion = 1;
 constexpr char kSeparator = '\n';
 
 constexpr const char* kSchema = R"(
@@ -208,7 +209,13 @@ void Catalog::Prepare(bool create) {
     Statement mark = database_.Prepare("PRAGMA application_id");
     std::int64_t found = database_.Step(mark) ? mark.Int(0) : 0;
     mark.Reset();
-    if (found == kApplicationId) return;
+    if (found == kApplicationId) {
+        // What a later program has made, this one could only damage.
+        Statement format = database_.Prepare("PRAGMA user_version");
+        const std::int64_t version = database_.Step(format) ? format.Int(0) : 0;
+        if (version > kFormatVersion) throw MakeError(948, {}, {database_.Path(), version, kFormatVersion});
+        return;
+    }
     Statement tables = database_.Prepare("SELECT count(*) FROM sqlite_schema");
     const bool empty = !database_.Step(tables) || tables.Int(0) == 0;
     tables.Reset();
@@ -221,7 +228,7 @@ void Catalog::Prepare(bool create) {
     if (stillNew) {
         database_.Run(kSchema);
         database_.Run("PRAGMA application_id = " + std::to_string(kApplicationId));
-        database_.Run("PRAGMA user_version = 1");
+        database_.Run("PRAGMA user_version = " + std::to_string(kFormatVersion));
     }
     database_.Run("COMMIT");
 }
