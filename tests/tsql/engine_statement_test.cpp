@@ -35,6 +35,17 @@ TEST_F(EngineStatementTest, A_union_of_two_queries_is_ordered_as_a_whole) {
               "FID:int FName:nvarchar(255)\n0|标准模板\n1|a\n2|b");
 }
 
+TEST_F(EngineStatementTest, A_thousand_rows_may_be_listed_by_union_all) {
+    std::string rows = "select 0, N'零' collate database_default";
+    for (int i = 1; i < 1000; ++i)
+        rows += " union all select " + std::to_string(i) + ", null";
+    EXPECT_EQ(Run("create table t (a int, b nvarchar(5)) insert into t " + rows), "");
+    EXPECT_EQ(Run("select count(*) as n, sum(a) as s, count(b) as b from t"),
+              "n:int s:int b:int\n1000|499500|1");
+    EXPECT_EQ(Run("select top 2 a from (" + rows + ") x (a, b) order by a desc"), "a:int\n999\n998");
+    EXPECT_EQ(Run(rows + " order by 1 offset 998 rows"), ":int :nvarchar(1)\n998|NULL\n999|NULL");
+}
+
 TEST_F(EngineStatementTest, A_cursor_variable_walks_the_numbers_and_a_declare_in_the_loop_keeps_its_value) {
     MakeTemplates();
     Run("insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp,FFileCount) values(7,1,3,'first',2) insert "

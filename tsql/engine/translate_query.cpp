@@ -13,6 +13,8 @@ using automation::SameName;
 
 namespace {
 
+constexpr std::size_t kMostTerms = 400;
+
 // The name that SQL Server gives to a column of a result.
 std::string ItemName(const SelectItem& item) {
     if (!item.alias.IsEmpty()) return item.alias.text;
@@ -164,6 +166,12 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
             types[i] = CommonType(types[i], member.items[i].type);
     }
     SelectParts parts;
+    // Scripts list hundreds of rows by UNION ALL; SQLite takes 500 terms at a time.
+    const bool isLong =
+        members.size() > kMostTerms &&
+        std::all_of(operation.rest.begin(), operation.rest.end(),
+                    [](const SetOperation::Term& term) { return term.op == SetOp::kUnionAll; });
+    if (isLong) parts.tail = "SELECT * FROM (";
     for (std::size_t i = 0; i < members.size(); ++i) {
         SelectParts& member = members[i];
         const bool nested = member.head.empty() || !member.limit.empty() || !member.order.empty();
@@ -177,7 +185,9 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
             }
             sql = "SELECT " + items + " FROM (" + sql + ")";
         }
-        if (i > 0) {
+        if (i > 0 && isLong && i % kMostTerms == 0) {
+            parts.tail += ") UNION ALL SELECT * FROM (";
+        } else if (i > 0) {
             switch (operation.rest[i - 1].op) {
                 case SetOp::kUnion:
                     parts.tail += " UNION ";
@@ -195,6 +205,7 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
         }
         parts.tail += sql;
     }
+    if (isLong) parts.tail += ")";
     parts.names = members.front().names;
     for (std::size_t i = 0; i < types.size(); ++i) {
         Operand item = Computed("c" + std::to_string(i + 1), types[i]);
