@@ -47,6 +47,17 @@ void Executor::SetOption(const SetOptionStatement& statement) {
             }
             // Whether a column list may name the identity column is part of a translation.
             frame_->unit->plans.clear();
+        } else if (option == "dateformat") {
+            // Texts of dates are read with the month before the day, by ymd as by mdy.
+            const std::string format =
+                statement.value ? LowerAscii(EvaluateText(*statement.value)) : statement.word;
+            if (format != "mdy" && format != "ymd")
+                throw MakeError(40510, statement.position, {"SET DATEFORMAT " + format});
+        } else if (option == "datefirst") {
+            constexpr std::int64_t kSunday = 7;
+            const std::int64_t day = statement.value ? EvaluateInt(*statement.value) : 0;
+            if (day != kSunday)
+                throw MakeError(40510, statement.position, {"SET DATEFIRST " + std::to_string(day)});
         }
     }
 }

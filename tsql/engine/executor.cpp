@@ -274,6 +274,26 @@ Flow Executor::RunStatement(const tsql::Statement& statement) {
     return Flow::kNext;
 }
 
+namespace {
+
+// Statements that leave 0 in @@ROWCOUNT though they have no rows to count.
+bool ForgetsRowCount(StatementKind kind) {
+    switch (kind) {
+        case StatementKind::kNoOperation:
+        case StatementKind::kSetOption:
+        case StatementKind::kCloseCursor:
+        case StatementKind::kDeallocate:
+        case StatementKind::kPrint:
+        case StatementKind::kRaiserror:
+        case StatementKind::kTransaction:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
 Flow Executor::Dispatch(const tsql::Statement& statement) {
     Flow flow = Flow::kNext;
     // A query that opens the batch goes on in the moment in which the catalog was read.
@@ -376,6 +396,7 @@ Flow Executor::Dispatch(const tsql::Statement& statement) {
             break;
     }
     lastError_ = 0;
+    if (ForgetsRowCount(statement.kind)) rowCount_ = 0;
     return flow;
 }
 
@@ -541,9 +562,8 @@ Value Executor::SystemValue(std::string_view name) const {
     if (name == "@@language") return Value(std::string("简体中文"));
     if (name == "@@lock_timeout") return Value(options_.lockTimeoutMilliseconds);
     if (name == "@@max_precision") return Value(kMaxPrecision);
-    if (name == "@@cursor_rows" || name == "@@options" || name == "cursor_status") return Value(0);
+    if (name == "@@cursor_rows" || name == "@@options") return Value(0);
     if (name == "getdate") return Value(options_.now());
-    if (name == "getutcdate") return Value(options_.now());
     if (name == "db_name") return Value(std::string("accountset"));
     if (name == "db_id") return Value(5);
     if (name == "app_name") return Value(std::string("vicenter"));

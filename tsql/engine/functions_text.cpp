@@ -16,8 +16,10 @@ namespace vicenter::tsql::engine {
 
 namespace {
 
-// The longest text that REPLICATE and SPACE make for a type that is not max.
+// The longest text that SPACE makes, and REPLICATE of a varchar.
 constexpr std::size_t kLongestText = 8000;
+// Of varchar(max); SQLite takes no text of more than 1,000,000,000 bytes.
+constexpr std::size_t kLongestResult = 1'000'000'000;
 
 // A text folded character by character, so that a place found in it is a place in the text.
 class FoldedText {
@@ -226,11 +228,16 @@ void LowerFunction(FunctionCall& call) {
 void ReplicateFunction(FunctionCall& call) {
     if (call.AnyNull() || call.Int(1) < 0) return;
     const std::string_view text = call.Text(0);
+    if (text.empty()) return call.Return(text);
+    // Checks of older account sets do not say how long the text may grow.
+    const std::size_t most = call.Count() > 2 ? static_cast<std::size_t>(call.Int(2)) : kLongestText;
+    const std::size_t count = std::min(static_cast<std::size_t>(call.Int(1)), most / UnitCount(text) + 1);
+    if (count > kLongestResult / text.size()) throw MakeError(8152, {});
     std::string result;
-    const std::int64_t count = text.empty() ? 0 : call.Int(1);
-    for (std::int64_t i = 0; i < count && result.size() < kLongestText; ++i)
+    result.reserve(count * text.size());
+    for (std::size_t i = 0; i < count; ++i)
         result += text;
-    call.Return(HeadUnits(result, kLongestText));
+    call.Return(HeadUnits(result, most));
 }
 
 void SpaceFunction(FunctionCall& call) {
@@ -393,7 +400,7 @@ void RegisterTextFunctions(sqlite3* database, FunctionServices& services) {
     Define<TrimFunction>(database, services, "ts_trim", 1);
     Define<UpperFunction>(database, services, "ts_upper", 1);
     Define<LowerFunction>(database, services, "ts_lower", 1);
-    Define<ReplicateFunction>(database, services, "ts_replicate", 2);
+    Define<ReplicateFunction>(database, services, "ts_replicate", -1);
     Define<SpaceFunction>(database, services, "ts_space", 1);
     Define<StuffFunction>(database, services, "ts_stuff", 4);
     Define<ReverseFunction>(database, services, "ts_reverse", 1);

@@ -1,5 +1,7 @@
 // Calls by name: each function's argument types and result type, and the SQLite call that does it.
 
+#include <limits>
+
 #include "tsql/engine/date_text.h"
 #include "tsql/engine/functions.h"
 #include "tsql/engine/text_units.h"
@@ -129,7 +131,14 @@ SqlType LongText(Call& call) {
 }
 
 Operand Replicate(Call& call) {
-    return Call::Made("ts_replicate(" + call.Text(0) + ", " + call.Int(1) + ")", LongText(call));
+    SqlType type = LongText(call);
+    int most = type.length;
+    if (call.At(0).type.IsMax()) {
+        type.length = kMaxLength;
+        most = std::numeric_limits<int>::max();
+    }
+    return Call::Made("ts_replicate(" + call.Text(0) + ", " + call.Int(1) + ", " + std::to_string(most) + ")",
+                      type);
 }
 
 Operand Space(Call& call) {
@@ -256,9 +265,12 @@ Operand GetDate(Call& call) {
     return call.System(SqlType::DateTime());
 }
 
-Operand GetUtcDate(Call& call) {
-    call.name = "getutcdate";
-    return call.System(SqlType::DateTime());
+// The clock of the session tells local time; SQLite's own is Greenwich's.
+Operand GetUtcDate(Call&) {
+    return Call::Made("ts_conv(strftime('%Y-%m-%d %H:%M:%f', 'now'), " +
+                          Call::Code(SqlType::Of(TypeKind::kDateTime2)) + ", " +
+                          Call::Code(SqlType::DateTime()) + ", 0)",
+                      SqlType::DateTime());
 }
 
 Operand DateAdd(Call& call) {
@@ -322,6 +334,12 @@ Operand ObjectName(Call& call) {
                       SqlType::NVarChar(128));
 }
 
+Operand IdentityOf(Call& call) {
+    return Call::Made("(SELECT CAST(last AS TEXT) FROM main.\"ts$identity\" WHERE object = ts_object_id(" +
+                          call.Text(0) + "))",
+                      SqlType::Decimal(kMaxPrecision, 0));
+}
+
 Operand SystemInt(Call& call) {
     return call.System(SqlType::Int());
 }
@@ -370,7 +388,6 @@ constexpr Entry kFunctions[] = {
     {"count_big", 0, 1, Aggregated},
     {"current_timestamp", 0, 0, GetDate},
     {"current_user", 0, 0, SystemName},
-    {"cursor_status", 2, 2, SystemInt},
     {"datalength", 1, 1, DataLength},
     {"dateadd", 3, 3, DateAdd, 1},
     {"datediff", 3, 3, DateDiff, 1},
@@ -393,7 +410,7 @@ constexpr Entry kFunctions[] = {
     {"getdate", 0, 0, GetDate},
     {"getutcdate", 0, 0, GetUtcDate},
     {"host_name", 0, 0, SystemName},
-    {"ident_current", 1, 1, SystemDecimal},
+    {"ident_current", 1, 1, IdentityOf},
     {"iif", 3, 3, ChooseCall, 1},
     {"isdate", 1, 1, IntOfText},
     {"isnull", 2, 2, IsNullCall},
