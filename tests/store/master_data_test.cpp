@@ -50,6 +50,11 @@ TEST_F(StoreTest, MergingWithoutClassesOrOnErrorIsEmpty) {
     set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}));
     EXPECT_EQ(clsVIData().MergeItemsInfo("0"), "");
     EXPECT_EQ(set_.Statements().size(), 1U);
+    set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}, {{1, "t_Organization"}}));
+    set_.Answer("as FItemsInfo", Rows({"FItemsInfo"}));
+    EXPECT_EQ(clsVIData().MergeItemsInfo("17"), "");
+    set_.Fail("as FItemsInfo", "down");
+    EXPECT_EQ(clsVIData().MergeItemsInfo("17"), "");
     set_.Fail("FSQLTableName", "down");
     EXPECT_EQ(clsVIData().MergeItemsInfo("17"), "");
 }
@@ -175,6 +180,38 @@ TEST_F(CheckErrorCellTest, EmptyPiecesPassAndMissingPiecesDoNot) {
     EXPECT_TRUE(Check(5));
     items_ = "01,";
     EXPECT_FALSE(Check(5));
+}
+
+TEST_F(CheckErrorCellTest, MorePiecesThanClassesDoNoHarm) {
+    set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}, {{1, "t_Organization"}}));
+    set_.Answer("fnumber = '01'", Rows({"FItemID"}, {{1}}));
+    EXPECT_TRUE(Check(5));  // the second piece has no class to be found in
+    EXPECT_EQ(set_.Statements().size(), 2U);
+}
+
+TEST_F(CheckErrorCellTest, ABlankPieceIsAskedForLikeAnyOther) {
+    set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}, {{1, "t_Organization"}}));
+    items_ = " ";
+    EXPECT_FALSE(Check(5));
+    EXPECT_EQ(set_.LastStatement(), "select FItemID from t_Organization where fnumber = ''");
+}
+
+TEST_F(CheckErrorCellTest, AnAccountWithoutACurrencyTakesAnyExistingOne) {
+    set_.Answer("from t_Currency", Rows({"FCurrencyID"}, {{1000}}));
+    set_.Answer("from t_Account", Rows({"FCurrencyID"}, {{Variant::Null()}}));
+    EXPECT_TRUE(Check(3));
+}
+
+TEST_F(CheckErrorCellTest, AConnectionThatIsLostBetweenTwoStatementsCountsAsInvalid) {
+    set_.Answer("from t_Settle", Rows({"FItemID"}, {{1}}));
+    set_.Answer("from t_Currency", Rows({"FCurrencyID"}, {{1}}));
+    set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}, {{1, "t_Organization"}}));
+    set_.Fail("select FIsBank", "down");
+    set_.Fail("select FCurrencyID from t_Account", "down");
+    set_.Fail("from t_Organization", "down");
+    for (const int kind : {2, 3, 5})
+        EXPECT_FALSE(Check(kind)) << kind;
+    EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
 }
 
 TEST_F(CheckErrorCellTest, AnErrorCountsAsInvalid) {

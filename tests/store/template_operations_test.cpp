@@ -137,10 +137,29 @@ TEST_F(InsertTest, ANumberBeyondALongDoesNotStopNewTemplates) {
     EXPECT_EQ(NameAfter({"99999999999", "2147483647", "5"}, number), "自定义模板(6)");
 }
 
+TEST_F(InsertTest, NumbersAreRoundedToWholeOnesAndNeverNegative) {
+    std::int32_t number = 0;
+    EXPECT_EQ(NameAfter({"2.6", "-7"}, number), "自定义模板(4)");
+    EXPECT_EQ(number, 3);
+    EXPECT_EQ(NameAfter({Variant::Null(), ""}, number), "自定义模板(4)");
+}
+
 TEST_F(InsertTest, AnErrorGivesZero) {
     set_.Fail("insert into", "down");
     std::int32_t number = 0;
     EXPECT_EQ(clsVIData().InsertVchTemplateInfo(number), 0);
+}
+
+TEST_F(StoreTest, AConnectionThatIsLostBetweenTwoStatementsGivesTheEmptyDefaultSilently) {
+    set_.Fail("union all", "down");
+    EXPECT_EQ(clsVIData().GetVchTemplateByUserID("1"), nullptr);
+    set_.Fail("select FValue from t_VchTpProfile", "down");
+    EXPECT_EQ(clsVIData().GetVchTpProfileByUserID("1"), "");
+    set_.Answer("as FNum", Rows({"FNum"}, {{"4"}}));
+    set_.Fail("select Max(FID) as FID", "down");
+    std::int32_t number = 0;
+    EXPECT_EQ(clsVIData().InsertVchTemplateInfo(number), 0);
+    EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
 }
 
 TEST_F(StoreTest, LinesAreReadInTheirOrder) {
