@@ -196,7 +196,12 @@ void RoundFunction(FunctionCall& call) {
     const bool cut = call.Int(2) != 0;
     const Value value = call.Argument(0, type);
     if (type.IsFloat()) return call.Return(RoundedReal(value.Real(), places, cut));
-    if (type.IsExact()) return call.Return(RoundedDecimal(value.Exact(), places, cut));
+    if (type.IsExact()) {
+        // The result keeps the type: 999.99 has no room for 1000.00.
+        const Decimal rounded = RoundedDecimal(value.Exact(), places, cut);
+        if (!FitsDecimal(rounded, type)) Overflow(type);
+        return call.Return(rounded);
+    }
     const Decimal rounded = RoundedDecimal(Decimal(value.Int()), places, cut);
     call.Return(Convert(Value(rounded), SqlType::Decimal(38, 0), type).Int());
 }
