@@ -1,13 +1,9 @@
 #include "front/ado_connection.h"
 
 #include <memory>
-#include <string>
-#include <utility>
 
 #include "automation/class_registry.h"
-#include "automation/member_table.h"
 #include "platform/ado/account_set/account_set_provider.h"
-#include "platform/ado/connection.h"
 
 namespace vicenter::front {
 
@@ -18,35 +14,22 @@ using automation::Method;
 using automation::Property;
 using automation::Variant;
 
-namespace {
+void AdoConnection::Open(const Variant& connectString) {
+    if (!connectString.IsMissing()) connectString_ = connectString.ToText();
+    connection_ = ado::OpenConnection(connectString_);
+}
 
-class AdoConnection : public automation::TableObject<AdoConnection> {
-  public:
-    static const MemberTable<AdoConnection>& Members();
-    std::string TypeName() const override { return "Connection"; }
+void AdoConnection::Close() {
+    if (connection_) connection_->Close();
+    connection_ = nullptr;
+}
 
-    void Open(const Variant& connectString) {
-        if (!connectString.IsMissing()) connectString_ = connectString.ToText();
-        connection_ = ado::OpenConnection(connectString_);
-    }
-    void Close() {
-        if (connection_) connection_->Close();
-        connection_ = nullptr;
-    }
-    bool IsOpen() const { return connection_ && connection_->IsOpen(); }
-    ado::RecordsetRef Execute(const std::string& text, std::int64_t& affected) {
-        if (!IsOpen())
-            throw Error(ado::error_number::kObjectClosed,
-                        "Operation is not allowed when the object is closed.", "ADODB.Connection");
-        return connection_->Execute(text, &affected);
-    }
-    const std::string& ConnectString() const { return connectString_; }
-    void SetConnectString(std::string text) { connectString_ = std::move(text); }
-
-  private:
-    std::string connectString_;
-    ado::ConnectionRef connection_;
-};
+ado::RecordsetRef AdoConnection::Execute(const std::string& text, std::int64_t& affected) {
+    if (!IsOpen())
+        throw Error(ado::error_number::kObjectClosed, "Operation is not allowed when the object is closed.",
+                    "ADODB.Connection");
+    return connection_->Execute(text, &affected);
+}
 
 const MemberTable<AdoConnection>& AdoConnection::Members() {
     using Self = AdoConnection;
@@ -76,8 +59,6 @@ const MemberTable<AdoConnection>& AdoConnection::Members() {
     };
     return table;
 }
-
-}  // namespace
 
 void RegisterAdoClasses() {
     ado::RegisterAccountSetProvider();

@@ -9,6 +9,7 @@
 
 #include "automation/member_table.h"
 #include "entry/aplication.h"
+#include "front/ado_connection.h"
 #include "platform/ado/recordset.h"
 #include "platform/scripting/dictionary.h"
 #include "platform/scripting/file_system_object.h"
@@ -63,6 +64,7 @@ TEST(AutomationDoc, ListsTheMembersOfEveryPublicClass) {
     EXPECT_EQ(DocumentedMembers("Scripting.Dictionary"), MembersOf<scripting::Dictionary>());
     EXPECT_EQ(DocumentedMembers("Scripting.FileSystemObject"), MembersOf<scripting::FileSystemObject>());
     EXPECT_EQ(DocumentedMembers("ADODB.Recordset"), MembersOf<ado::Recordset>());
+    EXPECT_EQ(DocumentedMembers("ADODB.Connection"), MembersOf<front::AdoConnection>());
 }
 
 }  // namespace
