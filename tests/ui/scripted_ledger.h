@@ -91,8 +91,8 @@ class ScriptedLedger {
         return at == std::string::npos ? -1 : std::atoi(sql.c_str() + at + text.size());
     }
     static std::string QuotedAfter(const std::string& sql, const std::string& text) {
-        const std::size_t from = sql.find("'", sql.find(text)) + 1;
-        return sql.substr(from, sql.find("'", from) - from);
+        const std::size_t from = sql.find('\'', sql.find(text)) + 1;
+        return sql.substr(from, sql.find('\'', from) - from);
     }
 
     void AnswerStatements() {
