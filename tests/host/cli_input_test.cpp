@@ -69,7 +69,7 @@ TEST(JsonDocuments, AreRefusedWhenTheyAreNestedTooDeep) {
 class CliInput : public test::CliFixture {
   protected:
     std::string Write(const std::string& name, const std::string& bytes) {
-        const std::string path = folder_.Path(name);
+        std::string path = folder_.Path(name);
         std::ofstream(path, std::ios::binary) << bytes;
         return path;
     }
