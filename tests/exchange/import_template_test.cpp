@@ -3,6 +3,7 @@
 #include "exchange/export_template.h"
 #include "exchange/import_batch.h"
 #include "tests/exchange/exchange_fixture.h"
+#include "tests/paths/source_folder.h"
 
 namespace vicenter::exchange {
 namespace {
@@ -373,7 +374,7 @@ TEST_F(ImportTest, TakesTemplatesOfEveryProgram) {
                            "gnumeric-features.xlsx"};
     for (const std::string& name : samples) {
         set_.Forget();
-        EXPECT_TRUE(Import(std::string(VICENTER_SOURCE_DIR "/tests/data/workbooks/") + name)) << name;
+        EXPECT_TRUE(Import((testing_paths::SourceFolder() / "tests/data/workbooks" / name).string())) << name;
         EXPECT_NE(
             Batch().find(
                 "values(@MaxFID,2,1,'提取现金',1,'1001.10','现金',2,'支票','0012','01.01,02','人民币',1,"

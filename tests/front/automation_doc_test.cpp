@@ -16,6 +16,7 @@
 #include "store/cls_vi_data.h"
 #include "support/string_builder.h"
 #include "support/vbs_json.h"
+#include "tests/paths/source_folder.h"
 
 namespace vicenter {
 namespace {
@@ -43,7 +44,7 @@ Members MembersOf() {
 
 // The rows of a section's table: "| `signature` | kind | ...".
 Members DocumentedMembers(const std::string& progId) {
-    std::ifstream file(VICENTER_SOURCE_DIR "/docs/automation.md");
+    std::ifstream file(testing_paths::SourceFolder() / "docs/automation.md");
     Members members;
     bool inside = false;
     for (std::string line; std::getline(file, line);) {

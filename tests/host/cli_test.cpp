@@ -12,13 +12,13 @@
 
 #include "platform/system/files.h"
 #include "tests/host/cli_script.h"
+#include "tests/paths/source_folder.h"
 
 namespace vicenter::host {
 namespace {
 
 const std::filesystem::path& Folder() {
-    static const std::filesystem::path folder =
-        std::filesystem::path(VICENTER_SOURCE_DIR) / "tests" / "host" / "cli";
+    static const std::filesystem::path folder = testing_paths::SourceFolder() / "tests" / "host" / "cli";
     return folder;
 }
 
@@ -102,7 +102,7 @@ TEST(CommandLineTests, TellTheVersion) {
 }
 
 TEST(CommandLineDocs, NameEveryCommandAndOption) {
-    const std::filesystem::path root(VICENTER_SOURCE_DIR);
+    const std::filesystem::path root = testing_paths::SourceFolder();
     const std::string page = ReadFile(root / "docs" / "command-line.md");
     // troff writes a hyphen that is typed as such with a backslash.
     const std::string manual =

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/paths/source_folder.h"
 #include "tests/support/json_fuzz_check.h"
 
 namespace vicenter::support {
@@ -16,7 +17,7 @@ namespace {
 std::vector<std::string> KeptTexts() {
     std::vector<std::string> texts;
     for (const auto& entry :
-         std::filesystem::directory_iterator(VICENTER_SOURCE_DIR "/tests/support/json_corpus")) {
+         std::filesystem::directory_iterator(testing_paths::SourceFolder() / "tests/support/json_corpus")) {
         std::ifstream file(entry.path(), std::ios::binary);
         texts.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     }
@@ -39,7 +40,7 @@ std::string Bytes(const std::string& digits) {
 }
 
 TEST(JsonFuzzReplay, EveryTextThatTheFuzzerFoundKeepsTheRules) {
-    std::ifstream file(VICENTER_SOURCE_DIR "/tests/support/json_fuzz_corpus.txt");
+    std::ifstream file(testing_paths::SourceFolder() / "tests/support/json_fuzz_corpus.txt");
     int count = 0;
     for (std::string line; std::getline(file, line);) {
         if (line.empty() || line[0] == '#') continue;

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "runner/test_file.h"
+#include "tests/paths/source_folder.h"
 #include "tsql/error_table.h"
 
 namespace vicenter::tsql_test {
@@ -19,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kRoot = VICENTER_SOURCE_DIR;
+const fs::path kRoot = testing_paths::SourceFolder();
 
 void ExpectDoc(const std::string& name, const std::string& text) {
     const fs::path path = kRoot / "docs" / name;

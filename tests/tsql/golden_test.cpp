@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "component_statements.h"
+#include "tests/paths/source_folder.h"
 #include "tsql/diagnostic.h"
 #include "tsql/syntax/parser.h"
 #include "tsql/syntax/printer.h"
@@ -86,7 +87,7 @@ TEST(ParserGoldenTest, TreesAndTextsAreAsRecorded) {
     const bool update = std::getenv("VICENTER_UPDATE_GOLDENS") != nullptr;
     ASSERT_TRUE(!update || std::getenv("CI") == nullptr) << "goldens are not recorded in CI";
     const std::vector<fs::path> files =
-        FilesBelow(fs::path(VICENTER_SOURCE_DIR) / "tests/tsql/parser", ".golden");
+        FilesBelow(testing_paths::SourceFolder() / "tests/tsql/parser", ".golden");
     ASSERT_FALSE(files.empty());
     for (const fs::path& path : files) {
         SCOPED_TRACE(path.filename().string());
@@ -113,7 +114,7 @@ TEST(PrinterTest, ComponentStatementsPrintBackToTheSameTree) {
 }
 
 TEST(PrinterTest, HostScriptsPrintBackToTheSameTree) {
-    for (const fs::path& path : FilesBelow(fs::path(VICENTER_SOURCE_DIR) / "host", ".sql")) {
+    for (const fs::path& path : FilesBelow(testing_paths::SourceFolder() / "host", ".sql")) {
         SCOPED_TRACE(path.string());
         for (const std::string& batch : SplitBatches(ReadFile(path)))
             ExpectPrintsBack(batch);

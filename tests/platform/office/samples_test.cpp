@@ -1,10 +1,11 @@
+#include "tests/paths/source_folder.h"
 #include "tests/platform/office/office_fixture.h"
 
 namespace vicenter::office {
 namespace {
 
 std::string Sample(const std::string& name) {
-    return std::string(VICENTER_SOURCE_DIR "/tests/data/workbooks/") + name;
+    return (testing_paths::SourceFolder() / "tests/data/workbooks" / name).string();
 }
 
 // The same sheet with what people do to it: hidden, merged, filtered, frozen and commented parts.

@@ -9,6 +9,7 @@
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/connection.h"
 #include "runner/test_file.h"
+#include "tests/paths/source_folder.h"
 
 namespace vicenter::tsql_test {
 namespace {
@@ -27,7 +28,7 @@ class ComponentStatementsTest : public testing::Test {
                                 ";Create=yes;Pooling=no");
         for (const char* script : {"host/accountset/schema.sql", "host/accountset/procedures.sql"}) {
             for (const std::string& batch :
-                 SplitScript(ReadWholeFile(fs::path(VICENTER_SOURCE_DIR) / script))) {
+                 SplitScript(ReadWholeFile(testing_paths::SourceFolder() / script))) {
                 ASSERT_NO_THROW(connection_->Execute(batch)) << script << "\n" << batch;
             }
         }

@@ -12,13 +12,14 @@
 #include "platform/ado/connection.h"
 #include "runner/result_text.h"
 #include "runner/test_file.h"
+#include "tests/paths/source_folder.h"
 
 namespace vicenter::tsql_test {
 namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kRoot = VICENTER_SOURCE_DIR;
+const fs::path kRoot = testing_paths::SourceFolder();
 
 class TextTest : public testing::TestWithParam<fs::path> {
   protected:
