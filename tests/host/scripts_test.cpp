@@ -6,8 +6,8 @@
 
 #include "host/batch_reader.h"
 #include "host/embedded_files.h"
-#include "tsql/diagnostic.h"
-#include "tsql/syntax/parser.h"
+#include "tsql/base/diagnostic.h"
+#include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::host {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "runner/test_file.h"
 #include "tests/paths/source_folder.h"
-#include "tsql/error_table.h"
+#include "tsql/base/error_table.h"
 
 namespace vicenter::tsql_test {
 namespace {
@@ -103,7 +103,8 @@ std::string ErrorsText() {
     const Coverage coverage = Collect();
     std::string text =
         "# Error numbers of the embedded account set\n\n"
-        "SQL Server's numbers, severities and texts, from `tsql/error_table.cpp`. *Batch*: the rest of the "
+        "SQL Server's numbers, severities and texts, from `tsql/base/error_table.cpp`. *Batch*: the rest of "
+        "the "
         "batch does\n"
         "not run; other errors end their statement alone unless `XACT_ABORT` is on. Slots such as `%.*ls` "
         "are filled\n"

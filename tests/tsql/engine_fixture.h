@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tsql/engine/convert.h"
-#include "tsql/engine/session.h"
+#include "tsql/run/session.h"
+#include "tsql/types/convert.h"
 
 namespace vicenter::tsql::engine {
 

@@ -1,8 +1,8 @@
 // by hand
 #include "tests/tsql/engine_fixture.h"
-#include "tsql/engine/date_text.h"
-#include "tsql/engine/like_pattern.h"
-#include "tsql/engine/text_units.h"
+#include "tsql/base/text_units.h"
+#include "tsql/types/date_text.h"
+#include "tsql/types/like_pattern.h"
 
 namespace vicenter::tsql::engine {
 namespace {

@@ -1,4 +1,4 @@
-#include "tsql/error_table.h"
+#include "tsql/base/error_table.h"
 
 #include <gtest/gtest.h>
 

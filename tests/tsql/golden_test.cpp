@@ -12,9 +12,10 @@
 
 #include "component_statements.h"
 #include "tests/paths/source_folder.h"
-#include "tsql/diagnostic.h"
-#include "tsql/syntax/parser.h"
-#include "tsql/syntax/printer.h"
+#include "tests/tsql/tree_dump/tree_dump.h"
+#include "tsql/base/diagnostic.h"
+#include "tsql/syntax/parse/parser.h"
+#include "tsql/syntax/print/printer.h"
 
 namespace vicenter::tsql {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tsql/diagnostic.h"
+#include "tsql/base/diagnostic.h"
 
 namespace vicenter::tsql {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "tsql/diagnostic.h"
-#include "tsql/syntax/parser.h"
+#include "tsql/base/diagnostic.h"
+#include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::tsql {
 namespace {

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "tsql/syntax/position.h"
+#include "tsql/base/position.h"
 
 namespace vicenter::tsql {
 

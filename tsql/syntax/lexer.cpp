@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-#include "tsql/error_table.h"
+#include "tsql/base/error_table.h"
 
 namespace vicenter::tsql {
 namespace {

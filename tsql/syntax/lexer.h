@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "tsql/base/position.h"
 #include "tsql/syntax/keyword.h"
-#include "tsql/syntax/position.h"
 
 namespace vicenter::tsql {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/ado/connection.h"
-#include "tsql/engine/session.h"
+#include "tsql/run/session.h"
 
 namespace vicenter::ado {
 

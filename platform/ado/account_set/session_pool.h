@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tsql/engine/session.h"
+#include "tsql/run/session.h"
 
 namespace vicenter::ado {
 

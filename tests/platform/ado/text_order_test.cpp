@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/system/collation.h"
-#include "tsql/engine/text_collation.h"
+#include "tsql/types/collation.h"
 
 namespace vicenter::ado {
 namespace {

@@ -1,6 +1,6 @@
 // CREATE INDEX, CREATE VIEW, CREATE PROCEDURE and DROP.
 
-#include "tsql/error_table.h"
+#include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {

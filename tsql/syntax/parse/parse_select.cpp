@@ -1,6 +1,6 @@
 // Queries: SELECT, set operations, ORDER BY, common table expressions.
 
-#include "tsql/error_table.h"
+#include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {

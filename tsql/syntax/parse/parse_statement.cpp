@@ -1,6 +1,6 @@
 // Which statement comes next, and lists of statements.
 
-#include "tsql/error_table.h"
+#include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tsql/error_table.h"
+#include "tsql/base/error_table.h"
 
 namespace vicenter::tsql {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "tsql/syntax/ast.h"
 #include "tsql/syntax/lexer.h"
-#include "tsql/syntax/parser.h"
+#include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::tsql {
 

@@ -1,5 +1,5 @@
+#include "tsql/syntax/print/printer.h"
 #include "tsql/syntax/print/printer_core.h"
-#include "tsql/syntax/printer.h"
 
 namespace vicenter::tsql {
 

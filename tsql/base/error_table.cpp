@@ -1,0 +1,475 @@
+#include "tsql/base/error_table.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace vicenter::tsql {
+namespace {
+
+constexpr bool kStatement = false;
+constexpr bool kBatch = true;
+
+// Ascending by number. The texts are the server's, to the character.
+constexpr ErrorEntry kErrors[] = {
+    {102, 15, kBatch, "Incorrect syntax near '%.*ls'."},
+    {103, 15, kBatch, "The %S_MSG that starts with '%.*ls' is too long. Maximum length is %d."},
+    {104, 16, kBatch,
+     "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT "
+     "operator."},
+    {105, 15, kBatch, "Unclosed quotation mark after the character string '%.*ls'."},
+    {107, 15, kBatch,
+     "The column prefix '%.*ls' does not match with a table name or alias name used in the query."},
+    {108, 16, kBatch,
+     "The ORDER BY position number %ld is out of range of the number of items in the select list."},
+    {109, 15, kBatch,
+     "There are more columns in the INSERT statement than values specified in the VALUES clause. The number "
+     "of "
+     "values in the VALUES clause must match the number of columns specified in the INSERT statement."},
+    {110, 15, kBatch,
+     "There are fewer columns in the INSERT statement than values specified in the VALUES clause. The number "
+     "of "
+     "values in the VALUES clause must match the number of columns specified in the INSERT statement."},
+    {111, 15, kBatch, "'%ls' must be the first statement in a query batch."},
+    {113, 15, kBatch, "Missing end comment mark '*/'."},
+    {116, 16, kBatch,
+     "Only one expression can be specified in the select list when the subquery is not introduced with "
+     "EXISTS."},
+    {117, 15, kBatch,
+     "The %S_MSG name '%.*ls' contains more than the maximum number of prefixes. The maximum is %d."},
+    {119, 15, kBatch,
+     "Must pass parameter number %d and subsequent parameters as '@name = value'. After the form '@name = "
+     "value' "
+     "has been used, all subsequent parameters must be passed in the form '@name = value'."},
+    {120, 15, kBatch,
+     "The select list for the INSERT statement contains fewer items than the insert list. The number of "
+     "SELECT "
+     "values must match the number of INSERT columns."},
+    {121, 15, kBatch,
+     "The select list for the INSERT statement contains more items than the insert list. The number of "
+     "SELECT "
+     "values must match the number of INSERT columns."},
+    {127, 15, kBatch, "A TOP N or FETCH rowcount value may not be negative."},
+    {128, 15, kBatch,
+     "The name \"%.*ls\" is not permitted in this context. Valid expressions are constants, constant "
+     "expressions, "
+     "and (in some contexts) variables. Column names are not permitted."},
+    {134, 15, kBatch,
+     "The variable name '%.*ls' has already been declared. Variable names must be unique within a query "
+     "batch or "
+     "stored procedure."},
+    {135, 15, kBatch, "Cannot use a BREAK statement outside the scope of a WHILE statement."},
+    {136, 15, kBatch, "Cannot use a CONTINUE statement outside the scope of a WHILE statement."},
+    {137, 15, kBatch, "Must declare the scalar variable \"%.*ls\"."},
+    {139, 15, kBatch, "Cannot assign a default value to a local variable."},
+    {141, 15, kBatch,
+     "A SELECT statement that assigns a value to a variable must not be combined with data-retrieval "
+     "operations."},
+    {144, 15, kBatch,
+     "Cannot use an aggregate or a subquery in an expression used for the group by list of a GROUP BY "
+     "clause."},
+    {145, 15, kBatch, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified."},
+    {147, 15, kBatch,
+     "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING "
+     "clause or a "
+     "select list, and the column being aggregated is an outer reference."},
+    {155, 15, kBatch, "'%.*ls' is not a recognized %ls option."},
+    {156, 15, kBatch, "Incorrect syntax near the keyword '%.*ls'."},
+    {157, 15, kBatch, "An aggregate may not appear in the set list of an UPDATE statement."},
+    {164, 15, kBatch,
+     "Each GROUP BY expression must contain at least one column that is not an outer reference."},
+    {174, 15, kBatch, "The %.*ls function requires %d argument(s)."},
+    {178, 15, kBatch, "A RETURN statement with a return value cannot be used in this context."},
+    {179, 15, kBatch, "Cannot use the OUTPUT option when passing a constant to a stored procedure."},
+    {180, 15, kBatch, "There are too many parameters in this %ls statement. The maximum number is %d."},
+    {189, 15, kBatch, "The %ls function requires %d to %d arguments."},
+    {191, 15, kBatch,
+     "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller "
+     "queries."},
+    {195, 15, kBatch, "'%.*ls' is not a recognized %S_MSG."},
+    {201, 16, kBatch, "Procedure or function '%.*ls' expects parameter '%.*ls', which was not supplied."},
+    {203, 16, kBatch, "The name '%.*ls' is not a valid identifier."},
+    {205, 16, kBatch,
+     "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of "
+     "expressions in "
+     "their target lists."},
+    {206, 16, kBatch, "Operand type clash: %ls is incompatible with %ls"},
+    {207, 16, kBatch, "Invalid column name '%.*ls'."},
+    {208, 16, kBatch, "Invalid object name '%.*ls'."},
+    {209, 16, kBatch, "Ambiguous column name '%.*ls'."},
+    {213, 16, kBatch, "Column name or number of supplied values does not match table definition."},
+    {214, 16, kBatch, "Procedure expects parameter '%ls' of type '%ls'."},
+    {217, 16, kBatch,
+     "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %d)."},
+    {220, 16, kStatement, "Arithmetic overflow error for data type %ls, value = %ld."},
+    {229, 14, kBatch,
+     "The %ls permission was denied on the object '%.*ls', database '%.*ls', schema '%.*ls'."},
+    {232, 16, kStatement, "Arithmetic overflow error for type %ls, value = %f."},
+    {235, 16, kStatement, "Cannot convert a char value to money. The char value has incorrect syntax."},
+    {241, 16, kBatch, "Conversion failed when converting date and/or time from character string."},
+    {242, 16, kStatement,
+     "The conversion of a %ls data type to a %ls data type resulted in an out-of-range value."},
+    {244, 16, kBatch,
+     "The conversion of the %ls value '%.*ls' overflowed an %hs column. Use a larger integer column."},
+    {245, 16, kBatch, "Conversion failed when converting the %ls value '%.*ls' to data type %ls."},
+    {248, 16, kBatch, "The conversion of the %ls value '%.*ls' overflowed an int column."},
+    {257, 16, kBatch,
+     "Implicit conversion from data type %ls to %ls is not allowed. Use the CONVERT function to run this "
+     "query."},
+    {260, 16, kBatch,
+     "Disallowed implicit conversion from data type %ls to data type %ls, table '%.*ls', column '%.*ls'. Use "
+     "the "
+     "CONVERT function to run this query."},
+    {262, 14, kBatch, "%ls permission denied in database '%.*ls'."},
+    {263, 16, kBatch, "Must specify table to select from."},
+    {264, 16, kBatch,
+     "The column name '%.*ls' is specified more than once in the SET clause or column list of an INSERT. A "
+     "column "
+     "cannot be assigned more than one value in the same clause. Modify the clause to make sure that a "
+     "column is "
+     "updated only once. If this statement updates or inserts columns into a view, column aliasing can "
+     "conceal the "
+     "duplication in your code."},
+    {266, 16, kStatement,
+     "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. "
+     "Previous count "
+     "= %ld, current count = %ld."},
+    {271, 16, kBatch,
+     "The column \"%.*ls\" cannot be modified because it is either a computed column or is the result of a "
+     "UNION "
+     "operator."},
+    {281, 16, kBatch, "%d is not a valid style number when converting from %ls to a character string."},
+    {289, 16, kStatement,
+     "Cannot construct data type %ls, some of the arguments have values which are not valid."},
+    {306, 16, kBatch,
+     "The text, ntext, and image data types cannot be compared or sorted, except when using IS NULL or LIKE "
+     "operator."},
+    {402, 16, kBatch, "The data types %s and %s are incompatible in the %s operator."},
+    {468, 16, kBatch,
+     "Cannot resolve the collation conflict between \"%.*ls\" and \"%.*ls\" in the %ls operation."},
+    {506, 16, kStatement, "The invalid escape character \"%.*ls\" was specified in a %ls predicate."},
+    {512, 16, kStatement,
+     "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, <, <= , >, "
+     ">= or "
+     "when the subquery is used as an expression."},
+    {515, 16, kStatement,
+     "Cannot insert the value NULL into column '%.*ls', table '%.*ls'; column does not allow nulls. %ls "
+     "fails."},
+    {517, 16, kStatement, "Adding a value to a '%ls' column caused an overflow."},
+    {529, 16, kBatch, "Explicit conversion from data type %ls to %ls is not allowed."},
+    {535, 16, kStatement,
+     "The %.*ls function resulted in an overflow. The number of dateparts separating two date/time instances "
+     "is too "
+     "large. Try to use %.*ls with a less precise datepart."},
+    {536, 16, kStatement, "Invalid length parameter passed to the %ls function."},
+    {537, 16, kStatement, "Invalid length parameter passed to the LEFT or SUBSTRING function."},
+    {544, 16, kStatement,
+     "Cannot insert explicit value for identity column in table '%.*ls' when IDENTITY_INSERT is set to OFF."},
+    {545, 16, kStatement,
+     "Explicit value must be specified for identity column in table '%.*ls' either when IDENTITY_INSERT is "
+     "set to ON "
+     "or when a replication user is inserting into a NOT FOR REPLICATION identity column."},
+    {547, 16, kStatement,
+     "The %ls statement conflicted with the %ls constraint \"%.*ls\". The conflict occurred in database "
+     "\"%.*ls\", "
+     "table \"%.*ls\"%ls%.*ls%ls."},
+    {628, 16, kStatement, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
+    {701, 17, kBatch, "There is insufficient system memory in resource pool 'default' to run this query."},
+    {823, 24, kBatch, "The account set '%.*ls' cannot be read or written: %ls."},
+    {824, 24, kBatch, "The account set '%.*ls' is damaged: %ls."},
+    {911, 16, kBatch, "Database '%.*ls' does not exist. Make sure that the name is entered correctly."},
+    {948, 20, kBatch,
+     "The database '%.*ls' cannot be opened because it is version %d. This server supports version %d and "
+     "earlier. A downgrade path is not supported."},
+    {1007, 15, kBatch,
+     "The number '%.*ls' is out of the range for numeric representation (maximum precision 38)."},
+    {1013, 16, kBatch,
+     "The objects \"%.*ls\" and \"%.*ls\" in the FROM clause have the same exposed names. Use correlation "
+     "names to "
+     "distinguish them."},
+    {1033, 15, kBatch,
+     "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common "
+     "table "
+     "expressions, unless TOP, OFFSET or FOR XML is also specified."},
+    {1038, 15, kBatch,
+     "An object or column name is missing or empty. For SELECT INTO statements, verify each column has a "
+     "name. For "
+     "other statements, look for empty alias names. Aliases defined as \"\" or [] are not allowed. Change "
+     "the alias "
+     "to a valid name."},
+    {1060, 15, kBatch,
+     "The number of rows provided for a TOP or FETCH clauses row count parameter must be an integer."},
+    {1087, 15, kBatch, "Must declare the table variable \"%.*ls\"."},
+    {1088, 15, kBatch,
+     "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
+    {1205, 13, kBatch,
+     "Transaction (Process ID %d) was deadlocked on %.*ls resources with another process and has been chosen "
+     "as the "
+     "deadlock victim. Rerun the transaction."},
+    {1222, 16, kStatement, "Lock request time out period exceeded."},
+    {1505, 16, kStatement,
+     "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
+     "'%.*ls' and "
+     "the index name '%.*ls'.  The duplicate key value is %ls."},
+    {1750, 10, kStatement, "Could not create constraint or index. See previous errors."},
+    {1752, 16, kBatch, "Column '%.*ls' in table '%.*ls' is invalid for creating a default constraint."},
+    {1767, 16, kBatch, "Foreign key '%.*ls' references invalid table '%.*ls'."},
+    {1776, 16, kBatch,
+     "There are no primary or candidate keys in the referenced table '%.*ls' that match the referencing "
+     "column list "
+     "in the foreign key '%.*ls'."},
+    {1779, 16, kBatch, "Table '%.*ls' already has a primary key defined on it."},
+    {1781, 16, kBatch, "Column already has a DEFAULT bound to it."},
+    {1785, 16, kBatch,
+     "Introducing FOREIGN KEY constraint '%.*ls' on table '%.*ls' may cause cycles or multiple cascade "
+     "paths. Specify "
+     "ON DELETE NO ACTION or ON UPDATE NO ACTION, or modify other FOREIGN KEY constraints."},
+    {1801, 16, kBatch, "Database '%.*ls' already exists. Choose a different database name."},
+    {1902, 16, kBatch,
+     "Cannot create more than one clustered index on %S_MSG '%.*ls'. Drop the existing clustered index "
+     "'%.*ls' before "
+     "creating another."},
+    {1911, 16, kBatch, "Column name '%.*ls' does not exist in the target table or view."},
+    {1913, 16, kBatch,
+     "The operation failed because an index or statistics with name '%.*ls' already exists on %S_MSG "
+     "'%.*ls'."},
+    {2601, 14, kStatement,
+     "Cannot insert duplicate key row in object '%.*ls' with unique index '%.*ls'. The duplicate key value "
+     "is %ls."},
+    {2627, 14, kStatement,
+     "Violation of %ls constraint '%.*ls'. Cannot insert duplicate key in object '%.*ls'. The duplicate key "
+     "value is "
+     "%ls."},
+    {2628, 16, kStatement,
+     "String or binary data would be truncated in table '%.*ls', column '%.*ls'. Truncated value: '%.*ls'."},
+    {2705, 16, kBatch,
+     "Column names in each table must be unique. Column name '%.*ls' in table '%.*ls' is specified more than "
+     "once."},
+    {2714, 16, kBatch, "There is already an object named '%.*ls' in the database."},
+    {2715, 16, kBatch, "Column, parameter, or variable #%d: Cannot find data type %.*ls."},
+    {2716, 16, kBatch,
+     "Column, parameter, or variable #%d: Cannot specify a column width on data type %.*ls."},
+    {2717, 16, kBatch, "The size (%d) given to the %S_MSG '%.*ls' exceeds the maximum allowed (%d)."},
+    {2744, 16, kBatch,
+     "Multiple identity columns specified for table '%.*ls'. Only one identity column per table is allowed."},
+    {2749, 16, kBatch,
+     "Identity column '%.*ls' must be of data type int, bigint, smallint, tinyint, or decimal or numeric "
+     "with a scale "
+     "of 0, unencrypted, and constrained to be nonnullable."},
+    {2750, 16, kBatch,
+     "Column or parameter #%d: Specified column precision %d is greater than the maximum precision of %d."},
+    {2751, 16, kBatch,
+     "Column or parameter #%d: Specified column scale %d is greater than the specified precision of %d."},
+    {2812, 16, kStatement, "Could not find stored procedure '%.*ls'."},
+    {3609, 16, kBatch, "The transaction ended in the trigger. The batch has been aborted."},
+    {3617, 10, kBatch, "The query has been canceled by the user."},
+    {3623, 16, kStatement, "An invalid floating point operation occurred."},
+    {3701, 11, kStatement,
+     "Cannot %S_MSG the %S_MSG '%.*ls', because it does not exist or you do not have permission."},
+    {3705, 16, kStatement, "Cannot use DROP %ls with '%.*ls' because '%.*ls' is a %S_MSG. Use %ls."},
+    {3725, 16, kStatement,
+     "The constraint '%.*ls' is being referenced by table '%.*ls', foreign key constraint '%.*ls'."},
+    {3726, 16, kStatement,
+     "Could not drop object '%.*ls' because it is referenced by a FOREIGN KEY constraint."},
+    {3727, 10, kStatement, "Could not drop constraint. See previous errors."},
+    {3728, 16, kStatement, "'%.*ls' is not a constraint."},
+    {3902, 16, kStatement, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
+    {3903, 16, kStatement, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."},
+    {3906, 16, kBatch, "Failed to update database \"%.*ls\" because the database is read-only."},
+    {3930, 16, kBatch,
+     "The current transaction cannot be committed and cannot support operations that write to the log file. "
+     "Roll back "
+     "the transaction."},
+    {3998, 16, kBatch,
+     "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back."},
+    {4104, 16, kBatch, "The multi-part identifier \"%.*ls\" could not be bound."},
+    {4108, 15, kBatch, "Windowed functions can only appear in the SELECT or ORDER BY clauses."},
+    {4145, 15, kBatch,
+     "An expression of non-boolean type specified in a context where a condition is expected, near '%.*ls'."},
+    {4405, 16, kBatch,
+     "View or function '%.*ls' is not updatable because the modification affects multiple base tables."},
+    {4406, 16, kBatch,
+     "Update or insert of view or function '%.*ls' failed because it contains a derived or constant field."},
+    {4413, 16, kBatch, "Could not use view or function '%.*ls' because of binding errors."},
+    {4506, 16, kBatch,
+     "Column names in each view or function must be unique. Column name '%.*ls' in view or function '%.*ls' "
+     "is "
+     "specified more than once."},
+    {4511, 16, kBatch, "Create View or Function failed because no column name was specified for column %d."},
+    {4701, 16, kBatch,
+     "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
+    {4712, 16, kStatement,
+     "Cannot truncate table '%.*ls' because it is being referenced by a FOREIGN KEY constraint."},
+    {4901, 16, kBatch,
+     "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition "
+     "specified, or "
+     "the column being added is an identity or timestamp column, or alternatively if none of the previous "
+     "conditions "
+     "are satisfied the table must be empty to allow addition of this column. Column '%.*ls' cannot be added "
+     "to "
+     "non-empty table '%.*ls' because it does not satisfy these conditions."},
+    {4902, 16, kBatch,
+     "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
+    {4922, 16, kStatement, "%ls %.*ls failed because one or more objects access this column."},
+    {4924, 16, kStatement, "%ls failed because column '%.*ls' does not exist in table '%.*ls'."},
+    {5074, 16, kStatement, "The %S_MSG '%.*ls' is dependent on %S_MSG '%.*ls'."},
+    {5120, 16, kBatch, "Unable to open the physical file \"%.*ls\": %ls."},
+    {5172, 16, kBatch, "The file '%.*ls' is not an account set."},
+    {8101, 16, kBatch,
+     "An explicit value for the identity column in table '%.*ls' can only be specified when a column list is "
+     "used and "
+     "IDENTITY_INSERT is ON."},
+    {8102, 16, kBatch, "Cannot update identity column '%.*ls'."},
+    {8106, 16, kStatement,
+     "Table '%.*ls' does not have the identity property. Cannot perform SET operation."},
+    {8107, 16, kStatement,
+     "IDENTITY_INSERT is already ON for table '%.*ls.%.*ls.%.*ls'. Cannot perform SET operation for table "
+     "'%.*ls'."},
+    {8110, 16, kBatch, "Cannot add multiple PRIMARY KEY constraints to table '%.*ls'."},
+    {8111, 16, kBatch, "Cannot define PRIMARY KEY constraint on nullable column in table '%.*ls'."},
+    {8114, 16, kBatch, "Error converting data type %ls to %ls."},
+    {8115, 16, kStatement, "Arithmetic overflow error converting %ls to data type %ls."},
+    {8116, 16, kBatch, "Argument data type %ls is invalid for argument %d of %ls function."},
+    {8117, 16, kBatch, "Operand data type %ls is invalid for %ls operator."},
+    {8118, 16, kBatch,
+     "Column '%.*ls.%.*ls' is invalid in the select list because it is not contained in an aggregate "
+     "function and "
+     "there is no GROUP BY clause."},
+    {8120, 16, kBatch,
+     "Column '%.*ls.%.*ls' is invalid in the select list because it is not contained in either an aggregate "
+     "function "
+     "or the GROUP BY clause."},
+    {8121, 16, kBatch,
+     "Column '%.*ls.%.*ls' is invalid in the HAVING clause because it is not contained in either an "
+     "aggregate "
+     "function or the GROUP BY clause."},
+    {8127, 16, kBatch,
+     "Column \"%.*ls.%.*ls\" is invalid in the ORDER BY clause because it is not contained in either an "
+     "aggregate "
+     "function or the GROUP BY clause."},
+    {8134, 16, kStatement, "Divide by zero error encountered."},
+    {8143, 16, kBatch, "Parameter '%.*ls' was supplied multiple times."},
+    {8144, 16, kBatch, "Procedure or function %.*ls has too many arguments specified."},
+    {8145, 16, kBatch, "%.*ls is not a parameter for procedure %.*ls."},
+    {8146, 16, kBatch, "Procedure %.*ls has no parameters and arguments were supplied."},
+    {8152, 16, kStatement, "String or binary data would be truncated."},
+    {8155, 15, kBatch, "No column name was specified for column %d of '%.*ls'."},
+    {8156, 16, kBatch, "The column '%.*ls' was specified multiple times for '%.*ls'."},
+    {8158, 16, kBatch, "'%.*ls' has more columns than were specified in the column list."},
+    {8159, 16, kBatch, "'%.*ls' has fewer columns than were specified in the column list."},
+    {8162, 16, kBatch,
+     "The formal parameter \"%.*ls\" was not declared as an OUTPUT parameter, but the actual parameter "
+     "passed in "
+     "requested output."},
+    {8169, 16, kBatch, "Conversion failed when converting from a character string to uniqueidentifier."},
+    {8178, 16, kBatch,
+     "The parameterized query '%.*ls' expects the parameter '%.*ls', which was not supplied."},
+    {8623, 16, kBatch,
+     "The query processor ran out of internal resources and could not produce a query plan. This is a rare "
+     "event and "
+     "only expected for extremely complex queries or queries that reference a very large number of tables or "
+     "partitions. Please simplify the query. If you believe you have received this message in error, contact "
+     "Customer "
+     "Support Services for more information."},
+    {8624, 16, kBatch,
+     "Internal Query Processor Error: The query processor could not produce a query plan. %ls"},
+    {9002, 17, kBatch, "The transaction log for database '%.*ls' is full due to '%ls'."},
+    {10700, 16, kBatch, "The table-valued parameter \"%.*ls\" is READONLY and cannot be modified."},
+    {10704, 15, kBatch,
+     "To rethrow an error, a THROW statement must be used inside a CATCH block. Insert the THROW statement "
+     "inside a "
+     "CATCH block, or add error parameters to the THROW statement."},
+    {10709, 16, kBatch, "The number of columns for each row in a table value constructor must be the same."},
+    {10738, 15, kBatch,
+     "The number of row value expressions in the INSERT statement exceeds the maximum allowed number of %d "
+     "row "
+     "values."},
+    {10742, 15, kBatch, "The offset specified in a OFFSET clause may not be negative."},
+    {15009, 11, kStatement,
+     "The object '%.*ls' does not exist in database '%.*ls' or is invalid for this operation."},
+    {16902, 16, kStatement, "%ls: The value of the parameter %ls is invalid."},
+    {16905, 16, kStatement, "The cursor is already open."},
+    {16911, 16, kStatement, "%ls: The fetch type %ls cannot be used with forward only cursors."},
+    {16915, 16, kStatement, "A cursor with the name '%.*ls' already exists."},
+    {16916, 16, kStatement, "A cursor with the name '%.*ls' does not exist."},
+    {16917, 16, kStatement, "Cursor is not open."},
+    {16922, 16, kStatement, "Cursor Fetch: Implicit conversion from data type %s to %s is not allowed."},
+    {16924, 16, kStatement,
+     "Cursorfetch: The number of variables declared in the INTO list must match that of selected columns."},
+    {16929, 16, kStatement, "The cursor is READ ONLY."},
+    {16931, 16, kStatement, "There are no rows in the current fetch buffer."},
+    {16948, 16, kStatement,
+     "The variable '%.*ls' is not a cursor variable, but it is used in a place where a cursor variable is "
+     "expected."},
+    {16949, 16, kStatement,
+     "The variable '%.*ls' is a cursor variable, but it is used in a place where a cursor variable is not "
+     "valid."},
+    {16950, 16, kStatement, "The variable '%.*ls' does not currently have a cursor allocated to it."},
+    {18054, 16, kStatement,
+     "Error %d, severity %d, state %d was raised, but no message with that error number was found in "
+     "sys.messages. If "
+     "error is larger than 50000, make sure the user-defined message is added using sp_addmessage."},
+    {35100, 16, kBatch,
+     "Error number %d in the THROW statement is outside the valid range. Specify an error number in the "
+     "valid range of "
+     "50000 to 2147483647."},
+    {40510, 16, kBatch, "Statement '%.*ls' is not supported by the embedded account set."},
+    {50000, 16, kStatement, "%ls"},
+};
+
+}  // namespace
+
+std::span<const ErrorEntry> ErrorTable() {
+    return kErrors;
+}
+
+const ErrorEntry* FindError(std::int32_t number) {
+    const auto* found =
+        std::lower_bound(std::begin(kErrors), std::end(kErrors), number,
+                         [](const ErrorEntry& entry, std::int32_t n) { return entry.number < n; });
+    return found != std::end(kErrors) && found->number == number ? found : nullptr;
+}
+
+std::string FormatMessage(std::string_view message, std::initializer_list<ErrorArgument> arguments) {
+    // Longest first: "%ls" must not be read out of "%.*ls".
+    static constexpr std::string_view kSlots[] = {"%S_MSG", "%.*ls", "%I64d", "%ls", "%hs",
+                                                  "%ld",    "%s",    "%d",    "%f"};
+    std::string result;
+    const auto* next = arguments.begin();
+    for (std::size_t at = 0; at < message.size();) {
+        if (message[at] != '%') {
+            result += message[at++];
+            continue;
+        }
+        if (message.substr(at, 2) == "%%") {
+            result += '%';
+            at += 2;
+            continue;
+        }
+        const std::string_view rest = message.substr(at);
+        const auto* slot = std::find_if(std::begin(kSlots), std::end(kSlots),
+                                        [&](std::string_view s) { return rest.starts_with(s); });
+        if (slot == std::end(kSlots)) {
+            result += message[at++];
+            continue;
+        }
+        if (next != arguments.end()) result += (next++)->Text();
+        at += slot->size();
+    }
+    return result;
+}
+
+SqlError MakeError(std::int32_t number, Position where, std::initializer_list<ErrorArgument> arguments,
+                   std::int32_t state) {
+    const ErrorEntry* entry = FindError(number);
+    assert(entry);
+    Diagnostic diagnostic;
+    diagnostic.number = number;
+    diagnostic.severity = entry ? entry->severity : 16;
+    diagnostic.state = state;
+    diagnostic.line = static_cast<std::int32_t>(where.line);
+    diagnostic.column = static_cast<std::int32_t>(where.column);
+    diagnostic.text = entry ? FormatMessage(entry->message, arguments) : std::string();
+    return SqlError(std::move(diagnostic));
+}
+
+}  // namespace vicenter::tsql

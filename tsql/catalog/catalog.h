@@ -1,0 +1,174 @@
+#pragma once
+
+// What an account set holds: tables with their SQL Server types, keys, views and procedures.
+//
+// The catalog lives in tables of the account set (ts$…, see docs/account-set-format.md) and is read into
+// memory; it is read again when SQLite's schema version shows that any process has changed it. One catalog
+// per session. Pointers into it stay good until Generation() changes.
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/sqlite/database.h"
+#include "tsql/types/sql_type.h"
+
+namespace vicenter::tsql::engine {
+
+struct ColumnInfo {
+    std::string name;
+    SqlType type;
+    bool nullable = true;
+    bool identity = false;
+    std::int64_t seed = 1;
+    std::int64_t increment = 1;
+    std::string defaultName;   // of the constraint
+    std::string defaultText;   // T-SQL, empty for none
+    std::string computedText;  // T-SQL of a computed column
+};
+
+enum class KeyKind { kPrimary, kUnique, kUniqueIndex, kIndex };
+
+struct KeyInfo {
+    std::string name;
+    KeyKind kind = KeyKind::kIndex;
+    std::vector<std::string> columns;
+    std::vector<bool> descending;
+
+    bool IsUnique() const { return kind != KeyKind::kIndex; }
+    bool IsConstraint() const { return kind == KeyKind::kPrimary || kind == KeyKind::kUnique; }
+};
+
+struct ForeignKeyInfo {
+    std::string name;
+    std::vector<std::string> columns;
+    std::string referencedTable;
+    std::vector<std::string> referencedColumns;
+    std::string onDelete;
+    std::string onUpdate;
+};
+
+struct CheckInfo {
+    std::string name;
+    std::string text;     // T-SQL
+    std::string sqlText;  // as SQLite keeps it
+};
+
+struct TableInfo {
+    std::int64_t id = 0;
+    std::string name;      // as T-SQL knows it: "t_Account", "#t", "@t"
+    std::string physical;  // as SQLite knows it
+    bool temporary = false;
+    std::vector<ColumnInfo> columns;
+    std::vector<KeyInfo> keys;
+    std::vector<ForeignKeyInfo> foreignKeys;
+    std::vector<CheckInfo> checks;
+    std::int64_t lastIdentity = 0;  // of temporary tables; others keep it in the account set
+    bool identityUsed = false;
+
+    const ColumnInfo* FindColumn(std::string_view columnName) const;
+    const ColumnInfo* IdentityColumn() const;
+    const KeyInfo* PrimaryKey() const;
+    // The one integer column of the primary key, which SQLite then keeps as the row's own number.
+    bool IsRowNumber(std::string_view columnName) const;
+    bool IsInUniqueKey(std::string_view columnName) const;
+    // main."t_Account"
+    std::string Sql() const;
+    // "dbo.t_Account"
+    std::string FullName() const { return temporary ? name : "dbo." + name; }
+};
+
+struct ModuleInfo {
+    std::int64_t id = 0;
+    std::string name;
+    std::string text;  // the CREATE statement
+};
+
+class Catalog {
+  public:
+    explicit Catalog(Database& database) : database_(database) {}
+
+    // Makes the catalog's tables when the account set is new; error 5172 when the file is of another kind.
+    void Prepare(bool create);
+    // Reads everything again when the schema version has changed since the last time.
+    void Refresh();
+    // The same, and what is read next on this connection is of the same moment: a query then needs no lock of
+    // its own. EndSnapshot must come before anything that changes the account set.
+    void RefreshAndHold();
+    void EndSnapshot() {
+        if (!holding_) return;
+        versionStatement_.Reset();
+        holding_ = false;
+    }
+    // After a rollback: what was read may never have been.
+    void Forget();
+    // Changes whenever a pointer into the catalog or a translated statement may be out of date; temporary
+    // tables, which come and go, have their numbers instead.
+    std::uint64_t Generation() const { return generation_; }
+
+    // Names compare without case; temporary tables come first.
+    const TableInfo* FindTable(std::string_view name) const;
+    const ModuleInfo* FindView(std::string_view name) const;
+    const ModuleInfo* FindProcedure(std::string_view name) const;
+    // A constraint of any table, or nothing.
+    bool HasConstraint(std::string_view name) const;
+    std::vector<const TableInfo*> Tables() const;
+    // The id of a table, view or procedure, or nothing. type is as in OBJECT_ID: "U", "V", "P" or empty.
+    std::optional<std::int64_t> ObjectId(std::string_view name, std::string_view type) const;
+
+    // Definitions: each writes the catalog and SQLite's schema in the current transaction.
+    void CreateTable(TableInfo table);
+    void DropTable(const TableInfo& table);
+    void AddColumn(const TableInfo& table, const ColumnInfo& column);
+    void DropColumn(const TableInfo& table, const std::string& column);
+    void ChangeTable(const TableInfo& changed, bool rewriteSchema);
+    void CreateIndex(const TableInfo& table, const KeyInfo& key);
+    // Makes the indexes of a table's keys that depend on which columns may be NULL anew.
+    void RemakeNullIndexes(const TableInfo& table);
+    void DropIndex(const TableInfo& table, const std::string& key);
+    void WriteModule(char kind, const std::string& name, const std::string& text);
+    void DropModule(char kind, const std::string& name);
+
+    void AddTemporary(TableInfo table);
+    void DropTemporary(const std::string& name);
+    // Temporary tables made at or beyond a level of nesting.
+    std::vector<std::string> TemporaryNames() const;
+    TableInfo* FindTemporary(std::string_view name);
+
+    std::int64_t LastIdentity(const TableInfo& table);
+    void SetLastIdentity(const TableInfo& table, std::int64_t value);
+
+  private:
+    void Load();
+    std::int64_t SchemaVersion();
+    std::int64_t WriteTable(const TableInfo& table);
+    void MakeIndex(const TableInfo& table, const KeyInfo& key);
+    void Touch();
+
+    Database& database_;
+    Statement versionStatement_;
+    bool holding_ = false;  // versionStatement_ stands on its row
+    std::int64_t version_ = -1;
+    std::uint64_t generation_ = 1;
+    std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> tables_;
+    std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> temporary_;
+    std::map<std::string, ModuleInfo, std::less<>> views_;
+    std::map<std::string, ModuleInfo, std::less<>> procedures_;
+};
+
+// The CREATE TABLE that SQLite gets, and the one column of it.
+std::string PhysicalTable(const TableInfo& table);
+std::string PhysicalColumn(const TableInfo& table, const ColumnInfo& column);
+std::string PhysicalIndexName(const TableInfo& table, const KeyInfo& key);
+std::string PhysicalIndex(const TableInfo& table, const KeyInfo& key);
+// Beside a unique index, which to SQLite may hold any number of NULLs: the index that takes NULLs for equal,
+// as the server does. Empty when no column of the key may be NULL.
+std::string PhysicalNullIndexName(const TableInfo& table, const KeyInfo& key);
+std::string PhysicalNullIndex(const TableInfo& table, const KeyInfo& key);
+
+}  // namespace vicenter::tsql::engine

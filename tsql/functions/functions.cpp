@@ -1,0 +1,79 @@
+#include "tsql/functions/functions.h"
+
+#include "tsql/base/text_units.h"
+#include "tsql/functions/call.h"
+#include "tsql/sqlite/database.h"
+#include "tsql/types/convert.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+int CompareTextValues(void* services, int sizeA, const void* a, int sizeB, const void* b) {
+    const TextCollation& collation = *static_cast<FunctionServices*>(services)->collation;
+    return CompareTexts(collation, {static_cast<const char*>(a), static_cast<std::size_t>(sizeA)},
+                        {static_cast<const char*>(b), static_cast<std::size_t>(sizeB)});
+}
+
+int CompareNumberValues(void*, int sizeA, const void* a, int sizeB, const void* b) {
+    const std::string_view left(static_cast<const char*>(a), static_cast<std::size_t>(sizeA));
+    const std::string_view right(static_cast<const char*>(b), static_cast<std::size_t>(sizeB));
+    if (left == right) return 0;
+    const auto first = Decimal::Parse(left);
+    const auto second = Decimal::Parse(right);
+    // A damaged number must still have one place in the order.
+    if (!first || !second) return !first && !second ? left.compare(right) : !first ? -1 : 1;
+    return Decimal::Compare(*first, *second);
+}
+
+}  // namespace
+
+void FunctionServices::RememberKey(std::string_view column, std::string text) {
+    for (KeyValue& key : keyValues) {
+        if (key.column == column) {
+            key.text = std::move(text);
+            return;
+        }
+    }
+    keyValues.push_back({std::string(column), std::move(text)});
+}
+
+const std::string* FunctionServices::FindKey(std::string_view column) const {
+    for (const KeyValue& key : keyValues) {
+        if (key.column == column) return &key.text;
+    }
+    return nullptr;
+}
+
+std::int64_t TypeCode(const SqlType& type) {
+    return static_cast<std::int64_t>(type.kind) | std::int64_t{type.precision} << 8 |
+           std::int64_t{type.scale} << 16 | std::int64_t{type.length + 1} << 24;
+}
+
+SqlType TypeFromCode(std::int64_t code) {
+    SqlType type;
+    type.kind = static_cast<TypeKind>(code & 0xFF);
+    type.precision = static_cast<int>(code >> 8 & 0xFF);
+    type.scale = static_cast<int>(code >> 16 & 0xFF);
+    type.length = static_cast<int>(code >> 24) - 1;
+    return type;
+}
+
+std::string KeyText(const Value& value, const SqlType& type) {
+    if (value.IsNull()) return "<NULL>";
+    return Convert(value, type, SqlType::NVarChar(kMaxLength), type.IsDate() ? 121 : 0).Text();
+}
+
+void RegisterFunctions(sqlite3* database, FunctionServices& services) {
+    sqlite3_create_collation_v2(database, kTextCollationName, SQLITE_UTF8, &services, CompareTextValues,
+                                nullptr);
+    sqlite3_create_collation_v2(database, kNumberCollationName, SQLITE_UTF8, nullptr, CompareNumberValues,
+                                nullptr);
+    RegisterConversionFunctions(database, services);
+    RegisterTextFunctions(database, services);
+    RegisterDateFunctions(database, services);
+    RegisterMathFunctions(database, services);
+    RegisterAggregates(database, services);
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,52 @@
+#pragma once
+
+// The functions and collations that translated statements call inside SQLite, all named ts_….
+//
+// Failures are SqlError: SQLite can carry only a text, so the error waits in the services until the statement
+// that failed picks it up. Services belong to one session and outlive its database connection.
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/base/diagnostic.h"
+#include "tsql/types/collation.h"
+#include "tsql/types/value.h"
+
+struct sqlite3;
+
+namespace vicenter::tsql::engine {
+
+struct FunctionServices {
+    const TextCollation* collation = nullptr;
+    std::function<Value(std::string_view name, std::string_view type)> objectId;
+    std::function<Value(std::string_view table, std::string_view column)> columnLength;
+    std::function<Value(std::string_view variable)> variable;
+
+    std::function<std::int64_t()> nextIdentity;
+
+    std::optional<SqlError> pending;
+    // The last value on its way into each column of a unique key, for the message of a duplicate.
+    struct KeyValue {
+        std::string column;
+        std::string text;
+    };
+    std::vector<KeyValue> keyValues;
+    void RememberKey(std::string_view column, std::string text);
+    const std::string* FindKey(std::string_view column) const;
+};
+
+// Registers everything with one connection.
+void RegisterFunctions(sqlite3* database, FunctionServices& services);
+
+// A type as one number, to stand in translated statements.
+std::int64_t TypeCode(const SqlType& type);
+SqlType TypeFromCode(std::int64_t code);
+
+// A value as messages about duplicate keys show it.
+std::string KeyText(const Value& value, const SqlType& type);
+
+}  // namespace vicenter::tsql::engine

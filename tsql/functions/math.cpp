@@ -1,0 +1,298 @@
+// Arithmetic with SQL Server's overflow, scale and division rules. Operators are named by one letter: + - * /
+// % and, for integers, & | ^ as well.
+
+#include <cmath>
+
+#include "tsql/functions/call.h"
+#include "tsql/types/convert.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+[[noreturn]] void Overflow(const SqlType& type) {
+    throw MakeError(8115, {}, {"expression", MessageName(type)});
+}
+
+std::int64_t Calculated(char operation, std::int64_t a, std::int64_t b, const SqlType& type) {
+    std::int64_t result = 0;
+    switch (operation) {
+        case '+':
+            if (__builtin_add_overflow(a, b, &result)) Overflow(type);
+            return result;
+        case '-':
+            if (__builtin_sub_overflow(a, b, &result)) Overflow(type);
+            return result;
+        case '*':
+            if (__builtin_mul_overflow(a, b, &result)) Overflow(type);
+            return result;
+        case '/':
+        case '%':
+            if (b == 0) throw MakeError(8134, {});
+            if (b == -1) {
+                if (operation == '%') return 0;
+                if (__builtin_sub_overflow(std::int64_t{0}, a, &result)) Overflow(type);
+                return result;
+            }
+            return operation == '/' ? a / b : a % b;
+        case '&':
+            return a & b;
+        case '|':
+            return a | b;
+        default:
+            return a ^ b;
+    }
+}
+
+// ts_int(operator, a, b, type)
+void IntegerFunction(FunctionCall& call) {
+    if (call.IsNull(1) || call.IsNull(2)) return;
+    const SqlType type = call.Type(3);
+    const std::int64_t result = Calculated(call.Text(0).front(), call.Int(1), call.Int(2), type);
+    static const SqlType kBigInt = SqlType::Of(TypeKind::kBigInt);
+    try {
+        call.Return(Convert(Value(result), kBigInt, type).Int());
+    } catch (const SqlError&) {
+        Overflow(type);
+    }
+}
+
+// ts_dec(operator, a, b, type)
+void DecimalFunction(FunctionCall& call) {
+    if (call.IsNull(1) || call.IsNull(2)) return;
+    const SqlType type = call.Type(3);
+    const Decimal a = call.Number(1);
+    const Decimal b = call.Number(2);
+    const char operation = call.Text(0).front();
+    if ((operation == '/' || operation == '%') && b.IsZero()) throw MakeError(8134, {});
+    try {
+        Decimal result;
+        switch (operation) {
+            case '+':
+                result = Decimal::Add(a, b);
+                break;
+            case '-':
+                result = Decimal::Subtract(a, b);
+                break;
+            case '*':
+                result = Decimal::Multiply(a, b);
+                break;
+            case '/':
+                result = Decimal::Divide(a, b, type.scale);
+                break;
+            default:
+                result = Decimal::Remainder(a, b);
+                break;
+        }
+        result = result.Rescaled(type.scale);
+        if (!FitsDecimal(result, type)) Overflow(type);
+        call.Return(result);
+    } catch (const SqlError&) {
+        throw;
+    } catch (const automation::Error&) {
+        Overflow(type);
+    }
+}
+
+// ts_real(operator, a, b)
+void RealFunction(FunctionCall& call) {
+    if (call.IsNull(1) || call.IsNull(2)) return;
+    const double a = call.Real(1);
+    const double b = call.Real(2);
+    double result = 0;
+    switch (call.Text(0).front()) {
+        case '+':
+            result = a + b;
+            break;
+        case '-':
+            result = a - b;
+            break;
+        case '*':
+            result = a * b;
+            break;
+        default:
+            if (b == 0) throw MakeError(8134, {});
+            result = a / b;
+            break;
+    }
+    if (!std::isfinite(result)) Overflow(SqlType::Float());
+    call.Return(result);
+}
+
+Decimal Zero(const Decimal& like) {
+    return Decimal(0).Rescaled(like.Scale());
+}
+
+// ts_neg(value, type)
+void NegateFunction(FunctionCall& call) {
+    if (call.IsNull(0)) return;
+    const SqlType type = call.Type(1);
+    const Value value = call.Argument(0, type);
+    if (type.IsExact()) return call.Return(value.Exact().IsZero() ? value.Exact() : value.Exact().Negated());
+    if (type.IsFloat()) return call.Return(-value.Real());
+    call.Return(Calculated('-', 0, value.Int(), type));
+}
+
+// ts_abs(value, type)
+void AbsFunction(FunctionCall& call) {
+    if (call.IsNull(0)) return;
+    const SqlType type = call.Type(1);
+    const Value value = call.Argument(0, type);
+    if (type.IsExact())
+        return call.Return(value.Exact().IsNegative() ? value.Exact().Negated() : value.Exact());
+    if (type.IsFloat()) return call.Return(std::fabs(value.Real()));
+    call.Return(value.Int() < 0 ? Calculated('-', 0, value.Int(), type) : value.Int());
+}
+
+// ts_sign(value, type)
+void SignFunction(FunctionCall& call) {
+    if (call.IsNull(0)) return;
+    const SqlType type = call.Type(1);
+    const Value value = call.Argument(0, type);
+    if (type.IsExact()) {
+        const Decimal& number = value.Exact();
+        const Decimal one = Decimal(number.IsZero()       ? 0
+                                    : number.IsNegative() ? -1
+                                                          : 1)
+                                .Rescaled(number.Scale());
+        return call.Return(one);
+    }
+    const double number = type.IsFloat() ? value.Real() : static_cast<double>(value.Int());
+    const int sign = number > 0 ? 1 : number < 0 ? -1 : 0;
+    if (type.IsFloat()) return call.Return(static_cast<double>(sign));
+    call.Return(std::int64_t{sign});
+}
+
+double RoundedReal(double number, std::int64_t places, bool cut) {
+    if (places > 15 || places < -300) return places < 0 ? 0 : number;
+    const double factor = std::pow(10.0, static_cast<double>(places < 0 ? -places : places));
+    const double scaled = places < 0 ? number / factor : number * factor;
+    const double whole = cut ? std::trunc(scaled) : std::round(scaled);
+    return places < 0 ? whole * factor : whole / factor;
+}
+
+Decimal RoundedDecimal(const Decimal& number, std::int64_t places, bool cut) {
+    const int scale = number.Scale();
+    if (places >= scale) return number;
+    if (places >= 0) {
+        const int kept = static_cast<int>(places);
+        return (cut ? number.Truncated(kept) : number.Rescaled(kept)).Rescaled(scale);
+    }
+    if (-places > Decimal::kMaxDigits) return Zero(number);
+    std::string power = "1" + std::string(static_cast<std::size_t>(-places), '0');
+    const auto unit = Decimal::Parse(power);
+    if (!unit) return Zero(number);
+    const Decimal quotient =
+        Decimal::Divide(number, *unit, Decimal::kMaxDigits - number.Precision() > 20 ? 10 : 1);
+    const Decimal whole = cut ? quotient.Truncated(0) : quotient.Rescaled(0);
+    return Decimal::Multiply(whole, *unit).Rescaled(scale);
+}
+
+// ts_round(value, places, cut, type)
+void RoundFunction(FunctionCall& call) {
+    if (call.AnyNull()) return;
+    const SqlType type = call.Type(3);
+    const std::int64_t places = call.Int(1);
+    const bool cut = call.Int(2) != 0;
+    const Value value = call.Argument(0, type);
+    if (type.IsFloat()) return call.Return(RoundedReal(value.Real(), places, cut));
+    if (type.IsExact()) {
+        // The result keeps the type: 999.99 has no room for 1000.00.
+        const Decimal rounded = RoundedDecimal(value.Exact(), places, cut);
+        if (!FitsDecimal(rounded, type)) Overflow(type);
+        return call.Return(rounded);
+    }
+    const Decimal rounded = RoundedDecimal(Decimal(value.Int()), places, cut);
+    call.Return(Convert(Value(rounded), SqlType::Decimal(38, 0), type).Int());
+}
+
+// ts_floor(value, type) and ts_ceiling(value, type); a decimal keeps no fraction
+void Whole(FunctionCall& call, bool up) {
+    if (call.IsNull(0)) return;
+    const SqlType type = call.Type(1);
+    const Value value = call.Argument(0, type);
+    if (type.IsFloat()) return call.Return(up ? std::ceil(value.Real()) : std::floor(value.Real()));
+    if (!type.IsExact()) return call.Return(value.Int());
+    const Decimal& number = value.Exact();
+    Decimal whole = number.Truncated(0);
+    if (!(whole == number) && number.IsNegative() != up) {
+        whole = up ? Decimal::Add(whole, Decimal(1)) : Decimal::Subtract(whole, Decimal(1));
+    }
+    call.Return(type.IsMoney() ? whole.Rescaled(4) : whole);
+}
+
+void FloorFunction(FunctionCall& call) {
+    Whole(call, false);
+}
+void CeilingFunction(FunctionCall& call) {
+    Whole(call, true);
+}
+
+// ts_power(base, exponent): both as float
+void PowerFunction(FunctionCall& call) {
+    if (call.AnyNull()) return;
+    const double result = std::pow(call.Real(0), call.Real(1));
+    if (!std::isfinite(result)) throw MakeError(3623, {});
+    call.Return(result);
+}
+
+template <double (*F)(double)>
+void RealToReal(FunctionCall& call) {
+    if (call.IsNull(0)) return;
+    const double result = F(call.Real(0));
+    if (!std::isfinite(result)) throw MakeError(3623, {});
+    call.Return(result);
+}
+
+double Sqrt(double x) {
+    return std::sqrt(x);
+}
+double Exp(double x) {
+    return std::exp(x);
+}
+double Log(double x) {
+    return std::log(x);
+}
+double Log10(double x) {
+    return std::log10(x);
+}
+double Sin(double x) {
+    return std::sin(x);
+}
+double Cos(double x) {
+    return std::cos(x);
+}
+double Tan(double x) {
+    return std::tan(x);
+}
+
+void RandFunction(FunctionCall& call) {
+    std::uint32_t bits = 0;
+    sqlite3_randomness(sizeof bits, &bits);
+    call.Return(static_cast<double>(bits) / 4294967296.0);
+}
+
+}  // namespace
+
+void RegisterMathFunctions(sqlite3* database, FunctionServices& services) {
+    Define<IntegerFunction>(database, services, "ts_int", 4);
+    Define<DecimalFunction>(database, services, "ts_dec", 4);
+    Define<RealFunction>(database, services, "ts_real", 3);
+    Define<NegateFunction>(database, services, "ts_neg", 2);
+    Define<AbsFunction>(database, services, "ts_abs", 2);
+    Define<SignFunction>(database, services, "ts_sign", 2);
+    Define<RoundFunction>(database, services, "ts_round", 4);
+    Define<FloorFunction>(database, services, "ts_floor", 2);
+    Define<CeilingFunction>(database, services, "ts_ceiling", 2);
+    Define<PowerFunction>(database, services, "ts_power", 2);
+    Define<RealToReal<Sqrt>>(database, services, "ts_sqrt", 1);
+    Define<RealToReal<Exp>>(database, services, "ts_exp", 1);
+    Define<RealToReal<Log>>(database, services, "ts_log", 1);
+    Define<RealToReal<Log10>>(database, services, "ts_log10", 1);
+    Define<RealToReal<Sin>>(database, services, "ts_sin", 1);
+    Define<RealToReal<Cos>>(database, services, "ts_cos", 1);
+    Define<RealToReal<Tan>>(database, services, "ts_tan", 1);
+    Define<RandFunction>(database, services, "ts_rand", 0, false);
+}
+
+}  // namespace vicenter::tsql::engine

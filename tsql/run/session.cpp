@@ -1,0 +1,75 @@
+#include "tsql/run/session.h"
+
+#include <sqlite3.h>
+
+#include "tsql/run/executor.h"
+
+namespace vicenter::tsql::engine {
+
+class Session::Impl {
+  public:
+    explicit Impl(SessionOptions options)
+        : options_(std::move(options)),
+          catalog_(database_),
+          executor_(database_, catalog_, services_, options_) {
+        services_.collation = options_.collation;
+        database_.Open(options_.path, options_.create, options_.lockTimeoutMilliseconds);
+        RegisterFunctions(database_.Handle(), services_);
+        catalog_.Prepare(options_.create);
+        // A transaction that has been reported as done survives a killed process; WAL keeps the file whole.
+        database_.Run("PRAGMA synchronous = NORMAL");
+        database_.Run("PRAGMA foreign_keys = ON");
+        database_.Run("PRAGMA temp_store = MEMORY");
+        database_.Run("PRAGMA cache_size = -16000");
+        catalog_.Refresh();
+    }
+
+    ExecutionReport Execute(std::string_view batch, ResultSink& sink) { return executor_.Run(batch, sink); }
+    void Reset() { executor_.Reset(); }
+    bool IsStale() {
+        int moved = 0;
+        sqlite3_file_control(database_.Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+        return moved != 0;
+    }
+    std::uint32_t DataVersion() {
+        // What others have committed is noticed when the read lock is taken, which the pragma does.
+        if (!version_) version_ = database_.Prepare("PRAGMA data_version");
+        {
+            const ResetAtEnd reset(version_);
+            database_.Step(version_);
+        }
+        std::uint32_t version = 0;
+        sqlite3_file_control(database_.Handle(), "main", SQLITE_FCNTL_DATA_VERSION, &version);
+        return version;
+    }
+
+  private:
+    SessionOptions options_;
+    FunctionServices services_;
+    Database database_;
+    Catalog catalog_;
+    Executor executor_;
+    Statement version_;
+};
+
+Session::Session(SessionOptions options) : impl_(std::make_unique<Impl>(std::move(options))) {}
+
+Session::~Session() = default;
+
+ExecutionReport Session::Execute(std::string_view batch, ResultSink& sink) {
+    return impl_->Execute(batch, sink);
+}
+
+void Session::Reset() {
+    impl_->Reset();
+}
+
+bool Session::IsStale() const {
+    return impl_->IsStale();
+}
+
+std::uint32_t Session::DataVersion() {
+    return impl_->DataVersion();
+}
+
+}  // namespace vicenter::tsql::engine

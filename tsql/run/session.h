@@ -1,0 +1,76 @@
+#pragma once
+
+// The engine's front: one session on one account set. T-SQL batches go in; rows, messages and errors come
+// out.
+//
+// A session belongs to one thread. Several sessions, in this process or in others, may share an account set.
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "automation/date_time.h"
+#include "tsql/base/diagnostic.h"
+#include "tsql/types/collation.h"
+#include "tsql/types/result_column.h"
+#include "tsql/types/value.h"
+
+namespace vicenter::tsql::engine {
+
+struct SessionOptions {
+    std::string path;
+    bool create = false;
+    int lockTimeoutMilliseconds = 5000;
+    // True: a batch is one unit, undone as a whole by its first failure. False: each statement stands alone.
+    bool batchTransactions = true;
+    const TextCollation* collation = nullptr;  // outlives the session
+    std::function<automation::DateTime()> now;
+    std::string user = "dbo";
+};
+
+// Takes what a batch gives, in order.
+class ResultSink {
+  public:
+    ResultSink() = default;
+    ResultSink(const ResultSink&) = delete;
+    ResultSink& operator=(const ResultSink&) = delete;
+    virtual ~ResultSink() = default;
+
+    virtual void BeginResult(const std::vector<ResultColumn>& columns) = 0;
+    virtual void AddRow(std::vector<Value>& row) = 0;  // may move the values out
+    virtual void Message(const Diagnostic& message) = 0;
+};
+
+struct ExecutionReport {
+    std::vector<Diagnostic> errors;  // in the order in which they came up
+    std::int64_t rowsAffected = -1;  // -1 when no statement changes rows
+};
+
+class Session {
+  public:
+    // Throws SqlError when the account set cannot be opened.
+    explicit Session(SessionOptions options);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    ExecutionReport Execute(std::string_view batch, ResultSink& sink);
+    // Back to the state of a new session: open transactions are undone, temporary tables, cursors and
+    // settings go.
+    void Reset();
+    // The file has been moved or deleted since it was opened.
+    bool IsStale() const;
+    // Another number whenever anything in the account set has changed, by this session or by another;
+    // compares with earlier numbers of the same session only. Takes the read lock for a moment; throws
+    // SqlError.
+    std::uint32_t DataVersion();
+
+  private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace vicenter::tsql::engine

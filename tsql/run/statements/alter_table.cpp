@@ -1,0 +1,191 @@
+#include "automation/object.h"
+#include "tsql/run/executor.h"
+#include "tsql/syntax/parse/parser.h"
+
+namespace vicenter::tsql::engine {
+
+using automation::SameName;
+
+namespace {
+
+bool IsEmpty(Database& database, const TableInfo& table) {
+    Statement any = database.Prepare("SELECT 1 FROM " + table.Sql() + " LIMIT 1");
+    return !database.Step(any);
+}
+
+}  // namespace
+
+void Executor::DropConstraint(TableInfo& table, const Name& name, bool& found) {
+    const std::size_t keys = table.keys.size();
+    std::erase_if(table.keys,
+                  [&](const KeyInfo& key) { return key.IsConstraint() && SameName(key.name, name.text); });
+    const std::size_t foreignKeys = table.foreignKeys.size();
+    std::erase_if(table.foreignKeys,
+                  [&](const ForeignKeyInfo& key) { return SameName(key.name, name.text); });
+    const std::size_t checks = table.checks.size();
+    std::erase_if(table.checks, [&](const CheckInfo& check) { return SameName(check.name, name.text); });
+    found =
+        keys != table.keys.size() || foreignKeys != table.foreignKeys.size() || checks != table.checks.size();
+    for (ColumnInfo& column : table.columns) {
+        if (column.defaultName.empty() || !SameName(column.defaultName, name.text)) continue;
+        column.defaultName.clear();
+        column.defaultText.clear();
+        found = true;
+    }
+}
+
+void Executor::AlterTable(const AlterTableStatement& statement) {
+    const bool temporary = statement.table.Object().front() == '#';
+    Change(temporary, [&] {
+        const TableInfo before = DefinedTable(statement.table, 4902);
+        const auto run = [&](Translation translation) {
+            Plan plan;
+            plan.statement = database_.Prepare(translation.sql);
+            plan.translation = std::move(translation);
+            const ResetAtEnd reset(plan.statement);
+            Bind(plan);
+            while (StepPlan(plan)) {
+            }
+        };
+        switch (statement.action) {
+            case AlterTableAction::kAdd: {
+                for (const ColumnDefinition& definition : statement.definition.columns) {
+                    TableInfo changed = DefinedTable(statement.table, 4902);
+                    TableInfo probe = changed;
+                    AddColumn(probe, definition);
+                    const ColumnInfo column = *probe.FindColumn(definition.name.text);
+                    const bool needsValue = !column.nullable && column.computedText.empty();
+                    if (needsValue && column.defaultText.empty() && !column.identity &&
+                        !IsEmpty(database_, changed)) {
+                        throw MakeError(4901, definition.name.position, {column.name, changed.name});
+                    }
+                    catalog_.AddColumn(changed, column);
+                    if (!column.defaultText.empty() && !column.nullable) {
+                        const ExprPtr value = ParseExpression(column.defaultText);
+                        const TableInfo& now = DefinedTable(statement.table, 4902);
+                        run(Translator(*this).FillColumn(now, *now.FindColumn(column.name), *value));
+                    }
+                    // Keys and checks that came with the column.
+                    TableInfo now = DefinedTable(statement.table, 4902);
+                    for (std::size_t i = changed.keys.size(); i < probe.keys.size(); ++i) {
+                        MakeKey(now, probe.keys[i], statement.position);
+                        now = DefinedTable(statement.table, 4902);
+                    }
+                    if (probe.checks.size() > changed.checks.size() ||
+                        probe.foreignKeys.size() > changed.foreignKeys.size()) {
+                        now.checks = probe.checks;
+                        now.foreignKeys = probe.foreignKeys;
+                        catalog_.ChangeTable(now, true);
+                    }
+                }
+                for (const Constraint& constraint : statement.definition.constraints) {
+                    const TableInfo current = DefinedTable(statement.table, 4902);
+                    TableInfo changed = current;
+                    AddConstraint(changed, constraint);
+                    if (changed.keys.size() > current.keys.size()) {
+                        MakeKey(current, changed.keys.back(), statement.position);
+                    } else {
+                        const bool rewrite = changed.checks.size() > current.checks.size() ||
+                                             changed.foreignKeys.size() > current.foreignKeys.size();
+                        if (changed.checks.size() > current.checks.size() &&
+                            statement.withCheck.value_or(true)) {
+                            const CheckInfo& check = changed.checks.back();
+                            Statement broken =
+                                database_.Prepare("SELECT 1 FROM " + current.Sql() + " WHERE NOT (" +
+                                                  check.sqlText + ") LIMIT 1");
+                            if (database_.Step(broken)) {
+                                throw MakeError(547, statement.position,
+                                                {"ALTER TABLE", "CHECK", check.name, "accountset",
+                                                 current.FullName(), "", "", ""});
+                            }
+                        }
+                        catalog_.ChangeTable(changed, rewrite);
+                    }
+                }
+                break;
+            }
+            case AlterTableAction::kAlterColumn: {
+                const ColumnDefinition& definition = statement.definition.columns.front();
+                const ColumnInfo* column = before.FindColumn(definition.name.text);
+                if (column == nullptr) {
+                    throw MakeError(4924, statement.position,
+                                    {"ALTER TABLE ALTER COLUMN", definition.name.text, before.name});
+                }
+                if (before.IsRowNumber(column->name) &&
+                    !Translator::ResolveType(definition.type).IsInteger()) {
+                    throw MakeError(5074, statement.position,
+                                    {"object", before.PrimaryKey()->name, "column", column->name});
+                }
+                const SqlType from = column->type;
+                TableInfo changed = before;
+                for (ColumnInfo& entry : changed.columns) {
+                    if (!SameName(entry.name, definition.name.text)) continue;
+                    entry.type = Translator::ResolveType(definition.type);
+                    entry.nullable = definition.nullable.value_or(true);
+                }
+                catalog_.ChangeTable(changed, true);
+                const TableInfo& now = DefinedTable(statement.table, 4902);
+                run(Translator(*this).RewriteColumn(now, *now.FindColumn(definition.name.text), from));
+                catalog_.RemakeNullIndexes(now);
+                break;
+            }
+            case AlterTableAction::kDropColumn:
+                for (const Name& name : statement.names) {
+                    const TableInfo now = DefinedTable(statement.table, 4902);
+                    const ColumnInfo* column = now.FindColumn(name.text);
+                    if (column == nullptr) {
+                        if (statement.ifExists) continue;
+                        throw MakeError(4924, name.position,
+                                        {"ALTER TABLE DROP COLUMN", name.text, now.name});
+                    }
+                    if (!column->defaultText.empty()) {
+                        throw MakeError(5074, name.position,
+                                        {"object", column->defaultName, "column", column->name});
+                    }
+                    for (const KeyInfo& key : now.keys) {
+                        for (const std::string& part : key.columns) {
+                            if (SameName(part, name.text)) {
+                                throw MakeError(5074, name.position,
+                                                {key.IsConstraint() ? "object" : "index", key.name, "column",
+                                                 column->name});
+                            }
+                        }
+                    }
+                    catalog_.DropColumn(now, column->name);
+                }
+                break;
+            case AlterTableAction::kDropConstraint:
+                for (const Name& name : statement.names) {
+                    const TableInfo now = DefinedTable(statement.table, 4902);
+                    TableInfo changed = now;
+                    bool found = false;
+                    DropConstraint(changed, name, found);
+                    if (!found) {
+                        if (statement.ifExists) continue;
+                        throw MakeError(3728, name.position, {name.text});
+                    }
+                    for (const KeyInfo& key : now.keys) {
+                        if (SameName(key.name, name.text) && now.IsRowNumber(key.columns.front()) &&
+                            key.kind == KeyKind::kPrimary) {
+                            throw MakeError(40510, name.position,
+                                            {"ALTER TABLE DROP CONSTRAINT " + name.text});
+                        }
+                    }
+                    if (changed.keys.size() < now.keys.size()) {
+                        catalog_.DropIndex(now, name.text);
+                    } else {
+                        catalog_.ChangeTable(changed,
+                                             changed.checks.size() < now.checks.size() ||
+                                                 changed.foreignKeys.size() < now.foreignKeys.size());
+                    }
+                }
+                break;
+            case AlterTableAction::kCheckConstraint:
+            case AlterTableAction::kNoCheckConstraint:
+                // Constraints are always checked here.
+                break;
+        }
+    });
+}
+
+}  // namespace vicenter::tsql::engine

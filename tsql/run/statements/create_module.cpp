@@ -1,0 +1,43 @@
+// CREATE and ALTER of views and procedures: their texts go into the catalog as they are.
+
+#include "tsql/run/executor.h"
+
+namespace vicenter::tsql::engine {
+
+void Executor::CreateView(const CreateViewStatement& statement) {
+    const std::string& name = statement.name.Object();
+    Change(false, [&] {
+        const bool exists = catalog_.FindView(name) != nullptr;
+        if (statement.alter && !exists) throw MakeError(208, statement.name.Where(), {statement.name.Text()});
+        if (!statement.alter && !(statement.createOrAlter && exists) && catalog_.ObjectId(name, "")) {
+            throw MakeError(2714, statement.name.Where(), {name});
+        }
+        // What it asks for must be there, and every column needs a name.
+        const Translation translation = Translator(*this).Select(*statement.query);
+        if (!statement.columns.empty() && statement.columns.size() != translation.columns.size()) {
+            throw MakeError(statement.columns.size() < translation.columns.size() ? 8158 : 8159,
+                            statement.position, {name});
+        }
+        for (std::size_t i = 0; statement.columns.empty() && i < translation.columns.size(); ++i) {
+            if (translation.columns[i].name.empty()) {
+                throw MakeError(4511, statement.position, {static_cast<std::int32_t>(i + 1)});
+            }
+        }
+        catalog_.WriteModule('V', name, std::string(batchText_));
+    });
+}
+
+void Executor::CreateProcedure(const CreateProcedureStatement& statement) {
+    const std::string& name = statement.name.Object();
+    Change(false, [&] {
+        const bool exists = catalog_.FindProcedure(name) != nullptr;
+        if (statement.alter && !exists) throw MakeError(208, statement.name.Where(), {statement.name.Text()});
+        if (!statement.alter && !(statement.createOrAlter && exists) && catalog_.ObjectId(name, "")) {
+            throw MakeError(2714, statement.name.Where(), {name});
+        }
+        // The whole batch is kept, so that lines in errors are those of the text that was sent.
+        catalog_.WriteModule('P', name, std::string(batchText_));
+    });
+}
+
+}  // namespace vicenter::tsql::engine

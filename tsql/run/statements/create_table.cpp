@@ -1,0 +1,193 @@
+// CREATE TABLE, and what it shares with ALTER TABLE and table variables: columns and constraints.
+
+#include "automation/object.h"
+#include "tsql/base/text_units.h"
+#include "tsql/run/executor.h"
+#include "tsql/syntax/print/printer.h"
+
+namespace vicenter::tsql::engine {
+
+using automation::SameName;
+
+std::string Executor::ExpressionText(const Expr& expression) const {
+    return tsql::Print(expression);
+}
+
+std::string Executor::ConstraintName(const TableInfo& table, const Constraint& constraint, const char* prefix,
+                                     const std::string& detail) {
+    if (!constraint.name.IsEmpty()) {
+        if (!table.temporary && catalog_.HasConstraint(constraint.name.text)) {
+            throw MakeError(2714, constraint.position, {constraint.name.text});
+        }
+        return constraint.name.text;
+    }
+    // As the server does, cut names with a number that is the same on every run.
+    std::string name = std::string(prefix) + "__" + table.name;
+    if (!detail.empty()) name += "__" + detail;
+    std::string free = name;
+    for (int number = 2; !table.temporary && catalog_.HasConstraint(free); ++number) {
+        free = name + "_" + std::to_string(number);
+    }
+    return free;
+}
+
+void Executor::AddColumn(TableInfo& table, const ColumnDefinition& definition) {
+    if (table.FindColumn(definition.name.text) != nullptr) {
+        throw MakeError(2705, definition.name.position, {definition.name.text, table.name});
+    }
+    ColumnInfo column;
+    column.name = definition.name.text;
+    if (definition.computedAs) {
+        column.computedText = ExpressionText(*definition.computedAs);
+        column.type = SqlType::Int();
+        table.columns.push_back(std::move(column));
+        return;
+    }
+    column.type = Translator::ResolveType(definition.type);
+    if (!definition.collation.IsEmpty()) Translator::CheckCollation(definition.collation);
+    column.nullable = definition.nullable.value_or(true);
+    if (definition.identity) {
+        if (table.IdentityColumn() != nullptr) throw MakeError(2744, definition.name.position, {table.name});
+        const bool whole =
+            column.type.IsInteger() || (column.type.kind == TypeKind::kDecimal && column.type.scale == 0);
+        if (!whole || column.type.kind == TypeKind::kBit) {
+            throw MakeError(2749, definition.name.position, {definition.name.text});
+        }
+        column.identity = true;
+        column.seed = definition.identity->seed;
+        column.increment = definition.identity->increment;
+        column.nullable = false;
+    }
+    table.columns.push_back(std::move(column));
+    for (const Constraint& constraint : definition.constraints)
+        AddConstraint(table, constraint);
+}
+
+void Executor::AddConstraint(TableInfo& table, const Constraint& constraint) {
+    const auto columnNames = [&](bool makeNotNull) {
+        std::vector<std::string> names;
+        for (const IndexColumn& entry : constraint.columns) {
+            ColumnInfo* column = nullptr;
+            for (ColumnInfo& candidate : table.columns) {
+                if (SameName(candidate.name, entry.name.text)) column = &candidate;
+            }
+            if (column == nullptr) throw MakeError(1911, entry.name.position, {entry.name.text});
+            if (makeNotNull) column->nullable = false;
+            names.push_back(column->name);
+        }
+        return names;
+    };
+    switch (constraint.kind) {
+        case ConstraintKind::kPrimaryKey:
+        case ConstraintKind::kUnique: {
+            const bool primary = constraint.kind == ConstraintKind::kPrimaryKey;
+            if (primary && table.PrimaryKey() != nullptr) {
+                throw MakeError(table.id == 0 ? 8110 : 1779, constraint.position, {table.name});
+            }
+            KeyInfo key;
+            key.kind = primary ? KeyKind::kPrimary : KeyKind::kUnique;
+            key.columns = columnNames(primary && table.id == 0);
+            for (const IndexColumn& column : constraint.columns)
+                key.descending.push_back(column.descending);
+            if (primary) {
+                for (const std::string& name : key.columns) {
+                    if (table.FindColumn(name)->nullable)
+                        throw MakeError(8111, constraint.position, {table.name});
+                }
+            }
+            key.name =
+                ConstraintName(table, constraint, primary ? "PK" : "UQ", primary ? "" : key.columns.front());
+            table.keys.push_back(std::move(key));
+            break;
+        }
+        case ConstraintKind::kDefault: {
+            const std::string& name = constraint.columns.front().name.text;
+            for (ColumnInfo& column : table.columns) {
+                if (!SameName(column.name, name)) continue;
+                if (!column.defaultText.empty()) throw MakeError(1781, constraint.position);
+                column.defaultText = ExpressionText(*constraint.expression);
+                column.defaultName = ConstraintName(table, constraint, "DF", column.name);
+                return;
+            }
+            throw MakeError(1752, constraint.position, {name, table.name});
+        }
+        case ConstraintKind::kCheck: {
+            CheckInfo check;
+            const std::string detail = constraint.columns.empty() ? "" : constraint.columns.front().name.text;
+            check.name = ConstraintName(table, constraint, "CK", detail);
+            check.text = ExpressionText(*constraint.expression);
+            check.sqlText = Translator(*this).CheckText(table, *constraint.expression);
+            table.checks.push_back(std::move(check));
+            break;
+        }
+        case ConstraintKind::kForeignKey: {
+            ForeignKeyInfo key;
+            key.columns = columnNames(false);
+            const std::string& name = constraint.referencedTable.Object();
+            key.name = ConstraintName(table, constraint, "FK", name);
+            const TableInfo* referenced = SameName(name, table.name) ? &table : catalog_.FindTable(name);
+            if (referenced == nullptr) throw MakeError(1767, constraint.position, {key.name, name});
+            key.referencedTable = referenced->name;
+            for (const Name& column : constraint.referencedColumns) {
+                const ColumnInfo* found = referenced->FindColumn(column.text);
+                if (found == nullptr) throw MakeError(1911, column.position, {column.text});
+                key.referencedColumns.push_back(found->name);
+            }
+            if (key.referencedColumns.empty() && referenced->PrimaryKey() != nullptr) {
+                key.referencedColumns = referenced->PrimaryKey()->columns;
+            }
+            bool candidate = false;
+            for (const KeyInfo& entry : referenced->keys) {
+                candidate = candidate || (entry.IsUnique() && entry.columns == key.referencedColumns);
+            }
+            if (!candidate) throw MakeError(1776, constraint.position, {referenced->name, key.name});
+            key.onDelete = constraint.onDelete;
+            key.onUpdate = constraint.onUpdate;
+            table.foreignKeys.push_back(std::move(key));
+            break;
+        }
+    }
+}
+
+TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& definition, bool temporary) {
+    TableInfo table;
+    table.name = name;
+    table.temporary = temporary;
+    // Temporary names are made unique: a table dropped in a transaction that is undone comes back unseen.
+    table.physical = temporary ? name + "$" + std::to_string(++tableVariables_) : name;
+    for (const ColumnDefinition& column : definition.columns)
+        AddColumn(table, column);
+    for (const Constraint& constraint : definition.constraints)
+        AddConstraint(table, constraint);
+    if (temporary) table.foreignKeys.clear();
+    for (ColumnInfo& column : table.columns) {
+        if (column.computedText.empty()) continue;
+        // Its type is that of its expression.
+        Translator translator(*this);
+        column.type = translator.ComputedType(table, column.computedText);
+    }
+    if (const ColumnInfo* identity = table.IdentityColumn())
+        table.lastIdentity = identity->seed - identity->increment;
+    return table;
+}
+
+void Executor::CreateTable(const CreateTableStatement& statement) {
+    const std::string& name = statement.table.Object();
+    const bool temporary = !name.empty() && name.front() == '#';
+    Change(temporary, [&] {
+        if (temporary ? catalog_.FindTable(name) != nullptr
+                      : catalog_.ObjectId(name, "").has_value() || catalog_.HasConstraint(name)) {
+            throw MakeError(2714, statement.table.Where(), {name});
+        }
+        catalog_.CreateTable(BuildTable(name, statement.definition, temporary));
+        if (temporary && frame_->level > 0) frame_->temporaries.push_back(name);
+    });
+}
+
+const TableInfo& Executor::DefinedTable(const ObjectName& name, std::int32_t error) {
+    const TableInfo* table = FindTable(name.Object());
+    if (table == nullptr) throw MakeError(error, name.Where(), {name.Object()});
+    return *table;
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,155 @@
+// Cursors. All are static: OPEN reads the rows, FETCH goes through them.
+
+#include "tsql/base/text_units.h"
+#include "tsql/run/executor.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+// What @@fetch_status says.
+constexpr std::int32_t kFetched = 0;
+constexpr std::int32_t kNoRow = -1;
+
+bool Has(const std::vector<std::string>& options, std::string_view option) {
+    for (const std::string& entry : options) {
+        if (entry == option) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const CursorDefinition& definition) {
+    auto cursor = std::make_shared<Cursor>();
+    cursor->name = name;
+    cursor->unit = frame_->unit;
+    cursor->scroll = !Has(definition.options, "forward_only") && !Has(definition.options, "fast_forward");
+    Plan plan;
+    plan.translation = Translator(*this).Select(*definition.query);
+    plan.statement = database_.Prepare(plan.translation.sql);
+    // Variables in the query have the values of this moment.
+    Bind(plan);
+    cursor->columns = plan.translation.columns;
+    cursor->statement = std::move(plan.statement);
+    return cursor;
+}
+
+std::shared_ptr<Cursor>& Executor::CursorSlot(const CursorName& name) {
+    if (name.IsVariable()) {
+        Variable& variable = FindVariable(name.name.text, name.name.position);
+        if (!variable.isCursor) throw MakeError(16948, name.name.position, {name.name.text});
+        if (!variable.cursor) throw MakeError(16950, name.name.position, {name.name.text});
+        return variable.cursor;
+    }
+    const std::string key = LowerAscii(name.name.text);
+    if (!name.global) {
+        const auto local = frame_->cursors.find(key);
+        if (local != frame_->cursors.end()) return local->second;
+    }
+    const auto global = globalCursors_.find(key);
+    if (global == globalCursors_.end()) throw MakeError(16916, name.name.position, {name.name.text});
+    return global->second;
+}
+
+void Executor::DeclareCursor(const DeclareCursorStatement& statement) {
+    const std::string key = LowerAscii(statement.name.text);
+    auto& cursors = Has(statement.cursor.options, "local") ? frame_->cursors : globalCursors_;
+    if (cursors.contains(key)) throw MakeError(16915, statement.position, {statement.name.text});
+    cursors[key] = MakeCursor(statement.name.text, statement.cursor);
+}
+
+void Executor::SetCursor(const SetCursorStatement& statement) {
+    Variable& variable = FindVariable(statement.variable, statement.position);
+    if (!variable.isCursor) throw MakeError(16948, statement.position, {statement.variable});
+    variable.cursor = MakeCursor(statement.variable, statement.cursor);
+}
+
+void Executor::OpenCursor(const OpenCursorStatement& statement) {
+    Cursor& cursor = *CursorSlot(statement.cursor);
+    if (cursor.open) throw MakeError(16905, statement.position);
+    cursor.rows.clear();
+    Plan plan;
+    plan.translation.columns = cursor.columns;
+    plan.statement = std::move(cursor.statement);
+    try {
+        const ResetAtEnd reset(plan.statement);
+        std::vector<Value> row;
+        while (StepPlan(plan)) {
+            ReadRow(plan, row);
+            cursor.rows.push_back(std::move(row));
+        }
+    } catch (...) {
+        cursor.statement = std::move(plan.statement);
+        throw;
+    }
+    cursor.statement = std::move(plan.statement);
+    cursor.position = -1;
+    cursor.open = true;
+}
+
+void Executor::Fetch(const FetchStatement& statement) {
+    Cursor& cursor = *CursorSlot(statement.cursor);
+    if (!cursor.open) throw MakeError(16917, statement.position);
+    const auto count = static_cast<std::int64_t>(cursor.rows.size());
+    const std::int64_t amount = statement.amount ? EvaluateInt(*statement.amount) : 0;
+    std::int64_t target = cursor.position;
+    switch (statement.direction) {
+        case FetchDirection::kNext:
+            ++target;
+            break;
+        case FetchDirection::kPrior:
+            --target;
+            break;
+        case FetchDirection::kFirst:
+            target = 0;
+            break;
+        case FetchDirection::kLast:
+            target = count - 1;
+            break;
+        case FetchDirection::kAbsolute:
+            target = amount > 0 ? amount - 1 : amount < 0 ? count + amount : -1;
+            break;
+        case FetchDirection::kRelative:
+            target += amount;
+            break;
+    }
+    if (statement.direction != FetchDirection::kNext && !cursor.scroll) {
+        throw MakeError(16911, statement.position, {"fetch", "other than next"});
+    }
+    cursor.position = target < -1 ? -1 : target > count ? count : target;
+    const bool found = target >= 0 && target < count;
+    if (!statement.into.empty()) {
+        if (statement.into.size() != cursor.columns.size()) throw MakeError(16924, statement.position);
+        for (std::size_t i = 0; found && i < statement.into.size(); ++i) {
+            Variable& variable = FindVariable(statement.into[i], statement.position);
+            variable.value = Convert(cursor.rows[static_cast<std::size_t>(target)][i], cursor.columns[i].type,
+                                     variable.type);
+        }
+    } else {
+        sink_->BeginResult(cursor.columns);
+        if (found) {
+            std::vector<Value> row = cursor.rows[static_cast<std::size_t>(target)];
+            sink_->AddRow(row);
+        }
+    }
+    fetchStatus_ = found ? kFetched : kNoRow;
+    rowCount_ = found ? 1 : 0;
+}
+
+void Executor::CloseCursor(const CloseCursorStatement& statement) {
+    Cursor& cursor = *CursorSlot(statement.cursor);
+    if (!cursor.open) throw MakeError(16917, statement.position);
+    cursor.open = false;
+    cursor.rows.clear();
+}
+
+void Executor::Deallocate(const DeallocateStatement& statement) {
+    std::shared_ptr<Cursor>& slot = CursorSlot(statement.cursor);
+    slot.reset();
+    if (statement.cursor.IsVariable()) return;
+    const std::string key = LowerAscii(statement.cursor.name.text);
+    if (frame_->cursors.erase(key) == 0) globalCursors_.erase(key);
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,81 @@
+#include "automation/object.h"
+#include "tsql/run/executor.h"
+
+namespace vicenter::tsql::engine {
+
+using automation::SameName;
+
+namespace {
+
+const char* Word(DropKind kind) {
+    switch (kind) {
+        case DropKind::kTable:
+            return "table";
+        case DropKind::kIndex:
+            return "index";
+        case DropKind::kView:
+            return "view";
+        case DropKind::kProcedure:
+            return "procedure";
+        case DropKind::kFunction:
+            return "function";
+        case DropKind::kTrigger:
+            return "trigger";
+    }
+    return "";
+}
+
+}  // namespace
+
+void Executor::Drop(const DropStatement& statement) {
+    for (std::size_t i = 0; i < statement.names.size(); ++i) {
+        const ObjectName& name = statement.names[i];
+        const bool temporary = name.Object().front() == '#';
+        const auto missing = [&] {
+            if (statement.ifExists) return;
+            throw MakeError(3701, name.Where(), {"drop", Word(statement.object), name.Text()});
+        };
+        Change(temporary, [&] {
+            switch (statement.object) {
+                case DropKind::kTable: {
+                    const TableInfo* table = FindTable(name.Object());
+                    if (table == nullptr) return missing();
+                    for (const TableInfo* other : catalog_.Tables()) {
+                        for (const ForeignKeyInfo& key : other->foreignKeys) {
+                            if (other != table && SameName(key.referencedTable, table->name)) {
+                                throw MakeError(3726, name.Where(), {table->name});
+                            }
+                        }
+                    }
+                    catalog_.DropTable(*table);
+                    break;
+                }
+                case DropKind::kIndex: {
+                    const bool onTable = i < statement.onTables.size();
+                    const std::string owner = onTable ? statement.onTables[i].Object() : name.Schema();
+                    const TableInfo* table = FindTable(owner);
+                    if (table == nullptr) return missing();
+                    for (const KeyInfo& key : table->keys) {
+                        if (SameName(key.name, name.Object()) && !key.IsConstraint()) {
+                            return catalog_.DropIndex(*table, key.name);
+                        }
+                    }
+                    return missing();
+                }
+                case DropKind::kView:
+                    if (catalog_.FindView(name.Object()) == nullptr) return missing();
+                    catalog_.DropModule('V', name.Object());
+                    break;
+                case DropKind::kProcedure:
+                    if (catalog_.FindProcedure(name.Object()) == nullptr) return missing();
+                    catalog_.DropModule('P', name.Object());
+                    break;
+                case DropKind::kFunction:
+                case DropKind::kTrigger:
+                    return missing();
+            }
+        });
+    }
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,234 @@
+// EXEC of procedures, of texts, and sp_executesql.
+
+#include "automation/object.h"
+#include "tsql/base/text_units.h"
+#include "tsql/run/executor.h"
+#include "tsql/syntax/print/printer.h"
+
+namespace vicenter::tsql::engine {
+
+using automation::SameName;
+
+namespace {
+
+bool IsDefault(const Expr* expression) {
+    const auto* literal = TryAs<LiteralExpr>(expression);
+    return literal != nullptr && literal->literal == LiteralKind::kDefault;
+}
+
+}  // namespace
+
+void Executor::Execute(const ExecuteStatement& statement) {
+    std::string name;
+    if (statement.procedureVariable.empty()) {
+        name = statement.procedure.Object();
+    } else {
+        const Variable& variable = FindVariable(statement.procedureVariable, statement.position);
+        name = variable.value.IsNull() ? std::string() : variable.value.Text();
+    }
+    if (SameName(name, "sp_executesql")) return ExecuteSql(statement);
+    CallProcedure(statement, name);
+}
+
+std::shared_ptr<Unit> Executor::ProcedureUnit(const ModuleInfo& procedure) {
+    std::shared_ptr<Unit>& unit = procedures_[LowerAscii(procedure.name)];
+    if (!unit || unit->text != procedure.text) {
+        unit = ParseUnit(procedure.text, false);
+        unit->text = procedure.text;
+    }
+    return unit;
+}
+
+void Executor::CallProcedure(const ExecuteStatement& statement, const std::string& name) {
+    const ModuleInfo* found = catalog_.FindProcedure(name);
+    if (found == nullptr) {
+        // Another process may have made it in the meantime.
+        catalog_.Refresh();
+        found = catalog_.FindProcedure(name);
+    }
+    if (found == nullptr) throw MakeError(2812, statement.position, {name});
+    Frame callee;
+    callee.unit = ProcedureUnit(*found);
+    callee.procedure = found->name;
+    callee.procedureId = found->id;
+    const auto* procedure = TryAs<CreateProcedureStatement>(callee.unit->items.front().statement);
+    RunProcedure(*procedure, statement, 0, callee);
+}
+
+void Executor::BindArguments(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
+                             std::size_t firstArgument, Frame& callee) {
+    const std::vector<ProcedureParameter>& parameters = procedure.parameters;
+    std::vector<const ExecuteArgument*> given(parameters.size(), nullptr);
+    std::size_t next = 0;
+    bool named = false;
+    for (std::size_t i = firstArgument; i < statement.arguments.size(); ++i) {
+        const ExecuteArgument& argument = statement.arguments[i];
+        std::size_t target = next++;
+        if (!argument.name.empty()) {
+            named = true;
+            for (target = 0; target < parameters.size(); ++target) {
+                if (SameName(parameters[target].name, argument.name)) break;
+            }
+            if (target == parameters.size()) {
+                throw MakeError(8145, statement.position, {argument.name, callee.procedure});
+            }
+        } else if (named) {
+            throw MakeError(119, statement.position, {static_cast<std::int32_t>(i - firstArgument + 1)});
+        }
+        if (target >= parameters.size()) {
+            if (parameters.empty()) throw MakeError(8146, statement.position, {callee.procedure});
+            throw MakeError(8144, statement.position, {callee.procedure});
+        }
+        if (given[target] != nullptr) throw MakeError(8143, statement.position, {parameters[target].name});
+        given[target] = &argument;
+    }
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        const ProcedureParameter& parameter = parameters[i];
+        Variable variable;
+        variable.isCursor = parameter.cursor;
+        if (!parameter.cursor) variable.type = Translator::ResolveType(parameter.type);
+        const bool hasValue = given[i] != nullptr && !IsDefault(given[i]->value.get());
+        if (!hasValue && !parameter.defaultValue && !parameter.cursor) {
+            if (SameName(callee.procedure, "sp_executesql")) {
+                throw MakeError(8178, statement.position, {"", parameter.name});
+            }
+            throw MakeError(201, statement.position, {callee.procedure, parameter.name});
+        }
+        if (hasValue && given[i]->output && !parameter.output) {
+            throw MakeError(8162, statement.position, {parameter.name});
+        }
+        if (parameter.cursor) {
+            callee.variables.emplace(LowerAscii(parameter.name), std::move(variable));
+            continue;
+        }
+        SqlType type;
+        const Expr& value = hasValue ? *given[i]->value : *parameter.defaultValue;
+        Value evaluated;
+        if (hasValue) {
+            evaluated = Evaluate(value, &type);
+        } else {
+            const FrameScope inside(frame_, callee);
+            evaluated = Evaluate(value, &type);
+        }
+        try {
+            if (!type.IsUnknown()) CheckConversion(type, variable.type, false);
+            variable.value = Convert(evaluated, type, variable.type);
+        } catch (const SqlError& error) {
+            // A wrong argument is told as 8114, whatever the conversion would say.
+            if (error.Number() != 245 && error.Number() != 241 && error.Number() != 242) throw;
+            throw MakeError(8114, statement.position, {MessageName(type), MessageName(variable.type)});
+        }
+        callee.variables.emplace(LowerAscii(parameter.name), std::move(variable));
+    }
+}
+
+void Executor::RunProcedure(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
+                            std::size_t firstArgument, Frame& callee) {
+    callee.caller = frame_;
+    callee.level = frame_->level + 1;
+    if (callee.level > kNestingLevels) throw MakeError(217, statement.position, {kNestingLevels});
+    BindArguments(procedure, statement, firstArgument, callee);
+    const bool noCount = noCount_;
+    const auto* literals = literals_;
+    const auto* literalOffsets = literalOffsets_;
+    Unit* pinUnit = pinUnit_;
+    literals_ = nullptr;
+    literalOffsets_ = nullptr;
+    pinUnit_ = nullptr;
+    const std::string_view batchText = batchText_;
+    batchText_ = callee.unit->text;
+    const auto restore = [&] {
+        LeaveFrame(callee);
+        noCount_ = noCount;
+        literals_ = literals;
+        literalOffsets_ = literalOffsets;
+        pinUnit_ = pinUnit;
+        batchText_ = batchText;
+    };
+    try {
+        const FrameScope scope(frame_, callee);
+        DeclareAll(procedure.body);
+        RunList(procedure.body);
+    } catch (...) {
+        restore();
+        throw;
+    }
+    restore();
+    std::size_t position = 0;
+    for (std::size_t i = firstArgument; i < statement.arguments.size(); ++i, ++position) {
+        const ExecuteArgument& argument = statement.arguments[i];
+        if (!argument.output) continue;
+        const auto* target = TryAs<VariableExpr>(argument.value.get());
+        if (target == nullptr) throw MakeError(179, argument.position);
+        const std::string& name = argument.name.empty() ? procedure.parameters[position].name : argument.name;
+        const Variable& source = callee.variables.at(LowerAscii(name));
+        Variable& variable = FindVariable(target->name, target->position);
+        if (source.isCursor) {
+            variable.cursor = source.cursor;
+        } else {
+            variable.value = Convert(source.value, source.type, variable.type);
+        }
+    }
+    if (!statement.resultVariable.empty()) {
+        Variable& result = FindVariable(statement.resultVariable, statement.position);
+        result.value = Convert(Value(callee.returnValue), SqlType::Int(), result.type);
+    }
+}
+
+void Executor::ExecuteText(const ExecuteTextStatement& statement) {
+    const std::string text = EvaluateText(*statement.text);
+    Frame callee;
+    callee.caller = frame_;
+    callee.level = frame_->level + 1;
+    if (callee.level > kNestingLevels) throw MakeError(217, statement.position, {kNestingLevels});
+    callee.unit = ParseUnit(text, false);
+    const auto* literals = literals_;
+    const auto* literalOffsets = literalOffsets_;
+    Unit* pinUnit = pinUnit_;
+    literals_ = nullptr;
+    literalOffsets_ = nullptr;
+    pinUnit_ = nullptr;
+    const std::string_view batchText = batchText_;
+    batchText_ = text;
+    const auto restore = [&] {
+        LeaveFrame(callee);
+        literals_ = literals;
+        literalOffsets_ = literalOffsets;
+        pinUnit_ = pinUnit;
+        batchText_ = batchText;
+    };
+    try {
+        const FrameScope scope(frame_, callee);
+        DeclareAll(callee.unit->statements);
+        for (const UnitItem& item : callee.unit->items) {
+            if (RunStatement(*item.statement) == Flow::kReturn) break;
+        }
+    } catch (...) {
+        restore();
+        throw;
+    }
+    restore();
+}
+
+// sp_executesql @statement, @parameters, values…: a procedure that is made for one call.
+void Executor::ExecuteSql(const ExecuteStatement& statement) {
+    if (statement.arguments.empty())
+        throw MakeError(201, statement.position, {"sp_executesql", "@statement"});
+    const std::string body = EvaluateText(*statement.arguments[0].value);
+    const std::string parameters =
+        statement.arguments.size() > 1 ? EvaluateText(*statement.arguments[1].value) : std::string();
+    Frame callee;
+    const std::string text = "create procedure sp_executesql " + parameters + " as " + body;
+    if (procedures_.size() > 500) procedures_.clear();
+    std::shared_ptr<Unit>& kept = procedures_["exec " + text];
+    if (!kept) {
+        kept = ParseUnit(text, false);
+        kept->text = text;
+    }
+    callee.unit = kept;
+    callee.procedure = "sp_executesql";
+    const auto* procedure = TryAs<CreateProcedureStatement>(callee.unit->items.front().statement);
+    RunProcedure(*procedure, statement, statement.arguments.size() > 1 ? 2 : 1, callee);
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,34 @@
+#include "tsql/run/executor.h"
+
+namespace vicenter::tsql::engine {
+
+Flow Executor::TryCatch(const TryCatchStatement& statement) {
+    Frame* const frame = frame_;
+    ResultSink* const sink = sink_;
+    ++tryDepth_;
+    try {
+        const Flow flow = RunList(statement.tried);
+        --tryDepth_;
+        return flow;
+    } catch (const Abort& abort) {
+        --tryDepth_;
+        frame_ = frame;
+        sink_ = sink;
+        // A lost connection to the disk is nothing that code could go on after.
+        if (abort.error.Details().severity >= 20) throw;
+        caught_.push_back(abort.error.Details());
+    } catch (...) {
+        --tryDepth_;
+        throw;
+    }
+    try {
+        const Flow flow = RunList(statement.caught);
+        caught_.pop_back();
+        return flow;
+    } catch (...) {
+        caught_.pop_back();
+        throw;
+    }
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,165 @@
+#include "tsql/sqlite/database.h"
+
+#include <sqlite3.h>
+
+#include "tsql/base/error_table.h"
+
+namespace vicenter::tsql::engine {
+
+Statement& Statement::operator=(Statement&& other) noexcept {
+    if (this != &other) {
+        sqlite3_finalize(handle_);
+        handle_ = other.handle_;
+        other.handle_ = nullptr;
+    }
+    return *this;
+}
+
+Statement::~Statement() {
+    sqlite3_finalize(handle_);
+}
+
+int Statement::Step() {
+    return sqlite3_step(handle_);
+}
+
+void Statement::Reset() {
+    sqlite3_reset(handle_);
+}
+
+bool Statement::IsReadOnly() const {
+    return sqlite3_stmt_readonly(handle_) != 0;
+}
+
+void Statement::Bind(int parameter, std::int64_t value) {
+    sqlite3_bind_int64(handle_, parameter, value);
+}
+
+void Statement::Bind(int parameter, std::string_view value) {
+    sqlite3_bind_text64(handle_, parameter, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+void Statement::BindNull(int parameter) {
+    sqlite3_bind_null(handle_, parameter);
+}
+
+std::int64_t Statement::Int(int column) const {
+    return sqlite3_column_int64(handle_, column);
+}
+
+std::string Statement::Text(int column) const {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
+    if (text == nullptr) return {};
+    return std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(handle_, column)));
+}
+
+bool Statement::IsNull(int column) const {
+    return sqlite3_column_type(handle_, column) == SQLITE_NULL;
+}
+
+Database::~Database() {
+    sqlite3_close_v2(handle_);
+}
+
+void Database::Open(const std::string& path, bool create, int lockTimeoutMilliseconds) {
+    path_ = path;
+    const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_NOMUTEX;
+    const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr);
+    if (code != SQLITE_OK) {
+        SqlError failure = Failure(code);
+        sqlite3_close_v2(handle_);
+        handle_ = nullptr;
+        throw failure;
+    }
+    sqlite3_extended_result_codes(handle_, 1);
+    SetLockTimeout(lockTimeoutMilliseconds);
+}
+
+void Database::SetLockTimeout(int milliseconds) {
+    // A negative time waits for ever on the server; a day comes near enough.
+    sqlite3_busy_timeout(handle_, milliseconds < 0 ? 86400000 : milliseconds);
+}
+
+Statement Database::Prepare(std::string_view sql) {
+    sqlite3_stmt* statement = nullptr;
+    const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
+                                        SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    if (code != SQLITE_OK) throw Failure(code);
+    return Statement(statement);
+}
+
+void Database::Run(const std::string& sql) {
+    const int code = sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK) throw Failure(code);
+}
+
+bool Database::Step(Statement& statement) {
+    const int code = statement.Step();
+    if (code == SQLITE_ROW) return true;
+    if (code == SQLITE_DONE) return false;
+    SqlError failure = Failure(code);
+    statement.Reset();
+    throw failure;
+}
+
+bool Database::InTransaction() const {
+    return sqlite3_get_autocommit(handle_) == 0;
+}
+
+std::int64_t Database::Changes() const {
+    return sqlite3_changes64(handle_);
+}
+
+SqlError Database::Failure(int code) const {
+    const std::string text = handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
+    switch (code & 0xFF) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return MakeError(1222, {});
+        case SQLITE_FULL:
+            return MakeError(9002, {}, {path_, "DISK_FULL"});
+        case SQLITE_READONLY:
+            return MakeError(3906, {}, {path_});
+        case SQLITE_CANTOPEN:
+        case SQLITE_PERM:
+        case SQLITE_AUTH:
+            return MakeError(5120, {}, {path_, text});
+        case SQLITE_NOTADB:
+            return MakeError(5172, {}, {path_});
+        case SQLITE_CORRUPT:
+            return MakeError(824, {}, {path_, text});
+        case SQLITE_IOERR:
+            return MakeError(823, {}, {path_, sqlite3_errstr(code)});
+        case SQLITE_NOMEM:
+            return MakeError(701, {});
+        case SQLITE_TOOBIG:
+            return MakeError(8152, {});
+        case SQLITE_INTERRUPT:
+            return MakeError(3617, {});
+        default:
+            return MakeError(8624, {}, {text});
+    }
+}
+
+namespace {
+
+std::string Doubled(std::string_view text, char mark) {
+    std::string result(1, mark);
+    for (const char c : text) {
+        if (c == mark) result += mark;
+        result += c;
+    }
+    return result + mark;
+}
+
+}  // namespace
+
+std::string Quoted(std::string_view name) {
+    return Doubled(name, '"');
+}
+
+std::string QuotedText(std::string_view text) {
+    return Doubled(text, '\'');
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,96 @@
+#pragma once
+
+// SQLite behind two small classes: a connection and a prepared statement, with failures as SQL Server's
+// errors.
+//
+// Both are used by one session on one thread. A statement must not outlive its database.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tsql/base/diagnostic.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace vicenter::tsql::engine {
+
+// The collations by which SQLite keeps texts and decimals in order.
+inline constexpr const char* kTextCollationName = "ts_text";
+inline constexpr const char* kNumberCollationName = "ts_number";
+
+class Statement {
+  public:
+    Statement() = default;
+    explicit Statement(sqlite3_stmt* handle) : handle_(handle) {}
+    Statement(Statement&& other) noexcept : handle_(other.handle_) { other.handle_ = nullptr; }
+    Statement& operator=(Statement&& other) noexcept;
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+    ~Statement();
+
+    sqlite3_stmt* Handle() const { return handle_; }
+    explicit operator bool() const { return handle_ != nullptr; }
+    // SQLite's result code: SQLITE_ROW, SQLITE_DONE or a failure.
+    int Step();
+    void Reset();
+    bool IsReadOnly() const;
+
+    void Bind(int parameter, std::int64_t value);
+    void Bind(int parameter, std::string_view value);
+    void BindNull(int parameter);
+    std::int64_t Int(int column) const;
+    std::string Text(int column) const;
+    bool IsNull(int column) const;
+
+  private:
+    sqlite3_stmt* handle_ = nullptr;
+};
+
+// Brings a statement back to its start at the end of a scope, so that it holds no lock.
+class ResetAtEnd {
+  public:
+    explicit ResetAtEnd(Statement& statement) : statement_(statement) {}
+    ResetAtEnd(const ResetAtEnd&) = delete;
+    ResetAtEnd& operator=(const ResetAtEnd&) = delete;
+    ~ResetAtEnd() { statement_.Reset(); }
+
+  private:
+    Statement& statement_;
+};
+
+class Database {
+  public:
+    Database() = default;
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+    ~Database();
+
+    // Throws SqlError: 5120 when the file cannot be opened or does not exist and is not to be created.
+    void Open(const std::string& path, bool create, int lockTimeoutMilliseconds);
+    sqlite3* Handle() const { return handle_; }
+    const std::string& Path() const { return path_; }
+    void SetLockTimeout(int milliseconds);
+
+    Statement Prepare(std::string_view sql);
+    // One or several statements without results.
+    void Run(const std::string& sql);
+    // Steps a statement: true for a row, false when it is done; throws for failures.
+    bool Step(Statement& statement);
+    bool InTransaction() const;
+    std::int64_t Changes() const;
+    // The current failure of SQLite as an error of the server; constraint failures are the caller's.
+    SqlError Failure(int code) const;
+
+  private:
+    sqlite3* handle_ = nullptr;
+    std::string path_;
+};
+
+// "name" with its quotes doubled.
+std::string Quoted(std::string_view name);
+// 'text' with its apostrophes doubled.
+std::string QuotedText(std::string_view text);
+
+}  // namespace vicenter::tsql::engine

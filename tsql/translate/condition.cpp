@@ -1,0 +1,175 @@
+// Search conditions: they become SQLite's own, which know the same three truth values.
+
+#include "tsql/functions/functions.h"
+#include "tsql/translate/translator.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+const char* Sign(ComparisonOp op) {
+    switch (op) {
+        case ComparisonOp::kEqual:
+            return "=";
+        case ComparisonOp::kNotEqual:
+            return "<>";
+        case ComparisonOp::kLess:
+            return "<";
+        case ComparisonOp::kLessEqual:
+            return "<=";
+        case ComparisonOp::kGreater:
+            return ">";
+        case ComparisonOp::kGreaterEqual:
+            return ">=";
+    }
+    return "=";
+}
+
+}  // namespace
+
+// Texts are compared whatever their length, decimals whatever their scale: the collations see to that.
+std::string Translator::RenderCompared(const Operand& operand, const SqlType& common) {
+    if (operand.type.IsUnknown() && !operand.pending) return operand.sql;
+    if (common.IsText() && operand.type.IsText()) return Render(operand);
+    if (common.IsExact()) {
+        if (operand.type.IsExact()) return Render(operand);
+        if (operand.type.IsInteger()) return RenderAs(operand, AsDecimal(operand.type));
+        if (operand.type.IsText())
+            return RenderAs(operand, common.IsMoney() ? common : SqlType::Decimal(38, 10));
+    }
+    if (common.IsInteger() && operand.type.IsInteger()) return Render(operand);
+    return RenderAs(operand, common);
+}
+
+std::string Translator::Compare(const char* op, const Operand& left, const Operand& right,
+                                Position position) {
+    const SqlType common = CommonType(left.type, right.type);
+    try {
+        const std::string a = RenderCompared(left, common);
+        const std::string b = RenderCompared(right, common);
+        const bool needsCollation = common.IsText() || common.IsExact();
+        // A converted column is no column any more.
+        const auto natural = [&](const Operand& operand) {
+            return operand.column && operand.type.IsText() == common.IsText() &&
+                   operand.type.IsExact() == common.IsExact();
+        };
+        if (!needsCollation || natural(left) || natural(right)) return a + " " + op + " " + b;
+        return a + " COLLATE " + (common.IsText() ? kTextCollationName : kNumberCollationName) + " " + op +
+               " " + b;
+    } catch (SqlError& error) {
+        error.SetLine(static_cast<std::int32_t>(position.line));
+        throw;
+    }
+}
+
+std::string Translator::ConditionText(const Expr& condition, Scope& scope) {
+    switch (condition.kind) {
+        case ExprKind::kComparison: {
+            const auto& comparison = As<ComparisonExpr>(condition);
+            const Operand left = Value(*comparison.left, scope);
+            const Operand right = Value(*comparison.right, scope);
+            return Compare(Sign(comparison.op), left, right, condition.position);
+        }
+        case ExprKind::kLogical: {
+            const auto& logical = As<LogicalExpr>(condition);
+            std::string sql;
+            for (const ExprPtr& operand : logical.operands) {
+                if (!sql.empty()) sql += logical.isAnd ? " AND " : " OR ";
+                sql += "(" + ConditionText(*operand, scope) + ")";
+            }
+            return sql;
+        }
+        case ExprKind::kNot:
+            return "NOT (" + ConditionText(*As<NotExpr>(condition).operand, scope) + ")";
+        case ExprKind::kBetween: {
+            const auto& between = As<BetweenExpr>(condition);
+            const Operand operand = Value(*between.operand, scope);
+            const Operand low = Value(*between.low, scope);
+            const Operand high = Value(*between.high, scope);
+            const std::string sql = "(" + Compare(">=", operand, low, condition.position) + " AND " +
+                                    Compare("<=", operand, high, condition.position) + ")";
+            return between.negated ? "NOT " + sql : sql;
+        }
+        case ExprKind::kLike:
+            return Like(As<LikeExpr>(condition), scope);
+        case ExprKind::kIn:
+            return In(As<InExpr>(condition), scope);
+        case ExprKind::kExists:
+            return "EXISTS(" + QueryOf(*As<ExistsExpr>(condition).query, &scope, false).sql + ")";
+        case ExprKind::kIsNull: {
+            const auto& test = As<IsNullExpr>(condition);
+            return Render(Value(*test.operand, scope)) + (test.negated ? " IS NOT NULL" : " IS NULL");
+        }
+        case ExprKind::kQuantified:
+            return Quantified(As<QuantifiedExpr>(condition), scope);
+        default:
+            throw MakeError(4145, condition.position, {""});
+    }
+}
+
+std::string Translator::Like(const LikeExpr& like, Scope& scope) {
+    const SqlType text = SqlType::NVarChar(kMaxLength);
+    const auto asText = [&](const Operand& operand) {
+        return operand.type.IsText() ? Render(operand) : RenderAs(operand, text, true);
+    };
+    const Operand operand = Value(*like.operand, scope);
+    const Operand pattern = Value(*like.pattern, scope);
+    bool unicode = operand.type.IsUnicode() || pattern.type.IsUnicode();
+    std::string sql = "(" + asText(operand) + ", " + asText(pattern);
+    if (like.escape) {
+        const Operand escape = Value(*like.escape, scope);
+        unicode = unicode || escape.type.IsUnicode();
+        sql += ", " + asText(escape);
+    }
+    sql = (unicode ? "ts_nlike" : "ts_like") + sql + ")";
+    return like.negated ? "NOT " + sql : sql;
+}
+
+std::string Translator::In(const InExpr& in, Scope& scope) {
+    const Operand operand = Value(*in.operand, scope);
+    const char* word = in.negated ? " NOT IN (" : " IN (";
+    if (in.query) {
+        const QueryText query = QueryOf(*in.query, &scope, false);
+        if (query.columns.size() != 1) throw MakeError(116, in.query->position);
+        const SqlType member = query.columns.front().type;
+        const SqlType common = CommonType(operand.type, member);
+        const Operand column = Computed("c1", member);
+        const std::string converted = RenderCompared(column, common);
+        const std::string inner =
+            converted == "c1" ? query.sql : "SELECT " + converted + " FROM (" + query.sql + ")";
+        std::string left = RenderCompared(operand, common);
+        if (common.IsText()) left += std::string(" COLLATE ") + kTextCollationName;
+        if (common.IsExact()) left += std::string(" COLLATE ") + kNumberCollationName;
+        return left + word + inner + ")";
+    }
+    std::vector<Operand> members;
+    SqlType common = operand.type;
+    for (const ExprPtr& member : in.list) {
+        members.push_back(Value(*member, scope));
+        common = CommonType(common, members.back().type);
+    }
+    std::string list;
+    for (const Operand& member : members)
+        list += (list.empty() ? "" : ", ") + RenderCompared(member, common);
+    std::string left = RenderCompared(operand, common);
+    const bool natural = operand.column && operand.type.IsText() == common.IsText() &&
+                         operand.type.IsExact() == common.IsExact();
+    if (!natural && common.IsText()) left += std::string(" COLLATE ") + kTextCollationName;
+    if (!natural && common.IsExact()) left += std::string(" COLLATE ") + kNumberCollationName;
+    return left + word + list + ")";
+}
+
+// a > ALL (q): no member for which it is not so; a > ANY (q): a member for which it is so.
+std::string Translator::Quantified(const QuantifiedExpr& quantified, Scope& scope) {
+    const Operand operand = Value(*quantified.operand, scope);
+    const QueryText query = QueryOf(*quantified.query, &scope, false);
+    if (query.columns.size() != 1) throw MakeError(116, quantified.query->position);
+    const std::string comparison = Compare(Sign(quantified.op), operand,
+                                           Computed("q.c1", query.columns.front().type), quantified.position);
+    if (quantified.all) {
+        return "NOT EXISTS(SELECT 1 FROM (" + query.sql + ") AS q WHERE NOT coalesce(" + comparison + ", 0))";
+    }
+    return "EXISTS(SELECT 1 FROM (" + query.sql + ") AS q WHERE " + comparison + ")";
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,241 @@
+// FROM: tables, views, subqueries and joins.
+
+#include "automation/object.h"
+#include "tsql/base/text_units.h"
+#include "tsql/functions/functions.h"
+#include "tsql/syntax/parse/parser.h"
+#include "tsql/translate/translator.h"
+
+namespace vicenter::tsql::engine {
+
+using automation::SameName;
+
+namespace {
+
+// Views that stand on views that stand on themselves end here.
+constexpr int kViewNesting = 32;
+
+}  // namespace
+
+const TableInfo* Translator::FindTable(std::string_view name) {
+    const TableInfo* table = context_.FindTable(name);
+    if (table != nullptr && table->temporary) translation_.temporaries.emplace_back(table->name, table->id);
+    return table;
+}
+
+std::string Translator::From(const std::vector<TableSourcePtr>& sources, Scope& scope) {
+    std::string sql;
+    for (const TableSourcePtr& source : sources) {
+        const bool first = sql.empty();
+        sql += first ? " FROM " : ", ";
+        // SQLite takes a comma for a join as good as any other; here it is the outermost.
+        const bool apart = !first && source->kind == SourceKind::kJoin;
+        sql += apart ? "(" + SourceText(*source, scope) + ")" : SourceText(*source, scope);
+    }
+    return sql;
+}
+
+std::string Translator::SourceText(const TableSource& source, Scope& scope) {
+    switch (source.kind) {
+        case SourceKind::kTable:
+            return Table(As<TableRef>(source), scope);
+        case SourceKind::kDerived: {
+            const auto& derived = As<DerivedTable>(source);
+            const QueryText query = QueryOf(*derived.query, scope.outer, false);
+            return Derived(query.sql, query, derived.alias.text, derived.columns, scope, source.position);
+        }
+        case SourceKind::kValues: {
+            const auto& values = As<ValuesTable>(source);
+            QueryText query;
+            std::vector<std::vector<Operand>> rows;
+            std::vector<SqlType> types;
+            for (const auto& row : values.rows) {
+                rows.emplace_back();
+                if (types.empty()) types.resize(row.size());
+                if (row.size() != types.size()) throw MakeError(10709, source.position);
+                Scope none;
+                none.outer = scope.outer;
+                for (std::size_t i = 0; i < row.size(); ++i) {
+                    rows.back().push_back(Value(*row[i], none));
+                    types[i] = CommonType(types[i], rows.back().back().type);
+                }
+            }
+            for (const auto& row : rows) {
+                query.sql += query.sql.empty() ? "SELECT " : " UNION ALL SELECT ";
+                for (std::size_t i = 0; i < row.size(); ++i) {
+                    query.sql +=
+                        (i == 0 ? "" : ", ") + RenderAs(row[i], types[i]) + " AS c" + std::to_string(i + 1);
+                }
+            }
+            for (const SqlType& type : types)
+                query.columns.push_back({"", type});
+            query.natural.assign(types.size(), false);
+            return Derived(query.sql, query, values.alias.text, values.columns, scope, source.position);
+        }
+        case SourceKind::kJoin:
+            return Joined(As<JoinedTable>(source), scope);
+        case SourceKind::kFunction: {
+            const auto& function = As<FunctionTable>(source);
+            throw MakeError(208, source.position, {function.name.Text()});
+        }
+    }
+    return {};
+}
+
+std::string Translator::Joined(const JoinedTable& join, Scope& scope) {
+    const char* word = nullptr;
+    switch (join.join) {
+        case JoinKind::kInner:
+            word = " INNER JOIN ";
+            break;
+        case JoinKind::kLeft:
+            word = " LEFT JOIN ";
+            break;
+        case JoinKind::kRight:
+            word = " RIGHT JOIN ";
+            break;
+        case JoinKind::kFull:
+            word = " FULL JOIN ";
+            break;
+        case JoinKind::kCross:
+            word = " CROSS JOIN ";
+            break;
+        case JoinKind::kCrossApply:
+        case JoinKind::kOuterApply:
+            throw MakeError(40510, join.position, {"APPLY"});
+    }
+    std::string sql = SourceText(*join.left, scope) + word;
+    const std::string right = SourceText(*join.right, scope);
+    sql += join.right->kind == SourceKind::kJoin ? "(" + right + ")" : right;
+    if (join.on) sql += " ON " + ConditionText(*join.on, scope);
+    return sql;
+}
+
+Source Translator::SourceOf(const TableInfo& table, const std::string& exposedName) {
+    Source source;
+    source.exposedName = exposedName;
+    source.tableName = table.name;
+    source.table = &table;
+    source.alias = Quoted(exposedName);
+    for (const ColumnInfo& column : table.columns) {
+        SourceColumn entry;
+        entry.name = column.name;
+        entry.type = column.type;
+        entry.sql = source.alias + "." + Quoted(column.name);
+        if (!column.computedText.empty()) {
+            // Computed where it is read.
+            Scope own;
+            own.sources.push_back(source);
+            ownedExpressions_.push_back(ParseExpression(column.computedText));
+            ++foreignDepth_;
+            const Operand computed = Value(*ownedExpressions_.back(), own);
+            --foreignDepth_;
+            entry.sql = "(" + Render(computed) + ")";
+            entry.type = computed.type;
+            entry.natural = false;
+        }
+        source.columns.push_back(std::move(entry));
+    }
+    return source;
+}
+
+SqlType Translator::ComputedType(const TableInfo& table, const std::string& text) {
+    TableInfo plain = table;
+    std::erase_if(plain.columns, [](const ColumnInfo& column) { return !column.computedText.empty(); });
+    Scope scope;
+    scope.sources.push_back(SourceOf(plain, table.name));
+    ownedExpressions_.push_back(ParseExpression(text));
+    return Value(*ownedExpressions_.back(), scope).type;
+}
+
+void Translator::AddSource(Source source, Scope& scope, Position position) {
+    for (const Source& other : scope.sources) {
+        if (SameName(other.exposedName, source.exposedName)) {
+            throw MakeError(1013, position, {source.exposedName, other.exposedName});
+        }
+    }
+    scope.sources.push_back(std::move(source));
+}
+
+const CommonTable* Translator::FindCommonTable(const std::string& name) const {
+    for (auto list = commonTables_.rbegin(); list != commonTables_.rend(); ++list) {
+        for (const CommonTable& table : **list) {
+            if (SameName(table.name.text, name)) return &table;
+        }
+    }
+    return nullptr;
+}
+
+std::string Translator::Table(const TableRef& table, Scope& scope) {
+    const std::string& name = table.name.Object();
+    const std::string exposed = table.alias.IsEmpty() ? name : table.alias.text;
+    if (table.name.parts.size() == 1) {
+        if (const CommonTable* common = FindCommonTable(name)) {
+            if (++viewDepth_ > kViewNesting) throw MakeError(40510, table.position, {"WITH RECURSIVE"});
+            const QueryText query = QueryOf(*common->query, nullptr, false);
+            --viewDepth_;
+            return Derived(query.sql, query, exposed, common->columns, scope, table.position);
+        }
+    }
+    if (const TableInfo* found = FindTable(name)) {
+        const bool system =
+            SameName(table.name.Schema(), "sys") || SameName(table.name.Schema(), "information_schema");
+        if (!system) {
+            Source source = SourceOf(*found, exposed);
+            std::string sql = found->Sql() + " AS " + source.alias;
+            AddSource(std::move(source), scope, table.position);
+            return sql;
+        }
+    }
+    if (table.IsVariable()) throw MakeError(1087, table.position, {name});
+    if (const CreateViewStatement* view = context_.ViewDefinition(name)) {
+        if (++viewDepth_ > kViewNesting) throw MakeError(4413, table.position, {name});
+        std::vector<const std::vector<CommonTable>*> outside;
+        outside.swap(commonTables_);
+        ++foreignDepth_;
+        const QueryText query = QueryOf(*view->query, nullptr, false);
+        --foreignDepth_;
+        outside.swap(commonTables_);
+        --viewDepth_;
+        return Derived(query.sql, query, exposed, view->columns, scope, table.position);
+    }
+    if (const SystemView* view = FindSystemView(table.name)) {
+        Source source;
+        source.exposedName = exposed;
+        source.tableName = name;
+        source.alias = Quoted(exposed);
+        for (const ResultColumn& column : view->columns) {
+            source.columns.push_back(
+                {column.name, column.type, source.alias + "." + Quoted(column.name), false});
+        }
+        std::string sql = std::string("(") + view->sql + ") AS " + source.alias;
+        AddSource(std::move(source), scope, table.position);
+        return sql;
+    }
+    throw MakeError(208, table.position, {table.name.Text()});
+}
+
+std::string Translator::Derived(const std::string& sql, const QueryText& query, const std::string& alias,
+                                const std::vector<Name>& columns, Scope& scope, Position position) {
+    Source source;
+    source.exposedName = alias;
+    source.tableName = alias;
+    source.alias = Quoted(alias.empty() ? "d" + std::to_string(++aliasNumber_) : alias);
+    if (!columns.empty() && columns.size() != query.columns.size()) {
+        throw MakeError(columns.size() < query.columns.size() ? 8158 : 8159, position, {alias});
+    }
+    for (std::size_t i = 0; i < query.columns.size(); ++i) {
+        const std::string& name = columns.empty() ? query.columns[i].name : columns[i].text;
+        if (name.empty()) throw MakeError(8155, position, {static_cast<std::int32_t>(i + 1), alias});
+        for (const SourceColumn& other : source.columns) {
+            if (SameName(other.name, name)) throw MakeError(8156, position, {name, alias});
+        }
+        source.columns.push_back({name, query.columns[i].type, source.alias + ".c" + std::to_string(i + 1),
+                                  i < query.natural.size() && query.natural[i]});
+    }
+    std::string text = "(" + sql + ") AS " + source.alias;
+    AddSource(std::move(source), scope, position);
+    return text;
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,62 @@
+#pragma once
+
+// A T-SQL statement as SQLite runs it: the text, where its parameters come from, what it gives. Plain values.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tsql/syntax/ast.h"
+#include "tsql/types/convert.h"
+#include "tsql/types/literal_value.h"
+#include "tsql/types/result_column.h"
+#include "tsql/types/sql_type.h"
+#include "tsql/types/value.h"
+
+namespace vicenter::tsql::engine {
+
+// One parameter of the SQLite statement, filled each time the statement runs.
+struct Parameter {
+    // kRow: a value that the caller hands in, numbered by `ordinal`.
+    enum class Source { kLiteral, kVariable, kSystem, kRow };
+    Source source = Source::kLiteral;
+
+    LiteralKind literal = LiteralKind::kNull;
+    std::string text;  // the literal, or the name of the variable or system value in lower case
+    int ordinal = -1;  // the literal's number among those of the batch when they may change; else -1
+    bool negated = false;
+
+    SqlType from;
+    SqlType to;
+    bool forColumn = false;  // stored under a column's rules, else converted as any expression
+    std::string table;
+    std::string column;
+    bool nullable = true;
+    bool isKey = false;
+    std::string operation;
+};
+
+struct VariableAssignment {
+    std::string variable;
+    AssignOp op = AssignOp::kSet;
+};
+
+struct Translation {
+    std::string sql;
+    std::vector<Parameter> parameters;
+    std::vector<ResultColumn> columns;
+    std::vector<VariableAssignment> assignments;  // of SELECT @v = …, one per column
+    std::string table;                            // the table that is changed, empty for none
+    std::string operation;                        // INSERT, UPDATE, DELETE or MERGE of messages
+    bool changesTemporary = false;
+    bool usesIdentity = false;   // rows get their identity values from the session
+    bool givesIdentity = false;  // the statement gives explicit values for an identity column
+    bool hasOutput = false;      // rows come back from OUTPUT: `columns` describes them
+    // Temporary tables that the statement uses, with their numbers: made anew they need a new translation.
+    std::vector<std::pair<std::string, std::int64_t>> temporaries;
+    bool oneRow = false;  // cannot change more than one row, so no savepoint is needed
+};
+
+}  // namespace vicenter::tsql::engine
