@@ -38,22 +38,22 @@ class Echo:
 
 class FrontTest(unittest.TestCase):
     def setUp(self):
-        self.library = Library(LIBRARY)
-        self.library.on_message(lambda *_: 1)  # nobody is there to read them
+        self.front = Library(LIBRARY)
+        self.front.on_message(lambda *_: 1)  # nobody is there to read them
 
     def tearDown(self):
-        self.assertEqual(self.library.live_objects(), 0)
-        self.library.shutdown()
+        self.assertEqual(self.front.live_objects(), 0)
+        self.front.shutdown()
 
     def test_values_of_every_type_come_back(self):
-        dictionary = self.library.create("Scripting.Dictionary")
+        dictionary = self.front.create("Scripting.Dictionary")
         for value in (True, False, 7, -2**31, 2**40, 1.5, "凭证😀", "a\0b", decimal.Decimal("12.50"),
                       datetime.datetime(2026, 1, 31, 6), [1, "a", [True, []]], None):
             dictionary.put("Item", "key", value)
             self.assertEqual(dictionary.Item("key"), value)
 
     def test_json_objects_are_dictionaries(self):
-        json = self.library.create("VelaVICenter.VbsJson")
+        json = self.front.create("VelaVICenter.VbsJson")
         decoded = json.Decode('{"b":[1,null],"a":"\\ud83d\\ude00"}')
         self.assertEqual(decoded.type_name, "Dictionary")
         self.assertEqual(decoded.Keys(), ["b", "a"])
@@ -62,14 +62,14 @@ class FrontTest(unittest.TestCase):
 
     def test_errors_become_exceptions(self):
         with self.assertRaises(AutomationError) as caught:
-            self.library.create("VelaVICenter.VbsJson").Decode("TRUE")
+            self.front.create("VelaVICenter.VbsJson").Decode("TRUE")
         self.assertEqual((caught.exception.number, caught.exception.description),
                          (8732, "No JSON object could be ScanOnced"))
         caught.exception.__traceback__ = None
 
     def test_python_classes_are_components(self):
-        self.library.register("Test.Echo", Echo)
-        echo = self.library.create("Test.Echo")
+        self.front.register("Test.Echo", Echo)
+        echo = self.front.create("Test.Echo")
         self.assertEqual(echo.type_name, "Echo")
         self.assertEqual(echo.Name.value, "回声")
         echo.put("Name", "甲")
@@ -86,12 +86,12 @@ class FrontTest(unittest.TestCase):
                 self.assertEqual(error.number, expected)
 
     def test_another_thread_is_refused(self):
-        self.library.live_objects()
+        self.front.live_objects()
         numbers = []
 
         def call():
             try:
-                self.library.create("Scripting.Dictionary")
+                self.front.create("Scripting.Dictionary")
             except AutomationError as error:
                 numbers.append(error.number)
 
@@ -106,38 +106,38 @@ class FrontTest(unittest.TestCase):
             account_set = os.path.join(folder, "demo.vela")
             subprocess.run([PROGRAM, "account-set", "new", account_set, "--demo"], check=True,
                            stdout=subprocess.DEVNULL)
-            python_host.register_components(self.library, account_set)
-            templates = python_host.list_templates(self.library)
+            python_host.register_components(self.front, account_set)
+            templates = python_host.list_templates(self.front)
             self.assertEqual(templates[0]["FID"], 0)
             self.assertEqual(templates[0]["FName"], "标准模板")
             # No window has told the component its user yet.
-            self.assertTrue(python_host.make_and_delete(self.library))
-            self.assertEqual(len(python_host.list_templates(self.library)), len(templates))
+            self.assertTrue(python_host.make_and_delete(self.front))
+            self.assertEqual(len(python_host.list_templates(self.front)), len(templates))
             if WITH_WINDOWS:
                 python_host.GLData.entries.clear()
-                self.library.create("VelaVICenter.aplication").ShowVICenter()
-                self.library.process_events()
-                self.assertEqual(self.library.open_windows(), 1)
-                self.library.close_windows()
-                self.assertEqual(self.library.open_windows(), 0)
+                self.front.create("VelaVICenter.aplication").ShowVICenter()
+                self.front.process_events()
+                self.assertEqual(self.front.open_windows(), 1)
+                self.front.close_windows()
+                self.assertEqual(self.front.open_windows(), 0)
                 self.assertTrue(python_host.GLData.entries)
                 self.assertEqual({entry[0] for entry in python_host.GLData.entries}, {"K831000"})
 
     @unittest.skipUnless(WITH_WINDOWS, "built without windows")
     def test_windows_open_and_close(self):
-        application = self.library.create("VelaVICenter.aplication")
+        application = self.front.create("VelaVICenter.aplication")
         application.ShowVICenter()
         application.ShowVICenter()
-        self.library.process_events(1)
-        self.assertEqual(self.library.open_windows(), 2)
-        self.library.close_windows()
-        self.assertEqual(self.library.open_windows(), 0)
-        self.library.run()
+        self.front.process_events(1)
+        self.assertEqual(self.front.open_windows(), 2)
+        self.front.close_windows()
+        self.assertEqual(self.front.open_windows(), 0)
+        self.front.run()
 
     @unittest.skipIf(WITH_WINDOWS, "built with windows")
     def test_without_windows_the_answer_is_an_error(self):
         with self.assertRaises(AutomationError) as caught:
-            self.library.create("VelaVICenter.aplication").ShowVICenter()
+            self.front.create("VelaVICenter.aplication").ShowVICenter()
         self.assertEqual(caught.exception.number, 429)
         caught.exception.__traceback__ = None
 
