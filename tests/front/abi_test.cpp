@@ -55,7 +55,7 @@ std::set<std::string> ExportedSymbols() {
 
 TEST(Abi, ExportsExactlyTheSymbolsOnRecord) {
     std::set<std::string> recorded;
-    std::ifstream file(testing_paths::SourceFolder() / "tests/front/exported_symbols.txt");
+    std::ifstream file(vicenter::testing_paths::SourceFolder() / "tests/front/exported_symbols.txt");
     for (std::string line; std::getline(file, line);) {
         if (!line.empty() && line[0] != '#') recorded.insert(line);
     }
