@@ -203,17 +203,17 @@ std::string PhysicalNullIndex(const TableInfo& table, const KeyInfo& key) {
 }
 
 void Catalog::Prepare(bool create) {
-    Statement mark = database_.Prepare("PRAGMA application_id");
+    PreparedStatement mark = database_.Prepare("PRAGMA application_id");
     std::int64_t found = database_.Step(mark) ? mark.Int(0) : 0;
     mark.Reset();
     if (found == kApplicationId) {
         // What a later program has made, this one could only damage.
-        Statement format = database_.Prepare("PRAGMA user_version");
+        PreparedStatement format = database_.Prepare("PRAGMA user_version");
         const std::int64_t version = database_.Step(format) ? format.Int(0) : 0;
         if (version > kFormatVersion) throw MakeError(948, {}, {database_.Path(), version, kFormatVersion});
         return;
     }
-    Statement tables = database_.Prepare("SELECT count(*) FROM sqlite_schema");
+    PreparedStatement tables = database_.Prepare("SELECT count(*) FROM sqlite_schema");
     const bool empty = !database_.Step(tables) || tables.Int(0) == 0;
     tables.Reset();
     if (found != 0 || !empty || !create) throw MakeError(5172, {}, {database_.Path()});
@@ -261,7 +261,7 @@ void Catalog::Load() {
     views_.clear();
     procedures_.clear();
     std::map<std::int64_t, TableInfo*> byId;
-    Statement objects = database_.Prepare("SELECT id, name, kind, text FROM \"ts$objects\"");
+    PreparedStatement objects = database_.Prepare("SELECT id, name, kind, text FROM \"ts$objects\"");
     while (database_.Step(objects)) {
         const std::string name = objects.Text(1);
         const std::string kind = objects.Text(2);
@@ -277,7 +277,7 @@ void Catalog::Load() {
             modules[LowerAscii(name)] = {objects.Int(0), name, objects.Text(3)};
         }
     }
-    Statement columns = database_.Prepare(
+    PreparedStatement columns = database_.Prepare(
         "SELECT object, name, type, length, precision, scale, nullable, identity, seed, increment, "
         "default_name, "
         "default_text, computed_text FROM \"ts$columns\" ORDER BY object, ordinal");
@@ -299,7 +299,7 @@ void Catalog::Load() {
         column.computedText = columns.Text(12);
         owner->second->columns.push_back(std::move(column));
     }
-    Statement keys = database_.Prepare(
+    PreparedStatement keys = database_.Prepare(
         "SELECT object, name, kind, columns, referenced_table, referenced_columns, on_delete, on_update, "
         "text, "
         "sql_text FROM \"ts$keys\" ORDER BY object, ordinal");
@@ -382,7 +382,7 @@ std::optional<std::int64_t> Catalog::ObjectId(std::string_view name, std::string
 
 std::int64_t Catalog::LastIdentity(const TableInfo& table) {
     if (table.temporary) return table.lastIdentity;
-    Statement read = database_.Prepare("SELECT last FROM \"ts$identity\" WHERE object = ?1");
+    PreparedStatement read = database_.Prepare("SELECT last FROM \"ts$identity\" WHERE object = ?1");
     read.Bind(1, table.id);
     if (database_.Step(read)) return read.Int(0);
     const ColumnInfo* column = table.IdentityColumn();
@@ -394,7 +394,7 @@ void Catalog::SetLastIdentity(const TableInfo& table, std::int64_t value) {
         if (TableInfo* own = FindTemporary(table.name)) own->lastIdentity = value;
         return;
     }
-    Statement write =
+    PreparedStatement write =
         database_.Prepare("INSERT OR REPLACE INTO \"ts$identity\"(object, last) VALUES(?1, ?2)");
     write.Bind(1, table.id);
     write.Bind(2, value);

@@ -151,7 +151,7 @@ class Catalog {
     void Touch();
 
     Database& database_;
-    Statement versionStatement_;
+    PreparedStatement versionStatement_;
     bool holding_ = false;  // versionStatement_ stands on its row
     std::int64_t version_ = -1;
     std::uint64_t generation_ = 1;

@@ -90,7 +90,7 @@ void Catalog::Touch() {
 std::int64_t Catalog::WriteTable(const TableInfo& table) {
     std::int64_t id = table.id;
     if (id == 0) {
-        Statement object = database_.Prepare(
+        PreparedStatement object = database_.Prepare(
             "INSERT INTO \"ts$objects\"(name, kind, created) VALUES(?1, 'U', datetime('now', 'localtime')) "
             "RETURNING id");
         object.Bind(1, table.name);
@@ -101,7 +101,7 @@ std::int64_t Catalog::WriteTable(const TableInfo& table) {
     for (const char* part : {"ts$columns", "ts$keys"}) {
         database_.Run("DELETE FROM " + Quoted(part) + " WHERE object = " + std::to_string(id));
     }
-    Statement insert = database_.Prepare(
+    PreparedStatement insert = database_.Prepare(
         "INSERT INTO \"ts$columns\" VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14)");
     std::int64_t ordinal = 0;
     for (const ColumnInfo& column : table.columns) {
@@ -122,7 +122,7 @@ std::int64_t Catalog::WriteTable(const TableInfo& table) {
         insert.Bind(14, column.computedText);
         database_.Step(insert);
     }
-    Statement keys =
+    PreparedStatement keys =
         database_.Prepare("INSERT INTO \"ts$keys\" VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)");
     ordinal = 0;
     for (const KeyRow& row : KeyRows(table)) {
@@ -196,7 +196,7 @@ void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
     if (rewriteSchema) {
         // Constraints and types are nothing but text to SQLite's files, so the text alone is replaced.
         database_.Run("PRAGMA writable_schema = ON");
-        Statement update =
+        PreparedStatement update =
             database_.Prepare(std::string("UPDATE ") + (changed.temporary ? "temp" : "main") +
                               ".sqlite_schema SET sql = ?1 WHERE type = 'table' AND name = ?2");
         update.Bind(1, PhysicalTable(changed));
@@ -248,7 +248,7 @@ void Catalog::DropIndex(const TableInfo& table, const std::string& name) {
 
 void Catalog::WriteModule(char kind, const std::string& name, const std::string& text) {
     // An altered module keeps its id.
-    Statement write = database_.Prepare(
+    PreparedStatement write = database_.Prepare(
         "INSERT INTO \"ts$objects\"(name, kind, text, created) VALUES(?1, ?2, ?3, datetime('now', "
         "'localtime')) "
         "ON CONFLICT(name) DO UPDATE SET text = excluded.text");
@@ -261,7 +261,7 @@ void Catalog::WriteModule(char kind, const std::string& name, const std::string&
 }
 
 void Catalog::DropModule(char kind, const std::string& name) {
-    Statement erase = database_.Prepare("DELETE FROM \"ts$objects\" WHERE name = ?1 AND kind = ?2");
+    PreparedStatement erase = database_.Prepare("DELETE FROM \"ts$objects\" WHERE name = ?1 AND kind = ?2");
     erase.Bind(1, name);
     erase.Bind(2, std::string_view(&kind, 1));
     database_.Step(erase);

@@ -262,7 +262,7 @@ Flow Executor::RunList(const std::vector<StatementPtr>& statements) {
     return Flow::kNext;
 }
 
-Flow Executor::RunStatement(const tsql::Statement& statement) {
+Flow Executor::RunStatement(const Statement& statement) {
     const auto line = static_cast<std::int32_t>(statement.position.line);
     try {
         return Dispatch(statement);
@@ -294,7 +294,7 @@ bool ForgetsRowCount(StatementKind kind) {
 
 }  // namespace
 
-Flow Executor::Dispatch(const tsql::Statement& statement) {
+Flow Executor::Dispatch(const Statement& statement) {
     Flow flow = Flow::kNext;
     // A query that opens the batch goes on in the moment in which the catalog was read.
     if (statement.kind != StatementKind::kSelect && statement.kind != StatementKind::kIf)
@@ -441,7 +441,7 @@ void Executor::DeclareAll(const std::vector<StatementPtr>& statements) {
 }
 
 // Variables exist from their place in the text on, whichever way the code runs.
-void Executor::Declare(const tsql::Statement& statement) {
+void Executor::Declare(const Statement& statement) {
     switch (statement.kind) {
         case StatementKind::kBlock:
             DeclareAll(As<BlockStatement>(statement).statements);

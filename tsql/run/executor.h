@@ -31,8 +31,8 @@ enum class Flow { kNext, kBreak, kContinue, kReturn };
 // A cursor reads all of its rows when it is opened.
 struct Cursor {
     std::string name;
-    std::shared_ptr<Unit> unit;  // keeps the query's tree
-    Statement statement;         // with the variables' values of the moment when the cursor was declared
+    std::shared_ptr<Unit> unit;   // keeps the query's tree
+    PreparedStatement statement;  // with the variables' values of the moment when the cursor was declared
     std::vector<ResultColumn> columns;
     std::vector<std::vector<Value>> rows;
     std::int64_t position = -1;
@@ -88,14 +88,14 @@ class Executor final : public TranslateContext {
     void RunTemplate(const UnitItem& item);
     void RunBatch(std::string_view batch);
     Flow RunList(const std::vector<StatementPtr>& statements);
-    Flow RunStatement(const tsql::Statement& statement);
-    Flow Dispatch(const tsql::Statement& statement);
+    Flow RunStatement(const Statement& statement);
+    Flow Dispatch(const Statement& statement);
     // Records an error that the batch survives, or throws it on.
     void HandleError(SqlError error, std::int32_t line);
     SqlError Completed(const SqlError& error, std::int32_t line) const;
     void LeaveFrame(Frame& frame);
     void DeclareAll(const std::vector<StatementPtr>& statements);
-    void Declare(const tsql::Statement& statement);
+    void Declare(const Statement& statement);
     Variable& FindVariable(std::string_view name, Position where);
     Value SystemValue(std::string_view name) const;
 

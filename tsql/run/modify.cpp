@@ -68,8 +68,8 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
         frame_->scopeIdentity = identity_;
     } else if (translation.givesIdentity && table != nullptr) {
         // Given values move the counter on.
-        Statement highest = database_.Prepare("SELECT max(" + Quoted(table->IdentityColumn()->name) +
-                                              ") FROM " + table->Sql());
+        PreparedStatement highest = database_.Prepare("SELECT max(" + Quoted(table->IdentityColumn()->name) +
+                                                      ") FROM " + table->Sql());
         if (database_.Step(highest) && !highest.IsNull(0)) {
             const std::int64_t last = highest.Int(0);
             highest.Reset();
@@ -113,7 +113,7 @@ bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
                 ReadRow(plan, rows.emplace_back());
         }
         StatementGuard guard(database_, true);
-        Statement remove = database_.Prepare("DELETE FROM " + table.Sql() + " WHERE _rowid_ = ?1");
+        PreparedStatement remove = database_.Prepare("DELETE FROM " + table.Sql() + " WHERE _rowid_ = ?1");
         for (const std::vector<Value>& row : rows) {
             remove.Bind(1, row.front().Int());
             database_.Step(remove);
@@ -131,7 +131,7 @@ bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
             list += (i == first ? "" : ", ") + Quoted(columns[i].name);
             marks += i == first ? "?" : ", ?";
         }
-        Statement add =
+        PreparedStatement add =
             database_.Prepare("INSERT INTO " + table.Sql() + "(" + list + ") VALUES (" + marks + ")");
         for (const std::vector<Value>& row : rows) {
             for (std::size_t i = first; i < columns.size(); ++i) {

@@ -49,7 +49,7 @@ class Session::Impl {
     Database database_;
     Catalog catalog_;
     Executor executor_;
-    Statement version_;
+    PreparedStatement version_;
 };
 
 Session::Session(SessionOptions options) : impl_(std::make_unique<Impl>(std::move(options))) {}

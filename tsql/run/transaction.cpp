@@ -34,7 +34,7 @@ void Executor::RollbackPhysical() {
     // Temporary tables made since the beginning are gone with it.
     for (const std::string& name : catalog_.TemporaryNames()) {
         const TableInfo* table = catalog_.FindTable(name);
-        Statement exists =
+        PreparedStatement exists =
             database_.Prepare("SELECT 1 FROM temp.sqlite_schema WHERE type = 'table' AND name = ?1");
         exists.Bind(1, table->physical);
         if (!database_.Step(exists)) catalog_.DropTemporary(name);

@@ -11,14 +11,14 @@ namespace {
 
 struct KnownTemplate {
     std::optional<LiteralTemplate> pattern;
-    const tsql::Statement* statement = nullptr;
+    const Statement* statement = nullptr;
     const std::vector<std::uint32_t>* offsets = nullptr;
 };
 
 // How many kinds of INSERT may take turns and still be recognized.
 constexpr std::size_t kKnownTemplates = 4;
 
-bool IsPlainInsert(const tsql::Statement& statement) {
+bool IsPlainInsert(const Statement& statement) {
     const auto* insert = TryAs<InsertStatement>(&statement);
     return insert != nullptr && insert->source == InsertSource::kValues && insert->rows.size() == 1 &&
            !insert->output && !insert->top && insert->with.empty();

@@ -19,7 +19,7 @@ namespace vicenter::tsql::engine {
 // A translated statement, prepared.
 struct Plan {
     Translation translation;
-    Statement statement;
+    PreparedStatement statement;
     std::uint64_t generation = 0;
     bool checkedForTemplate = false;
     bool fitsTemplate = false;
@@ -27,7 +27,7 @@ struct Plan {
 
 // A statement of a batch, or one more run of an earlier INSERT with other literals.
 struct UnitItem {
-    const tsql::Statement* statement = nullptr;
+    const Statement* statement = nullptr;
     std::uint32_t line = 1;
     std::uint32_t begin = 0;  // of its text
     std::uint32_t end = 0;

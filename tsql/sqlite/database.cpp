@@ -6,7 +6,7 @@
 
 namespace vicenter::tsql::engine {
 
-Statement& Statement::operator=(Statement&& other) noexcept {
+PreparedStatement& PreparedStatement::operator=(PreparedStatement&& other) noexcept {
     if (this != &other) {
         sqlite3_finalize(handle_);
         handle_ = other.handle_;
@@ -15,45 +15,45 @@ Statement& Statement::operator=(Statement&& other) noexcept {
     return *this;
 }
 
-Statement::~Statement() {
+PreparedStatement::~PreparedStatement() {
     sqlite3_finalize(handle_);
 }
 
-int Statement::Step() {
+int PreparedStatement::Step() {
     return sqlite3_step(handle_);
 }
 
-void Statement::Reset() {
+void PreparedStatement::Reset() {
     sqlite3_reset(handle_);
 }
 
-bool Statement::IsReadOnly() const {
+bool PreparedStatement::IsReadOnly() const {
     return sqlite3_stmt_readonly(handle_) != 0;
 }
 
-void Statement::Bind(int parameter, std::int64_t value) {
+void PreparedStatement::Bind(int parameter, std::int64_t value) {
     sqlite3_bind_int64(handle_, parameter, value);
 }
 
-void Statement::Bind(int parameter, std::string_view value) {
+void PreparedStatement::Bind(int parameter, std::string_view value) {
     sqlite3_bind_text64(handle_, parameter, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
-void Statement::BindNull(int parameter) {
+void PreparedStatement::BindNull(int parameter) {
     sqlite3_bind_null(handle_, parameter);
 }
 
-std::int64_t Statement::Int(int column) const {
+std::int64_t PreparedStatement::Int(int column) const {
     return sqlite3_column_int64(handle_, column);
 }
 
-std::string Statement::Text(int column) const {
+std::string PreparedStatement::Text(int column) const {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
     if (text == nullptr) return {};
     return std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(handle_, column)));
 }
 
-bool Statement::IsNull(int column) const {
+bool PreparedStatement::IsNull(int column) const {
     return sqlite3_column_type(handle_, column) == SQLITE_NULL;
 }
 
@@ -80,12 +80,12 @@ void Database::SetLockTimeout(int milliseconds) {
     sqlite3_busy_timeout(handle_, milliseconds < 0 ? 86400000 : milliseconds);
 }
 
-Statement Database::Prepare(std::string_view sql) {
+PreparedStatement Database::Prepare(std::string_view sql) {
     sqlite3_stmt* statement = nullptr;
     const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
     if (code != SQLITE_OK) throw Failure(code);
-    return Statement(statement);
+    return PreparedStatement(statement);
 }
 
 void Database::Run(const std::string& sql) {
@@ -93,7 +93,7 @@ void Database::Run(const std::string& sql) {
     if (code != SQLITE_OK) throw Failure(code);
 }
 
-bool Database::Step(Statement& statement) {
+bool Database::Step(PreparedStatement& statement) {
     const int code = statement.Step();
     if (code == SQLITE_ROW) return true;
     if (code == SQLITE_DONE) return false;

@@ -20,15 +20,17 @@ namespace vicenter::tsql::engine {
 inline constexpr const char* kTextCollationName = "ts_text";
 inline constexpr const char* kNumberCollationName = "ts_number";
 
-class Statement {
+class PreparedStatement {
   public:
-    Statement() = default;
-    explicit Statement(sqlite3_stmt* handle) : handle_(handle) {}
-    Statement(Statement&& other) noexcept : handle_(other.handle_) { other.handle_ = nullptr; }
-    Statement& operator=(Statement&& other) noexcept;
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
-    ~Statement();
+    PreparedStatement() = default;
+    explicit PreparedStatement(sqlite3_stmt* handle) : handle_(handle) {}
+    PreparedStatement(PreparedStatement&& other) noexcept : handle_(other.handle_) {
+        other.handle_ = nullptr;
+    }
+    PreparedStatement& operator=(PreparedStatement&& other) noexcept;
+    PreparedStatement(const PreparedStatement&) = delete;
+    PreparedStatement& operator=(const PreparedStatement&) = delete;
+    ~PreparedStatement();
 
     sqlite3_stmt* Handle() const { return handle_; }
     explicit operator bool() const { return handle_ != nullptr; }
@@ -51,13 +53,13 @@ class Statement {
 // Brings a statement back to its start at the end of a scope, so that it holds no lock.
 class ResetAtEnd {
   public:
-    explicit ResetAtEnd(Statement& statement) : statement_(statement) {}
+    explicit ResetAtEnd(PreparedStatement& statement) : statement_(statement) {}
     ResetAtEnd(const ResetAtEnd&) = delete;
     ResetAtEnd& operator=(const ResetAtEnd&) = delete;
     ~ResetAtEnd() { statement_.Reset(); }
 
   private:
-    Statement& statement_;
+    PreparedStatement& statement_;
 };
 
 class Database {
@@ -73,11 +75,11 @@ class Database {
     const std::string& Path() const { return path_; }
     void SetLockTimeout(int milliseconds);
 
-    Statement Prepare(std::string_view sql);
+    PreparedStatement Prepare(std::string_view sql);
     // One or several statements without results.
     void Run(const std::string& sql);
     // Steps a statement: true for a row, false when it is done; throws for failures.
-    bool Step(Statement& statement);
+    bool Step(PreparedStatement& statement);
     bool InTransaction() const;
     std::int64_t Changes() const;
     // The current failure of SQLite as an error of the server; constraint failures are the caller's.

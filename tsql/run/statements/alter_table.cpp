@@ -9,7 +9,7 @@ using automation::SameName;
 namespace {
 
 bool IsEmpty(Database& database, const TableInfo& table) {
-    Statement any = database.Prepare("SELECT 1 FROM " + table.Sql() + " LIMIT 1");
+    PreparedStatement any = database.Prepare("SELECT 1 FROM " + table.Sql() + " LIMIT 1");
     return !database.Step(any);
 }
 
@@ -90,7 +90,7 @@ void Executor::AlterTable(const AlterTableStatement& statement) {
                         if (changed.checks.size() > current.checks.size() &&
                             statement.withCheck.value_or(true)) {
                             const CheckInfo& check = changed.checks.back();
-                            Statement broken =
+                            PreparedStatement broken =
                                 database_.Prepare("SELECT 1 FROM " + current.Sql() + " WHERE NOT (" +
                                                   check.sqlText + ") LIMIT 1");
                             if (database_.Step(broken)) {
