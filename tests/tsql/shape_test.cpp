@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tsql/syntax/parse/parser.h"
+#include "tsql/types/literal_value.h"
 
 namespace vicenter::tsql {
 namespace {
@@ -213,8 +214,10 @@ std::string KeyOf(std::string_view text) {
 }
 
 TEST(StatementShapeTest, IsTheSameForOtherValues) {
-    EXPECT_EQ(KeyOf("select * from t where a = 'x' and b = 1"),
+    EXPECT_EQ(KeyOf("select * from t where a = 'xx' and b = 1"),
               KeyOf("select * from t where a = 'yy' and b = 23"));
+    EXPECT_EQ(KeyOf("select * from t where a = 'it''s'"), KeyOf("select * from t where a = '凭证模板'"));
+    EXPECT_NE(KeyOf("select * from t where a = 'x'"), KeyOf("select * from t where a = 'yy'"));
     EXPECT_NE(KeyOf("select * from t where a = 'x'"), KeyOf("select * from t where a = N'x'"));
     EXPECT_NE(KeyOf("select * from t where a = 1"), KeyOf("select * from t where a = 3000000000"));
     EXPECT_EQ(KeyOf("select * from t where a = 1"), KeyOf("select * from t where a = 2147483647"));
@@ -222,6 +225,36 @@ TEST(StatementShapeTest, IsTheSameForOtherValues) {
     EXPECT_NE(KeyOf("select * from t where a = 1.5"), KeyOf("select * from t where a = 1.50"));
     EXPECT_NE(KeyOf("select * from t where a = 1"), KeyOf("select * from t where b = 1"));
     EXPECT_NE(KeyOf("select * from t where a = null"), KeyOf("select * from t where a = 1"));
+}
+
+// A plan is made for the types of its literals, and found again by the key.
+TEST(StatementShapeTest, EqualKeysMeanEqualTypes) {
+    const std::vector<std::string> values = {
+        "0",       "1",           "007",          "2147483647", "02147483647", "2147483648", "3000000000",
+        "00",      "99999999999", "099999999999", "0.5",        "1.5",         "01.5",       ".5",
+        "5.",      "10.50",       "0.00",         "00.00",      "1e5",         ".5e-3",      "0x",
+        "0xF",     "0xFF",        "0xFFF",        "''",         "'a'",         "'ab'",       "''''",
+        "'it''s'", "'四个字符'",  "'𠮷'",         "'abcd'",     "N''",         "N'a'",       "N'ab'",
+        "N''''",   "N'凭证'",     "'1001'",       "'1002.01'",  "null",        "1000000000", "' '"};
+    int equalPairs = 0;
+    for (const std::string& a : values) {
+        for (const std::string& b : values) {
+            const std::string firstText = "select x from t where y = " + a;
+            const std::string secondText = "select x from t where y = " + b;
+            const auto first = ShapeOf(firstText);
+            const auto second = ShapeOf(secondText);
+            ASSERT_TRUE(first && second) << a << " " << b;
+            ASSERT_EQ(first->literals.size(), 1U) << a;
+            if (first->key != second->key) continue;
+            if (a != b) ++equalPairs;
+            const LiteralValue& left = first->literals.front();
+            const LiteralValue& right = second->literals.front();
+            EXPECT_EQ(engine::LiteralType(left.kind, left.Text()),
+                      engine::LiteralType(right.kind, right.Text()))
+                << a << " " << b;
+        }
+    }
+    EXPECT_GT(equalPairs, 20);
 }
 
 TEST(StatementShapeTest, KeepsWhatIsNoValue) {

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <sqlite3.h>
-
 #include "automation/object.h"
 #include "tsql/run/executor.h"
 #include "tsql/sqlite/stored_value.h"
@@ -23,8 +21,7 @@ class StatementGuard {
     StatementGuard& operator=(const StatementGuard&) = delete;
     ~StatementGuard() {
         if (!open_ || !database_.InTransaction()) return;
-        sqlite3_exec(database_.Handle(), "ROLLBACK TO ts_statement; RELEASE ts_statement", nullptr, nullptr,
-                     nullptr);
+        database_.RunQuietly("ROLLBACK TO ts_statement; RELEASE ts_statement");
     }
     void Release() {
         if (open_) database_.Run("RELEASE ts_statement");
@@ -80,7 +77,7 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
     }
     guard.Release();
     rowCount_ = changed;
-    if (!noCount_ || report_->rowsAffected >= 0) {
+    if (!frame_->options.noCount || report_->rowsAffected >= 0) {
         report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + changed;
     }
 }
@@ -99,7 +96,7 @@ bool Executor::IsReferenced(const TableInfo& table) const {
 // to cannot be deleted on the way.
 bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
     bool possible = false;
-    Change(temporary, [&] {
+    transactions_.Change(temporary, [&] {
         Plan& plan = PlanFor(&statement.assignments,
                              [&](Translator& translator) { return translator.UpdatedRows(statement); });
         const TableInfo& table = *catalog_.FindTable(plan.translation.table);
@@ -140,13 +137,12 @@ bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
                     services_.RememberKey(column.name, KeyText(row[i], column.type));
                 BindValue(add.Handle(), static_cast<int>(i - first) + 1, row[i], column.type);
             }
-            const int code = add.Step();
-            if (code != SQLITE_DONE) FailStep(plan, code);
+            if (add.Step() == StepResult::kFailed) FailStep(plan);
             add.Reset();
         }
         guard.Release();
         rowCount_ = static_cast<std::int64_t>(rows.size());
-        if (!noCount_ || report_->rowsAffected >= 0)
+        if (!frame_->options.noCount || report_->rowsAffected >= 0)
             report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + rowCount_;
     });
     return possible;
@@ -155,7 +151,7 @@ bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
 void Executor::Modify(const void* key, bool temporary, const Make& make, const OutputClause* output) {
     std::vector<std::vector<Value>> rows;
     std::vector<ResultColumn> columns;
-    Change(temporary, [&] {
+    transactions_.Change(temporary, [&] {
         Plan& plan = PlanFor(key, make);
         RunModification(plan, output != nullptr ? &rows : nullptr);
         columns = plan.translation.columns;
@@ -201,7 +197,8 @@ void Executor::InsertRows(const void* key, const ObjectName& name, const std::ve
         ++count;
     }
     rowCount_ = count;
-    if (!noCount_) report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + count;
+    if (!frame_->options.noCount)
+        report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + count;
 }
 
 }  // namespace vicenter::tsql::engine

@@ -2,10 +2,8 @@
 
 #include <charconv>
 
-#include <sqlite3.h>
-
 #include "automation/object.h"
-#include "tsql/base/text_units.h"
+#include "tsql/run/constraint_error.h"
 #include "tsql/run/executor.h"
 #include "tsql/sqlite/stored_value.h"
 
@@ -13,23 +11,30 @@ namespace vicenter::tsql::engine {
 
 using automation::SameName;
 
-bool Executor::IsCurrent(const Plan& plan) const {
-    if (plan.generation != catalog_.Generation()) return false;
-    for (const auto& [name, id] : plan.translation.temporaries) {
-        const TableInfo* table = catalog_.FindTable(name);
+bool Plan::IsCurrent(const Catalog& catalog, const SetOptions& options) const {
+    if (generation != catalog.Generation()) return false;
+    // Without the option the translation would have ended in error 544.
+    if (translation.givesIdentity && !SameName(options.identityInsert, translation.table)) return false;
+    for (const auto& [name, id] : translation.temporaries) {
+        const TableInfo* table = catalog.FindTable(name);
         if (table == nullptr || table->id != id) return false;
     }
     return true;
 }
 
 Plan& Executor::PlanFor(const void* key, const Make& make) {
-    std::unique_ptr<Plan>& slot = frame_->unit->plans[key];
-    if (slot && IsCurrent(*slot)) return *slot;
-    Translator translator(*this);
+    std::unique_ptr<Plan>& slot = frame_->program->plans[key];
+    if (slot && slot->IsCurrent(catalog_, frame_->options)) return *slot;
+    FrameContext context(catalog_, programs_, *frame_);
+    Translator translator(context);
     auto plan = std::make_unique<Plan>();
     plan->translation = make(translator);
     plan->statement = database_.Prepare(plan->translation.sql);
     plan->generation = catalog_.Generation();
+    plan->takesAnyLiterals = !context.HasPinned();
+    for (const Parameter& parameter : plan->translation.parameters) {
+        if (parameter.ordinal >= 0 && !parameter.forColumn) plan->takesAnyLiterals = false;
+    }
     slot = std::move(plan);
     return *slot;
 }
@@ -39,10 +44,9 @@ Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Val
     SqlType from = parameter.from;
     switch (parameter.source) {
         case Parameter::Source::kLiteral:
-            if (parameter.ordinal >= 0 && literals_ != nullptr) {
-                const LiteralValue& literal =
-                    (*literals_)[literalBase_ + static_cast<std::size_t>(parameter.ordinal)];
-                const bool negated = templateRun_ ? literal.negative : parameter.negated;
+            if (parameter.ordinal >= 0 && !frame_->literals.IsEmpty()) {
+                const LiteralValue& literal = frame_->literals.At(parameter.ordinal);
+                const bool negated = frame_->literals.IsNegative(literal, parameter.negated);
                 const std::string text = literal.Text();
                 from = LiteralType(literal.kind, text);
                 value = ValueOfLiteral(literal.kind, text, negated);
@@ -70,13 +74,13 @@ Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Val
 }
 
 // The literals of a long batch, without a detour: what is plain goes into SQLite as it stands in the text.
-bool Executor::BindLiteral(sqlite3_stmt* statement, int index, const Parameter& parameter,
-                           const LiteralValue& literal) {
+bool Executor::BindLiteral(PreparedStatement& statement, int index, const Parameter& parameter,
+                           const LiteralValue& literal) const {
     const SqlType& type = parameter.to;
     switch (literal.kind) {
         case LiteralKind::kNull:
             if (!parameter.nullable) return false;
-            sqlite3_bind_null(statement, index);
+            statement.BindNull(index);
             return true;
         case LiteralKind::kInteger: {
             if (type.kind != TypeKind::kInt && type.kind != TypeKind::kBigInt) return false;
@@ -84,9 +88,8 @@ bool Executor::BindLiteral(sqlite3_stmt* statement, int index, const Parameter& 
             const char* end = literal.text.data() + literal.text.size();
             const auto result = std::from_chars(literal.text.data(), end, number);
             if (result.ec != std::errc() || result.ptr != end) return false;
-            sqlite3_bind_int64(
-                statement, index,
-                (templateRun_ ? literal.negative : parameter.negated) ? -std::int64_t{number} : number);
+            const bool negated = frame_->literals.IsNegative(literal, parameter.negated);
+            statement.Bind(index, negated ? -std::int64_t{number} : std::int64_t{number});
             return true;
         }
         case LiteralKind::kString:
@@ -94,8 +97,7 @@ bool Executor::BindLiteral(sqlite3_stmt* statement, int index, const Parameter& 
             if (!type.IsText() || type.IsFixedText() || literal.doubled) return false;
             if (!type.IsMax() && literal.text.size() > static_cast<std::size_t>(type.length)) return false;
             // The batch text stays where it is until the statement has run.
-            sqlite3_bind_text64(statement, index, literal.text.data(), literal.text.size(), SQLITE_STATIC,
-                                SQLITE_UTF8);
+            statement.BindInPlace(index, literal.text);
             return true;
         default:
             return false;
@@ -104,123 +106,36 @@ bool Executor::BindLiteral(sqlite3_stmt* statement, int index, const Parameter& 
 
 void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
     services_.pending.reset();
-    sqlite3_stmt* statement = plan.statement.Handle();
+    const LiteralRun& literals = frame_->literals;
     int index = 0;
     for (const Parameter& parameter : plan.translation.parameters) {
         ++index;
         if (parameter.source == Parameter::Source::kLiteral && parameter.forColumn &&
-            parameter.ordinal >= 0 && !parameter.isKey && literals_ != nullptr) {
-            const LiteralValue& literal =
-                (*literals_)[literalBase_ + static_cast<std::size_t>(parameter.ordinal)];
-            if (BindLiteral(statement, index, parameter, literal)) continue;
+            parameter.ordinal >= 0 && !parameter.isKey && !literals.IsEmpty() &&
+            BindLiteral(plan.statement, index, parameter, literals.At(parameter.ordinal))) {
+            continue;
         }
-        BindValue(statement, index, ParameterValue(parameter, row), parameter.to);
+        BindValue(plan.statement.Handle(), index, ParameterValue(parameter, row), parameter.to);
     }
 }
 
 bool Executor::StepPlan(Plan& plan) {
-    const int code = plan.statement.Step();
+    const StepResult result = plan.statement.Step();
     catalog_.EndSnapshot();
-    if (code == SQLITE_ROW) return true;
-    if (code == SQLITE_DONE) return false;
-    FailStep(plan, code);
+    if (result == StepResult::kFailed) FailStep(plan);
+    return result == StepResult::kRow;
 }
 
-void Executor::FailStep(const Plan& plan, int code) {
+void Executor::FailStep(const Plan& plan) {
     if (services_.pending) {
         const SqlError error = *services_.pending;
         services_.pending.reset();
         throw error;
     }
-    if ((code & 0xFF) == SQLITE_CONSTRAINT) {
-        throw ConstraintError(plan, sqlite3_extended_errcode(database_.Handle()),
-                              sqlite3_errmsg(database_.Handle()));
-    }
-    throw database_.Failure(code);
-}
-
-namespace {
-
-// "UNIQUE constraint failed: t.a, t.b" names the columns.
-std::vector<std::string> FailedColumns(const std::string& text, const std::string& table) {
-    std::vector<std::string> columns;
-    const std::size_t colon = text.find(": ");
-    if (colon == std::string::npos) return columns;
-    const std::string prefix = table + ".";
-    std::size_t at = colon + 2;
-    while (at < text.size()) {
-        std::size_t end = text.find(", " + prefix, at);
-        if (end == std::string::npos) end = text.size();
-        std::string column = text.substr(at, end - at);
-        if (column.rfind(prefix, 0) == 0) column.erase(0, prefix.size());
-        columns.push_back(std::move(column));
-        at = end == text.size() ? end : end + 2;
-    }
-    return columns;
-}
-
-bool SameColumns(const std::vector<std::string>& a, const std::vector<std::string>& b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (!SameName(a[i], b[i])) return false;
-    }
-    return true;
-}
-
-}  // namespace
-
-SqlError Executor::ConstraintError(const Plan& plan, int code, const std::string& text) const {
-    const TableInfo* table = catalog_.FindTable(plan.translation.table);
-    const std::string& operation = plan.translation.operation;
-    if (table == nullptr) return MakeError(8624, {}, {text});
-    if (code == SQLITE_CONSTRAINT_UNIQUE || code == SQLITE_CONSTRAINT_PRIMARYKEY ||
-        code == SQLITE_CONSTRAINT_ROWID) {
-        const std::vector<std::string> columns = FailedColumns(text, table->physical);
-        for (const KeyInfo& key : table->keys) {
-            if (!key.IsUnique()) continue;
-            // An index over expressions is named itself: "UNIQUE constraint failed: index 't$UX$null'".
-            const bool hit = SameColumns(key.columns, columns) ||
-                             text.find("'" + PhysicalNullIndexName(*table, key) + "'") != std::string::npos;
-            if (!hit) continue;
-            std::string values;
-            for (const std::string& column : key.columns) {
-                const std::string* value = services_.FindKey(table->FindColumn(column)->name);
-                values += (values.empty() ? "(" : ", ") + (value != nullptr ? *value : std::string("?"));
-            }
-            values += ")";
-            if (key.kind == KeyKind::kUniqueIndex)
-                return MakeError(2601, {}, {table->FullName(), key.name, values});
-            const char* kind = key.kind == KeyKind::kPrimary ? "PRIMARY KEY" : "UNIQUE KEY";
-            return MakeError(2627, {}, {kind, key.name, table->FullName(), values});
-        }
-        return MakeError(2601, {}, {table->FullName(), text, "()"});
-    }
-    if (code == SQLITE_CONSTRAINT_CHECK) {
-        const std::size_t colon = text.find(": ");
-        const std::string name = colon == std::string::npos ? text : text.substr(colon + 2);
-        return MakeError(547, {}, {operation, "CHECK", name, "accountset", table->FullName(), "", "", ""});
-    }
-    if (code == SQLITE_CONSTRAINT_FOREIGNKEY) {
-        if (operation != "DELETE" && !table->foreignKeys.empty()) {
-            const ForeignKeyInfo& key = table->foreignKeys.front();
-            const bool single = key.referencedColumns.size() == 1;
-            return MakeError(
-                547, {},
-                {operation, "FOREIGN KEY", key.name, "accountset", "dbo." + key.referencedTable,
-                 single ? ", column '" : "", single ? key.referencedColumns.front() : "", single ? "'" : ""});
-        }
-        for (const TableInfo* other : catalog_.Tables()) {
-            for (const ForeignKeyInfo& key : other->foreignKeys) {
-                if (!SameName(key.referencedTable, table->name)) continue;
-                const bool single = key.columns.size() == 1;
-                return MakeError(
-                    547, {},
-                    {operation, "REFERENCE", key.name, "accountset", other->FullName(),
-                     single ? ", column '" : "", single ? key.columns.front() : "", single ? "'" : ""});
-            }
-        }
-    }
-    return MakeError(8624, {}, {text});
+    if (database_.LastFailureKind() != FailureKind::kOther)
+        throw ConstraintError(catalog_, services_, plan.translation, database_.LastFailureKind(),
+                              database_.LastMessage());
+    throw database_.LastFailure();
 }
 
 void Executor::ReadRow(Plan& plan, std::vector<Value>& row) const {
@@ -234,7 +149,7 @@ void Executor::ReadRow(Plan& plan, std::vector<Value>& row) const {
 
 Value Executor::Evaluate(const Expr& expression, SqlType* type) {
     if (const auto* literal = TryAs<LiteralExpr>(&expression);
-        literal != nullptr && literalOffsets_ == nullptr) {
+        literal != nullptr && frame_->literals.IsEmpty()) {
         if (type != nullptr) *type = LiteralType(literal->literal, literal->text);
         return ValueOfLiteral(literal->literal, literal->text);
     }

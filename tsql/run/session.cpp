@@ -1,7 +1,5 @@
 #include "tsql/run/session.h"
 
-#include <sqlite3.h>
-
 #include "tsql/run/executor.h"
 
 namespace vicenter::tsql::engine {
@@ -26,11 +24,7 @@ class Session::Impl {
 
     ExecutionReport Execute(std::string_view batch, ResultSink& sink) { return executor_.Run(batch, sink); }
     void Reset() { executor_.Reset(); }
-    bool IsStale() {
-        int moved = 0;
-        sqlite3_file_control(database_.Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-        return moved != 0;
-    }
+    bool IsStale() const { return database_.HasMoved(); }
     std::uint32_t DataVersion() {
         // What others have committed is noticed when the read lock is taken, which the pragma does.
         if (!version_) version_ = database_.Prepare("PRAGMA data_version");
@@ -38,9 +32,7 @@ class Session::Impl {
             const ResetAtEnd reset(version_);
             database_.Step(version_);
         }
-        std::uint32_t version = 0;
-        sqlite3_file_control(database_.Handle(), "main", SQLITE_FCNTL_DATA_VERSION, &version);
-        return version;
+        return database_.DataVersion();
     }
 
   private:

@@ -1,32 +1,28 @@
-// Transactions: BEGIN, COMMIT, ROLLBACK and SAVE TRANSACTION, and what stands behind them in SQLite.
-//
-// The lock for writing is taken before the first change and never by what only reads; so a change never
-// starts on a snapshot that another process has overtaken. While a batch is one unit, its transaction ends
-// with it.
+#include "tsql/run/transaction.h"
 
 #include "automation/object.h"
-#include "tsql/run/executor.h"
+#include "tsql/base/error_table.h"
 
 namespace vicenter::tsql::engine {
 
-void Executor::BeginPhysical() {
+void Transactions::Begin() {
     database_.Run("BEGIN IMMEDIATE");
-    physical_ = true;
+    open_ = true;
     // Nobody else can change the catalog from here on.
     catalog_.Refresh();
     generationAtBegin_ = catalog_.Generation();
 }
 
-void Executor::CommitPhysical() {
-    if (!physical_) return;
+void Transactions::Commit() {
+    if (!open_) return;
     database_.Run("COMMIT");
-    physical_ = false;
+    open_ = false;
 }
 
-void Executor::RollbackPhysical() {
+void Transactions::Rollback() {
     if (database_.InTransaction()) database_.Run("ROLLBACK");
-    physical_ = false;
-    transactionCount_ = 0;
+    open_ = false;
+    count_ = 0;
     if (catalog_.Generation() != generationAtBegin_) {
         catalog_.Forget();
         catalog_.Refresh();
@@ -41,51 +37,45 @@ void Executor::RollbackPhysical() {
     }
 }
 
-bool Executor::BeginChange(bool temporary) {
+bool Transactions::BeginChange(bool temporary) {
     catalog_.EndSnapshot();
-    if (physical_) return false;
-    const bool unit = options_.batchTransactions || transactionCount_ > 0;
-    // What only touches temporary tables leaves other processes alone.
-    if (temporary) return false;
-    BeginPhysical();
-    return !unit;
+    if (open_ || temporary) return false;
+    Begin();
+    return !batchIsUnit_ && count_ == 0;
 }
 
-void Executor::EndChange(bool own) {
-    if (own) CommitPhysical();
+void Transactions::Reset() {
+    if (open_ || database_.InTransaction()) Rollback();
+    count_ = 0;
 }
 
-void Executor::UndoChange(bool own) {
-    if (own && physical_) RollbackPhysical();
-}
-
-void Executor::EndBatch(bool failed) {
+void Transactions::EndBatch(bool failed) {
     if (failed) {
-        if (physical_ || transactionCount_ > 0) RollbackPhysical();
+        if (open_ || count_ > 0) Rollback();
         return;
     }
-    if (transactionCount_ > 0 || !physical_) return;
+    if (count_ > 0 || !open_) return;
     try {
-        CommitPhysical();
+        Commit();
     } catch (const SqlError&) {
-        RollbackPhysical();
+        Rollback();
         throw;
     }
 }
 
-void Executor::Transaction(const TransactionStatement& statement) {
+void Transactions::Run(const TransactionStatement& statement) {
     switch (statement.action) {
         case TransactionAction::kBegin:
-            ++transactionCount_;
+            ++count_;
             break;
         case TransactionAction::kCommit:
-            if (transactionCount_ == 0) throw MakeError(3902, statement.position);
-            --transactionCount_;
+            if (count_ == 0) throw MakeError(3902, statement.position);
+            --count_;
             // A batch that is one unit commits at its end.
-            if (transactionCount_ == 0 && !options_.batchTransactions) CommitPhysical();
+            if (count_ == 0 && !batchIsUnit_) Commit();
             break;
         case TransactionAction::kRollback: {
-            if (!statement.name.IsEmpty() && physical_) {
+            if (!statement.name.IsEmpty() && open_) {
                 const std::string savepoint = Quoted("ts_save_" + statement.name.text);
                 try {
                     database_.Run("ROLLBACK TO " + savepoint);
@@ -96,13 +86,13 @@ void Executor::Transaction(const TransactionStatement& statement) {
                     // No savepoint of that name: the name of the transaction.
                 }
             }
-            if (transactionCount_ == 0) throw MakeError(3903, statement.position);
-            RollbackPhysical();
+            if (count_ == 0) throw MakeError(3903, statement.position);
+            Rollback();
             break;
         }
         case TransactionAction::kSave:
-            if (transactionCount_ == 0) throw MakeError(628, statement.position);
-            if (!physical_) BeginPhysical();
+            if (count_ == 0) throw MakeError(628, statement.position);
+            if (!open_) Begin();
             database_.Run("SAVEPOINT " + Quoted("ts_save_" + statement.name.text));
             break;
     }

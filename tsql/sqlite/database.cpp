@@ -19,8 +19,11 @@ PreparedStatement::~PreparedStatement() {
     sqlite3_finalize(handle_);
 }
 
-int PreparedStatement::Step() {
-    return sqlite3_step(handle_);
+StepResult PreparedStatement::Step() {
+    const int code = sqlite3_step(handle_);
+    return code == SQLITE_ROW    ? StepResult::kRow
+           : code == SQLITE_DONE ? StepResult::kDone
+                                 : StepResult::kFailed;
 }
 
 void PreparedStatement::Reset() {
@@ -37,6 +40,10 @@ void PreparedStatement::Bind(int parameter, std::int64_t value) {
 
 void PreparedStatement::Bind(int parameter, std::string_view value) {
     sqlite3_bind_text64(handle_, parameter, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+void PreparedStatement::BindInPlace(int parameter, std::string_view text) {
+    sqlite3_bind_text64(handle_, parameter, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
 
 void PreparedStatement::BindNull(int parameter) {
@@ -93,11 +100,20 @@ void Database::Run(const std::string& sql) {
     if (code != SQLITE_OK) throw Failure(code);
 }
 
+void Database::RunQuietly(const std::string& sql) noexcept {
+    sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr);
+}
+
 bool Database::Step(PreparedStatement& statement) {
-    const int code = statement.Step();
-    if (code == SQLITE_ROW) return true;
-    if (code == SQLITE_DONE) return false;
-    SqlError failure = Failure(code);
+    switch (statement.Step()) {
+        case StepResult::kRow:
+            return true;
+        case StepResult::kDone:
+            return false;
+        case StepResult::kFailed:
+            break;
+    }
+    SqlError failure = LastFailure();
     statement.Reset();
     throw failure;
 }
@@ -108,6 +124,42 @@ bool Database::InTransaction() const {
 
 std::int64_t Database::Changes() const {
     return sqlite3_changes64(handle_);
+}
+
+FailureKind Database::LastFailureKind() const {
+    const int code = sqlite3_extended_errcode(handle_);
+    switch (code) {
+        case SQLITE_CONSTRAINT_UNIQUE:
+        case SQLITE_CONSTRAINT_PRIMARYKEY:
+        case SQLITE_CONSTRAINT_ROWID:
+            return FailureKind::kUniqueKey;
+        case SQLITE_CONSTRAINT_CHECK:
+            return FailureKind::kCheck;
+        case SQLITE_CONSTRAINT_FOREIGNKEY:
+            return FailureKind::kForeignKey;
+        default:
+            return (code & 0xFF) == SQLITE_CONSTRAINT ? FailureKind::kOtherConstraint : FailureKind::kOther;
+    }
+}
+
+std::string Database::LastMessage() const {
+    return sqlite3_errmsg(handle_);
+}
+
+SqlError Database::LastFailure() const {
+    return Failure(sqlite3_extended_errcode(handle_));
+}
+
+bool Database::HasMoved() const {
+    int moved = 0;
+    sqlite3_file_control(handle_, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    return moved != 0;
+}
+
+std::uint32_t Database::DataVersion() const {
+    std::uint32_t version = 0;
+    sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+    return version;
 }
 
 SqlError Database::Failure(int code) const {

@@ -20,6 +20,11 @@ namespace vicenter::tsql::engine {
 inline constexpr const char* kTextCollationName = "ts_text";
 inline constexpr const char* kNumberCollationName = "ts_number";
 
+enum class StepResult { kRow, kDone, kFailed };
+
+// What a step that failed has run into.
+enum class FailureKind { kUniqueKey, kCheck, kForeignKey, kOtherConstraint, kOther };
+
 class PreparedStatement {
   public:
     PreparedStatement() = default;
@@ -34,13 +39,14 @@ class PreparedStatement {
 
     sqlite3_stmt* Handle() const { return handle_; }
     explicit operator bool() const { return handle_ != nullptr; }
-    // SQLite's result code: SQLITE_ROW, SQLITE_DONE or a failure.
-    int Step();
+    StepResult Step();
     void Reset();
     bool IsReadOnly() const;
 
     void Bind(int parameter, std::int64_t value);
     void Bind(int parameter, std::string_view value);
+    // The text stays where it is until the statement has run.
+    void BindInPlace(int parameter, std::string_view text);
     void BindNull(int parameter);
     std::int64_t Int(int column) const;
     std::string Text(int column) const;
@@ -78,14 +84,25 @@ class Database {
     PreparedStatement Prepare(std::string_view sql);
     // One or several statements without results.
     void Run(const std::string& sql);
+    // The same on the way out of a failure, whose error is the one to be told.
+    void RunQuietly(const std::string& sql) noexcept;
     // Steps a statement: true for a row, false when it is done; throws for failures.
     bool Step(PreparedStatement& statement);
     bool InTransaction() const;
     std::int64_t Changes() const;
-    // The current failure of SQLite as an error of the server; constraint failures are the caller's.
-    SqlError Failure(int code) const;
+    // The last failure of SQLite: what it was, what SQLite says, and the server's error for it. Which error a
+    // broken constraint is, the caller knows.
+    FailureKind LastFailureKind() const;
+    std::string LastMessage() const;
+    SqlError LastFailure() const;
+    // The file has been moved or deleted since it was opened.
+    bool HasMoved() const;
+    // Another number whenever somebody has changed the file.
+    std::uint32_t DataVersion() const;
 
   private:
+    SqlError Failure(int code) const;
+
     sqlite3* handle_ = nullptr;
     std::string path_;
 };

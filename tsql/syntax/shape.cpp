@@ -1,14 +1,18 @@
 #include "tsql/syntax/shape.h"
 
 #include <algorithm>
-#include <array>
+#include <charconv>
 #include <cstring>
 
 #include "tsql/base/diagnostic.h"
+#include "tsql/base/text_units.h"
 #include "tsql/syntax/lexer.h"
 
 namespace vicenter::tsql {
 namespace {
+
+// Stands around the mark of a literal in a key; a text with this character in it has no shape.
+constexpr char kMark = '\x01';
 
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
@@ -344,43 +348,63 @@ bool EndsWell(std::string_view text, std::size_t at) {
     return end > at && StartsNextStatement(FindKeyword(text.substr(at, end - at)));
 }
 
+void AppendNumber(std::string& key, std::size_t number) {
+    char digits[24];
+    key.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
+// A doubled apostrophe is one character.
+std::size_t UnitsOf(const LiteralValue& value) {
+    const auto doubled = value.doubled ? std::count(value.text.begin(), value.text.end(), '\'') / 2 : 0;
+    return engine::UnitCount(value.text) - static_cast<std::size_t>(doubled);
+}
+
+// The mark of a literal says all that its type depends on: '1001' and '1002.01' are varchars of two lengths,
+// and a plan that was made for the one would cut the other.
 void AppendMark(std::string& key, const LiteralValue& value) {
-    key += '\x01';
+    const auto withoutZeros = [](std::string_view digits) {
+        const std::size_t first = digits.find_first_not_of('0');
+        return digits.substr(std::min(first, digits.size()));
+    };
+    key += kMark;
     switch (value.kind) {
         case LiteralKind::kInteger: {
-            // Up to int, and past it by the number of digits.
-            std::string_view digits = value.text;
-            while (digits.size() > 1 && digits.front() == '0')
-                digits.remove_prefix(1);
+            // Up to int, and past it a decimal of as many digits.
             constexpr std::string_view kMax = "2147483647";
-            const bool isInt =
-                digits.size() < kMax.size() || (digits.size() == kMax.size() && digits <= kMax);
-            key += isInt ? "i" : "I" + std::to_string(digits.size());
+            const std::string_view digits = withoutZeros(value.text);
+            if (digits.size() < kMax.size() || (digits.size() == kMax.size() && digits <= kMax)) {
+                key += 'i';
+            } else {
+                key += 'I';
+                AppendNumber(key, digits.size());
+            }
             break;
         }
         case LiteralKind::kDecimal: {
             const std::size_t point = value.text.find('.');
-            key += 'd' + std::to_string(value.text.size() - 1) + '.' +
-                   std::to_string(value.text.size() - point - 1);
+            key += 'd';
+            AppendNumber(key, withoutZeros(value.text.substr(0, point)).size());
+            key += '.';
+            AppendNumber(key, value.text.size() - point - 1);
             break;
         }
         case LiteralKind::kFloat:
             key += 'f';
             break;
         case LiteralKind::kString:
-            key += 's';
-            break;
         case LiteralKind::kNString:
-            key += 'n';
+            key += value.kind == LiteralKind::kString ? 's' : 'n';
+            AppendNumber(key, UnitsOf(value));
             break;
         case LiteralKind::kBinary:
             key += 'b';
+            AppendNumber(key, (value.text.size() + 1) / 2);
             break;
         default:
             key += '0';
             break;
     }
-    key += '\x01';
+    key += kMark;
 }
 
 }  // namespace
@@ -473,7 +497,7 @@ std::optional<std::uint32_t> LiteralTemplate::Match(std::string_view text, std::
 }
 
 std::optional<StatementShape> ShapeOf(std::string_view text) {
-    if (text.size() > kLongestShape || text.find('\x01') != std::string_view::npos) return std::nullopt;
+    if (text.size() > kLongestShape || text.find(kMark) != std::string_view::npos) return std::nullopt;
     StatementShape shape;
     shape.key.reserve(text.size());
     try {

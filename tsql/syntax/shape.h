@@ -71,8 +71,8 @@ struct StatementShape {
 inline constexpr std::size_t kLongestShape = 4000;
 
 // The shape of a whole text, comments and all; nothing for long texts, for texts that are no data statement,
-// and for texts that are not well-formed. The mark tells int, larger integers, decimals by precision and
-// scale, and so on: equal keys mean equal types.
+// and for texts that are not well-formed. The mark tells int, larger integers by their digits, decimals by
+// precision and scale, texts and bytes by their length: equal keys mean equal types of all literals.
 std::optional<StatementShape> ShapeOf(std::string_view text);
 
 // The position of `offset`, counted on from an earlier one.

@@ -27,7 +27,6 @@ class TranslateContext {
     TranslateContext& operator=(const TranslateContext&) = delete;
     virtual ~TranslateContext() = default;
 
-    virtual const Catalog& GetCatalog() const = 0;
     // The type of a variable declared before that place; nothing when there is none.
     virtual std::optional<SqlType> VariableType(std::string_view name) const = 0;
     // The table behind a table variable or temporary table name as the running code sees it.

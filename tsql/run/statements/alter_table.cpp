@@ -36,7 +36,7 @@ void Executor::DropConstraint(TableInfo& table, const Name& name, bool& found) {
 
 void Executor::AlterTable(const AlterTableStatement& statement) {
     const bool temporary = statement.table.Object().front() == '#';
-    Change(temporary, [&] {
+    transactions_.Change(temporary, [&] {
         const TableInfo before = DefinedTable(statement.table, 4902);
         const auto run = [&](Translation translation) {
             Plan plan;
@@ -63,7 +63,9 @@ void Executor::AlterTable(const AlterTableStatement& statement) {
                     if (!column.defaultText.empty() && !column.nullable) {
                         const ExprPtr value = ParseExpression(column.defaultText);
                         const TableInfo& now = DefinedTable(statement.table, 4902);
-                        run(Translator(*this).FillColumn(now, *now.FindColumn(column.name), *value));
+                        run(Translated([&](Translator& translator) {
+                            return translator.FillColumn(now, *now.FindColumn(column.name), *value);
+                        }));
                     }
                     // Keys and checks that came with the column.
                     TableInfo now = DefinedTable(statement.table, 4902);
@@ -125,7 +127,9 @@ void Executor::AlterTable(const AlterTableStatement& statement) {
                 }
                 catalog_.ChangeTable(changed, true);
                 const TableInfo& now = DefinedTable(statement.table, 4902);
-                run(Translator(*this).RewriteColumn(now, *now.FindColumn(definition.name.text), from));
+                run(Translated([&](Translator& translator) {
+                    return translator.RewriteColumn(now, *now.FindColumn(definition.name.text), from);
+                }));
                 catalog_.RemakeNullIndexes(now);
                 break;
             }

@@ -1,5 +1,3 @@
-#include <sqlite3.h>
-
 #include "automation/object.h"
 #include "tsql/run/executor.h"
 
@@ -7,7 +5,7 @@ namespace vicenter::tsql::engine {
 
 void Executor::CreateIndex(const CreateIndexStatement& statement) {
     const bool temporary = statement.table.Object().front() == '#';
-    Change(temporary, [&] {
+    transactions_.Change(temporary, [&] {
         const TableInfo& table = DefinedTable(statement.table, 1088);
         // Over all rows the index would refuse what its filter lets in.
         if (statement.unique && statement.where)
@@ -37,7 +35,7 @@ void Executor::MakeKey(const TableInfo& table, const KeyInfo& key, Position posi
     try {
         catalog_.CreateIndex(table, key);
     } catch (const SqlError&) {
-        if (sqlite3_extended_errcode(database_.Handle()) != SQLITE_CONSTRAINT_UNIQUE) throw;
+        if (database_.LastFailureKind() != FailureKind::kUniqueKey) throw;
         throw MakeError(1505, position, {tableName, keyName, "()"});
     }
 }

@@ -6,14 +6,15 @@ namespace vicenter::tsql::engine {
 
 void Executor::CreateView(const CreateViewStatement& statement) {
     const std::string& name = statement.name.Object();
-    Change(false, [&] {
+    transactions_.Change(false, [&] {
         const bool exists = catalog_.FindView(name) != nullptr;
         if (statement.alter && !exists) throw MakeError(208, statement.name.Where(), {statement.name.Text()});
         if (!statement.alter && !(statement.createOrAlter && exists) && catalog_.ObjectId(name, "")) {
             throw MakeError(2714, statement.name.Where(), {name});
         }
         // What it asks for must be there, and every column needs a name.
-        const Translation translation = Translator(*this).Select(*statement.query);
+        const Translation translation =
+            Translated([&](Translator& translator) { return translator.Select(*statement.query); });
         if (!statement.columns.empty() && statement.columns.size() != translation.columns.size()) {
             throw MakeError(statement.columns.size() < translation.columns.size() ? 8158 : 8159,
                             statement.position, {name});
@@ -23,20 +24,20 @@ void Executor::CreateView(const CreateViewStatement& statement) {
                 throw MakeError(4511, statement.position, {static_cast<std::int32_t>(i + 1)});
             }
         }
-        catalog_.WriteModule('V', name, std::string(batchText_));
+        catalog_.WriteModule('V', name, std::string(frame_->text));
     });
 }
 
 void Executor::CreateProcedure(const CreateProcedureStatement& statement) {
     const std::string& name = statement.name.Object();
-    Change(false, [&] {
+    transactions_.Change(false, [&] {
         const bool exists = catalog_.FindProcedure(name) != nullptr;
         if (statement.alter && !exists) throw MakeError(208, statement.name.Where(), {statement.name.Text()});
         if (!statement.alter && !(statement.createOrAlter && exists) && catalog_.ObjectId(name, "")) {
             throw MakeError(2714, statement.name.Where(), {name});
         }
         // The whole batch is kept, so that lines in errors are those of the text that was sent.
-        catalog_.WriteModule('P', name, std::string(batchText_));
+        catalog_.WriteModule('P', name, std::string(frame_->text));
     });
 }
 

@@ -116,7 +116,8 @@ void Executor::AddConstraint(TableInfo& table, const Constraint& constraint) {
             const std::string detail = constraint.columns.empty() ? "" : constraint.columns.front().name.text;
             check.name = ConstraintName(table, constraint, "CK", detail);
             check.text = ExpressionText(*constraint.expression);
-            check.sqlText = Translator(*this).CheckText(table, *constraint.expression);
+            check.sqlText = Translated(
+                [&](Translator& translator) { return translator.CheckText(table, *constraint.expression); });
             table.checks.push_back(std::move(check));
             break;
         }
@@ -163,8 +164,8 @@ TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& d
     for (ColumnInfo& column : table.columns) {
         if (column.computedText.empty()) continue;
         // Its type is that of its expression.
-        Translator translator(*this);
-        column.type = translator.ComputedType(table, column.computedText);
+        column.type = Translated(
+            [&](Translator& translator) { return translator.ComputedType(table, column.computedText); });
     }
     if (const ColumnInfo* identity = table.IdentityColumn())
         table.lastIdentity = identity->seed - identity->increment;
@@ -174,7 +175,7 @@ TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& d
 void Executor::CreateTable(const CreateTableStatement& statement) {
     const std::string& name = statement.table.Object();
     const bool temporary = !name.empty() && name.front() == '#';
-    Change(temporary, [&] {
+    transactions_.Change(temporary, [&] {
         if (temporary ? catalog_.FindTable(name) != nullptr
                       : catalog_.ObjectId(name, "").has_value() || catalog_.HasConstraint(name)) {
             throw MakeError(2714, statement.table.Where(), {name});

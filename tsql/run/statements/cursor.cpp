@@ -23,10 +23,11 @@ bool Has(const std::vector<std::string>& options, std::string_view option) {
 std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const CursorDefinition& definition) {
     auto cursor = std::make_shared<Cursor>();
     cursor->name = name;
-    cursor->unit = frame_->unit;
+    cursor->program = frame_->program;
     cursor->scroll = !Has(definition.options, "forward_only") && !Has(definition.options, "fast_forward");
     Plan plan;
-    plan.translation = Translator(*this).Select(*definition.query);
+    plan.translation =
+        Translated([&](Translator& translator) { return translator.Select(*definition.query); });
     plan.statement = database_.Prepare(plan.translation.sql);
     // Variables in the query have the values of this moment.
     Bind(plan);

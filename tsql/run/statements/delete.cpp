@@ -13,7 +13,7 @@ void Executor::Delete(const DeleteStatement& statement) {
 void Executor::Truncate(const TruncateStatement& statement) {
     const TableInfo* table = FindTable(statement.table.Object());
     if (table == nullptr) throw MakeError(4701, statement.table.Where(), {statement.table.Object()});
-    Change(table->temporary, [&] {
+    transactions_.Change(table->temporary, [&] {
         for (const TableInfo* other : catalog_.Tables()) {
             for (const ForeignKeyInfo& key : other->foreignKeys) {
                 if (catalog_.FindTable(key.referencedTable) == table && other != table) {

@@ -35,7 +35,7 @@ void Executor::Drop(const DropStatement& statement) {
             if (statement.ifExists) return;
             throw MakeError(3701, name.Where(), {"drop", Word(statement.object), name.Text()});
         };
-        Change(temporary, [&] {
+        transactions_.Change(temporary, [&] {
             switch (statement.object) {
                 case DropKind::kTable: {
                     const TableInfo* table = FindTable(name.Object());

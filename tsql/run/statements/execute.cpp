@@ -30,15 +30,6 @@ void Executor::Execute(const ExecuteStatement& statement) {
     CallProcedure(statement, name);
 }
 
-std::shared_ptr<Unit> Executor::ProcedureUnit(const ModuleInfo& procedure) {
-    std::shared_ptr<Unit>& unit = procedures_[LowerAscii(procedure.name)];
-    if (!unit || unit->text != procedure.text) {
-        unit = ParseUnit(procedure.text, false);
-        unit->text = procedure.text;
-    }
-    return unit;
-}
-
 void Executor::CallProcedure(const ExecuteStatement& statement, const std::string& name) {
     const ModuleInfo* found = catalog_.FindProcedure(name);
     if (found == nullptr) {
@@ -47,11 +38,11 @@ void Executor::CallProcedure(const ExecuteStatement& statement, const std::strin
         found = catalog_.FindProcedure(name);
     }
     if (found == nullptr) throw MakeError(2812, statement.position, {name});
-    Frame callee;
-    callee.unit = ProcedureUnit(*found);
+    Frame callee(*frame_, statement.position);
+    callee.program = programs_.ForProcedure(*found);
     callee.procedure = found->name;
     callee.procedureId = found->id;
-    const auto* procedure = TryAs<CreateProcedureStatement>(callee.unit->items.front().statement);
+    const auto* procedure = TryAs<CreateProcedureStatement>(callee.program->items.front().statement);
     RunProcedure(*procedure, statement, 0, callee);
 }
 
@@ -124,36 +115,12 @@ void Executor::BindArguments(const CreateProcedureStatement& procedure, const Ex
 
 void Executor::RunProcedure(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
                             std::size_t firstArgument, Frame& callee) {
-    callee.caller = frame_;
-    callee.level = frame_->level + 1;
-    if (callee.level > kNestingLevels) throw MakeError(217, statement.position, {kNestingLevels});
     BindArguments(procedure, statement, firstArgument, callee);
-    const bool noCount = noCount_;
-    const auto* literals = literals_;
-    const auto* literalOffsets = literalOffsets_;
-    Unit* pinUnit = pinUnit_;
-    literals_ = nullptr;
-    literalOffsets_ = nullptr;
-    pinUnit_ = nullptr;
-    const std::string_view batchText = batchText_;
-    batchText_ = callee.unit->text;
-    const auto restore = [&] {
-        LeaveFrame(callee);
-        noCount_ = noCount;
-        literals_ = literals;
-        literalOffsets_ = literalOffsets;
-        pinUnit_ = pinUnit;
-        batchText_ = batchText;
-    };
-    try {
-        const FrameScope scope(frame_, callee);
+    callee.text = callee.program->text;
+    RunIn(callee, [&] {
         DeclareAll(procedure.body);
         RunList(procedure.body);
-    } catch (...) {
-        restore();
-        throw;
-    }
-    restore();
+    });
     std::size_t position = 0;
     for (std::size_t i = firstArgument; i < statement.arguments.size(); ++i, ++position) {
         const ExecuteArgument& argument = statement.arguments[i];
@@ -177,37 +144,15 @@ void Executor::RunProcedure(const CreateProcedureStatement& procedure, const Exe
 
 void Executor::ExecuteText(const ExecuteTextStatement& statement) {
     const std::string text = EvaluateText(*statement.text);
-    Frame callee;
-    callee.caller = frame_;
-    callee.level = frame_->level + 1;
-    if (callee.level > kNestingLevels) throw MakeError(217, statement.position, {kNestingLevels});
-    callee.unit = ParseUnit(text, false);
-    const auto* literals = literals_;
-    const auto* literalOffsets = literalOffsets_;
-    Unit* pinUnit = pinUnit_;
-    literals_ = nullptr;
-    literalOffsets_ = nullptr;
-    pinUnit_ = nullptr;
-    const std::string_view batchText = batchText_;
-    batchText_ = text;
-    const auto restore = [&] {
-        LeaveFrame(callee);
-        literals_ = literals;
-        literalOffsets_ = literalOffsets;
-        pinUnit_ = pinUnit;
-        batchText_ = batchText;
-    };
-    try {
-        const FrameScope scope(frame_, callee);
-        DeclareAll(callee.unit->statements);
-        for (const UnitItem& item : callee.unit->items) {
+    Frame callee(*frame_, statement.position);
+    callee.program = ParseProgram(text, false);
+    callee.text = text;
+    RunIn(callee, [&] {
+        DeclareAll(callee.program->statements);
+        for (const ProgramItem& item : callee.program->items) {
             if (RunStatement(*item.statement) == Flow::kReturn) break;
         }
-    } catch (...) {
-        restore();
-        throw;
-    }
-    restore();
+    });
 }
 
 // sp_executesql @statement, @parameters, values…: a procedure that is made for one call.
@@ -217,17 +162,10 @@ void Executor::ExecuteSql(const ExecuteStatement& statement) {
     const std::string body = EvaluateText(*statement.arguments[0].value);
     const std::string parameters =
         statement.arguments.size() > 1 ? EvaluateText(*statement.arguments[1].value) : std::string();
-    Frame callee;
-    const std::string text = "create procedure sp_executesql " + parameters + " as " + body;
-    if (procedures_.size() > 500) procedures_.clear();
-    std::shared_ptr<Unit>& kept = procedures_["exec " + text];
-    if (!kept) {
-        kept = ParseUnit(text, false);
-        kept->text = text;
-    }
-    callee.unit = kept;
+    Frame callee(*frame_, statement.position);
+    callee.program = programs_.ForCall("create procedure sp_executesql " + parameters + " as " + body);
     callee.procedure = "sp_executesql";
-    const auto* procedure = TryAs<CreateProcedureStatement>(callee.unit->items.front().statement);
+    const auto* procedure = TryAs<CreateProcedureStatement>(callee.program->items.front().statement);
     RunProcedure(*procedure, statement, statement.arguments.size() > 1 ? 2 : 1, callee);
 }
 

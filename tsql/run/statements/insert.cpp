@@ -52,8 +52,9 @@ void Executor::InsertExecute(const InsertStatement& statement) {
         return;
     }
     const TableInfo* table = FindTable(statement.table.Object());
-    Change(table != nullptr && table->temporary,
-           [&] { InsertRows(&statement, statement.table, statement.columns, types, rows.Rows()); });
+    transactions_.Change(table != nullptr && table->temporary, [&] {
+        InsertRows(&statement, statement.table, statement.columns, types, rows.Rows());
+    });
 }
 
 }  // namespace vicenter::tsql::engine

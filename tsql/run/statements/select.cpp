@@ -23,7 +23,7 @@ void Executor::Select(const SelectStatement& statement) {
                     std::move(row[i]);
             }
             ++rows;
-            if (rowCountLimit_ > 0 && rows >= rowCountLimit_) break;
+            if (frame_->options.rowCountLimit > 0 && rows >= frame_->options.rowCountLimit) break;
         }
         rowCount_ = rows;
         return;
@@ -35,7 +35,7 @@ void Executor::Select(const SelectStatement& statement) {
         ReadRow(plan, row);
         sink_->AddRow(row);
         ++rows;
-        if (rowCountLimit_ > 0 && rows >= rowCountLimit_) break;
+        if (frame_->options.rowCountLimit > 0 && rows >= frame_->options.rowCountLimit) break;
     }
     rowCount_ = rows;
 }
@@ -45,9 +45,10 @@ void Executor::SelectInto(const SelectStatement& statement) {
     const SelectBody& select = *statement.query->Select();
     const std::string& name = select.into.Object();
     const bool temporary = !name.empty() && name.front() == '#';
-    Change(temporary, [&] {
+    transactions_.Change(temporary, [&] {
         if (catalog_.ObjectId(name, "")) throw MakeError(2714, select.into.Where(), {name});
-        Translation translation = Translator(*this).Select(*statement.query);
+        Translation translation =
+            Translated([&](Translator& translator) { return translator.Select(*statement.query); });
         TableInfo table;
         table.name = name;
         table.temporary = temporary;

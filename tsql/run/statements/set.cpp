@@ -25,29 +25,31 @@ void Executor::SetVariable(const SetVariableStatement& statement) {
 
 // Options without a meaning here (isolation levels, ANSI settings, …) are taken without a word.
 void Executor::SetOption(const SetOptionStatement& statement) {
+    SetOptions& options = frame_->options;
     for (const std::string& option : statement.options) {
         if (option == "nocount") {
-            noCount_ = statement.on.value_or(false);
+            options.noCount = statement.on.value_or(false);
         } else if (option == "xact_abort") {
-            exactAbort_ = statement.on.value_or(false);
+            options.exactAbort = statement.on.value_or(false);
         } else if (option == "rowcount") {
-            rowCountLimit_ = statement.value ? EvaluateInt(*statement.value) : 0;
+            options.rowCountLimit = statement.value ? EvaluateInt(*statement.value) : 0;
         } else if (option == "lock_timeout") {
-            database_.SetLockTimeout(statement.value ? static_cast<int>(EvaluateInt(*statement.value)) : -1);
+            options.lockTimeoutMilliseconds =
+                statement.value ? static_cast<int>(EvaluateInt(*statement.value)) : -1;
+            database_.SetLockTimeout(options.lockTimeoutMilliseconds);
         } else if (option == "identity_insert") {
             const TableInfo* table = FindTable(statement.table.Object());
             if (table == nullptr) throw MakeError(208, statement.position, {statement.table.Text()});
             if (table->IdentityColumn() == nullptr) throw MakeError(8106, statement.position, {table->name});
             if (!statement.on.value_or(false)) {
-                identityInsert_.clear();
-            } else if (!identityInsert_.empty() && !automation::SameName(identityInsert_, table->name)) {
+                options.identityInsert.clear();
+            } else if (!options.identityInsert.empty() &&
+                       !automation::SameName(options.identityInsert, table->name)) {
                 throw MakeError(8107, statement.position,
-                                {"accountset", "dbo", identityInsert_, table->name});
+                                {"accountset", "dbo", options.identityInsert, table->name});
             } else {
-                identityInsert_ = table->name;
+                options.identityInsert = table->name;
             }
-            // Whether a column list may name the identity column is part of a translation.
-            frame_->unit->plans.clear();
         } else if (option == "dateformat") {
             // Texts of dates are read with the month before the day, by ymd as by mdy.
             const std::string format =

@@ -1,0 +1,96 @@
+#include "tsql/run/constraint_error.h"
+
+#include <vector>
+
+#include "automation/object.h"
+#include "tsql/base/error_table.h"
+
+namespace vicenter::tsql::engine {
+
+using automation::SameName;
+
+namespace {
+
+// "UNIQUE constraint failed: t.a, t.b" names the columns.
+std::vector<std::string> FailedColumns(const std::string& text, const std::string& table) {
+    std::vector<std::string> columns;
+    const std::size_t colon = text.find(": ");
+    if (colon == std::string::npos) return columns;
+    const std::string prefix = table + ".";
+    std::size_t at = colon + 2;
+    while (at < text.size()) {
+        std::size_t end = text.find(", " + prefix, at);
+        if (end == std::string::npos) end = text.size();
+        std::string column = text.substr(at, end - at);
+        if (column.rfind(prefix, 0) == 0) column.erase(0, prefix.size());
+        columns.push_back(std::move(column));
+        at = end == text.size() ? end : end + 2;
+    }
+    return columns;
+}
+
+bool SameColumns(const std::vector<std::string>& a, const std::vector<std::string>& b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (!SameName(a[i], b[i])) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+SqlError ConstraintError(const Catalog& catalog, const FunctionServices& services,
+                         const Translation& translation, FailureKind kind, const std::string& text) {
+    const TableInfo* table = catalog.FindTable(translation.table);
+    const std::string& operation = translation.operation;
+    if (table == nullptr) return MakeError(8624, {}, {text});
+    if (kind == FailureKind::kUniqueKey) {
+        const std::vector<std::string> columns = FailedColumns(text, table->physical);
+        for (const KeyInfo& key : table->keys) {
+            if (!key.IsUnique()) continue;
+            // An index over expressions is named itself: "UNIQUE constraint failed: index 't$UX$null'".
+            const bool hit = SameColumns(key.columns, columns) ||
+                             text.find("'" + PhysicalNullIndexName(*table, key) + "'") != std::string::npos;
+            if (!hit) continue;
+            std::string values;
+            for (const std::string& column : key.columns) {
+                const std::string* value = services.FindKey(table->FindColumn(column)->name);
+                values += (values.empty() ? "(" : ", ") + (value != nullptr ? *value : std::string("?"));
+            }
+            values += ")";
+            if (key.kind == KeyKind::kUniqueIndex)
+                return MakeError(2601, {}, {table->FullName(), key.name, values});
+            const char* word = key.kind == KeyKind::kPrimary ? "PRIMARY KEY" : "UNIQUE KEY";
+            return MakeError(2627, {}, {word, key.name, table->FullName(), values});
+        }
+        return MakeError(2601, {}, {table->FullName(), text, "()"});
+    }
+    if (kind == FailureKind::kCheck) {
+        const std::size_t colon = text.find(": ");
+        const std::string name = colon == std::string::npos ? text : text.substr(colon + 2);
+        return MakeError(547, {}, {operation, "CHECK", name, "accountset", table->FullName(), "", "", ""});
+    }
+    if (kind == FailureKind::kForeignKey) {
+        if (operation != "DELETE" && !table->foreignKeys.empty()) {
+            const ForeignKeyInfo& key = table->foreignKeys.front();
+            const bool single = key.referencedColumns.size() == 1;
+            return MakeError(
+                547, {},
+                {operation, "FOREIGN KEY", key.name, "accountset", "dbo." + key.referencedTable,
+                 single ? ", column '" : "", single ? key.referencedColumns.front() : "", single ? "'" : ""});
+        }
+        for (const TableInfo* other : catalog.Tables()) {
+            for (const ForeignKeyInfo& key : other->foreignKeys) {
+                if (!SameName(key.referencedTable, table->name)) continue;
+                const bool single = key.columns.size() == 1;
+                return MakeError(
+                    547, {},
+                    {operation, "REFERENCE", key.name, "accountset", other->FullName(),
+                     single ? ", column '" : "", single ? key.columns.front() : "", single ? "'" : ""});
+            }
+        }
+    }
+    return MakeError(8624, {}, {text});
+}
+
+}  // namespace vicenter::tsql::engine

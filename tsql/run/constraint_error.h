@@ -1,0 +1,19 @@
+#pragma once
+
+// The server's error for a constraint that SQLite has found broken: which key, which values, which other
+// table.
+
+#include <string>
+
+#include "tsql/catalog/catalog.h"
+#include "tsql/functions/functions.h"
+#include "tsql/sqlite/database.h"
+#include "tsql/translate/translation.h"
+
+namespace vicenter::tsql::engine {
+
+// `text` is what SQLite says of it: "UNIQUE constraint failed: t.a, t.b".
+SqlError ConstraintError(const Catalog& catalog, const FunctionServices& services,
+                         const Translation& translation, FailureKind kind, const std::string& text);
+
+}  // namespace vicenter::tsql::engine

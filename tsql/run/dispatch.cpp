@@ -1,0 +1,111 @@
+// Which function runs a statement, and what it leaves in @@ROWCOUNT and @@ERROR.
+
+#include <array>
+#include <type_traits>
+
+#include "tsql/run/executor.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+enum class After : std::uint8_t {
+    kCounts,   // @@ERROR is 0; @@ROWCOUNT is what the statement made it
+    kForgets,  // both are 0: statements that have no rows to count
+    kLeaves,   // both are what the statements within have made them
+};
+
+constexpr std::size_t kKinds = static_cast<std::size_t>(StatementKind::kTransaction) + 1;
+
+}  // namespace
+
+struct Executor::Handler {
+    // One function of the executor and the tree that it takes.
+    template <auto Method, class Tree>
+    static Flow With(Executor& executor, const Statement& statement) {
+        if constexpr (std::is_void_v<decltype((executor.*Method)(As<Tree>(statement)))>) {
+            (executor.*Method)(As<Tree>(statement));
+            return Flow::kNext;
+        } else {
+            return (executor.*Method)(As<Tree>(statement));
+        }
+    }
+    template <Flow Result>
+    static Flow Only(Executor&, const Statement&) {
+        return Result;
+    }
+
+    Flow (*run)(Executor& executor, const Statement& statement) = nullptr;
+    After after = After::kCounts;
+};
+
+const Executor::Handler& Executor::HandlerOf(StatementKind kind) {
+    using K = StatementKind;
+    struct Entry {
+        K kind;
+        Handler handler;
+    };
+    static constexpr Entry kEntries[] = {
+        {K::kSelect, {Handler::With<&Executor::Select, SelectStatement>}},
+        {K::kInsert, {Handler::With<&Executor::Insert, InsertStatement>}},
+        {K::kUpdate, {Handler::With<&Executor::Update, UpdateStatement>}},
+        {K::kDelete, {Handler::With<&Executor::Delete, DeleteStatement>}},
+        {K::kTruncate, {Handler::With<&Executor::Truncate, TruncateStatement>}},
+
+        {K::kCreateTable, {Handler::With<&Executor::CreateTable, CreateTableStatement>}},
+        {K::kAlterTable, {Handler::With<&Executor::AlterTable, AlterTableStatement>}},
+        {K::kCreateIndex, {Handler::With<&Executor::CreateIndex, CreateIndexStatement>}},
+        {K::kCreateView, {Handler::With<&Executor::CreateView, CreateViewStatement>}},
+        {K::kCreateProcedure, {Handler::With<&Executor::CreateProcedure, CreateProcedureStatement>}},
+        {K::kDrop, {Handler::With<&Executor::Drop, DropStatement>}},
+        {K::kNoOperation, {Handler::Only<Flow::kNext>, After::kForgets}},
+
+        {K::kDeclare, {Handler::With<&Executor::DeclareVariables, DeclareStatement>, After::kLeaves}},
+        {K::kSetVariable, {Handler::With<&Executor::SetVariable, SetVariableStatement>}},
+        {K::kSetOption, {Handler::With<&Executor::SetOption, SetOptionStatement>, After::kForgets}},
+
+        {K::kDeclareCursor, {Handler::With<&Executor::DeclareCursor, DeclareCursorStatement>}},
+        {K::kSetCursor, {Handler::With<&Executor::SetCursor, SetCursorStatement>}},
+        {K::kOpenCursor, {Handler::With<&Executor::OpenCursor, OpenCursorStatement>}},
+        {K::kFetch, {Handler::With<&Executor::Fetch, FetchStatement>}},
+        {K::kCloseCursor, {Handler::With<&Executor::CloseCursor, CloseCursorStatement>, After::kForgets}},
+        {K::kDeallocate, {Handler::With<&Executor::Deallocate, DeallocateStatement>, After::kForgets}},
+
+        {K::kBlock, {Handler::With<&Executor::Block, BlockStatement>, After::kLeaves}},
+        {K::kIf, {Handler::With<&Executor::If, IfStatement>, After::kLeaves}},
+        {K::kWhile, {Handler::With<&Executor::While, WhileStatement>, After::kLeaves}},
+        {K::kBreak, {Handler::Only<Flow::kBreak>, After::kLeaves}},
+        {K::kContinue, {Handler::Only<Flow::kContinue>, After::kLeaves}},
+        {K::kReturn, {Handler::With<&Executor::Return, ReturnStatement>, After::kLeaves}},
+        {K::kTryCatch, {Handler::With<&Executor::TryCatch, TryCatchStatement>, After::kLeaves}},
+
+        {K::kPrint, {Handler::With<&Executor::Print, PrintStatement>, After::kForgets}},
+        {K::kRaiserror, {Handler::With<&Executor::Raiserror, RaiserrorStatement>, After::kForgets}},
+        {K::kThrow, {Handler::With<&Executor::Throw, ThrowStatement>}},
+        {K::kExecute, {Handler::With<&Executor::Execute, ExecuteStatement>, After::kLeaves}},
+        {K::kExecuteText, {Handler::With<&Executor::ExecuteText, ExecuteTextStatement>, After::kLeaves}},
+        {K::kTransaction, {Handler::With<&Executor::Transaction, TransactionStatement>, After::kForgets}},
+    };
+    static_assert(std::size(kEntries) == kKinds, "every statement is run by something");
+    static constexpr auto kByKind = [] {
+        std::array<Handler, kKinds> handlers{};
+        for (const Entry& entry : kEntries)
+            handlers[static_cast<std::size_t>(entry.kind)] = entry.handler;
+        return handlers;
+    }();
+    return kByKind[static_cast<std::size_t>(kind)];
+}
+
+Flow Executor::Dispatch(const Statement& statement) {
+    // A query that opens the batch goes on in the moment in which the catalog was read.
+    if (statement.kind != StatementKind::kSelect && statement.kind != StatementKind::kIf)
+        catalog_.EndSnapshot();
+    const Handler& handler = HandlerOf(statement.kind);
+    const Flow flow = handler.run(*this, statement);
+    if (handler.after == After::kLeaves) return flow;
+    lastError_ = 0;
+    if (handler.after == After::kForgets) rowCount_ = 0;
+    return flow;
+}
+
+}  // namespace vicenter::tsql::engine

@@ -1,0 +1,98 @@
+#pragma once
+
+// A batch or a procedure that runs: its variables, cursors, temporary tables, options and literals. All that
+// a call must not leave behind is here, so that it goes with the frame. Lives on the stack of the thread that
+// runs the batch.
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "tsql/catalog/catalog.h"
+#include "tsql/run/literal_run.h"
+#include "tsql/run/options.h"
+#include "tsql/run/program.h"
+#include "tsql/types/value.h"
+
+namespace vicenter::tsql::engine {
+
+// Procedures within procedures.
+inline constexpr int kNestingLevels = 32;
+
+// A cursor reads all of its rows when it is opened.
+struct Cursor {
+    std::string name;
+    std::shared_ptr<Program> program;  // keeps the query's tree
+    PreparedStatement statement;  // with the variables' values of the moment when the cursor was declared
+    std::vector<ResultColumn> columns;
+    std::vector<std::vector<Value>> rows;
+    std::int64_t position = -1;
+    bool open = false;
+    bool scroll = true;
+};
+
+struct Variable {
+    SqlType type;
+    Value value;
+    std::uint32_t declaredAt = 0;
+    bool isCursor = false;
+    std::shared_ptr<Cursor> cursor;
+    std::string table;  // the temporary table behind a table variable
+};
+
+struct Frame {
+    Frame() = default;
+    // A procedure or a text that a statement of the caller runs. Error 217 when it is one too many.
+    Frame(Frame& calledFrom, Position where);
+
+    Frame* caller = nullptr;
+    std::shared_ptr<Program> program;
+    std::string_view text;  // what was sent, or the procedure's
+    SetOptions options;
+    LiteralRun literals;
+    std::unordered_map<std::string, Variable> variables;
+    std::map<std::string, std::shared_ptr<Cursor>> cursors;
+    std::vector<std::string> temporaries;  // dropped at the end
+    std::string procedure;
+    std::int64_t procedureId = 0;
+    std::int64_t returnValue = 0;
+    std::int32_t lineBase = 0;
+    int level = 0;
+    Value scopeIdentity;
+
+    // Throws 137 when there is none of that name.
+    Variable& FindVariable(std::string_view name, Position where);
+    // A table of the account set, a temporary one, or the one behind a table variable.
+    const TableInfo* FindTable(const Catalog& catalog, std::string_view name) const;
+};
+
+// The frame that runs, for as long as a scope lasts.
+class FrameScope {
+  public:
+    FrameScope(Frame*& current, Frame& frame) : current_(current), saved_(current) { current_ = &frame; }
+    FrameScope(const FrameScope&) = delete;
+    FrameScope& operator=(const FrameScope&) = delete;
+    ~FrameScope() { current_ = saved_; }
+
+  private:
+    Frame*& current_;
+    Frame* saved_;
+};
+
+// The literals of one INSERT of many, for as long as it runs.
+class LiteralScope {
+  public:
+    LiteralScope(Frame& frame, const LiteralRun& literals) : frame_(frame) { frame_.literals = literals; }
+    LiteralScope(const LiteralScope&) = delete;
+    LiteralScope& operator=(const LiteralScope&) = delete;
+    ~LiteralScope() { frame_.literals = {}; }
+
+  private:
+    Frame& frame_;
+};
+
+}  // namespace vicenter::tsql::engine

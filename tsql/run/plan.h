@@ -1,0 +1,27 @@
+#pragma once
+
+// A translated statement, prepared: made once for a place in a program, run many times.
+
+#include <cstdint>
+
+#include "tsql/catalog/catalog.h"
+#include "tsql/run/options.h"
+#include "tsql/sqlite/database.h"
+#include "tsql/translate/translation.h"
+
+namespace vicenter::tsql::engine {
+
+struct Plan {
+    Translation translation;
+    PreparedStatement statement;
+    std::uint64_t generation = 0;  // the catalog's when the plan was made
+    // The statement takes any literals in the places of its own. False when one of them was looked at while
+    // the plan was made, or goes elsewhere than into a column.
+    bool takesAnyLiterals = false;
+
+    // What the plan was made from still holds: the catalog, the temporary tables by their numbers, and the
+    // options that let it through.
+    bool IsCurrent(const Catalog& catalog, const SetOptions& options) const;
+};
+
+}  // namespace vicenter::tsql::engine

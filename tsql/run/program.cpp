@@ -1,0 +1,152 @@
+#include "tsql/run/program.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "tsql/base/text_units.h"
+#include "tsql/syntax/parse/parser.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+struct KnownTemplate {
+    std::optional<LiteralTemplate> pattern;
+    const Statement* statement = nullptr;
+    const std::vector<std::uint32_t>* offsets = nullptr;
+};
+
+// How many kinds of INSERT may take turns and still be recognized.
+constexpr std::size_t kKnownTemplates = 4;
+
+bool IsPlainInsert(const Statement& statement) {
+    const auto* insert = TryAs<InsertStatement>(&statement);
+    return insert != nullptr && insert->source == InsertSource::kValues && insert->rows.size() == 1 &&
+           !insert->output && !insert->top && insert->with.empty();
+}
+
+}  // namespace
+
+std::shared_ptr<Program> ParseProgram(std::string_view text, bool findRepeated) {
+    auto program = std::make_shared<Program>();
+    StatementReader reader(text);
+    std::array<KnownTemplate, kKnownTemplates> known;
+    std::size_t oldest = 0;
+    std::vector<LiteralValue> literals;
+    for (;;) {
+        const Position where = reader.Where();
+        bool matched = false;
+        for (const KnownTemplate& candidate : known) {
+            if (!candidate.pattern) continue;
+            std::uint32_t start = 0;
+            const auto end = candidate.pattern->Match(text, where.offset, &literals, &start);
+            if (!end) continue;
+            ProgramItem item;
+            item.statement = candidate.statement;
+            item.line = Advance(text, where, start).line;
+            item.begin = start;
+            item.end = *end;
+            item.firstLiteral = program->literals.size();
+            item.literalCount = literals.size();
+            item.offsets = candidate.offsets;
+            program->literals.insert(program->literals.end(), literals.begin(), literals.end());
+            program->items.push_back(item);
+            reader.Seek(Advance(text, where, *end));
+            matched = true;
+            break;
+        }
+        if (matched) continue;
+        StatementPtr statement = reader.Next();
+        if (!statement) break;
+        ProgramItem item;
+        item.statement = statement.get();
+        item.line = statement->position.line;
+        item.begin = statement->position.offset;
+        item.end = statement->endOffset;
+        if (findRepeated && IsPlainInsert(*statement)) {
+            const std::string_view own =
+                text.substr(statement->position.offset, statement->endOffset - statement->position.offset);
+            KnownTemplate fresh;
+            fresh.pattern = LiteralTemplate::Make(own);
+            // The first of them runs as the others do.
+            if (fresh.pattern && fresh.pattern->Match(text, statement->position.offset, &literals)) {
+                auto offsets = std::make_unique<std::vector<std::uint32_t>>();
+                for (const LiteralValue& literal : literals)
+                    offsets->push_back(literal.offset);
+                item.firstLiteral = program->literals.size();
+                item.literalCount = literals.size();
+                item.offsets = offsets.get();
+                program->literals.insert(program->literals.end(), literals.begin(), literals.end());
+                fresh.statement = statement.get();
+                fresh.offsets = offsets.get();
+                program->offsets.push_back(std::move(offsets));
+                known[oldest] = std::move(fresh);
+                oldest = (oldest + 1) % kKnownTemplates;
+            }
+        }
+        program->items.push_back(item);
+        program->statements.push_back(std::move(statement));
+    }
+    return program;
+}
+
+namespace {
+
+// Texts whose plans a session keeps.
+constexpr std::size_t kKeptShapes = 500;
+constexpr std::size_t kKeptCalls = 500;
+// Programs of one shape that differ in pinned literals: with ever other ones they are not worth keeping.
+constexpr std::size_t kKeptOfOneShape = 8;
+
+bool Fits(const Program& program, const std::vector<LiteralValue>& literals) {
+    return std::all_of(program.pinned.begin(), program.pinned.end(), [&](const auto& pin) {
+        return literals[static_cast<std::size_t>(pin.first)].Text() == pin.second;
+    });
+}
+
+// The text of a module changes when it is altered.
+const std::shared_ptr<Program>& Current(std::shared_ptr<Program>& kept, const std::string& text) {
+    if (!kept || kept->text != text) {
+        kept = ParseProgram(text, false);
+        kept->text = text;
+    }
+    return kept;
+}
+
+}  // namespace
+
+ProgramStore::Batch ProgramStore::ForBatch(std::string_view text) {
+    auto shape = ShapeOf(text);
+    if (!shape) return {ParseProgram(text, true), {}, false};
+    const auto known = shapes_.find(shape->key);
+    if (known != shapes_.end()) {
+        for (const std::shared_ptr<Program>& program : known->second) {
+            if (Fits(*program, shape->literals)) return {program, std::move(shape->literals), true};
+        }
+    }
+    std::shared_ptr<Program> program = ParseProgram(text, false);
+    for (const LiteralValue& literal : shape->literals)
+        program->shapeOffsets.push_back(literal.offset);
+    if (shapes_.size() >= kKeptShapes) shapes_.clear();
+    std::vector<std::shared_ptr<Program>>& programs = shapes_[std::move(shape->key)];
+    if (programs.size() >= kKeptOfOneShape) programs.erase(programs.begin());
+    programs.push_back(program);
+    return {std::move(program), std::move(shape->literals), true};
+}
+
+std::shared_ptr<Program> ProgramStore::ForProcedure(const ModuleInfo& procedure) {
+    return Current(procedures_[LowerAscii(procedure.name)], procedure.text);
+}
+
+std::shared_ptr<Program> ProgramStore::ForCall(const std::string& text) {
+    if (calls_.size() >= kKeptCalls) calls_.clear();
+    return Current(calls_[text], text);
+}
+
+const CreateViewStatement* ProgramStore::ForView(const ModuleInfo& view) {
+    const std::shared_ptr<Program>& program = Current(views_[LowerAscii(view.name)], view.text);
+    return TryAs<CreateViewStatement>(program->items.front().statement);
+}
+
+}  // namespace vicenter::tsql::engine

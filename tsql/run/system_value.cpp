@@ -1,0 +1,45 @@
+// What the session answers about itself: @@ROWCOUNT and its kin, the clock, the error of a CATCH block.
+
+#include "tsql/run/executor.h"
+
+namespace vicenter::tsql::engine {
+
+Value Executor::SystemValue(std::string_view name) const {
+    if (name == "@@rowcount") return Value(rowCount_);
+    if (name == "@@error") return Value(std::int64_t{lastError_});
+    if (name == "@@fetch_status") return Value(std::int64_t{fetchStatus_});
+    if (name == "@@trancount") return Value(transactions_.Count());
+    if (name == "@@identity") return identity_;
+    if (name == "scope_identity") return frame_ != nullptr ? frame_->scopeIdentity : Value();
+    if (name == "@@nestlevel") return Value(frame_ != nullptr ? frame_->level : 0);
+    if (name == "@@procid") return Value(frame_ != nullptr ? frame_->procedureId : 0);
+    if (name == "@@spid") return Value(51);
+    if (name == "@@version") return Value(std::string("Embedded account set"));
+    if (name == "@@servername" || name == "host_name") return Value(std::string("localhost"));
+    if (name == "@@datefirst") return Value(7);
+    if (name == "@@language") return Value(std::string("简体中文"));
+    if (name == "@@lock_timeout")
+        return Value(frame_ != nullptr ? frame_->options.lockTimeoutMilliseconds : 0);
+    if (name == "@@max_precision") return Value(kMaxPrecision);
+    if (name == "@@cursor_rows" || name == "@@options") return Value(0);
+    if (name == "getdate") return Value(options_.now());
+    if (name == "db_name") return Value(std::string("accountset"));
+    if (name == "db_id") return Value(5);
+    if (name == "app_name") return Value(std::string("vicenter"));
+    if (name == "schema_name" || name == "user" || name == "user_name" || name == "current_user" ||
+        name == "session_user" || name == "system_user" || name == "suser_sname") {
+        return Value(options_.user);
+    }
+    if (name == "xact_state") return Value(transactions_.Count() > 0 ? 1 : 0);
+    if (caught_.empty()) return {};
+    const Diagnostic& caught = caught_.back();
+    if (name == "error_number") return Value(std::int64_t{caught.number});
+    if (name == "error_message") return Value(caught.text);
+    if (name == "error_line") return Value(std::int64_t{caught.line});
+    if (name == "error_severity") return Value(std::int64_t{caught.severity});
+    if (name == "error_state") return Value(std::int64_t{caught.state});
+    if (name == "error_procedure" && !caught.procedure.empty()) return Value(caught.procedure);
+    return {};
+}
+
+}  // namespace vicenter::tsql::engine
