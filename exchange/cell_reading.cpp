@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "automation/typed_date.h"
 #include "platform/system/collation.h"
 #include "platform/system/utf8.h"
 
@@ -28,16 +29,11 @@ std::string ErrorName(std::int32_t code) {
             return "#NUM!";
         case 2042:
             return "#N/A";
+        case 2050:
+            return "#CALC!";
         default:
             return "#VALUE!";
     }
-}
-
-std::string DateAsTyped(const automation::DateTime& date) {
-    std::string text = date.ToText();
-    constexpr std::string_view kMidnight = " 00:00:00";
-    if (text.ends_with(kMidnight)) text.resize(text.size() - kMidnight.size());
-    return text;
 }
 
 }  // namespace
@@ -54,12 +50,32 @@ std::string CellAsTyped(const Variant& value) {
         case VariantType::Error:
             return ErrorName(value.AsErrorCode());
         case VariantType::Date:
-            return DateAsTyped(value.ToDate());
+            return automation::DateAsTyped(value.ToDate());
         case VariantType::Double:
             return CanonicalNumber(value.ToDouble());
         default:
             return value.ToText();
     }
+}
+
+std::string WithoutInvisibleMarks(std::string_view text) {
+    std::string plain(text);
+    for (const std::string_view mark :
+         {"\u00AD", "\u200B", "\u200C", "\u200D", "\u200E", "\u200F", "\u2060", "\uFEFF"}) {
+        for (std::size_t at = plain.find(mark); at != std::string::npos; at = plain.find(mark, at)) {
+            plain.erase(at, mark.size());
+        }
+    }
+    return plain;
+}
+
+std::optional<bool> ReadDebit(std::string_view text) {
+    if (text == "借") return true;
+    if (text == "贷") return false;
+    const auto& collator = system::Collator::Chinese();
+    if (collator.Compare(text, "借") == 0) return true;
+    if (collator.Compare(text, "贷") == 0) return false;
+    return std::nullopt;
 }
 
 std::optional<double> ReadTypedNumber(std::string_view text) {

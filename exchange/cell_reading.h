@@ -11,9 +11,17 @@
 namespace vicenter::exchange {
 
 // What one would type to get the value: 1001 for a number, the digits for a text, "2024-01-02" for a date,
-// "TRUE",
-// "#N/A"; the empty text for an empty cell. Blanks at the ends are dropped.
+// "10:20:30" for a time alone, "TRUE", "#N/A"; the empty text for an empty cell. Blanks at the ends are
+// dropped.
 std::string CellAsTyped(const automation::Variant& value);
+
+// The text without the marks that nobody sees (zero-width blanks and joiners, soft hyphens, byte order and
+// direction marks), which web pages and chat programs leave in copied codes and names.
+std::string WithoutInvisibleMarks(std::string_view text);
+
+// The side that a cell names: true for 借, false for 贷, compared without width and case. Nothing for any
+// other text.
+std::optional<bool> ReadDebit(std::string_view text);
 
 // A number as people write it: thousands separators and full-width digits allowed, blanks around ignored.
 // Nothing for any other text, dates and errors among them.

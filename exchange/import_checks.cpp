@@ -55,11 +55,8 @@ bool CheckImportCell(std::string_view text, CellType type, bool required) {
     switch (type) {
         case CellType::Text:
             return true;
-        case CellType::DebitCredit: {
-            if (text == "借" || text == "贷") return true;
-            const auto& collator = system::Collator::Chinese();
-            return collator.Compare(text, "借") == 0 || collator.Compare(text, "贷") == 0;
-        }
+        case CellType::DebitCredit:
+            return ReadDebit(text).has_value();
         case CellType::Number:
             return ReadTypedNumber(text).has_value();
         case CellType::WholeNumber: {

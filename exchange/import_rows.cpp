@@ -1,12 +1,14 @@
 #include "exchange/import_rows.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 #include <utility>
 
 #include "entry/sql_text.h"
 #include "exchange/cell_reading.h"
 #include "exchange/import_checks.h"
+#include "platform/system/utf8.h"
 
 namespace vicenter::exchange {
 
@@ -44,7 +46,7 @@ std::string WithZerosOf(std::string_view format, std::string text) {
 std::string SqlOf(const TemplateColumn& column, const std::string& text) {
     switch (column.type) {
         case CellType::DebitCredit:
-            return text == "借" ? "1" : "0";
+            return ReadDebit(text).value_or(false) ? "1" : "0";
         case CellType::WholeNumber:
             return std::to_string(Variant(ReadTypedNumber(text).value_or(0)).ToInt16());
         case CellType::Number:
@@ -76,14 +78,41 @@ ImportRows::ImportRows(const ObjectRef& sheet, std::int32_t columnCount, const s
         throw automation::Error(automation::error_number::kInvalidProcedureCall);
 }
 
-std::string ImportRows::ReadCell(std::int32_t row, std::size_t index) {
-    const auto column = static_cast<std::int32_t>(index + 1);
-    const Variant value = cells_.Value(row, column);
-    std::string text = CellAsTyped(value);
-    if (value.Type() != automation::VariantType::Double || kColumns[columns_[index]].type != CellType::Text) {
-        return text;
+// A fault that the cell's column would not find: an error value in a column of texts, a result that was never
+// calculated, digits that the sheet has lost.
+const char* ImportRows::FaultOf(const Variant& value, CellType type) {
+    if (value.IsError()) {
+        constexpr std::uint32_t kNotCalculated = 2050;
+        if ((static_cast<std::uint32_t>(value.AsErrorCode()) & 0xFFFF) == kNotCalculated) {
+            return "公式没有计算结果，请用 Excel 打开并保存后再引入";
+        }
+        return type == CellType::Text ? "公式结果为错误值" : nullptr;
     }
-    return WithZerosOf(cells_.At(row, column)->Get("NumberFormat").ToTextOrEmpty(), std::move(text));
+    // A number keeps 15 digits; what a longer code became is not what was typed.
+    constexpr double kFirstInexact = 1e15;
+    if (type == CellType::Text && value.Type() == automation::VariantType::Double &&
+        std::fabs(value.ToDouble()) >= kFirstInexact) {
+        return "数字超过15位，请将单元格设为文本格式后重新录入";
+    }
+    return nullptr;
+}
+
+ImportRows::ReadText ImportRows::ReadCell(std::int32_t row, std::size_t index) {
+    const auto column = static_cast<std::int32_t>(index + 1);
+    const std::size_t place = columns_[index];
+    const CellType type = kColumns[place].type;
+    const Variant value = cells_.Value(row, column);
+    ReadText read{CellAsTyped(value), FaultOf(value, type)};
+    // Explanations and remarks are prose, where such marks may join what belongs together.
+    const bool isProse = place == kExplanationColumn || place == kRemarkColumn;
+    if (value.Type() == automation::VariantType::Text && !isProse) {
+        read.text = system::TrimBlanks(WithoutInvisibleMarks(read.text));
+    }
+    if (value.Type() == automation::VariantType::Double && type == CellType::Text) {
+        const std::string format = cells_.At(row, column)->Get("NumberFormat").ToTextOrEmpty();
+        read.text = WithZerosOf(format, std::move(read.text));
+    }
+    return read;
 }
 
 bool ImportRows::ReadRow(std::int32_t row) {
@@ -91,13 +120,13 @@ bool ImportRows::ReadRow(std::int32_t row) {
     bool any = false;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         texts_[i] = ReadCell(row, i);
-        any = any || !texts_[i].empty();
+        any = any || !texts_[i].text.empty();
     }
     return any;
 }
 
 bool ImportRows::IsFirstOfItsNumber() {
-    std::string number = texts_[numberIndex_];
+    std::string number = texts_[numberIndex_].text;
     // "1" and "1.0" are one template number.
     if (!number.empty() && CheckImportCell(number, CellType::WholeNumber, true)) {
         number = SqlOf(kColumns[kNumberColumn], number);
@@ -107,10 +136,10 @@ bool ImportRows::IsFirstOfItsNumber() {
 
 void ImportRows::CheckExplanation(std::int32_t row, std::size_t index, std::string& values,
                                   std::string& errorText) {
-    if (IsFirstOfItsNumber() && texts_[index].empty()) {
+    if (IsFirstOfItsNumber() && texts_[index].text.empty()) {
         errorText += ErrorPlace(row, index) + "(相同凭证模板编号首行摘要不允许为空)，" + entry::kCrLf;
     }
-    values += entry::SqlQuote(texts_[index], true, true);
+    values += entry::SqlQuote(texts_[index].text, true, true);
 }
 
 void ImportRows::ValidateImportRow(std::int32_t row, std::string& values, std::string& errorText) {
@@ -118,13 +147,18 @@ void ImportRows::ValidateImportRow(std::int32_t row, std::string& values, std::s
     values.clear();
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         if (i > 0) values += ',';
+        if (texts_[i].fault != nullptr) {
+            if (columns_[i] == kExplanationColumn) IsFirstOfItsNumber();
+            errorText += ErrorPlace(row, i) + "(" + texts_[i].fault + ")，" + entry::kCrLf;
+            continue;
+        }
         if (columns_[i] == kExplanationColumn) {
             CheckExplanation(row, i, values, errorText);
             continue;
         }
         const TemplateColumn& column = kColumns[columns_[i]];
-        if (CheckImportCell(texts_[i], column.type, column.required)) {
-            values += SqlOf(column, texts_[i]);
+        if (CheckImportCell(texts_[i].text, column.type, column.required)) {
+            values += SqlOf(column, texts_[i].text);
         } else {
             errorText += ErrorPlace(row, i) + "，" + entry::kCrLf;
         }

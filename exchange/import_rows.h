@@ -26,13 +26,20 @@ class ImportRows {
     void ValidateImportRow(std::int32_t row, std::string& values, std::string& errorText);
 
   private:
-    std::string ReadCell(std::int32_t row, std::size_t index);
+    // What was read of one cell.
+    struct ReadText {
+        std::string text;
+        const char* fault = nullptr;  // why the text is not what the cell means
+    };
+    ReadText ReadCell(std::int32_t row, std::size_t index);
+    // The fault of a cell beyond what its column checks; none: no object.
+    static const char* FaultOf(const automation::Variant& value, CellType type);
     bool IsFirstOfItsNumber();
     void CheckExplanation(std::int32_t row, std::size_t index, std::string& values, std::string& errorText);
 
     SheetCells cells_;
     std::vector<std::size_t> columns_;  // places in kColumns, by the sheet's columns
-    std::vector<std::string> texts_;    // of the row read last
+    std::vector<ReadText> texts_;       // of the row read last
     std::int32_t row_ = 0;
     std::size_t numberIndex_ = 0;
     std::set<std::string, std::less<>> numbersMet_;

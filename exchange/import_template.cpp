@@ -8,6 +8,7 @@
 #include "entry/host_services.h"
 #include "entry/names.h"
 #include "entry/sql_text.h"
+#include "exchange/cell_reading.h"
 #include "exchange/excel_access.h"
 #include "exchange/import_batch.h"
 #include "exchange/import_checks.h"
@@ -92,7 +93,9 @@ std::string ReadHeader(const ObjectRef& sheet, std::int32_t columnCount) {
         // A header counts as seen when the next one comes: the last one never does.
         if (column > 1) seen.append(header).append("|");
         const Variant value = cells.Value(1, column);
-        header = value.IsError() ? "" : std::string(system::TrimBlanks(value.ToTextOrEmpty()));
+        header = value.IsError()
+                     ? ""
+                     : std::string(system::TrimBlanks(WithoutInvisibleMarks(value.ToTextOrEmpty())));
         MapImportHeader(header, errorText, seen, column, fieldList);
     }
     if (!errorText.empty()) {

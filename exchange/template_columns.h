@@ -33,6 +33,7 @@ extern const std::array<TemplateColumn, kColumnCount> kColumns;
 inline constexpr std::size_t kNumberColumn = 0;
 inline constexpr std::size_t kExplanationColumn = 1;
 inline constexpr std::size_t kAccountNumberColumn = 3;
+inline constexpr std::size_t kRemarkColumn = 16;
 
 // The place of the column with that header: compared as text, without case and width. Nothing for any other
 // text.

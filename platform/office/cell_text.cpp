@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "automation/typed_date.h"
 #include "platform/office/dates.h"
 
 namespace vicenter::office {
@@ -37,10 +38,7 @@ std::string CellText(const Workbook& workbook, const Cell& cell) {
             return std::string(CellErrorText(cell.error));
         case CellKind::Number: {
             if (workbook.Formats().IsDate(cell.format) && IsDateSerial(cell.number, workbook.dates1904)) {
-                std::string text = DateFromSerial(cell.number, workbook.dates1904).ToText();
-                constexpr std::string_view kMidnight = " 00:00:00";
-                if (text.ends_with(kMidnight)) text.resize(text.size() - kMidnight.size());
-                return text;
+                return automation::DateAsTyped(DateFromSerial(cell.number, workbook.dates1904));
             }
             std::string text = NumberAsTyped(cell.number);
             const std::string& format = workbook.Formats().At(cell.format).numberFormat;

@@ -14,7 +14,8 @@ inline constexpr double kLastSerial = 2958466;
 
 inline automation::DateTime DateFromSerial(double serial, bool dates1904) {
     if (dates1904) {
-        serial += kDaysFrom1900To1904;
+        // Times alone stay on the automation's day 0 here, too.
+        if (serial >= 1) serial += kDaysFrom1900To1904;
     } else if (serial >= 0 && serial < kLeapDayThatNeverWas) {
         // Times alone stay on the automation's day 0.
         if (serial >= 1) serial += 1;
@@ -24,7 +25,7 @@ inline automation::DateTime DateFromSerial(double serial, bool dates1904) {
 
 inline double SerialFromDate(const automation::DateTime& date, bool dates1904) {
     const double serial = date.ToSerial();
-    if (dates1904) return serial - kDaysFrom1900To1904;
+    if (dates1904) return serial >= 0 && serial < 1 ? serial : serial - kDaysFrom1900To1904;
     return serial >= 2 && serial < kLeapDayThatNeverWas + 1 ? serial - 1 : serial;
 }
 

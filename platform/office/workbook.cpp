@@ -16,7 +16,7 @@ struct ErrorName {
 constexpr ErrorName kErrorNames[] = {
     {CellError::Null, "#NULL!"}, {CellError::Div0, "#DIV/0!"}, {CellError::Value, "#VALUE!"},
     {CellError::Ref, "#REF!"},   {CellError::Name, "#NAME?"},  {CellError::Num, "#NUM!"},
-    {CellError::NA, "#N/A"},
+    {CellError::NA, "#N/A"},     {CellError::Calc, "#CALC!"},
 };
 
 // A row costs its vector and the allocator's header of its cells.

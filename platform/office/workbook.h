@@ -30,7 +30,8 @@ enum class CellError : std::uint8_t {
     Ref = 0x17,
     Name = 0x1D,
     Num = 0x24,
-    NA = 0x2A
+    NA = 0x2A,
+    Calc = 0x32  // a formula without a result; of newer editions, no ".xls" file holds it
 };
 
 // "#N/A" and so on; an unknown code counts as "#VALUE!".
@@ -128,6 +129,8 @@ class Workbook {
 
     // Dates count from 1904-01-01 instead of 1900.
     bool dates1904 = false;
+    // The results of formulas are to be calculated when the workbook is opened.
+    bool calculatesOnLoad = false;
     std::size_t activeSheet = 0;
 
     // Throws automation::Error when the workbook outgrows its memory.

@@ -26,6 +26,11 @@ constexpr std::uint16_t kFirstOwnFont = 5;
 constexpr std::uint8_t kChineseCharset = 134;
 constexpr std::uint16_t kAutomaticColors = 0x20C0;
 
+// Errors that this kind of file has no code for become the nearest that it has.
+std::uint8_t XlsCode(CellError error) {
+    return static_cast<std::uint8_t>(error == CellError::Calc ? CellError::Value : error);
+}
+
 struct Font {
     double size = 0;
     bool bold = false;
@@ -345,8 +350,7 @@ class Writer {
                 case CellKind::Boolean:
                 case CellKind::Error:
                     head(xls::kBoolError, 8, cell);
-                    out.U8(cell.kind == CellKind::Boolean ? (cell.boolean ? 1 : 0)
-                                                          : static_cast<std::uint8_t>(cell.error));
+                    out.U8(cell.kind == CellKind::Boolean ? (cell.boolean ? 1 : 0) : XlsCode(cell.error));
                     out.U8(cell.kind == CellKind::Error ? 1 : 0);
                     break;
             }

@@ -80,12 +80,14 @@ std::vector<SheetEntry> ReadWorkbookPart(ByteSource& part, Workbook& workbook) {
         rootChecked = true;
         if (name == "workbookPr") {
             workbook.dates1904 = ReadFlag(scanner.RawAttribute("date1904"));
+        } else if (name == "calcPr") {
+            workbook.calculatesOnLoad = ReadFlag(scanner.RawAttribute("fullCalcOnLoad"));
         } else if (name == "workbookView") {
             workbook.activeSheet = ReadNumber(scanner.RawAttribute("activeTab"), 0);
         } else if (name == "sheet") {
             const std::string_view state = scanner.RawAttribute("state");
-            result.push_back(
-                {scanner.Attribute("name"), scanner.Attribute("id"), !state.empty() && state != "visible"});
+            result.push_back({scanner.Attribute("name"), scanner.ForeignAttribute("id"),
+                              !state.empty() && state != "visible"});
             if (result.size() > kMaxSheets) FailTooLarge();
         }
     }

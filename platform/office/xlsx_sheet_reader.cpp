@@ -6,6 +6,7 @@
 #include "automation/variant.h"
 #include "platform/office/dates.h"
 #include "platform/office/limits.h"
+#include "platform/office/pending_formulas.h"
 #include "platform/office/xlsx_reader.h"
 
 namespace vicenter::office {
@@ -57,7 +58,7 @@ std::string_view Trim(std::string_view text) {
 class SheetReader {
   public:
     SheetReader(ByteSource& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet)
-        : scanner_(part), tables_(tables), workbook_(workbook), sheet_(sheet) {}
+        : scanner_(part), tables_(tables), workbook_(workbook), sheet_(sheet), formulas_(workbook, sheet) {}
 
     void Read() {
         bool inData = false;
@@ -81,6 +82,7 @@ class SheetReader {
                 FailDamaged("不是工作表");
             }
         }
+        formulas_.Calculate();
     }
 
   private:
@@ -141,7 +143,9 @@ class SheetReader {
         const ValueKind kind = KindOfType(type);
 
         text_.clear();
+        formula_.clear();
         bool anyValue = false;
+        bool isFormula = false;
         const std::size_t depth = scanner_.Depth();
         while (true) {
             const Token token = scanner_.Next();
@@ -149,8 +153,11 @@ class SheetReader {
             if (token == Token::End && scanner_.Depth() < depth) break;
             if (token != Token::Start) continue;
             if (scanner_.Name() == "v" && kind != ValueKind::InlineText) {
-                ReadValueText();
+                ReadText(text_);
                 anyValue = true;
+            } else if (scanner_.Name() == "f") {
+                ReadText(formula_);
+                isFormula = true;
             } else if (scanner_.Name() == "is") {
                 text_.clear();
                 ReadStringItem(scanner_, text_);
@@ -158,6 +165,14 @@ class SheetReader {
             } else {
                 scanner_.SkipElement();
             }
+        }
+        // A 0 with the wish that everything be calculated is a writer's way to have no result.
+        const std::string_view result = Trim(text_);
+        if (isFormula && kind == ValueKind::Number &&
+            (result.empty() || (result == "0" && workbook_.calculatesOnLoad))) {
+            formulas_.Add(row, column, formula_);
+            sheet_.Append(row, column, format);
+            return;
         }
         if (!anyValue) {
             // Borders and the like around nothing.
@@ -167,13 +182,13 @@ class SheetReader {
         Store(row, column, format, kind);
     }
 
-    void ReadValueText() {
+    void ReadText(std::string& text) {
         const std::size_t depth = scanner_.Depth();
         while (true) {
             const Token token = scanner_.Next();
             if (token == Token::Finished) FailDamaged("XML 不完整");
             if (token == Token::End && scanner_.Depth() < depth) return;
-            if (token == Token::Text) scanner_.AppendText(text_);
+            if (token == Token::Text) scanner_.AppendText(text);
         }
     }
 
@@ -257,7 +272,9 @@ class SheetReader {
     const XlsxTables& tables_;
     Workbook& workbook_;
     Sheet& sheet_;
+    PendingFormulas formulas_;
     std::string text_;
+    std::string formula_;
     std::uint32_t row_ = 0;
     std::uint32_t nextRow_ = 0;
     std::uint32_t nextColumn_ = 0;

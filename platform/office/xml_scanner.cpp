@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
 
 #include "platform/office/limits.h"
 
@@ -27,6 +28,21 @@ bool IsSpace(char c) {
 std::string_view LocalName(std::string_view name) {
     const std::size_t colon = name.find(':');
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+std::string_view Prefix(std::string_view name) {
+    const std::size_t colon = name.find(':');
+    return colon == std::string_view::npos ? std::string_view() : name.substr(0, colon);
+}
+
+constexpr std::string_view kBinding = "xmlns";
+constexpr std::size_t kMaxBindings = 1000;
+
+// The prefix that an attribute binds ("" for "xmlns" itself); nothing for any other attribute.
+std::optional<std::string_view> BoundPrefix(std::string_view attribute) {
+    if (attribute == kBinding) return std::string_view();
+    if (Prefix(attribute) == kBinding) return LocalName(attribute);
+    return std::nullopt;
 }
 
 }  // namespace
@@ -132,9 +148,20 @@ std::size_t XmlScanner::FindTagEnd(std::size_t from) {
 }
 
 XmlScanner::Token XmlScanner::Next() {
+    while (true) {
+        const Token token = NextOfAny();
+        if (token != Token::Start || !foreign_) return token;
+        for (const std::size_t depth = Depth(); Depth() >= depth;) {
+            if (NextOfAny() == Token::Finished) FailDamaged("XML 不完整");
+        }
+    }
+}
+
+XmlScanner::Token XmlScanner::NextOfAny() {
     if (pendingEnd_) {
         pendingEnd_ = false;
         openLengths_.pop_back();
+        Unbind();
         return Token::End;  // open_ was never given the name
     }
     cdata_ = false;
@@ -209,7 +236,38 @@ XmlScanner::Token XmlScanner::StartTag(std::size_t end) {
     } else {
         open_.append(full);
     }
+    foreign_ = IsForeign(Prefix(full));
     return Token::Start;
+}
+
+bool XmlScanner::IsForeign(std::string_view prefix) {
+    const bool isRoot = openLengths_.size() == 1;
+    if (isRoot) rootPrefix_ = prefix;
+    // Hardly any element but the root binds a prefix.
+    if (attributes_.find(kBinding) != std::string_view::npos) {
+        if (isRoot) {
+            ForEachAttribute([&](std::string_view name, std::string_view value) {
+                if (BoundPrefix(name) == prefix) rootNamespace_ = value;
+            });
+        }
+        ForEachAttribute([&](std::string_view name, std::string_view value) {
+            const auto bound = BoundPrefix(name);
+            if (!bound) return;
+            if (bindings_.size() >= kMaxBindings) FailTooLarge();
+            bindings_.push_back({openLengths_.size(), std::string(*bound), value == rootNamespace_});
+        });
+    }
+    if (isRoot) rootBindings_ = bindings_.size();
+    if (bindings_.size() == rootBindings_ && prefix == rootPrefix_) return false;
+    const auto found = std::find_if(bindings_.rbegin(), bindings_.rend(),
+                                    [prefix](const Binding& known) { return known.prefix == prefix; });
+    return found == bindings_.rend() ? prefix != rootPrefix_ : !found->isRoots;
+}
+
+// Behind an End: what the element bound no longer holds.
+void XmlScanner::Unbind() {
+    while (bindings_.size() > rootBindings_ && bindings_.back().depth > openLengths_.size())
+        bindings_.pop_back();
 }
 
 XmlScanner::Token XmlScanner::EndTag(std::size_t end) {
@@ -222,6 +280,7 @@ XmlScanner::Token XmlScanner::EndTag(std::size_t end) {
     }
     open_.resize(open_.size() - full.size());
     openLengths_.pop_back();
+    Unbind();
     name_ = LocalName(full);
     begin_ = end + 1;
     return Token::End;
@@ -235,7 +294,7 @@ bool XmlScanner::NextAttribute(std::size_t& at, std::string_view& name, std::str
     const std::size_t nameStart = at;
     while (at < all.size() && all[at] != '=' && !IsSpace(all[at]))
         ++at;
-    name = LocalName(all.substr(nameStart, at - nameStart));
+    name = all.substr(nameStart, at - nameStart);
     while (at < all.size() && IsSpace(all[at]))
         ++at;
     if (at >= all.size() || all[at] != '=') FailDamaged("XML 属性");
@@ -269,6 +328,15 @@ bool XmlScanner::HasAttribute(std::string_view name) const {
 std::string XmlScanner::Attribute(std::string_view name) const {
     std::string result;
     AppendXmlDecoded(result, RawAttribute(name));
+    return result;
+}
+
+std::string XmlScanner::ForeignAttribute(std::string_view name) const {
+    std::string result;
+    ForEachAttribute([&](std::string_view known, std::string_view value) {
+        if (result.empty() && !Prefix(known).empty() && LocalName(known) == name)
+            AppendXmlDecoded(result, value);
+    });
     return result;
 }
 

@@ -3,9 +3,12 @@
 // A forward reader of the XML parts of a package, made for hostile input as much as for speed.
 //
 // It checks that tags balance, knows the five predefined entities and character references, and refuses
-// document types outright, so nothing ever expands. Parts are UTF-8. Prefixes of names are dropped. One token
-// is held at a time, in a window of at most kMaxXmlTokenBytes. Views stay valid until the next call of
-// Next().
+// document types outright, so nothing ever expands. Parts are UTF-8. One token is held at a time, in a window
+// of at most kMaxXmlTokenBytes. Views stay valid until the next call of Next().
+//
+// A part speaks the vocabulary of its root element: names are given without their prefixes, and elements of
+// any other namespace (extensions, alternate content) are passed over with all they hold, so that none is
+// ever taken for one of the format's own that bears the same name.
 
 #include <cstddef>
 #include <memory>
@@ -38,11 +41,14 @@ class XmlScanner {
     std::string_view Name() const { return name_; }
     // Elements open around the token; a Start counts itself.
     std::size_t Depth() const { return openLengths_.size(); }
-    // Of the last Start: the raw value of the attribute of that name, its prefix left out of account.
-    // Empty when there is none.
+    // Of the last Start: the raw value of the attribute of that name, which bears no prefix. Empty when there
+    // is none.
     std::string_view RawAttribute(std::string_view name) const;
+    // The same for an attribute of another namespace ("r:id" by "id").
+    std::string ForeignAttribute(std::string_view name) const;
     bool HasAttribute(std::string_view name) const;
-    // Of the last Start: calls take(name, raw value) for every attribute, in one pass.
+    // Of the last Start: calls take(name, raw value) for every attribute in one pass, names with their
+    // prefixes.
     template <class Take>
     void ForEachAttribute(const Take& take) const {
         std::size_t at = 0;
@@ -66,8 +72,11 @@ class XmlScanner {
     std::size_t FindInWindow(std::string_view wanted, std::size_t from);
     std::size_t FindTagEnd(std::size_t from);
     void CheckDeclaration();
+    Token NextOfAny();
     Token StartTag(std::size_t end);
     Token EndTag(std::size_t end);
+    bool IsForeign(std::string_view prefix);
+    void Unbind();
     bool NextAttribute(std::size_t& at, std::string_view& name, std::string_view& value) const;
 
     ByteSource& source_;
@@ -83,6 +92,18 @@ class XmlScanner {
     std::string_view text_;
     std::string open_;  // the full names of the open elements, end to end
     std::vector<std::uint32_t> openLengths_;
+
+    // A prefix (empty: names without one) from the element of that depth on.
+    struct Binding {
+        std::size_t depth;
+        std::string prefix;
+        bool isRoots;  // it means the root's namespace
+    };
+    std::vector<Binding> bindings_;
+    std::size_t rootBindings_ = 0;
+    std::string rootPrefix_;
+    std::string rootNamespace_;
+    bool foreign_ = false;  // the last Start
 };
 
 // Appends text with its entities and character references resolved. An unknown entity throws

@@ -4,6 +4,7 @@
 #include "exchange/import_batch.h"
 #include "tests/exchange/exchange_fixture.h"
 #include "tests/paths/source_folder.h"
+#include "tests/platform/office/package.h"
 
 namespace vicenter::exchange {
 namespace {
@@ -245,6 +246,49 @@ TEST_F(ImportTest, TakesDatesBooleansAndErrorsInNumberColumnsForErrors) {
         EXPECT_EQ(Messages(), Lines{"引入模板失败！模板文件数据存在以下错误: 第2行，第F列值存在错误，\r\n"
                                     "第2行，第G列值存在错误，\r\n第2行，第H列值存在错误，\r\n"});
     }
+}
+
+// A chat program's copy: what looks like 借 is 借, in the check as in what is written.
+TEST_F(ImportTest, InvisibleMarksAreNoPartOfCodesAndNames) {
+    for (const char* mark : {"\u200B", "\uFEFF", "\u00AD", "\u200D", "\u200E"}) {
+        set_.Forget();
+        const std::string m = mark;
+        EXPECT_TRUE(
+            ImportRowsOf({{m + "模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)", "备注"},
+                          {"1" + m, "a" + m + "b", "借" + m, m + "10" + m + "01 ", "现" + m + "金", "r"},
+                          {"1", "c", m + "贷", "1002", "银行", "r"}}));
+        EXPECT_NE(Batch().find("values(@MaxFID,2,1,'a" + m + "b',1,'1001','现金','r') "), std::string::npos)
+            << Batch();
+        EXPECT_NE(Batch().find("values(@MaxFID,3,1,'c',0,'1002','银行','r') "), std::string::npos) << Batch();
+    }
+}
+
+TEST_F(ImportTest, RefusesErrorsLostDigitsAndFormulasWithoutAResultByTheirPlace) {
+    office::Package package;
+    const auto text = [](const std::string& place, const std::string& content) {
+        return "<c r='" + place + "' t='inlineStr'><is><t>" + content + "</t></is></c>";
+    };
+    package.workbook = "<workbook><sheets><sheet name='凭证模板' sheetId='1' r:id='r1'/></sheets></workbook>";
+    std::string header;
+    const Lines headers = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)",
+                           "科目名称(*)", "金额",    "备注"};
+    for (std::size_t c = 0; c < headers.size(); ++c)
+        header += text(std::string(1, static_cast<char>('A' + c)) + "1", headers[c]);
+    package.sheet = "<worksheet><sheetData><row r='1'>" + header + "</row><row r='2'><c r='A2'><v>1</v></c>" +
+                    "<c r='B2' t='e'><v>#N/A</v></c>" + text("C2", "借") +
+                    "<c r='D2'><v>6222021234567890123</v></c>" + text("E2", "现金") +
+                    "<c r='F2'><f>VLOOKUP(A2,H:I,2)</f></c><c r='G2'><f>NOW()</f></c></row>" +
+                    "<row r='3'><c r='A3'><v>1</v></c>" + text("B3", "b") + text("C3", "贷") +
+                    "<c r='D3'><v>1002</v></c>" + text("E3", "银行") +
+                    "<c r='F3'><f>SUM(1,2)*10</f></c></row>" + "</sheetData></worksheet>";
+    package.Save(folder_.File("f.xlsx"));
+    EXPECT_FALSE(Import(folder_.File("f.xlsx")));
+    ExpectNothingWritten(
+        "引入模板失败！模板文件数据存在以下错误: 第2行，第B列值存在错误(公式结果为错误值)，\r\n"
+        "第2行，第D列值存在错误(数字超过15位，请将单元格设为文本格式后重新录入)，\r\n"
+        "第2行，第F列值存在错误(公式没有计算结果，请用 Excel 打开并保存后再引入)，\r\n"
+        "第2行，第G列值存在错误(公式没有计算结果，请用 Excel 打开并保存后再引入)，\r\n",
+        "Orbis提示");
 }
 
 TEST_F(ImportTest, ReadsCodesAsTheyAreShown) {

@@ -44,20 +44,37 @@ std::string Printed(const std::string& xml, std::size_t step = 1000000) {
 TEST(XmlScanner, ReadsElementsTextsAndReferencesWhateverThePieces) {
     const std::string xml =
         "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!-- a > b --><x:a "
-        "b='>'><c/>凭证&lt;&#x4E00;&#19968;"
+        "xmlns:x='n' b='>'><x:c/>凭证&lt;&#x4E00;&#19968;"
         "<![CDATA[<&>]]><?pi?></x:a >\n";
     for (std::size_t step = 1; step < 40; ++step) {
         EXPECT_EQ(Printed(xml, step), "<a><c></c>凭证<一一<&></a>") << step;
     }
 }
 
-TEST(XmlScanner, GivesAttributesByTheirNameWithoutPrefix) {
-    Drops source("<a r:id = \"x&amp;y\" id2='2'/>", 3);
+TEST(XmlScanner, TellsItsOwnAttributesFromThoseWithAPrefix) {
+    Drops source("<a r:id = \"x&amp;y\" x:id2='3' id2='2'/>", 3);
     XmlScanner scanner(source);
     ASSERT_EQ(scanner.Next(), Token::Start);
-    EXPECT_EQ(scanner.Attribute("id"), "x&y");
+    EXPECT_EQ(scanner.ForeignAttribute("id"), "x&y");
+    EXPECT_EQ(scanner.RawAttribute("id"), "");
     EXPECT_EQ(scanner.RawAttribute("id2"), "2");
+    EXPECT_EQ(scanner.ForeignAttribute("id2"), "3");
     EXPECT_FALSE(scanner.HasAttribute("id3"));
+}
+
+TEST(XmlScanner, PassesOverElementsOfOtherNamespacesWithAllTheyHold) {
+    for (std::size_t step = 1; step < 12; ++step) {
+        EXPECT_EQ(Printed("<a xmlns='m' xmlns:o='other' xmlns:p='m'>1<o:b>2<a>3</a><o:b/></o:b>4<p:c/><d "
+                          "xmlns='x'><a/></d>"
+                          "<e/></a>",
+                          step),
+                  "<a>14<c></c><e></e></a>");
+    }
+    EXPECT_THROW(Printed("<a xmlns:o='other'><o:b>"), automation::Error);
+    std::string bindings = "<a";
+    for (int i = 0; i < 5000; ++i)
+        bindings += " xmlns:p" + std::to_string(i) + "='m'";
+    EXPECT_THROW(Printed(bindings + "/>"), automation::Error);
 }
 
 TEST(XmlScanner, LooksIntoAttributesWhenTheyAreAskedFor) {
