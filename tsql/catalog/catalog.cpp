@@ -12,6 +12,7 @@ namespace {
 
 // The mark of an account set in the header of its file.
 constexpr std::int64_t kApplicationId = 0x56435441;
+constexpr std::int64_t kFirstFormatVersion = 1;
 constexpr std::int64_t kFormatVersion = 1;
 constexpr char kSeparator = '\n';
 
@@ -211,6 +212,7 @@ void Catalog::Prepare(bool create) {
         PreparedStatement format = database_.Prepare("PRAGMA user_version");
         const std::int64_t version = database_.Step(format) ? format.Int(0) : 0;
         if (version > kFormatVersion) throw MakeError(948, {}, {database_.Path(), version, kFormatVersion});
+        if (version < kFirstFormatVersion) throw MakeError(5172, {}, {database_.Path()});
         return;
     }
     PreparedStatement tables = database_.Prepare("SELECT count(*) FROM sqlite_schema");

@@ -53,6 +53,7 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     caught_.clear();
     bool failed = false;
     try {
+        database_.CheckFile();
         catalog_.RefreshAndHold();
         RunBatch(batch);
     } catch (const Abort& abort) {

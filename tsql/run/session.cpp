@@ -11,11 +11,12 @@ class Session::Impl {
           catalog_(database_),
           executor_(database_, catalog_, services_, options_) {
         services_.collation = options_.collation;
-        database_.Open(options_.path, options_.create, options_.lockTimeoutMilliseconds);
+        database_.Open(options_.path, options_.create, options_.lockTimeoutMilliseconds, options_.fileSystem);
         RegisterFunctions(database_.Handle(), services_);
         catalog_.Prepare(options_.create);
-        // A transaction that has been reported as done survives a killed process; WAL keeps the file whole.
-        database_.Run("PRAGMA synchronous = NORMAL");
+        // What has been reported as done is on the disk: the log is synced at each commit, and where a set is
+        // kept with a journal instead, its removal too.
+        database_.Run("PRAGMA synchronous = EXTRA");
         database_.Run("PRAGMA foreign_keys = ON");
         database_.Run("PRAGMA temp_store = MEMORY");
         database_.Run("PRAGMA cache_size = -16000");
@@ -24,7 +25,8 @@ class Session::Impl {
 
     ExecutionReport Execute(std::string_view batch, ResultSink& sink) { return executor_.Run(batch, sink); }
     void Reset() { executor_.Reset(); }
-    bool IsStale() const { return database_.HasMoved(); }
+    bool IsStale() const { return database_.IsLost(); }
+    bool BringHome() { return !database_.InTransaction() && database_.BringHome(); }
     std::uint32_t DataVersion() {
         // What others have committed is noticed when the read lock is taken, which the pragma does.
         if (!version_) version_ = database_.Prepare("PRAGMA data_version");
@@ -58,6 +60,10 @@ void Session::Reset() {
 
 bool Session::IsStale() const {
     return impl_->IsStale();
+}
+
+bool Session::BringHome() {
+    return impl_->BringHome();
 }
 
 std::uint32_t Session::DataVersion() {

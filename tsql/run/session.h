@@ -14,6 +14,7 @@
 
 #include "automation/date_time.h"
 #include "tsql/base/diagnostic.h"
+#include "tsql/sqlite/database.h"
 #include "tsql/types/collation.h"
 #include "tsql/types/result_column.h"
 #include "tsql/types/value.h"
@@ -23,12 +24,13 @@ namespace vicenter::tsql::engine {
 struct SessionOptions {
     std::string path;
     bool create = false;
-    int lockTimeoutMilliseconds = 5000;
+    int lockTimeoutMilliseconds = kLockTimeout;
     // True: a batch is one unit, undone as a whole by its first failure. False: each statement stands alone.
     bool batchTransactions = true;
     const TextCollation* collation = nullptr;  // outlives the session
     std::function<automation::DateTime()> now;
     std::string user = "dbo";
+    const char* fileSystem = nullptr;  // by SQLite's name for it; none: the account sets' own
 };
 
 // Takes what a batch gives, in order.
@@ -61,8 +63,12 @@ class Session {
     // Back to the state of a new session: open transactions are undone, temporary tables, cursors and
     // settings go.
     void Reset();
-    // The file has been moved or deleted since it was opened.
+    // The file has been moved, deleted, replaced or overwritten since it was opened; batches then end with
+    // error 5120.
     bool IsStale() const;
+    // Brings what stands in the log into the set's own file, so that a copy of it is whole; nothing while
+    // others are at work. True when all is home.
+    bool BringHome();
     // Another number whenever anything in the account set has changed, by this session or by another;
     // compares with earlier numbers of the same session only. Takes the read lock for a moment; throws
     // SqlError.

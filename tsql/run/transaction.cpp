@@ -15,6 +15,8 @@ void Transactions::Begin() {
 
 void Transactions::Commit() {
     if (!open_) return;
+    // Into a file that nobody will find again nothing is to be saved.
+    database_.CheckFile();
     database_.Run("COMMIT");
     open_ = false;
 }

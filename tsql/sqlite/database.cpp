@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include "tsql/base/error_table.h"
+#include "tsql/sqlite/file_system.h"
 
 namespace vicenter::tsql::engine {
 
@@ -64,27 +65,94 @@ bool PreparedStatement::IsNull(int column) const {
     return sqlite3_column_type(handle_, column) == SQLITE_NULL;
 }
 
-Database::~Database() {
-    sqlite3_close_v2(handle_);
+namespace {
+
+// Before an automatic index is searched, SQLite 3.40 asks a filter that compares texts by their bytes and
+// lengths; what the collations ts_text and ts_number take for equal is then not found. The number is the
+// filter's in SQLite's own list of what can be switched off.
+constexpr int kBloomFilter = 0x00080000;
+
+// SQLite takes some names for something else than a path.
+std::string PlainPath(const std::string& path) {
+    const bool special = path.rfind("file:", 0) == 0 || path.rfind(':', 0) == 0;
+    return special ? "./" + path : path;
 }
 
-void Database::Open(const std::string& path, bool create, int lockTimeoutMilliseconds) {
+const char* TextOf(FileState state) {
+    switch (state) {
+        case FileState::kGone:
+            return "账套文件已被删除或移走，请重新打开账套";
+        case FileState::kReplaced:
+            return "账套文件已被另一个文件替换，请重新打开账套";
+        case FileState::kOverwritten:
+            return "账套文件的内容已被其他程序覆盖，请重新打开账套";
+        case FileState::kHeldAbroad:
+            return "此处原来的账套文件仍在使用，请先关闭使用它的程序";
+        case FileState::kSame:
+            break;
+    }
+    return "";
+}
+
+}  // namespace
+
+Database::~Database() {
+    Close();
+}
+
+void Database::Close() {
+    // A file that has been moved takes with it what stands in its log; the next one at its place must not.
+    const auto state = static_cast<FileState>(State());
+    if (state == FileState::kGone || state == FileState::kReplaced) BringHome();
+    sqlite3_close_v2(handle_);
+    handle_ = nullptr;
+}
+
+void Database::Open(const std::string& path, bool create, int lockTimeoutMilliseconds,
+                    const char* fileSystem) {
     path_ = path;
+    if (path.empty()) throw MakeError(5120, {}, {path_, sqlite3_errstr(SQLITE_CANTOPEN)});
     const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_NOMUTEX;
-    const int code = sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr);
+    const int code = sqlite3_open_v2(PlainPath(path).c_str(), &handle_, flags,
+                                     fileSystem != nullptr ? fileSystem : AccountSetFileSystem());
     if (code != SQLITE_OK) {
         SqlError failure = Failure(code);
-        sqlite3_close_v2(handle_);
-        handle_ = nullptr;
+        Close();
         throw failure;
     }
     sqlite3_extended_result_codes(handle_, 1);
+    sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, handle_, kBloomFilter);
     SetLockTimeout(lockTimeoutMilliseconds);
 }
 
 void Database::SetLockTimeout(int milliseconds) {
     // A negative time waits for ever on the server; a day comes near enough.
-    sqlite3_busy_timeout(handle_, milliseconds < 0 ? 86400000 : milliseconds);
+    lockTimeout_ = milliseconds < 0 ? kLongestLockTimeout : milliseconds;
+    sqlite3_busy_timeout(handle_, lockTimeout_);
+}
+
+int Database::State() const {
+    int state = static_cast<int>(FileState::kSame);
+    if (handle_ != nullptr) sqlite3_file_control(handle_, "main", kAskFileState, &state);
+    return state;
+}
+
+bool Database::IsLost() const {
+    return static_cast<FileState>(State()) != FileState::kSame;
+}
+
+void Database::CheckFile() const {
+    const auto state = static_cast<FileState>(State());
+    if (state != FileState::kSame) throw MakeError(5120, {}, {path_, TextOf(state)});
+}
+
+bool Database::BringHome() {
+    sqlite3_busy_timeout(handle_, 0);
+    int frames = 0;
+    int home = 0;
+    const int code = sqlite3_wal_checkpoint_v2(handle_, "main", SQLITE_CHECKPOINT_TRUNCATE, &frames, &home);
+    sqlite3_busy_timeout(handle_, lockTimeout_);
+    return code == SQLITE_OK && frames == home;
 }
 
 PreparedStatement Database::Prepare(std::string_view sql) {
@@ -150,12 +218,6 @@ SqlError Database::LastFailure() const {
     return Failure(sqlite3_extended_errcode(handle_));
 }
 
-bool Database::HasMoved() const {
-    int moved = 0;
-    sqlite3_file_control(handle_, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-    return moved != 0;
-}
-
 std::uint32_t Database::DataVersion() const {
     std::uint32_t version = 0;
     sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
@@ -163,7 +225,9 @@ std::uint32_t Database::DataVersion() const {
 }
 
 SqlError Database::Failure(int code) const {
-    const std::string text = handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
+    // The connection's text tells of its last call, which need not be the one that failed.
+    const bool own = handle_ != nullptr && (sqlite3_errcode(handle_) & 0xFF) == (code & 0xFF);
+    const std::string text = own ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
     switch (code & 0xFF) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
@@ -175,6 +239,7 @@ SqlError Database::Failure(int code) const {
         case SQLITE_CANTOPEN:
         case SQLITE_PERM:
         case SQLITE_AUTH:
+            if (IsLost()) return MakeError(5120, {}, {path_, TextOf(static_cast<FileState>(State()))});
             return MakeError(5120, {}, {path_, text});
         case SQLITE_NOTADB:
             return MakeError(5172, {}, {path_});

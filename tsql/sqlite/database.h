@@ -20,6 +20,10 @@ namespace vicenter::tsql::engine {
 inline constexpr const char* kTextCollationName = "ts_text";
 inline constexpr const char* kNumberCollationName = "ts_number";
 
+// How long a batch waits for others who write, unless it is told otherwise; and what "for ever" means.
+inline constexpr int kLockTimeout = 5000;
+inline constexpr int kLongestLockTimeout = 24 * 60 * 60 * 1000;
+
 enum class StepResult { kRow, kDone, kFailed };
 
 // What a step that failed has run into.
@@ -75,8 +79,11 @@ class Database {
     Database& operator=(const Database&) = delete;
     ~Database();
 
-    // Throws SqlError: 5120 when the file cannot be opened or does not exist and is not to be created.
-    void Open(const std::string& path, bool create, int lockTimeoutMilliseconds);
+    // The path is a path, whatever it looks like. fileSystem is the name of one that SQLite knows; none is
+    // the account sets' own. Throws SqlError: 5120 when the file cannot be opened or does not exist and is
+    // not to be created.
+    void Open(const std::string& path, bool create, int lockTimeoutMilliseconds,
+              const char* fileSystem = nullptr);
     sqlite3* Handle() const { return handle_; }
     const std::string& Path() const { return path_; }
     void SetLockTimeout(int milliseconds);
@@ -95,16 +102,24 @@ class Database {
     FailureKind LastFailureKind() const;
     std::string LastMessage() const;
     SqlError LastFailure() const;
-    // The file has been moved or deleted since it was opened.
-    bool HasMoved() const;
     // Another number whenever somebody has changed the file.
     std::uint32_t DataVersion() const;
+    // Whether the file is no more the one that was opened.
+    bool IsLost() const;
+    // Throws SqlError 5120 with what became of the file when it is not the one that was opened.
+    void CheckFile() const;
+    // Brings what stands in the log into the main file and empties the log, as far as nobody else is at work;
+    // true when all is home. Never waits.
+    bool BringHome();
 
   private:
     SqlError Failure(int code) const;
+    int State() const;
+    void Close();
 
     sqlite3* handle_ = nullptr;
     std::string path_;
+    int lockTimeout_ = 0;
 };
 
 // "name" with its quotes doubled.

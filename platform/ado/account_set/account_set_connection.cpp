@@ -259,10 +259,17 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
         errors_.push_back(RecordOf(message));
     if (!report.errors.empty()) {
         despiteFailure_ = sink.First();
+        if (session_->IsStale()) LeaveLostFile();
         throw Error(error_number::kProviderError, report.errors.front().text, kProviderName);
     }
     if (recordsAffected != nullptr) *recordsAffected = report.rowsAffected;
     return sink.First() ? sink.First() : std::make_shared<Recordset>();
+}
+
+// The file is told to be lost once; whoever opens the account set again gets what is there now.
+void AccountSetConnection::LeaveLostFile() {
+    session_.reset();
+    if (SessionPool* pool = SessionPool::Process()) pool->Forget(poolKey_);
 }
 
 void AccountSetConnection::Close() {
@@ -289,6 +296,10 @@ void RegisterAccountSetProvider() {
 RecordsetRef ResultsDespiteFailure(const Connection& connection) {
     const auto* own = dynamic_cast<const AccountSetConnection*>(&connection);
     return own == nullptr ? nullptr : own->ResultsDespiteFailure();
+}
+
+void RestAccountSets() {
+    if (SessionPool* pool = SessionPool::Process()) pool->BringHome();
 }
 
 void CloseIdleAccountSets() {

@@ -25,6 +25,8 @@ class AccountSetConnection final : public Connection {
     const RecordsetRef& ResultsDespiteFailure() const { return despiteFailure_; }
 
   private:
+    void LeaveLostFile();
+
     std::string poolKey_;  // empty when the session is not to be kept
     std::unique_ptr<tsql::engine::Session> session_;
     std::vector<DriverError> errors_;

@@ -27,14 +27,13 @@ std::unique_ptr<tsql::engine::Session> SessionPool::Take(const std::string& key)
         if (entry->key != key) continue;
         std::unique_ptr<tsql::engine::Session> session = std::move(entry->session);
         idle_.erase(std::next(entry).base());
-        // Another file may stand at its path by now.
-        if (session->IsStale()) return Take(key);
         return session;
     }
     return nullptr;
 }
 
 void SessionPool::Keep(const std::string& key, std::unique_ptr<tsql::engine::Session> session) {
+    if (session->IsStale()) return;
     try {
         session->Reset();
     } catch (const automation::Error&) {
@@ -43,6 +42,16 @@ void SessionPool::Keep(const std::string& key, std::unique_ptr<tsql::engine::Ses
     }
     if (idle_.size() >= kKeptSessions) idle_.erase(idle_.begin());
     idle_.push_back({key, std::move(session)});
+}
+
+void SessionPool::Forget(const std::string& key) {
+    std::erase_if(idle_, [&](const Idle& idle) { return idle.key == key; });
+}
+
+void SessionPool::BringHome() {
+    for (const Idle& idle : idle_) {
+        if (!idle.session->IsStale()) idle.session->BringHome();
+    }
 }
 
 void SessionPool::Clear() {

@@ -1,0 +1,155 @@
+// by hand
+// Locks on an account set that nobody else in the process can drop, and that keep everybody else out.
+
+#include <sstream>
+
+#include "tests/tsql/file/file_fixture.h"
+
+namespace vicenter::tsql::engine {
+namespace {
+
+// A connection of another SQLite in this process, as a host may have one: with SQLite's own locks.
+class ForeignConnection {
+  public:
+    explicit ForeignConnection(const std::string& path) {
+        EXPECT_EQ(SQLITE_OK, sqlite3_open_v2(path.c_str(), &handle_, SQLITE_OPEN_READWRITE, "unix"));
+    }
+    ForeignConnection(const ForeignConnection&) = delete;
+    ForeignConnection& operator=(const ForeignConnection&) = delete;
+    ~ForeignConnection() { sqlite3_close(handle_); }
+    int Run(const char* sql) { return sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr); }
+
+  private:
+    sqlite3* handle_ = nullptr;
+};
+
+TEST_F(SetFileTest, What_is_opened_and_closed_beside_an_open_session_drops_no_lock) {
+    const long count = LongRuns() ? 10000 : 150;
+    MakeTable();
+    constexpr long kOthers = 1000000;
+    OtherProcess other(Path(), kOthers, count, 60000, Path() + ".answers");
+    std::set<long> acknowledged;
+    for (long number = 0; number < count || other.Runs(); ++number) {
+        OpenAndCloseAll();
+        if (Run("insert into t values(" + std::to_string(number) + ")").empty()) acknowledged.insert(number);
+        OpenAndCloseAll();
+    }
+    EXPECT_EQ(other.Wait(), 0);
+    acknowledged.merge(other.Acknowledged());
+    EXPECT_GE(acknowledged.size(), static_cast<std::size_t>(2 * count));
+    session_.reset();
+    EXPECT_EQ(Stored(), acknowledged);
+    EXPECT_EQ(Integrity(), "ok");
+}
+
+TEST_F(SetFileTest, A_session_holds_its_lock_through_foreign_closes) {
+    MakeTable();
+    UseStatementTransactions();
+    ASSERT_EQ(Run("begin tran insert into t values(1)"), "");
+    OpenAndCloseAll();
+    EXPECT_EQ(Others(2, 1, 0), 1);
+    EXPECT_EQ(Run("commit"), "");
+    EXPECT_EQ(Others(2, 1, 0), 0);
+    EXPECT_EQ(Stored(), (std::set<long>{1, 2}));
+}
+
+TEST_F(SetFileTest, The_log_of_an_idle_session_is_not_taken_away) {
+    MakeTable();
+    OpenAndCloseAll();
+    ASSERT_EQ(Others(1, 3), 0);
+    ASSERT_TRUE(std::filesystem::exists(Path() + "-wal"));
+    EXPECT_EQ(Run("insert into t values(9)"), "");
+    EXPECT_EQ(Stored(), (std::set<long>{1, 2, 3, 9}));
+}
+
+TEST_F(SetFileTest, Another_sqlite_in_the_process_is_kept_out_and_keeps_out) {
+    MakeTable();
+    UseStatementTransactions();
+    SessionOptions impatient = Existing();
+    impatient.lockTimeoutMilliseconds = 0;
+    Session other(impatient);
+    ForeignConnection foreign(Path());
+    ASSERT_EQ(foreign.Run("BEGIN IMMEDIATE; INSERT INTO t VALUES(1)"), SQLITE_OK);
+    EXPECT_EQ(RunOn(other, "insert into t values(2)").substr(0, 10), "error 1222");
+    ASSERT_EQ(foreign.Run("COMMIT"), SQLITE_OK);
+    EXPECT_EQ(RunOn(other, "insert into t values(2)"), "");
+    ASSERT_EQ(Run("begin tran insert into t values(3)"), "");
+    EXPECT_EQ(foreign.Run("BEGIN IMMEDIATE"), SQLITE_BUSY);
+    ASSERT_EQ(Run("commit"), "");
+    EXPECT_EQ(foreign.Run("INSERT INTO t VALUES(4)"), SQLITE_OK);
+    EXPECT_EQ(Stored(), (std::set<long>{1, 2, 3, 4}));
+}
+
+TEST_F(SetFileTest, Sessions_that_end_leave_the_locks_of_another_sqlite_in_the_process_alone) {
+    MakeTable();
+    session_.reset();
+    ForeignConnection foreign(Path());
+    ASSERT_EQ(foreign.Run("BEGIN IMMEDIATE; INSERT INTO t VALUES(1)"), SQLITE_OK);
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(Stored(), std::set<long>());
+    EXPECT_EQ(Others(2, 1, 0), 1);
+    ASSERT_EQ(foreign.Run("COMMIT"), SQLITE_OK);
+    EXPECT_EQ(Others(2, 1, 0), 0);
+    EXPECT_EQ(Stored(), (std::set<long>{1, 2}));
+}
+
+TEST_F(SetFileTest, Descriptors_do_not_pile_up) {
+    const auto open = [] {
+        std::size_t count = 0;
+        for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+            ++count;
+        return count;
+    };
+    MakeTable();
+    session_.reset();
+    const std::size_t before = open();
+    {
+        ForeignConnection foreign(Path());
+        ASSERT_EQ(foreign.Run("SELECT * FROM t"), SQLITE_OK);
+        for (int i = 0; i < 20; ++i)
+            Stored();
+        EXPECT_LT(open(), before + 10);
+    }
+    Stored();
+    EXPECT_EQ(open(), before);
+}
+
+// A checkpoint that another has overtaken must not take new frames for those that it has brought home.
+TEST_F(SetFileTest, No_log_is_started_over_while_a_checkpoint_runs) {
+    MakeTable();
+    ASSERT_EQ(Run("insert into t values(1)"), "");
+    ASSERT_TRUE(First().BringHome());
+    ASSERT_EQ(Run("insert into t values(2)"), "");
+    // All is home, so that the next writer would start the log over; and a checkpoint is at work elsewhere.
+    ForeignConnection foreign(Path());
+    ASSERT_EQ(foreign.Run("PRAGMA wal_checkpoint(PASSIVE)"), SQLITE_OK);
+    const std::int64_t before = LogBytes();
+    const int index = open((Path() + "-shm").c_str(), O_RDWR | O_CLOEXEC);
+    constexpr off_t kCheckpointByte = 121;
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = kCheckpointByte;
+    lock.l_len = 1;
+    ASSERT_EQ(fcntl(index, F_OFD_SETLK, &lock), 0);
+    EXPECT_EQ(Run("insert into t values(3)"), "");
+    EXPECT_GT(LogBytes(), before);
+    EXPECT_FALSE(First().BringHome());
+    close(index);
+    EXPECT_TRUE(First().BringHome());
+    EXPECT_EQ(LogBytes(), 0);
+    EXPECT_EQ(Stored(), (std::set<long>{1, 2, 3}));
+}
+
+TEST_F(SetFileTest, No_checkpoint_runs_while_another_writes) {
+    MakeTable();
+    ASSERT_EQ(Run("insert into t values(1)"), "");
+    ForeignConnection foreign(Path());
+    ASSERT_EQ(foreign.Run("BEGIN IMMEDIATE"), SQLITE_OK);
+    EXPECT_FALSE(First().BringHome());
+    ASSERT_EQ(foreign.Run("COMMIT"), SQLITE_OK);
+    EXPECT_TRUE(First().BringHome());
+}
+
+}  // namespace
+}  // namespace vicenter::tsql::engine
