@@ -1,0 +1,32 @@
+#pragma once
+
+// Numbers as people and other programs write them, by one rule whatever the way in: typed, pasted, imported,
+// handed over as JSON. Pure functions; what a column takes of the number is the column's affair.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "automation/decimal.h"
+
+namespace vicenter::store {
+
+// The number that is meant, in plain form: a '-' when it is negative, digits as written, '.' before a
+// fraction. Taken are blanks around, thousands separators in their places, full-width digits and signs, a
+// currency sign before or behind, brackets or a trailing minus for negative amounts. Nothing for any other
+// text.
+std::optional<std::string> ReadNumberText(std::string_view text);
+
+// A text that wants to be calculated: "=100+200", or an expression without the sign ("860*3"). Dates are
+// none.
+bool IsCalculation(std::string_view text);
+// A text that says so itself by its equals sign.
+bool HasEqualsSign(std::string_view text);
+// The value of a calculation in exact decimals: + - * / and brackets. A quotient that does not end has at
+// least 18 digits behind the point. Nothing for what cannot be calculated.
+std::optional<automation::Decimal> Calculate(std::string_view text);
+
+// Without blanks of any width and invisible marks at both ends.
+std::string TrimmedOfAnyBlanks(std::string_view text);
+
+}  // namespace vicenter::store
