@@ -1,11 +1,11 @@
 #include "exchange/cell_reading.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "automation/typed_date.h"
 #include "platform/system/collation.h"
 #include "platform/system/utf8.h"
+#include "store/number_text.h"
 
 namespace vicenter::exchange {
 
@@ -70,31 +70,23 @@ std::string WithoutInvisibleMarks(std::string_view text) {
 }
 
 std::optional<bool> ReadDebit(std::string_view text) {
-    if (text == "借") return true;
-    if (text == "贷") return false;
+    const std::string side = store::TrimmedOfAnyBlanks(text);
+    if (side == "借") return true;
+    if (side == "贷") return false;
     const auto& collator = system::Collator::Chinese();
-    if (collator.Compare(text, "借") == 0) return true;
-    if (collator.Compare(text, "贷") == 0) return false;
+    if (collator.Compare(side, "借") == 0) return true;
+    if (collator.Compare(side, "贷") == 0) return false;
     return std::nullopt;
 }
 
 std::optional<double> ReadTypedNumber(std::string_view text) {
-    std::string plain(text);
-    if (std::any_of(plain.begin(), plain.end(),
-                    [](char c) { return static_cast<unsigned char>(c) >= 0x80; })) {
-        plain = system::Collator::Chinese().Fold(plain);
+    std::optional<double> number;
+    if (const std::optional<std::string> plain = store::ReadNumberText(text)) {
+        number = automation::ParseDouble(*plain);
+    } else if (text.find(',') == std::string_view::npos) {
+        // With an exponent, as workbooks write large and small numbers.
+        number = automation::ParseDouble(system::Collator::Chinese().Fold(text));
     }
-    const std::size_t comma = plain.find(',');
-    if (comma != std::string::npos) {
-        // Only between the digits before the point.
-        const std::size_t point = plain.find('.');
-        if (comma == 0 || plain[comma - 1] < '0' || plain[comma - 1] > '9' ||
-            (point != std::string::npos && plain.rfind(',') > point)) {
-            return std::nullopt;
-        }
-        std::erase(plain, ',');
-    }
-    const auto number = automation::ParseDouble(plain);
     if (!number || !std::isfinite(*number)) return std::nullopt;
     return number;
 }

@@ -23,8 +23,8 @@ std::string WithoutInvisibleMarks(std::string_view text);
 // other text.
 std::optional<bool> ReadDebit(std::string_view text);
 
-// A number as people write it: thousands separators and full-width digits allowed, blanks around ignored.
-// Nothing for any other text, dates and errors among them.
+// A number as people write it, by the one rule for every way in, and with an exponent besides. Nothing for
+// any other text, dates and errors among them.
 std::optional<double> ReadTypedNumber(std::string_view text);
 
 // The decimal digits that read back as the same number, without exponent as far as digits suffice.

@@ -28,8 +28,12 @@ TEST(TypedNumber, MayHaveSeparatorsAndFullWidthDigits) {
     EXPECT_EQ(ReadTypedNumber(" -5 "), -5);
     EXPECT_EQ(ReadTypedNumber("１２．５"), 12.5);
     EXPECT_EQ(ReadTypedNumber("1e3"), 1000);
+    EXPECT_EQ(ReadTypedNumber("￥1,234.50"), 1234.5);
+    EXPECT_EQ(ReadTypedNumber("12元"), 12);
+    EXPECT_EQ(ReadTypedNumber("(5.00)"), -5);
+    EXPECT_EQ(ReadTypedNumber("5-"), -5);
     for (const char* text :
-         {"", "abc", ",1", "1.5,0", "-,1", "2024-01-02", "#N/A", "TRUE", "1 2", "12元", "1e999"}) {
+         {"", "abc", ",1", "1.5,0", "-,1", "2024-01-02", "#N/A", "TRUE", "1 2", "2,5", "1,23", "1e999"}) {
         EXPECT_FALSE(ReadTypedNumber(text).has_value()) << text;
     }
 }

@@ -65,6 +65,9 @@ TEST(CheckImportCellOf, AcceptsByTypeAndRequirement) {
     EXPECT_TRUE(CheckImportCell("借", CellType::DebitCredit, true));
     EXPECT_TRUE(CheckImportCell("贷", CellType::DebitCredit, true));
     EXPECT_FALSE(CheckImportCell("借方", CellType::DebitCredit, true));
+    for (const char* text : {" 借", "借　", "贷 "})
+        EXPECT_TRUE(CheckImportCell(text, CellType::DebitCredit, true)) << text;
+    EXPECT_FALSE(CheckImportCell("2,5", CellType::Number, false));
     EXPECT_FALSE(CheckImportCell("", CellType::DebitCredit, true));
     EXPECT_TRUE(CheckImportCell("32767", CellType::WholeNumber, true));
     EXPECT_TRUE(CheckImportCell("-32768", CellType::WholeNumber, true));
