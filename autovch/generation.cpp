@@ -4,6 +4,7 @@
 
 #include "entry/host_context.h"
 #include "entry/host_services.h"
+#include "entry/single_line.h"
 #include "entry/sql_text.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
@@ -57,9 +58,13 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
         ShowMessage(problem);
         return {};
     }
-    const std::string name(system::TrimBlanks(request.templateName));
+    const std::string name(system::TrimBlanks(entry::WithoutLineEnd(request.templateName)));
     if (name.empty()) {
         ShowMessage("凭证模板名称不允许为空！");
+        return {};
+    }
+    if (entry::HasControlCharacter(name)) {
+        ShowMessage("凭证模板名称不能包含制表符、换行等控制字符！");
         return {};
     }
     entry::WriteFrameLog("C001C039", "AutoRunVch");

@@ -19,7 +19,9 @@
 namespace {
 
 using vicenter::center::CellAddress;
-using vicenter::center::CellRange;
+using vicenter::center::CellSelection;
+using vicenter::center::CopiedBlock;
+using vicenter::center::CursorMove;
 using vicenter::center::EntryGrid;
 namespace column = vicenter::center::column;
 
@@ -31,20 +33,19 @@ constexpr double kPauseMilliseconds = 50;
 class NoActions : public vicenter::ui::GridActions {
   public:
     explicit NoActions(std::shared_ptr<EntryGrid> grid) : grid_(std::move(grid)) {}
-    void MoveActiveCell(const CellAddress& to) override { grid_->SetActiveCell(to); }
-    void SelectionChanged(const CellRange&) override {}
+    void MoveActiveCell(const CellAddress& to, CursorMove) override { grid_->SetActiveCell(to); }
+    void SelectionChanged(const CellSelection&) override {}
     bool KeyPress(char32_t) override { return true; }
     bool KeyDown(int, const std::string&) override { return false; }
     void OpenLookUp() override {}
     int RowsInUse() override { return grid_->RowTotal(); }
-    void ClearCells(const CellRange&) override {}
-    std::string CopyBlock(const CellRange&) override { return {}; }
-    void PasteBlock(const CellAddress&, const std::string&) override {}
-    void FillDown(const CellRange&) override {}
-    void FillSelection(const CellRange&, const std::string&) override {}
-    void DuplicateRow() override {}
-    void InsertRows(int, int) override {}
-    void DeleteRows(int, int) override {}
+    void ClearCells(const CellSelection&) override {}
+    std::optional<CopiedBlock> CopyBlock(const CellSelection&) override { return std::nullopt; }
+    void PasteBlock(const CellSelection&, const CopiedBlock&) override {}
+    void FillDown(const CellSelection&) override {}
+    void DuplicateRows(const CellSelection&) override {}
+    void InsertRows(const CellSelection&) override {}
+    void DeleteRows(const CellSelection&) override {}
     void Undo() override {}
     void Redo() override {}
     bool IsNameListOpen() override { return false; }

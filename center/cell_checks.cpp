@@ -25,11 +25,15 @@ bool NeedsNoQuestion(int check, std::string_view subject) {
     return check == 5 && std::all_of(subject.begin(), subject.end(), [](char c) { return c == ','; });
 }
 
+void Paint(EntryGrid& grid, const CellAddress& cell, bool red) {
+    grid.SetForeColor({cell.row, cell.column, cell.row, cell.column}, red ? color::kRed : color::kBlack);
+}
+
 void SetCellsRed(EntryGrid& grid, int row, int check, bool red) {
-    const std::int32_t value = red ? color::kRed : color::kBlack;
     const int subject = SubjectOf(check);
     const int last = check == 1 ? column::kAccountName : subject;
-    grid.SetForeColor({row, subject, row, last}, value);
+    for (int c = subject; c <= last; ++c)
+        Paint(grid, {row, c}, red || OwnVerdict(grid, {row, c}) != TextVerdict::Taken);
     grid.SetFaultyCheck(row, check, red);
 }
 
@@ -57,6 +61,26 @@ std::string CheckText(int check) {
             return "核算项目与科目的项目类别不符，或项目代码不存在";
         default:
             return {};
+    }
+}
+
+TextVerdict OwnVerdict(const EntryGrid& grid, const CellAddress& cell) {
+    if (cell.column < 1 || cell.column > kColumnCount) return TextVerdict::Taken;
+    const TextVerdict refusal = grid.Refusal(cell.row, cell.column);
+    if (refusal != TextVerdict::Taken) return refusal;
+    const CellKind kind = Column(cell.column).kind;
+    const bool number =
+        kind == CellKind::TemplateNumber || kind == CellKind::Whole || kind == CellKind::Decimal;
+    if (!number) return TextVerdict::Taken;
+    const std::string_view text = grid.Text(cell.row, cell.column);
+    return text.empty() ? TextVerdict::Taken : CheckTypedText(cell.column, text);
+}
+
+void MarkOwnVerdict(EntryGrid& grid, const CellAddress& cell) {
+    if (OwnVerdict(grid, cell) != TextVerdict::Taken) {
+        Paint(grid, cell, true);
+    } else if (grid.FaultyCheck(cell.row, cell.column) == 0) {
+        Paint(grid, cell, false);
     }
 }
 
@@ -90,6 +114,9 @@ void MarkRow(EntryGrid& grid, int row, CellChecks& checks) {
     grid.SetForeColor({row, 1, row, kColumnCount}, color::kBlack);
     for (int check = 1; check <= kCheckCount; ++check)
         MarkCells(grid, row, check, checks);
+    for (int c = 1; c <= kColumnCount; ++c) {
+        if (OwnVerdict(grid, {row, c}) != TextVerdict::Taken) Paint(grid, {row, c}, true);
+    }
     grid.SetReDraw(redraw);
 }
 

@@ -20,6 +20,12 @@ int CheckOfColumn(int gridColumn);
 // What the check expects, in words for tooltips.
 std::string CheckText(int check);
 
+// What the column itself says of a cell's text, whoever put it there: refused when it was given, or a number
+// outside of the column's limits. Needs no database.
+TextVerdict OwnVerdict(const EntryGrid& grid, const CellAddress& cell);
+// Colours one cell by its own verdict; what its check has found stays.
+void MarkOwnVerdict(EntryGrid& grid, const CellAddress& cell);
+
 class CellChecks {
   public:
     bool IsValid(const EntryGrid& grid, int row, int check);
@@ -29,7 +35,8 @@ class CellChecks {
     std::string key_;
 };
 
-// Colours one row: all black, then the cells of every failed check red.
+// Colours one row: all black, then the cells of every failed check red and those that their columns do not
+// take.
 void MarkRow(EntryGrid& grid, int row, CellChecks& checks);
 // Colours the cells of one check.
 void MarkCells(EntryGrid& grid, int row, int check, CellChecks& checks);

@@ -110,6 +110,7 @@ const ado::RecordsetRef& MasterRecords::Find(int gridColumn, const std::string& 
 }
 
 void ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records) {
+    if (grid.Refusal(cell.row, cell.column) != TextVerdict::Taken) return;
     const std::string text(system::TrimBlanks(grid.Text(cell.row, cell.column)));
     if (text.empty()) {
         RowWriter row(grid, cell.row, nullptr);

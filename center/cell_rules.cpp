@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <optional>
 
+#include "automation/decimal.h"
 #include "center/columns.h"
+#include "entry/single_line.h"
 #include "platform/system/utf8.h"
+#include "store/number_text.h"
 
 namespace vicenter::center {
 
@@ -58,13 +61,13 @@ bool IsNumberKind(CellKind kind) {
     return kind == CellKind::Whole || kind == CellKind::Decimal;
 }
 
-TextVerdict CheckNumber(const ColumnSpec& spec, std::string_view text, bool growing) {
+TextVerdict CheckNumber(const ColumnSpec& spec, std::string_view text) {
     const std::optional<NumberParts> parts = SplitNumber(text);
-    if (!parts) return TextVerdict::NotANumber;
+    if (!parts || (parts->whole.empty() && parts->fraction.empty())) return TextVerdict::NotANumber;
     // The smallest value is 0, so that a sign has no place in a cell.
-    if (text.front() == '-' || text.front() == '+') return TextVerdict::NotANumber;
-    if (parts->point && spec.kind == CellKind::Whole) return TextVerdict::NotANumber;
-    if (!growing && parts->whole.empty() && parts->fraction.empty()) return TextVerdict::NotANumber;
+    if (parts->negative) return TextVerdict::Negative;
+    if (text.front() == '+') return TextVerdict::NotANumber;
+    if (parts->point && spec.kind == CellKind::Whole) return TextVerdict::NotWhole;
     if (parts->fraction.size() > static_cast<std::size_t>(spec.decimals)) {
         return TextVerdict::TooManyDecimals;
     }
@@ -74,6 +77,43 @@ TextVerdict CheckNumber(const ColumnSpec& spec, std::string_view text, bool grow
     return TextVerdict::Taken;
 }
 
+// Zeros behind the last digit that the column has room for say nothing.
+std::string WithoutSurplusZeros(const ColumnSpec& spec, std::string number) {
+    const std::size_t point = number.find('.');
+    if (point == std::string::npos) return number;
+    const std::size_t last = number.find_last_not_of('0');
+    const std::size_t room = point + 1 + static_cast<std::size_t>(spec.decimals);
+    if (number.size() > room) number.resize(std::max(std::min(number.size(), room), last + 1));
+    if (spec.kind != CellKind::Decimal && number.back() == '.') number.pop_back();
+    return number;
+}
+
+TextReading ReadNumber(const ColumnSpec& spec, std::string_view text, TextOrigin origin) {
+    const auto refused = [text](TextVerdict verdict) { return TextReading{verdict, std::string(text)}; };
+    if (store::TrimmedOfAnyBlanks(text).empty()) return {};
+    const bool calculates =
+        IsNumberKind(spec.kind) &&
+        (origin == TextOrigin::Typed ? store::IsCalculation(text) : store::HasEqualsSign(text));
+    std::optional<std::string> plain;
+    if (calculates) {
+        const std::optional<automation::Decimal> value = store::Calculate(text);
+        if (!value) return refused(TextVerdict::NoCalculation);
+        // A result is as exact as the column; a whole number is not made of a broken one.
+        plain = spec.kind == CellKind::Decimal && value->Scale() > spec.decimals
+                    ? value->Rescaled(spec.decimals).ToShortText()
+                    : value->ToShortText();
+    } else {
+        plain = store::ReadNumberText(text);
+    }
+    if (!plain) {
+        const TextVerdict verdict = CheckTypedText(spec.column, text);
+        return refused(verdict == TextVerdict::Taken ? TextVerdict::NotANumber : verdict);
+    }
+    const std::string cell = WithoutSurplusZeros(spec, *plain);
+    const TextVerdict verdict = CheckTypedText(spec.column, cell);
+    return verdict == TextVerdict::Taken ? TextReading{verdict, cell} : refused(verdict);
+}
+
 bool HasRefusedCharacter(std::string_view text) {
     return std::any_of(text.begin(), text.end(), [](char c) {
         const auto byte = static_cast<unsigned char>(c);
@@ -81,7 +121,9 @@ bool HasRefusedCharacter(std::string_view text) {
     });
 }
 
-TextVerdict Check(int gridColumn, std::string_view text, bool growing) {
+}  // namespace
+
+TextVerdict CheckTypedText(int gridColumn, std::string_view text) {
     const ColumnSpec& spec = Column(gridColumn);
     if (spec.locked) return TextVerdict::Locked;
     if (text.empty()) return TextVerdict::Taken;
@@ -98,7 +140,7 @@ TextVerdict Check(int gridColumn, std::string_view text, bool growing) {
                        : TextVerdict::NotInList;
         case CellKind::Whole:
         case CellKind::Decimal:
-            return CheckNumber(spec, text, growing);
+            return CheckNumber(spec, text);
         case CellKind::Text:
         case CellKind::Id:
             break;
@@ -108,6 +150,29 @@ TextVerdict Check(int gridColumn, std::string_view text, bool growing) {
         return TextVerdict::TooLong;
     return TextVerdict::Taken;
 }
+
+TextReading ReadCellText(int gridColumn, std::string_view text, TextOrigin origin) {
+    const ColumnSpec& spec = Column(gridColumn);
+    text = entry::WithoutLineEnd(text);
+    if (system::CodeUnitCount(text) > kLongestKeptText) return {TextVerdict::TooLong, std::string(text)};
+    switch (spec.kind) {
+        case CellKind::TemplateNumber:
+        case CellKind::Whole:
+        case CellKind::Decimal:
+            return ReadNumber(spec, text, origin);
+        case CellKind::Direction: {
+            const std::string trimmed = store::TrimmedOfAnyBlanks(text);
+            if (trimmed == kDebit || trimmed == kCredit) return {TextVerdict::Taken, trimmed};
+            break;
+        }
+        case CellKind::Text:
+        case CellKind::Id:
+            break;
+    }
+    return {CheckTypedText(gridColumn, text), std::string(text)};
+}
+
+namespace {
 
 std::string Grouped(std::string_view digits) {
     std::string result;
@@ -136,28 +201,18 @@ bool IsPlainNumber(std::string_view text) {
 
 bool AcceptsCharacter(int gridColumn, char32_t character) {
     if (character == U'\'' || character == U'|' || character < 0x20 || character == 0x7F) return false;
-    const bool digit = character >= U'0' && character <= U'9';
     switch (Column(gridColumn).kind) {
         case CellKind::TemplateNumber:
-        case CellKind::Whole:
-            return digit;
-        case CellKind::Decimal:
-            return digit || character == U'.';
+            return character >= U'0' && character <= U'9';
         case CellKind::Id:
         case CellKind::Direction:
             return false;
+        case CellKind::Whole:
+        case CellKind::Decimal:
         case CellKind::Text:
             break;
     }
     return true;
-}
-
-TextVerdict CheckTypedText(int gridColumn, std::string_view text) {
-    return Check(gridColumn, text, false);
-}
-
-bool MayBecomeTypedText(int gridColumn, std::string_view text) {
-    return Check(gridColumn, text, true) == TextVerdict::Taken;
 }
 
 std::string VerdictText(TextVerdict verdict, int gridColumn) {
@@ -171,9 +226,18 @@ std::string VerdictText(TextVerdict verdict, int gridColumn) {
             if (spec.kind == CellKind::TemplateNumber) return "只能录入数字";
             return "不能包含单引号、竖线或控制字符";
         case TextVerdict::TooLong:
-            return "长度不能超过" + std::to_string(spec.maxCharacters) + "个字符";
+            return "长度不能超过" +
+                   std::to_string(spec.maxCharacters > 0 ? spec.maxCharacters
+                                                         : static_cast<int>(kLongestKeptText)) +
+                   "个字符";
         case TextVerdict::NotANumber:
-            return spec.kind == CellKind::Whole ? "必须是不小于0的整数" : "必须是不小于0的数字，不带千分位";
+            return spec.kind == CellKind::Whole ? "必须是不小于0的整数" : "必须是不小于0的数字";
+        case TextVerdict::Negative:
+            return "不能小于0";
+        case TextVerdict::NotWhole:
+            return "必须是整数";
+        case TextVerdict::NoCalculation:
+            return "算式不能计算";
         case TextVerdict::TooLarge:
             return "不能大于" +
                    std::to_string(IsNumberKind(spec.kind) ? kLargestNumber : kLargestTemplateNumber);

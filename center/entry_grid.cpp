@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "center/cell_rules.h"
+#include "platform/system/utf8.h"
 
 namespace vicenter::center {
 
@@ -153,17 +154,36 @@ bool EntryGrid::SetText(int row, int gridColumn, std::string_view text) {
     return true;
 }
 
-void EntryGrid::RestoreText(int row, int gridColumn, std::string_view text) {
-    if (Contains(row, gridColumn)) ReplaceText(row, gridColumn, text);
+bool EntryGrid::PutReading(int row, int gridColumn, const TextReading& reading) {
+    if (reading.verdict == TextVerdict::Taken) return SetText(row, gridColumn, reading.text);
+    const bool kept = reading.verdict != TextVerdict::Locked && Contains(row, gridColumn) &&
+                      system::CodeUnitCount(reading.text) <= kLongestKeptText;
+    if (kept) ReplaceText(row, gridColumn, reading.text, reading.verdict);
+    return kept;
 }
 
-void EntryGrid::ReplaceText(int row, int gridColumn, std::string_view text) {
+TextVerdict EntryGrid::Refusal(int row, int gridColumn) const {
+    const GridRow* content = Contains(row, gridColumn) ? RowIfAny(row) : nullptr;
+    return content == nullptr ? TextVerdict::Taken : content->Refusal(gridColumn);
+}
+
+void EntryGrid::RestoreText(int row, int gridColumn, std::string_view text, TextVerdict refusal) {
+    if (Contains(row, gridColumn)) ReplaceText(row, gridColumn, text, refusal);
+}
+
+void EntryGrid::ReplaceText(int row, int gridColumn, std::string_view text, TextVerdict refusal) {
     const std::string_view current = Text(row, gridColumn);
-    if (current == text) return;
+    const TextVerdict refusedBefore = Refusal(row, gridColumn);
+    if (current == text && refusedBefore == refusal) return;
     const std::string before(current);
-    RowAt(row).SetText(gridColumn, text);
-    if (recorder_ != nullptr) recorder_->TextReplaced(row, gridColumn, before);
+    GridRow& content = RowAt(row);
+    content.SetText(gridColumn, text);
+    content.SetRefusal(gridColumn, refusal);
+    if (recorder_ != nullptr) recorder_->TextReplaced(row, gridColumn, before, refusedBefore);
     ReportTexts({row, gridColumn, row, gridColumn});
+    // Red for its own sake no longer; what master data say of it is said when the cell is left.
+    if (refusedBefore != TextVerdict::Taken && refusal == TextVerdict::Taken)
+        SetForeColor({row, gridColumn, row, gridColumn}, color::kBlack);
 }
 
 void EntryGrid::FillRow(int row, const std::array<std::string, kColumnCount>& texts) {

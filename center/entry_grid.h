@@ -81,7 +81,8 @@ class GridObserver {
 class GridRecorder {
   public:
     virtual ~GridRecorder() = default;
-    virtual void TextReplaced(int row, int column, std::string_view before) = 0;
+    // refusal: what had been said of the text before.
+    virtual void TextReplaced(int row, int column, std::string_view before, TextVerdict refusal) = 0;
     virtual void RowsInserted(int firstRow, int count) = 0;
     virtual void RowsRemoved(int firstRow, std::vector<GridRowPtr> rows) = 0;
 };
@@ -113,6 +114,12 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
     // False, and nothing changed, when the column refuses the text (AcceptsProgramText) or the cell is
     // outside.
     bool SetText(int row, int column, std::string_view text);
+    // What became of a text that the user gave. One that is refused stays in the cell beside the verdict
+    // until another text takes its place; false when the cell keeps what it had, locked or too short for the
+    // text.
+    bool PutReading(int row, int column, const TextReading& reading);
+    // Taken for every cell whose text has not been refused.
+    TextVerdict Refusal(int row, int column) const;
     // A whole row as read from the account set: never refused, not recorded.
     void FillRow(int row, const std::array<std::string, kColumnCount>& texts);
 
@@ -146,7 +153,7 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
 
     // For undo: puts a text back whatever the column accepts, and puts removed rows back. Recorded like any
     // change.
-    void RestoreText(int row, int column, std::string_view text);
+    void RestoreText(int row, int column, std::string_view text, TextVerdict refusal = TextVerdict::Taken);
     void RestoreRows(int firstRow, std::vector<GridRowPtr> rows);
 
   private:
@@ -164,7 +171,7 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
     bool Contains(int row, int column) const;
     GridRow& RowAt(int row);
     const GridRow* RowIfAny(int row) const;
-    void ReplaceText(int row, int column, std::string_view text);
+    void ReplaceText(int row, int column, std::string_view text, TextVerdict refusal = TextVerdict::Taken);
     void Paint(const CellRange& range, std::int32_t value, std::int32_t usual,
                bool (GridRow::*paint)(int, std::int32_t));
     void FlushPending();

@@ -73,6 +73,8 @@ std::string ItemsFault(const EntryGrid& grid, int row) {
 }  // namespace
 
 std::string FaultText(const EntryGrid& grid, const CellAddress& cell) {
+    if (const TextVerdict own = OwnVerdict(grid, cell); own != TextVerdict::Taken)
+        return VerdictText(own, cell.column);
     const int check = grid.FaultyCheck(cell.row, cell.column);
     // The other four checks look at the row's account as well: without a sound one they fail for its sake.
     if (check > static_cast<int>(CellCheck::Account)) {

@@ -4,6 +4,7 @@
 #include "center/fault_text.h"
 #include "center/frm_vi_center_parts.h"
 #include "center/help.h"
+#include "center/line_loader.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "store/cls_vi_data.h"
@@ -47,11 +48,12 @@ frmVICenter::Parts::~Parts() {
 }
 
 void frmVICenter::Parts::Reopen() {
-    const CellAddress active = state.grid->ActiveCell();
+    CellAddress active = state.grid->ActiveCell();
+    // The lines come back sorted by number; the cursor stays on the line where the user was working.
+    active.row = RowOnceSorted(*state.grid, state.rowCount, active.row);
     const std::string name = state.templateName;
     const std::string id = state.templateId;
     tree.Open(name, id, {});
-    // The cursor stays where the user was working.
     if (active.row >= 1 && active.row <= state.rowCount + 1) {
         state.grid->SetActiveCell(active);
         state.grid->ScrollIntoView(active);

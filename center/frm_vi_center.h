@@ -9,11 +9,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "center/cell_rules.h"
+#include "center/cell_selection.h"
 #include "center/entry_grid.h"
 #include "center/template_commands.h"
 #include "center/vicenter_view.h"
@@ -31,11 +34,23 @@ inline constexpr int kF1 = 112;
 inline constexpr int kF7 = 118;
 }  // namespace key_code
 
-// Cells that a block operation could not take, by row and column of the grid.
+// Texts that a block operation could not take, by row and column of the grid.
 struct RefusedCell {
     CellAddress cell;
     std::string text;
     std::string reason;
+    bool kept = false;  // stands in its cell, red; else the cell has what it had
+};
+
+// What a copy puts on the clipboard: a text for every program and, of whole rows, all that belongs to them
+// for ourselves.
+struct CopiedBlock {
+    CopiedBlock(std::string theText = {}, std::string theRows = {})  // NOLINT(google-explicit-constructor)
+        : text(std::move(theText)), rows(std::move(theRows)) {}
+    CopiedBlock(const char* theText) : text(theText) {}  // NOLINT(google-explicit-constructor)
+
+    std::string text;  // tab-separated, CR LF behind every row unless it is one cell alone
+    std::string rows;
 };
 
 struct PasteResult {
@@ -76,28 +91,29 @@ class frmVICenter final : public TemplateWindow {
     void GridGotFocus();
     void GridLostFocus();
     // The cursor moves to that cell; the cell it leaves is resolved, and the grid's active cell ends up there
-    // or on the first blank row.
-    void MoveActiveCell(const CellAddress& to);
+    // or on the first blank row. A selection that is being built may pass every row.
+    void MoveActiveCell(const CellAddress& to, CursorMove how = CursorMove::Going);
     // False when the character is refused in that column.
     bool GridKeyPress(char32_t character);
     // True when the key has been used up. cellText is what the cell's editor holds now.
     bool GridKeyDown(int keyCode, const std::string& cellText);
-    // The user's text for a cell; refused ones leave the cell as it is.
+    // The user's text for a cell; a refused one stays there, red, beside its reason.
     TextVerdict CommitText(const CellAddress& cell, const std::string& text);
-    void ClearCells(const CellRange& range);
+    void ClearCells(const CellSelection& selection);
     void OpenLookUp();  // Insert, F7 or a click on the cell's button
     // Why the cell is red and what is expected; the empty text for a sound cell.
     std::string DescribeFault(const CellAddress& cell);
-    void SelectionChanged(const CellRange& range);
+    void SelectionChanged(const CellSelection& selection);
 
     // --- grid: blocks and undo
-    std::string CopyBlock(const CellRange& range) const;  // tab-separated, CR LF between rows
-    PasteResult PasteBlock(const CellAddress& at, const std::string& text);
-    void FillDown(const CellRange& range);
-    PasteResult FillSelection(const CellRange& range, const std::string& text);
-    void DuplicateRow();
-    void InsertRows(int firstRow, int count);
-    void DeleteRows(int firstRow, int count);
+    // Nothing, and the user has been told, when the selection cannot be copied.
+    std::optional<CopiedBlock> CopyBlock(const CellSelection& selection) const;
+    // One value into every selected cell, or a block from the selection's first cell on.
+    PasteResult PasteBlock(const CellSelection& selection, const CopiedBlock& block);
+    void FillDown(const CellSelection& selection);
+    void DuplicateRows(const CellSelection& selection);
+    void InsertRows(const CellSelection& selection);
+    void DeleteRows(const CellSelection& selection);
     bool CanUndo() const;
     bool CanRedo() const;
     void Undo();

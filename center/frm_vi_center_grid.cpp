@@ -16,8 +16,8 @@ void frmVICenter::GridLostFocus() {
     parts_->state.Enable({Tool::AddRow, Tool::DelRow}, false);
 }
 
-void frmVICenter::MoveActiveCell(const CellAddress& to) {
-    AtEdge([&] { parts_->editing.MoveActiveCell(to); });
+void frmVICenter::MoveActiveCell(const CellAddress& to, CursorMove how) {
+    AtEdge([&] { parts_->editing.MoveActiveCell(to, how); });
 }
 
 bool frmVICenter::GridKeyPress(char32_t character) {
@@ -57,8 +57,8 @@ TextVerdict frmVICenter::CommitText(const CellAddress& cell, const std::string& 
     return verdict;
 }
 
-void frmVICenter::ClearCells(const CellRange& range) {
-    AtEdge([&] { parts_->editing.ClearCells(range); });
+void frmVICenter::ClearCells(const CellSelection& selection) {
+    AtEdge([&] { parts_->editing.ClearCells(selection); });
     parts_->RefreshStatus();
 }
 
@@ -78,63 +78,54 @@ std::string frmVICenter::DescribeFault(const CellAddress& cell) {
     return text;
 }
 
-void frmVICenter::SelectionChanged(const CellRange& range) {
-    parts_->selection = range;
+void frmVICenter::SelectionChanged(const CellSelection& selection) {
+    parts_->selection = selection;
     parts_->RefreshStatus();
 }
 
 // --- blocks and undo: what has been typed is resolved before rows are copied or move away under it
 
-std::string frmVICenter::CopyBlock(const CellRange& range) const {
-    return parts_->blocks.Copy(range);
+std::optional<CopiedBlock> frmVICenter::CopyBlock(const CellSelection& selection) const {
+    return parts_->blocks.Copy(selection);
 }
 
-PasteResult frmVICenter::PasteBlock(const CellAddress& at, const std::string& text) {
+PasteResult frmVICenter::PasteBlock(const CellSelection& selection, const CopiedBlock& block) {
     PasteResult result;
     AtEdge([&] {
         parts_->editing.FinishTyping();
-        result = parts_->blocks.Paste(at, text);
+        result = parts_->blocks.Paste(selection, block);
     });
     return result;
 }
 
-void frmVICenter::FillDown(const CellRange& range) {
+void frmVICenter::FillDown(const CellSelection& selection) {
     AtEdge([&] {
         parts_->editing.FinishTyping();
-        parts_->blocks.FillDown(range);
+        parts_->blocks.FillDown(selection);
     });
 }
 
-PasteResult frmVICenter::FillSelection(const CellRange& range, const std::string& text) {
-    PasteResult result;
+void frmVICenter::DuplicateRows(const CellSelection& selection) {
     AtEdge([&] {
         parts_->editing.FinishTyping();
-        result = parts_->blocks.FillSelection(range, text);
-    });
-    return result;
-}
-
-void frmVICenter::DuplicateRow() {
-    AtEdge([&] {
-        parts_->editing.FinishTyping();
-        parts_->blocks.DuplicateRow();
+        parts_->blocks.DuplicateRows(selection);
     });
 }
 
-void frmVICenter::InsertRows(int firstRow, int count) {
+void frmVICenter::InsertRows(const CellSelection& selection) {
     AtEdge([&] {
         if (!parts_->editing.CanEdit()) return;
         parts_->editing.FinishTyping();
-        parts_->editing.InsertRows(firstRow, count);
+        parts_->editing.InsertRows(RowRuns(selection, *parts_->state.grid));
     });
     parts_->RefreshSurroundings();
 }
 
-void frmVICenter::DeleteRows(int firstRow, int count) {
+void frmVICenter::DeleteRows(const CellSelection& selection) {
     AtEdge([&] {
         if (!parts_->editing.CanEdit()) return;
         parts_->editing.FinishTyping();
-        parts_->editing.DeleteRows(firstRow, count);
+        parts_->editing.DeleteRows(RowRuns(selection, *parts_->state.grid));
     });
     parts_->RefreshSurroundings();
 }

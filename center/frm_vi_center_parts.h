@@ -47,7 +47,7 @@ struct frmVICenter::Parts : public GridObserver {
     ItemPanel items;
     NameList names;
     BlockEditing blocks;
-    CellRange selection;
+    CellSelection selection;
     std::optional<NumberSums> sums;  // of the grid as it is
 
   private:

@@ -23,13 +23,18 @@ GridEditing::~GridEditing() {
 
 // --- what the grid reports
 
-void GridEditing::TextReplaced(int row, int gridColumn, std::string_view before) {
+void GridEditing::TextReplaced(int row, int gridColumn, std::string_view before, TextVerdict refusal) {
     const UndoStep step(state_);
-    state_.journal.TextReplaced(row, gridColumn, before);
+    state_.journal.TextReplaced(row, gridColumn, before, refusal);
     state_.dirty = true;
     // A blank row counts as in use once any of its cells has content. Whoever writes further down than the
     // first blank row takes the rows between along: nothing that was written is ever left out of a save.
     if (row > state_.rowCount && !state_.grid->IsBlankRow(row)) state_.rowCount = row;
+    // The last row that is emptied again is no line any more, nor are blank ones above it.
+    if (row == state_.rowCount && state_.grid->IsBlankRow(row)) {
+        while (state_.rowCount > 0 && state_.grid->IsBlankRow(state_.rowCount))
+            --state_.rowCount;
+    }
 }
 
 void GridEditing::RowsInserted(int firstRow, int count) {
@@ -84,10 +89,14 @@ void GridEditing::Leave(const CellAddress& cell) {
     }
 }
 
-void GridEditing::MoveActiveCell(const CellAddress& to) {
+void GridEditing::MoveActiveCell(const CellAddress& to, CursorMove how) {
     EntryGrid& grid = *state_.grid;
     const CellAddress from = grid.ActiveCell();
     if (!(from == to)) Leave(from);
+    if (how == CursorMove::Selecting) {
+        grid.SetActiveCell(to);
+        return;
+    }
     CellAddress target = to;
     // Whoever may only look enters no lines, with gaps or without.
     if (CanEdit() && LeavesGap(to.row)) {
@@ -105,32 +114,42 @@ void GridEditing::FinishTyping() {
 
 TextVerdict GridEditing::CommitText(const CellAddress& cell, const std::string& text) {
     if (!CanEdit()) return TextVerdict::Locked;
-    const TextVerdict verdict = CheckTypedText(cell.column, text);
-    if (verdict != TextVerdict::Taken) return verdict;
+    const TextReading reading = ReadCellText(cell.column, text, TextOrigin::Typed);
+    if (reading.verdict == TextVerdict::Locked) return reading.verdict;
     if (LeavesGap(cell.row)) return TextVerdict::Locked;
     const UndoStep step(state_);
-    if (state_.grid->Text(cell.row, cell.column) == text) return verdict;
-    state_.grid->SetText(cell.row, cell.column, text);
+    EntryGrid& grid = *state_.grid;
+    if (grid.Text(cell.row, cell.column) == reading.text) return reading.verdict;
+    if (!grid.PutReading(cell.row, cell.column, reading)) return reading.verdict;
+    MarkOwnVerdict(grid, cell);
     typed_ = cell;
-    return verdict;
+    return reading.verdict;
 }
 
-void GridEditing::ClearCells(const CellRange& range) {
+void GridEditing::ClearCells(const CellSelection& selection) {
     if (!CanEdit()) return;
     EntryGrid& grid = *state_.grid;
+    const std::vector<ColumnRuns> cells = SelectedCells(selection, grid);
+    const std::vector<RowRun> rows = RowRuns(selection, grid);
+    const int lastRow = state_.rowCount;
     const UndoStep step(state_);
     grid.SetReDraw(false);
-    CellChecks checks;
     MasterRecords records;
-    const int lastRow = std::min(range.lastRow, state_.rowCount);
-    const int lastColumn = std::min(range.lastColumn, kColumnCount);
-    for (int row = std::max(1, range.firstRow); row <= lastRow; ++row) {
-        for (int c = std::max(1, range.firstColumn); c <= lastColumn; ++c) {
-            if (Column(c).locked || grid.Text(row, c).empty()) continue;
-            grid.SetText(row, c, {});
-            ResolveCell(grid, {row, c}, records);
+    for (const ColumnRuns& column : cells) {
+        // Ids go with whole rows, else with the codes that they stand behind.
+        if (Column(column.column).locked && !selection.wholeRows) continue;
+        for (const RowRun& run : column.rows) {
+            for (int row = run.first; row <= std::min(run.last, lastRow); ++row) {
+                if (grid.Text(row, column.column).empty()) continue;
+                grid.SetText(row, column.column, {});
+                ResolveCell(grid, {row, column.column}, records);
+            }
         }
-        MarkRow(grid, row, checks);
+    }
+    CellChecks checks;
+    for (const RowRun& run : rows) {
+        for (int row = run.first; row <= std::min(run.last, lastRow); ++row)
+            MarkRow(grid, row, checks);
     }
     typed_.reset();
     grid.SetReDraw(true);
@@ -162,6 +181,13 @@ void GridEditing::InsertRows(int firstRow, int count) {
     grid.ScrollIntoView({firstRow, std::max(1, grid.ActiveCell().column)});
 }
 
+void GridEditing::InsertRows(const std::vector<RowRun>& runs) {
+    if (state_.rowCount == 0 || runs.empty() || LeavesGap(runs.back().first)) return;
+    const UndoStep step(state_);
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run)
+        InsertRows(run->first, run->Count());
+}
+
 void GridEditing::DeleteRow() {
     const int row = state_.grid->ActiveCell().row;
     DeleteRows(row, 1);
@@ -182,6 +208,23 @@ void GridEditing::DeleteRows(int firstRow, int count) {
     grid.SetReDraw(true);
     const CellAddress active = grid.ActiveCell();
     if (active.row > state_.rowCount + 1) grid.SetActiveCell({state_.rowCount + 1, active.column});
+}
+
+void GridEditing::DeleteRows(std::vector<RowRun> runs) {
+    int count = 0;
+    for (RowRun& run : runs) {
+        run.last = std::min(run.last, state_.rowCount);
+        count += std::max(0, run.Count());
+    }
+    if (count == 0) return;
+    if (state_.grid->RowTotal() >= kFewestRows && state_.grid->RowTotal() - count < kFewestRows) {
+        Tell(kTwoRowsText);
+        return;
+    }
+    const UndoStep step(state_);
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+        if (run->Count() > 0) DeleteRows(run->first, run->Count());
+    }
 }
 
 // --- undo

@@ -8,8 +8,10 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "center/cell_rules.h"
+#include "center/cell_selection.h"
 #include "center/window_state.h"
 
 namespace vicenter::center {
@@ -19,12 +21,13 @@ class GridEditing : public GridRecorder {
     explicit GridEditing(WindowState& state);
     ~GridEditing() override;
 
-    // Leaves the active cell for another one.
-    void MoveActiveCell(const CellAddress& to);
+    // Leaves the active cell for another one. On the way of building a selection every cell may be passed.
+    void MoveActiveCell(const CellAddress& to, CursorMove how = CursorMove::Going);
     // Resolves the active cell if something has been typed there and not been resolved yet.
     void FinishTyping();
+    // A text that is refused stays in the cell beside the verdict; a locked cell keeps its own.
     TextVerdict CommitText(const CellAddress& cell, const std::string& text);
-    void ClearCells(const CellRange& range);
+    void ClearCells(const CellSelection& selection);
     // Typing two points repeats the explanation of the line above; true when it did.
     bool RepeatExplanation(const std::string& cellText);
 
@@ -32,6 +35,9 @@ class GridEditing : public GridRecorder {
     void DeleteRow();  // the active row
     void InsertRows(int firstRow, int count);
     void DeleteRows(int firstRow, int count);
+    // Every run of rows for itself, all in one step: as many blank rows above each, or each run gone.
+    void InsertRows(const std::vector<RowRun>& runs);
+    void DeleteRows(std::vector<RowRun> runs);
 
     bool CanEdit() const { return state_.hasRight; }
     void Undo();
@@ -39,7 +45,7 @@ class GridEditing : public GridRecorder {
     // What happened before is no longer to be joined or resolved: another template is in the grid.
     void Forget() { typed_.reset(); }
 
-    void TextReplaced(int row, int column, std::string_view before) override;
+    void TextReplaced(int row, int column, std::string_view before, TextVerdict refusal) override;
     void RowsInserted(int firstRow, int count) override;
     void RowsRemoved(int firstRow, std::vector<GridRowPtr> rows) override;
 

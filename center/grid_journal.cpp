@@ -21,7 +21,7 @@ class Catcher : public GridRecorder {
         grid_.SetReDraw(true);
     }
 
-    void TextReplaced(int, int, std::string_view) override {}
+    void TextReplaced(int, int, std::string_view, TextVerdict) override {}
     void RowsInserted(int, int) override {}
     void RowsRemoved(int, std::vector<GridRowPtr> rows) override { removed = std::move(rows); }
 
@@ -56,8 +56,8 @@ void GridJournal::Close(const JournalMark& after) {
     undone_.clear();
 }
 
-void GridJournal::TextReplaced(int row, int gridColumn, std::string_view before) {
-    current_.changes.emplace_back(Text{row, gridColumn, std::string(before)});
+void GridJournal::TextReplaced(int row, int gridColumn, std::string_view before, TextVerdict refusal) {
+    current_.changes.emplace_back(Text{row, gridColumn, std::string(before), refusal});
 }
 
 void GridJournal::RowsInserted(int firstRow, int count) {
@@ -74,8 +74,10 @@ void GridJournal::Apply(Change& change, JournalMark& rows) {
         rows.firstRow = rows.lastRow == 0 ? text->row : std::min(rows.firstRow, text->row);
         rows.lastRow = std::max(rows.lastRow, text->row);
         std::string now(grid_.Text(text->row, text->column));
-        grid_.RestoreText(text->row, text->column, text->other);
+        const TextVerdict refusal = grid_.Refusal(text->row, text->column);
+        grid_.RestoreText(text->row, text->column, text->other, text->refusal);
         text->other = std::move(now);
+        text->refusal = refusal;
         return;
     }
     if (auto* inserted = std::get_if<Inserted>(&change)) {

@@ -40,7 +40,7 @@ class GridJournal {
     // True when the last step can be joined: it was the last thing to happen.
     bool CanJoin() const { return !done_.empty() && undone_.empty(); }
 
-    void TextReplaced(int row, int column, std::string_view before);
+    void TextReplaced(int row, int column, std::string_view before, TextVerdict refusal);
     void RowsInserted(int firstRow, int count);
     void RowsRemoved(int firstRow, std::vector<GridRowPtr> rows);
 
@@ -57,6 +57,7 @@ class GridJournal {
         int row;
         int column;
         std::string other;  // what the cell held before, or holds after once undone
+        TextVerdict refusal;
     };
     struct Inserted {
         int firstRow;

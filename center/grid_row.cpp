@@ -28,6 +28,7 @@ void GridRow::SetTexts(const std::array<std::string, kColumnCount>& texts) {
         length += text.size();
     texts_.clear();
     texts_.reserve(length);
+    refusals_ = {};
     for (std::size_t i = 0; i < texts.size(); ++i) {
         texts_ += texts[i];
         ends_[i] = static_cast<std::uint32_t>(texts_.size());

@@ -1,7 +1,7 @@
 #pragma once
 
-// One filled row of the entry grid: 21 texts packed into one string, colours and failed checks.
-// A value held by the grid, or by the undo journal once the row is gone.
+// One filled row of the entry grid: 21 texts packed into one string, colours, failed checks and refused
+// texts. A value held by the grid, or by the undo journal once the row is gone.
 
 #include <array>
 #include <cstddef>
@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "center/cell_rules.h"
 #include "center/columns.h"
 
 namespace vicenter::center {
@@ -42,6 +43,12 @@ class GridRow {
     bool HasFault(int check) const { return (faults_ >> check & 1U) != 0; }
     void SetFault(int check, bool faulty);
 
+    // Why the column does not take the cell's text; Taken for every text that it does.
+    TextVerdict Refusal(int column) const { return refusals_[static_cast<std::size_t>(column - 1)]; }
+    void SetRefusal(int column, TextVerdict verdict) {
+        refusals_[static_cast<std::size_t>(column - 1)] = verdict;
+    }
+
   private:
     using Colors = std::vector<std::int32_t>;  // empty while every cell has the usual colour
     static std::int32_t ColorAt(const Colors& colors, int column, std::int32_t usual);
@@ -52,6 +59,7 @@ class GridRow {
     Colors foreColors_;
     Colors backColors_;
     std::uint8_t faults_ = 0;
+    std::array<TextVerdict, kColumnCount> refusals_{};
 };
 
 // No object stands for a blank row.

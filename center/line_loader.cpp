@@ -103,4 +103,23 @@ std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId) {
     return count;
 }
 
+int RowOnceSorted(const EntryGrid& grid, int rowCount, int row) {
+    if (row < 1 || row > rowCount) return row;
+    // "01" and "1" are one number.
+    const auto number = [&grid](int ofRow) {
+        std::string_view digits = grid.Text(ofRow, column::kNo);
+        while (digits.size() > 1 && digits.front() == '0')
+            digits.remove_prefix(1);
+        return digits;
+    };
+    const std::string_view own = number(row);
+    int sorted = 1;
+    for (int other = 1; other <= rowCount; ++other) {
+        const std::string_view digits = number(other);
+        const bool less = digits.size() != own.size() ? digits.size() < own.size() : digits < own;
+        if (less || (digits == own && other < row)) ++sorted;
+    }
+    return sorted;
+}
+
 }  // namespace vicenter::center

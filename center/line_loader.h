@@ -31,4 +31,8 @@ class LineReader {
 // rows.
 std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId);
 
+// The row at which the line of a row will stand once the lines have been saved and read again: they come
+// sorted by template number. Rows outside of those in use stay where they are.
+int RowOnceSorted(const EntryGrid& grid, int rowCount, int row);
+
 }  // namespace vicenter::center

@@ -1,6 +1,7 @@
 #include "center/status_line.h"
 
-#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <utility>
 
 #include "center/cell_rules.h"
@@ -65,21 +66,43 @@ StatusState NumberSums::Status(const EntryGrid& grid, int activeRow) const {
     return status;
 }
 
-std::string SumOfSelection(const EntryGrid& grid, const CellRange& range) {
-    Decimal sum;
+std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection) {
+    struct Side {
+        const char* name;
+        Decimal sum;
+        int count = 0;
+    };
+    std::array<Side, 3> sides{{{"借 ", {}, 0}, {"贷 ", {}, 0}, {"其他 ", {}, 0}}};
     int count = 0;
-    const int lastRow = std::min(range.lastRow, grid.RowTotal());
-    for (int row = std::max(1, range.firstRow); row <= lastRow; ++row) {
-        for (int c = std::max(1, range.firstColumn); c <= std::min(range.lastColumn, kColumnCount); ++c) {
-            const CellKind kind = Column(c).kind;
-            if (kind != CellKind::Decimal && kind != CellKind::Whole) continue;
-            const std::optional<Decimal> number = NumberOf(grid.Text(row, c));
-            if (!number) continue;
-            sum = Decimal::Add(sum, *number);
-            ++count;
+    for (const ColumnRuns& column : SelectedCells(selection, grid)) {
+        const CellKind kind = Column(column.column).kind;
+        if (kind != CellKind::Decimal && kind != CellKind::Whole) continue;
+        if (grid.Layout(column.column).hidden) continue;
+        const bool amount = column.column == column::kAmount || column.column == column::kAmountFor;
+        for (const RowRun& run : column.rows) {
+            for (int row = run.first; row <= run.last; ++row) {
+                const std::optional<Decimal> number = NumberOf(grid.Text(row, column.column));
+                if (!number) continue;
+                const std::string_view direction = grid.Text(row, column::kDirection);
+                const std::size_t side = amount && direction == kDebit    ? 0
+                                         : amount && direction == kCredit ? 1
+                                                                          : 2;
+                sides[side].sum = Decimal::Add(sides[side].sum, *number);
+                ++sides[side].count;
+                ++count;
+            }
         }
     }
-    return count < 2 ? std::string() : DisplayText(column::kQuantity, sum.ToText());
+    if (count < 2) return {};
+    std::string text;
+    for (const Side& side : sides) {
+        if (side.count == 0) continue;
+        const std::string sum = DisplayText(column::kQuantity, side.sum.ToText());
+        if (side.count == count) return sum;
+        if (!text.empty()) text += "　";
+        text += side.name + sum;
+    }
+    return text;
 }
 
 }  // namespace vicenter::center

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "automation/decimal.h"
+#include "center/cell_selection.h"
 #include "center/entry_grid.h"
 #include "center/vicenter_view.h"
 
@@ -38,7 +39,9 @@ inline StatusState SumUp(const EntryGrid& grid, int rowCount, int activeRow) {
     return NumberSums(grid, rowCount).Status(grid, activeRow);
 }
 
-// The sum of the numbers in a block, as a display text; empty when there are fewer than two.
-std::string SumOfSelection(const EntryGrid& grid, const CellRange& range);
+// The sum of the selected numbers as a display text; empty when there are fewer than two. Amounts of debit
+// and credit lines are never added up: where both are selected, each has its sum, and so have numbers that
+// are no amounts beside them.
+std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection);
 
 }  // namespace vicenter::center

@@ -131,6 +131,14 @@ std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount) {
         if (grid.Text(r, column::kAccountName).empty()) {
             return Finding{r, column::kAccountName, row + " 科目名称(*) 不允许为空，请进行设置！"};
         }
+        // What the user gave and the column refused is nowhere to be saved.
+        for (int c = 1; c <= kColumnCount; ++c) {
+            const TextVerdict refusal = grid.Refusal(r, c);
+            if (refusal == TextVerdict::Taken) continue;
+            return Finding{
+                r, c,
+                row + " " + std::string(Column(c).header) + " " + VerdictText(refusal, c) + "，请进行更正！"};
+        }
     }
     return std::nullopt;
 }

@@ -4,6 +4,7 @@
 
 #include "center/line_loader.h"
 #include "entry/host_services.h"
+#include "entry/single_line.h"
 #include "entry/sql_text.h"
 #include "platform/system/collation.h"
 #include "platform/system/utf8.h"
@@ -157,10 +158,15 @@ bool TemplateTree::BeforeLabelEdit() {
     return selected_ != kRootKey && selected_ != kStandardKey;
 }
 
-bool TemplateTree::AfterLabelEdit(const std::string& newText) {
+bool TemplateTree::AfterLabelEdit(const std::string& label) {
     editsLabels_ = false;
+    const std::string newText(entry::WithoutLineEnd(label));
     if (system::TrimBlanks(newText).empty()) {
         Tell("名称不允许为空，修改失败！");
+        return false;
+    }
+    if (entry::HasControlCharacter(newText)) {
+        Tell("名称不能包含制表符、换行等控制字符，修改失败！");
         return false;
     }
     constexpr const char* kDuplicate = "模板名称不允许重复，修改失败！";

@@ -25,7 +25,7 @@ class TemplateTree {
     void NodeClick(const std::string& key);
     void DoubleClick();
     bool BeforeLabelEdit();
-    bool AfterLabelEdit(const std::string& newText);
+    bool AfterLabelEdit(const std::string& label);
 
     // True when a template was created.
     bool CreateTemplate();

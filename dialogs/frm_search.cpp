@@ -5,6 +5,7 @@
 
 #include "automation/class_registry.h"
 #include "entry/screen.h"
+#include "entry/single_line.h"
 #include "entry/sql_text.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
@@ -22,7 +23,7 @@ constexpr std::int32_t kAccountName = 6;
 constexpr std::int32_t kRemark = 21;
 
 std::string Trimmed(const std::string& text) {
-    return std::string(system::TrimBlanks(text));
+    return std::string(system::TrimBlanks(entry::WithoutLineEnd(text)));
 }
 
 bool Contains(const std::string& text, const std::string& part) {

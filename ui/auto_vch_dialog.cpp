@@ -6,12 +6,12 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QRegularExpressionValidator>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 #include "ui/column_dialog.h"
 #include "ui/qt_text.h"
+#include "ui/single_line.h"
 #include "ui/slot_guard.h"
 
 namespace vicenter::ui {
@@ -34,6 +34,7 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     auto* nameLabel = new QLabel(QStringLiteral("模板名称："), this);
     name_ = new QLineEdit(this);
     name_->setObjectName(QStringLiteral("txtVchTpName"));
+    new SingleLine(*name_);
     nameLabel->setBuddy(name_);
     columns_ = new QPushButton(QStringLiteral("模板字段设置"), this);
     columns_->setObjectName(QStringLiteral("cmdCols"));
@@ -88,7 +89,7 @@ QWidget* AutoVchDialog::BuildFilter() {
         box->setObjectName(QStringLiteral("txtPeriod%1").arg(i));
         box->setAlignment(Qt::AlignRight);
         box->setMaxLength(static_cast<int>(form_.State().maxLengths[i]));
-        box->setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]*")), box));
+        new SingleLine(*box, QRegularExpression(QStringLiteral("[0-9]*")));
         box->installEventFilter(this);
         connect(box, &QLineEdit::textEdited, this, [this, i] { BoxEdited(static_cast<autovch::Box>(i)); });
         boxes_[i] = box;

@@ -1,8 +1,11 @@
 #include "ui/cell_editor.h"
 
+#include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <algorithm>
 
 #include "center/cell_rules.h"
+#include "center/columns.h"
 #include "ui/composition.h"
 #include "ui/qt_text.h"
 
@@ -14,28 +17,42 @@ constexpr int kChoicesShown = 6;
 
 }  // namespace
 
-ColumnValidator::ColumnValidator(int column, QObject* parent) : QValidator(parent), column_(column) {}
+ColumnValidator::ColumnValidator(int column, QLineEdit& field) : SingleLine(field), column_(column) {}
 
-QValidator::State ColumnValidator::validate(QString& text, int& /*position*/) const {
-    const std::string plain = FromQt(text);
-    if (center::CheckTypedText(column_, plain) == center::TextVerdict::Taken) return Acceptable;
-    return center::MayBecomeTypedText(column_, plain) ? Intermediate : Invalid;
+QValidator::State ColumnValidator::Judge(const QString& text) const {
+    refusal_ = center::TextVerdict::Taken;
+    if (text.size() > static_cast<qsizetype>(center::kLongestKeptText)) {
+        refusal_ = center::TextVerdict::TooLong;
+    } else if (center::Column(column_).kind == center::CellKind::TemplateNumber) {
+        const bool digits =
+            std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+        if (!digits) refusal_ = center::TextVerdict::BadCharacter;
+    }
+    return refusal_ == center::TextVerdict::Taken ? Acceptable : Invalid;
 }
 
-CellEditor::CellEditor(int column, QWidget* parent) : QLineEdit(parent), column_(column) {
+CellEditor::CellEditor(int column, QWidget* parent)
+    : QLineEdit(parent), column_(column), validator_(new ColumnValidator(column, *this)) {
     setObjectName(QStringLiteral("cellEditor"));
     setFrame(false);
     setTextMargins(1, 0, 1, 0);
-    setValidator(new ColumnValidator(column, this));
     new Composition(*this);
     if (center::Column(column).rightAligned) setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    connect(this, &QLineEdit::inputRejected, this, [this] {
-        const std::string now = FromQt(text());
-        center::TextVerdict verdict = center::CheckTypedText(column_, now);
-        // The text as it stands is fine; what was refused is the addition.
-        if (verdict == center::TextVerdict::Taken) verdict = center::TextVerdict::BadCharacter;
-        emit textRejected(ToQt(center::VerdictText(verdict, column_)));
-    });
+    connect(this, &QLineEdit::inputRejected, this,
+            [this] { emit textRejected(ToQt(center::VerdictText(validator_->LastRefusal(), column_))); });
+}
+
+void CellEditor::inputMethodEvent(QInputMethodEvent* event) {
+    const QString typed = event->commitString();
+    QString taken;
+    for (const char32_t c : typed.toUcs4()) {
+        if (center::AcceptsCharacter(column_, c)) taken += QString::fromUcs4(&c, 1);
+    }
+    if (taken == typed) return QLineEdit::inputMethodEvent(event);
+    QInputMethodEvent rest(event->preeditString(), event->attributes());
+    rest.setCommitString(taken, event->replacementStart(), event->replacementLength());
+    QLineEdit::inputMethodEvent(&rest);
+    emit textRejected(ToQt(center::VerdictText(center::TextVerdict::BadCharacter, column_)));
 }
 
 DirectionEditor::DirectionEditor(QWidget* parent) : QComboBox(parent) {

@@ -1,28 +1,33 @@
 #pragma once
 
-// The editors of the grid's cells: a text field that takes nothing its column refuses, and the drop-down list
-// of the direction column. Created by the cell delegate, owned by the view's viewport. User-interface thread
-// only.
+// The editors of the grid's cells: a text field, and the drop-down list of the direction column. Created by
+// the cell delegate, owned by the view's viewport. User-interface thread only.
 
 #include <QComboBox>
 #include <QLineEdit>
-#include <QValidator>
 
-#include "center/columns.h"
+#include "center/cell_rules.h"
+#include "ui/single_line.h"
 
 namespace vicenter::ui {
 
-// Holds a text field to the filter and the length limit of a column, whichever way the text comes in: typing,
-// pasting, dropping and input methods all pass the validator.
-class ColumnValidator : public QValidator {
+// Lets everything into a text field that its column may judge as a whole later: what it keeps out is what no
+// key can enter either, and texts that no cell could keep.
+class ColumnValidator : public SingleLine {
     Q_OBJECT
 
   public:
-    ColumnValidator(int column, QObject* parent);
-    State validate(QString& text, int& position) const override;
+    ColumnValidator(int column, QLineEdit& field);
+    // Why the last text was kept out.
+    center::TextVerdict LastRefusal() const { return refusal_; }
+
+  protected:
+    State Judge(const QString& text) const override;
+    void ControlCharacterRefused() const override { refusal_ = center::TextVerdict::BadCharacter; }
 
   private:
     int column_;
+    mutable center::TextVerdict refusal_ = center::TextVerdict::Taken;
 };
 
 class CellEditor : public QLineEdit {
@@ -39,8 +44,13 @@ class CellEditor : public QLineEdit {
   signals:
     void textRejected(const QString& reason);
 
+  protected:
+    // An input method's characters are typed like any others.
+    void inputMethodEvent(QInputMethodEvent* event) override;
+
   private:
     int column_;
+    ColumnValidator* validator_;
     bool openedByTyping_ = false;
 };
 

@@ -7,6 +7,7 @@
 #include <QToolButton>
 
 #include "ui/qt_text.h"
+#include "ui/single_line.h"
 #include "ui/slot_guard.h"
 
 namespace vicenter::ui {
@@ -48,6 +49,7 @@ FindDialog::FindDialog(dialogs::FrmSearch& search, std::function<QRect()> foundR
         auto* label = new QLabel(text, this);
         label->setBuddy(box);
         box->setMinimumWidth(kBoxWidth);
+        new SingleLine(*box);
         grid->addWidget(label, row, 0);
         grid->addWidget(box, row, 1);
     };

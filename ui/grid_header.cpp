@@ -1,6 +1,7 @@
 #include "ui/grid_header.h"
 
 #include <QHelpEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
 #include <algorithm>
@@ -64,6 +65,16 @@ bool GridHeader::viewportEvent(QEvent* event) {
         return true;
     }
     return QHeaderView::viewportEvent(event);
+}
+
+void GridHeader::mousePressEvent(QMouseEvent* event) {
+    pressed_ = true;
+    QHeaderView::mousePressEvent(event);
+}
+
+void GridHeader::mouseReleaseEvent(QMouseEvent* event) {
+    QHeaderView::mouseReleaseEvent(event);
+    pressed_ = false;
 }
 
 QSize GridHeader::sizeHint() const {

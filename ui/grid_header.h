@@ -15,15 +15,20 @@ class GridHeader : public QHeaderView {
 
     // The section that is shown as active; -1 for none.
     void SetActiveSection(int section);
+    // A section is being pressed or dragged over: rows or columns are being selected.
+    bool IsPressed() const { return pressed_; }
 
   protected:
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
     QSize sizeHint() const override;
     // Names a column that is too narrow for its header.
     bool viewportEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
   private:
     int activeSection_ = -1;
+    bool pressed_ = false;
 };
 
 }  // namespace vicenter::ui

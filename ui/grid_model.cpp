@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "center/cell_checks.h"
 #include "ui/qt_text.h"
 #include "ui/slot_guard.h"
 
@@ -55,7 +56,9 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
             return QVariant::fromValue(side | Qt::AlignVCenter);
         }
         case Qt::ToolTipRole: {
-            if (grid_->FaultyCheck(cell.row, cell.column) == 0 || !hooks_.describeFault) return {};
+            const bool sound = grid_->FaultyCheck(cell.row, cell.column) == 0 &&
+                               center::OwnVerdict(*grid_, cell) == center::TextVerdict::Taken;
+            if (sound || !hooks_.describeFault) return {};
             const std::string why = GuardedOr(std::string(), [&] { return hooks_.describeFault(cell); });
             return why.empty() ? QVariant() : QVariant(ToQtLines(why));
         }
@@ -72,6 +75,8 @@ bool GridModel::setData(const QModelIndex& index, const QVariant& value, int rol
         return true;  // opening and closing an editor changes nothing
     const auto verdict = GuardedOr(center::TextVerdict::Locked, [&] { return hooks_.commit(cell, text); });
     if (verdict == center::TextVerdict::Taken) return true;
+    // What stays in its cell says there why it is red.
+    if (grid_->Refusal(cell.row, cell.column) != center::TextVerdict::Taken) return false;
     emit textRefused(ToQt(center::VerdictText(verdict, cell.column)));
     return false;
 }

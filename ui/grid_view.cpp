@@ -133,10 +133,35 @@ void GridView::ApplyColumns(int firstColumn, int lastColumn) {
         const center::ColumnLayout layout = model_.Grid().Layout(column);
         const int pixels = std::max(TwipsToPixels(layout.width, *this), kMinimumColumnWidth);
         if (!layout.hidden) setColumnWidth(column - 1, pixels);
+        if (isColumnHidden(column - 1) != layout.hidden) {
+            // A selection speaks of the columns that were shown when it was made.
+            CommitOpenEditor();
+            if (currentIndex().isValid())
+                selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect);
+        }
         setColumnHidden(column - 1, layout.hidden);
         if (!layout.hidden) setColumnWidth(column - 1, pixels);
     }
+    KeepCursorShown();
     emit contentsMoved();
+}
+
+int GridView::ShownColumnNear(int column) const {
+    for (int right = column; right < center::kColumnCount; ++right) {
+        if (!isColumnHidden(right)) return right;
+    }
+    for (int left = column; left >= 0; --left) {
+        if (!isColumnHidden(left)) return left;
+    }
+    return column;
+}
+
+// What nobody sees is not worked on.
+void GridView::KeepCursorShown() {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid() || !isColumnHidden(current.column())) return;
+    const int shown = ShownColumnNear(current.column());
+    if (shown != current.column()) MoveTo(current.row(), shown);
 }
 
 void GridView::ApplyRowHeights() {
@@ -166,12 +191,15 @@ void GridView::FollowActiveCell() {
     if (model_.IsChangingRows()) return;
     const QModelIndex index = model_.IndexOf(model_.Grid().ActiveCell());
     if (index == currentIndex()) return;
-    const FlagScope scope(following_);
-    if (index.isValid()) {
-        Place(index);
-    } else {
-        selectionModel()->clear();
+    {
+        const FlagScope scope(following_);
+        if (index.isValid()) {
+            Place(index);
+        } else {
+            selectionModel()->clear();
+        }
     }
+    KeepCursorShown();
 }
 
 void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
@@ -179,32 +207,62 @@ void GridView::currentChanged(const QModelIndex& current, const QModelIndex& pre
     columns_->SetActiveSection(current.isValid() ? current.column() : -1);
     rows_->SetActiveSection(current.isValid() ? current.row() : -1);
     if (following_ || model_.IsChangingRows() || !current.isValid()) return;
-    Guarded([&] { actions_.MoveActiveCell(model_.AddressOf(current)); });
+    const bool selecting = selecting_ || rows_->IsPressed() || columns_->IsPressed();
+    const auto how = selecting ? center::CursorMove::Selecting : center::CursorMove::Going;
+    Guarded([&] { actions_.MoveActiveCell(model_.AddressOf(current), how); });
     FollowActiveCell();
 }
 
 void GridView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
     QTableView::selectionChanged(selected, deselected);
     if (model_.IsChangingRows()) return;
-    Guarded([&] { actions_.SelectionChanged(SelectedBlock()); });
+    Guarded([&] { actions_.SelectionChanged(Selected()); });
 }
 
-center::CellRange GridView::SelectedBlock() const {
+center::CellSelection GridView::Selected() const {
     const QItemSelection selection = selectionModel()->selection();
     if (selection.isEmpty()) {
         const QModelIndex current = currentIndex();
         if (!current.isValid()) return {};
         const center::CellAddress cell = model_.AddressOf(current);
-        return {cell.row, cell.column, cell.row, cell.column};
+        return {cell.row, cell.column};
     }
-    center::CellRange block{model_.rowCount(), center::kColumnCount, 1, 1};
+    center::CellSelection selected;
+    selected.wholeRows = true;
     for (const QItemSelectionRange& range : selection) {
-        block.firstRow = std::min(block.firstRow, range.top() + 1);
-        block.firstColumn = std::min(block.firstColumn, range.left() + 1);
-        block.lastRow = std::max(block.lastRow, range.bottom() + 1);
-        block.lastColumn = std::max(block.lastColumn, range.right() + 1);
+        selected.pieces.push_back({range.top() + 1, range.left() + 1, range.bottom() + 1, range.right() + 1});
+        if (range.width() < center::kColumnCount) selected.wholeRows = false;
     }
-    return block;
+    return selected;
+}
+
+// Blocks of cells hold what is shown; Qt's own would take the hidden columns between them along.
+void GridView::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) {
+    const QRect normal = rect.normalized();
+    const QModelIndex first = indexAt(normal.topLeft());
+    const QModelIndex last = indexAt(normal.bottomRight());
+    if (command & (QItemSelectionModel::Rows | QItemSelectionModel::Columns) || !first.isValid() ||
+        !last.isValid()) {
+        QTableView::setSelection(rect, command);
+        return;
+    }
+    QItemSelection selection;
+    for (int column = first.column(); column <= last.column(); ++column) {
+        if (isColumnHidden(column)) continue;
+        int end = column;
+        while (end < last.column() && !isColumnHidden(end + 1))
+            ++end;
+        selection.append(
+            QItemSelectionRange(model_.index(first.row(), column), model_.index(last.row(), end)));
+        column = end;
+    }
+    selectionModel()->select(selection, command);
+}
+
+void GridView::selectAll() {
+    if (model_.rowCount() < 1) return;
+    const QItemSelection all(model_.index(0, 0), model_.index(model_.rowCount() - 1, 0));
+    selectionModel()->select(all, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 QRect GridView::CellRectIn(const center::CellAddress& cell, const QWidget& ancestor) const {
@@ -212,7 +270,20 @@ QRect GridView::CellRectIn(const center::CellAddress& cell, const QWidget& ances
     return QRect(viewport()->mapTo(&ancestor, rect.topLeft()), rect.size());
 }
 
+bool GridView::StoodBelowRows() {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid() || !IsInteractive()) return false;
+    const int used = GuardedOr(0, [&] { return actions_.RowsInUse(); });
+    const center::CellAddress cell = model_.AddressOf(current);
+    if (cell.row <= used + 1) return false;
+    Guarded([&] { actions_.MoveActiveCell(cell, center::CursorMove::Going); });
+    FollowActiveCell();
+    return true;
+}
+
 bool GridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
+    const bool asked = trigger == AnyKeyPressed || trigger == EditKeyPressed || trigger == DoubleClicked;
+    if (asked && index == currentIndex() && StoodBelowRows()) return false;
     bool opened = false;
     {
         const bool before = std::exchange(openingByTyping_, trigger == AnyKeyPressed);
@@ -233,6 +304,7 @@ void GridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint h
 }
 
 void GridView::EditorTextEdited(const QString& text) {
+    emit textTaken();
     Guarded([&] { actions_.NameListKey(FromQt(text)); });
 }
 
@@ -251,7 +323,14 @@ void GridView::mousePressEvent(QMouseEvent* event) {
             return;
         }
     }
-    QTableView::mousePressEvent(event);
+    {
+        // The message about gaps is for a click that goes somewhere, not for building a selection.
+        const bool selectingBefore = selecting_;
+        selecting_ = event->button() != Qt::LeftButton ||
+                     event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier);
+        QTableView::mousePressEvent(event);
+        selecting_ = selectingBefore;
+    }
     // The rules may have sent the cursor elsewhere than where the press was: the selection goes with it.
     const QModelIndex current = currentIndex();
     if (current.isValid() && pressed.isValid() && current != pressed &&
@@ -259,6 +338,11 @@ void GridView::mousePressEvent(QMouseEvent* event) {
         const FlagScope scope(following_);
         selectionModel()->select(current, QItemSelectionModel::ClearAndSelect);
     }
+}
+
+void GridView::mouseMoveEvent(QMouseEvent* event) {
+    const FlagScope scope(selecting_);
+    QTableView::mouseMoveEvent(event);
 }
 
 void GridView::focusInEvent(QFocusEvent* event) {
@@ -277,7 +361,7 @@ void GridView::inputMethodEvent(QInputMethodEvent* event) {
     if (!empty && current.isValid() && IsInteractive() && !IsEditing() &&
         model_.AddressOf(current).column == center::column::kDirection) {
         const QString choice = DirectionForKey(event->commitString());
-        if (!choice.isNull()) SetDirection(choice);
+        if (!choice.isNull() && !StoodBelowRows()) SetDirection(choice);
         event->accept();
         return;
     }

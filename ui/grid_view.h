@@ -39,19 +39,24 @@ class GridView : public QTableView {
     bool EditorKeyPressed(QWidget& editor, QKeyEvent& event);
     void EditorTextEdited(const QString& text);
 
-    center::CellRange SelectedBlock() const;
+    // Rows that were selected by their headers are whole rows; every other selection holds shown cells alone.
+    center::CellSelection Selected() const;
+    // The smallest block around the selection.
+    center::CellRange SelectedBlock() const { return Selected().Bounds(); }
     // The rectangle of a cell in the coordinates of `ancestor`.
     QRect CellRectIn(const center::CellAddress& cell, const QWidget& ancestor) const;
 
-    void CopySelection();
+    bool CopySelection();  // false when it cannot be copied
     void CutSelection();
     void Paste();
 
   public slots:
     void setModel(QAbstractItemModel* model) override;
+    void selectAll() override;
 
   signals:
     void textRefused(const QString& reason);
+    void textTaken();  // typing goes on
     void editingChanged(bool editing);
     void itemPanelRequested();  // F4 on the items column
     void contentsMoved();  // scrolled, or columns and rows changed: whatever lies over a cell must follow
@@ -60,6 +65,7 @@ class GridView : public QTableView {
     void keyPressEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -69,6 +75,7 @@ class GridView : public QTableView {
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void scrollContentsBy(int dx, int dy) override;
     void resizeEvent(QResizeEvent* event) override;
+    void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event = nullptr) const override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
@@ -87,9 +94,15 @@ class GridView : public QTableView {
     bool HandleShortcut(const QKeyEvent& event);
     bool HandleNameListKey(QWidget& editor, const QKeyEvent& event);
     void ClearSelection();
-    void DuplicateRow();
-    void InsertRows(const center::CellRange& block);
-    void DeleteRows(const center::CellRange& block);
+    void DuplicateRows();
+    void InsertRows();
+    void DeleteRows();
+    void FillDown();
+    // True when the cursor stands below the first blank row, where nothing may be entered: the rules have
+    // said so and have taken it there.
+    bool StoodBelowRows();
+    void KeepCursorShown();
+    int ShownColumnNear(int column) const;
     void OpenLookUp();
     void SetDirection(const QString& text);
     int FirstVisibleColumn() const;
@@ -102,7 +115,8 @@ class GridView : public QTableView {
     bool following_ = false;        // the view follows the grid's active cell, not the other way round
     bool applyingColumns_ = false;  // widths come from the grid, not from the user
     bool openingByTyping_ = false;
-    bool placing_ = false;  // the cursor goes to one cell, whatever keys are held
+    bool placing_ = false;    // the cursor goes to one cell, whatever keys are held
+    bool selecting_ = false;  // the cursor moves on the way of building a selection
 };
 
 }  // namespace vicenter::ui

@@ -5,6 +5,7 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QMimeData>
 #include <algorithm>
 
 #include "ui/cell_editor.h"
@@ -20,6 +21,11 @@ namespace {
 constexpr int kInsertCode = 45;
 constexpr int kF7Code = 118;
 constexpr int kListPage = 8;
+
+// Whole rows on the clipboard, for windows of this process: ids of another account set would mean others.
+QString RowsFormat() {
+    return QStringLiteral("application/x-vicenter-rows;pid=%1").arg(QCoreApplication::applicationPid());
+}
 
 bool IsModifierKey(int key) {
     return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt || key == Qt::Key_Meta ||
@@ -136,58 +142,48 @@ QModelIndex GridView::moveCursor(CursorAction action, Qt::KeyboardModifiers modi
     return QTableView::moveCursor(action, modifiers);
 }
 
-void GridView::CopySelection() {
-    const center::CellRange block = SelectedBlock();
-    if (block.IsEmpty()) return;
-    Guarded([&] { QApplication::clipboard()->setText(ToQt(actions_.CopyBlock(block))); });
+bool GridView::CopySelection() {
+    return GuardedOr(false, [&] {
+        const std::optional<center::CopiedBlock> block = actions_.CopyBlock(Selected());
+        if (!block) return false;
+        auto* copied = new QMimeData;
+        copied->setText(ToQt(block->text));
+        if (!block->rows.empty()) copied->setData(RowsFormat(), QByteArray::fromStdString(block->rows));
+        QApplication::clipboard()->setMimeData(copied);
+        return true;
+    });
 }
 
 void GridView::CutSelection() {
-    CopySelection();
-    ClearSelection();
+    if (CopySelection()) ClearSelection();
 }
 
 void GridView::Paste() {
-    const QString text = QApplication::clipboard()->text();
-    if (!IsInteractive() || text.isEmpty()) return;
-    const center::CellRange block = SelectedBlock();
-    if (block.IsEmpty()) return;
-    Guarded([&] {
-        const bool single = !text.contains(u'\t') && !text.trimmed().contains(u'\n');
-        const bool many = block.firstRow != block.lastRow || block.firstColumn != block.lastColumn;
-        if (single && many) {
-            QString value = text;
-            while (value.endsWith(u'\n') || value.endsWith(u'\r'))
-                value.chop(1);
-            actions_.FillSelection(block, FromQt(value));
-        } else {
-            actions_.PasteBlock({block.firstRow, block.firstColumn}, FromQt(text));
-        }
-    });
+    const QMimeData* offered = QApplication::clipboard()->mimeData();
+    if (!IsInteractive() || !offered || !offered->hasText()) return;
+    const center::CopiedBlock block(FromQt(offered->text()), offered->data(RowsFormat()).toStdString());
+    if (block.text.empty()) return;
+    Guarded([&] { actions_.PasteBlock(Selected(), block); });
 }
 
 void GridView::ClearSelection() {
-    if (!IsInteractive()) return;
-    const QItemSelection selection = selectionModel()->selection();
-    Guarded([&] {
-        for (const QItemSelectionRange& range : selection) {
-            actions_.ClearCells({range.top() + 1, range.left() + 1, range.bottom() + 1, range.right() + 1});
-        }
-    });
+    if (IsInteractive()) Guarded([&] { actions_.ClearCells(Selected()); });
 }
 
-void GridView::DuplicateRow() {
-    if (IsInteractive()) Guarded([&] { actions_.DuplicateRow(); });
+void GridView::DuplicateRows() {
+    if (IsInteractive()) Guarded([&] { actions_.DuplicateRows(Selected()); });
 }
 
-void GridView::InsertRows(const center::CellRange& block) {
-    if (!IsInteractive() || block.IsEmpty()) return;
-    Guarded([&] { actions_.InsertRows(block.firstRow, block.lastRow - block.firstRow + 1); });
+void GridView::InsertRows() {
+    if (IsInteractive()) Guarded([&] { actions_.InsertRows(Selected()); });
 }
 
-void GridView::DeleteRows(const center::CellRange& block) {
-    if (!IsInteractive() || block.IsEmpty()) return;
-    Guarded([&] { actions_.DeleteRows(block.firstRow, block.lastRow - block.firstRow + 1); });
+void GridView::DeleteRows() {
+    if (IsInteractive()) Guarded([&] { actions_.DeleteRows(Selected()); });
+}
+
+void GridView::FillDown() {
+    if (IsInteractive()) Guarded([&] { actions_.FillDown(Selected()); });
 }
 
 void GridView::OpenLookUp() {
@@ -212,15 +208,16 @@ bool GridView::HandleShortcut(const QKeyEvent& event) {
         return true;
     }
     if (event.key() == Qt::Key_D && event.modifiers() == Qt::ControlModifier) {
-        if (IsInteractive()) Guarded([&] { actions_.FillDown(SelectedBlock()); });
+        FillDown();
         return true;
     }
     if (event.key() == Qt::Key_D && event.modifiers() == (Qt::ControlModifier | Qt::ShiftModifier)) {
-        DuplicateRow();
+        DuplicateRows();
         return true;
     }
-    if (IsInsertKey(event)) return InsertRows(SelectedBlock()), true;
-    if (IsDeleteKey(event)) return DeleteRows(SelectedBlock()), true;
+    if (event.matches(QKeySequence::SelectAll)) return selectAll(), true;
+    if (IsInsertKey(event)) return InsertRows(), true;
+    if (IsDeleteKey(event)) return DeleteRows(), true;
     return false;
 }
 
@@ -271,7 +268,10 @@ void GridView::keyPressEvent(QKeyEvent* event) {
         if (!IsInteractive()) return;
         if (cell.column == center::column::kDirection) {
             const QString choice = DirectionForKey(event->text());
-            if (!choice.isNull()) return SetDirection(choice);
+            if (!choice.isNull()) {
+                if (!StoodBelowRows()) SetDirection(choice);
+                return;
+            }
             if (typed == U' ') edit(current, EditKeyPressed, event);
             return;
         }
@@ -280,7 +280,10 @@ void GridView::keyPressEvent(QKeyEvent* event) {
             return;
         }
     }
+    const bool before = selecting_;
+    selecting_ = shift && IsCursorKey(event->key());
     QTableView::keyPressEvent(event);
+    selecting_ = before;
 }
 
 bool GridView::HandleNameListKey(QWidget& editor, const QKeyEvent& event) {
@@ -383,8 +386,8 @@ bool GridView::EditorKeyPressed(QWidget& editor, QKeyEvent& event) {
 }
 
 void GridView::contextMenuEvent(QContextMenuEvent* event) {
-    const center::CellRange block = SelectedBlock();
-    if (block.IsEmpty()) return;
+    const center::CellSelection selection = Selected();
+    if (selection.IsEmpty()) return;
     CommitOpenEditor();
     QMenu menu(this);
     menu.setObjectName(QStringLiteral("gridMenu"));
@@ -394,21 +397,22 @@ void GridView::contextMenuEvent(QContextMenuEvent* event) {
         action->setEnabled(interactive || !changes);
         connect(action, &QAction::triggered, &menu, run);
     };
-    const int count = block.lastRow - block.firstRow + 1;
+    int count = 0;
+    for (const center::RowRun& run : center::RowRuns(selection, model_.Grid()))
+        count += run.Count();
     add(QStringLiteral("剪切\tCtrl+X"), true, [this] { CutSelection(); });
     add(QStringLiteral("复制\tCtrl+C"), false, [this] { CopySelection(); });
     add(QStringLiteral("粘贴\tCtrl+V"), true, [this] { Paste(); });
     add(QStringLiteral("清除内容\tDelete"), true, [this] { ClearSelection(); });
     menu.addSeparator();
-    add(QStringLiteral("向下填充\tCtrl+D"), true,
-        [this, block] { Guarded([&] { actions_.FillDown(block); }); });
-    add(QStringLiteral("复制分录\tCtrl+Shift+D"), true, [this] { DuplicateRow(); });
+    add(QStringLiteral("向下填充\tCtrl+D"), true, [this] { FillDown(); });
+    add(QStringLiteral("复制分录\tCtrl+Shift+D"), true, [this] { DuplicateRows(); });
     add((count > 1 ? QStringLiteral("插入 %1 行").arg(count) : QStringLiteral("插入行")) +
             QStringLiteral("\tCtrl++"),
-        true, [this, block] { InsertRows(block); });
+        true, [this] { InsertRows(); });
     add((count > 1 ? QStringLiteral("删除 %1 行").arg(count) : QStringLiteral("删除行")) +
             QStringLiteral("\tCtrl+-"),
-        true, [this, block] { DeleteRows(block); });
+        true, [this] { DeleteRows(); });
     menu.addSeparator();
     add(QStringLiteral("查看资料\tF7"), true, [this] { OpenLookUp(); });
     menu.exec(event->globalPos());

@@ -6,10 +6,12 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "ui/cell_editor.h"
+#include "center/cell_rules.h"
+#include "center/columns.h"
 #include "ui/center_style.h"
 #include "ui/composition.h"
 #include "ui/qt_text.h"
+#include "ui/single_line.h"
 
 namespace vicenter::ui {
 
@@ -19,6 +21,18 @@ constexpr std::size_t kRowsThatFit = 4;
 constexpr int kPictureWidth = 280;
 constexpr int kRowHeight = 26;
 constexpr int kPictureMargin = 6;
+
+// Holds the panel's text to what the column takes: it has no red cell to show a refused one in.
+class ItemsValidator : public SingleLine {
+  public:
+    using SingleLine::SingleLine;
+
+  protected:
+    State Judge(const QString& text) const override {
+        const auto verdict = center::CheckTypedText(center::column::kItems, FromQt(text));
+        return verdict == center::TextVerdict::Taken ? Acceptable : Invalid;
+    }
+};
 
 void SetFaulty(QLineEdit& field, bool faulty) {
     QPalette palette = field.palette();
@@ -40,7 +54,7 @@ ItemPanel::ItemPanel(QWidget* parent)
     text_->setFrame(false);
     text_->setTextMargins(2, 0, 1, 0);
     text_->setFocusPolicy(Qt::ClickFocus);
-    text_->setValidator(new ColumnValidator(center::column::kItems, text_));
+    new ItemsValidator(*text_);
     text_->installEventFilter(this);
     new Composition(*text_);
     button_->setObjectName(QStringLiteral("cmdItem"));
@@ -102,6 +116,7 @@ void ItemPanel::BuildRows(std::size_t count) {
         widgets.id->hide();
         widgets.number->setObjectName(QStringLiteral("txtItemNumber") + suffix);
         widgets.number->installEventFilter(this);
+        new SingleLine(*widgets.number);
         widgets.lookUp->setObjectName(QStringLiteral("cmdItemLookUp") + suffix);
         widgets.lookUp->setText(QStringLiteral("…"));
         widgets.lookUp->setFocusPolicy(Qt::NoFocus);

@@ -9,6 +9,7 @@
 
 #include "ui/center_style.h"
 #include "ui/qt_text.h"
+#include "ui/single_line.h"
 #include "ui/slot_guard.h"
 
 namespace vicenter::ui {
@@ -65,6 +66,7 @@ LookUpDialog::LookUpDialog(const host::LookUpRequest& request, QWidget* parent)
 
     AddRecords();
     SetCurrent(request.selected ? request.selected : filter_.Best({}));
+    new SingleLine(*text_);
     text_->setFocus();
     connect(text_, &QLineEdit::textChanged, this,
             [this](const QString& text) { Guarded([&] { Narrow(text); }); });

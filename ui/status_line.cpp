@@ -49,10 +49,7 @@ StatusLine::StatusLine(QWidget* parent)
     unbalanced_->setPalette(quiet);
     flash_.setSingleShot(true);
     flash_.setInterval(kFlashMilliseconds);
-    connect(&flash_, &QTimer::timeout, this, [this] {
-        flashText_.clear();
-        ShowHint();
-    });
+    connect(&flash_, &QTimer::timeout, this, &StatusLine::EndFlash);
     SetState({});
 }
 
@@ -78,6 +75,13 @@ void StatusLine::Flash(const QString& text) {
     if (text.isEmpty()) return;
     flashText_ = text.simplified();
     flash_.start();
+    ShowHint();
+}
+
+void StatusLine::EndFlash() {
+    flash_.stop();
+    if (flashText_.isEmpty()) return;
+    flashText_.clear();
     ShowHint();
 }
 

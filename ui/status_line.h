@@ -20,6 +20,8 @@ class StatusLine : public QStatusBar {
     void SetState(const center::StatusState& state);
     // A short word to the user, in place of the hint for a few seconds.
     void Flash(const QString& text);
+    // What it was about is no longer before the user.
+    void EndFlash();
 
   private:
     void ShowHint();

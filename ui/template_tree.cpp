@@ -14,6 +14,7 @@
 #include "ui/center_style.h"
 #include "ui/composition.h"
 #include "ui/qt_text.h"
+#include "ui/single_line.h"
 #include "ui/slot_guard.h"
 
 namespace vicenter::ui {
@@ -45,7 +46,10 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
                           const QModelIndex& index) const override {
         QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
         if (editor) editor->setObjectName(QStringLiteral("labelEditor"));
-        if (auto* field = qobject_cast<QLineEdit*>(editor)) new Composition(*field);
+        if (auto* field = qobject_cast<QLineEdit*>(editor)) {
+            new Composition(*field);
+            new SingleLine(*field);
+        }
         return editor;
     }
 

@@ -145,6 +145,8 @@ void VICenterWindow::BuildGrid() {
     connect(model_, &GridModel::activeCellChanged, pause_, qOverload<>(&QTimer::start));
     connect(grid_, &GridView::editingChanged, items_, &ItemPanel::SetCellEditing);
     connect(grid_, &GridView::textRefused, status_, &StatusLine::Flash);
+    connect(grid_, &GridView::textTaken, status_, &StatusLine::EndFlash);
+    connect(model_, &GridModel::activeCellChanged, status_, &StatusLine::EndFlash);
     connect(nameList_, &NameListPopup::chosen, this, [this](int index) {
         Guarded([&] {
             presenter_->NameListSelect(index);

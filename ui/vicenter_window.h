@@ -97,20 +97,19 @@ class VICenterWindow : public QMainWindow,
     void ShowColumnDialog(dialogs::frmSetColume& dialog) override;
 
     // GridActions
-    void MoveActiveCell(const center::CellAddress& to) override;
-    void SelectionChanged(const center::CellRange& range) override;
+    void MoveActiveCell(const center::CellAddress& to, center::CursorMove how) override;
+    void SelectionChanged(const center::CellSelection& selection) override;
     bool KeyPress(char32_t character) override;
     bool KeyDown(int keyCode, const std::string& cellText) override;
     void OpenLookUp() override;
     int RowsInUse() override;
-    void ClearCells(const center::CellRange& range) override;
-    std::string CopyBlock(const center::CellRange& range) override;
-    void PasteBlock(const center::CellAddress& at, const std::string& text) override;
-    void FillDown(const center::CellRange& range) override;
-    void FillSelection(const center::CellRange& range, const std::string& text) override;
-    void DuplicateRow() override;
-    void InsertRows(int firstRow, int count) override;
-    void DeleteRows(int firstRow, int count) override;
+    void ClearCells(const center::CellSelection& selection) override;
+    std::optional<center::CopiedBlock> CopyBlock(const center::CellSelection& selection) override;
+    void PasteBlock(const center::CellSelection& selection, const center::CopiedBlock& block) override;
+    void FillDown(const center::CellSelection& selection) override;
+    void DuplicateRows(const center::CellSelection& selection) override;
+    void InsertRows(const center::CellSelection& selection) override;
+    void DeleteRows(const center::CellSelection& selection) override;
     void Undo() override;
     void Redo() override;
     bool IsNameListOpen() override;

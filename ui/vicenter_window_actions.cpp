@@ -1,6 +1,7 @@
 // What the grid and the tree of the main window ask for, forwarded to its presenter.
 
 #include "platform/system/surroundings.h"
+#include "platform/system/utf8.h"
 #include "ui/vicenter_window.h"
 
 namespace vicenter::ui {
@@ -8,32 +9,35 @@ namespace vicenter::ui {
 namespace {
 
 constexpr std::size_t kRefusedNamed = 12;
+constexpr std::size_t kCharactersNamed = 60;  // of a text
 
 }  // namespace
 
 void VICenterWindow::ShowRefused(const center::PasteResult& result) {
     if (result.refused.empty()) return;
     std::string text =
-        "以下 " + std::to_string(result.refused.size()) + " 个单元格不能接受所给内容，保持原样：\r\n";
+        "以下 " + std::to_string(result.refused.size()) + " 个单元格的内容不能使用，更正后才能保存：\r\n";
     for (std::size_t i = 0; i < result.refused.size() && i < kRefusedNamed; ++i) {
         const center::RefusedCell& refused = result.refused[i];
         text += "\r\n行" + std::to_string(refused.cell.row);
         if (refused.cell.column >= 1 && refused.cell.column <= center::kColumnCount) {
             text += " " + std::string(center::Column(refused.cell.column).header);
         }
-        text += "：“" + refused.text + "” " + refused.reason;
+        text += "：“" + std::string(system::Head(refused.text, kCharactersNamed)) +
+                (system::CharacterCount(refused.text) > kCharactersNamed ? "…" : "") + "” " + refused.reason;
+        if (!refused.kept) text += "，保持原样";
     }
     if (result.refused.size() > kRefusedNamed) text += "\r\n……";
     system::Surroundings::Current().messageBoxes->Show(text, system::MessageButtons::Ok,
                                                        system::MessageIcon::Information, "信息提示");
 }
 
-void VICenterWindow::MoveActiveCell(const center::CellAddress& to) {
-    presenter_->MoveActiveCell(to);
+void VICenterWindow::MoveActiveCell(const center::CellAddress& to, center::CursorMove how) {
+    presenter_->MoveActiveCell(to, how);
 }
 
-void VICenterWindow::SelectionChanged(const center::CellRange& range) {
-    if (loaded_ && !unloaded_) presenter_->SelectionChanged(range);
+void VICenterWindow::SelectionChanged(const center::CellSelection& selection) {
+    if (loaded_ && !unloaded_) presenter_->SelectionChanged(selection);
 }
 
 bool VICenterWindow::KeyPress(char32_t character) {
@@ -52,36 +56,32 @@ int VICenterWindow::RowsInUse() {
     return presenter_->RowCount();
 }
 
-void VICenterWindow::ClearCells(const center::CellRange& range) {
-    presenter_->ClearCells(range);
+void VICenterWindow::ClearCells(const center::CellSelection& selection) {
+    presenter_->ClearCells(selection);
 }
 
-std::string VICenterWindow::CopyBlock(const center::CellRange& range) {
-    return presenter_->CopyBlock(range);
+std::optional<center::CopiedBlock> VICenterWindow::CopyBlock(const center::CellSelection& selection) {
+    return presenter_->CopyBlock(selection);
 }
 
-void VICenterWindow::PasteBlock(const center::CellAddress& at, const std::string& text) {
-    ShowRefused(presenter_->PasteBlock(at, text));
+void VICenterWindow::PasteBlock(const center::CellSelection& selection, const center::CopiedBlock& block) {
+    ShowRefused(presenter_->PasteBlock(selection, block));
 }
 
-void VICenterWindow::FillDown(const center::CellRange& range) {
-    presenter_->FillDown(range);
+void VICenterWindow::FillDown(const center::CellSelection& selection) {
+    presenter_->FillDown(selection);
 }
 
-void VICenterWindow::FillSelection(const center::CellRange& range, const std::string& text) {
-    ShowRefused(presenter_->FillSelection(range, text));
+void VICenterWindow::DuplicateRows(const center::CellSelection& selection) {
+    presenter_->DuplicateRows(selection);
 }
 
-void VICenterWindow::DuplicateRow() {
-    presenter_->DuplicateRow();
+void VICenterWindow::InsertRows(const center::CellSelection& selection) {
+    presenter_->InsertRows(selection);
 }
 
-void VICenterWindow::InsertRows(int firstRow, int count) {
-    presenter_->InsertRows(firstRow, count);
-}
-
-void VICenterWindow::DeleteRows(int firstRow, int count) {
-    presenter_->DeleteRows(firstRow, count);
+void VICenterWindow::DeleteRows(const center::CellSelection& selection) {
+    presenter_->DeleteRows(selection);
 }
 
 void VICenterWindow::Undo() {

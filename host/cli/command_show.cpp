@@ -22,6 +22,9 @@ Variant LineObject(const TemplateLines& lines, int row) {
     for (std::size_t c = 0; c < lines.records->ColumnCount(); ++c)
         object->SetItem(lines.records->Columns()[c].name, LineValue(lines.records->ValueAt(record, c)));
     VariantArray faulty;
+    // The grid shows a side that is neither debit nor credit as an empty cell.
+    const Variant& side = lines.records->ValueAt(record, lines.records->ColumnIndex("FDC"));
+    if (!side.IsNumeric() || (side.ToDouble() != 0 && side.ToDouble() != 1)) faulty.emplace_back("FDC");
     for (const std::string& field : FaultyFields(lines.grid, row))
         faulty.emplace_back(field);
     object->SetItem("faulty", faulty);

@@ -1,6 +1,7 @@
 #include "host/cli/line_input.h"
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -8,6 +9,8 @@
 #include "automation/error.h"
 #include "center/cell_rules.h"
 #include "center/columns.h"
+#include "entry/single_line.h"
+#include "host/cli/templates.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 
@@ -48,35 +51,41 @@ std::string CellText(const Variant& value, std::size_t line, std::string_view fi
     }
 }
 
-bool HasControlCharacter(std::string_view text) {
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7F) return true;
-    }
-    return false;
-}
-
 // Apostrophes and bars, which the keyboard is refused, are taken: they are stored as they stand.
 void CheckText(const center::ColumnSpec& spec, const std::string& text, std::size_t line) {
-    if (!system::IsValidUtf8(text)) Refuse(line, spec.field, "不是有效的 UTF-8 文本。");
-    if (HasControlCharacter(text)) Refuse(line, spec.field, "不允许含有控制字符。");
-    if (system::CodeUnitCount(system::TrimBlanks(text)) > static_cast<std::size_t>(spec.maxCharacters))
-        Refuse(line, spec.field, "超过 " + std::to_string(spec.maxCharacters) + " 个字符。");
+    if (FitsColumn(spec, text)) return;
+    if (entry::HasControlCharacter(text)) Refuse(line, spec.field, "不允许含有控制字符。");
+    Refuse(line, spec.field, "超过 " + std::to_string(spec.maxCharacters) + " 个字符。");
 }
 
-std::string ReadCell(const center::ColumnSpec& spec, const Variant& value, std::size_t line) {
+// A number that stands in the account set as it is, outside of what a cell takes.
+bool IsStoredNumber(const center::ColumnSpec& spec, std::string_view text) {
+    if (spec.kind != center::CellKind::TemplateNumber) return center::IsPlainNumber(text);
+    if (text.starts_with('-')) text.remove_prefix(1);
+    constexpr std::size_t kMostDigits = 10;
+    return !text.empty() && text.size() <= kMostDigits &&
+           text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// known: the line says itself that the field's value is at fault, as `show` prints it. Such a value has been
+// stored before, by an import or from a voucher, and may be stored again.
+std::string ReadCell(const center::ColumnSpec& spec, const Variant& value, std::size_t line, bool known) {
     std::string text = CellText(value, line, spec.field);
+    if (!system::IsValidUtf8(text)) Refuse(line, spec.field, "不是有效的 UTF-8 文本。");
     switch (spec.kind) {
         case center::CellKind::Text:
-            CheckText(spec, text, line);
+            if (!known) CheckText(spec, text, line);
             break;
-        case center::CellKind::Direction:
+        case center::CellKind::Direction: {
             // The stored codes are taken, too, so that what `show` prints can be saved.
             if (text == "1") text = center::kDebit;
             if (text == "0") text = center::kCredit;
-            if (center::CheckTypedText(spec.column, text) != center::TextVerdict::Taken)
-                Refuse(line, spec.field, "应为“借”或“贷”。");
-            break;
+            if (known && text == "-1") break;
+            const center::TextReading reading =
+                center::ReadCellText(spec.column, text, center::TextOrigin::Given);
+            if (reading.verdict != center::TextVerdict::Taken) Refuse(line, spec.field, "应为“借”或“贷”。");
+            return reading.text;
+        }
         case center::CellKind::Id:
             if (text == "0") text.clear();
             if (!center::AcceptsProgramText(spec.column, text)) Refuse(line, spec.field, "应为整数。");
@@ -84,10 +93,11 @@ std::string ReadCell(const center::ColumnSpec& spec, const Variant& value, std::
         case center::CellKind::TemplateNumber:
         case center::CellKind::Whole:
         case center::CellKind::Decimal: {
-            const center::TextVerdict verdict = center::CheckTypedText(spec.column, text);
-            if (verdict != center::TextVerdict::Taken)
-                Refuse(line, spec.field, center::VerdictText(verdict, spec.column));
-            break;
+            const center::TextReading reading =
+                center::ReadCellText(spec.column, text, center::TextOrigin::Given);
+            if (reading.verdict == center::TextVerdict::Taken) return reading.text;
+            if (known && IsStoredNumber(spec, text)) break;
+            Refuse(line, spec.field, center::VerdictText(reading.verdict, spec.column));
         }
     }
     return text;
@@ -156,9 +166,19 @@ bool IsOwnField(const std::string& name) {
     return name == "FID" || name == "FEntryID" || name == "faulty";
 }
 
+std::set<std::string> KnownFaults(const Dictionary& line) {
+    std::set<std::string> fields;
+    const Variant* faulty = line.Item("faulty");
+    if (faulty == nullptr || !faulty->IsArray()) return fields;
+    for (const Variant& field : faulty->AsArray())
+        fields.insert(field.ToTextOrEmpty());
+    return fields;
+}
+
 Texts ReadLine(const Variant& value, std::size_t line) {
     const Dictionary* object = AsObject(value);
     if (object == nullptr) Refuse(line, "lines", "应为对象。");
+    const std::set<std::string> known = KnownFaults(*object);
     Texts texts;
     for (std::size_t i = 0; i < object->Count(); ++i) {
         const std::string name = object->KeyAt(i).ToText();
@@ -168,7 +188,8 @@ Texts ReadLine(const Variant& value, std::size_t line) {
             if (spec.field == name) found = &spec;
         }
         if (found == nullptr) Refuse(line, name, "没有这个字段。");
-        texts[static_cast<std::size_t>(found->column - 1)] = ReadCell(*found, object->ItemAt(i), line);
+        texts[static_cast<std::size_t>(found->column - 1)] =
+            ReadCell(*found, object->ItemAt(i), line, known.contains(name));
     }
     return texts;
 }

@@ -1,9 +1,12 @@
 #include "host/cli/templates.h"
 
 #include "automation/error.h"
+#include "center/cell_checks.h"
 #include "center/columns.h"
 #include "center/line_loader.h"
+#include "entry/single_line.h"
 #include "platform/system/collation.h"
+#include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 
 namespace vicenter::host {
@@ -30,7 +33,8 @@ std::vector<TemplateHead> ReadTemplates(const CliContext& context) {
     return templates;
 }
 
-TemplateHead FindTemplate(const CliContext& context, const std::string& name) {
+TemplateHead FindTemplate(const CliContext& context, const std::string& given) {
+    const std::string name(entry::WithoutLineEnd(given));
     const std::vector<TemplateHead> templates = ReadTemplates(context);
     for (const TemplateHead& head : templates) {
         if (head.name == name) return head;
@@ -48,10 +52,19 @@ void ReadLines(const std::string& templateId, TemplateLines& lines) {
     lines.count = *loaded;
 }
 
+bool FitsColumn(const center::ColumnSpec& spec, std::string_view text) {
+    return !entry::HasControlCharacter(text) &&
+           system::CodeUnitCount(system::TrimBlanks(text)) <= static_cast<std::size_t>(spec.maxCharacters);
+}
+
 std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row) {
     std::vector<std::string> fields;
     for (const center::ColumnSpec& spec : center::Columns()) {
-        if (grid.FaultyCheck(row, spec.column) != 0) fields.emplace_back(spec.field);
+        const bool faulty =
+            grid.FaultyCheck(row, spec.column) != 0 ||
+            center::OwnVerdict(grid, {row, spec.column}) != center::TextVerdict::Taken ||
+            (spec.kind == center::CellKind::Text && !FitsColumn(spec, grid.Text(row, spec.column)));
+        if (faulty) fields.emplace_back(spec.field);
     }
     return fields;
 }

@@ -33,6 +33,9 @@ struct TemplateLines {
 void ReadLines(const std::string& templateId, TemplateLines& lines);
 
 // The fields of a row's red cells, in column order.
+// Whether a text column of the grid would take the text, apostrophes and bars aside.
+bool FitsColumn(const center::ColumnSpec& spec, std::string_view text);
+
 std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row);
 
 // Control rows of a template as JSON, ordered by template number.

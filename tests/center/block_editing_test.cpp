@@ -1,5 +1,6 @@
 #include "center/block_editing.h"
 
+#include "center/fault_text.h"
 #include "tests/center/grid_fixture.h"
 
 namespace vicenter::center {
@@ -38,16 +39,17 @@ TEST_F(BlockEditingTest, CopyingTakesTheShownColumnsAsTheyAre) {
     Grid().SetText(1, 4, "77");
     Grid().SetText(1, 5, "0012");
     Grid().SetText(1, 20, "5.5000");
-    EXPECT_EQ(blocks_.Copy({1, 1, 2, 7}), "1\t\t\t0012\t\t\r\n2\t\t\t\t\t\r\n");
+    EXPECT_EQ(blocks_.Copy({1, 1, 2, 7}).value_or(CopiedBlock("none")).text,
+              "1\t\t\t0012\t\t\r\n2\t\t\t\t\t\r\n");
     Grid().SetColumnHidden(20, false);
-    EXPECT_EQ(blocks_.Copy({1, 19, 1, 21}), "5.5000\t\r\n");
+    EXPECT_EQ(blocks_.Copy({1, 19, 1, 21}).value_or(CopiedBlock("none")).text, "5.5000\t\r\n");
 }
 
 TEST_F(BlockEditingTest, CopyingStaysWithinTheGrid) {
     Grid().SetRowTotal(2);
     Grid().SetText(2, 21, "x");
-    EXPECT_EQ(blocks_.Copy({0, 20, 99, 99}), "\r\nx\r\n");
-    EXPECT_EQ(blocks_.Copy({}), "");
+    EXPECT_EQ(blocks_.Copy({0, 20, 99, 99}).value_or(CopiedBlock("none")).text, "\r\nx\r\n");
+    EXPECT_EQ(blocks_.Copy({}), std::nullopt);
 }
 
 // --- pasting
@@ -79,11 +81,38 @@ TEST_F(BlockEditingTest, PastingFillsTheShownColumnsFromTheGivenOneOn) {
     EXPECT_EQ(Text(1, 6), "库存现金");
 }
 
-TEST_F(BlockEditingTest, CellsBeyondTheLastColumnFindNoPlace) {
-    const PasteResult result = blocks_.Paste({1, 21}, "备注\tmore\tand more");
-    EXPECT_EQ(result.cells, 1);
+TEST_F(BlockEditingTest, ABlockWiderThanTheShownColumnsIsRefusedAndTheColumnsAreCounted) {
+    const PasteResult result = blocks_.Paste({1, 21}, "备注\tmore\tand more\t\r\nx\ty\r\n");
+    EXPECT_EQ(result.cells, 0);
+    EXPECT_TRUE(Grid().IsBlankRow(1));
+    ASSERT_EQ(Messages().size(), 1U);
+    EXPECT_THAT(Messages()[0],
+                testing::StartsWith("所粘贴的内容有 3 列，从此处起只显示 1 列，有 2 列没有位置，没有粘贴！"));
+    EXPECT_FALSE(state_.dirty);
+    // Empty columns at its right need no place.
+    EXPECT_EQ(blocks_.Paste({1, 21}, "备注\t\t\r\n").cells, 1);
     EXPECT_EQ(Text(1, 21), "备注");
+}
+
+TEST_F(BlockEditingTest, AFirstRowOfHeadersNamesTheColumnsHiddenOnesToo) {
+    const PasteResult result = blocks_.Paste(
+        {1, 7},
+        "金额\t模板编号(*)\t科目代码\t科目名称(*)\t借/贷\r\n1,234.50\t3\t1001\t\t借\r\n5\t3\t1002\t\t贷\r\n");
+    EXPECT_THAT(result.refused, IsEmpty());
+    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_EQ(Text(1, column::kAmount), "1234.50");
+    EXPECT_EQ(Text(1, column::kNo), "3");
+    EXPECT_EQ(Text(1, column::kAccountName), "库存现金");
+    EXPECT_EQ(Text(2, column::kDirection), "贷");
+    EXPECT_EQ(Text(2, column::kAccountId), "2");
+    EXPECT_EQ(state_.rowCount, 2);
+}
+
+TEST_F(BlockEditingTest, ARowThatOnlySoundsLikeHeadersIsARow) {
+    blocks_.Paste({1, 21}, "备注");
     EXPECT_EQ(state_.rowCount, 1);
+    blocks_.Paste({1, 1}, "3\t摘要");
+    EXPECT_EQ(Text(1, 2), "摘要");
 }
 
 TEST_F(BlockEditingTest, CodesKeepTheirLeadingZeros) {
@@ -116,33 +145,54 @@ TEST_F(BlockEditingTest, PastingLeavesNoGap) {
     EXPECT_EQ(state_.rowCount, 3);
 }
 
-TEST_F(BlockEditingTest, WhatCannotBeTakenIsKeptOutAndListedByRowAndColumn) {
+TEST_F(BlockEditingTest, WhatCannotBeTakenStaysInItsCellRedAndIsListedByRowAndColumn) {
     const PasteResult result = blocks_.Paste({1, 1}, "1\tit's\t借方\n2a\tb\t借\n3\tc\t贷");
     EXPECT_THAT(Refused(result), ElementsAre("1,2 it's: 不能包含单引号、竖线或控制字符",
                                              "1,3 借方: 只能选择“借”或“贷”", "2,1 2a: 只能录入数字"));
     EXPECT_EQ(Text(1, 1), "1");
-    EXPECT_EQ(Text(1, 2), "");
-    EXPECT_EQ(Text(1, 3), "");
-    EXPECT_EQ(Text(2, 1), "");
-    EXPECT_EQ(Text(2, 2), "b");
+    EXPECT_EQ(Text(1, 2), "it's");
+    EXPECT_EQ(Text(1, 3), "借方");
+    EXPECT_EQ(Text(2, 1), "2a");
+    for (const CellAddress& cell : {CellAddress{1, 2}, {1, 3}, {2, 1}}) {
+        EXPECT_EQ(Color(cell.row, cell.column), color::kRed);
+        EXPECT_FALSE(FaultText(Grid(), cell).empty());
+    }
+    EXPECT_EQ(FaultText(Grid(), {2, 1}), "只能录入数字");
+    EXPECT_EQ(Color(1, 1), color::kBlack);
     EXPECT_EQ(result.rows, 3);
     EXPECT_EQ(result.cells, 6);
+    // Another text makes it good again, and taking the paste back takes everything back.
+    blocks_.Paste({1, 2}, "its");
+    EXPECT_EQ(Color(1, 2), color::kBlack);
+    EXPECT_EQ(FaultText(Grid(), {1, 2}), "");
+    editing_.Undo();
+    EXPECT_EQ(Color(1, 2), color::kRed);
+    EXPECT_EQ(Grid().Refusal(1, 2), TextVerdict::BadCharacter);
+    editing_.Undo();
+    EXPECT_TRUE(Grid().IsBlankRow(1));
+    EXPECT_EQ(Grid().Refusal(1, 2), TextVerdict::Taken);
+    editing_.Redo();
+    EXPECT_EQ(Color(1, 2), color::kRed);
 }
 
-TEST_F(BlockEditingTest, NumbersAreNeverSilentlyAltered) {
+TEST_F(BlockEditingTest, NumbersComeInAsTheyAreMeantAndOthersStayAsTheyAre) {
     ShowAll();
-    const PasteResult result = blocks_.Paste({1, 20}, "1,234.50\n-5\n1.23456\n1000000000\n¥5\n12.50");
+    const PasteResult result =
+        blocks_.Paste({1, 20}, "1,234.50\n-5\n1.23456\n1000000000\n¥5\n12.50\n(5.00)\n 7 \n2,5");
     EXPECT_EQ(result.refused.size(), 5U);
-    EXPECT_EQ(Text(1, 20), "12.50");
-    EXPECT_EQ(state_.rowCount, 1);
+    const Texts expected{"1234.50", "-5", "1.23456", "1000000000", "5", "12.50", "(5.00)", "7", "2,5"};
+    for (int row = 1; row <= 9; ++row)
+        EXPECT_EQ(Text(row, 20), expected[static_cast<std::size_t>(row - 1)]);
+    EXPECT_EQ(FaultText(Grid(), {7, 20}), "不能小于0");
+    EXPECT_EQ(state_.rowCount, 9);
 }
 
-TEST_F(BlockEditingTest, ALineOfWhichNothingCouldBeTakenLeavesNoRowBehind) {
-    const PasteResult result = blocks_.Paste({1, 1}, "a\n2\nb\n3");
-    EXPECT_EQ(Text(1, 1), "2");
-    EXPECT_EQ(Text(2, 1), "3");
-    EXPECT_EQ(state_.rowCount, 2);
-    EXPECT_EQ(result.refused.size(), 2U);
+TEST_F(BlockEditingTest, AnEndlessTextIsKeptOut) {
+    const PasteResult result = blocks_.Paste({1, 2}, std::string(1000000, 'x'));
+    ASSERT_EQ(result.refused.size(), 1U);
+    EXPECT_FALSE(result.refused[0].kept);
+    EXPECT_EQ(Text(1, 2), "");
+    EXPECT_EQ(state_.rowCount, 0);
 }
 
 TEST_F(BlockEditingTest, IdsFollowFromCodesAndAreRefusedWhenTheyDiffer) {
@@ -175,9 +225,9 @@ TEST_F(BlockEditingTest, EmptyCellsClearWhatWasThere) {
 
 TEST_F(BlockEditingTest, CopiedRowsPasteAsTheyWere) {
     blocks_.Paste({1, 1}, "1\t提货\t借\t1001\r\n1\t提货\t贷\t1002\r\n");
-    const std::string copied = blocks_.Copy({1, 1, 2, 21});
+    const std::string copied = blocks_.Copy({1, 1, 2, 21})->text;
     EXPECT_THAT(blocks_.Paste({3, 1}, copied).refused, IsEmpty());
-    EXPECT_EQ(blocks_.Copy({3, 1, 4, 21}), copied);
+    EXPECT_EQ(blocks_.Copy({3, 1, 4, 21}).value_or(CopiedBlock("none")).text, copied);
     EXPECT_EQ(Text(3, 4), "1");
     EXPECT_EQ(Text(4, 4), "2");
 }
@@ -267,8 +317,86 @@ TEST_F(BlockEditingTest, AValueThatNoSelectedCellTakesIsListedForEach) {
     UseRows(2);
     const PasteResult result = blocks_.FillSelection({1, 1, 2, 1}, "a");
     EXPECT_THAT(Refused(result), ElementsAre("1,1 a: 只能录入数字", "2,1 a: 只能录入数字"));
-    EXPECT_EQ(Text(1, 1), "1");
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_EQ(Text(1, 1), "a");
+    EXPECT_EQ(Color(2, 1), color::kRed);
+}
+
+// --- selections in pieces, whole rows and hidden columns
+
+TEST_F(BlockEditingTest, OneValueGoesIntoTheSelectedPiecesOnly) {
+    UseRows(5);
+    blocks_.Paste(CellSelection({{2, 2, 2, 2}, {5, 2, 5, 2}}), "same\r\n");
+    EXPECT_EQ(Text(2, 2), "same");
+    EXPECT_EQ(Text(5, 2), "same");
+    for (const int row : {1, 3, 4})
+        EXPECT_EQ(Text(row, 2), "");
+}
+
+TEST_F(BlockEditingTest, ABlockIsNotPastedOverPieces) {
+    UseRows(5);
+    EXPECT_EQ(blocks_.Paste(CellSelection({{2, 2, 2, 2}, {5, 2, 5, 2}}), "a\tb").cells, 0);
+    EXPECT_THAT(Messages(), ElementsAre("所选单元格不是一个完整的区域，请只选定一个单元格再粘贴！"));
+    EXPECT_EQ(Text(2, 2), "");
+}
+
+TEST_F(BlockEditingTest, PiecesAreCopiedWhenTheyAreATable) {
+    UseRows(5);
+    EXPECT_EQ(blocks_.Copy(CellSelection({{2, 1, 2, 2}, {5, 1, 5, 2}}))->text, "2\t\r\n5\t\r\n");
+    EXPECT_EQ(blocks_.Copy(CellSelection({{2, 1, 2, 1}, {5, 2, 5, 2}})), std::nullopt);
+    EXPECT_THAT(Messages(), ElementsAre("所选单元格不是一个完整的区域，不能复制！"));
+}
+
+TEST_F(BlockEditingTest, OneCellIsCopiedWithoutALineEnd) {
+    UseRows(1);
+    EXPECT_EQ(blocks_.Copy({1, 1})->text, "1");
+    EXPECT_EQ(blocks_.Copy({1, 1, 1, 2})->text, "1\t\r\n");
+}
+
+TEST_F(BlockEditingTest, WholeRowsMoveWithEverythingThatBelongsToThem) {
+    ShowAll();
+    blocks_.Paste({1, 1},
+                  "1\t提货\t借\t\t1002\t\t2\t\t01\t00012\t\t\tUSD\t6.5\t100\t\t\t\t\t650.00\t备注\r\n2\r\n");
+    blocks_.Paste({1, 15}, "-7");
+    for (int c = 8; c <= 20; ++c)
+        Grid().SetColumnHidden(c, true);
+    Texts before;
+    for (int c = 1; c <= kColumnCount; ++c)
+        before.push_back(Text(1, c));
+    const auto rows = CellSelection::Rows({{1, 1}});
+    const std::optional<CopiedBlock> copied = blocks_.Copy(rows);
+    ASSERT_TRUE(copied.has_value());
+    editing_.ClearCells(rows);
+    EXPECT_TRUE(Grid().IsBlankRow(1));
+    const PasteResult result = blocks_.Paste({3, 4}, *copied);
+    EXPECT_THAT(result.refused, IsEmpty());
+    for (int c = 1; c <= kColumnCount; ++c)
+        EXPECT_EQ(Text(3, c), before[static_cast<std::size_t>(c - 1)]) << c;
+    EXPECT_EQ(Text(3, 8), "51");
+    EXPECT_EQ(Color(3, 15), color::kRed) << "what was refused stays refused";
+    EXPECT_EQ(Grid().Refusal(3, 15), TextVerdict::Negative);
+    editing_.Undo();
+    EXPECT_TRUE(Grid().IsBlankRow(3));
+}
+
+TEST_F(BlockEditingTest, FillingDownWorksOnEachPiece) {
+    blocks_.Paste({1, 1}, "1\ta\r\n2\tb\r\n3\tc\r\n4\td\r\n5\te\r\n");
+    blocks_.FillDown(CellSelection({{2, 2, 2, 2}, {4, 2, 5, 2}}));
+    EXPECT_EQ(Text(2, 2), "a");
+    EXPECT_EQ(Text(3, 2), "c");
+    EXPECT_EQ(Text(4, 2), "d");
+    EXPECT_EQ(Text(5, 2), "d");
+}
+
+TEST_F(BlockEditingTest, AllSelectedRowsAreDuplicated) {
+    UseRows(5);
+    blocks_.DuplicateRows(CellSelection({{1, 1, 2, 1}, {5, 2, 5, 2}}));
+    const Texts expected{"1", "2", "1", "2", "3", "4", "5", "5"};
+    for (int row = 1; row <= 8; ++row)
+        EXPECT_EQ(Text(row, 1), expected[static_cast<std::size_t>(row - 1)]);
+    EXPECT_EQ(state_.rowCount, 8);
+    editing_.Undo();
+    EXPECT_EQ(state_.rowCount, 5);
+    EXPECT_FALSE(state_.journal.CanUndo());
 }
 
 // --- filling down

@@ -58,15 +58,12 @@ TEST(TypedCharacters, TextColumnsTakeAnythingElse) {
     }
 }
 
-TEST(TypedCharacters, NumberColumnsTakeDigitsAndDecimalOnesAPoint) {
-    for (const int c : kDecimalColumns) {
-        EXPECT_TRUE(AcceptsCharacter(c, U'7')) << c;
-        EXPECT_TRUE(AcceptsCharacter(c, U'.')) << c;
-        for (const char32_t other : {U'-', U'+', U',', U'e', U'¥', U' '})
-            EXPECT_FALSE(AcceptsCharacter(c, other)) << c;
+TEST(TypedCharacters, NumberColumnsTakeWhateverMayBelongToANumberAndAnythingElse) {
+    for (const int c : {14, 15, 18, 19, 20, column::kFileCount}) {
+        for (const char32_t character :
+             {U'7', U'.', U'-', U'+', U',', U'=', U'*', U'/', U'(', U'e', U'¥', U' ', U'１'})
+            EXPECT_TRUE(AcceptsCharacter(c, character)) << c;
     }
-    EXPECT_TRUE(AcceptsCharacter(column::kFileCount, U'7'));
-    EXPECT_FALSE(AcceptsCharacter(column::kFileCount, U'.'));
 }
 
 TEST(TypedCharacters, LockedColumnsAndTheDirectionListTakeNone) {
@@ -131,21 +128,17 @@ TEST(TypedTexts, TheTemplateNumberTakesDigitsUpToTheLargestInteger) {
         EXPECT_EQ(Verdict(1, text), TextVerdict::BadCharacter) << text;
 }
 
-TEST(TypedTexts, ADigitThatWouldPassTheLargestTemplateNumberIsRefusedWhileTyping) {
-    EXPECT_TRUE(MayBecomeTypedText(1, "214748364"));
-    EXPECT_TRUE(MayBecomeTypedText(1, "2147483647"));
-    EXPECT_FALSE(MayBecomeTypedText(1, "2147483648"));
-    EXPECT_FALSE(MayBecomeTypedText(1, "21474836470"));
-}
-
 TEST(TypedTexts, AttachmentsAreAWholeNumberUpToNineNines) {
     const int c = column::kFileCount;
     EXPECT_EQ(Verdict(c, "0"), TextVerdict::Taken);
     EXPECT_EQ(Verdict(c, "999999999"), TextVerdict::Taken);
     EXPECT_EQ(Verdict(c, "0000999999999"), TextVerdict::Taken);
     EXPECT_EQ(Verdict(c, "1000000000"), TextVerdict::TooLarge);
-    for (const char* text : {"1.0", "1.", ".", "-1", "+1", "1,000", "1e3", "0x1", "a", "¥1", "１"})
+    for (const char* text : {".", "+1", "1,000", "1e3", "0x1", "a", "¥1", "１"})
         EXPECT_EQ(Verdict(c, text), TextVerdict::NotANumber) << text;
+    for (const char* text : {"1.0", "1.", "1.5"})
+        EXPECT_EQ(Verdict(c, text), TextVerdict::NotWhole) << text;
+    EXPECT_EQ(Verdict(c, "-1"), TextVerdict::Negative);
 }
 
 TEST(TypedTexts, DecimalColumnsTakeNumbersFromZeroToNineNines) {
@@ -154,8 +147,10 @@ TEST(TypedTexts, DecimalColumnsTakeNumbersFromZeroToNineNines) {
             EXPECT_EQ(Verdict(c, text), TextVerdict::Taken) << c << " " << text;
         for (const char* text : {"1000000000", "999999999.1", "999999999.0001"})
             EXPECT_EQ(Verdict(c, text), TextVerdict::TooLarge) << c << " " << text;
-        for (const char* text : {"-1", "-0", "+1", ".", "1.2.3", "1,000", "1,5", "1e3", "1E3", "1e,3", "0x1F",
-                                 "¥1", "$1", " 1", "1 ", "１", "nan", "inf", "一"}) {
+        for (const char* text : {"-1", "-0.5"})
+            EXPECT_EQ(Verdict(c, text), TextVerdict::Negative) << c << " " << text;
+        for (const char* text : {"+1", ".", "1.2.3", "1,000", "1,5", "1e3", "1E3", "1e,3", "0x1F", "¥1", "$1",
+                                 " 1", "1 ", "１", "nan", "inf", "一"}) {
             EXPECT_EQ(Verdict(c, text), TextVerdict::NotANumber) << c << " " << text;
         }
     }
@@ -171,15 +166,96 @@ TEST(TypedTexts, EveryDecimalColumnTakesItsDecimalsAndNoMore) {
     EXPECT_EQ(Verdict(column::kRate, "0.1234567891"), TextVerdict::Taken);
 }
 
-TEST(TypedTexts, ANumberMayBeUnfinishedOnlyWhileItIsTyped) {
-    for (const int c : kDecimalColumns) {
-        EXPECT_TRUE(MayBecomeTypedText(c, ".")) << c;
-        EXPECT_TRUE(MayBecomeTypedText(c, "12.")) << c;
-        EXPECT_FALSE(MayBecomeTypedText(c, "1.2.")) << c;
-        EXPECT_FALSE(MayBecomeTypedText(c, "-")) << c;
-        EXPECT_EQ(Verdict(c, "."), TextVerdict::NotANumber) << c;
+// --- what a cell makes of a text
+
+namespace {
+
+struct Way {
+    const char* text;
+    const char* cell;
+};
+
+void ExpectRead(int gridColumn, TextOrigin origin, std::initializer_list<Way> ways) {
+    for (const Way& way : ways) {
+        const TextReading reading = ReadCellText(gridColumn, way.text, origin);
+        EXPECT_EQ(reading.verdict, TextVerdict::Taken) << way.text;
+        EXPECT_EQ(reading.text, way.cell) << way.text;
     }
-    EXPECT_FALSE(MayBecomeTypedText(column::kFileCount, "."));
+}
+
+void ExpectRefused(int gridColumn, TextOrigin origin, TextVerdict verdict,
+                   std::initializer_list<const char*> texts) {
+    for (const char* text : texts) {
+        const TextReading reading = ReadCellText(gridColumn, text, origin);
+        EXPECT_EQ(reading.verdict, verdict) << text << ": " << VerdictText(reading.verdict, gridColumn);
+        EXPECT_EQ(reading.text, text) << "what is refused stays as it was given";
+    }
+}
+
+}  // namespace
+
+TEST(CellTexts, AmountsAreReadAsSpreadsheetsShowThem) {
+    for (const TextOrigin origin : {TextOrigin::Typed, TextOrigin::Given}) {
+        ExpectRead(column::kAmount, origin,
+                   {{"1,234.50", "1234.50"},
+                    {" 860 ", "860"},
+                    {"￥1,234.50", "1234.50"},
+                    {"１２．５", "12.5"},
+                    {"+5", "5"},
+                    {"1.50000", "1.5000"},
+                    {"12.50", "12.50"},
+                    {"007", "007"},
+                    {"5\r\n", "5"},
+                    {"  ", ""},
+                    {"-0", "0"}});
+        ExpectRefused(column::kAmount, origin, TextVerdict::Negative,
+                      {"-9", "(5)", "5-", "-¥1,234.50", "（5）"});
+        ExpectRefused(column::kAmount, origin, TextVerdict::NotANumber,
+                      {"2,5", "1.2.3", "5e3", "abc", "2024-01-02", ".", "-"});
+        ExpectRefused(column::kAmount, origin, TextVerdict::TooLarge, {"1,000,000,000"});
+        ExpectRefused(column::kAmount, origin, TextVerdict::TooManyDecimals, {"1.23456"});
+        ExpectRefused(column::kAmount, origin, TextVerdict::BadCharacter, {"5'", "5|6", "5\t6"});
+    }
+}
+
+TEST(CellTexts, WholeNumbersMayBeWrittenWithZerosBehindThePoint) {
+    ExpectRead(column::kFileCount, TextOrigin::Given, {{"3", "3"}, {"3.00", "3"}, {"1,000", "1000"}});
+    ExpectRead(column::kNo, TextOrigin::Given, {{" 3 ", "3"}, {"３", "3"}, {"3.0", "3"}, {"01", "01"}});
+    ExpectRefused(column::kFileCount, TextOrigin::Given, TextVerdict::NotWhole, {"1.5"});
+    ExpectRefused(column::kFileCount, TextOrigin::Typed, TextVerdict::NotANumber, {"5e3"});
+    ExpectRefused(column::kNo, TextOrigin::Given, TextVerdict::BadCharacter, {"2a", "-1", "1.5"});
+}
+
+TEST(CellTexts, CalculationsBecomeTheirValueInDecimals) {
+    ExpectRead(
+        column::kAmount, TextOrigin::Typed,
+        {{"=100+200", "300"}, {"860*3", "2580"}, {"=0.1+0.2", "0.3"}, {"10/3", "3.3333"}, {"=5-8+3", "0"}});
+    ExpectRead(column::kFileCount, TextOrigin::Typed, {{"2*3", "6"}});
+    ExpectRead(column::kAmount, TextOrigin::Given, {{"=100+200", "300"}});
+    ExpectRefused(column::kAmount, TextOrigin::Typed, TextVerdict::NoCalculation,
+                  {"=1/0", "=1+", "=abc", "=SUM(A1:A2)", "3*/4"});
+    ExpectRefused(column::kAmount, TextOrigin::Typed, TextVerdict::Negative, {"=5-8"});
+    ExpectRefused(column::kFileCount, TextOrigin::Typed, TextVerdict::NotWhole, {"7/2"});
+    ExpectRefused(column::kAmount, TextOrigin::Given, TextVerdict::NotANumber, {"860*3"});
+    ExpectRead(column::kExplanation, TextOrigin::Typed, {{"=100+200", "=100+200"}, {"860*3", "860*3"}});
+}
+
+TEST(CellTexts, DirectionsMayHaveBlanksAround) {
+    for (const char* text : {"借", " 借", "借 ", "　借\r\n", "\u00A0借"})
+        EXPECT_EQ(ReadCellText(column::kDirection, text, TextOrigin::Given).text, "借") << text;
+    ExpectRefused(column::kDirection, TextOrigin::Given, TextVerdict::NotInList, {"借方", "d"});
+}
+
+TEST(CellTexts, TextsLoseTheirLineEndAndNothingElse) {
+    ExpectRead(column::kExplanation, TextOrigin::Given, {{"a\r\n", "a"}, {" a ", " a "}, {"1,000", "1,000"}});
+    ExpectRefused(column::kExplanation, TextOrigin::Given, TextVerdict::BadCharacter, {"a\nb", "it's"});
+    ExpectRefused(column::kAccountId, TextOrigin::Given, TextVerdict::Locked, {"1"});
+}
+
+TEST(CellTexts, EndlessTextsAreTooLongForEveryColumn) {
+    const std::string text(kLongestKeptText + 1, '1');
+    for (int c = 1; c <= kColumnCount; ++c)
+        EXPECT_EQ(ReadCellText(c, text, TextOrigin::Given).verdict, TextVerdict::TooLong) << c;
 }
 
 TEST(TypedTexts, EveryRefusalIsExplainedAndNothingElseIs) {
@@ -189,7 +265,10 @@ TEST(TypedTexts, EveryRefusalIsExplainedAndNothingElseIs) {
     EXPECT_EQ(VerdictText(TextVerdict::BadCharacter, 2), "不能包含单引号、竖线或控制字符");
     EXPECT_EQ(VerdictText(TextVerdict::TooLong, 13), "长度不能超过30个字符");
     EXPECT_EQ(VerdictText(TextVerdict::NotANumber, 7), "必须是不小于0的整数");
-    EXPECT_EQ(VerdictText(TextVerdict::NotANumber, 20), "必须是不小于0的数字，不带千分位");
+    EXPECT_EQ(VerdictText(TextVerdict::NotANumber, 20), "必须是不小于0的数字");
+    EXPECT_EQ(VerdictText(TextVerdict::Negative, 20), "不能小于0");
+    EXPECT_EQ(VerdictText(TextVerdict::NotWhole, 7), "必须是整数");
+    EXPECT_EQ(VerdictText(TextVerdict::NoCalculation, 20), "算式不能计算");
     EXPECT_EQ(VerdictText(TextVerdict::TooLarge, 1), "不能大于2147483647");
     EXPECT_EQ(VerdictText(TextVerdict::TooLarge, 20), "不能大于999999999");
     EXPECT_EQ(VerdictText(TextVerdict::TooManyDecimals, 20), "小数位数不能超过4位");

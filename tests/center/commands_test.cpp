@@ -221,17 +221,17 @@ class TypedCode : public Commands {
 };
 
 TEST_F(TypedCode, IsResolvedBeforeRowsAreInsertedAboveIt) {
-    Window().InsertRows(1, 1);
+    Window().InsertRows({1, 1});
     EXPECT_THAT(Names(), ElementsAre("", "现金", "银行存款"));
 }
 
 TEST_F(TypedCode, IsResolvedBeforeRowsAboveItAreDeleted) {
-    Window().DeleteRows(1, 1);
+    Window().DeleteRows({1, 1});
     EXPECT_THAT(Names(), ElementsAre("银行存款"));
 }
 
 TEST_F(TypedCode, IsResolvedBeforeItsRowIsDuplicated) {
-    Window().DuplicateRow();
+    Window().DuplicateRows({2, 1});
     EXPECT_THAT(Names(), ElementsAre("现金", "银行存款", "银行存款"));
 }
 
@@ -246,7 +246,7 @@ TEST_F(TypedCode, IsResolvedBeforeOtherCellsAreFilledOrPastedInto) {
     Type(2, column::kAccountNumber, "1001");
     Type(2, column::kAccountNumber, "1002");
     Grid().SetText(2, column::kAccountName, "");
-    Window().FillSelection({1, column::kRemark, 1, column::kRemark}, "别的备注");
+    Window().PasteBlock({1, column::kRemark, 2, column::kRemark}, "别的备注");
     EXPECT_THAT(Names(), ElementsAre("现金", "银行存款"));
 }
 
@@ -488,6 +488,7 @@ TEST_F(ToolStatesTest, ShareIsNeverEnabled) {
 TEST_F(CenterTest, TheStatusLineFollowsEveryChangeOfTheGrid) {
     lines_["0"] = {Line(1, "收款"), Line(1, "", 0)};
     Open();
+    Grid().SetColumnHidden(column::kAmount, false);
     Type(1, column::kAmount, "5");
     EXPECT_THAT(view_.status.unbalanced, ElementsAre("1"));
     EXPECT_EQ(view_.status.difference, "5.00");
@@ -497,10 +498,10 @@ TEST_F(CenterTest, TheStatusLineFollowsEveryChangeOfTheGrid) {
     EXPECT_THAT(view_.status.unbalanced, ElementsAre("1"));
     Window().Undo();
     EXPECT_THAT(view_.status.unbalanced, IsEmpty());
-    Window().DeleteRows(2, 1);
+    Window().DeleteRows({2, 1});
     EXPECT_EQ(view_.status.lines, 1);
     EXPECT_THAT(view_.status.unbalanced, ElementsAre("1"));
-    Window().InsertRows(1, 1);
+    Window().InsertRows({1, 1});
     EXPECT_EQ(view_.status.lines, 2);
     Window().PasteBlock({3, 1}, "7\r\n8");
     EXPECT_EQ(view_.status.lines, 4);

@@ -173,7 +173,7 @@ TEST_F(DemoSet, SavingAgainKeepsTheUsageOfANumberAndDropsNumbersThatAreGone) {
     Window().MoveActiveCell({1, 1});
     Window().ToolClick("mnuSave");
     session_->Execute("update t_VchTpControl set FUseFrequency = 9 where FID = " + id + " and FNo = 1");
-    Window().DeleteRows(2, 1);
+    Window().DeleteRows({2, 1});
     Type(1, column::kExplanation, "丙");
     Type(1, column::kFileCount, "5");
     Window().MoveActiveCell({1, 1});
@@ -188,7 +188,7 @@ TEST_F(DemoSet, AnEmptiedTemplateIsSavedEmpty) {
     const std::string id = NewTemplate("空");
     TypeLine(1, "1", "甲", "借", "1001");
     Window().ToolClick("mnuSave");
-    Window().DeleteRows(1, 1);
+    Window().DeleteRows({1, 1});
     surroundings_.messageBoxes->answers.push_back(MessageResult::Ok);
     Window().ToolClick("mnuSave");
     EXPECT_EQ(LastMessage(), "模板 空 保存成功！");

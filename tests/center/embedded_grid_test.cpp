@@ -160,6 +160,11 @@ TEST_F(EmbeddedGrid, APastedBlockSurvivesSavingAndUndoEndsThere) {
     ASSERT_EQ(result.refused.size(), 1U);
     EXPECT_EQ(result.refused[0].cell, (CellAddress{first + 2, 2}));
     EXPECT_TRUE(window_->CanUndo());
+    EXPECT_FALSE(window_->Save()) << "what was refused is nowhere to be saved";
+    EXPECT_EQ(surroundings_.messageBoxes->Texts().back(),
+              "行" + std::to_string(first + 2) + " 摘要(*) 不能包含单引号、竖线或控制字符，请进行更正！");
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{first + 2, 2}));
+    window_->CommitText({first + 2, 2}, "xy");
     const Texts before = Snapshot();
     ASSERT_TRUE(window_->Save());
     EXPECT_FALSE(window_->CanUndo());

@@ -13,7 +13,7 @@ constexpr int kManyRows = 100000;
 
 class Notes : public GridRecorder {
   public:
-    void TextReplaced(int row, int gridColumn, std::string_view before) override {
+    void TextReplaced(int row, int gridColumn, std::string_view before, TextVerdict) override {
         entries.push_back("text " + std::to_string(row) + "," + std::to_string(gridColumn) + " was " +
                           std::string(before));
     }

@@ -1,5 +1,6 @@
 #include "center/grid_editing.h"
 
+#include "center/fault_text.h"
 #include "tests/center/grid_fixture.h"
 
 namespace vicenter::center {
@@ -49,10 +50,17 @@ TEST_F(GridEditingTest, ABlankRowCountsAsInUseOnceACellGetsContent) {
     EXPECT_EQ(state_.rowCount, 2);
 }
 
-TEST_F(GridEditingTest, TheRowCountStaysWhenARowIsEmptiedAgain) {
+TEST_F(GridEditingTest, TheLastRowThatIsEmptiedAgainIsNoLongerInUse) {
     Type(1, 2, "a");
     Type(1, 2, "");
+    EXPECT_EQ(state_.rowCount, 0);
+    UseRows(3);
+    Type(2, 1, "");
+    EXPECT_EQ(state_.rowCount, 3) << "a blank row between others stays a gap to be seen";
+    Type(3, 1, "");
     EXPECT_EQ(state_.rowCount, 1);
+    editing_.Undo();
+    EXPECT_EQ(state_.rowCount, 3);
 }
 
 TEST_F(GridEditingTest, TheSameTextAgainIsNoChange) {
@@ -62,14 +70,53 @@ TEST_F(GridEditingTest, TheSameTextAgainIsNoChange) {
     EXPECT_FALSE(state_.journal.CanUndo());
 }
 
-TEST_F(GridEditingTest, ARefusedTextLeavesTheCellAndTheDirtyFlag) {
+TEST_F(GridEditingTest, ARefusedTextStaysInItsCellWithItsReasonAndGoesWithIt) {
     UseRows(1);
-    EXPECT_EQ(editing_.CommitText({1, 1}, "a"), TextVerdict::BadCharacter);
-    EXPECT_EQ(editing_.CommitText({1, 2}, "it's"), TextVerdict::BadCharacter);
     EXPECT_EQ(editing_.CommitText({1, 4}, "1"), TextVerdict::Locked);
-    EXPECT_EQ(editing_.CommitText({1, 20}, "1,000"), TextVerdict::NotANumber);
-    EXPECT_EQ(Text(1, 1), "1");
+    EXPECT_EQ(Text(1, 4), "");
     EXPECT_FALSE(state_.dirty);
+    EXPECT_EQ(Type(1, 20, "-9"), TextVerdict::Negative);
+    EXPECT_EQ(Text(1, 20), "-9");
+    EXPECT_EQ(Color(1, 20), color::kRed);
+    EXPECT_EQ(FaultText(Grid(), {1, 20}), "不能小于0");
+    EXPECT_EQ(Type(1, 20, "2,5"), TextVerdict::NotANumber);
+    EXPECT_EQ(FaultText(Grid(), {1, 20}), "必须是不小于0的数字");
+    EXPECT_EQ(FaultText(Grid(), {1, 19}), "");
+    EXPECT_EQ(Type(1, 20, "25"), TextVerdict::Taken);
+    EXPECT_EQ(Color(1, 20), color::kBlack);
+    EXPECT_EQ(FaultText(Grid(), {1, 20}), "");
+}
+
+TEST_F(GridEditingTest, ARefusedCodeIsNotResolvedAndStaysRed) {
+    Type(1, 5, "1001");
+    EXPECT_EQ(Type(1, 5, "10'01"), TextVerdict::BadCharacter);
+    EXPECT_EQ(Text(1, 5), "10'01");
+    EXPECT_EQ(Color(1, 5), color::kRed);
+    EXPECT_EQ(FaultText(Grid(), {1, 5}), "不能包含单引号、竖线或控制字符");
+    Type(1, 5, "1001");
+    EXPECT_EQ(Color(1, 5), color::kBlack);
+}
+
+TEST_F(GridEditingTest, CalculationsAreDoneWhenTheCellIsTaken) {
+    Type(1, 20, "=100+200");
+    EXPECT_EQ(Text(1, 20), "300");
+    Type(1, 20, "860*3");
+    EXPECT_EQ(Text(1, 20), "2580");
+    EXPECT_EQ(Type(1, 20, "=860*"), TextVerdict::NoCalculation);
+    EXPECT_EQ(Text(1, 20), "=860*");
+    EXPECT_EQ(Color(1, 20), color::kRed);
+}
+
+TEST_F(GridEditingTest, ANumberOutsideTheLimitsIsShownAsSuchWhoeverPutItThere) {
+    UseRows(1);
+    Grid().SetText(1, 20, "-12.34");
+    Grid().SetText(1, 7, "1500000000");
+    CellChecks checks;
+    MarkRow(Grid(), 1, checks);
+    EXPECT_EQ(Color(1, 20), color::kRed);
+    EXPECT_EQ(Color(1, 7), color::kRed);
+    EXPECT_EQ(FaultText(Grid(), {1, 20}), "不能小于0");
+    EXPECT_EQ(FaultText(Grid(), {1, 7}), "不能大于999999999");
 }
 
 TEST_F(GridEditingTest, WhoMayNotChangeTemplatesTypesNothing) {
@@ -284,7 +331,7 @@ TEST_F(GridEditingTest, ClearingCellsEmptiesThemAndWhatDependsOnThem) {
 TEST_F(GridEditingTest, ClearingNeverRemovesARowAndStaysWithinTheGrid) {
     UseRows(3);
     editing_.ClearCells({0, 0, 1000, 1000});
-    EXPECT_EQ(state_.rowCount, 3);
+    EXPECT_EQ(state_.rowCount, 0);
     EXPECT_EQ(Grid().RowTotal(), 100);
     for (int row = 1; row <= 3; ++row)
         EXPECT_TRUE(Grid().IsBlankRow(row));
@@ -300,7 +347,60 @@ TEST_F(GridEditingTest, ClearingEmptyCellsIsNoChange) {
     EXPECT_FALSE(state_.journal.CanUndo());
 }
 
+TEST_F(GridEditingTest, ClearingShownCellsLeavesTheHiddenOnesBetweenThem) {
+    UseRows(2);
+    Grid().SetText(1, 2, "a");
+    Grid().SetText(1, 11, "D02");
+    Grid().SetText(1, 20, "860");
+    Grid().SetText(1, 21, "b");
+    editing_.ClearCells({1, 1, 1, 21});
+    EXPECT_EQ(Text(1, 2), "");
+    EXPECT_EQ(Text(1, 21), "");
+    EXPECT_EQ(Text(1, 11), "D02");
+    EXPECT_EQ(Text(1, 20), "860");
+    editing_.ClearCells(CellSelection::Rows({{1, 1}}));
+    EXPECT_TRUE(Grid().IsBlankRow(1));
+}
+
+TEST_F(GridEditingTest, ClearingWorksOnThePiecesOnly) {
+    UseRows(5);
+    editing_.ClearCells(CellSelection({{2, 1, 2, 1}, {4, 1, 4, 1}}));
+    EXPECT_EQ(Text(1, 1), "1");
+    EXPECT_EQ(Text(2, 1), "");
+    EXPECT_EQ(Text(3, 1), "3");
+    EXPECT_EQ(Text(4, 1), "");
+    editing_.Undo();
+    EXPECT_EQ(Text(2, 1), "2");
+    EXPECT_EQ(Text(4, 1), "4");
+}
+
+TEST_F(GridEditingTest, BuildingASelectionMayPassEveryRowWithoutAMessage) {
+    UseRows(3);
+    Grid().SetActiveCell({3, 2});
+    editing_.MoveActiveCell({50, 2}, CursorMove::Selecting);
+    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{50, 2}));
+    EXPECT_EQ(editing_.CommitText({50, 2}, "a"), TextVerdict::Locked);
+    ExpectMessage(kGap);
+}
+
 // --- inserting
+
+TEST_F(GridEditingTest, RowsInPiecesAreInsertedAboveAndDeletedEachForItself) {
+    UseRows(5);
+    editing_.DeleteRows(std::vector<RowRun>{{2, 2}, {5, 5}});
+    EXPECT_EQ(state_.rowCount, 3);
+    for (const auto& [row, text] : {std::pair{1, "1"}, {2, "3"}, {3, "4"}})
+        EXPECT_EQ(Text(row, 1), text);
+    editing_.Undo();
+    EXPECT_EQ(state_.rowCount, 5);
+    EXPECT_FALSE(state_.journal.CanUndo());
+    editing_.InsertRows(std::vector<RowRun>{{2, 2}, {4, 5}});
+    const Texts expected{"1", "", "2", "3", "", "", "4", "5"};
+    for (int row = 1; row <= 8; ++row)
+        EXPECT_EQ(Text(row, 1), expected[static_cast<std::size_t>(row - 1)]);
+    EXPECT_EQ(state_.rowCount, 8);
+}
 
 TEST_F(GridEditingTest, InsertingNeedsARowInUseAndAnActiveRow) {
     editing_.InsertRow();

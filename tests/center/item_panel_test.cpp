@@ -204,13 +204,13 @@ TEST_F(Panel, TheButtonOpensAndClosesThePicture) {
 TEST_F(Panel, FollowsTheRowThatComesUnderTheCursor) {
     Window().CommitItemNumber(0, "C001");
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
-    Window().InsertRows(1, 1);
+    Window().InsertRows({1, 1});
     EXPECT_TRUE(Shown().visible);
     EXPECT_THAT(ShownRows(), IsEmpty());
     EXPECT_EQ(Shown().text, "");
-    Window().DeleteRows(1, 1);
+    Window().DeleteRows({1, 1});
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
-    Window().DeleteRows(1, 1);
+    Window().DeleteRows({1, 1});
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
     Window().Undo();
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
@@ -231,7 +231,7 @@ TEST_F(Panel, FollowsTheRowCommandsOfTheBar) {
 
 TEST_F(Panel, FollowsADuplicatedRow) {
     Window().MoveActiveCell({2, column::kItems});
-    Window().DuplicateRow();
+    Window().DuplicateRows({2, column::kItems});
     EXPECT_EQ(Grid().ActiveCell().row, 3);
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
 }

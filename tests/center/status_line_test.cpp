@@ -94,11 +94,34 @@ TEST(SelectionSum, AddsTwoOrMoreNumbersOfNumberColumns) {
     grid.SetText(2, column::kAmount, "0.5");
     grid.SetText(1, column::kNo, "7");
     grid.SetText(1, column::kAccountNumber, "1001");
+    EXPECT_EQ(SumOfSelection(grid, {1, 1, 2, 21}), "") << "hidden numbers are not selected";
+    grid.SetColumnHidden(column::kAmount, false);
     EXPECT_EQ(SumOfSelection(grid, {1, 1, 2, 21}), "1,000.75");
     EXPECT_EQ(SumOfSelection(grid, {1, 20, 1, 20}), "");
     EXPECT_EQ(SumOfSelection(grid, {1, 1, 2, 5}), "");
     EXPECT_EQ(SumOfSelection(grid, {-5, -5, 1000, 1000}), "1,000.75");
     EXPECT_EQ(SumOfSelection(grid, {}), "");
+}
+
+TEST(SelectionSum, CountsWhatIsSelectedAndNothingBetween) {
+    EntryGrid grid;
+    grid.SetColumnHidden(column::kAmount, false);
+    for (const auto& [row, text] : {std::pair{1, "30000"}, {2, "1900"}, {3, "2000"}, {4, "33900"}})
+        grid.SetText(row, column::kAmount, text);
+    EXPECT_EQ(SumOfSelection(grid, CellSelection({{1, 20, 1, 20}, {4, 20, 4, 20}})), "63,900");
+    EXPECT_EQ(SumOfSelection(grid, CellSelection({{1, 20, 2, 20}, {2, 20, 3, 20}})), "33,900") << "once each";
+}
+
+TEST(SelectionSum, DebitAndCreditAreSummedApart) {
+    EntryGrid grid;
+    grid.SetColumnHidden(column::kAmount, false);
+    Line(grid, 1, "1", "借", "30000");
+    Line(grid, 2, "1", "借", "3900.5");
+    Line(grid, 3, "1", "贷", "33900");
+    EXPECT_EQ(SumOfSelection(grid, {1, 20, 2, 20}), "33,900.5");
+    EXPECT_EQ(SumOfSelection(grid, {1, 20, 3, 20}), "借 33,900.5　贷 33,900");
+    grid.SetText(1, column::kFileCount, "2");
+    EXPECT_EQ(SumOfSelection(grid, {1, 1, 3, 20}), "借 33,900.5　贷 33,900　其他 2");
 }
 
 }  // namespace vicenter::center

@@ -492,7 +492,7 @@ TEST_F(Save, GoesToTheFaultyCellAndWritesNothing) {
 TEST_F(Save, AnEmptyTemplateIsSavedOnlyWhenTheUserAgrees) {
     lines_["5"] = {Line(1, "x")};
     Window().TreeNodeClick("detail-5");
-    Window().DeleteRows(1, 1);
+    Window().DeleteRows({1, 1});
     ASSERT_EQ(Window().RowCount(), 0);
     Forget();
 

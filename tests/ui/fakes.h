@@ -18,12 +18,13 @@ class PlainActions : public GridActions {
   public:
     explicit PlainActions(std::shared_ptr<center::EntryGrid> entryGrid) : grid(std::move(entryGrid)) {}
 
-    void MoveActiveCell(const center::CellAddress& to) override {
+    void MoveActiveCell(const center::CellAddress& to, center::CursorMove how) override {
         moves.push_back(to);
+        selecting = how == center::CursorMove::Selecting;
         const center::CellAddress end = sendTo.row > 0 ? sendTo : to;
         grid->SetActiveCell(end);
     }
-    void SelectionChanged(const center::CellRange& range) override { selection = range; }
+    void SelectionChanged(const center::CellSelection& selected) override { selection = selected; }
     bool KeyPress(char32_t character) override { return character != U'\'' && character != U'|'; }
     bool KeyDown(int keyCode, const std::string& cellText) override {
         keys.push_back(keyCode);
@@ -36,29 +37,33 @@ class PlainActions : public GridActions {
     }
     void OpenLookUp() override { ++lookUps; }
     int RowsInUse() override { return rowsInUse; }
-    void ClearCells(const center::CellRange& range) override {
-        for (int row = range.firstRow; row <= range.lastRow; ++row) {
-            for (int column = range.firstColumn; column <= range.lastColumn; ++column)
-                grid->SetText(row, column, "");
+    void ClearCells(const center::CellSelection& selected) override {
+        for (const center::ColumnRuns& column : center::SelectedCells(selected, *grid)) {
+            for (const center::RowRun& run : column.rows) {
+                for (int row = run.first; row <= run.last; ++row)
+                    grid->SetText(row, column.column, "");
+            }
         }
     }
-    std::string CopyBlock(const center::CellRange& range) override {
-        return std::string(grid->Text(range.firstRow, range.firstColumn));
+    std::optional<center::CopiedBlock> CopyBlock(const center::CellSelection& selected) override {
+        const center::CellRange block = selected.Bounds();
+        return center::CopiedBlock(std::string(grid->Text(block.firstRow, block.firstColumn)),
+                                   selected.wholeRows ? "rows" : "");
     }
-    void PasteBlock(const center::CellAddress& at, const std::string& text) override {
-        pastedAt = at;
-        pasted = text;
+    void PasteBlock(const center::CellSelection& selected, const center::CopiedBlock& block) override {
+        pastedAt = selected;
+        pasted = block.text;
+        pastedRows = block.rows;
     }
-    void FillDown(const center::CellRange& range) override { filled = range; }
-    void FillSelection(const center::CellRange& range, const std::string& text) override {
-        filled = range;
-        pasted = text;
+    void FillDown(const center::CellSelection& selected) override { filled = selected; }
+    void DuplicateRows(const center::CellSelection& selected) override {
+        ++duplicates;
+        duplicated = selected;
     }
-    void DuplicateRow() override { ++duplicates; }
-    void InsertRows(int firstRow, int count) override { inserted = {firstRow, count}; }
-    void DeleteRows(int firstRow, int count) override {
+    void InsertRows(const center::CellSelection& selected) override { inserted = selected; }
+    void DeleteRows(const center::CellSelection& selected) override {
         ++deletes;
-        deleted = {firstRow, count};
+        deleted = selected;
     }
     void Undo() override { ++undos; }
     void Redo() override { ++redos; }
@@ -75,15 +80,18 @@ class PlainActions : public GridActions {
     std::shared_ptr<center::EntryGrid> grid;
     std::vector<center::CellAddress> moves;
     center::CellAddress sendTo{0, 0};  // where every move ends up, when set
-    center::CellRange selection;
+    bool selecting = false;
+    center::CellSelection selection;
     std::vector<int> keys;
     std::vector<std::string> keyTexts;
     std::vector<std::string> typed;
-    center::CellAddress pastedAt{0, 0};
+    center::CellSelection pastedAt;
     std::string pasted;
-    center::CellRange filled;
-    std::pair<int, int> inserted;  // first row and count
-    std::pair<int, int> deleted;
+    std::string pastedRows;
+    center::CellSelection filled;
+    center::CellSelection duplicated;
+    center::CellSelection inserted;
+    center::CellSelection deleted;
     int rowsInUse = 10;
     int lookUps = 0;
     int duplicates = 0;

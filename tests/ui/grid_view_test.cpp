@@ -5,12 +5,14 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QElapsedTimer>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
@@ -56,6 +58,32 @@ class GridViewTest : public ::testing::Test {
     void Type(const char* text) {
         for (const char* c = text; *c; ++c)
             QTest::keyClick(Target(), *c);
+    }
+    void Click(int row, int column, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, Middle(row, column));
+    }
+    QPoint Middle(int row, int column) { return view->visualRect(model->IndexOf({row, column})).center(); }
+    void DragOver(const center::CellAddress& from, const center::CellAddress& to) {
+        QTest::mousePress(view->viewport(), Qt::LeftButton, {}, Middle(from.row, from.column));
+        for (int row = from.row; row <= to.row; ++row) {
+            const QPoint at = Middle(row, row == to.row ? to.column : from.column);
+            QMouseEvent move(QEvent::MouseMove, at, view->viewport()->mapToGlobal(at), Qt::NoButton,
+                             Qt::LeftButton, {});
+            QApplication::sendEvent(view->viewport(), &move);
+        }
+        QTest::mouseRelease(view->viewport(), Qt::LeftButton, {}, Middle(to.row, to.column));
+    }
+    void PressRowHeader(int row, Qt::KeyboardModifiers modifiers = {}) {
+        QHeaderView* header = view->verticalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, modifiers,
+                          {header->width() / 2, header->sectionViewportPosition(row - 1) + 4});
+    }
+    using Ranges = std::vector<center::CellRange>;
+    static Ranges Pieces(const center::CellSelection& selection) {
+        Ranges pieces = selection.pieces;
+        std::sort(pieces.begin(), pieces.end(),
+                  [](const auto& a, const auto& b) { return a.firstRow < b.firstRow; });
+        return pieces;
     }
     QWidget* Target() { return Editor() ? Editor() : static_cast<QWidget*>(view.get()); }
     center::CellAddress Current() { return model->AddressOf(view->currentIndex()); }
@@ -183,7 +211,7 @@ TEST_F(GridViewTest, ColumnOneTakesDigitsOnlyWhicheverWayTheyComeIn) {
 }
 
 TEST_F(GridViewTest, QuotesAndBarsAreRefusedInEveryColumn) {
-    for (const int column : {1, 2, 5, 21}) {
+    for (const int column : {1, 2, 5, 20, 21}) {
         Go(1, column);
         Type("'");
         Type("|");
@@ -194,17 +222,63 @@ TEST_F(GridViewTest, QuotesAndBarsAreRefusedInEveryColumn) {
     }
 }
 
-TEST_F(GridViewTest, TextsLongerThanTheColumnAreRefusedWholeAndNeverCut) {
+TEST_F(GridViewTest, NoKeyOfANumberIsDroppedAndTheTextIsJudgedAsAWhole) {
+    for (const char* text : {"-9", "2,5", "=100+200", "1.2.3", "5e3", "(5)"}) {
+        for (const int column : {7, 20}) {
+            Go(1, column);
+            Type(text);
+            ASSERT_NE(Field(), nullptr);
+            EXPECT_EQ(Field()->text(), text) << column;
+            Key(Qt::Key_Escape);
+        }
+    }
+}
+
+TEST_F(GridViewTest, TextsLongerThanTheColumnAreJudgedAsAWholeAndNeverCut) {
     Go(1, 21);
     Key(Qt::Key_F2);
     QApplication::clipboard()->setText(QString(81, u'注'));
     Field()->paste();
-    EXPECT_EQ(Field()->text(), "");
-    QApplication::clipboard()->setText(QString(80, u'注'));
-    Field()->paste();
-    EXPECT_EQ(Field()->text().size(), 80);
+    EXPECT_EQ(Field()->text().size(), 81);
     Type("x");
-    EXPECT_EQ(Field()->text().size(), 80);
+    EXPECT_EQ(Field()->text().size(), 82);
+    Key(Qt::Key_Escape);
+    Key(Qt::Key_F2);
+    QApplication::clipboard()->setText(QString(4001, u'x'));
+    Field()->paste();
+    EXPECT_EQ(Field()->text(), "") << "no cell keeps that much";
+}
+
+TEST_F(GridViewTest, TheLineEndOfACopiedCellIsDroppedAndOtherControlCharactersAreRefused) {
+    Go(1, 2);
+    Key(Qt::Key_F2);
+    QApplication::clipboard()->setText("报销办公费\r\n");
+    Field()->paste();
+    EXPECT_EQ(Field()->text(), "报销办公费");
+    Field()->setCursorPosition(0);
+    Field()->paste();
+    EXPECT_EQ(Field()->text(), "报销办公费报销办公费");
+    EXPECT_EQ(Field()->cursorPosition(), 5);
+    QApplication::clipboard()->setText("a\tb");
+    Field()->paste();
+    QApplication::clipboard()->setText("a\nb");
+    Field()->paste();
+    EXPECT_EQ(Field()->text(), "报销办公费报销办公费");
+    Key(Qt::Key_Escape);
+    Go(1, 1);
+    Key(Qt::Key_F2);
+    QApplication::clipboard()->setText("12\r\n");
+    Field()->paste();
+    EXPECT_EQ(Field()->text(), "12");
+}
+
+TEST_F(GridViewTest, WhatAnInputMethodTypesIsFilteredLikeKeys) {
+    Go(1, 2);
+    Key(Qt::Key_F2);
+    QInputMethodEvent commit;
+    commit.setCommitString("货'款|");
+    QApplication::sendEvent(Field(), &commit);
+    EXPECT_EQ(Field()->text(), "货款");
 }
 
 TEST_F(GridViewTest, AnInputMethodStartsEditingAndItsTextComesIn) {
@@ -404,17 +478,106 @@ TEST_F(GridViewTest, BlocksGoThroughTheClipboard) {
     Go(5, 2);
     QApplication::clipboard()->setText("a\tb\r\nc\td\r\n");
     Key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(actions.pastedAt, (center::CellAddress{5, 2}));
+    EXPECT_EQ(actions.pastedAt, center::CellSelection(5, 2));
     EXPECT_EQ(actions.pasted, "a\tb\r\nc\td\r\n");
 }
 
-TEST_F(GridViewTest, OneValueIsPastedIntoEverySelectedCell) {
+TEST_F(GridViewTest, PastingTellsTheRulesExactlyWhatIsSelected) {
     Go(2, 2);
     Key(Qt::Key_Down, Qt::ShiftModifier);
-    QApplication::clipboard()->setText("same\n");
+    QApplication::clipboard()->setText("same\r\n");
     Key(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(actions.filled, (center::CellRange{2, 2, 3, 2}));
-    EXPECT_EQ(actions.pasted, "same");
+    EXPECT_EQ(actions.pastedAt, center::CellSelection(2, 2, 3, 2));
+    EXPECT_EQ(actions.pasted, "same\r\n");
+    Click(7, 2, Qt::ControlModifier);
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Pieces(actions.pastedAt), (Ranges{{2, 2, 3, 2}, {7, 2, 7, 2}}));
+}
+
+TEST_F(GridViewTest, ABlockThatIsSelectedByKeysOrMouseHoldsShownCellsOnly) {
+    Go(1, 1);
+    Key(Qt::Key_End, Qt::ShiftModifier);
+    EXPECT_FALSE(view->Selected().wholeRows);
+    for (const QModelIndex& index : view->selectionModel()->selectedIndexes())
+        EXPECT_FALSE(view->isColumnHidden(index.column())) << index.column();
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{1, 1, 1, 21}));
+    grid->SetText(1, 1, "1");
+    grid->SetText(1, 4, "77");
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(grid->Text(1, 1), "");
+    EXPECT_EQ(grid->Text(1, 4), "77");
+    DragOver({2, 3}, {3, 6});
+    for (const QModelIndex& index : view->selectionModel()->selectedIndexes())
+        EXPECT_NE(index.column(), 3);
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{2, 3, 3, 6}));
+}
+
+TEST_F(GridViewTest, RowHeadersAndSelectAllSelectWholeRows) {
+    grid->SetText(2, 1, "7");
+    PressRowHeader(2);
+    EXPECT_TRUE(view->Selected().wholeRows);
+    EXPECT_EQ(Pieces(view->Selected()), (Ranges{{2, 1, 2, 21}}));
+    PressRowHeader(5, Qt::ControlModifier);
+    EXPECT_TRUE(view->Selected().wholeRows);
+    EXPECT_EQ(Pieces(view->Selected()), (Ranges{{2, 1, 2, 21}, {5, 1, 5, 21}}));
+    Key(Qt::Key_Minus, Qt::ControlModifier);
+    EXPECT_EQ(Pieces(actions.deleted), (Ranges{{2, 1, 2, 21}, {5, 1, 5, 21}}));
+    Key(Qt::Key_C, Qt::ControlModifier);
+    Go(7, 2);
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(actions.pastedRows, "rows");
+    Key(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_TRUE(view->Selected().wholeRows);
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{1, 1, 100, 21}));
+}
+
+TEST_F(GridViewTest, BuildingASelectionIsToldFromGoingSomewhere) {
+    Click(15, 2);
+    EXPECT_FALSE(actions.selecting);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_TRUE(actions.selecting);
+    Key(Qt::Key_Down);
+    EXPECT_FALSE(actions.selecting);
+    Click(3, 2, Qt::ShiftModifier);
+    EXPECT_TRUE(actions.selecting);
+    Click(4, 2);
+    EXPECT_FALSE(actions.selecting);
+    Click(8, 2, Qt::ControlModifier);
+    EXPECT_TRUE(actions.selecting);
+    DragOver({2, 2}, {14, 2});
+    EXPECT_TRUE(actions.selecting);
+    Click(4, 2);
+    PressRowHeader(16);
+    EXPECT_TRUE(actions.selecting);
+}
+
+TEST_F(GridViewTest, TypingBelowTheFirstBlankRowAsksTheRulesFirstAndEntersNothing) {
+    actions.rowsInUse = 3;
+    Go(9, 2);
+    actions.moves.clear();
+    actions.sendTo = {4, 2};
+    Type("x");
+    EXPECT_EQ(Editor(), nullptr);
+    EXPECT_EQ(Current(), (center::CellAddress{4, 2}));
+    EXPECT_FALSE(actions.selecting);
+    EXPECT_EQ(grid->Text(9, 2), "");
+}
+
+TEST_F(GridViewTest, TheCursorLeavesAColumnThatIsHidden) {
+    grid->SetText(1, 5, "kept");
+    Go(1, 5);
+    Key(Qt::Key_Right, Qt::ShiftModifier);
+    grid->SetColumnHidden(6, true);
+    grid->SetColumnHidden(5, true);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 7}));
+    EXPECT_EQ(grid->ActiveCell(), (center::CellAddress{1, 7}));
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(grid->Text(1, 5), "kept");
+    grid->SetActiveCell({2, 5});
+    EXPECT_EQ(Current(), (center::CellAddress{2, 7}));
+    for (int c = 7; c <= 21; ++c)
+        grid->SetColumnHidden(c, true);
+    EXPECT_EQ(Current(), (center::CellAddress{2, 3}));
 }
 
 TEST_F(GridViewTest, UndoRedoFillAndDuplicateHaveTheirUsualKeys) {
@@ -424,20 +587,21 @@ TEST_F(GridViewTest, UndoRedoFillAndDuplicateHaveTheirUsualKeys) {
     Key(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(actions.undos, 1);
     EXPECT_EQ(actions.redos, 1);
-    EXPECT_EQ(actions.filled, (center::CellRange{1, 1, 1, 1}));
+    EXPECT_EQ(actions.filled, center::CellSelection(1, 1));
+    EXPECT_EQ(actions.duplicated, center::CellSelection(1, 1));
     EXPECT_EQ(actions.duplicates, 1);
 }
 
 TEST_F(GridViewTest, PlusAndMinusWithControlInsertAndDeleteAsManyRowsAsAreSelected) {
     Go(3, 2);
     Key(Qt::Key_Plus, Qt::ControlModifier);
-    EXPECT_EQ(actions.inserted, (std::pair{3, 1}));
+    EXPECT_EQ(actions.inserted, center::CellSelection(3, 2));
     Key(Qt::Key_Down, Qt::ShiftModifier);
     Key(Qt::Key_Down, Qt::ShiftModifier);
     Key(Qt::Key_Equal, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(actions.inserted, (std::pair{3, 3}));
+    EXPECT_EQ(actions.inserted, center::CellSelection(3, 2, 5, 2));
     Key(Qt::Key_Minus, Qt::ControlModifier | Qt::KeypadModifier);
-    EXPECT_EQ(actions.deleted, (std::pair{3, 3}));
+    EXPECT_EQ(actions.deleted, center::CellSelection(3, 2, 5, 2));
     view->SetInteractive(false);
     Key(Qt::Key_Minus, Qt::ControlModifier);
     EXPECT_EQ(actions.deletes, 1);
@@ -460,9 +624,9 @@ TEST_F(GridViewTest, ItsMenuInsertsAndDeletesAsManyRowsAsAreSelected) {
         QApplication::sendEvent(view->viewport(), &event);
     };
     choose("插入 2 行");
-    EXPECT_EQ(actions.inserted, (std::pair{2, 2}));
+    EXPECT_EQ(actions.inserted, center::CellSelection(2, 2, 3, 2));
     choose("删除 2 行");
-    EXPECT_EQ(actions.deleted, (std::pair{2, 2}));
+    EXPECT_EQ(actions.deleted, center::CellSelection(2, 2, 3, 2));
     choose("复制分录");
     EXPECT_EQ(actions.duplicates, 1);
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+// Texts of one line: names, search texts, cells. Other programs put a line end behind a text that they copy.
+
+#include <string_view>
+
+namespace vicenter::entry {
+
+// The text without the line ends behind it.
+std::string_view WithoutLineEnd(std::string_view text);
+// Tabs, line ends within the text and every other control character.
+bool HasControlCharacter(std::string_view text);
+
+}  // namespace vicenter::entry

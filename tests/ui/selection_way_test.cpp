@@ -1,0 +1,318 @@
+// Selecting, cutting, pasting and typing in the demo ledger's templates, in the columns that a new user sees,
+// by real keys and mouse events and with a clipboard as other programs fill it.
+
+#include <QClipboard>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMimeData>
+#include <QMouseEvent>
+
+#include "tests/ui/demo_set_fixture.h"
+
+namespace vicenter::ui {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+class SelectionWayTest : public DemoSetTest {
+  protected:
+    SelectionWayTest() { Open(); }
+
+    void OpenTemplate(const std::string& name) {
+        for (const center::TreeNode& node : window->Presenter().Nodes()) {
+            if (node.text == name) ClickNode(node.key);
+        }
+        ASSERT_EQ(window->Presenter().TemplateName(), name);
+        window->Grid().setFocus();
+    }
+    void Press(int key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), modifiers);
+        QApplication::processEvents();
+    }
+    void Click(int row, int gridColumn, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::mouseClick(window->Grid().viewport(), Qt::LeftButton, modifiers, Middle(row, gridColumn));
+    }
+    QPoint Middle(int row, int gridColumn) {
+        return window->Grid().visualRect(window->Grid().Model().IndexOf({row, gridColumn})).center();
+    }
+    void ClickRowHeader(int row, Qt::KeyboardModifiers modifiers = {}) {
+        QHeaderView* header = window->Grid().verticalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, modifiers,
+                          {header->width() / 2, header->sectionViewportPosition(row - 1) + 4});
+    }
+    // What another program puts there.
+    void Copied(const QString& text) {
+        auto* data = new QMimeData;
+        data->setText(text);
+        QApplication::clipboard()->setMimeData(data);
+    }
+    void ShowColumn(int gridColumn) { window->Presenter().Grid().SetColumnHidden(gridColumn, false); }
+    std::string Hint() { return window->findChild<QLabel*>("lblHint")->text().toStdString(); }
+    std::int32_t Color(int row, int gridColumn) {
+        return window->Presenter().Grid().Look(row, gridColumn).foreColor;
+    }
+    // One cell of what the account set holds, by line.
+    std::string Stored(const char* field, int line) {
+        const ado::RecordsetRef rows =
+            session->Execute("select " + std::string(field) + " from t_VchTemplateEntry where FID = " +
+                             window->Presenter().TemplateId() + " and FEntryID = " + std::to_string(line));
+        return rows->RecordCount() == 1 ? rows->Value(0).ToText() : "no line";
+    }
+    int Rows() { return window->Presenter().RowCount(); }
+};
+
+TEST_F(SelectionWayTest, CuttingShownCellsAndPastingThemBackLosesNothingThatIsHidden) {
+    OpenTemplate("日常费用");
+    ShowColumn(column::kAmount);
+    const std::vector<std::string> before = Contents();
+    ASSERT_NE(Text(1, column::kAmount), "");
+    ASSERT_NE(Text(1, column::kItems), "");
+    window->Presenter().Grid().SetColumnHidden(column::kAmount, true);
+    Click(1, column::kNo);
+    Press(Qt::Key_End, Qt::ShiftModifier);
+    Press(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_EQ(Text(1, column::kNo), "");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Contents(), before);
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(Contents(), before);
+}
+
+TEST_F(SelectionWayTest, WholeRowsMoveToAnotherTemplateWithTheirHiddenColumns) {
+    OpenTemplate("日常费用");
+    std::vector<std::string> line;
+    for (int c = 1; c <= center::kColumnCount; ++c)
+        line.push_back(Text(1, c));
+    ASSERT_NE(Text(1, column::kAmount), "");
+    ClickRowHeader(1);
+    Press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().count('\t'), center::kColumnCount - 1);
+    window->Tree().setFocus();
+    ClickTool("mnuNew");
+    Key(Qt::Key_Escape);
+    window->Grid().setFocus();
+    Click(1, column::kExplanation);
+    Press(Qt::Key_V, Qt::ControlModifier);
+    for (int c = 1; c <= center::kColumnCount; ++c)
+        EXPECT_EQ(Text(1, c), line[static_cast<std::size_t>(c - 1)]) << c;
+    ClickTool("mnuSave");
+    EXPECT_EQ(Stored("FItemsInfo", 1), line[column::kItems - 1]);
+    EXPECT_EQ(Text(1, column::kAmount), line[column::kAmount - 1]);
+}
+
+TEST_F(SelectionWayTest, RowsPickedWithCtrlAreDeletedAndNoneBetweenThem) {
+    OpenTemplate("日常费用");
+    const int lines = Rows();
+    const std::string third = Text(3, column::kExplanation);
+    const std::string fourth = Text(4, column::kAccountNumber);
+    const std::string sixth = Text(6, column::kAccountNumber);
+    Click(2, column::kExplanation);
+    Click(5, column::kExplanation, Qt::ControlModifier);
+    Press(Qt::Key_Minus, Qt::ControlModifier);
+    EXPECT_EQ(Rows(), lines - 2);
+    EXPECT_EQ(Text(2, column::kExplanation), third);
+    EXPECT_EQ(Text(3, column::kAccountNumber), fourth);
+    EXPECT_EQ(Text(4, column::kAccountNumber), sixth);
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Rows(), lines);
+}
+
+TEST_F(SelectionWayTest, PastingOneValueFillsThePickedCellsOnly) {
+    OpenTemplate("日常费用");
+    Click(1, column::kRemark);
+    Click(3, column::kRemark, Qt::ControlModifier);
+    Copied("同一个备注\r\n");
+    const std::string between = Text(2, column::kRemark);
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Text(1, column::kRemark), "同一个备注");
+    EXPECT_EQ(Text(2, column::kRemark), between);
+    EXPECT_EQ(Text(3, column::kRemark), "同一个备注");
+}
+
+TEST_F(SelectionWayTest, ABlockThatHasNoPlaceIsRefusedAndOneWithHeadersFindsItsColumns) {
+    OpenTemplate("日常费用");
+    const int lines = Rows();
+    const std::vector<std::string> before = Contents();
+    QStringList row(QStringList(20, "1"));
+    Click(lines + 1, column::kNo);
+    Copied(row.join('\t') + "\r\n");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Contents(), before);
+    EXPECT_THAT(
+        TakeMessages(),
+        ElementsAre(StartsWith("所粘贴的内容有 20 列，从此处起只显示 7 列，有 13 列没有位置，没有粘贴！")));
+    Copied("模板编号\t摘要\t借/贷\t科目代码\t金额\r\n9\tx\t借\t1001\t1,234.50\r\n");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Rows(), lines + 1);
+    EXPECT_EQ(Text(lines + 1, column::kAmount), "1234.50");
+    EXPECT_THAT(TakeMessages(), IsEmpty());
+}
+
+TEST_F(SelectionWayTest, AmountsOfASpreadsheetComeInAndRefusedOnesStayUntilTheyAreMended) {
+    OpenTemplate("日常费用");
+    ShowColumn(column::kAmount);
+    Click(1, column::kNo);
+    Press(Qt::Key_End);
+    Press(Qt::Key_Backtab, Qt::ShiftModifier);
+    ASSERT_EQ(window->Grid().Model().AddressOf(window->Grid().currentIndex()).column, column::kAmount);
+    Copied("1,234.50\r\n ¥ 860.00 \r\n(5.00)\r\n");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Text(1, column::kAmount), "1234.50");
+    EXPECT_EQ(Text(2, column::kAmount), "860.00");
+    EXPECT_EQ(Text(3, column::kAmount), "(5.00)");
+    EXPECT_EQ(Color(3, column::kAmount), center::color::kRed);
+    EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("行3 金额：“(5.00)” 不能小于0")));
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_THAT(TakeMessages(), ElementsAre("行3 金额 不能小于0，请进行更正！"));
+    EXPECT_TRUE(window->Presenter().IsDirty());
+    Type("5");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Color(3, column::kAmount), center::color::kBlack);
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_FALSE(window->Presenter().IsDirty());
+}
+
+TEST_F(SelectionWayTest, ATypedNumberIsTakenOrRefusedAsAWholeWithItsReasonAtTheCell) {
+    OpenTemplate("日常费用");
+    ShowColumn(column::kAmount);
+    Click(1, column::kFileCount);
+    Type("5e3");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Text(1, column::kFileCount), "5e3");
+    EXPECT_EQ(Color(1, column::kFileCount), center::color::kRed);
+    EXPECT_EQ(Hint(), "");
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Hint(), "必须是不小于0的整数");
+    EXPECT_EQ(window->Grid().Model().IndexOf({1, column::kFileCount}).data(Qt::ToolTipRole).toString(),
+              "必须是不小于0的整数");
+    Type("53");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Text(1, column::kFileCount), "53");
+    EXPECT_EQ(Color(1, column::kFileCount), center::color::kBlack);
+    Press(Qt::Key_End);
+    Press(Qt::Key_Backtab, Qt::ShiftModifier);
+    Type("=100+200");
+    Key(Qt::Key_Down);
+    EXPECT_EQ(Text(1, column::kAmount), "300");
+    Type("-9");
+    Key(Qt::Key_Down);
+    EXPECT_EQ(Text(2, column::kAmount), "-9");
+    Key(Qt::Key_Up);
+    EXPECT_EQ(Hint(), "不能小于0");
+    Type("860*3");
+    Key(Qt::Key_Up);
+    EXPECT_EQ(Text(2, column::kAmount), "2580");
+    EXPECT_EQ(Hint(), "");
+}
+
+TEST_F(SelectionWayTest, ADroppedKeyIsToldUntilTypingGoesOn) {
+    OpenTemplate("日常费用");
+    Click(1, column::kExplanation);
+    Type("a'");
+    EXPECT_EQ(Hint(), "不能包含单引号、竖线或控制字符");
+    Type("b");
+    EXPECT_EQ(Hint(), "");
+    Type("|");
+    EXPECT_NE(Hint(), "");
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Hint(), "") << "another cell has nothing to do with it";
+}
+
+TEST_F(SelectionWayTest, NoMessageStandsInTheWayOfASelection) {
+    OpenTemplate("日常费用");
+    const int below = Rows() + 4;
+    Click(2, column::kExplanation);
+    for (int row = 2; row < below; ++row)
+        Press(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(window->Grid().SelectedBlock(), (center::CellRange{2, 2, below, 2}));
+    Click(2, column::kExplanation);
+    QTest::mousePress(window->Grid().viewport(), Qt::LeftButton, {}, Middle(2, column::kExplanation));
+    for (int row = 3; row <= below; ++row) {
+        const QPoint at = Middle(row, column::kExplanation);
+        QMouseEvent move(QEvent::MouseMove, at, window->Grid().viewport()->mapToGlobal(at), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(window->Grid().viewport(), &move);
+    }
+    QTest::mouseRelease(window->Grid().viewport(), Qt::LeftButton, {}, Middle(below, column::kExplanation));
+    EXPECT_EQ(window->Grid().SelectedBlock(), (center::CellRange{2, 2, below, 2}));
+    ClickRowHeader(below);
+    EXPECT_THAT(TakeMessages(), IsEmpty());
+    const std::vector<std::string> before = Contents();
+    Type("7");
+    EXPECT_THAT(TakeMessages(), ElementsAre("请连续录入凭证模板分录！"));
+    EXPECT_EQ(window->Grid().Model().AddressOf(window->Grid().currentIndex()).row, Rows() + 1);
+    Click(below, column::kExplanation);
+    EXPECT_THAT(TakeMessages(), ElementsAre("请连续录入凭证模板分录！"));
+    Click(3, column::kExplanation);
+    EXPECT_EQ(window->Grid().SelectedBlock(), (center::CellRange{3, 2, 3, 2}));
+    EXPECT_EQ(Contents(), before);
+}
+
+TEST_F(SelectionWayTest, TheCursorFollowsItsLineThroughASave) {
+    OpenTemplate("日常费用");
+    const int last = Rows();
+    const std::string account = Text(last, column::kAccountNumber);
+    Click(last, column::kNo);
+    Type("0");
+    Key(Qt::Key_Return);
+    Click(last, column::kExplanation);
+    Type("moved");
+    Key(Qt::Key_Tab);
+    Press(Qt::Key_S, Qt::ControlModifier);
+    const center::CellAddress at = window->Grid().Model().AddressOf(window->Grid().currentIndex());
+    EXPECT_EQ(at.row, 1);
+    EXPECT_EQ(Text(at.row, column::kExplanation), "moved");
+    EXPECT_EQ(Text(at.row, column::kAccountNumber), account);
+}
+
+TEST_F(SelectionWayTest, ATemplateThatWasEmptiedAsksBeforeItIsSaved) {
+    OpenTemplate("日常费用");
+    Click(1, column::kNo);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(Rows(), 0);
+    surroundings.messageBoxes->answers = {system::MessageResult::Cancel};
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_THAT(TakeMessages(), ElementsAre("当前模板模板信息为空，您确认要保存么？"));
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_GT(Rows(), 0);
+}
+
+TEST_F(SelectionWayTest, SelectedAmountsAreSummedWithoutThoseBetween) {
+    OpenTemplate("日常费用");
+    ShowColumn(column::kAmount);
+    const auto type = [this](int row, const char* amount) {
+        window->Presenter().CommitText({row, column::kAmount}, amount);
+    };
+    type(1, "30000");
+    type(2, "1900");
+    type(3, "33900");
+    window->Presenter().CommitText({1, column::kDirection}, "借");
+    window->Presenter().CommitText({3, column::kDirection}, "借");
+    Click(1, column::kNo);
+    Press(Qt::Key_End);
+    window->Grid().scrollTo(window->Grid().Model().IndexOf({1, column::kAmount}));
+    Click(1, column::kAmount);
+    Click(3, column::kAmount, Qt::ControlModifier);
+    EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 63,900");
+    window->Presenter().CommitText({3, column::kDirection}, "贷");
+    Click(3, column::kAmount, Qt::ControlModifier);
+    Click(3, column::kAmount, Qt::ControlModifier);
+    EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 借 30,000　贷 33,900");
+}
+
+TEST_F(SelectionWayTest, ALabelTakesACopiedCellWithoutItsLineEnd) {
+    window->Tree().setFocus();
+    ClickTool("mnuNew");
+    Copied("报销办公费\r\n");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(window->Presenter().TemplateName(), "报销办公费");
+    EXPECT_EQ(Number("select count(*) from t_VchTemplate where FName = '报销办公费'"), 1);
+}
+
+}  // namespace
+}  // namespace vicenter::ui
