@@ -5,8 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace vicenter::system::os {
@@ -22,6 +24,37 @@ std::optional<std::vector<unsigned char>> RandomBytes();
 std::string UserDataFolder();
 // The folder of the running program.
 std::string ProgramFolder();
+
+// Copies a file's content into a new file. The library's own copying tells a full disk as a failing one.
+std::error_code CopyContent(const std::string& from, const std::string& to);
+// What was written to the file is on the disk afterwards. False when it cannot be brought there.
+bool SyncFile(const std::string& path);
+// The names of a folder are on the disk afterwards, as far as its file system does that at all.
+void SyncFolder(const std::string& path);
+// Moves a file to another name of the same folder, over what is there, in one step.
+std::error_code MoveOver(const std::string& from, const std::string& to);
+// The same, refused with file_exists when something is there.
+std::error_code MoveToNew(const std::string& from, const std::string& to);
+// This process has the file open, by whatever name. Opening and closing it once more may then cost the locks
+// that it holds.
+bool IsOpenInThisProcess(const std::string& path);
+
+// A file that one process holds: nobody else can take it until it is let go or its holder has ended, however
+// that came.
+class HeldFile {
+  public:
+    // Makes the file. Nothing when it is there already or cannot be made.
+    static std::unique_ptr<HeldFile> Make(const std::string& path);
+    // Nothing when somebody holds it or it is not there.
+    static std::unique_ptr<HeldFile> Take(const std::string& path);
+    HeldFile(const HeldFile&) = delete;
+    HeldFile& operator=(const HeldFile&) = delete;
+    ~HeldFile();
+
+  private:
+    explicit HeldFile(int handle) : handle_(handle) {}
+    int handle_;
+};
 
 // Address space, in multiples of 64 KiB, that becomes memory page by page as it is written to; nullptr when
 // there is none or the system has no such service.

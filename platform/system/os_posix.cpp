@@ -1,10 +1,15 @@
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <spawn.h>
+#include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -76,7 +81,9 @@ std::string UserDataFolder() {
     if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
         return std::string(home) + "/.local/share";
     }
-    return PathToUtf8(std::filesystem::temp_directory_path());
+    std::error_code failed;
+    const auto temporary = std::filesystem::temp_directory_path(failed);
+    return failed ? std::string("/tmp") : PathToUtf8(temporary);
 }
 
 std::string ProgramFolder() {
@@ -90,6 +97,102 @@ std::string ProgramFolder() {
     std::error_code error;
     const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
     return error ? std::string(".") : PathToUtf8(path.parent_path());
+}
+
+std::error_code CopyContent(const std::string& from, const std::string& to) {
+    constexpr mode_t kUsual = 0666;
+    const auto failure = [] { return std::error_code(errno, std::generic_category()); };
+    const int source = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    if (source < 0) return failure();
+    const int target = open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kUsual);
+    std::error_code failed = target < 0 ? failure() : std::error_code();
+    std::vector<char> buffer(256U << 10);
+    ssize_t count = 0;
+    while (!failed && (count = read(source, buffer.data(), buffer.size())) > 0) {
+        for (ssize_t done = 0; !failed && done < count;) {
+            const ssize_t written =
+                write(target, buffer.data() + done, static_cast<std::size_t>(count - done));
+            if (written < 0) failed = failure();
+            done += written;
+        }
+    }
+    if (!failed && count < 0) failed = failure();
+    close(source);
+    if (target >= 0 && close(target) != 0 && !failed) failed = failure();
+    return failed;
+}
+
+bool SyncFile(const std::string& path) {
+    const int handle = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (handle < 0) return false;
+    // A file system without syncing says so; everything else means that data may be lost.
+    const bool good = fsync(handle) == 0 || errno == EINVAL || errno == ENOTSUP;
+    return close(handle) == 0 && good;
+}
+
+void SyncFolder(const std::string& path) {
+    const int handle = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (handle < 0) return;
+    fsync(handle);
+    close(handle);
+}
+
+std::error_code MoveOver(const std::string& from, const std::string& to) {
+    return std::rename(from.c_str(), to.c_str()) == 0 ? std::error_code()
+                                                      : std::error_code(errno, std::generic_category());
+}
+
+std::error_code MoveToNew(const std::string& from, const std::string& to) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return {};
+    if (errno != EINVAL && errno != ENOSYS) return {errno, std::generic_category()};
+    // A file system that does not know the flag: a second name is refused where one stands.
+    if (link(from.c_str(), to.c_str()) == 0) {
+        unlink(from.c_str());
+        return {};
+    }
+    return {errno, std::generic_category()};
+}
+
+bool IsOpenInThisProcess(const std::string& path) {
+    struct stat wanted {};
+    if (stat(path.c_str(), &wanted) != 0) return false;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd", error)) {
+        struct stat open {};
+        if (stat(entry.path().c_str(), &open) == 0 && open.st_dev == wanted.st_dev &&
+            open.st_ino == wanted.st_ino) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::unique_ptr<HeldFile> HeldFile::Make(const std::string& path) {
+    constexpr mode_t kOwnerOnly = 0600;
+    const int handle = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly);
+    if (handle < 0) return nullptr;
+    struct stat now {};
+    // Between the two calls somebody may have tidied it up.
+    if (flock(handle, LOCK_EX | LOCK_NB) == 0 && fstat(handle, &now) == 0 && now.st_nlink > 0)
+        return std::unique_ptr<HeldFile>(new HeldFile(handle));
+    close(handle);
+    return nullptr;
+}
+
+std::unique_ptr<HeldFile> HeldFile::Take(const std::string& path) {
+    const int handle = open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (handle < 0) return nullptr;
+    struct stat now {};
+    if (fstat(handle, &now) == 0 && S_ISREG(now.st_mode) && now.st_uid == geteuid() &&
+        flock(handle, LOCK_EX | LOCK_NB) == 0) {
+        return std::unique_ptr<HeldFile>(new HeldFile(handle));
+    }
+    close(handle);
+    return nullptr;
+}
+
+HeldFile::~HeldFile() {
+    close(handle_);
 }
 
 void* MapMemory(std::size_t bytes) {

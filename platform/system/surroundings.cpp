@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <utility>
@@ -125,10 +126,21 @@ class NoScreen : public Screen {
     void Repaint() override {}
 };
 
+// The variable that leads nowhere, for whoever can change it.
+std::string NoTemporaryFolder() {
+    for (const char* name : {"TMPDIR", "TMP", "TEMP", "TEMPDIR"}) {
+        if (const char* value = std::getenv(name); value != nullptr)
+            return std::string("临时文件夹不存在或不是文件夹：") + value + "（环境变量 " + name + "）";
+    }
+    return "临时文件夹不存在或不是文件夹。";
+}
+
 class SystemFolders : public Folders {
   public:
     std::string Temporary() override {
-        std::string path = PathToUtf8(std::filesystem::temp_directory_path());
+        std::error_code failed;
+        std::string path = PathToUtf8(std::filesystem::temp_directory_path(failed));
+        if (failed) throw automation::Error(automation::error_number::kPathNotFound, NoTemporaryFolder());
         while (path.size() > 1 && (path.back() == '/' || path.back() == '\\'))
             path.pop_back();
         return path;

@@ -1,0 +1,137 @@
+#include "platform/system/file_replacement.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "automation/error.h"
+#include "automation/object.h"
+#include "platform/system/files.h"
+#include "platform/system/os.h"
+
+namespace vicenter::system {
+
+using automation::Error;
+namespace error_number = automation::error_number;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kDatabaseHead{"SQLite format 3\0", 16};
+constexpr int kMostLinks = 40;
+
+// The end of a chain of links, which need not exist.
+fs::path BehindLinks(fs::path path) {
+    std::error_code failed;
+    for (int i = 0; i < kMostLinks && fs::is_symlink(fs::symlink_status(path, failed)); ++i) {
+        const fs::path next = fs::read_symlink(path, failed);
+        if (failed) break;
+        path = next.is_absolute() ? next : path.parent_path() / next;
+    }
+    return path;
+}
+
+std::string FolderOf(const fs::path& file) {
+    std::error_code failed;
+    const fs::path folder = fs::absolute(file, failed).parent_path();
+    return PathToUtf8(failed ? fs::path(".") : folder);
+}
+
+// Empty when something could be written there; what is already there is not looked into.
+std::string WhyNoPlace(const fs::path& file) {
+    const std::string text = PathToUtf8(file);
+    std::error_code failed;
+    const fs::file_status status = fs::status(file, failed);
+    if (fs::is_directory(status)) return "目标是文件夹，不能写入文件：" + text;
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        return "目标不是普通文件（设备、管道等），不能覆盖：" + text;
+    if (!file.has_filename()) return "没有给出文件名：" + text;
+    const std::string folder = FolderOf(file);
+    if (!fs::is_directory(PathFromUtf8(folder), failed)) return "文件夹不存在：" + folder;
+    return {};
+}
+
+bool HasExtension(const fs::path& file, const std::vector<std::string_view>& extensions) {
+    const std::string extension = PathToUtf8(file.extension());
+    return std::any_of(extensions.begin(), extensions.end(), [&](std::string_view wanted) {
+        return !extension.empty() && automation::SameName(std::string_view(extension).substr(1), wanted);
+    });
+}
+
+// The reason in the user's language, where it is one of those that users meet.
+std::string Told(const std::error_code& failed) {
+    if (failed == std::errc::no_space_on_device || failed == std::errc::file_too_large) return "磁盘已满";
+    if (failed == std::errc::permission_denied || failed == std::errc::operation_not_permitted ||
+        failed == std::errc::read_only_file_system)
+        return "没有写入权限";
+    return failed.message();
+}
+
+std::string TargetBehind(const std::string& target) {
+    const fs::path file = BehindLinks(PathFromUtf8(target));
+    if (const std::string refusal = WhyNoPlace(file); !refusal.empty())
+        throw Error(error_number::kPathNotFound, refusal);
+    return PathToUtf8(file);
+}
+
+}  // namespace
+
+FileReplacement::FileReplacement(const std::string& target)
+    : target_(TargetBehind(target)), part_(UnfinishedFile::NewPath(FolderOf(PathFromUtf8(target_)))) {
+    RemoveLeftBehind(FolderOf(PathFromUtf8(target_)));
+}
+
+void FileReplacement::PutInPlace(Durable durable) {
+    Finish(durable, true);
+}
+
+void FileReplacement::PutInPlaceAsNew() {
+    Finish(Durable::Yes, false);
+}
+
+void FileReplacement::Finish(Durable durable, bool replace) {
+    const fs::path target = PathFromUtf8(target_);
+    if (durable == Durable::Yes && !os::SyncFile(Path()))
+        throw Error(error_number::kPermissionDenied, "无法写入文件，磁盘可能已满或没有权限！");
+    // It may have become something else meanwhile.
+    if (const std::string refusal = WhyNoPlace(target); !refusal.empty())
+        throw Error(error_number::kPathNotFound, refusal);
+    std::error_code ignored;
+    if (const fs::file_status old = fs::status(target, ignored); replace && fs::exists(old))
+        fs::permissions(PathFromUtf8(Path()), old.permissions() | fs::perms::owner_write, ignored);
+    const std::error_code failed = replace ? os::MoveOver(Path(), target_) : os::MoveToNew(Path(), target_);
+    if (failed == std::errc::file_exists)
+        throw Error(error_number::kFileAlreadyExists, "文件已存在：" + target_);
+    if (failed) throw Error(error_number::kPermissionDenied, Told(failed) + "：" + target_);
+    if (durable == Durable::Yes) os::SyncFolder(FolderOf(target));
+}
+
+std::string WhyNotWritable(const std::string& target, const Replaceable& replaceable) {
+    const fs::path file = BehindLinks(PathFromUtf8(target));
+    if (std::string refusal = WhyNoPlace(file); !refusal.empty()) return refusal;
+    std::error_code failed;
+    if (!fs::exists(file, failed)) return {};
+    const std::string text = PathToUtf8(file);
+    if (os::IsOpenInThisProcess(text)) return "目标文件正在使用，不能覆盖：" + text;
+    std::array<char, kDatabaseHead.size()> bytes{};
+    std::ifstream content(file, std::ios::binary);
+    if (!content) return "目标文件无法读取，不能确认可以覆盖：" + text;
+    content.read(bytes.data(), bytes.size());
+    const std::string_view head(bytes.data(), static_cast<std::size_t>(content.gcount()));
+    if (head == kDatabaseHead) return "目标是账套或其他数据库文件，不能覆盖：" + text;
+    if (HasExtension(file, replaceable.extensions)) return {};
+    const bool known = std::any_of(replaceable.heads.begin(), replaceable.heads.end(),
+                                   [head](std::string_view wanted) { return head.starts_with(wanted); });
+    return known ? std::string() : "目标文件已存在，且不是" + replaceable.what + "，不能覆盖：" + text;
+}
+
+void ReplaceWithCopy(const std::string& source, const std::string& target, Durable durable) {
+    FileReplacement replacement(target);
+    if (const std::error_code failed = os::CopyContent(source, replacement.Path()))
+        throw Error(error_number::kPermissionDenied, Told(failed) + "：" + target);
+    replacement.PutInPlace(durable);
+}
+
+}  // namespace vicenter::system
