@@ -5,7 +5,9 @@
 #include "automation/class_registry.h"
 #include "entry/names.h"
 #include "entry/sql_text.h"
+#include "platform/system/file_replacement.h"
 #include "platform/system/surroundings.h"
+#include "platform/system/unfinished_file.h"
 
 namespace vicenter::exchange {
 
@@ -64,6 +66,11 @@ std::int32_t ExcelVersion() {
     return installedVersion;
 }
 
+std::string WhyNotWorkbookTarget(const std::string& fileName) {
+    return system::WhyNotWritable(
+        fileName, {"工作簿", {"PK\x03\x04", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1"}, {"xls", "xlsx"}});
+}
+
 bool SaveWorkbookAs(const ObjectRef& excel, const ObjectRef& workbook, const std::string& fileName,
                     std::string& errorText, bool showMessage) {
     if (!excel || !workbook) return false;
@@ -73,7 +80,10 @@ bool SaveWorkbookAs(const ObjectRef& excel, const ObjectRef& workbook, const std
     try {
         files = automation::CreateObject(kFileSystemProgId);
         const std::string extension = files->Call("GetExtensionName", {fileName}).ToText();
+        if (const std::string refusal = WhyNotWorkbookTarget(fileName); !refusal.empty())
+            throw Error(automation::error_number::kPermissionDenied, refusal);
         temporary = entry::MakeTempName(true, extension);
+        const system::UnfinishedFile unfinished(temporary);
         const std::int32_t version = VersionOf(excel);
         bool refused = false;
         if (UpperCase(extension) == "XLSX") {
@@ -90,16 +100,20 @@ bool SaveWorkbookAs(const ObjectRef& excel, const ObjectRef& workbook, const std
         }
         if (!refused) {
             const auto targetExists = [&] { return files->Call("FileExists", {fileName}).ToBoolean(); };
-            if (targetExists()) ForceDelete(files, fileName);
-            if (targetExists()) {
-                DeleteIfPresent(files, temporary);
+            // Deleting first and copying then leaves neither file when the second fails; only a foreign file
+            // system object has nothing better.
+            const bool canReplace = files->HasMember("ReplaceFile");
+            if (!canReplace && targetExists()) ForceDelete(files, fileName);
+            if (!canReplace && targetExists()) {
                 errorText = std::string("目标文件正在使用，无法引出!") + entry::kCrLf + "文件：" + fileName;
             } else {
                 workbook->Call("Close", {false});
-                files->Call("CopyFile", {temporary, fileName, true});
-                DeleteIfPresent(files, temporary);
+                files->Call(
+                    canReplace ? "ReplaceFile" : "CopyFile",
+                    canReplace ? Arguments{temporary, fileName} : Arguments{temporary, fileName, true});
                 saved = targetExists();
             }
+            DeleteIfPresent(files, temporary);
         }
     } catch (const Error& error) {
         DeleteIfPresent(files, temporary);

@@ -22,9 +22,14 @@ bool IsExcelInstalled();
 // The whole part of the version found by the last IsExcelInstalled().
 std::int32_t ExcelVersion();
 
-// Saves the workbook through a temporary file and copies it to the target, closing the workbook before.
-// Returns whether the target exists afterwards. What went wrong is put into errorText; it is shown only with
-// showMessage. Never throws.
+// Why no workbook can be written under that name, for users; empty when it can: a file that is neither a
+// workbook nor called one is never written over, and no account set, device or folder, also behind a link.
+std::string WhyNotWorkbookTarget(const std::string& fileName);
+
+// Saves the workbook through a temporary file and copies it to the target, closing the workbook before. The
+// target holds the old file or the new one at every moment, where the file system object can replace files.
+// Returns whether the new target exists afterwards. What went wrong is put into errorText; it is shown only
+// with showMessage. Never throws.
 bool SaveWorkbookAs(const ObjectRef& excel, const ObjectRef& workbook, const std::string& fileName,
                     std::string& errorText, bool showMessage);
 

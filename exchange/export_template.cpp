@@ -11,6 +11,7 @@
 #include "exchange/excel_access.h"
 #include "exchange/template_columns.h"
 #include "platform/system/collation.h"
+#include "platform/system/file_names.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
 
@@ -46,14 +47,6 @@ bool CheckReady(const TemplateWindow& window) {
         return false;
     }
     return true;
-}
-
-void DeleteExisting(const std::string& fileName) {
-    try {
-        automation::CreateObject("Scripting.FileSystemObject")->Call("DeleteFile", {fileName});
-    } catch (const Error&) {
-        // Nothing there, or in use: the save routine meets it again.
-    }
 }
 
 bool SameText(std::string_view a, std::string_view b) {
@@ -157,6 +150,13 @@ void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, TemplateWindow& 
     cells.At(1, 1)->Call("Select");
 }
 
+// An existing file stays until the new one takes its place. What cannot be written over is refused before
+// any work is done.
+ExportOutcome Write(TemplateWindow& window, const std::string& fileName) {
+    if (std::string refusal = WhyNotWorkbookTarget(fileName); !refusal.empty()) return {false, refusal};
+    return WriteTemplateWorkbook(window, fileName, true);
+}
+
 std::string FailureText(const Error& error) {
     std::string text = "模板引出失败！" + error.Text();
     if (error.Text().find("不能访问") != std::string::npos) text += "请先关闭已经打开的模板文件(Excel)。";
@@ -165,7 +165,7 @@ std::string FailureText(const Error& error) {
 
 }  // namespace
 
-bool WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, bool interactive) {
+ExportOutcome WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, bool interactive) {
     const std::string name = window.TemplateName();
     const auto endInteraction = [&] {
         if (!interactive) return;
@@ -178,20 +178,20 @@ bool WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, 
     }
     try {
         bool saved = false;
+        std::string errorText;
         {
             const ExcelSession session;
             const ObjectRef workbook =
                 session.Application()->Get("Workbooks").AsObject()->Call("Add").AsObject();
             BuildSheet(session.Application(), OnlySheet(workbook), window, interactive);
-            std::string errorText;
             saved = SaveWorkbookAs(session.Application(), workbook, fileName, errorText, false);
         }
         if (saved && interactive) window.SetProgressLabel("引出完毕...");
         endInteraction();
-        if (!saved) return false;
+        if (!saved) return {false, errorText.empty() ? "工作簿未能写入：" + fileName : errorText};
         if (interactive) ShowMessage("模板引出成功！");
         entry::WriteOperationLog(entry::LogKind::Succeeded, "凭证模板-引出模板 " + name + " 成功");
-        return true;
+        return {true};
     } catch (const Cancelled&) {
         endInteraction();
     } catch (const Error& error) {
@@ -199,11 +199,11 @@ bool WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, 
         if (interactive) ShowMessage(FailureText(error));
         entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-引出模板 " + name + " 失败");
     }
-    return false;
+    return {};
 }
 
-void ExportTemplate(TemplateWindow& window) {
-    if (!CheckReady(window)) return;
+ExportOutcome ExportTemplate(TemplateWindow& window) {
+    if (!CheckReady(window)) return {};
     const std::string name = window.TemplateName();
     system::FileRequest request;
     request.title = "指定引出文件名";
@@ -213,17 +213,25 @@ void ExportTemplate(TemplateWindow& window) {
         request.filters.push_back({"Database File Excel File (*.xlsx)", "*.xlsx"});
         request.selectedFilter = 1;
     }
-    request.proposedName = name;
+    request.proposedName = system::SafeFileName(name);
     const auto chosen = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);
-    if (!chosen || chosen->empty() || *chosen == name) return;
-    DeleteExisting(*chosen);
-    WriteTemplateWorkbook(window, *chosen, true);
+    if (!chosen || chosen->empty() || *chosen == name || *chosen == request.proposedName) return {};
+    return Write(window, *chosen);
 }
 
-bool ExportTemplateTo(TemplateWindow& window, const std::string& fileName) {
-    if (!CheckReady(window)) return false;
-    DeleteExisting(fileName);
-    return WriteTemplateWorkbook(window, fileName, true);
+ExportOutcome ExportTemplateTo(TemplateWindow& window, const std::string& fileName) {
+    if (!CheckReady(window)) return {};
+    return Write(window, fileName);
+}
+
+void TellUnwritten(const TemplateWindow& window, const ExportOutcome& outcome) {
+    if (outcome.written || outcome.untold.empty()) return;
+    ShowMessage("模板引出失败！" + outcome.untold);
+    LogUnwritten(window);
+}
+
+void LogUnwritten(const TemplateWindow& window) {
+    entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-引出模板 " + window.TemplateName() + " 失败");
 }
 
 }  // namespace vicenter::exchange

@@ -10,16 +10,30 @@
 
 namespace vicenter::exchange {
 
+// What became of an export.
+struct ExportOutcome {
+    bool written = false;
+    // Why the save routine wrote nothing, or the target was refused. The routines themselves are silent about
+    // it; empty when they have spoken, or the user has cancelled.
+    std::string untold = {};
+
+    explicit operator bool() const { return written; }
+};
+
 // The export command: asks for a file name, then writes. Shows its own messages, never throws.
-void ExportTemplate(TemplateWindow& window);
+ExportOutcome ExportTemplate(TemplateWindow& window);
+
+// What the command leaves unsaid, said and logged afterwards.
+void TellUnwritten(const TemplateWindow& window, const ExportOutcome& outcome);
+// The log entry alone, where it is said in another way.
+void LogUnwritten(const TemplateWindow& window);
 
 // The export command on a file name that is already chosen (command line, drag and drop): the checks for an
-// open template and an installed server, then as the command from the removal of an existing file on. True
-// when the workbook was written.
-bool ExportTemplateTo(TemplateWindow& window, const std::string& fileName);
+// open template and an installed server, then as the command from the chosen name on.
+ExportOutcome ExportTemplateTo(TemplateWindow& window, const std::string& fileName);
 
 // Builds and saves the workbook. With interactive set it shows the progress panel and the messages.
-// True when the workbook was written; a failure is told to the user and logged, never thrown.
-bool WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, bool interactive);
+// A failure while building is told to the user and logged, never thrown.
+ExportOutcome WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, bool interactive);
 
 }  // namespace vicenter::exchange

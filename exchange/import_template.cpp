@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 
 #include "automation/class_registry.h"
 #include "entry/host_context.h"
@@ -15,6 +16,7 @@
 #include "exchange/import_rows.h"
 #include "platform/system/collation.h"
 #include "platform/system/surroundings.h"
+#include "platform/system/unfinished_file.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 
@@ -54,6 +56,7 @@ class TemporaryCopy {
   public:
     TemporaryCopy(ObjectRef files, const std::string& fileName) : files_(std::move(files)) {
         name_ = entry::MakeTempName(true, files_->Call("GetExtensionName", {fileName}).ToText());
+        unfinished_.emplace(name_);
         files_->Call("CopyFile", {fileName, name_, true});
     }
     TemporaryCopy(const TemporaryCopy&) = delete;
@@ -70,6 +73,7 @@ class TemporaryCopy {
   private:
     ObjectRef files_;
     std::string name_;
+    std::optional<system::UnfinishedFile> unfinished_;
 };
 
 ObjectRef FindTemplateSheet(const ObjectRef& workbook) {

@@ -69,7 +69,7 @@ void CenterCommands::ImportFile(center::TemplateWindow& window, const std::strin
 
 void CenterCommands::Export(center::TemplateWindow& window) {
     ExchangeWindow exchangeWindow(window);
-    exchange::ExportTemplate(exchangeWindow);
+    exchange::TellUnwritten(exchangeWindow, exchange::ExportTemplate(exchangeWindow));
 }
 
 void CenterCommands::UploadToCloud(center::TemplateWindow&) {

@@ -15,6 +15,8 @@
 #include <algorithm>
 #include <ostream>
 
+#include "automation/error.h"
+#include "platform/system/file_replacement.h"
 #include "ui/qt_surroundings.h"
 #include "ui/qt_text.h"
 #include "ui/vicenter_window.h"
@@ -95,10 +97,21 @@ void OffscreenSession::Expect(bool condition, const std::string& what) {
 
 void OffscreenSession::Picture(const std::string& stem, QWidget* of) {
     Settle();
-    const QString path = QDir(ToQt(folder_)).filePath(ToQt(stem) + QStringLiteral(".png"));
-    const bool saved = (of ? of : window_)->grab().save(path);
-    Expect(saved, "cannot write " + FromQt(path));
-    if (saved) out_ << "     -> " << FromQt(path) << "\n";
+    const std::string path = FromQt(QDir(ToQt(folder_)).filePath(ToQt(stem) + QStringLiteral(".png")));
+    std::string refusal = system::WhyNotWritable(path, {"图片", {"\x89PNG"}, {}});
+    if (refusal.empty()) {
+        try {
+            system::FileReplacement file(path);
+            if ((of ? of : window_)->grab().save(ToQt(file.Path()), "PNG")) {
+                file.PutInPlace();
+                out_ << "     -> " << path << "\n";
+                return;
+            }
+        } catch (const automation::Error& error) {
+            refusal = error.Text();
+        }
+    }
+    Expect(false, "cannot write " + path + " " + refusal);
 }
 
 VICenterWindow* OffscreenSession::OpenWindow() {

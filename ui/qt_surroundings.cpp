@@ -1,12 +1,14 @@
 #include "ui/qt_surroundings.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+#include "entry/sql_text.h"
 #include "ui/qt_text.h"
 
 namespace vicenter::ui {
@@ -14,6 +16,7 @@ namespace vicenter::ui {
 namespace {
 
 constexpr std::uint32_t kOverwritePrompt = 0x2;
+constexpr std::uint32_t kPathMustExist = 0x800;
 
 QMessageBox::StandardButtons StandardButtons(system::MessageButtons buttons) {
     switch (buttons) {
@@ -47,6 +50,28 @@ QWidget* DialogParent() {
     if (QWidget* modal = QApplication::activeModalWidget()) return modal;
     return QApplication::activeWindow();
 }
+
+// A dialog to save with whose promise "the path must exist" holds: a name in a folder that is not there keeps
+// it open.
+class SavingDialog : public QFileDialog {
+  public:
+    SavingDialog(QWidget* parent, bool pathMustExist) : QFileDialog(parent), pathMustExist_(pathMustExist) {}
+
+    void accept() override {
+        const QStringList files = selectedFiles();
+        const QString folder = files.isEmpty() ? QString() : QFileInfo(files.constFirst()).absolutePath();
+        if (pathMustExist_ && !folder.isEmpty() && !QFileInfo(folder).isDir()) {
+            QtMessageBoxes().Show(
+                FromQt(QStringLiteral("文件夹不存在，请重新输入文件名！\r\n\r\n%1").arg(folder)),
+                system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+            return;
+        }
+        QFileDialog::accept();
+    }
+
+  private:
+    bool pathMustExist_;
+};
 
 std::optional<std::string> Chosen(QFileDialog& dialog) {
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
@@ -194,7 +219,7 @@ std::optional<std::string> QtFileDialogs::ChooseFileToOpen(const system::FileReq
 }
 
 std::optional<std::string> QtFileDialogs::ChooseFileToSave(const system::FileRequest& request) {
-    QFileDialog dialog(DialogParent());
+    SavingDialog dialog(DialogParent(), (request.flags & kPathMustExist) != 0);
     FillFileDialog(dialog, request, true);
     return Chosen(dialog);
 }

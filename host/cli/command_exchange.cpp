@@ -7,11 +7,13 @@
 #include "automation/error.h"
 #include "center/window_state.h"
 #include "entry/host_services.h"
+#include "exchange/excel_access.h"
 #include "exchange/export_template.h"
 #include "exchange/import_template.h"
 #include "host/cli/context.h"
 #include "host/cli/rights.h"
 #include "host/cli/templates.h"
+#include "platform/system/file_names.h"
 #include "platform/system/files.h"
 
 namespace vicenter::host {
@@ -48,14 +50,9 @@ class WindowlessTemplate : public exchange::TemplateWindow {
     std::int32_t imported_ = 0;
 };
 
-// A template's name as a file's: the characters that no file system takes become "_".
-std::string FileNameOf(std::string name, std::set<std::string>& taken) {
-    for (char& c : name) {
-        const bool refused = static_cast<unsigned char>(c) < 0x20 ||
-                             std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos;
-        if (refused) c = '_';
-    }
-    if (name.empty() || name == "." || name == "..") name = "_";
+// A template's name as a file's that is not taken yet.
+std::string FileNameOf(const std::string& templateName, std::set<std::string>& taken) {
+    const std::string name = system::SafeFileName(templateName);
     std::string result = name;
     for (int n = 2; !taken.insert(result).second; ++n)
         result = name + "(" + std::to_string(n) + ")";
@@ -72,12 +69,14 @@ bool MayReplace(const std::string& file) {
 bool Export(const CliContext& context, const TemplateHead& head, const std::string& file) {
     entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-引出模板");
     WindowlessTemplate window(head);
-    if (!MayReplace(file)) return false;
-    const std::size_t told = context.messages.Shown().size();
-    if (exchange::ExportTemplateTo(window, file)) return true;
-    // The save routine keeps its reasons to itself; a script needs at least the name.
-    if (context.messages.Shown().size() == told) Fail(context, "工作簿未能写入：" + file);
-    return false;
+    // What cannot be replaced is not asked about.
+    if (exchange::WhyNotWorkbookTarget(file).empty() && !MayReplace(file)) return false;
+    const exchange::ExportOutcome outcome = exchange::ExportTemplateTo(window, file);
+    if (!outcome.untold.empty()) {
+        Fail(context, "工作簿未能写入：" + file + "\n  " + outcome.untold);
+        exchange::LogUnwritten(window);
+    }
+    return outcome.written;
 }
 
 bool IsWorkbook(const fs::path& path) {

@@ -10,6 +10,7 @@
 #include "platform/office/xls_writer.h"
 #include "platform/office/xlsx_reader.h"
 #include "platform/office/xlsx_writer.h"
+#include "platform/system/file_replacement.h"
 
 namespace vicenter::office {
 
@@ -39,17 +40,14 @@ std::unique_ptr<Workbook> ReadWorkbook(const std::string& fileName, FileKind* ki
 }
 
 void WriteWorkbook(const Workbook& workbook, const std::string& fileName, FileKind kind) {
-    try {
-        if (kind == FileKind::Xls) {
-            WriteXls(workbook, fileName);
-        } else {
-            WriteXlsx(workbook, fileName);
-        }
-    } catch (...) {
-        std::error_code ignored;
-        std::filesystem::remove(PathOf(fileName), ignored);
-        throw;
+    system::FileReplacement file(fileName);
+    if (kind == FileKind::Xls) {
+        WriteXls(workbook, file.Path());
+    } else {
+        WriteXlsx(workbook, file.Path());
     }
+    // Whoever needs it to outlast a power cut copies it on from here.
+    file.PutInPlace(system::Durable::No);
 }
 
 }  // namespace vicenter::office

@@ -14,7 +14,7 @@ enum class FileKind { Xls, Xlsx };
 
 // `kind`, when given, gets what the content turned out to be.
 std::unique_ptr<Workbook> ReadWorkbook(const std::string& fileName, FileKind* kind = nullptr);
-// Leaves no half-written file behind when it fails.
+// An existing file keeps its content when writing fails.
 void WriteWorkbook(const Workbook& workbook, const std::string& fileName, FileKind kind);
 
 }  // namespace vicenter::office

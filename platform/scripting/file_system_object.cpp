@@ -5,6 +5,7 @@
 
 #include "automation/class_registry.h"
 #include "platform/scripting/dictionary.h"
+#include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
 
@@ -77,6 +78,11 @@ const MemberTable<FileSystemObject>& FileSystemObject::Members() {
         Method<Self>("CopyFile", {"Source", "Destination", "OverWriteFiles?"},
                      [](Self&, Arguments& a) {
                          CopyFile(TextAt(a, 0), TextAt(a, 1), FlagAt(a, 2, true));
+                         return Variant();
+                     }),
+        Method<Self>("ReplaceFile", {"Source", "Destination"},
+                     [](Self&, Arguments& a) {
+                         ReplaceFile(TextAt(a, 0), TextAt(a, 1));
                          return Variant();
                      }),
         Method<Self>("GetFile", {"FilePath"},
@@ -171,6 +177,11 @@ void FileSystemObject::CopyFile(const std::string& source, const std::string& ta
         if (!existed) fs::remove(PathFromUtf8(target), ignored);
         Fail(error);
     }
+}
+
+void FileSystemObject::ReplaceFile(const std::string& source, const std::string& target) {
+    if (!FileExists(source)) throw Error(error_number::kFileNotFound, {}, kSource);
+    system::ReplaceWithCopy(source, target);
 }
 
 std::int32_t FileSystemObject::Attributes(const std::string& path) {

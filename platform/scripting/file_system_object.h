@@ -32,6 +32,9 @@ class FileSystemObject : public automation::TableObject<FileSystemObject> {
     // A write-protected file needs force.
     static void DeleteFile(const std::string& path, bool force);
     static void CopyFile(const std::string& source, const std::string& target, bool overwrite);
+    // Copies a file over another, or to a new name, so that the name holds the old content or the new one at
+    // every moment.
+    static void ReplaceFile(const std::string& source, const std::string& target);
     static std::int32_t Attributes(const std::string& path);
     static void SetAttributes(const std::string& path, std::int32_t attributes);
     // 2 is the temporary folder; any other kind is error 5.

@@ -93,6 +93,38 @@ TEST_F(ExcelAccessTest, ReplacesAWriteProtectedTarget) {
     EXPECT_GT(std::filesystem::file_size(target), 100u);
 }
 
+TEST_F(ExcelAccessTest, TheTargetIsThereAtEveryMoment) {
+    const std::string target = folder_.File("a.xls");
+    std::ofstream(target) << "old";
+    const auto before = std::filesystem::hard_link_count(target);
+    const auto real = automation::CreateObject("Scripting.FileSystemObject");
+    const auto files = fakes::RegisterScripted("Scripting.FileSystemObject");
+    Lines missing;
+    for (const char* name : {"GetExtensionName", "FileExists", "GetFile", "DeleteFile", "CopyFile",
+                             "ReplaceFile", "GetSpecialFolder", "BuildPath"}) {
+        files->On(name, [&, name](Arguments& a) {
+            Variant result = real->Call(name, a);
+            if (!Exists(target)) missing.emplace_back(name);
+            return result;
+        });
+    }
+    OpenExcel();
+    EXPECT_TRUE(Save(target));
+    EXPECT_EQ(missing, Lines{});
+    EXPECT_EQ(before, std::filesystem::hard_link_count(target));
+    EXPECT_GT(std::filesystem::file_size(target), 100u);
+}
+
+TEST_F(ExcelAccessTest, TellsWhatItWillNotWriteOver) {
+    const std::string target = folder_.File("notes.txt");
+    std::ofstream(target) << "old";
+    OpenExcel();
+    EXPECT_FALSE(Save(target));
+    EXPECT_EQ(errorText_, "保存文件失败，原因：目标文件已存在，且不是工作簿，不能覆盖：" + target);
+    EXPECT_TRUE(Messages().empty());
+    EXPECT_EQ(std::filesystem::file_size(target), 3u);
+}
+
 TEST_F(ExcelAccessTest, LeavesATargetInUseAlone) {
     // A file that resists its removal, as one does that another program has open.
     const std::string target = folder_.File("a.xls");

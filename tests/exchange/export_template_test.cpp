@@ -160,6 +160,76 @@ TEST_F(ExportTest, ReplacesAnExistingFile) {
     EXPECT_EQ(office::ReadWorkbook(file)->Sheets()[0]->UsedArea().lastRow, 2u);
 }
 
+TEST_F(ExportTest, AFailedExportLeavesTheOldWorkbook) {
+    const std::string file = folder_.File("a.xlsx");
+    window_.AddLine({"1"});
+    ASSERT_TRUE(ExportTemplateTo(window_, file));
+    const auto size = std::filesystem::file_size(file);
+    window_.cancel = true;
+    EXPECT_FALSE(ExportTemplateTo(window_, file));
+    window_.cancel = false;
+    window_.AddLine({"1", std::string(40000, 'x')});
+    EXPECT_FALSE(ExportTemplateTo(window_, file));
+    EXPECT_EQ(std::filesystem::file_size(file), size);
+    office::RegisterExcelServer("11.0");
+    window_.lines = 1;
+    EXPECT_FALSE(ExportTemplateTo(window_, file));
+    EXPECT_EQ(std::filesystem::file_size(file), size);
+    EXPECT_EQ(office::ReadWorkbook(file)->Sheets()[0]->UsedArea().lastRow, 1u);
+}
+
+TEST_F(ExportTest, NeverWritesOverWhatIsNoWorkbook) {
+    const std::string letter = folder_.File("letter");
+    std::ofstream(letter) << "dear";
+    const std::string books = folder_.File("books.xlsx");
+    std::ofstream(books) << std::string("SQLite format 3\0", 16) << "books";
+    std::filesystem::create_symlink(books, folder_.File("link.xlsx"));
+    window_.AddLine({"1"});
+    for (const std::string& target : {letter, books, folder_.File("link.xlsx"), std::string("/dev/null")}) {
+        surroundings_.fileDialogs->choices = {target};
+        for (const ExportOutcome& outcome : {ExportTemplate(window_), ExportTemplateTo(window_, target)}) {
+            EXPECT_FALSE(outcome);
+            EXPECT_TRUE(
+                outcome.untold.ends_with("不能覆盖：" + (target.ends_with("link.xlsx") ? books : target)))
+                << outcome.untold;
+        }
+        EXPECT_FALSE(WriteTemplateWorkbook(window_, target, false)) << "through any other way";
+    }
+    EXPECT_EQ(std::filesystem::file_size(letter), 4u);
+    EXPECT_EQ(std::filesystem::file_size(books), 21u);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    EXPECT_TRUE(TemporaryFiles().empty());
+}
+
+TEST_F(ExportTest, ProposesANameThatAFileCanHaveAndTakesItUnchangedForACancelledDialog) {
+    window_.templateName = "应收/应付";
+    surroundings_.fileDialogs->choices = {"应收_应付"};
+    const ExportOutcome outcome = ExportTemplate(window_);
+    EXPECT_EQ(surroundings_.fileDialogs->requests[0].proposedName, "应收_应付");
+    EXPECT_EQ(outcome.untold, "");
+    EXPECT_TRUE(window_.told.empty());
+}
+
+TEST_F(ExportTest, WhatTheSaveRoutineKeepsToItselfIsToldAndLoggedAfterwards) {
+    const std::string file = folder_.File("应收/应付.xlsx");
+    surroundings_.fileDialogs->choices = {file};
+    const ExportOutcome outcome = ExportTemplate(window_);
+    EXPECT_TRUE(Messages().empty());
+    EXPECT_TRUE(log_->Calls().empty());
+    TellUnwritten(window_, outcome);
+    EXPECT_EQ(Messages(), Lines{"模板引出失败！文件夹不存在：" + folder_.File("应收")});
+    EXPECT_EQ(LastTitle(), "信息提示");
+    EXPECT_EQ(log_->Calls(), Lines{"WriteLog(K831000, 4, 凭证模板-引出模板 我的模板 失败)"});
+    // What has been told is not told twice, nor is success.
+    window_.AddLine({"1", std::string(40000, 'x')});
+    TellUnwritten(window_, ExportTemplateTo(window_, folder_.File("b.xlsx")));
+    EXPECT_EQ(Messages().size(), 2u);
+    window_.lines = 0;
+    TellUnwritten(window_, ExportTemplateTo(window_, folder_.File("b.xlsx")));
+    EXPECT_EQ(Messages().back(), "模板引出成功！");
+    EXPECT_EQ(Messages().size(), 3u);
+}
+
 TEST_F(ExportTest, LeavesNoFileWhenCancelled) {
     window_.AddLine({"1"});
     window_.cancel = true;

@@ -111,7 +111,8 @@ TEST_F(CliInput, AWorkbookThatCannotBeWrittenIsNamed) {
     const std::string file = folder_.Path("nowhere") + "/a.xlsx";
     const CliAnswer answer = Run({"export", "标准模板", file});
     EXPECT_EQ(answer.exitCode, 1);
-    EXPECT_EQ(answer.errors, "vicenter: 工作簿未能写入：" + file + "\n");
+    EXPECT_EQ(answer.errors,
+              "vicenter: 工作簿未能写入：" + file + "\n  文件夹不存在：" + folder_.Path("nowhere") + "\n");
     // Whoever has answered the question knows why.
     const std::string there = Write("there.xlsx", "x");
     EXPECT_THAT(Run({"--no", "export", "标准模板", there}).errors, testing::Not(HasSubstr("未能写入")));

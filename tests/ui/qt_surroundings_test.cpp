@@ -1,9 +1,11 @@
 #include "ui/qt_surroundings.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -43,6 +45,40 @@ TEST(QtMessageBox, EscapeAndTheFrameDoNotAnswerBetweenYesAndNo) {
         EXPECT_EQ(box.windowFlags().testFlag(Qt::WindowCloseButtonHint), !stays);
         box.hide();
     }
+}
+
+TEST(QtFileDialog, ANameInAFolderThatIsNotThereKeepsTheDialogOpenAndIsTold) {
+    const fakes::TemporaryFolder folder;
+    system::FileRequest request;
+    request.title = "指定引出文件名";
+    request.flags = 0x80806;
+    request.filters = {{"Database File Excel File (*.xlsx)", "*.xlsx"}};
+    QStringList told;
+    bool stayed = false;
+    int turn = 0;
+    // Comes again before it acts: what it does may open a further box, whose own loop then runs.
+    const std::function<void()> watch = [&] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (turn < 3) QTimer::singleShot(0, qApp, watch);
+        if (auto* box = qobject_cast<QMessageBox*>(modal); box && turn == 1) {
+            ++turn;
+            told << box->text();
+            box->accept();
+        } else if (auto* dialog = qobject_cast<QFileDialog*>(modal); dialog && turn != 1) {
+            auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            ASSERT_NE(name, nullptr);
+            stayed = turn > 0;
+            name->setText(QString::fromStdString(folder.File(turn == 0 ? "应收/应付" : "应收_应付")));
+            ++turn;
+            QTest::keyClick(name, Qt::Key_Return);
+        }
+    };
+    QTimer::singleShot(0, qApp, watch);
+    const auto chosen = QtFileDialogs().ChooseFileToSave(request);
+    EXPECT_TRUE(stayed);
+    EXPECT_EQ(told, QStringList(QString::fromStdString("文件夹不存在，请重新输入文件名！\n\n" +
+                                                       folder.File("应收"))));
+    EXPECT_EQ(chosen, folder.File("应收_应付.xlsx"));
 }
 
 TEST(QtMessageBox, OffersOkAloneOrOkAndCancel) {
