@@ -9,27 +9,13 @@
 #include "host/demo_ledger.h"
 #include "host/embedded_files.h"
 #include "platform/ado/account_set/account_set_provider.h"
+#include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
-#include "platform/system/surroundings.h"
 
 namespace vicenter::host {
 
 using automation::Error;
 namespace fs = std::filesystem;
-
-namespace {
-
-// Removes the temporary account set with what the engine may have left beside it.
-void RemoveQuietly(const fs::path& file) {
-    for (const char* tail : {"", "-wal", "-shm", "-journal"}) {
-        std::error_code ignored;
-        fs::path part = file;
-        part += tail;
-        fs::remove(part, ignored);
-    }
-}
-
-}  // namespace
 
 void RegisterProviders() {
     ado::RegisterAccountSetProvider();
@@ -70,31 +56,23 @@ std::string FileConnectString(const std::string& file) {
 void CreateAccountSetFile(const std::string& file, const AccountSetOptions& options) {
     const fs::path target = system::PathFromUtf8(file);
     std::error_code ignored;
-    if (fs::exists(target, ignored))
+    if (fs::exists(fs::symlink_status(target, ignored)))
         throw Error(automation::error_number::kFileAlreadyExists, "文件已存在：" + file);
     const fs::path folder = fs::absolute(target).parent_path();
     if (!fs::is_directory(folder, ignored))
         throw Error(automation::error_number::kPathNotFound, "文件夹不存在：" + system::PathToUtf8(folder));
 
-    // The process id keeps two processes apart that make the same account set at once; the later move wins.
-    fs::path temporary = folder / target.filename();
-    temporary += "." + std::to_string(system::Surroundings::Current().processes->CurrentProcessId()) + ".new";
-    RemoveQuietly(temporary);
-    try {
+    system::FileReplacement whole(file);
+    {
         // A session that is kept would still hold the file when it is moved.
         const ado::ConnectionRef connection =
-            ado::OpenConnection(FileConnectString(system::PathToUtf8(temporary)) + ";Create=yes;Pooling=no");
+            ado::OpenConnection(FileConnectString(whole.Path()) + ";Create=yes;Pooling=no");
         CreateAccountSet(*connection);
         if (options.demo) PrepareDemo(*connection, DemoOptions{options.vouchers});
         connection->Close();
-        fs::rename(temporary, target);
-    } catch (const fs::filesystem_error& error) {
-        RemoveQuietly(temporary);
-        throw Error(automation::error_number::kPathNotFound, error.code().message() + "：" + file);
-    } catch (...) {
-        RemoveQuietly(temporary);
-        throw;
     }
+    // Of two processes that make the same account set at once the first has it.
+    whole.PutInPlaceAsNew();
 }
 
 }  // namespace vicenter::host

@@ -15,6 +15,7 @@
 #include "platform/office/excel_server.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
+#include "platform/system/unfinished_file.h"
 #include "store/component_classes.h"
 
 namespace vicenter::host {
@@ -190,7 +191,12 @@ std::string ChosenConnectString(const CliContext& context) {
     std::error_code failed;
     if (!fs::exists(file, failed)) {
         fs::create_directories(folder, failed);
-        CreateAccountSetFile(system::PathToUtf8(file), {true, 0});
+        try {
+            CreateAccountSetFile(system::PathToUtf8(file), {true, 0});
+        } catch (const Error& error) {
+            // Another process has made it meanwhile.
+            if (error.Number() != automation::error_number::kFileAlreadyExists) throw;
+        }
     }
     return FileConnectString(system::PathToUtf8(file));
 }
@@ -252,6 +258,22 @@ int FailWithDocument(const CliContext& context, const std::string& text) {
     return Fail(context, text);
 }
 
+// What killed runs have left where this one works.
+void RemoveLeftBehind(const CliOptions& options) {
+    system::Folders& folders = *system::Surroundings::Current().folders;
+    try {
+        system::RemoveLeftBehind(folders.Temporary());
+    } catch (const Error&) {
+        // Whoever needs a temporary folder will hear that there is none.
+    }
+    system::RemoveLeftBehind(folders.UserData());
+    if (!options.accountSet.empty()) {
+        std::error_code failed;
+        const fs::path file = fs::absolute(system::PathFromUtf8(options.accountSet), failed);
+        if (!failed) system::RemoveLeftBehind(system::PathToUtf8(file.parent_path()));
+    }
+}
+
 int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHooks& hooks) {
     // The session ends with the command, not with the process: its connection must not outlive what it is
     // kept in.
@@ -266,6 +288,7 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
 
     CliContext context{options, streams, hooks, *messages, nullptr};
     try {
+        RemoveLeftBehind(options);
         RegisterProviders();
         store::RegisterComponentClasses();
         if (options.excelVersion == "none") {

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "automation/error.h"
+#include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
 
 namespace vicenter::host {
@@ -91,8 +92,11 @@ std::optional<std::int32_t> CloudFolder::PutFile(std::int32_t folder, const std:
     std::error_code failed;
     if (!path || !IsPlainName(name) || !fs::is_directory(*path, failed)) return std::nullopt;
     const fs::path target = *path / PathFromUtf8(name);
-    if (!fs::copy_file(PathFromUtf8(file), target, fs::copy_options::overwrite_existing, failed))
+    try {
+        system::ReplaceWithCopy(file, system::PathToUtf8(target));
+    } catch (const automation::Error&) {
         return std::nullopt;
+    }
     return IdOf(target);
 }
 

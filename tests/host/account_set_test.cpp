@@ -50,6 +50,13 @@ TEST(AccountSetFile, IsNotMadeOverAnExistingFileOrInAMissingFolder) {
     }
 }
 
+TEST(AccountSetFile, IsNotMadeBehindALinkThatLeadsNowhereYet) {
+    test::TestFolder folder;
+    std::filesystem::create_symlink("later.vas", system::PathFromUtf8(folder.Path("link.vas")));
+    EXPECT_THROW(CreateAccountSetFile(folder.Path("link.vas"), {}), Error);
+    EXPECT_FALSE(std::filesystem::exists(system::PathFromUtf8(folder.Path("later.vas"))));
+}
+
 TEST(AccountSetFile, MayHaveBlanksQuotesBracesAndChineseInItsName) {
     test::TestFolder folder;
     const std::string file = folder.Path("我的 \"账套\"; {1}'.vas");

@@ -6,15 +6,8 @@
 #include <iostream>
 #include <thread>
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "tests/host/demo_set.h"
-
-extern char** environ;
+#include "tests/host/program_run.h"
 
 namespace vicenter::host {
 namespace {
@@ -43,26 +36,7 @@ void WriteDocument(const Version& version) {
 }
 
 pid_t StartSave(const std::string& set, const std::string& document) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, document.c_str(), O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    std::vector<std::string> arguments = {VICENTER_PROGRAM, "--account-set", set, "save", kTemplate};
-    std::vector<char*> argv;
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    pid_t pid = 0;
-    EXPECT_EQ(0, posix_spawn(&pid, VICENTER_PROGRAM, &actions, nullptr, argv.data(), environ));
-    posix_spawn_file_actions_destroy(&actions);
-    return pid;
-}
-
-int Wait(pid_t pid) {
-    int status = 0;
-    EXPECT_EQ(pid, waitpid(pid, &status, 0));
-    return status;
+    return test::StartProgram({"--account-set", set, "save", kTemplate}, document);
 }
 
 // The mark of the version that the set holds; a mixture or a half-made one is none.
@@ -102,7 +76,7 @@ TEST(KilledSave, LeavesEitherTheOldOrTheNewLines) {
     std::chrono::microseconds whole{0};
     for (const Version& version : versions) {
         const auto start = Clock::now();
-        ASSERT_EQ(0, Wait(StartSave(set, version.file)));
+        ASSERT_EQ(0, test::WaitFor(StartSave(set, version.file)));
         whole = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start);
         ASSERT_EQ(version.mark, StoredVersion(set, versions));
     }
@@ -117,7 +91,7 @@ TEST(KilledSave, LeavesEitherTheOldOrTheNewLines) {
         const auto delay = whole * ((i * 37) % 100 + 1) / 100;
         std::this_thread::sleep_for(delay);  // the moment of the kill is what is tested
         kill(pid, SIGKILL);
-        killed += WIFSIGNALED(Wait(pid)) ? 1 : 0;
+        killed += WIFSIGNALED(test::WaitFor(pid)) ? 1 : 0;
         const std::string after = StoredVersion(set, versions);
         ASSERT_FALSE(after.empty()) << "a mixture after kill " << i << " at " << delay.count() << " us";
         replaced += after != before ? 1 : 0;
