@@ -87,10 +87,15 @@ void SumFinal(sqlite3_context* context) {
 }
 
 template <SumKind Kind, bool Average>
-void DefineSum(sqlite3* database, FunctionServices& services, const char* name) {
-    sqlite3_create_window_function(database, name, 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, &services,
-                                   SumStep<Kind, 1>, SumFinal<Kind, Average>, SumValue<Kind, Average>,
-                                   SumStep<Kind, -1>, nullptr);
+constexpr SqlFunction Sum(const char* name) {
+    return {name,
+            1,
+            nullptr,
+            true,
+            SumStep<Kind, 1>,
+            SumFinal<Kind, Average>,
+            SumValue<Kind, Average>,
+            SumStep<Kind, -1>};
 }
 
 struct SingleState {
@@ -138,22 +143,94 @@ void StringAggFinal(sqlite3_context* context) {
     *slot = nullptr;
 }
 
+// Sums and averages by what they add up.
+constexpr SqlFunction kSumInt = Sum<SumKind::kInt, false>("ts_sum_int");
+constexpr SqlFunction kSumBigInt = Sum<SumKind::kBigInt, false>("ts_sum_bigint");
+constexpr SqlFunction kSumDecimal = Sum<SumKind::kDecimal, false>("ts_sum_decimal");
+constexpr SqlFunction kSumReal = Sum<SumKind::kReal, false>("ts_sum_real");
+constexpr SqlFunction kAvgInt = Sum<SumKind::kInt, true>("ts_avg_int");
+constexpr SqlFunction kAvgBigInt = Sum<SumKind::kBigInt, true>("ts_avg_bigint");
+constexpr SqlFunction kAvgDecimal = Sum<SumKind::kDecimal, true>("ts_avg_decimal");
+constexpr SqlFunction kAvgMoney = Sum<SumKind::kMoney, true>("ts_avg_money");
+constexpr SqlFunction kAvgReal = Sum<SumKind::kReal, true>("ts_avg_real");
+constexpr SqlFunction kStringAgg = {"ts_string_agg", 2, nullptr, false, StringAggStep, StringAggFinal};
+
+// Type rules.
+
+std::string Distinct(const Binding& call) {
+    return call.IsDistinct() ? "DISTINCT " : "";
+}
+
+template <TypeKind Kind>
+Bound BindCount(Binding& call) {
+    const SqlType type = SqlType::Of(Kind);
+    if (call.IsStar()) return {"count(*)", type};
+    return {"count(" + Distinct(call) + call.Collated(0) + ")", type};
+}
+
+Bound BindStringAgg(Binding& call) {
+    return {call.Call({call.Text(0), call.Text(1)}), call.TextType(0, kMaxLength)};
+}
+
+Bound BindMaxMin(Binding& call) {
+    const SqlType from = call.Type(0);
+    if (from.kind == TypeKind::kBit) throw MakeError(8117, call.Where(), {"bit", call.Name()});
+    call.Pin(0);
+    return {call.Name() + "(" + Distinct(call) + call.Collated(0) + ")", from};
+}
+
+template <bool Average>
+Bound BindSum(Binding& call) {
+    const SqlType from = call.Type(0);
+    if (!from.IsNumber() || from.kind == TypeKind::kBit)
+        throw MakeError(8117, call.Where(), {MessageName(from), call.Name()});
+    if (from.IsExact()) {
+        const SqlFunction& exact = !Average ? kSumDecimal : from.IsMoney() ? kAvgMoney : kAvgDecimal;
+        const std::string sql = exact.Call({Distinct(call) + call.Collated(0)});
+        // The least scale of an average.
+        constexpr int kScale = 6;
+        if (!from.IsMoney()) {
+            const int scale = Average && from.scale < kScale ? kScale : from.scale;
+            return {sql, SqlType::Decimal(kMaxPrecision, scale)};
+        }
+        const SqlType type = SqlType::Of(TypeKind::kMoney);
+        return {kConvertCall.Call({sql, Code(SqlType::Decimal(kMaxPrecision, kScale)), Code(type), "0"}),
+                type};
+    }
+    const std::string argument = Distinct(call) + call.Plain(0);
+    if (from.IsFloat()) return {(Average ? kAvgReal : kSumReal).Call({argument}), SqlType::Float()};
+    if (from.kind == TypeKind::kBigInt)
+        return {(Average ? kAvgBigInt : kSumBigInt).Call({argument}), SqlType::Of(TypeKind::kBigInt)};
+    return {(Average ? kAvgInt : kSumInt).Call({argument}), SqlType::Int()};
+}
+
+// SQLite's own window functions.
+Bound BindNumber(Binding& call) {
+    return {call.Name() + "()", SqlType::Of(TypeKind::kBigInt)};
+}
+
+constexpr FunctionEntry kEntries[] = {
+    {"avg", 1, 1, BindSum<true>, nullptr, FunctionKind::kAggregate},
+    {"count", 1, 1, BindCount<TypeKind::kInt>, nullptr, FunctionKind::kAggregate, 0, true},
+    {"count_big", 1, 1, BindCount<TypeKind::kBigInt>, nullptr, FunctionKind::kAggregate, 0, true},
+    {"dense_rank", 0, 0, BindNumber, nullptr, FunctionKind::kWindow},
+    {"max", 1, 1, BindMaxMin, nullptr, FunctionKind::kAggregate},
+    {"min", 1, 1, BindMaxMin, nullptr, FunctionKind::kAggregate},
+    {"rank", 0, 0, BindNumber, nullptr, FunctionKind::kWindow},
+    {"row_number", 0, 0, BindNumber, nullptr, FunctionKind::kWindow},
+    {"string_agg", 2, 2, BindStringAgg, &kStringAgg, FunctionKind::kAggregate},
+    {"sum", 1, 1, BindSum<false>, nullptr, FunctionKind::kAggregate},
+};
+
+constexpr const SqlFunction* kOthers[] = {&kSumInt,    &kSumBigInt,  &kSumDecimal, &kSumReal, &kAvgInt,
+                                          &kAvgBigInt, &kAvgDecimal, &kAvgMoney,   &kAvgReal, &kSingleCall};
+
 }  // namespace
 
-void RegisterAggregates(sqlite3* database, FunctionServices& services) {
-    DefineSum<SumKind::kInt, false>(database, services, "ts_sum_int");
-    DefineSum<SumKind::kBigInt, false>(database, services, "ts_sum_bigint");
-    DefineSum<SumKind::kDecimal, false>(database, services, "ts_sum_decimal");
-    DefineSum<SumKind::kReal, false>(database, services, "ts_sum_real");
-    DefineSum<SumKind::kInt, true>(database, services, "ts_avg_int");
-    DefineSum<SumKind::kBigInt, true>(database, services, "ts_avg_bigint");
-    DefineSum<SumKind::kDecimal, true>(database, services, "ts_avg_decimal");
-    DefineSum<SumKind::kMoney, true>(database, services, "ts_avg_money");
-    DefineSum<SumKind::kReal, true>(database, services, "ts_avg_real");
-    sqlite3_create_function_v2(database, "ts_single", 1, SQLITE_UTF8, &services, nullptr, SingleStep,
-                               SingleFinal, nullptr);
-    sqlite3_create_function_v2(database, "ts_string_agg", 2, SQLITE_UTF8, &services, nullptr, StringAggStep,
-                               StringAggFinal, nullptr);
+const SqlFunction kSingleCall = {"ts_single", 1, nullptr, false, SingleStep, SingleFinal};
+
+FunctionSet AggregateFunctions() {
+    return {kEntries, kOthers};
 }
 
 }  // namespace vicenter::tsql::engine

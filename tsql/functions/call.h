@@ -10,6 +10,7 @@
 #include <sqlite3.h>
 
 #include "tsql/base/error_table.h"
+#include "tsql/functions/function.h"
 #include "tsql/functions/functions.h"
 #include "tsql/sqlite/stored_value.h"
 
@@ -99,17 +100,8 @@ void Wrapped(sqlite3_context* context, int count, sqlite3_value** arguments) {
 }
 
 template <void (*Body)(FunctionCall&)>
-void Define(sqlite3* database, FunctionServices& services, const char* name, int arguments,
-            bool deterministic = true) {
-    sqlite3_create_function_v2(database, name, arguments,
-                               SQLITE_UTF8 | (deterministic ? SQLITE_DETERMINISTIC : 0), &services,
-                               Wrapped<Body>, nullptr, nullptr, nullptr);
+constexpr SqlFunction Scalar(const char* name, int arguments, bool deterministic = true) {
+    return {name, arguments, Wrapped<Body>, deterministic};
 }
-
-void RegisterConversionFunctions(sqlite3* database, FunctionServices& services);
-void RegisterTextFunctions(sqlite3* database, FunctionServices& services);
-void RegisterDateFunctions(sqlite3* database, FunctionServices& services);
-void RegisterMathFunctions(sqlite3* database, FunctionServices& services);
-void RegisterAggregates(sqlite3* database, FunctionServices& services);
 
 }  // namespace vicenter::tsql::engine

@@ -1,4 +1,4 @@
-// Conversions and what the session answers: ts_conv, ts_put and their kin.
+// Conversions and stores, and what a statement asks of the session while it runs: ts_conv, ts_put and kin.
 
 #include "tsql/types/convert.h"
 
@@ -40,19 +40,6 @@ void NullCheckFunction(FunctionCall& call) {
     call.ReturnArgument(0);
 }
 
-// ts_object_id(name, type)
-void ObjectIdFunction(FunctionCall& call) {
-    if (call.IsNull(0)) return;
-    call.Return(call.Services().objectId(call.Text(0), call.Count() > 1 ? call.Text(1) : std::string_view()),
-                SqlType::Int());
-}
-
-// ts_col_length(table, column)
-void ColumnLengthFunction(FunctionCall& call) {
-    if (call.AnyNull()) return;
-    call.Return(call.Services().columnLength(call.Text(0), call.Text(1)), SqlType::Int());
-}
-
 // ts_variable(name, type): the variable's value at this moment, for SELECT @v = @v + …
 void VariableFunction(FunctionCall& call) {
     call.Return(call.Services().variable(call.Text(0)), call.Type(1));
@@ -68,35 +55,22 @@ void FailFunction(FunctionCall& call) {
     throw MakeError(static_cast<std::int32_t>(call.Int(0)), {});
 }
 
-// ts_newid()
-void NewIdFunction(FunctionCall& call) {
-    unsigned char bytes[16];
-    sqlite3_randomness(sizeof bytes, bytes);
-    bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
-    bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    std::string guid;
-    for (int i = 0; i < 16; ++i) {
-        if (i == 4 || i == 6 || i == 8 || i == 10) guid += '-';
-        guid += kHex[bytes[i] >> 4];
-        guid += kHex[bytes[i] & 15];
-    }
-    call.Return(std::string_view(guid));
-}
+constexpr SqlFunction kNullCheck = Scalar<NullCheckFunction>("ts_null_check", 4);
+constexpr SqlFunction kFail = Scalar<FailFunction>("ts_fail", 1, false);
+
+constexpr const SqlFunction* kOthers[] = {&kConvertCall,  &kTryConvertCall,   &kPutCall, &kNullCheck,
+                                          &kVariableCall, &kNextIdentityCall, &kFail};
 
 }  // namespace
 
-void RegisterConversionFunctions(sqlite3* database, FunctionServices& services) {
-    Define<ConvertFunction>(database, services, "ts_conv", 4);
-    Define<TryConvertFunction>(database, services, "ts_try_conv", 4);
-    Define<PutFunction>(database, services, "ts_put", 8, false);
-    Define<NullCheckFunction>(database, services, "ts_null_check", 4);
-    Define<ObjectIdFunction>(database, services, "ts_object_id", -1, false);
-    Define<ColumnLengthFunction>(database, services, "ts_col_length", 2, false);
-    Define<VariableFunction>(database, services, "ts_variable", 2, false);
-    Define<NextIdentityFunction>(database, services, "ts_next_identity", 0, false);
-    Define<FailFunction>(database, services, "ts_fail", 1, false);
-    Define<NewIdFunction>(database, services, "ts_newid", 0, false);
+const SqlFunction kConvertCall = Scalar<ConvertFunction>("ts_conv", 4);
+const SqlFunction kTryConvertCall = Scalar<TryConvertFunction>("ts_try_conv", 4);
+const SqlFunction kPutCall = Scalar<PutFunction>("ts_put", 8, false);
+const SqlFunction kVariableCall = Scalar<VariableFunction>("ts_variable", 2, false);
+const SqlFunction kNextIdentityCall = Scalar<NextIdentityFunction>("ts_next_identity", 0, false);
+
+FunctionSet ConversionFunctions() {
+    return {{}, kOthers};
 }
 
 }  // namespace vicenter::tsql::engine

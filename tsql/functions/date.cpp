@@ -83,16 +83,82 @@ void EndOfMonthFunction(FunctionCall& call) {
     call.Return(Value(*last), SqlType::Of(TypeKind::kDate));
 }
 
+// Type rules.
+
+// The session's clock.
+Bound BindGetDate(Binding&) {
+    return {"getdate", SqlType::DateTime(), true};
+}
+
+// The clock of the session tells local time; SQLite's own is Greenwich's.
+Bound BindGetUtcDate(Binding&) {
+    return {kConvertCall.Call({"strftime('%Y-%m-%d %H:%M:%f', 'now')",
+                               Code(SqlType::Of(TypeKind::kDateTime2)), Code(SqlType::DateTime()), "0"}),
+            SqlType::DateTime()};
+}
+
+Bound BindDateAdd(Binding& call) {
+    SqlType type = call.Type(2);
+    if (!type.IsDate()) type = SqlType::DateTime();
+    return {call.Call({call.DatePartCode(0), call.Int(1), call.As(2, type), Code(type)}), type};
+}
+
+Bound BindDateDiff(Binding& call) {
+    return {call.Call({call.DatePartCode(0), call.Date(1), call.Date(2)}), SqlType::Int()};
+}
+
+Bound BindDatePart(Binding& call) {
+    return {call.Call({call.DatePartCode(0), call.Date(1)}), SqlType::Int()};
+}
+
+Bound BindDateName(Binding& call) {
+    return {call.Call({call.DatePartCode(0), call.Date(1)}), SqlType::NVarChar(30)};
+}
+
+template <DatePart Part>
+Bound BindOnePart(Binding& call) {
+    return {call.Call({std::to_string(static_cast<int>(Part)), call.Date(0)}), SqlType::Int()};
+}
+
+Bound BindDateFromParts(Binding& call) {
+    return {call.Call({call.Int(0), call.Int(1), call.Int(2)}), SqlType::Of(TypeKind::kDate)};
+}
+
+Bound BindEndOfMonth(Binding& call) {
+    return {call.Call({call.Date(0), call.Count() > 1 ? call.Int(1) : "0"}), SqlType::Of(TypeKind::kDate)};
+}
+
+constexpr SqlFunction kDateAdd = Scalar<DateAddFunction>("ts_dateadd", 4);
+constexpr SqlFunction kDateDiff = Scalar<DateDiffFunction>("ts_datediff", 3);
+constexpr SqlFunction kDatePart = Scalar<DatePartFunction>("ts_datepart", 2);
+constexpr SqlFunction kDateName = Scalar<DateNameFunction>("ts_datename", 2);
+constexpr SqlFunction kDateFromParts = Scalar<DateFromPartsFunction>("ts_date_from_parts", 3);
+constexpr SqlFunction kEndOfMonth = Scalar<EndOfMonthFunction>("ts_eomonth", 2);
+
+constexpr FunctionEntry kEntries[] = {
+    {"current_timestamp", 0, 0, BindGetDate},
+    {"dateadd", 3, 3, BindDateAdd, &kDateAdd, FunctionKind::kScalar, 1},
+    {"datediff", 3, 3, BindDateDiff, &kDateDiff, FunctionKind::kScalar, 1},
+    {"datefromparts", 3, 3, BindDateFromParts, &kDateFromParts},
+    {"datename", 2, 2, BindDateName, &kDateName, FunctionKind::kScalar, 1},
+    {"datepart", 2, 2, BindDatePart, &kDatePart, FunctionKind::kScalar, 1},
+    {"day", 1, 1, BindOnePart<DatePart::kDay>, &kDatePart},
+    {"eomonth", 1, 2, BindEndOfMonth, &kEndOfMonth},
+    {"getdate", 0, 0, BindGetDate},
+    {"getutcdate", 0, 0, BindGetUtcDate},
+    {"month", 1, 1, BindOnePart<DatePart::kMonth>, &kDatePart},
+    {"sysdatetime", 0, 0, BindGetDate},
+    {"year", 1, 1, BindOnePart<DatePart::kYear>, &kDatePart},
+};
+
+constexpr const SqlFunction* kOthers[] = {&kDatePlusCall};
+
 }  // namespace
 
-void RegisterDateFunctions(sqlite3* database, FunctionServices& services) {
-    Define<DateAddFunction>(database, services, "ts_dateadd", 4);
-    Define<DateDiffFunction>(database, services, "ts_datediff", 3);
-    Define<DatePartFunction>(database, services, "ts_datepart", 2);
-    Define<DateNameFunction>(database, services, "ts_datename", 2);
-    Define<DatePlusFunction>(database, services, "ts_date_plus", 3);
-    Define<DateFromPartsFunction>(database, services, "ts_date_from_parts", 3);
-    Define<EndOfMonthFunction>(database, services, "ts_eomonth", 2);
+const SqlFunction kDatePlusCall = Scalar<DatePlusFunction>("ts_date_plus", 3);
+
+FunctionSet DateFunctions() {
+    return {kEntries, kOthers};
 }
 
 }  // namespace vicenter::tsql::engine

@@ -69,11 +69,16 @@ void RegisterFunctions(sqlite3* database, FunctionServices& services) {
                                 nullptr);
     sqlite3_create_collation_v2(database, kNumberCollationName, SQLITE_UTF8, nullptr, CompareNumberValues,
                                 nullptr);
-    RegisterConversionFunctions(database, services);
-    RegisterTextFunctions(database, services);
-    RegisterDateFunctions(database, services);
-    RegisterMathFunctions(database, services);
-    RegisterAggregates(database, services);
+    for (const SqlFunction* body : AllSqlFunctions()) {
+        const int flags = SQLITE_UTF8 | (body->deterministic ? SQLITE_DETERMINISTIC : 0);
+        if (body->value != nullptr) {
+            sqlite3_create_window_function(database, body->name, body->arguments, flags, &services,
+                                           body->step, body->finish, body->value, body->inverse, nullptr);
+        } else {
+            sqlite3_create_function_v2(database, body->name, body->arguments, flags, &services, body->run,
+                                       body->step, body->finish, nullptr);
+        }
+    }
 }
 
 }  // namespace vicenter::tsql::engine

@@ -272,27 +272,100 @@ void RandFunction(FunctionCall& call) {
     call.Return(static_cast<double>(bits) / 4294967296.0);
 }
 
+// Type rules.
+
+Bound BindAbs(Binding& call) {
+    const SqlType type = call.NumberType(0);
+    return {call.Call({call.As(0, type), Code(type)}), type};
+}
+
+Bound BindRound(Binding& call) {
+    const SqlType type = call.NumberType(0);
+    return {call.Call({call.As(0, type), call.Int(1), call.Count() > 2 ? call.Int(2) : "0", Code(type)}),
+            type};
+}
+
+Bound BindFloorCeiling(Binding& call) {
+    const SqlType from = call.NumberType(0);
+    const SqlType type = from.kind == TypeKind::kDecimal ? SqlType::Decimal(from.precision, 0) : from;
+    return {call.Call({call.As(0, from), Code(from)}), type};
+}
+
+constexpr SqlFunction kRound = Scalar<RoundFunction>("ts_round", 4);
+
+// Raised as float, and the type of the base again.
+Bound BindPower(Binding& call) {
+    SqlType type = call.NumberType(0);
+    const std::string sql = call.Call({call.Real(0), call.Real(1)});
+    if (type.IsFloat()) return {sql, type};
+    if (type.kind == TypeKind::kDecimal) type = SqlType::Decimal(kMaxPrecision, type.scale);
+    const std::string real = Code(SqlType::Float());
+    return {
+        kConvertCall.Call({kRound.Call({sql, std::to_string(type.scale), "0", real}), real, Code(type), "0"}),
+        type};
+}
+
+Bound RealOfReal(Binding& call) {
+    return {call.Call({call.Real(0)}), SqlType::Float()};
+}
+
+Bound BindSquare(Binding& call) {
+    const std::string number = call.Real(0);
+    return {kRealCall.Call({"'*'", number, number}), SqlType::Float()};
+}
+
+Bound BindPi(Binding&) {
+    return {"3.1415926535897931", SqlType::Float()};
+}
+
+Bound BindRand(Binding& call) {
+    return {call.Call({}), SqlType::Float()};
+}
+
+constexpr SqlFunction kAbs = Scalar<AbsFunction>("ts_abs", 2);
+constexpr SqlFunction kSign = Scalar<SignFunction>("ts_sign", 2);
+constexpr SqlFunction kFloor = Scalar<FloorFunction>("ts_floor", 2);
+constexpr SqlFunction kCeiling = Scalar<CeilingFunction>("ts_ceiling", 2);
+constexpr SqlFunction kPower = Scalar<PowerFunction>("ts_power", 2);
+constexpr SqlFunction kSqrt = Scalar<RealToReal<Sqrt>>("ts_sqrt", 1);
+constexpr SqlFunction kExp = Scalar<RealToReal<Exp>>("ts_exp", 1);
+constexpr SqlFunction kLog = Scalar<RealToReal<Log>>("ts_log", 1);
+constexpr SqlFunction kLog10 = Scalar<RealToReal<Log10>>("ts_log10", 1);
+constexpr SqlFunction kSin = Scalar<RealToReal<Sin>>("ts_sin", 1);
+constexpr SqlFunction kCos = Scalar<RealToReal<Cos>>("ts_cos", 1);
+constexpr SqlFunction kTan = Scalar<RealToReal<Tan>>("ts_tan", 1);
+constexpr SqlFunction kRand = Scalar<RandFunction>("ts_rand", 0, false);
+
+constexpr FunctionEntry kEntries[] = {
+    {"abs", 1, 1, BindAbs, &kAbs},
+    {"ceiling", 1, 1, BindFloorCeiling, &kCeiling},
+    {"cos", 1, 1, RealOfReal, &kCos},
+    {"exp", 1, 1, RealOfReal, &kExp},
+    {"floor", 1, 1, BindFloorCeiling, &kFloor},
+    {"log", 1, 1, RealOfReal, &kLog},
+    {"log10", 1, 1, RealOfReal, &kLog10},
+    {"pi", 0, 0, BindPi},
+    {"power", 2, 2, BindPower, &kPower},
+    {"rand", 0, 1, BindRand, &kRand},
+    {"round", 2, 3, BindRound, &kRound},
+    {"sign", 1, 1, BindAbs, &kSign},
+    {"sin", 1, 1, RealOfReal, &kSin},
+    {"sqrt", 1, 1, RealOfReal, &kSqrt},
+    {"square", 1, 1, BindSquare},
+    {"tan", 1, 1, RealOfReal, &kTan},
+};
+
+constexpr const SqlFunction* kOthers[] = {&kIntegerCall, &kDecimalCall, &kRealCall, &kNegateCall};
+
 }  // namespace
 
-void RegisterMathFunctions(sqlite3* database, FunctionServices& services) {
-    Define<IntegerFunction>(database, services, "ts_int", 4);
-    Define<DecimalFunction>(database, services, "ts_dec", 4);
-    Define<RealFunction>(database, services, "ts_real", 3);
-    Define<NegateFunction>(database, services, "ts_neg", 2);
-    Define<AbsFunction>(database, services, "ts_abs", 2);
-    Define<SignFunction>(database, services, "ts_sign", 2);
-    Define<RoundFunction>(database, services, "ts_round", 4);
-    Define<FloorFunction>(database, services, "ts_floor", 2);
-    Define<CeilingFunction>(database, services, "ts_ceiling", 2);
-    Define<PowerFunction>(database, services, "ts_power", 2);
-    Define<RealToReal<Sqrt>>(database, services, "ts_sqrt", 1);
-    Define<RealToReal<Exp>>(database, services, "ts_exp", 1);
-    Define<RealToReal<Log>>(database, services, "ts_log", 1);
-    Define<RealToReal<Log10>>(database, services, "ts_log10", 1);
-    Define<RealToReal<Sin>>(database, services, "ts_sin", 1);
-    Define<RealToReal<Cos>>(database, services, "ts_cos", 1);
-    Define<RealToReal<Tan>>(database, services, "ts_tan", 1);
-    Define<RandFunction>(database, services, "ts_rand", 0, false);
+const SqlFunction kIntegerCall = Scalar<IntegerFunction>("ts_int", 4);
+const SqlFunction kDecimalCall = Scalar<DecimalFunction>("ts_dec", 4);
+const SqlFunction kRealCall = Scalar<RealFunction>("ts_real", 3);
+const SqlFunction kNegateCall = Scalar<NegateFunction>("ts_neg", 2);
+
+FunctionSet MathFunctions() {
+    return {kEntries, kOthers};
 }
 
 }  // namespace vicenter::tsql::engine

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <vector>
 
 #include "automation/variant.h"
@@ -18,6 +19,9 @@ namespace {
 
 // The longest text that SPACE makes, and REPLICATE of a varchar.
 constexpr std::size_t kLongestText = 8000;
+// What a varchar and an nvarchar without max may hold.
+constexpr int kLongestVarChar = 8000;
+constexpr int kLongestUnicode = 4000;
 // Of varchar(max); SQLite takes no text of more than 1,000,000,000 bytes.
 constexpr std::size_t kLongestResult = 1'000'000'000;
 
@@ -384,34 +388,166 @@ void IsDateFunction(FunctionCall& call) {
     call.Return(std::int64_t{!call.IsNull(0) && !call.Text(0).empty() && ParseDate(call.Text(0)) ? 1 : 0});
 }
 
+// Type rules.
+
+Bound IntOfText(Binding& call) {
+    return {call.Call({call.Text(0)}), SqlType::Int()};
+}
+
+Bound TextOfText(Binding& call) {
+    const SqlType type = call.TextType(0, call.TextLength(0));
+    return {call.Call({call.Text(0)}), type};
+}
+
+Bound BindDataLength(Binding& call) {
+    const SqlType type = call.Type(0);
+    return {call.Call({call.Plain(0), Code(type)}), SqlType::Int()};
+}
+
+Bound BindLeftRight(Binding& call) {
+    const int length = call.LiteralInt(1, call.TextLength(0));
+    return {call.Call({call.Text(0), call.Int(1)}), call.TextType(0, length)};
+}
+
+Bound BindSubstring(Binding& call) {
+    const int length = call.LiteralInt(2, call.TextLength(0));
+    return {call.Call({call.Text(0), call.Int(1), call.Int(2)}), call.TextType(0, length)};
+}
+
+Bound BindCharIndex(Binding& call) {
+    std::vector<std::string> arguments{call.Text(0), call.Text(1)};
+    if (call.Count() > 2) arguments.push_back(call.Int(2));
+    return {call.Call(arguments), SqlType::Int()};
+}
+
+Bound BindPatIndex(Binding& call) {
+    return {call.Call({call.Text(0), call.Text(1)}), SqlType::Int()};
+}
+
+Bound BindReplace(Binding& call) {
+    const bool unicode = call.Type(0).IsUnicode() || call.Type(2).IsUnicode();
+    return {call.Call({call.Text(0), call.Text(1), call.Text(2)}),
+            unicode ? SqlType::NVarChar(kLongestUnicode) : SqlType::VarChar(kLongestVarChar)};
+}
+
+SqlType LongText(const Binding& call) {
+    return call.TextType(0, call.Type(0).IsUnicode() ? kLongestUnicode : kLongestVarChar);
+}
+
+Bound BindReplicate(Binding& call) {
+    SqlType type = LongText(call);
+    int most = type.length;
+    if (call.Type(0).IsMax()) {
+        type.length = kMaxLength;
+        most = std::numeric_limits<int>::max();
+    }
+    return {call.Call({call.Text(0), call.Int(1), std::to_string(most)}), type};
+}
+
+Bound BindSpace(Binding& call) {
+    return {call.Call({call.Int(0)}), SqlType::VarChar(kLongestVarChar)};
+}
+
+Bound BindStuff(Binding& call) {
+    return {call.Call({call.Text(0), call.Int(1), call.Int(2), call.Text(3)}), LongText(call)};
+}
+
+Bound BindStr(Binding& call) {
+    const int width = call.Count() > 1 ? call.LiteralInt(1, kLongestVarChar) : 10;
+    return {call.Call(
+                {call.Real(0), call.Count() > 1 ? call.Int(1) : "10", call.Count() > 2 ? call.Int(2) : "0"}),
+            SqlType::VarChar(width)};
+}
+
+template <TypeKind Kind>
+Bound BindCharOf(Binding& call) {
+    return {call.Call({call.Int(0)}), SqlType::Of(Kind, 1)};
+}
+
+Bound BindQuoteName(Binding& call) {
+    std::vector<std::string> arguments{call.Text(0)};
+    if (call.Count() > 1) arguments.push_back(call.Text(1));
+    return {call.Call(arguments), SqlType::NVarChar(258)};
+}
+
+// SQLite does it: NULL counts as the empty text.
+Bound BindConcat(Binding& call) {
+    std::string sql;
+    int length = 0;
+    bool unicode = false;
+    for (std::size_t i = 0; i < call.Count(); ++i) {
+        const int part = call.TextLength(i);
+        length = part == kMaxLength ? kLongestVarChar : length + part;
+        unicode = unicode || call.Type(i).IsUnicode();
+        sql += (i == 0 ? "ifnull(" : " || ifnull(") + call.Text(i) + ", '')";
+    }
+    const int limit = unicode ? kLongestUnicode : kLongestVarChar;
+    const TypeKind kind = unicode ? TypeKind::kNVarChar : TypeKind::kVarChar;
+    return {"(" + sql + ")", SqlType::Of(kind, length < limit ? length : limit)};
+}
+
+constexpr SqlFunction kLen = Scalar<LenFunction>("ts_len", 1);
+constexpr SqlFunction kDataLength = Scalar<DataLengthFunction>("ts_datalength", 2);
+constexpr SqlFunction kLeft = Scalar<LeftFunction>("ts_left", 2);
+constexpr SqlFunction kRight = Scalar<RightFunction>("ts_right", 2);
+constexpr SqlFunction kSubstring = Scalar<SubstringFunction>("ts_substring", 3);
+constexpr SqlFunction kCharIndex = Scalar<CharIndexFunction>("ts_charindex", -1);
+constexpr SqlFunction kPatIndex = Scalar<PatIndexFunction>("ts_patindex", 2);
+constexpr SqlFunction kReplace = Scalar<ReplaceFunction>("ts_replace", 3);
+constexpr SqlFunction kLTrim = Scalar<LTrimFunction>("ts_ltrim", 1);
+constexpr SqlFunction kRTrim = Scalar<RTrimFunction>("ts_rtrim", 1);
+constexpr SqlFunction kTrim = Scalar<TrimFunction>("ts_trim", 1);
+constexpr SqlFunction kUpper = Scalar<UpperFunction>("ts_upper", 1);
+constexpr SqlFunction kLower = Scalar<LowerFunction>("ts_lower", 1);
+constexpr SqlFunction kReplicate = Scalar<ReplicateFunction>("ts_replicate", -1);
+constexpr SqlFunction kSpace = Scalar<SpaceFunction>("ts_space", 1);
+constexpr SqlFunction kStuff = Scalar<StuffFunction>("ts_stuff", 4);
+constexpr SqlFunction kReverse = Scalar<ReverseFunction>("ts_reverse", 1);
+constexpr SqlFunction kStr = Scalar<StrFunction>("ts_str", 3);
+constexpr SqlFunction kUnicode = Scalar<UnicodeFunction>("ts_unicode", 1);
+constexpr SqlFunction kNChar = Scalar<NCharFunction>("ts_nchar", 1);
+constexpr SqlFunction kQuoteName = Scalar<QuoteNameFunction>("ts_quotename", -1);
+constexpr SqlFunction kIsNumeric = Scalar<IsNumericFunction>("ts_isnumeric", 1);
+constexpr SqlFunction kIsDate = Scalar<IsDateFunction>("ts_isdate", 1);
+
+constexpr FunctionEntry kEntries[] = {
+    {"ascii", 1, 1, IntOfText, &kUnicode},
+    {"char", 1, 1, BindCharOf<TypeKind::kChar>, &kNChar},
+    {"charindex", 2, 3, BindCharIndex, &kCharIndex},
+    {"concat", 2, kManyArguments, BindConcat},
+    {"datalength", 1, 1, BindDataLength, &kDataLength},
+    {"isdate", 1, 1, IntOfText, &kIsDate},
+    {"isnumeric", 1, 1, IntOfText, &kIsNumeric},
+    {"left", 2, 2, BindLeftRight, &kLeft},
+    {"len", 1, 1, IntOfText, &kLen},
+    {"lower", 1, 1, TextOfText, &kLower},
+    {"ltrim", 1, 1, TextOfText, &kLTrim},
+    {"nchar", 1, 1, BindCharOf<TypeKind::kNChar>, &kNChar},
+    {"patindex", 2, 2, BindPatIndex, &kPatIndex},
+    {"quotename", 1, 2, BindQuoteName, &kQuoteName},
+    {"replace", 3, 3, BindReplace, &kReplace},
+    {"replicate", 2, 2, BindReplicate, &kReplicate},
+    {"reverse", 1, 1, TextOfText, &kReverse},
+    {"right", 2, 2, BindLeftRight, &kRight},
+    {"rtrim", 1, 1, TextOfText, &kRTrim},
+    {"space", 1, 1, BindSpace, &kSpace},
+    {"str", 1, 3, BindStr, &kStr},
+    {"stuff", 4, 4, BindStuff, &kStuff},
+    {"substring", 3, 3, BindSubstring, &kSubstring},
+    {"trim", 1, 1, TextOfText, &kTrim},
+    {"unicode", 1, 1, IntOfText, &kUnicode},
+    {"upper", 1, 1, TextOfText, &kUpper},
+};
+
+constexpr const SqlFunction* kOthers[] = {&kLikeCall, &kUnicodeLikeCall};
+
 }  // namespace
 
-void RegisterTextFunctions(sqlite3* database, FunctionServices& services) {
-    Define<LenFunction>(database, services, "ts_len", 1);
-    Define<DataLengthFunction>(database, services, "ts_datalength", 2);
-    Define<LeftFunction>(database, services, "ts_left", 2);
-    Define<RightFunction>(database, services, "ts_right", 2);
-    Define<SubstringFunction>(database, services, "ts_substring", 3);
-    Define<CharIndexFunction>(database, services, "ts_charindex", -1);
-    Define<PatIndexFunction>(database, services, "ts_patindex", 2);
-    Define<ReplaceFunction>(database, services, "ts_replace", 3);
-    Define<LTrimFunction>(database, services, "ts_ltrim", 1);
-    Define<RTrimFunction>(database, services, "ts_rtrim", 1);
-    Define<TrimFunction>(database, services, "ts_trim", 1);
-    Define<UpperFunction>(database, services, "ts_upper", 1);
-    Define<LowerFunction>(database, services, "ts_lower", 1);
-    Define<ReplicateFunction>(database, services, "ts_replicate", -1);
-    Define<SpaceFunction>(database, services, "ts_space", 1);
-    Define<StuffFunction>(database, services, "ts_stuff", 4);
-    Define<ReverseFunction>(database, services, "ts_reverse", 1);
-    Define<StrFunction>(database, services, "ts_str", 3);
-    Define<UnicodeFunction>(database, services, "ts_unicode", 1);
-    Define<NCharFunction>(database, services, "ts_nchar", 1);
-    Define<QuoteNameFunction>(database, services, "ts_quotename", -1);
-    Define<LikeFunction<TrailingBlanks::kIgnored>>(database, services, "ts_like", -1);
-    Define<LikeFunction<TrailingBlanks::kCount>>(database, services, "ts_nlike", -1);
-    Define<IsNumericFunction>(database, services, "ts_isnumeric", 1);
-    Define<IsDateFunction>(database, services, "ts_isdate", 1);
+const SqlFunction kLikeCall = Scalar<LikeFunction<TrailingBlanks::kIgnored>>("ts_like", -1);
+const SqlFunction kUnicodeLikeCall = Scalar<LikeFunction<TrailingBlanks::kCount>>("ts_nlike", -1);
+
+FunctionSet TextFunctions() {
+    return {kEntries, kOthers};
 }
 
 }  // namespace vicenter::tsql::engine

@@ -1,6 +1,6 @@
 // Search conditions: they become SQLite's own, which know the same three truth values.
 
-#include "tsql/functions/functions.h"
+#include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -115,13 +115,13 @@ std::string Translator::Like(const LikeExpr& like, Scope& scope) {
     const Operand operand = Value(*like.operand, scope);
     const Operand pattern = Value(*like.pattern, scope);
     bool unicode = operand.type.IsUnicode() || pattern.type.IsUnicode();
-    std::string sql = "(" + asText(operand) + ", " + asText(pattern);
+    std::vector<std::string> arguments{asText(operand), asText(pattern)};
     if (like.escape) {
         const Operand escape = Value(*like.escape, scope);
         unicode = unicode || escape.type.IsUnicode();
-        sql += ", " + asText(escape);
+        arguments.push_back(asText(escape));
     }
-    sql = (unicode ? "ts_nlike" : "ts_like") + sql + ")";
+    const std::string sql = (unicode ? kUnicodeLikeCall : kLikeCall).Call(arguments);
     return like.negated ? "NOT " + sql : sql;
 }
 

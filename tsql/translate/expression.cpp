@@ -4,7 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
-#include "tsql/functions/functions.h"
+#include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -57,10 +57,6 @@ const char* OperatorName(BinaryOp op) {
     return "";
 }
 
-std::string Code(const SqlType& type) {
-    return std::to_string(TypeCode(type));
-}
-
 // A whole number that stands in the text counts with its own digits among decimals.
 SqlType ArithmeticType(const Operand& operand) {
     if (operand.literal != nullptr && operand.type.kind == TypeKind::kInt) {
@@ -89,7 +85,7 @@ std::string Translator::AddParameter(Parameter parameter) {
 
 std::string Translator::ConvertCall(const std::string& sql, const SqlType& from, const SqlType& to,
                                     int style) const {
-    return "ts_conv(" + sql + ", " + Code(from) + ", " + Code(to) + ", " + std::to_string(style) + ")";
+    return kConvertCall.Call({sql, Code(from), Code(to), std::to_string(style)});
 }
 
 std::string Translator::Render(const Operand& operand) {
@@ -147,9 +143,9 @@ std::string Translator::RenderStored(const Operand& operand, const TableInfo& ta
         return AddParameter(std::move(parameter));
     }
     const SqlType from = operand.type.IsUnknown() ? column.type : operand.type;
-    return "ts_put(" + Render(operand) + ", " + Code(from) + ", " + Code(column.type) + ", " +
-           (column.nullable ? "1" : "0") + ", " + QuotedText(table.FullName()) + ", " +
-           QuotedText(column.name) + ", '" + operation + "', " + (isKey ? "1" : "0") + ")";
+    return kPutCall.Call({Render(operand), Code(from), Code(column.type), column.nullable ? "1" : "0",
+                          QuotedText(table.FullName()), QuotedText(column.name), QuotedText(operation),
+                          isKey ? "1" : "0"});
 }
 
 std::string Translator::Collated(const Operand& operand) {
@@ -279,7 +275,7 @@ Operand Translator::Variable(const VariableExpr& variable) {
     if (!type) throw MakeError(137, variable.position, {variable.name});
     if (assigning_.find(" " + name + " ") != std::string::npos) {
         // SELECT @v = @v + …: each row sees what the row before it has assigned.
-        return Computed("ts_variable(" + QuotedText(name) + ", " + Code(*type) + ")", *type);
+        return Computed(kVariableCall.Call({QuotedText(name), Code(*type)}), *type);
     }
     Operand operand = System(name, *type);
     operand.pending->source = Parameter::Source::kVariable;
@@ -351,11 +347,11 @@ Operand Translator::Unary(const UnaryExpr& unary, Scope& scope) {
     }
     SqlType type = operand.type;
     if (type.kind == TypeKind::kTinyInt) type = SqlType::Of(TypeKind::kSmallInt);
-    return Computed("ts_neg(" + Render(operand) + ", " + Code(type) + ")", type);
+    return Computed(kNegateCall.Call({Render(operand), Code(type)}), type);
 }
 
 Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, const Operand& right) {
-    const std::string letter(1, OperatorLetter(op));
+    const std::string letter = std::string("'") + OperatorLetter(op) + "'";
     const SqlType& a = left.type;
     const SqlType& b = right.type;
     if (a.IsUnknown() && b.IsUnknown()) return Computed("NULL", SqlType::Int());
@@ -387,9 +383,9 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
                                      : RenderAs(other, SqlType::Float());
         if (op == BinaryOp::kSubtract && !a.IsDate())
             throw MakeError(8117, position, {MessageName(b), "subtract"});
-        return Computed("ts_date_plus(" + RenderAs(date, datetime) + ", " + days + ", " +
-                            (op == BinaryOp::kAdd ? "1" : "-1") + ")",
-                        datetime);
+        return Computed(
+            kDatePlusCall.Call({RenderAs(date, datetime), days, op == BinaryOp::kAdd ? "1" : "-1"}),
+            datetime);
     }
     if (!common.IsNumber()) throw MakeError(8117, position, {MessageName(common), OperatorName(op)});
     const bool bitwise = op == BinaryOp::kBitAnd || op == BinaryOp::kBitOr || op == BinaryOp::kBitXor;
@@ -399,8 +395,8 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
     if (common.IsFloat()) {
         if (op == BinaryOp::kModulo)
             throw MakeError(402, position, {MessageName(a), MessageName(b), "modulo"});
-        const std::string sql = "ts_real('" + letter + "', " + RenderAs(left, SqlType::Float()) + ", " +
-                                RenderAs(right, SqlType::Float()) + ")";
+        const std::string sql =
+            kRealCall.Call({letter, RenderAs(left, SqlType::Float()), RenderAs(right, SqlType::Float())});
         if (common.kind == TypeKind::kReal)
             return Computed(ConvertCall(sql, SqlType::Float(), common), common);
         return Computed(sql, common);
@@ -409,9 +405,9 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
         if (common.kind == TypeKind::kBit && !bitwise) {
             throw MakeError(8117, position, {"bit", OperatorName(op)});
         }
-        return Computed("ts_int('" + letter + "', " + RenderAs(left, common) + ", " +
-                            RenderAs(right, common) + ", " + Code(common) + ")",
-                        common);
+        return Computed(
+            kIntegerCall.Call({letter, RenderAs(left, common), RenderAs(right, common), Code(common)}),
+            common);
     }
     static constexpr Arithmetic kArithmetic[] = {Arithmetic::kAdd, Arithmetic::kSubtract,
                                                  Arithmetic::kMultiply, Arithmetic::kDivide,
@@ -432,8 +428,7 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
                              : DecimalResult(kArithmetic[static_cast<std::size_t>(op)], leftType, rightType);
     const std::string leftText = exact(left);
     const std::string rightText = exact(right);
-    return Computed("ts_dec('" + letter + "', " + leftText + ", " + rightText + ", " + Code(type) + ")",
-                    type);
+    return Computed(kDecimalCall.Call({letter, leftText, rightText, Code(type)}), type);
 }
 
 Operand Translator::Case(const CaseExpr& expression, Scope& scope) {
@@ -473,11 +468,10 @@ Operand Translator::Cast(const CastExpr& expression, Scope& scope) {
         error.SetLine(static_cast<std::int32_t>(expression.position.line));
         throw;
     }
-    const char* name = expression.tryOnly ? "ts_try_conv(" : "ts_conv(";
+    const SqlFunction& convert = expression.tryOnly ? kTryConvertCall : kConvertCall;
     const std::string style =
         expression.style ? RenderAs(Value(*expression.style, scope), SqlType::Int()) : "0";
-    return Computed(
-        name + Render(operand) + ", " + Code(operand.type) + ", " + Code(type) + ", " + style + ")", type);
+    return Computed(convert.Call({Render(operand), Code(operand.type), Code(type), style}), type);
 }
 
 Operand Translator::Subquery(const SubqueryExpr& expression, Scope& scope) {
@@ -485,7 +479,7 @@ Operand Translator::Subquery(const SubqueryExpr& expression, Scope& scope) {
     if (query.columns.size() != 1) throw MakeError(116, expression.query->position);
     const SqlType type = query.columns.front().type;
     if (query.singleRow) return Computed("(" + query.sql + ")", type);
-    return Computed("(SELECT ts_single(c1) FROM (" + query.sql + "))", type);
+    return Computed("(SELECT " + kSingleCall.Call({"c1"}) + " FROM (" + query.sql + "))", type);
 }
 
 SqlType Translator::ResolveType(const TypeName& name) {

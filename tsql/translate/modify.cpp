@@ -4,7 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
-#include "tsql/functions/functions.h"
+#include "tsql/functions/function.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/translate/translator.h"
 
@@ -93,7 +93,7 @@ void Translator::AddDefaults(const TableInfo& table, std::vector<const ColumnInf
         if (column.identity) {
             translation_.usesIdentity = true;
             columns.push_back(&column);
-            const Operand next = Computed("ts_next_identity()", SqlType::Of(TypeKind::kBigInt));
+            const Operand next = Computed(kNextIdentityCall.Call({}), SqlType::Of(TypeKind::kBigInt));
             values.push_back(RenderStored(next, table, column, kInsert));
         } else if (!column.defaultText.empty() || !column.nullable) {
             columns.push_back(&column);

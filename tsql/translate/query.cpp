@@ -4,7 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
-#include "tsql/functions/functions.h"
+#include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -253,8 +253,7 @@ void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& part
         const auto type = context_.VariableType(name);
         if (!type) throw MakeError(137, item.position, {item.variable});
         if (item.assign != AssignOp::kSet) {
-            const Operand current = Computed(
-                "ts_variable(" + QuotedText(name) + ", " + std::to_string(TypeCode(*type)) + ")", *type);
+            const Operand current = Computed(kVariableCall.Call({QuotedText(name), Code(*type)}), *type);
             operand = Binary(static_cast<BinaryOp>(static_cast<int>(item.assign) - 1), item.position, current,
                              operand);
         }

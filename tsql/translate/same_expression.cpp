@@ -2,6 +2,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
+#include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -24,11 +25,10 @@ bool SameOptional(const ExprPtr& a, const ExprPtr& b) {
 }
 
 bool IsAggregateName(std::string_view name) {
-    for (const char* aggregate :
-         {"count", "count_big", "sum", "avg", "min", "max", "string_agg", "stdev", "var"}) {
-        if (SameName(name, aggregate)) return true;
-    }
-    return false;
+    const FunctionEntry* entry = FindFunction(LowerAscii(name));
+    if (entry != nullptr) return entry->kind == FunctionKind::kAggregate;
+    // Aggregates of the server's that there are not: what is told is that, wherever they stand.
+    return SameName(name, "stdev") || SameName(name, "var");
 }
 
 bool AnyAggregate(const std::vector<ExprPtr>& list) {

@@ -2,7 +2,6 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
-#include "tsql/functions/functions.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/translate/translator.h"
 

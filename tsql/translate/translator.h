@@ -131,7 +131,7 @@ class Translator {
     static void CheckCollation(const Name& collation);
 
   private:
-    friend struct FunctionTranslator;
+    class CallBinding;
 
     // translate_expression.cpp
     Operand Value(const Expr& expression, Scope& scope);
@@ -148,7 +148,8 @@ class Translator {
     Operand Case(const CaseExpr& expression, Scope& scope);
     Operand Cast(const CastExpr& expression, Scope& scope);
     Operand Subquery(const SubqueryExpr& expression, Scope& scope);
-    Operand Function(const FunctionExpr& function, Scope& scope);  // translate_function.cpp
+    Operand Function(const FunctionExpr& function, Scope& scope);  // function.cpp
+    std::string WindowText(const OverClause& over, Scope& scope);
 
     // translate_condition.cpp
     std::string ConditionText(const Expr& condition, Scope& scope);

@@ -1,0 +1,155 @@
+#pragma once
+
+// A function of the dialect: one entry with its name, how many arguments it takes, its type rule and what
+// SQLite calls. Both halves stand in one source, by what the function is about.
+//
+// The type rule (bind) is asked when a statement is translated; it sees the call through a Binding and gives
+// the text that SQLite gets. The body runs inside SQLite, see call.h. Constant data, readable from anywhere.
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/syntax/ast_expression.h"
+#include "tsql/types/sql_type.h"
+
+struct sqlite3_context;
+struct sqlite3_value;
+
+namespace vicenter::tsql::engine {
+
+// What is registered with SQLite, under a name that stays: checks in account sets hold it.
+struct SqlFunction {
+    const char* name;
+    int arguments;  // -1 for any number
+    void (*run)(sqlite3_context*, int, sqlite3_value**) = nullptr;
+    bool deterministic = true;
+    // Of an aggregate, instead of run; one without a value for the rows so far has no OVER.
+    void (*step)(sqlite3_context*, int, sqlite3_value**) = nullptr;
+    void (*finish)(sqlite3_context*) = nullptr;
+    void (*value)(sqlite3_context*) = nullptr;
+    void (*inverse)(sqlite3_context*, int, sqlite3_value**) = nullptr;
+
+    // The call in a statement of SQLite.
+    std::string Call(const std::vector<std::string>& arguments) const;
+};
+
+// What a type rule makes of a call: a text and its type, or a value of the session by its name.
+struct Bound {
+    std::string sql;
+    SqlType type;
+    bool isSystem = false;
+};
+
+class Binding;
+
+enum class FunctionKind { kScalar, kAggregate, kWindow };
+
+struct FunctionEntry {
+    std::string_view name;  // in lower case
+    std::size_t least;      // arguments
+    std::size_t most;
+    Bound (*bind)(Binding& call);
+    // None for what SQLite or the session answers by itself; an aggregate chooses among several by type.
+    const SqlFunction* body = nullptr;
+    FunctionKind kind = FunctionKind::kScalar;
+    // Arguments from here on are values; those before it are words or conditions.
+    std::size_t firstValue = 0;
+    bool takesStar = false;  // f(*) in place of an argument
+};
+
+// For functions that take any number of arguments.
+inline constexpr std::size_t kManyArguments = 1000;
+
+// One call on its way through the translator: its arguments, each with its type, and the ways to write them
+// into a statement of SQLite. Writing an argument twice makes two parameters of it.
+class Binding {
+  public:
+    Binding(const FunctionEntry& entry, const FunctionExpr& call, std::string name)
+        : entry_(entry), call_(call), name_(std::move(name)) {}
+    Binding(const Binding&) = delete;
+    Binding& operator=(const Binding&) = delete;
+    virtual ~Binding() = default;
+
+    const std::string& Name() const { return name_; }
+    Position Where() const { return call_.position; }
+    std::size_t Count() const { return call_.arguments.size(); }
+    bool IsStar() const { return call_.star; }
+    bool IsDistinct() const { return call_.distinct; }
+
+    virtual const SqlType& Type(std::size_t i) const = 0;
+    // An argument as it is, as a value of another type, and with its collation.
+    virtual std::string Plain(std::size_t i) = 0;
+    virtual std::string As(std::size_t i, const SqlType& type, bool isExplicit = false) = 0;
+    virtual std::string Collated(std::size_t i) = 0;
+    virtual std::string Condition(std::size_t i) = 0;
+    virtual std::string Equal(std::size_t i, std::size_t j) = 0;
+    // The literal that an argument is, or nothing.
+    virtual const LiteralExpr* Literal(std::size_t i) const = 0;
+    // The argument's value or length decides the type of the result: another literal needs another plan.
+    virtual void Pin(std::size_t i) = 0;
+
+    // The call of the entry's own body.
+    std::string Call(const std::vector<std::string>& arguments) const { return entry_.body->Call(arguments); }
+
+    // The argument as text; texts stay what they are.
+    std::string Text(std::size_t i);
+    std::string Int(std::size_t i) { return As(i, SqlType::Int()); }
+    std::string Real(std::size_t i) { return As(i, SqlType::Float()); }
+    std::string Date(std::size_t i) { return As(i, SqlType::DateTime()); }
+    // varchar or nvarchar, as the argument is.
+    SqlType TextType(std::size_t i, int length) const;
+    int TextLength(std::size_t i);
+    // A number as itself, a text as float; error 8116 for what is neither.
+    SqlType NumberType(std::size_t i);
+    // The number of a part of a date, given as a word; error 155.
+    std::string DatePartCode(std::size_t i) const;
+    // A literal's value when it is a small whole number; else the given one.
+    int LiteralInt(std::size_t i, int otherwise);
+
+  private:
+    const FunctionEntry& entry_;
+    const FunctionExpr& call_;
+    std::string name_;
+};
+
+// A type as an argument of a body.
+std::string Code(const SqlType& type);
+
+// All functions of the dialect, and the one of a name in lower case.
+std::vector<const FunctionEntry*> AllFunctions();
+const FunctionEntry* FindFunction(std::string_view name);
+// What is registered with every connection.
+std::vector<const SqlFunction*> AllSqlFunctions();
+
+// What the translator calls besides: conversions, stores, operators.
+extern const SqlFunction kConvertCall;       // (value, from, to, style)
+extern const SqlFunction kTryConvertCall;    // the same; NULL for what cannot be converted
+extern const SqlFunction kPutCall;           // (value, from, to, nullable, table, column, operation, is key)
+extern const SqlFunction kVariableCall;      // (name, type): its value at this moment
+extern const SqlFunction kNextIdentityCall;  // ()
+extern const SqlFunction kIntegerCall;       // (operator, a, b, type)
+extern const SqlFunction kDecimalCall;       // (operator, a, b, type)
+extern const SqlFunction kRealCall;          // (operator, a, b)
+extern const SqlFunction kNegateCall;        // (value, type)
+extern const SqlFunction kDatePlusCall;      // (date, days, sign)
+extern const SqlFunction kLikeCall;          // (text, pattern[, escape])
+extern const SqlFunction kUnicodeLikeCall;   // the same; trailing blanks count
+extern const SqlFunction kSingleCall;        // (value): of the only row, error 512 for a second one
+
+// The functions of one source, and what it registers besides.
+struct FunctionSet {
+    std::span<const FunctionEntry> entries;
+    std::span<const SqlFunction* const> others;
+};
+FunctionSet AggregateFunctions();
+FunctionSet ChoiceFunctions();
+FunctionSet ConversionFunctions();
+FunctionSet DateFunctions();
+FunctionSet MathFunctions();
+FunctionSet SystemFunctions();
+FunctionSet TextFunctions();
+
+}  // namespace vicenter::tsql::engine
