@@ -1,6 +1,8 @@
 // The definitions that change a catalog. Each runs in the session's transaction, so a failure leaves nothing
 // behind.
 
+#include <atomic>
+
 #include "automation/object.h"
 #include "tsql/base/error_table.h"
 #include "tsql/base/text_units.h"
@@ -271,7 +273,7 @@ void Catalog::DropModule(char kind, const std::string& name) {
 
 void Catalog::AddTemporary(TableInfo table) {
     // Numbers of temporary tables lie below those of the account set, as on the server.
-    static std::int64_t next = -1000000000;
+    static std::atomic<std::int64_t> next = -1000000000;  // sessions run on threads of their own
     if (table.id == 0) table.id = next--;
     const std::string key = LowerAscii(table.name);
     temporary_[key] = std::make_unique<TableInfo>(std::move(table));

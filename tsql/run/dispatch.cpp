@@ -17,6 +17,20 @@ enum class After : std::uint8_t {
 
 constexpr std::size_t kKinds = static_cast<std::size_t>(StatementKind::kTransaction) + 1;
 
+// What a client is told the number of rows of.
+bool CountsRows(StatementKind kind) {
+    switch (kind) {
+        case StatementKind::kSelect:
+        case StatementKind::kInsert:
+        case StatementKind::kUpdate:
+        case StatementKind::kDelete:
+        case StatementKind::kFetch:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 struct Executor::Handler {
@@ -102,10 +116,21 @@ Flow Executor::Dispatch(const Statement& statement) {
         catalog_.EndSnapshot();
     const Handler& handler = HandlerOf(statement.kind);
     const Flow flow = handler.run(*this, statement);
-    if (handler.after == After::kLeaves) return flow;
+    const bool calls =
+        statement.kind == StatementKind::kExecute || statement.kind == StatementKind::kExecuteText;
+    if (handler.after == After::kLeaves) {
+        if (calls) EndStatement(statement);
+        return flow;
+    }
     lastError_ = 0;
     if (handler.after == After::kForgets) rowCount_ = 0;
+    EndStatement(statement);
     return flow;
+}
+
+void Executor::EndStatement(const Statement& statement) {
+    const bool counts = !frame_->options.noCount && CountsRows(statement.kind);
+    sink_->StatementEnded({statement.kind, counts ? rowCount_ : -1, !frame_->procedure.empty()});
 }
 
 }  // namespace vicenter::tsql::engine

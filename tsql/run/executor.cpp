@@ -57,20 +57,20 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
         catalog_.RefreshAndHold();
         RunBatch(batch);
     } catch (const Abort& abort) {
-        report.errors.push_back(abort.error.Details());
+        Report(abort.error.Details());
         failed = true;
     } catch (const SqlError& error) {
-        report.errors.push_back(Completed(error, error.Details().line).Details());
+        Report(Completed(error, error.Details().line).Details());
         failed = true;
     } catch (const automation::Error& error) {
-        report.errors.push_back(MakeError(8624, {}, {error.Text()}).Details());
+        Report(MakeError(8624, {}, {error.Text()}).Details());
         failed = true;
     }
     catalog_.EndSnapshot();
     try {
         transactions_.EndBatch(failed);
     } catch (const SqlError& error) {
-        report.errors.push_back(error.Details());
+        Report(error.Details());
     }
     if (failed) {
         report.rowsAffected = -1;
@@ -80,6 +80,11 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     sink_ = nullptr;
     report_ = nullptr;
     return report;
+}
+
+void Executor::Report(const Diagnostic& error) {
+    report_->errors.push_back(error);
+    sink_->Failed(error);
 }
 
 void Executor::Reset() {
@@ -132,7 +137,7 @@ void Executor::RunRepeated(const ProgramItem& item) {
             RunModification(plan, nullptr);
             lastError_ = 0;
         });
-        if (fits) return;
+        if (fits) return EndStatement(insert);
     } catch (SqlError& error) {
         // A place in the tree is a place in the first of them.
         const Diagnostic& details = error.Details();
@@ -197,7 +202,7 @@ void Executor::HandleError(SqlError error, std::int32_t line) {
     const bool aborts = options_.batchTransactions || frame_->options.exactAbort ||
                         (entry != nullptr && entry->abortsBatch) || error.Details().severity >= 20;
     if (aborts) throw Abort{error};
-    report_->errors.push_back(error.Details());
+    Report(error.Details());
 }
 
 void Executor::LeaveFrame(Frame& frame) {

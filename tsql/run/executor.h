@@ -47,11 +47,13 @@ class Executor {
     Flow RunList(const std::vector<StatementPtr>& statements);
     Flow RunStatement(const Statement& statement);
     Flow Dispatch(const Statement& statement);  // dispatch.cpp
+    void EndStatement(const Statement& statement);
     struct Handler;
     static const Handler& HandlerOf(StatementKind kind);
     // Records an error that the batch survives, or throws it on.
     void HandleError(SqlError error, std::int32_t line);
     SqlError Completed(const SqlError& error, std::int32_t line) const;
+    void Report(const Diagnostic& error);
     // Runs in a frame what a batch or a call is made of, and leaves it whichever way it ends.
     template <class Body>
     void RunIn(Frame& frame, Body body) {

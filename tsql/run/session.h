@@ -33,6 +33,13 @@ struct SessionOptions {
     const char* fileSystem = nullptr;  // by SQLite's name for it; none: the account sets' own
 };
 
+// A statement that has run.
+struct StatementEnd {
+    StatementKind kind;
+    std::int64_t rows = -1;  // -1: not counted, as after SET NOCOUNT ON
+    bool inProcedure = false;
+};
+
 // Takes what a batch gives, in order.
 class ResultSink {
   public:
@@ -44,6 +51,10 @@ class ResultSink {
     virtual void BeginResult(const std::vector<ResultColumn>& columns) = 0;
     virtual void AddRow(std::vector<Value>& row) = 0;  // may move the values out
     virtual void Message(const Diagnostic& message) = 0;
+    // For whoever retells a batch statement by statement, as a server does: an error, when it comes up and is
+    // not caught, and the end of each statement that did not fail.
+    virtual void Failed(const Diagnostic& /*error*/) {}
+    virtual void StatementEnded(const StatementEnd& /*end*/) {}
 };
 
 struct ExecutionReport {

@@ -1,0 +1,91 @@
+// Code pages by ICU's converters.
+
+#include <algorithm>
+#include <string>
+
+#include <unicode/ucnv.h>
+#include <unicode/uniset.h>
+#include <unicode/unistr.h>
+#include <unicode/uset.h>
+#include <unicode/utf8.h>
+
+#include "platform/system/code_page.h"
+
+namespace vicenter::system {
+
+namespace {
+
+class Utf8Page final : public CodePage {
+  public:
+    std::size_t FirstMissing(std::string_view /*text*/) const override { return std::string_view::npos; }
+    std::string Encode(std::string_view text) const override { return std::string(text); }
+    std::string Decode(std::string_view bytes) const override { return std::string(bytes); }
+};
+
+class IcuPage final : public CodePage {
+  public:
+    explicit IcuPage(UConverter* converter) : converter_(converter) {
+        UErrorCode status = U_ZERO_ERROR;
+        // What comes back as it went; the look-alikes that a converter may fall back to are not the
+        // character.
+        ucnv_getUnicodeSet(converter_, reinterpret_cast<USet*>(&characters_), UCNV_ROUNDTRIP_SET, &status);
+        characters_.freeze();
+        ucnv_setSubstChars(converter_, "?", 1, &status);
+    }
+    ~IcuPage() override { ucnv_close(converter_); }
+
+    std::size_t FirstMissing(std::string_view text) const override {
+        const auto length = static_cast<std::int32_t>(text.size());
+        for (std::int32_t at = 0; at < length;) {
+            const std::int32_t start = at;
+            if (static_cast<unsigned char>(text[static_cast<std::size_t>(at)]) < 0x80) {
+                ++at;
+                continue;
+            }
+            UChar32 character = 0;
+            U8_NEXT(text.data(), at, length, character);
+            if (character < 0 || !characters_.contains(character)) return static_cast<std::size_t>(start);
+        }
+        return std::string_view::npos;
+    }
+
+    std::string Encode(std::string_view text) const override {
+        const icu::UnicodeString wide = icu::UnicodeString::fromUTF8(
+            icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+        std::string bytes(static_cast<std::size_t>(
+                              UCNV_GET_MAX_BYTES_FOR_STRING(wide.length(), ucnv_getMaxCharSize(converter_))),
+                          '\0');
+        UErrorCode status = U_ZERO_ERROR;
+        const std::int32_t length =
+            ucnv_fromUChars(converter_, bytes.data(), static_cast<std::int32_t>(bytes.size()),
+                            wide.getBuffer(), wide.length(), &status);
+        bytes.resize(static_cast<std::size_t>(std::max(length, 0)));
+        return bytes;
+    }
+
+    std::string Decode(std::string_view bytes) const override {
+        UErrorCode status = U_ZERO_ERROR;
+        const icu::UnicodeString wide(bytes.data(), static_cast<std::int32_t>(bytes.size()), converter_,
+                                      status);
+        std::string text;
+        wide.toUTF8String(text);
+        return text;
+    }
+
+  private:
+    UConverter* converter_;
+    icu::UnicodeSet characters_;
+};
+
+}  // namespace
+
+std::unique_ptr<CodePage> CodePage::Open(int number) {
+    if (number == kUtf8) return std::make_unique<Utf8Page>();
+    UErrorCode status = U_ZERO_ERROR;
+    const std::string name = "windows-" + std::to_string(number);
+    UConverter* converter = ucnv_open(name.c_str(), &status);
+    if (U_FAILURE(status)) return nullptr;
+    return std::make_unique<IcuPage>(converter);
+}
+
+}  // namespace vicenter::system

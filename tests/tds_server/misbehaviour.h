@@ -1,0 +1,100 @@
+#pragma once
+
+// What a server can do wrong, one small class each. A server has one at a time, shared by its connections,
+// each of which asks it at every step; the well-behaved one is the base class itself. Called from the threads
+// of the connections.
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tsql/diagnostic.h"
+
+namespace vicenter::tds_server {
+
+class Misbehaviour {
+  public:
+    Misbehaviour() = default;
+    Misbehaviour(const Misbehaviour&) = delete;
+    Misbehaviour& operator=(const Misbehaviour&) = delete;
+    virtual ~Misbehaviour() = default;
+
+    // Asked at each packet of either direction.
+    virtual bool DropsAtPacket() { return false; }
+    // How many bytes leave at once.
+    virtual std::size_t LargestPiece() { return std::numeric_limits<std::size_t>::max(); }
+    // An error instead of a login.
+    virtual std::optional<tsql::Diagnostic> RefusesLogin() { return std::nullopt; }
+    // An error instead of running a batch.
+    virtual std::optional<tsql::Diagnostic> RefusesBatch(std::string_view /*text*/) { return std::nullopt; }
+    // How long a batch lets wait for its answer; an attention ends the waiting.
+    virtual int DelayMilliseconds() { return 0; }
+};
+
+// Cuts the line at the n-th packet, from 1, of all that pass; afterwards all is well.
+class DropAtPacket final : public Misbehaviour {
+  public:
+    explicit DropAtPacket(int n) : left_(n) {}
+    bool DropsAtPacket() override { return --left_ == 0; }
+    // The packet came up at all.
+    bool HasDropped() const { return left_ <= 0; }
+
+  private:
+    std::atomic<int> left_;
+};
+
+// Sends byte by byte, as a bad line may deliver.
+class ByteByByte final : public Misbehaviour {
+  public:
+    std::size_t LargestPiece() override { return 1; }
+};
+
+// Lets every batch wait: a few milliseconds for a line over land, very many for a server that hangs.
+class Slow final : public Misbehaviour {
+  public:
+    explicit Slow(int milliseconds) : milliseconds_(milliseconds) {}
+    int DelayMilliseconds() override { return milliseconds_; }
+
+  private:
+    int milliseconds_;
+};
+
+// Hangs at the n-th batch only.
+class StallAtBatch final : public Misbehaviour {
+  public:
+    explicit StallAtBatch(int n) : left_(n) {}
+    int DelayMilliseconds() override { return --left_ == 0 ? kVeryLong : 0; }
+
+  private:
+    static constexpr int kVeryLong = 600'000;
+    std::atomic<int> left_;
+};
+
+class RefuseLogin final : public Misbehaviour {
+  public:
+    std::optional<tsql::Diagnostic> RefusesLogin() override {
+        tsql::Diagnostic error;
+        error.number = 18456;
+        error.severity = 14;
+        error.text = "Login failed for user 'sa'.";
+        return error;
+    }
+};
+
+// An error of the server's own at the n-th batch: deadlock victim 1205, lock time-out 1222, snapshot conflict
+// 3960.
+class FailBatch final : public Misbehaviour {
+  public:
+    FailBatch(int n, std::int32_t number) : left_(n), number_(number) {}
+    std::optional<tsql::Diagnostic> RefusesBatch(std::string_view text) override;
+
+  private:
+    std::atomic<int> left_;
+    std::int32_t number_;
+};
+
+}  // namespace vicenter::tds_server
