@@ -4,6 +4,7 @@
 
 #include "automation/class_registry.h"
 #include "platform/ado/account_set/account_set_provider.h"
+#include "platform/ado/odbc/odbc_provider.h"
 
 namespace vicenter::front {
 
@@ -62,6 +63,7 @@ const MemberTable<AdoConnection>& AdoConnection::Members() {
 
 void RegisterAdoClasses() {
     ado::RegisterAccountSetProvider();
+    ado::RegisterOdbcProviders();
     automation::ClassRegistry::Process().Register("ADODB.Connection",
                                                   [] { return std::make_shared<AdoConnection>(); });
 }

@@ -9,6 +9,7 @@
 #include "host/demo_ledger.h"
 #include "host/embedded_files.h"
 #include "platform/ado/account_set/account_set_provider.h"
+#include "platform/ado/odbc/odbc_provider.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
 
@@ -19,6 +20,7 @@ namespace fs = std::filesystem;
 
 void RegisterProviders() {
     ado::RegisterAccountSetProvider();
+    ado::RegisterOdbcProviders();
 }
 
 void RunScript(ado::Connection& connection, std::string_view script, const std::string& name) {

@@ -130,6 +130,8 @@ class CommandLine {
         AddCommand(app_, "sql", CliCommand::Sql, "执行 T-SQL / run T-SQL, GO ends a batch")
             ->add_option("FILE", options_.file, "脚本文件 / script; standard input without")
             ->check(kNotEmpty);
+        AddCommand(app_, "drivers", CliCommand::Drivers,
+                   "SQL Server 的 ODBC 驱动程序 / ODBC drivers for SQL Server, and which one is taken");
         AddExchangeCommands();
         AddGenerate();
     }
@@ -231,6 +233,8 @@ int Dispatch(const CliContext& context) {
             return RunImport(context);
         case CliCommand::Generate:
             return RunGenerate(context);
+        case CliCommand::Drivers:
+            return RunDrivers(context);
     }
     return kExitWrongUse;
 }
@@ -296,7 +300,7 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
         } else {
             office::RegisterExcelServer(options.excelVersion);
         }
-        if (options.command != CliCommand::AccountSetNew) {
+        if (options.command != CliCommand::AccountSetNew && options.command != CliCommand::Drivers) {
             const fs::path userData = system::PathFromUtf8(surroundings.folders->UserData());
             context.session = RegisterHostComponents(
                 {ChosenConnectString(context), options.userId, system::PathToUtf8(userData / kCloudFolder)});

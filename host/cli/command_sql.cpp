@@ -141,7 +141,7 @@ bool RunBatch(ado::Connection& connection, const ScriptBatch& batch, SqlAnswer& 
         } else {
             record = connection.Errors().front();
         }
-        answer.Failure(ado::ResultsDespiteFailure(connection), record);
+        answer.Failure(connection.ResultsDespiteFailure(), record);
         return false;
     }
 }

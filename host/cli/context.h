@@ -46,5 +46,6 @@ int RunWindow(const CliContext& context);
 int RunExport(const CliContext& context);
 int RunImport(const CliContext& context);
 int RunGenerate(const CliContext& context);
+int RunDrivers(const CliContext& context);
 
 }  // namespace vicenter::host

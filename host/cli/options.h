@@ -23,7 +23,8 @@ enum class CliCommand {
     Sql,
     Export,
     Import,
-    Generate
+    Generate,
+    Drivers
 };
 
 struct GenerateOptions {

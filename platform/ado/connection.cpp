@@ -94,7 +94,9 @@ void RegisterProvider(std::string name, ConnectionFactory factory) {
 }
 
 ConnectionRef OpenConnection(const std::string& connectString) {
-    const std::string name = ConnectString(connectString).Value("Provider");
+    const ConnectString settings(connectString);
+    std::string name = settings.Value("Provider");
+    if (name.empty() && (settings.Has("Driver") || settings.Has("DSN"))) name = "MSDASQL";
     for (const Provider& provider : Providers()) {
         if (name.empty() || !automation::SameName(provider.name, name)) continue;
         ConnectionRef connection = provider.factory();

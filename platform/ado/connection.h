@@ -57,6 +57,9 @@ class Connection {
     // diagnostic record); Errors() then holds all of them.
     virtual RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected = nullptr) = 0;
     virtual void Close() = 0;
+    // The results that the last batch gave although it failed: those before the failure, and those behind it
+    // where the batch went on. None after a batch that did not fail.
+    virtual RecordsetRef ResultsDespiteFailure() const { return nullptr; }
     // Another number whenever anything in the account set may have changed since, by whomever; compares with
     // earlier numbers of the same open connection only. Nothing when the back end cannot tell.
     virtual std::optional<std::uint32_t> DataVersion() { return std::nullopt; }
@@ -75,6 +78,8 @@ class ConnectString {
     // The last value of that key, or the empty text.
     std::string Value(std::string_view key) const;
     bool Has(std::string_view key) const;
+    // As they stand, in order.
+    const std::vector<std::pair<std::string, std::string>>& Pairs() const { return pairs_; }
 
   private:
     std::vector<std::pair<std::string, std::string>> pairs_;
@@ -83,7 +88,8 @@ class ConnectString {
 // Back ends by provider name; compared without case. A later registration replaces the earlier one.
 void RegisterProvider(std::string name, ConnectionFactory factory);
 
-// Opens a new connection by the connect string's Provider=. An unknown or missing provider is error 3706.
+// Opens a new connection by the connect string's Provider=; one that names a Driver= or DSN= instead is
+// MSDASQL's, as ever. An unknown or missing provider is error 3706.
 ConnectionRef OpenConnection(const std::string& connectString);
 
 }  // namespace vicenter::ado

@@ -4,6 +4,7 @@
 #include <chrono>
 
 #include "automation/variant.h"
+#include "tsql/syntax/ast_statement.h"
 #include "tsql/syntax/lexer.h"
 
 namespace vicenter::tds_server {

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "tsql/diagnostic.h"
+#include "tsql/base/diagnostic.h"
 
 namespace vicenter::tds_server {
 

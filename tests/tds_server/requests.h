@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "platform/system/code_page.h"
-#include "tsql/engine/sql_type.h"
-#include "tsql/engine/value.h"
+#include "tsql/types/sql_type.h"
+#include "tsql/types/value.h"
 
 namespace vicenter::tds_server {
 

@@ -116,6 +116,12 @@ void Server::Behave(std::shared_ptr<Misbehaviour> misbehaviour) {
     misbehaviour_ = std::move(misbehaviour);
 }
 
+void Server::CutAll() {
+    const std::lock_guard lock(mutex_);
+    for (Served& served : served_)
+        served.connection->Cut();
+}
+
 int Server::Connections() const {
     const std::lock_guard lock(mutex_);
     return logins_;

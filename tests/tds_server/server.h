@@ -21,7 +21,7 @@
 
 #include "tds_server/misbehaviour.h"
 #include "tds_server/tokens.h"
-#include "tsql/engine/session.h"
+#include "tsql/run/session.h"
 
 namespace vicenter::tds_server {
 
@@ -52,6 +52,9 @@ class Server {
     void Answer(const std::string& batch, FixedAnswer answer);
     void Behave(std::shared_ptr<Misbehaviour> misbehaviour);
     void BehaveWell() { Behave(std::make_shared<Misbehaviour>()); }
+
+    // Ends all connections, as a server does that is started anew.
+    void CutAll();
 
     // ---- counted since the server was made
     int Connections() const;  // logins that were let in

@@ -53,6 +53,9 @@ constexpr unsigned kUpdatable = 0x08;
 constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
 constexpr std::int64_t kDaysTo1900 = 2;          // from the day that a DateTime counts from
 constexpr std::int64_t kDaysFromYear1 = 693593;  // to that day
+// The engine keeps milliseconds whatever the column says; the wire has room for all it may say.
+constexpr unsigned kFractionDigits = 7;
+constexpr unsigned kTimeLength = 5;
 constexpr const char* kServerName = "localhost";
 
 // Bytes of a decimal's magnitude with its sign.
@@ -60,10 +63,6 @@ unsigned DecimalLength(int precision) {
     if (precision <= 9) return 5;
     if (precision <= 19) return 9;
     return precision <= 28 ? 13 : 17;
-}
-
-unsigned TimeLength(int scale) {
-    return scale <= 2 ? 3 : scale <= 4 ? 4 : 5;
 }
 
 std::int64_t DaysOf(const DateTime& date) {
@@ -81,13 +80,8 @@ void PutBytes(std::string& to, std::uint64_t value, unsigned count) {
         to += static_cast<char>(value >> (8 * i));
 }
 
-void PutTime(std::string& to, const DateTime& time, int scale) {
-    std::int64_t units = MillisecondsOf(time);
-    for (int i = 3; i < scale; ++i)
-        units *= 10;
-    for (int i = scale; i < 3; ++i)
-        units /= 10;
-    PutBytes(to, static_cast<std::uint64_t>(units), TimeLength(scale));
+void PutTime(std::string& to, const DateTime& time) {
+    PutBytes(to, static_cast<std::uint64_t>(MillisecondsOf(time)) * 10'000, kTimeLength);
 }
 
 int HexDigit(char c) {
@@ -252,9 +246,9 @@ void TokenWriter::Type(std::string& to, const SqlType& type) const {
         case TypeKind::kDate:
             return PutByte(to, wire::kDate);
         case TypeKind::kTime:
-            return put(wire::kTime, static_cast<unsigned>(type.scale));
+            return put(wire::kTime, kFractionDigits);
         case TypeKind::kDateTime2:
-            return put(wire::kDateTime2, static_cast<unsigned>(type.scale));
+            return put(wire::kDateTime2, kFractionDigits);
         case TypeKind::kSmallDateTime:
             return put(wire::kDateTimeN, 4);
         case TypeKind::kDateTime:
@@ -407,11 +401,11 @@ void TokenWriter::Put(std::string& to, const SqlType& type, const Value& value) 
             PutByte(to, 3);
             return PutBytes(to, static_cast<std::uint64_t>(DaysOf(value.Date()) + kDaysFromYear1), 3);
         case TypeKind::kTime:
-            PutByte(to, TimeLength(type.scale));
-            return PutTime(to, value.Date(), type.scale);
+            PutByte(to, kTimeLength);
+            return PutTime(to, value.Date());
         case TypeKind::kDateTime2:
-            PutByte(to, TimeLength(type.scale) + 3);
-            PutTime(to, value.Date(), type.scale);
+            PutByte(to, kTimeLength + 3);
+            PutTime(to, value.Date());
             return PutBytes(to, static_cast<std::uint64_t>(DaysOf(value.Date()) + kDaysFromYear1), 3);
         case TypeKind::kSmallDateTime:
             PutByte(to, 4);

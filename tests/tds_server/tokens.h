@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "platform/system/code_page.h"
-#include "tsql/diagnostic.h"
-#include "tsql/engine/sql_type.h"
-#include "tsql/engine/value.h"
+#include "tsql/base/diagnostic.h"
+#include "tsql/types/sql_type.h"
+#include "tsql/types/value.h"
 
 namespace vicenter::tds_server {
 

@@ -19,6 +19,10 @@
 #include "tsql/types/result_column.h"
 #include "tsql/types/value.h"
 
+namespace vicenter::tsql {
+enum class StatementKind;
+}
+
 namespace vicenter::tsql::engine {
 
 struct SessionOptions {

@@ -293,11 +293,6 @@ void RegisterAccountSetProvider() {
     RegisterProvider(kProviderName, [] { return std::make_shared<AccountSetConnection>(); });
 }
 
-RecordsetRef ResultsDespiteFailure(const Connection& connection) {
-    const auto* own = dynamic_cast<const AccountSetConnection*>(&connection);
-    return own == nullptr ? nullptr : own->ResultsDespiteFailure();
-}
-
 void RestAccountSets() {
     if (SessionPool* pool = SessionPool::Process()) pool->BringHome();
 }

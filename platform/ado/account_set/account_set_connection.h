@@ -22,7 +22,7 @@ class AccountSetConnection final : public Connection {
     void Close() override;
     std::optional<std::uint32_t> DataVersion() override;
     const std::vector<DriverError>& Errors() const override { return errors_; }
-    const RecordsetRef& ResultsDespiteFailure() const { return despiteFailure_; }
+    RecordsetRef ResultsDespiteFailure() const override { return despiteFailure_; }
 
   private:
     void LeaveLostFile();

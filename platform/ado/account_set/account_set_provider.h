@@ -17,10 +17,6 @@ namespace vicenter::ado {
 // Registers the provider. Calling it again does no harm.
 void RegisterAccountSetProvider();
 
-// The results that the last batch of such a connection gave although it failed: those before the failure, and
-// those behind it where the batch went on. None after a batch that did not fail, and for other providers.
-RecordsetRef ResultsDespiteFailure(const Connection& connection);
-
 // Closes the kept sessions, for instance before their file is moved or deleted.
 void CloseIdleAccountSets();
 

@@ -103,18 +103,18 @@ TEST_F(AdoAccountSetTest, A_failure_throws_the_first_record_and_keeps_them_all) 
 
 TEST_F(AdoAccountSetTest, Results_of_a_batch_that_fails_can_be_had_until_the_next_one) {
     const ConnectionRef connection = OpenConnection(Connect());
-    EXPECT_EQ(ResultsDespiteFailure(*connection), nullptr);
+    EXPECT_EQ(connection->ResultsDespiteFailure(), nullptr);
     EXPECT_THROW(connection->Execute("select 7 as a select 8 as b select * from nowhere"), automation::Error);
-    const RecordsetRef first = ResultsDespiteFailure(*connection);
+    const RecordsetRef first = connection->ResultsDespiteFailure();
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(first->Value("a").ToInt32(), 7);
     ASSERT_NE(first->Next(), nullptr);
     EXPECT_EQ(first->Next()->Value("b").ToInt32(), 8);
     EXPECT_EQ(first->Next()->Next(), nullptr);
     connection->Execute("select 9 as c");
-    EXPECT_EQ(ResultsDespiteFailure(*connection), nullptr);
+    EXPECT_EQ(connection->ResultsDespiteFailure(), nullptr);
     EXPECT_THROW(connection->Execute("select * from nowhere"), automation::Error);
-    EXPECT_EQ(ResultsDespiteFailure(*connection), nullptr);
+    EXPECT_EQ(connection->ResultsDespiteFailure(), nullptr);
 }
 
 TEST_F(AdoAccountSetTest, A_missing_file_is_not_made_unless_asked_for) {

@@ -51,6 +51,7 @@ void ReadComment(TestFile& file, const std::string& line) {
     if (const std::string name = value("# name:"); !name.empty()) file.name = name;
     if (const std::string script = value("# setup:"); !script.empty()) file.setup.push_back(script);
     if (const std::string why = value("# differs:"); !why.empty()) file.differs = why;
+    if (const std::string why = value("# differs-over-odbc:"); !why.empty()) file.differsOverOdbc = why;
     for (const std::string& topic : SplitCommas(value("# covers:")))
         file.covers.push_back(topic);
 }

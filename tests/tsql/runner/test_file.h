@@ -6,6 +6,7 @@
 //   # by hand                                or "# recorded: from where"
 //   # setup: host/accountset/schema.sql      a script to run first (GO ends its batches); any number of these
 //   # differs: why                           not replayed on a real server, which answers otherwise
+//   # differs-over-odbc: why                 likewise, wherever an ODBC driver stands between
 //   # covers: cast, datetime                 what docs/tsql-support.md lists the test under
 //
 //   batch                                    or "error 208", optionally "error 208 line 3"
@@ -41,6 +42,7 @@ struct TestFile {
     std::vector<std::string> setup;
     std::vector<std::string> covers;
     std::string differs;
+    std::string differsOverOdbc;
     std::vector<Step> steps;
 };
 

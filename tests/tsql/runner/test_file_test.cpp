@@ -15,16 +15,18 @@ using Strings = std::vector<std::string>;
 
 TEST(TestFileTest, ReadsBatchesErrorsAndExpectations) {
     const TestFile file = ParseTestFile(
-        "# name: a/b.test\n# by hand\n# setup: x.sql\n# covers: while, break\n\nbatch\nselect 1\n\nselect "
+        "# name: a/b.test\n# by hand\n# setup: x.sql\n# differs-over-odbc: as is\n# covers: while, "
+        "break\n\nbatch\nselect 1\n\nselect "
         "2\ngo\n"
         "----\n:int\n1\n\n:int\n2\n\nerror 208 line 3\nselect * from t\nGO\n----\nInvalid.\n");
     EXPECT_EQ(file.name, "a/b.test");
     EXPECT_EQ(file.setup, Strings{"x.sql"});
     EXPECT_EQ(file.covers, (Strings{"while", "break"}));
+    EXPECT_EQ(file.differsOverOdbc, "as is");
     ASSERT_EQ(file.steps.size(), 2U);
     EXPECT_EQ(file.steps[0].batch, "select 1\n\nselect 2\n");
     EXPECT_EQ(file.steps[0].expected, (Strings{":int", "1", "", ":int", "2"}));
-    EXPECT_EQ(file.steps[0].line, 6);
+    EXPECT_EQ(file.steps[0].line, 7);
     EXPECT_FALSE(file.steps[0].errorNumber);
     EXPECT_EQ(file.steps[1].errorNumber, 208);
     EXPECT_EQ(file.steps[1].errorLine, 3);

@@ -1,0 +1,56 @@
+#pragma once
+
+// A data connection to SQL Server; see odbc_provider.h for its connect string. Internal to this folder.
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/ado/connection.h"
+#include "platform/ado/odbc/odbc_link.h"
+
+namespace vicenter::ado {
+
+class OdbcConnection final : public Connection {
+  public:
+    OdbcConnection() = default;
+    ~OdbcConnection() override;
+
+    void Open(const std::string& connectString) override;
+    // Also of one whose line broke: the next batch connects afresh.
+    bool IsOpen() const override { return open_; }
+    RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected) override;
+    void Close() override;
+    RecordsetRef ResultsDespiteFailure() const override { return despiteFailure_; }
+    const std::vector<DriverError>& Errors() const override { return errors_; }
+
+  private:
+    // What a batch gave, drained to its end.
+    struct Outcome {
+        RecordsetRef first;
+        std::vector<std::int64_t> counts;  // of statements without a result, in order
+        std::vector<DriverError> errors;
+        std::vector<DriverError> messages;
+        bool broken = false;
+        bool timedOut = false;
+    };
+
+    void Connect();
+    Outcome Run(std::string_view batch);
+    static void Sort(std::vector<DriverError> records, Outcome& outcome);
+    // The batch within a transaction of its own.
+    Outcome RunAsUnit(std::string_view batch);
+    std::string WithMarks(std::string_view batch);
+    [[noreturn]] void Fail(Outcome outcome, bool atCommit);
+
+    std::string connectString_;
+    OdbcSettings settings_;
+    bool open_ = false;
+    bool lostAtCommit_ = false;
+    std::unique_ptr<OdbcLink> link_;
+    std::vector<DriverError> errors_;
+    RecordsetRef despiteFailure_;
+};
+
+}  // namespace vicenter::ado

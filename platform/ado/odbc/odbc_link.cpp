@@ -1,0 +1,218 @@
+#include "platform/ado/odbc/odbc_link.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "automation/error.h"
+#include "platform/ado/odbc/odbc_provider.h"
+#include "platform/ado/odbc/odbc_result.h"
+
+namespace vicenter::ado {
+
+using automation::Error;
+
+namespace {
+
+constexpr const char* kSource = "ODBC";
+constexpr const char* kPageQuery =
+    "select collationproperty(convert(nvarchar(128), databasepropertyex(db_name(), 'Collation')), "
+    "'CodePage')";
+constexpr std::size_t kKeptLinks = 8;
+constexpr std::chrono::seconds kPause{1};        // after which a link is asked before it is used
+constexpr std::chrono::minutes kLongestIdle{2};  // after which it is closed
+
+std::string Lower(std::string text) {
+    for (char& c : text) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    return text;
+}
+
+std::string ChosenDriver(const OdbcSettings& settings) {
+    if (!settings.driver.empty()) return settings.driver;
+    for (const OdbcDriver& driver : OdbcDrivers()) {
+        if (driver.chosen) return driver.name;
+    }
+    if (!settings.dataSourceName.empty()) return {};
+    throw Error(error_number::kProviderNotFound, NoOdbcDriverText(), kSource);
+}
+
+// What a driver says of its connect string may repeat it.
+void HidePassword(std::string& text, const std::string& password) {
+    if (password.empty()) return;
+    for (std::size_t at = text.find(password); at != std::string::npos; at = text.find(password, at + 3))
+        text.replace(at, password.size(), "***");
+}
+
+bool IsMissingDriver(const DriverError& record) {
+    return record.sqlState == "IM002" || record.sqlState == "IM003" ||
+           record.text.find("Can't open lib") != std::string::npos;
+}
+
+std::string ConnectFailure(const std::vector<DriverError>& errors) {
+    std::string reason;
+    for (const DriverError& record : errors) {
+        if (IsMissingDriver(record)) return NoOdbcDriverText() + "\n" + record.text;
+        if (reason.empty() && record.severity > 10) reason = record.text;
+        // What the server itself says goes before what the driver makes of it.
+        if (record.severity > 10 && (record.native == 18456 || record.native == 4060)) {
+            reason = record.text;
+            break;
+        }
+    }
+    return "不能连接到数据库服务器：" + reason;
+}
+
+}  // namespace
+
+OdbcLink::OdbcLink(const OdbcSettings& settings, std::vector<DriverError>& errors)
+    : line_(OdbcEnvironment()) {
+    if (!line_) throw Error(error_number::kProviderNotFound, NoOdbcDriverText(), kSource);
+    const std::string driver = ChosenDriver(settings);
+    SQLRETURN code = Connect(settings, driver, settings.server, errors);
+    if (!SQL_SUCCEEDED(code) && !settings.failoverPartner.empty() &&
+        std::any_of(errors.begin(), errors.end(), IsBrokenLine)) {
+        std::vector<DriverError> second;
+        code = Connect(settings, driver, settings.failoverPartner, second);
+        if (SQL_SUCCEEDED(code)) errors = std::move(second);
+    }
+    if (SQL_SUCCEEDED(code)) {
+        errors.clear();
+        return;
+    }
+    for (DriverError& record : errors)
+        HidePassword(record.text, settings.password);
+    throw Error(error_number::kProviderError, ConnectFailure(errors), kSource);
+}
+
+OdbcLink::~OdbcLink() {
+    SQLDisconnect(line_.Get());
+}
+
+SQLRETURN OdbcLink::Connect(const OdbcSettings& settings, const std::string& driver,
+                            const std::string& server, std::vector<DriverError>& errors) {
+    SQLSetConnectAttrW(line_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
+                       reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(settings.connectSeconds)), 0);
+    std::u16string text = OdbcWide(DriverConnectString(settings, driver, server));
+    const SQLRETURN code =
+        SQLDriverConnectW(line_.Get(), nullptr, reinterpret_cast<SQLWCHAR*>(text.data()),
+                          static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
+    if (!SQL_SUCCEEDED(code)) errors = OdbcDiagnostics(SQL_HANDLE_DBC, line_.Get());
+    return code;
+}
+
+std::vector<std::vector<std::string>> OdbcLink::Ask(const std::string& query) const {
+    std::vector<std::vector<std::string>> rows;
+    const OdbcStatement statement(line_.Get());
+    std::u16string text = OdbcWide(query);
+    if (!SQL_SUCCEEDED(SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
+                                      static_cast<SQLINTEGER>(text.size())))) {
+        return rows;
+    }
+    SQLSMALLINT columns = 0;
+    if (!SQL_SUCCEEDED(SQLNumResultCols(statement.Get(), &columns)) || columns == 0) return rows;
+    const OdbcRows read = ReadOdbcResult(statement.Get(), columns);
+    for (std::int64_t row = 0; row < read.recordset->RecordCount(); ++row) {
+        std::vector<std::string>& cells = rows.emplace_back();
+        for (std::size_t column = 0; column < read.recordset->ColumnCount(); ++column)
+            cells.push_back(read.recordset->ValueAt(static_cast<std::size_t>(row), column).ToTextOrEmpty());
+    }
+    return rows;
+}
+
+bool OdbcLink::Answers() const {
+    if (IsDead(line_.Get())) return false;
+    return Ask("select 1").size() == 1;
+}
+
+const system::CodePage* OdbcLink::Page() {
+    if (!asked_) {
+        asked_ = true;
+        const auto rows = Ask(kPageQuery);
+        if (rows.size() == 1) pageNumber_ = std::atoi(rows[0][0].c_str());
+        if (pageNumber_ > 0) page_ = system::CodePage::Open(pageNumber_);
+    }
+    return page_.get();
+}
+
+std::optional<bool> OdbcLink::TakesUnicode(const std::string& table, const std::string& column) {
+    const std::string key = Lower(table);
+    auto known = columns_.find(key);
+    if (known == columns_.end()) {
+        std::string name;
+        for (const char c : table) {
+            name += c;
+            if (c == '\'') name += c;
+        }
+        known = columns_.emplace(key, std::map<std::string, bool>()).first;
+        for (const auto& row : Ask("select COLUMN_NAME, DATA_TYPE from INFORMATION_SCHEMA.COLUMNS where "
+                                   "TABLE_NAME = N'" +
+                                   name + "'")) {
+            const std::string& type = row[1];
+            if (type == "nvarchar" || type == "nchar" || type == "ntext" || type == "xml") {
+                known->second[Lower(row[0])] = true;
+            } else if (type == "varchar" || type == "char" || type == "text") {
+                known->second[Lower(row[0])] = false;
+            }
+        }
+    }
+    if (known->second.empty()) return std::nullopt;
+    if (!column.empty()) {
+        const auto found = known->second.find(Lower(column));
+        return found == known->second.end() ? std::nullopt : std::optional<bool>(found->second);
+    }
+    return std::all_of(known->second.begin(), known->second.end(),
+                       [](const auto& entry) { return entry.second; });
+}
+
+bool OdbcPool::ended_ = false;
+
+OdbcPool* OdbcPool::Process() {
+    if (ended_) return nullptr;
+    static OdbcPool pool;
+    return &pool;
+}
+
+OdbcPool::OdbcPool() {
+    // Made first, so that it goes last.
+    OdbcEnvironment();
+}
+
+OdbcPool::~OdbcPool() {
+    ended_ = true;
+}
+
+std::unique_ptr<OdbcLink> OdbcPool::Take(const std::string& key) {
+    DropOld();
+    for (;;) {
+        const auto found =
+            std::find_if(idle_.rbegin(), idle_.rend(), [&](const Idle& idle) { return idle.key == key; });
+        if (found == idle_.rend()) return nullptr;
+        const bool rested = Clock::now() - found->since > kPause;
+        std::unique_ptr<OdbcLink> link = std::move(found->link);
+        idle_.erase(std::next(found).base());
+        if (!rested || link->Answers()) return link;
+    }
+}
+
+void OdbcPool::Keep(const std::string& key, std::unique_ptr<OdbcLink> link) {
+    DropOld();
+    if (link->hasTraces) return;
+    if (idle_.size() >= kKeptLinks) idle_.erase(idle_.begin());
+    idle_.push_back({key, std::move(link), Clock::now()});
+}
+
+void OdbcPool::Forget(const std::string& key) {
+    std::erase_if(idle_, [&](const Idle& idle) { return idle.key == key; });
+}
+
+void OdbcPool::DropOld() {
+    const Clock::time_point now = Clock::now();
+    std::erase_if(idle_, [&](const Idle& idle) { return now - idle.since > kLongestIdle; });
+}
+
+void CloseIdleOdbcConnections() {
+    if (OdbcPool* pool = OdbcPool::Process()) pool->Clear();
+}
+
+}  // namespace vicenter::ado

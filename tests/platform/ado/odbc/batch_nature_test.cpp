@@ -1,0 +1,36 @@
+#include "platform/ado/odbc/batch_nature.h"
+
+#include <gmock/gmock.h>
+
+namespace vicenter::ado {
+namespace {
+
+TEST(BatchNatureTest, OnlySeveralChangesNeedAUnit) {
+    EXPECT_FALSE(NatureOf("select FID from t_VchTemplate where FName = 'delete'").needsUnit);
+    EXPECT_FALSE(NatureOf("if not exists (select 1 from t) begin insert into t values (1) end").needsUnit);
+    EXPECT_FALSE(
+        NatureOf("declare @n int select @n = max(FID) + 1 from t insert into t values (@n)").needsUnit);
+    EXPECT_TRUE(NatureOf("delete t where a = 1 insert into t values (1)").needsUnit);
+    EXPECT_TRUE(NatureOf("exec pro_VchTpCanUsed 3").needsUnit);
+    EXPECT_TRUE(NatureOf("while @i < 3 begin insert into t values (1) set @i = @i + 1 end").needsUnit);
+    EXPECT_FALSE(NatureOf("create database a").needsUnit);
+    EXPECT_TRUE(NatureOf("create database a").refusesUnit);
+}
+
+TEST(BatchNatureTest, WhatStaysBehindIsSeen) {
+    EXPECT_FALSE(NatureOf("declare @c cursor set @c = cursor for select 1 select * from t").leavesTraces);
+    EXPECT_FALSE(NatureOf("update t set nocount_column = 1").leavesTraces);
+    for (const char* batch : {"set nocount on", "set lock_timeout 5", "select * into #a from t", "use other",
+                              "begin transaction", "declare c cursor for select 1", "execute as user = 'x'"})
+        EXPECT_TRUE(NatureOf(batch).leavesTraces) << batch;
+}
+
+TEST(BatchNatureTest, CountsAreToldApartInAStraightBatch) {
+    EXPECT_THAT(
+        CountsOfChanges("declare @a int select @a = 1 insert into t values (1) select * from t delete t"),
+        testing::ElementsAre(false, true, true));
+    EXPECT_TRUE(CountsOfChanges("while 1 = 1 delete t").empty());
+}
+
+}  // namespace
+}  // namespace vicenter::ado
