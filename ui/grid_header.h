@@ -17,6 +17,8 @@ class GridHeader : public QHeaderView {
     void SetActiveSection(int section);
     // A section is being pressed or dragged over: rows or columns are being selected.
     bool IsPressed() const { return pressed_; }
+    // The mouse is elsewhere by now: a message may have swallowed its release.
+    void EndPress() { pressed_ = false; }
 
   protected:
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;

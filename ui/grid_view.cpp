@@ -309,6 +309,8 @@ void GridView::EditorTextEdited(const QString& text) {
 }
 
 void GridView::mousePressEvent(QMouseEvent* event) {
+    rows_->EndPress();
+    columns_->EndPress();
     const QModelIndex pressed = indexAt(event->pos());
     const QModelIndex before = currentIndex();
     if (event->button() == Qt::LeftButton && pressed.isValid() && pressed == before && IsInteractive()) {

@@ -23,11 +23,15 @@ int RunCheck(const CliContext& context) {
     for (int row = 1; row <= lines.count; ++row) {
         VariantArray faulty;
         for (const center::ColumnSpec& spec : center::Columns()) {
+            const center::TextVerdict own = center::OwnVerdict(lines.grid, {row, spec.column});
             const int check = lines.grid.FaultyCheck(row, spec.column);
-            if (check == 0) continue;
+            if (own == center::TextVerdict::Taken && check == 0) continue;
+            const std::string reason = own == center::TextVerdict::Taken
+                                           ? center::CheckText(check)
+                                           : center::VerdictText(own, spec.column);
             faulty.emplace_back(spec.field);
             text += "第 " + std::to_string(row) + " 行 " + std::string(spec.header) + " “" +
-                    std::string(lines.grid.Text(row, spec.column)) + "”：" + center::CheckText(check) + "\n";
+                    std::string(lines.grid.Text(row, spec.column)) + "”：" + reason + "\n";
         }
         if (faulty.empty()) continue;
         const auto record = static_cast<std::size_t>(row - 1);

@@ -82,6 +82,21 @@ TEST_F(GenerateTest, InputProblemsStopBeforeAnything) {
     EXPECT_TRUE(frame_->Calls().empty());
 }
 
+TEST_F(GenerateTest, TheLineEndOfACopiedNameIsNoPartOfItAndOthersAreRefused) {
+    request_.templateName = "a\tb";
+    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"凭证模板名称不能包含制表符、换行等控制字符！"});
+    EXPECT_TRUE(set_.Statements().empty());
+    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{7}}));
+    surroundings_.messageBoxes->shown.clear();
+    surroundings_.messageBoxes->answers = {MessageResult::No};
+    request_.templateName = "三月\r\n";
+    Generate(request_);
+    EXPECT_EQ(
+        surroundings_.messageBoxes->Texts(),
+        Texts{"凭证模板“三月”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？"});
+}
+
 TEST_F(GenerateTest, AnExistingNameIsAskedAbout) {
     set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{7}}));
     surroundings_.messageBoxes->answers = {MessageResult::No};

@@ -228,4 +228,17 @@ TEST_F(LineLoaderTest, EmptyCellsAreValidWithoutAQuestion) {
         EXPECT_EQ(Color(1, c), color::kBlack) << c;
 }
 
+TEST(RowOnceSortedOf, FollowsTheLineToWhereItsNumberPutsIt) {
+    EntryGrid grid;
+    for (const auto& [row, number] : {std::pair{1, "10"}, {2, "2"}, {3, "02"}, {4, "1"}, {5, "2147483647"}})
+        grid.SetText(row, column::kNo, number);
+    EXPECT_EQ(RowOnceSorted(grid, 5, 1), 4);
+    EXPECT_EQ(RowOnceSorted(grid, 5, 2), 2);
+    EXPECT_EQ(RowOnceSorted(grid, 5, 3), 3) << "equal numbers keep their order";
+    EXPECT_EQ(RowOnceSorted(grid, 5, 4), 1);
+    EXPECT_EQ(RowOnceSorted(grid, 5, 5), 5);
+    EXPECT_EQ(RowOnceSorted(grid, 5, 6), 6);
+    EXPECT_EQ(RowOnceSorted(grid, 5, 0), 0);
+}
+
 }  // namespace vicenter::center

@@ -343,6 +343,20 @@ TEST_F(Rename, ABlankNameIsRefused) {
     }
 }
 
+TEST_F(Rename, ANameWithATabOrALineEndInItIsRefused) {
+    for (const char* name : {"a\tb", "a\nb", "\x01"}) {
+        Forget();
+        EXPECT_FALSE(Window().TreeAfterLabelEdit(name));
+        ExpectMessage("名称不能包含制表符、换行等控制字符，修改失败！");
+        EXPECT_THAT(set_.Statements(), IsEmpty());
+    }
+}
+
+TEST_F(Rename, TheLineEndOfACopiedNameIsNoPartOfIt) {
+    EXPECT_TRUE(Window().TreeAfterLabelEdit("月末结转\r\n"));
+    EXPECT_EQ(set_.Statements()[1], "update t_VchTemplate set FName = '月末结转' where FID = 5");
+}
+
 TEST_F(Rename, TheStandardTemplatesNameIsRefusedWithoutAQuestionToTheAccountSet) {
     EXPECT_FALSE(Window().TreeAfterLabelEdit("标准模板"));
     ExpectMessage(kDuplicateName);

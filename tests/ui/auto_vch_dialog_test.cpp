@@ -2,6 +2,8 @@
 
 #include "ui/auto_vch_dialog.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -63,6 +65,22 @@ TEST_F(AutoVchDialogTest, NumberBoxesTakeDigitsOnly) {
     EXPECT_EQ(Box(1)->text(), QStringLiteral("12"));
     QTest::keyClicks(Box(1), QStringLiteral("3"));  // two digits at most
     EXPECT_EQ(Box(1)->text(), QStringLiteral("12"));
+}
+
+TEST_F(AutoVchDialogTest, CopiedCellsComeInWithoutTheirLineEnds) {
+    auto* name = Child<QLineEdit>("txtVchTpName");
+    QApplication::clipboard()->setText(QStringLiteral("报销办公费\r\n"));
+    name->setFocus();
+    name->selectAll();
+    name->paste();
+    EXPECT_EQ(name->text(), QStringLiteral("报销办公费"));
+    QApplication::clipboard()->setText(QStringLiteral("a\tb"));
+    name->paste();
+    EXPECT_EQ(name->text(), QStringLiteral("报销办公费"));
+    QApplication::clipboard()->setText(QStringLiteral("12\r\n"));
+    Box(2)->selectAll();
+    Box(2)->paste();
+    EXPECT_EQ(Box(2)->text(), QStringLiteral("12"));
 }
 
 TEST_F(AutoVchDialogTest, AFocusedBoxSelectsItsWholeText) {

@@ -1,3 +1,6 @@
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
@@ -53,6 +56,27 @@ TEST_F(DialogTest, FindGoesFromMatchToMatchByEnterAndStaysOpen) {
     EXPECT_TRUE(dialog.isVisible());
     Press(dialog, "cmdCancel");
     EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST_F(DialogTest, FindTakesACopiedCellWithoutItsLineEnd) {
+    dialogs::FrmSearch search;
+    search.SetGrid(grid);
+    search.SetEntryCount(3);
+    FindDialog dialog(search, {});
+    dialog.show();
+    QApplication::clipboard()->setText("支付房租\r\n");
+    for (const char* name : {"txtExp", "txtAcct", "txtBZ"}) {
+        auto* box = dialog.findChild<QLineEdit*>(name);
+        box->paste();
+        EXPECT_EQ(box->text(), "支付房租") << name;
+        if (box->objectName() != "txtExp") box->clear();
+    }
+    QTest::keyClick(dialog.findChild<QLineEdit*>("txtExp"), Qt::Key_Return);
+    EXPECT_EQ(grid->ActiveCell(), (center::CellAddress{2, 1}));
+    QApplication::clipboard()->setText("a\tb");
+    dialog.findChild<QLineEdit*>("txtExp")->selectAll();
+    dialog.findChild<QLineEdit*>("txtExp")->paste();
+    EXPECT_EQ(dialog.findChild<QLineEdit*>("txtExp")->text(), "支付房租") << "a tab is refused";
 }
 
 TEST_F(DialogTest, FindTellsWhenNothingIsAskedFor) {

@@ -1,5 +1,7 @@
 #include "ui/look_up_dialog.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QPushButton>
 #include <QTest>
 
@@ -47,6 +49,15 @@ TEST_F(LookUpDialogTest, TypingNarrowsAndEnterTakesTheFirstThatFits) {
     QTest::keyClick(Filter(dialog), Qt::Key_Return);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_EQ(dialog.Chosen(), std::optional<std::size_t>(2));
+}
+
+TEST_F(LookUpDialogTest, ACopiedCodeFiltersWithoutItsLineEnd) {
+    LookUpDialog dialog(request_);
+    dialog.show();
+    QApplication::clipboard()->setText("1122\r\n");
+    Filter(dialog)->paste();
+    EXPECT_EQ(Filter(dialog)->text(), "1122");
+    EXPECT_EQ(Current(dialog), "1122");
 }
 
 TEST_F(LookUpDialogTest, ArrowsMoveWhileTheFilterBoxKeepsTheFocus) {
