@@ -10,6 +10,7 @@
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/statements.h"
+#include "store/template_guard.h"
 
 namespace vicenter::autovch {
 
@@ -69,7 +70,20 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     }
     entry::WriteFrameLog("C001C039", "AutoRunVch");
 
-    TemplateTarget target{name, entry::CurrentUserId(), store::clsVIData().FindVchTemplate(name)};
+    using State = store::NamedTemplate::State;
+    const std::string userId = entry::CurrentUserId();
+    const store::NamedTemplate existing = store::FindTemplateToReplace(name, userId);
+    if (existing.state == State::Unknown) {
+        ShowMessage("凭证模板“" + name + "”无法读取，凭证模板生成失败！");
+        return {};
+    }
+    if (existing.state == State::Anothers) {
+        ShowMessage("凭证模板“" + name + "”属于其他用户（用户编号 " + std::to_string(existing.ownerId) +
+                    "），不允许覆盖，凭证模板生成失败！");
+        return {};
+    }
+    const TemplateTarget target{name, existing.OwnerAfterwards(userId),
+                                existing.state == State::MayWrite ? existing.id : -1};
     if (target.overwriteId >= 0 &&
         ShowMessage("凭证模板“" + name +
                         "”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？",
@@ -85,13 +99,13 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     const std::string batch = GenerationBatch(
         target, request.columns, *vouchers, [&](const std::string& detailId) { return items.Of(detailId); },
         progress);
-    if (batch.empty() || !store::RunSql(batch)) return {};
+    if (batch.empty()) return {};
+    if (target.overwriteId < 0) store::ClearWayForNewTemplate();
+    if (!store::RunSql(batch)) return {};
 
-    const auto id =
-        store::GetRecordset("select FID from t_VchTemplate where FName = " + entry::SqlQuote(name));
-    if (!id || id->AtEnd()) return {};
     GenerationResult result;
-    result.templateId = id->Value("FID").ToInt32();
+    result.templateId = store::clsVIData().FindVchTemplate(name, userId);
+    if (result.templateId < 0) return {};
     result.generated = true;
     result.message = "凭证生成凭证模板 " + name + " 成功！";
     const std::string templateId = std::to_string(result.templateId);

@@ -75,13 +75,20 @@ std::string ProfileOf(const EntryGrid& grid) {
 }
 
 void ColumnProfile::Apply() {
-    ApplyProfile(*state_.grid, store::clsVIData().GetVchTpProfileByUserID(state_.userId));
+    const std::string profile = store::clsVIData().GetVchTpProfileByUserID(state_.userId);
+    // An empty text may be what is stored, or an answer that never came.
+    unreadable_ =
+        profile.empty() &&
+        store::GetRecordset("select FValue from t_VchTpProfile where FUserID = " + state_.userId) == nullptr;
+    ApplyProfile(*state_.grid, profile);
 }
 
-void ColumnProfile::Save() {
+bool ColumnProfile::Save() {
+    if (unreadable_) return false;
     store::RunSql(
         "update t_VchTpProfile set FValue=" + entry::SqlQuote(ProfileOf(*state_.grid), true, false) +
         " where FUserID = " + state_.userId);
+    return true;
 }
 
 void ColumnProfile::ApplyBillFont() {

@@ -22,12 +22,15 @@ class ColumnProfile {
     explicit ColumnProfile(WindowState& state) : state_(state) {}
 
     void Apply();  // reads the user's profile, seeding it on first use
-    void Save();
+    // False, and nothing is written, when the profile could not be read: what nobody has seen is not
+    // replaced.
+    bool Save();
     // The user's bill font, from 9 points on.
     void ApplyBillFont();
 
   private:
     WindowState& state_;
+    bool unreadable_ = false;
 };
 
 }  // namespace vicenter::center

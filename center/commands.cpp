@@ -105,7 +105,7 @@ void frmVICenter::Parts::ShowColumns() {
     dialogs::frmSetColume dialog;
     dialog.SetGrid(state.grid);
     state.view.ShowColumnDialog(dialog);
-    profile.Save();
+    if (!profile.Save()) Tell("列设置未能读取，本次的调整不会保存！");
 }
 
 }  // namespace vicenter::center

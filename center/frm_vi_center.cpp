@@ -29,13 +29,14 @@ frmVICenter::Parts::Parts(VICenterView& view, TemplateCommands* theCommands)
       commands(theCommands),
       profile(state),
       editing(state),
+      kept(state),
       tree(
           state, [this] { return save.ConfirmUnsavedChanges(); },
           [this] {
               editing.Forget();
               RefreshSurroundings();
           }),
-      save(state, [this] { Reopen(); }),
+      save(state, kept, SaveActions()),
       lookUps(state),
       items(state),
       names(state),
@@ -47,17 +48,26 @@ frmVICenter::Parts::~Parts() {
     state.grid->RemoveObserver(*this);
 }
 
-void frmVICenter::Parts::Reopen() {
+TemplateSaveActions frmVICenter::Parts::SaveActions() {
+    TemplateSaveActions actions;
+    actions.reload = [this] { return Reload(); };
+    actions.readTreeAgain = [this](const std::string& id) { tree.ReadAgain(id); };
+    actions.insertTemplate = [this] { return tree.InsertTemplate(); };
+    actions.undo = [this] { editing.Undo(); };
+    actions.refreshStatus = [this] { RefreshStatus(); };
+    return actions;
+}
+
+bool frmVICenter::Parts::Reload() {
     CellAddress active = state.grid->ActiveCell();
     // The lines come back sorted by number; the cursor stays on the line where the user was working.
     active.row = RowOnceSorted(*state.grid, state.rowCount, active.row);
-    const std::string name = state.templateName;
-    const std::string id = state.templateId;
-    tree.Open(name, id, {});
+    const bool read = tree.Reload();
     if (active.row >= 1 && active.row <= state.rowCount + 1) {
         state.grid->SetActiveCell(active);
         state.grid->ScrollIntoView(active);
     }
+    return read;
 }
 
 void frmVICenter::Parts::RefreshStatus() {
@@ -65,7 +75,7 @@ void frmVICenter::Parts::RefreshStatus() {
     StatusState status = sums->Status(*state.grid, state.grid->ActiveCell().row);
     if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
     const CellAddress active = state.grid->ActiveCell();
-    status.hint = FaultText(*state.grid, active);
+    status.hint = state.notice.empty() ? FaultText(*state.grid, active) : state.notice;
     state.view.SetStatus(status);
 }
 
@@ -79,12 +89,14 @@ void frmVICenter::Parts::ActiveCellChanged(const CellAddress&) {
     RefreshSurroundings();
 }
 
-void frmVICenter::Parts::RowsInserted(int /*firstRow*/, int /*count*/) {
+void frmVICenter::Parts::RowsInserted(int firstRow, int /*count*/) {
     sums.reset();
+    if (firstRow <= state.rowCount) kept.Touched();
 }
 
-void frmVICenter::Parts::RowsRemoved(int /*firstRow*/, int /*count*/) {
+void frmVICenter::Parts::RowsRemoved(int firstRow, int /*count*/) {
     sums.reset();
+    if (firstRow <= state.rowCount) kept.Touched();
 }
 
 void frmVICenter::Parts::WasReset() {
@@ -93,6 +105,7 @@ void frmVICenter::Parts::WasReset() {
 
 void frmVICenter::Parts::TextsChanged(const CellRange& range) {
     sums.reset();
+    kept.Touched();
     const CellAddress active = state.grid->ActiveCell();
     const bool touchesItems = range.firstRow <= active.row && active.row <= range.lastRow &&
                               range.firstColumn <= column::kItems &&
@@ -119,7 +132,7 @@ void frmVICenter::Load() {
     state.grid->Clear(kFirstRowTotal);
     parts_->profile.Apply();
     // The columns' cell types and the list of column 3 are fixed by the column table.
-    parts_->tree.Open(store::kStandardTemplateName, "0", {});
+    parts_->tree.OpenAtLoad();
     state.view.PlaceProgressFrame(PlaceProgress(state.view.WindowSize()));
     entry::WriteOperationLog(LogKind::Requested, "凭证模板-打开");
     try {
@@ -133,6 +146,13 @@ void frmVICenter::Load() {
         state.hasRight = false;
     }
     if (!state.hasRight) state.view.SetGridInteractive(false);
+}
+
+void frmVICenter::Shown() {
+    AtEdge([&] {
+        const entry::UserScope user(parts_->state.userId);
+        if (!parts_->state.linesKnown) parts_->tree.TellUnreadable();
+    });
 }
 
 void frmVICenter::Activate() {
@@ -156,13 +176,19 @@ bool frmVICenter::KeyPreview(int keyCode) {
 void frmVICenter::ToolClick(std::string_view key) {
     for (const ToolSpec& spec : Tools()) {
         if (!automation::SameName(spec.key, key)) continue;
-        AtEdge([&] { parts_->RunCommand(spec.tool, *this); });
+        AtEdge([&] {
+            const entry::UserScope user(parts_->state.userId);
+            parts_->RunCommand(spec.tool, *this);
+        });
         return;
     }
 }
 
 void frmVICenter::FileDropped(const std::string& fileName) {
-    AtEdge([&] { parts_->RunImport(*this, fileName); });
+    AtEdge([&] {
+        const entry::UserScope user(parts_->state.userId);
+        parts_->RunImport(*this, fileName);
+    });
 }
 
 // --- tree
@@ -177,6 +203,7 @@ void frmVICenter::TreeLostFocus() {
 
 void frmVICenter::TreeNodeClick(const std::string& key) {
     AtEdge([&] {
+        const entry::UserScope user(parts_->state.userId);
         parts_->editing.FinishTyping();
         parts_->tree.NodeClick(key);
     });
@@ -184,6 +211,7 @@ void frmVICenter::TreeNodeClick(const std::string& key) {
 
 void frmVICenter::TreeDoubleClick() {
     AtEdge([&] {
+        const entry::UserScope user(parts_->state.userId);
         parts_->editing.FinishTyping();
         parts_->tree.DoubleClick();
     });
@@ -264,6 +292,7 @@ const ToolStates& frmVICenter::EnabledTools() const {
 bool frmVICenter::Save() {
     bool saved = false;
     AtEdge([&] {
+        const entry::UserScope user(parts_->state.userId);
         parts_->editing.FinishTyping();
         saved = parts_->save.Save();
     });
@@ -273,6 +302,7 @@ bool frmVICenter::Save() {
 bool frmVICenter::ConfirmUnsavedChanges() {
     bool mayGoOn = false;
     AtEdge([&] {
+        const entry::UserScope user(parts_->state.userId);
         parts_->editing.FinishTyping();
         mayGoOn = parts_->save.ConfirmUnsavedChanges();
     });

@@ -67,6 +67,8 @@ class frmVICenter final : public TemplateWindow {
 
     // --- window system
     void Load();
+    // The window is on the screen: what the user has to be told of its opening.
+    void Shown();
     void Activate();
     void Unload();
     // Keys before the controls; true when the key is swallowed (F1).

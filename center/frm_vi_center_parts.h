@@ -11,6 +11,7 @@
 #include "center/frm_vi_center.h"
 #include "center/grid_editing.h"
 #include "center/item_panel.h"
+#include "center/kept_lines.h"
 #include "center/name_list.h"
 #include "center/status_line.h"
 #include "center/template_save.h"
@@ -23,7 +24,8 @@ struct frmVICenter::Parts : public GridObserver {
     Parts(VICenterView& view, TemplateCommands* theCommands);
     ~Parts() override;
 
-    void Reopen();
+    // The open template read again, the cursor where it was; false when its lines could not be read.
+    bool Reload();
     // What hangs on the active cell and the sums: item panel, name list, status line.
     void RefreshSurroundings();
     void RefreshStatus();
@@ -41,6 +43,7 @@ struct frmVICenter::Parts : public GridObserver {
     TemplateCommands* commands;
     ColumnProfile profile;
     GridEditing editing;
+    KeptLines kept;
     TemplateTree tree;
     TemplateSave save;
     CellLookUps lookUps;
@@ -51,6 +54,7 @@ struct frmVICenter::Parts : public GridObserver {
     std::optional<NumberSums> sums;  // of the grid as it is
 
   private:
+    TemplateSaveActions SaveActions();
     bool RefusedForRight();
     void ShowFind();
     void ShowColumns();

@@ -30,6 +30,13 @@ std::string DirectionText(const Variant& value) {
     return code == 0 ? std::string(kCredit) : std::string();
 }
 
+constexpr unsigned kEndOfText = 0x100;  // no byte
+
+// One step of a 64-bit FNV-1a.
+void Mix(std::uint64_t& hash, unsigned value) {
+    hash = ((hash == 0 ? 0xcbf29ce484222325U : hash) ^ value) * 0x100000001b3U;
+}
+
 // Filling a grid is no change of its content.
 class Unrecorded {
   public:
@@ -79,16 +86,45 @@ std::string LineReader::CellText(int gridColumn, std::size_t record) const {
     return own.ToTextOrEmpty();
 }
 
-void LineReader::FillRow(EntryGrid& grid, int gridRow, std::size_t record) {
+void LineReader::ReadTexts(std::size_t record) {
     for (int c = 1; c <= kColumnCount; ++c)
         texts_[static_cast<std::size_t>(c - 1)] = CellText(c, record);
+}
+
+void LineReader::FillRow(EntryGrid& grid, int gridRow, std::size_t record) {
+    ReadTexts(record);
     grid.FillRow(gridRow, texts_);
 }
 
-std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId) {
+void LineReader::Add(std::size_t record, LinesDigest& digest) {
+    ReadTexts(record);
+    AddFilled(digest);
+}
+
+void LineReader::AddFilled(LinesDigest& digest) const {
+    ++digest.lines;
+    for (const std::string& text : texts_) {
+        for (const char c : text)
+            Mix(digest.hash, static_cast<unsigned char>(c));
+        Mix(digest.hash, kEndOfText);
+    }
+}
+
+LinesDigest DigestOf(const ado::Recordset& records) {
+    LinesDigest digest;
+    LineReader reader(records);
+    const std::size_t entry = records.ColumnIndex("FEntryID");
+    for (std::size_t record = 0; record < static_cast<std::size_t>(records.RecordCount()); ++record) {
+        if (!records.ValueAt(record, entry).IsNull()) reader.Add(record, digest);
+    }
+    return digest;
+}
+
+std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId, LinesDigest* digest) {
     store::clsVIData data;
     const ado::RecordsetRef records = data.GetVchTemplateEntryInfo(templateId);
     if (records == nullptr) return std::nullopt;
+    if (digest != nullptr) *digest = {};
     const auto count = static_cast<int>(records->RecordCount());
     if (count < 1) return 0;
 
@@ -98,6 +134,7 @@ std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId) {
     CellChecks checks;
     for (int row = 1; row <= count; ++row) {
         reader.FillRow(grid, row, static_cast<std::size_t>(row - 1));
+        if (digest != nullptr) reader.AddFilled(*digest);
         MarkRow(grid, row, checks);
     }
     return count;

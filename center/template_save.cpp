@@ -9,6 +9,7 @@
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/statements.h"
+#include "store/template_guard.h"
 
 namespace vicenter::center {
 
@@ -162,11 +163,11 @@ std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::strin
     return batch;
 }
 
-bool SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
-                  const std::string& name) {
+SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
+                        const std::string& name) {
     try {
-        // The answer is not asked for: a rejected batch has been shown to the user by then.
-        store::clsVIData().IsExecuteSql(BuildSaveBatch(grid, rowCount, templateId));
+        // A rejected batch has been shown to the user by then; the messages of a success follow all the same.
+        const bool stored = store::clsVIData().IsExecuteSql(BuildSaveBatch(grid, rowCount, templateId));
         const std::optional<std::string> unusable = UnusableNumbers(templateId);
         std::string text = "模板 " + name + " 保存成功！";
         if (unusable) {
@@ -175,10 +176,10 @@ bool SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templa
         }
         Tell(text);
         entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 成功");
-        return true;
+        return stored ? SendResult::Stored : SendResult::Refused;
     } catch (const Error&) {
         TellSaveFailed(name);
-        return false;
+        return SendResult::Failed;
     }
 }
 
@@ -191,8 +192,8 @@ bool ConfirmEmptyTemplate() {
     return Ask("当前模板模板信息为空，您确认要保存么？", MessageButtons::OkCancel) == MessageResult::Ok;
 }
 
-TemplateSave::TemplateSave(WindowState& state, std::function<void()> reopen)
-    : state_(state), reopen_(std::move(reopen)) {}
+TemplateSave::TemplateSave(WindowState& state, KeptLines& kept, TemplateSaveActions actions)
+    : state_(state), kept_(kept), actions_(std::move(actions)) {}
 
 bool TemplateSave::Save() {
     if (!state_.IsOpen() || !state_.dirty) return false;
@@ -201,11 +202,79 @@ bool TemplateSave::Save() {
         TellSaveFailed(state_.templateName);
         return false;
     }
+    // After a save that was refused the window shows what is stored; what is tried again is what was typed.
+    if (kept_.IsPending()) actions_.undo();
     if (!Validate()) return false;
-    if (!SendTemplate(*state_.grid, state_.rowCount, state_.templateId, state_.templateName)) return false;
-    reopen_();
+    const TemplateFate fate = FateOfOpenTemplate(state_);
+    if (fate == TemplateFate::AsLoaded) return SendAndReload(false);
+    if (fate == TemplateFate::Unknown) {
+        TellSaveFailed(state_.templateName);
+        return false;
+    }
+    switch (AskHowToSave(fate, state_.templateName, !store::IsStandard(state_.templateId))) {
+        case SaveChoice::Overwrite:
+            return SendAndReload(true);
+        case SaveChoice::KeepAsNew:
+            return SendAsNewTemplate();
+        case SaveChoice::LookAtTheirs:
+            LookAtTheirs();
+            return false;
+        case SaveChoice::Leave:
+            return false;
+    }
+    return false;
+}
+
+bool TemplateSave::SendAndReload(bool treeToo) {
+    const SendResult sent =
+        SendTemplate(*state_.grid, state_.rowCount, state_.templateId, state_.templateName);
+    if (sent == SendResult::Failed) return false;
+    const std::string name = state_.templateName;
+    const LinesDigest loadedBefore = state_.loaded;
+    if (sent == SendResult::Refused) kept_.Take();
+    bool reloaded = true;
+    if (treeToo) {
+        actions_.readTreeAgain(state_.templateId);
+        reloaded = state_.linesKnown;
+    } else {
+        reloaded = actions_.reload();
+    }
     state_.dirty = false;
+    if (sent == SendResult::Refused) {
+        KeepRefused(reloaded, loadedBefore);
+    } else if (!reloaded && !treeToo) {
+        Tell("模板 " + name + " 已保存，但未能重新读取，请重新打开该模板！");
+    }
     return true;
+}
+
+// The typed lines are one step of undo away, and the template counts as modified as long as they are.
+void TemplateSave::KeepRefused(bool reloaded, const LinesDigest& loadedBefore) {
+    if (reloaded) {
+        state_.dirty = kept_.OfferUndo("保存被拒绝，按 Ctrl+Z 找回保存前的分录");
+    } else {
+        // Nothing has been written and nothing read: the window is as it was before the save.
+        kept_.PutBack();
+        state_.linesKnown = true;
+        state_.loaded = loadedBefore;
+    }
+    actions_.refreshStatus();
+}
+
+bool TemplateSave::SendAsNewTemplate() {
+    const std::optional<TreeNode> node = actions_.insertTemplate();
+    if (!node) return false;
+    state_.templateId = node->key.substr(kTemplateKeyHead.size());
+    state_.SetTemplateName(node->text);
+    state_.loaded = {};
+    return SendAndReload(true);
+}
+
+void TemplateSave::LookAtTheirs() {
+    kept_.Take();
+    actions_.readTreeAgain(state_.templateId);
+    kept_.OfferUndo("按 Ctrl+Z 找回您修改的分录");
+    actions_.refreshStatus();
 }
 
 bool TemplateSave::Validate() {

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "center/kept_lines.h"
+#include "center/template_fate.h"
 #include "center/window_state.h"
 
 namespace vicenter::center {
@@ -22,9 +24,14 @@ std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount);
 // The batch that replaces the template's lines and brings its control rows up to date.
 std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId);
 
-// Sends the batch and tells the user and the operation log how it went; false after an error.
-bool SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
-                  const std::string& name);
+enum class SendResult {
+    Stored,
+    Refused,  // the database refused the batch, which the user has been shown; the success message followed
+    Failed,   // an error of the save
+};
+// Sends the batch and tells the user and the operation log how it went.
+SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
+                        const std::string& name);
 
 // What the user and the operation log learn of a save that failed.
 void TellSaveFailed(const std::string& name);
@@ -32,10 +39,21 @@ void TellSaveFailed(const std::string& name);
 // An empty template is saved only when the user agrees.
 bool ConfirmEmptyTemplate();
 
+// What a save asks of the window around it.
+struct TemplateSaveActions {
+    // Reads the open template into the window again; false when its lines could not be read.
+    std::function<bool()> reload;
+    // Reads the tree again and opens the template of that id, or the standard template when it is gone.
+    std::function<void(const std::string& id)> readTreeAgain;
+    // A new template of the user's in the tree; none when there is none, which the user has been told.
+    std::function<std::optional<TreeNode>()> insertTemplate;
+    std::function<void()> undo;
+    std::function<void()> refreshStatus;
+};
+
 class TemplateSave {
   public:
-    // reopen: reads the open template into the window again.
-    TemplateSave(WindowState& state, std::function<void()> reopen);
+    TemplateSave(WindowState& state, KeptLines& kept, TemplateSaveActions actions);
 
     bool Save();
     bool Validate();
@@ -43,8 +61,15 @@ class TemplateSave {
     void GoToCell(const CellAddress& cell);
 
   private:
+    // Sends the grid to the open template and shows what is stored afterwards.
+    bool SendAndReload(bool treeToo);
+    bool SendAsNewTemplate();
+    void LookAtTheirs();
+    void KeepRefused(bool reloaded, const LinesDigest& loadedBefore);
+
     WindowState& state_;
-    std::function<void()> reopen_;
+    KeptLines& kept_;
+    TemplateSaveActions actions_;
 };
 
 }  // namespace vicenter::center

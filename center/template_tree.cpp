@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "center/line_loader.h"
+#include "center/template_fate.h"
 #include "entry/host_services.h"
 #include "entry/single_line.h"
 #include "entry/sql_text.h"
@@ -10,6 +11,7 @@
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/statements.h"
+#include "store/template_guard.h"
 
 namespace vicenter::center {
 
@@ -90,8 +92,36 @@ void TemplateTree::RebuildAndSelect(std::int32_t id) {
     Open({}, {}, {});
 }
 
+void TemplateTree::ReadAgain(const std::string& id) {
+    ReadNodes();
+    const std::string key = KeyOf(id);
+    Select(Find(key) == nullptr ? kStandardKey : key);
+    Open({}, {}, {});
+}
+
 void TemplateTree::Open(const std::string& name, const std::string& id, const std::string& displayName) {
+    Read(name, id, displayName);
+    if (!state_.linesKnown) TellUnreadable();
+}
+
+void TemplateTree::OpenAtLoad() {
+    Read(store::kStandardTemplateName, IdOf(kStandardKey), {});
+}
+
+void TemplateTree::TellUnreadable() const {
+    Tell("模板 " + state_.templateName + " 的分录未能读取，请检查账套连接后重新打开该模板！");
+}
+
+bool TemplateTree::Reload() {
+    const std::string name = state_.templateName;
+    const std::string id = state_.templateId;
+    Read(name, id, {});
+    return state_.linesKnown;
+}
+
+void TemplateTree::Read(const std::string& name, const std::string& id, const std::string& displayName) {
     state_.journal.Drop();
+    state_.notice.clear();
     // Observers see one reset: first no rows, then the blank ones.
     state_.grid->Clear(0);
     state_.grid->Clear(kFirstRowTotal);
@@ -113,7 +143,14 @@ void TemplateTree::Open(const std::string& name, const std::string& id, const st
     if (!displayName.empty()) shown = displayName;
     state_.SetTemplateName(shown);
     state_.entryCount = store::clsVIData().GetVchEntryCount(state_.templateId);
-    const std::optional<int> lines = LoadLines(*state_.grid, state_.templateId);
+    // Known is what has been read to its end.
+    state_.linesKnown = false;
+    std::optional<int> lines;
+    try {
+        lines = LoadLines(*state_.grid, state_.templateId, &state_.loaded);
+    } catch (const automation::Error&) {
+        state_.grid->Clear(kFirstRowTotal);
+    }
     state_.linesKnown = lines.has_value();
     if (lines) {
         state_.entryCount = *lines;
@@ -140,9 +177,28 @@ void TemplateTree::NodeClick(const std::string& key) {
         state_.Enable({Tool::Del, Tool::Save, Tool::Exp}, false);
     } else if (IsTemplateKey(key)) {
         state_.Enable({Tool::Del, Tool::Save, Tool::Exp}, true);
-        Open(TextOf(key), IdOf(key), {});
+        OpenNode(key);
     }
     state_.Enable({Tool::AddRow, Tool::DelRow}, false);
+}
+
+void TemplateTree::OpenNode(const std::string& key) {
+    const std::string text = TextOf(key);
+    const NodeFate now = FateOfNode(IdOf(key), text, state_.userId);
+    if (now.fate == TemplateFate::Gone) {
+        TellGone(text);
+        ReadAgain(IdOf(key));
+        return;
+    }
+    if (now.fate == TemplateFate::Changed) SetNodeText(key, now.name);
+    Open(TextOf(key), IdOf(key), {});
+}
+
+void TemplateTree::SetNodeText(const std::string& key, const std::string& text) {
+    for (TreeNode& node : nodes_) {
+        if (node.key == key) node.text = text;
+    }
+    state_.view.SetTreeNodeText(key, text);
 }
 
 void TemplateTree::DoubleClick() {
@@ -184,33 +240,89 @@ bool TemplateTree::AfterLabelEdit(const std::string& label) {
         return false;
     }
     const std::string id = IdOf(selected_);
+    if (!MayRename(TextOf(selected_), id)) return false;
     if (!store::RunSql("update t_VchTemplate set FName = " + Literal(newText) + " where FID = " + id)) {
         return false;
     }
-    for (TreeNode& node : nodes_) {
-        if (node.key == selected_) node.text = newText;
-    }
-    state_.view.SetTreeNodeText(selected_, newText);
+    SetNodeText(selected_, newText);
     Open(newText, id, newText);
     return true;
 }
 
+bool TemplateTree::MayRename(const std::string& text, const std::string& id) {
+    const NodeFate now = FateOfNode(id, text, state_.userId);
+    switch (now.fate) {
+        case TemplateFate::AsLoaded:
+            return true;
+        case TemplateFate::Gone:
+            TellGone(text);
+            return false;
+        case TemplateFate::Unknown:
+            Tell("模板 " + text + " 无法读取，修改失败！");
+            return false;
+        case TemplateFate::Changed:
+            break;
+    }
+    return Ask("模板 " + text + " 已在别处改名为 " + now.name + "，是否仍要修改名称？",
+               system::MessageButtons::YesNo) == system::MessageResult::Yes;
+}
+
 // --- new and delete
 
-bool TemplateTree::CreateTemplate() {
+std::optional<TreeNode> TemplateTree::InsertTemplate() {
     std::int32_t largest = 0;
     const std::int32_t id = store::clsVIData().InsertVchTemplateInfo(largest);
-    if (id <= 0) return false;
+    if (id <= 0) return std::nullopt;
     const TreeNode node{KeyOf(std::to_string(id)), store::CustomTemplateName(std::int64_t{largest} + 1),
                         kTemplateIcon};
+    if (!store::ConfirmNewTemplate(std::to_string(id), state_.userId, node.text)) {
+        Tell("新增的模板未能确认（其他用户可能同时新增了模板），请在重新读取的模板树中选择！");
+        const std::string before = selected_;
+        ReadNodes();
+        Select(before);
+        return std::nullopt;
+    }
     nodes_.push_back(node);
     state_.view.AddTreeNode(node);
     Select(node.key);
+    return node;
+}
+
+bool TemplateTree::CreateTemplate() {
+    const std::optional<TreeNode> node = InsertTemplate();
+    if (!node) return false;
     // The command has been through the right and the gate already: no second question.
     StartRenaming();
-    Open(node.text, IdOf(node.key), {});
+    Open(node->text, IdOf(node->key), {});
     state_.Enable({Tool::Del, Tool::Save}, true);
     return true;
+}
+
+// Asked once the user has agreed: what is deleted is what the user means.
+bool TemplateTree::MayDelete(const std::string& text) {
+    const std::string id = IdOf(selected_);
+    const bool open = state_.templateId == id && state_.linesKnown;
+    const TemplateFate fate = open ? FateOfOpenTemplate(state_) : FateOfNode(id, text, state_.userId).fate;
+    switch (fate) {
+        case TemplateFate::AsLoaded:
+            return true;
+        case TemplateFate::Unknown:
+            Tell("删除失败！");
+            break;
+        case TemplateFate::Gone:
+            TellGone(text);
+            break;
+        case TemplateFate::Changed:
+            if (Ask("模板 " + text +
+                        " 打开之后已在别处被修改，是否仍要删除？\r\n\r\n选择“否”将显示修改后的模板。",
+                    system::MessageButtons::YesNo) == system::MessageResult::Yes) {
+                return true;
+            }
+            break;
+    }
+    entry::WriteOperationLog(LogKind::Failed, "凭证模板-删除模板 " + text + " 失败");
+    if (fate != TemplateFate::Unknown) ReadAgain(id);
+    return false;
 }
 
 void TemplateTree::DeleteSelected() {
@@ -224,6 +336,7 @@ void TemplateTree::DeleteSelected() {
         system::MessageResult::Yes) {
         return;
     }
+    if (!MayDelete(text)) return;
     if (!store::clsVIData().DeleteVchTemplateInfo(IdOf(selected_))) {
         Tell("删除失败！");
         entry::WriteOperationLog(LogKind::Failed, "凭证模板-删除模板 " + text + " 失败");

@@ -3,6 +3,7 @@
 // The template tree: nodes, opening, new, rename, delete. Part of frmVICenter.
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,14 @@ class TemplateTree {
     void RebuildAndSelect(std::int32_t id);
     // Any of the three may be empty.
     void Open(const std::string& name, const std::string& id, const std::string& displayName);
+    // The standard template under its own name, without a word when its lines cannot be read.
+    void OpenAtLoad();
+    // The open template once more; false when its lines could not be read, which nobody has been told then.
+    bool Reload();
+    // Builds the tree anew and opens that template, or the standard template when it is gone.
+    void ReadAgain(const std::string& id);
+    // That the lines of the open template could not be read.
+    void TellUnreadable() const;
 
     void GotFocus();
     void LostFocus();
@@ -29,6 +38,9 @@ class TemplateTree {
 
     // True when a template was created.
     bool CreateTemplate();
+    // A new template of the user's, its node selected; none when the account set made none, or when the one
+    // that it made cannot be told from another user's: the user has been told, and the nodes are read anew.
+    std::optional<TreeNode> InsertTemplate();
     void DeleteSelected();
 
     const std::vector<TreeNode>& Nodes() const { return nodes_; }
@@ -37,6 +49,14 @@ class TemplateTree {
 
   private:
     void StartRenaming();
+    void Read(const std::string& name, const std::string& id, const std::string& displayName);
+    // Opens a node by what it stands for now.
+    void OpenNode(const std::string& key);
+    // False when the template of the selected node is not to be deleted.
+    bool MayDelete(const std::string& text);
+    // False when the template of the selected node is not to be renamed.
+    bool MayRename(const std::string& text, const std::string& id);
+    void SetNodeText(const std::string& key, const std::string& text);
     void ReadNodes();
     void Select(const std::string& key);
     const TreeNode* Find(const std::string& key) const;

@@ -9,6 +9,7 @@
 
 #include "center/entry_grid.h"
 #include "center/grid_journal.h"
+#include "center/line_loader.h"
 #include "center/vicenter_view.h"
 #include "platform/system/surroundings.h"
 
@@ -27,6 +28,8 @@ struct WindowState {
     std::int32_t entryCount = 0;  // lines of the open template as last read
     int rowCount = 0;             // rows of the grid in use
     bool linesKnown = true;       // false: the open template's lines could not be read
+    LinesDigest loaded;           // the open template's lines as read
+    std::string notice;           // in the status line until something changes
     bool dirty = false;
     bool hasRight = false;
     ToolStates tools{};

@@ -84,6 +84,14 @@ void SetCurrentUserId(std::string userId) {
     Values().userId = std::move(userId);
 }
 
+UserScope::UserScope(const std::string& userId) : saved_(Values().userId) {
+    if (!userId.empty()) Values().userId = userId;
+}
+
+UserScope::~UserScope() {
+    Values().userId = std::move(saved_);
+}
+
 void AttachHostContext(automation::ObjectRef context) {
     Values().hostContext = std::move(context);
 }

@@ -34,6 +34,19 @@ std::string GetKeyValue(std::string_view text, std::string_view key, std::string
 std::string CurrentUserId();
 void SetCurrentUserId(std::string userId);
 
+// The current user is that one until the end of the scope: windows of several users may live in one process,
+// and what a command writes belongs to the user of the window that asks. An empty id changes nothing.
+class UserScope {
+  public:
+    explicit UserScope(const std::string& userId);
+    UserScope(const UserScope&) = delete;
+    UserScope& operator=(const UserScope&) = delete;
+    ~UserScope();
+
+  private:
+    std::string saved_;
+};
+
 void AttachHostContext(automation::ObjectRef context);
 void PresetPropsString(std::string propsString);
 

@@ -19,6 +19,7 @@
 #include "platform/system/unfinished_file.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/template_guard.h"
 
 namespace vicenter::exchange {
 
@@ -165,17 +166,18 @@ std::string BuildBatch(TemplateWindow& window, const std::string& fileName, std:
 
     const std::string fieldList = ReadHeader(sheet, columnCount);
     std::string batch;
-    StartImportBatch(batch, existingId, name, entry::CurrentUserId());
+    const std::string userId = entry::CurrentUserId();
+    // The standard template stays everybody's, whoever replaces it.
+    StartImportBatch(batch, existingId, name, existingId == store::kStandardTemplateId ? "0" : userId);
     AppendRows(window, sheet, columnCount, rowCount, fieldList, batch);
     FinishImportBatch(batch, existingId);
     return batch;
 }
 
 std::string ReadTemplateId(const std::string& name) {
-    const auto rows = store::clsVIData().GetRs("select FID from t_VchTemplate where FName = " +
-                                               entry::SqlQuote(name, true, true));
-    if (!rows) throw Error(automation::error_number::kObjectVariableNotSet);
-    return rows->Value("FID").ToText();
+    const std::int32_t id = store::clsVIData().FindVchTemplate(name, entry::CurrentUserId());
+    if (id < 0) throw Error(automation::error_number::kObjectVariableNotSet);
+    return std::to_string(id);
 }
 
 // "注：…" naming the template numbers that cannot be used; empty when all can.
@@ -214,13 +216,21 @@ bool ImportChosenFile(TemplateWindow& window, const std::string& fileName) {
     }
     const std::string name =
         automation::CreateObject(kFileSystemProgId)->Call("GetBaseName", {fileName}).ToText();
-    const std::int32_t existingId = store::clsVIData().FindVchTemplate(name);
-    if (existingId >= 0 &&
+    using State = store::NamedTemplate::State;
+    const store::NamedTemplate existing = store::FindTemplateToReplace(name, entry::CurrentUserId());
+    if (existing.state == State::Unknown) throw Error(automation::error_number::kObjectVariableNotSet);
+    if (existing.state == State::Anothers) {
+        Show("模板[" + name + "]属于其他用户（用户编号 " + std::to_string(existing.ownerId) +
+             "），不允许覆盖，引入失败！");
+        return false;
+    }
+    if (existing.state == State::MayWrite &&
         Show("模板[" + name + "]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？",
              entry::kMessageTitle, MessageButtons::OkCancel) != MessageResult::Ok) {
         return false;
     }
-    return ImportTemplateWorkbook(window, fileName, existingId >= 0 ? existingId : kNewTemplate, name);
+    return ImportTemplateWorkbook(window, fileName,
+                                  existing.state == State::MayWrite ? existing.id : kNewTemplate, name);
 }
 
 // Whatever the surroundings of the command throw ends like any failure of an import.
@@ -241,6 +251,7 @@ bool ImportTemplateWorkbook(TemplateWindow& window, const std::string& fileName,
     bool imported = false;
     try {
         const std::string batch = BuildBatch(window, fileName, existingId, name);
+        if (existingId == kNewTemplate) store::ClearWayForNewTemplate();
         store::clsVIData data;
         if (!data.IsExecuteSql(batch)) throw Error(automation::error_number::kInvalidProcedureCall);
         window.SetProgressLabel("引入完毕...");

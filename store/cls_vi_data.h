@@ -66,8 +66,12 @@ class clsVIData : public automation::TableObject<clsVIData> {
     std::int32_t GetVchEntryCount(const std::string& iFID);
     // True when any user's template bears that name.
     bool CheckVchTemplateIsExist(const std::string& strName);
-    // The same question by the same statement: the template's FID, -1 when there is none.
-    std::int32_t FindVchTemplate(const std::string& strName);
+    // The same question by the same statement: the template's FID, kNoTemplate when there is none,
+    // kUnreadable when the account set does not answer. When several users have one of that name, one more
+    // question: the user's own comes first, then the standard template.
+    static constexpr std::int32_t kNoTemplate = -1;
+    static constexpr std::int32_t kUnreadable = -2;
+    std::int32_t FindVchTemplate(const std::string& strName, const std::string& userId);
     bool DeleteVchTemplateInfo(const std::string& FID);
     // Inserts a custom template of the current user and returns its FID. lMaxNum goes in as a lower bound and
     // comes back as the largest custom number found; the new template bears the next one.
@@ -97,6 +101,8 @@ class clsVIData : public automation::TableObject<clsVIData> {
     RecordsetRef Query(const std::string& sql);
     // One more statement on the broker that Query opened.
     RecordsetRef QueryAgain(const std::string& sql);
+    // (FID) of every user's templates of that name. Errors pass.
+    RecordsetRef TemplatesOfName(const std::string& name);
     // (FItemClassID, FSQLTableName) of the classes that a statement's condition selects.
     bool ItemsAreValid(const std::string& accountNumber, const std::string& items);
     bool SettlementIsValid(const std::string& accountNumber, const std::string& settleName);

@@ -91,16 +91,28 @@ std::int32_t clsVIData::GetVchEntryCount(const std::string& iFID) {
 }
 
 bool clsVIData::CheckVchTemplateIsExist(const std::string& strName) {
-    return FindVchTemplate(strName) >= 0;
+    try {
+        return TemplatesOfName(strName)->RecordCount() >= 1;
+    } catch (const Error&) {
+        return false;
+    }
 }
 
-std::int32_t clsVIData::FindVchTemplate(const std::string& strName) {
-    constexpr std::int32_t kNone = -1;
+RecordsetRef clsVIData::TemplatesOfName(const std::string& name) {
+    return Query("select FID from t_VchTemplate where FName = " + SqlQuote(name));
+}
+
+std::int32_t clsVIData::FindVchTemplate(const std::string& strName, const std::string& userId) {
     try {
-        const RecordsetRef found = Query("select FID from t_VchTemplate where FName = " + SqlQuote(strName));
-        return found->RecordCount() >= 1 ? found->Value("FID").ToInt32() : kNone;
+        const RecordsetRef found = TemplatesOfName(strName);
+        if (found->RecordCount() < 1) return kNoTemplate;
+        if (found->RecordCount() == 1) return found->Value("FID").ToInt32();
+        const RecordsetRef own =
+            QueryAgain("select FID from t_VchTemplate where FName = " + SqlQuote(strName) +
+                       " and (FUserID = " + userId + " or FID = 0) order by FID desc ");
+        return (own->RecordCount() >= 1 ? own : found)->Value("FID").ToInt32();
     } catch (const Error&) {
-        return kNone;
+        return kUnreadable;
     }
 }
 

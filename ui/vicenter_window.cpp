@@ -176,6 +176,13 @@ void VICenterWindow::Open() {
     presenter_->Load();
     loaded_ = true;
     ShowModeless();
+    // The host's call returns first: what is to be told may wait for an answer.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!unloaded_) Guarded([this] { presenter_->Shown(); });
+        },
+        Qt::QueuedConnection);
 }
 
 void VICenterWindow::ShowModeless() {

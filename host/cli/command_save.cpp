@@ -3,6 +3,7 @@
 #include <iterator>
 #include <optional>
 
+#include "center/template_fate.h"
 #include "center/template_save.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
@@ -22,12 +23,12 @@ bool Validate(const center::EntryGrid& grid, int count) {
     return !finding;
 }
 
-// The success message follows even when the database has refused the batch; then the refusal was shown before
-// it.
-bool Save(const CliContext& context, const TemplateHead& head, const center::EntryGrid& grid, int count) {
-    const std::size_t before = context.messages.Shown().size();
-    return center::SendTemplate(grid, count, head.id, head.name) &&
-           context.messages.Shown().size() == before + 1;
+// False when the template has been deleted since its name was looked up; the user has been told.
+bool IsThere(const CliContext& context, const TemplateHead& head) {
+    const center::NodeFate now =
+        center::FateOfNode(head.id, head.name, std::to_string(context.options.userId));
+    if (now.fate == center::TemplateFate::Gone) center::TellGone(head.name);
+    return now.fate != center::TemplateFate::Gone;
 }
 
 }  // namespace
@@ -42,7 +43,9 @@ int RunSave(const CliContext& context) {
     if (!CheckRight()) return FinishSpeaking(context, false, Variant::Null());
     center::EntryGrid grid;
     const int count = ReadLines(document, grid);
-    const bool ok = Validate(grid, count) && Save(context, head, grid, count);
+    // A refusal of the database has been shown before the success message that follows all the same.
+    const bool ok = Validate(grid, count) && IsThere(context, head) &&
+                    center::SendTemplate(grid, count, head.id, head.name) == center::SendResult::Stored;
     const Variant data =
         ok ? JsonObject({{"FID", Variant(head.id).ToInt32()}, {"FName", head.name}, {"lines", count}})
            : Variant::Null();

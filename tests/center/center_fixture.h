@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -89,6 +90,24 @@ class CenterTest : public testing::Test {
         });
         set_.Respond("select * from t_VchTemplateEntry",
                      [this](const std::string& sql) { return Rows(LineFields(), LinesOf(sql)); });
+        set_.Respond("select a.FUserID,a.FName as FTemplateName",
+                     [this](const std::string& sql) { return RowWithLines(sql); });
+        set_.Respond("select FUserID,FName as FTemplateName", [this](const std::string& sql) {
+            const std::string name = NameOf(IdIn(sql));
+            if (name.empty()) return Rows({"FUserID", "FTemplateName", "FLines", "FControls"});
+            return Rows({"FUserID", "FTemplateName", "FLines", "FControls"},
+                        {{OwnerOf(IdIn(sql)), name, static_cast<int>(LinesOf(sql).size()), 0}});
+        });
+        set_.Respond("update t_VchTemplate set FName = '", [this](const std::string& sql) {
+            const std::size_t at = sql.find('\'') + 1;
+            names_[IdIn(sql)] = sql.substr(at, sql.rfind('\'') - at);
+            return Rows({});
+        });
+        set_.Respond("declare @MaxFID", [this](const std::string& sql) {
+            const std::size_t at = sql.find("(@MaxFID,'") + 10;
+            inserted_ = sql.substr(at, sql.find('\'', at) - at);
+            return Rows({});
+        });
     }
     ~CenterTest() override {
         window_.reset();
@@ -117,6 +136,13 @@ class CenterTest : public testing::Test {
         Grid().SetText(row, column::kAccountId, "1001");
         Grid().SetText(row, column::kAccountNumber, "1001");
         Grid().SetText(row, column::kAccountName, "现金");
+    }
+    // What the account set holds for the template once the window has saved it.
+    void StoreOnSave(const std::string& id, std::vector<std::vector<Variant>> lines) {
+        set_.Respond("exec pro_VchTpCanUsed", [this, id, lines](const std::string&) {
+            lines_[id] = lines;
+            return Rows({});
+        });
     }
     void MakeDirty() { Type(1, column::kRemark, "changed"); }
 
@@ -152,13 +178,50 @@ class CenterTest : public testing::Test {
     Texts events_;                                                    // log entries
     std::unique_ptr<frmVICenter> window_;
 
+    // What the account set answers when it is asked whose a template is now.
+    std::map<std::string, std::string> names_;  // by template id; others have their names in the list
+    std::map<std::string, int> owners_;         // by template id; 7 owns the others
+    std::set<std::string> gone_;                // template ids that are there no longer
+
   private:
+    static std::string IdIn(const std::string& sql) {
+        static const std::string head = "FID = ";
+        const std::size_t at = sql.find(head, sql.rfind("where")) + head.size();
+        return sql.substr(at, sql.find_first_not_of("0123456789", at) - at);
+    }
     std::vector<std::vector<Variant>> LinesOf(const std::string& sql) const {
-        static const std::string head = "where FID = ";
-        const std::size_t at = sql.find(head) + head.size();
-        const auto found = lines_.find(sql.substr(at, sql.find_first_not_of("0123456789", at) - at));
+        const auto found = lines_.find(IdIn(sql));
         return found == lines_.end() ? std::vector<std::vector<Variant>>() : found->second;
     }
+    int OwnerOf(const std::string& id) const { return owners_.contains(id) ? owners_.at(id) : 7; }
+    // Of a template that is not in the list: the name that was inserted last.
+    std::string NameOf(const std::string& id) const {
+        if (gone_.contains(id)) return {};
+        if (names_.contains(id)) return names_.at(id);
+        for (const Template& row : templates_) {
+            if (std::to_string(row.id) == id) return row.name;
+        }
+        return inserted_;
+    }
+    ado::RecordsetRef RowWithLines(const std::string& sql) const {
+        Texts columns{"FUserID", "FTemplateName", "FEntryID"};
+        columns.insert(columns.end(), LineFields().begin(), LineFields().end());
+        const std::string name = NameOf(IdIn(sql));
+        if (name.empty()) return Rows(columns);
+        std::vector<std::vector<Variant>> rows;
+        for (const std::vector<Variant>& line : LinesOf(sql)) {
+            rows.push_back({OwnerOf(IdIn(sql)), name, static_cast<int>(rows.size()) + 1});
+            rows.back().insert(rows.back().end(), line.begin(), line.end());
+        }
+        if (rows.empty()) {
+            rows.push_back(std::vector<Variant>(columns.size(), Variant::Null()));
+            rows[0][0] = OwnerOf(IdIn(sql));
+            rows[0][1] = name;
+        }
+        return Rows(columns, rows);
+    }
+
+    std::string inserted_;
 };
 
 }  // namespace vicenter::center::test
