@@ -26,6 +26,12 @@ class GenerateTest : public AutoVchTest {
     GenerationRequest request_;
 };
 
+// A template of that name is there, and whose it is.
+void Exists(fakes::FakeAccountSet& set, int id, int owner) {
+    set.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{id}}));
+    set.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{owner, "三月"}}));
+}
+
 // From the first insert on the template can be found by its name.
 void ExistsAfterTheBatch(fakes::FakeAccountSet& set, int id) {
     set.Respond("@Vch_cursor", [&set, id](const std::string&) {
@@ -42,12 +48,14 @@ TEST_F(GenerateTest, WritesOneBatchAndReports) {
     EXPECT_EQ(result.message, "凭证生成凭证模板 三月 成功！");
     EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
     const auto& sent = set_.Statements();
-    ASSERT_EQ(sent.size(), 6U);
+    ASSERT_EQ(sent.size(), 7U);
     EXPECT_EQ(sent[0], "select FID from t_VchTemplate where FName = '三月'");
     EXPECT_EQ(sent[1], VoucherQuery(request_.filter));
-    EXPECT_EQ(sent[3], "select FID from t_VchTemplate where FName = '三月'");
-    EXPECT_EQ(sent[4], "exec pro_VchTpCanUsed 9");
-    EXPECT_EQ(sent[5], "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = 9 order by fno");
+    // The one question about lines in a new template's way.
+    EXPECT_TRUE(sent[2].starts_with("select (select count(*) from t_VchTemplateEntry where FID > "));
+    EXPECT_EQ(sent[4], "select FID from t_VchTemplate where FName = '三月'");
+    EXPECT_EQ(sent[5], "exec pro_VchTpCanUsed 9");
+    EXPECT_EQ(sent[6], "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = 9 order by fno");
     EXPECT_EQ(frame_->Calls(), (Texts{"Propstring=UserID=16394;", "WriteMGLog(C001C039, AutoRunVch)"}));
 }
 
@@ -98,7 +106,7 @@ TEST_F(GenerateTest, TheLineEndOfACopiedNameIsNoPartOfItAndOthersAreRefused) {
 }
 
 TEST_F(GenerateTest, AnExistingNameIsAskedAbout) {
-    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{7}}));
+    Exists(set_, 7, 16394);
     surroundings_.messageBoxes->answers = {MessageResult::No};
     EXPECT_FALSE(Generate(request_).generated);
     ASSERT_EQ(surroundings_.messageBoxes->shown.size(), 1U);
@@ -107,11 +115,34 @@ TEST_F(GenerateTest, AnExistingNameIsAskedAbout) {
               "凭证模板“三月”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？");
     EXPECT_EQ(question.buttons, MessageButtons::YesNo);
     EXPECT_EQ(BatchSent(), "");
-    EXPECT_EQ(set_.Statements().size(), 1U);  // not even the vouchers were read
+    EXPECT_EQ(set_.Statements().size(), 2U);  // its name and its owner, not even the vouchers
+}
+
+TEST_F(GenerateTest, AnotherUsersTemplateIsNeverTakenOver) {
+    Exists(set_, 7, 2);
+    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(),
+              Texts{"凭证模板“三月”属于其他用户（用户编号 2），不允许覆盖，凭证模板生成失败！"});
+    EXPECT_EQ(BatchSent(), "");
+}
+
+TEST_F(GenerateTest, ATemplateThatCannotBeReadIsNotReplaced) {
+    set_.Fail("select FID from t_VchTemplate where FName", "gone");
+    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"凭证模板“三月”无法读取，凭证模板生成失败！"});
+    EXPECT_EQ(BatchSent(), "");
+}
+
+TEST_F(GenerateTest, TheStandardTemplateStaysEverybodys) {
+    request_.templateName = "标准模板";
+    Exists(set_, 0, 0);
+    surroundings_.messageBoxes->answers = {MessageResult::Yes};
+    EXPECT_TRUE(Generate(request_).generated);
+    EXPECT_NE(BatchSent().find("values(@MaxFID,'标准模板',0,'',GetDate())"), std::string::npos);
 }
 
 TEST_F(GenerateTest, YesOverwritesUnderTheSameId) {
-    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{7}}));
+    Exists(set_, 7, 16394);
     surroundings_.messageBoxes->answers = {MessageResult::Yes};
     const GenerationResult result = Generate(request_);
     EXPECT_TRUE(result.generated);
@@ -169,12 +200,12 @@ std::size_t RoundTrips(fakes::FakeAccountSet& set, const GenerationRequest& requ
 TEST_F(GenerateTest, RoundTripsDoNotGrowWithTheLines) {
     set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}, {{1, "t_Organization"}}));
     set_.Answer("as FItemsInfo from t_ItemDetail a", Rows({"FItemsInfo"}, {{"01.01"}}));
-    EXPECT_EQ(RoundTrips(set_, request_, 8), 6U);
-    EXPECT_EQ(RoundTrips(set_, request_, 8000), 6U);
+    EXPECT_EQ(RoundTrips(set_, request_, 8), 7U);
+    EXPECT_EQ(RoundTrips(set_, request_, 8000), 7U);
     // With the items: two more for each distinct detail id.
     request_.columns = {11};
-    EXPECT_EQ(RoundTrips(set_, request_, 8), 6U + 2 * 4);
-    EXPECT_EQ(RoundTrips(set_, request_, 8000), 6U + 2 * 4);
+    EXPECT_EQ(RoundTrips(set_, request_, 8), 7U + 2 * 4);
+    EXPECT_EQ(RoundTrips(set_, request_, 8000), 7U + 2 * 4);
 }
 
 }  // namespace

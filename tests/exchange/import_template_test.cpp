@@ -13,6 +13,10 @@ const Lines kHeaders = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代
                         "结算方式",    "结算号",  "核算项目", "币别",        "汇率",        "原币金额",
                         "计量单位",    "数量",    "单价",     "金额",        "备注"};
 const Lines kShortHeaders = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)", "备注"};
+const std::string kWayQuestion =
+    "select (select count(*) from t_VchTemplateEntry where FID > (select Max(FID) from t_VchTemplate)) as "
+    "FLines,(select count(*) from t_VchTpControl where FID > (select Max(FID) from t_VchTemplate)) as "
+    "FControls";
 const std::string kControlHead =
     " declare @FNo int \r\n declare @Vch_cursor CURSOR \r\n Set @Vch_cursor = CURSOR FOR \r\n"
     "     select distinct FNo from t_VchTemplateEntry where FID = @MaxFID \r\n OPEN @Vch_cursor \r\n"
@@ -37,7 +41,13 @@ class ImportTest : public ExchangeTest {
         return ImportTemplateWorkbook(window_, file, existing, "甲's");
     }
     bool ImportRowsOf(const std::vector<Lines>& rows) { return Import(MakeWorkbook("a.xlsx", rows)); }
-    std::string Batch() const { return set_.Statements().empty() ? "" : set_.Statements()[0]; }
+    // What is sent after the question about lines that lie in a new template's way.
+    std::string Batch() const {
+        for (const std::string& sql : set_.Statements()) {
+            if (sql.find("@MaxFID") != std::string::npos) return sql;
+        }
+        return "";
+    }
     void ExpectNothingWritten(const std::string& message, const std::string& title) {
         EXPECT_EQ(Messages(), Lines{message});
         EXPECT_EQ(LastTitle(), title);
@@ -82,7 +92,8 @@ TEST_F(ImportTest, RefusesOtherExtensions) {
 
 TEST_F(ImportTest, AsksBeforeItReplacesATemplate) {
     const std::string file = MakeWorkbook("旧模板.XLSX", {kShortHeaders, {"#1", "a", "借", "1001", "b"}});
-    set_.Answer("FName", Rows({"FID"}, {{5}}));
+    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{5}}));
+    set_.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{16394, "旧模板"}}));
     surroundings_.fileDialogs->choices = {file, file};
     ImportTemplate(window_);
     const std::string question =
@@ -98,6 +109,67 @@ TEST_F(ImportTest, AsksBeforeItReplacesATemplate) {
     for (const std::string& sql : set_.Statements())
         replaced |= sql.find(" set @MaxFID = 5") != std::string::npos;
     EXPECT_TRUE(replaced);
+}
+
+class NameOfAnother : public ImportTest {
+  protected:
+    bool ImportNamed(const std::string& name) {
+        return ImportTemplateFile(window_,
+                                  MakeWorkbook(name, {kShortHeaders, {"#1", "a", "借", "1001", "b"}}));
+    }
+    void Owned(int id, int owner) {
+        set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{id}}));
+        set_.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{owner, "旧模板"}}));
+    }
+};
+
+TEST_F(NameOfAnother, IsRefusedWithTheOwnerTold) {
+    Owned(5, 2);
+    EXPECT_FALSE(ImportNamed("旧模板.xlsx"));
+    EXPECT_EQ(Messages(), Lines{"模板[旧模板]属于其他用户（用户编号 2），不允许覆盖，引入失败！"});
+    EXPECT_EQ(Batch(), "");
+}
+
+TEST_F(NameOfAnother, IsRefusedWhenNobodySaysWhoseItIs) {
+    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{5}}));
+    set_.Fail("as FTemplateName", "gone");
+    EXPECT_FALSE(ImportNamed("旧模板.xlsx"));
+    EXPECT_EQ(Messages(), Lines{"引入模板失败！"});
+    set_.Fail("select FID from t_VchTemplate where FName", "gone");
+    EXPECT_FALSE(ImportNamed("旧模板.xlsx"));
+    EXPECT_EQ(Batch(), "");
+}
+
+TEST_F(NameOfAnother, ComesAfterTheUsersOwn) {
+    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{5}, {9}}));
+    set_.Answer("and (FUserID = 16394 or FID = 0)", Rows({"FID"}, {{9}}));
+    set_.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{16394, "旧模板"}}));
+    surroundings_.messageBoxes->answers = {system::MessageResult::Ok};
+    EXPECT_TRUE(ImportNamed("旧模板.xlsx"));
+    EXPECT_NE(Batch().find(" set @MaxFID = 9"), std::string::npos);
+    EXPECT_NE(window_.told.end(), std::find(window_.told.begin(), window_.told.end(), "rebuild 9"));
+}
+
+TEST_F(NameOfAnother, TheStandardTemplateStaysEverybodys) {
+    Owned(0, 0);
+    surroundings_.messageBoxes->answers = {system::MessageResult::Ok};
+    EXPECT_TRUE(ImportNamed("标准模板.xlsx"));
+    EXPECT_NE(Batch().find("values(@MaxFID,'标准模板',0,'',GetDate())"), std::string::npos);
+}
+
+TEST_F(ImportTest, ClearsTheWayOfANewTemplateAndOfNoOther) {
+    set_.Answer("as FLines", Rows({"FLines", "FControls"}, {{2, 0}}));
+    const std::string file = MakeWorkbook("a.xlsx", {kShortHeaders, {"#1", "a", "借", "1001", "b"}});
+    const auto deletions = [this] {
+        int count = 0;
+        for (const std::string& sql : set_.Statements())
+            count += sql.starts_with("delete t_VchTemplateEntry where FID > ") ? 1 : 0;
+        return count;
+    };
+    EXPECT_TRUE(Import(file, 5));
+    EXPECT_EQ(deletions(), 0);
+    EXPECT_TRUE(Import(file));
+    EXPECT_EQ(deletions(), 1);
 }
 
 TEST_F(ImportTest, WritesANewTemplateInOneBatch) {
@@ -122,10 +194,10 @@ TEST_F(ImportTest, WritesANewTemplateInOneBatch) {
             "     insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount) "
             "values(@MaxFID,@FNo,0,@Exp,@FFileCount) \r\n" +
             kControlTail);
-    EXPECT_EQ(
-        set_.Statements(),
-        (Lines{Batch(), "select FID from t_VchTemplate where FName = '甲''s'", "exec pro_VchTpCanUsed 8",
-               "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = 8 order by fno"}));
+    EXPECT_EQ(set_.Statements(),
+              (Lines{kWayQuestion, Batch(), "select FID from t_VchTemplate where FName = '甲''s'",
+                     "exec pro_VchTpCanUsed 8",
+                     "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = 8 order by fno"}));
     EXPECT_EQ(window_.told, (Lines{"show 正在执行凭证模板引入，请稍后...", "rows 2/2", "label 引入完毕...",
                                    "rebuild 8", "hide"}));
     EXPECT_EQ(Messages(), Lines{"引入模板 甲's 成功！"});
@@ -387,7 +459,7 @@ TEST_F(ImportTest, FailsWhenTheServerRefusesTheBatch) {
     EXPECT_FALSE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}}));
     EXPECT_EQ(Messages(), (Lines{"no room", "引入模板失败！"}));
     EXPECT_EQ(log_->Calls(), Lines{"WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败)"});
-    EXPECT_EQ(set_.Statements().size(), 1u);
+    EXPECT_EQ(set_.Statements().size(), 2u);  // the question about what is in the way, and the batch
 }
 
 TEST_F(ImportTest, QuitsTheServerWhateverHappens) {

@@ -60,13 +60,22 @@ TEST_F(StoreTest, EntryLinesAreCounted) {
 
 TEST_F(StoreTest, ANameIsLookedForAmongAllUsersTemplates) {
     EXPECT_FALSE(clsVIData().CheckVchTemplateIsExist("无此模板"));
-    EXPECT_EQ(clsVIData().FindVchTemplate("无此模板"), -1);
+    EXPECT_EQ(clsVIData().FindVchTemplate("无此模板", "7"), clsVIData::kNoTemplate);
     set_.Answer("where FName", Rows({"FID"}, {{0}}));
     EXPECT_TRUE(clsVIData().CheckVchTemplateIsExist("标准模板"));
-    EXPECT_EQ(clsVIData().FindVchTemplate(" O'Neil "), 0);
+    EXPECT_EQ(clsVIData().FindVchTemplate(" O'Neil ", "7"), 0);
     EXPECT_EQ(set_.LastStatement(), "select FID from t_VchTemplate where FName = 'O''Neil'");
     set_.Fail("where FName", "down");
     EXPECT_FALSE(clsVIData().CheckVchTemplateIsExist("标准模板"));
+    EXPECT_EQ(clsVIData().FindVchTemplate("标准模板", "7"), clsVIData::kUnreadable);
+}
+
+TEST_F(StoreTest, OfSeveralTemplatesOfANameTheUsersOwnComesFirst) {
+    set_.Answer("where FName = '同名'", Rows({"FID"}, {{3}, {8}}));
+    set_.Answer("FName = '同名' and (FUserID = 7 or FID = 0) order by FID desc", Rows({"FID"}, {{8}}));
+    EXPECT_EQ(clsVIData().FindVchTemplate("同名", "7"), 8);
+    EXPECT_EQ(clsVIData().FindVchTemplate("同名", "9"), 3);
+    EXPECT_TRUE(clsVIData().CheckVchTemplateIsExist("同名"));
 }
 
 TEST_F(StoreTest, DeletingIsOneBatchOfThree) {

@@ -1,0 +1,234 @@
+// A window on a real account set while the program works on the same set in a process of its own: what one
+// deletes, saves or creates never ends up in the other's template.
+
+#include <gmock/gmock.h>
+
+#include "automation/class_registry.h"
+#include "center/frm_vi_center.h"
+#include "entry/host_context.h"
+#include "host/components/components.h"
+#include "tests/center/fake_view.h"
+#include "tests/center/other_process.h"
+#include "tests/fakes/fake_surroundings.h"
+
+namespace vicenter::center::test {
+namespace {
+
+using system::MessageResult;
+using testing::HasSubstr;
+using Texts = std::vector<std::string>;
+
+constexpr const char* kOneLine =
+    R"({"lines":[{"FNo":1,"FExp":"别处","FDC":"借","FAccountNumber":"1001","FAcctountName":"库存现金"}]})";
+
+class TwoProcesses : public testing::Test {
+  protected:
+    void SetUp() override {
+        set_ = host::test::CopySet(folder_);
+        session_ = host::RegisterHostComponents({host::FileConnectString(set_), 1});
+        window_ = std::make_unique<frmVICenter>(view_, nullptr);
+        window_->Load();
+    }
+    void TearDown() override {
+        window_.reset();
+        entry::SetCurrentUserId("");
+    }
+    frmVICenter& Window() { return *window_; }
+    int Elsewhere(std::vector<std::string> arguments, const std::string& input = {}) {
+        return RunProgram(folder_, set_, std::move(arguments), input);
+    }
+    int ElsewhereAs(int user, std::vector<std::string> arguments, const std::string& input = {}) {
+        arguments.insert(arguments.begin(), {"--user", std::to_string(user)});
+        return Elsewhere(std::move(arguments), input);
+    }
+    std::string Value(const std::string& sql) {
+        const ado::RecordsetRef rows = session_->Execute(sql);
+        return rows->RecordCount() < 1 ? "none" : rows->Value(std::size_t{0}).ToTextOrEmpty();
+    }
+    std::string NewTemplate(const std::string& name) {
+        Window().ToolClick("mnuNew");
+        EXPECT_TRUE(Window().TreeAfterLabelEdit(name));
+        return Window().TemplateId();
+    }
+    void Type(int row, int gridColumn, const std::string& text) {
+        Window().MoveActiveCell({row, gridColumn});
+        ASSERT_EQ(Window().CommitText({row, gridColumn}, text), TextVerdict::Taken);
+    }
+    void TypeLine() {
+        Type(1, column::kNo, "1");
+        Type(1, column::kExplanation, "我的");
+        Type(1, column::kDirection, "借");
+        Type(1, column::kAccountNumber, "1001");
+        Window().MoveActiveCell({1, column::kFileCount});
+    }
+    void Answer(MessageResult answer) { surroundings_.messageBoxes->answers.push_back(answer); }
+    Texts TakeMessages() {
+        Texts texts = surroundings_.messageBoxes->Texts();
+        surroundings_.messageBoxes->shown.clear();
+        return texts;
+    }
+
+    host::test::TestFolder folder_;
+    automation::ClassRegistry::Restore restore_;
+    fakes::FakeSurroundings surroundings_;
+    std::string set_;
+    host::HostSessionRef session_;
+    FakeVICenterView view_;
+    std::unique_ptr<frmVICenter> window_;
+};
+
+TEST_F(TwoProcesses, ATemplateDeletedElsewhereLeavesNoLinesForTheNextOne) {
+    const std::string id = NewTemplate("共用");
+    TypeLine();
+    ASSERT_EQ(Elsewhere({"--yes", "delete", "共用"}), 0) << Said(folder_);
+    ASSERT_EQ(ElsewhereAs(2, {"new"}), 0) << Said(folder_);
+    ASSERT_EQ(Value("select FUserID from t_VchTemplate where FID = " + id), "2");
+    Answer(MessageResult::No);
+    EXPECT_FALSE(Window().Save());
+    EXPECT_EQ(TakeMessages(), Texts{"模板 共用 已在别处被删除，是否将当前分录另存为新模板？"});
+    EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FID = " + id), "0");
+    // Neither Delete nor Rename reaches the other user's template, and the node does not open it.
+    Answer(MessageResult::No);
+    Answer(MessageResult::Yes);
+    Window().ToolClick("mnuDel");
+    EXPECT_EQ(Value("select FUserID from t_VchTemplate where FID = " + id), "2");
+    EXPECT_EQ(Window().SelectedNode(), "detail-0");
+    // Kept as a new template of one's own instead.
+    EXPECT_EQ(Window().TemplateId(), "0");
+}
+
+TEST_F(TwoProcesses, MineBecomesATemplateOfItsOwn) {
+    const std::string id = NewTemplate("共用");
+    TypeLine();
+    ASSERT_EQ(Elsewhere({"--yes", "delete", "共用"}), 0) << Said(folder_);
+    ASSERT_EQ(ElsewhereAs(2, {"new"}), 0) << Said(folder_);
+    Answer(MessageResult::Yes);
+    EXPECT_TRUE(Window().Save());
+    const std::string own = Window().TemplateId();
+    EXPECT_NE(own, id);
+    EXPECT_EQ(Value("select FUserID from t_VchTemplate where FID = " + own), "1");
+    EXPECT_EQ(Value("select FExp from t_VchTemplateEntry where FID = " + own), "我的");
+    EXPECT_EQ(Value("select FIsCanUsed from t_VchTpControl where FID = " + own), "1");
+    EXPECT_FALSE(Window().IsDirty());
+    EXPECT_EQ(Window().SelectedNode(), "detail-" + own);
+}
+
+TEST_F(TwoProcesses, ATemplateSavedElsewhereIsNotOverwrittenInSilence) {
+    Window().TreeNodeClick("detail-1");
+    Type(1, column::kRemark, "我的备注");
+    ASSERT_EQ(Elsewhere({"save", "日常费用"}, kOneLine), 0) << Said(folder_);
+    Answer(MessageResult::No);
+    Answer(MessageResult::No);
+    EXPECT_FALSE(Window().Save());
+    EXPECT_EQ(Value("select FExp from t_VchTemplateEntry where FID = 1"), "别处");
+    EXPECT_EQ(Window().RowCount(), 1);
+    Window().Undo();
+    EXPECT_EQ(Window().RowCount(), 11);
+    EXPECT_EQ(Window().Grid().Text(1, column::kRemark), "我的备注");
+    TakeMessages();
+    EXPECT_TRUE(Window().Save());
+    EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FID = 1"), "11");
+}
+
+TEST_F(TwoProcesses, NothingIsAskedWhenNothingHappened) {
+    Window().TreeNodeClick("detail-3");  // foreign currency, rates and amounts of every kind
+    Type(1, column::kRemark, "我的备注");
+    EXPECT_TRUE(Window().Save());
+    Type(1, column::kRemark, "再改");
+    EXPECT_TRUE(Window().Save());
+    for (const std::string& text : TakeMessages())
+        EXPECT_THAT(text, HasSubstr("保存成功"));
+}
+
+TEST_F(TwoProcesses, LinesLeftUnderTheNextIdBelongToNobody) {
+    const auto leaveBehind = [this](const std::string& fid) {
+        session_->Execute(
+            "insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp) values(" + fid +
+            ",1,1,'遗留') insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount) values(" + fid +
+            ",1,0,'遗留',0)");
+    };
+    leaveBehind("10");
+    Window().ToolClick("mnuNew");
+    EXPECT_EQ(Window().TemplateId(), "10");
+    EXPECT_EQ(Window().RowCount(), 0);
+    EXPECT_EQ(Value("select count(*) as n from t_VchTpControl where FID = 10"), "0");
+    // Where an import or a generation would fail on their keys.
+    leaveBehind("11");
+    ASSERT_EQ(Elsewhere({"generate", "--name", "一月", "--year", "2026", "--period", "10", "--from", "1",
+                         "--to", "2"}),
+              0)
+        << Said(folder_);
+    EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FExp = '遗留'"), "0");
+    leaveBehind("12");
+    ASSERT_EQ(Elsewhere({"export", "日常费用", folder_.Path("费用.xlsx")}), 0) << Said(folder_);
+    ASSERT_EQ(Elsewhere({"import", folder_.Path("费用.xlsx")}), 0) << Said(folder_);
+    EXPECT_EQ(Value("select FID from t_VchTemplate where FName = '费用'"), "12");
+    EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FID = 12"), "11");
+}
+
+// --- two users, one name
+
+class OneName : public TwoProcesses {
+  protected:
+    int Generate(int user, const std::string& name) {
+        return ElsewhereAs(user, {"--yes", "generate", "--name", name, "--year", "2026", "--period", "10",
+                                  "--from", "1", "--to", "2"});
+    }
+    std::string OwnerOf(const std::string& id) {
+        return Value("select FUserID from t_VchTemplate where FID = " + id);
+    }
+};
+
+TEST_F(OneName, AnotherUsersTemplateIsNotTakenOver) {
+    const std::string lines = Value("select count(*) as n from t_VchTemplateEntry where FID = 1");
+    EXPECT_EQ(Generate(2, "日常费用"), 1);
+    EXPECT_THAT(Said(folder_), HasSubstr("凭证模板“日常费用”属于其他用户（用户编号 1），不允许覆盖"));
+    EXPECT_EQ(OwnerOf("1"), "1");
+    EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FID = 1"), lines);
+    ASSERT_EQ(Elsewhere({"export", "日常费用", folder_.Path("日常费用.xlsx")}), 0) << Said(folder_);
+    EXPECT_EQ(ElsewhereAs(2, {"--yes", "import", folder_.Path("日常费用.xlsx")}), 1);
+    EXPECT_THAT(Said(folder_), HasSubstr("模板[日常费用]属于其他用户（用户编号 1），不允许覆盖，引入失败！"));
+    EXPECT_EQ(OwnerOf("1"), "1");
+}
+
+TEST_F(OneName, TheUsersOwnComesFirst) {
+    // Both have one; the other user's has the lower id.
+    session_->Execute("update t_VchTemplate set FName = '同名' where FID in (1, 5)");
+    ASSERT_EQ(OwnerOf("5"), "2");
+    ASSERT_EQ(Generate(2, "同名"), 0) << Said(folder_);
+    EXPECT_EQ(OwnerOf("1"), "1");
+    EXPECT_EQ(OwnerOf("5"), "2");
+    EXPECT_EQ(Value("select max(FNo) as n from t_VchTemplateEntry where FID = 5"), "2");
+    EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FID = 1"), "11");
+}
+
+TEST_F(OneName, TheStandardTemplateKeepsItsOwner) {
+    ASSERT_EQ(Generate(2, "标准模板"), 0) << Said(folder_);
+    EXPECT_EQ(OwnerOf("0"), "0");
+    ASSERT_EQ(Elsewhere({"export", "日常费用", folder_.Path("标准模板.xlsx")}), 0) << Said(folder_);
+    ASSERT_EQ(Elsewhere({"--yes", "import", folder_.Path("标准模板.xlsx")}), 0) << Said(folder_);
+    EXPECT_EQ(OwnerOf("0"), "0");
+}
+
+// --- a save that is refused
+
+TEST_F(TwoProcesses, ASaveThatTheAccountSetRefusesKeepsWhatWasTyped) {
+    Window().TreeNodeClick("detail-1");
+    Type(1, column::kRemark, "我的备注");
+    Type(2, column::kRemark, "第二行");
+    Window().MoveActiveCell({1, 1});
+    // Beyond its column: the batch is refused as a whole.
+    ASSERT_TRUE(Window().Grid().SetText(1, column::kExplanation, std::string(256, 'x')));
+    Window().Save();
+    EXPECT_EQ(Window().Grid().Text(1, column::kRemark), "附发票");
+    EXPECT_TRUE(Window().IsDirty());
+    Window().Undo();
+    EXPECT_EQ(Window().Grid().Text(1, column::kRemark), "我的备注");
+    EXPECT_EQ(Window().Grid().Text(2, column::kRemark), "第二行");
+    ASSERT_TRUE(Window().Grid().SetText(1, column::kExplanation, "短"));
+    EXPECT_TRUE(Window().Save());
+    EXPECT_EQ(Value("select FRemark from t_VchTemplateEntry where FID = 1 and FEntryID = 2"), "第二行");
+}
+
+}  // namespace
+}  // namespace vicenter::center::test
