@@ -5,6 +5,7 @@
 // The window runs on its real presenter; only the statements are answered from here. In place from
 // construction to destruction.
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -123,6 +124,40 @@ class ScriptedLedger {
                                            {{Variant(7), Variant(it->first), Variant(it->second)}});
                     });
         set.Answer("Max(FID) as FID", fakes::Rows({"FID"}, {{Variant(9)}}));
+        AnswerWhatBecameOfATemplate();
+    }
+
+    // Every template is still there, still the user's and as it was read.
+    void AnswerWhatBecameOfATemplate() {
+        set.Respond("select FUserID,FName as FTemplateName", [this](const std::string& sql) {
+            return fakes::Rows(
+                {"FUserID", "FTemplateName", "FLines", "FControls"},
+                {{Variant(16394), Variant(NameOf(NumberAfter(sql, "FID = "))), Variant(0), Variant(0)}});
+        });
+        set.Respond("select a.FUserID,a.FName as FTemplateName", [this](const std::string& sql) {
+            const int id = NumberAfter(sql, "where a.FID = ");
+            const ado::RecordsetRef entries = Entries(lines[id]);
+            std::vector<std::string> names = {"FUserID", "FTemplateName"};
+            for (const ado::Column& column : entries->Columns())
+                names.push_back(column.name);
+            std::vector<std::vector<Variant>> rows;
+            // A template without lines has one record that is none.
+            for (std::int64_t row = 0; row < std::max<std::int64_t>(1, entries->RecordCount()); ++row) {
+                rows.push_back({Variant(16394), Variant(NameOf(id))});
+                for (std::size_t c = 0; c < entries->ColumnCount(); ++c) {
+                    const bool none = row >= entries->RecordCount();
+                    rows.back().push_back(none ? Variant::Null()
+                                               : entries->ValueAt(static_cast<std::size_t>(row), c));
+                }
+            }
+            return fakes::Rows(names, rows);
+        });
+    }
+    std::string NameOf(int wanted) const {
+        for (const auto& [id, name] : templates) {
+            if (id == wanted) return name;
+        }
+        return "自定义模板(1)";  // the new one's
     }
 
     static ado::RecordsetRef Entries(const std::vector<ScriptedLine>& from) {
