@@ -59,7 +59,8 @@ bool KeptLines::OfferUndo(const std::string& notice) {
                                   lines_[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(c - 1)])
                             : std::string_view();
             if (grid.Text(row, c) == own) continue;
-            state_.journal.TextReplaced(row, c, own);
+            // No line with a refused text is ever sent: what was kept has been taken.
+            state_.journal.TextReplaced(row, c, own, TextVerdict::Taken);
             differs = true;
         }
     }
