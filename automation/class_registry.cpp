@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "text/ascii.h"
+
 namespace vicenter::automation {
 
 bool ClassRegistry::NameLess::operator()(std::string_view a, std::string_view b) const {
-    auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
-                                        [&](char x, char y) { return lower(x) < lower(y); });
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return text::LowerAscii(x) < text::LowerAscii(y);
+    });
 }
 
 ClassRegistry& ClassRegistry::Process() {

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "text/blanks.h"
+
 namespace vicenter::automation {
 
 namespace {
@@ -114,10 +116,7 @@ DateTimeParts DateTime::Parts() const {
 }
 
 std::optional<DateTime> DateTime::Parse(std::string_view text) {
-    while (!text.empty() && text.front() == ' ')
-        text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ')
-        text.remove_suffix(1);
+    text = text::Trimmed(text, text::kSpace);
     DateTimeParts parts;
     const auto year = TakeNumber(text, 4);
     if (!year || text.empty() || (text.front() != '-' && text.front() != '/')) return std::nullopt;

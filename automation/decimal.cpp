@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "automation/error.h"
+#include "text/blanks.h"
 
 namespace vicenter::automation {
 
@@ -119,10 +120,7 @@ Decimal Decimal::FromParts(bool negative, UInt128 magnitude, int scale) {
 }
 
 std::optional<Decimal> Decimal::Parse(std::string_view text) {
-    while (!text.empty() && text.front() == ' ')
-        text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ')
-        text.remove_suffix(1);
+    text = text::Trimmed(text, text::kSpace);
     bool negative = false;
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
         negative = text.front() == '-';

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "automation/object.h"
+#include "text/blanks.h"
 
 namespace vicenter::automation {
 
@@ -19,12 +20,7 @@ namespace {
 }
 
 std::string_view Trimmed(std::string_view text) {
-    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
+    return text::Trimmed(text, text::kSpacesAndLineEnds);
 }
 
 template <class Integer>

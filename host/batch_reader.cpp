@@ -2,16 +2,14 @@
 
 #include <charconv>
 
+#include "text/blanks.h"
+
 namespace vicenter::host {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n\f\v";
-
 std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    return text::Trimmed(text, text::kAllBlanks);
 }
 
 // The repeat count of a GO line; nothing for any other line.

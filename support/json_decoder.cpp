@@ -11,6 +11,9 @@
 #include "platform/scripting/dictionary.h"
 #include "support/json_text.h"
 #include "support/vbs_json.h"
+#include "text/ascii.h"
+#include "text/hex.h"
+#include "text/utf8.h"
 
 namespace vicenter::support {
 
@@ -27,35 +30,8 @@ constexpr const char* kSource = "VbsJson";
     throw Error(json_error::kNumber, text, kSource);
 }
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-int HexadecimalDigit(char c) {
-    if (IsDigit(c)) return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
-void AppendUtf8(std::string& text, unsigned code) {
-    const auto add = [&](unsigned byte) { text += static_cast<char>(byte); };
-    if (code < 0x80) {
-        add(code);
-    } else if (code < 0x800) {
-        add(0xC0 | (code >> 6));
-        add(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        add(0xE0 | (code >> 12));
-        add(0x80 | ((code >> 6) & 0x3F));
-        add(0x80 | (code & 0x3F));
-    } else {
-        add(0xF0 | (code >> 18));
-        add(0x80 | ((code >> 12) & 0x3F));
-        add(0x80 | ((code >> 6) & 0x3F));
-        add(0x80 | (code & 0x3F));
-    }
-}
+using text::AppendUtf8;
+using text::IsDigit;
 
 // Makes the value of an empty variant in its place: assigning would move and destroy each value once more.
 template <class T>
@@ -332,7 +308,7 @@ unsigned JsonDecoder::ScanHexadecimal() {
     if (end_ - place_ < 4) Fail(json_error::kEscape);
     unsigned code = 0;
     for (int i = 0; i < 4; ++i) {
-        const int digit = HexadecimalDigit(*place_++);
+        const int digit = text::HexValue(*place_++);
         if (digit < 0) Fail(json_error::kEscape);
         code = code * 16 + static_cast<unsigned>(digit);
     }

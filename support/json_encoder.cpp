@@ -11,6 +11,7 @@
 #include "platform/scripting/dictionary.h"
 #include "support/json_text.h"
 #include "support/vbs_json.h"
+#include "text/hex.h"
 
 namespace vicenter::support {
 
@@ -49,10 +50,9 @@ char* WriteEscape(char* out, char c) {
         default:
             break;
     }
-    constexpr char kDigits[] = "0123456789ABCDEF";
     std::memcpy(out, "u00", 3);
-    out[3] = kDigits[static_cast<unsigned char>(c) >> 4];
-    out[4] = kDigits[static_cast<unsigned char>(c) & 15];
+    out[3] = text::kHexDigits[static_cast<unsigned char>(c) >> 4];
+    out[4] = text::kHexDigits[static_cast<unsigned char>(c) & 15];
     return out + 5;
 }
 

@@ -15,6 +15,7 @@
 #include "host/cli/templates.h"
 #include "platform/system/file_names.h"
 #include "platform/system/files.h"
+#include "text/ascii.h"
 
 namespace vicenter::host {
 
@@ -80,9 +81,7 @@ bool Export(const CliContext& context, const TemplateHead& head, const std::stri
 }
 
 bool IsWorkbook(const fs::path& path) {
-    std::string extension = PathToUtf8(path.extension());
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    const std::string extension = text::LowerAscii(PathToUtf8(path.extension()));
     return extension == ".xls" || extension == ".xlsx";
 }
 

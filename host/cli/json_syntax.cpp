@@ -4,18 +4,14 @@
 #include <set>
 
 #include "support/vbs_json.h"
+#include "text/hex.h"
 
 namespace vicenter::host {
 
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-bool IsHexDigit(char c) {
-    return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
+using text::IsDigit;
+using text::IsHexDigit;
 
 // Every step returns false once a fault is found and leaves its place and reason behind.
 class Scanner {

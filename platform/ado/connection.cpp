@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "text/blanks.h"
+
 namespace vicenter::ado {
 
 using automation::Error;
@@ -11,11 +13,7 @@ namespace {
 constexpr const char* kProviderNotFoundText = "Provider cannot be found. It may not be properly installed.";
 
 std::string_view Trimmed(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-        text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
-        text.remove_suffix(1);
-    return text;
+    return text::Trimmed(text, text::kSpaceAndTab);
 }
 
 struct Provider {

@@ -3,22 +3,21 @@
 #include <array>
 
 #include "platform/office/limits.h"
+#include "text/ascii.h"
 
 namespace vicenter::office {
 
 namespace {
 
-char Lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+using text::LowerAscii;
 
 // "[Red]", "[$-804]" and conditions are no dates; "[h]", "[mm]" and "[ss]" are elapsed times.
 bool IsElapsedTime(std::string_view bracket) {
     if (bracket.empty()) return false;
-    const char unit = Lower(bracket.front());
+    const char unit = LowerAscii(bracket.front());
     if (unit != 'h' && unit != 'm' && unit != 's') return false;
     for (const char c : bracket) {
-        if (Lower(c) != unit) return false;
+        if (LowerAscii(c) != unit) return false;
     }
     return true;
 }
@@ -107,7 +106,7 @@ std::uint16_t FormatTable::Intern(const CellFormat& format) {
 bool IsDateFormat(std::string_view numberFormat) {
     // Only the first section counts: the others are for negative numbers, zero and text.
     for (std::size_t i = 0; i < numberFormat.size(); ++i) {
-        switch (const char c = Lower(numberFormat[i])) {
+        switch (const char c = LowerAscii(numberFormat[i])) {
             case ';':
                 return false;
             case '"': {
@@ -129,8 +128,8 @@ bool IsDateFormat(std::string_view numberFormat) {
                 break;
             }
             case 'g':  // "General" also has an e; an era mark stands before a year
-                if (numberFormat.size() - i >= 7 && Lower(numberFormat[i + 1]) == 'e' &&
-                    Lower(numberFormat[i + 2]) == 'n') {
+                if (numberFormat.size() - i >= 7 && LowerAscii(numberFormat[i + 1]) == 'e' &&
+                    LowerAscii(numberFormat[i + 2]) == 'n') {
                     i += 6;
                 }
                 break;

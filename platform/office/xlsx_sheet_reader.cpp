@@ -8,6 +8,7 @@
 #include "platform/office/limits.h"
 #include "platform/office/pending_formulas.h"
 #include "platform/office/xlsx_reader.h"
+#include "text/blanks.h"
 
 namespace vicenter::office {
 
@@ -49,10 +50,7 @@ std::optional<Place> ReadReference(std::string_view text) {
 }
 
 std::string_view Trim(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    return text::Trimmed(text, text::kSpacesAndLineEnds);
 }
 
 class SheetReader {

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "platform/office/limits.h"
+#include "text/ascii.h"
 
 namespace vicenter::office {
 
@@ -66,9 +67,7 @@ void XmlScanner::CheckDeclaration() {
     const std::size_t end = FindInWindow("?>", begin_);
     if (end == kNone) FailDamaged("XML 声明");
     std::string declaration(buffer_.data() + begin_, end - begin_);
-    for (char& c : declaration) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
+    declaration = text::LowerAscii(declaration);
     const std::size_t encoding = declaration.find("encoding");
     if (encoding != std::string::npos && declaration.find("utf-8", encoding) == std::string::npos &&
         declaration.find("us-ascii", encoding) == std::string::npos) {

@@ -4,24 +4,18 @@
 #include "platform/office/limits.h"
 #include "platform/office/utf.h"
 #include "platform/office/xml_scanner.h"
+#include "text/hex.h"
 
 namespace vicenter::office {
 
 namespace {
-
-int HexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
 
 // The code unit of "_xHHHH_" at the start of the text; -1 for anything else.
 int PackageEscape(std::string_view text) {
     if (text.size() < 7 || text[0] != '_' || text[1] != 'x' || text[6] != '_') return -1;
     int unit = 0;
     for (std::size_t i = 2; i < 6; ++i) {
-        const int digit = HexDigit(text[i]);
+        const int digit = text::HexValue(text[i]);
         if (digit < 0) return -1;
         unit = unit * 16 + digit;
     }
@@ -29,10 +23,9 @@ int PackageEscape(std::string_view text) {
 }
 
 void AppendPackageEscape(std::string& to, unsigned unit) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
     to += "_x";
     for (int shift = 12; shift >= 0; shift -= 4)
-        to += kDigits[(unit >> shift) & 0xF];
+        to += text::kHexDigits[(unit >> shift) & 0xF];
     to += '_';
 }
 

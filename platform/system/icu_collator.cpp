@@ -17,6 +17,8 @@
 
 #include "automation/error.h"
 #include "platform/system/collation.h"
+#include "text/ascii.h"
+#include "text/blanks.h"
 
 namespace vicenter::system {
 
@@ -29,9 +31,7 @@ icu::StringPiece Piece(std::string_view text) {
 }
 
 std::string_view WithoutTrailingBlanks(std::string_view text) {
-    while (!text.empty() && text.back() == ' ')
-        text.remove_suffix(1);
-    return text;
+    return text::WithoutTrailing(text, text::kSpace);
 }
 
 // Words of the ledger whose characters ICU reads otherwise: it knows one reading a character.
@@ -68,7 +68,7 @@ class IcuCollator : public Collator {
         std::string result(text);
         bool ascii = true;
         for (char& c : result) {
-            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+            c = text::LowerAscii(c);
             ascii = ascii && static_cast<unsigned char>(c) < 0x80;
         }
         if (ascii) return result;
@@ -95,7 +95,7 @@ class IcuCollator : public Collator {
             const UChar32 c = wide.char32At(i);
             i += U16_LENGTH(c);
             if (c < 0x80) {
-                const char letter = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
+                const char letter = text::LowerAscii(static_cast<char>(c));
                 if ((letter >= '0' && letter <= '9') || (letter >= 'a' && letter <= 'z')) result += letter;
             } else if (u_hasBinaryProperty(c, UCHAR_IDEOGRAPHIC)) {
                 if (const char initial = InitialOf(c); initial != kNoInitial) result += initial;

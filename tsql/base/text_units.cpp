@@ -1,22 +1,12 @@
 #include "tsql/base/text_units.h"
 
+#include "text/blanks.h"
+#include "text/utf8.h"
+
 namespace vicenter::tsql::engine {
 
 std::size_t CharacterBytes(std::string_view text, std::size_t at) {
-    const auto lead = static_cast<unsigned char>(text[at]);
-    std::size_t size = 1;
-    if (lead >= 0xF0 && lead < 0xF8) {
-        size = 4;
-    } else if (lead >= 0xE0) {
-        size = 3;
-    } else if (lead >= 0xC2) {
-        size = 2;
-    }
-    if (lead >= 0xF8 || at + size > text.size()) return 1;
-    for (std::size_t i = 1; i < size; ++i) {
-        if ((static_cast<unsigned char>(text[at + i]) & 0xC0) != 0x80) return 1;
-    }
-    return size;
+    return text::ReadUtf8(text, at).length;
 }
 
 std::size_t UnitCount(std::string_view text) {
@@ -54,23 +44,11 @@ std::string_view TailUnits(std::string_view text, std::size_t units) {
 }
 
 std::string_view WithoutTrailingBlanks(std::string_view text) {
-    while (!text.empty() && text.back() == ' ')
-        text.remove_suffix(1);
-    return text;
+    return text::WithoutTrailing(text, text::kSpace);
 }
 
 std::string_view WithoutLeadingBlanks(std::string_view text) {
-    while (!text.empty() && text.front() == ' ')
-        text.remove_prefix(1);
-    return text;
-}
-
-std::string LowerAscii(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return lower;
+    return text::WithoutLeading(text, text::kSpace);
 }
 
 }  // namespace vicenter::tsql::engine

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "text/ascii.h"
+
 namespace vicenter::tsql::engine {
 
 // Bytes of the character that begins with this byte; a stray byte counts as one character.
@@ -19,6 +21,6 @@ std::string_view TailUnits(std::string_view text, std::size_t units);
 
 std::string_view WithoutTrailingBlanks(std::string_view text);
 std::string_view WithoutLeadingBlanks(std::string_view text);
-std::string LowerAscii(std::string_view text);
+using text::LowerAscii;
 
 }  // namespace vicenter::tsql::engine

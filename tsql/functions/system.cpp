@@ -1,5 +1,6 @@
 // What the account set and the session say about themselves: names, numbers, the error of a CATCH block.
 
+#include "text/hex.h"
 #include "tsql/functions/call.h"
 
 namespace vicenter::tsql::engine {
@@ -25,12 +26,10 @@ void NewIdFunction(FunctionCall& call) {
     sqlite3_randomness(sizeof bytes, bytes);
     bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
     bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
-    static constexpr char kHex[] = "0123456789ABCDEF";
     std::string guid;
     for (int i = 0; i < 16; ++i) {
         if (i == 4 || i == 6 || i == 8 || i == 10) guid += '-';
-        guid += kHex[bytes[i] >> 4];
-        guid += kHex[bytes[i] & 15];
+        text::AppendHex(guid, bytes[i]);
     }
     call.Return(std::string_view(guid));
 }

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "automation/variant.h"
+#include "text/ascii.h"
+#include "text/utf8.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/call.h"
 #include "tsql/types/convert.h"
@@ -34,7 +36,7 @@ class FoldedText {
             starts_.push_back(folded_.size());
             sources_.push_back(at);
             if (bytes == 1 && static_cast<unsigned char>(text[at]) < 0x80) {
-                folded_ += text[at] >= 'A' && text[at] <= 'Z' ? static_cast<char>(text[at] + 32) : text[at];
+                folded_ += LowerAscii(text[at]);
             } else {
                 folded_ += collation.Fold(text.substr(at, bytes));
             }
@@ -206,13 +208,9 @@ std::string WithCase(std::string_view text, bool upper) {
                 else if (within(0x400, 0x40F))
                     code += 80;
             }
-            result += static_cast<char>(0xC0 | code >> 6);
-            result += static_cast<char>(0x80 | (code & 0x3F));
+            text::AppendUtf8(result, code);
         } else if (bytes == 1) {
-            char c = text[at];
-            if (upper && c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-            if (!upper && c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
-            result += c;
+            result += upper ? text::UpperAscii(text[at]) : LowerAscii(text[at]);
         } else {
             result += text.substr(at, bytes);
         }
@@ -309,19 +307,15 @@ void StrFunction(FunctionCall& call) {
     call.Return(std::string_view(text));
 }
 
-std::uint32_t CodePoint(std::string_view text) {
-    const std::size_t bytes = CharacterBytes(text, 0);
-    auto code = static_cast<std::uint32_t>(static_cast<unsigned char>(text[0]));
-    if (bytes == 1) return code;
-    code &= 0xFFU >> (bytes + 1);
-    for (std::size_t i = 1; i < bytes; ++i)
-        code = code << 6 | (static_cast<unsigned char>(text[i]) & 0x3FU);
-    return code;
+// Of a malformed character its first byte.
+std::uint32_t FirstCode(std::string_view text) {
+    const text::CodePoint first = text::ReadUtf8(text, 0);
+    return first.valid ? first.code : static_cast<unsigned char>(text.front());
 }
 
 void UnicodeFunction(FunctionCall& call) {
     if (call.IsNull(0) || call.Text(0).empty()) return;
-    call.Return(static_cast<std::int64_t>(CodePoint(call.Text(0))));
+    call.Return(static_cast<std::int64_t>(FirstCode(call.Text(0))));
 }
 
 void NCharFunction(FunctionCall& call) {
@@ -330,21 +324,7 @@ void NCharFunction(FunctionCall& call) {
     if (number < 0 || number > 0x10FFFF || (number >= 0xD800 && number < 0xE000)) return;
     const auto code = static_cast<std::uint32_t>(number);
     std::string text;
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0 | code >> 6);
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        text += static_cast<char>(0xE0 | code >> 12);
-        text += static_cast<char>(0x80 | (code >> 6 & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-        text += static_cast<char>(0xF0 | code >> 18);
-        text += static_cast<char>(0x80 | (code >> 12 & 0x3F));
-        text += static_cast<char>(0x80 | (code >> 6 & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    }
+    text::AppendUtf8(text, code);
     call.Return(std::string_view(text));
 }
 

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 
+#include "text/ascii.h"
+
 namespace vicenter::tsql {
 namespace {
 
@@ -225,8 +227,7 @@ constexpr std::array<Keyword, kSlots> kTable = MakeTable();
 bool IsWord(std::string_view word, std::string_view lower) {
     if (word.size() != lower.size()) return false;
     for (std::size_t i = 0; i < word.size(); ++i) {
-        const char c = word[i] >= 'A' && word[i] <= 'Z' ? static_cast<char>(word[i] + ('a' - 'A')) : word[i];
-        if (c != lower[i]) return false;
+        if (text::LowerAscii(word[i]) != lower[i]) return false;
     }
     return true;
 }

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstring>
 
+#include "text/hex.h"
+#include "text/utf8.h"
 #include "tsql/base/error_table.h"
 
 namespace vicenter::tsql {
@@ -44,32 +46,14 @@ constexpr std::array<std::uint8_t, 256> kClasses = MakeClasses();
 std::uint8_t ClassOf(char c) {
     return kClasses[static_cast<unsigned char>(c)];
 }
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-bool IsHexDigit(char c) {
-    return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
+using text::IsDigit;
+using text::IsHexDigit;
 
 // The bytes of the character at `at`, 1 for a broken one, and its code point (0 for a broken one).
 std::size_t CharacterLength(std::string_view text, std::size_t at, std::uint32_t* codePoint) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(at);
-    const std::size_t length = lead < 0x80   ? 1
-                               : lead < 0xC2 ? 0
-                               : lead < 0xE0 ? 2
-                               : lead < 0xF0 ? 3
-                               : lead < 0xF5 ? 4
-                                             : 0;
-    *codePoint = 0;
-    if (length == 0 || at + length > text.size()) return 1;
-    std::uint32_t value = length == 1 ? lead : lead & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(at + i) & 0xC0U) != 0x80U) return 1;
-        value = (value << 6U) | (byte(at + i) & 0x3FU);
-    }
-    *codePoint = value;
-    return length;
+    const text::CodePoint read = text::ReadUtf8(text, at);
+    *codePoint = read.valid ? read.code : 0;
+    return read.length;
 }
 
 // Letters of names. Punctuation, blanks and symbols beyond ASCII are not; everything else that a person types

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 
+#include "text/hex.h"
 #include "tsql/base/diagnostic.h"
 #include "tsql/base/text_units.h"
 #include "tsql/syntax/lexer.h"
@@ -14,20 +15,17 @@ namespace {
 // Stands around the mark of a literal in a key; a text with this character in it has no shape.
 constexpr char kMark = '\x01';
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+using text::IsDigit;
+using text::IsHexDigit;
+
 bool IsBlank(char c) {
     return c > '\0' && c <= ' ';
-}
-bool IsHexDigit(char c) {
-    return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
 // Part of a word, or beyond ASCII.
 bool IsWordByte(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || IsDigit(c) || c == '_' || c == '#' ||
-           c == '@' || c == '$' || (static_cast<unsigned char>(c) & 0x80U) != 0;
+    return text::IsLetter(c) || IsDigit(c) || c == '_' || c == '#' || c == '@' || c == '$' ||
+           (static_cast<unsigned char>(c) & 0x80U) != 0;
 }
 
 // A literal next to such a byte might read as one token with it.

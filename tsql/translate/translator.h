@@ -4,7 +4,7 @@
 // implicit conversions become calls, names are resolved against the catalog. Literals, variables and values
 // of the session become parameters, so that one translation serves many runs.
 //
-// A translator serves one statement. It is spread over translate_*.cpp by what it translates.
+// A translator serves one statement. It is spread over the sources of this folder by what they translate.
 
 #include <memory>
 #include <optional>
@@ -100,7 +100,7 @@ class Translator {
   public:
     explicit Translator(TranslateContext& context) : context_(context) {}
 
-    // Statements; see translate_query.cpp and translate_modify.cpp.
+    // Statements; see query.cpp and modify.cpp.
     Translation Select(const Query& query);
     Translation Insert(const InsertStatement& statement);
     // INSERT of rows that come from elsewhere: one parameter per column, filled by the caller.
@@ -116,9 +116,9 @@ class Translator {
     Translation Condition(const Expr& condition);
     // A condition over the columns of one table, as SQLite keeps it: without parameters.
     std::string CheckText(const TableInfo& table, const Expr& condition);
-    // UPDATE t SET c = value [WHERE c IS NULL]: fills a new column or changes a column's type.
     // The rows that an UPDATE changes as they are to be: each row's number and every stored column.
     Translation UpdatedRows(const UpdateStatement& statement);
+    // UPDATE t SET c = value [WHERE c IS NULL]: fills a new column or changes a column's type.
     Translation FillColumn(const TableInfo& table, const ColumnInfo& column, const Expr& value);
     Translation RewriteColumn(const TableInfo& table, const ColumnInfo& column, const SqlType& from);
 
@@ -133,7 +133,7 @@ class Translator {
   private:
     class CallBinding;
 
-    // translate_expression.cpp
+    // expression.cpp
     Operand Value(const Expr& expression, Scope& scope);
     Operand ValueInner(const Expr& expression, Scope& scope);
     Operand Literal(const LiteralExpr& literal);
@@ -151,7 +151,7 @@ class Translator {
     Operand Function(const FunctionExpr& function, Scope& scope);  // function.cpp
     std::string WindowText(const OverClause& over, Scope& scope);
 
-    // translate_condition.cpp
+    // condition.cpp
     std::string ConditionText(const Expr& condition, Scope& scope);
     std::string Compare(const char* op, const Operand& left, const Operand& right, Position position);
     std::string In(const InExpr& in, Scope& scope);
@@ -173,7 +173,7 @@ class Translator {
         return {std::move(sql), type, false, {}, nullptr};
     }
 
-    // translate_query.cpp
+    // query.cpp
     QueryText QueryOf(const Query& query, const Scope* outer, bool ordered);
     SelectParts SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer);
     SelectParts BodyOf(const QueryBody& body, const Query* orderFrom, const Scope* outer);
@@ -188,7 +188,7 @@ class Translator {
     void CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail);
     QueryText Finish(SelectParts parts);
 
-    // translate_source.cpp
+    // source.cpp
     const TableInfo* FindTable(std::string_view name);
     std::string From(const std::vector<TableSourcePtr>& sources, Scope& scope);
     std::string SourceText(const TableSource& source, Scope& scope);
@@ -200,7 +200,7 @@ class Translator {
     Source SourceOf(const TableInfo& table, const std::string& exposedName);
     const CommonTable* FindCommonTable(const std::string& name) const;
 
-    // translate_modify.cpp
+    // modify.cpp
     const TableInfo& TargetTable(const ObjectName& name);
     const Source& ChangedSource(const ObjectName& name, Position where, Scope& scope, std::string& from);
     std::vector<const ColumnInfo*> TargetColumns(const TableInfo& table, const std::vector<Name>& columns);

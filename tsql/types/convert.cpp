@@ -7,6 +7,8 @@
 #include <limits>
 
 #include "automation/variant.h"
+#include "text/blanks.h"
+#include "text/hex.h"
 #include "tsql/base/error_table.h"
 #include "tsql/base/text_units.h"
 #include "tsql/types/date_text.h"
@@ -38,12 +40,7 @@ IntegerRange RangeOf(TypeKind kind) {
 }
 
 std::string_view Trimmed(std::string_view text) {
-    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
+    return text::Trimmed(text, text::kSpacesAndLineEnds);
 }
 
 [[noreturn]] void FailText(const std::string& text, const SqlType& from, const SqlType& to) {
@@ -319,12 +316,9 @@ std::string ToPlainText(const Value& value, const SqlType& from, int style) {
             return value.Text();
         case StorageClass::kBinary: {
             if (style == 0) return value.Blob();
-            static constexpr char kHex[] = "0123456789ABCDEF";
             std::string text = style == 1 ? "0x" : "";
-            for (const char byte : value.Blob()) {
-                text += kHex[static_cast<unsigned char>(byte) >> 4];
-                text += kHex[static_cast<unsigned char>(byte) & 15];
-            }
+            for (const char byte : value.Blob())
+                text::AppendHex(text, static_cast<unsigned char>(byte));
             return text;
         }
     }
@@ -367,9 +361,8 @@ Value ToGuid(const Value& value, const SqlType& from, const SqlType& to) {
         for (std::size_t at = 0; at < text.size(); ++at) {
             const bool dash = at == 8 || at == 13 || at == 18 || at == 23;
             const char c = text[at];
-            const bool hex = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-            if (dash ? c != '-' : !hex) break;
-            guid += c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c;
+            if (dash ? c != '-' : !text::IsHexDigit(c)) break;
+            guid += text::UpperAscii(c);
         }
         if (guid.size() == 36) return Value(guid);
         throw MakeError(8169, {});

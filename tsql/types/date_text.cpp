@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "text/ascii.h"
+
 namespace vicenter::tsql::engine {
 
 using automation::DateTimeParts;
@@ -23,12 +25,7 @@ int MonthByName(std::string_view word) {
     for (std::size_t i = 0; i < kMonths.size(); ++i) {
         const std::string_view name = kMonths[i];
         if (word.size() != 3 && word.size() != name.size()) continue;
-        bool same = true;
-        for (std::size_t c = 0; c < word.size() && same; ++c) {
-            same = std::tolower(static_cast<unsigned char>(word[c])) ==
-                   std::tolower(static_cast<unsigned char>(name[c]));
-        }
-        if (same) return static_cast<int>(i) + 1;
+        if (text::SameAscii(word, name.substr(0, word.size()))) return static_cast<int>(i) + 1;
     }
     return 0;
 }
@@ -114,15 +111,7 @@ class DateReader {
     }
     bool IsWord(std::string_view word, std::size_t ahead = 0) const {
         if (at_ + ahead >= tokens_.size()) return false;
-        const std::string_view text = tokens_[at_ + ahead].text;
-        if (text.size() != word.size()) return false;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            if (std::toupper(static_cast<unsigned char>(text[i])) !=
-                std::toupper(static_cast<unsigned char>(word[i]))) {
-                return false;
-            }
-        }
-        return true;
+        return text::SameAscii(tokens_[at_ + ahead].text, word);
     }
     bool IsTimeAhead() const { return IsNumber() && (IsMark(':', 1) || IsWord("AM", 1) || IsWord("PM", 1)); }
 

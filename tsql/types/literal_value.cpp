@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "automation/variant.h"
+#include "text/hex.h"
 #include "tsql/base/error_table.h"
 #include "tsql/base/text_units.h"
 
@@ -28,10 +29,9 @@ SqlType DecimalLiteralType(std::string_view text) {
 std::string FromHexadecimal(std::string_view text) {
     std::string digits(text);
     if (digits.size() % 2 != 0) digits.insert(0, 1, '0');
-    const auto nibble = [](char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; };
     std::string bytes;
     for (std::size_t at = 0; at < digits.size(); at += 2) {
-        bytes += static_cast<char>(nibble(digits[at]) << 4 | nibble(digits[at + 1]));
+        bytes += static_cast<char>(text::HexValue(digits[at]) << 4 | text::HexValue(digits[at + 1]));
     }
     return bytes;
 }

@@ -6,6 +6,7 @@
 #include "platform/ado/account_set/session_pool.h"
 #include "platform/system/collation.h"
 #include "platform/system/surroundings.h"
+#include "text/hex.h"
 
 namespace vicenter::ado {
 
@@ -103,12 +104,9 @@ Variant VariantOf(engine::Value& value, const engine::SqlType& type) {
             return Variant(value.TakeText());
         default: {
             // As a text: bytes have no automation type of their own here.
-            static constexpr char kHex[] = "0123456789ABCDEF";
             std::string text = "0x";
-            for (const char byte : value.Blob()) {
-                text += kHex[static_cast<unsigned char>(byte) >> 4];
-                text += kHex[static_cast<unsigned char>(byte) & 15];
-            }
+            for (const char byte : value.Blob())
+                text::AppendHex(text, static_cast<unsigned char>(byte));
             return Variant(text);
         }
     }

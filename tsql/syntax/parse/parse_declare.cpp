@@ -2,19 +2,12 @@
 
 #include <algorithm>
 
+#include "text/ascii.h"
 #include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {
 namespace {
-
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
-    }
-    return lower;
-}
 
 // Options that are on or off.
 bool IsSwitch(const std::string& option) {
@@ -94,7 +87,7 @@ StatementPtr Parser::ParseSet() {
         ExpectWord("isolation");
         ExpectWord("level");
         if (AtWord("snapshot") || AtWord("serializable")) {
-            set->word = LowerCase(Take().text);
+            set->word = text::LowerAscii(Take().text);
         } else if (AcceptWord("repeatable")) {
             Expect(Keyword::kRead);
             set->word = "repeatable read";
@@ -103,7 +96,7 @@ StatementPtr Parser::ParseSet() {
             if (!AtWord("committed")) {
                 if (!AtWord("uncommitted")) Fail();
             }
-            set->word = "read " + LowerCase(Take().text);
+            set->word = "read " + text::LowerAscii(Take().text);
         }
         return set;
     }
@@ -115,18 +108,18 @@ StatementPtr Parser::ParseSet() {
     }
     if (Accept(Keyword::kStatistics)) {  // SET STATISTICS IO, TIME ON
         do {
-            set->options.push_back("statistics " + LowerCase(TakeName().text));
+            set->options.push_back("statistics " + text::LowerAscii(TakeName().text));
         } while (Accept(Op::kComma));
         onOff();
         return set;
     }
     if (!At(TokenKind::kIdentifier)) Fail();
-    const std::string option = LowerCase(Peek().text);
+    const std::string option = text::LowerAscii(Peek().text);
     if (IsSetting(option)) {
         Take();
         set->options.push_back(option);
         if (AtName()) {
-            set->word = LowerCase(TakeName().text);
+            set->word = text::LowerAscii(TakeName().text);
         } else if (At(TokenKind::kVariable)) {
             set->value = ParseValue();
         } else {
@@ -137,11 +130,11 @@ StatementPtr Parser::ParseSet() {
     do {
         if (!At(TokenKind::kIdentifier)) Fail();
         const Token token = Peek();
-        if (!IsSwitch(LowerCase(token.text))) {
+        if (!IsSwitch(text::LowerAscii(token.text))) {
             if (token.keyword != Keyword::kNone) Fail();
             throw MakeError(195, token.position, {token.text, "SET option"});
         }
-        set->options.push_back(LowerCase(Take().text));
+        set->options.push_back(text::LowerAscii(Take().text));
     } while (Accept(Op::kComma));
     onOff();
     return set;

@@ -1,5 +1,6 @@
 // Blocks, IF, WHILE, RETURN, TRY … CATCH, PRINT, RAISERROR, THROW.
 
+#include "text/ascii.h"
 #include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
@@ -105,9 +106,7 @@ StatementPtr Parser::ParseRaiserror() {
     Expect(Op::kRightParen);
     if (Accept(Keyword::kWith)) {
         do {
-            std::string option;
-            for (const char c : TakeName().text)
-                option += c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+            std::string option = text::LowerAscii(TakeName().text);
             if (option != "log" && option != "nowait" && option != "seterror") FailAt(previous_);
             raise->options.push_back(std::move(option));
         } while (Accept(Op::kComma));

@@ -1,5 +1,6 @@
 // Queries: SELECT, set operations, ORDER BY, common table expressions.
 
+#include "text/ascii.h"
 #include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
@@ -268,8 +269,7 @@ std::vector<std::string> Parser::ParseOptionClause() {
         while (!At(Op::kComma) && !At(Op::kRightParen)) {
             if (!At(TokenKind::kIdentifier) && !At(TokenKind::kInteger)) Fail();
             if (!words.empty()) words += ' ';
-            for (const char c : Take().text)
-                words += c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+            words += text::LowerAscii(Take().text);
         }
         if (words.empty()) Fail();
         options.push_back(std::move(words));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "text/ascii.h"
 #include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
@@ -122,9 +123,7 @@ std::vector<std::string> Parser::ParseHints() {
     for (;;) {
         if (!At(TokenKind::kIdentifier) || !IsTableHint(Peek())) Fail();
         const Token hint = Take();
-        std::string text;
-        for (const char c : hint.text)
-            text += c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+        std::string text = text::LowerAscii(hint.text);
         if (hint.keyword == Keyword::kIndex) {  // INDEX (name, 1) or INDEX = name
             if (Accept(Op::kEqual)) {
                 TakeName();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "text/ascii.h"
 #include "tsql/base/error_table.h"
 
 namespace vicenter::tsql {
@@ -13,14 +14,6 @@ constexpr std::size_t kMostNameParts = 4;
 // What an error message shows of a token: its value, without quotes.
 std::string Shown(const Token& token) {
     return std::string(FirstCharacters(TokenValue(token), kLongestName));
-}
-
-std::string Lowered(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
-    }
-    return lower;
 }
 
 }  // namespace
@@ -149,17 +142,17 @@ TypeName Parser::TakeType() {
     TypeName type;
     type.position = Peek().position;
     if (At(Keyword::kNational) || At(Keyword::kDouble)) {
-        type.name = Lowered(Take().text);
+        type.name = text::LowerAscii(Take().text);
         if (type.name == "double") {
-            type.name += ' ' + Lowered(Expect(Keyword::kPrecision).text);
+            type.name += ' ' + text::LowerAscii(Expect(Keyword::kPrecision).text);
         } else {
-            type.name += ' ' + Lowered(TakeName().text);
+            type.name += ' ' + text::LowerAscii(TakeName().text);
         }
     } else {
         const ObjectName name = TakeObjectName();  // sys.int and dbo.usertype
-        type.name = Lowered(name.Object());
+        type.name = text::LowerAscii(name.Object());
     }
-    if (At(Keyword::kVarying)) type.name += ' ' + Lowered(Take().text);
+    if (At(Keyword::kVarying)) type.name += ' ' + text::LowerAscii(Take().text);
     if (!Accept(Op::kLeftParen)) return type;
     const auto number = [&] {
         const Token token = Expect(TokenKind::kInteger);
