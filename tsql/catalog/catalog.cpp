@@ -233,9 +233,13 @@ void Catalog::Prepare(bool create) {
 }
 
 // Leaves the statement on its row, and with it the snapshot.
-std::int64_t Catalog::SchemaVersion() {
+std::int64_t Catalog::Version() {
     EndSnapshot();
-    if (!versionStatement_) versionStatement_ = database_.Prepare("PRAGMA main.schema_version");
+    if (!versionStatement_) {
+        // One row in any case: a set in which nothing has been defined since there is the number has none.
+        versionStatement_ =
+            database_.Prepare("SELECT ifnull((SELECT last FROM main.\"ts$identity\" WHERE object = 0), 0)");
+    }
     holding_ = database_.Step(versionStatement_);
     return holding_ ? versionStatement_.Int(0) : 0;
 }
@@ -246,7 +250,7 @@ void Catalog::Refresh() {
 }
 
 void Catalog::RefreshAndHold() {
-    const std::int64_t version = SchemaVersion();
+    const std::int64_t version = Version();
     if (version == version_) return;
     Load();
     version_ = version;

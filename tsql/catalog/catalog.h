@@ -3,8 +3,8 @@
 // What an account set holds: tables with their SQL Server types, keys, views and procedures.
 //
 // The catalog lives in tables of the account set (ts$…, see docs/account-set-format.md) and is read into
-// memory; it is read again when SQLite's schema version shows that any process has changed it. One catalog
-// per session. Pointers into it stay good until Generation() changes.
+// memory; it is read again when the set's own number of changes shows that any process has changed it. One
+// catalog per session. Pointers into it stay good until Generation() changes.
 
 #include <cstdint>
 #include <functional>
@@ -95,7 +95,7 @@ class Catalog {
 
     // Makes the catalog's tables when the account set is new; error 5172 when the file is of another kind.
     void Prepare(bool create);
-    // Reads everything again when the schema version has changed since the last time.
+    // Reads everything again when the number of changes is another one than the last time.
     void Refresh();
     // The same, and what is read next on this connection is of the same moment: a query then needs no lock of
     // its own. EndSnapshot must come before anything that changes the account set.
@@ -136,7 +136,7 @@ class Catalog {
 
     void AddTemporary(TableInfo table);
     void DropTemporary(const std::string& name);
-    // Temporary tables made at or beyond a level of nesting.
+    // Of all temporary tables and table variables, as the catalog knows them.
     std::vector<std::string> TemporaryNames() const;
     TableInfo* FindTemporary(std::string_view name);
 
@@ -145,10 +145,11 @@ class Catalog {
 
   private:
     void Load();
-    std::int64_t SchemaVersion();
+    std::int64_t Version();
     std::int64_t WriteTable(const TableInfo& table);
     void MakeIndex(const TableInfo& table, const KeyInfo& key);
     void Touch();
+    void TellSqlite();
 
     Database& database_;
     PreparedStatement versionStatement_;

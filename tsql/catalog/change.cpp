@@ -80,11 +80,13 @@ std::vector<KeyRow> KeyRows(const TableInfo& table) {
 
 }  // namespace
 
-// Every change moves SQLite's schema version on, since that is what other sessions look at.
+// Every change moves a number on, since that is what other sessions look at. It stands among the last
+// identity values under the number 0, which no table has.
 void Catalog::Touch() {
-    const std::int64_t version = SchemaVersion();
     EndSnapshot();
-    database_.Run("PRAGMA main.schema_version = " + std::to_string(version + 1));
+    database_.Run(
+        "INSERT INTO main.\"ts$identity\"(object, last) VALUES(0, 1) "
+        "ON CONFLICT(object) DO UPDATE SET last = last + 1");
     Forget();
     Refresh();
 }
@@ -194,6 +196,15 @@ void Catalog::DropColumn(const TableInfo& table, const std::string& column) {
     ChangeTable(changed, false);
 }
 
+// Text that was replaced behind SQLite's back: every connection has to read the schema again, and does so
+// when SQLite's own number of it has moved.
+void Catalog::TellSqlite() {
+    PreparedStatement version = database_.Prepare("PRAGMA main.schema_version");
+    const std::int64_t number = database_.Step(version) ? version.Int(0) : 0;
+    version.Reset();
+    database_.Run("PRAGMA main.schema_version = " + std::to_string(number + 1));
+}
+
 void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
     if (rewriteSchema) {
         // Constraints and types are nothing but text to SQLite's files, so the text alone is replaced.
@@ -212,6 +223,7 @@ void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
         return;
     }
     WriteTable(changed);
+    if (rewriteSchema) TellSqlite();
     Touch();
 }
 
