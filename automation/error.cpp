@@ -14,9 +14,11 @@ struct NumberText {
 constexpr NumberText kTexts[] = {
     {error_number::kInvalidProcedureCall, "Invalid procedure call or argument"},
     {error_number::kOverflow, "Overflow"},
+    {error_number::kOutOfMemory, "Out of memory"},
     {error_number::kSubscriptOutOfRange, "Subscript out of range"},
     {error_number::kDivisionByZero, "Division by zero"},
     {error_number::kTypeMismatch, "Type mismatch"},
+    {error_number::kOutOfStackSpace, "Out of stack space"},
     {error_number::kFileNotFound, "File not found"},
     {error_number::kFileAlreadyExists, "File already exists"},
     {error_number::kPermissionDenied, "Permission denied"},

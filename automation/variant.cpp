@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 
+#include "automation/deep_release.h"
 #include "automation/object.h"
 #include "text/blanks.h"
 
@@ -109,6 +110,23 @@ std::string Variant::TypeName() const {
     }
     const auto& object = std::get<ObjectRef>(data_);
     return object ? object->TypeName() : "Nothing";
+}
+
+std::shared_ptr<const VariantArray> Variant::Shared(VariantArray items) {
+    struct Owner {
+        VariantArray items;
+
+        explicit Owner(VariantArray&& given) : items(std::move(given)) {}
+        Owner(const Owner&) = delete;
+        Owner& operator=(const Owner&) = delete;
+        ~Owner() {
+            for (Variant& item : items)
+                Release(item);
+        }
+    };
+    auto owner = std::make_shared<Owner>(std::move(items));
+    const VariantArray* array = &owner->items;
+    return {std::move(owner), array};
 }
 
 Variant Variant::Resolved() const {

@@ -65,7 +65,7 @@ class Variant {
     Variant(std::string value) : data_(std::move(value)) {}
     Variant(std::string_view value) : data_(std::string(value)) {}
     Variant(const char* value) : data_(std::string(value)) {}
-    Variant(VariantArray value) : data_(std::make_shared<const VariantArray>(std::move(value))) {}
+    Variant(VariantArray value) : data_(Shared(std::move(value))) {}
     Variant(ObjectRef value) : data_(std::move(value)) {}
     template <class T>
     Variant(const std::shared_ptr<T>& value) : data_(ObjectRef(value)) {}
@@ -132,6 +132,8 @@ class Variant {
   private:
     // The default member's value of an object, else *this.
     Variant Resolved() const;
+    // An array that gives back its items however deep they own others.
+    static std::shared_ptr<const VariantArray> Shared(VariantArray items);
 
     Data data_;
 };

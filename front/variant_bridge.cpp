@@ -1,6 +1,7 @@
 #include "front/variant_bridge.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 
@@ -27,13 +28,20 @@ std::string_view TextOf(const vic_variant& variant) {
     return text.data == nullptr ? std::string_view() : std::string_view(text.data, text.length);
 }
 
-Variant ArrayOf(const vic_variant& variant) {
+[[noreturn]] void RefuseDepth() {
+    throw Error(error_number::kOutOfStackSpace, "Arrays are nested too deeply", "VelaVICenter");
+}
+
+Variant ValueOf(const vic_variant& variant, int depth);
+
+Variant ArrayOf(const vic_variant& variant, int depth) {
+    if (depth > kDeepestArray) RefuseDepth();
     const vic_array& array = variant.value.array;
     if (array.items == nullptr && array.count != 0) throw Error(error_number::kInvalidProcedureCall);
     VariantArray items;
     items.reserve(array.count);
     for (std::size_t i = 0; i < array.count; ++i)
-        items.push_back(FromC(array.items[i]));
+        items.push_back(ValueOf(array.items[i], depth));
     return items;
 }
 
@@ -43,14 +51,7 @@ Variant DecimalOf(std::string_view digits) {
     return *decimal;
 }
 
-}  // namespace
-
-std::string CleanText(std::string_view text) {
-    if (system::IsValidUtf8(text)) return std::string(text);
-    return system::FromUtf16(system::ToUtf16(text));
-}
-
-Variant FromC(const vic_variant& variant) {
+Variant ValueOf(const vic_variant& variant, int depth) {
     switch (variant.type) {
         case VIC_EMPTY:
             return {};
@@ -73,15 +74,26 @@ Variant FromC(const vic_variant& variant) {
         case VIC_TEXT:
             return CleanText(TextOf(variant));
         case VIC_ARRAY:
-            return ArrayOf(variant);
+            return ArrayOf(variant, depth + 1);
         case VIC_OBJECT:
-            return Variant(variant.value.object != nullptr ? variant.value.object->object
+            return Variant(variant.value.object != nullptr ? ObjectOf(variant.value.object)
                                                            : automation::ObjectRef());
         case VIC_ERROR:
             return Variant::ErrorValue{variant.value.int32};
         default:
             throw Error(error_number::kInvalidProcedureCall, "The variant's type does not exist");
     }
+}
+
+}  // namespace
+
+std::string CleanText(std::string_view text) {
+    if (system::IsValidUtf8(text)) return std::string(text);
+    return system::FromUtf16(system::ToUtf16(text));
+}
+
+Variant FromC(const vic_variant& variant) {
+    return ValueOf(variant, 0);
 }
 
 void SetText(vic_variant& variant, vic_type type, std::string_view text) {
@@ -104,7 +116,9 @@ void SetArray(vic_variant& variant, std::size_t count) {
     variant.value.array.count = count;
 }
 
-void ToC(const Variant& value, vic_variant& variant) {
+namespace {
+
+void Fill(const Variant& value, vic_variant& variant, int depth) {
     switch (value.Type()) {
         case VariantType::Decimal:
             SetText(variant, VIC_DECIMAL, std::get<Decimal>(value.Raw()).ToText());
@@ -113,6 +127,7 @@ void ToC(const Variant& value, vic_variant& variant) {
             SetText(variant, VIC_TEXT, value.AsText());
             return;
         case VariantType::Array: {
+            if (depth >= kDeepestArray) RefuseDepth();
             const VariantArray& items = value.AsArray();
             vic_variant array;
             SetArray(array, items.size());
@@ -120,7 +135,7 @@ void ToC(const Variant& value, vic_variant& variant) {
                 // There is no array behind no items, and then no turn of this loop.
                 for (std::size_t i = 0; i < items.size(); ++i)
                     // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker)
-                    ToC(items[i], array.value.array.items[i]);
+                    Fill(items[i], array.value.array.items[i], depth + 1);
             } catch (...) {
                 Clear(array);
                 throw;
@@ -178,25 +193,51 @@ void ToC(const Variant& value, vic_variant& variant) {
     }
 }
 
-void Clear(vic_variant& variant) {
-    const vic_variant old = variant;
-    variant = vic_variant{};
-    if ((old.flags & VIC_OWNED) == 0) return;
-    switch (old.type) {
-        case VIC_TEXT:
-        case VIC_DECIMAL:
-            delete[] old.value.text.data;
-            return;
-        case VIC_ARRAY:
-            for (std::size_t i = 0; i < old.value.array.count; ++i)
-                Clear(old.value.array.items[i]);
-            delete[] old.value.array.items;
-            return;
-        case VIC_OBJECT:
-            Release(old.value.object);
-            return;
-        default:
-            return;
+}  // namespace
+
+void ToC(const Variant& value, vic_variant& variant) {
+    Fill(value, variant, 0);
+}
+
+// Arrays within arrays are given back without a call for each level and without asking for memory: the item
+// that held the array being emptied keeps the way back.
+bool Clear(vic_variant& variant) noexcept {
+    bool held = true;
+    vic_variant* items = &variant;  // the array being emptied
+    std::size_t left = 1;           // of its items
+    vic_variant* holder = nullptr;  // the item that held it; none for the variant itself
+    for (;;) {
+        while (left != 0) {
+            vic_variant& item = items[--left];
+            const vic_variant old = item;
+            item = vic_variant{};
+            if ((old.flags & VIC_OWNED) == 0) continue;
+            switch (old.type) {
+                case VIC_TEXT:
+                case VIC_DECIMAL:
+                    delete[] old.value.text.data;
+                    break;
+                case VIC_OBJECT:
+                    held = Release(old.value.object) && held;
+                    break;
+                case VIC_ARRAY:
+                    item.value.array.items = items;
+                    item.value.array.count = reinterpret_cast<std::uintptr_t>(holder);
+                    holder = &item;
+                    items = old.value.array.items;
+                    left = old.value.array.count;
+                    break;
+                default:
+                    break;
+            }
+        }
+        if (holder == nullptr) return held;
+        delete[] items;
+        vic_variant& back = *holder;
+        items = back.value.array.items;
+        left = static_cast<std::size_t>(&back - items);
+        holder = reinterpret_cast<vic_variant*>(back.value.array.count);
+        back = vic_variant{};
     }
 }
 

@@ -88,7 +88,7 @@ void Invoke(vic_object* object, vic_kind kind, const char* name, const vic_varia
             passed.emplace_back(front::FromC(arguments[i]));
         }
     }
-    const automation::ObjectRef self = object->object;  // a call may give back the handle it came by
+    const automation::ObjectRef self = front::ObjectOf(object);  // a call may give back the handle it came by
     const Variant value = self->Invoke(front::CleanText(name), KindOf(kind), passed);
     references.WriteBack();
     if (result != nullptr) front::ToC(value, *result);
@@ -115,6 +115,10 @@ Variant Converted(const Variant& value, vic_type type) {
         default:
             throw Error(automation::error_number::kTypeMismatch);
     }
+}
+
+void NeedHeld(bool held) {
+    if (!held) throw Error(VIC_ERROR_RELEASED, "The object had been released before", "VelaVICenter");
 }
 
 // Gives back the old content once the new one stands.
@@ -178,14 +182,14 @@ vic_status vic_retain(vic_object* object) {
 }
 
 vic_status vic_release(vic_object* object) {
-    return Guarded([&](Session&) { front::Release(object); });
+    return Guarded([&](Session&) { NeedHeld(front::Release(object)); });
 }
 
 vic_status vic_same(const vic_object* a, const vic_object* b, vic_int32* same) {
     return Guarded([&](Session&) {
         Need(a, b);
         Need(same);
-        *same = a->object == b->object ? 1 : 0;
+        *same = front::ObjectOf(a) == front::ObjectOf(b) ? 1 : 0;
     });
 }
 
@@ -193,7 +197,8 @@ vic_status vic_type_name(vic_object* object, vic_variant* name) {
     return Guarded([&](Session&) {
         Need(object);
         Need(name);
-        front::SetText(*name, VIC_TEXT, object->object->TypeName());
+        const automation::ObjectRef self = front::ObjectOf(object);
+        front::SetText(*name, VIC_TEXT, self->TypeName());
     });
 }
 
@@ -202,7 +207,8 @@ vic_status vic_has_member(vic_object* object, const char* name, vic_int32* answe
         Need(object);
         Need(name);
         Need(answer);
-        *answer = object->object->HasMember(name) ? 1 : 0;
+        const automation::ObjectRef self = front::ObjectOf(object);
+        *answer = self->HasMember(name) ? 1 : 0;
     });
 }
 
@@ -239,7 +245,7 @@ vic_status vic_put(vic_object* object, const char* name, const vic_variant* valu
 
 vic_status vic_clear(vic_variant* variant) {
     return Guarded([&](Session&) {
-        if (variant != nullptr) front::Clear(*variant);
+        if (variant != nullptr) NeedHeld(front::Clear(*variant));
     });
 }
 

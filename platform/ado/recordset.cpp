@@ -100,6 +100,13 @@ const MemberTable<Fields>& Fields::Members() {
 
 Recordset::Recordset(std::vector<Column> columns) : columns_(std::move(columns)), open_(true) {}
 
+Recordset::~Recordset() {
+    // One result after the other, as far as nobody else holds them.
+    RecordsetRef rest = std::move(next_);
+    while (rest && rest.use_count() == 1)
+        rest = RecordsetRef(std::move(rest->next_));
+}
+
 const MemberTable<Recordset>& Recordset::Members() {
     static const MemberTable<Recordset> table{
         automation::IndexedProperty<Recordset>(

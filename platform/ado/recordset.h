@@ -83,6 +83,9 @@ class Recordset : public automation::TableObject<Recordset> {
     explicit Recordset(std::vector<Column> columns);
     // A closed recordset: the result of a statement that returns no rows.
     Recordset() = default;
+    Recordset(const Recordset&) = delete;
+    Recordset& operator=(const Recordset&) = delete;
+    ~Recordset() override;  // a batch may have given any number of results
 
     static const automation::MemberTable<Recordset>& Members();
     std::string TypeName() const override { return "Recordset"; }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "automation/deep_release.h"
 #include "platform/system/collation.h"
 
 namespace vicenter::scripting {
@@ -99,6 +100,13 @@ const MemberTable<Dictionary>& Dictionary::Members() {
                               [](Self& self, Arguments& a) { self.Rename(a[0].Value(), a[1].Value()); }),
     };
     return table;
+}
+
+Dictionary::~Dictionary() {
+    for (Entry& entry : entries_) {
+        automation::Release(entry.key);
+        automation::Release(entry.item);
+    }
 }
 
 std::uint32_t Dictionary::HashOf(const Variant& key) const {

@@ -24,6 +24,11 @@ enum class CompareMode : std::int32_t { Binary = 0, Text = 1 };
 
 class Dictionary : public automation::TableObject<Dictionary> {
   public:
+    Dictionary() = default;
+    Dictionary(const Dictionary&) = delete;
+    Dictionary& operator=(const Dictionary&) = delete;
+    ~Dictionary() override;  // dictionaries may hold each other in long chains
+
     static const automation::MemberTable<Dictionary>& Members();
     std::string TypeName() const override { return "Dictionary"; }
 

@@ -16,7 +16,8 @@
  *
  * Ownership: a variant that the library fills owns its content and is given back with vic_clear(). A variant
  * that a caller fills by hand (its flags 0) refers to the caller's memory and is only read. An object handle
- * is given back with vic_release().
+ * is given back with vic_release(); from then on it answers VIC_ERROR_RELEASED, however often it is used or
+ * given back again. Objects that hold each other (two dictionaries) are not given back while they do.
  */
 #ifndef VICENTER_VICENTER_H
 #define VICENTER_VICENTER_H
@@ -64,9 +65,11 @@ typedef vic_int32 vic_status;
 /* Run-time errors of the interface itself, beside the usual ones (13 type mismatch, 429, 438, ...). */
 #define VIC_ERROR_INVALID_ARGUMENT 5
 #define VIC_ERROR_OUT_OF_MEMORY 7
+#define VIC_ERROR_OUT_OF_STACK 28 /* arrays within arrays, deeper than 1000 */
 #define VIC_ERROR_INTERNAL 51
 #define VIC_ERROR_NO_WINDOWS 429
 #define VIC_ERROR_WRONG_THREAD (-2147417842) /* 0x8001010E */
+#define VIC_ERROR_RELEASED (-2147417848)     /* 0x80010108: the object's handle has been given back */
 
 typedef enum vic_type VIC_INT_ENUM {
     VIC_EMPTY = 0,
