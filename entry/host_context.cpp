@@ -12,6 +12,9 @@ using automation::Variant;
 
 namespace {
 
+constexpr const char* kSharePropsClass = "VelaPropsMgr.ShareProps";
+constexpr const char* kNoShareProps = "宿主没有提供 VelaPropsMgr.ShareProps，无法取得账套的连接信息。";
+
 struct ModuleValues {
     std::string userId;
     automation::ObjectRef hostContext;
@@ -38,7 +41,11 @@ std::string GetPropsString() {
 }
 
 Variant GetShareProperty(std::string_view name) {
-    const automation::ObjectRef properties = automation::CreateObject("VelaPropsMgr.ShareProps");
+    if (!automation::ClassRegistry::Process().IsRegistered(kSharePropsClass)) {
+        throw automation::Error(automation::error_number::kCannotCreateObject, kNoShareProps,
+                                kSharePropsClass);
+    }
+    const automation::ObjectRef properties = automation::CreateObject(kSharePropsClass);
     const std::int32_t processId = system::Surroundings::Current().processes->CurrentProcessId();
     return properties->Call("GetProperty", {processId, name});
 }

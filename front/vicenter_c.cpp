@@ -7,12 +7,14 @@
 
 #include "automation/class_registry.h"
 #include "automation/object.h"
+#include "entry/kept_error.h"
 #include "front/guarded.h"
 #include "front/handles.h"
 #include "front/host_class.h"
 #include "front/include/vicenter/vicenter.h"
 #include "front/message_handler.h"
 #include "front/variant_bridge.h"
+#include "platform/ado/connection.h"
 
 namespace front = vicenter::front;
 namespace automation = vicenter::automation;
@@ -89,7 +91,9 @@ void Invoke(vic_object* object, vic_kind kind, const char* name, const vic_varia
         }
     }
     const automation::ObjectRef self = front::ObjectOf(object);  // a call may give back the handle it came by
+    vicenter::entry::TakeKeptError();
     const Variant value = self->Invoke(front::CleanText(name), KindOf(kind), passed);
+    if (const auto kept = vicenter::entry::TakeKeptError()) front::SetLastError(*kept);
     references.WriteBack();
     if (result != nullptr) front::ToC(value, *result);
 }
@@ -144,6 +148,10 @@ vic_int32 vic_abi_version(void) {
 
 vic_status vic_shutdown(void) {
     return front::Caught([] { Session::End(); });
+}
+
+void vic_cancel(void) {
+    vicenter::ado::CancelRunning();
 }
 
 vic_int32 vic_error_number(void) {

@@ -10,6 +10,7 @@
 
 #include "automation/error.h"
 #include "entry/window_factory.h"
+#include "front/lazy_message_boxes.h"
 #include "front/message_handler.h"
 #include "front/window_loop.h"
 #include "platform/system/surroundings.h"
@@ -75,6 +76,8 @@ class QtWindowLoop : public WindowLoop {
 
     // The application object: the host's, or one made here.
     void Ensure();
+    // Somebody would see a box that is shown now.
+    bool CanShow() const;
 
   private:
     // Windows delete themselves by a posted event, which pumping alone never delivers.
@@ -103,6 +106,15 @@ class LazyWindowFactory : public entry::WindowFactory {
 };
 
 QtWindowLoop::QtWindowLoop() {
+    system::Surroundings surroundings = system::Surroundings::Current();
+    surroundings.messageBoxes = std::make_shared<LazyMessageBoxes>(
+        [this]() -> std::shared_ptr<system::MessageBoxes> {
+            if (!CanShow()) return nullptr;
+            Ensure();
+            return std::make_shared<ui::QtMessageBoxes>();
+        },
+        surroundings.messageBoxes);
+    ReplaceSurroundings(std::move(surroundings));
     if (entry::WindowFactory::Process()) return;  // the host has windows of its own making
     factory_ = std::make_shared<LazyWindowFactory>(*this);
     entry::WindowFactory::SetProcess(factory_);
@@ -114,6 +126,12 @@ QtWindowLoop::~QtWindowLoop() {
     for (const QPointer<ui::VICenterWindow>& window : Windows())
         delete window;
     DeleteClosed();
+}
+
+bool QtWindowLoop::CanShow() const {
+    if (ready_) return true;
+    if (QCoreApplication::instance() == nullptr) return ui::HasDisplay() && !ui::IsDisplayUnseen();
+    return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
 void QtWindowLoop::Ensure() {

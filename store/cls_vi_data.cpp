@@ -2,6 +2,7 @@
 
 #include "automation/class_registry.h"
 #include "entry/host_context.h"
+#include "entry/kept_error.h"
 #include "entry/sql_text.h"
 #include "platform/system/surroundings.h"
 
@@ -49,6 +50,7 @@ bool clsVIData::IsExecuteSql(const std::string& strsql) {
         broker_->Settle();
         return true;
     } catch (const Error& error) {
+        entry::KeepError(error);
         system::Surroundings::Current().messageBoxes->Show(
             error.Text(), system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
         return false;
@@ -58,7 +60,8 @@ bool clsVIData::IsExecuteSql(const std::string& strsql) {
 RecordsetRef clsVIData::GetRs(const std::string& strsql) {
     try {
         return Query(strsql);
-    } catch (const Error&) {
+    } catch (const Error& error) {
+        entry::KeepError(error);
         return nullptr;
     }
 }
@@ -79,7 +82,8 @@ scripting::DictionaryRef clsVIData::GetUserCloudInfo() {
             result->Add(field->Get("Name"), field->Get("Value"));
         }
         return result;
-    } catch (const Error&) {
+    } catch (const Error& error) {
+        entry::KeepError(error);
         return nullptr;
     }
 }

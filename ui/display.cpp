@@ -17,6 +17,10 @@ bool HasDisplay() {
     return true;  // the platform belongs to the system
 }
 
+bool IsDisplayUnseen() {
+    return false;
+}
+
 #else
 
 namespace {
@@ -91,6 +95,11 @@ bool HasDisplay() {
         if (installed.contains(QString::fromLatin1(name)) && Answers(name)) return true;
     }
     return false;
+}
+
+bool IsDisplayUnseen() {
+    const QByteArray name = Candidates().constFirst().split(':').first().trimmed().toLower();
+    return name == "offscreen" || name.startsWith("minimal");
 }
 
 #endif

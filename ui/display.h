@@ -7,5 +7,7 @@ namespace vicenter::ui {
 
 // True when one of the platforms that the application would try is installed and its display answers.
 bool HasDisplay();
+// It is one that nobody looks at: "offscreen" and its like.
+bool IsDisplayUnseen();
 
 }  // namespace vicenter::ui

@@ -273,6 +273,30 @@ vic_int32 RememberMessage(void* data, const char* text, vic_int32 buttons, vic_i
     return 1;
 }
 
+TEST_F(HostClass, WhatAnsweredNoObjectTellsWhy) {
+    Recorder messages;
+    ASSERT_EQ(vic_set_message_handler(RememberMessage, &messages), 0);
+    Handle data("VelaVICenter.clsVIData");
+    const char* const missing = "宿主没有提供 VelaPropsMgr.ShareProps，无法取得账套的连接信息。";
+    Value rows;
+    EXPECT_EQ(data.Call("GetRs", {Value::Text("select 1")}, &rows), 0);
+    EXPECT_EQ(rows.variant.value.object, nullptr);
+    EXPECT_EQ(vic_error_number(), 429);
+    EXPECT_STREQ(vic_error_description(), missing);
+    EXPECT_STREQ(vic_error_source(), "VelaPropsMgr.ShareProps");
+
+    EXPECT_EQ(data.Call("IsExecuteSql", {Value::Text("select 1")}, &rows), 0);
+    EXPECT_EQ(rows.variant.value.boolean, 0);
+    ASSERT_EQ(messages.calls.size(), 1U);
+    EXPECT_EQ(messages.calls[0], std::string("信息提示|") + missing + "|0|64");
+
+    definition_.invoke = InvokeShareProps;
+    ASSERT_EQ(vic_register_class("VelaPropsMgr.ShareProps", &definition_), 0);
+    EXPECT_EQ(data.Call("GetRs", {Value::Text("select 1")}, &rows), 0);
+    EXPECT_EQ(vic_error_number(), 3706);
+    ASSERT_EQ(vic_set_message_handler(nullptr, nullptr), 0);
+}
+
 TEST_F(HostClass, AFunctionOfTheHostAnswersTheMessageBoxes) {
     Recorder messages;
     ASSERT_EQ(vic_set_message_handler(RememberMessage, &messages), 0);
