@@ -18,6 +18,7 @@ using automation::Variant;
 void AdoConnection::Open(const Variant& connectString) {
     if (!connectString.IsMissing()) connectString_ = connectString.ToText();
     connection_ = ado::OpenConnection(connectString_);
+    if (commandTimeout_) connection_->SetCommandTimeout(*commandTimeout_);
 }
 
 void AdoConnection::Close() {
@@ -32,6 +33,21 @@ ado::RecordsetRef AdoConnection::Execute(const std::string& text, std::int64_t& 
     return connection_->Execute(text, &affected);
 }
 
+std::int32_t AdoConnection::CommandTimeout() const {
+    if (IsOpen()) return connection_->CommandTimeout();
+    return commandTimeout_.value_or(ado::kUsualCommandTimeout);
+}
+
+void AdoConnection::SetCommandTimeout(std::int32_t seconds) {
+    if (seconds < 0) throw Error(automation::error_number::kInvalidProcedureCall, {}, "ADODB.Connection");
+    if (IsOpen()) connection_->SetCommandTimeout(seconds);
+    commandTimeout_ = seconds;
+}
+
+void AdoConnection::Cancel() {
+    if (IsOpen()) connection_->Cancel();
+}
+
 const MemberTable<AdoConnection>& AdoConnection::Members() {
     using Self = AdoConnection;
     static const MemberTable<Self> table{
@@ -40,6 +56,14 @@ const MemberTable<AdoConnection>& AdoConnection::Members() {
             [](Self& self, Arguments& a) { self.SetConnectString(a[0].Value().ToText()); })
             .AsDefault(),
         Property<Self>("State", [](Self& self, Arguments&) { return Variant(self.IsOpen() ? 1 : 0); }),
+        Property<Self>(
+            "CommandTimeout", [](Self& self, Arguments&) { return Variant(self.CommandTimeout()); },
+            [](Self& self, Arguments& a) { self.SetCommandTimeout(a[0].Value().ToInt32()); }),
+        Method<Self>("Cancel", {},
+                     [](Self& self, Arguments&) {
+                         self.Cancel();
+                         return Variant();
+                     }),
         Method<Self>("Open", {"ConnectionString?"},
                      [](Self& self, Arguments& a) {
                          self.Open(a[0].Value());

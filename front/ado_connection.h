@@ -4,6 +4,7 @@
 // User-interface thread.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -22,11 +23,17 @@ class AdoConnection : public automation::TableObject<AdoConnection> {
     void Close();
     bool IsOpen() const { return connection_ && connection_->IsOpen(); }
     ado::RecordsetRef Execute(const std::string& text, std::int64_t& affected);
+    // Seconds after which a batch is ended; 0 for never. As of the connect string, until it is set.
+    std::int32_t CommandTimeout() const;
+    void SetCommandTimeout(std::int32_t seconds);
+    // Ends the batch that runs, from whatever runs within it.
+    void Cancel();
     const std::string& ConnectString() const { return connectString_; }
     void SetConnectString(std::string text) { connectString_ = std::move(text); }
 
   private:
     std::string connectString_;
+    std::optional<std::int32_t> commandTimeout_;
     ado::ConnectionRef connection_;
 };
 

@@ -68,7 +68,7 @@ void CreateAccountSetFile(const std::string& file, const AccountSetOptions& opti
     {
         // A session that is kept would still hold the file when it is moved.
         const ado::ConnectionRef connection =
-            ado::OpenConnection(FileConnectString(whole.Path()) + ";Create=yes;Pooling=no");
+            ado::OpenConnection(FileConnectString(whole.Path()) + ";Create=yes;Pooling=no;Command Timeout=0");
         CreateAccountSet(*connection);
         if (options.demo) PrepareDemo(*connection, DemoOptions{options.vouchers});
         connection->Close();

@@ -9,6 +9,7 @@
 #include <QPushButton>
 
 #include "entry/sql_text.h"
+#include "ui/long_work.h"
 #include "ui/qt_text.h"
 
 namespace vicenter::ui {
@@ -248,6 +249,7 @@ system::Surroundings QtSurroundings(system::Surroundings base) {
     base.messageBoxes = std::make_shared<QtMessageBoxes>();
     base.fileDialogs = std::make_shared<QtFileDialogs>();
     base.screen = std::make_shared<QtScreen>();
+    base.longWork = std::make_shared<QtLongWork>();
     return base;
 }
 

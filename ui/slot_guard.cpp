@@ -1,5 +1,6 @@
 #include "ui/slot_guard.h"
 
+#include <new>
 #include <string>
 
 #include "automation/error.h"
@@ -18,6 +19,8 @@ std::string Describe(const std::exception_ptr& failure) {
         std::string text = error.Text();
         if (!error.Source().empty()) text += "\r\n\r\n" + error.Source();
         return text;
+    } catch (const std::bad_alloc&) {
+        return "内存不足，操作没有完成！";
     } catch (const std::exception& error) {
         return error.what();
     } catch (...) {

@@ -1,6 +1,7 @@
 #include "host/cli/cli.h"
 
 #include <filesystem>
+#include <new>
 #include <system_error>
 
 #include <CLI/CLI.hpp>
@@ -312,6 +313,8 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
         for (const std::string& doing : error.Chain())
             text += "\n  " + doing;
         return FailWithDocument(context, text);
+    } catch (const std::bad_alloc&) {
+        return FailWithDocument(context, "内存不足，操作没有完成！");
     } catch (const std::exception& error) {
         return FailWithDocument(context, error.what());
     }

@@ -32,6 +32,7 @@ struct CliHooks {
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;
 inline constexpr int kExitWrongUse = 2;
+inline constexpr int kExitCancelled = 130;  // Ctrl+C ended a batch, as shells number it
 
 // arguments: without the program's name. Returns the exit code; never throws.
 int RunCli(const std::vector<std::string>& arguments, const CliStreams& streams, const CliHooks& hooks = {});

@@ -1,9 +1,11 @@
 // vicenter sql [FILE]
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <ostream>
 #include <string_view>
 
@@ -12,6 +14,8 @@
 #include "host/cli/context.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/system/files.h"
+#include "platform/system/interrupt_key.h"
+#include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
 
 namespace vicenter::host {
@@ -120,19 +124,43 @@ int FirstForeignLine(std::string_view text) {
     return 0;
 }
 
-// False when the batch failed.
-bool RunBatch(ado::Connection& connection, const ScriptBatch& batch, SqlAnswer& answer) {
+enum class Outcome { kDone, kFailed, kCancelled };
+
+// Ctrl+C ends the batch that runs, not the program.
+class InterruptKey final : public system::LongWork {
+  public:
+    InterruptKey() = default;
+    InterruptKey(const InterruptKey&) = delete;
+    InterruptKey& operator=(const InterruptKey&) = delete;
+    ~InterruptKey() override = default;
+
+    bool GoOn(std::chrono::milliseconds) override { return !pressed_; }
+    void Done() noexcept override {}
+
+    ado::RecordsetRef Execute(ado::Connection& connection, const std::string& batch) {
+        pressed_ = false;
+        const system::InterruptKeyScope scope(
+            [](void* pressed) { *static_cast<std::atomic<bool>*>(pressed) = true; }, &pressed_);
+        return connection.Execute(batch);
+    }
+
+  private:
+    std::atomic<bool> pressed_{false};
+};
+
+Outcome RunBatch(ado::Connection& connection, const ScriptBatch& batch, InterruptKey& interruptKey,
+                 SqlAnswer& answer) {
     if (const int line = FirstForeignLine(batch.text); line != 0) {
         ado::DriverError record;
         record.native = automation::error_number::kInvalidProcedureCall;
         record.line = line;
         record.text = "脚本不是 UTF-8 文本，请另存为 UTF-8 后再执行。";
         answer.Failure(nullptr, record);
-        return false;
+        return Outcome::kFailed;
     }
     try {
-        answer.Batch(connection.Execute(batch.text));
-        return true;
+        answer.Batch(interruptKey.Execute(connection, batch.text));
+        return Outcome::kDone;
     } catch (const Error& error) {
         ado::DriverError record;
         if (connection.Errors().empty()) {
@@ -141,8 +169,12 @@ bool RunBatch(ado::Connection& connection, const ScriptBatch& batch, SqlAnswer& 
         } else {
             record = connection.Errors().front();
         }
+        if (error.Number() == ado::error_number::kOperationCancelled) {
+            answer.Failure(nullptr, record);  // whoever cancels wants to see no more of it
+            return Outcome::kCancelled;
+        }
         answer.Failure(connection.ResultsDespiteFailure(), record);
-        return false;
+        return Outcome::kFailed;
     }
 }
 
@@ -163,13 +195,23 @@ int RunSql(const CliContext& context) {
     ado::Connection& connection = context.session->Connection();
     BatchReader reader(context.options.file.empty() ? context.streams.in : file);
     SqlAnswer answer(context);
-    bool ok = true;
+    // Whoever sits before it decides how long a script may take, unless the connect string says it.
+    if (!ado::ConnectString(context.session->Settings().connectString).Has("Command Timeout"))
+        connection.SetCommandTimeout(0);
+    const auto interruptKey = std::make_shared<InterruptKey>();
+    system::Surroundings watched = system::Surroundings::Current();
+    watched.longWork = interruptKey;
+    const system::SurroundingsScope scope(watched);
+    int code = kExitDone;
     while (const std::optional<ScriptBatch> batch = reader.Next()) {
-        for (int i = 0; i < batch->repeat; ++i)
-            ok = RunBatch(connection, *batch, answer) && ok;
+        for (int i = 0; i < batch->repeat && code != kExitCancelled; ++i) {
+            const Outcome outcome = RunBatch(connection, *batch, *interruptKey, answer);
+            if (outcome != Outcome::kDone) code = outcome == Outcome::kFailed ? kExitFailed : kExitCancelled;
+        }
+        if (code == kExitCancelled) break;  // what follows may rest on what was not done
     }
     answer.End();
-    return ok ? kExitDone : kExitFailed;
+    return code;
 }
 
 }  // namespace vicenter::host

@@ -1,7 +1,9 @@
 #include "platform/ado/connection.h"
 
+#include <mutex>
 #include <utility>
 
+#include "platform/ado/running_batch.h"
 #include "text/blanks.h"
 
 namespace vicenter::ado {
@@ -24,6 +26,16 @@ struct Provider {
 std::vector<Provider>& Providers() {
     static std::vector<Provider> providers;
     return providers;
+}
+
+std::mutex& RunningLock() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+RunningBatch*& LastRunning() {
+    static RunningBatch* last = nullptr;
+    return last;
 }
 
 }  // namespace
@@ -79,6 +91,27 @@ bool ConnectString::Has(std::string_view key) const {
         if (automation::SameName(pair.first, key)) return true;
     }
     return false;
+}
+
+void Connection::SetCommandTimeout(std::int32_t seconds) {
+    if (seconds < 0) throw Error(automation::error_number::kInvalidProcedureCall, {}, "ADODB.Connection");
+    commandTimeout_ = seconds;
+}
+
+RunningBatch::RunningBatch(Connection& connection) : connection_(connection) {
+    const std::lock_guard guard(RunningLock());
+    before_ = std::exchange(LastRunning(), this);
+}
+
+RunningBatch::~RunningBatch() {
+    const std::lock_guard guard(RunningLock());
+    LastRunning() = before_;
+}
+
+void CancelRunning() noexcept {
+    const std::lock_guard guard(RunningLock());
+    for (const RunningBatch* batch = LastRunning(); batch != nullptr; batch = batch->before_)
+        batch->connection_.Cancel();
 }
 
 void RegisterProvider(std::string name, ConnectionFactory factory) {

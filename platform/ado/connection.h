@@ -25,6 +25,9 @@ inline constexpr std::int32_t kItemNotFound = 3265;
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
 inline constexpr std::int32_t kObjectClosed = 3704;
 inline constexpr std::int32_t kProviderNotFound = 3706;
+inline constexpr std::int32_t kStillExecuting = 3711;
+inline constexpr std::int32_t kTimeoutExpired = static_cast<std::int32_t>(0x80040E31);
+inline constexpr std::int32_t kOperationCancelled = static_cast<std::int32_t>(0x80040E4E);
 }  // namespace error_number
 
 // One diagnostic record of the server.
@@ -38,8 +41,8 @@ struct DriverError {
     std::string text;
 };
 
-// Called between the rows of a result; false ends the statement as cancelled.
-using ProgressCallback = std::function<bool(std::int64_t rows)>;
+// Seconds after which a batch is ended, unless a connection is told otherwise; 0 stands for no limit.
+inline constexpr std::int32_t kUsualCommandTimeout = 30;
 
 class Connection {
   public:
@@ -60,12 +63,24 @@ class Connection {
     // The results that the last batch gave although it failed: those before the failure, and those behind it
     // where the batch went on. None after a batch that did not fail.
     virtual RecordsetRef ResultsDespiteFailure() const { return nullptr; }
+    // Ends the batch that runs, as if it had failed: error kOperationCancelled. Does nothing when none runs.
+    // May be called from any thread and from a handler of a signal, as long as the connection stays open.
+    virtual void Cancel() noexcept {}
+    // Batches end after so many seconds with error kTimeoutExpired; error 5 for a number below 0.
+    void SetCommandTimeout(std::int32_t seconds);
+    std::int32_t CommandTimeout() const { return commandTimeout_; }
     // Another number whenever anything in the account set may have changed since, by whomever; compares with
     // earlier numbers of the same open connection only. Nothing when the back end cannot tell.
     virtual std::optional<std::uint32_t> DataVersion() { return std::nullopt; }
     // The records of the last Execute or Open.
     virtual const std::vector<DriverError>& Errors() const = 0;
+
+  private:
+    std::int32_t commandTimeout_ = kUsualCommandTimeout;
 };
+
+// Cancels the batches that run, whoever started them. Any thread.
+void CancelRunning() noexcept;
 
 using ConnectionRef = std::shared_ptr<Connection>;
 using ConnectionFactory = std::function<ConnectionRef()>;

@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <new>
 #include <numeric>
 #include <system_error>
 #include <utility>
@@ -61,7 +62,9 @@ class IcuCollator : public Collator {
         if (a == b) return 0;
         if (const int quick = CompareAscii(a, b); quick != kUndecided) return quick;
         UErrorCode status = U_ZERO_ERROR;
-        return collator_->compareUTF8(Piece(a), Piece(b), status);
+        const int order = collator_->compareUTF8(Piece(a), Piece(b), status);
+        if (U_FAILURE(status)) throw std::bad_alloc();  // nothing else can fail here
+        return order;
     }
 
     std::string Fold(std::string_view text) const override {
@@ -79,6 +82,7 @@ class IcuCollator : public Collator {
             if (unit == 0x3000) wide.setCharAt(i, u' ');
         }
         wide.foldCase();
+        if (wide.isBogus()) throw std::bad_alloc();
         result.clear();
         wide.toUTF8String(result);
         return result;
@@ -220,7 +224,7 @@ PinyinLoading::PinyinLoading() {
         thread_ = std::thread([] {
             try {
                 Collator::Chinese().PinyinInitials("一");
-            } catch (const automation::Error&) {
+            } catch (const std::exception&) {
                 // Whoever asks for initials is told.
                 pinyinLoadingIsOver = true;
             }

@@ -56,6 +56,10 @@ class HeldFile {
     int handle_;
 };
 
+// The next Ctrl+C calls the handler instead of ending the process, in the handler of a signal or on a thread
+// of the system's; the one behind it ends the process. No handler puts things back.
+void OnInterruptKey(void (*handler)());
+
 // Address space, in multiples of 64 KiB, that becomes memory page by page as it is written to; nullptr when
 // there is none or the system has no such service.
 void* MapMemory(std::size_t bytes);

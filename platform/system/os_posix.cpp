@@ -1,4 +1,6 @@
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -193,6 +195,28 @@ std::unique_ptr<HeldFile> HeldFile::Take(const std::string& path) {
 
 HeldFile::~HeldFile() {
     close(handle_);
+}
+
+namespace {
+
+std::atomic<void (*)()> onInterruptKey{nullptr};
+struct sigaction beforeInterruptKey;  // while a handler is set
+
+}  // namespace
+
+void OnInterruptKey(void (*handler)()) {
+    const bool wasSet = onInterruptKey.exchange(handler) != nullptr;
+    if (handler == nullptr) {
+        if (wasSet) sigaction(SIGINT, &beforeInterruptKey, nullptr);
+        return;
+    }
+    struct sigaction action {};
+    action.sa_handler = [](int) {
+        if (const auto call = onInterruptKey.load()) call();
+    };
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
+    sigaction(SIGINT, &action, wasSet ? nullptr : &beforeInterruptKey);
 }
 
 void* MapMemory(std::size_t bytes) {

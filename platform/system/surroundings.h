@@ -6,6 +6,7 @@
 // line or a test puts another in place. Message boxes, file choices, the clock and process starts all go this
 // way, so that no test ever meets a modal dialog. User-interface thread only.
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -85,6 +86,17 @@ class Screen {
     virtual void Repaint() = 0;
 };
 
+// Told of work that whoever asked for it waits for, on the user-interface thread and again and again: what
+// is shown may be kept alive and a wish to stop taken. Nothing of the work may be started from here again.
+class LongWork {
+  public:
+    virtual ~LongWork() = default;
+    // How long it has taken so far; false when it is to be stopped.
+    virtual bool GoOn(std::chrono::milliseconds taken) = 0;
+    // It is over. Called once behind one or several GoOn().
+    virtual void Done() noexcept = 0;
+};
+
 class Folders {
   public:
     virtual ~Folders() = default;
@@ -101,6 +113,7 @@ struct Surroundings {
     std::shared_ptr<Guids> guids;
     std::shared_ptr<Screen> screen;
     std::shared_ptr<Folders> folders;
+    std::shared_ptr<LongWork> longWork = nullptr;  // none where nobody watches
 
     static Surroundings& Current();
     // The operating system's services; message boxes answer Ok/No and file dialogs cancel, since nobody is

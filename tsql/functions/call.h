@@ -69,26 +69,33 @@ class FunctionCall {
     FunctionServices& services_;
 };
 
-inline void Fail(sqlite3_context* context, FunctionServices& services, const SqlError& error) {
-    services.pending = error;
-    sqlite3_result_error(context, error.what(), -1);
+inline void Fail(sqlite3_context* context, FunctionServices& services, const SqlError& error) noexcept {
+    try {
+        services.pending = error;
+        sqlite3_result_error(context, error.what(), -1);
+    } catch (...) {
+        sqlite3_result_error_nomem(context);
+    }
 }
 
 // Runs a function body and keeps what it throws.
 template <class Body>
-void Guarded(sqlite3_context* context, FunctionServices& services, Body body) {
+void Guarded(sqlite3_context* context, FunctionServices& services, Body body) noexcept {
     try {
-        body();
-    } catch (const SqlError& error) {
-        Fail(context, services, error);
-    } catch (const automation::Error& error) {
-        const bool overflow = error.Number() == automation::error_number::kOverflow;
-        const bool zero = error.Number() == automation::error_number::kDivisionByZero;
-        Fail(context, services,
-             zero       ? MakeError(8134, {})
-             : overflow ? MakeError(8115, {}, {"expression", "numeric"})
-                        : MakeError(8624, {}, {error.Text()}));
-    } catch (const std::bad_alloc&) {
+        try {
+            body();
+        } catch (const SqlError& error) {
+            Fail(context, services, error);
+        } catch (const automation::Error& error) {
+            const bool overflow = error.Number() == automation::error_number::kOverflow;
+            const bool zero = error.Number() == automation::error_number::kDivisionByZero;
+            Fail(context, services,
+                 zero       ? MakeError(8134, {})
+                 : overflow ? MakeError(8115, {}, {"expression", "numeric"})
+                            : MakeError(8624, {}, {error.Text()}));
+        }
+    } catch (...) {
+        // No memory, not even to tell an error.
         sqlite3_result_error_nomem(context);
     }
 }

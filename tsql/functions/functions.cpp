@@ -10,12 +10,19 @@ namespace vicenter::tsql::engine {
 namespace {
 
 int CompareTextValues(void* services, int sizeA, const void* a, int sizeB, const void* b) {
-    const TextCollation& collation = *static_cast<FunctionServices*>(services)->collation;
-    return CompareTexts(collation, {static_cast<const char*>(a), static_cast<std::size_t>(sizeA)},
-                        {static_cast<const char*>(b), static_cast<std::size_t>(sizeB)});
+    auto& shared = *static_cast<FunctionServices*>(services);
+    const std::string_view left(static_cast<const char*>(a), static_cast<std::size_t>(sizeA));
+    const std::string_view right(static_cast<const char*>(b), static_cast<std::size_t>(sizeB));
+    try {
+        return CompareTexts(*shared.collation, left, right);
+    } catch (...) {
+        // SQLite takes no failure from a comparison: what was ordered by this answer is given up.
+        shared.failedComparison = true;
+        return left.compare(right);
+    }
 }
 
-int CompareNumberValues(void*, int sizeA, const void* a, int sizeB, const void* b) {
+int CompareNumberValues(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
     const std::string_view left(static_cast<const char*>(a), static_cast<std::size_t>(sizeA));
     const std::string_view right(static_cast<const char*>(b), static_cast<std::size_t>(sizeB));
     if (left == right) return 0;

@@ -29,6 +29,8 @@ struct FunctionServices {
     std::function<std::int64_t()> nextIdentity;
 
     std::optional<SqlError> pending;
+    // A comparison could not be made, for lack of memory; the order that it gave must not be kept.
+    bool failedComparison = false;
     // The last value on its way into each column of a unique key, for the message of a duplicate.
     struct KeyValue {
         std::string column;

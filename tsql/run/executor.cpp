@@ -1,6 +1,8 @@
 #include "tsql/run/executor.h"
 
 #include <charconv>
+#include <new>
+#include <utility>
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
@@ -51,26 +53,29 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     report_ = &report;
     tryDepth_ = 0;
     caught_.clear();
-    bool failed = false;
+    bool failed = true;
+    bool outOfMemory = false;
     try {
-        database_.CheckFile();
-        catalog_.RefreshAndHold();
-        RunBatch(batch);
-    } catch (const Abort& abort) {
-        Report(abort.error.Details());
-        failed = true;
-    } catch (const SqlError& error) {
-        Report(Completed(error, error.Details().line).Details());
-        failed = true;
-    } catch (const automation::Error& error) {
-        Report(MakeError(8624, {}, {error.Text()}).Details());
-        failed = true;
+        failed = !RunReporting(batch);
+        EndStopping(report, failed);
+    } catch (const std::bad_alloc&) {
+        failed = outOfMemory = true;
     }
+    database_.Stopping().End();
     catalog_.EndSnapshot();
+    if (std::exchange(services_.failedComparison, false)) failed = outOfMemory = true;
     try {
         transactions_.EndBatch(failed);
     } catch (const SqlError& error) {
+        toUndo_ = true;
         Report(error.Details());
+    } catch (const std::bad_alloc&) {
+        toUndo_ = true;
+        outOfMemory = true;
+    }
+    if (outOfMemory) {
+        report.errors.clear();
+        Report(MakeError(kInsufficientMemory, {}).Details());
     }
     if (failed) {
         report.rowsAffected = -1;
@@ -85,6 +90,40 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
 void Executor::Report(const Diagnostic& error) {
     report_->errors.push_back(error);
     sink_->Failed(error);
+}
+
+// False when the batch failed; the error is then in the report.
+bool Executor::RunReporting(std::string_view batch) {
+    try {
+        if (toUndo_) transactions_.Reset();
+        toUndo_ = false;
+        database_.CheckFile();
+        catalog_.RefreshAndHold();
+        RunBatch(batch);
+        return true;
+    } catch (const Abort& abort) {
+        Report(abort.error.Details());
+    } catch (const SqlError& error) {
+        Report(Completed(error, error.Details().line).Details());
+    } catch (const automation::Error& error) {
+        Report(MakeError(8624, {}, {error.Text()}).Details());
+    }
+    return false;
+}
+
+// A batch that was stopped failed by that and by nothing else, whatever its statements made of it.
+void Executor::EndStopping(ExecutionReport& report, bool& failed) {
+    Interruption& stopping = database_.Stopping();
+    stopping.End();
+    if (stopping.Reason() == StopReason::kNone) return;
+    report.stopped = stopping.Reason();
+    Diagnostic stopped = MakeError(kCancelledBatch, {}).Details();
+    if (!report.errors.empty()) {
+        stopped.line = report.errors.back().line;
+        stopped.procedure = report.errors.back().procedure;
+    }
+    report.errors = {stopped};
+    failed = true;
 }
 
 void Executor::Reset() {
@@ -126,6 +165,7 @@ void Executor::RunBatch(std::string_view batch) {
 void Executor::RunRepeated(const ProgramItem& item) {
     const auto& insert = As<InsertStatement>(*item.statement);
     try {
+        database_.Stopping().Check();
         const TableInfo* table = FindTable(insert.table.Object());
         bool fits = false;
         transactions_.Change(table != nullptr && table->temporary, [&] {
@@ -168,6 +208,7 @@ Flow Executor::RunList(const std::vector<StatementPtr>& statements) {
 Flow Executor::RunStatement(const Statement& statement) {
     const auto line = static_cast<std::int32_t>(statement.position.line);
     try {
+        database_.Stopping().Check();
         return Dispatch(statement);
     } catch (const SqlError& error) {
         HandleError(error, line);

@@ -26,6 +26,10 @@
 
 namespace vicenter::tsql::engine {
 
+// The error that ends a batch which is stopped from outside.
+inline constexpr std::int32_t kCancelledBatch = 3617;
+inline constexpr std::int32_t kInsufficientMemory = 701;
+
 // What follows a statement.
 enum class Flow { kNext, kBreak, kContinue, kReturn };
 
@@ -43,6 +47,8 @@ class Executor {
     // executor.cpp: batches, statement lists, errors
     // One INSERT of many.
     void RunRepeated(const ProgramItem& item);
+    bool RunReporting(std::string_view batch);
+    void EndStopping(ExecutionReport& report, bool& failed);
     void RunBatch(std::string_view batch);
     Flow RunList(const std::vector<StatementPtr>& statements);
     Flow RunStatement(const Statement& statement);
@@ -170,6 +176,7 @@ class Executor {
     ProgramStore programs_;
     std::map<std::string, std::shared_ptr<Cursor>> globalCursors_;
     Transactions transactions_;
+    bool toUndo_ = false;    // a failed batch is still to be undone: there was no memory for it
     SetOptions setOptions_;  // between batches; while one runs, its frame's count
     int tryDepth_ = 0;
     std::int64_t rowCount_ = 0;

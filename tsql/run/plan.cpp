@@ -1,6 +1,8 @@
 // Plans: translated statements, their parameters and their rows.
 
 #include <charconv>
+#include <new>
+#include <utility>
 
 #include "automation/object.h"
 #include "tsql/run/constraint_error.h"
@@ -122,6 +124,7 @@ void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
 bool Executor::StepPlan(Plan& plan) {
     const StepResult result = plan.statement.Step();
     catalog_.EndSnapshot();
+    if (std::exchange(services_.failedComparison, false)) throw std::bad_alloc();
     if (result == StepResult::kFailed) FailStep(plan);
     return result == StepResult::kRow;
 }

@@ -23,7 +23,20 @@ class Session::Impl {
         catalog_.Refresh();
     }
 
-    ExecutionReport Execute(std::string_view batch, ResultSink& sink) { return executor_.Run(batch, sink); }
+    ExecutionReport Execute(std::string_view batch, ResultSink& sink, const ExecutionLimits& limits) {
+        struct Stoppable {
+            Interruption& stopping;
+            Stoppable(Interruption& given, const ExecutionLimits& limitsOf) : stopping(given) {
+                stopping.Begin(limitsOf);
+            }
+            Stoppable(const Stoppable&) = delete;
+            Stoppable& operator=(const Stoppable&) = delete;
+            ~Stoppable() { stopping.End(); }
+        };
+        const Stoppable stoppable(database_.Stopping(), limits);
+        return executor_.Run(batch, sink);
+    }
+    Interruption& Stopping() { return database_.Stopping(); }
     void Reset() { executor_.Reset(); }
     bool IsStale() const { return database_.IsLost(); }
     bool BringHome() { return !database_.InTransaction() && database_.BringHome(); }
@@ -50,8 +63,16 @@ Session::Session(SessionOptions options) : impl_(std::make_unique<Impl>(std::mov
 
 Session::~Session() = default;
 
-ExecutionReport Session::Execute(std::string_view batch, ResultSink& sink) {
-    return impl_->Execute(batch, sink);
+ExecutionReport Session::Execute(std::string_view batch, ResultSink& sink, const ExecutionLimits& limits) {
+    return impl_->Execute(batch, sink, limits);
+}
+
+bool Session::IsRunning() const {
+    return impl_->Stopping().IsRunning();
+}
+
+void Session::Cancel() noexcept {
+    impl_->Stopping().Cancel();
 }
 
 void Session::Reset() {

@@ -14,6 +14,7 @@
 
 #include "automation/date_time.h"
 #include "tsql/base/diagnostic.h"
+#include "tsql/base/interruption.h"
 #include "tsql/sqlite/database.h"
 #include "tsql/types/collation.h"
 #include "tsql/types/result_column.h"
@@ -64,6 +65,8 @@ class ResultSink {
 struct ExecutionReport {
     std::vector<Diagnostic> errors;  // in the order in which they came up
     std::int64_t rowsAffected = -1;  // -1 when no statement changes rows
+    // Why the batch was ended from outside; its error is then 3617 alone.
+    StopReason stopped = StopReason::kNone;
 };
 
 class Session {
@@ -74,7 +77,11 @@ class Session {
     Session& operator=(const Session&) = delete;
     ~Session();
 
-    ExecutionReport Execute(std::string_view batch, ResultSink& sink);
+    ExecutionReport Execute(std::string_view batch, ResultSink& sink, const ExecutionLimits& limits = {});
+    // A batch is running: whoever watches it must not start another one.
+    bool IsRunning() const;
+    // Any thread, and handlers of signals: ends the batch that runs.
+    void Cancel() noexcept;
     // Back to the state of a new session: open transactions are undone, temporary tables, cursors and
     // settings go.
     void Reset();

@@ -59,7 +59,7 @@ void Transactions::EndBatch(bool failed) {
     if (count_ > 0 || !open_) return;
     try {
         Commit();
-    } catch (const SqlError&) {
+    } catch (...) {
         Rollback();
         throw;
     }

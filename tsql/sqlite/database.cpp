@@ -1,5 +1,10 @@
 #include "tsql/sqlite/database.h"
 
+#include <algorithm>
+#include <chrono>
+#include <thread>
+#include <utility>
+
 #include <sqlite3.h>
 
 #include "tsql/base/error_table.h"
@@ -72,6 +77,9 @@ namespace {
 // filter's in SQLite's own list of what can be switched off.
 constexpr int kBloomFilter = 0x00080000;
 
+// Steps of a query between two questions whether it is to stop: some tens of microseconds.
+constexpr int kStepsPerQuestion = 1000;
+
 // SQLite takes some names for something else than a path.
 std::string PlainPath(const std::string& path) {
     const bool special = path.rfind("file:", 0) == 0 || path.rfind(':', 0) == 0;
@@ -122,13 +130,30 @@ void Database::Open(const std::string& path, bool create, int lockTimeoutMillise
     }
     sqlite3_extended_result_codes(handle_, 1);
     sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, handle_, kBloomFilter);
+    sqlite3_progress_handler(
+        handle_, kStepsPerQuestion,
+        [](void* stopping) { return static_cast<Interruption*>(stopping)->Stops() ? 1 : 0; }, &stopping_);
+    sqlite3_busy_handler(handle_, &Database::Wait, this);
     SetLockTimeout(lockTimeoutMilliseconds);
 }
 
 void Database::SetLockTimeout(int milliseconds) {
     // A negative time waits for ever on the server; a day comes near enough.
     lockTimeout_ = milliseconds < 0 ? kLongestLockTimeout : milliseconds;
-    sqlite3_busy_timeout(handle_, lockTimeout_);
+}
+
+// Asked by SQLite whether to go on waiting for a lock: 0 for no longer.
+int Database::Wait(void* database, int times) {
+    auto& self = *static_cast<Database*>(database);
+    const auto now = std::chrono::steady_clock::now();
+    if (times == 0) self.waitingSince_ = now;
+    const std::chrono::nanoseconds left =
+        std::chrono::milliseconds(self.lockTimeout_) - (now - self.waitingSince_);
+    if (left <= left.zero() || self.stopping_.Stops(true)) return 0;
+    // Others hold the lock for a moment only, as a rule.
+    const std::chrono::nanoseconds pause = std::chrono::milliseconds(std::min(1 + 2 * times, 25));
+    std::this_thread::sleep_for(std::min(pause, left));
+    return 1;
 }
 
 int Database::State() const {
@@ -147,11 +172,11 @@ void Database::CheckFile() const {
 }
 
 bool Database::BringHome() {
-    sqlite3_busy_timeout(handle_, 0);
+    const int patience = std::exchange(lockTimeout_, 0);
     int frames = 0;
     int home = 0;
     const int code = sqlite3_wal_checkpoint_v2(handle_, "main", SQLITE_CHECKPOINT_TRUNCATE, &frames, &home);
-    sqlite3_busy_timeout(handle_, lockTimeout_);
+    lockTimeout_ = patience;
     return code == SQLITE_OK && frames == home;
 }
 

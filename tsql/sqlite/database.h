@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "tsql/base/diagnostic.h"
+#include "tsql/base/interruption.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -86,7 +87,10 @@ class Database {
               const char* fileSystem = nullptr);
     sqlite3* Handle() const { return handle_; }
     const std::string& Path() const { return path_; }
+    // How long to wait for another process; below 0 without end. A batch that is stopped waits no longer.
     void SetLockTimeout(int milliseconds);
+    // What stops the statements of the batch that runs.
+    Interruption& Stopping() { return stopping_; }
 
     PreparedStatement Prepare(std::string_view sql);
     // One or several statements without results.
@@ -116,10 +120,13 @@ class Database {
     SqlError Failure(int code) const;
     int State() const;
     void Close();
+    static int Wait(void* database, int times);
 
     sqlite3* handle_ = nullptr;
     std::string path_;
     int lockTimeout_ = 0;
+    Interruption stopping_;
+    std::chrono::steady_clock::time_point waitingSince_;
 };
 
 // "name" with its quotes doubled.

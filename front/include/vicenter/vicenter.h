@@ -6,7 +6,8 @@
  *
  * Threads: the first call binds the interface to its thread, the host's user-interface thread, until
  * vic_shutdown(). A call from any other thread does nothing but fail with VIC_ERROR_WRONG_THREAD. The
- * functions that tell about an error and the versions may be called from every thread.
+ * functions that tell about an error and the versions may be called from every thread, and so may
+ * vic_cancel().
  *
  * Results: every function of type vic_status answers 0, or the number of a run-time error whose particulars
  * vic_error_...() then tell.
@@ -60,7 +61,7 @@ typedef vic_int32 vic_status;
 #endif
 
 /* Counts up with every change of this interface; what was there before stays as it is. */
-#define VIC_ABI_VERSION 1
+#define VIC_ABI_VERSION 2
 
 /* Run-time errors of the interface itself, beside the usual ones (13 type mismatch, 429, 438, ...). */
 #define VIC_ERROR_INVALID_ARGUMENT 5
@@ -69,6 +70,8 @@ typedef vic_int32 vic_status;
 #define VIC_ERROR_INTERNAL 51
 #define VIC_ERROR_NO_WINDOWS 429
 #define VIC_ERROR_WRONG_THREAD (-2147417842) /* 0x8001010E */
+#define VIC_ERROR_TIMEOUT (-2147217871)      /* 0x80040E31: a statement took longer than it may */
+#define VIC_ERROR_CANCELLED (-2147217842)    /* 0x80040E4E: a statement was cancelled */
 #define VIC_ERROR_RELEASED (-2147417848)     /* 0x80010108: the object's handle has been given back */
 
 typedef enum vic_type VIC_INT_ENUM {
@@ -130,7 +133,13 @@ VIC_API vic_int32 vic_abi_version(void);
  * done, while a call is under way or when a window stays open. Handles still held must not be used. */
 VIC_API vic_status vic_shutdown(void);
 
-/* ---- the last error of the calling thread; the texts stay until its next failing call */
+/* Ends the statements that run, as if they had failed: the call that waits for them answers
+ * VIC_ERROR_CANCELLED, or does what its member does after a failure. May be called from every thread; does
+ * nothing when none runs. */
+VIC_API void vic_cancel(void);
+
+/* ---- the last error of the calling thread; the texts stay until its next failing call. Members that answer
+ * no object or false where something failed leave its error here too, though their call answers 0. */
 
 VIC_API vic_int32 vic_error_number(void);
 VIC_API const char* vic_error_description(void);

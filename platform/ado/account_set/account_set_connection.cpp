@@ -1,9 +1,12 @@
 #include "platform/ado/account_set/account_set_connection.h"
 
 #include <charconv>
+#include <chrono>
+#include <new>
 
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/account_set/session_pool.h"
+#include "platform/ado/running_batch.h"
 #include "platform/system/collation.h"
 #include "platform/system/surroundings.h"
 #include "text/hex.h"
@@ -17,7 +20,29 @@ namespace {
 
 constexpr const char* kProviderName = "VelaAccountSet";
 constexpr const char* kClosedText = "Operation is not allowed when the object is closed.";
+constexpr const char* kTimeoutText = "Query timeout expired";
 constexpr std::int32_t kFirstErrorSeverity = 11;
+constexpr std::int32_t kInsufficientMemory = 701;  // the server's number
+
+// The batch that runs, as the surroundings see it.
+class WatchedWork {
+  public:
+    WatchedWork() : work_(system::Surroundings::Current().longWork) {}
+    WatchedWork(const WatchedWork&) = delete;
+    WatchedWork& operator=(const WatchedWork&) = delete;
+    ~WatchedWork() {
+        if (asked_) work_->Done();
+    }
+    explicit operator bool() const { return work_ != nullptr; }
+    bool GoOn(std::chrono::milliseconds taken) {
+        asked_ = true;
+        return work_->GoOn(taken);
+    }
+
+  private:
+    std::shared_ptr<system::LongWork> work_;
+    bool asked_ = false;
+};
 
 class ChineseCollation final : public engine::TextCollation {
   public:
@@ -177,6 +202,8 @@ const char* SqlStateOf(std::int32_t number) {
             return "22012";
         case 1222:
             return "HYT00";
+        case 3617:
+            return "HY008";
         default:
             return "42000";
     }
@@ -205,6 +232,15 @@ bool IsNo(const std::string& word) {
                 kProviderName);
 }
 
+// Leaves the number as it is when the connect string has none.
+void ReadNumber(const ConnectString& settings, const char* attribute, std::int32_t& number) {
+    const std::string text = settings.Value(attribute);
+    if (text.empty()) return;
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    if (result.ec != std::errc() || result.ptr != end) RefuseValue(attribute);
+}
+
 bool IsYes(const std::string& word) {
     return automation::SameName(word, "yes") || automation::SameName(word, "true") || word == "1";
 }
@@ -229,11 +265,11 @@ void AccountSetConnection::Open(const std::string& connectString) {
     options.collation = &Collation();
     options.now = [] { return system::Surroundings::Current().clock->Now(); };
     if (settings.Has("User ID")) options.user = settings.Value("User ID");
-    if (const std::string text = settings.Value("Lock Timeout"); !text.empty()) {
-        const char* end = text.data() + text.size();
-        const auto result = std::from_chars(text.data(), end, options.lockTimeoutMilliseconds);
-        if (result.ec != std::errc() || result.ptr != end) RefuseValue("Lock Timeout");
-    }
+    ReadNumber(settings, "Lock Timeout", options.lockTimeoutMilliseconds);
+    std::int32_t commandTimeout = CommandTimeout();
+    ReadNumber(settings, "Command Timeout", commandTimeout);
+    if (commandTimeout < 0) RefuseValue("Command Timeout");
+    SetCommandTimeout(commandTimeout);
     const bool pooled = !IsNo(settings.Value("Pooling"));
     if (SessionPool* pool = pooled ? SessionPool::Process() : nullptr) session_ = pool->Take(connectString);
     try {
@@ -245,12 +281,28 @@ void AccountSetConnection::Open(const std::string& connectString) {
     poolKey_ = pooled ? connectString : std::string();
 }
 
-RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t* recordsAffected) {
+RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t* recordsAffected) try {
     if (!session_) throw Error(error_number::kObjectClosed, kClosedText, kProviderName);
     errors_.clear();
     despiteFailure_.reset();
+    if (session_->IsRunning()) {
+        throw Error(error_number::kStillExecuting,
+                    "Operation cannot be performed while executing asynchronously.", kProviderName);
+    }
     RecordsetSink sink;
-    const engine::ExecutionReport report = session_->Execute(batch, sink);
+    engine::ExecutionLimits limits;
+    limits.timeout = std::chrono::seconds(CommandTimeout());
+    WatchedWork watched;
+    if (watched) limits.watch = [&](std::chrono::milliseconds taken) { return watched.GoOn(taken); };
+    const engine::ExecutionReport report = [&] {
+        const RunningBatch running(*this);
+        return session_->Execute(batch, sink, limits);
+    }();
+    if (report.stopped == engine::StopReason::kTimeout) {
+        errors_.push_back({0, kFirstErrorSeverity, 0, report.errors.front().line, {}, "HYT00", kTimeoutText});
+        despiteFailure_ = sink.First();
+        throw Error(error_number::kTimeoutExpired, kTimeoutText, kProviderName);
+    }
     for (const tsql::Diagnostic& diagnostic : report.errors)
         errors_.push_back(RecordOf(diagnostic));
     for (const tsql::Diagnostic& message : sink.Messages())
@@ -258,10 +310,20 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
     if (!report.errors.empty()) {
         despiteFailure_ = sink.First();
         if (session_->IsStale()) LeaveLostFile();
-        throw Error(error_number::kProviderError, report.errors.front().text, kProviderName);
+        const tsql::Diagnostic& first = report.errors.front();
+        throw Error(first.number == kInsufficientMemory           ? automation::error_number::kOutOfMemory
+                    : report.stopped != engine::StopReason::kNone ? error_number::kOperationCancelled
+                                                                  : error_number::kProviderError,
+                    first.text, kProviderName);
     }
     if (recordsAffected != nullptr) *recordsAffected = report.rowsAffected;
     return sink.First() ? sink.First() : std::make_shared<Recordset>();
+} catch (const std::bad_alloc&) {
+    throw Error(automation::error_number::kOutOfMemory, {}, kProviderName);
+}
+
+void AccountSetConnection::Cancel() noexcept {
+    if (session_) session_->Cancel();
 }
 
 // The file is told to be lost once; whoever opens the account set again gets what is there now.

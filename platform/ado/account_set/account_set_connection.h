@@ -20,6 +20,7 @@ class AccountSetConnection final : public Connection {
     bool IsOpen() const override { return session_ != nullptr; }
     RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected) override;
     void Close() override;
+    void Cancel() noexcept override;
     std::optional<std::uint32_t> DataVersion() override;
     const std::vector<DriverError>& Errors() const override { return errors_; }
     RecordsetRef ResultsDespiteFailure() const override { return despiteFailure_; }

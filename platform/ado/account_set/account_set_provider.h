@@ -6,6 +6,7 @@
 //   Create=yes            makes the file when it does not exist; without it a missing file is an error
 //   Transactions=batch    a batch is one unit (default); none: each statement stands alone
 //   Lock Timeout=<ms>     how long to wait for another process (default 5000)
+//   Command Timeout=<s>   after how many seconds a batch is ended (default 30; 0: never)
 //   User ID=<name>        what USER_NAME() answers
 //   Pooling=no            opens the file anew each time; otherwise sessions are kept and used again
 // Process-wide, user-interface thread.

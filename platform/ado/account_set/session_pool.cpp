@@ -1,6 +1,6 @@
 #include "platform/ado/account_set/session_pool.h"
 
-#include "automation/error.h"
+#include <exception>
 
 namespace vicenter::ado {
 
@@ -32,16 +32,15 @@ std::unique_ptr<tsql::engine::Session> SessionPool::Take(const std::string& key)
     return nullptr;
 }
 
-void SessionPool::Keep(const std::string& key, std::unique_ptr<tsql::engine::Session> session) {
-    if (session->IsStale()) return;
+void SessionPool::Keep(const std::string& key, std::unique_ptr<tsql::engine::Session> session) noexcept {
     try {
+        if (session->IsStale()) return;
         session->Reset();
-    } catch (const automation::Error&) {
-        // What cannot be put back is closed.
-        return;
+        if (idle_.size() >= kKeptSessions) idle_.erase(idle_.begin());
+        idle_.push_back({key, std::move(session)});
+    } catch (const std::exception&) {
+        // What cannot be put back, for whatever reason, is closed.
     }
-    if (idle_.size() >= kKeptSessions) idle_.erase(idle_.begin());
-    idle_.push_back({key, std::move(session)});
 }
 
 void SessionPool::Forget(const std::string& key) {

@@ -25,7 +25,7 @@ class SessionPool {
     // A kept session, or none. Its file may have been replaced or deleted since: whoever uses it is told.
     std::unique_ptr<tsql::engine::Session> Take(const std::string& key);
     // Puts a session back to its beginning and keeps it; the oldest one makes room.
-    void Keep(const std::string& key, std::unique_ptr<tsql::engine::Session> session);
+    void Keep(const std::string& key, std::unique_ptr<tsql::engine::Session> session) noexcept;
     void Forget(const std::string& key);
     // Brings what the kept sessions have written into their sets' own files.
     void BringHome();

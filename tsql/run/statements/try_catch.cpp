@@ -14,8 +14,8 @@ Flow Executor::TryCatch(const TryCatchStatement& statement) {
         --tryDepth_;
         frame_ = frame;
         sink_ = sink;
-        // A lost connection to the disk is nothing that code could go on after.
-        if (abort.error.Details().severity >= 20) throw;
+        // A lost connection to the disk is nothing that code could go on after, nor is a cancel.
+        if (abort.error.Details().severity >= 20 || abort.error.Number() == kCancelledBatch) throw;
         caught_.push_back(abort.error.Details());
     } catch (...) {
         --tryDepth_;
