@@ -271,6 +271,7 @@ SqlError Database::Failure(int code) const {
         case SQLITE_CORRUPT:
             return MakeError(824, {}, {path_, text});
         case SQLITE_IOERR:
+            if (code == SQLITE_IOERR_NOMEM) return MakeError(701, {});
             return MakeError(823, {}, {path_, sqlite3_errstr(code)});
         case SQLITE_NOMEM:
             return MakeError(701, {});
