@@ -17,14 +17,19 @@ namespace vicenter::front {
 template <class Work>
 vic_status Caught(const Work& work) noexcept {
     try {
-        work();
-        return 0;
-    } catch (const automation::Error& error) {
-        return SetLastError(error);
+        try {
+            work();
+            return 0;
+        } catch (const automation::Error& error) {
+            return SetLastError(error);
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (const std::exception& error) {
+            return SetLastError(automation::Error(VIC_ERROR_INTERNAL, error.what(), "VelaVICenter"));
+        }
     } catch (const std::bad_alloc&) {
+        // Short enough to need no memory.
         return SetLastError(automation::Error(VIC_ERROR_OUT_OF_MEMORY, "Out of memory", "VelaVICenter"));
-    } catch (const std::exception& error) {
-        return SetLastError(automation::Error(VIC_ERROR_INTERNAL, error.what(), "VelaVICenter"));
     } catch (...) {
         return SetLastError(automation::Error(VIC_ERROR_INTERNAL, "Internal error", "VelaVICenter"));
     }

@@ -13,10 +13,15 @@ std::optional<automation::Error>& LastError() {
 
 }  // namespace
 
-vic_status SetLastError(const automation::Error& error) {
-    LastError() = error;
-    // An error numbered 0 must not pass for success.
-    if (error.Number() == 0) LastError().emplace(VIC_ERROR_INTERNAL, error.Text(), error.Source());
+vic_status SetLastError(const automation::Error& error) noexcept {
+    try {
+        LastError() = error;
+        // An error numbered 0 must not pass for success.
+        if (error.Number() == 0) LastError().emplace(VIC_ERROR_INTERNAL, error.Text(), error.Source());
+    } catch (...) {
+        // Short enough to need no memory.
+        LastError().emplace(VIC_ERROR_OUT_OF_MEMORY, "Out of memory", "VelaVICenter");
+    }
     return LastError()->Number();
 }
 

@@ -8,7 +8,8 @@
 namespace vicenter::front {
 
 // Keeps the error and answers its number.
-vic_status SetLastError(const automation::Error& error);
+// When there is no memory for it, error 7 takes its place.
+vic_status SetLastError(const automation::Error& error) noexcept;
 void ForgetLastError();
 vic_int32 LastErrorNumber();
 const char* LastErrorDescription();
