@@ -51,9 +51,11 @@ void LongWorkBox::Poll() {
     qApp->removeEventFilter(this);
 }
 
-// A timer whose event is taken away runs out once more: it waits. Those of the box itself move its bar.
+// A timer whose event is taken away runs out once more: it waits. Those of windows paint them, those of the
+// box itself move its bar.
 bool LongWorkBox::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::Timer) return QDialog::eventFilter(watched, event);
+    if (event->type() != QEvent::Timer || watched->isWindowType())
+        return QDialog::eventFilter(watched, event);
     for (const QObject* owner = watched; owner != nullptr; owner = owner->parent()) {
         if (owner == this) return false;
     }

@@ -87,7 +87,10 @@ TEST_F(LongWorkTest, EscapeCancelsToo) {
 
 TEST_F(LongWorkTest, WindowsArePaintedWhileTheirTimersWait) {
     int fired = 0;
-    QTimer::singleShot(0, &window_, [&] { ++fired; });
+    QTimer once;
+    once.setSingleShot(true);
+    QObject::connect(&once, &QTimer::timeout, &window_, [&] { ++fired; });
+    once.start(0);
     QTimer repeated;
     repeated.setInterval(0);
     QObject::connect(&repeated, &QTimer::timeout, &window_, [&] { ++fired; });
