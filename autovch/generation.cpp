@@ -9,6 +9,7 @@
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/command_unit.h"
 #include "store/statements.h"
 #include "store/template_guard.h"
 
@@ -25,13 +26,18 @@ MessageResult ShowMessage(const std::string& text, MessageButtons buttons = Mess
                                                               entry::kMessageTitle);
 }
 
+// The items of a voucher line could not be read; they must not pass for none.
+struct Unreadable {};
+
 // Asks for each distinct detail id once within one generation.
 class ItemsTexts {
   public:
     const std::string& Of(const std::string& detailId) {
         const auto [found, isNew] = texts_.try_emplace(detailId);
         if (isNew && !detailId.empty() && detailId != "0") {
-            found->second = store::clsVIData().MergeItemsInfo(detailId);
+            const auto text = store::clsVIData().ItemsInfo(detailId);
+            if (!text) throw Unreadable();
+            found->second = *text;
         }
         return found->second;
     }
@@ -96,20 +102,32 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
         return {};
     }
     ItemsTexts items;
-    const std::string batch = GenerationBatch(
-        target, request.columns, *vouchers, [&](const std::string& detailId) { return items.Of(detailId); },
-        progress);
+    std::string batch;
+    try {
+        batch = GenerationBatch(
+            target, request.columns, *vouchers,
+            [&](const std::string& detailId) { return items.Of(detailId); }, progress);
+    } catch (const Unreadable&) {
+        ShowMessage("凭证的核算项目无法读取，凭证模板生成失败！");
+        return {};
+    }
     if (batch.empty()) return {};
     if (target.overwriteId < 0) store::ClearWayForNewTemplate();
+    // With the lines come the flags of the numbers that can be used, or nothing does.
+    store::CommandUnit unit;
     if (!store::RunSql(batch)) return {};
 
     GenerationResult result;
     result.templateId = store::clsVIData().FindVchTemplate(name, userId);
     if (result.templateId < 0) return {};
-    result.generated = true;
-    result.message = "凭证生成凭证模板 " + name + " 成功！";
     const std::string templateId = std::to_string(result.templateId);
     store::RunSql("exec pro_VchTpCanUsed " + templateId);
+    if (!unit.Commit()) {
+        ShowMessage("凭证模板生成失败！");
+        return {};
+    }
+    result.generated = true;
+    result.message = "凭证生成凭证模板 " + name + " 成功！";
     if (const std::string note = UnusableNote(templateId); !note.empty()) {
         result.message.append(kCrLf).append(kCrLf).append(note);
     }

@@ -19,6 +19,7 @@
 #include "platform/system/unfinished_file.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/command_unit.h"
 #include "store/template_guard.h"
 
 namespace vicenter::exchange {
@@ -252,11 +253,14 @@ bool ImportTemplateWorkbook(TemplateWindow& window, const std::string& fileName,
     try {
         const std::string batch = BuildBatch(window, fileName, existingId, name);
         if (existingId == kNewTemplate) store::ClearWayForNewTemplate();
+        // With the lines come the flags of the numbers that can be used, or nothing does.
+        store::CommandUnit unit;
         store::clsVIData data;
         if (!data.IsExecuteSql(batch)) throw Error(automation::error_number::kInvalidProcedureCall);
         window.SetProgressLabel("引入完毕...");
         const std::string id = ReadTemplateId(name);
         store::clsVIData().IsExecuteSql("exec pro_VchTpCanUsed " + id);
+        if (!unit.Commit()) throw Error(automation::error_number::kInvalidProcedureCall);
         const std::string note = UnusableNote(id);
         window.RebuildTreeAndSelect(Variant(id).ToInt32());
         std::string text = "引入模板 " + name + " 成功！";

@@ -10,6 +10,12 @@ namespace vicenter::store {
 
 using automation::Error;
 
+namespace {
+
+std::string lastFailure;
+
+}  // namespace
+
 clsVIData::clsVIData() {
     try {
         broker_ = ado::HostFramework::Process().GiveBroker();
@@ -38,8 +44,21 @@ RecordsetRef clsVIData::Query(const std::string& sql) {
 }
 
 RecordsetRef clsVIData::QueryAgain(const std::string& sql) {
-    broker_->Settle();
-    return broker_->GiveConnection()->Execute(sql);
+    try {
+        broker_->Settle();
+        return broker_->GiveConnection()->Execute(sql);
+    } catch (const Error& error) {
+        lastFailure = error.Text();
+        throw;
+    }
+}
+
+const std::string& clsVIData::LastFailure() {
+    return lastFailure;
+}
+
+void clsVIData::ForgetFailure() {
+    lastFailure.clear();
 }
 
 bool clsVIData::IsExecuteSql(const std::string& strsql) {

@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -86,6 +87,8 @@ class clsVIData : public automation::TableObject<clsVIData> {
     RecordsetRef GetItemInfoByNumber(std::int32_t iType, const Variant& strValue);
     // The item numbers of a combination, one piece per item class in ascending class id, joined by ",".
     std::string MergeItemsInfo(const std::string& lDetailID);
+    // The same; nothing when they cannot be read, for callers that must not take that for "no items".
+    std::optional<std::string> ItemsInfo(const std::string& lDetailID);
     // (FDetailID, FDetailCount) of a detail account that carries items; empty for any other.
     RecordsetRef GetItems(const Variant& accountNumber);
     // (FItemClassID, FName) of a combination's item classes.
@@ -93,6 +96,13 @@ class clsVIData : public automation::TableObject<clsVIData> {
     // True when the cell is valid; an error inside the check counts as invalid.
     bool CheckErrorCell(std::int32_t iType, const Variant& strAcctNumber, const Variant& strSettleName,
                         const Variant& strCyName, const Variant& strUnitName, const Variant& strItems);
+
+    // --- what was answered silently
+
+    // The error text of the last statement that failed in this process, for callers that have nothing else to
+    // tell; empty when none has since it was forgotten.
+    static const std::string& LastFailure();
+    static void ForgetFailure();
 
   private:
     // Binds a new broker to the host property string and keeps its auxiliary object.

@@ -60,12 +60,16 @@ RecordsetRef clsVIData::GetItemInfoByNumber(std::int32_t iType, const Variant& s
 }
 
 std::string clsVIData::MergeItemsInfo(const std::string& lDetailID) {
+    return ItemsInfo(lDetailID).value_or(std::string());
+}
+
+std::optional<std::string> clsVIData::ItemsInfo(const std::string& lDetailID) {
     try {
         const RecordsetRef classes = Query(
             std::string(" select a.FItemClassID,b.FSQLTableName from t_ItemDetailV a ") + kCrLf +
             " inner join t_ItemClass b on a.FItemClassID = b.FItemClassID " + kCrLf +
             " where a.FDetailID = " + lDetailID + kCrLf + " and b.FItemClassID>0 order by a.FItemClassID ");
-        if (classes->RecordCount() <= 0) return {};
+        if (classes->RecordCount() <= 0) return std::string();
         std::string selectList;
         std::string joinList;
         for (; !classes->AtEnd(); classes->MoveNext()) {
@@ -80,7 +84,7 @@ std::string clsVIData::MergeItemsInfo(const std::string& lDetailID) {
                        " Where FDetailID = " + lDetailID);
         return merged->RecordCount() > 0 ? merged->Value("FItemsInfo").ToTextOrEmpty() : std::string();
     } catch (const Error&) {
-        return {};
+        return std::nullopt;
     }
 }
 

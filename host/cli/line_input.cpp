@@ -149,7 +149,13 @@ class IdResolver {
         if (!isNew) return place->second;
         const ado::RecordsetRef rows =
             store::clsVIData().GetItemInfoByNumber(gridColumn, std::string(trimmed));
-        if (rows == nullptr || rows->RecordCount() < 1) return place->second;
+        // What cannot be read is not taken for a code that nobody knows: the line would be saved without it.
+        if (rows == nullptr) {
+            throw Error(
+                automation::error_number::kElementNotFound,
+                "基础资料无法读取：" + std::string(trimmed) + "（" + store::clsVIData::LastFailure() + "）");
+        }
+        if (rows->RecordCount() < 1) return place->second;
         place->second = {true, rows->Value(idField).ToTextOrEmpty(), rows->Value("FName").ToTextOrEmpty()};
         return place->second;
     }

@@ -72,6 +72,11 @@ class Connection {
     // Another number whenever anything in the account set may have changed since, by whomever; compares with
     // earlier numbers of the same open connection only. Nothing when the back end cannot tell.
     virtual std::optional<std::uint32_t> DataVersion() { return std::nullopt; }
+    // From here on the batches are one unit, kept by CommitUnit and undone by the first that fails, by Close
+    // or by a killed process. False when the back end has no such thing; each batch then stands for itself.
+    virtual bool BeginUnit() { return false; }
+    // False when the unit has been undone.
+    virtual bool CommitUnit() { return false; }
     // The records of the last Execute or Open.
     virtual const std::vector<DriverError>& Errors() const = 0;
 

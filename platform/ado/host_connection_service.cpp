@@ -3,10 +3,45 @@
 #include <utility>
 
 #include "automation/class_registry.h"
+#include "automation/error.h"
 
 namespace vicenter::ado {
 
 namespace {
+
+// One connection, open for as long as the unit lives; the brokers of its account set hand it out.
+class PlainUnit : public UnitOfWork {
+  public:
+    explicit PlainUnit(std::string connectString)
+        : connectString_(std::move(connectString)), connection_(OpenConnection(connectString_)) {
+        begun_ = current == nullptr && connection_->BeginUnit();
+        if (begun_) current = this;
+    }
+    ~PlainUnit() override {
+        if (begun_) current = nullptr;
+        connection_->Close();
+    }
+    bool Commit() override { return connection_->CommitUnit(); }
+
+    bool Begun() const { return begun_; }
+    static ConnectionRef ConnectionFor(const std::string& connectString) {
+        if (current == nullptr || current->connectString_ != connectString) return nullptr;
+        return current->connection_;
+    }
+
+  private:
+    static PlainUnit* current;
+
+    std::string connectString_;
+    ConnectionRef connection_;
+    bool begun_ = false;
+};
+
+PlainUnit* PlainUnit::current = nullptr;
+
+std::string ConnectStringOf(const std::string& propsString) {
+    return ConnectString(propsString).Value("ConnectString");
+}
 
 // A plain connection from the property string's ConnectString stands behind the default broker. Connections
 // are cheap to open again (the back ends pool their sessions), so that each statement gets its own.
@@ -16,7 +51,9 @@ class PlainBroker : public Broker {
     automation::ObjectRef Auxiliary() override { return nullptr; }
     void Settle() override {}
     ConnectionRef GiveConnection() override {
-        return OpenConnection(ConnectString(propsString_).Value("ConnectString"));
+        const std::string connectString = ConnectStringOf(propsString_);
+        ConnectionRef shared = PlainUnit::ConnectionFor(connectString);
+        return shared ? shared : OpenConnection(connectString);
     }
 
   private:
@@ -28,6 +65,15 @@ class PlainFramework : public HostFramework {
     std::shared_ptr<Broker> GiveBroker() override { return std::make_shared<PlainBroker>(); }
     automation::ObjectRef CreateObject(const std::string& progId) override {
         return automation::CreateObject(progId);
+    }
+    std::unique_ptr<UnitOfWork> BeginUnit(const std::string& propsString) override {
+        try {
+            auto unit = std::make_unique<PlainUnit>(ConnectStringOf(propsString));
+            return unit->Begun() ? std::move(unit) : nullptr;
+        } catch (const automation::Error&) {
+            // The first statement meets it again and tells it in its own way.
+            return nullptr;
+        }
     }
 };
 

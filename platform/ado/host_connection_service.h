@@ -31,6 +31,19 @@ class Broker {
     virtual ConnectionRef GiveConnection() = 0;
 };
 
+// Statements of one command that are kept or undone together, through whichever brokers they go. Whoever
+// destroys it before it is committed undoes them.
+class UnitOfWork {
+  public:
+    UnitOfWork() = default;
+    UnitOfWork(const UnitOfWork&) = delete;
+    UnitOfWork& operator=(const UnitOfWork&) = delete;
+    virtual ~UnitOfWork() = default;
+
+    // False when they have been undone instead.
+    virtual bool Commit() = 0;
+};
+
 class HostFramework {
   public:
     HostFramework() = default;
@@ -41,6 +54,10 @@ class HostFramework {
     virtual std::shared_ptr<Broker> GiveBroker() = 0;
     // The host's object factory; the default asks the process's class registry.
     virtual automation::ObjectRef CreateObject(const std::string& progId) = 0;
+
+    // None when the host's service keeps each statement by itself. One at a time; the caller ends it before
+    // it waits for a user.
+    virtual std::unique_ptr<UnitOfWork> BeginUnit(const std::string&) { return nullptr; }
 
     // The process-wide framework object.
     static HostFramework& Process();

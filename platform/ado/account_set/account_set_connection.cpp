@@ -339,6 +339,21 @@ void AccountSetConnection::Close() {
     session_.reset();
 }
 
+bool AccountSetConnection::BeginUnit() {
+    AccountSetConnection::Execute("begin transaction", nullptr);
+    return true;
+}
+
+bool AccountSetConnection::CommitUnit() {
+    try {
+        // There is nothing to commit when a batch has failed since, which has undone everything.
+        AccountSetConnection::Execute("commit transaction", nullptr);
+        return true;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
 std::optional<std::uint32_t> AccountSetConnection::DataVersion() {
     if (!session_) return std::nullopt;
     try {

@@ -22,6 +22,8 @@ class AccountSetConnection final : public Connection {
     void Close() override;
     void Cancel() noexcept override;
     std::optional<std::uint32_t> DataVersion() override;
+    bool BeginUnit() override;
+    bool CommitUnit() override;
     const std::vector<DriverError>& Errors() const override { return errors_; }
     RecordsetRef ResultsDespiteFailure() const override { return despiteFailure_; }
 

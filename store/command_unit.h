@@ -1,0 +1,25 @@
+#pragma once
+
+// The statements of one command as one whole, where the host's service can do that: after a failure or a
+// killed process either all of them have happened or none. Nothing is shown to the user while one is open, or
+// others would wait for the user's answer. User-interface thread.
+
+#include <memory>
+
+#include "platform/ado/host_connection_service.h"
+
+namespace vicenter::store {
+
+class CommandUnit {
+  public:
+    // Nothing is written yet. Undone at the end of the scope unless committed.
+    CommandUnit();
+
+    // False: what was written has been undone. True as well where each statement stands for itself.
+    bool Commit();
+
+  private:
+    std::unique_ptr<ado::UnitOfWork> unit_;
+};
+
+}  // namespace vicenter::store
