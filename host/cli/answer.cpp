@@ -1,6 +1,7 @@
 #include <ostream>
 
 #include "host/cli/context.h"
+#include "store/cls_vi_data.h"
 
 namespace vicenter::host {
 
@@ -9,6 +10,10 @@ void PrintJson(const CliContext& context, const Variant& document) {
 }
 
 int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text) {
+    if (!ok && context.messages.Shown().empty() && !store::clsVIData::LastFailure().empty()) {
+        // The window leaves it at that; a terminal has to be told.
+        Fail(context, "命令未能完成：" + store::clsVIData::LastFailure());
+    }
     if (context.options.json) {
         VariantArray messages;
         for (const ShownMessage& message : context.messages.Shown())

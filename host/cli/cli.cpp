@@ -17,6 +17,7 @@
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/unfinished_file.h"
+#include "store/cls_vi_data.h"
 #include "store/component_classes.h"
 
 namespace vicenter::host {
@@ -259,6 +260,7 @@ bool Speaks(CliCommand command) {
 }
 
 int FailWithDocument(const CliContext& context, const std::string& text) {
+    store::clsVIData::ForgetFailure();  // the text has it
     if (Speaks(context.options.command)) FinishSpeaking(context, false, Variant::Null());
     return Fail(context, text);
 }
@@ -292,6 +294,7 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
     const system::SurroundingsScope scope(surroundings);
 
     CliContext context{options, streams, hooks, *messages, nullptr};
+    store::clsVIData::ForgetFailure();
     try {
         RemoveLeftBehind(options);
         RegisterProviders();
