@@ -35,6 +35,8 @@ void Translator::Begin(const TableInfo& table, const char* operation) {
     translation_.table = table.name;
     translation_.operation = operation;
     translation_.changesTemporary = table.temporary;
+    // A later table of the same name is another one.
+    if (table.temporary) translation_.temporaries.emplace_back(table.name, table.id);
 }
 
 const TableInfo& Translator::TargetTable(const ObjectName& name) {
