@@ -73,6 +73,9 @@ void CreateAccountSetFile(const std::string& file, const AccountSetOptions& opti
         if (options.demo) PrepareDemo(*connection, DemoOptions{options.vouchers});
         connection->Close();
     }
+    // What could not be brought home would stay behind in the log, and the set without it is damaged.
+    if (fs::exists(system::PathFromUtf8(whole.Path() + "-wal"), ignored))
+        throw Error(automation::error_number::kPermissionDenied, "账套未能写完：" + file);
     // Of two processes that make the same account set at once the first has it.
     whole.PutInPlaceAsNew();
 }

@@ -274,9 +274,10 @@ void RemoveLeftBehind(const CliOptions& options) {
         // Whoever needs a temporary folder will hear that there is none.
     }
     system::RemoveLeftBehind(folders.UserData());
-    if (!options.accountSet.empty()) {
+    const bool isNew = options.command == CliCommand::AccountSetNew;
+    if (const std::string& set = isNew ? options.file : options.accountSet; !set.empty()) {
         std::error_code failed;
-        const fs::path file = fs::absolute(system::PathFromUtf8(options.accountSet), failed);
+        const fs::path file = fs::absolute(system::PathFromUtf8(set), failed);
         if (!failed) system::RemoveLeftBehind(system::PathToUtf8(file.parent_path()));
     }
 }
