@@ -150,7 +150,8 @@ Outcome Workshop::Run(const Call& call, const Fault& fault) const {
 pid_t Workshop::Start(const Call& call, const std::string& outputFile) const {
     std::vector<std::string> environment = Surroundings(work_);
     environment.insert(environment.end(), call.environment.begin(), call.environment.end());
-    return Spawn(call, std::move(environment), outputFile, "/dev/null");
+    return Spawn(call, std::move(environment), outputFile,
+                 outputFile == "/dev/null" ? outputFile : outputFile + ".errors");
 }
 
 End WaitFor(pid_t child, std::chrono::milliseconds limit) {

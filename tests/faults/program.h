@@ -64,7 +64,7 @@ class Workshop {
 
     Outcome Run(const Call& call, const Fault& fault) const;
     Outcome Run(const Call& call) const { return Run(call, Fault{}); }
-    // Without the shim and without being waited for; what it says goes nowhere.
+    // Without the shim and without being waited for; its errors go to a second file, `.errors`.
     pid_t Start(const Call& call, const std::string& outputFile = "/dev/null") const;
 
   private:
