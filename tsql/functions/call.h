@@ -4,6 +4,7 @@
 // out of SQLite. Internal to the engine.
 
 #include <cstdint>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -39,7 +40,10 @@ class FunctionCall {
     double Real(int i) const { return sqlite3_value_double(arguments_[i]); }
     std::string_view Text(int i) const {
         const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(arguments_[i]));
-        if (text == nullptr) return {};
+        if (text == nullptr) {
+            if (!IsNull(i)) throw std::bad_alloc();
+            return {};
+        }
         return {text, static_cast<std::size_t>(sqlite3_value_bytes(arguments_[i]))};
     }
     SqlType Type(int i) const { return TypeFromCode(Int(i)); }

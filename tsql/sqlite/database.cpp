@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -9,6 +10,7 @@
 
 #include "tsql/base/error_table.h"
 #include "tsql/sqlite/file_system.h"
+#include "tsql/sqlite/stored_value.h"
 
 namespace vicenter::tsql::engine {
 
@@ -45,11 +47,12 @@ void PreparedStatement::Bind(int parameter, std::int64_t value) {
 }
 
 void PreparedStatement::Bind(int parameter, std::string_view value) {
-    sqlite3_bind_text64(handle_, parameter, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    CheckBound(
+        sqlite3_bind_text64(handle_, parameter, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
 }
 
 void PreparedStatement::BindInPlace(int parameter, std::string_view text) {
-    sqlite3_bind_text64(handle_, parameter, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+    CheckBound(sqlite3_bind_text64(handle_, parameter, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8));
 }
 
 void PreparedStatement::BindNull(int parameter) {
@@ -62,7 +65,10 @@ std::int64_t PreparedStatement::Int(int column) const {
 
 std::string PreparedStatement::Text(int column) const {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
-    if (text == nullptr) return {};
+    if (text == nullptr) {
+        if (!IsNull(column)) throw std::bad_alloc();
+        return {};
+    }
     return std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(handle_, column)));
 }
 

@@ -1,14 +1,21 @@
 #include "tsql/sqlite/stored_value.h"
 
+#include <new>
+
 #include <sqlite3.h>
 
 namespace vicenter::tsql::engine {
+
+void CheckBound(int code) {
+    if (code == SQLITE_NOMEM) throw std::bad_alloc();
+}
 
 Value ReadArgument(sqlite3_value* value, const SqlType& type) {
     const int held = sqlite3_value_type(value);
     if (held == SQLITE_NULL) return {};
     const auto text = [value] {
         const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        if (bytes == nullptr) throw std::bad_alloc();  // the value is not NULL
         return std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
     };
     switch (type.Storage()) {
@@ -25,6 +32,7 @@ Value ReadArgument(sqlite3_value* value, const SqlType& type) {
         case StorageClass::kBinary: {
             const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
             const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+            if (bytes == nullptr && size > 0) throw std::bad_alloc();
             return Value(Bytes{bytes == nullptr ? std::string() : std::string(bytes, size)});
         }
     }
@@ -37,7 +45,8 @@ Value ReadColumn(sqlite3_stmt* statement, int column, const SqlType& type) {
 
 void BindValue(sqlite3_stmt* statement, int parameter, const Value& value, const SqlType& type) {
     const auto bindText = [&](std::string_view text) {
-        sqlite3_bind_text64(statement, parameter, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+        CheckBound(sqlite3_bind_text64(statement, parameter, text.data(), text.size(), SQLITE_TRANSIENT,
+                                       SQLITE_UTF8));
     };
     switch (value.Raw().index()) {
         case 0:
@@ -59,8 +68,8 @@ void BindValue(sqlite3_stmt* statement, int parameter, const Value& value, const
             bindText(value.Text());
             break;
         default:
-            sqlite3_bind_blob64(statement, parameter, value.Blob().data(), value.Blob().size(),
-                                SQLITE_TRANSIENT);
+            CheckBound(sqlite3_bind_blob64(statement, parameter, value.Blob().data(), value.Blob().size(),
+                                           SQLITE_TRANSIENT));
             break;
     }
 }
