@@ -95,7 +95,7 @@ TEST_F(GenerateTest, TheLineEndOfACopiedNameIsNoPartOfItAndOthersAreRefused) {
     EXPECT_FALSE(Generate(request_).generated);
     EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"凭证模板名称不能包含制表符、换行等控制字符！"});
     EXPECT_TRUE(set_.Statements().empty());
-    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{7}}));
+    Exists(set_, 7, 16394);
     surroundings_.messageBoxes->shown.clear();
     surroundings_.messageBoxes->answers = {MessageResult::No};
     request_.templateName = "三月\r\n";
