@@ -186,7 +186,7 @@ void Executor::RunRepeated(const ProgramItem& item) {
         HandleError(error, static_cast<std::int32_t>(item.line));
         return;
     }
-    // Its literals have decided too much: this one is read by itself.
+    // Its literals have decided too much: this one is read by itself. Its lines count from its own beginning.
     const auto single = ParseProgram(frame_->text.substr(item.begin, item.end - item.begin), false);
     const std::shared_ptr<Program> outer = frame_->program;
     frame_->program = single;
@@ -218,6 +218,7 @@ Flow Executor::RunStatement(const Statement& statement) {
     return Flow::kNext;
 }
 
+// An error gets its line where it is caught for the first time, which is the innermost statement.
 SqlError Executor::Completed(const SqlError& error, std::int32_t line) const {
     Diagnostic details = error.Details();
     // An error without a place of its own carries the first place of all, which then is its statement's.

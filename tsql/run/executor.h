@@ -120,6 +120,13 @@ class Executor {
     void Truncate(const TruncateStatement& statement);
     void CreateTable(const CreateTableStatement& statement);
     void AlterTable(const AlterTableStatement& statement);
+    void AddColumnTo(const AlterTableStatement& statement, const ColumnDefinition& definition);
+    void AddConstraintTo(const AlterTableStatement& statement, const Constraint& constraint);
+    void AlterColumn(const AlterTableStatement& statement);
+    void DropColumnOf(const AlterTableStatement& statement, const Name& name);
+    void DropConstraintOf(const AlterTableStatement& statement, const Name& name);
+    // A translation that is no statement's own plan.
+    void RunOnce(Translation translation);
     void CreateIndex(const CreateIndexStatement& statement);
     void CreateView(const CreateViewStatement& statement);
     void CreateProcedure(const CreateProcedureStatement& statement);

@@ -43,6 +43,7 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
         nextIdentity_ = catalog_.LastIdentity(*table);
         identityStep_ = table->IdentityColumn()->increment;
     }
+    // Where a failure ends the batch and undoes all of it, no statement needs undoing by itself.
     const bool survivable = tryDepth_ > 0 || !options_.batchTransactions;
     StatementGuard guard(database_, !translation.oneRow && survivable && database_.InTransaction());
     std::int64_t changed = 0;
@@ -173,6 +174,8 @@ void Executor::Modify(const void* key, bool temporary, const Make& make, const O
         sink_->AddRow(row);
 }
 
+// The rows are here already, so that what gave them may have read the table. Each takes its identity value by
+// itself: the counter is kept in the account set, not by the statement.
 void Executor::InsertRows(const void* key, const ObjectName& name, const std::vector<Name>& columns,
                           const std::vector<SqlType>& types, std::vector<std::vector<Value>>& rows) {
     const TableInfo* table = FindTable(name.Object());

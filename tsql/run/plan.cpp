@@ -24,6 +24,8 @@ bool Plan::IsCurrent(const Catalog& catalog, const SetOptions& options) const {
     return true;
 }
 
+// The key is the address of the part of the tree that is translated: a tree lives as long as its program, and
+// the program holds the plans, so an address stands for one text only.
 Plan& Executor::PlanFor(const void* key, const Make& make) {
     std::unique_ptr<Plan>& slot = frame_->program->plans[key];
     if (slot && slot->IsCurrent(catalog_, frame_->options)) return *slot;
@@ -129,6 +131,7 @@ bool Executor::StepPlan(Plan& plan) {
     return result == StepResult::kRow;
 }
 
+// What a function of ours has thrown comes first: SQLite knows of it no more than its text.
 void Executor::FailStep(const Plan& plan) {
     if (services_.pending) {
         const SqlError error = *services_.pending;

@@ -28,7 +28,8 @@ bool IsWordByte(char c) {
            (static_cast<unsigned char>(c) & 0x80U) != 0;
 }
 
-// A literal next to such a byte might read as one token with it.
+// A literal next to such a byte might read as one token with it: 1a, 'x''y', N'x'. Cutting there would let a
+// template match what the lexer takes for something else.
 bool Clings(char c) {
     return IsWordByte(c) || c == '.' || c == '\'' || c == '"' || c == '[' || c == ']';
 }
@@ -89,7 +90,10 @@ bool IsTypeWithLength(const Token& token) {
                        [&](std::string_view t) { return IsWord(word, t); });
 }
 
-// Walks the tokens of a statement and tells which of them are literals that may vary.
+// Walks the tokens of a statement and tells which of them are literals that may vary. It knows no grammar,
+// only what stands before a token: what is not surely a value counts as part of the text, at the price of one
+// more plan. A literal that is taken for a value though it decides a type is no fault either, since the
+// translator pins it.
 class LiteralFinder {
   public:
     enum class Answer { kFixed, kLiteral, kValue };
@@ -262,7 +266,8 @@ LiteralValue ToValue(const Token& token) {
     return value;
 }
 
-// Reads one literal as the lexer would. Gives the offset behind it, or `at` when there is none.
+// Reads one literal as the lexer would, byte by byte: this loop is most of the time that a long batch of
+// INSERTs takes, and a token each would double it. Gives the offset behind it, or `at` when there is none.
 std::size_t ScanLiteral(std::string_view text, std::size_t at, bool value, LiteralValue* literal) {
     const std::size_t start = at;
     if (at >= text.size()) return start;
@@ -459,7 +464,7 @@ std::optional<LiteralTemplate> LiteralTemplate::Make(std::string_view statement)
     } catch (const SqlError&) {
         return std::nullopt;
     }
-    // A comment at the end would swallow what follows.
+    // A comment at the end would swallow what follows: the text behind it is another one in each run.
     if (result.after_.find("--") != std::string::npos) return std::nullopt;
     return result;
 }

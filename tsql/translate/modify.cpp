@@ -266,7 +266,9 @@ const Source& Translator::ChangedSource(const ObjectName& name, Position where, 
     return *target;
 }
 
-// What an UPDATE says, translated: both its forms below are made of it.
+// What an UPDATE says, translated: both its forms below are made of it. SQLite checks unique keys row by row,
+// the server when all rows are changed, so an UPDATE that fails on a key is tried once more as reading the
+// rows to be, deleting the old ones and inserting these.
 struct Translator::UpdateParts {
     Scope scope;
     std::string from;

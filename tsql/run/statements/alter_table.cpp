@@ -34,155 +34,163 @@ void Executor::DropConstraint(TableInfo& table, const Name& name, bool& found) {
     }
 }
 
+void Executor::RunOnce(Translation translation) {
+    Plan plan;
+    plan.statement = database_.Prepare(translation.sql);
+    plan.translation = std::move(translation);
+    const ResetAtEnd reset(plan.statement);
+    Bind(plan);
+    while (StepPlan(plan)) {
+    }
+}
+
+void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDefinition& definition) {
+    TableInfo changed = DefinedTable(statement.table, 4902);
+    TableInfo probe = changed;
+    AddColumn(probe, definition);
+    const ColumnInfo column = *probe.FindColumn(definition.name.text);
+    const bool needsValue = !column.nullable && column.computedText.empty();
+    if (needsValue && column.defaultText.empty() && !column.identity && !IsEmpty(database_, changed)) {
+        throw MakeError(4901, definition.name.position, {column.name, changed.name});
+    }
+    catalog_.AddColumn(changed, column);
+    if (!column.defaultText.empty() && !column.nullable) {
+        const ExprPtr value = ParseExpression(column.defaultText);
+        const TableInfo& now = DefinedTable(statement.table, 4902);
+        RunOnce(Translated([&](Translator& translator) {
+            return translator.FillColumn(now, *now.FindColumn(column.name), *value);
+        }));
+    }
+    // Keys and checks that came with the column.
+    TableInfo now = DefinedTable(statement.table, 4902);
+    for (std::size_t i = changed.keys.size(); i < probe.keys.size(); ++i) {
+        MakeKey(now, probe.keys[i], statement.position);
+        now = DefinedTable(statement.table, 4902);
+    }
+    if (probe.checks.size() > changed.checks.size() ||
+        probe.foreignKeys.size() > changed.foreignKeys.size()) {
+        now.checks = probe.checks;
+        now.foreignKeys = probe.foreignKeys;
+        catalog_.ChangeTable(now, true);
+    }
+}
+
+void Executor::AddConstraintTo(const AlterTableStatement& statement, const Constraint& constraint) {
+    const TableInfo current = DefinedTable(statement.table, 4902);
+    TableInfo changed = current;
+    AddConstraint(changed, constraint);
+    if (changed.keys.size() > current.keys.size()) {
+        MakeKey(current, changed.keys.back(), statement.position);
+    } else {
+        const bool rewrite = changed.checks.size() > current.checks.size() ||
+                             changed.foreignKeys.size() > current.foreignKeys.size();
+        if (changed.checks.size() > current.checks.size() && statement.withCheck.value_or(true)) {
+            const CheckInfo& check = changed.checks.back();
+            PreparedStatement broken = database_.Prepare("SELECT 1 FROM " + current.Sql() + " WHERE NOT (" +
+                                                         check.sqlText + ") LIMIT 1");
+            if (database_.Step(broken)) {
+                throw MakeError(
+                    547, statement.position,
+                    {"ALTER TABLE", "CHECK", check.name, "accountset", current.FullName(), "", "", ""});
+            }
+        }
+        catalog_.ChangeTable(changed, rewrite);
+    }
+}
+
+void Executor::AlterColumn(const AlterTableStatement& statement) {
+    const TableInfo before = DefinedTable(statement.table, 4902);
+    const ColumnDefinition& definition = statement.definition.columns.front();
+    const ColumnInfo* column = before.FindColumn(definition.name.text);
+    if (column == nullptr) {
+        throw MakeError(4924, statement.position,
+                        {"ALTER TABLE ALTER COLUMN", definition.name.text, before.name});
+    }
+    if (before.IsRowNumber(column->name) && !Translator::ResolveType(definition.type).IsInteger()) {
+        throw MakeError(5074, statement.position,
+                        {"object", before.PrimaryKey()->name, "column", column->name});
+    }
+    const SqlType from = column->type;
+    TableInfo changed = before;
+    for (ColumnInfo& entry : changed.columns) {
+        if (!SameName(entry.name, definition.name.text)) continue;
+        entry.type = Translator::ResolveType(definition.type);
+        entry.nullable = definition.nullable.value_or(true);
+    }
+    catalog_.ChangeTable(changed, true);
+    const TableInfo& now = DefinedTable(statement.table, 4902);
+    RunOnce(Translated([&](Translator& translator) {
+        return translator.RewriteColumn(now, *now.FindColumn(definition.name.text), from);
+    }));
+    catalog_.RemakeNullIndexes(now);
+}
+
+void Executor::DropColumnOf(const AlterTableStatement& statement, const Name& name) {
+    const TableInfo now = DefinedTable(statement.table, 4902);
+    const ColumnInfo* column = now.FindColumn(name.text);
+    if (column == nullptr) {
+        if (statement.ifExists) return;
+        throw MakeError(4924, name.position, {"ALTER TABLE DROP COLUMN", name.text, now.name});
+    }
+    if (!column->defaultText.empty()) {
+        throw MakeError(5074, name.position, {"object", column->defaultName, "column", column->name});
+    }
+    for (const KeyInfo& key : now.keys) {
+        for (const std::string& part : key.columns) {
+            if (SameName(part, name.text)) {
+                throw MakeError(5074, name.position,
+                                {key.IsConstraint() ? "object" : "index", key.name, "column", column->name});
+            }
+        }
+    }
+    catalog_.DropColumn(now, column->name);
+}
+
+void Executor::DropConstraintOf(const AlterTableStatement& statement, const Name& name) {
+    const TableInfo now = DefinedTable(statement.table, 4902);
+    TableInfo changed = now;
+    bool found = false;
+    DropConstraint(changed, name, found);
+    if (!found) {
+        if (statement.ifExists) return;
+        throw MakeError(3728, name.position, {name.text});
+    }
+    for (const KeyInfo& key : now.keys) {
+        if (SameName(key.name, name.text) && now.IsRowNumber(key.columns.front()) &&
+            key.kind == KeyKind::kPrimary) {
+            throw MakeError(40510, name.position, {"ALTER TABLE DROP CONSTRAINT " + name.text});
+        }
+    }
+    if (changed.keys.size() < now.keys.size()) {
+        catalog_.DropIndex(now, name.text);
+    } else {
+        catalog_.ChangeTable(changed, changed.checks.size() < now.checks.size() ||
+                                          changed.foreignKeys.size() < now.foreignKeys.size());
+    }
+}
+
+// Part by part: each sees the table as the one before it has left it.
 void Executor::AlterTable(const AlterTableStatement& statement) {
     const bool temporary = statement.table.Object().front() == '#';
     transactions_.Change(temporary, [&] {
-        const TableInfo before = DefinedTable(statement.table, 4902);
-        const auto run = [&](Translation translation) {
-            Plan plan;
-            plan.statement = database_.Prepare(translation.sql);
-            plan.translation = std::move(translation);
-            const ResetAtEnd reset(plan.statement);
-            Bind(plan);
-            while (StepPlan(plan)) {
-            }
-        };
+        DefinedTable(statement.table, 4902);
         switch (statement.action) {
-            case AlterTableAction::kAdd: {
-                for (const ColumnDefinition& definition : statement.definition.columns) {
-                    TableInfo changed = DefinedTable(statement.table, 4902);
-                    TableInfo probe = changed;
-                    AddColumn(probe, definition);
-                    const ColumnInfo column = *probe.FindColumn(definition.name.text);
-                    const bool needsValue = !column.nullable && column.computedText.empty();
-                    if (needsValue && column.defaultText.empty() && !column.identity &&
-                        !IsEmpty(database_, changed)) {
-                        throw MakeError(4901, definition.name.position, {column.name, changed.name});
-                    }
-                    catalog_.AddColumn(changed, column);
-                    if (!column.defaultText.empty() && !column.nullable) {
-                        const ExprPtr value = ParseExpression(column.defaultText);
-                        const TableInfo& now = DefinedTable(statement.table, 4902);
-                        run(Translated([&](Translator& translator) {
-                            return translator.FillColumn(now, *now.FindColumn(column.name), *value);
-                        }));
-                    }
-                    // Keys and checks that came with the column.
-                    TableInfo now = DefinedTable(statement.table, 4902);
-                    for (std::size_t i = changed.keys.size(); i < probe.keys.size(); ++i) {
-                        MakeKey(now, probe.keys[i], statement.position);
-                        now = DefinedTable(statement.table, 4902);
-                    }
-                    if (probe.checks.size() > changed.checks.size() ||
-                        probe.foreignKeys.size() > changed.foreignKeys.size()) {
-                        now.checks = probe.checks;
-                        now.foreignKeys = probe.foreignKeys;
-                        catalog_.ChangeTable(now, true);
-                    }
-                }
-                for (const Constraint& constraint : statement.definition.constraints) {
-                    const TableInfo current = DefinedTable(statement.table, 4902);
-                    TableInfo changed = current;
-                    AddConstraint(changed, constraint);
-                    if (changed.keys.size() > current.keys.size()) {
-                        MakeKey(current, changed.keys.back(), statement.position);
-                    } else {
-                        const bool rewrite = changed.checks.size() > current.checks.size() ||
-                                             changed.foreignKeys.size() > current.foreignKeys.size();
-                        if (changed.checks.size() > current.checks.size() &&
-                            statement.withCheck.value_or(true)) {
-                            const CheckInfo& check = changed.checks.back();
-                            PreparedStatement broken =
-                                database_.Prepare("SELECT 1 FROM " + current.Sql() + " WHERE NOT (" +
-                                                  check.sqlText + ") LIMIT 1");
-                            if (database_.Step(broken)) {
-                                throw MakeError(547, statement.position,
-                                                {"ALTER TABLE", "CHECK", check.name, "accountset",
-                                                 current.FullName(), "", "", ""});
-                            }
-                        }
-                        catalog_.ChangeTable(changed, rewrite);
-                    }
-                }
+            case AlterTableAction::kAdd:
+                for (const ColumnDefinition& column : statement.definition.columns)
+                    AddColumnTo(statement, column);
+                for (const Constraint& constraint : statement.definition.constraints)
+                    AddConstraintTo(statement, constraint);
                 break;
-            }
-            case AlterTableAction::kAlterColumn: {
-                const ColumnDefinition& definition = statement.definition.columns.front();
-                const ColumnInfo* column = before.FindColumn(definition.name.text);
-                if (column == nullptr) {
-                    throw MakeError(4924, statement.position,
-                                    {"ALTER TABLE ALTER COLUMN", definition.name.text, before.name});
-                }
-                if (before.IsRowNumber(column->name) &&
-                    !Translator::ResolveType(definition.type).IsInteger()) {
-                    throw MakeError(5074, statement.position,
-                                    {"object", before.PrimaryKey()->name, "column", column->name});
-                }
-                const SqlType from = column->type;
-                TableInfo changed = before;
-                for (ColumnInfo& entry : changed.columns) {
-                    if (!SameName(entry.name, definition.name.text)) continue;
-                    entry.type = Translator::ResolveType(definition.type);
-                    entry.nullable = definition.nullable.value_or(true);
-                }
-                catalog_.ChangeTable(changed, true);
-                const TableInfo& now = DefinedTable(statement.table, 4902);
-                run(Translated([&](Translator& translator) {
-                    return translator.RewriteColumn(now, *now.FindColumn(definition.name.text), from);
-                }));
-                catalog_.RemakeNullIndexes(now);
+            case AlterTableAction::kAlterColumn:
+                AlterColumn(statement);
                 break;
-            }
             case AlterTableAction::kDropColumn:
-                for (const Name& name : statement.names) {
-                    const TableInfo now = DefinedTable(statement.table, 4902);
-                    const ColumnInfo* column = now.FindColumn(name.text);
-                    if (column == nullptr) {
-                        if (statement.ifExists) continue;
-                        throw MakeError(4924, name.position,
-                                        {"ALTER TABLE DROP COLUMN", name.text, now.name});
-                    }
-                    if (!column->defaultText.empty()) {
-                        throw MakeError(5074, name.position,
-                                        {"object", column->defaultName, "column", column->name});
-                    }
-                    for (const KeyInfo& key : now.keys) {
-                        for (const std::string& part : key.columns) {
-                            if (SameName(part, name.text)) {
-                                throw MakeError(5074, name.position,
-                                                {key.IsConstraint() ? "object" : "index", key.name, "column",
-                                                 column->name});
-                            }
-                        }
-                    }
-                    catalog_.DropColumn(now, column->name);
-                }
+                for (const Name& name : statement.names)
+                    DropColumnOf(statement, name);
                 break;
             case AlterTableAction::kDropConstraint:
-                for (const Name& name : statement.names) {
-                    const TableInfo now = DefinedTable(statement.table, 4902);
-                    TableInfo changed = now;
-                    bool found = false;
-                    DropConstraint(changed, name, found);
-                    if (!found) {
-                        if (statement.ifExists) continue;
-                        throw MakeError(3728, name.position, {name.text});
-                    }
-                    for (const KeyInfo& key : now.keys) {
-                        if (SameName(key.name, name.text) && now.IsRowNumber(key.columns.front()) &&
-                            key.kind == KeyKind::kPrimary) {
-                            throw MakeError(40510, name.position,
-                                            {"ALTER TABLE DROP CONSTRAINT " + name.text});
-                        }
-                    }
-                    if (changed.keys.size() < now.keys.size()) {
-                        catalog_.DropIndex(now, name.text);
-                    } else {
-                        catalog_.ChangeTable(changed,
-                                             changed.checks.size() < now.checks.size() ||
-                                                 changed.foreignKeys.size() < now.foreignKeys.size());
-                    }
-                }
+                for (const Name& name : statement.names)
+                    DropConstraintOf(statement, name);
                 break;
             case AlterTableAction::kCheckConstraint:
             case AlterTableAction::kNoCheckConstraint:

@@ -173,74 +173,6 @@ void Printer::Put(const Expr& expr, int lowest) {
             Put(*binary.right, own + 1);
             break;
         }
-        case ExprKind::kComparison: {
-            const auto& comparison = As<ComparisonExpr>(expr);
-            Put(*comparison.left, kAdd);
-            Text(ComparisonText(comparison.op));
-            Put(*comparison.right, kAdd);
-            break;
-        }
-        case ExprKind::kLogical: {
-            const auto& logical = As<LogicalExpr>(expr);
-            for (const ExprPtr& operand : logical.operands) {
-                if (&operand != &logical.operands.front()) Text(logical.isAnd ? " and " : " or ");
-                Put(*operand, (logical.isAnd ? kAnd : kOr) + 1);
-            }
-            break;
-        }
-        case ExprKind::kNot:
-            Text("not ");
-            Put(*As<NotExpr>(expr).operand, kNot);
-            break;
-        case ExprKind::kBetween: {
-            const auto& between = As<BetweenExpr>(expr);
-            Put(*between.operand, kAdd);
-            Text(between.negated ? " not between " : " between ");
-            Put(*between.low, kAdd);
-            Text(" and ");
-            Put(*between.high, kAdd);
-            break;
-        }
-        case ExprKind::kLike: {
-            const auto& like = As<LikeExpr>(expr);
-            Put(*like.operand, kAdd);
-            Text(like.negated ? " not like " : " like ");
-            Put(*like.pattern, kAdd);
-            if (!like.escape) break;
-            Text(" escape ");
-            Put(*like.escape, kAdd);
-            break;
-        }
-        case ExprKind::kIn: {
-            const auto& in = As<InExpr>(expr);
-            Put(*in.operand, kAdd);
-            Text(in.negated ? " not in (" : " in (");
-            if (in.query) {
-                Put(*in.query);
-            } else {
-                PutList(in.list);
-            }
-            Text(")");
-            break;
-        }
-        case ExprKind::kExists:
-            Text("exists (");
-            Put(*As<ExistsExpr>(expr).query);
-            Text(")");
-            break;
-        case ExprKind::kIsNull:
-            Put(*As<IsNullExpr>(expr).operand, kAdd);
-            Text(As<IsNullExpr>(expr).negated ? " is not null" : " is null");
-            break;
-        case ExprKind::kQuantified: {
-            const auto& quantified = As<QuantifiedExpr>(expr);
-            Put(*quantified.operand, kAdd);
-            Text(ComparisonText(quantified.op));
-            Text(quantified.all ? "all (" : "any (");
-            Put(*quantified.query);
-            Text(")");
-            break;
-        }
         case ExprKind::kCase: {
             const auto& choice = As<CaseExpr>(expr);
             Text("case");
@@ -309,6 +241,84 @@ void Printer::Put(const Expr& expr, int lowest) {
             Text("(");
             Put(*As<SubqueryExpr>(expr).query);
             Text(")");
+            break;
+        default:
+            PutCondition(expr);
+            break;
+    }
+}
+
+void Printer::PutCondition(const Expr& expr) {
+    switch (expr.kind) {
+        case ExprKind::kComparison: {
+            const auto& comparison = As<ComparisonExpr>(expr);
+            Put(*comparison.left, kAdd);
+            Text(ComparisonText(comparison.op));
+            Put(*comparison.right, kAdd);
+            break;
+        }
+        case ExprKind::kLogical: {
+            const auto& logical = As<LogicalExpr>(expr);
+            for (const ExprPtr& operand : logical.operands) {
+                if (&operand != &logical.operands.front()) Text(logical.isAnd ? " and " : " or ");
+                Put(*operand, (logical.isAnd ? kAnd : kOr) + 1);
+            }
+            break;
+        }
+        case ExprKind::kNot:
+            Text("not ");
+            Put(*As<NotExpr>(expr).operand, kNot);
+            break;
+        case ExprKind::kBetween: {
+            const auto& between = As<BetweenExpr>(expr);
+            Put(*between.operand, kAdd);
+            Text(between.negated ? " not between " : " between ");
+            Put(*between.low, kAdd);
+            Text(" and ");
+            Put(*between.high, kAdd);
+            break;
+        }
+        case ExprKind::kLike: {
+            const auto& like = As<LikeExpr>(expr);
+            Put(*like.operand, kAdd);
+            Text(like.negated ? " not like " : " like ");
+            Put(*like.pattern, kAdd);
+            if (!like.escape) break;
+            Text(" escape ");
+            Put(*like.escape, kAdd);
+            break;
+        }
+        case ExprKind::kIn: {
+            const auto& in = As<InExpr>(expr);
+            Put(*in.operand, kAdd);
+            Text(in.negated ? " not in (" : " in (");
+            if (in.query) {
+                Put(*in.query);
+            } else {
+                PutList(in.list);
+            }
+            Text(")");
+            break;
+        }
+        case ExprKind::kExists:
+            Text("exists (");
+            Put(*As<ExistsExpr>(expr).query);
+            Text(")");
+            break;
+        case ExprKind::kIsNull:
+            Put(*As<IsNullExpr>(expr).operand, kAdd);
+            Text(As<IsNullExpr>(expr).negated ? " is not null" : " is null");
+            break;
+        case ExprKind::kQuantified: {
+            const auto& quantified = As<QuantifiedExpr>(expr);
+            Put(*quantified.operand, kAdd);
+            Text(ComparisonText(quantified.op));
+            Text(quantified.all ? "all (" : "any (");
+            Put(*quantified.query);
+            Text(")");
+            break;
+        }
+        default:
             break;
     }
 }

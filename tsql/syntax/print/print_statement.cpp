@@ -18,7 +18,13 @@ void Printer::PutStatements(const std::vector<StatementPtr>& statements) {
     --indent_;
 }
 
+// Each prints the statements of its group, and says whether this is one of them.
 void Printer::Put(const Statement& statement) {
+    if (PutData(statement) || PutDefinition(statement) || PutVariable(statement)) return;
+    PutFlow(statement);
+}
+
+bool Printer::PutData(const Statement& statement) {
     switch (statement.kind) {
         case StatementKind::kSelect:
             Put(*As<SelectStatement>(statement).query);
@@ -36,6 +42,14 @@ void Printer::Put(const Statement& statement) {
             Text("truncate table ");
             Put(As<TruncateStatement>(statement).table);
             break;
+        default:
+            return false;
+    }
+    return true;
+}
+
+bool Printer::PutDefinition(const Statement& statement) {
+    switch (statement.kind) {
         case StatementKind::kCreateTable:
             Put(As<CreateTableStatement>(statement));
             break;
@@ -57,6 +71,14 @@ void Printer::Put(const Statement& statement) {
         case StatementKind::kNoOperation:
             Text(As<NoOperationStatement>(statement).text);
             break;
+        default:
+            return false;
+    }
+    return true;
+}
+
+bool Printer::PutVariable(const Statement& statement) {
+    switch (statement.kind) {
         case StatementKind::kDeclare:
             Put(As<DeclareStatement>(statement));
             break;
@@ -95,6 +117,14 @@ void Printer::Put(const Statement& statement) {
             Text("deallocate ");
             Put(As<DeallocateStatement>(statement).cursor);
             break;
+        default:
+            return false;
+    }
+    return true;
+}
+
+void Printer::PutFlow(const Statement& statement) {
+    switch (statement.kind) {
         case StatementKind::kBlock:
             Text("begin");
             PutStatements(As<BlockStatement>(statement).statements);
@@ -154,6 +184,8 @@ void Printer::Put(const Statement& statement) {
             break;
         case StatementKind::kTransaction:
             Put(As<TransactionStatement>(statement));
+            break;
+        default:
             break;
     }
 }

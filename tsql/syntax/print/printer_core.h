@@ -16,6 +16,7 @@ class Printer {
 
     // print_expression.cpp
     void Put(const Expr& expr, int lowest = 0);
+    void PutCondition(const Expr& expr);
     void Put(const Name& name);
     void Put(const ObjectName& name);
     void Put(const TypeName& type);
@@ -53,6 +54,10 @@ class Printer {
 
     // print_statement.cpp
     void Put(const Statement& statement);
+    bool PutData(const Statement& statement);
+    bool PutDefinition(const Statement& statement);
+    bool PutVariable(const Statement& statement);  // and cursors
+    void PutFlow(const Statement& statement);      // and calls
     void PutStatements(const std::vector<StatementPtr>& statements);
     void Put(const InsertStatement& insert);
     void Put(const UpdateStatement& update);
