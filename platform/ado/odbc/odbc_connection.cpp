@@ -7,6 +7,7 @@
 #include "platform/ado/odbc/national_marks.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/ado/odbc/odbc_result.h"
+#include "platform/ado/running_batch.h"
 
 namespace vicenter::ado {
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr const char* kSource = "ODBC";
 constexpr const char* kClosedText = "Operation is not allowed when the object is closed.";
+constexpr const char* kUnitLostText = "事务没有开始或已经撤消，整个操作没有保存。请重新操作。";
 constexpr std::int32_t kFirstErrorSeverity = 11;
 
 // Three trips for a unit, one for what only reads or changes once. A transaction that a driver keeps open all
@@ -53,6 +55,7 @@ void OdbcConnection::Open(const std::string& connectString) {
     Close();
     errors_.clear();
     settings_ = ReadOdbcSettings(connectString);
+    SetCommandTimeout(settings_.commandSeconds);
     connectString_ = connectString;
     Connect();
     open_ = true;
@@ -72,6 +75,11 @@ void OdbcConnection::Connect() {
 void OdbcConnection::Close() {
     open_ = false;
     if (!link_) return;
+    // What was not committed goes with the line.
+    if (inUnit_) link_.reset();
+    inUnit_ = false;
+    unitLost_ = false;
+    if (!link_) return;
     OdbcPool* pool = settings_.pooled ? OdbcPool::Process() : nullptr;
     if (pool != nullptr) pool->Keep(connectString_, std::move(link_));
     link_.reset();
@@ -82,11 +90,66 @@ void OdbcConnection::Sort(std::vector<DriverError> records, Outcome& outcome) {
     for (DriverError& record : records) {
         if (IsBrokenLine(record)) outcome.broken = true;
         if (record.sqlState == "HYT00" || record.sqlState == "HYT01") outcome.timedOut = true;
+        if (record.sqlState == "HY008") outcome.cancelled = true;
         const bool isError = record.severity >= kFirstErrorSeverity;
         // The driver's own remark that there was an error adds nothing.
         if (isError && record.native == 0 && !outcome.errors.empty() && !IsBrokenLine(record)) continue;
         (isError ? outcome.errors : outcome.messages).push_back(std::move(record));
     }
+}
+
+// A statement that another thread may take back, for as long as it runs.
+class OdbcConnection::Running {
+  public:
+    Running(OdbcConnection& connection, SQLHSTMT statement) : connection_(connection) { Set(statement); }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+    ~Running() { Set(SQL_NULL_HSTMT); }
+
+  private:
+    void Set(SQLHSTMT statement) {
+        const std::lock_guard guard(connection_.runningLock_);
+        connection_.running_ = statement;
+    }
+    OdbcConnection& connection_;
+};
+
+void OdbcConnection::Cancel() noexcept {
+    cancelled_ = true;
+    // Where the lock is held a statement is just beginning or ending.
+    const std::unique_lock lock(runningLock_, std::try_to_lock);
+    if (lock && running_ != SQL_NULL_HSTMT) SQLCancel(running_);
+}
+
+bool OdbcConnection::BeginUnit() {
+    if (!open_) throw Error(error_number::kObjectClosed, kClosedText, kSource);
+    inUnit_ = true;
+    // Where it cannot be begun its batches are refused, which must not run each for itself then. A kept line
+    // that is dead by now is no reason: nothing has run yet.
+    unitLost_ = true;
+    for (int attempt = 0; attempt < 2 && unitLost_; ++attempt) {
+        try {
+            if (!link_) Connect();
+            Outcome begun = Run(kBegin);
+            unitLost_ = !begun.errors.empty() || begun.broken;
+            if (begun.broken) link_.reset();
+        } catch (const Error&) {
+            // No server: the first batch tells it.
+        }
+    }
+    return true;
+}
+
+bool OdbcConnection::CommitUnit() {
+    const bool lost = unitLost_ || !inUnit_ || !link_;
+    inUnit_ = false;
+    unitLost_ = false;
+    if (lost) return false;
+    errors_.clear();
+    // There is nothing to commit where the server has undone it.
+    Outcome committed = Run("commit transaction");
+    if (committed.errors.empty() && !committed.broken) return true;
+    Fail(std::move(committed), true);
 }
 
 OdbcConnection::Outcome OdbcConnection::Run(std::string_view batch) {
@@ -97,11 +160,11 @@ OdbcConnection::Outcome OdbcConnection::Run(std::string_view batch) {
         outcome.broken = true;
         return outcome;
     }
-    if (settings_.commandSeconds > 0) {
+    if (CommandTimeout() > 0) {
         SQLSetStmtAttrW(statement.Get(), SQL_ATTR_QUERY_TIMEOUT,
-                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(settings_.commandSeconds)),
-                        0);
+                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(CommandTimeout())), 0);
     }
+    const Running running(*this, statement.Get());
     std::u16string text = OdbcWide(batch);
     SQLRETURN code = SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
                                     static_cast<SQLINTEGER>(text.size()));
@@ -115,8 +178,9 @@ OdbcConnection::Outcome OdbcConnection::Run(std::string_view batch) {
         // No rows changed, nothing created that counts: all the same a batch that ran.
         if (code == SQL_NO_DATA || code == SQL_INVALID_HANDLE) break;
         note(code);
-        if (outcome.broken || outcome.timedOut) break;
+        if (outcome.broken || outcome.timedOut || outcome.cancelled) break;
         if (code == SQL_ERROR) continue;
+        const bool hadFailed = !outcome.errors.empty();
         SQLSMALLINT columns = 0;
         SQLNumResultCols(statement.Get(), &columns);
         if (columns == 0) {
@@ -127,10 +191,13 @@ OdbcConnection::Outcome OdbcConnection::Run(std::string_view batch) {
         }
         OdbcRows read = ReadOdbcResult(statement.Get(), columns);
         note(read.end);
-        if (last) last->SetNext(read.recordset);
-        if (!outcome.first) outcome.first = read.recordset;
-        last = std::move(read.recordset);
-        if (outcome.broken || outcome.timedOut) break;
+        // The server goes on behind an error; what it gives from there on is undone with the rest.
+        if (!hadFailed || !settings_.batchTransactions) {
+            if (last) last->SetNext(read.recordset);
+            if (!outcome.first) outcome.first = read.recordset;
+            last = std::move(read.recordset);
+        }
+        if (outcome.broken || outcome.timedOut || outcome.cancelled) break;
     }
     // A line that was cut may come out as the mere end of the results.
     if (IsDead(link_->Line())) outcome.broken = true;
@@ -180,12 +247,23 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
     errors_.clear();
     despiteFailure_.reset();
     lostAtCommit_ = false;
+    // A batch of a unit that is gone must not be kept by itself.
+    if (inUnit_ && unitLost_) throw Error(error_number::kProviderError, kUnitLostText, kSource);
     if (!link_) Connect();
+    cancelled_ = false;
+    const RunningBatch running(*this);
     const BatchNature nature = NatureOf(batch);
     if (nature.leavesTraces) link_->hasTraces = true;
     const std::string text = WithMarks(batch);
     Outcome outcome = settings_.batchTransactions && nature.needsUnit ? RunAsUnit(text) : Run(text);
-    if (!outcome.errors.empty() || outcome.broken) Fail(std::move(outcome), lostAtCommit_);
+    if (!outcome.errors.empty() || outcome.broken) {
+        // As on the embedded account set a batch that fails undoes the transaction that it runs in.
+        if (!outcome.broken && settings_.batchTransactions && (inUnit_ || link_->hasTraces)) {
+            if (Run(kRollback).broken) outcome.broken = true;
+        }
+        unitLost_ = inUnit_;
+        Fail(std::move(outcome), lostAtCommit_);
+    }
     errors_ = std::move(outcome.messages);
     if (recordsAffected != nullptr) {
         *recordsAffected = -1;
@@ -200,6 +278,7 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
 }
 
 void OdbcConnection::Fail(Outcome outcome, bool atCommit) {
+    std::int32_t number = error_number::kProviderError;
     errors_ = std::move(outcome.errors);
     errors_.insert(errors_.end(), outcome.messages.begin(), outcome.messages.end());
     std::string text = errors_.empty() ? std::string() : errors_.front().text;
@@ -212,14 +291,19 @@ void OdbcConnection::Fail(Outcome outcome, bool atCommit) {
     } else if (outcome.timedOut) {
         // What the driver has made of the line after taking a batch back is not worth finding out.
         link_.reset();
+        number = error_number::kTimeoutExpired;
         text = "操作超时，已经取消。\n" + text;
+    } else if (outcome.cancelled || cancelled_) {
+        link_.reset();
+        number = error_number::kOperationCancelled;
+        text = "Operation canceled";
     } else {
         despiteFailure_ = std::move(outcome.first);
         if (const std::string advice = errors_.empty() ? std::string() : Advice(errors_.front());
             !advice.empty())
             text = advice + "\n" + text;
     }
-    throw Error(error_number::kProviderError, text, kSource);
+    throw Error(number, text, kSource);
 }
 
 void RegisterOdbcProviders() {

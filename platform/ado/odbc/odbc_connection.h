@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -22,10 +23,14 @@ class OdbcConnection final : public Connection {
     bool IsOpen() const override { return open_; }
     RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected) override;
     void Close() override;
+    void Cancel() noexcept override;
+    bool BeginUnit() override;
+    bool CommitUnit() override;
     RecordsetRef ResultsDespiteFailure() const override { return despiteFailure_; }
     const std::vector<DriverError>& Errors() const override { return errors_; }
 
   private:
+    class Running;
     // What a batch gave, drained to its end.
     struct Outcome {
         RecordsetRef first;
@@ -34,6 +39,7 @@ class OdbcConnection final : public Connection {
         std::vector<DriverError> messages;
         bool broken = false;
         bool timedOut = false;
+        bool cancelled = false;
     };
 
     void Connect();
@@ -48,6 +54,11 @@ class OdbcConnection final : public Connection {
     OdbcSettings settings_;
     bool open_ = false;
     bool lostAtCommit_ = false;
+    bool inUnit_ = false;     // of BeginUnit
+    bool unitLost_ = false;   // a batch of it has failed, or its line is gone: nothing of it is kept
+    std::mutex runningLock_;  // held for moments only
+    SQLHSTMT running_ = SQL_NULL_HSTMT;
+    std::atomic<bool> cancelled_ = false;
     std::unique_ptr<OdbcLink> link_;
     std::vector<DriverError> errors_;
     RecordsetRef despiteFailure_;

@@ -224,10 +224,11 @@ TEST_P(ConformanceTest, StatementsStandAloneWhereTransactionsAreNone) {
 TEST_P(ConformanceTest, ResultsOfAFailedBatchAreKept) {
     const auto connection = Open();
     EXPECT_EQ(connection->ResultsDespiteFailure(), nullptr);
-    FailureOf(*connection, "select 7 as a select 1 / 0 as b");
+    FailureOf(*connection, "select 7 as a exec nothing select 8 as c");
     const RecordsetRef first = connection->ResultsDespiteFailure();
     ASSERT_TRUE(first);
     EXPECT_EQ(first->Value("a").ToInt32(), 7);
+    EXPECT_FALSE(first->Next());
 }
 
 TEST_P(ConformanceTest, ATransactionOfTheCallerSpansItsBatches) {

@@ -1,6 +1,7 @@
 // A server that does wrong: nothing is half-saved, one clear message, and the next operation works.
 
 #include <chrono>
+#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -87,6 +88,77 @@ TEST_F(MisbehaviourTest, ABrokenLineIsToldOnceAndTheSameConnectionGoesOn) {
     EXPECT_THROW(connection->Execute("select a from t"), Error);
     EXPECT_TRUE(connection->IsOpen());
     EXPECT_EQ(connection->Execute("select a from t")->RecordCount(), 1);
+}
+
+TEST_F(MisbehaviourTest, AUnitOfSeveralBatchesIsKeptOrGoneWhereverTheLineIsCut) {
+    int cuts = 0;
+    for (int n = 1;; ++n) {
+        ado::CloseIdleOdbcConnections();
+        const auto connection = books_.Open();
+        const auto drop = std::make_shared<DropAtPacket>(n);
+        books_.Server().Behave(drop);
+        bool kept = false;
+        std::string said;
+        try {
+            EXPECT_TRUE(connection->BeginUnit());
+            connection->Execute("delete from t");
+            connection->Execute("insert into t values (N'new 1')");
+            connection->Execute("insert into t values (N'new 2')");
+            kept = connection->CommitUnit();
+        } catch (const Error& error) {
+            said = error.Text();
+        }
+        const bool dropped = drop->HasDropped();
+        books_.Server().BehaveWell();
+        connection->Close();
+        const std::string content = Content();
+        EXPECT_THAT(content, testing::AnyOf("old;", "new 1;new 2;")) << n;
+        if (kept) {
+            EXPECT_EQ(content, "new 1;new 2;") << n;
+        } else {
+            EXPECT_NE(said, "") << n;
+        }
+        if (!dropped) break;
+        ++cuts;
+        books_.Open()->Execute("delete from t insert into t values (N'old')");
+    }
+    EXPECT_GE(cuts, 8);
+}
+
+TEST_F(MisbehaviourTest, AFailedBatchUndoesItsUnit) {
+    const auto connection = books_.Open();
+    EXPECT_TRUE(connection->BeginUnit());
+    connection->Execute("insert into t values (N'new')");
+    EXPECT_THROW(connection->Execute("select * from nowhere"), Error);
+    EXPECT_THROW(connection->Execute("insert into t values (N'alone')"), Error);
+    EXPECT_FALSE(connection->CommitUnit());
+    EXPECT_EQ(Content(), "old;");
+    connection->Execute("insert into t values (N'again')");
+    EXPECT_EQ(Content(), "again;old;");
+}
+
+TEST_F(MisbehaviourTest, ABatchIsCancelledFromAnotherThread) {
+    const auto connection = books_.Open();
+    connection->Execute("select 1 as a");
+    constexpr int kSeconds = 5;
+    books_.Server().ForgetBatches();
+    books_.Server().Behave(std::make_shared<Slow>(kSeconds * 1000));
+    const auto start = std::chrono::steady_clock::now();
+    std::thread canceller([&] {
+        while (books_.Server().Batches().empty())
+            std::this_thread::yield();
+        connection->Cancel();
+    });
+    try {
+        connection->Execute("insert into t values (N'never')");
+        ADD_FAILURE();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), ado::error_number::kOperationCancelled) << error.Text();
+    }
+    canceller.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(kSeconds));
+    books_.Server().BehaveWell();
+    EXPECT_EQ(Content(), "old;");
 }
 
 TEST_F(MisbehaviourTest, TheErrorsOfAVictimAreToldWithWhatToDo) {
