@@ -56,6 +56,13 @@ std::string FileConnectString(const std::string& file) {
 }
 
 void CreateAccountSetFile(const std::string& file, const AccountSetOptions& options) {
+    MakeAccountSetFile(file, [&](ado::Connection& connection) {
+        CreateAccountSet(connection);
+        if (options.demo) PrepareDemo(connection, DemoOptions{options.vouchers});
+    });
+}
+
+void MakeAccountSetFile(const std::string& file, const std::function<void(ado::Connection&)>& fill) {
     const fs::path target = system::PathFromUtf8(file);
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(target, ignored)))
@@ -69,8 +76,7 @@ void CreateAccountSetFile(const std::string& file, const AccountSetOptions& opti
         // A session that is kept would still hold the file when it is moved.
         const ado::ConnectionRef connection =
             ado::OpenConnection(FileConnectString(whole.Path()) + ";Create=yes;Pooling=no;Command Timeout=0");
-        CreateAccountSet(*connection);
-        if (options.demo) PrepareDemo(*connection, DemoOptions{options.vouchers});
+        fill(*connection);
         connection->Close();
     }
     // What could not be brought home would stay behind in the log, and the set without it is damaged.

@@ -10,6 +10,7 @@
 #include "automation/error.h"
 #include "entry/host_context.h"
 #include "host/account_set.h"
+#include "host/cli/connect_text.h"
 #include "host/cli/console.h"
 #include "host/cli/context.h"
 #include "host/components/components.h"
@@ -75,6 +76,16 @@ class CommandLine {
         app_.add_option("--connect", options_.connectString, "连接字符串 / connect string")
             ->check(kNotEmpty)
             ->excludes(file);
+        auto* variable = app_.add_option("--password-env", options_.passwordVariable,
+                                         "取密码的环境变量 / environment variable with the password")
+                             ->check(kNotEmpty);
+        auto* passwordFile = app_.add_option("--password-file", options_.passwordFile,
+                                             "取密码的文件 / file whose first line is the password")
+                                 ->check(kNotEmpty)
+                                 ->excludes(variable);
+        app_.add_flag("--ask-password", options_.askPassword, "在终端上输入密码 / ask for the password")
+            ->excludes(variable)
+            ->excludes(passwordFile);
         app_.add_option("--user", options_.userId, "用户编号 / user id")->capture_default_str();
         app_.add_flag("--json", options_.json, "输出 JSON / print one JSON document");
         app_.add_option("--excel", options_.excelVersion,
@@ -112,7 +123,24 @@ class CommandLine {
         accountSet->require_subcommand(1);
         CLI::App* create =
             AddCommand(*accountSet, "new", CliCommand::AccountSetNew, "新建账套 / make an account set");
-        create->add_option("FILE", options_.file, "账套文件 / file")->required()->check(kNotEmpty);
+        create->add_option("FILE", options_.file, "账套文件；用 --connect 时不写 / file; none with --connect")
+            ->check(kNotEmpty);
+        create->add_flag("--dry-run", options_.dryRun,
+                         "只打印脚本，不执行；用于 --connect / print the script for --connect, do nothing");
+        create->callback([this] {
+            if (options_.file.empty() == options_.connectString.empty())
+                throw CLI::RequiredError("FILE | --connect");
+            if (options_.dryRun && options_.connectString.empty()) throw CLI::RequiredError("--connect");
+            options_.command = CliCommand::AccountSetNew;
+        });
+        CLI::App* copy = AddCommand(*accountSet, "copy", CliCommand::AccountSetCopy,
+                                    "复制账套，逐行核对 / copy an account set and compare every row");
+        copy->add_option("FROM", options_.file, "文件或连接字符串 / file or connect string")
+            ->required()
+            ->check(kNotEmpty);
+        copy->add_option("TO", options_.target, "文件或连接字符串 / file or connect string")
+            ->required()
+            ->check(kNotEmpty);
         auto* demo = create->add_flag("--demo", options_.demo, "带演示数据 / with the demo ledger");
         create->add_option("--vouchers", options_.vouchers, "演示凭证数 / number of demo vouchers")
             ->needs(demo)
@@ -183,7 +211,7 @@ class CommandLine {
 // The account set to work on: as asked for, else the demo set of this user, made on first use.
 std::string ChosenConnectString(const CliContext& context) {
     const CliOptions& options = context.options;
-    if (!options.connectString.empty()) return options.connectString;
+    if (!options.connectString.empty()) return WithPassword(context, options.connectString);
     if (!options.accountSet.empty()) {
         std::error_code ignored;
         if (!fs::exists(system::PathFromUtf8(options.accountSet), ignored))
@@ -211,6 +239,8 @@ int Dispatch(const CliContext& context) {
             return RunWindow(context);
         case CliCommand::AccountSetNew:
             return RunAccountSetNew(context);
+        case CliCommand::AccountSetCopy:
+            return RunAccountSetCopy(context);
         case CliCommand::List:
             return RunList(context);
         case CliCommand::Show:
@@ -245,6 +275,7 @@ int Dispatch(const CliContext& context) {
 bool Speaks(CliCommand command) {
     switch (command) {
         case CliCommand::AccountSetNew:
+        case CliCommand::AccountSetCopy:
         case CliCommand::New:
         case CliCommand::Rename:
         case CliCommand::Delete:
@@ -305,7 +336,10 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
         } else {
             office::RegisterExcelServer(options.excelVersion);
         }
-        if (options.command != CliCommand::AccountSetNew && options.command != CliCommand::Drivers) {
+        const bool needsNone = options.command == CliCommand::AccountSetNew ||
+                               options.command == CliCommand::AccountSetCopy ||
+                               options.command == CliCommand::Drivers;
+        if (!needsNone) {
             const fs::path userData = system::PathFromUtf8(surroundings.folders->UserData());
             context.session = RegisterHostComponents(
                 {ChosenConnectString(context), options.userId, system::PathToUtf8(userData / kCloudFolder)});

@@ -12,6 +12,7 @@ namespace vicenter::host {
 enum class CliCommand {
     Window,
     AccountSetNew,
+    AccountSetCopy,
     List,
     Show,
     New,
@@ -41,6 +42,9 @@ struct CliOptions {
     CliCommand command = CliCommand::Window;
     std::string accountSet;     // --account-set
     std::string connectString;  // --connect
+    std::string passwordVariable;  // --password-env
+    std::string passwordFile;      // --password-file
+    bool askPassword = false;      // --ask-password
     std::int32_t userId = 1;
     bool json = false;
     std::optional<bool> answer;  // --yes, --no
@@ -48,7 +52,9 @@ struct CliOptions {
     std::string name;     // of the template
     std::string newName;  // rename
     std::string file;     // account-set new, sql, export, import
+    std::string target;   // account-set copy
     bool demo = false;
+    bool dryRun = false;
     int vouchers = 0;
     std::string sessionFolder;          // window --offscreen-session
     std::string exportFolder;           // export --all

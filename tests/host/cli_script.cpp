@@ -127,14 +127,17 @@ std::string WriteCliScript(const CliScript& script) {
     return text;
 }
 
-CliScript RunCliScript(const CliScript& script) {
+CliScript RunCliScript(const CliScript& script, const WayIn& way) {
     TestFolder folder;
     const automation::ClassRegistry::Restore registry;
     system::Surroundings surroundings = system::Surroundings::OfSystem();
     surroundings.folders = std::make_shared<TestFolders>(folder.Path());
     const system::SurroundingsScope scope(surroundings);
     std::vector<std::string> common;
-    if (script.set != "none") common = {"--account-set", CopySet(folder, script.set == "demo")};
+    if (script.set != "none") {
+        const std::string file = CopySet(folder, script.set == "demo");
+        common = way ? way(file) : std::vector<std::string>{"--account-set", file};
+    }
 
     CliScript result = script;
     for (CliStep& step : result.steps) {

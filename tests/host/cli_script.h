@@ -13,6 +13,7 @@
 // "$FOLDER" stands for the test's folder, in commands, input and output. Times of today are written as <now>.
 // With VICENTER_UPDATE_GOLDENS=1 in the environment the expectations are written anew instead of compared.
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -42,7 +43,11 @@ std::string WriteCliScript(const CliScript& script);
 // The arguments of a command: blanks between them, '…' and "…" around those with blanks.
 std::vector<std::string> SplitArguments(const std::string& command);
 
-// Runs every step and puts what came out in the place of what was expected.
-CliScript RunCliScript(const CliScript& script);
+// The options by which a command gets to the account set in a file.
+using WayIn = std::function<std::vector<std::string>(const std::string& file)>;
+
+// Runs every step and puts what came out in the place of what was expected; straight at the file without
+// another way.
+CliScript RunCliScript(const CliScript& script, const WayIn& way = {});
 
 }  // namespace vicenter::host::test

@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(Scripts, CommandLine, testing::ValuesIn(ScriptNames()),
 
 // Every command and option, as the program's own help names them.
 std::set<std::string> CommandsAndOptions() {
-    std::string help = Help({"--help"}) + Help({"account-set", "new", "--help"});
+    std::string help = Help({"--help"}) + Help({"account-set", "--help"}) + Help({"account-set", "new", "--help"});
     for (const char* command : {"window", "export", "import", "generate"})
         help += Help({command, "--help"});
     std::set<std::string> words;

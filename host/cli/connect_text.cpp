@@ -1,0 +1,71 @@
+#include "host/cli/connect_text.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <istream>
+#include <ostream>
+
+#include "automation/error.h"
+#include "automation/object.h"
+#include "platform/ado/connection.h"
+#include "platform/system/files.h"
+#include "platform/system/terminal.h"
+
+namespace vicenter::host {
+
+using automation::Error;
+
+namespace {
+
+std::string FirstLine(std::istream& stream) {
+    std::string line;
+    std::getline(stream, line);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    return line;
+}
+
+std::string GivenPassword(const CliContext& context) {
+    const CliOptions& options = context.options;
+    if (!options.passwordVariable.empty()) {
+        const char* value = std::getenv(options.passwordVariable.c_str());
+        if (value == nullptr)
+            throw Error(automation::error_number::kInvalidProcedureCall,
+                        "没有环境变量：" + options.passwordVariable);
+        return value;
+    }
+    if (!options.passwordFile.empty()) {
+        std::ifstream file(system::PathFromUtf8(options.passwordFile), std::ios::binary);
+        if (!file)
+            throw Error(automation::error_number::kFileNotFound, "密码文件无法读取：" + options.passwordFile);
+        return FirstLine(file);
+    }
+    context.streams.err << "密码 / password: " << std::flush;
+    const system::HiddenTyping hidden;
+    const std::string password = FirstLine(context.streams.in);
+    context.streams.err << "\n";
+    return password;
+}
+
+}  // namespace
+
+bool IsConnectString(const std::string& fileOrConnectString) {
+    const ado::ConnectString settings(fileOrConnectString);
+    return settings.Has("Provider") || settings.Has("Driver") || settings.Has("DSN");
+}
+
+std::string WithPassword(const CliContext& context, const std::string& connectString) {
+    const CliOptions& options = context.options;
+    const bool given =
+        options.askPassword || !options.passwordVariable.empty() || !options.passwordFile.empty();
+    const ado::ConnectString settings(connectString);
+    const bool embedded = automation::SameName(settings.Value("Provider"), "VelaAccountSet");
+    if (!given || embedded || settings.Has("Password") || settings.Has("PWD")) return connectString;
+    std::string quoted;
+    for (const char c : GivenPassword(context)) {
+        quoted += c;
+        if (c == '"') quoted += c;
+    }
+    return connectString + (connectString.ends_with(';') ? "" : ";") + "Password=\"" + quoted + "\"";
+}
+
+}  // namespace vicenter::host

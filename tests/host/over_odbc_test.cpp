@@ -1,0 +1,234 @@
+// The program on an account set of a SQL Server: the test server, with a driver and a socket between. What
+// the scripts of tests/host/cli/ say of a file they say of it, too.
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "automation/class_registry.h"
+#include "host/account_set.h"
+#include "host/account_set_setup.h"
+#include "host/cli/cli.h"
+#include "platform/ado/odbc/odbc_provider.h"
+#include "platform/system/files.h"
+#include "tests/host/cli_script.h"
+#include "tests/host/demo_set.h"
+#include "tests/paths/source_folder.h"
+#include "tests/tds_server/server.h"
+
+namespace vicenter::host {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+const std::filesystem::path& Folder() {
+    static const std::filesystem::path folder = testing_paths::SourceFolder() / "tests" / "host" / "cli";
+    return folder;
+}
+
+std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// Those that work on an account set of the test's.
+std::vector<std::string> ScriptNames() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(Folder())) {
+        if (entry.path().extension() != ".test") continue;
+        const std::string text = ReadFile(entry.path());
+        if (text.find("\nset: none") != std::string::npos) continue;
+        if (text.find("of a file alone") != std::string::npos) continue;
+        names.push_back(entry.path().stem().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// Serves files as the database "books".
+class Served {
+  public:
+    Served() { ado::RegisterOdbcProviders(); }
+    Served(const Served&) = delete;
+    Served& operator=(const Served&) = delete;
+    ~Served() { ado::CloseIdleOdbcConnections(); }
+    std::string Serve(const std::string& file, const std::string& name = "books") {
+        server_.AddDatabase(name, system::PathFromUtf8(file));
+        return server_.ConnectText(name);
+    }
+    tds_server::Server& Server() { return server_; }
+
+  private:
+    tds_server::Server server_;
+};
+
+class CommandLineOverOdbc : public testing::TestWithParam<std::string> {};
+
+TEST_P(CommandLineOverOdbc, AnswersAsOnAFile) {
+    const test::CliScript expected = test::ReadCliScript(ReadFile(Folder() / (GetParam() + ".test")));
+    Served served;
+    const test::CliScript actual = test::RunCliScript(expected, [&](const std::string& file) {
+        return std::vector<std::string>{"--connect", served.Serve(file)};
+    });
+    ASSERT_FALSE(expected.steps.empty());
+    for (std::size_t i = 0; i < expected.steps.size(); ++i) {
+        const test::CliStep& step = expected.steps[i];
+        SCOPED_TRACE(GetParam() + ".test:" + std::to_string(step.line) + ": " + step.command);
+        EXPECT_EQ(step.output, actual.steps[i].output);
+        EXPECT_EQ(step.errors, actual.steps[i].errors);
+        EXPECT_EQ(step.exitCode, actual.steps[i].exitCode);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Scripts, CommandLineOverOdbc, testing::ValuesIn(ScriptNames()),
+                         [](const auto& script) { return script.param; });
+
+struct Answer {
+    int exitCode = 0;
+    std::string output;
+    std::string errors;
+};
+
+Answer Vicenter(const std::vector<std::string>& arguments, const std::string& input = {}) {
+    const automation::ClassRegistry::Restore registry;
+    std::istringstream in(input);
+    std::ostringstream out;
+    std::ostringstream err;
+    const int exitCode = RunCli(arguments, {in, out, err});
+    return {exitCode, out.str(), err.str()};
+}
+
+class AccountSetOnServer : public testing::Test {
+  protected:
+    test::TestFolder folder_;
+    Served served_;
+};
+
+TEST_F(AccountSetOnServer, IsMadeOnceAndCompletedAfterwards) {
+    const std::string connect = served_.Serve(folder_.Path("books.vas"));
+    Answer answer = Vicenter({"--connect", connect, "account-set", "new", "--dry-run"});
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+    EXPECT_THAT(answer.output, HasSubstr("create table t_VchTemplateEntry ("));
+    EXPECT_THAT(answer.output, HasSubstr("create procedure pro_VchTpCanUsed"));
+    EXPECT_EQ(Vicenter({"--connect", connect, "list"}).exitCode, 1);  // nothing has been made
+
+    answer = Vicenter({"--connect", connect, "--json", "account-set", "new", "--demo"});
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+    EXPECT_THAT(answer.output, HasSubstr("\"fresh\":true"));
+    const Answer listed = Vicenter({"--connect", connect, "list"});
+    EXPECT_THAT(listed.output, HasSubstr("日常费用"));
+
+    ado::OpenConnection(connect)->Execute("drop table t_VchTpProfile");
+    answer = Vicenter({"--connect", connect, "--json", "account-set", "new"});
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+    EXPECT_THAT(answer.output, HasSubstr("\"made\":1,"));
+    EXPECT_THAT(answer.output, HasSubstr("\"fresh\":false"));
+    EXPECT_EQ(Vicenter({"--connect", connect, "list"}).output, listed.output);
+    EXPECT_THAT(Vicenter({"--connect", connect, "account-set", "new", "--dry-run"}).output,
+                testing::IsEmpty());
+    EXPECT_THAT(Vicenter({"--connect", connect, "account-set", "new", "--demo"}).errors,
+                HasSubstr("数据库中已有账套，不能再写入演示数据。"));
+}
+
+TEST_F(AccountSetOnServer, TravelsBothWaysWithEveryRow) {
+    const std::string file = test::CopySet(folder_);
+    const std::string connect = served_.Serve(folder_.Path("served.vas"));
+    Answer answer = Vicenter({"account-set", "copy", file, connect});
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+    EXPECT_THAT(answer.output, HasSubstr("内容一致"));
+    const std::string back = folder_.Path("back.vas");
+    answer = Vicenter({"account-set", "copy", connect, back});
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+    EXPECT_EQ(Vicenter({"--account-set", back, "--json", "show", "日常费用"}).output,
+              Vicenter({"--account-set", file, "--json", "show", "日常费用"}).output);
+    EXPECT_EQ(Vicenter({"--account-set", back, "--json", "log"}).output,
+              Vicenter({"--account-set", file, "--json", "log"}).output);
+    // What holds rows is never written over.
+    answer = Vicenter({"account-set", "copy", file, connect});
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_THAT(answer.errors, HasSubstr("目标账套中已有数据"));
+    answer = Vicenter({"account-set", "copy", connect, back});
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_THAT(answer.errors, HasSubstr("文件已存在"));
+}
+
+TEST_F(AccountSetOnServer, NothingIsLeftOfACopyThatFailed) {
+    const std::string file = test::CopySet(folder_);
+    const std::string connect = served_.Serve(folder_.Path("served.vas"));
+    served_.Server().Behave(std::make_shared<tds_server::FailBatch>(120, 1205));
+    EXPECT_EQ(Vicenter({"account-set", "copy", file, connect}).exitCode, 1);
+    served_.Server().BehaveWell();
+    EXPECT_EQ(ado::OpenConnection(connect)->Execute("select name from sys.tables")->RecordCount(), 0);
+    EXPECT_EQ(Vicenter({"account-set", "copy", file, connect}).exitCode, 0);
+}
+
+TEST_F(AccountSetOnServer, ThePasswordComesFromWhereItIsSaid) {
+    served_.Serve(test::CopySet(folder_));
+    const std::string connect =
+        "Provider=SQLOLEDB;User ID=sa;Initial Catalog=books;Data Source=" + served_.Server().Address();
+    const std::string password = tds_server::Server::kPassword;
+    EXPECT_THAT(Vicenter({"--connect", connect, "list"}).errors, HasSubstr("Login failed"));
+
+    setenv("VICENTER_PASSWORD_OF_A_TEST", password.c_str(), 1);
+    EXPECT_EQ(
+        Vicenter({"--connect", connect, "--password-env", "VICENTER_PASSWORD_OF_A_TEST", "list"}).exitCode,
+        0);
+    unsetenv("VICENTER_PASSWORD_OF_A_TEST");
+    EXPECT_THAT(
+        Vicenter({"--connect", connect, "--password-env", "VICENTER_PASSWORD_OF_A_TEST", "list"}).errors,
+        HasSubstr("没有环境变量：VICENTER_PASSWORD_OF_A_TEST"));
+
+    std::ofstream(system::PathFromUtf8(folder_.Path("secret"))) << password << "\nsecond line\n";
+    EXPECT_EQ(Vicenter({"--connect", connect, "--password-file", folder_.Path("secret"), "list"}).exitCode,
+              0);
+
+    const Answer asked = Vicenter({"--connect", connect, "--ask-password", "list"}, password + "\n");
+    EXPECT_EQ(asked.exitCode, 0);
+    EXPECT_THAT(asked.errors, HasSubstr("密码"));
+    EXPECT_THAT(asked.errors + asked.output, Not(HasSubstr(password)));
+
+    const Answer wrong =
+        Vicenter({"--connect", connect + ";Password=Geheim1", "--json", "check", "日常费用"});
+    EXPECT_EQ(wrong.exitCode, 1);
+    EXPECT_THAT(wrong.errors + wrong.output, Not(HasSubstr("Geheim1")));
+}
+
+// What docs/sql-server.md says of round trips. A command line opens its own connection: the question for the
+// code page is among them.
+TEST_F(AccountSetOnServer, ACommandCostsFewTrips) {
+    const std::string connect = served_.Serve(test::CopySet(folder_));
+    const auto trips = [&](std::vector<std::string> arguments, const std::string& input = {}) {
+        arguments.insert(arguments.begin(), {"--connect", connect, "--yes"});
+        Vicenter({"--connect", connect, "list"});
+        served_.Server().ForgetBatches();
+        const Answer answer = Vicenter(arguments, input);
+        EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+        return served_.Server().RoundTrips();
+    };
+    const int list = trips({"list"});
+    const int show = trips({"show", "日常费用"});
+    const int save =
+        trips({"save", "日常费用"}, Vicenter({"--connect", connect, "--json", "show", "日常费用"}).output);
+    const int generate = trips({"generate", "--name", "生成", "--year", "2026", "--period", "10"});
+    const int exporting = trips({"export", "日常费用", folder_.Path("a.xlsx")});
+    const int import = trips({"import", folder_.Path("a.xlsx")});
+    const std::string page = ReadFile(testing_paths::SourceFolder() / "docs" / "sql-server.md");
+    for (const auto& [name, count] :
+         {std::pair{"list", list}, std::pair{"show", show}, std::pair{"save", save},
+          std::pair{"generate", generate}, std::pair{"export", exporting}, std::pair{"import", import}}) {
+        EXPECT_THAT(page, HasSubstr("| `" + std::string(name) + "` | " + std::to_string(count) + " |"));
+    }
+}
+
+TEST(DriversCommand, MarksTheOneThatIsTaken) {
+    EXPECT_THAT(Vicenter({"drivers"}).output, testing::StartsWith("* "));
+    EXPECT_THAT(Vicenter({"--json", "drivers"}).output, HasSubstr("\"chosen\":true"));
+}
+
+}  // namespace
+}  // namespace vicenter::host
