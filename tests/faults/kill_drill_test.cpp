@@ -5,6 +5,7 @@
 // Thirty kills; a thousand with VICENTER_LONG=1. Unlike the kills of the fault drill, which come at calls to
 // the system, these come in between.
 
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <random>
@@ -105,16 +106,21 @@ TEST(KillDrill, AKilledWindowLeavesWholeTemplates) {
     ground.Prepare(drill);
     const State before = ground.Look(drill);
     const Call call = ground.CallOf(drill);
-    const auto whole = TimeOf(ground.Shop(), call);
+    auto whole = TimeOf(ground.Shop(), call);
     const State after = ground.Look(drill);
     ASSERT_FALSE(before == after);
     const int kills = Kills(3, 100);
+    constexpr int kFurtherTries = 20;
     int killed = 0;
     int saved = 0;
-    for (int i = 0; i < kills; ++i) {
+    int runs = 0;
+    for (; runs < kills || (killed == 0 && runs < kills + kFurtherTries); ++runs) {
         ground.Prepare(drill);
         const auto delay = Moment(whole, random);
-        killed += KillAfter(ground.Shop(), call, delay) ? 1 : 0;
+        const bool inTime = KillAfter(ground.Shop(), call, delay);
+        killed += inTime ? 1 : 0;
+        // The first run warmed the machine up: a later one may be over sooner.
+        if (!inTime) whole = std::min(whole, delay);
         const State state = ground.Look(drill);
         EXPECT_TRUE(state.set.Sound()) << state.set.fault;
         EXPECT_TRUE(IsWholeWindowState(state.set.templates, before.set.templates, after.set.templates))
@@ -122,7 +128,7 @@ TEST(KillDrill, AKilledWindowLeavesWholeTemplates) {
             << state.set.templates;
         saved += state == after ? 1 : 0;
     }
-    std::cout << kills << " windows, " << killed << " killed before their end, " << saved << " times saved\n";
+    std::cout << runs << " windows, " << killed << " killed before their end, " << saved << " times saved\n";
     EXPECT_GT(killed, 0);
 }
 
