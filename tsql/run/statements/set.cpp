@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <limits>
+
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
@@ -23,10 +26,67 @@ void Executor::SetVariable(const SetVariableStatement& statement) {
     rowCount_ = 1;
 }
 
-// Options without a meaning here (isolation levels, ANSI settings, …) are taken without a word.
+namespace {
+
+// Switches that would change what batches do or answer, and the state that is the only one here.
+struct FixedSwitch {
+    std::string_view option;
+    bool on;
+};
+constexpr FixedSwitch kFixedSwitches[] = {
+    {"ansi_null_dflt_off", false},
+    {"ansi_null_dflt_on", true},
+    {"ansi_nulls", true},
+    {"ansi_padding", true},
+    {"ansi_warnings", true},
+    {"concat_null_yields_null", true},
+    {"cursor_close_on_commit", false},
+    {"fmtonly", false},
+    {"implicit_transactions", false},
+    {"noexec", false},
+    {"numeric_roundabort", false},
+    {"parseonly", false},
+    {"quoted_identifier", true},
+    {"showplan_all", false},
+    {"showplan_text", false},
+    {"showplan_xml", false},
+    {"statistics profile", false},
+    {"statistics xml", false},
+};
+
+// Languages whose dates are read as those here are.
+constexpr std::string_view kLanguages[] = {"简体中文", "simplified chinese", "us_english", "english"};
+
+std::string UpperAscii(std::string_view text) {
+    std::string upper(text);
+    for (char& c : upper) {
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    }
+    return upper;
+}
+
+[[noreturn]] void Refuse(const SetOptionStatement& statement, std::string_view option,
+                         std::string_view value) {
+    throw MakeError(40510, statement.position, {"SET " + UpperAscii(option) + " " + std::string(value)});
+}
+
+// What would be swallowed, and the next statement then run as it was not meant to, is refused at once.
+void RefuseWhatChangesAnswers(const SetOptionStatement& statement, std::string_view option) {
+    const bool on = statement.on.value_or(false);
+    // Either state of it sets several others.
+    if (option == "ansi_defaults") Refuse(statement, option, on ? "ON" : "OFF");
+    for (const FixedSwitch& fixed : kFixedSwitches) {
+        if (fixed.option == option && fixed.on != on) Refuse(statement, option, on ? "ON" : "OFF");
+    }
+}
+
+}  // namespace
+
+// Options without a meaning here (isolation levels, priorities, …) are taken without a word.
 void Executor::SetOption(const SetOptionStatement& statement) {
     SetOptions& options = frame_->options;
     for (const std::string& option : statement.options) {
+        RefuseWhatChangesAnswers(statement, option);
         if (option == "nocount") {
             options.noCount = statement.on.value_or(false);
         } else if (option == "xact_abort") {
@@ -61,6 +121,16 @@ void Executor::SetOption(const SetOptionStatement& statement) {
             const std::int64_t day = statement.value ? EvaluateInt(*statement.value) : 0;
             if (day != kSunday)
                 throw MakeError(40510, statement.position, {"SET DATEFIRST " + std::to_string(day)});
+        } else if (option == "language") {
+            const std::string language =
+                statement.value ? LowerAscii(EvaluateText(*statement.value)) : statement.word;
+            if (std::ranges::find(kLanguages, language) == std::end(kLanguages))
+                Refuse(statement, option, language);
+        } else if (option == "textsize") {
+            // Shorter texts than the longest would be cut.
+            const std::int64_t bytes = statement.value ? EvaluateInt(*statement.value) : 0;
+            if (bytes != -1 && bytes != std::numeric_limits<std::int32_t>::max())
+                Refuse(statement, option, std::to_string(bytes));
         }
     }
 }
