@@ -6,6 +6,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
+#include "tsql/run/write_forecast.h"
 #include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::tsql::engine {
@@ -149,6 +150,7 @@ void Executor::RunBatch(std::string_view batch) {
     frame.options = setOptions_;
     if (run.isShaped)
         frame.literals = LiteralRun(run.literals, run.program->shapeOffsets, run.program->pinned);
+    transactions_.StartBatch(WriteForecast(catalog_, programs_).MayWrite(run.program->statements));
     RunIn(frame, [&] {
         DeclareAll(run.program->statements);
         for (const ProgramItem& item : run.program->items) {

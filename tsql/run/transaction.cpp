@@ -46,6 +46,13 @@ bool Transactions::BeginChange(bool temporary) {
     return !batchIsUnit_ && count_ == 0;
 }
 
+void Transactions::StartBatch(bool mayWrite) {
+    batchMayWrite_ = mayWrite;
+    if (!mayWrite || open_ || (!batchIsUnit_ && count_ == 0)) return;
+    catalog_.EndSnapshot();
+    Begin();
+}
+
 void Transactions::Reset() {
     if (open_ || database_.InTransaction()) Rollback();
     count_ = 0;
@@ -68,6 +75,10 @@ void Transactions::EndBatch(bool failed) {
 void Transactions::Run(const TransactionStatement& statement) {
     switch (statement.action) {
         case TransactionAction::kBegin:
+            if (batchMayWrite_ && !open_) {
+                catalog_.EndSnapshot();
+                Begin();
+            }
             ++count_;
             break;
         case TransactionAction::kCommit:

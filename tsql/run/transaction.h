@@ -3,9 +3,10 @@
 // Transactions: those of the text (BEGIN, COMMIT, ROLLBACK, SAVE), and the one of SQLite that stands behind
 // them.
 //
-// The lock for writing is taken before the first change and never by what only reads; so a change never
-// starts on a snapshot that another process has overtaken. While a batch is one unit, its transaction ends
-// with it. One per session, used by its thread.
+// What may write takes the lock for writing before it reads: a batch that is one unit before its first
+// statement, BEGIN TRANSACTION at once, a statement that stands alone before itself. So what is written never
+// rests on what another process has changed since. What only reads never takes it. While a batch is one unit,
+// its transaction ends with it. One per session, used by its thread.
 
 #include <cstdint>
 
@@ -24,6 +25,8 @@ class Transactions {
     int Count() const { return count_; }
     // A transaction of SQLite is open, as far as this program knows.
     bool IsOpen() const { return open_; }
+    // Before the first statement of a batch that may write, or may not.
+    void StartBatch(bool mayWrite);
     void Run(const TransactionStatement& statement);
     // Does a change with what it needs around it: its own transaction when there is no other. What only
     // touches temporary tables leaves other processes alone.
@@ -55,6 +58,7 @@ class Transactions {
     const bool batchIsUnit_;
     int count_ = 0;
     bool open_ = false;
+    bool batchMayWrite_ = false;
     std::uint64_t generationAtBegin_ = 0;  // of the catalog
 };
 
