@@ -1,6 +1,7 @@
 #include "ui/qt_surroundings.h"
 
 #include <QApplication>
+#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
@@ -127,6 +128,36 @@ void MakeScrollable(QMessageBox& box) {
     label->hide();
 }
 
+// Icons and kinds of files by their names alone. Qt's own look into files whose suffix they do not know;
+// what a dialog lists may be an account set that somebody in this process has open, and closing it there
+// would drop his locks. Asked by the thread that reads the folder.
+class PlainFileIcons : public QFileIconProvider {
+  public:
+    PlainFileIcons()
+        : folder_(QFileIconProvider::icon(Folder)), file_(QFileIconProvider::icon(File)) {}
+
+    QIcon icon(IconType type) const override { return type == File ? file_ : folder_; }
+    QIcon icon(const QFileInfo& info) const override { return info.isDir() ? folder_ : file_; }
+    QString type(const QFileInfo& info) const override {
+        if (info.isDir()) return QStringLiteral("文件夹");
+        const QString suffix = info.suffix().toUpper();
+        return suffix.isEmpty() ? QStringLiteral("文件") : suffix + QStringLiteral(" 文件");
+    }
+
+  private:
+    QIcon folder_;
+    QIcon file_;
+};
+
+// Lives as long as the dialog, which does not own its icons.
+class IconsOfDialog : public QObject {
+  public:
+    explicit IconsOfDialog(QFileDialog& dialog) : QObject(&dialog) { dialog.setIconProvider(&icons_); }
+
+  private:
+    PlainFileIcons icons_;
+};
+
 }  // namespace
 
 void FillMessageBox(QMessageBox& box, const std::string& text, system::MessageButtons buttons,
@@ -168,6 +199,12 @@ QStringList NameFilters(const system::FileRequest& request) {
 
 void FillFileDialog(QFileDialog& dialog, const system::FileRequest& request, bool saving) {
     dialog.setObjectName(QStringLiteral("fileDialog"));
+#ifndef Q_OS_WIN
+    // A desktop's own dialog may run in this process and look into the files that it lists.
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+#endif
+    dialog.setOption(QFileDialog::DontUseCustomDirectoryIcons);
+    new IconsOfDialog(dialog);
     dialog.setWindowTitle(ToQt(request.title));
     dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);

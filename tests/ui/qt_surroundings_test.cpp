@@ -1,12 +1,19 @@
 #include "ui/qt_surroundings.h"
 
 #include <QApplication>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <stdexcept>
+
+#ifdef __linux__
+#include <sys/inotify.h>
+#include <unistd.h>
+#endif
 
 #include <gtest/gtest.h>
 
@@ -147,6 +154,71 @@ TEST(QtFileDialog, PreselectsTheFilterAndAddsItsExtension) {
     emit dialog.filterSelected("Database File Excel File (*.xls)");
     EXPECT_EQ(dialog.defaultSuffix(), "xls");
 }
+
+#ifdef __linux__
+// A folder whose files' openings are counted, whoever opens them.
+class WatchedFolder {
+  public:
+    explicit WatchedFolder(const QString& path) : queue_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+        EXPECT_GE(inotify_add_watch(queue_, path.toUtf8().constData(), IN_OPEN), 0);
+    }
+    WatchedFolder(const WatchedFolder&) = delete;
+    WatchedFolder& operator=(const WatchedFolder&) = delete;
+    ~WatchedFolder() { close(queue_); }
+
+    std::vector<std::string> Opened() const {
+        std::vector<std::string> names;
+        alignas(inotify_event) char bytes[4096];
+        for (ssize_t got = 0; (got = read(queue_, bytes, sizeof bytes)) > 0;) {
+            for (ssize_t at = 0; at < got;) {
+                const auto* event = reinterpret_cast<const inotify_event*>(bytes + at);
+                if ((event->mask & IN_ISDIR) == 0) names.emplace_back(event->name);
+                at += static_cast<ssize_t>(sizeof(inotify_event)) + event->len;
+            }
+        }
+        return names;
+    }
+
+  private:
+    int queue_;
+};
+
+TEST(QtFileDialog, OpensNoneOfTheFilesThatItLists) {
+    const QTemporaryDir folder;
+    const QStringList names = {"a.vas", "a.vas-shm", "a.vas-wal", "plain", "目录.xls", "x.xlsx"};
+    for (const QString& name : names) {
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("SQLite format 3");
+    }
+    ASSERT_TRUE(QDir(folder.path()).mkdir("folder"));
+    const WatchedFolder watched(folder.path());
+    for (const bool saving : {true, false}) {
+        system::FileRequest request = WorkbookRequest();
+        request.filters.push_back({"所有文件", "*"});
+        request.selectedFilter = 2;
+        QFileDialog dialog;
+        FillFileDialog(dialog, request, saving);
+        dialog.setDirectory(folder.path());
+        dialog.setViewMode(QFileDialog::Detail);
+        dialog.show();
+        auto* model = dialog.findChild<QFileSystemModel*>();
+        ASSERT_NE(model, nullptr);
+        const QModelIndex root = model->index(folder.path());
+        ASSERT_TRUE(QTest::qWaitFor([&] { return model->rowCount(root) == names.size() + 1; }));
+        for (int row = 0; row < model->rowCount(root); ++row) {
+            // The kind comes with the icon, from the thread that reads the folder.
+            const QModelIndex kind = model->index(row, 2, root);
+            EXPECT_TRUE(QTest::qWaitFor([&] { return !kind.data().toString().isEmpty(); }));
+            EXPECT_TRUE(kind.data().toString().contains("文件")) << kind.data().toString().toStdString();
+            EXPECT_FALSE(model->index(row, 0, root).data(Qt::DecorationRole).value<QIcon>().isNull());
+        }
+        dialog.selectFile("a.vas");
+        QApplication::processEvents();
+    }
+    EXPECT_EQ(watched.Opened(), std::vector<std::string>());
+}
+#endif
 
 TEST(QtFileDialog, AsksAboutOverwritingOnlyWhenToldTo) {
     system::FileRequest request = WorkbookRequest();
