@@ -10,20 +10,21 @@ namespace vicenter::host {
 namespace {
 
 bool HasRight() {
-    try {
-        return automation::CreateObject("VelaEBSBase.SecurityInfo")
-            ->Call("AccessCheck", {entry::GetPropsString(), std::int16_t{4}, std::int16_t{4}, 3145728})
-            .ToBoolean();
-    } catch (const automation::Error&) {
-        return false;
-    }
+    return automation::CreateObject("VelaEBSBase.SecurityInfo")
+        ->Call("AccessCheck", {entry::GetPropsString(), std::int16_t{4}, std::int16_t{4}, 3145728})
+        .ToBoolean();
 }
 
 }  // namespace
 
 bool CheckRight() {
-    if (HasRight()) return true;
-    center::Tell("对不起，你没有相应的权限！");
+    try {
+        if (HasRight()) return true;
+        center::Tell("对不起，你没有相应的权限！");
+    } catch (const automation::Error& error) {
+        // A set that cannot be read is no missing right.
+        center::Tell(error.Text());
+    }
     return false;
 }
 
