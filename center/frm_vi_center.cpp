@@ -7,6 +7,7 @@
 #include "center/line_loader.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
+#include "platform/ado/connection.h"
 #include "store/cls_vi_data.h"
 
 namespace vicenter::center {
@@ -165,6 +166,11 @@ void frmVICenter::Unload() {
         parts_->state.security.reset();
         entry::WriteOperationLog(LogKind::Closed, "凭证模板-关闭");
     });
+    Rest();
+}
+
+void frmVICenter::Rest() {
+    ado::RestConnections();
 }
 
 bool frmVICenter::KeyPreview(int keyCode) {

@@ -71,6 +71,8 @@ class frmVICenter final : public TemplateWindow {
     void Shown();
     void Activate();
     void Unload();
+    // The user does nothing for a while: what was saved is brought into the account set's own file.
+    void Rest();
     // Keys before the controls; true when the key is swallowed (F1).
     bool KeyPreview(int keyCode);
     // A tool of the bar by its key, compared without case.

@@ -33,7 +33,9 @@ constexpr int kNameLeft = 20;
 constexpr int kProgressWidth = 4800;
 constexpr int kProgressHeight = 1000;
 constexpr int kPauseMilliseconds = 30;  // shorter than a hand needs from one key to the next
-constexpr int kNamePadding = 9;         // pixels around the name's line
+// How often what was saved is brought into the account set's own file; next to nothing when nothing was.
+constexpr int kRestMilliseconds = 5000;
+constexpr int kNamePadding = 9;  // pixels around the name's line
 // Of a font's em: what one line of a cell takes up. The line heights that Chinese fonts name for running text
 // would leave a third of every row empty.
 constexpr double kLineOfEm = 1.2;
@@ -143,6 +145,11 @@ void VICenterWindow::BuildGrid() {
     pause_->setInterval(kPauseMilliseconds);
     connect(pause_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
     connect(model_, &GridModel::activeCellChanged, pause_, qOverload<>(&QTimer::start));
+    rest_ = new QTimer(this);
+    rest_->setInterval(kRestMilliseconds);
+    connect(rest_, &QTimer::timeout, this, [this] {
+        if (!progress_->IsPolling()) Guarded([this] { presenter_->Rest(); });
+    });
     connect(grid_, &GridView::editingChanged, items_, &ItemPanel::SetCellEditing);
     connect(grid_, &GridView::textRefused, status_, &StatusLine::Flash);
     connect(grid_, &GridView::textTaken, status_, &StatusLine::EndFlash);
@@ -191,6 +198,7 @@ void VICenterWindow::ShowModeless() {
     raise();
     activateWindow();
     pause_->start();
+    rest_->start();
 }
 
 void VICenterWindow::CloseWindow() {

@@ -140,6 +140,7 @@ class VICenterWindow : public QMainWindow,
     GridModel* model_ = nullptr;
     GridView* grid_ = nullptr;
     QTimer* pause_ = nullptr;  // runs out when the user rests on a cell
+    QTimer* rest_ = nullptr;   // for what may be done while no command runs
     Zone zone_ = Zone::Elsewhere;
     bool loaded_ = false;
     bool unloaded_ = false;

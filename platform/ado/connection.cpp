@@ -21,6 +21,7 @@ std::string_view Trimmed(std::string_view text) {
 struct Provider {
     std::string name;
     ConnectionFactory factory;
+    RestFunction rest;
 };
 
 std::vector<Provider>& Providers() {
@@ -114,14 +115,25 @@ void CancelRunning() noexcept {
         batch->connection_.Cancel();
 }
 
-void RegisterProvider(std::string name, ConnectionFactory factory) {
+void RegisterProvider(std::string name, ConnectionFactory factory, RestFunction rest) {
     for (Provider& provider : Providers()) {
         if (automation::SameName(provider.name, name)) {
             provider.factory = std::move(factory);
+            provider.rest = std::move(rest);
             return;
         }
     }
-    Providers().push_back({std::move(name), std::move(factory)});
+    Providers().push_back({std::move(name), std::move(factory), std::move(rest)});
+}
+
+void RestConnections() noexcept {
+    for (const Provider& provider : Providers()) {
+        try {
+            if (provider.rest) provider.rest();
+        } catch (...) {
+            // There will be another rest; whoever needs the account set meets the error himself.
+        }
+    }
 }
 
 ConnectionRef OpenConnection(const std::string& connectString) {

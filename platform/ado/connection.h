@@ -89,6 +89,8 @@ void CancelRunning() noexcept;
 
 using ConnectionRef = std::shared_ptr<Connection>;
 using ConnectionFactory = std::function<ConnectionRef()>;
+// What a back end does while nobody waits for it.
+using RestFunction = std::function<void()>;
 
 // A connect string: key=value pairs, ";" between them, keys without case; a value may stand in braces or
 // quotes.
@@ -106,7 +108,11 @@ class ConnectString {
 };
 
 // Back ends by provider name; compared without case. A later registration replaces the earlier one.
-void RegisterProvider(std::string name, ConnectionFactory factory);
+void RegisterProvider(std::string name, ConnectionFactory factory, RestFunction rest = nullptr);
+
+// Called when the user rests and when a window has closed: files are left such that a copy of them is whole.
+// Never throws.
+void RestConnections() noexcept;
 
 // Opens a new connection by the connect string's Provider=; one that names a Driver= or DSN= instead is
 // MSDASQL's, as ever. An unknown or missing provider is error 3706.

@@ -1,5 +1,7 @@
 #include "tsql/run/session.h"
 
+#include <optional>
+
 #include "tsql/run/executor.h"
 
 namespace vicenter::tsql::engine {
@@ -39,7 +41,13 @@ class Session::Impl {
     Interruption& Stopping() { return database_.Stopping(); }
     void Reset() { executor_.Reset(); }
     bool IsStale() const { return database_.IsLost(); }
-    bool BringHome() { return !database_.InTransaction() && database_.BringHome(); }
+    bool BringHome() {
+        // Nothing has happened since the last time, as far as this session knows.
+        if (home_ && *home_ == database_.DataVersion()) return true;
+        if (database_.InTransaction() || !database_.BringHome()) return false;
+        home_ = database_.DataVersion();
+        return true;
+    }
     std::uint32_t DataVersion() {
         // What others have committed is noticed when the read lock is taken, which the pragma does.
         if (!version_) version_ = database_.Prepare("PRAGMA data_version");
@@ -57,6 +65,7 @@ class Session::Impl {
     Catalog catalog_;
     Executor executor_;
     PreparedStatement version_;
+    std::optional<std::uint32_t> home_;  // the data version that the file itself has
 };
 
 Session::Session(SessionOptions options) : impl_(std::make_unique<Impl>(std::move(options))) {}

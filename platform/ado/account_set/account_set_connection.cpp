@@ -364,12 +364,13 @@ std::optional<std::uint32_t> AccountSetConnection::DataVersion() {
     }
 }
 
-void RegisterAccountSetProvider() {
-    RegisterProvider(kProviderName, [] { return std::make_shared<AccountSetConnection>(); });
-}
-
 void RestAccountSets() {
     if (SessionPool* pool = SessionPool::Process()) pool->BringHome();
+}
+
+void RegisterAccountSetProvider() {
+    RegisterProvider(
+        kProviderName, [] { return std::make_shared<AccountSetConnection>(); }, RestAccountSets);
 }
 
 void CloseIdleAccountSets() {

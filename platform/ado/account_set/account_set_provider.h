@@ -18,6 +18,9 @@ namespace vicenter::ado {
 // Registers the provider. Calling it again does no harm.
 void RegisterAccountSetProvider();
 
+// Brings what the kept sessions have written from their logs into the account sets' own files.
+void RestAccountSets();
+
 // Closes the kept sessions, for instance before their file is moved or deleted.
 void CloseIdleAccountSets();
 
