@@ -19,7 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view kDatabaseHead{"SQLite format 3\0", 16};
 constexpr int kMostLinks = 40;
 
 // The end of a chain of links, which need not exist.
@@ -120,10 +119,10 @@ std::string WhyNotWritable(const std::string& target, const Replaceable& replace
     if (!content) return "目标文件无法读取，不能确认可以覆盖：" + text;
     content.read(bytes.data(), bytes.size());
     const std::string_view head(bytes.data(), static_cast<std::size_t>(content.gcount()));
-    if (head == kDatabaseHead) return "目标是账套或其他数据库文件，不能覆盖：" + text;
-    if (HasExtension(file, replaceable.extensions)) return {};
     const bool known = std::any_of(replaceable.heads.begin(), replaceable.heads.end(),
                                    [head](std::string_view wanted) { return head.starts_with(wanted); });
+    if (head == kDatabaseHead && !known) return "目标是账套或其他数据库文件，不能覆盖：" + text;
+    if (HasExtension(file, replaceable.extensions)) return {};
     return known ? std::string() : "目标文件已存在，且不是" + replaceable.what + "，不能覆盖：" + text;
 }
 

@@ -36,6 +36,9 @@ class FileReplacement {
     UnfinishedFile part_;
 };
 
+// How every database of the embedded account sets' kind begins.
+inline constexpr std::string_view kDatabaseHead{"SQLite format 3\0", 16};
+
 // Which files a writer may write over.
 struct Replaceable {
     std::string what;                          // as in "不是工作簿"
@@ -44,8 +47,8 @@ struct Replaceable {
 };
 
 // Why the file cannot be written under that name, for users; empty when it can. A folder, a device, a pipe,
-// also behind a link, is never written over, nor is a database, a file that this process has open, or a file
-// of another kind.
+// also behind a link, is never written over, nor is a database that is not asked for, a file that this
+// process has open, or a file of another kind.
 std::string WhyNotWritable(const std::string& target, const Replaceable& replaceable);
 
 // Copies a file over another, or to a new name.

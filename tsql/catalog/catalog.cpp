@@ -266,6 +266,9 @@ void Catalog::Load() {
     tables_.clear();
     views_.clear();
     procedures_.clear();
+    PreparedStatement seal =
+        database_.Prepare("SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'ts$digest'");
+    mayBeSealed_ = database_.Step(seal);
     std::map<std::int64_t, TableInfo*> byId;
     PreparedStatement objects = database_.Prepare("SELECT id, name, kind, text FROM \"ts$objects\"");
     while (database_.Step(objects)) {

@@ -111,6 +111,9 @@ class Catalog {
     // tables, which come and go, have their numbers instead.
     std::uint64_t Generation() const { return generation_; }
 
+    // A copy that has or once had the digests of its tables with it.
+    bool MayBeSealed() const { return mayBeSealed_; }
+
     // Names compare without case; temporary tables come first.
     const TableInfo* FindTable(std::string_view name) const;
     const ModuleInfo* FindView(std::string_view name) const;
@@ -154,6 +157,7 @@ class Catalog {
     Database& database_;
     PreparedStatement versionStatement_;
     bool holding_ = false;  // versionStatement_ stands on its row
+    bool mayBeSealed_ = false;
     std::int64_t version_ = -1;
     std::uint64_t generation_ = 1;
     std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> tables_;

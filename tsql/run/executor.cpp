@@ -17,7 +17,7 @@ Executor::Executor(Database& database, Catalog& catalog, FunctionServices& servi
       catalog_(catalog),
       services_(services),
       options_(options),
-      transactions_(database, catalog, options.batchTransactions) {
+      transactions_(database, catalog, options.batchTransactions, options.readOnly) {
     setOptions_.lockTimeoutMilliseconds = options_.lockTimeoutMilliseconds;
     services_.objectId = [this](std::string_view name, std::string_view type) {
         // Of a name in several parts the last one counts, without its brackets.

@@ -32,6 +32,8 @@ struct SessionOptions {
     int lockTimeoutMilliseconds = kLockTimeout;
     // True: a batch is one unit, undone as a whole by its first failure. False: each statement stands alone.
     bool batchTransactions = true;
+    // Whatever would change the account set is refused with error 3906; temporary tables are free.
+    bool readOnly = false;
     const TextCollation* collation = nullptr;  // outlives the session
     std::function<automation::DateTime()> now;
     std::string user = "dbo";

@@ -6,11 +6,14 @@
 namespace vicenter::tsql::engine {
 
 void Transactions::Begin() {
+    if (readOnly_) throw MakeError(3906, {}, {database_.Path()});
     database_.Run("BEGIN IMMEDIATE");
     open_ = true;
     // Nobody else can change the catalog from here on.
     catalog_.Refresh();
     generationAtBegin_ = catalog_.Generation();
+    // A backup that is worked on is no copy of anything any more.
+    if (catalog_.MayBeSealed()) database_.Run("DELETE FROM main.\"ts$digest\"");
 }
 
 void Transactions::Commit() {

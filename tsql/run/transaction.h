@@ -18,8 +18,8 @@ namespace vicenter::tsql::engine {
 
 class Transactions {
   public:
-    Transactions(Database& database, Catalog& catalog, bool batchIsUnit)
-        : database_(database), catalog_(catalog), batchIsUnit_(batchIsUnit) {}
+    Transactions(Database& database, Catalog& catalog, bool batchIsUnit, bool readOnly)
+        : database_(database), catalog_(catalog), batchIsUnit_(batchIsUnit), readOnly_(readOnly) {}
 
     // @@TRANCOUNT
     int Count() const { return count_; }
@@ -56,6 +56,7 @@ class Transactions {
     Database& database_;
     Catalog& catalog_;
     const bool batchIsUnit_;
+    const bool readOnly_;
     int count_ = 0;
     bool open_ = false;
     bool batchMayWrite_ = false;

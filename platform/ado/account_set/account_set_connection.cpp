@@ -4,10 +4,10 @@
 #include <chrono>
 #include <new>
 
+#include "platform/ado/account_set/account_set_collation.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/account_set/session_pool.h"
 #include "platform/ado/running_batch.h"
-#include "platform/system/collation.h"
 #include "platform/system/surroundings.h"
 #include "text/hex.h"
 
@@ -43,19 +43,6 @@ class WatchedWork {
     std::shared_ptr<system::LongWork> work_;
     bool asked_ = false;
 };
-
-class ChineseCollation final : public engine::TextCollation {
-  public:
-    int Compare(std::string_view a, std::string_view b) const override {
-        return system::Collator::Chinese().Compare(a, b);
-    }
-    std::string Fold(std::string_view text) const override { return system::Collator::Chinese().Fold(text); }
-};
-
-const ChineseCollation& Collation() {
-    static const ChineseCollation collation;
-    return collation;
-}
 
 DataType DataTypeOf(const engine::SqlType& type) {
     using engine::TypeKind;
@@ -262,7 +249,12 @@ void AccountSetConnection::Open(const std::string& connectString) {
     options.batchTransactions = !automation::SameName(transactions, "none");
     if (options.batchTransactions && !transactions.empty() && !automation::SameName(transactions, "batch"))
         RefuseValue("Transactions");
-    options.collation = &Collation();
+    if (const std::string access = settings.Value("Access"); automation::SameName(access, "read")) {
+        options.readOnly = true;
+    } else if (!access.empty() && !automation::SameName(access, "write")) {
+        RefuseValue("Access");
+    }
+    options.collation = &AccountSetCollation();
     options.now = [] { return system::Surroundings::Current().clock->Now(); };
     if (settings.Has("User ID")) options.user = settings.Value("User ID");
     ReadNumber(settings, "Lock Timeout", options.lockTimeoutMilliseconds);

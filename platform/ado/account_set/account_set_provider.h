@@ -7,6 +7,7 @@
 //   Transactions=batch    a batch is one unit (default); none: each statement stands alone
 //   Lock Timeout=<ms>     how long to wait for another process (default 5000)
 //   Command Timeout=<s>   after how many seconds a batch is ended (default 30; 0: never)
+//   Access=read           what would change the account set is refused (3906); write is the default
 //   User ID=<name>        what USER_NAME() answers
 //   Pooling=no            opens the file anew each time; otherwise sessions are kept and used again
 // Process-wide, user-interface thread.
