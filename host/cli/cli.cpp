@@ -86,7 +86,9 @@ class CommandLine {
         app_.add_flag("--ask-password", options_.askPassword, "在终端上输入密码 / ask for the password")
             ->excludes(variable)
             ->excludes(passwordFile);
-        app_.add_option("--user", options_.userId, "用户编号 / user id")->capture_default_str();
+        app_.add_option("--user", options_.userId, "用户编号 / user id")
+            ->capture_default_str()
+            ->check(kNotEmpty);
         app_.add_flag("--json", options_.json, "输出 JSON / print one JSON document");
         app_.add_option("--excel", options_.excelVersion,
                         "工作簿服务的版本，none 表示未安装 / version of the workbook server, none for none")
@@ -145,6 +147,19 @@ class CommandLine {
         create->add_option("--vouchers", options_.vouchers, "演示凭证数 / number of demo vouchers")
             ->needs(demo)
             ->check(CLI::Range(0, 10'000'000));
+
+        const auto addCopy = [&](const char* name, CliCommand command, const char* description,
+                                 const char* from, const char* to) {
+            CLI::App* copy = AddCommand(*accountSet, name, command, description);
+            copy->add_option(from, options_.file, "账套文件 / file")->required()->check(kNotEmpty);
+            if (to != nullptr)
+                copy->add_option(to, options_.target, "目标文件 / target file")->required()->check(kNotEmpty);
+        };
+        addCopy("backup", CliCommand::AccountSetBackup,
+                "备份账套，不影响正在使用的人 / back up while others work", "FILE", "TO");
+        addCopy("restore", CliCommand::AccountSetRestore,
+                "恢复备份到账套或新文件 / put a backup into an account set or a new file", "FROM", "FILE");
+        addCopy("verify", CliCommand::AccountSetVerify, "检查账套或备份 / look for damage", "FILE", nullptr);
 
         AddCommand(app_, "list", CliCommand::List, "列出模板 / list the templates");
         AddNamedCommand("show", CliCommand::Show, "显示模板 / show a template");
@@ -241,6 +256,12 @@ int Dispatch(const CliContext& context) {
             return RunAccountSetNew(context);
         case CliCommand::AccountSetCopy:
             return RunAccountSetCopy(context);
+        case CliCommand::AccountSetBackup:
+            return RunAccountSetBackup(context);
+        case CliCommand::AccountSetRestore:
+            return RunAccountSetRestore(context);
+        case CliCommand::AccountSetVerify:
+            return RunAccountSetVerify(context);
         case CliCommand::List:
             return RunList(context);
         case CliCommand::Show:
@@ -276,6 +297,9 @@ bool Speaks(CliCommand command) {
     switch (command) {
         case CliCommand::AccountSetNew:
         case CliCommand::AccountSetCopy:
+        case CliCommand::AccountSetBackup:
+        case CliCommand::AccountSetRestore:
+        case CliCommand::AccountSetVerify:
         case CliCommand::New:
         case CliCommand::Rename:
         case CliCommand::Delete:
@@ -288,6 +312,13 @@ bool Speaks(CliCommand command) {
         default:
             return false;
     }
+}
+
+// Commands that need no session on an account set.
+bool NeedsNoSession(CliCommand command) {
+    return command == CliCommand::AccountSetNew || command == CliCommand::AccountSetCopy ||
+           command == CliCommand::AccountSetBackup || command == CliCommand::AccountSetRestore ||
+           command == CliCommand::AccountSetVerify || command == CliCommand::Drivers;
 }
 
 int FailWithDocument(const CliContext& context, const std::string& text) {
@@ -336,10 +367,7 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
         } else {
             office::RegisterExcelServer(options.excelVersion);
         }
-        const bool needsNone = options.command == CliCommand::AccountSetNew ||
-                               options.command == CliCommand::AccountSetCopy ||
-                               options.command == CliCommand::Drivers;
-        if (!needsNone) {
+        if (!NeedsNoSession(options.command)) {
             const fs::path userData = system::PathFromUtf8(surroundings.folders->UserData());
             context.session = RegisterHostComponents(
                 {ChosenConnectString(context), options.userId, system::PathToUtf8(userData / kCloudFolder)});

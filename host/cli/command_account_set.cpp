@@ -1,10 +1,17 @@
-// vicenter account-set new FILE [--demo] [--vouchers N], account-set new --connect STRING, account-set copy
-// FROM TO
+// vicenter account-set new FILE or --connect STRING, copy FROM TO, backup FILE TO, restore FROM FILE, verify
+// FILE
 
+#include <filesystem>
+
+#include "automation/error.h"
+#include "center/window_state.h"
 #include "host/account_set.h"
 #include "host/account_set_setup.h"
 #include "host/cli/connect_text.h"
 #include "host/cli/context.h"
+#include "platform/ado/account_set/account_set_copies.h"
+#include "platform/system/files.h"
+#include "store/template_health.h"
 
 namespace vicenter::host {
 
@@ -31,6 +38,24 @@ int MakeInDatabase(const CliContext& context) {
             " 个。\n");
 }
 
+bool Exists(const std::string& file) {
+    std::error_code ignored;
+    return std::filesystem::exists(system::PathFromUtf8(file), ignored);
+}
+
+bool Agreed(const std::string& question) {
+    return center::Ask(question, system::MessageButtons::YesNo) == system::MessageResult::Yes;
+}
+
+// Faults of the templates of a set that can be read, which the file's structure knows nothing of.
+std::vector<std::string> TemplateFaults(const std::string& file) {
+    try {
+        return store::FindTemplateFaults(*ado::OpenConnection(FileConnectString(file) + ";Pooling=no"));
+    } catch (const automation::Error& error) {
+        return {"凭证模板无法检查：" + error.Text()};
+    }
+}
+
 }  // namespace
 
 int RunAccountSetNew(const CliContext& context) {
@@ -54,6 +79,38 @@ int RunAccountSetCopy(const CliContext& context) {
     return FinishSpeaking(context, true, JsonObject({{"tables", report.tables}, {"rows", report.rows}}),
                           "已复制 " + std::to_string(report.tables) + " 张表、" +
                               std::to_string(report.rows) + " 行，内容一致。\n");
+}
+
+int RunAccountSetBackup(const CliContext& context) {
+    const CliOptions& options = context.options;
+    if (Exists(options.target) && !Agreed("备份文件已存在，是否替换？\r\n\r\n" + options.target))
+        return FinishSpeaking(context, false, Variant::Null());
+    ado::BackUpAccountSet(options.file, options.target);
+    return FinishSpeaking(context, true, JsonObject({{"file", options.target}}),
+                          "账套已备份：" + options.target + "\n");
+}
+
+int RunAccountSetRestore(const CliContext& context) {
+    const CliOptions& options = context.options;
+    if (Exists(options.target) &&
+        !Agreed("账套的现有内容将被备份的内容替换，备份之后的修改都会丢失。请确认是否恢复？\r\n\r\n" +
+                options.target))
+        return FinishSpeaking(context, false, Variant::Null());
+    ado::RestoreAccountSet(options.file, options.target);
+    return FinishSpeaking(context, true, JsonObject({{"file", options.target}}),
+                          "账套已恢复：" + options.target + "\n");
+}
+
+int RunAccountSetVerify(const CliContext& context) {
+    const std::string& file = context.options.file;
+    std::vector<std::string> findings = ado::FindAccountSetDamage(file);
+    // Damage below makes what is read above worthless.
+    if (findings.empty()) findings = TemplateFaults(file);
+    for (const std::string& finding : findings)
+        center::Tell(finding);
+    const VariantArray list(findings.begin(), findings.end());
+    return FinishSpeaking(context, findings.empty(), JsonObject({{"file", file}, {"findings", list}}),
+                          "没有发现问题：" + file + "\n");
 }
 
 }  // namespace vicenter::host

@@ -133,6 +133,8 @@ int RunExport(const CliContext& context) {
 
 int RunImport(const CliContext& context) {
     const std::vector<std::string> files = FilesToImport(context.options.file);
+    // As the window does before any command: the first listing of an account set makes its standard template.
+    ReadTemplates(context);
     VariantArray read;
     bool ok = true;
     for (const std::string& file : files) {

@@ -7,6 +7,7 @@
 #include "center/window_state.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
+#include "host/cli/templates.h"
 
 namespace vicenter::host {
 
@@ -25,6 +26,8 @@ autovch::VoucherFilter Filter(const GenerateOptions& options) {
 
 int RunGenerate(const CliContext& context) {
     const GenerateOptions& options = context.options.generate;
+    // As the window does before any command: the first listing of an account set makes its standard template.
+    ReadTemplates(context);
     if (!options.group.empty()) {
         const std::vector<std::string> groups = autovch::ReadVoucherGroups();
         if (std::find(groups.begin(), groups.end(), options.group) == groups.end()) {

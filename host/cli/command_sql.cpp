@@ -12,6 +12,8 @@
 #include "automation/error.h"
 #include "host/batch_reader.h"
 #include "host/cli/context.h"
+#include "host/cli/rights.h"
+#include "platform/ado/account_set/account_set_copies.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/system/files.h"
 #include "platform/system/interrupt_key.h"
@@ -192,7 +194,12 @@ int RunSql(const CliContext& context) {
         if (!file)
             throw Error(automation::error_number::kFileNotFound, "文件不存在：" + context.options.file);
     }
-    ado::Connection& connection = context.session->Connection();
+    // A server knows itself what the login may do.
+    const std::string& connectString = context.session->Settings().connectString;
+    ado::ConnectionRef reading;
+    if (ado::AccountSetFile(connectString) && !MayAdministrate(*context.session))
+        reading = ado::OpenConnection(connectString + ";Access=read");
+    ado::Connection& connection = reading ? *reading : context.session->Connection();
     BatchReader reader(context.options.file.empty() ? context.streams.in : file);
     SqlAnswer answer(context);
     // Whoever sits before it decides how long a script may take, unless the connect string says it.
@@ -211,6 +218,9 @@ int RunSql(const CliContext& context) {
         if (code == kExitCancelled) break;  // what follows may rest on what was not done
     }
     answer.End();
+    if (reading && code == kExitFailed)
+        Fail(context,
+             "用户 " + std::to_string(context.options.userId) + " 没有全部权限，只能查询，不能修改账套。");
     return code;
 }
 

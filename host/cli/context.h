@@ -34,6 +34,9 @@ int Fail(const CliContext& context, const std::string& text);
 // ---- commands, one source each
 int RunAccountSetNew(const CliContext& context);
 int RunAccountSetCopy(const CliContext& context);
+int RunAccountSetBackup(const CliContext& context);
+int RunAccountSetRestore(const CliContext& context);
+int RunAccountSetVerify(const CliContext& context);
 int RunList(const CliContext& context);
 int RunShow(const CliContext& context);
 int RunNew(const CliContext& context);

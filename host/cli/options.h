@@ -13,6 +13,9 @@ enum class CliCommand {
     Window,
     AccountSetNew,
     AccountSetCopy,
+    AccountSetBackup,
+    AccountSetRestore,
+    AccountSetVerify,
     List,
     Show,
     New,
@@ -40,8 +43,8 @@ struct GenerateOptions {
 
 struct CliOptions {
     CliCommand command = CliCommand::Window;
-    std::string accountSet;     // --account-set
-    std::string connectString;  // --connect
+    std::string accountSet;        // --account-set
+    std::string connectString;     // --connect
     std::string passwordVariable;  // --password-env
     std::string passwordFile;      // --password-file
     bool askPassword = false;      // --ask-password
@@ -51,8 +54,8 @@ struct CliOptions {
 
     std::string name;     // of the template
     std::string newName;  // rename
-    std::string file;     // account-set new, sql, export, import
-    std::string target;   // account-set copy
+    std::string target;   // account-set copy, backup, restore: where to
+    std::string file;     // account-set …, sql, export, import
     bool demo = false;
     bool dryRun = false;
     int vouchers = 0;

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "host/cli/cli.h"
+#include "platform/ado/account_set/account_set_copies.h"
 #include "platform/office/workbook_file.h"
 #include "tests/host/demo_set.h"
 #include "tests/host/program_run.h"
@@ -104,6 +105,34 @@ TEST_F(KilledExchange, AnImportLeavesNoCopyForLonger) {
     KillAtEveryMoment({"--account-set", set_, "--yes", "import", book}, [] {});
     StartOnce();
     EXPECT_EQ(Files("temporary"), std::vector<std::string>{});
+}
+
+TEST_F(KilledExchange, ABackupIsTheOldOneOrTheNewOneWhole) {
+    const std::string backup = folder_.Path("backup.vas");
+    KillAtEveryMoment({"--yes", "account-set", "backup", set_, backup},
+                      [&] { ASSERT_EQ(ado::FindAccountSetDamage(backup), std::vector<std::string>{}); });
+    StartOnce();
+    EXPECT_EQ(Files(), (std::vector<std::string>{"backup.vas", "set.vas"}));
+}
+
+TEST_F(KilledExchange, ARestoredAccountSetIsTheOldOneOrTheNewOneWhole) {
+    const std::string backup = folder_.Path("backup.vas");
+    ado::BackUpAccountSet(set_, backup);
+    // Open all the while, as a window has it.
+    const ado::ConnectionRef open = ado::OpenConnection(FileConnectString(set_) + ";Pooling=no");
+    const auto templates = [&] {
+        return open->Execute("select count(*) as FCount from t_VchTemplate")->Value("FCount").ToInt32();
+    };
+    const std::int32_t whole = templates();
+    int restored = 0;
+    KillAtEveryMoment({"--yes", "account-set", "restore", backup, set_}, [&] {
+        const std::int32_t now = templates();
+        ASSERT_TRUE(now == whole || now == 1) << now;
+        restored += now == whole ? 1 : 0;
+        ASSERT_EQ(ado::FindAccountSetDamage(set_), std::vector<std::string>{});
+        open->Execute("delete t_VchTemplate where FID > 0");
+    });
+    std::cout << restored << " times restored\n";
 }
 
 TEST_F(KilledExchange, ANewAccountSetIsThereWholeOrNotAtAll) {
