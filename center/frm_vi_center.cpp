@@ -1,6 +1,7 @@
 #include "center/frm_vi_center.h"
 
 #include "automation/class_registry.h"
+#include "center/account_set_care.h"
 #include "center/fault_text.h"
 #include "center/frm_vi_center_parts.h"
 #include "center/help.h"
@@ -235,6 +236,21 @@ bool frmVICenter::TreeAfterLabelEdit(const std::string& newText) {
 
 bool frmVICenter::TreeEditsLabels() const {
     return parts_->tree.EditsLabels();
+}
+
+bool frmVICenter::OffersAccountSetCare() const {
+    return AccountSetCare::IsOffered();
+}
+
+void frmVICenter::BackUpAccountSet() {
+    AtEdge([this] {
+        parts_->editing.FinishTyping();
+        AccountSetCare::BackUp(parts_->state.dirty);
+    });
+}
+
+void frmVICenter::VerifyAccountSet() {
+    AtEdge([] { AccountSetCare::Verify(); });
 }
 
 const std::string& frmVICenter::SelectedNode() const {

@@ -88,7 +88,10 @@ class frmVICenter final : public TemplateWindow {
     bool TreeBeforeLabelEdit();                           // false cancels the edit
     bool TreeAfterLabelEdit(const std::string& newText);  // false puts the old label back
     bool TreeEditsLabels() const;                         // label editing is automatic
-    const std::string& SelectedNode() const;              // key
+    bool OffersAccountSetCare() const;                    // the account set is a file
+    void BackUpAccountSet();
+    void VerifyAccountSet();
+    const std::string& SelectedNode() const;  // key
     const std::vector<TreeNode>& Nodes() const;
 
     // --- grid: the cursor, keys and edits of the user

@@ -1,9 +1,11 @@
 #include "ui/template_tree.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPointer>
 #include <QStyledItemDelegate>
@@ -217,6 +219,11 @@ void TemplateTree::currentChanged(const QModelIndex& current, const QModelIndex&
 }
 
 void TemplateTree::mousePressEvent(QMouseEvent* event) {
+    // Only the left button opens a template; no other may light a node that is not the open one.
+    if (event->button() != Qt::LeftButton) {
+        event->accept();
+        return;
+    }
     doubleClicked_ = false;
     const QModelIndex index = indexAt(event->pos());
     pressedSelected_ = index.isValid() && index == currentIndex();
@@ -251,6 +258,21 @@ void TemplateTree::mouseDoubleClickEvent(QMouseEvent* event) {
     selecting_ = before;
     doubleClicked_ = true;
     if (onNode) Guarded([&] { actions_.DoubleClick(); });
+}
+
+void TemplateTree::contextMenuEvent(QContextMenuEvent* event) {
+    std::vector<TreeMenuItem> items;
+    Guarded([&] { items = actions_.MenuItems(); });
+    if (items.empty() || IsEditingLabel()) return;
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("treeMenu"));
+    for (const TreeMenuItem& item : items)
+        menu.addAction(ToQt(item.text))->setObjectName(ToQt(item.name));
+    // What was chosen runs when the menu is gone: it may ask for a file.
+    const QAction* chosen = menu.exec(event->globalPos());
+    if (chosen == nullptr) return;
+    const auto index = static_cast<std::size_t>(menu.actions().indexOf(chosen));
+    Guarded([&] { items[index].run(); });
 }
 
 void TemplateTree::focusInEvent(QFocusEvent* event) {

@@ -5,12 +5,20 @@
 
 #include <QPersistentModelIndex>
 #include <QTreeWidget>
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "center/vicenter_view.h"
 
 namespace vicenter::ui {
+
+struct TreeMenuItem {
+    std::string name;  // of the action
+    std::string text;
+    std::function<void()> run;
+};
 
 class TreeActions {
   public:
@@ -21,6 +29,8 @@ class TreeActions {
     virtual bool AfterLabelEdit(const std::string& newText) = 0;  // false: the old label comes back
     virtual bool EditsLabels() = 0;  // a click on the selected node edits its label
     virtual void DeleteSelected() = 0;
+    // What the tree's menu offers beside the commands of the band; nothing: no menu.
+    virtual std::vector<TreeMenuItem> MenuItems() { return {}; }
 };
 
 class TemplateTree : public QTreeWidget {
@@ -49,6 +59,7 @@ class TemplateTree : public QTreeWidget {
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
 

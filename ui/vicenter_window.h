@@ -125,6 +125,7 @@ class VICenterWindow : public QMainWindow,
     bool AfterLabelEdit(const std::string& newText) override;
     bool EditsLabels() override;
     void DeleteSelected() override;
+    std::vector<TreeMenuItem> MenuItems() override;
 
     // Declared last to first use: the presenter goes before the widgets that it speaks to.
     std::shared_ptr<center::TemplateCommands> commands_;

@@ -138,4 +138,10 @@ void VICenterWindow::DeleteSelected() {
     if (band_->ActionOf(center::Tool::Del).isEnabled()) presenter_->ToolClick("mnuDel");
 }
 
+std::vector<TreeMenuItem> VICenterWindow::MenuItems() {
+    if (!presenter_->OffersAccountSetCare()) return {};
+    return {{"mnuBackUpAccountSet", "备份账套(&B)…", [this] { presenter_->BackUpAccountSet(); }},
+            {"mnuVerifyAccountSet", "检查账套(&V)", [this] { presenter_->VerifyAccountSet(); }}};
+}
+
 }  // namespace vicenter::ui

@@ -1,8 +1,11 @@
 #include "ui/template_tree.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -11,6 +14,7 @@ namespace {
 
 class RecordedTreeActions : public TreeActions {
   public:
+    std::vector<TreeMenuItem> MenuItems() override { return menu; }
     void NodeClick(const std::string& key) override { clicks.push_back(key); }
     void DoubleClick() override {
         ++doubleClicks;
@@ -25,6 +29,7 @@ class RecordedTreeActions : public TreeActions {
     void DeleteSelected() override { ++deletes; }
 
     TemplateTree* tree = nullptr;
+    std::vector<TreeMenuItem> menu;
     std::vector<std::string> clicks;
     std::vector<std::string> labels;
     int doubleClicks = 0;
@@ -170,6 +175,36 @@ TEST_F(TemplateTreeTest, NodesComeGoAndChangeByKey) {
     tree.RemoveNode("detail-9");
     EXPECT_EQ(tree.FindNode("detail-9"), nullptr);
     EXPECT_TRUE(actions.clicks.empty());
+}
+
+TEST_F(TemplateTreeTest, TheMenuRunsWhatIsChosenAndLeavesTheSelection) {
+    int run = 0;
+    actions.menu = {{"first", "甲", [] {}}, {"second", "乙", [&] { ++run; }}};
+    QStringList texts;
+    QTimer::singleShot(0, &tree, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        EXPECT_EQ(menu->objectName(), "treeMenu");
+        for (const QAction* action : menu->actions())
+            texts << action->text();
+        menu->setActiveAction(menu->actions().at(1));
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    QTest::mouseClick(tree.viewport(), Qt::RightButton, {}, At("detail-6"));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, At("detail-6"),
+                            tree.viewport()->mapToGlobal(At("detail-6")));
+    QApplication::sendEvent(tree.viewport(), &event);
+    EXPECT_EQ(texts, (QStringList{"甲", "乙"}));
+    EXPECT_EQ(run, 1);
+    EXPECT_EQ(tree.SelectedKey(), "detail-0");
+    EXPECT_TRUE(actions.clicks.empty());
+}
+
+TEST_F(TemplateTreeTest, WithoutItemsThereIsNoMenu) {
+    QContextMenuEvent event(QContextMenuEvent::Mouse, At("detail-6"),
+                            tree.viewport()->mapToGlobal(At("detail-6")));
+    QApplication::sendEvent(tree.viewport(), &event);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
 }  // namespace
