@@ -32,13 +32,15 @@ frmVICenter::Parts::Parts(VICenterView& view, TemplateCommands* theCommands)
       profile(state),
       editing(state),
       kept(state),
+      drafts(state, kept),
       tree(
-          state, [this] { return save.ConfirmUnsavedChanges(); },
+          state, [this] { return save.ConfirmUnsavedChanges(); }, [this] { drafts.Leaving(); },
           [this] {
+              drafts.Opened();
               editing.Forget();
               RefreshSurroundings();
           }),
-      save(state, kept, SaveActions()),
+      save(state, kept, drafts, SaveActions()),
       lookUps(state),
       items(state),
       names(state),
@@ -91,14 +93,19 @@ void frmVICenter::Parts::ActiveCellChanged(const CellAddress&) {
     RefreshSurroundings();
 }
 
+void frmVICenter::Parts::ContentChanged() {
+    kept.Touched();
+    drafts.Changed();
+}
+
 void frmVICenter::Parts::RowsInserted(int firstRow, int /*count*/) {
     sums.reset();
-    if (firstRow <= state.rowCount) kept.Touched();
+    if (firstRow <= state.rowCount + 1) ContentChanged();
 }
 
 void frmVICenter::Parts::RowsRemoved(int firstRow, int /*count*/) {
     sums.reset();
-    if (firstRow <= state.rowCount) kept.Touched();
+    if (firstRow <= state.rowCount + 1) ContentChanged();
 }
 
 void frmVICenter::Parts::WasReset() {
@@ -107,7 +114,7 @@ void frmVICenter::Parts::WasReset() {
 
 void frmVICenter::Parts::TextsChanged(const CellRange& range) {
     sums.reset();
-    kept.Touched();
+    ContentChanged();
     const CellAddress active = state.grid->ActiveCell();
     const bool touchesItems = range.firstRow <= active.row && active.row <= range.lastRow &&
                               range.firstColumn <= column::kItems &&
@@ -128,6 +135,7 @@ void frmVICenter::Load() {
     entry::SetCurrentUserId(state.userId);
     state.templateId.clear();
     state.entryCount = 0;
+    parts_->drafts.Open();
     parts_->tree.Build();
     state.Enable({Tool::Del, Tool::DelRow, Tool::AddRow, Tool::Share}, false);
     state.grid->SetRowHeights(RowHeights().header, RowHeights().data);
@@ -154,7 +162,13 @@ void frmVICenter::Shown() {
     AtEdge([&] {
         const entry::UserScope user(parts_->state.userId);
         if (!parts_->state.linesKnown) parts_->tree.TellUnreadable();
+        parts_->offersDrafts = true;
+        parts_->OfferNewestDraft();
     });
+}
+
+void frmVICenter::UserRests() {
+    AtEdge([&] { parts_->drafts.Keep(); });
 }
 
 void frmVICenter::Activate() {
@@ -163,6 +177,8 @@ void frmVICenter::Activate() {
 
 void frmVICenter::Unload() {
     AtEdge([&] {
+        parts_->editing.FinishTyping();
+        parts_->drafts.Close();
         parts_->profile.Save();
         parts_->state.security.reset();
         entry::WriteOperationLog(LogKind::Closed, "凭证模板-关闭");
@@ -186,6 +202,7 @@ void frmVICenter::ToolClick(std::string_view key) {
         AtEdge([&] {
             const entry::UserScope user(parts_->state.userId);
             parts_->RunCommand(spec.tool, *this);
+            parts_->drafts.SetDeclined(false);
         });
         return;
     }
@@ -213,6 +230,7 @@ void frmVICenter::TreeNodeClick(const std::string& key) {
         const entry::UserScope user(parts_->state.userId);
         parts_->editing.FinishTyping();
         parts_->tree.NodeClick(key);
+        parts_->OfferDraftOfOpenTemplate();
     });
 }
 

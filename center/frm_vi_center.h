@@ -69,6 +69,8 @@ class frmVICenter final : public TemplateWindow {
     void Load();
     // The window is on the screen: what the user has to be told of its opening.
     void Shown();
+    // Nothing has been typed for a moment: what is not saved is kept in a draft.
+    void UserRests();
     void Activate();
     void Unload();
     // The user does nothing for a while: what was saved is brought into the account set's own file.

@@ -8,6 +8,7 @@
 #include "center/block_editing.h"
 #include "center/cell_look_ups.h"
 #include "center/column_profile.h"
+#include "center/draft/template_drafts.h"
 #include "center/frm_vi_center.h"
 #include "center/grid_editing.h"
 #include "center/item_panel.h"
@@ -29,6 +30,10 @@ struct frmVICenter::Parts : public GridObserver {
     // What hangs on the active cell and the sums: item panel, name list, status line.
     void RefreshSurroundings();
     void RefreshStatus();
+    // What windows that are gone have left: of the open template, or the newest of any. Nothing before the
+    // window is on the screen.
+    void OfferDraftOfOpenTemplate();
+    void OfferNewestDraft();
     void RunCommand(Tool tool, TemplateWindow& window);
     // fileName: a workbook chosen already; empty: the command asks for one.
     void RunImport(TemplateWindow& window, const std::string& fileName);
@@ -44,6 +49,7 @@ struct frmVICenter::Parts : public GridObserver {
     ColumnProfile profile;
     GridEditing editing;
     KeptLines kept;
+    TemplateDrafts drafts;
     TemplateTree tree;
     TemplateSave save;
     CellLookUps lookUps;
@@ -52,9 +58,13 @@ struct frmVICenter::Parts : public GridObserver {
     BlockEditing blocks;
     CellSelection selection;
     std::optional<NumberSums> sums;  // of the grid as it is
+    bool offersDrafts = false;       // the window is on the screen
 
   private:
     TemplateSaveActions SaveActions();
+    void OfferDraft(const FoundDraft& found);
+    bool OpenTemplateOf(const Draft& draft, const std::string& key);
+    void ContentChanged();
     bool RefusedForRight();
     void ShowFind();
     void ShowColumns();

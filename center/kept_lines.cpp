@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "center/cell_checks.h"
+
 namespace vicenter::center {
 
 namespace {
@@ -21,6 +23,11 @@ class Unrecorded {
     GridRecorder* recorder_;
 };
 
+bool Differs(const EntryGrid& grid, int row, int gridColumn, const KeptLine& line) {
+    const auto at = static_cast<std::size_t>(gridColumn - 1);
+    return grid.Text(row, gridColumn) != line.texts[at] || grid.Refusal(row, gridColumn) != line.refusals[at];
+}
+
 // The blank rows below lines that a grid always has.
 void MakeRoom(EntryGrid& grid, int lines) {
     const Unrecorded growing(grid);
@@ -29,18 +36,32 @@ void MakeRoom(EntryGrid& grid, int lines) {
 
 }  // namespace
 
-std::vector<LineTexts> TextsOfRows(const EntryGrid& grid, int rowCount) {
-    std::vector<LineTexts> lines(static_cast<std::size_t>(std::max(0, rowCount)));
+std::vector<KeptLine> LinesOfRows(const EntryGrid& grid, int rowCount) {
+    std::vector<KeptLine> lines(static_cast<std::size_t>(std::max(0, rowCount)));
     for (int row = 1; row <= rowCount; ++row) {
-        for (int c = 1; c <= kColumnCount; ++c)
-            lines[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(c - 1)] = grid.Text(row, c);
+        KeptLine& line = lines[static_cast<std::size_t>(row - 1)];
+        for (int c = 1; c <= kColumnCount; ++c) {
+            const auto at = static_cast<std::size_t>(c - 1);
+            line.texts[at] = grid.Text(row, c);
+            line.refusals[at] = grid.Refusal(row, c);
+        }
     }
     return lines;
 }
 
 void KeptLines::Take() {
-    lines_ = TextsOfRows(*state_.grid, state_.rowCount);
+    Take(LinesOfRows(*state_.grid, state_.rowCount));
+}
+
+void KeptLines::Take(std::vector<KeptLine> lines) {
+    lines_ = std::move(lines);
     pending_ = false;
+}
+
+const KeptLine& KeptLines::LineOrBlank(int row) const {
+    static const KeptLine kBlank;
+    const auto at = static_cast<std::size_t>(row - 1);
+    return at < lines_.size() ? lines_[at] : kBlank;
 }
 
 bool KeptLines::OfferUndo(const std::string& notice) {
@@ -53,14 +74,11 @@ bool KeptLines::OfferUndo(const std::string& notice) {
     bool differs = kept != state_.rowCount;
     state_.journal.Open(before);
     for (int row = 1; row <= std::max(kept, state_.rowCount); ++row) {
+        const KeptLine& line = LineOrBlank(row);
         for (int c = 1; c <= kColumnCount; ++c) {
-            const std::string_view own =
-                row <= kept ? std::string_view(
-                                  lines_[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(c - 1)])
-                            : std::string_view();
-            if (grid.Text(row, c) == own) continue;
-            // No line with a refused text is ever sent: what was kept has been taken.
-            state_.journal.TextReplaced(row, c, own, TextVerdict::Taken);
+            if (!Differs(grid, row, c, line)) continue;
+            const auto at = static_cast<std::size_t>(c - 1);
+            state_.journal.TextReplaced(row, c, line.texts[at], line.refusals[at]);
             differs = true;
         }
     }
@@ -79,10 +97,33 @@ void KeptLines::PutBack() {
     const Unrecorded filling(grid);
     grid.SetReDraw(false);
     int row = 0;
-    for (const LineTexts& line : lines_)
-        grid.FillRow(++row, line);
+    // What was refused by a column was never sent: these texts have all been taken.
+    for (const KeptLine& line : lines_)
+        grid.FillRow(++row, line.texts);
     grid.SetReDraw(true);
     state_.rowCount = row;
+    state_.dirty = true;
+}
+
+void KeptLines::PutAsTyped() {
+    EntryGrid& grid = *state_.grid;
+    const int kept = static_cast<int>(lines_.size());
+    MakeRoom(grid, kept);
+    const UndoStep step(state_);
+    grid.SetReDraw(false);
+    const int rows = std::max(kept, state_.rowCount);
+    CellChecks checks;
+    for (int row = 1; row <= rows; ++row) {
+        const KeptLine& line = LineOrBlank(row);
+        for (int c = 1; c <= kColumnCount; ++c) {
+            if (!Differs(grid, row, c, line)) continue;
+            const auto at = static_cast<std::size_t>(c - 1);
+            grid.RestoreText(row, c, line.texts[at], line.refusals[at]);
+        }
+        MarkRow(grid, row, checks);
+    }
+    grid.SetReDraw(true);
+    state_.rowCount = kept;
     state_.dirty = true;
 }
 

@@ -192,8 +192,9 @@ bool ConfirmEmptyTemplate() {
     return Ask("当前模板模板信息为空，您确认要保存么？", MessageButtons::OkCancel) == MessageResult::Ok;
 }
 
-TemplateSave::TemplateSave(WindowState& state, KeptLines& kept, TemplateSaveActions actions)
-    : state_(state), kept_(kept), actions_(std::move(actions)) {}
+TemplateSave::TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& drafts,
+                           TemplateSaveActions actions)
+    : state_(state), kept_(kept), drafts_(drafts), actions_(std::move(actions)) {}
 
 bool TemplateSave::Save() {
     if (!state_.IsOpen() || !state_.dirty) return false;
@@ -233,16 +234,22 @@ bool TemplateSave::SendAndReload(bool treeToo) {
     const LinesDigest loadedBefore = state_.loaded;
     if (sent == SendResult::Refused) kept_.Take();
     bool reloaded = true;
-    if (treeToo) {
-        actions_.readTreeAgain(state_.templateId);
-        reloaded = state_.linesKnown;
-    } else {
-        reloaded = actions_.reload();
+    {
+        const TemplateDrafts::Hold hold(drafts_);
+        if (treeToo) {
+            actions_.readTreeAgain(state_.templateId);
+            reloaded = state_.linesKnown;
+        } else {
+            reloaded = actions_.reload();
+        }
     }
     state_.dirty = false;
     if (sent == SendResult::Refused) {
         KeepRefused(reloaded, loadedBefore);
-    } else if (!reloaded && !treeToo) {
+        return true;
+    }
+    drafts_.Drop();
+    if (!reloaded && !treeToo) {
         Tell("模板 " + name + " 已保存，但未能重新读取，请重新打开该模板！");
     }
     return true;
@@ -258,6 +265,8 @@ void TemplateSave::KeepRefused(bool reloaded, const LinesDigest& loadedBefore) {
         state_.linesKnown = true;
         state_.loaded = loadedBefore;
     }
+    drafts_.Changed();
+    drafts_.Keep();
     actions_.refreshStatus();
 }
 
@@ -288,9 +297,13 @@ bool TemplateSave::Validate() {
 
 bool TemplateSave::ConfirmUnsavedChanges() {
     if (!state_.IsOpen() || !state_.dirty) return true;
-    if (Ask("当前凭证模板修改后未保存，您是否进行保存?", MessageButtons::YesNo) != MessageResult::Yes)
+    if (Ask("当前凭证模板修改后未保存，您是否进行保存?", MessageButtons::YesNo) != MessageResult::Yes) {
+        drafts_.SetDeclined(true);
         return true;
-    return Save();
+    }
+    // A save that the database refused counts as one. Whatever comes next may replace the grid's content as
+    // soon as what was typed is on the disk; as long as it is in this window alone, nothing goes on.
+    return Save() && (!kept_.IsPending() || drafts_.Keep());
 }
 
 void TemplateSave::GoToCell(const CellAddress& cell) {

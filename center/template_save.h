@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "center/draft/template_drafts.h"
 #include "center/kept_lines.h"
 #include "center/template_fate.h"
 #include "center/window_state.h"
@@ -53,7 +54,7 @@ struct TemplateSaveActions {
 
 class TemplateSave {
   public:
-    TemplateSave(WindowState& state, KeptLines& kept, TemplateSaveActions actions);
+    TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& drafts, TemplateSaveActions actions);
 
     bool Save();
     bool Validate();
@@ -69,6 +70,7 @@ class TemplateSave {
 
     WindowState& state_;
     KeptLines& kept_;
+    TemplateDrafts& drafts_;
     TemplateSaveActions actions_;
 };
 

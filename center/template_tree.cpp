@@ -47,8 +47,15 @@ std::string Literal(const std::string& text) {
 
 }  // namespace
 
-TemplateTree::TemplateTree(WindowState& state, std::function<bool()> confirm, std::function<void()> opened)
-    : state_(state), confirm_(std::move(confirm)), opened_(std::move(opened)) {}
+TemplateTree::TemplateTree(WindowState& state, std::function<bool()> confirm, std::function<void()> leaving,
+                           std::function<void()> opened)
+    : state_(state), confirm_(std::move(confirm)), leaving_(std::move(leaving)), opened_(std::move(opened)) {}
+
+std::string TemplateTree::KeyOfTemplate(const std::string& id, const std::string& name) const {
+    const TreeNode* node = Find(KeyOf(id));
+    if (node == nullptr) return {};
+    return store::IsStandard(id) || node->text == name ? node->key : std::string();
+}
 
 const TreeNode* TemplateTree::Find(const std::string& key) const {
     const auto found =
@@ -120,6 +127,7 @@ bool TemplateTree::Reload() {
 }
 
 void TemplateTree::Read(const std::string& name, const std::string& id, const std::string& displayName) {
+    leaving_();
     state_.journal.Drop();
     state_.notice.clear();
     // Observers see one reset: first no rows, then the blank ones.

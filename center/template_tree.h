@@ -13,8 +13,10 @@ namespace vicenter::center {
 
 class TemplateTree {
   public:
-    // confirm: the unsaved-changes gate. opened: called whenever another template, or none, is in the grid.
-    TemplateTree(WindowState& state, std::function<bool()> confirm, std::function<void()> opened);
+    // confirm: the unsaved-changes gate. leaving and opened: called whenever what is in the grid gives way to
+    // another template, or none, before and after.
+    TemplateTree(WindowState& state, std::function<bool()> confirm, std::function<void()> leaving,
+                 std::function<void()> opened);
 
     void Build();
     void RebuildAndSelect(std::int32_t id);
@@ -41,6 +43,8 @@ class TemplateTree {
     // A new template of the user's, its node selected; none when the account set made none, or when the one
     // that it made cannot be told from another user's: the user has been told, and the nodes are read anew.
     std::optional<TreeNode> InsertTemplate();
+    // The key of that template's node, empty when the tree has none under that name.
+    std::string KeyOfTemplate(const std::string& id, const std::string& name) const;
     void DeleteSelected();
 
     const std::vector<TreeNode>& Nodes() const { return nodes_; }
@@ -64,6 +68,7 @@ class TemplateTree {
 
     WindowState& state_;
     std::function<bool()> confirm_;
+    std::function<void()> leaving_;
     std::function<void()> opened_;
     std::vector<TreeNode> nodes_;
     std::string selected_;

@@ -34,8 +34,10 @@ constexpr int kProgressWidth = 4800;
 constexpr int kProgressHeight = 1000;
 constexpr int kPauseMilliseconds = 30;  // shorter than a hand needs from one key to the next
 // How often what was saved is brought into the account set's own file; next to nothing when nothing was.
-constexpr int kRestMilliseconds = 5000;
-constexpr int kNamePadding = 9;  // pixels around the name's line
+constexpr int kHomeMilliseconds = 5000;
+constexpr int kRestMilliseconds = 1500;
+constexpr int kLongestTypingMilliseconds = 10000;  // without a rest
+constexpr int kNamePadding = 9;                    // pixels around the name's line
 // Of a font's em: what one line of a cell takes up. The line heights that Chinese fonts name for running text
 // would leave a third of every row empty.
 constexpr double kLineOfEm = 1.2;
@@ -145,11 +147,19 @@ void VICenterWindow::BuildGrid() {
     pause_->setInterval(kPauseMilliseconds);
     connect(pause_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
     connect(model_, &GridModel::activeCellChanged, pause_, qOverload<>(&QTimer::start));
-    rest_ = new QTimer(this);
-    rest_->setInterval(kRestMilliseconds);
-    connect(rest_, &QTimer::timeout, this, [this] {
+    home_ = new QTimer(this);
+    home_->setInterval(kHomeMilliseconds);
+    connect(home_, &QTimer::timeout, this, [this] {
         if (!progress_->IsPolling()) Guarded([this] { presenter_->Rest(); });
     });
+    rest_ = new QTimer(this);
+    rest_->setObjectName(QStringLiteral("rest"));
+    rest_->setSingleShot(true);
+    rest_->setInterval(kRestMilliseconds);
+    connect(rest_, &QTimer::timeout, this, &VICenterWindow::KeepDraft);
+    for (const auto signal : {&GridModel::rowsInserted, &GridModel::rowsRemoved})
+        connect(model_, signal, this, &VICenterWindow::ContentChanged);
+    connect(model_, &GridModel::dataChanged, this, &VICenterWindow::ContentChanged);
     connect(grid_, &GridView::editingChanged, items_, &ItemPanel::SetCellEditing);
     connect(grid_, &GridView::textRefused, status_, &StatusLine::Flash);
     connect(grid_, &GridView::textTaken, status_, &StatusLine::EndFlash);
@@ -198,7 +208,7 @@ void VICenterWindow::ShowModeless() {
     raise();
     activateWindow();
     pause_->start();
-    rest_->start();
+    home_->start();
 }
 
 void VICenterWindow::CloseWindow() {
@@ -212,6 +222,9 @@ void VICenterWindow::closeEvent(QCloseEvent* event) {
     }
     event->accept();
     if (unloaded_ || !loaded_) return;
+    // What is still being typed belongs to the draft.
+    if (grid_) grid_->CommitOpenEditor();
+    items_->CommitTyping();
     unloaded_ = true;
     Guarded([this] { presenter_->Unload(); });
 }
@@ -367,6 +380,21 @@ void VICenterWindow::PrepareNameLists() {
         return;
     }
     Guarded([this] { presenter_->PrepareNameLists(); });
+}
+
+// Whoever types without a rest is kept from time to time all the same.
+void VICenterWindow::ContentChanged() {
+    if (!rest_->isActive()) typing_.start();
+    if (!rest_->isActive() || typing_.elapsed() < kLongestTypingMilliseconds) rest_->start();
+}
+
+void VICenterWindow::KeepDraft() {
+    if (!loaded_ || unloaded_) return;
+    if (progress_->IsPolling()) {
+        rest_->start();
+        return;
+    }
+    Guarded([this] { presenter_->UserRests(); });
 }
 
 QRect VICenterWindow::ActiveRowOnScreen() const {

@@ -6,6 +6,7 @@
 // events to the presenter and shows what arrives through VICenterView; the grid's contents it observes.
 // Several windows live side by side. No exception leaves it towards Qt. User-interface thread only.
 
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -66,6 +67,8 @@ class VICenterWindow : public QMainWindow,
     void FocusMoved(QWidget* now);
     bool MoveBetweenAreas(const QKeyEvent& event);
     void PrepareNameLists();
+    void ContentChanged();
+    void KeepDraft();
     Zone ZoneOf(const QWidget* widget) const;
     void ClickTool(const QString& key);
     void CommitTyping();
@@ -141,7 +144,9 @@ class VICenterWindow : public QMainWindow,
     GridModel* model_ = nullptr;
     GridView* grid_ = nullptr;
     QTimer* pause_ = nullptr;  // runs out when the user rests on a cell
-    QTimer* rest_ = nullptr;   // for what may be done while no command runs
+    QTimer* home_ = nullptr;   // for what may be done while no command runs
+    QTimer* rest_ = nullptr;   // runs out when nothing has been typed for a while
+    QElapsedTimer typing_;     // since what is typed has last been kept
     Zone zone_ = Zone::Elsewhere;
     bool loaded_ = false;
     bool unloaded_ = false;

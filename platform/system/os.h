@@ -14,6 +14,8 @@
 namespace vicenter::system::os {
 
 std::int32_t ProcessId();
+// What a running process has to itself as long as it runs; empty when there is no such process.
+std::string ProcessMark(std::int32_t processId);
 // Starts a program without waiting for it; false when it is not found. Arguments without the program's own
 // name.
 bool StartProgram(const std::string& program, const std::vector<std::string>& arguments);

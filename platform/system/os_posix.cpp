@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <string_view>
 
 #include <dlfcn.h>
@@ -44,6 +47,22 @@ std::optional<std::string> FindOnPath(const std::string& program) {
 
 std::int32_t ProcessId() {
     return static_cast<std::int32_t>(getpid());
+}
+
+std::string ProcessMark(std::int32_t processId) {
+    if (processId <= 0) return {};
+    std::ifstream stat("/proc/" + std::to_string(processId) + "/stat");
+    const std::string line{std::istreambuf_iterator<char>(stat), std::istreambuf_iterator<char>()};
+    // The name stands in brackets and may hold anything; the start time is the 20th word behind it, and the
+    // first tells a process that has ended and waits to be asked for.
+    const std::size_t name = line.rfind(')');
+    if (name == std::string::npos) return {};
+    std::istringstream words(line.substr(name + 1));
+    std::string word;
+    for (int i = 0; i < 20 && words >> word; ++i) {
+        if (i == 0 && (word == "Z" || word == "X")) return {};
+    }
+    return word;
 }
 
 bool StartProgram(const std::string& program, const std::vector<std::string>& arguments) {

@@ -15,7 +15,10 @@ namespace vicenter::center::test {
 class FakeVICenterView : public VICenterView {
   public:
     void ShowModeless() override { calls.emplace_back("show"); }
-    void CloseWindow() override { calls.emplace_back("close"); }
+    void CloseWindow() override {
+        calls.emplace_back("close");
+        if (onClose) onClose();
+    }
 
     void SetTree(const std::vector<TreeNode>& nodes) override {
         calls.emplace_back("tree");
@@ -102,6 +105,7 @@ class FakeVICenterView : public VICenterView {
     std::vector<std::string> fonts;
     int labelHeight = 180;
     Size windowSize{12000, 8000};
+    std::function<void()> onClose;
     std::function<void(dialogs::FrmSearch&)> onFind;
     std::function<void(dialogs::frmSetColume&)> onColumns;
 };

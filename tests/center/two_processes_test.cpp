@@ -1,6 +1,9 @@
 // A window on a real account set while the program works on the same set in a process of its own: what one
 // deletes, saves or creates never ends up in the other's template.
 
+#include <csignal>
+#include <functional>
+
 #include <gmock/gmock.h>
 
 #include "automation/class_registry.h"
@@ -228,6 +231,64 @@ TEST_F(TwoProcesses, ASaveThatTheAccountSetRefusesKeepsWhatWasTyped) {
     ASSERT_TRUE(Window().Grid().SetText(1, column::kExplanation, "短"));
     EXPECT_TRUE(Window().Save());
     EXPECT_EQ(Value("select FRemark from t_VchTemplateEntry where FID = 1 and FEntryID = 2"), "第二行");
+}
+
+// --- a window whose process is killed
+
+// Runs work in a process of its own until it says so, and kills it there.
+void KillWhenDone(const std::function<void()>& work) {
+    int said[2];
+    ASSERT_EQ(0, pipe(said));
+    const pid_t child = fork();
+    if (child == 0) {
+        work();
+        const ssize_t written = write(said[1], "x", 1);
+        pause();
+        _exit(written == 1 ? 0 : 1);
+    }
+    char word = 0;
+    EXPECT_EQ(1, read(said[0], &word, 1));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    close(said[0]);
+    close(said[1]);
+}
+
+TEST(KilledWindow, LeavesADraftThatTheNextOneOffers) {
+    const host::test::TestFolder folder;
+    const std::string set = host::test::CopySet(folder);
+    const automation::ClassRegistry::Restore restore;
+    const auto messages = std::make_shared<fakes::RecordingMessageBoxes>();
+    system::Surroundings surroundings =
+        system::Surroundings::OfSystem();  // processes and windows as they are
+    surroundings.messageBoxes = messages;
+    const system::SurroundingsScope scope(surroundings);
+    FakeVICenterView view;
+    KillWhenDone([&] {
+        const auto session = host::RegisterHostComponents({host::FileConnectString(set), 1});
+        auto* window = new frmVICenter(view, nullptr);  // killed with its process, never closed
+        window->Load();
+        window->TreeNodeClick("detail-1");
+        window->MoveActiveCell({1, column::kRemark});
+        window->CommitText({1, column::kRemark}, "未保存");
+        window->UserRests();
+    });
+    const auto session = host::RegisterHostComponents({host::FileConnectString(set), 1});
+    frmVICenter window(view, nullptr);
+    window.Load();
+    messages->answers = {MessageResult::Yes};
+    window.Shown();
+    ASSERT_EQ(messages->Texts().size(), 1U);
+    EXPECT_THAT(messages->Texts()[0], HasSubstr("模板 日常费用 有上次未保存的修改"));
+    EXPECT_EQ(window.TemplateId(), "1");
+    EXPECT_EQ(window.Grid().Text(1, column::kRemark), "未保存");
+    EXPECT_TRUE(window.IsDirty());
+    EXPECT_TRUE(window.Save());
+    EXPECT_EQ(session->Execute("select FRemark from t_VchTemplateEntry where FID = 1 and FEntryID = 1")
+                  ->Value(std::size_t{0})
+                  .ToText(),
+              "未保存");
+    entry::SetCurrentUserId("");
 }
 
 }  // namespace

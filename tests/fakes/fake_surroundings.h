@@ -121,9 +121,10 @@ class RecordingScreen : public system::Screen {
 class FixedFolders : public system::Folders {
   public:
     std::string Temporary() override { return temporary; }
-    std::string UserData() override { return temporary + "/data"; }
+    std::string UserData() override { return data; }
     std::string Component() override { return component; }
     std::string temporary;
+    std::string data;  // made by whoever needs it
     std::string component = "C:\\Vela\\Component";
 };
 
@@ -156,7 +157,16 @@ class TemporaryFolder {
 class FakeSurroundings {
   public:
     FakeSurroundings() : scope_({messageBoxes, fileDialogs, clock, processes, guids, screen, folders}) {
-        folders->temporary = system::Surroundings::OfSystem().folders->Temporary();
+        const system::Surroundings real = system::Surroundings::OfSystem();
+        folders->temporary = real.folders->Temporary();
+        // What one test leaves for its user is not the next one's.
+        folders->data = folders->temporary + "/vicenter-test-data-" + real.guids->New()->substr(1, 8);
+    }
+    FakeSurroundings(const FakeSurroundings&) = delete;
+    FakeSurroundings& operator=(const FakeSurroundings&) = delete;
+    ~FakeSurroundings() {
+        std::error_code ignored;
+        std::filesystem::remove_all(system::PathFromUtf8(folders->data), ignored);
     }
 
     std::shared_ptr<RecordingMessageBoxes> messageBoxes = std::make_shared<RecordingMessageBoxes>();

@@ -1,0 +1,132 @@
+// The window, real keys and a real account set: what was typed and not saved is there again after the
+// window's frame was closed, and what a save could not store is one key away.
+
+#include <QLabel>
+#include <QTimer>
+#include <filesystem>
+
+#include "platform/system/files.h"
+#include "tests/ui/demo_set_fixture.h"
+
+namespace vicenter::ui {
+namespace {
+
+namespace fs = std::filesystem;
+using system::MessageResult;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class DraftsWay : public DemoSetTest {
+  protected:
+    std::vector<std::string> Drafts() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(system::PathFromUtf8(file).parent_path())) {
+            const std::string name = system::PathToUtf8(entry.path().filename());
+            if (name.ends_with(".draft")) names.push_back(name);
+        }
+        return names;
+    }
+    void OpenAndTell() {
+        Open();
+        QApplication::processEvents();
+    }
+    void TypeRemark(const char* text) {
+        ClickCell(1, column::kExplanation);
+        Type(text);
+        Key(Qt::Key_Return);
+    }
+    QString Hint() { return window->findChild<QLabel*>(QStringLiteral("lblHint"))->text(); }
+};
+
+TEST_F(DraftsWay, WhatIsTypedIsKeptBesideTheAccountSetWhileTheUserRests) {
+    OpenAndTell();
+    ClickNode("detail-1");
+    auto* rest = window->findChild<QTimer*>(QStringLiteral("rest"));
+    rest->setInterval(0);
+    TypeRemark("mine");
+    EXPECT_TRUE(QTest::qWaitFor([this] { return Drafts().size() == 1; }));
+    EXPECT_THAT(Drafts()[0], HasSubstr("set.vas-1-1-"));
+    ClickTool("mnuSave");
+    EXPECT_THAT(Drafts(), IsEmpty());
+    EXPECT_EQ(Number("select count(*) as n from t_VchTemplateEntry where FID = 1 and FExp = 'mine'"), 1);
+}
+
+TEST_F(DraftsWay, AWindowClosedByItsFrameLeavesADraftThatTheNextOneOffers) {
+    OpenAndTell();
+    ClickNode("detail-1");
+    TypeRemark("mine");
+    // Still in its editor when the frame is closed.
+    ClickCell(2, column::kExplanation);
+    Type("second");
+    TakeMessages();
+    Close();
+    EXPECT_THAT(TakeMessages(), IsEmpty());
+    ASSERT_EQ(Drafts().size(), 1U);
+    surroundings.messageBoxes->answers = {MessageResult::Yes};
+    OpenAndTell();
+    const std::vector<std::string> messages = TakeMessages();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_THAT(messages[0], HasSubstr("模板 日常费用 有上次未保存的修改"));
+    EXPECT_EQ(window->Presenter().TemplateId(), "1");
+    EXPECT_EQ(Text(1, column::kExplanation), "mine");
+    EXPECT_EQ(Text(2, column::kExplanation), "second");
+    EXPECT_EQ(window->Presenter().RowCount(), 11);
+    ClickTool("mnuSave");
+    EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("模板 日常费用 保存成功")));
+    EXPECT_EQ(Number("select count(*) as n from t_VchTemplateEntry where FID = 1 and FExp = 'second'"), 1);
+    EXPECT_THAT(Drafts(), IsEmpty());
+}
+
+TEST_F(DraftsWay, ASaveThatIsRefusedIsTakenBackByOneKey) {
+    OpenAndTell();
+    ClickNode("detail-1");
+    TypeRemark("mine");
+    // Longer than its column, as a look-up may bring it.
+    window->Presenter().Grid().SetText(2, column::kExplanation, std::string(256, 'x'));
+    TakeMessages();
+    ClickTool("mnuSave");
+    const std::vector<std::string> messages = TakeMessages();
+    ASSERT_EQ(messages.size(), 2U);
+    EXPECT_THAT(messages[0], HasSubstr("truncated"));
+    EXPECT_EQ(Text(1, column::kExplanation), "报销办公费");
+    EXPECT_EQ(Hint(), QStringLiteral("保存被拒绝，按 Ctrl+Z 找回保存前的分录"));
+    EXPECT_EQ(Drafts().size(), 1U);
+    window->Grid().setFocus();
+    QTest::keyClick(&window->Grid(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Text(1, column::kExplanation), "mine");
+    EXPECT_EQ(Hint(), QString());
+    EXPECT_TRUE(window->Presenter().IsDirty());
+}
+
+TEST_F(DraftsWay, ATemplateDeletedBesideAnOpenWindowIsToldAndLeavesTheTree) {
+    OpenAndTell();
+    session->Execute("delete t_VchTemplate where FID = 2");
+    session->Execute("delete t_VchTemplateEntry where FID = 2");
+    TakeMessages();
+    ClickNode("detail-2");
+    EXPECT_THAT(TakeMessages(), ElementsAre("模板 销售与收款 已在别处被删除！"));
+    EXPECT_EQ(window->Tree().FindNode("detail-2"), nullptr);
+    EXPECT_EQ(window->Presenter().TemplateId(), "0");
+}
+
+TEST_F(DraftsWay, TwoWindowsOfTwoUsersMakeTemplatesOfTheirOwn) {
+    OpenAndTell();
+    const QPointer<VICenterWindow> first = window;
+    Enter(2);
+    OpenAndTell();
+    const QPointer<VICenterWindow> second = window;
+    for (const QPointer<VICenterWindow>& each : {first, second}) {
+        window = each;
+        window->activateWindow();
+        window->Tree().setFocus();
+        ClickTool("mnuNew");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    }
+    EXPECT_EQ(Number("select FUserID from t_VchTemplate where FID = 10"), 1);
+    EXPECT_EQ(Number("select FUserID from t_VchTemplate where FID = 11"), 2);
+    first->close();
+}
+
+}  // namespace
+}  // namespace vicenter::ui
