@@ -16,7 +16,9 @@ using automation::Error;
 namespace {
 
 [[noreturn]] void ThrowUnreadable() {
-    throw Error(automation::error_number::kElementNotFound, "无法读取凭证模板，请检查账套连接！");
+    Error error(automation::error_number::kElementNotFound, "无法读取凭证模板，请检查账套连接！");
+    if (!store::clsVIData::LastFailure().empty()) error.While(store::clsVIData::LastFailure());
+    throw error;
 }
 
 }  // namespace

@@ -262,6 +262,7 @@ SqlError Database::Failure(int code) const {
     switch (code & 0xFF) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
+        case SQLITE_PROTOCOL:  // the log stayed locked for longer than SQLite waits
             return MakeError(1222, {});
         case SQLITE_FULL:
             return MakeError(9002, {}, {path_, "DISK_FULL"});
