@@ -125,9 +125,10 @@ void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
 
 bool Executor::StepPlan(Plan& plan) {
     const StepResult result = plan.statement.Step();
-    catalog_.EndSnapshot();
     if (std::exchange(services_.failedComparison, false)) throw std::bad_alloc();
+    // What failed is told before the next call on the connection makes it forget.
     if (result == StepResult::kFailed) FailStep(plan);
+    catalog_.EndSnapshot();
     return result == StepResult::kRow;
 }
 
