@@ -23,7 +23,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kLanes = 8;
-constexpr std::chrono::seconds kLongestCommand{60};
+constexpr std::chrono::seconds kLongestCommand{120};
 
 // A template of one lane, as its answers say that it is.
 struct Known {
