@@ -6,8 +6,8 @@
 #include "center/window_state.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
-#include "platform/ado/account_set/account_set_copies.h"
 #include "platform/ado/connection.h"
+#include "platform/ado/file_care.h"
 #include "platform/system/file_names.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
@@ -32,7 +32,9 @@ std::string ConnectStringOfHost() {
 
 std::optional<std::string> File() {
     try {
-        return ado::AccountSetFile(ConnectStringOfHost());
+        const ado::FileCare* care = ado::RegisteredFileCare();
+        if (care == nullptr) return std::nullopt;
+        return care->FileOf(ConnectStringOfHost());
     } catch (const Error&) {
         return std::nullopt;
     }
@@ -63,7 +65,7 @@ void AccountSetCare::BackUp(bool unsaved) {
     const auto chosen = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);
     if (!chosen || chosen->empty()) return;
     try {
-        ado::BackUpAccountSet(*file, *chosen);
+        ado::RegisteredFileCare()->BackUp(*file, *chosen);
     } catch (const Error& error) {
         entry::WriteOperationLog(LogKind::Failed, "凭证模板-备份账套 失败");
         Tell("账套备份失败！\r\n\r\n" + error.Text());
@@ -79,7 +81,7 @@ void AccountSetCare::Verify() {
     if (!file) return;
     std::vector<std::string> findings;
     try {
-        findings = ado::FindAccountSetDamage(*file);
+        findings = ado::RegisteredFileCare()->FindDamage(*file);
         if (findings.empty())
             findings = store::FindTemplateFaults(*ado::OpenConnection(ConnectStringOfHost()));
     } catch (const Error& error) {

@@ -5,8 +5,10 @@
 #include <new>
 
 #include "platform/ado/account_set/account_set_collation.h"
+#include "platform/ado/account_set/account_set_copies.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/account_set/session_pool.h"
+#include "platform/ado/file_care.h"
 #include "platform/ado/running_batch.h"
 #include "platform/system/surroundings.h"
 #include "text/hex.h"
@@ -360,7 +362,24 @@ void RestAccountSets() {
     if (SessionPool* pool = SessionPool::Process()) pool->BringHome();
 }
 
+namespace {
+
+class AccountSetCare final : public FileCare {
+  public:
+    std::optional<std::string> FileOf(const std::string& connectString) const override {
+        return AccountSetFile(connectString);
+    }
+    void BackUp(const std::string& file, const std::string& to) const override { BackUpAccountSet(file, to); }
+    std::vector<std::string> FindDamage(const std::string& file) const override {
+        return FindAccountSetDamage(file);
+    }
+};
+
+}  // namespace
+
 void RegisterAccountSetProvider() {
+    static const AccountSetCare care;
+    RegisterFileCare(care);
     RegisterProvider(
         kProviderName, [] { return std::make_shared<AccountSetConnection>(); }, RestAccountSets);
 }
