@@ -4,12 +4,12 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-#include <filesystem>
 
 #include <gtest/gtest.h>
 
 #include "automation/error.h"
 #include "platform/ado/account_set/account_set_provider.h"
+#include "tests/fakes/fake_surroundings.h"
 
 namespace vicenter::ui {
 namespace {
@@ -147,13 +147,13 @@ class Impatient : public QObject {
 
 TEST_F(LongWorkTest, AnEndlessStatementIsCancelledFromItsBox) {
     ado::RegisterAccountSetProvider();
-    const std::filesystem::path file = std::filesystem::path(testing::TempDir()) / "long_work.vas";
-    std::filesystem::remove(file);
+    const fakes::TemporaryFolder folder;
     system::Surroundings watched = system::Surroundings::Current();
     watched.longWork = std::make_shared<QtLongWork>();
     const system::SurroundingsScope scope(watched);
-    const ado::ConnectionRef connection = ado::OpenConnection(
-        "Provider=VelaAccountSet;Create=yes;Pooling=no;Command Timeout=0;Data Source=" + file.string());
+    const ado::ConnectionRef connection =
+        ado::OpenConnection("Provider=VelaAccountSet;Create=yes;Pooling=no;Command Timeout=0;Data Source=" +
+                            folder.File("long_work.vas"));
     const Impatient user;
     try {
         connection->Execute("create table t (a int) declare @i int set @i = 0 while 1 = 1 set @i = 1 - @i");
@@ -165,7 +165,6 @@ TEST_F(LongWorkTest, AnEndlessStatementIsCancelledFromItsBox) {
     EXPECT_EQ(ShownBox(), nullptr);
     EXPECT_NO_THROW(connection->Execute("create table t (a int)"));
     connection->Close();
-    std::filesystem::remove(file);
 }
 
 }  // namespace
