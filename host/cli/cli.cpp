@@ -150,10 +150,10 @@ class CommandLine {
 
         const auto addCopy = [&](const char* name, CliCommand command, const char* description,
                                  const char* from, const char* to) {
-            CLI::App* copy = AddCommand(*accountSet, name, command, description);
-            copy->add_option(from, options_.file, "账套文件 / file")->required()->check(kNotEmpty);
+            CLI::App* added = AddCommand(*accountSet, name, command, description);
+            added->add_option(from, options_.file, "账套文件 / file")->required()->check(kNotEmpty);
             if (to != nullptr)
-                copy->add_option(to, options_.target, "目标文件 / target file")->required()->check(kNotEmpty);
+                added->add_option(to, options_.target, "目标文件 / target file")->required()->check(kNotEmpty);
         };
         addCopy("backup", CliCommand::AccountSetBackup,
                 "备份账套，不影响正在使用的人 / back up while others work", "FILE", "TO");
