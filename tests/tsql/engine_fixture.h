@@ -2,8 +2,8 @@
 
 // A session on an account set in a folder of its own, and results as plain texts.
 
-#include <atomic>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -64,13 +64,11 @@ class TextSink : public ResultSink {
 class EngineTest : public testing::Test {
   protected:
     EngineTest() {
-        static std::atomic<int> number{0};
+        // Of its own even when the same test runs in another process at the same time.
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
         folder_ = std::filesystem::temp_directory_path() /
                   ("vicenter_" + std::string(info->test_suite_name()) + "_" + info->name() + "_" +
-                   std::to_string(std::hash<std::string>()(testing::TempDir() + std::to_string(++number)) %
-                                  100000));
-        std::filesystem::remove_all(folder_);
+                   std::to_string(std::random_device()()));
         std::filesystem::create_directories(folder_);
     }
     ~EngineTest() override {
