@@ -1,6 +1,10 @@
 // The program vicenter.
 
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -10,7 +14,32 @@
 #include "host/window/open_window.h"
 #endif
 
+namespace {
+
+[[noreturn]] void EndWithoutMemory() {
+    std::fputs("vicenter: 内存不足。\n", stderr);
+    std::_Exit(vicenter::host::kExitFailed);
+}
+
+// Where all memory is refused no message can be made and no handler entered any more: an end that says so and
+// leaves the account set as its last transaction left it.
+void OnTerminate() {
+    try {
+        if (const std::exception_ptr error = std::current_exception()) std::rethrow_exception(error);
+        // Not even the exception could be made.
+        if (void* probe = std::malloc(1024); probe == nullptr) EndWithoutMemory();
+    } catch (const std::bad_alloc&) {
+        EndWithoutMemory();
+    } catch (...) {
+        // As ever.
+    }
+    std::abort();
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    std::set_terminate(OnTerminate);
     vicenter::host::CliHooks hooks;
 #ifdef VICENTER_HAS_WINDOWS
     hooks.openWindow = [argc, argv] { return vicenter::host::OpenWindow(argc, argv); };
