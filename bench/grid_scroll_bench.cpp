@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "ui/application.h"
-#include "ui/grid_model.h"
-#include "ui/grid_view.h"
+#include "ui/grid/grid_model.h"
+#include "ui/grid/grid_view.h"
+#include "ui/run/application.h"
 
 namespace {
 

@@ -22,8 +22,8 @@
 #include "host/components/components.h"
 #include "platform/system/collation.h"
 #include "store/component_classes.h"
-#include "ui/application.h"
-#include "ui/vicenter_window.h"
+#include "ui/run/application.h"
+#include "ui/window/vicenter_window.h"
 
 namespace {
 

@@ -10,11 +10,11 @@
 #include <string>
 
 #include "bench/account_set_bench.h"
-#include "center/block_editing.h"
-#include "center/grid_editing.h"
-#include "center/line_loader.h"
-#include "center/silent_view.h"
-#include "center/window_state.h"
+#include "center/editing/block_editing.h"
+#include "center/editing/grid_editing.h"
+#include "center/frame/silent_view.h"
+#include "center/frame/window_state.h"
+#include "center/template/line_loader.h"
 #include "entry/host_context.h"
 #include "host/account_set.h"
 #include "store/cls_vi_data.h"

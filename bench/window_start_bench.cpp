@@ -22,8 +22,8 @@
 #include "automation/class_registry.h"
 #include "host/account_set.h"
 #include "host/cli/cli.h"
-#include "ui/run_window.h"
-#include "ui/vicenter_window.h"
+#include "ui/run/run_window.h"
+#include "ui/window/vicenter_window.h"
 
 namespace {
 

@@ -14,12 +14,12 @@
 #include "front/message_handler.h"
 #include "front/window_loop.h"
 #include "platform/system/surroundings.h"
-#include "ui/application.h"
-#include "ui/center_commands.h"
-#include "ui/display.h"
-#include "ui/qt_surroundings.h"
-#include "ui/vicenter_window.h"
-#include "ui/window_factory.h"
+#include "ui/run/application.h"
+#include "ui/run/display.h"
+#include "ui/run/qt_surroundings.h"
+#include "ui/window/center_commands.h"
+#include "ui/window/vicenter_window.h"
+#include "ui/window/window_factory.h"
 
 namespace vicenter::front {
 

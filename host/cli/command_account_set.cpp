@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "automation/error.h"
-#include "center/window_state.h"
+#include "center/frame/window_state.h"
 #include "host/account_set.h"
 #include "host/account_set_setup.h"
 #include "host/cli/connect_text.h"

@@ -3,9 +3,9 @@
 
 #include <optional>
 
-#include "center/cell_checks.h"
-#include "center/columns.h"
-#include "center/template_save.h"
+#include "center/editing/cell_checks.h"
+#include "center/grid/columns.h"
+#include "center/template/template_save.h"
 #include "host/cli/context.h"
 #include "host/cli/templates.h"
 

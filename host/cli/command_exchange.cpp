@@ -5,7 +5,7 @@
 #include <set>
 
 #include "automation/error.h"
-#include "center/window_state.h"
+#include "center/frame/window_state.h"
 #include "entry/host_services.h"
 #include "exchange/excel_access.h"
 #include "exchange/export_template.h"

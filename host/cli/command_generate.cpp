@@ -4,7 +4,7 @@
 
 #include "automation/error.h"
 #include "autovch/generation.h"
-#include "center/window_state.h"
+#include "center/frame/window_state.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
 #include "host/cli/templates.h"

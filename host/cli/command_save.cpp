@@ -3,8 +3,8 @@
 #include <iterator>
 #include <optional>
 
-#include "center/template_fate.h"
-#include "center/template_save.h"
+#include "center/template/template_fate.h"
+#include "center/template/template_save.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
 #include "host/cli/line_input.h"

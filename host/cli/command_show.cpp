@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "center/columns.h"
+#include "center/grid/columns.h"
 #include "host/cli/context.h"
 #include "host/cli/templates.h"
 

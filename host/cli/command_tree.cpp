@@ -4,8 +4,8 @@
 #include <string>
 
 #include "automation/error.h"
-#include "center/frm_vi_center.h"
-#include "center/window_state.h"
+#include "center/frame/frm_vi_center.h"
+#include "center/frame/window_state.h"
 #include "host/cli/context.h"
 #include "host/cli/templates.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "center/silent_view.h"
+#include "center/frame/silent_view.h"
 #include "platform/system/surroundings.h"
 
 namespace vicenter::host {

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "automation/error.h"
-#include "center/cell_rules.h"
-#include "center/columns.h"
+#include "center/editing/cell_rules.h"
+#include "center/grid/columns.h"
 #include "entry/single_line.h"
 #include "host/cli/templates.h"
 #include "platform/system/utf8.h"

@@ -2,7 +2,7 @@
 
 // Entry lines from a JSON document into a grid: what `vicenter save` reads.
 
-#include "center/entry_grid.h"
+#include "center/grid/entry_grid.h"
 #include "host/cli/json.h"
 
 namespace vicenter::host {

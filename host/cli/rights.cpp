@@ -4,7 +4,7 @@
 
 #include "automation/class_registry.h"
 #include "automation/error.h"
-#include "center/window_state.h"
+#include "center/frame/window_state.h"
 #include "entry/host_context.h"
 #include "host/components/host_session.h"
 

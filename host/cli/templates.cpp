@@ -1,9 +1,9 @@
 #include "host/cli/templates.h"
 
 #include "automation/error.h"
-#include "center/cell_checks.h"
-#include "center/columns.h"
-#include "center/line_loader.h"
+#include "center/editing/cell_checks.h"
+#include "center/grid/columns.h"
+#include "center/template/line_loader.h"
 #include "entry/single_line.h"
 #include "platform/system/collation.h"
 #include "platform/system/utf8.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "center/entry_grid.h"
+#include "center/grid/entry_grid.h"
 #include "host/cli/context.h"
 #include "platform/ado/recordset.h"
 

@@ -7,10 +7,10 @@
 #include "automation/error.h"
 #include "host/components/look_up_dialog.h"
 #include "platform/system/files.h"
-#include "ui/center_commands.h"
-#include "ui/display.h"
-#include "ui/look_up_dialog.h"
-#include "ui/run_window.h"
+#include "ui/dialogs/look_up_dialog.h"
+#include "ui/run/display.h"
+#include "ui/run/run_window.h"
+#include "ui/window/center_commands.h"
 
 namespace vicenter::host {
 

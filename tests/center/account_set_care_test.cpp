@@ -1,4 +1,4 @@
-#include "center/account_set_care.h"
+#include "center/frame/account_set_care.h"
 
 #include <filesystem>
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "center/block_editing.h"
+#include "center/editing/block_editing.h"
 
 namespace vicenter::center {
 

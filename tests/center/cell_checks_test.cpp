@@ -1,6 +1,6 @@
-#include "center/cell_checks.h"
+#include "center/editing/cell_checks.h"
 
-#include "center/fault_text.h"
+#include "center/editing/fault_text.h"
 #include "tests/center/grid_fixture.h"
 
 namespace vicenter::center {

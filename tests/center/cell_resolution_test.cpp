@@ -1,6 +1,6 @@
 // Leaving a cell: the whole table, column by column and by the three states of the text.
 
-#include "center/cell_resolution.h"
+#include "center/lookups/cell_resolution.h"
 
 #include "tests/center/grid_fixture.h"
 

@@ -1,11 +1,11 @@
-#include "center/cell_rules.h"
+#include "center/editing/cell_rules.h"
 
 #include <initializer_list>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "center/columns.h"
+#include "center/grid/columns.h"
 
 namespace vicenter::center {
 

@@ -13,7 +13,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "center/frm_vi_center.h"
+#include "center/frame/frm_vi_center.h"
 #include "entry/host_context.h"
 #include "tests/center/fake_view.h"
 #include "tests/fakes/fake_account_set.h"

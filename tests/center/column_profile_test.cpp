@@ -1,4 +1,4 @@
-#include "center/column_profile.h"
+#include "center/grid/column_profile.h"
 
 #include "tests/center/grid_fixture.h"
 

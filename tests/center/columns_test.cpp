@@ -1,4 +1,4 @@
-#include "center/columns.h"
+#include "center/grid/columns.h"
 
 #include <set>
 #include <string>

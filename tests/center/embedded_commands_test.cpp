@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/class_registry.h"
-#include "center/frm_vi_center.h"
+#include "center/frame/frm_vi_center.h"
 #include "entry/host_context.h"
 #include "host/components/components.h"
 #include "host/components/look_up_dialog.h"

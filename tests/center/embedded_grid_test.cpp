@@ -1,6 +1,6 @@
 // Loading, editing, saving and the column profile on a real embedded account set with the demo ledger.
 
-#include "center/frm_vi_center.h"
+#include "center/frame/frm_vi_center.h"
 #include "host/account_set.h"
 #include "host/components/components.h"
 #include "tests/center/grid_fixture.h"

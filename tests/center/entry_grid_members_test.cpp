@@ -1,6 +1,6 @@
 // The entry grid as hosts and dialogs drive it: late-bound, by the spread control's names.
 
-#include "center/entry_grid.h"
+#include "center/grid/entry_grid.h"
 #include "tests/center/grid_fixture.h"
 
 namespace vicenter::center {

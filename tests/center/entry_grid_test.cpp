@@ -1,4 +1,4 @@
-#include "center/entry_grid.h"
+#include "center/grid/entry_grid.h"
 
 #include "tests/center/grid_fixture.h"
 

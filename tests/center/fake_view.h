@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "center/vicenter_view.h"
+#include "center/frame/vicenter_view.h"
 #include "dialogs/frm_search.h"
 #include "dialogs/frm_set_colume.h"
 

@@ -1,6 +1,6 @@
-#include "center/grid_editing.h"
+#include "center/editing/grid_editing.h"
 
-#include "center/fault_text.h"
+#include "center/editing/fault_text.h"
 #include "tests/center/grid_fixture.h"
 
 namespace vicenter::center {

@@ -9,12 +9,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "center/block_editing.h"
-#include "center/cell_checks.h"
-#include "center/column_profile.h"
-#include "center/grid_editing.h"
-#include "center/silent_view.h"
-#include "center/window_state.h"
+#include "center/editing/block_editing.h"
+#include "center/editing/cell_checks.h"
+#include "center/editing/grid_editing.h"
+#include "center/frame/silent_view.h"
+#include "center/frame/window_state.h"
+#include "center/grid/column_profile.h"
 #include "entry/host_context.h"
 #include "store/statements.h"
 #include "tests/fakes/fake_account_set.h"

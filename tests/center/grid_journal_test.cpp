@@ -1,6 +1,6 @@
 // Undo and redo of the grid: by itself, and of everything the user does.
 
-#include "center/grid_journal.h"
+#include "center/editing/grid_journal.h"
 
 #include "tests/center/grid_fixture.h"
 

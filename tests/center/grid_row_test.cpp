@@ -1,4 +1,4 @@
-#include "center/grid_row.h"
+#include "center/grid/grid_row.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The item panel of column 11.
 
-#include "center/item_panel.h"
+#include "center/lookups/item_panel.h"
 
 #include "tests/center/center_fixture.h"
 

@@ -1,4 +1,4 @@
-#include "center/layout.h"
+#include "center/frame/layout.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "center/line_loader.h"
+#include "center/template/line_loader.h"
 
 #include <map>
 #include <set>

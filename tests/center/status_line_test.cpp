@@ -1,4 +1,4 @@
-#include "center/status_line.h"
+#include "center/frame/status_line.h"
 
 #include "tests/center/grid_fixture.h"
 

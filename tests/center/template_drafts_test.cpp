@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "center/draft/draft_store.h"
+#include "center/template/draft/draft_store.h"
 #include "platform/system/files.h"
 #include "tests/center/center_fixture.h"
 

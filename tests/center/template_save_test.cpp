@@ -1,7 +1,7 @@
 // Validation, the batch of a save to the character, its messages and log entries, and the question about
 // unsaved changes.
 
-#include "center/template_save.h"
+#include "center/template/template_save.h"
 
 #include "entry/screen.h"
 #include "tests/center/center_fixture.h"

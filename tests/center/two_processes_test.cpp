@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "automation/class_registry.h"
-#include "center/frm_vi_center.h"
+#include "center/frame/frm_vi_center.h"
 #include "entry/host_context.h"
 #include "host/components/components.h"
 #include "tests/center/fake_view.h"

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "center/entry_grid.h"
+#include "center/grid/entry_grid.h"
 #include "entry/screen.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/fakes/scripted_object.h"

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "center/entry_grid.h"
+#include "center/grid/entry_grid.h"
 #include "platform/scripting/dictionary.h"
 
 namespace vicenter::dialogs {

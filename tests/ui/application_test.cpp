@@ -1,4 +1,4 @@
-#include "ui/application.h"
+#include "ui/run/application.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>
@@ -9,9 +9,9 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/chinese_texts.h"
-#include "ui/key_codes.h"
-#include "ui/twips.h"
+#include "ui/grid/key_codes.h"
+#include "ui/look/chinese_texts.h"
+#include "ui/look/twips.h"
 
 namespace vicenter::ui {
 namespace {

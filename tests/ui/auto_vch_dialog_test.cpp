@@ -1,6 +1,6 @@
 // The generation dialog driven by real key and mouse events on a scripted ledger.
 
-#include "ui/auto_vch_dialog.h"
+#include "ui/dialogs/auto_vch_dialog.h"
 
 #include <QApplication>
 #include <QClipboard>

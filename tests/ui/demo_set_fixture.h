@@ -19,9 +19,9 @@
 #include "store/component_classes.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/host/demo_set.h"
-#include "ui/center_commands.h"
-#include "ui/vicenter_window.h"
-#include "ui/window_factory.h"
+#include "ui/window/center_commands.h"
+#include "ui/window/vicenter_window.h"
+#include "ui/window/window_factory.h"
 
 namespace vicenter::ui {
 

@@ -10,12 +10,12 @@
 #include <gtest/gtest.h>
 
 #include "automation/class_registry.h"
-#include "center/entry_grid.h"
+#include "center/grid/entry_grid.h"
 #include "platform/scripting/file_system_object.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/fakes/scripted_object.h"
-#include "ui/column_dialog.h"
-#include "ui/find_dialog.h"
+#include "ui/dialogs/column_dialog.h"
+#include "ui/dialogs/find_dialog.h"
 
 namespace vicenter::ui {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/display.h"
+#include "ui/run/display.h"
 
 #include <QByteArray>
 #include <optional>

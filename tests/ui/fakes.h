@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "center/cell_rules.h"
-#include "center/entry_grid.h"
-#include "ui/grid_actions.h"
+#include "center/editing/cell_rules.h"
+#include "center/grid/entry_grid.h"
+#include "ui/grid/grid_actions.h"
 
 namespace vicenter::ui::testing {
 

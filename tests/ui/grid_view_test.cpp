@@ -1,4 +1,4 @@
-#include "ui/grid_view.h"
+#include "ui/grid/grid_view.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -17,8 +17,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/ui/fakes.h"
-#include "ui/cell_delegate.h"
-#include "ui/twips.h"
+#include "ui/grid/cell_delegate.h"
+#include "ui/look/twips.h"
 
 namespace vicenter::ui {
 namespace {

@@ -1,11 +1,11 @@
-#include "ui/item_panel.h"
+#include "ui/panels/item_panel.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
-#include "ui/name_list_popup.h"
+#include "ui/panels/name_list_popup.h"
 
 namespace vicenter::ui {
 namespace {

@@ -13,8 +13,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/ui/scripted_ledger.h"
-#include "ui/cell_editor.h"
-#include "ui/vicenter_window.h"
+#include "ui/grid/cell_editor.h"
+#include "ui/window/vicenter_window.h"
 
 namespace vicenter::ui {
 namespace {

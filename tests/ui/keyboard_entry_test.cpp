@@ -6,7 +6,7 @@
 #include <set>
 
 #include "tests/ui/demo_set_fixture.h"
-#include "ui/status_line.h"
+#include "ui/window/status_line.h"
 
 namespace vicenter::ui {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/long_work.h"
+#include "ui/run/long_work.h"
 
 #include <QApplication>
 #include <QPushButton>

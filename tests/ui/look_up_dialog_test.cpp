@@ -1,4 +1,4 @@
-#include "ui/look_up_dialog.h"
+#include "ui/dialogs/look_up_dialog.h"
 
 #include <QApplication>
 #include <QClipboard>

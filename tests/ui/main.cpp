@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/application.h"
+#include "ui/run/application.h"
 
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");

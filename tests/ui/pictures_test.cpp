@@ -11,8 +11,8 @@
 
 #include "host/components/look_up_dialog.h"
 #include "tests/ui/demo_set_fixture.h"
-#include "ui/center_commands.h"
-#include "ui/look_up_dialog.h"
+#include "ui/dialogs/look_up_dialog.h"
+#include "ui/window/center_commands.h"
 
 namespace vicenter::ui {
 namespace {

@@ -1,4 +1,4 @@
-#include "ui/qt_surroundings.h"
+#include "ui/run/qt_surroundings.h"
 
 #include <QApplication>
 #include <QFileSystemModel>
@@ -19,7 +19,7 @@
 
 #include "automation/error.h"
 #include "tests/fakes/fake_surroundings.h"
-#include "ui/slot_guard.h"
+#include "ui/run/slot_guard.h"
 
 namespace vicenter::ui {
 namespace {

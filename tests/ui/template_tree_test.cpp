@@ -1,4 +1,4 @@
-#include "ui/template_tree.h"
+#include "ui/panels/template_tree.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

@@ -1,4 +1,4 @@
-#include "ui/tool_band.h"
+#include "ui/window/tool_band.h"
 
 #include <QApplication>
 #include <QHelpEvent>

@@ -10,10 +10,10 @@
 
 #include "platform/system/collation.h"
 #include "tests/ui/scripted_ledger.h"
-#include "ui/cell_editor.h"
-#include "ui/twips.h"
-#include "ui/vicenter_window.h"
-#include "ui/window_factory.h"
+#include "ui/grid/cell_editor.h"
+#include "ui/look/twips.h"
+#include "ui/window/vicenter_window.h"
+#include "ui/window/window_factory.h"
 
 namespace vicenter::ui {
 namespace {

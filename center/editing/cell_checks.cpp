@@ -1,0 +1,123 @@
+#include "center/editing/cell_checks.h"
+
+#include <algorithm>
+
+#include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+
+namespace vicenter::center {
+
+namespace {
+
+// The column whose text the check is about; an empty one is valid without a question.
+int SubjectOf(int check) {
+    constexpr std::array<int, kCheckCount + 1> subjects{0,
+                                                        column::kAccountNumber,
+                                                        column::kSettleName,
+                                                        column::kCurrencyName,
+                                                        column::kUnitName,
+                                                        column::kItems};
+    return subjects[static_cast<std::size_t>(check)];
+}
+
+bool NeedsNoQuestion(int check, std::string_view subject) {
+    if (subject.empty()) return true;
+    return check == 5 && std::all_of(subject.begin(), subject.end(), [](char c) { return c == ','; });
+}
+
+void Paint(EntryGrid& grid, const CellAddress& cell, bool red) {
+    grid.SetForeColor({cell.row, cell.column, cell.row, cell.column}, red ? color::kRed : color::kBlack);
+}
+
+void SetCellsRed(EntryGrid& grid, int row, int check, bool red) {
+    const int subject = SubjectOf(check);
+    const int last = check == 1 ? column::kAccountName : subject;
+    for (int c = subject; c <= last; ++c)
+        Paint(grid, {row, c}, red || OwnVerdict(grid, {row, c}) != TextVerdict::Taken);
+    grid.SetFaultyCheck(row, check, red);
+}
+
+}  // namespace
+
+int CheckOfColumn(int gridColumn) {
+    if (gridColumn == column::kAccountName) return 1;
+    for (int check = 1; check <= kCheckCount; ++check) {
+        if (SubjectOf(check) == gridColumn) return check;
+    }
+    return 0;
+}
+
+std::string CheckText(int check) {
+    switch (check) {
+        case 1:
+            return "科目代码不存在或不是明细科目";
+        case 2:
+            return "结算方式不存在，或科目不是银行科目";
+        case 3:
+            return "币别不存在，或科目不核算该币别";
+        case 4:
+            return "计量单位不属于科目的计量单位组";
+        case 5:
+            return "核算项目与科目的项目类别不符，或项目代码不存在";
+        default:
+            return {};
+    }
+}
+
+TextVerdict OwnVerdict(const EntryGrid& grid, const CellAddress& cell) {
+    if (cell.column < 1 || cell.column > kColumnCount) return TextVerdict::Taken;
+    const TextVerdict refusal = grid.Refusal(cell.row, cell.column);
+    if (refusal != TextVerdict::Taken) return refusal;
+    const CellKind kind = Column(cell.column).kind;
+    const bool number =
+        kind == CellKind::TemplateNumber || kind == CellKind::Whole || kind == CellKind::Decimal;
+    if (!number) return TextVerdict::Taken;
+    const std::string_view text = grid.Text(cell.row, cell.column);
+    return text.empty() ? TextVerdict::Taken : CheckTypedText(cell.column, text);
+}
+
+void MarkOwnVerdict(EntryGrid& grid, const CellAddress& cell) {
+    if (OwnVerdict(grid, cell) != TextVerdict::Taken) {
+        Paint(grid, cell, true);
+    } else if (grid.FaultyCheck(cell.row, cell.column) == 0) {
+        Paint(grid, cell, false);
+    }
+}
+
+bool CellChecks::IsValid(const EntryGrid& grid, int row, int check) {
+    const std::string_view subject = grid.Text(row, SubjectOf(check));
+    if (NeedsNoQuestion(check, subject)) return true;
+    const std::string_view account = grid.Text(row, column::kAccountNumber);
+
+    key_.assign(account);
+    key_ += '\0';
+    if (check != 1) key_ += subject;
+    auto& answers = answers_[static_cast<std::size_t>(check)];
+    if (const auto known = answers.find(key_); known != answers.end()) return known->second;
+
+    store::clsVIData data;
+    const bool valid = data.CheckErrorCell(
+        check, std::string(account), std::string(grid.Text(row, column::kSettleName)),
+        std::string(grid.Text(row, column::kCurrencyName)), std::string(grid.Text(row, column::kUnitName)),
+        std::string(grid.Text(row, column::kItems)));
+    answers.emplace(key_, valid);
+    return valid;
+}
+
+void MarkCells(EntryGrid& grid, int row, int check, CellChecks& checks) {
+    SetCellsRed(grid, row, check, !checks.IsValid(grid, row, check));
+}
+
+void MarkRow(EntryGrid& grid, int row, CellChecks& checks) {
+    const bool redraw = grid.ReDraw();
+    grid.SetReDraw(false);
+    grid.SetForeColor({row, 1, row, kColumnCount}, color::kBlack);
+    for (int check = 1; check <= kCheckCount; ++check)
+        MarkCells(grid, row, check, checks);
+    for (int c = 1; c <= kColumnCount; ++c) {
+        if (OwnVerdict(grid, {row, c}) != TextVerdict::Taken) Paint(grid, {row, c}, true);
+    }
+    grid.SetReDraw(redraw);
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,44 @@
+#pragma once
+
+// The five checks of a row against master data, and the colours that follow from them.
+//
+// A CellChecks remembers its answers for its own lifetime, which is one load or one command: within it the
+// same question goes to the database once, and nothing outlives it. User-interface thread.
+
+#include <array>
+#include <string>
+#include <unordered_map>
+
+#include "center/grid/entry_grid.h"
+
+namespace vicenter::center {
+
+inline constexpr int kCheckCount = 5;  // 1 account, 2 settlement, 3 currency, 4 unit, 5 items
+
+// The check that speaks about a column, 0 for none.
+int CheckOfColumn(int gridColumn);
+// What the check expects, in words for tooltips.
+std::string CheckText(int check);
+
+// What the column itself says of a cell's text, whoever put it there: refused when it was given, or a number
+// outside of the column's limits. Needs no database.
+TextVerdict OwnVerdict(const EntryGrid& grid, const CellAddress& cell);
+// Colours one cell by its own verdict; what its check has found stays.
+void MarkOwnVerdict(EntryGrid& grid, const CellAddress& cell);
+
+class CellChecks {
+  public:
+    bool IsValid(const EntryGrid& grid, int row, int check);
+
+  private:
+    std::array<std::unordered_map<std::string, bool>, kCheckCount + 1> answers_;
+    std::string key_;
+};
+
+// Colours one row: all black, then the cells of every failed check red and those that their columns do not
+// take.
+void MarkRow(EntryGrid& grid, int row, CellChecks& checks);
+// Colours the cells of one check.
+void MarkCells(EntryGrid& grid, int row, int check, CellChecks& checks);
+
+}  // namespace vicenter::center

@@ -1,0 +1,253 @@
+#include "center/editing/grid_editing.h"
+
+#include <algorithm>
+
+#include "center/editing/cell_checks.h"
+#include "center/lookups/cell_resolution.h"
+
+namespace vicenter::center {
+
+namespace {
+constexpr const char* kGapText = "请连续录入凭证模板分录！";
+constexpr const char* kTwoRowsText = "凭证模板分录不能小于2行，删除失败！";
+constexpr int kFewestRows = 2;
+}  // namespace
+
+GridEditing::GridEditing(WindowState& state) : state_(state) {
+    state_.grid->SetRecorder(this);
+}
+
+GridEditing::~GridEditing() {
+    state_.grid->SetRecorder(nullptr);
+}
+
+// --- what the grid reports
+
+void GridEditing::TextReplaced(int row, int gridColumn, std::string_view before, TextVerdict refusal) {
+    const UndoStep step(state_);
+    state_.journal.TextReplaced(row, gridColumn, before, refusal);
+    state_.dirty = true;
+    // A blank row counts as in use once any of its cells has content. Whoever writes further down than the
+    // first blank row takes the rows between along: nothing that was written is ever left out of a save.
+    if (row > state_.rowCount && !state_.grid->IsBlankRow(row)) state_.rowCount = row;
+    // The last row that is emptied again is no line any more, nor are blank ones above it.
+    if (row == state_.rowCount && state_.grid->IsBlankRow(row)) {
+        while (state_.rowCount > 0 && state_.grid->IsBlankRow(state_.rowCount))
+            --state_.rowCount;
+    }
+}
+
+void GridEditing::RowsInserted(int firstRow, int count) {
+    const UndoStep step(state_);
+    state_.journal.RowsInserted(firstRow, count);
+    if (firstRow > state_.rowCount) return;
+    state_.rowCount += count;
+    state_.dirty = true;
+}
+
+void GridEditing::RowsRemoved(int firstRow, std::vector<GridRowPtr> rows) {
+    const UndoStep step(state_);
+    const int lastRow = firstRow + static_cast<int>(rows.size()) - 1;
+    state_.journal.RowsRemoved(firstRow, std::move(rows));
+    const int used = std::min(lastRow, state_.rowCount) - firstRow + 1;
+    if (used <= 0) return;
+    state_.rowCount -= used;
+    state_.dirty = true;
+}
+
+// --- moving and typing
+
+bool GridEditing::LeavesGap(int row) {
+    if (row <= state_.rowCount + 1) return false;
+    Tell(kGapText);
+    return true;
+}
+
+void GridEditing::KeepSpareRow() {
+    if (state_.rowCount < state_.grid->RowTotal() - 1) return;
+    // A blank row at the end is no change of content and nothing to undo.
+    state_.grid->SetRecorder(nullptr);
+    state_.grid->SetRowTotal(state_.rowCount + 2);
+    state_.grid->SetRecorder(this);
+}
+
+void GridEditing::Leave(const CellAddress& cell) {
+    // Whoever may only look changes nothing by moving about.
+    if (!CanEdit() || !state_.IsOpen() || cell.row < 1 || cell.column < 1) return;
+    EntryGrid& grid = *state_.grid;
+    const UndoStep step(state_, typed_ == cell);
+    typed_.reset();
+    MasterRecords records;
+    ResolveCell(grid, cell, records);
+    CellChecks checks;
+    const int check = CheckOfColumn(cell.column);
+    if (check == 1 || cell.column == column::kExplanation) {
+        // Every check of the row depends on its account, which these columns may have changed.
+        MarkRow(grid, cell.row, checks);
+    } else if (check != 0) {
+        MarkCells(grid, cell.row, check, checks);
+    }
+}
+
+void GridEditing::MoveActiveCell(const CellAddress& to, CursorMove how) {
+    EntryGrid& grid = *state_.grid;
+    const CellAddress from = grid.ActiveCell();
+    if (!(from == to)) Leave(from);
+    if (how == CursorMove::Selecting) {
+        grid.SetActiveCell(to);
+        return;
+    }
+    CellAddress target = to;
+    // Whoever may only look enters no lines, with gaps or without.
+    if (CanEdit() && LeavesGap(to.row)) {
+        target.row = state_.rowCount + 1;
+        KeepSpareRow();
+    }
+    grid.SetActiveCell(target);
+    grid.ScrollIntoView(target);
+    if (target == to) KeepSpareRow();
+}
+
+void GridEditing::FinishTyping() {
+    if (typed_) Leave(*typed_);
+}
+
+TextVerdict GridEditing::CommitText(const CellAddress& cell, const std::string& text) {
+    if (!CanEdit()) return TextVerdict::Locked;
+    const TextReading reading = ReadCellText(cell.column, text, TextOrigin::Typed);
+    if (reading.verdict == TextVerdict::Locked) return reading.verdict;
+    if (LeavesGap(cell.row)) return TextVerdict::Locked;
+    const UndoStep step(state_);
+    EntryGrid& grid = *state_.grid;
+    if (grid.Text(cell.row, cell.column) == reading.text) return reading.verdict;
+    if (!grid.PutReading(cell.row, cell.column, reading)) return reading.verdict;
+    MarkOwnVerdict(grid, cell);
+    typed_ = cell;
+    return reading.verdict;
+}
+
+void GridEditing::ClearCells(const CellSelection& selection) {
+    if (!CanEdit()) return;
+    EntryGrid& grid = *state_.grid;
+    const std::vector<ColumnRuns> cells = SelectedCells(selection, grid);
+    const std::vector<RowRun> rows = RowRuns(selection, grid);
+    const int lastRow = state_.rowCount;
+    const UndoStep step(state_);
+    grid.SetReDraw(false);
+    MasterRecords records;
+    for (const ColumnRuns& column : cells) {
+        // Ids go with whole rows, else with the codes that they stand behind.
+        if (Column(column.column).locked && !selection.wholeRows) continue;
+        for (const RowRun& run : column.rows) {
+            for (int row = run.first; row <= std::min(run.last, lastRow); ++row) {
+                if (grid.Text(row, column.column).empty()) continue;
+                grid.SetText(row, column.column, {});
+                ResolveCell(grid, {row, column.column}, records);
+            }
+        }
+    }
+    CellChecks checks;
+    for (const RowRun& run : rows) {
+        for (int row = run.first; row <= std::min(run.last, lastRow); ++row)
+            MarkRow(grid, row, checks);
+    }
+    typed_.reset();
+    grid.SetReDraw(true);
+}
+
+bool GridEditing::RepeatExplanation(const std::string& cellText) {
+    const CellAddress cell = state_.grid->ActiveCell();
+    if (!CanEdit() || cell.column != column::kExplanation || cell.row < 2 || cellText != ".") return false;
+    const std::string above(state_.grid->Text(cell.row - 1, column::kExplanation));
+    state_.grid->SetText(cell.row, column::kExplanation, above);
+    return true;
+}
+
+// --- rows
+
+void GridEditing::InsertRow() {
+    const int row = state_.grid->ActiveCell().row;
+    InsertRows(row, 1);
+}
+
+void GridEditing::InsertRows(int firstRow, int count) {
+    if (state_.rowCount == 0 || firstRow < 1 || count < 1 || LeavesGap(firstRow)) return;
+    EntryGrid& grid = *state_.grid;
+    const UndoStep step(state_);
+    typed_.reset();
+    grid.SetReDraw(false);
+    grid.InsertRows(firstRow, count);
+    grid.SetReDraw(true);
+    grid.ScrollIntoView({firstRow, std::max(1, grid.ActiveCell().column)});
+}
+
+void GridEditing::InsertRows(const std::vector<RowRun>& runs) {
+    if (state_.rowCount == 0 || runs.empty() || LeavesGap(runs.back().first)) return;
+    const UndoStep step(state_);
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run)
+        InsertRows(run->first, run->Count());
+}
+
+void GridEditing::DeleteRow() {
+    const int row = state_.grid->ActiveCell().row;
+    DeleteRows(row, 1);
+}
+
+void GridEditing::DeleteRows(int firstRow, int count) {
+    if (state_.rowCount == 0 || firstRow < 1 || firstRow > state_.rowCount || count < 1) return;
+    EntryGrid& grid = *state_.grid;
+    count = std::min(count, state_.rowCount - firstRow + 1);
+    if (grid.RowTotal() >= kFewestRows && grid.RowTotal() - count < kFewestRows) {
+        Tell(kTwoRowsText);
+        return;
+    }
+    const UndoStep step(state_);
+    typed_.reset();
+    grid.SetReDraw(false);
+    grid.RemoveRows(firstRow, count);
+    grid.SetReDraw(true);
+    const CellAddress active = grid.ActiveCell();
+    if (active.row > state_.rowCount + 1) grid.SetActiveCell({state_.rowCount + 1, active.column});
+}
+
+void GridEditing::DeleteRows(std::vector<RowRun> runs) {
+    int count = 0;
+    for (RowRun& run : runs) {
+        run.last = std::min(run.last, state_.rowCount);
+        count += std::max(0, run.Count());
+    }
+    if (count == 0) return;
+    if (state_.grid->RowTotal() >= kFewestRows && state_.grid->RowTotal() - count < kFewestRows) {
+        Tell(kTwoRowsText);
+        return;
+    }
+    const UndoStep step(state_);
+    for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+        if (run->Count() > 0) DeleteRows(run->first, run->Count());
+    }
+}
+
+// --- undo
+
+void GridEditing::Return(const JournalMark& mark) {
+    EntryGrid& grid = *state_.grid;
+    state_.rowCount = mark.rowCount;
+    state_.dirty = state_.dirty || mark.dirty;
+    typed_.reset();
+    CellChecks checks;
+    grid.SetReDraw(false);
+    for (int row = mark.firstRow; row <= std::min(mark.lastRow, grid.RowTotal()); ++row)
+        MarkRow(grid, row, checks);
+    grid.SetReDraw(true);
+    if (mark.active.row >= 1) grid.SetActiveCell(mark.active);
+}
+
+void GridEditing::Undo() {
+    if (CanEdit() && state_.journal.CanUndo()) Return(state_.journal.Undo());
+}
+
+void GridEditing::Redo() {
+    if (CanEdit() && state_.journal.CanRedo()) Return(state_.journal.Redo());
+}
+
+}  // namespace vicenter::center

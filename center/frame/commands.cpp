@@ -1,0 +1,111 @@
+// The command dispatcher: what each tool of the bar does, in which order, with which log entries.
+
+#include "center/frame/frm_vi_center_parts.h"
+#include "dialogs/frm_search.h"
+#include "dialogs/frm_set_colume.h"
+#include "entry/host_services.h"
+
+namespace vicenter::center {
+
+using entry::LogKind;
+
+namespace {
+
+void LogRequest(const char* text) {
+    entry::WriteOperationLog(LogKind::Requested, text);
+}
+
+}  // namespace
+
+bool frmVICenter::Parts::RefusedForRight() {
+    if (state.hasRight) return false;
+    Tell("对不起，你没有相应的权限！");
+    return true;
+}
+
+void frmVICenter::Parts::RunCommand(Tool tool, TemplateWindow& window) {
+    // What has been typed counts before any command looks at the grid.
+    editing.FinishTyping();
+    const auto gate = [this] { return save.ConfirmUnsavedChanges(); };
+    switch (tool) {
+        case Tool::Quit:
+            if (gate()) state.view.CloseWindow();
+            break;
+        case Tool::New:
+            LogRequest("凭证模板-新增模板");
+            if (RefusedForRight() || !gate()) break;
+            if (tree.CreateTemplate()) {
+                entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-新增模板成功");
+            }
+            break;
+        case Tool::Del:
+            LogRequest("凭证模板-删除模板");
+            if (!RefusedForRight() && gate()) tree.DeleteSelected();
+            break;
+        case Tool::PrcFind:
+            if (gate()) ShowFind();
+            break;
+        case Tool::Save:
+            LogRequest("凭证模板-保存模板 ");
+            if (!RefusedForRight()) save.Save();
+            break;
+        case Tool::ShowCol:
+            ShowColumns();
+            break;
+        case Tool::DelRow:
+            if (RefusedForRight()) break;
+            editing.DeleteRow();
+            RefreshSurroundings();
+            break;
+        case Tool::AddRow:
+            if (RefusedForRight()) break;
+            editing.InsertRow();
+            RefreshSurroundings();
+            break;
+        case Tool::Imp:
+            RunImport(window, {});
+            break;
+        case Tool::Exp:
+            LogRequest("凭证模板-引出模板");
+            if (gate() && commands != nullptr) commands->Export(window);
+            break;
+        case Tool::CloudP:
+            LogRequest("凭证模板-上传云盘");
+            if (gate() && commands != nullptr) commands->UploadToCloud(window);
+            break;
+        case Tool::AutoVch:
+            LogRequest("凭证模板-通过凭证生成模板");
+            if (gate() && commands != nullptr) commands->GenerateFromVouchers(window);
+            break;
+        case Tool::Share:
+            // Known, and deliberately without effect.
+            break;
+    }
+}
+
+void frmVICenter::Parts::RunImport(TemplateWindow& window, const std::string& fileName) {
+    editing.FinishTyping();
+    LogRequest("凭证模板-引入模板");
+    if (RefusedForRight() || !save.ConfirmUnsavedChanges() || commands == nullptr) return;
+    if (fileName.empty()) {
+        commands->Import(window);
+    } else {
+        commands->ImportFile(window, fileName);
+    }
+}
+
+void frmVICenter::Parts::ShowFind() {
+    dialogs::FrmSearch dialog;
+    dialog.SetGrid(state.grid);
+    dialog.SetEntryCount(state.entryCount);
+    state.view.ShowFindDialog(dialog);
+}
+
+void frmVICenter::Parts::ShowColumns() {
+    dialogs::frmSetColume dialog;
+    dialog.SetGrid(state.grid);
+    state.view.ShowColumnDialog(dialog);
+    if (!profile.Save()) Tell("列设置未能读取，本次的调整不会保存！");
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,108 @@
+#include "center/frame/status_line.h"
+
+#include <array>
+#include <cstddef>
+#include <utility>
+
+#include "center/editing/cell_rules.h"
+
+namespace vicenter::center {
+
+using automation::Decimal;
+
+namespace {
+
+std::optional<Decimal> NumberOf(std::string_view text) {
+    if (!IsPlainNumber(text)) return std::nullopt;
+    return Decimal::Parse(text);
+}
+
+std::string AmountText(const Decimal& amount) {
+    return DisplayText(column::kAmount, amount.ToText());
+}
+
+// The template number of a row as the account set will know it: "01" and "1" are one.
+std::string_view NumberOfRow(const EntryGrid& grid, int row) {
+    std::string_view number = grid.Text(row, column::kNo);
+    while (number.size() > 1 && number.front() == '0')
+        number.remove_prefix(1);
+    return number;
+}
+
+}  // namespace
+
+NumberSums::NumberSums(const EntryGrid& grid, int rowCount) : rowCount_(rowCount) {
+    std::vector<std::string> order;
+    for (int row = 1; row <= rowCount; ++row) {
+        const std::string number(NumberOfRow(grid, row));
+        if (number.empty()) continue;
+        const auto [at, isNew] = sums_.try_emplace(number);
+        if (isNew) order.push_back(number);
+        const std::optional<Decimal> amount = NumberOf(grid.Text(row, column::kAmount));
+        if (!amount) continue;
+        const std::string_view direction = grid.Text(row, column::kDirection);
+        if (direction == kDebit) at->second.debit = Decimal::Add(at->second.debit, *amount);
+        if (direction == kCredit) at->second.credit = Decimal::Add(at->second.credit, *amount);
+    }
+    for (std::string& number : order) {
+        const Sides& sides = sums_[number];
+        if (!(sides.debit == sides.credit)) unbalanced_.push_back(std::move(number));
+    }
+}
+
+StatusState NumberSums::Status(const EntryGrid& grid, int activeRow) const {
+    StatusState status;
+    status.lines = rowCount_;
+    status.numbers = static_cast<int>(sums_.size());
+    status.unbalanced = unbalanced_;
+    if (activeRow < 1 || activeRow > rowCount_) return status;
+    const auto active = sums_.find(std::string(NumberOfRow(grid, activeRow)));
+    if (active == sums_.end()) return status;
+    status.number = active->first;
+    status.debit = AmountText(active->second.debit);
+    status.credit = AmountText(active->second.credit);
+    const Decimal difference = Decimal::Subtract(active->second.debit, active->second.credit);
+    if (!difference.IsZero()) status.difference = AmountText(difference);
+    return status;
+}
+
+std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection) {
+    struct Side {
+        const char* name;
+        Decimal sum;
+        int count = 0;
+    };
+    std::array<Side, 3> sides{{{"借 ", {}, 0}, {"贷 ", {}, 0}, {"其他 ", {}, 0}}};
+    int count = 0;
+    for (const ColumnRuns& column : SelectedCells(selection, grid)) {
+        const CellKind kind = Column(column.column).kind;
+        if (kind != CellKind::Decimal && kind != CellKind::Whole) continue;
+        if (grid.Layout(column.column).hidden) continue;
+        const bool amount = column.column == column::kAmount || column.column == column::kAmountFor;
+        for (const RowRun& run : column.rows) {
+            for (int row = run.first; row <= run.last; ++row) {
+                const std::optional<Decimal> number = NumberOf(grid.Text(row, column.column));
+                if (!number) continue;
+                const std::string_view direction = grid.Text(row, column::kDirection);
+                const std::size_t side = amount && direction == kDebit    ? 0
+                                         : amount && direction == kCredit ? 1
+                                                                          : 2;
+                sides[side].sum = Decimal::Add(sides[side].sum, *number);
+                ++sides[side].count;
+                ++count;
+            }
+        }
+    }
+    if (count < 2) return {};
+    std::string text;
+    for (const Side& side : sides) {
+        if (side.count == 0) continue;
+        const std::string sum = DisplayText(column::kQuantity, side.sum.ToText());
+        if (side.count == count) return sum;
+        if (!text.empty()) text += "　";
+        text += side.name + sum;
+    }
+    return text;
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,44 @@
+#pragma once
+
+// The commands of the main window that live in other folders, and what they may do with the window.
+//
+// exchange/ and autovch/ work on a TemplateWindow and never see the presenter; the composition of the program
+// hands a TemplateCommands to the window. User-interface thread.
+
+#include <cstdint>
+#include <string>
+
+#include "center/frame/vicenter_view.h"
+#include "center/grid/entry_grid.h"
+
+namespace vicenter::center {
+
+class TemplateWindow {
+  public:
+    virtual ~TemplateWindow() = default;
+
+    virtual const std::string& TemplateId() const = 0;    // FID of the open template, empty when none
+    virtual const std::string& TemplateName() const = 0;  // the text of itName
+    virtual int RowCount() const = 0;                     // rows of the grid in use
+    virtual EntryGrid& Grid() = 0;                        // vsEntrys
+    virtual void ShowProgress(const ProgressState& state) = 0;
+    // The user has asked to cancel what the progress panel shows.
+    virtual bool ProgressCancelled() = 0;
+    // Builds the tree anew, selects the node of that id, or of the last row when the id is below 1, and opens
+    // it.
+    virtual void RebuildTreeAndSelect(std::int32_t id) = 0;
+};
+
+class TemplateCommands {
+  public:
+    virtual ~TemplateCommands() = default;
+    virtual void Import(TemplateWindow& window) = 0;
+    // The import of a file that is chosen already.
+    virtual void ImportFile(TemplateWindow& window, const std::string& fileName) = 0;
+    virtual void Export(TemplateWindow& window) = 0;
+    virtual void UploadToCloud(TemplateWindow& window) = 0;
+    // Shows the generation dialog modally; it rebuilds the tree itself when it generated a template.
+    virtual void GenerateFromVouchers(TemplateWindow& window) = 0;
+};
+
+}  // namespace vicenter::center

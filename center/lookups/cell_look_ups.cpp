@@ -1,0 +1,156 @@
+#include "center/lookups/cell_look_ups.h"
+
+#include "automation/class_registry.h"
+#include "center/editing/cell_checks.h"
+#include "platform/system/utf8.h"
+#include "store/statements.h"
+
+namespace vicenter::center {
+
+using automation::Argument;
+using automation::ObjectRef;
+using automation::Variant;
+
+namespace {
+constexpr const char* kLedgerView = "VelaEBCGLView.GLView";
+constexpr const char* kExplanationView = "VelaVchExp.ExpView";
+}  // namespace
+
+Variant RecordField(const Variant& record, const char* name) {
+    const ObjectRef& object = record.AsObject();
+    if (object == nullptr) throw automation::Error(automation::error_number::kObjectVariableNotSet);
+    if (object->HasMember(name)) return object->Get(name);
+    return object->Get("", {Argument(name)});
+}
+
+LookUpResult::LookUpResult(const Variant& result) : result_(result.AsObject()) {
+    if (result_ == nullptr) throw automation::Error(automation::error_number::kObjectVariableNotSet);
+}
+
+bool LookUpResult::Confirmed() const {
+    return result_->Get("ReturnOK").ToBoolean();
+}
+
+std::string LookUpResult::Value() const {
+    return result_->Get("ReturnValue").ToTextOrEmpty();
+}
+
+Variant LookUpResult::Record() const {
+    return result_->Get("ReturnObject");
+}
+
+std::string LookUpResult::Field(const char* name) const {
+    return RecordField(Record(), name).ToTextOrEmpty();
+}
+
+ChosenTexts TextsOfChoice(const EntryGrid& grid, int row, int gridColumn, const Choice& choice) {
+    switch (gridColumn) {
+        case column::kExplanation: {
+            ChosenTexts texts{{column::kExplanation, choice.name}};
+            const bool hasAccount = !system::TrimBlanks(grid.Text(row, column::kAccountNumber)).empty();
+            if (choice.id.empty() || choice.id == "0" || hasAccount) return texts;
+            const ado::RecordsetRef account =
+                store::GetRecordset("select FName,FNumber from t_Account where FAccountID = " + choice.id);
+            if (account != nullptr && account->RecordCount() > 0) {
+                texts.emplace_back(column::kAccountId, choice.id);
+                texts.emplace_back(column::kAccountNumber, account->Value("FNumber").ToTextOrEmpty());
+                texts.emplace_back(column::kAccountName, account->Value("FName").ToTextOrEmpty());
+            }
+            return texts;
+        }
+        case column::kAccountNumber:
+            return {{column::kAccountNumber, choice.number},
+                    {column::kAccountName, choice.name},
+                    {column::kAccountId, choice.id}};
+        default:
+            // The id goes to the hidden column just left of the visible cell.
+            return {{gridColumn, choice.name}, {gridColumn - 1, choice.id}};
+    }
+}
+
+void WriteChosen(WindowState& state, int row, const ChosenTexts& texts) {
+    const UndoStep step(state);
+    for (const auto& [gridColumn, text] : texts)
+        state.grid->SetText(row, gridColumn, text);
+    CellChecks checks;
+    MarkRow(*state.grid, row, checks);
+}
+
+Variant UnitGroupOf(const std::string& accountId) {
+    const ado::RecordsetRef group = store::GetRecordset(
+        "select FUnitGroupID from t_account where FAccountID = " + accountId + " and FUnitGroupID <> 0");
+    if (group == nullptr || group->RecordCount() < 1) return {};
+    return group->Value("FUnitGroupID");
+}
+
+bool CellLookUps::Open() {
+    const EntryGrid& grid = *state_.grid;
+    const CellAddress cell = grid.ActiveCell();
+    if (cell.row < 1 || cell.column < 1) return false;
+
+    // Everything is read from the host before the first cell is written: an error leaves the row whole.
+    std::optional<Choice> choice;
+    switch (cell.column) {
+        case column::kExplanation:
+            choice = Explanation();
+            break;
+        case column::kAccountNumber:
+            choice = Account(cell.row);
+            break;
+        case column::kSettleName:
+            choice = Settlement();
+            break;
+        case column::kCurrencyName:
+            choice = Currency();
+            break;
+        case column::kUnitName: {
+            const std::string accountId(grid.Text(cell.row, column::kAccountId));
+            // The one way out that does not mark the template as changed.
+            if (accountId.empty()) return false;
+            choice = Unit(accountId);
+            break;
+        }
+        default:
+            break;
+    }
+    if (choice) WriteChosen(state_, cell.row, TextsOfChoice(grid, cell.row, cell.column, *choice));
+    state_.dirty = true;
+    return choice.has_value();
+}
+
+std::optional<Choice> CellLookUps::Explanation() {
+    const LookUpResult result(automation::CreateObject(kExplanationView)->Call("LoadVchExpNewTp"));
+    if (!result.Confirmed()) return std::nullopt;
+    return Choice{result.Field("FAccountID"), {}, result.Value()};
+}
+
+std::optional<Choice> CellLookUps::Account(int row) {
+    Variant text(state_.grid->Text(row, column::kAccountNumber));
+    const LookUpResult result(
+        automation::CreateObject(kLedgerView)->Call("AccountLookup", {Argument::ByReference(text)}));
+    if (!result.Confirmed()) return std::nullopt;
+    return Choice{result.Field("AccountID"), result.Field("Number"), result.Field("Name")};
+}
+
+std::optional<Choice> CellLookUps::Settlement() {
+    const LookUpResult result(automation::CreateObject(kLedgerView)->Call("SettTypeLookup"));
+    if (!result.Confirmed()) return std::nullopt;
+    return Choice{result.Field("ItemID"), {}, result.Field("Name")};
+}
+
+std::optional<Choice> CellLookUps::Currency() {
+    const LookUpResult result(automation::CreateObject(kLedgerView)->Call("CurrencyLookup"));
+    if (!result.Confirmed()) return std::nullopt;
+    return Choice{result.Value(), {}, result.Field("Name")};
+}
+
+std::optional<Choice> CellLookUps::Unit(const std::string& accountId) {
+    const Variant group = UnitGroupOf(accountId);
+    if (group.IsEmpty()) return std::nullopt;
+    const LookUpResult result(
+        automation::CreateObject(kLedgerView)->Call("UnitLookup", {Argument(group), Argument("")}));
+    if (!result.Confirmed()) return std::nullopt;
+    return Choice{result.Value(), {}, result.Field("Name")};
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,131 @@
+#include "center/lookups/cell_resolution.h"
+
+#include <string>
+
+#include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+
+namespace vicenter::center {
+
+namespace {
+
+class RowWriter {
+  public:
+    // record: none for a row of which cells are only cleared.
+    RowWriter(EntryGrid& grid, int row, const ado::Recordset* record)
+        : grid_(grid), row_(row), record_(record) {}
+
+    void Put(int gridColumn, const char* field) {
+        grid_.SetText(row_, gridColumn, record_->Value(field).ToTextOrEmpty());
+    }
+    void Clear(int gridColumn) { grid_.SetText(row_, gridColumn, {}); }
+    bool IsZero(const char* field) const {
+        const automation::Variant& value = record_->Value(field);
+        return !value.IsNumeric() || value.ToDouble() == 0;
+    }
+    bool IsEmpty(int gridColumn) const { return grid_.Text(row_, gridColumn).empty(); }
+
+  private:
+    EntryGrid& grid_;
+    int row_;
+    const ado::Recordset* record_;
+};
+
+void ClearDependents(RowWriter& row, int gridColumn) {
+    switch (gridColumn) {
+        case column::kAccountNumber:
+            row.Clear(column::kAccountId);
+            row.Clear(column::kAccountName);
+            break;
+        case column::kAccountName:
+            row.Clear(column::kAccountId);
+            row.Clear(column::kAccountNumber);
+            break;
+        case column::kSettleName:
+            row.Clear(column::kSettleId);
+            break;
+        case column::kCurrencyName:
+            row.Clear(column::kCurrencyId);
+            break;
+        case column::kUnitName:
+            row.Clear(column::kUnitId);
+            break;
+        default:
+            break;
+    }
+}
+
+void WriteFound(RowWriter& row, int gridColumn) {
+    switch (gridColumn) {
+        case column::kExplanation:
+            row.Put(column::kExplanation, "FExplanation");
+            // The account that the explanation proposes never replaces one that is there.
+            if (!row.IsZero("FAccountID") && row.IsEmpty(column::kAccountNumber)) {
+                row.Put(column::kAccountId, "FAccountID");
+                row.Put(column::kAccountNumber, "FNumber");
+                row.Put(column::kAccountName, "FName");
+            }
+            break;
+        case column::kAccountNumber:
+            row.Put(column::kAccountId, "FAccountID");
+            row.Put(column::kAccountName, "FName");
+            break;
+        case column::kSettleName:
+            row.Put(column::kSettleName, "FName");
+            row.Put(column::kSettleId, "FItemID");
+            break;
+        case column::kCurrencyName:
+            row.Put(column::kCurrencyName, "FName");
+            row.Put(column::kCurrencyId, "FCurrencyID");
+            break;
+        case column::kUnitName:
+            // The unit's group id is what goes into the unit id column; kept so.
+            row.Put(column::kUnitName, "FName");
+            row.Put(column::kUnitId, "FUnitGroupID");
+            break;
+        default:
+            break;
+    }
+}
+
+bool OnlySeparators(std::string_view text) {
+    return !text.empty() && text.find_first_not_of(',') == std::string_view::npos;
+}
+
+}  // namespace
+
+bool IsLookUpColumn(int gridColumn) {
+    return gridColumn == column::kExplanation || gridColumn == column::kAccountNumber ||
+           gridColumn == column::kSettleName || gridColumn == column::kCurrencyName ||
+           gridColumn == column::kUnitName;
+}
+
+const ado::RecordsetRef& MasterRecords::Find(int gridColumn, const std::string& number) {
+    const auto [at, isNew] = records_.try_emplace(std::to_string(gridColumn) + ":" + number);
+    if (isNew) {
+        const ado::RecordsetRef found = store::clsVIData().GetItemInfoByNumber(gridColumn, number);
+        if (found != nullptr && found->RecordCount() >= 1) at->second = found;
+    }
+    return at->second;
+}
+
+void ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records) {
+    if (grid.Refusal(cell.row, cell.column) != TextVerdict::Taken) return;
+    const std::string text(system::TrimBlanks(grid.Text(cell.row, cell.column)));
+    if (text.empty()) {
+        RowWriter row(grid, cell.row, nullptr);
+        ClearDependents(row, cell.column);
+        return;
+    }
+    if (cell.column == column::kItems && OnlySeparators(text)) {
+        grid.SetText(cell.row, cell.column, {});
+        return;
+    }
+    if (!IsLookUpColumn(cell.column)) return;
+    const ado::RecordsetRef& record = records.Find(cell.column, text);
+    if (record == nullptr) return;
+    RowWriter row(grid, cell.row, record.get());
+    WriteFound(row, cell.column);
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,181 @@
+#include "center/template/draft/draft_store.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <set>
+#include <system_error>
+
+#include "automation/object.h"
+#include "entry/host_context.h"
+#include "entry/names.h"
+#include "platform/ado/connection.h"
+#include "platform/system/file_replacement.h"
+#include "platform/system/files.h"
+#include "platform/system/running.h"
+#include "platform/system/surroundings.h"
+
+namespace vicenter::center {
+
+namespace fs = std::filesystem;
+using automation::Error;
+
+namespace {
+
+constexpr const char* kEmbeddedProvider = "VelaAccountSet";
+constexpr const char* kTail = ".draft";
+
+// The windows of this process that are there.
+std::set<std::string>& LiveWindows() {
+    static std::set<std::string> windows;
+    return windows;
+}
+
+// Where drafts of an account set lie, and how their names begin.
+struct Place {
+    fs::path folder;
+    std::string head;
+};
+
+// Names of users and templates come from ids; nothing else gets into a file's name.
+std::string Plain(const std::string& text) {
+    std::string plain;
+    for (const char c : text)
+        plain += (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ? c : '_';
+    return plain;
+}
+
+// Beside the account set's file first, the user's data folder second.
+std::vector<Place> Places() {
+    std::vector<Place> places;
+    try {
+        const std::string connect = ado::ConnectString(entry::GetPropsString()).Value("ConnectString");
+        const ado::ConnectString settings(connect);
+        const std::string source = settings.Value("Data Source");
+        if (automation::SameName(settings.Value("Provider"), kEmbeddedProvider) && !source.empty()) {
+            const fs::path file = fs::absolute(system::PathFromUtf8(source));
+            places.push_back({file.parent_path(), system::PathToUtf8(file.filename())});
+        }
+        const fs::path data = system::PathFromUtf8(system::Surroundings::Current().folders->UserData());
+        places.push_back({data / "drafts", std::to_string(std::hash<std::string>()(connect))});
+    } catch (const Error&) {
+        // A host without a property string has no account set to draft for.
+    } catch (const std::exception&) {
+        // Nor has one whose folders cannot be named.
+    }
+    return places;
+}
+
+std::string ReadWhole(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// Read by nobody before it is whole. A draft that a power cut takes is no loss of what was stored.
+bool WriteWhole(const std::string& path, const std::string& text) {
+    try {
+        system::FileReplacement file(path);
+        {
+            std::ofstream out(system::PathFromUtf8(file.Path()), std::ios::binary | std::ios::trunc);
+            out << text;
+            out.close();
+            if (!out) return false;
+        }
+        file.PutInPlace(system::Durable::No);
+        return true;
+    } catch (const Error&) {
+        return false;
+    }
+}
+
+bool IsLive(const Draft& draft) {
+    const std::int32_t own = system::Surroundings::Current().processes->CurrentProcessId();
+    if (draft.process == std::to_string(own)) return LiveWindows().contains(draft.window);
+    const auto process = static_cast<std::int32_t>(std::atoi(draft.process.c_str()));
+    const std::string mark = system::ProcessMark(process);
+    return !mark.empty() && mark == draft.mark;
+}
+
+}  // namespace
+
+DraftStore::~DraftStore() {
+    Close();
+}
+
+void DraftStore::Open(const std::string& userId) {
+    Close();
+    userId_ = userId;
+    window_ = Plain(entry::NewGuidText());
+    if (!window_.empty()) LiveWindows().insert(window_);
+}
+
+void DraftStore::Close() {
+    LiveWindows().erase(window_);
+    userId_.clear();
+    window_.clear();
+    file_.clear();
+}
+
+bool DraftStore::Write(Draft draft) {
+    if (userId_.empty() || window_.empty() || draft.userId != userId_) return false;
+    const std::int32_t own = system::Surroundings::Current().processes->CurrentProcessId();
+    draft.written = system::Surroundings::Current().clock->Now().ToText();
+    draft.process = std::to_string(own);
+    draft.mark = system::ProcessMark(own);
+    draft.window = window_;
+    const std::string text = EncodeDraft(draft);
+    const std::string name = "-" + Plain(userId_) + "-" + Plain(draft.templateId) + "-" + window_ + kTail;
+    for (const Place& place : Places()) {
+        std::error_code ignored;
+        fs::create_directories(place.folder, ignored);
+        std::string written = system::PathToUtf8(place.folder / system::PathFromUtf8(place.head + name));
+        if (!WriteWhole(written, text)) continue;
+        if (written != file_) Remove();
+        file_ = std::move(written);
+        return true;
+    }
+    return false;
+}
+
+void DraftStore::Remove() {
+    if (!file_.empty()) Discard(file_);
+    file_.clear();
+}
+
+void DraftStore::Release() {
+    file_.clear();
+}
+
+std::vector<FoundDraft> DraftStore::LeftBehind() const {
+    std::vector<FoundDraft> found;
+    if (userId_.empty()) return found;
+    for (const Place& place : Places()) {
+        const std::string head = place.head + "-" + Plain(userId_) + "-";
+        std::error_code failed;
+        for (fs::directory_iterator entry(place.folder, failed); !failed && entry != fs::directory_iterator();
+             entry.increment(failed)) {
+            const std::string name = system::PathToUtf8(entry->path().filename());
+            if (!name.starts_with(head) || !name.ends_with(kTail)) continue;
+            std::string file = system::PathToUtf8(entry->path());
+            std::optional<Draft> draft = DecodeDraft(ReadWhole(entry->path()));
+            if (!draft || draft->userId != userId_) continue;
+            // What this window has released is its own to offer once more.
+            if (draft->window == window_ ? file == file_ : IsLive(*draft)) continue;
+            found.push_back({std::move(file), std::move(*draft)});
+        }
+    }
+    std::sort(found.begin(), found.end(), [](const FoundDraft& a, const FoundDraft& b) {
+        return a.draft.written != b.draft.written ? a.draft.written > b.draft.written : a.file < b.file;
+    });
+    return found;
+}
+
+void DraftStore::Discard(const std::string& file) {
+    std::error_code ignored;
+    fs::remove(system::PathFromUtf8(file), ignored);
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,135 @@
+#include "center/template/kept_lines.h"
+
+#include <algorithm>
+
+#include "center/editing/cell_checks.h"
+
+namespace vicenter::center {
+
+namespace {
+
+// Rows are filled without a trace in the journal.
+class Unrecorded {
+  public:
+    explicit Unrecorded(EntryGrid& grid) : grid_(grid), recorder_(grid.Recorder()) {
+        grid_.SetRecorder(nullptr);
+    }
+    Unrecorded(const Unrecorded&) = delete;
+    Unrecorded& operator=(const Unrecorded&) = delete;
+    ~Unrecorded() { grid_.SetRecorder(recorder_); }
+
+  private:
+    EntryGrid& grid_;
+    GridRecorder* recorder_;
+};
+
+bool Differs(const EntryGrid& grid, int row, int gridColumn, const KeptLine& line) {
+    const auto at = static_cast<std::size_t>(gridColumn - 1);
+    return grid.Text(row, gridColumn) != line.texts[at] || grid.Refusal(row, gridColumn) != line.refusals[at];
+}
+
+// The blank rows below lines that a grid always has.
+void MakeRoom(EntryGrid& grid, int lines) {
+    const Unrecorded growing(grid);
+    if (grid.RowTotal() < lines + 2) grid.SetRowTotal(lines + 2);
+}
+
+}  // namespace
+
+std::vector<KeptLine> LinesOfRows(const EntryGrid& grid, int rowCount) {
+    std::vector<KeptLine> lines(static_cast<std::size_t>(std::max(0, rowCount)));
+    for (int row = 1; row <= rowCount; ++row) {
+        KeptLine& line = lines[static_cast<std::size_t>(row - 1)];
+        for (int c = 1; c <= kColumnCount; ++c) {
+            const auto at = static_cast<std::size_t>(c - 1);
+            line.texts[at] = grid.Text(row, c);
+            line.refusals[at] = grid.Refusal(row, c);
+        }
+    }
+    return lines;
+}
+
+void KeptLines::Take() {
+    Take(LinesOfRows(*state_.grid, state_.rowCount));
+}
+
+void KeptLines::Take(std::vector<KeptLine> lines) {
+    lines_ = std::move(lines);
+    pending_ = false;
+}
+
+const KeptLine& KeptLines::LineOrBlank(int row) const {
+    static const KeptLine kBlank;
+    const auto at = static_cast<std::size_t>(row - 1);
+    return at < lines_.size() ? lines_[at] : kBlank;
+}
+
+bool KeptLines::OfferUndo(const std::string& notice) {
+    EntryGrid& grid = *state_.grid;
+    const int kept = static_cast<int>(lines_.size());
+    MakeRoom(grid, kept);
+    JournalMark before = state_.Mark();
+    before.rowCount = kept;
+    before.dirty = true;
+    bool differs = kept != state_.rowCount;
+    state_.journal.Open(before);
+    for (int row = 1; row <= std::max(kept, state_.rowCount); ++row) {
+        const KeptLine& line = LineOrBlank(row);
+        for (int c = 1; c <= kColumnCount; ++c) {
+            if (!Differs(grid, row, c, line)) continue;
+            const auto at = static_cast<std::size_t>(c - 1);
+            state_.journal.TextReplaced(row, c, line.texts[at], line.refusals[at]);
+            differs = true;
+        }
+    }
+    // Taking the step back is a change of what was loaded.
+    JournalMark after = state_.Mark();
+    after.dirty = true;
+    state_.journal.Close(after);
+    pending_ = differs;
+    if (differs) state_.notice = notice;
+    return differs;
+}
+
+void KeptLines::PutBack() {
+    EntryGrid& grid = *state_.grid;
+    MakeRoom(grid, static_cast<int>(lines_.size()));
+    const Unrecorded filling(grid);
+    grid.SetReDraw(false);
+    int row = 0;
+    // What was refused by a column was never sent: these texts have all been taken.
+    for (const KeptLine& line : lines_)
+        grid.FillRow(++row, line.texts);
+    grid.SetReDraw(true);
+    state_.rowCount = row;
+    state_.dirty = true;
+}
+
+void KeptLines::PutAsTyped() {
+    EntryGrid& grid = *state_.grid;
+    const int kept = static_cast<int>(lines_.size());
+    MakeRoom(grid, kept);
+    const UndoStep step(state_);
+    grid.SetReDraw(false);
+    const int rows = std::max(kept, state_.rowCount);
+    CellChecks checks;
+    for (int row = 1; row <= rows; ++row) {
+        const KeptLine& line = LineOrBlank(row);
+        for (int c = 1; c <= kColumnCount; ++c) {
+            if (!Differs(grid, row, c, line)) continue;
+            const auto at = static_cast<std::size_t>(c - 1);
+            grid.RestoreText(row, c, line.texts[at], line.refusals[at]);
+        }
+        MarkRow(grid, row, checks);
+    }
+    grid.SetReDraw(true);
+    state_.rowCount = kept;
+    state_.dirty = true;
+}
+
+void KeptLines::Touched() {
+    pending_ = false;
+    state_.notice.clear();
+}
+
+}  // namespace vicenter::center

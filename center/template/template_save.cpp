@@ -1,0 +1,317 @@
+#include "center/template/template_save.h"
+
+#include <unordered_set>
+
+#include "center/editing/cell_rules.h"
+#include "entry/host_services.h"
+#include "entry/screen.h"
+#include "entry/sql_text.h"
+#include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+#include "store/statements.h"
+#include "store/template_guard.h"
+
+namespace vicenter::center {
+
+using automation::Error;
+using entry::kCrLf;
+using entry::LogKind;
+using system::MessageButtons;
+using system::MessageResult;
+
+namespace {
+
+// One row's values on their way into SQL.
+class RowValues {
+  public:
+    RowValues(const EntryGrid& grid, int row) : grid_(grid), row_(row) {}
+
+    std::string Raw(int c) const { return std::string(grid_.Text(row_, c)); }
+    std::string Quoted(int c) const { return entry::SqlQuote(grid_.Text(row_, c), true, true); }
+    std::string Id(int c) const {
+        const std::string_view text = grid_.Text(row_, c);
+        return text.empty() ? "0" : std::string(text);
+    }
+    std::string Number(int c) const {
+        const std::string_view text = grid_.Text(row_, c);
+        return IsPlainNumber(text) ? std::string(text) : "0";
+    }
+    const char* Direction() const {
+        const std::string_view text = grid_.Text(row_, column::kDirection);
+        if (text == kDebit) return "1";
+        return text == kCredit ? "0" : "-1";
+    }
+
+  private:
+    const EntryGrid& grid_;
+    int row_;
+};
+
+void AppendControlRow(std::string& batch, const std::string& id, const std::string& number,
+                      const RowValues& row) {
+    const std::string explanation = row.Quoted(column::kExplanation);
+    batch += "if Not exists(select 1 from t_VchTpControl where FID = " + id + " and FNo = " + number + ") " +
+             kCrLf;
+    batch += std::string("begin ") + kCrLf;
+    batch += "    insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) values(" + id +
+             "," + number + ",0," + explanation + "," + row.Number(column::kFileCount) + ",0) " + kCrLf;
+    batch += std::string("end ") + kCrLf + "else " + kCrLf + "begin " + kCrLf;
+    batch += "    update t_VchTpControl set FKey = " + explanation + " where FID = " + id +
+             " and FNo = " + number + kCrLf;
+    batch += std::string("end ") + kCrLf;
+}
+
+// In the order of the insert's column list.
+void AppendLine(std::string& batch, const std::string& id, int r, const RowValues& row) {
+    batch +=
+        "insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName,"
+        "FSettleID,FSettleName,FSettleNumber,FCurrencyID,FCurrencyName,FRate,FAmountFor,FAmount,"
+        "FQty,FPrice,FUnitID,FUnitName,FRemark,FFileCount,FItemsInfo) values(";
+    batch += id + "," + std::to_string(r);
+    for (const std::string& value : {row.Raw(column::kNo),
+                                     row.Quoted(column::kExplanation),
+                                     std::string(row.Direction()),
+                                     row.Id(column::kAccountId),
+                                     row.Quoted(column::kAccountNumber),
+                                     row.Quoted(column::kAccountName),
+                                     row.Id(column::kSettleId),
+                                     row.Quoted(column::kSettleName),
+                                     row.Quoted(column::kSettleNumber),
+                                     row.Id(column::kCurrencyId),
+                                     row.Quoted(column::kCurrencyName),
+                                     row.Number(column::kRate),
+                                     row.Number(column::kAmountFor),
+                                     row.Number(column::kAmount),
+                                     row.Number(column::kQuantity),
+                                     row.Number(column::kPrice),
+                                     row.Id(column::kUnitId),
+                                     row.Quoted(column::kUnitName),
+                                     row.Quoted(column::kRemark),
+                                     row.Number(column::kFileCount),
+                                     row.Quoted(column::kItems)}) {
+        batch += ',';
+        batch += value;
+    }
+    batch += std::string(") ") + kCrLf;
+}
+
+// The numbers that the procedure marked unusable, joined; nothing when there are none. A query without an
+// answer is an error of the save.
+std::optional<std::string> UnusableNumbers(const std::string& id) {
+    const ado::RecordsetRef numbers = store::GetRecordset(
+        "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = " + id + " order by fno");
+    if (numbers == nullptr) throw Error(automation::error_number::kObjectVariableNotSet);
+    if (numbers->RecordCount() < 1) return std::nullopt;
+    std::string joined;
+    for (; !numbers->AtEnd(); numbers->MoveNext()) {
+        if (!joined.empty()) joined += "、";
+        joined += numbers->Value("FNo").ToTextOrEmpty();
+    }
+    return joined;
+}
+
+}  // namespace
+
+std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount) {
+    std::unordered_set<std::string> seen;
+    for (int r = 1; r <= rowCount; ++r) {
+        const std::string row = "行" + std::to_string(r);
+        const std::string number(grid.Text(r, column::kNo));
+        if (number.empty()) return Finding{r, column::kNo, row + " 模板编号(*) 不允许为空，请进行设置！"};
+        // Only the first row of a number needs an explanation: it becomes the number's key.
+        if (seen.insert(number).second && grid.Text(r, column::kExplanation).empty()) {
+            return Finding{r, column::kExplanation,
+                           row + " 凭证模板 " + number + " 号第一行摘要为空，请录入摘要！"};
+        }
+        if (system::TrimBlanks(grid.Text(r, column::kDirection)).empty()) {
+            return Finding{r, column::kDirection, row + " 借贷方向(*) 不允许为空，请进行设置！"};
+        }
+        if (grid.Text(r, column::kAccountNumber).empty()) {
+            return Finding{r, column::kAccountNumber, row + " 科目编码(*) 不允许为空，请进行设置！"};
+        }
+        if (grid.Text(r, column::kAccountName).empty()) {
+            return Finding{r, column::kAccountName, row + " 科目名称(*) 不允许为空，请进行设置！"};
+        }
+        // What the user gave and the column refused is nowhere to be saved.
+        for (int c = 1; c <= kColumnCount; ++c) {
+            const TextVerdict refusal = grid.Refusal(r, c);
+            if (refusal == TextVerdict::Taken) continue;
+            return Finding{
+                r, c,
+                row + " " + std::string(Column(c).header) + " " + VerdictText(refusal, c) + "，请进行更正！"};
+        }
+    }
+    return std::nullopt;
+}
+
+std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId) {
+    std::string batch = "delete t_VchTemplateEntry where FID = " + templateId + " " + kCrLf;
+    std::string list;
+    std::unordered_set<std::string> handled;
+    for (int r = 1; r <= rowCount; ++r) {
+        const RowValues row(grid, r);
+        const std::string number = row.Raw(column::kNo);
+        if (handled.insert(number).second) {
+            list += number + ",";
+            AppendControlRow(batch, templateId, number, row);
+        }
+        AppendLine(batch, templateId, r, row);
+    }
+    // The list's last comma is completed by the -1.
+    batch += "Delete t_VchTpControl where FID = " + templateId + " and FNo not in (" + list + "-1) ";
+    batch += "exec pro_VchTpCanUsed " + templateId + " " + kCrLf;
+    return batch;
+}
+
+SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
+                        const std::string& name) {
+    try {
+        // A rejected batch has been shown to the user by then; the messages of a success follow all the same.
+        const bool stored = store::clsVIData().IsExecuteSql(BuildSaveBatch(grid, rowCount, templateId));
+        const std::optional<std::string> unusable = UnusableNumbers(templateId);
+        std::string text = "模板 " + name + " 保存成功！";
+        if (unusable) {
+            text += std::string(kCrLf) + kCrLf + "注：编号为 " + *unusable +
+                    " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
+        }
+        Tell(text);
+        entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 成功");
+        return stored ? SendResult::Stored : SendResult::Refused;
+    } catch (const Error&) {
+        TellSaveFailed(name);
+        return SendResult::Failed;
+    }
+}
+
+void TellSaveFailed(const std::string& name) {
+    Tell("模板 " + name + " 保存失败！");
+    entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 失败");
+}
+
+bool ConfirmEmptyTemplate() {
+    return Ask("当前模板模板信息为空，您确认要保存么？", MessageButtons::OkCancel) == MessageResult::Ok;
+}
+
+TemplateSave::TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& drafts,
+                           TemplateSaveActions actions)
+    : state_(state), kept_(kept), drafts_(drafts), actions_(std::move(actions)) {}
+
+bool TemplateSave::Save() {
+    if (!state_.IsOpen() || !state_.dirty) return false;
+    if (!state_.linesKnown) {
+        // The batch replaces every line: what nobody has seen is not to be lost to the few that were typed.
+        TellSaveFailed(state_.templateName);
+        return false;
+    }
+    // After a save that was refused the window shows what is stored; what is tried again is what was typed.
+    if (kept_.IsPending()) actions_.undo();
+    if (!Validate()) return false;
+    const TemplateFate fate = FateOfOpenTemplate(state_);
+    if (fate == TemplateFate::AsLoaded) return SendAndReload(false);
+    if (fate == TemplateFate::Unknown) {
+        TellSaveFailed(state_.templateName);
+        return false;
+    }
+    switch (AskHowToSave(fate, state_.templateName, !store::IsStandard(state_.templateId))) {
+        case SaveChoice::Overwrite:
+            return SendAndReload(true);
+        case SaveChoice::KeepAsNew:
+            return SendAsNewTemplate();
+        case SaveChoice::LookAtTheirs:
+            LookAtTheirs();
+            return false;
+        case SaveChoice::Leave:
+            return false;
+    }
+    return false;
+}
+
+bool TemplateSave::SendAndReload(bool treeToo) {
+    const SendResult sent =
+        SendTemplate(*state_.grid, state_.rowCount, state_.templateId, state_.templateName);
+    if (sent == SendResult::Failed) return false;
+    const std::string name = state_.templateName;
+    const LinesDigest loadedBefore = state_.loaded;
+    if (sent == SendResult::Refused) kept_.Take();
+    bool reloaded = true;
+    {
+        const TemplateDrafts::Hold hold(drafts_);
+        if (treeToo) {
+            actions_.readTreeAgain(state_.templateId);
+            reloaded = state_.linesKnown;
+        } else {
+            reloaded = actions_.reload();
+        }
+    }
+    state_.dirty = false;
+    if (sent == SendResult::Refused) {
+        KeepRefused(reloaded, loadedBefore);
+        return true;
+    }
+    drafts_.Drop();
+    if (!reloaded && !treeToo) {
+        Tell("模板 " + name + " 已保存，但未能重新读取，请重新打开该模板！");
+    }
+    return true;
+}
+
+// The typed lines are one step of undo away, and the template counts as modified as long as they are.
+void TemplateSave::KeepRefused(bool reloaded, const LinesDigest& loadedBefore) {
+    if (reloaded) {
+        state_.dirty = kept_.OfferUndo("保存被拒绝，按 Ctrl+Z 找回保存前的分录");
+    } else {
+        // Nothing has been written and nothing read: the window is as it was before the save.
+        kept_.PutBack();
+        state_.linesKnown = true;
+        state_.loaded = loadedBefore;
+    }
+    drafts_.Changed();
+    drafts_.Keep();
+    actions_.refreshStatus();
+}
+
+bool TemplateSave::SendAsNewTemplate() {
+    const std::optional<TreeNode> node = actions_.insertTemplate();
+    if (!node) return false;
+    state_.templateId = node->key.substr(kTemplateKeyHead.size());
+    state_.SetTemplateName(node->text);
+    state_.loaded = {};
+    return SendAndReload(true);
+}
+
+void TemplateSave::LookAtTheirs() {
+    kept_.Take();
+    actions_.readTreeAgain(state_.templateId);
+    kept_.OfferUndo("按 Ctrl+Z 找回您修改的分录");
+    actions_.refreshStatus();
+}
+
+bool TemplateSave::Validate() {
+    if (state_.rowCount == 0) return ConfirmEmptyTemplate();
+    const std::optional<Finding> finding = ValidateLines(*state_.grid, state_.rowCount);
+    if (!finding) return true;
+    Tell(finding->text);
+    GoToCell({finding->row, finding->column});
+    return false;
+}
+
+bool TemplateSave::ConfirmUnsavedChanges() {
+    if (!state_.IsOpen() || !state_.dirty) return true;
+    if (Ask("当前凭证模板修改后未保存，您是否进行保存?", MessageButtons::YesNo) != MessageResult::Yes) {
+        drafts_.SetDeclined(true);
+        return true;
+    }
+    // A save that the database refused counts as one. Whatever comes next may replace the grid's content as
+    // soon as what was typed is on the disk; as long as it is in this window alone, nothing goes on.
+    return Save() && (!kept_.IsPending() || drafts_.Keep());
+}
+
+void TemplateSave::GoToCell(const CellAddress& cell) {
+    state_.grid->SetReDraw(false);
+    state_.grid->SetActiveCell(cell);
+    state_.grid->SetReDraw(true);
+    entry::HighlightGridRow(cell.row, *state_.grid);
+    state_.grid->ScrollIntoView(cell);
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,77 @@
+#pragma once
+
+// Validation and save of a template's lines. The functions need no window: the command line uses them on a
+// grid of its own; TemplateSave is the part of frmVICenter that adds the dirty flag and the reload.
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "center/frame/window_state.h"
+#include "center/template/draft/template_drafts.h"
+#include "center/template/kept_lines.h"
+#include "center/template/template_fate.h"
+
+namespace vicenter::center {
+
+// The first row that keeps a template from being saved.
+struct Finding {
+    int row = 0;
+    int column = 0;
+    std::string text;
+};
+std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount);
+
+// The batch that replaces the template's lines and brings its control rows up to date.
+std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId);
+
+enum class SendResult {
+    Stored,
+    Refused,  // the database refused the batch, which the user has been shown; the success message followed
+    Failed,   // an error of the save
+};
+// Sends the batch and tells the user and the operation log how it went.
+SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
+                        const std::string& name);
+
+// What the user and the operation log learn of a save that failed.
+void TellSaveFailed(const std::string& name);
+
+// An empty template is saved only when the user agrees.
+bool ConfirmEmptyTemplate();
+
+// What a save asks of the window around it.
+struct TemplateSaveActions {
+    // Reads the open template into the window again; false when its lines could not be read.
+    std::function<bool()> reload;
+    // Reads the tree again and opens the template of that id, or the standard template when it is gone.
+    std::function<void(const std::string& id)> readTreeAgain;
+    // A new template of the user's in the tree; none when there is none, which the user has been told.
+    std::function<std::optional<TreeNode>()> insertTemplate;
+    std::function<void()> undo;
+    std::function<void()> refreshStatus;
+};
+
+class TemplateSave {
+  public:
+    TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& drafts, TemplateSaveActions actions);
+
+    bool Save();
+    bool Validate();
+    bool ConfirmUnsavedChanges();
+    void GoToCell(const CellAddress& cell);
+
+  private:
+    // Sends the grid to the open template and shows what is stored afterwards.
+    bool SendAndReload(bool treeToo);
+    bool SendAsNewTemplate();
+    void LookAtTheirs();
+    void KeepRefused(bool reloaded, const LinesDigest& loadedBefore);
+
+    WindowState& state_;
+    KeptLines& kept_;
+    TemplateDrafts& drafts_;
+    TemplateSaveActions actions_;
+};
+
+}  // namespace vicenter::center

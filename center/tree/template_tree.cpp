@@ -1,0 +1,375 @@
+#include "center/tree/template_tree.h"
+
+#include <algorithm>
+
+#include "center/template/line_loader.h"
+#include "center/template/template_fate.h"
+#include "entry/host_services.h"
+#include "entry/single_line.h"
+#include "entry/sql_text.h"
+#include "platform/system/collation.h"
+#include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+#include "store/statements.h"
+#include "store/template_guard.h"
+
+namespace vicenter::center {
+
+using entry::LogKind;
+
+namespace {
+
+constexpr int kRootIcon = 7;
+constexpr int kTemplateIcon = 2;
+constexpr const char* kRootText = "凭证模板";
+constexpr const char* kStandardKey = "detail-0";
+
+bool IsTemplateKey(const std::string& key) {
+    return key.find(kTemplateKeyHead) != std::string::npos;
+}
+
+std::string IdOf(const std::string& key) {
+    std::string id = key;
+    if (const std::size_t at = id.find(kTemplateKeyHead); at != std::string::npos) {
+        id.erase(at, kTemplateKeyHead.size());
+    }
+    return id;
+}
+
+std::string KeyOf(const std::string& id) {
+    return std::string(kTemplateKeyHead) + id;
+}
+
+// Quoted as it stands: a label keeps its blanks.
+std::string Literal(const std::string& text) {
+    return entry::SqlQuote(text, true, false);
+}
+
+}  // namespace
+
+TemplateTree::TemplateTree(WindowState& state, std::function<bool()> confirm, std::function<void()> leaving,
+                           std::function<void()> opened)
+    : state_(state), confirm_(std::move(confirm)), leaving_(std::move(leaving)), opened_(std::move(opened)) {}
+
+std::string TemplateTree::KeyOfTemplate(const std::string& id, const std::string& name) const {
+    const TreeNode* node = Find(KeyOf(id));
+    if (node == nullptr) return {};
+    return store::IsStandard(id) || node->text == name ? node->key : std::string();
+}
+
+const TreeNode* TemplateTree::Find(const std::string& key) const {
+    const auto found =
+        std::find_if(nodes_.begin(), nodes_.end(), [&](const TreeNode& node) { return node.key == key; });
+    return found == nodes_.end() ? nullptr : &*found;
+}
+
+std::string TemplateTree::TextOf(const std::string& key) const {
+    const TreeNode* node = Find(key);
+    return node == nullptr ? std::string() : node->text;
+}
+
+void TemplateTree::Select(const std::string& key) {
+    if (Find(key) == nullptr) return;
+    selected_ = key;
+    state_.view.SelectTreeNode(key);
+}
+
+void TemplateTree::ReadNodes() {
+    nodes_.clear();
+    nodes_.push_back({std::string(kRootKey), kRootText, kRootIcon});
+    store::clsVIData data;
+    if (const ado::RecordsetRef templates = data.GetVchTemplateByUserID(state_.userId)) {
+        for (; !templates->AtEnd(); templates->MoveNext()) {
+            nodes_.push_back({KeyOf(templates->Value("FID").ToText()),
+                              templates->Value("FName").ToTextOrEmpty(), kTemplateIcon});
+        }
+    }
+    selected_ = kRootKey;
+    state_.view.SetTree(nodes_);
+}
+
+void TemplateTree::Build() {
+    ReadNodes();
+    Select(kStandardKey);
+}
+
+void TemplateTree::RebuildAndSelect(std::int32_t id) {
+    ReadNodes();
+    Select(id < 1 ? nodes_.back().key : KeyOf(std::to_string(id)));
+    Open({}, {}, {});
+}
+
+void TemplateTree::ReadAgain(const std::string& id) {
+    ReadNodes();
+    const std::string key = KeyOf(id);
+    Select(Find(key) == nullptr ? kStandardKey : key);
+    Open({}, {}, {});
+}
+
+void TemplateTree::Open(const std::string& name, const std::string& id, const std::string& displayName) {
+    Read(name, id, displayName);
+    if (!state_.linesKnown) TellUnreadable();
+}
+
+void TemplateTree::OpenAtLoad() {
+    Read(store::kStandardTemplateName, IdOf(kStandardKey), {});
+}
+
+void TemplateTree::TellUnreadable() const {
+    Tell("模板 " + state_.templateName + " 的分录未能读取，请检查账套连接后重新打开该模板！");
+}
+
+bool TemplateTree::Reload() {
+    const std::string name = state_.templateName;
+    const std::string id = state_.templateId;
+    Read(name, id, {});
+    return state_.linesKnown;
+}
+
+void TemplateTree::Read(const std::string& name, const std::string& id, const std::string& displayName) {
+    leaving_();
+    state_.journal.Drop();
+    state_.notice.clear();
+    // Observers see one reset: first no rows, then the blank ones.
+    state_.grid->Clear(0);
+    state_.grid->Clear(kFirstRowTotal);
+    state_.rowCount = 0;
+    state_.dirty = false;
+    state_.linesKnown = true;
+    state_.templateId = id;
+    std::string shown = name;
+    if (state_.templateId.empty() && IsTemplateKey(selected_)) {
+        state_.templateId = IdOf(selected_);
+        shown = TextOf(selected_);
+    }
+    if (!state_.IsOpen()) {
+        state_.SetTemplateName({});
+        state_.entryCount = 0;
+        opened_();
+        return;
+    }
+    if (!displayName.empty()) shown = displayName;
+    state_.SetTemplateName(shown);
+    state_.entryCount = store::clsVIData().GetVchEntryCount(state_.templateId);
+    // Known is what has been read to its end.
+    state_.linesKnown = false;
+    std::optional<int> lines;
+    try {
+        lines = LoadLines(*state_.grid, state_.templateId, &state_.loaded);
+    } catch (const automation::Error&) {
+        state_.grid->Clear(kFirstRowTotal);
+    }
+    state_.linesKnown = lines.has_value();
+    if (lines) {
+        state_.entryCount = *lines;
+        state_.rowCount = *lines;
+    }
+    opened_();
+}
+
+// --- events
+
+void TemplateTree::GotFocus() {
+    state_.Enable({Tool::New, Tool::Del}, true);
+}
+
+void TemplateTree::LostFocus() {
+    state_.Enable({Tool::New, Tool::Del}, false);
+}
+
+void TemplateTree::NodeClick(const std::string& key) {
+    if (Find(key) == nullptr) return;
+    Select(key);
+    if (!confirm_()) return;
+    if (key == kRootKey) {
+        state_.Enable({Tool::Del, Tool::Save, Tool::Exp}, false);
+    } else if (IsTemplateKey(key)) {
+        state_.Enable({Tool::Del, Tool::Save, Tool::Exp}, true);
+        OpenNode(key);
+    }
+    state_.Enable({Tool::AddRow, Tool::DelRow}, false);
+}
+
+void TemplateTree::OpenNode(const std::string& key) {
+    const std::string text = TextOf(key);
+    const NodeFate now = FateOfNode(IdOf(key), text, state_.userId);
+    if (now.fate == TemplateFate::Gone) {
+        TellGone(text);
+        ReadAgain(IdOf(key));
+        return;
+    }
+    if (now.fate == TemplateFate::Changed) SetNodeText(key, now.name);
+    Open(TextOf(key), IdOf(key), {});
+}
+
+void TemplateTree::SetNodeText(const std::string& key, const std::string& text) {
+    for (TreeNode& node : nodes_) {
+        if (node.key == key) node.text = text;
+    }
+    state_.view.SetTreeNodeText(key, text);
+}
+
+void TemplateTree::DoubleClick() {
+    if (state_.hasRight && confirm_()) StartRenaming();
+}
+
+void TemplateTree::StartRenaming() {
+    editsLabels_ = true;
+    state_.view.StartLabelEdit();
+}
+
+bool TemplateTree::BeforeLabelEdit() {
+    return selected_ != kRootKey && selected_ != kStandardKey;
+}
+
+bool TemplateTree::AfterLabelEdit(const std::string& label) {
+    editsLabels_ = false;
+    const std::string newText(entry::WithoutLineEnd(label));
+    if (system::TrimBlanks(newText).empty()) {
+        Tell("名称不允许为空，修改失败！");
+        return false;
+    }
+    if (entry::HasControlCharacter(newText)) {
+        Tell("名称不能包含制表符、换行等控制字符，修改失败！");
+        return false;
+    }
+    constexpr const char* kDuplicate = "模板名称不允许重复，修改失败！";
+    if (system::Collator::Chinese().Compare(newText, store::kStandardTemplateName) == 0) {
+        Tell(kDuplicate);
+        return false;
+    }
+    if (!IsTemplateKey(selected_)) return false;
+    const ado::RecordsetRef same =
+        store::GetRecordset("select FID from t_VchTemplate where FName = " + Literal(newText) +
+                            " and FUserID = " + state_.userId);
+    if (same == nullptr) return false;
+    if (same->RecordCount() >= 1) {
+        Tell(kDuplicate);
+        return false;
+    }
+    const std::string id = IdOf(selected_);
+    if (!MayRename(TextOf(selected_), id)) return false;
+    if (!store::RunSql("update t_VchTemplate set FName = " + Literal(newText) + " where FID = " + id)) {
+        return false;
+    }
+    SetNodeText(selected_, newText);
+    Open(newText, id, newText);
+    return true;
+}
+
+bool TemplateTree::MayRename(const std::string& text, const std::string& id) {
+    const NodeFate now = FateOfNode(id, text, state_.userId);
+    switch (now.fate) {
+        case TemplateFate::AsLoaded:
+            return true;
+        case TemplateFate::Gone:
+            TellGone(text);
+            return false;
+        case TemplateFate::Unknown:
+            Tell("模板 " + text + " 无法读取，修改失败！");
+            return false;
+        case TemplateFate::Changed:
+            break;
+    }
+    return Ask("模板 " + text + " 已在别处改名为 " + now.name + "，是否仍要修改名称？",
+               system::MessageButtons::YesNo) == system::MessageResult::Yes;
+}
+
+// --- new and delete
+
+std::optional<TreeNode> TemplateTree::InsertTemplate() {
+    std::int32_t largest = 0;
+    const std::int32_t id = store::clsVIData().InsertVchTemplateInfo(largest);
+    if (id <= 0) return std::nullopt;
+    const TreeNode node{KeyOf(std::to_string(id)), store::CustomTemplateName(std::int64_t{largest} + 1),
+                        kTemplateIcon};
+    if (!store::ConfirmNewTemplate(std::to_string(id), state_.userId, node.text)) {
+        Tell("新增的模板未能确认（其他用户可能同时新增了模板），请在重新读取的模板树中选择！");
+        const std::string before = selected_;
+        ReadNodes();
+        Select(before);
+        return std::nullopt;
+    }
+    nodes_.push_back(node);
+    state_.view.AddTreeNode(node);
+    Select(node.key);
+    return node;
+}
+
+bool TemplateTree::CreateTemplate() {
+    const std::optional<TreeNode> node = InsertTemplate();
+    if (!node) return false;
+    // The command has been through the right and the gate already: no second question.
+    StartRenaming();
+    Open(node->text, IdOf(node->key), {});
+    state_.Enable({Tool::Del, Tool::Save}, true);
+    return true;
+}
+
+// Asked once the user has agreed: what is deleted is what the user means.
+bool TemplateTree::MayDelete(const std::string& text) {
+    const std::string id = IdOf(selected_);
+    const bool open = state_.templateId == id && state_.linesKnown;
+    const TemplateFate fate = open ? FateOfOpenTemplate(state_) : FateOfNode(id, text, state_.userId).fate;
+    switch (fate) {
+        case TemplateFate::AsLoaded:
+            return true;
+        case TemplateFate::Unknown:
+            Tell("删除失败！");
+            break;
+        case TemplateFate::Gone:
+            TellGone(text);
+            break;
+        case TemplateFate::Changed:
+            if (Ask("模板 " + text +
+                        " 打开之后已在别处被修改，是否仍要删除？\r\n\r\n选择“否”将显示修改后的模板。",
+                    system::MessageButtons::YesNo) == system::MessageResult::Yes) {
+                return true;
+            }
+            break;
+    }
+    entry::WriteOperationLog(LogKind::Failed, "凭证模板-删除模板 " + text + " 失败");
+    if (fate != TemplateFate::Unknown) ReadAgain(id);
+    return false;
+}
+
+void TemplateTree::DeleteSelected() {
+    if (selected_ == kRootKey) {
+        Tell("不允许删除！");
+        return;
+    }
+    if (selected_ == kStandardKey || !IsTemplateKey(selected_)) return;
+    const std::string text = TextOf(selected_);
+    if (Ask("模板删除将无法还原，是否删除？\r\n\r\n凭证模板：" + text, system::MessageButtons::YesNo) !=
+        system::MessageResult::Yes) {
+        return;
+    }
+    if (!MayDelete(text)) return;
+    if (!store::clsVIData().DeleteVchTemplateInfo(IdOf(selected_))) {
+        Tell("删除失败！");
+        entry::WriteOperationLog(LogKind::Failed, "凭证模板-删除模板 " + text + " 失败");
+        return;
+    }
+    const std::string removed = selected_;
+    const auto at = static_cast<std::size_t>(Find(removed) - nodes_.data());
+    // The root at index 0 is no sibling.
+    std::string neighbour;
+    if (at + 1 < nodes_.size()) {
+        neighbour = nodes_[at + 1].key;
+    } else if (at > 1) {
+        neighbour = nodes_[at - 1].key;
+    }
+    nodes_.erase(nodes_.begin() + static_cast<std::ptrdiff_t>(at));
+    selected_ = kRootKey;
+    // Whatever was not saved has been given up before the question: nothing to save into what is gone.
+    state_.dirty = false;
+    state_.view.RemoveTreeNode(removed);
+    entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-删除模板 " + text + " 成功");
+    if (neighbour.empty()) {
+        Open({}, {}, {});
+    } else {
+        NodeClick(neighbour);
+    }
+}
+
+}  // namespace vicenter::center

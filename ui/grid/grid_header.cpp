@@ -1,0 +1,90 @@
+#include "ui/grid/grid_header.h"
+
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolTip>
+#include <algorithm>
+
+#include "ui/look/center_style.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr int kMinimumNumberWidth = 36;
+constexpr int kTextMargin = 4;
+
+}  // namespace
+
+GridHeader::GridHeader(Qt::Orientation orientation, QWidget* parent) : QHeaderView(orientation, parent) {
+    setSectionsClickable(true);
+    setHighlightSections(false);
+    setDefaultAlignment(Qt::AlignCenter);
+    setMinimumSectionSize(8);
+    setTextElideMode(Qt::ElideRight);
+}
+
+void GridHeader::SetActiveSection(int section) {
+    if (section == activeSection_) return;
+    const int previous = std::exchange(activeSection_, section);
+    for (const int changed : {previous, section}) {
+        if (changed >= 0 && changed < count()) updateSection(changed);
+    }
+}
+
+void GridHeader::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const {
+    if (!rect.isValid() || !model()) return;
+    const bool active = logicalIndex == activeSection_;
+    painter->save();
+    painter->fillRect(rect, active ? colors::kHeaderActive : colors::kHeader);
+    painter->setPen(colors::kLine);
+    painter->drawLine(rect.bottomLeft(), rect.bottomRight());
+    painter->drawLine(rect.topRight(), rect.bottomRight());
+    if (active) {
+        const QRect edge = orientation() == Qt::Horizontal
+                               ? QRect(rect.left(), rect.bottom() - 1, rect.width(), 2)
+                               : QRect(rect.right() - 1, rect.top(), 2, rect.height());
+        painter->fillRect(edge, colors::kAccent);
+    }
+    const QString text = model()->headerData(logicalIndex, orientation(), Qt::DisplayRole).toString();
+    const QRect inner = rect.adjusted(kTextMargin, 0, -kTextMargin, 0);
+    painter->setPen(orientation() == Qt::Horizontal || active ? colors::kInk : colors::kFaintInk);
+    painter->drawText(inner, Qt::AlignCenter, fontMetrics().elidedText(text, Qt::ElideRight, inner.width()));
+    painter->restore();
+}
+
+bool GridHeader::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && orientation() == Qt::Horizontal && model()) {
+        const auto& help = static_cast<const QHelpEvent&>(*event);
+        const int section = logicalIndexAt(help.pos());
+        const QString text = model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+        const bool cut =
+            section >= 0 && fontMetrics().horizontalAdvance(text) > sectionSize(section) - 2 * kTextMargin;
+        QToolTip::showText(help.globalPos(), cut ? text : QString(), viewport());
+        return true;
+    }
+    return QHeaderView::viewportEvent(event);
+}
+
+void GridHeader::mousePressEvent(QMouseEvent* event) {
+    pressed_ = true;
+    QHeaderView::mousePressEvent(event);
+}
+
+void GridHeader::mouseReleaseEvent(QMouseEvent* event) {
+    QHeaderView::mouseReleaseEvent(event);
+    pressed_ = false;
+}
+
+QSize GridHeader::sizeHint() const {
+    QSize hint = QHeaderView::sizeHint();
+    if (orientation() == Qt::Vertical) {
+        const QString widest(QString::number(std::max(count(), 1)).size(), u'8');
+        hint.setWidth(
+            std::max(kMinimumNumberWidth, fontMetrics().horizontalAdvance(widest) + 3 * kTextMargin));
+    }
+    return hint;
+}
+
+}  // namespace vicenter::ui

@@ -1,0 +1,390 @@
+#include "ui/grid/grid_view.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <algorithm>
+#include <utility>
+
+#include "ui/grid/cell_delegate.h"
+#include "ui/grid/cell_editor.h"
+#include "ui/look/center_style.h"
+#include "ui/look/qt_text.h"
+#include "ui/look/twips.h"
+#include "ui/run/application.h"
+#include "ui/run/composition.h"
+#include "ui/run/slot_guard.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr int kMinimumColumnWidth = 12;
+
+// Sets a flag for the length of a scope and puts the old value back.
+class FlagScope {
+  public:
+    explicit FlagScope(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
+    FlagScope(const FlagScope&) = delete;
+    FlagScope& operator=(const FlagScope&) = delete;
+    ~FlagScope() { flag_ = before_; }
+
+  private:
+    bool& flag_;
+    bool before_;
+};
+
+}  // namespace
+
+GridView::GridView(GridModel& model, GridActions& actions, QWidget* parent)
+    : QTableView(parent),
+      model_(model),
+      actions_(actions),
+      columns_(new GridHeader(Qt::Horizontal, this)),
+      rows_(new GridHeader(Qt::Vertical, this)) {
+    setObjectName(QStringLiteral("vsEntrys"));
+    setHorizontalHeader(columns_);
+    setVerticalHeader(rows_);
+    rows_->setSectionResizeMode(QHeaderView::Fixed);
+    columns_->setMinimumSectionSize(kMinimumColumnWidth);
+    setItemDelegate(new CellDelegate(*this));
+    setWordWrap(false);
+    setShowGrid(true);
+    setGridStyle(Qt::SolidLine);
+    setCornerButtonEnabled(false);
+    setSelectionMode(ExtendedSelection);
+    setSelectionBehavior(SelectItems);
+    setEditTriggers(EditKeyPressed | AnyKeyPressed | DoubleClicked);
+    setTabKeyNavigation(false);
+    setVerticalScrollMode(ScrollPerItem);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setFrameShape(QFrame::StyledPanel);
+    QPalette own = palette();
+    own.setColor(QPalette::Highlight, colors::kSelection);
+    own.setColor(QPalette::HighlightedText, colors::kInk);
+    own.setColor(QPalette::Mid, colors::kGridLine);
+    setPalette(own);
+    QTableView::setModel(&model_);
+
+    connect(&model_, &GridModel::columnLayoutChanged, this, &GridView::ApplyColumns);
+    connect(&model_, &GridModel::rowHeightsChanged, this, &GridView::ApplyRowHeights);
+    connect(&model_, &GridModel::gridFontChanged, this, &GridView::ApplyFont);
+    connect(&model_, &GridModel::activeCellChanged, this, &GridView::FollowActiveCell);
+    connect(&model_, &GridModel::textRefused, this, &GridView::textRefused);
+    connect(&model_, &GridModel::scrolledIntoView, this, [this](int row, int column) {
+        const QModelIndex index = model_.IndexOf({row, std::max(column, 1)});
+        if (index.isValid()) scrollTo(index, EnsureVisible);
+    });
+    connect(columns_, &QHeaderView::sectionResized, this, [this](int section, int /*before*/, int now) {
+        if (!applyingColumns_ && now > 0) {
+            Guarded([&] { model_.Grid().SetColumnWidth(section + 1, PixelsToTwips(now, *this)); });
+        }
+        emit contentsMoved();
+    });
+    ApplyColumns(1, center::kColumnCount);
+    ApplyRowHeights();
+    ApplyFont();
+    FollowActiveCell();
+}
+
+void GridView::setModel(QAbstractItemModel* model) {
+    QTableView::setModel(model);
+}
+
+void GridView::SetInteractive(bool interactive) {
+    if (!interactive) CommitOpenEditor();
+    model_.SetInteractive(interactive);
+    viewport()->update();
+}
+
+bool GridView::HasFocusWithin() const {
+    const QWidget* focus = QApplication::focusWidget();
+    return focus && (focus == this || isAncestorOf(focus));
+}
+
+QWidget* GridView::OpenEditor() const {
+    return currentIndex().isValid() ? indexWidget(currentIndex()) : nullptr;
+}
+
+bool GridView::IsEditing() const {
+    return state() == EditingState;
+}
+
+void GridView::CommitOpenEditor() {
+    if (QWidget* editor = OpenEditor()) FinishEditing(editor);
+}
+
+void GridView::FinishEditing(QWidget* editor) {
+    Composition::Finish(*editor);
+    Guarded([&] { actions_.NameListClose(); });
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
+}
+
+void GridView::DropOpenEditor() {
+    if (QWidget* editor = OpenEditor()) closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+}
+
+void GridView::ApplyColumns(int firstColumn, int lastColumn) {
+    const FlagScope scope(applyingColumns_);
+    for (int column = firstColumn; column <= lastColumn; ++column) {
+        const center::ColumnLayout layout = model_.Grid().Layout(column);
+        const int pixels = std::max(TwipsToPixels(layout.width, *this), kMinimumColumnWidth);
+        if (!layout.hidden) setColumnWidth(column - 1, pixels);
+        if (isColumnHidden(column - 1) != layout.hidden) {
+            // A selection speaks of the columns that were shown when it was made.
+            CommitOpenEditor();
+            if (currentIndex().isValid())
+                selectionModel()->select(currentIndex(), QItemSelectionModel::ClearAndSelect);
+        }
+        setColumnHidden(column - 1, layout.hidden);
+        if (!layout.hidden) setColumnWidth(column - 1, pixels);
+    }
+    KeepCursorShown();
+    emit contentsMoved();
+}
+
+int GridView::ShownColumnNear(int column) const {
+    for (int right = column; right < center::kColumnCount; ++right) {
+        if (!isColumnHidden(right)) return right;
+    }
+    for (int left = column; left >= 0; --left) {
+        if (!isColumnHidden(left)) return left;
+    }
+    return column;
+}
+
+// What nobody sees is not worked on.
+void GridView::KeepCursorShown() {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid() || !isColumnHidden(current.column())) return;
+    const int shown = ShownColumnNear(current.column());
+    if (shown != current.column()) MoveTo(current.row(), shown);
+}
+
+void GridView::ApplyRowHeights() {
+    rows_->setMinimumSectionSize(1);
+    rows_->setDefaultSectionSize(std::max(TwipsToPixels(model_.Grid().RowHeight(), *this), 1));
+    columns_->setFixedHeight(std::max(TwipsToPixels(model_.Grid().HeaderHeight(), *this), 1));
+    emit contentsMoved();
+}
+
+void GridView::ApplyFont() {
+    const center::GridFont& wanted = model_.Grid().Font();
+    QFont font = this->font();  // bold and italic stay as they are
+    font.setFamilies({BillFontFamily()});
+    font.setPointSizeF(wanted.size);
+    setFont(font);
+    columns_->setFont(font);
+    rows_->setFont(font);
+}
+
+// By the view's own member: Shift with an arrow then selects from here.
+void GridView::Place(const QModelIndex& index) {
+    const FlagScope scope(placing_);
+    setCurrentIndex(index);
+}
+
+void GridView::FollowActiveCell() {
+    if (model_.IsChangingRows()) return;
+    const QModelIndex index = model_.IndexOf(model_.Grid().ActiveCell());
+    if (index == currentIndex()) return;
+    {
+        const FlagScope scope(following_);
+        if (index.isValid()) {
+            Place(index);
+        } else {
+            selectionModel()->clear();
+        }
+    }
+    KeepCursorShown();
+}
+
+void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    columns_->SetActiveSection(current.isValid() ? current.column() : -1);
+    rows_->SetActiveSection(current.isValid() ? current.row() : -1);
+    if (following_ || model_.IsChangingRows() || !current.isValid()) return;
+    const bool selecting = selecting_ || rows_->IsPressed() || columns_->IsPressed();
+    const auto how = selecting ? center::CursorMove::Selecting : center::CursorMove::Going;
+    Guarded([&] { actions_.MoveActiveCell(model_.AddressOf(current), how); });
+    FollowActiveCell();
+}
+
+void GridView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    QTableView::selectionChanged(selected, deselected);
+    if (model_.IsChangingRows()) return;
+    Guarded([&] { actions_.SelectionChanged(Selected()); });
+}
+
+center::CellSelection GridView::Selected() const {
+    const QItemSelection selection = selectionModel()->selection();
+    if (selection.isEmpty()) {
+        const QModelIndex current = currentIndex();
+        if (!current.isValid()) return {};
+        const center::CellAddress cell = model_.AddressOf(current);
+        return {cell.row, cell.column};
+    }
+    center::CellSelection selected;
+    selected.wholeRows = true;
+    for (const QItemSelectionRange& range : selection) {
+        selected.pieces.push_back({range.top() + 1, range.left() + 1, range.bottom() + 1, range.right() + 1});
+        if (range.width() < center::kColumnCount) selected.wholeRows = false;
+    }
+    return selected;
+}
+
+// Blocks of cells hold what is shown; Qt's own would take the hidden columns between them along.
+void GridView::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) {
+    const QRect normal = rect.normalized();
+    const QModelIndex first = indexAt(normal.topLeft());
+    const QModelIndex last = indexAt(normal.bottomRight());
+    if (command & (QItemSelectionModel::Rows | QItemSelectionModel::Columns) || !first.isValid() ||
+        !last.isValid()) {
+        QTableView::setSelection(rect, command);
+        return;
+    }
+    QItemSelection selection;
+    for (int column = first.column(); column <= last.column(); ++column) {
+        if (isColumnHidden(column)) continue;
+        int end = column;
+        while (end < last.column() && !isColumnHidden(end + 1))
+            ++end;
+        selection.append(
+            QItemSelectionRange(model_.index(first.row(), column), model_.index(last.row(), end)));
+        column = end;
+    }
+    selectionModel()->select(selection, command);
+}
+
+void GridView::selectAll() {
+    if (model_.rowCount() < 1) return;
+    const QItemSelection all(model_.index(0, 0), model_.index(model_.rowCount() - 1, 0));
+    selectionModel()->select(all, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+QRect GridView::CellRectIn(const center::CellAddress& cell, const QWidget& ancestor) const {
+    const QRect rect = visualRect(model_.IndexOf(cell));
+    return QRect(viewport()->mapTo(&ancestor, rect.topLeft()), rect.size());
+}
+
+bool GridView::StoodBelowRows() {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid() || !IsInteractive()) return false;
+    const int used = GuardedOr(0, [&] { return actions_.RowsInUse(); });
+    const center::CellAddress cell = model_.AddressOf(current);
+    if (cell.row <= used + 1) return false;
+    Guarded([&] { actions_.MoveActiveCell(cell, center::CursorMove::Going); });
+    FollowActiveCell();
+    return true;
+}
+
+bool GridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
+    const bool asked = trigger == AnyKeyPressed || trigger == EditKeyPressed || trigger == DoubleClicked;
+    if (asked && index == currentIndex() && StoodBelowRows()) return false;
+    bool opened = false;
+    {
+        const bool before = std::exchange(openingByTyping_, trigger == AnyKeyPressed);
+        opened = QTableView::edit(index, trigger, event);
+        openingByTyping_ = before;
+    }
+    if (opened && trigger != AnyKeyPressed) {
+        if (auto* list = qobject_cast<DirectionEditor*>(indexWidget(index))) list->showPopup();
+    }
+    if (opened) emit editingChanged(true);
+    return opened;
+}
+
+void GridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+    QTableView::closeEditor(editor, hint);
+    Guarded([&] { actions_.NameListClose(); });
+    emit editingChanged(false);
+}
+
+void GridView::EditorTextEdited(const QString& text) {
+    emit textTaken();
+    Guarded([&] { actions_.NameListKey(FromQt(text)); });
+}
+
+void GridView::mousePressEvent(QMouseEvent* event) {
+    rows_->EndPress();
+    columns_->EndPress();
+    const QModelIndex pressed = indexAt(event->pos());
+    const QModelIndex before = currentIndex();
+    if (event->button() == Qt::LeftButton && pressed.isValid() && pressed == before && IsInteractive()) {
+        const int column = model_.AddressOf(pressed).column;
+        if (CellDelegate::HasButton(column) &&
+            CellDelegate::ButtonRect(visualRect(pressed)).contains(event->pos())) {
+            if (column == center::column::kDirection) {
+                edit(pressed, AllEditTriggers, event);
+            } else {
+                OpenLookUp();
+            }
+            return;
+        }
+    }
+    {
+        // The message about gaps is for a click that goes somewhere, not for building a selection.
+        const bool selectingBefore = selecting_;
+        selecting_ = event->button() != Qt::LeftButton ||
+                     event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier);
+        QTableView::mousePressEvent(event);
+        selecting_ = selectingBefore;
+    }
+    // The rules may have sent the cursor elsewhere than where the press was: the selection goes with it.
+    const QModelIndex current = currentIndex();
+    if (current.isValid() && pressed.isValid() && current != pressed &&
+        event->modifiers() == Qt::NoModifier) {
+        const FlagScope scope(following_);
+        selectionModel()->select(current, QItemSelectionModel::ClearAndSelect);
+    }
+}
+
+void GridView::mouseMoveEvent(QMouseEvent* event) {
+    const FlagScope scope(selecting_);
+    QTableView::mouseMoveEvent(event);
+}
+
+void GridView::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    viewport()->update();
+}
+
+void GridView::focusOutEvent(QFocusEvent* event) {
+    QTableView::focusOutEvent(event);
+    viewport()->update();
+}
+
+void GridView::inputMethodEvent(QInputMethodEvent* event) {
+    const bool empty = event->commitString().isEmpty() && event->preeditString().isEmpty();
+    const QModelIndex current = currentIndex();
+    if (!empty && current.isValid() && IsInteractive() && !IsEditing() &&
+        model_.AddressOf(current).column == center::column::kDirection) {
+        const QString choice = DirectionForKey(event->commitString());
+        if (!choice.isNull() && !StoodBelowRows()) SetDirection(choice);
+        event->accept();
+        return;
+    }
+    // A text that comes without having been composed: Qt would open the editor and lose it.
+    if (!event->commitString().isEmpty() && event->preeditString().isEmpty() && current.isValid() &&
+        IsInteractive() && !IsEditing() && edit(current, AnyKeyPressed, nullptr)) {
+        if (QWidget* editor = indexWidget(current)) QApplication::sendEvent(editor, event);
+        event->accept();
+        return;
+    }
+    QTableView::inputMethodEvent(event);
+}
+
+void GridView::scrollContentsBy(int dx, int dy) {
+    QTableView::scrollContentsBy(dx, dy);
+    emit contentsMoved();
+}
+
+void GridView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    emit contentsMoved();
+}
+
+}  // namespace vicenter::ui

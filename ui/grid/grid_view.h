@@ -1,0 +1,122 @@
+#pragma once
+
+// The entry grid `vsEntrys` as a spreadsheet: a table view on the GridModel with a spreadsheet's keys.
+//
+// Typing starts editing (input methods, too), F2 edits, Enter and Tab take the text and move on, Escape gives
+// it up, Delete clears cells and never a row. What the rules want to know goes to GridActions; where the
+// cursor ends up is the grid's active cell, which the view follows. Shares nothing; model and actions outlive
+// it. User-interface thread only.
+
+#include <QTableView>
+
+#include "ui/grid/grid_actions.h"
+#include "ui/grid/grid_header.h"
+#include "ui/grid/grid_model.h"
+
+namespace vicenter::ui {
+
+class GridView : public QTableView {
+    Q_OBJECT
+
+  public:
+    GridView(GridModel& model, GridActions& actions, QWidget* parent = nullptr);
+
+    GridModel& Model() const { return model_; }
+    bool IsInteractive() const { return model_.IsInteractive(); }
+    void SetInteractive(bool interactive);
+    // The grid or an editor in it has the keyboard.
+    bool HasFocusWithin() const;
+    bool IsEditing() const;
+    // True while an editor is being made because the user typed over the cell.
+    bool IsOpeningByTyping() const { return openingByTyping_; }
+
+    // Takes the text of an open editor into its cell and closes the editor.
+    void CommitOpenEditor();
+    void FinishEditing(QWidget* editor);
+    // Closes an open editor and leaves the cell as it is.
+    void DropOpenEditor();
+    // A key in an open editor; true when the editor must not see it.
+    bool EditorKeyPressed(QWidget& editor, QKeyEvent& event);
+    void EditorTextEdited(const QString& text);
+
+    // Rows that were selected by their headers are whole rows; every other selection holds shown cells alone.
+    center::CellSelection Selected() const;
+    // The smallest block around the selection.
+    center::CellRange SelectedBlock() const { return Selected().Bounds(); }
+    // The rectangle of a cell in the coordinates of `ancestor`.
+    QRect CellRectIn(const center::CellAddress& cell, const QWidget& ancestor) const;
+
+    bool CopySelection();  // false when it cannot be copied
+    void CutSelection();
+    void Paste();
+
+  public slots:
+    void setModel(QAbstractItemModel* model) override;
+    void selectAll() override;
+
+  signals:
+    void textRefused(const QString& reason);
+    void textTaken();  // typing goes on
+    void editingChanged(bool editing);
+    void itemPanelRequested();  // F4 on the items column
+    void contentsMoved();  // scrolled, or columns and rows changed: whatever lies over a cell must follow
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event = nullptr) const override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    bool focusNextPrevChild(bool next) override;
+
+  private:
+    QWidget* OpenEditor() const;
+    void ApplyColumns(int firstColumn, int lastColumn);
+    void ApplyRowHeights();
+    void ApplyFont();
+    void FollowActiveCell();
+    void Place(const QModelIndex& index);
+    void MoveTo(int row, int column);
+    void MoveOn(bool back);
+    void MoveRows(int rows);
+    bool HandleShortcut(const QKeyEvent& event);
+    bool HandleNameListKey(QWidget& editor, const QKeyEvent& event);
+    void ClearSelection();
+    void DuplicateRows();
+    void InsertRows();
+    void DeleteRows();
+    void FillDown();
+    // True when the cursor stands below the first blank row, where nothing may be entered: the rules have
+    // said so and have taken it there.
+    bool StoodBelowRows();
+    void KeepCursorShown();
+    int ShownColumnNear(int column) const;
+    void OpenLookUp();
+    void SetDirection(const QString& text);
+    int FirstVisibleColumn() const;
+    int LastVisibleColumn() const;
+
+    GridModel& model_;
+    GridActions& actions_;
+    GridHeader* columns_;
+    GridHeader* rows_;
+    bool following_ = false;        // the view follows the grid's active cell, not the other way round
+    bool applyingColumns_ = false;  // widths come from the grid, not from the user
+    bool openingByTyping_ = false;
+    bool placing_ = false;    // the cursor goes to one cell, whatever keys are held
+    bool selecting_ = false;  // the cursor moves on the way of building a selection
+};
+
+}  // namespace vicenter::ui

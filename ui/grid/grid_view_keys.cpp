@@ -1,0 +1,421 @@
+// The keys of the entry grid: moving about, editing, blocks. The rest of GridView is in grid_view.cpp.
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <algorithm>
+
+#include "ui/grid/cell_editor.h"
+#include "ui/grid/grid_view.h"
+#include "ui/grid/key_codes.h"
+#include "ui/look/qt_text.h"
+#include "ui/run/slot_guard.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr int kInsertCode = 45;
+constexpr int kF7Code = 118;
+constexpr int kListPage = 8;
+
+// Whole rows on the clipboard, for windows of this process: ids of another account set would mean others.
+QString RowsFormat() {
+    return QStringLiteral("application/x-vicenter-rows;pid=%1").arg(QCoreApplication::applicationPid());
+}
+
+bool IsModifierKey(int key) {
+    return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt || key == Qt::Key_Meta ||
+           key == Qt::Key_AltGr || key == Qt::Key_CapsLock || key == Qt::Key_NumLock;
+}
+
+bool IsCursorKey(int key) {
+    return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down ||
+           key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+}
+
+// Ctrl with + and -, of the keypad too, insert and delete rows as in a spreadsheet. + is Shift and = on many
+// keyboards.
+bool IsInsertKey(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (event.key() == Qt::Key_Equal) return modifiers == (Qt::ControlModifier | Qt::ShiftModifier);
+    return event.key() == Qt::Key_Plus && (modifiers & ~Qt::ShiftModifier) == Qt::ControlModifier;
+}
+
+bool IsDeleteKey(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Minus && (event.modifiers() & ~Qt::KeypadModifier) == Qt::ControlModifier;
+}
+
+}  // namespace
+
+int GridView::FirstVisibleColumn() const {
+    for (int column = 0; column < center::kColumnCount; ++column) {
+        if (!isColumnHidden(column)) return column;
+    }
+    return 0;
+}
+
+int GridView::LastVisibleColumn() const {
+    for (int column = center::kColumnCount - 1; column >= 0; --column) {
+        if (!isColumnHidden(column)) return column;
+    }
+    return 0;
+}
+
+void GridView::MoveTo(int row, int column) {
+    const QModelIndex index = model_.index(std::clamp(row, 0, model_.rowCount() - 1), column);
+    if (index.isValid()) Place(index);
+}
+
+// Through the visible columns and from the last to the first of the next row, as a form is filled in.
+void GridView::MoveOn(bool back) {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid()) return;
+    const int step = back ? -1 : 1;
+    for (int column = current.column() + step; column >= 0 && column < center::kColumnCount; column += step) {
+        if (!isColumnHidden(column)) return MoveTo(current.row(), column);
+    }
+    const int row = current.row() + step;
+    if (row < 0 || row >= model_.rowCount()) return;
+    MoveTo(row, back ? LastVisibleColumn() : FirstVisibleColumn());
+}
+
+void GridView::MoveRows(int rows) {
+    const QModelIndex current = currentIndex();
+    if (current.isValid()) MoveTo(current.row() + rows, current.column());
+}
+
+bool GridView::focusNextPrevChild(bool /*next*/) {
+    return false;  // Tab moves between cells
+}
+
+// Qt leaves the selection behind when Ctrl is held on the way; in a spreadsheet it goes along.
+QItemSelectionModel::SelectionFlags GridView::selectionCommand(const QModelIndex& index,
+                                                               const QEvent* event) const {
+    if (placing_) return QItemSelectionModel::ClearAndSelect;
+    if (event != nullptr && event->type() == QEvent::KeyPress) {
+        const auto& key = static_cast<const QKeyEvent&>(*event);
+        if (IsCursorKey(key.key()) && key.modifiers() & Qt::ControlModifier) {
+            const QKeyEvent plain(QEvent::KeyPress, key.key(), key.modifiers() & ~Qt::ControlModifier);
+            return QTableView::selectionCommand(index, &plain);
+        }
+    }
+    return QTableView::selectionCommand(index, event);
+}
+
+QModelIndex GridView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid()) return QTableView::moveCursor(action, modifiers);
+    const bool control = modifiers & Qt::ControlModifier;
+    const int used = GuardedOr(0, [&] { return actions_.RowsInUse(); });
+    // Jumps never pass the first blank row: lines are entered without gaps.
+    const int lastRow = std::clamp(used, 0, model_.rowCount() - 1);
+    const int lastUsed = std::clamp(used - 1, 0, model_.rowCount() - 1);
+    switch (action) {
+        case MoveHome:
+            return model_.index(control ? 0 : current.row(), FirstVisibleColumn());
+        case MoveEnd:
+            return model_.index(control ? lastUsed : current.row(), LastVisibleColumn());
+        case MoveLeft:
+            if (control) return model_.index(current.row(), FirstVisibleColumn());
+            break;
+        case MoveRight:
+            if (control) return model_.index(current.row(), LastVisibleColumn());
+            break;
+        case MoveUp:
+            if (control) return model_.index(0, current.column());
+            break;
+        case MoveDown:
+            if (control) return model_.index(current.row() < lastUsed ? lastUsed : lastRow, current.column());
+            break;
+        case MovePageDown: {
+            const QModelIndex target = QTableView::moveCursor(action, modifiers);
+            if (current.row() > lastRow) return current;
+            return model_.index(std::min(target.row(), lastRow), current.column());
+        }
+        default:
+            break;
+    }
+    return QTableView::moveCursor(action, modifiers);
+}
+
+bool GridView::CopySelection() {
+    return GuardedOr(false, [&] {
+        const std::optional<center::CopiedBlock> block = actions_.CopyBlock(Selected());
+        if (!block) return false;
+        auto* copied = new QMimeData;
+        copied->setText(ToQt(block->text));
+        if (!block->rows.empty()) copied->setData(RowsFormat(), QByteArray::fromStdString(block->rows));
+        QApplication::clipboard()->setMimeData(copied);
+        return true;
+    });
+}
+
+void GridView::CutSelection() {
+    if (CopySelection()) ClearSelection();
+}
+
+void GridView::Paste() {
+    const QMimeData* offered = QApplication::clipboard()->mimeData();
+    if (!IsInteractive() || !offered || !offered->hasText()) return;
+    const center::CopiedBlock block(FromQt(offered->text()), offered->data(RowsFormat()).toStdString());
+    if (block.text.empty()) return;
+    Guarded([&] { actions_.PasteBlock(Selected(), block); });
+}
+
+void GridView::ClearSelection() {
+    if (IsInteractive()) Guarded([&] { actions_.ClearCells(Selected()); });
+}
+
+void GridView::DuplicateRows() {
+    if (IsInteractive()) Guarded([&] { actions_.DuplicateRows(Selected()); });
+}
+
+void GridView::InsertRows() {
+    if (IsInteractive()) Guarded([&] { actions_.InsertRows(Selected()); });
+}
+
+void GridView::DeleteRows() {
+    if (IsInteractive()) Guarded([&] { actions_.DeleteRows(Selected()); });
+}
+
+void GridView::FillDown() {
+    if (IsInteractive()) Guarded([&] { actions_.FillDown(Selected()); });
+}
+
+void GridView::OpenLookUp() {
+    if (IsInteractive()) Guarded([&] { actions_.OpenLookUp(); });
+}
+
+void GridView::SetDirection(const QString& text) {
+    model_.setData(currentIndex(), text);
+}
+
+bool GridView::HandleShortcut(const QKeyEvent& event) {
+    if (event.matches(QKeySequence::Copy)) return CopySelection(), true;
+    if (event.matches(QKeySequence::Cut)) return CutSelection(), true;
+    if (event.matches(QKeySequence::Paste)) return Paste(), true;
+    if (event.matches(QKeySequence::Undo)) {
+        if (IsInteractive()) Guarded([&] { actions_.Undo(); });
+        return true;
+    }
+    if (event.matches(QKeySequence::Redo) ||
+        (event.key() == Qt::Key_Y && event.modifiers() == Qt::ControlModifier)) {
+        if (IsInteractive()) Guarded([&] { actions_.Redo(); });
+        return true;
+    }
+    if (event.key() == Qt::Key_D && event.modifiers() == Qt::ControlModifier) {
+        FillDown();
+        return true;
+    }
+    if (event.key() == Qt::Key_D && event.modifiers() == (Qt::ControlModifier | Qt::ShiftModifier)) {
+        DuplicateRows();
+        return true;
+    }
+    if (event.matches(QKeySequence::SelectAll)) return selectAll(), true;
+    if (IsInsertKey(event)) return InsertRows(), true;
+    if (IsDeleteKey(event)) return DeleteRows(), true;
+    return false;
+}
+
+void GridView::keyPressEvent(QKeyEvent* event) {
+    const QModelIndex current = currentIndex();
+    if (IsModifierKey(event->key()) || !current.isValid()) return QTableView::keyPressEvent(event);
+    event->accept();
+    if (HandleShortcut(*event)) return;
+
+    const bool shift = event->modifiers() & Qt::ShiftModifier;
+    const bool control = event->modifiers() & Qt::ControlModifier;
+    switch (event->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return MoveOn(shift);
+        case Qt::Key_Tab:
+            return MoveOn(false);
+        case Qt::Key_Backtab:
+            return MoveOn(true);
+        case Qt::Key_Delete:
+            return ClearSelection();
+        case Qt::Key_Backspace:
+            if (IsInteractive() && edit(current, AnyKeyPressed, nullptr)) {
+                if (auto* field = qobject_cast<CellEditor*>(indexWidget(current))) field->clear();
+            }
+            return;
+        case Qt::Key_F2:
+            edit(current, EditKeyPressed, event);
+            return;
+        case Qt::Key_F4:
+            if (model_.AddressOf(current).column == center::column::kItems) emit itemPanelRequested();
+            return;
+        case Qt::Key_Escape:
+            event->ignore();
+            return;
+        default:
+            break;
+    }
+
+    const center::CellAddress cell = model_.AddressOf(current);
+    const int code = KeyCodeOf(*event);
+    if (IsInteractive() && code != 0 && !control) {
+        const std::string text(model_.Grid().Text(cell.row, cell.column));
+        if (GuardedOr(true, [&] { return actions_.KeyDown(code, text); })) return;
+    }
+    const char32_t typed = TypedCharacter(*event);
+    if (typed != 0) {
+        if (!IsInteractive()) return;
+        if (cell.column == center::column::kDirection) {
+            const QString choice = DirectionForKey(event->text());
+            if (!choice.isNull()) {
+                if (!StoodBelowRows()) SetDirection(choice);
+                return;
+            }
+            if (typed == U' ') edit(current, EditKeyPressed, event);
+            return;
+        }
+        if (!GuardedOr(false, [&] { return actions_.KeyPress(typed); })) {
+            emit textRefused(ToQt(center::VerdictText(center::TextVerdict::BadCharacter, cell.column)));
+            return;
+        }
+    }
+    const bool before = selecting_;
+    selecting_ = shift && IsCursorKey(event->key());
+    QTableView::keyPressEvent(event);
+    selecting_ = before;
+}
+
+bool GridView::HandleNameListKey(QWidget& editor, const QKeyEvent& event) {
+    if (!GuardedOr(false, [&] { return actions_.IsNameListOpen(); })) return false;
+    switch (event.key()) {
+        case Qt::Key_Up:
+            Guarded([&] { actions_.NameListMove(-1); });
+            return true;
+        case Qt::Key_Down:
+            Guarded([&] { actions_.NameListMove(1); });
+            return true;
+        case Qt::Key_PageUp:
+            Guarded([&] { actions_.NameListMove(-kListPage); });
+            return true;
+        case Qt::Key_PageDown:
+            Guarded([&] { actions_.NameListMove(kListPage); });
+            return true;
+        case Qt::Key_Escape:
+            Guarded([&] { actions_.NameListClose(); });
+            return true;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+        case Qt::Key_Tab: {
+            const bool taken = GuardedOr(false, [&] { return actions_.NameListTake(); });
+            if (!taken) return false;
+            // The choice is in the row already; what was typed goes with the editor.
+            closeEditor(&editor, QAbstractItemDelegate::RevertModelCache);
+            MoveOn(false);
+            return true;
+        }
+        default:
+            return false;
+    }
+}
+
+bool GridView::EditorKeyPressed(QWidget& editor, QKeyEvent& event) {
+    // The key that opened the editor has been asked about before.
+    if (openingByTyping_ || IsModifierKey(event.key())) return false;
+    if (HandleNameListKey(editor, event)) return true;
+    auto* field = qobject_cast<CellEditor*>(&editor);
+    const bool shift = event.modifiers() & Qt::ShiftModifier;
+    const int code = KeyCodeOf(event);
+
+    switch (event.key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+        case Qt::Key_Tab:
+        case Qt::Key_Backtab:
+            FinishEditing(&editor);
+            MoveOn(event.key() == Qt::Key_Backtab || (event.key() != Qt::Key_Tab && shift));
+            return true;
+        case Qt::Key_Escape:
+            closeEditor(&editor, QAbstractItemDelegate::RevertModelCache);
+            return true;
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+            if (!field) return false;  // the list's own keys
+            FinishEditing(&editor);
+            MoveRows(event.key() == Qt::Key_Up ? -1 : 1);
+            return true;
+        case Qt::Key_Left:
+        case Qt::Key_Right:
+            if (!field || !field->WasOpenedByTyping() || event.modifiers() & ~Qt::KeypadModifier)
+                return false;
+            FinishEditing(&editor);
+            if (const QModelIndex to = moveCursor(event.key() == Qt::Key_Left ? MoveLeft : MoveRight, {});
+                to.isValid()) {
+                MoveTo(to.row(), to.column());
+            }
+            return true;
+        default:
+            break;
+    }
+    if (!field) return false;
+    if (event.key() == Qt::Key_F2) {
+        field->SetOpenedByTyping(false);
+        return true;
+    }
+    if (code == kInsertCode || code == kF7Code) {
+        FinishEditing(&editor);
+        const center::CellAddress cell = model_.AddressOf(currentIndex());
+        Guarded([&] { actions_.KeyDown(code, std::string(model_.Grid().Text(cell.row, cell.column))); });
+        return true;
+    }
+    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
+    if (code != 0 && GuardedOr(true, [&] { return actions_.KeyDown(code, FromQt(field->text())); })) {
+        // The rules wrote the cell themselves: the editor goes on from there.
+        const center::CellAddress cell = model_.AddressOf(currentIndex());
+        const QString now = ToQt(model_.Grid().Text(cell.row, cell.column));
+        if (field->text() != now) field->setText(now);
+        field->end(false);
+        return true;
+    }
+    const char32_t typed = TypedCharacter(event);
+    if (typed != 0 && !GuardedOr(false, [&] { return actions_.KeyPress(typed); })) {
+        emit textRefused(ToQt(center::VerdictText(center::TextVerdict::BadCharacter, field->Column())));
+        return true;
+    }
+    return false;
+}
+
+void GridView::contextMenuEvent(QContextMenuEvent* event) {
+    const center::CellSelection selection = Selected();
+    if (selection.IsEmpty()) return;
+    CommitOpenEditor();
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("gridMenu"));
+    const bool interactive = IsInteractive();
+    const auto add = [&menu, interactive](const QString& text, bool changes, auto&& run) {
+        QAction* action = menu.addAction(text);
+        action->setEnabled(interactive || !changes);
+        connect(action, &QAction::triggered, &menu, run);
+    };
+    int count = 0;
+    for (const center::RowRun& run : center::RowRuns(selection, model_.Grid()))
+        count += run.Count();
+    add(QStringLiteral("剪切\tCtrl+X"), true, [this] { CutSelection(); });
+    add(QStringLiteral("复制\tCtrl+C"), false, [this] { CopySelection(); });
+    add(QStringLiteral("粘贴\tCtrl+V"), true, [this] { Paste(); });
+    add(QStringLiteral("清除内容\tDelete"), true, [this] { ClearSelection(); });
+    menu.addSeparator();
+    add(QStringLiteral("向下填充\tCtrl+D"), true, [this] { FillDown(); });
+    add(QStringLiteral("复制分录\tCtrl+Shift+D"), true, [this] { DuplicateRows(); });
+    add((count > 1 ? QStringLiteral("插入 %1 行").arg(count) : QStringLiteral("插入行")) +
+            QStringLiteral("\tCtrl++"),
+        true, [this] { InsertRows(); });
+    add((count > 1 ? QStringLiteral("删除 %1 行").arg(count) : QStringLiteral("删除行")) +
+            QStringLiteral("\tCtrl+-"),
+        true, [this] { DeleteRows(); });
+    menu.addSeparator();
+    add(QStringLiteral("查看资料\tF7"), true, [this] { OpenLookUp(); });
+    menu.exec(event->globalPos());
+}
+
+}  // namespace vicenter::ui

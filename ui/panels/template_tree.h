@@ -1,0 +1,80 @@
+#pragma once
+
+// The template tree `trv`. Nodes are known by their keys; what a click, a double-click or an edited label
+// means is TreeActions' to say. User-interface thread only.
+
+#include <QPersistentModelIndex>
+#include <QTreeWidget>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "center/frame/vicenter_view.h"
+
+namespace vicenter::ui {
+
+struct TreeMenuItem {
+    std::string name;  // of the action
+    std::string text;
+    std::function<void()> run;
+};
+
+class TreeActions {
+  public:
+    virtual ~TreeActions() = default;
+    virtual void NodeClick(const std::string& key) = 0;
+    virtual void DoubleClick() = 0;
+    virtual bool BeforeLabelEdit() = 0;                           // false: no edit
+    virtual bool AfterLabelEdit(const std::string& newText) = 0;  // false: the old label comes back
+    virtual bool EditsLabels() = 0;  // a click on the selected node edits its label
+    virtual void DeleteSelected() = 0;
+    // What the tree's menu offers beside the commands of the band; nothing: no menu.
+    virtual std::vector<TreeMenuItem> MenuItems() { return {}; }
+};
+
+class TemplateTree : public QTreeWidget {
+    Q_OBJECT
+
+  public:
+    TemplateTree(TreeActions& actions, QWidget* parent = nullptr);
+
+    void SetNodes(const std::vector<center::TreeNode>& nodes);
+    void AddNode(const center::TreeNode& node);
+    void RemoveNode(const std::string& key);
+    void SetNodeText(const std::string& key, const std::string& text);
+    // Without a node click.
+    void SelectNode(const std::string& key);
+    void StartLabelEdit();
+    bool IsEditingLabel() const { return state() == EditingState; }
+    // Ends an open label edit as leaving it with the mouse does.
+    void EndLabelEdit();
+
+    std::string SelectedKey() const;
+    QTreeWidgetItem* FindNode(const std::string& key) const;
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+
+  private:
+    class LabelDelegate;
+
+    QTreeWidgetItem* MakeItem(const center::TreeNode& node) const;
+    void FinishLabel();
+
+    TreeActions& actions_;
+    LabelDelegate* labels_;
+    QPersistentModelIndex pressed_;
+    bool pressedSelected_ = false;
+    bool selecting_ = false;  // the selection is being set by the program or by a mouse press
+    bool doubleClicked_ = false;
+};
+
+}  // namespace vicenter::ui

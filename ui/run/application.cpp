@@ -1,0 +1,101 @@
+#include "ui/run/application.h"
+
+#include <QFontDatabase>
+#include <QPalette>
+
+#include "ui/look/center_style.h"
+#include "ui/look/chinese_texts.h"
+
+// Outside any namespace, as the macro wants it: a static library's resources are linked in by name.
+static void InitResources() {
+    Q_INIT_RESOURCE(vicenter_ui);
+}
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr double kApplicationPointSize = 9;
+
+QPalette CenterPalette() {
+    QPalette palette;
+    palette.setColor(QPalette::Window, colors::kWindow);
+    palette.setColor(QPalette::WindowText, colors::kInk);
+    palette.setColor(QPalette::Base, colors::kPaper);
+    palette.setColor(QPalette::AlternateBase, colors::kPaperAlternate);
+    palette.setColor(QPalette::Text, colors::kInk);
+    palette.setColor(QPalette::PlaceholderText, colors::kFaintInk);
+    palette.setColor(QPalette::Button, QColor(0xf7, 0xf9, 0xfa));
+    palette.setColor(QPalette::ButtonText, colors::kInk);
+    palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xfd, 0xf2));
+    palette.setColor(QPalette::ToolTipText, colors::kInk);
+    palette.setColor(QPalette::Light, Qt::white);
+    palette.setColor(QPalette::Midlight, QColor(0xf0, 0xf3, 0xf5));
+    palette.setColor(QPalette::Mid, colors::kLine);
+    palette.setColor(QPalette::Dark, QColor(0xa3, 0xb0, 0xbb));
+    palette.setColor(QPalette::Highlight, colors::kAccent);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xcf, 0xe0, 0xdd));
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors::kInk);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, QColor(0xa6, 0xb0, 0xb9));
+    }
+    return palette;
+}
+
+}  // namespace
+
+QString ChooseChineseFamily(const QStringList& families) {
+    static const QStringList wanted = {
+        QStringLiteral("Noto Sans CJK SC"),     QStringLiteral("Source Han Sans SC"),
+        QStringLiteral("Source Han Sans CN"),   QStringLiteral("Noto Sans SC"),
+        QStringLiteral("WenQuanYi Micro Hei"),  QStringLiteral("WenQuanYi Zen Hei"),
+        QStringLiteral("Microsoft YaHei"),      QStringLiteral("微软雅黑"),
+        QStringLiteral("PingFang SC"),          QStringLiteral("SimSun"),
+        QStringLiteral("Droid Sans Fallback"),  QStringLiteral("AR PL UMing CN"),
+        QStringLiteral("AR PL UKai CN"),        QStringLiteral("Noto Serif CJK SC"),
+        QStringLiteral("Noto Sans Mono CJK SC")};
+    for (const QString& family : wanted) {
+        if (families.contains(family, Qt::CaseInsensitive)) return family;
+    }
+    return {};
+}
+
+QString BillFontFamily() {
+    static const QString family = [] {
+        const QStringList families = QFontDatabase::families(QFontDatabase::SimplifiedChinese);
+        QString song = QStringLiteral("宋体");
+        if (families.contains(song)) return song;
+        if (families.contains(QStringLiteral("SimSun"))) return QStringLiteral("SimSun");
+        QString chosen = ChooseChineseFamily(families);
+        if (!chosen.isEmpty()) return chosen;
+        return families.isEmpty() ? song : families.constFirst();
+    }();
+    return family;
+}
+
+QFont BillFont(double pointSize) {
+    QFont font(BillFontFamily());
+    font.setPointSizeF(pointSize);
+    return font;
+}
+
+QIcon NamedIcon(const QString& stem) {
+    return QIcon(QStringLiteral(":/vicenter/icons/%1.svg").arg(stem));
+}
+
+void SetUpApplication(QApplication& application) {
+    if (application.property("vicenterSetUp").toBool()) return;
+    application.setProperty("vicenterSetUp", true);
+    InitResources();
+    application.setStyle(new CenterStyle);  // owned by the application
+    QApplication::setPalette(CenterPalette());
+    application.installTranslator(new ChineseTexts(&application));
+    QFont font(BillFontFamily());
+    font.setPointSizeF(kApplicationPointSize);
+    QApplication::setFont(font);
+    QApplication::setWindowIcon(NamedIcon(QStringLiteral("app")));
+    QApplication::setApplicationDisplayName(QStringLiteral("凭证模板"));
+}
+
+}  // namespace vicenter::ui

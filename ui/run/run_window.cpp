@@ -1,0 +1,74 @@
+#include "ui/run/run_window.h"
+
+#include <QApplication>
+
+#include "ui/run/application.h"
+#include "ui/run/offscreen_session.h"
+#include "ui/run/qt_surroundings.h"
+#include "ui/window/window_factory.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+// The factory of the process for the length of a scope.
+class FactoryScope {
+  public:
+    explicit FactoryScope(std::shared_ptr<entry::WindowFactory> factory)
+        : before_(entry::WindowFactory::Process()) {
+        entry::WindowFactory::SetProcess(std::move(factory));
+    }
+    FactoryScope(const FactoryScope&) = delete;
+    FactoryScope& operator=(const FactoryScope&) = delete;
+    ~FactoryScope() { entry::WindowFactory::SetProcess(before_); }
+
+  private:
+    std::shared_ptr<entry::WindowFactory> before_;
+};
+
+QtMessageHandler defaultHandler = nullptr;
+
+// Without a window manager the platform notes at every window that it cannot pass hints on.
+void LeaveOutPlatformNotes(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (!text.startsWith(QLatin1String("This plugin does not support"))) defaultHandler(type, context, text);
+}
+
+void CloseAll() {
+    for (QWidget* window : QApplication::topLevelWidgets())
+        window->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+}  // namespace
+
+int RunWindow(int argc, char** argv, const WindowRun& run) {
+    QApplication application(argc, argv);
+    SetUpApplication(application);
+    const system::SurroundingsScope surroundings(QtSurroundings(system::Surroundings::Current()));
+    const FactoryScope factory(std::make_shared<QtWindowFactory>(run.commands));
+    if (run.prepare) run.prepare();
+    run.open();
+    const int code = QApplication::exec();
+    CloseAll();
+    return code;
+}
+
+int RunOffscreenSession(int argc, char** argv, const WindowRun& run, const std::string& folder,
+                        std::ostream& out) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    defaultHandler = qInstallMessageHandler(LeaveOutPlatformNotes);
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    SetUpApplication(application);
+    const FactoryScope factory(std::make_shared<QtWindowFactory>(run.commands));
+    if (run.prepare) run.prepare();
+    int code = 0;
+    {
+        OffscreenSession session(run.open, folder, out);
+        code = session.Run() ? 0 : 1;
+    }
+    CloseAll();
+    return code;
+}
+
+}  // namespace vicenter::ui

@@ -1,0 +1,34 @@
+#pragma once
+
+// Runs the component's windows in a program of their own: an application set up for them, the machine's
+// services on Qt, a window factory and the event loop, for the length of the call. Called once from main's
+// thread.
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "center/frame/template_commands.h"
+
+namespace vicenter::ui {
+
+struct WindowRun {
+    // Opens the first window, as a host does: by ShowVICenter of the component's public class.
+    std::function<void()> open;
+    // The commands that live in other folders; none: those tools do nothing.
+    std::shared_ptr<center::TemplateCommands> commands;
+    // Called once the application is there and before the first window, for whatever needs one.
+    std::function<void()> prepare;
+};
+
+// Opens the window and runs until the last one is closed. Returns the exit code. Throws what opening throws.
+int RunWindow(int argc, char** argv, const WindowRun& run);
+
+// The same window without a display: drives it through its main job by key and mouse events (select a
+// template, edit lines, save, reload), writes pictures into `folder` and tells on `out` what it did, step by
+// step. Returns 0 when every step did what it should.
+int RunOffscreenSession(int argc, char** argv, const WindowRun& run, const std::string& folder,
+                        std::ostream& out);
+
+}  // namespace vicenter::ui

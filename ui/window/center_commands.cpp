@@ -1,0 +1,89 @@
+#include "ui/window/center_commands.h"
+
+#include <QApplication>
+
+#include "entry/sql_text.h"
+#include "exchange/cloud_upload.h"
+#include "exchange/export_template.h"
+#include "exchange/import_template.h"
+#include "platform/system/surroundings.h"
+#include "ui/dialogs/auto_vch_dialog.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+// The main window as export and import see it.
+class ExchangeWindow : public exchange::TemplateWindow {
+  public:
+    explicit ExchangeWindow(center::TemplateWindow& window) : window_(window) {}
+
+    std::string CurrentTemplateId() const override { return window_.TemplateId(); }
+    std::string TemplateName() const override { return window_.TemplateName(); }
+    std::int32_t EntryLineCount() const override { return window_.RowCount(); }
+    std::string EntryText(std::int32_t column, std::int32_t row) const override {
+        return std::string(window_.Grid().Text(row, column));
+    }
+
+    void ShowProgress(const std::string& label) override {
+        progress_ = {true, label, 0, 0};
+        Show();
+    }
+    void SetProgressLabel(const std::string& label) override {
+        progress_.label = label;
+        Show();
+    }
+    bool ReportRows(std::int64_t done, std::int64_t all) override {
+        progress_.done = done;
+        progress_.all = all;
+        Show();
+        return !window_.ProgressCancelled();
+    }
+    void HideProgress() override {
+        progress_.visible = false;
+        Show();
+    }
+    void RebuildTreeAndSelect(std::int32_t id) override { window_.RebuildTreeAndSelect(id); }
+
+  private:
+    void Show() {
+        window_.ShowProgress(progress_);
+        system::Surroundings::Current().screen->Repaint();
+    }
+
+    center::TemplateWindow& window_;
+    center::ProgressState progress_;
+};
+
+}  // namespace
+
+void CenterCommands::Import(center::TemplateWindow& window) {
+    ExchangeWindow exchangeWindow(window);
+    exchange::ImportTemplate(exchangeWindow);
+}
+
+void CenterCommands::ImportFile(center::TemplateWindow& window, const std::string& fileName) {
+    ExchangeWindow exchangeWindow(window);
+    exchange::ImportTemplateFile(exchangeWindow, fileName);
+}
+
+void CenterCommands::Export(center::TemplateWindow& window) {
+    ExchangeWindow exchangeWindow(window);
+    exchange::TellUnwritten(exchangeWindow, exchange::ExportTemplate(exchangeWindow));
+}
+
+void CenterCommands::UploadToCloud(center::TemplateWindow&) {
+    exchange::UploadTemplateCommand();
+}
+
+void CenterCommands::GenerateFromVouchers(center::TemplateWindow& window) {
+    AutoVchDialog dialog(QApplication::activeWindow());
+    dialog.exec();
+    const autovch::GenerationResult& result = dialog.Result();
+    if (!result.generated) return;
+    window.RebuildTreeAndSelect(result.templateId);
+    system::Surroundings::Current().messageBoxes->Show(
+        result.message, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+}
+
+}  // namespace vicenter::ui

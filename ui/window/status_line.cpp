@@ -1,0 +1,98 @@
+#include "ui/window/status_line.h"
+
+#include "ui/look/center_style.h"
+#include "ui/look/qt_text.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr int kFlashMilliseconds = 4000;
+constexpr std::size_t kNumbersNamed = 5;
+
+QString Join(const std::vector<std::string>& numbers) {
+    QStringList named;
+    for (std::size_t i = 0; i < numbers.size() && i < kNumbersNamed; ++i)
+        named << ToQt(numbers[i]);
+    QString text = named.join(QStringLiteral("、"));
+    if (numbers.size() > kNumbersNamed) text += QStringLiteral(" 等 %1 个").arg(numbers.size());
+    return text;
+}
+
+}  // namespace
+
+StatusLine::StatusLine(QWidget* parent)
+    : QStatusBar(parent),
+      hint_(new QLabel(this)),
+      unbalanced_(new QLabel(this)),
+      selection_(new QLabel(this)),
+      sums_(new QLabel(this)),
+      counts_(new QLabel(this)) {
+    setObjectName(QStringLiteral("statusLine"));
+    setSizeGripEnabled(false);
+    setContentsMargins(4, 0, 4, 0);
+    hint_->setObjectName(QStringLiteral("lblHint"));
+    unbalanced_->setObjectName(QStringLiteral("lblUnbalanced"));
+    selection_->setObjectName(QStringLiteral("lblSelection"));
+    sums_->setObjectName(QStringLiteral("lblSums"));
+    counts_->setObjectName(QStringLiteral("lblCounts"));
+    for (QLabel* label : {hint_, unbalanced_, selection_, sums_, counts_})
+        label->setTextFormat(Qt::PlainText);
+    hint_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    addWidget(hint_, 1);
+    for (QLabel* label : {unbalanced_, selection_, sums_, counts_}) {
+        label->setContentsMargins(6, 0, 6, 0);
+        addPermanentWidget(label);
+    }
+    QPalette quiet = unbalanced_->palette();
+    quiet.setColor(QPalette::WindowText, QColor(0x9a, 0x62, 0x0c));
+    unbalanced_->setPalette(quiet);
+    flash_.setSingleShot(true);
+    flash_.setInterval(kFlashMilliseconds);
+    connect(&flash_, &QTimer::timeout, this, &StatusLine::EndFlash);
+    SetState({});
+}
+
+void StatusLine::SetState(const center::StatusState& state) {
+    hintText_ = ToQt(state.hint).simplified();
+    unbalanced_->setText(
+        state.unbalanced.empty() ? QString() : QStringLiteral("借贷不平：%1").arg(Join(state.unbalanced)));
+    unbalanced_->setVisible(!state.unbalanced.empty());
+    selection_->setText(QStringLiteral("选中合计 %1").arg(ToQt(state.selectionSum)));
+    selection_->setVisible(!state.selectionSum.empty());
+    if (!state.number.empty()) {
+        QString text = QStringLiteral("编号 %1：借 %2　贷 %3")
+                           .arg(ToQt(state.number), ToQt(state.debit), ToQt(state.credit));
+        if (!state.difference.empty()) text += QStringLiteral("　差额 %1").arg(ToQt(state.difference));
+        sums_->setText(text);
+    }
+    sums_->setVisible(!state.number.empty());
+    counts_->setText(QStringLiteral("%1 行分录　%2 个编号").arg(state.lines).arg(state.numbers));
+    ShowHint();
+}
+
+void StatusLine::Flash(const QString& text) {
+    if (text.isEmpty()) return;
+    flashText_ = text.simplified();
+    flash_.start();
+    ShowHint();
+}
+
+void StatusLine::EndFlash() {
+    flash_.stop();
+    if (flashText_.isEmpty()) return;
+    flashText_.clear();
+    ShowHint();
+}
+
+void StatusLine::ShowHint() {
+    const bool flashing = !flashText_.isEmpty();
+    QPalette palette = hint_->palette();
+    palette.setColor(QPalette::WindowText,
+                     flashing || !hintText_.isEmpty() ? QColor(0xb3, 0x2a, 0x20) : colors::kInk);
+    hint_->setPalette(palette);
+    hint_->setText(flashing ? flashText_ : hintText_);
+    hint_->setToolTip(hint_->text());
+}
+
+}  // namespace vicenter::ui

@@ -1,0 +1,506 @@
+#include "ui/window/vicenter_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QTimer>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "ui/dialogs/column_dialog.h"
+#include "ui/dialogs/find_dialog.h"
+#include "ui/grid/key_codes.h"
+#include "ui/look/center_style.h"
+#include "ui/look/qt_text.h"
+#include "ui/look/twips.h"
+#include "ui/run/application.h"
+#include "ui/run/slot_guard.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr int kDesignedWidth = 1180;  // pixels at 96 dots an inch
+constexpr int kDesignedHeight = 700;
+constexpr int kTreeWidth = 3150;  // twips; designed, never changes
+constexpr int kNameTop = 40;      // twips
+constexpr int kNameLeft = 20;
+constexpr int kProgressWidth = 4800;
+constexpr int kProgressHeight = 1000;
+constexpr int kPauseMilliseconds = 30;  // shorter than a hand needs from one key to the next
+// How often what was saved is brought into the account set's own file; next to nothing when nothing was.
+constexpr int kHomeMilliseconds = 5000;
+constexpr int kRestMilliseconds = 1500;
+constexpr int kLongestTypingMilliseconds = 10000;  // without a rest
+constexpr int kNamePadding = 9;                    // pixels around the name's line
+// Of a font's em: what one line of a cell takes up. The line heights that Chinese fonts name for running text
+// would leave a third of every row empty.
+constexpr double kLineOfEm = 1.2;
+
+// The one local workbook file that is being dragged; empty for anything else.
+QString DroppedWorkbook(const QMimeData& data) {
+    const QList<QUrl> urls = data.urls();
+    if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
+    const QString file = urls.front().toLocalFile();
+    const bool workbook = file.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive) ||
+                          file.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive);
+    return workbook ? file : QString();
+}
+
+center::Size TwipsOf(const QSize& size, const QPaintDevice& device) {
+    return {static_cast<int>(PixelsToTwips(size.width(), device)),
+            static_cast<int>(PixelsToTwips(size.height(), device))};
+}
+
+QRect PixelsOf(const center::Rectangle& r, const QPaintDevice& device) {
+    // Edges, not widths, are rounded, so that neighbours stay aligned.
+    const int left = TwipsToPixels(r.left, device);
+    const int top = TwipsToPixels(r.top, device);
+    return QRect(left, top, TwipsToPixels(r.left + r.width, device) - left,
+                 TwipsToPixels(r.top + r.height, device) - top);
+}
+
+}  // namespace
+
+VICenterWindow::VICenterWindow(std::shared_ptr<center::TemplateCommands> commands)
+    : commands_(std::move(commands)) {
+    setObjectName(QStringLiteral("frmVICenter"));
+    setWindowTitle(QStringLiteral("凭证模板"));
+    setWindowIcon(NamedIcon(QStringLiteral("app")));
+    setContextMenuPolicy(Qt::NoContextMenu);
+    BuildWidgets();
+    presenter_ = std::make_unique<center::frmVICenter>(*this, commands_.get());
+    BuildGrid();
+    ConnectItemPanel();
+    resize(TwipsToPixels(kDesignedWidth * 15, *this), TwipsToPixels(kDesignedHeight * 15, *this));
+    setMinimumSize(0, 0);
+    setAcceptDrops(true);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { FocusMoved(now); });
+    qApp->installEventFilter(this);
+}
+
+VICenterWindow::~VICenterWindow() {
+    qApp->removeEventFilter(this);
+    disconnect(qApp, nullptr, this, nullptr);
+    unloaded_ = true;
+    delete grid_;
+    delete model_;
+}
+
+void VICenterWindow::BuildWidgets() {
+    band_ = new ToolBand(this);
+    addToolBar(Qt::TopToolBarArea, band_);
+    connect(band_, &ToolBand::toolClicked, this, &VICenterWindow::ClickTool);
+    status_ = new StatusLine(this);
+    setStatusBar(status_);
+
+    auto* inner = new QWidget(this);
+    inner->setObjectName(QStringLiteral("inner"));
+    inner->setMinimumSize(0, 0);
+    inner->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    inner->installEventFilter(this);
+    setCentralWidget(inner);
+    tree_ = new TemplateTree(*this, inner);
+
+    panel_ = new QFrame(inner);
+    panel_->setObjectName(QStringLiteral("picGrid"));
+    panel_->setFrameShape(QFrame::NoFrame);
+    panel_->setAutoFillBackground(true);
+    QPalette background = panel_->palette();
+    background.setColor(QPalette::Window, colors::kPanel);
+    panel_->setPalette(background);
+    panel_->installEventFilter(this);
+    name_ = new QLineEdit(panel_);
+    name_->setObjectName(QStringLiteral("itName"));
+    name_->setReadOnly(true);
+    name_->setTextMargins(4, 0, 4, 0);
+    name_->setFocusPolicy(Qt::ClickFocus);
+    name_->setPlaceholderText(QStringLiteral("没有打开的模板"));
+    measure_ = new QLabel(QStringLiteral("凭证模板"), panel_);
+    measure_->setObjectName(QStringLiteral("lblMeasure"));
+    measure_->hide();
+
+    items_ = new ItemPanel(inner);
+    nameList_ = new NameListPopup(inner);
+
+    progress_ = new ProgressFrame(this);
+    progress_->resize(TwipsToPixels(kProgressWidth, *this), TwipsToPixels(kProgressHeight, *this));
+}
+
+void VICenterWindow::BuildGrid() {
+    GridModel::Hooks hooks;
+    hooks.commit = [this](const center::CellAddress& cell, const std::string& text) {
+        return presenter_->CommitText(cell, text);
+    };
+    hooks.describeFault = [this](const center::CellAddress& cell) { return presenter_->DescribeFault(cell); };
+    model_ = new GridModel(presenter_->GridObject(), std::move(hooks), this);
+    grid_ = new GridView(*model_, *this, panel_);
+    connect(grid_, &GridView::contentsMoved, this, &VICenterWindow::PlaceOverlays);
+    connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
+    pause_ = new QTimer(this);
+    pause_->setSingleShot(true);
+    pause_->setInterval(kPauseMilliseconds);
+    connect(pause_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
+    connect(model_, &GridModel::activeCellChanged, pause_, qOverload<>(&QTimer::start));
+    home_ = new QTimer(this);
+    home_->setInterval(kHomeMilliseconds);
+    connect(home_, &QTimer::timeout, this, [this] {
+        if (!progress_->IsPolling()) Guarded([this] { presenter_->Rest(); });
+    });
+    rest_ = new QTimer(this);
+    rest_->setObjectName(QStringLiteral("rest"));
+    rest_->setSingleShot(true);
+    rest_->setInterval(kRestMilliseconds);
+    connect(rest_, &QTimer::timeout, this, &VICenterWindow::KeepDraft);
+    for (const auto signal : {&GridModel::rowsInserted, &GridModel::rowsRemoved})
+        connect(model_, signal, this, &VICenterWindow::ContentChanged);
+    connect(model_, &GridModel::dataChanged, this, &VICenterWindow::ContentChanged);
+    connect(grid_, &GridView::editingChanged, items_, &ItemPanel::SetCellEditing);
+    connect(grid_, &GridView::textRefused, status_, &StatusLine::Flash);
+    connect(grid_, &GridView::textTaken, status_, &StatusLine::EndFlash);
+    connect(model_, &GridModel::activeCellChanged, status_, &StatusLine::EndFlash);
+    connect(nameList_, &NameListPopup::chosen, this, [this](int index) {
+        Guarded([&] {
+            presenter_->NameListSelect(index);
+            if (presenter_->NameListTake()) grid_->DropOpenEditor();
+        });
+    });
+}
+
+void VICenterWindow::ConnectItemPanel() {
+    connect(items_, &ItemPanel::toggled, this,
+            [this] { Guarded([this] { presenter_->ToggleItemPanel(); }); });
+    connect(items_, &ItemPanel::textCommitted, this,
+            [this](const QString& text) { Guarded([&] { presenter_->CommitItemText(FromQt(text)); }); });
+    connect(items_, &ItemPanel::numberCommitted, this, [this](int row, const QString& number) {
+        Guarded([&] { presenter_->CommitItemNumber(static_cast<std::size_t>(row), FromQt(number)); });
+    });
+    connect(items_, &ItemPanel::lookUpRequested, this,
+            [this](int row) { Guarded([&] { presenter_->LookUpItem(static_cast<std::size_t>(row)); }); });
+    connect(items_, &ItemPanel::leaveRequested, this, [this] { grid_->setFocus(Qt::OtherFocusReason); });
+    connect(grid_, &GridView::itemPanelRequested, this,
+            [this] { Guarded([this] { presenter_->ToggleItemPanel(); }); });
+}
+
+void VICenterWindow::Open() {
+    setAttribute(Qt::WA_DeleteOnClose);
+    LayOutFrame();
+    presenter_->Load();
+    loaded_ = true;
+    ShowModeless();
+    // The host's call returns first: what is to be told may wait for an answer.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!unloaded_) Guarded([this] { presenter_->Shown(); });
+        },
+        Qt::QueuedConnection);
+}
+
+void VICenterWindow::ShowModeless() {
+    show();
+    grid_->setFocus(Qt::OtherFocusReason);
+    raise();
+    activateWindow();
+    pause_->start();
+    home_->start();
+}
+
+void VICenterWindow::CloseWindow() {
+    close();
+}
+
+void VICenterWindow::closeEvent(QCloseEvent* event) {
+    if (progress_->IsPolling()) {
+        event->ignore();  // a command is under way
+        return;
+    }
+    event->accept();
+    if (unloaded_ || !loaded_) return;
+    // What is still being typed belongs to the draft.
+    if (grid_) grid_->CommitOpenEditor();
+    items_->CommitTyping();
+    unloaded_ = true;
+    Guarded([this] { presenter_->Unload(); });
+}
+
+void VICenterWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!DroppedWorkbook(*event->mimeData()).isEmpty() && !progress_->IsPolling())
+        event->acceptProposedAction();
+}
+
+void VICenterWindow::dropEvent(QDropEvent* event) {
+    const QString file = DroppedWorkbook(*event->mimeData());
+    if (file.isEmpty()) return;
+    event->acceptProposedAction();
+    // After the drag has ended: the import may ask questions.
+    QMetaObject::invokeMethod(
+        this,
+        [this, file] {
+            CommitTyping();
+            Guarded([&] { presenter_->FileDropped(FromQt(file)); });
+        },
+        Qt::QueuedConnection);
+}
+
+void VICenterWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow() && loaded_ && !unloaded_) {
+        Guarded([this] { presenter_->Activate(); });
+        pause_->start();
+    }
+}
+
+bool VICenterWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && watched->isWidgetType() && !unloaded_) {
+        // Keys are seen here before the controls see them, editors and drop-down lists of the window
+        // included.
+        const auto* widget = static_cast<const QWidget*>(watched);
+        const QWidget* window = widget->window();
+        if (window == this && MoveBetweenAreas(static_cast<QKeyEvent&>(*event))) return true;
+        if (window == this || (window->windowType() == Qt::Popup && isAncestorOf(window))) {
+            const int code = KeyCodeOf(static_cast<QKeyEvent&>(*event));
+            if (code != 0 && GuardedOr(false, [&] { return presenter_->KeyPreview(code); })) return true;
+        }
+    }
+    if (event->type() == QEvent::Resize) {
+        if (watched == centralWidget()) LayOutFrame();
+        if (watched == panel_) LayOutPanel();
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void VICenterWindow::LayOutFrame() {
+    if (!centralWidget()) return;
+    const center::FrameLayout layout =
+        center::LayoutFrame(TwipsOf(centralWidget()->size(), *this), kTreeWidth);
+    tree_->setGeometry(PixelsOf(layout.tree, *this));
+    panel_->setGeometry(PixelsOf(layout.gridPanel, *this));
+    LayOutPanel();
+}
+
+void VICenterWindow::LayOutPanel() {
+    const int left = TwipsToPixels(kNameLeft, *this);
+    const int top = TwipsToPixels(kNameTop, *this);
+    const int height = name_->fontMetrics().height() + kNamePadding;
+    name_->setGeometry(left, top, std::max(0, panel_->width() - 2 * left), height);
+    if (!grid_) return;
+    const center::Rectangle grid = center::LayoutGrid(TwipsOf(panel_->size(), *this), kNameTop,
+                                                      static_cast<int>(PixelsToTwips(height, *this)));
+    grid_->setGeometry(PixelsOf(grid, *this));
+    PlaceOverlays();
+}
+
+QRect VICenterWindow::CellOverlayRect(const center::CellAddress& cell) const {
+    const QModelIndex index = model_->IndexOf(cell);
+    if (!index.isValid() || grid_->isColumnHidden(index.column())) return {};
+    const QRect rect = grid_->CellRectIn(cell, *centralWidget());
+    const QRect port(grid_->viewport()->mapTo(centralWidget(), QPoint(0, 0)), grid_->viewport()->size());
+    // A cell that has scrolled away takes what lies over it along.
+    return port.contains(rect.topLeft()) && rect.bottom() <= port.bottom() ? rect.intersected(port) : QRect();
+}
+
+void VICenterWindow::PlaceOverlays() {
+    if (!grid_ || !model_) return;
+    items_->PlaceAt(CellOverlayRect(model_->Grid().ActiveCell()));
+    const center::NameListState& list = nameList_->State();
+    const QRect cell = list.open ? CellOverlayRect({list.row, list.column}) : QRect();
+    const bool shown = list.open && !list.entries.empty() && !cell.isEmpty();
+    if (shown) {
+        nameList_->PlaceAt(cell);
+        nameList_->raise();
+    }
+    nameList_->setVisible(shown);
+}
+
+VICenterWindow::Zone VICenterWindow::ZoneOf(const QWidget* widget) const {
+    if (widget == tree_ || tree_->isAncestorOf(widget)) return Zone::Tree;
+    if (grid_ && (widget == grid_ || grid_->isAncestorOf(widget) || items_->Contains(widget)))
+        return Zone::Grid;
+    return Zone::Elsewhere;
+}
+
+// Tab stays within the grid, so that the tree and the command bar have keys of their own: F6 goes from one
+// area to the other, F10 to the bar.
+bool VICenterWindow::MoveBetweenAreas(const QKeyEvent& event) {
+    if (!loaded_ || progress_->IsPolling()) return false;
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (event.key() == Qt::Key_F10 && modifiers == Qt::NoModifier) {
+        band_->TakeKeyboard();
+        return true;
+    }
+    if (event.key() != Qt::Key_F6 || (modifiers & ~Qt::ShiftModifier) != Qt::NoModifier) return false;
+    if (ZoneOf(QApplication::focusWidget()) == Zone::Tree) {
+        grid_->setFocus(Qt::ShortcutFocusReason);
+    } else {
+        tree_->setFocus(Qt::ShortcutFocusReason);
+    }
+    return true;
+}
+
+void VICenterWindow::FocusMoved(QWidget* now) {
+    // The focus that goes to another window, a menu or a message box comes back: nothing was left for good.
+    if (!now || now->window() != this || unloaded_ || !loaded_) return;
+    // The command bar acts on where the focus was.
+    if (band_->isAncestorOf(now)) return;
+    const Zone next = ZoneOf(now);
+    if (next == zone_) return;
+    const Zone before = std::exchange(zone_, next);
+    Guarded([&] {
+        if (before == Zone::Tree) presenter_->TreeLostFocus();
+        if (before == Zone::Grid) presenter_->GridLostFocus();
+        if (next == Zone::Tree) presenter_->TreeGotFocus();
+        if (next == Zone::Grid) presenter_->GridGotFocus();
+    });
+    grid_->viewport()->update();
+}
+
+// What is being typed belongs to the cell, the items or the label before a command looks at them.
+void VICenterWindow::CommitTyping() {
+    grid_->CommitOpenEditor();
+    items_->CommitTyping();
+    tree_->EndLabelEdit();
+}
+
+void VICenterWindow::ClickTool(const QString& key) {
+    CommitTyping();
+    Guarded([&] { presenter_->ToolClick(FromQt(key)); });
+}
+
+void VICenterWindow::PrepareNameLists() {
+    if (!loaded_ || unloaded_ || progress_->IsPolling()) return;
+    if (!system::PinyinLoading::IsOver()) {
+        if (!pinyin_) pinyin_.emplace();
+        pause_->start();
+        return;
+    }
+    Guarded([this] { presenter_->PrepareNameLists(); });
+}
+
+// Whoever types without a rest is kept from time to time all the same.
+void VICenterWindow::ContentChanged() {
+    if (!rest_->isActive()) typing_.start();
+    if (!rest_->isActive() || typing_.elapsed() < kLongestTypingMilliseconds) rest_->start();
+}
+
+void VICenterWindow::KeepDraft() {
+    if (!loaded_ || unloaded_) return;
+    if (progress_->IsPolling()) {
+        rest_->start();
+        return;
+    }
+    Guarded([this] { presenter_->UserRests(); });
+}
+
+QRect VICenterWindow::ActiveRowOnScreen() const {
+    const int row = model_->Grid().ActiveCell().row;
+    const QRect rect = grid_->visualRect(model_->IndexOf({row, 1}));
+    if (!rect.isValid()) return {};
+    const QPoint corner = grid_->viewport()->mapToGlobal(QPoint(0, rect.top()));
+    return QRect(corner, QSize(grid_->viewport()->width(), rect.height()));
+}
+
+void VICenterWindow::SetTree(const std::vector<center::TreeNode>& nodes) {
+    tree_->SetNodes(nodes);
+}
+
+void VICenterWindow::AddTreeNode(const center::TreeNode& node) {
+    tree_->AddNode(node);
+}
+
+void VICenterWindow::RemoveTreeNode(const std::string& key) {
+    tree_->RemoveNode(key);
+}
+
+void VICenterWindow::SetTreeNodeText(const std::string& key, const std::string& text) {
+    tree_->SetNodeText(key, text);
+}
+
+void VICenterWindow::SelectTreeNode(const std::string& key) {
+    tree_->SelectNode(key);
+}
+
+void VICenterWindow::StartLabelEdit() {
+    tree_->StartLabelEdit();
+}
+
+void VICenterWindow::SetToolStates(const center::ToolStates& states) {
+    band_->SetStates(states);
+}
+
+void VICenterWindow::SetTemplateName(const std::string& name) {
+    name_->setText(ToQt(name));
+    name_->setCursorPosition(0);
+}
+
+void VICenterWindow::SetGridInteractive(bool interactive) {
+    grid_->SetInteractive(interactive);
+    items_->SetInteractive(interactive);
+}
+
+void VICenterWindow::SetProgress(const center::ProgressState& state) {
+    progress_->SetState(state);
+}
+
+bool VICenterWindow::ProgressCancelled() {
+    return progress_->PollCancelled();
+}
+
+void VICenterWindow::SetItemPanel(const center::ItemPanelState& state) {
+    items_->SetState(state);
+    PlaceOverlays();
+}
+
+void VICenterWindow::SetStatus(const center::StatusState& state) {
+    status_->SetState(state);
+}
+
+void VICenterWindow::SetNameList(const center::NameListState& state) {
+    nameList_->SetState(state);
+    PlaceOverlays();
+}
+
+int VICenterWindow::ApplyFont(const std::string& name, double size) {
+    const auto change = [&](QWidget* widget) {
+        QFont font = widget->font();  // bold and italic stay as they are
+        font.setFamilies({name == "宋体" ? BillFontFamily() : ToQt(name)});
+        font.setPointSizeF(size);
+        widget->setFont(font);
+    };
+    for (QWidget* widget : std::initializer_list<QWidget*>{measure_, name_, tree_})
+        change(widget);
+    items_->SetFont(name_->font());
+    LayOutPanel();
+    const int line = static_cast<int>(std::lround(QFontInfo(measure_->font()).pixelSize() * kLineOfEm));
+    return static_cast<int>(PixelsToTwips(line, *this));
+}
+
+center::Size VICenterWindow::WindowSize() const {
+    return TwipsOf(size(), *this);
+}
+
+void VICenterWindow::PlaceProgressFrame(const center::Position& position) {
+    progress_->move(TwipsToPixels(position.left, *this), TwipsToPixels(position.top, *this));
+}
+
+void VICenterWindow::ShowFindDialog(dialogs::FrmSearch& dialog) {
+    FindDialog window(
+        dialog, [this] { return ActiveRowOnScreen(); }, this);
+    window.adjustSize();
+    // In the corner where it hides the fewest rows.
+    const QPoint corner = mapToGlobal(QPoint(width() - window.width() - 30, height() - window.height() - 60));
+    window.move(corner);
+    window.exec();
+}
+
+void VICenterWindow::ShowColumnDialog(dialogs::frmSetColume& dialog) {
+    ColumnDialog window(dialog, this);
+    window.exec();
+}
+
+}  // namespace vicenter::ui

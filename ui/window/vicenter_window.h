@@ -1,0 +1,157 @@
+#pragma once
+
+// The main window `frmVICenter` on Qt.
+//
+// A window owns its presenter and its widgets and, once opened, itself: closing deletes it. It forwards
+// events to the presenter and shows what arrives through VICenterView; the grid's contents it observes.
+// Several windows live side by side. No exception leaves it towards Qt. User-interface thread only.
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "center/frame/frm_vi_center.h"
+#include "platform/system/collation.h"
+#include "ui/grid/grid_actions.h"
+#include "ui/grid/grid_model.h"
+#include "ui/grid/grid_view.h"
+#include "ui/panels/item_panel.h"
+#include "ui/panels/name_list_popup.h"
+#include "ui/panels/progress_frame.h"
+#include "ui/panels/template_tree.h"
+#include "ui/window/status_line.h"
+#include "ui/window/tool_band.h"
+
+namespace vicenter::ui {
+
+class VICenterWindow : public QMainWindow,
+                       public center::VICenterView,
+                       private GridActions,
+                       private TreeActions {
+    Q_OBJECT
+
+  public:
+    explicit VICenterWindow(std::shared_ptr<center::TemplateCommands> commands = nullptr);
+    ~VICenterWindow() override;
+
+    // Loads and shows the window. Throws what the presenter throws; the window is then to be deleted.
+    void Open();
+
+    center::frmVICenter& Presenter() { return *presenter_; }
+    GridView& Grid() { return *grid_; }
+    TemplateTree& Tree() { return *tree_; }
+    ToolBand& Band() { return *band_; }
+    ItemPanel& Items() { return *items_; }
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    enum class Zone { Elsewhere, Tree, Grid };
+
+    void BuildWidgets();
+    void BuildGrid();
+    void ConnectItemPanel();
+    void LayOutFrame();
+    void LayOutPanel();
+    void PlaceOverlays();
+    void FocusMoved(QWidget* now);
+    bool MoveBetweenAreas(const QKeyEvent& event);
+    void PrepareNameLists();
+    void ContentChanged();
+    void KeepDraft();
+    Zone ZoneOf(const QWidget* widget) const;
+    void ClickTool(const QString& key);
+    void CommitTyping();
+    void ShowRefused(const center::PasteResult& result);
+    QRect CellOverlayRect(const center::CellAddress& cell) const;
+    QRect ActiveRowOnScreen() const;
+
+    // VICenterView
+    void ShowModeless() override;
+    void CloseWindow() override;
+    void SetTree(const std::vector<center::TreeNode>& nodes) override;
+    void AddTreeNode(const center::TreeNode& node) override;
+    void RemoveTreeNode(const std::string& key) override;
+    void SetTreeNodeText(const std::string& key, const std::string& text) override;
+    void SelectTreeNode(const std::string& key) override;
+    void StartLabelEdit() override;
+    void SetToolStates(const center::ToolStates& states) override;
+    void SetTemplateName(const std::string& name) override;
+    void SetGridInteractive(bool interactive) override;
+    void SetProgress(const center::ProgressState& state) override;
+    bool ProgressCancelled() override;
+    void SetItemPanel(const center::ItemPanelState& state) override;
+    void SetStatus(const center::StatusState& state) override;
+    void SetNameList(const center::NameListState& state) override;
+    int ApplyFont(const std::string& name, double size) override;
+    center::Size WindowSize() const override;
+    void PlaceProgressFrame(const center::Position& position) override;
+    void ShowFindDialog(dialogs::FrmSearch& dialog) override;
+    void ShowColumnDialog(dialogs::frmSetColume& dialog) override;
+
+    // GridActions
+    void MoveActiveCell(const center::CellAddress& to, center::CursorMove how) override;
+    void SelectionChanged(const center::CellSelection& selection) override;
+    bool KeyPress(char32_t character) override;
+    bool KeyDown(int keyCode, const std::string& cellText) override;
+    void OpenLookUp() override;
+    int RowsInUse() override;
+    void ClearCells(const center::CellSelection& selection) override;
+    std::optional<center::CopiedBlock> CopyBlock(const center::CellSelection& selection) override;
+    void PasteBlock(const center::CellSelection& selection, const center::CopiedBlock& block) override;
+    void FillDown(const center::CellSelection& selection) override;
+    void DuplicateRows(const center::CellSelection& selection) override;
+    void InsertRows(const center::CellSelection& selection) override;
+    void DeleteRows(const center::CellSelection& selection) override;
+    void Undo() override;
+    void Redo() override;
+    bool IsNameListOpen() override;
+    void NameListKey(const std::string& typedText) override;
+    void NameListMove(int steps) override;
+    bool NameListTake() override;
+    void NameListClose() override;
+
+    // TreeActions
+    void NodeClick(const std::string& key) override;
+    void DoubleClick() override;
+    bool BeforeLabelEdit() override;
+    bool AfterLabelEdit(const std::string& newText) override;
+    bool EditsLabels() override;
+    void DeleteSelected() override;
+    std::vector<TreeMenuItem> MenuItems() override;
+
+    // Declared last to first use: the presenter goes before the widgets that it speaks to.
+    std::shared_ptr<center::TemplateCommands> commands_;
+    ToolBand* band_ = nullptr;
+    StatusLine* status_ = nullptr;
+    TemplateTree* tree_ = nullptr;
+    QFrame* panel_ = nullptr;
+    QLineEdit* name_ = nullptr;
+    QLabel* measure_ = nullptr;
+    ProgressFrame* progress_ = nullptr;
+    NameListPopup* nameList_ = nullptr;
+    ItemPanel* items_ = nullptr;
+    GridModel* model_ = nullptr;
+    GridView* grid_ = nullptr;
+    QTimer* pause_ = nullptr;  // runs out when the user rests on a cell
+    QTimer* home_ = nullptr;   // for what may be done while no command runs
+    QTimer* rest_ = nullptr;   // runs out when nothing has been typed for a while
+    QElapsedTimer typing_;     // since what is typed has last been kept
+    Zone zone_ = Zone::Elsewhere;
+    bool loaded_ = false;
+    bool unloaded_ = false;
+    std::optional<system::PinyinLoading> pinyin_;  // for the name lists, from the first pause on
+    std::unique_ptr<center::frmVICenter> presenter_;
+};
+
+}  // namespace vicenter::ui
