@@ -23,6 +23,8 @@ using vicenter::center::CellSelection;
 using vicenter::center::CopiedBlock;
 using vicenter::center::CursorMove;
 using vicenter::center::EntryGrid;
+using vicenter::center::PasteResult;
+using vicenter::center::TextVerdict;
 namespace column = vicenter::center::column;
 
 constexpr int kManyLines = 100000;
@@ -30,29 +32,41 @@ constexpr int kFewLines = 100;
 constexpr int kSteps = 600;
 constexpr double kPauseMilliseconds = 50;
 
-class NoActions : public vicenter::ui::GridActions {
+class NoActions : public vicenter::center::GridActions, public vicenter::center::NameListActions {
   public:
+    using GridActions::MoveActiveCell;
+    void GotFocus() override {}
+    void LostFocus() override {}
     explicit NoActions(std::shared_ptr<EntryGrid> grid) : grid_(std::move(grid)) {}
     void MoveActiveCell(const CellAddress& to, CursorMove) override { grid_->SetActiveCell(to); }
     void SelectionChanged(const CellSelection&) override {}
     bool KeyPress(char32_t) override { return true; }
     bool KeyDown(int, const std::string&) override { return false; }
+    TextVerdict CommitText(const CellAddress& cell, const std::string& text) override {
+        grid_->SetText(cell.row, cell.column, text);
+        return TextVerdict::Taken;
+    }
+    std::string DescribeFault(const CellAddress&) override { return {}; }
     void OpenLookUp() override {}
-    int RowsInUse() override { return grid_->RowTotal(); }
+    int RowsInUse() const override { return grid_->RowTotal(); }
     void ClearCells(const CellSelection&) override {}
     std::optional<CopiedBlock> CopyBlock(const CellSelection&) override { return std::nullopt; }
-    void PasteBlock(const CellSelection&, const CopiedBlock&) override {}
+    PasteResult PasteBlock(const CellSelection&, const CopiedBlock&) override { return {}; }
     void FillDown(const CellSelection&) override {}
     void DuplicateRows(const CellSelection&) override {}
     void InsertRows(const CellSelection&) override {}
     void DeleteRows(const CellSelection&) override {}
+    bool CanUndo() const override { return false; }
+    bool CanRedo() const override { return false; }
     void Undo() override {}
     void Redo() override {}
-    bool IsNameListOpen() override { return false; }
-    void NameListKey(const std::string&) override {}
-    void NameListMove(int) override {}
-    bool NameListTake() override { return false; }
-    void NameListClose() override {}
+    bool IsOpen() const override { return false; }
+    void TextTyped(const std::string&) override {}
+    void Move(int) override {}
+    bool Take() override { return false; }
+    void Prepare() override {}
+    void Select(int) override {}
+    void Close() override {}
 
   private:
     std::shared_ptr<EntryGrid> grid_;
@@ -84,8 +98,8 @@ Result Scroll(int lines) {
         texts[column::kAmount - 1] = std::to_string(row * 100) + ".25";
         grid->FillRow(row, texts);
     }
-    vicenter::ui::GridModel model(grid, {});
-    vicenter::ui::GridView view(model, actions);
+    vicenter::ui::GridModel model(grid, actions);
+    vicenter::ui::GridView view(model, actions, actions);
     for (const int hidden : {column::kAccountId, column::kSettleId, column::kCurrencyId, column::kUnitId}) {
         grid->SetColumnHidden(hidden, true);
     }

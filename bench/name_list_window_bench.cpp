@@ -64,7 +64,7 @@ class Typist {
     explicit Typist(ui::VICenterWindow& window) : window_(window) {}
 
     void Enter(int row, int column) {
-        window_.Presenter().MoveActiveCell({row, column});
+        window_.Presenter().Cells().MoveActiveCell({row, column});
         window_.Grid().setFocus();
         QApplication::processEvents();
     }
@@ -120,7 +120,7 @@ int main(int argc, char** argv) {
     typist.Enter(1, center::column::kAccountNumber);
     std::printf("%d accounts; a key until the list is painted, processor time, %d rounds\n", kAccounts,
                 rounds);
-    const auto pause = [&] { window->Presenter().PrepareNameLists(); };
+    const auto pause = [&] { window->Presenter().Names().Prepare(); };
     const std::string word = "7003.";
     std::vector<std::vector<double>> keys(word.size());
     std::vector<double> again;

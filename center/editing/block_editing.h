@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "center/frame/frm_vi_center.h"
+#include "center/editing/copied_block.h"
 #include "center/frame/window_state.h"
 #include "center/grid/cell_selection.h"
 

@@ -1,6 +1,6 @@
 // The command dispatcher: what each tool of the bar does, in which order, with which log entries.
 
-#include "center/frame/frm_vi_center_parts.h"
+#include "center/frame/window_parts.h"
 #include "dialogs/frm_search.h"
 #include "dialogs/frm_set_colume.h"
 #include "entry/host_services.h"
@@ -17,15 +17,20 @@ void LogRequest(const char* text) {
 
 }  // namespace
 
-bool frmVICenter::Parts::RefusedForRight() {
+bool WindowParts::RefusedForRight() {
     if (state.hasRight) return false;
     Tell("对不起，你没有相应的权限！");
     return true;
 }
 
-void frmVICenter::Parts::RunCommand(Tool tool, TemplateWindow& window) {
-    // What has been typed counts before any command looks at the grid.
-    editing.FinishTyping();
+void WindowParts::ClickTool(Tool tool) {
+    edge.Command([&] {
+        RunTool(tool);
+        drafts.SetDeclined(false);
+    });
+}
+
+void WindowParts::RunTool(Tool tool) {
     const auto gate = [this] { return save.ConfirmUnsavedChanges(); };
     switch (tool) {
         case Tool::Quit:
@@ -63,7 +68,7 @@ void frmVICenter::Parts::RunCommand(Tool tool, TemplateWindow& window) {
             RefreshSurroundings();
             break;
         case Tool::Imp:
-            RunImport(window, {});
+            RunImport({});
             break;
         case Tool::Exp:
             LogRequest("凭证模板-引出模板");
@@ -83,8 +88,7 @@ void frmVICenter::Parts::RunCommand(Tool tool, TemplateWindow& window) {
     }
 }
 
-void frmVICenter::Parts::RunImport(TemplateWindow& window, const std::string& fileName) {
-    editing.FinishTyping();
+void WindowParts::RunImport(const std::string& fileName) {
     LogRequest("凭证模板-引入模板");
     if (RefusedForRight() || !save.ConfirmUnsavedChanges() || commands == nullptr) return;
     if (fileName.empty()) {
@@ -94,14 +98,14 @@ void frmVICenter::Parts::RunImport(TemplateWindow& window, const std::string& fi
     }
 }
 
-void frmVICenter::Parts::ShowFind() {
+void WindowParts::ShowFind() {
     dialogs::FrmSearch dialog;
     dialog.SetGrid(state.grid);
     dialog.SetEntryCount(state.entryCount);
     state.view.ShowFindDialog(dialog);
 }
 
-void frmVICenter::Parts::ShowColumns() {
+void WindowParts::ShowColumns() {
     dialogs::frmSetColume dialog;
     dialog.SetGrid(state.grid);
     state.view.ShowColumnDialog(dialog);

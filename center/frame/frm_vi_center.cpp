@@ -1,11 +1,9 @@
 #include "center/frame/frm_vi_center.h"
 
 #include "automation/class_registry.h"
-#include "center/editing/fault_text.h"
-#include "center/frame/account_set_care.h"
-#include "center/frame/frm_vi_center_parts.h"
 #include "center/frame/help.h"
-#include "center/template/line_loader.h"
+#include "center/frame/key_code.h"
+#include "center/frame/window_parts.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "platform/ado/connection.h"
@@ -24,110 +22,28 @@ constexpr std::int32_t kTemplateRight = 3145728;
 
 }  // namespace
 
-// --- parts
-
-frmVICenter::Parts::Parts(VICenterView& view, TemplateCommands* theCommands)
-    : state(view),
-      commands(theCommands),
-      profile(state),
-      editing(state),
-      kept(state),
-      drafts(state, kept),
-      tree(
-          state, [this] { return save.ConfirmUnsavedChanges(); }, [this] { drafts.Leaving(); },
-          [this] {
-              drafts.Opened();
-              editing.Forget();
-              RefreshSurroundings();
-          }),
-      save(state, kept, drafts, SaveActions()),
-      lookUps(state),
-      items(state),
-      names(state),
-      blocks(state, [this] { RefreshSurroundings(); }) {
-    state.grid->AddObserver(*this);
-}
-
-frmVICenter::Parts::~Parts() {
-    state.grid->RemoveObserver(*this);
-}
-
-TemplateSaveActions frmVICenter::Parts::SaveActions() {
-    TemplateSaveActions actions;
-    actions.reload = [this] { return Reload(); };
-    actions.readTreeAgain = [this](const std::string& id) { tree.ReadAgain(id); };
-    actions.insertTemplate = [this] { return tree.InsertTemplate(); };
-    actions.undo = [this] { editing.Undo(); };
-    actions.refreshStatus = [this] { RefreshStatus(); };
-    return actions;
-}
-
-bool frmVICenter::Parts::Reload() {
-    CellAddress active = state.grid->ActiveCell();
-    // The lines come back sorted by number; the cursor stays on the line where the user was working.
-    active.row = RowOnceSorted(*state.grid, state.rowCount, active.row);
-    const bool read = tree.Reload();
-    if (active.row >= 1 && active.row <= state.rowCount + 1) {
-        state.grid->SetActiveCell(active);
-        state.grid->ScrollIntoView(active);
-    }
-    return read;
-}
-
-void frmVICenter::Parts::RefreshStatus() {
-    if (!sums || sums->RowCount() != state.rowCount) sums.emplace(*state.grid, state.rowCount);
-    StatusState status = sums->Status(*state.grid, state.grid->ActiveCell().row);
-    if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
-    const CellAddress active = state.grid->ActiveCell();
-    status.hint = state.notice.empty() ? FaultText(*state.grid, active) : state.notice;
-    state.view.SetStatus(status);
-}
-
-void frmVICenter::Parts::RefreshSurroundings() {
-    names.Close();
-    items.Refresh();
-    RefreshStatus();
-}
-
-void frmVICenter::Parts::ActiveCellChanged(const CellAddress&) {
-    RefreshSurroundings();
-}
-
-void frmVICenter::Parts::ContentChanged() {
-    kept.Touched();
-    drafts.Changed();
-}
-
-void frmVICenter::Parts::RowsInserted(int firstRow, int /*count*/) {
-    sums.reset();
-    if (firstRow <= state.rowCount + 1) ContentChanged();
-}
-
-void frmVICenter::Parts::RowsRemoved(int firstRow, int /*count*/) {
-    sums.reset();
-    if (firstRow <= state.rowCount + 1) ContentChanged();
-}
-
-void frmVICenter::Parts::WasReset() {
-    sums.reset();
-}
-
-void frmVICenter::Parts::TextsChanged(const CellRange& range) {
-    sums.reset();
-    ContentChanged();
-    const CellAddress active = state.grid->ActiveCell();
-    const bool touchesItems = range.firstRow <= active.row && active.row <= range.lastRow &&
-                              range.firstColumn <= column::kItems &&
-                              range.lastColumn >= column::kAccountNumber;
-    if (touchesItems && active.column == column::kItems) items.Refresh();
-}
-
 // --- the window system
 
 frmVICenter::frmVICenter(VICenterView& view, TemplateCommands* commands)
-    : parts_(std::make_unique<Parts>(view, commands)) {}
+    : parts_(std::make_unique<WindowParts>(view, commands, *this)) {}
 
 frmVICenter::~frmVICenter() = default;
+
+TreeActions& frmVICenter::Tree() {
+    return parts_->treeFacet;
+}
+
+GridActions& frmVICenter::Cells() {
+    return parts_->gridFacet;
+}
+
+ItemActions& frmVICenter::Items() {
+    return parts_->itemFacet;
+}
+
+NameListActions& frmVICenter::Names() {
+    return parts_->nameListFacet;
+}
 
 void frmVICenter::Load() {
     WindowState& state = parts_->state;
@@ -159,8 +75,7 @@ void frmVICenter::Load() {
 }
 
 void frmVICenter::Shown() {
-    AtEdge([&] {
-        const entry::UserScope user(parts_->state.userId);
+    parts_->edge.Look([&] {
         if (!parts_->state.linesKnown) parts_->tree.TellUnreadable();
         parts_->offersDrafts = true;
         parts_->OfferNewestDraft();
@@ -168,16 +83,15 @@ void frmVICenter::Shown() {
 }
 
 void frmVICenter::UserRests() {
-    AtEdge([&] { parts_->drafts.Keep(); });
+    parts_->edge.Look([&] { parts_->drafts.Keep(); });
 }
 
 void frmVICenter::Activate() {
-    AtEdge([&] { parts_->profile.ApplyBillFont(); });
+    parts_->edge.Look([&] { parts_->profile.ApplyBillFont(); });
 }
 
 void frmVICenter::Unload() {
-    AtEdge([&] {
-        parts_->editing.FinishTyping();
+    parts_->edge.Command([&] {
         parts_->drafts.Close();
         parts_->profile.Save();
         parts_->state.security.reset();
@@ -198,78 +112,15 @@ bool frmVICenter::KeyPreview(int keyCode) {
 
 void frmVICenter::ToolClick(std::string_view key) {
     for (const ToolSpec& spec : Tools()) {
-        if (!automation::SameName(spec.key, key)) continue;
-        AtEdge([&] {
-            const entry::UserScope user(parts_->state.userId);
-            parts_->RunCommand(spec.tool, *this);
-            parts_->drafts.SetDeclined(false);
-        });
-        return;
+        if (automation::SameName(spec.key, key)) return parts_->ClickTool(spec.tool);
     }
 }
 
 void frmVICenter::FileDropped(const std::string& fileName) {
-    AtEdge([&] {
-        const entry::UserScope user(parts_->state.userId);
-        parts_->RunImport(*this, fileName);
-    });
+    parts_->edge.Command([&] { parts_->RunImport(fileName); });
 }
 
-// --- tree
-
-void frmVICenter::TreeGotFocus() {
-    parts_->tree.GotFocus();
-}
-
-void frmVICenter::TreeLostFocus() {
-    parts_->tree.LostFocus();
-}
-
-void frmVICenter::TreeNodeClick(const std::string& key) {
-    AtEdge([&] {
-        const entry::UserScope user(parts_->state.userId);
-        parts_->editing.FinishTyping();
-        parts_->tree.NodeClick(key);
-        parts_->OfferDraftOfOpenTemplate();
-    });
-}
-
-void frmVICenter::TreeDoubleClick() {
-    AtEdge([&] {
-        const entry::UserScope user(parts_->state.userId);
-        parts_->editing.FinishTyping();
-        parts_->tree.DoubleClick();
-    });
-}
-
-bool frmVICenter::TreeBeforeLabelEdit() {
-    return parts_->tree.BeforeLabelEdit();
-}
-
-bool frmVICenter::TreeAfterLabelEdit(const std::string& newText) {
-    bool stands = false;
-    AtEdge([&] { stands = parts_->tree.AfterLabelEdit(newText); });
-    return stands;
-}
-
-bool frmVICenter::TreeEditsLabels() const {
-    return parts_->tree.EditsLabels();
-}
-
-bool frmVICenter::OffersAccountSetCare() const {
-    return AccountSetCare::IsOffered();
-}
-
-void frmVICenter::BackUpAccountSet() {
-    AtEdge([this] {
-        parts_->editing.FinishTyping();
-        AccountSetCare::BackUp(parts_->state.dirty);
-    });
-}
-
-void frmVICenter::VerifyAccountSet() {
-    AtEdge([] { AccountSetCare::Verify(); });
-}
+// --- what other folders use
 
 const std::string& frmVICenter::SelectedNode() const {
     return parts_->tree.SelectedKey();
@@ -278,8 +129,6 @@ const std::string& frmVICenter::SelectedNode() const {
 const std::vector<TreeNode>& frmVICenter::Nodes() const {
     return parts_->tree.Nodes();
 }
-
-// --- what other folders use
 
 const std::string& frmVICenter::TemplateId() const {
     return parts_->state.templateId;
@@ -330,23 +179,11 @@ const ToolStates& frmVICenter::EnabledTools() const {
 }
 
 bool frmVICenter::Save() {
-    bool saved = false;
-    AtEdge([&] {
-        const entry::UserScope user(parts_->state.userId);
-        parts_->editing.FinishTyping();
-        saved = parts_->save.Save();
-    });
-    return saved;
+    return parts_->edge.Command([&] { return parts_->save.Save(); });
 }
 
 bool frmVICenter::ConfirmUnsavedChanges() {
-    bool mayGoOn = false;
-    AtEdge([&] {
-        const entry::UserScope user(parts_->state.userId);
-        parts_->editing.FinishTyping();
-        mayGoOn = parts_->save.ConfirmUnsavedChanges();
-    });
-    return mayGoOn;
+    return parts_->edge.Command([&] { return parts_->save.ConfirmUnsavedChanges(); });
 }
 
 }  // namespace vicenter::center

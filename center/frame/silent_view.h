@@ -14,6 +14,7 @@ class SilentView : public VICenterView {
   public:
     void ShowModeless() override {}
     void CloseWindow() override {}
+    void CommitTyping() override {}
     void SetTree(const std::vector<TreeNode>&) override {}
     void AddTreeNode(const TreeNode&) override {}
     void RemoveTreeNode(const std::string&) override {}

@@ -2,8 +2,8 @@
 
 // What the main window shows, without a window system.
 //
-// The presenter frmVICenter calls these; the window implements them and calls the presenter's event members.
-// State travels in structs. Grid contents do not go this way: the window observes the EntryGrid.
+// The presenter frmVICenter calls these; the window implements them, and its views call the presenter's
+// facets. State travels in structs. Grid contents do not go this way: the window observes the EntryGrid.
 // User-interface thread.
 
 #include <array>
@@ -98,6 +98,9 @@ class VICenterView {
 
     virtual void ShowModeless() = 0;  // no owner
     virtual void CloseWindow() = 0;   // leads to frmVICenter::Unload()
+    // What is being typed belongs to the cell, the items or the label before a command looks at them: open
+    // editors hand it in.
+    virtual void CommitTyping() = 0;
 
     // Replaces all nodes; the root comes first and is expanded.
     virtual void SetTree(const std::vector<TreeNode>& nodes) = 0;
@@ -106,8 +109,8 @@ class VICenterView {
     virtual void SetTreeNodeText(const std::string& key, const std::string& text) = 0;
     // Shows the selection without raising a node click.
     virtual void SelectTreeNode(const std::string& key) = 0;
-    // Starts editing the selected node's label: asks TreeBeforeLabelEdit() first, ends in
-    // TreeAfterLabelEdit().
+    // Starts editing the selected node's label: asks TreeActions::BeforeLabelEdit() first, ends
+    // in AfterLabelEdit().
     virtual void StartLabelEdit() = 0;
 
     virtual void SetToolStates(const ToolStates& states) = 0;   // and lays the bar out anew

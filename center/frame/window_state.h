@@ -38,6 +38,7 @@ struct WindowState {
     bool IsOpen() const { return !templateId.empty(); }
     JournalMark Mark() const { return {rowCount, grid->ActiveCell(), dirty}; }
 
+    bool IsEnabled(Tool tool) const { return tools[static_cast<std::size_t>(tool)]; }
     void Enable(std::initializer_list<Tool> which, bool enabled) {
         for (const Tool tool : which)
             tools[static_cast<std::size_t>(tool)] = enabled;

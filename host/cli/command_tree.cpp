@@ -74,14 +74,14 @@ int RunRename(const CliContext& context) {
     {
         HiddenWindow window;
         center::frmVICenter& presenter = window.Presenter();
-        presenter.TreeNodeClick(KeyOf(head.id));
-        presenter.TreeDoubleClick();
+        presenter.Tree().NodeClick(KeyOf(head.id));
+        presenter.Tree().DoubleClick();
         if (!presenter.HasRight()) {
             SayNoRight();
-        } else if (!window.View().IsEditingLabel() || !presenter.TreeBeforeLabelEdit()) {
+        } else if (!window.View().IsEditingLabel() || !presenter.Tree().BeforeLabelEdit()) {
             center::Tell("标准模板不允许修改名称！");
         } else {
-            ok = presenter.TreeAfterLabelEdit(context.options.newName);
+            ok = presenter.Tree().AfterLabelEdit(context.options.newName);
         }
         if (ok) data = JsonObject({{"FID", Variant(head.id).ToInt32()}, {"FName", presenter.TemplateName()}});
     }
@@ -93,7 +93,7 @@ int RunDelete(const CliContext& context) {
     bool ok = false;
     {
         HiddenWindow window;
-        window.Presenter().TreeNodeClick(KeyOf(head.id));
+        window.Presenter().Tree().NodeClick(KeyOf(head.id));
         window.Presenter().ToolClick("mnuDel");
         ok = !window.HasNode(KeyOf(head.id));
         // The standard template is protected without a word in the window.

@@ -25,9 +25,9 @@ class LookUps : public CenterTest {
         Forget();
     }
     void OpenAt(int row, int gridColumn) {
-        Window().MoveActiveCell({row, gridColumn});
+        Window().Cells().MoveActiveCell({row, gridColumn});
         set_.Forget();
-        Window().OpenLookUp();
+        Window().Cells().OpenLookUp();
     }
     // All texts of a row, to see that nothing moved.
     Texts Row(int row) {
@@ -73,7 +73,7 @@ TEST_F(LookUps, AChosenAccountFillsCodeNameAndId) {
 TEST_F(LookUps, AnAccountForARedCellTakesTheRedAway) {
     set_.Answer("select * from t_Account where FNumber = '9999'", Rows({"FAccountID"}));
     Type(1, column::kAccountNumber, "9999");
-    Window().MoveActiveCell({1, 2});
+    Window().Cells().MoveActiveCell({1, 2});
     ASSERT_EQ(Grid().Look(1, column::kAccountNumber).foreColor, color::kRed);
     record_->Value("Number", "1002.01").Value("Name", "工行").Value("AccountID", 1002);
     OpenAt(1, column::kAccountNumber);
@@ -93,9 +93,9 @@ TEST_F(LookUps, AChoiceIsOneStepOfUndo) {
     record_->Value("Number", "1002.01").Value("Name", "工行").Value("AccountID", 1002);
     const Texts before = Row(1);
     OpenAt(1, column::kAccountNumber);
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_EQ(Row(1), before);
-    EXPECT_FALSE(Window().CanUndo());
+    EXPECT_FALSE(Window().Cells().CanUndo());
 }
 
 TEST_F(LookUps, AChoiceOnTheFirstBlankRowPutsItInUse) {
@@ -220,7 +220,7 @@ TEST_F(LookUps, AnExplanationsAccountThatIsGoneWritesNoAccount) {
 TEST_F(LookUps, ACancelledLookUpLeavesTheRowButMarksTheTemplateAsChanged) {
     Cancel();
     for (const int c : {2, 5, 9, 13}) {
-        Window().TreeNodeClick("detail-0");
+        Window().Tree().NodeClick("detail-0");
         const Texts before = Row(1);
         ASSERT_FALSE(Window().IsDirty());
         OpenAt(1, c);
@@ -233,7 +233,7 @@ TEST_F(LookUps, ACancelledLookUpLeavesTheRowButMarksTheTemplateAsChanged) {
 TEST_F(LookUps, AColumnWithoutALookUpOpensNothingButMarksTheTemplateAsChanged) {
     for (const int c : {1, 3, 4, 6, 7, 8, 10, 11, 12, 14, 15, 16, 18, 19, 20, 21}) {
         Answer(system::MessageResult::No);
-        Window().TreeNodeClick("detail-0");
+        Window().Tree().NodeClick("detail-0");
         surroundings_.messageBoxes->answers.clear();
         ASSERT_FALSE(Window().IsDirty());
         OpenAt(1, c);
@@ -263,7 +263,7 @@ class TypedBefore : public LookUps {
 };
 
 TEST_F(TypedBefore, AChoiceTakesItsPlaceAndIsNotResolvedAgainByTheNextCommand) {
-    Window().OpenLookUp();
+    Window().Cells().OpenLookUp();
     set_.Forget();
     Window().ToolClick("mnuShare");
     EXPECT_THAT(set_.Statements(), IsEmpty());
@@ -273,7 +273,7 @@ TEST_F(TypedBefore, AChoiceTakesItsPlaceAndIsNotResolvedAgainByTheNextCommand) {
 
 TEST_F(TypedBefore, AfterACancelledLookUpItIsStillResolvedByTheNextCommand) {
     Cancel();
-    Window().OpenLookUp();
+    Window().Cells().OpenLookUp();
     Window().ToolClick("mnuShare");
     EXPECT_EQ(Cell(1, column::kCurrencyName), "美元");
     EXPECT_EQ(Cell(1, column::kCurrencyId), "2");
@@ -281,26 +281,26 @@ TEST_F(TypedBefore, AfterACancelledLookUpItIsStillResolvedByTheNextCommand) {
 
 TEST_F(TypedBefore, AfterAFailedLookUpItIsStillResolvedByTheNextCommand) {
     ledger_->On("CurrencyLookup", [](Arguments&) -> Variant { throw automation::Error(5, "组件出错"); });
-    Window().OpenLookUp();
+    Window().Cells().OpenLookUp();
     Window().ToolClick("mnuShare");
     EXPECT_EQ(Cell(1, column::kCurrencyName), "美元");
 }
 
 TEST_F(LookUps, ACellWithoutALookUpIsStillResolvedByTheNextCommand) {
     Type(1, column::kItems, ",,");
-    Window().OpenLookUp();
+    Window().Cells().OpenLookUp();
     Window().ToolClick("mnuShare");
     EXPECT_EQ(Cell(1, column::kItems), "");
 }
 
 TEST_F(LookUps, InsertAndF7OpenThem) {
     Cancel();
-    Window().MoveActiveCell({1, column::kSettleName});
-    EXPECT_TRUE(Window().GridKeyDown(45, ""));
-    EXPECT_TRUE(Window().GridKeyDown(118, ""));
+    Window().Cells().MoveActiveCell({1, column::kSettleName});
+    EXPECT_TRUE(Window().Cells().KeyDown(45, ""));
+    EXPECT_TRUE(Window().Cells().KeyDown(118, ""));
     EXPECT_THAT(ledger_->Calls(), ElementsAre("SettTypeLookup()", "SettTypeLookup()"));
-    EXPECT_FALSE(Window().GridKeyDown(37, ""));
-    EXPECT_FALSE(Window().GridKeyDown(39, ""));
+    EXPECT_FALSE(Window().Cells().KeyDown(37, ""));
+    EXPECT_FALSE(Window().Cells().KeyDown(39, ""));
     EXPECT_EQ(ledger_->Calls().size(), 2U);
 }
 
@@ -338,7 +338,7 @@ TEST_P(FailingHost, AnErrorEndsTheLookUpAndLeavesRowAndWindowAsTheyWere) {
     OpenAt(1, GetParam());
     EXPECT_EQ(Row(1), before);
     EXPECT_FALSE(Window().IsDirty());
-    EXPECT_FALSE(Window().CanUndo());
+    EXPECT_FALSE(Window().Cells().CanUndo());
     EXPECT_THAT(Messages(), ElementsAre("组件出错"));
 }
 

@@ -125,8 +125,8 @@ class CenterTest : public testing::Test {
     std::string Cell(int row, int gridColumn) { return std::string(Grid().Text(row, gridColumn)); }
     // The cursor goes there and the text is typed.
     void Type(int row, int gridColumn, const std::string& text) {
-        window_->MoveActiveCell({row, gridColumn});
-        ASSERT_EQ(window_->CommitText({row, gridColumn}, text), TextVerdict::Taken);
+        window_->Cells().MoveActiveCell({row, gridColumn});
+        ASSERT_EQ(window_->Cells().CommitText({row, gridColumn}, text), TextVerdict::Taken);
     }
     // A row that can be saved, typed without look-ups.
     void FillLine(int row, const std::string& no, const std::string& explanation) {

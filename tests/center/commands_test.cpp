@@ -221,39 +221,96 @@ class TypedCode : public Commands {
 };
 
 TEST_F(TypedCode, IsResolvedBeforeRowsAreInsertedAboveIt) {
-    Window().InsertRows({1, 1});
+    Window().Cells().InsertRows({1, 1});
     EXPECT_THAT(Names(), ElementsAre("", "现金", "银行存款"));
 }
 
 TEST_F(TypedCode, IsResolvedBeforeRowsAboveItAreDeleted) {
-    Window().DeleteRows({1, 1});
+    Window().Cells().DeleteRows({1, 1});
     EXPECT_THAT(Names(), ElementsAre("银行存款"));
 }
 
 TEST_F(TypedCode, IsResolvedBeforeItsRowIsDuplicated) {
-    Window().DuplicateRows({2, 1});
+    Window().Cells().DuplicateRows({2, 1});
     EXPECT_THAT(Names(), ElementsAre("现金", "银行存款", "银行存款"));
 }
 
 TEST_F(TypedCode, IsResolvedBeforeOtherCellsAreFilledOrPastedInto) {
-    Window().FillDown({1, column::kExplanation, 2, column::kExplanation});
+    Window().Cells().FillDown({1, column::kExplanation, 2, column::kExplanation});
     EXPECT_THAT(Names(), ElementsAre("现金", "银行存款"));
     Type(2, column::kAccountNumber, "1001");
     Type(2, column::kAccountNumber, "1002");
     Grid().SetText(2, column::kAccountName, "");
-    Window().PasteBlock({1, column::kRemark}, "备注");
+    Window().Cells().PasteBlock({1, column::kRemark}, "备注");
     EXPECT_THAT(Names(), ElementsAre("现金", "银行存款"));
     Type(2, column::kAccountNumber, "1001");
     Type(2, column::kAccountNumber, "1002");
     Grid().SetText(2, column::kAccountName, "");
-    Window().PasteBlock({1, column::kRemark, 2, column::kRemark}, "别的备注");
+    Window().Cells().PasteBlock({1, column::kRemark, 2, column::kRemark}, "别的备注");
     EXPECT_THAT(Names(), ElementsAre("现金", "银行存款"));
 }
+
+// --- what an editor still holds: every command asks for it first, nothing else does
+
+struct Request {
+    const char* name;
+    bool command;
+    std::function<void(frmVICenter&)> make;
+};
+
+class OpenEditor : public Commands, public testing::WithParamInterface<Request> {};
+
+TEST_P(OpenEditor, HandsItsTextInBeforeACommandAndToNothingElse) {
+    OpenAs(true);
+    bool handedIn = false;
+    view_.onCommitTyping = [this, &handedIn] {
+        if (std::exchange(handedIn, true)) return;
+        EXPECT_THAT(set_.Statements(), IsEmpty());
+        Window().Cells().CommitText({1, column::kRemark}, "typed");
+    };
+    Answer(MessageResult::No);
+    GetParam().make(Window());
+    EXPECT_EQ(handedIn, GetParam().command);
+}
+
+const CellSelection kCell{1, column::kRemark};
+
+INSTANTIATE_TEST_SUITE_P(
+    Requests, OpenEditor,
+    testing::Values(
+        Request{"tool", true, [](frmVICenter& window) { window.ToolClick("mnuShowCol"); }},
+        Request{"drop", true, [](frmVICenter& window) { window.FileDropped("a.xlsx"); }},
+        Request{"save", true, [](frmVICenter& window) { window.Save(); }},
+        Request{"question", true, [](frmVICenter& window) { window.ConfirmUnsavedChanges(); }},
+        Request{"close", true, [](frmVICenter& window) { window.Unload(); }},
+        Request{"node", true, [](frmVICenter& window) { window.Tree().NodeClick("detail-5"); }},
+        Request{"rename", true, [](frmVICenter& window) { window.Tree().DoubleClick(); }},
+        Request{"deletekey", true,
+                [](frmVICenter& window) {
+                    window.Tree().GotFocus();
+                    window.Tree().DeleteSelected();
+                }},
+        Request{"paste", true, [](frmVICenter& window) { window.Cells().PasteBlock(kCell, "x"); }},
+        Request{"fill", true, [](frmVICenter& window) { window.Cells().FillDown(kCell); }},
+        Request{"duplicate", true, [](frmVICenter& window) { window.Cells().DuplicateRows(kCell); }},
+        Request{"insert", true, [](frmVICenter& window) { window.Cells().InsertRows(kCell); }},
+        Request{"delete", true, [](frmVICenter& window) { window.Cells().DeleteRows(kCell); }},
+        Request{"move", false,
+                [](frmVICenter& window) {
+                    window.Cells().MoveActiveCell({1, 2});
+                }},
+        Request{"fault", false,
+                [](frmVICenter& window) {
+                    window.Cells().DescribeFault({1, 2});
+                }},
+        Request{"copy", false, [](frmVICenter& window) { window.Cells().CopyBlock(kCell); }},
+        Request{"rest", false, [](frmVICenter& window) { window.UserRests(); }}),
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(Commands, RowCommandsWorkOnTheActiveRow) {
     lines_["0"] = {Line(1, "a"), Line(1, "b"), Line(1, "c")};
     OpenAs(true);
-    Window().MoveActiveCell({2, 2});
+    Window().Cells().MoveActiveCell({2, 2});
     Window().ToolClick("mnuAddRow");
     EXPECT_EQ(Window().RowCount(), 4);
     EXPECT_EQ(Cell(2, column::kExplanation), "");
@@ -418,50 +475,50 @@ class ToolStatesTest : public Commands {
 TEST_F(ToolStatesTest, FollowTheFocusOfTheTree) {
     OpenAs(true);
     EXPECT_THAT(On(), ElementsAre("mnuNew", "mnuSave", "mnuExp"));
-    Window().TreeGotFocus();
+    Window().Tree().GotFocus();
     EXPECT_THAT(On(), ElementsAre("mnuNew", "mnuDel", "mnuSave", "mnuExp"));
-    Window().TreeLostFocus();
+    Window().Tree().LostFocus();
     EXPECT_THAT(On(), ElementsAre("mnuSave", "mnuExp"));
 }
 
 TEST_F(ToolStatesTest, FollowTheFocusOfTheGrid) {
     OpenAs(true);
-    Window().GridGotFocus();
+    Window().Cells().GotFocus();
     EXPECT_THAT(On(), ElementsAre("mnuNew", "mnuSave", "mnuDelRow", "mnuAddRow", "mnuExp"));
-    Window().GridLostFocus();
+    Window().Cells().LostFocus();
     EXPECT_THAT(On(), ElementsAre("mnuNew", "mnuSave", "mnuExp"));
 }
 
 TEST_F(ToolStatesTest, AClickOnTheRootTurnsFiveOff) {
     OpenAs(true);
-    Window().TreeGotFocus();
-    Window().GridGotFocus();
-    Window().TreeNodeClick("ROOT");
+    Window().Tree().GotFocus();
+    Window().Cells().GotFocus();
+    Window().Tree().NodeClick("ROOT");
     EXPECT_THAT(On(), ElementsAre("mnuNew"));
 }
 
 TEST_F(ToolStatesTest, AClickOnATemplateTurnsThreeOnAndTwoOff) {
     OpenAs(true);
-    Window().TreeNodeClick("ROOT");
-    Window().GridGotFocus();
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("ROOT");
+    Window().Cells().GotFocus();
+    Window().Tree().NodeClick("detail-5");
     EXPECT_THAT(On(), ElementsAre("mnuNew", "mnuDel", "mnuSave", "mnuExp"));
 }
 
 TEST_F(ToolStatesTest, EveryNodeClickLaysTheBarOutAnew) {
     OpenAs(true);
-    Window().TreeNodeClick("ROOT");
+    Window().Tree().NodeClick("ROOT");
     EXPECT_GE(view_.Count("tools"), 1);
     Forget();
-    Window().TreeNodeClick("detail-0");
+    Window().Tree().NodeClick("detail-0");
     EXPECT_GE(view_.Count("tools"), 1);
 }
 
 TEST_F(ToolStatesTest, ANewTemplateTurnsDeleteAndSaveOn) {
     OpenAs(true);
     set_.Answer("select Max(FID)", Rows({"FID"}, {{9}}));
-    Window().TreeNodeClick("ROOT");
-    Window().TreeLostFocus();
+    Window().Tree().NodeClick("ROOT");
+    Window().Tree().LostFocus();
     Window().ToolClick("mnuNew");
     EXPECT_THAT(On(), ElementsAre("mnuDel", "mnuSave"));
 }
@@ -473,14 +530,14 @@ TEST_F(ToolStatesTest, ShareIsNeverEnabled) {
         work();
         EXPECT_FALSE(view_.Enabled(Tool::Share));
     };
-    step([&] { Window().TreeGotFocus(); });
-    step([&] { Window().GridGotFocus(); });
-    step([&] { Window().TreeNodeClick("detail-5"); });
-    step([&] { Window().TreeNodeClick("ROOT"); });
+    step([&] { Window().Tree().GotFocus(); });
+    step([&] { Window().Cells().GotFocus(); });
+    step([&] { Window().Tree().NodeClick("detail-5"); });
+    step([&] { Window().Tree().NodeClick("ROOT"); });
     step([&] { Window().ToolClick("mnuNew"); });
     step([&] { Window().ToolClick("mnuShare"); });
-    step([&] { Window().GridLostFocus(); });
-    step([&] { Window().TreeLostFocus(); });
+    step([&] { Window().Cells().LostFocus(); });
+    step([&] { Window().Tree().LostFocus(); });
 }
 
 // --- status line
@@ -494,20 +551,20 @@ TEST_F(CenterTest, TheStatusLineFollowsEveryChangeOfTheGrid) {
     EXPECT_EQ(view_.status.difference, "5.00");
     Type(2, column::kAmount, "5");
     EXPECT_THAT(view_.status.unbalanced, IsEmpty());
-    Window().ClearCells({2, column::kAmount, 2, column::kAmount});
+    Window().Cells().ClearCells({2, column::kAmount, 2, column::kAmount});
     EXPECT_THAT(view_.status.unbalanced, ElementsAre("1"));
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_THAT(view_.status.unbalanced, IsEmpty());
-    Window().DeleteRows({2, 1});
+    Window().Cells().DeleteRows({2, 1});
     EXPECT_EQ(view_.status.lines, 1);
     EXPECT_THAT(view_.status.unbalanced, ElementsAre("1"));
-    Window().InsertRows({1, 1});
+    Window().Cells().InsertRows({1, 1});
     EXPECT_EQ(view_.status.lines, 2);
-    Window().PasteBlock({3, 1}, "7\r\n8");
+    Window().Cells().PasteBlock({3, 1}, "7\r\n8");
     EXPECT_EQ(view_.status.lines, 4);
     EXPECT_EQ(view_.status.numbers, 3);
     Answer(system::MessageResult::No);
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_EQ(view_.status.lines, 0);
     EXPECT_EQ(view_.status.numbers, 0);
 }

@@ -47,8 +47,8 @@ class DemoSet : public testing::Test {
         return window_->Grid().Look(row, gridColumn).foreColor == color::kRed;
     }
     void Type(int row, int gridColumn, const std::string& text) {
-        window_->MoveActiveCell({row, gridColumn});
-        ASSERT_EQ(window_->CommitText({row, gridColumn}, text), TextVerdict::Taken)
+        window_->Cells().MoveActiveCell({row, gridColumn});
+        ASSERT_EQ(window_->Cells().CommitText({row, gridColumn}, text), TextVerdict::Taken)
             << row << "," << gridColumn << " " << text;
     }
     void TypeLine(int row, const std::string& no, const std::string& explanation,
@@ -57,7 +57,7 @@ class DemoSet : public testing::Test {
         Type(row, column::kExplanation, explanation);
         Type(row, column::kDirection, direction);
         Type(row, column::kAccountNumber, account);
-        window_->MoveActiveCell({row, column::kFileCount});
+        window_->Cells().MoveActiveCell({row, column::kFileCount});
     }
     std::string Value(const std::string& sql) {
         const ado::RecordsetRef rows = session_->Execute(sql);
@@ -66,7 +66,7 @@ class DemoSet : public testing::Test {
     // A new template of that name, open in the window.
     std::string NewTemplate(const std::string& name) {
         Window().ToolClick("mnuNew");
-        EXPECT_TRUE(Window().TreeAfterLabelEdit(name));
+        EXPECT_TRUE(Window().Tree().AfterLabelEdit(name));
         return Window().TemplateId();
     }
     std::string LastMessage() const { return surroundings_.messageBoxes->shown.back().text; }
@@ -103,7 +103,7 @@ TEST_F(DemoSet, NewRenameTypeSaveAndReopenFindsEverythingAsLeft) {
     Type(1, column::kPrice, "12345.6789012345");
     Type(1, column::kRemark, "备注");
     TypeLine(2, "1", "", "贷", "1001");
-    Window().MoveActiveCell({1, 1});
+    Window().Cells().MoveActiveCell({1, 1});
     ASSERT_NE(Cell(1, column::kAccountId), "");
     EXPECT_EQ(Cell(1, column::kSettleName), "电汇");
     EXPECT_EQ(Cell(1, column::kCurrencyId), "2");
@@ -118,7 +118,7 @@ TEST_F(DemoSet, NewRenameTypeSaveAndReopenFindsEverythingAsLeft) {
 
     Window().Unload();
     Open();
-    Window().TreeNodeClick("detail-" + id);
+    Window().Tree().NodeClick("detail-" + id);
     EXPECT_EQ(view_.name, "月末'结转");
     EXPECT_EQ(Window().RowCount(), 2);
     EXPECT_EQ(Row(1), first);
@@ -134,7 +134,7 @@ TEST_F(DemoSet, EveryAmountReadsTheSameDigitForDigit) {
         TypeLine(++row, "1", "x", "借", "1001");
         Type(row, column::kAmount, amount);
     }
-    Window().MoveActiveCell({1, 1});
+    Window().Cells().MoveActiveCell({1, 1});
     Window().ToolClick("mnuSave");
     row = 0;
     for (const std::string& amount : amounts) {
@@ -153,7 +153,7 @@ TEST_F(DemoSet, TheNumbersReportedAsUnusableAreThoseWithRedCells) {
     TypeLine(4, "3", "好", "借", "1001");
     TypeLine(5, "7", "坏", "借", "1001");
     Type(5, column::kCurrencyName, "没有的币别");
-    Window().MoveActiveCell({1, 1});
+    Window().Cells().MoveActiveCell({1, 1});
     Window().ToolClick("mnuSave");
     EXPECT_EQ(LastMessage(),
               "模板 异常 保存成功！\r\n\r\n注：编号为 2、7 "
@@ -170,13 +170,13 @@ TEST_F(DemoSet, SavingAgainKeepsTheUsageOfANumberAndDropsNumbersThatAreGone) {
     TypeLine(1, "1", "甲", "借", "1001");
     Type(1, column::kFileCount, "4");
     TypeLine(2, "2", "乙", "借", "1001");
-    Window().MoveActiveCell({1, 1});
+    Window().Cells().MoveActiveCell({1, 1});
     Window().ToolClick("mnuSave");
     session_->Execute("update t_VchTpControl set FUseFrequency = 9 where FID = " + id + " and FNo = 1");
-    Window().DeleteRows({2, 1});
+    Window().Cells().DeleteRows({2, 1});
     Type(1, column::kExplanation, "丙");
     Type(1, column::kFileCount, "5");
-    Window().MoveActiveCell({1, 1});
+    Window().Cells().MoveActiveCell({1, 1});
     Window().ToolClick("mnuSave");
     EXPECT_EQ(Value("select count(*) as n from t_VchTpControl where FID = " + id), "1");
     EXPECT_EQ(Value("select FKey from t_VchTpControl where FID = " + id), "丙");
@@ -188,7 +188,7 @@ TEST_F(DemoSet, AnEmptiedTemplateIsSavedEmpty) {
     const std::string id = NewTemplate("空");
     TypeLine(1, "1", "甲", "借", "1001");
     Window().ToolClick("mnuSave");
-    Window().DeleteRows({1, 1});
+    Window().Cells().DeleteRows({1, 1});
     surroundings_.messageBoxes->answers.push_back(MessageResult::Ok);
     Window().ToolClick("mnuSave");
     EXPECT_EQ(LastMessage(), "模板 空 保存成功！");
@@ -212,14 +212,14 @@ TEST_F(DemoSet, DeletingTakesHeaderLinesAndControlRows) {
 TEST_F(DemoSet, ARenameToAnotherTemplatesNameIsRefused) {
     const std::string id = NewTemplate("甲");
     NewTemplate("乙");
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("甲"));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("甲"));
     EXPECT_EQ(LastMessage(), "模板名称不允许重复，修改失败！");
     EXPECT_EQ(Value("select count(*) as n from t_VchTemplate where FName = '甲'"), "1");
 }
 
 TEST_F(DemoSet, ANameThatIsTooLongIsToldAndTheOldOneStays) {
     const std::string id = NewTemplate("甲");
-    EXPECT_FALSE(Window().TreeAfterLabelEdit(std::string(5000, 'x')));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit(std::string(5000, 'x')));
     EXPECT_THAT(LastMessage(), HasSubstr("truncated"));
     EXPECT_EQ(Value("select FName from t_VchTemplate where FID = " + id), "甲");
 }
@@ -250,7 +250,7 @@ TEST_F(DemoSet, ATextBeyondItsColumnIsRefusedInWordsAndTheOldLinesStay) {
     const std::string id = NewTemplate("太长");
     TypeLine(1, "1", "甲", "借", "1001");
     Window().ToolClick("mnuSave");
-    EXPECT_EQ(Window().CommitText({1, 2}, std::string(256, 'x')), TextVerdict::TooLong);
+    EXPECT_EQ(Window().Cells().CommitText({1, 2}, std::string(256, 'x')), TextVerdict::TooLong);
     Window().Grid().SetText(1, column::kExplanation, std::string(256, 'x'));
     surroundings_.messageBoxes->shown.clear();
     Window().ToolClick("mnuSave");
@@ -278,8 +278,8 @@ TEST_F(DemoSet, LookUpsFillTheRowFromTheHostsComponents) {
     NewTemplate("查找");
     const auto lookUp = [&](int gridColumn, const char* number) {
         dialog->number = number;
-        Window().MoveActiveCell({1, gridColumn});
-        Window().OpenLookUp();
+        Window().Cells().MoveActiveCell({1, gridColumn});
+        Window().Cells().OpenLookUp();
     };
     lookUp(2, "001");
     EXPECT_EQ(Cell(1, 2), "收到货款");
@@ -297,12 +297,12 @@ TEST_F(DemoSet, LookUpsFillTheRowFromTheHostsComponents) {
 
 TEST_F(DemoSet, NameListsNarrowTheDemoLedgersAccounts) {
     NewTemplate("名称");
-    Window().MoveActiveCell({1, column::kAccountNumber});
-    Window().NameListKey("zgyh");
+    Window().Cells().MoveActiveCell({1, column::kAccountNumber});
+    Window().Names().TextTyped("zgyh");
     ASSERT_TRUE(view_.nameList.open);
     EXPECT_EQ(view_.nameList.entries[0].number, "1002.02");
-    Window().NameListMove(1);
-    EXPECT_TRUE(Window().NameListTake());
+    Window().Names().Move(1);
+    EXPECT_TRUE(Window().Names().Take());
     EXPECT_EQ(Cell(1, column::kAccountName), "中国银行美元户");
     EXPECT_EQ(Cell(1, column::kAccountId),
               Value("select FAccountID from t_Account where FNumber = '1002.02'"));

@@ -27,7 +27,7 @@ class EmbeddedGrid : public testing::Test {
     void Select(const std::string& templateName) {
         for (const TreeNode& node : window_->Nodes()) {
             if (node.text == templateName) {
-                window_->TreeNodeClick(node.key);
+                window_->Tree().NodeClick(node.key);
                 return;
             }
         }
@@ -35,9 +35,9 @@ class EmbeddedGrid : public testing::Test {
     }
     // Types a text and leaves the cell.
     void Type(int row, int gridColumn, const std::string& text) {
-        window_->MoveActiveCell({row, gridColumn});
-        ASSERT_EQ(window_->CommitText({row, gridColumn}, text), TextVerdict::Taken) << text;
-        window_->MoveActiveCell({row, gridColumn == kColumnCount ? 1 : gridColumn + 1});
+        window_->Cells().MoveActiveCell({row, gridColumn});
+        ASSERT_EQ(window_->Cells().CommitText({row, gridColumn}, text), TextVerdict::Taken) << text;
+        window_->Cells().MoveActiveCell({row, gridColumn == kColumnCount ? 1 : gridColumn + 1});
     }
     Texts Snapshot() {
         Texts rows;
@@ -112,16 +112,16 @@ TEST_F(EmbeddedGrid, ACodeOfTheWrongKindIsRedWithItsReason) {
     Select("日常费用");
     const int row = window_->RowCount() + 1;
     Type(row, column::kAccountNumber, "1002");
-    EXPECT_EQ(window_->DescribeFault({row, column::kAccountNumber}), "不是明细科目，请选择明细科目");
+    EXPECT_EQ(window_->Cells().DescribeFault({row, column::kAccountNumber}), "不是明细科目，请选择明细科目");
     Type(row, column::kAccountNumber, "9999");
-    EXPECT_EQ(window_->DescribeFault({row, column::kAccountNumber}), "科目代码不存在");
+    EXPECT_EQ(window_->Cells().DescribeFault({row, column::kAccountNumber}), "科目代码不存在");
     Type(row, column::kAccountNumber, "1405.01");
     Type(row, column::kUnitName, "PCS");
     EXPECT_EQ(Text(row, column::kUnitName), "件");
-    EXPECT_EQ(window_->DescribeFault({row, column::kUnitName}),
+    EXPECT_EQ(window_->Cells().DescribeFault({row, column::kUnitName}),
               "计量单位不属于科目的计量单位组，可用：克、千克、吨");
     Type(row, column::kUnitName, "KG");
-    EXPECT_EQ(window_->DescribeFault({row, column::kUnitName}), "");
+    EXPECT_EQ(window_->Cells().DescribeFault({row, column::kUnitName}), "");
     EXPECT_THAT(RedCells(), IsEmpty());
 }
 
@@ -154,20 +154,20 @@ TEST_F(EmbeddedGrid, WhatIsTypedSavedAndReloadedReadsTheSameDigitForDigit) {
 TEST_F(EmbeddedGrid, APastedBlockSurvivesSavingAndUndoEndsThere) {
     Select("日常费用");
     const int first = window_->RowCount() + 1;
-    const PasteResult result =
-        window_->PasteBlock({first, 1}, "7\t报销\t借\t5602.03\r\n7\t\t贷\t1001\r\n7\tx|y\t贷\t1001\r\n");
+    const PasteResult result = window_->Cells().PasteBlock(
+        {first, 1}, "7\t报销\t借\t5602.03\r\n7\t\t贷\t1001\r\n7\tx|y\t贷\t1001\r\n");
     EXPECT_EQ(result.rows, 3);
     ASSERT_EQ(result.refused.size(), 1U);
     EXPECT_EQ(result.refused[0].cell, (CellAddress{first + 2, 2}));
-    EXPECT_TRUE(window_->CanUndo());
+    EXPECT_TRUE(window_->Cells().CanUndo());
     EXPECT_FALSE(window_->Save()) << "what was refused is nowhere to be saved";
     EXPECT_EQ(surroundings_.messageBoxes->Texts().back(),
               "行" + std::to_string(first + 2) + " 摘要(*) 不能包含单引号、竖线或控制字符，请进行更正！");
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{first + 2, 2}));
-    window_->CommitText({first + 2, 2}, "xy");
+    window_->Cells().CommitText({first + 2, 2}, "xy");
     const Texts before = Snapshot();
     ASSERT_TRUE(window_->Save());
-    EXPECT_FALSE(window_->CanUndo());
+    EXPECT_FALSE(window_->Cells().CanUndo());
     EXPECT_EQ(Snapshot(), before);
 }
 

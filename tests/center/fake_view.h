@@ -19,6 +19,9 @@ class FakeVICenterView : public VICenterView {
         calls.emplace_back("close");
         if (onClose) onClose();
     }
+    void CommitTyping() override {
+        if (onCommitTyping) onCommitTyping();
+    }
 
     void SetTree(const std::vector<TreeNode>& nodes) override {
         calls.emplace_back("tree");
@@ -106,6 +109,7 @@ class FakeVICenterView : public VICenterView {
     int labelHeight = 180;
     Size windowSize{12000, 8000};
     std::function<void()> onClose;
+    std::function<void()> onCommitTyping;  // what an open editor does
     std::function<void(dialogs::FrmSearch&)> onFind;
     std::function<void(dialogs::frmSetColume&)> onColumns;
 };

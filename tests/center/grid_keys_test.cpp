@@ -13,8 +13,8 @@ class GridKeys : public CenterTest {
         Forget();
     }
     bool Press(char32_t character, int gridColumn) {
-        Window().MoveActiveCell({1, gridColumn});
-        return Window().GridKeyPress(character);
+        Window().Cells().MoveActiveCell({1, gridColumn});
+        return Window().Cells().KeyPress(character);
     }
 };
 
@@ -44,21 +44,21 @@ TEST_F(GridKeys, WithoutTheRightNothingIsTyped) {
 }
 
 TEST_F(GridKeys, TheSecondPointOfTheKeypadRepeatsTheExplanationAbove) {
-    Window().MoveActiveCell({2, column::kExplanation});
-    EXPECT_TRUE(Window().GridKeyDown(110, "."));
+    Window().Cells().MoveActiveCell({2, column::kExplanation});
+    EXPECT_TRUE(Window().Cells().KeyDown(110, "."));
     EXPECT_EQ(Cell(2, column::kExplanation), "支付货款");
     EXPECT_TRUE(Window().IsDirty());
 }
 
 TEST_F(GridKeys, OtherPointsOtherTextsAndOtherCellsRepeatNothing) {
-    Window().MoveActiveCell({2, column::kExplanation});
-    EXPECT_FALSE(Window().GridKeyDown(190, "."));  // the point beside the letters
-    EXPECT_FALSE(Window().GridKeyDown(110, ""));
-    EXPECT_FALSE(Window().GridKeyDown(110, "a"));
-    Window().MoveActiveCell({1, column::kExplanation});
-    EXPECT_FALSE(Window().GridKeyDown(110, "."));
-    Window().MoveActiveCell({2, column::kRemark});
-    EXPECT_FALSE(Window().GridKeyDown(110, "."));
+    Window().Cells().MoveActiveCell({2, column::kExplanation});
+    EXPECT_FALSE(Window().Cells().KeyDown(190, "."));  // the point beside the letters
+    EXPECT_FALSE(Window().Cells().KeyDown(110, ""));
+    EXPECT_FALSE(Window().Cells().KeyDown(110, "a"));
+    Window().Cells().MoveActiveCell({1, column::kExplanation});
+    EXPECT_FALSE(Window().Cells().KeyDown(110, "."));
+    Window().Cells().MoveActiveCell({2, column::kRemark});
+    EXPECT_FALSE(Window().Cells().KeyDown(110, "."));
     EXPECT_EQ(Cell(1, column::kExplanation), "支付货款");
     EXPECT_EQ(Cell(2, column::kExplanation), "");
     EXPECT_FALSE(Window().IsDirty());
@@ -66,8 +66,8 @@ TEST_F(GridKeys, OtherPointsOtherTextsAndOtherCellsRepeatNothing) {
 
 TEST_F(GridKeys, EveryOtherKeyIsLeftToTheEditor) {
     for (const int code : {8, 9, 13, 27, 32, 37, 38, 39, 40, 46, 48, 65, 112, 113, 119}) {
-        Window().MoveActiveCell({2, column::kAccountNumber});
-        EXPECT_FALSE(Window().GridKeyDown(code, "1")) << code;
+        Window().Cells().MoveActiveCell({2, column::kAccountNumber});
+        EXPECT_FALSE(Window().Cells().KeyDown(code, "1")) << code;
     }
     EXPECT_FALSE(Window().IsDirty());
 }

@@ -50,7 +50,7 @@ class Panel : public CenterTest {
     }
     void SetUp() override {
         Open();
-        Window().MoveActiveCell({1, column::kItems});
+        Window().Cells().MoveActiveCell({1, column::kItems});
     }
     const ItemPanelState& Shown() const { return view_.itemPanel; }
     Texts ShownRows() const {
@@ -71,12 +71,12 @@ TEST_F(Panel, ShowsOneRowForEveryItemClassOfTheRowsAccount) {
 }
 
 TEST_F(Panel, IsThereInItsColumnAndUpToTheFirstBlankRowOnly) {
-    Window().MoveActiveCell({1, 10});
+    Window().Cells().MoveActiveCell({1, 10});
     EXPECT_FALSE(Shown().visible);
-    Window().MoveActiveCell({4, column::kItems});
+    Window().Cells().MoveActiveCell({4, column::kItems});
     EXPECT_TRUE(Shown().visible);
     EXPECT_THAT(Shown().rows, IsEmpty());
-    Window().MoveActiveCell({3, column::kItems});
+    Window().Cells().MoveActiveCell({3, column::kItems});
     EXPECT_TRUE(Shown().visible);
     EXPECT_THAT(Shown().rows, IsEmpty());
 }
@@ -85,20 +85,20 @@ TEST_F(Panel, AUserWithoutTheRightSeesNone) {
     right_ = false;
     view_.itemPanel = {};
     Open();
-    Window().MoveActiveCell({1, column::kItems});
+    Window().Cells().MoveActiveCell({1, column::kItems});
     EXPECT_FALSE(Shown().visible);
 }
 
 TEST_F(Panel, ClassesOfZeroAndLessAreNoPartOfTheItems) {
     set_.Answer("FItemID = -1 order by",
                 Rows({"FItemClassID", "FName"}, {{-1, "旧类别"}, {0, "无"}, {2, "部门"}}));
-    Window().MoveActiveCell({1, column::kItems - 1});
-    Window().MoveActiveCell({1, column::kItems});
+    Window().Cells().MoveActiveCell({1, column::kItems - 1});
+    Window().Cells().MoveActiveCell({1, column::kItems});
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
 }
 
 TEST_F(Panel, FollowsTheActiveRow) {
-    Window().MoveActiveCell({2, column::kItems});
+    Window().Cells().MoveActiveCell({2, column::kItems});
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
 }
 
@@ -107,23 +107,23 @@ TEST_F(Panel, ReadsTheClassesAnewWhenTheRowsAccountChanges) {
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
     Grid().SetText(1, column::kAccountNumber, "");
     EXPECT_THAT(Shown().rows, IsEmpty());
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 ", "2 部门 "));
 }
 
 TEST_F(Panel, DoesNotReadTheClassesAgainForTheSameAccount) {
     set_.Forget();
-    Window().CommitItemNumber(0, "C001");
+    Window().Items().CommitNumber(0, "C001");
     EXPECT_THAT(Sent("FItemID = -1 order by"), IsEmpty());
 }
 
 TEST_F(Panel, ANumberIsWrittenAtItsPlaceInTheItemsFormat) {
-    Window().CommitItemNumber(1, "D01");
+    Window().Items().CommitNumber(1, "D01");
     EXPECT_EQ(Items(), ",D01");
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 ", "2 部门 D01"));
-    Window().CommitItemNumber(0, " C001 ");
+    Window().Items().CommitNumber(0, " C001 ");
     EXPECT_EQ(Items(), "C001,D01");
     EXPECT_EQ(Shown().text, "C001,D01");
     EXPECT_TRUE(Window().IsDirty());
@@ -131,90 +131,90 @@ TEST_F(Panel, ANumberIsWrittenAtItsPlaceInTheItemsFormat) {
 }
 
 TEST_F(Panel, TakingEveryNumberAwayEmptiesTheCell) {
-    Window().CommitItemNumber(0, "C001");
-    Window().CommitItemNumber(0, "");
+    Window().Items().CommitNumber(0, "C001");
+    Window().Items().CommitNumber(0, "");
     EXPECT_EQ(Items(), "");
 }
 
 TEST_F(Panel, AnUnresolvedPieceIsRedInThePanelAsInTheCell) {
-    Window().CommitItemNumber(0, "C999");
-    Window().CommitItemNumber(1, "D01");
+    Window().Items().CommitNumber(0, "C999");
+    Window().Items().CommitNumber(1, "D01");
     EXPECT_EQ(Items(), "C999,D01");
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C999 red", "2 部门 D01"));
     EXPECT_EQ(Grid().Look(1, column::kItems).foreColor, color::kRed);
-    Window().CommitItemNumber(0, "C001");
+    Window().Items().CommitNumber(0, "C001");
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 D01"));
     EXPECT_EQ(Grid().Look(1, column::kItems).foreColor, color::kBlack);
 }
 
 TEST_F(Panel, RefusesASeparatorInsideANumberAndWhatNoCellTakes) {
-    Window().CommitItemNumber(0, "C001,D01");
-    Window().CommitItemNumber(0, "C'1");
-    Window().CommitItemNumber(0, std::string(256, 'x'));
-    Window().CommitItemNumber(9, "C001");
+    Window().Items().CommitNumber(0, "C001,D01");
+    Window().Items().CommitNumber(0, "C'1");
+    Window().Items().CommitNumber(0, std::string(256, 'x'));
+    Window().Items().CommitNumber(9, "C001");
     EXPECT_EQ(Items(), "");
     EXPECT_FALSE(Window().IsDirty());
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 ", "2 部门 "));
 }
 
 TEST_F(Panel, TheWholeTextIsTakenPieceByPiece) {
-    Window().CommitItemText("C001,D01");
+    Window().Items().CommitText("C001,D01");
     EXPECT_EQ(Items(), "C001,D01");
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 D01"));
 }
 
 TEST_F(Panel, TheWholeTextIsBroughtIntoTheItemsFormat) {
-    Window().CommitItemText(" C001 , D01 ");
+    Window().Items().CommitText(" C001 , D01 ");
     EXPECT_EQ(Items(), "C001,D01");
-    Window().CommitItemText("C001");
+    Window().Items().CommitText("C001");
     EXPECT_EQ(Items(), "C001,");
-    Window().CommitItemText(",,");
+    Window().Items().CommitText(",,");
     EXPECT_EQ(Items(), "");
     // More pieces than classes stay as typed and are red.
-    Window().CommitItemText("C001,D01,X");
+    Window().Items().CommitText("C001,D01,X");
     EXPECT_EQ(Items(), "C001,D01,X");
 }
 
 TEST_F(Panel, ATextOnARowWithoutClassesStaysAsTyped) {
-    Window().MoveActiveCell({3, column::kItems});
-    Window().CommitItemText("C001");
+    Window().Cells().MoveActiveCell({3, column::kItems});
+    Window().Items().CommitText("C001");
     EXPECT_EQ(Items(3), "C001");
     EXPECT_EQ(Grid().Look(3, column::kItems).foreColor, color::kRed);
 }
 
 TEST_F(Panel, AChangeIsOneStepOfUndo) {
-    Window().CommitItemNumber(0, "C001");
-    Window().Undo();
+    Window().Items().CommitNumber(0, "C001");
+    Window().Cells().Undo();
     EXPECT_EQ(Items(), "");
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 ", "2 部门 "));
 }
 
 TEST_F(Panel, TheButtonOpensAndClosesThePicture) {
-    Window().ToggleItemPanel();
+    Window().Items().Toggle();
     EXPECT_TRUE(Shown().expanded);
-    Window().ToggleItemPanel();
+    Window().Items().Toggle();
     EXPECT_FALSE(Shown().expanded);
-    Window().MoveActiveCell({1, 10});
-    Window().ToggleItemPanel();
+    Window().Cells().MoveActiveCell({1, 10});
+    Window().Items().Toggle();
     EXPECT_FALSE(Shown().expanded);
 }
 
 // --- rows that come and go under the cursor
 
 TEST_F(Panel, FollowsTheRowThatComesUnderTheCursor) {
-    Window().CommitItemNumber(0, "C001");
+    Window().Items().CommitNumber(0, "C001");
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
-    Window().InsertRows({1, 1});
+    Window().Cells().InsertRows({1, 1});
     EXPECT_TRUE(Shown().visible);
     EXPECT_THAT(ShownRows(), IsEmpty());
     EXPECT_EQ(Shown().text, "");
-    Window().DeleteRows({1, 1});
+    Window().Cells().DeleteRows({1, 1});
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
-    Window().DeleteRows({1, 1});
+    Window().Cells().DeleteRows({1, 1});
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_THAT(ShownRows(), ElementsAre("1 客户 C001", "2 部门 "));
-    Window().Redo();
+    Window().Cells().Redo();
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
 }
 
@@ -230,8 +230,8 @@ TEST_F(Panel, FollowsTheRowCommandsOfTheBar) {
 }
 
 TEST_F(Panel, FollowsADuplicatedRow) {
-    Window().MoveActiveCell({2, column::kItems});
-    Window().DuplicateRows({2, column::kItems});
+    Window().Cells().MoveActiveCell({2, column::kItems});
+    Window().Cells().DuplicateRows({2, column::kItems});
     EXPECT_EQ(Grid().ActiveCell().row, 3);
     EXPECT_THAT(ShownRows(), ElementsAre("2 部门 "));
 }
@@ -256,42 +256,42 @@ class PanelLookUp : public Panel {
 };
 
 TEST_F(PanelLookUp, SetsFourPropertiesAndAsksForTheRowsClass) {
-    Window().CommitItemNumber(1, "D01");
-    Window().LookUpItem(0);
+    Window().Items().CommitNumber(1, "D01");
+    Window().Items().LookUp(0);
     EXPECT_EQ(ledger_->Calls().back(), "ItemLookUp(1, )");
     EXPECT_EQ(Items(), "C001,D01");
     record_->Value("Number", "D02");
-    Window().LookUpItem(1);
+    Window().Items().LookUp(1);
     EXPECT_EQ(ledger_->Calls().back(), "ItemLookUp(2, D01)");
     EXPECT_EQ(Items(), "C001,D02");
 }
 
 TEST_F(PanelLookUp, ACancelledOneChangesNothing) {
     result_->Value("ReturnOK", false);
-    Window().LookUpItem(0);
+    Window().Items().LookUp(0);
     EXPECT_EQ(Items(), "");
     EXPECT_FALSE(Window().IsDirty());
 }
 
 TEST_F(PanelLookUp, AFailingOneIsToldAndChangesNothing) {
     ledger_->On("ItemLookUp", [](Arguments&) -> Variant { throw automation::Error(5, "组件出错"); });
-    Window().LookUpItem(0);
+    Window().Items().LookUp(0);
     EXPECT_THAT(Messages(), ElementsAre("组件出错"));
     EXPECT_EQ(Items(), "");
-    Window().LookUpItem(7);
+    Window().Items().LookUp(7);
     EXPECT_EQ(Messages().size(), 1U);
 }
 
 // --- why a cell is red
 
 TEST_F(Panel, TheStatusLineSaysWhatTheActiveFaultyCellExpects) {
-    Window().CommitItemNumber(0, "C999");
+    Window().Items().CommitNumber(0, "C999");
     EXPECT_EQ(view_.status.hint, "核算项目代码不存在或个数不符，应依次为：客户、部门") << "at once";
-    Window().MoveActiveCell({1, 10});
+    Window().Cells().MoveActiveCell({1, 10});
     EXPECT_EQ(view_.status.hint, "");
-    Window().MoveActiveCell({1, column::kItems});
+    Window().Cells().MoveActiveCell({1, column::kItems});
     EXPECT_EQ(view_.status.hint, "核算项目代码不存在或个数不符，应依次为：客户、部门");
-    EXPECT_EQ(view_.status.hint, Window().DescribeFault({1, column::kItems}));
+    EXPECT_EQ(view_.status.hint, Window().Cells().DescribeFault({1, column::kItems}));
 }
 
 }  // namespace

@@ -21,8 +21,8 @@ class NameLists : public CenterTest {
     }
     void TypeAt(int row, int gridColumn, const std::string& text) {
         if (!(Grid().ActiveCell() == CellAddress{row, gridColumn}))
-            Window().MoveActiveCell({row, gridColumn});
-        Window().NameListKey(text);
+            Window().Cells().MoveActiveCell({row, gridColumn});
+        Window().Names().TextTyped(text);
     }
     Texts Shown() const {
         Texts shown;
@@ -131,7 +131,7 @@ TEST_F(KeptNameLists, AComponentThatCannotTellIsAskedForEveryCell) {
     version_.clear();
     TypeAt(1, 5, "1");
     TypeAt(2, 5, "1");
-    Window().PrepareNameLists();
+    Window().Names().Prepare();
     EXPECT_EQ(read_, 2);
 }
 
@@ -159,23 +159,23 @@ TEST_F(KeptNameLists, UnitsOfAnotherGroupAreAnotherList) {
 }
 
 TEST_F(KeptNameLists, AreReadBeforeTheFirstKeyAndAgainOnceSomethingHasChanged) {
-    Window().PrepareNameLists();
+    Window().Names().Prepare();
     EXPECT_EQ(read_, 4);  // columns 2, 5, 9 and 13; units hang on the row
-    Window().PrepareNameLists();
+    Window().Names().Prepare();
     TypeAt(1, 5, "1");
     TypeAt(1, 13, "1");
     EXPECT_EQ(read_, 4);
     version_ = "2";
-    Window().PrepareNameLists();
+    Window().Names().Prepare();
     EXPECT_EQ(read_, 4) << "a list that is being read from stays";
-    Window().NameListClose();
-    Window().PrepareNameLists();
+    Window().Names().Close();
+    Window().Names().Prepare();
     EXPECT_EQ(read_, 8);
 }
 
 TEST_F(KeptNameLists, OneMissingComponentLeavesTheOthersLists) {
     automation::ClassRegistry::Process().Unregister("VelaGLNameListLib.GLNameList");
-    Window().PrepareNameLists();
+    Window().Names().Prepare();
     EXPECT_EQ(read_, 2);
     EXPECT_THAT(Messages(), IsEmpty());
 }
@@ -183,7 +183,7 @@ TEST_F(KeptNameLists, OneMissingComponentLeavesTheOthersLists) {
 TEST_F(KeptNameLists, NothingIsReadAheadForWhoeverMayNotType) {
     right_ = false;
     Open();
-    Window().PrepareNameLists();
+    Window().Names().Prepare();
     EXPECT_EQ(read_, 0);
 }
 
@@ -196,7 +196,7 @@ TEST_F(NameLists, NeverStopTyping) {
     TypeAt(1, 13, "1");
     EXPECT_FALSE(view_.nameList.open);
     EXPECT_THAT(Messages(), IsEmpty());
-    EXPECT_EQ(Window().CommitText({1, 13}, "USD"), TextVerdict::Taken);
+    EXPECT_EQ(Window().Cells().CommitText({1, 13}, "USD"), TextVerdict::Taken);
 }
 
 TEST_F(NameLists, AListThatFailsHalfWayIsNone) {
@@ -235,23 +235,23 @@ TEST_F(NameLists, AUserWithoutTheRightSeesNone) {
 
 TEST_F(NameLists, ArrowsMoveTheChoiceWithinTheList) {
     TypeAt(1, 5, "100");
-    Window().NameListMove(-1);
+    Window().Names().Move(-1);
     EXPECT_EQ(view_.nameList.selected, 0);
-    Window().NameListMove(1);
+    Window().Names().Move(1);
     EXPECT_EQ(view_.nameList.selected, 1);
-    Window().NameListMove(10);
+    Window().Names().Move(10);
     EXPECT_EQ(view_.nameList.selected, 2);
-    Window().NameListMove(-1);
+    Window().Names().Move(-1);
     EXPECT_EQ(view_.nameList.selected, 1);
-    Window().NameListSelect(0);
+    Window().Names().Select(0);
     EXPECT_EQ(view_.nameList.selected, 0);
-    Window().NameListSelect(7);
+    Window().Names().Select(7);
     EXPECT_EQ(view_.nameList.selected, 0);
 }
 
 TEST_F(NameLists, WithoutAChoiceNothingIsTakenAndTheListCloses) {
     TypeAt(1, 5, "1002.01");
-    EXPECT_FALSE(Window().NameListTake());
+    EXPECT_FALSE(Window().Names().Take());
     EXPECT_FALSE(view_.nameList.open);
     EXPECT_EQ(Cell(1, 5), "1001");
     EXPECT_FALSE(Window().IsDirty());
@@ -259,14 +259,14 @@ TEST_F(NameLists, WithoutAChoiceNothingIsTakenAndTheListCloses) {
 
 TEST_F(NameLists, AnAccountIsWrittenAsItsLookUpWouldWriteIt) {
     TypeAt(1, 5, "gs");
-    Window().NameListMove(1);
-    EXPECT_TRUE(Window().NameListTake());
+    Window().Names().Move(1);
+    EXPECT_TRUE(Window().Names().Take());
     EXPECT_EQ(Cell(1, column::kAccountNumber), "1002.01");
     EXPECT_EQ(Cell(1, column::kAccountName), "工商银行");
     EXPECT_EQ(Cell(1, column::kAccountId), "1003");
     EXPECT_TRUE(Window().IsDirty());
     EXPECT_FALSE(view_.nameList.open);
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_EQ(Cell(1, column::kAccountNumber), "1001");
     EXPECT_EQ(Cell(1, column::kAccountId), "1001");
 }
@@ -274,8 +274,8 @@ TEST_F(NameLists, AnAccountIsWrittenAsItsLookUpWouldWriteIt) {
 TEST_F(NameLists, AChoiceIsNotResolvedAgainByTheNextCommand) {
     Type(1, column::kAccountNumber, "1002");
     TypeAt(1, column::kAccountNumber, "gs");
-    Window().NameListMove(1);
-    ASSERT_TRUE(Window().NameListTake());
+    Window().Names().Move(1);
+    ASSERT_TRUE(Window().Names().Take());
     set_.Forget();
     Window().ToolClick("mnuShare");
     EXPECT_THAT(set_.Statements(), IsEmpty());
@@ -286,7 +286,7 @@ TEST_F(NameLists, WhatWasTypedIsStillResolvedWhenNothingIsTaken) {
                 Rows({"FAccountID", "FNumber", "FName"}, {{1002, "1002", "银行存款"}}));
     Type(1, column::kAccountNumber, "1002");
     TypeAt(1, column::kAccountNumber, "1002");
-    ASSERT_FALSE(Window().NameListTake());
+    ASSERT_FALSE(Window().Names().Take());
     Window().ToolClick("mnuShare");
     EXPECT_EQ(Cell(1, column::kAccountName), "银行存款");
 }
@@ -295,8 +295,8 @@ TEST_F(NameLists, GroupAccountsAreShownButCannotBeTaken) {
     TypeAt(1, 5, "yhck");
     ASSERT_THAT(Shown(), ElementsAre("1002 银行存款"));
     EXPECT_FALSE(view_.nameList.entries[0].selectable);
-    Window().NameListMove(1);
-    EXPECT_FALSE(Window().NameListTake());
+    Window().Names().Move(1);
+    EXPECT_FALSE(Window().Names().Take());
     EXPECT_FALSE(view_.nameList.open);
     EXPECT_EQ(Cell(1, 5), "1001");
     EXPECT_FALSE(Window().IsDirty());
@@ -306,14 +306,14 @@ TEST_F(NameLists, AnExplanationBringsItsAccountToARowWithoutOne) {
     set_.Answer("select FName,FNumber from t_Account", Rows({"FName", "FNumber"}, {{"应收", "1122"}}));
     entries_ = {{1122, "001", "收到货款", 1}};
     TypeAt(2, 2, "00");
-    Window().NameListMove(1);
-    EXPECT_TRUE(Window().NameListTake());
+    Window().Names().Move(1);
+    EXPECT_TRUE(Window().Names().Take());
     EXPECT_EQ(Cell(2, column::kExplanation), "收到货款");
     EXPECT_EQ(Cell(2, column::kAccountId), "1122");
     EXPECT_EQ(Cell(2, column::kAccountNumber), "1122");
     TypeAt(1, 2, "00");
-    Window().NameListMove(1);
-    EXPECT_TRUE(Window().NameListTake());
+    Window().Names().Move(1);
+    EXPECT_TRUE(Window().Names().Take());
     EXPECT_EQ(Cell(1, column::kExplanation), "收到货款");
     EXPECT_EQ(Cell(1, column::kAccountNumber), "1001");
 }
@@ -323,8 +323,8 @@ TEST_F(NameLists, SettlementCurrencyAndUnitWriteNameAndTheIdBesideIt) {
     entries_ = {{6, "JF03", "电汇", 1}};
     for (const int c : {9, 13, 17}) {
         TypeAt(1, c, "dh");
-        Window().NameListMove(1);
-        EXPECT_TRUE(Window().NameListTake()) << c;
+        Window().Names().Move(1);
+        EXPECT_TRUE(Window().Names().Take()) << c;
         EXPECT_EQ(Cell(1, c), "电汇");
         EXPECT_EQ(Cell(1, c - 1), "6");
     }
@@ -332,7 +332,7 @@ TEST_F(NameLists, SettlementCurrencyAndUnitWriteNameAndTheIdBesideIt) {
 
 TEST_F(NameLists, EscClosesTheListAndTheNextKeyBringsItBack) {
     TypeAt(1, 5, "1");
-    Window().NameListClose();
+    Window().Names().Close();
     EXPECT_FALSE(view_.nameList.open);
     EXPECT_FALSE(Window().IsDirty());
     TypeAt(1, 5, "10");
@@ -341,14 +341,14 @@ TEST_F(NameLists, EscClosesTheListAndTheNextKeyBringsItBack) {
 
 TEST_F(NameLists, CloseWhenTheTextIsCommittedOrTheCellIsLeft) {
     TypeAt(1, 5, "1");
-    Window().CommitText({1, 5}, "1002.01");
+    Window().Cells().CommitText({1, 5}, "1002.01");
     EXPECT_FALSE(view_.nameList.open);
     TypeAt(1, 5, "1");
     ASSERT_TRUE(view_.nameList.open);
-    Window().MoveActiveCell({1, 7});
+    Window().Cells().MoveActiveCell({1, 7});
     EXPECT_FALSE(view_.nameList.open);
     TypeAt(1, 5, "1");
-    Window().OpenLookUp();
+    Window().Cells().OpenLookUp();
     EXPECT_FALSE(view_.nameList.open);
 }
 

@@ -19,7 +19,7 @@ class RightTemplate : public CenterTest {
     void SetUp() override {
         lines_["5"] = {Line(1, "原来的")};
         Open();
-        Window().TreeNodeClick("detail-5");
+        Window().Tree().NodeClick("detail-5");
         Forget();
     }
     void TypeMine() { Type(1, column::kExplanation, "我的"); }
@@ -61,7 +61,7 @@ TEST_F(RightTemplate, LookingAtTheirsShowsThemAndKeepsMineOneStepOfUndoAway) {
     EXPECT_EQ(Window().RowCount(), 2);
     EXPECT_FALSE(Window().IsDirty());
     EXPECT_EQ(view_.status.hint, "按 Ctrl+Z 找回您修改的分录");
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
     EXPECT_EQ(Window().RowCount(), 1);
     EXPECT_TRUE(Window().IsDirty());
@@ -124,7 +124,7 @@ TEST_F(RightTemplate, AnIdThatIsAnotherTemplateOfTheUsersCountsAsChanged) {
 }
 
 TEST_F(RightTemplate, TheStandardTemplateIsNotOverwritten) {
-    Window().TreeNodeClick("detail-0");
+    Window().Tree().NodeClick("detail-0");
     FillLine(1, "1", "我的");
     lines_["0"] = {Line(1, "别人的")};
     Forget();
@@ -149,7 +149,7 @@ TEST_F(RightTemplate, AGateWhoseSaveEndsWithTheirsStopsTheCaller) {
     Answer(MessageResult::Yes);
     Answer(MessageResult::No);
     Answer(MessageResult::No);
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     EXPECT_EQ(Window().TemplateId(), "5");
     EXPECT_EQ(Cell(1, column::kExplanation), "别人的");
 }
@@ -157,11 +157,11 @@ TEST_F(RightTemplate, AGateWhoseSaveEndsWithTheirsStopsTheCaller) {
 // --- nodes
 
 TEST_F(RightTemplate, AStaleNodeIsToldAndTheTreeReadAgain) {
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     gone_ = {"5"};
     templates_ = {{0, "标准模板"}, {8, "自定义模板(2)"}};
     Forget();
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_THAT(Messages(), ElementsAre(kGone));
     EXPECT_THAT(Keys(), ElementsAre("ROOT", "detail-0", "detail-8"));
     EXPECT_EQ(Window().SelectedNode(), "detail-0");
@@ -169,19 +169,19 @@ TEST_F(RightTemplate, AStaleNodeIsToldAndTheTreeReadAgain) {
 }
 
 TEST_F(RightTemplate, ANodeWhoseIdIsAnotherUsersTemplateNowIsNotOpened) {
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     owners_["5"] = 8;
     templates_ = {{0, "标准模板"}, {8, "自定义模板(2)"}};
     Forget();
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_THAT(Messages(), ElementsAre(kGone));
     EXPECT_THAT(Sent("from t_VchTemplateEntry where FID = 5"), IsEmpty());
 }
 
 TEST_F(RightTemplate, ANodeThatWasRenamedElsewhereOpensUnderItsNewName) {
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     names_["5"] = "月末结转";
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_THAT(Messages(), IsEmpty());
     EXPECT_EQ(view_.name, "月末结转");
     EXPECT_EQ(view_.tree[2].text, "月末结转");
@@ -189,19 +189,19 @@ TEST_F(RightTemplate, ANodeThatWasRenamedElsewhereOpensUnderItsNewName) {
 
 TEST_F(RightTemplate, RenamingWhatIsGoneWritesNothing) {
     gone_ = {"5"};
-    Window().TreeDoubleClick();
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("新名称"));
+    Window().Tree().DoubleClick();
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("新名称"));
     EXPECT_THAT(Messages(), ElementsAre(kGone));
     ExpectNothingWritten();
 }
 
 TEST_F(RightTemplate, RenamingWhatWasRenamedElsewhereIsAskedAbout) {
     names_["5"] = "月末结转";
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("新名称"));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("新名称"));
     EXPECT_THAT(Messages(), ElementsAre("模板 自定义模板(1) 已在别处改名为 月末结转，是否仍要修改名称？"));
     ExpectNothingWritten();
     Answer(MessageResult::Yes);
-    EXPECT_TRUE(Window().TreeAfterLabelEdit("新名称"));
+    EXPECT_TRUE(Window().Tree().AfterLabelEdit("新名称"));
     EXPECT_EQ(Sent("update t_VchTemplate").size(), 1U);
 }
 
@@ -311,13 +311,13 @@ TEST_F(RefusedSave, TheTypedLinesAreOneKeyAwayAndTheTemplateIsStillModified) {
     EXPECT_EQ(Window().RowCount(), 1);
     EXPECT_TRUE(Window().IsDirty());
     EXPECT_EQ(view_.status.hint, "保存被拒绝，按 Ctrl+Z 找回保存前的分录");
-    ASSERT_TRUE(Window().CanUndo());
-    Window().Undo();
+    ASSERT_TRUE(Window().Cells().CanUndo());
+    Window().Cells().Undo();
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
     EXPECT_EQ(Cell(2, column::kExplanation), "第二行");
     EXPECT_EQ(Window().RowCount(), 2);
     EXPECT_TRUE(Window().IsDirty());
-    Window().Redo();
+    Window().Cells().Redo();
     EXPECT_EQ(Window().RowCount(), 1);
 }
 
@@ -362,7 +362,7 @@ TEST_F(RefusedSave, LinesThatCannotBeReadAgainLeaveTheTypedOnesInTheGrid) {
 
 TEST_F(RightTemplate, LinesThatCannotBeReadAreTold) {
     set_.Fail("select * from t_VchTemplateEntry", "gone");
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     EXPECT_THAT(Messages(),
                 ElementsAre("模板 自定义模板(2) 的分录未能读取，请检查账套连接后重新打开该模板！"));
 }
@@ -384,7 +384,7 @@ TEST_F(RightTemplate, LinesThatFailHalfWayAreUnknown) {
         rows->AppendRow(broken);
         return rows;
     });
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     EXPECT_EQ(Window().RowCount(), 0);
     EXPECT_TRUE(Grid().IsBlankRow(1));
     EXPECT_EQ(Messages().size(), 1U);

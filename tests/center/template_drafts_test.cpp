@@ -57,7 +57,7 @@ class Drafts : public CenterTest {
     void SetUp() override {
         lines_["5"] = {Line(1, "原来的")};
         Open();
-        Window().TreeNodeClick("detail-5");
+        Window().Tree().NodeClick("detail-5");
         Forget();
     }
     void TypeMine() { Type(1, column::kExplanation, "我的"); }
@@ -121,7 +121,7 @@ TEST_F(Drafts, StayWhenTheWindowIsClosedByItsFrameAndAreOfferedByTheNext) {
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
     EXPECT_TRUE(Window().IsDirty());
     EXPECT_EQ(Files().size(), 1U);
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_EQ(Cell(1, column::kExplanation), "原来的");
     Forget();
     EXPECT_TRUE(Window().Save());
@@ -147,8 +147,8 @@ TEST_F(Drafts, ARestoredDraftIsSaved) {
 
 TEST_F(Drafts, ATextThatItsColumnRefusedComesBackRefused) {
     TypeMine();
-    Window().MoveActiveCell({1, column::kAmount});
-    ASSERT_EQ(Window().CommitText({1, column::kAmount}, "十元"), TextVerdict::NotANumber);
+    Window().Cells().MoveActiveCell({1, column::kAmount});
+    ASSERT_EQ(Window().Cells().CommitText({1, column::kAmount}, "十元"), TextVerdict::NotANumber);
     CloseByFrame();
     Answer(MessageResult::Yes);
     OpenAgain();
@@ -164,7 +164,7 @@ TEST_F(Drafts, WhatIsDeclinedIsGone) {
     OpenAgain();
     EXPECT_THAT(Files(), IsEmpty());
     EXPECT_EQ(Window().TemplateId(), "0");
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_EQ(Messages().size(), 1U);
     EXPECT_EQ(Cell(1, column::kExplanation), "原来的");
 }
@@ -208,7 +208,7 @@ TEST_F(Drafts, AreOfferedWhenTheirTemplateIsOpened) {
     // Another one, written later, is the newest.
     surroundings_.clock->now = *automation::DateTime::Parse("2026-02-01 08:00:00");
     Open();
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     FillLine(1, "1", "二");
     CloseByFrame();
     Answer(MessageResult::No);
@@ -216,7 +216,7 @@ TEST_F(Drafts, AreOfferedWhenTheirTemplateIsOpened) {
     ASSERT_EQ(Messages().size(), 1U);
     EXPECT_THAT(Messages()[0], HasSubstr("模板 自定义模板(2) 有上次未保存的修改"));
     Answer(MessageResult::Yes);
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_EQ(Messages().back(), Question());
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
 }
@@ -227,7 +227,7 @@ TEST_F(Drafts, OfAnotherUserAreNeverRead) {
     entry::PresetPropsString("UserID=8;ConnectString={Provider=Test;};");
     owners_["5"] = 8;
     OpenAgain();
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_THAT(Messages(), IsEmpty());
     EXPECT_EQ(Files().size(), 1U);
     // Not even under a name that says otherwise.
@@ -245,10 +245,10 @@ TEST_F(Drafts, OfAWindowThatIsStillThereAreNotOffered) {
     frmVICenter second(secondView, &commands_);
     second.Load();
     second.Shown();
-    second.TreeNodeClick("detail-5");
+    second.Tree().NodeClick("detail-5");
     EXPECT_THAT(Messages(), IsEmpty());
     // Each has its own.
-    second.CommitText({1, column::kRemark}, "二");
+    second.Cells().CommitText({1, column::kRemark}, "二");
     second.UserRests();
     EXPECT_EQ(Files().size(), 2U);
     EXPECT_TRUE(second.Save());
@@ -260,7 +260,7 @@ TEST_F(Drafts, AWindowThatNobodySeesOffersNothing) {
     CloseByFrame();
     Open();
     Forget();
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
@@ -294,7 +294,7 @@ TEST_F(Drafts, OpeningAnotherTemplateWithoutSavingLeavesNone) {
     TypeMine();
     Window().UserRests();
     Answer(MessageResult::No);
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     EXPECT_THAT(Files(), IsEmpty());
 }
 
@@ -303,13 +303,13 @@ TEST_F(Drafts, WhatARefusedSaveLeftIsInTheDraftWhateverIsOpenedNext) {
     Window().Shown();
     TypeMine();
     Answer(MessageResult::Yes);
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     EXPECT_EQ(Window().TemplateId(), "8");
     EXPECT_EQ(Files().size(), 1U);
     Answer(MessageResult::Ok);
     Forget();
     surroundings_.messageBoxes->answers = {MessageResult::Yes};
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_THAT(Messages(), ElementsAre(Question()));
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
 }
@@ -320,9 +320,9 @@ TEST_F(Drafts, WhatARefusedSaveLeftNowhereButInTheWindowStopsWhateverWouldReplac
     set_.Fail("exec pro_VchTpCanUsed", "disk full");
     TypeMine();
     surroundings_.messageBoxes->answers = {MessageResult::Yes};
-    Window().TreeNodeClick("detail-8");
+    Window().Tree().NodeClick("detail-8");
     EXPECT_EQ(Window().TemplateId(), "5");
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
 }
 

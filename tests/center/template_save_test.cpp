@@ -245,7 +245,7 @@ class Save : public CenterTest {
   protected:
     void SetUp() override {
         Open();
-        Window().TreeNodeClick("detail-5");
+        Window().Tree().NodeClick("detail-5");
         Forget();
     }
     Texts Batches() const { return Sent("exec pro_VchTpCanUsed"); }
@@ -340,19 +340,19 @@ TEST_F(Save, ShowsTheLinesThatTheAccountSetHoldsAfterwards) {
         lines_["5"] = {Line(1, "as stored"), Line(2, "second")};
         return Rows({});
     });
-    Window().MoveActiveCell({2, 5});
+    Window().Cells().MoveActiveCell({2, 5});
     EXPECT_TRUE(Window().Save());
     EXPECT_EQ(Cell(1, column::kExplanation), "as stored");
     EXPECT_EQ(Window().RowCount(), 2);
     EXPECT_EQ(Window().CurrentEntryCount(), 2);
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, 5}));
-    EXPECT_FALSE(Window().CanUndo());
+    EXPECT_FALSE(Window().Cells().CanUndo());
 }
 
 TEST_F(Save, LeavesTheCursorOnTheFirstBlankRowAndShowsIt) {
     FillLine(1, "1", "收款");
     StoreOnSave("5", {Line(1, "收款")});
-    Window().MoveActiveCell({2, 5});
+    Window().Cells().MoveActiveCell({2, 5});
     const Shown shown(Grid());
     EXPECT_TRUE(Window().Save());
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, 5}));
@@ -363,7 +363,7 @@ TEST_F(Save, PutsTheCursorNowhereBelowTheFirstBlankRow) {
     FillLine(1, "1", "收款");
     FillLine(2, "1", "付款");
     StoreOnSave("5", {Line(1, "收款")});
-    Window().MoveActiveCell({3, 5});
+    Window().Cells().MoveActiveCell({3, 5});
     EXPECT_TRUE(Window().Save());
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{1, 1}));
 }
@@ -436,7 +436,7 @@ TEST_F(Save, CanBeTriedAgainAfterAFailure) {
 TEST_F(Save, NeverReplacesLinesThatCouldNotBeRead) {
     lines_["5"] = {Line(1, "stored"), Line(2, "stored too")};
     set_.Fail("select * from t_VchTemplateEntry", "connection lost");
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     FillLine(1, "1", "收款");
     Forget();
     EXPECT_FALSE(Window().Save());
@@ -450,7 +450,7 @@ TEST_F(Save, NeverReplacesLinesThatCouldNotBeRead) {
     set_.Respond("select * from t_VchTemplateEntry",
                  [this](const std::string&) { return Rows(LineFields(), lines_["5"]); });
     Answer(system::MessageResult::No);
-    Window().TreeNodeClick("detail-5");
+    Window().Tree().NodeClick("detail-5");
     EXPECT_EQ(Window().RowCount(), 2);
     MakeDirty();
     EXPECT_TRUE(Window().Save());
@@ -459,8 +459,8 @@ TEST_F(Save, NeverReplacesLinesThatCouldNotBeRead) {
 
 TEST_F(Save, AsksNothingAboutAnEmptyGridThatIsOnlyUnread) {
     set_.Fail("select * from t_VchTemplateEntry", "connection lost");
-    Window().TreeNodeClick("detail-5");
-    Window().OpenLookUp();  // marks the template as changed
+    Window().Tree().NodeClick("detail-5");
+    Window().Cells().OpenLookUp();  // marks the template as changed
     ASSERT_TRUE(Window().IsDirty());
     Forget();
     EXPECT_FALSE(Window().Save());
@@ -494,8 +494,8 @@ TEST_F(Save, GoesToTheFaultyCellAndWritesNothing) {
 
 TEST_F(Save, AnEmptyTemplateIsSavedOnlyWhenTheUserAgrees) {
     lines_["5"] = {Line(1, "x")};
-    Window().TreeNodeClick("detail-5");
-    Window().DeleteRows({1, 1});
+    Window().Tree().NodeClick("detail-5");
+    Window().Cells().DeleteRows({1, 1});
     ASSERT_EQ(Window().RowCount(), 0);
     Forget();
 

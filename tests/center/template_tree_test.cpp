@@ -19,7 +19,7 @@ class Tree : public CenterTest {
             nodes.push_back(node.key + " " + node.text + " " + std::to_string(node.icon));
         return nodes;
     }
-    void Click(const std::string& key) { Window().TreeNodeClick(key); }
+    void Click(const std::string& key) { Window().Tree().NodeClick(key); }
     void ExpectMessage(const std::string& text) {
         ASSERT_EQ(surroundings_.messageBoxes->shown.size(), 1U);
         const fakes::ShownMessage& shown = surroundings_.messageBoxes->shown[0];
@@ -167,11 +167,11 @@ TEST_F(Tree, TheNumberOfRowsReadBecomesTheEntryCount) {
 TEST_F(Tree, OpeningLeavesNothingToUndoAndNothingUnsaved) {
     Open();
     MakeDirty();
-    ASSERT_TRUE(Window().CanUndo());
+    ASSERT_TRUE(Window().Cells().CanUndo());
     Answer(MessageResult::No);
     Click("detail-5");
     EXPECT_FALSE(Window().IsDirty());
-    EXPECT_FALSE(Window().CanUndo());
+    EXPECT_FALSE(Window().Cells().CanUndo());
 }
 
 // --- clicking
@@ -243,7 +243,7 @@ TEST_F(Tree, NewSelectsTheNodeAndStartsRenamingItBeforeItIsOpened) {
     Texts calls = view_.calls;
     std::erase(calls, "tools");
     EXPECT_THAT(calls, ElementsAre("add detail-9", "select detail-9", "edit label", "name 自定义模板(1)"));
-    EXPECT_TRUE(Window().TreeEditsLabels());
+    EXPECT_TRUE(Window().Tree().EditsLabels());
 }
 
 TEST_F(Tree, NewAsksAboutUnsavedChangesOnce) {
@@ -263,20 +263,20 @@ TEST_F(Tree, NewAsksAboutUnsavedChangesOnce) {
 TEST_F(Tree, ADoubleClickStartsEditingTheSelectedLabel) {
     Open();
     Click("detail-5");
-    EXPECT_FALSE(Window().TreeEditsLabels());
-    Window().TreeDoubleClick();
+    EXPECT_FALSE(Window().Tree().EditsLabels());
+    Window().Tree().DoubleClick();
     EXPECT_EQ(view_.Count("edit label"), 1);
-    EXPECT_TRUE(Window().TreeEditsLabels());
-    EXPECT_TRUE(Window().TreeBeforeLabelEdit());
+    EXPECT_TRUE(Window().Tree().EditsLabels());
+    EXPECT_TRUE(Window().Tree().BeforeLabelEdit());
 }
 
 TEST_F(Tree, AUserWithoutTheRightRenamesNothing) {
     right_ = false;
     Open();
     Click("detail-5");
-    Window().TreeDoubleClick();
+    Window().Tree().DoubleClick();
     EXPECT_EQ(view_.Count("edit label"), 0);
-    EXPECT_FALSE(Window().TreeEditsLabels());
+    EXPECT_FALSE(Window().Tree().EditsLabels());
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
@@ -285,7 +285,7 @@ TEST_F(Tree, ADoubleClickAsksAboutUnsavedChangesFirst) {
     Click("detail-5");
     MakeDirty();
     Answer(MessageResult::Yes);  // refused
-    Window().TreeDoubleClick();
+    Window().Tree().DoubleClick();
     EXPECT_EQ(Messages()[0], kGate);
     EXPECT_EQ(view_.Count("edit label"), 0);
 }
@@ -298,7 +298,7 @@ TEST_F(Tree, ADoubleClickTakesWhatHasBeenTypedFirst) {
                 Rows({"FAccountID", "FNumber", "FName"}, {{1002, "1002", "银行存款"}}));
     Type(1, column::kAccountNumber, "1002");
     Answer(MessageResult::Yes);
-    Window().TreeDoubleClick();
+    Window().Tree().DoubleClick();
     EXPECT_THAT(Sent("exec pro_VchTpCanUsed")[0], HasSubstr(",1,1002,'1002','银行存款',"));
 }
 
@@ -316,11 +316,11 @@ TEST_F(Tree, AClickTakesWhatHasBeenTypedFirst) {
 
 TEST_F(Tree, TheRootAndTheStandardTemplateCannotBeRenamed) {
     Open();
-    EXPECT_FALSE(Window().TreeBeforeLabelEdit());
+    EXPECT_FALSE(Window().Tree().BeforeLabelEdit());
     Click("ROOT");
-    EXPECT_FALSE(Window().TreeBeforeLabelEdit());
+    EXPECT_FALSE(Window().Tree().BeforeLabelEdit());
     Click("detail-8");
-    EXPECT_TRUE(Window().TreeBeforeLabelEdit());
+    EXPECT_TRUE(Window().Tree().BeforeLabelEdit());
 }
 
 class Rename : public Tree {
@@ -328,7 +328,7 @@ class Rename : public Tree {
     void SetUp() override {
         Open();
         Click("detail-5");
-        Window().TreeDoubleClick();
+        Window().Tree().DoubleClick();
         Forget();
     }
 };
@@ -336,37 +336,37 @@ class Rename : public Tree {
 TEST_F(Rename, ABlankNameIsRefused) {
     for (const char* name : {"", "   "}) {
         Forget();
-        EXPECT_FALSE(Window().TreeAfterLabelEdit(name));
+        EXPECT_FALSE(Window().Tree().AfterLabelEdit(name));
         ExpectMessage(kEmptyName);
         EXPECT_THAT(set_.Statements(), IsEmpty());
-        EXPECT_FALSE(Window().TreeEditsLabels());
+        EXPECT_FALSE(Window().Tree().EditsLabels());
     }
 }
 
 TEST_F(Rename, ANameWithATabOrALineEndInItIsRefused) {
     for (const char* name : {"a\tb", "a\nb", "\x01"}) {
         Forget();
-        EXPECT_FALSE(Window().TreeAfterLabelEdit(name));
+        EXPECT_FALSE(Window().Tree().AfterLabelEdit(name));
         ExpectMessage("名称不能包含制表符、换行等控制字符，修改失败！");
         EXPECT_THAT(set_.Statements(), IsEmpty());
     }
 }
 
 TEST_F(Rename, TheLineEndOfACopiedNameIsNoPartOfIt) {
-    EXPECT_TRUE(Window().TreeAfterLabelEdit("月末结转\r\n"));
+    EXPECT_TRUE(Window().Tree().AfterLabelEdit("月末结转\r\n"));
     EXPECT_THAT(set_.Statements(),
                 testing::Contains("update t_VchTemplate set FName = '月末结转' where FID = 5"));
 }
 
 TEST_F(Rename, TheStandardTemplatesNameIsRefusedWithoutAQuestionToTheAccountSet) {
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("标准模板"));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("标准模板"));
     ExpectMessage(kDuplicateName);
     EXPECT_THAT(set_.Statements(), IsEmpty());
 }
 
 TEST_F(Rename, ANameThatTheUserAlreadyHasIsRefused) {
     set_.Answer("select FID from t_VchTemplate where FName = ", Rows({"FID"}, {{8}}));
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("自定义模板(2)"));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("自定义模板(2)"));
     ExpectMessage(kDuplicateName);
     EXPECT_THAT(set_.Statements(),
                 ElementsAre("select FID from t_VchTemplate where FName = '自定义模板(2)' and FUserID = 7"));
@@ -375,13 +375,13 @@ TEST_F(Rename, ANameThatTheUserAlreadyHasIsRefused) {
 
 TEST_F(Rename, ItsOwnNameCountsAsADuplicate) {
     set_.Answer("select FID from t_VchTemplate where FName = ", Rows({"FID"}, {{5}}));
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("自定义模板(1)"));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("自定义模板(1)"));
     ExpectMessage(kDuplicateName);
 }
 
 TEST_F(Rename, WritesTheNameAndOpensTheTemplateUnderIt) {
     lines_["5"] = {Line(1, "x")};
-    EXPECT_TRUE(Window().TreeAfterLabelEdit("月末结转"));
+    EXPECT_TRUE(Window().Tree().AfterLabelEdit("月末结转"));
     ASSERT_GE(set_.Statements().size(), 3U);
     EXPECT_EQ(set_.Statements()[0], "select FID from t_VchTemplate where FName = '月末结转' and FUserID = 7");
     // The one question whether the node still stands for this template.
@@ -395,21 +395,21 @@ TEST_F(Rename, WritesTheNameAndOpensTheTemplateUnderIt) {
 }
 
 TEST_F(Rename, TheNewNameIsTheOneThatALaterClickAndDeleteUse) {
-    EXPECT_TRUE(Window().TreeAfterLabelEdit("月末结转"));
+    EXPECT_TRUE(Window().Tree().AfterLabelEdit("月末结转"));
     Click("detail-0");
     Click("detail-5");
     EXPECT_EQ(view_.name, "月末结转");
 }
 
 TEST_F(Rename, TheLiteralDoublesApostrophesAndKeepsBlanks) {
-    EXPECT_TRUE(Window().TreeAfterLabelEdit(" a'b "));
+    EXPECT_TRUE(Window().Tree().AfterLabelEdit(" a'b "));
     EXPECT_EQ(set_.Statements()[0], "select FID from t_VchTemplate where FName = ' a''b ' and FUserID = 7");
     EXPECT_EQ(set_.Statements()[2], "update t_VchTemplate set FName = ' a''b ' where FID = 5");
 }
 
 TEST_F(Rename, AFailedUpdateIsToldAndTheOldLabelStays) {
     set_.Fail("update t_VchTemplate set FName", "too long");
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("月末结转"));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("月末结转"));
     ExpectMessage("too long");
     EXPECT_EQ(view_.tree[2].text, "自定义模板(1)");
     EXPECT_EQ(Window().TemplateName(), "自定义模板(1)");
@@ -417,14 +417,14 @@ TEST_F(Rename, AFailedUpdateIsToldAndTheOldLabelStays) {
 
 TEST_F(Rename, AFailedQuestionLeavesTheOldLabel) {
     set_.Fail("select FID from t_VchTemplate where FName = ", "gone");
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("月末结转"));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("月末结转"));
     EXPECT_THAT(Sent("update t_VchTemplate"), IsEmpty());
 }
 
 TEST_F(Rename, TheRootIsNeverRenamed) {
     Click("ROOT");
     Forget();
-    EXPECT_FALSE(Window().TreeAfterLabelEdit("新名称"));
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit("新名称"));
     EXPECT_THAT(Messages(), IsEmpty());
     EXPECT_THAT(set_.Statements(), IsEmpty());
 }

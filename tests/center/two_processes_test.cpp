@@ -50,19 +50,19 @@ class TwoProcesses : public testing::Test {
     }
     std::string NewTemplate(const std::string& name) {
         Window().ToolClick("mnuNew");
-        EXPECT_TRUE(Window().TreeAfterLabelEdit(name));
+        EXPECT_TRUE(Window().Tree().AfterLabelEdit(name));
         return Window().TemplateId();
     }
     void Type(int row, int gridColumn, const std::string& text) {
-        Window().MoveActiveCell({row, gridColumn});
-        ASSERT_EQ(Window().CommitText({row, gridColumn}, text), TextVerdict::Taken);
+        Window().Cells().MoveActiveCell({row, gridColumn});
+        ASSERT_EQ(Window().Cells().CommitText({row, gridColumn}, text), TextVerdict::Taken);
     }
     void TypeLine() {
         Type(1, column::kNo, "1");
         Type(1, column::kExplanation, "我的");
         Type(1, column::kDirection, "借");
         Type(1, column::kAccountNumber, "1001");
-        Window().MoveActiveCell({1, column::kFileCount});
+        Window().Cells().MoveActiveCell({1, column::kFileCount});
     }
     void Answer(MessageResult answer) { surroundings_.messageBoxes->answers.push_back(answer); }
     Texts TakeMessages() {
@@ -117,7 +117,7 @@ TEST_F(TwoProcesses, MineBecomesATemplateOfItsOwn) {
 }
 
 TEST_F(TwoProcesses, ATemplateSavedElsewhereIsNotOverwrittenInSilence) {
-    Window().TreeNodeClick("detail-1");
+    Window().Tree().NodeClick("detail-1");
     Type(1, column::kRemark, "我的备注");
     ASSERT_EQ(Elsewhere({"save", "日常费用"}, kOneLine), 0) << Said(folder_);
     Answer(MessageResult::No);
@@ -125,7 +125,7 @@ TEST_F(TwoProcesses, ATemplateSavedElsewhereIsNotOverwrittenInSilence) {
     EXPECT_FALSE(Window().Save());
     EXPECT_EQ(Value("select FExp from t_VchTemplateEntry where FID = 1"), "别处");
     EXPECT_EQ(Window().RowCount(), 1);
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_EQ(Window().RowCount(), 11);
     EXPECT_EQ(Window().Grid().Text(1, column::kRemark), "我的备注");
     TakeMessages();
@@ -134,7 +134,7 @@ TEST_F(TwoProcesses, ATemplateSavedElsewhereIsNotOverwrittenInSilence) {
 }
 
 TEST_F(TwoProcesses, NothingIsAskedWhenNothingHappened) {
-    Window().TreeNodeClick("detail-3");  // foreign currency, rates and amounts of every kind
+    Window().Tree().NodeClick("detail-3");  // foreign currency, rates and amounts of every kind
     Type(1, column::kRemark, "我的备注");
     EXPECT_TRUE(Window().Save());
     Type(1, column::kRemark, "再改");
@@ -216,16 +216,16 @@ TEST_F(OneName, TheStandardTemplateKeepsItsOwner) {
 // --- a save that is refused
 
 TEST_F(TwoProcesses, ASaveThatTheAccountSetRefusesKeepsWhatWasTyped) {
-    Window().TreeNodeClick("detail-1");
+    Window().Tree().NodeClick("detail-1");
     Type(1, column::kRemark, "我的备注");
     Type(2, column::kRemark, "第二行");
-    Window().MoveActiveCell({1, 1});
+    Window().Cells().MoveActiveCell({1, 1});
     // Beyond its column: the batch is refused as a whole.
     ASSERT_TRUE(Window().Grid().SetText(1, column::kExplanation, std::string(256, 'x')));
     Window().Save();
     EXPECT_EQ(Window().Grid().Text(1, column::kRemark), "附发票");
     EXPECT_TRUE(Window().IsDirty());
-    Window().Undo();
+    Window().Cells().Undo();
     EXPECT_EQ(Window().Grid().Text(1, column::kRemark), "我的备注");
     EXPECT_EQ(Window().Grid().Text(2, column::kRemark), "第二行");
     ASSERT_TRUE(Window().Grid().SetText(1, column::kExplanation, "短"));
@@ -268,9 +268,9 @@ TEST(KilledWindow, LeavesADraftThatTheNextOneOffers) {
         const auto session = host::RegisterHostComponents({host::FileConnectString(set), 1});
         auto* window = new frmVICenter(view, nullptr);  // killed with its process, never closed
         window->Load();
-        window->TreeNodeClick("detail-1");
-        window->MoveActiveCell({1, column::kRemark});
-        window->CommitText({1, column::kRemark}, "未保存");
+        window->Tree().NodeClick("detail-1");
+        window->Cells().MoveActiveCell({1, column::kRemark});
+        window->Cells().CommitText({1, column::kRemark}, "未保存");
         window->UserRests();
     });
     const auto session = host::RegisterHostComponents({host::FileConnectString(set), 1});

@@ -3,21 +3,26 @@
 // A stand-in that the grid's tests share: rules that do what a plain grid would.
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "center/editing/cell_rules.h"
+#include "automation/error.h"
+#include "center/editing/grid_actions.h"
 #include "center/grid/entry_grid.h"
-#include "ui/grid/grid_actions.h"
+#include "center/lookups/name_list_actions.h"
 
 namespace vicenter::ui::testing {
 
 // Rules of a grid without a template center: the cursor goes where it is sent, texts are taken.
-class PlainActions : public GridActions {
+class PlainActions : public center::GridActions, public center::NameListActions {
   public:
     explicit PlainActions(std::shared_ptr<center::EntryGrid> entryGrid) : grid(std::move(entryGrid)) {}
 
+    using GridActions::MoveActiveCell;
+    void GotFocus() override {}
+    void LostFocus() override {}
     void MoveActiveCell(const center::CellAddress& to, center::CursorMove how) override {
         moves.push_back(to);
         selecting = how == center::CursorMove::Selecting;
@@ -35,8 +40,15 @@ class PlainActions : public GridActions {
         }
         return keyCode == 45 || keyCode == 118;
     }
+    center::TextVerdict CommitText(const center::CellAddress& cell, const std::string& text) override {
+        if (failure) throw *failure;
+        const auto verdict = center::CheckTypedText(cell.column, text);
+        if (verdict == center::TextVerdict::Taken) grid->SetText(cell.row, cell.column, text);
+        return verdict;
+    }
+    std::string DescribeFault(const center::CellAddress&) override { return "科目不存在"; }
     void OpenLookUp() override { ++lookUps; }
-    int RowsInUse() override { return rowsInUse; }
+    int RowsInUse() const override { return rowsInUse; }
     void ClearCells(const center::CellSelection& selected) override {
         for (const center::ColumnRuns& column : center::SelectedCells(selected, *grid)) {
             for (const center::RowRun& run : column.rows) {
@@ -50,10 +62,12 @@ class PlainActions : public GridActions {
         return center::CopiedBlock(std::string(grid->Text(block.firstRow, block.firstColumn)),
                                    selected.wholeRows ? "rows" : "");
     }
-    void PasteBlock(const center::CellSelection& selected, const center::CopiedBlock& block) override {
+    center::PasteResult PasteBlock(const center::CellSelection& selected,
+                                   const center::CopiedBlock& block) override {
         pastedAt = selected;
         pasted = block.text;
         pastedRows = block.rows;
+        return {};
     }
     void FillDown(const center::CellSelection& selected) override { filled = selected; }
     void DuplicateRows(const center::CellSelection& selected) override {
@@ -65,19 +79,24 @@ class PlainActions : public GridActions {
         ++deletes;
         deleted = selected;
     }
+    bool CanUndo() const override { return false; }
+    bool CanRedo() const override { return false; }
     void Undo() override { ++undos; }
     void Redo() override { ++redos; }
-    bool IsNameListOpen() override { return listOpen; }
-    void NameListKey(const std::string& typedText) override { typed.push_back(typedText); }
-    void NameListMove(int steps) override { listMoves += steps; }
-    bool NameListTake() override {
+    bool IsOpen() const override { return listOpen; }
+    void TextTyped(const std::string& typedText) override { typed.push_back(typedText); }
+    void Move(int steps) override { listMoves += steps; }
+    bool Take() override {
         listOpen = false;
         if (listTakes) grid->SetText(grid->ActiveCell().row, grid->ActiveCell().column, "chosen");
         return listTakes;
     }
-    void NameListClose() override { listOpen = false; }
+    void Prepare() override {}
+    void Select(int) override {}
+    void Close() override { listOpen = false; }
 
     std::shared_ptr<center::EntryGrid> grid;
+    std::optional<automation::Error> failure;  // of every text that is committed
     std::vector<center::CellAddress> moves;
     center::CellAddress sendTo{0, 0};  // where every move ends up, when set
     bool selecting = false;

@@ -5,27 +5,21 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/ui/fakes.h"
+
 namespace vicenter::ui {
 namespace {
 
 class GridModelTest : public ::testing::Test {
   protected:
-    GridModelTest() {
-        grid->SetRowTotal(100);
-        hooks.commit = [this](const center::CellAddress& cell, const std::string& text) {
-            const auto verdict = center::CheckTypedText(cell.column, text);
-            if (verdict == center::TextVerdict::Taken) grid->SetText(cell.row, cell.column, text);
-            return verdict;
-        };
-        hooks.describeFault = [](const center::CellAddress&) { return std::string("科目不存在"); };
-    }
+    GridModelTest() { grid->SetRowTotal(100); }
 
     std::shared_ptr<center::EntryGrid> grid = std::make_shared<center::EntryGrid>();
-    GridModel::Hooks hooks;
+    testing::PlainActions actions{grid};
 };
 
 TEST_F(GridModelTest, StandsUpToTheModelTesterThroughEveryKindOfChange) {
-    GridModel model(grid, hooks);
+    GridModel model(grid, actions);
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
     grid->SetText(1, 2, "收到货款");
     grid->InsertRows(1, 3);
@@ -43,7 +37,7 @@ TEST_F(GridModelTest, StandsUpToTheModelTesterThroughEveryKindOfChange) {
 }
 
 TEST_F(GridModelTest, ShowsDisplayTextsAndEditsPlainOnes) {
-    GridModel model(grid, hooks);
+    GridModel model(grid, actions);
     grid->SetText(1, 20, "1234567.5");
     const QModelIndex amount = model.IndexOf({1, 20});
     EXPECT_EQ(amount.data(Qt::DisplayRole).toString(), "1,234,567.50");
@@ -53,7 +47,7 @@ TEST_F(GridModelTest, ShowsDisplayTextsAndEditsPlainOnes) {
 }
 
 TEST_F(GridModelTest, NamesColumnsAsTheWorkbookDoesAndNumbersRows) {
-    GridModel model(grid, hooks);
+    GridModel model(grid, actions);
     EXPECT_EQ(model.headerData(0, Qt::Horizontal).toString(), "模板编号(*)");
     EXPECT_EQ(model.headerData(4, Qt::Horizontal).toString(), "科目代码(*)");
     EXPECT_EQ(model.headerData(20, Qt::Horizontal).toString(), "备注");
@@ -61,7 +55,7 @@ TEST_F(GridModelTest, NamesColumnsAsTheWorkbookDoesAndNumbersRows) {
 }
 
 TEST_F(GridModelTest, LockedIdColumnsAreNotEditable) {
-    GridModel model(grid, hooks);
+    GridModel model(grid, actions);
     for (int column = 1; column <= 21; ++column) {
         const bool locked = column == 4 || column == 8 || column == 12 || column == 16;
         EXPECT_EQ(model.flags(model.IndexOf({1, column})).testFlag(Qt::ItemIsEditable), !locked) << column;
@@ -69,7 +63,7 @@ TEST_F(GridModelTest, LockedIdColumnsAreNotEditable) {
 }
 
 TEST_F(GridModelTest, NothingIsEditableOnceTheGridIsNotInteractive) {
-    GridModel model(grid, hooks);
+    GridModel model(grid, actions);
     model.SetInteractive(false);
     EXPECT_FALSE(model.flags(model.IndexOf({1, 2})).testFlag(Qt::ItemIsEditable));
     EXPECT_FALSE(model.setData(model.IndexOf({1, 2}), "x"));
@@ -77,7 +71,7 @@ TEST_F(GridModelTest, NothingIsEditableOnceTheGridIsNotInteractive) {
 }
 
 TEST_F(GridModelTest, FaultyCellsAreRedAndSayWhy) {
-    GridModel model(grid, hooks);
+    GridModel model(grid, actions);
     grid->SetText(3, 5, "9999");
     const QModelIndex cell = model.IndexOf({3, 5});
     EXPECT_FALSE(cell.data(Qt::ForegroundRole).isValid());
@@ -96,7 +90,7 @@ TEST_F(GridModelTest, GridColoursAreBlueGreenRed) {
 }
 
 TEST_F(GridModelTest, ARefusedTextIsReportedAndLeavesTheCell) {
-    GridModel model(grid, hooks);
+    GridModel model(grid, actions);
     QSignalSpy refused(&model, &GridModel::textRefused);
     EXPECT_FALSE(model.setData(model.IndexOf({1, 20}), "."));
     EXPECT_FALSE(model.setData(model.IndexOf({1, 20}), "x"));
@@ -106,10 +100,8 @@ TEST_F(GridModelTest, ARefusedTextIsReportedAndLeavesTheCell) {
 }
 
 TEST_F(GridModelTest, FailuresOfTheRulesStayBehindTheModel) {
-    hooks.commit = [](const center::CellAddress&, const std::string&) -> center::TextVerdict {
-        throw automation::Error(13);
-    };
-    GridModel model(grid, hooks);
+    actions.failure = automation::Error(13);
+    GridModel model(grid, actions);
     EXPECT_FALSE(model.setData(model.IndexOf({1, 2}), "x"));
 }
 

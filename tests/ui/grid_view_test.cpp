@@ -31,13 +31,8 @@ class GridViewTest : public ::testing::Test {
         grid->SetRowTotal(100);
         for (const int column : {4, 8, 12, 16})
             grid->SetColumnHidden(column, true);
-        hooks.commit = [this](const center::CellAddress& cell, const std::string& text) {
-            const auto verdict = center::CheckTypedText(cell.column, text);
-            if (verdict == center::TextVerdict::Taken) grid->SetText(cell.row, cell.column, text);
-            return verdict;
-        };
-        model = std::make_unique<GridModel>(grid, hooks);
-        view = std::make_unique<GridView>(*model, actions);
+        model = std::make_unique<GridModel>(grid, actions);
+        view = std::make_unique<GridView>(*model, actions, actions);
         view->resize(900, 400);
         view->show();
         view->activateWindow();
@@ -90,7 +85,6 @@ class GridViewTest : public ::testing::Test {
 
     std::shared_ptr<center::EntryGrid> grid = std::make_shared<center::EntryGrid>();
     PlainActions actions{grid};
-    GridModel::Hooks hooks;
     std::unique_ptr<GridModel> model;
     std::unique_ptr<GridView> view;
 };

@@ -180,7 +180,7 @@ TEST_F(KeyboardAreasTest, ATextThatItsColumnCutsOffIsShownAsATooltip) {
     };
     MoveTo(3, 1);
     const std::string text = "支付 <b> 房租";
-    window->Presenter().CommitText({1, 2}, text);
+    window->Presenter().Cells().CommitText({1, 2}, text);
     EXPECT_EQ(tip(), "");
     Grid().setColumnWidth(1, 40);
     EXPECT_THAT(tip().toStdString(), HasSubstr("支付 &lt;b&gt; 房租"));

@@ -285,20 +285,20 @@ TEST_F(SelectionWayTest, SelectedAmountsAreSummedWithoutThoseBetween) {
     OpenTemplate("日常费用");
     ShowColumn(column::kAmount);
     const auto type = [this](int row, const char* amount) {
-        window->Presenter().CommitText({row, column::kAmount}, amount);
+        window->Presenter().Cells().CommitText({row, column::kAmount}, amount);
     };
     type(1, "30000");
     type(2, "1900");
     type(3, "33900");
-    window->Presenter().CommitText({1, column::kDirection}, "借");
-    window->Presenter().CommitText({3, column::kDirection}, "借");
+    window->Presenter().Cells().CommitText({1, column::kDirection}, "借");
+    window->Presenter().Cells().CommitText({3, column::kDirection}, "借");
     Click(1, column::kNo);
     Press(Qt::Key_End);
     window->Grid().scrollTo(window->Grid().Model().IndexOf({1, column::kAmount}));
     Click(1, column::kAmount);
     Click(3, column::kAmount, Qt::ControlModifier);
     EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 63,900");
-    window->Presenter().CommitText({3, column::kDirection}, "贷");
+    window->Presenter().Cells().CommitText({3, column::kDirection}, "贷");
     Click(3, column::kAmount, Qt::ControlModifier);
     Click(3, column::kAmount, Qt::ControlModifier);
     EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 借 30,000　贷 33,900");

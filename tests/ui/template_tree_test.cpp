@@ -12,9 +12,11 @@
 namespace vicenter::ui {
 namespace {
 
-class RecordedTreeActions : public TreeActions {
+class RecordedTreeActions : public center::TreeActions {
   public:
-    std::vector<TreeMenuItem> MenuItems() override { return menu; }
+    void GotFocus() override {}
+    void LostFocus() override {}
+    std::vector<center::TreeMenuItem> MenuItems() override { return menu; }
     void NodeClick(const std::string& key) override { clicks.push_back(key); }
     void DoubleClick() override {
         ++doubleClicks;
@@ -29,7 +31,7 @@ class RecordedTreeActions : public TreeActions {
     void DeleteSelected() override { ++deletes; }
 
     TemplateTree* tree = nullptr;
-    std::vector<TreeMenuItem> menu;
+    std::vector<center::TreeMenuItem> menu;
     std::vector<std::string> clicks;
     std::vector<std::string> labels;
     int doubleClicks = 0;

@@ -12,8 +12,8 @@ QColor FromGridColor(std::int32_t value) {
     return QColor(value & 0xFF, (value >> 8) & 0xFF, (value >> 16) & 0xFF);
 }
 
-GridModel::GridModel(std::shared_ptr<center::EntryGrid> grid, Hooks hooks, QObject* parent)
-    : QAbstractTableModel(parent), grid_(std::move(grid)), hooks_(std::move(hooks)) {
+GridModel::GridModel(std::shared_ptr<center::EntryGrid> grid, center::GridActions& actions, QObject* parent)
+    : QAbstractTableModel(parent), grid_(std::move(grid)), actions_(actions) {
     grid_->AddObserver(*this);
 }
 
@@ -58,8 +58,8 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         case Qt::ToolTipRole: {
             const bool sound = grid_->FaultyCheck(cell.row, cell.column) == 0 &&
                                center::OwnVerdict(*grid_, cell) == center::TextVerdict::Taken;
-            if (sound || !hooks_.describeFault) return {};
-            const std::string why = GuardedOr(std::string(), [&] { return hooks_.describeFault(cell); });
+            if (sound) return {};
+            const std::string why = GuardedOr(std::string(), [&] { return actions_.DescribeFault(cell); });
             return why.empty() ? QVariant() : QVariant(ToQtLines(why));
         }
         default:
@@ -68,12 +68,13 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
 }
 
 bool GridModel::setData(const QModelIndex& index, const QVariant& value, int role) {
-    if (role != Qt::EditRole || !hooks_.commit || !(flags(index) & Qt::ItemIsEditable)) return false;
+    if (role != Qt::EditRole || !(flags(index) & Qt::ItemIsEditable)) return false;
     const center::CellAddress cell = AddressOf(index);
     const std::string text = FromQt(value.toString());
     if (text == grid_->Text(cell.row, cell.column))
         return true;  // opening and closing an editor changes nothing
-    const auto verdict = GuardedOr(center::TextVerdict::Locked, [&] { return hooks_.commit(cell, text); });
+    const auto verdict =
+        GuardedOr(center::TextVerdict::Locked, [&] { return actions_.CommitText(cell, text); });
     if (verdict == center::TextVerdict::Taken) return true;
     // What stays in its cell says there why it is red.
     if (grid_->Refusal(cell.row, cell.column) != center::TextVerdict::Taken) return false;
@@ -96,8 +97,7 @@ QVariant GridModel::headerData(int section, Qt::Orientation orientation, int rol
 Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::NoItemFlags;
     Qt::ItemFlags result = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
-    if (interactive_ && hooks_.commit && !center::Column(index.column() + 1).locked)
-        result |= Qt::ItemIsEditable;
+    if (interactive_ && !center::Column(index.column() + 1).locked) result |= Qt::ItemIsEditable;
     return result;
 }
 

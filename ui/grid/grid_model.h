@@ -3,16 +3,15 @@
 // The entry grid as an item model.
 //
 // It keeps nothing of its own: every answer comes from the EntryGrid, so 100,000 rows cost what the grid
-// costs. Model columns count from 0, the grid's from 1. Shares the grid; the hooks must outlive the model.
+// costs. Model columns count from 0, the grid's from 1. Shares the grid; the actions must outlive the model.
 // User-interface thread only.
 
 #include <QAbstractTableModel>
 #include <QColor>
-#include <functional>
 #include <memory>
 #include <string>
 
-#include "center/editing/cell_rules.h"
+#include "center/editing/grid_actions.h"
 #include "center/grid/entry_grid.h"
 
 namespace vicenter::ui {
@@ -24,14 +23,8 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
     Q_OBJECT
 
   public:
-    struct Hooks {
-        // The user's text for a cell. Without it the model is read-only.
-        std::function<center::TextVerdict(const center::CellAddress&, const std::string&)> commit;
-        // Why a cell is red; the empty text for a sound one.
-        std::function<std::string(const center::CellAddress&)> describeFault;
-    };
-
-    GridModel(std::shared_ptr<center::EntryGrid> grid, Hooks hooks, QObject* parent = nullptr);
+    GridModel(std::shared_ptr<center::EntryGrid> grid, center::GridActions& actions,
+              QObject* parent = nullptr);
     ~GridModel() override;
 
     center::EntryGrid& Grid() const { return *grid_; }
@@ -78,7 +71,7 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
     void EmitChanged(const center::CellRange& range, const QList<int>& roles);
 
     std::shared_ptr<center::EntryGrid> grid_;
-    Hooks hooks_;
+    center::GridActions& actions_;
     bool changingRows_ = false;
     bool interactive_ = true;
 };

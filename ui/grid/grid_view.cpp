@@ -38,10 +38,12 @@ class FlagScope {
 
 }  // namespace
 
-GridView::GridView(GridModel& model, GridActions& actions, QWidget* parent)
+GridView::GridView(GridModel& model, center::GridActions& actions, center::NameListActions& names,
+                   QWidget* parent)
     : QTableView(parent),
       model_(model),
       actions_(actions),
+      names_(names),
       columns_(new GridHeader(Qt::Horizontal, this)),
       rows_(new GridHeader(Qt::Vertical, this)) {
     setObjectName(QStringLiteral("vsEntrys"));
@@ -118,7 +120,7 @@ void GridView::CommitOpenEditor() {
 
 void GridView::FinishEditing(QWidget* editor) {
     Composition::Finish(*editor);
-    Guarded([&] { actions_.NameListClose(); });
+    Guarded([&] { names_.Close(); });
     commitData(editor);
     closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
@@ -299,13 +301,13 @@ bool GridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event
 
 void GridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
     QTableView::closeEditor(editor, hint);
-    Guarded([&] { actions_.NameListClose(); });
+    Guarded([&] { names_.Close(); });
     emit editingChanged(false);
 }
 
 void GridView::EditorTextEdited(const QString& text) {
     emit textTaken();
-    Guarded([&] { actions_.NameListKey(FromQt(text)); });
+    Guarded([&] { names_.TextTyped(FromQt(text)); });
 }
 
 void GridView::mousePressEvent(QMouseEvent* event) {

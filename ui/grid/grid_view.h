@@ -9,7 +9,8 @@
 
 #include <QTableView>
 
-#include "ui/grid/grid_actions.h"
+#include "center/editing/grid_actions.h"
+#include "center/lookups/name_list_actions.h"
 #include "ui/grid/grid_header.h"
 #include "ui/grid/grid_model.h"
 
@@ -19,7 +20,8 @@ class GridView : public QTableView {
     Q_OBJECT
 
   public:
-    GridView(GridModel& model, GridActions& actions, QWidget* parent = nullptr);
+    GridView(GridModel& model, center::GridActions& actions, center::NameListActions& names,
+             QWidget* parent = nullptr);
 
     GridModel& Model() const { return model_; }
     bool IsInteractive() const { return model_.IsInteractive(); }
@@ -109,7 +111,8 @@ class GridView : public QTableView {
     int LastVisibleColumn() const;
 
     GridModel& model_;
-    GridActions& actions_;
+    center::GridActions& actions_;
+    center::NameListActions& names_;
     GridHeader* columns_;
     GridHeader* rows_;
     bool following_ = false;        // the view follows the grid's active cell, not the other way round

@@ -8,6 +8,7 @@
 #include <QMimeData>
 #include <algorithm>
 
+#include "center/frame/key_code.h"
 #include "ui/grid/cell_editor.h"
 #include "ui/grid/grid_view.h"
 #include "ui/grid/key_codes.h"
@@ -16,10 +17,10 @@
 
 namespace vicenter::ui {
 
+namespace key_code = center::key_code;
+
 namespace {
 
-constexpr int kInsertCode = 45;
-constexpr int kF7Code = 118;
 constexpr int kListPage = 8;
 
 // Whole rows on the clipboard, for windows of this process: ids of another account set would mean others.
@@ -287,27 +288,27 @@ void GridView::keyPressEvent(QKeyEvent* event) {
 }
 
 bool GridView::HandleNameListKey(QWidget& editor, const QKeyEvent& event) {
-    if (!GuardedOr(false, [&] { return actions_.IsNameListOpen(); })) return false;
+    if (!GuardedOr(false, [&] { return names_.IsOpen(); })) return false;
     switch (event.key()) {
         case Qt::Key_Up:
-            Guarded([&] { actions_.NameListMove(-1); });
+            Guarded([&] { names_.Move(-1); });
             return true;
         case Qt::Key_Down:
-            Guarded([&] { actions_.NameListMove(1); });
+            Guarded([&] { names_.Move(1); });
             return true;
         case Qt::Key_PageUp:
-            Guarded([&] { actions_.NameListMove(-kListPage); });
+            Guarded([&] { names_.Move(-kListPage); });
             return true;
         case Qt::Key_PageDown:
-            Guarded([&] { actions_.NameListMove(kListPage); });
+            Guarded([&] { names_.Move(kListPage); });
             return true;
         case Qt::Key_Escape:
-            Guarded([&] { actions_.NameListClose(); });
+            Guarded([&] { names_.Close(); });
             return true;
         case Qt::Key_Return:
         case Qt::Key_Enter:
         case Qt::Key_Tab: {
-            const bool taken = GuardedOr(false, [&] { return actions_.NameListTake(); });
+            const bool taken = GuardedOr(false, [&] { return names_.Take(); });
             if (!taken) return false;
             // The choice is in the row already; what was typed goes with the editor.
             closeEditor(&editor, QAbstractItemDelegate::RevertModelCache);
@@ -362,7 +363,7 @@ bool GridView::EditorKeyPressed(QWidget& editor, QKeyEvent& event) {
         field->SetOpenedByTyping(false);
         return true;
     }
-    if (code == kInsertCode || code == kF7Code) {
+    if (code == key_code::kInsert || code == key_code::kF7) {
         FinishEditing(&editor);
         const center::CellAddress cell = model_.AddressOf(currentIndex());
         Guarded([&] { actions_.KeyDown(code, std::string(model_.Grid().Text(cell.row, cell.column))); });

@@ -87,7 +87,7 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
     bool entered_ = false;
 };
 
-TemplateTree::TemplateTree(TreeActions& actions, QWidget* parent)
+TemplateTree::TemplateTree(center::TreeActions& actions, QWidget* parent)
     : QTreeWidget(parent), actions_(actions), labels_(new LabelDelegate(this)) {
     setObjectName(QStringLiteral("trv"));
     setHeaderHidden(true);
@@ -261,12 +261,12 @@ void TemplateTree::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void TemplateTree::contextMenuEvent(QContextMenuEvent* event) {
-    std::vector<TreeMenuItem> items;
+    std::vector<center::TreeMenuItem> items;
     Guarded([&] { items = actions_.MenuItems(); });
     if (items.empty() || IsEditingLabel()) return;
     QMenu menu(this);
     menu.setObjectName(QStringLiteral("treeMenu"));
-    for (const TreeMenuItem& item : items)
+    for (const center::TreeMenuItem& item : items)
         menu.addAction(ToQt(item.text))->setObjectName(ToQt(item.name));
     // What was chosen runs when the menu is gone: it may ask for a file.
     const QAction* chosen = menu.exec(event->globalPos());

@@ -5,39 +5,20 @@
 
 #include <QPersistentModelIndex>
 #include <QTreeWidget>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "center/frame/vicenter_view.h"
+#include "center/tree/tree_actions.h"
 
 namespace vicenter::ui {
-
-struct TreeMenuItem {
-    std::string name;  // of the action
-    std::string text;
-    std::function<void()> run;
-};
-
-class TreeActions {
-  public:
-    virtual ~TreeActions() = default;
-    virtual void NodeClick(const std::string& key) = 0;
-    virtual void DoubleClick() = 0;
-    virtual bool BeforeLabelEdit() = 0;                           // false: no edit
-    virtual bool AfterLabelEdit(const std::string& newText) = 0;  // false: the old label comes back
-    virtual bool EditsLabels() = 0;  // a click on the selected node edits its label
-    virtual void DeleteSelected() = 0;
-    // What the tree's menu offers beside the commands of the band; nothing: no menu.
-    virtual std::vector<TreeMenuItem> MenuItems() { return {}; }
-};
 
 class TemplateTree : public QTreeWidget {
     Q_OBJECT
 
   public:
-    TemplateTree(TreeActions& actions, QWidget* parent = nullptr);
+    TemplateTree(center::TreeActions& actions, QWidget* parent = nullptr);
 
     void SetNodes(const std::vector<center::TreeNode>& nodes);
     void AddNode(const center::TreeNode& node);
@@ -69,7 +50,7 @@ class TemplateTree : public QTreeWidget {
     QTreeWidgetItem* MakeItem(const center::TreeNode& node) const;
     void FinishLabel();
 
-    TreeActions& actions_;
+    center::TreeActions& actions_;
     LabelDelegate* labels_;
     QPersistentModelIndex pressed_;
     bool pressedSelected_ = false;

@@ -73,8 +73,8 @@ VICenterWindow::VICenterWindow(std::shared_ptr<center::TemplateCommands> command
     setWindowTitle(QStringLiteral("凭证模板"));
     setWindowIcon(NamedIcon(QStringLiteral("app")));
     setContextMenuPolicy(Qt::NoContextMenu);
-    BuildWidgets();
     presenter_ = std::make_unique<center::frmVICenter>(*this, commands_.get());
+    BuildWidgets();
     BuildGrid();
     ConnectItemPanel();
     resize(TwipsToPixels(kDesignedWidth * 15, *this), TwipsToPixels(kDesignedHeight * 15, *this));
@@ -88,6 +88,8 @@ VICenterWindow::~VICenterWindow() {
     qApp->removeEventFilter(this);
     disconnect(qApp, nullptr, this, nullptr);
     unloaded_ = true;
+    // Those that ask the presenter go before it.
+    delete tree_;
     delete grid_;
     delete model_;
 }
@@ -105,7 +107,7 @@ void VICenterWindow::BuildWidgets() {
     inner->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     inner->installEventFilter(this);
     setCentralWidget(inner);
-    tree_ = new TemplateTree(*this, inner);
+    tree_ = new TemplateTree(presenter_->Tree(), inner);
 
     panel_ = new QFrame(inner);
     panel_->setObjectName(QStringLiteral("picGrid"));
@@ -133,13 +135,9 @@ void VICenterWindow::BuildWidgets() {
 }
 
 void VICenterWindow::BuildGrid() {
-    GridModel::Hooks hooks;
-    hooks.commit = [this](const center::CellAddress& cell, const std::string& text) {
-        return presenter_->CommitText(cell, text);
-    };
-    hooks.describeFault = [this](const center::CellAddress& cell) { return presenter_->DescribeFault(cell); };
-    model_ = new GridModel(presenter_->GridObject(), std::move(hooks), this);
-    grid_ = new GridView(*model_, *this, panel_);
+    center::GridActions& cells = presenter_->Cells();
+    model_ = new GridModel(presenter_->GridObject(), cells, this);
+    grid_ = new GridView(*model_, cells, presenter_->Names(), panel_);
     connect(grid_, &GridView::contentsMoved, this, &VICenterWindow::PlaceOverlays);
     connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
     pause_ = new QTimer(this);
@@ -166,25 +164,24 @@ void VICenterWindow::BuildGrid() {
     connect(model_, &GridModel::activeCellChanged, status_, &StatusLine::EndFlash);
     connect(nameList_, &NameListPopup::chosen, this, [this](int index) {
         Guarded([&] {
-            presenter_->NameListSelect(index);
-            if (presenter_->NameListTake()) grid_->DropOpenEditor();
+            presenter_->Names().Select(index);
+            if (presenter_->Names().Take()) grid_->DropOpenEditor();
         });
     });
 }
 
 void VICenterWindow::ConnectItemPanel() {
-    connect(items_, &ItemPanel::toggled, this,
-            [this] { Guarded([this] { presenter_->ToggleItemPanel(); }); });
+    connect(items_, &ItemPanel::toggled, this, [this] { Guarded([this] { presenter_->Items().Toggle(); }); });
     connect(items_, &ItemPanel::textCommitted, this,
-            [this](const QString& text) { Guarded([&] { presenter_->CommitItemText(FromQt(text)); }); });
+            [this](const QString& text) { Guarded([&] { presenter_->Items().CommitText(FromQt(text)); }); });
     connect(items_, &ItemPanel::numberCommitted, this, [this](int row, const QString& number) {
-        Guarded([&] { presenter_->CommitItemNumber(static_cast<std::size_t>(row), FromQt(number)); });
+        Guarded([&] { presenter_->Items().CommitNumber(static_cast<std::size_t>(row), FromQt(number)); });
     });
     connect(items_, &ItemPanel::lookUpRequested, this,
-            [this](int row) { Guarded([&] { presenter_->LookUpItem(static_cast<std::size_t>(row)); }); });
+            [this](int row) { Guarded([&] { presenter_->Items().LookUp(static_cast<std::size_t>(row)); }); });
     connect(items_, &ItemPanel::leaveRequested, this, [this] { grid_->setFocus(Qt::OtherFocusReason); });
     connect(grid_, &GridView::itemPanelRequested, this,
-            [this] { Guarded([this] { presenter_->ToggleItemPanel(); }); });
+            [this] { Guarded([this] { presenter_->Items().Toggle(); }); });
 }
 
 void VICenterWindow::Open() {
@@ -215,6 +212,12 @@ void VICenterWindow::CloseWindow() {
     close();
 }
 
+void VICenterWindow::CommitTyping() {
+    grid_->CommitOpenEditor();
+    items_->CommitTyping();
+    tree_->EndLabelEdit();
+}
+
 void VICenterWindow::closeEvent(QCloseEvent* event) {
     if (progress_->IsPolling()) {
         event->ignore();  // a command is under way
@@ -222,9 +225,6 @@ void VICenterWindow::closeEvent(QCloseEvent* event) {
     }
     event->accept();
     if (unloaded_ || !loaded_) return;
-    // What is still being typed belongs to the draft.
-    if (grid_) grid_->CommitOpenEditor();
-    items_->CommitTyping();
     unloaded_ = true;
     Guarded([this] { presenter_->Unload(); });
 }
@@ -240,11 +240,7 @@ void VICenterWindow::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
     // After the drag has ended: the import may ask questions.
     QMetaObject::invokeMethod(
-        this,
-        [this, file] {
-            CommitTyping();
-            Guarded([&] { presenter_->FileDropped(FromQt(file)); });
-        },
+        this, [this, file] { Guarded([&] { presenter_->FileDropped(FromQt(file)); }); },
         Qt::QueuedConnection);
 }
 
@@ -352,23 +348,15 @@ void VICenterWindow::FocusMoved(QWidget* now) {
     if (next == zone_) return;
     const Zone before = std::exchange(zone_, next);
     Guarded([&] {
-        if (before == Zone::Tree) presenter_->TreeLostFocus();
-        if (before == Zone::Grid) presenter_->GridLostFocus();
-        if (next == Zone::Tree) presenter_->TreeGotFocus();
-        if (next == Zone::Grid) presenter_->GridGotFocus();
+        if (before == Zone::Tree) presenter_->Tree().LostFocus();
+        if (before == Zone::Grid) presenter_->Cells().LostFocus();
+        if (next == Zone::Tree) presenter_->Tree().GotFocus();
+        if (next == Zone::Grid) presenter_->Cells().GotFocus();
     });
     grid_->viewport()->update();
 }
 
-// What is being typed belongs to the cell, the items or the label before a command looks at them.
-void VICenterWindow::CommitTyping() {
-    grid_->CommitOpenEditor();
-    items_->CommitTyping();
-    tree_->EndLabelEdit();
-}
-
 void VICenterWindow::ClickTool(const QString& key) {
-    CommitTyping();
     Guarded([&] { presenter_->ToolClick(FromQt(key)); });
 }
 
@@ -379,7 +367,7 @@ void VICenterWindow::PrepareNameLists() {
         pause_->start();
         return;
     }
-    Guarded([this] { presenter_->PrepareNameLists(); });
+    Guarded([this] { presenter_->Names().Prepare(); });
 }
 
 // Whoever types without a rest is kept from time to time all the same.

@@ -2,8 +2,9 @@
 
 // The main window `frmVICenter` on Qt.
 //
-// A window owns its presenter and its widgets and, once opened, itself: closing deletes it. It forwards
-// events to the presenter and shows what arrives through VICenterView; the grid's contents it observes.
+// A window owns its presenter and its widgets and, once opened, itself: closing deletes it. Grid, tree, panel
+// and list ask the presenter's facets themselves; the window forwards its own events, shows what arrives
+// through VICenterView and lays out. The grid's contents it observes.
 // Several windows live side by side. No exception leaves it towards Qt. User-interface thread only.
 
 #include <QElapsedTimer>
@@ -17,7 +18,6 @@
 
 #include "center/frame/frm_vi_center.h"
 #include "platform/system/collation.h"
-#include "ui/grid/grid_actions.h"
 #include "ui/grid/grid_model.h"
 #include "ui/grid/grid_view.h"
 #include "ui/panels/item_panel.h"
@@ -29,10 +29,7 @@
 
 namespace vicenter::ui {
 
-class VICenterWindow : public QMainWindow,
-                       public center::VICenterView,
-                       private GridActions,
-                       private TreeActions {
+class VICenterWindow : public QMainWindow, public center::VICenterView {
     Q_OBJECT
 
   public:
@@ -71,14 +68,13 @@ class VICenterWindow : public QMainWindow,
     void KeepDraft();
     Zone ZoneOf(const QWidget* widget) const;
     void ClickTool(const QString& key);
-    void CommitTyping();
-    void ShowRefused(const center::PasteResult& result);
     QRect CellOverlayRect(const center::CellAddress& cell) const;
     QRect ActiveRowOnScreen() const;
 
     // VICenterView
     void ShowModeless() override;
     void CloseWindow() override;
+    void CommitTyping() override;
     void SetTree(const std::vector<center::TreeNode>& nodes) override;
     void AddTreeNode(const center::TreeNode& node) override;
     void RemoveTreeNode(const std::string& key) override;
@@ -98,37 +94,6 @@ class VICenterWindow : public QMainWindow,
     void PlaceProgressFrame(const center::Position& position) override;
     void ShowFindDialog(dialogs::FrmSearch& dialog) override;
     void ShowColumnDialog(dialogs::frmSetColume& dialog) override;
-
-    // GridActions
-    void MoveActiveCell(const center::CellAddress& to, center::CursorMove how) override;
-    void SelectionChanged(const center::CellSelection& selection) override;
-    bool KeyPress(char32_t character) override;
-    bool KeyDown(int keyCode, const std::string& cellText) override;
-    void OpenLookUp() override;
-    int RowsInUse() override;
-    void ClearCells(const center::CellSelection& selection) override;
-    std::optional<center::CopiedBlock> CopyBlock(const center::CellSelection& selection) override;
-    void PasteBlock(const center::CellSelection& selection, const center::CopiedBlock& block) override;
-    void FillDown(const center::CellSelection& selection) override;
-    void DuplicateRows(const center::CellSelection& selection) override;
-    void InsertRows(const center::CellSelection& selection) override;
-    void DeleteRows(const center::CellSelection& selection) override;
-    void Undo() override;
-    void Redo() override;
-    bool IsNameListOpen() override;
-    void NameListKey(const std::string& typedText) override;
-    void NameListMove(int steps) override;
-    bool NameListTake() override;
-    void NameListClose() override;
-
-    // TreeActions
-    void NodeClick(const std::string& key) override;
-    void DoubleClick() override;
-    bool BeforeLabelEdit() override;
-    bool AfterLabelEdit(const std::string& newText) override;
-    bool EditsLabels() override;
-    void DeleteSelected() override;
-    std::vector<TreeMenuItem> MenuItems() override;
 
     // Declared last to first use: the presenter goes before the widgets that it speaks to.
     std::shared_ptr<center::TemplateCommands> commands_;

@@ -1,13 +1,13 @@
 // Offering what windows that are gone have left unsaved.
 
-#include "center/frame/frm_vi_center_parts.h"
+#include "center/frame/window_parts.h"
 
 namespace vicenter::center {
 
 using system::MessageButtons;
 using system::MessageResult;
 
-void frmVICenter::Parts::OfferDraftOfOpenTemplate() {
+void WindowParts::OfferDraftOfOpenTemplate() {
     if (!offersDrafts || !editing.CanEdit() || !state.IsOpen() || state.dirty) return;
     for (const FoundDraft& found : drafts.LeftBehind()) {
         if (found.draft.templateId != state.templateId) continue;
@@ -16,13 +16,13 @@ void frmVICenter::Parts::OfferDraftOfOpenTemplate() {
     }
 }
 
-void frmVICenter::Parts::OfferNewestDraft() {
+void WindowParts::OfferNewestDraft() {
     if (!offersDrafts || !editing.CanEdit() || state.dirty) return;
     const std::vector<FoundDraft> left = drafts.LeftBehind();
     if (!left.empty()) OfferDraft(left.front());
 }
 
-void frmVICenter::Parts::OfferDraft(const FoundDraft& found) {
+void WindowParts::OfferDraft(const FoundDraft& found) {
     const Draft& draft = found.draft;
     const std::string key = tree.KeyOfTemplate(draft.templateId, draft.templateName);
     const std::string what = "模板 " + draft.templateName + " 有上次未保存的修改（" + draft.written + "，" +
@@ -42,7 +42,7 @@ void frmVICenter::Parts::OfferDraft(const FoundDraft& found) {
     RefreshSurroundings();
 }
 
-bool frmVICenter::Parts::OpenTemplateOf(const Draft& draft, const std::string& key) {
+bool WindowParts::OpenTemplateOf(const Draft& draft, const std::string& key) {
     if (key.empty()) {
         const std::optional<TreeNode> node = tree.InsertTemplate();
         if (!node) return false;

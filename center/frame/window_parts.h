@@ -1,29 +1,35 @@
 #pragma once
 
-// The parts behind frmVICenter; included by its sources only.
+// The parts behind frmVICenter, and the facets that serve the window's views by them; included by their
+// sources only.
 
 #include <optional>
 #include <string>
 
 #include "center/editing/block_editing.h"
 #include "center/editing/grid_editing.h"
-#include "center/frame/frm_vi_center.h"
+#include "center/editing/grid_facet.h"
+#include "center/frame/edge.h"
 #include "center/frame/status_line.h"
+#include "center/frame/template_commands.h"
 #include "center/frame/window_state.h"
 #include "center/grid/column_profile.h"
 #include "center/lookups/cell_look_ups.h"
+#include "center/lookups/choice_facets.h"
 #include "center/lookups/item_panel.h"
 #include "center/lookups/name_list.h"
 #include "center/template/draft/template_drafts.h"
 #include "center/template/kept_lines.h"
 #include "center/template/template_save.h"
 #include "center/tree/template_tree.h"
+#include "center/tree/tree_facet.h"
 
 namespace vicenter::center {
 
-struct frmVICenter::Parts : public GridObserver {
-    Parts(VICenterView& view, TemplateCommands* theCommands);
-    ~Parts() override;
+struct WindowParts : public GridObserver {
+    // window: as the commands of other folders see it. Not owned, like the view and the commands.
+    WindowParts(VICenterView& view, TemplateCommands* theCommands, TemplateWindow& theWindow);
+    ~WindowParts() override;
 
     // The open template read again, the cursor where it was; false when its lines could not be read.
     bool Reload();
@@ -34,9 +40,10 @@ struct frmVICenter::Parts : public GridObserver {
     // window is on the screen.
     void OfferDraftOfOpenTemplate();
     void OfferNewestDraft();
-    void RunCommand(Tool tool, TemplateWindow& window);
+    // A tool of the bar, from the click to what is left of it.
+    void ClickTool(Tool tool);
     // fileName: a workbook chosen already; empty: the command asks for one.
-    void RunImport(TemplateWindow& window, const std::string& fileName);
+    void RunImport(const std::string& fileName);
 
     void ActiveCellChanged(const CellAddress& cell) override;
     void TextsChanged(const CellRange& range) override;
@@ -46,6 +53,7 @@ struct frmVICenter::Parts : public GridObserver {
 
     WindowState state;
     TemplateCommands* commands;
+    TemplateWindow& window;
     ColumnProfile profile;
     GridEditing editing;
     KeptLines kept;
@@ -60,8 +68,15 @@ struct frmVICenter::Parts : public GridObserver {
     std::optional<NumberSums> sums;  // of the grid as it is
     bool offersDrafts = false;       // the window is on the screen
 
+    Edge edge;
+    GridFacet gridFacet{*this};
+    TreeFacet treeFacet{*this};
+    ItemFacet itemFacet{*this};
+    NameListFacet nameListFacet{*this};
+
   private:
     TemplateSaveActions SaveActions();
+    void RunTool(Tool tool);
     void OfferDraft(const FoundDraft& found);
     bool OpenTemplateOf(const Draft& draft, const std::string& key);
     void ContentChanged();
@@ -69,15 +84,5 @@ struct frmVICenter::Parts : public GridObserver {
     void ShowFind();
     void ShowColumns();
 };
-
-// Runs an event's work; an error ends it and is told to the user.
-template <class Work>
-void AtEdge(Work work) {
-    try {
-        work();
-    } catch (const automation::Error& error) {
-        Tell(error.Text());
-    }
-}
 
 }  // namespace vicenter::center

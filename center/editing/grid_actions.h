@@ -1,0 +1,55 @@
+#pragma once
+
+// What the grid's view asks of the rules behind it. Rows and columns count from 1. No error of the component
+// comes out of any of these: it has been told to the user. User-interface thread only.
+
+#include <optional>
+#include <string>
+
+#include "center/editing/cell_rules.h"
+#include "center/editing/copied_block.h"
+#include "center/grid/cell_selection.h"
+
+namespace vicenter::center {
+
+class GridActions {
+  public:
+    virtual ~GridActions() = default;
+
+    virtual void GotFocus() = 0;
+    virtual void LostFocus() = 0;
+    // The cursor goes to a cell; the cell it leaves is resolved, and the grid's active cell ends up there or
+    // on the first blank row. A selection that is being built may pass every row.
+    virtual void MoveActiveCell(const CellAddress& to, CursorMove how) = 0;
+    void MoveActiveCell(const CellAddress& to) { MoveActiveCell(to, CursorMove::Going); }
+    virtual void SelectionChanged(const CellSelection& selection) = 0;
+    virtual int RowsInUse() const = 0;
+
+    // False when the character is refused in that column.
+    virtual bool KeyPress(char32_t character) = 0;
+    // True when the key has been used up. cellText is what the cell's editor holds now.
+    virtual bool KeyDown(int keyCode, const std::string& cellText) = 0;
+    // The user's text for a cell; a refused one stays there, red, beside its reason.
+    virtual TextVerdict CommitText(const CellAddress& cell, const std::string& text) = 0;
+    virtual void OpenLookUp() = 0;  // Insert, F7 or a click on the cell's button
+    // Why the cell is red and what is expected; the empty text for a sound cell.
+    virtual std::string DescribeFault(const CellAddress& cell) = 0;
+
+    virtual void ClearCells(const CellSelection& selection) = 0;
+    // Nothing, and the user has been told, when the selection cannot be copied.
+    virtual std::optional<CopiedBlock> CopyBlock(const CellSelection& selection) = 0;
+    // One value into every selected cell, or a block from the selection's first cell on. What was refused has
+    // been told.
+    virtual PasteResult PasteBlock(const CellSelection& selection, const CopiedBlock& block) = 0;
+    virtual void FillDown(const CellSelection& selection) = 0;
+    virtual void DuplicateRows(const CellSelection& selection) = 0;
+    virtual void InsertRows(const CellSelection& selection) = 0;
+    virtual void DeleteRows(const CellSelection& selection) = 0;
+
+    virtual bool CanUndo() const = 0;
+    virtual bool CanRedo() const = 0;
+    virtual void Undo() = 0;
+    virtual void Redo() = 0;
+};
+
+}  // namespace vicenter::center

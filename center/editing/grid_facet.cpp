@@ -1,0 +1,133 @@
+#include "center/editing/grid_facet.h"
+
+#include "center/editing/fault_text.h"
+#include "center/frame/key_code.h"
+#include "center/frame/window_parts.h"
+
+namespace vicenter::center {
+
+void GridFacet::GotFocus() {
+    parts_.state.Enable({Tool::AddRow, Tool::DelRow}, true);
+}
+
+void GridFacet::LostFocus() {
+    parts_.state.Enable({Tool::AddRow, Tool::DelRow}, false);
+}
+
+void GridFacet::MoveActiveCell(const CellAddress& to, CursorMove how) {
+    parts_.edge.Look([&] { parts_.editing.MoveActiveCell(to, how); });
+}
+
+void GridFacet::SelectionChanged(const CellSelection& selection) {
+    parts_.selection = selection;
+    parts_.RefreshStatus();
+}
+
+int GridFacet::RowsInUse() const {
+    return parts_.state.rowCount;
+}
+
+// --- keys and texts
+
+bool GridFacet::KeyPress(char32_t character) {
+    const int active = parts_.state.grid->ActiveCell().column;
+    // Backspace and the other editing keys are no text.
+    if (character == key_code::kBack) return true;
+    return active >= 1 && parts_.editing.CanEdit() && AcceptsCharacter(active, character);
+}
+
+bool GridFacet::KeyDown(int keyCode, const std::string& cellText) {
+    switch (keyCode) {
+        case key_code::kInsert:
+        case key_code::kF7:
+            OpenLookUp();
+            return true;
+        case key_code::kKeypadDecimal:
+            return parts_.edge.Look([&] { return parts_.editing.RepeatExplanation(cellText); });
+        default:
+            return false;
+    }
+}
+
+TextVerdict GridFacet::CommitText(const CellAddress& cell, const std::string& text) {
+    TextVerdict verdict = TextVerdict::Locked;
+    parts_.edge.Look([&] { verdict = parts_.editing.CommitText(cell, text); });
+    parts_.names.Close();
+    parts_.RefreshStatus();
+    return verdict;
+}
+
+void GridFacet::OpenLookUp() {
+    parts_.edge.Look([&] {
+        if (!parts_.editing.CanEdit()) return;
+        parts_.names.Close();
+        // A choice takes the place of what was typed; after anything else that is still to be resolved.
+        if (parts_.lookUps.Open()) parts_.editing.Forget();
+    });
+    parts_.RefreshStatus();
+}
+
+std::string GridFacet::DescribeFault(const CellAddress& cell) {
+    return parts_.edge.Look([&] { return FaultText(*parts_.state.grid, cell); });
+}
+
+// --- blocks and rows
+
+void GridFacet::ClearCells(const CellSelection& selection) {
+    parts_.edge.Look([&] { parts_.editing.ClearCells(selection); });
+    parts_.RefreshStatus();
+}
+
+std::optional<CopiedBlock> GridFacet::CopyBlock(const CellSelection& selection) {
+    return parts_.edge.Look([&] { return parts_.blocks.Copy(selection); });
+}
+
+PasteResult GridFacet::PasteBlock(const CellSelection& selection, const CopiedBlock& block) {
+    PasteResult result = parts_.edge.Command([&] { return parts_.blocks.Paste(selection, block); });
+    if (const std::string refused = RefusedText(result); !refused.empty()) Tell(refused);
+    return result;
+}
+
+void GridFacet::FillDown(const CellSelection& selection) {
+    parts_.edge.Command([&] { parts_.blocks.FillDown(selection); });
+}
+
+void GridFacet::DuplicateRows(const CellSelection& selection) {
+    parts_.edge.Command([&] { parts_.blocks.DuplicateRows(selection); });
+}
+
+void GridFacet::InsertRows(const CellSelection& selection) {
+    parts_.edge.Command([&] {
+        if (parts_.editing.CanEdit()) parts_.editing.InsertRows(RowRuns(selection, *parts_.state.grid));
+    });
+    parts_.RefreshSurroundings();
+}
+
+void GridFacet::DeleteRows(const CellSelection& selection) {
+    parts_.edge.Command([&] {
+        if (parts_.editing.CanEdit()) parts_.editing.DeleteRows(RowRuns(selection, *parts_.state.grid));
+    });
+    parts_.RefreshSurroundings();
+}
+
+// --- undo
+
+bool GridFacet::CanUndo() const {
+    return parts_.editing.CanEdit() && parts_.state.journal.CanUndo();
+}
+
+bool GridFacet::CanRedo() const {
+    return parts_.editing.CanEdit() && parts_.state.journal.CanRedo();
+}
+
+void GridFacet::Undo() {
+    parts_.edge.Look([&] { parts_.editing.Undo(); });
+    parts_.RefreshSurroundings();
+}
+
+void GridFacet::Redo() {
+    parts_.edge.Look([&] { parts_.editing.Redo(); });
+    parts_.RefreshSurroundings();
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,42 @@
+#pragma once
+
+// The grid's side of the main window: serves its view by the parts behind it. Part of frmVICenter.
+
+#include "center/editing/grid_actions.h"
+
+namespace vicenter::center {
+
+struct WindowParts;
+
+class GridFacet final : public GridActions {
+  public:
+    explicit GridFacet(WindowParts& parts) : parts_(parts) {}
+
+    using GridActions::MoveActiveCell;
+    void GotFocus() override;
+    void LostFocus() override;
+    void MoveActiveCell(const CellAddress& to, CursorMove how) override;
+    void SelectionChanged(const CellSelection& selection) override;
+    int RowsInUse() const override;
+    bool KeyPress(char32_t character) override;
+    bool KeyDown(int keyCode, const std::string& cellText) override;
+    TextVerdict CommitText(const CellAddress& cell, const std::string& text) override;
+    void OpenLookUp() override;
+    std::string DescribeFault(const CellAddress& cell) override;
+    void ClearCells(const CellSelection& selection) override;
+    std::optional<CopiedBlock> CopyBlock(const CellSelection& selection) override;
+    PasteResult PasteBlock(const CellSelection& selection, const CopiedBlock& block) override;
+    void FillDown(const CellSelection& selection) override;
+    void DuplicateRows(const CellSelection& selection) override;
+    void InsertRows(const CellSelection& selection) override;
+    void DeleteRows(const CellSelection& selection) override;
+    bool CanUndo() const override;
+    bool CanRedo() const override;
+    void Undo() override;
+    void Redo() override;
+
+  private:
+    WindowParts& parts_;
+};
+
+}  // namespace vicenter::center

@@ -1,0 +1,109 @@
+#include "center/frame/window_parts.h"
+
+#include "center/editing/fault_text.h"
+#include "center/template/line_loader.h"
+
+namespace vicenter::center {
+
+WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, TemplateWindow& theWindow)
+    : state(view),
+      commands(theCommands),
+      window(theWindow),
+      profile(state),
+      editing(state),
+      kept(state),
+      drafts(state, kept),
+      tree(
+          state, [this] { return save.ConfirmUnsavedChanges(); }, [this] { drafts.Leaving(); },
+          [this] {
+              drafts.Opened();
+              editing.Forget();
+              RefreshSurroundings();
+          }),
+      save(state, kept, drafts, SaveActions()),
+      lookUps(state),
+      items(state),
+      names(state),
+      blocks(state, [this] { RefreshSurroundings(); }),
+      edge(state, [this] {
+          state.view.CommitTyping();
+          editing.FinishTyping();
+      }) {
+    state.grid->AddObserver(*this);
+}
+
+WindowParts::~WindowParts() {
+    state.grid->RemoveObserver(*this);
+}
+
+TemplateSaveActions WindowParts::SaveActions() {
+    TemplateSaveActions actions;
+    actions.reload = [this] { return Reload(); };
+    actions.readTreeAgain = [this](const std::string& id) { tree.ReadAgain(id); };
+    actions.insertTemplate = [this] { return tree.InsertTemplate(); };
+    actions.undo = [this] { editing.Undo(); };
+    actions.refreshStatus = [this] { RefreshStatus(); };
+    return actions;
+}
+
+bool WindowParts::Reload() {
+    CellAddress active = state.grid->ActiveCell();
+    // The lines come back sorted by number; the cursor stays on the line where the user was working.
+    active.row = RowOnceSorted(*state.grid, state.rowCount, active.row);
+    const bool read = tree.Reload();
+    if (active.row >= 1 && active.row <= state.rowCount + 1) {
+        state.grid->SetActiveCell(active);
+        state.grid->ScrollIntoView(active);
+    }
+    return read;
+}
+
+void WindowParts::RefreshStatus() {
+    if (!sums || sums->RowCount() != state.rowCount) sums.emplace(*state.grid, state.rowCount);
+    StatusState status = sums->Status(*state.grid, state.grid->ActiveCell().row);
+    if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
+    const CellAddress active = state.grid->ActiveCell();
+    status.hint = state.notice.empty() ? FaultText(*state.grid, active) : state.notice;
+    state.view.SetStatus(status);
+}
+
+void WindowParts::RefreshSurroundings() {
+    names.Close();
+    items.Refresh();
+    RefreshStatus();
+}
+
+void WindowParts::ActiveCellChanged(const CellAddress&) {
+    RefreshSurroundings();
+}
+
+void WindowParts::ContentChanged() {
+    kept.Touched();
+    drafts.Changed();
+}
+
+void WindowParts::RowsInserted(int firstRow, int /*count*/) {
+    sums.reset();
+    if (firstRow <= state.rowCount + 1) ContentChanged();
+}
+
+void WindowParts::RowsRemoved(int firstRow, int /*count*/) {
+    sums.reset();
+    if (firstRow <= state.rowCount + 1) ContentChanged();
+}
+
+void WindowParts::WasReset() {
+    sums.reset();
+}
+
+void WindowParts::TextsChanged(const CellRange& range) {
+    sums.reset();
+    ContentChanged();
+    const CellAddress active = state.grid->ActiveCell();
+    const bool touchesItems = range.firstRow <= active.row && active.row <= range.lastRow &&
+                              range.firstColumn <= column::kItems &&
+                              range.lastColumn >= column::kAccountNumber;
+    if (touchesItems && active.column == column::kItems) items.Refresh();
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,29 @@
+#pragma once
+
+// The tree's side of the main window: serves its view by the parts behind it. Part of frmVICenter.
+
+#include "center/tree/tree_actions.h"
+
+namespace vicenter::center {
+
+struct WindowParts;
+
+class TreeFacet final : public TreeActions {
+  public:
+    explicit TreeFacet(WindowParts& parts) : parts_(parts) {}
+
+    void GotFocus() override;
+    void LostFocus() override;
+    void NodeClick(const std::string& key) override;
+    void DoubleClick() override;
+    bool BeforeLabelEdit() override;
+    bool AfterLabelEdit(const std::string& newText) override;
+    bool EditsLabels() override;
+    void DeleteSelected() override;
+    std::vector<TreeMenuItem> MenuItems() override;
+
+  private:
+    WindowParts& parts_;
+};
+
+}  // namespace vicenter::center
