@@ -32,7 +32,7 @@ void frmAutoVch::Load() {
     bounds_[kFirstNumber].upper = bounds_[kLastNumber].upper = kMaxVoucherNumber;
 
     optionalFields_ = std::make_shared<scripting::Dictionary>();
-    for (const int column : kOptionalColumns)
+    for (const int column : store::VoucherColumns())
         optionalFields_->Add(std::to_string(column), 0);
 
     state_.boxes[kYear] = std::to_string(ledger.currentYear);
@@ -126,7 +126,7 @@ void frmAutoVch::Command(int index) {
         return;
     }
     GenerationRequest request{Filter(), state_.templateName, {}};
-    for (const int column : kOptionalColumns) {
+    for (const int column : store::VoucherColumns()) {
         const automation::Variant* chosen = optionalFields_->Item(std::to_string(column));
         if (chosen != nullptr && chosen->ToInt32() == 1) request.columns.insert(column);
     }

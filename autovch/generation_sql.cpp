@@ -1,7 +1,6 @@
 #include "autovch/generation_sql.h"
 
 #include "entry/sql_text.h"
-#include "store/cls_vi_data.h"
 
 namespace vicenter::autovch {
 
@@ -13,35 +12,21 @@ using entry::SqlQuote;
 
 namespace {
 
-// One optional column: what it adds to the column list, and the query's columns that give its values.
-struct OptionalField {
-    int column;
-    std::string_view columns;
-    std::vector<std::string_view> sources;
-};
-
-// In the order of the column list: the items come last.
-const std::vector<OptionalField>& OptionalFields() {
-    static const std::vector<OptionalField> fields{
-        {7, ",FFileCount", {"FFileCount"}},
-        {9, ",FSettleID,FSettleName", {"FSettleID", "FSettleName"}},
-        {10, ",FSettleNumber", {"FSettleNumber"}},
-        {13, ",FCurrencyID,FCurrencyName", {"FCurrencyID", "FCurrencyName"}},
-        {14, ",FRate", {"FRate"}},
-        {15, ",FAmountFor", {"FAmountFor"}},
-        {17, ",FUnitID,FUnitName", {"FUnitID", "FUnitName"}},
-        {18, ",FQty", {"FQty"}},
-        {19, ",FPrice", {"FPrice"}},
-        {20, ",FAmount", {"FAmount"}},
-        {11, ",FItemsInfo", {"FItemsInfo"}},
-    };
+// The chosen columns that a generation can fill, each behind the id that belongs to it. The items come last.
+std::vector<int> OptionalFields(const ChosenColumns& chosen) {
+    std::vector<int> fields;
+    for (const int column : store::VoucherColumns()) {
+        if (!chosen.contains(column) || column == store::column::kItems) continue;
+        if (const int id = store::Column(column).idColumn; id != 0) fields.push_back(id);
+        fields.push_back(column);
+    }
+    if (chosen.contains(store::column::kItems)) fields.push_back(store::column::kItems);
     return fields;
 }
 
 // The query names the account's name without the table's misspelling.
 constexpr std::string_view kFixedSources[] = {"FNo",        "FExp",           "FDC",
                                               "FAccountID", "FAccountNumber", "FAccountName"};
-constexpr std::string_view kItemsSource = "FItemsInfo";
 
 // How often the progress is asked, in rows.
 constexpr std::int64_t kProgressRows = 500;
@@ -161,9 +146,8 @@ std::string VoucherCountQuery(const VoucherFilter& filter) {
 
 std::string EntryColumns(const ChosenColumns& chosen) {
     std::string columns = "FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName";
-    for (const OptionalField& field : OptionalFields()) {
-        if (chosen.contains(field.column)) columns += field.columns;
-    }
+    for (const int column : OptionalFields(chosen))
+        columns.append(",").append(store::Column(column).field);
     return columns;
 }
 
@@ -192,11 +176,9 @@ std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& c
     std::vector<Source> sources;
     for (const std::string_view name : kFixedSources)
         sources.push_back({vouchers.ColumnIndex(name), false});
-    for (const OptionalField& field : OptionalFields()) {
-        if (!chosen.contains(field.column)) continue;
-        for (const std::string_view name : field.sources) {
-            sources.push_back({vouchers.ColumnIndex(name), name == kItemsSource});
-        }
+    for (const int column : OptionalFields(chosen)) {
+        sources.push_back(
+            {vouchers.ColumnIndex(store::Column(column).field), column == store::column::kItems});
     }
 
     const std::string head =

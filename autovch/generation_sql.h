@@ -10,11 +10,11 @@
 
 #include "autovch/voucher_filter.h"
 #include "platform/ado/recordset.h"
+#include "store/template_columns.h"
 
 namespace vicenter::autovch {
 
-// The optional fields by the grid column that stands for them.
-inline constexpr int kOptionalColumns[] = {7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20};
+// The optional fields by the grid column that stands for them, out of store::VoucherColumns().
 using ChosenColumns = std::set<int>;
 
 // The lines of the selected vouchers in the vouchers' own order.

@@ -199,7 +199,7 @@ int main(int argc, char** argv) {
     request.filter.from = "1";
     request.filter.to = "999999999";
     request.templateName = kGenerated;
-    request.columns.insert(std::begin(autovch::kOptionalColumns), std::end(autovch::kOptionalColumns));
+    request.columns.insert(store::VoucherColumns().begin(), store::VoucherColumns().end());
     const auto clear = [&] {
         const std::string mine =
             " WHERE FID IN (SELECT FID FROM t_VchTemplate WHERE FName IN ('bare','generated'))";

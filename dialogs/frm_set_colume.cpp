@@ -1,34 +1,12 @@
 #include "dialogs/frm_set_colume.h"
 
-#include <array>
+#include "store/template_columns.h"
 
 namespace vicenter::dialogs {
 
 using automation::Variant;
 
 namespace {
-
-struct OptionalColumn {
-    const char* caption;
-    int column;
-};
-
-constexpr int kRemark = 21;  // stands in the list in grid mode only
-
-constexpr std::array<OptionalColumn, 12> kOptionalColumns{{
-    {"附件数", 7},
-    {"结算方式", 9},
-    {"结算号", 10},
-    {"核算项目", 11},
-    {"币别", 13},
-    {"汇率", 14},
-    {"原币金额", 15},
-    {"计量单位", 17},
-    {"数量", 18},
-    {"单价", 19},
-    {"金额", 20},
-    {"备注", kRemark},
-}};
 
 constexpr std::int32_t kAllRows = -1;
 
@@ -43,9 +21,11 @@ bool IsHidden(automation::Object& grid, int column) {
 void frmSetColume::Load(frmSetColumeView& view) {
     view_ = &view;
     choices_.clear();
-    for (const OptionalColumn& optional : kOptionalColumns) {
-        if (selectionMode_ && optional.column == kRemark) continue;
-        ColumnChoice choice{optional.caption, optional.column, false};
+    for (const store::ColumnSpec& optional : store::Columns()) {
+        if (!optional.optional) continue;
+        // No voucher has a remark: it stands in the list in grid mode only.
+        if (selectionMode_ && optional.column == store::column::kRemark) continue;
+        ColumnChoice choice{std::string(optional.header), optional.column, false};
         if (!selectionMode_) {
             choice.ticked = !IsHidden(*grid_, optional.column);
         } else {

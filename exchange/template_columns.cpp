@@ -4,25 +4,34 @@
 
 namespace vicenter::exchange {
 
-const std::array<TemplateColumn, kColumnCount> kColumns = {{
-    {"模板编号(*)", "FNo", CellType::WholeNumber, true, 1},
-    {"摘要(*)", "FExp", CellType::Text, false, 2},  // its own rule: required on the first row of a number
-    {"借/贷(*)", "FDC", CellType::DebitCredit, true, 3},
-    {"科目代码(*)", "FAccountNumber", CellType::Text, true, 5},
-    {"科目名称(*)", "FAcctountName", CellType::Text, true, 6},
-    {"附件数", "FFileCount", CellType::WholeNumber, false, 7},
-    {"结算方式", "FSettleName", CellType::Text, false, 9},
-    {"结算号", "FSettleNumber", CellType::Text, false, 10},
-    {"核算项目", "FItemsInfo", CellType::Text, false, 11},
-    {"币别", "FCurrencyName", CellType::Text, false, 13},
-    {"汇率", "FRate", CellType::Number, false, 14},
-    {"原币金额", "FAmountFor", CellType::Number, false, 15},
-    {"计量单位", "FUnitName", CellType::Text, false, 17},
-    {"数量", "FQty", CellType::Number, false, 18},
-    {"单价", "FPrice", CellType::Number, false, 19},
-    {"金额", "FAmount", CellType::Number, false, 20},
-    {"备注", "FRemark", CellType::Text, false, 21},
-}};
+namespace {
+
+CellType TypeOf(store::CellKind kind) {
+    switch (kind) {
+        case store::CellKind::TemplateNumber:
+        case store::CellKind::Whole:
+        case store::CellKind::Id:
+            return CellType::WholeNumber;
+        case store::CellKind::Decimal:
+            return CellType::Number;
+        case store::CellKind::Direction:
+            return CellType::DebitCredit;
+        case store::CellKind::Text:
+            break;
+    }
+    return CellType::Text;
+}
+
+}  // namespace
+
+const std::array<TemplateColumn, kColumnCount> kColumns = [] {
+    std::array<TemplateColumn, kColumnCount> columns{};
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const store::ColumnSpec& spec = *store::WorkbookColumns()[i];
+        columns[i] = {spec.header, spec.field, TypeOf(spec.kind), spec.requiredInWorkbook, spec.column};
+    }
+    return columns;
+}();
 
 std::optional<std::size_t> FindColumn(std::string_view header) {
     const auto& collator = system::Collator::Chinese();

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "store/template_columns.h"
+
 namespace vicenter::exchange {
 
 inline constexpr const char* kSheetName = "凭证模板";
@@ -18,6 +20,7 @@ inline constexpr std::int32_t kContinuousLine = 1;
 // How a cell is checked on import and written on export.
 enum class CellType : std::int32_t { Text = 0, WholeNumber = 1, Number = 2, DebitCredit = 3 };
 
+// A column of the workbook; what else it is, its limits among it, store::Column(gridColumn) says.
 struct TemplateColumn {
     std::string_view header;
     std::string_view field;
@@ -26,7 +29,7 @@ struct TemplateColumn {
     std::int32_t gridColumn;  // of the entry grid, from 1
 };
 
-inline constexpr std::size_t kColumnCount = 17;
+inline constexpr std::size_t kColumnCount = store::kWorkbookColumnCount;
 extern const std::array<TemplateColumn, kColumnCount> kColumns;
 
 // Places in kColumns that the rules name.

@@ -21,6 +21,7 @@
 #include "platform/ado/connection.h"
 #include "platform/ado/host_connection_service.h"
 #include "platform/scripting/dictionary.h"
+#include "store/template_columns.h"
 
 namespace vicenter::store {
 
@@ -33,11 +34,6 @@ inline constexpr const char* kStandardTemplateName = "标准模板";
 
 // "自定义模板(" + number + ")".
 std::string CustomTemplateName(std::int64_t number);
-// The column profile that a new user gets: 21 pieces "column|hidden|twips" joined by ",".
-std::string DefaultColumnProfile();
-
-// The checks of CheckErrorCell.
-enum class CellCheck : std::int32_t { Account = 1, Settlement = 2, Currency = 3, Unit = 4, Items = 5 };
 
 class clsVIData : public automation::TableObject<clsVIData> {
   public:

@@ -31,8 +31,8 @@ constexpr const char* kSoleCurrency = "1";
 RecordsetRef clsVIData::GetItemInfoByNumber(std::int32_t iType, const Variant& strValue) {
     const std::string number = SqlText(strValue);
     std::string sql;
-    switch (iType) {
-        case 2:
+    switch (LookUpOf(iType)) {
+        case LookUp::Explanation:
             sql = std::string(
                       "select a.FExplanation,isnull(b.FAccountID,0) as FAccountID,isnull(b.FNumber,'') as "
                       "FNumber,isnull(b.FName,'') as FName ") +
@@ -41,19 +41,20 @@ RecordsetRef clsVIData::GetItemInfoByNumber(std::int32_t iType, const Variant& s
                   "= " +
                   number;
             break;
-        case 5:
+        case LookUp::Account:
             sql = "select FAccountID,FNumber,FName from t_Account where FNumber = " + number;
             break;
-        case 9:
+        case LookUp::Settlement:
             sql = "select FItemID,FName from t_Settle where FNumber=" + number;
             break;
-        case 13:
+        case LookUp::Currency:
             sql = "select FCurrencyID,FName from t_Currency where FNumber = " + number;
             break;
-        case 17:
+        case LookUp::Unit:
             sql = "select FUnitGroupID,FName from t_MeasureUnit where FNumber = " + number;
             break;
-        default:
+        case LookUp::Items:
+        case LookUp::None:
             return nullptr;
     }
     return GetRs(sql);
@@ -134,6 +135,8 @@ bool clsVIData::CheckErrorCell(std::int32_t iType, const Variant& strAcctNumber,
                 return items.find_first_not_of(',') == std::string::npos ||
                        ItemsAreValid(accountNumber, items);
             }
+            case CellCheck::None:
+                break;
         }
         return true;
     } catch (const Error&) {

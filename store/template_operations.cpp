@@ -15,17 +15,6 @@ using entry::SqlQuote;
 
 namespace {
 
-struct ProfileColumn {
-    bool hidden;
-    int twips;
-};
-
-constexpr ProfileColumn kDefaultProfile[] = {
-    {false, 1170}, {false, 2820}, {false, 1150}, {true, 800},  {false, 1455}, {false, 1455}, {false, 850},
-    {true, 800},   {true, 1400},  {true, 1250},  {true, 1800}, {true, 800},   {true, 1000},  {true, 1600},
-    {true, 1700},  {true, 800},   {true, 1250},  {true, 1600}, {true, 1700},  {true, 1700},  {false, 4005},
-};
-
 // The whole number of a custom template's name. A name of a user's own making may hold more than a long can:
 // it then counts as no number, or nobody could ever make a new template again.
 std::int32_t CustomNumber(const std::string& text) {
@@ -38,17 +27,6 @@ std::int32_t CustomNumber(const std::string& text) {
 
 std::string CustomTemplateName(std::int64_t number) {
     return "自定义模板(" + std::to_string(number) + ")";
-}
-
-std::string DefaultColumnProfile() {
-    std::string profile;
-    int index = 0;
-    for (const ProfileColumn& column : kDefaultProfile) {
-        if (++index > 1) profile += ',';
-        profile +=
-            std::to_string(index) + "|" + (column.hidden ? "1" : "0") + "|" + std::to_string(column.twips);
-    }
-    return profile;
 }
 
 RecordsetRef clsVIData::GetVchTemplateByUserID(const std::string& iUserID) {

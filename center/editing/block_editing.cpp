@@ -98,19 +98,6 @@ class PasteProgress {
 // Verdicts travel with whole rows as one character each.
 constexpr char kFirstVerdict = 'a';
 
-// The hidden id column that belongs to a name column, 0 for none.
-int IdColumnOf(int gridColumn) {
-    switch (gridColumn) {
-        case column::kAccountNumber:
-        case column::kSettleName:
-        case column::kCurrencyName:
-        case column::kUnitName:
-            return gridColumn - 1;
-        default:
-            return 0;
-    }
-}
-
 }  // namespace
 
 // Everything that one block operation needs: one step of undo, one repaint, one memory of master data.
@@ -193,7 +180,7 @@ class BlockEditing::Entering {
         } else {
             grid.PutReading(to.row, to.column, {refusal, text});
         }
-        if (const int id = IdColumnOf(to.column); id != 0) {
+        if (const int id = Column(to.column).idColumn; id != 0) {
             grid.SetText(to.row, id, std::string(grid.Text(from.row, id)));
         }
         // A code without its name would be a line that cannot be saved.

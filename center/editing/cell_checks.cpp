@@ -9,20 +9,15 @@ namespace vicenter::center {
 
 namespace {
 
-// The column whose text the check is about; an empty one is valid without a question.
 int SubjectOf(int check) {
-    constexpr std::array<int, kCheckCount + 1> subjects{0,
-                                                        column::kAccountNumber,
-                                                        column::kSettleName,
-                                                        column::kCurrencyName,
-                                                        column::kUnitName,
-                                                        column::kItems};
-    return subjects[static_cast<std::size_t>(check)];
+    return store::SubjectOf(static_cast<store::CellCheck>(check));
 }
 
+// An empty subject is valid without a question.
 bool NeedsNoQuestion(int check, std::string_view subject) {
     if (subject.empty()) return true;
-    return check == 5 && std::all_of(subject.begin(), subject.end(), [](char c) { return c == ','; });
+    return static_cast<store::CellCheck>(check) == store::CellCheck::Items &&
+           std::all_of(subject.begin(), subject.end(), [](char c) { return c == ','; });
 }
 
 void Paint(EntryGrid& grid, const CellAddress& cell, bool red) {
@@ -30,9 +25,7 @@ void Paint(EntryGrid& grid, const CellAddress& cell, bool red) {
 }
 
 void SetCellsRed(EntryGrid& grid, int row, int check, bool red) {
-    const int subject = SubjectOf(check);
-    const int last = check == 1 ? column::kAccountName : subject;
-    for (int c = subject; c <= last; ++c)
+    for (int c = SubjectOf(check); CheckOfColumn(c) == check; ++c)
         Paint(grid, {row, c}, red || OwnVerdict(grid, {row, c}) != TextVerdict::Taken);
     grid.SetFaultyCheck(row, check, red);
 }
@@ -40,11 +33,7 @@ void SetCellsRed(EntryGrid& grid, int row, int check, bool red) {
 }  // namespace
 
 int CheckOfColumn(int gridColumn) {
-    if (gridColumn == column::kAccountName) return 1;
-    for (int check = 1; check <= kCheckCount; ++check) {
-        if (SubjectOf(check) == gridColumn) return check;
-    }
-    return 0;
+    return static_cast<int>(store::CheckOf(gridColumn));
 }
 
 std::string CheckText(int check) {

@@ -94,6 +94,8 @@ std::string FaultText(const EntryGrid& grid, const CellAddress& cell) {
             return UnitFault(grid, cell.row);
         case CellCheck::Items:
             return ItemsFault(grid, cell.row);
+        case CellCheck::None:
+            break;
     }
     return {};
 }

@@ -9,23 +9,8 @@ namespace vicenter::center {
 
 namespace {
 
-// The columns that a check of the five speaks about.
 int CheckOfColumn(int gridColumn) {
-    switch (gridColumn) {
-        case column::kAccountNumber:
-        case column::kAccountName:
-            return 1;
-        case column::kSettleName:
-            return 2;
-        case column::kCurrencyName:
-            return 3;
-        case column::kUnitName:
-            return 4;
-        case column::kItems:
-            return 5;
-        default:
-            return 0;
-    }
+    return static_cast<int>(store::CheckOf(gridColumn));
 }
 
 void Extend(CellRange& range, const CellRange& more) {

@@ -63,8 +63,7 @@ ChosenTexts TextsOfChoice(const EntryGrid& grid, int row, int gridColumn, const 
                     {column::kAccountName, choice.name},
                     {column::kAccountId, choice.id}};
         default:
-            // The id goes to the hidden column just left of the visible cell.
-            return {{gridColumn, choice.name}, {gridColumn - 1, choice.id}};
+            return {{gridColumn, choice.name}, {Column(gridColumn).idColumn, choice.id}};
     }
 }
 

@@ -15,7 +15,7 @@ class RowWriter {
     RowWriter(EntryGrid& grid, int row, const ado::Recordset* record)
         : grid_(grid), row_(row), record_(record) {}
 
-    void Put(int gridColumn, const char* field) {
+    void Put(int gridColumn, std::string_view field) {
         grid_.SetText(row_, gridColumn, record_->Value(field).ToTextOrEmpty());
     }
     void Clear(int gridColumn) { grid_.SetText(row_, gridColumn, {}); }
@@ -41,51 +41,26 @@ void ClearDependents(RowWriter& row, int gridColumn) {
             row.Clear(column::kAccountId);
             row.Clear(column::kAccountNumber);
             break;
-        case column::kSettleName:
-            row.Clear(column::kSettleId);
-            break;
-        case column::kCurrencyName:
-            row.Clear(column::kCurrencyId);
-            break;
-        case column::kUnitName:
-            row.Clear(column::kUnitId);
-            break;
         default:
+            if (const int id = Column(gridColumn).idColumn; id != 0) row.Clear(id);
             break;
     }
 }
 
 void WriteFound(RowWriter& row, int gridColumn) {
-    switch (gridColumn) {
-        case column::kExplanation:
-            row.Put(column::kExplanation, "FExplanation");
-            // The account that the explanation proposes never replaces one that is there.
-            if (!row.IsZero("FAccountID") && row.IsEmpty(column::kAccountNumber)) {
-                row.Put(column::kAccountId, "FAccountID");
-                row.Put(column::kAccountNumber, "FNumber");
-                row.Put(column::kAccountName, "FName");
-            }
-            break;
-        case column::kAccountNumber:
-            row.Put(column::kAccountId, "FAccountID");
-            row.Put(column::kAccountName, "FName");
-            break;
-        case column::kSettleName:
-            row.Put(column::kSettleName, "FName");
-            row.Put(column::kSettleId, "FItemID");
-            break;
-        case column::kCurrencyName:
-            row.Put(column::kCurrencyName, "FName");
-            row.Put(column::kCurrencyId, "FCurrencyID");
-            break;
-        case column::kUnitName:
-            // The unit's group id is what goes into the unit id column; kept so.
-            row.Put(column::kUnitName, "FName");
-            row.Put(column::kUnitId, "FUnitGroupID");
-            break;
-        default:
-            break;
+    const ColumnSpec& spec = Column(gridColumn);
+    if (spec.lookUp == store::LookUp::Explanation) {
+        row.Put(column::kExplanation, "FExplanation");
+        // The account that the explanation proposes never replaces one that is there.
+        if (row.IsZero("FAccountID") || !row.IsEmpty(column::kAccountNumber)) return;
+        row.Put(column::kAccountId, "FAccountID");
+        row.Put(column::kAccountNumber, "FNumber");
+        row.Put(column::kAccountName, "FName");
+        return;
     }
+    // A code becomes the name, an account's stays beside its name.
+    row.Put(spec.lookUp == store::LookUp::Account ? column::kAccountName : gridColumn, "FName");
+    row.Put(spec.idColumn, spec.idField);
 }
 
 bool OnlySeparators(std::string_view text) {
@@ -95,9 +70,8 @@ bool OnlySeparators(std::string_view text) {
 }  // namespace
 
 bool IsLookUpColumn(int gridColumn) {
-    return gridColumn == column::kExplanation || gridColumn == column::kAccountNumber ||
-           gridColumn == column::kSettleName || gridColumn == column::kCurrencyName ||
-           gridColumn == column::kUnitName;
+    const store::LookUp lookUp = store::LookUpOf(gridColumn);
+    return lookUp != store::LookUp::None && lookUp != store::LookUp::Items;
 }
 
 const ado::RecordsetRef& MasterRecords::Find(int gridColumn, const std::string& number) {

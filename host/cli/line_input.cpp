@@ -109,9 +109,8 @@ class IdResolver {
     // As leaving the cell would: the id, and the name where the code stands for it.
     void Resolve(Texts& texts) {
         ResolveAccount(texts);
-        ResolveNamed(texts, column::kSettleName, column::kSettleId, "FItemID");
-        ResolveNamed(texts, column::kCurrencyName, column::kCurrencyId, "FCurrencyID");
-        ResolveNamed(texts, column::kUnitName, column::kUnitId, "FUnitGroupID");
+        for (const int named : {column::kSettleName, column::kCurrencyName, column::kUnitName})
+            ResolveNamed(texts, named);
     }
 
   private:
@@ -127,21 +126,22 @@ class IdResolver {
 
     void ResolveAccount(Texts& texts) {
         if (!At(texts, column::kAccountId).empty()) return;
-        const Record& account = Find(column::kAccountNumber, At(texts, column::kAccountNumber), "FAccountID");
+        const Record& account = Find(column::kAccountNumber, At(texts, column::kAccountNumber));
         if (!account.found) return;
         At(texts, column::kAccountId) = account.id;
         if (At(texts, column::kAccountName).empty()) At(texts, column::kAccountName) = account.name;
     }
 
-    void ResolveNamed(Texts& texts, int nameColumn, int idColumn, const char* idField) {
+    void ResolveNamed(Texts& texts, int nameColumn) {
+        const int idColumn = center::Column(nameColumn).idColumn;
         if (!At(texts, idColumn).empty()) return;
-        const Record& record = Find(nameColumn, At(texts, nameColumn), idField);
+        const Record& record = Find(nameColumn, At(texts, nameColumn));
         if (!record.found) return;
         At(texts, idColumn) = record.id;
         At(texts, nameColumn) = record.name;
     }
 
-    const Record& Find(int gridColumn, const std::string& code, const char* idField) {
+    const Record& Find(int gridColumn, const std::string& code) {
         static const Record kNone;
         const std::string_view trimmed = system::TrimBlanks(code);
         if (trimmed.empty()) return kNone;
@@ -156,7 +156,8 @@ class IdResolver {
                 "基础资料无法读取：" + std::string(trimmed) + "（" + store::clsVIData::LastFailure() + "）");
         }
         if (rows->RecordCount() < 1) return place->second;
-        place->second = {true, rows->Value(idField).ToTextOrEmpty(), rows->Value("FName").ToTextOrEmpty()};
+        place->second = {true, rows->Value(center::Column(gridColumn).idField).ToTextOrEmpty(),
+                         rows->Value("FName").ToTextOrEmpty()};
         return place->second;
     }
 

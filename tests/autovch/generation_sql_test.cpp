@@ -68,7 +68,7 @@ TEST(VoucherCountQuery, SelectsTheSameVouchers) {
 
 TEST(EntryColumns, FollowTheFixedOrder) {
     EXPECT_EQ(EntryColumns({}), "FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName");
-    ChosenColumns all(std::begin(kOptionalColumns), std::end(kOptionalColumns));
+    ChosenColumns all(store::VoucherColumns().begin(), store::VoucherColumns().end());
     EXPECT_EQ(
         EntryColumns(all),
         "FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName,FFileCount,FSettleID,FSettleName,FSettleNumber,"
@@ -114,7 +114,7 @@ TEST(GenerationBatch, ReplacesATemplateAndKeepsItsId) {
 
 TEST(GenerationBatch, WritesEveryChosenFieldByItsKind) {
     const auto vouchers = Vouchers();
-    const ChosenColumns all(std::begin(kOptionalColumns), std::end(kOptionalColumns));
+    const ChosenColumns all(store::VoucherColumns().begin(), store::VoucherColumns().end());
     const std::string batch = GenerationBatch({"x", "1", -1}, all, *vouchers, ItemsOf, {});
     // Numbers without loss, a missing settlement number as Null, the items last.
     EXPECT_NE(

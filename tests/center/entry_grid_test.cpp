@@ -319,4 +319,8 @@ TEST(EntryGridReports, AnObserverMayLeaveWhileItIsTold) {
     EXPECT_EQ(leaver.told, 1);
 }
 
+TEST(EntryGridColumns, TheDirectionListIsTwoBlanksDebitAndCreditBetweenTabs) {
+    EXPECT_EQ(kDirectionList, "  \t借\t贷");
+}
+
 }  // namespace vicenter::center

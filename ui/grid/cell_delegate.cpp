@@ -48,18 +48,7 @@ void DrawButton(QPainter& painter, const QRect& rect, bool dropDown) {
 CellDelegate::CellDelegate(GridView& view) : QStyledItemDelegate(&view), view_(view) {}
 
 bool CellDelegate::HasButton(int gridColumn) {
-    switch (gridColumn) {
-        case center::column::kExplanation:
-        case center::column::kDirection:
-        case center::column::kAccountNumber:
-        case center::column::kSettleName:
-        case center::column::kItems:
-        case center::column::kCurrencyName:
-        case center::column::kUnitName:
-            return true;
-        default:
-            return false;
-    }
+    return gridColumn == center::column::kDirection || store::LookUpOf(gridColumn) != store::LookUp::None;
 }
 
 QRect CellDelegate::ButtonRect(const QRect& cell) {

@@ -1,12 +1,14 @@
-#include "center/grid/columns.h"
+#include "store/template_columns.h"
 
+#include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace vicenter::center {
+namespace vicenter::store {
 
 namespace {
 
@@ -88,10 +90,6 @@ TEST(Columns, NumbersReachFromZeroToNineNines) {
     EXPECT_EQ(kLargestTemplateNumber, 2147483647);
 }
 
-TEST(Columns, TheDirectionListIsTwoBlanksDebitAndCreditBetweenTabs) {
-    EXPECT_EQ(kDirectionList, "  \t借\t贷");
-}
-
 TEST(Columns, HeadersDiffer) {
     std::set<std::string_view> headers;
     for (const ColumnSpec& spec : Columns())
@@ -99,4 +97,61 @@ TEST(Columns, HeadersDiffer) {
     EXPECT_EQ(headers.size(), static_cast<std::size_t>(kColumnCount));
 }
 
-}  // namespace vicenter::center
+TEST(Columns, TheWorkbookHasSeventeenInItsOwnOrderAndFourMustBeFilled) {
+    std::vector<int> order;
+    std::vector<int> required;
+    for (const ColumnSpec* spec : WorkbookColumns()) {
+        ASSERT_NE(spec, nullptr);
+        order.push_back(spec->column);
+        if (spec->requiredInWorkbook) required.push_back(spec->column);
+        EXPECT_EQ(spec->workbookPlace, static_cast<int>(order.size()));
+    }
+    EXPECT_THAT(order, testing::ElementsAre(1, 2, 3, 5, 6, 7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20, 21));
+    EXPECT_THAT(required, testing::ElementsAre(1, 3, 5, 6));
+}
+
+TEST(Columns, EveryIdColumnBelongsToTheNamesRightOfIt) {
+    std::set<int> ids;
+    for (const ColumnSpec& spec : Columns()) {
+        if (spec.idColumn == 0) continue;
+        EXPECT_EQ(spec.idColumn, spec.column - 1);
+        EXPECT_EQ(Column(spec.idColumn).kind, CellKind::Id);
+        EXPECT_FALSE(spec.idField.empty());
+        ids.insert(spec.idColumn);
+    }
+    EXPECT_THAT(ids, testing::ElementsAre(4, 8, 12, 16));
+}
+
+TEST(Columns, WhatACodeIsLookedUpInAndWhichCheckSpeaksAboutIt) {
+    std::map<int, LookUp> lookUps;
+    std::map<int, CellCheck> checks;
+    for (int c = -1; c <= kColumnCount + 1; ++c) {
+        if (LookUpOf(c) != LookUp::None) lookUps[c] = LookUpOf(c);
+        if (CheckOf(c) != CellCheck::None) checks[c] = CheckOf(c);
+    }
+    EXPECT_EQ(lookUps, (std::map<int, LookUp>{{2, LookUp::Explanation},
+                                              {5, LookUp::Account},
+                                              {9, LookUp::Settlement},
+                                              {11, LookUp::Items},
+                                              {13, LookUp::Currency},
+                                              {17, LookUp::Unit}}));
+    EXPECT_EQ(checks, (std::map<int, CellCheck>{{5, CellCheck::Account},
+                                                {6, CellCheck::Account},
+                                                {9, CellCheck::Settlement},
+                                                {11, CellCheck::Items},
+                                                {13, CellCheck::Currency},
+                                                {17, CellCheck::Unit}}));
+    for (const auto& [column, check] : checks)
+        EXPECT_EQ(SubjectOf(check), column == 6 ? 5 : column);
+}
+
+TEST(Columns, VouchersGiveAllThatMayBeLeftOutButTheRemark) {
+    std::vector<int> optional;
+    for (const ColumnSpec& spec : Columns()) {
+        if (spec.optional) optional.push_back(spec.column);
+    }
+    EXPECT_THAT(optional, testing::ElementsAre(7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20, 21));
+    EXPECT_THAT(VoucherColumns(), testing::ElementsAre(7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20));
+}
+
+}  // namespace vicenter::store
