@@ -27,18 +27,10 @@ const char* Sign(ComparisonOp op) {
 
 }  // namespace
 
-// Texts are compared whatever their length, decimals whatever their scale: the collations see to that.
-std::string Translator::RenderCompared(const Operand& operand, const SqlType& common) {
-    if (operand.type.IsUnknown() && !operand.pending) return operand.sql;
-    if (common.IsText() && operand.type.IsText()) return Render(operand);
-    if (common.IsExact()) {
-        if (operand.type.IsExact()) return Render(operand);
-        if (operand.type.IsInteger()) return RenderAs(operand, AsDecimal(operand.type));
-        if (operand.type.IsText())
-            return RenderAs(operand, common.IsMoney() ? common : SqlType::Decimal(38, 10));
-    }
-    if (common.IsInteger() && operand.type.IsInteger()) return Render(operand);
-    return RenderAs(operand, common);
+Translation Translator::Condition(const Expr& condition) {
+    Scope scope;
+    translation_.columns.push_back({"", SqlType::Of(TypeKind::kBit)});
+    return Finished("SELECT " + ConditionText(condition, scope));
 }
 
 std::string Translator::Compare(const char* op, const Operand& left, const Operand& right,

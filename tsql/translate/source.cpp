@@ -138,15 +138,6 @@ Source Translator::SourceOf(const TableInfo& table, const std::string& exposedNa
     return source;
 }
 
-SqlType Translator::ComputedType(const TableInfo& table, const std::string& text) {
-    TableInfo plain = table;
-    std::erase_if(plain.columns, [](const ColumnInfo& column) { return !column.computedText.empty(); });
-    Scope scope;
-    scope.sources.push_back(SourceOf(plain, table.name));
-    ownedExpressions_.push_back(ParseExpression(text));
-    return Value(*ownedExpressions_.back(), scope).type;
-}
-
 void Translator::AddSource(Source source, Scope& scope, Position position) {
     for (const Source& other : scope.sources) {
         if (SameName(other.exposedName, source.exposedName)) {

@@ -100,7 +100,7 @@ class Translator {
   public:
     explicit Translator(TranslateContext& context) : context_(context) {}
 
-    // Statements; see query.cpp and modify.cpp.
+    // Statements, a source each.
     Translation Select(const Query& query);
     Translation Insert(const InsertStatement& statement);
     // INSERT of rows that come from elsewhere: one parameter per column, filled by the caller.
@@ -143,12 +143,16 @@ class Translator {
     // Throws 8120 for a column of a grouped query by which the query is not grouped.
     void CheckGrouped(const Scope& scope, const std::string& sql, Position position, const Source& source,
                       const SourceColumn& column) const;
-    Operand Unary(const UnaryExpr& unary, Scope& scope);
-    Operand Binary(BinaryOp op, Position position, const Operand& left, const Operand& right);
     Operand Case(const CaseExpr& expression, Scope& scope);
     Operand Cast(const CastExpr& expression, Scope& scope);
     Operand Subquery(const SubqueryExpr& expression, Scope& scope);
-    Operand Function(const FunctionExpr& function, Scope& scope);  // function.cpp
+
+    // operator.cpp
+    Operand Unary(const UnaryExpr& unary, Scope& scope);
+    Operand Binary(BinaryOp op, Position position, const Operand& left, const Operand& right);
+
+    // function.cpp
+    Operand Function(const FunctionExpr& function, Scope& scope);
     std::string WindowText(const OverClause& over, Scope& scope);
 
     // condition.cpp
@@ -158,7 +162,7 @@ class Translator {
     std::string Like(const LikeExpr& like, Scope& scope);
     std::string Quantified(const QuantifiedExpr& quantified, Scope& scope);
 
-    // Rendering: the text of an operand, as it is or as a value of another type.
+    // operand.cpp: the text of an operand, as it is or as a value of another type.
     std::string Render(const Operand& operand);
     std::string RenderAs(const Operand& operand, const SqlType& type, bool isExplicit = false);
     std::string RenderCompared(const Operand& operand, const SqlType& common);
@@ -173,20 +177,24 @@ class Translator {
         return {std::move(sql), type, false, {}, nullptr};
     }
 
-    // query.cpp
+    // select.cpp
     QueryText QueryOf(const Query& query, const Scope* outer, bool ordered);
     SelectParts SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer);
     SelectParts BodyOf(const QueryBody& body, const Query* orderFrom, const Scope* outer);
-    SelectParts SetOf(const SetOperation& operation, const Query* orderFrom, const Scope* outer);
     void AddItem(const SelectItem& item, Scope& scope, SelectParts& parts);
     void AddStar(const SelectItem& item, Scope& scope, SelectParts& parts);
+    void CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail);
+    QueryText Finish(SelectParts parts);
+
+    // set_operation.cpp
+    SelectParts SetOf(const SetOperation& operation, const Query* orderFrom, const Scope* outer);
+    std::string Assemble(SelectParts& parts, const std::vector<SqlType>* types);
+
+    // order.cpp
     std::string OrderBy(const Query& query, const SelectBody& select, Scope& scope, const SelectParts& parts);
     void OrderRowsFirst(const Query& query, const SelectBody& select, Scope& scope, SelectParts& parts);
     std::string OrderItemText(const OrderItem& item, const std::string& sql, const Operand& operand);
     std::string LimitOf(const SelectBody* select, const Query* query, Scope& scope);
-    std::string Assemble(SelectParts& parts, const std::vector<SqlType>* types);
-    void CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail);
-    QueryText Finish(SelectParts parts);
 
     // source.cpp
     const TableInfo* FindTable(std::string_view name);
@@ -200,17 +208,21 @@ class Translator {
     Source SourceOf(const TableInfo& table, const std::string& exposedName);
     const CommonTable* FindCommonTable(const std::string& name) const;
 
-    // modify.cpp
+    // target.cpp
+    void Begin(const TableInfo& table, const char* operation);
     const TableInfo& TargetTable(const ObjectName& name);
     const Source& ChangedSource(const ObjectName& name, Position where, Scope& scope, std::string& from);
+    std::string Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable);
+
+    // insert.cpp
     std::vector<const ColumnInfo*> TargetColumns(const TableInfo& table, const std::vector<Name>& columns);
     // The columns that get a value besides the given ones, and the texts of those values.
     void AddDefaults(const TableInfo& table, std::vector<const ColumnInfo*>& columns,
                      std::vector<std::string>& values);
     Operand DefaultOf(const ColumnInfo& column);
     std::string InsertHead(const TableInfo& table, const std::vector<const ColumnInfo*>& columns) const;
-    std::string Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable);
-    void Begin(const TableInfo& table, const char* operation);
+
+    // update.cpp
     struct Assigned {
         const ColumnInfo* column;
         Operand value;

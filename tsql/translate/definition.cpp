@@ -1,0 +1,94 @@
+// What definitions ask: types by their names, conditions and values of columns.
+
+#include "tsql/base/text_units.h"
+#include "tsql/syntax/parse/parser.h"
+#include "tsql/translate/translator.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+constexpr const char* kUpdate = "UPDATE";
+
+}  // namespace
+
+SqlType Translator::ResolveType(const TypeName& name) {
+    const TypeKind kind = KindByName(name.name);
+    if (kind == TypeKind::kUnknown) throw MakeError(2715, name.position, {1, name.name});
+    SqlType type = SqlType::Of(kind);
+    switch (kind) {
+        case TypeKind::kDecimal: {
+            const int precision = name.length.value_or(18);
+            const int scale = name.scale.value_or(0);
+            if (precision > kMaxPrecision || precision < 1)
+                throw MakeError(2750, name.position, {1, precision, kMaxPrecision});
+            if (scale > precision) throw MakeError(2751, name.position, {1, scale, precision});
+            return SqlType::Decimal(precision, scale);
+        }
+        case TypeKind::kFloat:
+            if (name.length && *name.length >= 1 && *name.length <= 24) return SqlType::Of(TypeKind::kReal);
+            return type;
+        case TypeKind::kChar:
+        case TypeKind::kVarChar:
+        case TypeKind::kNChar:
+        case TypeKind::kNVarChar:
+        case TypeKind::kBinary:
+        case TypeKind::kVarBinary: {
+            if (name.name == "image") return SqlType::Of(kind, kMaxLength);
+            if (name.name == "sysname") return SqlType::Of(kind, 128);
+            const int limit = type.IsUnicode() ? 4000 : 8000;
+            const int length = name.length.value_or(1);
+            if (length > limit) throw MakeError(2717, name.position, {length, "type", name.name, limit});
+            return SqlType::Of(kind, length);
+        }
+        default:
+            if (name.length && !type.IsDate()) throw MakeError(2716, name.position, {1, name.name});
+            return type;
+    }
+}
+
+// There is one collation; asking for another one by name changes nothing, unless it were to tell upper from
+// lower case.
+void Translator::CheckCollation(const Name& collation) {
+    const std::string name = LowerAscii(collation.text) + "_";
+    if (name.find("_bin_") == std::string::npos && name.find("_bin2_") == std::string::npos &&
+        name.find("_cs_") == std::string::npos) {
+        return;
+    }
+    throw MakeError(40510, collation.position, {"COLLATE " + collation.text});
+}
+
+SqlType Translator::ComputedType(const TableInfo& table, const std::string& text) {
+    TableInfo plain = table;
+    std::erase_if(plain.columns, [](const ColumnInfo& column) { return !column.computedText.empty(); });
+    Scope scope;
+    scope.sources.push_back(SourceOf(plain, table.name));
+    ownedExpressions_.push_back(ParseExpression(text));
+    return Value(*ownedExpressions_.back(), scope).type;
+}
+
+std::string Translator::CheckText(const TableInfo& table, const Expr& condition) {
+    inlineLiterals_ = true;
+    Scope scope;
+    Source source = SourceOf(table, table.name);
+    for (SourceColumn& column : source.columns) {
+        if (column.natural) column.sql = Quoted(column.name);
+    }
+    scope.sources.push_back(std::move(source));
+    return ConditionText(condition, scope);
+}
+
+Translation Translator::FillColumn(const TableInfo& table, const ColumnInfo& column, const Expr& value) {
+    Begin(table, kUpdate);
+    Scope none;
+    const std::string stored = RenderStored(Value(value, none), table, column, kUpdate);
+    return Finished("UPDATE " + table.Sql() + " SET " + Quoted(column.name) + " = " + stored);
+}
+
+Translation Translator::RewriteColumn(const TableInfo& table, const ColumnInfo& column, const SqlType& from) {
+    Begin(table, kUpdate);
+    const std::string stored = RenderStored(Computed(Quoted(column.name), from), table, column, kUpdate);
+    return Finished("UPDATE " + table.Sql() + " SET " + Quoted(column.name) + " = " + stored);
+}
+
+}  // namespace vicenter::tsql::engine

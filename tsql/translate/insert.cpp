@@ -1,0 +1,168 @@
+// INSERT: the columns that are given, the values of those that are not.
+
+#include "tsql/functions/function.h"
+#include "tsql/syntax/parse/parser.h"
+#include "tsql/translate/translator.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+constexpr const char* kInsert = "INSERT";
+
+}  // namespace
+
+std::vector<const ColumnInfo*> Translator::TargetColumns(const TableInfo& table,
+                                                         const std::vector<Name>& columns) {
+    std::vector<const ColumnInfo*> result;
+    for (const Name& name : columns) {
+        const ColumnInfo* column = table.FindColumn(name.text);
+        if (column == nullptr) throw MakeError(207, name.position, {name.text});
+        if (!column->computedText.empty()) throw MakeError(271, name.position, {name.text});
+        for (const ColumnInfo* other : result) {
+            if (other == column) throw MakeError(264, name.position, {name.text});
+        }
+        result.push_back(column);
+    }
+    if (columns.empty()) {
+        for (const ColumnInfo& column : table.columns) {
+            if (column.computedText.empty() && !column.identity) result.push_back(&column);
+        }
+        return result;
+    }
+    for (const ColumnInfo* column : result) {
+        if (!column->identity) continue;
+        if (!context_.TakesIdentity(table)) throw MakeError(544, columns.front().position, {table.name});
+        translation_.givesIdentity = true;
+    }
+    return result;
+}
+
+Operand Translator::DefaultOf(const ColumnInfo& column) {
+    if (column.defaultText.empty()) return Computed("NULL", {});
+    ownedExpressions_.push_back(ParseExpression(column.defaultText));
+    Scope none;
+    ++foreignDepth_;
+    Operand value = Value(*ownedExpressions_.back(), none);
+    --foreignDepth_;
+    return value;
+}
+
+void Translator::AddDefaults(const TableInfo& table, std::vector<const ColumnInfo*>& columns,
+                             std::vector<std::string>& values) {
+    const std::size_t given = columns.size();
+    for (const ColumnInfo& column : table.columns) {
+        bool present = !column.computedText.empty();
+        for (std::size_t i = 0; i < given; ++i)
+            present = present || columns[i] == &column;
+        if (present) continue;
+        if (column.identity) {
+            translation_.usesIdentity = true;
+            columns.push_back(&column);
+            const Operand next = Computed(kNextIdentityCall.Call({}), SqlType::Of(TypeKind::kBigInt));
+            values.push_back(RenderStored(next, table, column, kInsert));
+        } else if (!column.defaultText.empty() || !column.nullable) {
+            columns.push_back(&column);
+            values.push_back(RenderStored(DefaultOf(column), table, column, kInsert));
+        }
+    }
+}
+
+std::string Translator::InsertHead(const TableInfo& table,
+                                   const std::vector<const ColumnInfo*>& columns) const {
+    std::string sql = "INSERT INTO " + table.Sql() + "(";
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        sql += (i == 0 ? "" : ", ") + Quoted(columns[i]->name);
+    return sql + ")";
+}
+
+Translation Translator::Insert(const InsertStatement& statement) {
+    const TableInfo& table = TargetTable(statement.table);
+    Begin(table, kInsert);
+    if (!statement.with.empty()) commonTables_.push_back(&statement.with);
+    if (statement.source == InsertSource::kQuery) {
+        Translation result = InsertQuery(table, statement.columns, *statement.query);
+        if (!statement.output) return result;
+        translation_ = std::move(result);
+        return Finished(translation_.sql + Output(*statement.output, table, "inserted"));
+    }
+    std::vector<const ColumnInfo*> columns;
+    if (statement.source != InsertSource::kDefaultValues) columns = TargetColumns(table, statement.columns);
+    const std::size_t given = columns.size();
+    std::vector<std::string> rows;
+    Scope scope;
+    for (const auto& row : statement.rows) {
+        if (row.size() != given) {
+            if (statement.columns.empty()) throw MakeError(213, statement.position);
+            throw MakeError(row.size() < given ? 109 : 110, statement.position);
+        }
+        std::string values;
+        for (std::size_t i = 0; i < given; ++i) {
+            const auto* literal = TryAs<LiteralExpr>(row[i].get());
+            const bool isDefault = literal != nullptr && literal->literal == LiteralKind::kDefault;
+            const Operand value = isDefault ? DefaultOf(*columns[i]) : Value(*row[i], scope);
+            values += (i == 0 ? "" : ", ") + RenderStored(value, table, *columns[i], kInsert);
+        }
+        rows.push_back(std::move(values));
+    }
+    if (statement.source == InsertSource::kDefaultValues) rows.emplace_back();
+    std::string sql;
+    std::vector<const ColumnInfo*> all;
+    for (const std::string& row : rows) {
+        all = columns;
+        std::vector<std::string> defaults;
+        AddDefaults(table, all, defaults);
+        std::string values = row;
+        for (const std::string& value : defaults)
+            values += (values.empty() ? "" : ", ") + value;
+        sql += (sql.empty() ? " VALUES (" : ", (") + values + ")";
+    }
+    translation_.oneRow = rows.size() == 1;
+    if (all.empty()) return Finished("INSERT INTO " + table.Sql() + " DEFAULT VALUES");
+    sql = InsertHead(table, all) + sql;
+    if (statement.output) sql += Output(*statement.output, table, "inserted");
+    return Finished(std::move(sql));
+}
+
+Translation Translator::InsertRow(const TableInfo& table, const std::vector<Name>& names,
+                                  const std::vector<SqlType>& types) {
+    Begin(table, kInsert);
+    std::vector<const ColumnInfo*> columns = TargetColumns(table, names);
+    if (types.size() != columns.size()) throw MakeError(213, Position{});
+    std::vector<std::string> values;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        Operand row = System("", types[i]);
+        row.pending->source = Parameter::Source::kRow;
+        row.pending->ordinal = static_cast<int>(i);
+        values.push_back(RenderStored(row, table, *columns[i], kInsert));
+    }
+    AddDefaults(table, columns, values);
+    std::string sql;
+    for (const std::string& value : values)
+        sql += (sql.empty() ? " VALUES (" : ", ") + value;
+    translation_.oneRow = true;
+    return Finished(InsertHead(table, columns) + sql + ")");
+}
+
+Translation Translator::InsertQuery(const TableInfo& table, const std::vector<Name>& names,
+                                    const Query& query) {
+    Begin(table, kInsert);
+    std::vector<const ColumnInfo*> columns = TargetColumns(table, names);
+    const QueryText rows = QueryOf(query, nullptr, true);
+    if (rows.columns.size() != columns.size()) {
+        if (names.empty()) throw MakeError(213, query.position);
+        throw MakeError(rows.columns.size() < columns.size() ? 120 : 121, query.position);
+    }
+    std::vector<std::string> values;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const Operand value = Computed("c" + std::to_string(i + 1), rows.columns[i].type);
+        values.push_back(RenderStored(value, table, *columns[i], kInsert));
+    }
+    AddDefaults(table, columns, values);
+    std::string list;
+    for (const std::string& value : values)
+        list += (list.empty() ? " SELECT " : ", ") + value;
+    return Finished(InsertHead(table, columns) + list + " FROM (" + rows.sql + ") WHERE true");
+}
+
+}  // namespace vicenter::tsql::engine

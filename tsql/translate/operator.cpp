@@ -1,0 +1,183 @@
+// Arithmetic: the type of a result, and the call that works it out.
+
+#include "tsql/functions/function.h"
+#include "tsql/translate/translator.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+char OperatorLetter(BinaryOp op) {
+    switch (op) {
+        case BinaryOp::kAdd:
+            return '+';
+        case BinaryOp::kSubtract:
+            return '-';
+        case BinaryOp::kMultiply:
+            return '*';
+        case BinaryOp::kDivide:
+            return '/';
+        case BinaryOp::kModulo:
+            return '%';
+        case BinaryOp::kBitAnd:
+            return '&';
+        case BinaryOp::kBitOr:
+            return '|';
+        case BinaryOp::kBitXor:
+            return '^';
+    }
+    return '?';
+}
+
+const char* OperatorName(BinaryOp op) {
+    switch (op) {
+        case BinaryOp::kAdd:
+            return "add";
+        case BinaryOp::kSubtract:
+            return "subtract";
+        case BinaryOp::kMultiply:
+            return "multiply";
+        case BinaryOp::kDivide:
+            return "divide";
+        case BinaryOp::kModulo:
+            return "modulo";
+        case BinaryOp::kBitAnd:
+            return "'&'";
+        case BinaryOp::kBitOr:
+            return "'|'";
+        case BinaryOp::kBitXor:
+            return "'^'";
+    }
+    return "";
+}
+
+// A whole number that stands in the text counts with its own digits among decimals.
+SqlType ArithmeticType(const Operand& operand) {
+    if (operand.literal != nullptr && operand.type.kind == TypeKind::kInt) {
+        return SqlType::Decimal(static_cast<int>(operand.literal->text.size()), 0);
+    }
+    return operand.type;
+}
+
+SqlType TextSum(const SqlType& a, const SqlType& b) {
+    SqlType type = SqlType::Of(a.IsUnicode() || b.IsUnicode() ? TypeKind::kNVarChar : TypeKind::kVarChar);
+    if (a.IsMax() || b.IsMax()) {
+        type.length = kMaxLength;
+    } else {
+        const int limit = type.IsUnicode() ? 4000 : 8000;
+        type.length = a.length + b.length < limit ? a.length + b.length : limit;
+    }
+    return type;
+}
+
+}  // namespace
+
+Operand Translator::Unary(const UnaryExpr& unary, Scope& scope) {
+    Operand operand = Value(*unary.operand, scope);
+    if (unary.op == UnaryOp::kPlus) return operand;
+    if (unary.op == UnaryOp::kBitNot) {
+        if (!operand.type.IsInteger())
+            throw MakeError(8117, unary.position, {MessageName(operand.type), "'~'"});
+        if (operand.type.kind == TypeKind::kBit)
+            return Computed("(1 - " + Render(operand) + ")", operand.type);
+        return Computed("(~" + Render(operand) + ")", operand.type);
+    }
+    if (operand.type.IsUnknown()) return operand;
+    if (operand.type.IsText()) {
+        // A text is read as a number first.
+        operand = Computed(RenderAs(operand, SqlType::Int()), SqlType::Int());
+    }
+    if (!operand.type.IsNumber() || operand.type.kind == TypeKind::kBit) {
+        throw MakeError(8117, unary.position, {MessageName(operand.type), "minus"});
+    }
+    if (operand.pending && operand.literal != nullptr) {
+        operand.pending->negated = !operand.pending->negated;
+        return operand;
+    }
+    SqlType type = operand.type;
+    if (type.kind == TypeKind::kTinyInt) type = SqlType::Of(TypeKind::kSmallInt);
+    return Computed(kNegateCall.Call({Render(operand), Code(type)}), type);
+}
+
+Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, const Operand& right) {
+    const std::string letter = std::string("'") + OperatorLetter(op) + "'";
+    const SqlType& a = left.type;
+    const SqlType& b = right.type;
+    if (a.IsUnknown() && b.IsUnknown()) return Computed("NULL", SqlType::Int());
+    if (op == BinaryOp::kAdd && (a.IsText() || a.IsUnknown()) && (b.IsText() || b.IsUnknown())) {
+        for (const Operand* operand : {&left, &right}) {
+            if (operand->literal != nullptr) context_.PinLiteral(*operand->literal);
+        }
+        return Computed("(" + Render(left) + " || " + Render(right) + ")", TextSum(a, b));
+    }
+    SqlType common = CommonType(a, b);
+    if (common.IsText()) {
+        throw MakeError(a.IsUnknown() || b.IsUnknown() ? 8117 : 402, position,
+                        {MessageName(a.IsUnknown() ? b : a),
+                         a.IsUnknown() || b.IsUnknown() ? OperatorName(op) : b.Name(), OperatorName(op)});
+    }
+    if (common.IsDate()) {
+        if (op != BinaryOp::kAdd && op != BinaryOp::kSubtract) {
+            throw MakeError(8117, position, {MessageName(common), OperatorName(op)});
+        }
+        if (common.kind == TypeKind::kDate || common.kind == TypeKind::kTime ||
+            common.kind == TypeKind::kDateTime2) {
+            throw MakeError(206, position, {MessageName(a), MessageName(b)});
+        }
+        const SqlType datetime = SqlType::DateTime();
+        const Operand& date = a.IsDate() ? left : right;
+        const Operand& other = a.IsDate() ? right : left;
+        const std::string days = other.type.IsDate() || other.type.IsText()
+                                     ? ConvertCall(RenderAs(other, datetime), datetime, SqlType::Float())
+                                     : RenderAs(other, SqlType::Float());
+        if (op == BinaryOp::kSubtract && !a.IsDate())
+            throw MakeError(8117, position, {MessageName(b), "subtract"});
+        return Computed(
+            kDatePlusCall.Call({RenderAs(date, datetime), days, op == BinaryOp::kAdd ? "1" : "-1"}),
+            datetime);
+    }
+    if (!common.IsNumber()) throw MakeError(8117, position, {MessageName(common), OperatorName(op)});
+    const bool bitwise = op == BinaryOp::kBitAnd || op == BinaryOp::kBitOr || op == BinaryOp::kBitXor;
+    if (bitwise && !common.IsInteger()) {
+        throw MakeError(402, position, {MessageName(a), MessageName(b), OperatorName(op)});
+    }
+    if (common.IsFloat()) {
+        if (op == BinaryOp::kModulo)
+            throw MakeError(402, position, {MessageName(a), MessageName(b), "modulo"});
+        const std::string sql =
+            kRealCall.Call({letter, RenderAs(left, SqlType::Float()), RenderAs(right, SqlType::Float())});
+        if (common.kind == TypeKind::kReal)
+            return Computed(ConvertCall(sql, SqlType::Float(), common), common);
+        return Computed(sql, common);
+    }
+    if (common.IsInteger()) {
+        if (common.kind == TypeKind::kBit && !bitwise) {
+            throw MakeError(8117, position, {"bit", OperatorName(op)});
+        }
+        return Computed(
+            kIntegerCall.Call({letter, RenderAs(left, common), RenderAs(right, common), Code(common)}),
+            common);
+    }
+    static constexpr Arithmetic kArithmetic[] = {Arithmetic::kAdd, Arithmetic::kSubtract,
+                                                 Arithmetic::kMultiply, Arithmetic::kDivide,
+                                                 Arithmetic::kModulo};
+    for (const Operand* operand : {&left, &right}) {
+        if (operand->literal != nullptr) context_.PinLiteral(*operand->literal);
+    }
+    // A text or NULL takes the other side's type; money stays money.
+    const auto exact = [&](const Operand& operand) {
+        if (operand.type.IsExact()) return Render(operand);
+        if (operand.type.IsInteger()) return RenderAs(operand, AsDecimal(ArithmeticType(operand)));
+        return RenderAs(operand, common);
+    };
+    const SqlType leftType = a.IsNumber() ? ArithmeticType(left) : common;
+    const SqlType rightType = b.IsNumber() ? ArithmeticType(right) : common;
+    const SqlType type = common.IsMoney()
+                             ? common
+                             : DecimalResult(kArithmetic[static_cast<std::size_t>(op)], leftType, rightType);
+    const std::string leftText = exact(left);
+    const std::string rightText = exact(right);
+    return Computed(kDecimalCall.Call({letter, leftText, rightText, Code(type)}), type);
+}
+
+}  // namespace vicenter::tsql::engine

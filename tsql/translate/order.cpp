@@ -1,0 +1,115 @@
+// ORDER BY, and TOP and OFFSET, which take the first of what it sorts.
+
+#include <algorithm>
+
+#include "automation/object.h"
+#include "tsql/translate/translator.h"
+
+namespace vicenter::tsql::engine {
+
+using automation::SameName;
+
+namespace {
+
+// DISTINCT leaves nothing to sort by but what it lists.
+bool IsListed(const Expr& expression, const Operand& operand, const SelectBody& select,
+              const SelectParts& parts) {
+    for (const SelectItem& item : select.items) {
+        if (item.expression && SameExpression(*item.expression, expression)) return true;
+    }
+    return std::any_of(parts.items.begin(), parts.items.end(), [&](const Operand& item) {
+        return !item.pending && !operand.pending && item.sql == operand.sql;
+    });
+}
+
+}  // namespace
+
+// SELECT @v = @v + … ORDER BY: SQLite evaluates a select list before it sorts, so the sorted rows become a
+// table of their own. The offset keeps SQLite from merging it with the query around it.
+void Translator::OrderRowsFirst(const Query& query, const SelectBody& select, Scope& scope,
+                                SelectParts& parts) {
+    const std::string order = OrderBy(query, select, scope, parts);
+    std::string limit = LimitOf(&select, &query, scope);
+    if (limit.empty()) limit = " LIMIT -1";
+    if (!query.offset) limit += " OFFSET 0";
+    std::string columns;
+    int number = 0;
+    for (Source& source : scope.sources) {
+        for (SourceColumn& column : source.columns) {
+            const std::string name = "k" + std::to_string(++number);
+            columns += (columns.empty() ? "" : ", ") + column.sql + " AS " + name;
+            column.sql = "\"ordered$\"." + name;
+        }
+    }
+    parts.tail = " FROM (SELECT " + columns + parts.tail + order + limit + ") AS \"ordered$\"";
+}
+
+std::string Translator::OrderItemText(const OrderItem& item, const std::string& sql, const Operand& operand) {
+    std::string text = sql;
+    if (!operand.column) {
+        if (operand.type.IsText()) text += std::string(" COLLATE ") + kTextCollationName;
+        if (operand.type.IsExact()) text += std::string(" COLLATE ") + kNumberCollationName;
+    }
+    return item.descending ? text + " DESC" : text;
+}
+
+std::string Translator::OrderBy(const Query& query, const SelectBody& select, Scope& scope,
+                                const SelectParts& parts) {
+    std::string sql;
+    const bool isSet = query.body->kind == QueryBodyKind::kSetOperation;
+    for (const OrderItem& item : query.orderBy) {
+        sql += sql.empty() ? " ORDER BY " : ", ";
+        if (const auto* literal = TryAs<LiteralExpr>(item.expression.get());
+            literal != nullptr && literal->literal == LiteralKind::kInteger) {
+            context_.PinLiteral(*literal);
+            const std::size_t number = literal->text.size() > 5 ? 0 : std::stoul(literal->text);
+            if (number < 1 || number > parts.items.size()) {
+                throw MakeError(108, literal->position, {literal->text});
+            }
+            sql += OrderItemText(item, std::to_string(number), parts.items[number - 1]);
+            continue;
+        }
+        // The name of a result comes before the name of a column.
+        std::size_t named = parts.items.size();
+        if (const auto* column = TryAs<ColumnExpr>(item.expression.get());
+            column != nullptr && column->name.parts.size() == 1) {
+            for (std::size_t i = 0; i < parts.items.size(); ++i) {
+                if (!SameName(parts.names[i], column->name.Object())) continue;
+                const bool alias =
+                    isSet || (i < select.items.size() && !select.items[i].alias.IsEmpty()) || select.distinct;
+                if (alias) {
+                    named = i;
+                    break;
+                }
+            }
+        }
+        if (named < parts.items.size()) {
+            sql += OrderItemText(item, std::to_string(named + 1), parts.items[named]);
+            continue;
+        }
+        if (isSet) throw MakeError(104, item.expression->position);
+        const Operand operand = Value(*item.expression, scope);
+        if (select.distinct && !IsListed(*item.expression, operand, select, parts))
+            throw MakeError(145, item.expression->position);
+        sql += OrderItemText(item, Render(operand), operand);
+    }
+    return sql;
+}
+
+std::string Translator::LimitOf(const SelectBody* select, const Query* query, Scope& scope) {
+    const auto count = [&](const Expr& expression) {
+        Scope none;
+        none.outer = scope.outer;
+        return RenderAs(Value(expression, none), SqlType::Of(TypeKind::kBigInt));
+    };
+    if (select != nullptr && select->top) {
+        const TopClause& top = *select->top;
+        if (top.percent || top.withTies) throw MakeError(40510, select->position, {"TOP"});
+        return " LIMIT " + count(*top.count);
+    }
+    if (query == nullptr || !query->offset) return {};
+    std::string sql = " LIMIT " + (query->fetch ? count(*query->fetch) : "-1");
+    return sql + " OFFSET " + count(*query->offset);
+}
+
+}  // namespace vicenter::tsql::engine

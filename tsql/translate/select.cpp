@@ -1,0 +1,183 @@
+// SELECT: the select list, GROUP BY and HAVING.
+
+#include "automation/object.h"
+#include "tsql/base/text_units.h"
+#include "tsql/functions/function.h"
+#include "tsql/translate/translator.h"
+
+namespace vicenter::tsql::engine {
+
+using automation::SameName;
+
+namespace {
+
+// The name that SQL Server gives to a column of a result.
+std::string ItemName(const SelectItem& item) {
+    if (!item.alias.IsEmpty()) return item.alias.text;
+    if (const auto* column = TryAs<ColumnExpr>(item.expression.get())) return column->name.Object();
+    return {};
+}
+
+bool IsTopOne(const SelectBody& select) {
+    const auto* count = select.top ? TryAs<LiteralExpr>(select.top->count.get()) : nullptr;
+    return count != nullptr && count->text == "1" && !select.top->percent;
+}
+
+// Variables take the rows one after the other, in an order that the query states.
+bool AssignsInOrder(const SelectBody& select, const Query& query) {
+    if (query.orderBy.empty() || select.from.empty() || select.distinct || IsTopOne(select)) return false;
+    for (const OrderItem& item : query.orderBy) {
+        if (item.expression->kind == ExprKind::kLiteral) return false;  // the number of an item
+    }
+    for (const SelectItem& item : select.items) {
+        if (item.kind == SelectItemKind::kAssignment) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+Translation Translator::Finished(std::string sql) {
+    translation_.sql = std::move(sql);
+    return std::move(translation_);
+}
+
+Translation Translator::Select(const Query& query) {
+    QueryText text = QueryOf(query, nullptr, true);
+    translation_.columns = std::move(text.columns);
+    translation_.assignments = std::move(text.assignments);
+    return Finished(std::move(text.sql));
+}
+
+QueryText Translator::QueryOf(const Query& query, const Scope* outer, bool ordered) {
+    if (!query.with.empty()) commonTables_.push_back(&query.with);
+    const SelectBody* select = query.Select();
+    const bool limits = query.offset || (select != nullptr && select->top);
+    const bool wasGrouping = aggregateAllowed_;
+    const int depth = aggregateDepth_;
+    aggregateDepth_ = 0;
+    SelectParts parts = BodyOf(*query.body, ordered || limits ? &query : nullptr, outer);
+    aggregateDepth_ = depth;
+    aggregateAllowed_ = wasGrouping;
+    if (!query.with.empty()) commonTables_.pop_back();
+    return Finish(std::move(parts));
+}
+
+QueryText Translator::Finish(SelectParts parts) {
+    QueryText result;
+    result.sql = Assemble(parts, nullptr);
+    for (std::size_t i = 0; i < parts.items.size(); ++i) {
+        // A NULL without a type of its own is an int.
+        const SqlType& type = parts.items[i].type;
+        result.columns.push_back({parts.names[i], type.IsUnknown() ? SqlType::Int() : type});
+        // An item of its own has no collation that a column of it could pass on.
+        result.natural.push_back(parts.items[i].column);
+    }
+    result.assignments = std::move(parts.assignments);
+    result.singleRow = parts.singleRow;
+    return result;
+}
+
+SelectParts Translator::BodyOf(const QueryBody& body, const Query* orderFrom, const Scope* outer) {
+    if (body.kind == QueryBodyKind::kSelect) return SelectOf(As<SelectBody>(body), orderFrom, outer);
+    return SetOf(As<SetOperation>(body), orderFrom, outer);
+}
+
+void Translator::AddStar(const SelectItem& item, Scope& scope, SelectParts& parts) {
+    const std::string qualifier = item.qualifier.IsEmpty() ? std::string() : item.qualifier.Object();
+    bool found = false;
+    for (const Source& source : scope.sources) {
+        if (!qualifier.empty() && !SameName(source.exposedName, qualifier)) continue;
+        found = true;
+        for (const SourceColumn& column : source.columns) {
+            Operand operand;
+            operand.sql = column.sql;
+            operand.type = column.type;
+            operand.column = column.natural;
+            CheckGrouped(scope, operand.sql, item.position, source, column);
+            parts.items.push_back(std::move(operand));
+            parts.names.push_back(column.name);
+        }
+    }
+    if (!found) throw MakeError(qualifier.empty() ? 263 : 107, item.position, {qualifier});
+}
+
+void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& parts) {
+    if (item.kind == SelectItemKind::kStar) return AddStar(item, scope, parts);
+    Operand operand = Value(*item.expression, scope);
+    if (operand.literal != nullptr) context_.PinLiteral(*operand.literal);
+    if (item.kind == SelectItemKind::kAssignment) {
+        const std::string name = LowerAscii(item.variable);
+        const auto type = context_.VariableType(name);
+        if (!type) throw MakeError(137, item.position, {item.variable});
+        if (item.assign != AssignOp::kSet) {
+            const Operand current = Computed(kVariableCall.Call({QuotedText(name), Code(*type)}), *type);
+            operand = Binary(static_cast<BinaryOp>(static_cast<int>(item.assign) - 1), item.position, current,
+                             operand);
+        }
+        const std::string text = RenderAs(operand, *type);
+        operand = Computed(text, *type);
+        parts.assignments.push_back({name, AssignOp::kSet});
+    }
+    parts.items.push_back(std::move(operand));
+    parts.names.push_back(ItemName(item));
+}
+
+void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail) {
+    std::string list;
+    for (const ExprPtr& group : select.groupBy) {
+        const Operand operand = Value(*group, scope);
+        if (operand.column || group->kind == ExprKind::kColumn) scope.groupColumns.push_back(operand.sql);
+        list += (list.empty() ? " GROUP BY " : ", ") + Collated(operand);
+    }
+    tail += list;
+    scope.groupExpressions = &select.groupBy;
+    scope.grouped = true;
+}
+
+SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer) {
+    Scope scope;
+    scope.outer = outer;
+    SelectParts parts;
+    const std::string assigningOutside = assigning_;
+    for (const SelectItem& item : select.items) {
+        if (item.kind == SelectItemKind::kAssignment) assigning_ += " " + LowerAscii(item.variable) + " ";
+    }
+    parts.tail = From(select.from, scope);
+    if (select.where) {
+        if (HasAggregate(*select.where)) throw MakeError(147, select.where->position);
+        parts.tail += " WHERE " + ConditionText(*select.where, scope);
+    }
+    bool aggregates = select.having != nullptr;
+    for (const SelectItem& item : select.items) {
+        aggregates = aggregates || (item.expression && HasAggregate(*item.expression));
+    }
+    if (orderFrom != nullptr) {
+        for (const OrderItem& item : orderFrom->orderBy)
+            aggregates = aggregates || HasAggregate(*item.expression);
+    }
+    if (!select.groupBy.empty() || aggregates) CheckGroupBy(select, scope, parts.tail);
+    aggregateAllowed_ = true;
+    const bool ordersFirst = orderFrom != nullptr && !scope.grouped && AssignsInOrder(select, *orderFrom);
+    if (ordersFirst) OrderRowsFirst(*orderFrom, select, scope, parts);
+    for (const SelectItem& item : select.items)
+        AddItem(item, scope, parts);
+    if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size()) {
+        throw MakeError(141, select.position);
+    }
+    if (select.having) parts.tail += " HAVING " + ConditionText(*select.having, scope);
+    parts.head = select.distinct ? "SELECT DISTINCT" : "SELECT";
+    if (!ordersFirst) {
+        if (orderFrom != nullptr) parts.order = OrderBy(*orderFrom, select, scope, parts);
+        parts.limit = LimitOf(&select, orderFrom, scope);
+    }
+    parts.singleRow = select.from.empty() || (aggregates && select.groupBy.empty());
+    if (IsTopOne(select)) {
+        context_.PinLiteral(As<LiteralExpr>(*select.top->count));
+        parts.singleRow = true;
+    }
+    assigning_ = assigningOutside;
+    return parts;
+}
+
+}  // namespace vicenter::tsql::engine
