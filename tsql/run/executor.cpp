@@ -98,7 +98,7 @@ bool Executor::RunReporting(std::string_view batch) {
     try {
         if (toUndo_) transactions_.Reset();
         toUndo_ = false;
-        database_.CheckFile();
+        database_.CheckFileBeforeReading();
         catalog_.RefreshAndHold();
         RunBatch(batch);
         return true;

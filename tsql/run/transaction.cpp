@@ -7,6 +7,8 @@ namespace vicenter::tsql::engine {
 
 void Transactions::Begin() {
     if (readOnly_) throw MakeError(3906, {}, {database_.Path()});
+    // A look before reading is not enough to write upon.
+    database_.CheckFile();
     database_.Run("BEGIN IMMEDIATE");
     open_ = true;
     // Nobody else can change the catalog from here on.

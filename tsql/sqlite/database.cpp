@@ -86,6 +86,9 @@ constexpr int kBloomFilter = 0x00080000;
 // Steps of a query between two questions whether it is to stop: some tens of microseconds.
 constexpr int kStepsPerQuestion = 1000;
 
+// How long a look at the file is good for batches that read: less than anybody can tell, and many answers.
+constexpr std::chrono::milliseconds kGoodLook{1};
+
 // SQLite takes some names for something else than a path.
 std::string PlainPath(const std::string& path) {
     const bool special = path.rfind("file:", 0) == 0 || path.rfind(':', 0) == 0;
@@ -106,6 +109,12 @@ const char* TextOf(FileState state) {
             break;
     }
     return "";
+}
+
+// Failures that a file which is no more the one that was opened may show itself by.
+bool MayComeOfLoss(int code) {
+    return code == SQLITE_CANTOPEN || code == SQLITE_PERM || code == SQLITE_AUTH || code == SQLITE_NOTADB ||
+           code == SQLITE_CORRUPT || code == SQLITE_IOERR;
 }
 
 }  // namespace
@@ -172,9 +181,17 @@ bool Database::IsLost() const {
     return static_cast<FileState>(State()) != FileState::kSame;
 }
 
-void Database::CheckFile() const {
+void Database::CheckFile() {
+    lookedAt_ = {};
     const auto state = static_cast<FileState>(State());
     if (state != FileState::kSame) throw MakeError(5120, {}, {path_, TextOf(state)});
+}
+
+void Database::CheckFileBeforeReading() {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - lookedAt_ < kGoodLook) return;
+    CheckFile();
+    lookedAt_ = now;
 }
 
 bool Database::BringHome() {
@@ -259,6 +276,10 @@ SqlError Database::Failure(int code) const {
     // The connection's text tells of its last call, which need not be the one that failed.
     const bool own = handle_ != nullptr && (sqlite3_errcode(handle_) & 0xFF) == (code & 0xFF);
     const std::string text = own ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
+    if (MayComeOfLoss(code & 0xFF)) {
+        const auto state = static_cast<FileState>(State());
+        if (state != FileState::kSame) return MakeError(5120, {}, {path_, TextOf(state)});
+    }
     switch (code & 0xFF) {
         case SQLITE_BUSY:
         case SQLITE_LOCKED:
@@ -271,7 +292,6 @@ SqlError Database::Failure(int code) const {
         case SQLITE_CANTOPEN:
         case SQLITE_PERM:
         case SQLITE_AUTH:
-            if (IsLost()) return MakeError(5120, {}, {path_, TextOf(static_cast<FileState>(State()))});
             return MakeError(5120, {}, {path_, text});
         case SQLITE_NOTADB:
             return MakeError(5172, {}, {path_});

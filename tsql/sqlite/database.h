@@ -5,6 +5,7 @@
 //
 // Both are used by one session on one thread. A statement must not outlive its database.
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -111,7 +112,10 @@ class Database {
     // Whether the file is no more the one that was opened.
     bool IsLost() const;
     // Throws SqlError 5120 with what became of the file when it is not the one that was opened.
-    void CheckFile() const;
+    void CheckFile();
+    // The same before a batch that may do no more than read: such a look is good for a moment, so that many
+    // short questions in a row do not cost more for the looking than for the answers.
+    void CheckFileBeforeReading();
     // Brings what stands in the log into the main file and empties the log, as far as nobody else is at work;
     // true when all is home. Never waits.
     bool BringHome();
@@ -127,6 +131,7 @@ class Database {
     int lockTimeout_ = 0;
     Interruption stopping_;
     std::chrono::steady_clock::time_point waitingSince_;
+    std::chrono::steady_clock::time_point lookedAt_;  // before reading; nothing has been written since
 };
 
 // "name" with its quotes doubled.

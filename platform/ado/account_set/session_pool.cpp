@@ -34,7 +34,6 @@ std::unique_ptr<tsql::engine::Session> SessionPool::Take(const std::string& key)
 
 void SessionPool::Keep(const std::string& key, std::unique_ptr<tsql::engine::Session> session) noexcept {
     try {
-        if (session->IsStale()) return;
         session->Reset();
         if (idle_.size() >= kKeptSessions) idle_.erase(idle_.begin());
         idle_.push_back({key, std::move(session)});

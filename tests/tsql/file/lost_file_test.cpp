@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include "tests/tsql/file/file_fixture.h"
+#include "tsql/sqlite/file_system.h"
 
 namespace vicenter::tsql::engine {
 namespace {
@@ -34,6 +35,43 @@ class AnotherUser {
     bool changed_ = false;
 };
 
+// The account sets' own file system, which counts how often it is asked what became of the main file.
+class CountedLooks {
+  public:
+    CountedLooks() {
+        sqlite3_vfs* const base = sqlite3_vfs_find(AccountSetFileSystem());
+        system_ = *base;
+        system_.zName = "counted";
+        system_.pAppData = base;
+        system_.xOpen = [](sqlite3_vfs* self, const char* path, sqlite3_file* file, int flags, int* opened) {
+            auto* const real = static_cast<sqlite3_vfs*>(self->pAppData);
+            const int code = real->xOpen(real, path, file, flags, opened);
+            if (code != SQLITE_OK || (flags & SQLITE_OPEN_MAIN_DB) == 0) return code;
+            real_ = file->pMethods;
+            counted_ = *real_;
+            counted_.xFileControl = [](sqlite3_file* of, int operation, void* argument) {
+                if (operation == kAskFileState) ++looks_;
+                return real_->xFileControl(of, operation, argument);
+            };
+            file->pMethods = &counted_;
+            return code;
+        };
+        sqlite3_vfs_register(&system_, 0);
+        looks_ = 0;
+    }
+    CountedLooks(const CountedLooks&) = delete;
+    CountedLooks& operator=(const CountedLooks&) = delete;
+    ~CountedLooks() { sqlite3_vfs_unregister(&system_); }
+    const char* Name() const { return system_.zName; }
+    int Count() const { return looks_; }
+
+  private:
+    sqlite3_vfs system_;
+    static inline const sqlite3_io_methods* real_ = nullptr;
+    static inline sqlite3_io_methods counted_{};
+    static inline int looks_ = 0;
+};
+
 class LostFileTest : public SetFileTest {
   protected:
     std::string Elsewhere() const { return (folder_ / "other.vas").string(); }
@@ -55,6 +93,44 @@ TEST_F(LostFileTest, A_deleted_set_takes_no_more_statements) {
     EXPECT_EQ(Why(Run("insert into t values(1)")), "账套文件已被删除或移走，请重新打开账套.");
     EXPECT_EQ(Why(Run("select a from t")), "账套文件已被删除或移走，请重新打开账套.");
     EXPECT_TRUE(First().IsStale());
+}
+
+TEST_F(LostFileTest, A_read_just_before_lets_no_write_go_nowhere) {
+    MakeTable();
+    EXPECT_EQ(Run("select a from t"), "a:int");
+    std::filesystem::remove(Path());
+    EXPECT_EQ(Why(Run("insert into t values(1)")), "账套文件已被删除或移走，请重新打开账套.");
+}
+
+TEST_F(LostFileTest, One_who_only_reads_is_told_too) {
+    MakeTable();
+    EXPECT_EQ(Run("select a from t"), "a:int");
+    std::filesystem::remove(Path());
+    const auto begin = std::chrono::steady_clock::now();
+    std::string answer;
+    do {
+        answer = Run("select a from t");
+    } while (answer == "a:int" && std::chrono::steady_clock::now() - begin < std::chrono::seconds(60));
+    EXPECT_EQ(Why(answer), "账套文件已被删除或移走，请重新打开账套.");
+}
+
+TEST_F(LostFileTest, Questions_in_a_row_look_at_the_file_once_a_millisecond) {
+    const CountedLooks looks;
+    SessionOptions options = Options();
+    options.fileSystem = looks.Name();
+    Session session(options);
+    ASSERT_EQ(RunOn(session, "create table t (a int not null primary key) insert into t values(7)"), "");
+    const int before = looks.Count();
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 2000; ++i)
+        ASSERT_EQ(RunOn(session, "select a from t where a = 7"), "a:int\n7");
+    const auto taken = std::chrono::steady_clock::now() - begin;
+    EXPECT_GE(looks.Count() - before, 1);
+    EXPECT_LE(looks.Count() - before, taken / std::chrono::milliseconds(1) + 1);
+    // A batch that writes looks before it begins and before it says that it is done.
+    const int quiet = looks.Count();
+    ASSERT_EQ(RunOn(session, "insert into t values(8)"), "");
+    EXPECT_GE(looks.Count() - quiet, 2);
 }
 
 TEST_F(LostFileTest, A_set_deleted_while_a_batch_runs_is_not_told_to_be_saved) {
