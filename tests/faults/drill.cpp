@@ -1,5 +1,6 @@
 #include "tests/faults/drill.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace vicenter::faults {
@@ -54,7 +55,12 @@ const std::vector<Drill>& Drills() {
         {"rename", {"rename", kTemplate, "改名"}},
         {"delete", {"--yes", "delete", kTemplate}},
         {"sql", {"sql"}, "script.sql"},
-        {"account_set_new", {"account-set", "new", "@新账套.vas"}, {}, {}, "新账套.vas", true},
+        {"backup", {"account-set", "backup", "@账套.vas", "@备份.vas"}, {}, {}, "备份.vas", false, true},
+        {"restore",
+         {"--yes", "account-set", "restore", "@另存.vas", "@账套.vas"},
+         {},
+         {{"other.vas", "另存.vas"}}},
+        {"account_set_new", {"account-set", "new", "@新账套.vas"}, {}, {}, "新账套.vas", true, true},
     };
     return drills;
 }
@@ -73,6 +79,7 @@ DrillGround::DrillGround() {
     must({"--account-set", set, "--yes", "delete", "自定义模板(1)"});
     Keep(kSet);
     must({"--account-set", set, "save", kTemplate}, shop_.Kept("lines.json").string());
+    fs::copy_file(set, shop_.Kept("other.vas"));
     for (const char* name : {"other.xlsx", "other.xls"}) {
         must({"--account-set", set, "export", kTemplate, shop_.File(name).string()});
         Keep(name);
@@ -93,7 +100,9 @@ void DrillGround::Prepare(const Drill& drill) const {
 Call DrillGround::CallOf(const Drill& drill) const {
     Call call;
     // What looks like somebody else's lock is not waited for as long as a user would.
-    if (!drill.makesSet) {
+    const bool namesSet =
+        std::find(drill.arguments.begin(), drill.arguments.end(), "account-set") != drill.arguments.end();
+    if (!namesSet) {
         call.arguments = {"--connect",
                           "Provider=VelaAccountSet;Lock Timeout=200;Data Source=" + SetFile().string()};
     }
@@ -111,7 +120,7 @@ State DrillGround::Look(const Drill& drill) const {
     const fs::path target = shop_.File(drill.target);
     state.hasTarget = fs::exists(target);
     if (!state.hasTarget) return state;
-    if (drill.makesSet) {
+    if (drill.targetIsSet) {
         const SetContent content = ReadSet(target);
         state.target = content.templates;
         state.targetFault = content.fault;

@@ -19,8 +19,9 @@ struct Drill {
     std::string input = {};              // kept file for the standard input
     // Kept files and the names that they get in the working folder.
     std::vector<std::pair<std::string, std::string>> files = {};
-    std::string target = {};  // file in the working folder that the command writes
-    bool makesSet = false;    // target is a new account set; none stands there before
+    std::string target = {};   // file in the working folder that the command writes
+    bool makesSet = false;     // there is no account set before
+    bool targetIsSet = false;  // target is an account set, compared by its templates
 };
 
 // For the names of the tests.
