@@ -102,11 +102,13 @@ void Connection::SetCommandTimeout(std::int32_t seconds) {
 RunningBatch::RunningBatch(Connection& connection) : connection_(connection) {
     const std::lock_guard guard(RunningLock());
     before_ = std::exchange(LastRunning(), this);
+    if (before_ != nullptr) before_->after_ = this;
 }
 
 RunningBatch::~RunningBatch() {
     const std::lock_guard guard(RunningLock());
-    LastRunning() = before_;
+    (after_ != nullptr ? after_->before_ : LastRunning()) = before_;
+    if (before_ != nullptr) before_->after_ = after_;
 }
 
 void CancelRunning() noexcept {

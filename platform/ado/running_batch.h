@@ -1,7 +1,7 @@
 #pragma once
 
 // Back ends keep one of these for as long as a batch runs, so that CancelRunning() finds it. Batches run
-// within each other, on the user-interface thread only.
+// within each other or side by side; any thread.
 
 #include "platform/ado/connection.h"
 
@@ -19,6 +19,7 @@ class RunningBatch {
 
     Connection& connection_;
     RunningBatch* before_ = nullptr;
+    RunningBatch* after_ = nullptr;
 };
 
 }  // namespace vicenter::ado

@@ -247,6 +247,7 @@ void ServerConnection::RefuseLogin(const tsql::Diagnostic& error) {
 }
 
 bool ServerConnection::Login(const LoginRequest& login) {
+    if (behaviour_.IsDeafToLogins()) packets_.WaitForEnd();
     if (const auto refusal = behaviour_.RefusesLogin()) {
         RefuseLogin(*refusal);
         return false;
@@ -307,6 +308,7 @@ void ServerConnection::Answer(const Message& message) {
 }
 
 bool ServerConnection::WaitAsLongAsBehaved() {
+    if (behaviour_.IsDeafToBatches()) packets_.WaitForEnd();
     const int delay = behaviour_.DelayMilliseconds();
     if (delay <= 0 || !packets_.WaitForInput(delay)) return true;
     // An attention, or the end of the line, which the next read finds.

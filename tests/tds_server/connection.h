@@ -41,6 +41,8 @@ class ServerConnection {
             return server_.Behaviour()->RefusesBatch(text);
         }
         int DelayMilliseconds() override { return server_.Behaviour()->DelayMilliseconds(); }
+        bool IsDeafToLogins() override { return server_.Behaviour()->IsDeafToLogins(); }
+        bool IsDeafToBatches() override { return server_.Behaviour()->IsDeafToBatches(); }
 
       private:
         const Server& server_;

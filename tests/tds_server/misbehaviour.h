@@ -33,6 +33,10 @@ class Misbehaviour {
     virtual std::optional<tsql::Diagnostic> RefusesBatch(std::string_view /*text*/) { return std::nullopt; }
     // How long a batch lets wait for its answer; an attention ends the waiting.
     virtual int DelayMilliseconds() { return 0; }
+    // Asked at each login and each batch: it is not answered, whatever else comes, as behind a line that
+    // leads nowhere.
+    virtual bool IsDeafToLogins() { return false; }
+    virtual bool IsDeafToBatches() { return false; }
 };
 
 // Cuts the line at the n-th packet, from 1, of all that pass; afterwards all is well.
@@ -74,6 +78,21 @@ class StallAtBatch final : public Misbehaviour {
     std::atomic<int> left_;
 };
 
+class DeafToLogins final : public Misbehaviour {
+  public:
+    bool IsDeafToLogins() override { return true; }
+};
+
+// Answers nothing from the n-th batch on.
+class DeafFromBatch final : public Misbehaviour {
+  public:
+    explicit DeafFromBatch(int n) : left_(n) {}
+    bool IsDeafToBatches() override { return --left_ <= 0; }
+
+  private:
+    std::atomic<int> left_;
+};
+
 class RefuseLogin final : public Misbehaviour {
   public:
     std::optional<tsql::Diagnostic> RefusesLogin() override {
@@ -91,6 +110,8 @@ class FailBatch final : public Misbehaviour {
   public:
     FailBatch(int n, std::int32_t number) : left_(n), number_(number) {}
     std::optional<tsql::Diagnostic> RefusesBatch(std::string_view text) override;
+    // The batch came up at all.
+    bool HasFailed() const { return left_ <= 0; }
 
   private:
     std::atomic<int> left_;

@@ -57,6 +57,12 @@ bool Packets::WaitForInput(int milliseconds) const {
     return poll(&waiting, 1, milliseconds) > 0;
 }
 
+void Packets::WaitForEnd() const {
+    pollfd waiting{socket_, POLLRDHUP, 0};
+    poll(&waiting, 1, -1);
+    throw LineClosed();
+}
+
 void Packets::Put(std::string_view bytes) {
     reply_.append(bytes);
     const std::size_t room = packetSize_ - kHeader;

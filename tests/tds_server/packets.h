@@ -47,6 +47,8 @@ class Packets {
     bool HasInput() const;
     // Waits so long, but no longer than until something can be read; true when something can.
     bool WaitForInput(int milliseconds) const;
+    // Reads nothing any more; the end is LineClosed.
+    [[noreturn]] void WaitForEnd() const;
     void SetPacketSize(std::size_t size) { packetSize_ = size; }
     // Appends to the reply; full packets leave at once.
     void Put(std::string_view bytes);

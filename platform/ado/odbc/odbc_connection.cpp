@@ -1,12 +1,14 @@
 #include "platform/ado/odbc/odbc_connection.h"
 
 #include <algorithm>
+#include <chrono>
+#include <optional>
 
 #include "automation/error.h"
 #include "platform/ado/odbc/batch_nature.h"
 #include "platform/ado/odbc/national_marks.h"
 #include "platform/ado/odbc/odbc_provider.h"
-#include "platform/ado/odbc/odbc_result.h"
+#include "platform/ado/odbc/watched_work.h"
 #include "platform/ado/running_batch.h"
 
 namespace vicenter::ado {
@@ -17,6 +19,15 @@ namespace {
 
 constexpr const char* kSource = "ODBC";
 constexpr const char* kClosedText = "Operation is not allowed when the object is closed.";
+constexpr const char* kStillExecutingText = "Operation cannot be performed while executing asynchronously.";
+constexpr const char* kConnectCancelledText = "已经取消，没有连接到数据库服务器。";
+constexpr const char* kCancelledText = "操作已经取消，没有完成。";
+constexpr const char* kTimeoutText = "操作超时，已经取消。";
+constexpr const char* kLostText = "与数据库服务器的连接已断开，本次操作没有完成。请重新操作。";
+constexpr const char* kLostAtCommitText =
+    "提交时与数据库服务器的连接断开，无法确定是否已经保存，请重新打开后检查。";
+constexpr const char* kUnknownAtCommitText =
+    "提交时数据库服务器没有回答，无法确定是否已经保存，请重新打开后检查。";
 constexpr const char* kUnitLostText = "事务没有开始或已经撤消，整个操作没有保存。请重新操作。";
 constexpr std::int32_t kFirstErrorSeverity = 11;
 
@@ -62,14 +73,30 @@ void OdbcConnection::Open(const std::string& connectString) {
 }
 
 void OdbcConnection::Connect() {
-    OdbcPool* pool = settings_.pooled ? OdbcPool::Process() : nullptr;
-    if (pool != nullptr) link_ = pool->Take(connectString_);
-    if (link_) return;
-    link_ = std::make_unique<OdbcLink>(settings_, errors_);
-    if (settings_.lockMilliseconds >= 0) {
-        const Outcome set = Run("set lock_timeout " + std::to_string(settings_.lockMilliseconds));
-        if (!set.errors.empty()) Fail(set, false);
+    // Its own: a server that does not answer may be left to itself.
+    struct Attempt {
+        OdbcSettings settings;
+        std::string key;
+        std::shared_ptr<OdbcLink> link;
+        std::vector<DriverError> errors;
+    };
+    const auto attempt = std::make_shared<Attempt>(Attempt{settings_, connectString_, nullptr, {}});
+    const auto connect = [attempt] {
+        OdbcPool* pool = attempt->settings.pooled ? OdbcPool::Process() : nullptr;
+        if (pool != nullptr) attempt->link = pool->Take(attempt->key);
+        if (!attempt->link) attempt->link = std::make_shared<OdbcLink>(attempt->settings, attempt->errors);
+    };
+    const auto nothing = [] {};
+    bool ended = true;
+    try {
+        // No driver can be told to give up connecting.
+        ended = RunWatched(connect, nothing, std::chrono::milliseconds(0));
+    } catch (const Error&) {
+        errors_ = attempt->errors;
+        throw;
     }
+    if (!ended) throw Error(error_number::kOperationCancelled, kConnectCancelledText, kSource);
+    link_ = attempt->link;
 }
 
 void OdbcConnection::Close() {
@@ -85,44 +112,33 @@ void OdbcConnection::Close() {
     link_.reset();
 }
 
-// Errors and messages apart, as callers look for them.
-void OdbcConnection::Sort(std::vector<DriverError> records, Outcome& outcome) {
-    for (DriverError& record : records) {
-        if (IsBrokenLine(record)) outcome.broken = true;
-        if (record.sqlState == "HYT00" || record.sqlState == "HYT01") outcome.timedOut = true;
-        if (record.sqlState == "HY008") outcome.cancelled = true;
-        const bool isError = record.severity >= kFirstErrorSeverity;
-        // The driver's own remark that there was an error adds nothing.
-        if (isError && record.native == 0 && !outcome.errors.empty() && !IsBrokenLine(record)) continue;
-        (isError ? outcome.errors : outcome.messages).push_back(std::move(record));
-    }
-}
-
-// A statement that another thread may take back, for as long as it runs.
-class OdbcConnection::Running {
+// One batch at a time: whatever a window that is painted meanwhile asks for needs a connection of its own.
+class OdbcConnection::Executing {
   public:
-    Running(OdbcConnection& connection, SQLHSTMT statement) : connection_(connection) { Set(statement); }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-    ~Running() { Set(SQL_NULL_HSTMT); }
+    explicit Executing(OdbcConnection& connection) : connection_(connection) {
+        if (connection_.executing_) throw Error(error_number::kStillExecuting, kStillExecutingText, kSource);
+        connection_.executing_ = true;
+        connection_.cancelled_ = false;
+    }
+    Executing(const Executing&) = delete;
+    Executing& operator=(const Executing&) = delete;
+    ~Executing() { connection_.executing_ = false; }
 
   private:
-    void Set(SQLHSTMT statement) {
-        const std::lock_guard guard(connection_.runningLock_);
-        connection_.running_ = statement;
-    }
     OdbcConnection& connection_;
 };
 
 void OdbcConnection::Cancel() noexcept {
     cancelled_ = true;
-    // Where the lock is held a statement is just beginning or ending.
+    // Where the lock is held a batch is just beginning or ending.
     const std::unique_lock lock(runningLock_, std::try_to_lock);
-    if (lock && running_ != SQL_NULL_HSTMT) SQLCancel(running_);
+    if (lock && running_) running_->Cancel();
 }
 
 bool OdbcConnection::BeginUnit() {
     if (!open_) throw Error(error_number::kObjectClosed, kClosedText, kSource);
+    const Executing executing(*this);
+    const RunningBatch running(*this);
     inUnit_ = true;
     // Where it cannot be begun its batches are refused, which must not run each for itself then. A kept line
     // that is dead by now is no reason: nothing has run yet.
@@ -130,11 +146,13 @@ bool OdbcConnection::BeginUnit() {
     for (int attempt = 0; attempt < 2 && unitLost_; ++attempt) {
         try {
             if (!link_) Connect();
-            Outcome begun = Run(kBegin);
-            unitLost_ = !begun.errors.empty() || begun.broken;
-            if (begun.broken) link_.reset();
-        } catch (const Error&) {
-            // No server: the first batch tells it.
+            const OdbcOutcome begun = Run(kBegin);
+            unitLost_ = begun.HasFailed();
+            if (begun.HasStopped()) link_.reset();
+            if (begun.cancelled) break;
+        } catch (const Error& error) {
+            // No server: the first batch tells it. Nobody wishes to stop twice.
+            if (error.Number() == error_number::kOperationCancelled) break;
         }
     }
     return true;
@@ -145,93 +163,79 @@ bool OdbcConnection::CommitUnit() {
     inUnit_ = false;
     unitLost_ = false;
     if (lost) return false;
+    const Executing executing(*this);
     errors_.clear();
     // There is nothing to commit where the server has undone it.
-    Outcome committed = Run("commit transaction");
-    if (committed.errors.empty() && !committed.broken) return true;
+    OdbcOutcome committed = Run("commit transaction", Stop::kMustNot);
+    if (!committed.HasFailed()) return true;
     Fail(std::move(committed), true);
 }
 
-OdbcConnection::Outcome OdbcConnection::Run(std::string_view batch) {
-    Outcome outcome;
-    const OdbcStatement statement(link_->Line());
-    if (!statement) {
-        Sort(OdbcDiagnostics(SQL_HANDLE_DBC, link_->Line()), outcome);
-        outcome.broken = true;
-        return outcome;
-    }
-    if (CommandTimeout() > 0) {
-        SQLSetStmtAttrW(statement.Get(), SQL_ATTR_QUERY_TIMEOUT,
-                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(CommandTimeout())), 0);
-    }
-    const Running running(*this, statement.Get());
-    std::u16string text = OdbcWide(batch);
-    SQLRETURN code = SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
-                                    static_cast<SQLINTEGER>(text.size()));
-    RecordsetRef last;
-    const auto note = [&](SQLRETURN of) {
-        // Before any other call, which would clear them.
-        if (of == SQL_ERROR || of == SQL_SUCCESS_WITH_INFO)
-            Sort(OdbcDiagnostics(SQL_HANDLE_STMT, statement.Get()), outcome);
+OdbcOutcome OdbcConnection::Run(std::string_view text, Stop stop) {
+    OdbcOutcome stopped;
+    stopped.cancelled = true;
+    if (stop == Stop::kMay && cancelled_) return stopped;
+    const auto batch =
+        std::make_shared<OdbcBatch>(link_, std::string(text), CommandTimeout(), !settings_.batchTransactions);
+    const auto setRunning = [this](std::shared_ptr<OdbcBatch> running) {
+        const std::lock_guard guard(runningLock_);
+        running_ = std::move(running);
     };
-    for (;; code = SQLMoreResults(statement.Get())) {
-        // No rows changed, nothing created that counts: all the same a batch that ran.
-        if (code == SQL_NO_DATA || code == SQL_INVALID_HANDLE) break;
-        note(code);
-        if (outcome.broken || outcome.timedOut || outcome.cancelled) break;
-        if (code == SQL_ERROR) continue;
-        const bool hadFailed = !outcome.errors.empty();
-        SQLSMALLINT columns = 0;
-        SQLNumResultCols(statement.Get(), &columns);
-        if (columns == 0) {
-            SQLLEN rows = -1;
-            if (SQL_SUCCEEDED(SQLRowCount(statement.Get(), &rows)) && rows >= 0)
-                outcome.counts.push_back(rows);
-            continue;
+    if (stop == Stop::kMay) setRunning(batch);
+    // What must not be taken back is taken back when it is given up, so that it holds no locks any more.
+    std::optional<std::chrono::steady_clock::time_point> asked;
+    const auto stopIt = [&] {
+        const auto now = std::chrono::steady_clock::now();
+        if (!asked) asked = now;
+        if (stop == Stop::kMay) {
+            Cancel();
+        } else if (now - *asked >= kStopGrace) {
+            batch->Cancel();
         }
-        OdbcRows read = ReadOdbcResult(statement.Get(), columns);
-        note(read.end);
-        // The server goes on behind an error; what it gives from there on is undone with the rest.
-        if (!hadFailed || !settings_.batchTransactions) {
-            if (last) last->SetNext(read.recordset);
-            if (!outcome.first) outcome.first = read.recordset;
-            last = std::move(read.recordset);
-        }
-        if (outcome.broken || outcome.timedOut || outcome.cancelled) break;
-    }
-    // A line that was cut may come out as the mere end of the results.
-    if (IsDead(link_->Line())) outcome.broken = true;
-    return outcome;
+    };
+    const bool ended =
+        RunWatched([batch] { batch->Run(); }, stopIt, stop == Stop::kMay ? kStopGrace : 2 * kStopGrace);
+    setRunning(nullptr);
+    return ended ? std::move(batch->Outcome()) : stopped;
 }
 
-OdbcConnection::Outcome OdbcConnection::RunAsUnit(std::string_view batch) {
-    Outcome begun = Run(kBegin);
-    if (!begun.errors.empty() || begun.broken) return begun;
-    Outcome outcome = Run(batch);
-    if (outcome.broken) return outcome;
-    if (!outcome.errors.empty()) {
-        if (Run(kRollback).broken) outcome.broken = true;
+OdbcOutcome OdbcConnection::RunAsUnit(std::string_view batch) {
+    OdbcOutcome begun = Run(kBegin);
+    if (begun.HasFailed()) return begun;
+    OdbcOutcome outcome = Run(batch);
+    if (outcome.HasStopped()) return outcome;
+    if (outcome.HasFailed()) {
+        if (Run(kRollback, Stop::kMustNot).HasStopped()) outcome.broken = true;
         return outcome;
     }
-    Outcome committed = Run(kCommit);
-    if (!committed.errors.empty() || committed.broken) {
-        lostAtCommit_ = committed.broken;
-        return committed;
-    }
-    return outcome;
+    OdbcOutcome committed = Run(kCommit, Stop::kMustNot);
+    if (!committed.HasFailed()) return outcome;
+    lostAtCommit_ = committed.HasStopped();
+    // A line with a transaction on it must not come to the next user.
+    if (!lostAtCommit_ && Run(kRollback, Stop::kMustNot).HasStopped()) committed.broken = true;
+    return committed;
 }
 
-std::string OdbcConnection::WithMarks(std::string_view batch) {
+std::string OdbcConnection::Marked(std::string_view batch) {
     const bool plain =
         std::all_of(batch.begin(), batch.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     if (plain) return std::string(batch);
-    const system::CodePage* page = link_->Page();
-    if (page == nullptr || page->FirstMissing(batch) == std::string_view::npos) return std::string(batch);
+    // It may ask the server for its code page and its columns.
+    const auto marked = std::make_shared<std::string>(batch);
+    const auto mark = [link = link_, marked] {
+        const system::CodePage* page = link->Page();
+        if (page == nullptr || page->FirstMissing(*marked) == std::string_view::npos) return;
+        *marked = WithNationalMarks(*marked, *page, link->PageNumber(),
+                                    [link](const std::string& table, const std::string& column) {
+                                        return link->TakesUnicode(table, column);
+                                    });
+    };
     try {
-        return WithNationalMarks(batch, *page, link_->PageNumber(),
-                                 [this](const std::string& table, const std::string& column) {
-                                     return link_->TakesUnicode(table, column);
-                                 });
+        if (!RunWatched(mark, [] {})) {
+            link_.reset();
+            throw Error(error_number::kOperationCancelled, kCancelledText, kSource);
+        }
+        return *marked;
     } catch (const Error& error) {
         DriverError record;
         record.severity = kFirstErrorSeverity;
@@ -249,17 +253,17 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
     lostAtCommit_ = false;
     // A batch of a unit that is gone must not be kept by itself.
     if (inUnit_ && unitLost_) throw Error(error_number::kProviderError, kUnitLostText, kSource);
-    if (!link_) Connect();
-    cancelled_ = false;
+    const Executing executing(*this);
     const RunningBatch running(*this);
+    if (!link_) Connect();
     const BatchNature nature = NatureOf(batch);
     if (nature.leavesTraces) link_->hasTraces = true;
-    const std::string text = WithMarks(batch);
-    Outcome outcome = settings_.batchTransactions && nature.needsUnit ? RunAsUnit(text) : Run(text);
-    if (!outcome.errors.empty() || outcome.broken) {
+    const std::string text = Marked(batch);
+    OdbcOutcome outcome = settings_.batchTransactions && nature.needsUnit ? RunAsUnit(text) : Run(text);
+    if (outcome.HasFailed()) {
         // As on the embedded account set a batch that fails undoes the transaction that it runs in.
-        if (!outcome.broken && settings_.batchTransactions && (inUnit_ || link_->hasTraces)) {
-            if (Run(kRollback).broken) outcome.broken = true;
+        if (!outcome.HasStopped() && settings_.batchTransactions && (inUnit_ || link_->hasTraces)) {
+            if (Run(kRollback, Stop::kMustNot).HasStopped()) outcome.broken = true;
         }
         unitLost_ = inUnit_;
         Fail(std::move(outcome), lostAtCommit_);
@@ -277,33 +281,30 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
     return outcome.first ? outcome.first : std::make_shared<Recordset>();
 }
 
-void OdbcConnection::Fail(Outcome outcome, bool atCommit) {
-    std::int32_t number = error_number::kProviderError;
+void OdbcConnection::Fail(OdbcOutcome outcome, bool atCommit) {
     errors_ = std::move(outcome.errors);
     errors_.insert(errors_.end(), outcome.messages.begin(), outcome.messages.end());
+    if (outcome.HasStopped()) FailStopped(outcome, atCommit);
     std::string text = errors_.empty() ? std::string() : errors_.front().text;
+    despiteFailure_ = std::move(outcome.first);
+    if (const std::string advice = errors_.empty() ? std::string() : Advice(errors_.front()); !advice.empty())
+        text = advice + "\n" + text;
+    throw Error(error_number::kProviderError, text, kSource);
+}
+
+// What the driver has made of a line after taking a batch back is not worth finding out.
+void OdbcConnection::FailStopped(const OdbcOutcome& outcome, bool atCommit) {
+    link_.reset();
+    const std::string said = errors_.empty() ? std::string() : "\n" + errors_.front().text;
+    // One that times out may be given up with its line.
+    if (outcome.timedOut)
+        throw Error(error_number::kTimeoutExpired, (atCommit ? kUnknownAtCommitText : kTimeoutText) + said,
+                    kSource);
     if (outcome.broken) {
         if (OdbcPool* pool = OdbcPool::Process()) pool->Forget(connectString_);
-        link_.reset();
-        text = (atCommit ? "提交时与数据库服务器的连接断开，无法确定是否已经保存，请重新打开后检查。\n"
-                         : "与数据库服务器的连接已断开，本次操作没有完成。请重新操作。\n") +
-               text;
-    } else if (outcome.timedOut) {
-        // What the driver has made of the line after taking a batch back is not worth finding out.
-        link_.reset();
-        number = error_number::kTimeoutExpired;
-        text = "操作超时，已经取消。\n" + text;
-    } else if (outcome.cancelled || cancelled_) {
-        link_.reset();
-        number = error_number::kOperationCancelled;
-        text = "Operation canceled";
-    } else {
-        despiteFailure_ = std::move(outcome.first);
-        if (const std::string advice = errors_.empty() ? std::string() : Advice(errors_.front());
-            !advice.empty())
-            text = advice + "\n" + text;
+        throw Error(error_number::kProviderError, (atCommit ? kLostAtCommitText : kLostText) + said, kSource);
     }
-    throw Error(number, text, kSource);
+    throw Error(error_number::kOperationCancelled, atCommit ? kUnknownAtCommitText : kCancelledText, kSource);
 }
 
 void RegisterOdbcProviders() {

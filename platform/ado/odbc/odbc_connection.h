@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/ado/connection.h"
+#include "platform/ado/odbc/odbc_batch.h"
 #include "platform/ado/odbc/odbc_link.h"
 
 namespace vicenter::ado {
@@ -30,36 +31,30 @@ class OdbcConnection final : public Connection {
     const std::vector<DriverError>& Errors() const override { return errors_; }
 
   private:
-    class Running;
-    // What a batch gave, drained to its end.
-    struct Outcome {
-        RecordsetRef first;
-        std::vector<std::int64_t> counts;  // of statements without a result, in order
-        std::vector<DriverError> errors;
-        std::vector<DriverError> messages;
-        bool broken = false;
-        bool timedOut = false;
-        bool cancelled = false;
-    };
+    class Executing;
+    // A commit is never taken back: nobody would know what became of it.
+    enum class Stop { kMay, kMustNot };
 
     void Connect();
-    Outcome Run(std::string_view batch);
-    static void Sort(std::vector<DriverError> records, Outcome& outcome);
+    OdbcOutcome Run(std::string_view batch, Stop stop = Stop::kMay);
     // The batch within a transaction of its own.
-    Outcome RunAsUnit(std::string_view batch);
-    std::string WithMarks(std::string_view batch);
-    [[noreturn]] void Fail(Outcome outcome, bool atCommit);
+    OdbcOutcome RunAsUnit(std::string_view batch);
+    // The batch as it is sent.
+    std::string Marked(std::string_view batch);
+    [[noreturn]] void Fail(OdbcOutcome outcome, bool atCommit);
+    [[noreturn]] void FailStopped(const OdbcOutcome& outcome, bool atCommit);
 
     std::string connectString_;
     OdbcSettings settings_;
     bool open_ = false;
+    bool executing_ = false;
     bool lostAtCommit_ = false;
     bool inUnit_ = false;     // of BeginUnit
     bool unitLost_ = false;   // a batch of it has failed, or its line is gone: nothing of it is kept
     std::mutex runningLock_;  // held for moments only
-    SQLHSTMT running_ = SQL_NULL_HSTMT;
+    std::shared_ptr<OdbcBatch> running_;
     std::atomic<bool> cancelled_ = false;
-    std::unique_ptr<OdbcLink> link_;
+    std::shared_ptr<OdbcLink> link_;
     std::vector<DriverError> errors_;
     RecordsetRef despiteFailure_;
 };

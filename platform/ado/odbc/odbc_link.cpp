@@ -17,9 +17,6 @@ constexpr const char* kSource = "ODBC";
 constexpr const char* kPageQuery =
     "select collationproperty(convert(nvarchar(128), databasepropertyex(db_name(), 'Collation')), "
     "'CodePage')";
-constexpr std::size_t kKeptLinks = 8;
-constexpr std::chrono::seconds kPause{1};        // after which a link is asked before it is used
-constexpr std::chrono::minutes kLongestIdle{2};  // after which it is closed
 
 std::string Lower(std::string text) {
     for (char& c : text) {
@@ -66,7 +63,7 @@ std::string ConnectFailure(const std::vector<DriverError>& errors) {
 }  // namespace
 
 OdbcLink::OdbcLink(const OdbcSettings& settings, std::vector<DriverError>& errors)
-    : line_(OdbcEnvironment()) {
+    : line_(OdbcEnvironment()), answerSeconds_(settings.connectSeconds) {
     if (!line_) throw Error(error_number::kProviderNotFound, NoOdbcDriverText(), kSource);
     const std::string driver = ChosenDriver(settings);
     SQLRETURN code = Connect(settings, driver, settings.server, errors);
@@ -75,6 +72,10 @@ OdbcLink::OdbcLink(const OdbcSettings& settings, std::vector<DriverError>& error
         std::vector<DriverError> second;
         code = Connect(settings, driver, settings.failoverPartner, second);
         if (SQL_SUCCEEDED(code)) errors = std::move(second);
+    }
+    if (SQL_SUCCEEDED(code) && settings.lockMilliseconds >= 0 &&
+        !Did("set lock_timeout " + std::to_string(settings.lockMilliseconds), errors)) {
+        code = SQL_ERROR;
     }
     if (SQL_SUCCEEDED(code)) {
         errors.clear();
@@ -101,9 +102,23 @@ SQLRETURN OdbcLink::Connect(const OdbcSettings& settings, const std::string& dri
     return code;
 }
 
+bool OdbcLink::Did(const std::string& batch, std::vector<DriverError>& errors) const {
+    const OdbcStatement statement(line_.Get());
+    std::u16string text = OdbcWide(batch);
+    const SQLRETURN code = SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
+                                          static_cast<SQLINTEGER>(text.size()));
+    if (SQL_SUCCEEDED(code) || code == SQL_NO_DATA) return true;
+    errors = OdbcDiagnostics(SQL_HANDLE_STMT, statement.Get());
+    return false;
+}
+
 std::vector<std::vector<std::string>> OdbcLink::Ask(const std::string& query) const {
     std::vector<std::vector<std::string>> rows;
     const OdbcStatement statement(line_.Get());
+    if (answerSeconds_ > 0) {
+        SQLSetStmtAttrW(statement.Get(), SQL_ATTR_QUERY_TIMEOUT,
+                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(answerSeconds_)), 0);
+    }
     std::u16string text = OdbcWide(query);
     if (!SQL_SUCCEEDED(SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
                                       static_cast<SQLINTEGER>(text.size())))) {
@@ -163,56 +178,6 @@ std::optional<bool> OdbcLink::TakesUnicode(const std::string& table, const std::
     }
     return std::all_of(known->second.begin(), known->second.end(),
                        [](const auto& entry) { return entry.second; });
-}
-
-bool OdbcPool::ended_ = false;
-
-OdbcPool* OdbcPool::Process() {
-    if (ended_) return nullptr;
-    static OdbcPool pool;
-    return &pool;
-}
-
-OdbcPool::OdbcPool() {
-    // Made first, so that it goes last.
-    OdbcEnvironment();
-}
-
-OdbcPool::~OdbcPool() {
-    ended_ = true;
-}
-
-std::unique_ptr<OdbcLink> OdbcPool::Take(const std::string& key) {
-    DropOld();
-    for (;;) {
-        const auto found =
-            std::find_if(idle_.rbegin(), idle_.rend(), [&](const Idle& idle) { return idle.key == key; });
-        if (found == idle_.rend()) return nullptr;
-        const bool rested = Clock::now() - found->since > kPause;
-        std::unique_ptr<OdbcLink> link = std::move(found->link);
-        idle_.erase(std::next(found).base());
-        if (!rested || link->Answers()) return link;
-    }
-}
-
-void OdbcPool::Keep(const std::string& key, std::unique_ptr<OdbcLink> link) {
-    DropOld();
-    if (link->hasTraces) return;
-    if (idle_.size() >= kKeptLinks) idle_.erase(idle_.begin());
-    idle_.push_back({key, std::move(link), Clock::now()});
-}
-
-void OdbcPool::Forget(const std::string& key) {
-    std::erase_if(idle_, [&](const Idle& idle) { return idle.key == key; });
-}
-
-void OdbcPool::DropOld() {
-    const Clock::time_point now = Clock::now();
-    std::erase_if(idle_, [&](const Idle& idle) { return now - idle.since > kLongestIdle; });
-}
-
-void CloseIdleOdbcConnections() {
-    if (OdbcPool* pool = OdbcPool::Process()) pool->Clear();
 }
 
 }  // namespace vicenter::ado

@@ -1,17 +1,21 @@
 #pragma once
 
-// A line to a server, with what has been learned about the database at its end; and the idle ones, kept by
-// connect string. User-interface thread.
+// A line to a server, with what has been learned about the database at its end: used by one thread at a time.
+// And the idle ones, kept by connect string: any thread.
 
 #include <chrono>
+#include <condition_variable>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/ado/odbc/odbc_connect_string.h"
 #include "platform/ado/odbc/odbc_handles.h"
+#include "platform/ado/odbc/odbc_provider.h"
 #include "platform/system/code_page.h"
 
 namespace vicenter::ado {
@@ -41,10 +45,13 @@ class OdbcLink {
   private:
     SQLRETURN Connect(const OdbcSettings& settings, const std::string& driver, const std::string& server,
                       std::vector<DriverError>& errors);
+    // Runs a batch that gives nothing.
+    bool Did(const std::string& batch, std::vector<DriverError>& errors) const;
     // The texts of a small result, row by row.
     std::vector<std::vector<std::string>> Ask(const std::string& query) const;
 
     OdbcLine line_;
+    int answerSeconds_;  // after which a server that does not answer a question of ours is given up
     bool asked_ = false;
     int pageNumber_ = 0;
     std::unique_ptr<system::CodePage> page_;
@@ -64,23 +71,38 @@ class OdbcPool {
     ~OdbcPool();
 
     // A kept link that still works, or none.
-    std::unique_ptr<OdbcLink> Take(const std::string& key);
-    void Keep(const std::string& key, std::unique_ptr<OdbcLink> link);
+    std::shared_ptr<OdbcLink> Take(const std::string& key);
+    void Keep(const std::string& key, std::shared_ptr<OdbcLink> link);
     // The server has gone away: what is kept of that connect string is as dead.
     void Forget(const std::string& key);
-    void Clear() { idle_.clear(); }
+    // Also ends the thread that watches the time.
+    void Clear();
+    OdbcPooling Limits() const;
+    void SetLimits(const OdbcPooling& limits);
 
   private:
     using Clock = std::chrono::steady_clock;
     struct Idle {
         std::string key;
-        std::unique_ptr<OdbcLink> link;
+        std::shared_ptr<OdbcLink> link;
         Clock::time_point since;
     };
-    void DropOld();
+    using Links = std::vector<Idle>;  // the longest idle first
+    // What has been idle for too long or is too much, taken out: to be closed without the lock, since closing
+    // may take its time.
+    Links TakeOld();
+    // Closes what has been idle for long, whether or not anybody asks for a link.
+    void WatchTime();
+    void StopWatching();
 
     static bool ended_;
-    std::vector<Idle> idle_;
+    mutable std::mutex mutex_;
+    OdbcPooling limits_;
+    Links idle_;
+    std::condition_variable changed_;
+    bool stopping_ = false;
+    std::mutex watchMutex_;  // of who starts and ends the thread
+    std::thread watch_;
 };
 
 }  // namespace vicenter::ado

@@ -10,6 +10,8 @@
 //   Pooling=no            connects anew each time; otherwise connections are kept and used again
 // Process-wide, user-interface thread.
 
+#include <chrono>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -29,6 +31,16 @@ std::vector<OdbcDriver> OdbcDrivers();
 
 // What to do when there is none.
 std::string NoOdbcDriverText();
+
+// Connections that are kept for their next use.
+struct OdbcPooling {
+    std::size_t most = 8;
+    std::chrono::milliseconds pause{1'000};          // after which one is asked before it is used again
+    std::chrono::milliseconds longestIdle{120'000};  // after which it is closed
+};
+
+OdbcPooling CurrentOdbcPooling();
+void SetOdbcPooling(const OdbcPooling& pooling);
 
 // Closes the kept connections, for instance before a database is dropped.
 void CloseIdleOdbcConnections();

@@ -1,0 +1,107 @@
+#include "platform/ado/odbc/odbc_batch.h"
+
+#include "platform/ado/odbc/odbc_result.h"
+
+namespace vicenter::ado {
+
+namespace {
+
+constexpr std::int32_t kFirstErrorSeverity = 11;
+
+}  // namespace
+
+// The statement that Cancel() may take back, for as long as it runs.
+class OdbcBatch::Running {
+  public:
+    Running(OdbcBatch& batch, SQLHSTMT statement) : batch_(batch) { Set(statement); }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+    ~Running() { Set(SQL_NULL_HSTMT); }
+
+  private:
+    void Set(SQLHSTMT statement) {
+        const std::lock_guard guard(batch_.lock_);
+        batch_.running_ = statement;
+    }
+    OdbcBatch& batch_;
+};
+
+OdbcBatch::OdbcBatch(std::shared_ptr<OdbcLink> link, std::string text, int seconds,
+                     bool keepsResultsBehindErrors)
+    : link_(std::move(link)),
+      text_(std::move(text)),
+      seconds_(seconds),
+      keepsResultsBehindErrors_(keepsResultsBehindErrors) {}
+
+void OdbcBatch::Cancel() noexcept {
+    // Where the lock is held a statement is just beginning or ending.
+    const std::unique_lock lock(lock_, std::try_to_lock);
+    if (lock && running_ != SQL_NULL_HSTMT) SQLCancel(running_);
+}
+
+// Errors and messages apart, as callers look for them.
+void OdbcBatch::Sort(std::vector<DriverError> records) {
+    for (DriverError& record : records) {
+        if (IsBrokenLine(record)) outcome_.broken = true;
+        if (record.sqlState == "HYT00" || record.sqlState == "HYT01") outcome_.timedOut = true;
+        if (record.sqlState == "HY008") outcome_.cancelled = true;
+        const bool isError = record.severity >= kFirstErrorSeverity;
+        // The driver's own remark that there was an error adds nothing.
+        if (isError && record.native == 0 && !outcome_.errors.empty() && !IsBrokenLine(record)) continue;
+        (isError ? outcome_.errors : outcome_.messages).push_back(std::move(record));
+    }
+}
+
+// Before any other call, which would clear them.
+void OdbcBatch::Note(SQLHSTMT statement, SQLRETURN code) {
+    if (code == SQL_ERROR || code == SQL_SUCCESS_WITH_INFO) Sort(OdbcDiagnostics(SQL_HANDLE_STMT, statement));
+}
+
+void OdbcBatch::Run() {
+    const OdbcStatement statement(link_->Line());
+    if (!statement) {
+        Sort(OdbcDiagnostics(SQL_HANDLE_DBC, link_->Line()));
+        outcome_.broken = true;
+        return;
+    }
+    if (seconds_ > 0) {
+        SQLSetStmtAttrW(statement.Get(), SQL_ATTR_QUERY_TIMEOUT,
+                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds_)), 0);
+    }
+    std::u16string text = OdbcWide(text_);
+    const Running running(*this, statement.Get());
+    Drain(statement.Get(), SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
+                                          static_cast<SQLINTEGER>(text.size())));
+    // A line that was cut may come out as the mere end of the results.
+    if (IsDead(link_->Line())) outcome_.broken = true;
+}
+
+void OdbcBatch::Drain(SQLHSTMT statement, SQLRETURN code) {
+    RecordsetRef last;
+    for (;; code = SQLMoreResults(statement)) {
+        // No rows changed, nothing created that counts: all the same a batch that ran.
+        if (code == SQL_NO_DATA || code == SQL_INVALID_HANDLE) return;
+        Note(statement, code);
+        if (outcome_.HasStopped()) return;
+        if (code == SQL_ERROR) continue;
+        const bool hadFailed = !outcome_.errors.empty();
+        SQLSMALLINT columns = 0;
+        SQLNumResultCols(statement, &columns);
+        if (columns == 0) {
+            SQLLEN rows = -1;
+            if (SQL_SUCCEEDED(SQLRowCount(statement, &rows)) && rows >= 0) outcome_.counts.push_back(rows);
+            continue;
+        }
+        OdbcRows read = ReadOdbcResult(statement, columns);
+        Note(statement, read.end);
+        // The server goes on behind an error; what it gives from there on is undone with the rest.
+        if (!hadFailed || keepsResultsBehindErrors_) {
+            if (last) last->SetNext(read.recordset);
+            if (!outcome_.first) outcome_.first = read.recordset;
+            last = std::move(read.recordset);
+        }
+        if (outcome_.HasStopped()) return;
+    }
+}
+
+}  // namespace vicenter::ado

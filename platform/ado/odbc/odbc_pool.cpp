@@ -1,0 +1,141 @@
+#include <algorithm>
+
+#include "platform/ado/odbc/odbc_link.h"
+
+namespace vicenter::ado {
+
+bool OdbcPool::ended_ = false;
+
+OdbcPool* OdbcPool::Process() {
+    if (ended_) return nullptr;
+    static OdbcPool pool;
+    return &pool;
+}
+
+OdbcPool::OdbcPool() {
+    // Made first, so that it goes last.
+    OdbcEnvironment();
+}
+
+OdbcPool::~OdbcPool() {
+    ended_ = true;
+    StopWatching();
+}
+
+std::shared_ptr<OdbcLink> OdbcPool::Take(const std::string& key) {
+    for (;;) {
+        Idle found;
+        bool rested = false;
+        Links old;
+        {
+            const std::lock_guard lock(mutex_);
+            old = TakeOld();
+            const auto last =
+                std::find_if(idle_.rbegin(), idle_.rend(), [&](const Idle& idle) { return idle.key == key; });
+            if (last == idle_.rend()) return nullptr;
+            rested = Clock::now() - last->since > limits_.pause;
+            found = std::move(*last);
+            idle_.erase(std::next(last).base());
+        }
+        if (!rested || found.link->Answers()) return found.link;
+    }
+}
+
+void OdbcPool::Keep(const std::string& key, std::shared_ptr<OdbcLink> link) {
+    if (link->hasTraces) return;
+    Links old;
+    {
+        const std::lock_guard lock(mutex_);
+        idle_.push_back({key, std::move(link), Clock::now()});
+        old = TakeOld();
+    }
+    changed_.notify_all();
+    const std::lock_guard guard(watchMutex_);
+    if (!watch_.joinable()) watch_ = std::thread([this] { WatchTime(); });
+}
+
+void OdbcPool::Forget(const std::string& key) {
+    Links gone;
+    const std::lock_guard lock(mutex_);
+    const auto first =
+        std::stable_partition(idle_.begin(), idle_.end(), [&](const Idle& idle) { return idle.key != key; });
+    gone.assign(std::make_move_iterator(first), std::make_move_iterator(idle_.end()));
+    idle_.erase(first, idle_.end());
+}
+
+void OdbcPool::Clear() {
+    StopWatching();
+    Links all;
+    const std::lock_guard lock(mutex_);
+    all.swap(idle_);
+}
+
+OdbcPooling OdbcPool::Limits() const {
+    const std::lock_guard lock(mutex_);
+    return limits_;
+}
+
+void OdbcPool::SetLimits(const OdbcPooling& limits) {
+    Links old;
+    {
+        const std::lock_guard lock(mutex_);
+        limits_ = limits;
+        old = TakeOld();
+    }
+    changed_.notify_all();
+}
+
+OdbcPool::Links OdbcPool::TakeOld() {
+    const Clock::time_point now = Clock::now();
+    auto first = idle_.begin();
+    while (first != idle_.end() && (now - first->since >= limits_.longestIdle ||
+                                    static_cast<std::size_t>(idle_.end() - first) > limits_.most))
+        ++first;
+    Links old(std::make_move_iterator(idle_.begin()), std::make_move_iterator(first));
+    idle_.erase(idle_.begin(), first);
+    return old;
+}
+
+void OdbcPool::WatchTime() {
+    std::unique_lock lock(mutex_);
+    while (!stopping_) {
+        if (idle_.empty()) {
+            changed_.wait(lock);
+        } else {
+            changed_.wait_until(lock, idle_.front().since + limits_.longestIdle);
+        }
+        if (Links old = TakeOld(); !old.empty()) {
+            lock.unlock();
+            old.clear();
+            lock.lock();
+        }
+    }
+}
+
+void OdbcPool::StopWatching() {
+    const std::lock_guard guard(watchMutex_);
+    if (!watch_.joinable()) return;
+    {
+        const std::lock_guard lock(mutex_);
+        stopping_ = true;
+    }
+    changed_.notify_all();
+    watch_.join();
+    const std::lock_guard lock(mutex_);
+    stopping_ = false;
+}
+
+void CloseIdleOdbcConnections() {
+    if (OdbcPool* pool = OdbcPool::Process()) pool->Clear();
+}
+
+OdbcPooling CurrentOdbcPooling() {
+    OdbcPool* pool = OdbcPool::Process();
+    return pool != nullptr ? pool->Limits() : OdbcPooling();
+}
+
+void SetOdbcPooling(const OdbcPooling& pooling) {
+    if (OdbcPool* pool = OdbcPool::Process()) pool->SetLimits(pooling);
+}
+
+}  // namespace vicenter::ado
