@@ -35,6 +35,15 @@ TemplateFate FateOfOpenTemplate(const WindowState& state) {
     }
 }
 
+std::optional<LinesDigest> DigestOfStored(const std::string& templateId) {
+    try {
+        const std::optional<store::TemplateRow> row = store::AskTemplateWithLines(templateId);
+        return row ? std::optional(DigestOf(*row->lines)) : std::nullopt;
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
 NodeFate FateOfNode(const std::string& id, const std::string& name, const std::string& userId) {
     const std::optional<store::TemplateRow> row = store::AskTemplate(id);
     if (!row) return {TemplateFate::Unknown, name};

@@ -6,6 +6,7 @@
 // given to the next new one. Before the window writes to a template or opens one from its tree, one question
 // to the account set finds that out. Nothing is said as long as nothing has happened. Part of frmVICenter.
 
+#include <optional>
 #include <string>
 
 #include "center/frame/window_state.h"
@@ -21,6 +22,9 @@ enum class TemplateFate {
 
 // The open template, its lines included.
 TemplateFate FateOfOpenTemplate(const WindowState& state);
+
+// The lines of a template as the account set holds them now; nothing when it does not answer.
+std::optional<LinesDigest> DigestOfStored(const std::string& templateId);
 
 struct NodeFate {
     TemplateFate fate = TemplateFate::Unknown;

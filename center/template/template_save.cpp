@@ -165,9 +165,10 @@ std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::strin
 
 SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
                         const std::string& name) {
+    bool stored = false;
     try {
         // A rejected batch has been shown to the user by then; the messages of a success follow all the same.
-        const bool stored = store::clsVIData().IsExecuteSql(BuildSaveBatch(grid, rowCount, templateId));
+        stored = store::clsVIData().IsExecuteSql(BuildSaveBatch(grid, rowCount, templateId));
         const std::optional<std::string> unusable = UnusableNumbers(templateId);
         std::string text = "模板 " + name + " 保存成功！";
         if (unusable) {
@@ -179,7 +180,7 @@ SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& 
         return stored ? SendResult::Stored : SendResult::Refused;
     } catch (const Error&) {
         TellSaveFailed(name);
-        return SendResult::Failed;
+        return stored ? SendResult::StoredUntold : SendResult::Failed;
     }
 }
 
@@ -229,7 +230,10 @@ bool TemplateSave::Save() {
 bool TemplateSave::SendAndReload(bool treeToo) {
     const SendResult sent =
         SendTemplate(*state_.grid, state_.rowCount, state_.templateId, state_.templateName);
-    if (sent == SendResult::Failed) return false;
+    // Nobody else has changed the template: the next save must not ask whether to overwrite it.
+    if (sent == SendResult::StoredUntold)
+        state_.loaded = DigestOfStored(state_.templateId).value_or(state_.loaded);
+    if (sent == SendResult::Failed || sent == SendResult::StoredUntold) return false;
     const std::string name = state_.templateName;
     const LinesDigest loadedBefore = state_.loaded;
     if (sent == SendResult::Refused) kept_.Take();

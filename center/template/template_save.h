@@ -29,6 +29,7 @@ enum class SendResult {
     Stored,
     Refused,  // the database refused the batch, which the user has been shown; the success message followed
     Failed,   // an error of the save
+    StoredUntold,  // told as failed, since what it makes unusable could not be asked
 };
 // Sends the batch and tells the user and the operation log how it went.
 SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
