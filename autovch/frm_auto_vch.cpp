@@ -136,7 +136,7 @@ void frmAutoVch::Command(int index) {
         return view_.ShowProgress(done, all);
     });
     if (shown) view_.HideProgress();
-    if (result_.generated) view_.Unload();
+    if (result_.outcome) view_.Unload();
 }
 
 }  // namespace vicenter::autovch

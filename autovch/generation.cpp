@@ -11,11 +11,11 @@
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
 #include "store/statements.h"
+#include "store/template_batches.h"
 #include "store/template_guard.h"
 
 namespace vicenter::autovch {
 
-using entry::kCrLf;
 using system::MessageButtons;
 using system::MessageResult;
 
@@ -45,18 +45,6 @@ class ItemsTexts {
   private:
     std::map<std::string, std::string> texts_;
 };
-
-std::string UnusableNote(const std::string& templateId) {
-    const auto numbers = store::GetRecordset(
-        "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = " + templateId + " order by fno");
-    if (!numbers || numbers->AtEnd()) return {};
-    std::string list;
-    for (; !numbers->AtEnd(); numbers->MoveNext()) {
-        if (!list.empty()) list += "、";
-        list += numbers->Value("FNo").ToTextOrEmpty();
-    }
-    return "注：编号为 " + list + " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
-}
 
 }  // namespace
 
@@ -115,22 +103,26 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     if (target.overwriteId < 0) store::ClearWayForNewTemplate();
     // With the lines come the flags of the numbers that can be used, or nothing does.
     store::CommandUnit unit;
-    if (!store::RunSql(batch)) return {};
-
     GenerationResult result;
-    result.templateId = store::clsVIData().FindVchTemplate(name, userId);
-    if (result.templateId < 0) return {};
-    const std::string templateId = std::to_string(result.templateId);
-    store::RunSql("exec pro_VchTpCanUsed " + templateId);
+    using Outcome = store::TemplateOutcome::State;
+    result.outcome.state = Outcome::Refused;
+    if (!store::RunSql(batch)) return result;
+
+    result.outcome.state = Outcome::Failed;
+    const std::int32_t id = store::clsVIData().FindVchTemplate(name, userId);
+    if (id < 0) {
+        result.outcome.untold = store::clsVIData::LastFailure();
+        return result;
+    }
+    const std::string templateId = std::to_string(id);
+    store::RunSql(store::MarkUsable(templateId));
     if (!unit.Commit()) {
         ShowMessage("凭证模板生成失败！");
-        return {};
+        return result;
     }
-    result.generated = true;
-    result.message = "凭证生成凭证模板 " + name + " 成功！";
-    if (const std::string note = UnusableNote(templateId); !note.empty()) {
-        result.message.append(kCrLf).append(kCrLf).append(note);
-    }
+    result.outcome = {Outcome::Saved, id,
+                      store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>())};
+    result.message = store::WithUnusableNote("凭证生成凭证模板 " + name + " 成功！", result.outcome.unusable);
     return result;
 }
 

@@ -10,6 +10,7 @@
 
 #include "autovch/generation_sql.h"
 #include "autovch/voucher_filter.h"
+#include "store/template_outcome.h"
 
 namespace vicenter::autovch {
 
@@ -20,8 +21,7 @@ struct GenerationRequest {
 };
 
 struct GenerationResult {
-    std::int32_t templateId = 0;
-    bool generated = false;
+    store::TemplateOutcome outcome;
     std::string message;  // for the caller to show once the dialog is closed
 };
 

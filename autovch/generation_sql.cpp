@@ -1,6 +1,7 @@
 #include "autovch/generation_sql.h"
 
 #include "entry/sql_text.h"
+#include "store/template_batches.h"
 
 namespace vicenter::autovch {
 
@@ -80,41 +81,6 @@ void AppendSql(std::string& batch, const Variant& value) {
     }
 }
 
-void AppendLine(std::string& batch, std::string_view statement) {
-    batch.append(statement).append(kCrLf);
-}
-
-std::string ControlRows(bool overwrite) {
-    std::string sql;
-    for (const char* line :
-         {" declare @FNo int ", " declare @Vch_cursor CURSOR ", " Set @Vch_cursor = CURSOR FOR ",
-          "     select distinct FNo from t_VchTemplateEntry where FID = @MaxFID ", " OPEN @Vch_cursor ",
-          " FETCH @Vch_cursor into @FNo ", " while @@fetch_status=0 ", " Begin ",
-          "     declare @FFileCount int ", "     declare @Exp nvarchar(255) ",
-          ("     select Top 1 @FFileCount=FFileCount,@Exp=FExp from t_VchTemplateEntry where FID = @MaxFID "
-           "and FNo = @FNo "
-           "order by FEntryID ")}) {
-        AppendLine(sql, line);
-    }
-    AppendLine(
-        sql, overwrite
-                 ? "     update t_VchTpControl set FFileCount = @FFileCount,FKey = @Exp where FID = @MaxFID "
-                   "and FNo = @FNo "
-                 : "     insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount) "
-                   "values(@MaxFID,@FNo,0,@Exp,@FFileCount) ");
-    for (const char* line : {"     fetch next from @Vch_cursor into @FNo ", " End ", " close @Vch_cursor "}) {
-        AppendLine(sql, line);
-    }
-    sql += " deallocate @Vch_cursor ";
-    if (overwrite) {
-        sql += std::string(kCrLf) +
-               " delete t_VchTpControl where FID = @MaxFID and FNo not in (select FNo from "
-               "t_VchTemplateEntry where FID "
-               "= @MaxFID) ";
-    }
-    return sql;
-}
-
 }  // namespace
 
 std::string VoucherQuery(const VoucherFilter& filter) {
@@ -153,20 +119,8 @@ std::string EntryColumns(const ChosenColumns& chosen) {
 
 std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& chosen,
                             ado::Recordset& vouchers, const ItemsOf& itemsOf, const Progress& progress) {
-    const bool overwrite = target.overwriteId >= 0;
-    const std::string id = std::to_string(target.overwriteId);
     std::string batch;
-    if (overwrite) {
-        AppendLine(batch, " delete t_VchTemplateEntry where FID = " + id);
-        AppendLine(batch, " delete t_VchTemplate where FID = " + id);
-        AppendLine(batch, " declare @MaxFID int ");
-        AppendLine(batch, " set @MaxFID = " + id);
-    } else {
-        AppendLine(batch, " declare @MaxFID int ");
-        AppendLine(batch, " select @MaxFID = Max(FID)+1 from t_VchTemplate ");
-    }
-    AppendLine(batch, " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) values(@MaxFID," +
-                          SqlQuote(target.name) + "," + target.userId + ",'',GetDate()) ");
+    store::BeginTemplate(batch, target.overwriteId, target.name, target.userId);
 
     // Where each value stands in the query, found once for all rows.
     struct Source {
@@ -181,26 +135,25 @@ std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& c
             {vouchers.ColumnIndex(store::Column(column).field), column == store::column::kItems});
     }
 
-    const std::string head =
-        " insert into t_VchTemplateEntry(FID,FEntryID," + EntryColumns(chosen) + ") values(@MaxFID,";
+    const store::LineInserts lines(EntryColumns(chosen));
     const std::int64_t all = vouchers.RecordCount();
-    batch.reserve(batch.size() + static_cast<std::size_t>(all) * (head.size() + sources.size() * 12));
+    batch.reserve(batch.size() + static_cast<std::size_t>(all) * (lines.HeadLength() + sources.size() * 12));
     for (std::int64_t row = 0; row < all; ++row) {
         if (progress && row % kProgressRows == 0 && !progress(row, all)) return {};
-        batch.append(head).append(std::to_string(row + 1));
+        lines.Begin(batch, row + 1);
         for (const Source& source : sources) {
             const Variant& value = vouchers.ValueAt(static_cast<std::size_t>(row), source.column);
-            batch += ',';
+            if (&source != sources.data()) batch += ',';
             if (source.items) {
                 AppendSqlQuoted(batch, itemsOf(value.ToTextOrEmpty()));
             } else {
                 AppendSql(batch, value);
             }
         }
-        AppendLine(batch, ") ");
+        store::LineInserts::End(batch);
     }
     if (progress && !progress(all, all)) return {};
-    return batch + ControlRows(overwrite);
+    return batch + store::ControlRows(target.overwriteId);
 }
 
 }  // namespace vicenter::autovch

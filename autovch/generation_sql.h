@@ -33,7 +33,7 @@ using Progress = std::function<bool(std::int64_t done, std::int64_t all)>;
 struct TemplateTarget {
     std::string name;
     std::string userId;
-    std::int32_t overwriteId = -1;  // the template to replace; -1: a new one
+    std::int32_t overwriteId = -1;  // the template to replace; store::kNewTemplate: a new one
 };
 
 // The whole batch, or the empty text when the progress gave up. Reads the recordset from its first row.

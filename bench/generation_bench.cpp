@@ -206,7 +206,7 @@ int main(int argc, char** argv) {
         for (const char* table : {"t_VchTpControl", "t_VchTemplateEntry", "t_VchTemplate"})
             raw.Run(("DELETE FROM " + std::string(table) + mine).c_str());
     };
-    const auto generate = [&] { Require(autovch::Generate(request).generated, "the template is generated"); };
+    const auto generate = [&] { Require(!!autovch::Generate(request).outcome, "the template is generated"); };
     const auto same = [&] {
         const std::string all = std::string("FEntryID,") + kColumns + " FROM t_VchTemplateEntry WHERE FID";
         Require(

@@ -6,10 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "store/template_batches.h"
+
 namespace vicenter::exchange {
 
-// The existing id that stands for a new template.
-inline constexpr std::int32_t kNewTemplate = -1;
+using store::kNewTemplate;
 
 void StartImportBatch(std::string& batch, std::int32_t existingId, std::string_view name,
                       std::string_view userId);

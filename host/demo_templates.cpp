@@ -8,6 +8,7 @@
 
 #include "automation/error.h"
 #include "host/data_table.h"
+#include "store/template_batches.h"
 
 namespace vicenter::host {
 
@@ -72,19 +73,33 @@ std::string EntryStatement(const DemoMaster& master, const std::string& id, std:
     const DemoUnit* unit = master.FindUnit(line.Value("unit"));
     const std::string_view name =
         account && line.Value("name").empty() ? std::string_view(account->name) : line.Value("name");
-    return "insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName,"
-           "FSettleID,FSettleName,FSettleNumber,FCurrencyID,FCurrencyName,FRate,FAmountFor,FAmount,"
-           "FQty,FPrice,FUnitID,FUnitName,FRemark,FFileCount,FItemsInfo) values(" +
-           id + "," + std::to_string(entryId) + "," + std::string(line.number) + "," +
-           SqlLiteral(line.explanation) + "," + (line.debit ? "1" : "0") + "," +
-           std::to_string(account ? account->id : 0) + "," + SqlLiteral(line.account) + "," +
-           SqlLiteral(name) + "," + std::to_string(settle ? settle->id : 0) + "," +
-           SqlLiteral(line.Value("settle")) + "," + SqlLiteral(line.Value("settleno")) + "," +
-           std::to_string(currency ? currency->id : 0) + "," + SqlLiteral(line.Value("currency")) + "," +
-           line.Number("rate") + "," + line.Number("for") + "," + line.Number("amount") + "," +
-           line.Number("qty") + "," + line.Number("price") + "," + std::to_string(unit ? unit->id : 0) + "," +
-           SqlLiteral(line.Value("unit")) + "," + SqlLiteral(line.Value("remark")) + "," +
-           line.Number("files") + "," + SqlLiteral(line.Value("items")) + ")";
+    namespace column = store::column;
+    store::LineValues values;
+    const auto set = [&values](int c, std::string value) {
+        values[static_cast<std::size_t>(c - 1)] = std::move(value);
+    };
+    set(column::kNo, std::string(line.number));
+    set(column::kExplanation, SqlLiteral(line.explanation));
+    set(column::kDirection, line.debit ? "1" : "0");
+    set(column::kAccountId, std::to_string(account ? account->id : 0));
+    set(column::kAccountNumber, SqlLiteral(line.account));
+    set(column::kAccountName, SqlLiteral(name));
+    set(column::kFileCount, line.Number("files"));
+    set(column::kSettleId, std::to_string(settle ? settle->id : 0));
+    set(column::kSettleName, SqlLiteral(line.Value("settle")));
+    set(column::kSettleNumber, SqlLiteral(line.Value("settleno")));
+    set(column::kItems, SqlLiteral(line.Value("items")));
+    set(column::kCurrencyId, std::to_string(currency ? currency->id : 0));
+    set(column::kCurrencyName, SqlLiteral(line.Value("currency")));
+    set(column::kRate, line.Number("rate"));
+    set(column::kAmountFor, line.Number("for"));
+    set(column::kUnitId, std::to_string(unit ? unit->id : 0));
+    set(column::kUnitName, SqlLiteral(line.Value("unit")));
+    set(column::kQuantity, line.Number("qty"));
+    set(column::kPrice, line.Number("price"));
+    set(column::kAmount, line.Number("amount"));
+    set(column::kRemark, SqlLiteral(line.Value("remark")));
+    return store::LineInsert(id, entryId, values);
 }
 
 }  // namespace
@@ -93,23 +108,20 @@ void WriteDemoTemplates(const DemoMaster& master, SqlWriter& writer) {
     int templateId = 0;
     for (const Template& entry : ReadTemplates()) {
         const std::string id = std::to_string(templateId);
-        writer.Add("insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) values(" + id + "," +
-                   SqlLiteral(entry.name) + "," + std::string(entry.user) + ",'0','2026-01-" +
-                   (kFirstDay + templateId < 10 ? "0" : "") + std::to_string(kFirstDay + templateId) +
-                   "T08:00:00')");
+        writer.Add(store::kTemplateInsert + id + "," + SqlLiteral(entry.name) + "," +
+                   std::string(entry.user) + ",'0','2026-01-" + (kFirstDay + templateId < 10 ? "0" : "") +
+                   std::to_string(kFirstDay + templateId) + "T08:00:00')");
         std::string_view lastNumber;
         for (std::size_t i = 0; i < entry.lines.size(); ++i) {
             const Line& line = entry.lines[i];
             writer.Add(EntryStatement(master, id, i + 1, line));
             if (line.number == lastNumber) continue;  // the key is the first line's explanation
             lastNumber = line.number;
-            writer.Add(
-                "insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) values(" + id +
-                "," + std::string(line.number) + "," +
-                std::to_string((templateId * 7 + static_cast<int>(i) * 3) % 12) + "," +
-                SqlLiteral(line.explanation) + "," + line.Number("files") + ",0)");
+            writer.Add(store::kControlInsert + id + "," + std::string(line.number) + "," +
+                       std::to_string((templateId * 7 + static_cast<int>(i) * 3) % 12) + "," +
+                       SqlLiteral(line.explanation) + "," + line.Number("files") + ",0)");
         }
-        writer.Add("exec pro_VchTpCanUsed " + id);
+        writer.Add(store::MarkUsable(id));
         ++templateId;
     }
 }

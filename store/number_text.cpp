@@ -250,6 +250,27 @@ bool IsCalculation(std::string_view text) {
            plain->find_first_of("0123456789") != std::string::npos;
 }
 
+std::optional<PlainNumberParts> SplitPlainNumber(std::string_view text) {
+    PlainNumberParts parts;
+    if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+        parts.negative = text.front() == '-';
+        text.remove_prefix(1);
+    }
+    const std::size_t point = text.find('.');
+    parts.whole = text.substr(0, point);
+    if (point != std::string_view::npos) {
+        parts.point = true;
+        parts.fraction = text.substr(point + 1);
+    }
+    if (!AllDigits(parts.whole) || !AllDigits(parts.fraction)) return std::nullopt;
+    return parts;
+}
+
+bool IsPlainNumber(std::string_view text) {
+    const std::optional<PlainNumberParts> parts = SplitPlainNumber(system::TrimBlanks(text));
+    return parts && !(parts->whole.empty() && parts->fraction.empty());
+}
+
 std::optional<Decimal> Calculate(std::string_view text) {
     const std::optional<std::string> plain = PlainCharacters(text);
     if (!plain) return std::nullopt;

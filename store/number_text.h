@@ -11,6 +11,19 @@
 
 namespace vicenter::store {
 
+// The parts of a plain number: digits, behind them possibly '.' and digits. The number may still be growing,
+// so that both may be empty. Nothing for any other text, blanks around it among them.
+struct PlainNumberParts {
+    bool negative = false;
+    bool point = false;
+    std::string_view whole;
+    std::string_view fraction;
+};
+std::optional<PlainNumberParts> SplitPlainNumber(std::string_view text);
+// A decimal number in plain form: blanks around, optional sign, digits with at most one '.', at least one
+// digit. No exponent, no hexadecimal, no separators, no currency signs.
+bool IsPlainNumber(std::string_view text);
+
 // The number that is meant, in plain form: a '-' when it is negative, digits as written, '.' before a
 // fraction. Taken are blanks around, thousands separators in their places, full-width digits and signs, a
 // currency sign before or behind, brackets or a trailing minus for negative amounts. Nothing for any other

@@ -6,6 +6,7 @@
 #include "entry/host_context.h"
 #include "entry/sql_text.h"
 #include "store/cls_vi_data.h"
+#include "store/template_batches.h"
 
 namespace vicenter::store {
 
@@ -32,10 +33,7 @@ std::string CustomTemplateName(std::int64_t number) {
 RecordsetRef clsVIData::GetVchTemplateByUserID(const std::string& iUserID) {
     try {
         Query(std::string("if Not exists(select 1 from t_VchTemplate where FID = 0) ") + kCrLf + " begin " +
-              kCrLf +
-              " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
-              "values(0,'标准模板',0,'0',GETDATE()) " +
-              kCrLf + " end");
+              kCrLf + " " + kTemplateInsert + "0,'标准模板',0,'0',GETDATE()) " + kCrLf + " end");
         return QueryAgain(
             "select a.* from (select FID,FName from t_VchTemplate where fid <> 0 and FUserID = " + iUserID +
             kCrLf + " union all " + kCrLf +
@@ -115,10 +113,9 @@ std::int32_t clsVIData::InsertVchTemplateInfo(std::int32_t& lMaxNum) {
             if (lMaxNum <= number) lMaxNum = number;
         }
         QueryAgain(std::string(" declare @MaxFID int ") + kCrLf +
-                   " select @MaxFID = MAX(FID)+1 from t_VchTemplate " + kCrLf +
-                   " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) values(@MaxFID,'" +
-                   CustomTemplateName(std::int64_t{lMaxNum} + 1) + "'," + entry::CurrentUserId() +
-                   ",'0',GETDATE())" + kCrLf);
+                   " select @MaxFID = MAX(FID)+1 from t_VchTemplate " + kCrLf + " " + kTemplateInsert +
+                   "@MaxFID,'" + CustomTemplateName(std::int64_t{lMaxNum} + 1) + "'," +
+                   entry::CurrentUserId() + ",'0',GETDATE())" + kCrLf);
         const RecordsetRef id = QueryAgain("select Max(FID) as FID from t_VchTemplate ");
         return id->Value("FID").ToInt32();
     } catch (const Error&) {

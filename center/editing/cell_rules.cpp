@@ -21,30 +21,6 @@ bool AllDigits(std::string_view text) {
     return std::all_of(text.begin(), text.end(), IsDigit);
 }
 
-// Sign, whole digits and fraction digits of a plain number; the number may still be growing.
-struct NumberParts {
-    bool negative = false;
-    bool point = false;
-    std::string_view whole;
-    std::string_view fraction;
-};
-
-std::optional<NumberParts> SplitNumber(std::string_view text) {
-    NumberParts parts;
-    if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
-        parts.negative = text.front() == '-';
-        text.remove_prefix(1);
-    }
-    const std::size_t point = text.find('.');
-    parts.whole = text.substr(0, point);
-    if (point != std::string_view::npos) {
-        parts.point = true;
-        parts.fraction = text.substr(point + 1);
-    }
-    if (!AllDigits(parts.whole) || !AllDigits(parts.fraction)) return std::nullopt;
-    return parts;
-}
-
 std::string_view WithoutLeadingZeros(std::string_view digits) {
     return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
 }
@@ -62,7 +38,7 @@ bool IsNumberKind(CellKind kind) {
 }
 
 TextVerdict CheckNumber(const ColumnSpec& spec, std::string_view text) {
-    const std::optional<NumberParts> parts = SplitNumber(text);
+    const std::optional<store::PlainNumberParts> parts = store::SplitPlainNumber(text);
     if (!parts || (parts->whole.empty() && parts->fraction.empty())) return TextVerdict::NotANumber;
     // The smallest value is 0, so that a sign has no place in a cell.
     if (parts->negative) return TextVerdict::Negative;
@@ -193,12 +169,6 @@ std::size_t FewestDecimals(int gridColumn) {
 
 }  // namespace
 
-bool IsPlainNumber(std::string_view text) {
-    text = system::TrimBlanks(text);
-    const std::optional<NumberParts> parts = SplitNumber(text);
-    return parts && !(parts->whole.empty() && parts->fraction.empty());
-}
-
 bool AcceptsCharacter(int gridColumn, char32_t character) {
     if (character == U'\'' || character == U'|' || character < 0x20 || character == 0x7F) return false;
     switch (Column(gridColumn).kind) {
@@ -266,7 +236,7 @@ bool AcceptsProgramText(int gridColumn, std::string_view text) {
 std::string DisplayText(int gridColumn, std::string_view plain) {
     if (Column(gridColumn).kind != CellKind::Decimal) return std::string(plain);
     const std::string_view trimmed = system::TrimBlanks(plain);
-    const std::optional<NumberParts> parts = SplitNumber(trimmed);
+    const std::optional<store::PlainNumberParts> parts = store::SplitPlainNumber(trimmed);
     if (!parts || (parts->whole.empty() && parts->fraction.empty())) return std::string(plain);
 
     std::string result = parts->negative ? "-" : "";

@@ -12,11 +12,11 @@
 #include <string>
 #include <string_view>
 
+#include "store/number_text.h"
+
 namespace vicenter::center {
 
-// A decimal number in plain form: blanks around, optional sign, digits with at most one '.', at least one
-// digit. No exponent, no hexadecimal, no separators, no currency signs.
-bool IsPlainNumber(std::string_view text);
+using store::IsPlainNumber;
 
 // False for a character that is dropped at the key: ' and | everywhere, all but digits in column 1,
 // everything in locked columns and in the direction list. Every other text is judged as a whole.

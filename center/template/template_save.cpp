@@ -9,6 +9,7 @@
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/statements.h"
+#include "store/template_batches.h"
 #include "store/template_guard.h"
 
 namespace vicenter::center {
@@ -18,99 +19,6 @@ using entry::kCrLf;
 using entry::LogKind;
 using system::MessageButtons;
 using system::MessageResult;
-
-namespace {
-
-// One row's values on their way into SQL.
-class RowValues {
-  public:
-    RowValues(const EntryGrid& grid, int row) : grid_(grid), row_(row) {}
-
-    std::string Raw(int c) const { return std::string(grid_.Text(row_, c)); }
-    std::string Quoted(int c) const { return entry::SqlQuote(grid_.Text(row_, c), true, true); }
-    std::string Id(int c) const {
-        const std::string_view text = grid_.Text(row_, c);
-        return text.empty() ? "0" : std::string(text);
-    }
-    std::string Number(int c) const {
-        const std::string_view text = grid_.Text(row_, c);
-        return IsPlainNumber(text) ? std::string(text) : "0";
-    }
-    const char* Direction() const {
-        const std::string_view text = grid_.Text(row_, column::kDirection);
-        if (text == kDebit) return "1";
-        return text == kCredit ? "0" : "-1";
-    }
-
-  private:
-    const EntryGrid& grid_;
-    int row_;
-};
-
-void AppendControlRow(std::string& batch, const std::string& id, const std::string& number,
-                      const RowValues& row) {
-    const std::string explanation = row.Quoted(column::kExplanation);
-    batch += "if Not exists(select 1 from t_VchTpControl where FID = " + id + " and FNo = " + number + ") " +
-             kCrLf;
-    batch += std::string("begin ") + kCrLf;
-    batch += "    insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) values(" + id +
-             "," + number + ",0," + explanation + "," + row.Number(column::kFileCount) + ",0) " + kCrLf;
-    batch += std::string("end ") + kCrLf + "else " + kCrLf + "begin " + kCrLf;
-    batch += "    update t_VchTpControl set FKey = " + explanation + " where FID = " + id +
-             " and FNo = " + number + kCrLf;
-    batch += std::string("end ") + kCrLf;
-}
-
-// In the order of the insert's column list.
-void AppendLine(std::string& batch, const std::string& id, int r, const RowValues& row) {
-    batch +=
-        "insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName,"
-        "FSettleID,FSettleName,FSettleNumber,FCurrencyID,FCurrencyName,FRate,FAmountFor,FAmount,"
-        "FQty,FPrice,FUnitID,FUnitName,FRemark,FFileCount,FItemsInfo) values(";
-    batch += id + "," + std::to_string(r);
-    for (const std::string& value : {row.Raw(column::kNo),
-                                     row.Quoted(column::kExplanation),
-                                     std::string(row.Direction()),
-                                     row.Id(column::kAccountId),
-                                     row.Quoted(column::kAccountNumber),
-                                     row.Quoted(column::kAccountName),
-                                     row.Id(column::kSettleId),
-                                     row.Quoted(column::kSettleName),
-                                     row.Quoted(column::kSettleNumber),
-                                     row.Id(column::kCurrencyId),
-                                     row.Quoted(column::kCurrencyName),
-                                     row.Number(column::kRate),
-                                     row.Number(column::kAmountFor),
-                                     row.Number(column::kAmount),
-                                     row.Number(column::kQuantity),
-                                     row.Number(column::kPrice),
-                                     row.Id(column::kUnitId),
-                                     row.Quoted(column::kUnitName),
-                                     row.Quoted(column::kRemark),
-                                     row.Number(column::kFileCount),
-                                     row.Quoted(column::kItems)}) {
-        batch += ',';
-        batch += value;
-    }
-    batch += std::string(") ") + kCrLf;
-}
-
-// The numbers that the procedure marked unusable, joined; nothing when there are none. A query without an
-// answer is an error of the save.
-std::optional<std::string> UnusableNumbers(const std::string& id) {
-    const ado::RecordsetRef numbers = store::GetRecordset(
-        "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = " + id + " order by fno");
-    if (numbers == nullptr) throw Error(automation::error_number::kObjectVariableNotSet);
-    if (numbers->RecordCount() < 1) return std::nullopt;
-    std::string joined;
-    for (; !numbers->AtEnd(); numbers->MoveNext()) {
-        if (!joined.empty()) joined += "、";
-        joined += numbers->Value("FNo").ToTextOrEmpty();
-    }
-    return joined;
-}
-
-}  // namespace
 
 std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount) {
     std::unordered_set<std::string> seen;
@@ -145,42 +53,24 @@ std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount) {
 }
 
 std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId) {
-    std::string batch = "delete t_VchTemplateEntry where FID = " + templateId + " " + kCrLf;
-    std::string list;
-    std::unordered_set<std::string> handled;
-    for (int r = 1; r <= rowCount; ++r) {
-        const RowValues row(grid, r);
-        const std::string number = row.Raw(column::kNo);
-        if (handled.insert(number).second) {
-            list += number + ",";
-            AppendControlRow(batch, templateId, number, row);
-        }
-        AppendLine(batch, templateId, r, row);
-    }
-    // The list's last comma is completed by the -1.
-    batch += "Delete t_VchTpControl where FID = " + templateId + " and FNo not in (" + list + "-1) ";
-    batch += "exec pro_VchTpCanUsed " + templateId + " " + kCrLf;
-    return batch;
+    return store::SaveBatch(templateId, rowCount, [&grid](int row, int c) { return grid.Text(row, c); });
 }
 
-SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
-                        const std::string& name) {
+store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
+                                    const std::string& name) {
+    using State = store::TemplateOutcome::State;
     bool stored = false;
     try {
         // A rejected batch has been shown to the user by then; the messages of a success follow all the same.
-        stored = store::clsVIData().IsExecuteSql(BuildSaveBatch(grid, rowCount, templateId));
-        const std::optional<std::string> unusable = UnusableNumbers(templateId);
-        std::string text = "模板 " + name + " 保存成功！";
-        if (unusable) {
-            text += std::string(kCrLf) + kCrLf + "注：编号为 " + *unusable +
-                    " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
-        }
-        Tell(text);
+        stored = store::RunSql(BuildSaveBatch(grid, rowCount, templateId));
+        const auto unusable = store::ReadUnusableNumbers(templateId);
+        if (!unusable) throw Error(automation::error_number::kObjectVariableNotSet);
+        Tell(store::WithUnusableNote("模板 " + name + " 保存成功！", *unusable));
         entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 成功");
-        return stored ? SendResult::Stored : SendResult::Refused;
+        return {stored ? State::Saved : State::Refused, automation::Variant(templateId).ToInt32(), *unusable};
     } catch (const Error&) {
         TellSaveFailed(name);
-        return stored ? SendResult::StoredUntold : SendResult::Failed;
+        return {stored ? State::SavedUntold : State::Failed};
     }
 }
 
@@ -228,15 +118,15 @@ bool TemplateSave::Save() {
 }
 
 bool TemplateSave::SendAndReload(bool treeToo) {
-    const SendResult sent =
-        SendTemplate(*state_.grid, state_.rowCount, state_.templateId, state_.templateName);
+    using State = store::TemplateOutcome::State;
+    const State sent =
+        SendTemplate(*state_.grid, state_.rowCount, state_.templateId, state_.templateName).state;
     // Nobody else has changed the template: the next save must not ask whether to overwrite it.
-    if (sent == SendResult::StoredUntold)
-        state_.loaded = DigestOfStored(state_.templateId).value_or(state_.loaded);
-    if (sent == SendResult::Failed || sent == SendResult::StoredUntold) return false;
+    if (sent == State::SavedUntold) state_.loaded = DigestOfStored(state_.templateId).value_or(state_.loaded);
+    if (sent == State::Failed || sent == State::SavedUntold) return false;
     const std::string name = state_.templateName;
     const LinesDigest loadedBefore = state_.loaded;
-    if (sent == SendResult::Refused) kept_.Take();
+    if (sent == State::Refused) kept_.Take();
     bool reloaded = true;
     {
         const TemplateDrafts::Hold hold(drafts_);
@@ -248,7 +138,7 @@ bool TemplateSave::SendAndReload(bool treeToo) {
         }
     }
     state_.dirty = false;
-    if (sent == SendResult::Refused) {
+    if (sent == State::Refused) {
         KeepRefused(reloaded, loadedBefore);
         return true;
     }

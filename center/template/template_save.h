@@ -11,6 +11,7 @@
 #include "center/template/draft/template_drafts.h"
 #include "center/template/kept_lines.h"
 #include "center/template/template_fate.h"
+#include "store/template_outcome.h"
 
 namespace vicenter::center {
 
@@ -25,15 +26,10 @@ std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount);
 // The batch that replaces the template's lines and brings its control rows up to date.
 std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId);
 
-enum class SendResult {
-    Stored,
-    Refused,  // the database refused the batch, which the user has been shown; the success message followed
-    Failed,   // an error of the save
-    StoredUntold,  // told as failed, since what it makes unusable could not be asked
-};
-// Sends the batch and tells the user and the operation log how it went.
-SendResult SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
-                        const std::string& name);
+// Sends the batch and tells the user and the operation log how it went. When the account set refuses the
+// batch the message of success follows all the same; Refused tells the two apart.
+store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
+                                    const std::string& name);
 
 // What the user and the operation log learn of a save that failed.
 void TellSaveFailed(const std::string& name);

@@ -1,7 +1,6 @@
 #include <ostream>
 
 #include "host/cli/context.h"
-#include "store/cls_vi_data.h"
 
 namespace vicenter::host {
 
@@ -10,10 +9,6 @@ void PrintJson(const CliContext& context, const Variant& document) {
 }
 
 int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text) {
-    if (!ok && context.messages.Shown().empty() && !store::clsVIData::LastFailure().empty()) {
-        // The window leaves it at that; a terminal has to be told.
-        Fail(context, "命令未能完成：" + store::clsVIData::LastFailure());
-    }
     if (context.options.json) {
         VariantArray messages;
         for (const ShownMessage& message : context.messages.Shown())
@@ -24,6 +19,12 @@ int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, cons
         if (ok) context.streams.out << text;
     }
     return ok ? kExitDone : kExitFailed;
+}
+
+int FinishWriting(const CliContext& context, const store::TemplateOutcome& outcome, const Variant& data) {
+    // The window leaves it at that; a terminal has to be told.
+    if (!outcome && !outcome.untold.empty()) Fail(context, "命令未能完成：" + outcome.untold);
+    return FinishSpeaking(context, !!outcome, data);
 }
 
 int Fail(const CliContext& context, const std::string& text) {

@@ -40,11 +40,11 @@ int RunGenerate(const CliContext& context) {
         Filter(options), context.options.name, {options.fields.begin(), options.fields.end()}};
     const autovch::GenerationResult result = autovch::Generate(request);
     Variant data = Variant::Null();
-    if (result.generated) {
+    if (result.outcome) {
         center::Tell(result.message);
-        data = JsonObject({{"FID", result.templateId}, {"FName", request.templateName}});
+        data = JsonObject({{"FID", result.outcome.id}, {"FName", request.templateName}});
     }
-    return FinishSpeaking(context, result.generated, data);
+    return FinishWriting(context, result.outcome, data);
 }
 
 }  // namespace vicenter::host

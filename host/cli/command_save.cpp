@@ -43,13 +43,12 @@ int RunSave(const CliContext& context) {
     if (!CheckRight()) return FinishSpeaking(context, false, Variant::Null());
     center::EntryGrid grid;
     const int count = ReadLines(document, grid);
-    // A refusal of the database has been shown before the success message that follows all the same.
-    const bool ok = Validate(grid, count) && IsThere(context, head) &&
-                    center::SendTemplate(grid, count, head.id, head.name) == center::SendResult::Stored;
+    store::TemplateOutcome outcome;
+    if (Validate(grid, count) && IsThere(context, head))
+        outcome = center::SendTemplate(grid, count, head.id, head.name);
     const Variant data =
-        ok ? JsonObject({{"FID", Variant(head.id).ToInt32()}, {"FName", head.name}, {"lines", count}})
-           : Variant::Null();
-    return FinishSpeaking(context, ok, data);
+        outcome ? JsonObject({{"FID", outcome.id}, {"FName", head.name}, {"lines", count}}) : Variant::Null();
+    return FinishWriting(context, outcome, data);
 }
 
 }  // namespace vicenter::host

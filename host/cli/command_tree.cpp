@@ -8,6 +8,7 @@
 #include "center/frame/window_state.h"
 #include "host/cli/context.h"
 #include "host/cli/templates.h"
+#include "store/cls_vi_data.h"
 
 namespace vicenter::host {
 
@@ -44,6 +45,15 @@ void SayNoRight() {
     center::Tell("对不起，你没有相应的权限！");
 }
 
+// The window's tree commands are silent about some failures, and say no more than whether there was something
+// to show: a terminal is told the reason when nothing else was.
+int Finish(const CliContext& context, bool ok, const Variant& data, const std::string& text = {}) {
+    const std::string& failure = store::clsVIData::LastFailure();
+    if (!ok && context.messages.Shown().empty() && !failure.empty())
+        Fail(context, "命令未能完成：" + failure);
+    return FinishSpeaking(context, ok, data, text);
+}
+
 }  // namespace
 
 int RunNew(const CliContext& context) {
@@ -64,7 +74,7 @@ int RunNew(const CliContext& context) {
             text = id + "\t" + name + "\n";
         }
     }
-    return FinishSpeaking(context, ok, data, text);
+    return Finish(context, ok, data, text);
 }
 
 int RunRename(const CliContext& context) {
@@ -85,7 +95,7 @@ int RunRename(const CliContext& context) {
         }
         if (ok) data = JsonObject({{"FID", Variant(head.id).ToInt32()}, {"FName", presenter.TemplateName()}});
     }
-    return FinishSpeaking(context, ok, data);
+    return Finish(context, ok, data);
 }
 
 int RunDelete(const CliContext& context) {
@@ -99,7 +109,7 @@ int RunDelete(const CliContext& context) {
         // The standard template is protected without a word in the window.
         if (!ok && window.Presenter().HasRight() && head.id == "0") center::Tell("标准模板不允许删除！");
     }
-    return FinishSpeaking(
+    return Finish(
         context, ok,
         ok ? JsonObject({{"FID", Variant(head.id).ToInt32()}, {"FName", head.name}}) : Variant::Null());
 }

@@ -10,6 +10,7 @@
 #include "host/cli/json.h"
 #include "host/cli/options.h"
 #include "host/components/host_session.h"
+#include "store/template_outcome.h"
 
 namespace vicenter::host {
 
@@ -27,6 +28,9 @@ void PrintJson(const CliContext& context, const Variant& document);
 // The end of a command that speaks to the user: one JSON document, or the messages (to `err` when it failed)
 // and, when it did not fail, the text. Returns the exit code.
 int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text = {});
+
+// The end of a command that wrote a template: as above, and what no message has said of a failure on `err`.
+int FinishWriting(const CliContext& context, const store::TemplateOutcome& outcome, const Variant& data);
 
 // What went wrong, on `err`; the exit code of a failure.
 int Fail(const CliContext& context, const std::string& text);

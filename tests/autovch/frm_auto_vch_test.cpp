@@ -124,7 +124,7 @@ TEST_F(FrmAutoVchTest, CancelClosesWithoutGenerating) {
     set_.Forget();
     dialog_.Command(2);
     EXPECT_EQ(view_.unloaded, 1);
-    EXPECT_FALSE(dialog_.Result().generated);
+    EXPECT_FALSE(dialog_.Result().outcome);
     EXPECT_TRUE(set_.Statements().empty());
 }
 
@@ -144,8 +144,8 @@ TEST_F(FrmAutoVchTest, GeneratesWithTheChosenFieldsAndCloses) {
     dialog_.SetTemplateName("三月");
     dialog_.ChooseColumns();
     dialog_.Command(0);
-    EXPECT_TRUE(dialog_.Result().generated);
-    EXPECT_EQ(dialog_.Result().templateId, 9);
+    EXPECT_TRUE(dialog_.Result().outcome);
+    EXPECT_EQ(dialog_.Result().outcome.id, 9);
     EXPECT_EQ(view_.unloaded, 1);
     EXPECT_EQ(view_.hidden, 1);
     EXPECT_NE(batch.find("FAcctountName,FItemsInfo)"), std::string::npos);

@@ -43,8 +43,8 @@ void ExistsAfterTheBatch(fakes::FakeAccountSet& set, int id) {
 TEST_F(GenerateTest, WritesOneBatchAndReports) {
     ExistsAfterTheBatch(set_, 9);
     const GenerationResult result = Generate(request_);
-    EXPECT_TRUE(result.generated);
-    EXPECT_EQ(result.templateId, 9);
+    EXPECT_TRUE(result.outcome);
+    EXPECT_EQ(result.outcome.id, 9);
     EXPECT_EQ(result.message, "凭证生成凭证模板 三月 成功！");
     EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
     const auto& sent = set_.Statements();
@@ -69,7 +69,7 @@ TEST_F(GenerateTest, ReportsTheNumbersThatCannotBeUsed) {
 
 TEST_F(GenerateTest, InputProblemsStopBeforeAnything) {
     request_.filter.year = "";
-    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_FALSE(Generate(request_).outcome);
     request_.filter = MarchFilter();
     request_.filter.period = "";
     Generate(request_);
@@ -92,7 +92,7 @@ TEST_F(GenerateTest, InputProblemsStopBeforeAnything) {
 
 TEST_F(GenerateTest, TheLineEndOfACopiedNameIsNoPartOfItAndOthersAreRefused) {
     request_.templateName = "a\tb";
-    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_FALSE(Generate(request_).outcome);
     EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"凭证模板名称不能包含制表符、换行等控制字符！"});
     EXPECT_TRUE(set_.Statements().empty());
     Exists(set_, 7, 16394);
@@ -108,7 +108,7 @@ TEST_F(GenerateTest, TheLineEndOfACopiedNameIsNoPartOfItAndOthersAreRefused) {
 TEST_F(GenerateTest, AnExistingNameIsAskedAbout) {
     Exists(set_, 7, 16394);
     surroundings_.messageBoxes->answers = {MessageResult::No};
-    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_FALSE(Generate(request_).outcome);
     ASSERT_EQ(surroundings_.messageBoxes->shown.size(), 1U);
     const auto& question = surroundings_.messageBoxes->shown.front();
     EXPECT_EQ(question.text,
@@ -120,7 +120,7 @@ TEST_F(GenerateTest, AnExistingNameIsAskedAbout) {
 
 TEST_F(GenerateTest, AnotherUsersTemplateIsNeverTakenOver) {
     Exists(set_, 7, 2);
-    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_FALSE(Generate(request_).outcome);
     EXPECT_EQ(surroundings_.messageBoxes->Texts(),
               Texts{"凭证模板“三月”属于其他用户（用户编号 2），不允许覆盖，凭证模板生成失败！"});
     EXPECT_EQ(BatchSent(), "");
@@ -128,7 +128,7 @@ TEST_F(GenerateTest, AnotherUsersTemplateIsNeverTakenOver) {
 
 TEST_F(GenerateTest, ATemplateThatCannotBeReadIsNotReplaced) {
     set_.Fail("select FID from t_VchTemplate where FName", "gone");
-    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_FALSE(Generate(request_).outcome);
     EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"凭证模板“三月”无法读取，凭证模板生成失败！"});
     EXPECT_EQ(BatchSent(), "");
 }
@@ -137,7 +137,7 @@ TEST_F(GenerateTest, TheStandardTemplateStaysEverybodys) {
     request_.templateName = "标准模板";
     Exists(set_, 0, 0);
     surroundings_.messageBoxes->answers = {MessageResult::Yes};
-    EXPECT_TRUE(Generate(request_).generated);
+    EXPECT_TRUE(Generate(request_).outcome);
     EXPECT_NE(BatchSent().find("values(@MaxFID,'标准模板',0,'',GetDate())"), std::string::npos);
 }
 
@@ -145,14 +145,14 @@ TEST_F(GenerateTest, YesOverwritesUnderTheSameId) {
     Exists(set_, 7, 16394);
     surroundings_.messageBoxes->answers = {MessageResult::Yes};
     const GenerationResult result = Generate(request_);
-    EXPECT_TRUE(result.generated);
-    EXPECT_EQ(result.templateId, 7);
+    EXPECT_TRUE(result.outcome);
+    EXPECT_EQ(result.outcome.id, 7);
     EXPECT_TRUE(BatchSent().starts_with(" delete t_VchTemplateEntry where FID = 7\r\n"));
 }
 
 TEST_F(GenerateTest, NoVouchersIsAMessage) {
     set_.Answer("from t_Voucher a", Rows(VoucherColumns()));
-    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_FALSE(Generate(request_).outcome);
     EXPECT_EQ(surroundings_.messageBoxes->Texts(),
               Texts{"没有查询到凭证信息，凭证模板生成失败，请重新设置过滤条件！"});
     EXPECT_EQ(BatchSent(), "");
@@ -160,13 +160,13 @@ TEST_F(GenerateTest, NoVouchersIsAMessage) {
 
 TEST_F(GenerateTest, AFailingBatchIsReportedOnceAndGeneratesNothing) {
     set_.Fail("@Vch_cursor", "Violation of PRIMARY KEY constraint.");
-    EXPECT_FALSE(Generate(request_).generated);
+    EXPECT_FALSE(Generate(request_).outcome);
     EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"Violation of PRIMARY KEY constraint."});
     EXPECT_EQ(set_.LastStatement(), BatchSent());
 }
 
 TEST_F(GenerateTest, CancellingWritesNothingAndSaysNothing) {
-    EXPECT_FALSE(Generate(request_, [](std::int64_t, std::int64_t) { return false; }).generated);
+    EXPECT_FALSE(Generate(request_, [](std::int64_t, std::int64_t) { return false; }).outcome);
     EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
     EXPECT_EQ(BatchSent(), "");
 }
@@ -176,7 +176,7 @@ TEST_F(GenerateTest, EachDetailIdIsAskedForOnce) {
     set_.Answer("FSQLTableName", Rows({"FItemClassID", "FSQLTableName"}, {{1, "t_Organization"}}));
     set_.Answer("as FItemsInfo from t_ItemDetail a", Rows({"FItemsInfo"}, {{"01.01"}}));
     ExistsAfterTheBatch(set_, 9);
-    EXPECT_TRUE(Generate(request_).generated);
+    EXPECT_TRUE(Generate(request_).outcome);
     int asked = 0;
     for (const std::string& sql : set_.Statements())
         asked += sql.find("FSQLTableName") != std::string::npos ? 1 : 0;
@@ -193,7 +193,7 @@ std::size_t RoundTrips(fakes::FakeAccountSet& set, const GenerationRequest& requ
     set.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}));
     ExistsAfterTheBatch(set, 9);
     set.Forget();
-    EXPECT_TRUE(Generate(request).generated);
+    EXPECT_TRUE(Generate(request).outcome);
     return set.Statements().size();
 }
 

@@ -101,7 +101,7 @@ TEST_F(AutoVchDialogTest, UpDownButtonsAndArrowKeysStep) {
 TEST_F(AutoVchDialogTest, EscCloses) {
     QTest::keyClick(dialog_.get(), Qt::Key_Escape);
     EXPECT_FALSE(dialog_->isVisible());
-    EXPECT_FALSE(dialog_->Result().generated);
+    EXPECT_FALSE(dialog_->Result().outcome);
 }
 
 TEST_F(AutoVchDialogTest, GeneratesByKeyboard) {
@@ -115,8 +115,8 @@ TEST_F(AutoVchDialogTest, GeneratesByKeyboard) {
     QTest::keyClicks(name, QStringLiteral("March"));
     QTest::keyClick(name, Qt::Key_Return);
     EXPECT_FALSE(dialog_->isVisible());
-    EXPECT_TRUE(dialog_->Result().generated);
-    EXPECT_EQ(dialog_->Result().templateId, 9);
+    EXPECT_TRUE(dialog_->Result().outcome);
+    EXPECT_EQ(dialog_->Result().outcome.id, 9);
 }
 
 TEST_F(AutoVchDialogTest, WhileItGeneratesOnlyCancelCanBeUsed) {
@@ -149,7 +149,7 @@ TEST_F(AutoVchDialogTest, CancelDuringTheGenerationKeepsTheDialogAndWritesNothin
     QTest::keyClicks(Child<QLineEdit>("txtVchTpName"), QStringLiteral("March"));
     QTest::mouseClick(Child<QPushButton>("Command0"), Qt::LeftButton);
     EXPECT_TRUE(dialog_->isVisible());
-    EXPECT_FALSE(dialog_->Result().generated);
+    EXPECT_FALSE(dialog_->Result().outcome);
     EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
     for (const std::string& sql : set_.Statements())
         EXPECT_EQ(sql.find("insert into"), std::string::npos) << sql;

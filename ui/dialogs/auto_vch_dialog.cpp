@@ -249,7 +249,7 @@ void AutoVchDialog::reject() {
 
 void AutoVchDialog::Unload() {
     generating_ = false;
-    done(form_.Result().generated ? Accepted : Rejected);
+    done(form_.Result().outcome ? Accepted : Rejected);
 }
 
 }  // namespace vicenter::ui

@@ -80,8 +80,8 @@ void CenterCommands::GenerateFromVouchers(center::TemplateWindow& window) {
     AutoVchDialog dialog(QApplication::activeWindow());
     dialog.exec();
     const autovch::GenerationResult& result = dialog.Result();
-    if (!result.generated) return;
-    window.RebuildTreeAndSelect(result.templateId);
+    if (!result.outcome) return;
+    window.RebuildTreeAndSelect(result.outcome.id);
     system::Surroundings::Current().messageBoxes->Show(
         result.message, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
 }
