@@ -13,6 +13,7 @@
 #include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
+#include "store/template_name.h"
 
 namespace vicenter::autovch {
 
@@ -46,6 +47,21 @@ class ItemsTexts {
     std::map<std::string, std::string> texts_;
 };
 
+// Why no template can be made under a name; none for one that it may have.
+const char* NameFaultText(const std::string& name) {
+    switch (store::FaultOfName(name)) {
+        case store::NameFault::Blank:
+            return "凭证模板名称不允许为空！";
+        case store::NameFault::ControlCharacter:
+            return "凭证模板名称不能包含制表符、换行等控制字符！";
+        case store::NameFault::TooLong:
+            return "凭证模板名称长度不能超过255个字符！";
+        case store::NameFault::None:
+            break;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 GenerationResult Generate(const GenerationRequest& request, const Progress& progress) {
@@ -54,12 +70,8 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
         return {};
     }
     const std::string name(system::TrimBlanks(entry::WithoutLineEnd(request.templateName)));
-    if (name.empty()) {
-        ShowMessage("凭证模板名称不允许为空！");
-        return {};
-    }
-    if (entry::HasControlCharacter(name)) {
-        ShowMessage("凭证模板名称不能包含制表符、换行等控制字符！");
+    if (const char* fault = NameFaultText(name); fault != nullptr) {
+        ShowMessage(fault);
         return {};
     }
     entry::WriteFrameLog("C001C039", "AutoRunVch");

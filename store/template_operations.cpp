@@ -1,7 +1,11 @@
 // The template tables: list, profile, count, name test, delete, insert and lines.
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <set>
 
 #include "entry/host_context.h"
 #include "entry/sql_text.h"
@@ -22,6 +26,24 @@ std::int32_t CustomNumber(const std::string& text) {
     const double number = std::nearbyint(entry::LeadingNumber(text));
     if (number < 0 || number >= std::numeric_limits<std::int32_t>::max()) return 0;
     return static_cast<std::int32_t>(number);
+}
+
+// The number of a name that is one of ours to the last character.
+std::optional<std::int64_t> WholeNumber(const std::string& text) {
+    std::int64_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+// A new name is made of the number that follows. Where the numbers have come to their end, its name may be
+// there already: the least number that is free takes its place.
+std::int32_t BaseOfNewNumber(std::int32_t largest, const std::set<std::int64_t>& taken) {
+    if (!taken.contains(std::int64_t{largest} + 1)) return largest;
+    std::int32_t base = 0;
+    while (taken.contains(std::int64_t{base} + 1))
+        ++base;
+    return base;
 }
 
 }  // namespace
@@ -108,10 +130,13 @@ std::int32_t clsVIData::InsertVchTemplateInfo(std::int32_t& lMaxNum) {
             "select REPLACE(REPLACE(fname,')',''),'自定义模板(','') as FNum from t_VchTemplate where FName "
             "like "
             "'%自定义模板(%'");
+        std::set<std::int64_t> taken;
         for (; !names->AtEnd(); names->MoveNext()) {
-            const std::int32_t number = CustomNumber(names->Value("FNum").ToTextOrEmpty());
-            if (lMaxNum <= number) lMaxNum = number;
+            const std::string text = names->Value("FNum").ToTextOrEmpty();
+            if (const auto number = WholeNumber(text)) taken.insert(*number);
+            lMaxNum = std::max(lMaxNum, CustomNumber(text));
         }
+        lMaxNum = BaseOfNewNumber(lMaxNum, taken);
         QueryAgain(std::string(" declare @MaxFID int ") + kCrLf +
                    " select @MaxFID = MAX(FID)+1 from t_VchTemplate " + kCrLf + " " + kTemplateInsert +
                    "@MaxFID,'" + CustomTemplateName(std::int64_t{lMaxNum} + 1) + "'," +

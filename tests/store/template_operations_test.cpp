@@ -146,6 +146,26 @@ TEST_F(InsertTest, ANumberBeyondALongDoesNotStopNewTemplates) {
     EXPECT_EQ(NameAfter({"99999999999", "2147483647", "5"}, number), "自定义模板(6)");
 }
 
+TEST_F(InsertTest, AtTheEndOfTheNumbersTheLeastFreeOneIsTaken) {
+    std::int32_t number = 0;
+    EXPECT_EQ(NameAfter({"1", "2147483646"}, number), "自定义模板(2147483647)");
+    EXPECT_EQ(number, 2147483646);
+    number = 0;
+    EXPECT_EQ(NameAfter({"1", "2147483646", "2147483647", "3"}, number), "自定义模板(2)");
+    EXPECT_EQ(number, 1);
+    number = 0;
+    EXPECT_EQ(NameAfter({"2147483647"}, number), "自定义模板(1)");
+    EXPECT_EQ(number, 0);
+}
+
+TEST_F(InsertTest, ACallersNumberAtTheEndStillMakesANameOfItsOwn) {
+    std::int32_t number = 2147483647;
+    EXPECT_EQ(NameAfter({"5"}, number), "自定义模板(2147483648)");
+    EXPECT_EQ(number, 2147483647);
+    EXPECT_EQ(NameAfter({"1", "2147483648"}, number), "自定义模板(2)");
+    EXPECT_EQ(number, 1);
+}
+
 TEST_F(InsertTest, NumbersAreRoundedToWholeOnesAndNeverNegative) {
     std::int32_t number = 0;
     EXPECT_EQ(NameAfter({"2.6", "-7"}, number), "自定义模板(4)");
