@@ -153,7 +153,9 @@ class CommandLine {
             CLI::App* added = AddCommand(*accountSet, name, command, description);
             added->add_option(from, options_.file, "账套文件 / file")->required()->check(kNotEmpty);
             if (to != nullptr)
-                added->add_option(to, options_.target, "目标文件 / target file")->required()->check(kNotEmpty);
+                added->add_option(to, options_.target, "目标文件 / target file")
+                    ->required()
+                    ->check(kNotEmpty);
         };
         addCopy("backup", CliCommand::AccountSetBackup,
                 "备份账套，不影响正在使用的人 / back up while others work", "FILE", "TO");
@@ -210,13 +212,20 @@ class CommandLine {
         added->add_option("--year", generate.year, "年度 / year")->required()->check(kDigits);
         added->add_option("--period", generate.period, "期间 / period")->required()->check(kDigits);
         auto* from = added->add_option("--from", generate.from, "起始凭证号 / first voucher number");
-        added->add_option("--to", generate.to, "终止凭证号 / last voucher number")->needs(from);
+        auto* to = added->add_option("--to", generate.to, "终止凭证号 / last voucher number");
         added->add_option("--group", generate.group, "凭证类别 / voucher group");
         added->add_flag("--include-system", generate.includeSystem,
                         "包括机制凭证 / with system-made vouchers");
         added->add_option("--fields", generate.fields, "模板字段列号 / columns of optional fields")
             ->delimiter(',')
             ->check(CLI::IsMember({7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20}));
+        // Instead of AddCommand's: both have to be known by then.
+        added->callback([this, from, to] {
+            if (to->count() > 0 && from->count() == 0)
+                throw CLI::ValidationError("--to",
+                                           "须与 --from 一起使用，例如：--from 1 --to 20 / needs --from");
+            options_.command = CliCommand::Generate;
+        });
     }
 
     CliOptions& options_;
