@@ -5,6 +5,8 @@
 #include <QImage>
 #include <QPainter>
 #include <QRawFont>
+#include <QWidget>
+#include <QWindow>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -33,6 +35,15 @@ TEST(ApplicationFont, ShowsChineseAsCharactersAndNotAsBoxes) {
 
 TEST(ApplicationFont, HasTheSizeAskedFor) {
     EXPECT_DOUBLE_EQ(BillFont(12).pointSizeF(), 12);
+}
+
+TEST(ApplicationTitles, HaveNothingHungBehindThemByThePlatform) {
+    // Platforms put a display name that has been set behind every title; without one they leave titles alone.
+    EXPECT_EQ(QGuiApplication::applicationDisplayName(), QCoreApplication::applicationName());
+    QWidget window;
+    window.setWindowTitle("信息提示");
+    window.show();
+    EXPECT_EQ(window.windowHandle()->title(), "信息提示");
 }
 
 TEST(ApplicationIcons, AreAllThereAndAllDifferent) {

@@ -371,6 +371,38 @@ TEST_F(GridViewTest, LookUpKeysGoToTheRulesAlsoWhileEditing) {
     EXPECT_EQ(actions.keyTexts, std::vector<std::string>{"1001"});
 }
 
+TEST_F(GridViewTest, InsertWithShiftOrControlPastesAndCopiesInAnOpenEditor) {
+    QApplication::clipboard()->setText("02.01");
+    Go(1, 5);
+    Type("10");
+    actions.keys.clear();
+    Key(Qt::Key_Insert, Qt::ShiftModifier);
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_EQ(Field()->text(), "1002.01");
+    Field()->selectAll();
+    Key(Qt::Key_Insert, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "1002.01");
+    ASSERT_NE(Field(), nullptr);
+    EXPECT_TRUE(actions.keys.empty()) << "no look-up";
+    Key(Qt::Key_Escape);
+    Key(Qt::Key_Insert, Qt::ShiftModifier);
+    EXPECT_EQ(actions.pasted, "1002.01") << "over the cell";
+    EXPECT_TRUE(actions.keys.empty());
+}
+
+TEST_F(GridViewTest, TheHeadersFollowTheCursorWhenRowsComeAndGoAboveIt) {
+    const auto* rows = qobject_cast<GridHeader*>(view->verticalHeader());
+    Go(1, 2);
+    grid->RemoveRows(1, 1);
+    EXPECT_EQ(Current(), (center::CellAddress{1, 2}));
+    EXPECT_EQ(rows->ActiveSection(), 0);
+    Go(4, 2);
+    grid->RemoveRows(1, 2);
+    EXPECT_EQ(rows->ActiveSection(), Current().row - 1);
+    grid->InsertRows(1, 3);
+    EXPECT_EQ(rows->ActiveSection(), Current().row - 1);
+}
+
 TEST_F(GridViewTest, TheSecondPointOnTheKeypadIsTheRules) {
     Go(2, 2);
     QTest::keyClick(Target(), Qt::Key_Period, Qt::KeypadModifier);

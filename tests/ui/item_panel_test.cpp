@@ -1,5 +1,7 @@
 #include "ui/panels/item_panel.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -133,6 +135,33 @@ TEST_F(ItemPanelTest, ALookUpStartsAtWhatHasBeenTyped) {
     QTest::keyClicks(second, "D0");
     QTest::mouseClick(Find<QToolButton>("cmdItemLookUp2"), Qt::LeftButton);
     EXPECT_EQ(order, (QStringList{"0 C1", "look-up 0", "1 D0", "look-up 1"}));
+}
+
+TEST_F(ItemPanelTest, WhatNoNumberMayHoldIsRefusedWhileItIsTyped) {
+    panel.SetState(TwoClasses());
+    auto* number = Find<QLineEdit>("txtItemNumber1");
+    number->setFocus();
+    number->clear();
+    QTest::keyClicks(number, "C'0,1|2");
+    EXPECT_EQ(number->text(), "C012");
+    auto* text = Find<QLineEdit>("txtItem");
+    text->clear();
+    QTest::keyClicks(text, "C'1|,D2");
+    EXPECT_EQ(text->text(), "C1,D2") << "the separator belongs to the whole text";
+}
+
+TEST_F(ItemPanelTest, InsertWithShiftPastesAndOpensNoLookUp) {
+    panel.SetState(TwoClasses());
+    QSignalSpy lookUps(&panel, &ItemPanel::lookUpRequested);
+    QApplication::clipboard()->setText("C09");
+    auto* number = Find<QLineEdit>("txtItemNumber1");
+    number->setFocus();
+    number->selectAll();
+    QTest::keyClick(number, Qt::Key_Insert, Qt::ShiftModifier);
+    EXPECT_EQ(number->text(), "C09");
+    EXPECT_TRUE(lookUps.isEmpty());
+    QTest::keyClick(number, Qt::Key_Insert);
+    EXPECT_EQ(lookUps.size(), 1);
 }
 
 TEST_F(ItemPanelTest, MakesRoomForTheCellsOwnEditorAndIsAwayWithoutTheRight) {

@@ -5,6 +5,8 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -51,6 +53,43 @@ TEST(QtMessageBox, EscapeAndTheFrameDoNotAnswerBetweenYesAndNo) {
         EXPECT_EQ(box.isVisible(), stays);
         EXPECT_EQ(box.windowFlags().testFlag(Qt::WindowCloseButtonHint), !stays);
         box.hide();
+    }
+}
+
+TEST(QtMessageBox, ALongTextScrollsWithinTheBoxAndTheScreen) {
+    QString lines;
+    for (int i = 1; i <= 200; ++i)
+        lines +=
+            QStringLiteral("第%1行，第C列值存在错误，第二行起的说明文字说明文字说明文字说明文字\r\n").arg(i);
+    for (const QString& text : {lines, QString(3000, u'长')}) {
+        QMessageBox box;
+        FillMessageBox(box, text.toStdString(), system::MessageButtons::Ok, system::MessageIcon::Information,
+                       "信息提示");
+        box.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&box));
+        const auto* whole = box.findChild<QPlainTextEdit*>("messageText");
+        ASSERT_NE(whole, nullptr);
+        const QRect bar(whole->verticalScrollBar()->mapTo(&box, QPoint(0, 0)),
+                        whole->verticalScrollBar()->size());
+        EXPECT_TRUE(box.rect().contains(bar)) << bar.right() << " of " << box.width();
+        EXPECT_LE(box.width(), box.screen()->availableSize().width());
+        EXPECT_LE(box.height(), box.screen()->availableSize().height());
+    }
+}
+
+TEST(QtMessageBox, ALongTextHasRoomOnScreensOfEverySize) {
+    QFont large = QApplication::font();
+    large.setPointSizeF(16);
+    for (const QFont& font : {QApplication::font(), large}) {
+        const QFontMetrics metrics(font);
+        for (const QSize screen : {QSize(1366, 768), QSize(1280, 720), QSize(1024, 768), QSize(800, 600)}) {
+            const QSize text = ScrollingTextSize(metrics, screen);
+            const int box = screen.width() <= 1024 ? screen.width() : std::min(screen.width() - 480, 1000);
+            EXPECT_LE(text.width(), box - 120) << screen.width();
+            EXPECT_LE(text.height(), screen.height() - 150) << screen.height();
+            EXPECT_GT(text.width(), 300);
+            EXPECT_GT(text.height(), 150);
+        }
     }
 }
 

@@ -60,7 +60,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
                                center::OwnVerdict(*grid_, cell) == center::TextVerdict::Taken;
             if (sound) return {};
             const std::string why = GuardedOr(std::string(), [&] { return actions_.DescribeFault(cell); });
-            return why.empty() ? QVariant() : QVariant(ToQtLines(why));
+            return why.empty() ? QVariant() : QVariant(ToolTipText(ToQtLines(why)));
         }
         default:
             return {};

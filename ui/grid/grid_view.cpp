@@ -192,7 +192,11 @@ void GridView::Place(const QModelIndex& index) {
 void GridView::FollowActiveCell() {
     if (model_.IsChangingRows()) return;
     const QModelIndex index = model_.IndexOf(model_.Grid().ActiveCell());
-    if (index == currentIndex()) return;
+    if (index == currentIndex()) {
+        // Rows that came or went have moved it without a word.
+        ShowActiveSections();
+        return;
+    }
     {
         const FlagScope scope(following_);
         if (index.isValid()) {
@@ -204,10 +208,15 @@ void GridView::FollowActiveCell() {
     KeepCursorShown();
 }
 
-void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-    QTableView::currentChanged(current, previous);
+void GridView::ShowActiveSections() {
+    const QModelIndex current = currentIndex();
     columns_->SetActiveSection(current.isValid() ? current.column() : -1);
     rows_->SetActiveSection(current.isValid() ? current.row() : -1);
+}
+
+void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTableView::currentChanged(current, previous);
+    ShowActiveSections();
     if (following_ || model_.IsChangingRows() || !current.isValid()) return;
     const bool selecting = selecting_ || rows_->IsPressed() || columns_->IsPressed();
     const auto how = selecting ? center::CursorMove::Selecting : center::CursorMove::Going;

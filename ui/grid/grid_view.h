@@ -89,6 +89,7 @@ class GridView : public QTableView {
     void ApplyRowHeights();
     void ApplyFont();
     void FollowActiveCell();
+    void ShowActiveSections();
     void Place(const QModelIndex& index);
     void MoveTo(int row, int column);
     void MoveOn(bool back);

@@ -363,6 +363,9 @@ bool GridView::EditorKeyPressed(QWidget& editor, QKeyEvent& event) {
         field->SetOpenedByTyping(false);
         return true;
     }
+    // With Shift or Ctrl the key pastes or copies, as in any text field.
+    const Qt::KeyboardModifiers held = event.modifiers() & ~Qt::KeypadModifier;
+    if (code == key_code::kInsert && held != Qt::NoModifier) return false;
     if (code == key_code::kInsert || code == key_code::kF7) {
         FinishEditing(&editor);
         const center::CellAddress cell = model_.AddressOf(currentIndex());

@@ -34,6 +34,12 @@ class ItemsValidator : public SingleLine {
     }
 };
 
+// One number of an items text: what would end it or be refused by its column is no part of it.
+const QRegularExpression& OneNumber() {
+    static const QRegularExpression pattern(QStringLiteral("[^',|]*"));
+    return pattern;
+}
+
 void SetFaulty(QLineEdit& field, bool faulty) {
     QPalette palette = field.palette();
     palette.setColor(QPalette::Text, faulty ? colors::kFaulty : colors::kInk);
@@ -116,7 +122,7 @@ void ItemPanel::BuildRows(std::size_t count) {
         widgets.id->hide();
         widgets.number->setObjectName(QStringLiteral("txtItemNumber") + suffix);
         widgets.number->installEventFilter(this);
-        new SingleLine(*widgets.number);
+        new SingleLine(*widgets.number, OneNumber());
         widgets.lookUp->setObjectName(QStringLiteral("cmdItemLookUp") + suffix);
         widgets.lookUp->setText(QStringLiteral("…"));
         widgets.lookUp->setFocusPolicy(Qt::NoFocus);
@@ -231,7 +237,9 @@ bool ItemPanel::eventFilter(QObject* watched, QEvent* event) {
             emit leaveRequested();
             return true;
         }
-        if ((key.key() == Qt::Key_F7 || key.key() == Qt::Key_Insert) && field) {
+        const bool insert =
+            key.key() == Qt::Key_Insert && !(key.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier));
+        if ((key.key() == Qt::Key_F7 || insert) && field) {
             for (std::size_t i = 0; i < rows_.size(); ++i) {
                 if (rows_[i].number != field) continue;
                 Commit(*field);

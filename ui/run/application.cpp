@@ -95,7 +95,8 @@ void SetUpApplication(QApplication& application) {
     font.setPointSizeF(kApplicationPointSize);
     QApplication::setFont(font);
     QApplication::setWindowIcon(NamedIcon(QStringLiteral("app")));
-    QApplication::setApplicationDisplayName(QStringLiteral("凭证模板"));
+    // No display name: platforms would hang it behind the titles of dialogs, which are exactly as they are
+    // set.
 }
 
 }  // namespace vicenter::ui

@@ -8,6 +8,8 @@
 #include <QLayout>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
+#include <algorithm>
 
 #include "entry/sql_text.h"
 #include "ui/look/qt_text.h"
@@ -17,6 +19,7 @@ namespace vicenter::ui {
 
 namespace {
 
+constexpr int kMostLines = 20;  // of a text that needs no scrolling
 constexpr std::uint32_t kOverwritePrompt = 0x2;
 constexpr std::uint32_t kPathMustExist = 0x800;
 
@@ -110,8 +113,7 @@ class AnswerOnly : public QObject {
 // A list of errors may be longer than the screen is high, its buttons below the edge: it is read in a box of
 // its own that scrolls, and can be copied from there.
 void MakeScrollable(QMessageBox& box) {
-    constexpr qsizetype kMostLines = 20;
-    constexpr qsizetype kMostCharacters = 2000;
+    constexpr qsizetype kMostCharacters = 1200;
     const QString text = box.text();
     if (text.size() <= kMostCharacters && text.count(u'\n') <= kMostLines) return;
     auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
@@ -121,9 +123,9 @@ void MakeScrollable(QMessageBox& box) {
     whole->setReadOnly(true);
     whole->setTabChangesFocus(true);
     whole->setAccessibleName(box.windowTitle());
-    const QFontMetrics metrics = whole->fontMetrics();
-    whole->setMinimumSize(metrics.averageCharWidth() * 80,
-                          metrics.lineSpacing() * static_cast<int>(kMostLines));
+    const QScreen* screen = box.screen();
+    whole->setMinimumSize(
+        ScrollingTextSize(whole->fontMetrics(), screen ? screen->availableSize() : QSize()));
     delete box.layout()->replaceWidget(label, whole);
     label->hide();
 }
@@ -158,6 +160,21 @@ class IconsOfDialog : public QObject {
 };
 
 }  // namespace
+
+QSize ScrollingTextSize(const QFontMetrics& metrics, const QSize& screen) {
+    constexpr int kCharacters = 80;
+    constexpr int kBesideText = 140;  // icon, margins, frame
+    constexpr int kAboveAndBelow = 180;
+    // What a message box allows itself: what is wider is cut off, the scroll bar first.
+    constexpr int kLeftToScreen = 480;
+    constexpr int kWidest = 1000;
+    constexpr int kSmallScreen = 1024;
+    const int box =
+        screen.width() <= kSmallScreen ? screen.width() : std::min(screen.width() - kLeftToScreen, kWidest);
+    const auto within = [](int wanted, int room) { return room > 0 ? std::min(wanted, room) : wanted; };
+    return {within(metrics.averageCharWidth() * kCharacters, box - kBesideText),
+            within(metrics.lineSpacing() * kMostLines, screen.height() - kAboveAndBelow)};
+}
 
 void FillMessageBox(QMessageBox& box, const std::string& text, system::MessageButtons buttons,
                     system::MessageIcon icon, const std::string& title) {

@@ -6,6 +6,7 @@
 // objects that it puts in. Needs a QApplication while they are used. User-interface thread only.
 
 #include <QFileDialog>
+#include <QFontMetrics>
 #include <QMessageBox>
 
 #include "platform/system/surroundings.h"
@@ -39,6 +40,8 @@ system::Surroundings QtSurroundings(system::Surroundings base);
 // What the dialogs look like, apart from showing them.
 void FillMessageBox(QMessageBox& box, const std::string& text, system::MessageButtons buttons,
                     system::MessageIcon icon, const std::string& title);
+// The room for a text that scrolls in its box, on a screen of that size.
+QSize ScrollingTextSize(const QFontMetrics& metrics, const QSize& screen);
 void FillFileDialog(QFileDialog& dialog, const system::FileRequest& request, bool saving);
 // The name filters of a request as Qt writes them, "description (pattern)", the pattern named once.
 QStringList NameFilters(const system::FileRequest& request);

@@ -92,7 +92,7 @@ void StatusLine::ShowHint() {
                      flashing || !hintText_.isEmpty() ? QColor(0xb3, 0x2a, 0x20) : colors::kInk);
     hint_->setPalette(palette);
     hint_->setText(flashing ? flashText_ : hintText_);
-    hint_->setToolTip(hint_->text());
+    hint_->setToolTip(ToolTipText(hint_->text()));
 }
 
 }  // namespace vicenter::ui

@@ -1,10 +1,8 @@
 #include "ui/window/tool_band.h"
 
 #include <QApplication>
-#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QToolButton>
-#include <QToolTip>
 
 #include "ui/look/qt_text.h"
 #include "ui/run/application.h"
@@ -134,15 +132,6 @@ bool ToolBand::HandleKey(QWidget& button, int key) {
 bool ToolBand::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress && watched->isWidgetType() &&
         HandleKey(static_cast<QWidget&>(*watched), static_cast<QKeyEvent*>(event)->key())) {
-        return true;
-    }
-    const auto* button = qobject_cast<QToolButton*>(watched);
-    if (event->type() == QEvent::ToolTip && button && button->defaultAction() &&
-        !button->defaultAction()->shortcut().isEmpty()) {
-        const QAction& action = *button->defaultAction();
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
-                           QStringLiteral("%1 (%2)").arg(action.toolTip(), action.shortcut().toString()),
-                           const_cast<QToolButton*>(button));
         return true;
     }
     return QToolBar::eventFilter(watched, event);
