@@ -13,6 +13,8 @@ namespace vicenter::center {
 
 namespace {
 
+constexpr std::int64_t kLargestId = 2147483647;
+
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -226,7 +228,7 @@ bool AcceptsProgramText(int gridColumn, std::string_view text) {
         case CellKind::Id: {
             if (text.empty()) return true;
             if (text.front() == '-') text.remove_prefix(1);
-            return !text.empty() && AllDigits(text) && text.size() <= 10;
+            return !text.empty() && AllDigits(text) && !ExceedsLimit(text, kLargestId);
         }
         default:
             return true;

@@ -232,7 +232,9 @@ void GridEditing::DeleteRows(std::vector<RowRun> runs) {
 void GridEditing::Return(const JournalMark& mark) {
     EntryGrid& grid = *state_.grid;
     state_.rowCount = mark.rowCount;
-    state_.dirty = state_.dirty || mark.dirty;
+    // Back where it was read or saved the template is unmodified again. What has been saved since, by
+    // whatever way, is modified by going away from it.
+    state_.dirty = state_.dirty != mark.leftDirty || mark.dirty;
     typed_.reset();
     CellChecks checks;
     grid.SetReDraw(false);

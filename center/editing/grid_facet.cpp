@@ -121,12 +121,18 @@ bool GridFacet::CanRedo() const {
 }
 
 void GridFacet::Undo() {
-    parts_.edge.Look([&] { parts_.editing.Undo(); });
+    parts_.edge.Look([&] {
+        parts_.editing.Undo();
+        parts_.DropDraftIfUnmodified();
+    });
     parts_.RefreshSurroundings();
 }
 
 void GridFacet::Redo() {
-    parts_.edge.Look([&] { parts_.editing.Redo(); });
+    parts_.edge.Look([&] {
+        parts_.editing.Redo();
+        parts_.DropDraftIfUnmodified();
+    });
     parts_.RefreshSurroundings();
 }
 

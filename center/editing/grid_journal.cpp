@@ -101,12 +101,12 @@ JournalMark GridJournal::Undo() {
     Step step = std::move(done_.back());
     done_.pop_back();
     JournalMark mark = step.before;
+    mark.leftDirty = step.after.dirty;
     {
         const Catcher catcher(grid_);
         for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
             Apply(*change, mark);
     }
-    mark.dirty = step.after.dirty;
     undone_.push_back(std::move(step));
     return mark;
 }
@@ -115,6 +115,7 @@ JournalMark GridJournal::Redo() {
     Step step = std::move(undone_.back());
     undone_.pop_back();
     JournalMark mark = step.after;
+    mark.leftDirty = step.before.dirty;
     {
         const Catcher catcher(grid_);
         for (Change& change : step.changes)

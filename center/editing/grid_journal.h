@@ -21,6 +21,8 @@ struct JournalMark {
     int rowCount = 0;
     CellAddress active{0, 0};
     bool dirty = false;  // the template differs from what was loaded
+    // While a step is taken back or repeated: the flag on the side that is left.
+    bool leftDirty = false;
     // The rows whose texts a step changed. Rows that came or went as a whole bring their colours along.
     int firstRow = 1;
     int lastRow = 0;
@@ -46,8 +48,7 @@ class GridJournal {
 
     bool CanUndo() const { return !done_.empty(); }
     bool CanRedo() const { return !undone_.empty(); }
-    // The mark to go back to; its dirty flag is the one behind the step, since taking a change back is a
-    // change as well. The grid's recorder is silent meanwhile. Only when Can...() says so.
+    // The mark to go back to. The grid's recorder is silent meanwhile. Only when Can...() says so.
     JournalMark Undo();
     JournalMark Redo();
     void Drop();

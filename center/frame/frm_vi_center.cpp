@@ -158,6 +158,10 @@ void frmVICenter::RebuildTreeAndSelect(std::int32_t id) {
     parts_->tree.RebuildAndSelect(id);
 }
 
+void frmVICenter::ShowStoredTemplate(std::int32_t id) {
+    parts_->tree.ShowStored(id);
+}
+
 const std::shared_ptr<EntryGrid>& frmVICenter::GridObject() const {
     return parts_->state.grid;
 }

@@ -62,6 +62,7 @@ class frmVICenter final : public TemplateWindow {
     void ShowProgress(const ProgressState& state) override;
     bool ProgressCancelled() override;
     void RebuildTreeAndSelect(std::int32_t id) override;
+    void ShowStoredTemplate(std::int32_t id) override;
 
     const std::shared_ptr<EntryGrid>& GridObject() const;  // vsEntrys
     const std::string& SelectedNode() const;               // key

@@ -27,6 +27,8 @@ class TemplateWindow {
     // Builds the tree anew, selects the node of that id, or of the last row when the id is below 1, and opens
     // it.
     virtual void RebuildTreeAndSelect(std::int32_t id) = 0;
+    // The same for a template that has just been written: 0 is the standard template.
+    virtual void ShowStoredTemplate(std::int32_t id) = 0;
 };
 
 class TemplateCommands {

@@ -113,6 +113,11 @@ class VICenterView {
     // in AfterLabelEdit().
     virtual void StartLabelEdit() = 0;
 
+    // A sign of changes that are not saved, in the title and at the node of that key.
+    virtual void SetModified(const std::string& /*key*/, bool /*modified*/) {}
+    // The keyboard goes to the grid: what the user has to mend is there.
+    virtual void FocusGrid() {}
+
     virtual void SetToolStates(const ToolStates& states) = 0;   // and lays the bar out anew
     virtual void SetTemplateName(const std::string& name) = 0;  // itName
     virtual void SetGridInteractive(bool interactive) = 0;

@@ -20,7 +20,8 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Temp
               editing.Forget();
               RefreshSurroundings();
           }),
-      save(state, kept, drafts, SaveActions()),
+      refused(state),
+      save(state, kept, drafts, refused, SaveActions()),
       lookUps(state),
       items(state),
       names(state),
@@ -82,23 +83,27 @@ void WindowParts::ContentChanged() {
     drafts.Changed();
 }
 
-void WindowParts::RowsInserted(int firstRow, int /*count*/) {
+void WindowParts::RowsInserted(int firstRow, int count) {
     sums.reset();
+    refused.RowsInserted(firstRow, count);
     if (firstRow <= state.rowCount + 1) ContentChanged();
 }
 
-void WindowParts::RowsRemoved(int firstRow, int /*count*/) {
+void WindowParts::RowsRemoved(int firstRow, int count) {
     sums.reset();
+    refused.RowsRemoved(firstRow, count);
     if (firstRow <= state.rowCount + 1) ContentChanged();
 }
 
 void WindowParts::WasReset() {
     sums.reset();
+    refused.WasReset();
 }
 
 void WindowParts::TextsChanged(const CellRange& range) {
     sums.reset();
     ContentChanged();
+    refused.TextsChanged();
     const CellAddress active = state.grid->ActiveCell();
     const bool touchesItems = range.firstRow <= active.row && active.row <= range.lastRow &&
                               range.firstColumn <= column::kItems &&

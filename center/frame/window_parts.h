@@ -20,6 +20,7 @@
 #include "center/lookups/name_list.h"
 #include "center/template/draft/template_drafts.h"
 #include "center/template/kept_lines.h"
+#include "center/template/refused_line.h"
 #include "center/template/template_save.h"
 #include "center/tree/template_tree.h"
 #include "center/tree/tree_facet.h"
@@ -42,6 +43,8 @@ struct WindowParts : public GridObserver {
     void OfferNewestDraft();
     // A tool of the bar, from the click to what is left of it.
     void ClickTool(Tool tool);
+    // Nothing is left that a draft could bring back.
+    void DropDraftIfUnmodified();
     // fileName: a workbook chosen already; empty: the command asks for one.
     void RunImport(const std::string& fileName);
 
@@ -59,6 +62,7 @@ struct WindowParts : public GridObserver {
     KeptLines kept;
     TemplateDrafts drafts;
     TemplateTree tree;
+    RefusedLine refused;
     TemplateSave save;
     CellLookUps lookUps;
     ItemPanel items;

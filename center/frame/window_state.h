@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "center/editing/grid_journal.h"
 #include "center/frame/vicenter_view.h"
@@ -14,6 +15,27 @@
 #include "platform/system/surroundings.h"
 
 namespace vicenter::center {
+
+// Whether what is in the grid differs from what was read or saved last; the view shows it.
+class ModifiedFlag {
+  public:
+    ModifiedFlag(VICenterView& view, const std::string& templateId) : view_(view), templateId_(templateId) {}
+    ModifiedFlag(const ModifiedFlag&) = delete;
+    ModifiedFlag& operator=(const ModifiedFlag&) = delete;
+    ModifiedFlag& operator=(bool modified) {
+        if (std::exchange(modified_, modified) != modified)
+            view_.SetModified(std::string(kTemplateKeyHead) + templateId_, modified);
+        return *this;
+    }
+    operator bool() const {
+        return modified_;
+    }  // NOLINT(google-explicit-constructor): read as the flag it is
+
+  private:
+    VICenterView& view_;
+    const std::string& templateId_;
+    bool modified_ = false;
+};
 
 struct WindowState {
     explicit WindowState(VICenterView& theView) : view(theView), journal(*grid) { tools.fill(true); }
@@ -30,7 +52,7 @@ struct WindowState {
     bool linesKnown = true;       // false: the open template's lines could not be read
     LinesDigest loaded;           // the open template's lines as read
     std::string notice;           // in the status line until something changes
-    bool dirty = false;
+    ModifiedFlag dirty{view, templateId};
     bool hasRight = false;
     ToolStates tools{};
     automation::ObjectRef security;  // held until the window is unloaded

@@ -1,8 +1,11 @@
 #include "center/lookups/cell_look_ups.h"
 
+#include <charconv>
+
 #include "automation/class_registry.h"
 #include "center/editing/cell_checks.h"
 #include "platform/system/utf8.h"
+#include "store/number_text.h"
 #include "store/statements.h"
 
 namespace vicenter::center {
@@ -14,6 +17,18 @@ using automation::Variant;
 namespace {
 constexpr const char* kLedgerView = "VelaEBCGLView.GLView";
 constexpr const char* kExplanationView = "VelaVchExp.ExpView";
+
+// What is chosen in a column, for messages.
+std::string_view KindOf(int gridColumn) {
+    switch (gridColumn) {
+        case column::kExplanation:
+            return "摘要的科目";
+        case column::kAccountNumber:
+            return "科目";
+        default:
+            return Column(gridColumn).header;
+    }
+}
 }  // namespace
 
 Variant RecordField(const Variant& record, const char* name) {
@@ -41,6 +56,30 @@ Variant LookUpResult::Record() const {
 
 std::string LookUpResult::Field(const char* name) const {
     return RecordField(Record(), name).ToTextOrEmpty();
+}
+
+std::optional<std::string> PlainId(std::string_view answered) {
+    const std::string text = store::TrimmedOfAnyBlanks(answered);
+    if (text.empty()) return text;
+    std::int32_t id = 0;
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, id);
+    if (read.ec != std::errc()) return std::nullopt;
+    // A number with a point counts as whole when nothing but zeros stands behind it.
+    std::string_view rest(read.ptr, static_cast<std::size_t>(end - read.ptr));
+    if (rest.starts_with('.')) rest.remove_prefix(1);
+    if (rest.find_first_not_of('0') != std::string_view::npos) return std::nullopt;
+    return std::to_string(id);
+}
+
+std::optional<Choice> WithPlainId(Choice choice, int gridColumn) {
+    const std::optional<std::string> id = PlainId(choice.id);
+    if (!id) {
+        Tell("所选" + std::string(KindOf(gridColumn)) + "的内码“" + choice.id + "”不是整数，没有取用！");
+        return std::nullopt;
+    }
+    choice.id = *id;
+    return choice;
 }
 
 ChosenTexts TextsOfChoice(const EntryGrid& grid, int row, int gridColumn, const Choice& choice) {
@@ -112,6 +151,7 @@ bool CellLookUps::Open() {
         default:
             break;
     }
+    if (choice) choice = WithPlainId(std::move(*choice), cell.column);
     if (choice) WriteChosen(state_, cell.row, TextsOfChoice(grid, cell.row, cell.column, *choice));
     state_.dirty = true;
     return choice.has_value();

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -39,6 +40,11 @@ struct Choice {
     std::string number;  // explanation: not used
     std::string name;    // explanation: its text
 };
+// The id as the grid holds it, whatever type the host's object answers: a whole number that the account set
+// takes, or the empty text. Nothing for what is none: no row keeps the old id beside a new code.
+std::optional<std::string> PlainId(std::string_view answered);
+// The choice with its id in that form; nothing, and the user has been told, when it has none.
+std::optional<Choice> WithPlainId(Choice choice, int gridColumn);
 // Never replaces an account that the row already has by the one of an explanation.
 ChosenTexts TextsOfChoice(const EntryGrid& grid, int row, int gridColumn, const Choice& choice);
 // Writes them as one step of undo and colours the row.

@@ -122,19 +122,24 @@ void ItemPanel::CommitText(const std::string& typed) {
     }
 }
 
-void ItemPanel::CommitNumber(std::size_t row, const std::string& number) {
-    if (row >= panel_.rows.size()) return;
+TextVerdict ItemPanel::Take(std::size_t row, const std::string& number) {
     std::vector<std::string> numbers = Numbers();
     numbers[row] = std::string(system::TrimBlanks(number));
     const std::string text = JoinItems(numbers);
     // A separator inside a number would shift the pieces behind it.
-    const bool taken = numbers[row].find(',') == std::string::npos &&
-                       CheckTypedText(column::kItems, text) == TextVerdict::Taken;
-    if (taken) {
+    const TextVerdict verdict = numbers[row].find(',') == std::string::npos
+                                    ? CheckTypedText(column::kItems, text)
+                                    : TextVerdict::BadCharacter;
+    if (verdict == TextVerdict::Taken) {
         Write(text);
     } else {
         state_.view.SetItemPanel(panel_);
     }
+    return verdict;
+}
+
+void ItemPanel::CommitNumber(std::size_t row, const std::string& number) {
+    if (row < panel_.rows.size()) Take(row, number);
 }
 
 void ItemPanel::LookUp(std::size_t row) {
@@ -146,7 +151,14 @@ void ItemPanel::LookUp(std::size_t row) {
     lookUp->Put("Search", true);
     const LookUpResult result(
         lookUp->Call("ItemLookUp", {Argument(panel_.rows[row].classId), Argument(panel_.rows[row].number)}));
-    if (result.Confirmed()) CommitNumber(row, result.Field("Number"));
+    if (!result.Confirmed()) return;
+    const std::string number = result.Field("Number");
+    const TextVerdict verdict = Take(row, number);
+    if (verdict == TextVerdict::Taken) return;
+    const std::string reason = verdict == TextVerdict::BadCharacter
+                                   ? "代码不能包含单引号、竖线、逗号或控制字符"
+                                   : "核算项目" + VerdictText(verdict, column::kItems);
+    Tell("所选核算项目“" + number + "”没有取用：" + reason + "！");
 }
 
 }  // namespace vicenter::center

@@ -33,6 +33,8 @@ class ItemPanel {
   private:
     void ReadClasses(const std::string& accountNumber);
     void Write(const std::string& text);
+    // Taken for a number that the row has now.
+    TextVerdict Take(std::size_t row, const std::string& number);
     std::vector<std::string> Numbers() const;
 
     WindowState& state_;

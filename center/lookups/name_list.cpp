@@ -150,7 +150,18 @@ void NameList::Select(int index) {
 void NameList::Move(int steps) {
     if (!list_.open) return;
     const int last = static_cast<int>(list_.entries.size()) - 1;
-    Select(std::clamp(list_.selected + steps, 0, last));
+    const int wanted = std::clamp(list_.selected + steps, 0, last);
+    const auto takeable = [this](int index) {
+        return list_.entries[static_cast<std::size_t>(index)].selectable;
+    };
+    // Groups are passed over: on in the same direction, else back to the last entry that can be taken.
+    const int direction = steps < 0 ? -1 : 1;
+    for (int index = wanted; index >= 0 && index <= last; index += direction) {
+        if (takeable(index)) return Select(index);
+    }
+    for (int index = wanted; index >= 0 && index <= last; index -= direction) {
+        if (takeable(index)) return Select(index);
+    }
 }
 
 bool NameList::Take() {
@@ -158,12 +169,18 @@ bool NameList::Take() {
                        list_.entries[static_cast<std::size_t>(list_.selected)].selectable;
     if (taken) {
         const Entry& entry = source_->entries[shown_[static_cast<std::size_t>(list_.selected)]];
-        const Choice choice{entry.id, entry.number, entry.name};
-        WriteChosen(state_, list_.row, TextsOfChoice(*state_.grid, list_.row, list_.column, choice));
-        state_.dirty = true;
+        const CellAddress cell{list_.row, list_.column};
+        // A message may let the list close under it.
+        const std::optional<Choice> choice = WithPlainId({entry.id, entry.number, entry.name}, cell.column);
+        if (choice) {
+            WriteChosen(state_, cell.row, TextsOfChoice(*state_.grid, cell.row, cell.column, *choice));
+            state_.dirty = true;
+        }
+        Close();
+        return choice.has_value();
     }
     Close();
-    return taken;
+    return false;
 }
 
 void NameList::Close() {

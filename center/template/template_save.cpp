@@ -4,7 +4,6 @@
 
 #include "center/editing/cell_rules.h"
 #include "entry/host_services.h"
-#include "entry/screen.h"
 #include "entry/sql_text.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
@@ -20,36 +19,54 @@ using entry::LogKind;
 using system::MessageButtons;
 using system::MessageResult;
 
+namespace {
+
+// explains: the row is the first of its number, which needs an explanation: it becomes the number's key.
+std::optional<Finding> FindingIn(const EntryGrid& grid, int r, bool explains) {
+    const std::string row = "行" + std::to_string(r);
+    const std::string_view number = grid.Text(r, column::kNo);
+    if (number.empty()) return Finding{r, column::kNo, row + " 模板编号(*) 不允许为空，请进行设置！"};
+    if (explains && grid.Text(r, column::kExplanation).empty()) {
+        return Finding{r, column::kExplanation,
+                       row + " 凭证模板 " + std::string(number) + " 号第一行摘要为空，请录入摘要！"};
+    }
+    if (system::TrimBlanks(grid.Text(r, column::kDirection)).empty()) {
+        return Finding{r, column::kDirection, row + " 借贷方向(*) 不允许为空，请进行设置！"};
+    }
+    if (grid.Text(r, column::kAccountNumber).empty()) {
+        return Finding{r, column::kAccountNumber, row + " 科目编码(*) 不允许为空，请进行设置！"};
+    }
+    if (grid.Text(r, column::kAccountName).empty()) {
+        return Finding{r, column::kAccountName, row + " 科目名称(*) 不允许为空，请进行设置！"};
+    }
+    // What the user gave and the column refused is nowhere to be saved.
+    for (int c = 1; c <= kColumnCount; ++c) {
+        const TextVerdict refusal = grid.Refusal(r, c);
+        if (refusal == TextVerdict::Taken) continue;
+        return Finding{
+            r, c,
+            row + " " + std::string(Column(c).header) + " " + VerdictText(refusal, c) + "，请进行更正！"};
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
 std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount) {
     std::unordered_set<std::string> seen;
     for (int r = 1; r <= rowCount; ++r) {
-        const std::string row = "行" + std::to_string(r);
-        const std::string number(grid.Text(r, column::kNo));
-        if (number.empty()) return Finding{r, column::kNo, row + " 模板编号(*) 不允许为空，请进行设置！"};
-        // Only the first row of a number needs an explanation: it becomes the number's key.
-        if (seen.insert(number).second && grid.Text(r, column::kExplanation).empty()) {
-            return Finding{r, column::kExplanation,
-                           row + " 凭证模板 " + number + " 号第一行摘要为空，请录入摘要！"};
-        }
-        if (system::TrimBlanks(grid.Text(r, column::kDirection)).empty()) {
-            return Finding{r, column::kDirection, row + " 借贷方向(*) 不允许为空，请进行设置！"};
-        }
-        if (grid.Text(r, column::kAccountNumber).empty()) {
-            return Finding{r, column::kAccountNumber, row + " 科目编码(*) 不允许为空，请进行设置！"};
-        }
-        if (grid.Text(r, column::kAccountName).empty()) {
-            return Finding{r, column::kAccountName, row + " 科目名称(*) 不允许为空，请进行设置！"};
-        }
-        // What the user gave and the column refused is nowhere to be saved.
-        for (int c = 1; c <= kColumnCount; ++c) {
-            const TextVerdict refusal = grid.Refusal(r, c);
-            if (refusal == TextVerdict::Taken) continue;
-            return Finding{
-                r, c,
-                row + " " + std::string(Column(c).header) + " " + VerdictText(refusal, c) + "，请进行更正！"};
-        }
+        const bool first = seen.emplace(grid.Text(r, column::kNo)).second;
+        if (auto finding = FindingIn(grid, r, first)) return finding;
     }
     return std::nullopt;
+}
+
+std::optional<Finding> FindingOfRow(const EntryGrid& grid, int row) {
+    const std::string_view number = grid.Text(row, column::kNo);
+    int first = 1;
+    while (first < row && grid.Text(first, column::kNo) != number)
+        ++first;
+    return FindingIn(grid, row, first == row);
 }
 
 std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId) {
@@ -83,9 +100,9 @@ bool ConfirmEmptyTemplate() {
     return Ask("当前模板模板信息为空，您确认要保存么？", MessageButtons::OkCancel) == MessageResult::Ok;
 }
 
-TemplateSave::TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& drafts,
+TemplateSave::TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& drafts, RefusedLine& refused,
                            TemplateSaveActions actions)
-    : state_(state), kept_(kept), drafts_(drafts), actions_(std::move(actions)) {}
+    : state_(state), kept_(kept), drafts_(drafts), refused_(refused), actions_(std::move(actions)) {}
 
 bool TemplateSave::Save() {
     if (!state_.IsOpen() || !state_.dirty) return false;
@@ -186,6 +203,7 @@ bool TemplateSave::Validate() {
     if (!finding) return true;
     Tell(finding->text);
     GoToCell({finding->row, finding->column});
+    state_.view.FocusGrid();
     return false;
 }
 
@@ -195,16 +213,18 @@ bool TemplateSave::ConfirmUnsavedChanges() {
         drafts_.SetDeclined(true);
         return true;
     }
+    const bool saved = Save();
+    if (!saved) state_.view.FocusGrid();  // what is typed next is to mend it, and answers no question
     // A save that the database refused counts as one. Whatever comes next may replace the grid's content as
     // soon as what was typed is on the disk; as long as it is in this window alone, nothing goes on.
-    return Save() && (!kept_.IsPending() || drafts_.Keep());
+    return saved && (!kept_.IsPending() || drafts_.Keep());
 }
 
 void TemplateSave::GoToCell(const CellAddress& cell) {
     state_.grid->SetReDraw(false);
     state_.grid->SetActiveCell(cell);
     state_.grid->SetReDraw(true);
-    entry::HighlightGridRow(cell.row, *state_.grid);
+    refused_.Mark(cell.row);
     state_.grid->ScrollIntoView(cell);
 }
 

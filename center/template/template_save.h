@@ -10,6 +10,7 @@
 #include "center/frame/window_state.h"
 #include "center/template/draft/template_drafts.h"
 #include "center/template/kept_lines.h"
+#include "center/template/refused_line.h"
 #include "center/template/template_fate.h"
 #include "store/template_outcome.h"
 
@@ -22,6 +23,8 @@ struct Finding {
     std::string text;
 };
 std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount);
+// What is wrong with one row in use.
+std::optional<Finding> FindingOfRow(const EntryGrid& grid, int row);
 
 // The batch that replaces the template's lines and brings its control rows up to date.
 std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId);
@@ -51,7 +54,8 @@ struct TemplateSaveActions {
 
 class TemplateSave {
   public:
-    TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& drafts, TemplateSaveActions actions);
+    TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& drafts, RefusedLine& refused,
+                 TemplateSaveActions actions);
 
     bool Save();
     bool Validate();
@@ -68,6 +72,7 @@ class TemplateSave {
     WindowState& state_;
     KeptLines& kept_;
     TemplateDrafts& drafts_;
+    RefusedLine& refused_;
     TemplateSaveActions actions_;
 };
 

@@ -8,10 +8,10 @@
 #include "entry/single_line.h"
 #include "entry/sql_text.h"
 #include "platform/system/collation.h"
-#include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/statements.h"
 #include "store/template_guard.h"
+#include "store/template_name.h"
 
 namespace vicenter::center {
 
@@ -43,6 +43,21 @@ std::string KeyOf(const std::string& id) {
 // Quoted as it stands: a label keeps its blanks.
 std::string Literal(const std::string& text) {
     return entry::SqlQuote(text, true, false);
+}
+
+// Why a template cannot be renamed so; none for a name that it may have.
+const char* NameFaultText(const std::string& name) {
+    switch (store::FaultOfName(name)) {
+        case store::NameFault::Blank:
+            return "名称不允许为空，修改失败！";
+        case store::NameFault::ControlCharacter:
+            return "名称不能包含制表符、换行等控制字符，修改失败！";
+        case store::NameFault::TooLong:
+            return "名称长度不能超过255个字符，修改失败！";
+        case store::NameFault::None:
+            break;
+    }
+    return nullptr;
 }
 
 }  // namespace
@@ -96,14 +111,26 @@ void TemplateTree::Build() {
 void TemplateTree::RebuildAndSelect(std::int32_t id) {
     ReadNodes();
     Select(id < 1 ? nodes_.back().key : KeyOf(std::to_string(id)));
+    OpenSelected();
+}
+
+void TemplateTree::ShowStored(std::int32_t id) {
+    ReadNodes();
+    Select(KeyOf(std::to_string(id)));
+    OpenSelected();
+}
+
+// Whatever was lit before, a template that is open can be saved and exported.
+void TemplateTree::OpenSelected() {
     Open({}, {}, {});
+    if (state_.IsOpen()) state_.Enable({Tool::Save, Tool::Exp}, true);
 }
 
 void TemplateTree::ReadAgain(const std::string& id) {
     ReadNodes();
     const std::string key = KeyOf(id);
     Select(Find(key) == nullptr ? kStandardKey : key);
-    Open({}, {}, {});
+    OpenSelected();
 }
 
 void TemplateTree::Open(const std::string& name, const std::string& id, const std::string& displayName) {
@@ -225,12 +252,8 @@ bool TemplateTree::BeforeLabelEdit() {
 bool TemplateTree::AfterLabelEdit(const std::string& label) {
     editsLabels_ = false;
     const std::string newText(entry::WithoutLineEnd(label));
-    if (system::TrimBlanks(newText).empty()) {
-        Tell("名称不允许为空，修改失败！");
-        return false;
-    }
-    if (entry::HasControlCharacter(newText)) {
-        Tell("名称不能包含制表符、换行等控制字符，修改失败！");
+    if (const char* fault = NameFaultText(newText); fault != nullptr) {
+        Tell(fault);
         return false;
     }
     constexpr const char* kDuplicate = "模板名称不允许重复，修改失败！";
@@ -302,7 +325,7 @@ bool TemplateTree::CreateTemplate() {
     // The command has been through the right and the gate already: no second question.
     StartRenaming();
     Open(node->text, IdOf(node->key), {});
-    state_.Enable({Tool::Del, Tool::Save}, true);
+    state_.Enable({Tool::Del, Tool::Save, Tool::Exp}, true);
     return true;
 }
 

@@ -20,6 +20,9 @@ class TemplateTree {
 
     void Build();
     void RebuildAndSelect(std::int32_t id);
+    // Builds the tree anew, lights the template that has just been written and opens it; 0 is the standard
+    // one.
+    void ShowStored(std::int32_t id);
     // Any of the three may be empty.
     void Open(const std::string& name, const std::string& id, const std::string& displayName);
     // The standard template under its own name, without a word when its lines cannot be read.
@@ -53,6 +56,7 @@ class TemplateTree {
 
   private:
     void StartRenaming();
+    void OpenSelected();
     void Read(const std::string& name, const std::string& id, const std::string& displayName);
     // Opens a node by what it stands for now.
     void OpenNode(const std::string& key);

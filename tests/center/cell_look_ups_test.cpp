@@ -215,6 +215,86 @@ TEST_F(LookUps, AnExplanationsAccountThatIsGoneWritesNoAccount) {
     EXPECT_EQ(Cell(2, column::kAccountId), "");
 }
 
+// --- ids of whatever type
+
+struct OddId {
+    Variant answered;
+    const char* taken;  // nullptr: refused
+    const char* named = "";
+};
+
+class OddIds : public LookUps, public testing::WithParamInterface<OddId> {};
+
+TEST_P(OddIds, AreTakenWholeOrTheChoiceIsRefusedWhole) {
+    struct Way {
+        int column;
+        const char* kind;
+    };
+    for (const Way way : {Way{column::kAccountNumber, "科目"},
+                          {column::kSettleName, "结算方式"},
+                          {column::kCurrencyName, "币别"}}) {
+        Answer(system::MessageResult::No);
+        Window().Tree().NodeClick("detail-0");
+        surroundings_.messageBoxes->answers.clear();
+        Grid().SetText(1, way.column - 1, "77");
+        Forget();
+        record_->Value("Number", "1002.02").Value("Name", "新").Value("AccountID", GetParam().answered);
+        record_->Value("ItemID", GetParam().answered);
+        result_->Value("ReturnValue", GetParam().answered);
+        const std::string before = Cell(1, way.column);
+        OpenAt(1, way.column);
+        if (GetParam().taken != nullptr) {
+            EXPECT_EQ(Cell(1, way.column - 1), GetParam().taken) << way.kind;
+            EXPECT_NE(Cell(1, way.column), before);
+            EXPECT_THAT(Messages(), IsEmpty());
+        } else {
+            EXPECT_EQ(Cell(1, way.column - 1), "77") << way.kind;
+            EXPECT_EQ(Cell(1, way.column), before) << way.kind;
+            EXPECT_THAT(Messages(), ElementsAre("所选" + std::string(way.kind) + "的内码“" +
+                                                GetParam().named + "”不是整数，没有取用！"));
+        }
+    }
+}
+
+TEST_P(OddIds, OfAnExplanationsAccountToo) {
+    set_.Answer("select FName,FNumber from t_Account where FAccountID = 1003",
+                Rows({"FName", "FNumber"}, {{"工行", "1002.02"}}));
+    result_->Value("ReturnValue", "付款");
+    record_->Value("FAccountID", GetParam().answered);
+    OpenAt(2, column::kExplanation);
+    if (GetParam().taken != nullptr) {
+        EXPECT_EQ(Cell(2, column::kExplanation), "付款");
+        EXPECT_EQ(Cell(2, column::kAccountId), GetParam().taken);
+    } else {
+        EXPECT_EQ(Cell(2, column::kExplanation), "");
+        EXPECT_EQ(Messages().size(), 1U);
+        EXPECT_THAT(Sent("where FAccountID = "), IsEmpty()) << "no odd text goes into a statement";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, OddIds,
+                         testing::Values(OddId{Variant("1003  "), "1003"}, OddId{Variant("　1003"), "1003"},
+                                         OddId{Variant(1003.0), "1003"}, OddId{Variant("1003.00"), "1003"},
+                                         OddId{Variant(std::int16_t{1003}), "1003"},
+                                         OddId{Variant(1003.5), nullptr, "1003.5"},
+                                         OddId{Variant(true), nullptr, "True"},
+                                         OddId{Variant(std::int64_t{12345678901}), nullptr, "12345678901"},
+                                         OddId{Variant("abc"), nullptr, "abc"},
+                                         OddId{Variant("1 or 1=1"), nullptr, "1 or 1=1"}));
+
+TEST_F(LookUps, TheUnitsIdIsReadByTheSameRule) {
+    set_.Answer("select FUnitGroupID from t_account", Rows({"FUnitGroupID"}, {{7}}));
+    record_->Value("Name", "千克");
+    result_->Value("ReturnValue", "71 ");
+    OpenAt(1, column::kUnitName);
+    EXPECT_EQ(Cell(1, column::kUnitId), "71");
+    result_->Value("ReturnValue", 71.5);
+    record_->Value("Name", "吨");
+    OpenAt(1, column::kUnitName);
+    EXPECT_EQ(Cell(1, column::kUnitName), "千克");
+    EXPECT_THAT(Messages(), ElementsAre("所选计量单位的内码“71.5”不是整数，没有取用！"));
+}
+
 // --- the dirty flag and other columns
 
 TEST_F(LookUps, ACancelledLookUpLeavesTheRowButMarksTheTemplateAsChanged) {

@@ -48,6 +48,11 @@ class FakeVICenterView : public VICenterView {
     }
     void StartLabelEdit() override { calls.emplace_back("edit label"); }
 
+    void SetModified(const std::string& key, bool modified) override {
+        calls.push_back((modified ? "modified " : "unmodified ") + key);
+    }
+    void FocusGrid() override { calls.emplace_back("focus grid"); }
+
     void SetToolStates(const ToolStates& states) override {
         calls.emplace_back("tools");
         tools = states;

@@ -100,6 +100,43 @@ TEST_F(UndoTest, ANewChangeEndsWhatCouldBeRepeated) {
     EXPECT_EQ(Text(1, 21), "");
 }
 
+TEST_F(UndoTest, BackWhereItWasReadTheTemplateIsUnmodified) {
+    UseRows(3);
+    Type(1, 2, "a");
+    Type(2, 2, "b");
+    editing_.DeleteRows(1, 1);
+    editing_.Undo();
+    EXPECT_TRUE(state_.dirty);
+    editing_.Undo();
+    EXPECT_TRUE(state_.dirty);
+    editing_.Undo();
+    EXPECT_FALSE(state_.dirty);
+    editing_.Redo();
+    EXPECT_TRUE(state_.dirty);
+    editing_.Undo();
+    EXPECT_FALSE(state_.dirty);
+    Type(1, 2, "c");
+    EXPECT_TRUE(state_.dirty);
+}
+
+TEST_F(UndoTest, WhatWasModifiedBeforeTheFirstStepStaysModified) {
+    UseRows(1);
+    state_.dirty = true;  // as a look-up leaves it that was cancelled
+    Type(1, 2, "a");
+    editing_.Undo();
+    EXPECT_TRUE(state_.dirty);
+}
+
+TEST_F(UndoTest, MoreStepsThanAreKeptLeadToNothingUnmodified) {
+    UseRows(1);
+    for (std::size_t i = 0; i <= GridJournal::kMostSteps; ++i)
+        Type(1, 2, "a" + std::to_string(i));
+    while (state_.journal.CanUndo())
+        editing_.Undo();
+    EXPECT_EQ(Text(1, 2), "a0");
+    EXPECT_TRUE(state_.dirty);
+}
+
 TEST_F(UndoTest, TakingAChangeBackIsAChangeToo) {
     UseRows(1);
     Type(1, 2, "a");

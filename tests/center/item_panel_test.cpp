@@ -266,6 +266,25 @@ TEST_F(PanelLookUp, SetsFourPropertiesAndAsksForTheRowsClass) {
     EXPECT_EQ(Items(), "C001,D02");
 }
 
+TEST_F(PanelLookUp, AChosenItemThatTheTextCannotHoldIsTold) {
+    Window().Items().CommitNumber(1, "D01");
+    for (const char* number : {"C'1", "C|1", "C,1", "C\t1"}) {
+        Forget();
+        record_->Value("Number", number);
+        Window().Items().LookUp(0);
+        EXPECT_THAT(Messages(), ElementsAre("所选核算项目“" + std::string(number) +
+                                            "”没有取用：代码不能包含单引号、竖线、逗号或控制字符！"));
+        EXPECT_EQ(surroundings_.messageBoxes->shown[0].title, "信息提示");
+        EXPECT_EQ(Items(), ",D01");
+    }
+    Forget();
+    record_->Value("Number", std::string(300, 'C'));
+    Window().Items().LookUp(0);
+    ASSERT_EQ(Messages().size(), 1U);
+    EXPECT_THAT(Messages()[0], HasSubstr("没有取用：核算项目长度不能超过255个字符！"));
+    EXPECT_EQ(Items(), ",D01");
+}
+
 TEST_F(PanelLookUp, ACancelledOneChangesNothing) {
     result_->Value("ReturnOK", false);
     Window().Items().LookUp(0);

@@ -238,15 +238,37 @@ TEST_F(NameLists, ArrowsMoveTheChoiceWithinTheList) {
     Window().Names().Move(-1);
     EXPECT_EQ(view_.nameList.selected, 0);
     Window().Names().Move(1);
-    EXPECT_EQ(view_.nameList.selected, 1);
+    EXPECT_EQ(view_.nameList.selected, 2) << "past the group between them";
     Window().Names().Move(10);
     EXPECT_EQ(view_.nameList.selected, 2);
     Window().Names().Move(-1);
-    EXPECT_EQ(view_.nameList.selected, 1);
+    EXPECT_EQ(view_.nameList.selected, 0);
     Window().Names().Select(0);
     EXPECT_EQ(view_.nameList.selected, 0);
     Window().Names().Select(7);
     EXPECT_EQ(view_.nameList.selected, 0);
+}
+
+TEST_F(NameLists, ArrowsPassOverGroups) {
+    entries_ = {{1, "1001", "组", 0},
+                {2, "1001.01", "甲", 1},
+                {3, "1001.02", "组", 0},
+                {4, "1001.02.01", "乙", 1},
+                {5, "1001.03", "组", 0}};
+    TypeAt(1, 5, "1001");
+    ASSERT_EQ(view_.nameList.entries.size(), 5U);
+    const auto expect = [this](int steps, const char* number) {
+        Window().Names().Move(steps);
+        ASSERT_GE(view_.nameList.selected, 0);
+        EXPECT_EQ(view_.nameList.entries[static_cast<std::size_t>(view_.nameList.selected)].number, number);
+    };
+    expect(1, "1001.01");
+    expect(1, "1001.02.01");
+    expect(1, "1001.02.01");
+    expect(-1, "1001.01");
+    expect(-1, "1001.01");
+    expect(8, "1001.02.01");
+    expect(-8, "1001.01");
 }
 
 TEST_F(NameLists, WithoutAChoiceNothingIsTakenAndTheListCloses) {
@@ -269,6 +291,17 @@ TEST_F(NameLists, AnAccountIsWrittenAsItsLookUpWouldWriteIt) {
     Window().Cells().Undo();
     EXPECT_EQ(Cell(1, column::kAccountNumber), "1001");
     EXPECT_EQ(Cell(1, column::kAccountId), "1001");
+}
+
+TEST_F(NameLists, AnEntryWhoseIdIsNoneIsToldAndNotTaken) {
+    entries_ = {{Variant("10.5"), "1002.01", "工商银行", 1}};
+    TypeAt(1, 5, "1002");
+    Window().Names().Move(1);
+    EXPECT_FALSE(Window().Names().Take());
+    EXPECT_THAT(Messages(), ElementsAre("所选科目的内码“10.5”不是整数，没有取用！"));
+    EXPECT_FALSE(view_.nameList.open);
+    EXPECT_EQ(Cell(1, column::kAccountNumber), "1001");
+    EXPECT_FALSE(Window().IsDirty());
 }
 
 TEST_F(NameLists, AChoiceIsNotResolvedAgainByTheNextCommand) {

@@ -123,10 +123,12 @@ TEST_F(Drafts, StayWhenTheWindowIsClosedByItsFrameAndAreOfferedByTheNext) {
     EXPECT_EQ(Files().size(), 1U);
     Window().Cells().Undo();
     EXPECT_EQ(Cell(1, column::kExplanation), "原来的");
-    Forget();
-    EXPECT_TRUE(Window().Save());
-    EXPECT_THAT(Sent("exec pro_VchTpCanUsed")[0], HasSubstr("'原来的'"));
+    EXPECT_FALSE(Window().IsDirty()) << "as the account set holds it";
     EXPECT_THAT(Files(), IsEmpty());
+    Window().Cells().Redo();
+    EXPECT_TRUE(Window().IsDirty());
+    Window().UserRests();
+    EXPECT_EQ(Files().size(), 1U);
 }
 
 TEST_F(Drafts, ARestoredDraftIsSaved) {

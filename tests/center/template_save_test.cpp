@@ -492,6 +492,59 @@ TEST_F(Save, GoesToTheFaultyCellAndWritesNothing) {
     EXPECT_TRUE(Window().IsDirty());
 }
 
+class RefusedRow : public Save {
+  protected:
+    void SetUp() override {
+        Save::SetUp();
+        for (int row = 1; row <= 4; ++row)
+            FillLine(row, "1", "收款");
+        Grid().SetText(2, column::kAccountName, "");
+        EXPECT_FALSE(Window().Save());
+        ASSERT_THAT(Yellow(), ElementsAre(2));
+    }
+    std::vector<int> Yellow() {
+        std::vector<int> rows;
+        for (int row = 1; row <= Grid().RowTotal(); ++row) {
+            if (Grid().Look(row, kColumnCount).backColor == entry::kPaleYellow) rows.push_back(row);
+        }
+        return rows;
+    }
+};
+
+TEST_F(RefusedRow, IsNoLongerColouredOnceItIsMended) {
+    Grid().SetText(3, column::kRemark, "another line");
+    EXPECT_THAT(Yellow(), ElementsAre(2));
+    Grid().SetText(2, column::kRemark, "another cell");
+    EXPECT_THAT(Yellow(), ElementsAre(2));
+    Type(2, column::kAccountName, "现金");
+    EXPECT_THAT(Yellow(), IsEmpty());
+}
+
+TEST_F(RefusedRow, MovesWithItsLine) {
+    Window().Cells().InsertRows({1, 1, 2, 1});
+    EXPECT_THAT(Yellow(), ElementsAre(4));
+    Window().Cells().DeleteRows({1, 1});
+    EXPECT_THAT(Yellow(), ElementsAre(3));
+    Type(3, column::kAccountName, "现金");
+    EXPECT_THAT(Yellow(), IsEmpty());
+}
+
+TEST_F(RefusedRow, GoesWithItsLineAndComesBackWithIt) {
+    Window().Cells().DeleteRows({2, 1});
+    EXPECT_THAT(Yellow(), IsEmpty());
+    Window().Cells().Undo();
+    EXPECT_THAT(Yellow(), ElementsAre(2));
+    Type(2, column::kAccountName, "现金");
+    EXPECT_THAT(Yellow(), IsEmpty());
+}
+
+TEST_F(RefusedRow, GoesWhenTheLineIsNoLineAnyMore) {
+    Window().Cells().DeleteRows({3, 1, 4, 1});
+    Window().Cells().ClearCells({2, 1, 2, kColumnCount});
+    EXPECT_EQ(Window().RowCount(), 1);
+    EXPECT_THAT(Yellow(), IsEmpty());
+}
+
 TEST_F(Save, AnEmptyTemplateIsSavedOnlyWhenTheUserAgrees) {
     lines_["5"] = {Line(1, "x")};
     Window().Tree().NodeClick("detail-5");

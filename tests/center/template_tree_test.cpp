@@ -96,6 +96,36 @@ TEST_F(Tree, RebuildingWithAnIdBelowOneSelectsTheLastRow) {
     }
 }
 
+TEST_F(Tree, WhatHasBeenWrittenOverTheStandardTemplateIsShown) {
+    Open();
+    Window().Tree().NodeClick("detail-8");
+    lines_["0"] = {Line(1, "引入的")};
+    Forget();
+    Window().ShowStoredTemplate(0);
+    EXPECT_EQ(view_.selected, "detail-0");
+    EXPECT_EQ(Window().TemplateId(), "0");
+    EXPECT_EQ(Cell(1, column::kExplanation), "引入的");
+    Window().ShowStoredTemplate(5);
+    EXPECT_EQ(view_.selected, "detail-5");
+    EXPECT_EQ(Window().TemplateId(), "5");
+}
+
+TEST_F(Tree, WhatHasBeenWrittenCanBeSavedAndExportedWhateverWasLitBefore) {
+    for (const bool stored : {true, false}) {
+        Open();
+        Window().Tree().NodeClick("ROOT");
+        ASSERT_FALSE(view_.Enabled(Tool::Save));
+        ASSERT_FALSE(view_.Enabled(Tool::Exp));
+        if (stored) {
+            Window().ShowStoredTemplate(8);
+        } else {
+            Window().RebuildTreeAndSelect(8);
+        }
+        EXPECT_TRUE(view_.Enabled(Tool::Save));
+        EXPECT_TRUE(view_.Enabled(Tool::Exp));
+    }
+}
+
 TEST_F(Tree, RebuildingForATemplateThatIsNotThereEmptiesTheGrid) {
     Open();
     Window().RebuildTreeAndSelect(77);
@@ -334,7 +364,7 @@ class Rename : public Tree {
 };
 
 TEST_F(Rename, ABlankNameIsRefused) {
-    for (const char* name : {"", "   "}) {
+    for (const char* name : {"", "   ", "　　", " 　 ", "\u200B"}) {
         Forget();
         EXPECT_FALSE(Window().Tree().AfterLabelEdit(name));
         ExpectMessage(kEmptyName);
@@ -350,6 +380,16 @@ TEST_F(Rename, ANameWithATabOrALineEndInItIsRefused) {
         ExpectMessage("名称不能包含制表符、换行等控制字符，修改失败！");
         EXPECT_THAT(set_.Statements(), IsEmpty());
     }
+}
+
+TEST_F(Rename, ANameLongerThanTheAccountSetTakesIsRefusedInWords) {
+    std::string name;
+    for (int i = 0; i < 255; ++i)
+        name += "账";
+    EXPECT_FALSE(Window().Tree().AfterLabelEdit(name + "账"));
+    ExpectMessage("名称长度不能超过255个字符，修改失败！");
+    EXPECT_THAT(set_.Statements(), IsEmpty());
+    EXPECT_TRUE(Window().Tree().AfterLabelEdit(name));
 }
 
 TEST_F(Rename, TheLineEndOfACopiedNameIsNoPartOfIt) {

@@ -64,6 +64,12 @@ class TemplateTreeTest : public ::testing::Test {
         Click(key);
         QTest::mouseDClick(tree.viewport(), Qt::LeftButton, {}, At(key));
     }
+    void DragOver(const char* key) {
+        const QPoint at = At(key);
+        QMouseEvent move(QEvent::MouseMove, at, tree.viewport()->mapToGlobal(at), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(tree.viewport(), &move);
+    }
     // The editor hands its text over once the key has been dealt with.
     void Key(Qt::Key key) {
         QTest::keyClick(Editor(), key);
@@ -98,6 +104,51 @@ TEST_F(TemplateTreeTest, AClickIsRaisedOnceAndAlsoOnTheSelectedNode) {
     EXPECT_EQ(tree.SelectedKey(), "detail-5");
     Click("detail-5");
     EXPECT_EQ(actions.clicks.size(), 2U);
+}
+
+TEST_F(TemplateTreeTest, APressThatIsReleasedElsewhereLightsAndOpensNothing) {
+    QTest::mousePress(tree.viewport(), Qt::LeftButton, {}, At("detail-5"));
+    EXPECT_EQ(tree.SelectedKey(), "detail-0") << "while the button is held";
+    QTest::mouseRelease(tree.viewport(), Qt::LeftButton, {}, At("detail-6"));
+    EXPECT_EQ(tree.SelectedKey(), "detail-0");
+    EXPECT_TRUE(actions.clicks.empty());
+    QTest::mousePress(tree.viewport(), Qt::LeftButton, {}, At("detail-5"));
+    QTest::mouseRelease(tree.viewport(), Qt::LeftButton, {}, QPoint(200, 290));
+    EXPECT_EQ(tree.SelectedKey(), "detail-0");
+    EXPECT_EQ(tree.selectedItems(), QList<QTreeWidgetItem*>{tree.FindNode("detail-0")});
+}
+
+TEST_F(TemplateTreeTest, ADragAsksNothingAndTheNextClickCounts) {
+    QTest::mousePress(tree.viewport(), Qt::LeftButton, {}, At("detail-5"));
+    DragOver("detail-5");
+    DragOver("detail-6");
+    EXPECT_TRUE(actions.clicks.empty()) << "in the middle of a press";
+    EXPECT_EQ(tree.SelectedKey(), "detail-0");
+    QTest::mouseRelease(tree.viewport(), Qt::LeftButton, {}, At("detail-6"));
+    EXPECT_TRUE(actions.clicks.empty());
+    Click("detail-6");
+    EXPECT_EQ(actions.clicks, std::vector<std::string>{"detail-6"});
+    EXPECT_EQ(tree.SelectedKey(), "detail-6");
+}
+
+TEST_F(TemplateTreeTest, OtherButtonsLightAndOpenNothing) {
+    for (const Qt::MouseButton button : {Qt::RightButton, Qt::MiddleButton, Qt::BackButton}) {
+        QTest::mouseClick(tree.viewport(), button, {}, At("detail-5"));
+        QTest::mouseDClick(tree.viewport(), button, {}, At("detail-5"));
+    }
+    EXPECT_EQ(tree.SelectedKey(), "detail-0");
+    EXPECT_EQ(tree.selectedItems(), QList<QTreeWidgetItem*>{tree.FindNode("detail-0")});
+    EXPECT_TRUE(actions.clicks.empty());
+    EXPECT_EQ(actions.doubleClicks, 0);
+}
+
+TEST_F(TemplateTreeTest, AButtonThatJoinsAnotherEndsNoClickOfIts) {
+    QTest::mousePress(tree.viewport(), Qt::LeftButton, {}, At("detail-5"));
+    QTest::mousePress(tree.viewport(), Qt::RightButton, {}, At("detail-5"));
+    QTest::mouseRelease(tree.viewport(), Qt::RightButton, {}, At("detail-5"));
+    EXPECT_TRUE(actions.clicks.empty());
+    QTest::mouseRelease(tree.viewport(), Qt::LeftButton, {}, At("detail-5"));
+    EXPECT_EQ(actions.clicks, std::vector<std::string>{"detail-5"});
 }
 
 TEST_F(TemplateTreeTest, ArrowKeysClickTheNodeTheyReach) {
@@ -179,14 +230,16 @@ TEST_F(TemplateTreeTest, NodesComeGoAndChangeByKey) {
     EXPECT_TRUE(actions.clicks.empty());
 }
 
-TEST_F(TemplateTreeTest, TheMenuRunsWhatIsChosenAndLeavesTheSelection) {
+TEST_F(TemplateTreeTest, TheMenuSelectsItsNodeFirstAndRunsWhatIsChosen) {
     int run = 0;
     actions.menu = {{"first", "甲", [] {}}, {"second", "乙", [&] { ++run; }}};
     QStringList texts;
+    std::string litBelowTheMenu;
     QTimer::singleShot(0, &tree, [&] {
         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
         ASSERT_NE(menu, nullptr);
         EXPECT_EQ(menu->objectName(), "treeMenu");
+        litBelowTheMenu = tree.SelectedKey();
         for (const QAction* action : menu->actions())
             texts << action->text();
         menu->setActiveAction(menu->actions().at(1));
@@ -198,8 +251,37 @@ TEST_F(TemplateTreeTest, TheMenuRunsWhatIsChosenAndLeavesTheSelection) {
     QApplication::sendEvent(tree.viewport(), &event);
     EXPECT_EQ(texts, (QStringList{"甲", "乙"}));
     EXPECT_EQ(run, 1);
-    EXPECT_EQ(tree.SelectedKey(), "detail-0");
+    EXPECT_EQ(litBelowTheMenu, "detail-6");
+    EXPECT_EQ(actions.clicks, std::vector<std::string>{"detail-6"});
+}
+
+TEST_F(TemplateTreeTest, TheMenuOfTheLitNodeIsNoClick) {
+    actions.menu = {{"first", "甲", [] {}}};
+    for (const auto reason : {QContextMenuEvent::Mouse, QContextMenuEvent::Keyboard}) {
+        bool shown = false;
+        QTimer::singleShot(0, &tree, [&] {
+            QWidget* menu = QApplication::activePopupWidget();
+            ASSERT_NE(menu, nullptr);
+            shown = true;
+            menu->close();
+        });
+        // Asked for by the keyboard it is the lit node's, wherever the mouse is.
+        const QPoint at = At(reason == QContextMenuEvent::Mouse ? "detail-0" : "detail-6");
+        QContextMenuEvent event(reason, at, tree.viewport()->mapToGlobal(at));
+        QApplication::sendEvent(tree.viewport(), &event);
+        EXPECT_TRUE(shown);
+    }
     EXPECT_TRUE(actions.clicks.empty());
+    EXPECT_EQ(tree.SelectedKey(), "detail-0");
+}
+
+TEST_F(TemplateTreeTest, NamesArePlainTextInTooltips) {
+    tree.AddNode({"detail-9", "<b>甲</b>", 2});
+    EXPECT_EQ(tree.FindNode("detail-9")->toolTip(0), "<p>&lt;b&gt;甲&lt;/b&gt;</p>");
+    tree.SetNodeText("detail-9", "<img src=x>");
+    EXPECT_EQ(tree.FindNode("detail-9")->toolTip(0), "<p>&lt;img src=x&gt;</p>");
+    tree.SetNodeText("detail-9", "a < b");
+    EXPECT_EQ(tree.FindNode("detail-9")->toolTip(0), "a < b");
 }
 
 TEST_F(TemplateTreeTest, WithoutItemsThereIsNoMenu) {

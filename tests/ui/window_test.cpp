@@ -1,83 +1,13 @@
-#include <QApplication>
 #include <QClipboard>
-#include <QLineEdit>
-#include <QPointer>
-#include <QTest>
-#include <QToolButton>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "platform/system/collation.h"
-#include "tests/ui/scripted_ledger.h"
+#include "tests/ui/window_fixture.h"
 #include "ui/grid/cell_editor.h"
 #include "ui/look/twips.h"
-#include "ui/window/vicenter_window.h"
 #include "ui/window/window_factory.h"
 
 namespace vicenter::ui {
 namespace {
-
-using system::MessageResult;
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using testing::ScriptedLedger;
-
-class WindowTest : public ::testing::Test {
-  protected:
-    void TearDown() override { Close(); }
-
-    VICenterWindow& Open() {
-        window = new VICenterWindow;
-        window->Open();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
-        QApplication::processEvents();
-        return *window;
-    }
-    void Close() {
-        if (window) window->close();
-        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-
-    GridView& Grid() { return window->Grid(); }
-    std::string Text(int row, int column) {
-        return std::string(window->Presenter().Grid().Text(row, column));
-    }
-    bool Enabled(const char* key) { return window->findChild<QAction*>(key)->isEnabled(); }
-    void ClickTool(const char* key) {
-        QTest::mouseClick(window->findChild<QToolButton*>(QString(key) + "Button"), Qt::LeftButton);
-    }
-    QPoint NodeAt(const char* key) {
-        return window->Tree().visualItemRect(window->Tree().FindNode(key)).center();
-    }
-    void ClickNode(const char* key) {
-        window->Tree().setFocus();
-        QTest::mouseClick(window->Tree().viewport(), Qt::LeftButton, {}, NodeAt(key));
-    }
-    void DoubleClickNode(const char* key) {
-        ClickNode(key);
-        QTest::mouseDClick(window->Tree().viewport(), Qt::LeftButton, {}, NodeAt(key));
-    }
-    void ClickCell(int row, int column) {
-        Grid().setFocus();
-        const QModelIndex index = Grid().Model().IndexOf({row, column});
-        QTest::mouseClick(Grid().viewport(), Qt::LeftButton, {}, Grid().visualRect(index).center());
-    }
-    QWidget* Focused() { return QApplication::focusWidget(); }
-    void Type(const QString& text) {
-        for (const QChar c : text)
-            QTest::keyClick(Focused(), c.toLatin1());
-    }
-    void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(Focused(), key, modifiers);
-        QApplication::processEvents();
-    }
-    std::vector<std::string> Messages() { return ledger->surroundings.messageBoxes->Texts(); }
-
-    std::unique_ptr<ScriptedLedger> ledger = std::make_unique<ScriptedLedger>();
-    QPointer<VICenterWindow> window;
-};
 
 TEST_F(WindowTest, HasItsControlsByTheirNames) {
     Open();

@@ -22,6 +22,7 @@ ProgressFrame::ProgressFrame(QWidget* parent)
     label_->setObjectName(QStringLiteral("lblprogress"));
     label_->setAlignment(Qt::AlignCenter);
     label_->setTextFormat(Qt::PlainText);
+    label_->setWordWrap(true);
     bar_->setTextVisible(false);
     bar_->setFixedHeight(6);
     cancel_->setObjectName(QStringLiteral("cmdCancelProgress"));
@@ -45,8 +46,24 @@ void ProgressFrame::SetState(const center::ProgressState& state) {
     bar_->setRange(0, static_cast<int>(std::min(state.all, kLargest)));  // 0 to 0 is a bar that only moves
     bar_->setValue(static_cast<int>(std::min(state.done, kLargest)));
     cancel_->setVisible(state.all > 0);
+    if (state.visible) Fit();
     setVisible(state.visible);
     if (state.visible) raise();
+}
+
+void ProgressFrame::SetPlace(const QRect& place) {
+    place_ = place;
+    Fit();
+}
+
+void ProgressFrame::Fit() {
+    const QSize room = parentWidget()->size();
+    const int width = std::min(std::max(place_.width(), sizeHint().width()), room.width());
+    const int needed =
+        layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width) : sizeHint().height();
+    const int height = std::max(place_.height(), needed);
+    setGeometry(std::clamp(place_.left(), 0, std::max(0, room.width() - width)),
+                std::clamp(place_.top(), 0, std::max(0, room.height() - height)), width, height);
 }
 
 bool ProgressFrame::PollCancelled() {

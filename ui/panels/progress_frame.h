@@ -19,6 +19,8 @@ class ProgressFrame : public QFrame {
     explicit ProgressFrame(QWidget* parent);
 
     void SetState(const center::ProgressState& state);
+    // Where it stands and how large it is at least; it grows with what it shows and stays within its parent.
+    void SetPlace(const QRect& place);
     // Takes the user's clicks on the panel alone, the rest of the window being closed to them, and tells
     // whether Cancel was among them since the panel was last shown.
     bool PollCancelled();
@@ -26,6 +28,9 @@ class ProgressFrame : public QFrame {
     bool IsPolling() const { return polling_; }
 
   private:
+    void Fit();
+
+    QRect place_;
     QLabel* label_;
     QProgressBar* bar_;
     QPushButton* cancel_;

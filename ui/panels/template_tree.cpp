@@ -24,6 +24,7 @@ namespace vicenter::ui {
 namespace {
 
 constexpr int kKeyRole = Qt::UserRole;
+constexpr int kModifiedRole = Qt::UserRole + 1;
 constexpr int kRootIcon = 7;
 constexpr int kIconSize = 18;
 constexpr int kRowPadding = 7;
@@ -76,6 +77,12 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
         return std::exchange(pending_, std::nullopt);
     }
 
+    // The sign is no part of the name: it is not there while the label is edited.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (index.data(kModifiedRole).toBool()) option->text += QStringLiteral(" *");
+    }
+
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         QSize size = QStyledItemDelegate::sizeHint(option, index);
         size.setHeight(option.fontMetrics.height() + kRowPadding);
@@ -110,8 +117,9 @@ QTreeWidgetItem* TemplateTree::MakeItem(const center::TreeNode& node) const {
     auto* item = new QTreeWidgetItem(QStringList(ToQt(node.text)));
     item->setData(0, kKeyRole, ToQt(node.key));
     item->setIcon(0, IconOf(node.icon));
-    item->setToolTip(0, ToQt(node.text));
+    item->setToolTip(0, ToolTipText(ToQt(node.text)));
     item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable);
+    ShowModified(*item);
     return item;
 }
 
@@ -162,8 +170,27 @@ void TemplateTree::RemoveNode(const std::string& key) {
 void TemplateTree::SetNodeText(const std::string& key, const std::string& text) {
     if (QTreeWidgetItem* item = FindNode(key)) {
         item->setText(0, ToQt(text));
-        item->setToolTip(0, ToQt(text));
+        item->setToolTip(0, ToolTipText(ToQt(text)));
     }
+}
+
+void TemplateTree::SetModified(const std::string& key, bool modified) {
+    modified_ = modified ? key : std::string();
+    for (QTreeWidgetItemIterator it(this); *it; ++it)
+        ShowModified(**it);
+}
+
+bool TemplateTree::ShowsModified(const std::string& key) const {
+    const QTreeWidgetItem* item = FindNode(key);
+    return item && item->data(0, kModifiedRole).toBool();
+}
+
+void TemplateTree::ShowModified(QTreeWidgetItem& item) const {
+    const bool modified = !modified_.empty() && KeyOf(&item) == modified_;
+    if (item.data(0, kModifiedRole).toBool() == modified) return;
+    item.setData(0, kModifiedRole, modified);
+    item.setData(0, Qt::AccessibleTextRole,
+                 modified ? item.text(0) + QStringLiteral("（已修改）") : QVariant());
 }
 
 void TemplateTree::SelectNode(const std::string& key) {
@@ -218,58 +245,81 @@ void TemplateTree::currentChanged(const QModelIndex& current, const QModelIndex&
     Guarded([&] { actions_.NodeClick(SelectedKey()); });
 }
 
+// Qt's own press and drag would light nodes that are not opened: the lit node is the open template's. It
+// changes when the left button goes up where it went down, so that a question never stands in the middle of a
+// press.
 void TemplateTree::mousePressEvent(QMouseEvent* event) {
-    // Only the left button opens a template; no other may light a node that is not the open one.
-    if (event->button() != Qt::LeftButton) {
-        event->accept();
-        return;
-    }
+    event->accept();
+    if (event->button() != Qt::LeftButton) return;
     doubleClicked_ = false;
-    const QModelIndex index = indexAt(event->pos());
-    pressedSelected_ = index.isValid() && index == currentIndex();
-    pressed_ = event->button() == Qt::LeftButton ? QPersistentModelIndex(index) : QPersistentModelIndex();
-    // The click is raised when the button goes up: a question in between must not catch half a click.
-    const bool before = std::exchange(selecting_, true);
-    QTreeWidget::mousePressEvent(event);
-    selecting_ = before;
+    pressed_ = QPersistentModelIndex(indexAt(event->pos()));
+}
+
+void TemplateTree::mouseMoveEvent(QMouseEvent* event) {
+    if (event->buttons() == Qt::NoButton) {
+        QTreeWidget::mouseMoveEvent(event);
+    } else {
+        event->accept();
+    }
+}
+
+void TemplateTree::Click(QTreeWidgetItem* item) {
+    {
+        const bool before = std::exchange(selecting_, true);
+        setCurrentItem(item);
+        selecting_ = before;
+    }
+    Guarded([&] { actions_.NodeClick(KeyOf(item)); });
 }
 
 void TemplateTree::mouseReleaseEvent(QMouseEvent* event) {
-    const bool before = std::exchange(selecting_, true);
-    QTreeWidget::mouseReleaseEvent(event);
-    selecting_ = before;
+    event->accept();
+    if (event->button() != Qt::LeftButton) return;
     const QModelIndex index = indexAt(event->pos());
-    const bool click = event->button() == Qt::LeftButton && pressed_.isValid() && index == pressed_ &&
-                       !std::exchange(doubleClicked_, false);
+    const bool click = pressed_.isValid() && index == pressed_ && !std::exchange(doubleClicked_, false);
     pressed_ = QPersistentModelIndex();
     if (!click) return;
+    const bool wasLit = index == currentIndex();
     const QPointer<TemplateTree> alive(this);
-    Guarded([&] { actions_.NodeClick(SelectedKey()); });
-    if (!alive || !pressedSelected_ || !GuardedOr(false, [&] { return actions_.EditsLabels(); })) return;
+    Click(itemFromIndex(index));
+    if (!alive || !wasLit || !GuardedOr(false, [&] { return actions_.EditsLabels(); })) return;
     QTimer::singleShot(QApplication::doubleClickInterval(), this, [this] {
         if (!doubleClicked_) StartLabelEdit();
     });
 }
 
 void TemplateTree::mouseDoubleClickEvent(QMouseEvent* event) {
-    const bool onNode = event->button() == Qt::LeftButton && indexAt(event->pos()).isValid();
-    const bool before = std::exchange(selecting_, true);
-    QTreeWidget::mouseDoubleClickEvent(event);
-    selecting_ = before;
+    event->accept();
+    if (event->button() != Qt::LeftButton) return;
     doubleClicked_ = true;
-    if (onNode) Guarded([&] { actions_.DoubleClick(); });
+    if (indexAt(event->pos()).isValid()) Guarded([&] { actions_.DoubleClick(); });
 }
 
+// What a menu offers is offered for its node: that one is opened first. Asked for by a key, it is the lit
+// one's.
 void TemplateTree::contextMenuEvent(QContextMenuEvent* event) {
+    if (IsEditingLabel()) return;
     std::vector<center::TreeMenuItem> items;
     Guarded([&] { items = actions_.MenuItems(); });
-    if (items.empty() || IsEditingLabel()) return;
+    if (items.empty()) return;
+    QPoint at = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        at = viewport()->mapToGlobal(visualRect(currentIndex()).center());
+    } else if (QTreeWidgetItem* item = itemAt(event->pos()); item != nullptr && item != currentItem()) {
+        const QPointer<TemplateTree> alive(this);
+        Click(item);
+        if (!alive) return;
+        // The question about unsaved changes may have been answered so that the node was not opened.
+        items.clear();
+        Guarded([&] { items = actions_.MenuItems(); });
+        if (items.empty()) return;
+    }
     QMenu menu(this);
     menu.setObjectName(QStringLiteral("treeMenu"));
     for (const center::TreeMenuItem& item : items)
         menu.addAction(ToQt(item.text))->setObjectName(ToQt(item.name));
     // What was chosen runs when the menu is gone: it may ask for a file.
-    const QAction* chosen = menu.exec(event->globalPos());
+    const QAction* chosen = menu.exec(at);
     if (chosen == nullptr) return;
     const auto index = static_cast<std::size_t>(menu.actions().indexOf(chosen));
     Guarded([&] { items[index].run(); });

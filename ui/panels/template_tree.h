@@ -24,6 +24,9 @@ class TemplateTree : public QTreeWidget {
     void AddNode(const center::TreeNode& node);
     void RemoveNode(const std::string& key);
     void SetNodeText(const std::string& key, const std::string& text);
+    // A sign behind the name of the one template whose changes are not saved.
+    void SetModified(const std::string& key, bool modified);
+    bool ShowsModified(const std::string& key) const;
     // Without a node click.
     void SelectNode(const std::string& key);
     void StartLabelEdit();
@@ -36,6 +39,7 @@ class TemplateTree : public QTreeWidget {
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -48,13 +52,15 @@ class TemplateTree : public QTreeWidget {
     class LabelDelegate;
 
     QTreeWidgetItem* MakeItem(const center::TreeNode& node) const;
+    void ShowModified(QTreeWidgetItem& item) const;
+    void Click(QTreeWidgetItem* item);
     void FinishLabel();
 
     center::TreeActions& actions_;
     LabelDelegate* labels_;
-    QPersistentModelIndex pressed_;
-    bool pressedSelected_ = false;
-    bool selecting_ = false;  // the selection is being set by the program or by a mouse press
+    std::string modified_;           // key of the modified template; empty for none
+    QPersistentModelIndex pressed_;  // by the left button
+    bool selecting_ = false;         // the selection is being set by the program
     bool doubleClicked_ = false;
 };
 

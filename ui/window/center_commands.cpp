@@ -43,7 +43,8 @@ class ExchangeWindow : public exchange::TemplateWindow {
         progress_.visible = false;
         Show();
     }
-    void RebuildTreeAndSelect(std::int32_t id) override { window_.RebuildTreeAndSelect(id); }
+    // The import has read the id back from what it wrote.
+    void RebuildTreeAndSelect(std::int32_t id) override { window_.ShowStoredTemplate(id); }
 
   private:
     void Show() {
@@ -81,7 +82,7 @@ void CenterCommands::GenerateFromVouchers(center::TemplateWindow& window) {
     dialog.exec();
     const autovch::GenerationResult& result = dialog.Result();
     if (!result.outcome) return;
-    window.RebuildTreeAndSelect(result.outcome.id);
+    window.ShowStoredTemplate(result.outcome.id);
     system::Surroundings::Current().messageBoxes->Show(
         result.message, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
 }

@@ -25,6 +25,7 @@ namespace vicenter::ui {
 
 namespace {
 
+const QString kTitle = QStringLiteral("凭证模板");
 constexpr int kDesignedWidth = 1180;  // pixels at 96 dots an inch
 constexpr int kDesignedHeight = 700;
 constexpr int kTreeWidth = 3150;  // twips; designed, never changes
@@ -70,7 +71,7 @@ QRect PixelsOf(const center::Rectangle& r, const QPaintDevice& device) {
 VICenterWindow::VICenterWindow(std::shared_ptr<center::TemplateCommands> commands)
     : commands_(std::move(commands)) {
     setObjectName(QStringLiteral("frmVICenter"));
-    setWindowTitle(QStringLiteral("凭证模板"));
+    setWindowTitle(kTitle);
     setWindowIcon(NamedIcon(QStringLiteral("app")));
     setContextMenuPolicy(Qt::NoContextMenu);
     presenter_ = std::make_unique<center::frmVICenter>(*this, commands_.get());
@@ -131,7 +132,6 @@ void VICenterWindow::BuildWidgets() {
     nameList_ = new NameListPopup(inner);
 
     progress_ = new ProgressFrame(this);
-    progress_->resize(TwipsToPixels(kProgressWidth, *this), TwipsToPixels(kProgressHeight, *this));
 }
 
 void VICenterWindow::BuildGrid() {
@@ -417,6 +417,15 @@ void VICenterWindow::StartLabelEdit() {
     tree_->StartLabelEdit();
 }
 
+void VICenterWindow::SetModified(const std::string& key, bool modified) {
+    setWindowTitle(modified ? kTitle + QStringLiteral(" *") : kTitle);
+    tree_->SetModified(key, modified);
+}
+
+void VICenterWindow::FocusGrid() {
+    grid_->setFocus(Qt::OtherFocusReason);
+}
+
 void VICenterWindow::SetToolStates(const center::ToolStates& states) {
     band_->SetStates(states);
 }
@@ -473,7 +482,8 @@ center::Size VICenterWindow::WindowSize() const {
 }
 
 void VICenterWindow::PlaceProgressFrame(const center::Position& position) {
-    progress_->move(TwipsToPixels(position.left, *this), TwipsToPixels(position.top, *this));
+    progress_->SetPlace({TwipsToPixels(position.left, *this), TwipsToPixels(position.top, *this),
+                         TwipsToPixels(kProgressWidth, *this), TwipsToPixels(kProgressHeight, *this)});
 }
 
 void VICenterWindow::ShowFindDialog(dialogs::FrmSearch& dialog) {

@@ -81,6 +81,8 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void SetTreeNodeText(const std::string& key, const std::string& text) override;
     void SelectTreeNode(const std::string& key) override;
     void StartLabelEdit() override;
+    void SetModified(const std::string& key, bool modified) override;
+    void FocusGrid() override;
     void SetToolStates(const center::ToolStates& states) override;
     void SetTemplateName(const std::string& name) override;
     void SetGridInteractive(bool interactive) override;

@@ -42,6 +42,10 @@ void WindowParts::OfferDraft(const FoundDraft& found) {
     RefreshSurroundings();
 }
 
+void WindowParts::DropDraftIfUnmodified() {
+    if (state.IsOpen() && !state.dirty) drafts.Drop();
+}
+
 bool WindowParts::OpenTemplateOf(const Draft& draft, const std::string& key) {
     if (key.empty()) {
         const std::optional<TreeNode> node = tree.InsertTemplate();
