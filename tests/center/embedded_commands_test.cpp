@@ -220,7 +220,7 @@ TEST_F(DemoSet, ARenameToAnotherTemplatesNameIsRefused) {
 TEST_F(DemoSet, ANameThatIsTooLongIsToldAndTheOldOneStays) {
     const std::string id = NewTemplate("甲");
     EXPECT_FALSE(Window().Tree().AfterLabelEdit(std::string(5000, 'x')));
-    EXPECT_THAT(LastMessage(), HasSubstr("truncated"));
+    EXPECT_THAT(LastMessage(), HasSubstr("名称长度不能超过255个字符，修改失败！"));
     EXPECT_EQ(Value("select FName from t_VchTemplate where FID = " + id), "甲");
 }
 
