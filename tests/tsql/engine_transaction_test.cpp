@@ -124,9 +124,7 @@ TEST_F(EngineTransactionTest, Each_query_of_a_batch_sees_what_another_session_ha
     const auto other = Another();
     WritingSink sink(*other);
     EXPECT_TRUE(
-        First()
-            .Execute("select count(*) as n from t\nselect count(*) as n from t", sink)
-            .errors.empty());
+        First().Execute("select count(*) as n from t\nselect count(*) as n from t", sink).errors.empty());
     EXPECT_EQ(sink.Text(), "n:int\n0\n--\nn:int\n1");
     EXPECT_EQ(Run("insert into t values(2, 'b')"), "");
     EXPECT_EQ(Run("select count(*) as n from t"), "n:int\n2");
@@ -172,7 +170,7 @@ TEST_F(EngineTransactionTest, An_account_set_of_a_later_format_is_refused_and_le
         // The last byte of the version in the head of the file.
         std::fstream file(Path(), std::ios::binary | std::ios::in | std::ios::out);
         file.seekp(63);
-        file.put('\2');
+        file.put('\3');
     }
     try {
         Session session(Options());
@@ -181,7 +179,7 @@ TEST_F(EngineTransactionTest, An_account_set_of_a_later_format_is_refused_and_le
         EXPECT_EQ(error.Number(), 948);
         EXPECT_EQ(error.Text(),
                   "The database '" + Path() +
-                      "' cannot be opened because it is version 2. This server supports version 1 "
+                      "' cannot be opened because it is version 3. This server supports version 2 "
                       "and earlier. A downgrade path is not supported.");
     }
 }

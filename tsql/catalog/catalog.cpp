@@ -13,7 +13,6 @@ namespace {
 // The mark of an account set in the header of its file.
 constexpr std::int64_t kApplicationId = 0x56435441;
 constexpr std::int64_t kFirstFormatVersion = 1;
-constexpr std::int64_t kFormatVersion = 1;
 constexpr char kSeparator = '\n';
 
 constexpr const char* kSchema = R"(
@@ -269,6 +268,8 @@ void Catalog::Load() {
     PreparedStatement seal =
         database_.Prepare("SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'ts$digest'");
     mayBeSealed_ = database_.Step(seal);
+    PreparedStatement format = database_.Prepare("PRAGMA user_version");
+    isOfOlderForm_ = database_.Step(format) && format.Int(0) < kFormatVersion;
     std::map<std::int64_t, TableInfo*> byId;
     PreparedStatement objects = database_.Prepare("SELECT id, name, kind, text FROM \"ts$objects\"");
     while (database_.Step(objects)) {

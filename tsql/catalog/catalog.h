@@ -20,6 +20,9 @@
 
 namespace vicenter::tsql::engine {
 
+// The version of the format that sets are made in. See docs/account-set-format.md.
+inline constexpr std::int64_t kFormatVersion = 2;
+
 struct ColumnInfo {
     std::string name;
     SqlType type;
@@ -113,6 +116,10 @@ class Catalog {
 
     // A copy that has or once had the digests of its tables with it.
     bool MayBeSealed() const { return mayBeSealed_; }
+    // Decimals may be spelt with more zeros than they need: read right, but not yet the one text of a number.
+    bool IsOfOlderForm() const { return isOfOlderForm_; }
+    // Spells all decimals anew, in the transaction that is open.
+    void BringUp();
 
     // Names compare without case; temporary tables come first.
     const TableInfo* FindTable(std::string_view name) const;
@@ -158,6 +165,7 @@ class Catalog {
     PreparedStatement versionStatement_;
     bool holding_ = false;  // versionStatement_ stands on its row
     bool mayBeSealed_ = false;
+    bool isOfOlderForm_ = false;
     std::int64_t version_ = -1;
     std::uint64_t generation_ = 1;
     std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> tables_;

@@ -91,6 +91,30 @@ void Catalog::Touch() {
     Refresh();
 }
 
+// Another session that has read the older form goes on reading it: nothing but the spelling changes.
+void Catalog::BringUp() {
+    isOfOlderForm_ = false;
+    PreparedStatement format = database_.Prepare("PRAGMA main.user_version");
+    if (database_.Step(format) && format.Int(0) >= kFormatVersion) return;
+    format.Reset();
+    // Rows that were let in before a condition was there must not stop it.
+    database_.Run("PRAGMA ignore_check_constraints = ON");
+    for (const auto& [key, table] : tables_) {
+        std::string values;
+        std::string others;
+        for (const ColumnInfo& column : table->columns) {
+            if (!column.type.IsExact() || !column.computedText.empty()) continue;
+            const std::string name = Quoted(column.name);
+            const std::string plain = "ts_plain(" + name + ")";
+            values += (values.empty() ? "" : ", ") + name + " = " + plain;
+            others += (others.empty() ? "" : " OR ") + name + " <> " + plain + " COLLATE BINARY";
+        }
+        if (!values.empty()) database_.Run("UPDATE " + table->Sql() + " SET " + values + " WHERE " + others);
+    }
+    database_.Run("PRAGMA ignore_check_constraints = OFF");
+    database_.Run("PRAGMA main.user_version = " + std::to_string(kFormatVersion));
+}
+
 std::int64_t Catalog::WriteTable(const TableInfo& table) {
     std::int64_t id = table.id;
     if (id == 0) {

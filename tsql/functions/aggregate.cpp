@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tsql/functions/call.h"
+#include "tsql/sqlite/database.h"
 #include "tsql/types/convert.h"
 
 namespace vicenter::tsql::engine {
@@ -155,6 +156,15 @@ constexpr SqlFunction kAvgMoney = Sum<SumKind::kMoney, true>("ts_avg_money");
 constexpr SqlFunction kAvgReal = Sum<SumKind::kReal, true>("ts_avg_real");
 constexpr SqlFunction kStringAgg = {"ts_string_agg", 2, nullptr, false, StringAggStep, StringAggFinal};
 
+// ts_places(number, places): with all of its places, as nothing is kept
+void PlacesFunction(FunctionCall& call) {
+    if (call.IsNull(0)) return;
+    const std::string text = call.Number(0).Rescaled(static_cast<int>(call.Int(1))).ToText();
+    call.Return(std::string_view(text));
+}
+
+constexpr SqlFunction kPlacesCall = Scalar<PlacesFunction>("ts_places", 2);
+
 // Type rules.
 
 std::string Distinct(const Binding& call) {
@@ -186,9 +196,14 @@ Bound BindSum(Binding& call) {
         throw MakeError(8117, call.Where(), {MessageName(from), call.Name()});
     if (from.IsExact()) {
         const SqlFunction& exact = !Average ? kSumDecimal : from.IsMoney() ? kAvgMoney : kAvgDecimal;
-        const std::string sql = exact.Call({Distinct(call) + call.Collated(0)});
-        // The least scale of an average.
+        // The least scale of an average. What has more places goes in with all of them: a stored decimal
+        // shows only those that it needs.
         constexpr int kScale = 6;
+        const bool isFine = Average && from.scale > kScale;
+        const std::string argument = isFine ? kPlacesCall.Call({call.Plain(0), std::to_string(from.scale)}) +
+                                                  " COLLATE " + kNumberCollationName
+                                            : call.Collated(0);
+        const std::string sql = exact.Call({Distinct(call) + argument});
         if (!from.IsMoney()) {
             const int scale = Average && from.scale < kScale ? kScale : from.scale;
             return {sql, SqlType::Decimal(kMaxPrecision, scale)};
@@ -222,8 +237,9 @@ constexpr FunctionEntry kEntries[] = {
     {"sum", 1, 1, BindSum<false>, nullptr, FunctionKind::kAggregate},
 };
 
-constexpr const SqlFunction* kOthers[] = {&kSumInt,    &kSumBigInt,  &kSumDecimal, &kSumReal, &kAvgInt,
-                                          &kAvgBigInt, &kAvgDecimal, &kAvgMoney,   &kAvgReal, &kSingleCall};
+constexpr const SqlFunction* kOthers[] = {&kSumInt,  &kSumBigInt,  &kSumDecimal, &kSumReal,
+                                          &kAvgInt,  &kAvgBigInt,  &kAvgDecimal, &kAvgMoney,
+                                          &kAvgReal, &kSingleCall, &kPlacesCall};
 
 }  // namespace
 

@@ -61,9 +61,11 @@ class FunctionCall {
     void Return(std::int64_t value) const { sqlite3_result_int64(context_, value); }
     void Return(double value) const { sqlite3_result_double(context_, value); }
     void Return(std::string_view text) const {
-        sqlite3_result_text64(context_, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+        // Without an address it would be NULL, and what is left of a text may be nothing.
+        const char* at = text.empty() ? "" : text.data();
+        sqlite3_result_text64(context_, at, text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     }
-    void Return(const Decimal& value) const { Return(std::string_view(value.ToText())); }
+    void Return(const Decimal& value) const { Return(std::string_view(StoredDecimal(value))); }
     sqlite3_context* Context() const { return context_; }
 
   private:

@@ -50,22 +50,39 @@ void NextIdentityFunction(FunctionCall& call) {
     call.Return(call.Services().nextIdentity());
 }
 
+// ts_member(text): see kMemberCall
+void MemberFunction(FunctionCall& call) {
+    if (!call.IsNull(0)) call.Return(WithoutLoneBlank(call.Collation(), call.Text(0)));
+}
+
+// ts_plain(number): the one text of a decimal, for sets whose decimals are not yet kept by it
+void PlainFunction(FunctionCall& call) {
+    if (call.IsNull(0)) return;
+    const auto number = Decimal::Parse(call.Text(0));
+    // What is damaged stays as it is, for whoever reads it to be told.
+    if (number) call.Return(*number);
+    if (!number) call.ReturnArgument(0);
+}
+
 // ts_fail(number): an error that only shows when the expression is evaluated
 void FailFunction(FunctionCall& call) {
     throw MakeError(static_cast<std::int32_t>(call.Int(0)), {});
 }
 
 constexpr SqlFunction kNullCheck = Scalar<NullCheckFunction>("ts_null_check", 4);
+constexpr SqlFunction kPlain = Scalar<PlainFunction>("ts_plain", 1);
 constexpr SqlFunction kFail = Scalar<FailFunction>("ts_fail", 1, false);
 
-constexpr const SqlFunction* kOthers[] = {&kConvertCall,  &kTryConvertCall,   &kPutCall, &kNullCheck,
-                                          &kVariableCall, &kNextIdentityCall, &kFail};
+constexpr const SqlFunction* kOthers[] = {&kConvertCall, &kTryConvertCall, &kPutCall,
+                                          &kNullCheck,   &kVariableCall,   &kNextIdentityCall,
+                                          &kMemberCall,  &kPlain,          &kFail};
 
 }  // namespace
 
 const SqlFunction kConvertCall = Scalar<ConvertFunction>("ts_conv", 4);
 const SqlFunction kTryConvertCall = Scalar<TryConvertFunction>("ts_try_conv", 4);
 const SqlFunction kPutCall = Scalar<PutFunction>("ts_put", 8, false);
+const SqlFunction kMemberCall = Scalar<MemberFunction>("ts_member", 1);
 const SqlFunction kVariableCall = Scalar<VariableFunction>("ts_variable", 2, false);
 const SqlFunction kNextIdentityCall = Scalar<NextIdentityFunction>("ts_next_identity", 0, false);
 

@@ -125,9 +125,13 @@ const FunctionEntry* FindFunction(std::string_view name);
 std::vector<const SqlFunction*> AllSqlFunctions();
 
 // What the translator calls besides: conversions, stores, operators.
-extern const SqlFunction kConvertCall;       // (value, from, to, style)
-extern const SqlFunction kTryConvertCall;    // the same; NULL for what cannot be converted
-extern const SqlFunction kPutCall;           // (value, from, to, nullable, table, column, operation, is key)
+extern const SqlFunction kConvertCall;     // (value, from, to, style)
+extern const SqlFunction kTryConvertCall;  // the same; NULL for what cannot be converted
+extern const SqlFunction kPutCall;         // (value, from, to, nullable, table, column, operation, is key)
+// (text): a member of a set that SQLite keeps by a collation. Where '' and ' ' are both put into such a set,
+// SQLite 3.40 takes its own table for damaged: they are equal, and their records have different lengths in
+// cells of one size. Only they can be so, since shorter records than these have no text.
+extern const SqlFunction kMemberCall;
 extern const SqlFunction kVariableCall;      // (name, type): its value at this moment
 extern const SqlFunction kNextIdentityCall;  // ()
 extern const SqlFunction kIntegerCall;       // (operator, a, b, type)

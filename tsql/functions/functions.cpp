@@ -25,12 +25,7 @@ int CompareTextValues(void* services, int sizeA, const void* a, int sizeB, const
 int CompareNumberValues(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
     const std::string_view left(static_cast<const char*>(a), static_cast<std::size_t>(sizeA));
     const std::string_view right(static_cast<const char*>(b), static_cast<std::size_t>(sizeB));
-    if (left == right) return 0;
-    const auto first = Decimal::Parse(left);
-    const auto second = Decimal::Parse(right);
-    // A damaged number must still have one place in the order.
-    if (!first || !second) return !first && !second ? left.compare(right) : !first ? -1 : 1;
-    return Decimal::Compare(*first, *second);
+    return CompareStoredDecimals(left, right);
 }
 
 }  // namespace

@@ -70,7 +70,11 @@ Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Val
             value = (*row)[static_cast<std::size_t>(parameter.ordinal)];
             break;
     }
-    if (!parameter.forColumn) return Convert(value, from, parameter.to);
+    if (!parameter.forColumn) {
+        Value converted = Convert(value, from, parameter.to);
+        if (!parameter.isMember || converted.IsNull()) return converted;
+        return Value(WithoutLoneBlank(*options_.collation, converted.Text()));
+    }
     const ColumnTarget target{parameter.table, parameter.column, parameter.to, parameter.nullable};
     Value stored = ConvertForColumn(value, from, target, parameter.operation);
     if (parameter.isKey) services_.RememberKey(parameter.column, KeyText(stored, parameter.to));

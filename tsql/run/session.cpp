@@ -14,6 +14,7 @@ class Session::Impl {
           executor_(database_, catalog_, services_, options_) {
         services_.collation = options_.collation;
         database_.Open(options_.path, options_.create, options_.lockTimeoutMilliseconds, options_.fileSystem);
+        database_.Allow(options_.plans);
         RegisterFunctions(database_.Handle(), services_);
         catalog_.Prepare(options_.create);
         // What has been reported as done is on the disk: the log is synced at each commit, and where a set is

@@ -37,6 +37,7 @@ struct SessionOptions {
     const TextCollation* collation = nullptr;  // outlives the session
     std::function<automation::DateTime()> now;
     std::string user = "dbo";
+    QueryPlans plans = QueryPlans::kUsual;
     const char* fileSystem = nullptr;  // by SQLite's name for it; none: the account sets' own
 };
 

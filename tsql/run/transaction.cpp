@@ -16,6 +16,8 @@ void Transactions::Begin() {
     generationAtBegin_ = catalog_.Generation();
     // A backup that is worked on is no copy of anything any more.
     if (catalog_.MayBeSealed()) database_.Run("DELETE FROM main.\"ts$digest\"");
+    broughtUp_ = catalog_.IsOfOlderForm();
+    if (broughtUp_) catalog_.BringUp();
 }
 
 void Transactions::Commit() {
@@ -24,13 +26,15 @@ void Transactions::Commit() {
     database_.CheckFile();
     database_.Run("COMMIT");
     open_ = false;
+    broughtUp_ = false;
 }
 
 void Transactions::Rollback() {
     if (database_.InTransaction()) database_.Run("ROLLBACK");
     open_ = false;
     count_ = 0;
-    if (catalog_.Generation() != generationAtBegin_) {
+    if (catalog_.Generation() != generationAtBegin_ || broughtUp_) {
+        broughtUp_ = false;
         catalog_.Forget();
         catalog_.Refresh();
     }

@@ -60,6 +60,7 @@ class Transactions {
     int count_ = 0;
     bool open_ = false;
     bool batchMayWrite_ = false;
+    bool broughtUp_ = false;               // the set got the form of today in the transaction that is open
     std::uint64_t generationAtBegin_ = 0;  // of the catalog
 };
 

@@ -28,6 +28,10 @@ inline constexpr int kLongestLockTimeout = 24 * 60 * 60 * 1000;
 
 enum class StepResult { kRow, kDone, kFailed };
 
+// How SQLite may run a query. The answers are the same: tests ask twice. kEvery is no choice where texts are
+// compared, see Database::Open.
+enum class QueryPlans : std::uint8_t { kUsual, kAsWritten, kEvery };
+
 // What a step that failed has run into.
 enum class FailureKind { kUniqueKey, kCheck, kForeignKey, kOtherConstraint, kOther };
 
@@ -86,6 +90,7 @@ class Database {
     // not to be created.
     void Open(const std::string& path, bool create, int lockTimeoutMilliseconds,
               const char* fileSystem = nullptr);
+    void Allow(QueryPlans plans);
     sqlite3* Handle() const { return handle_; }
     const std::string& Path() const { return path_; }
     // How long to wait for another process; below 0 without end. A batch that is stopped waits no longer.
@@ -122,6 +127,8 @@ class Database {
 
   private:
     SqlError Failure(int code) const;
+    // The file's own check finds nothing.
+    bool IsSound() const;
     int State() const;
     void Close();
     static int Wait(void* database, int times);

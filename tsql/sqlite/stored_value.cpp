@@ -24,7 +24,7 @@ Value ReadArgument(sqlite3_value* value, const SqlType& type) {
         case StorageClass::kReal:
             return Value(sqlite3_value_double(value));
         case StorageClass::kDecimal:
-            return Value(ReadStoredDecimal(text()));
+            return Value(ReadStoredDecimal(text(), type));
         case StorageClass::kDate:
             return Value(ReadStoredDate(text(), type));
         case StorageClass::kText:
@@ -59,7 +59,7 @@ void BindValue(sqlite3_stmt* statement, int parameter, const Value& value, const
             sqlite3_bind_double(statement, parameter, value.Real());
             break;
         case 3:
-            bindText(value.Exact().ToText());
+            bindText(StoredDecimal(value.Exact()));
             break;
         case 4:
             bindText(StoredDate(value.Date(), type));
@@ -89,7 +89,7 @@ void ReturnValue(sqlite3_context* context, const Value& value, const SqlType& ty
             sqlite3_result_double(context, value.Real());
             break;
         case 3:
-            returnText(value.Exact().ToText());
+            returnText(StoredDecimal(value.Exact()));
             break;
         case 4:
             returnText(StoredDate(value.Date(), type));

@@ -37,8 +37,10 @@ std::string Translator::Compare(const char* op, const Operand& left, const Opera
                                 Position position) {
     const SqlType common = CommonType(left.type, right.type);
     try {
-        const std::string a = RenderCompared(left, common);
-        const std::string b = RenderCompared(right, common);
+        const bool isMember = isAlternative_ && op[0] == '=';
+        const std::string a =
+            left.pending && isMember ? RenderMember(left, common) : RenderCompared(left, common);
+        const std::string b = isMember ? RenderMember(right, common) : RenderCompared(right, common);
         const bool needsCollation = common.IsText() || common.IsExact();
         // A converted column is no column any more.
         const auto natural = [&](const Operand& operand) {
@@ -64,11 +66,14 @@ std::string Translator::ConditionText(const Expr& condition, Scope& scope) {
         }
         case ExprKind::kLogical: {
             const auto& logical = As<LogicalExpr>(condition);
+            const bool wasAlternative = isAlternative_;
             std::string sql;
             for (const ExprPtr& operand : logical.operands) {
+                isAlternative_ = !logical.isAnd;
                 if (!sql.empty()) sql += logical.isAnd ? " AND " : " OR ";
                 sql += "(" + ConditionText(*operand, scope) + ")";
             }
+            isAlternative_ = wasAlternative;
             return sql;
         }
         case ExprKind::kNot:
@@ -126,9 +131,13 @@ std::string Translator::In(const InExpr& in, Scope& scope) {
         const SqlType member = query.columns.front().type;
         const SqlType common = CommonType(operand.type, member);
         const Operand column = Computed("c1", member);
-        const std::string converted = RenderCompared(column, common);
-        const std::string inner =
-            converted == "c1" ? query.sql : "SELECT " + converted + " FROM (" + query.sql + ")";
+        const std::string converted = RenderMember(column, common);
+        // A descending index in the place of the members has its NULLs at the wrong end: SQLite looks for
+        // them at the first entry alone. What is no column is searched in no index.
+        const char* own = in.negated ? "+" : "";
+        const std::string inner = converted == "c1" && !in.negated
+                                      ? query.sql
+                                      : "SELECT " + (own + converted) + " FROM (" + query.sql + ")";
         std::string left = RenderCompared(operand, common);
         if (common.IsText()) left += std::string(" COLLATE ") + kTextCollationName;
         if (common.IsExact()) left += std::string(" COLLATE ") + kNumberCollationName;
@@ -142,7 +151,7 @@ std::string Translator::In(const InExpr& in, Scope& scope) {
     }
     std::string list;
     for (const Operand& member : members)
-        list += (list.empty() ? "" : ", ") + RenderCompared(member, common);
+        list += (list.empty() ? "" : ", ") + RenderMember(member, common);
     std::string left = RenderCompared(operand, common);
     const bool natural = operand.column && operand.type.IsText() == common.IsText() &&
                          operand.type.IsExact() == common.IsExact();

@@ -28,7 +28,7 @@ std::string Translator::Render(const Operand& operand) {
                 return ConvertCall(QuotedText(operand.pending->text), SqlType::VarChar(100),
                                    SqlType::Float());
             case 3:
-                return QuotedText(value.Exact().ToText());
+                return QuotedText(StoredDecimal(value.Exact()));
             case 5:
                 return QuotedText(value.Text());
             default:
@@ -51,6 +51,11 @@ std::string Translator::RenderAs(const Operand& operand, const SqlType& type, bo
     if (SameRepresentation(operand.type, type)) return Render(operand);
     if (operand.type.IsInteger() && type.kind == TypeKind::kFloat)
         return "CAST(" + Render(operand) + " AS REAL)";
+    // An integer is written as the decimal of its value.
+    if (operand.type.IsInteger() && type.kind == TypeKind::kDecimal &&
+        SameRepresentation(AsDecimal(operand.type), type)) {
+        return "CAST(" + Render(operand) + " AS TEXT)";
+    }
     return ConvertCall(Render(operand), operand.type, type);
 }
 
@@ -66,6 +71,14 @@ std::string Translator::RenderCompared(const Operand& operand, const SqlType& co
     }
     if (common.IsInteger() && operand.type.IsInteger()) return Render(operand);
     return RenderAs(operand, common);
+}
+
+std::string Translator::RenderMember(const Operand& operand, const SqlType& common) {
+    if (!common.IsText()) return RenderCompared(operand, common);
+    if (!operand.pending || inlineLiterals_) return kMemberCall.Call({RenderCompared(operand, common)});
+    Operand member = operand;
+    member.pending->isMember = true;
+    return RenderCompared(member, common);
 }
 
 std::string Translator::RenderStored(const Operand& operand, const TableInfo& table, const ColumnInfo& column,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -58,6 +59,10 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
         members.size() > kMostTerms &&
         std::all_of(operation.rest.begin(), operation.rest.end(),
                     [](const SetOperation::Term& term) { return term.op == SetOp::kUnionAll; });
+    const bool isSetOfTexts =
+        types.size() == 1 && types.front().IsText() &&
+        std::any_of(operation.rest.begin(), operation.rest.end(),
+                    [](const SetOperation::Term& term) { return term.op != SetOp::kUnionAll; });
     if (isLong) parts.tail = "SELECT * FROM (";
     for (std::size_t i = 0; i < members.size(); ++i) {
         SelectParts& member = members[i];
@@ -71,6 +76,10 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
                 items += (c == 0 ? "" : ", ") + text + " AS c" + std::to_string(c + 1);
             }
             sql = "SELECT " + items + " FROM (" + sql + ")";
+        }
+        if (isSetOfTexts) {
+            sql = "SELECT " + kMemberCall.Call({"c1"}) + " COLLATE " + kTextCollationName + " AS c1 FROM (" +
+                  sql + ")";
         }
         if (i > 0 && isLong && i % kMostTerms == 0) {
             parts.tail += ") UNION ALL SELECT * FROM (";

@@ -27,6 +27,7 @@ struct Parameter {
     std::string text;  // the literal, or the name of the variable or system value in lower case
     int ordinal = -1;  // the literal's number among those of the batch when they may change; else -1
     bool negated = false;
+    bool isMember = false;  // of a set of texts, see kMemberCall
 
     SqlType from;
     SqlType to;

@@ -159,6 +159,8 @@ class Translator {
     std::string ConditionText(const Expr& condition, Scope& scope);
     std::string Compare(const char* op, const Operand& left, const Operand& right, Position position);
     std::string In(const InExpr& in, Scope& scope);
+    // As RenderCompared, for what SQLite may put into a set.
+    std::string RenderMember(const Operand& operand, const SqlType& common);
     std::string Like(const LikeExpr& like, Scope& scope);
     std::string Quantified(const QuantifiedExpr& quantified, Scope& scope);
 
@@ -245,7 +247,8 @@ class Translator {
     bool aggregateAllowed_ = false;
     bool sawAggregate_ = false;
     bool inlineLiterals_ = false;
-    std::string assigning_;  // variables assigned by this SELECT, each between blanks
+    std::string assigning_;       // variables assigned by this SELECT, each between blanks
+    bool isAlternative_ = false;  // one of several conditions with OR, of which SQLite may make a set
     int aliasNumber_ = 0;
     int viewDepth_ = 0;
     int foreignDepth_ = 0;  // inside a text of the catalog, whose literals are not those of the batch

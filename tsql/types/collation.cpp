@@ -50,4 +50,8 @@ int CompareTexts(const TextCollation& collation, std::string_view a, std::string
     return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }
 
+std::string_view WithoutLoneBlank(const TextCollation& collation, std::string_view text) {
+    return text.size() == 1 && CompareTexts(collation, text, {}) == 0 ? std::string_view() : text;
+}
+
 }  // namespace vicenter::tsql::engine

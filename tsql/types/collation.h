@@ -25,5 +25,7 @@ class TextCollation {
 
 // With trailing blanks ignored and a short way for equal texts and for printable ASCII.
 int CompareTexts(const TextCollation& collation, std::string_view a, std::string_view b);
+// The text, or the empty one where it is a single character that counts as nothing.
+std::string_view WithoutLoneBlank(const TextCollation& collation, std::string_view text);
 
 }  // namespace vicenter::tsql::engine

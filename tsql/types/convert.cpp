@@ -420,7 +420,9 @@ bool SameRepresentation(const SqlType& from, const SqlType& to) {
     }
     if (from.kind == TypeKind::kReal && to.kind == TypeKind::kFloat) return true;
     if (from.IsExact() && to.IsExact()) {
-        return from.scale == to.scale && from.precision <= to.precision;
+        // The places are not part of what is kept, so that more room changes nothing.
+        const bool isWider = from.scale <= to.scale && from.precision - from.scale <= to.precision - to.scale;
+        return isWider && (!to.IsMoney() || from.IsMoney());
     }
     return false;
 }

@@ -51,10 +51,80 @@ DateTime ReadStoredDate(std::string_view text, const SqlType& type) {
                             "The account set holds a date that cannot be read: " + std::string(text));
 }
 
+std::string StoredDecimal(const Decimal& number) {
+    std::string text = number.ToText();
+    if (number.Scale() == 0) return text;
+    std::size_t end = text.find_last_not_of('0') + 1;
+    if (text[end - 1] == '.') --end;
+    text.resize(end);
+    return text;
+}
+
 Decimal ReadStoredDecimal(std::string_view text) {
     if (const auto decimal = Decimal::Parse(text)) return *decimal;
     throw automation::Error(automation::error_number::kTypeMismatch,
                             "The account set holds a decimal that cannot be read: " + std::string(text));
+}
+
+Decimal ReadStoredDecimal(std::string_view text, const SqlType& type) {
+    const Decimal number = ReadStoredDecimal(text);
+    if (number.Scale() == type.scale) return number;
+    try {
+        return number.Rescaled(type.scale);
+    } catch (const automation::Error&) {
+        // 38 digits before the point leave no room for the places of an average.
+        return number;
+    }
+}
+
+namespace {
+
+// A plain number taken apart: digits before the point without leading zeros, behind it without trailing ones.
+struct PlainNumber {
+    bool negative = false;
+    std::string_view whole;
+    std::string_view fraction;
+};
+
+bool TakeApart(std::string_view text, PlainNumber& number) noexcept {
+    number.negative = !text.empty() && text.front() == '-';
+    if (number.negative) text.remove_prefix(1);
+    const std::size_t point = text.find('.');
+    number.whole = text.substr(0, point);
+    number.fraction = point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
+    if (number.whole.empty() && number.fraction.empty()) return false;
+    for (const std::string_view digits : {number.whole, number.fraction}) {
+        for (const char c : digits) {
+            if (c < '0' || c > '9') return false;
+        }
+    }
+    while (!number.whole.empty() && number.whole.front() == '0')
+        number.whole.remove_prefix(1);
+    while (!number.fraction.empty() && number.fraction.back() == '0')
+        number.fraction.remove_suffix(1);
+    if (number.whole.empty() && number.fraction.empty()) number.negative = false;
+    return true;
+}
+
+}  // namespace
+
+int CompareStoredDecimals(std::string_view a, std::string_view b) noexcept {
+    if (a == b) return 0;
+    PlainNumber left;
+    PlainNumber right;
+    const bool isLeft = TakeApart(a, left);
+    const bool isRight = TakeApart(b, right);
+    // A damaged number must still have one place in the order.
+    if (!isLeft || !isRight) return !isLeft && !isRight ? a.compare(b) : !isLeft ? -1 : 1;
+    if (left.negative != right.negative) return left.negative ? -1 : 1;
+    int order = 0;
+    if (left.whole.size() != right.whole.size()) {
+        order = left.whole.size() < right.whole.size() ? -1 : 1;
+    } else {
+        order = left.whole.compare(right.whole);
+        if (order == 0) order = left.fraction.compare(right.fraction);
+    }
+    return left.negative ? -order : order;
 }
 
 }  // namespace vicenter::tsql::engine

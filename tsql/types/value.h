@@ -55,10 +55,16 @@ class Value {
     Data data_;
 };
 
-// The text by which a date or decimal is kept: it sorts as the dates do.
+// The text by which a date is kept: it sorts as the dates do.
 std::string StoredDate(const DateTime& date, const SqlType& type);
 DateTime ReadStoredDate(std::string_view text, const SqlType& type);
-// Throws Error when the account set holds a text that is no decimal.
+// The one text of a decimal inside SQLite, whatever its scale: without zeros at the end of its fraction.
+// Equal numbers have equal bytes; the places that a type has come back when a value of that type is read.
+std::string StoredDecimal(const Decimal& number);
+// Any spelling; throws Error when the account set holds a text that is no decimal.
 Decimal ReadStoredDecimal(std::string_view text);
+Decimal ReadStoredDecimal(std::string_view text, const SqlType& type);
+// The order of stored decimals by value, however they are spelt; what is no number comes first.
+int CompareStoredDecimals(std::string_view a, std::string_view b) noexcept;
 
 }  // namespace vicenter::tsql::engine
