@@ -114,21 +114,21 @@ int main(int argc, char** argv) {
     center::SilentView view;
     center::WindowState state(view);
     state.hasRight = true;
-    state.templateId = kTemplateId;
+    state.open.Become(kTemplateId, {});
     center::EntryGrid& grid = *state.grid;
     center::GridEditing editing(state);
     center::BlockEditing blocks(state, [] {});
     const std::string block = PastedBlock(lines);
     const auto clear = [&] {
-        state.journal.Drop();
-        state.rowCount = 0;
+        state.open.Journal().Drop();
+        state.open.TakeRows(0);
         grid.Clear(center::kFirstRowTotal);
         for (int c = 1; c <= center::kColumnCount; ++c)
             grid.SetColumnHidden(c, false);
     };
     const auto paste = [&] {
         const center::PasteResult result = blocks.Paste({1, 1}, block);
-        Require(result.rows == lines && result.refused.empty() && state.rowCount == lines,
+        Require(result.rows == lines && result.refused.empty() && state.open.RowCount() == lines,
                 "all rows are pasted");
         Require(grid.Text(lines, center::column::kAccountId) != "", "codes are resolved");
     };

@@ -103,7 +103,9 @@ constexpr char kFirstVerdict = 'a';
 // Everything that one block operation needs: one step of undo, one repaint, one memory of master data.
 class BlockEditing::Entering {
   public:
-    explicit Entering(WindowState& state) : state_(state), step_(state) { state_.grid->SetReDraw(false); }
+    explicit Entering(WindowState& state) : state_(state), step_(state.open) {
+        state_.grid->SetReDraw(false);
+    }
     Entering(const Entering&) = delete;
     Entering& operator=(const Entering&) = delete;
     ~Entering() { state_.grid->SetReDraw(true); }
@@ -231,7 +233,7 @@ std::optional<CopiedBlock> BlockEditing::Copy(const CellSelection& selection) co
 }
 
 bool BlockEditing::LeavesGap(int row) const {
-    if (row <= state_.rowCount + 1) return false;
+    if (row <= state_.open.RowCount() + 1) return false;
     Tell(kGapText);
     return true;
 }
@@ -296,13 +298,13 @@ PasteResult BlockEditing::PasteTable(const CellAddress& at, TextBlock block) {
         for (std::size_t i = 0; i < block.size(); ++i) {
             progress.Report(i);
             // A blank line below the rows in use would leave a gap.
-            if (IsBlank(block[i]) && row > state_.rowCount) continue;
+            if (IsBlank(block[i]) && row > state_.open.RowCount()) continue;
             if (row + 1 > grid.RowTotal()) {
                 grid.SetRowTotal(row + static_cast<int>(block.size() - i) + 1);
             }
             entering.EnterRow(row, columns, block[i]);
             // A line of which nothing could be taken leaves no row behind.
-            if (row <= state_.rowCount) ++row;
+            if (row <= state_.open.RowCount()) ++row;
         }
         result = std::move(entering.result);
     }
@@ -337,7 +339,7 @@ PasteResult BlockEditing::FillSelection(const CellSelection& selection, const st
     const std::vector<RowRun> runs = RowRuns(shown, *state_.grid);
     if (!state_.hasRight || cells.empty()) return {};
     // Below the rows in use a value may only follow them without a gap.
-    int reach = state_.rowCount;
+    int reach = state_.open.RowCount();
     for (const RowRun& run : runs)
         reach = run.first <= reach + 1 ? std::max(reach, run.last) : reach;
     if (runs.back().last > reach) {
@@ -368,7 +370,8 @@ PasteResult BlockEditing::FillSelection(const CellSelection& selection, const st
 
 // A blank row stays below the rows in use.
 void BlockEditing::KeepSpareRow() {
-    if (state_.rowCount >= state_.grid->RowTotal()) state_.grid->SetRowTotal(state_.rowCount + 1);
+    if (state_.open.RowCount() >= state_.grid->RowTotal())
+        state_.grid->SetRowTotal(state_.open.RowCount() + 1);
 }
 
 void BlockEditing::FillDown(const CellSelection& selection) {
@@ -386,7 +389,8 @@ void BlockEditing::FillDown(const CellSelection& selection) {
         for (const RowRun& run : column.rows) {
             // One row alone takes what stands above it.
             const int source = run.Count() == 1 ? run.first - 1 : run.first;
-            if (source >= 1 && source <= state_.rowCount) fills.push_back({column.column, source, run.last});
+            if (source >= 1 && source <= state_.open.RowCount())
+                fills.push_back({column.column, source, run.last});
         }
     }
     if (fills.empty()) return;
@@ -414,7 +418,7 @@ void BlockEditing::DuplicateRows(const CellSelection& selection) {
     EntryGrid& grid = *state_.grid;
     std::vector<RowRun> runs = RowRuns(selection, grid);
     for (RowRun& run : runs)
-        run.last = std::min(run.last, state_.rowCount);
+        run.last = std::min(run.last, state_.open.RowCount());
     std::erase_if(runs, [](const RowRun& run) { return run.Count() < 1; });
     if (!state_.hasRight || runs.empty()) return;
     {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "center/editing/cell_checks.h"
+#include "center/grid/quiet_grid.h"
 #include "center/lookups/cell_resolution.h"
 
 namespace vicenter::center {
@@ -13,69 +14,26 @@ constexpr const char* kTwoRowsText = "凭证模板分录不能小于2行，删�
 constexpr int kFewestRows = 2;
 }  // namespace
 
-GridEditing::GridEditing(WindowState& state) : state_(state) {
-    state_.grid->SetRecorder(this);
-}
-
-GridEditing::~GridEditing() {
-    state_.grid->SetRecorder(nullptr);
-}
-
-// --- what the grid reports
-
-void GridEditing::TextReplaced(int row, int gridColumn, std::string_view before, TextVerdict refusal) {
-    const UndoStep step(state_);
-    state_.journal.TextReplaced(row, gridColumn, before, refusal);
-    state_.dirty = true;
-    // A blank row counts as in use once any of its cells has content. Whoever writes further down than the
-    // first blank row takes the rows between along: nothing that was written is ever left out of a save.
-    if (row > state_.rowCount && !state_.grid->IsBlankRow(row)) state_.rowCount = row;
-    // The last row that is emptied again is no line any more, nor are blank ones above it.
-    if (row == state_.rowCount && state_.grid->IsBlankRow(row)) {
-        while (state_.rowCount > 0 && state_.grid->IsBlankRow(state_.rowCount))
-            --state_.rowCount;
-    }
-}
-
-void GridEditing::RowsInserted(int firstRow, int count) {
-    const UndoStep step(state_);
-    state_.journal.RowsInserted(firstRow, count);
-    if (firstRow > state_.rowCount) return;
-    state_.rowCount += count;
-    state_.dirty = true;
-}
-
-void GridEditing::RowsRemoved(int firstRow, std::vector<GridRowPtr> rows) {
-    const UndoStep step(state_);
-    const int lastRow = firstRow + static_cast<int>(rows.size()) - 1;
-    state_.journal.RowsRemoved(firstRow, std::move(rows));
-    const int used = std::min(lastRow, state_.rowCount) - firstRow + 1;
-    if (used <= 0) return;
-    state_.rowCount -= used;
-    state_.dirty = true;
-}
-
 // --- moving and typing
 
 bool GridEditing::LeavesGap(int row) {
-    if (row <= state_.rowCount + 1) return false;
+    if (row <= state_.open.RowCount() + 1) return false;
     Tell(kGapText);
     return true;
 }
 
 void GridEditing::KeepSpareRow() {
-    if (state_.rowCount < state_.grid->RowTotal() - 1) return;
+    if (state_.open.RowCount() < state_.grid->RowTotal() - 1) return;
     // A blank row at the end is no change of content and nothing to undo.
-    state_.grid->SetRecorder(nullptr);
-    state_.grid->SetRowTotal(state_.rowCount + 2);
-    state_.grid->SetRecorder(this);
+    const Unrecorded growing(*state_.grid);
+    state_.grid->SetRowTotal(state_.open.RowCount() + 2);
 }
 
 void GridEditing::Leave(const CellAddress& cell) {
     // Whoever may only look changes nothing by moving about.
-    if (!CanEdit() || !state_.IsOpen() || cell.row < 1 || cell.column < 1) return;
+    if (!CanEdit() || !state_.open.IsOpen() || cell.row < 1 || cell.column < 1) return;
     EntryGrid& grid = *state_.grid;
-    const UndoStep step(state_, typed_ == cell);
+    const UndoStep step(state_.open, typed_ == cell);
     typed_.reset();
     MasterRecords records;
     ResolveCell(grid, cell, records);
@@ -100,7 +58,7 @@ void GridEditing::MoveActiveCell(const CellAddress& to, CursorMove how) {
     CellAddress target = to;
     // Whoever may only look enters no lines, with gaps or without.
     if (CanEdit() && LeavesGap(to.row)) {
-        target.row = state_.rowCount + 1;
+        target.row = state_.open.RowCount() + 1;
         KeepSpareRow();
     }
     grid.SetActiveCell(target);
@@ -117,7 +75,7 @@ TextVerdict GridEditing::CommitText(const CellAddress& cell, const std::string& 
     const TextReading reading = ReadCellText(cell.column, text, TextOrigin::Typed);
     if (reading.verdict == TextVerdict::Locked) return reading.verdict;
     if (LeavesGap(cell.row)) return TextVerdict::Locked;
-    const UndoStep step(state_);
+    const UndoStep step(state_.open);
     EntryGrid& grid = *state_.grid;
     if (grid.Text(cell.row, cell.column) == reading.text) return reading.verdict;
     if (!grid.PutReading(cell.row, cell.column, reading)) return reading.verdict;
@@ -131,8 +89,8 @@ void GridEditing::ClearCells(const CellSelection& selection) {
     EntryGrid& grid = *state_.grid;
     const std::vector<ColumnRuns> cells = SelectedCells(selection, grid);
     const std::vector<RowRun> rows = RowRuns(selection, grid);
-    const int lastRow = state_.rowCount;
-    const UndoStep step(state_);
+    const int lastRow = state_.open.RowCount();
+    const UndoStep step(state_.open);
     grid.SetReDraw(false);
     MasterRecords records;
     for (const ColumnRuns& column : cells) {
@@ -171,9 +129,9 @@ void GridEditing::InsertRow() {
 }
 
 void GridEditing::InsertRows(int firstRow, int count) {
-    if (state_.rowCount == 0 || firstRow < 1 || count < 1 || LeavesGap(firstRow)) return;
+    if (state_.open.RowCount() == 0 || firstRow < 1 || count < 1 || LeavesGap(firstRow)) return;
     EntryGrid& grid = *state_.grid;
-    const UndoStep step(state_);
+    const UndoStep step(state_.open);
     typed_.reset();
     grid.SetReDraw(false);
     grid.InsertRows(firstRow, count);
@@ -182,8 +140,8 @@ void GridEditing::InsertRows(int firstRow, int count) {
 }
 
 void GridEditing::InsertRows(const std::vector<RowRun>& runs) {
-    if (state_.rowCount == 0 || runs.empty() || LeavesGap(runs.back().first)) return;
-    const UndoStep step(state_);
+    if (state_.open.RowCount() == 0 || runs.empty() || LeavesGap(runs.back().first)) return;
+    const UndoStep step(state_.open);
     for (auto run = runs.rbegin(); run != runs.rend(); ++run)
         InsertRows(run->first, run->Count());
 }
@@ -194,26 +152,27 @@ void GridEditing::DeleteRow() {
 }
 
 void GridEditing::DeleteRows(int firstRow, int count) {
-    if (state_.rowCount == 0 || firstRow < 1 || firstRow > state_.rowCount || count < 1) return;
+    if (state_.open.RowCount() == 0 || firstRow < 1 || firstRow > state_.open.RowCount() || count < 1) return;
     EntryGrid& grid = *state_.grid;
-    count = std::min(count, state_.rowCount - firstRow + 1);
+    count = std::min(count, state_.open.RowCount() - firstRow + 1);
     if (grid.RowTotal() >= kFewestRows && grid.RowTotal() - count < kFewestRows) {
         Tell(kTwoRowsText);
         return;
     }
-    const UndoStep step(state_);
+    const UndoStep step(state_.open);
     typed_.reset();
     grid.SetReDraw(false);
     grid.RemoveRows(firstRow, count);
     grid.SetReDraw(true);
     const CellAddress active = grid.ActiveCell();
-    if (active.row > state_.rowCount + 1) grid.SetActiveCell({state_.rowCount + 1, active.column});
+    if (active.row > state_.open.RowCount() + 1)
+        grid.SetActiveCell({state_.open.RowCount() + 1, active.column});
 }
 
 void GridEditing::DeleteRows(std::vector<RowRun> runs) {
     int count = 0;
     for (RowRun& run : runs) {
-        run.last = std::min(run.last, state_.rowCount);
+        run.last = std::min(run.last, state_.open.RowCount());
         count += std::max(0, run.Count());
     }
     if (count == 0) return;
@@ -221,7 +180,7 @@ void GridEditing::DeleteRows(std::vector<RowRun> runs) {
         Tell(kTwoRowsText);
         return;
     }
-    const UndoStep step(state_);
+    const UndoStep step(state_.open);
     for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
         if (run->Count() > 0) DeleteRows(run->first, run->Count());
     }
@@ -231,10 +190,6 @@ void GridEditing::DeleteRows(std::vector<RowRun> runs) {
 
 void GridEditing::Return(const JournalMark& mark) {
     EntryGrid& grid = *state_.grid;
-    state_.rowCount = mark.rowCount;
-    // Back where it was read or saved the template is unmodified again. What has been saved since, by
-    // whatever way, is modified by going away from it.
-    state_.dirty = state_.dirty != mark.leftDirty || mark.dirty;
     typed_.reset();
     CellChecks checks;
     grid.SetReDraw(false);
@@ -245,11 +200,11 @@ void GridEditing::Return(const JournalMark& mark) {
 }
 
 void GridEditing::Undo() {
-    if (CanEdit() && state_.journal.CanUndo()) Return(state_.journal.Undo());
+    if (CanEdit() && state_.open.Journal().CanUndo()) Return(state_.open.Undo());
 }
 
 void GridEditing::Redo() {
-    if (CanEdit() && state_.journal.CanRedo()) Return(state_.journal.Redo());
+    if (CanEdit() && state_.open.Journal().CanRedo()) Return(state_.open.Redo());
 }
 
 }  // namespace vicenter::center

@@ -1,9 +1,6 @@
 #pragma once
 
 // The user's work in the grid: moving, typing, inserting and deleting rows, undo. Part of frmVICenter.
-//
-// Records every change of content: it sets the dirty flag, keeps the number of rows in use and feeds the
-// journal.
 
 #include <functional>
 #include <optional>
@@ -16,10 +13,9 @@
 
 namespace vicenter::center {
 
-class GridEditing : public GridRecorder {
+class GridEditing {
   public:
-    explicit GridEditing(WindowState& state);
-    ~GridEditing() override;
+    explicit GridEditing(WindowState& state) : state_(state) {}
 
     // Leaves the active cell for another one. On the way of building a selection every cell may be passed.
     void MoveActiveCell(const CellAddress& to, CursorMove how = CursorMove::Going);
@@ -44,10 +40,6 @@ class GridEditing : public GridRecorder {
     void Redo();
     // What happened before is no longer to be joined or resolved: another template is in the grid.
     void Forget() { typed_.reset(); }
-
-    void TextReplaced(int row, int column, std::string_view before, TextVerdict refusal) override;
-    void RowsInserted(int firstRow, int count) override;
-    void RowsRemoved(int firstRow, std::vector<GridRowPtr> rows) override;
 
   private:
     void Leave(const CellAddress& cell);

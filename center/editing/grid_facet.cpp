@@ -24,7 +24,7 @@ void GridFacet::SelectionChanged(const CellSelection& selection) {
 }
 
 int GridFacet::RowsInUse() const {
-    return parts_.state.rowCount;
+    return parts_.state.open.RowCount();
 }
 
 // --- keys and texts
@@ -113,11 +113,11 @@ void GridFacet::DeleteRows(const CellSelection& selection) {
 // --- undo
 
 bool GridFacet::CanUndo() const {
-    return parts_.editing.CanEdit() && parts_.state.journal.CanUndo();
+    return parts_.editing.CanEdit() && parts_.state.open.Journal().CanUndo();
 }
 
 bool GridFacet::CanRedo() const {
-    return parts_.editing.CanEdit() && parts_.state.journal.CanRedo();
+    return parts_.editing.CanEdit() && parts_.state.open.Journal().CanRedo();
 }
 
 void GridFacet::Undo() {

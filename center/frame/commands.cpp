@@ -101,7 +101,7 @@ void WindowParts::RunImport(const std::string& fileName) {
 void WindowParts::ShowFind() {
     dialogs::FrmSearch dialog;
     dialog.SetGrid(state.grid);
-    dialog.SetEntryCount(state.entryCount);
+    dialog.SetEntryCount(state.open.EntryCount());
     state.view.ShowFindDialog(dialog);
 }
 

@@ -49,8 +49,6 @@ void frmVICenter::Load() {
     WindowState& state = parts_->state;
     state.userId = entry::GetPropValue("UserID");
     entry::SetCurrentUserId(state.userId);
-    state.templateId.clear();
-    state.entryCount = 0;
     parts_->drafts.Open();
     parts_->tree.Build();
     state.Enable({Tool::Del, Tool::DelRow, Tool::AddRow, Tool::Share}, false);
@@ -76,7 +74,7 @@ void frmVICenter::Load() {
 
 void frmVICenter::Shown() {
     parts_->edge.Look([&] {
-        if (!parts_->state.linesKnown) parts_->tree.TellUnreadable();
+        if (!parts_->state.open.LinesKnown()) parts_->tree.TellUnreadable();
         parts_->offersDrafts = true;
         parts_->OfferNewestDraft();
     });
@@ -131,15 +129,15 @@ const std::vector<TreeNode>& frmVICenter::Nodes() const {
 }
 
 const std::string& frmVICenter::TemplateId() const {
-    return parts_->state.templateId;
+    return parts_->state.open.Id();
 }
 
 const std::string& frmVICenter::TemplateName() const {
-    return parts_->state.templateName;
+    return parts_->state.open.Name();
 }
 
 int frmVICenter::RowCount() const {
-    return parts_->state.rowCount;
+    return parts_->state.open.RowCount();
 }
 
 EntryGrid& frmVICenter::Grid() {
@@ -167,11 +165,11 @@ const std::shared_ptr<EntryGrid>& frmVICenter::GridObject() const {
 }
 
 std::int32_t frmVICenter::CurrentEntryCount() const {
-    return parts_->state.entryCount;
+    return parts_->state.open.EntryCount();
 }
 
 bool frmVICenter::IsDirty() const {
-    return parts_->state.dirty;
+    return parts_->state.open.IsDirty();
 }
 
 bool frmVICenter::HasRight() const {

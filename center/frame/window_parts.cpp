@@ -50,9 +50,9 @@ TemplateSaveActions WindowParts::SaveActions() {
 bool WindowParts::Reload() {
     CellAddress active = state.grid->ActiveCell();
     // The lines come back sorted by number; the cursor stays on the line where the user was working.
-    active.row = RowOnceSorted(*state.grid, state.rowCount, active.row);
+    active.row = RowOnceSorted(*state.grid, state.open.RowCount(), active.row);
     const bool read = tree.Reload();
-    if (active.row >= 1 && active.row <= state.rowCount + 1) {
+    if (active.row >= 1 && active.row <= state.open.RowCount() + 1) {
         state.grid->SetActiveCell(active);
         state.grid->ScrollIntoView(active);
     }
@@ -60,11 +60,11 @@ bool WindowParts::Reload() {
 }
 
 void WindowParts::RefreshStatus() {
-    if (!sums || sums->RowCount() != state.rowCount) sums.emplace(*state.grid, state.rowCount);
+    if (!sums || sums->RowCount() != state.open.RowCount()) sums.emplace(*state.grid, state.open.RowCount());
     StatusState status = sums->Status(*state.grid, state.grid->ActiveCell().row);
     if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
     const CellAddress active = state.grid->ActiveCell();
-    status.hint = state.notice.empty() ? FaultText(*state.grid, active) : state.notice;
+    status.hint = state.open.Notice().empty() ? FaultText(*state.grid, active) : state.open.Notice();
     state.view.SetStatus(status);
 }
 
@@ -86,13 +86,13 @@ void WindowParts::ContentChanged() {
 void WindowParts::RowsInserted(int firstRow, int count) {
     sums.reset();
     refused.RowsInserted(firstRow, count);
-    if (firstRow <= state.rowCount + 1) ContentChanged();
+    if (firstRow <= state.open.RowCount() + 1) ContentChanged();
 }
 
 void WindowParts::RowsRemoved(int firstRow, int count) {
     sums.reset();
     refused.RowsRemoved(firstRow, count);
-    if (firstRow <= state.rowCount + 1) ContentChanged();
+    if (firstRow <= state.open.RowCount() + 1) ContentChanged();
 }
 
 void WindowParts::WasReset() {

@@ -107,7 +107,7 @@ ChosenTexts TextsOfChoice(const EntryGrid& grid, int row, int gridColumn, const 
 }
 
 void WriteChosen(WindowState& state, int row, const ChosenTexts& texts) {
-    const UndoStep step(state);
+    const UndoStep step(state.open);
     for (const auto& [gridColumn, text] : texts)
         state.grid->SetText(row, gridColumn, text);
     CellChecks checks;
@@ -153,7 +153,7 @@ bool CellLookUps::Open() {
     }
     if (choice) choice = WithPlainId(std::move(*choice), cell.column);
     if (choice) WriteChosen(state_, cell.row, TextsOfChoice(grid, cell.row, cell.column, *choice));
-    state_.dirty = true;
+    state_.open.Touch();
     return choice.has_value();
 }
 

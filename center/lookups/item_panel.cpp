@@ -34,8 +34,8 @@ std::string JoinItems(const std::vector<std::string>& pieces) {
 
 void ItemPanel::Refresh() {
     const CellAddress cell = state_.grid->ActiveCell();
-    const bool visible = state_.IsOpen() && state_.hasRight && cell.column == column::kItems &&
-                         cell.row >= 1 && cell.row <= state_.rowCount + 1;
+    const bool visible = state_.open.IsOpen() && state_.hasRight && cell.column == column::kItems &&
+                         cell.row >= 1 && cell.row <= state_.open.RowCount() + 1;
     if (!visible) {
         account_.clear();
         const bool wasVisible = panel_.visible;
@@ -99,7 +99,7 @@ std::vector<std::string> ItemPanel::Numbers() const {
 void ItemPanel::Write(const std::string& text) {
     const int row = state_.grid->ActiveCell().row;
     {
-        const UndoStep step(state_);
+        const UndoStep step(state_.open);
         state_.grid->SetText(row, column::kItems, text);
         CellChecks checks;
         MarkCells(*state_.grid, row, static_cast<int>(store::CellCheck::Items), checks);

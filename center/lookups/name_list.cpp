@@ -40,7 +40,7 @@ constexpr int kPreparedColumns[] = {column::kExplanation, column::kAccountNumber
 }  // namespace
 
 void NameList::Prepare() {
-    if (!state_.hasRight || !state_.IsOpen() || list_.open) return;
+    if (!state_.hasRight || !state_.open.IsOpen() || list_.open) return;
     for (const char* library : {kFirstLibrary, kSecondLibrary}) {
         std::string version;
         try {
@@ -174,7 +174,7 @@ bool NameList::Take() {
         const std::optional<Choice> choice = WithPlainId({entry.id, entry.number, entry.name}, cell.column);
         if (choice) {
             WriteChosen(state_, cell.row, TextsOfChoice(*state_.grid, cell.row, cell.column, *choice));
-            state_.dirty = true;
+            state_.open.Touch();
         }
         Close();
         return choice.has_value();

@@ -3,25 +3,11 @@
 #include <algorithm>
 
 #include "center/editing/cell_checks.h"
+#include "center/grid/quiet_grid.h"
 
 namespace vicenter::center {
 
 namespace {
-
-// Rows are filled without a trace in the journal.
-class Unrecorded {
-  public:
-    explicit Unrecorded(EntryGrid& grid) : grid_(grid), recorder_(grid.Recorder()) {
-        grid_.SetRecorder(nullptr);
-    }
-    Unrecorded(const Unrecorded&) = delete;
-    Unrecorded& operator=(const Unrecorded&) = delete;
-    ~Unrecorded() { grid_.SetRecorder(recorder_); }
-
-  private:
-    EntryGrid& grid_;
-    GridRecorder* recorder_;
-};
 
 bool Differs(const EntryGrid& grid, int row, int gridColumn, const KeptLine& line) {
     const auto at = static_cast<std::size_t>(gridColumn - 1);
@@ -50,7 +36,7 @@ std::vector<KeptLine> LinesOfRows(const EntryGrid& grid, int rowCount) {
 }
 
 void KeptLines::Take() {
-    Take(LinesOfRows(*state_.grid, state_.rowCount));
+    Take(LinesOfRows(*state_.grid, state_.open.RowCount()));
 }
 
 void KeptLines::Take(std::vector<KeptLine> lines) {
@@ -68,50 +54,48 @@ bool KeptLines::OfferUndo(const std::string& notice) {
     EntryGrid& grid = *state_.grid;
     const int kept = static_cast<int>(lines_.size());
     MakeRoom(grid, kept);
-    JournalMark before = state_.Mark();
+    JournalMark before = state_.open.Mark();
     before.rowCount = kept;
     before.dirty = true;
-    bool differs = kept != state_.rowCount;
-    state_.journal.Open(before);
-    for (int row = 1; row <= std::max(kept, state_.rowCount); ++row) {
+    bool differs = kept != state_.open.RowCount();
+    state_.open.Journal().Open(before);
+    for (int row = 1; row <= std::max(kept, state_.open.RowCount()); ++row) {
         const KeptLine& line = LineOrBlank(row);
         for (int c = 1; c <= kColumnCount; ++c) {
             if (!Differs(grid, row, c, line)) continue;
             const auto at = static_cast<std::size_t>(c - 1);
-            state_.journal.TextReplaced(row, c, line.texts[at], line.refusals[at]);
+            state_.open.Journal().TextReplaced(row, c, line.texts[at], line.refusals[at]);
             differs = true;
         }
     }
     // Taking the step back is a change of what was loaded.
-    JournalMark after = state_.Mark();
+    JournalMark after = state_.open.Mark();
     after.dirty = true;
-    state_.journal.Close(after);
+    state_.open.Journal().Close(after);
     pending_ = differs;
-    if (differs) state_.notice = notice;
+    if (differs) state_.open.SetNotice(notice);
     return differs;
 }
 
 void KeptLines::PutBack() {
     EntryGrid& grid = *state_.grid;
     MakeRoom(grid, static_cast<int>(lines_.size()));
+    const Unpainted quiet(grid);
     const Unrecorded filling(grid);
-    grid.SetReDraw(false);
     int row = 0;
     // What was refused by a column was never sent: these texts have all been taken.
     for (const KeptLine& line : lines_)
         grid.FillRow(++row, line.texts);
-    grid.SetReDraw(true);
-    state_.rowCount = row;
-    state_.dirty = true;
+    state_.open.TakeRows(row);
 }
 
 void KeptLines::PutAsTyped() {
     EntryGrid& grid = *state_.grid;
     const int kept = static_cast<int>(lines_.size());
     MakeRoom(grid, kept);
-    const UndoStep step(state_);
+    const UndoStep step(state_.open);
     grid.SetReDraw(false);
-    const int rows = std::max(kept, state_.rowCount);
+    const int rows = std::max(kept, state_.open.RowCount());
     CellChecks checks;
     for (int row = 1; row <= rows; ++row) {
         const KeptLine& line = LineOrBlank(row);
@@ -123,13 +107,12 @@ void KeptLines::PutAsTyped() {
         MarkRow(grid, row, checks);
     }
     grid.SetReDraw(true);
-    state_.rowCount = kept;
-    state_.dirty = true;
+    state_.open.TakeRows(kept);
 }
 
 void KeptLines::Touched() {
     pending_ = false;
-    state_.notice.clear();
+    state_.open.SetNotice({});
 }
 
 }  // namespace vicenter::center

@@ -1,5 +1,6 @@
 #include "center/template/line_loader.h"
 
+#include "center/grid/quiet_grid.h"
 #include "store/cls_vi_data.h"
 
 namespace vicenter::center {
@@ -36,25 +37,6 @@ constexpr unsigned kEndOfText = 0x100;  // no byte
 void Mix(std::uint64_t& hash, unsigned value) {
     hash = ((hash == 0 ? 0xcbf29ce484222325U : hash) ^ value) * 0x100000001b3U;
 }
-
-// Filling a grid is no change of its content.
-class Unrecorded {
-  public:
-    explicit Unrecorded(EntryGrid& grid) : grid_(grid), recorder_(grid.Recorder()) {
-        grid_.SetRecorder(nullptr);
-        grid_.SetReDraw(false);
-    }
-    Unrecorded(const Unrecorded&) = delete;
-    Unrecorded& operator=(const Unrecorded&) = delete;
-    ~Unrecorded() {
-        grid_.SetRecorder(recorder_);
-        grid_.SetReDraw(true);
-    }
-
-  private:
-    EntryGrid& grid_;
-    GridRecorder* recorder_;
-};
 
 }  // namespace
 
@@ -128,6 +110,8 @@ std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId, Lin
     const auto count = static_cast<int>(records->RecordCount());
     if (count < 1) return 0;
 
+    // Filling a grid is no change of its content.
+    const Unpainted quiet(grid);
     const Unrecorded filling(grid);
     if (count >= kFirstRowTotal) grid.SetRowTotal(count + 2);
     LineReader reader(*records);

@@ -1,5 +1,6 @@
 #include "center/template/template_fate.h"
 
+#include "center/frame/window_state.h"
 #include "center/template/line_loader.h"
 #include "store/template_guard.h"
 
@@ -22,13 +23,13 @@ bool NameStands(const std::string& id, const std::string& loaded, const std::str
 
 }  // namespace
 
-TemplateFate FateOfOpenTemplate(const WindowState& state) {
-    const std::optional<store::TemplateRow> row = store::AskTemplateWithLines(state.templateId);
+TemplateFate FateOfOpenTemplate(const OpenTemplate& open, const std::string& userId) {
+    const std::optional<store::TemplateRow> row = store::AskTemplateWithLines(open.Id());
     if (!row) return TemplateFate::Unknown;
-    if (!store::MayWrite(*row, state.templateId, state.userId)) return TemplateFate::Gone;
+    if (!store::MayWrite(*row, open.Id(), userId)) return TemplateFate::Gone;
     try {
-        const bool same = NameStands(state.templateId, state.templateName, row->name) &&
-                          DigestOf(*row->lines) == state.loaded;
+        const bool same =
+            NameStands(open.Id(), open.Name(), row->name) && DigestOf(*row->lines) == open.Loaded();
         return same ? TemplateFate::AsLoaded : TemplateFate::Changed;
     } catch (const Error&) {
         return TemplateFate::Unknown;

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "center/frame/window_state.h"
+#include "center/template/open_template.h"
 
 namespace vicenter::center {
 
@@ -21,7 +21,7 @@ enum class TemplateFate {
 };
 
 // The open template, its lines included.
-TemplateFate FateOfOpenTemplate(const WindowState& state);
+TemplateFate FateOfOpenTemplate(const OpenTemplate& open, const std::string& userId);
 
 // The lines of a template as the account set holds them now; nothing when it does not answer.
 std::optional<LinesDigest> DigestOfStored(const std::string& templateId);

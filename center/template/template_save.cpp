@@ -105,22 +105,22 @@ TemplateSave::TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& 
     : state_(state), kept_(kept), drafts_(drafts), refused_(refused), actions_(std::move(actions)) {}
 
 bool TemplateSave::Save() {
-    if (!state_.IsOpen() || !state_.dirty) return false;
-    if (!state_.linesKnown) {
+    if (!state_.open.IsOpen() || !state_.open.IsDirty()) return false;
+    if (!state_.open.LinesKnown()) {
         // The batch replaces every line: what nobody has seen is not to be lost to the few that were typed.
-        TellSaveFailed(state_.templateName);
+        TellSaveFailed(state_.open.Name());
         return false;
     }
     // After a save that was refused the window shows what is stored; what is tried again is what was typed.
     if (kept_.IsPending()) actions_.undo();
     if (!Validate()) return false;
-    const TemplateFate fate = FateOfOpenTemplate(state_);
+    const TemplateFate fate = FateOfOpenTemplate(state_.open, state_.userId);
     if (fate == TemplateFate::AsLoaded) return SendAndReload(false);
     if (fate == TemplateFate::Unknown) {
-        TellSaveFailed(state_.templateName);
+        TellSaveFailed(state_.open.Name());
         return false;
     }
-    switch (AskHowToSave(fate, state_.templateName, !store::IsStandard(state_.templateId))) {
+    switch (AskHowToSave(fate, state_.open.Name(), !store::IsStandard(state_.open.Id()))) {
         case SaveChoice::Overwrite:
             return SendAndReload(true);
         case SaveChoice::KeepAsNew:
@@ -137,24 +137,25 @@ bool TemplateSave::Save() {
 bool TemplateSave::SendAndReload(bool treeToo) {
     using State = store::TemplateOutcome::State;
     const State sent =
-        SendTemplate(*state_.grid, state_.rowCount, state_.templateId, state_.templateName).state;
+        SendTemplate(*state_.grid, state_.open.RowCount(), state_.open.Id(), state_.open.Name()).state;
     // Nobody else has changed the template: the next save must not ask whether to overwrite it.
-    if (sent == State::SavedUntold) state_.loaded = DigestOfStored(state_.templateId).value_or(state_.loaded);
+    if (sent == State::SavedUntold)
+        state_.open.TypedUpon(DigestOfStored(state_.open.Id()).value_or(state_.open.Loaded()));
     if (sent == State::Failed || sent == State::SavedUntold) return false;
-    const std::string name = state_.templateName;
-    const LinesDigest loadedBefore = state_.loaded;
+    const std::string name = state_.open.Name();
+    const LinesDigest loadedBefore = state_.open.Loaded();
     if (sent == State::Refused) kept_.Take();
     bool reloaded = true;
     {
         const TemplateDrafts::Hold hold(drafts_);
         if (treeToo) {
-            actions_.readTreeAgain(state_.templateId);
-            reloaded = state_.linesKnown;
+            actions_.readTreeAgain(state_.open.Id());
+            reloaded = state_.open.LinesKnown();
         } else {
             reloaded = actions_.reload();
         }
     }
-    state_.dirty = false;
+    state_.open.Settle();
     if (sent == State::Refused) {
         KeepRefused(reloaded, loadedBefore);
         return true;
@@ -169,12 +170,11 @@ bool TemplateSave::SendAndReload(bool treeToo) {
 // The typed lines are one step of undo away, and the template counts as modified as long as they are.
 void TemplateSave::KeepRefused(bool reloaded, const LinesDigest& loadedBefore) {
     if (reloaded) {
-        state_.dirty = kept_.OfferUndo("保存被拒绝，按 Ctrl+Z 找回保存前的分录");
+        if (kept_.OfferUndo("保存被拒绝，按 Ctrl+Z 找回保存前的分录")) state_.open.Touch();
     } else {
         // Nothing has been written and nothing read: the window is as it was before the save.
         kept_.PutBack();
-        state_.linesKnown = true;
-        state_.loaded = loadedBefore;
+        state_.open.TypedUpon(loadedBefore);
     }
     drafts_.Changed();
     drafts_.Keep();
@@ -184,22 +184,21 @@ void TemplateSave::KeepRefused(bool reloaded, const LinesDigest& loadedBefore) {
 bool TemplateSave::SendAsNewTemplate() {
     const std::optional<TreeNode> node = actions_.insertTemplate();
     if (!node) return false;
-    state_.templateId = node->key.substr(kTemplateKeyHead.size());
-    state_.SetTemplateName(node->text);
-    state_.loaded = {};
+    state_.open.Become(node->key.substr(kTemplateKeyHead.size()), node->text);
+    state_.view.SetTemplateName(node->text);
     return SendAndReload(true);
 }
 
 void TemplateSave::LookAtTheirs() {
     kept_.Take();
-    actions_.readTreeAgain(state_.templateId);
+    actions_.readTreeAgain(state_.open.Id());
     kept_.OfferUndo("按 Ctrl+Z 找回您修改的分录");
     actions_.refreshStatus();
 }
 
 bool TemplateSave::Validate() {
-    if (state_.rowCount == 0) return ConfirmEmptyTemplate();
-    const std::optional<Finding> finding = ValidateLines(*state_.grid, state_.rowCount);
+    if (state_.open.RowCount() == 0) return ConfirmEmptyTemplate();
+    const std::optional<Finding> finding = ValidateLines(*state_.grid, state_.open.RowCount());
     if (!finding) return true;
     Tell(finding->text);
     GoToCell({finding->row, finding->column});
@@ -208,7 +207,7 @@ bool TemplateSave::Validate() {
 }
 
 bool TemplateSave::ConfirmUnsavedChanges() {
-    if (!state_.IsOpen() || !state_.dirty) return true;
+    if (!state_.open.IsOpen() || !state_.open.IsDirty()) return true;
     if (Ask("当前凭证模板修改后未保存，您是否进行保存?", MessageButtons::YesNo) != MessageResult::Yes) {
         drafts_.SetDeclined(true);
         return true;

@@ -123,7 +123,7 @@ void TemplateTree::ShowStored(std::int32_t id) {
 // Whatever was lit before, a template that is open can be saved and exported.
 void TemplateTree::OpenSelected() {
     Open({}, {}, {});
-    if (state_.IsOpen()) state_.Enable({Tool::Save, Tool::Exp}, true);
+    if (state_.open.IsOpen()) state_.Enable({Tool::Save, Tool::Exp}, true);
 }
 
 void TemplateTree::ReadAgain(const std::string& id) {
@@ -135,7 +135,7 @@ void TemplateTree::ReadAgain(const std::string& id) {
 
 void TemplateTree::Open(const std::string& name, const std::string& id, const std::string& displayName) {
     Read(name, id, displayName);
-    if (!state_.linesKnown) TellUnreadable();
+    if (!state_.open.LinesKnown()) TellUnreadable();
 }
 
 void TemplateTree::OpenAtLoad() {
@@ -143,53 +143,33 @@ void TemplateTree::OpenAtLoad() {
 }
 
 void TemplateTree::TellUnreadable() const {
-    Tell("模板 " + state_.templateName + " 的分录未能读取，请检查账套连接后重新打开该模板！");
+    Tell("模板 " + state_.open.Name() + " 的分录未能读取，请检查账套连接后重新打开该模板！");
 }
 
 bool TemplateTree::Reload() {
-    const std::string name = state_.templateName;
-    const std::string id = state_.templateId;
+    const std::string name = state_.open.Name();
+    const std::string id = state_.open.Id();
     Read(name, id, {});
-    return state_.linesKnown;
+    return state_.open.LinesKnown();
 }
 
 void TemplateTree::Read(const std::string& name, const std::string& id, const std::string& displayName) {
     leaving_();
-    state_.journal.Drop();
-    state_.notice.clear();
-    // Observers see one reset: first no rows, then the blank ones.
-    state_.grid->Clear(0);
-    state_.grid->Clear(kFirstRowTotal);
-    state_.rowCount = 0;
-    state_.dirty = false;
-    state_.linesKnown = true;
-    state_.templateId = id;
+    std::string opened = id;
     std::string shown = name;
-    if (state_.templateId.empty() && IsTemplateKey(selected_)) {
-        state_.templateId = IdOf(selected_);
+    if (opened.empty() && IsTemplateKey(selected_)) {
+        opened = IdOf(selected_);
         shown = TextOf(selected_);
     }
-    if (!state_.IsOpen()) {
-        state_.SetTemplateName({});
-        state_.entryCount = 0;
-        opened_();
-        return;
-    }
-    if (!displayName.empty()) shown = displayName;
-    state_.SetTemplateName(shown);
-    state_.entryCount = store::clsVIData().GetVchEntryCount(state_.templateId);
-    // Known is what has been read to its end.
-    state_.linesKnown = false;
-    std::optional<int> lines;
-    try {
-        lines = LoadLines(*state_.grid, state_.templateId, &state_.loaded);
-    } catch (const automation::Error&) {
-        state_.grid->Clear(kFirstRowTotal);
-    }
-    state_.linesKnown = lines.has_value();
-    if (lines) {
-        state_.entryCount = *lines;
-        state_.rowCount = *lines;
+    if (opened.empty()) {
+        state_.open.Close();
+        state_.view.SetTemplateName({});
+    } else {
+        if (!displayName.empty()) shown = displayName;
+        state_.open.Open(opened, shown);
+        state_.view.SetTemplateName(shown);
+        state_.open.Count(store::clsVIData().GetVchEntryCount(opened));
+        state_.open.ReadLines();
     }
     opened_();
 }
@@ -332,8 +312,9 @@ bool TemplateTree::CreateTemplate() {
 // Asked once the user has agreed: what is deleted is what the user means.
 bool TemplateTree::MayDelete(const std::string& text) {
     const std::string id = IdOf(selected_);
-    const bool open = state_.templateId == id && state_.linesKnown;
-    const TemplateFate fate = open ? FateOfOpenTemplate(state_) : FateOfNode(id, text, state_.userId).fate;
+    const bool open = state_.open.Id() == id && state_.open.LinesKnown();
+    const TemplateFate fate =
+        open ? FateOfOpenTemplate(state_.open, state_.userId) : FateOfNode(id, text, state_.userId).fate;
     switch (fate) {
         case TemplateFate::AsLoaded:
             return true;
@@ -385,7 +366,7 @@ void TemplateTree::DeleteSelected() {
     nodes_.erase(nodes_.begin() + static_cast<std::ptrdiff_t>(at));
     selected_ = kRootKey;
     // Whatever was not saved has been given up before the question: nothing to save into what is gone.
-    state_.dirty = false;
+    state_.open.Settle();
     state_.view.RemoveTreeNode(removed);
     entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-删除模板 " + text + " 成功");
     if (neighbour.empty()) {

@@ -44,10 +44,11 @@ std::vector<TreeMenuItem> TreeFacet::MenuItems() {
     if (!AccountSetCare::IsOffered()) return {};
     // A node that was refused is lit without being open; no menu hides what has to be mended first.
     const std::string& lit = parts_.tree.SelectedKey();
-    if (lit != kRootKey && lit != std::string(kTemplateKeyHead) + parts_.state.templateId) return {};
-    return {{"mnuBackUpAccountSet", "备份账套(&B)…",
-             [this] { parts_.edge.Command([this] { AccountSetCare::BackUp(parts_.state.dirty); }); }},
-            {"mnuVerifyAccountSet", "检查账套(&V)", [this] { parts_.edge.Look(AccountSetCare::Verify); }}};
+    if (lit != kRootKey && lit != std::string(kTemplateKeyHead) + parts_.state.open.Id()) return {};
+    return {
+        {"mnuBackUpAccountSet", "备份账套(&B)…",
+         [this] { parts_.edge.Command([this] { AccountSetCare::BackUp(parts_.state.open.IsDirty()); }); }},
+        {"mnuVerifyAccountSet", "检查账套(&V)", [this] { parts_.edge.Look(AccountSetCare::Verify); }}};
 }
 
 }  // namespace vicenter::center

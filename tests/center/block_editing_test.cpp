@@ -68,8 +68,8 @@ TEST_F(BlockEditingTest, APastedRowIsResolvedAsIfItHadBeenTyped) {
         EXPECT_EQ(Text(1, c), shown) << c;
         EXPECT_EQ(Color(1, c), color::kBlack) << c;
     }
-    EXPECT_EQ(state_.rowCount, 1);
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_EQ(state_.open.RowCount(), 1);
+    EXPECT_TRUE(state_.open.IsDirty());
     EXPECT_EQ(edited_, 1);
 }
 
@@ -88,7 +88,7 @@ TEST_F(BlockEditingTest, ABlockWiderThanTheShownColumnsIsRefusedAndTheColumnsAre
     ASSERT_EQ(Messages().size(), 1U);
     EXPECT_THAT(Messages()[0],
                 testing::StartsWith("所粘贴的内容有 3 列，从此处起只显示 1 列，有 2 列没有位置，没有粘贴！"));
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
     // Empty columns at its right need no place.
     EXPECT_EQ(blocks_.Paste({1, 21}, "备注\t\t\r\n").cells, 1);
     EXPECT_EQ(Text(1, 21), "备注");
@@ -105,12 +105,12 @@ TEST_F(BlockEditingTest, AFirstRowOfHeadersNamesTheColumnsHiddenOnesToo) {
     EXPECT_EQ(Text(1, column::kAccountName), "库存现金");
     EXPECT_EQ(Text(2, column::kDirection), "贷");
     EXPECT_EQ(Text(2, column::kAccountId), "2");
-    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(state_.open.RowCount(), 2);
 }
 
 TEST_F(BlockEditingTest, ARowThatOnlySoundsLikeHeadersIsARow) {
     blocks_.Paste({1, 21}, "备注");
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
     blocks_.Paste({1, 1}, "3\t摘要");
     EXPECT_EQ(Text(1, 2), "摘要");
 }
@@ -129,7 +129,7 @@ TEST_F(BlockEditingTest, RowsAreAddedAsNeededWithABlankOneBelow) {
         text += std::to_string(i) + "\r\n";
     const PasteResult result = blocks_.Paste({1, 1}, text);
     EXPECT_EQ(result.rows, 150);
-    EXPECT_EQ(state_.rowCount, 150);
+    EXPECT_EQ(state_.open.RowCount(), 150);
     EXPECT_EQ(Text(150, 1), "150");
     EXPECT_GT(Grid().RowTotal(), 150);
 }
@@ -138,11 +138,11 @@ TEST_F(BlockEditingTest, PastingLeavesNoGap) {
     UseRows(1);
     EXPECT_EQ(blocks_.Paste({3, 1}, "1").rows, 0);
     EXPECT_THAT(Messages(), ElementsAre("请连续录入凭证模板分录！"));
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
     blocks_.Paste({2, 1}, "2\r\n\r\n3\r\n");
     EXPECT_EQ(Text(2, 1), "2");
     EXPECT_EQ(Text(3, 1), "3");
-    EXPECT_EQ(state_.rowCount, 3);
+    EXPECT_EQ(state_.open.RowCount(), 3);
 }
 
 TEST_F(BlockEditingTest, WhatCannotBeTakenStaysInItsCellRedAndIsListedByRowAndColumn) {
@@ -184,7 +184,7 @@ TEST_F(BlockEditingTest, NumbersComeInAsTheyAreMeantAndOthersStayAsTheyAre) {
     for (int row = 1; row <= 9; ++row)
         EXPECT_EQ(Text(row, 20), expected[static_cast<std::size_t>(row - 1)]);
     EXPECT_EQ(FaultText(Grid(), {7, 20}), "不能小于0");
-    EXPECT_EQ(state_.rowCount, 9);
+    EXPECT_EQ(state_.open.RowCount(), 9);
 }
 
 TEST_F(BlockEditingTest, AnEndlessTextIsKeptOut) {
@@ -192,7 +192,7 @@ TEST_F(BlockEditingTest, AnEndlessTextIsKeptOut) {
     ASSERT_EQ(result.refused.size(), 1U);
     EXPECT_FALSE(result.refused[0].kept);
     EXPECT_EQ(Text(1, 2), "");
-    EXPECT_EQ(state_.rowCount, 0);
+    EXPECT_EQ(state_.open.RowCount(), 0);
 }
 
 TEST_F(BlockEditingTest, IdsFollowFromCodesAndAreRefusedWhenTheyDiffer) {
@@ -244,8 +244,8 @@ TEST_F(BlockEditingTest, WithoutTheRightNothingIsPasted) {
 TEST_F(BlockEditingTest, NothingToPasteIsNoChange) {
     EXPECT_EQ(blocks_.Paste({1, 1}, "").rows, 0);
     EXPECT_EQ(blocks_.Paste({0, 0}, "1").rows, 0);
-    EXPECT_FALSE(state_.dirty);
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_FALSE(state_.open.IsDirty());
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
 }
 
 TEST_F(BlockEditingTest, TenThousandRowsAreOneStepOfUndoAndShowProgress) {
@@ -256,7 +256,7 @@ TEST_F(BlockEditingTest, TenThousandRowsAreOneStepOfUndoAndShowProgress) {
     set_.Forget();
     GridDiary diary(Grid());
     EXPECT_EQ(blocks_.Paste({1, 1}, text).rows, kRows);
-    EXPECT_EQ(state_.rowCount, kRows);
+    EXPECT_EQ(state_.open.RowCount(), kRows);
     EXPECT_EQ(Text(kRows, 6), "银行存款");
     // Each different question once, whatever the number of rows.
     EXPECT_LE(set_.Statements().size(), 4U);
@@ -270,12 +270,12 @@ TEST_F(BlockEditingTest, TenThousandRowsAreOneStepOfUndoAndShowProgress) {
     EXPECT_FALSE(view_.progress.back().visible);
 
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 0);
+    EXPECT_EQ(state_.open.RowCount(), 0);
     EXPECT_TRUE(Grid().IsBlankRow(1));
     EXPECT_EQ(Grid().RowTotal(), 100);
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
     editing_.Redo();
-    EXPECT_EQ(state_.rowCount, kRows);
+    EXPECT_EQ(state_.open.RowCount(), kRows);
     EXPECT_EQ(Text(kRows, 5), "1002");
 }
 
@@ -290,8 +290,8 @@ TEST_F(BlockEditingTest, AnErrorHalfWayTakesTheProgressAwayAndLeavesOneStep) {
     EXPECT_FALSE(view_.progress.back().visible);
     EXPECT_TRUE(Grid().ReDraw());
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 0);
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_EQ(state_.open.RowCount(), 0);
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
 }
 
 TEST_F(BlockEditingTest, AFewRowsShowNoProgress) {
@@ -310,7 +310,7 @@ TEST_F(BlockEditingTest, OneValueGoesIntoAllSelectedCells) {
     editing_.Undo();
     EXPECT_EQ(Text(1, 5), "");
     EXPECT_EQ(Text(3, 6), "");
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
 }
 
 TEST_F(BlockEditingTest, AValueThatNoSelectedCellTakesIsListedForEach) {
@@ -393,10 +393,10 @@ TEST_F(BlockEditingTest, AllSelectedRowsAreDuplicated) {
     const Texts expected{"1", "2", "1", "2", "3", "4", "5", "5"};
     for (int row = 1; row <= 8; ++row)
         EXPECT_EQ(Text(row, 1), expected[static_cast<std::size_t>(row - 1)]);
-    EXPECT_EQ(state_.rowCount, 8);
+    EXPECT_EQ(state_.open.RowCount(), 8);
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 5);
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_EQ(state_.open.RowCount(), 5);
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
 }
 
 // --- filling down
@@ -420,7 +420,7 @@ TEST_F(BlockEditingTest, OneRowAloneTakesWhatStandsAbove) {
     blocks_.FillDown({2, 1, 2, 2});
     EXPECT_EQ(Text(2, 1), "1");
     EXPECT_EQ(Text(2, 2), "提货");
-    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(state_.open.RowCount(), 2);
     edited_ = 0;
     blocks_.FillDown({1, 1, 1, 2});
     EXPECT_EQ(edited_, 0);
@@ -429,10 +429,10 @@ TEST_F(BlockEditingTest, OneRowAloneTakesWhatStandsAbove) {
 TEST_F(BlockEditingTest, FillingDownIsOneStepAndMarksTheRows) {
     blocks_.Paste({1, 5}, "9999");
     blocks_.FillDown({1, 5, 4, 5});
-    EXPECT_EQ(state_.rowCount, 4);
+    EXPECT_EQ(state_.open.RowCount(), 4);
     EXPECT_EQ(Color(4, 5), color::kRed);
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
     EXPECT_TRUE(Grid().IsBlankRow(2));
 }
 
@@ -440,13 +440,13 @@ TEST_F(BlockEditingTest, FillingDownToTheLastRowLeavesABlankOneBelow) {
     UseRows(1);
     const int total = Grid().RowTotal();
     blocks_.FillDown({1, 1, total, 1});
-    EXPECT_EQ(state_.rowCount, total);
+    EXPECT_EQ(state_.open.RowCount(), total);
     EXPECT_EQ(Grid().RowTotal(), total + 1);
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
     EXPECT_EQ(Grid().RowTotal(), total);
     editing_.Redo();
-    EXPECT_EQ(state_.rowCount, total);
+    EXPECT_EQ(state_.open.RowCount(), total);
     EXPECT_EQ(Grid().RowTotal(), total + 1);
 }
 
@@ -461,8 +461,8 @@ TEST_F(BlockEditingTest, HiddenColumnsAreNotFilled) {
 TEST_F(BlockEditingTest, FillingDownBelowTheRowsInUseNeedsARowAbove) {
     UseRows(1);
     blocks_.FillDown({3, 1, 5, 1});
-    EXPECT_EQ(state_.rowCount, 1);
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_EQ(state_.open.RowCount(), 1);
+    EXPECT_FALSE(state_.open.IsDirty());
 }
 
 // --- duplicating
@@ -477,10 +477,10 @@ TEST_F(BlockEditingTest, ADuplicateStandsBelowItsRowWithEverythingInIt) {
         EXPECT_EQ(Text(2, c), Text(1, c)) << c;
     EXPECT_EQ(Text(2, 8), "51");
     EXPECT_EQ(Text(3, 1), "2");
-    EXPECT_EQ(state_.rowCount, 3);
+    EXPECT_EQ(state_.open.RowCount(), 3);
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, 3}));
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(state_.open.RowCount(), 2);
     EXPECT_EQ(Text(2, 1), "2");
 }
 
@@ -488,7 +488,7 @@ TEST_F(BlockEditingTest, TheLastRowInUseIsDuplicatedToo) {
     UseRows(2);
     Grid().SetActiveCell({2, 1});
     blocks_.DuplicateRow();
-    EXPECT_EQ(state_.rowCount, 3);
+    EXPECT_EQ(state_.open.RowCount(), 3);
     EXPECT_EQ(Text(3, 1), "2");
 }
 
@@ -496,7 +496,7 @@ TEST_F(BlockEditingTest, ABlankRowBelowIsNotDuplicated) {
     UseRows(1);
     Grid().SetActiveCell({2, 1});
     blocks_.DuplicateRow();
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
     EXPECT_EQ(Grid().RowTotal(), 100);
 }
 

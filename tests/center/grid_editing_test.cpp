@@ -40,41 +40,41 @@ class GridEditingTest : public GridTest {
 // --- row count and dirty flag
 
 TEST_F(GridEditingTest, ABlankRowCountsAsInUseOnceACellGetsContent) {
-    EXPECT_EQ(state_.rowCount, 0);
+    EXPECT_EQ(state_.open.RowCount(), 0);
     EXPECT_EQ(editing_.CommitText({1, 21}, "备注"), TextVerdict::Taken);
-    EXPECT_EQ(state_.rowCount, 1);
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_EQ(state_.open.RowCount(), 1);
+    EXPECT_TRUE(state_.open.IsDirty());
     EXPECT_EQ(editing_.CommitText({1, 1}, "1"), TextVerdict::Taken);
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
     EXPECT_EQ(editing_.CommitText({2, 1}, "1"), TextVerdict::Taken);
-    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(state_.open.RowCount(), 2);
 }
 
 TEST_F(GridEditingTest, TheLastRowThatIsEmptiedAgainIsNoLongerInUse) {
     Type(1, 2, "a");
     Type(1, 2, "");
-    EXPECT_EQ(state_.rowCount, 0);
+    EXPECT_EQ(state_.open.RowCount(), 0);
     UseRows(3);
     Type(2, 1, "");
-    EXPECT_EQ(state_.rowCount, 3) << "a blank row between others stays a gap to be seen";
+    EXPECT_EQ(state_.open.RowCount(), 3) << "a blank row between others stays a gap to be seen";
     Type(3, 1, "");
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 3);
+    EXPECT_EQ(state_.open.RowCount(), 3);
 }
 
 TEST_F(GridEditingTest, TheSameTextAgainIsNoChange) {
     UseRows(1);
     EXPECT_EQ(editing_.CommitText({1, 1}, "1"), TextVerdict::Taken);
-    EXPECT_FALSE(state_.dirty);
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_FALSE(state_.open.IsDirty());
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
 }
 
 TEST_F(GridEditingTest, ARefusedTextStaysInItsCellWithItsReasonAndGoesWithIt) {
     UseRows(1);
     EXPECT_EQ(editing_.CommitText({1, 4}, "1"), TextVerdict::Locked);
     EXPECT_EQ(Text(1, 4), "");
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
     EXPECT_EQ(Type(1, 20, "-9"), TextVerdict::Negative);
     EXPECT_EQ(Text(1, 20), "-9");
     EXPECT_EQ(Color(1, 20), color::kRed);
@@ -127,18 +127,18 @@ TEST_F(GridEditingTest, WhoMayNotChangeTemplatesTypesNothing) {
     Grid().SetActiveCell({2, 2});
     EXPECT_FALSE(editing_.RepeatExplanation("."));
     EXPECT_EQ(Text(1, 1), "1");
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
 }
 
 TEST_F(GridEditingTest, WhoMayNotChangeTemplatesChangesNothingByMoving) {
     UseRows(1);
     Grid().SetText(1, 13, "USD");
-    state_.dirty = false;
+    state_.open.Settle();
     state_.hasRight = false;
     Grid().SetActiveCell({1, 13});
     editing_.MoveActiveCell({1, 14});
     EXPECT_EQ(Text(1, 13), "USD");
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{1, 14}));
 }
 
@@ -205,7 +205,7 @@ TEST_F(GridEditingTest, AnAccountCodeThatIsNotFoundKeepsTheOldIdAndName) {
 }
 
 TEST_F(GridEditingTest, WithoutAnOpenTemplateNothingIsResolved) {
-    state_.templateId.clear();
+    state_.open.Become({}, {});
     Type(1, 5, "1001");
     EXPECT_EQ(Text(1, 6), "");
     EXPECT_THAT(set_.Statements(), IsEmpty());
@@ -238,7 +238,7 @@ TEST_F(GridEditingTest, MovingPastTheFirstBlankRowIsRefusedAndLandsThere) {
     ExpectMessage(kGap);
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{4, 7}));
     EXPECT_THAT(diary.Take(), ElementsAre("active 4 7", "scrolled 4 7"));
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
 }
 
 TEST_F(GridEditingTest, WhoMayNotChangeTemplatesLooksAnywhereWithoutAMessage) {
@@ -273,9 +273,9 @@ TEST_F(GridEditingTest, TheSpareRowIsNoChangeAndNothingToUndo) {
     Grid().SetRowTotal(4);
     UseRows(3);
     editing_.MoveActiveCell({1, 1});
-    EXPECT_FALSE(state_.dirty);
-    EXPECT_FALSE(state_.journal.CanUndo());
-    EXPECT_EQ(Grid().Recorder(), &editing_);
+    EXPECT_FALSE(state_.open.IsDirty());
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
+    EXPECT_EQ(Grid().Recorder(), &state_.open);
 }
 
 TEST_F(GridEditingTest, ATextBelowTheFirstBlankRowIsRefusedWithTheGapMessage) {
@@ -293,13 +293,13 @@ TEST_F(GridEditingTest, TwoPointsRepeatTheExplanationAbove) {
     Grid().SetActiveCell({2, 2});
     EXPECT_TRUE(editing_.RepeatExplanation("."));
     EXPECT_EQ(Text(2, 2), "支付货款");
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
 }
 
 TEST_F(GridEditingTest, TwoPointsDoNothingInRowOneInOtherColumnsOrBehindOtherTexts) {
     UseRows(2);
     Grid().SetText(1, 2, "支付货款");
-    state_.dirty = false;
+    state_.open.Settle();
     Grid().SetActiveCell({1, 2});
     EXPECT_FALSE(editing_.RepeatExplanation("."));
     Grid().SetActiveCell({2, 5});
@@ -309,7 +309,7 @@ TEST_F(GridEditingTest, TwoPointsDoNothingInRowOneInOtherColumnsOrBehindOtherTex
     EXPECT_FALSE(editing_.RepeatExplanation(""));
     EXPECT_FALSE(editing_.RepeatExplanation(".."));
     EXPECT_EQ(Text(2, 2), "");
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
 }
 
 // --- clearing
@@ -325,17 +325,17 @@ TEST_F(GridEditingTest, ClearingCellsEmptiesThemAndWhatDependsOnThem) {
     EXPECT_EQ(Text(1, 9), "支票");
     EXPECT_EQ(Color(1, 9), color::kRed);
     EXPECT_EQ(Text(1, 2), "a");
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
 }
 
 TEST_F(GridEditingTest, ClearingNeverRemovesARowAndStaysWithinTheGrid) {
     UseRows(3);
     editing_.ClearCells({0, 0, 1000, 1000});
-    EXPECT_EQ(state_.rowCount, 0);
+    EXPECT_EQ(state_.open.RowCount(), 0);
     EXPECT_EQ(Grid().RowTotal(), 100);
     for (int row = 1; row <= 3; ++row)
         EXPECT_TRUE(Grid().IsBlankRow(row));
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
     editing_.Undo();
     EXPECT_EQ(Text(3, 1), "3");
 }
@@ -343,8 +343,8 @@ TEST_F(GridEditingTest, ClearingNeverRemovesARowAndStaysWithinTheGrid) {
 TEST_F(GridEditingTest, ClearingEmptyCellsIsNoChange) {
     UseRows(2);
     editing_.ClearCells({1, 2, 2, 21});
-    EXPECT_FALSE(state_.dirty);
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_FALSE(state_.open.IsDirty());
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
 }
 
 TEST_F(GridEditingTest, ClearingShownCellsLeavesTheHiddenOnesBetweenThem) {
@@ -389,17 +389,17 @@ TEST_F(GridEditingTest, BuildingASelectionMayPassEveryRowWithoutAMessage) {
 TEST_F(GridEditingTest, RowsInPiecesAreInsertedAboveAndDeletedEachForItself) {
     UseRows(5);
     editing_.DeleteRows(std::vector<RowRun>{{2, 2}, {5, 5}});
-    EXPECT_EQ(state_.rowCount, 3);
+    EXPECT_EQ(state_.open.RowCount(), 3);
     for (const auto& [row, text] : {std::pair{1, "1"}, {2, "3"}, {3, "4"}})
         EXPECT_EQ(Text(row, 1), text);
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 5);
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_EQ(state_.open.RowCount(), 5);
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
     editing_.InsertRows(std::vector<RowRun>{{2, 2}, {4, 5}});
     const Texts expected{"1", "", "2", "3", "", "", "4", "5"};
     for (int row = 1; row <= 8; ++row)
         EXPECT_EQ(Text(row, 1), expected[static_cast<std::size_t>(row - 1)]);
-    EXPECT_EQ(state_.rowCount, 8);
+    EXPECT_EQ(state_.open.RowCount(), 8);
 }
 
 TEST_F(GridEditingTest, InsertingNeedsARowInUseAndAnActiveRow) {
@@ -407,7 +407,7 @@ TEST_F(GridEditingTest, InsertingNeedsARowInUseAndAnActiveRow) {
     UseRows(2);
     editing_.InsertRow();  // no active row yet
     EXPECT_EQ(Grid().RowTotal(), 100);
-    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(state_.open.RowCount(), 2);
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
@@ -416,8 +416,8 @@ TEST_F(GridEditingTest, InsertingWithinTheRowsInUseMovesThemDown) {
     Grid().SetActiveCell({2, 3});
     GridDiary diary(Grid());
     editing_.InsertRow();
-    EXPECT_EQ(state_.rowCount, 3);
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_EQ(state_.open.RowCount(), 3);
+    EXPECT_TRUE(state_.open.IsDirty());
     EXPECT_EQ(Grid().RowTotal(), 101);
     EXPECT_EQ(Text(1, 1), "1");
     EXPECT_TRUE(Grid().IsBlankRow(2));
@@ -429,12 +429,12 @@ TEST_F(GridEditingTest, InsertingAtTheFirstBlankRowChangesNeitherCountNorFlag) {
     UseRows(2);
     Grid().SetActiveCell({3, 1});
     editing_.InsertRow();
-    EXPECT_EQ(state_.rowCount, 2);
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_EQ(state_.open.RowCount(), 2);
+    EXPECT_FALSE(state_.open.IsDirty());
     EXPECT_EQ(Grid().RowTotal(), 101);
     editing_.Undo();
     EXPECT_EQ(Grid().RowTotal(), 100);
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
 }
 
 TEST_F(GridEditingTest, InsertingTwoRowsBelowTheLastIsRefusedWithTheGapMessage) {
@@ -443,16 +443,16 @@ TEST_F(GridEditingTest, InsertingTwoRowsBelowTheLastIsRefusedWithTheGapMessage) 
     editing_.InsertRow();
     ExpectMessage(kGap);
     EXPECT_EQ(Grid().RowTotal(), 100);
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
 }
 
 TEST_F(GridEditingTest, SeveralRowsAreInsertedAsOneStep) {
     UseRows(2);
     editing_.InsertRows(1, 3);
-    EXPECT_EQ(state_.rowCount, 5);
+    EXPECT_EQ(state_.open.RowCount(), 5);
     EXPECT_EQ(Text(4, 1), "1");
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(state_.open.RowCount(), 2);
     EXPECT_EQ(Text(1, 1), "1");
     EXPECT_EQ(Grid().RowTotal(), 100);
 }
@@ -463,8 +463,8 @@ TEST_F(GridEditingTest, DeletingTakesTheActiveRowAway) {
     UseRows(3);
     Grid().SetActiveCell({2, 4});
     editing_.DeleteRow();
-    EXPECT_EQ(state_.rowCount, 2);
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_EQ(state_.open.RowCount(), 2);
+    EXPECT_TRUE(state_.open.IsDirty());
     EXPECT_EQ(Grid().RowTotal(), 99);
     EXPECT_EQ(Text(2, 1), "3");
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, 4}));
@@ -477,8 +477,8 @@ TEST_F(GridEditingTest, DeletingOutsideTheRowsInUseDoesNothing) {
     Grid().SetActiveCell({3, 1});
     editing_.DeleteRow();
     EXPECT_EQ(Grid().RowTotal(), 100);
-    EXPECT_EQ(state_.rowCount, 2);
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_EQ(state_.open.RowCount(), 2);
+    EXPECT_FALSE(state_.open.IsDirty());
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
@@ -491,18 +491,18 @@ TEST_F(GridEditingTest, DeletingWithExactlyTwoRowsIsRefusedWhateverTheRowCount) 
         editing_.DeleteRow();
         ExpectMessage(kTwoRows);
         EXPECT_EQ(Grid().RowTotal(), 2);
-        EXPECT_EQ(state_.rowCount, used);
-        EXPECT_FALSE(state_.dirty);
+        EXPECT_EQ(state_.open.RowCount(), used);
+        EXPECT_FALSE(state_.open.IsDirty());
     }
 }
 
 TEST_F(GridEditingTest, SeveralRowsAreDeletedAsOneStepAndTwoRowsRemain) {
     UseRows(5);
     editing_.DeleteRows(2, 3);
-    EXPECT_EQ(state_.rowCount, 2);
+    EXPECT_EQ(state_.open.RowCount(), 2);
     EXPECT_EQ(Text(2, 1), "5");
     editing_.Undo();
-    EXPECT_EQ(state_.rowCount, 5);
+    EXPECT_EQ(state_.open.RowCount(), 5);
     for (int row = 1; row <= 5; ++row)
         EXPECT_EQ(Text(row, 1), std::to_string(row));
     Grid().SetRowTotal(5);
@@ -514,7 +514,7 @@ TEST_F(GridEditingTest, SeveralRowsAreDeletedAsOneStepAndTwoRowsRemain) {
 TEST_F(GridEditingTest, DeletingMoreThanIsInUseTakesTheRowsInUseOnly) {
     UseRows(3);
     editing_.DeleteRows(2, 50);
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
     EXPECT_EQ(Grid().RowTotal(), 98);
 }
 

@@ -157,8 +157,7 @@ class GridTest : public testing::Test {
         entry::PresetPropsString("UserID=16394;");
         entry::SetCurrentUserId("16394");
         state_.userId = "16394";
-        state_.templateId = "5";
-        state_.templateName = "自定义模板(1)";
+        state_.open.Become("5", "自定义模板(1)");
         state_.hasRight = true;
     }
     ~GridTest() override {
@@ -174,9 +173,9 @@ class GridTest : public testing::Test {
     void UseRows(int rows) {
         for (int row = 1; row <= rows; ++row)
             Grid().SetText(row, column::kNo, std::to_string(row));
-        state_.rowCount = rows;
-        state_.dirty = false;
-        state_.journal.Drop();
+        state_.open.TakeRows(rows);
+        state_.open.Settle();
+        state_.open.Journal().Drop();
     }
     // The questions put to the account set about a table.
     int Questions(const std::string& part) const {

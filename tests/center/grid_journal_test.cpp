@@ -18,7 +18,7 @@ class UndoTest : public GridTest {
     // Everything that a save or a repaint would see.
     Texts Snapshot() {
         Texts all;
-        for (int row = 1; row <= state_.rowCount; ++row) {
+        for (int row = 1; row <= state_.open.RowCount(); ++row) {
             std::string line;
             for (int c = 1; c <= kColumnCount; ++c)
                 line += Text(row, c) + (Color(row, c) == color::kRed ? "!" : "") + "|";
@@ -34,12 +34,12 @@ class UndoTest : public GridTest {
 }  // namespace
 
 TEST_F(UndoTest, NothingHappenedNothingToUndo) {
-    EXPECT_FALSE(state_.journal.CanUndo());
-    EXPECT_FALSE(state_.journal.CanRedo());
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
+    EXPECT_FALSE(state_.open.Journal().CanRedo());
     editing_.Undo();
     editing_.Redo();
-    EXPECT_EQ(state_.rowCount, 0);
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_EQ(state_.open.RowCount(), 0);
+    EXPECT_FALSE(state_.open.IsDirty());
 }
 
 TEST_F(UndoTest, TypingAndItsResolutionAreOneStep) {
@@ -47,13 +47,13 @@ TEST_F(UndoTest, TypingAndItsResolutionAreOneStep) {
     EXPECT_EQ(Text(1, 6), "库存现金");
     editing_.Undo();
     EXPECT_TRUE(Grid().IsBlankRow(1));
-    EXPECT_EQ(state_.rowCount, 0);
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_EQ(state_.open.RowCount(), 0);
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
     editing_.Redo();
     EXPECT_EQ(Text(1, 4), "1");
     EXPECT_EQ(Text(1, 5), "1001");
     EXPECT_EQ(Text(1, 6), "库存现金");
-    EXPECT_EQ(state_.rowCount, 1);
+    EXPECT_EQ(state_.open.RowCount(), 1);
 }
 
 TEST_F(UndoTest, StepsAreTakenBackOneByOneAndRepeatedInTheirOrder) {
@@ -75,26 +75,26 @@ TEST_F(UndoTest, StepsAreTakenBackOneByOneAndRepeatedInTheirOrder) {
         blocks_.DuplicateRow();
     });
     for (std::size_t i = seen.size() - 1; i-- > 0;) {
-        ASSERT_TRUE(state_.journal.CanUndo()) << i;
+        ASSERT_TRUE(state_.open.Journal().CanUndo()) << i;
         editing_.Undo();
         EXPECT_EQ(Snapshot(), seen[i]) << i;
     }
-    EXPECT_FALSE(state_.journal.CanUndo());
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
     for (std::size_t i = 1; i < seen.size(); ++i) {
-        ASSERT_TRUE(state_.journal.CanRedo()) << i;
+        ASSERT_TRUE(state_.open.Journal().CanRedo()) << i;
         editing_.Redo();
         EXPECT_EQ(Snapshot(), seen[i]) << i;
     }
-    EXPECT_FALSE(state_.journal.CanRedo());
+    EXPECT_FALSE(state_.open.Journal().CanRedo());
 }
 
 TEST_F(UndoTest, ANewChangeEndsWhatCouldBeRepeated) {
     Type(1, 2, "a");
     Type(1, 2, "b");
     editing_.Undo();
-    EXPECT_TRUE(state_.journal.CanRedo());
+    EXPECT_TRUE(state_.open.Journal().CanRedo());
     Type(1, 21, "c");
-    EXPECT_FALSE(state_.journal.CanRedo());
+    EXPECT_FALSE(state_.open.Journal().CanRedo());
     editing_.Undo();
     EXPECT_EQ(Text(1, 2), "a");
     EXPECT_EQ(Text(1, 21), "");
@@ -106,43 +106,43 @@ TEST_F(UndoTest, BackWhereItWasReadTheTemplateIsUnmodified) {
     Type(2, 2, "b");
     editing_.DeleteRows(1, 1);
     editing_.Undo();
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
     editing_.Undo();
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
     editing_.Undo();
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
     editing_.Redo();
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
     editing_.Undo();
-    EXPECT_FALSE(state_.dirty);
+    EXPECT_FALSE(state_.open.IsDirty());
     Type(1, 2, "c");
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
 }
 
 TEST_F(UndoTest, WhatWasModifiedBeforeTheFirstStepStaysModified) {
     UseRows(1);
-    state_.dirty = true;  // as a look-up leaves it that was cancelled
+    state_.open.Touch();  // as a look-up leaves it that was cancelled
     Type(1, 2, "a");
     editing_.Undo();
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
 }
 
 TEST_F(UndoTest, MoreStepsThanAreKeptLeadToNothingUnmodified) {
     UseRows(1);
     for (std::size_t i = 0; i <= GridJournal::kMostSteps; ++i)
         Type(1, 2, "a" + std::to_string(i));
-    while (state_.journal.CanUndo())
+    while (state_.open.Journal().CanUndo())
         editing_.Undo();
     EXPECT_EQ(Text(1, 2), "a0");
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
 }
 
 TEST_F(UndoTest, TakingAChangeBackIsAChangeToo) {
     UseRows(1);
     Type(1, 2, "a");
-    state_.dirty = false;  // saved meanwhile by other means
+    state_.open.Settle();  // saved meanwhile by other means
     editing_.Undo();
-    EXPECT_TRUE(state_.dirty);
+    EXPECT_TRUE(state_.open.IsDirty());
 }
 
 TEST_F(UndoTest, TheCursorGoesBackToWhereTheChangeWasMade) {
@@ -179,7 +179,7 @@ TEST_F(UndoTest, ATextThatAColumnWouldRefuseComesBackAllTheSame) {
     std::array<std::string, kColumnCount> line;
     line[0] = "-5";
     Grid().FillRow(1, line);
-    state_.rowCount = 1;
+    state_.open.TakeRows(1);
     Type(1, 1, "7");
     editing_.Undo();
     EXPECT_EQ(Text(1, 1), "-5");
@@ -195,7 +195,7 @@ TEST_F(UndoTest, WhoMayNotChangeTemplatesUndoesNothing) {
 TEST_F(UndoTest, TheRecorderIsBackAfterwards) {
     Type(1, 2, "a");
     editing_.Undo();
-    EXPECT_EQ(Grid().Recorder(), &editing_);
+    EXPECT_EQ(Grid().Recorder(), &state_.open);
     EXPECT_TRUE(Grid().ReDraw());
 }
 
@@ -203,8 +203,8 @@ TEST_F(UndoTest, OnlySoManyStepsAreKept) {
     for (std::size_t i = 0; i <= GridJournal::kMostSteps; ++i)
         editing_.CommitText({1, 2}, "text " + std::to_string(i));
     std::size_t steps = 0;
-    for (; state_.journal.CanUndo(); ++steps)
-        state_.journal.Undo();
+    for (; state_.open.Journal().CanUndo(); ++steps)
+        state_.open.Journal().Undo();
     EXPECT_EQ(steps, GridJournal::kMostSteps);
     EXPECT_EQ(Text(1, 2), "text 0");
 }
@@ -213,16 +213,16 @@ TEST_F(UndoTest, DroppingForgetsBothWays) {
     Type(1, 2, "a");
     Type(1, 2, "b");
     editing_.Undo();
-    state_.journal.Drop();
-    EXPECT_FALSE(state_.journal.CanUndo());
-    EXPECT_FALSE(state_.journal.CanRedo());
+    state_.open.Journal().Drop();
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
+    EXPECT_FALSE(state_.open.Journal().CanRedo());
 }
 
 TEST_F(UndoTest, UndoingOneCellOfManyRowsAsksAboutThatRowOnly) {
     for (int row = 1; row <= 50; ++row)
         Grid().SetText(row, 5, "9" + std::to_string(row));
-    state_.rowCount = 50;
-    state_.journal.Drop();
+    state_.open.TakeRows(50);
+    state_.open.Journal().Drop();
     Type(7, 5, "1001");
     set_.Forget();
     editing_.Undo();

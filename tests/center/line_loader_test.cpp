@@ -180,10 +180,10 @@ TEST_F(LineLoaderTest, LoadingIsNoChangeAndIsToldToTheWindowAtTheEnd) {
     const GridEditing editing(state_);
     GridDiary diary(Grid());
     Load({Line(), Line()});
-    EXPECT_FALSE(state_.dirty);
-    EXPECT_EQ(state_.rowCount, 0);
-    EXPECT_FALSE(state_.journal.CanUndo());
-    EXPECT_EQ(Grid().Recorder(), &editing);
+    EXPECT_FALSE(state_.open.IsDirty());
+    EXPECT_EQ(state_.open.RowCount(), 0);
+    EXPECT_FALSE(state_.open.Journal().CanUndo());
+    EXPECT_EQ(Grid().Recorder(), &state_.open);
     EXPECT_TRUE(Grid().ReDraw());
     EXPECT_THAT(diary.Take(), testing::ElementsAre("texts 1,1..2,21"));
 }

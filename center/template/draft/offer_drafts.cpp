@@ -8,16 +8,16 @@ using system::MessageButtons;
 using system::MessageResult;
 
 void WindowParts::OfferDraftOfOpenTemplate() {
-    if (!offersDrafts || !editing.CanEdit() || !state.IsOpen() || state.dirty) return;
+    if (!offersDrafts || !editing.CanEdit() || !state.open.IsOpen() || state.open.IsDirty()) return;
     for (const FoundDraft& found : drafts.LeftBehind()) {
-        if (found.draft.templateId != state.templateId) continue;
+        if (found.draft.templateId != state.open.Id()) continue;
         OfferDraft(found);
         return;
     }
 }
 
 void WindowParts::OfferNewestDraft() {
-    if (!offersDrafts || !editing.CanEdit() || state.dirty) return;
+    if (!offersDrafts || !editing.CanEdit() || state.open.IsDirty()) return;
     const std::vector<FoundDraft> left = drafts.LeftBehind();
     if (!left.empty()) OfferDraft(left.front());
 }
@@ -37,13 +37,13 @@ void WindowParts::OfferDraft(const FoundDraft& found) {
     kept.Take(draft.lines);
     kept.PutAsTyped();
     // What was typed was typed upon what the template held then: a save finds out whether it still does.
-    if (!key.empty()) state.loaded = draft.loaded;
+    if (!key.empty()) state.open.TypedUpon(draft.loaded);
     drafts.Adopt(found);
     RefreshSurroundings();
 }
 
 void WindowParts::DropDraftIfUnmodified() {
-    if (state.IsOpen() && !state.dirty) drafts.Drop();
+    if (state.open.IsOpen() && !state.open.IsDirty()) drafts.Drop();
 }
 
 bool WindowParts::OpenTemplateOf(const Draft& draft, const std::string& key) {
@@ -52,11 +52,11 @@ bool WindowParts::OpenTemplateOf(const Draft& draft, const std::string& key) {
         if (!node) return false;
         tree.ReadAgain(node->key.substr(kTemplateKeyHead.size()));
         state.Enable({Tool::Del, Tool::Save, Tool::Exp}, true);
-    } else if (state.templateId != draft.templateId) {
+    } else if (state.open.Id() != draft.templateId) {
         tree.NodeClick(key);
-        if (state.templateId != draft.templateId) return false;
+        if (state.open.Id() != draft.templateId) return false;
     }
-    return state.linesKnown;
+    return state.open.LinesKnown();
 }
 
 }  // namespace vicenter::center

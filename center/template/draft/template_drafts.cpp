@@ -9,13 +9,14 @@ void TemplateDrafts::Changed() {
 
 bool TemplateDrafts::Keep() {
     // Lines that could not be read are not to be replaced by the few that were typed among them.
-    if (!unwritten_ || !state_.IsOpen() || !state_.dirty || !state_.linesKnown) return true;
+    if (!unwritten_ || !state_.open.IsOpen() || !state_.open.IsDirty() || !state_.open.LinesKnown())
+        return true;
     Draft draft;
     draft.userId = state_.userId;
-    draft.templateId = state_.templateId;
-    draft.templateName = state_.templateName;
-    draft.loaded = state_.loaded;
-    draft.lines = kept_.IsPending() ? kept_.Lines() : LinesOfRows(*state_.grid, state_.rowCount);
+    draft.templateId = state_.open.Id();
+    draft.templateName = state_.open.Name();
+    draft.loaded = state_.open.Loaded();
+    draft.lines = kept_.IsPending() ? kept_.Lines() : LinesOfRows(*state_.grid, state_.open.RowCount());
     unwritten_ = !store_.Write(std::move(draft));
     return !unwritten_;
 }
@@ -27,7 +28,7 @@ void TemplateDrafts::Drop() {
 
 void TemplateDrafts::Leaving() {
     if (held_) return;
-    if (kept_.IsPending() && state_.dirty && !declined_) {
+    if (kept_.IsPending() && state_.open.IsDirty() && !declined_) {
         Keep();
         store_.Release();
     } else {
