@@ -1,13 +1,14 @@
 #include "host/window/open_window.h"
 
+#include <QApplication>
 #include <filesystem>
 #include <system_error>
 
 #include "automation/class_registry.h"
 #include "automation/error.h"
-#include "host/components/look_up_dialog.h"
+#include "host/window/look_up_window.h"
+#include "host/window/offscreen_session.h"
 #include "platform/system/files.h"
-#include "ui/dialogs/look_up_dialog.h"
 #include "ui/run/display.h"
 #include "ui/run/run_window.h"
 #include "ui/window/center_commands.h"
@@ -18,8 +19,15 @@ using automation::Error;
 
 namespace {
 
+QtMessageHandler defaultHandler = nullptr;
+
+// Without a window manager the platform notes at every window that it cannot pass hints on.
+void LeaveOutPlatformNotes(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (!text.startsWith(QLatin1String("This plugin does not support"))) defaultHandler(type, context, text);
+}
+
 ui::WindowRun Run() {
-    LookUpDialog::SetProcess(std::make_shared<ui::QtLookUpDialog>());
+    LookUpDialog::SetProcess(std::make_shared<QtLookUpDialog>());
     ui::WindowRun run;
     run.commands = std::make_shared<ui::CenterCommands>();
     run.open = [] { automation::CreateObject("VelaVICenter.aplication")->Call("ShowVICenter"); };
@@ -40,7 +48,15 @@ int DriveWindow(int argc, char** argv, const std::string& folder, std::ostream& 
     std::error_code failed;
     std::filesystem::create_directories(system::PathFromUtf8(folder), failed);
     if (failed) throw Error(automation::error_number::kPathNotFound, failed.message() + "：" + folder);
-    return ui::RunOffscreenSession(argc, argv, Run(), folder, out);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    defaultHandler = qInstallMessageHandler(LeaveOutPlatformNotes);
+    ui::WindowRun run = Run();
+    run.drive = [&] {
+        QApplication::setQuitOnLastWindowClosed(false);
+        OffscreenSession session(run.open, folder, out);
+        return session.Run() ? 0 : 1;
+    };
+    return ui::RunWindow(argc, argv, run);
 }
 
 }  // namespace vicenter::host

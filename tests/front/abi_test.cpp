@@ -1,11 +1,16 @@
 // What hosts were compiled against stays as it is: exported symbols, their version, sizes and numbers.
 
+#include <array>
 #include <cstddef>
 #include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <memory>
+#include <regex>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -36,14 +41,24 @@ static_assert(VIC_GET == 0 && VIC_PUT == 1 && VIC_CALL == 2);
 static_assert(VIC_ERROR_WRONG_THREAD == static_cast<int>(0x8001010E));
 static_assert(VIC_MISSING == static_cast<int>(0x80020004));
 
+// What a command prints, line by line.
+std::vector<std::string> LinesOf(const std::string& command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::vector<std::string> lines;
+    std::array<char, 4096> piece{};
+    std::string text;
+    while (pipe && std::fgets(piece.data(), piece.size(), pipe.get()) != nullptr) {
+        text += piece.data();
+        if (text.back() != '\n') continue;
+        lines.push_back(std::exchange(text, {}));
+    }
+    return lines;
+}
+
 // "name@@VERSION" of every symbol that the library defines for others.
 std::set<std::string> ExportedSymbols() {
-    const std::string command = "nm -D --defined-only --with-symbol-versions '" VICENTER_LIBRARY "'";
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     std::set<std::string> symbols;
-    char line[512];
-    while (pipe && std::fgets(line, sizeof line, pipe.get()) != nullptr) {
-        std::string text(line);
+    for (std::string text : LinesOf("nm -D --defined-only --with-symbol-versions '" VICENTER_LIBRARY "'")) {
         while (!text.empty() && (text.back() == '\n' || text.back() == ' '))
             text.pop_back();
         const std::string kind = text.size() > 18 ? text.substr(17, 1) : "";
@@ -61,6 +76,35 @@ TEST(Abi, ExportsExactlyTheSymbolsOnRecord) {
     }
     ASSERT_FALSE(recorded.empty());
     EXPECT_EQ(ExportedSymbols(), recorded);
+}
+
+#if VICENTER_FRONT_HAS_WINDOWS
+TEST(Abi, HoldsTheComponentAndNothingOfTheReferenceHost) {
+    int component = 0;
+    int windows = 0;
+    for (const std::string& symbol : LinesOf("nm --demangle '" VICENTER_LIBRARY "'")) {
+        component += symbol.find("vicenter::center::") != std::string::npos ? 1 : 0;
+        windows += symbol.find("vicenter::ui::") != std::string::npos ? 1 : 0;
+        EXPECT_EQ(symbol.find("vicenter::host::"), std::string::npos) << symbol;
+    }
+    EXPECT_GT(component, 100);
+    EXPECT_GT(windows, 100);
+}
+#endif
+
+// A foreign host brings its own rights, logs and look-ups; without them the component must be told that there
+// are none, not find another host's.
+TEST(Abi, KnowsNoClassOfTheReferenceHost) {
+    std::ifstream file(vicenter::testing_paths::SourceFolder() / "host/components/register.cpp");
+    const std::string source{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const std::regex entry("\\{\"([A-Za-z0-9_.]+)\", Make");
+    int classes = 0;
+    for (std::sregex_iterator at(source.begin(), source.end(), entry), end; at != end; ++at, ++classes) {
+        vic_object* object = nullptr;
+        EXPECT_EQ(vic_create((*at)[1].str().c_str(), &object), 429) << (*at)[1];
+        vic_release(object);
+    }
+    EXPECT_GE(classes, 13);
 }
 
 TEST(Abi, TellsItsVersions) {

@@ -9,9 +9,8 @@
 #include <QTimer>
 #include <QTreeWidget>
 
-#include "host/components/look_up_dialog.h"
+#include "host/window/look_up_window.h"
 #include "tests/ui/demo_set_fixture.h"
-#include "ui/dialogs/look_up_dialog.h"
 #include "ui/window/center_commands.h"
 
 namespace vicenter::ui {
@@ -37,7 +36,7 @@ QStringList CutOff(const QWidget& root) {
 class PicturesTest : public DemoSetTest {
   protected:
     PicturesTest() {
-        host::LookUpDialog::SetProcess(std::make_shared<QtLookUpDialog>());
+        host::LookUpDialog::SetProcess(std::make_shared<host::QtLookUpDialog>());
         entry::WindowFactory::SetProcess(
             std::make_shared<QtWindowFactory>(std::make_shared<CenterCommands>()));
     }

@@ -3,7 +3,6 @@
 #include <QApplication>
 
 #include "ui/run/application.h"
-#include "ui/run/offscreen_session.h"
 #include "ui/run/qt_surroundings.h"
 #include "ui/window/window_factory.h"
 
@@ -26,13 +25,6 @@ class FactoryScope {
     std::shared_ptr<entry::WindowFactory> before_;
 };
 
-QtMessageHandler defaultHandler = nullptr;
-
-// Without a window manager the platform notes at every window that it cannot pass hints on.
-void LeaveOutPlatformNotes(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    if (!text.startsWith(QLatin1String("This plugin does not support"))) defaultHandler(type, context, text);
-}
-
 void CloseAll() {
     for (QWidget* window : QApplication::topLevelWidgets())
         window->close();
@@ -47,25 +39,12 @@ int RunWindow(int argc, char** argv, const WindowRun& run) {
     const system::SurroundingsScope surroundings(QtSurroundings(system::Surroundings::Current()));
     const FactoryScope factory(std::make_shared<QtWindowFactory>(run.commands));
     if (run.prepare) run.prepare();
-    run.open();
-    const int code = QApplication::exec();
-    CloseAll();
-    return code;
-}
-
-int RunOffscreenSession(int argc, char** argv, const WindowRun& run, const std::string& folder,
-                        std::ostream& out) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    defaultHandler = qInstallMessageHandler(LeaveOutPlatformNotes);
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    SetUpApplication(application);
-    const FactoryScope factory(std::make_shared<QtWindowFactory>(run.commands));
-    if (run.prepare) run.prepare();
     int code = 0;
-    {
-        OffscreenSession session(run.open, folder, out);
-        code = session.Run() ? 0 : 1;
+    if (run.drive) {
+        code = run.drive();
+    } else {
+        run.open();
+        code = QApplication::exec();
     }
     CloseAll();
     return code;

@@ -5,9 +5,7 @@
 // thread.
 
 #include <functional>
-#include <iosfwd>
 #include <memory>
-#include <string>
 
 #include "center/frame/template_commands.h"
 
@@ -20,15 +18,11 @@ struct WindowRun {
     std::shared_ptr<center::TemplateCommands> commands;
     // Called once the application is there and before the first window, for whatever needs one.
     std::function<void()> prepare;
+    // In place of opening a window and waiting for the user: does both, and returns the exit code.
+    std::function<int()> drive;
 };
 
 // Opens the window and runs until the last one is closed. Returns the exit code. Throws what opening throws.
 int RunWindow(int argc, char** argv, const WindowRun& run);
-
-// The same window without a display: drives it through its main job by key and mouse events (select a
-// template, edit lines, save, reload), writes pictures into `folder` and tells on `out` what it did, step by
-// step. Returns 0 when every step did what it should.
-int RunOffscreenSession(int argc, char** argv, const WindowRun& run, const std::string& folder,
-                        std::ostream& out);
 
 }  // namespace vicenter::ui

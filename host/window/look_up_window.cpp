@@ -1,4 +1,4 @@
-#include "ui/dialogs/look_up_dialog.h"
+#include "host/window/look_up_window.h"
 
 #include <QApplication>
 #include <QHeaderView>
@@ -12,7 +12,12 @@
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
 
-namespace vicenter::ui {
+namespace vicenter::host {
+
+using ui::FromQt;
+using ui::Guarded;
+using ui::SingleLine;
+using ui::ToQt;
 
 namespace {
 
@@ -24,7 +29,7 @@ constexpr int kRecordRole = Qt::UserRole;
 
 }  // namespace
 
-LookUpDialog::LookUpDialog(const host::LookUpRequest& request, QWidget* parent)
+LookUpWindow::LookUpWindow(const LookUpRequest& request, QWidget* parent)
     : QDialog(parent),
       request_(request),
       filter_(request.records),
@@ -77,12 +82,12 @@ LookUpDialog::LookUpDialog(const host::LookUpRequest& request, QWidget* parent)
     RefreshTake();
 }
 
-void LookUpDialog::AddRecords() {
+void LookUpWindow::AddRecords() {
     std::vector<QTreeWidgetItem*> path;  // the item and its parents, by level
     QList<QTreeWidgetItem*> tops;
     items_.reserve(request_.records.size());
     for (std::size_t i = 0; i < request_.records.size(); ++i) {
-        const host::LookUpRecord& record = request_.records[i];
+        const LookUpRecord& record = request_.records[i];
         const auto level = request_.tree ? static_cast<std::size_t>(std::max(0, record.level)) : 0;
         path.resize(std::min(path.size(), level));
         auto* item = path.empty() ? new QTreeWidgetItem : new QTreeWidgetItem(path.back());
@@ -94,7 +99,7 @@ void LookUpDialog::AddRecords() {
         item->setData(0, kRecordRole, static_cast<qulonglong>(i));
         if (!record.selectable) {
             for (int c = 0; c < list_->columnCount(); ++c)
-                item->setForeground(c, colors::kFaintInk);
+                item->setForeground(c, ui::colors::kFaintInk);
         }
         path.push_back(item);
         items_.push_back(item);
@@ -103,10 +108,10 @@ void LookUpDialog::AddRecords() {
     list_->expandAll();
 }
 
-void LookUpDialog::Narrow(const QString& text) {
+void LookUpWindow::Narrow(const QString& text) {
     const std::string wanted = FromQt(text);
     std::vector<bool> shown(items_.size());
-    for (const host::LookUpFilter::Shown& entry : filter_.Narrow(wanted))
+    for (const LookUpFilter::Shown& entry : filter_.Narrow(wanted))
         shown[entry.record] = true;
     list_->setUpdatesEnabled(false);
     for (std::size_t i = 0; i < items_.size(); ++i)
@@ -116,29 +121,29 @@ void LookUpDialog::Narrow(const QString& text) {
     RefreshTake();
 }
 
-void LookUpDialog::SetCurrent(std::optional<std::size_t> record) {
+void LookUpWindow::SetCurrent(std::optional<std::size_t> record) {
     list_->setCurrentItem(record && *record < items_.size() ? items_[*record] : nullptr);
     if (list_->currentItem() != nullptr) list_->scrollToItem(list_->currentItem());
 }
 
-std::optional<std::size_t> LookUpDialog::Current() const {
+std::optional<std::size_t> LookUpWindow::Current() const {
     const QTreeWidgetItem* item = list_->currentItem();
     if (item == nullptr || item->isHidden()) return std::nullopt;
     const auto record = static_cast<std::size_t>(item->data(0, kRecordRole).toULongLong());
     return request_.records[record].selectable ? std::optional(record) : std::nullopt;
 }
 
-void LookUpDialog::RefreshTake() {
+void LookUpWindow::RefreshTake() {
     take_->setEnabled(Current().has_value());
 }
 
-void LookUpDialog::Take() {
+void LookUpWindow::Take() {
     chosen_ = Current();
     if (chosen_) accept();
 }
 
 // The arrows move in the list while the filter box keeps the focus.
-bool LookUpDialog::eventFilter(QObject* watched, QEvent* event) {
+bool LookUpWindow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == text_ && event->type() == QEvent::KeyPress) {
         switch (static_cast<QKeyEvent*>(event)->key()) {
             case Qt::Key_Up:
@@ -158,9 +163,9 @@ bool LookUpDialog::eventFilter(QObject* watched, QEvent* event) {
     return QDialog::eventFilter(watched, event);
 }
 
-std::optional<std::size_t> QtLookUpDialog::Choose(const host::LookUpRequest& request) {
-    ui::LookUpDialog dialog(request, QApplication::activeWindow());
+std::optional<std::size_t> QtLookUpDialog::Choose(const LookUpRequest& request) {
+    LookUpWindow dialog(request, QApplication::activeWindow());
     return dialog.exec() == QDialog::Accepted ? dialog.Chosen() : std::nullopt;
 }
 
-}  // namespace vicenter::ui
+}  // namespace vicenter::host

@@ -1,4 +1,4 @@
-#include "ui/dialogs/look_up_dialog.h"
+#include "host/window/look_up_window.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -7,12 +7,12 @@
 
 #include <gtest/gtest.h>
 
-namespace vicenter::ui {
+namespace vicenter::host {
 namespace {
 
-class LookUpDialogTest : public ::testing::Test {
+class LookUpWindowTest : public ::testing::Test {
   protected:
-    LookUpDialogTest() {
+    LookUpWindowTest() {
         request_.title = "会计科目";
         request_.headers = {"代码", "名称", "余额方向", "核算项目"};
         request_.tree = true;
@@ -21,17 +21,17 @@ class LookUpDialogTest : public ::testing::Test {
                             {"1002.01", "工商银行", {"借", ""}, 1, true},
                             {"1122", "应收账款", {"借", "客户"}, 0, true}};
     }
-    static QLineEdit* Filter(LookUpDialog& dialog) { return dialog.findChild<QLineEdit*>("txtFilter"); }
-    static QTreeWidget* List(LookUpDialog& dialog) { return dialog.findChild<QTreeWidget*>("lstRecords"); }
-    static QString Current(LookUpDialog& dialog) {
+    static QLineEdit* Filter(LookUpWindow& dialog) { return dialog.findChild<QLineEdit*>("txtFilter"); }
+    static QTreeWidget* List(LookUpWindow& dialog) { return dialog.findChild<QTreeWidget*>("lstRecords"); }
+    static QString Current(LookUpWindow& dialog) {
         const QTreeWidgetItem* item = List(dialog)->currentItem();
         return item == nullptr ? QString() : item->text(0);
     }
-    host::LookUpRequest request_;
+    LookUpRequest request_;
 };
 
-TEST_F(LookUpDialogTest, ShowsAccountsAsATreeWithTheirFurtherColumns) {
-    LookUpDialog dialog(request_);
+TEST_F(LookUpWindowTest, ShowsAccountsAsATreeWithTheirFurtherColumns) {
+    LookUpWindow dialog(request_);
     EXPECT_EQ(dialog.windowTitle(), "会计科目");
     EXPECT_EQ(List(dialog)->topLevelItemCount(), 3);
     EXPECT_EQ(List(dialog)->topLevelItem(1)->child(0)->text(1), "工商银行");
@@ -39,8 +39,8 @@ TEST_F(LookUpDialogTest, ShowsAccountsAsATreeWithTheirFurtherColumns) {
     EXPECT_EQ(List(dialog)->headerItem()->text(2), "余额方向");
 }
 
-TEST_F(LookUpDialogTest, TypingNarrowsAndEnterTakesTheFirstThatFits) {
-    LookUpDialog dialog(request_);
+TEST_F(LookUpWindowTest, TypingNarrowsAndEnterTakesTheFirstThatFits) {
+    LookUpWindow dialog(request_);
     dialog.show();
     QTest::keyClicks(Filter(dialog), "gsyh");
     EXPECT_TRUE(List(dialog)->topLevelItem(0)->isHidden());
@@ -51,8 +51,8 @@ TEST_F(LookUpDialogTest, TypingNarrowsAndEnterTakesTheFirstThatFits) {
     EXPECT_EQ(dialog.Chosen(), std::optional<std::size_t>(2));
 }
 
-TEST_F(LookUpDialogTest, ACopiedCodeFiltersWithoutItsLineEnd) {
-    LookUpDialog dialog(request_);
+TEST_F(LookUpWindowTest, ACopiedCodeFiltersWithoutItsLineEnd) {
+    LookUpWindow dialog(request_);
     dialog.show();
     QApplication::clipboard()->setText("1122\r\n");
     Filter(dialog)->paste();
@@ -60,8 +60,8 @@ TEST_F(LookUpDialogTest, ACopiedCodeFiltersWithoutItsLineEnd) {
     EXPECT_EQ(Current(dialog), "1122");
 }
 
-TEST_F(LookUpDialogTest, ArrowsMoveWhileTheFilterBoxKeepsTheFocus) {
-    LookUpDialog dialog(request_);
+TEST_F(LookUpWindowTest, ArrowsMoveWhileTheFilterBoxKeepsTheFocus) {
+    LookUpWindow dialog(request_);
     dialog.show();
     EXPECT_EQ(Current(dialog), "1001");
     QTest::keyClick(Filter(dialog), Qt::Key_Down);
@@ -74,8 +74,8 @@ TEST_F(LookUpDialogTest, ArrowsMoveWhileTheFilterBoxKeepsTheFocus) {
     EXPECT_EQ(dialog.Chosen(), std::optional<std::size_t>(2));
 }
 
-TEST_F(LookUpDialogTest, EscCancels) {
-    LookUpDialog dialog(request_);
+TEST_F(LookUpWindowTest, EscCancels) {
+    LookUpWindow dialog(request_);
     dialog.show();
     QTest::keyClick(Filter(dialog), Qt::Key_Escape);
     EXPECT_EQ(dialog.result(), QDialog::Rejected);
@@ -83,14 +83,14 @@ TEST_F(LookUpDialogTest, EscCancels) {
     EXPECT_EQ(dialog.Chosen(), std::nullopt);
 }
 
-TEST_F(LookUpDialogTest, StartsAtTheSelectedRecord) {
+TEST_F(LookUpWindowTest, StartsAtTheSelectedRecord) {
     request_.selected = 3;
-    LookUpDialog dialog(request_);
+    LookUpWindow dialog(request_);
     EXPECT_EQ(Current(dialog), "1122");
 }
 
-TEST_F(LookUpDialogTest, NothingThatFitsLeavesNothingToTake) {
-    LookUpDialog dialog(request_);
+TEST_F(LookUpWindowTest, NothingThatFitsLeavesNothingToTake) {
+    LookUpWindow dialog(request_);
     dialog.show();
     QTest::keyClicks(Filter(dialog), "zzz");
     EXPECT_EQ(Current(dialog), "");
@@ -101,4 +101,4 @@ TEST_F(LookUpDialogTest, NothingThatFitsLeavesNothingToTake) {
 }
 
 }  // namespace
-}  // namespace vicenter::ui
+}  // namespace vicenter::host

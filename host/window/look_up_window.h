@@ -14,14 +14,14 @@
 
 #include "host/components/look_up_dialog.h"
 
-namespace vicenter::ui {
+namespace vicenter::host {
 
-class LookUpDialog : public QDialog {
+class LookUpWindow : public QDialog {
     Q_OBJECT
 
   public:
     // The request outlives the dialog.
-    explicit LookUpDialog(const host::LookUpRequest& request, QWidget* parent = nullptr);
+    explicit LookUpWindow(const LookUpRequest& request, QWidget* parent = nullptr);
     // The record that the dialog was closed with.
     std::optional<std::size_t> Chosen() const { return chosen_; }
 
@@ -37,8 +37,8 @@ class LookUpDialog : public QDialog {
     // The record under the cursor when it can be chosen.
     std::optional<std::size_t> Current() const;
 
-    const host::LookUpRequest& request_;
-    host::LookUpFilter filter_;
+    const LookUpRequest& request_;
+    LookUpFilter filter_;
     QLineEdit* text_;
     QTreeWidget* list_;
     QPushButton* take_;
@@ -46,9 +46,9 @@ class LookUpDialog : public QDialog {
     std::optional<std::size_t> chosen_;
 };
 
-class QtLookUpDialog : public host::LookUpDialog {
+class QtLookUpDialog : public LookUpDialog {
   public:
-    std::optional<std::size_t> Choose(const host::LookUpRequest& request) override;
+    std::optional<std::size_t> Choose(const LookUpRequest& request) override;
 };
 
-}  // namespace vicenter::ui
+}  // namespace vicenter::host

@@ -17,8 +17,10 @@
 class QWidget;
 
 namespace vicenter::ui {
-
 class VICenterWindow;
+}
+
+namespace vicenter::host {
 
 class OffscreenSession {
   public:
@@ -36,7 +38,7 @@ class OffscreenSession {
     // Of the window, or of a dialog over it.
     void Picture(const std::string& stem, QWidget* of = nullptr);
 
-    VICenterWindow* OpenWindow();
+    ui::VICenterWindow* OpenWindow();
     void Activate();
     void CloseWindow();
     void MakeTemplate();
@@ -59,11 +61,11 @@ class OffscreenSession {
     std::ostream& out_;
     std::shared_ptr<Boxes> boxes_;
     std::unique_ptr<system::SurroundingsScope> scope_;
-    VICenterWindow* window_ = nullptr;
+    ui::VICenterWindow* window_ = nullptr;
     std::string newKey_;
     std::string name_;
     int steps_ = 0;
     int failures_ = 0;
 };
 
-}  // namespace vicenter::ui
+}  // namespace vicenter::host

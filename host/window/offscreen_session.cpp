@@ -1,4 +1,4 @@
-#include "ui/run/offscreen_session.h"
+#include "host/window/offscreen_session.h"
 
 #include <QApplication>
 #include <QDir>
@@ -21,7 +21,13 @@
 #include "ui/run/qt_surroundings.h"
 #include "ui/window/vicenter_window.h"
 
-namespace vicenter::ui {
+namespace vicenter::host {
+
+using ui::FromQt;
+using ui::GridView;
+using ui::TemplateTree;
+using ui::ToQt;
+using ui::VICenterWindow;
 
 namespace {
 
@@ -77,7 +83,7 @@ class OffscreenSession::Boxes : public system::MessageBoxes {
 
 OffscreenSession::OffscreenSession(std::function<void()> open, std::string folder, std::ostream& out)
     : open_(std::move(open)), folder_(std::move(folder)), out_(out), boxes_(std::make_shared<Boxes>(out)) {
-    system::Surroundings surroundings = QtSurroundings(system::Surroundings::Current());
+    system::Surroundings surroundings = ui::QtSurroundings(system::Surroundings::Current());
     surroundings.messageBoxes = boxes_;
     surroundings.fileDialogs = system::Surroundings::OfSystem().fileDialogs;  // cancel
     scope_ = std::make_unique<system::SurroundingsScope>(std::move(surroundings));
@@ -368,4 +374,4 @@ bool OffscreenSession::Run() {
     return failures_ == 0;
 }
 
-}  // namespace vicenter::ui
+}  // namespace vicenter::host
