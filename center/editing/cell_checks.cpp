@@ -1,7 +1,11 @@
 #include "center/editing/cell_checks.h"
 
 #include <algorithm>
+#include <functional>
+#include <vector>
 
+#include "entry/host_context.h"
+#include "platform/ado/side_by_side.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 
@@ -73,24 +77,46 @@ void MarkOwnVerdict(EntryGrid& grid, const CellAddress& cell) {
     }
 }
 
-bool CellChecks::IsValid(const EntryGrid& grid, int row, int check) {
+bool CellChecks::Asks(const EntryGrid& grid, int row, int check) {
     const std::string_view subject = grid.Text(row, SubjectOf(check));
-    if (NeedsNoQuestion(check, subject)) return true;
-    const std::string_view account = grid.Text(row, column::kAccountNumber);
-
-    key_.assign(account);
+    if (NeedsNoQuestion(check, subject)) return false;
+    key_.assign(grid.Text(row, column::kAccountNumber));
     key_ += '\0';
     if (check != 1) key_ += subject;
+    return true;
+}
+
+bool CellChecks::Ask(const EntryGrid& grid, int row, int check) {
+    const auto text = [&](int c) { return std::string(grid.Text(row, c)); };
+    return store::clsVIData().CheckErrorCell(check, text(column::kAccountNumber), text(column::kSettleName),
+                                             text(column::kCurrencyName), text(column::kUnitName),
+                                             text(column::kItems));
+}
+
+bool CellChecks::IsValid(const EntryGrid& grid, int row, int check) {
+    if (!Asks(grid, row, check)) return true;
     auto& answers = answers_[static_cast<std::size_t>(check)];
     if (const auto known = answers.find(key_); known != answers.end()) return known->second;
-
-    store::clsVIData data;
-    const bool valid = data.CheckErrorCell(
-        check, std::string(account), std::string(grid.Text(row, column::kSettleName)),
-        std::string(grid.Text(row, column::kCurrencyName)), std::string(grid.Text(row, column::kUnitName)),
-        std::string(grid.Text(row, column::kItems)));
+    const bool valid = Ask(grid, row, check);
     answers.emplace(key_, valid);
     return valid;
+}
+
+void CellChecks::AskAhead(const EntryGrid& grid, int firstRow, int lastRow) {
+    const std::string propsString = entry::GetPropsString();
+    if (!ado::PaysToAskSideBySide(propsString)) return;
+    std::vector<std::function<void()>> questions;
+    for (int row = firstRow; row <= lastRow; ++row) {
+        for (int check = 1; check <= kCheckCount; ++check) {
+            if (!Asks(grid, row, check)) continue;
+            // Red until it is answered, as one that fails is.
+            const auto [answer, isNew] = answers_[static_cast<std::size_t>(check)].emplace(key_, false);
+            if (!isNew) continue;
+            bool& valid = answer->second;
+            questions.emplace_back([&grid, &valid, row, check] { valid = Ask(grid, row, check); });
+        }
+    }
+    ado::AskSideBySide(propsString, questions);
 }
 
 void MarkCells(EntryGrid& grid, int row, int check, CellChecks& checks) {
@@ -107,6 +133,12 @@ void MarkRow(EntryGrid& grid, int row, CellChecks& checks) {
         if (OwnVerdict(grid, {row, c}) != TextVerdict::Taken) Paint(grid, {row, c}, true);
     }
     grid.SetReDraw(redraw);
+}
+
+void MarkRows(EntryGrid& grid, int firstRow, int lastRow, CellChecks& checks) {
+    checks.AskAhead(grid, firstRow, lastRow);
+    for (int row = firstRow; row <= lastRow; ++row)
+        MarkRow(grid, row, checks);
 }
 
 }  // namespace vicenter::center

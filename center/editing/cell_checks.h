@@ -29,8 +29,14 @@ void MarkOwnVerdict(EntryGrid& grid, const CellAddress& cell);
 class CellChecks {
   public:
     bool IsValid(const EntryGrid& grid, int row, int check);
+    // Asks what the checks of these rows will ask, side by side where that pays.
+    void AskAhead(const EntryGrid& grid, int firstRow, int lastRow);
 
   private:
+    // False when no question is to be asked; key_ is the question's own then.
+    bool Asks(const EntryGrid& grid, int row, int check);
+    static bool Ask(const EntryGrid& grid, int row, int check);
+
     std::array<std::unordered_map<std::string, bool>, kCheckCount + 1> answers_;
     std::string key_;
 };
@@ -38,6 +44,7 @@ class CellChecks {
 // Colours one row: all black, then the cells of every failed check red and those that their columns do not
 // take.
 void MarkRow(EntryGrid& grid, int row, CellChecks& checks);
+void MarkRows(EntryGrid& grid, int firstRow, int lastRow, CellChecks& checks);
 // Colours the cells of one check.
 void MarkCells(EntryGrid& grid, int row, int check, CellChecks& checks);
 

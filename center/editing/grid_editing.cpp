@@ -106,8 +106,7 @@ void GridEditing::ClearCells(const CellSelection& selection) {
     }
     CellChecks checks;
     for (const RowRun& run : rows) {
-        for (int row = run.first; row <= std::min(run.last, lastRow); ++row)
-            MarkRow(grid, row, checks);
+        MarkRows(grid, run.first, std::min(run.last, lastRow), checks);
     }
     typed_.reset();
     grid.SetReDraw(true);
@@ -193,8 +192,7 @@ void GridEditing::Return(const JournalMark& mark) {
     typed_.reset();
     CellChecks checks;
     grid.SetReDraw(false);
-    for (int row = mark.firstRow; row <= std::min(mark.lastRow, grid.RowTotal()); ++row)
-        MarkRow(grid, row, checks);
+    MarkRows(grid, mark.firstRow, std::min(mark.lastRow, grid.RowTotal()), checks);
     grid.SetReDraw(true);
     if (mark.active.row >= 1) grid.SetActiveCell(mark.active);
 }

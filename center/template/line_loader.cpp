@@ -116,11 +116,17 @@ std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId, Lin
     if (count >= kFirstRowTotal) grid.SetRowTotal(count + 2);
     LineReader reader(*records);
     CellChecks checks;
-    for (int row = 1; row <= count; ++row) {
-        reader.FillRow(grid, row, static_cast<std::size_t>(row - 1));
-        if (digest != nullptr) reader.AddFilled(*digest);
-        MarkRow(grid, row, checks);
+    int filled = 0;
+    try {
+        for (; filled < count; ++filled) {
+            reader.FillRow(grid, filled + 1, static_cast<std::size_t>(filled));
+            if (digest != nullptr) reader.AddFilled(*digest);
+        }
+    } catch (const automation::Error&) {
+        MarkRows(grid, 1, filled, checks);
+        throw;
     }
+    MarkRows(grid, 1, count, checks);
     return count;
 }
 

@@ -7,6 +7,18 @@ namespace vicenter::host {
 
 using automation::Error;
 
+namespace {
+
+constexpr std::int64_t kListsKept = 60;
+constexpr std::int32_t kListTables = 5;
+// One row of a few bytes, without a look at the tables themselves.
+constexpr const char* kTrackingQuery =
+    "select change_tracking_current_version() as FVersion,(select count(*) from sys.change_tracking_tables "
+    "where object_id in (object_id('t_VoucherExp'),object_id('t_Account'),object_id('t_Settle'),"
+    "object_id('t_Currency'),object_id('t_MeasureUnit'))) as FTables";
+
+}  // namespace
+
 std::string HostSession::PropsString() const {
     std::string quoted;
     for (const char c : settings_.connectString) {
@@ -30,8 +42,36 @@ ado::RecordsetRef HostSession::Execute(std::string_view batch) {
 }
 
 std::string HostSession::DataVersion() {
-    const std::optional<std::uint32_t> version = Connection().DataVersion();
-    return version ? std::to_string(number_) + "." + std::to_string(*version) : std::string();
+    if (const std::optional<std::uint32_t> version = Connection().DataVersion())
+        return std::to_string(number_) + "." + std::to_string(*version);
+    if (const std::optional<std::string> version = TrackedVersion()) return "tracked." + *version;
+    return VersionByTime();
+}
+
+std::optional<std::string> HostSession::TrackedVersion() {
+    if (!tracks_) return std::nullopt;
+    try {
+        const ado::RecordsetRef answer = Execute(kTrackingQuery);
+        if (answer->RecordCount() == 1 && answer->Value("FTables").ToInt32() == kListTables &&
+            !answer->Value("FVersion").IsNull())
+            return answer->Value("FVersion").ToText();
+    } catch (const Error&) {
+        // Another kind of server, or no right to ask it.
+    }
+    tracks_ = false;
+    return std::nullopt;
+}
+
+std::string HostSession::VersionByTime() {
+    const std::string setting = PropsValue(settings_.connectString, "Lists Kept");
+    const std::int64_t seconds = setting.empty() ? kListsKept : automation::Variant(setting).ToInt64();
+    if (seconds <= 0) return {};
+    const auto now = std::chrono::steady_clock::now();
+    if (!periodStart_ || now - *periodStart_ >= std::chrono::seconds(seconds)) {
+        periodStart_ = now;
+        ++period_;
+    }
+    return "time." + std::to_string(period_);
 }
 
 std::string PropsValue(const std::string& propsString, std::string_view key) {

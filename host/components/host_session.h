@@ -5,8 +5,10 @@
 // Held by every component object that a registration makes; the connection is opened at the first statement
 // and anew after it has been lost. User-interface thread.
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/ado/connection.h"
@@ -29,14 +31,23 @@ class HostSession {
     std::string PropsString() const;
     // Runs one batch on the session's own connection. Throws what the connection throws.
     ado::RecordsetRef Execute(std::string_view batch);
-    // Another text whenever anything in the account set may have changed; empty when that cannot be told.
+    // Another text whenever a name list may have changed; empty when that cannot be told. A server is asked
+    // for the state of the lists' tables where it tracks their changes; elsewhere they count as unchanged for
+    // the seconds that the connect string gives as Lists Kept= (default 60; 0: it cannot be told).
     std::string DataVersion();
     ado::Connection& Connection();
 
   private:
+    // What a server's change tracking says of the lists' tables; nothing when it does not watch all of them.
+    std::optional<std::string> TrackedVersion();
+    std::string VersionByTime();
+
     HostSettings settings_;
     ado::ConnectionRef connection_;
-    int number_ = 0;  // of the connection, within the process: versions of different ones do not compare
+    int number_ = 0;      // of the connection, within the process: versions of different ones do not compare
+    bool tracks_ = true;  // as far as is known
+    std::int64_t period_ = 0;
+    std::optional<std::chrono::steady_clock::time_point> periodStart_;
 };
 
 using HostSessionRef = std::shared_ptr<HostSession>;

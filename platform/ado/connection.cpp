@@ -138,10 +138,15 @@ void RestConnections() noexcept {
     }
 }
 
-ConnectionRef OpenConnection(const std::string& connectString) {
-    const ConnectString settings(connectString);
+std::string ProviderOf(const ConnectString& settings) {
     std::string name = settings.Value("Provider");
     if (name.empty() && (settings.Has("Driver") || settings.Has("DSN"))) name = "MSDASQL";
+    return name;
+}
+
+ConnectionRef OpenConnection(const std::string& connectString) {
+    const ConnectString settings(connectString);
+    const std::string name = ProviderOf(settings);
     for (const Provider& provider : Providers()) {
         if (name.empty() || !automation::SameName(provider.name, name)) continue;
         ConnectionRef connection = provider.factory();

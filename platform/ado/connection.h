@@ -107,6 +107,10 @@ class ConnectString {
     std::vector<std::pair<std::string, std::string>> pairs_;
 };
 
+// The back end that a connect string means: one that names a Driver= or DSN= instead of a provider is
+// MSDASQL's, as ever. The empty text when it names none.
+std::string ProviderOf(const ConnectString& settings);
+
 // Back ends by provider name; compared without case. A later registration replaces the earlier one.
 void RegisterProvider(std::string name, ConnectionFactory factory, RestFunction rest = nullptr);
 
@@ -114,8 +118,7 @@ void RegisterProvider(std::string name, ConnectionFactory factory, RestFunction 
 // Never throws.
 void RestConnections() noexcept;
 
-// Opens a new connection by the connect string's Provider=; one that names a Driver= or DSN= instead is
-// MSDASQL's, as ever. An unknown or missing provider is error 3706.
+// Opens a new connection by the connect string's provider. An unknown or missing one is error 3706.
 ConnectionRef OpenConnection(const std::string& connectString);
 
 }  // namespace vicenter::ado

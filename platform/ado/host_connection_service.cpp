@@ -4,6 +4,7 @@
 
 #include "automation/class_registry.h"
 #include "automation/error.h"
+#include "platform/ado/side_by_side.h"
 
 namespace vicenter::ado {
 
@@ -52,6 +53,7 @@ class PlainBroker : public Broker {
     void Settle() override {}
     ConnectionRef GiveConnection() override {
         const std::string connectString = ConnectStringOf(propsString_);
+        if (ConnectionRef round = SideBySideConnection(connectString)) return round;
         ConnectionRef shared = PlainUnit::ConnectionFor(connectString);
         return shared ? shared : OpenConnection(connectString);
     }
@@ -65,6 +67,11 @@ class PlainFramework : public HostFramework {
     std::shared_ptr<Broker> GiveBroker() override { return std::make_shared<PlainBroker>(); }
     automation::ObjectRef CreateObject(const std::string& progId) override {
         return automation::CreateObject(progId);
+    }
+    std::optional<std::string> PlainConnectString(const std::string& propsString) override {
+        std::string connectString = ConnectStringOf(propsString);
+        if (PlainUnit::ConnectionFor(connectString)) return std::nullopt;
+        return connectString;
     }
     std::unique_ptr<UnitOfWork> BeginUnit(const std::string& propsString) override {
         try {

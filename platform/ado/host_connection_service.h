@@ -8,6 +8,7 @@
 // ConnectString.
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "automation/object.h"
@@ -58,6 +59,10 @@ class HostFramework {
     // None when the host's service keeps each statement by itself. One at a time; the caller ends it before
     // it waits for a user.
     virtual std::unique_ptr<UnitOfWork> BeginUnit(const std::string&) { return nullptr; }
+
+    // The connect string whose plain connections the brokers of that property string hand out; nothing when
+    // the connections are the host's own affair, or one that a unit holds.
+    virtual std::optional<std::string> PlainConnectString(const std::string&) { return std::nullopt; }
 
     // The process-wide framework object.
     static HostFramework& Process();

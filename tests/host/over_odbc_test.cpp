@@ -167,6 +167,43 @@ TEST_F(AccountSetOnServer, NothingIsLeftOfACopyThatFailed) {
     EXPECT_EQ(Vicenter({"account-set", "copy", file, connect}).exitCode, 0);
 }
 
+TEST_F(AccountSetOnServer, IsVerifiedAsAFileIs) {
+    const std::string connect = served_.Serve(test::CopySet(folder_));
+    const auto verify = [&] { return Vicenter({"--connect", connect, "--json", "account-set", "verify"}); };
+    Answer answer = verify();
+    EXPECT_EQ(answer.exitCode, 0) << answer.errors << answer.output;
+    EXPECT_THAT(answer.output, HasSubstr("\"findings\":[]"));
+    EXPECT_THAT(answer.output, HasSubstr("\"database\":\"books\""));
+    const ado::ConnectionRef connection = ado::OpenConnection(connect);
+    connection->Execute(
+        "insert into t_VchTemplateEntry(FID,FEntryID,FNo) values(777,1,1) "
+        "insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) values(778,'日常费用',1,'0',getdate()) "
+        "drop index IX_t_VchTemplateEntry_No on t_VchTemplateEntry drop procedure pro_VchTpCanUsed");
+    answer = verify();
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_THAT(answer.output, HasSubstr("凭证模板分录没有模板：FID 777，1 处"));
+    EXPECT_THAT(answer.output, HasSubstr("凭证模板名称重复"));
+    EXPECT_THAT(answer.output, HasSubstr("缺少索引：IX_t_VchTemplateEntry_No"));
+    EXPECT_THAT(answer.output, HasSubstr("缺少存储过程：pro_VchTpCanUsed"));
+    connection->Execute("drop table t_VchTpProfile");
+    EXPECT_THAT(verify().output, HasSubstr("缺少表：t_VchTpProfile"));
+    // What is missing is made again, and only that.
+    EXPECT_THAT(Vicenter({"--connect", connect, "--json", "account-set", "new"}).output,
+                HasSubstr("\"made\":3,"));
+    EXPECT_THAT(verify().output, Not(HasSubstr("缺少")));
+    connection->Close();
+}
+
+TEST_F(AccountSetOnServer, AColumnThatIsMissingIsNamed) {
+    const std::string connect = served_.Serve(folder_.Path("books.vas"));
+    ado::OpenConnection(connect)->Execute(
+        "create table t_VchTemplate (FID int not null, FName nvarchar(80) null)");
+    const Answer answer = Vicenter({"--connect", connect, "account-set", "verify"});
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_THAT(answer.errors + answer.output, HasSubstr("表 t_VchTemplate 缺少字段：FUserID"));
+    EXPECT_EQ(Vicenter({"account-set", "verify"}).exitCode, 2);
+}
+
 TEST_F(AccountSetOnServer, ThePasswordComesFromWhereItIsSaid) {
     served_.Serve(test::CopySet(folder_));
     const std::string connect =
@@ -221,7 +258,8 @@ TEST_F(AccountSetOnServer, ACommandCostsFewTrips) {
     for (const auto& [name, count] :
          {std::pair{"list", list}, std::pair{"show", show}, std::pair{"save", save},
           std::pair{"generate", generate}, std::pair{"export", exporting}, std::pair{"import", import}}) {
-        EXPECT_THAT(page, HasSubstr("| `" + std::string(name) + "` | " + std::to_string(count) + " |"));
+        const std::string row = "| `" + std::string(name) + "` | " + std::to_string(count) + " |";
+        EXPECT_NE(page.find(row), std::string::npos) << row;
     }
 }
 

@@ -318,8 +318,20 @@ bool ServerConnection::WaitAsLongAsBehaved() {
     return false;
 }
 
+// From its arrival to its answer, whatever becomes of it.
+class ServerConnection::Counted {
+  public:
+    Counted(Server& server, const std::string& text) : server_(server) { server_.NoteBatch(text); }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+    ~Counted() { server_.NoteEndOfBatch(); }
+
+  private:
+    Server& server_;
+};
+
 void ServerConnection::RunBatch(const std::string& text, bool inCall) {
-    server_.NoteBatch(text);
+    const Counted counted(server_, text);
     if (!WaitAsLongAsBehaved()) return;
     if (const auto refusal = behaviour_.RefusesBatch(text)) {
         // A victim's transaction is gone.

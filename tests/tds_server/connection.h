@@ -48,6 +48,7 @@ class ServerConnection {
         const Server& server_;
     };
     class Retelling;
+    class Counted;
 
     void AnswerPreLogin();
     bool Login(const LoginRequest& login);

@@ -147,6 +147,7 @@ void Server::ForgetBatches() {
     const std::lock_guard lock(mutex_);
     batches_.clear();
     requests_ = 0;
+    mostAtOnce_ = 0;
 }
 
 std::unique_ptr<tsql::engine::Session> Server::OpenDatabase(const std::string& name) const {
@@ -188,6 +189,17 @@ void Server::NoteRequest() {
 void Server::NoteBatch(const std::string& text) {
     const std::lock_guard lock(mutex_);
     batches_.push_back(text);
+    mostAtOnce_ = std::max(mostAtOnce_, ++running_);
+}
+
+void Server::NoteEndOfBatch() {
+    const std::lock_guard lock(mutex_);
+    --running_;
+}
+
+int Server::MostAtOnce() const {
+    const std::lock_guard lock(mutex_);
+    return mostAtOnce_;
 }
 
 }  // namespace vicenter::tds_server

@@ -61,6 +61,8 @@ class Server {
     int OpenConnections() const;
     // Requests of any kind but logins: what a client pays a round trip for.
     int RoundTrips() const;
+    // The most batches that ran or waited at one time.
+    int MostAtOnce() const;
     // The texts of all batches, in order of arrival.
     std::vector<std::string> Batches() const;
     void ForgetBatches();
@@ -74,6 +76,7 @@ class Server {
     void NoteLogin();
     void NoteRequest();
     void NoteBatch(const std::string& text);
+    void NoteEndOfBatch();
 
   private:
     struct Served {
@@ -93,6 +96,8 @@ class Server {
     std::vector<std::string> batches_;
     int logins_ = 0;
     int requests_ = 0;
+    int running_ = 0;
+    int mostAtOnce_ = 0;
     std::vector<Served> served_;
     std::thread acceptor_;
 };

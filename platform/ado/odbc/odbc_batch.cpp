@@ -7,6 +7,7 @@ namespace vicenter::ado {
 namespace {
 
 constexpr std::int32_t kFirstErrorSeverity = 11;
+constexpr int kMostErrorsOfDriver = 3;
 
 }  // namespace
 
@@ -78,12 +79,25 @@ void OdbcBatch::Run() {
 
 void OdbcBatch::Drain(SQLHSTMT statement, SQLRETURN code) {
     RecordsetRef last;
+    int ofDriverInRow = 0;
     for (;; code = SQLMoreResults(statement)) {
         // No rows changed, nothing created that counts: all the same a batch that ran.
         if (code == SQL_NO_DATA || code == SQL_INVALID_HANDLE) return;
+        const std::size_t known = outcome_.errors.size();
         Note(statement, code);
         if (outcome_.HasStopped()) return;
-        if (code == SQL_ERROR) continue;
+        if (code == SQL_ERROR) {
+            // A driver may say so for ever of a line that was cut within a result.
+            const bool fromServer = !outcome_.errors.empty() && outcome_.errors.back().native != 0 &&
+                                    outcome_.errors.size() > known;
+            ofDriverInRow = fromServer ? 0 : ofDriverInRow + 1;
+            if (ofDriverInRow >= kMostErrorsOfDriver || IsDead(link_->Line())) {
+                outcome_.broken = true;
+                return;
+            }
+            continue;
+        }
+        ofDriverInRow = 0;
         const bool hadFailed = !outcome_.errors.empty();
         SQLSMALLINT columns = 0;
         SQLNumResultCols(statement, &columns);

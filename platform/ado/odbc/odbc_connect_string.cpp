@@ -114,6 +114,7 @@ constexpr Keyword kKeywords[] = {
     {"Transactions", Key::kTransactions},
     {"Pooling", Key::kPooling},
     {"Extended Properties", Key::kExtended},
+    {"Lists Kept", Key::kNothing},  // the host's
     {"Persist Security Info", Key::kNothing},
     {"Auto Translate", Key::kNothing},
     {"AutoTranslate", Key::kNothing},

@@ -8,8 +8,10 @@
 #include "platform/ado/odbc/batch_nature.h"
 #include "platform/ado/odbc/national_marks.h"
 #include "platform/ado/odbc/odbc_provider.h"
+#include "platform/ado/odbc/odbc_side_by_side.h"
 #include "platform/ado/odbc/watched_work.h"
 #include "platform/ado/running_batch.h"
+#include "platform/ado/side_by_side.h"
 
 namespace vicenter::ado {
 
@@ -84,7 +86,9 @@ void OdbcConnection::Connect() {
     const auto connect = [attempt] {
         OdbcPool* pool = attempt->settings.pooled ? OdbcPool::Process() : nullptr;
         if (pool != nullptr) attempt->link = pool->Take(attempt->key);
-        if (!attempt->link) attempt->link = std::make_shared<OdbcLink>(attempt->settings, attempt->errors);
+        if (attempt->link) return;
+        attempt->link = std::make_shared<OdbcLink>(attempt->settings, attempt->errors);
+        if (pool != nullptr) attempt->link->KnowPage(pool->PageOf(attempt->key));
     };
     const auto nothing = [] {};
     bool ended = true;
@@ -312,6 +316,7 @@ void RegisterOdbcProviders() {
                              "SQLNCLI11", "SQLNCLI11.1", "MSOLEDBSQL", "MSOLEDBSQL.1", "MSOLEDBSQL19",
                              "MSOLEDBSQL19.1", "MSDASQL", "MSDASQL.1"}) {
         RegisterProvider(name, [] { return std::make_shared<OdbcConnection>(); });
+        RegisterSideBySide(name, AskOdbcSideBySide);
     }
 }
 

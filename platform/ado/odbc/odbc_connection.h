@@ -22,6 +22,7 @@ class OdbcConnection final : public Connection {
     void Open(const std::string& connectString) override;
     // Also of one whose line broke: the next batch connects afresh.
     bool IsOpen() const override { return open_; }
+    bool IsLost() const { return link_ == nullptr; }
     RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected) override;
     void Close() override;
     void Cancel() noexcept override;

@@ -144,10 +144,16 @@ const system::CodePage* OdbcLink::Page() {
     if (!asked_) {
         asked_ = true;
         const auto rows = Ask(kPageQuery);
-        if (rows.size() == 1) pageNumber_ = std::atoi(rows[0][0].c_str());
-        if (pageNumber_ > 0) page_ = system::CodePage::Open(pageNumber_);
+        KnowPage(rows.size() == 1 ? std::atoi(rows[0][0].c_str()) : 0);
     }
     return page_.get();
+}
+
+void OdbcLink::KnowPage(int number) {
+    if (number <= 0) return;
+    asked_ = true;
+    pageNumber_ = number;
+    page_ = system::CodePage::Open(number);
 }
 
 std::optional<bool> OdbcLink::TakesUnicode(const std::string& table, const std::string& column) {

@@ -37,6 +37,8 @@ class OdbcLink {
     // None when it is not known: the server is trusted with every character then.
     const system::CodePage* Page();
     int PageNumber() const { return pageNumber_; }
+    // As another line to the same database has learned it; 0 when none has.
+    void KnowPage(int number);
     std::optional<bool> TakesUnicode(const std::string& table, const std::string& column);
 
     // Something has been left behind that the next user must not meet.
@@ -73,6 +75,10 @@ class OdbcPool {
     // A kept link that still works, or none.
     std::shared_ptr<OdbcLink> Take(const std::string& key);
     void Keep(const std::string& key, std::shared_ptr<OdbcLink> link);
+    // How many are kept for that connect string.
+    std::size_t Count(const std::string& key) const;
+    // The code page of that database as far as one of its links has learned it, else 0.
+    int PageOf(const std::string& key) const;
     // The server has gone away: what is kept of that connect string is as dead.
     void Forget(const std::string& key);
     // Also ends the thread that watches the time.
@@ -99,6 +105,7 @@ class OdbcPool {
     mutable std::mutex mutex_;
     OdbcPooling limits_;
     Links idle_;
+    std::map<std::string, int> pages_;
     std::condition_variable changed_;
     bool stopping_ = false;
     std::mutex watchMutex_;  // of who starts and ends the thread

@@ -42,10 +42,12 @@ std::shared_ptr<OdbcLink> OdbcPool::Take(const std::string& key) {
 }
 
 void OdbcPool::Keep(const std::string& key, std::shared_ptr<OdbcLink> link) {
-    if (link->hasTraces) return;
+    const int page = link->PageNumber();
     Links old;
     {
         const std::lock_guard lock(mutex_);
+        if (page > 0) pages_[key] = page;
+        if (link->hasTraces) return;
         idle_.push_back({key, std::move(link), Clock::now()});
         old = TakeOld();
     }
@@ -54,9 +56,22 @@ void OdbcPool::Keep(const std::string& key, std::shared_ptr<OdbcLink> link) {
     if (!watch_.joinable()) watch_ = std::thread([this] { WatchTime(); });
 }
 
+std::size_t OdbcPool::Count(const std::string& key) const {
+    const std::lock_guard lock(mutex_);
+    return static_cast<std::size_t>(
+        std::count_if(idle_.begin(), idle_.end(), [&](const Idle& idle) { return idle.key == key; }));
+}
+
+int OdbcPool::PageOf(const std::string& key) const {
+    const std::lock_guard lock(mutex_);
+    const auto known = pages_.find(key);
+    return known == pages_.end() ? 0 : known->second;
+}
+
 void OdbcPool::Forget(const std::string& key) {
     Links gone;
     const std::lock_guard lock(mutex_);
+    pages_.erase(key);
     const auto first =
         std::stable_partition(idle_.begin(), idle_.end(), [&](const Idle& idle) { return idle.key != key; });
     gone.assign(std::make_move_iterator(first), std::make_move_iterator(idle_.end()));
@@ -68,6 +83,7 @@ void OdbcPool::Clear() {
     Links all;
     const std::lock_guard lock(mutex_);
     all.swap(idle_);
+    pages_.clear();
 }
 
 OdbcPooling OdbcPool::Limits() const {
