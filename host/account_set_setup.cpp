@@ -60,6 +60,20 @@ Made MadeBy(const std::string& batch) {
                 "account set script without a name: " + batch);
 }
 
+// The columns of a table's batch: one a line, indented, constraints behind them.
+std::vector<std::string> ColumnsOfScript(const std::string& batch) {
+    std::vector<std::string> columns;
+    std::istringstream lines(batch);
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with("    ")) continue;
+        std::istringstream words(line);
+        std::string name;
+        words >> name;
+        if (!name.empty() && name != "constraint" && !name.starts_with("--")) columns.push_back(name);
+    }
+    return columns;
+}
+
 bool HasRows(ado::Connection& connection, const std::string& question) {
     return connection.Execute(question)->RecordCount() > 0;
 }
@@ -266,6 +280,31 @@ SetupReport CompleteAccountSet(ado::Connection& connection, const AccountSetOpti
     const SetupReport report = run(connection);
     transaction.Keep();
     return report;
+}
+
+StructureFaults FindStructureFaults(ado::Connection& connection) {
+    StructureFaults faults;
+    for (const char* script : {kSchema, kProcedures}) {
+        for (const ScriptBatch& batch : Batches(script)) {
+            const Made made = MadeBy(batch.text);
+            if (made.kind != "table") {
+                if (Exists(connection, made)) continue;
+                faults.others.push_back((made.kind == "index" ? "缺少索引：" : "缺少存储过程：") + made.name);
+                continue;
+            }
+            const std::vector<std::string> present = ColumnsOf(connection, made.name);
+            if (present.empty()) {
+                faults.tables.push_back("缺少表：" + made.name);
+                continue;
+            }
+            for (const std::string& column : ColumnsOfScript(batch.text)) {
+                if (std::none_of(present.begin(), present.end(),
+                                 [&](const std::string& other) { return SameName(column, other); }))
+                    faults.tables.push_back("表 " + made.name + " 缺少字段：" + column);
+            }
+        }
+    }
+    return faults;
 }
 
 CopyReport CopyAccountSet(ado::Connection& from, ado::Connection& to) {

@@ -4,6 +4,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "host/account_set.h"
 #include "platform/ado/connection.h"
@@ -21,6 +22,14 @@ struct SetupReport {
 // between them. Throws Error 58 when a demo ledger is asked for and rows are there already.
 SetupReport CompleteAccountSet(ado::Connection& connection, const AccountSetOptions& options,
                                std::ostream* script = nullptr);
+
+// What an account set lacks of what the scripts make, for users: tables, columns, indexes, procedures. Of
+// tables and columns first; empty when nothing is missing. Reads only.
+struct StructureFaults {
+    std::vector<std::string> tables;  // with these the templates cannot be read
+    std::vector<std::string> others;
+};
+StructureFaults FindStructureFaults(ado::Connection& connection);
 
 struct CopyReport {
     int tables = 0;

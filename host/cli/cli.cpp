@@ -152,16 +152,21 @@ class CommandLine {
                                  const char* from, const char* to) {
             CLI::App* added = AddCommand(*accountSet, name, command, description);
             added->add_option(from, options_.file, "账套文件 / file")->required()->check(kNotEmpty);
-            if (to != nullptr)
-                added->add_option(to, options_.target, "目标文件 / target file")
-                    ->required()
-                    ->check(kNotEmpty);
+            added->add_option(to, options_.target, "目标文件 / target file")->required()->check(kNotEmpty);
         };
         addCopy("backup", CliCommand::AccountSetBackup,
                 "备份账套，不影响正在使用的人 / back up while others work", "FILE", "TO");
         addCopy("restore", CliCommand::AccountSetRestore,
                 "恢复备份到账套或新文件 / put a backup into an account set or a new file", "FROM", "FILE");
-        addCopy("verify", CliCommand::AccountSetVerify, "检查账套或备份 / look for damage", "FILE", nullptr);
+        CLI::App* verify = AddCommand(*accountSet, "verify", CliCommand::AccountSetVerify,
+                                      "检查账套或备份 / look for damage");
+        verify->add_option("FILE", options_.file, "账套文件；用 --connect 时不写 / file; none with --connect")
+            ->check(kNotEmpty);
+        verify->callback([this] {
+            if (options_.file.empty() == options_.connectString.empty())
+                throw CLI::RequiredError("FILE | --connect");
+            options_.command = CliCommand::AccountSetVerify;
+        });
 
         AddCommand(app_, "list", CliCommand::List, "列出模板 / list the templates");
         AddNamedCommand("show", CliCommand::Show, "显示模板 / show a template");

@@ -1,5 +1,5 @@
-// vicenter account-set new FILE or --connect STRING, copy FROM TO, backup FILE TO, restore FROM FILE, verify
-// FILE
+// vicenter account-set new FILE or --connect STRING, copy FROM TO, backup FILE TO, restore FROM FILE,
+// verify FILE or --connect STRING
 
 #include <filesystem>
 
@@ -47,13 +47,43 @@ bool Agreed(const std::string& question) {
     return center::Ask(question, system::MessageButtons::YesNo) == system::MessageResult::Yes;
 }
 
-// Faults of the templates of a set that can be read, which the file's structure knows nothing of.
-std::vector<std::string> TemplateFaults(const std::string& file) {
+// Faults of the templates of a set that can be read, which its structure knows nothing of.
+std::vector<std::string> TemplateFaults(ado::Connection& connection) {
     try {
-        return store::FindTemplateFaults(*ado::OpenConnection(FileConnectString(file) + ";Pooling=no"));
+        return store::FindTemplateFaults(connection);
     } catch (const automation::Error& error) {
         return {"凭证模板无法检查：" + error.Text()};
     }
+}
+
+std::vector<std::string> FaultsOfFile(const std::string& file) {
+    std::vector<std::string> findings = ado::FindAccountSetDamage(file);
+    // Damage below makes what is read above worthless.
+    if (!findings.empty()) return findings;
+    try {
+        return TemplateFaults(*ado::OpenConnection(FileConnectString(file) + ";Pooling=no"));
+    } catch (const automation::Error& error) {
+        return {"凭证模板无法检查：" + error.Text()};
+    }
+}
+
+std::vector<std::string> FaultsOfDatabase(const CliContext& context) {
+    const ado::ConnectionRef connection =
+        ado::OpenConnection(WithPassword(context, context.options.connectString));
+    StructureFaults structure = FindStructureFaults(*connection);
+    std::vector<std::string> findings = std::move(structure.tables);
+    if (findings.empty()) findings = TemplateFaults(*connection);
+    findings.insert(findings.end(), structure.others.begin(), structure.others.end());
+    return findings;
+}
+
+// As users know it: without the rest of the connect string.
+std::string DatabaseName(const std::string& connectString) {
+    const ado::ConnectString settings(connectString);
+    for (const char* key : {"Initial Catalog", "Database", "DSN", "Data Source"}) {
+        if (settings.Has(key)) return settings.Value(key);
+    }
+    return {};
 }
 
 }  // namespace
@@ -102,15 +132,18 @@ int RunAccountSetRestore(const CliContext& context) {
 }
 
 int RunAccountSetVerify(const CliContext& context) {
-    const std::string& file = context.options.file;
-    std::vector<std::string> findings = ado::FindAccountSetDamage(file);
-    // Damage below makes what is read above worthless.
-    if (findings.empty()) findings = TemplateFaults(file);
+    const CliOptions& options = context.options;
+    const std::string file = options.connectString.empty()
+                                 ? options.file
+                                 : ado::AccountSetFile(options.connectString).value_or(std::string());
+    const std::vector<std::string> findings = file.empty() ? FaultsOfDatabase(context) : FaultsOfFile(file);
     for (const std::string& finding : findings)
         center::Tell(finding);
+    const std::string place = file.empty() ? DatabaseName(options.connectString) : file;
     const VariantArray list(findings.begin(), findings.end());
-    return FinishSpeaking(context, findings.empty(), JsonObject({{"file", file}, {"findings", list}}),
-                          "没有发现问题：" + file + "\n");
+    return FinishSpeaking(context, findings.empty(),
+                          JsonObject({{file.empty() ? "database" : "file", place}, {"findings", list}}),
+                          "没有发现问题：" + place + "\n");
 }
 
 }  // namespace vicenter::host
