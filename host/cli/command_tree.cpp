@@ -103,9 +103,11 @@ int RunDelete(const CliContext& context) {
     bool ok = false;
     {
         HiddenWindow window;
+        // A tree that could not be read has no node that could have gone.
+        const bool listed = window.HasNode(KeyOf(head.id));
         window.Presenter().Tree().NodeClick(KeyOf(head.id));
         window.Presenter().ToolClick("mnuDel");
-        ok = !window.HasNode(KeyOf(head.id));
+        ok = listed && !window.HasNode(KeyOf(head.id));
         // The standard template is protected without a word in the window.
         if (!ok && window.Presenter().HasRight() && head.id == "0") center::Tell("标准模板不允许删除！");
     }
