@@ -55,6 +55,13 @@ class Variant {
     static constexpr std::int32_t kMissingArgument = static_cast<std::int32_t>(0x80020004);
 
     Variant() = default;
+    // By hand: libstdc++ 12 ends a copy that throws (refused memory) by destroying what was never made, in a
+    // std::variant of just such types as ours.
+    Variant(const Variant& other) : data_(Copied(other.data_)) {}
+    Variant(Variant&&) noexcept = default;
+    Variant& operator=(const Variant&) = default;
+    Variant& operator=(Variant&&) noexcept = default;
+    ~Variant() = default;
     Variant(bool value) : data_(value) {}
     Variant(std::int16_t value) : data_(value) {}
     Variant(std::int32_t value) : data_(value) {}
@@ -134,6 +141,10 @@ class Variant {
     Variant Resolved() const;
     // An array that gives back its items however deep they own others.
     static std::shared_ptr<const VariantArray> Shared(VariantArray items);
+
+    static Data Copied(const Data& data) {
+        return std::visit([]<class T>(const T& held) { return Data(std::in_place_type<T>, held); }, data);
+    }
 
     Data data_;
 };

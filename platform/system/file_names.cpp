@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "automation/object.h"
+#include "platform/system/os.h"
 
 namespace vicenter::system {
 
@@ -43,6 +44,10 @@ std::string SafeFileName(std::string_view name) {
         result.pop_back();
     if (result.empty() || IsDevice(result)) result += '_';
     return result;
+}
+
+std::vector<std::string> NamesIn(const std::string& folder) {
+    return os::NamesIn(folder);
 }
 
 }  // namespace vicenter::system

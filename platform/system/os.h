@@ -27,6 +27,8 @@ std::string UserDataFolder();
 // The folder of the running program.
 std::string ProgramFolder();
 
+// The names of what stands in a folder, without "." and ".."; none when it cannot be read.
+std::vector<std::string> NamesIn(const std::string& folder);
 // Copies a file's content into a new file. The library's own copying tells a full disk as a failing one.
 std::error_code CopyContent(const std::string& from, const std::string& to);
 // What was written to the file is on the disk afterwards. False when it cannot be brought there.

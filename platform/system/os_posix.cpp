@@ -9,6 +9,7 @@
 #include <sstream>
 #include <string_view>
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <spawn.h>
@@ -174,13 +175,23 @@ std::error_code MoveToNew(const std::string& from, const std::string& to) {
     return {errno, std::generic_category()};
 }
 
+std::vector<std::string> NamesIn(const std::string& folder) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(folder.c_str()), closedir);
+    std::vector<std::string> names;
+    if (!open) return names;
+    while (const dirent* entry = readdir(open.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") names.emplace_back(name);
+    }
+    return names;
+}
+
 bool IsOpenInThisProcess(const std::string& path) {
     struct stat wanted {};
     if (stat(path.c_str(), &wanted) != 0) return false;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd", error)) {
+    for (const std::string& handle : NamesIn("/proc/self/fd")) {
         struct stat open {};
-        if (stat(entry.path().c_str(), &open) == 0 && open.st_dev == wanted.st_dev &&
+        if (stat(("/proc/self/fd/" + handle).c_str(), &open) == 0 && open.st_dev == wanted.st_dev &&
             open.st_ino == wanted.st_ino) {
             return true;
         }

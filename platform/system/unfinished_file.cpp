@@ -72,10 +72,8 @@ std::string UnfinishedFile::NewPath(const std::string& folder) {
 
 void RemoveLeftBehind(const std::string& folder) {
     const fs::path place = PathFromUtf8(folder);
-    std::error_code failed;
     std::vector<std::string> marks;
-    for (fs::directory_iterator entry(place, failed), end; !failed && entry != end; entry.increment(failed)) {
-        std::string name = PathToUtf8(entry->path().filename());
+    for (std::string& name : os::NamesIn(folder)) {
         if (name.starts_with(kHead) && name.ends_with(kMark)) marks.push_back(std::move(name));
     }
     for (const std::string& mark : marks) {

@@ -13,6 +13,7 @@
 #include "entry/host_context.h"
 #include "entry/names.h"
 #include "platform/ado/connection.h"
+#include "platform/system/file_names.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
 #include "platform/system/running.h"
@@ -154,13 +155,11 @@ std::vector<FoundDraft> DraftStore::LeftBehind() const {
     if (userId_.empty()) return found;
     for (const Place& place : Places()) {
         const std::string head = place.head + "-" + Plain(userId_) + "-";
-        std::error_code failed;
-        for (fs::directory_iterator entry(place.folder, failed); !failed && entry != fs::directory_iterator();
-             entry.increment(failed)) {
-            const std::string name = system::PathToUtf8(entry->path().filename());
+        for (const std::string& name : system::NamesIn(system::PathToUtf8(place.folder))) {
             if (!name.starts_with(head) || !name.ends_with(kTail)) continue;
-            std::string file = system::PathToUtf8(entry->path());
-            std::optional<Draft> draft = DecodeDraft(ReadWhole(entry->path()));
+            const fs::path path = place.folder / system::PathFromUtf8(name);
+            std::string file = system::PathToUtf8(path);
+            std::optional<Draft> draft = DecodeDraft(ReadWhole(path));
             if (!draft || draft->userId != userId_) continue;
             // What this window has released is its own to offer once more.
             if (draft->window == window_ ? file == file_ : IsLive(*draft)) continue;

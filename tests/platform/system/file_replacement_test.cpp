@@ -1,5 +1,6 @@
 #include "platform/system/file_replacement.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -198,6 +199,15 @@ TEST_F(FileReplacementTest, WhatAKilledProcessLeavesIsRemovedAndNothingElse) {
          {"a.xlsx", "letter", "T_notes.xlsx", "T_0A1B2C3D_0000_4000_8000_0123456789AC.xlsx"})
         EXPECT_TRUE(fs::exists(PathFromUtf8(folder_.File(name)))) << name;
     EXPECT_EQ(Read(file), "old");
+}
+
+TEST_F(FileReplacementTest, TheNamesOfAFolderAreReadWholeAndNoneOfOneThatIsNotThere) {
+    Write("日常费用.xlsx", "a");
+    Write(".hidden", "b");
+    Lines names = NamesIn(folder_.Path());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (Lines{".hidden", "日常费用.xlsx"}));
+    EXPECT_EQ(NamesIn(folder_.File("nowhere")), Lines{});
 }
 
 TEST(SafeFileName, TakesWhatNoFileSystemTakesOut) {
