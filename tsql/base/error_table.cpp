@@ -53,6 +53,8 @@ constexpr ErrorEntry kErrors[] = {
      "The name \"%.*ls\" is not permitted in this context. Valid expressions are constants, constant "
      "expressions, "
      "and (in some contexts) variables. Column names are not permitted."},
+    {130, 16, kBatch,
+     "Cannot perform an aggregate function on an expression containing an aggregate or a subquery."},
     {134, 15, kBatch,
      "The variable name '%.*ls' has already been declared. Variable names must be unique within a query "
      "batch or "
@@ -104,7 +106,9 @@ constexpr ErrorEntry kErrors[] = {
     {229, 14, kBatch,
      "The %ls permission was denied on the object '%.*ls', database '%.*ls', schema '%.*ls'."},
     {232, 16, kStatement, "Arithmetic overflow error for type %ls, value = %f."},
+    {234, 16, kStatement, "There is insufficient result space to convert a %ls value to %ls."},
     {235, 16, kStatement, "Cannot convert a char value to money. The char value has incorrect syntax."},
+    {239, 16, kBatch, "Duplicate common table expression name '%.*ls' was specified."},
     {241, 16, kBatch, "Conversion failed when converting date and/or time from character string."},
     {242, 16, kStatement,
      "The conversion of a %ls data type to a %ls data type resulted in an out-of-range value."},
@@ -210,6 +214,8 @@ constexpr ErrorEntry kErrors[] = {
      "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
      "'%.*ls' and "
      "the index name '%.*ls'.  The duplicate key value is %ls."},
+    {1702, 16, kBatch,
+     "CREATE TABLE failed because column '%.*ls' in table '%.*ls' exceeds the maximum of %d columns."},
     {1750, 10, kStatement, "Could not create constraint or index. See previous errors."},
     {1752, 16, kBatch, "Column '%.*ls' in table '%.*ls' is invalid for creating a default constraint."},
     {1767, 16, kBatch, "Foreign key '%.*ls' references invalid table '%.*ls'."},
@@ -259,6 +265,10 @@ constexpr ErrorEntry kErrors[] = {
      "Column or parameter #%d: Specified column precision %d is greater than the maximum precision of %d."},
     {2751, 16, kBatch,
      "Column or parameter #%d: Specified column scale %d is greater than the specified precision of %d."},
+    {2786, 16, kStatement,
+     "The data type of substitution parameter %d does not match the expected type of the format "
+     "specification."},
+    {2787, 16, kStatement, "Invalid format specification: '%.*ls'."},
     {2812, 16, kStatement, "Could not find stored procedure '%.*ls'."},
     {3609, 16, kBatch, "The transaction ended in the trigger. The batch has been aborted."},
     {3617, 10, kBatch, "The query has been canceled by the user."},
@@ -285,6 +295,10 @@ constexpr ErrorEntry kErrors[] = {
     {4108, 15, kBatch, "Windowed functions can only appear in the SELECT or ORDER BY clauses."},
     {4145, 15, kBatch,
      "An expression of non-boolean type specified in a context where a condition is expected, near '%.*ls'."},
+    {4151, 16, kBatch,
+     "The type of the first argument to NULLIF cannot be the NULL constant because the type of the first "
+     "argument "
+     "has to be known."},
     {4405, 16, kBatch,
      "View or function '%.*ls' is not updatable because the modification affects multiple base tables."},
     {4406, 16, kBatch,
@@ -384,6 +398,8 @@ constexpr ErrorEntry kErrors[] = {
      "row "
      "values."},
     {10742, 15, kBatch, "The offset specified in a OFFSET clause may not be negative."},
+    {10743, 15, kBatch, "The number of rows provided for an OFFSET clause must be an integer."},
+    {10744, 15, kBatch, "The number of rows provided for a FETCH clause must be greater then zero."},
     {15009, 11, kStatement,
      "The object '%.*ls' does not exist in database '%.*ls' or is invalid for this operation."},
     {16902, 16, kStatement, "%ls: The value of the parameter %ls is invalid."},

@@ -1,5 +1,6 @@
 // Functions that choose one of their arguments. SQLite does so itself: what is not chosen is not evaluated.
 
+#include "tsql/base/error_table.h"
 #include "tsql/functions/function.h"
 
 namespace vicenter::tsql::engine {
@@ -29,6 +30,7 @@ Bound BindCoalesce(Binding& call) {
 Bound BindNullIf(Binding& call) {
     call.Pin(0);
     const SqlType type = call.Type(0);
+    if (type.IsUnknown()) throw MakeError(4151, call.Where());
     const std::string equal = call.Equal(0, 1);
     return {"(CASE WHEN " + equal + " THEN NULL ELSE " + call.Plain(0) + " END)", type};
 }

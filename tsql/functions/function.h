@@ -132,6 +132,9 @@ extern const SqlFunction kPutCall;         // (value, from, to, nullable, table,
 // SQLite 3.40 takes its own table for damaged: they are equal, and their records have different lengths in
 // cells of one size. Only they can be so, since shorter records than these have no text.
 extern const SqlFunction kMemberCall;
+// (number, RowLimit): the number; the errors of the server for NULL and for one that cannot be.
+enum class RowLimit { kTop, kOffset, kFetch };
+extern const SqlFunction kRowCountCall;
 extern const SqlFunction kVariableCall;      // (name, type): its value at this moment
 extern const SqlFunction kNextIdentityCall;  // ()
 extern const SqlFunction kIntegerCall;       // (operator, a, b, type)

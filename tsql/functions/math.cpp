@@ -300,9 +300,8 @@ Bound BindPower(Binding& call) {
     if (type.IsFloat()) return {sql, type};
     if (type.kind == TypeKind::kDecimal) type = SqlType::Decimal(kMaxPrecision, type.scale);
     const std::string real = Code(SqlType::Float());
-    return {
-        kConvertCall.Call({kRound.Call({sql, std::to_string(type.scale), "0", real}), real, Code(type), "0"}),
-        type};
+    // Into an integer the fraction is cut, into a decimal it is rounded.
+    return {kConvertCall.Call({sql, real, Code(type), "0"}), type};
 }
 
 Bound RealOfReal(Binding& call) {

@@ -6,13 +6,12 @@
 #include <limits>
 #include <vector>
 
-#include "automation/variant.h"
-#include "text/ascii.h"
 #include "text/utf8.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/call.h"
 #include "tsql/types/convert.h"
 #include "tsql/types/date_text.h"
+#include "tsql/types/letter_case.h"
 #include "tsql/types/like_pattern.h"
 
 namespace vicenter::tsql::engine {
@@ -79,6 +78,15 @@ void LenFunction(FunctionCall& call) {
     call.Return(static_cast<std::int64_t>(UnitCount(WithoutTrailingBlanks(call.Text(0)))));
 }
 
+// A byte for the sign and words of four bytes, as many as the digits need.
+std::int64_t DecimalBytes(const Decimal& number) {
+    automation::UInt128 rest = number.Magnitude() >> 32;
+    std::int64_t bytes = 5;
+    for (; rest != 0; rest >>= 32)
+        bytes += 4;
+    return bytes;
+}
+
 // ts_datalength(value, type)
 void DataLengthFunction(FunctionCall& call) {
     if (call.IsNull(0)) return;
@@ -96,6 +104,12 @@ void DataLengthFunction(FunctionCall& call) {
             return call.Return(std::int64_t{4});
         case TypeKind::kUniqueIdentifier:
             return call.Return(std::int64_t{16});
+        case TypeKind::kDecimal:
+            return call.Return(DecimalBytes(call.Argument(0, type).Exact()));
+        case TypeKind::kDate:
+            return call.Return(std::int64_t{3});
+        case TypeKind::kTime:
+            return call.Return(std::int64_t{5});
         default:
             break;
     }
@@ -182,41 +196,6 @@ void RTrimFunction(FunctionCall& call) {
 
 void TrimFunction(FunctionCall& call) {
     if (!call.IsNull(0)) call.Return(WithoutTrailingBlanks(WithoutLeadingBlanks(call.Text(0))));
-}
-
-// Capital and small letters of ASCII, Latin-1, Greek and Cyrillic.
-std::string WithCase(std::string_view text, bool upper) {
-    std::string result;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t bytes = CharacterBytes(text, at);
-        if (bytes == 2) {
-            const auto lead = static_cast<unsigned char>(text[at]);
-            const auto trail = static_cast<unsigned char>(text[at + 1]);
-            std::uint32_t code = (lead & 0x1FU) << 6 | (trail & 0x3FU);
-            const auto within = [&code](std::uint32_t low, std::uint32_t high) {
-                return code >= low && code <= high;
-            };
-            if (upper) {
-                if ((within(0xE0, 0xFE) && code != 0xF7) || (within(0x3B1, 0x3C9) && code != 0x3C2) ||
-                    within(0x430, 0x44F))
-                    code -= 32;
-                else if (within(0x450, 0x45F))
-                    code -= 80;
-            } else {
-                if ((within(0xC0, 0xDE) && code != 0xD7) || within(0x391, 0x3A9) || within(0x410, 0x42F))
-                    code += 32;
-                else if (within(0x400, 0x40F))
-                    code += 80;
-            }
-            text::AppendUtf8(result, code);
-        } else if (bytes == 1) {
-            result += upper ? text::UpperAscii(text[at]) : LowerAscii(text[at]);
-        } else {
-            result += text.substr(at, bytes);
-        }
-        at += bytes;
-    }
-    return result;
 }
 
 void UpperFunction(FunctionCall& call) {
@@ -318,6 +297,15 @@ void UnicodeFunction(FunctionCall& call) {
     call.Return(static_cast<std::int64_t>(FirstCode(call.Text(0))));
 }
 
+// ts_ascii(text): the first byte as a varchar has it
+void AsciiFunction(FunctionCall& call) {
+    if (call.IsNull(0) || call.Text(0).empty()) return;
+    const std::string_view first = call.Text(0).substr(0, CharacterBytes(call.Text(0), 0));
+    const bool plain = first.size() == 1 && static_cast<unsigned char>(first.front()) < 0x80;
+    call.Return(
+        std::int64_t{plain ? static_cast<unsigned char>(first.front()) : call.Collation().LeadByte(first)});
+}
+
 void NCharFunction(FunctionCall& call) {
     if (call.IsNull(0)) return;
     const std::int64_t number = call.Int(0);
@@ -355,17 +343,28 @@ void LikeFunction(FunctionCall& call) {
 // ts_isnumeric(text): what could become an integer, decimal, money or float
 void IsNumericFunction(FunctionCall& call) {
     if (call.IsNull(0)) return call.Return(std::int64_t{0});
-    std::string text(call.Text(0));
-    std::erase(text, ',');
-    std::erase(text, '$');
-    if (automation::ParseDouble(text)) return call.Return(std::int64_t{1});
+    const SqlType type = SqlType::NVarChar(kMaxLength);
+    const Value text(call.Text(0));
     const std::string_view trimmed = WithoutTrailingBlanks(WithoutLeadingBlanks(call.Text(0)));
-    const bool lone = trimmed == "+" || trimmed == "-" || trimmed == "." || trimmed == "$";
-    call.Return(std::int64_t{lone ? 1 : 0});
+    const bool lone = trimmed == "+" || trimmed == "-" || trimmed == "." || trimmed == ",";
+    bool is = lone;
+    for (const SqlType& number :
+         {SqlType::Float(), SqlType::Of(TypeKind::kMoney), SqlType::Decimal(kMaxPrecision, 0)}) {
+        if (is || trimmed.empty()) break;
+        try {
+            Convert(text, type, number);
+            is = true;
+        } catch (const SqlError&) {
+            // Not this one.
+        }
+    }
+    call.Return(std::int64_t{is ? 1 : 0});
 }
 
 void IsDateFunction(FunctionCall& call) {
-    call.Return(std::int64_t{!call.IsNull(0) && !call.Text(0).empty() && ParseDate(call.Text(0)) ? 1 : 0});
+    // What a datetime can hold, which is less than what can be read.
+    const auto date = call.IsNull(0) || call.Text(0).empty() ? std::nullopt : ParseDate(call.Text(0));
+    call.Return(std::int64_t{date && RoundToType(*date, SqlType::DateTime()) ? 1 : 0});
 }
 
 // Type rules.
@@ -454,16 +453,21 @@ Bound BindQuoteName(Binding& call) {
 Bound BindConcat(Binding& call) {
     std::string sql;
     int length = 0;
+    bool isMax = false;
     bool unicode = false;
     for (std::size_t i = 0; i < call.Count(); ++i) {
         const int part = call.TextLength(i);
-        length = part == kMaxLength ? kLongestVarChar : length + part;
+        isMax = isMax || part == kMaxLength;
+        length += part == kMaxLength ? 0 : part;
         unicode = unicode || call.Type(i).IsUnicode();
         sql += (i == 0 ? "ifnull(" : " || ifnull(") + call.Text(i) + ", '')";
     }
     const int limit = unicode ? kLongestUnicode : kLongestVarChar;
     const TypeKind kind = unicode ? TypeKind::kNVarChar : TypeKind::kVarChar;
-    return {"(" + sql + ")", SqlType::Of(kind, length < limit ? length : limit)};
+    const SqlType type = SqlType::Of(kind, isMax ? kMaxLength : std::min(length, limit));
+    sql = "(" + sql + ")";
+    if (isMax || length <= limit) return {sql, type};
+    return {kConvertCall.Call({sql, Code(SqlType::Of(kind, kMaxLength)), Code(type), "0"}), type};
 }
 
 constexpr SqlFunction kLen = Scalar<LenFunction>("ts_len", 1);
@@ -484,6 +488,7 @@ constexpr SqlFunction kSpace = Scalar<SpaceFunction>("ts_space", 1);
 constexpr SqlFunction kStuff = Scalar<StuffFunction>("ts_stuff", 4);
 constexpr SqlFunction kReverse = Scalar<ReverseFunction>("ts_reverse", 1);
 constexpr SqlFunction kStr = Scalar<StrFunction>("ts_str", 3);
+constexpr SqlFunction kAscii = Scalar<AsciiFunction>("ts_ascii", 1);
 constexpr SqlFunction kUnicode = Scalar<UnicodeFunction>("ts_unicode", 1);
 constexpr SqlFunction kNChar = Scalar<NCharFunction>("ts_nchar", 1);
 constexpr SqlFunction kQuoteName = Scalar<QuoteNameFunction>("ts_quotename", -1);
@@ -491,7 +496,7 @@ constexpr SqlFunction kIsNumeric = Scalar<IsNumericFunction>("ts_isnumeric", 1);
 constexpr SqlFunction kIsDate = Scalar<IsDateFunction>("ts_isdate", 1);
 
 constexpr FunctionEntry kEntries[] = {
-    {"ascii", 1, 1, IntOfText, &kUnicode},
+    {"ascii", 1, 1, IntOfText, &kAscii},
     {"char", 1, 1, BindCharOf<TypeKind::kChar>, &kNChar},
     {"charindex", 2, 3, BindCharIndex, &kCharIndex},
     {"concat", 2, kManyArguments, BindConcat},

@@ -39,6 +39,14 @@ bool SameColumns(const std::vector<std::string>& a, const std::vector<std::strin
 
 }  // namespace
 
+SqlError ForeignKeyError(std::string_view operation, const ForeignKeyInfo& key) {
+    const bool single = key.referencedColumns.size() == 1;
+    return MakeError(
+        547, {},
+        {operation, "FOREIGN KEY", key.name, "accountset", "dbo." + key.referencedTable,
+         single ? ", column '" : "", single ? key.referencedColumns.front() : "", single ? "'" : ""});
+}
+
 SqlError ConstraintError(const Catalog& catalog, const FunctionServices& services,
                          const Translation& translation, FailureKind kind, const std::string& text) {
     const TableInfo* table = catalog.FindTable(translation.table);
@@ -72,12 +80,7 @@ SqlError ConstraintError(const Catalog& catalog, const FunctionServices& service
     }
     if (kind == FailureKind::kForeignKey) {
         if (operation != "DELETE" && !table->foreignKeys.empty()) {
-            const ForeignKeyInfo& key = table->foreignKeys.front();
-            const bool single = key.referencedColumns.size() == 1;
-            return MakeError(
-                547, {},
-                {operation, "FOREIGN KEY", key.name, "accountset", "dbo." + key.referencedTable,
-                 single ? ", column '" : "", single ? key.referencedColumns.front() : "", single ? "'" : ""});
+            return ForeignKeyError(operation, table->foreignKeys.front());
         }
         for (const TableInfo* other : catalog.Tables()) {
             for (const ForeignKeyInfo& key : other->foreignKeys) {

@@ -16,4 +16,7 @@ namespace vicenter::tsql::engine {
 SqlError ConstraintError(const Catalog& catalog, const FunctionServices& services,
                          const Translation& translation, FailureKind kind, const std::string& text);
 
+// A row of the table refers to nothing.
+SqlError ForeignKeyError(std::string_view operation, const ForeignKeyInfo& key);
+
 }  // namespace vicenter::tsql::engine

@@ -11,6 +11,12 @@
 
 namespace vicenter::tsql::engine {
 
+namespace {
+
+constexpr std::int32_t kFirstUserError = 50000;
+
+}  // namespace
+
 Executor::Executor(Database& database, Catalog& catalog, FunctionServices& services,
                    const SessionOptions& options)
     : database_(database),
@@ -56,8 +62,13 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     caught_.clear();
     bool failed = true;
     bool outOfMemory = false;
+    keepsTransaction_ = false;
     try {
         failed = !RunReporting(batch);
+        if (!failed && transactions_.IsDoomed()) {
+            Report(MakeError(3998, {}).Details());
+            failed = true;
+        }
         EndStopping(report, failed);
     } catch (const std::bad_alloc&) {
         failed = outOfMemory = true;
@@ -66,7 +77,7 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     catalog_.EndSnapshot();
     if (std::exchange(services_.failedComparison, false)) failed = outOfMemory = true;
     try {
-        transactions_.EndBatch(failed);
+        transactions_.EndBatch(failed && !(keepsTransaction_ && transactions_.Count() > 0));
     } catch (const SqlError& error) {
         toUndo_ = true;
         Report(error.Details());
@@ -104,6 +115,7 @@ bool Executor::RunReporting(std::string_view batch) {
         return true;
     } catch (const Abort& abort) {
         Report(abort.error.Details());
+        keepsTransaction_ = !options_.batchTransactions && !Dooms(abort);
     } catch (const SqlError& error) {
         Report(Completed(error, error.Details().line).Details());
     } catch (const automation::Error& error) {
@@ -209,6 +221,7 @@ Flow Executor::RunList(const std::vector<StatementPtr>& statements) {
 
 Flow Executor::RunStatement(const Statement& statement) {
     const auto line = static_cast<std::int32_t>(statement.position.line);
+    unbound_ = false;
     try {
         database_.Stopping().Check();
         return Dispatch(statement);
@@ -236,17 +249,27 @@ void Executor::HandleError(SqlError error, std::int32_t line) {
     error = Completed(error, line);
     lastError_ = error.Number();
     rowCount_ = 0;
+    const Frame* unboundIn = std::exchange(unbound_, false) ? frame_ : nullptr;
     if (transactions_.IsOpen() && !database_.InTransaction()) {
         // A full disk and its like make SQLite undo everything by itself.
         transactions_.Rollback();
         throw Abort{error};
     }
-    if (tryDepth_ > 0) throw Abort{error};
+    if (tryDepth_ > 0) throw Abort{error, unboundIn};
     const ErrorEntry* entry = FindError(error.Number());
     const bool aborts = options_.batchTransactions || frame_->options.exactAbort ||
                         (entry != nullptr && entry->abortsBatch) || error.Details().severity >= 20;
-    if (aborts) throw Abort{error};
+    if (aborts) throw Abort{error, unboundIn};
     Report(error.Details());
+}
+
+bool Executor::Dooms(const Abort& abort) const {
+    const Diagnostic& details = abort.error.Details();
+    const SetOptions& options = frame_ != nullptr ? frame_->options : setOptions_;
+    if (options.exactAbort || details.severity >= 17 || details.number == kCancelledBatch) return true;
+    if (abort.unboundIn != nullptr || details.number >= kFirstUserError) return false;
+    const ErrorEntry* entry = FindError(details.number);
+    return entry != nullptr && entry->abortsBatch;
 }
 
 void Executor::LeaveFrame(Frame& frame) {

@@ -33,6 +33,13 @@ inline constexpr std::int32_t kInsufficientMemory = 701;
 // What follows a statement.
 enum class Flow { kNext, kBreak, kContinue, kReturn };
 
+// What ends a batch, or what TRY … CATCH takes: the error has been completed.
+struct Abort {
+    SqlError error;
+    // The frame whose text names what there is not: no TRY of that frame takes the error.
+    const Frame* unboundIn = nullptr;
+};
+
 class Executor {
   public:
     Executor(Database& database, Catalog& catalog, FunctionServices& services, const SessionOptions& options);
@@ -58,6 +65,8 @@ class Executor {
     static const Handler& HandlerOf(StatementKind kind);
     // Records an error that the batch survives, or throws it on.
     void HandleError(SqlError error, std::int32_t line);
+    // The transaction that is open can only be rolled back after this error.
+    bool Dooms(const Abort& abort) const;
     SqlError Completed(const SqlError& error, std::int32_t line) const;
     void Report(const Diagnostic& error);
     // Runs in a frame what a batch or a call is made of, and leaves it whichever way it ends.
@@ -89,7 +98,17 @@ class Executor {
     auto Translated(Work work) {
         FrameContext context(catalog_, programs_, *frame_);
         Translator translator(context);
-        return work(translator);
+        return Bound([&] { return work(translator); });
+    }
+    // Does the work of a translator; its errors are those of names and types.
+    template <class Work>
+    auto Bound(Work work) {
+        try {
+            return work();
+        } catch (const SqlError&) {
+            unbound_ = true;
+            throw;
+        }
     }
     void Bind(Plan& plan, const std::vector<Value>* row = nullptr);
     Value ParameterValue(const Parameter& parameter, const std::vector<Value>* row) const;
@@ -121,6 +140,8 @@ class Executor {
     void CreateTable(const CreateTableStatement& statement);
     void AlterTable(const AlterTableStatement& statement);
     void AddColumnTo(const AlterTableStatement& statement, const ColumnDefinition& definition);
+    void CheckRows(const TableInfo& table, const TableInfo& before, Position where);
+    [[noreturn]] void FailDependent(std::string_view kind, std::string_view dependent, const Name& column);
     void AddConstraintTo(const AlterTableStatement& statement, const Constraint& constraint);
     void AlterColumn(const AlterTableStatement& statement);
     void DropColumnOf(const AlterTableStatement& statement, const Name& name);
@@ -166,6 +187,7 @@ class Executor {
     void AddConstraint(TableInfo& table, const Constraint& constraint);
     // Makes a key of an existing table; error 1505 when its rows do not allow it.
     void MakeKey(const TableInfo& table, const KeyInfo& key, Position position);
+    std::string FirstDuplicate(const TableInfo& table, const KeyInfo& key);
     std::string ConstraintName(const TableInfo& table, const Constraint& constraint, const char* prefix,
                                const std::string& detail);
     void DropConstraint(TableInfo& table, const Name& name, bool& found);
@@ -183,9 +205,11 @@ class Executor {
     ProgramStore programs_;
     std::map<std::string, std::shared_ptr<Cursor>> globalCursors_;
     Transactions transactions_;
-    bool toUndo_ = false;    // a failed batch is still to be undone: there was no memory for it
-    SetOptions setOptions_;  // between batches; while one runs, its frame's count
+    bool keepsTransaction_ = false;  // the batch failed, but what BEGIN TRANSACTION began goes on
+    bool toUndo_ = false;            // a failed batch is still to be undone: there was no memory for it
+    SetOptions setOptions_;          // between batches; while one runs, its frame's count
     int tryDepth_ = 0;
+    bool unbound_ = false;  // the error on its way was found while a statement was translated
     std::int64_t rowCount_ = 0;
     std::int32_t lastError_ = 0;
     std::int32_t fetchStatus_ = 0;
@@ -194,11 +218,6 @@ class Executor {
     std::int64_t identityStep_ = 1;
     std::vector<Diagnostic> caught_;  // of the CATCH blocks that run, innermost last
     std::int64_t tableVariables_ = 0;
-};
-
-// What ends a batch, or what TRY … CATCH takes: the error has been completed.
-struct Abort {
-    SqlError error;
 };
 
 }  // namespace vicenter::tsql::engine

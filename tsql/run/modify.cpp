@@ -78,7 +78,7 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
     }
     guard.Release();
     rowCount_ = changed;
-    if (!frame_->options.noCount || report_->rowsAffected >= 0) {
+    if (!frame_->options.noCount) {
         report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + changed;
     }
 }
@@ -143,7 +143,7 @@ bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
         }
         guard.Release();
         rowCount_ = static_cast<std::int64_t>(rows.size());
-        if (!frame_->options.noCount || report_->rowsAffected >= 0)
+        if (!frame_->options.noCount)
             report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + rowCount_;
     });
     return possible;

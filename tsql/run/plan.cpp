@@ -32,7 +32,7 @@ Plan& Executor::PlanFor(const void* key, const Make& make) {
     FrameContext context(catalog_, programs_, *frame_);
     Translator translator(context);
     auto plan = std::make_unique<Plan>();
-    plan->translation = make(translator);
+    plan->translation = Bound([&] { return make(translator); });
     plan->statement = database_.Prepare(plan->translation.sql);
     plan->generation = catalog_.Generation();
     plan->takesAnyLiterals = !context.HasPinned();

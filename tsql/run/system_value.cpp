@@ -1,6 +1,7 @@
 // What the session answers about itself: @@ROWCOUNT and its kin, the clock, the error of a CATCH block.
 
 #include "tsql/run/executor.h"
+#include "tsql/types/date_text.h"
 
 namespace vicenter::tsql::engine {
 
@@ -17,12 +18,14 @@ Value Executor::SystemValue(std::string_view name) const {
     if (name == "@@version") return Value(std::string("Embedded account set"));
     if (name == "@@servername" || name == "host_name") return Value(std::string("localhost"));
     if (name == "@@datefirst") return Value(7);
-    if (name == "@@language") return Value(std::string("简体中文"));
+    if (name == "@@language") return Value(std::string("us_english"));
     if (name == "@@lock_timeout")
         return Value(frame_ != nullptr ? frame_->options.lockTimeoutMilliseconds : 0);
     if (name == "@@max_precision") return Value(kMaxPrecision);
     if (name == "@@cursor_rows" || name == "@@options") return Value(0);
-    if (name == "getdate") return Value(options_.now());
+    // To 1/300 of a second, as every datetime is.
+    if (name == "getdate")
+        return Value(RoundToType(options_.now(), SqlType::DateTime()).value_or(options_.now()));
     if (name == "db_name") return Value(std::string("accountset"));
     if (name == "db_id") return Value(5);
     if (name == "app_name") return Value(std::string("vicenter"));
@@ -30,7 +33,7 @@ Value Executor::SystemValue(std::string_view name) const {
         name == "session_user" || name == "system_user" || name == "suser_sname") {
         return Value(options_.user);
     }
-    if (name == "xact_state") return Value(transactions_.Count() > 0 ? 1 : 0);
+    if (name == "xact_state") return Value(transactions_.IsDoomed() ? -1 : transactions_.Count() > 0 ? 1 : 0);
     if (caught_.empty()) return {};
     const Diagnostic& caught = caught_.back();
     if (name == "error_number") return Value(std::int64_t{caught.number});

@@ -1,7 +1,10 @@
 #include "tsql/run/transaction.h"
 
+#include <vector>
+
 #include "automation/object.h"
 #include "tsql/base/error_table.h"
+#include "tsql/sqlite/kept_rows.h"
 
 namespace vicenter::tsql::engine {
 
@@ -11,6 +14,10 @@ void Transactions::Begin() {
     database_.CheckFile();
     database_.Run("BEGIN IMMEDIATE");
     open_ = true;
+    NoteBegin();
+}
+
+void Transactions::NoteBegin() {
     // Nobody else can change the catalog from here on.
     catalog_.Refresh();
     generationAtBegin_ = catalog_.Generation();
@@ -20,25 +27,77 @@ void Transactions::Begin() {
     if (broughtUp_) catalog_.BringUp();
 }
 
+void Transactions::BeginTemporary() {
+    database_.Run("BEGIN");
+    open_ = true;
+    onlyTemporary_ = true;
+    generationAtBegin_ = catalog_.Generation();
+}
+
+void Transactions::TakeLock() {
+    if (readOnly_) throw MakeError(3906, {}, {database_.Path()});
+    database_.CheckFile();
+    // A change of nothing takes the lock; error 1222 when others have written since this transaction read.
+    database_.Run("DELETE FROM main.\"ts$identity\" WHERE object IS NULL");
+    onlyTemporary_ = false;
+    NoteBegin();
+}
+
+void Transactions::CheckNotDoomed() const {
+    if (doomed_) throw MakeError(3930, {});
+}
+
+template <class Undo>
+void Transactions::KeepingVariables(Undo undo) {
+    struct Kept {
+        TableInfo table;
+        KeptRows rows;
+    };
+    std::vector<Kept> kept;
+    for (const std::string& name : catalog_.TemporaryNames()) {
+        if (name.front() != '@') continue;
+        const TableInfo& table = *catalog_.FindTable(name);
+        kept.push_back({table, KeptRows(database_, table.Sql())});
+    }
+    undo();
+    for (const Kept& entry : kept) {
+        const TableInfo* now = catalog_.FindTable(entry.table.name);
+        // Declared in the transaction, it is gone with it.
+        if (now != nullptr) {
+            database_.Run("DELETE FROM " + now->Sql());
+        } else {
+            catalog_.CreateTable(entry.table);
+        }
+        entry.rows.PutBack(database_, entry.table.Sql());
+    }
+}
+
 void Transactions::Commit() {
     if (!open_) return;
     // Into a file that nobody will find again nothing is to be saved.
-    database_.CheckFile();
+    if (!onlyTemporary_) database_.CheckFile();
     database_.Run("COMMIT");
     open_ = false;
+    onlyTemporary_ = false;
     broughtUp_ = false;
 }
 
 void Transactions::Rollback() {
     if (database_.InTransaction()) database_.Run("ROLLBACK");
     open_ = false;
+    onlyTemporary_ = false;
+    doomed_ = false;
     count_ = 0;
     if (catalog_.Generation() != generationAtBegin_ || broughtUp_) {
         broughtUp_ = false;
         catalog_.Forget();
         catalog_.Refresh();
     }
-    // Temporary tables made since the beginning are gone with it.
+    ForgetTemporaries();
+}
+
+// Temporary tables made since the beginning are gone with it.
+void Transactions::ForgetTemporaries() {
     for (const std::string& name : catalog_.TemporaryNames()) {
         const TableInfo* table = catalog_.FindTable(name);
         PreparedStatement exists =
@@ -49,14 +108,25 @@ void Transactions::Rollback() {
 }
 
 bool Transactions::BeginChange(bool temporary) {
+    CheckNotDoomed();
     catalog_.EndSnapshot();
-    if (open_ || temporary) return false;
+    if (temporary) {
+        // What ROLLBACK is to undo must be begun.
+        if (count_ > 0 && !open_) BeginTemporary();
+        return false;
+    }
+    if (open_ && onlyTemporary_) TakeLock();
+    if (open_) return false;
     Begin();
     return !batchIsUnit_ && count_ == 0;
 }
 
 void Transactions::StartBatch(bool mayWrite) {
     batchMayWrite_ = mayWrite;
+    if (mayWrite && open_ && onlyTemporary_ && !doomed_) {
+        catalog_.EndSnapshot();
+        TakeLock();
+    }
     if (!mayWrite || open_ || (!batchIsUnit_ && count_ == 0)) return;
     catalog_.EndSnapshot();
     Begin();
@@ -91,6 +161,7 @@ void Transactions::Run(const TransactionStatement& statement) {
             ++count_;
             break;
         case TransactionAction::kCommit:
+            CheckNotDoomed();
             if (count_ == 0) throw MakeError(3902, statement.position);
             --count_;
             // A batch that is one unit commits at its end.
@@ -100,20 +171,24 @@ void Transactions::Run(const TransactionStatement& statement) {
             if (!statement.name.IsEmpty() && open_) {
                 const std::string savepoint = Quoted("ts_save_" + statement.name.text);
                 try {
-                    database_.Run("ROLLBACK TO " + savepoint);
-                    catalog_.Forget();
-                    catalog_.Refresh();
+                    KeepingVariables([&] {
+                        database_.Run("ROLLBACK TO " + savepoint);
+                        catalog_.Forget();
+                        catalog_.Refresh();
+                        ForgetTemporaries();
+                    });
                     break;
                 } catch (const SqlError&) {
                     // No savepoint of that name: the name of the transaction.
                 }
             }
             if (count_ == 0) throw MakeError(3903, statement.position);
-            Rollback();
+            KeepingVariables([&] { Rollback(); });
             break;
         }
         case TransactionAction::kSave:
             if (count_ == 0) throw MakeError(628, statement.position);
+            CheckNotDoomed();
             if (!open_) Begin();
             database_.Run("SAVEPOINT " + Quoted("ts_save_" + statement.name.text));
             break;

@@ -23,6 +23,9 @@ class Transactions {
 
     // @@TRANCOUNT
     int Count() const { return count_; }
+    // Nothing but ROLLBACK can end it any more: a statement of it has failed in a way that TRY cannot mend.
+    void Doom() { doomed_ = true; }
+    bool IsDoomed() const { return doomed_; }
     // A transaction of SQLite is open, as far as this program knows.
     bool IsOpen() const { return open_; }
     // Before the first statement of a batch that may write, or may not.
@@ -51,7 +54,16 @@ class Transactions {
     // True when the change itself has to be committed.
     bool BeginChange(bool temporary);
     void Begin();
+    // Without the lock for writing, for temporary tables alone; and the lock when it is needed after all.
+    void BeginTemporary();
+    void TakeLock();
+    void NoteBegin();
+    void CheckNotDoomed() const;
     void Commit();
+    // Table variables are no part of a transaction: they stay as they are while it is undone.
+    void ForgetTemporaries();
+    template <class Undo>
+    void KeepingVariables(Undo undo);
 
     Database& database_;
     Catalog& catalog_;
@@ -60,6 +72,8 @@ class Transactions {
     int count_ = 0;
     bool open_ = false;
     bool batchMayWrite_ = false;
+    bool onlyTemporary_ = false;  // the open transaction has no lock yet
+    bool doomed_ = false;
     bool broughtUp_ = false;               // the set got the form of today in the transaction that is open
     std::uint64_t generationAtBegin_ = 0;  // of the catalog
 };

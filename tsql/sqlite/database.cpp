@@ -284,6 +284,33 @@ std::uint32_t Database::DataVersion() const {
     return version;
 }
 
+namespace {
+
+// What SQLite refuses of a statement that the translator found nothing wrong with: the server's error for it,
+// or the limit by its name.
+SqlError RefusedStatement(const std::string& text) {
+    const auto says = [&text](std::string_view part) { return text.find(part) != std::string::npos; };
+    if (says("misuse of window function")) return MakeError(4108, {});
+    if (says("misuse of aggregate") || says("aggregate functions are not allowed")) return MakeError(147, {});
+    if (says("Expression tree is too large") || says("parser stack overflow")) return MakeError(191, {});
+    if (says("tables in a join")) return MakeError(40510, {}, {"FROM of more than 64 tables"});
+    if (says("too many columns in result set"))
+        return MakeError(40510, {}, {"SELECT of more than 2000 columns"});
+    if (says("too many columns"))
+        return MakeError(40510, {}, {"a table, view or key of more than 2000 columns"});
+    if (says("too many terms in compound SELECT"))
+        return MakeError(40510, {}, {"UNION of more than 500 queries"});
+    if (says("too many terms in"))
+        return MakeError(40510, {}, {"ORDER BY or GROUP BY of more than 2000 columns"});
+    if (says("too many SQL variables") || says("variable number must be") || says("too many references") ||
+        says("too many arguments on")) {
+        return MakeError(8623, {});
+    }
+    return MakeError(8624, {}, {text});
+}
+
+}  // namespace
+
 bool Database::IsSound() const {
     sqlite3_stmt* prepared = nullptr;
     if (sqlite3_prepare_v2(handle_, "PRAGMA main.integrity_check(1)", -1, &prepared, nullptr) != SQLITE_OK)
@@ -329,7 +356,7 @@ SqlError Database::Failure(int code) const {
         case SQLITE_INTERRUPT:
             return MakeError(3617, {});
         default:
-            return MakeError(8624, {}, {text});
+            return RefusedStatement(text);
     }
 }
 

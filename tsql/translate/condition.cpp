@@ -25,6 +25,22 @@ const char* Sign(ComparisonOp op) {
     return "=";
 }
 
+// SQLite takes a long row of conditions for as many levels of one and refuses beyond a thousand: such a row
+// is halved again and again.
+std::string InARow(const std::vector<std::string>& parts, std::size_t from, std::size_t to,
+                   const char* word) {
+    constexpr std::size_t kMostInARow = 100;
+    if (to - from > kMostInARow) {
+        const std::size_t middle = from + (to - from) / 2;
+        return "(" + InARow(parts, from, middle, word) + ")" + word + "(" + InARow(parts, middle, to, word) +
+               ")";
+    }
+    std::string sql;
+    for (std::size_t i = from; i < to; ++i)
+        sql += (i == from ? "" : word) + parts[i];
+    return sql;
+}
+
 }  // namespace
 
 Translation Translator::Condition(const Expr& condition) {
@@ -67,14 +83,13 @@ std::string Translator::ConditionText(const Expr& condition, Scope& scope) {
         case ExprKind::kLogical: {
             const auto& logical = As<LogicalExpr>(condition);
             const bool wasAlternative = isAlternative_;
-            std::string sql;
+            std::vector<std::string> parts;
             for (const ExprPtr& operand : logical.operands) {
                 isAlternative_ = !logical.isAnd;
-                if (!sql.empty()) sql += logical.isAnd ? " AND " : " OR ";
-                sql += "(" + ConditionText(*operand, scope) + ")";
+                parts.push_back("(" + ConditionText(*operand, scope) + ")");
             }
             isAlternative_ = wasAlternative;
-            return sql;
+            return InARow(parts, 0, parts.size(), logical.isAnd ? " AND " : " OR ");
         }
         case ExprKind::kNot:
             return "NOT (" + ConditionText(*As<NotExpr>(condition).operand, scope) + ")";

@@ -12,7 +12,7 @@ constexpr const char* kDelete = "DELETE";
 
 Translation Translator::Delete(const DeleteStatement& statement) {
     if (!statement.currentOf.IsEmpty()) throw MakeError(40510, statement.position, {"WHERE CURRENT OF"});
-    if (!statement.with.empty()) commonTables_.push_back(&statement.with);
+    AddCommonTables(statement.with);
     Scope scope;
     std::string from = From(statement.from, scope);
     const Source& target = ChangedSource(statement.target, statement.position, scope, from);
@@ -28,7 +28,7 @@ Translation Translator::Delete(const DeleteStatement& statement) {
         if (statement.top) {
             if (statement.top->percent) throw MakeError(40510, statement.position, {"TOP"});
             Scope none;
-            limit = " LIMIT " + RenderAs(Value(*statement.top->count, none), SqlType::Of(TypeKind::kBigInt));
+            limit = " LIMIT " + RowCount(*statement.top->count, none, RowLimit::kTop);
         }
         sql += " WHERE _rowid_ IN (SELECT " + alias + "._rowid_" + from + where + limit + ")";
     } else {

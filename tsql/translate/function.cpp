@@ -14,6 +14,7 @@ class Translator::CallBinding final : public Binding {
                 std::string name)
         : Binding(entry, call, std::move(name)), translator_(translator), call_(call), scope_(scope) {
         const bool aggregate = entry.kind == FunctionKind::kAggregate && !call.over;
+        if (aggregate && translator_.aggregateDepth_ > 0) throw MakeError(130, call.position);
         if (aggregate) ++translator_.aggregateDepth_;
         for (std::size_t i = 0; i < call.arguments.size(); ++i) {
             operands_.push_back(i < entry.firstValue ? Operand()

@@ -79,7 +79,7 @@ std::string Translator::InsertHead(const TableInfo& table,
 Translation Translator::Insert(const InsertStatement& statement) {
     const TableInfo& table = TargetTable(statement.table);
     Begin(table, kInsert);
-    if (!statement.with.empty()) commonTables_.push_back(&statement.with);
+    AddCommonTables(statement.with);
     if (statement.source == InsertSource::kQuery) {
         Translation result = InsertQuery(table, statement.columns, *statement.query);
         if (!statement.output) return result;

@@ -1,11 +1,15 @@
 // Arithmetic: the type of a result, and the call that works it out.
 
+#include <algorithm>
+
 #include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
 
 namespace {
+
+constexpr int kLongestBinary = 8000;
 
 char OperatorLetter(BinaryOp op) {
     switch (op) {
@@ -108,7 +112,17 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
         for (const Operand* operand : {&left, &right}) {
             if (operand->literal != nullptr) context_.PinLiteral(*operand->literal);
         }
-        return Computed("(" + Render(left) + " || " + Render(right) + ")", TextSum(a, b));
+        const SqlType type = TextSum(a, b);
+        const std::string sql = "(" + Render(left) + " || " + Render(right) + ")";
+        // What is beyond the longest text of the type is cut.
+        const bool isCut = !type.IsMax() && a.length + b.length > type.length;
+        return Computed(isCut ? ConvertCall(sql, SqlType::Of(type.kind, kMaxLength), type) : sql, type);
+    }
+    if (op == BinaryOp::kAdd && a.IsBinary() && b.IsBinary()) {
+        SqlType type = SqlType::Of(TypeKind::kVarBinary, kMaxLength);
+        if (!a.IsMax() && !b.IsMax()) type.length = std::min(a.length + b.length, kLongestBinary);
+        const std::string sql = "CAST(" + Render(left) + " || " + Render(right) + " AS BLOB)";
+        return Computed(ConvertCall(sql, SqlType::Of(TypeKind::kVarBinary, kMaxLength), type), type);
     }
     SqlType common = CommonType(a, b);
     if (common.IsText()) {

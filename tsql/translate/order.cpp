@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "automation/object.h"
+#include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -96,20 +97,29 @@ std::string Translator::OrderBy(const Query& query, const SelectBody& select, Sc
     return sql;
 }
 
+std::string Translator::RowCount(const Expr& expression, Scope& scope, RowLimit limit) {
+    const Operand count = Value(expression, scope);
+    std::string sql = RenderAs(count, SqlType::Of(TypeKind::kBigInt));
+    if (count.literal != nullptr && count.literal->literal == LiteralKind::kInteger &&
+        limit == RowLimit::kTop)
+        return sql;
+    return kRowCountCall.Call({sql, std::to_string(static_cast<int>(limit))});
+}
+
 std::string Translator::LimitOf(const SelectBody* select, const Query* query, Scope& scope) {
-    const auto count = [&](const Expr& expression) {
+    const auto count = [&](const Expr& expression, RowLimit limit) {
         Scope none;
         none.outer = scope.outer;
-        return RenderAs(Value(expression, none), SqlType::Of(TypeKind::kBigInt));
+        return RowCount(expression, none, limit);
     };
     if (select != nullptr && select->top) {
         const TopClause& top = *select->top;
         if (top.percent || top.withTies) throw MakeError(40510, select->position, {"TOP"});
-        return " LIMIT " + count(*top.count);
+        return " LIMIT " + count(*top.count, RowLimit::kTop);
     }
     if (query == nullptr || !query->offset) return {};
-    std::string sql = " LIMIT " + (query->fetch ? count(*query->fetch) : "-1");
-    return sql + " OFFSET " + count(*query->offset);
+    std::string sql = " LIMIT " + (query->fetch ? count(*query->fetch, RowLimit::kFetch) : "-1");
+    return sql + " OFFSET " + count(*query->offset, RowLimit::kOffset);
 }
 
 }  // namespace vicenter::tsql::engine

@@ -50,7 +50,7 @@ Translation Translator::Select(const Query& query) {
 }
 
 QueryText Translator::QueryOf(const Query& query, const Scope* outer, bool ordered) {
-    if (!query.with.empty()) commonTables_.push_back(&query.with);
+    AddCommonTables(query.with);
     const SelectBody* select = query.Select();
     const bool limits = query.offset || (select != nullptr && select->top);
     const bool wasGrouping = aggregateAllowed_;
@@ -126,6 +126,7 @@ void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& part
 void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail) {
     std::string list;
     for (const ExprPtr& group : select.groupBy) {
+        if (HasAggregate(*group)) throw MakeError(144, group->position);
         const Operand operand = Value(*group, scope);
         if (operand.column || group->kind == ExprKind::kColumn) scope.groupColumns.push_back(operand.sql);
         list += (list.empty() ? " GROUP BY " : ", ") + Collated(operand);
@@ -165,7 +166,13 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size()) {
         throw MakeError(141, select.position);
     }
-    if (select.having) parts.tail += " HAVING " + ConditionText(*select.having, scope);
+    if (select.having) {
+        parts.tail += " HAVING " + ConditionText(*select.having, scope);
+        // Without a group all rows are one, which SQLite believes of a query that lists an aggregate only.
+        Operand& first = parts.items.front();
+        if (select.groupBy.empty())
+            first = Computed("iif(count(*) >= 0, " + Render(first) + ", NULL)", first.type);
+    }
     parts.head = select.distinct ? "SELECT DISTINCT" : "SELECT";
     if (!ordersFirst) {
         if (orderFrom != nullptr) parts.order = OrderBy(*orderFrom, select, scope, parts);

@@ -147,6 +147,17 @@ void Translator::AddSource(Source source, Scope& scope, Position position) {
     scope.sources.push_back(std::move(source));
 }
 
+void Translator::AddCommonTables(const std::vector<CommonTable>& tables) {
+    if (tables.empty()) return;
+    for (auto table = tables.begin(); table != tables.end(); ++table) {
+        for (auto other = tables.begin(); other != table; ++other) {
+            if (SameName(other->name.text, table->name.text))
+                throw MakeError(239, table->name.position, {table->name.text});
+        }
+    }
+    commonTables_.push_back(&tables);
+}
+
 const CommonTable* Translator::FindCommonTable(const std::string& name) const {
     for (auto list = commonTables_.rbegin(); list != commonTables_.rend(); ++list) {
         for (const CommonTable& table : **list) {

@@ -30,12 +30,29 @@ void Translator::Begin(const TableInfo& table, const char* operation) {
     if (table.temporary) translation_.temporaries.emplace_back(table.name, table.id);
 }
 
+// The server changes the table behind a view of plain columns of one table; here it is to be named itself.
+void Translator::RefuseView(const ObjectName& name, const Query& query) {
+    const SelectBody* select = query.Select();
+    const bool plain = select != nullptr && !select->distinct && select->groupBy.empty() && !select->having;
+    const bool single = plain && select->from.size() == 1 && select->from.front()->kind == SourceKind::kTable;
+    if (plain && !single && !select->from.empty()) throw MakeError(4405, name.Where(), {name.Object()});
+    bool derived = !single;
+    if (single) {
+        for (const SelectItem& item : select->items) {
+            derived = derived || (item.kind != SelectItemKind::kStar &&
+                                  (!item.expression || item.expression->kind != ExprKind::kColumn));
+        }
+    }
+    if (derived) throw MakeError(4406, name.Where(), {name.Object()});
+    throw MakeError(40510, name.Where(), {"INSERT, UPDATE and DELETE of view " + name.Object()});
+}
+
 const TableInfo& Translator::TargetTable(const ObjectName& name) {
     const TableInfo* table = FindTable(name.Object());
     if (table != nullptr) return *table;
     if (name.Object().front() == '@') throw MakeError(1087, name.Where(), {name.Object()});
-    if (context_.ViewDefinition(name.Object()) != nullptr)
-        throw MakeError(4406, name.Where(), {name.Object()});
+    if (const CreateViewStatement* view = context_.ViewDefinition(name.Object()))
+        RefuseView(name, *view->query);
     throw MakeError(208, name.Where(), {name.Text()});
 }
 
@@ -49,7 +66,11 @@ const Source& Translator::ChangedSource(const ObjectName& name, Position where, 
         target = &scope.sources.back();
         from += (from.empty() ? " FROM " : ", ") + named.Sql() + " AS " + target->alias;
     }
-    if (target->table == nullptr) throw MakeError(4406, where, {name.Text()});
+    if (target->table == nullptr) {
+        if (const CreateViewStatement* view = context_.ViewDefinition(target->tableName))
+            RefuseView(name, *view->query);
+        throw MakeError(40510, where, {"UPDATE and DELETE of query " + name.Text()});
+    }
     return *target;
 }
 

@@ -15,6 +15,7 @@
 #include "tsql/base/error_table.h"
 #include "tsql/catalog/catalog.h"
 #include "tsql/catalog/system_views.h"
+#include "tsql/functions/function.h"
 #include "tsql/translate/translation.h"
 
 namespace vicenter::tsql::engine {
@@ -196,6 +197,8 @@ class Translator {
     std::string OrderBy(const Query& query, const SelectBody& select, Scope& scope, const SelectParts& parts);
     void OrderRowsFirst(const Query& query, const SelectBody& select, Scope& scope, SelectParts& parts);
     std::string OrderItemText(const OrderItem& item, const std::string& sql, const Operand& operand);
+    // The number of rows that TOP, OFFSET or FETCH names.
+    std::string RowCount(const Expr& expression, Scope& scope, RowLimit limit);
     std::string LimitOf(const SelectBody* select, const Query* query, Scope& scope);
 
     // source.cpp
@@ -208,11 +211,14 @@ class Translator {
                         const std::vector<Name>& columns, Scope& scope, Position position);
     void AddSource(Source source, Scope& scope, Position position);
     Source SourceOf(const TableInfo& table, const std::string& exposedName);
+    // What WITH names; error 239 for a name that stands there twice.
+    void AddCommonTables(const std::vector<CommonTable>& tables);
     const CommonTable* FindCommonTable(const std::string& name) const;
 
     // target.cpp
     void Begin(const TableInfo& table, const char* operation);
     const TableInfo& TargetTable(const ObjectName& name);
+    [[noreturn]] static void RefuseView(const ObjectName& name, const Query& query);
     const Source& ChangedSource(const ObjectName& name, Position where, Scope& scope, std::string& from);
     std::string Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable);
 

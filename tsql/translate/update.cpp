@@ -31,6 +31,7 @@ std::vector<Translator::Assigned> Translator::Assignments(const UpdateStatement&
         for (const Assigned& other : result) {
             if (other.column == column) throw MakeError(264, assignment.position, {name});
         }
+        if (HasAggregate(*assignment.value)) throw MakeError(157, assignment.position);
         const auto* literal = TryAs<LiteralExpr>(assignment.value.get());
         Operand value = literal != nullptr && literal->literal == LiteralKind::kDefault
                             ? DefaultOf(*column)
@@ -63,7 +64,7 @@ struct Translator::UpdateParts {
 
 Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement) {
     if (!statement.currentOf.IsEmpty()) throw MakeError(40510, statement.position, {"WHERE CURRENT OF"});
-    if (!statement.with.empty()) commonTables_.push_back(&statement.with);
+    AddCommonTables(statement.with);
     UpdateParts parts;
     parts.from = From(statement.from, parts.scope);
     const Source& target = ChangedSource(statement.target, statement.position, parts.scope, parts.from);
@@ -75,8 +76,7 @@ Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement) {
     if (statement.top) {
         if (statement.top->percent) throw MakeError(40510, statement.position, {"TOP"});
         Scope none;
-        parts.limit =
-            " LIMIT " + RenderAs(Value(*statement.top->count, none), SqlType::Of(TypeKind::kBigInt));
+        parts.limit = " LIMIT " + RowCount(*statement.top->count, none, RowLimit::kTop);
     }
     return parts;
 }

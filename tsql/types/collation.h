@@ -5,6 +5,7 @@
 // printable characters of ASCII must stand as the root order has them: marks before digits before letters,
 // letters without case.
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,9 @@ class TextCollation {
     virtual int Compare(std::string_view a, std::string_view b) const = 0;
     // Equal for texts that compare equal, character by character: what LIKE and REPLACE compare.
     virtual std::string Fold(std::string_view text) const = 0;
+    // The first byte that a character beyond ASCII has in the code page of varchar; that of '?' for one that
+    // is not in it.
+    virtual std::uint8_t LeadByte(std::string_view /*character*/) const { return '?'; }
 };
 
 // With trailing blanks ignored and a short way for equal texts and for printable ASCII.

@@ -163,11 +163,12 @@ std::optional<Decimal> MoneyFromText(std::string_view text) {
     std::string plain;
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == ',' || text[at] == '$') continue;
-        if (text.substr(at, 2) == "\xC2\xA5") {  // the yen and yuan sign
-            ++at;
-            continue;
+        // The signs of yuan and yen, narrow and wide, of pound and euro.
+        const std::size_t at0 = at;
+        for (const std::string_view sign : {"\xC2\xA5", "\xEF\xBF\xA5", "\xC2\xA3", "\xE2\x82\xAC"}) {
+            if (text.substr(at0, sign.size()) == sign) at += sign.size() - 1;
         }
-        plain += text[at];
+        if (at == at0) plain += text[at];
     }
     if (Trimmed(plain).empty()) return Decimal(0);
     return Decimal::Parse(plain);
@@ -221,7 +222,14 @@ Value ToReal(const Value& value, const SqlType& from, const SqlType& to) {
         case StorageClass::kText: {
             const std::string_view text = Trimmed(value.Text());
             if (text.empty()) break;
-            const auto parsed = automation::ParseDouble(text);
+            auto parsed = automation::ParseDouble(text);
+            if (!parsed) {
+                // The exponent may be written with a d as well.
+                std::string other(text);
+                const std::size_t mark = other.find_first_of("dD");
+                if (mark != std::string::npos) other[mark] = 'e';
+                if (mark != std::string::npos) parsed = automation::ParseDouble(other);
+            }
             if (!parsed) throw MakeError(8114, {}, {from.Name(), to.Name()});
             number = *parsed;
             break;
@@ -343,6 +351,8 @@ Value ToText(const Value& value, const SqlType& from, const SqlType& to, int sty
     if (IsTooLong(text, to)) {
         if (from.IsInteger() && !to.IsUnicode() && from.kind != TypeKind::kBigInt) {
             text = "*";
+        } else if (from.IsMoney()) {
+            throw MakeError(234, {}, {from.Name(), to.Name()});
         } else if (from.IsNumber()) {
             throw MakeError(8115, {}, {from.IsInteger() ? "expression" : MessageName(from), to.Name()});
         } else {
@@ -370,9 +380,26 @@ Value ToGuid(const Value& value, const SqlType& from, const SqlType& to) {
     throw MakeError(529, {}, {from.Name(), to.Name()});
 }
 
-Value ToBinary(const Value& value, const SqlType& from, const SqlType& to) {
+// "0x4142" by style 1, "4142" by style 2.
+std::string BytesOfHexadecimal(const std::string& text, const SqlType& from, const SqlType& to, int style) {
+    std::string_view digits = WithoutTrailingBlanks(text);
+    const bool isMarked = digits.starts_with("0x") || digits.starts_with("0X");
+    if (style == 1 && isMarked) digits.remove_prefix(2);
+    bool sound = digits.size() % 2 == 0 && isMarked == (style == 1);
+    for (const char c : digits)
+        sound = sound && text::IsHexDigit(c);
+    if (!sound) throw MakeError(8114, {}, {from.Name(), to.Name()});
     std::string bytes;
-    if (from.IsText()) {
+    for (std::size_t at = 0; at < digits.size(); at += 2)
+        bytes += static_cast<char>(text::HexValue(digits[at]) << 4 | text::HexValue(digits[at + 1]));
+    return bytes;
+}
+
+Value ToBinary(const Value& value, const SqlType& from, const SqlType& to, int style = 0) {
+    std::string bytes;
+    if (from.IsText() && (style == 1 || style == 2)) {
+        bytes = BytesOfHexadecimal(value.Text(), from, to, style);
+    } else if (from.IsText()) {
         bytes = value.Text();
     } else if (from.IsBinary()) {
         bytes = value.Blob();
@@ -450,7 +477,7 @@ Value Convert(const Value& value, const SqlType& from, const SqlType& to, int st
     if (to.IsText()) return ToText(value, from, to, style);
     if (to.IsDate()) return ToDate(value, from, to, style);
     if (to.kind == TypeKind::kUniqueIdentifier) return ToGuid(value, from, to);
-    if (to.IsBinary()) return ToBinary(value, from, to);
+    if (to.IsBinary()) return ToBinary(value, from, to, style);
     return value;
 }
 
@@ -464,6 +491,7 @@ Value ConvertForColumn(const Value& value, const SqlType& from, const ColumnTarg
     if (to.IsText()) {
         std::string text = ToPlainText(value, from, 0);
         if (IsTooLong(text, to)) {
+            if (from.IsMoney()) throw MakeError(234, {}, {from.Name(), to.Name()});
             if (from.IsNumber()) {
                 throw MakeError(8115, {}, {from.IsInteger() ? "expression" : MessageName(from), to.Name()});
             }

@@ -19,6 +19,9 @@ constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March
 constexpr std::array<const char*, 7> kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                   "Thursday", "Friday", "Saturday"};
 constexpr std::int64_t kMillisecondsPerDay = 86400000;
+// 0001-01-01 and 9999-12-31, counted from the zero of automation dates.
+constexpr std::int64_t kFirstDay = -693593;
+constexpr std::int64_t kLastDay = 2958465;
 
 int MonthByName(std::string_view word) {
     if (word.size() < 3) return 0;
@@ -446,7 +449,7 @@ std::optional<DateTime> AddToDate(DatePart part, std::int64_t count, const DateT
     // int arguments times a week stay far below 2^63.
     const DateTime moved = DateTime::FromMilliseconds(date.Milliseconds() + count * unit);
     const std::int64_t day = DayNumber(moved);
-    if (day < -693593 || day > 2958465) return std::nullopt;
+    if (day < kFirstDay || day > kLastDay) return std::nullopt;
     return moved;
 }
 
@@ -560,7 +563,11 @@ std::optional<DateTime> RoundToType(const DateTime& date, const SqlType& type) {
             if (date.Parts().year < 1753) return std::nullopt;
             const std::int64_t within = milliseconds - day * kMillisecondsPerDay;
             const std::int64_t last = within % 10;
-            return DateTime::FromMilliseconds(milliseconds - last + kRounded[static_cast<std::size_t>(last)]);
+            const DateTime rounded =
+                DateTime::FromMilliseconds(milliseconds - last + kRounded[static_cast<std::size_t>(last)]);
+            // The last of all milliseconds goes up into a year that there is not.
+            if (DayNumber(rounded) > kLastDay) return std::nullopt;
+            return rounded;
         }
         default:
             return date;

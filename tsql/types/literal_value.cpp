@@ -79,7 +79,8 @@ Value ValueOfLiteral(LiteralKind kind, std::string_view text, bool negated) {
         }
         case LiteralKind::kDecimal:
         case LiteralKind::kMoney: {
-            auto number = Decimal::Parse(text);
+            // A lone currency sign is nothing of that currency.
+            auto number = text.empty() ? Decimal(0) : Decimal::Parse(text);
             // A number of more than 38 digits.
             if (!number) throw MakeError(1007, {}, {text});
             if (negated && !number->IsZero()) number = number->Negated();

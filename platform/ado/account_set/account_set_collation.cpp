@@ -1,5 +1,6 @@
 #include "platform/ado/account_set/account_set_collation.h"
 
+#include "platform/system/code_page.h"
 #include "platform/system/collation.h"
 
 namespace vicenter::ado {
@@ -12,6 +13,12 @@ class ChineseCollation final : public tsql::engine::TextCollation {
         return system::Collator::Chinese().Compare(a, b);
     }
     std::string Fold(std::string_view text) const override { return system::Collator::Chinese().Fold(text); }
+    std::uint8_t LeadByte(std::string_view character) const override {
+        constexpr int kChinese = 936;
+        const auto page = system::CodePage::Open(kChinese);
+        const std::string bytes = page ? page->Encode(character) : std::string();
+        return bytes.empty() ? std::uint8_t{'?'} : static_cast<std::uint8_t>(bytes.front());
+    }
 };
 
 }  // namespace

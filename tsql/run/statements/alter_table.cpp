@@ -1,5 +1,9 @@
+#include <algorithm>
+
 #include "automation/object.h"
+#include "tsql/run/constraint_error.h"
 #include "tsql/run/executor.h"
+#include "tsql/syntax/lexer.h"
 #include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::tsql::engine {
@@ -11,6 +15,22 @@ namespace {
 bool IsEmpty(Database& database, const TableInfo& table) {
     PreparedStatement any = database.Prepare("SELECT 1 FROM " + table.Sql() + " LIMIT 1");
     return !database.Step(any);
+}
+
+bool Names(const std::vector<std::string>& columns, std::string_view name) {
+    return std::any_of(columns.begin(), columns.end(),
+                       [name](const std::string& column) { return SameName(column, name); });
+}
+
+// The expression uses a column of that name, as far as its words tell.
+bool Mentions(const std::string& expression, std::string_view name) {
+    Lexer lexer(expression);
+    for (Token token = lexer.Next(); token.kind != TokenKind::kEnd; token = lexer.Next()) {
+        const bool isName =
+            token.kind == TokenKind::kIdentifier || token.kind == TokenKind::kQuotedIdentifier;
+        if (isName && SameName(TokenValue(token), name)) return true;
+    }
+    return false;
 }
 
 }  // namespace
@@ -44,6 +64,40 @@ void Executor::RunOnce(Translation translation) {
     }
 }
 
+// The rows that are there keep what the table is to have more than before: error 547.
+void Executor::CheckRows(const TableInfo& table, const TableInfo& before, Position where) {
+    for (std::size_t i = before.checks.size(); i < table.checks.size(); ++i) {
+        const CheckInfo& check = table.checks[i];
+        PreparedStatement broken =
+            database_.Prepare("SELECT 1 FROM " + table.Sql() + " WHERE NOT (" + check.sqlText + ") LIMIT 1");
+        if (database_.Step(broken))
+            throw MakeError(547, where,
+                            {"ALTER TABLE", "CHECK", check.name, "accountset", table.FullName(), "", "", ""});
+    }
+    for (std::size_t i = before.foreignKeys.size(); i < table.foreignKeys.size(); ++i) {
+        const ForeignKeyInfo& key = table.foreignKeys[i];
+        std::string given;
+        std::string met;
+        for (std::size_t c = 0; c < key.columns.size() && c < key.referencedColumns.size(); ++c) {
+            given += (c == 0 ? "" : " AND ") + ("child." + Quoted(key.columns[c])) + " IS NOT NULL";
+            met += (c == 0 ? "" : " AND ") + ("parent." + Quoted(key.referencedColumns[c])) + " = child." +
+                   Quoted(key.columns[c]);
+        }
+        PreparedStatement broken =
+            database_.Prepare("SELECT 1 FROM " + table.Sql() + " AS child WHERE " + given +
+                              " AND NOT EXISTS (SELECT 1 FROM main." + Quoted(key.referencedTable) +
+                              " AS parent WHERE " + met + ") LIMIT 1");
+        if (database_.Step(broken)) throw ForeignKeyError("ALTER TABLE", key);
+    }
+}
+
+// The server tells what depends on the column, and then that it stays.
+void Executor::FailDependent(std::string_view kind, std::string_view dependent, const Name& column) {
+    SqlError first = MakeError(5074, column.position, {kind, dependent, "column", column.text});
+    if (tryDepth_ == 0) Report(Completed(first, static_cast<std::int32_t>(column.position.line)).Details());
+    throw MakeError(4922, column.position, {"ALTER TABLE DROP COLUMN", column.text});
+}
+
 void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDefinition& definition) {
     TableInfo changed = DefinedTable(statement.table, 4902);
     TableInfo probe = changed;
@@ -71,6 +125,7 @@ void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDef
         probe.foreignKeys.size() > changed.foreignKeys.size()) {
         now.checks = probe.checks;
         now.foreignKeys = probe.foreignKeys;
+        CheckRows(now, changed, statement.position);
         catalog_.ChangeTable(now, true);
     }
 }
@@ -84,16 +139,7 @@ void Executor::AddConstraintTo(const AlterTableStatement& statement, const Const
     } else {
         const bool rewrite = changed.checks.size() > current.checks.size() ||
                              changed.foreignKeys.size() > current.foreignKeys.size();
-        if (changed.checks.size() > current.checks.size() && statement.withCheck.value_or(true)) {
-            const CheckInfo& check = changed.checks.back();
-            PreparedStatement broken = database_.Prepare("SELECT 1 FROM " + current.Sql() + " WHERE NOT (" +
-                                                         check.sqlText + ") LIMIT 1");
-            if (database_.Step(broken)) {
-                throw MakeError(
-                    547, statement.position,
-                    {"ALTER TABLE", "CHECK", check.name, "accountset", current.FullName(), "", "", ""});
-            }
-        }
+        if (statement.withCheck.value_or(true)) CheckRows(changed, current, statement.position);
         catalog_.ChangeTable(changed, rewrite);
     }
 }
@@ -132,16 +178,24 @@ void Executor::DropColumnOf(const AlterTableStatement& statement, const Name& na
         if (statement.ifExists) return;
         throw MakeError(4924, name.position, {"ALTER TABLE DROP COLUMN", name.text, now.name});
     }
-    if (!column->defaultText.empty()) {
-        throw MakeError(5074, name.position, {"object", column->defaultName, "column", column->name});
-    }
+    if (!column->defaultText.empty()) FailDependent("object", column->defaultName, name);
     for (const KeyInfo& key : now.keys) {
-        for (const std::string& part : key.columns) {
-            if (SameName(part, name.text)) {
-                throw MakeError(5074, name.position,
-                                {key.IsConstraint() ? "object" : "index", key.name, "column", column->name});
-            }
+        if (Names(key.columns, name.text))
+            FailDependent(key.IsConstraint() ? "object" : "index", key.name, name);
+    }
+    for (const TableInfo* table : catalog_.Tables()) {
+        for (const ForeignKeyInfo& key : table->foreignKeys) {
+            const bool own = SameName(table->name, now.name) && Names(key.columns, name.text);
+            if (own || (SameName(key.referencedTable, now.name) && Names(key.referencedColumns, name.text)))
+                FailDependent("object", key.name, name);
         }
+    }
+    for (const CheckInfo& check : now.checks) {
+        if (Mentions(check.text, name.text)) FailDependent("object", check.name, name);
+    }
+    for (const ColumnInfo& other : now.columns) {
+        if (&other != column && Mentions(other.computedText, name.text))
+            FailDependent("column", other.name, name);
     }
     catalog_.DropColumn(now, column->name);
 }

@@ -1,5 +1,6 @@
 #include "automation/object.h"
 #include "tsql/run/executor.h"
+#include "tsql/sqlite/stored_value.h"
 
 namespace vicenter::tsql::engine {
 
@@ -21,11 +22,31 @@ void Executor::CreateIndex(const CreateIndexStatement& statement) {
         for (const IndexColumn& column : statement.columns) {
             const ColumnInfo* found = table.FindColumn(column.name.text);
             if (found == nullptr) throw MakeError(1911, column.name.position, {column.name.text});
+            if (!found->computedText.empty())
+                throw MakeError(40510, column.name.position,
+                                {"an index of computed column " + column.name.text});
             key.columns.push_back(found->name);
             key.descending.push_back(column.descending);
         }
         MakeKey(table, key, statement.position);
     });
+}
+
+// "(1, x)": what two rows have in common.
+std::string Executor::FirstDuplicate(const TableInfo& table, const KeyInfo& key) {
+    std::string list;
+    for (const std::string& column : key.columns)
+        list += (list.empty() ? "" : ", ") + Quoted(table.FindColumn(column)->name);
+    PreparedStatement twice = database_.Prepare("SELECT " + list + " FROM " + table.Sql() + " GROUP BY " +
+                                                list + " HAVING count(*) > 1 ORDER BY " + list + " LIMIT 1");
+    if (!database_.Step(twice)) return "()";
+    std::string values;
+    for (std::size_t i = 0; i < key.columns.size(); ++i) {
+        const SqlType& type = table.FindColumn(key.columns[i])->type;
+        const Value value = ReadColumn(twice.Handle(), static_cast<int>(i), type);
+        values += (i == 0 ? "(" : ", ") + KeyText(value, type);
+    }
+    return values + ")";
 }
 
 void Executor::MakeKey(const TableInfo& table, const KeyInfo& key, Position position) {
@@ -36,7 +57,7 @@ void Executor::MakeKey(const TableInfo& table, const KeyInfo& key, Position posi
         catalog_.CreateIndex(table, key);
     } catch (const SqlError&) {
         if (database_.LastFailureKind() != FailureKind::kUniqueKey) throw;
-        throw MakeError(1505, position, {tableName, keyName, "()"});
+        throw MakeError(1505, position, {tableName, keyName, FirstDuplicate(table, key)});
     }
 }
 

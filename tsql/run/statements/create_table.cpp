@@ -9,6 +9,12 @@ namespace vicenter::tsql::engine {
 
 using automation::SameName;
 
+namespace {
+
+constexpr std::int32_t kMostColumns = 1024;
+
+}  // namespace
+
 std::string Executor::ExpressionText(const Expr& expression) const {
     return tsql::Print(expression);
 }
@@ -72,6 +78,8 @@ void Executor::AddConstraint(TableInfo& table, const Constraint& constraint) {
                 if (SameName(candidate.name, entry.name.text)) column = &candidate;
             }
             if (column == nullptr) throw MakeError(1911, entry.name.position, {entry.name.text});
+            if (!column->computedText.empty())
+                throw MakeError(40510, entry.name.position, {"a key of computed column " + entry.name.text});
             if (makeNotNull) column->nullable = false;
             names.push_back(column->name);
         }
@@ -156,8 +164,11 @@ TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& d
     table.temporary = temporary;
     // Temporary names are made unique: a table dropped in a transaction that is undone comes back unseen.
     table.physical = temporary ? name + "$" + std::to_string(++tableVariables_) : name;
-    for (const ColumnDefinition& column : definition.columns)
+    for (const ColumnDefinition& column : definition.columns) {
+        if (table.columns.size() == static_cast<std::size_t>(kMostColumns))
+            throw MakeError(1702, column.name.position, {column.name.text, name, kMostColumns});
         AddColumn(table, column);
+    }
     for (const Constraint& constraint : definition.constraints)
         AddConstraint(table, constraint);
     if (temporary) table.foreignKeys.clear();

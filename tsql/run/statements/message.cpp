@@ -2,6 +2,7 @@
 
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
+#include "tsql/run/message_text.h"
 
 namespace vicenter::tsql::engine {
 
@@ -10,37 +11,6 @@ namespace {
 constexpr std::int32_t kUserError = 50000;
 // Messages up to this severity are no errors.
 constexpr std::int32_t kHighestMessage = 10;
-
-// The slots of RAISERROR: %d, %i, %u, %x and %s with flags, width and precision taken as plain.
-std::string FilledMessage(const std::string& message, const std::vector<std::string>& arguments) {
-    std::string result;
-    std::size_t next = 0;
-    for (std::size_t at = 0; at < message.size(); ++at) {
-        if (message[at] != '%' || at + 1 >= message.size()) {
-            result += message[at];
-            continue;
-        }
-        if (message[at + 1] == '%') {
-            result += '%';
-            ++at;
-            continue;
-        }
-        std::size_t end = at + 1;
-        while (end < message.size() &&
-               std::string_view("-+0# 123456789.*hlI").find(message[end]) != std::string::npos) {
-            ++end;
-        }
-        if (end >= message.size() ||
-            std::string_view("diosuxX").find(message[end]) == std::string_view::npos) {
-            result += message[at];
-            continue;
-        }
-        result += next < arguments.size() ? arguments[next] : std::string("(null)");
-        ++next;
-        at = end;
-    }
-    return result;
-}
 
 }  // namespace
 
@@ -66,12 +36,18 @@ void Executor::Raiserror(const RaiserrorStatement& statement) {
         const std::int64_t number = Convert(message, type, SqlType::Of(TypeKind::kBigInt)).Int();
         throw MakeError(18054, statement.position, {number, details.severity, details.state});
     }
-    std::vector<std::string> arguments;
+    std::vector<MessageArgument> arguments;
     for (const ExprPtr& argument : statement.arguments) {
+        MessageArgument& filled = arguments.emplace_back();
         SqlType argumentType;
         const Value value = Evaluate(*argument, &argumentType);
-        arguments.push_back(
-            value.IsNull() ? "(null)" : Convert(value, argumentType, SqlType::NVarChar(kMaxLength)).Text());
+        filled.isNull = value.IsNull();
+        filled.isInteger = argumentType.IsInteger();
+        if (filled.isNull) continue;
+        if (filled.isInteger)
+            filled.number = Convert(value, argumentType, SqlType::Of(TypeKind::kBigInt)).Int();
+        if (!filled.isInteger)
+            filled.text = Convert(value, argumentType, SqlType::NVarChar(kMaxLength)).Text();
     }
     details.text = FilledMessage(message.IsNull() ? std::string() : message.Text(), arguments);
     if (details.severity > kHighestMessage) throw SqlError(details);

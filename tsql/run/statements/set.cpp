@@ -54,8 +54,8 @@ constexpr FixedSwitch kFixedSwitches[] = {
     {"statistics xml", false},
 };
 
-// Languages whose dates are read as those here are.
-constexpr std::string_view kLanguages[] = {"简体中文", "simplified chinese", "us_english", "english"};
+// The language in which names of months and days are told, and dates are read.
+constexpr std::string_view kLanguages[] = {"us_english", "english"};
 
 std::string UpperAscii(std::string_view text) {
     std::string upper(text);

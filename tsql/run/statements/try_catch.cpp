@@ -16,6 +16,9 @@ Flow Executor::TryCatch(const TryCatchStatement& statement) {
         sink_ = sink;
         // A lost connection to the disk is nothing that code could go on after, nor is a cancel.
         if (abort.error.Details().severity >= 20 || abort.error.Number() == kCancelledBatch) throw;
+        // What this text names and there is not was never run, so that nothing in it could be caught.
+        if (abort.unboundIn == frame) throw;
+        if (transactions_.Count() > 0 && Dooms(abort)) transactions_.Doom();
         caught_.push_back(abort.error.Details());
     } catch (...) {
         --tryDepth_;
