@@ -13,7 +13,7 @@ constexpr std::int64_t kMaxVoucherNumber = 999999999;
 constexpr std::int64_t kUsualPeriods = 12;  // of a ledger that does not say how many it has
 constexpr int kCancel = 2;
 
-std::string Words(const FilterCount& count) {
+std::string Words(const store::VoucherCount& count) {
     return "将生成 " + std::to_string(count.numbers) + " 个凭证模板编号（" + std::to_string(count.vouchers) +
            " 张凭证，" + std::to_string(count.lines) + " 条分录）";
 }

@@ -8,8 +8,6 @@ namespace vicenter::autovch {
 using automation::Variant;
 using automation::VariantType;
 using entry::AppendSqlQuoted;
-using entry::kCrLf;
-using entry::SqlQuote;
 
 namespace {
 
@@ -31,28 +29,6 @@ constexpr std::string_view kFixedSources[] = {"FNo",        "FExp",           "F
 
 // How often the progress is asked, in rows.
 constexpr std::int64_t kProgressRows = 500;
-
-std::string Conditions(const VoucherFilter& filter) {
-    std::string sql = " Where a.FYear = " + filter.year + " And a.FPeriod = " + filter.period + kCrLf;
-    if (!filter.group.empty()) {
-        sql +=
-            "and a.FGroupID = (select FGroupID from t_VoucherGroup where FName = " + SqlQuote(filter.group) +
-            ") " + kCrLf;
-    }
-    sql += " and a.FNumber >=" + filter.from + " and a.FNumber <=" + filter.to + kCrLf;
-    if (!filter.includeSystem) sql += std::string(" and a.FTranType = 0") + kCrLf;
-    return sql;
-}
-
-std::string Joins() {
-    return std::string("  from t_Voucher a") + kCrLf +
-           " inner join t_VoucherEntry b on a.FVoucherID = b.FVoucherID" + kCrLf +
-           " inner join t_Account c on b.FAccountID = c.FAccountID" + kCrLf +
-           " left join t_Settle d on b.FSettleTypeID = d.FItemID and b.FSettleTypeID >0" + kCrLf +
-           " inner join t_Currency e on b.FCurrencyID = e.FCurrencyID" + kCrLf +
-           " left join t_MeasureUnit f on b.FMeasureUnitID = f.FMeasureUnitID and b.FMeasureUnitID >0" +
-           kCrLf;
-}
 
 // Numbers as plain decimals without loss, texts as literals, a missing value as the word Null.
 void AppendSql(std::string& batch, const Variant& value) {
@@ -82,33 +58,6 @@ void AppendSql(std::string& batch, const Variant& value) {
 }
 
 }  // namespace
-
-std::string VoucherQuery(const VoucherFilter& filter) {
-    return std::string(
-               " select a.FNumber as FNo,b.FExplanation as FExp,b.FDC,b.FAccountID,c.FNumber as "
-               "FAccountNumber,c.FName "
-               "as FAccountName, ") +
-           kCrLf +
-           " b.FSettleTypeID as FSettleID,isnull(d.FName,'') as FSettleName,ISNULL(d.FNumber,'') as "
-           "FSettleNumber," +
-           kCrLf +
-           " b.FCurrencyID,e.FName as FCurrencyName,b.FExchangeRate as "
-           "FRate,b.FAmountFor,b.FAmount,b.FQuantity as "
-           "FQty," +
-           kCrLf +
-           " b.FUnitPrice as FPrice,b.FMeasureUnitID as FUnitID,ISNULL(f.FName,'') as FUnitName,'' as "
-           "FRemark," +
-           kCrLf + " a.FAttachments as FFileCount,b.FDetailID as FItemsInfo" + kCrLf + Joins() +
-           Conditions(filter) + "order by b.FVoucherID,b.FEntryID";
-}
-
-std::string VoucherCountQuery(const VoucherFilter& filter) {
-    std::string sql =
-        "select count(distinct a.FNumber) as FNumbers,count(distinct a.FVoucherID) as FVouchers,"
-        "count(*) as FLines" +
-        std::string(kCrLf) + Joins() + Conditions(filter);
-    return sql;
-}
 
 std::string EntryColumns(const ChosenColumns& chosen) {
     std::string columns = "FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName";

@@ -1,6 +1,6 @@
 #pragma once
 
-// The statements of the generation: the voucher query and the batch that writes the template.
+// The batch of a generation: the lines that the voucher query gives, written as a template.
 
 #include <cstdint>
 #include <functional>
@@ -17,10 +17,8 @@ namespace vicenter::autovch {
 // The optional fields by the grid column that stands for them, out of store::VoucherColumns().
 using ChosenColumns = std::set<int>;
 
-// The lines of the selected vouchers in the vouchers' own order.
-std::string VoucherQuery(const VoucherFilter& filter);
-// Voucher, number and line counts of the same selection.
-std::string VoucherCountQuery(const VoucherFilter& filter);
+using store::VoucherCountQuery;
+using store::VoucherQuery;
 
 // The column list of every entry insert.
 std::string EntryColumns(const ChosenColumns& chosen);

@@ -1,11 +1,7 @@
 #include "autovch/voucher_filter.h"
 
-#include <algorithm>
-
-#include "autovch/generation_sql.h"
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
-#include "store/statements.h"
 
 namespace vicenter::autovch {
 
@@ -29,36 +25,9 @@ LedgerPeriod ReadLedgerPeriod() {
     return {ProfileNumber("PeriodCount"), ProfileNumber("CurrentYear"), ProfileNumber("CurrentPeriod")};
 }
 
-std::vector<std::string> ReadVoucherGroups() {
-    std::vector<std::string> names;
-    const auto groups = store::GetRecordset("select FGroupID,FName from t_VoucherGroup order by FGroupID ");
-    if (!groups) return names;
-    for (; !groups->AtEnd(); groups->MoveNext())
-        names.push_back(groups->Value("FName").ToTextOrEmpty());
-    return names;
-}
-
-VoucherNumbers ReadVoucherNumbers(const std::string& year, const std::string& period) {
-    if (!IsWholeNumber(year) || !IsWholeNumber(period)) return {};
-    const auto numbers = store::GetRecordset(
-        "select isnull(MIN(FNumber),0) as FMinNum,isnull(MAX(FNumber),0) as FMaxNum from t_Voucher where "
-        "FYear = " +
-        year + " and FPeriod = " + period);
-    if (!numbers || numbers->AtEnd()) return {};
-    return {numbers->Value("FMinNum").ToTextOrEmpty(), numbers->Value("FMaxNum").ToTextOrEmpty()};
-}
-
-FilterCount CountSelected(const VoucherFilter& filter) {
+store::VoucherCount CountSelected(const VoucherFilter& filter) {
     if (!FilterProblem(filter).empty()) return {};
-    const auto counts = store::GetRecordset(VoucherCountQuery(filter));
-    if (!counts || counts->AtEnd()) return {};
-    return {counts->Value("FNumbers").ToInt64(), counts->Value("FVouchers").ToInt64(),
-            counts->Value("FLines").ToInt64()};
-}
-
-bool IsWholeNumber(const std::string& text) {
-    return !text.empty() && text.size() <= 18 &&
-           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return store::CountVouchers(filter);
 }
 
 std::string FilterProblem(const VoucherFilter& filter) {

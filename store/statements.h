@@ -1,6 +1,7 @@
 #pragma once
 
-// The two routines for statements that a window builds itself: each runs on a fresh clsVIData.
+// The one way to run a statement: each on a fresh clsVIData, whose GetRs and IsExecuteSql are for hosts. What
+// a statement's text is, stands in store/ alone.
 
 #include <string>
 

@@ -2,6 +2,7 @@
 
 #include "entry/sql_text.h"
 #include "store/cls_vi_data.h"
+#include "store/statements.h"
 
 namespace vicenter::store {
 
@@ -41,12 +42,11 @@ constexpr const char* kAboveTheLargest = " where FID > (select Max(FID) from t_V
 }  // namespace
 
 std::optional<TemplateRow> AskTemplate(const std::string& id) {
-    return RowOf(
-        clsVIData().GetRs("select FUserID,FName as FTemplateName from t_VchTemplate where FID = " + id));
+    return RowOf(GetRecordset("select FUserID,FName as FTemplateName from t_VchTemplate where FID = " + id));
 }
 
 std::optional<TemplateRow> AskTemplateWithLines(const std::string& id) {
-    const RecordsetRef records = clsVIData().GetRs(
+    const RecordsetRef records = GetRecordset(
         "select a.FUserID,a.FName as FTemplateName,b.* from t_VchTemplate a left join t_VchTemplateEntry b "
         "on "
         "a.FID = b.FID where a.FID = " +
@@ -67,27 +67,27 @@ bool MayWrite(const TemplateRow& row, const std::string& templateId, const std::
 bool ConfirmNewTemplate(const std::string& id, const std::string& userId, const std::string& name) {
     const std::string under = " where FID = " + id;
     const RecordsetRef records =
-        clsVIData().GetRs("select FUserID,FName as FTemplateName,(select count(*) from t_VchTemplateEntry" +
-                          under + ") as FLines,(select count(*) from t_VchTpControl" + under +
-                          ") as FControls from t_VchTemplate" + under);
+        GetRecordset("select FUserID,FName as FTemplateName,(select count(*) from t_VchTemplateEntry" +
+                     under + ") as FLines,(select count(*) from t_VchTpControl" + under +
+                     ") as FControls from t_VchTemplate" + under);
     const std::optional<TemplateRow> row = RowOf(records);
     if (!row || !MayWrite(*row, id, userId) || row->name != name) return false;
     if (WholeNumber(records->Value("FLines")) == 0 && WholeNumber(records->Value("FControls")) == 0)
         return true;
     // Whatever lies there is not this template's. As long as it does, nothing is to be read or written there.
-    return clsVIData().GetRs("delete t_VchTemplateEntry" + under + kCrLf + " delete t_VchTpControl" +
-                             under) != nullptr;
+    return GetRecordset("delete t_VchTemplateEntry" + under + kCrLf + " delete t_VchTpControl" + under) !=
+           nullptr;
 }
 
 void ClearWayForNewTemplate() {
-    const RecordsetRef left = clsVIData().GetRs(
+    const RecordsetRef left = GetRecordset(
         std::string("select (select count(*) from t_VchTemplateEntry") + kAboveTheLargest +
         ") as FLines,(select count(*) from t_VchTpControl" + kAboveTheLargest + ") as FControls");
     // Without an answer nothing is deleted: the batch then says itself what is in its way.
     if (left == nullptr || left->RecordCount() < 1) return;
     if (WholeNumber(left->Value("FLines")) == 0 && WholeNumber(left->Value("FControls")) == 0) return;
-    clsVIData().GetRs(std::string("delete t_VchTemplateEntry") + kAboveTheLargest + kCrLf +
-                      " delete t_VchTpControl" + kAboveTheLargest);
+    GetRecordset(std::string("delete t_VchTemplateEntry") + kAboveTheLargest + kCrLf +
+                 " delete t_VchTpControl" + kAboveTheLargest);
 }
 
 std::string NamedTemplate::OwnerAfterwards(const std::string& userId) const {

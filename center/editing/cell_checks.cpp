@@ -40,23 +40,6 @@ int CheckOfColumn(int gridColumn) {
     return static_cast<int>(store::CheckOf(gridColumn));
 }
 
-std::string CheckText(int check) {
-    switch (check) {
-        case 1:
-            return "科目代码不存在或不是明细科目";
-        case 2:
-            return "结算方式不存在，或科目不是银行科目";
-        case 3:
-            return "币别不存在，或科目不核算该币别";
-        case 4:
-            return "计量单位不属于科目的计量单位组";
-        case 5:
-            return "核算项目与科目的项目类别不符，或项目代码不存在";
-        default:
-            return {};
-    }
-}
-
 TextVerdict OwnVerdict(const EntryGrid& grid, const CellAddress& cell) {
     if (cell.column < 1 || cell.column > kColumnCount) return TextVerdict::Taken;
     const TextVerdict refusal = grid.Refusal(cell.row, cell.column);

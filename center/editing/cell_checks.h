@@ -17,8 +17,6 @@ inline constexpr int kCheckCount = 5;  // 1 account, 2 settlement, 3 currency, 4
 
 // The check that speaks about a column, 0 for none.
 int CheckOfColumn(int gridColumn);
-// What the check expects, in words for tooltips.
-std::string CheckText(int check);
 
 // What the column itself says of a cell's text, whoever put it there: refused when it was given, or a number
 // outside of the column's limits. Needs no database.

@@ -5,9 +5,8 @@
 
 #include "entry/host_context.h"
 #include "entry/host_services.h"
-#include "entry/sql_text.h"
 #include "store/cls_vi_data.h"
-#include "store/statements.h"
+#include "store/template_rows.h"
 
 namespace vicenter::center {
 
@@ -77,17 +76,13 @@ std::string ProfileOf(const EntryGrid& grid) {
 void ColumnProfile::Apply() {
     const std::string profile = store::clsVIData().GetVchTpProfileByUserID(state_.userId);
     // An empty text may be what is stored, or an answer that never came.
-    unreadable_ =
-        profile.empty() &&
-        store::GetRecordset("select FValue from t_VchTpProfile where FUserID = " + state_.userId) == nullptr;
+    unreadable_ = profile.empty() && !store::CanReadColumnProfile(state_.userId);
     ApplyProfile(*state_.grid, profile);
 }
 
 bool ColumnProfile::Save() {
     if (unreadable_) return false;
-    store::RunSql(
-        "update t_VchTpProfile set FValue=" + entry::SqlQuote(ProfileOf(*state_.grid), true, false) +
-        " where FUserID = " + state_.userId);
+    store::SaveColumnProfile(state_.userId, ProfileOf(*state_.grid));
     return true;
 }
 

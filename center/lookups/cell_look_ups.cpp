@@ -6,7 +6,7 @@
 #include "center/editing/cell_checks.h"
 #include "platform/system/utf8.h"
 #include "store/number_text.h"
-#include "store/statements.h"
+#include "store/template_rows.h"
 
 namespace vicenter::center {
 
@@ -88,8 +88,7 @@ ChosenTexts TextsOfChoice(const EntryGrid& grid, int row, int gridColumn, const 
             ChosenTexts texts{{column::kExplanation, choice.name}};
             const bool hasAccount = !system::TrimBlanks(grid.Text(row, column::kAccountNumber)).empty();
             if (choice.id.empty() || choice.id == "0" || hasAccount) return texts;
-            const ado::RecordsetRef account =
-                store::GetRecordset("select FName,FNumber from t_Account where FAccountID = " + choice.id);
+            const ado::RecordsetRef account = store::ReadAccount(choice.id);
             if (account != nullptr && account->RecordCount() > 0) {
                 texts.emplace_back(column::kAccountId, choice.id);
                 texts.emplace_back(column::kAccountNumber, account->Value("FNumber").ToTextOrEmpty());
@@ -115,8 +114,7 @@ void WriteChosen(WindowState& state, int row, const ChosenTexts& texts) {
 }
 
 Variant UnitGroupOf(const std::string& accountId) {
-    const ado::RecordsetRef group = store::GetRecordset(
-        "select FUnitGroupID from t_account where FAccountID = " + accountId + " and FUnitGroupID <> 0");
+    const ado::RecordsetRef group = store::ReadUnitGroup(accountId);
     if (group == nullptr || group->RecordCount() < 1) return {};
     return group->Value("FUnitGroupID");
 }

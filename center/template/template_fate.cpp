@@ -29,7 +29,7 @@ TemplateFate FateOfOpenTemplate(const OpenTemplate& open, const std::string& use
     if (!store::MayWrite(*row, open.Id(), userId)) return TemplateFate::Gone;
     try {
         const bool same =
-            NameStands(open.Id(), open.Name(), row->name) && DigestOf(*row->lines) == open.Loaded();
+            NameStands(open.Id(), open.Name(), row->name) && store::DigestOf(*row->lines) == open.Loaded();
         return same ? TemplateFate::AsLoaded : TemplateFate::Changed;
     } catch (const Error&) {
         return TemplateFate::Unknown;
@@ -39,7 +39,7 @@ TemplateFate FateOfOpenTemplate(const OpenTemplate& open, const std::string& use
 std::optional<LinesDigest> DigestOfStored(const std::string& templateId) {
     try {
         const std::optional<store::TemplateRow> row = store::AskTemplateWithLines(templateId);
-        return row ? std::optional(DigestOf(*row->lines)) : std::nullopt;
+        return row ? std::optional(store::DigestOf(*row->lines)) : std::nullopt;
     } catch (const Error&) {
         return std::nullopt;
     }

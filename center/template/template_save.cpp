@@ -4,9 +4,7 @@
 
 #include "center/editing/cell_rules.h"
 #include "entry/host_services.h"
-#include "entry/sql_text.h"
 #include "platform/system/utf8.h"
-#include "store/cls_vi_data.h"
 #include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
@@ -14,7 +12,6 @@
 namespace vicenter::center {
 
 using automation::Error;
-using entry::kCrLf;
 using entry::LogKind;
 using system::MessageButtons;
 using system::MessageResult;

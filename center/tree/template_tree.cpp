@@ -6,12 +6,11 @@
 #include "center/template/template_fate.h"
 #include "entry/host_services.h"
 #include "entry/single_line.h"
-#include "entry/sql_text.h"
 #include "platform/system/collation.h"
 #include "store/cls_vi_data.h"
-#include "store/statements.h"
 #include "store/template_guard.h"
 #include "store/template_name.h"
+#include "store/template_rows.h"
 
 namespace vicenter::center {
 
@@ -38,11 +37,6 @@ std::string IdOf(const std::string& key) {
 
 std::string KeyOf(const std::string& id) {
     return std::string(kTemplateKeyHead) + id;
-}
-
-// Quoted as it stands: a label keeps its blanks.
-std::string Literal(const std::string& text) {
-    return entry::SqlQuote(text, true, false);
 }
 
 // Why a template cannot be renamed so; none for a name that it may have.
@@ -242,19 +236,15 @@ bool TemplateTree::AfterLabelEdit(const std::string& label) {
         return false;
     }
     if (!IsTemplateKey(selected_)) return false;
-    const ado::RecordsetRef same =
-        store::GetRecordset("select FID from t_VchTemplate where FName = " + Literal(newText) +
-                            " and FUserID = " + state_.userId);
-    if (same == nullptr) return false;
-    if (same->RecordCount() >= 1) {
+    const std::optional<bool> taken = store::UserHasTemplate(newText, state_.userId);
+    if (!taken) return false;
+    if (*taken) {
         Tell(kDuplicate);
         return false;
     }
     const std::string id = IdOf(selected_);
     if (!MayRename(TextOf(selected_), id)) return false;
-    if (!store::RunSql("update t_VchTemplate set FName = " + Literal(newText) + " where FID = " + id)) {
-        return false;
-    }
+    if (!store::RenameTemplate(id, newText)) return false;
     SetNodeText(selected_, newText);
     Open(newText, id, newText);
     return true;

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "center/editing/cell_checks.h"
+#include "center/editing/fault_text.h"
 #include "center/grid/columns.h"
 #include "center/template/template_save.h"
 #include "host/cli/context.h"
@@ -23,12 +23,8 @@ int RunCheck(const CliContext& context) {
     for (int row = 1; row <= lines.count; ++row) {
         VariantArray faulty;
         for (const center::ColumnSpec& spec : center::Columns()) {
-            const center::TextVerdict own = center::OwnVerdict(lines.grid, {row, spec.column});
-            const int check = lines.grid.FaultyCheck(row, spec.column);
-            if (own == center::TextVerdict::Taken && check == 0) continue;
-            const std::string reason = own == center::TextVerdict::Taken
-                                           ? center::CheckText(check)
-                                           : center::VerdictText(own, spec.column);
+            const std::string reason = center::FaultText(lines.grid, {row, spec.column});
+            if (reason.empty()) continue;
             faulty.emplace_back(spec.field);
             text += "第 " + std::to_string(row) + " 行 " + std::string(spec.header) + " “" +
                     std::string(lines.grid.Text(row, spec.column)) + "”：" + reason + "\n";

@@ -8,6 +8,7 @@
 #include "platform/system/collation.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/template_rows.h"
 
 namespace vicenter::host {
 
@@ -72,9 +73,7 @@ std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row) {
 }
 
 VariantArray ReadControlRows(const std::string& templateId) {
-    const ado::RecordsetRef rows = store::clsVIData().GetRs(
-        "select FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed from t_VchTpControl where FID = " + templateId +
-        " order by FNo");
+    const ado::RecordsetRef rows = store::ReadControlRows(templateId);
     if (rows == nullptr) ThrowUnreadable();
     VariantArray result;
     for (; !rows->AtEnd(); rows->MoveNext()) {

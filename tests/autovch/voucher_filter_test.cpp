@@ -83,7 +83,7 @@ TEST_F(AutoVchTest, WithoutAPeriodNothingIsAsked) {
 
 TEST_F(AutoVchTest, TheSelectionIsCounted) {
     set_.Answer("FLines", Rows({"FNumbers", "FVouchers", "FLines"}, {{4, 6, 25}}));
-    const FilterCount count = CountSelected(MarchFilter());
+    const store::VoucherCount count = CountSelected(MarchFilter());
     EXPECT_EQ(count.numbers, 4);
     EXPECT_EQ(count.vouchers, 6);
     EXPECT_EQ(count.lines, 25);

@@ -138,7 +138,7 @@ TEST_F(CellChecksTest, OneAccountsCellsAreEachAQuestionOfTheirOwn) {
     }
 }
 
-TEST(CheckColumns, EveryCheckHasItsColumnsAndAText) {
+TEST(CheckColumns, EveryCheckHasItsColumns) {
     EXPECT_EQ(CheckOfColumn(5), 1);
     EXPECT_EQ(CheckOfColumn(6), 1);
     EXPECT_EQ(CheckOfColumn(9), 2);
@@ -147,9 +147,6 @@ TEST(CheckColumns, EveryCheckHasItsColumnsAndAText) {
     EXPECT_EQ(CheckOfColumn(11), 5);
     for (const int c : {1, 2, 3, 4, 7, 8, 10, 12, 14, 15, 16, 18, 19, 20, 21})
         EXPECT_EQ(CheckOfColumn(c), 0) << c;
-    for (int check = 1; check <= kCheckCount; ++check)
-        EXPECT_NE(CheckText(check), "") << check;
-    EXPECT_EQ(CheckText(0), "");
 }
 
 // --- why a cell is red

@@ -1,15 +1,14 @@
-#include "center/editing/cell_rules.h"
+#include "store/cell_rules.h"
 
 #include <algorithm>
 #include <optional>
 
 #include "automation/decimal.h"
-#include "center/grid/columns.h"
 #include "entry/single_line.h"
 #include "platform/system/utf8.h"
 #include "store/number_text.h"
 
-namespace vicenter::center {
+namespace vicenter::store {
 
 namespace {
 
@@ -40,7 +39,7 @@ bool IsNumberKind(CellKind kind) {
 }
 
 TextVerdict CheckNumber(const ColumnSpec& spec, std::string_view text) {
-    const std::optional<store::PlainNumberParts> parts = store::SplitPlainNumber(text);
+    const std::optional<PlainNumberParts> parts = SplitPlainNumber(text);
     if (!parts || (parts->whole.empty() && parts->fraction.empty())) return TextVerdict::NotANumber;
     // The smallest value is 0, so that a sign has no place in a cell.
     if (parts->negative) return TextVerdict::Negative;
@@ -68,20 +67,19 @@ std::string WithoutSurplusZeros(const ColumnSpec& spec, std::string number) {
 
 TextReading ReadNumber(const ColumnSpec& spec, std::string_view text, TextOrigin origin) {
     const auto refused = [text](TextVerdict verdict) { return TextReading{verdict, std::string(text)}; };
-    if (store::TrimmedOfAnyBlanks(text).empty()) return {};
+    if (TrimmedOfAnyBlanks(text).empty()) return {};
     const bool calculates =
-        IsNumberKind(spec.kind) &&
-        (origin == TextOrigin::Typed ? store::IsCalculation(text) : store::HasEqualsSign(text));
+        IsNumberKind(spec.kind) && (origin == TextOrigin::Typed ? IsCalculation(text) : HasEqualsSign(text));
     std::optional<std::string> plain;
     if (calculates) {
-        const std::optional<automation::Decimal> value = store::Calculate(text);
+        const std::optional<automation::Decimal> value = Calculate(text);
         if (!value) return refused(TextVerdict::NoCalculation);
         // A result is as exact as the column; a whole number is not made of a broken one.
         plain = spec.kind == CellKind::Decimal && value->Scale() > spec.decimals
                     ? value->Rescaled(spec.decimals).ToShortText()
                     : value->ToShortText();
     } else {
-        plain = store::ReadNumberText(text);
+        plain = ReadNumberText(text);
     }
     if (!plain) {
         const TextVerdict verdict = CheckTypedText(spec.column, text);
@@ -139,7 +137,7 @@ TextReading ReadCellText(int gridColumn, std::string_view text, TextOrigin origi
         case CellKind::Decimal:
             return ReadNumber(spec, text, origin);
         case CellKind::Direction: {
-            const std::string trimmed = store::TrimmedOfAnyBlanks(text);
+            const std::string trimmed = TrimmedOfAnyBlanks(text);
             if (trimmed == kDebit || trimmed == kCredit) return {TextVerdict::Taken, trimmed};
             break;
         }
@@ -238,7 +236,7 @@ bool AcceptsProgramText(int gridColumn, std::string_view text) {
 std::string DisplayText(int gridColumn, std::string_view plain) {
     if (Column(gridColumn).kind != CellKind::Decimal) return std::string(plain);
     const std::string_view trimmed = system::TrimBlanks(plain);
-    const std::optional<store::PlainNumberParts> parts = store::SplitPlainNumber(trimmed);
+    const std::optional<PlainNumberParts> parts = SplitPlainNumber(trimmed);
     if (!parts || (parts->whole.empty() && parts->fraction.empty())) return std::string(plain);
 
     std::string result = parts->negative ? "-" : "";
@@ -251,4 +249,4 @@ std::string DisplayText(int gridColumn, std::string_view plain) {
     return result;
 }
 
-}  // namespace vicenter::center
+}  // namespace vicenter::store

@@ -1,13 +1,13 @@
-#include "center/editing/cell_rules.h"
+#include "store/cell_rules.h"
 
 #include <initializer_list>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "center/grid/columns.h"
+#include "store/number_text.h"
 
-namespace vicenter::center {
+namespace vicenter::store {
 
 namespace {
 
@@ -357,4 +357,4 @@ TEST(DisplayTexts, EveryOtherTextIsPaintedAsItIs) {
     EXPECT_EQ(DisplayText(column::kFileCount, "12345"), "12345");
 }
 
-}  // namespace vicenter::center
+}  // namespace vicenter::store

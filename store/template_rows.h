@@ -1,0 +1,30 @@
+#pragma once
+
+// One row at a time: a template's name, its control rows, a user's column profile; and the master data that
+// is asked for by id. What a batch writes is in template_batches.h. User-interface thread.
+
+#include <optional>
+#include <string>
+
+#include "platform/ado/recordset.h"
+
+namespace vicenter::store {
+
+// Whether the user has a template of that name; nothing when the account set does not answer.
+std::optional<bool> UserHasTemplate(const std::string& name, const std::string& userId);
+// False when the account set refuses, which the user has been shown.
+bool RenameTemplate(const std::string& id, const std::string& name);
+// FNo, FUseFrequency, FKey, FFileCount and FIsCanUsed of every number; no recordset on an error.
+ado::RecordsetRef ReadControlRows(const std::string& templateId);
+
+// Whether the user's column profile can be read, whatever it is.
+bool CanReadColumnProfile(const std::string& userId);
+// An error is shown to the user.
+void SaveColumnProfile(const std::string& userId, const std::string& profile);
+
+// FName and FNumber of an account; no recordset on an error.
+ado::RecordsetRef ReadAccount(const std::string& accountId);
+// FUnitGroupID of an account that has one, else an empty recordset; none on an error.
+ado::RecordsetRef ReadUnitGroup(const std::string& accountId);
+
+}  // namespace vicenter::store
