@@ -16,7 +16,7 @@
 #include <string_view>
 
 #include "automation/member_table.h"
-#include "platform/system/growing_block.h"
+#include "support/growing_block.h"
 
 namespace vicenter::support {
 
@@ -61,7 +61,7 @@ class StringBuilder : public automation::TableObject<StringBuilder> {
     // Makes room for so many more bytes, chunk by chunk.
     void Grow(std::size_t bytes);
 
-    system::GrowingBlock block_;
+    GrowingBlock block_;
     std::size_t chunkBytes_ = kDefaultChunkBytes;
     std::size_t usedBytes_ = 0;
 };

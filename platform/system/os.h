@@ -64,13 +64,4 @@ class HeldFile {
 // of the system's; the one behind it ends the process. No handler puts things back.
 void OnInterruptKey(void (*handler)());
 
-// Address space, in multiples of 64 KiB, that becomes memory page by page as it is written to; nullptr when
-// there is none or the system has no such service.
-void* MapMemory(std::size_t bytes);
-// The same memory under more address space, perhaps elsewhere; nullptr leaves everything as it was.
-void* RemapMemory(void* memory, std::size_t bytes, std::size_t newBytes);
-// Gives memory back and keeps its address space; the content is gone.
-void DiscardMemory(void* memory, std::size_t bytes);
-void UnmapMemory(void* memory, std::size_t bytes);
-
 }  // namespace vicenter::system::os

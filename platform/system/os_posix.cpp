@@ -14,7 +14,6 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/file.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -247,25 +246,6 @@ void OnInterruptKey(void (*handler)()) {
     sigemptyset(&action.sa_mask);
     action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
     sigaction(SIGINT, &action, wasSet ? nullptr : &beforeInterruptKey);
-}
-
-void* MapMemory(std::size_t bytes) {
-    void* memory =
-        mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    return memory == MAP_FAILED ? nullptr : memory;
-}
-
-void* RemapMemory(void* memory, std::size_t bytes, std::size_t newBytes) {
-    void* moved = mremap(memory, bytes, newBytes, MREMAP_MAYMOVE);
-    return moved == MAP_FAILED ? nullptr : moved;
-}
-
-void DiscardMemory(void* memory, std::size_t bytes) {
-    madvise(memory, bytes, MADV_DONTNEED);
-}
-
-void UnmapMemory(void* memory, std::size_t bytes) {
-    munmap(memory, bytes);
 }
 
 }  // namespace vicenter::system::os
