@@ -23,8 +23,8 @@ constexpr int kButtonWidth = 18;
 void DrawButton(QPainter& painter, const QRect& rect, bool dropDown) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QColor(0xb7, 0xc6, 0xcc));
-    painter.setBrush(QColor(0xf2, 0xf6, 0xf7));
+    painter.setPen(colors::kCellButtonLine);
+    painter.setBrush(colors::kCellButton);
     painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
     painter.setPen(Qt::NoPen);
     painter.setBrush(colors::kInk);

@@ -28,10 +28,8 @@ void DrawToolPlate(const QStyleOption& option, QPainter& painter) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     const bool rest = !pressed && !hovered;
-    painter.setPen(pressed ? QColor(0x9c, 0xc9, 0xc0) : rest ? colors::kLine : QColor(0xc8, 0xdf, 0xda));
-    painter.setBrush(pressed ? QColor(0xd2, 0xe7, 0xe2)
-                     : rest  ? QColor(0xf7, 0xf9, 0xfa)
-                             : QColor(0xe9, 0xf4, 0xf1));
+    painter.setPen(pressed ? colors::kButtonPressedLine : rest ? colors::kLine : colors::kButtonHoveredLine);
+    painter.setBrush(pressed ? colors::kButtonPressed : rest ? colors::kButton : colors::kButtonHovered);
     painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), kCornerRadius, kCornerRadius);
     painter.restore();
 }
@@ -73,7 +71,7 @@ void CenterStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
 void CenterStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                               const QWidget* widget) const {
     if (element == CE_ToolBar) {
-        painter->fillRect(option->rect, QColor(0xfb, 0xfc, 0xfd));
+        painter->fillRect(option->rect, colors::kBand);
         painter->setPen(colors::kLine);
         painter->drawLine(option->rect.bottomLeft(), option->rect.bottomRight());
         return;

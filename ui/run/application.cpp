@@ -25,20 +25,20 @@ QPalette CenterPalette() {
     palette.setColor(QPalette::AlternateBase, colors::kPaperAlternate);
     palette.setColor(QPalette::Text, colors::kInk);
     palette.setColor(QPalette::PlaceholderText, colors::kFaintInk);
-    palette.setColor(QPalette::Button, QColor(0xf7, 0xf9, 0xfa));
+    palette.setColor(QPalette::Button, colors::kButton);
     palette.setColor(QPalette::ButtonText, colors::kInk);
-    palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xfd, 0xf2));
+    palette.setColor(QPalette::ToolTipBase, colors::kHint);
     palette.setColor(QPalette::ToolTipText, colors::kInk);
-    palette.setColor(QPalette::Light, Qt::white);
-    palette.setColor(QPalette::Midlight, QColor(0xf0, 0xf3, 0xf5));
+    palette.setColor(QPalette::Light, colors::kPaper);
+    palette.setColor(QPalette::Midlight, colors::kBevel);
     palette.setColor(QPalette::Mid, colors::kLine);
-    palette.setColor(QPalette::Dark, QColor(0xa3, 0xb0, 0xbb));
+    palette.setColor(QPalette::Dark, colors::kBevelShadow);
     palette.setColor(QPalette::Highlight, colors::kAccent);
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xcf, 0xe0, 0xdd));
+    palette.setColor(QPalette::HighlightedText, colors::kPaper);
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, colors::kSelectionElsewhere);
     palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors::kInk);
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, QColor(0xa6, 0xb0, 0xb9));
+        palette.setColor(QPalette::Disabled, role, colors::kDisabledInk);
     }
     return palette;
 }

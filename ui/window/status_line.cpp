@@ -45,7 +45,7 @@ StatusLine::StatusLine(QWidget* parent)
         addPermanentWidget(label);
     }
     QPalette quiet = unbalanced_->palette();
-    quiet.setColor(QPalette::WindowText, QColor(0x9a, 0x62, 0x0c));
+    quiet.setColor(QPalette::WindowText, colors::kCaution);
     unbalanced_->setPalette(quiet);
     flash_.setSingleShot(true);
     flash_.setInterval(kFlashMilliseconds);
@@ -89,7 +89,7 @@ void StatusLine::ShowHint() {
     const bool flashing = !flashText_.isEmpty();
     QPalette palette = hint_->palette();
     palette.setColor(QPalette::WindowText,
-                     flashing || !hintText_.isEmpty() ? QColor(0xb3, 0x2a, 0x20) : colors::kInk);
+                     flashing || !hintText_.isEmpty() ? colors::kRefusal : colors::kInk);
     hint_->setPalette(palette);
     hint_->setText(flashing ? flashText_ : hintText_);
     hint_->setToolTip(ToolTipText(hint_->text()));
