@@ -28,8 +28,12 @@ Relationships ReadRelationships(const XlsxPackage& package, const std::string& n
     XmlScanner scanner(*part);
     for (Token token = scanner.Next(); token != Token::Finished; token = scanner.Next()) {
         if (token != Token::Start || scanner.Name() != "Relationship") continue;
+        // A relationship to another file is kept as well: what it stands for is then told as missing, not
+        // looked for under its name in the package.
         result[scanner.Attribute("Id")] = {scanner.Attribute("Type"), scanner.Attribute("Target"),
                                            scanner.RawAttribute("TargetMode") == "External"};
+        // Room for the styles, the shared texts and their like beside each sheet; more is made to use memory
+        // up.
         if (result.size() > 4 * kMaxSheets) FailTooLarge();
     }
     return result;
@@ -53,6 +57,8 @@ std::string TargetOfType(const Relationships& relationships, std::string_view ba
     return {};
 }
 
+// What cannot be read is what the format says when nothing is written there: an attribute that spreadsheets
+// ignore is no reason to refuse a file.
 std::uint32_t ReadNumber(std::string_view text, std::uint32_t otherwise) {
     std::uint32_t value = otherwise;
     const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -86,6 +92,7 @@ std::vector<SheetEntry> ReadWorkbookPart(ByteSource& part, Workbook& workbook) {
             workbook.activeSheet = ReadNumber(scanner.RawAttribute("activeTab"), 0);
         } else if (name == "sheet") {
             const std::string_view state = scanner.RawAttribute("state");
+            // The relationship's id stands in a namespace of its own, under whatever prefix the writer took.
             result.push_back({scanner.Attribute("name"), scanner.ForeignAttribute("id"),
                               !state.empty() && state != "visible"});
             if (result.size() > kMaxSheets) FailTooLarge();
@@ -105,6 +112,7 @@ void ReadStringItem(XmlScanner& scanner, std::string& text) {
                 if (scanner.Name() == "t") {
                     inText = true;
                 } else if (scanner.Name() == "rPh") {
+                    // How the text is spoken, which is no part of it.
                     scanner.SkipElement();
                 }
                 break;
@@ -131,11 +139,15 @@ void ReadXlsxSharedTexts(ByteSource& part, Workbook& workbook, XlsxTables& table
         if (token != Token::Start || scanner.Name() != "si") continue;
         text.clear();
         ReadStringItem(scanner, text);
+        // A million empty items are a few megabytes in the file: each is paid for out of the workbook's
+        // limit.
         workbook.ChargeEntry(tables.sharedTexts);
         tables.sharedTexts.push_back(workbook.Texts().Intern(text));
     }
 }
 
+// Of a cell's style only the number format counts. Cells name a style by its place in the list of cellXfs,
+// and most styles of a list share a few formats: each format is interned once.
 void ReadXlsxStyles(ByteSource& part, Workbook& workbook, XlsxTables& tables) {
     std::map<std::uint32_t, std::string> numberFormats;
     std::map<std::uint32_t, std::uint16_t> indexes;
@@ -147,6 +159,7 @@ void ReadXlsxStyles(ByteSource& part, Workbook& workbook, XlsxTables& tables) {
         if (name == "cellXfs") {
             inCellFormats = token == Token::Start;
         } else if (token == Token::Start && name == "numFmt" && scanner.Depth() == 3) {
+            // Depth 3: those of conditional formats lie deeper and have ids of their own.
             std::string format = scanner.Attribute("formatCode");
             if (format.size() <= 1024 && numberFormats.size() < kMaxFormats) {
                 numberFormats[ReadNumber(scanner.RawAttribute("numFmtId"), 0)] = std::move(format);
@@ -175,6 +188,7 @@ std::unique_ptr<Workbook> ReadXlsx(const std::string& fileName) {
     auto workbook = std::make_unique<Workbook>();
 
     std::string main = TargetOfType(ReadRelationships(package, "_rels/.rels"), "", "/officeDocument");
+    // A package whose own relationships do not tell is asked for the usual name.
     if (main.empty()) main = "xl/workbook.xml";
     const auto mainPart = package.Open(main);
     if (!mainPart) FailDamaged("缺少工作簿");
@@ -188,6 +202,7 @@ std::unique_ptr<Workbook> ReadXlsx(const std::string& fileName) {
     if (const auto part = package.Open(TargetOfType(relationships, main, "/sharedStrings"))) {
         ReadXlsxSharedTexts(*part, *workbook, tables);
     }
+    // For cells that are dates by their type and have no format that shows one.
     CellFormat date;
     date.numberFormat = "yyyy/m/d";
     tables.dateFormat = workbook->Formats().Intern(date);
@@ -204,6 +219,7 @@ std::unique_ptr<Workbook> ReadXlsx(const std::string& fileName) {
         ReadXlsxSheet(*part, tables, *workbook, sheet);
     }
     if (workbook->Sheets().empty()) FailDamaged("没有工作表");
+    // Counted among all sheets, of which those without cells are gone.
     workbook->activeSheet = std::min(workbook->activeSheet, workbook->Sheets().size() - 1);
     return workbook;
 }

@@ -53,6 +53,9 @@ std::string_view Trim(std::string_view text) {
     return text::Trimmed(text, text::kSpacesAndLineEnds);
 }
 
+// Reads a sheet cell by cell as it comes out of the package; nothing of the part is kept. Elements that are
+// not known are passed over with all that they hold, since newer programs write more than the format had when
+// this was written.
 class SheetReader {
   public:
     SheetReader(ByteSource& part, const XlsxTables& tables, Workbook& workbook, Sheet& sheet)
@@ -65,6 +68,8 @@ class SheetReader {
             const std::string_view name = scanner_.Name();
             if (token == Token::End) {
                 if (name == "sheetData") inData = false;
+                // Nothing more comes to the row: what it reserved for growing goes back at once, not row for
+                // row at the end of a sheet of a million.
                 if (name == "row") sheet_.FinishRow(row_);
                 continue;
             }
@@ -80,6 +85,7 @@ class SheetReader {
                 FailDamaged("不是工作表");
             }
         }
+        // Only now: a formula may look at cells further down.
         formulas_.Calculate();
     }
 
@@ -97,6 +103,8 @@ class SheetReader {
         nextColumn_ = 0;
     }
 
+    // Of a column only whether it is hidden counts. One element may stand for all 16,384 columns of a sheet:
+    // noted are as many as the older format has.
     void ReadColumn() {
         if (!scanner_.HasAttribute("hidden")) return;
         const std::string_view hidden = scanner_.RawAttribute("hidden");
@@ -118,6 +126,8 @@ class SheetReader {
         std::string_view reference;
         std::string_view style;
         std::string_view type;
+        // One pass over the attributes for the three that count: there are as many of these elements as
+        // cells.
         scanner_.ForEachAttribute([&](std::string_view name, std::string_view value) {
             if (name == "r") reference = value;
             if (name == "s") style = value;
@@ -150,6 +160,7 @@ class SheetReader {
             if (token == Token::Finished) FailDamaged("XML 不完整");
             if (token == Token::End && scanner_.Depth() < depth) break;
             if (token != Token::Start) continue;
+            // A value that stands beside an inline text all the same must not be joined to it.
             if (scanner_.Name() == "v" && kind != ValueKind::InlineText) {
                 ReadText(text_);
                 anyValue = true;
@@ -214,6 +225,7 @@ class SheetReader {
                 setText(sheet_.Append(row, column, format), text_);
                 return;
             case ValueKind::FormulaText:
+                // The other two kinds of text have been through this where their items were read.
                 ResolvePackageEscapes(text_);
                 setText(sheet_.Append(row, column, format), text_);
                 return;
@@ -232,6 +244,7 @@ class SheetReader {
             }
             case ValueKind::Date: {
                 std::string_view value = Trim(text_);
+                // The mark of a zone, which spreadsheets do not have.
                 if (value.ends_with('Z')) value.remove_suffix(1);
                 const auto date = automation::DateTime::Parse(value);
                 Cell& cell = sheet_.Append(row, column, format);
@@ -258,6 +271,7 @@ class SheetReader {
         if (error == std::errc() && rest == value.data() + value.size() && std::isfinite(number)) {
             cell.kind = CellKind::Number;
             cell.number = number;
+            // The quick way takes no plus sign.
         } else if (const auto lenient = automation::ParseDouble(value); lenient && std::isfinite(*lenient)) {
             cell.kind = CellKind::Number;
             cell.number = *lenient;
