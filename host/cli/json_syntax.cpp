@@ -2,188 +2,160 @@
 
 #include <algorithm>
 #include <set>
+#include <vector>
+
+#include <rapidjson/memorystream.h>
+#include <rapidjson/reader.h>
 
 #include "support/vbs_json.h"
-#include "text/hex.h"
 
 namespace vicenter::host {
 
 namespace {
 
-using text::IsDigit;
-using text::IsHexDigit;
+namespace rj = rapidjson;
 
-// Every step returns false once a fault is found and leaves its place and reason behind.
-class Scanner {
+struct Refusal {
+    std::size_t at = 0;
+    std::string reason;
+};
+
+// Refuses what the parser takes: fields that stand twice, and more nesting than the codec reads.
+class Watcher : public rj::BaseReaderHandler<rj::UTF8<>, Watcher> {
   public:
-    explicit Scanner(std::string_view text) : text_(text) {}
+    Watcher(std::string_view text, const rj::MemoryStream& stream) : text_(text), stream_(stream) {}
 
-    std::optional<JsonFault> Run() {
-        SkipBlanks();
-        if (Peek() != '{') {
-            Refuse("应为一个 JSON 对象");
-        } else if (Object(1)) {
-            SkipBlanks();
-            if (at_ < text_.size()) Refuse("JSON 对象之后不应再有内容");
-        }
-        if (reason_.empty()) return std::nullopt;
-        return Fault();
+    bool StartObject() {
+        fields_.emplace_back();
+        return Enter();
     }
-
-  private:
-    char Peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
-    bool AtEnd() const { return at_ >= text_.size(); }
-
-    void SkipBlanks() { at_ = std::min(text_.find_first_not_of(" \t\r\n", at_), text_.size()); }
-
-    bool Refuse(const char* reason) {
-        reason_ = reason;
-        if (AtEnd() && !text_.empty()) reason_ += "，内容到此中断";
-        return false;
-    }
-
-    JsonFault Fault() const {
-        const std::string_view before = text_.substr(0, at_);
-        const std::size_t lineBreak = before.rfind('\n');
-        const std::string_view line =
-            lineBreak == std::string_view::npos ? before : before.substr(lineBreak + 1);
-        JsonFault fault;
-        fault.line += static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
-        // Bytes that continue a character are none of their own.
-        fault.column += static_cast<std::size_t>(std::count_if(
-            line.begin(), line.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-        fault.text = reason_;
-        return fault;
-    }
-
-    bool Value(int depth) {
-        switch (Peek()) {
-            case '{':
-                return Object(depth + 1);
-            case '[':
-                return Array(depth + 1);
-            case '"':
-                return Text();
-            default:
-                return Word() || Number();
-        }
-    }
-
-    bool Object(int depth) {
-        if (depth > support::VbsJson::kMaxDepth) return Refuse("嵌套过深");
-        ++at_;
-        SkipBlanks();
-        if (Peek() == '}') return ++at_, true;
-        std::set<std::string_view> names;
-        while (true) {
-            if (Peek() != '"') return Refuse("应为双引号括起的字段名");
-            const std::size_t start = at_;
-            if (!Text()) return false;
-            if (!names.insert(text_.substr(start, at_ - start)).second) {
-                at_ = start;
-                return Refuse("字段名重复");
-            }
-            SkipBlanks();
-            if (Peek() != ':') return Refuse("应为冒号");
-            ++at_;
-            SkipBlanks();
-            if (!Value(depth)) return false;
-            SkipBlanks();
-            if (Peek() == '}') return ++at_, true;
-            if (Peek() != ',') return Refuse("应为逗号或“}”");
-            ++at_;
-            SkipBlanks();
-        }
-    }
-
-    bool Array(int depth) {
-        if (depth > support::VbsJson::kMaxDepth) return Refuse("嵌套过深");
-        ++at_;
-        SkipBlanks();
-        if (Peek() == ']') return ++at_, true;
-        while (true) {
-            if (!Value(depth)) return false;
-            SkipBlanks();
-            if (Peek() == ']') return ++at_, true;
-            if (Peek() != ',') return Refuse("应为逗号或“]”");
-            ++at_;
-            SkipBlanks();
-        }
-    }
-
-    bool Text() {
-        for (++at_; !AtEnd(); ++at_) {
-            const auto byte = static_cast<unsigned char>(text_[at_]);
-            if (byte == '"') return ++at_, true;
-            if (byte < 0x20) return Refuse("文本中的换行、制表符等控制字符应写作 \\n、\\t 等");
-            if (byte == '\\' && !Escape()) return false;
-        }
-        return Refuse("文本没有结束的双引号");
-    }
-
-    // Ends on the escape's last character.
-    bool Escape() {
-        ++at_;
-        if (AtEnd()) return Refuse("文本没有结束的双引号");
-        if (text_[at_] == 'u') {
-            for (int i = 0; i < 4; ++i) {
-                ++at_;
-                if (!IsHexDigit(Peek())) return Refuse("\\u 之后应为四位十六进制数字");
-            }
-            return true;
-        }
-        if (std::string_view("\"\\/bfnrt").find(text_[at_]) == std::string_view::npos)
-            return Refuse("无效的转义字符");
+    bool EndObject(rj::SizeType) {
+        fields_.pop_back();
+        --depth_;
         return true;
     }
-
-    bool Word() {
-        for (const std::string_view word : {"null", "true", "false"}) {
-            if (text_.substr(at_, word.size()) != word) continue;
-            at_ += word.size();
-            return true;
-        }
+    bool StartArray() { return Enter(); }
+    bool EndArray(rj::SizeType) {
+        --depth_;
+        return true;
+    }
+    bool Key(const char*, rj::SizeType, bool) {
+        const std::size_t end = stream_.Tell();
+        const std::size_t start = StartOfText(end - 1);
+        if (fields_.back().insert(text_.substr(start, end - start)).second) return true;
+        refusal_ = {start, "字段名重复"};
         return false;
     }
 
-    bool Number() {
-        const std::size_t start = at_;
-        std::size_t at = at_;
-        const auto digits = [&] {
-            const std::size_t first = at;
-            while (at < text_.size() && IsDigit(text_[at]))
-                ++at;
-            return at > first;
-        };
-        if (Peek() == '-') ++at;
-        if (at < text_.size() && text_[at] == '0') {
-            ++at;
-        } else if (!digits()) {
-            return Refuse("应为一个值（文本要用双引号括起）");
-        }
-        if (at < text_.size() && text_[at] == '.') {
-            ++at;
-            if (!digits()) return Refuse("无效的数字");
-        }
-        if (at < text_.size() && (text_[at] == 'e' || text_[at] == 'E')) {
-            ++at;
-            if (at < text_.size() && (text_[at] == '+' || text_[at] == '-')) ++at;
-            if (!digits()) return Refuse("无效的数字");
-        }
-        if (at < text_.size() && IsDigit(text_[at])) return Refuse("无效的数字");  // 01
-        at_ = at;
-        return at_ > start;
+    const Refusal& Said() const { return refusal_; }
+
+  private:
+    bool Enter() {
+        if (++depth_ <= support::VbsJson::kMaxDepth) return true;
+        refusal_ = {stream_.Tell() - 1, "嵌套过深"};
+        return false;
+    }
+
+    // From the closing quote back to the opening one, which no backslash stands before.
+    std::size_t StartOfText(std::size_t closing) const {
+        std::size_t at = closing;
+        std::size_t marks = 0;
+        do {
+            at = text_.rfind('"', at - 1);
+            const std::size_t before = text_.find_last_not_of('\\', at - 1);
+            marks = at - 1 - before;
+        } while (marks % 2 != 0);
+        return at;
     }
 
     std::string_view text_;
-    std::size_t at_ = 0;
-    std::string reason_;
+    const rj::MemoryStream& stream_;
+    std::vector<std::set<std::string_view>> fields_;
+    int depth_ = 0;
+    Refusal refusal_;
 };
+
+// Where a number, or a word that is none, begins.
+std::size_t StartOfToken(std::string_view text, std::size_t at) {
+    const std::size_t before = text.find_last_of(" \t\r\n:,[{", at == 0 ? 0 : at - 1);
+    return before == std::string_view::npos ? 0 : before + 1;
+}
+
+bool IsDigit(std::string_view text, std::size_t at) {
+    return at < text.size() && text[at] >= '0' && text[at] <= '9';
+}
+
+// The parser's word in ours. It places a fault where it has stopped, we place one of a number at its
+// beginning.
+Refusal InWords(std::string_view text, rj::ParseErrorCode code, std::size_t at) {
+    switch (code) {
+        case rj::kParseErrorDocumentEmpty:
+            return {at, "应为一个 JSON 对象"};
+        case rj::kParseErrorDocumentRootNotSingular:
+            return {at, "JSON 对象之后不应再有内容"};
+        case rj::kParseErrorObjectMissName:
+            return {at, "应为双引号括起的字段名"};
+        case rj::kParseErrorObjectMissColon:
+            return {at, "应为冒号"};
+        case rj::kParseErrorObjectMissCommaOrCurlyBracket:
+        case rj::kParseErrorArrayMissCommaOrSquareBracket:
+            // Digits behind a leading zero.
+            if (IsDigit(text, at) && at > 0 && IsDigit(text, at - 1))
+                return {StartOfToken(text, at), "无效的数字"};
+            return {at,
+                    code == rj::kParseErrorObjectMissCommaOrCurlyBracket ? "应为逗号或“}”" : "应为逗号或“]”"};
+        case rj::kParseErrorStringUnicodeEscapeInvalidHex:
+            at = std::min(text.find_first_not_of("0123456789abcdefABCDEF", at + 2), text.size());
+            return {at, "\\u 之后应为四位十六进制数字"};
+        case rj::kParseErrorStringUnicodeSurrogateInvalid:
+            return {at, "\\u 转义的字符不完整"};
+        case rj::kParseErrorStringEscapeInvalid:
+            if (text[at] != '\\') break;
+            if (at + 1 >= text.size()) return {text.size(), "文本没有结束的双引号"};
+            return {at + 1, "无效的转义字符"};
+        case rj::kParseErrorStringMissQuotationMark:
+            if (at < text.size()) break;  // a NUL
+            return {at, "文本没有结束的双引号"};
+        case rj::kParseErrorNumberMissFraction:
+        case rj::kParseErrorNumberMissExponent:
+            return {StartOfToken(text, at), "无效的数字"};
+        case rj::kParseErrorNumberTooBig:
+            return {at, "数字过大"};
+        default:
+            return {StartOfToken(text, at), "应为一个值（文本要用双引号括起）"};
+    }
+    return {at, "文本中的换行、制表符等控制字符应写作 \\n、\\t 等"};
+}
+
+JsonFault FaultAt(std::string_view text, Refusal refusal) {
+    if (refusal.at >= text.size() && !text.empty()) refusal.reason += "，内容到此中断";
+    const std::string_view before = text.substr(0, refusal.at);
+    const std::string_view line = before.substr(before.rfind('\n') + 1);
+    JsonFault fault;
+    fault.line += static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
+    // Bytes that continue a character are none of their own.
+    fault.column += static_cast<std::size_t>(std::count_if(
+        line.begin(), line.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    fault.text = refusal.reason;
+    return fault;
+}
 
 }  // namespace
 
 std::optional<JsonFault> FindJsonFault(std::string_view text) {
-    return Scanner(text).Run();
+    constexpr const char* kBlanks = " \t\r\n";
+    const std::size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
+    if (first == text.size() || text[first] != '{') return FaultAt(text, {first, "应为一个 JSON 对象"});
+    rj::MemoryStream stream(text.data(), text.size());
+    Watcher watcher(text, stream);
+    const rj::ParseResult result = rj::Reader().Parse<rj::kParseNumbersAsStringsFlag>(stream, watcher);
+    if (result.Code() == rj::kParseErrorTermination) return FaultAt(text, watcher.Said());
+    if (result.IsError()) return FaultAt(text, InWords(text, result.Code(), result.Offset()));
+    // A NUL looks like the end to the parser.
+    if (stream.Tell() < text.size()) {
+        return FaultAt(text, InWords(text, rj::kParseErrorDocumentRootNotSingular, stream.Tell()));
+    }
+    return std::nullopt;
 }
 
 }  // namespace vicenter::host
