@@ -31,7 +31,7 @@ void ExpectDoc(const std::string& name, const std::string& text) {
     }
     ASSERT_TRUE(fs::exists(path)) << name;
     EXPECT_TRUE(ReadWholeFile(path) == text)
-        << name << " is stale: run test_tsql_runner with VICENTER_UPDATE_DOCS=1 and read the difference";
+        << name << " is stale: run test_tsql_text with VICENTER_UPDATE_DOCS=1 and read the difference";
 }
 
 bool IsErrorNumber(const std::string& topic) {
