@@ -20,18 +20,26 @@ struct Refusing {
     ~Refusing() { untilRefused = -1; }
 };
 
-}  // namespace
-
-void* operator new(std::size_t bytes) {
+// Out of line, or the compiler sees malloc answered by delete.
+[[gnu::noinline]] void* Allocate(std::size_t bytes) {
     if (untilRefused >= 0 && untilRefused-- == 0) throw std::bad_alloc();
     if (void* memory = std::malloc(bytes)) return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void Free(void* memory) noexcept {
     std::free(memory);
 }
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+    return Allocate(bytes);
+}
+void operator delete(void* memory) noexcept {
+    Free(memory);
+}
 void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 namespace vicenter::automation {
