@@ -15,12 +15,15 @@ constexpr SQLSMALLINT kDiagLine = -1154;
 constexpr std::int32_t kErrorSeverity = 16;
 constexpr std::int32_t kFirstErrorSeverity = 11;
 
-// "[Vendor][Driver][SQL Server]what the server said"
+// "[Vendor][Driver][SQL Server]what the server said"; its own text may begin with a bracket too.
 std::string WithoutOrigin(std::string text) {
+    constexpr std::string_view kServer = "[SQL Server]";
     while (!text.empty() && text.front() == '[') {
         const std::size_t end = text.find(']');
         if (end == std::string::npos) break;
+        const bool isServer = std::string_view(text).substr(0, end + 1) == kServer;
         text.erase(0, end + 1);
+        if (isServer) break;
     }
     return text;
 }
