@@ -157,6 +157,7 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
     void RestoreRows(int firstRow, std::vector<GridRowPtr> rows);
 
   private:
+    struct LateBound;
     struct Selection {  // the control's current block: Row, Col to Row2, Col2
         int row = 1;
         int column = 1;

@@ -1,6 +1,7 @@
 // The late-bound members of the entry grid, by the spread control's names.
 
 #include <algorithm>
+#include <utility>
 
 #include "center/grid/entry_grid.h"
 
@@ -8,6 +9,7 @@ namespace vicenter::center {
 
 namespace {
 
+using automation::ArgumentNames;
 using automation::Arguments;
 using automation::IndexedProperty;
 using automation::Member;
@@ -16,10 +18,6 @@ using automation::Property;
 using automation::Variant;
 
 constexpr int kWholeSheet = -1;
-
-Variant Color(std::int32_t value) {
-    return Variant(value);
-}
 
 int Int(const Arguments& arguments, std::size_t index) {
     return arguments[index].Value().ToInt32();
@@ -39,18 +37,95 @@ CellRange EntryGrid::SelectedRange() const {
     return {firstRow, firstColumn, lastRow, lastColumn};
 }
 
-const automation::MemberTable<EntryGrid>& EntryGrid::Members() {
+// How members that are alike are made.
+struct EntryGrid::LateBound {
     using Grid = EntryGrid;
-    const auto number = [](const char* name, int Selection::*field) {
+    using Entry = Member<Grid>;
+
+    // A bound of the current block.
+    static Entry Bound(const char* name, int Selection::*field) {
         return Property<Grid>(
             name, [field](Grid& g, Arguments&) { return Variant(std::int32_t{g.selection_.*field}); },
             [field](Grid& g, Arguments& a) { g.selection_.*field = Int(a, 0); });
-    };
+    }
+    static Entry BlockText(const char* name) {
+        return Property<Grid>(
+            name, [](Grid& g, Arguments&) { return g.SelectedText(); },
+            [](Grid& g, Arguments& a) { g.SetSelectedText(a[0].Value().ToTextOrEmpty()); });
+    }
+    static Entry Color(const char* name, std::int32_t CellLook::*field,
+                       void (Grid::*set)(const CellRange&, std::int32_t)) {
+        return Property<Grid>(
+            name,
+            [field](Grid& g, Arguments&) {
+                const CellRange at = g.SelectedRange();
+                return Variant(g.Look(at.firstRow, at.firstColumn).*field);
+            },
+            [set](Grid& g, Arguments& a) { (g.*set)(g.SelectedRange(), Int(a, 0)); });
+    }
+    // Of the current column, and never changed.
+    template <class Value>
+    static Entry OfColumn(const char* name, Value value) {
+        return Property<Grid>(name, [value](Grid& g, Arguments&) {
+            return Variant(value(Column(CheckedColumn(g.selection_.column))));
+        });
+    }
+    static Entry Active(const char* name, int CellAddress::*field) {
+        return Property<Grid>(
+            name, [field](Grid& g, Arguments&) { return Variant(std::int32_t{g.ActiveCell().*field}); });
+    }
+    static Entry ColHidden() {
+        return Property<Grid>(
+            "ColHidden",
+            [](Grid& g, Arguments&) { return Variant(g.Layout(CheckedColumn(g.selection_.column)).hidden); },
+            [](Grid& g, Arguments& a) {
+                g.SetColumnHidden(CheckedColumn(g.selection_.column), a[0].Value().ToBoolean());
+            });
+    }
+    static Entry ColWidth() {
+        return IndexedProperty<Grid>(
+            "ColWidth", {"Col"},
+            [](Grid& g, Arguments& a) { return Variant(g.Layout(CheckedColumn(Int(a, 0))).width); },
+            [](Grid& g, Arguments& a) {
+                g.SetColumnWidth(CheckedColumn(Int(a, 0)), a[1].Value().ToDouble());
+            });
+    }
+    static Entry RowHeight() {
+        return IndexedProperty<Grid>("RowHeight", {"Row"}, [](Grid& g, Arguments& a) {
+            return Variant(std::int32_t{Int(a, 0) == 0 ? g.HeaderHeight() : g.RowHeight()});
+        });
+    }
+    static Entry FontName() {
+        return Property<Grid>(
+            "FontName", [](Grid& g, Arguments&) { return Variant(g.Font().name); },
+            [](Grid& g, Arguments& a) {
+                g.SetFont({a[0].Value().ToText(), g.Font().size});
+            });
+    }
+    static Entry FontSize() {
+        return Property<Grid>(
+            "FontSize", [](Grid& g, Arguments&) { return Variant(g.Font().size); },
+            [](Grid& g, Arguments& a) {
+                g.SetFont({g.Font().name, a[0].Value().ToDouble()});
+            });
+    }
+    // A method without a result.
+    template <class Work>
+    static Entry Action(const char* name, ArgumentNames names, Work work) {
+        return Method<Grid>(name, std::move(names), [work](Grid& g, Arguments& a) {
+            work(g, a);
+            return Variant();
+        });
+    }
+};
+const automation::MemberTable<EntryGrid>& EntryGrid::Members() {
+    using Grid = EntryGrid;
+    using Late = LateBound;
     static const automation::MemberTable<Grid> table{
-        number("Row", &Selection::row),
-        number("Col", &Selection::column),
-        number("Row2", &Selection::row2),
-        number("Col2", &Selection::column2),
+        Late::Bound("Row", &Selection::row),
+        Late::Bound("Col", &Selection::column),
+        Late::Bound("Row2", &Selection::row2),
+        Late::Bound("Col2", &Selection::column2),
         Property<Grid>(
             "BlockMode", [](Grid& g, Arguments&) { return Variant(g.selection_.block); },
             [](Grid& g, Arguments& a) { g.selection_.block = a[0].Value().ToBoolean(); }),
@@ -61,79 +136,31 @@ const automation::MemberTable<EntryGrid>& EntryGrid::Members() {
             "MaxRows", [](Grid& g, Arguments&) { return Variant(std::int32_t{g.RowTotal()}); },
             [](Grid& g, Arguments& a) { g.SetRowTotal(Int(a, 0)); }),
         Property<Grid>("MaxCols", [](Grid&, Arguments&) { return Variant(std::int32_t{kColumnCount}); }),
-        Property<Grid>(
-            "Text", [](Grid& g, Arguments&) { return g.SelectedText(); },
-            [](Grid& g, Arguments& a) { g.SetSelectedText(a[0].Value().ToTextOrEmpty()); }),
-        Property<Grid>(
-            "Value", [](Grid& g, Arguments&) { return g.SelectedText(); },
-            [](Grid& g, Arguments& a) { g.SetSelectedText(a[0].Value().ToTextOrEmpty()); }),
-        Property<Grid>(
-            "ForeColor",
-            [](Grid& g, Arguments&) {
-                const CellRange at = g.SelectedRange();
-                return Color(g.Look(at.firstRow, at.firstColumn).foreColor);
-            },
-            [](Grid& g, Arguments& a) { g.SetForeColor(g.SelectedRange(), Int(a, 0)); }),
-        Property<Grid>(
-            "BackColor",
-            [](Grid& g, Arguments&) {
-                const CellRange at = g.SelectedRange();
-                return Color(g.Look(at.firstRow, at.firstColumn).backColor);
-            },
-            [](Grid& g, Arguments& a) { g.SetBackColor(g.SelectedRange(), Int(a, 0)); }),
-        Property<Grid>(
-            "ColHidden",
-            [](Grid& g, Arguments&) { return Variant(g.Layout(CheckedColumn(g.selection_.column)).hidden); },
-            [](Grid& g, Arguments& a) {
-                g.SetColumnHidden(CheckedColumn(g.selection_.column), a[0].Value().ToBoolean());
-            }),
-        IndexedProperty<Grid>(
-            "ColWidth", {"Col"},
-            [](Grid& g, Arguments& a) { return Variant(g.Layout(CheckedColumn(Int(a, 0))).width); },
-            [](Grid& g, Arguments& a) {
-                g.SetColumnWidth(CheckedColumn(Int(a, 0)), a[1].Value().ToDouble());
-            }),
-        IndexedProperty<Grid>("RowHeight", {"Row"},
-                              [](Grid& g, Arguments& a) {
-                                  return Variant(
-                                      std::int32_t{Int(a, 0) == 0 ? g.HeaderHeight() : g.RowHeight()});
-                              }),
-        Property<Grid>(
-            "Lock",
-            [](Grid& g, Arguments&) { return Variant(Column(CheckedColumn(g.selection_.column)).locked); }),
-        Property<Grid>("TypeMaxEditLen",
-                       [](Grid& g, Arguments&) {
-                           return Variant(
-                               std::int32_t{Column(CheckedColumn(g.selection_.column)).maxCharacters});
-                       }),
+        Late::BlockText("Text"),
+        Late::BlockText("Value"),
+        Late::Color("ForeColor", &CellLook::foreColor, &Grid::SetForeColor),
+        Late::Color("BackColor", &CellLook::backColor, &Grid::SetBackColor),
+        Late::ColHidden(),
+        Late::ColWidth(),
+        Late::RowHeight(),
+        Late::OfColumn("Lock", [](const ColumnSpec& c) { return c.locked; }),
+        Late::OfColumn("TypeMaxEditLen", [](const ColumnSpec& c) { return std::int32_t{c.maxCharacters}; }),
         Property<Grid>("TypeComboBoxList",
                        [](Grid& g, Arguments&) {
                            return g.selection_.column == column::kDirection ? Variant(kDirectionList)
                                                                             : Variant("");
                        }),
-        Property<Grid>("ActiveRow",
-                       [](Grid& g, Arguments&) { return Variant(std::int32_t{g.ActiveCell().row}); }),
-        Property<Grid>("ActiveCol",
-                       [](Grid& g, Arguments&) { return Variant(std::int32_t{g.ActiveCell().column}); }),
-        Property<Grid>(
-            "FontName", [](Grid& g, Arguments&) { return Variant(g.Font().name); },
-            [](Grid& g, Arguments& a) {
-                g.SetFont({a[0].Value().ToText(), g.Font().size});
-            }),
-        Property<Grid>(
-            "FontSize", [](Grid& g, Arguments&) { return Variant(g.Font().size); },
-            [](Grid& g, Arguments& a) {
-                g.SetFont({g.Font().name, a[0].Value().ToDouble()});
-            }),
-        Method<Grid>("SetActiveCell", {"Col", "Row"},
+        Late::Active("ActiveRow", &CellAddress::row),
+        Late::Active("ActiveCol", &CellAddress::column),
+        Late::FontName(),
+        Late::FontSize(),
+        Late::Action("SetActiveCell", {"Col", "Row"},
                      [](Grid& g, Arguments& a) {
                          g.SetActiveCell({Int(a, 1), Int(a, 0)});
-                         return Variant();
                      }),
-        Method<Grid>("ShowCell", {"Col", "Row", "Position?"},
+        Late::Action("ShowCell", {"Col", "Row", "Position?"},
                      [](Grid& g, Arguments& a) {
                          g.ScrollIntoView({Int(a, 1), Int(a, 0)});
-                         return Variant();
                      }),
         Method<Grid>("GetText", {"Col", "Row", "Var"},
                      [](Grid& g, Arguments& a) {
@@ -141,21 +168,13 @@ const automation::MemberTable<EntryGrid>& EntryGrid::Members() {
                          a[2].Assign(Variant(text));
                          return Variant(!text.empty());
                      }),
-        Method<Grid>("SetText", {"Col", "Row", "Var"},
-                     [](Grid& g, Arguments& a) {
-                         g.SetText(Int(a, 1), Int(a, 0), a[2].Value().ToTextOrEmpty());
-                         return Variant();
-                     }),
-        Method<Grid>("InsertRows", {"Row", "Rows"},
-                     [](Grid& g, Arguments& a) {
-                         g.InsertRows(Int(a, 0), Int(a, 1));
-                         return Variant();
-                     }),
-        Method<Grid>("DeleteRows", {"Row", "Rows"},
-                     [](Grid& g, Arguments& a) {
-                         g.RemoveRows(Int(a, 0), Int(a, 1));
-                         return Variant();
-                     }),
+        Late::Action(
+            "SetText", {"Col", "Row", "Var"},
+            [](Grid& g, Arguments& a) { g.SetText(Int(a, 1), Int(a, 0), a[2].Value().ToTextOrEmpty()); }),
+        Late::Action("InsertRows", {"Row", "Rows"},
+                     [](Grid& g, Arguments& a) { g.InsertRows(Int(a, 0), Int(a, 1)); }),
+        Late::Action("DeleteRows", {"Row", "Rows"},
+                     [](Grid& g, Arguments& a) { g.RemoveRows(Int(a, 0), Int(a, 1)); }),
     };
     return table;
 }

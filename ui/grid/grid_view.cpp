@@ -44,13 +44,13 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
       model_(model),
       actions_(actions),
       names_(names),
-      columns_(new GridHeader(Qt::Horizontal, this)),
-      rows_(new GridHeader(Qt::Vertical, this)) {
+      columnHeader_(new GridHeader(Qt::Horizontal, this)),
+      rowHeader_(new GridHeader(Qt::Vertical, this)) {
     setObjectName(QStringLiteral("vsEntrys"));
-    setHorizontalHeader(columns_);
-    setVerticalHeader(rows_);
-    rows_->setSectionResizeMode(QHeaderView::Fixed);
-    columns_->setMinimumSectionSize(kMinimumColumnWidth);
+    setHorizontalHeader(columnHeader_);
+    setVerticalHeader(rowHeader_);
+    rowHeader_->setSectionResizeMode(QHeaderView::Fixed);
+    columnHeader_->setMinimumSectionSize(kMinimumColumnWidth);
     setItemDelegate(new CellDelegate(*this));
     setWordWrap(false);
     setShowGrid(true);
@@ -79,7 +79,7 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
         const QModelIndex index = model_.IndexOf({row, std::max(column, 1)});
         if (index.isValid()) scrollTo(index, EnsureVisible);
     });
-    connect(columns_, &QHeaderView::sectionResized, this, [this](int section, int /*before*/, int now) {
+    connect(columnHeader_, &QHeaderView::sectionResized, this, [this](int section, int /*before*/, int now) {
         if (!applyingColumns_ && now > 0) {
             Guarded([&] { model_.Grid().SetColumnWidth(section + 1, PixelsToTwips(now, *this)); });
         }
@@ -167,9 +167,9 @@ void GridView::KeepCursorShown() {
 }
 
 void GridView::ApplyRowHeights() {
-    rows_->setMinimumSectionSize(1);
-    rows_->setDefaultSectionSize(std::max(TwipsToPixels(model_.Grid().RowHeight(), *this), 1));
-    columns_->setFixedHeight(std::max(TwipsToPixels(model_.Grid().HeaderHeight(), *this), 1));
+    rowHeader_->setMinimumSectionSize(1);
+    rowHeader_->setDefaultSectionSize(std::max(TwipsToPixels(model_.Grid().RowHeight(), *this), 1));
+    columnHeader_->setFixedHeight(std::max(TwipsToPixels(model_.Grid().HeaderHeight(), *this), 1));
     emit contentsMoved();
 }
 
@@ -179,8 +179,8 @@ void GridView::ApplyFont() {
     font.setFamilies({BillFontFamily()});
     font.setPointSizeF(wanted.size);
     setFont(font);
-    columns_->setFont(font);
-    rows_->setFont(font);
+    columnHeader_->setFont(font);
+    rowHeader_->setFont(font);
 }
 
 // By the view's own member: Shift with an arrow then selects from here.
@@ -210,15 +210,15 @@ void GridView::FollowActiveCell() {
 
 void GridView::ShowActiveSections() {
     const QModelIndex current = currentIndex();
-    columns_->SetActiveSection(current.isValid() ? current.column() : -1);
-    rows_->SetActiveSection(current.isValid() ? current.row() : -1);
+    columnHeader_->SetActiveSection(current.isValid() ? current.column() : -1);
+    rowHeader_->SetActiveSection(current.isValid() ? current.row() : -1);
 }
 
 void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTableView::currentChanged(current, previous);
     ShowActiveSections();
     if (following_ || model_.IsChangingRows() || !current.isValid()) return;
-    const bool selecting = selecting_ || rows_->IsPressed() || columns_->IsPressed();
+    const bool selecting = selecting_ || rowHeader_->IsPressed() || columnHeader_->IsPressed();
     const auto how = selecting ? center::CursorMove::Selecting : center::CursorMove::Going;
     Guarded([&] { actions_.MoveActiveCell(model_.AddressOf(current), how); });
     FollowActiveCell();
@@ -320,8 +320,8 @@ void GridView::EditorTextEdited(const QString& text) {
 }
 
 void GridView::mousePressEvent(QMouseEvent* event) {
-    rows_->EndPress();
-    columns_->EndPress();
+    rowHeader_->EndPress();
+    columnHeader_->EndPress();
     const QModelIndex pressed = indexAt(event->pos());
     const QModelIndex before = currentIndex();
     if (event->button() == Qt::LeftButton && pressed.isValid() && pressed == before && IsInteractive()) {

@@ -16,6 +16,8 @@
 
 namespace vicenter::ui {
 
+class CellEditor;
+
 class GridView : public QTableView {
     Q_OBJECT
 
@@ -95,7 +97,10 @@ class GridView : public QTableView {
     void MoveOn(bool back);
     void MoveRows(int rows);
     bool HandleShortcut(const QKeyEvent& event);
+    bool HandleCellKey(QKeyEvent& event);
+    bool HandleTyping(QKeyEvent& event);
     bool HandleNameListKey(QWidget& editor, const QKeyEvent& event);
+    bool HandleFieldKey(CellEditor& field, QKeyEvent& event);
     void ClearSelection();
     void DuplicateRows();
     void InsertRows();
@@ -114,8 +119,8 @@ class GridView : public QTableView {
     GridModel& model_;
     center::GridActions& actions_;
     center::NameListActions& names_;
-    GridHeader* columns_;
-    GridHeader* rows_;
+    GridHeader* columnHeader_;
+    GridHeader* rowHeader_;
     bool following_ = false;        // the view follows the grid's active cell, not the other way round
     bool applyingColumns_ = false;  // widths come from the grid, not from the user
     bool openingByTyping_ = false;

@@ -223,68 +223,69 @@ bool GridView::HandleShortcut(const QKeyEvent& event) {
 }
 
 void GridView::keyPressEvent(QKeyEvent* event) {
-    const QModelIndex current = currentIndex();
-    if (IsModifierKey(event->key()) || !current.isValid()) return QTableView::keyPressEvent(event);
+    if (IsModifierKey(event->key()) || !currentIndex().isValid()) return QTableView::keyPressEvent(event);
     event->accept();
-    if (HandleShortcut(*event)) return;
+    if (HandleShortcut(*event) || HandleCellKey(*event) || HandleTyping(*event)) return;
+    const bool before = selecting_;
+    selecting_ = event->modifiers() & Qt::ShiftModifier && IsCursorKey(event->key());
+    QTableView::keyPressEvent(event);
+    selecting_ = before;
+}
 
-    const bool shift = event->modifiers() & Qt::ShiftModifier;
-    const bool control = event->modifiers() & Qt::ControlModifier;
-    switch (event->key()) {
+// The keys of a cell that is not being edited.
+bool GridView::HandleCellKey(QKeyEvent& event) {
+    const QModelIndex current = currentIndex();
+    switch (event.key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            return MoveOn(shift);
+            return MoveOn(event.modifiers() & Qt::ShiftModifier), true;
         case Qt::Key_Tab:
-            return MoveOn(false);
+            return MoveOn(false), true;
         case Qt::Key_Backtab:
-            return MoveOn(true);
+            return MoveOn(true), true;
         case Qt::Key_Delete:
-            return ClearSelection();
+            return ClearSelection(), true;
         case Qt::Key_Backspace:
             if (IsInteractive() && edit(current, AnyKeyPressed, nullptr)) {
                 if (auto* field = qobject_cast<CellEditor*>(indexWidget(current))) field->clear();
             }
-            return;
+            return true;
         case Qt::Key_F2:
-            edit(current, EditKeyPressed, event);
-            return;
+            return edit(current, EditKeyPressed, &event), true;
         case Qt::Key_F4:
             if (model_.AddressOf(current).column == center::column::kItems) emit itemPanelRequested();
-            return;
+            return true;
         case Qt::Key_Escape:
-            event->ignore();
-            return;
+            return event.ignore(), true;
         default:
-            break;
+            return false;
     }
+}
 
+// What the rules know the key for, and characters: true when nothing is left for an editor to do.
+bool GridView::HandleTyping(QKeyEvent& event) {
+    const QModelIndex current = currentIndex();
     const center::CellAddress cell = model_.AddressOf(current);
-    const int code = KeyCodeOf(*event);
-    if (IsInteractive() && code != 0 && !control) {
+    const int code = KeyCodeOf(event);
+    if (IsInteractive() && code != 0 && !(event.modifiers() & Qt::ControlModifier)) {
         const std::string text(model_.Grid().Text(cell.row, cell.column));
-        if (GuardedOr(true, [&] { return actions_.KeyDown(code, text); })) return;
+        if (GuardedOr(true, [&] { return actions_.KeyDown(code, text); })) return true;
     }
-    const char32_t typed = TypedCharacter(*event);
-    if (typed != 0) {
-        if (!IsInteractive()) return;
-        if (cell.column == center::column::kDirection) {
-            const QString choice = DirectionForKey(event->text());
-            if (!choice.isNull()) {
-                if (!StoodBelowRows()) SetDirection(choice);
-                return;
-            }
-            if (typed == U' ') edit(current, EditKeyPressed, event);
-            return;
+    const char32_t typed = TypedCharacter(event);
+    if (typed == 0) return false;
+    if (!IsInteractive()) return true;
+    if (cell.column == center::column::kDirection) {
+        const QString choice = DirectionForKey(event.text());
+        if (!choice.isNull()) {
+            if (!StoodBelowRows()) SetDirection(choice);
+        } else if (typed == U' ') {
+            edit(current, EditKeyPressed, &event);
         }
-        if (!GuardedOr(false, [&] { return actions_.KeyPress(typed); })) {
-            emit textRefused(ToQt(center::VerdictText(center::TextVerdict::BadCharacter, cell.column)));
-            return;
-        }
+        return true;
     }
-    const bool before = selecting_;
-    selecting_ = shift && IsCursorKey(event->key());
-    QTableView::keyPressEvent(event);
-    selecting_ = before;
+    if (GuardedOr(false, [&] { return actions_.KeyPress(typed); })) return false;
+    emit textRefused(ToQt(center::VerdictText(center::TextVerdict::BadCharacter, cell.column)));
+    return true;
 }
 
 bool GridView::HandleNameListKey(QWidget& editor, const QKeyEvent& event) {
@@ -326,8 +327,6 @@ bool GridView::EditorKeyPressed(QWidget& editor, QKeyEvent& event) {
     if (HandleNameListKey(editor, event)) return true;
     auto* field = qobject_cast<CellEditor*>(&editor);
     const bool shift = event.modifiers() & Qt::ShiftModifier;
-    const int code = KeyCodeOf(event);
-
     switch (event.key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
@@ -358,32 +357,37 @@ bool GridView::EditorKeyPressed(QWidget& editor, QKeyEvent& event) {
         default:
             break;
     }
-    if (!field) return false;
+    return field && HandleFieldKey(*field, event);
+}
+
+// What is typed into a text field passes the rules key by key.
+bool GridView::HandleFieldKey(CellEditor& field, QKeyEvent& event) {
+    const int code = KeyCodeOf(event);
     if (event.key() == Qt::Key_F2) {
-        field->SetOpenedByTyping(false);
+        field.SetOpenedByTyping(false);
         return true;
     }
     // With Shift or Ctrl the key pastes or copies, as in any text field.
     const Qt::KeyboardModifiers held = event.modifiers() & ~Qt::KeypadModifier;
     if (code == key_code::kInsert && held != Qt::NoModifier) return false;
     if (code == key_code::kInsert || code == key_code::kF7) {
-        FinishEditing(&editor);
+        FinishEditing(&field);
         const center::CellAddress cell = model_.AddressOf(currentIndex());
         Guarded([&] { actions_.KeyDown(code, std::string(model_.Grid().Text(cell.row, cell.column))); });
         return true;
     }
     if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
-    if (code != 0 && GuardedOr(true, [&] { return actions_.KeyDown(code, FromQt(field->text())); })) {
+    if (code != 0 && GuardedOr(true, [&] { return actions_.KeyDown(code, FromQt(field.text())); })) {
         // The rules wrote the cell themselves: the editor goes on from there.
         const center::CellAddress cell = model_.AddressOf(currentIndex());
         const QString now = ToQt(model_.Grid().Text(cell.row, cell.column));
-        if (field->text() != now) field->setText(now);
-        field->end(false);
+        if (field.text() != now) field.setText(now);
+        field.end(false);
         return true;
     }
     const char32_t typed = TypedCharacter(event);
     if (typed != 0 && !GuardedOr(false, [&] { return actions_.KeyPress(typed); })) {
-        emit textRefused(ToQt(center::VerdictText(center::TextVerdict::BadCharacter, field->Column())));
+        emit textRefused(ToQt(center::VerdictText(center::TextVerdict::BadCharacter, field.Column())));
         return true;
     }
     return false;
