@@ -100,14 +100,14 @@ void GridFacet::InsertRows(const CellSelection& selection) {
     parts_.edge.Command([&] {
         if (parts_.editing.CanEdit()) parts_.editing.InsertRows(RowRuns(selection, *parts_.state.grid));
     });
-    parts_.RefreshSurroundings();
+    parts_.RefreshPanels();
 }
 
 void GridFacet::DeleteRows(const CellSelection& selection) {
     parts_.edge.Command([&] {
         if (parts_.editing.CanEdit()) parts_.editing.DeleteRows(RowRuns(selection, *parts_.state.grid));
     });
-    parts_.RefreshSurroundings();
+    parts_.RefreshPanels();
 }
 
 // --- undo
@@ -125,7 +125,7 @@ void GridFacet::Undo() {
         parts_.editing.Undo();
         parts_.DropDraftIfUnmodified();
     });
-    parts_.RefreshSurroundings();
+    parts_.RefreshPanels();
 }
 
 void GridFacet::Redo() {
@@ -133,7 +133,7 @@ void GridFacet::Redo() {
         parts_.editing.Redo();
         parts_.DropDraftIfUnmodified();
     });
-    parts_.RefreshSurroundings();
+    parts_.RefreshPanels();
 }
 
 }  // namespace vicenter::center

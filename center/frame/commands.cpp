@@ -60,12 +60,12 @@ void WindowParts::RunTool(Tool tool) {
         case Tool::DelRow:
             if (RefusedForRight()) break;
             editing.DeleteRow();
-            RefreshSurroundings();
+            RefreshPanels();
             break;
         case Tool::AddRow:
             if (RefusedForRight()) break;
             editing.InsertRow();
-            RefreshSurroundings();
+            RefreshPanels();
             break;
         case Tool::Imp:
             RunImport({});

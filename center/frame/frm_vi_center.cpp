@@ -80,7 +80,7 @@ void frmVICenter::Shown() {
     });
 }
 
-void frmVICenter::UserRests() {
+void frmVICenter::KeepDraft() {
     parts_->edge.Look([&] { parts_->drafts.Keep(); });
 }
 
@@ -95,10 +95,10 @@ void frmVICenter::Unload() {
         parts_->state.security.reset();
         entry::WriteOperationLog(LogKind::Closed, "凭证模板-关闭");
     });
-    Rest();
+    BringHome();
 }
 
-void frmVICenter::Rest() {
+void frmVICenter::BringHome() {
     ado::RestConnections();
 }
 

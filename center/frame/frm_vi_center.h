@@ -25,7 +25,7 @@ namespace vicenter::center {
 
 struct WindowParts;
 
-class frmVICenter final : public TemplateWindow {
+class frmVICenter final : public CommandTarget {
   public:
     // commands may be none: the four commands then do nothing. Not owned, like the view.
     frmVICenter(VICenterView& view, TemplateCommands* commands);
@@ -42,11 +42,11 @@ class frmVICenter final : public TemplateWindow {
     // The window is on the screen: what the user has to be told of its opening.
     void Shown();
     // Nothing has been typed for a moment: what is not saved is kept in a draft.
-    void UserRests();
+    void KeepDraft();
     void Activate();
     void Unload();
     // The user does nothing for a while: what was saved is brought into the account set's own file.
-    void Rest();
+    void BringHome();
     // Keys before the controls; true when the key is swallowed (F1).
     bool KeyPreview(int keyCode);
     // A tool of the bar by its key, compared without case.

@@ -27,7 +27,7 @@ Rectangle LayoutGrid(const Size& panelInner, int nameFieldTop, int nameFieldHeig
             std::max(0, panelInner.height - top - kGridLeft)};
 }
 
-Position PlaceProgress(const Size& window) {
+Corner PlaceProgress(const Size& window) {
     return {window.width / 2 + 200, window.height / 2 - 500};
 }
 

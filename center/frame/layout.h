@@ -28,14 +28,14 @@ FrameLayout LayoutFrame(const Size& windowInner, int treeWidth);
 // The grid inside its panel, below the name field.
 Rectangle LayoutGrid(const Size& panelInner, int nameFieldTop, int nameFieldHeight);
 
-struct Position {
+struct Corner {
     int left = 0;
     int top = 0;
-    friend bool operator==(const Position&, const Position&) = default;
+    friend bool operator==(const Corner&, const Corner&) = default;
 };
 
 // The progress frame, placed once at load.
-Position PlaceProgress(const Size& window);
+Corner PlaceProgress(const Size& window);
 
 struct RowHeights {
     int header = 450;

@@ -30,7 +30,7 @@ class SilentView : public VICenterView {
     void SetNameList(const NameListState&) override {}
     int ApplyFont(const std::string&, double) override { return 0; }
     Size WindowSize() const override { return {}; }
-    void PlaceProgressFrame(const Position&) override {}
+    void PlaceProgressFrame(const Corner&) override {}
     void ShowFindDialog(dialogs::FrmSearch&) override {}
     void ShowColumnDialog(dialogs::frmSetColume&) override {}
 };

@@ -2,8 +2,8 @@
 
 // The commands of the main window that live in other folders, and what they may do with the window.
 //
-// exchange/ and autovch/ work on a TemplateWindow and never see the presenter; the composition of the program
-// hands a TemplateCommands to the window. User-interface thread.
+// They work on a CommandTarget and never see the presenter; whoever puts the program together hands a
+// TemplateCommands to the window. User-interface thread.
 
 #include <cstdint>
 #include <string>
@@ -13,9 +13,9 @@
 
 namespace vicenter::center {
 
-class TemplateWindow {
+class CommandTarget {
   public:
-    virtual ~TemplateWindow() = default;
+    virtual ~CommandTarget() = default;
 
     virtual const std::string& TemplateId() const = 0;    // FID of the open template, empty when none
     virtual const std::string& TemplateName() const = 0;  // the text of itName
@@ -34,13 +34,13 @@ class TemplateWindow {
 class TemplateCommands {
   public:
     virtual ~TemplateCommands() = default;
-    virtual void Import(TemplateWindow& window) = 0;
+    virtual void Import(CommandTarget& window) = 0;
     // The import of a file that is chosen already.
-    virtual void ImportFile(TemplateWindow& window, const std::string& fileName) = 0;
-    virtual void Export(TemplateWindow& window) = 0;
-    virtual void UploadToCloud(TemplateWindow& window) = 0;
+    virtual void ImportFile(CommandTarget& window, const std::string& fileName) = 0;
+    virtual void Export(CommandTarget& window) = 0;
+    virtual void UploadToCloud(CommandTarget& window) = 0;
     // Shows the generation dialog modally; it rebuilds the tree itself when it generated a template.
-    virtual void GenerateFromVouchers(TemplateWindow& window) = 0;
+    virtual void GenerateFromVouchers(CommandTarget& window) = 0;
 };
 
 }  // namespace vicenter::center

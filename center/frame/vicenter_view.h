@@ -133,7 +133,7 @@ class VICenterView {
     virtual int ApplyFont(const std::string& name, double size) = 0;
     // The window's size and place for the progress frame.
     virtual Size WindowSize() const = 0;
-    virtual void PlaceProgressFrame(const Position& position) = 0;
+    virtual void PlaceProgressFrame(const Corner& corner) = 0;
 
     // Modal; return when the dialog is closed.
     virtual void ShowFindDialog(dialogs::FrmSearch& dialog) = 0;

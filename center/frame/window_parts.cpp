@@ -5,7 +5,7 @@
 
 namespace vicenter::center {
 
-WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, TemplateWindow& theWindow)
+WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, CommandTarget& theWindow)
     : state(view),
       commands(theCommands),
       window(theWindow),
@@ -18,14 +18,14 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Temp
           [this] {
               drafts.Opened();
               editing.Forget();
-              RefreshSurroundings();
+              RefreshPanels();
           }),
       refused(state),
       save(state, kept, drafts, refused, SaveActions()),
       lookUps(state),
       items(state),
       names(state),
-      blocks(state, [this] { RefreshSurroundings(); }),
+      blocks(state, [this] { RefreshPanels(); }),
       edge(state, [this] {
           state.view.CommitTyping();
           editing.FinishTyping();
@@ -68,14 +68,14 @@ void WindowParts::RefreshStatus() {
     state.view.SetStatus(status);
 }
 
-void WindowParts::RefreshSurroundings() {
+void WindowParts::RefreshPanels() {
     names.Close();
     items.Refresh();
     RefreshStatus();
 }
 
 void WindowParts::ActiveCellChanged(const CellAddress&) {
-    RefreshSurroundings();
+    RefreshPanels();
 }
 
 void WindowParts::ContentChanged() {

@@ -29,13 +29,13 @@ namespace vicenter::center {
 
 struct WindowParts : public GridObserver {
     // window: as the commands of other folders see it. Not owned, like the view and the commands.
-    WindowParts(VICenterView& view, TemplateCommands* theCommands, TemplateWindow& theWindow);
+    WindowParts(VICenterView& view, TemplateCommands* theCommands, CommandTarget& theWindow);
     ~WindowParts() override;
 
     // The open template read again, the cursor where it was; false when its lines could not be read.
     bool Reload();
     // What hangs on the active cell and the sums: item panel, name list, status line.
-    void RefreshSurroundings();
+    void RefreshPanels();
     void RefreshStatus();
     // What windows that are gone have left: of the open template, or the newest of any. Nothing before the
     // window is on the screen.
@@ -56,7 +56,7 @@ struct WindowParts : public GridObserver {
 
     WindowState state;
     TemplateCommands* commands;
-    TemplateWindow& window;
+    CommandTarget& window;
     ColumnProfile profile;
     GridEditing editing;
     KeptLines kept;

@@ -38,13 +38,13 @@ struct Template {
 // Four commands that only say that they were run.
 class RecordingCommands : public TemplateCommands {
   public:
-    void Import(TemplateWindow&) override { run.emplace_back("import"); }
-    void ImportFile(TemplateWindow&, const std::string& fileName) override {
+    void Import(CommandTarget&) override { run.emplace_back("import"); }
+    void ImportFile(CommandTarget&, const std::string& fileName) override {
         run.push_back("import " + fileName);
     }
-    void Export(TemplateWindow&) override { run.emplace_back("export"); }
-    void UploadToCloud(TemplateWindow&) override { run.emplace_back("upload"); }
-    void GenerateFromVouchers(TemplateWindow&) override { run.emplace_back("generate"); }
+    void Export(CommandTarget&) override { run.emplace_back("export"); }
+    void UploadToCloud(CommandTarget&) override { run.emplace_back("upload"); }
+    void GenerateFromVouchers(CommandTarget&) override { run.emplace_back("generate"); }
     Texts run;
 };
 

@@ -304,7 +304,7 @@ INSTANTIATE_TEST_SUITE_P(
                     window.Cells().DescribeFault({1, 2});
                 }},
         Request{"copy", false, [](frmVICenter& window) { window.Cells().CopyBlock(kCell); }},
-        Request{"rest", false, [](frmVICenter& window) { window.UserRests(); }}),
+        Request{"draft", false, [](frmVICenter& window) { window.KeepDraft(); }}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(Commands, RowCommandsWorkOnTheActiveRow) {
@@ -438,7 +438,7 @@ TEST_F(Commands, ShareIsKnownAndDoesNothing) {
 
 TEST_F(Commands, AnErrorInsideACommandEndsItAndIsTold) {
     class Failing : public RecordingCommands {
-        void Export(TemplateWindow&) override { throw automation::Error(429, "没有 Excel"); }
+        void Export(CommandTarget&) override { throw automation::Error(429, "没有 Excel"); }
     } failing;
     window_ = std::make_unique<frmVICenter>(view_, &failing);
     window_->Load();

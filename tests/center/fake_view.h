@@ -76,9 +76,8 @@ class FakeVICenterView : public VICenterView {
         return labelHeight;
     }
     Size WindowSize() const override { return windowSize; }
-    void PlaceProgressFrame(const Position& position) override {
-        calls.push_back("progress frame " + std::to_string(position.left) + "," +
-                        std::to_string(position.top));
+    void PlaceProgressFrame(const Corner& corner) override {
+        calls.push_back("progress frame " + std::to_string(corner.left) + "," + std::to_string(corner.top));
     }
 
     void ShowFindDialog(dialogs::FrmSearch& dialog) override {

@@ -22,7 +22,7 @@ TEST(FrameLayoutInTwips, TheGridStandsBelowTheNameFieldWithTheSameEdgeAround) {
 }
 
 TEST(FrameLayoutInTwips, TheProgressFrameIsPlacedFromTheWindowsMiddle) {
-    EXPECT_EQ(PlaceProgress({12000, 9000}), (Position{6200, 4000}));
+    EXPECT_EQ(PlaceProgress({12000, 9000}), (Corner{6200, 4000}));
 }
 
 TEST(RowHeightsOfAFont, NinePointsKeepTheDesignedHeights) {

@@ -438,9 +438,9 @@ TEST_F(RightTemplate, ANewTemplateIsTheUsersWhoseWindowAsks) {
 
 class AskingCommands : public RecordingCommands {
   public:
-    void Import(TemplateWindow&) override { users.push_back(entry::CurrentUserId()); }
-    void ImportFile(TemplateWindow&, const std::string&) override { users.push_back(entry::CurrentUserId()); }
-    void GenerateFromVouchers(TemplateWindow&) override { users.push_back(entry::CurrentUserId()); }
+    void Import(CommandTarget&) override { users.push_back(entry::CurrentUserId()); }
+    void ImportFile(CommandTarget&, const std::string&) override { users.push_back(entry::CurrentUserId()); }
+    void GenerateFromVouchers(CommandTarget&) override { users.push_back(entry::CurrentUserId()); }
     Texts users;
 };
 

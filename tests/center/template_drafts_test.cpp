@@ -83,15 +83,15 @@ class Drafts : public CenterTest {
 };
 
 TEST_F(Drafts, AreWrittenWhenTheUserRestsAndOnlyWhenSomethingIsUnsaved) {
-    Window().UserRests();
+    Window().KeepDraft();
     EXPECT_THAT(Files(), IsEmpty());
     TypeMine();
     EXPECT_THAT(Files(), IsEmpty());
-    Window().UserRests();
+    Window().KeepDraft();
     ASSERT_EQ(Files().size(), 1U);
     const auto written = fs::last_write_time(system::PathFromUtf8(Files()[0]));
     fs::last_write_time(system::PathFromUtf8(Files()[0]), written - std::chrono::hours(1));
-    Window().UserRests();  // nothing new to write
+    Window().KeepDraft();  // nothing new to write
     EXPECT_EQ(fs::last_write_time(system::PathFromUtf8(Files()[0])), written - std::chrono::hours(1));
     EXPECT_THAT(Messages(), IsEmpty());
     EXPECT_THAT(set_.Statements(), IsEmpty());
@@ -99,10 +99,10 @@ TEST_F(Drafts, AreWrittenWhenTheUserRestsAndOnlyWhenSomethingIsUnsaved) {
 
 TEST_F(Drafts, GoWithASave) {
     TypeMine();
-    Window().UserRests();
+    Window().KeepDraft();
     EXPECT_TRUE(Window().Save());
     EXPECT_THAT(Files(), IsEmpty());
-    Window().UserRests();
+    Window().KeepDraft();
     CloseByFrame();
     EXPECT_THAT(Files(), IsEmpty());
 }
@@ -127,7 +127,7 @@ TEST_F(Drafts, StayWhenTheWindowIsClosedByItsFrameAndAreOfferedByTheNext) {
     EXPECT_THAT(Files(), IsEmpty());
     Window().Cells().Redo();
     EXPECT_TRUE(Window().IsDirty());
-    Window().UserRests();
+    Window().KeepDraft();
     EXPECT_EQ(Files().size(), 1U);
 }
 
@@ -242,7 +242,7 @@ TEST_F(Drafts, OfAnotherUserAreNeverRead) {
 
 TEST_F(Drafts, OfAWindowThatIsStillThereAreNotOffered) {
     TypeMine();
-    Window().UserRests();
+    Window().KeepDraft();
     FakeVICenterView secondView;
     frmVICenter second(secondView, &commands_);
     second.Load();
@@ -251,7 +251,7 @@ TEST_F(Drafts, OfAWindowThatIsStillThereAreNotOffered) {
     EXPECT_THAT(Messages(), IsEmpty());
     // Each has its own.
     second.Cells().CommitText({1, column::kRemark}, "二");
-    second.UserRests();
+    second.KeepDraft();
     EXPECT_EQ(Files().size(), 2U);
     EXPECT_TRUE(second.Save());
     EXPECT_EQ(Files().size(), 1U);
@@ -277,7 +277,7 @@ TEST_F(Drafts, AUserWithoutTheRightIsOfferedNothing) {
 
 TEST_F(Drafts, QuitWithoutSavingLeavesNone) {
     TypeMine();
-    Window().UserRests();
+    Window().KeepDraft();
     view_.onClose = [this] { Window().Unload(); };
     Answer(MessageResult::No);
     Window().ToolClick("mnuQuit");
@@ -294,7 +294,7 @@ TEST_F(Drafts, ADeclinedQuestionOfACommandThatLeavesTheGridKeepsTheDraft) {
 
 TEST_F(Drafts, OpeningAnotherTemplateWithoutSavingLeavesNone) {
     TypeMine();
-    Window().UserRests();
+    Window().KeepDraft();
     Answer(MessageResult::No);
     Window().Tree().NodeClick("detail-8");
     EXPECT_THAT(Files(), IsEmpty());

@@ -271,7 +271,7 @@ TEST(KilledWindow, LeavesADraftThatTheNextOneOffers) {
         window->Tree().NodeClick("detail-1");
         window->Cells().MoveActiveCell({1, column::kRemark});
         window->Cells().CommitText({1, column::kRemark}, "未保存");
-        window->UserRests();
+        window->KeepDraft();
     });
     const auto session = host::RegisterHostComponents({host::FileConnectString(set), 1});
     frmVICenter window(view, nullptr);

@@ -42,7 +42,7 @@ class DraftsWay : public DemoSetTest {
 TEST_F(DraftsWay, WhatIsTypedIsKeptBesideTheAccountSetWhileTheUserRests) {
     OpenAndTell();
     ClickNode("detail-1");
-    auto* rest = window->findChild<QTimer*>(QStringLiteral("rest"));
+    auto* rest = window->findChild<QTimer*>(QStringLiteral("draftTimer"));
     rest->setInterval(0);
     TypeRemark("mine");
     EXPECT_TRUE(QTest::qWaitFor([this] { return Drafts().size() == 1; }));

@@ -371,11 +371,11 @@ TEST_F(WindowTest, PastedCellsThatCannotBeTakenAreListed) {
 // Says which commands were run.
 class RecordingCommands : public center::TemplateCommands {
   public:
-    void Import(center::TemplateWindow&) override { run.emplace_back("import"); }
-    void ImportFile(center::TemplateWindow&, const std::string&) override { run.emplace_back("file"); }
-    void Export(center::TemplateWindow&) override { run.emplace_back("export"); }
-    void UploadToCloud(center::TemplateWindow&) override { run.emplace_back("upload"); }
-    void GenerateFromVouchers(center::TemplateWindow&) override { run.emplace_back("generate"); }
+    void Import(center::CommandTarget&) override { run.emplace_back("import"); }
+    void ImportFile(center::CommandTarget&, const std::string&) override { run.emplace_back("file"); }
+    void Export(center::CommandTarget&) override { run.emplace_back("export"); }
+    void UploadToCloud(center::CommandTarget&) override { run.emplace_back("upload"); }
+    void GenerateFromVouchers(center::CommandTarget&) override { run.emplace_back("generate"); }
     std::vector<std::string> run;
 };
 

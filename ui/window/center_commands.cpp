@@ -16,7 +16,7 @@ namespace {
 // The main window as export and import see it.
 class ExchangeWindow : public exchange::TemplateWindow {
   public:
-    explicit ExchangeWindow(center::TemplateWindow& window) : window_(window) {}
+    explicit ExchangeWindow(center::CommandTarget& window) : window_(window) {}
 
     std::string CurrentTemplateId() const override { return window_.TemplateId(); }
     std::string TemplateName() const override { return window_.TemplateName(); }
@@ -52,32 +52,32 @@ class ExchangeWindow : public exchange::TemplateWindow {
         system::Surroundings::Current().screen->Repaint();
     }
 
-    center::TemplateWindow& window_;
+    center::CommandTarget& window_;
     center::ProgressState progress_;
 };
 
 }  // namespace
 
-void CenterCommands::Import(center::TemplateWindow& window) {
+void CenterCommands::Import(center::CommandTarget& window) {
     ExchangeWindow exchangeWindow(window);
     exchange::ImportTemplate(exchangeWindow);
 }
 
-void CenterCommands::ImportFile(center::TemplateWindow& window, const std::string& fileName) {
+void CenterCommands::ImportFile(center::CommandTarget& window, const std::string& fileName) {
     ExchangeWindow exchangeWindow(window);
     exchange::ImportTemplateFile(exchangeWindow, fileName);
 }
 
-void CenterCommands::Export(center::TemplateWindow& window) {
+void CenterCommands::Export(center::CommandTarget& window) {
     ExchangeWindow exchangeWindow(window);
     exchange::TellUnwritten(exchangeWindow, exchange::ExportTemplate(exchangeWindow));
 }
 
-void CenterCommands::UploadToCloud(center::TemplateWindow&) {
+void CenterCommands::UploadToCloud(center::CommandTarget&) {
     exchange::UploadTemplateCommand();
 }
 
-void CenterCommands::GenerateFromVouchers(center::TemplateWindow& window) {
+void CenterCommands::GenerateFromVouchers(center::CommandTarget& window) {
     AutoVchDialog dialog(QApplication::activeWindow());
     dialog.exec();
     const autovch::GenerationResult& result = dialog.Result();

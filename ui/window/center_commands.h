@@ -10,11 +10,11 @@ namespace vicenter::ui {
 
 class CenterCommands : public center::TemplateCommands {
   public:
-    void Import(center::TemplateWindow& window) override;
-    void ImportFile(center::TemplateWindow& window, const std::string& fileName) override;
-    void Export(center::TemplateWindow& window) override;
-    void UploadToCloud(center::TemplateWindow& window) override;
-    void GenerateFromVouchers(center::TemplateWindow& window) override;
+    void Import(center::CommandTarget& window) override;
+    void ImportFile(center::CommandTarget& window, const std::string& fileName) override;
+    void Export(center::CommandTarget& window) override;
+    void UploadToCloud(center::CommandTarget& window) override;
+    void GenerateFromVouchers(center::CommandTarget& window) override;
 };
 
 }  // namespace vicenter::ui

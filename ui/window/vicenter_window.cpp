@@ -33,10 +33,10 @@ constexpr int kNameTop = 40;      // twips
 constexpr int kNameLeft = 20;
 constexpr int kProgressWidth = 4800;
 constexpr int kProgressHeight = 1000;
-constexpr int kPauseMilliseconds = 30;  // shorter than a hand needs from one key to the next
+constexpr int kListMilliseconds = 30;  // shorter than a hand needs from one key to the next
 // How often what was saved is brought into the account set's own file; next to nothing when nothing was.
 constexpr int kHomeMilliseconds = 5000;
-constexpr int kRestMilliseconds = 1500;
+constexpr int kDraftMilliseconds = 1500;
 constexpr int kLongestTypingMilliseconds = 10000;  // without a rest
 constexpr int kNamePadding = 9;                    // pixels around the name's line
 // Of a font's em: what one line of a cell takes up. The line heights that Chinese fonts name for running text
@@ -140,21 +140,21 @@ void VICenterWindow::BuildGrid() {
     grid_ = new GridView(*model_, cells, presenter_->Names(), panel_);
     connect(grid_, &GridView::contentsMoved, this, &VICenterWindow::PlaceOverlays);
     connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
-    pause_ = new QTimer(this);
-    pause_->setSingleShot(true);
-    pause_->setInterval(kPauseMilliseconds);
-    connect(pause_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
-    connect(model_, &GridModel::activeCellChanged, pause_, qOverload<>(&QTimer::start));
-    home_ = new QTimer(this);
-    home_->setInterval(kHomeMilliseconds);
-    connect(home_, &QTimer::timeout, this, [this] {
-        if (!progress_->IsPolling()) Guarded([this] { presenter_->Rest(); });
+    listTimer_ = new QTimer(this);
+    listTimer_->setSingleShot(true);
+    listTimer_->setInterval(kListMilliseconds);
+    connect(listTimer_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
+    connect(model_, &GridModel::activeCellChanged, listTimer_, qOverload<>(&QTimer::start));
+    homeTimer_ = new QTimer(this);
+    homeTimer_->setInterval(kHomeMilliseconds);
+    connect(homeTimer_, &QTimer::timeout, this, [this] {
+        if (!progress_->IsPolling()) Guarded([this] { presenter_->BringHome(); });
     });
-    rest_ = new QTimer(this);
-    rest_->setObjectName(QStringLiteral("rest"));
-    rest_->setSingleShot(true);
-    rest_->setInterval(kRestMilliseconds);
-    connect(rest_, &QTimer::timeout, this, &VICenterWindow::KeepDraft);
+    draftTimer_ = new QTimer(this);
+    draftTimer_->setObjectName(QStringLiteral("draftTimer"));
+    draftTimer_->setSingleShot(true);
+    draftTimer_->setInterval(kDraftMilliseconds);
+    connect(draftTimer_, &QTimer::timeout, this, &VICenterWindow::KeepDraft);
     for (const auto signal : {&GridModel::rowsInserted, &GridModel::rowsRemoved})
         connect(model_, signal, this, &VICenterWindow::ContentChanged);
     connect(model_, &GridModel::dataChanged, this, &VICenterWindow::ContentChanged);
@@ -204,8 +204,8 @@ void VICenterWindow::ShowModeless() {
     grid_->setFocus(Qt::OtherFocusReason);
     raise();
     activateWindow();
-    pause_->start();
-    home_->start();
+    listTimer_->start();
+    homeTimer_->start();
 }
 
 void VICenterWindow::CloseWindow() {
@@ -248,7 +248,7 @@ void VICenterWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow() && loaded_ && !unloaded_) {
         Guarded([this] { presenter_->Activate(); });
-        pause_->start();
+        listTimer_->start();
     }
 }
 
@@ -364,7 +364,7 @@ void VICenterWindow::PrepareNameLists() {
     if (!loaded_ || unloaded_ || progress_->IsPolling()) return;
     if (!system::PinyinLoading::IsOver()) {
         if (!pinyin_) pinyin_.emplace();
-        pause_->start();
+        listTimer_->start();
         return;
     }
     Guarded([this] { presenter_->Names().Prepare(); });
@@ -372,17 +372,17 @@ void VICenterWindow::PrepareNameLists() {
 
 // Whoever types without a rest is kept from time to time all the same.
 void VICenterWindow::ContentChanged() {
-    if (!rest_->isActive()) typing_.start();
-    if (!rest_->isActive() || typing_.elapsed() < kLongestTypingMilliseconds) rest_->start();
+    if (!draftTimer_->isActive()) typing_.start();
+    if (!draftTimer_->isActive() || typing_.elapsed() < kLongestTypingMilliseconds) draftTimer_->start();
 }
 
 void VICenterWindow::KeepDraft() {
     if (!loaded_ || unloaded_) return;
     if (progress_->IsPolling()) {
-        rest_->start();
+        draftTimer_->start();
         return;
     }
-    Guarded([this] { presenter_->UserRests(); });
+    Guarded([this] { presenter_->KeepDraft(); });
 }
 
 QRect VICenterWindow::ActiveRowOnScreen() const {
@@ -481,8 +481,8 @@ center::Size VICenterWindow::WindowSize() const {
     return TwipsOf(size(), *this);
 }
 
-void VICenterWindow::PlaceProgressFrame(const center::Position& position) {
-    progress_->SetPlace({TwipsToPixels(position.left, *this), TwipsToPixels(position.top, *this),
+void VICenterWindow::PlaceProgressFrame(const center::Corner& corner) {
+    progress_->SetPlace({TwipsToPixels(corner.left, *this), TwipsToPixels(corner.top, *this),
                          TwipsToPixels(kProgressWidth, *this), TwipsToPixels(kProgressHeight, *this)});
 }
 

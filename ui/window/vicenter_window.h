@@ -93,7 +93,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void SetNameList(const center::NameListState& state) override;
     int ApplyFont(const std::string& name, double size) override;
     center::Size WindowSize() const override;
-    void PlaceProgressFrame(const center::Position& position) override;
+    void PlaceProgressFrame(const center::Corner& corner) override;
     void ShowFindDialog(dialogs::FrmSearch& dialog) override;
     void ShowColumnDialog(dialogs::frmSetColume& dialog) override;
 
@@ -110,10 +110,10 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     ItemPanel* items_ = nullptr;
     GridModel* model_ = nullptr;
     GridView* grid_ = nullptr;
-    QTimer* pause_ = nullptr;  // runs out when the user rests on a cell
-    QTimer* home_ = nullptr;   // for what may be done while no command runs
-    QTimer* rest_ = nullptr;   // runs out when nothing has been typed for a while
-    QElapsedTimer typing_;     // since what is typed has last been kept
+    QTimer* listTimer_ = nullptr;   // runs out when the user rests on a cell: name lists are read
+    QTimer* homeTimer_ = nullptr;   // runs while no command does: what was saved comes home
+    QTimer* draftTimer_ = nullptr;  // runs out when nothing has been typed for a while: a draft is kept
+    QElapsedTimer typing_;          // since what is typed has last been kept
     Zone zone_ = Zone::Elsewhere;
     bool loaded_ = false;
     bool unloaded_ = false;

@@ -39,7 +39,7 @@ void WindowParts::OfferDraft(const FoundDraft& found) {
     // What was typed was typed upon what the template held then: a save finds out whether it still does.
     if (!key.empty()) state.open.TypedUpon(draft.loaded);
     drafts.Adopt(found);
-    RefreshSurroundings();
+    RefreshPanels();
 }
 
 void WindowParts::DropDraftIfUnmodified() {
