@@ -4,13 +4,10 @@
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QTimer>
 #include <QUrl>
-#include <QVBoxLayout>
-#include <algorithm>
 
 #include "ui/dialogs/column_dialog.h"
 #include "ui/dialogs/find_dialog.h"
@@ -28,20 +25,11 @@ namespace {
 const QString kTitle = QStringLiteral("凭证模板");
 constexpr int kDesignedWidth = 1180;  // pixels at 96 dots an inch
 constexpr int kDesignedHeight = 700;
-constexpr int kTreeWidth = 3150;  // twips; designed, never changes
-constexpr int kNameTop = 40;      // twips
-constexpr int kNameLeft = 20;
-constexpr int kProgressWidth = 4800;
-constexpr int kProgressHeight = 1000;
 constexpr int kListMilliseconds = 30;  // shorter than a hand needs from one key to the next
 // How often what was saved is brought into the account set's own file; next to nothing when nothing was.
 constexpr int kHomeMilliseconds = 5000;
 constexpr int kDraftMilliseconds = 1500;
 constexpr int kLongestTypingMilliseconds = 10000;  // without a rest
-constexpr int kNamePadding = 9;                    // pixels around the name's line
-// Of a font's em: what one line of a cell takes up. The line heights that Chinese fonts name for running text
-// would leave a third of every row empty.
-constexpr double kLineOfEm = 1.2;
 
 // The one local workbook file that is being dragged; empty for anything else.
 QString DroppedWorkbook(const QMimeData& data) {
@@ -51,19 +39,6 @@ QString DroppedWorkbook(const QMimeData& data) {
     const bool workbook = file.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive) ||
                           file.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive);
     return workbook ? file : QString();
-}
-
-center::Size TwipsOf(const QSize& size, const QPaintDevice& device) {
-    return {static_cast<int>(PixelsToTwips(size.width(), device)),
-            static_cast<int>(PixelsToTwips(size.height(), device))};
-}
-
-QRect PixelsOf(const center::Rectangle& r, const QPaintDevice& device) {
-    // Edges, not widths, are rounded, so that neighbours stay aligned.
-    const int left = TwipsToPixels(r.left, device);
-    const int top = TwipsToPixels(r.top, device);
-    return QRect(left, top, TwipsToPixels(r.left + r.width, device) - left,
-                 TwipsToPixels(r.top + r.height, device) - top);
 }
 
 }  // namespace
@@ -271,49 +246,6 @@ bool VICenterWindow::eventFilter(QObject* watched, QEvent* event) {
     return QMainWindow::eventFilter(watched, event);
 }
 
-void VICenterWindow::LayOutFrame() {
-    if (!centralWidget()) return;
-    const center::FrameLayout layout =
-        center::LayoutFrame(TwipsOf(centralWidget()->size(), *this), kTreeWidth);
-    tree_->setGeometry(PixelsOf(layout.tree, *this));
-    panel_->setGeometry(PixelsOf(layout.gridPanel, *this));
-    LayOutPanel();
-}
-
-void VICenterWindow::LayOutPanel() {
-    const int left = TwipsToPixels(kNameLeft, *this);
-    const int top = TwipsToPixels(kNameTop, *this);
-    const int height = name_->fontMetrics().height() + kNamePadding;
-    name_->setGeometry(left, top, std::max(0, panel_->width() - 2 * left), height);
-    if (!grid_) return;
-    const center::Rectangle grid = center::LayoutGrid(TwipsOf(panel_->size(), *this), kNameTop,
-                                                      static_cast<int>(PixelsToTwips(height, *this)));
-    grid_->setGeometry(PixelsOf(grid, *this));
-    PlaceOverlays();
-}
-
-QRect VICenterWindow::CellOverlayRect(const center::CellAddress& cell) const {
-    const QModelIndex index = model_->IndexOf(cell);
-    if (!index.isValid() || grid_->isColumnHidden(index.column())) return {};
-    const QRect rect = grid_->CellRectIn(cell, *centralWidget());
-    const QRect port(grid_->viewport()->mapTo(centralWidget(), QPoint(0, 0)), grid_->viewport()->size());
-    // A cell that has scrolled away takes what lies over it along.
-    return port.contains(rect.topLeft()) && rect.bottom() <= port.bottom() ? rect.intersected(port) : QRect();
-}
-
-void VICenterWindow::PlaceOverlays() {
-    if (!grid_ || !model_) return;
-    items_->PlaceAt(CellOverlayRect(model_->Grid().ActiveCell()));
-    const center::NameListState& list = nameList_->State();
-    const QRect cell = list.open ? CellOverlayRect({list.row, list.column}) : QRect();
-    const bool shown = list.open && !list.entries.empty() && !cell.isEmpty();
-    if (shown) {
-        nameList_->PlaceAt(cell);
-        nameList_->raise();
-    }
-    nameList_->setVisible(shown);
-}
-
 VICenterWindow::Zone VICenterWindow::ZoneOf(const QWidget* widget) const {
     if (widget == tree_ || tree_->isAncestorOf(widget)) return Zone::Tree;
     if (grid_ && (widget == grid_ || grid_->isAncestorOf(widget) || items_->Contains(widget)))
@@ -385,14 +317,6 @@ void VICenterWindow::KeepDraft() {
     Guarded([this] { presenter_->KeepDraft(); });
 }
 
-QRect VICenterWindow::ActiveRowOnScreen() const {
-    const int row = model_->Grid().ActiveCell().row;
-    const QRect rect = grid_->visualRect(model_->IndexOf({row, 1}));
-    if (!rect.isValid()) return {};
-    const QPoint corner = grid_->viewport()->mapToGlobal(QPoint(0, rect.top()));
-    return QRect(corner, QSize(grid_->viewport()->width(), rect.height()));
-}
-
 void VICenterWindow::SetTree(const std::vector<center::TreeNode>& nodes) {
     tree_->SetNodes(nodes);
 }
@@ -460,30 +384,6 @@ void VICenterWindow::SetStatus(const center::StatusState& state) {
 void VICenterWindow::SetNameList(const center::NameListState& state) {
     nameList_->SetState(state);
     PlaceOverlays();
-}
-
-int VICenterWindow::ApplyFont(const std::string& name, double size) {
-    const auto change = [&](QWidget* widget) {
-        QFont font = widget->font();  // bold and italic stay as they are
-        font.setFamilies({name == "宋体" ? BillFontFamily() : ToQt(name)});
-        font.setPointSizeF(size);
-        widget->setFont(font);
-    };
-    for (QWidget* widget : std::initializer_list<QWidget*>{measure_, name_, tree_})
-        change(widget);
-    items_->SetFont(name_->font());
-    LayOutPanel();
-    const int line = static_cast<int>(std::lround(QFontInfo(measure_->font()).pixelSize() * kLineOfEm));
-    return static_cast<int>(PixelsToTwips(line, *this));
-}
-
-center::Size VICenterWindow::WindowSize() const {
-    return TwipsOf(size(), *this);
-}
-
-void VICenterWindow::PlaceProgressFrame(const center::Corner& corner) {
-    progress_->SetPlace({TwipsToPixels(corner.left, *this), TwipsToPixels(corner.top, *this),
-                         TwipsToPixels(kProgressWidth, *this), TwipsToPixels(kProgressHeight, *this)});
 }
 
 void VICenterWindow::ShowFindDialog(dialogs::FrmSearch& dialog) {
