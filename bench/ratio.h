@@ -42,7 +42,7 @@ inline void PrintRatios(const std::string& title, const std::vector<Candidate>& 
     for (const Candidate& candidate : candidates) {
         const auto [least, most] =
             std::minmax_element(candidate.milliseconds.begin(), candidate.milliseconds.end());
-        std::printf("  %-44s %10.2f ms  (%.2f to %.2f)  %7.2f x\n", candidate.name.c_str(),
+        std::printf("  %-44s %10.3f ms  (%.3f to %.3f)  %7.2f x\n", candidate.name.c_str(),
                     candidate.Median(), *least, *most, candidate.Median() / candidates[base].Median());
     }
 }
