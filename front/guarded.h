@@ -9,7 +9,7 @@
 
 #include "automation/error.h"
 #include "front/last_error.h"
-#include "front/session.h"
+#include "front/library_session.h"
 
 namespace vicenter::front {
 
@@ -38,8 +38,8 @@ vic_status Caught(const Work& work) noexcept {
 template <class Work>
 vic_status Guarded(const Work& work) noexcept {
     return Caught([&] {
-        Session& session = Session::Enter();
-        const Session::CallScope scope(session);
+        LibrarySession& session = LibrarySession::Enter();
+        const LibrarySession::CallScope scope(session);
         work(session);
     });
 }

@@ -23,8 +23,8 @@ using automation::Arguments;
 using automation::Error;
 using automation::Variant;
 using front::Guarded;
+using front::LibrarySession;
 using front::Need;
-using front::Session;
 
 namespace {
 
@@ -147,7 +147,7 @@ vic_int32 vic_abi_version(void) {
 }
 
 vic_status vic_shutdown(void) {
-    return front::Caught([] { Session::End(); });
+    return front::Caught([] { LibrarySession::End(); });
 }
 
 void vic_cancel(void) {
@@ -175,7 +175,7 @@ vic_status vic_raise(vic_int32 number, const char* description, const char* sour
 }
 
 vic_status vic_create(const char* prog_id, vic_object** object) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(prog_id, object);
         *object = nullptr;
         *object = front::NewHandle(automation::CreateObject(prog_id));
@@ -183,18 +183,18 @@ vic_status vic_create(const char* prog_id, vic_object** object) {
 }
 
 vic_status vic_retain(vic_object* object) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(object);
         front::Retain(object);
     });
 }
 
 vic_status vic_release(vic_object* object) {
-    return Guarded([&](Session&) { NeedHeld(front::Release(object)); });
+    return Guarded([&](LibrarySession&) { NeedHeld(front::Release(object)); });
 }
 
 vic_status vic_same(const vic_object* a, const vic_object* b, vic_int32* same) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(a, b);
         Need(same);
         *same = front::ObjectOf(a) == front::ObjectOf(b) ? 1 : 0;
@@ -202,7 +202,7 @@ vic_status vic_same(const vic_object* a, const vic_object* b, vic_int32* same) {
 }
 
 vic_status vic_type_name(vic_object* object, vic_variant* name) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(object);
         Need(name);
         const automation::ObjectRef self = front::ObjectOf(object);
@@ -211,7 +211,7 @@ vic_status vic_type_name(vic_object* object, vic_variant* name) {
 }
 
 vic_status vic_has_member(vic_object* object, const char* name, vic_int32* answer) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(object);
         Need(name);
         Need(answer);
@@ -221,7 +221,7 @@ vic_status vic_has_member(vic_object* object, const char* name, vic_int32* answe
 }
 
 vic_status vic_live_objects(size_t* count) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(count);
         *count = front::LiveObjects();
     });
@@ -229,36 +229,37 @@ vic_status vic_live_objects(size_t* count) {
 
 vic_status vic_invoke(vic_object* object, vic_kind kind, const char* name, const vic_variant* arguments,
                       const char* const* names, size_t count, vic_variant* result) {
-    return Guarded([&](Session&) { Invoke(object, kind, name, arguments, names, count, result); });
+    return Guarded([&](LibrarySession&) { Invoke(object, kind, name, arguments, names, count, result); });
 }
 
 vic_status vic_call(vic_object* object, const char* name, const vic_variant* arguments, size_t count,
                     vic_variant* result) {
-    return Guarded([&](Session&) { Invoke(object, VIC_CALL, name, arguments, nullptr, count, result); });
+    return Guarded(
+        [&](LibrarySession&) { Invoke(object, VIC_CALL, name, arguments, nullptr, count, result); });
 }
 
 vic_status vic_get(vic_object* object, const char* name, vic_variant* result) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(result);
         Invoke(object, VIC_GET, name, nullptr, nullptr, 0, result);
     });
 }
 
 vic_status vic_put(vic_object* object, const char* name, const vic_variant* value) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(value);
         Invoke(object, VIC_PUT, name, value, nullptr, 1, nullptr);
     });
 }
 
 vic_status vic_clear(vic_variant* variant) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         if (variant != nullptr) NeedHeld(front::Clear(*variant));
     });
 }
 
 vic_status vic_copy(vic_variant* to, const vic_variant* from) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(to, from);
         if (to == from) return;
         Refill(to, [&](vic_variant& fresh) { front::ToC(front::FromC(*from), fresh); });
@@ -266,7 +267,7 @@ vic_status vic_copy(vic_variant* to, const vic_variant* from) {
 }
 
 vic_status vic_set_text(vic_variant* variant, const char* data, size_t length) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(variant);
         if (length != 0) Need(data);
         if (length == static_cast<size_t>(-1)) length = std::strlen(data);
@@ -276,7 +277,7 @@ vic_status vic_set_text(vic_variant* variant, const char* data, size_t length) {
 }
 
 vic_status vic_set_decimal(vic_variant* variant, const char* digits) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(variant);
         Need(digits);
         const auto decimal = automation::Decimal::Parse(digits);
@@ -286,7 +287,7 @@ vic_status vic_set_decimal(vic_variant* variant, const char* digits) {
 }
 
 vic_status vic_set_object(vic_variant* variant, vic_object* object) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(variant);
         Refill(variant, [&](vic_variant& fresh) {
             if (object != nullptr) front::Retain(object);
@@ -298,21 +299,21 @@ vic_status vic_set_object(vic_variant* variant, vic_object* object) {
 }
 
 vic_status vic_set_array(vic_variant* variant, size_t count) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(variant);
         Refill(variant, [&](vic_variant& fresh) { front::SetArray(fresh, count); });
     });
 }
 
 vic_status vic_convert(const vic_variant* from, vic_type type, vic_variant* to) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(from, to);
         Refill(to, [&](vic_variant& fresh) { front::ToC(Converted(front::FromC(*from), type), fresh); });
     });
 }
 
 vic_status vic_register_class(const char* prog_id, const vic_class* definition) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(prog_id);
         if (prog_id[0] == '\0') throw Error(VIC_ERROR_INVALID_ARGUMENT, "A class needs a ProgID");
         const front::HostClass copy = front::CopyOf(definition);
@@ -322,14 +323,14 @@ vic_status vic_register_class(const char* prog_id, const vic_class* definition) 
 }
 
 vic_status vic_unregister_class(const char* prog_id) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(prog_id);
         automation::ClassRegistry::Process().Unregister(prog_id);
     });
 }
 
 vic_status vic_new_object(const vic_class* definition, void* instance, vic_object** object) {
-    return Guarded([&](Session&) {
+    return Guarded([&](LibrarySession&) {
         Need(object);
         *object = nullptr;
         *object = front::NewHandle(front::WrapInstance(front::CopyOf(definition), instance));
@@ -337,26 +338,26 @@ vic_status vic_new_object(const vic_class* definition, void* instance, vic_objec
 }
 
 vic_status vic_set_message_handler(vic_message_handler handler, void* data) {
-    return Guarded([&](Session&) { front::SetMessageHandler(handler, data); });
+    return Guarded([&](LibrarySession&) { front::SetMessageHandler(handler, data); });
 }
 
 vic_status vic_process_events(vic_int32 milliseconds) {
-    return Guarded([&](Session& session) { session.Windows().Process(milliseconds); });
+    return Guarded([&](LibrarySession& session) { session.Windows().Process(milliseconds); });
 }
 
 vic_status vic_run(void) {
-    return Guarded([](Session& session) { session.Windows().Run(); });
+    return Guarded([](LibrarySession& session) { session.Windows().Run(); });
 }
 
 vic_status vic_open_windows(size_t* count) {
-    return Guarded([&](Session& session) {
+    return Guarded([&](LibrarySession& session) {
         Need(count);
         *count = session.Windows().OpenWindows();
     });
 }
 
 vic_status vic_close_windows(void) {
-    return Guarded([](Session& session) { session.Windows().CloseAll(); });
+    return Guarded([](LibrarySession& session) { session.Windows().CloseAll(); });
 }
 
 }  // extern "C"

@@ -1,4 +1,4 @@
-#include "front/session.h"
+#include "front/library_session.h"
 
 #include <atomic>
 #include <mutex>
@@ -33,14 +33,14 @@ std::uint64_t ThisThread() {
 
 // Kept to the end of the process unless it is ended before: what a window or a host object does last may
 // come after every static object is gone.
-Session*& Current() {
-    static Session* session = nullptr;
+LibrarySession*& Current() {
+    static LibrarySession* session = nullptr;
     return session;
 }
 
 }  // namespace
 
-Session::Session()
+LibrarySession::LibrarySession()
     : thread_(ThisThread()), surroundings_(system::Surroundings::Current()), windows_(WindowLoop::Create()) {
     store::RegisterComponentClasses();
     support::RegisterSupportClasses();
@@ -50,11 +50,11 @@ Session::Session()
         office::RegisterExcelServer();
 }
 
-Session::~Session() = default;
+LibrarySession::~LibrarySession() = default;
 
-Session& Session::Enter() {
+LibrarySession& LibrarySession::Enter() {
     const std::lock_guard guard(Lock());
-    if (Current() == nullptr) Current() = new Session();
+    if (Current() == nullptr) Current() = new LibrarySession();
     if (Current()->thread_ != ThisThread()) {
         throw Error(VIC_ERROR_WRONG_THREAD,
                     "The template center belongs to the thread that called it first; "
@@ -64,12 +64,12 @@ Session& Session::Enter() {
     return *Current();
 }
 
-void Session::End() {
+void LibrarySession::End() {
     {
         const std::lock_guard guard(Lock());
         if (Current() == nullptr) return;
     }
-    Session& session = Enter();
+    LibrarySession& session = Enter();
     if (session.calls_ != 0) {
         throw Error(automation::error_number::kInvalidProcedureCall,
                     "The template center cannot be shut down while a call is under way.", "VelaVICenter");

@@ -12,10 +12,10 @@
 
 namespace vicenter::front {
 
-class Session {
+class LibrarySession {
   public:
     // The session of the process, begun if need be. Error VIC_ERROR_WRONG_THREAD on another thread.
-    static Session& Enter();
+    static LibrarySession& Enter();
     // Ends it, when it has begun: closes the windows and puts back what the process had before. Error 5 while
     // a call is under way or a window stays open.
     static void End();
@@ -25,10 +25,10 @@ class Session {
     // Counts the calls under way on the session's thread.
     class CallScope;
 
-    Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
-    ~Session();
+    LibrarySession();
+    LibrarySession(const LibrarySession&) = delete;
+    LibrarySession& operator=(const LibrarySession&) = delete;
+    ~LibrarySession();
 
   private:
     std::uint64_t thread_;
@@ -38,15 +38,15 @@ class Session {
     std::unique_ptr<WindowLoop> windows_;
 };
 
-class Session::CallScope {
+class LibrarySession::CallScope {
   public:
-    explicit CallScope(Session& session) : session_(session) { ++session_.calls_; }
+    explicit CallScope(LibrarySession& session) : session_(session) { ++session_.calls_; }
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
     ~CallScope() { --session_.calls_; }
 
   private:
-    Session& session_;
+    LibrarySession& session_;
 };
 
 }  // namespace vicenter::front
