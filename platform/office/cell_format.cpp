@@ -1,7 +1,5 @@
 #include "platform/office/cell_format.h"
 
-#include <array>
-
 #include "platform/office/limits.h"
 #include "text/ascii.h"
 
@@ -77,14 +75,6 @@ constexpr BuiltIn kBuiltIns[] = {
     {58, "m\"月\"d\"日\""},
 };
 
-constexpr std::array<std::string_view, 56> kPalette = {
-    "000000", "FFFFFF", "FF0000", "00FF00", "0000FF", "FFFF00", "FF00FF", "00FFFF", "800000", "008000",
-    "000080", "808000", "800080", "008080", "C0C0C0", "808080", "9999FF", "993366", "FFFFCC", "CCFFFF",
-    "660066", "FF8080", "0066CC", "CCCCFF", "000080", "FF00FF", "FFFF00", "00FFFF", "800080", "800000",
-    "008080", "0000FF", "00CCFF", "CCFFFF", "CCFFCC", "FFFF99", "99CCFF", "FF99CC", "CC99FF", "FFCC99",
-    "3366FF", "33CCCC", "99CC00", "FFCC00", "FF9900", "FF6600", "666699", "969696", "003366", "339966",
-    "003300", "333300", "993300", "993366", "333399", "333333"};
-
 }  // namespace
 
 FormatTable::FormatTable() {
@@ -156,10 +146,6 @@ std::string_view BuiltInNumberFormat(std::uint32_t number) {
         if (entry.number == number) return entry.format;
     }
     return {};
-}
-
-std::string_view PaletteColor(std::uint8_t index) {
-    return index >= 1 && index <= kPalette.size() ? kPalette[index - 1u] : std::string_view();
 }
 
 }  // namespace vicenter::office

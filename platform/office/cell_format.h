@@ -48,7 +48,5 @@ bool IsDateFormat(std::string_view numberFormat);
 // The number format behind one of the built-in numbers of both file kinds; empty for General and unknown
 // ones.
 std::string_view BuiltInNumberFormat(std::uint32_t number);
-// The colour of a standard palette index 1 to 56 as "RRGGBB".
-std::string_view PaletteColor(std::uint8_t index);
 
 }  // namespace vicenter::office

@@ -164,7 +164,7 @@ class ExcelWorksheet : public TableObject<ExcelWorksheet> {
 class ExcelRange : public TableObject<ExcelRange> {
   public:
     // What Count counts.
-    enum class Unit { Cells, Rows, Columns };
+    enum class Pieces { Cells, Rows, Columns };
 
     ExcelRange(std::shared_ptr<ExcelWorksheet> sheet, const CellArea& area)
         : sheet_(std::move(sheet)), area_(area) {}
@@ -175,7 +175,7 @@ class ExcelRange : public TableObject<ExcelRange> {
     void Rebind(std::shared_ptr<ExcelWorksheet> sheet, const CellArea& area) {
         sheet_ = std::move(sheet);
         area_ = area;
-        unit_ = Unit::Cells;
+        pieces_ = Pieces::Cells;
     }
     const CellArea& Area() const { return area_; }
 
@@ -187,7 +187,7 @@ class ExcelRange : public TableObject<ExcelRange> {
     void ChangeFormat(const std::function<void(CellFormat&)>& change);
 
   private:
-    std::shared_ptr<ExcelRange> Part(const CellArea& area, Unit unit) const;
+    std::shared_ptr<ExcelRange> Part(const CellArea& area, Pieces pieces) const;
     bool IsSingleCell() const {
         return area_.firstRow == area_.lastRow && area_.firstColumn == area_.lastColumn;
     }
@@ -197,7 +197,7 @@ class ExcelRange : public TableObject<ExcelRange> {
 
     std::shared_ptr<ExcelWorksheet> sheet_;
     CellArea area_;
-    Unit unit_ = Unit::Cells;
+    Pieces pieces_ = Pieces::Cells;
 };
 
 // Font, Borders and Interior of a range.

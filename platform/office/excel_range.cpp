@@ -116,15 +116,15 @@ void ExcelRange::ChangeFormat(const std::function<void(CellFormat&)>& change) {
     }
 }
 
-std::shared_ptr<ExcelRange> ExcelRange::Part(const CellArea& area, Unit unit) const {
+std::shared_ptr<ExcelRange> ExcelRange::Part(const CellArea& area, Pieces pieces) const {
     auto part = std::make_shared<ExcelRange>(sheet_, area);
-    part->unit_ = unit;
+    part->pieces_ = pieces;
     return part;
 }
 
 void ExcelRange::AutoFit() {
     // Fitting rows is left to whoever shows the sheet.
-    if (!IsWholeColumns() && unit_ != Unit::Columns) return;
+    if (!IsWholeColumns() && pieces_ != Pieces::Columns) return;
     const std::uint32_t last = std::min(area_.lastColumn, sheet_->Content().UsedArea().lastColumn);
     if (last >= area_.firstColumn) {
         AutoFitColumns(sheet_->Book()->Content(), sheet_->Content(), area_.firstColumn, last);
@@ -175,8 +175,9 @@ const MemberTable<ExcelRange>& ExcelRange::Members() {
                                  const std::int64_t rows = self.area_.lastRow - self.area_.firstRow + 1;
                                  const std::int64_t columns =
                                      self.area_.lastColumn - self.area_.firstColumn + 1;
-                                 if (self.unit_ == Unit::Rows) return static_cast<std::int32_t>(rows);
-                                 if (self.unit_ == Unit::Columns) return static_cast<std::int32_t>(columns);
+                                 if (self.pieces_ == Pieces::Rows) return static_cast<std::int32_t>(rows);
+                                 if (self.pieces_ == Pieces::Columns)
+                                     return static_cast<std::int32_t>(columns);
                                  const std::int64_t cells = rows * columns;
                                  if (cells > INT32_MAX) {
                                      throw automation::Error(automation::error_number::kOverflow);
@@ -185,10 +186,10 @@ const MemberTable<ExcelRange>& ExcelRange::Members() {
                              }),
         Property<ExcelRange>(
             "Rows",
-            [](ExcelRange& self, Arguments&) -> Variant { return self.Part(self.area_, Unit::Rows); }),
+            [](ExcelRange& self, Arguments&) -> Variant { return self.Part(self.area_, Pieces::Rows); }),
         Property<ExcelRange>(
             "Columns",
-            [](ExcelRange& self, Arguments&) -> Variant { return self.Part(self.area_, Unit::Columns); }),
+            [](ExcelRange& self, Arguments&) -> Variant { return self.Part(self.area_, Pieces::Columns); }),
         IndexedProperty<ExcelRange>("Cells", {"RowIndex", "ColumnIndex"},
                                     [](ExcelRange& self, Arguments& a) -> Variant {
                                         const CellArea area =
@@ -196,14 +197,14 @@ const MemberTable<ExcelRange>& ExcelRange::Members() {
                                         const std::uint32_t row = self.area_.firstRow + area.firstRow;
                                         const std::uint32_t column =
                                             self.area_.firstColumn + area.firstColumn;
-                                        return self.Part({row, column, row, column}, Unit::Cells);
+                                        return self.Part({row, column, row, column}, Pieces::Cells);
                                     }),
         Property<ExcelRange>("EntireColumn",
                              [](ExcelRange& self, Arguments&) -> Variant {
                                  CellArea area = self.sheet_->WholeArea();
                                  area.firstColumn = self.area_.firstColumn;
                                  area.lastColumn = self.area_.lastColumn;
-                                 return self.Part(area, Unit::Columns);
+                                 return self.Part(area, Pieces::Columns);
                              }),
         Property<ExcelRange>("Row",
                              [](ExcelRange& self, Arguments&) -> Variant {
@@ -253,7 +254,7 @@ const MemberTable<ExcelRange>& ExcelRange::Members() {
                            [](ExcelRange& self, Arguments&) -> Variant {
                                self.sheet_->Content();
                                self.sheet_->Book()->Application()->SetSelection(
-                                   self.Part(self.area_, self.unit_));
+                                   self.Part(self.area_, self.pieces_));
                                return true;
                            }),
         Method<ExcelRange>("Activate", {}, [](ExcelRange&, Arguments&) -> Variant { return true; }),
