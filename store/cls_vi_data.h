@@ -109,7 +109,7 @@ class clsVIData : public automation::TableObject<clsVIData> {
     RecordsetRef QueryAgain(const std::string& sql);
     // (FID) of every user's templates of that name. Errors pass.
     RecordsetRef TemplatesOfName(const std::string& name);
-    // (FItemClassID, FSQLTableName) of the classes that a statement's condition selects.
+    // The checks that take more than one question. Errors pass.
     bool ItemsAreValid(const std::string& accountNumber, const std::string& items);
     bool SettlementIsValid(const std::string& accountNumber, const std::string& settleName);
     bool CurrencyIsValid(const std::string& accountNumber, const std::string& currencyName);

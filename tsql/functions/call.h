@@ -54,7 +54,6 @@ class FunctionCall {
         return ReadStoredDecimal(Text(i));
     }
     bool IsInteger(int i) const { return sqlite3_value_type(arguments_[i]) == SQLITE_INTEGER; }
-    bool IsReal(int i) const { return sqlite3_value_type(arguments_[i]) == SQLITE_FLOAT; }
 
     void Return(const Value& value, const SqlType& type) const { ReturnValue(context_, value, type); }
     void ReturnArgument(int i) const { sqlite3_result_value(context_, arguments_[i]); }

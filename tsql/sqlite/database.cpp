@@ -38,10 +38,6 @@ void PreparedStatement::Reset() {
     sqlite3_reset(handle_);
 }
 
-bool PreparedStatement::IsReadOnly() const {
-    return sqlite3_stmt_readonly(handle_) != 0;
-}
-
 void PreparedStatement::Bind(int parameter, std::int64_t value) {
     sqlite3_bind_int64(handle_, parameter, value);
 }

@@ -51,7 +51,6 @@ class PreparedStatement {
     explicit operator bool() const { return handle_ != nullptr; }
     StepResult Step();
     void Reset();
-    bool IsReadOnly() const;
 
     void Bind(int parameter, std::int64_t value);
     void Bind(int parameter, std::string_view value);

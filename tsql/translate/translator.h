@@ -251,7 +251,6 @@ class Translator {
     std::vector<std::unique_ptr<Expr>> ownedExpressions_;  // defaults and the like, parsed here
     int aggregateDepth_ = 0;
     bool aggregateAllowed_ = false;
-    bool sawAggregate_ = false;
     bool inlineLiterals_ = false;
     std::string assigning_;       // variables assigned by this SELECT, each between blanks
     bool isAlternative_ = false;  // one of several conditions with OR, of which SQLite may make a set
