@@ -21,6 +21,7 @@
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
 #include "store/template_guard.h"
+#include "store/template_outcome.h"
 
 namespace vicenter::exchange {
 
@@ -181,17 +182,11 @@ std::string ReadTemplateId(const std::string& name) {
     return std::to_string(id);
 }
 
-// "注：…" naming the template numbers that cannot be used; empty when all can.
+// "注：…" naming the template numbers that cannot be used, without the breaks before it; empty when all can.
 std::string UnusableNote(const std::string& id) {
-    const auto rows = store::clsVIData().GetRs(
-        "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = " + id + " order by fno");
-    if (!rows || rows->AtEnd()) return {};
-    std::string numbers;
-    for (; !rows->AtEnd(); rows->MoveNext()) {
-        if (!numbers.empty()) numbers += "、";
-        numbers += rows->Value("FNo").ToTextOrEmpty();
-    }
-    return "注：编号为 " + numbers + " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
+    const auto numbers = store::ReadUnusableNumbers(id);
+    const std::string note = numbers ? store::WithUnusableNote({}, *numbers) : std::string();
+    return note.substr(std::min(note.find_first_not_of(entry::kCrLf), note.size()));
 }
 
 std::string UpperExtension(const std::string& fileName) {
