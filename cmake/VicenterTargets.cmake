@@ -42,7 +42,7 @@ if(VICENTER_SANITIZE)
   target_link_options(vicenter_settings INTERFACE -fsanitize=address,undefined)
 endif()
 
-# A change in a low folder links some thirty test programs anew.
+# A change in a low folder links two dozen test programs anew.
 find_program(MOLD_PROGRAM mold)
 if(MOLD_PROGRAM)
   target_link_options(vicenter_settings INTERFACE -fuse-ld=mold)
