@@ -1,5 +1,8 @@
 // The window on an account set of a server that is slow, hangs or goes away, by real events.
 
+#include <QDir>
+#include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <functional>
 #include <utility>
@@ -143,6 +146,53 @@ TEST_F(ServerWayTest, WhatWasTypedAndSavedIsThereWhenTheWindowIsOpenedAgain) {
     Open();
     ClickNode(kTemplate);
     EXPECT_EQ(Contents(), before);
+}
+
+// Looks at the box over the window, then presses Cancel. With VICENTER_PICTURES set to a folder the picture
+// of docs/pictures/ is written there.
+class Camera : public QObject {
+  public:
+    explicit Camera(QWidget& window) : window_(window) { qApp->installEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Show && watched->objectName() == "longWork") {
+            auto* box = qobject_cast<QDialog*>(watched);
+            QMetaObject::invokeMethod(
+                box, [this, box] { Look(*box); }, Qt::QueuedConnection);
+        }
+        return false;
+    }
+    int looked = 0;
+
+  private:
+    void Look(QDialog& box) {
+        ++looked;
+        const auto* label = box.findChild<QLabel*>();
+        EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->width());
+        EXPECT_EQ(label->text(), "正在执行，请稍后...");
+        if (const QString pictures = qEnvironmentVariable("VICENTER_PICTURES"); !pictures.isEmpty()) {
+            QPixmap picture = window_.grab();
+            QPainter painter(&picture);
+            const QPixmap small = box.grab();
+            const QRect place(QPoint((picture.width() - small.width()) / 2, picture.height() / 3),
+                              small.size());
+            painter.drawPixmap(place.topLeft(), small);
+            painter.drawRect(place);
+            painter.end();
+            EXPECT_TRUE(picture.save(QDir(pictures).filePath("server-wait.png")));
+        }
+        box.findChild<QPushButton*>("cmdCancelLongWork")->click();
+    }
+    QWidget& window_;
+};
+
+TEST_F(ServerWayTest, ABoxStandsOverTheWindowWhileTheServerWorks) {
+    Open();
+    ClickNode(kTemplate);
+    Camera camera(*window);
+    server_.Behave(std::make_shared<StallAtBatch>(1));
+    ClickNode("detail-0");
+    EXPECT_EQ(camera.looked, 1);
+    server_.BehaveWell();
 }
 
 TEST_F(ServerWayTest, AQuestionThatHangsIsStoppedFromItsBoxAndTheWindowGoesOn) {
