@@ -86,6 +86,9 @@ constexpr int kBloomFilter = 0x00080000;
 // Steps of a query between two questions whether it is to stop: some tens of microseconds.
 constexpr int kStepsPerQuestion = 1000;
 
+// While SQLite sleeps nobody could stop it.
+constexpr std::chrono::milliseconds kLongestNap{25};
+
 // How long a look at the file is good for batches that read: less than anybody can tell, and many answers.
 constexpr std::chrono::milliseconds kGoodLook{1};
 
@@ -179,6 +182,34 @@ int Database::Wait(void* database, int times) {
     return 1;
 }
 
+bool Database::MayWaitOn(std::chrono::steady_clock::time_point since) {
+    if (stopping_.Stops(true) || stopping_.Reason() != StopReason::kNone) return false;
+    return std::chrono::steady_clock::now() - since < std::chrono::milliseconds(lockTimeout_);
+}
+
+// Sleeps no longer than the lock time-out lets it, and not at all once the batch is stopped: SQLite then
+// tries its hundred times and gives up.
+void Database::Nap(void* database, std::chrono::microseconds asked) {
+    auto& self = *static_cast<Database*>(database);
+    const auto begin = std::chrono::steady_clock::now();
+    if (self.nappingSince_ == std::chrono::steady_clock::time_point()) self.nappingSince_ = begin;
+    const auto end = begin + asked;
+    for (auto now = begin; now < end && self.MayWaitOn(self.nappingSince_);
+         now = std::chrono::steady_clock::now()) {
+        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(end - now, kLongestNap));
+    }
+}
+
+template <class Call>
+int Database::Patiently(const Call& call) {
+    const NapRule rule(&Database::Nap, this);
+    nappingSince_ = {};
+    int code = call();
+    while ((code & 0xFF) == SQLITE_PROTOCOL && MayWaitOn(nappingSince_))
+        code = call();
+    return code;
+}
+
 int Database::State() const {
     int state = static_cast<int>(FileState::kSame);
     if (handle_ != nullptr) sqlite3_file_control(handle_, "main", kAskFileState, &state);
@@ -213,14 +244,16 @@ bool Database::BringHome() {
 
 PreparedStatement Database::Prepare(std::string_view sql) {
     sqlite3_stmt* statement = nullptr;
-    const int code = sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
-                                        SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    const int code = Patiently([&] {
+        return sqlite3_prepare_v3(handle_, sql.data(), static_cast<int>(sql.size()),
+                                  SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    });
     if (code != SQLITE_OK) throw Failure(code);
     return PreparedStatement(statement);
 }
 
 void Database::Run(const std::string& sql) {
-    const int code = sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr);
+    const int code = Patiently([&] { return sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr); });
     if (code != SQLITE_OK) throw Failure(code);
 }
 
@@ -229,14 +262,8 @@ void Database::RunQuietly(const std::string& sql) noexcept {
 }
 
 bool Database::Step(PreparedStatement& statement) {
-    switch (statement.Step()) {
-        case StepResult::kRow:
-            return true;
-        case StepResult::kDone:
-            return false;
-        case StepResult::kFailed:
-            break;
-    }
+    const int code = Patiently([&] { return sqlite3_step(statement.Handle()); });
+    if (code == SQLITE_ROW || code == SQLITE_DONE) return code == SQLITE_ROW;
     SqlError failure = LastFailure();
     statement.Reset();
     throw failure;

@@ -131,13 +131,19 @@ class Database {
     int State() const;
     void Close();
     static int Wait(void* database, int times);
+    static void Nap(void* database, std::chrono::microseconds asked);
+    bool MayWaitOn(std::chrono::steady_clock::time_point since);
+    // A call of SQLite that waits for a log as long as for any lock.
+    template <class Call>
+    int Patiently(const Call& call);
 
     sqlite3* handle_ = nullptr;
     std::string path_;
     int lockTimeout_ = 0;
     Interruption stopping_;
     std::chrono::steady_clock::time_point waitingSince_;
-    std::chrono::steady_clock::time_point lookedAt_;  // before reading; nothing has been written since
+    std::chrono::steady_clock::time_point nappingSince_;  // in the call that runs; none: 0
+    std::chrono::steady_clock::time_point lookedAt_;      // before reading; nothing has been written since
 };
 
 // "name" with its quotes doubled.

@@ -7,10 +7,32 @@
 // writers then damage the set. Here every connection locks through an open file description of its own, on
 // the same bytes, so that SQLite elsewhere is kept out as ever and nobody else can drop them.
 
+#include <chrono>
+
 namespace vicenter::tsql::engine {
 
 // The name for sqlite3_open_v2; registers the file system when it is first asked for. None: SQLite's own.
 const char* AccountSetFileSystem();
+
+// While SQLite cannot get at the log of an account set it sleeps in pieces, for ten seconds in all and
+// without asking its busy handler. While one of these lives, the calls that this thread makes sleep as it
+// says.
+class NapRule {
+  public:
+    using Nap = void (*)(void* caller, std::chrono::microseconds asked);
+    NapRule(Nap nap, void* caller);
+    NapRule(const NapRule&) = delete;
+    NapRule& operator=(const NapRule&) = delete;
+    ~NapRule();
+
+    // Sleeps by the rule that holds; false when there is none.
+    static bool Apply(std::chrono::microseconds asked);
+
+  private:
+    Nap nap_;
+    void* caller_;
+    NapRule* before_;
+};
 
 // What became of the file since a connection opened it.
 enum class FileState : int {

@@ -175,7 +175,10 @@ sqlite3_vfs MakeFileSystem() {
     made.xRandomness = [](sqlite3_vfs*, int count, char* bytes) {
         return Base()->xRandomness(Base(), count, bytes);
     };
-    made.xSleep = [](sqlite3_vfs*, int microseconds) { return Base()->xSleep(Base(), microseconds); };
+    made.xSleep = [](sqlite3_vfs*, int microseconds) {
+        if (NapRule::Apply(std::chrono::microseconds(microseconds))) return microseconds;
+        return Base()->xSleep(Base(), microseconds);
+    };
     made.xCurrentTime = [](sqlite3_vfs*, double* now) { return Base()->xCurrentTime(Base(), now); };
     made.xGetLastError = [](sqlite3_vfs*, int, char*) { return errno; };
     made.xCurrentTimeInt64 = [](sqlite3_vfs*, sqlite3_int64* now) {

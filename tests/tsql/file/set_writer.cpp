@@ -22,11 +22,13 @@ int main(int count, char** arguments) {
         try {
             Session session(options);
             TextSink sink;
-            if (session.Execute("insert into t values(" + std::to_string(number) + ")", sink)
-                    .errors.empty()) {
+            const ExecutionReport report =
+                session.Execute("insert into t values(" + std::to_string(number) + ")", sink);
+            if (report.errors.empty()) {
                 std::cout << number << std::endl;
                 continue;
             }
+            std::cerr << number << ": " << report.errors.front().text << "\n";
         } catch (const vicenter::tsql::SqlError& error) {
             std::cerr << error.Text() << "\n";
         }
