@@ -5,6 +5,7 @@
 #include "entry/kept_error.h"
 #include "entry/sql_text.h"
 #include "platform/system/surroundings.h"
+#include "store/engine_text.h"
 
 namespace vicenter::store {
 
@@ -71,7 +72,8 @@ bool clsVIData::IsExecuteSql(const std::string& strsql) {
     } catch (const Error& error) {
         entry::KeepError(error);
         system::Surroundings::Current().messageBoxes->Show(
-            error.Text(), system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+            EngineTextInChinese(error.Text()), system::MessageButtons::Ok, system::MessageIcon::Information,
+            entry::kMessageTitle);
         return false;
     }
 }

@@ -11,6 +11,7 @@
 #include "platform/system/file_names.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
+#include "store/engine_text.h"
 #include "store/template_health.h"
 
 namespace vicenter::center {
@@ -68,7 +69,7 @@ void AccountSetCare::BackUp(bool unsaved) {
         ado::RegisteredFileCare()->BackUp(*file, *chosen);
     } catch (const Error& error) {
         entry::WriteOperationLog(LogKind::Failed, "凭证模板-备份账套 失败");
-        Tell("账套备份失败！\r\n\r\n" + error.Text());
+        Tell("账套备份失败！\r\n\r\n" + store::EngineTextInChinese(error.Text()));
         return;
     }
     entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-备份账套 成功");
@@ -85,7 +86,7 @@ void AccountSetCare::Verify() {
         if (findings.empty())
             findings = store::FindTemplateFaults(*ado::OpenConnection(ConnectStringOfHost()));
     } catch (const Error& error) {
-        findings.push_back(error.Text());
+        findings.push_back(store::EngineTextInChinese(error.Text()));
     }
     if (findings.empty()) {
         Tell("账套检查完毕，没有发现问题。");

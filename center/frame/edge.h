@@ -11,6 +11,7 @@
 #include "automation/error.h"
 #include "center/frame/window_state.h"
 #include "entry/host_context.h"
+#include "store/engine_text.h"
 
 namespace vicenter::center {
 
@@ -28,7 +29,7 @@ class Edge {
             const entry::UserScope user(state_.userId);
             return work();
         } catch (const automation::Error& error) {
-            Tell(error.Text());
+            Tell(store::EngineTextInChinese(error.Text()));
         }
         if constexpr (!std::is_void_v<Result>) return Result{};
     }

@@ -5,6 +5,7 @@
 
 #include "automation/error.h"
 #include "platform/system/surroundings.h"
+#include "store/engine_text.h"
 
 namespace vicenter::ui {
 
@@ -16,7 +17,7 @@ std::string Describe(const std::exception_ptr& failure) {
     try {
         std::rethrow_exception(failure);
     } catch (const automation::Error& error) {
-        std::string text = error.Text();
+        std::string text = store::EngineTextInChinese(error.Text());
         if (!error.Source().empty()) text += "\r\n\r\n" + error.Source();
         return text;
     } catch (const std::bad_alloc&) {
