@@ -114,6 +114,32 @@ TEST_F(CellChecksTest, TheSameQuestionIsAskedOnceAndADifferentOneAnew) {
     EXPECT_TRUE(checks.IsValid(Grid(), 3, 2));
 }
 
+TEST_F(CellChecksTest, WhereTheCodeEndsAndTheItemsBeginMakesADifference) {
+    set_.Respond("select a.FItemClassID,b.FSQLTableName", [](const std::string& sql) {
+        const bool known = sql.find("FNumber = '1122'") != std::string::npos;
+        return known ? Rows({"FItemClassID", "FSQLTableName"}, {{Variant(1), "t_Organization"}})
+                     : Rows({"FItemClassID", "FSQLTableName"});
+    });
+    set_.Answer("from t_Organization where fnumber = '1'", Rows({"FItemID"}, {{Variant(101)}}));
+    Grid().SetText(1, 5, "1122");
+    Grid().SetText(1, 11, "1");
+    Grid().SetText(2, 5, "112");
+    Grid().SetText(2, 11, "21");
+    CellChecks checks;
+    EXPECT_TRUE(checks.IsValid(Grid(), 1, 5));
+    EXPECT_FALSE(checks.IsValid(Grid(), 2, 5)) << "1122 and 1 are not 112 and 21";
+}
+
+TEST_F(CellChecksTest, SeparatorsAloneAreNothingInTheItemsOnly) {
+    for (const int c : {9, 13, 17, 11}) {
+        Grid().SetText(1, 5, "1002");
+        Grid().SetText(1, c, ",,");
+        CellChecks checks;
+        const int check = CheckOfColumn(c);
+        EXPECT_EQ(checks.IsValid(Grid(), 1, check), check == 5) << c;
+    }
+}
+
 TEST_F(CellChecksTest, OneAccountsCellsAreEachAQuestionOfTheirOwn) {
     CellChecks checks;
     struct Case {

@@ -10,11 +10,12 @@ namespace {
 class CountingFactory : public WindowFactory {
   public:
     void OpenVICenter() override {
-        if (fail) throw automation::Error(7, "Out of memory");
+        if (fail) throw automation::Error(7, "Out of memory", source);
         ++opened;
     }
     int opened = 0;
     bool fail = false;
+    std::string source;
 };
 
 class AplicationTest : public testing::Test {
@@ -41,6 +42,17 @@ TEST_F(AplicationTest, AWindowThatCannotOpenIsAnAutomationError) {
         EXPECT_EQ(error.Number(), 7);
         EXPECT_EQ(error.Text(), "Out of memory");
         EXPECT_EQ(error.Source(), "VelaVICenter");
+    }
+}
+
+TEST_F(AplicationTest, AnErrorThatNamesItsSourceKeepsIt) {
+    factory_->fail = true;
+    factory_->source = "VelaEBSBase.SecurityInfo";
+    try {
+        aplication_->Call("ShowVICenter");
+        FAIL();
+    } catch (const automation::Error& error) {
+        EXPECT_EQ(error.Source(), "VelaEBSBase.SecurityInfo");
     }
 }
 

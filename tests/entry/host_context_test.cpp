@@ -87,6 +87,12 @@ TEST_F(HostContextTest, AKeyThatEndsAnotherFindsThatOne) {
     EXPECT_EQ(GetPropValue("ID"), "16394");
 }
 
+TEST_F(HostContextTest, AKeyThatHoldsASemicolonHasNoValue) {
+    props_ = "AcctID=1;UserID=5;";
+    EXPECT_EQ(GetPropValue("1;UserID"), "") << "the found place is cut before its first semicolon";
+    EXPECT_EQ(GetPropValue("UserID"), "5");
+}
+
 TEST_F(HostContextTest, AMissingKeyIsTheEmptyText) {
     EXPECT_EQ(GetPropValue("Nothing"), "");
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "entry/host_context.h"
+#include "platform/ado/host_connection_service.h"
 #include "tests/fakes/fake_account_set.h"
 #include "tests/fakes/scripted_object.h"
 
@@ -26,6 +27,31 @@ TEST_F(HostServicesTest, ProfileValuesComeFromTheHostsProfile) {
     profile->Value("GetProfile", 12);
     EXPECT_EQ(GetSystemProfile("GL", "PeriodCount"), Variant(12));
     EXPECT_EQ(profile->Calls(), std::vector<std::string>{"GetProfile(UserID=7;, GL, PeriodCount)"});
+}
+
+// A framework that makes its objects itself: the registry knows none of them.
+class FactoryOfItsOwn : public ado::HostFramework {
+  public:
+    explicit FactoryOfItsOwn(automation::ObjectRef object) : object_(std::move(object)) {}
+    std::shared_ptr<ado::Broker> GiveBroker() override { return nullptr; }
+    automation::ObjectRef CreateObject(const std::string& progId) override {
+        asked.push_back(progId);
+        return object_;
+    }
+    std::vector<std::string> asked;
+
+  private:
+    automation::ObjectRef object_;
+};
+
+TEST_F(HostServicesTest, TheProfileIsMadeByTheHostsFactory) {
+    const auto profile = std::make_shared<fakes::ScriptedObject>("SystemProfile");
+    profile->Value("GetProfile", 12);
+    const auto framework = std::make_shared<FactoryOfItsOwn>(profile);
+    ado::HostFramework::SetProcess(framework);
+    EXPECT_EQ(GetSystemProfile("GL", "PeriodCount"), Variant(12));
+    ado::HostFramework::SetProcess(nullptr);
+    EXPECT_EQ(framework->asked, std::vector<std::string>{"VelaEBSBase.SystemProfile"});
 }
 
 TEST_F(HostServicesTest, AMissingProfileIsEmpty) {
@@ -63,6 +89,16 @@ TEST_F(HostServicesTest, WithoutAStoredRowTheDefaultCounts) {
     EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 9);
 }
 
+TEST_F(HostServicesTest, ARecordsetThatCannotCountGivesTheDefault) {
+    const auto connection = RegisterScripted("VelaConnection.AppConnection");
+    const auto records = std::make_shared<fakes::ScriptedObject>("Recordset");
+    records->Value("RecordCount", -1).Value("Fields", "12");
+    connection->On("Execute", [&](Arguments&) { return Variant(records); });
+    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 9);
+    records->Value("RecordCount", 1);
+    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 12);
+}
+
 TEST_F(HostServicesTest, AFailingConnectionGivesTheDefault) {
     EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 9);
 }
@@ -74,6 +110,19 @@ TEST_F(HostServicesTest, TheOperationLogGetsCodeKindAndText) {
     WriteOperationLog("K1", LogKind::Failed, "x");
     EXPECT_EQ(log->Calls(),
               (std::vector<std::string>{"WriteLog(K831000, 1, 凭证模板-打开)", "WriteLog(K1, 4, x)"}));
+}
+
+TEST_F(HostServicesTest, TheKindOfALogEntryIsALong) {
+    const auto log = RegisterScripted("VelaEBCGLView.GLData");
+    std::vector<automation::VariantType> types;
+    log->On("WriteLog", [&](Arguments& arguments) {
+        for (const automation::Argument& argument : arguments)
+            types.push_back(argument.Value().Type());
+        return Variant();
+    });
+    WriteOperationLog(LogKind::Requested, "凭证模板-打开");
+    using automation::VariantType;
+    EXPECT_EQ(types, (std::vector<VariantType>{VariantType::Text, VariantType::Int32, VariantType::Text}));
 }
 
 TEST_F(HostServicesTest, ALogThatFailsIsSilent) {

@@ -40,6 +40,15 @@ TEST(HighlightGridRow, WhitensAllRowsAndColoursOne) {
                                                        "Row=5", "Row2=5", "ReDraw=True", "BlockMode=False"}));
 }
 
+TEST(HighlightGridRow, TheFirstRowIsARowLikeAnyOther) {
+    const auto grid = Grid();
+    HighlightGridRow(1, *grid);
+    EXPECT_EQ(PutsOf(*grid), (std::vector<std::string>{"BlockMode=True", "ReDraw=False", "Col=1", "Col2=21",
+                                                       "Row=1", "Row2=100", "BackColor=16777215", "Col=1",
+                                                       "Col2=21", "Row=1", "Row2=1", "BackColor=12187647",
+                                                       "Row=1", "Row2=1", "ReDraw=True", "BlockMode=False"}));
+}
+
 TEST(HighlightGridRow, RowMinusOneOnlyClears) {
     const auto grid = Grid();
     HighlightGridRow(-1, *grid);

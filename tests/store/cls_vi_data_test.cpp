@@ -169,6 +169,20 @@ TEST_F(StoreTest, CloudInformationIsTheFirstRowByColumnName) {
     EXPECT_EQ(information->Calls(), Statements{"GetUserCloudInfo(UserID=16394;, 16394)"});
 }
 
+TEST_F(StoreTest, ACloudRecordCountsThoughItsRecordsetCannotCount) {
+    const auto information = fakes::RegisterScripted("VelaBillDataAccess.SysInfo");
+    const auto field = std::make_shared<fakes::ScriptedObject>("Field");
+    field->Value("Name", "FCloud").Value("Value", "drive");
+    const auto fields = std::make_shared<fakes::ScriptedObject>("Fields");
+    fields->Value("Count", 1).Value("Item", Variant(field));
+    const auto records = std::make_shared<fakes::ScriptedObject>("Recordset");
+    records->Value("RecordCount", -1).Value("EOF", false).Value("Fields", Variant(fields));
+    information->On("GetUserCloudInfo", [&](Arguments&) { return Variant(records); });
+    const auto result = clsVIData().GetUserCloudInfo();
+    ASSERT_NE(result, nullptr);
+    EXPECT_EQ(*result->Item("FCloud"), Variant("drive"));
+}
+
 TEST_F(StoreTest, WithoutACloudRecordThereIsNoObject) {
     EXPECT_EQ(clsVIData().GetUserCloudInfo(), nullptr);  // no such component
     const auto information = fakes::RegisterScripted("VelaBillDataAccess.SysInfo");
