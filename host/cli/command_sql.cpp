@@ -38,27 +38,46 @@ Variant ColumnValue(const ado::Column& column, const Variant& value) {
     return value.ToDecimal().Rescaled(scale).ToText();
 }
 
+// What a batch says beside its tables: what it prints, and how many rows it has changed.
+struct BatchWords {
+    std::vector<ado::DriverError> messages;
+    std::int64_t affected = -1;  // -1: it changes none
+};
+
+constexpr std::int32_t kFirstErrorSeverity = 11;
+
+BatchWords WordsOf(const ado::Connection& connection, std::int64_t affected) {
+    BatchWords words;
+    words.affected = affected;
+    for (const ado::DriverError& record : connection.Errors()) {
+        if (record.severity < kFirstErrorSeverity) words.messages.push_back(record);
+    }
+    return words;
+}
+
 // Answers in one of the two forms, batch by batch as they come.
 class SqlAnswer {
   public:
     explicit SqlAnswer(const CliContext& context) : context_(context), out_(context.streams.out) {
         if (context_.options.json) out_ << "[";
     }
-    void Batch(const ado::RecordsetRef& first) {
+    void Batch(const ado::RecordsetRef& first, const BatchWords& words) {
         if (context_.options.json) {
-            PrintBatch(first, Variant::Null());
+            PrintBatch(first, words, Variant::Null());
         } else {
             PrintTables(first);
+            PrintWords(words);
         }
     }
     // The results are those that the batch gave all the same.
-    void Failure(const ado::RecordsetRef& first, const ado::DriverError& error) {
+    void Failure(const ado::RecordsetRef& first, const BatchWords& words, const ado::DriverError& error) {
         if (context_.options.json) {
-            PrintBatch(first,
+            PrintBatch(first, words,
                        JsonObject({{"number", error.native}, {"line", error.line}, {"text", error.text}}));
             return;
         }
         PrintTables(first);
+        PrintWords(words);
         out_.flush();
         context_.streams.err << "消息 " << error.native << "，第 " << error.line << " 行：" << error.text
                              << "\n";
@@ -69,7 +88,13 @@ class SqlAnswer {
     }
 
   private:
-    void PrintBatch(const ado::RecordsetRef& first, const Variant& error) {
+    void PrintWords(const BatchWords& words) {
+        for (const ado::DriverError& message : words.messages)
+            out_ << message.text << "\n";
+        if (words.affected >= 0) out_ << "（" << words.affected << " 行受影响）\n";
+    }
+
+    void PrintBatch(const ado::RecordsetRef& first, const BatchWords& words, const Variant& error) {
         VariantArray list;
         for (ado::RecordsetRef result = first; result; result = result->Next()) {
             if (!result->IsOpen()) continue;
@@ -86,7 +111,17 @@ class SqlAnswer {
             list.push_back(JsonObject({{"columns", columns}, {"rows", rows}}));
         }
         if (batches_++ > 0) out_ << ",";
-        out_ << EncodeJson(JsonObject({{"results", list}, {"error", error}}));
+        VariantArray messages;
+        for (const ado::DriverError& message : words.messages)
+            messages.push_back(
+                JsonObject({{"number", message.native}, {"line", message.line}, {"text", message.text}}));
+        auto document = std::make_shared<scripting::Dictionary>();
+        document->Add("results", list);
+        document->Add("error", error);
+        // Most batches have nothing to say beside their tables.
+        if (words.affected >= 0) document->Add("affected", words.affected);
+        if (!messages.empty()) document->Add("messages", messages);
+        out_ << EncodeJson(Variant(document));
     }
 
     void PrintTables(const ado::RecordsetRef& first) {
@@ -139,11 +174,11 @@ class InterruptKey final : public system::LongWork {
     bool GoOn(std::chrono::milliseconds) override { return !pressed_; }
     void Done() noexcept override {}
 
-    ado::RecordsetRef Execute(ado::Connection& connection, const std::string& batch) {
+    ado::RecordsetRef Execute(ado::Connection& connection, const std::string& batch, std::int64_t& affected) {
         pressed_ = false;
         const system::InterruptKeyScope scope(
             [](void* pressed) { *static_cast<std::atomic<bool>*>(pressed) = true; }, &pressed_);
-        return connection.Execute(batch);
+        return connection.Execute(batch, &affected);
     }
 
   private:
@@ -157,11 +192,13 @@ Outcome RunBatch(ado::Connection& connection, const ScriptBatch& batch, Interrup
         record.native = automation::error_number::kInvalidProcedureCall;
         record.line = line;
         record.text = "脚本不是 UTF-8 文本，请另存为 UTF-8 后再执行。";
-        answer.Failure(nullptr, record);
+        answer.Failure(nullptr, {}, record);
         return Outcome::kFailed;
     }
     try {
-        answer.Batch(interruptKey.Execute(connection, batch.text));
+        std::int64_t affected = -1;
+        const ado::RecordsetRef results = interruptKey.Execute(connection, batch.text, affected);
+        answer.Batch(results, WordsOf(connection, affected));
         return Outcome::kDone;
     } catch (const Error& error) {
         ado::DriverError record;
@@ -172,10 +209,10 @@ Outcome RunBatch(ado::Connection& connection, const ScriptBatch& batch, Interrup
             record = connection.Errors().front();
         }
         if (error.Number() == ado::error_number::kOperationCancelled) {
-            answer.Failure(nullptr, record);  // whoever cancels wants to see no more of it
+            answer.Failure(nullptr, {}, record);  // whoever cancels wants to see no more of it
             return Outcome::kCancelled;
         }
-        answer.Failure(connection.ResultsDespiteFailure(), record);
+        answer.Failure(connection.ResultsDespiteFailure(), WordsOf(connection, -1), record);
         return Outcome::kFailed;
     }
 }
