@@ -96,6 +96,19 @@ TEST_F(ExchangeWayTest, AWorkbookDroppedOnTheWindowIsImportedAndSelected) {
                             "请确认是否引入？"));
 }
 
+TEST_F(ExchangeWayTest, AnImportOverTheStandardTemplateLightsAndOpensItWhateverWasLit) {
+    ClickNode("ROOT");
+    EXPECT_FALSE(window->findChild<QAction*>("mnuSave")->isEnabled());
+    surroundings.messageBoxes->answers = {system::MessageResult::Ok};
+    Drop({MakeWorkbook("标准模板.xlsx", 3)});
+    EXPECT_EQ(TakeMessages().back(), "引入模板 标准模板 成功！");
+    EXPECT_EQ(window->Presenter().TemplateId(), "0");
+    EXPECT_EQ(window->Tree().SelectedKey(), "detail-0");
+    EXPECT_EQ(window->Presenter().RowCount(), 3);
+    EXPECT_TRUE(window->findChild<QAction*>("mnuSave")->isEnabled());
+    EXPECT_TRUE(window->findChild<QAction*>("mnuExp")->isEnabled());
+}
+
 TEST_F(ExchangeWayTest, OtherFilesAndSeveralAtOnceAreNotTaken) {
     const std::string path = MakeWorkbook("a.xlsx", 1);
     const std::int64_t before = Templates();

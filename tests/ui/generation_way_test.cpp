@@ -158,6 +158,23 @@ TEST_F(GenerationWayTest, FromVouchersThroughTheGridToAWorkbookAndBack) {
     EXPECT_EQ(Lines(), saved);
 }
 
+TEST_F(GenerationWayTest, OverTheStandardTemplateItIsThatOneThatIsShown) {
+    ClickNode("ROOT");
+    surroundings.messageBoxes->answers = {system::MessageResult::Yes};
+    WhenModal("frmAutoVch", [](QDialog& dialog) {
+        FillIn(dialog);
+        dialog.findChild<QLineEdit*>(QStringLiteral("txtVchTpName"))->setText(QStringLiteral("标准模板"));
+        Click(dialog, "Command0");
+    });
+    Click(*window, "mnuAutoVchButton");
+    EXPECT_EQ(TakeMessages().back(), "凭证生成凭证模板 标准模板 成功！");
+    EXPECT_EQ(window->Presenter().TemplateId(), "0");
+    EXPECT_EQ(window->Tree().SelectedKey(), "detail-0");
+    EXPECT_EQ(window->Presenter().RowCount(), 4);
+    EXPECT_TRUE(window->findChild<QAction*>("mnuSave")->isEnabled());
+    EXPECT_TRUE(window->findChild<QAction*>("mnuExp")->isEnabled());
+}
+
 TEST_F(GenerationWayTest, CancelledInTheDialogItLeavesEverythingAsItWas) {
     const std::int64_t templates = Number("select count(*) from t_VchTemplate");
     const std::vector<std::string> before = Lines();
