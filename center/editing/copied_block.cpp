@@ -25,7 +25,8 @@ std::string RefusedText(const PasteResult& result) {
                 (system::CharacterCount(refused.text) > kCharactersNamed ? "…" : "") + "” " + refused.reason;
         if (!refused.kept) text += "，保持原样";
     }
-    if (result.refused.size() > kRefusedNamed) text += "\r\n……";
+    if (result.refused.size() > kRefusedNamed)
+        text += "\r\n……\r\n\r\n全部列在异常列表中（Ctrl+F8），按 F8 逐个查看。";
     return text;
 }
 

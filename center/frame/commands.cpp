@@ -27,6 +27,7 @@ void WindowParts::ClickTool(Tool tool) {
     edge.Command([&] {
         RunTool(tool);
         drafts.SetDeclined(false);
+        if (tool != Tool::Quit) MarkUnusable();
     });
 }
 

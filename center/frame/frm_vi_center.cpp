@@ -45,6 +45,10 @@ NameListActions& frmVICenter::Names() {
     return parts_->nameListFacet;
 }
 
+FaultActions& frmVICenter::Faults() {
+    return parts_->faultFacet;
+}
+
 void frmVICenter::Load() {
     WindowState& state = parts_->state;
     state.userId = entry::GetPropValue("UserID");
@@ -76,6 +80,7 @@ void frmVICenter::Shown() {
     parts_->edge.Look([&] {
         if (!parts_->state.open.LinesKnown()) parts_->tree.TellUnreadable();
         parts_->offersDrafts = true;
+        parts_->MarkUnusable();
         parts_->OfferNewestDraft();
     });
 }
@@ -115,7 +120,10 @@ void frmVICenter::ToolClick(std::string_view key) {
 }
 
 void frmVICenter::FileDropped(const std::string& fileName) {
-    parts_->edge.Command([&] { parts_->RunImport(fileName); });
+    parts_->edge.Command([&] {
+        parts_->RunImport(fileName);
+        parts_->MarkUnusable();
+    });
 }
 
 // --- what other folders use

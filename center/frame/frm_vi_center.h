@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "center/editing/grid_actions.h"
+#include "center/faults/fault_actions.h"
 #include "center/frame/template_commands.h"
 #include "center/frame/vicenter_view.h"
 #include "center/lookups/item_actions.h"
@@ -36,6 +37,7 @@ class frmVICenter final : public CommandTarget {
     GridActions& Cells();
     ItemActions& Items();
     NameListActions& Names();
+    FaultActions& Faults();
 
     // --- window system
     void Load();

@@ -76,6 +76,7 @@ struct StatusState {
     std::vector<std::string> unbalanced;  // template numbers whose sums differ
     std::string selectionSum;             // empty without numbers in the selection
     std::string hint;                     // why the active cell is faulty and what is expected; else empty
+    int faults = 0;                       // faulty cells of the whole grid
 };
 
 // A list of choices below the active cell while its text is typed; no dialog and never in the way of typing.
@@ -115,6 +116,10 @@ class VICenterView {
 
     // A sign of changes that are not saved, in the title and at the node of that key.
     virtual void SetModified(const std::string& /*key*/, bool /*modified*/) {}
+    // The templates with numbers that cannot be used in this account set; all others have none.
+    virtual void SetUnusableNodes(const std::vector<std::string>& /*keys*/) {}
+    // What FaultActions::Cells() answers may be something else now.
+    virtual void FaultsChanged() {}
     // The keyboard goes to the grid: what the user has to mend is there.
     virtual void FocusGrid() {}
 

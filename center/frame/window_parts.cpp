@@ -2,6 +2,7 @@
 
 #include "center/editing/fault_text.h"
 #include "center/template/line_loader.h"
+#include "store/statements.h"
 
 namespace vicenter::center {
 
@@ -21,6 +22,7 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
               RefreshPanels();
           }),
       refused(state),
+      faults(state),
       save(state, kept, drafts, refused, SaveActions()),
       lookUps(state),
       items(state),
@@ -43,6 +45,11 @@ TemplateSaveActions WindowParts::SaveActions() {
     actions.readTreeAgain = [this](const std::string& id) { tree.ReadAgain(id); };
     actions.insertTemplate = [this] { return tree.InsertTemplate(); };
     actions.undo = [this] { editing.Undo(); };
+    actions.refused = [this] {
+        faults.AddMissing();
+        FaultsChanged();
+        RefreshStatus();
+    };
     actions.refreshStatus = [this] { RefreshStatus(); };
     return actions;
 }
@@ -52,6 +59,7 @@ bool WindowParts::Reload() {
     // The lines come back sorted by number; the cursor stays on the line where the user was working.
     active.row = RowOnceSorted(*state.grid, state.open.RowCount(), active.row);
     const bool read = tree.Reload();
+    MarkUnusable();
     if (active.row >= 1 && active.row <= state.open.RowCount() + 1) {
         state.grid->SetActiveCell(active);
         state.grid->ScrollIntoView(active);
@@ -64,7 +72,10 @@ void WindowParts::RefreshStatus() {
     StatusState status = sums->Status(*state.grid, state.grid->ActiveCell().row);
     if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
     const CellAddress active = state.grid->ActiveCell();
-    status.hint = state.open.Notice().empty() ? FaultText(*state.grid, active) : state.open.Notice();
+    status.hint = state.open.Notice();
+    if (status.hint.empty()) status.hint = FaultText(*state.grid, active);
+    if (status.hint.empty()) status.hint = faults.HiddenFaultText(active.row);
+    status.faults = faults.Count();
     state.view.SetStatus(status);
 }
 
@@ -86,24 +97,54 @@ void WindowParts::ContentChanged() {
 void WindowParts::RowsInserted(int firstRow, int count) {
     sums.reset();
     refused.RowsInserted(firstRow, count);
+    faults.RowsInserted(firstRow, count);
+    FaultsChanged();
     if (firstRow <= state.open.RowCount() + 1) ContentChanged();
 }
 
 void WindowParts::RowsRemoved(int firstRow, int count) {
     sums.reset();
     refused.RowsRemoved(firstRow, count);
+    faults.RowsRemoved(firstRow, count);
+    FaultsChanged();
     if (firstRow <= state.open.RowCount() + 1) ContentChanged();
 }
 
 void WindowParts::WasReset() {
     sums.reset();
     refused.WasReset();
+    faults.WasReset();
+    FaultsChanged();
+}
+
+void WindowParts::FaultsChanged() {
+    state.view.FaultsChanged();
+}
+
+void WindowParts::LooksChanged(const CellRange& range) {
+    faults.CellsChanged(range);
+    FaultsChanged();
+}
+
+void WindowParts::MarkUnusable() {
+    if (!offersDrafts) return;
+    const ado::RecordsetRef found = store::GetRecordset(
+        "select distinct a.FID from t_VchTpControl a inner join t_VchTemplate b on a.FID = b.FID"
+        " where a.FIsCanUsed = 0 and (b.FUserID = " +
+        state.userId + " or b.FID = 0) order by a.FID");
+    if (found == nullptr) return;
+    std::vector<std::string> keys;
+    for (; !found->AtEnd(); found->MoveNext())
+        keys.push_back(std::string(kTemplateKeyHead) + found->Value("FID").ToText());
+    state.view.SetUnusableNodes(keys);
 }
 
 void WindowParts::TextsChanged(const CellRange& range) {
     sums.reset();
     ContentChanged();
     refused.TextsChanged();
+    faults.CellsChanged(range);
+    FaultsChanged();
     const CellAddress active = state.grid->ActiveCell();
     const bool touchesItems = range.firstRow <= active.row && active.row <= range.lastRow &&
                               range.firstColumn <= column::kItems &&

@@ -9,6 +9,8 @@
 #include "center/editing/block_editing.h"
 #include "center/editing/grid_editing.h"
 #include "center/editing/grid_facet.h"
+#include "center/faults/fault_facet.h"
+#include "center/faults/fault_list.h"
 #include "center/frame/edge.h"
 #include "center/frame/status_line.h"
 #include "center/frame/template_commands.h"
@@ -43,6 +45,8 @@ struct WindowParts : public GridObserver {
     void OfferNewestDraft();
     // A tool of the bar, from the click to what is left of it.
     void ClickTool(Tool tool);
+    // Shows in the tree which templates have numbers that cannot be used, once the window is on the screen.
+    void MarkUnusable();
     // Nothing is left that a draft could bring back.
     void DropDraftIfUnmodified();
     // fileName: a workbook chosen already; empty: the command asks for one.
@@ -50,6 +54,7 @@ struct WindowParts : public GridObserver {
 
     void ActiveCellChanged(const CellAddress& cell) override;
     void TextsChanged(const CellRange& range) override;
+    void LooksChanged(const CellRange& range) override;
     void RowsInserted(int firstRow, int count) override;
     void RowsRemoved(int firstRow, int count) override;
     void WasReset() override;
@@ -63,6 +68,7 @@ struct WindowParts : public GridObserver {
     TemplateDrafts drafts;
     TemplateTree tree;
     RefusedLine refused;
+    FaultList faults;
     TemplateSave save;
     CellLookUps lookUps;
     ItemPanel items;
@@ -77,6 +83,7 @@ struct WindowParts : public GridObserver {
     TreeFacet treeFacet{*this};
     ItemFacet itemFacet{*this};
     NameListFacet nameListFacet{*this};
+    FaultFacet faultFacet{*this};
 
   private:
     TemplateSaveActions SaveActions();
@@ -84,6 +91,7 @@ struct WindowParts : public GridObserver {
     void OfferDraft(const FoundDraft& found);
     bool OpenTemplateOf(const Draft& draft, const std::string& key);
     void ContentChanged();
+    void FaultsChanged();
     bool RefusedForRight();
     void ShowFind();
     void ShowColumns();

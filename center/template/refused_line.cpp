@@ -33,7 +33,8 @@ void RefusedLine::RowsRemoved(int firstRow, int count) {
 void RefusedLine::TextsChanged() {
     if (row_ == 0) return;
     // Another row may have been coloured since, by a search.
-    const bool stays = row_ <= state_.open.RowCount() && IsColoured(row_) && FindingOfRow(*state_.grid, row_);
+    const bool stays =
+        row_ <= state_.open.RowCount() && IsColoured(row_) && !FindingsOfRow(*state_.grid, row_).empty();
     if (stays) return;
     if (IsColoured(row_)) state_.grid->SetBackColor({row_, 1, row_, kColumnCount}, entry::kWhite);
     row_ = 0;

@@ -19,51 +19,62 @@ using system::MessageResult;
 namespace {
 
 // explains: the row is the first of its number, which needs an explanation: it becomes the number's key.
-std::optional<Finding> FindingIn(const EntryGrid& grid, int r, bool explains) {
-    const std::string row = "行" + std::to_string(r);
+void CollectFindings(const EntryGrid& grid, int r, bool explains, std::vector<Finding>& findings) {
+    const auto add = [&](int gridColumn, const std::string& reason) {
+        findings.push_back({r, gridColumn, "行" + std::to_string(r) + " " + reason, reason});
+    };
     const std::string_view number = grid.Text(r, column::kNo);
-    if (number.empty()) return Finding{r, column::kNo, row + " 模板编号(*) 不允许为空，请进行设置！"};
-    if (explains && grid.Text(r, column::kExplanation).empty()) {
-        return Finding{r, column::kExplanation,
-                       row + " 凭证模板 " + std::string(number) + " 号第一行摘要为空，请录入摘要！"};
+    if (number.empty()) {
+        add(column::kNo, "模板编号(*) 不允许为空，请进行设置！");
+    } else if (explains && grid.Text(r, column::kExplanation).empty()) {
+        add(column::kExplanation, "凭证模板 " + std::string(number) + " 号第一行摘要为空，请录入摘要！");
     }
-    if (system::TrimBlanks(grid.Text(r, column::kDirection)).empty()) {
-        return Finding{r, column::kDirection, row + " 借贷方向(*) 不允许为空，请进行设置！"};
-    }
-    if (grid.Text(r, column::kAccountNumber).empty()) {
-        return Finding{r, column::kAccountNumber, row + " 科目编码(*) 不允许为空，请进行设置！"};
-    }
-    if (grid.Text(r, column::kAccountName).empty()) {
-        return Finding{r, column::kAccountName, row + " 科目名称(*) 不允许为空，请进行设置！"};
-    }
+    if (system::TrimBlanks(grid.Text(r, column::kDirection)).empty())
+        add(column::kDirection, "借贷方向(*) 不允许为空，请进行设置！");
+    if (grid.Text(r, column::kAccountNumber).empty())
+        add(column::kAccountNumber, "科目编码(*) 不允许为空，请进行设置！");
+    if (grid.Text(r, column::kAccountName).empty())
+        add(column::kAccountName, "科目名称(*) 不允许为空，请进行设置！");
     // What the user gave and the column refused is nowhere to be saved.
     for (int c = 1; c <= kColumnCount; ++c) {
         const TextVerdict refusal = grid.Refusal(r, c);
         if (refusal == TextVerdict::Taken) continue;
-        return Finding{
-            r, c,
-            row + " " + std::string(Column(c).header) + " " + VerdictText(refusal, c) + "，请进行更正！"};
+        add(c, std::string(Column(c).header) + " " + VerdictText(refusal, c) + "，请进行更正！");
     }
-    return std::nullopt;
+}
+
+// Row by row until enough has been seen.
+template <class Enough>
+std::vector<Finding> FindingsUntil(const EntryGrid& grid, int rowCount, Enough enough) {
+    std::vector<Finding> findings;
+    std::unordered_set<std::string> seen;
+    for (int r = 1; r <= rowCount && !enough(findings); ++r)
+        CollectFindings(grid, r, seen.emplace(grid.Text(r, column::kNo)).second, findings);
+    return findings;
 }
 
 }  // namespace
 
 std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount) {
-    std::unordered_set<std::string> seen;
-    for (int r = 1; r <= rowCount; ++r) {
-        const bool first = seen.emplace(grid.Text(r, column::kNo)).second;
-        if (auto finding = FindingIn(grid, r, first)) return finding;
-    }
-    return std::nullopt;
+    const std::vector<Finding> findings =
+        FindingsUntil(grid, rowCount, [](const std::vector<Finding>& found) { return !found.empty(); });
+    return findings.empty() ? std::nullopt : std::optional(findings.front());
 }
 
-std::optional<Finding> FindingOfRow(const EntryGrid& grid, int row) {
+std::vector<Finding> AllFindings(const EntryGrid& grid, int rowCount) {
+    return FindingsUntil(grid, rowCount, [](const std::vector<Finding>&) { return false; });
+}
+
+std::vector<Finding> FindingsOfRow(const EntryGrid& grid, int row) {
     const std::string_view number = grid.Text(row, column::kNo);
     int first = 1;
-    while (first < row && grid.Text(first, column::kNo) != number)
+    // Whoever has an explanation need not be asked whether it is the first.
+    const bool explained = !grid.Text(row, column::kExplanation).empty();
+    while (!explained && first < row && grid.Text(first, column::kNo) != number)
         ++first;
-    return FindingIn(grid, row, first == row);
+    std::vector<Finding> findings;
+    CollectFindings(grid, row, first == row, findings);
+    return findings;
 }
 
 std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId) {
@@ -198,6 +209,7 @@ bool TemplateSave::Validate() {
     const std::optional<Finding> finding = ValidateLines(*state_.grid, state_.open.RowCount());
     if (!finding) return true;
     Tell(finding->text);
+    actions_.refused();
     GoToCell({finding->row, finding->column});
     state_.view.FocusGrid();
     return false;

@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "center/frame/window_state.h"
 #include "center/template/draft/template_drafts.h"
@@ -16,15 +17,18 @@
 
 namespace vicenter::center {
 
-// The first row that keeps a template from being saved.
+// What keeps a template from being saved.
 struct Finding {
     int row = 0;
     int column = 0;
-    std::string text;
+    std::string text;    // as the user is told
+    std::string reason;  // the same without the row
 };
+// The first of all.
 std::optional<Finding> ValidateLines(const EntryGrid& grid, int rowCount);
+std::vector<Finding> AllFindings(const EntryGrid& grid, int rowCount);
 // What is wrong with one row in use.
-std::optional<Finding> FindingOfRow(const EntryGrid& grid, int row);
+std::vector<Finding> FindingsOfRow(const EntryGrid& grid, int row);
 
 // The batch that replaces the template's lines and brings its control rows up to date.
 std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId);
@@ -49,6 +53,8 @@ struct TemplateSaveActions {
     // A new template of the user's in the tree; none when there is none, which the user has been told.
     std::function<std::optional<TreeNode>()> insertTemplate;
     std::function<void()> undo;
+    // The lines are not to be saved as they are.
+    std::function<void()> refused;
     std::function<void()> refreshStatus;
 };
 

@@ -51,6 +51,7 @@ class FakeVICenterView : public VICenterView {
     void SetModified(const std::string& key, bool modified) override {
         calls.push_back((modified ? "modified " : "unmodified ") + key);
     }
+    void SetUnusableNodes(const std::vector<std::string>& keys) override { unusable = keys; }
     void FocusGrid() override { calls.emplace_back("focus grid"); }
 
     void SetToolStates(const ToolStates& states) override {
@@ -101,6 +102,7 @@ class FakeVICenterView : public VICenterView {
     std::vector<std::string> calls;
     std::vector<TreeNode> tree;
     std::string selected;
+    std::vector<std::string> unusable;
     ToolStates tools{};
     std::string name;
     bool interactive = true;

@@ -304,6 +304,7 @@ TEST_F(PanelLookUp, AFailingOneIsToldAndChangesNothing) {
 // --- why a cell is red
 
 TEST_F(Panel, TheStatusLineSaysWhatTheActiveFaultyCellExpects) {
+    Grid().SetColumnHidden(column::kItems, false);
     Window().Items().CommitNumber(0, "C999");
     EXPECT_EQ(view_.status.hint, "核算项目代码不存在或个数不符，应依次为：客户、部门") << "at once";
     Window().Cells().MoveActiveCell({1, 10});

@@ -467,6 +467,75 @@ TEST_F(Save, AsksNothingAboutAnEmptyGridThatIsOnlyUnread) {
     EXPECT_THAT(Messages(), ElementsAre("模板 自定义模板(1) 保存失败！"));
 }
 
+// Notes where the window stood when it spoke.
+class WatchingBoxes : public fakes::RecordingMessageBoxes {
+  public:
+    explicit WatchingBoxes(std::function<void()> watch) : watch_(std::move(watch)) {}
+    system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
+                               system::MessageIcon icon, const std::string& title) override {
+        watch_();
+        return RecordingMessageBoxes::Show(text, buttons, icon, title);
+    }
+
+  private:
+    std::function<void()> watch_;
+};
+
+TEST_F(Save, TellsOfAFaultyCellBeforeItGoesThere) {
+    FillLine(1, "1", "收款");
+    FillLine(2, "1", "");
+    Grid().SetText(2, column::kAccountName, "");
+    Window().Cells().MoveActiveCell({1, 3});
+    std::vector<CellAddress> stood;
+    system::Surroundings watched = system::Surroundings::Current();
+    watched.messageBoxes = std::make_shared<WatchingBoxes>([&] { stood.push_back(Grid().ActiveCell()); });
+    const system::SurroundingsScope scope(watched);
+    EXPECT_FALSE(Window().Save());
+    EXPECT_THAT(stood, ElementsAre(CellAddress{1, 3}));
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, column::kAccountName}));
+}
+
+TEST_F(Save, GoesToTheFaultyCellWithoutRedrawingOnTheWay) {
+    FillLine(1, "1", "");
+    Window().Cells().MoveActiveCell({1, 3});
+    struct Redrawing : GridObserver {
+        explicit Redrawing(EntryGrid& theGrid) : grid(theGrid) {}
+        void ActiveCellChanged(const CellAddress&) override { states.push_back(grid.ReDraw()); }
+        EntryGrid& grid;
+        std::vector<bool> states;
+    } redrawing(Grid());
+    Grid().AddObserver(redrawing);
+    EXPECT_FALSE(Window().Save());
+    Grid().RemoveObserver(redrawing);
+    EXPECT_THAT(redrawing.states, ElementsAre(false));
+    EXPECT_TRUE(Grid().ReDraw());
+}
+
+TEST_F(Save, AFailureIsToldAndThenLogged) {
+    FillLine(1, "1", "收款");
+    set_.Fail("select FNo from t_VchTpControl", "gone");
+    std::size_t toldBefore = 0;
+    log_->On("WriteLog", [&](Arguments&) {
+        toldBefore = Messages().size();
+        return Variant();
+    });
+    EXPECT_FALSE(Window().Save());
+    EXPECT_EQ(toldBefore, 1U);
+}
+
+TEST_F(Save, AnEmptyTemplateIsSavedOnOkAlone) {
+    lines_["5"] = {Line(1, "x")};
+    Window().Tree().NodeClick("detail-5");
+    Window().Cells().DeleteRows({1, 1});
+    for (const MessageResult answer : {MessageResult::No, MessageResult::Yes, MessageResult::Cancel}) {
+        Answer(answer);
+        EXPECT_FALSE(Window().Save()) << static_cast<int>(answer);
+    }
+    EXPECT_THAT(Batches(), IsEmpty());
+    Answer(MessageResult::Ok);
+    EXPECT_TRUE(Window().Save());
+}
+
 TEST_F(Save, GoesToTheFaultyCellAndWritesNothing) {
     FillLine(1, "1", "收款");
     FillLine(2, "1", "");

@@ -19,6 +19,8 @@ namespace {
 
 constexpr int kTextMargin = 4;
 constexpr int kButtonWidth = 18;
+constexpr int kFaultMark = 7;
+constexpr QColor kFaultyPaper{0xfd, 0xec, 0xea};
 
 void DrawButton(QPainter& painter, const QRect& rect, bool dropDown) {
     painter.save();
@@ -40,6 +42,17 @@ void DrawButton(QPainter& painter, const QRect& rect, bool dropDown) {
         for (const double x : {-4.0, 0.0, 4.0})
             painter.drawEllipse(middle + QPointF(x, 0.5), 1.1, 1.1);
     }
+    painter.restore();
+}
+
+// In the upper right corner, as spreadsheets mark a note: red letters alone are not seen by everybody.
+void DrawFaultMark(QPainter& painter, const QRect& cell) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colors::kFaulty);
+    const QPoint corner(cell.right() + 1, cell.top());
+    painter.drawPolygon(QPolygon({corner - QPoint(kFaultMark, 0), corner, corner + QPoint(0, kFaultMark)}));
     painter.restore();
 }
 
@@ -90,8 +103,12 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
     QColor background = index.row() % 2 == 0 ? colors::kPaper : colors::kPaperAlternate;
     if (look.backColor != center::color::kWhite) background = FromGridColor(look.backColor);
+    const bool faulty = look.foreColor == center::color::kRed;
+    if (faulty && look.backColor == center::color::kWhite) background = kFaultyPaper;
     if (selected && !active) background = colors::kSelection;
     painter->fillRect(option.rect, background);
+
+    if (faulty) DrawFaultMark(*painter, option.rect);
 
     const std::string_view plain = grid.Text(cell.row, cell.column);
     const bool button = active && view_.IsInteractive() && HasButton(cell.column);

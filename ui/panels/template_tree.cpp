@@ -117,9 +117,9 @@ QTreeWidgetItem* TemplateTree::MakeItem(const center::TreeNode& node) const {
     auto* item = new QTreeWidgetItem(QStringList(ToQt(node.text)));
     item->setData(0, kKeyRole, ToQt(node.key));
     item->setIcon(0, IconOf(node.icon));
-    item->setToolTip(0, ToolTipText(ToQt(node.text)));
     item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable);
     ShowModified(*item);
+    ShowUnusable(*item);
     return item;
 }
 
@@ -170,7 +170,7 @@ void TemplateTree::RemoveNode(const std::string& key) {
 void TemplateTree::SetNodeText(const std::string& key, const std::string& text) {
     if (QTreeWidgetItem* item = FindNode(key)) {
         item->setText(0, ToQt(text));
-        item->setToolTip(0, ToolTipText(ToQt(text)));
+        ShowUnusable(*item);
     }
 }
 
@@ -191,6 +191,24 @@ void TemplateTree::ShowModified(QTreeWidgetItem& item) const {
     item.setData(0, kModifiedRole, modified);
     item.setData(0, Qt::AccessibleTextRole,
                  modified ? item.text(0) + QStringLiteral("（已修改）") : QVariant());
+}
+
+void TemplateTree::SetUnusable(const std::vector<std::string>& keys) {
+    unusable_ = {keys.begin(), keys.end()};
+    for (QTreeWidgetItemIterator it(this); *it; ++it)
+        ShowUnusable(**it);
+}
+
+bool TemplateTree::ShowsUnusable(const std::string& key) const {
+    const QTreeWidgetItem* item = FindNode(key);
+    return item && item->data(0, Qt::ForegroundRole).isValid();
+}
+
+void TemplateTree::ShowUnusable(QTreeWidgetItem& item) const {
+    const bool unusable = unusable_.contains(KeyOf(&item));
+    item.setData(0, Qt::ForegroundRole, unusable ? QVariant(colors::kFaulty) : QVariant());
+    item.setToolTip(
+        0, ToolTipText(item.text(0) + (unusable ? QStringLiteral("（有不能使用的编号）") : QString())));
 }
 
 void TemplateTree::SelectNode(const std::string& key) {

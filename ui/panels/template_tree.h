@@ -6,6 +6,7 @@
 #include <QPersistentModelIndex>
 #include <QTreeWidget>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,9 @@ class TemplateTree : public QTreeWidget {
     // A sign behind the name of the one template whose changes are not saved.
     void SetModified(const std::string& key, bool modified);
     bool ShowsModified(const std::string& key) const;
+    // Names in red and tooltips that say so: those templates have numbers that cannot be used.
+    void SetUnusable(const std::vector<std::string>& keys);
+    bool ShowsUnusable(const std::string& key) const;
     // Without a node click.
     void SelectNode(const std::string& key);
     void StartLabelEdit();
@@ -53,14 +57,16 @@ class TemplateTree : public QTreeWidget {
 
     QTreeWidgetItem* MakeItem(const center::TreeNode& node) const;
     void ShowModified(QTreeWidgetItem& item) const;
+    void ShowUnusable(QTreeWidgetItem& item) const;
     void Click(QTreeWidgetItem* item);
     void FinishLabel();
 
     center::TreeActions& actions_;
     LabelDelegate* labels_;
-    std::string modified_;           // key of the modified template; empty for none
-    QPersistentModelIndex pressed_;  // by the left button
-    bool selecting_ = false;         // the selection is being set by the program
+    std::set<std::string> unusable_;  // keys
+    std::string modified_;            // key of the modified template; empty for none
+    QPersistentModelIndex pressed_;   // by the left button
+    bool selecting_ = false;          // the selection is being set by the program
     bool doubleClicked_ = false;
 };
 

@@ -24,6 +24,7 @@ QString Join(const std::vector<std::string>& numbers) {
 StatusLine::StatusLine(QWidget* parent)
     : QStatusBar(parent),
       hint_(new QLabel(this)),
+      faults_(new QToolButton(this)),
       unbalanced_(new QLabel(this)),
       selection_(new QLabel(this)),
       sums_(new QLabel(this)),
@@ -40,6 +41,15 @@ StatusLine::StatusLine(QWidget* parent)
         label->setTextFormat(Qt::PlainText);
     hint_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     addWidget(hint_, 1);
+    faults_->setObjectName(QStringLiteral("cmdFaults"));
+    faults_->setFocusPolicy(Qt::NoFocus);
+    faults_->setAutoRaise(true);
+    faults_->setToolTip(QStringLiteral("显示或隐藏异常列表 (Ctrl+F8)，按 F8 逐个查看"));
+    QPalette faulty = faults_->palette();
+    faulty.setColor(QPalette::ButtonText, colors::kFaulty);
+    faults_->setPalette(faulty);
+    addPermanentWidget(faults_);
+    connect(faults_, &QToolButton::clicked, this, &StatusLine::faultsClicked);
     for (QLabel* label : {unbalanced_, selection_, sums_, counts_}) {
         label->setContentsMargins(6, 0, 6, 0);
         addPermanentWidget(label);
@@ -67,6 +77,8 @@ void StatusLine::SetState(const center::StatusState& state) {
         sums_->setText(text);
     }
     sums_->setVisible(!state.number.empty());
+    faults_->setText(QStringLiteral("异常 %1 处").arg(state.faults));
+    faults_->setVisible(state.faults > 0);
     counts_->setText(QStringLiteral("%1 行分录　%2 个编号").arg(state.lines).arg(state.numbers));
     ShowHint();
 }

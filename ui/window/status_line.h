@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QStatusBar>
 #include <QTimer>
+#include <QToolButton>
 
 #include "center/frame/vicenter_view.h"
 
@@ -23,10 +24,14 @@ class StatusLine : public QStatusBar {
     // What it was about is no longer before the user.
     void EndFlash();
 
+  signals:
+    void faultsClicked();
+
   private:
     void ShowHint();
 
     QLabel* hint_;
+    QToolButton* faults_;
     QLabel* unbalanced_;
     QLabel* selection_;
     QLabel* sums_;

@@ -9,8 +9,6 @@
 #include <QTimer>
 #include <QUrl>
 
-#include "ui/dialogs/column_dialog.h"
-#include "ui/dialogs/find_dialog.h"
 #include "ui/grid/key_codes.h"
 #include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
@@ -22,7 +20,6 @@ namespace vicenter::ui {
 
 namespace {
 
-const QString kTitle = QStringLiteral("凭证模板");
 constexpr int kDesignedWidth = 1180;  // pixels at 96 dots an inch
 constexpr int kDesignedHeight = 700;
 constexpr int kListMilliseconds = 30;  // shorter than a hand needs from one key to the next
@@ -46,7 +43,7 @@ QString DroppedWorkbook(const QMimeData& data) {
 VICenterWindow::VICenterWindow(std::shared_ptr<center::TemplateCommands> commands)
     : commands_(std::move(commands)) {
     setObjectName(QStringLiteral("frmVICenter"));
-    setWindowTitle(kTitle);
+    SetModified({}, false);
     setWindowIcon(NamedIcon(QStringLiteral("app")));
     setContextMenuPolicy(Qt::NoContextMenu);
     presenter_ = std::make_unique<center::frmVICenter>(*this, commands_.get());
@@ -66,6 +63,8 @@ VICenterWindow::~VICenterWindow() {
     unloaded_ = true;
     // Those that ask the presenter go before it.
     delete tree_;
+    delete faults_;
+    faults_ = nullptr;
     delete grid_;
     delete model_;
 }
@@ -113,6 +112,11 @@ void VICenterWindow::BuildGrid() {
     center::GridActions& cells = presenter_->Cells();
     model_ = new GridModel(presenter_->GridObject(), cells, this);
     grid_ = new GridView(*model_, cells, presenter_->Names(), panel_);
+    faults_ = new FaultPanel(presenter_->Faults(), this);
+    addDockWidget(Qt::BottomDockWidgetArea, faults_);
+    faults_->hide();
+    connect(status_, &StatusLine::faultsClicked, this,
+            [this] { faults_->setVisible(!faults_->isVisible()); });
     connect(grid_, &GridView::contentsMoved, this, &VICenterWindow::PlaceOverlays);
     connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
     listTimer_ = new QTimer(this);
@@ -234,6 +238,7 @@ bool VICenterWindow::eventFilter(QObject* watched, QEvent* event) {
         const auto* widget = static_cast<const QWidget*>(watched);
         const QWidget* window = widget->window();
         if (window == this && MoveBetweenAreas(static_cast<QKeyEvent&>(*event))) return true;
+        if (window == this && MoveBetweenFaults(static_cast<QKeyEvent&>(*event))) return true;
         if (window == this || (window->windowType() == Qt::Popup && isAncestorOf(window))) {
             const int code = KeyCodeOf(static_cast<QKeyEvent&>(*event));
             if (code != 0 && GuardedOr(false, [&] { return presenter_->KeyPreview(code); })) return true;
@@ -268,6 +273,19 @@ bool VICenterWindow::MoveBetweenAreas(const QKeyEvent& event) {
     } else {
         tree_->setFocus(Qt::ShortcutFocusReason);
     }
+    return true;
+}
+
+// F8 goes from one faulty cell to the next, with Shift back; with Ctrl it shows and hides their list.
+bool VICenterWindow::MoveBetweenFaults(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (!loaded_ || progress_->IsPolling() || event.key() != Qt::Key_F8) return false;
+    if (modifiers == Qt::ControlModifier) {
+        faults_->setVisible(!faults_->isVisible());
+        return true;
+    }
+    if ((modifiers & ~Qt::ShiftModifier) != Qt::NoModifier) return false;
+    Guarded([&] { presenter_->Faults().GoToNext(modifiers == Qt::ShiftModifier); });
     return true;
 }
 
@@ -315,90 +333,6 @@ void VICenterWindow::KeepDraft() {
         return;
     }
     Guarded([this] { presenter_->KeepDraft(); });
-}
-
-void VICenterWindow::SetTree(const std::vector<center::TreeNode>& nodes) {
-    tree_->SetNodes(nodes);
-}
-
-void VICenterWindow::AddTreeNode(const center::TreeNode& node) {
-    tree_->AddNode(node);
-}
-
-void VICenterWindow::RemoveTreeNode(const std::string& key) {
-    tree_->RemoveNode(key);
-}
-
-void VICenterWindow::SetTreeNodeText(const std::string& key, const std::string& text) {
-    tree_->SetNodeText(key, text);
-}
-
-void VICenterWindow::SelectTreeNode(const std::string& key) {
-    tree_->SelectNode(key);
-}
-
-void VICenterWindow::StartLabelEdit() {
-    tree_->StartLabelEdit();
-}
-
-void VICenterWindow::SetModified(const std::string& key, bool modified) {
-    setWindowTitle(modified ? kTitle + QStringLiteral(" *") : kTitle);
-    tree_->SetModified(key, modified);
-}
-
-void VICenterWindow::FocusGrid() {
-    grid_->setFocus(Qt::OtherFocusReason);
-}
-
-void VICenterWindow::SetToolStates(const center::ToolStates& states) {
-    band_->SetStates(states);
-}
-
-void VICenterWindow::SetTemplateName(const std::string& name) {
-    name_->setText(ToQt(name));
-    name_->setCursorPosition(0);
-}
-
-void VICenterWindow::SetGridInteractive(bool interactive) {
-    grid_->SetInteractive(interactive);
-    items_->SetInteractive(interactive);
-}
-
-void VICenterWindow::SetProgress(const center::ProgressState& state) {
-    progress_->SetState(state);
-}
-
-bool VICenterWindow::ProgressCancelled() {
-    return progress_->PollCancelled();
-}
-
-void VICenterWindow::SetItemPanel(const center::ItemPanelState& state) {
-    items_->SetState(state);
-    PlaceOverlays();
-}
-
-void VICenterWindow::SetStatus(const center::StatusState& state) {
-    status_->SetState(state);
-}
-
-void VICenterWindow::SetNameList(const center::NameListState& state) {
-    nameList_->SetState(state);
-    PlaceOverlays();
-}
-
-void VICenterWindow::ShowFindDialog(dialogs::FrmSearch& dialog) {
-    FindDialog window(
-        dialog, [this] { return ActiveRowOnScreen(); }, this);
-    window.adjustSize();
-    // In the corner where it hides the fewest rows.
-    const QPoint corner = mapToGlobal(QPoint(width() - window.width() - 30, height() - window.height() - 60));
-    window.move(corner);
-    window.exec();
-}
-
-void VICenterWindow::ShowColumnDialog(dialogs::frmSetColume& dialog) {
-    ColumnDialog window(dialog, this);
-    window.exec();
 }
 
 }  // namespace vicenter::ui

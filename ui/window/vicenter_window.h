@@ -20,6 +20,7 @@
 #include "platform/system/collation.h"
 #include "ui/grid/grid_model.h"
 #include "ui/grid/grid_view.h"
+#include "ui/panels/fault_panel.h"
 #include "ui/panels/item_panel.h"
 #include "ui/panels/name_list_popup.h"
 #include "ui/panels/progress_frame.h"
@@ -63,6 +64,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void PlaceOverlays();
     void FocusMoved(QWidget* now);
     bool MoveBetweenAreas(const QKeyEvent& event);
+    bool MoveBetweenFaults(const QKeyEvent& event);
     void PrepareNameLists();
     void ContentChanged();
     void KeepDraft();
@@ -82,6 +84,8 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void SelectTreeNode(const std::string& key) override;
     void StartLabelEdit() override;
     void SetModified(const std::string& key, bool modified) override;
+    void SetUnusableNodes(const std::vector<std::string>& keys) override;
+    void FaultsChanged() override;
     void FocusGrid() override;
     void SetToolStates(const center::ToolStates& states) override;
     void SetTemplateName(const std::string& name) override;
@@ -108,6 +112,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     ProgressFrame* progress_ = nullptr;
     NameListPopup* nameList_ = nullptr;
     ItemPanel* items_ = nullptr;
+    FaultPanel* faults_ = nullptr;
     GridModel* model_ = nullptr;
     GridView* grid_ = nullptr;
     QTimer* listTimer_ = nullptr;   // runs out when the user rests on a cell: name lists are read

@@ -1,0 +1,147 @@
+#include "center/faults/fault_list.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "center/editing/cell_checks.h"
+#include "center/editing/fault_text.h"
+#include "center/template/template_save.h"
+
+namespace vicenter::center {
+
+namespace {
+
+constexpr std::uint32_t Bit(int gridColumn) {
+    return std::uint32_t{1} << static_cast<unsigned>(gridColumn);
+}
+
+}  // namespace
+
+// --- keeping up with the grid
+
+FaultList::Columns FaultList::RedOf(int row) const {
+    const EntryGrid& grid = *state_.grid;
+    Columns red = 0;
+    for (int c = 1; c <= kColumnCount; ++c) {
+        if (grid.Look(row, c).foreColor == color::kRed) red |= Bit(c);
+    }
+    // Code and name of an account are red together, for one reason.
+    const bool twice = (red & Bit(column::kAccountNumber)) != 0 && (red & Bit(column::kAccountName)) != 0;
+    if (twice && OwnVerdict(grid, {row, column::kAccountName}) == TextVerdict::Taken)
+        red &= ~Bit(column::kAccountName);
+    return red;
+}
+
+FaultList::Columns FaultList::MissingOf(int row) const {
+    Columns missing = 0;
+    if (row > state_.open.RowCount()) return missing;
+    for (const Finding& finding : FindingsOfRow(*state_.grid, row))
+        missing |= Bit(finding.column);
+    return missing;
+}
+
+FaultList::Columns FaultList::At(int row) const {
+    const auto index = static_cast<std::size_t>(row - 1);
+    return row >= 1 && index < rows_.size() ? rows_[index].All() : 0;
+}
+
+void FaultList::Put(int row, const RowFaults& faults) {
+    const auto index = static_cast<std::size_t>(row - 1);
+    if (index >= rows_.size()) {
+        if (faults.All() == 0) return;
+        rows_.resize(index + 1);
+    }
+    count_ += std::popcount(faults.All()) - std::popcount(rows_[index].All());
+    rows_[index] = faults;
+}
+
+void FaultList::CellsChanged(const CellRange& range) {
+    const int last = std::min(range.lastRow, state_.grid->RowTotal());
+    for (int row = std::max(1, range.firstRow); row <= last; ++row) {
+        const auto index = static_cast<std::size_t>(row - 1);
+        const bool hadMissing = index < rows_.size() && rows_[index].missing != 0;
+        Put(row, {RedOf(row), hadMissing ? MissingOf(row) : 0});
+    }
+}
+
+void FaultList::RowsInserted(int firstRow, int count) {
+    const auto at = static_cast<std::size_t>(firstRow - 1);
+    if (at < rows_.size())
+        rows_.insert(rows_.begin() + firstRow - 1, static_cast<std::size_t>(count), RowFaults());
+    // Undo brings rows back with their colours.
+    CellsChanged({firstRow, 1, firstRow + count - 1, kColumnCount});
+}
+
+void FaultList::RowsRemoved(int firstRow, int count) {
+    const auto first = std::min(static_cast<std::size_t>(firstRow - 1), rows_.size());
+    const auto last = std::min(first + static_cast<std::size_t>(count), rows_.size());
+    for (std::size_t i = first; i < last; ++i)
+        count_ -= std::popcount(rows_[i].All());
+    rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(first),
+                rows_.begin() + static_cast<std::ptrdiff_t>(last));
+}
+
+void FaultList::WasReset() {
+    rows_.clear();
+    count_ = 0;
+}
+
+void FaultList::AddMissing() {
+    for (const Finding& finding : AllFindings(*state_.grid, state_.open.RowCount())) {
+        const auto index = static_cast<std::size_t>(finding.row - 1);
+        RowFaults faults = index < rows_.size() ? rows_[index] : RowFaults();
+        faults.missing |= Bit(finding.column);
+        Put(finding.row, faults);
+    }
+}
+
+// --- asking
+
+std::vector<CellAddress> FaultList::Cells() const {
+    std::vector<CellAddress> cells;
+    cells.reserve(static_cast<std::size_t>(count_));
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        for (Columns left = rows_[i].All(); left != 0; left &= left - 1)
+            cells.push_back({static_cast<int>(i) + 1, std::countr_zero(left)});
+    }
+    return cells;
+}
+
+Fault FaultList::Describe(const CellAddress& cell) const {
+    const EntryGrid& grid = *state_.grid;
+    Fault fault{cell, std::string(grid.Text(cell.row, cell.column)), FaultText(grid, cell),
+                grid.Layout(cell.column).hidden};
+    if (!fault.reason.empty() || (At(cell.row) & Bit(cell.column)) == 0) return fault;
+    for (const Finding& finding : FindingsOfRow(grid, cell.row)) {
+        if (finding.column == cell.column) fault.reason = finding.reason;
+    }
+    return fault;
+}
+
+std::optional<CellAddress> FaultList::Next(const CellAddress& from, bool back) const {
+    const std::vector<CellAddress> cells = Cells();
+    if (cells.empty()) return std::nullopt;
+    const auto before = [](const CellAddress& a, const CellAddress& b) {
+        return a.row != b.row ? a.row < b.row : a.column < b.column;
+    };
+    if (back) {
+        const auto at = std::lower_bound(cells.begin(), cells.end(), from, before);
+        return at == cells.begin() ? cells.back() : *std::prev(at);
+    }
+    const auto at = std::upper_bound(cells.begin(), cells.end(), from, before);
+    return at == cells.end() ? cells.front() : *at;
+}
+
+std::string FaultList::HiddenFaultText(int row) const {
+    std::string text;
+    for (Columns left = At(row); left != 0; left &= left - 1) {
+        const int gridColumn = std::countr_zero(left);
+        if (!state_.grid->Layout(gridColumn).hidden) continue;
+        if (!text.empty()) text += "；";
+        text +=
+            "隐藏列“" + std::string(Column(gridColumn).header) + "”：" + Describe({row, gridColumn}).reason;
+    }
+    return text;
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,164 @@
+// The one list of faulty cells: what comes into it, how long it stays, and how one gets to a cell.
+
+#include "center/faults/fault_list.h"
+
+#include "tests/center/center_fixture.h"
+
+namespace vicenter::center::test {
+namespace {
+
+class Faults : public CenterTest {
+  protected:
+    void SetUp() override {
+        set_.Answer("select * from t_Account where FNumber = '9999'", Rows({"FAccountID"}));
+        set_.Answer("select FItemID from t_Settle where FName = '本票'", Rows({"FItemID"}));
+        lines_["0"] = {Line(1, "收款"), Line(1, "收款"), Line(2, "付款")};
+        Open();
+        for (int c = 1; c <= kColumnCount; ++c)
+            Grid().SetColumnHidden(c, Column(c).locked);
+        Forget();
+    }
+    void Give(int row, int gridColumn, const std::string& text) {
+        Window().Cells().MoveActiveCell({row, gridColumn});
+        Window().Cells().CommitText({row, gridColumn}, text);
+        Window().Cells().MoveActiveCell({row, gridColumn < 21 ? gridColumn + 1 : 1});
+    }
+    // "row,column value: reason"
+    Texts Listed() {
+        Texts listed;
+        for (const CellAddress& cell : Window().Faults().Cells()) {
+            const Fault fault = Window().Faults().Describe(cell);
+            listed.push_back(std::to_string(cell.row) + "," + std::to_string(cell.column) + " " +
+                             fault.value + ": " + fault.reason + (fault.hidden ? " (hidden)" : ""));
+        }
+        return listed;
+    }
+};
+
+TEST_F(Faults, AreEmptyAsLongAsEverythingIsSound) {
+    EXPECT_THAT(Listed(), IsEmpty());
+    EXPECT_EQ(view_.status.faults, 0);
+}
+
+TEST_F(Faults, OfTypingStayUntilTheyAreMended) {
+    Give(2, column::kAmount, "-9");
+    EXPECT_THAT(Listed(), ElementsAre("2,20 -9: 不能小于0"));
+    EXPECT_EQ(view_.status.faults, 1);
+    Give(1, column::kAccountNumber, "9999");
+    EXPECT_THAT(Listed(), ElementsAre("1,5 9999: 科目代码不存在", "2,20 -9: 不能小于0"))
+        << "the name beside the code is no fault of its own";
+    Give(2, column::kAmount, "9");
+    Give(1, column::kAccountNumber, "1001");
+    EXPECT_THAT(Listed(), IsEmpty());
+    EXPECT_EQ(view_.status.faults, 0);
+}
+
+TEST_F(Faults, OfAPasteAreAllThereHoweverMany) {
+    Texts rows;
+    std::string block;
+    for (int i = 0; i < 40; ++i)
+        block += "x" + std::to_string(i) + "\r\n";
+    Window().Cells().PasteBlock({1, column::kAmount}, CopiedBlock(block));
+    EXPECT_EQ(Window().Faults().Cells().size(), 40U);
+    EXPECT_EQ(view_.status.faults, 40);
+    EXPECT_EQ(Window().Faults().Describe({40, column::kAmount}).value, "x39");
+    Window().Cells().Undo();
+    EXPECT_THAT(Listed(), IsEmpty());
+}
+
+TEST_F(Faults, OfATemplateThatIsOpenedAreThere) {
+    lines_["5"] = {Line(1, "收款", 1, "9999", "没有"), Line(1, "收款")};
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_THAT(Listed(), ElementsAre("1,5 9999: 科目代码不存在"));
+    Window().ShowStoredTemplate(0);
+    EXPECT_THAT(Listed(), IsEmpty());
+}
+
+TEST_F(Faults, OfARefusedSaveAreEverythingThatIsMissing) {
+    Window().Cells().ClearCells({1, column::kExplanation});
+    Window().Cells().ClearCells({2, column::kAccountName});
+    Window().Cells().ClearCells({3, column::kDirection, 3, column::kDirection});
+    EXPECT_THAT(Listed(), IsEmpty()) << "not yet: the user is at it";
+    EXPECT_FALSE(Window().Save());
+    EXPECT_THAT(Listed(), ElementsAre("1,2 : 凭证模板 1 号第一行摘要为空，请录入摘要！",
+                                      "2,5 : 科目编码(*) 不允许为空，请进行设置！",
+                                      "2,6 : 科目名称(*) 不允许为空，请进行设置！",
+                                      "3,3 : 借贷方向(*) 不允许为空，请进行设置！"));
+    EXPECT_EQ(view_.status.faults, 4);
+    Give(1, column::kExplanation, "收款");
+    Give(3, column::kDirection, "借");
+    EXPECT_THAT(Listed(), ElementsAre("2,5 : 科目编码(*) 不允许为空，请进行设置！",
+                                      "2,6 : 科目名称(*) 不允许为空，请进行设置！"));
+    Window().Cells().DeleteRows({2, 1});
+    EXPECT_THAT(Listed(), IsEmpty());
+}
+
+TEST_F(Faults, GoAlongWithTheirRows) {
+    Give(2, column::kAmount, "-9");
+    Window().Cells().InsertRows({1, 1, 2, 1});
+    EXPECT_THAT(Listed(), ElementsAre("4,20 -9: 不能小于0"));
+    Window().Cells().DeleteRows({1, 1});
+    EXPECT_THAT(Listed(), ElementsAre("3,20 -9: 不能小于0"));
+    Window().Cells().DeleteRows({3, 1});
+    EXPECT_THAT(Listed(), IsEmpty());
+    Window().Cells().Undo();
+    EXPECT_THAT(Listed(), ElementsAre("3,20 -9: 不能小于0"));
+}
+
+TEST_F(Faults, OneGoesFromOneToTheNextRoundTheEnds) {
+    Give(1, column::kAmount, "-1");
+    Give(3, column::kAmount, "-3");
+    Give(3, column::kQuantity, "x");
+    Window().Cells().MoveActiveCell({1, 1});
+    const auto at = [this](bool back) {
+        view_.calls.clear();
+        Window().Faults().GoToNext(back);
+        EXPECT_THAT(view_.calls, testing::Contains("focus grid"));
+        return Grid().ActiveCell();
+    };
+    EXPECT_EQ(at(false), (CellAddress{1, column::kAmount}));
+    EXPECT_EQ(at(false), (CellAddress{3, column::kQuantity}));
+    EXPECT_EQ(at(false), (CellAddress{3, column::kAmount}));
+    EXPECT_EQ(at(false), (CellAddress{1, column::kAmount}));
+    EXPECT_EQ(at(true), (CellAddress{3, column::kAmount}));
+    EXPECT_EQ(at(true), (CellAddress{3, column::kQuantity}));
+}
+
+TEST_F(Faults, WithoutOneTheCursorStaysWhereItIs) {
+    Window().Cells().MoveActiveCell({2, 2});
+    Window().Faults().GoToNext(false);
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, 2}));
+}
+
+TEST_F(Faults, InAHiddenColumnAreNamedAndShownWhenTheyAreGoneTo) {
+    Give(2, column::kSettleName, "本票");
+    Grid().SetColumnHidden(column::kSettleName, true);
+    EXPECT_THAT(Listed(), ElementsAre("2,9 本票: 结算方式不存在 (hidden)"));
+    Window().Cells().MoveActiveCell({2, 2});
+    EXPECT_EQ(view_.status.hint, "隐藏列“结算方式”：结算方式不存在");
+    Window().Cells().MoveActiveCell({1, 2});
+    EXPECT_EQ(view_.status.hint, "");
+    Window().Faults().GoTo({2, column::kSettleName});
+    EXPECT_FALSE(Grid().Layout(column::kSettleName).hidden);
+    EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, column::kSettleName}));
+}
+
+// --- the tree
+
+TEST_F(Faults, TemplatesWithNumbersThatCannotBeUsedAreMarkedInTheTree) {
+    set_.Answer("select distinct a.FID from t_VchTpControl", Rows({"FID"}, {{0}, {8}}));
+    EXPECT_THAT(view_.unusable, IsEmpty());
+    Window().Shown();
+    EXPECT_THAT(view_.unusable, ElementsAre("detail-0", "detail-8"));
+    EXPECT_THAT(Sent("select distinct a.FID"), ElementsAre(HasSubstr("b.FUserID = 7 or b.FID = 0")));
+    set_.Answer("select distinct a.FID from t_VchTpControl", Rows({"FID"}, {{8}}));
+    MakeDirty();
+    Window().ToolClick("mnuSave");
+    EXPECT_THAT(view_.unusable, ElementsAre("detail-8"));
+    set_.Fail("select distinct a.FID from t_VchTpControl", "gone");
+    Window().ToolClick("mnuImp");
+    EXPECT_THAT(view_.unusable, ElementsAre("detail-8")) << "what is not known is not said";
+}
+
+}  // namespace
+}  // namespace vicenter::center::test

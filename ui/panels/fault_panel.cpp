@@ -1,0 +1,204 @@
+#include "ui/panels/fault_panel.h"
+
+#include <QAbstractTableModel>
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QTimer>
+#include <algorithm>
+#include <numeric>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "center/grid/columns.h"
+#include "ui/look/qt_text.h"
+#include "ui/run/slot_guard.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+enum Field { kRow, kColumn, kValue, kReason, kFieldCount };
+constexpr int kReadingMilliseconds = 0;  // once the events that are due have run
+
+QString Heading(int field) {
+    static const QStringList headings = {QStringLiteral("行"), QStringLiteral("列"), QStringLiteral("内容"),
+                                         QStringLiteral("原因")};
+    return headings.value(field);
+}
+
+}  // namespace
+
+// Cells as they were read; what is said of each is asked for when it is shown, sorted by or copied.
+class FaultModel : public QAbstractTableModel {
+  public:
+    FaultModel(center::FaultActions& actions, QObject* parent)
+        : QAbstractTableModel(parent), actions_(actions) {}
+
+    void Read() {
+        beginResetModel();
+        cells_ = GuardedOr(std::vector<center::CellAddress>(), [&] { return actions_.Cells(); });
+        faults_.assign(cells_.size(), std::nullopt);
+        Order();
+        endResetModel();
+    }
+    center::CellAddress CellAt(int row) const { return cells_[order_[static_cast<std::size_t>(row)]]; }
+
+    int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : static_cast<int>(cells_.size());
+    }
+    int columnCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : kFieldCount;
+    }
+    QVariant data(const QModelIndex& index, int role) const override {
+        if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return {};
+        const QString text = TextOf(order_[static_cast<std::size_t>(index.row())], index.column());
+        return role == Qt::ToolTipRole ? ToolTipText(text) : text;
+    }
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
+        if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+        return Heading(section);
+    }
+    void sort(int field, Qt::SortOrder order) override {
+        beginResetModel();
+        sortedBy_ = field;
+        descending_ = order == Qt::DescendingOrder;
+        Order();
+        endResetModel();
+    }
+
+  private:
+    QString TextOf(std::size_t index, int field) const {
+        const center::CellAddress cell = cells_[index];
+        if (field == kRow) return QString::number(cell.row);
+        const center::Fault& fault = FaultAt(index);
+        switch (field) {
+            case kColumn: {
+                const QString header = ToQt(center::Column(cell.column).header);
+                return fault.hidden ? header + QStringLiteral("（隐藏列）") : header;
+            }
+            case kValue:
+                return ToQt(fault.value).simplified();
+            default:
+                return ToQt(fault.reason).simplified();
+        }
+    }
+    const center::Fault& FaultAt(std::size_t index) const {
+        std::optional<center::Fault>& fault = faults_[index];
+        if (!fault) fault = GuardedOr(center::Fault(), [&] { return actions_.Describe(cells_[index]); });
+        return *fault;
+    }
+    void Order() {
+        order_.resize(cells_.size());
+        std::iota(order_.begin(), order_.end(), std::size_t{0});
+        const auto less = [&](std::size_t a, std::size_t b) {
+            switch (sortedBy_) {
+                case kRow:
+                    return cells_[a].row < cells_[b].row;
+                case kColumn:
+                    return cells_[a].column < cells_[b].column;
+                default:
+                    return TextOf(a, sortedBy_) < TextOf(b, sortedBy_);
+            }
+        };
+        std::stable_sort(order_.begin(), order_.end(),
+                         [&](std::size_t a, std::size_t b) { return descending_ ? less(b, a) : less(a, b); });
+    }
+
+    center::FaultActions& actions_;
+    std::vector<center::CellAddress> cells_;
+    mutable std::vector<std::optional<center::Fault>> faults_;
+    std::vector<std::size_t> order_;
+    int sortedBy_ = kRow;
+    bool descending_ = false;
+};
+
+FaultPanel::FaultPanel(center::FaultActions& actions, QWidget* parent)
+    : QDockWidget(QStringLiteral("异常列表"), parent),
+      actions_(actions),
+      model_(new FaultModel(actions, this)),
+      table_(new QTableView(this)) {
+    setObjectName(QStringLiteral("faultPanel"));
+    setFeatures(DockWidgetClosable);
+    setAllowedAreas(Qt::BottomDockWidgetArea);
+    table_->setObjectName(QStringLiteral("lstFaults"));
+    table_->setModel(model_);
+    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table_->setSortingEnabled(true);
+    table_->sortByColumn(kRow, Qt::AscendingOrder);
+    table_->setWordWrap(false);
+    table_->verticalHeader()->hide();
+    table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 6);
+    table_->horizontalHeader()->setStretchLastSection(true);
+    table_->setTabKeyNavigation(false);
+    table_->installEventFilter(this);
+    setWidget(table_);
+    connect(table_, &QTableView::clicked, this, &FaultPanel::GoTo);
+    hide();
+}
+
+FaultPanel::~FaultPanel() = default;
+
+void FaultPanel::Refresh() {
+    if (!isVisible() || std::exchange(waiting_, true)) return;
+    QTimer::singleShot(kReadingMilliseconds, this, [this] {
+        waiting_ = false;
+        if (isVisible()) Read();
+    });
+}
+
+void FaultPanel::Read() {
+    model_->Read();
+}
+
+void FaultPanel::showEvent(QShowEvent* event) {
+    QDockWidget::showEvent(event);
+    Read();
+}
+
+void FaultPanel::GoTo(const QModelIndex& index) {
+    if (!index.isValid()) return;
+    const center::CellAddress cell = model_->CellAt(index.row());
+    Guarded([&] { actions_.GoTo(cell); });
+}
+
+// The selected rows, or all of them, with their headings: for a list that is worked off elsewhere.
+void FaultPanel::CopyRows() {
+    const QItemSelectionModel& selection = *table_->selectionModel();
+    QString text;
+    const auto add = [&](auto textOf) {
+        for (int field = 0; field < kFieldCount; ++field)
+            text += (field > 0 ? QStringLiteral("\t") : QString()) + textOf(field);
+        text += QStringLiteral("\r\n");
+    };
+    add(Heading);
+    const bool all = !selection.hasSelection();
+    for (int row = 0; row < model_->rowCount(); ++row) {
+        if (!all && !selection.isRowSelected(row)) continue;
+        add([&](int field) { return model_->index(row, field).data().toString(); });
+    }
+    QApplication::clipboard()->setText(text);
+}
+
+bool FaultPanel::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == table_ && event->type() == QEvent::KeyPress) {
+        const auto& key = static_cast<QKeyEvent&>(*event);
+        if (key.matches(QKeySequence::Copy)) {
+            Guarded([this] { CopyRows(); });
+            return true;
+        }
+        if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
+            GoTo(table_->currentIndex());
+            return true;
+        }
+        if (key.key() == Qt::Key_Escape) {
+            hide();
+            return true;
+        }
+    }
+    return QDockWidget::eventFilter(watched, event);
+}
+
+}  // namespace vicenter::ui
