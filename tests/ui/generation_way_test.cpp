@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -163,7 +164,11 @@ TEST_F(GenerationWayTest, OverTheStandardTemplateItIsThatOneThatIsShown) {
     surroundings.messageBoxes->answers = {system::MessageResult::Yes};
     WhenModal("frmAutoVch", [](QDialog& dialog) {
         FillIn(dialog);
-        dialog.findChild<QLineEdit*>(QStringLiteral("txtVchTpName"))->setText(QStringLiteral("标准模板"));
+        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("txtVchTpName"));
+        name->selectAll();
+        QInputMethodEvent typed;
+        typed.setCommitString(QStringLiteral("标准模板"));
+        QApplication::sendEvent(name, &typed);
         Click(dialog, "Command0");
     });
     Click(*window, "mnuAutoVchButton");
