@@ -92,6 +92,7 @@ class SameRowsTest : public EngineTest, public testing::WithParamInterface<Query
   protected:
     SameRowsTest() {
         SessionOptions options = Options();
+        options.fileSystem = "memdb";
         options.collation = &chinese_;
         options.plans = GetParam();
         session_ = std::make_unique<Session>(options);
