@@ -215,6 +215,8 @@ std::string VerdictText(TextVerdict verdict, int gridColumn) {
             return "小数位数不能超过" + std::to_string(spec.decimals) + "位";
         case TextVerdict::NotInList:
             return "只能选择“借”或“贷”";
+        case TextVerdict::NotLookedUp:
+            return "基础资料无法读取，该代码尚未核对";
     }
     return {};
 }

@@ -32,6 +32,8 @@ enum class TextVerdict : std::uint8_t {
     TooManyDecimals,
     NoCalculation,  // what looks like one and cannot be done
     NotInList,      // the direction column
+    NotLookedUp,    // a code whose record could not be read: nobody knows yet what it stands for
+    Last = NotLookedUp,
 };
 
 // Whether a cell of the column may hold the text as it stands. The empty text is always taken but by a locked

@@ -40,7 +40,12 @@ void clsVIData::Open() {
 }
 
 RecordsetRef clsVIData::Query(const std::string& sql) {
-    Open();
+    try {
+        Open();
+    } catch (const Error& error) {
+        lastFailure = error.Text();
+        throw;
+    }
     return QueryAgain(sql);
 }
 

@@ -1,5 +1,6 @@
 #include "store/fault_text.h"
 
+#include "automation/error.h"
 #include "entry/sql_text.h"
 #include "store/cls_vi_data.h"
 #include "store/statements.h"
@@ -12,15 +13,19 @@ std::string Quoted(std::string_view text) {
     return entry::SqlQuote(text, true, true);
 }
 
+// The rows; a question without an answer ends the explanation.
+RecordsetRef Read(const RecordsetRef& rows) {
+    if (rows == nullptr) throw automation::Error(automation::error_number::kElementNotFound);
+    return rows;
+}
+
 bool HasRow(const std::string& sql) {
-    const RecordsetRef rows = GetRecordset(sql);
-    return rows != nullptr && rows->RecordCount() > 0;
+    return Read(GetRecordset(sql))->RecordCount() > 0;
 }
 
 std::string Names(const RecordsetRef& rows) {
     std::string names;
-    if (rows == nullptr) return names;
-    for (; !rows->AtEnd(); rows->MoveNext()) {
+    for (Read(rows); !rows->AtEnd(); rows->MoveNext()) {
         if (!names.empty()) names += "、";
         names += rows->Value("FName").ToTextOrEmpty();
     }
@@ -59,8 +64,8 @@ std::string UnitFault(const CheckedTexts& line) {
 
 std::string ItemsFault(const CheckedTexts& line) {
     clsVIData data;
-    const RecordsetRef items = data.GetItems(line.account);
-    if (items == nullptr || items->RecordCount() < 1) return "科目不核算项目";
+    const RecordsetRef items = Read(data.GetItems(line.account));
+    if (items->RecordCount() < 1) return "科目不核算项目";
     const std::string classes = Names(data.GetItemClassIDs(items->Value("FDetailID").ToText()));
     return "核算项目代码不存在或个数不符，应依次为：" + classes;
 }

@@ -21,7 +21,7 @@ struct CheckedTexts {
 };
 
 // accountIsSound: what the line's own account check has said. Without a sound account the other four checks
-// fail for its sake, and the words say so.
+// fail for its sake, and the words say so. What cannot be read is an error (kElementNotFound).
 std::string FaultText(CellCheck failed, const CheckedTexts& line, bool accountIsSound);
 
 }  // namespace vicenter::store

@@ -142,7 +142,8 @@ class BlockEditing::Entering {
                 continue;
             }
             accountGiven = accountGiven || (c == column::kAccountNumber && !texts[i].empty());
-            ResolveCell(grid, {row, c}, records_);
+            if (ResolveGiven(grid, {row, c}, records_) == Resolution::Unreadable)
+                result.refused.push_back({{row, c}, texts[i], UnreadableText(texts[i]), true});
             ++result.cells;
         }
         // Ids follow from the codes; one that comes out otherwise than given has not been taken.

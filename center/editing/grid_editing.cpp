@@ -33,10 +33,15 @@ void GridEditing::Leave(const CellAddress& cell) {
     // Whoever may only look changes nothing by moving about.
     if (!CanEdit() || !state_.open.IsOpen() || cell.row < 1 || cell.column < 1) return;
     EntryGrid& grid = *state_.grid;
+    const bool given = typed_ == cell || grid.Refusal(cell.row, cell.column) == TextVerdict::NotLookedUp;
     const UndoStep step(state_.open, typed_ == cell);
     typed_.reset();
     MasterRecords records;
-    ResolveCell(grid, cell, records);
+    if (!given) {
+        ResolveCell(grid, cell, records);
+    } else if (ResolveGiven(grid, cell, records) == Resolution::Unreadable) {
+        state_.open.SetNotice(UnreadableText(grid.Text(cell.row, cell.column)));
+    }
     CellChecks checks;
     const int check = CheckOfColumn(cell.column);
     if (check == 1 || cell.column == column::kExplanation) {

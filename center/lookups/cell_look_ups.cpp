@@ -4,6 +4,7 @@
 
 #include "automation/class_registry.h"
 #include "center/editing/cell_checks.h"
+#include "center/lookups/cell_resolution.h"
 #include "platform/system/utf8.h"
 #include "store/number_text.h"
 #include "store/template_rows.h"
@@ -29,6 +30,13 @@ std::string_view KindOf(int gridColumn) {
             return Column(gridColumn).header;
     }
 }
+
+// A question without an answer is none to which the answer is "nothing".
+void CheckRead(const ado::RecordsetRef& rows, std::string_view what) {
+    if (rows == nullptr)
+        throw automation::Error(automation::error_number::kElementNotFound, UnreadableText(what));
+}
+
 }  // namespace
 
 Variant RecordField(const Variant& record, const char* name) {
@@ -89,7 +97,8 @@ ChosenTexts TextsOfChoice(const EntryGrid& grid, int row, int gridColumn, const 
             const bool hasAccount = !system::TrimBlanks(grid.Text(row, column::kAccountNumber)).empty();
             if (choice.id.empty() || choice.id == "0" || hasAccount) return texts;
             const ado::RecordsetRef account = store::ReadAccount(choice.id);
-            if (account != nullptr && account->RecordCount() > 0) {
+            CheckRead(account, choice.name);
+            if (account->RecordCount() > 0) {
                 texts.emplace_back(column::kAccountId, choice.id);
                 texts.emplace_back(column::kAccountNumber, account->Value("FNumber").ToTextOrEmpty());
                 texts.emplace_back(column::kAccountName, account->Value("FName").ToTextOrEmpty());
@@ -115,7 +124,8 @@ void WriteChosen(WindowState& state, int row, const ChosenTexts& texts) {
 
 Variant UnitGroupOf(const std::string& accountId) {
     const ado::RecordsetRef group = store::ReadUnitGroup(accountId);
-    if (group == nullptr || group->RecordCount() < 1) return {};
+    CheckRead(group, "计量单位组");
+    if (group->RecordCount() < 1) return {};
     return group->Value("FUnitGroupID");
 }
 

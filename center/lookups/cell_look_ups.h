@@ -45,11 +45,12 @@ struct Choice {
 std::optional<std::string> PlainId(std::string_view answered);
 // The choice with its id in that form; nothing, and the user has been told, when it has none.
 std::optional<Choice> WithPlainId(Choice choice, int gridColumn);
-// Never replaces an account that the row already has by the one of an explanation.
+// Never replaces an account that the row already has by the one of an explanation. Throws when that cannot
+// be read.
 ChosenTexts TextsOfChoice(const EntryGrid& grid, int row, int gridColumn, const Choice& choice);
 // Writes them as one step of undo and colours the row.
 void WriteChosen(WindowState& state, int row, const ChosenTexts& texts);
-// The unit group of an account, empty when it has none.
+// The unit group of an account, empty when it has none. Throws when it cannot be read.
 automation::Variant UnitGroupOf(const std::string& accountId);
 
 class CellLookUps {

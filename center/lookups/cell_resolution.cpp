@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "center/editing/cell_checks.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 
@@ -74,32 +75,72 @@ bool IsLookUpColumn(int gridColumn) {
     return lookUp != store::LookUp::None && lookUp != store::LookUp::Items;
 }
 
-const ado::RecordsetRef& MasterRecords::Find(int gridColumn, const std::string& number) {
-    const auto [at, isNew] = records_.try_emplace(std::to_string(gridColumn) + ":" + number);
+const MasterAnswer& MasterRecords::Find(int gridColumn, const std::string& number) {
+    const auto [at, isNew] = answers_.try_emplace(std::to_string(gridColumn) + ":" + number);
     if (isNew) {
         const ado::RecordsetRef found = store::clsVIData().GetItemInfoByNumber(gridColumn, number);
-        if (found != nullptr && found->RecordCount() >= 1) at->second = found;
+        at->second.wasRead = found != nullptr;
+        if (found != nullptr && found->RecordCount() >= 1) at->second.record = found;
     }
     return at->second;
 }
 
-void ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records) {
-    if (grid.Refusal(cell.row, cell.column) != TextVerdict::Taken) return;
+std::string UnreadableText(std::string_view what) {
+    std::string text = "基础资料无法读取：" + std::string(what);
+    const std::string& why = store::clsVIData::LastFailure();
+    return why.empty() ? text : text + "（" + why + "）";
+}
+
+Resolution ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records) {
+    const TextVerdict verdict = grid.Refusal(cell.row, cell.column);
+    if (verdict != TextVerdict::Taken && verdict != TextVerdict::NotLookedUp) return Resolution::Done;
     const std::string text(system::TrimBlanks(grid.Text(cell.row, cell.column)));
     if (text.empty()) {
         RowWriter row(grid, cell.row, nullptr);
         ClearDependents(row, cell.column);
-        return;
+        return Resolution::Done;
     }
     if (cell.column == column::kItems && OnlySeparators(text)) {
         grid.SetText(cell.row, cell.column, {});
-        return;
+        return Resolution::Done;
     }
-    if (!IsLookUpColumn(cell.column)) return;
-    const ado::RecordsetRef& record = records.Find(cell.column, text);
-    if (record == nullptr) return;
-    RowWriter row(grid, cell.row, record.get());
+    if (!IsLookUpColumn(cell.column)) return Resolution::Done;
+    const MasterAnswer& answer = records.Find(cell.column, text);
+    if (!answer.wasRead) return Resolution::Unreadable;
+    if (verdict == TextVerdict::NotLookedUp) {
+        grid.SetText(cell.row, cell.column, std::string(grid.Text(cell.row, cell.column)));
+    }
+    if (answer.record == nullptr) return Resolution::Done;
+    RowWriter row(grid, cell.row, answer.record.get());
     WriteFound(row, cell.column);
+    return Resolution::Done;
+}
+
+Resolution ResolveGiven(EntryGrid& grid, const CellAddress& cell, MasterRecords& records) {
+    const Resolution resolution = ResolveCell(grid, cell, records);
+    if (resolution == Resolution::Unreadable) {
+        grid.PutReading(cell.row, cell.column,
+                        {TextVerdict::NotLookedUp, std::string(grid.Text(cell.row, cell.column))});
+    }
+    return resolution;
+}
+
+std::optional<CellAddress> AskAgain(EntryGrid& grid, int rowCount) {
+    MasterRecords records;
+    CellChecks checks;
+    std::optional<CellAddress> unread;
+    for (int row = 1; row <= rowCount; ++row) {
+        bool asked = false;
+        for (int c = 1; c <= kColumnCount; ++c) {
+            if (grid.Refusal(row, c) != TextVerdict::NotLookedUp) continue;
+            asked = true;
+            const bool still = ResolveCell(grid, {row, c}, records) == Resolution::Unreadable;
+            // An explanation is stored as it stands; behind the others there is an id.
+            if (still && !unread && c != column::kExplanation) unread = {row, c};
+        }
+        if (asked) MarkRow(grid, row, checks);
+    }
+    return unread;
 }
 
 }  // namespace vicenter::center

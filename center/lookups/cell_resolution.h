@@ -2,7 +2,9 @@
 
 // Typed codes against master data: what leaving a cell writes into its row. Needs no window.
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "center/grid/entry_grid.h"
@@ -10,19 +12,36 @@
 
 namespace vicenter::center {
 
+// What the account set says of a typed number. One that could not be read is not one that nobody knows.
+struct MasterAnswer {
+    bool wasRead = false;
+    ado::RecordsetRef record;  // the matching record as the current one; none when there is none
+};
+
 // Master records by column and typed number. Remembers its answers for its own lifetime, one command.
 class MasterRecords {
   public:
-    // The matching record as the current one, or no recordset.
-    const ado::RecordsetRef& Find(int gridColumn, const std::string& number);
+    const MasterAnswer& Find(int gridColumn, const std::string& number);
 
   private:
-    std::unordered_map<std::string, ado::RecordsetRef> records_;
+    std::unordered_map<std::string, MasterAnswer> answers_;
 };
 
+// "基础资料无法读取：" what, and why by the last statement that failed.
+std::string UnreadableText(std::string_view what);
+
+enum class Resolution { Done, Unreadable };
+
 // Resolves the typed content of one cell by its column: the text may become a name, and the columns that
-// depend on it are filled or cleared. A code that is not found changes nothing.
-void ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records);
+// depend on it are filled or cleared. A code that is not found changes nothing, nor does one that could not
+// be read.
+Resolution ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records);
+// The same for a text that has just been given: one that could not be read stays in its cell as NotLookedUp.
+Resolution ResolveGiven(EntryGrid& grid, const CellAddress& cell, MasterRecords& records);
+
+// Asks again about every text that is NotLookedUp, and about the rows' checks. The first cell whose id would
+// be stored without having been read, or nothing.
+std::optional<CellAddress> AskAgain(EntryGrid& grid, int rowCount);
 
 // The columns that ResolveCell asks the database about.
 bool IsLookUpColumn(int gridColumn);

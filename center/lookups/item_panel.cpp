@@ -70,9 +70,14 @@ void ItemPanel::ReadClasses(const std::string& accountNumber) {
     if (accountNumber.empty()) return;
     store::clsVIData data;
     const ado::RecordsetRef items = data.GetItems(accountNumber);
-    if (items == nullptr || items->RecordCount() < 1) return;
-    const ado::RecordsetRef classes = data.GetItemClassIDs(items->Value("FDetailID").ToText());
-    if (classes == nullptr) return;
+    if (items != nullptr && items->RecordCount() < 1) return;
+    const ado::RecordsetRef classes =
+        items == nullptr ? nullptr : data.GetItemClassIDs(items->Value("FDetailID").ToText());
+    if (classes == nullptr) {
+        // Nobody knows the account's classes: the next refresh asks again.
+        account_.clear();
+        return;
+    }
     for (; !classes->AtEnd(); classes->MoveNext()) {
         ItemPanelState::Row row;
         row.classId = classes->Value("FItemClassID").ToInt32();

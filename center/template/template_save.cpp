@@ -3,6 +3,7 @@
 #include <unordered_set>
 
 #include "center/editing/cell_rules.h"
+#include "center/lookups/cell_resolution.h"
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
 #include "store/statements.h"
@@ -38,7 +39,7 @@ void CollectFindings(const EntryGrid& grid, int r, bool explains, std::vector<Fi
     // What the user gave and the column refused is nowhere to be saved.
     for (int c = 1; c <= kColumnCount; ++c) {
         const TextVerdict refusal = grid.Refusal(r, c);
-        if (refusal == TextVerdict::Taken) continue;
+        if (refusal == TextVerdict::Taken || refusal == TextVerdict::NotLookedUp) continue;
         add(c, std::string(Column(c).header) + " " + VerdictText(refusal, c) + "，请进行更正！");
     }
 }
@@ -204,9 +205,21 @@ void TemplateSave::LookAtTheirs() {
     actions_.refreshStatus();
 }
 
+// What could not be read while it was typed is asked about once more before it is stored.
+std::optional<Finding> TemplateSave::FindUnread() {
+    const UndoStep step(state_.open);
+    const std::optional<CellAddress> cell = AskAgain(*state_.grid, state_.open.RowCount());
+    if (!cell) return std::nullopt;
+    const std::string reason = std::string(Column(cell->column).header) + " " +
+                               UnreadableText(state_.grid->Text(cell->row, cell->column)) +
+                               "，请稍后再保存！";
+    return Finding{cell->row, cell->column, "行" + std::to_string(cell->row) + " " + reason, reason};
+}
+
 bool TemplateSave::Validate() {
     if (state_.open.RowCount() == 0) return ConfirmEmptyTemplate();
-    const std::optional<Finding> finding = ValidateLines(*state_.grid, state_.open.RowCount());
+    std::optional<Finding> finding = FindUnread();
+    if (!finding) finding = ValidateLines(*state_.grid, state_.open.RowCount());
     if (!finding) return true;
     Tell(finding->text);
     actions_.refused();

@@ -65,6 +65,7 @@ class TemplateSave {
 
     bool Save();
     bool Validate();
+    std::optional<Finding> FindUnread();
     bool ConfirmUnsavedChanges();
     void GoToCell(const CellAddress& cell);
 

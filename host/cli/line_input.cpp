@@ -9,6 +9,7 @@
 #include "automation/error.h"
 #include "center/editing/cell_rules.h"
 #include "center/grid/columns.h"
+#include "center/lookups/cell_resolution.h"
 #include "entry/single_line.h"
 #include "host/cli/templates.h"
 #include "platform/system/utf8.h"
@@ -151,9 +152,7 @@ class IdResolver {
             store::clsVIData().GetItemInfoByNumber(gridColumn, std::string(trimmed));
         // What cannot be read is not taken for a code that nobody knows: the line would be saved without it.
         if (rows == nullptr) {
-            throw Error(
-                automation::error_number::kElementNotFound,
-                "基础资料无法读取：" + std::string(trimmed) + "（" + store::clsVIData::LastFailure() + "）");
+            throw Error(automation::error_number::kElementNotFound, center::UnreadableText(trimmed));
         }
         if (rows->RecordCount() < 1) return place->second;
         place->second = {true, rows->Value(center::Column(gridColumn).idField).ToTextOrEmpty(),

@@ -67,7 +67,7 @@ bool ReadRefusals(std::string text, KeptLine& line) {
         const auto gridColumn = NumberOf<int>(piece.substr(0, colon));
         const auto verdict = NumberOf<int>(piece.substr(colon + 1));
         if (!gridColumn || *gridColumn < 1 || *gridColumn > kColumnCount || !verdict || *verdict < 0 ||
-            *verdict > static_cast<int>(TextVerdict::NotInList)) {
+            *verdict > static_cast<int>(TextVerdict::Last)) {
             return false;
         }
         line.refusals[static_cast<std::size_t>(*gridColumn - 1)] = static_cast<TextVerdict>(*verdict);
