@@ -8,6 +8,7 @@
 
 #include "platform/office/compound_file.h"
 #include "platform/office/compound_layout.h"
+#include "platform/office/foreign_file.h"
 #include "platform/office/limits.h"
 
 namespace vicenter::office {
@@ -66,7 +67,7 @@ class CompoundReader::Container {
     bool OpenStream(std::string_view name) {
         const Entry* found = Find(Capitals(name));
         if (found == nullptr) return false;
-        if (found->size > fileBytes_) FailContainer();
+        if (found->size > fileBytes_) FailTruncated();
         size_ = found->size;
         if (size_ < kMiniCutoff) {
             PlaceInSmallPieces(*found);
@@ -78,6 +79,8 @@ class CompoundReader::Container {
         }
         return true;
     }
+
+    bool HasStream(std::string_view name) const { return Find(Capitals(name)) != nullptr; }
 
     std::size_t Read(char* buffer, std::size_t count) {
         count = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - position_));
@@ -111,6 +114,9 @@ class CompoundReader::Container {
     std::uint64_t PlaceOf(std::uint32_t sector) const { return (std::uint64_t{sector} + 1) * sectorBytes_; }
 
     void ReadAt(std::uint64_t place, char* buffer, std::size_t count) {
+        // What lies behind the end was there once: the containers of whole files end behind their last
+        // sector.
+        if (place > fileBytes_ || count > fileBytes_ - place) FailTruncated();
         file_.seekg(static_cast<std::streamoff>(place));
         file_.read(buffer, static_cast<std::streamsize>(count));
         if (!file_) FailContainer();
@@ -248,12 +254,9 @@ class CompoundReader::Container {
 CompoundReader::CompoundReader(const std::string& fileName)
     : container_(std::make_unique<Container>(fileName)) {
     if (container_->OpenStream("Workbook")) return;
-    if (container_->OpenStream("EncryptedPackage")) {
-        throw automation::Error(kExcelError, "文件已加密，无法打开！");
-    }
-    if (container_->OpenStream("Book")) {
-        throw automation::Error(kExcelError, "不支持 Excel 95 及更早版本的文件！");
-    }
+    if (container_->HasStream("EncryptedPackage")) FailEncrypted();
+    if (container_->HasStream("Book")) FailOldVersion();
+    if (container_->HasStream("WordDocument")) FailOtherDocument(" Word 文档");
     FailDamaged("缺少工作簿");
 }
 

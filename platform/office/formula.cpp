@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "automation/object.h"
 #include "platform/office/cell_text.h"
 #include "platform/office/limits.h"
 
@@ -288,7 +289,72 @@ class Calculation {
         }
     }
 
+    // Behind "IF(".
+    FormulaValue Choice() {
+        const bool holds = Condition();
+        Expect(',');
+        if (!holds) {
+            SkipArgument();
+            // Without a value for "otherwise" it is a truth value, which is no text and no number.
+            Expect(',');
+        }
+        FormulaValue value = Joined();
+        if (holds && Take(',')) SkipArgument();
+        Expect(')');
+        return value;
+    }
+
+    bool Condition() {
+        const FormulaValue left = Joined();
+        for (const std::string_view sign : {"<=", ">=", "<>", "<", ">", "="}) {
+            SkipBlanks();
+            if (!rest_.starts_with(sign)) continue;
+            rest_.remove_prefix(sign.size());
+            return Holds(left, sign, Joined());
+        }
+        if (left.kind == FormulaValue::Kind::Text) throw NotSimple();
+        return left.number != 0;
+    }
+
+    static bool Holds(const FormulaValue& left, std::string_view sign, const FormulaValue& right) {
+        using Kind = FormulaValue::Kind;
+        const bool anyText = left.kind == Kind::Text || right.kind == Kind::Text;
+        if (anyText) {
+            if (sign != "=" && sign != "<>") throw NotSimple();
+            // A blank cell is the empty text as well as 0; a number is no text.
+            const bool alike = left.kind != Kind::Number && right.kind != Kind::Number &&
+                               automation::SameName(left.text, right.text);
+            return alike == (sign == "=");
+        }
+        const double a = Rounded(left.number, 15);
+        const double b = Rounded(right.number, 15);
+        if (sign == "=") return a == b;
+        if (sign == "<>") return a != b;
+        if (sign == "<") return a < b;
+        if (sign == "<=") return a <= b;
+        return sign == ">" ? a > b : a >= b;
+    }
+
+    // Up to the comma or the bracket that ends it.
+    void SkipArgument() {
+        int open = 0;
+        char quote = 0;
+        for (; !rest_.empty(); rest_.remove_prefix(1)) {
+            const char c = rest_.front();
+            if (quote != 0) {
+                if (c == quote) quote = 0;
+                continue;
+            }
+            if (open == 0 && (c == ',' || c == ')')) return;
+            if (c == '"' || c == '\'') quote = c;
+            if (c == '(' || c == '{') ++open;
+            if (c == ')' || c == '}') --open;
+        }
+        throw NotSimple();
+    }
+
     FormulaValue Function(const std::string& name) {
+        if (name == "IF") return Choice();
         const std::vector<double> numbers = Arguments();
         if (name == "SUM") {
             double sum = 0;

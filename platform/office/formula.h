@@ -2,8 +2,9 @@
 
 // Simple formulas: what people type into a sheet of vouchers, calculated where a file holds no result.
 //
-// Arithmetic, joined texts, cells and ranges of the same sheet, SUM, ROUND, ABS, MIN and MAX. Anything else
-// is not answered, rather than answered wrongly. Pure functions; nothing refers to the formula afterwards.
+// Arithmetic, joined texts, cells and ranges of the same sheet, SUM, ROUND, ABS, MIN, MAX and IF, of which
+// only the branch that is taken need be simple. Anything else is not answered, rather than answered wrongly.
+// Pure functions; nothing refers to the formula afterwards.
 
 #include <cstdint>
 #include <functional>

@@ -1,10 +1,10 @@
 #include "platform/office/workbook_file.h"
 
-#include <array>
 #include <filesystem>
 #include <fstream>
-#include <string_view>
+#include <string>
 
+#include "platform/office/foreign_file.h"
 #include "platform/office/limits.h"
 #include "platform/office/xls_reader.h"
 #include "platform/office/xls_writer.h"
@@ -27,14 +27,17 @@ std::unique_ptr<Workbook> ReadWorkbook(const std::string& fileName, FileKind* ki
     if (!std::filesystem::is_regular_file(PathOf(fileName), error)) {
         throw automation::Error(kExcelError, "找不到文件：" + fileName);
     }
-    std::array<char, 8> head{};
+    std::string head(kHeadBytes, '\0');
     std::ifstream file(PathOf(fileName), std::ios::binary);
     if (!file) throw automation::Error(kExcelError, "不能访问文件：" + fileName);
-    file.read(head.data(), head.size());
-    const std::string_view mark(head.data(), static_cast<std::size_t>(file.gcount()));
+    file.read(head.data(), static_cast<std::streamsize>(head.size()));
+    if (file.bad()) throw automation::Error(kExcelError, "不能访问文件：" + fileName);
+    head.resize(static_cast<std::size_t>(file.gcount()));
     file.close();
-    const bool zip = mark.starts_with("PK\x03\x04");
-    if (!zip && mark != "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1") FailDamaged("格式无法识别");
+    const bool zip = head.starts_with("PK\x03\x04");
+    if (!zip && !head.starts_with("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1")) {
+        throw automation::Error(kExcelError, WhyNoWorkbook(head));
+    }
     if (kind != nullptr) *kind = zip ? FileKind::Xlsx : FileKind::Xls;
     return zip ? ReadXlsx(fileName) : ReadXls(fileName);
 }

@@ -6,7 +6,10 @@
 #include <set>
 #include <vector>
 
+#include "platform/office/foreign_file.h"
 #include "platform/office/limits.h"
+#include "platform/office/pending_formulas.h"
+#include "platform/office/xls_formula.h"
 #include "platform/office/xls_record_reader.h"
 
 namespace vicenter::office {
@@ -46,10 +49,14 @@ class Reader {
             if (!places.insert(entry.place).second) FailDamaged("工作表位置");
             Sheet& sheet = workbook_->AddSheet(entry.name);
             sheet.SetHidden(entry.hidden);
+            pending_.push_back(std::make_unique<PendingFormulas>(*workbook_, sheet));
             in_.SeekTo(entry.place);
             ReadSheet(sheet);
         }
         if (workbook_->Sheets().empty()) FailDamaged("没有工作表");
+        StoreEmptyResults();
+        for (const auto& formulas : pending_)
+            formulas->Calculate();
         if (workbook_->activeSheet >= workbook_->Sheets().size()) workbook_->activeSheet = 0;
         return std::move(workbook_);
     }
@@ -57,9 +64,7 @@ class Reader {
   private:
     void ExpectBof() {
         if (!in_.Next() || in_.Id() != xls::kBof) FailDamaged("缺少起始记录");
-        if (in_.U16() != xls::kVersion8) {
-            throw automation::Error(kExcelError, "不支持 Excel 95 及更早版本的文件！");
-        }
+        if (in_.U16() != xls::kVersion8) FailOldVersion();
     }
 
     void ReadGlobals() {
@@ -69,7 +74,7 @@ class Reader {
                 case xls::kEof:
                     return;
                 case xls::kFilePass:
-                    throw automation::Error(kExcelError, "文件已加密，无法打开！");
+                    FailEncrypted();
                 case xls::kDateMode:
                     workbook_->dates1904 = in_.U16() == 1;
                     break;
@@ -284,24 +289,70 @@ class Reader {
     std::uint32_t ReadFormula(Sheet& sheet) {
         const Place place = ReadPlace();
         const double value = in_.F64();
+        const std::uint16_t flags = in_.Left() >= 2 ? in_.U16() : std::uint16_t{0};
         const auto bits = std::bit_cast<std::uint64_t>(value);
         awaitsText_ = false;
         if (bits >> 48 != 0xFFFF) {
+            // A 0 with the wish to be calculated is a writer's way to have no result.
+            if (value == 0 && (flags & xls::kCalculatesOnLoad)) {
+                sheet.Append(place.row, place.column, place.format);
+                pending_.back()->Add(place.row, place.column, ReadFormulaText());
+                return place.row;
+            }
+            writerCalculates_ = true;
             SetNumber(sheet, place, value);
             return place.row;
         }
         const auto kind = static_cast<std::uint8_t>(bits & 0xFF);
         const auto result = static_cast<std::uint8_t>(bits >> 16 & 0xFF);
+        if (kind == xls::kEmptyResult) {
+            sheet.Append(place.row, place.column, place.format);
+            emptyResults_.push_back({pending_.size() - 1, place.row, place.column, ReadFormulaText()});
+            workbook_->Charge(sizeof(EmptyResult) + emptyResults_.back().formula.capacity());
+            return place.row;
+        }
+        writerCalculates_ = true;
         if (kind == 0) {
             awaitsText_ = true;
             formulaPlace_ = place;
-        } else if (kind == 1 || kind == 2) {
-            SetBoolOrError(sheet, place, result, kind == 2);
         } else {
-            SetText(sheet, place, workbook_->Texts().Intern({}));
+            SetBoolOrError(sheet, place, result, kind == 2);
         }
         return place.row;
     }
+
+    // Behind the flags; empty for one that cannot be told.
+    std::string ReadFormulaText() {
+        constexpr std::size_t kUnused = 4;
+        if (in_.Left() < kUnused + 2) return {};
+        in_.Skip(kUnused);
+        const std::size_t count = std::min<std::size_t>(in_.U16(), in_.Left());
+        std::string tokens;
+        for (std::size_t i = 0; i < count; ++i)
+            tokens += static_cast<char>(in_.U8());
+        return XlsFormulaText(tokens).value_or(std::string());
+    }
+
+    // An empty text is what a formula may well result in, and what a writer that calculates nothing says of
+    // all of its formulas.
+    void StoreEmptyResults() {
+        for (EmptyResult& empty : emptyResults_) {
+            if (!writerCalculates_) {
+                pending_[empty.sheet]->Add(empty.row, empty.column, std::move(empty.formula));
+                continue;
+            }
+            Cell& cell = workbook_->Sheets()[empty.sheet]->At(empty.row, empty.column);
+            cell.kind = CellKind::Text;
+            cell.text = workbook_->Texts().Intern({});
+        }
+    }
+
+    struct EmptyResult {
+        std::size_t sheet;
+        std::uint32_t row;
+        std::uint32_t column;
+        std::string formula;
+    };
 
     CompoundReader source_;
     RecordReader in_;
@@ -314,6 +365,9 @@ class Reader {
     std::vector<std::uint16_t> formats_;
     Place formulaPlace_{};
     bool awaitsText_ = false;
+    std::vector<std::unique_ptr<PendingFormulas>> pending_;  // by the sheets
+    std::vector<EmptyResult> emptyResults_;
+    bool writerCalculates_ = false;  // some formula has a result that its writer must have calculated
 };
 
 }  // namespace

@@ -1,7 +1,8 @@
 #pragma once
 
 // Reads an ".xls" file (BIFF8 records in a compound file) into a workbook: values and number formats of every
-// worksheet, in the file's order. Formula results are taken as stored.
+// worksheet, in the file's order. Formula results are taken as stored; those that their writer left out are
+// calculated.
 
 #include <memory>
 #include <string>

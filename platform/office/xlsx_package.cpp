@@ -4,6 +4,7 @@
 
 #include <zip.h>
 
+#include "platform/office/foreign_file.h"
 #include "platform/office/limits.h"
 
 namespace vicenter::office {
@@ -23,7 +24,11 @@ std::size_t XlsxPart::Read(char* buffer, std::size_t size) {
 XlsxPackage::XlsxPackage(const std::string& fileName) {
     int error = 0;
     archive_ = zip_open(fileName.c_str(), ZIP_RDONLY, &error);
-    if (archive_ == nullptr) FailDamaged("不是有效的压缩包");
+    if (archive_ != nullptr) return;
+    // The directory of a package stands at its end: where there is none, the end is missing.
+    if (error == ZIP_ER_NOZIP || error == ZIP_ER_INCONS) FailTruncated();
+    if (error == ZIP_ER_MEMORY) throw automation::Error(automation::error_number::kOutOfMemory);
+    FailDamaged("不是有效的压缩包");
 }
 
 XlsxPackage::~XlsxPackage() {
@@ -35,7 +40,11 @@ std::unique_ptr<XlsxPart> XlsxPackage::Open(const std::string& name) const {
     if (index < 0) index = zip_name_locate(archive_, name.c_str(), ZIP_FL_NOCASE);
     if (index < 0) return nullptr;
     zip_file* file = zip_fopen_index(archive_, static_cast<zip_uint64_t>(index), 0);
-    if (file == nullptr) FailDamaged("压缩数据");
+    if (file == nullptr) {
+        const int code = zip_error_code_zip(zip_get_error(archive_));
+        if (code == ZIP_ER_NOPASSWD || code == ZIP_ER_ENCRNOTSUPP) FailEncrypted();
+        FailDamaged("压缩数据");
+    }
     return std::make_unique<XlsxPart>(file);
 }
 

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <map>
 
+#include "platform/office/foreign_file.h"
 #include "platform/office/limits.h"
 #include "platform/office/xlsx_package.h"
 
@@ -82,6 +83,9 @@ std::vector<SheetEntry> ReadWorkbookPart(ByteSource& part, Workbook& workbook) {
     for (Token token = scanner.Next(); token != Token::Finished; token = scanner.Next()) {
         if (token != Token::Start) continue;
         const std::string_view name = scanner.Name();
+        if (!rootChecked && (name == "document" || name == "presentation")) {
+            FailOtherDocument(name == "document" ? " Word 文档" : "演示文稿");
+        }
         if (!rootChecked && name != "workbook") FailDamaged("不是工作簿");
         rootChecked = true;
         if (name == "workbookPr") {
@@ -99,6 +103,18 @@ std::vector<SheetEntry> ReadWorkbookPart(ByteSource& part, Workbook& workbook) {
         }
     }
     return result;
+}
+
+// A package of another kind, or a damaged one.
+[[noreturn]] void FailWithoutWorkbook(const XlsxPackage& package) {
+    if (const auto part = package.Open("mimetype")) {
+        std::string kind(64, '\0');
+        kind.resize(part->Read(kind.data(), kind.size()));
+        if (kind.starts_with("application/vnd.oasis.opendocument")) {
+            FailForeignKind(" OpenDocument 文件（.ods），不是 Excel 工作簿");
+        }
+    }
+    FailDamaged("缺少工作簿");
 }
 
 }  // namespace
@@ -190,8 +206,9 @@ std::unique_ptr<Workbook> ReadXlsx(const std::string& fileName) {
     std::string main = TargetOfType(ReadRelationships(package, "_rels/.rels"), "", "/officeDocument");
     // A package whose own relationships do not tell is asked for the usual name.
     if (main.empty()) main = "xl/workbook.xml";
+    if (main.ends_with(".bin")) FailForeignKind("二进制工作簿（.xlsb）");
     const auto mainPart = package.Open(main);
-    if (!mainPart) FailDamaged("缺少工作簿");
+    if (!mainPart) FailWithoutWorkbook(package);
     const std::vector<SheetEntry> entries = ReadWorkbookPart(*mainPart, *workbook);
     const Relationships relationships = ReadRelationships(package, RelationshipsName(main));
 

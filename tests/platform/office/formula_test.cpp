@@ -64,7 +64,7 @@ TEST(Formula, WhatIsNotSimpleIsNotAnswered) {
                                 "Sheet2!A1",
                                 "A1!B2",
                                 "VLOOKUP(1,A1:A3,1)",
-                                "IF(A1>0,1,2)",
+                                "IFS(A1>0,1,2)",
                                 "A1:A2",
                                 "SUM(A1:XFD1048576)",
                                 "10^400",
@@ -81,6 +81,24 @@ TEST(Formula, WhatIsNotSimpleIsNotAnswered) {
     }
     EXPECT_EQ(Calculated(std::string(100'000, '(')), "?");
     EXPECT_EQ(Calculated(std::string(100'000, '-') + "1"), "1");
+}
+
+TEST(Formula, ChoosesWithoutLookingAtTheBranchThatIsNotTaken) {
+    for (const auto& [formula, value] : std::vector<std::pair<const char*, const char*>>{
+             {"IF(A1=1,7,VLOOKUP(1,B:C,2))", "7"},
+             {"IF(A1<>1,VLOOKUP(\"),\",'a,b'!B:C,{1,2}),A2*2)", "4"},
+             {"IF(A5=\"\",\"\",B9)", "'"},
+             {"IF(A4=\"X\",A1,A2)", "1"},
+             {"IF(A1=\"x\",1,2)", "2"},
+             {"IF(A2>=2,IF(A3<3,1,5),9)+1", "6"},
+             {"IF(A1,\"a\"&\"b\",0)", "'ab"},
+             {"IF(A1>1,5)", "?"},
+             {"IF(A4>1,5,6)", "?"},
+             {"IF(A1=1,NOW(),1)", "?"},
+             {"IF(A1=1,1", "?"},
+             {"IF(A1=1)", "?"}}) {
+        EXPECT_EQ(Calculated(formula), value) << formula;
+    }
 }
 
 class FormulaCellsOfAFile : public testing::Test {
