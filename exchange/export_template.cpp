@@ -1,6 +1,8 @@
 #include "exchange/export_template.h"
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <optional>
 
 #include "automation/class_registry.h"
@@ -117,18 +119,94 @@ void WriteHeader(SheetCells& cells) {
     }
 }
 
-void WriteLines(TemplateWindow& window, SheetCells& cells, bool interactive) {
+// Digits that the column's numbers show behind the point: as many as its most exact one has, so that the
+// points stand below each other.
+class ShownDecimals {
+  public:
+    void Take(std::size_t place, const Variant& value) {
+        if (value.Type() != automation::VariantType::Double) return;
+        const std::string text = CanonicalNumber(value.ToDouble());
+        const std::size_t point = text.find('.');
+        if (point != std::string::npos) most_[place] = std::max(most_[place], text.size() - point - 1);
+    }
+    // With thousands separators; amounts have two decimals at least, none has more than its column.
+    std::string FormatOf(std::size_t place) const {
+        constexpr std::size_t kFewestOfAmounts = 2;
+        const store::ColumnSpec& spec = store::Column(kColumns[place].gridColumn);
+        const std::size_t fewest = spec.column == store::column::kQuantity ? 0 : kFewestOfAmounts;
+        const std::size_t decimals =
+            std::max(fewest, std::min(most_[place], static_cast<std::size_t>(spec.decimals)));
+        return "#,##0" + (decimals == 0 ? "" : "." + std::string(decimals, '0'));
+    }
+
+  private:
+    std::array<std::size_t, kColumnCount> most_{};
+};
+
+// Amounts, quantity and price; a rate is none.
+bool IsShownWithSeparators(const TemplateColumn& column) {
+    return column.type == CellType::Number && column.gridColumn != store::column::kRate;
+}
+
+ShownDecimals WriteLines(TemplateWindow& window, SheetCells& cells, bool interactive) {
+    ShownDecimals decimals;
     const std::int32_t lines = window.EntryLineCount();
     for (std::int32_t line = 1; line <= lines; ++line) {
         for (std::size_t i = 0; i < kColumns.size(); ++i) {
             auto value = CellValue(kColumns[i], window.EntryText(kColumns[i].gridColumn, line));
-            if (value) cells.SetValue(line + 1, static_cast<std::int32_t>(i + 1), std::move(*value));
+            if (!value) continue;
+            if (IsShownWithSeparators(kColumns[i])) decimals.Take(i, *value);
+            cells.SetValue(line + 1, static_cast<std::int32_t>(i + 1), std::move(*value));
         }
         if (interactive && (line % kLinesBetweenReports == 0 || line == lines) &&
             !window.ReportRows(line, lines)) {
             throw Cancelled();
         }
     }
+    return decimals;
+}
+
+// What makes a workbook print well is no reason to write none: servers that do not know it, or have no
+// printer to ask, leave it out.
+void IfKnown(const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const Error&) {
+        // As good without.
+    }
+}
+
+void FormatNumbers(const ObjectRef& sheet, const ShownDecimals& decimals) {
+    for (std::size_t i = 0; i < kColumns.size(); ++i) {
+        if (!IsShownWithSeparators(kColumns[i])) continue;
+        IfKnown([&] {
+            sheet->Get("Columns", {static_cast<std::int32_t>(i + 1)})
+                .AsObject()
+                ->Put("NumberFormat", decimals.FormatOf(i));
+        });
+    }
+}
+
+// Landscape, as wide as one page, the header on every page and always in sight.
+void LayOutPage(const ObjectRef& excel, const ObjectRef& sheet) {
+    constexpr std::int32_t kLandscape = 2;
+    constexpr std::int32_t kPaperA4 = 9;
+    const auto put = [&](const char* member, const Variant& value) {
+        IfKnown([&] { sheet->Get("PageSetup").AsObject()->Put(member, value); });
+    };
+    put("PaperSize", kPaperA4);
+    put("Orientation", kLandscape);
+    put("Zoom", false);
+    put("FitToPagesWide", 1);
+    put("FitToPagesTall", false);
+    put("PrintTitleRows", "$1:$1");
+    IfKnown([&] {
+        const ObjectRef shown = excel->Get("ActiveWindow").AsObject();
+        if (!shown) return;
+        shown->Put("SplitColumn", 0);
+        shown->Put("SplitRow", 1);
+        shown->Put("FreezePanes", true);
+    });
 }
 
 void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, TemplateWindow& window, bool interactive) {
@@ -136,7 +214,7 @@ void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, TemplateWindow& 
     WriteHeader(cells);
     sheet->Get("Columns", {static_cast<std::int32_t>(kAccountNumberColumn + 1)}).AsObject()->Call("Select");
     excel->Get("Selection").AsObject()->Put("NumberFormatLocal", "@");
-    WriteLines(window, cells, interactive);
+    FormatNumbers(sheet, WriteLines(window, cells, interactive));
     const ObjectRef block =
         sheet
             ->Get("Range",
@@ -147,6 +225,7 @@ void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, TemplateWindow& 
     block->Get("Borders").AsObject()->Put("LineStyle", kContinuousLine);
     sheet->Get("Columns", {"A:Q"}).AsObject()->Call("AutoFit");
     sheet->Call("Select");
+    LayOutPage(excel, sheet);
     cells.At(1, 1)->Call("Select");
 }
 

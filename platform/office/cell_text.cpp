@@ -54,4 +54,28 @@ std::string CellText(const Workbook& workbook, const Cell& cell) {
     return {};
 }
 
+std::string ShownText(const Workbook& workbook, const Cell& cell) {
+    constexpr std::string_view kGrouped = "#,##0";
+    constexpr int kMostDecimals = 30;
+    const std::string_view format = cell.kind == CellKind::Number
+                                        ? std::string_view(workbook.Formats().At(cell.format).numberFormat)
+                                        : std::string_view();
+    if (!format.starts_with(kGrouped)) return CellText(workbook, cell);
+    const std::string_view decimals = format.substr(kGrouped.size());
+    const bool fixed = decimals.empty() ||
+                       (decimals.size() > 1 && decimals.size() <= kMostDecimals && decimals.front() == '.' &&
+                        decimals.find_first_not_of('0', 1) == std::string_view::npos);
+    if (!fixed || std::fabs(cell.number) >= kLargestPlain) return CellText(workbook, cell);
+    std::array<char, 64> buffer{};
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), cell.number, std::chars_format::fixed,
+                      decimals.empty() ? 0 : static_cast<int>(decimals.size() - 1));
+    std::string text(buffer.data(), end.ptr);
+    const std::size_t first = text.front() == '-' ? 1 : 0;
+    const std::size_t point = std::min(text.find('.'), text.size());
+    for (std::size_t at = point; at > first + 3; at -= 3)
+        text.insert(at - 3, 1, ',');
+    return text;
+}
+
 }  // namespace vicenter::office

@@ -14,6 +14,10 @@ namespace vicenter::office {
 // ("0000") pads as it does on the sheet.
 std::string CellText(const Workbook& workbook, const Cell& cell);
 
+// As it is shown: numbers whose format has thousands separators or a fixed count of decimals ("#,##0.00")
+// come with them, everything else as CellText().
+std::string ShownText(const Workbook& workbook, const Cell& cell);
+
 // A number as one would type it: digits that read back as the same number.
 std::string NumberAsTyped(double value);
 

@@ -51,7 +51,7 @@ void AutoFitColumns(const Workbook& workbook, Sheet& sheet, std::uint32_t first,
             const double scale = size > 0 ? size / kStandardFontSize : 1;
             const std::size_t width = cell.kind == CellKind::Text
                                           ? DisplayWidth(workbook.Texts().At(cell.text))
-                                          : DisplayWidth(CellText(workbook, cell));
+                                          : DisplayWidth(ShownText(workbook, cell));
             double& widest = widths[cell.column - first];
             widest = std::max(widest, static_cast<double>(width) * scale + kMargin);
         }

@@ -3,6 +3,7 @@
 
 #include "automation/class_registry.h"
 #include "platform/office/excel_objects.h"
+#include "platform/office/excel_page.h"
 #include "platform/office/excel_server.h"
 
 namespace vicenter::office {
@@ -71,6 +72,12 @@ const MemberTable<ExcelApplication>& ExcelApplication::Members() {
                                    [](ExcelApplication& self, Arguments&) -> Variant {
                                        const auto workbook = self.ActiveWorkbook();
                                        return workbook ? ObjectRef(workbook->ActiveSheet()) : ObjectRef();
+                                   }),
+        Property<ExcelApplication>("ActiveWindow",
+                                   [](ExcelApplication& self, Arguments&) -> Variant {
+                                       const auto workbook = self.ActiveWorkbook();
+                                       if (!workbook) return ObjectRef();
+                                       return std::make_shared<ExcelWindow>(workbook->ActiveSheet());
                                    }),
         Property<ExcelApplication>(
             "Selection", [](ExcelApplication& self, Arguments&) -> Variant { return self.selection_; }),

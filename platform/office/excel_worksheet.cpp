@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "platform/office/excel_objects.h"
+#include "platform/office/excel_page.h"
 #include "platform/office/utf.h"
 
 namespace vicenter::office {
@@ -226,6 +227,10 @@ const MemberTable<ExcelWorksheet>& ExcelWorksheet::Members() {
             [](ExcelWorksheet& self, Arguments& a) {
                 self.Content().SetHidden(a[0].Value().ToInt32() != kSheetVisible);
             }),
+        Property<ExcelWorksheet>("PageSetup",
+                                 [](ExcelWorksheet& self, Arguments&) -> Variant {
+                                     return std::make_shared<ExcelPageSetup>(self.Self());
+                                 }),
         Property<ExcelWorksheet>("Parent",
                                  [](ExcelWorksheet& self, Arguments&) -> Variant { return self.workbook_; }),
         Method<ExcelWorksheet>("Select", {"Replace?"},

@@ -66,6 +66,20 @@ struct CellArea {
     std::uint32_t lastColumn = 0;
 };
 
+// How a sheet comes out of a printer, and what of it stays in sight.
+struct SheetPage {
+    std::uint16_t paper = 0;  // by the numbers that both file kinds have for paper; 0: the printer's own
+    bool landscape = false;
+    bool fits = false;           // to so many pages, instead of a scale
+    std::uint16_t fitsWide = 1;  // 0: as many as it takes
+    std::uint16_t fitsTall = 1;
+    std::uint32_t titleRows = 0;  // rows repeated on every page, from titleFirst on; 0: none
+    std::uint32_t titleFirst = 0;
+    std::uint32_t splitRows = 0;  // rows and columns above and left of a split
+    std::uint32_t splitColumns = 0;
+    bool frozen = false;  // the split is one that does not scroll
+};
+
 class Workbook;
 
 class Sheet {
@@ -80,6 +94,9 @@ class Sheet {
     const std::vector<Row>& Rows() const { return rows_; }
     const std::map<std::uint32_t, ColumnSetting>& Columns() const { return columns_; }
     ColumnSetting& ColumnAt(std::uint32_t column) { return columns_[column]; }
+
+    const SheetPage& Page() const { return page_; }
+    SheetPage& Page() { return page_; }
 
     // No object for a cell that holds neither a value nor a format of its own.
     const Cell* Find(std::uint32_t row, std::uint32_t column) const;
@@ -104,6 +121,7 @@ class Sheet {
     Workbook& workbook_;
     std::string name_;
     bool hidden_ = false;
+    SheetPage page_;
     std::vector<Row> rows_;
     std::map<std::uint32_t, ColumnSetting> columns_;
     CellArea used_;

@@ -165,8 +165,53 @@ class Writer {
             WriteUnits(out, name);
             if (i < sheetSizes.size()) place += sheetSizes[i];
         }
+        WritePrintTitles(out);
         WriteSharedTexts(out);
         out.Begin(xls::kEof, 0);
+    }
+
+    // The rows that are repeated on every page: a built-in name of the sheet for an area of this very
+    // workbook.
+    void WritePrintTitles(RecordWriter& out) const {
+        constexpr std::uint16_t kThisWorkbook = 0x0401;
+        constexpr std::uint16_t kBuiltIn = 0x0020;
+        constexpr std::uint8_t kPrintTitles = 0x07;
+        constexpr std::uint8_t kAreaOfSheet = 0x3B;
+        constexpr std::uint16_t kFormulaBytes = 11;
+        std::vector<std::uint16_t> titled;
+        for (std::size_t i = 0; i < workbook_.Sheets().size(); ++i) {
+            if (workbook_.Sheets()[i]->Page().titleRows > 0) titled.push_back(static_cast<std::uint16_t>(i));
+        }
+        if (titled.empty()) return;
+        out.Begin(xls::kSupportingBook, 4);
+        out.U16(static_cast<std::uint16_t>(workbook_.Sheets().size()));
+        out.U16(kThisWorkbook);
+        out.Begin(xls::kExternSheet, 2 + titled.size() * 6);
+        out.U16(static_cast<std::uint16_t>(titled.size()));
+        for (const std::uint16_t sheet : titled) {
+            out.U16(0);
+            out.U16(sheet);
+            out.U16(sheet);
+        }
+        for (std::size_t i = 0; i < titled.size(); ++i) {
+            const SheetPage& page = workbook_.Sheets()[titled[i]]->Page();
+            out.Begin(xls::kName, 16 + kFormulaBytes);
+            out.U16(kBuiltIn);
+            out.U8(0);
+            out.U8(1);
+            out.U16(kFormulaBytes);
+            out.U16(0);
+            out.U16(static_cast<std::uint16_t>(titled[i] + 1));
+            out.U32(0);
+            out.U8(0);
+            out.U8(kPrintTitles);
+            out.U8(kAreaOfSheet);
+            out.U16(static_cast<std::uint16_t>(i));
+            out.U16(static_cast<std::uint16_t>(page.titleFirst));
+            out.U16(static_cast<std::uint16_t>(page.titleFirst + page.titleRows - 1));
+            out.U16(0);
+            out.U16(static_cast<std::uint16_t>(kMaxXlsColumns - 1));
+        }
     }
 
     static void WriteFont(RecordWriter& out, const Font& font) {
@@ -285,6 +330,7 @@ class Writer {
         out.Begin(xls::kDefaultRowHeight, 4);
         out.U16(0);
         out.U16(kStandardRowHeight);
+        WritePage(out, sheet.Page());
         WriteShort(out, xls::kDefaultColumnWidth, 8);
         for (const auto& [column, setting] : sheet.Columns()) {
             if (column >= kMaxXlsColumns) break;
@@ -308,21 +354,67 @@ class Writer {
         for (std::size_t r = 0; r < sheet.Rows().size(); ++r) {
             WriteRow(out, static_cast<std::uint16_t>(r), sheet.Rows()[r]);
         }
+        const std::uint8_t pane = WriteView(out, sheet.Page(), active);
+        out.Begin(xls::kSelection, 15);
+        out.U8(pane);
+        for (const int value : {0, 0, 0, 1, 0, 0})
+            out.U16(static_cast<std::uint16_t>(value));
+        out.U8(0);
+        out.U8(0);
+        out.Begin(xls::kEof, 0);
+    }
+
+    static void WritePage(RecordWriter& out, const SheetPage& page) {
+        constexpr std::uint16_t kUsualFlags = 0x04C1;
+        constexpr std::uint16_t kFitsPages = 0x0100;
+        constexpr std::uint16_t kPortrait = 0x0002;
+        constexpr std::uint16_t kA4 = 9;
+        constexpr std::uint16_t kDotsPerInch = 600;
+        constexpr double kHeaderInches = 0.3;
+        if (!page.landscape && !page.fits && page.paper == 0) return;
+        WriteShort(out, xls::kSheetFlags, page.fits ? kUsualFlags | kFitsPages : kUsualFlags);
+        out.Begin(xls::kPageSetup, 34);
+        out.U16(page.paper != 0 ? page.paper : kA4);
+        out.U16(100);
+        out.U16(1);
+        out.U16(page.fitsWide);
+        out.U16(page.fitsTall);
+        out.U16(page.landscape ? 0 : kPortrait);
+        out.U16(kDotsPerInch);
+        out.U16(kDotsPerInch);
+        out.F64(kHeaderInches);
+        out.F64(kHeaderInches);
+        out.U16(1);
+    }
+
+    // The window on the sheet; the number of the pane that the selection is in.
+    static std::uint8_t WriteView(RecordWriter& out, const SheetPage& page, bool active) {
+        constexpr std::uint16_t kUsualView = 0x00B6;
+        constexpr std::uint16_t kSelectedAndShown = 0x0600;
+        constexpr std::uint16_t kFrozen = 0x0108;
+        const bool frozen = page.frozen && (page.splitRows > 0 || page.splitColumns > 0);
         out.Begin(xls::kWindow2, 18);
-        out.U16(active ? 0x06B6 : 0x00B6);
+        out.U16(static_cast<std::uint16_t>(kUsualView | (active ? kSelectedAndShown : 0) |
+                                           (frozen ? kFrozen : 0)));
         out.U16(0);
         out.U16(0);
         out.U32(64);
         out.U16(0);
         out.U16(0);
         out.U32(0);
-        out.Begin(xls::kSelection, 15);
-        out.U8(3);
-        for (const int value : {0, 0, 0, 1, 0, 0})
-            out.U16(static_cast<std::uint16_t>(value));
+        // Bottom right 0, top right 1, bottom left 2, top left 3.
+        std::uint8_t pane = 3;
+        if (!frozen) return pane;
+        if (page.splitRows > 0) pane = static_cast<std::uint8_t>(pane - 1);
+        if (page.splitColumns > 0) pane = static_cast<std::uint8_t>(pane - 2);
+        const auto rows = static_cast<std::uint16_t>(page.splitRows);
+        const auto columns = static_cast<std::uint16_t>(page.splitColumns);
+        out.Begin(xls::kPane, 10);
+        for (const std::uint16_t value : {columns, rows, rows, columns})
+            out.U16(value);
+        out.U8(pane);
         out.U8(0);
-        out.U8(0);
-        out.Begin(xls::kEof, 0);
+        return pane;
     }
 
     void WriteRow(RecordWriter& out, std::uint16_t row, const Row& cells) {

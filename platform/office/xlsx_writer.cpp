@@ -42,6 +42,31 @@ bool NeedsSpaceKept(std::string_view text) {
     return !text.empty() && (isSpace(text.front()) || isSpace(text.back()) || text.find('\n') != text.npos);
 }
 
+// A pane that does not scroll, if the sheet has one, and the beginning of its selection.
+std::string PaneXml(const SheetPage& page) {
+    if (!page.frozen || (page.splitRows == 0 && page.splitColumns == 0)) return "<selection";
+    const std::string pane = page.splitColumns == 0 ? "bottomLeft"
+                             : page.splitRows == 0  ? "topRight"
+                                                    : "bottomRight";
+    std::string xml = "<pane";
+    if (page.splitColumns > 0) xml += " xSplit=\"" + std::to_string(page.splitColumns) + "\"";
+    if (page.splitRows > 0) xml += " ySplit=\"" + std::to_string(page.splitRows) + "\"";
+    return xml + " topLeftCell=\"" + ColumnLetters(page.splitColumns + 1) +
+           std::to_string(page.splitRows + 1) + "\" activePane=\"" + pane +
+           "\" state=\"frozen\"/><selection pane=\"" + pane + "\"";
+}
+
+std::string PageSetupXml(const SheetPage& page) {
+    if (!page.landscape && !page.fits && page.paper == 0) return {};
+    std::string xml = "<pageSetup";
+    if (page.paper != 0) xml += " paperSize=\"" + std::to_string(page.paper) + "\"";
+    if (page.fits) {
+        xml += " fitToWidth=\"" + std::to_string(page.fitsWide) + "\" fitToHeight=\"" +
+               std::to_string(page.fitsTall) + "\"";
+    }
+    return xml + (page.landscape ? " orientation=\"landscape\"/>" : "/>");
+}
+
 class Writer {
   public:
     Writer(const Workbook& workbook, const std::string& fileName) : workbook_(workbook), zip_(fileName) {}
@@ -107,23 +132,24 @@ class Writer {
                      "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
                      "<Relationship Id=\"rId1\" Type=\"" VICENTER_RELATION_NAMESPACE
                      "/officeDocument\" Target=\"xl/workbook.xml\"/></Relationships>");
-        zip_.Add("xl/workbook.xml", book + "</sheets></workbook>");
+        zip_.Add("xl/workbook.xml", book + "</sheets>" + PrintTitlesXml() + "</workbook>");
         zip_.Add("xl/_rels/workbook.xml.rels", relations + "</Relationships>");
     }
 
     void WriteSheet(const Sheet& sheet, bool active) {
         const CellArea used = sheet.UsedArea();
         std::string xml(kDeclaration);
-        xml += "<worksheet xmlns=\"" VICENTER_MAIN_NAMESPACE "\"><dimension ref=\"" +
-               ColumnLetters(used.firstColumn + 1) + std::to_string(used.firstRow + 1);
+        xml += "<worksheet xmlns=\"" VICENTER_MAIN_NAMESPACE "\">";
+        if (sheet.Page().fits) xml += "<sheetPr><pageSetUpPr fitToPage=\"1\"/></sheetPr>";
+        xml += "<dimension ref=\"" + ColumnLetters(used.firstColumn + 1) + std::to_string(used.firstRow + 1);
         if (used.lastRow > used.firstRow || used.lastColumn > used.firstColumn) {
             xml += ":" + ColumnLetters(used.lastColumn + 1) + std::to_string(used.lastRow + 1);
         }
         xml += "\"/><sheetViews><sheetView";
         if (active) xml += " tabSelected=\"1\"";
-        xml +=
-            " workbookViewId=\"0\"><selection activeCell=\"A1\" sqref=\"A1\"/></sheetView></sheetViews>"
-            "<sheetFormatPr defaultRowHeight=\"13.5\"/>";
+        xml += " workbookViewId=\"0\">" + PaneXml(sheet.Page()) +
+               " activeCell=\"A1\" sqref=\"A1\"/></sheetView></sheetViews>"
+               "<sheetFormatPr defaultRowHeight=\"13.5\"/>";
         WriteColumns(sheet, xml);
         xml += "<sheetData>";
 
@@ -152,10 +178,30 @@ class Writer {
                 xml.clear();
             }
         }
-        xml +=
-            "</sheetData><pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" header=\"0.3\" "
-            "footer=\"0.3\"/></worksheet>";
+        xml += std::string(
+                   "</sheetData><pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" "
+                   "header=\"0.3\" "
+                   "footer=\"0.3\"/>") +
+               PageSetupXml(sheet.Page()) + "</worksheet>";
         zip_.Write(xml);
+    }
+
+    // The rows that are repeated on every page are a name that the file kind has a word for.
+    std::string PrintTitlesXml() const {
+        std::string names;
+        for (std::size_t i = 0; i < workbook_.Sheets().size(); ++i) {
+            const Sheet& sheet = *workbook_.Sheets()[i];
+            const SheetPage& page = sheet.Page();
+            if (page.titleRows == 0) continue;
+            std::string quoted;
+            for (const char c : sheet.Name())
+                quoted += c == '\'' ? "''" : std::string(1, c);
+            names += "<definedName name=\"_xlnm.Print_Titles\" localSheetId=\"" + std::to_string(i) + "\">";
+            AppendXmlEscaped(names, "'" + quoted + "'!$" + std::to_string(page.titleFirst + 1) + ":$" +
+                                        std::to_string(page.titleFirst + page.titleRows));
+            names += "</definedName>";
+        }
+        return names.empty() ? names : "<definedNames>" + names + "</definedNames>";
     }
 
     void WriteCell(const Cell& cell, std::string& xml) {

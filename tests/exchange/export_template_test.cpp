@@ -1,6 +1,8 @@
 #include "exchange/export_template.h"
 
 #include "exchange/excel_access.h"
+#include "platform/office/excel_objects.h"
+#include "platform/office/xlsx_package.h"
 #include "tests/exchange/exchange_fixture.h"
 
 namespace vicenter::exchange {
@@ -277,6 +279,94 @@ TEST_F(ExportTest, ReportsLinesDoneOfLinesInAll) {
     EXPECT_EQ(window_.told[1], "rows 200/450");
     EXPECT_EQ(window_.told[2], "rows 400/450");
     EXPECT_EQ(window_.told[3], "rows 450/450");
+}
+
+// A server that knows nothing of pages, windows and number formats, as an old or a foreign one: everything
+// else goes to the built-in one.
+class Lacking : public automation::Object {
+  public:
+    explicit Lacking(automation::ObjectRef inner) : inner_(std::move(inner)) {}
+    std::string TypeName() const override { return inner_->TypeName(); }
+    bool HasMember(std::string_view name) const override { return inner_->HasMember(name); }
+    Variant Invoke(std::string_view name, automation::InvokeKind kind, Arguments& arguments) override {
+        for (const char* unknown : {"PageSetup", "ActiveWindow", "NumberFormat"}) {
+            if (name == unknown) throw automation::Error(automation::error_number::kNoSuchMember);
+        }
+        Arguments inner;
+        for (const automation::Argument& argument : arguments) {
+            const Variant& value = argument.Value();
+            const auto wrapped =
+                value.IsObject() ? std::dynamic_pointer_cast<Lacking>(value.AsObject()) : nullptr;
+            const Variant plain = wrapped ? Variant(wrapped->inner_) : value;
+            inner.push_back(argument.Name().empty() ? automation::Argument(plain)
+                                                    : automation::Argument::Named(argument.Name(), plain));
+        }
+        const Variant result = inner_->Invoke(name, kind, inner);
+        if (!result.IsObject() || !result.AsObject()) return result;
+        return std::make_shared<Lacking>(result.AsObject());
+    }
+
+  private:
+    automation::ObjectRef inner_;
+};
+
+class PrintedExport : public ExportTest {
+  protected:
+    void SetUp() override {
+        ExportTest::SetUp();
+        window_.AddLine({"1", "a", "借", "1001", "n", "2", "", "", "", "", "7.1234", "12.5", "", "3", "0.1",
+                         "1234567.89"});
+        window_.AddLine(
+            {"1", "b", "贷", "1002", "m", "", "", "", "", "", "", "1e20", "", "1.25", "0.12345678901", "-5"});
+    }
+    static std::string FormatAt(const office::Workbook& workbook, std::uint32_t column) {
+        return workbook.Formats().At(workbook.Sheets()[0]->Find(1, column)->format).numberFormat;
+    }
+    std::string SheetXml() {
+        const office::XlsxPackage package(folder_.File("a.xlsx"));
+        const auto part = package.Open("xl/worksheets/sheet1.xml");
+        std::string text(1 << 16, '\0');
+        text.resize(part->Read(text.data(), text.size()));
+        return text;
+    }
+};
+
+TEST_F(PrintedExport, ShowsAmountsWithSeparatorsAndKeepsTheirValues) {
+    for (const char* name : {"a.xls", "a.xlsx"}) {
+        const auto workbook = Exported(name);
+        EXPECT_EQ(FormatAt(*workbook, 0), "");
+        EXPECT_EQ(FormatAt(*workbook, 3), "@");
+        EXPECT_EQ(FormatAt(*workbook, 10), "");
+        EXPECT_EQ(FormatAt(*workbook, 11), "#,##0.00");
+        EXPECT_EQ(FormatAt(*workbook, 13), "#,##0.00");
+        EXPECT_EQ(FormatAt(*workbook, 14), "#,##0.0000000000");
+        EXPECT_EQ(FormatAt(*workbook, 15), "#,##0.00");
+        EXPECT_EQ(workbook->Sheets()[0]->Find(1, 15)->number, 1234567.89);
+        EXPECT_EQ(workbook->Sheets()[0]->Find(2, 14)->number, 0.12345678901);
+        // "1,234,567.89" in the smaller letters, and the margin.
+    }
+    // "1,234,567.89" in the smaller letters, and the margin.
+    EXPECT_NE(SheetXml().find("<col min=\"16\" max=\"16\" width=\"12.4"), std::string::npos) << SheetXml();
+}
+
+TEST_F(PrintedExport, IsLandscapeOnePageWideWithItsHeaderOnEveryPageAndInSight) {
+    Exported("a.xlsx");
+    const std::string xml = SheetXml();
+    for (const char* part :
+         {"<pageSetUpPr fitToPage=\"1\"/>", "<pane ySplit=\"1\" topLeftCell=\"A2\"",
+          "<pageSetup paperSize=\"9\" fitToWidth=\"1\" fitToHeight=\"0\" orientation=\"landscape\"/>"}) {
+        EXPECT_NE(xml.find(part), std::string::npos) << part;
+    }
+}
+
+TEST_F(PrintedExport, ComesAboutOnAServerThatKnowsNothingOfPages) {
+    automation::ClassRegistry::Process().Register("Excel.Application", []() -> automation::ObjectRef {
+        return std::make_shared<Lacking>(std::make_shared<office::ExcelApplication>("11.0"));
+    });
+    const auto workbook = Exported("a.xls");
+    EXPECT_EQ(FormatAt(*workbook, 15), "");
+    EXPECT_EQ(RowOf(*workbook, 1)[15], "1234567.89");
+    EXPECT_EQ(Messages(), Lines{"模板引出成功！"});
 }
 
 }  // namespace

@@ -113,7 +113,10 @@ TEST_F(CompoundFile, EveryTruncationIsRefused) {
     const std::string whole = FileBytes(File());
     for (std::size_t size = 0; size < whole.size(); size += 256) {
         WriteBytes(File(), whole.substr(0, size));
-        EXPECT_EQ(Fault(), "文件已损坏或不是有效的 Excel 文件：复合文档") << size;
+        const std::string fault = Fault();
+        if (fault != "文件不完整，可能没有下载或复制完，请重新取得该文件！") {
+            EXPECT_EQ(fault, "文件已损坏或不是有效的 Excel 文件：复合文档") << size;
+        }
     }
 }
 
