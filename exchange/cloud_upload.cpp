@@ -41,30 +41,30 @@ void UploadTemplateCommand() {
 }
 
 void UploadTemplateFile(const std::string& filePath, const std::string& fileName, std::string& resultText) {
-    constexpr const char* kPutFailed = "模板文件上传过程中出现异常，上传失败！";
+    // What the step under way says when it fails, by its answer or by an exception.
+    resultText = "模板文件上传过程中出现异常，上传失败！";
     try {
+        const std::string putFailed = resultText;
         const ObjectRef drive = automation::CreateObject(kDriveProgId);
+        resultText = "个人云盘获取'凭证模板'目录时出现异常，查找目录失败！";
         std::int32_t folder = drive->Call("NXDrive_CheckDir", {DriveContext(), 0, kFolderName}).ToInt32();
-        if (folder < 0) {
-            resultText = "个人云盘获取'凭证模板'目录时出现异常，查找目录失败！";
-            return;
-        }
+        if (folder < 0) return;
         if (folder == kFolderNotFound) {
+            resultText = "个人云盘创建'凭证模板'目录时出现异常，目录创建失败！";
             folder = drive->Call("NXDrive_NewDir", {DriveContext(), 0, kFolderName}).ToInt32();
-            if (folder < 0) {
-                resultText = "个人云盘创建'凭证模板'目录时出现异常，目录创建失败！";
-                return;
-            }
+            if (folder < 0) return;
         }
+        resultText = putFailed;
         const Variant result = drive->Call("NXDrive_PutFile", {folder, filePath, fileName});
-        if (!result.IsObject() || !result.AsObject()) {
-            resultText = kPutFailed;
-            return;
-        }
+        if (!result.IsObject() || !result.AsObject()) return;
+        // The drive has no operation that takes a file back: it stays, and the user is told.
+        resultText =
+            "模板文件“" + fileName +
+            "”已上传到个人云盘的'凭证模板'目录，但上传记录保存失败，请在云盘中删除该文件后重新上传！";
         RecordUploadedFile(result.AsObject());
         resultText = "success";
     } catch (const Error&) {
-        resultText = kPutFailed;
+        // The text of the step stands.
     }
 }
 

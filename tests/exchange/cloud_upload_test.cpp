@@ -62,5 +62,28 @@ TEST_F(CloudUploadTest, TellsWhichStepFailed) {
     EXPECT_TRUE(Messages().empty());
 }
 
+TEST_F(CloudUploadTest, TellsWhichStepFailedByAnException) {
+    const auto fails = [](Arguments&) -> Variant { throw automation::Error(1, "network"); };
+    drive_->On("NXDrive_CheckDir", fails);
+    EXPECT_EQ(Upload(), "个人云盘获取'凭证模板'目录时出现异常，查找目录失败！");
+    drive_->Value("NXDrive_CheckDir", 2002).On("NXDrive_NewDir", fails);
+    EXPECT_EQ(Upload(), "个人云盘创建'凭证模板'目录时出现异常，目录创建失败！");
+    drive_->Value("NXDrive_NewDir", 55).On("NXDrive_PutFile", fails);
+    EXPECT_EQ(Upload(), "模板文件上传过程中出现异常，上传失败！");
+    EXPECT_TRUE(records_->Calls().empty());
+}
+
+TEST_F(CloudUploadTest, TellsOfAFileOnTheDriveWhoseRecordFailed) {
+    const std::string told =
+        "模板文件“a.xls”已上传到个人云盘的'凭证模板'"
+        "目录，但上传记录保存失败，请在云盘中删除该文件后重新上传！";
+    records_->On("InsertCDFile", [](Arguments&) -> Variant { throw automation::Error(1, "no table"); });
+    EXPECT_EQ(Upload(), told);
+    const auto nameless = std::make_shared<fakes::ScriptedObject>("Result");
+    nameless->Value("folder_id", 12);
+    drive_->Value("NXDrive_PutFile", nameless);
+    EXPECT_EQ(Upload(), told);
+}
+
 }  // namespace
 }  // namespace vicenter::exchange
