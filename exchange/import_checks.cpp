@@ -4,6 +4,7 @@
 #include "entry/sql_text.h"
 #include "exchange/cell_reading.h"
 #include "platform/system/collation.h"
+#include "store/column_room.h"
 
 namespace vicenter::exchange {
 
@@ -50,27 +51,42 @@ bool CheckRequiredColumns(std::string_view seen, std::string& missing) {
     return all;
 }
 
-bool CheckImportCell(std::string_view text, CellType type, bool required) {
-    if (text.empty()) return !required;
+std::string WhyNotStored(const TemplateColumn& column, std::string_view text) {
+    if (text.empty()) return {};
+    const store::ColumnSpec& spec = store::Column(column.gridColumn);
+    if (column.type != CellType::Number) {
+        // Whole numbers have a narrower rule of their own.
+        return column.type == CellType::Text ? store::WhyNoRoom(spec, text) : std::string();
+    }
+    const auto number = ReadTypedNumber(text);
+    return number ? store::WhyNoRoom(spec, CanonicalNumber(*number)) : std::string();
+}
+
+std::string WhyNotInCell(std::string_view text, CellType type, bool required) {
+    if (text.empty()) return required ? "不允许为空" : "";
     switch (type) {
         case CellType::Text:
-            return true;
+            return {};
         case CellType::DebitCredit:
-            return ReadDebit(text).has_value();
+            return ReadDebit(text) ? "" : "必须是“借”或“贷”";
         case CellType::Number:
-            return ReadTypedNumber(text).has_value();
+            return ReadTypedNumber(text) ? "" : "必须是数字";
         case CellType::WholeNumber: {
             const auto number = ReadTypedNumber(text);
-            if (!number) return false;
+            if (!number) return "必须是整数";
             try {
                 automation::Variant(*number).ToInt16();
-                return true;
+                return {};
             } catch (const automation::Error&) {
-                return false;
+                return "必须是-32768到32767之间的整数";
             }
         }
     }
-    return false;
+    return "必须是数字";
+}
+
+bool CheckImportCell(std::string_view text, CellType type, bool required) {
+    return WhyNotInCell(text, type, required).empty();
 }
 
 }  // namespace vicenter::exchange

@@ -19,6 +19,12 @@ bool MapImportHeader(std::string_view header, std::string& errorText, std::strin
 // Appends every required header that is not in `seen` to `missing`, joined by ",". Whether all were found.
 bool CheckRequiredColumns(std::string_view seen, std::string& missing);
 
+// Why the text may not stand in a cell of that type, for lists of faults; the empty text when it may.
+std::string WhyNotInCell(std::string_view text, CellType type, bool required);
+// Why no account set could hold what the cell means: a text too long, a number too large for its field. The
+// empty text when it can, or when the cell's type refuses the text anyway.
+std::string WhyNotStored(const TemplateColumn& column, std::string_view text);
+
 // Whether the text may stand in a cell of that type.
 bool CheckImportCell(std::string_view text, CellType type, bool required);
 

@@ -134,12 +134,17 @@ bool ImportRows::IsFirstOfItsNumber() {
     return numbersMet_.insert(std::move(number)).second;
 }
 
-void ImportRows::CheckExplanation(std::int32_t row, std::size_t index, std::string& values,
-                                  std::string& errorText) {
-    if (IsFirstOfItsNumber() && texts_[index].text.empty()) {
-        errorText += ErrorPlace(row, index) + "(相同凭证模板编号首行摘要不允许为空)，" + entry::kCrLf;
-    }
-    values += entry::SqlQuote(texts_[index].text, true, true);
+std::string ImportRows::WhyNot(std::size_t index, bool& told) {
+    const ReadText& read = texts_[index];
+    const TemplateColumn& column = kColumns[columns_[index]];
+    const bool isExplanation = columns_[index] == kExplanationColumn;
+    const bool isFirst = isExplanation && IsFirstOfItsNumber();
+    told = true;
+    if (read.fault != nullptr) return read.fault;
+    if (isFirst && read.text.empty()) return "相同凭证模板编号首行摘要不允许为空";
+    if (std::string why = WhyNotStored(column, read.text); !why.empty()) return why;
+    told = false;
+    return WhyNotInCell(read.text, column.type, column.required);
 }
 
 void ImportRows::ValidateImportRow(std::int32_t row, std::string& values, std::string& errorText) {
@@ -147,21 +152,16 @@ void ImportRows::ValidateImportRow(std::int32_t row, std::string& values, std::s
     values.clear();
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         if (i > 0) values += ',';
-        if (texts_[i].fault != nullptr) {
-            if (columns_[i] == kExplanationColumn) IsFirstOfItsNumber();
-            errorText += ErrorPlace(row, i) + "(" + texts_[i].fault + ")，" + entry::kCrLf;
-            continue;
-        }
-        if (columns_[i] == kExplanationColumn) {
-            CheckExplanation(row, i, values, errorText);
-            continue;
-        }
         const TemplateColumn& column = kColumns[columns_[i]];
-        if (CheckImportCell(texts_[i].text, column.type, column.required)) {
+        bool told = false;
+        std::string why = WhyNot(i, told);
+        if (why.empty()) {
             values += SqlOf(column, texts_[i].text);
-        } else {
-            errorText += ErrorPlace(row, i) + "，" + entry::kCrLf;
+            continue;
         }
+        errorText += ErrorPlace(row, i) + (told ? "(" + why + ")，" : "，") + entry::kCrLf;
+        faults_.push_back({row, static_cast<std::int32_t>(i + 1), std::string(column.header), texts_[i].text,
+                           std::move(why)});
     }
 }
 

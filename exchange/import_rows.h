@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "exchange/excel_access.h"
+#include "exchange/import_outcome.h"
 #include "exchange/template_columns.h"
 
 namespace vicenter::exchange {
@@ -24,6 +26,8 @@ class ImportRows {
     // Checks the row: its errors are appended to errorText, and `values` becomes the list of values of its
     // insert, in the sheet's order of columns. Reads the row unless it is the one that ReadRow() read last.
     void ValidateImportRow(std::int32_t row, std::string& values, std::string& errorText);
+    // What has been found in all rows so far, with the value and the reason of each.
+    std::vector<ImportFault> TakeFaults() { return std::move(faults_); }
 
   private:
     // What was read of one cell.
@@ -35,7 +39,8 @@ class ImportRows {
     // The fault of a cell beyond what its column checks; none: no object.
     static const char* FaultOf(const automation::Variant& value, CellType type);
     bool IsFirstOfItsNumber();
-    void CheckExplanation(std::int32_t row, std::size_t index, std::string& values, std::string& errorText);
+    // Why the cell at that place cannot be imported; the empty text when it can. `told`: the message says it.
+    std::string WhyNot(std::size_t index, bool& told);
 
     SheetCells cells_;
     std::vector<std::size_t> columns_;  // places in kColumns, by the sheet's columns
@@ -43,6 +48,7 @@ class ImportRows {
     std::int32_t row_ = 0;
     std::size_t numberIndex_ = 0;
     std::set<std::string, std::less<>> numbersMet_;
+    std::vector<ImportFault> faults_;
 };
 
 }  // namespace vicenter::exchange

@@ -38,7 +38,8 @@ class ImportTest : public ExchangeTest {
         set_.Answer("from t_VchTpControl where FIsCanUsed", Rows({"FNo"}));
     }
     bool Import(const std::string& file, std::int32_t existing = -1) {
-        return ImportTemplateWorkbook(window_, file, existing, "甲's");
+        outcome_ = ImportTemplateWorkbook(window_, file, existing, "甲's");
+        return outcome_.written;
     }
     bool ImportRowsOf(const std::vector<Lines>& rows) { return Import(MakeWorkbook("a.xlsx", rows)); }
     // What is sent after the question about lines that lie in a new template's way.
@@ -54,7 +55,19 @@ class ImportTest : public ExchangeTest {
         EXPECT_TRUE(set_.Statements().empty());
         EXPECT_EQ(window_.told.back(), "hide");
         EXPECT_TRUE(TemporaryFiles().empty());
+        EXPECT_EQ(outcome_.refusal, message);
     }
+    // The faults of the last import, one a line.
+    Lines Faults() const {
+        Lines lines;
+        for (const ImportFault& fault : outcome_.faults) {
+            lines.push_back(std::to_string(fault.row) + "," + std::to_string(fault.column) + " " +
+                            fault.header + " [" + fault.value + "] " + fault.reason);
+        }
+        return lines;
+    }
+
+    ImportOutcome outcome_;
 };
 
 TEST_F(ImportTest, TellsThatExcelIsMissing) {
@@ -114,8 +127,9 @@ TEST_F(ImportTest, AsksBeforeItReplacesATemplate) {
 class NameOfAnother : public ImportTest {
   protected:
     bool ImportNamed(const std::string& name) {
-        return ImportTemplateFile(window_,
-                                  MakeWorkbook(name, {kShortHeaders, {"#1", "a", "借", "1001", "b"}}));
+        outcome_ =
+            ImportTemplateFile(window_, MakeWorkbook(name, {kShortHeaders, {"#1", "a", "借", "1001", "b"}}));
+        return outcome_.written;
     }
     void Owned(int id, int owner) {
         set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{id}}));
@@ -258,11 +272,13 @@ TEST_F(ImportTest, TellsEveryFaultyHeader) {
         "引入模板失败！模板文件结构不正确: "
         "\r\n第C列[备注]存在同名列！\r\n第D列[x]列名错误！\r\n第E列[]列名错误！\r\n",
         "Orbis提示");
+    EXPECT_EQ(Faults(), (Lines{"1,3 备注 [备注] 存在同名列", "1,4 x [x] 列名错误", "1,5  [] 列名错误"}));
 }
 
 TEST_F(ImportTest, NeverSeesTheLastHeaderAmongTheRequired) {
     EXPECT_FALSE(ImportRowsOf({{"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)"}}));
     ExpectNothingWritten("引入模板失败！模板文件结构不正确,缺少必录列: 科目名称(*)", "Orbis提示");
+    EXPECT_EQ(Faults(), Lines{"1,0 科目名称(*) [] 必录列不能是最后一列"});
 }
 
 TEST_F(ImportTest, ListsEveryMissingColumn) {
@@ -285,6 +301,11 @@ TEST_F(ImportTest, ReportsEveryFaultyCellAtOnce) {
         "第3行，第N列值存在错误，\r\n",
         "Orbis提示");
     EXPECT_TRUE(log_->Calls().empty());
+    EXPECT_EQ(Faults(),
+              (Lines{"2,2 摘要(*) [] 相同凭证模板编号首行摘要不允许为空", "3,1 模板编号(*) [x] 必须是整数",
+                     "3,3 借/贷(*) [借方] 必须是“借”或“贷”", "3,4 科目代码(*) [] 不允许为空",
+                     "3,5 科目名称(*) [] 不允许为空", "3,6 附件数 [40000] 必须是-32768到32767之间的整数",
+                     "3,11 汇率 [abc] 必须是数字", "3,14 数量 [2024-01-02] 必须是数字"}));
 }
 
 TEST_F(ImportTest, TakesDatesBooleansAndErrorsInNumberColumnsForErrors) {
@@ -447,18 +468,123 @@ TEST_F(ImportTest, WritesNothingWhenCancelled) {
     EXPECT_TRUE(TemporaryFiles().empty());
 }
 
-TEST_F(ImportTest, FailsPlainlyOnFilesThatAreNoWorkbooks) {
-    std::ofstream(folder_.File("bad.xls")) << "no workbook";
-    EXPECT_FALSE(Import(folder_.File("bad.xls")));
-    ExpectNothingWritten("引入模板失败！", "信息提示");
-    EXPECT_EQ(log_->Calls(), Lines{"WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败)"});
+// The box keeps its fixed words; why stands in the list of faults and in the log.
+TEST_F(ImportTest, FailsPlainlyOnFilesThatAreNoWorkbooksAndKeepsTheReason) {
+    const std::vector<std::pair<std::string, std::string>> files = {
+        {"no workbook",
+         "文件实际上是文本，不是 Excel 工作簿，请用 Excel 打开后另存为“Excel 工作簿（.xlsx）”！"},
+        {"\xEF\xBB\xBF\r\n<HTML><table><tr><td>1</td></tr></table></html>",
+         "文件实际上是网页（HTML），不是 Excel 工作簿，请用 Excel 打开后另存为“Excel 工作簿（.xlsx）”！"},
+        {"", "文件是空的，没有任何内容！"},
+    };
+    for (const auto& [content, reason] : files) {
+        surroundings_.messageBoxes->shown.clear();
+        log_->ForgetCalls();
+        std::ofstream(folder_.File("bad.xls"), std::ios::trunc) << content;
+        EXPECT_FALSE(Import(folder_.File("bad.xls")));
+        ExpectNothingWritten("引入模板失败！", "信息提示");
+        EXPECT_EQ(outcome_.reason, reason);
+        EXPECT_EQ(Faults(), Lines{"0,0  [] " + reason});
+        EXPECT_EQ(log_->Calls(),
+                  (Lines{"WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败)",
+                         "WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败原因：" + reason + ")"}));
+    }
+}
+
+// Found before anything is written, and told by row and column: what the account set has no room for.
+TEST_F(ImportTest, RefusesTextsTooLongAndNumbersTooLarge) {
+    const auto repeated = [](const char* piece, int count) {
+        std::string text;
+        for (int i = 0; i < count; ++i)
+            text += piece;
+        return text;
+    };
+    const Lines headers = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)",
+                           "科目名称(*)", "汇率",    "金额",     "备注"};
+    // The most that fits: blanks at the ends are no part of it, a character beyond the first plane counts
+    // two.
+    EXPECT_TRUE(
+        ImportRowsOf({headers,
+                      {"#1", repeated("长", 255), "借", repeated("1", 80), repeated("𠮷", 80),
+                       "99999999999999999", "99999999999999999999999", " " + repeated("备", 80) + " "}}))
+        << Messages().back();
+    surroundings_.messageBoxes->shown.clear();
+    set_.Forget();
+    EXPECT_FALSE(ImportRowsOf({headers,
+                               {"#1", repeated("长", 256), "借", repeated("1", 81), repeated("𠮷", 81),
+                                "1000000000000000000", "#1e24", repeated("备", 81)},
+                               {"#1", "", "贷", "1", "n", "-1e300", "99999999999999999999999.9999", ""}}));
+    ExpectNothingWritten(
+        "引入模板失败！模板文件数据存在以下错误: 第2行，第B列值存在错误(长度不能超过255个字符)，\r\n"
+        "第2行，第D列值存在错误(长度不能超过80个字符)，\r\n第2行，第E列值存在错误(长度不能超过160个字符)"
+        "，\r\n"
+        "第2行，第F列值存在错误(数字过大，整数部分不能超过18位)，\r\n"
+        "第2行，第G列值存在错误(数字过大，整数部分不能超过24位)，\r\n"
+        "第2行，第H列值存在错误(长度不能超过80个字符)，\r\n"
+        "第3行，第F列值存在错误(数字过大，整数部分不能超过18位)，\r\n",
+        "Orbis提示");
+    EXPECT_EQ(Faults().back(), "3,6 汇率 [-1e300] 数字过大，整数部分不能超过18位");
+}
+
+class HeaderOnly : public ImportTest {
+  protected:
+    static constexpr const char* kQuestion =
+        "模板[甲's]现有 3 行分录，而引入文件中没有分录，引入后该模板将被清空。请确认是否引入？";
+    void Present(int lines) {
+        set_.Answer("as FCount from t_VchTemplateEntry where FID = 5", Rows({"FCount"}, {{lines}}));
+    }
+    bool ImportEmpty(int existing) {
+        return Import(MakeWorkbook("a.xlsx", {kShortHeaders, {" ", ""}}), existing);
+    }
+};
+
+TEST_F(HeaderOnly, NeverEmptiesAFilledTemplateWithoutAsking) {
+    Present(3);
+    EXPECT_FALSE(ImportEmpty(5));
+    EXPECT_EQ(Messages(), Lines{kQuestion});
+    EXPECT_EQ(surroundings_.messageBoxes->shown[0].buttons, system::MessageButtons::OkCancel);
+    EXPECT_EQ(Batch(), "");
+    EXPECT_TRUE(log_->Calls().empty());
+    surroundings_.messageBoxes->answers = {system::MessageResult::Ok};
+    EXPECT_TRUE(ImportEmpty(5));
+    EXPECT_EQ(Messages().back(), "引入模板 甲's 成功！");
+    EXPECT_EQ(outcome_.lines, 0);
+}
+
+TEST_F(HeaderOnly, IsNotAskedAboutWhereNothingIsLost) {
+    Present(0);
+    EXPECT_TRUE(ImportEmpty(5));
+    EXPECT_TRUE(ImportEmpty(-1));
+    Present(3);
+    EXPECT_TRUE(Import(MakeWorkbook("a.xlsx", {kShortHeaders, {"#1", "a", "借", "1001", "b"}}), 5));
+    EXPECT_EQ(Messages(), (Lines{"引入模板 甲's 成功！", "引入模板 甲's 成功！", "引入模板 甲's 成功！"}));
+}
+
+TEST_F(HeaderOnly, WritesNothingWhenNobodySaysWhatWouldBeLost) {
+    set_.Fail("as FCount from t_VchTemplateEntry", "gone");
+    EXPECT_FALSE(ImportEmpty(5));
+    EXPECT_EQ(Messages(), Lines{"引入模板失败！"});
+    EXPECT_EQ(Batch(), "");
+}
+
+TEST_F(ImportTest, RefusesFilesWhoseNamesNoTemplateCanBear) {
+    const std::vector<Lines> rows = {kShortHeaders, {"#1", "a", "借", "1001", "b"}};
+    for (const auto& [name, reason] : std::vector<std::pair<std::string, std::string>>{
+             {"　.xlsx", "凭证模板名称不允许为空！"},
+             {"a\tb.xlsx", "凭证模板名称不能包含制表符、换行等控制字符！"}}) {
+        surroundings_.messageBoxes->shown.clear();
+        EXPECT_FALSE(ImportTemplateFile(window_, MakeWorkbook(name, rows)));
+        EXPECT_EQ(Messages(), Lines{"引入模板失败！" + reason});
+        EXPECT_EQ(Batch(), "");
+    }
 }
 
 TEST_F(ImportTest, FailsWhenTheServerRefusesTheBatch) {
     set_.Fail("insert into t_VchTemplate", "no room");
     EXPECT_FALSE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}}));
     EXPECT_EQ(Messages(), (Lines{"no room", "引入模板失败！"}));
-    EXPECT_EQ(log_->Calls(), Lines{"WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败)"});
+    EXPECT_EQ(log_->Calls(), (Lines{"WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败)",
+                                    "WriteLog(K831000, 4, 凭证模板-引入模板 甲's 失败原因：账套没有接受写入，原因见前一条提示)"}));
     EXPECT_EQ(set_.Statements().size(), 2u);  // the question about what is in the way, and the batch
 }
 

@@ -65,6 +65,7 @@ class ScriptedObject : public automation::Object {
     }
 
     const std::vector<std::string>& Calls() const { return calls_; }
+    void ForgetCalls() { calls_.clear(); }
     Variant PutValue(const std::string& name) const {
         const auto found = puts_.find(name);
         return found == puts_.end() ? Variant() : found->second;
