@@ -117,9 +117,12 @@ TEST_F(CloudDrive, AFileThatIsNotThereFailsAtTheThird) {
     EXPECT_EQ("", Records());
 }
 
-TEST_F(CloudDrive, AnAccountSetThatCannotRecordTheFileFailsAtTheThird) {
+TEST_F(CloudDrive, AFileWhoseRecordFailedIsTold) {
     session_->Execute("drop table t_CloudFile");
-    EXPECT_EQ("模板文件上传过程中出现异常，上传失败！", Upload());
+    EXPECT_EQ(
+        "模板文件“日常费用.xlsx”已上传到个人云盘的'凭证模板'"
+        "目录，但上传记录保存失败，请在云盘中删除该文件后重新上传！",
+        Upload());
 }
 
 TEST_F(CloudDrive, NamesThatLeadElsewhereAreNoNames) {
