@@ -2,10 +2,10 @@
 
 // One block of memory that grows often and little without being copied each time.
 //
-// The allocator is asked for half as much again as is needed, so that most growths cost nothing, and extends the
-// block where it can. The size is always the one asked for; of a large reserve the machine gives no page before
-// it is written to. From 1 to 8 MiB this is more than ten times as fast as address space of one's own, and no
-// slower at 64 MiB.
+// The allocator is asked for half as much again as is needed, so that most growths cost nothing, and extends
+// the block where it can. The size is always the one asked for; of a large reserve the machine gives no page
+// before it is written to. From 1 to 8 MiB this is more than ten times as fast as address space of one's own,
+// and no slower at 64 MiB.
 //
 // Owns its memory. Any thread, one at a time.
 
