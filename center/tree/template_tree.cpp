@@ -295,7 +295,7 @@ bool TemplateTree::CreateTemplate() {
     // The command has been through the right and the gate already: no second question.
     StartRenaming();
     Open(node->text, IdOf(node->key), {});
-    state_.Enable({Tool::Del, Tool::Save, Tool::Exp}, true);
+    state_.Enable({Tool::Del, Tool::Save}, true);
     return true;
 }
 

@@ -514,13 +514,13 @@ TEST_F(ToolStatesTest, EveryNodeClickLaysTheBarOutAnew) {
     EXPECT_GE(view_.Count("tools"), 1);
 }
 
-TEST_F(ToolStatesTest, ANewTemplateTurnsDeleteSaveAndExportOn) {
+TEST_F(ToolStatesTest, ANewTemplateTurnsDeleteAndSaveOn) {
     OpenAs(true);
     set_.Answer("select Max(FID)", Rows({"FID"}, {{9}}));
     Window().Tree().NodeClick("ROOT");
     Window().Tree().LostFocus();
     Window().ToolClick("mnuNew");
-    EXPECT_THAT(On(), ElementsAre("mnuDel", "mnuSave", "mnuExp"));
+    EXPECT_THAT(On(), ElementsAre("mnuDel", "mnuSave"));
 }
 
 TEST_F(ToolStatesTest, ShareIsNeverEnabled) {

@@ -106,14 +106,16 @@ TEST_F(LitNodeTest, AfterYesAndARefusedSaveTypingGoesToTheGrid) {
     EXPECT_EQ(window->Presenter().TemplateId(), "0");
 }
 
-TEST_F(LitNodeTest, NewFromTheRootTurnsSaveAndExportOn) {
+TEST_F(LitNodeTest, NewFromTheRootTurnsSaveAndDeleteOnAndAClickOnItsNodeExport) {
     Open();
     ClickNode("ROOT");
     EXPECT_FALSE(Enabled("mnuSave"));
     ClickTool("mnuNew");
     EXPECT_TRUE(Enabled("mnuSave"));
-    EXPECT_TRUE(Enabled("mnuExp"));
     EXPECT_TRUE(Enabled("mnuDel"));
+    EXPECT_FALSE(Enabled("mnuExp"));
+    ClickNode(window->Presenter().SelectedNode());
+    EXPECT_TRUE(Enabled("mnuExp"));
 }
 
 }  // namespace
