@@ -114,7 +114,7 @@ TEST_F(LitNodeTest, NewFromTheRootTurnsSaveAndDeleteOnAndAClickOnItsNodeExport) 
     EXPECT_TRUE(Enabled("mnuSave"));
     EXPECT_TRUE(Enabled("mnuDel"));
     EXPECT_FALSE(Enabled("mnuExp"));
-    ClickNode(window->Presenter().SelectedNode());
+    ClickNode(window->Presenter().SelectedNode().c_str());
     EXPECT_TRUE(Enabled("mnuExp"));
 }
 
