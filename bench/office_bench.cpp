@@ -103,7 +103,7 @@ void PrepareProcess() {
 // --- exporting
 
 void ExportByComponent(Window& window, const std::string& file) {
-    Check(exchange::WriteTemplateWorkbook(window, file, false), "export");
+    Check(exchange::WriteTemplateWorkbook(window, file, false).written, "export");
 }
 
 void ExportByLibxlsxwriter(const Window& window, const std::string& file) {
@@ -245,7 +245,7 @@ void ImportByComponent(const std::string& file) {
     fakes::FakeAccountSet set;
     set.Answer("select FID", fakes::Rows({"FID"}, {{1}}));
     Window window(0);
-    Check(exchange::ImportTemplateWorkbook(window, file, -1, "bench"), "import");
+    Check(exchange::ImportTemplateWorkbook(window, file, -1, "bench").written, "import");
     Check(set.Statements()[0].size() > 1000, "batch");
 }
 
