@@ -9,8 +9,8 @@
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/account_set/session_pool.h"
 #include "platform/ado/file_care.h"
+#include "platform/ado/long_work_watch.h"
 #include "platform/ado/running_batch.h"
-#include "platform/system/surroundings.h"
 #include "text/hex.h"
 
 namespace vicenter::ado {
@@ -25,26 +25,6 @@ constexpr const char* kClosedText = "Operation is not allowed when the object is
 constexpr const char* kTimeoutText = "Query timeout expired";
 constexpr std::int32_t kFirstErrorSeverity = 11;
 constexpr std::int32_t kInsufficientMemory = 701;  // the server's number
-
-// The batch that runs, as the surroundings see it.
-class WatchedWork {
-  public:
-    WatchedWork() : work_(system::Surroundings::Current().longWork) {}
-    WatchedWork(const WatchedWork&) = delete;
-    WatchedWork& operator=(const WatchedWork&) = delete;
-    ~WatchedWork() {
-        if (asked_) work_->Done();
-    }
-    explicit operator bool() const { return work_ != nullptr; }
-    bool GoOn(std::chrono::milliseconds taken) {
-        asked_ = true;
-        return work_->GoOn(taken);
-    }
-
-  private:
-    std::shared_ptr<system::LongWork> work_;
-    bool asked_ = false;
-};
 
 DataType DataTypeOf(const engine::SqlType& type) {
     using engine::TypeKind;
@@ -286,7 +266,7 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
     RecordsetSink sink;
     engine::ExecutionLimits limits;
     limits.timeout = std::chrono::seconds(CommandTimeout());
-    WatchedWork watched;
+    LongWorkWatch watched;
     if (watched) limits.watch = [&](std::chrono::milliseconds taken) { return watched.GoOn(taken); };
     const engine::ExecutionReport report = [&] {
         const RunningBatch running(*this);

@@ -10,7 +10,7 @@
 #include <system_error>
 #include <thread>
 
-#include "platform/system/surroundings.h"
+#include "platform/ado/long_work_watch.h"
 
 namespace vicenter::ado {
 
@@ -137,28 +137,8 @@ class UnderWay {
     std::list<std::pair<ErrandRef, std::thread>> errands_;
 };
 
-// The work as the surroundings see it.
-class Watcher {
-  public:
-    Watcher() : work_(system::Surroundings::Current().longWork) {}
-    Watcher(const Watcher&) = delete;
-    Watcher& operator=(const Watcher&) = delete;
-    ~Watcher() {
-        if (asked_) work_->Done();
-    }
-    explicit operator bool() const { return work_ != nullptr; }
-    bool GoOn(std::chrono::milliseconds taken) {
-        asked_ = true;
-        return work_->GoOn(taken);
-    }
-
-  private:
-    std::shared_ptr<system::LongWork> work_;
-    bool asked_ = false;
-};
-
 // Waits for what is under way; false when it was asked to stop and has not.
-bool Await(UnderWay& works, Watcher* watcher, const std::function<void()>& stop,
+bool Await(UnderWay& works, LongWorkWatch* watcher, const std::function<void()>& stop,
            std::chrono::milliseconds grace) {
     const Clock::time_point start = Clock::now();
     std::optional<Clock::time_point> stopped;
@@ -180,7 +160,7 @@ bool Await(UnderWay& works, Watcher* watcher, const std::function<void()>& stop,
 bool RunWatched(std::function<void()> work, const std::function<void()>& stop,
                 std::chrono::milliseconds grace) {
     if (!beside) {
-        if (Watcher watcher; watcher) {
+        if (LongWorkWatch watcher; watcher) {
             UnderWay works;
             if (works.Start(work)) {
                 work = nullptr;
@@ -193,7 +173,7 @@ bool RunWatched(std::function<void()> work, const std::function<void()>& stop,
 }
 
 bool RunSideBySide(std::vector<std::function<void()>> works, const std::function<void()>& stop) {
-    Watcher watcher;
+    LongWorkWatch watcher;
     UnderWay underWay;
     for (std::function<void()>& work : works) {
         if (!underWay.Start(work)) work();
