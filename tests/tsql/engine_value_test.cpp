@@ -1,6 +1,7 @@
 // by hand
 #include "tests/tsql/engine_fixture.h"
 #include "tsql/base/text_units.h"
+#include "tsql/types/date_part.h"
 #include "tsql/types/date_text.h"
 #include "tsql/types/like_pattern.h"
 

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "tsql/functions/call.h"
-#include "tsql/types/date_text.h"
+#include "tsql/types/date_part.h"
 
 namespace vicenter::tsql::engine {
 

@@ -5,7 +5,7 @@
 #include "tsql/base/error_table.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/functions.h"
-#include "tsql/types/date_text.h"
+#include "tsql/types/date_part.h"
 
 namespace vicenter::tsql::engine {
 
@@ -61,9 +61,9 @@ int Binding::LiteralInt(std::size_t i, int otherwise) {
 
 namespace {
 
-std::array<FunctionSet, 7> Sets() {
-    return {AggregateFunctions(), ChoiceFunctions(), ConversionFunctions(), DateFunctions(),
-            MathFunctions(),      SystemFunctions(), TextFunctions()};
+std::array<FunctionSet, 9> Sets() {
+    return {AggregateFunctions(), ChoiceFunctions(), ConversionFunctions(), DateFunctions(), MathFunctions(),
+            MeasureFunctions(),   SearchFunctions(), SystemFunctions(),     TextFunctions()};
 }
 
 }  // namespace

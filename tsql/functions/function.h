@@ -156,6 +156,8 @@ FunctionSet ChoiceFunctions();
 FunctionSet ConversionFunctions();
 FunctionSet DateFunctions();
 FunctionSet MathFunctions();
+FunctionSet MeasureFunctions();
+FunctionSet SearchFunctions();
 FunctionSet SystemFunctions();
 FunctionSet TextFunctions();
 

@@ -64,7 +64,7 @@ Bound SystemInt(Binding& call) {
     return {call.Name(), SqlType::Int(), true};
 }
 Bound SystemText(Binding& call) {
-    return {call.Name(), SqlType::NVarChar(4000), true};
+    return {call.Name(), SqlType::NVarChar(kLongestNVarChar), true};
 }
 // An argument would name the current database or user: there is no other.
 Bound SystemName(Binding& call) {

@@ -1,7 +1,7 @@
 // What the session answers about itself: @@ROWCOUNT and its kin, the clock, the error of a CATCH block.
 
 #include "tsql/run/executor.h"
-#include "tsql/types/date_text.h"
+#include "tsql/types/date_part.h"
 
 namespace vicenter::tsql::engine {
 

@@ -36,7 +36,7 @@ SqlType Translator::ResolveType(const TypeName& name) {
         case TypeKind::kVarBinary: {
             if (name.name == "image") return SqlType::Of(kind, kMaxLength);
             if (name.name == "sysname") return SqlType::Of(kind, 128);
-            const int limit = type.IsUnicode() ? 4000 : 8000;
+            const int limit = type.IsUnicode() ? kLongestNVarChar : kLongestVarChar;
             const int length = name.length.value_or(1);
             if (length > limit) throw MakeError(2717, name.position, {length, "type", name.name, limit});
             return SqlType::Of(kind, length);

@@ -1,7 +1,7 @@
 #pragma once
 
-// Dates as texts: what SQL Server reads from a text and writes by the styles of CONVERT, and date arithmetic.
-// Pure functions.
+// Dates as texts: what SQL Server reads from a text and writes by the styles of CONVERT.
+// Pure functions; parse_date.cpp reads, format_date.cpp writes.
 
 #include <optional>
 #include <string>
@@ -19,33 +19,5 @@ std::optional<DateTime> ParseDate(std::string_view text, int style = 0, bool* ou
 
 // By a style of CONVERT; nothing for an unknown style.
 std::optional<std::string> FormatDate(const DateTime& date, const SqlType& type, int style);
-
-enum class DatePart {
-    kYear,
-    kQuarter,
-    kMonth,
-    kDayOfYear,
-    kDay,
-    kWeek,
-    kIsoWeek,
-    kWeekday,
-    kHour,
-    kMinute,
-    kSecond,
-    kMillisecond,
-};
-std::optional<DatePart> DatePartByName(std::string_view lowerName);
-
-// Nothing when the result leaves the years 1 to 9999.
-std::optional<DateTime> AddToDate(DatePart part, std::int64_t count, const DateTime& date);
-// The boundaries of that part crossed from one date to the other.
-std::int64_t DateDifference(DatePart part, const DateTime& from, const DateTime& to);
-int DatePartOf(DatePart part, const DateTime& date);
-// "January", "Saturday", else the number.
-std::string DateName(DatePart part, const DateTime& date);
-
-// Rounded to what the type keeps: datetime to 1/300 s, smalldatetime to the minute, date to the day. Nothing
-// when the date is outside of the type's range.
-std::optional<DateTime> RoundToType(const DateTime& date, const SqlType& type);
 
 }  // namespace vicenter::tsql::engine

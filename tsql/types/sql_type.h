@@ -43,6 +43,9 @@ enum class TypeKind : std::uint8_t {
 enum class StorageClass : std::uint8_t { kInteger, kReal, kDecimal, kText, kDate, kBinary };
 
 inline constexpr int kMaxLength = -1;  // varchar(max)
+// Without max: bytes of binary and varchar, code units of nvarchar.
+inline constexpr int kLongestVarChar = 8000;
+inline constexpr int kLongestNVarChar = 4000;
 inline constexpr int kMaxPrecision = 38;
 
 struct SqlType {
