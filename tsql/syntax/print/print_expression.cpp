@@ -150,102 +150,102 @@ void Printer::Put(const Expr& expr, int lowest) {
     }
     switch (expr.kind) {
         case ExprKind::kLiteral:
-            Text(LiteralText(As<LiteralExpr>(expr)));
-            break;
+            return Text(LiteralText(As<LiteralExpr>(expr)));
         case ExprKind::kVariable:
-            Text(As<VariableExpr>(expr).name);
-            break;
+            return Text(As<VariableExpr>(expr).name);
         case ExprKind::kColumn:
-            Put(As<ColumnExpr>(expr).name);
-            break;
-        case ExprKind::kUnary: {
-            const auto& unary = As<UnaryExpr>(expr);
-            Text(unary.op == UnaryOp::kMinus ? "-" : unary.op == UnaryOp::kPlus ? "+" : "~");
-            if (unary.operand->kind == ExprKind::kUnary) Text(" ");  // "--" would be a comment
-            Put(*unary.operand, kUnary);
-            break;
-        }
-        case ExprKind::kBinary: {
-            const auto& binary = As<BinaryExpr>(expr);
-            const int own = BindingOf(expr);
-            Put(*binary.left, own);
-            Text(BinaryText(binary.op));
-            Put(*binary.right, own + 1);
-            break;
-        }
-        case ExprKind::kCase: {
-            const auto& choice = As<CaseExpr>(expr);
-            Text("case");
-            if (choice.operand) {
-                Text(" ");
-                Put(*choice.operand);
-            }
-            for (const CaseExpr::Branch& branch : choice.branches) {
-                Text(" when ");
-                Put(*branch.when);
-                Text(" then ");
-                Put(*branch.then);
-            }
-            if (choice.otherwise) {
-                Text(" else ");
-                Put(*choice.otherwise);
-            }
-            Text(" end");
-            break;
-        }
-        case ExprKind::kFunction: {
-            const auto& function = As<FunctionExpr>(expr);
-            Put(function.name);
-            if (!function.hasParentheses) break;
-            Text(function.star ? "(*" : function.distinct ? "(distinct " : "(");
-            PutList(function.arguments);
-            Text(")");
-            if (!function.over) break;
-            Text(" over (");
-            if (!function.over->partitionBy.empty()) {
-                Text("partition by ");
-                PutList(function.over->partitionBy);
-                if (!function.over->orderBy.empty()) Text(" ");
-            }
-            PutOrderBy(function.over->orderBy);
-            Text(")");
-            break;
-        }
-        case ExprKind::kCast: {
-            const auto& cast = As<CastExpr>(expr);
-            Text(cast.tryOnly ? "try_" : "");
-            if (cast.convert) {
-                Text("convert(");
-                Put(cast.type);
-                Text(", ");
-                Put(*cast.operand);
-                if (cast.style) {
-                    Text(", ");
-                    Put(*cast.style);
-                }
-            } else {
-                Text("cast(");
-                Put(*cast.operand);
-                Text(" as ");
-                Put(cast.type);
-            }
-            Text(")");
-            break;
-        }
+            return Put(As<ColumnExpr>(expr).name);
+        case ExprKind::kUnary:
+            return Put(As<UnaryExpr>(expr));
+        case ExprKind::kBinary:
+            return Put(As<BinaryExpr>(expr));
+        case ExprKind::kCase:
+            return Put(As<CaseExpr>(expr));
+        case ExprKind::kFunction:
+            return Put(As<FunctionExpr>(expr));
+        case ExprKind::kCast:
+            return Put(As<CastExpr>(expr));
         case ExprKind::kCollate:
             Put(*As<CollateExpr>(expr).operand, kPrimary);
             Text(" collate ");
-            Put(As<CollateExpr>(expr).collation);
-            break;
+            return Put(As<CollateExpr>(expr).collation);
         case ExprKind::kSubquery:
             Text("(");
             Put(*As<SubqueryExpr>(expr).query);
-            Text(")");
-            break;
+            return Text(")");
         default:
-            PutCondition(expr);
-            break;
+            return PutCondition(expr);
     }
+}
+
+void Printer::Put(const UnaryExpr& unary) {
+    Text(unary.op == UnaryOp::kMinus ? "-" : unary.op == UnaryOp::kPlus ? "+" : "~");
+    if (unary.operand->kind == ExprKind::kUnary) Text(" ");  // "--" would be a comment
+    Put(*unary.operand, kUnary);
+}
+
+// Operators of one binding hold to the left: a - (b - c) keeps its parentheses, (a - b) - c needs none.
+void Printer::Put(const BinaryExpr& binary) {
+    const int own = BindingOf(binary);
+    Put(*binary.left, own);
+    Text(BinaryText(binary.op));
+    Put(*binary.right, own + 1);
+}
+
+void Printer::Put(const CaseExpr& choice) {
+    Text("case");
+    if (choice.operand) {
+        Text(" ");
+        Put(*choice.operand);
+    }
+    for (const CaseExpr::Branch& branch : choice.branches) {
+        Text(" when ");
+        Put(*branch.when);
+        Text(" then ");
+        Put(*branch.then);
+    }
+    if (choice.otherwise) {
+        Text(" else ");
+        Put(*choice.otherwise);
+    }
+    Text(" end");
+}
+
+void Printer::Put(const FunctionExpr& function) {
+    Put(function.name);
+    if (!function.hasParentheses) return;
+    Text(function.star ? "(*" : function.distinct ? "(distinct " : "(");
+    PutList(function.arguments);
+    Text(")");
+    if (!function.over) return;
+    Text(" over (");
+    if (!function.over->partitionBy.empty()) {
+        Text("partition by ");
+        PutList(function.over->partitionBy);
+        if (!function.over->orderBy.empty()) Text(" ");
+    }
+    PutOrderBy(function.over->orderBy);
+    Text(")");
+}
+
+void Printer::Put(const CastExpr& cast) {
+    Text(cast.tryOnly ? "try_" : "");
+    if (cast.convert) {
+        Text("convert(");
+        Put(cast.type);
+        Text(", ");
+        Put(*cast.operand);
+        if (cast.style) {
+            Text(", ");
+            Put(*cast.style);
+        }
+    } else {
+        Text("cast(");
+        Put(*cast.operand);
+        Text(" as ");
+        Put(cast.type);
+    }
+    Text(")");
 }
 
 void Printer::PutCondition(const Expr& expr) {
@@ -254,73 +254,74 @@ void Printer::PutCondition(const Expr& expr) {
             const auto& comparison = As<ComparisonExpr>(expr);
             Put(*comparison.left, kAdd);
             Text(ComparisonText(comparison.op));
-            Put(*comparison.right, kAdd);
-            break;
+            return Put(*comparison.right, kAdd);
         }
-        case ExprKind::kLogical: {
-            const auto& logical = As<LogicalExpr>(expr);
-            for (const ExprPtr& operand : logical.operands) {
-                if (&operand != &logical.operands.front()) Text(logical.isAnd ? " and " : " or ");
-                Put(*operand, (logical.isAnd ? kAnd : kOr) + 1);
-            }
-            break;
-        }
+        case ExprKind::kLogical:
+            return Put(As<LogicalExpr>(expr));
         case ExprKind::kNot:
             Text("not ");
-            Put(*As<NotExpr>(expr).operand, kNot);
-            break;
-        case ExprKind::kBetween: {
-            const auto& between = As<BetweenExpr>(expr);
-            Put(*between.operand, kAdd);
-            Text(between.negated ? " not between " : " between ");
-            Put(*between.low, kAdd);
-            Text(" and ");
-            Put(*between.high, kAdd);
-            break;
-        }
-        case ExprKind::kLike: {
-            const auto& like = As<LikeExpr>(expr);
-            Put(*like.operand, kAdd);
-            Text(like.negated ? " not like " : " like ");
-            Put(*like.pattern, kAdd);
-            if (!like.escape) break;
-            Text(" escape ");
-            Put(*like.escape, kAdd);
-            break;
-        }
-        case ExprKind::kIn: {
-            const auto& in = As<InExpr>(expr);
-            Put(*in.operand, kAdd);
-            Text(in.negated ? " not in (" : " in (");
-            if (in.query) {
-                Put(*in.query);
-            } else {
-                PutList(in.list);
-            }
-            Text(")");
-            break;
-        }
+            return Put(*As<NotExpr>(expr).operand, kNot);
+        case ExprKind::kBetween:
+            return Put(As<BetweenExpr>(expr));
+        case ExprKind::kLike:
+            return Put(As<LikeExpr>(expr));
+        case ExprKind::kIn:
+            return Put(As<InExpr>(expr));
         case ExprKind::kExists:
             Text("exists (");
             Put(*As<ExistsExpr>(expr).query);
-            Text(")");
-            break;
+            return Text(")");
         case ExprKind::kIsNull:
             Put(*As<IsNullExpr>(expr).operand, kAdd);
-            Text(As<IsNullExpr>(expr).negated ? " is not null" : " is null");
-            break;
-        case ExprKind::kQuantified: {
-            const auto& quantified = As<QuantifiedExpr>(expr);
-            Put(*quantified.operand, kAdd);
-            Text(ComparisonText(quantified.op));
-            Text(quantified.all ? "all (" : "any (");
-            Put(*quantified.query);
-            Text(")");
-            break;
-        }
+            return Text(As<IsNullExpr>(expr).negated ? " is not null" : " is null");
+        case ExprKind::kQuantified:
+            return Put(As<QuantifiedExpr>(expr));
         default:
-            break;
+            return;
     }
+}
+
+void Printer::Put(const LogicalExpr& logical) {
+    for (const ExprPtr& operand : logical.operands) {
+        if (&operand != &logical.operands.front()) Text(logical.isAnd ? " and " : " or ");
+        Put(*operand, (logical.isAnd ? kAnd : kOr) + 1);
+    }
+}
+
+void Printer::Put(const BetweenExpr& between) {
+    Put(*between.operand, kAdd);
+    Text(between.negated ? " not between " : " between ");
+    Put(*between.low, kAdd);
+    Text(" and ");
+    Put(*between.high, kAdd);
+}
+
+void Printer::Put(const LikeExpr& like) {
+    Put(*like.operand, kAdd);
+    Text(like.negated ? " not like " : " like ");
+    Put(*like.pattern, kAdd);
+    if (!like.escape) return;
+    Text(" escape ");
+    Put(*like.escape, kAdd);
+}
+
+void Printer::Put(const InExpr& in) {
+    Put(*in.operand, kAdd);
+    Text(in.negated ? " not in (" : " in (");
+    if (in.query) {
+        Put(*in.query);
+    } else {
+        PutList(in.list);
+    }
+    Text(")");
+}
+
+void Printer::Put(const QuantifiedExpr& quantified) {
+    Put(*quantified.operand, kAdd);
+    Text(ComparisonText(quantified.op));
+    Text(quantified.all ? "all (" : "any (");
+    Put(*quantified.query);
+    Text(")");
 }
 
 }  // namespace vicenter::tsql

@@ -174,28 +174,27 @@ void Printer::PutFrom(const std::vector<TableSourcePtr>& from) {
     }
 }
 
+void Printer::PutAlias(const Name& name, const std::vector<Name>& columns) {
+    if (name.IsEmpty()) return;
+    Text(" as ");
+    Put(name);
+    PutNameList(columns);
+}
+
 void Printer::Put(const TableSource& source) {
-    const auto alias = [&](const Name& name, const std::vector<Name>& columns) {
-        if (name.IsEmpty()) return;
-        Text(" as ");
-        Put(name);
-        PutNameList(columns);
-    };
     switch (source.kind) {
         case SourceKind::kTable: {
             const auto& table = As<TableRef>(source);
             Put(table.name);
-            alias(table.alias, {});
-            PutHints(table.hints);
-            break;
+            PutAlias(table.alias, {});
+            return PutHints(table.hints);
         }
         case SourceKind::kDerived: {
             const auto& derived = As<DerivedTable>(source);
             Text("(");
             Put(*derived.query);
             Text(")");
-            alias(derived.alias, derived.columns);
-            break;
+            return PutAlias(derived.alias, derived.columns);
         }
         case SourceKind::kValues: {
             const auto& values = As<ValuesTable>(source);
@@ -205,8 +204,7 @@ void Printer::Put(const TableSource& source) {
                 Text(")");
             }
             Text(")");
-            alias(values.alias, values.columns);
-            break;
+            return PutAlias(values.alias, values.columns);
         }
         case SourceKind::kFunction: {
             const auto& function = As<FunctionTable>(source);
@@ -214,46 +212,27 @@ void Printer::Put(const TableSource& source) {
             Text("(");
             PutList(function.arguments);
             Text(")");
-            alias(function.alias, function.columns);
-            break;
+            return PutAlias(function.alias, function.columns);
         }
-        case SourceKind::kJoin: {
-            const auto& join = As<JoinedTable>(source);
-            Put(*join.left);
-            switch (join.join) {
-                case JoinKind::kInner:
-                    Text(" inner join ");
-                    break;
-                case JoinKind::kLeft:
-                    Text(" left join ");
-                    break;
-                case JoinKind::kRight:
-                    Text(" right join ");
-                    break;
-                case JoinKind::kFull:
-                    Text(" full join ");
-                    break;
-                case JoinKind::kCross:
-                    Text(" cross join ");
-                    break;
-                case JoinKind::kCrossApply:
-                    Text(" cross apply ");
-                    break;
-                case JoinKind::kOuterApply:
-                    Text(" outer apply ");
-                    break;
-            }
-            const bool nested = join.right->kind == SourceKind::kJoin;
-            if (nested) Text("(");
-            Put(*join.right);
-            if (nested) Text(")");
-            if (join.on) {
-                Text(" on ");
-                Put(*join.on);
-            }
-            break;
-        }
+        case SourceKind::kJoin:
+            return Put(As<JoinedTable>(source));
     }
+}
+
+void Printer::Put(const JoinedTable& join) {
+    static constexpr std::string_view kWords[] = {"inner join", "left join",   "right join", "full join",
+                                                  "cross join", "cross apply", "outer apply"};
+    Put(*join.left);
+    Text(" ");
+    Text(kWords[static_cast<std::size_t>(join.join)]);
+    Text(" ");
+    const bool nested = join.right->kind == SourceKind::kJoin;
+    if (nested) Text("(");
+    Put(*join.right);
+    if (nested) Text(")");
+    if (!join.on) return;
+    Text(" on ");
+    Put(*join.on);
 }
 
 void Printer::Put(const OutputClause& output) {

@@ -126,10 +126,7 @@ bool Printer::PutVariable(const Statement& statement) {
 void Printer::PutFlow(const Statement& statement) {
     switch (statement.kind) {
         case StatementKind::kBlock:
-            Text("begin");
-            PutStatements(As<BlockStatement>(statement).statements);
-            NewLine();
-            Text("end");
+            Put(As<BlockStatement>(statement));
             break;
         case StatementKind::kIf:
             Put(As<IfStatement>(statement));
@@ -146,11 +143,7 @@ void Printer::PutFlow(const Statement& statement) {
             Text("continue");
             break;
         case StatementKind::kReturn:
-            Text("return");
-            if (const ExprPtr& value = As<ReturnStatement>(statement).value) {
-                Text(" ");
-                Put(*value);
-            }
+            Put(As<ReturnStatement>(statement));
             break;
         case StatementKind::kTryCatch:
             Put(As<TryCatchStatement>(statement));
@@ -160,20 +153,11 @@ void Printer::PutFlow(const Statement& statement) {
             Put(*As<PrintStatement>(statement).text);
             break;
         case StatementKind::kRaiserror:
-            PutRaiserror(As<RaiserrorStatement>(statement));
+            Put(As<RaiserrorStatement>(statement));
             break;
-        case StatementKind::kThrow: {
-            const auto& raise = As<ThrowStatement>(statement);
-            Text("throw");
-            if (!raise.number) break;
-            Text(" ");
-            Put(*raise.number);
-            Text(", ");
-            Put(*raise.message);
-            Text(", ");
-            Put(*raise.state);
+        case StatementKind::kThrow:
+            Put(As<ThrowStatement>(statement));
             break;
-        }
         case StatementKind::kExecute:
             Put(As<ExecuteStatement>(statement));
             break;
@@ -367,6 +351,13 @@ void Printer::PutBranch(const Statement& statement) {
     --indent_;
 }
 
+void Printer::Put(const BlockStatement& block) {
+    Text("begin");
+    PutStatements(block.statements);
+    NewLine();
+    Text("end");
+}
+
 void Printer::Put(const IfStatement& statement) {
     Text("if ");
     Put(*statement.condition);
@@ -389,7 +380,7 @@ void Printer::Put(const TryCatchStatement& statement) {
     Text("end catch");
 }
 
-void Printer::PutRaiserror(const RaiserrorStatement& raise) {
+void Printer::Put(const RaiserrorStatement& raise) {
     Text("raiserror (");
     Put(*raise.message);
     Text(", ");
@@ -405,6 +396,24 @@ void Printer::PutRaiserror(const RaiserrorStatement& raise) {
         Text(&option == &raise.options.front() ? " with " : ", ");
         Text(option);
     }
+}
+
+void Printer::Put(const ThrowStatement& raise) {
+    Text("throw");
+    if (!raise.number) return;
+    Text(" ");
+    Put(*raise.number);
+    Text(", ");
+    Put(*raise.message);
+    Text(", ");
+    Put(*raise.state);
+}
+
+void Printer::Put(const ReturnStatement& statement) {
+    Text("return");
+    if (!statement.value) return;
+    Text(" ");
+    Put(*statement.value);
 }
 
 void Printer::Put(const ExecuteStatement& execute) {

@@ -17,6 +17,16 @@ class Printer {
     // print_expression.cpp
     void Put(const Expr& expr, int lowest = 0);
     void PutCondition(const Expr& expr);
+    void Put(const UnaryExpr& unary);
+    void Put(const BinaryExpr& binary);
+    void Put(const CaseExpr& choice);
+    void Put(const FunctionExpr& function);
+    void Put(const CastExpr& cast);
+    void Put(const LogicalExpr& logical);
+    void Put(const BetweenExpr& between);
+    void Put(const LikeExpr& like);
+    void Put(const InExpr& in);
+    void Put(const QuantifiedExpr& quantified);
     void Put(const Name& name);
     void Put(const ObjectName& name);
     void Put(const TypeName& type);
@@ -32,6 +42,8 @@ class Printer {
     void Put(const SelectItem& item);
     void Put(const TopClause& top);
     void Put(const TableSource& source);
+    void Put(const JoinedTable& join);
+    void PutAlias(const Name& name, const std::vector<Name>& columns);
     void PutFrom(const std::vector<TableSourcePtr>& from);
     void PutWith(const std::vector<CommonTable>& with);
     void PutOrderBy(const std::vector<OrderItem>& items);
@@ -72,7 +84,10 @@ class Printer {
     void Put(const TryCatchStatement& statement);
     void Put(const ExecuteStatement& execute);
     void Put(const TransactionStatement& transaction);
-    void PutRaiserror(const RaiserrorStatement& raise);
+    void Put(const RaiserrorStatement& raise);
+    void Put(const ThrowStatement& raise);
+    void Put(const ReturnStatement& statement);
+    void Put(const BlockStatement& block);
 
     void Text(std::string_view text) { out_ += text; }
     void NewLine();
