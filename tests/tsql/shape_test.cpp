@@ -1,3 +1,4 @@
+#include "tsql/syntax/literal_template.h"
 #include "tsql/syntax/shape.h"
 
 #include <gtest/gtest.h>

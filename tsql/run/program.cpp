@@ -5,20 +5,12 @@
 #include <optional>
 
 #include "tsql/base/text_units.h"
+#include "tsql/syntax/literal_template.h"
 #include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::tsql::engine {
 
 namespace {
-
-struct KnownTemplate {
-    std::optional<LiteralTemplate> pattern;
-    const Statement* statement = nullptr;
-    const std::vector<std::uint32_t>* offsets = nullptr;
-};
-
-// How many kinds of INSERT may take turns and still be recognized.
-constexpr std::size_t kKnownTemplates = 4;
 
 bool IsPlainInsert(const Statement& statement) {
     const auto* insert = TryAs<InsertStatement>(&statement);
@@ -26,37 +18,83 @@ bool IsPlainInsert(const Statement& statement) {
            !insert->output && !insert->top && insert->with.empty();
 }
 
+// Recognizes the repeated INSERTs of a batch by the templates of the last few that were parsed. A batch of
+// ten thousand rows is parsed once this way, and each row costs a comparison of its text.
+class RepeatedInserts {
+  public:
+    RepeatedInserts(std::string_view text, Program& program) : text_(text), program_(program) {}
+
+    // The statement at a place, without a tree of its own; nothing when it has to be parsed.
+    std::optional<ProgramItem> Next(const Position& where) {
+        for (const Known& candidate : known_) {
+            if (!candidate.pattern) continue;
+            std::uint32_t start = 0;
+            const auto end = candidate.pattern->Match(text_, where.offset, &literals_, &start);
+            if (!end) continue;
+            ProgramItem item;
+            item.statement = candidate.statement;
+            item.line = Advance(text_, where, start).line;
+            item.begin = start;
+            item.end = *end;
+            AddLiterals(item, *candidate.offsets);
+            return item;
+        }
+        return std::nullopt;
+    }
+
+    // Makes a template of a statement that was parsed; it then runs as those do that match it.
+    void Learn(const Statement& statement, ProgramItem& item) {
+        const std::string_view own = text_.substr(item.begin, item.end - item.begin);
+        Known fresh;
+        fresh.pattern = LiteralTemplate::Make(own);
+        if (!fresh.pattern || !fresh.pattern->Match(text_, item.begin, &literals_)) return;
+        auto offsets = std::make_unique<std::vector<std::uint32_t>>();
+        for (const LiteralValue& literal : literals_)
+            offsets->push_back(literal.offset);
+        AddLiterals(item, *offsets);
+        fresh.statement = &statement;
+        fresh.offsets = offsets.get();
+        program_.offsets.push_back(std::move(offsets));
+        known_[oldest_] = std::move(fresh);
+        oldest_ = (oldest_ + 1) % known_.size();
+    }
+
+  private:
+    struct Known {
+        std::optional<LiteralTemplate> pattern;
+        const Statement* statement = nullptr;
+        const std::vector<std::uint32_t>* offsets = nullptr;
+    };
+    // How many kinds of INSERT may take turns and still be recognized.
+    static constexpr std::size_t kKinds = 4;
+
+    void AddLiterals(ProgramItem& item, const std::vector<std::uint32_t>& offsets) {
+        item.firstLiteral = program_.literals.size();
+        item.literalCount = literals_.size();
+        item.offsets = &offsets;
+        program_.literals.insert(program_.literals.end(), literals_.begin(), literals_.end());
+    }
+
+    std::string_view text_;
+    Program& program_;
+    std::array<Known, kKinds> known_;
+    std::size_t oldest_ = 0;
+    std::vector<LiteralValue> literals_;  // of the last match; kept for its room
+};
+
 }  // namespace
 
 std::shared_ptr<Program> ParseProgram(std::string_view text, bool findRepeated) {
     auto program = std::make_shared<Program>();
     StatementReader reader(text);
-    std::array<KnownTemplate, kKnownTemplates> known;
-    std::size_t oldest = 0;
-    std::vector<LiteralValue> literals;
+    RepeatedInserts repeated(text, *program);
     for (;;) {
         const Position where = reader.Where();
-        bool matched = false;
-        for (const KnownTemplate& candidate : known) {
-            if (!candidate.pattern) continue;
-            std::uint32_t start = 0;
-            const auto end = candidate.pattern->Match(text, where.offset, &literals, &start);
-            if (!end) continue;
-            ProgramItem item;
-            item.statement = candidate.statement;
-            item.line = Advance(text, where, start).line;
-            item.begin = start;
-            item.end = *end;
-            item.firstLiteral = program->literals.size();
-            item.literalCount = literals.size();
-            item.offsets = candidate.offsets;
-            program->literals.insert(program->literals.end(), literals.begin(), literals.end());
-            program->items.push_back(item);
-            reader.Seek(Advance(text, where, *end));
-            matched = true;
-            break;
+        if (const auto item = repeated.Next(where)) {
+            program->items.push_back(*item);
+            reader.Seek(Advance(text, where, item->end));
+            continue;
         }
-        if (matched) continue;
         StatementPtr statement = reader.Next();
         if (!statement) break;
         ProgramItem item;
@@ -64,27 +102,7 @@ std::shared_ptr<Program> ParseProgram(std::string_view text, bool findRepeated) 
         item.line = statement->position.line;
         item.begin = statement->position.offset;
         item.end = statement->endOffset;
-        if (findRepeated && IsPlainInsert(*statement)) {
-            const std::string_view own =
-                text.substr(statement->position.offset, statement->endOffset - statement->position.offset);
-            KnownTemplate fresh;
-            fresh.pattern = LiteralTemplate::Make(own);
-            // The first of them runs as the others do.
-            if (fresh.pattern && fresh.pattern->Match(text, statement->position.offset, &literals)) {
-                auto offsets = std::make_unique<std::vector<std::uint32_t>>();
-                for (const LiteralValue& literal : literals)
-                    offsets->push_back(literal.offset);
-                item.firstLiteral = program->literals.size();
-                item.literalCount = literals.size();
-                item.offsets = offsets.get();
-                program->literals.insert(program->literals.end(), literals.begin(), literals.end());
-                fresh.statement = statement.get();
-                fresh.offsets = offsets.get();
-                program->offsets.push_back(std::move(offsets));
-                known[oldest] = std::move(fresh);
-                oldest = (oldest + 1) % kKnownTemplates;
-            }
-        }
+        if (findRepeated && IsPlainInsert(*statement)) repeated.Learn(*statement, item);
         program->items.push_back(item);
         program->statements.push_back(std::move(statement));
     }
