@@ -37,6 +37,7 @@ Executor::Executor(Database& database, Catalog& catalog, FunctionServices& servi
             return Value(1);
         return id ? Value(*id) : Value();
     };
+    // COL_LENGTH counts bytes, of which a Unicode character has two.
     services_.columnLength = [this](std::string_view table, std::string_view column) {
         const TableInfo* found = FindTable(table);
         const ColumnInfo* entry = found != nullptr ? found->FindColumn(column) : nullptr;
@@ -46,6 +47,8 @@ Executor::Executor(Database& database, Catalog& catalog, FunctionServices& servi
         return Value(type.IsUnicode() ? type.length * 2 : type.length);
     };
     services_.variable = [this](std::string_view name) { return FindVariable(name, {}).value; };
+    // Called for each row while SQLite runs the INSERT, so that INSERT … SELECT numbers its rows in their
+    // order.
     services_.nextIdentity = [this] {
         nextIdentity_ += identityStep_;
         return nextIdentity_;
@@ -54,6 +57,8 @@ Executor::Executor(Database& database, Catalog& catalog, FunctionServices& servi
 
 Executor::~Executor() = default;
 
+// Nothing leaves this but a report. What fails while a failed batch is cleared away is told beside its error,
+// and where memory ran out that alone is told, since the report itself may be incomplete.
 ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     ExecutionReport report;
     sink_ = &sink;
@@ -73,8 +78,10 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     } catch (const std::bad_alloc&) {
         failed = outOfMemory = true;
     }
+    // From here on nothing may be stopped: what is left to do undoes the batch or commits it.
     database_.Stopping().End();
     catalog_.EndSnapshot();
+    // An order that was kept without a true comparison would be a damaged index.
     if (std::exchange(services_.failedComparison, false)) failed = outOfMemory = true;
     try {
         transactions_.EndBatch(failed && !(keepsTransaction_ && transactions_.Count() > 0));
@@ -107,9 +114,11 @@ void Executor::Report(const Diagnostic& error) {
 // False when the batch failed; the error is then in the report.
 bool Executor::RunReporting(std::string_view batch) {
     try {
+        // Before anything is read: what a batch without memory has left open would be taken for the set.
         if (toUndo_) transactions_.Reset();
         toUndo_ = false;
         database_.CheckFileBeforeReading();
+        // Held until a first query reads, so that it sees tables and rows of one moment.
         catalog_.RefreshAndHold();
         RunBatch(batch);
         return true;
@@ -162,8 +171,11 @@ void Executor::RunBatch(std::string_view batch) {
     frame.options = setOptions_;
     if (run.isShaped)
         frame.literals = LiteralRun(run.literals, run.program->shapeOffsets, run.program->pinned);
+    // Known beforehand, since a reader that turns out to write may find that others have written since it
+    // began.
     transactions_.StartBatch(WriteForecast(catalog_, programs_).MayWrite(run.program->statements));
     RunIn(frame, [&] {
+        // A variable is there from the batch's beginning, whichever branch it is declared in.
         DeclareAll(run.program->statements);
         for (const ProgramItem& item : run.program->items) {
             if (item.literalCount > 0) {
@@ -186,6 +198,7 @@ void Executor::RunRepeated(const ProgramItem& item) {
             const LiteralScope scope(*frame_,
                                      LiteralRun(frame_->program->literals, item.firstLiteral, *item.offsets));
             Plan& plan = PlanFor(&insert, [&](Translator& translator) { return translator.Insert(insert); });
+            // Not so where a literal decided something: a varchar's length in a sum of texts, say.
             fits = plan.takesAnyLiterals;
             if (!fits) return;
             RunModification(plan, nullptr);
@@ -245,6 +258,9 @@ SqlError Executor::Completed(const SqlError& error, std::int32_t line) const {
     return SqlError(details);
 }
 
+// What an error ends: its statement alone, or with the batch all that is being run. A TRY takes whatever ends
+// a batch, unless the error is one of names and types in its own text, which the server tells when it
+// compiles it.
 void Executor::HandleError(SqlError error, std::int32_t line) {
     error = Completed(error, line);
     lastError_ = error.Number();

@@ -136,6 +136,11 @@ class Executor {
     void Delete(const DeleteStatement& statement);
     void Modify(const void* key, bool temporary, const Make& make, const OutputClause* output);
     void RunModification(Plan& plan, std::vector<std::vector<Value>>* output);
+    void CountRows(std::int64_t count);
+    void StartIdentity(const TableInfo& table);
+    void KeepIdentity(const TableInfo& table);
+    void KeepGivenIdentity(const TableInfo& table);
+    void TellIdentity(std::int64_t last);
     void Truncate(const TruncateStatement& statement);
     void CreateTable(const CreateTableStatement& statement);
     void AlterTable(const AlterTableStatement& statement);
@@ -185,6 +190,12 @@ class Executor {
     TableInfo BuildTable(const std::string& name, const TableDefinition& definition, bool temporary);
     void AddColumn(TableInfo& table, const ColumnDefinition& definition);
     void AddConstraint(TableInfo& table, const Constraint& constraint);
+    void AddKey(TableInfo& table, const Constraint& constraint);
+    void AddDefault(TableInfo& table, const Constraint& constraint);
+    void AddCheck(TableInfo& table, const Constraint& constraint);
+    void AddForeignKey(TableInfo& table, const Constraint& constraint);
+    static std::vector<std::string> KeyColumns(TableInfo& table, const Constraint& constraint,
+                                               bool makeNotNull);
     // Makes a key of an existing table; error 1505 when its rows do not allow it.
     void MakeKey(const TableInfo& table, const KeyInfo& key, Position position);
     std::string FirstDuplicate(const TableInfo& table, const KeyInfo& key);

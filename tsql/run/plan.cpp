@@ -27,6 +27,7 @@ bool Plan::IsCurrent(const Catalog& catalog, const SetOptions& options) const {
 // The key is the address of the part of the tree that is translated: a tree lives as long as its program, and
 // the program holds the plans, so an address stands for one text only.
 Plan& Executor::PlanFor(const void* key, const Make& make) {
+    // Put there only when it is whole: a translation that fails leaves the place as it was.
     std::unique_ptr<Plan>& slot = frame_->program->plans[key];
     if (slot && slot->IsCurrent(catalog_, frame_->options)) return *slot;
     FrameContext context(catalog_, programs_, *frame_);
@@ -35,6 +36,8 @@ Plan& Executor::PlanFor(const void* key, const Make& make) {
     plan->translation = Bound([&] { return make(translator); });
     plan->statement = database_.Prepare(plan->translation.sql);
     plan->generation = catalog_.Generation();
+    // A literal within an expression has given it its type; one that goes straight into a column has decided
+    // nothing.
     plan->takesAnyLiterals = !context.HasPinned();
     for (const Parameter& parameter : plan->translation.parameters) {
         if (parameter.ordinal >= 0 && !parameter.forColumn) plan->takesAnyLiterals = false;
@@ -52,6 +55,7 @@ Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Val
                 const LiteralValue& literal = frame_->literals.At(parameter.ordinal);
                 const bool negated = frame_->literals.IsNegative(literal, parameter.negated);
                 const std::string text = literal.Text();
+                // Of this run: 1, 1.0 and '1' may take turns where a column converts them.
                 from = LiteralType(literal.kind, text);
                 value = ValueOfLiteral(literal.kind, text, negated);
             } else {
@@ -72,16 +76,19 @@ Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Val
     }
     if (!parameter.forColumn) {
         Value converted = Convert(value, from, parameter.to);
+        // Of a set of texts; why a lone blank is not kept there, says kMemberCall.
         if (!parameter.isMember || converted.IsNull()) return converted;
         return Value(WithoutLoneBlank(*options_.collation, converted.Text()));
     }
     const ColumnTarget target{parameter.table, parameter.column, parameter.to, parameter.nullable};
     Value stored = ConvertForColumn(value, from, target, parameter.operation);
+    // SQLite does not say which values were a duplicate, and the server's message names them.
     if (parameter.isKey) services_.RememberKey(parameter.column, KeyText(stored, parameter.to));
     return stored;
 }
 
 // The literals of a long batch, without a detour: what is plain goes into SQLite as it stands in the text.
+// Where it answers false the long way is taken, with its conversions and its errors.
 bool Executor::BindLiteral(PreparedStatement& statement, int index, const Parameter& parameter,
                            const LiteralValue& literal) const {
     const SqlType& type = parameter.to;
@@ -92,6 +99,7 @@ bool Executor::BindLiteral(PreparedStatement& statement, int index, const Parame
             return true;
         case LiteralKind::kInteger: {
             if (type.kind != TypeKind::kInt && type.kind != TypeKind::kBigInt) return false;
+            // An int at most: what is larger is a decimal, and may be refused.
             std::int32_t number = 0;
             const char* end = literal.text.data() + literal.text.size();
             const auto result = std::from_chars(literal.text.data(), end, number);
@@ -103,6 +111,7 @@ bool Executor::BindLiteral(PreparedStatement& statement, int index, const Parame
         case LiteralKind::kString:
         case LiteralKind::kNString:
             if (!type.IsText() || type.IsFixedText() || literal.doubled) return false;
+            // Bytes are never fewer than units: what fits by its bytes needs no counting.
             if (!type.IsMax() && literal.text.size() > static_cast<std::size_t>(type.length)) return false;
             // The batch text stays where it is until the statement has run.
             statement.BindInPlace(index, literal.text);
@@ -118,6 +127,7 @@ void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
     int index = 0;
     for (const Parameter& parameter : plan.translation.parameters) {
         ++index;
+        // A value of a key takes the long way, which remembers it for the message.
         if (parameter.source == Parameter::Source::kLiteral && parameter.forColumn &&
             parameter.ordinal >= 0 && !parameter.isKey && !literals.IsEmpty() &&
             BindLiteral(plan.statement, index, parameter, literals.At(parameter.ordinal))) {
@@ -158,6 +168,7 @@ void Executor::ReadRow(Plan& plan, std::vector<Value>& row) const {
     }
 }
 
+// A lone literal needs no SQLite: SET @i = 0, an argument of EXEC.
 Value Executor::Evaluate(const Expr& expression, SqlType* type) {
     if (const auto* literal = TryAs<LiteralExpr>(&expression);
         literal != nullptr && frame_->literals.IsEmpty()) {

@@ -1,5 +1,7 @@
 // CREATE TABLE, and what it shares with ALTER TABLE and table variables: columns and constraints.
 
+#include <algorithm>
+
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
@@ -69,93 +71,107 @@ void Executor::AddColumn(TableInfo& table, const ColumnDefinition& definition) {
         AddConstraint(table, constraint);
 }
 
-void Executor::AddConstraint(TableInfo& table, const Constraint& constraint) {
-    const auto columnNames = [&](bool makeNotNull) {
-        std::vector<std::string> names;
-        for (const IndexColumn& entry : constraint.columns) {
-            ColumnInfo* column = nullptr;
-            for (ColumnInfo& candidate : table.columns) {
-                if (SameName(candidate.name, entry.name.text)) column = &candidate;
-            }
-            if (column == nullptr) throw MakeError(1911, entry.name.position, {entry.name.text});
-            if (!column->computedText.empty())
-                throw MakeError(40510, entry.name.position, {"a key of computed column " + entry.name.text});
-            if (makeNotNull) column->nullable = false;
-            names.push_back(column->name);
+// The columns of a key by the names of the table.
+std::vector<std::string> Executor::KeyColumns(TableInfo& table, const Constraint& constraint,
+                                              bool makeNotNull) {
+    std::vector<std::string> names;
+    for (const IndexColumn& entry : constraint.columns) {
+        ColumnInfo* column = nullptr;
+        for (ColumnInfo& candidate : table.columns) {
+            if (SameName(candidate.name, entry.name.text)) column = &candidate;
         }
-        return names;
-    };
+        if (column == nullptr) throw MakeError(1911, entry.name.position, {entry.name.text});
+        if (!column->computedText.empty())
+            throw MakeError(40510, entry.name.position, {"a key of computed column " + entry.name.text});
+        if (makeNotNull) column->nullable = false;
+        names.push_back(column->name);
+    }
+    return names;
+}
+
+void Executor::AddConstraint(TableInfo& table, const Constraint& constraint) {
     switch (constraint.kind) {
         case ConstraintKind::kPrimaryKey:
-        case ConstraintKind::kUnique: {
-            const bool primary = constraint.kind == ConstraintKind::kPrimaryKey;
-            if (primary && table.PrimaryKey() != nullptr) {
-                throw MakeError(table.id == 0 ? 8110 : 1779, constraint.position, {table.name});
-            }
-            KeyInfo key;
-            key.kind = primary ? KeyKind::kPrimary : KeyKind::kUnique;
-            key.columns = columnNames(primary && table.id == 0);
-            for (const IndexColumn& column : constraint.columns)
-                key.descending.push_back(column.descending);
-            if (primary) {
-                for (const std::string& name : key.columns) {
-                    if (table.FindColumn(name)->nullable)
-                        throw MakeError(8111, constraint.position, {table.name});
-                }
-            }
-            key.name =
-                ConstraintName(table, constraint, primary ? "PK" : "UQ", primary ? "" : key.columns.front());
-            table.keys.push_back(std::move(key));
-            break;
-        }
-        case ConstraintKind::kDefault: {
-            const std::string& name = constraint.columns.front().name.text;
-            for (ColumnInfo& column : table.columns) {
-                if (!SameName(column.name, name)) continue;
-                if (!column.defaultText.empty()) throw MakeError(1781, constraint.position);
-                column.defaultText = ExpressionText(*constraint.expression);
-                column.defaultName = ConstraintName(table, constraint, "DF", column.name);
-                return;
-            }
-            throw MakeError(1752, constraint.position, {name, table.name});
-        }
-        case ConstraintKind::kCheck: {
-            CheckInfo check;
-            const std::string detail = constraint.columns.empty() ? "" : constraint.columns.front().name.text;
-            check.name = ConstraintName(table, constraint, "CK", detail);
-            check.text = ExpressionText(*constraint.expression);
-            check.sqlText = Translated(
-                [&](Translator& translator) { return translator.CheckText(table, *constraint.expression); });
-            table.checks.push_back(std::move(check));
-            break;
-        }
-        case ConstraintKind::kForeignKey: {
-            ForeignKeyInfo key;
-            key.columns = columnNames(false);
-            const std::string& name = constraint.referencedTable.Object();
-            key.name = ConstraintName(table, constraint, "FK", name);
-            const TableInfo* referenced = SameName(name, table.name) ? &table : catalog_.FindTable(name);
-            if (referenced == nullptr) throw MakeError(1767, constraint.position, {key.name, name});
-            key.referencedTable = referenced->name;
-            for (const Name& column : constraint.referencedColumns) {
-                const ColumnInfo* found = referenced->FindColumn(column.text);
-                if (found == nullptr) throw MakeError(1911, column.position, {column.text});
-                key.referencedColumns.push_back(found->name);
-            }
-            if (key.referencedColumns.empty() && referenced->PrimaryKey() != nullptr) {
-                key.referencedColumns = referenced->PrimaryKey()->columns;
-            }
-            bool candidate = false;
-            for (const KeyInfo& entry : referenced->keys) {
-                candidate = candidate || (entry.IsUnique() && entry.columns == key.referencedColumns);
-            }
-            if (!candidate) throw MakeError(1776, constraint.position, {referenced->name, key.name});
-            key.onDelete = constraint.onDelete;
-            key.onUpdate = constraint.onUpdate;
-            table.foreignKeys.push_back(std::move(key));
-            break;
+        case ConstraintKind::kUnique:
+            return AddKey(table, constraint);
+        case ConstraintKind::kDefault:
+            return AddDefault(table, constraint);
+        case ConstraintKind::kCheck:
+            return AddCheck(table, constraint);
+        case ConstraintKind::kForeignKey:
+            return AddForeignKey(table, constraint);
+    }
+}
+
+// A new table makes the columns of its primary key NOT NULL; in one that has rows they must be so already.
+void Executor::AddKey(TableInfo& table, const Constraint& constraint) {
+    const bool primary = constraint.kind == ConstraintKind::kPrimaryKey;
+    const bool isNew = table.id == 0;
+    if (primary && table.PrimaryKey() != nullptr) {
+        throw MakeError(isNew ? 8110 : 1779, constraint.position, {table.name});
+    }
+    KeyInfo key;
+    key.kind = primary ? KeyKind::kPrimary : KeyKind::kUnique;
+    key.columns = KeyColumns(table, constraint, primary && isNew);
+    for (const IndexColumn& column : constraint.columns)
+        key.descending.push_back(column.descending);
+    if (primary) {
+        for (const std::string& name : key.columns) {
+            if (table.FindColumn(name)->nullable) throw MakeError(8111, constraint.position, {table.name});
         }
     }
+    key.name = ConstraintName(table, constraint, primary ? "PK" : "UQ", primary ? "" : key.columns.front());
+    table.keys.push_back(std::move(key));
+}
+
+void Executor::AddDefault(TableInfo& table, const Constraint& constraint) {
+    const std::string& name = constraint.columns.front().name.text;
+    for (ColumnInfo& column : table.columns) {
+        if (!SameName(column.name, name)) continue;
+        if (!column.defaultText.empty()) throw MakeError(1781, constraint.position);
+        column.defaultText = ExpressionText(*constraint.expression);
+        column.defaultName = ConstraintName(table, constraint, "DF", column.name);
+        return;
+    }
+    throw MakeError(1752, constraint.position, {name, table.name});
+}
+
+// Kept twice: as it was written, for whoever asks, and as SQLite checks it.
+void Executor::AddCheck(TableInfo& table, const Constraint& constraint) {
+    CheckInfo check;
+    const std::string detail = constraint.columns.empty() ? "" : constraint.columns.front().name.text;
+    check.name = ConstraintName(table, constraint, "CK", detail);
+    check.text = ExpressionText(*constraint.expression);
+    check.sqlText = Translated(
+        [&](Translator& translator) { return translator.CheckText(table, *constraint.expression); });
+    table.checks.push_back(std::move(check));
+}
+
+// What is referred to is a key of the other table, by default its primary one. A table may refer to itself,
+// which is not in the catalog yet.
+void Executor::AddForeignKey(TableInfo& table, const Constraint& constraint) {
+    ForeignKeyInfo key;
+    key.columns = KeyColumns(table, constraint, false);
+    const std::string& name = constraint.referencedTable.Object();
+    key.name = ConstraintName(table, constraint, "FK", name);
+    const TableInfo* referenced = SameName(name, table.name) ? &table : catalog_.FindTable(name);
+    if (referenced == nullptr) throw MakeError(1767, constraint.position, {key.name, name});
+    key.referencedTable = referenced->name;
+    for (const Name& column : constraint.referencedColumns) {
+        const ColumnInfo* found = referenced->FindColumn(column.text);
+        if (found == nullptr) throw MakeError(1911, column.position, {column.text});
+        key.referencedColumns.push_back(found->name);
+    }
+    if (key.referencedColumns.empty() && referenced->PrimaryKey() != nullptr) {
+        key.referencedColumns = referenced->PrimaryKey()->columns;
+    }
+    const bool isKey = std::any_of(
+        referenced->keys.begin(), referenced->keys.end(),
+        [&](const KeyInfo& entry) { return entry.IsUnique() && entry.columns == key.referencedColumns; });
+    if (!isKey) throw MakeError(1776, constraint.position, {referenced->name, key.name});
+    key.onDelete = constraint.onDelete;
+    key.onUpdate = constraint.onUpdate;
+    table.foreignKeys.push_back(std::move(key));
 }
 
 TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& definition, bool temporary) {

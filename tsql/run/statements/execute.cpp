@@ -46,9 +46,13 @@ void Executor::CallProcedure(const ExecuteStatement& statement, const std::strin
     RunProcedure(*procedure, statement, 0, callee);
 }
 
-void Executor::BindArguments(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
-                             std::size_t firstArgument, Frame& callee) {
-    const std::vector<ProcedureParameter>& parameters = procedure.parameters;
+namespace {
+
+// Which argument each parameter is given: by place until the first name, by names from there on.
+std::vector<const ExecuteArgument*> ArgumentsByParameter(const std::vector<ProcedureParameter>& parameters,
+                                                         const ExecuteStatement& statement,
+                                                         std::size_t firstArgument,
+                                                         const std::string& procedure) {
     std::vector<const ExecuteArgument*> given(parameters.size(), nullptr);
     std::size_t next = 0;
     bool named = false;
@@ -60,21 +64,37 @@ void Executor::BindArguments(const CreateProcedureStatement& procedure, const Ex
             for (target = 0; target < parameters.size(); ++target) {
                 if (SameName(parameters[target].name, argument.name)) break;
             }
-            if (target == parameters.size()) {
-                throw MakeError(8145, statement.position, {argument.name, callee.procedure});
-            }
+            if (target == parameters.size())
+                throw MakeError(8145, statement.position, {argument.name, procedure});
         } else if (named) {
             throw MakeError(119, statement.position, {static_cast<std::int32_t>(i - firstArgument + 1)});
         }
-        if (target >= parameters.size()) {
-            if (parameters.empty()) throw MakeError(8146, statement.position, {callee.procedure});
-            throw MakeError(8144, statement.position, {callee.procedure});
-        }
+        if (target >= parameters.size())
+            throw MakeError(parameters.empty() ? 8146 : 8144, statement.position, {procedure});
         if (given[target] != nullptr) throw MakeError(8143, statement.position, {parameters[target].name});
         given[target] = &argument;
     }
-    for (std::size_t i = 0; i < parameters.size(); ++i) {
-        const ProcedureParameter& parameter = parameters[i];
+    return given;
+}
+
+// A wrong argument is told as 8114, whatever the conversion would say.
+Value ConvertArgument(const Value& value, const SqlType& from, const SqlType& to, Position where) {
+    try {
+        if (!from.IsUnknown()) CheckConversion(from, to, false);
+        return Convert(value, from, to);
+    } catch (const SqlError& error) {
+        if (error.Number() != 245 && error.Number() != 241 && error.Number() != 242) throw;
+        throw MakeError(8114, where, {MessageName(from), MessageName(to)});
+    }
+}
+
+}  // namespace
+
+void Executor::BindArguments(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
+                             std::size_t firstArgument, Frame& callee) {
+    const auto given = ArgumentsByParameter(procedure.parameters, statement, firstArgument, callee.procedure);
+    for (std::size_t i = 0; i < procedure.parameters.size(); ++i) {
+        const ProcedureParameter& parameter = procedure.parameters[i];
         Variable variable;
         variable.isCursor = parameter.cursor;
         if (!parameter.cursor) variable.type = Translator::ResolveType(parameter.type);
@@ -88,26 +108,17 @@ void Executor::BindArguments(const CreateProcedureStatement& procedure, const Ex
         if (hasValue && given[i]->output && !parameter.output) {
             throw MakeError(8162, statement.position, {parameter.name});
         }
-        if (parameter.cursor) {
-            callee.variables.emplace(LowerAscii(parameter.name), std::move(variable));
-            continue;
-        }
-        SqlType type;
-        const Expr& value = hasValue ? *given[i]->value : *parameter.defaultValue;
-        Value evaluated;
-        if (hasValue) {
-            evaluated = Evaluate(value, &type);
-        } else {
-            const FrameScope inside(frame_, callee);
-            evaluated = Evaluate(value, &type);
-        }
-        try {
-            if (!type.IsUnknown()) CheckConversion(type, variable.type, false);
-            variable.value = Convert(evaluated, type, variable.type);
-        } catch (const SqlError& error) {
-            // A wrong argument is told as 8114, whatever the conversion would say.
-            if (error.Number() != 245 && error.Number() != 241 && error.Number() != 242) throw;
-            throw MakeError(8114, statement.position, {MessageName(type), MessageName(variable.type)});
+        if (!parameter.cursor) {
+            // An argument is worked out among the caller's variables, a default among the procedure's.
+            SqlType type;
+            Value value;
+            if (hasValue) {
+                value = Evaluate(*given[i]->value, &type);
+            } else {
+                const FrameScope inside(frame_, callee);
+                value = Evaluate(*parameter.defaultValue, &type);
+            }
+            variable.value = ConvertArgument(value, type, variable.type, statement.position);
         }
         callee.variables.emplace(LowerAscii(parameter.name), std::move(variable));
     }

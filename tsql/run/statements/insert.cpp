@@ -57,4 +57,25 @@ void Executor::InsertExecute(const InsertStatement& statement) {
     });
 }
 
+// The rows are here already, so that what gave them may have read the table. Each takes its identity value by
+// itself: the counter is kept in the account set, not by the statement.
+void Executor::InsertRows(const void* key, const ObjectName& name, const std::vector<Name>& columns,
+                          const std::vector<SqlType>& types, std::vector<std::vector<Value>>& rows) {
+    const TableInfo* table = FindTable(name.Object());
+    if (table == nullptr) throw MakeError(208, name.Where(), {name.Text()});
+    Plan& plan =
+        PlanFor(key, [&](Translator& translator) { return translator.InsertRow(*table, columns, types); });
+    std::int64_t count = 0;
+    for (const std::vector<Value>& row : rows) {
+        const ResetAtEnd reset(plan.statement);
+        if (plan.translation.usesIdentity) StartIdentity(*table);
+        Bind(plan, &row);
+        while (StepPlan(plan)) {
+        }
+        if (plan.translation.usesIdentity) KeepIdentity(*table);
+        ++count;
+    }
+    CountRows(count);
+}
+
 }  // namespace vicenter::tsql::engine

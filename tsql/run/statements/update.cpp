@@ -1,4 +1,9 @@
+#include <algorithm>
+
+#include "automation/object.h"
 #include "tsql/run/executor.h"
+#include "tsql/run/statement_guard.h"
+#include "tsql/sqlite/stored_value.h"
 
 namespace vicenter::tsql::engine {
 
@@ -30,6 +35,70 @@ void Executor::Update(const UpdateStatement& statement) {
         // duplicate.
         if (!IsDuplicate(error) || TellsRows(statement) || !RewriteRows(statement, temporary)) throw;
     }
+}
+
+bool Executor::IsReferenced(const TableInfo& table) const {
+    if (table.temporary) return false;
+    for (const TableInfo* other : catalog_.Tables()) {
+        for (const ForeignKeyInfo& key : other->foreignKeys) {
+            if (automation::SameName(key.referencedTable, table.name)) return true;
+        }
+    }
+    return false;
+}
+
+// The rows as they are to be are read, the old ones deleted and the new ones inserted. Rows that others refer
+// to cannot be deleted on the way.
+bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
+    bool possible = false;
+    transactions_.Change(temporary, [&] {
+        Plan& plan = PlanFor(&statement.assignments,
+                             [&](Translator& translator) { return translator.UpdatedRows(statement); });
+        const TableInfo& table = *catalog_.FindTable(plan.translation.table);
+        if (IsReferenced(table)) return;
+        possible = true;
+        std::vector<std::vector<Value>> rows;
+        {
+            const ResetAtEnd reset(plan.statement);
+            Bind(plan);
+            while (StepPlan(plan))
+                ReadRow(plan, rows.emplace_back());
+        }
+        StatementGuard guard(database_, true);
+        PreparedStatement remove = database_.Prepare("DELETE FROM " + table.Sql() + " WHERE _rowid_ = ?1");
+        for (const std::vector<Value>& row : rows) {
+            remove.Bind(1, row.front().Int());
+            database_.Step(remove);
+            remove.Reset();
+        }
+        const std::vector<ResultColumn>& columns = plan.translation.columns;
+        // A key of one integer is the number of the row itself.
+        const bool named = std::any_of(columns.begin() + 1, columns.end(), [&](const ResultColumn& column) {
+            return table.IsRowNumber(column.name);
+        });
+        const std::size_t first = named ? 1 : 0;
+        std::string list;
+        std::string marks;
+        for (std::size_t i = first; i < columns.size(); ++i) {
+            list += (i == first ? "" : ", ") + Quoted(columns[i].name);
+            marks += i == first ? "?" : ", ?";
+        }
+        PreparedStatement add =
+            database_.Prepare("INSERT INTO " + table.Sql() + "(" + list + ") VALUES (" + marks + ")");
+        for (const std::vector<Value>& row : rows) {
+            for (std::size_t i = first; i < columns.size(); ++i) {
+                const ResultColumn& column = columns[i];
+                if (table.IsInUniqueKey(column.name))
+                    services_.RememberKey(column.name, KeyText(row[i], column.type));
+                BindValue(add.Handle(), static_cast<int>(i - first) + 1, row[i], column.type);
+            }
+            if (add.Step() == StepResult::kFailed) FailStep(plan);
+            add.Reset();
+        }
+        guard.Release();
+        CountRows(static_cast<std::int64_t>(rows.size()));
+    });
+    return possible;
 }
 
 }  // namespace vicenter::tsql::engine
