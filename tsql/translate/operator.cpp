@@ -9,8 +9,6 @@ namespace vicenter::tsql::engine {
 
 namespace {
 
-constexpr int kLongestBinary = 8000;
-
 char OperatorLetter(BinaryOp op) {
     switch (op) {
         case BinaryOp::kAdd:
@@ -31,6 +29,11 @@ char OperatorLetter(BinaryOp op) {
             return '^';
     }
     return '?';
+}
+
+// As the calls of operators take it.
+std::string OperatorMark(BinaryOp op) {
+    return std::string("'") + OperatorLetter(op) + "'";
 }
 
 const char* OperatorName(BinaryOp op) {
@@ -68,7 +71,7 @@ SqlType TextSum(const SqlType& a, const SqlType& b) {
     if (a.IsMax() || b.IsMax()) {
         type.length = kMaxLength;
     } else {
-        const int limit = type.IsUnicode() ? 4000 : 8000;
+        const int limit = type.IsUnicode() ? kLongestNVarChar : kLongestVarChar;
         type.length = a.length + b.length < limit ? a.length + b.length : limit;
     }
     return type;
@@ -104,52 +107,19 @@ Operand Translator::Unary(const UnaryExpr& unary, Scope& scope) {
 }
 
 Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, const Operand& right) {
-    const std::string letter = std::string("'") + OperatorLetter(op) + "'";
     const SqlType& a = left.type;
     const SqlType& b = right.type;
     if (a.IsUnknown() && b.IsUnknown()) return Computed("NULL", SqlType::Int());
-    if (op == BinaryOp::kAdd && (a.IsText() || a.IsUnknown()) && (b.IsText() || b.IsUnknown())) {
-        for (const Operand* operand : {&left, &right}) {
-            if (operand->literal != nullptr) context_.PinLiteral(*operand->literal);
-        }
-        const SqlType type = TextSum(a, b);
-        const std::string sql = "(" + Render(left) + " || " + Render(right) + ")";
-        // What is beyond the longest text of the type is cut.
-        const bool isCut = !type.IsMax() && a.length + b.length > type.length;
-        return Computed(isCut ? ConvertCall(sql, SqlType::Of(type.kind, kMaxLength), type) : sql, type);
-    }
-    if (op == BinaryOp::kAdd && a.IsBinary() && b.IsBinary()) {
-        SqlType type = SqlType::Of(TypeKind::kVarBinary, kMaxLength);
-        if (!a.IsMax() && !b.IsMax()) type.length = std::min(a.length + b.length, kLongestBinary);
-        const std::string sql = "CAST(" + Render(left) + " || " + Render(right) + " AS BLOB)";
-        return Computed(ConvertCall(sql, SqlType::Of(TypeKind::kVarBinary, kMaxLength), type), type);
-    }
-    SqlType common = CommonType(a, b);
+    if (op == BinaryOp::kAdd && (a.IsText() || a.IsUnknown()) && (b.IsText() || b.IsUnknown()))
+        return SumOfTexts(left, right);
+    if (op == BinaryOp::kAdd && a.IsBinary() && b.IsBinary()) return SumOfBytes(left, right);
+    const SqlType common = CommonType(a, b);
     if (common.IsText()) {
         throw MakeError(a.IsUnknown() || b.IsUnknown() ? 8117 : 402, position,
                         {MessageName(a.IsUnknown() ? b : a),
                          a.IsUnknown() || b.IsUnknown() ? OperatorName(op) : b.Name(), OperatorName(op)});
     }
-    if (common.IsDate()) {
-        if (op != BinaryOp::kAdd && op != BinaryOp::kSubtract) {
-            throw MakeError(8117, position, {MessageName(common), OperatorName(op)});
-        }
-        if (common.kind == TypeKind::kDate || common.kind == TypeKind::kTime ||
-            common.kind == TypeKind::kDateTime2) {
-            throw MakeError(206, position, {MessageName(a), MessageName(b)});
-        }
-        const SqlType datetime = SqlType::DateTime();
-        const Operand& date = a.IsDate() ? left : right;
-        const Operand& other = a.IsDate() ? right : left;
-        const std::string days = other.type.IsDate() || other.type.IsText()
-                                     ? ConvertCall(RenderAs(other, datetime), datetime, SqlType::Float())
-                                     : RenderAs(other, SqlType::Float());
-        if (op == BinaryOp::kSubtract && !a.IsDate())
-            throw MakeError(8117, position, {MessageName(b), "subtract"});
-        return Computed(
-            kDatePlusCall.Call({RenderAs(date, datetime), days, op == BinaryOp::kAdd ? "1" : "-1"}),
-            datetime);
-    }
+    if (common.IsDate()) return DatePlus(op, position, left, right);
     if (!common.IsNumber()) throw MakeError(8117, position, {MessageName(common), OperatorName(op)});
     const bool bitwise = op == BinaryOp::kBitAnd || op == BinaryOp::kBitOr || op == BinaryOp::kBitXor;
     if (bitwise && !common.IsInteger()) {
@@ -158,20 +128,70 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
     if (common.IsFloat()) {
         if (op == BinaryOp::kModulo)
             throw MakeError(402, position, {MessageName(a), MessageName(b), "modulo"});
-        const std::string sql =
-            kRealCall.Call({letter, RenderAs(left, SqlType::Float()), RenderAs(right, SqlType::Float())});
+        const std::string sql = kRealCall.Call(
+            {OperatorMark(op), RenderAs(left, SqlType::Float()), RenderAs(right, SqlType::Float())});
+        // A sum of two reals is worked out as a float and rounded once.
         if (common.kind == TypeKind::kReal)
             return Computed(ConvertCall(sql, SqlType::Float(), common), common);
         return Computed(sql, common);
     }
-    if (common.IsInteger()) {
-        if (common.kind == TypeKind::kBit && !bitwise) {
-            throw MakeError(8117, position, {"bit", OperatorName(op)});
-        }
-        return Computed(
-            kIntegerCall.Call({letter, RenderAs(left, common), RenderAs(right, common), Code(common)}),
-            common);
+    if (!common.IsInteger()) return OfDecimals(op, common, left, right);
+    if (common.kind == TypeKind::kBit && !bitwise) {
+        throw MakeError(8117, position, {"bit", OperatorName(op)});
     }
+    // SQLite goes on in floating point where an integer overflows, the server fails: so no operator of
+    // SQLite's.
+    return Computed(
+        kIntegerCall.Call({OperatorMark(op), RenderAs(left, common), RenderAs(right, common), Code(common)}),
+        common);
+}
+
+// The type of the sum depends on the lengths of both, which for a literal are its own.
+Operand Translator::SumOfTexts(const Operand& left, const Operand& right) {
+    for (const Operand* operand : {&left, &right}) {
+        if (operand->literal != nullptr) context_.PinLiteral(*operand->literal);
+    }
+    const SqlType type = TextSum(left.type, right.type);
+    const std::string sql = "(" + Render(left) + " || " + Render(right) + ")";
+    // What is beyond the longest text of the type is cut.
+    const bool isCut = !type.IsMax() && left.type.length + right.type.length > type.length;
+    return Computed(isCut ? ConvertCall(sql, SqlType::Of(type.kind, kMaxLength), type) : sql, type);
+}
+
+Operand Translator::SumOfBytes(const Operand& left, const Operand& right) {
+    SqlType type = SqlType::Of(TypeKind::kVarBinary, kMaxLength);
+    if (!left.type.IsMax() && !right.type.IsMax())
+        type.length = std::min(left.type.length + right.type.length, kLongestVarChar);
+    const std::string sql = "CAST(" + Render(left) + " || " + Render(right) + " AS BLOB)";
+    return Computed(ConvertCall(sql, SqlType::Of(TypeKind::kVarBinary, kMaxLength), type), type);
+}
+
+// Only the older types take days with + and -, and only a date may stand before the minus.
+Operand Translator::DatePlus(BinaryOp op, Position position, const Operand& left, const Operand& right) {
+    const SqlType common = CommonType(left.type, right.type);
+    if (op != BinaryOp::kAdd && op != BinaryOp::kSubtract) {
+        throw MakeError(8117, position, {MessageName(common), OperatorName(op)});
+    }
+    if (common.kind == TypeKind::kDate || common.kind == TypeKind::kTime ||
+        common.kind == TypeKind::kDateTime2) {
+        throw MakeError(206, position, {MessageName(left.type), MessageName(right.type)});
+    }
+    const SqlType datetime = SqlType::DateTime();
+    const bool dateFirst = left.type.IsDate();
+    const Operand& date = dateFirst ? left : right;
+    const Operand& other = dateFirst ? right : left;
+    const std::string days = other.type.IsDate() || other.type.IsText()
+                                 ? ConvertCall(RenderAs(other, datetime), datetime, SqlType::Float())
+                                 : RenderAs(other, SqlType::Float());
+    if (op == BinaryOp::kSubtract && !dateFirst)
+        throw MakeError(8117, position, {MessageName(right.type), "subtract"});
+    return Computed(kDatePlusCall.Call({RenderAs(date, datetime), days, op == BinaryOp::kAdd ? "1" : "-1"}),
+                    datetime);
+}
+
+// The precision of a result follows from those of both sides, which for a literal are its digits.
+Operand Translator::OfDecimals(BinaryOp op, const SqlType& common, const Operand& left,
+                               const Operand& right) {
     static constexpr Arithmetic kArithmetic[] = {Arithmetic::kAdd, Arithmetic::kSubtract,
                                                  Arithmetic::kMultiply, Arithmetic::kDivide,
                                                  Arithmetic::kModulo};
@@ -184,14 +204,14 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
         if (operand.type.IsInteger()) return RenderAs(operand, AsDecimal(ArithmeticType(operand)));
         return RenderAs(operand, common);
     };
-    const SqlType leftType = a.IsNumber() ? ArithmeticType(left) : common;
-    const SqlType rightType = b.IsNumber() ? ArithmeticType(right) : common;
+    const SqlType leftType = left.type.IsNumber() ? ArithmeticType(left) : common;
+    const SqlType rightType = right.type.IsNumber() ? ArithmeticType(right) : common;
     const SqlType type = common.IsMoney()
                              ? common
                              : DecimalResult(kArithmetic[static_cast<std::size_t>(op)], leftType, rightType);
     const std::string leftText = exact(left);
     const std::string rightText = exact(right);
-    return Computed(kDecimalCall.Call({letter, leftText, rightText, Code(type)}), type);
+    return Computed(kDecimalCall.Call({OperatorMark(op), leftText, rightText, Code(type)}), type);
 }
 
 }  // namespace vicenter::tsql::engine

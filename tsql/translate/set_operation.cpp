@@ -18,6 +18,20 @@ const SelectBody* FirstSelect(const QueryBody& body) {
     return &As<SelectBody>(*at);
 }
 
+const char* OperationText(SetOp op) {
+    switch (op) {
+        case SetOp::kUnion:
+            return " UNION ";
+        case SetOp::kUnionAll:
+            return " UNION ALL ";
+        case SetOp::kExcept:
+            return " EXCEPT ";
+        case SetOp::kIntersect:
+            return " INTERSECT ";
+    }
+    return "";
+}
+
 }  // namespace
 
 // The text of a SELECT; with types each item is converted to its own.
@@ -40,6 +54,26 @@ std::string Translator::Assemble(SelectParts& parts, const std::vector<SqlType>*
     return sql + parts.tail + parts.order + parts.limit;
 }
 
+// One member with the types that all agree on. SQLite takes no ORDER BY, LIMIT or further set operation in a
+// member but as a source of its own.
+std::string Translator::MemberText(SelectParts& member, const std::vector<SqlType>& types,
+                                   bool inSetOfTexts) {
+    const bool nested = member.head.empty() || !member.limit.empty() || !member.order.empty();
+    std::string sql = Assemble(member, &types);
+    if (nested) {
+        std::string items;
+        for (std::size_t c = 0; c < types.size(); ++c) {
+            const Operand column = Computed("c" + std::to_string(c + 1), member.items[c].type);
+            const std::string text = member.head.empty() ? RenderAs(column, types[c]) : column.sql;
+            items += (c == 0 ? "" : ", ") + text + " AS c" + std::to_string(c + 1);
+        }
+        sql = "SELECT " + items + " FROM (" + sql + ")";
+    }
+    if (!inSetOfTexts) return sql;
+    return "SELECT " + kMemberCall.Call({"c1"}) + " COLLATE " + kTextCollationName + " AS c1 FROM (" + sql +
+           ")";
+}
+
 SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderFrom, const Scope* outer) {
     std::vector<SelectParts> members;
     members.push_back(BodyOf(*operation.first, nullptr, outer));
@@ -53,53 +87,21 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
         for (std::size_t i = 0; i < types.size(); ++i)
             types[i] = CommonType(types[i], member.items[i].type);
     }
-    SelectParts parts;
-    // Scripts list hundreds of rows by UNION ALL; SQLite takes 500 terms at a time.
-    const bool isLong =
-        members.size() > kMostTerms &&
+    const bool keepsAll =
         std::all_of(operation.rest.begin(), operation.rest.end(),
                     [](const SetOperation::Term& term) { return term.op == SetOp::kUnionAll; });
-    const bool isSetOfTexts =
-        types.size() == 1 && types.front().IsText() &&
-        std::any_of(operation.rest.begin(), operation.rest.end(),
-                    [](const SetOperation::Term& term) { return term.op != SetOp::kUnionAll; });
+    // Scripts list hundreds of rows by UNION ALL; SQLite takes 500 terms at a time.
+    const bool isLong = members.size() > kMostTerms && keepsAll;
+    const bool isSetOfTexts = types.size() == 1 && types.front().IsText() && !keepsAll;
+    SelectParts parts;
     if (isLong) parts.tail = "SELECT * FROM (";
     for (std::size_t i = 0; i < members.size(); ++i) {
-        SelectParts& member = members[i];
-        const bool nested = member.head.empty() || !member.limit.empty() || !member.order.empty();
-        std::string sql = Assemble(member, &types);
-        if (nested) {
-            std::string items;
-            for (std::size_t c = 0; c < types.size(); ++c) {
-                const Operand column = Computed("c" + std::to_string(c + 1), member.items[c].type);
-                const std::string text = member.head.empty() ? RenderAs(column, types[c]) : column.sql;
-                items += (c == 0 ? "" : ", ") + text + " AS c" + std::to_string(c + 1);
-            }
-            sql = "SELECT " + items + " FROM (" + sql + ")";
+        if (i > 0) {
+            const bool isNextGroup = isLong && i % kMostTerms == 0;
+            parts.tail +=
+                isNextGroup ? ") UNION ALL SELECT * FROM (" : OperationText(operation.rest[i - 1].op);
         }
-        if (isSetOfTexts) {
-            sql = "SELECT " + kMemberCall.Call({"c1"}) + " COLLATE " + kTextCollationName + " AS c1 FROM (" +
-                  sql + ")";
-        }
-        if (i > 0 && isLong && i % kMostTerms == 0) {
-            parts.tail += ") UNION ALL SELECT * FROM (";
-        } else if (i > 0) {
-            switch (operation.rest[i - 1].op) {
-                case SetOp::kUnion:
-                    parts.tail += " UNION ";
-                    break;
-                case SetOp::kUnionAll:
-                    parts.tail += " UNION ALL ";
-                    break;
-                case SetOp::kExcept:
-                    parts.tail += " EXCEPT ";
-                    break;
-                case SetOp::kIntersect:
-                    parts.tail += " INTERSECT ";
-                    break;
-            }
-        }
-        parts.tail += sql;
+        parts.tail += MemberText(members[i], types, isSetOfTexts);
     }
     if (isLong) parts.tail += ")";
     parts.names = members.front().names;
@@ -111,10 +113,6 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
     if (orderFrom != nullptr) {
         Scope named;
         named.outer = outer;
-        Source results;
-        for (std::size_t i = 0; i < parts.items.size(); ++i) {
-            results.columns.push_back({parts.names[i], types[i], parts.items[i].sql, false});
-        }
         parts.order = OrderBy(*orderFrom, *FirstSelect(operation), named, parts);
         parts.limit = LimitOf(nullptr, orderFrom, named);
     }

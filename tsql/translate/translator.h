@@ -151,6 +151,10 @@ class Translator {
     // operator.cpp
     Operand Unary(const UnaryExpr& unary, Scope& scope);
     Operand Binary(BinaryOp op, Position position, const Operand& left, const Operand& right);
+    Operand SumOfTexts(const Operand& left, const Operand& right);
+    Operand SumOfBytes(const Operand& left, const Operand& right);
+    Operand DatePlus(BinaryOp op, Position position, const Operand& left, const Operand& right);
+    Operand OfDecimals(BinaryOp op, const SqlType& common, const Operand& left, const Operand& right);
 
     // function.cpp
     Operand Function(const FunctionExpr& function, Scope& scope);
@@ -191,6 +195,7 @@ class Translator {
 
     // set_operation.cpp
     SelectParts SetOf(const SetOperation& operation, const Query* orderFrom, const Scope* outer);
+    std::string MemberText(SelectParts& member, const std::vector<SqlType>& types, bool inSetOfTexts);
     std::string Assemble(SelectParts& parts, const std::vector<SqlType>* types);
 
     // order.cpp

@@ -36,6 +36,7 @@ std::vector<Translator::Assigned> Translator::Assignments(const UpdateStatement&
         Operand value = literal != nullptr && literal->literal == LiteralKind::kDefault
                             ? DefaultOf(*column)
                             : Value(*assignment.value, scope);
+        // column += e is column = column + e, with the types of that sum.
         if (assignment.op != AssignOp::kSet) {
             Operand current;
             current.sql = alias + "." + Quoted(column->name);
@@ -85,6 +86,7 @@ Translation Translator::UpdatedRows(const UpdateStatement& statement) {
     const UpdateParts parts = PartsOf(statement);
     std::string sql = "SELECT " + parts.alias + "._rowid_";
     translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
+    // All columns, changed or not: the rows are deleted and put anew. What is computed comes by itself.
     for (const ColumnInfo& column : parts.table->columns) {
         if (!column.computedText.empty()) continue;
         const auto entry = std::find_if(parts.assigned.begin(), parts.assigned.end(),
@@ -104,6 +106,7 @@ Translation Translator::Update(const UpdateStatement& statement) {
     const TableInfo& table = *parts.table;
     const std::string& alias = parts.alias;
     const std::vector<Assigned>& assigned = parts.assigned;
+    // @v = column = e: SQLite gives the new value back, and the last row's stays.
     std::string variables;
     for (const tsql::Assignment& assignment : statement.assignments) {
         if (assignment.variable.empty()) continue;
@@ -123,12 +126,15 @@ Translation Translator::Update(const UpdateStatement& statement) {
                    RenderStored(entry.value, table, *entry.column, kUpdate);
         }
         std::string where = Where(parts.condition);
+        // LIMIT of an UPDATE is an option of SQLite's build; a query has it always.
         if (!parts.limit.empty()) {
             where =
                 " WHERE _rowid_ IN (SELECT " + alias + "._rowid_" + parts.from + where + parts.limit + ")";
         }
         sql = "UPDATE " + table.Sql() + " AS " + alias + " SET " + sql + where;
     } else {
+        // All new values are worked out first, under the names ts$s.c1 and on, and joined to their rows by
+        // number. Of several for one row SQLite takes one, as the server does.
         std::string inner = "SELECT " + alias + "._rowid_ AS r";
         for (std::size_t i = 0; i < assigned.size(); ++i) {
             const Operand& value = assigned[i].value;
