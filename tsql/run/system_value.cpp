@@ -5,13 +5,22 @@
 
 namespace vicenter::tsql::engine {
 
+namespace {
+
+// Identities are kept as the integers that they are; T-SQL answers them as decimal(38,0).
+Value AsDecimal(const Value& identity) {
+    return identity.IsNull() ? Value() : Value(automation::Decimal(identity.Int()));
+}
+
+}  // namespace
+
 Value Executor::SystemValue(std::string_view name) const {
     if (name == "@@rowcount") return Value(rowCount_);
     if (name == "@@error") return Value(std::int64_t{lastError_});
     if (name == "@@fetch_status") return Value(std::int64_t{fetchStatus_});
     if (name == "@@trancount") return Value(transactions_.Count());
-    if (name == "@@identity") return identity_;
-    if (name == "scope_identity") return frame_ != nullptr ? frame_->scopeIdentity : Value();
+    if (name == "@@identity") return AsDecimal(identity_);
+    if (name == "scope_identity") return frame_ != nullptr ? AsDecimal(frame_->scopeIdentity) : Value();
     if (name == "@@nestlevel") return Value(frame_ != nullptr ? frame_->level : 0);
     if (name == "@@procid") return Value(frame_ != nullptr ? frame_->procedureId : 0);
     if (name == "@@spid") return Value(51);
