@@ -4,16 +4,29 @@
 
 namespace vicenter::host {
 
+namespace {
+
+Variant MessageJson(const ShownMessage& message) {
+    JsonMembers members = {{"title", message.title}, {"text", message.text}};
+    if (!message.file.empty()) members.emplace_back("file", message.file);
+    return JsonObject(members);
+}
+
+}  // namespace
+
 void PrintJson(const CliContext& context, const Variant& document) {
     context.streams.out << EncodeJson(document) << "\n";
 }
 
-int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text) {
+int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text,
+                   const JsonMembers& more) {
     if (context.options.json) {
         VariantArray messages;
         for (const ShownMessage& message : context.messages.Shown())
-            messages.push_back(JsonObject({{"title", message.title}, {"text", message.text}}));
-        PrintJson(context, JsonObject({{"ok", ok}, {"messages", messages}, {"data", data}}));
+            messages.push_back(MessageJson(message));
+        JsonMembers members = {{"ok", ok}, {"messages", messages}, {"data", data}};
+        members.insert(members.end(), more.begin(), more.end());
+        PrintJson(context, JsonObject(members));
     } else {
         context.messages.Print(ok ? context.streams.out : context.streams.err);
         if (ok) context.streams.out << text;

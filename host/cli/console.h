@@ -16,6 +16,9 @@ namespace vicenter::host {
 struct ShownMessage {
     std::string title;
     std::string text;
+    std::string file = {};                  // that the message is about; empty where a command has no files
+    std::string label = {};                 // what stands before it on a terminal
+    std::vector<std::string> reasons = {};  // what stands below it there, a line each
 };
 
 // Keeps the messages for the end of the command and asks questions at once.
@@ -28,18 +31,28 @@ class ConsoleMessages final : public system::MessageBoxes {
     system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
                                system::MessageIcon icon, const std::string& title) override;
 
+    // What is said from now on is about that file, which a terminal is told by the label; none: about none.
+    void SpeakOf(const std::string& file, const std::string& label) {
+        file_ = file;
+        label_ = label;
+    }
+    // Below the last message, unless one about the same file has said it.
+    void AddReason(const std::string& reason);
+
     // Questions are among them.
     const std::vector<ShownMessage>& Shown() const { return shown_; }
     // Prints those that have not been printed yet, line breaks as the terminal has them.
     void Print(std::ostream& out);
 
   private:
-    bool Ask(const std::string& text);
+    bool Ask();
 
     std::istream& in_;
     std::ostream& prompt_;
     std::optional<bool> answer_;
     bool intoDocument_;
+    std::string file_;
+    std::string label_;
     std::vector<ShownMessage> shown_;
     std::size_t printed_ = 0;
 };

@@ -26,8 +26,9 @@ struct CliContext {
 void PrintJson(const CliContext& context, const Variant& document);
 
 // The end of a command that speaks to the user: one JSON document, or the messages (to `err` when it failed)
-// and, when it did not fail, the text. Returns the exit code.
-int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text = {});
+// and, when it did not fail, the text. `more`: further members of the document. Returns the exit code.
+int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text = {},
+                   const JsonMembers& more = {});
 
 // The end of a command that wrote a template: as above, and what no message has said of a failure on `err`.
 int FinishWriting(const CliContext& context, const store::TemplateOutcome& outcome, const Variant& data);

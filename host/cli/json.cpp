@@ -11,7 +11,7 @@ namespace vicenter::host {
 using automation::Error;
 using automation::VariantType;
 
-Variant JsonObject(std::initializer_list<JsonMember> members) {
+Variant JsonObject(const JsonMembers& members) {
     const auto dictionary = std::make_shared<scripting::Dictionary>();
     for (const auto& [name, value] : members)
         dictionary->Add(name, value);

@@ -3,10 +3,10 @@
 // JSON documents of the command line, by the project's own codec. Objects are Scripting.Dictionary objects in
 // the order in which their keys were added.
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "automation/variant.h"
 #include "platform/scripting/dictionary.h"
@@ -17,8 +17,9 @@ using automation::Variant;
 using automation::VariantArray;
 
 using JsonMember = std::pair<const char*, Variant>;
+using JsonMembers = std::vector<JsonMember>;
 
-Variant JsonObject(std::initializer_list<JsonMember> members);
+Variant JsonObject(const JsonMembers& members);
 
 // Without blanks or line breaks. Decimals and dates must have become texts before.
 std::string EncodeJson(const Variant& value);

@@ -291,7 +291,10 @@ TEST_F(ExchangeRoundTrip, AFolderIsImportedFileByFileInTheOrderOfNames) {
     std::ofstream(in / "notes.txt") << "no workbook";
     const CliAnswer answer = Run({"import", folder_.Path("in")});
     EXPECT_EQ(kExitDone, answer.exitCode);
-    EXPECT_EQ("引入模板 a 成功！\n引入模板 b 成功！\n", answer.output);
+    EXPECT_EQ(
+        "a.xls：引入模板 a 成功！\nb.XLSX：引入模板 b 成功！\n"
+        "共 2 个文件：引入模板 2 个、分录 22 行，未引入 0 个\n",
+        answer.output);
     EXPECT_EQ(0, Number("select count(*) from t_VchTemplate where FName = 'c'"));
 }
 
@@ -302,7 +305,11 @@ TEST_F(ExchangeRoundTrip, AFaultyFileOfAFolderKeepsTheOthersFromNothing) {
     std::ofstream(in / "a.xls") << "no workbook";
     const CliAnswer answer = Run({"import", folder_.Path("in")});
     EXPECT_EQ(kExitFailed, answer.exitCode);
-    EXPECT_EQ("引入模板失败！\n引入模板 b 成功！\n", answer.output + answer.errors);
+    EXPECT_EQ(
+        "a.xls：引入模板失败！\n"
+        "  文件实际上是文本，不是 Excel 工作簿，请用 Excel 打开后另存为“Excel 工作簿（.xlsx）”！\n"
+        "b.xls：引入模板 b 成功！\n共 2 个文件：引入模板 1 个、分录 11 行，未引入 1 个\n",
+        answer.output + answer.errors);
 }
 
 TEST_F(ExchangeRoundTrip, AFolderWithoutWorkbooksIsSaidToBeOne) {

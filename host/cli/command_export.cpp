@@ -1,6 +1,5 @@
-// vicenter export, import: templates to and from workbooks, with the window commands' messages.
+// vicenter export: templates to workbooks, with the window command's messages.
 
-#include <algorithm>
 #include <filesystem>
 #include <set>
 
@@ -9,13 +8,11 @@
 #include "entry/host_services.h"
 #include "exchange/excel_access.h"
 #include "exchange/export_template.h"
-#include "exchange/import_template.h"
 #include "host/cli/context.h"
-#include "host/cli/rights.h"
 #include "host/cli/templates.h"
+#include "host/cli/windowless_template.h"
 #include "platform/system/file_names.h"
 #include "platform/system/files.h"
-#include "text/ascii.h"
 
 namespace vicenter::host {
 
@@ -24,32 +21,6 @@ using system::PathFromUtf8;
 using system::PathToUtf8;
 
 namespace {
-
-// A template without a window around it.
-class WindowlessTemplate : public exchange::TemplateWindow {
-  public:
-    WindowlessTemplate() = default;
-    explicit WindowlessTemplate(TemplateHead head) : head_(std::move(head)) { ReadLines(head_.id, lines_); }
-
-    std::string CurrentTemplateId() const override { return head_.id; }
-    std::string TemplateName() const override { return head_.name; }
-    std::int32_t EntryLineCount() const override { return lines_.count; }
-    std::string EntryText(std::int32_t column, std::int32_t row) const override {
-        return std::string(lines_.grid.Text(row, column));
-    }
-    void ShowProgress(const std::string&) override {}
-    void SetProgressLabel(const std::string&) override {}
-    bool ReportRows(std::int64_t, std::int64_t) override { return true; }
-    void HideProgress() override {}
-    void RebuildTreeAndSelect(std::int32_t id) override { imported_ = id; }
-
-    std::int32_t Imported() const { return imported_; }
-
-  private:
-    TemplateHead head_;
-    TemplateLines lines_;
-    std::int32_t imported_ = 0;
-};
 
 // A template's name as a file's that is not taken yet.
 std::string FileNameOf(const std::string& templateName, std::set<std::string>& taken) {
@@ -78,26 +49,6 @@ bool Export(const CliContext& context, const TemplateHead& head, const std::stri
         exchange::LogUnwritten(window);
     }
     return outcome.written;
-}
-
-bool IsWorkbook(const fs::path& path) {
-    const std::string extension = text::LowerAscii(PathToUtf8(path.extension()));
-    return extension == ".xls" || extension == ".xlsx";
-}
-
-// The file itself, or the workbooks of a folder in the order of their names.
-std::vector<std::string> FilesToImport(const std::string& given) {
-    std::error_code failed;
-    if (!fs::is_directory(PathFromUtf8(given), failed)) return {given};
-    std::vector<std::string> files;
-    for (const fs::directory_entry& entry : fs::directory_iterator(PathFromUtf8(given))) {
-        if (entry.is_regular_file() && IsWorkbook(entry.path())) files.push_back(PathToUtf8(entry.path()));
-    }
-    std::sort(files.begin(), files.end());
-    if (files.empty()) {
-        throw automation::Error(automation::error_number::kFileNotFound, "文件夹中没有工作簿：" + given);
-    }
-    return files;
 }
 
 }  // namespace
@@ -129,24 +80,6 @@ int RunExport(const CliContext& context) {
         }
     }
     return FinishSpeaking(context, ok, written);
-}
-
-int RunImport(const CliContext& context) {
-    const std::vector<std::string> files = FilesToImport(context.options.file);
-    // As the window does before any command: the first listing of an account set makes its standard template.
-    ReadTemplates(context);
-    VariantArray read;
-    bool ok = true;
-    for (const std::string& file : files) {
-        entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-引入模板");
-        WindowlessTemplate window;
-        if (CheckRight() && exchange::ImportTemplateFile(window, file)) {
-            read.push_back(JsonObject({{"FID", window.Imported()}, {"file", file}}));
-        } else {
-            ok = false;
-        }
-    }
-    return FinishSpeaking(context, ok, read);
 }
 
 }  // namespace vicenter::host
