@@ -109,9 +109,10 @@ void WriteBatch(TemplateWindow& window, const ImportBatch& batch, std::int32_t e
     store::CommandUnit unit;
     const auto check = [](bool done) {
         if (done) return;
-        const std::string& told = store::clsVIData::LastFailure();
-        throw Error(automation::error_number::kInvalidProcedureCall,
-                    told.empty() ? "账套没有接受写入，原因见前一条提示" : told);
+        const std::string& silent = store::clsVIData::LastFailure();
+        const std::string& shown = store::clsVIData::LastRefusal();
+        const std::string& why = shown.empty() ? silent : shown;
+        throw Error(automation::error_number::kInvalidProcedureCall, why.empty() ? "账套没有接受写入" : why);
     };
     check(store::clsVIData().IsExecuteSql(batch.text));
     window.SetProgressLabel("引入完毕...");

@@ -14,6 +14,7 @@ using automation::Error;
 namespace {
 
 std::string lastFailure;
+std::string lastRefusal;
 
 }  // namespace
 
@@ -63,11 +64,16 @@ const std::string& clsVIData::LastFailure() {
     return lastFailure;
 }
 
+const std::string& clsVIData::LastRefusal() {
+    return lastRefusal;
+}
+
 void clsVIData::ForgetFailure() {
     lastFailure.clear();
 }
 
 bool clsVIData::IsExecuteSql(const std::string& strsql) {
+    lastRefusal.clear();
     try {
         Open();
         std::int64_t recordsAffected = 0;
@@ -76,9 +82,9 @@ bool clsVIData::IsExecuteSql(const std::string& strsql) {
         return true;
     } catch (const Error& error) {
         entry::KeepError(error);
+        lastRefusal = EngineTextInChinese(error.Text());
         system::Surroundings::Current().messageBoxes->Show(
-            EngineTextInChinese(error.Text()), system::MessageButtons::Ok, system::MessageIcon::Information,
-            entry::kMessageTitle);
+            lastRefusal, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
         return false;
     }
 }

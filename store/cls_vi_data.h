@@ -98,6 +98,8 @@ class clsVIData : public automation::TableObject<clsVIData> {
     // The error text of the last statement that failed in this process, for callers that have nothing else to
     // tell; empty when none has since it was forgotten.
     static const std::string& LastFailure();
+    // What the user was shown of the last batch that was refused; empty when none was since the last one ran.
+    static const std::string& LastRefusal();
     static void ForgetFailure();
 
   private:
