@@ -62,6 +62,14 @@ const char* NameFaultText(const std::string& name) {
     return nullptr;
 }
 
+std::string NoRoomText(const std::vector<store::LineFault>& faults) {
+    std::string text = "凭证模板生成失败！以下内容超出模板的存储范围：";
+    for (const store::LineFault& fault : faults)
+        text +=
+            entry::kCrLf + ("第" + std::to_string(fault.row) + "行，" + fault.header + "：" + fault.reason);
+    return text;
+}
+
 }  // namespace
 
 GenerationResult Generate(const GenerationRequest& request, const Progress& progress) {
@@ -103,19 +111,20 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     }
     ItemsTexts items;
     std::string batch;
+    GenerationResult result;
     try {
         batch = GenerationBatch(
             target, request.columns, *vouchers,
-            [&](const std::string& detailId) { return items.Of(detailId); }, progress);
+            [&](const std::string& detailId) { return items.Of(detailId); }, progress, result.faults);
     } catch (const Unreadable&) {
         ShowMessage("凭证的核算项目无法读取，凭证模板生成失败！");
         return {};
     }
-    if (batch.empty()) return {};
+    if (!result.faults.empty()) ShowMessage(NoRoomText(result.faults));
+    if (batch.empty()) return result;
     if (target.overwriteId < 0) store::ClearWayForNewTemplate();
     // With the lines come the flags of the numbers that can be used, or nothing does.
     store::CommandUnit unit;
-    GenerationResult result;
     using Outcome = store::TemplateOutcome::State;
     result.outcome.state = Outcome::Refused;
     if (!store::RunSql(batch)) return result;

@@ -23,6 +23,8 @@ struct GenerationRequest {
 struct GenerationResult {
     store::TemplateOutcome outcome;
     std::string message;  // for the caller to show once the dialog is closed
+    // Nothing was written: what a template has no room for, which the user has been told.
+    std::vector<store::LineFault> faults = {};
 };
 
 // progress may be empty; giving up there writes nothing and says nothing.

@@ -1,6 +1,9 @@
 #include "autovch/generation_sql.h"
 
+#include <cmath>
+
 #include "entry/sql_text.h"
+#include "store/column_room.h"
 #include "store/template_batches.h"
 
 namespace vicenter::autovch {
@@ -57,6 +60,51 @@ void AppendSql(std::string& batch, const Variant& value) {
     }
 }
 
+// Where a value stands in the query, and the column of the line that it goes to.
+struct Source {
+    std::size_t place;
+    int column;
+};
+
+// Found once for all rows.
+std::vector<Source> FindSources(const ChosenColumns& chosen, const ado::Recordset& vouchers) {
+    std::vector<Source> sources;
+    constexpr int kFixedColumns[] = {
+        store::column::kNo,        store::column::kExplanation,   store::column::kDirection,
+        store::column::kAccountId, store::column::kAccountNumber, store::column::kAccountName};
+    for (std::size_t i = 0; i < std::size(kFixedSources); ++i)
+        sources.push_back({vouchers.ColumnIndex(kFixedSources[i]), kFixedColumns[i]});
+    for (const int column : OptionalFields(chosen))
+        sources.push_back({vouchers.ColumnIndex(store::Column(column).field), column});
+    return sources;
+}
+
+// Whether a value is so short or small that every column has room for it: nearly all are.
+bool FitsAnyway(const store::ColumnSpec& spec, const Variant& value) {
+    constexpr double kSmall = 1e9;
+    switch (value.Type()) {
+        case VariantType::Double:
+        case VariantType::Int64:
+        case VariantType::Decimal:
+            return std::fabs(value.ToDouble()) < kSmall;
+        case VariantType::Text:
+            return value.AsText().size() <= static_cast<std::size_t>(spec.maxCharacters);
+        default:
+            return true;
+    }
+}
+
+void TakeFault(std::int64_t row, const Source& source, const Variant& value, const Variant& number,
+               std::vector<store::LineFault>& faults) {
+    const store::ColumnSpec& spec = store::Column(source.column);
+    if (FitsAnyway(spec, value)) return;
+    std::string text = value.ToTextOrEmpty();
+    const std::string why = store::WhyNoRoom(spec, text);
+    if (why.empty()) return;
+    faults.push_back({static_cast<std::int32_t>(row + 1), 0, std::string(spec.header), std::move(text),
+                      why + "（凭证号 " + number.ToTextOrEmpty() + "）"});
+}
+
 }  // namespace
 
 std::string EntryColumns(const ChosenColumns& chosen) {
@@ -67,42 +115,35 @@ std::string EntryColumns(const ChosenColumns& chosen) {
 }
 
 std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& chosen,
-                            ado::Recordset& vouchers, const ItemsOf& itemsOf, const Progress& progress) {
+                            ado::Recordset& vouchers, const ItemsOf& itemsOf, const Progress& progress,
+                            std::vector<store::LineFault>& faults) {
     std::string batch;
     store::BeginTemplate(batch, target.overwriteId, target.name, target.userId);
 
-    // Where each value stands in the query, found once for all rows.
-    struct Source {
-        std::size_t column;
-        bool items;
-    };
-    std::vector<Source> sources;
-    for (const std::string_view name : kFixedSources)
-        sources.push_back({vouchers.ColumnIndex(name), false});
-    for (const int column : OptionalFields(chosen)) {
-        sources.push_back(
-            {vouchers.ColumnIndex(store::Column(column).field), column == store::column::kItems});
-    }
-
+    const std::vector<Source> sources = FindSources(chosen, vouchers);
     const store::LineInserts lines(EntryColumns(chosen));
     const std::int64_t all = vouchers.RecordCount();
     batch.reserve(batch.size() + static_cast<std::size_t>(all) * (lines.HeadLength() + sources.size() * 12));
     for (std::int64_t row = 0; row < all; ++row) {
         if (progress && row % kProgressRows == 0 && !progress(row, all)) return {};
         lines.Begin(batch, row + 1);
+        const auto record = static_cast<std::size_t>(row);
         for (const Source& source : sources) {
-            const Variant& value = vouchers.ValueAt(static_cast<std::size_t>(row), source.column);
+            const Variant& value = vouchers.ValueAt(record, source.place);
             if (&source != sources.data()) batch += ',';
-            if (source.items) {
-                AppendSqlQuoted(batch, itemsOf(value.ToTextOrEmpty()));
+            if (source.column == store::column::kItems) {
+                const Variant items = itemsOf(value.ToTextOrEmpty());
+                AppendSql(batch, items);
+                TakeFault(row, source, items, vouchers.ValueAt(record, sources[0].place), faults);
             } else {
                 AppendSql(batch, value);
+                TakeFault(row, source, value, vouchers.ValueAt(record, sources[0].place), faults);
             }
         }
         store::LineInserts::End(batch);
     }
     if (progress && !progress(all, all)) return {};
-    return batch + store::ControlRows(target.overwriteId);
+    return faults.empty() ? batch + store::ControlRows(target.overwriteId) : std::string();
 }
 
 }  // namespace vicenter::autovch

@@ -10,6 +10,7 @@
 
 #include "autovch/voucher_filter.h"
 #include "platform/ado/recordset.h"
+#include "store/line_fault.h"
 #include "store/template_columns.h"
 
 namespace vicenter::autovch {
@@ -34,8 +35,10 @@ struct TemplateTarget {
     std::int32_t overwriteId = -1;  // the template to replace; store::kNewTemplate: a new one
 };
 
-// The whole batch, or the empty text when the progress gave up. Reads the recordset from its first row.
+// The whole batch, or the empty text when the progress gave up or the account set has no room for some of the
+// values, each of which is then among the faults. Reads the recordset from its first row.
 std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& chosen,
-                            ado::Recordset& vouchers, const ItemsOf& itemsOf, const Progress& progress);
+                            ado::Recordset& vouchers, const ItemsOf& itemsOf, const Progress& progress,
+                            std::vector<store::LineFault>& faults);
 
 }  // namespace vicenter::autovch

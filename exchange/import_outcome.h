@@ -7,16 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "store/line_fault.h"
+
 namespace vicenter::exchange {
 
-// One thing that is wrong with a workbook.
-struct ImportFault {
-    std::int32_t row = 0;     // of the sheet, from 1; 0: the file as a whole
-    std::int32_t column = 0;  // of the sheet, from 1; 0: the whole row or file
-    std::string header = {};  // of the column
-    std::string value = {};   // as one would type it
-    std::string reason = {};
-};
+using store::LineFault;
 
 struct ImportOutcome {
     bool written = false;
@@ -27,7 +22,7 @@ struct ImportOutcome {
     std::string refusal = {};
     // Why, where the fixed words do not say it.
     std::string reason = {};
-    std::vector<ImportFault> faults = {};
+    std::vector<LineFault> faults = {};
 
     explicit operator bool() const { return written; }
 };

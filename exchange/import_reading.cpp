@@ -65,8 +65,8 @@ ObjectRef FindTemplateSheet(const ObjectRef& workbook) {
 }
 
 // `last`: the header of the sheet's last column, which the check never sees.
-std::vector<ImportFault> MissingFaults(std::string_view missing, std::string_view last) {
-    std::vector<ImportFault> faults;
+std::vector<LineFault> MissingFaults(std::string_view missing, std::string_view last) {
+    std::vector<LineFault> faults;
     while (!missing.empty()) {
         const std::string_view header = missing.substr(0, missing.find(','));
         const bool isLast = FindColumn(header) == FindColumn(last);
@@ -80,7 +80,7 @@ std::vector<ImportFault> MissingFaults(std::string_view missing, std::string_vie
 std::string ReadHeader(const ObjectRef& sheet, std::int32_t columnCount) {
     SheetCells cells(sheet);
     std::string errorText;
-    std::vector<ImportFault> faults;
+    std::vector<LineFault> faults;
     std::string seen = "|";
     std::string fieldList;
     std::string header;

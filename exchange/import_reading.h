@@ -16,7 +16,7 @@ namespace vicenter::exchange {
 // Ends an import with a message; nothing has been written.
 struct Refused {
     std::string text;
-    std::vector<ImportFault> faults = {};
+    std::vector<LineFault> faults = {};
     const char* title = entry::kProductTitle;
 };
 // The user's wish to stop; not an error.

@@ -27,7 +27,7 @@ class ImportRows {
     // insert, in the sheet's order of columns. Reads the row unless it is the one that ReadRow() read last.
     void ValidateImportRow(std::int32_t row, std::string& values, std::string& errorText);
     // What has been found in all rows so far, with the value and the reason of each.
-    std::vector<ImportFault> TakeFaults() { return std::move(faults_); }
+    std::vector<LineFault> TakeFaults() { return std::move(faults_); }
 
   private:
     // What was read of one cell.
@@ -48,7 +48,7 @@ class ImportRows {
     std::int32_t row_ = 0;
     std::size_t numberIndex_ = 0;
     std::set<std::string, std::less<>> numbersMet_;
-    std::vector<ImportFault> faults_;
+    std::vector<LineFault> faults_;
 };
 
 }  // namespace vicenter::exchange

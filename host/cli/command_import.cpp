@@ -20,8 +20,8 @@
 namespace vicenter::host {
 
 namespace fs = std::filesystem;
-using exchange::ImportFault;
 using exchange::ImportOutcome;
+using store::LineFault;
 using system::PathFromUtf8;
 using system::PathToUtf8;
 
@@ -68,7 +68,7 @@ FilesToImport FindFiles(const std::string& given) {
     return found;
 }
 
-Variant FaultJson(const ImportFault& fault) {
+Variant FaultJson(const LineFault& fault) {
     return JsonObject({{"row", fault.row},
                        {"column", fault.column},
                        {"header", fault.header},
@@ -78,7 +78,7 @@ Variant FaultJson(const ImportFault& fault) {
 
 void AddReasons(ConsoleMessages& messages, const ImportOutcome& outcome) {
     if (!outcome.reason.empty()) messages.AddReason(outcome.reason);
-    for (const ImportFault& fault : outcome.faults) {
+    for (const LineFault& fault : outcome.faults) {
         if (fault.row == 0 || outcome.refusal.find(fault.reason) != std::string::npos) continue;
         const std::string value = fault.value.empty() ? "" : " “" + fault.value + "”";
         messages.AddReason("第 " + std::to_string(fault.row) + " 行 " + fault.header + value + "：" +
@@ -101,7 +101,7 @@ class ImportReport {
             return;
         }
         VariantArray faults;
-        for (const ImportFault& fault : outcome.faults)
+        for (const LineFault& fault : outcome.faults)
             faults.push_back(FaultJson(fault));
         const std::string text = outcome.refusal.empty() ? "没有确认，未引入。" : outcome.refusal;
         refused_.push_back(

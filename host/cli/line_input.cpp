@@ -14,6 +14,7 @@
 #include "host/cli/templates.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/column_room.h"
 
 namespace vicenter::host {
 
@@ -68,6 +69,11 @@ bool IsStoredNumber(const center::ColumnSpec& spec, std::string_view text) {
            text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+// What has been stored before has room; what a line merely says to have been may have none.
+void CheckRoom(const center::ColumnSpec& spec, const std::string& text, std::size_t line) {
+    if (const std::string why = store::WhyNoRoom(spec, text); !why.empty()) Refuse(line, spec.field, why);
+}
+
 // known: the line says itself that the field's value is at fault, as `show` prints it. Such a value has been
 // stored before, by an import or from a voucher, and may be stored again.
 std::string ReadCell(const center::ColumnSpec& spec, const Variant& value, std::size_t line, bool known) {
@@ -76,6 +82,7 @@ std::string ReadCell(const center::ColumnSpec& spec, const Variant& value, std::
     switch (spec.kind) {
         case center::CellKind::Text:
             if (!known) CheckText(spec, text, line);
+            CheckRoom(spec, text, line);
             break;
         case center::CellKind::Direction: {
             // The stored codes are taken, too, so that what `show` prints can be saved.
@@ -97,8 +104,10 @@ std::string ReadCell(const center::ColumnSpec& spec, const Variant& value, std::
             const center::TextReading reading =
                 center::ReadCellText(spec.column, text, center::TextOrigin::Given);
             if (reading.verdict == center::TextVerdict::Taken) return reading.text;
-            if (known && IsStoredNumber(spec, text)) break;
-            Refuse(line, spec.field, center::VerdictText(reading.verdict, spec.column));
+            if (!known || !IsStoredNumber(spec, text))
+                Refuse(line, spec.field, center::VerdictText(reading.verdict, spec.column));
+            CheckRoom(spec, text, line);
+            break;
         }
     }
     return text;

@@ -32,10 +32,10 @@ struct TemplateLines {
 };
 void ReadLines(const std::string& templateId, TemplateLines& lines);
 
-// The fields of a row's red cells, in column order.
 // Whether a text column of the grid would take the text, apostrophes and bars aside.
 bool FitsColumn(const center::ColumnSpec& spec, std::string_view text);
 
+// The fields of a row's red cells and of values outside of what their column takes, in column order.
 std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row);
 
 // Control rows of a template as JSON, ordered by template number.

@@ -37,6 +37,8 @@ ado::RecordsetRef Vouchers() {
     return Rows(VoucherColumns(), {VoucherRow(2, "提'现 ", 17), VoucherRow(3, "", 0)});
 }
 
+std::vector<store::LineFault> faults;  // of the last batch
+
 std::string ItemsOf(const std::string& detailId) {
     return detailId == "17" ? "01,02" : "";
 }
@@ -78,7 +80,7 @@ TEST(EntryColumns, FollowTheFixedOrder) {
 TEST(GenerationBatch, WritesANewTemplate) {
     const auto vouchers = Vouchers();
     EXPECT_EQ(
-        GenerationBatch({"新'模板", "16394", -1}, {}, *vouchers, ItemsOf, {}),
+        GenerationBatch({"新'模板", "16394", -1}, {}, *vouchers, ItemsOf, {}, faults),
         std::string(" declare @MaxFID int \r\n select @MaxFID = Max(FID)+1 from t_VchTemplate \r\n"
                     " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
                     "values(@MaxFID,'新''模板',16394,'',GetDate()) \r\n"
@@ -96,7 +98,7 @@ TEST(GenerationBatch, WritesANewTemplate) {
 TEST(GenerationBatch, ReplacesATemplateAndKeepsItsId) {
     const auto vouchers = Rows(VoucherColumns());
     EXPECT_EQ(
-        GenerationBatch({"旧模板", "16394", 7}, {}, *vouchers, ItemsOf, {}),
+        GenerationBatch({"旧模板", "16394", 7}, {}, *vouchers, ItemsOf, {}, faults),
         std::string(" delete t_VchTemplateEntry where FID = 7\r\n delete t_VchTemplate where FID = 7\r\n"
                     " declare @MaxFID int \r\n set @MaxFID = 7\r\n"
                     " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
@@ -115,7 +117,7 @@ TEST(GenerationBatch, ReplacesATemplateAndKeepsItsId) {
 TEST(GenerationBatch, WritesEveryChosenFieldByItsKind) {
     const auto vouchers = Vouchers();
     const ChosenColumns all(store::VoucherColumns().begin(), store::VoucherColumns().end());
-    const std::string batch = GenerationBatch({"x", "1", -1}, all, *vouchers, ItemsOf, {});
+    const std::string batch = GenerationBatch({"x", "1", -1}, all, *vouchers, ItemsOf, {}, faults);
     // Numbers without loss, a missing settlement number as Null, the items last.
     EXPECT_NE(
         batch.find(
@@ -129,11 +131,13 @@ TEST(GenerationBatch, WritesEveryChosenFieldByItsKind) {
 TEST(GenerationBatch, GivesUpWithoutABatch) {
     const auto vouchers = Vouchers();
     std::int64_t asked = 0;
-    EXPECT_EQ(GenerationBatch({"x", "1", -1}, {}, *vouchers, ItemsOf,
-                              [&](std::int64_t, std::int64_t all) {
-                                  asked = all;
-                                  return false;
-                              }),
+    EXPECT_EQ(GenerationBatch(
+                  {"x", "1", -1}, {}, *vouchers, ItemsOf,
+                  [&](std::int64_t, std::int64_t all) {
+                      asked = all;
+                      return false;
+                  },
+                  faults),
               "");
     EXPECT_EQ(asked, 2);
 }

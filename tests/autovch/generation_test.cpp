@@ -208,5 +208,50 @@ TEST_F(GenerateTest, RoundTripsDoNotGrowWithTheLines) {
     EXPECT_EQ(RoundTrips(set_, request_, 8000), 7U + 2 * 4);
 }
 
+std::size_t PlaceOf(const std::string& name) {
+    const auto& names = VoucherColumns();
+    return static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
+}
+
+TEST_F(GenerateTest, TellsWhatATemplateHasNoRoomForAndWritesNothing) {
+    std::string longName;
+    for (int i = 0; i < 161; ++i)
+        longName += "长";
+    std::vector<Variant> second = VoucherRow(7, "提现", 0);
+    second[PlaceOf("FAccountName")] = longName;
+    second[PlaceOf("FAmount")] = *automation::Decimal::Parse("1000000000000000000000000");
+    std::vector<Variant> third = VoucherRow(8, "提现", 17);
+    third[PlaceOf("FAmount")] = *automation::Decimal::Parse("-999999999999999999999999.9999");
+    set_.Answer("from t_Voucher a", Rows(VoucherColumns(), {VoucherRow(2, "提现", 0), second, third}));
+    request_.columns = {store::column::kAmount};
+    const GenerationResult result = Generate(request_);
+    EXPECT_FALSE(result.outcome);
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(),
+              Texts{"凭证模板生成失败！以下内容超出模板的存储范围：\r\n"
+                    "第2行，科目名称(*)：长度不能超过160个字符（凭证号 7）\r\n"
+                    "第2行，金额：数字过大，整数部分不能超过24位（凭证号 7）"});
+    EXPECT_EQ(BatchSent(), "");
+    ASSERT_EQ(result.faults.size(), 2U);
+    EXPECT_EQ(result.faults[0].value, longName);
+    EXPECT_EQ(result.faults[1].row, 2);
+    EXPECT_EQ(result.faults[1].header, "金额");
+    EXPECT_EQ(result.faults[1].reason, "数字过大，整数部分不能超过24位（凭证号 7）");
+}
+
+// Vouchers know negative amounts and large counts; the template keeps them as they are.
+TEST_F(GenerateTest, TakesNumbersOutsideOfWhatACellTakes) {
+    std::vector<Variant> row = VoucherRow(2, "冲回", 0);
+    row[PlaceOf("FAmount")] = *automation::Decimal::Parse("-12.34");
+    row[PlaceOf("FAmountFor")] = -5.0;
+    row[PlaceOf("FQty")] = std::int64_t{1500000000};
+    row[PlaceOf("FFileCount")] = 1500000000;
+    set_.Answer("from t_Voucher a", Rows(VoucherColumns(), {row}));
+    request_.columns = {store::column::kFileCount, store::column::kAmountFor, store::column::kQuantity,
+                        store::column::kAmount};
+    ExistsAfterTheBatch(set_, 9);
+    EXPECT_TRUE(Generate(request_).outcome);
+    EXPECT_NE(BatchSent().find(",1500000000,-5,1500000000,-12.34) \r\n"), std::string::npos) << BatchSent();
+}
+
 }  // namespace
 }  // namespace vicenter::autovch

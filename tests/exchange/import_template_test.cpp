@@ -60,7 +60,7 @@ class ImportTest : public ExchangeTest {
     // The faults of the last import, one a line.
     Lines Faults() const {
         Lines lines;
-        for (const ImportFault& fault : outcome_.faults) {
+        for (const LineFault& fault : outcome_.faults) {
             lines.push_back(std::to_string(fault.row) + "," + std::to_string(fault.column) + " " +
                             fault.header + " [" + fault.value + "] " + fault.reason);
         }
