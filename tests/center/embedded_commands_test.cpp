@@ -1,4 +1,5 @@
-// The window's commands on a real demo set: what is saved comes back, and what is red is what cannot be used.
+// The window's commands on a real demo set, in a file and on a server: what is saved comes back, and what is
+// red is what cannot be used.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include "tests/center/fake_view.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/host/demo_set.h"
+#include "tests/lanes/set_lane.h"
 
 namespace vicenter::center::test {
 namespace {
@@ -22,7 +24,7 @@ using Texts = std::vector<std::string>;
 class DemoSet : public testing::Test {
   protected:
     void SetUp() override {
-        session_ = host::RegisterHostComponents({host::FileConnectString(host::test::CopySet(folder_)), 1});
+        session_ = host::RegisterHostComponents({lanes::ConnectTextOf(host::test::CopySet(folder_)), 1});
         Open();
     }
     void TearDown() override {

@@ -1,10 +1,11 @@
-// Loading, editing, saving and the column profile on a real embedded account set with the demo ledger.
+// Loading, editing, saving and the column profile on real account sets with the demo ledger, in a file and
+// on a server.
 
 #include "center/frame/frm_vi_center.h"
-#include "host/account_set.h"
 #include "host/components/components.h"
 #include "tests/center/grid_fixture.h"
 #include "tests/host/demo_set.h"
+#include "tests/lanes/set_lane.h"
 
 namespace vicenter::center {
 
@@ -65,7 +66,7 @@ class EmbeddedGrid : public testing::Test {
     host::test::TestFolder folder_;
     automation::ClassRegistry::Restore restore_;
     host::HostSessionRef session_ =
-        host::RegisterHostComponents({host::FileConnectString(host::test::CopySet(folder_)), 1});
+        host::RegisterHostComponents({lanes::ConnectTextOf(host::test::CopySet(folder_)), 1});
     fakes::FakeSurroundings surroundings_;
     NotingView view_;
     std::unique_ptr<frmVICenter> window_;

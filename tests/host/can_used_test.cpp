@@ -8,6 +8,7 @@
 #include "host/components/components.h"
 #include "store/cls_vi_data.h"
 #include "tests/host/demo_set.h"
+#include "tests/lanes/set_lane.h"
 
 namespace vicenter::host {
 namespace {
@@ -22,7 +23,7 @@ struct Line {
 
 class CanUsed : public testing::Test {
   protected:
-    CanUsed() { session_ = RegisterHostComponents({FileConnectString(test::CopySet(folder_)), 1}); }
+    CanUsed() { session_ = RegisterHostComponents({lanes::ConnectTextOf(test::CopySet(folder_)), 1}); }
 
     static bool IsSound(const Line& line) {
         store::clsVIData data;

@@ -144,5 +144,21 @@ TEST_F(HostComponents, ALostConnectionIsOpenedAnew) {
     EXPECT_EQ(12, entry::GetSystemProfile("GL", "PeriodCount").ToInt16());
 }
 
+TEST_F(HostComponents, TheVersionOfTheNameListsChangesWithTheAccountSet) {
+    Register();
+    const auto version = [] {
+        return CreateObject("VelaGLNameListLib.GLNameList")->Get("ListVersion").ToText();
+    };
+    const std::string before = version();
+    EXPECT_NE(before, "");
+    EXPECT_EQ(version(), before);
+    const ado::ConnectionRef other = ado::OpenConnection(session_->Settings().connectString);
+    other->Execute("update t_Account set FName = '现金' where FNumber = '1001'");
+    const std::string changed = version();
+    EXPECT_NE(changed, before);
+    session_->Connection().Close();
+    EXPECT_NE(version(), changed) << "versions of another connection do not compare";
+}
+
 }  // namespace
 }  // namespace vicenter::host

@@ -7,6 +7,7 @@
 #include "host/components/components.h"
 #include "host/components/look_up_dialog.h"
 #include "tests/host/demo_set.h"
+#include "tests/lanes/set_lane.h"
 
 namespace vicenter::host {
 namespace {
@@ -39,7 +40,7 @@ class ChoosingDialog : public LookUpDialog {
 class LookUpComponents : public testing::Test {
   protected:
     void SetUp() override {
-        session_ = RegisterHostComponents({FileConnectString(test::CopySet(folder_)), 1});
+        session_ = RegisterHostComponents({lanes::ConnectTextOf(test::CopySet(folder_)), 1});
         LookUpDialog::SetProcess(dialog_);
     }
     void TearDown() override { LookUpDialog::SetProcess(nullptr); }
@@ -193,21 +194,6 @@ TEST_F(LookUpComponents, NameListsOfferWhatTheColumnsTake) {
     EXPECT_EQ(rows(second, 13, "")->Value("FID").ToText(), "1");
     EXPECT_EQ(rows(second, 17, "1")->RecordCount(), 3);
     EXPECT_THROW(rows(second, 3, ""), automation::Error);
-}
-
-TEST_F(LookUpComponents, TheVersionOfTheNameListsChangesWithTheAccountSet) {
-    const auto version = [] {
-        return CreateObject("VelaGLNameListLib.GLNameList")->Get("ListVersion").ToText();
-    };
-    const std::string before = version();
-    EXPECT_NE(before, "");
-    EXPECT_EQ(version(), before);
-    const ado::ConnectionRef other = ado::OpenConnection(session_->Settings().connectString);
-    other->Execute("update t_Account set FName = '现金' where FNumber = '1001'");
-    const std::string changed = version();
-    EXPECT_NE(changed, before);
-    session_->Connection().Close();
-    EXPECT_NE(version(), changed) << "versions of another connection do not compare";
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "platform/system/files.h"
 #include "tests/host/cli_script.h"
 #include "tests/host/demo_set.h"
+#include "tests/lanes/real_server.h"
 #include "tests/paths/source_folder.h"
 #include "tests/tds_server/server.h"
 
@@ -50,21 +51,29 @@ std::vector<std::string> ScriptNames() {
     return names;
 }
 
-// Serves files as the database "books".
+// Serves files as the database "books"; a real server that is named has their rows in a database of its own.
 class Served {
   public:
     Served() { ado::RegisterOdbcProviders(); }
     Served(const Served&) = delete;
     Served& operator=(const Served&) = delete;
     ~Served() { ado::CloseIdleOdbcConnections(); }
-    std::string Serve(const std::string& file, const std::string& name = "books") {
-        server_.AddDatabase(name, system::PathFromUtf8(file));
-        return server_.ConnectText(name);
+    std::string Serve(const std::string& file) {
+        const std::filesystem::path path = system::PathFromUtf8(file);
+        if (const auto real = lanes::RealServer()) {
+            database_ = std::make_unique<lanes::ScratchDatabase>(*real);
+            if (std::filesystem::exists(path)) database_->Take(file);
+            return database_->ConnectText();
+        }
+        server_.AddDatabase("books", path);
+        return server_.ConnectText("books");
     }
+    std::string DatabaseName() const { return database_ ? database_->Name() : "books"; }
     tds_server::Server& Server() { return server_; }
 
   private:
     tds_server::Server server_;
+    std::unique_ptr<lanes::ScratchDatabase> database_;
 };
 
 class CommandLineOverOdbc : public testing::TestWithParam<std::string> {};
@@ -107,6 +116,14 @@ class AccountSetOnServer : public testing::Test {
   protected:
     test::TestFolder folder_;
     Served served_;
+};
+
+// What asks the test server itself: how often it was asked, and what comes of its misbehaving.
+class AccountSetOnTestServer : public AccountSetOnServer {
+  protected:
+    void SetUp() override {
+        if (lanes::RealServer()) GTEST_SKIP() << "asks the test server itself";
+    }
 };
 
 TEST_F(AccountSetOnServer, IsMadeOnceAndCompletedAfterwards) {
@@ -157,7 +174,7 @@ TEST_F(AccountSetOnServer, TravelsBothWaysWithEveryRow) {
     EXPECT_THAT(answer.errors, HasSubstr("文件已存在"));
 }
 
-TEST_F(AccountSetOnServer, NothingIsLeftOfACopyThatFailed) {
+TEST_F(AccountSetOnTestServer, NothingIsLeftOfACopyThatFailed) {
     const std::string file = test::CopySet(folder_);
     const std::string connect = served_.Serve(folder_.Path("served.vas"));
     served_.Server().Behave(std::make_shared<tds_server::FailBatch>(120, 1205));
@@ -173,7 +190,7 @@ TEST_F(AccountSetOnServer, IsVerifiedAsAFileIs) {
     Answer answer = verify();
     EXPECT_EQ(answer.exitCode, 0) << answer.errors << answer.output;
     EXPECT_THAT(answer.output, HasSubstr("\"findings\":[]"));
-    EXPECT_THAT(answer.output, HasSubstr("\"database\":\"books\""));
+    EXPECT_THAT(answer.output, HasSubstr("\"database\":\"" + served_.DatabaseName() + "\""));
     const ado::ConnectionRef connection = ado::OpenConnection(connect);
     connection->Execute(
         "insert into t_VchTemplateEntry(FID,FEntryID,FNo) values(777,1,1) "
@@ -204,7 +221,7 @@ TEST_F(AccountSetOnServer, AColumnThatIsMissingIsNamed) {
     EXPECT_EQ(Vicenter({"account-set", "verify"}).exitCode, 2);
 }
 
-TEST_F(AccountSetOnServer, ThePasswordComesFromWhereItIsSaid) {
+TEST_F(AccountSetOnTestServer, ThePasswordComesFromWhereItIsSaid) {
     served_.Serve(test::CopySet(folder_));
     const std::string connect =
         "Provider=SQLOLEDB;User ID=sa;Initial Catalog=books;Data Source=" + served_.Server().Address();
@@ -237,7 +254,7 @@ TEST_F(AccountSetOnServer, ThePasswordComesFromWhereItIsSaid) {
 
 // What docs/sql-server.md says of round trips. A command line opens its own connection: the question for the
 // code page is among them.
-TEST_F(AccountSetOnServer, ACommandCostsFewTrips) {
+TEST_F(AccountSetOnTestServer, ACommandCostsFewTrips) {
     const std::string connect = served_.Serve(test::CopySet(folder_));
     const auto trips = [&](std::vector<std::string> arguments, const std::string& input = {}) {
         arguments.insert(arguments.begin(), {"--connect", connect, "--yes"});
@@ -261,6 +278,12 @@ TEST_F(AccountSetOnServer, ACommandCostsFewTrips) {
         const std::string row = "| `" + std::string(name) + "` | " + std::to_string(count) + " |";
         EXPECT_NE(page.find(row), std::string::npos) << row;
     }
+}
+
+TEST(RealServer, IsAskedWhereOneIsNamed) {
+    if (!lanes::RealServer())
+        GTEST_SKIP() << "VICENTER_TEST_CONNECT is not set: no real SQL Server was asked.";
+    EXPECT_TRUE(ado::OpenConnection(*lanes::RealServer())->IsOpen());
 }
 
 TEST(DriversCommand, MarksTheOneThatIsTaken) {

@@ -33,23 +33,6 @@ std::uint16_t CommandOf(StatementKind kind) {
     }
 }
 
-tsql::Diagnostic Information(std::int32_t number, std::string text) {
-    tsql::Diagnostic information;
-    information.number = number;
-    information.severity = 0;
-    information.state = 2;
-    information.text = std::move(text);
-    return information;
-}
-
-tsql::Diagnostic Refusal(std::int32_t number, std::int32_t severity, std::string text) {
-    tsql::Diagnostic error;
-    error.number = number;
-    error.severity = severity;
-    error.text = std::move(text);
-    return error;
-}
-
 std::string TransactionBytes(std::uint64_t number) {
     std::string bytes;
     Put64(bytes, number);
@@ -227,6 +210,7 @@ void ServerConnection::Serve() {
     session_.reset();
     packets_.Cut();
     over_ = true;
+    server_.NoteEnd(*this);
 }
 
 void ServerConnection::AnswerPreLogin() {
@@ -265,6 +249,7 @@ bool ServerConnection::Login(const LoginRequest& login) {
         return false;
     }
     server_.NoteLogin();
+    server_.NoteDatabase(*this, database_);
     const std::uint32_t size = std::clamp<std::uint32_t>(login.packetSize, 512, 32767);
     std::string reply;
     writer_.Changed(reply, EnvChange::kDatabase, database_, "master");
@@ -352,40 +337,6 @@ void ServerConnection::RunBatch(const std::string& text, bool inCall) {
     if (!retelling.IsTakenBack()) packets_.Put(rest);
     packets_.Flush();
     if (retelling.IsTakenBack() && packets_.Read().type == PacketType::kAttention) PutDone(done::kAttention);
-}
-
-// USE is not the engine's: a session there has one account set.
-bool ServerConnection::RunServerStatement(const std::string& text) {
-    tsql::Lexer lexer(text);
-    try {
-        if (lexer.Next().text.size() != 3) return false;
-        lexer = tsql::Lexer(text);
-        std::string word(lexer.Next().text);
-        std::transform(word.begin(), word.end(), word.begin(),
-                       [](char c) { return static_cast<char>(c | 0x20); });
-        if (word != "use") return false;
-        const std::string name = tsql::TokenValue(lexer.Next());
-        if (lexer.Next().kind != tsql::TokenKind::kEnd) return false;
-        std::string reply;
-        if (auto session = server_.OpenDatabase(name)) {
-            session_ = std::move(session);
-            writer_.Changed(reply, EnvChange::kDatabase, name, database_);
-            writer_.Said(reply, Information(5701, "Changed database context to '" + name + "'."));
-            database_ = name;
-            TokenWriter::Done(reply, done::kToken, done::kFinal, 0, 0);
-        } else {
-            writer_.Said(reply,
-                         Refusal(911, 16,
-                                 "Database '" + name +
-                                     "' does not exist. Make sure that the name is entered correctly."));
-            TokenWriter::Done(reply, done::kToken, done::kError, 0, 0);
-        }
-        packets_.Put(reply);
-        packets_.Flush();
-        return true;
-    } catch (const tsql::SqlError&) {
-        return false;
-    }
 }
 
 void ServerConnection::RunFixedAnswer(const FixedAnswer& answer) {

@@ -55,7 +55,11 @@ class ServerConnection {
     void RefuseLogin(const tsql::Diagnostic& error);
     void Answer(const Message& message);
     void RunBatch(const std::string& text, bool inCall);
+    // What is the server's own and not an account set's: its databases. False for any other batch.
     bool RunServerStatement(const std::string& text);
+    void UseDatabase(const std::string& name);
+    // Done, or the error.
+    void PutOutcome(const std::optional<tsql::Diagnostic>& refusal);
     void RunFixedAnswer(const FixedAnswer& answer);
     void Call(const RpcRequest& call);
     void CallPrepared(const RpcRequest& call);

@@ -106,6 +106,69 @@ void Server::AddDatabase(const std::string& name, const std::filesystem::path& f
     databases_[name] = file;
 }
 
+void Server::KeepDatabasesIn(const std::filesystem::path& folder) {
+    const std::lock_guard lock(mutex_);
+    folder_ = folder;
+}
+
+std::optional<tsql::Diagnostic> Server::MakeDatabase(const std::string& name) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (databases_.contains(name))
+            return Refusal(1801, 16,
+                           "Database '" + name + "' already exists. Choose a different database name.");
+        if (folder_.empty())
+            return Refusal(262, 14, "CREATE DATABASE permission denied in database 'master'.");
+        databases_[name] = folder_ / (name + ".vas");
+    }
+    OpenDatabase(name);
+    return std::nullopt;
+}
+
+std::optional<tsql::Diagnostic> Server::DropDatabase(const std::string& name) {
+    const std::lock_guard lock(mutex_);
+    const auto found = databases_.find(name);
+    if (found == databases_.end())
+        return Refusal(3701, 11,
+                       "Cannot drop the database '" + name +
+                           "', because it does not exist or you do not have permission.");
+    for (const auto& entry : where_) {
+        if (entry.second == name)
+            return Refusal(3702, 16, "Cannot drop database \"" + name + "\" because it is currently in use.");
+    }
+    std::error_code ignored;
+    for (const char* part : {"", "-wal", "-shm", "-journal"})
+        std::filesystem::remove(found->second.string() + part, ignored);
+    databases_.erase(found);
+    return std::nullopt;
+}
+
+void Server::CutOthers(const std::string& name, const ServerConnection& but) {
+    std::unique_lock lock(mutex_);
+    const auto isOther = [&](const ServerConnection* connection) {
+        const auto at = where_.find(connection);
+        return connection != &but && at != where_.end() && at->second == name;
+    };
+    for (Served& served : served_) {
+        if (isOther(served.connection.get())) served.connection->Cut();
+    }
+    ended_.wait(lock, [&] {
+        return std::none_of(served_.begin(), served_.end(),
+                            [&](const Served& served) { return isOther(served.connection.get()); });
+    });
+}
+
+void Server::NoteDatabase(const ServerConnection& connection, const std::string& name) {
+    const std::lock_guard lock(mutex_);
+    where_[&connection] = name;
+}
+
+void Server::NoteEnd(const ServerConnection& connection) {
+    const std::lock_guard lock(mutex_);
+    where_.erase(&connection);
+    ended_.notify_all();
+}
+
 void Server::Answer(const std::string& batch, FixedAnswer answer) {
     const std::lock_guard lock(mutex_);
     answers_[batch] = std::move(answer);

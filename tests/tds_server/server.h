@@ -11,10 +11,12 @@
 // Owned by its test; a thread takes connections, each connection runs on one of its own. All members may be
 // called from any thread. The destructor ends all connections and waits for their threads.
 
+#include <condition_variable>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -49,6 +51,8 @@ class Server {
 
     // The file is made when it does not exist.
     void AddDatabase(const std::string& name, const std::filesystem::path& file);
+    // CREATE DATABASE makes its files there; before that it is refused.
+    void KeepDatabasesIn(const std::filesystem::path& folder);
     void Answer(const std::string& batch, FixedAnswer answer);
     void Behave(std::shared_ptr<Misbehaviour> misbehaviour);
     void BehaveWell() { Behave(std::make_shared<Misbehaviour>()); }
@@ -73,6 +77,13 @@ class Server {
     std::unique_ptr<tsql::engine::Session> OpenDatabase(const std::string& name) const;
     std::shared_ptr<Misbehaviour> Behaviour() const;
     const FixedAnswer* FindAnswer(const std::string& batch) const;
+    void NoteDatabase(const ServerConnection& connection, const std::string& name);
+    void NoteEnd(const ServerConnection& connection);
+    // The refusal, if any.
+    std::optional<tsql::Diagnostic> MakeDatabase(const std::string& name);
+    std::optional<tsql::Diagnostic> DropDatabase(const std::string& name);
+    // Ends the connections to a database but that one, and waits for them.
+    void CutOthers(const std::string& name, const ServerConnection& but);
     void NoteLogin();
     void NoteRequest();
     void NoteBatch(const std::string& text);
@@ -91,6 +102,9 @@ class Server {
     mutable std::mutex mutex_;
     bool ending_ = false;
     std::map<std::string, std::filesystem::path> databases_;
+    std::filesystem::path folder_;
+    std::map<const ServerConnection*, std::string> where_;  // of those that live
+    std::condition_variable ended_;
     std::map<std::string, FixedAnswer> answers_;
     std::shared_ptr<Misbehaviour> misbehaviour_ = std::make_shared<Misbehaviour>();
     std::vector<std::string> batches_;

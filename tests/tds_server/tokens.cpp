@@ -114,6 +114,23 @@ bool IsPartlyLengthPrefixed(const SqlType& type) {
 
 }  // namespace
 
+tsql::Diagnostic Information(std::int32_t number, std::string text) {
+    tsql::Diagnostic information;
+    information.number = number;
+    information.severity = 0;
+    information.state = 2;
+    information.text = std::move(text);
+    return information;
+}
+
+tsql::Diagnostic Refusal(std::int32_t number, std::int32_t severity, std::string text) {
+    tsql::Diagnostic error;
+    error.number = number;
+    error.severity = severity;
+    error.text = std::move(text);
+    return error;
+}
+
 void PutByte(std::string& to, unsigned value) {
     to += static_cast<char>(value);
 }

@@ -61,6 +61,10 @@ struct Collation {
     static Collation ChineseUtf8();
 };
 
+// What a server says of its own.
+tsql::Diagnostic Information(std::int32_t number, std::string text);
+tsql::Diagnostic Refusal(std::int32_t number, std::int32_t severity, std::string text);
+
 // A column whose type and values are given as bytes: for types that the engine does not have.
 struct RawColumn {
     std::string name;

@@ -1,31 +1,19 @@
-// The component's own statements, to the character, on the host's schema.
-
-#include <filesystem>
-#include <random>
+// The component's own statements, to the character, on the host's schema, in every lane.
 
 #include <gtest/gtest.h>
 
+#include "automation/error.h"
 #include "component_statements.h"
-#include "platform/ado/account_set/account_set_provider.h"
-#include "platform/ado/connection.h"
+#include "runner/lane.h"
 #include "runner/test_file.h"
 #include "tests/paths/source_folder.h"
 
 namespace vicenter::tsql_test {
 namespace {
 
-namespace fs = std::filesystem;
-
 class ComponentStatementsTest : public testing::Test {
   protected:
     void SetUp() override {
-        folder_ =
-            fs::temp_directory_path() / ("vicenter_component_test_" + std::to_string(std::random_device()()));
-        fs::create_directories(folder_);
-        ado::RegisterAccountSetProvider();
-        connection_ =
-            ado::OpenConnection("Provider=VelaAccountSet;Data Source=" + (folder_ / "test.vca").string() +
-                                ";Create=yes;Pooling=no");
         for (const char* script : {"host/accountset/schema.sql", "host/accountset/procedures.sql"}) {
             for (const std::string& batch :
                  SplitScript(ReadWholeFile(testing_paths::SourceFolder() / script))) {
@@ -34,14 +22,9 @@ class ComponentStatementsTest : public testing::Test {
         }
     }
 
-    void TearDown() override {
-        if (connection_) connection_->Close();
-        connection_ = nullptr;
-        fs::remove_all(folder_);
-    }
-
-    fs::path folder_;
-    ado::ConnectionRef connection_;
+    // Closed before its lane is gone.
+    const std::unique_ptr<Lane> lane_ = MakeLane();
+    const ado::ConnectionRef connection_ = lane_->OpenInUnits();
 };
 
 TEST_F(ComponentStatementsTest, RunInOrderOnTheHostsSchema) {

@@ -3,6 +3,7 @@
 // Where a text test runs: each lane is a source of its own, and a test program is linked with one of them.
 
 #include <memory>
+#include <string>
 
 #include "platform/ado/connection.h"
 
@@ -17,10 +18,15 @@ class Lane {
     virtual ~Lane() = default;
 
     // Statement by statement, as the server runs a batch without a transaction around it.
-    virtual ado::ConnectionRef Open() = 0;
+    ado::ConnectionRef Open() { return Open("Transactions=none"); }
+    // As the component opens it: a batch is a unit.
+    ado::ConnectionRef OpenInUnits() { return Open("Transactions=batch"); }
     // A server that is not ours, which may answer otherwise where a file says so.
     virtual bool IsOtherServer() const { return false; }
     virtual bool IsOverOdbc() const { return false; }
+
+  private:
+    virtual ado::ConnectionRef Open(const std::string& more) = 0;
 };
 
 std::unique_ptr<Lane> MakeLane();

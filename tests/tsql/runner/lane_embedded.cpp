@@ -21,12 +21,12 @@ class EmbeddedLane final : public Lane {
     }
     ~EmbeddedLane() override { fs::remove_all(folder_); }
 
-    ado::ConnectionRef Open() override {
+  private:
+    ado::ConnectionRef Open(const std::string& more) override {
         return ado::OpenConnection("Provider=VelaAccountSet;Data Source=" + (folder_ / "test.vca").string() +
-                                   ";Create=yes;Pooling=no;Transactions=none");
+                                   ";Create=yes;Pooling=no;" + more);
     }
 
-  private:
     fs::path folder_;
 };
 

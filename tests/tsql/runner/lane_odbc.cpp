@@ -2,7 +2,6 @@
 // VICENTER_TEST_CONNECT=<connect string> a scratch database of that real server instead, to learn whether the
 // files say what the server says.
 
-#include <cstdlib>
 #include <filesystem>
 #include <random>
 
@@ -11,6 +10,7 @@
 #include "platform/ado/odbc/odbc_provider.h"
 #include "runner/lane.h"
 #include "tds_server/server.h"
+#include "tests/lanes/real_server.h"
 
 namespace vicenter::tsql_test {
 namespace {
@@ -48,57 +48,39 @@ class TestServer {
 class ServedLane final : public Lane {
   public:
     bool IsOverOdbc() const override { return true; }
-    ado::ConnectionRef Open() override {
+
+  private:
+    ado::ConnectionRef Open(const std::string& more) override {
         static TestServer server;
         const std::string name = "test" + std::to_string(NextNumber());
         server.Server().AddDatabase(name, server.Folder() / (name + ".vas"));
-        return ado::OpenConnection(server.Server().ConnectText(name) + ";Pooling=no;Transactions=none");
+        return ado::OpenConnection(server.Server().ConnectText(name) + ";Pooling=no;" + more);
     }
 };
 
 class RealServerLane final : public Lane {
   public:
-    explicit RealServerLane(std::string connectString) : connectString_(std::move(connectString)) {
-        ado::RegisterOdbcProviders();
-        database_ = "vicenter_test_" + std::to_string(NextNumber());
-    }
-    ~RealServerLane() override {
-        try {
-            const ado::ConnectionRef connection = Connect();
-            connection->Execute("drop database " + database_);
-        } catch (const automation::Error& error) {
-            ADD_FAILURE() << error.Text();
-        }
-    }
-
-    ado::ConnectionRef Open() override {
-        const ado::ConnectionRef connection = Connect();
-        connection->Execute("create database " + database_ + " collate Chinese_PRC_CI_AS");
-        connection->Execute("use " + database_);
-        return connection;
-    }
+    explicit RealServerLane(const std::string& connectString) : database_(connectString) {}
     bool IsOtherServer() const override { return true; }
     bool IsOverOdbc() const override { return true; }
 
   private:
-    ado::ConnectionRef Connect() const {
-        return ado::OpenConnection(connectString_ + ";Pooling=no;Transactions=none");
+    ado::ConnectionRef Open(const std::string& more) override {
+        return ado::OpenConnection(database_.ConnectText() + ";Pooling=no;" + more);
     }
 
-    std::string connectString_;
-    std::string database_;
+    lanes::ScratchDatabase database_;
 };
 
 }  // namespace
 
 std::unique_ptr<Lane> MakeLane() {
-    if (const char* server = std::getenv("VICENTER_TEST_CONNECT"))
-        return std::make_unique<RealServerLane>(server);
+    if (const auto server = lanes::RealServer()) return std::make_unique<RealServerLane>(*server);
     return std::make_unique<ServedLane>();
 }
 
 TEST(RealServer, IsAskedWhereOneIsNamed) {
-    if (std::getenv("VICENTER_TEST_CONNECT") == nullptr)
+    if (!lanes::RealServer())
         GTEST_SKIP() << "VICENTER_TEST_CONNECT is not set: no real SQL Server was asked.";
     EXPECT_TRUE(MakeLane()->Open()->IsOpen());
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 // One account set behind either back end: embedded, and the same engine as a SQL Server on the loopback that
-// FreeTDS talks to. What a test says of the one it says of the other.
+// FreeTDS talks to; and behind a real server where one is named. What a test says of the one it says of the
+// others.
 
 #include <filesystem>
 #include <memory>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -14,6 +16,7 @@
 #include "platform/ado/connection.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "tds_server/server.h"
+#include "tests/lanes/real_server.h"
 
 namespace vicenter::ado_test {
 
@@ -39,7 +42,14 @@ class Folder {
     fs::path path_;
 };
 
-enum class BackEnd { kEmbedded, kServer };
+enum class BackEnd { kEmbedded, kServer, kRealServer };
+
+// The real one where it is named.
+inline std::vector<BackEnd> BackEnds() {
+    std::vector<BackEnd> all = {BackEnd::kEmbedded, BackEnd::kServer};
+    if (lanes::RealServer()) all.push_back(BackEnd::kRealServer);
+    return all;
+}
 
 // A database "books" on a server.
 class ServedBooks {
@@ -73,6 +83,8 @@ class BothBackEnds : public testing::TestWithParam<BackEnd> {
     void SetUp() override {
         if (GetParam() == BackEnd::kServer) {
             books_ = std::make_unique<ServedBooks>();
+        } else if (GetParam() == BackEnd::kRealServer) {
+            database_ = std::make_unique<lanes::ScratchDatabase>(*lanes::RealServer());
         } else {
             ado::RegisterAccountSetProvider();
         }
@@ -80,16 +92,18 @@ class BothBackEnds : public testing::TestWithParam<BackEnd> {
     // A further connection to the same account set.
     ado::ConnectionRef Open(const std::string& more = {}) {
         if (books_) return books_->Open(more);
+        if (database_) return ado::OpenConnection(database_->ConnectText() + ";" + more);
         return ado::OpenConnection("Provider=VelaAccountSet;Pooling=no;Create=yes;Data Source=" +
                                    (folder_.Path() / "books.vas").string() + ";" + more);
     }
-    bool IsServer() const { return books_ != nullptr; }
 
     Folder folder_;
     std::unique_ptr<ServedBooks> books_;
+    std::unique_ptr<lanes::ScratchDatabase> database_;
 };
 
 inline std::string BackEndName(const testing::TestParamInfo<BackEnd>& info) {
+    if (info.param == BackEnd::kRealServer) return "RealServer";
     return info.param == BackEnd::kEmbedded ? "Embedded" : "Server";
 }
 

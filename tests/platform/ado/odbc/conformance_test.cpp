@@ -1,4 +1,4 @@
-// The contract of ado::Connection, to both back ends alike.
+// The contract of ado::Connection, to both back ends alike, and to a real server where one is named.
 
 #include <gmock/gmock.h>
 
@@ -258,8 +258,13 @@ TEST_P(ConformanceTest, AWrongConnectStringIsToldInWords) {
     EXPECT_THROW(Open("Transactions=sometimes"), Error);
 }
 
-INSTANTIATE_TEST_SUITE_P(Ado, ConformanceTest, testing::Values(BackEnd::kEmbedded, BackEnd::kServer),
-                         BackEndName);
+INSTANTIATE_TEST_SUITE_P(Ado, ConformanceTest, testing::ValuesIn(BackEnds()), BackEndName);
+
+TEST(RealServer, IsAskedWhereOneIsNamed) {
+    if (!lanes::RealServer())
+        GTEST_SKIP() << "VICENTER_TEST_CONNECT is not set: no real SQL Server was asked.";
+    EXPECT_EQ(BackEnds().back(), BackEnd::kRealServer);
+}
 
 }  // namespace
 }  // namespace vicenter::ado_test

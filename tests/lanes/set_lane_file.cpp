@@ -1,0 +1,12 @@
+// The file itself.
+
+#include "host/account_set.h"
+#include "tests/lanes/set_lane.h"
+
+namespace vicenter::lanes {
+
+std::string ConnectTextOf(const std::string& file) {
+    return host::FileConnectString(file);
+}
+
+}  // namespace vicenter::lanes
