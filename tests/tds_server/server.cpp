@@ -9,6 +9,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "platform/system/code_page.h"
 #include "platform/system/collation.h"
 #include "platform/system/surroundings.h"
 #include "tds_server/connection.h"
@@ -23,6 +24,13 @@ class ChineseCollation final : public tsql::engine::TextCollation {
         return system::Collator::Chinese().Compare(a, b);
     }
     std::string Fold(std::string_view text) const override { return system::Collator::Chinese().Fold(text); }
+    // Whatever the server says of its own code page, its account sets are Chinese.
+    std::uint8_t LeadByte(std::string_view character) const override {
+        constexpr int kChinese = 936;
+        const auto page = system::CodePage::Open(kChinese);
+        const std::string bytes = page ? page->Encode(character) : std::string();
+        return bytes.empty() ? std::uint8_t{'?'} : static_cast<std::uint8_t>(bytes.front());
+    }
 };
 
 const ChineseCollation kCollation;

@@ -51,9 +51,15 @@ void ReadComment(TestFile& file, const std::string& line) {
     if (const std::string name = value("# name:"); !name.empty()) file.name = name;
     if (const std::string script = value("# setup:"); !script.empty()) file.setup.push_back(script);
     if (const std::string why = value("# differs:"); !why.empty()) file.differs = why;
-    if (const std::string why = value("# differs-over-odbc:"); !why.empty()) file.differsOverOdbc = why;
     for (const std::string& topic : SplitCommas(value("# covers:")))
         file.covers.push_back(topic);
+}
+
+constexpr std::string_view kOverOdbc = "---- over ODBC:";
+
+void DropBlankEnd(std::vector<std::string>& lines) {
+    while (!lines.empty() && Trimmed(lines.back()).empty())
+        lines.pop_back();
 }
 
 void ReadErrorHead(Step& step, const std::string& line) {
@@ -104,10 +110,18 @@ TestFile ParseTestFile(const std::string& content) {
             step.batch += lines[at] + "\n";
         if (at >= lines.size()) Refuse(at, "\"go\" expected");
         if (++at >= lines.size() || lines[at] != "----") Refuse(at + 1, "\"----\" expected");
-        for (++at; at < lines.size() && !StartsStep(lines[at]); ++at)
-            step.expected.push_back(lines[at]);
-        while (!step.expected.empty() && Trimmed(step.expected.back()).empty())
-            step.expected.pop_back();
+        std::vector<std::string>* expected = &step.expected;
+        for (++at; at < lines.size() && !StartsStep(lines[at]); ++at) {
+            if (lines[at].starts_with(kOverOdbc)) {
+                step.overOdbcWhy = Trimmed(lines[at].substr(kOverOdbc.size()));
+                if (step.overOdbcWhy.empty()) Refuse(at + 1, "a reason expected");
+                expected = &step.expectedOverOdbc;
+            } else {
+                expected->push_back(lines[at]);
+            }
+        }
+        DropBlankEnd(step.expected);
+        DropBlankEnd(step.expectedOverOdbc);
         file.steps.push_back(std::move(step));
     }
     if (file.steps.empty()) Refuse(at, "no batch");

@@ -6,7 +6,6 @@
 //   # by hand                                or "# recorded: from where"
 //   # setup: host/accountset/schema.sql      a script to run first (GO ends its batches); any number of these
 //   # differs: why                           not replayed on a real server, which answers otherwise
-//   # differs-over-odbc: why                 likewise, wherever an ODBC driver stands between
 //   # covers: cast, datetime                 what docs/tsql-support.md lists the test under
 //
 //   batch                                    or "error 208", optionally "error 208 line 3"
@@ -15,6 +14,9 @@
 //   ----
 //   a:int | b:nvarchar
 //   1 | x
+//   ---- over ODBC: why                      what comes instead where a driver stands between, if it differs
+//   a:int | b:nvarchar
+//   1 | NULL
 //
 // Several result sets are separated by a blank line. NULL and (empty) stand for themselves; a text with
 // blanks at its ends, or one that would read as something else, stands in double quotes; line breaks are \r
@@ -35,6 +37,8 @@ struct Step {
     std::optional<std::int32_t> errorNumber;
     std::optional<int> errorLine;
     std::vector<std::string> expected;  // lines below the dashes, trailing blank ones left out
+    std::string overOdbcWhy;            // empty where a driver changes nothing
+    std::vector<std::string> expectedOverOdbc;
 };
 
 struct TestFile {
@@ -42,7 +46,6 @@ struct TestFile {
     std::vector<std::string> setup;
     std::vector<std::string> covers;
     std::string differs;
-    std::string differsOverOdbc;
     std::vector<Step> steps;
 };
 

@@ -15,18 +15,21 @@ using Strings = std::vector<std::string>;
 
 TEST(TestFileTest, ReadsBatchesErrorsAndExpectations) {
     const TestFile file = ParseTestFile(
-        "# name: a/b.test\n# by hand\n# setup: x.sql\n# differs-over-odbc: as is\n# covers: while, "
+        "# name: a/b.test\n# by hand\n# setup: x.sql\n# covers: while, "
         "break\n\nbatch\nselect 1\n\nselect "
         "2\ngo\n"
-        "----\n:int\n1\n\n:int\n2\n\nerror 208 line 3\nselect * from t\nGO\n----\nInvalid.\n");
+        "----\n:int\n1\n\n:int\n2\n\n---- over ODBC: as is\n:int\n1\n\nerror 208 line 3\nselect * from "
+        "t\nGO\n----\nInvalid.\n");
     EXPECT_EQ(file.name, "a/b.test");
     EXPECT_EQ(file.setup, Strings{"x.sql"});
     EXPECT_EQ(file.covers, (Strings{"while", "break"}));
-    EXPECT_EQ(file.differsOverOdbc, "as is");
     ASSERT_EQ(file.steps.size(), 2U);
     EXPECT_EQ(file.steps[0].batch, "select 1\n\nselect 2\n");
     EXPECT_EQ(file.steps[0].expected, (Strings{":int", "1", "", ":int", "2"}));
-    EXPECT_EQ(file.steps[0].line, 7);
+    EXPECT_EQ(file.steps[0].overOdbcWhy, "as is");
+    EXPECT_EQ(file.steps[0].expectedOverOdbc, (Strings{":int", "1"}));
+    EXPECT_EQ(file.steps[1].overOdbcWhy, "");
+    EXPECT_EQ(file.steps[0].line, 6);
     EXPECT_FALSE(file.steps[0].errorNumber);
     EXPECT_EQ(file.steps[1].errorNumber, 208);
     EXPECT_EQ(file.steps[1].errorLine, 3);
@@ -38,6 +41,8 @@ TEST(TestFileTest, RefusesWhatIsNoTest) {
     EXPECT_THROW(ParseTestFile("# name: x\n"), std::runtime_error);
     EXPECT_THROW(ParseTestFile("# name: x\nfoo\n"), std::runtime_error);
     EXPECT_THROW(ParseTestFile("# name: x\nbatch\nselect 1\n"), std::runtime_error);
+    EXPECT_THROW(ParseTestFile("# name: x\nbatch\nselect 1\ngo\n----\n---- over ODBC:\n"),
+                 std::runtime_error);
     EXPECT_THROW(ParseTestFile("# name: x\nbatch\nselect 1\ngo\nselect 2\n"), std::runtime_error);
 }
 
