@@ -1,6 +1,8 @@
 // Code pages by ICU's converters.
 
 #include <algorithm>
+#include <memory>
+#include <new>
 #include <string>
 
 #include <unicode/ucnv.h>
@@ -10,6 +12,7 @@
 #include <unicode/utf8.h>
 
 #include "platform/system/code_page.h"
+#include "platform/system/icu_memory.h"
 
 namespace vicenter::system {
 
@@ -24,15 +27,16 @@ class Utf8Page final : public CodePage {
 
 class IcuPage final : public CodePage {
   public:
-    explicit IcuPage(UConverter* converter) : converter_(converter) {
+    explicit IcuPage(UConverter* converter) : converter_(converter, ucnv_close) {
         UErrorCode status = U_ZERO_ERROR;
         // What comes back as it went; the look-alikes that a converter may fall back to are not the
         // character.
-        ucnv_getUnicodeSet(converter_, reinterpret_cast<USet*>(&characters_), UCNV_ROUNDTRIP_SET, &status);
+        ucnv_getUnicodeSet(converter_.get(), reinterpret_cast<USet*>(&characters_), UCNV_ROUNDTRIP_SET,
+                           &status);
         characters_.freeze();
-        ucnv_setSubstChars(converter_, "?", 1, &status);
+        ucnv_setSubstChars(converter_.get(), "?", 1, &status);
+        if (U_FAILURE(status) || characters_.isBogus()) throw std::bad_alloc();
     }
-    ~IcuPage() override { ucnv_close(converter_); }
 
     std::size_t FirstMissing(std::string_view text) const override {
         const auto length = static_cast<std::int32_t>(text.size());
@@ -52,12 +56,13 @@ class IcuPage final : public CodePage {
     std::string Encode(std::string_view text) const override {
         const icu::UnicodeString wide = icu::UnicodeString::fromUTF8(
             icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-        std::string bytes(static_cast<std::size_t>(
-                              UCNV_GET_MAX_BYTES_FOR_STRING(wide.length(), ucnv_getMaxCharSize(converter_))),
+        if (wide.isBogus()) throw std::bad_alloc();
+        std::string bytes(static_cast<std::size_t>(UCNV_GET_MAX_BYTES_FOR_STRING(
+                              wide.length(), ucnv_getMaxCharSize(converter_.get()))),
                           '\0');
         UErrorCode status = U_ZERO_ERROR;
         const std::int32_t length =
-            ucnv_fromUChars(converter_, bytes.data(), static_cast<std::int32_t>(bytes.size()),
+            ucnv_fromUChars(converter_.get(), bytes.data(), static_cast<std::int32_t>(bytes.size()),
                             wide.getBuffer(), wide.length(), &status);
         bytes.resize(static_cast<std::size_t>(std::max(length, 0)));
         return bytes;
@@ -65,15 +70,16 @@ class IcuPage final : public CodePage {
 
     std::string Decode(std::string_view bytes) const override {
         UErrorCode status = U_ZERO_ERROR;
-        const icu::UnicodeString wide(bytes.data(), static_cast<std::int32_t>(bytes.size()), converter_,
+        const icu::UnicodeString wide(bytes.data(), static_cast<std::int32_t>(bytes.size()), converter_.get(),
                                       status);
+        if (wide.isBogus() || status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
         std::string text;
         wide.toUTF8String(text);
         return text;
     }
 
   private:
-    UConverter* converter_;
+    std::unique_ptr<UConverter, void (*)(UConverter*)> converter_;
     icu::UnicodeSet characters_;
 };
 
@@ -81,9 +87,11 @@ class IcuPage final : public CodePage {
 
 std::unique_ptr<CodePage> CodePage::Open(int number) {
     if (number == kUtf8) return std::make_unique<Utf8Page>();
+    GiveIcuItsReserve();
     UErrorCode status = U_ZERO_ERROR;
     const std::string name = "windows-" + std::to_string(number);
     UConverter* converter = ucnv_open(name.c_str(), &status);
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
     if (U_FAILURE(status)) return nullptr;
     return std::make_unique<IcuPage>(converter);
 }

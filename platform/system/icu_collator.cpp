@@ -18,6 +18,7 @@
 
 #include "automation/error.h"
 #include "platform/system/collation.h"
+#include "platform/system/icu_memory.h"
 #include "text/ascii.h"
 #include "text/blanks.h"
 
@@ -41,18 +42,25 @@ constexpr std::pair<std::u16string_view, std::string_view> kReadings[] = {
     {u"长期", "cq"}, {u"长途", "ct"}, {u"调整", "tz"}, {u"重组", "cz"}, {u"盛", "s"},
 };
 
+// What memory would have made available is not missing.
+void MustBeThere(UErrorCode status, const char* otherwise) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    if (U_FAILURE(status)) throw automation::Error(0, otherwise);
+}
+
 class IcuCollator : public Collator {
   public:
     IcuCollator() {
+        GiveIcuItsReserve();
         UErrorCode status = U_ZERO_ERROR;
         collator_.reset(icu::Collator::createInstance(icu::Locale("zh", "CN"), status));
-        if (U_FAILURE(status)) throw automation::Error(0, "The Chinese collation is not available.");
+        MustBeThere(status, "The Chinese collation is not available.");
         collator_->setStrength(icu::Collator::SECONDARY);
         // Letters stand before Chinese characters, as SQL Server has them; ICU's own order is the other way
         // round.
         const std::int32_t scripts[] = {USCRIPT_LATIN, USCRIPT_HAN};
         collator_->setReorderCodes(scripts, 2, status);
-        if (U_FAILURE(status)) throw automation::Error(0, "The Chinese collation is not available.");
+        MustBeThere(status, "The Chinese collation is not available.");
         RankAscii();
     }
 
@@ -90,6 +98,7 @@ class IcuCollator : public Collator {
 
     std::string PinyinInitials(std::string_view text) const override {
         const icu::UnicodeString wide = icu::UnicodeString::fromUTF8(Piece(text));
+        if (wide.isBogus()) throw std::bad_alloc();
         std::string result;
         for (std::int32_t i = 0; i < wide.length();) {
             if (const std::int32_t taken = TakeReading(wide, i, result)) {
@@ -124,8 +133,10 @@ class IcuCollator : public Collator {
             UErrorCode status = U_ZERO_ERROR;
             const char a = static_cast<char>(x);
             const char b = static_cast<char>(y);
-            return static_cast<int>(
-                collator_->compareUTF8(icu::StringPiece(&a, 1), icu::StringPiece(&b, 1), status));
+            const int found =
+                collator_->compareUTF8(icu::StringPiece(&a, 1), icu::StringPiece(&b, 1), status);
+            if (U_FAILURE(status)) throw std::bad_alloc();
+            return found;
         };
         std::stable_sort(order.begin(), order.end(), [&](int x, int y) { return compare(x, y) < 0; });
         const icu::StringPiece nothing("", 0);
@@ -136,6 +147,7 @@ class IcuCollator : public Collator {
             UErrorCode status = U_ZERO_ERROR;
             const bool ignored =
                 collator_->compareUTF8(icu::StringPiece(&c, 1), nothing, status) == UCOL_EQUAL;
+            if (U_FAILURE(status)) throw std::bad_alloc();
             ranks_[static_cast<std::size_t>(order[i])] = ignored ? 0 : static_cast<unsigned char>(rank);
         }
     }
@@ -197,10 +209,11 @@ class IcuCollator : public Collator {
 
     static const icu::Transliterator& Pinyin() {
         static const std::unique_ptr<icu::Transliterator> transliterator = [] {
+            GiveIcuItsReserve();
             UErrorCode status = U_ZERO_ERROR;
             std::unique_ptr<icu::Transliterator> created(
                 icu::Transliterator::createInstance("Han-Latin; Latin-ASCII; Lower", UTRANS_FORWARD, status));
-            if (U_FAILURE(status)) throw automation::Error(0, "The pinyin transliteration is not available.");
+            MustBeThere(status, "The pinyin transliteration is not available.");
             pinyinLoadingIsOver = true;
             return created;
         }();

@@ -60,6 +60,11 @@ class HeldFile {
     int handle_;
 };
 
+// The library that holds this code is never unloaded: somebody keeps addresses of its functions.
+void StayLoaded();
+// How many bytes a block of malloc has.
+std::size_t BlockSize(void* block);
+
 // The next Ctrl+C calls the handler instead of ending the process, in the handler of a signal or on a thread
 // of the system's; the one behind it ends the process. No handler puts things back.
 void OnInterruptKey(void (*handler)());

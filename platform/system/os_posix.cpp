@@ -12,6 +12,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <spawn.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -118,6 +119,16 @@ std::string ProgramFolder() {
     std::error_code error;
     const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
     return error ? std::string(".") : PathToUtf8(path.parent_path());
+}
+
+void StayLoaded() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&ProcessId), &info) != 0 && info.dli_fname != nullptr)
+        dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
+std::size_t BlockSize(void* block) {
+    return malloc_usable_size(block);
 }
 
 std::error_code CopyContent(const std::string& from, const std::string& to) {
