@@ -13,8 +13,7 @@
 #include <stdexcept>
 
 #ifdef __linux__
-#include <sys/inotify.h>
-#include <unistd.h>
+#include "tests/ui/watched_folder.h"
 #endif
 
 #include <gtest/gtest.h>
@@ -196,33 +195,6 @@ TEST(QtFileDialog, PreselectsTheFilterAndAddsItsExtension) {
 }
 
 #ifdef __linux__
-// A folder whose files' openings are counted, whoever opens them.
-class WatchedFolder {
-  public:
-    explicit WatchedFolder(const QString& path) : queue_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-        EXPECT_GE(inotify_add_watch(queue_, path.toUtf8().constData(), IN_OPEN), 0);
-    }
-    WatchedFolder(const WatchedFolder&) = delete;
-    WatchedFolder& operator=(const WatchedFolder&) = delete;
-    ~WatchedFolder() { close(queue_); }
-
-    std::vector<std::string> Opened() const {
-        std::vector<std::string> names;
-        alignas(inotify_event) char bytes[4096];
-        for (ssize_t got = 0; (got = read(queue_, bytes, sizeof bytes)) > 0;) {
-            for (ssize_t at = 0; at < got;) {
-                const auto* event = reinterpret_cast<const inotify_event*>(bytes + at);
-                if ((event->mask & IN_ISDIR) == 0) names.emplace_back(event->name);
-                at += static_cast<ssize_t>(sizeof(inotify_event)) + event->len;
-            }
-        }
-        return names;
-    }
-
-  private:
-    int queue_;
-};
-
 TEST(QtFileDialog, OpensNoneOfTheFilesThatItLists) {
     const QTemporaryDir folder;
     const QStringList names = {"a.vas", "a.vas-shm", "a.vas-wal", "plain", "目录.xls", "x.xlsx"};
@@ -232,7 +204,7 @@ TEST(QtFileDialog, OpensNoneOfTheFilesThatItLists) {
         file.write("SQLite format 3");
     }
     ASSERT_TRUE(QDir(folder.path()).mkdir("folder"));
-    const WatchedFolder watched(folder.path());
+    const WatchedFolder watched(folder.path().toStdString());
     for (const bool saving : {true, false}) {
         system::FileRequest request = WorkbookRequest();
         request.filters.push_back({"所有文件", "*"});

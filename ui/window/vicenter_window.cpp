@@ -125,6 +125,7 @@ void VICenterWindow::BuildGrid() {
     connect(listTimer_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
     connect(model_, &GridModel::activeCellChanged, listTimer_, qOverload<>(&QTimer::start));
     homeTimer_ = new QTimer(this);
+    homeTimer_->setObjectName(QStringLiteral("homeTimer"));
     homeTimer_->setInterval(kHomeMilliseconds);
     connect(homeTimer_, &QTimer::timeout, this, [this] {
         if (!progress_->IsPolling()) Guarded([this] { presenter_->BringHome(); });

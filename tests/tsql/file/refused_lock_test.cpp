@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "tests/fakes/held_log.h"
 #include "tests/tsql/file/file_fixture.h"
 
 namespace vicenter::tsql::engine {
@@ -11,30 +12,6 @@ namespace {
 
 class RefusedLockTest : public SetFileTest {
   protected:
-    // All locks of the log's index, by another description of its file.
-    class Held {
-      public:
-        explicit Held(const std::string& set)
-            : descriptor_(open((set + "-shm").c_str(), O_RDWR | O_CLOEXEC)) {
-            Lock(F_WRLCK);
-        }
-        Held(const Held&) = delete;
-        Held& operator=(const Held&) = delete;
-        ~Held() { close(descriptor_); }
-        void LetGo() { Lock(F_UNLCK); }
-
-      private:
-        void Lock(short type) const {
-            struct flock range {};
-            range.l_type = type;
-            range.l_whence = SEEK_SET;
-            range.l_start = 120;
-            range.l_len = 8;
-            EXPECT_EQ(fcntl(descriptor_, F_OFD_SETLK, &range), 0);
-        }
-        int descriptor_;
-    };
-
     ExecutionReport RunWatched(Session& session, const char* batch,
                                std::function<bool(std::chrono::milliseconds)> watch) {
         ExecutionLimits limits;
@@ -59,7 +36,7 @@ constexpr const char* kWrite = "insert into t values(1)";
 TEST_F(RefusedLockTest, ABatchThatWaitsForTheLogCanBeStopped) {
     MakeTable();
     const auto session = Waiting(kLongestLockTimeout);
-    const Held held(Path());
+    const fakes::HeldLog held(Path());
     for (const char* batch : {kRead, kWrite}) {
         int asked = 0;
         const ExecutionReport report =
@@ -73,7 +50,7 @@ TEST_F(RefusedLockTest, ABatchThatWaitsForTheLogCanBeStopped) {
 TEST_F(RefusedLockTest, ABatchWaitsForTheLogNoLongerThanForOtherLocks) {
     MakeTable();
     const auto session = Waiting(100);
-    const Held held(Path());
+    const fakes::HeldLog held(Path());
     for (const char* batch : {kRead, kWrite}) {
         const auto begin = std::chrono::steady_clock::now();
         EXPECT_EQ(RunOn(*session, batch).substr(0, 10), "error 1222") << batch;
@@ -87,7 +64,7 @@ TEST_F(RefusedLockTest, ABatchGoesOnWhenTheLogIsFreeAgain) {
     const auto session = Waiting(kLongestLockTimeout);
     const std::chrono::milliseconds moment(LongRuns() ? 12000 : 0);
     for (const char* batch : {kWrite, kRead}) {
-        Held held(Path());
+        fakes::HeldLog held(Path());
         const ExecutionReport report = RunWatched(*session, batch, [&](std::chrono::milliseconds taken) {
             if (taken > moment) held.LetGo();
             return true;
