@@ -1,7 +1,9 @@
 // vicenter show NAME
 
+#include <algorithm>
 #include <ostream>
 
+#include "center/editing/cell_rules.h"
 #include "center/grid/columns.h"
 #include "host/cli/context.h"
 #include "host/cli/templates.h"
@@ -16,17 +18,35 @@ Variant LineValue(const Variant& value) {
     return JsonValue(value);
 }
 
+// The grid does not show every value: a side that is neither debit nor credit is an empty cell there, and so
+// is a rate without a currency.
+bool IsOutsideOfColumn(const center::ColumnSpec& spec, const Variant& stored) {
+    switch (spec.kind) {
+        case center::CellKind::Direction:
+            return !stored.IsNumeric() || (stored.ToDouble() != 0 && stored.ToDouble() != 1);
+        case center::CellKind::TemplateNumber:
+        case center::CellKind::Whole:
+        case center::CellKind::Decimal: {
+            const std::string text = LineValue(stored).ToTextOrEmpty();
+            return !text.empty() && center::CheckTypedText(spec.column, text) != center::TextVerdict::Taken;
+        }
+        default:
+            return false;
+    }
+}
+
 Variant LineObject(const TemplateLines& lines, int row) {
     const auto object = std::make_shared<scripting::Dictionary>();
     const auto record = static_cast<std::size_t>(row - 1);
     for (std::size_t c = 0; c < lines.records->ColumnCount(); ++c)
         object->SetItem(lines.records->Columns()[c].name, LineValue(lines.records->ValueAt(record, c)));
+    const std::vector<std::string> seen = FaultyFields(lines.grid, row);
     VariantArray faulty;
-    // The grid shows a side that is neither debit nor credit as an empty cell.
-    const Variant& side = lines.records->ValueAt(record, lines.records->ColumnIndex("FDC"));
-    if (!side.IsNumeric() || (side.ToDouble() != 0 && side.ToDouble() != 1)) faulty.emplace_back("FDC");
-    for (const std::string& field : FaultyFields(lines.grid, row))
-        faulty.emplace_back(field);
+    for (const center::ColumnSpec& spec : center::Columns()) {
+        const Variant& stored = lines.records->ValueAt(record, lines.records->ColumnIndex(spec.field));
+        if (std::find(seen.begin(), seen.end(), spec.field) != seen.end() || IsOutsideOfColumn(spec, stored))
+            faulty.emplace_back(std::string(spec.field));
+    }
     object->SetItem("faulty", faulty);
     return object;
 }
