@@ -78,23 +78,23 @@ ImportRows::ImportRows(const ObjectRef& sheet, std::int32_t columnCount, const s
         throw automation::Error(automation::error_number::kInvalidProcedureCall);
 }
 
-// A fault that the cell's column would not find: an error value in a column of texts, a result that was never
-// calculated, digits that the sheet has lost.
-const char* ImportRows::FaultOf(const Variant& value, CellType type) {
+// An error value, a result that was never calculated, digits that the sheet has lost.
+void ImportRows::TakeFault(const Variant& value, CellType type, ReadText& read) {
     if (value.IsError()) {
         constexpr std::uint32_t kNotCalculated = 2050;
-        if ((static_cast<std::uint32_t>(value.AsErrorCode()) & 0xFFFF) == kNotCalculated) {
-            return "公式没有计算结果，请用 Excel 打开并保存后再引入";
-        }
-        return type == CellType::Text ? "公式结果为错误值" : nullptr;
+        const bool calculated = (static_cast<std::uint32_t>(value.AsErrorCode()) & 0xFFFF) != kNotCalculated;
+        read.fault = calculated ? "公式结果为错误值" : "公式没有计算结果，请用 Excel 打开并保存后再引入";
+        // That #N/A is no number needs no words; that it is no text does.
+        read.told = !calculated || type == CellType::Text;
+        return;
     }
     // A number keeps 15 digits; what a longer code became is not what was typed.
     constexpr double kFirstInexact = 1e15;
     if (type == CellType::Text && value.Type() == automation::VariantType::Double &&
         std::fabs(value.ToDouble()) >= kFirstInexact) {
-        return "数字超过15位，请将单元格设为文本格式后重新录入";
+        read.fault = "数字超过15位，请将单元格设为文本格式后重新录入";
+        read.told = true;
     }
-    return nullptr;
 }
 
 ImportRows::ReadText ImportRows::ReadCell(std::int32_t row, std::size_t index) {
@@ -102,7 +102,8 @@ ImportRows::ReadText ImportRows::ReadCell(std::int32_t row, std::size_t index) {
     const std::size_t place = columns_[index];
     const CellType type = kColumns[place].type;
     const Variant value = cells_.Value(row, column);
-    ReadText read{CellAsTyped(value), FaultOf(value, type)};
+    ReadText read{CellAsTyped(value)};
+    TakeFault(value, type, read);
     // Explanations and remarks are prose, where such marks may join what belongs together.
     const bool isProse = place == kExplanationColumn || place == kRemarkColumn;
     if (value.Type() == automation::VariantType::Text && !isProse) {
@@ -139,7 +140,7 @@ std::string ImportRows::WhyNot(std::size_t index, bool& told) {
     const TemplateColumn& column = kColumns[columns_[index]];
     const bool isExplanation = columns_[index] == kExplanationColumn;
     const bool isFirst = isExplanation && IsFirstOfItsNumber();
-    told = true;
+    told = read.fault == nullptr || read.told;
     if (read.fault != nullptr) return read.fault;
     if (isFirst && read.text.empty()) return "相同凭证模板编号首行摘要不允许为空";
     if (std::string why = WhyNotStored(column, read.text); !why.empty()) return why;

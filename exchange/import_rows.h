@@ -34,10 +34,11 @@ class ImportRows {
     struct ReadText {
         std::string text;
         const char* fault = nullptr;  // why the text is not what the cell means
+        bool told = false;            // the message says why, too
     };
     ReadText ReadCell(std::int32_t row, std::size_t index);
-    // The fault of a cell beyond what its column checks; none: no object.
-    static const char* FaultOf(const automation::Variant& value, CellType type);
+    // Looks for what the cell's column would not find.
+    static void TakeFault(const automation::Variant& value, CellType type, ReadText& read);
     bool IsFirstOfItsNumber();
     // Why the cell at that place cannot be imported; the empty text when it can. `told`: the message says it.
     std::string WhyNot(std::size_t index, bool& told);

@@ -2,11 +2,13 @@
 
 // ".xls" files by hand: one sheet of records as their writers leave them.
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <string>
 
 #include "platform/office/compound_file.h"
+#include "platform/system/utf8.h"
 
 namespace vicenter::office {
 
@@ -23,9 +25,17 @@ inline std::string F64(double value) {
 inline std::string Record(std::uint16_t id, const std::string& payload) {
     return U16(id) + U16(static_cast<std::uint32_t>(payload.size())) + payload;
 }
-// Small letters and figures alone.
+// The characters behind their count: a byte each, or two when one of them needs it.
+inline std::string Characters(const std::string& text) {
+    const bool wide = std::any_of(text.begin(), text.end(), [](char c) { return (c & 0x80) != 0; });
+    if (!wide) return std::string(1, '\0') + text;
+    std::string bytes(1, '\x01');
+    for (const char16_t unit : system::ToUtf16(text))
+        bytes += U16(unit);
+    return bytes;
+}
 inline std::string ShortText(const std::string& text) {
-    return U16(static_cast<std::uint32_t>(text.size())) + std::string(1, '\0') + text;
+    return U16(static_cast<std::uint32_t>(system::CodeUnitCount(text))) + Characters(text);
 }
 
 // Results of formulas that are no numbers.
@@ -38,6 +48,7 @@ struct XlsParts {
     bool encrypted = false;
     std::string cells;
     std::string stream = "Workbook";
+    std::string sheetName = "s";
 
     void Number(std::uint16_t row, std::uint16_t column, double value) {
         cells += Record(0x0203, U16(row) + U16(column) + U16(15) + F64(value));
@@ -72,10 +83,11 @@ struct XlsParts {
         for (int i = 0; i < 16; ++i)
             globals += look(0);
         globals += look(21);
-        const std::string sheetName = std::string(1, '\x01') + std::string(1, '\0') + "s";
-        const std::size_t boundSheet = 4 + 6 + sheetName.size();
+        const std::string bound =
+            std::string(1, static_cast<char>(system::CodeUnitCount(sheetName))) + Characters(sheetName);
+        const std::size_t boundSheet = 4 + 6 + bound.size();
         const std::size_t place = globals.size() + boundSheet + 4;
-        globals += Record(0x0085, U32(static_cast<std::uint32_t>(place)) + U16(0) + sheetName);
+        globals += Record(0x0085, U32(static_cast<std::uint32_t>(place)) + U16(0) + bound);
         globals += Record(0x000A, "");
         CompoundWriter file(name, stream);
         file.Write(globals + bof(0x0010) + cells + Record(0x000A, ""));
