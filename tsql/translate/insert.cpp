@@ -155,8 +155,12 @@ Translation Translator::InsertQuery(const TableInfo& table, const std::vector<Na
     }
     std::vector<std::string> values;
     for (std::size_t i = 0; i < columns.size(); ++i) {
+        const ColumnInfo& column = *columns[i];
         const Operand value = Computed("c" + std::to_string(i + 1), rows.columns[i].type);
-        values.push_back(RenderStored(value, table, *columns[i], kInsert));
+        // What a column of the same type holds is in this one's form already.
+        const bool fits = rows.natural[i] && rows.columns[i].type == column.type && column.nullable &&
+                          !table.IsInUniqueKey(column.name);
+        values.push_back(fits ? Render(value) : RenderStored(value, table, column, kInsert));
     }
     AddDefaults(table, columns, values);
     std::string list;
