@@ -1,6 +1,7 @@
 #include "autovch/generation.h"
 
 #include <map>
+#include <optional>
 
 #include "entry/host_context.h"
 #include "entry/host_services.h"
@@ -13,6 +14,7 @@
 #include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
+#include "store/template_history.h"
 #include "store/template_name.h"
 
 namespace vicenter::autovch {
@@ -123,6 +125,9 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     if (!result.faults.empty()) ShowMessage(NoRoomText(result.faults));
     if (batch.empty()) return result;
     if (target.overwriteId < 0) store::ClearWayForNewTemplate();
+    std::optional<store::KeptVersion> before;
+    if (target.overwriteId >= 0)
+        before.emplace(std::to_string(target.overwriteId), store::HistoryCommand::Generate);
     // With the lines come the flags of the numbers that can be used, or nothing does.
     store::CommandUnit unit;
     using Outcome = store::TemplateOutcome::State;
@@ -141,6 +146,7 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
         ShowMessage("凭证模板生成失败！");
         return result;
     }
+    if (before) before->Stay();
     result.outcome = {Outcome::Saved, id,
                       store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>())};
     result.message = store::WithUnusableNote("凭证生成凭证模板 " + name + " 成功！", result.outcome.unusable);

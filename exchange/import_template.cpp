@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 
 #include "automation/class_registry.h"
 #include "entry/host_context.h"
@@ -15,6 +16,7 @@
 #include "store/command_unit.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
+#include "store/template_history.h"
 #include "store/template_name.h"
 #include "store/template_outcome.h"
 
@@ -106,6 +108,8 @@ void WriteBatch(TemplateWindow& window, const ImportBatch& batch, std::int32_t e
     const std::string& name = outcome.templateName;
     if (existingId == kNewTemplate) store::ClearWayForNewTemplate();
     store::clsVIData::ForgetFailure();
+    std::optional<store::KeptVersion> before;
+    if (existingId != kNewTemplate) before.emplace(std::to_string(existingId), store::HistoryCommand::Import);
     store::CommandUnit unit;
     const auto check = [](bool done) {
         if (done) return;
@@ -119,6 +123,7 @@ void WriteBatch(TemplateWindow& window, const ImportBatch& batch, std::int32_t e
     const std::string id = ReadTemplateId(name);
     store::clsVIData().IsExecuteSql(store::MarkUsable(id));
     check(unit.Commit());
+    if (before) before->Stay();
     outcome.templateId = Variant(id).ToInt32();
     outcome.lines = batch.lines;
     outcome.written = true;

@@ -42,7 +42,8 @@ void RunScript(ado::Connection& connection, std::string_view script, const std::
 }
 
 void CreateAccountSet(ado::Connection& connection) {
-    for (const char* script : {"accountset/schema.sql", "accountset/procedures.sql", "accountset/seed.sql"})
+    for (const char* script : {"accountset/schema.sql", "accountset/history.sql", "accountset/procedures.sql",
+                               "accountset/seed.sql"})
         RunScript(connection, EmbeddedText(script), script);
 }
 

@@ -24,6 +24,7 @@ using automation::VariantType;
 namespace {
 
 constexpr const char* kSchema = "accountset/schema.sql";
+constexpr const char* kHistory = "accountset/history.sql";
 constexpr const char* kProcedures = "accountset/procedures.sql";
 constexpr const char* kSeed = "accountset/seed.sql";
 
@@ -134,9 +135,10 @@ class Transaction {
 };
 
 // Runs `ask` on the account set and `tell` for what is missing there; they differ where a script is written.
-SetupReport MakeObjects(ado::Connection& ask, ado::Connection& tell) {
+SetupReport MakeObjects(ado::Connection& ask, ado::Connection& tell,
+                        std::initializer_list<const char*> scripts = {kSchema, kHistory, kProcedures}) {
     SetupReport report;
-    for (const char* script : {kSchema, kProcedures}) {
+    for (const char* script : scripts) {
         for (const ScriptBatch& batch : Batches(script)) {
             const Made made = MadeBy(batch.text);
             if (Exists(ask, made)) {
@@ -282,9 +284,21 @@ SetupReport CompleteAccountSet(ado::Connection& connection, const AccountSetOpti
     return report;
 }
 
+SetupReport UpgradeAccountSet(ado::Connection& connection) {
+    if (!Exists(connection, {"table", "t_VchTemplate", ""}))
+        throw Error(automation::error_number::kElementNotFound, "不是账套：没有表 t_VchTemplate。");
+    Transaction transaction(connection);
+    const SetupReport report = MakeObjects(connection, connection, {kHistory});
+    transaction.Keep();
+    return report;
+}
+
 StructureFaults FindStructureFaults(ado::Connection& connection) {
     StructureFaults faults;
-    for (const char* script : {kSchema, kProcedures}) {
+    std::vector<const char*> scripts = {kSchema, kProcedures};
+    // History is the administrator's choice; half of it is a fault.
+    if (Exists(connection, {"table", "t_VchTpHistory", ""})) scripts.push_back(kHistory);
+    for (const char* script : scripts) {
         for (const ScriptBatch& batch : Batches(script)) {
             const Made made = MadeBy(batch.text);
             if (made.kind != "table") {
@@ -309,9 +323,11 @@ StructureFaults FindStructureFaults(ado::Connection& connection) {
 
 CopyReport CopyAccountSet(ado::Connection& from, ado::Connection& to) {
     std::vector<Table> tables;
-    for (const ScriptBatch& batch : Batches(kSchema)) {
-        if (const Made made = MadeBy(batch.text); made.kind == "table")
-            tables.push_back({made.name, {}, false});
+    for (const char* script : {kSchema, kHistory}) {
+        for (const ScriptBatch& batch : Batches(script)) {
+            if (const Made made = MadeBy(batch.text); made.kind == "table")
+                tables.push_back({made.name, {}, false});
+        }
     }
     if (ColumnsOf(from, "t_VchTemplate").empty()) RefuseCopy("来源不是账套：没有表 t_VchTemplate。");
     Transaction transaction(to);

@@ -9,6 +9,7 @@
 #include "platform/system/collation.h"
 #include "store/cls_vi_data.h"
 #include "store/template_guard.h"
+#include "store/template_history.h"
 #include "store/template_name.h"
 #include "store/template_rows.h"
 
@@ -244,7 +245,9 @@ bool TemplateTree::AfterLabelEdit(const std::string& label) {
     }
     const std::string id = IdOf(selected_);
     if (!MayRename(TextOf(selected_), id)) return false;
+    store::KeptVersion before(id, store::HistoryCommand::Rename);
     if (!store::RenameTemplate(id, newText)) return false;
+    before.Stay();
     SetNodeText(selected_, newText);
     Open(newText, id, newText);
     return true;
@@ -339,11 +342,13 @@ void TemplateTree::DeleteSelected() {
         return;
     }
     if (!MayDelete(text)) return;
+    store::KeptVersion before(IdOf(selected_), store::HistoryCommand::Delete);
     if (!store::clsVIData().DeleteVchTemplateInfo(IdOf(selected_))) {
         Tell("删除失败！");
         entry::WriteOperationLog(LogKind::Failed, "凭证模板-删除模板 " + text + " 失败");
         return;
     }
+    before.Stay();
     const std::string removed = selected_;
     const auto at = static_cast<std::size_t>(Find(removed) - nodes_.data());
     // The root at index 0 is no sibling.

@@ -158,15 +158,21 @@ class CommandLine {
                 "备份账套，不影响正在使用的人 / back up while others work", "FILE", "TO");
         addCopy("restore", CliCommand::AccountSetRestore,
                 "恢复备份到账套或新文件 / put a backup into an account set or a new file", "FROM", "FILE");
-        CLI::App* verify = AddCommand(*accountSet, "verify", CliCommand::AccountSetVerify,
-                                      "检查账套或备份 / look for damage");
-        verify->add_option("FILE", options_.file, "账套文件；用 --connect 时不写 / file; none with --connect")
-            ->check(kNotEmpty);
-        verify->callback([this] {
-            if (options_.file.empty() == options_.connectString.empty())
-                throw CLI::RequiredError("FILE | --connect");
-            options_.command = CliCommand::AccountSetVerify;
-        });
+        const auto addOnPlace = [&](const char* name, CliCommand command, const char* description) {
+            CLI::App* added = AddCommand(*accountSet, name, command, description);
+            added
+                ->add_option("FILE", options_.file,
+                             "账套文件；用 --connect 时不写 / file; none with --connect")
+                ->check(kNotEmpty);
+            added->callback([this, command] {
+                if (options_.file.empty() == options_.connectString.empty())
+                    throw CLI::RequiredError("FILE | --connect");
+                options_.command = command;
+            });
+        };
+        addOnPlace("verify", CliCommand::AccountSetVerify, "检查账套或备份 / look for damage");
+        addOnPlace("upgrade", CliCommand::AccountSetUpgrade,
+                   "补上模板历史的表 / add the tables of the templates' history");
 
         AddCommand(app_, "list", CliCommand::List, "列出模板 / list the templates");
         AddNamedCommand("show", CliCommand::Show, "显示模板 / show a template");
@@ -184,8 +190,34 @@ class CommandLine {
             ->check(kNotEmpty);
         AddCommand(app_, "drivers", CliCommand::Drivers,
                    "SQL Server 的 ODBC 驱动程序 / ODBC drivers for SQL Server, and which one is taken");
+        AddHistory();
         AddExchangeCommands();
         AddGenerate();
+    }
+
+    void AddHistory() {
+        CLI::App* history =
+            AddCommand(app_, "history", CliCommand::History,
+                       "模板的历史版本；不写 NAME 时为保留规则 / a template's versions, or the rule");
+        auto* name = history->add_option("NAME", options_.name, "模板名称 / template");
+        auto* version = history->add_option("--version-id", options_.version,
+                                            "与现在的差别 / what differs now from this version");
+        version->check(kDigits)->needs(name);
+        history->add_flag("--deleted", options_.deleted, "已删除的模板 / templates that were deleted")
+            ->excludes(name);
+        for (auto [flag, target, text] :
+             {std::tuple("--keep-days", &options_.keepDays, "保留天数 / days that versions are kept"),
+              std::tuple("--keep-versions", &options_.keepVersions,
+                         "每个模板至少保留的版本数 / versions of a template kept at least")}) {
+            history->add_option(flag, *target, text)->check(CLI::Range(0, 100'000))->excludes(name);
+        }
+        CLI::App* restore =
+            AddNamedCommand("restore", CliCommand::Restore,
+                            "恢复历史版本或已删除的模板 / bring back a version or a deleted template");
+        restore->add_option("--version-id", options_.version, "版本号 / version, as history lists it")
+            ->check(kDigits);
+        restore->add_option("--as", options_.newName, "恢复为新模板 / as a new template of this name")
+            ->check(kNotEmpty);
     }
 
     void AddExchangeCommands() {
@@ -276,6 +308,8 @@ int Dispatch(const CliContext& context) {
             return RunAccountSetRestore(context);
         case CliCommand::AccountSetVerify:
             return RunAccountSetVerify(context);
+        case CliCommand::AccountSetUpgrade:
+            return RunAccountSetUpgrade(context);
         case CliCommand::List:
             return RunList(context);
         case CliCommand::Show:
@@ -290,6 +324,10 @@ int Dispatch(const CliContext& context) {
             return RunCheck(context);
         case CliCommand::Log:
             return RunLog(context);
+        case CliCommand::History:
+            return RunHistory(context);
+        case CliCommand::Restore:
+            return RunRestore(context);
         case CliCommand::Save:
             return RunSave(context);
         case CliCommand::Sql:
@@ -314,6 +352,8 @@ bool Speaks(CliCommand command) {
         case CliCommand::AccountSetBackup:
         case CliCommand::AccountSetRestore:
         case CliCommand::AccountSetVerify:
+        case CliCommand::AccountSetUpgrade:
+        case CliCommand::Restore:
         case CliCommand::New:
         case CliCommand::Rename:
         case CliCommand::Delete:
@@ -332,7 +372,8 @@ bool Speaks(CliCommand command) {
 bool NeedsNoSession(CliCommand command) {
     return command == CliCommand::AccountSetNew || command == CliCommand::AccountSetCopy ||
            command == CliCommand::AccountSetBackup || command == CliCommand::AccountSetRestore ||
-           command == CliCommand::AccountSetVerify || command == CliCommand::Drivers;
+           command == CliCommand::AccountSetVerify || command == CliCommand::AccountSetUpgrade ||
+           command == CliCommand::Drivers;
 }
 
 int FailWithDocument(const CliContext& context, const std::string& text) {

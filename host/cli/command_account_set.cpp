@@ -1,5 +1,5 @@
 // vicenter account-set new FILE or --connect STRING, copy FROM TO, backup FILE TO, restore FROM FILE,
-// verify FILE or --connect STRING
+// verify and upgrade FILE or --connect STRING
 
 #include <filesystem>
 
@@ -144,6 +144,19 @@ int RunAccountSetVerify(const CliContext& context) {
     return FinishSpeaking(context, findings.empty(),
                           JsonObject({{file.empty() ? "database" : "file", place}, {"findings", list}}),
                           "没有发现问题：" + place + "\n");
+}
+
+int RunAccountSetUpgrade(const CliContext& context) {
+    const CliOptions& options = context.options;
+    if (!options.file.empty() && !Exists(options.file))
+        throw automation::Error(automation::error_number::kFileNotFound, "账套文件不存在：" + options.file);
+    const ado::ConnectionRef connection =
+        OpenSource(context, options.file.empty() ? options.connectString : options.file);
+    const SetupReport report = UpgradeAccountSet(*connection);
+    return FinishSpeaking(context, true, JsonObject({{"made", report.made}, {"present", report.present}}),
+                          report.made == 0
+                              ? "账套已是最新，无需升级。\n"
+                              : "账套已升级：新建 " + std::to_string(report.made) + " 个对象。\n");
 }
 
 }  // namespace vicenter::host

@@ -16,6 +16,7 @@ enum class CliCommand {
     AccountSetBackup,
     AccountSetRestore,
     AccountSetVerify,
+    AccountSetUpgrade,
     List,
     Show,
     New,
@@ -23,6 +24,8 @@ enum class CliCommand {
     Delete,
     Check,
     Log,
+    History,
+    Restore,
     Save,
     Sql,
     Export,
@@ -59,6 +62,10 @@ struct CliOptions {
     bool demo = false;
     bool dryRun = false;
     int vouchers = 0;
+    std::string version;          // history, restore: of a template
+    std::optional<int> keepDays;  // history: the rule
+    std::optional<int> keepVersions;
+    bool deleted = false;               // history: of templates that are gone
     std::string sessionFolder;          // window --offscreen-session
     std::string exportFolder;           // export --all
     std::string excelVersion = "16.0";  // of the workbook server; "none": not installed

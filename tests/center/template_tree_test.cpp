@@ -422,11 +422,12 @@ TEST_F(Rename, ItsOwnNameCountsAsADuplicate) {
 TEST_F(Rename, WritesTheNameAndOpensTheTemplateUnderIt) {
     lines_["5"] = {Line(1, "x")};
     EXPECT_TRUE(Window().Tree().AfterLabelEdit("月末结转"));
-    ASSERT_GE(set_.Statements().size(), 3U);
+    ASSERT_GE(set_.Statements().size(), 4U);
     EXPECT_EQ(set_.Statements()[0], "select FID from t_VchTemplate where FName = '月末结转' and FUserID = 7");
     // The one question whether the node still stands for this template.
     EXPECT_EQ(set_.Statements()[1], "select FUserID,FName as FTemplateName from t_VchTemplate where FID = 5");
-    EXPECT_EQ(set_.Statements()[2], "update t_VchTemplate set FName = '月末结转' where FID = 5");
+    EXPECT_THAT(set_.Statements()[2], HasSubstr("FID,FName,FUserID,4,7,GetDate()"));
+    EXPECT_EQ(set_.Statements()[3], "update t_VchTemplate set FName = '月末结转' where FID = 5");
     EXPECT_EQ(view_.tree[2].text, "月末结转");
     EXPECT_EQ(view_.name, "月末结转");
     EXPECT_EQ(Window().TemplateId(), "5");
@@ -444,7 +445,7 @@ TEST_F(Rename, TheNewNameIsTheOneThatALaterClickAndDeleteUse) {
 TEST_F(Rename, TheLiteralDoublesApostrophesAndKeepsBlanks) {
     EXPECT_TRUE(Window().Tree().AfterLabelEdit(" a'b "));
     EXPECT_EQ(set_.Statements()[0], "select FID from t_VchTemplate where FName = ' a''b ' and FUserID = 7");
-    EXPECT_EQ(set_.Statements()[2], "update t_VchTemplate set FName = ' a''b ' where FID = 5");
+    EXPECT_EQ(set_.Statements()[3], "update t_VchTemplate set FName = ' a''b ' where FID = 5");
 }
 
 TEST_F(Rename, AFailedUpdateIsToldAndTheOldLabelStays) {
@@ -517,7 +518,8 @@ TEST_F(Delete, SelectsTheNextTemplateAndOpensIt) {
     Remove();
     // The one question whether the template is still what was loaded comes first.
     EXPECT_THAT(set_.Statements()[0], HasSubstr("select a.FUserID,a.FName as FTemplateName,b.*"));
-    EXPECT_EQ(set_.Statements()[1],
+    EXPECT_THAT(set_.Statements()[1], HasSubstr("FID,FName,FUserID,5,7,GetDate()"));
+    EXPECT_EQ(set_.Statements()[2],
               " delete t_VchTemplate where FID = 5\r\n"
               " delete t_VchTemplateEntry where FID = 5\r\n"
               " delete t_VchTpControl where FID = 5");

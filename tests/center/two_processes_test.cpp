@@ -8,6 +8,7 @@
 
 #include "automation/class_registry.h"
 #include "center/frame/frm_vi_center.h"
+#include "center/history/restore.h"
 #include "entry/host_context.h"
 #include "host/components/components.h"
 #include "tests/center/fake_view.h"
@@ -289,6 +290,27 @@ TEST(KilledWindow, LeavesADraftThatTheNextOneOffers) {
                   .ToText(),
               "未保存");
     entry::SetCurrentUserId("");
+}
+
+// Whoever chose a version in a list may be too late: another command has let it go meanwhile.
+TEST_F(TwoProcesses, AVersionThatIsGoneEmptiesNothing) {
+    const std::string id = NewTemplate("版本");
+    ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
+    ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
+    const store::History history = store::ReadHistory(id);
+    ASSERT_EQ(history.versions.size(), 3U);  // named, saved, saved again
+    ASSERT_EQ(Elsewhere({"sql"}, "delete from t_VchTpHistoryEntry delete from t_VchTpHistory"), 0);
+    surroundings_.messageBoxes->answers = {MessageResult::Yes};
+    const store::TemplateOutcome over = RestoreOver(history.versions.front(), id, "版本");
+    EXPECT_EQ(over.state, store::TemplateOutcome::State::Refused);
+    EXPECT_EQ(Value("select count(*) from t_VchTemplateEntry where FID = " + id), "1");
+    const store::TemplateOutcome added = RestoreAsNew(history.versions.front(), "另一个", "1");
+    EXPECT_EQ(added.state, store::TemplateOutcome::State::Refused);
+    EXPECT_EQ(Value("select count(*) from t_VchTemplate where FName = '另一个'"), "0");
+    const auto& shown = surroundings_.messageBoxes->shown;
+    ASSERT_GE(shown.size(), 2U);
+    EXPECT_THAT(shown[1].text, HasSubstr("历史版本已不存在，没有恢复！"));
+    EXPECT_EQ(shown.back().text, "模板 另一个 恢复失败！");
 }
 
 }  // namespace

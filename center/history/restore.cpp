@@ -1,0 +1,99 @@
+#include "center/history/restore.h"
+
+#include "center/frame/window_state.h"
+#include "entry/host_services.h"
+#include "platform/system/collation.h"
+#include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+#include "store/statements.h"
+#include "store/template_guard.h"
+#include "store/template_name.h"
+#include "store/template_rows.h"
+
+namespace vicenter::center {
+
+using entry::LogKind;
+using State = store::TemplateOutcome::State;
+
+namespace {
+
+store::TemplateOutcome TellRestored(const std::string& id, const std::string& name) {
+    const auto unusable = store::ReadUnusableNumbers(id).value_or(std::vector<std::string>());
+    Tell(store::WithUnusableNote("模板 " + name + " 恢复成功！", unusable));
+    entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-恢复模板 " + name + " 成功");
+    return {State::Saved, automation::Variant(id).ToInt32(), unusable};
+}
+
+store::TemplateOutcome TellFailed(const std::string& name, State state) {
+    Tell("模板 " + name + " 恢复失败！");
+    entry::WriteOperationLog(LogKind::Failed, "凭证模板-恢复模板 " + name + " 失败");
+    return {state};
+}
+
+// Why the user can have no new template of that name; empty when there is no reason.
+std::string WhyNotName(const std::string& name, const std::string& userId) {
+    switch (store::FaultOfName(name)) {
+        case store::NameFault::Blank:
+            return "凭证模板名称不允许为空！";
+        case store::NameFault::ControlCharacter:
+            return "凭证模板名称不能包含制表符、换行等控制字符！";
+        case store::NameFault::TooLong:
+            return "凭证模板名称不能超过 " + std::to_string(store::kLongestTemplateName) + " 个字符！";
+        case store::NameFault::None:
+            break;
+    }
+    if (system::Collator::Chinese().Compare(name, store::kStandardTemplateName) == 0)
+        return "模板名称不允许重复，恢复失败！";
+    const std::optional<bool> taken = store::UserHasTemplate(name, userId);
+    if (!taken) return "模板 " + name + " 恢复失败！";
+    return *taken ? "模板名称不允许重复，恢复失败！" : std::string();
+}
+
+}  // namespace
+
+store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const std::string& templateId,
+                                   const std::string& name) {
+    if (Ask("模板 " + name + " 的现有分录将被 " + version.keptAt + " 之前的版本（" +
+                std::to_string(version.lines) + " 行）替换，现有分录会保留为历史版本。请确认是否恢复？",
+            system::MessageButtons::YesNo) != system::MessageResult::Yes) {
+        return {};
+    }
+    store::KeptVersion kept(templateId, store::HistoryCommand::Restore);
+    if (!store::RunSql(store::RestoreOverBatch(version.id, templateId)))
+        return TellFailed(name, State::Refused);
+    kept.Stay();
+    return TellRestored(templateId, name);
+}
+
+std::optional<std::string> NameForRestored(const std::string& versionName, const std::string& userId) {
+    for (int number = 0;; ++number) {
+        const std::string behind =
+            number == 0 ? std::string()
+                        : "(恢复" + (number == 1 ? std::string() : std::to_string(number)) + ")";
+        const std::size_t room = store::kLongestTemplateName - system::CodeUnitCount(behind);
+        std::string_view head = system::Head(versionName, room);
+        while (system::CodeUnitCount(head) > room)
+            head = system::Head(head, system::CharacterCount(head) - 1);
+        const std::string name = std::string(head) + behind;
+        if (system::Collator::Chinese().Compare(name, store::kStandardTemplateName) == 0) continue;
+        const std::optional<bool> taken = store::UserHasTemplate(name, userId);
+        if (!taken) return std::nullopt;
+        if (!*taken) return name;
+    }
+}
+
+store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const std::string& name,
+                                    const std::string& userId) {
+    if (const std::string why = WhyNotName(name, userId); !why.empty()) {
+        Tell(why);
+        return {};
+    }
+    store::ClearWayForNewTemplate();
+    if (!store::RunSql(store::RestoreAsNewBatch(version.id, name, userId)))
+        return TellFailed(name, State::Refused);
+    const std::int32_t id = store::clsVIData().FindVchTemplate(name, userId);
+    if (id < 0) return TellFailed(name, State::SavedUntold);
+    return TellRestored(std::to_string(id), name);
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,281 @@
+// vicenter history [NAME], restore NAME: what templates held before, and back.
+
+#include <algorithm>
+#include <ostream>
+
+#include "automation/error.h"
+#include "center/history/restore.h"
+#include "entry/host_services.h"
+#include "host/cli/context.h"
+#include "host/cli/rights.h"
+#include "host/cli/templates.h"
+#include "platform/system/collation.h"
+#include "store/cls_vi_data.h"
+#include "store/line_difference.h"
+#include "store/template_history.h"
+
+namespace vicenter::host {
+
+using automation::Error;
+using store::History;
+using store::HistoryVersion;
+using store::LineDifference;
+using store::LineTexts;
+
+namespace {
+
+// The versions of an answer that is one.
+std::vector<HistoryVersion> Versions(History history) {
+    switch (history.state) {
+        case History::State::Off:
+            throw Error(automation::error_number::kElementNotFound, center::kHistoryOff);
+        case History::State::Unreadable:
+            throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
+        case History::State::Kept:
+            break;
+    }
+    return std::move(history.versions);
+}
+
+std::vector<LineTexts> TextsOf(const ado::RecordsetRef& lines) {
+    if (lines == nullptr) throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
+    return store::TextsOfLines(*lines);
+}
+
+std::vector<LineTexts> LinesOfVersion(const HistoryVersion& version) {
+    return TextsOf(store::ReadVersionLines(version.id));
+}
+
+std::vector<LineTexts> LinesOfTemplate(const std::string& templateId) {
+    return TextsOf(store::clsVIData().GetVchTemplateEntryInfo(templateId));
+}
+
+struct Counts {
+    int added = 0;
+    int removed = 0;
+    int changed = 0;
+};
+
+Counts CountsOf(const std::vector<LineDifference>& differences) {
+    Counts counts;
+    for (const LineDifference& difference : differences) {
+        counts.added += difference.kind == LineDifference::Kind::Added;
+        counts.removed += difference.kind == LineDifference::Kind::Removed;
+        counts.changed += difference.kind == LineDifference::Kind::Changed;
+    }
+    return counts;
+}
+
+Variant VersionObject(const HistoryVersion& version, const Counts& counts) {
+    return JsonObject({{"version", Variant(version.id).ToInt32()},
+                       {"replaced", version.keptAt},
+                       {"by", version.keptBy},
+                       {"command", store::CommandText(version.command)},
+                       {"FName", version.name},
+                       {"lines", version.lines},
+                       {"added", counts.added},
+                       {"removed", counts.removed},
+                       {"changed", counts.changed}});
+}
+
+void PrintVersion(std::ostream& out, const HistoryVersion& version) {
+    out << version.id << "\t" << version.keptAt << "\t用户 " << version.keptBy << "\t"
+        << store::CommandText(version.command) << "\t" << version.lines << " 行\t" << version.name;
+}
+
+// What each version's command changed: the difference to the version behind it, or to what is there now.
+int ListVersions(const CliContext& context, const TemplateHead& head) {
+    const std::vector<HistoryVersion> versions = Versions(store::ReadHistory(head.id));
+    VariantArray list;
+    std::vector<LineTexts> later = LinesOfTemplate(head.id);
+    for (const HistoryVersion& version : versions) {
+        std::vector<LineTexts> lines = LinesOfVersion(version);
+        const Counts counts = CountsOf(store::Differences(lines, later));
+        later = std::move(lines);
+        if (context.options.json) {
+            list.push_back(VersionObject(version, counts));
+        } else {
+            PrintVersion(context.streams.out, version);
+            context.streams.out << "\t新增 " << counts.added << " 删除 " << counts.removed << " 修改 "
+                                << counts.changed << "\n";
+        }
+    }
+    if (context.options.json) PrintJson(context, list);
+    return kExitDone;
+}
+
+int ListDeleted(const CliContext& context) {
+    VariantArray list;
+    for (const HistoryVersion& version :
+         Versions(store::ReadDeleted(std::to_string(context.options.userId)))) {
+        list.push_back(VersionObject(version, {0, version.lines, 0}));
+        if (context.options.json) continue;
+        PrintVersion(context.streams.out, version);
+        context.streams.out << "\n";
+    }
+    if (context.options.json) PrintJson(context, list);
+    return kExitDone;
+}
+
+const HistoryVersion* FindVersion(const std::vector<HistoryVersion>& versions, const std::string& id) {
+    const auto found =
+        std::find_if(versions.begin(), versions.end(), [&](const auto& version) { return version.id == id; });
+    return found == versions.end() ? nullptr : &*found;
+}
+
+[[noreturn]] void ThrowNoVersion(const CliContext& context) {
+    throw Error(automation::error_number::kElementNotFound,
+                "模板 " + context.options.name + " 没有版本 " + context.options.version + "！");
+}
+
+const char* KindText(LineDifference::Kind kind) {
+    switch (kind) {
+        case LineDifference::Kind::Added:
+            return "新增";
+        case LineDifference::Kind::Removed:
+            return "删除";
+        case LineDifference::Kind::Changed:
+            break;
+    }
+    return "修改";
+}
+
+Variant PlaceValue(const std::optional<std::size_t>& place) {
+    return place ? Variant(static_cast<std::int32_t>(*place + 1)) : Variant::Null();
+}
+
+Variant DifferenceObject(const LineDifference& difference) {
+    VariantArray cells;
+    for (const LineDifference::Cell& cell : difference.cells) {
+        cells.push_back(JsonObject({{"field", std::string(store::Column(cell.column).field)},
+                                    {"before", cell.before},
+                                    {"after", cell.after}}));
+    }
+    return JsonObject({{"kind", KindText(difference.kind)},
+                       {"FNo", difference.number},
+                       {"rowBefore", PlaceValue(difference.before)},
+                       {"rowAfter", PlaceValue(difference.after)},
+                       {"cells", cells}});
+}
+
+void PrintDifference(std::ostream& out, const LineDifference& difference, const LineTexts& line) {
+    const std::size_t place = difference.after ? *difference.after : *difference.before;
+    out << KindText(difference.kind) << "\t" << difference.number << " 号\t行" << place + 1 << "\t";
+    if (difference.kind == LineDifference::Kind::Changed) {
+        std::string separator;
+        for (const LineDifference::Cell& cell : difference.cells) {
+            out << separator << store::Column(cell.column).header << "：" << cell.before << " → "
+                << cell.after;
+            separator = "；";
+        }
+    } else {
+        for (const int column :
+             {store::column::kExplanation, store::column::kDirection, store::column::kAccountNumber,
+              store::column::kAccountName, store::column::kAmount})
+            out << line[static_cast<std::size_t>(column - 1)] << " ";
+    }
+    out << "\n";
+}
+
+int ShowDifference(const CliContext& context, const TemplateHead& head) {
+    const std::vector<HistoryVersion> versions = Versions(store::ReadHistory(head.id));
+    const HistoryVersion* version = FindVersion(versions, context.options.version);
+    if (version == nullptr) ThrowNoVersion(context);
+    const std::vector<LineTexts> before = LinesOfVersion(*version);
+    const std::vector<LineTexts> now = LinesOfTemplate(head.id);
+    VariantArray list;
+    for (const LineDifference& difference : store::Differences(before, now)) {
+        list.push_back(DifferenceObject(difference));
+        if (context.options.json) continue;
+        PrintDifference(context.streams.out, difference,
+                        difference.after ? now[*difference.after] : before[*difference.before]);
+    }
+    if (context.options.json) PrintJson(context, list);
+    return kExitDone;
+}
+
+int ShowRule(const CliContext& context) {
+    std::optional<store::HistoryRule> rule = store::ReadHistoryRule();
+    if (!rule) Versions(store::ReadHistory("-1"));  // says why there is none
+    if (!rule) throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
+    if (context.options.keepDays || context.options.keepVersions) {
+        if (!MayAdministrate(*context.session))
+            throw Error(automation::error_number::kPermissionDenied, "对不起，你没有相应的权限！");
+        rule->days = context.options.keepDays.value_or(rule->days);
+        rule->versions = context.options.keepVersions.value_or(rule->versions);
+        if (!store::SaveHistoryRule(*rule)) return FinishSpeaking(context, false, Variant::Null());
+    }
+    if (context.options.json) {
+        PrintJson(context, JsonObject({{"days", rule->days}, {"versions", rule->versions}}));
+    } else {
+        context.streams.out << "历史版本保留 " << rule->days << " 天，每个模板至少保留 " << rule->versions
+                            << " 个版本。\n";
+    }
+    return kExitDone;
+}
+
+// The user's template of that name; none when it is gone.
+std::optional<TemplateHead> PresentTemplate(const CliContext& context) {
+    const std::vector<TemplateHead> templates = ReadTemplates(context);
+    const auto found = std::find_if(templates.begin(), templates.end(), [&](const TemplateHead& head) {
+        return system::Collator::Chinese().Compare(head.name, context.options.name) == 0;
+    });
+    return found == templates.end() ? std::nullopt : std::optional(*found);
+}
+
+// The deleted template that the command means: by its version, else the latest of the name.
+HistoryVersion DeletedVersion(const CliContext& context) {
+    const CliOptions& options = context.options;
+    for (const HistoryVersion& version : Versions(store::ReadDeleted(std::to_string(options.userId)))) {
+        const bool meant = options.version.empty() || version.id == options.version;
+        if (meant && system::Collator::Chinese().Compare(version.name, options.name) == 0) return version;
+    }
+    if (!options.version.empty()) ThrowNoVersion(context);
+    throw Error(automation::error_number::kElementNotFound,
+                "没有名为“" + options.name + "”的凭证模板，也没有可以恢复的已删除模板！");
+}
+
+int FinishRestoring(const CliContext& context, const store::TemplateOutcome& outcome,
+                    const HistoryVersion& version, const std::string& name) {
+    return FinishWriting(context, outcome,
+                         outcome
+                             ? JsonObject({{"FID", outcome.id}, {"FName", name}, {"lines", version.lines}})
+                             : Variant::Null());
+}
+
+int RestoreNew(const CliContext& context, const HistoryVersion& version) {
+    const std::string userId = std::to_string(context.options.userId);
+    std::optional<std::string> name = context.options.newName;
+    if (name->empty()) name = center::NameForRestored(version.name, userId);
+    if (!name) throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
+    return FinishRestoring(context, center::RestoreAsNew(version, *name, userId), version, *name);
+}
+
+}  // namespace
+
+int RunHistory(const CliContext& context) {
+    if (context.options.deleted) return ListDeleted(context);
+    if (context.options.name.empty()) return ShowRule(context);
+    const TemplateHead head = FindTemplate(context, context.options.name);
+    return context.options.version.empty() ? ListVersions(context, head) : ShowDifference(context, head);
+}
+
+int RunRestore(const CliContext& context) {
+    const CliOptions& options = context.options;
+    const std::optional<TemplateHead> head = PresentTemplate(context);
+    entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-恢复模板");
+    if (!CheckRight()) return FinishSpeaking(context, false, Variant::Null());
+    if (!head) return RestoreNew(context, DeletedVersion(context));
+    if (options.version.empty()) {
+        throw Error(automation::error_number::kElementNotFound,
+                    "请用 --version-id 指定要恢复的版本，版本见 vicenter history " + options.name);
+    }
+    const std::vector<HistoryVersion> versions = Versions(store::ReadHistory(head->id));
+    const HistoryVersion* version = FindVersion(versions, options.version);
+    if (version == nullptr) return RestoreNew(context, DeletedVersion(context));
+    if (!options.newName.empty()) return RestoreNew(context, *version);
+    return FinishRestoring(context, center::RestoreOver(*version, head->id, head->name), *version,
+                           head->name);
+}
+
+}  // namespace vicenter::host

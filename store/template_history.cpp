@@ -1,0 +1,242 @@
+#include "store/template_history.h"
+
+#include "entry/host_context.h"
+#include "entry/host_services.h"
+#include "entry/sql_text.h"
+#include "store/cls_vi_data.h"
+#include "store/statements.h"
+#include "store/template_batches.h"
+#include "store/template_columns.h"
+
+namespace vicenter::store {
+
+using automation::Error;
+using entry::kCrLf;
+
+namespace {
+
+constexpr const char* kIfKept = "if object_id('t_VchTpHistory') is not null";
+
+// ",FNo,FExp,…": every column of a line behind its number in the template.
+const std::string& LineFields() {
+    static const std::string fields = [] {
+        std::string text;
+        for (const ColumnSpec& spec : Columns())
+            text.append(",").append(spec.field);
+        return text;
+    }();
+    return fields;
+}
+
+void AppendLine(std::string& batch, std::string_view text) {
+    batch.append(text).append(kCrLf);
+}
+
+// What the rule lets go. Versions are looked through only when one of them is old enough.
+void AppendClearing(std::string& batch, const std::string& templateId) {
+    const HistoryRule usual;
+    AppendLine(batch, "declare @days int, @least int, @before datetime");
+    AppendLine(batch, "select @days = " + std::to_string(usual.days) +
+                          ", @least = " + std::to_string(usual.versions));
+    AppendLine(batch, "select @days = FDays, @least = FVersions from t_VchTpHistoryRule");
+    AppendLine(batch, "set @before = dateadd(day, -@days, GetDate())");
+    const std::string ofTemplate = "FID = " + templateId;
+    const std::string old = "select FHistoryID from t_VchTpHistory where " + ofTemplate +
+                            " and FKeptAt < @before and FHistoryID not in (select top (@least) FHistoryID "
+                            "from t_VchTpHistory where " +
+                            ofTemplate + " order by FHistoryID desc)";
+    AppendLine(batch,
+               "if exists(select 1 from t_VchTpHistory where " + ofTemplate + " and FKeptAt < @before)");
+    AppendLine(batch, "begin");
+    for (const char* table : {"t_VchTpHistoryEntry", "t_VchTpHistoryControl", "t_VchTpHistory"})
+        AppendLine(batch, std::string("delete from ") + table + " where FHistoryID in (" + old + ")");
+    AppendLine(batch, "end");
+}
+
+// Answers the version's id as FHistoryID; no row where nothing is kept.
+std::string KeepBatch(const std::string& templateId, HistoryCommand command, const std::string& userId) {
+    const std::string ofTemplate = " where FID = " + templateId;
+    std::string batch;
+    AppendLine(batch, std::string(kIfKept) + " and exists(select 1 from t_VchTemplate" + ofTemplate + ")");
+    AppendLine(batch, "begin");
+    AppendLine(batch, "declare @kept int");
+    AppendLine(batch,
+               "insert into t_VchTpHistory(FID,FName,FOwnerID,FCommand,FKeptBy,FKeptAt,FLines) select "
+               "FID,FName,FUserID," +
+                   std::to_string(static_cast<std::int32_t>(command)) + "," + userId +
+                   ",GetDate(),(select count(*) from t_VchTemplateEntry" + ofTemplate +
+                   ") from t_VchTemplate" + ofTemplate);
+    AppendLine(batch, "select @kept = scope_identity()");
+    AppendLine(batch, "insert into t_VchTpHistoryEntry(FHistoryID,FEntryID" + LineFields() +
+                          ") select @kept,FEntryID" + LineFields() + " from t_VchTemplateEntry" + ofTemplate);
+    AppendLine(batch,
+               "insert into t_VchTpHistoryControl(FHistoryID,FNo,FUseFrequency,FKey,FFileCount) select "
+               "@kept,FNo,FUseFrequency,FKey,FFileCount from t_VchTpControl" +
+                   ofTemplate);
+    // A version that is about to be brought back is not to be let go.
+    if (command != HistoryCommand::Restore) AppendClearing(batch, templateId);
+    AppendLine(batch, "select @kept as FHistoryID");
+    AppendLine(batch, "end");
+    return batch;
+}
+
+// The statements behind it run only while the version is there whole: others may let it go meanwhile.
+void BeginRestoring(std::string& batch, const std::string& versionId) {
+    const std::string ofVersion = " where FHistoryID = " + versionId;
+    AppendLine(batch, "if isnull((select FLines from t_VchTpHistory" + ofVersion +
+                          "),-1) <> (select count(*) from t_VchTpHistoryEntry" + ofVersion + ")");
+    AppendLine(batch, "raiserror('历史版本已不存在，没有恢复！',16,1)");
+    AppendLine(batch, "else");
+    AppendLine(batch, "begin");
+}
+
+HistoryVersion VersionOf(const ado::RecordsetRef& rows) {
+    const auto text = [&](const char* field) { return rows->Value(field).ToTextOrEmpty(); };
+    HistoryVersion version;
+    version.id = text("FHistoryID");
+    version.templateId = text("FID");
+    version.name = text("FName");
+    version.ownerId = rows->Value("FOwnerID").ToInt32();
+    version.command = static_cast<HistoryCommand>(rows->Value("FCommand").ToInt32());
+    version.keptBy = rows->Value("FKeptBy").ToInt32();
+    version.keptAt = text("FKeptAt").substr(0, 19);  // to the second
+    version.lines = rows->Value("FLines").ToInt32();
+    return version;
+}
+
+// An answer without the columns of a version comes from an account set that keeps none.
+History Read(const std::string& question) {
+    History history;
+    const ado::RecordsetRef rows = GetRecordset(
+        std::string(kIfKept) + kCrLf +
+        "select h.FHistoryID,h.FID,h.FName,h.FOwnerID,h.FCommand,h.FKeptBy,h.FKeptAt,h.FLines from "
+        "t_VchTpHistory h where " +
+        question + " order by h.FHistoryID desc");
+    if (rows == nullptr) return history;
+    history.state = rows->ColumnCount() == 0 ? History::State::Off : History::State::Kept;
+    for (; history.state == History::State::Kept && !rows->AtEnd(); rows->MoveNext())
+        history.versions.push_back(VersionOf(rows));
+    return history;
+}
+
+}  // namespace
+
+std::string CommandText(HistoryCommand command) {
+    switch (command) {
+        case HistoryCommand::Save:
+            return "保存";
+        case HistoryCommand::Import:
+            return "引入";
+        case HistoryCommand::Generate:
+            return "生成";
+        case HistoryCommand::Rename:
+            return "改名";
+        case HistoryCommand::Delete:
+            return "删除";
+        case HistoryCommand::Restore:
+            return "恢复";
+    }
+    return {};
+}
+
+KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command) {
+    const ado::RecordsetRef kept = GetRecordset(KeepBatch(templateId, command, entry::CurrentUserId()));
+    try {
+        if (kept == nullptr) throw Error(automation::error_number::kObjectVariableNotSet);
+        if (kept->ColumnCount() > 0 && !kept->AtEnd()) id_ = kept->Value("FHistoryID").ToText();
+    } catch (const Error&) {
+        entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-历史版本未能保留");
+    }
+}
+
+KeptVersion::~KeptVersion() {
+    if (id_.empty()) return;
+    try {
+        std::string batch;
+        for (const char* table : {"t_VchTpHistoryEntry", "t_VchTpHistoryControl", "t_VchTpHistory"})
+            AppendLine(batch, std::string("delete from ") + table + " where FHistoryID = " + id_);
+        GetRecordset(batch);
+    } catch (const std::exception&) {
+        // It stays, the same as what is there: no harm but in the list.
+    }
+}
+
+void KeptVersion::Stay() {
+    id_.clear();
+}
+
+History ReadHistory(const std::string& templateId) {
+    History history = Read("h.FID = " + templateId);
+    for (auto version = history.versions.begin(); version != history.versions.end(); ++version) {
+        if (version->command != HistoryCommand::Delete) continue;
+        history.versions.erase(version, history.versions.end());
+        break;
+    }
+    return history;
+}
+
+History ReadDeleted(const std::string& userId) {
+    return Read("h.FCommand = " + std::to_string(static_cast<std::int32_t>(HistoryCommand::Delete)) +
+                " and h.FOwnerID = " + userId);
+}
+
+ado::RecordsetRef ReadVersionLines(const std::string& versionId) {
+    return GetRecordset("select * from t_VchTpHistoryEntry where FHistoryID = " + versionId +
+                        " order by FNo,FEntryID ");
+}
+
+std::optional<HistoryRule> ReadHistoryRule() {
+    const ado::RecordsetRef rows =
+        GetRecordset(std::string(kIfKept) + kCrLf + "select FDays,FVersions from t_VchTpHistoryRule");
+    if (rows == nullptr || rows->ColumnCount() == 0) return std::nullopt;
+    if (rows->AtEnd()) return HistoryRule{};
+    return HistoryRule{rows->Value("FDays").ToInt32(), rows->Value("FVersions").ToInt32()};
+}
+
+bool SaveHistoryRule(const HistoryRule& rule) {
+    return RunSql(std::string("delete from t_VchTpHistoryRule") + kCrLf +
+                  "insert into t_VchTpHistoryRule(FDays,FVersions) values(" + std::to_string(rule.days) +
+                  "," + std::to_string(rule.versions) + ")");
+}
+
+std::string RestoreOverBatch(const std::string& versionId, const std::string& templateId) {
+    const std::string ofTemplate = " where FID = " + templateId;
+    const std::string ofVersion = " where FHistoryID = " + versionId;
+    std::string batch;
+    BeginRestoring(batch, versionId);
+    AppendLine(batch, "delete from t_VchTemplateEntry" + ofTemplate);
+    AppendLine(batch, "insert into t_VchTemplateEntry(FID,FEntryID" + LineFields() + ") select " +
+                          templateId + ",FEntryID" + LineFields() + " from t_VchTpHistoryEntry" + ofVersion);
+    AppendLine(batch, "delete from t_VchTpControl" + ofTemplate +
+                          " and FNo not in (select FNo from t_VchTpHistoryControl" + ofVersion + ")");
+    AppendLine(batch,
+               "update c set FKey = h.FKey, FFileCount = h.FFileCount from t_VchTpControl c inner join "
+               "t_VchTpHistoryControl h on h.FNo = c.FNo where c.FID = " +
+                   templateId + " and h.FHistoryID = " + versionId);
+    AppendLine(batch, "insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) select " +
+                          templateId + ",FNo,FUseFrequency,FKey,FFileCount,0 from t_VchTpHistoryControl" +
+                          ofVersion + " and FNo not in (select FNo from t_VchTpControl" + ofTemplate + ")");
+    AppendLine(batch, MarkUsable(templateId));
+    AppendLine(batch, "end");
+    return batch;
+}
+
+std::string RestoreAsNewBatch(const std::string& versionId, const std::string& name,
+                              const std::string& ownerId) {
+    const std::string ofVersion = " where FHistoryID = " + versionId;
+    std::string batch;
+    BeginRestoring(batch, versionId);
+    BeginTemplate(batch, kNewTemplate, name, ownerId);
+    AppendLine(batch, "insert into t_VchTemplateEntry(FID,FEntryID" + LineFields() +
+                          ") select @MaxFID,FEntryID" + LineFields() + " from t_VchTpHistoryEntry" +
+                          ofVersion);
+    AppendLine(batch,
+               "insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) select "
+               "@MaxFID,FNo,FUseFrequency,FKey,FFileCount,0 from t_VchTpHistoryControl" +
+                   ofVersion);
+    AppendLine(batch, "exec pro_VchTpCanUsed @MaxFID");
+    AppendLine(batch, "end");
+    return batch;
+}
+
+}  // namespace vicenter::store

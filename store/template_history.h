@@ -1,0 +1,96 @@
+#pragma once
+
+// What a template held before a command wrote to it: kept in the account set by one batch of its own, in
+// front of the command's, and brought back from there. The tables are those of
+// host/accountset/history.sql; an account set without them keeps nothing, and nothing is told about it
+// but on request. No line leaves the account set while a version is kept or brought back. User-interface
+// thread.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/ado/recordset.h"
+
+namespace vicenter::store {
+
+// The command that replaced a version, by the numbers in t_VchTpHistory.FCommand.
+enum class HistoryCommand : std::int32_t {
+    Save = 1,
+    Import = 2,
+    Generate = 3,
+    Rename = 4,
+    Delete = 5,
+    Restore = 6
+};
+// For users; empty for a number that is none of ours.
+std::string CommandText(HistoryCommand command);
+
+// The version that is there now, kept before a command writes, in a unit of its own: a failure is no reason
+// to stop the command and stands in the operation log. Given up at the end of the scope unless the command
+// has replaced it.
+class KeptVersion {
+  public:
+    // The current user gives the command. A template that is not there has no version.
+    KeptVersion(const std::string& templateId, HistoryCommand command);
+    KeptVersion(const KeptVersion&) = delete;
+    KeptVersion& operator=(const KeptVersion&) = delete;
+    ~KeptVersion();
+
+    // The command has written: the version is history.
+    void Stay();
+
+  private:
+    std::string id_;  // empty: nothing to give up
+};
+
+struct HistoryVersion {
+    std::string id;
+    std::string templateId;
+    std::string name;
+    std::int32_t ownerId = 0;
+    HistoryCommand command = HistoryCommand::Save;
+    std::int32_t keptBy = 0;
+    std::string keptAt;  // "yyyy-mm-dd hh:mm:ss"
+    std::int32_t lines = 0;
+};
+
+struct History {
+    enum class State {
+        Kept,
+        Off,         // the account set has no tables for it
+        Unreadable,  // it does not answer
+    };
+    State state = State::Unreadable;
+    std::vector<HistoryVersion> versions;  // the latest first
+};
+
+// The versions of a template that is there. Ids are given again: what was kept of an earlier template of this
+// id, up to its deletion, is not among them.
+History ReadHistory(const std::string& templateId);
+// The last version of every template that the user's own commands or others have deleted, as long as it is
+// kept: the user's own ones.
+History ReadDeleted(const std::string& userId);
+
+// All columns of its lines, ordered as a template's are; no recordset on an error.
+ado::RecordsetRef ReadVersionLines(const std::string& versionId);
+
+// How long versions are kept.
+struct HistoryRule {
+    std::int32_t days = 90;
+    std::int32_t versions = 20;  // of every template at least
+};
+// Nothing when the account set has no tables for it or does not answer.
+std::optional<HistoryRule> ReadHistoryRule();
+// False when the account set refuses, which the user has been shown.
+bool SaveHistoryRule(const HistoryRule& rule);
+
+// Puts a version's lines into the place of those of a template, which keeps its name and, for numbers that
+// stay, how often they were used; then marks the usable numbers.
+std::string RestoreOverBatch(const std::string& versionId, const std::string& templateId);
+// Makes a template of a version.
+std::string RestoreAsNewBatch(const std::string& versionId, const std::string& name,
+                              const std::string& ownerId);
+
+}  // namespace vicenter::store

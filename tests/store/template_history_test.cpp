@@ -1,0 +1,214 @@
+// Versions of templates: what is sent to keep them, to read them and to bring them back, and what becomes of
+// answers that are none. What the batches do is tested on account sets, by tests/host/cli/history.test.
+
+#include "store/template_history.h"
+
+#include "tests/store/store_fixture.h"
+
+namespace vicenter::store {
+namespace {
+
+constexpr const char* kFields =
+    "FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName,FFileCount,FSettleID,FSettleName,FSettleNumber,"
+    "FItemsInfo,FCurrencyID,FCurrencyName,FRate,FAmountFor,FUnitID,FUnitName,FQty,FPrice,FAmount,FRemark";
+
+class HistoryTest : public StoreTest {
+  protected:
+    HistoryTest() { set_.Answer("select @kept as FHistoryID", Rows({"FHistoryID"}, {{41}})); }
+
+    // FHistoryID and FCommand of versions, the latest first.
+    void AnswerVersions(const std::vector<std::pair<int, int>>& versions) {
+        std::vector<std::vector<Variant>> rows;
+        for (const auto& [id, command] : versions)
+            rows.push_back({id, 5, "费用", 16394, command, 7, "2026-11-22 09:00:00.123", 3});
+        set_.Answer("from t_VchTpHistory h", Rows({"FHistoryID", "FID", "FName", "FOwnerID", "FCommand",
+                                                   "FKeptBy", "FKeptAt", "FLines"},
+                                                  rows));
+    }
+    static std::string Ids(const History& history) {
+        std::string ids;
+        for (const HistoryVersion& version : history.versions)
+            ids += (ids.empty() ? "" : ",") + version.id;
+        return ids;
+    }
+};
+
+TEST_F(HistoryTest, OneBatchKeepsAVersionAndClearsOldOnes) {
+    const KeptVersion kept("5", HistoryCommand::Import);
+    const std::string old =
+        "select FHistoryID from t_VchTpHistory where FID = 5 and FKeptAt < @before and FHistoryID not in "
+        "(select top (@least) FHistoryID from t_VchTpHistory where FID = 5 order by FHistoryID desc)";
+    const std::string fields = kFields;
+    EXPECT_EQ(
+        set_.Statements(),
+        (Statements{
+            "if object_id('t_VchTpHistory') is not null and exists(select 1 from t_VchTemplate where FID = "
+            "5)\r\nbegin\r\ndeclare @kept int\r\n"
+            "insert into t_VchTpHistory(FID,FName,FOwnerID,FCommand,FKeptBy,FKeptAt,FLines) select "
+            "FID,FName,FUserID,2,16394,GetDate(),(select count(*) from t_VchTemplateEntry where FID = 5) "
+            "from "
+            "t_VchTemplate where FID = 5\r\nselect @kept = scope_identity()\r\n"
+            "insert into t_VchTpHistoryEntry(FHistoryID,FEntryID," +
+            fields + ") select @kept,FEntryID," + fields +
+            " from t_VchTemplateEntry where FID = 5\r\n"
+            "insert into t_VchTpHistoryControl(FHistoryID,FNo,FUseFrequency,FKey,FFileCount) select "
+            "@kept,FNo,FUseFrequency,FKey,FFileCount from t_VchTpControl where FID = 5\r\n"
+            "declare @days int, @least int, @before datetime\r\nselect @days = 90, @least = 20\r\n"
+            "select @days = FDays, @least = FVersions from t_VchTpHistoryRule\r\n"
+            "set @before = dateadd(day, -@days, GetDate())\r\n"
+            "if exists(select 1 from t_VchTpHistory where FID = 5 and FKeptAt < @before)\r\nbegin\r\n"
+            "delete from t_VchTpHistoryEntry where FHistoryID in (" +
+            old + ")\r\ndelete from t_VchTpHistoryControl where FHistoryID in (" + old +
+            ")\r\ndelete from t_VchTpHistory where FHistoryID in (" + old +
+            ")\r\nend\r\nselect @kept as FHistoryID\r\nend\r\n"}));
+}
+
+TEST_F(HistoryTest, WhatIsAboutToBeBroughtBackIsNotLetGo) {
+    const KeptVersion kept("5", HistoryCommand::Restore);
+    EXPECT_EQ(set_.LastStatement().find("delete"), std::string::npos);
+}
+
+TEST_F(HistoryTest, AVersionIsGivenUpWhenNothingHasReplacedIt) {
+    {
+        const KeptVersion kept("5", HistoryCommand::Save);
+        set_.Forget();
+    }
+    EXPECT_EQ(set_.Statements(), (Statements{"delete from t_VchTpHistoryEntry where FHistoryID = 41\r\n"
+                                             "delete from t_VchTpHistoryControl where FHistoryID = 41\r\n"
+                                             "delete from t_VchTpHistory where FHistoryID = 41\r\n"}));
+}
+
+TEST_F(HistoryTest, AVersionThatWasReplacedStays) {
+    {
+        KeptVersion kept("5", HistoryCommand::Save);
+        set_.Forget();
+        kept.Stay();
+    }
+    EXPECT_TRUE(set_.Statements().empty());
+}
+
+TEST_F(HistoryTest, WhereNothingIsKeptNothingIsGivenUpAndNobodyIsTold) {
+    set_.Answer("select @kept as FHistoryID", Rows({}));
+    {
+        const KeptVersion kept("5", HistoryCommand::Save);
+        set_.Forget();
+    }
+    EXPECT_TRUE(set_.Statements().empty());
+    EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
+}
+
+TEST_F(HistoryTest, AFailureIsSilentAndStopsNothing) {
+    set_.Fail("t_VchTpHistory", "disk full");
+    { const KeptVersion kept("5", HistoryCommand::Delete); }
+    EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
+}
+
+TEST_F(HistoryTest, VersionsAreReadLatestFirst) {
+    AnswerVersions({{44, 1}, {43, 4}});
+    const History history = ReadHistory("5");
+    EXPECT_EQ(set_.LastStatement(),
+              "if object_id('t_VchTpHistory') is not null\r\nselect "
+              "h.FHistoryID,h.FID,h.FName,h.FOwnerID,h.FCommand,h.FKeptBy,h.FKeptAt,h.FLines from "
+              "t_VchTpHistory h where h.FID = 5 order by h.FHistoryID desc");
+    ASSERT_EQ(history.state, History::State::Kept);
+    ASSERT_EQ(Ids(history), "44,43");
+    const HistoryVersion& version = history.versions.front();
+    EXPECT_EQ(version.templateId, "5");
+    EXPECT_EQ(version.name, "费用");
+    EXPECT_EQ(version.ownerId, 16394);
+    EXPECT_EQ(version.command, HistoryCommand::Save);
+    EXPECT_EQ(version.keptBy, 7);
+    EXPECT_EQ(version.keptAt, "2026-11-22 09:00:00");
+    EXPECT_EQ(version.lines, 3);
+}
+
+TEST_F(HistoryTest, WhatWasKeptOfAnEarlierTemplateOfTheIdIsNotTheTemplates) {
+    AnswerVersions({{44, 1}, {43, 2}, {42, 5}, {41, 1}});
+    EXPECT_EQ(Ids(ReadHistory("5")), "44,43");
+    AnswerVersions({{42, 5}, {41, 1}});
+    EXPECT_EQ(Ids(ReadHistory("5")), "");
+}
+
+TEST_F(HistoryTest, DeletedTemplatesAreTheUsersOwn) {
+    AnswerVersions({{42, 5}});
+    EXPECT_EQ(Ids(ReadDeleted("16394")), "42");
+    EXPECT_NE(set_.LastStatement().find("where h.FCommand = 5 and h.FOwnerID = 16394 order"),
+              std::string::npos);
+}
+
+TEST_F(HistoryTest, NoTablesAndNoAnswerAreToldApart) {
+    set_.Answer("from t_VchTpHistory h", Rows({}));
+    EXPECT_EQ(ReadHistory("5").state, History::State::Off);
+    EXPECT_FALSE(ReadHistoryRule().has_value());
+    set_.Fail("t_VchTpHistory", "down");
+    EXPECT_EQ(ReadHistory("5").state, History::State::Unreadable);
+    EXPECT_FALSE(ReadHistoryRule().has_value());
+}
+
+TEST_F(HistoryTest, TheRuleIsNinetyDaysAndTwentyVersionsUntilItIsSet) {
+    set_.Answer("select FDays,FVersions", Rows({"FDays", "FVersions"}));
+    EXPECT_EQ(ReadHistoryRule()->days, 90);
+    EXPECT_EQ(ReadHistoryRule()->versions, 20);
+    set_.Answer("select FDays,FVersions", Rows({"FDays", "FVersions"}, {{5, 3}}));
+    EXPECT_EQ(ReadHistoryRule()->days, 5);
+    EXPECT_EQ(ReadHistoryRule()->versions, 3);
+    EXPECT_TRUE(SaveHistoryRule({30, 10}));
+    EXPECT_EQ(
+        set_.LastStatement(),
+        "delete from t_VchTpHistoryRule\r\ninsert into t_VchTpHistoryRule(FDays,FVersions) values(30,10)");
+}
+
+TEST_F(HistoryTest, LinesOfAVersionComeInTheOrderOfATemplates) {
+    ReadVersionLines("41");
+    EXPECT_EQ(set_.LastStatement(),
+              "select * from t_VchTpHistoryEntry where FHistoryID = 41 order by FNo,FEntryID ");
+}
+
+TEST_F(HistoryTest, AVersionTakesThePlaceOfLinesAndKeepsHowOftenNumbersWereUsed) {
+    const std::string fields = kFields;
+    EXPECT_EQ(
+        RestoreOverBatch("41", "5"),
+        "if isnull((select FLines from t_VchTpHistory where FHistoryID = 41),-1) <> (select count(*) from "
+        "t_VchTpHistoryEntry where FHistoryID = "
+        "41)\r\nraiserror('历史版本已不存在，没有恢复！',16,1)\r\nelse\r\nbegin\r\n"
+        "delete from t_VchTemplateEntry where FID = 5\r\n"
+        "insert into t_VchTemplateEntry(FID,FEntryID," +
+            fields + ") select 5,FEntryID," + fields +
+            " from t_VchTpHistoryEntry where FHistoryID = 41\r\n"
+            "delete from t_VchTpControl where FID = 5 and FNo not in (select FNo from "
+            "t_VchTpHistoryControl where FHistoryID = 41)\r\n"
+            "update c set FKey = h.FKey, FFileCount = h.FFileCount from t_VchTpControl c inner join "
+            "t_VchTpHistoryControl h on h.FNo = c.FNo where c.FID = 5 and h.FHistoryID = 41\r\n"
+            "insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) select "
+            "5,FNo,FUseFrequency,FKey,FFileCount,0 from t_VchTpHistoryControl where FHistoryID = 41 and "
+            "FNo not in (select FNo from t_VchTpControl where FID = 5)\r\nexec pro_VchTpCanUsed "
+            "5\r\nend\r\n");
+}
+
+TEST_F(HistoryTest, AVersionBecomesATemplateOfItsOwn) {
+    const std::string fields = kFields;
+    EXPECT_EQ(
+        RestoreAsNewBatch("41", "O'Neil", "7"),
+        "if isnull((select FLines from t_VchTpHistory where FHistoryID = 41),-1) <> (select count(*) from "
+        "t_VchTpHistoryEntry where FHistoryID = "
+        "41)\r\nraiserror('历史版本已不存在，没有恢复！',16,1)\r\nelse\r\nbegin\r\n"
+        " declare @MaxFID int \r\n select @MaxFID = Max(FID)+1 from t_VchTemplate \r\n"
+        " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
+        "values(@MaxFID,'O''Neil',7,'',GetDate()) \r\n"
+        "insert into t_VchTemplateEntry(FID,FEntryID," +
+            fields + ") select @MaxFID,FEntryID," + fields +
+            " from t_VchTpHistoryEntry where FHistoryID = 41\r\n"
+            "insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) select "
+            "@MaxFID,FNo,FUseFrequency,FKey,FFileCount,0 from t_VchTpHistoryControl where FHistoryID = "
+            "41\r\nexec pro_VchTpCanUsed @MaxFID\r\nend\r\n");
+}
+
+TEST_F(HistoryTest, EveryCommandHasAName) {
+    std::string names;
+    for (int command = 0; command <= 7; ++command)
+        names += CommandText(static_cast<HistoryCommand>(command)) + ",";
+    EXPECT_EQ(names, ",保存,引入,生成,改名,删除,恢复,,");
+}
+
+}  // namespace
+}  // namespace vicenter::store
