@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
-namespace vicenter::automation {
+#include "automation/uint128.h"
 
-__extension__ typedef unsigned __int128 UInt128;
+namespace vicenter::automation {
 
 class Decimal {
   public:

@@ -8,6 +8,7 @@
 
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,6 +55,17 @@ class Argument {
 
 using Arguments = std::vector<Argument>;
 
+// What a client's For Each goes through, value by value.
+class Enumerator {
+  public:
+    Enumerator() = default;
+    Enumerator(const Enumerator&) = delete;
+    Enumerator& operator=(const Enumerator&) = delete;
+    virtual ~Enumerator() = default;
+    // Nothing behind the last one.
+    virtual std::optional<Variant> Next() = 0;
+};
+
 class Object : public std::enable_shared_from_this<Object> {
   public:
     Object() = default;
@@ -65,6 +77,8 @@ class Object : public std::enable_shared_from_this<Object> {
     virtual std::string TypeName() const = 0;
     virtual bool HasMember(std::string_view name) const = 0;
     virtual Variant Invoke(std::string_view name, InvokeKind kind, Arguments& arguments) = 0;
+    // The values of a collection, from the first one on; none for an object that is no collection.
+    virtual std::unique_ptr<Enumerator> NewEnumerator() { return nullptr; }
 
     Variant Get(std::string_view name, Arguments arguments = {}) {
         return Invoke(name, InvokeKind::Get, arguments);

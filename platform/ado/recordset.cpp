@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "automation/enumeration.h"
 #include "platform/ado/connection.h"
 
 namespace vicenter::ado {
@@ -96,6 +97,10 @@ const MemberTable<Fields>& Fields::Members() {
                                      }),
     };
     return table;
+}
+
+std::unique_ptr<automation::Enumerator> Fields::NewEnumerator() {
+    return automation::OverItems(*this, 0);
 }
 
 Recordset::Recordset(std::vector<Column> columns) : columns_(std::move(columns)), open_(true) {}

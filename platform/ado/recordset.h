@@ -72,6 +72,7 @@ class Fields : public automation::TableObject<Fields> {
     explicit Fields(RecordsetRef recordset) : recordset_(std::move(recordset)) {}
     static const automation::MemberTable<Fields>& Members();
     std::string TypeName() const override { return "Fields"; }
+    std::unique_ptr<automation::Enumerator> NewEnumerator() override;
 
   private:
     RecordsetRef recordset_;

@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "automation/class_registry.h"
+#include "automation/enumeration.h"
 #include "platform/office/excel_objects.h"
 #include "platform/office/excel_page.h"
 #include "platform/office/excel_server.h"
@@ -173,6 +174,10 @@ const MemberTable<ExcelWorkbooks>& ExcelWorkbooks::Members() {
             .AsDefault(),
     };
     return table;
+}
+
+std::unique_ptr<automation::Enumerator> ExcelWorkbooks::NewEnumerator() {
+    return automation::OverItems(*this, 1);
 }
 
 }  // namespace vicenter::office

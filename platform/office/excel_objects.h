@@ -75,6 +75,7 @@ class ExcelWorkbooks : public TableObject<ExcelWorkbooks> {
         : application_(std::move(application)) {}
     static const MemberTable<ExcelWorkbooks>& Members();
     std::string TypeName() const override { return "Workbooks"; }
+    std::unique_ptr<automation::Enumerator> NewEnumerator() override;
 
   private:
     std::shared_ptr<ExcelApplication> application_;
@@ -121,6 +122,7 @@ class ExcelWorksheets : public TableObject<ExcelWorksheets> {
     explicit ExcelWorksheets(std::shared_ptr<ExcelWorkbook> workbook) : workbook_(std::move(workbook)) {}
     static const MemberTable<ExcelWorksheets>& Members();
     std::string TypeName() const override { return "Sheets"; }
+    std::unique_ptr<automation::Enumerator> NewEnumerator() override;
 
   private:
     std::shared_ptr<ExcelWorkbook> workbook_;

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "automation/enumeration.h"
 #include "platform/office/excel_objects.h"
 #include "platform/office/utf.h"
 
@@ -240,6 +241,10 @@ const MemberTable<ExcelWorksheets>& ExcelWorksheets::Members() {
             [](ExcelWorksheets& self, Arguments& a) -> Variant { return self.workbook_->AddSheet(a); }),
     };
     return table;
+}
+
+std::unique_ptr<automation::Enumerator> ExcelWorksheets::NewEnumerator() {
+    return automation::OverItems(*this, 1);
 }
 
 }  // namespace vicenter::office

@@ -9,7 +9,7 @@ namespace vicenter::office {
 
 std::uint32_t TextPool::Intern(std::string_view text) {
     if ((texts_.size() + 1) * 2 > slots_.size()) Grow();
-    const std::size_t fullHash = std::hash<std::string_view>{}(text);
+    const std::uint64_t fullHash = std::hash<std::string_view>{}(text);
     const auto hash = static_cast<std::uint32_t>(fullHash ^ (fullHash >> 32));
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {

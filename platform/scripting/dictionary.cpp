@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "automation/deep_release.h"
+#include "automation/enumeration.h"
 #include "platform/system/collation.h"
 
 namespace vicenter::scripting {
@@ -100,6 +101,10 @@ const MemberTable<Dictionary>& Dictionary::Members() {
                               [](Self& self, Arguments& a) { self.Rename(a[0].Value(), a[1].Value()); }),
     };
     return table;
+}
+
+std::unique_ptr<automation::Enumerator> Dictionary::NewEnumerator() {
+    return automation::OverValues(Keys());
 }
 
 Dictionary::~Dictionary() {

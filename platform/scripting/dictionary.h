@@ -31,6 +31,8 @@ class Dictionary : public automation::TableObject<Dictionary> {
 
     static const automation::MemberTable<Dictionary>& Members();
     std::string TypeName() const override { return "Dictionary"; }
+    // The keys.
+    std::unique_ptr<automation::Enumerator> NewEnumerator() override;
 
     std::size_t Count() const { return entries_.size(); }
     bool Exists(const Variant& key) const { return Find(key) != kNone; }

@@ -63,6 +63,18 @@ TEST(AdoRecordsetTest, Late_bound_members_answer_as_the_typed_ones) {
     EXPECT_EQ(ErrorOf([&] { rows->Get("Fields", {Variant(7)}); }), error_number::kItemNotFound);
 }
 
+TEST(AdoRecordsetTest, For_each_goes_through_the_fields_of_the_current_row) {
+    const RecordsetRef rows = TwoRows();
+    rows->MoveNext();
+    std::string seen;
+    const auto each = rows->Get("Fields").AsObject()->NewEnumerator();
+    while (const auto field = each->Next())
+        seen +=
+            field->AsObject()->Get("Name").ToText() + "=" + field->AsObject()->Get("Value").ToText() + ";";
+    EXPECT_EQ(seen, "FID=2;FName=b;");
+    EXPECT_EQ(rows->NewEnumerator(), nullptr) << "a recordset is walked, not enumerated";
+}
+
 TEST(AdoRecordsetTest, A_closed_one_refuses_to_be_read) {
     const auto closed = std::make_shared<Recordset>();
     EXPECT_EQ(closed->RecordCount(), -1);

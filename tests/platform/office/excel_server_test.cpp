@@ -47,6 +47,20 @@ TEST_F(ExcelServer, BeginsWithThreeSheetsInOldVersionsAndOneInNew) {
     EXPECT_EQ(book_->Get("Worksheets").AsObject()->Get("Count").ToInt32(), 1);
 }
 
+TEST_F(ExcelServer, ForEachGoesThroughWorkbooksAndSheets) {
+    Start("14.0");
+    excel_->Get("Workbooks").AsObject()->Call("Add");
+    std::string seen;
+    const auto books = excel_->Get("Workbooks").AsObject()->NewEnumerator();
+    while (const auto book = books->Next()) {
+        seen += book->AsObject()->Get("Name").ToText() + ":";
+        const auto sheets = book->AsObject()->Get("Worksheets").AsObject()->NewEnumerator();
+        while (const auto sheet = sheets->Next())
+            seen += sheet->AsObject()->Get("Name").ToText() + " ";
+    }
+    EXPECT_EQ(seen, "Book1:Sheet1 Sheet2 Sheet3 Book2:Sheet1 Sheet2 Sheet3 ");
+}
+
 TEST_F(ExcelServer, DeletesSheetsButNeverTheLast) {
     Start("12.0");
     const auto sheets = book_->Get("Worksheets").AsObject();

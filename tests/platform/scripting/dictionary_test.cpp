@@ -32,6 +32,19 @@ TEST_F(DictionaryTest, KeepsTheOrderOfAdding) {
     EXPECT_EQ(dictionary_->Get("Count"), Variant(3));
 }
 
+TEST_F(DictionaryTest, ForEachGoesThroughTheKeysThatAreThereAtItsBeginning) {
+    for (const char* key : {"z", "a", "m"})
+        dictionary_->Call("Add", {key, 1});
+    const auto each = dictionary_->NewEnumerator();
+    VariantArray keys;
+    while (const auto key = each->Next()) {
+        keys.push_back(*key);
+        dictionary_->Call("Remove", {*key});
+    }
+    EXPECT_EQ(keys, (VariantArray{"z", "a", "m"}));
+    EXPECT_EQ(dictionary_->NewEnumerator()->Next(), std::nullopt);
+}
+
 TEST_F(DictionaryTest, AddingAnExistingKeyFailsWith457) {
     dictionary_->Call("Add", {"a", 1});
     EXPECT_EQ(NumberOfError([&] { dictionary_->Call("Add", {"a", 2}); }), 457);
