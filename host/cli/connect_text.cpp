@@ -1,6 +1,5 @@
 #include "host/cli/connect_text.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <istream>
 #include <ostream>
@@ -9,6 +8,7 @@
 #include "automation/object.h"
 #include "platform/ado/connection.h"
 #include "platform/system/files.h"
+#include "platform/system/program.h"
 #include "platform/system/terminal.h"
 
 namespace vicenter::host {
@@ -27,11 +27,11 @@ std::string FirstLine(std::istream& stream) {
 std::string GivenPassword(const CliContext& context) {
     const CliOptions& options = context.options;
     if (!options.passwordVariable.empty()) {
-        const char* value = std::getenv(options.passwordVariable.c_str());
-        if (value == nullptr)
+        const auto value = system::EnvironmentVariable(options.passwordVariable);
+        if (!value)
             throw Error(automation::error_number::kInvalidProcedureCall,
                         "没有环境变量：" + options.passwordVariable);
-        return value;
+        return *value;
     }
     if (!options.passwordFile.empty()) {
         std::ifstream file(system::PathFromUtf8(options.passwordFile), std::ios::binary);

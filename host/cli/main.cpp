@@ -6,9 +6,9 @@
 #include <iostream>
 #include <new>
 #include <string>
-#include <vector>
 
 #include "host/cli/cli.h"
+#include "platform/system/program.h"
 
 #ifdef VICENTER_HAS_WINDOWS
 #include "host/window/open_window.h"
@@ -47,7 +47,7 @@ int main(int argc, char** argv) {
         return vicenter::host::DriveWindow(argc, argv, folder, std::cout);
     };
 #endif
-    std::ios::sync_with_stdio(false);
-    return vicenter::host::RunCli(std::vector<std::string>(argv + 1, argv + argc),
+    const vicenter::system::StandardStreams streams;
+    return vicenter::host::RunCli(vicenter::system::ProgramArguments(argc, argv),
                                   {std::cin, std::cout, std::cerr}, hooks);
 }

@@ -169,9 +169,7 @@ void FileSystemObject::CopyFile(const std::string& source, const std::string& ta
     if (FolderExists(target)) throw Error(error_number::kPermissionDenied, {}, kSource);
     const bool existed = FileExists(target);
     if (existed && !overwrite) throw Error(error_number::kFileAlreadyExists, {}, kSource);
-    std::error_code error;
-    fs::copy_file(PathFromUtf8(source), PathFromUtf8(target), fs::copy_options::overwrite_existing, error);
-    if (error) {
+    if (const std::error_code error = system::CopyOver(source, target)) {
         // A copy that broke off half-way is worse than none.
         std::error_code ignored;
         if (!existed) fs::remove(PathFromUtf8(target), ignored);

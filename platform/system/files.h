@@ -5,9 +5,16 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace vicenter::system {
 
+#ifdef _WIN32
+// Windows takes paths of more than 260 characters only in their long form, `\\?\C:\folder\file`: that is what
+// long ones are in a std::filesystem::path, and never in a text.
+std::filesystem::path PathFromUtf8(std::string_view text);
+std::string PathToUtf8(const std::filesystem::path& path);
+#else
 inline std::filesystem::path PathFromUtf8(std::string_view text) {
     return std::filesystem::path(std::u8string(text.begin(), text.end()));
 }
@@ -16,5 +23,18 @@ inline std::string PathToUtf8(const std::filesystem::path& path) {
     const std::u8string text = path.u8string();
     return std::string(text.begin(), text.end());
 }
+#endif
+
+// Copies a file with its attributes, over another one as well.
+#ifdef _WIN32
+std::error_code CopyOver(const std::string& from, const std::string& to);  // GCC 12's own does not overwrite
+#else
+inline std::error_code CopyOver(const std::string& from, const std::string& to) {
+    std::error_code failed;
+    std::filesystem::copy_file(PathFromUtf8(from), PathFromUtf8(to),
+                               std::filesystem::copy_options::overwrite_existing, failed);
+    return failed;
+}
+#endif
 
 }  // namespace vicenter::system

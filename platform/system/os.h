@@ -1,6 +1,7 @@
 #pragma once
 
-// The few calls that differ between operating systems; one source a system (os_posix.cpp). Not for callers
+// The few calls that differ between operating systems; one source a system (os_posix.cpp,
+// os_windows.cpp). Not for callers
 // outside this folder: they go through Surroundings.
 
 #include <cstddef>
@@ -40,7 +41,7 @@ std::error_code MoveOver(const std::string& from, const std::string& to);
 // The same, refused with file_exists when something is there.
 std::error_code MoveToNew(const std::string& from, const std::string& to);
 // This process has the file open, by whatever name. Opening and closing it once more may then cost the locks
-// that it holds.
+// that it holds. On Windows: anybody has it open who keeps it from being replaced.
 bool IsOpenInThisProcess(const std::string& path);
 
 // A file that one process holds: nobody else can take it until it is let go or its holder has ended, however
@@ -56,8 +57,8 @@ class HeldFile {
     ~HeldFile();
 
   private:
-    explicit HeldFile(int handle) : handle_(handle) {}
-    int handle_;
+    explicit HeldFile(std::intptr_t handle) : handle_(handle) {}
+    std::intptr_t handle_;
 };
 
 // The library that holds this code is never unloaded: somebody keeps addresses of its functions.

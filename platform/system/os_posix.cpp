@@ -234,7 +234,7 @@ std::unique_ptr<HeldFile> HeldFile::Take(const std::string& path) {
 }
 
 HeldFile::~HeldFile() {
-    close(handle_);
+    close(static_cast<int>(handle_));
 }
 
 namespace {

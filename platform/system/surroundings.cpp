@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "automation/error.h"
 #include "platform/system/files.h"
 #include "platform/system/os.h"
+#include "platform/system/program.h"
 
 namespace vicenter::system {
 
@@ -129,8 +129,8 @@ class NoScreen : public Screen {
 // The variable that leads nowhere, for whoever can change it.
 std::string NoTemporaryFolder() {
     for (const char* name : {"TMPDIR", "TMP", "TEMP", "TEMPDIR"}) {
-        if (const char* value = std::getenv(name); value != nullptr)
-            return std::string("临时文件夹不存在或不是文件夹：") + value + "（环境变量 " + name + "）";
+        if (const auto value = EnvironmentVariable(name))
+            return std::string("临时文件夹不存在或不是文件夹：") + *value + "（环境变量 " + name + "）";
     }
     return "临时文件夹不存在或不是文件夹。";
 }
