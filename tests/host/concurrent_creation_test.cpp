@@ -5,31 +5,11 @@
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-
 #include "tests/host/demo_set.h"
-
-extern char** environ;
+#include "tests/host/program_run.h"
 
 namespace vicenter::host {
 namespace {
-
-pid_t StartNew(const std::string& set) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    std::vector<std::string> words = {VICENTER_PROGRAM, "--account-set", set, "new"};
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    pid_t process = 0;
-    EXPECT_EQ(0, posix_spawn(&process, VICENTER_PROGRAM, &actions, nullptr, arguments.data(), environ));
-    posix_spawn_file_actions_destroy(&actions);
-    return process;
-}
 
 TEST(ConcurrentCreation, GivesEachTemplateANumberOfItsOwn) {
     const int rounds = std::getenv("VICENTER_LONG") != nullptr ? 50 : 3;
@@ -45,14 +25,11 @@ TEST(ConcurrentCreation, GivesEachTemplateANumberOfItsOwn) {
     };
     const int before = count();
     for (int round = 0; round < rounds; ++round) {
-        std::vector<pid_t> processes;
+        std::vector<test::RunningProgram> programs;
         for (int i = 0; i < kPrograms; ++i)
-            processes.push_back(StartNew(set));
-        for (const pid_t process : processes) {
-            int status = 0;
-            EXPECT_EQ(process, waitpid(process, &status, 0));
-            EXPECT_TRUE(WIFEXITED(status));
-        }
+            programs.emplace_back(VICENTER_PROGRAM, std::vector<std::string>{"--account-set", set, "new"});
+        for (test::RunningProgram& program : programs)
+            EXPECT_EQ(0, program.Wait().code);
     }
     EXPECT_EQ(count(), before + rounds * kPrograms);
 }

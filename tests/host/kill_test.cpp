@@ -35,8 +35,8 @@ void WriteDocument(const Version& version) {
     out << "]}";
 }
 
-pid_t StartSave(const std::string& set, const std::string& document) {
-    return test::StartProgram({"--account-set", set, "save", kTemplate}, document);
+test::RunningProgram StartSave(const std::string& set, const std::string& document) {
+    return {VICENTER_PROGRAM, {"--account-set", set, "save", kTemplate}, document};
 }
 
 // The mark of the version that the set holds; a mixture or a half-made one is none.
@@ -76,7 +76,7 @@ TEST(KilledSave, LeavesEitherTheOldOrTheNewLines) {
     std::chrono::microseconds whole{0};
     for (const Version& version : versions) {
         const auto start = Clock::now();
-        ASSERT_EQ(0, test::WaitFor(StartSave(set, version.file)));
+        ASSERT_EQ(0, StartSave(set, version.file).Wait().code);
         whole = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start);
         ASSERT_EQ(version.mark, StoredVersion(set, versions));
     }
@@ -86,12 +86,12 @@ TEST(KilledSave, LeavesEitherTheOldOrTheNewLines) {
     std::string before = versions[1].mark;
     for (int i = 0; i < kills; ++i) {
         const Version& next = before == versions[0].mark ? versions[1] : versions[0];
-        const pid_t pid = StartSave(set, next.file);
+        test::RunningProgram save = StartSave(set, next.file);
         // The moments cover the run evenly, in an order that jumps.
         const auto delay = whole * ((i * 37) % 100 + 1) / 100;
         std::this_thread::sleep_for(delay);  // the moment of the kill is what is tested
-        kill(pid, SIGKILL);
-        killed += WIFSIGNALED(test::WaitFor(pid)) ? 1 : 0;
+        save.Kill();
+        killed += save.Wait().killed ? 1 : 0;
         const std::string after = StoredVersion(set, versions);
         ASSERT_FALSE(after.empty()) << "a mixture after kill " << i << " at " << delay.count() << " us";
         replaced += after != before ? 1 : 0;

@@ -2,43 +2,41 @@
 
 // The program in a process of its own, which a test may kill or starve.
 
-#include <cerrno>
-#include <csignal>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern char** environ;  // NOLINT: POSIX declares it so
-
 namespace vicenter::host::test {
 
-// Starts it with the file as its input and without output.
-inline pid_t StartProgram(std::vector<std::string> arguments, const std::string& input = "/dev/null") {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, input.c_str(), O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    arguments.insert(arguments.begin(), VICENTER_PROGRAM);
-    std::vector<char*> argv;
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    pid_t pid = 0;
-    EXPECT_EQ(0, posix_spawn(&pid, VICENTER_PROGRAM, &actions, nullptr, argv.data(), environ));
-    posix_spawn_file_actions_destroy(&actions);
-    return pid;
-}
+// How a process ended: by itself with an exit code, or killed.
+struct HowItEnded {
+    int code = -1;
+    bool killed = false;
+};
 
-inline int WaitFor(pid_t pid) {
-    int status = 0;
-    EXPECT_EQ(pid, waitpid(pid, &status, 0));
-    return status;
-}
+// Killed at the end of the scope at the latest.
+class RunningProgram {
+  public:
+    // Reads that file as its input, nothing without one; its output is thrown away.
+    RunningProgram(const std::string& program, const std::vector<std::string>& arguments,
+                   const std::string& input = {});
+    RunningProgram(RunningProgram&& other) noexcept;
+    RunningProgram& operator=(RunningProgram&&) = delete;
+    ~RunningProgram();
+
+    // Without warning.
+    void Kill();
+    HowItEnded Wait();
+
+  private:
+    std::intptr_t process_;
+    bool waited_ = false;
+};
+
+// A variable of this process, and of those that it starts.
+void SetVariable(const std::string& name, const std::string& value);
+void RemoveVariable(const std::string& name);
+// The one that names the folder for temporary files.
+extern const char* const kTemporaryFolderVariable;
 
 }  // namespace vicenter::host::test
