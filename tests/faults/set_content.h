@@ -1,7 +1,7 @@
 #pragma once
 
 // What an account set holds, read past the program under test: whether SQLite finds the file sound, and the
-// templates with their lines, control rows and column profiles.
+// templates with their lines, control rows and column profiles, or all that there is.
 
 #include <filesystem>
 #include <string>
@@ -16,5 +16,8 @@ struct SetContent {
 };
 
 SetContent ReadSet(const std::filesystem::path& file);
+
+// Every table with every row, the digests of a backup excepted; the reason where something cannot be read.
+std::string ReadEverything(const std::filesystem::path& file);
 
 }  // namespace vicenter::faults
