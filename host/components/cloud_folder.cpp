@@ -1,11 +1,11 @@
 #include "host/components/cloud_folder.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include "automation/error.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
+#include "platform/system/line_file.h"
 
 namespace vicenter::host {
 
@@ -31,13 +31,17 @@ bool IsPlainName(std::string_view name) {
 
 CloudFolder::CloudFolder(const std::string& place) : place_(PathFromUtf8(place)) {}
 
+std::string CloudFolder::Index() const {
+    return system::PathToUtf8(place_ / kIndexFile);
+}
+
 std::optional<fs::path> CloudFolder::PlaceOf(std::int32_t id) const {
-    std::ifstream index(place_ / kIndexFile);
-    std::int32_t at = kFirstId;
-    for (std::string line; std::getline(index, line); ++at) {
-        if (at == id) return place_ / PathFromUtf8(line);
-    }
-    return std::nullopt;
+    std::optional<fs::path> found;
+    system::ForEachLine(Index(), [&](std::string_view line, std::size_t at) {
+        if (kFirstId + static_cast<std::int32_t>(at) == id) found = place_ / PathFromUtf8(line);
+        return !found;
+    });
+    return found;
 }
 
 std::optional<fs::path> CloudFolder::Below(std::int32_t user, std::int32_t parent,
@@ -57,15 +61,19 @@ std::optional<fs::path> CloudFolder::Below(std::int32_t user, std::int32_t paren
 std::int32_t CloudFolder::IdOf(const fs::path& path) {
     const std::u8string relative = path.lexically_relative(place_).generic_u8string();
     const std::string wanted(relative.begin(), relative.end());
-    std::int32_t id = kFirstId;
-    std::ifstream index(place_ / kIndexFile);
-    for (std::string line; std::getline(index, line); ++id) {
-        if (line == wanted) return id;
-    }
-    std::ofstream more(place_ / kIndexFile, std::ios::app | std::ios::binary);
-    more << wanted << '\n';
-    if (!more.flush()) throw automation::Error(automation::error_number::kPathNotFound);
-    return id;
+    const auto known = [&] {
+        std::optional<std::int32_t> id;
+        system::ForEachLine(Index(), [&](std::string_view line, std::size_t at) {
+            if (line == wanted) id = kFirstId + static_cast<std::int32_t>(at);
+            return !id;
+        });
+        return id;
+    };
+    if (const auto id = known()) return *id;
+    // Others may add at the same time, the same path as well: the first line of it counts, for everybody.
+    system::AddLine(Index(), wanted);
+    if (const auto id = known()) return *id;
+    throw automation::Error(automation::error_number::kPathNotFound);
 }
 
 std::optional<std::int32_t> CloudFolder::FindFolder(std::int32_t user, std::int32_t parent,

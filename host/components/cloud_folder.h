@@ -5,7 +5,8 @@
 //
 // Folders and files have ids, as on any drive; they are kept in an index file at the place, one line each,
 // and never given twice, so that an id stays good after a name has gone and come back. What somebody else
-// puts into the folder by hand is found and gets its id then. User-interface thread.
+// puts into the folder by hand is found and gets its id then. Several processes may use one place at once.
+// User-interface thread.
 
 #include <cstdint>
 #include <filesystem>
@@ -32,6 +33,7 @@ class CloudFolder {
     std::optional<std::filesystem::path> Below(std::int32_t user, std::int32_t parent,
                                                std::string_view name) const;
     std::int32_t IdOf(const std::filesystem::path& path);
+    std::string Index() const;
 
     std::filesystem::path place_;
 };

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -32,6 +33,9 @@ std::string ProgramFolder();
 std::vector<std::string> NamesIn(const std::string& folder);
 // Copies a file's content into a new file. The library's own copying tells a full disk as a failing one.
 std::error_code CopyContent(const std::string& from, const std::string& to);
+// Adds to the end of a file, which is made when it is not there; what others add meanwhile stands before it
+// or behind. False when not all of it could be written.
+bool Append(const std::string& path, std::string_view bytes);
 // What was written to the file is on the disk afterwards. False when it cannot be brought there.
 bool SyncFile(const std::string& path);
 // The names of a folder are on the disk afterwards, as far as its file system does that at all.

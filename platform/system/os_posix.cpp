@@ -154,6 +154,15 @@ std::error_code CopyContent(const std::string& from, const std::string& to) {
     return failed;
 }
 
+bool Append(const std::string& path, std::string_view bytes) {
+    constexpr mode_t kUsual = 0666;
+    const int handle = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kUsual);
+    if (handle < 0) return false;
+    // In one piece: a second one might find something between.
+    const bool whole = write(handle, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
+    return close(handle) == 0 && whole;
+}
+
 bool SyncFile(const std::string& path) {
     const int handle = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (handle < 0) return false;

@@ -1,8 +1,14 @@
 // The upload of workbooks against the host's own cloud drive and its record of files.
 
 #include <fstream>
+#include <map>
+#include <vector>
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include "automation/class_registry.h"
 #include "entry/host_context.h"
@@ -148,6 +154,68 @@ TEST_F(CloudDrive, IdsOutliveFoldersAndFolderMadeByHandGetsOne) {
     fs::create_directories(PathOf(place_) / "1" / "by hand");
     EXPECT_EQ(*id + 1, drive.FindFolder(1, 0, "by hand"));
 }
+
+TEST_F(CloudDrive, ALineThatWasBrokenOffIsNoFoldersId) {
+    CloudFolder drive(place_);
+    ASSERT_EQ(drive.MakeFolder(1, 0, "first"), 10001);
+    std::ofstream(PathOf(place_) / "index.txt", std::ios::app) << "1/sec";
+    EXPECT_EQ(drive.MakeFolder(1, 0, "second"), 10003);
+    EXPECT_EQ(drive.FindFolder(1, 0, "first"), 10001);
+    EXPECT_TRUE(drive.PutFile(10003, file_, "b"));
+    EXPECT_TRUE(fs::exists(PathOf(place_) / "1" / "second" / "b"));
+}
+
+#ifndef _WIN32
+TEST_F(CloudDrive, ProcessesThatMakeFoldersAtOnceAreGivenIdsOfTheirOwn) {
+    constexpr int kProcesses = 4;
+    constexpr int kFolders = 100;
+    // Every second folder is made by all of them.
+    const auto nameOf = [](int process, int i) {
+        return i % 2 == 0 ? "all" + std::to_string(i) : std::to_string(process) + "-" + std::to_string(i);
+    };
+    int start[2];  // closed when all are there
+    ASSERT_EQ(pipe(start), 0);
+    std::vector<pid_t> children;
+    for (int process = 0; process < kProcesses; ++process) {
+        const pid_t child = fork();
+        if (child != 0) {
+            children.push_back(child);
+            continue;
+        }
+        close(start[1]);
+        char nothing = 0;
+        while (read(start[0], &nothing, 1) > 0) {
+        }
+        CloudFolder drive(place_);
+        std::ofstream told(folder_.Path("told" + std::to_string(process)));
+        for (int i = 0; i < kFolders; ++i)
+            told << drive.MakeFolder(1, 0, nameOf(process, i)).value_or(0) << ' ' << nameOf(process, i)
+                 << '\n';
+        told.close();
+        _exit(0);
+    }
+    close(start[0]);
+    close(start[1]);
+    for (const pid_t child : children) {
+        int status = -1;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    std::map<std::int32_t, std::string> names;
+    CloudFolder drive(place_);
+    for (int process = 0; process < kProcesses; ++process) {
+        std::ifstream told(folder_.Path("told" + std::to_string(process)));
+        std::int32_t id = 0;
+        int count = 0;
+        for (std::string name; told >> id >> name; ++count) {
+            EXPECT_EQ(names.emplace(id, name).first->second, name) << id;
+            EXPECT_EQ(drive.FindFolder(1, 0, name), id) << name;
+        }
+        EXPECT_EQ(count, kFolders);
+    }
+    EXPECT_EQ(names.size(), static_cast<std::size_t>(kFolders / 2 + kProcesses * kFolders / 2));
+}
+#endif
 
 }  // namespace
 }  // namespace vicenter::host
