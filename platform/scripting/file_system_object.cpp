@@ -169,12 +169,15 @@ void FileSystemObject::CopyFile(const std::string& source, const std::string& ta
     if (FolderExists(target)) throw Error(error_number::kPermissionDenied, {}, kSource);
     const bool existed = FileExists(target);
     if (existed && !overwrite) throw Error(error_number::kFileAlreadyExists, {}, kSource);
-    if (const std::error_code error = system::CopyOver(source, target)) {
-        // A copy that broke off half-way is worse than none.
-        std::error_code ignored;
-        if (!existed) fs::remove(PathFromUtf8(target), ignored);
-        Fail(error);
-    }
+    if (existed && (Attributes(target) & kAttributeReadOnly) != 0)
+        throw Error(error_number::kPermissionDenied, {}, kSource);
+    std::error_code error;
+    const fs::perms permissions = fs::status(PathFromUtf8(source), error).permissions();
+    if (const std::error_code failed =
+            system::CopyOver(source, target, existed ? system::Durable::Yes : system::Durable::No))
+        Fail(failed);
+    // The copy is as read-only as its source.
+    if (!error) fs::permissions(PathFromUtf8(target), permissions, error);
 }
 
 void FileSystemObject::ReplaceFile(const std::string& source, const std::string& target) {

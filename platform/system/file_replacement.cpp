@@ -126,11 +126,16 @@ std::string WhyNotWritable(const std::string& target, const Replaceable& replace
     return known ? std::string() : "目标文件已存在，且不是" + replaceable.what + "，不能覆盖：" + text;
 }
 
-void ReplaceWithCopy(const std::string& source, const std::string& target, Durable durable) {
+std::error_code CopyOver(const std::string& source, const std::string& target, Durable durable) {
     FileReplacement replacement(target);
-    if (const std::error_code failed = os::CopyContent(source, replacement.Path()))
-        throw Error(error_number::kPermissionDenied, Told(failed) + "：" + target);
+    if (const std::error_code failed = os::CopyContent(source, replacement.Path())) return failed;
     replacement.PutInPlace(durable);
+    return {};
+}
+
+void ReplaceWithCopy(const std::string& source, const std::string& target, Durable durable) {
+    if (const std::error_code failed = CopyOver(source, target, durable))
+        throw Error(error_number::kPermissionDenied, Told(failed) + "：" + target);
 }
 
 }  // namespace vicenter::system

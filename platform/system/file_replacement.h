@@ -9,6 +9,7 @@
 
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "platform/system/unfinished_file.h"
@@ -51,7 +52,9 @@ struct Replaceable {
 // process has open, or a file of another kind.
 std::string WhyNotWritable(const std::string& target, const Replaceable& replaceable);
 
-// Copies a file over another, or to a new name.
+// Copies a file over another, or to a new name; why it could not be done, or what is thrown above.
+std::error_code CopyOver(const std::string& source, const std::string& target, Durable durable);
+// The same for users: every failure is thrown with a text.
 void ReplaceWithCopy(const std::string& source, const std::string& target, Durable durable = Durable::Yes);
 
 }  // namespace vicenter::system

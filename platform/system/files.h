@@ -25,16 +25,4 @@ inline std::string PathToUtf8(const std::filesystem::path& path) {
 }
 #endif
 
-// Copies a file with its attributes, over another one as well.
-#ifdef _WIN32
-std::error_code CopyOver(const std::string& from, const std::string& to);  // GCC 12's own does not overwrite
-#else
-inline std::error_code CopyOver(const std::string& from, const std::string& to) {
-    std::error_code failed;
-    std::filesystem::copy_file(PathFromUtf8(from), PathFromUtf8(to),
-                               std::filesystem::copy_options::overwrite_existing, failed);
-    return failed;
-}
-#endif
-
 }  // namespace vicenter::system

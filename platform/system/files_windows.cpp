@@ -36,9 +36,4 @@ std::string PathToUtf8(const fs::path& path) {
     return os::Narrow(name.starts_with(kLong) ? name.substr(kLong.size()) : name);
 }
 
-std::error_code CopyOver(const std::string& from, const std::string& to) {
-    if (CopyFileW(os::WidePath(from).c_str(), os::WidePath(to).c_str(), FALSE)) return {};
-    return os::LastError();
-}
-
 }  // namespace vicenter::system

@@ -7,6 +7,7 @@
 
 #include "automation/class_registry.h"
 #include "tests/fakes/fake_surroundings.h"
+#include "tests/tsql/child_process.h"
 
 namespace vicenter::scripting {
 namespace {
@@ -79,6 +80,42 @@ TEST_F(FileSystemObjectTest, CopiesOverAndOnlyWhenAsked) {
     EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {folder_.File("none"), target}); }), 53);
     EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {source, folder_.File("no/such")}); }), 76);
     EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {source, folder_.Text()}); }), 70);
+}
+
+TEST_F(FileSystemObjectTest, ACopyThatCannotBeWrittenLeavesTheOldFile) {
+    const std::string source = Write("a", std::string(200'000, 'n'));
+    const std::string target = Write("b", std::string(50'000, 'o'));
+    const auto files = [&] { return std::distance(std::filesystem::directory_iterator(folder_.Path()), {}); };
+    const auto before = files();
+    EXPECT_EQ(testing_support::RunWithFileLimit(100'000,
+                                                [&] {
+                                                    return NumberOfError([&] {
+                                                        files_->Call("CopyFile", {source, target});
+                                                        files_->Call("CopyFile", {source, target});
+                                                    });
+                                                }),
+              70);
+    EXPECT_EQ(ContentOf(target), std::string(50'000, 'o'));
+    EXPECT_EQ(files(), before);
+}
+
+TEST_F(FileSystemObjectTest, ACopyIsAsReadOnlyAsItsSourceAndCoversNoReadOnlyFile) {
+    const std::string source = Write("a", "x");
+    files_->Call("GetFile", {source}).AsObject()->Put("Attributes", kAttributeReadOnly);
+    const std::string target = folder_.File("b");
+    files_->Call("CopyFile", {source, target});
+    EXPECT_EQ(FileSystemObject::Attributes(target), kAttributeArchive | kAttributeReadOnly);
+    EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {Write("c", "y"), target}); }), 70);
+    EXPECT_EQ(ContentOf(target), "x");
+}
+
+TEST_F(FileSystemObjectTest, ACopyOntoALinkLeavesTheLink) {
+    const std::string source = Write("a", "new");
+    Write("b", "old");
+    std::filesystem::create_symlink("b", folder_.Path() / "link");
+    files_->Call("CopyFile", {source, folder_.File("link")});
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_.Path() / "link"));
+    EXPECT_EQ(ContentOf(folder_.File("b")), "new");
 }
 
 TEST_F(FileSystemObjectTest, AWriteProtectedFileNeedsForce) {
