@@ -21,6 +21,8 @@ class frmSetColume;
 
 namespace vicenter::center {
 
+class TemplateHistory;
+
 // The tools of the band "BandToolBar", in their order on the bar.
 enum class Tool { New, Del, Save, ShowCol, DelRow, AddRow, PrcFind, Imp, Exp, AutoVch, CloudP, Share, Quit };
 inline constexpr int kToolCount = 13;
@@ -143,6 +145,7 @@ class VICenterView {
     // Modal; return when the dialog is closed.
     virtual void ShowFindDialog(dialogs::FrmSearch& dialog) = 0;
     virtual void ShowColumnDialog(dialogs::frmSetColume& dialog) = 0;
+    virtual void ShowHistory(TemplateHistory& /*history*/) {}  // modal
 };
 
 }  // namespace vicenter::center

@@ -2,6 +2,7 @@
 
 #include "center/frame/account_set_care.h"
 #include "center/frame/window_parts.h"
+#include "center/history/template_history.h"
 
 namespace vicenter::center {
 
@@ -41,14 +42,45 @@ void TreeFacet::DeleteSelected() {
 }
 
 std::vector<TreeMenuItem> TreeFacet::MenuItems() {
-    if (!AccountSetCare::IsOffered()) return {};
     // A node that was refused is lit without being open; no menu hides what has to be mended first.
     const std::string& lit = parts_.tree.SelectedKey();
-    if (lit != kRootKey && lit != std::string(kTemplateKeyHead) + parts_.state.open.Id()) return {};
-    return {
-        {"mnuBackUpAccountSet", "备份账套(&B)…",
-         [this] { parts_.edge.Command([this] { AccountSetCare::BackUp(parts_.state.open.IsDirty()); }); }},
-        {"mnuVerifyAccountSet", "检查账套(&V)", [this] { parts_.edge.Look(AccountSetCare::Verify); }}};
+    const bool root = lit == kRootKey;
+    if (!root && lit != std::string(kTemplateKeyHead) + parts_.state.open.Id()) return {};
+    std::vector<TreeMenuItem> items;
+    if (root) {
+        items.push_back({"mnuDeletedTemplates", "已删除的模板(&R)…",
+                         [this] { parts_.edge.Command([this] { ShowDeletedTemplates(); }); }});
+    } else {
+        items.push_back(
+            {"mnuHistory", "历史版本(&H)…", [this] { parts_.edge.Command([this] { ShowHistory(); }); }});
+    }
+    if (!AccountSetCare::IsOffered()) return items;
+    items.push_back({"mnuBackUpAccountSet", "备份账套(&B)…", [this] {
+                         parts_.edge.Command([this] { AccountSetCare::BackUp(parts_.state.open.IsDirty()); });
+                     }});
+    items.push_back(
+        {"mnuVerifyAccountSet", "检查账套(&V)", [this] { parts_.edge.Look(AccountSetCare::Verify); }});
+    return items;
+}
+
+// What is brought back takes the place of what is in the grid: what was typed there is saved first or given
+// up.
+void TreeFacet::ShowHistory() {
+    if (!parts_.save.ConfirmUnsavedChanges()) return;
+    Show(TemplateHistory(parts_.state.open.Id(), parts_.state.open.Name(), parts_.state.userId,
+                         parts_.state.hasRight));
+}
+
+void TreeFacet::ShowDeletedTemplates() {
+    Show(TemplateHistory(parts_.state.userId, parts_.state.hasRight));
+}
+
+void TreeFacet::Show(TemplateHistory history) {
+    if (!history.Load()) return;
+    parts_.state.view.ShowHistory(history);
+    if (!history.Restored()) return;
+    parts_.tree.ShowStored(*history.Restored());
+    parts_.MarkUnusable();
 }
 
 }  // namespace vicenter::center

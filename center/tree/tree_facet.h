@@ -6,6 +6,7 @@
 
 namespace vicenter::center {
 
+class TemplateHistory;
 struct WindowParts;
 
 class TreeFacet final : public TreeActions {
@@ -23,6 +24,10 @@ class TreeFacet final : public TreeActions {
     std::vector<TreeMenuItem> MenuItems() override;
 
   private:
+    void ShowHistory();
+    void ShowDeletedTemplates();
+    void Show(TemplateHistory history);
+
     WindowParts& parts_;
 };
 

@@ -100,6 +100,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void PlaceProgressFrame(const center::Corner& corner) override;
     void ShowFindDialog(dialogs::FrmSearch& dialog) override;
     void ShowColumnDialog(dialogs::frmSetColume& dialog) override;
+    void ShowHistory(center::TemplateHistory& history) override;
 
     // Declared last to first use: the presenter goes before the widgets that it speaks to.
     std::shared_ptr<center::TemplateCommands> commands_;

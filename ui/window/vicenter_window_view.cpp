@@ -1,6 +1,7 @@
 // What the main window shows, as its presenter asks for it.
 
 #include "ui/dialogs/column_dialog.h"
+#include "ui/dialogs/history_dialog.h"
 #include "ui/dialogs/find_dialog.h"
 #include "ui/look/qt_text.h"
 #include "ui/window/vicenter_window.h"
@@ -96,6 +97,11 @@ void VICenterWindow::ShowFindDialog(dialogs::FrmSearch& dialog) {
 
 void VICenterWindow::ShowColumnDialog(dialogs::frmSetColume& dialog) {
     ColumnDialog window(dialog, this);
+    window.exec();
+}
+
+void VICenterWindow::ShowHistory(center::TemplateHistory& history) {
+    HistoryDialog window(history, this);
     window.exec();
 }
 

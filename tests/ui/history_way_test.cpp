@@ -1,0 +1,208 @@
+// The way back in the window: what a save, a deletion and an import replaced is found in the tree's menu,
+// compared and brought back, by real mouse events on the demo ledger.
+
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTimer>
+
+#include "tests/ui/demo_set_fixture.h"
+
+namespace vicenter::ui {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class HistoryWayTest : public DemoSetTest {
+  protected:
+    HistoryWayTest() { Open(); }
+
+    void OpenTemplate(const std::string& name) {
+        ClickNode(KeyOf(name));
+        ASSERT_EQ(window->Presenter().TemplateName(), name);
+    }
+    std::string KeyOf(const std::string& name) {
+        for (const center::TreeNode& node : window->Presenter().Nodes()) {
+            if (node.text == name) return node.key;
+        }
+        return {};
+    }
+    std::vector<std::string> Names() {
+        std::vector<std::string> names;
+        for (const center::TreeNode& node : window->Presenter().Nodes())
+            names.push_back(node.text);
+        return names;
+    }
+    void TypeInto(int row, int gridColumn, const char* text) {
+        ClickCell(row, gridColumn);
+        Type(text);
+        Key(Qt::Key_Return);
+    }
+    // Asks for the node's menu, chooses there, and does with the dialog what is told.
+    void ChooseInMenu(const std::string& key, const QString& action,
+                      const std::function<void(QDialog&)>& inDialog) {
+        bool shown = false;
+        QTimer chooser;
+        QObject::connect(&chooser, &QTimer::timeout, window, [&] {
+            if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+                auto* chosen = menu->findChild<QAction*>(action);
+                ASSERT_NE(chosen, nullptr);
+                QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(chosen).center());
+            } else if (auto* dialog = window->findChild<QDialog*>("frmHistory"); dialog && !shown) {
+                shown = true;
+                inDialog(*dialog);
+                if (dialog->isVisible()) Press(*dialog, "cmdClose");
+            }
+        });
+        chooser.start(1);
+        const QRect rect = window->Tree().visualItemRect(window->Tree().FindNode(key));
+        QTest::mouseClick(window->Tree().viewport(), Qt::RightButton, {}, rect.center());
+        QContextMenuEvent event(QContextMenuEvent::Mouse, rect.center(),
+                                window->Tree().viewport()->mapToGlobal(rect.center()));
+        QApplication::sendEvent(window->Tree().viewport(), &event);
+        dialogShown_ = shown;
+    }
+    static void Press(QDialog& dialog, const char* button) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
+    }
+    static QStringList Rows(QDialog& dialog, const char* name, int firstColumn) {
+        QStringList rows;
+        const auto* table = dialog.findChild<QTableWidget*>(name);
+        for (int row = 0; row < table->rowCount(); ++row) {
+            QStringList cells;
+            for (int column = firstColumn; column < table->columnCount(); ++column)
+                cells << table->item(row, column)->text();
+            rows << cells.join(u'|');
+        }
+        return rows;
+    }
+    void Answer(system::MessageResult answer) { surroundings.messageBoxes->answers.push_back(answer); }
+
+    bool dialogShown_ = false;
+};
+
+TEST_F(HistoryWayTest, ASavedOverLineIsComparedAndComesBack) {
+    OpenTemplate("日常费用");
+    const std::vector<std::string> before = Contents();
+    TypeInto(1, column::kExplanation, "typed over");
+    ClickTool("mnuSave");
+    ASSERT_NE(Contents(), before);
+    TakeMessages();
+    ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "历史版本 - 日常费用");
+        EXPECT_EQ(Rows(dialog, "versions", 1), QStringList{"保存|1|11|日常费用"});
+        EXPECT_EQ(Rows(dialog, "changes", 0), QStringList{"修改|1|1|摘要(*)|报销办公费|typed over"});
+        EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "此版本之后：新增 0 行，删除 0 行，修改 1 行。");
+        Answer(system::MessageResult::Yes);
+        Press(dialog, "cmdRestore");
+        EXPECT_FALSE(dialog.isVisible());
+    });
+    ASSERT_TRUE(dialogShown_);
+    EXPECT_EQ(Contents(), before);
+    EXPECT_FALSE(window->Presenter().IsDirty());
+    EXPECT_EQ(TakeMessages().back(), "模板 日常费用 恢复成功！");
+    // What was there is a version as well: nothing is lost by a restoration.
+    ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
+        EXPECT_EQ(Rows(dialog, "versions", 1), (QStringList{"恢复|1|11|日常费用", "保存|1|11|日常费用"}));
+        auto* versions = dialog.findChild<QTableWidget*>("versions");
+        QTest::mouseClick(versions->viewport(), Qt::LeftButton, {},
+                          versions->visualItemRect(versions->item(1, 1)).center());
+        EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "与现在的分录相同。");
+        EXPECT_THAT(Rows(dialog, "changes", 0), IsEmpty());
+    });
+}
+
+TEST_F(HistoryWayTest, AVersionBecomesANewTemplateUnderTheNameThatIsTyped) {
+    OpenTemplate("日常费用");
+    TypeInto(1, column::kExplanation, "typed over");
+    ClickTool("mnuSave");
+    ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
+        auto* name = dialog.findChild<QLineEdit*>("newName");
+        EXPECT_EQ(name->text(), "日常费用(恢复)");
+        name->setText("日常费用");
+        TakeMessages();
+        Press(dialog, "cmdRestoreAsNew");
+        EXPECT_THAT(TakeMessages(), ElementsAre("模板名称不允许重复，恢复失败！"));
+        EXPECT_TRUE(dialog.isVisible());
+        name->setText("旧的");
+        Press(dialog, "cmdRestoreAsNew");
+        EXPECT_FALSE(dialog.isVisible());
+    });
+    EXPECT_EQ(window->Presenter().TemplateName(), "旧的");
+    EXPECT_EQ(Text(1, column::kExplanation), "报销办公费");
+    EXPECT_EQ(window->Presenter().RowCount(), 11);
+}
+
+TEST_F(HistoryWayTest, ADeletedTemplateComesBackFromTheRootsMenu) {
+    OpenTemplate("日常费用");
+    const std::vector<std::string> before = Contents();
+    Answer(system::MessageResult::Yes);
+    window->Tree().setFocus();
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(KeyOf("日常费用"), "");
+    TakeMessages();
+    ChooseInMenu("ROOT", "mnuDeletedTemplates", [&](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "已删除的模板");
+        EXPECT_EQ(Rows(dialog, "versions", 1), QStringList{"删除|1|11|日常费用"});
+        EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "删除时有 11 行分录。");
+        EXPECT_FALSE(dialog.findChild<QPushButton*>("cmdRestore")->isVisible());
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("newName")->text(), "日常费用");
+        Press(dialog, "cmdRestoreAsNew");
+    });
+    ASSERT_TRUE(dialogShown_);
+    EXPECT_EQ(window->Presenter().TemplateName(), "日常费用");
+    EXPECT_EQ(Contents(), before);
+}
+
+TEST_F(HistoryWayTest, UnsavedTypingIsAskedAboutBeforeAVersionTakesItsPlace) {
+    OpenTemplate("日常费用");
+    TypeInto(1, column::kExplanation, "first");
+    ClickTool("mnuSave");
+    TypeInto(1, column::kExplanation, "second");
+    TakeMessages();
+    Answer(system::MessageResult::Yes);
+    ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
+        EXPECT_EQ(Rows(dialog, "versions", 1), (QStringList{"保存|1|11|日常费用", "保存|1|11|日常费用"}));
+        EXPECT_EQ(Rows(dialog, "changes", 0), QStringList{"修改|1|1|摘要(*)|first|second"});
+    });
+    ASSERT_TRUE(dialogShown_);
+    EXPECT_EQ(TakeMessages().front(), "当前凭证模板修改后未保存，您是否进行保存?");
+    EXPECT_EQ(Text(1, column::kExplanation), "second");
+}
+
+TEST_F(HistoryWayTest, WithoutVersionsOrTablesThereIsAMessageAndNoDialog) {
+    OpenTemplate("销售与收款");
+    ChooseInMenu(KeyOf("销售与收款"), "mnuHistory", [](QDialog&) {});
+    EXPECT_THAT(TakeMessages(), ElementsAre("模板 销售与收款 还没有历史版本。"));
+    ChooseInMenu("ROOT", "mnuDeletedTemplates", [](QDialog&) {});
+    EXPECT_THAT(TakeMessages(), ElementsAre("没有可以恢复的已删除模板。"));
+    session->Execute("drop table t_VchTpHistory");
+    ClickNode(KeyOf("销售与收款"));
+    ChooseInMenu(KeyOf("销售与收款"), "mnuHistory", [](QDialog&) {});
+    EXPECT_THAT(TakeMessages(), ElementsAre("当前账套没有开启模板历史。请由管理员执行 vicenter account-set "
+                                            "upgrade 开启！"));
+    EXPECT_FALSE(dialogShown_);
+}
+
+TEST_F(HistoryWayTest, WhoMayOnlyLookSeesVersionsAndCannotRestore) {
+    OpenTemplate("标准模板");
+    TypeInto(1, column::kExplanation, "typed over");
+    ClickTool("mnuSave");
+    Close();
+    Enter(3);
+    Open();
+    ClickNode("detail-0");
+    ChooseInMenu("detail-0", "mnuHistory", [&](QDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QTableWidget*>("versions")->rowCount(), 1);
+        EXPECT_FALSE(dialog.findChild<QPushButton*>("cmdRestore")->isEnabled());
+        EXPECT_FALSE(dialog.findChild<QPushButton*>("cmdRestoreAsNew")->isEnabled());
+    });
+    EXPECT_TRUE(dialogShown_);
+}
+
+}  // namespace
+}  // namespace vicenter::ui
