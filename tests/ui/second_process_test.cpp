@@ -121,7 +121,7 @@ TEST_F(SecondProcessTest, WhatBothAreToldIsStoredIsThereWhileADialogListsTheFold
             for (int i = 0; i < kEach; ++i)
                 out << "insert into t_Told values(" << ++next << ", 2)\ngo\n";
             out.close();
-            const pid_t other = host::test::StartProgram({"--account-set", file, "sql"}, script);
+            host::test::RunningProgram other(VICENTER_PROGRAM, {"--account-set", file, "sql"}, script);
             for (int i = 0; i < kEach; ++i) {
                 for (const char* end : {"", "-wal", "-shm"})
                     std::ifstream(file + end).get();
@@ -129,7 +129,7 @@ TEST_F(SecondProcessTest, WhatBothAreToldIsStoredIsThereWhileADialogListsTheFold
                     mine->Execute("insert into t_Told values(" + std::to_string(++next) + ", 1)"));
             }
             List(dialog, "r" + std::to_string(round) + ".xlsx");
-            EXPECT_EQ(host::test::WaitFor(other), 0);
+            EXPECT_EQ(other.Wait().code, 0);
         }
     });
     SaveTemplate();
