@@ -10,6 +10,7 @@
 
 #include "tsql/base/error_table.h"
 #include "tsql/sqlite/file_system.h"
+#include "tsql/sqlite/lock_pause.h"
 #include "tsql/sqlite/stored_value.h"
 
 namespace vicenter::tsql::engine {
@@ -173,12 +174,11 @@ int Database::Wait(void* database, int times) {
     auto& self = *static_cast<Database*>(database);
     const auto now = std::chrono::steady_clock::now();
     if (times == 0) self.waitingSince_ = now;
-    const std::chrono::nanoseconds left =
-        std::chrono::milliseconds(self.lockTimeout_) - (now - self.waitingSince_);
+    const std::chrono::milliseconds patience(self.lockTimeout_);
+    const auto waited = std::chrono::duration_cast<std::chrono::microseconds>(now - self.waitingSince_);
+    const std::chrono::microseconds left = patience - waited;
     if (left <= left.zero() || self.stopping_.Stops(true)) return 0;
-    // Others hold the lock for a moment only, as a rule.
-    const std::chrono::nanoseconds pause = std::chrono::milliseconds(std::min(1 + 2 * times, 25));
-    std::this_thread::sleep_for(std::min(pause, left));
+    std::this_thread::sleep_for(std::min(LockPause(times, waited, patience), left));
     return 1;
 }
 

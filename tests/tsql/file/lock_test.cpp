@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "tests/tsql/file/file_fixture.h"
+#include "tsql/sqlite/lock_pause.h"
 
 namespace vicenter::tsql::engine {
 namespace {
@@ -29,17 +30,38 @@ TEST_F(SetFileTest, What_is_opened_and_closed_beside_an_open_session_drops_no_lo
     constexpr long kOthers = 1000000;
     OtherProcess other(Path(), kOthers, count, 60000, Path() + ".answers");
     std::set<long> acknowledged;
+    std::string refused;
     for (long number = 0; number < count || other.Runs(); ++number) {
         OpenAndCloseAll();
-        if (Run("insert into t values(" + std::to_string(number) + ")").empty()) acknowledged.insert(number);
+        const std::string refusal = Run("insert into t values(" + std::to_string(number) + ")");
+        if (refusal.empty()) {
+            acknowledged.insert(number);
+        } else {
+            refused += std::to_string(number) + ": " + refusal + "\n";
+        }
         OpenAndCloseAll();
     }
     EXPECT_EQ(other.Wait(), 0);
     acknowledged.merge(other.Acknowledged());
-    EXPECT_GE(acknowledged.size(), static_cast<std::size_t>(2 * count));
+    EXPECT_GE(acknowledged.size(), static_cast<std::size_t>(2 * count)) << refused;
     session_.reset();
     EXPECT_EQ(Stored(), acknowledged);
     EXPECT_EQ(Integrity(), "ok");
+}
+
+TEST(LockPause, Who_has_waited_long_asks_more_often_than_who_has_just_come) {
+    using std::chrono::microseconds;
+    using std::chrono::milliseconds;
+    constexpr milliseconds kPatience(4000);
+    // A lock that is held for a moment is asked for again in a moment.
+    EXPECT_EQ(LockPause(0, microseconds(0), kPatience), milliseconds(1));
+    const auto soon = LockPause(12, milliseconds(160), kPatience);
+    EXPECT_GT(soon, milliseconds(20));
+    EXPECT_LT(LockPause(100, milliseconds(2000), kPatience), soon * 2 / 3);
+    EXPECT_LE(LockPause(400, milliseconds(3800), kPatience), milliseconds(2));
+    // Whoever would wait for a day is put off no longer after some seconds.
+    EXPECT_EQ(LockPause(1000000, std::chrono::hours(1), std::chrono::hours(24)), milliseconds(1));
+    EXPECT_EQ(LockPause(3, milliseconds(1), milliseconds(0)), milliseconds(1));
 }
 
 TEST_F(SetFileTest, A_session_holds_its_lock_through_foreign_closes) {
