@@ -186,7 +186,8 @@ class Script {
                 vic_int32 answer = 0;
                 vic_has_member(Object(), choices_.Of(kMembers), &answer);
                 vic_same(Object(), Object(), &answer);
-                vic_type_name(Object(), &Variant());
+                vic_variant name{};
+                if (vic_type_name(Object(), &name) == 0) variants_.push_back(name);
                 break;
             }
             default:

@@ -155,6 +155,7 @@ VIC_API vic_status vic_retain(vic_object* object);
 VIC_API vic_status vic_release(vic_object* object); /* NULL is allowed */
 /* 1 in *same when both handles stand for one object. */
 VIC_API vic_status vic_same(const vic_object* a, const vic_object* b, vic_int32* same);
+/* name is written to without being cleared before, as the result of a call is. */
 VIC_API vic_status vic_type_name(vic_object* object, vic_variant* name);
 VIC_API vic_status vic_has_member(vic_object* object, const char* name, vic_int32* answer);
 /* Handles and instances of host classes that are still held: 0 when nothing leaks. */
