@@ -219,6 +219,30 @@ TEST_F(TemplateTreeTest, F2RenamesAndDeleteAsksForDeletion) {
     EXPECT_TRUE(tree.IsEditingLabel());
 }
 
+TEST_F(TemplateTreeTest, ALitNodeWithUnusableNumbersIsRedAsWell) {
+    const auto redPixels = [this] {
+        const QImage picture =
+            tree.viewport()->grab(tree.visualItemRect(tree.FindNode("detail-0"))).toImage();
+        int red = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const QColor pixel = picture.pixelColor(x, y);
+                if (pixel.red() > pixel.green() + 60 && pixel.red() > pixel.blue() + 60) ++red;
+            }
+        }
+        return red;
+    };
+    constexpr int kSeen = 100;
+    ASSERT_EQ(tree.SelectedKey(), "detail-0");
+    EXPECT_LT(redPixels(), kSeen);
+    tree.SetUnusable({"detail-0"});
+    EXPECT_GT(redPixels(), kSeen) << "while the tree has the focus";
+    tree.clearFocus();
+    EXPECT_GT(redPixels(), kSeen);
+    tree.SetUnusable({});
+    EXPECT_LT(redPixels(), kSeen);
+}
+
 TEST_F(TemplateTreeTest, NodesComeGoAndChangeByKey) {
     tree.AddNode({"detail-9", "新", 2});
     ASSERT_NE(tree.FindNode("detail-9"), nullptr);

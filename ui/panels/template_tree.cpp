@@ -81,6 +81,10 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
         if (index.data(kModifiedRole).toBool()) option->text += QStringLiteral(" *");
+        if (!index.data(Qt::ForegroundRole).isValid()) return;
+        // The letters of a lit node have the selection's colour: its ground says that its numbers are faulty.
+        option->palette.setColor(QPalette::Active, QPalette::Highlight, colors::kRefusal);
+        option->palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors::kFaulty);
     }
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
