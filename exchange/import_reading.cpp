@@ -8,13 +8,13 @@
 #include "entry/names.h"
 #include "exchange/cell_reading.h"
 #include "exchange/excel_access.h"
-#include "exchange/import_batch.h"
 #include "exchange/import_checks.h"
 #include "exchange/import_rows.h"
 #include "platform/system/collation.h"
 #include "platform/system/unfinished_file.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/template_batches.h"
 
 namespace vicenter::exchange {
 
@@ -111,13 +111,18 @@ std::string ReadHeader(const ObjectRef& sheet, std::int32_t columnCount) {
 std::int32_t AppendRows(TemplateWindow& window, const ObjectRef& sheet, std::int32_t columnCount,
                         std::int32_t rowCount, const std::string& fieldList, std::string& batch) {
     ImportRows rows(sheet, columnCount, fieldList);
+    const store::LineInserts inserts(fieldList);
     std::string values;
     std::string errorText;
     std::int32_t lines = 0;
     const auto take = [&](std::int32_t row) {
         rows.ValidateImportRow(row, values, errorText);
-        if (errorText.empty()) AppendImportLine(batch, row, fieldList, values);
         ++lines;
+        if (!errorText.empty()) return;
+        // The number of the sheet's row becomes the line's FEntryID.
+        inserts.Begin(batch, row);
+        batch += values;
+        store::LineInserts::End(batch);
     };
     std::int32_t firstBlank = 0;  // of the blank rows right above, 0 for none
     for (std::int32_t row = 2; row <= rowCount && errorText.size() < kMaxErrorBytes; ++row) {
@@ -167,9 +172,10 @@ ImportBatch ReadTemplateWorkbook(TemplateWindow& window, const std::string& file
     ImportBatch batch;
     const std::string userId = entry::CurrentUserId();
     // The standard template stays everybody's, whoever replaces it.
-    StartImportBatch(batch.text, existingId, name, existingId == store::kStandardTemplateId ? "0" : userId);
+    store::BeginTemplate(batch.text, existingId, name,
+                         existingId == store::kStandardTemplateId ? "0" : userId);
     batch.lines = AppendRows(window, sheet, columnCount, rowCount, fieldList, batch.text);
-    FinishImportBatch(batch.text, existingId);
+    batch.text.append(store::ControlRows(existingId)).append(entry::kCrLf);
     return batch;
 }
 

@@ -9,7 +9,6 @@
 #include "entry/host_services.h"
 #include "entry/sql_text.h"
 #include "exchange/excel_access.h"
-#include "exchange/import_batch.h"
 #include "exchange/import_reading.h"
 #include "platform/system/surroundings.h"
 #include "store/cls_vi_data.h"
@@ -26,6 +25,7 @@ namespace {
 
 using automation::Error;
 using automation::Variant;
+using store::kNewTemplate;
 using system::MessageButtons;
 using system::MessageIcon;
 using system::MessageResult;

@@ -1,7 +1,6 @@
 #include "exchange/import_template.h"
 
 #include "exchange/export_template.h"
-#include "exchange/import_batch.h"
 #include "tests/exchange/exchange_fixture.h"
 #include "tests/paths/source_folder.h"
 #include "tests/platform/office/package.h"
