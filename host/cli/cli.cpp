@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <new>
+#include <regex>
 #include <system_error>
 
 #include <CLI/CLI.hpp>
@@ -43,6 +44,14 @@ const CLI::Validator kDigits(
         return given.find_first_not_of("0123456789") == std::string::npos
                    ? std::string()
                    : "应为数字 / must be a number：" + given;
+    },
+    "");
+
+const CLI::Validator kDay(
+    [](const std::string& given) {
+        static const std::regex day(R"(\d{4}-\d{2}-\d{2})");
+        return std::regex_match(given, day) ? std::string()
+                                            : "应为 yyyy-mm-dd / must be yyyy-mm-dd：" + given;
     },
     "");
 
@@ -181,8 +190,8 @@ class CommandLine {
             ->add_option("NEW", options_.newName, "新名称 / new name")
             ->required();
         AddNamedCommand("delete", CliCommand::Delete, "删除模板 / delete a template");
-        AddNamedCommand("check", CliCommand::Check, "检查模板 / check a template");
-        AddCommand(app_, "log", CliCommand::Log, "操作日志 / print the operation log");
+        AddCheck();
+        AddLog();
         AddNamedCommand("save", CliCommand::Save,
                         "从标准输入读入 JSON 并保存 / replace a template's lines from standard input");
         AddCommand(app_, "sql", CliCommand::Sql, "执行 T-SQL / run T-SQL, GO ends a batch")
@@ -193,6 +202,30 @@ class CommandLine {
         AddHistory();
         AddExchangeCommands();
         AddGenerate();
+    }
+
+    void AddCheck() {
+        CLI::App* check =
+            AddCommand(app_, "check", CliCommand::Check, "检查模板 / check a template, or all of the user's");
+        auto* name = check->add_option("NAME", options_.name, "模板名称 / template");
+        check->add_flag("--all", options_.all, "全部模板 / every template")->excludes(name);
+        check->callback([this, name] {
+            if (name->count() == 0 && !options_.all) throw CLI::RequiredError("NAME | --all");
+            options_.command = CliCommand::Check;
+        });
+    }
+
+    void AddLog() {
+        LogOptions& log = options_.log;
+        CLI::App* added = AddCommand(app_, "log", CliCommand::Log, "操作日志 / print the operation log");
+        added->add_option("--from", log.from, "起始日期 yyyy-mm-dd / first day")->check(kDay);
+        added->add_option("--to", log.to, "终止日期 / last day")->check(kDay);
+        added->add_option("--user", log.user, "操作的用户 / the user who acted")->check(kDigits);
+        added
+            ->add_option("--kind", log.kind,
+                         "1 请求，2 关闭，3 成功，4 失败 / asked for, closed, done, failed")
+            ->check(CLI::IsMember({"1", "2", "3", "4"}));
+        added->add_option("--template", log.templateName, "模板名称 / a template's name")->check(kNotEmpty);
     }
 
     void AddHistory() {

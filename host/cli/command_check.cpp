@@ -1,17 +1,78 @@
 // vicenter check NAME: the first line that keeps the template from being saved, and every cell that would be
-// red.
+// red. check --all: every template against today's ledger, for a job at night.
 
 #include <optional>
+#include <ostream>
 
 #include "center/editing/fault_text.h"
 #include "center/grid/columns.h"
+#include "center/health/template_check.h"
 #include "center/template/template_save.h"
 #include "host/cli/context.h"
 #include "host/cli/templates.h"
 
 namespace vicenter::host {
 
+namespace {
+
+bool IsFault(const center::TemplateFinding& finding) {
+    return finding.kind == center::TemplateFinding::Kind::Fault;
+}
+
+std::string FindingText(const TemplateHead& head, const center::TemplateFinding& finding) {
+    std::string text = head.name + "\t" + (IsFault(finding) ? "异常" : "提示") + "\t" + finding.number +
+                       " 号\t行" + std::to_string(finding.row) + "\t";
+    if (finding.column != 0) text.append(center::Column(finding.column).header);
+    if (!finding.value.empty()) text += " “" + finding.value + "”";
+    return text + "\t" + finding.reason + "\n";
+}
+
+Variant FindingObject(const center::TemplateFinding& finding) {
+    return JsonObject(
+        {{"kind", IsFault(finding) ? "fault" : "hint"},
+         {"row", finding.row},
+         {"FNo", finding.number},
+         {"field", finding.column == 0 ? std::string() : std::string(center::Column(finding.column).field)},
+         {"value", finding.value},
+         {"reason", finding.reason}});
+}
+
+int RunCheckAll(const CliContext& context) {
+    center::TemplateCheck check;
+    VariantArray templates;
+    int faults = 0;
+    int hints = 0;
+    for (const TemplateHead& head : ReadTemplates(context)) {
+        TemplateLines lines;
+        ReadLines(head.id, lines);
+        VariantArray findings;
+        for (const center::TemplateFinding& finding : check.Check(lines.grid, lines.count)) {
+            (IsFault(finding) ? faults : hints) += 1;
+            findings.push_back(FindingObject(finding));
+            if (!context.options.json) context.streams.out << FindingText(head, finding);
+        }
+        templates.push_back(JsonObject({{"FID", Variant(head.id).ToInt32()},
+                                        {"FName", head.name},
+                                        {"lines", lines.count},
+                                        {"findings", findings}}));
+    }
+    if (context.options.json) {
+        PrintJson(context,
+                  JsonObject({{"templates", templates},
+                              {"totals", JsonObject({{"templates", static_cast<int>(templates.size())},
+                                                     {"faults", faults},
+                                                     {"hints", hints}})}}));
+    } else {
+        context.streams.out << "检查了 " << templates.size() << " 个模板：异常 " << faults << " 处，提示 "
+                            << hints << " 处。\n";
+    }
+    return faults == 0 ? kExitDone : kExitFailed;
+}
+
+}  // namespace
+
 int RunCheck(const CliContext& context) {
+    if (context.options.all) return RunCheckAll(context);
     const TemplateHead head = FindTemplate(context, context.options.name);
     TemplateLines lines;
     ReadLines(head.id, lines);

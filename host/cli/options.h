@@ -44,6 +44,15 @@ struct GenerateOptions {
     std::vector<int> fields;  // grid columns of the optional fields
 };
 
+// Which entries of the operation log; empty: all.
+struct LogOptions {
+    std::string from;  // yyyy-mm-dd, that day included
+    std::string to;
+    std::string user;
+    std::string kind;          // 1 asked for, 2 closed, 3 done, 4 failed
+    std::string templateName;  // named in the text
+};
+
 struct CliOptions {
     CliCommand command = CliCommand::Window;
     std::string accountSet;        // --account-set
@@ -65,11 +74,13 @@ struct CliOptions {
     std::string version;          // history, restore: of a template
     std::optional<int> keepDays;  // history: the rule
     std::optional<int> keepVersions;
+    bool all = false;                   // check: every template
     bool deleted = false;               // history: of templates that are gone
     std::string sessionFolder;          // window --offscreen-session
     std::string exportFolder;           // export --all
     std::string excelVersion = "16.0";  // of the workbook server; "none": not installed
     GenerateOptions generate;
+    LogOptions log;
 };
 
 }  // namespace vicenter::host
