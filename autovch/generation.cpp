@@ -1,12 +1,15 @@
 #include "autovch/generation.h"
 
+#include <functional>
 #include <map>
 #include <optional>
+#include <vector>
 
 #include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "entry/single_line.h"
 #include "entry/sql_text.h"
+#include "platform/ado/side_by_side.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
@@ -35,18 +38,32 @@ struct Unreadable {};
 // Asks for each distinct detail id once within one generation.
 class ItemsTexts {
   public:
-    const std::string& Of(const std::string& detailId) {
-        const auto [found, isNew] = texts_.try_emplace(detailId);
-        if (isNew && !detailId.empty() && detailId != "0") {
-            const auto text = store::clsVIData().ItemsInfo(detailId);
-            if (!text) throw Unreadable();
-            found->second = *text;
+    // Asks what Of() will be asked for these lines, side by side where that pays.
+    void AskAhead(const ado::Recordset& vouchers) {
+        const std::string propsString = entry::GetPropsString();
+        if (!ado::PaysToAskSideBySide(propsString)) return;
+        const std::size_t field = vouchers.ColumnIndex("FItemsInfo");
+        std::vector<std::function<void()>> questions;
+        for (std::size_t row = 0; row < static_cast<std::size_t>(vouchers.RecordCount()); ++row) {
+            const std::string detailId = vouchers.ValueAt(row, field).ToTextOrEmpty();
+            const auto [found, isNew] = texts_.try_emplace(detailId, std::string());
+            if (!isNew || !HasItems(detailId)) continue;
+            std::optional<std::string>& text = found->second;
+            questions.emplace_back([&text, detailId] { text = store::clsVIData().ItemsInfo(detailId); });
         }
-        return found->second;
+        ado::AskSideBySide(propsString, questions);
+    }
+    const std::string& Of(const std::string& detailId) {
+        const auto [found, isNew] = texts_.try_emplace(detailId, std::string());
+        if (isNew && HasItems(detailId)) found->second = store::clsVIData().ItemsInfo(detailId);
+        if (!found->second) throw Unreadable();
+        return *found->second;
     }
 
   private:
-    std::map<std::string, std::string> texts_;
+    static bool HasItems(const std::string& detailId) { return !detailId.empty() && detailId != "0"; }
+
+    std::map<std::string, std::optional<std::string>> texts_;  // nothing: could not be read
 };
 
 // Why no template can be made under a name; none for one that it may have.
@@ -112,6 +129,7 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
         return {};
     }
     ItemsTexts items;
+    if (request.columns.contains(store::column::kItems)) items.AskAhead(*vouchers);
     std::string batch;
     GenerationResult result;
     try {

@@ -15,7 +15,8 @@ namespace vicenter::center {
 
 namespace {
 
-constexpr std::size_t kRowsPerReport = 500;  // rows between two steps of the progress panel
+constexpr std::size_t kRowsPerReport = 500;         // rows between two steps of the progress panel
+constexpr std::size_t kRowsAhead = kRowsPerReport;  // of which is asked at once what they will ask
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr const char* kProgressText = "正在粘贴，请稍后...";
 constexpr const char* kGapText = "请连续录入凭证模板分录！";
@@ -110,6 +111,28 @@ class BlockEditing::Entering {
     Entering& operator=(const Entering&) = delete;
     ~Entering() { state_.grid->SetReDraw(true); }
 
+    // Asks about the codes of so many rows from that one on before they are entered.
+    void AskAhead(const std::vector<int>& columns, const TextBlock& block, std::size_t first) {
+        std::vector<TypedCode> codes;
+        const std::size_t end = std::min(block.size(), first + kRowsAhead);
+        for (std::size_t row = first; row < end; ++row) {
+            for (std::size_t i = 0; i < std::min(columns.size(), block[row].size()); ++i) {
+                const int c = columns[i];
+                if (block[row][i].empty() || !IsLookUpColumn(c)) continue;
+                const TextReading reading = ReadCellText(c, block[row][i], TextOrigin::Given);
+                if (reading.verdict != TextVerdict::Taken) continue;
+                if (std::optional<TypedCode> code = CodeIn(c, reading.text))
+                    codes.push_back(std::move(*code));
+            }
+        }
+        records_.AskAhead(codes);
+    }
+    // Colours the rows that were entered since the last time.
+    void MarkEntered() {
+        MarkRows(*state_.grid, entered_, checks_);
+        entered_.clear();
+    }
+
     // As if the cells had been typed from left to right, each left by Tab.
     void EnterRow(int row, const std::vector<int>& columns, const std::vector<std::string>& texts) {
         EntryGrid& grid = *state_.grid;
@@ -154,7 +177,7 @@ class BlockEditing::Entering {
         }
         if (!anyKept) return;
         if (result.cells != before) ++result.rows;
-        MarkRow(grid, row, checks_);
+        entered_.push_back(row);
     }
 
     // All texts as they were, ids and what had been refused among them; `refusals` holds a verdict for each.
@@ -171,7 +194,7 @@ class BlockEditing::Entering {
             ++result.cells;
         }
         ++result.rows;
-        MarkRow(grid, row, checks_);
+        entered_.push_back(row);
     }
 
     void CopyCell(const CellAddress& from, const CellAddress& to) {
@@ -192,7 +215,7 @@ class BlockEditing::Entering {
                          std::string(grid.Text(from.row, column::kAccountName)));
         }
     }
-    void Mark(int row) { MarkRow(*state_.grid, row, checks_); }
+    void Entered(int row) { entered_.push_back(row); }
 
     PasteResult result;
 
@@ -201,6 +224,7 @@ class BlockEditing::Entering {
     UndoStep step_;
     CellChecks checks_;
     MasterRecords records_;
+    std::vector<int> entered_;  // not coloured yet
 };
 
 BlockEditing::BlockEditing(WindowState& state, std::function<void()> edited)
@@ -298,6 +322,10 @@ PasteResult BlockEditing::PasteTable(const CellAddress& at, TextBlock block) {
         int row = at.row;
         for (std::size_t i = 0; i < block.size(); ++i) {
             progress.Report(i);
+            if (i % kRowsAhead == 0) {
+                entering.MarkEntered();
+                entering.AskAhead(columns, block, i);
+            }
             // A blank line below the rows in use would leave a gap.
             if (IsBlank(block[i]) && row > state_.open.RowCount()) continue;
             if (row + 1 > grid.RowTotal()) {
@@ -307,6 +335,7 @@ PasteResult BlockEditing::PasteTable(const CellAddress& at, TextBlock block) {
             // A line of which nothing could be taken leaves no row behind.
             if (row <= state_.open.RowCount()) ++row;
         }
+        entering.MarkEntered();
         result = std::move(entering.result);
     }
     edited_();
@@ -324,8 +353,10 @@ PasteResult BlockEditing::PasteRows(int firstRow, const TextBlock& rows) {
         if (lastRow + 1 > grid.RowTotal()) grid.SetRowTotal(lastRow + 1);
         for (std::size_t i = 0; i < rows.size(); ++i) {
             progress.Report(i);
+            if (i % kRowsAhead == 0) entering.MarkEntered();
             entering.PutRow(firstRow + static_cast<int>(i), rows[i], rows[i].back());
         }
+        entering.MarkEntered();
         result = std::move(entering.result);
     }
     edited_();
@@ -362,6 +393,7 @@ PasteResult BlockEditing::FillSelection(const CellSelection& selection, const st
                 entering.EnterRow(row, columns, std::vector<std::string>(columns.size(), text));
             }
         }
+        entering.MarkEntered();
         KeepSpareRow();
         result = std::move(entering.result);
     }
@@ -403,8 +435,9 @@ void BlockEditing::FillDown(const CellSelection& selection) {
         }
         for (const RowRun& run : RowRuns(shown, *state_.grid)) {
             for (int row = run.first; row <= run.last; ++row)
-                entering.Mark(row);
+                entering.Entered(row);
         }
+        entering.MarkEntered();
         KeepSpareRow();
     }
     edited_();
@@ -430,8 +463,10 @@ void BlockEditing::DuplicateRows(const CellSelection& selection) {
             for (int row = run->first; row <= run->last; ++row) {
                 for (int c = 1; c <= kColumnCount; ++c)
                     entering.CopyCell({row, c}, {row + run->Count(), c});
-                entering.Mark(row + run->Count());
+                entering.Entered(row + run->Count());
             }
+            // Before the rows move again.
+            entering.MarkEntered();
         }
     }
     grid.SetActiveCell({runs.front().last + 1, std::max(1, grid.ActiveCell().column)});

@@ -85,11 +85,11 @@ bool CellChecks::IsValid(const EntryGrid& grid, int row, int check) {
     return valid;
 }
 
-void CellChecks::AskAhead(const EntryGrid& grid, int firstRow, int lastRow) {
+void CellChecks::AskAhead(const EntryGrid& grid, const std::vector<int>& rows) {
     const std::string propsString = entry::GetPropsString();
     if (!ado::PaysToAskSideBySide(propsString)) return;
     std::vector<std::function<void()>> questions;
-    for (int row = firstRow; row <= lastRow; ++row) {
+    for (const int row : rows) {
         for (int check = 1; check <= kCheckCount; ++check) {
             if (!Asks(grid, row, check)) continue;
             // Red until it is answered, as one that fails is.
@@ -119,8 +119,15 @@ void MarkRow(EntryGrid& grid, int row, CellChecks& checks) {
 }
 
 void MarkRows(EntryGrid& grid, int firstRow, int lastRow, CellChecks& checks) {
-    checks.AskAhead(grid, firstRow, lastRow);
+    std::vector<int> rows;
     for (int row = firstRow; row <= lastRow; ++row)
+        rows.push_back(row);
+    MarkRows(grid, rows, checks);
+}
+
+void MarkRows(EntryGrid& grid, const std::vector<int>& rows, CellChecks& checks) {
+    checks.AskAhead(grid, rows);
+    for (const int row : rows)
         MarkRow(grid, row, checks);
 }
 

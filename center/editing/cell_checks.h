@@ -8,6 +8,7 @@
 #include <array>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "center/grid/entry_grid.h"
 
@@ -28,7 +29,7 @@ class CellChecks {
   public:
     bool IsValid(const EntryGrid& grid, int row, int check);
     // Asks what the checks of these rows will ask, side by side where that pays.
-    void AskAhead(const EntryGrid& grid, int firstRow, int lastRow);
+    void AskAhead(const EntryGrid& grid, const std::vector<int>& rows);
 
   private:
     // False when no question is to be asked; key_ is the question's own then.
@@ -43,6 +44,7 @@ class CellChecks {
 // take.
 void MarkRow(EntryGrid& grid, int row, CellChecks& checks);
 void MarkRows(EntryGrid& grid, int firstRow, int lastRow, CellChecks& checks);
+void MarkRows(EntryGrid& grid, const std::vector<int>& rows, CellChecks& checks);
 // Colours the cells of one check.
 void MarkCells(EntryGrid& grid, int row, int check, CellChecks& checks);
 

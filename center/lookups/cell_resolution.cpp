@@ -1,8 +1,11 @@
 #include "center/lookups/cell_resolution.h"
 
+#include <functional>
 #include <string>
 
 #include "center/editing/cell_checks.h"
+#include "entry/host_context.h"
+#include "platform/ado/side_by_side.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 
@@ -64,6 +67,10 @@ void WriteFound(RowWriter& row, int gridColumn) {
     row.Put(spec.idColumn, spec.idField);
 }
 
+std::string KeyOf(int gridColumn, const std::string& number) {
+    return std::to_string(gridColumn) + ":" + number;
+}
+
 bool OnlySeparators(std::string_view text) {
     return !text.empty() && text.find_first_not_of(',') == std::string_view::npos;
 }
@@ -75,14 +82,37 @@ bool IsLookUpColumn(int gridColumn) {
     return lookUp != store::LookUp::None && lookUp != store::LookUp::Items;
 }
 
+std::optional<TypedCode> CodeIn(int gridColumn, std::string_view text) {
+    const std::string_view trimmed = system::TrimBlanks(text);
+    if (trimmed.empty() || !IsLookUpColumn(gridColumn)) return std::nullopt;
+    return TypedCode{gridColumn, std::string(trimmed)};
+}
+
+MasterAnswer MasterRecords::Ask(int gridColumn, const std::string& number) {
+    const ado::RecordsetRef found = store::clsVIData().GetItemInfoByNumber(gridColumn, number);
+    MasterAnswer answer;
+    answer.wasRead = found != nullptr;
+    if (found != nullptr && found->RecordCount() >= 1) answer.record = found;
+    return answer;
+}
+
 const MasterAnswer& MasterRecords::Find(int gridColumn, const std::string& number) {
-    const auto [at, isNew] = answers_.try_emplace(std::to_string(gridColumn) + ":" + number);
-    if (isNew) {
-        const ado::RecordsetRef found = store::clsVIData().GetItemInfoByNumber(gridColumn, number);
-        at->second.wasRead = found != nullptr;
-        if (found != nullptr && found->RecordCount() >= 1) at->second.record = found;
-    }
+    const auto [at, isNew] = answers_.try_emplace(KeyOf(gridColumn, number));
+    if (isNew) at->second = Ask(gridColumn, number);
     return at->second;
+}
+
+void MasterRecords::AskAhead(const std::vector<TypedCode>& codes) {
+    const std::string propsString = entry::GetPropsString();
+    if (!ado::PaysToAskSideBySide(propsString)) return;
+    std::vector<std::function<void()>> questions;
+    for (const TypedCode& code : codes) {
+        const auto [at, isNew] = answers_.try_emplace(KeyOf(code.gridColumn, code.number));
+        if (!isNew) continue;
+        MasterAnswer& answer = at->second;
+        questions.emplace_back([&answer, &code] { answer = Ask(code.gridColumn, code.number); });
+    }
+    ado::AskSideBySide(propsString, questions);
 }
 
 std::string UnreadableText(std::string_view what) {
@@ -104,8 +134,9 @@ Resolution ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& 
         grid.SetText(cell.row, cell.column, {});
         return Resolution::Done;
     }
-    if (!IsLookUpColumn(cell.column)) return Resolution::Done;
-    const MasterAnswer& answer = records.Find(cell.column, text);
+    const std::optional<TypedCode> code = CodeIn(cell.column, text);
+    if (!code) return Resolution::Done;
+    const MasterAnswer& answer = records.Find(code->gridColumn, code->number);
     if (!answer.wasRead) return Resolution::Unreadable;
     if (verdict == TextVerdict::NotLookedUp) {
         grid.SetText(cell.row, cell.column, std::string(grid.Text(cell.row, cell.column)));
@@ -129,17 +160,28 @@ std::optional<CellAddress> AskAgain(EntryGrid& grid, int rowCount) {
     MasterRecords records;
     CellChecks checks;
     std::optional<CellAddress> unread;
+    std::vector<TypedCode> codes;
     for (int row = 1; row <= rowCount; ++row) {
-        bool asked = false;
         for (int c = 1; c <= kColumnCount; ++c) {
             if (grid.Refusal(row, c) != TextVerdict::NotLookedUp) continue;
-            asked = true;
+            if (std::optional<TypedCode> code = CodeIn(c, grid.Text(row, c)))
+                codes.push_back(std::move(*code));
+        }
+    }
+    records.AskAhead(codes);
+    std::vector<int> asked;
+    for (int row = 1; row <= rowCount; ++row) {
+        bool any = false;
+        for (int c = 1; c <= kColumnCount; ++c) {
+            if (grid.Refusal(row, c) != TextVerdict::NotLookedUp) continue;
+            any = true;
             const bool still = ResolveCell(grid, {row, c}, records) == Resolution::Unreadable;
             // An explanation is stored as it stands; behind the others there is an id.
             if (still && !unread && c != column::kExplanation) unread = {row, c};
         }
-        if (asked) MarkRow(grid, row, checks);
+        if (any) asked.push_back(row);
     }
+    MarkRows(grid, asked, checks);
     return unread;
 }
 

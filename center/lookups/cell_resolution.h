@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "center/grid/entry_grid.h"
 #include "platform/ado/recordset.h"
@@ -18,12 +19,24 @@ struct MasterAnswer {
     ado::RecordsetRef record;  // the matching record as the current one; none when there is none
 };
 
+// A typed number and the column that it stands in.
+struct TypedCode {
+    int gridColumn = 0;
+    std::string number;
+};
+// What ResolveCell asks about a text of that column; nothing where it asks nothing.
+std::optional<TypedCode> CodeIn(int gridColumn, std::string_view text);
+
 // Master records by column and typed number. Remembers its answers for its own lifetime, one command.
 class MasterRecords {
   public:
     const MasterAnswer& Find(int gridColumn, const std::string& number);
+    // Asks what Find will be asked, side by side where that pays.
+    void AskAhead(const std::vector<TypedCode>& codes);
 
   private:
+    static MasterAnswer Ask(int gridColumn, const std::string& number);
+
     std::unordered_map<std::string, MasterAnswer> answers_;
 };
 

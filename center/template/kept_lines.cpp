@@ -104,8 +104,8 @@ void KeptLines::PutAsTyped() {
             const auto at = static_cast<std::size_t>(c - 1);
             grid.RestoreText(row, c, line.texts[at], line.refusals[at]);
         }
-        MarkRow(grid, row, checks);
     }
+    MarkRows(grid, 1, rows, checks);
     grid.SetReDraw(true);
     state_.open.TakeRows(kept);
 }

@@ -1,10 +1,12 @@
 #include "host/cli/line_input.h"
 
-#include <map>
+#include <array>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "automation/error.h"
 #include "center/editing/cell_rules.h"
@@ -13,7 +15,6 @@
 #include "entry/single_line.h"
 #include "host/cli/templates.h"
 #include "platform/system/utf8.h"
-#include "store/cls_vi_data.h"
 #include "store/column_room.h"
 
 namespace vicenter::host {
@@ -116,6 +117,20 @@ std::string ReadCell(const center::ColumnSpec& spec, const Variant& value, std::
 // Asks for each code once.
 class IdResolver {
   public:
+    // Asks what Resolve will ask about all of these, side by side where that pays.
+    void AskAhead(const std::vector<Texts>& lines) {
+        std::vector<center::TypedCode> codes;
+        for (const Texts& texts : lines) {
+            for (const int c :
+                 {column::kAccountNumber, column::kSettleName, column::kCurrencyName, column::kUnitName}) {
+                const int idColumn =
+                    c == column::kAccountNumber ? column::kAccountId : center::Column(c).idColumn;
+                if (!TextAt(texts, idColumn).empty()) continue;
+                if (auto code = center::CodeIn(c, TextAt(texts, c))) codes.push_back(std::move(*code));
+            }
+        }
+        records_.AskAhead(codes);
+    }
     // As leaving the cell would: the id, and the name where the code stands for it.
     void Resolve(Texts& texts) {
         ResolveAccount(texts);
@@ -124,52 +139,48 @@ class IdResolver {
     }
 
   private:
-    struct Record {
-        bool found = false;
-        std::string id;
-        std::string name;
-    };
-
+    static const std::string& TextAt(const Texts& texts, int gridColumn) {
+        return texts[static_cast<std::size_t>(gridColumn - 1)];
+    }
     static std::string& At(Texts& texts, int gridColumn) {
         return texts[static_cast<std::size_t>(gridColumn - 1)];
     }
 
     void ResolveAccount(Texts& texts) {
         if (!At(texts, column::kAccountId).empty()) return;
-        const Record& account = Find(column::kAccountNumber, At(texts, column::kAccountNumber));
-        if (!account.found) return;
-        At(texts, column::kAccountId) = account.id;
-        if (At(texts, column::kAccountName).empty()) At(texts, column::kAccountName) = account.name;
+        const ado::RecordsetRef account = Find(column::kAccountNumber, At(texts, column::kAccountNumber));
+        if (!account) return;
+        At(texts, column::kAccountId) = IdIn(*account, column::kAccountNumber);
+        if (At(texts, column::kAccountName).empty()) At(texts, column::kAccountName) = NameIn(*account);
     }
 
     void ResolveNamed(Texts& texts, int nameColumn) {
         const int idColumn = center::Column(nameColumn).idColumn;
         if (!At(texts, idColumn).empty()) return;
-        const Record& record = Find(nameColumn, At(texts, nameColumn));
-        if (!record.found) return;
-        At(texts, idColumn) = record.id;
-        At(texts, nameColumn) = record.name;
+        const ado::RecordsetRef record = Find(nameColumn, At(texts, nameColumn));
+        if (!record) return;
+        At(texts, idColumn) = IdIn(*record, nameColumn);
+        At(texts, nameColumn) = NameIn(*record);
     }
 
-    const Record& Find(int gridColumn, const std::string& code) {
-        static const Record kNone;
-        const std::string_view trimmed = system::TrimBlanks(code);
-        if (trimmed.empty()) return kNone;
-        const auto [place, isNew] = known_.try_emplace({gridColumn, std::string(trimmed)});
-        if (!isNew) return place->second;
-        const ado::RecordsetRef rows =
-            store::clsVIData().GetItemInfoByNumber(gridColumn, std::string(trimmed));
+    static std::string IdIn(const ado::Recordset& record, int gridColumn) {
+        return record.Value(center::Column(gridColumn).idField).ToTextOrEmpty();
+    }
+    static std::string NameIn(const ado::Recordset& record) { return record.Value("FName").ToTextOrEmpty(); }
+
+    // No record for a code that nobody knows.
+    ado::RecordsetRef Find(int gridColumn, const std::string& text) {
+        const std::optional<center::TypedCode> code = center::CodeIn(gridColumn, text);
+        if (!code) return nullptr;
+        const center::MasterAnswer& answer = records_.Find(gridColumn, code->number);
         // What cannot be read is not taken for a code that nobody knows: the line would be saved without it.
-        if (rows == nullptr) {
-            throw Error(automation::error_number::kElementNotFound, center::UnreadableText(trimmed));
+        if (!answer.wasRead) {
+            throw Error(automation::error_number::kElementNotFound, center::UnreadableText(code->number));
         }
-        if (rows->RecordCount() < 1) return place->second;
-        place->second = {true, rows->Value(center::Column(gridColumn).idField).ToTextOrEmpty(),
-                         rows->Value("FName").ToTextOrEmpty()};
-        return place->second;
+        return answer.record;
     }
 
-    std::map<std::pair<int, std::string>, Record> known_;
+    center::MasterRecords records_;
 };
 
 const Dictionary* AsObject(const Variant& value) {
@@ -218,11 +229,15 @@ int ReadLines(const Variant& document, center::EntryGrid& grid) {
         throw Error(automation::error_number::kInvalidProcedureCall, "应为 {\"lines\":[…]}。");
     const VariantArray& list = lines->AsArray();
     grid.Clear(static_cast<int>(list.size()) + 2);
+    std::vector<Texts> read;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        read.push_back(ReadLine(list[i], i + 1));
     IdResolver resolver;
-    for (std::size_t i = 0; i < list.size(); ++i) {
-        Texts texts = ReadLine(list[i], i + 1);
+    resolver.AskAhead(read);
+    int row = 0;
+    for (Texts& texts : read) {
         resolver.Resolve(texts);
-        grid.FillRow(static_cast<int>(i) + 1, texts);
+        grid.FillRow(++row, texts);
     }
     return static_cast<int>(list.size());
 }

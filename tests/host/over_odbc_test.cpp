@@ -17,6 +17,7 @@
 #include "platform/system/files.h"
 #include "tests/host/cli_script.h"
 #include "tests/host/demo_set.h"
+#include "tests/lanes/odbc_patience.h"
 #include "tests/lanes/real_server.h"
 #include "tests/paths/source_folder.h"
 #include "tests/tds_server/server.h"
@@ -124,6 +125,8 @@ class AccountSetOnTestServer : public AccountSetOnServer {
     void SetUp() override {
         if (lanes::RealServer()) GTEST_SKIP() << "asks the test server itself";
     }
+    // However slowly this machine runs, no kept connection is asked whether it still lives.
+    const lanes::OdbcPatience patience_;
 };
 
 TEST_F(AccountSetOnServer, IsMadeOnceAndCompletedAfterwards) {
