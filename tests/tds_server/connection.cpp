@@ -329,6 +329,12 @@ void ServerConnection::RunBatch(const std::string& text, bool inCall) {
         packets_.Flush();
         return;
     }
+    if (const auto tokens = behaviour_.AnswersInstead(text)) {
+        packets_.Put(*tokens);
+        packets_.Flush();
+        if (behaviour_.CutsBehindAnswer()) throw LineClosed();
+        return;
+    }
     if (const FixedAnswer* answer = server_.FindAnswer(text)) return RunFixedAnswer(*answer);
     if (RunServerStatement(text)) return;
     Retelling retelling(*this, inCall);

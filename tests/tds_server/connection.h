@@ -40,6 +40,11 @@ class ServerConnection {
         std::optional<tsql::Diagnostic> RefusesBatch(std::string_view text) override {
             return server_.Behaviour()->RefusesBatch(text);
         }
+        std::optional<std::string> AnswersInstead(std::string_view text) override {
+            return server_.Behaviour()->AnswersInstead(text);
+        }
+        bool CutsBehindAnswer() override { return server_.Behaviour()->CutsBehindAnswer(); }
+        void Sends(std::string_view tokens) override { server_.Behaviour()->Sends(tokens); }
         int DelayMilliseconds() override { return server_.Behaviour()->DelayMilliseconds(); }
         bool IsDeafToLogins() override { return server_.Behaviour()->IsDeafToLogins(); }
         bool IsDeafToBatches() override { return server_.Behaviour()->IsDeafToBatches(); }

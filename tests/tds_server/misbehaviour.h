@@ -8,9 +8,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tsql/base/diagnostic.h"
 
@@ -31,6 +33,11 @@ class Misbehaviour {
     virtual std::optional<tsql::Diagnostic> RefusesLogin() { return std::nullopt; }
     // An error instead of running a batch.
     virtual std::optional<tsql::Diagnostic> RefusesBatch(std::string_view /*text*/) { return std::nullopt; }
+    // The tokens of a reply that was made up, and whether the line is cut behind them.
+    virtual std::optional<std::string> AnswersInstead(std::string_view /*text*/) { return std::nullopt; }
+    virtual bool CutsBehindAnswer() { return false; }
+    // What leaves, packet by packet without their heads.
+    virtual void Sends(std::string_view /*tokens*/) {}
     // How long a batch lets wait for its answer; an attention ends the waiting.
     virtual int DelayMilliseconds() { return 0; }
     // Asked at each login and each batch: it is not answered, whatever else comes, as behind a line that
@@ -116,6 +123,41 @@ class FailBatch final : public Misbehaviour {
   private:
     std::atomic<int> left_;
     std::int32_t number_;
+};
+
+// Answers one batch with any bytes.
+class AnswerWith final : public Misbehaviour {
+  public:
+    enum class Line { kStays, kIsCut };
+    AnswerWith(std::string batch, std::string tokens, Line line)
+        : batch_(std::move(batch)), tokens_(std::move(tokens)), line_(line) {}
+    std::optional<std::string> AnswersInstead(std::string_view text) override {
+        if (text != batch_) return std::nullopt;
+        return tokens_;
+    }
+    bool CutsBehindAnswer() override { return line_ == Line::kIsCut; }
+
+  private:
+    std::string batch_;
+    std::string tokens_;
+    Line line_;
+};
+
+// Behaves, and writes down what it sends.
+class Recorded final : public Misbehaviour {
+  public:
+    void Sends(std::string_view tokens) override {
+        const std::lock_guard lock(mutex_);
+        sent_ += tokens;
+    }
+    std::string Take() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(sent_, {});
+    }
+
+  private:
+    std::mutex mutex_;
+    std::string sent_;
 };
 
 }  // namespace vicenter::tds_server

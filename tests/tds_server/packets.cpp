@@ -85,6 +85,7 @@ void Packets::Send(bool last, std::string_view payload) {
         Cut();
         throw LineClosed();
     }
+    misbehaviour_.Sends(payload);
     const std::size_t length = payload.size() + kHeader;
     std::string packet;
     packet += static_cast<char>(PacketType::kReply);
