@@ -1,6 +1,7 @@
 #include <ostream>
 
 #include "host/cli/context.h"
+#include "platform/ado/passwords.h"
 
 namespace vicenter::host {
 
@@ -41,7 +42,8 @@ int FinishWriting(const CliContext& context, const store::TemplateOutcome& outco
 }
 
 int Fail(const CliContext& context, const std::string& text) {
-    context.streams.err << "vicenter: " << text << "\n";
+    // A connect string that was taken for something else must not show what it holds.
+    context.streams.err << "vicenter: " << ado::PasswordsHidden(text) << "\n";
     return kExitFailed;
 }
 

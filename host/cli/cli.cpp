@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <new>
 #include <regex>
+#include <sstream>
 #include <system_error>
 
 #include <CLI/CLI.hpp>
@@ -15,6 +16,7 @@
 #include "host/cli/console.h"
 #include "host/cli/context.h"
 #include "host/components/components.h"
+#include "platform/ado/passwords.h"
 #include "platform/office/excel_server.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
@@ -72,7 +74,9 @@ class CommandLine {
             app_.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
             return std::nullopt;
         } catch (const CLI::ParseError& error) {
-            const int code = app_.exit(error, streams.out, streams.err);
+            std::ostringstream said;
+            const int code = app_.exit(error, streams.out, said);
+            streams.err << ado::PasswordsHidden(said.str());
             return code == 0 ? kExitDone : kExitWrongUse;
         }
     }

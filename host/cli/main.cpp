@@ -1,13 +1,16 @@
 // The program vicenter.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "host/cli/cli.h"
+#include "platform/ado/passwords.h"
 #include "platform/system/program.h"
 
 #ifdef VICENTER_HAS_WINDOWS
@@ -36,6 +39,14 @@ void OnTerminate() {
     std::abort();
 }
 
+// Whoever may list processes sees their arguments: passwords among them are written over.
+void HideFromProcessList(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        for (const vicenter::ado::TextRange& range : vicenter::ado::PasswordsIn(argv[i]))
+            std::fill(argv[i] + range.begin, argv[i] + range.end, '*');
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -48,6 +59,7 @@ int main(int argc, char** argv) {
     };
 #endif
     const vicenter::system::StandardStreams streams;
-    return vicenter::host::RunCli(vicenter::system::ProgramArguments(argc, argv),
-                                  {std::cin, std::cout, std::cerr}, hooks);
+    const std::vector<std::string> arguments = vicenter::system::ProgramArguments(argc, argv);
+    HideFromProcessList(argc, argv);
+    return vicenter::host::RunCli(arguments, {std::cin, std::cout, std::cerr}, hooks);
 }

@@ -13,6 +13,7 @@
 #include "entry/host_context.h"
 #include "entry/names.h"
 #include "platform/ado/connection.h"
+#include "platform/ado/passwords.h"
 #include "platform/system/file_names.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
@@ -61,7 +62,8 @@ std::vector<Place> Places() {
             places.push_back({file.parent_path(), system::PathToUtf8(file.filename())});
         }
         const fs::path data = system::PathFromUtf8(system::Surroundings::Current().folders->UserData());
-        places.push_back({data / "drafts", std::to_string(std::hash<std::string>()(connect))});
+        places.push_back(
+            {data / "drafts", std::to_string(std::hash<std::string>()(ado::WithoutPassword(connect)))});
     } catch (const Error&) {
         // A host without a property string has no account set to draft for.
     } catch (const std::exception&) {

@@ -151,7 +151,9 @@ class SettingsReader {
         ReadPairs(ConnectString(connectString));
         if (!port_.empty() && settings_.server.find(',') == std::string::npos)
             settings_.server += "," + port_;
-        if (settings_.server.empty() && settings_.dataSourceName.empty())
+        // A driver for something else knows where that is.
+        const bool isOther = !settings_.driver.empty() && DriverRank(settings_.driver) == 0;
+        if (settings_.server.empty() && settings_.dataSourceName.empty() && !isOther)
             Refuse("连接字符串没有指定服务器（Data Source）。");
         return std::move(settings_);
     }
@@ -160,6 +162,7 @@ class SettingsReader {
     void ReadPairs(const ConnectString& text) {
         // A driver that is named knows keywords of its own.
         const bool named = text.Has("Driver") || text.Has("DSN") || inExtended_;
+        bool behindPassword = false;
         for (const auto& [keyword, value] : text.Pairs()) {
             const Keyword* known = nullptr;
             for (const Keyword& candidate : kKeywords) {
@@ -169,9 +172,13 @@ class SettingsReader {
                 Set(known->key, keyword, value);
             } else if (named) {
                 settings_.more.emplace_back(keyword, value);
+            } else if (behindPassword) {
+                // It may be a part of the password.
+                Refuse("连接字符串中密码之后的内容无法识别；密码中有分号时，请把密码放在引号中。");
             } else {
                 Refuse("连接字符串中有不认识的关键字：" + keyword);
             }
+            behindPassword = known != nullptr && known->key == Key::kPassword;
         }
     }
 

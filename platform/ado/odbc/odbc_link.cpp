@@ -6,6 +6,7 @@
 #include "automation/error.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/ado/odbc/odbc_result.h"
+#include "platform/ado/passwords.h"
 
 namespace vicenter::ado {
 
@@ -34,8 +35,9 @@ std::string ChosenDriver(const OdbcSettings& settings) {
     throw Error(error_number::kProviderNotFound, NoOdbcDriverText(), kSource);
 }
 
-// What a driver says of its connect string may repeat it.
+// What a driver says of its connect string may repeat it, as it was given or as it was quoted for the driver.
 void HidePassword(std::string& text, const std::string& password) {
+    text = PasswordsHidden(text);
     if (password.empty()) return;
     for (std::size_t at = text.find(password); at != std::string::npos; at = text.find(password, at + 3))
         text.replace(at, password.size(), "***");

@@ -56,6 +56,19 @@ TEST(OdbcConnectStringTest, QuotesInBothWorlds) {
     EXPECT_EQ(ReadOdbcSettings("Driver={FreeTDS};Server=h;PWD={a}}b}").password, "a}b");
 }
 
+TEST(OdbcConnectStringTest, NeverNamesAPieceOfAPasswordAsAKeyword) {
+    // Not quoted, as somebody may write it.
+    const std::string said = Refused("Provider=SQLOLEDB;Data Source=h;User ID=u;Password=ab;Geheim1=c");
+    EXPECT_EQ(said, "连接字符串中密码之后的内容无法识别；密码中有分号时，请把密码放在引号中。");
+    EXPECT_EQ(Refused("Provider=SQLOLEDB;Data Source=h;Password=ab;User ID=u;Geheim1=c"),
+              "连接字符串中有不认识的关键字：Geheim1");
+}
+
+TEST(OdbcConnectStringTest, ADriverForSomethingElseNeedsNoServer) {
+    EXPECT_EQ(Refused("Driver={SQLite3};Database=a.db"), "not refused");
+    EXPECT_NE(Refused("Driver={FreeTDS};Database=a"), "not refused");
+}
+
 TEST(OdbcConnectStringTest, KnowsThisMachineByAllItsNames) {
     EXPECT_EQ(ReadOdbcSettings("Provider=SQLOLEDB;Data Source=.").server, "localhost");
     EXPECT_EQ(ReadOdbcSettings("Provider=SQLOLEDB;Data Source=(local)\\X").server, "localhost\\X");
