@@ -1,6 +1,7 @@
 #include "platform/ado/odbc/odbc_link.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 
 #include "automation/error.h"
@@ -43,6 +44,20 @@ void HidePassword(std::string& text, const std::string& password) {
         text.replace(at, password.size(), "***");
 }
 
+// A driver without wide entry points gets what the driver manager makes of a text, which may be the lower
+// half of each character. This one is sent no further than to the driver, and has to come back as it was.
+bool CarriesEveryCharacter(SQLHANDLE line) {
+    std::u16string text = u"select N'中文'";
+    std::array<SQLWCHAR, 64> native{};
+    SQLINTEGER length = 0;
+    const SQLRETURN code =
+        SQLNativeSqlW(line, reinterpret_cast<SQLWCHAR*>(text.data()), static_cast<SQLINTEGER>(text.size()),
+                      native.data(), static_cast<SQLINTEGER>(native.size()), &length);
+    if (!SQL_SUCCEEDED(code)) return true;
+    return OdbcNarrow(native.data(), std::min(native.size(), static_cast<std::size_t>(length))) ==
+           "select N'中文'";
+}
+
 bool IsMissingDriver(const DriverError& record) {
     return record.sqlState == "IM002" || record.sqlState == "IM003" ||
            record.text.find("Can't open lib") != std::string::npos;
@@ -74,6 +89,13 @@ OdbcLink::OdbcLink(const OdbcSettings& settings, std::vector<DriverError>& error
         std::vector<DriverError> second;
         code = Connect(settings, driver, settings.failoverPartner, second);
         if (SQL_SUCCEEDED(code)) errors = std::move(second);
+    }
+    if (SQL_SUCCEEDED(code) && !CarriesEveryCharacter(line_.Get())) {
+        SQLDisconnect(line_.Get());
+        throw Error(
+            error_number::kProviderError,
+            "ODBC 驱动程序“" + driver + "”不能传送中文（没有 Unicode 接口），请改用 Unicode 版本的驱动程序。",
+            kSource);
     }
     if (SQL_SUCCEEDED(code) && settings.lockMilliseconds >= 0 &&
         !Did("set lock_timeout " + std::to_string(settings.lockMilliseconds), errors)) {
