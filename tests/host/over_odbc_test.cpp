@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <regex>
+#include <set>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -280,6 +282,55 @@ TEST_F(AccountSetOnTestServer, ACommandCostsFewTrips) {
           std::pair{"generate", generate}, std::pair{"export", exporting}, std::pair{"import", import}}) {
         const std::string row = "| `" + std::string(name) + "` | " + std::to_string(count) + " |";
         EXPECT_NE(page.find(row), std::string::npos) << row;
+    }
+}
+
+// The tables that a batch writes to, each with how: "insert t_Log".
+std::set<std::string> WrittenBy(const std::vector<std::string>& batches) {
+    static const std::regex kWrites(R"(\b(insert|update|delete)\s+(?:into\s+|from\s+)?([A-Za-z_]\w*))",
+                                    std::regex::icase);
+    std::set<std::string> written;
+    for (const std::string& batch : batches) {
+        for (std::sregex_iterator at(batch.begin(), batch.end(), kWrites), end; at != end; ++at) {
+            std::string verb = (*at)[1];
+            std::transform(verb.begin(), verb.end(), verb.begin(),
+                           [](char c) { return static_cast<char>(c | 0x20); });
+            if ((*at)[2].str().starts_with("t_")) written.insert(verb + " " + (*at)[2].str());
+        }
+    }
+    return written;
+}
+
+TEST_F(AccountSetOnTestServer, NothingIsWrittenBeyondTheRightsOfThePage) {
+    const std::string connect = served_.Serve(test::CopySet(folder_));
+    const std::string book = folder_.Path("a.xlsx");
+    const auto run = [&](std::vector<std::string> arguments, const std::string& input = {}) {
+        arguments.insert(arguments.begin(), {"--connect", connect, "--yes"});
+        const Answer answer = Vicenter(arguments, input);
+        EXPECT_EQ(answer.exitCode, 0) << answer.errors;
+        return answer.output;
+    };
+    served_.Server().ForgetBatches();
+    const std::string lines = run({"--json", "show", "日常费用"});
+    run({"new"});
+    run({"rename", "自定义模板(1)", "权限二"});
+    run({"save", "权限二"}, lines);
+    run({"export", "权限二", book});
+    run({"import", book});
+    run({"generate", "--name", "生成", "--year", "2026", "--period", "10"});
+    run({"generate", "--name", "生成", "--year", "2026", "--period", "9"});
+    run({"delete", "权限二"});
+    run({"log"});
+    const std::set<std::string> written = WrittenBy(served_.Server().Batches());
+    EXPECT_GE(written.size(), 8U);
+    const std::string page = ReadFile(testing_paths::SourceFolder() / "docs" / "sql-server.md");
+    for (const std::string& right : written) {
+        const std::string verb = right.substr(0, right.find(' '));
+        const std::string table = right.substr(verb.size() + 1);
+        const std::size_t end = page.find(" on " + table + " to vicenter_role");
+        ASSERT_NE(end, std::string::npos) << right;
+        const std::size_t begin = page.rfind("grant ", end);
+        EXPECT_NE(page.substr(begin, end - begin).find(verb), std::string::npos) << right;
     }
 }
 

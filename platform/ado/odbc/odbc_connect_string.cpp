@@ -311,8 +311,12 @@ std::string DriverConnectString(const OdbcSettings& settings, const std::string&
     if (freeTds) {
         if (!IsSaid(settings.more, "TDS_Version")) text += "TDS_Version=7.4;";
         if (!IsSaid(settings.more, "ClientCharset")) text += "ClientCharset=UTF-8;";
+        if (SameName(settings.encrypt, "strict")) {
+            // It would be less than was asked for.
+            Refuse("FreeTDS 驱动程序不支持 Encrypt=strict，请改用 Encrypt=yes 或厂商的驱动程序。");
+        }
         if (SameName(settings.encrypt, "yes") || SameName(settings.encrypt, "true") ||
-            SameName(settings.encrypt, "mandatory") || SameName(settings.encrypt, "strict")) {
+            SameName(settings.encrypt, "mandatory")) {
             text += "Encryption=require;";
         }
     } else {

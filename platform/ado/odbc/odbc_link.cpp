@@ -63,7 +63,7 @@ bool IsMissingDriver(const DriverError& record) {
            record.text.find("Can't open lib") != std::string::npos;
 }
 
-std::string ConnectFailure(const std::vector<DriverError>& errors) {
+std::string ConnectFailure(const std::vector<DriverError>& errors, [[maybe_unused]] bool trusted) {
     std::string reason;
     for (const DriverError& record : errors) {
         if (IsMissingDriver(record)) return NoOdbcDriverText() + "\n" + record.text;
@@ -74,7 +74,17 @@ std::string ConnectFailure(const std::vector<DriverError>& errors) {
             break;
         }
     }
-    return "不能连接到数据库服务器：" + reason;
+    std::string text = "不能连接到数据库服务器：" + reason;
+#ifndef _WIN32
+    // The driver itself says little more than that it could not.
+    if (trusted) {
+        text +=
+            "\n集成验证（Integrated Security）使用当前用户的 Kerberos 票据：请先用 kinit 取得票据，或改用 "
+            "User ID "
+            "和 Password。";
+    }
+#endif
+    return text;
 }
 
 }  // namespace
@@ -107,7 +117,7 @@ OdbcLink::OdbcLink(const OdbcSettings& settings, std::vector<DriverError>& error
     }
     for (DriverError& record : errors)
         HidePassword(record.text, settings.password);
-    throw Error(error_number::kProviderError, ConnectFailure(errors), kSource);
+    throw Error(error_number::kProviderError, ConnectFailure(errors, settings.trusted), kSource);
 }
 
 OdbcLink::~OdbcLink() {

@@ -216,6 +216,19 @@ TEST_F(MisbehaviourTest, ARefusedLoginSaysWhatTheServerSaid) {
     }
 }
 
+#ifndef _WIN32
+TEST_F(MisbehaviourTest, IntegratedSecurityWithoutATicketSaysWhatItNeeds) {
+    // Whatever ticket this machine may have is not for this server.
+    try {
+        ado::OpenConnection("Provider=SQLOLEDB;Integrated Security=SSPI;Initial Catalog=books;Data Source=" +
+                            books_.Server().Address());
+        ADD_FAILURE();
+    } catch (const Error& error) {
+        EXPECT_THAT(error.Text(), HasSubstr("kinit"));
+    }
+}
+#endif
+
 TEST_F(MisbehaviourTest, APartnerStandsInForAServerThatIsGone) {
     const std::string gone =
         "Provider=SQLOLEDB;User ID=sa;Password=\"" + std::string(tds_server::Server::kPassword) +

@@ -47,6 +47,12 @@ TEST(OdbcConnectStringTest, SpeaksEachDriversLanguage) {
               "DSN=books;ClientCharset=UTF-8;TDS_Version=7.3;UID=u;");
 }
 
+TEST(OdbcConnectStringTest, FreeTdsIsNotAskedForLessThanTheHostWants) {
+    EXPECT_THROW(Made("Provider=MSOLEDBSQL19;Data Source=h;Encrypt=Strict", "FreeTDS"), automation::Error);
+    EXPECT_EQ(Made("Provider=MSOLEDBSQL19;Data Source=h;Encrypt=Strict;UID=u"),
+              "DRIVER={ODBC Driver 18 for SQL Server};SERVER=h;Encrypt=Strict;UID=u;");
+}
+
 TEST(OdbcConnectStringTest, QuotesInBothWorlds) {
     const std::string host = "Provider=SQLOLEDB;Data Source=h;User ID=u;Password=\"a;\"\"b}'{c\"";
     EXPECT_EQ(ReadOdbcSettings(host).password, "a;\"b}'{c");
