@@ -43,6 +43,7 @@ int ReadNumber(const std::string& keyword, const std::string& value) {
 }
 
 enum class Key {
+    kProvider,
     kDriver,
     kDataSourceName,
     kServer,
@@ -73,7 +74,7 @@ struct Keyword {
 };
 
 constexpr Keyword kKeywords[] = {
-    {"Provider", Key::kNothing},
+    {"Provider", Key::kProvider},
     {"Driver", Key::kDriver},
     {"DSN", Key::kDataSourceName},
     {"Data Source", Key::kServer},
@@ -184,6 +185,9 @@ class SettingsReader {
 
     void Set(Key key, const std::string& keyword, const std::string& value) {
         switch (key) {
+            case Key::kProvider:
+                settings_.provider = value;
+                break;
             case Key::kDriver:
                 settings_.driver = value;
                 break;
@@ -212,8 +216,10 @@ class SettingsReader {
                 settings_.trusted = ReadYes(keyword, value);
                 break;
             case Key::kEncrypt:
-                // Later drivers know more words than yes and no.
+                // Later drivers know more words than these, and drivers of ODBC not all of OLE DB's.
                 settings_.encrypt = value;
+                if (SameName(value, "true") || value == "1") settings_.encrypt = "yes";
+                if (SameName(value, "false") || value == "0") settings_.encrypt = "no";
                 break;
             case Key::kTrustCertificate:
                 settings_.trustCertificate = ReadYes(keyword, value) ? "yes" : "no";
@@ -281,6 +287,18 @@ std::string Quoted(const std::string& value, bool freeTds) {
     return quoted + "}";
 }
 
+// Hosts that say nothing of encryption have not asked for it, as long as their provider did not either; the
+// driver of that time would not now.
+bool MeansUnencrypted(const OdbcSettings& settings, const std::string& driver) {
+    constexpr int kFirstToEncrypt = 1180;
+    if (!settings.encrypt.empty() || DriverRank(driver) < kFirstToEncrypt) return false;
+    for (const std::string_view provider : {"SQLOLEDB", "SQLNCLI", "MSOLEDBSQL"}) {
+        const std::string_view named = std::string_view(settings.provider).substr(0, provider.size());
+        if (SameName(named, provider)) return !SameName(settings.provider.substr(0, 12), "MSOLEDBSQL19");
+    }
+    return false;
+}
+
 bool IsSaid(const std::vector<std::pair<std::string, std::string>>& pairs, std::string_view keyword) {
     for (const auto& pair : pairs) {
         if (SameName(pair.first, keyword)) return true;
@@ -315,12 +333,11 @@ std::string DriverConnectString(const OdbcSettings& settings, const std::string&
             // It would be less than was asked for.
             Refuse("FreeTDS 驱动程序不支持 Encrypt=strict，请改用 Encrypt=yes 或厂商的驱动程序。");
         }
-        if (SameName(settings.encrypt, "yes") || SameName(settings.encrypt, "true") ||
-            SameName(settings.encrypt, "mandatory")) {
+        if (SameName(settings.encrypt, "yes") || SameName(settings.encrypt, "mandatory")) {
             text += "Encryption=require;";
         }
     } else {
-        add("Encrypt", settings.encrypt);
+        add("Encrypt", MeansUnencrypted(settings, driver) ? "no" : settings.encrypt);
         add("TrustServerCertificate", settings.trustCertificate);
     }
     add("APP", settings.application);

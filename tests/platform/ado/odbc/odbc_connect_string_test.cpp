@@ -28,7 +28,7 @@ TEST(OdbcConnectStringTest, TakesWhatHostsWrite) {
              "Translate=True;Packet Size=4096;Workstation ID=PC1;Use Encryption for Data=False;Tag with "
              "column collation when possible=False"),
         "DRIVER={ODBC Driver 18 for SQL "
-        "Server};SERVER=SRV\\SQL2019;DATABASE=AIS20240101;Encrypt=False;WSID=PC1;Packet "
+        "Server};SERVER=SRV\\SQL2019;DATABASE=AIS20240101;Encrypt=no;WSID=PC1;Packet "
         "Size=4096;UID=sa;PWD=abc;");
     EXPECT_EQ(Made("Provider=MSOLEDBSQL;Server=tcp:10.0.0.1,1433;Database=a;Integrated "
                    "Security=SSPI;TrustServerCertificate=yes;Encrypt=Optional"),
@@ -47,6 +47,24 @@ TEST(OdbcConnectStringTest, SpeaksEachDriversLanguage) {
               "DSN=books;ClientCharset=UTF-8;TDS_Version=7.3;UID=u;");
 }
 
+TEST(OdbcConnectStringTest, EncryptsByItselfOnlyWhereTheProviderDid) {
+    const auto encrypts = [](const std::string& host, const std::string& driver) {
+        const std::string made = Made(host + ";Data Source=h;UID=u", driver);
+        const std::size_t at = made.find("Encrypt=");
+        return at == std::string::npos ? std::string() : made.substr(at, made.find(';', at) - at);
+    };
+    const std::string newest = "ODBC Driver 18 for SQL Server";
+    for (const char* provider : {"SQLOLEDB", "SQLOLEDB.1", "SQLNCLI11", "MSOLEDBSQL", "MSOLEDBSQL.1"}) {
+        EXPECT_EQ(encrypts("Provider=" + std::string(provider), newest), "Encrypt=no") << provider;
+        EXPECT_EQ(encrypts("Provider=" + std::string(provider) + ";Encrypt=true", newest), "Encrypt=yes");
+        EXPECT_EQ(encrypts("Provider=" + std::string(provider), "ODBC Driver 17 for SQL Server"), "");
+    }
+    for (const char* own : {"Provider=MSOLEDBSQL19", "Provider=MSOLEDBSQL19.1", "Provider=MSDASQL",
+                            "Driver={ODBC Driver 18 for SQL Server}"})
+        EXPECT_EQ(encrypts(own, newest), "") << own;
+    EXPECT_EQ(encrypts("Provider=SQLOLEDB", "FreeTDS"), "");
+}
+
 TEST(OdbcConnectStringTest, FreeTdsIsNotAskedForLessThanTheHostWants) {
     EXPECT_THROW(Made("Provider=MSOLEDBSQL19;Data Source=h;Encrypt=Strict", "FreeTDS"), automation::Error);
     EXPECT_EQ(Made("Provider=MSOLEDBSQL19;Data Source=h;Encrypt=Strict;UID=u"),
@@ -56,7 +74,8 @@ TEST(OdbcConnectStringTest, FreeTdsIsNotAskedForLessThanTheHostWants) {
 TEST(OdbcConnectStringTest, QuotesInBothWorlds) {
     const std::string host = "Provider=SQLOLEDB;Data Source=h;User ID=u;Password=\"a;\"\"b}'{c\"";
     EXPECT_EQ(ReadOdbcSettings(host).password, "a;\"b}'{c");
-    EXPECT_EQ(Made(host), "DRIVER={ODBC Driver 18 for SQL Server};SERVER=h;UID=u;PWD={a;\"b}}'{c};");
+    EXPECT_EQ(Made(host),
+              "DRIVER={ODBC Driver 18 for SQL Server};SERVER=h;Encrypt=no;UID=u;PWD={a;\"b}}'{c};");
     EXPECT_EQ(Made(host, "FreeTDS"),
               "DRIVER={FreeTDS};SERVER=h;TDS_Version=7.4;ClientCharset=UTF-8;UID=u;PWD={a;\"b}'{c};");
     EXPECT_EQ(ReadOdbcSettings("Driver={FreeTDS};Server=h;PWD={a}}b}").password, "a}b");
