@@ -2,6 +2,8 @@
 #include <atomic>
 #include <limits>
 
+#include <malloc.h>
+
 #include "platform/system/files.h"
 #include "platform/system/os.h"
 #include "platform/system/program.h"
@@ -138,12 +140,28 @@ std::string ProgramFolder() {
     return path.empty() ? std::string(".") : PathToUtf8(std::filesystem::path(path).parent_path());
 }
 
+void StayLoaded() {
+    // ICU is part of this very library and goes with it.
+}
+
+std::size_t BlockSize(void* block) {
+    return _msize(block);
+}
+
 std::error_code CopyContent(const std::string& from, const std::string& to) {
     const std::wstring target = WidePath(to);
     if (!CopyFileW(WidePath(from).c_str(), target.c_str(), FALSE)) return LastError();
     // The content alone: a copy of what may not be written may be.
     SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_NORMAL);
     return {};
+}
+
+bool Append(const std::string& path, std::string_view bytes) {
+    const Handle file(CreateFileW(WidePath(path).c_str(), FILE_APPEND_DATA, kShareAll, nullptr, OPEN_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD written = 0;
+    return file && WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+           written == bytes.size();
 }
 
 bool SyncFile(const std::string& path) {

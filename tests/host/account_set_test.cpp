@@ -50,16 +50,22 @@ TEST(AccountSetFile, IsNotMadeOverAnExistingFileOrInAMissingFolder) {
     }
 }
 
+#ifndef _WIN32
 TEST(AccountSetFile, IsNotMadeBehindALinkThatLeadsNowhereYet) {
     test::TestFolder folder;
     std::filesystem::create_symlink("later.vas", system::PathFromUtf8(folder.Path("link.vas")));
     EXPECT_THROW(CreateAccountSetFile(folder.Path("link.vas"), {}), Error);
     EXPECT_FALSE(std::filesystem::exists(system::PathFromUtf8(folder.Path("later.vas"))));
 }
+#endif
 
 TEST(AccountSetFile, MayHaveBlanksQuotesBracesAndChineseInItsName) {
     test::TestFolder folder;
+#ifdef _WIN32  // whose names have no quotation marks
+    const std::string file = folder.Path("我的 “账套”; {1}'.vas");
+#else
     const std::string file = folder.Path("我的 \"账套\"; {1}'.vas");
+#endif
     CreateAccountSetFile(file, {});
     EXPECT_TRUE(std::filesystem::exists(system::PathFromUtf8(file)));
     EXPECT_EQ(1, Number(*ado::OpenConnection(FileConnectString(file)), "select count(*) from t_User"));

@@ -11,6 +11,7 @@
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
 #include "tests/fakes/fake_surroundings.h"
+#include "tests/fakes/file_kinds.h"
 
 namespace vicenter::ado {
 namespace {
@@ -116,9 +117,12 @@ TEST_F(CopiesTest, ABackupIsNeverWrittenOverAnythingElse) {
     const std::string other = Make("other.vas");
     const std::string letter = folder_.File("letter");
     Write(letter, "dear");
+    Lines targets{set_, other, letter, folder_.Text(), fakes::kDevice, folder_.File("nowhere/b.vas")};
+#ifndef _WIN32
     fs::create_symlink("other.vas", folder_.Path() / "link.vas");
-    for (const std::string& target : {set_, other, letter, folder_.File("link.vas"), folder_.Text(),
-                                      std::string("/dev/null"), folder_.File("nowhere/b.vas")}) {
+    targets.push_back(folder_.File("link.vas"));
+#endif
+    for (const std::string& target : targets) {
         EXPECT_NE(Told([&] { BackUpAccountSet(set_, target); }), "") << target;
     }
     EXPECT_EQ(Read(letter), "dear");
@@ -170,7 +174,7 @@ TEST_F(CopiesTest, NothingIsRestoredOverWhatIsNoAccountSet) {
     Write(letter, "dear");
     EXPECT_EQ(Told([&] { RestoreAccountSet(backup_, letter); }).find("账套恢复失败，原内容没有改变："), 0U);
     EXPECT_EQ(Read(letter), "dear");
-    EXPECT_NE(Told([&] { RestoreAccountSet(backup_, "/dev/null"); }), "");
+    EXPECT_NE(Told([&] { RestoreAccountSet(backup_, fakes::kDevice); }), "");
     EXPECT_NE(Told([&] { RestoreAccountSet(backup_, backup_); }), "");
     EXPECT_NE(Told([&] { RestoreAccountSet(letter, set_); }), "");
     EXPECT_NE(Told([&] { RestoreAccountSet(folder_.File("none"), set_); }), "");
