@@ -73,7 +73,8 @@ class Workshop {
     std::filesystem::path side_;
 };
 
-// The status of a child's end; kills it when it takes longer.
+// The status of a child's end; kills it when it has come to nothing more within the limit, or works without
+// an end.
 struct End {
     bool timedOut = false;
     int signal = 0;
