@@ -92,6 +92,18 @@ class Library:
         self._check(self._c.vic_register_class(prog_id.encode(), ctypes.byref(definition)))
         self._classes[prog_id] = definition
 
+    def set_framework(self, framework):
+        """A Python object in the place of the data connections (docs/hosting.md); None puts those back."""
+        if framework is None:
+            self._check(self._c.vic_set_framework(None))
+            return
+        kept = Variant()
+        self._to_c(framework, kept)
+        try:
+            self._check(self._c.vic_set_framework(ctypes.c_void_p(kept.value.object)))
+        finally:
+            self._c.vic_clear(ctypes.byref(kept))
+
     def on_message(self, function):
         """function(text, buttons, icon, title) answers message boxes: 1 OK, 2 Cancel, 6 Yes, 7 No."""
 

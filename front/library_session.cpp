@@ -8,6 +8,7 @@
 #include "front/ado_connection.h"
 #include "front/include/vicenter/vicenter.h"
 #include "platform/ado/account_set/account_set_provider.h"
+#include "platform/ado/host_connection_service.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/office/excel_server.h"
 #include "store/component_classes.h"
@@ -79,6 +80,7 @@ void LibrarySession::End() {
         throw Error(automation::error_number::kInvalidProcedureCall,
                     "A template center window is still open.", "VelaVICenter");
     }
+    ado::HostFramework::SetProcess(nullptr);
     ado::CloseIdleAccountSets();
     ado::CloseIdleOdbcConnections();
     const std::lock_guard guard(Lock());

@@ -15,6 +15,8 @@
 #include "front/message_handler.h"
 #include "front/variant_bridge.h"
 #include "platform/ado/connection.h"
+#include "platform/ado/host_connection_service.h"
+#include "platform/ado/late_bound_framework.h"
 
 namespace front = vicenter::front;
 namespace automation = vicenter::automation;
@@ -334,6 +336,14 @@ vic_status vic_new_object(const vic_class* definition, void* instance, vic_objec
         Need(object);
         *object = nullptr;
         *object = front::NewHandle(front::WrapInstance(front::CopyOf(definition), instance));
+    });
+}
+
+vic_status vic_set_framework(vic_object* framework) {
+    return Guarded([&](LibrarySession&) {
+        vicenter::ado::HostFramework::SetProcess(
+            framework == nullptr ? nullptr
+                                 : vicenter::ado::MakeLateBoundFramework(front::ObjectOf(framework)));
     });
 }
 

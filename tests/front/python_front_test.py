@@ -36,6 +36,90 @@ class Echo:
         raise KeyError("x")
 
 
+class Field:
+    Type = 202
+
+    def __init__(self, name, value):
+        self.Name, self.Value = name, value
+
+
+class Fields:
+    def __init__(self, fields):
+        self._fields = fields
+        self.Count = len(fields)
+
+    def Item(self, number):
+        return self._fields[number]
+
+
+class ForwardOnly:
+    """A recordset of the host's own: read once from its first row to its last."""
+
+    RecordCount = -1
+
+    def __init__(self, recordset):
+        self._rows = recordset
+        self.State = 0 if recordset is None else recordset.State.value
+        self.closed = False
+
+    @property
+    def EOF(self):
+        return self._rows.EOF.value
+
+    def MoveNext(self):
+        self._rows.MoveNext()
+
+    def Close(self):
+        self.closed = True
+
+    @property
+    def Fields(self):
+        fields = self._rows.Fields.value
+        at_end = self.EOF
+        return Fields([Field(fields.Item(i).Name.value, None if at_end else fields.Item(i).Value.value)
+                       for i in range(fields.Count.value)])
+
+
+class HostConnection:
+    """The host's connection: what is executed goes through its hands."""
+
+    def __init__(self, framework):
+        self._framework = framework
+
+    def Execute(self, text, affected, options):
+        self._framework.executed.append((text, options))
+        if self._framework.refuse in text:
+            raise AutomationError(-2147217900, "the host's own server refused", "Host")
+        return ForwardOnly(self._framework.connection.Execute(text, affected, options))
+
+
+class HostBroker:
+    def __init__(self, framework):
+        self._framework = framework
+
+    def Bind(self, props):
+        self._framework.bound = props
+
+    def Auxiliary(self):
+        return None
+
+    def Settle(self):
+        self._framework.settled += 1
+
+    def GiveConnection(self):
+        return HostConnection(self._framework)
+
+
+class HostFramework:
+    def __init__(self, library, account_set):
+        self.executed, self.settled, self.bound, self.refuse = [], 0, "", "no such text"
+        self.connection = library.create("ADODB.Connection")
+        self.connection.Open('Provider=VelaAccountSet;Data Source="%s"' % account_set)
+
+    def GiveBroker(self):
+        return HostBroker(self)
+
+
 class FrontTest(unittest.TestCase):
     def setUp(self):
         self.front = Library(LIBRARY)
@@ -122,6 +206,41 @@ class FrontTest(unittest.TestCase):
                 self.assertEqual(self.front.open_windows(), 0)
                 self.assertTrue(python_host.GLData.entries)
                 self.assertEqual({entry[0] for entry in python_host.GLData.entries}, {"K831000"})
+
+    @unittest.skipUnless(PROGRAM, "no account set can be made")
+    def test_a_host_gives_its_own_data_connections(self):
+        with tempfile.TemporaryDirectory() as folder:
+            account_set = os.path.join(folder, "demo.vela")
+            subprocess.run([PROGRAM, "account-set", "new", account_set, "--demo"], check=True,
+                           stdout=subprocess.DEVNULL)
+            # Nothing but the framework leads to the account set.
+            python_host.register_components(self.front, os.path.join(folder, "nowhere.vela"))
+            framework = HostFramework(self.front, account_set)
+            self.front.set_framework(framework)
+            templates = python_host.list_templates(self.front)
+            self.assertEqual([template["FName"] for template in templates][:1], ["标准模板"])
+            self.assertTrue(python_host.make_and_delete(self.front))
+            self.assertIn("UserID=", framework.bound)
+            self.assertGreater(framework.settled, 0)
+            self.assertEqual({options for _, options in framework.executed}, {-1})
+            if WITH_WINDOWS:
+                del framework.executed[:]
+                self.front.create("VelaVICenter.aplication").ShowVICenter()
+                self.front.process_events()
+                self.assertEqual(self.front.open_windows(), 1)
+                self.front.close_windows()
+                self.assertTrue(any("t_VchTemplateEntry" in text for text, _ in framework.executed))
+            framework.refuse = "t_VchTemplate "
+            shown = []
+            self.front.on_message(lambda text, *_: shown.append(text) or 1)
+            data = self.front.create("VelaVICenter.clsVIData")
+            self.assertFalse(data.IsExecuteSql("delete t_VchTemplate where FID = -1"))
+            self.assertEqual(shown, ["the host's own server refused"])
+            self.front.set_framework(None)
+            self.assertEqual(list(python_host.rows(data.GetVchTemplateByUserID(1))), [])
+            data.release()
+            framework.connection.Close()
+            framework.connection.release()
 
     @unittest.skipUnless(WITH_WINDOWS, "built without windows")
     def test_windows_open_and_close(self):

@@ -61,7 +61,7 @@ typedef vic_int32 vic_status;
 #endif
 
 /* Counts up with every change of this interface; what was there before stays as it is. */
-#define VIC_ABI_VERSION 2
+#define VIC_ABI_VERSION 3
 
 /* Run-time errors of the interface itself, beside the usual ones (13 type mismatch, 429, 438, ...). */
 #define VIC_ERROR_INVALID_ARGUMENT 5
@@ -211,6 +211,14 @@ VIC_API vic_status vic_register_class(const char* prog_id, const vic_class* defi
 VIC_API vic_status vic_unregister_class(const char* prog_id);
 /* An object around an instance that exists already. */
 VIC_API vic_status vic_new_object(const vic_class* definition, void* instance, vic_object** object);
+
+/* ---- the host's data connections */
+
+/* Puts the host's own connection service in place of plain connections opened from the property string's
+ * ConnectString; NULL puts those back. The object gives brokers, brokers give connections and those
+ * recordsets, all called by the member names that docs/hosting.md lists. The library keeps a share of the
+ * object until another one comes or vic_shutdown(). */
+VIC_API vic_status vic_set_framework(vic_object* framework);
 
 /* ---- messages to the user */
 
