@@ -128,11 +128,22 @@ class CommandLine {
     }
 
     void AddCommands() {
-        AddCommand(app_, "window", CliCommand::Window, "打开凭证模板窗口 / open the Template Center")
+        CLI::App* window =
+            AddCommand(app_, "window", CliCommand::Window, "打开凭证模板窗口 / open the Template Center");
+        window->add_option("FILE", options_.windowFile, "账套文件 / account set file")->check(kNotEmpty);
+        window
             ->add_option("--offscreen-session", options_.sessionFolder,
                          "不用显示器演示主要操作，图片存入文件夹 / drive the window without a display, "
                          "pictures into DIR")
             ->check(kNotEmpty);
+        window->callback([this] {
+            options_.command = CliCommand::Window;
+            if (options_.windowFile.empty()) return;
+            if (!options_.accountSet.empty() || !options_.connectString.empty())
+                throw CLI::ValidationError("FILE",
+                                           "不能与 --account-set、--connect 同时使用 / FILE excludes both");
+            options_.accountSet = options_.windowFile;
+        });
 
         CLI::App* accountSet = app_.add_subcommand("account-set", "账套 / account sets");
         accountSet->require_subcommand(1);

@@ -76,6 +76,7 @@ struct CliOptions {
     std::optional<int> keepVersions;
     bool all = false;                   // check: every template
     bool deleted = false;               // history: of templates that are gone
+    std::string windowFile;              // window: the account set, as a desktop names it
     std::string sessionFolder;          // window --offscreen-session
     std::string exportFolder;           // export --all
     std::string excelVersion = "16.0";  // of the workbook server; "none": not installed

@@ -38,12 +38,14 @@ function(check_program prefix)
   foreach(file share/doc/vicenter/copyright share/doc/vicenter/changelog.gz share/man/man1/vicenter.1.gz
                share/icons/hicolor/scalable/apps/vicenter.svg
                share/vicenter/docs/help/凭证模板.htm share/doc/vicenter/examples/python_host.py
+               share/bash-completion/completions/vicenter share/doc/vicenter/hosting.md
+               share/doc/vicenter/user-guide.zh.md share/doc/vicenter/pictures/main-window.png
                include/vicenter/vicenter.h)
     expect_file("${prefix}/${file}")
   endforeach()
 
   file(READ "${prefix}/share/applications/vicenter.desktop" entry)
-  foreach(line "[Desktop Entry]" "Type=Application" "Exec=vicenter window" "Icon=vicenter" "Terminal=false"
+  foreach(line "[Desktop Entry]" "Type=Application" "Exec=vicenter window %f" "MimeType=application/x-vicenter-account-set;" "Icon=vicenter" "Terminal=false"
                "Name[zh_CN]=凭证模板" "Categories=Office;Finance;")
     expect_contains("the desktop entry" "${entry}" "${line}\n")
   endforeach()
@@ -52,6 +54,39 @@ function(check_program prefix)
     run(findings "${validate}" "${prefix}/share/applications/vicenter.desktop")
     expect_same("the desktop entry's findings" "${findings}" "")
   endif()
+
+  # The completion offers every command that the program knows.
+  run(help "${prefix}/bin/vicenter" --help)
+  file(READ "${prefix}/share/bash-completion/completions/vicenter" completion)
+  string(REGEX MATCHALL "\n  [a-z][a-z-]* " commands "${help}")
+  if(NOT commands)
+    message(FATAL_ERROR "No command in\n${help}")
+  endif()
+  foreach(command IN LISTS commands)
+    string(STRIP "${command}" command)
+    expect_contains("the completion" "${completion}" "${command}")
+  endforeach()
+  find_program(bash bash)
+  if(bash)
+    file(WRITE "${FOLDER}/complete.sh" "source '${prefix}/share/bash-completion/completions/vicenter'
+COMP_WORDS=(vicenter account-set up)
+COMP_CWORD=2
+_vicenter
+echo \"\${COMPREPLY[@]}\"
+COMP_WORDS=(vicenter hist)
+COMP_CWORD=1
+_vicenter
+echo \"\${COMPREPLY[@]}\"
+COMP_WORDS=(vicenter restore x --ver)
+COMP_CWORD=3
+_vicenter
+echo \"\${COMPREPLY[@]}\"
+")
+    run(offered "${bash}" "${FOLDER}/complete.sh")
+    expect_same("what completion offers" "${offered}" "upgrade\nhistory\n--version-id --version\n")
+  endif()
+  file(READ "${prefix}/share/mime/packages/vicenter.xml" types)
+  expect_contains("the type of account sets" "${types}" "<glob pattern=\"*.vas\"/>")
 
   find_program(man man)
   if(man)

@@ -17,6 +17,18 @@ run(ignored "${CMAKE_COMMAND}" --build "${FOLDER}/example")
 run(answer "${FOLDER}/example/cpp_client" "[1, {\"凭证\": \"\\ud83d\\ude00\"}, null]")
 expect_same("the example's answer" "${answer}" "an array of 3 values\n[1,{\"凭证\":\"😀\"},null]\n")
 
+# The host of docs/hosting.md, as pkg-config lets one build it; it opens a window where there are windows.
+file(READ "${SOURCE}/docs/hosting.md" page)
+string(REGEX MATCH "```c\n(.*)\n```\n\n`cc host.c" ignored "${page}")
+file(WRITE "${FOLDER}/host.c" "${CMAKE_MATCH_1}\n")
+find_program(pkg_config pkg-config REQUIRED)
+run(flags "${CMAKE_COMMAND}" -E env "PKG_CONFIG_PATH=${prefix}/${LIBRARY_FOLDER}/pkgconfig"
+    "${pkg_config}" --cflags --libs vicenter)
+separate_arguments(flags UNIX_COMMAND "${flags}")
+run(ignored "${COMPILER}" -x c -std=c11 -Wall -Werror "${FOLDER}/host.c" -x none -o "${FOLDER}/host" ${flags}
+    "-Wl,-rpath,${prefix}/${LIBRARY_FOLDER}")
+expect_file("${FOLDER}/host")
+
 # A version that is not installed is refused.
 file(WRITE "${FOLDER}/newer/CMakeLists.txt"
   "cmake_minimum_required(VERSION 3.25)\nproject(newer NONE)\nfind_package(vicenter 2 REQUIRED)\n")

@@ -1,0 +1,46 @@
+# Completion of vicenter's commands, options and files for bash.
+_vicenter() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command= set=no i
+    local commands="account-set check delete drivers export generate history import list log new rename restore save
+        show sql window"
+    local options="--account-set --ask-password --connect --excel --help --json --no --password-env --password-file
+        --user --version --yes"
+    case $before in
+        --account-set | --password-file)
+            COMPREPLY=($(compgen -f -- "$word"))
+            return
+            ;;
+        --connect | --password-env | --user | --excel)
+            return
+            ;;
+    esac
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        case ${COMP_WORDS[i]} in
+            account-set) set=yes ;;
+            backup | copy | new | restore | upgrade | verify)
+                if [ $set = yes ]; then set=chosen; else command=${COMP_WORDS[i]}; fi
+                ;;
+            -*) ;;
+            *) case " ${commands//$'\n'/ } " in *" ${COMP_WORDS[i]} "*) command=${COMP_WORDS[i]} ;; esac ;;
+        esac
+    done
+    if [ $set = yes ]; then
+        COMPREPLY=($(compgen -W "backup copy new restore upgrade verify" -- "$word"))
+    elif [ $set = chosen ]; then
+        COMPREPLY=($(compgen -W "--demo --dry-run --vouchers" -- "$word") $(compgen -f -- "$word"))
+    elif [ -z "$command" ]; then
+        COMPREPLY=($(compgen -W "$commands $options" -- "$word"))
+    else
+        case $command in
+            check) options="--all $options" ;;
+            export) options="--all $options" ;;
+            generate) options="--fields --from --group --include-system --name --period --to --year $options" ;;
+            history) options="--deleted --keep-days --keep-versions --version-id $options" ;;
+            log) options="--from --kind --template --to $options" ;;
+            restore) options="--as --version-id $options" ;;
+            window) options="--offscreen-session $options" ;;
+        esac
+        COMPREPLY=($(compgen -W "$options" -- "$word") $(compgen -f -- "$word"))
+    fi
+}
+complete -o filenames -F _vicenter vicenter
