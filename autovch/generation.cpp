@@ -132,6 +132,7 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     if (request.columns.contains(store::column::kItems)) items.AskAhead(*vouchers);
     std::string batch;
     GenerationResult result;
+    result.templateName = name;
     try {
         batch = GenerationBatch(
             target, request.columns, *vouchers,

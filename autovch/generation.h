@@ -22,7 +22,8 @@ struct GenerationRequest {
 
 struct GenerationResult {
     store::TemplateOutcome outcome;
-    std::string message;  // for the caller to show once the dialog is closed
+    std::string templateName = {};  // as it was looked for
+    std::string message;            // for the caller to show once the dialog is closed
     // Nothing was written: what a template has no room for, which the user has been told.
     std::vector<store::LineFault> faults = {};
 };

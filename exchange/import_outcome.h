@@ -15,6 +15,7 @@ using store::LineFault;
 
 struct ImportOutcome {
     bool written = false;
+    std::string file = {};  // empty when none was chosen
     std::string templateName = {};
     std::int32_t templateId = -1;
     std::int32_t lines = 0;

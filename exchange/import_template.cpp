@@ -163,6 +163,7 @@ std::string WhyNotName(const std::string& name) {
 // The command from the chosen file on.
 ImportOutcome ImportChosenFile(TemplateWindow& window, const std::string& fileName) {
     ImportOutcome outcome;
+    outcome.file = fileName;
     const std::string extension = UpperExtension(fileName);
     if (extension != "XLSX" && extension != "XLS") {
         return Refuse(outcome, "选择导入文件类型不正确，请确认是Excel文件！");
@@ -190,12 +191,14 @@ ImportOutcome ImportChosenFile(TemplateWindow& window, const std::string& fileNa
                                   existing.state == State::MayWrite ? existing.id : kNewTemplate, name);
 }
 
-// Whatever the surroundings of the command throw ends like any failure of an import.
-ImportOutcome Guarded(const std::function<ImportOutcome()>& action) {
+// Whatever the surroundings of the command throw ends like any failure of an import. fileName: as it is by
+// then.
+ImportOutcome Guarded(const std::string& fileName, const std::function<ImportOutcome()>& action) {
     try {
         return action();
     } catch (const Error& error) {
         ImportOutcome outcome = Refuse({}, kFailed);
+        outcome.file = fileName;
         TakeReason(outcome, ReasonOf(error));
         return outcome;
     }
@@ -206,6 +209,7 @@ ImportOutcome Guarded(const std::function<ImportOutcome()>& action) {
 ImportOutcome ImportTemplateWorkbook(TemplateWindow& window, const std::string& fileName,
                                      std::int32_t existingId, const std::string& name) {
     ImportOutcome outcome;
+    outcome.file = fileName;
     outcome.templateName = name;
     window.ShowProgress("正在执行凭证模板引入，请稍后...");
     try {
@@ -233,7 +237,8 @@ ImportOutcome ImportTemplateWorkbook(TemplateWindow& window, const std::string& 
 }
 
 ImportOutcome ImportTemplate(TemplateWindow& window) {
-    return Guarded([&window]() -> ImportOutcome {
+    std::string chosen;
+    return Guarded(chosen, [&]() -> ImportOutcome {
         ImportOutcome outcome;
         if (!CheckInstalled(outcome)) return outcome;
         system::FileRequest request;
@@ -244,14 +249,13 @@ ImportOutcome ImportTemplate(TemplateWindow& window) {
             request.filters.push_back({"FormatIni File Excel File (*.xlsx)", "*.xlsx"});
             request.selectedFilter = 1;
         }
-        const auto chosen = system::Surroundings::Current().fileDialogs->ChooseFileToOpen(request);
-        if (!chosen || chosen->empty()) return outcome;
-        return ImportChosenFile(window, *chosen);
+        chosen = system::Surroundings::Current().fileDialogs->ChooseFileToOpen(request).value_or("");
+        return chosen.empty() ? outcome : ImportChosenFile(window, chosen);
     });
 }
 
 ImportOutcome ImportTemplateFile(TemplateWindow& window, const std::string& fileName) {
-    return Guarded([&]() -> ImportOutcome {
+    return Guarded(fileName, [&]() -> ImportOutcome {
         ImportOutcome outcome;
         return CheckInstalled(outcome) ? ImportChosenFile(window, fileName) : outcome;
     });

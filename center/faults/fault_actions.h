@@ -3,9 +3,11 @@
 // What the list of faults asks of the rules behind it. Rows and columns count from 1. User-interface thread
 // only.
 
+#include <cstddef>
 #include <vector>
 
 #include "center/faults/fault_list.h"
+#include "center/faults/reported_faults.h"
 
 namespace vicenter::center {
 
@@ -20,6 +22,14 @@ class FaultActions {
     virtual void GoTo(const CellAddress& cell) = 0;
     // To the next faulty cell behind the cursor, or before it.
     virtual void GoToNext(bool back) = 0;
+
+    // --- of lines that are in no grid
+    virtual const std::vector<ReportedFault>& Reported() = 0;
+    // Where it can be mended: opens the workbook, or the template of that name; the user is told when it is
+    // not there.
+    virtual void OpenReported(const ReportedFault& fault) = 0;
+    // Off the list; places in Reported().
+    virtual void DropReported(const std::vector<std::size_t>& places) = 0;
 };
 
 }  // namespace vicenter::center

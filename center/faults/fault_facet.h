@@ -16,6 +16,9 @@ class FaultFacet final : public FaultActions {
     Fault Describe(const CellAddress& cell) override;
     void GoTo(const CellAddress& cell) override;
     void GoToNext(bool back) override;
+    const std::vector<ReportedFault>& Reported() override;
+    void OpenReported(const ReportedFault& fault) override;
+    void DropReported(const std::vector<std::size_t>& places) override;
 
   private:
     WindowParts& parts_;

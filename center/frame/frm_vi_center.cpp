@@ -168,6 +168,12 @@ void frmVICenter::ShowStoredTemplate(std::int32_t id) {
     parts_->tree.ShowStored(id);
 }
 
+void frmVICenter::ReportFaults(const FaultReport& report) {
+    parts_->reported.Take(report);
+    parts_->ReportsChanged();
+    if (!report.faults.empty()) parts_->state.view.ShowFaults();
+}
+
 const std::shared_ptr<EntryGrid>& frmVICenter::GridObject() const {
     return parts_->state.grid;
 }

@@ -65,6 +65,7 @@ class frmVICenter final : public CommandTarget {
     bool ProgressCancelled() override;
     void RebuildTreeAndSelect(std::int32_t id) override;
     void ShowStoredTemplate(std::int32_t id) override;
+    void ReportFaults(const FaultReport& report) override;
 
     const std::shared_ptr<EntryGrid>& GridObject() const;  // vsEntrys
     const std::string& SelectedNode() const;               // key

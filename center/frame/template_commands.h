@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 
+#include "center/faults/reported_faults.h"
 #include "center/frame/vicenter_view.h"
 #include "center/grid/entry_grid.h"
 
@@ -29,6 +30,8 @@ class CommandTarget {
     virtual void RebuildTreeAndSelect(std::int32_t id) = 0;
     // The same for a template that has just been written: 0 is the standard template.
     virtual void ShowStoredTemplate(std::int32_t id) = 0;
+    // What is wrong with lines that did not become a template's, or that nothing is any more.
+    virtual void ReportFaults(const FaultReport& report) = 0;
 };
 
 class TemplateCommands {

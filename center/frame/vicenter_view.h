@@ -78,7 +78,7 @@ struct StatusState {
     std::vector<std::string> unbalanced;  // template numbers whose sums differ
     std::string selectionSum;             // empty without numbers in the selection
     std::string hint;                     // why the active cell is faulty and what is expected; else empty
-    int faults = 0;                       // faulty cells of the whole grid
+    int faults = 0;                       // faulty cells of the whole grid, and what has been reported
 };
 
 // A list of choices below the active cell while its text is typed; no dialog and never in the way of typing.
@@ -120,8 +120,10 @@ class VICenterView {
     virtual void SetModified(const std::string& /*key*/, bool /*modified*/) {}
     // The templates with numbers that cannot be used in this account set; all others have none.
     virtual void SetUnusableNodes(const std::vector<std::string>& /*keys*/) {}
-    // What FaultActions::Cells() answers may be something else now.
+    // What FaultActions answers may be something else now.
     virtual void FaultsChanged() {}
+    // Something has been reported that is nowhere else to be seen.
+    virtual void ShowFaults() {}
     // The keyboard goes to the grid: what the user has to mend is there.
     virtual void FocusGrid() {}
 

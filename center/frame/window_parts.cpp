@@ -75,7 +75,7 @@ void WindowParts::RefreshStatus() {
     status.hint = state.open.Notice();
     if (status.hint.empty()) status.hint = FaultText(*state.grid, active);
     if (status.hint.empty()) status.hint = faults.HiddenFaultText(active.row);
-    status.faults = faults.Count();
+    status.faults = faults.Count() + static_cast<int>(reported.All().size());
     state.view.SetStatus(status);
 }
 
@@ -119,6 +119,11 @@ void WindowParts::WasReset() {
 
 void WindowParts::FaultsChanged() {
     state.view.FaultsChanged();
+}
+
+void WindowParts::ReportsChanged() {
+    FaultsChanged();
+    RefreshStatus();
 }
 
 void WindowParts::LooksChanged(const CellRange& range) {

@@ -11,6 +11,7 @@
 #include "center/editing/grid_facet.h"
 #include "center/faults/fault_facet.h"
 #include "center/faults/fault_list.h"
+#include "center/faults/reported_faults.h"
 #include "center/frame/edge.h"
 #include "center/frame/status_line.h"
 #include "center/frame/template_commands.h"
@@ -39,6 +40,7 @@ struct WindowParts : public GridObserver {
     // What hangs on the active cell and the sums: item panel, name list, status line.
     void RefreshPanels();
     void RefreshStatus();
+    void ReportsChanged();
     // What windows that are gone have left: of the open template, or the newest of any. Nothing before the
     // window is on the screen.
     void OfferDraftOfOpenTemplate();
@@ -69,6 +71,7 @@ struct WindowParts : public GridObserver {
     TemplateTree tree;
     RefusedLine refused;
     FaultList faults;
+    ReportedFaults reported;
     TemplateSave save;
     CellLookUps lookUps;
     ItemPanel items;

@@ -53,6 +53,7 @@ class FakeVICenterView : public VICenterView {
     }
     void SetUnusableNodes(const std::vector<std::string>& keys) override { unusable = keys; }
     void FocusGrid() override { calls.emplace_back("focus grid"); }
+    void ShowFaults() override { calls.emplace_back("show faults"); }
 
     void SetToolStates(const ToolStates& states) override {
         calls.emplace_back("tools");

@@ -2,6 +2,9 @@
 
 #include "center/faults/fault_list.h"
 
+#include <filesystem>
+#include <fstream>
+
 #include "tests/center/center_fixture.h"
 
 namespace vicenter::center::test {
@@ -141,6 +144,61 @@ TEST_F(Faults, InAHiddenColumnAreNamedAndShownWhenTheyAreGoneTo) {
     Window().Faults().GoTo({2, column::kSettleName});
     EXPECT_FALSE(Grid().Layout(column::kSettleName).hidden);
     EXPECT_EQ(Grid().ActiveCell(), (CellAddress{2, column::kSettleName}));
+}
+
+// --- of lines that are in no grid
+
+TEST_F(Faults, OfAWorkbookStayUntilItComesInOrBringsOthers) {
+    const auto report = [this](const std::string& file, std::vector<store::LineFault> faults) {
+        Window().ReportFaults({FaultSource::Workbook, file, std::move(faults)});
+    };
+    const auto reported = [this] {
+        Texts texts;
+        for (const ReportedFault& fault : Window().Faults().Reported())
+            texts.push_back(fault.source + " " + std::to_string(fault.fault.row) + ": " + fault.fault.reason);
+        return texts;
+    };
+    Give(2, column::kAmount, "-9");
+    report("/a.xlsx", {{5, 6, "金额", "x", "必须是数字"}, {7, 0, "", "", "缺少必录列"}});
+    report("/b.xls", {{0, 0, "", "", "文件已加密，无法打开！"}});
+    EXPECT_THAT(reported(), ElementsAre("/a.xlsx 5: 必须是数字", "/a.xlsx 7: 缺少必录列",
+                                        "/b.xls 0: 文件已加密，无法打开！"));
+    EXPECT_EQ(view_.status.faults, 4) << "one of them is in a cell";
+    EXPECT_EQ(view_.Count("show faults"), 2);
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_EQ(reported().size(), 3U) << "whatever is open";
+    report("/a.xlsx", {{6, 6, "金额", "x", "必须是数字"}});
+    EXPECT_THAT(reported(), ElementsAre("/b.xls 0: 文件已加密，无法打开！", "/a.xlsx 6: 必须是数字"));
+    report("/a.xlsx", {});
+    EXPECT_THAT(reported(), ElementsAre("/b.xls 0: 文件已加密，无法打开！"));
+    EXPECT_EQ(view_.Count("show faults"), 3) << "nothing to be seen of a file without a fault";
+    Window().Faults().DropReported({0});
+    EXPECT_THAT(reported(), IsEmpty());
+    EXPECT_EQ(view_.status.faults, 0);
+}
+
+TEST_F(Faults, OfAWorkbookAreMendedThere) {
+    const ReportedFault fault{FaultSource::Workbook, testing::TempDir() + "fault_list_test.xlsx", {}};
+    std::ofstream(fault.source) << "x";
+    Window().Faults().OpenReported(fault);
+    EXPECT_THAT(surroundings_.processes->opened, ElementsAre(fault.source));
+    EXPECT_THAT(Messages(), IsEmpty());
+    surroundings_.processes->openError = 53;
+    Window().Faults().OpenReported(fault);
+    std::filesystem::remove(fault.source);
+    Window().Faults().OpenReported(fault);
+    EXPECT_EQ(surroundings_.processes->opened.size(), 2U);
+    EXPECT_THAT(Messages(), ElementsAre("没有可以打开工作簿的程序，请自行打开后更正！\r\n\r\n" + fault.source,
+                                        "工作簿已不存在，请更正后重新引入！\r\n\r\n" + fault.source));
+}
+
+TEST_F(Faults, OfVouchersLeadToTheTemplateThatWasToBeMade) {
+    Window().Faults().OpenReported({FaultSource::Vouchers, "自定义模板(2)", {}});
+    EXPECT_EQ(Window().TemplateId(), "8");
+    EXPECT_EQ(Window().SelectedNode(), "detail-8");
+    Window().Faults().OpenReported({FaultSource::Vouchers, "十月", {}});
+    EXPECT_EQ(Window().TemplateId(), "8");
+    EXPECT_THAT(Messages(), ElementsAre("模板“十月”没有生成，请更正凭证后重新生成！"));
 }
 
 // --- the tree

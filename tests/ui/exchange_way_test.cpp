@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QToolButton>
 #include <filesystem>
+#include <fstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,7 +30,8 @@ class ExchangeWayTest : public DemoSetTest {
     void SetUp() override { Open(); }
 
     // A template workbook of so many lines, all of one template number.
-    std::string MakeWorkbook(const std::string& name, std::uint32_t lines) const {
+    std::string MakeWorkbook(const std::string& name, std::uint32_t lines,
+                             const std::string& fileCount = "0") const {
         office::Workbook workbook;
         office::Sheet& sheet = workbook.AddSheet(exchange::kSheetName);
         const auto setText = [&](std::uint32_t row, std::uint32_t column, std::string_view text) {
@@ -37,7 +39,7 @@ class ExchangeWayTest : public DemoSetTest {
             cell.kind = office::CellKind::Text;
             cell.text = workbook.Texts().Intern(text);
         };
-        const std::vector<std::string> values = {"1", "提现", "借", "1001", "库存现金", "0"};
+        const std::vector<std::string> values = {"1", "提现", "借", "1001", "库存现金", fileCount};
         for (std::uint32_t row = 0; row <= lines; ++row) {
             for (std::uint32_t column = 0; column < values.size(); ++column)
                 setText(row, column, row == 0 ? exchange::kColumns[column].header : values[column]);
@@ -107,6 +109,36 @@ TEST_F(ExchangeWayTest, AnImportOverTheStandardTemplateLightsAndOpensItWhateverW
     EXPECT_EQ(window->Presenter().RowCount(), 3);
     EXPECT_TRUE(window->findChild<QAction*>("mnuSave")->isEnabled());
     EXPECT_TRUE(window->findChild<QAction*>("mnuExp")->isEnabled());
+}
+
+TEST_F(ExchangeWayTest, WhatKeepsAWorkbookOutIsInTheListOfFaultsUntilItComesIn) {
+    const auto faults = [this] {
+        std::vector<std::string> texts;
+        for (const center::ReportedFault& fault : window->Presenter().Faults().Reported()) {
+            texts.push_back(fault.source + " " + std::to_string(fault.fault.row) + "," + fault.fault.header +
+                            "[" + fault.fault.value + "]" + fault.fault.reason);
+        }
+        return texts;
+    };
+    std::string path = MakeWorkbook("Faulty.xlsx", 2, "x");
+    Drop({path});
+    EXPECT_EQ(TakeMessages().size(), 1U);
+    EXPECT_THAT(faults(), ElementsAre(path + " 2,附件数[x]必须是整数", path + " 3,附件数[x]必须是整数"));
+    EXPECT_TRUE(window->findChild<QWidget*>(QStringLiteral("faultPanel"))->isVisible());
+    EXPECT_EQ(window->findChild<QToolButton*>(QStringLiteral("cmdFaults"))->text(), "异常 2 处");
+    std::ofstream(system::PathFromUtf8(path)) << "<html>";
+    surroundings.fileDialogs->choices = {path};
+    Click("mnuImpButton");
+    EXPECT_THAT(TakeMessages(), ElementsAre("引入模板失败！"));
+    EXPECT_THAT(faults(), ElementsAre(path + " 0,[]文件实际上是网页（HTML），不是 Excel 工作簿，请用 Excel "
+                                             "打开后另存为“Excel 工作簿（.xlsx）”！"));
+    // Who thinks better of it has mended nothing.
+    surroundings.fileDialogs->choices = {std::nullopt};
+    Click("mnuImpButton");
+    EXPECT_EQ(faults().size(), 1U);
+    Drop({MakeWorkbook("Faulty.xlsx", 2)});
+    EXPECT_THAT(TakeMessages(), ElementsAre("引入模板 Faulty 成功！"));
+    EXPECT_THAT(faults(), IsEmpty());
 }
 
 TEST_F(ExchangeWayTest, OtherFilesAndSeveralAtOnceAreNotTaken) {

@@ -3,6 +3,8 @@
 #include "ui/panels/fault_panel.h"
 
 #include <QClipboard>
+#include <QDir>
+#include <QFile>
 #include <QHeaderView>
 
 #include "tests/ui/window_fixture.h"
@@ -130,6 +132,52 @@ TEST_F(FaultPanelTest, IsCopiedWithItsHeadings) {
     Panel().Table().selectRow(1);
     QTest::keyClick(&Panel().Table(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), "行\t列\t内容\t原因\r\n2\t附件数\t-3\t不能小于0\r\n");
+}
+
+TEST_F(FaultPanelTest, WhatWasReportedStandsThereWithItsSource) {
+    OpenWithFaults();
+    const QString file = QDir::tempPath() + "/fault_panel_test.xlsx";
+    window->Presenter().ReportFaults({center::FaultSource::Workbook,
+                                      file.toStdString(),
+                                      {{5, 6, "金额", "x", "必须是数字"}, {0, 0, "", "", "文件不完整"}}});
+    window->Presenter().ReportFaults(
+        {center::FaultSource::Vouchers, "十月", {{3, 0, "摘要(*)", "长", "长度不能超过255个字符"}}});
+    EXPECT_TRUE(Panel().isVisible()) << "they are nowhere else to be seen";
+    EXPECT_EQ(window->findChild<QToolButton*>("cmdFaults")->text(), "异常 6 处");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Rows().size() == 6; }));
+    EXPECT_EQ(Rows()[2], "4|附件数|1.5|必须是整数|当前模板");
+    EXPECT_EQ(Rows()[3], "|||文件不完整|fault_panel_test.xlsx");
+    EXPECT_EQ(Rows()[4], "3|摘要(*)|长|长度不能超过255个字符|凭证（十月）");
+    EXPECT_EQ(Rows()[5], "5|金额（F列）|x|必须是数字|fault_panel_test.xlsx");
+    // A click leads to where it can be mended; gathering rows to copy them does not.
+    QFile(file).open(QIODevice::WriteOnly);
+    ClickRow(5);
+    EXPECT_EQ(ledger->surroundings.processes->opened, std::vector<std::string>{file.toStdString()});
+    QTableView& table = Panel().Table();
+    QTest::mouseClick(table.viewport(), Qt::LeftButton, Qt::ControlModifier,
+                      table.visualRect(table.model()->index(3, 3)).center());
+    EXPECT_EQ(ledger->surroundings.processes->opened.size(), 1U);
+    QTest::keyClick(&table, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(),
+              "行\t列\t内容\t原因\t来源\r\n\t\t\t文件不完整\tfault_panel_test.xlsx\r\n"
+              "5\t金额（F列）\tx\t必须是数字\tfault_panel_test.xlsx\r\n");
+    QTest::keyClick(&table, Qt::Key_Delete);
+    EXPECT_EQ(Rows().size(), 4);
+    table.selectAll();
+    QTest::keyClick(&table, Qt::Key_Delete);
+    EXPECT_EQ(Rows(), (QStringList{"1|科目代码(*)|9999|科目代码不存在", "2|附件数|-3|不能小于0",
+                                   "4|附件数|1.5|必须是整数"}));
+    QFile::remove(file);
+}
+
+TEST_F(FaultPanelTest, F8ShowsTheListWhenNothingIsInACell) {
+    Open();
+    window->Presenter().ReportFaults(
+        {center::FaultSource::Workbook, "/a.xls", {{0, 0, "", "", "文件已加密"}}});
+    Panel().hide();
+    Grid().setFocus();
+    Key(Qt::Key_F8);
+    EXPECT_TRUE(Panel().isVisible());
 }
 
 TEST_F(FaultPanelTest, AFaultyCellIsTintedAndHasAMarkInItsCorner) {

@@ -180,6 +180,34 @@ TEST_F(GenerationWayTest, OverTheStandardTemplateItIsThatOneThatIsShown) {
     EXPECT_TRUE(window->findChild<QAction*>("mnuExp")->isEnabled());
 }
 
+TEST_F(GenerationWayTest, WhatATemplateHasNoRoomForIsInTheListOfFaults) {
+    const auto connection = ado::OpenConnection(host::FileConnectString(file));
+    connection->Execute("alter table t_Account alter column FName nvarchar(200)");
+    connection->Execute("update t_Account set FName = replicate('x', 161) where FNumber = '1122.01'");
+    WhenModal("frmAutoVch", [](QDialog& dialog) {
+        FillIn(dialog);
+        Click(dialog, "Command0");
+    });
+    Click(*window, "mnuAutoVchButton");
+    EXPECT_EQ(TakeMessages().size(), 1U);
+    const std::vector<center::ReportedFault>& faults = window->Presenter().Faults().Reported();
+    ASSERT_EQ(faults.size(), 2U);
+    EXPECT_EQ(faults[0].kind, center::FaultSource::Vouchers);
+    EXPECT_EQ(faults[0].source, "October");
+    EXPECT_EQ(faults[0].fault.row, 2);
+    EXPECT_EQ(faults[0].fault.header, "科目名称(*)");
+    EXPECT_EQ(faults[0].fault.reason, "长度不能超过160个字符（凭证号 1）");
+    EXPECT_EQ(NodeText("detail-10"), "no such node");
+    connection->Execute("update t_Account set FName = 'x' where FNumber = '1122.01'");
+    WhenModal("frmAutoVch", [](QDialog& dialog) {
+        FillIn(dialog);
+        Click(dialog, "Command0");
+    });
+    Click(*window, "mnuAutoVchButton");
+    EXPECT_THAT(TakeMessages(), ElementsAre("凭证生成凭证模板 October 成功！"));
+    EXPECT_TRUE(window->Presenter().Faults().Reported().empty());
+}
+
 TEST_F(GenerationWayTest, CancelledInTheDialogItLeavesEverythingAsItWas) {
     const std::int64_t templates = Number("select count(*) from t_VchTemplate");
     const std::vector<std::string> before = Lines();

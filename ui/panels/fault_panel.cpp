@@ -3,6 +3,7 @@
 #include <QAbstractTableModel>
 #include <QApplication>
 #include <QClipboard>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QTimer>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "center/grid/columns.h"
+#include "exchange/template_columns.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -20,18 +22,49 @@ namespace vicenter::ui {
 
 namespace {
 
-enum Field { kRow, kColumn, kValue, kReason, kFieldCount };
+// The source is told once something has been reported from elsewhere.
+enum Field { kRow, kColumn, kValue, kReason, kSource, kFieldCount };
 constexpr int kReadingMilliseconds = 0;  // once the events that are due have run
 
 QString Heading(int field) {
     static const QStringList headings = {QStringLiteral("行"), QStringLiteral("列"), QStringLiteral("内容"),
-                                         QStringLiteral("原因")};
+                                         QStringLiteral("原因"), QStringLiteral("来源")};
     return headings.value(field);
+}
+
+QString Number(std::int32_t number) {
+    return number > 0 ? QString::number(number) : QString();
+}
+
+QString SourceOf(const center::ReportedFault& fault) {
+    const QString source = ToQt(fault.source);
+    return fault.kind == center::FaultSource::Workbook ? QFileInfo(source).fileName()
+                                                       : QStringLiteral("凭证（%1）").arg(source);
+}
+
+QString TextOfReported(const center::ReportedFault& reported, int field) {
+    const store::LineFault& fault = reported.fault;
+    switch (field) {
+        case kRow:
+            return Number(fault.row);
+        case kColumn: {
+            const QString header = ToQt(fault.header).simplified();
+            if (fault.column == 0) return header;
+            return header + QStringLiteral("（%1列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
+        }
+        case kValue:
+            return ToQt(fault.value).simplified();
+        case kReason:
+            return ToQt(fault.reason).simplified();
+        default:
+            return SourceOf(reported);
+    }
 }
 
 }  // namespace
 
-// Cells as they were read; what is said of each is asked for when it is shown, sorted by or copied.
+// Cells as they were read, and behind them what has been reported; what is said of a cell is asked for when
+// it is shown, sorted by or copied.
 class FaultModel : public QAbstractTableModel {
   public:
     FaultModel(center::FaultActions& actions, QObject* parent)
@@ -41,20 +74,31 @@ class FaultModel : public QAbstractTableModel {
         beginResetModel();
         cells_ = GuardedOr(std::vector<center::CellAddress>(), [&] { return actions_.Cells(); });
         faults_.assign(cells_.size(), std::nullopt);
+        reported_ = GuardedOr(std::vector<center::ReportedFault>(), [&] { return actions_.Reported(); });
         Order();
         endResetModel();
     }
-    center::CellAddress CellAt(int row) const { return cells_[order_[static_cast<std::size_t>(row)]]; }
+    // Of one of the two there is something.
+    std::optional<center::CellAddress> CellAt(int row) const {
+        const std::size_t index = IndexAt(row);
+        return index < cells_.size() ? std::optional(cells_[index]) : std::nullopt;
+    }
+    std::optional<std::size_t> ReportedAt(int row) const {
+        const std::size_t index = IndexAt(row);
+        return index < cells_.size() ? std::nullopt : std::optional(index - cells_.size());
+    }
+    const center::ReportedFault& Reported(std::size_t place) const { return reported_[place]; }
 
     int rowCount(const QModelIndex& parent = {}) const override {
-        return parent.isValid() ? 0 : static_cast<int>(cells_.size());
+        return parent.isValid() ? 0 : static_cast<int>(order_.size());
     }
     int columnCount(const QModelIndex& parent = {}) const override {
-        return parent.isValid() ? 0 : kFieldCount;
+        if (parent.isValid()) return 0;
+        return reported_.empty() ? static_cast<int>(kSource) : static_cast<int>(kFieldCount);
     }
     QVariant data(const QModelIndex& index, int role) const override {
         if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return {};
-        const QString text = TextOf(order_[static_cast<std::size_t>(index.row())], index.column());
+        const QString text = TextOf(IndexAt(index.row()), index.column());
         return role == Qt::ToolTipRole ? ToolTipText(text) : text;
     }
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
@@ -70,7 +114,9 @@ class FaultModel : public QAbstractTableModel {
     }
 
   private:
+    std::size_t IndexAt(int row) const { return order_[static_cast<std::size_t>(row)]; }
     QString TextOf(std::size_t index, int field) const {
+        if (index >= cells_.size()) return TextOfReported(reported_[index - cells_.size()], field);
         const center::CellAddress cell = cells_[index];
         if (field == kRow) return QString::number(cell.row);
         const center::Fault& fault = FaultAt(index);
@@ -81,9 +127,17 @@ class FaultModel : public QAbstractTableModel {
             }
             case kValue:
                 return ToQt(fault.value).simplified();
-            default:
+            case kReason:
                 return ToQt(fault.reason).simplified();
+            default:
+                return QStringLiteral("当前模板");
         }
+    }
+    // Rows and columns of the grid come before those of sheets.
+    std::pair<bool, int> NumberOf(std::size_t index, int field) const {
+        if (index < cells_.size()) return {false, field == kRow ? cells_[index].row : cells_[index].column};
+        const store::LineFault& fault = reported_[index - cells_.size()].fault;
+        return {true, field == kRow ? fault.row : fault.column};
     }
     const center::Fault& FaultAt(std::size_t index) const {
         std::optional<center::Fault>& fault = faults_[index];
@@ -91,14 +145,13 @@ class FaultModel : public QAbstractTableModel {
         return *fault;
     }
     void Order() {
-        order_.resize(cells_.size());
+        order_.resize(cells_.size() + reported_.size());
         std::iota(order_.begin(), order_.end(), std::size_t{0});
         const auto less = [&](std::size_t a, std::size_t b) {
             switch (sortedBy_) {
                 case kRow:
-                    return cells_[a].row < cells_[b].row;
                 case kColumn:
-                    return cells_[a].column < cells_[b].column;
+                    return NumberOf(a, sortedBy_) < NumberOf(b, sortedBy_);
                 default:
                     return TextOf(a, sortedBy_) < TextOf(b, sortedBy_);
             }
@@ -109,6 +162,7 @@ class FaultModel : public QAbstractTableModel {
 
     center::FaultActions& actions_;
     std::vector<center::CellAddress> cells_;
+    std::vector<center::ReportedFault> reported_;
     mutable std::vector<std::optional<center::Fault>> faults_;
     std::vector<std::size_t> order_;
     int sortedBy_ = kRow;
@@ -135,7 +189,12 @@ FaultPanel::FaultPanel(center::FaultActions& actions, QWidget* parent)
     table_->setTabKeyNavigation(false);
     table_->installEventFilter(this);
     setWidget(table_);
-    connect(table_, &QTableView::clicked, this, &FaultPanel::GoTo);
+    connect(table_, &QTableView::clicked, this, [this](const QModelIndex& index) {
+        // Who gathers rows to copy them opens no workbook by it.
+        const bool gathers =
+            (QApplication::keyboardModifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) != 0;
+        if (!gathers || !index.isValid() || model_->CellAt(index.row())) GoTo(index);
+    });
     hide();
 }
 
@@ -160,8 +219,26 @@ void FaultPanel::showEvent(QShowEvent* event) {
 
 void FaultPanel::GoTo(const QModelIndex& index) {
     if (!index.isValid()) return;
-    const center::CellAddress cell = model_->CellAt(index.row());
-    Guarded([&] { actions_.GoTo(cell); });
+    Guarded([&] {
+        if (const auto cell = model_->CellAt(index.row())) {
+            actions_.GoTo(*cell);
+        } else if (const auto place = model_->ReportedAt(index.row())) {
+            // A copy: the list may be another one by the time a message is closed.
+            const center::ReportedFault fault = model_->Reported(*place);
+            actions_.OpenReported(fault);
+        }
+    });
+}
+
+// What has been reported goes off the list; a faulty cell stays there until it is mended.
+void FaultPanel::DropRows() {
+    std::vector<std::size_t> places;
+    for (const QModelIndex& index : table_->selectionModel()->selectedRows()) {
+        if (const auto place = model_->ReportedAt(index.row())) places.push_back(*place);
+    }
+    if (places.empty()) return;
+    actions_.DropReported(places);
+    Read();
 }
 
 // The selected rows, or all of them, with their headings: for a list that is worked off elsewhere.
@@ -169,7 +246,7 @@ void FaultPanel::CopyRows() {
     const QItemSelectionModel& selection = *table_->selectionModel();
     QString text;
     const auto add = [&](auto textOf) {
-        for (int field = 0; field < kFieldCount; ++field)
+        for (int field = 0; field < model_->columnCount(); ++field)
             text += (field > 0 ? QStringLiteral("\t") : QString()) + textOf(field);
         text += QStringLiteral("\r\n");
     };
@@ -191,6 +268,10 @@ bool FaultPanel::eventFilter(QObject* watched, QEvent* event) {
         }
         if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
             GoTo(table_->currentIndex());
+            return true;
+        }
+        if (key.key() == Qt::Key_Delete) {
+            Guarded([this] { DropRows(); });
             return true;
         }
         if (key.key() == Qt::Key_Escape) {

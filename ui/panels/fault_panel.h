@@ -1,7 +1,8 @@
 #pragma once
 
-// The list of faults below the window: row, column, value and reason of every faulty cell, to be sorted,
-// copied and gone to. Hidden until it is asked for. User-interface thread only.
+// The list of faults below the window: row, column, value and reason of every faulty cell, and of what a
+// workbook or vouchers brought that could not be taken, with its source; to be sorted, copied and gone to.
+// Hidden until it is asked for. User-interface thread only.
 
 #include <QDockWidget>
 #include <QTableView>
@@ -31,6 +32,7 @@ class FaultPanel : public QDockWidget {
     void Read();
     void GoTo(const QModelIndex& index);
     void CopyRows();
+    void DropRows();
 
     center::FaultActions& actions_;
     FaultModel* model_;

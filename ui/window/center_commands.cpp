@@ -56,16 +56,22 @@ class ExchangeWindow : public exchange::TemplateWindow {
     center::ProgressState progress_;
 };
 
+// Nothing is to be said of a file that was not chosen after all.
+void Report(center::CommandTarget& window, const exchange::ImportOutcome& outcome) {
+    if (outcome.written || !outcome.refusal.empty())
+        window.ReportFaults({center::FaultSource::Workbook, outcome.file, outcome.faults});
+}
+
 }  // namespace
 
 void CenterCommands::Import(center::CommandTarget& window) {
     ExchangeWindow exchangeWindow(window);
-    exchange::ImportTemplate(exchangeWindow);
+    Report(window, exchange::ImportTemplate(exchangeWindow));
 }
 
 void CenterCommands::ImportFile(center::CommandTarget& window, const std::string& fileName) {
     ExchangeWindow exchangeWindow(window);
-    exchange::ImportTemplateFile(exchangeWindow, fileName);
+    Report(window, exchange::ImportTemplateFile(exchangeWindow, fileName));
 }
 
 void CenterCommands::Export(center::CommandTarget& window) {
@@ -81,6 +87,8 @@ void CenterCommands::GenerateFromVouchers(center::CommandTarget& window) {
     AutoVchDialog dialog(QApplication::activeWindow());
     dialog.exec();
     const autovch::GenerationResult& result = dialog.Result();
+    if (result.outcome || !result.faults.empty())
+        window.ReportFaults({center::FaultSource::Vouchers, result.templateName, result.faults});
     if (!result.outcome) return;
     window.ShowStoredTemplate(result.outcome.id);
     system::Surroundings::Current().messageBoxes->Show(

@@ -286,7 +286,12 @@ bool VICenterWindow::MoveBetweenFaults(const QKeyEvent& event) {
         return true;
     }
     if ((modifiers & ~Qt::ShiftModifier) != Qt::NoModifier) return false;
-    Guarded([&] { presenter_->Faults().GoToNext(modifiers == Qt::ShiftModifier); });
+    Guarded([&] {
+        center::FaultActions& faults = presenter_->Faults();
+        // What is in no cell can only be looked at.
+        if (faults.Cells().empty() && !faults.Reported().empty()) faults_->show();
+        faults.GoToNext(modifiers == Qt::ShiftModifier);
+    });
     return true;
 }
 

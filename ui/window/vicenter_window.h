@@ -86,6 +86,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void SetModified(const std::string& key, bool modified) override;
     void SetUnusableNodes(const std::vector<std::string>& keys) override;
     void FaultsChanged() override;
+    void ShowFaults() override;
     void FocusGrid() override;
     void SetToolStates(const center::ToolStates& states) override;
     void SetTemplateName(const std::string& name) override;

@@ -45,6 +45,10 @@ void VICenterWindow::FaultsChanged() {
     if (faults_) faults_->Refresh();
 }
 
+void VICenterWindow::ShowFaults() {
+    if (faults_) faults_->show();
+}
+
 void VICenterWindow::FocusGrid() {
     grid_->setFocus(Qt::OtherFocusReason);
 }
