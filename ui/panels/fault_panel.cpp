@@ -24,6 +24,8 @@ namespace {
 
 // The source is told once something has been reported from elsewhere.
 enum Field { kRow, kColumn, kValue, kReason, kSource, kFieldCount };
+constexpr int kRowWidth = 60;
+constexpr int kNameWidth = 160;
 constexpr int kReadingMilliseconds = 0;  // once the events that are due have run
 
 QString Heading(int field) {
@@ -185,7 +187,10 @@ FaultPanel::FaultPanel(center::FaultActions& actions, QWidget* parent)
     table_->setWordWrap(false);
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 6);
-    table_->horizontalHeader()->setStretchLastSection(true);
+    table_->horizontalHeader()->setSectionResizeMode(kReason, QHeaderView::Stretch);
+    table_->setColumnWidth(kRow, kRowWidth);
+    table_->setColumnWidth(kColumn, kNameWidth);
+    table_->setColumnWidth(kValue, kNameWidth);
     table_->setTabKeyNavigation(false);
     table_->installEventFilter(this);
     setWidget(table_);
@@ -209,7 +214,9 @@ void FaultPanel::Refresh() {
 }
 
 void FaultPanel::Read() {
+    const int before = model_->columnCount();
     model_->Read();
+    if (before < model_->columnCount()) table_->setColumnWidth(kSource, kNameWidth);
 }
 
 void FaultPanel::showEvent(QShowEvent* event) {

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPointer>
 #include <QStyledItemDelegate>
 #include <QTimer>
@@ -85,6 +86,20 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
         // The letters of a lit node have the selection's colour: its ground says that its numbers are faulty.
         option->palette.setColor(QPalette::Active, QPalette::Highlight, colors::kRefusal);
         option->palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors::kFaulty);
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem own = option;
+        initStyleOption(&own, index);
+        const bool lit = (option.state & QStyle::State_Selected) != 0;
+        const auto group = (option.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
+        // The ground is one from the edge of the tree on.
+        if (lit && index.data(Qt::ForegroundRole).isValid()) {
+            painter->fillRect(QRect(QPoint(0, option.rect.top()), option.rect.bottomRight()),
+                              own.palette.brush(group, QPalette::Highlight));
+        }
+        QStyledItemDelegate::paint(painter, option, index);
     }
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
