@@ -195,6 +195,15 @@ class ExcelRange : public TableObject<ExcelRange> {
     }
     bool IsWholeColumns() const;
     void AutoFit();
+    std::string NumberFormat() const;
+    void SetNumberFormat(std::string format);
+    std::int32_t Count() const;
+    std::shared_ptr<ExcelRange> CellAt(const Variant& row, const Variant& column) const;
+    std::shared_ptr<ExcelRange> EntireColumn() const;
+    std::string Address() const;
+    // Of the first column, in characters of the standard font.
+    double ColumnWidth() const;
+    void SetColumnWidth(double width);
     std::shared_ptr<ExcelRange> Self() { return std::static_pointer_cast<ExcelRange>(shared_from_this()); }
 
     std::shared_ptr<ExcelWorksheet> sheet_;

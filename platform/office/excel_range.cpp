@@ -131,133 +131,132 @@ void ExcelRange::AutoFit() {
     }
 }
 
+std::string ExcelRange::NumberFormat() const {
+    std::string format = Format().numberFormat;
+    return format.empty() ? "General" : format;
+}
+
+void ExcelRange::SetNumberFormat(std::string format) {
+    if (format == "General" || format == "G/通用格式") format.clear();
+    ChangeFormat([&format](CellFormat& look) { look.numberFormat = format; });
+}
+
+// A piece is whatever the range was asked as: Rows.Count counts rows, Columns.Count columns.
+std::int32_t ExcelRange::Count() const {
+    const std::int64_t rows = area_.lastRow - area_.firstRow + 1;
+    const std::int64_t columns = area_.lastColumn - area_.firstColumn + 1;
+    if (pieces_ == Pieces::Rows) return static_cast<std::int32_t>(rows);
+    if (pieces_ == Pieces::Columns) return static_cast<std::int32_t>(columns);
+    const std::int64_t cells = rows * columns;
+    if (cells > INT32_MAX) throw automation::Error(automation::error_number::kOverflow);
+    return static_cast<std::int32_t>(cells);
+}
+
+std::shared_ptr<ExcelRange> ExcelRange::CellAt(const Variant& row, const Variant& column) const {
+    const CellArea within = sheet_->AreaOfCell(row, column);
+    const std::uint32_t atRow = area_.firstRow + within.firstRow;
+    const std::uint32_t atColumn = area_.firstColumn + within.firstColumn;
+    return Part({atRow, atColumn, atRow, atColumn}, Pieces::Cells);
+}
+
+std::shared_ptr<ExcelRange> ExcelRange::EntireColumn() const {
+    CellArea area = sheet_->WholeArea();
+    area.firstColumn = area_.firstColumn;
+    area.lastColumn = area_.lastColumn;
+    return Part(area, Pieces::Columns);
+}
+
+std::string ExcelRange::Address() const {
+    const auto name = [](std::uint32_t row, std::uint32_t column) {
+        std::string place("$");
+        place.append(ColumnLetters(column + 1)).append("$");
+        return place.append(std::to_string(row + 1));
+    };
+    std::string text = name(area_.firstRow, area_.firstColumn);
+    if (!IsSingleCell()) text.append(":").append(name(area_.lastRow, area_.lastColumn));
+    return text;
+}
+
+double ExcelRange::ColumnWidth() const {
+    constexpr double kStandardWidth = 8.43;
+    const auto& columns = sheet_->Content().Columns();
+    const auto setting = columns.find(area_.firstColumn);
+    return setting == columns.end() || setting->second.width <= 0 ? kStandardWidth : setting->second.width;
+}
+
+void ExcelRange::SetColumnWidth(double width) {
+    constexpr double kMaxWidth = 255;
+    if (width < 0 || width > kMaxWidth) FailExcel("列宽无效！");
+    const std::uint32_t last = std::min(area_.lastColumn, kMaxXlsColumns - 1);
+    for (std::uint32_t column = area_.firstColumn; column <= last; ++column)
+        sheet_->Content().ColumnAt(column).width = width;
+}
+
 const MemberTable<ExcelRange>& ExcelRange::Members() {
+    using Range = ExcelRange;
     using automation::IndexedProperty;
     using automation::Method;
     using automation::Property;
-    const auto numberFormat = [](ExcelRange& self, Arguments&) -> Variant {
-        std::string format = self.Format().numberFormat;
-        return format.empty() ? std::string("General") : format;
+    const auto value = [](Range& self, Arguments&) -> Variant { return self.Value(); };
+    const auto setValue = [](Range& self, Arguments& a) { self.SetValue(a[0].Value()); };
+    // A date as the number that stands for it.
+    const auto plainValue = [](Range& self, Arguments&) -> Variant {
+        const Variant result = self.Value();
+        return result.Type() == automation::VariantType::Date ? Variant(result.ToDouble()) : result;
     };
-    const auto setNumberFormat = [](ExcelRange& self, Arguments& a) {
-        std::string format = a[0].Value().ToText();
-        if (format == "General" || format == "G/通用格式") format.clear();
-        self.ChangeFormat([&format](CellFormat& look) { look.numberFormat = format; });
+    const auto format = [](Range& self, Arguments&) -> Variant { return self.NumberFormat(); };
+    const auto setFormat = [](Range& self, Arguments& a) { self.SetNumberFormat(a[0].Value().ToText()); };
+    const auto select = [](Range& self, Arguments&) -> Variant {
+        self.sheet_->Content();  // the error of a sheet that is gone
+        self.sheet_->Book()->Application()->SetSelection(self.Part(self.area_, self.pieces_));
+        return true;
     };
-    const auto value = [](ExcelRange& self, Arguments&) -> Variant { return self.Value(); };
-    const auto setValue = [](ExcelRange& self, Arguments& a) { self.SetValue(a[0].Value()); };
-    static const MemberTable<ExcelRange> table{
-        Property<ExcelRange>("Value", value, setValue).AsDefault(),
-        Property<ExcelRange>(
-            "Value2",
-            [](ExcelRange& self, Arguments&) -> Variant {
-                const Variant result = self.Value();
-                return result.Type() == automation::VariantType::Date ? Variant(result.ToDouble()) : result;
-            },
-            setValue),
-        Property<ExcelRange>("Formula", value, setValue),
-        Property<ExcelRange>("Text", [](ExcelRange& self, Arguments&) -> Variant { return self.Text(); }),
-        Property<ExcelRange>("NumberFormat", numberFormat, setNumberFormat),
-        Property<ExcelRange>("NumberFormatLocal", numberFormat, setNumberFormat),
-        Property<ExcelRange>(
+    static const MemberTable<Range> table{
+        Property<Range>("Value", value, setValue).AsDefault(),
+        Property<Range>("Value2", plainValue, setValue),
+        Property<Range>("Formula", value, setValue),
+        Property<Range>("Text", [](Range& self, Arguments&) -> Variant { return self.Text(); }),
+        Property<Range>("NumberFormat", format, setFormat),
+        Property<Range>("NumberFormatLocal", format, setFormat),
+        Property<Range>(
             "Font",
-            [](ExcelRange& self, Arguments&) -> Variant { return std::make_shared<ExcelFont>(self.Self()); }),
-        IndexedProperty<ExcelRange>("Borders", {"Index?"},
-                                    [](ExcelRange& self, Arguments&) -> Variant {
-                                        return std::make_shared<ExcelBorders>(self.Self());
-                                    }),
-        Property<ExcelRange>("Interior",
-                             [](ExcelRange& self, Arguments&) -> Variant {
-                                 return std::make_shared<ExcelInterior>(self.Self());
-                             }),
-        Property<ExcelRange>("Count",
-                             [](ExcelRange& self, Arguments&) -> Variant {
-                                 const std::int64_t rows = self.area_.lastRow - self.area_.firstRow + 1;
-                                 const std::int64_t columns =
-                                     self.area_.lastColumn - self.area_.firstColumn + 1;
-                                 if (self.pieces_ == Pieces::Rows) return static_cast<std::int32_t>(rows);
-                                 if (self.pieces_ == Pieces::Columns)
-                                     return static_cast<std::int32_t>(columns);
-                                 const std::int64_t cells = rows * columns;
-                                 if (cells > INT32_MAX) {
-                                     throw automation::Error(automation::error_number::kOverflow);
-                                 }
-                                 return static_cast<std::int32_t>(cells);
-                             }),
-        Property<ExcelRange>(
-            "Rows",
-            [](ExcelRange& self, Arguments&) -> Variant { return self.Part(self.area_, Pieces::Rows); }),
-        Property<ExcelRange>(
+            [](Range& self, Arguments&) -> Variant { return std::make_shared<ExcelFont>(self.Self()); }),
+        IndexedProperty<Range>(
+            "Borders", {"Index?"},
+            [](Range& self, Arguments&) -> Variant { return std::make_shared<ExcelBorders>(self.Self()); }),
+        Property<Range>(
+            "Interior",
+            [](Range& self, Arguments&) -> Variant { return std::make_shared<ExcelInterior>(self.Self()); }),
+        Property<Range>("Count", [](Range& self, Arguments&) -> Variant { return self.Count(); }),
+        Property<Range>(
+            "Rows", [](Range& self, Arguments&) -> Variant { return self.Part(self.area_, Pieces::Rows); }),
+        Property<Range>(
             "Columns",
-            [](ExcelRange& self, Arguments&) -> Variant { return self.Part(self.area_, Pieces::Columns); }),
-        IndexedProperty<ExcelRange>("Cells", {"RowIndex", "ColumnIndex"},
-                                    [](ExcelRange& self, Arguments& a) -> Variant {
-                                        const CellArea area =
-                                            self.sheet_->AreaOfCell(a[0].Value(), a[1].Value());
-                                        const std::uint32_t row = self.area_.firstRow + area.firstRow;
-                                        const std::uint32_t column =
-                                            self.area_.firstColumn + area.firstColumn;
-                                        return self.Part({row, column, row, column}, Pieces::Cells);
-                                    }),
-        Property<ExcelRange>("EntireColumn",
-                             [](ExcelRange& self, Arguments&) -> Variant {
-                                 CellArea area = self.sheet_->WholeArea();
-                                 area.firstColumn = self.area_.firstColumn;
-                                 area.lastColumn = self.area_.lastColumn;
-                                 return self.Part(area, Pieces::Columns);
-                             }),
-        Property<ExcelRange>("Row",
-                             [](ExcelRange& self, Arguments&) -> Variant {
-                                 return static_cast<std::int32_t>(self.area_.firstRow + 1);
-                             }),
-        Property<ExcelRange>("Column",
-                             [](ExcelRange& self, Arguments&) -> Variant {
-                                 return static_cast<std::int32_t>(self.area_.firstColumn + 1);
-                             }),
-        Property<ExcelRange>("Address",
-                             [](ExcelRange& self, Arguments&) -> Variant {
-                                 const auto name = [](std::uint32_t row, std::uint32_t column) {
-                                     std::string place("$");
-                                     place.append(ColumnLetters(column + 1)).append("$");
-                                     return place.append(std::to_string(row + 1));
-                                 };
-                                 std::string text = name(self.area_.firstRow, self.area_.firstColumn);
-                                 if (!self.IsSingleCell()) {
-                                     text.append(":").append(name(self.area_.lastRow, self.area_.lastColumn));
-                                 }
-                                 return text;
-                             }),
-        Property<ExcelRange>(
-            "ColumnWidth",
-            [](ExcelRange& self, Arguments&) -> Variant {
-                constexpr double kStandardWidth = 8.43;
-                const auto& columns = self.sheet_->Content().Columns();
-                const auto setting = columns.find(self.area_.firstColumn);
-                return setting == columns.end() || setting->second.width <= 0 ? kStandardWidth
-                                                                              : setting->second.width;
-            },
-            [](ExcelRange& self, Arguments& a) {
-                const double width = a[0].Value().ToDouble();
-                constexpr double kMaxWidth = 255;
-                if (width < 0 || width > kMaxWidth) FailExcel("列宽无效！");
-                const std::uint32_t last = std::min(self.area_.lastColumn, kMaxXlsColumns - 1);
-                for (std::uint32_t column = self.area_.firstColumn; column <= last; ++column) {
-                    self.sheet_->Content().ColumnAt(column).width = width;
-                }
-            }),
-        Method<ExcelRange>("AutoFit", {},
-                           [](ExcelRange& self, Arguments&) -> Variant {
-                               self.AutoFit();
-                               return true;
-                           }),
-        Method<ExcelRange>("Select", {},
-                           [](ExcelRange& self, Arguments&) -> Variant {
-                               self.sheet_->Content();
-                               self.sheet_->Book()->Application()->SetSelection(
-                                   self.Part(self.area_, self.pieces_));
-                               return true;
-                           }),
-        Method<ExcelRange>("Activate", {}, [](ExcelRange&, Arguments&) -> Variant { return true; }),
+            [](Range& self, Arguments&) -> Variant { return self.Part(self.area_, Pieces::Columns); }),
+        IndexedProperty<Range>(
+            "Cells", {"RowIndex", "ColumnIndex"},
+            [](Range& self, Arguments& a) -> Variant { return self.CellAt(a[0].Value(), a[1].Value()); }),
+        Property<Range>("EntireColumn",
+                        [](Range& self, Arguments&) -> Variant { return self.EntireColumn(); }),
+        Property<Range>("Row",
+                        [](Range& self, Arguments&) -> Variant {
+                            return static_cast<std::int32_t>(self.area_.firstRow + 1);
+                        }),
+        Property<Range>("Column",
+                        [](Range& self, Arguments&) -> Variant {
+                            return static_cast<std::int32_t>(self.area_.firstColumn + 1);
+                        }),
+        Property<Range>("Address", [](Range& self, Arguments&) -> Variant { return self.Address(); }),
+        Property<Range>(
+            "ColumnWidth", [](Range& self, Arguments&) -> Variant { return self.ColumnWidth(); },
+            [](Range& self, Arguments& a) { self.SetColumnWidth(a[0].Value().ToDouble()); }),
+        Method<Range>("AutoFit", {},
+                      [](Range& self, Arguments&) -> Variant {
+                          self.AutoFit();
+                          return true;
+                      }),
+        Method<Range>("Select", {}, select),
+        Method<Range>("Activate", {}, [](Range&, Arguments&) -> Variant { return true; }),
     };
     return table;
 }

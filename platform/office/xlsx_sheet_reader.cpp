@@ -121,8 +121,6 @@ class SheetReader {
     }
 
     void ReadCell() {
-        std::uint32_t row = row_;
-        std::uint32_t column = nextColumn_;
         std::string_view reference;
         std::string_view style;
         std::string_view type;
@@ -133,62 +131,80 @@ class SheetReader {
             if (name == "s") style = value;
             if (name == "t") type = value;
         });
-        if (!reference.empty()) {
-            const auto place = ReadReference(reference);
-            if (!place) FailDamaged("单元格位置");
-            row = place->row;
-            column = place->column;
-        }
-        if (column >= kMaxColumns || row >= kMaxRows) FailDamaged("单元格位置");
-        nextColumn_ = column + 1;
-        std::uint16_t format = 0;
+        const Place place = PlaceOf(reference);
+        nextColumn_ = place.column + 1;
         const bool styled = !style.empty();
-        if (styled) {
-            std::uint32_t index = 0;
-            std::from_chars(style.data(), style.data() + style.size(), index);
-            if (index < tables_.formats.size()) format = tables_.formats[index];
-        }
+        const std::uint16_t format = FormatOf(style);
         const ValueKind kind = KindOfType(type);
+        // From here on the views are gone: the scanner reads on.
+        const Content content = ReadContent(kind);
+        // A 0 with the wish that everything be calculated is a writer's way to have no result.
+        const std::string_view result = Trim(text_);
+        if (content.isFormula && kind == ValueKind::Number &&
+            (result.empty() || (result == "0" && workbook_.calculatesOnLoad))) {
+            formulas_.Add(place.row, place.column, formula_);
+            sheet_.Append(place.row, place.column, format);
+            return;
+        }
+        if (!content.anyValue) {
+            // Borders and the like around nothing.
+            if (styled) sheet_.ExtendUsedArea(place.row, place.column);
+            return;
+        }
+        Store(place, format, kind);
+    }
 
-        text_.clear();
-        formula_.clear();
+    // A cell that does not say where it is follows the one before it.
+    Place PlaceOf(std::string_view reference) const {
+        Place place{row_, nextColumn_};
+        if (!reference.empty()) {
+            const auto told = ReadReference(reference);
+            if (!told) FailDamaged("单元格位置");
+            place = *told;
+        }
+        if (place.column >= kMaxColumns || place.row >= kMaxRows) FailDamaged("单元格位置");
+        return place;
+    }
+
+    // A style that the workbook does not have is none, as spreadsheets take it.
+    std::uint16_t FormatOf(std::string_view style) const {
+        if (style.empty()) return 0;
+        std::uint32_t index = 0;
+        std::from_chars(style.data(), style.data() + style.size(), index);
+        return index < tables_.formats.size() ? tables_.formats[index] : std::uint16_t{0};
+    }
+
+    struct Content {
         bool anyValue = false;
         bool isFormula = false;
+    };
+
+    // What stands within the element, into text_ and formula_: both are kept for their room.
+    Content ReadContent(ValueKind kind) {
+        Content content;
+        text_.clear();
+        formula_.clear();
         const std::size_t depth = scanner_.Depth();
         while (true) {
             const Token token = scanner_.Next();
             if (token == Token::Finished) FailDamaged("XML 不完整");
-            if (token == Token::End && scanner_.Depth() < depth) break;
+            if (token == Token::End && scanner_.Depth() < depth) return content;
             if (token != Token::Start) continue;
             // A value that stands beside an inline text all the same must not be joined to it.
             if (scanner_.Name() == "v" && kind != ValueKind::InlineText) {
                 ReadText(text_);
-                anyValue = true;
+                content.anyValue = true;
             } else if (scanner_.Name() == "f") {
                 ReadText(formula_);
-                isFormula = true;
+                content.isFormula = true;
             } else if (scanner_.Name() == "is") {
                 text_.clear();
                 ReadStringItem(scanner_, text_);
-                anyValue = true;
+                content.anyValue = true;
             } else {
                 scanner_.SkipElement();
             }
         }
-        // A 0 with the wish that everything be calculated is a writer's way to have no result.
-        const std::string_view result = Trim(text_);
-        if (isFormula && kind == ValueKind::Number &&
-            (result.empty() || (result == "0" && workbook_.calculatesOnLoad))) {
-            formulas_.Add(row, column, formula_);
-            sheet_.Append(row, column, format);
-            return;
-        }
-        if (!anyValue) {
-            // Borders and the like around nothing.
-            if (styled) sheet_.ExtendUsedArea(row, column);
-            return;
-        }
-        Store(row, column, format, kind);
     }
 
     void ReadText(std::string& text) {
@@ -201,73 +217,77 @@ class SheetReader {
         }
     }
 
-    void Store(std::uint32_t row, std::uint32_t column, std::uint16_t format, ValueKind kind) {
-        const auto setText = [this](Cell& cell, std::string_view text) {
-            cell.kind = CellKind::Text;
-            cell.text = workbook_.Texts().Intern(text);
-        };
+    Cell& Append(const Place& place, std::uint16_t format) {
+        return sheet_.Append(place.row, place.column, format);
+    }
+    void SetText(Cell& cell, std::string_view text) {
+        cell.kind = CellKind::Text;
+        cell.text = workbook_.Texts().Intern(text);
+    }
+
+    void Store(const Place& place, std::uint16_t format, ValueKind kind) {
         switch (kind) {
-            case ValueKind::SharedText: {
-                std::uint32_t index = 0;
-                const std::string_view number = Trim(text_);
-                const auto [rest, error] =
-                    std::from_chars(number.data(), number.data() + number.size(), index);
-                if (error != std::errc() || rest != number.data() + number.size() ||
-                    index >= tables_.sharedTexts.size()) {
-                    FailDamaged("共享字符串");
-                }
-                Cell& cell = sheet_.Append(row, column, format);
-                cell.kind = CellKind::Text;
-                cell.text = tables_.sharedTexts[index];
-                return;
-            }
+            case ValueKind::SharedText:
+                return StoreSharedText(place, format);
             case ValueKind::InlineText:
-                setText(sheet_.Append(row, column, format), text_);
-                return;
+                return SetText(Append(place, format), text_);
             case ValueKind::FormulaText:
                 // The other two kinds of text have been through this where their items were read.
                 ResolvePackageEscapes(text_);
-                setText(sheet_.Append(row, column, format), text_);
-                return;
+                return SetText(Append(place, format), text_);
             case ValueKind::Boolean: {
                 const std::string_view value = Trim(text_);
-                Cell& cell = sheet_.Append(row, column, format);
+                Cell& cell = Append(place, format);
                 cell.kind = CellKind::Boolean;
                 cell.boolean = value == "1" || value == "true";
                 return;
             }
             case ValueKind::Error: {
-                Cell& cell = sheet_.Append(row, column, format);
+                Cell& cell = Append(place, format);
                 cell.kind = CellKind::Error;
                 cell.error = CellErrorFromText(Trim(text_));
                 return;
             }
-            case ValueKind::Date: {
-                std::string_view value = Trim(text_);
-                // The mark of a zone, which spreadsheets do not have.
-                if (value.ends_with('Z')) value.remove_suffix(1);
-                const auto date = automation::DateTime::Parse(value);
-                Cell& cell = sheet_.Append(row, column, format);
-                if (!date) {
-                    setText(cell, text_);
-                    return;
-                }
-                if (!workbook_.Formats().IsDate(format)) cell.format = tables_.dateFormat;
-                cell.kind = CellKind::Number;
-                cell.number = SerialFromDate(*date, workbook_.dates1904);
-                return;
-            }
+            case ValueKind::Date:
+                return StoreDate(place, format);
             case ValueKind::Number:
-                break;
+                return StoreNumber(place, format);
         }
+    }
+
+    // A number of a text that the workbook does not have is damage: another text would be a wrong one.
+    void StoreSharedText(const Place& place, std::uint16_t format) {
+        std::uint32_t index = 0;
+        const std::string_view number = Trim(text_);
+        const auto [rest, error] = std::from_chars(number.data(), number.data() + number.size(), index);
+        if (error != std::errc() || rest != number.data() + number.size() ||
+            index >= tables_.sharedTexts.size()) {
+            FailDamaged("共享字符串");
+        }
+        Cell& cell = Append(place, format);
+        cell.kind = CellKind::Text;
+        cell.text = tables_.sharedTexts[index];
+    }
+
+    void StoreDate(const Place& place, std::uint16_t format) {
+        std::string_view value = Trim(text_);
+        // The mark of a zone, which spreadsheets do not have.
+        if (value.ends_with('Z')) value.remove_suffix(1);
+        const auto date = automation::DateTime::Parse(value);
+        Cell& cell = Append(place, format);
+        if (!date) return SetText(cell, text_);
+        if (!workbook_.Formats().IsDate(format)) cell.format = tables_.dateFormat;
+        cell.kind = CellKind::Number;
+        cell.number = SerialFromDate(*date, workbook_.dates1904);
+    }
+
+    // What is no number stays as the text that it is, so that whoever imports it sees what stands there.
+    void StoreNumber(const Place& place, std::uint16_t format) {
         const std::string_view value = Trim(text_);
-        if (value.empty()) {
-            sheet_.ExtendUsedArea(row, column);
-            return;
-        }
+        if (value.empty()) return sheet_.ExtendUsedArea(place.row, place.column);
         double number = 0;
         const auto [rest, error] = std::from_chars(value.data(), value.data() + value.size(), number);
-        Cell& cell = sheet_.Append(row, column, format);
+        Cell& cell = Append(place, format);
         if (error == std::errc() && rest == value.data() + value.size() && std::isfinite(number)) {
             cell.kind = CellKind::Number;
             cell.number = number;
@@ -276,7 +296,7 @@ class SheetReader {
             cell.kind = CellKind::Number;
             cell.number = *lenient;
         } else {
-            setText(cell, text_);
+            SetText(cell, text_);
         }
     }
 
