@@ -2,24 +2,17 @@
 
 #include <string_view>
 
+#include "text/utf8.h"
+
 namespace vicenter::tsql::engine {
 
 namespace {
 
 bool IsUtf8(std::string_view text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const int more = lead < 0x80                   ? 0
-                         : lead >= 0xC2 && lead < 0xE0 ? 1
-                         : (lead & 0xF0) == 0xE0       ? 2
-                         : lead >= 0xF0 && lead < 0xF5 ? 3
-                                                       : -1;
-        if (more < 0 || i + static_cast<std::size_t>(more) >= text.size()) return false;
-        for (int k = 1; k <= more; ++k) {
-            if ((static_cast<unsigned char>(text[i + static_cast<std::size_t>(k)]) & 0xC0) != 0x80)
-                return false;
-        }
-        i += static_cast<std::size_t>(more) + 1;
+    for (std::size_t at = 0; at < text.size();) {
+        const text::CodePoint next = text::ReadUtf8(text, at);
+        if (!next.valid) return false;
+        at += next.length;
     }
     return true;
 }

@@ -44,9 +44,7 @@ std::string WithCase(std::string_view text, bool upper) {
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t bytes = CharacterBytes(text, at);
         if (bytes == 2) {
-            const auto lead = static_cast<unsigned char>(text[at]);
-            const auto trail = static_cast<unsigned char>(text[at + 1]);
-            std::uint32_t code = (lead & 0x1FU) << 6 | (trail & 0x3FU);
+            std::uint32_t code = text::ReadUtf8(text, at).code;
             const auto within = [&code](std::uint32_t low, std::uint32_t high) {
                 return code >= low && code <= high;
             };

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "text/ascii.h"
+#include "text/utf8.h"
 #include "tsql/types/date_part.h"
 #include "tsql/types/date_text.h"
 
@@ -40,8 +41,7 @@ std::optional<std::vector<Token>> Split(std::string_view text) {
                 ++end;
             token.kind = Token::kWord;
         } else if (byte >= 0x80) {
-            while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-                ++end;
+            end = at + text::ReadUtf8(text, at).length;
             token.kind = Token::kWord;
         }
         token.text = text.substr(at, end - at);

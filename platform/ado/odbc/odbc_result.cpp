@@ -4,6 +4,7 @@
 
 #include "automation/date_time.h"
 #include "automation/decimal.h"
+#include "text/hex.h"
 
 namespace vicenter::ado {
 
@@ -241,7 +242,6 @@ class RowReader {
 
     // As a text: bytes have no automation type of their own here.
     SQLRETURN Binary(SQLUSMALLINT column, Variant& value) {
-        static constexpr char kHex[] = "0123456789ABCDEF";
         std::string text = "0x";
         for (;;) {
             std::array<unsigned char, 4096> bytes{};
@@ -256,10 +256,8 @@ class RowReader {
             }
             const bool more = length == SQL_NO_TOTAL || static_cast<std::size_t>(length) > bytes.size();
             const std::size_t count = more ? bytes.size() : static_cast<std::size_t>(length);
-            for (std::size_t i = 0; i < count; ++i) {
-                text += kHex[bytes[i] >> 4];
-                text += kHex[bytes[i] & 15];
-            }
+            for (std::size_t i = 0; i < count; ++i)
+                text::AppendHex(text, bytes[i]);
             if (!more) break;
         }
         value = Variant(std::move(text));
