@@ -5,7 +5,6 @@
 #include "automation/class_registry.h"
 #include "automation/object.h"
 #include "entry/host_context.h"
-#include "entry/sql_text.h"
 #include "platform/ado/host_connection_service.h"
 
 namespace vicenter::entry {
@@ -21,19 +20,6 @@ Variant GetSystemProfile(std::string_view category, std::string_view key) {
         return profile->Call("GetProfile", {GetPropsString(), category, key});
     } catch (const Error&) {
         return {};
-    }
-}
-
-double GetUserSettingNumber(std::int32_t userId, std::string_view key, double otherwise) {
-    try {
-        const ObjectRef connection = CreateObject("VelaConnection.AppConnection");
-        const std::string sql = "Select FValue From t_UserSetting Where FUserID=" + std::to_string(userId) +
-                                " And FCategory='Vela_APFC' And FKey =" + SqlQuote(key);
-        const ObjectRef recordset = connection->Call("Execute", {sql}).AsObject();
-        if (recordset->Get("RecordCount").ToInt32() <= 0) return otherwise;
-        return LeadingNumber(recordset->Get("Fields", {"FValue"}).ToTextOrEmpty());
-    } catch (const Error&) {
-        return otherwise;
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// Calls to the host's own components: profile values, user settings and logs.
+// Calls to the host's own components: profile values and logs.
 //
 // Each creates its component by ProgID at the point of use and releases it afterwards. None ever fails: an
 // error gives the empty default, and a log that cannot be written is ignored. User-interface thread.
@@ -19,10 +19,6 @@ enum class LogKind : std::int32_t { Requested = 1, Closed = 2, Succeeded = 3, Fa
 
 // A value of the host's system profile; the ledger's category is "GL". Empty on failure.
 automation::Variant GetSystemProfile(std::string_view category, std::string_view key);
-
-// A user's number among the settings of category Vela_APFC (table t_UserSetting), read from the leading
-// digits of the stored text; `otherwise` without a stored row.
-double GetUserSettingNumber(std::int32_t userId, std::string_view key, double otherwise);
 
 // One entry of the host's operation log.
 void WriteOperationLog(std::string_view code, LogKind kind, std::string_view text);

@@ -18,6 +18,7 @@
 #include "store/template_history.h"
 #include "store/template_name.h"
 #include "store/template_outcome.h"
+#include "store/template_rows.h"
 
 namespace vicenter::exchange {
 
@@ -92,12 +93,10 @@ std::string ReasonOf(const Error& error) {
 // A template that has lines is not emptied without a word by a workbook that has none.
 bool ConfirmEmptying(std::int32_t existingId, const std::string& name, std::int32_t lines) {
     if (existingId == kNewTemplate || lines > 0) return true;
-    const auto rows = store::clsVIData().GetRs(
-        "select count(*) as FCount from t_VchTemplateEntry where FID = " + std::to_string(existingId));
-    if (!rows || rows->AtEnd()) throw Error(automation::error_number::kObjectVariableNotSet);
-    const std::int32_t present = rows->Value("FCount").ToInt32();
-    if (present == 0) return true;
-    return Show("模板[" + name + "]现有 " + std::to_string(present) +
+    const auto present = store::CountLines(std::to_string(existingId));
+    if (!present) throw Error(automation::error_number::kObjectVariableNotSet);
+    if (*present == 0) return true;
+    return Show("模板[" + name + "]现有 " + std::to_string(*present) +
                     " 行分录，而引入文件中没有分录，引入后该模板将被清空。请确认是否引入？",
                 entry::kMessageTitle, MessageButtons::OkCancel) == MessageResult::Ok;
 }

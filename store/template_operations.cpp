@@ -11,6 +11,7 @@
 #include "entry/sql_text.h"
 #include "store/cls_vi_data.h"
 #include "store/template_batches.h"
+#include "store/template_rows.h"
 
 namespace vicenter::store {
 
@@ -80,8 +81,7 @@ std::string clsVIData::GetVchTpProfileByUserID(const std::string& iUserID) {
 
 std::int32_t clsVIData::GetVchEntryCount(const std::string& iFID) {
     try {
-        const RecordsetRef count =
-            Query("select count(*) as FCount from t_VchTemplateEntry where FID = " + iFID);
+        const RecordsetRef count = Query(CountLinesSql(iFID));
         return count->RecordCount() >= 1 ? count->Value("FCount").ToInt32() : 0;
     } catch (const Error&) {
         return 0;

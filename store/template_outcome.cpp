@@ -1,18 +1,36 @@
 #include "store/template_outcome.h"
 
+#include <string_view>
+
 #include "entry/sql_text.h"
 #include "store/statements.h"
 
 namespace vicenter::store {
 
-std::optional<std::vector<std::string>> ReadUnusableNumbers(const std::string& templateId) {
-    const ado::RecordsetRef rows = GetRecordset(
-        "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = " + templateId + " order by fno");
+namespace {
+
+// The texts of one field, row by row; nothing on an error.
+std::optional<std::vector<std::string>> ReadField(std::string_view field, const std::string& sql) {
+    const ado::RecordsetRef rows = GetRecordset(sql);
     if (rows == nullptr) return std::nullopt;
-    std::vector<std::string> numbers;
+    std::vector<std::string> texts;
     for (; !rows->AtEnd(); rows->MoveNext())
-        numbers.push_back(rows->Value("FNo").ToTextOrEmpty());
-    return numbers;
+        texts.push_back(rows->Value(field).ToTextOrEmpty());
+    return texts;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> ReadUnusableNumbers(const std::string& templateId) {
+    return ReadField("FNo", "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = " + templateId +
+                                " order by fno");
+}
+
+std::optional<std::vector<std::string>> ReadTemplatesWithUnusableNumbers(const std::string& userId) {
+    return ReadField("FID",
+                     "select distinct a.FID from t_VchTpControl a inner join t_VchTemplate b on a.FID = b.FID"
+                     " where a.FIsCanUsed = 0 and (b.FUserID = " +
+                         userId + " or b.FID = 0) order by a.FID");
 }
 
 std::string WithUnusableNote(std::string message, const std::vector<std::string>& unusable) {

@@ -29,6 +29,10 @@ struct TemplateOutcome {
 // The numbers that the account set has marked unusable, ascending; nothing when they cannot be read.
 std::optional<std::vector<std::string>> ReadUnusableNumbers(const std::string& templateId);
 
+// The templates of a user, and the standard one, that have numbers marked unusable, ascending by id; nothing
+// when they cannot be read.
+std::optional<std::vector<std::string>> ReadTemplatesWithUnusableNumbers(const std::string& userId);
+
 // A message of success with the note about the unusable numbers below it, if there are any.
 std::string WithUnusableNote(std::string message, const std::vector<std::string>& unusable);
 

@@ -27,6 +27,16 @@ bool RenameTemplate(const std::string& id, const std::string& name) {
     return RunSql("update t_VchTemplate set FName = " + Literal(name) + " where FID = " + id);
 }
 
+std::string CountLinesSql(const std::string& templateId) {
+    return "select count(*) as FCount from t_VchTemplateEntry where FID = " + templateId;
+}
+
+std::optional<std::int32_t> CountLines(const std::string& templateId) {
+    const ado::RecordsetRef rows = GetRecordset(CountLinesSql(templateId));
+    if (rows == nullptr || rows->AtEnd()) return std::nullopt;
+    return rows->Value("FCount").ToInt32();
+}
+
 ado::RecordsetRef ReadControlRows(const std::string& templateId) {
     return GetRecordset(
         "select FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed from t_VchTpControl where FID = " + templateId +

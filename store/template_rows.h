@@ -3,6 +3,7 @@
 // One row at a time: a template's name, its control rows, a user's column profile; and the master data that
 // is asked for by id. What a batch writes is in template_batches.h. User-interface thread.
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -14,6 +15,9 @@ namespace vicenter::store {
 std::optional<bool> UserHasTemplate(const std::string& name, const std::string& userId);
 // False when the account set refuses, which the user has been shown.
 bool RenameTemplate(const std::string& id, const std::string& name);
+// The lines of a template as the account set holds them; nothing when they cannot be counted.
+std::optional<std::int32_t> CountLines(const std::string& templateId);
+std::string CountLinesSql(const std::string& templateId);
 // FNo, FUseFrequency, FKey, FFileCount and FIsCanUsed of every number; no recordset on an error.
 ado::RecordsetRef ReadControlRows(const std::string& templateId);
 

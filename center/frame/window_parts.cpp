@@ -2,7 +2,7 @@
 
 #include "center/editing/fault_text.h"
 #include "center/template/line_loader.h"
-#include "store/statements.h"
+#include "store/template_outcome.h"
 
 namespace vicenter::center {
 
@@ -133,14 +133,11 @@ void WindowParts::LooksChanged(const CellRange& range) {
 
 void WindowParts::MarkUnusable() {
     if (!offersDrafts) return;
-    const ado::RecordsetRef found = store::GetRecordset(
-        "select distinct a.FID from t_VchTpControl a inner join t_VchTemplate b on a.FID = b.FID"
-        " where a.FIsCanUsed = 0 and (b.FUserID = " +
-        state.userId + " or b.FID = 0) order by a.FID");
-    if (found == nullptr) return;
+    const auto templates = store::ReadTemplatesWithUnusableNumbers(state.userId);
+    if (!templates) return;
     std::vector<std::string> keys;
-    for (; !found->AtEnd(); found->MoveNext())
-        keys.push_back(std::string(kTemplateKeyHead) + found->Value("FID").ToText());
+    for (const std::string& id : *templates)
+        keys.push_back(std::string(kTemplateKeyHead) + id);
     state.view.SetUnusableNodes(keys);
 }
 

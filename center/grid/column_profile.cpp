@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "entry/host_context.h"
-#include "entry/host_services.h"
 #include "store/cls_vi_data.h"
 #include "store/template_rows.h"
+#include "store/user_settings.h"
 
 namespace vicenter::center {
 
@@ -90,7 +90,7 @@ void ColumnProfile::ApplyBillFont() {
     double size = kSmallestFont;
     try {
         const std::string user = entry::GetKeyValue(entry::GetPropsString(), "UserID", ";");
-        size = entry::GetUserSettingNumber(Variant(user).ToInt32(), "BillFontSize", kSmallestFont);
+        size = store::GetUserSettingNumber(Variant(user).ToInt32(), "BillFontSize", kSmallestFont);
     } catch (const Error&) {
         // A host without a user has no setting either: the default stands.
     }

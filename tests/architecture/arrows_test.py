@@ -1,5 +1,5 @@
 """Arrows point one way: floors.txt says which folder may use which, this says whether the sources and the targets
-keep to it.
+keep to it. And every statement of the component stands in store/.
 
 usage: arrows_test.py SOURCE_FOLDER LINKS_FILE     LINKS_FILE: "target|folders of its sources|linked targets" a line,
                                                    written when the build is configured
@@ -96,6 +96,19 @@ def faults_of_links(targets, floors):
     return faults
 
 
+STATEMENT = re.compile(r'"[^"]*\b(select\s[^"]*\bfrom\s|insert\s+into\s|update\s+\S+\s+set\s|delete\s+(from\s+)?t_|exec\s+\w+_|'
+                       r'declare\s+@|if\s+(not\s+)?exists|(create|drop)\s+table\s)', re.IGNORECASE)
+# Of the component; its host and the back ends have statements of their own.
+WITHOUT_STATEMENTS = ["text", "automation", "entry", "support", "dialogs", "center", "exchange", "autovch", "ui", "front"]
+
+
+def faults_of_statements(files):
+    """Texts that are statements, in folders that are to ask store/ for theirs."""
+    return [f"{path}:{number} holds a statement: {line.strip()}"
+            for path, text in sorted(files.items()) for number, line in enumerate(text.splitlines(), 1)
+            if STATEMENT.search(line.split("//")[0])]
+
+
 def fences(floors):
     return sorted({header for _, _, headers in floors for header in headers}, key=len, reverse=True)
 
@@ -125,6 +138,12 @@ class Checker(unittest.TestCase):
         targets = read_links("low|base|high\nhigh|top|\nmiddle|middle|low")
         self.assertEqual(faults_of_links(targets, self.FLOORS), ["low (base) links high: may not use top"])
 
+    def test_a_statement_is_told(self):
+        told = faults_of_statements({"a.cpp": 'f();\nQuery("select FID from t where a = " + id);\n// "select x from y"'})
+        self.assertEqual(told, ['a.cpp:2 holds a statement: Query("select FID from t where a = " + id);'])
+        self.assertEqual(len(faults_of_statements({"a.cpp": 'Run("UPDATE t set a = 1");'})), 1)
+        self.assertEqual(faults_of_statements({"a.cpp": '"selected" "update" "Select All" "from"'}), [])
+
     def test_a_floor_that_uses_a_later_one_is_told(self):
         self.assertEqual(faults_of_floors(read_floors("a: b\nb:")), ["a uses b, which is not below it"])
 
@@ -146,6 +165,12 @@ class Project(unittest.TestCase):
                  for top in tops for path in (self.root / top).rglob("*") if path.suffix in SOURCES}
         self.assertGreater(len(files), 300)
         self.assertEqual(faults_of_includes(files, self.floors, fences(self.floors)), [])
+
+    def test_every_statement_of_the_component_stands_in_store(self):
+        files = {str(path.relative_to(self.root)): path.read_text()
+                 for top in WITHOUT_STATEMENTS for path in (self.root / top).rglob("*") if path.suffix in SOURCES}
+        self.assertGreater(len(files), 100)
+        self.assertEqual(faults_of_statements(files), [])
 
     def test_every_folder_of_sources_has_a_floor(self):
         tops = {path.parent.name for path in self.root.glob("*/CMakeLists.txt")}

@@ -58,51 +58,6 @@ TEST_F(HostServicesTest, AMissingProfileIsEmpty) {
     EXPECT_TRUE(GetSystemProfile("GL", "CurrentYear").IsEmpty());
 }
 
-TEST_F(HostServicesTest, UserSettingsAreReadByTheirLeadingDigits) {
-    const auto connection = RegisterScripted("VelaConnection.AppConnection");
-    Variant stored = "12pt";
-    connection->On("Execute", [&](Arguments&) { return Variant(fakes::Rows({"FValue"}, {{stored}})); });
-    EXPECT_EQ(GetUserSettingNumber(16394, "BillFontSize", 9), 12);
-    EXPECT_EQ(connection->Calls(),
-              std::vector<std::string>{"Execute(Select FValue From t_UserSetting Where FUserID=16394 And "
-                                       "FCategory='Vela_APFC' And FKey ='BillFontSize')"});
-    stored = "10.5";
-    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 10.5);
-    stored = Variant::Null();
-    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 0);
-    stored = "big";
-    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 0);
-}
-
-TEST_F(HostServicesTest, AnApostropheInTheKeyIsDoubled) {
-    const auto connection = RegisterScripted("VelaConnection.AppConnection");
-    connection->On("Execute", [](Arguments&) { return Variant(fakes::Rows({"FValue"})); });
-    GetUserSettingNumber(1, " a'b ", 9);
-    EXPECT_EQ(connection->Calls().front(),
-              "Execute(Select FValue From t_UserSetting Where FUserID=1 And FCategory='Vela_APFC' And FKey "
-              "='a''b')");
-}
-
-TEST_F(HostServicesTest, WithoutAStoredRowTheDefaultCounts) {
-    const auto connection = RegisterScripted("VelaConnection.AppConnection");
-    connection->On("Execute", [](Arguments&) { return Variant(fakes::Rows({"FValue"})); });
-    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 9);
-}
-
-TEST_F(HostServicesTest, ARecordsetThatCannotCountGivesTheDefault) {
-    const auto connection = RegisterScripted("VelaConnection.AppConnection");
-    const auto records = std::make_shared<fakes::ScriptedObject>("Recordset");
-    records->Value("RecordCount", -1).Value("Fields", "12");
-    connection->On("Execute", [&](Arguments&) { return Variant(records); });
-    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 9);
-    records->Value("RecordCount", 1);
-    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 12);
-}
-
-TEST_F(HostServicesTest, AFailingConnectionGivesTheDefault) {
-    EXPECT_EQ(GetUserSettingNumber(1, "BillFontSize", 9), 9);
-}
-
 TEST_F(HostServicesTest, TheOperationLogGetsCodeKindAndText) {
     const auto log = RegisterScripted("VelaEBCGLView.GLData");
     log->Value("WriteLog", Variant());

@@ -6,6 +6,7 @@
 #include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "platform/system/surroundings.h"
+#include "store/user_settings.h"
 #include "tests/host/demo_set.h"
 
 namespace vicenter::host {
@@ -85,11 +86,11 @@ TEST_F(HostComponents, SystemProfileHoldsTheLedgersCalendar) {
 
 TEST_F(HostComponents, UserSettingsAreReadThroughAppConnection) {
     Register();
-    EXPECT_EQ(9, entry::GetUserSettingNumber(1, "BillFontSize", 9));
+    EXPECT_EQ(9, store::GetUserSettingNumber(1, "BillFontSize", 9));
     session_->Execute(
         "insert into t_UserSetting(FUserID,FCategory,FKey,FValue) values(1,'Vela_APFC','BillFontSize','12')");
-    EXPECT_EQ(12, entry::GetUserSettingNumber(1, "BillFontSize", 9));
-    EXPECT_EQ(9, entry::GetUserSettingNumber(2, "BillFontSize", 9));
+    EXPECT_EQ(12, store::GetUserSettingNumber(1, "BillFontSize", 9));
+    EXPECT_EQ(9, store::GetUserSettingNumber(2, "BillFontSize", 9));
 }
 
 TEST_F(HostComponents, AppConnectionPassesTheServersErrors) {
