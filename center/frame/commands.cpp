@@ -26,7 +26,6 @@ bool WindowParts::RefusedForRight() {
 void WindowParts::ClickTool(Tool tool) {
     edge.Command([&] {
         RunTool(tool);
-        drafts.SetDeclined(false);
         if (tool != Tool::Quit) MarkUnusable();
     });
 }

@@ -17,9 +17,9 @@ namespace vicenter::center {
 
 class Edge {
   public:
-    // finishTyping: hands in what is being typed and resolves it.
-    Edge(const WindowState& state, std::function<void()> finishTyping)
-        : state_(state), finishTyping_(std::move(finishTyping)) {}
+    // finishTyping: hands in what is being typed and resolves it. ended: forgets what the user has answered.
+    Edge(const WindowState& state, std::function<void()> finishTyping, std::function<void()> ended)
+        : state_(state), finishTyping_(std::move(finishTyping)), ended_(std::move(ended)) {}
 
     // What leaves typing alone: moving about, typing itself, asking. The result of an error is a fresh one.
     template <class Work>
@@ -34,18 +34,35 @@ class Edge {
         if constexpr (!std::is_void_v<Result>) return Result{};
     }
 
-    // What has been typed counts before any command looks at the grid.
+    // What has been typed counts before any command looks at the grid. An answer that its questions got holds
+    // until it ends, whichever way, with the commands that it runs itself.
     template <class Work>
     auto Command(Work work) const -> std::invoke_result_t<Work> {
         return Look([&] {
+            const Running running(*this);
             finishTyping_();
             return work();
         });
     }
 
   private:
+    class Running {
+      public:
+        explicit Running(const Edge& edge) : edge_(edge) { ++edge_.running_; }
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+        ~Running() {
+            if (--edge_.running_ == 0) edge_.ended_();
+        }
+
+      private:
+        const Edge& edge_;
+    };
+
     const WindowState& state_;
     std::function<void()> finishTyping_;
+    std::function<void()> ended_;
+    mutable int running_ = 0;
 };
 
 }  // namespace vicenter::center

@@ -28,10 +28,13 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
       items(state),
       names(state),
       blocks(state, [this] { RefreshPanels(); }),
-      edge(state, [this] {
-          state.view.CommitTyping();
-          editing.FinishTyping();
-      }) {
+      edge(
+          state,
+          [this] {
+              state.view.CommitTyping();
+              editing.FinishTyping();
+          },
+          [this] { drafts.SetDeclined(false); }) {
     state.grid->AddObserver(*this);
 }
 

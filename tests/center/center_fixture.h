@@ -224,4 +224,16 @@ class CenterTest : public testing::Test {
     std::string inserted_;
 };
 
+// A template of one line is open, and somebody changes it.
+class OpenTemplateTest : public CenterTest {
+  protected:
+    void SetUp() override {
+        lines_["5"] = {Line(1, "原来的")};
+        Open();
+        Window().Tree().NodeClick("detail-5");
+        Forget();
+    }
+    void TypeMine() { Type(1, column::kExplanation, "我的"); }
+};
+
 }  // namespace vicenter::center::test

@@ -14,15 +14,8 @@ constexpr const char* kAskOverwrite =
 constexpr const char* kAskGone = "模板 自定义模板(1) 已在别处被删除，是否将当前分录另存为新模板？";
 constexpr const char* kGone = "模板 自定义模板(1) 已在别处被删除！";
 
-class RightTemplate : public CenterTest {
+class RightTemplate : public OpenTemplateTest {
   protected:
-    void SetUp() override {
-        lines_["5"] = {Line(1, "原来的")};
-        Open();
-        Window().Tree().NodeClick("detail-5");
-        Forget();
-    }
-    void TypeMine() { Type(1, column::kExplanation, "我的"); }
     void SaveElsewhere() { lines_["5"] = {Line(1, "别人的"), Line(2, "也是")}; }
     void ExpectNothingWritten() {
         EXPECT_THAT(Sent("delete t_VchTemplate"), IsEmpty());

@@ -52,15 +52,8 @@ TEST(DraftText, APieceOfADraftIsNone) {
     EXPECT_FALSE(DecodeDraft("{\"lines\":[]}"));
 }
 
-class Drafts : public CenterTest {
+class Drafts : public OpenTemplateTest {
   protected:
-    void SetUp() override {
-        lines_["5"] = {Line(1, "原来的")};
-        Open();
-        Window().Tree().NodeClick("detail-5");
-        Forget();
-    }
-    void TypeMine() { Type(1, column::kExplanation, "我的"); }
     Texts Files() const {
         Texts names;
         const fs::path drafts = system::PathFromUtf8(surroundings_.folders->data) / "drafts";
@@ -290,6 +283,33 @@ TEST_F(Drafts, ADeclinedQuestionOfACommandThatLeavesTheGridKeepsTheDraft) {
     Window().ToolClick("mnuPrcFind");
     CloseByFrame();
     EXPECT_EQ(Files().size(), 1U);
+}
+
+// The question stands before other ways to leave the grid, too: each of these stays where it is.
+TEST_F(Drafts, ADeclinedQuestionOfWhateverLeavesTheEditsInTheGridKeepsTheDraft) {
+    struct Way {
+        const char* name;
+        void (*go)(frmVICenter& window);
+    };
+    const Way kWays[] = {
+        {"a workbook that is dropped and not imported", [](frmVICenter& w) { w.FileDropped("a.xlsx"); }},
+        {"the root of the tree", [](frmVICenter& w) { w.Tree().NodeClick(std::string(kRootKey)); }},
+        {"a name to be changed", [](frmVICenter& w) { w.Tree().DoubleClick(); }},
+    };
+    for (const Way& way : kWays) {
+        SCOPED_TRACE(way.name);
+        Open();
+        Window().Tree().NodeClick("detail-5");
+        TypeMine();
+        Forget();
+        Answer(MessageResult::No);
+        way.go(Window());
+        ASSERT_EQ(Messages().size(), 1U);
+        ASSERT_TRUE(Window().IsDirty());
+        CloseByFrame();
+        ASSERT_EQ(Files().size(), 1U);
+        fs::remove(system::PathFromUtf8(Files()[0]));
+    }
 }
 
 TEST_F(Drafts, OpeningAnotherTemplateWithoutSavingLeavesNone) {

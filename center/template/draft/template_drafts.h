@@ -24,7 +24,8 @@ class TemplateDrafts {
     bool Keep();
     // Saved, or given up.
     void Drop();
-    // The user does not want the edits saved; the command that asked decides whether they go.
+    // The user does not want the edits saved; the command that asked decides whether they go. With its end
+    // the answer is forgotten (edge.h): edits that are still there may yet be wanted.
     void SetDeclined(bool declined) { declined_ = declined; }
 
     // Around what replaces the grid's content: lines that a refused save has kept stay on the disk, others
