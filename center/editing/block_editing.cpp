@@ -7,6 +7,7 @@
 
 #include "center/editing/cell_checks.h"
 #include "center/editing/cell_rules.h"
+#include "center/editing/row_order.h"
 #include "center/lookups/cell_resolution.h"
 #include "platform/system/collation.h"
 #include "store/number_text.h"
@@ -19,7 +20,6 @@ constexpr std::size_t kRowsPerReport = 500;         // rows between two steps of
 constexpr std::size_t kRowsAhead = kRowsPerReport;  // of which is asked at once what they will ask
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr const char* kProgressText = "正在粘贴，请稍后...";
-constexpr const char* kGapText = "请连续录入凭证模板分录！";
 constexpr const char* kNoTableToCopyText = "所选单元格不是一个完整的区域，不能复制！";
 constexpr const char* kNoBlockToPasteText = "所选单元格不是一个完整的区域，请只选定一个单元格再粘贴！";
 
@@ -257,12 +257,6 @@ std::optional<CopiedBlock> BlockEditing::Copy(const CellSelection& selection) co
     return CopiedBlock{std::move(text), selection.wholeRows ? FormatBlock(rows) : std::string()};
 }
 
-bool BlockEditing::LeavesGap(int row) const {
-    if (row <= state_.open.RowCount() + 1) return false;
-    Tell(kGapText);
-    return true;
-}
-
 PasteResult BlockEditing::Paste(const CellSelection& selection, const CopiedBlock& block) {
     if (!state_.hasRight || selection.IsEmpty() || selection.Bounds().firstRow < 1) return {};
     const CellRange bounds = selection.Bounds();
@@ -313,7 +307,7 @@ PasteResult BlockEditing::PasteTable(const CellAddress& at, TextBlock block) {
             return {};
         }
     }
-    if (block.empty() || LeavesGap(at.row)) return {};
+    if (block.empty() || LeavesGap(state_, at.row)) return {};
     EntryGrid& grid = *state_.grid;
     PasteResult result;
     {
@@ -343,7 +337,7 @@ PasteResult BlockEditing::PasteTable(const CellAddress& at, TextBlock block) {
 }
 
 PasteResult BlockEditing::PasteRows(int firstRow, const TextBlock& rows) {
-    if (LeavesGap(firstRow)) return {};
+    if (LeavesGap(state_, firstRow)) return {};
     EntryGrid& grid = *state_.grid;
     PasteResult result;
     {
@@ -375,7 +369,7 @@ PasteResult BlockEditing::FillSelection(const CellSelection& selection, const st
     for (const RowRun& run : runs)
         reach = run.first <= reach + 1 ? std::max(reach, run.last) : reach;
     if (runs.back().last > reach) {
-        Tell(kGapText);
+        TellGap();
         return {};
     }
     PasteResult result;
@@ -394,17 +388,11 @@ PasteResult BlockEditing::FillSelection(const CellSelection& selection, const st
             }
         }
         entering.MarkEntered();
-        KeepSpareRow();
+        KeepBlankRows(state_, 1);
         result = std::move(entering.result);
     }
     edited_();
     return result;
-}
-
-// A blank row stays below the rows in use.
-void BlockEditing::KeepSpareRow() {
-    if (state_.open.RowCount() >= state_.grid->RowTotal())
-        state_.grid->SetRowTotal(state_.open.RowCount() + 1);
 }
 
 void BlockEditing::FillDown(const CellSelection& selection) {
@@ -438,7 +426,7 @@ void BlockEditing::FillDown(const CellSelection& selection) {
                 entering.Entered(row);
         }
         entering.MarkEntered();
-        KeepSpareRow();
+        KeepBlankRows(state_, 1);
     }
     edited_();
 }

@@ -43,8 +43,6 @@ class BlockEditing {
     class Entering;
     PasteResult PasteTable(const CellAddress& at, TextBlock block);
     PasteResult PasteRows(int firstRow, const TextBlock& rows);
-    bool LeavesGap(int row) const;
-    void KeepSpareRow();
 
     WindowState& state_;
     std::function<void()> edited_;

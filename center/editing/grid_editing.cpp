@@ -3,30 +3,23 @@
 #include <algorithm>
 
 #include "center/editing/cell_checks.h"
+#include "center/editing/row_order.h"
 #include "center/grid/quiet_grid.h"
 #include "center/lookups/cell_resolution.h"
 
 namespace vicenter::center {
 
 namespace {
-constexpr const char* kGapText = "请连续录入凭证模板分录！";
 constexpr const char* kTwoRowsText = "凭证模板分录不能小于2行，删除失败！";
 constexpr int kFewestRows = 2;
 }  // namespace
 
 // --- moving and typing
 
-bool GridEditing::LeavesGap(int row) {
-    if (row <= state_.open.RowCount() + 1) return false;
-    Tell(kGapText);
-    return true;
-}
-
 void GridEditing::KeepSpareRow() {
-    if (state_.open.RowCount() < state_.grid->RowTotal() - 1) return;
     // A blank row at the end is no change of content and nothing to undo.
     const Unrecorded growing(*state_.grid);
-    state_.grid->SetRowTotal(state_.open.RowCount() + 2);
+    KeepBlankRows(state_, 2);  // the one that is entered, and one below it
 }
 
 void GridEditing::Leave(const CellAddress& cell) {
@@ -62,7 +55,7 @@ void GridEditing::MoveActiveCell(const CellAddress& to, CursorMove how) {
     }
     CellAddress target = to;
     // Whoever may only look enters no lines, with gaps or without.
-    if (CanEdit() && LeavesGap(to.row)) {
+    if (CanEdit() && LeavesGap(state_, to.row)) {
         target.row = state_.open.RowCount() + 1;
         KeepSpareRow();
     }
@@ -79,7 +72,7 @@ TextVerdict GridEditing::CommitText(const CellAddress& cell, const std::string& 
     if (!CanEdit()) return TextVerdict::Locked;
     const TextReading reading = ReadCellText(cell.column, text, TextOrigin::Typed);
     if (reading.verdict == TextVerdict::Locked) return reading.verdict;
-    if (LeavesGap(cell.row)) return TextVerdict::Locked;
+    if (LeavesGap(state_, cell.row)) return TextVerdict::Locked;
     const UndoStep step(state_.open);
     EntryGrid& grid = *state_.grid;
     if (grid.Text(cell.row, cell.column) == reading.text) return reading.verdict;
@@ -133,7 +126,7 @@ void GridEditing::InsertRow() {
 }
 
 void GridEditing::InsertRows(int firstRow, int count) {
-    if (state_.open.RowCount() == 0 || firstRow < 1 || count < 1 || LeavesGap(firstRow)) return;
+    if (state_.open.RowCount() == 0 || firstRow < 1 || count < 1 || LeavesGap(state_, firstRow)) return;
     EntryGrid& grid = *state_.grid;
     const UndoStep step(state_.open);
     typed_.reset();
@@ -144,7 +137,7 @@ void GridEditing::InsertRows(int firstRow, int count) {
 }
 
 void GridEditing::InsertRows(const std::vector<RowRun>& runs) {
-    if (state_.open.RowCount() == 0 || runs.empty() || LeavesGap(runs.back().first)) return;
+    if (state_.open.RowCount() == 0 || runs.empty() || LeavesGap(state_, runs.back().first)) return;
     const UndoStep step(state_.open);
     for (auto run = runs.rbegin(); run != runs.rend(); ++run)
         InsertRows(run->first, run->Count());

@@ -44,8 +44,6 @@ class GridEditing {
   private:
     void Leave(const CellAddress& cell);
     void KeepSpareRow();
-    // The rows that the active row may not pass: true when r leaves a gap, and the user has been told.
-    bool LeavesGap(int row);
     void Return(const JournalMark& mark);
 
     WindowState& state_;
