@@ -27,7 +27,7 @@ constexpr const char* kBareId = "900";
 constexpr const char* kColumns =
     "FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName,FFileCount,FSettleID,FSettleName,FSettleNumber,"
     "FCurrencyID,FCurrencyName,FRate,FAmountFor,FUnitID,FUnitName,FQty,FPrice,FAmount,FItemsInfo";
-constexpr int kColumnCount = 20;
+constexpr int kInsertedColumns = 20;
 
 class SilentBoxes : public system::MessageBoxes {
   public:
@@ -152,12 +152,12 @@ void GenerateBare(bench::RawDatabase& raw) {
     std::map<std::int64_t, std::string> items{{0, ""}};
     for (int line = 1; sqlite3_step(query) == SQLITE_ROW; ++line) {
         sqlite3_bind_int(insert, 1, line);
-        for (int column = 0; column < kColumnCount - 1; ++column)
+        for (int column = 0; column < kInsertedColumns - 1; ++column)
             sqlite3_bind_value(insert, column + 2, sqlite3_column_value(query, column));
-        const std::int64_t detailId = sqlite3_column_int64(query, kColumnCount - 1);
+        const std::int64_t detailId = sqlite3_column_int64(query, kInsertedColumns - 1);
         auto found = items.find(detailId);
         if (found == items.end()) found = items.emplace(detailId, ItemsText(raw, detailId)).first;
-        sqlite3_bind_text(insert, kColumnCount + 1, found->second.data(),
+        sqlite3_bind_text(insert, kInsertedColumns + 1, found->second.data(),
                           static_cast<int>(found->second.size()), SQLITE_STATIC);
         Require(sqlite3_step(insert) == SQLITE_DONE, "insert");
         sqlite3_reset(insert);

@@ -61,7 +61,7 @@ class Window : public exchange::TemplateWindow {
             for (const std::string& value : values)
                 texts_.push_back(value);
         }
-        for (std::size_t i = 0; i < exchange::kColumnCount; ++i) {
+        for (std::size_t i = 0; i < exchange::kWorkbookColumnCount; ++i) {
             places_.resize(22);
             places_[static_cast<std::size_t>(exchange::kColumns[i].gridColumn)] = i;
         }
@@ -73,7 +73,7 @@ class Window : public exchange::TemplateWindow {
         return Text(row, places_[static_cast<std::size_t>(column)]);
     }
     const std::string& Text(std::int32_t row, std::size_t column) const {
-        return texts_[static_cast<std::size_t>(row - 1) * exchange::kColumnCount + column];
+        return texts_[static_cast<std::size_t>(row - 1) * exchange::kWorkbookColumnCount + column];
     }
     void ShowProgress(const std::string&) override {}
     void SetProgressLabel(const std::string&) override {}
@@ -120,12 +120,12 @@ void ExportByLibxlsxwriter(const Window& window, const std::string& file) {
     lxw_format* plain = format(false, false);
     lxw_format* text = format(true, false);
     lxw_format* head = format(false, true);
-    for (std::size_t c = 0; c < exchange::kColumnCount; ++c) {
+    for (std::size_t c = 0; c < exchange::kWorkbookColumnCount; ++c) {
         worksheet_write_string(sheet, 0, static_cast<lxw_col_t>(c),
                                std::string(exchange::kColumns[c].header).c_str(), head);
     }
     for (std::int32_t row = 1; row <= window.EntryLineCount(); ++row) {
-        for (std::size_t c = 0; c < exchange::kColumnCount; ++c) {
+        for (std::size_t c = 0; c < exchange::kWorkbookColumnCount; ++c) {
             const std::string& value = window.Text(row, c);
             const auto type = exchange::kColumns[c].type;
             const auto r = static_cast<lxw_row_t>(row);
@@ -325,7 +325,8 @@ int main(int argc, char** argv) {
     const std::string xlsx = folder + "/ours.xlsx";
     const std::string xls = folder + "/ours.xls";
     Window window(lines);
-    std::printf("%d lines of %zu columns, best of %d rounds\n", lines, exchange::kColumnCount, rounds);
+    std::printf("%d lines of %zu columns, best of %d rounds\n", lines, exchange::kWorkbookColumnCount,
+                rounds);
     Compare(
         "export .xlsx / libxlsxwriter", rounds, [&] { ExportByLibxlsxwriter(window, theirs); },
         [&] { ExportByComponent(window, xlsx); }, "time 0.9 memory 0.5");

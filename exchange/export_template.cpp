@@ -140,7 +140,7 @@ class ShownDecimals {
     }
 
   private:
-    std::array<std::size_t, kColumnCount> most_{};
+    std::array<std::size_t, kWorkbookColumnCount> most_{};
 };
 
 // Amounts, quantity and price; a rate is none.
@@ -217,9 +217,9 @@ void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, TemplateWindow& 
     FormatNumbers(sheet, WriteLines(window, cells, interactive));
     const ObjectRef block =
         sheet
-            ->Get("Range",
-                  {Variant(cells.At(1, 1)),
-                   Variant(cells.At(window.EntryLineCount() + 1, static_cast<std::int32_t>(kColumnCount)))})
+            ->Get("Range", {Variant(cells.At(1, 1)),
+                            Variant(cells.At(window.EntryLineCount() + 1,
+                                             static_cast<std::int32_t>(kWorkbookColumnCount)))})
             .AsObject();
     block->Get("Font").AsObject()->Put("Size", kFontSize);
     block->Get("Borders").AsObject()->Put("LineStyle", kContinuousLine);

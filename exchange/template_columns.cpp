@@ -24,8 +24,8 @@ CellType TypeOf(store::CellKind kind) {
 
 }  // namespace
 
-const std::array<TemplateColumn, kColumnCount> kColumns = [] {
-    std::array<TemplateColumn, kColumnCount> columns{};
+const std::array<TemplateColumn, kWorkbookColumnCount> kColumns = [] {
+    std::array<TemplateColumn, kWorkbookColumnCount> columns{};
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const store::ColumnSpec& spec = *store::WorkbookColumns()[i];
         columns[i] = {spec.header, spec.field, TypeOf(spec.kind), spec.requiredInWorkbook, spec.column};

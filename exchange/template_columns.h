@@ -29,8 +29,8 @@ struct TemplateColumn {
     std::int32_t gridColumn;  // of the entry grid, from 1
 };
 
-inline constexpr std::size_t kColumnCount = store::kWorkbookColumnCount;
-extern const std::array<TemplateColumn, kColumnCount> kColumns;
+using store::kWorkbookColumnCount;
+extern const std::array<TemplateColumn, kWorkbookColumnCount> kColumns;
 
 // Places in kColumns that the rules name.
 inline constexpr std::size_t kNumberColumn = 0;

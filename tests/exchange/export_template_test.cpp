@@ -19,7 +19,7 @@ class ExportTest : public ExchangeTest {
     static Lines RowOf(const office::Workbook& workbook, std::uint32_t row) {
         Lines texts;
         const office::Sheet& sheet = *workbook.Sheets()[0];
-        for (std::uint32_t c = 0; c < kColumnCount; ++c) {
+        for (std::uint32_t c = 0; c < kWorkbookColumnCount; ++c) {
             const office::Cell* cell = sheet.Find(row, c);
             texts.push_back(cell == nullptr ? "" : office::CellText(workbook, *cell));
         }

@@ -149,7 +149,7 @@ class ExchangeRoundTrip : public test::CliFixture {
     static void ExpectEqual(const std::vector<Line>& before, const std::vector<Line>& after) {
         ASSERT_EQ(before.size(), after.size());
         for (std::size_t row = 0; row < before.size(); ++row) {
-            for (std::size_t i = 0; i < exchange::kColumnCount; ++i) {
+            for (std::size_t i = 0; i < exchange::kWorkbookColumnCount; ++i) {
                 // Codes and names come back without what nobody sees in them.
                 const bool isProse = i == exchange::kExplanationColumn || i == exchange::kRemarkColumn;
                 const std::string expected =
