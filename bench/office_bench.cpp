@@ -36,7 +36,7 @@ namespace {
 using namespace vicenter;
 
 // A grid's texts, made beforehand as the grid holds them.
-class Window : public exchange::TemplateWindow {
+class Window : public exchange::ExchangeTarget {
   public:
     explicit Window(std::int32_t lines) : lines_(lines) {
         for (std::int32_t line = 1; line <= lines; ++line) {

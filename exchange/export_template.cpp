@@ -39,7 +39,7 @@ void ShowMessage(const std::string& text) {
         text, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
 }
 
-bool CheckReady(const TemplateWindow& window) {
+bool CheckReady(const ExchangeTarget& window) {
     if (window.CurrentTemplateId().empty()) {
         ShowMessage("请选择要引出的模板！");
         return false;
@@ -148,7 +148,7 @@ bool IsShownWithSeparators(const TemplateColumn& column) {
     return column.type == CellType::Number && column.gridColumn != store::column::kRate;
 }
 
-ShownDecimals WriteLines(TemplateWindow& window, SheetCells& cells, bool interactive) {
+ShownDecimals WriteLines(ExchangeTarget& window, SheetCells& cells, bool interactive) {
     ShownDecimals decimals;
     const std::int32_t lines = window.EntryLineCount();
     for (std::int32_t line = 1; line <= lines; ++line) {
@@ -209,7 +209,7 @@ void LayOutPage(const ObjectRef& excel, const ObjectRef& sheet) {
     });
 }
 
-void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, TemplateWindow& window, bool interactive) {
+void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, ExchangeTarget& window, bool interactive) {
     SheetCells cells(sheet);
     WriteHeader(cells);
     sheet->Get("Columns", {static_cast<std::int32_t>(kAccountNumberColumn + 1)}).AsObject()->Call("Select");
@@ -231,7 +231,7 @@ void BuildSheet(const ObjectRef& excel, const ObjectRef& sheet, TemplateWindow& 
 
 // An existing file stays until the new one takes its place. What cannot be written over is refused before
 // any work is done.
-ExportOutcome Write(TemplateWindow& window, const std::string& fileName) {
+ExportOutcome Write(ExchangeTarget& window, const std::string& fileName) {
     if (std::string refusal = WhyNotWorkbookTarget(fileName); !refusal.empty()) return {false, refusal};
     return WriteTemplateWorkbook(window, fileName, true);
 }
@@ -244,7 +244,7 @@ std::string FailureText(const Error& error) {
 
 }  // namespace
 
-ExportOutcome WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, bool interactive) {
+ExportOutcome WriteTemplateWorkbook(ExchangeTarget& window, const std::string& fileName, bool interactive) {
     const std::string name = window.TemplateName();
     const auto endInteraction = [&] {
         if (!interactive) return;
@@ -281,7 +281,7 @@ ExportOutcome WriteTemplateWorkbook(TemplateWindow& window, const std::string& f
     return {};
 }
 
-ExportOutcome ExportTemplate(TemplateWindow& window) {
+ExportOutcome ExportTemplate(ExchangeTarget& window) {
     if (!CheckReady(window)) return {};
     const std::string name = window.TemplateName();
     system::FileRequest request;
@@ -298,18 +298,18 @@ ExportOutcome ExportTemplate(TemplateWindow& window) {
     return Write(window, *chosen);
 }
 
-ExportOutcome ExportTemplateTo(TemplateWindow& window, const std::string& fileName) {
+ExportOutcome ExportTemplateTo(ExchangeTarget& window, const std::string& fileName) {
     if (!CheckReady(window)) return {};
     return Write(window, fileName);
 }
 
-void TellUnwritten(const TemplateWindow& window, const ExportOutcome& outcome) {
+void TellUnwritten(const ExchangeTarget& window, const ExportOutcome& outcome) {
     if (outcome.written || outcome.untold.empty()) return;
     ShowMessage("模板引出失败！" + outcome.untold);
     LogUnwritten(window);
 }
 
-void LogUnwritten(const TemplateWindow& window) {
+void LogUnwritten(const ExchangeTarget& window) {
     entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-引出模板 " + window.TemplateName() + " 失败");
 }
 

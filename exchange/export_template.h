@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "exchange/template_window.h"
+#include "exchange/exchange_target.h"
 
 namespace vicenter::exchange {
 
@@ -21,19 +21,19 @@ struct ExportOutcome {
 };
 
 // The export command: asks for a file name, then writes. Shows its own messages, never throws.
-ExportOutcome ExportTemplate(TemplateWindow& window);
+ExportOutcome ExportTemplate(ExchangeTarget& window);
 
 // What the command leaves unsaid, said and logged afterwards.
-void TellUnwritten(const TemplateWindow& window, const ExportOutcome& outcome);
+void TellUnwritten(const ExchangeTarget& window, const ExportOutcome& outcome);
 // The log entry alone, where it is said in another way.
-void LogUnwritten(const TemplateWindow& window);
+void LogUnwritten(const ExchangeTarget& window);
 
 // The export command on a file name that is already chosen (command line, drag and drop): the checks for an
 // open template and an installed server, then as the command from the chosen name on.
-ExportOutcome ExportTemplateTo(TemplateWindow& window, const std::string& fileName);
+ExportOutcome ExportTemplateTo(ExchangeTarget& window, const std::string& fileName);
 
 // Builds and saves the workbook. With interactive set it shows the progress panel and the messages.
 // A failure while building is told to the user and logged, never thrown.
-ExportOutcome WriteTemplateWorkbook(TemplateWindow& window, const std::string& fileName, bool interactive);
+ExportOutcome WriteTemplateWorkbook(ExchangeTarget& window, const std::string& fileName, bool interactive);
 
 }  // namespace vicenter::exchange

@@ -108,7 +108,7 @@ std::string ReadHeader(const ObjectRef& sheet, std::int32_t columnCount) {
 }
 
 // The insert of every row, and how many; refuses a sheet with faulty rows.
-std::int32_t AppendRows(TemplateWindow& window, const ObjectRef& sheet, std::int32_t columnCount,
+std::int32_t AppendRows(ExchangeTarget& window, const ObjectRef& sheet, std::int32_t columnCount,
                         std::int32_t rowCount, const std::string& fieldList, std::string& batch) {
     ImportRows rows(sheet, columnCount, fieldList);
     const store::LineInserts inserts(fieldList);
@@ -151,7 +151,7 @@ std::int32_t AppendRows(TemplateWindow& window, const ObjectRef& sheet, std::int
 
 }  // namespace
 
-ImportBatch ReadTemplateWorkbook(TemplateWindow& window, const std::string& fileName, std::int32_t existingId,
+ImportBatch ReadTemplateWorkbook(ExchangeTarget& window, const std::string& fileName, std::int32_t existingId,
                                  const std::string& name) {
     const ObjectRef files = automation::CreateObject(kFileSystemProgId);
     if (!files->Call("FileExists", {fileName}).ToBoolean()) {

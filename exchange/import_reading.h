@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "entry/sql_text.h"
+#include "exchange/exchange_target.h"
 #include "exchange/import_outcome.h"
-#include "exchange/template_window.h"
 
 namespace vicenter::exchange {
 
@@ -28,7 +28,7 @@ struct ImportBatch {
 };
 
 // Throws Refused, Cancelled, or automation::Error for a file that cannot be read, its reason as the text.
-ImportBatch ReadTemplateWorkbook(TemplateWindow& window, const std::string& fileName, std::int32_t existingId,
+ImportBatch ReadTemplateWorkbook(ExchangeTarget& window, const std::string& fileName, std::int32_t existingId,
                                  const std::string& name);
 
 }  // namespace vicenter::exchange

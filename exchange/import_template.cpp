@@ -102,7 +102,7 @@ bool ConfirmEmptying(std::int32_t existingId, const std::string& name, std::int3
 }
 
 // Writes what was read: the lines and the flags of the numbers that can be used, or nothing.
-void WriteBatch(TemplateWindow& window, const ImportBatch& batch, std::int32_t existingId,
+void WriteBatch(ExchangeTarget& window, const ImportBatch& batch, std::int32_t existingId,
                 ImportOutcome& outcome) {
     const std::string& name = outcome.templateName;
     if (existingId == kNewTemplate) store::ClearWayForNewTemplate();
@@ -128,7 +128,7 @@ void WriteBatch(TemplateWindow& window, const ImportBatch& batch, std::int32_t e
     outcome.written = true;
 }
 
-void TellWritten(TemplateWindow& window, const ImportOutcome& outcome) {
+void TellWritten(ExchangeTarget& window, const ImportOutcome& outcome) {
     const auto unusable = store::ReadUnusableNumbers(std::to_string(outcome.templateId));
     window.RebuildTreeAndSelect(outcome.templateId);
     Show(store::WithUnusableNote("引入模板 " + outcome.templateName + " 成功！",
@@ -160,7 +160,7 @@ std::string WhyNotName(const std::string& name) {
 }
 
 // The command from the chosen file on.
-ImportOutcome ImportChosenFile(TemplateWindow& window, const std::string& fileName) {
+ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileName) {
     ImportOutcome outcome;
     outcome.file = fileName;
     const std::string extension = UpperExtension(fileName);
@@ -205,7 +205,7 @@ ImportOutcome Guarded(const std::string& fileName, const std::function<ImportOut
 
 }  // namespace
 
-ImportOutcome ImportTemplateWorkbook(TemplateWindow& window, const std::string& fileName,
+ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& fileName,
                                      std::int32_t existingId, const std::string& name) {
     ImportOutcome outcome;
     outcome.file = fileName;
@@ -235,7 +235,7 @@ ImportOutcome ImportTemplateWorkbook(TemplateWindow& window, const std::string& 
     return outcome;
 }
 
-ImportOutcome ImportTemplate(TemplateWindow& window) {
+ImportOutcome ImportTemplate(ExchangeTarget& window) {
     std::string chosen;
     return Guarded(chosen, [&]() -> ImportOutcome {
         ImportOutcome outcome;
@@ -253,7 +253,7 @@ ImportOutcome ImportTemplate(TemplateWindow& window) {
     });
 }
 
-ImportOutcome ImportTemplateFile(TemplateWindow& window, const std::string& fileName) {
+ImportOutcome ImportTemplateFile(ExchangeTarget& window, const std::string& fileName) {
     return Guarded(fileName, [&]() -> ImportOutcome {
         ImportOutcome outcome;
         return CheckInstalled(outcome) ? ImportChosenFile(window, fileName) : outcome;

@@ -6,21 +6,21 @@
 #include <cstdint>
 #include <string>
 
+#include "exchange/exchange_target.h"
 #include "exchange/import_outcome.h"
-#include "exchange/template_window.h"
 
 namespace vicenter::exchange {
 
 // The import command: asks for a file, then imports. Shows its own messages, never throws.
-ImportOutcome ImportTemplate(TemplateWindow& window);
+ImportOutcome ImportTemplate(ExchangeTarget& window);
 
 // The import command on a file that is already chosen (command line, drag and drop): the check for an
 // installed server, the file's kind, the question before an existing template is replaced, then the import.
-ImportOutcome ImportTemplateFile(TemplateWindow& window, const std::string& fileName);
+ImportOutcome ImportTemplateFile(ExchangeTarget& window, const std::string& fileName);
 
 // Imports the workbook as the template `name`, replacing the one with id existingId, or as a new one for -1.
 // Failures are told to the user, never thrown; the reason of one that the fixed words do not name is logged.
-ImportOutcome ImportTemplateWorkbook(TemplateWindow& window, const std::string& fileName,
+ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& fileName,
                                      std::int32_t existingId, const std::string& name);
 
 }  // namespace vicenter::exchange

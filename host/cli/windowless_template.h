@@ -4,12 +4,12 @@
 
 #include <string>
 
-#include "exchange/template_window.h"
+#include "exchange/exchange_target.h"
 #include "host/cli/templates.h"
 
 namespace vicenter::host {
 
-class WindowlessTemplate : public exchange::TemplateWindow {
+class WindowlessTemplate : public exchange::ExchangeTarget {
   public:
     WindowlessTemplate() = default;
     explicit WindowlessTemplate(TemplateHead head) : head_(std::move(head)) { ReadLines(head_.id, lines_); }

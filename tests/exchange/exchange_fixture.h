@@ -11,8 +11,8 @@
 #include <gtest/gtest.h>
 
 #include "entry/host_context.h"
+#include "exchange/exchange_target.h"
 #include "exchange/template_columns.h"
-#include "exchange/template_window.h"
 #include "platform/office/cell_text.h"
 #include "platform/office/excel_server.h"
 #include "platform/office/workbook_file.h"
@@ -29,7 +29,7 @@ using fakes::Rows;
 using Lines = std::vector<std::string>;
 
 // A window without a window: texts by grid column and row, and a record of what it was told.
-class FakeWindow : public TemplateWindow {
+class FakeWindow : public ExchangeTarget {
   public:
     std::string CurrentTemplateId() const override { return templateId; }
     std::string TemplateName() const override { return templateName; }

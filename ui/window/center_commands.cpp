@@ -14,7 +14,7 @@ namespace vicenter::ui {
 namespace {
 
 // The main window as export and import see it.
-class ExchangeWindow : public exchange::TemplateWindow {
+class ExchangeWindow : public exchange::ExchangeTarget {
   public:
     explicit ExchangeWindow(center::CommandTarget& window) : window_(window) {}
 

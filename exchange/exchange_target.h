@@ -1,21 +1,21 @@
 #pragma once
 
-// What export and import need of the template center window, and nothing more.
+// What export and import need of whoever shows the template, and nothing more.
 //
-// Implemented by the window; lent to each command for the time of its call, never kept. User-interface thread
-// only.
+// Implemented by the window and by the command line; lent to each command for the time of its call, never
+// kept. User-interface thread only.
 
 #include <cstdint>
 #include <string>
 
 namespace vicenter::exchange {
 
-class TemplateWindow {
+class ExchangeTarget {
   public:
-    TemplateWindow() = default;
-    TemplateWindow(const TemplateWindow&) = delete;
-    TemplateWindow& operator=(const TemplateWindow&) = delete;
-    virtual ~TemplateWindow() = default;
+    ExchangeTarget() = default;
+    ExchangeTarget(const ExchangeTarget&) = delete;
+    ExchangeTarget& operator=(const ExchangeTarget&) = delete;
+    virtual ~ExchangeTarget() = default;
 
     // FID of the open template; empty when none is open.
     virtual std::string CurrentTemplateId() const = 0;
