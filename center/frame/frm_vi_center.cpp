@@ -190,10 +190,6 @@ bool frmVICenter::HasRight() const {
     return parts_->state.hasRight;
 }
 
-const ToolStates& frmVICenter::EnabledTools() const {
-    return parts_->state.tools;
-}
-
 bool frmVICenter::Save() {
     return parts_->edge.Command([&] { return parts_->save.Save(); });
 }

@@ -73,7 +73,6 @@ class frmVICenter final : public CommandTarget {
     std::int32_t CurrentEntryCount() const;
     bool IsDirty() const;
     bool HasRight() const;
-    const ToolStates& EnabledTools() const;
     bool Save();
     bool ConfirmUnsavedChanges();
 

@@ -1,8 +1,8 @@
-#include "tsql/syntax/literal_template.h"
 #include "tsql/syntax/shape.h"
 
 #include <gtest/gtest.h>
 
+#include "tsql/syntax/literal_template.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/types/literal_value.h"
 
@@ -115,7 +115,6 @@ TEST(LiteralTemplateTest, LooksAtWhatFollows) {
 TEST(LiteralTemplateTest, GivesTheOffsetsOfStatementAndLiterals) {
     const auto made = LiteralTemplate::Make("insert t values(1, 'a')");
     ASSERT_TRUE(made);
-    EXPECT_EQ(made->LiteralCount(), 2U);
     const std::string_view text = "insert t values(1, 'a')\r\ninsert t values(-20, N'b') select 1";
     std::vector<LiteralValue> literals;
     std::uint32_t start = 0;

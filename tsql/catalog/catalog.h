@@ -72,7 +72,6 @@ struct TableInfo {
     std::vector<ForeignKeyInfo> foreignKeys;
     std::vector<CheckInfo> checks;
     std::int64_t lastIdentity = 0;  // of temporary tables; others keep it in the account set
-    bool identityUsed = false;
 
     const ColumnInfo* FindColumn(std::string_view columnName) const;
     const ColumnInfo* IdentityColumn() const;

@@ -31,8 +31,6 @@ class LiteralTemplate {
                                        std::vector<LiteralValue>* literals,
                                        std::uint32_t* start = nullptr) const;
 
-    std::size_t LiteralCount() const { return slots_.size(); }
-
   private:
     struct Slot {
         std::string before;  // the text since the previous literal

@@ -43,7 +43,6 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     center::frmVICenter& Presenter() { return *presenter_; }
     GridView& Grid() { return *grid_; }
     TemplateTree& Tree() { return *tree_; }
-    ToolBand& Band() { return *band_; }
     ItemPanel& Items() { return *items_; }
 
   protected:
