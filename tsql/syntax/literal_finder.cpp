@@ -63,6 +63,22 @@ bool StartsNextStatement(Keyword word) {
     }
 }
 
+bool OpensValue(const Token& before) {
+    switch (before.op) {
+        case Op::kLeftParen:
+        case Op::kComma:
+        case Op::kEqual:
+        case Op::kNotEqual:
+        case Op::kLess:
+        case Op::kLessEqual:
+        case Op::kGreater:
+        case Op::kGreaterEqual:
+            return true;
+        default:
+            return false;
+    }
+}
+
 LiteralFinder::Answer LiteralFinder::Look(const Token& token, const Token& next) {
     const Answer answer = Classify(token, next);
     if (token.op == Op::kLeftParen) {
@@ -87,20 +103,6 @@ LiteralFinder::Answer LiteralFinder::Look(const Token& token, const Token& next)
     }
     previous_ = token;
     return answer;
-}
-
-bool LiteralFinder::AfterComparison() const {
-    switch (previous_.op) {
-        case Op::kEqual:
-        case Op::kNotEqual:
-        case Op::kLess:
-        case Op::kLessEqual:
-        case Op::kGreater:
-        case Op::kGreaterEqual:
-            return true;
-        default:
-            return false;
-    }
 }
 
 bool LiteralFinder::AfterOperator() const {
@@ -156,7 +158,7 @@ LiteralFinder::Answer LiteralFinder::Classify(const Token& token, const Token& n
             break;
     }
     if (fixedDepth_ || sorting_) return Answer::kFixed;
-    const bool open = previous_.op == Op::kLeftParen || previous_.op == Op::kComma || AfterComparison();
+    const bool open = OpensValue(previous_);
     // IS NULL, NOT NULL and DEFAULT NULL are words of the text; f(NULL) and a = NULL are literals.
     if (token.keyword == Keyword::kNull) return open ? Answer::kValue : Answer::kFixed;
     // 'alias' = value, in a select list.

@@ -16,6 +16,10 @@ bool StartsDataStatement(const Token& first);
 // on.
 bool StartsNextStatement(Keyword word);
 
+// A value begins behind this token: a minus there is a sign, not a subtraction, and NULL stands in its place
+// as any other value does.
+bool OpensValue(const Token& before);
+
 // Walks the tokens of a statement and tells which of them are literals that may vary. It knows no grammar,
 // only what stands before a token: what is not surely a value counts as part of the text, at the price of one
 // more plan. A literal that is taken for a value though it decides a type is no fault either, since the
@@ -29,7 +33,6 @@ class LiteralFinder {
     Answer Look(const Token& token, const Token& next);
 
   private:
-    bool AfterComparison() const;
     bool AfterOperator() const;
     bool AfterValueKeyword() const;
     Answer Classify(const Token& token, const Token& next) const;

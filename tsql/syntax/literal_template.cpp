@@ -30,23 +30,6 @@ bool Clings(char c) {
     return IsWordByte(c) || c == '.' || c == '\'' || c == '"' || c == '[' || c == ']';
 }
 
-// Whether a minus behind that token is a sign rather than a subtraction.
-bool IsSign(const Token& before) {
-    switch (before.op) {
-        case Op::kLeftParen:
-        case Op::kComma:
-        case Op::kEqual:
-        case Op::kNotEqual:
-        case Op::kLess:
-        case Op::kLessEqual:
-        case Op::kGreater:
-        case Op::kGreaterEqual:
-            return true;
-        default:
-            return false;
-    }
-}
-
 bool StartsNumber(std::string_view text, std::size_t at) {
     if (at >= text.size()) return false;
     return IsDigit(text[at]) || (text[at] == '.' && at + 1 < text.size() && IsDigit(text[at + 1]));
@@ -171,7 +154,7 @@ std::optional<LiteralTemplate> LiteralTemplate::Make(std::string_view statement)
                 slot.value = answer == LiteralFinder::Answer::kValue;
                 // A sign directly before the number belongs to it when it is no subtraction.
                 const bool sign = isNumber && previous.op == Op::kMinus && previous.EndOffset() == begin &&
-                                  IsSign(beforePrevious);
+                                  OpensValue(beforePrevious);
                 if (sign) {
                     begin = previous.position.offset;
                     slot.value = true;

@@ -64,8 +64,8 @@ ExprPtr Parser::ParsePredicate() {
     return ParsePredicateTail(ParseOperators(0, true));
 }
 
-ExprPtr Parser::ParsePredicateTail(ExprPtr left) {
-    switch (left->kind) {
+bool IsCondition(const Expr& expr) {
+    switch (expr.kind) {
         case ExprKind::kComparison:
         case ExprKind::kLogical:
         case ExprKind::kNot:
@@ -75,10 +75,14 @@ ExprPtr Parser::ParsePredicateTail(ExprPtr left) {
         case ExprKind::kExists:
         case ExprKind::kIsNull:
         case ExprKind::kQuantified:
-            return left;  // a condition in parentheses
+            return true;
         default:
-            break;
+            return false;
     }
+}
+
+ExprPtr Parser::ParsePredicateTail(ExprPtr left) {
+    if (IsCondition(*left)) return left;  // in parentheses
     if (const std::optional<ComparisonOp> op = AcceptComparison())
         return ParseComparisonTail(std::move(left), *op);
     const Position position = left->position;

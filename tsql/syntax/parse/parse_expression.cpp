@@ -34,23 +34,6 @@ std::optional<OperatorInfo> FindOperator(Op op) {
     }
 }
 
-bool IsCondition(const Expr& expr) {
-    switch (expr.kind) {
-        case ExprKind::kComparison:
-        case ExprKind::kLogical:
-        case ExprKind::kNot:
-        case ExprKind::kBetween:
-        case ExprKind::kLike:
-        case ExprKind::kIn:
-        case ExprKind::kExists:
-        case ExprKind::kIsNull:
-        case ExprKind::kQuantified:
-            return true;
-        default:
-            return false;
-    }
-}
-
 }  // namespace
 
 ExprPtr Parser::WholeExpression(bool condition) {

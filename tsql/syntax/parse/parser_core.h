@@ -17,6 +17,9 @@
 
 namespace vicenter::tsql {
 
+// Whether it is true or false rather than a value.
+bool IsCondition(const Expr& expr);
+
 class Parser {
   public:
     explicit Parser(std::string_view text) : lexer_(text) {}
