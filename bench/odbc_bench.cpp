@@ -20,6 +20,7 @@
 #include "entry/host_context.h"
 #include "host/account_set.h"
 #include "platform/ado/odbc/odbc_provider.h"
+#include "tests/host/demo_lines.h"
 #include "tests/tds_server/server.h"
 
 namespace {
@@ -183,26 +184,6 @@ void Rows(ado::Connection& connection, const BareLine& bare, int rounds) {
                 static_cast<double>(after - before) / static_cast<double>(values));
 }
 
-void StoreOpened(ado::Connection& connection) {
-    const ado::RecordsetRef lines =
-        connection.Execute("select * from t_VchTemplateEntry order by FID,FEntryID");
-    const auto demo = static_cast<std::size_t>(lines->RecordCount());
-    std::string batch;
-    for (std::size_t i = 0; i < kOpened; ++i) {
-        std::string names = "FID,FEntryID";
-        std::string values = "900," + std::to_string(i + 1);
-        for (std::size_t c = 0; c < lines->ColumnCount(); ++c) {
-            const std::string& name = lines->Columns()[c].name;
-            const automation::Variant& value = lines->ValueAt(i % demo, c);
-            if (name == "FID" || name == "FEntryID" || value.IsNull()) continue;
-            names += "," + name;
-            values += value.IsText() ? ",N'" + value.ToText() + "'" : "," + value.ToText();
-        }
-        batch += "insert into t_VchTemplateEntry(" + names + ") values(" + values + ")\r\n";
-    }
-    connection.Execute(batch);
-}
-
 void Open(tds_server::Server& server, int rounds) {
     for (const int trip : {0, 1, 5, 20}) {
         server.Behave(std::make_shared<tds_server::Slow>(trip));
@@ -258,7 +239,7 @@ int main(int argc, char** argv) {
     {
         const ado::ConnectionRef connection = ado::OpenConnection(connectString);
         const BareLine bare(server);
-        StoreOpened(*connection);
+        host::test::StoreDemoLines(*connection, "900", kOpened);
         Points(*connection, bare, rounds);
         Rows(*connection, bare, rounds);
         Save(*connection, bare, rounds);

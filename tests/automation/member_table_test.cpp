@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/fakes/error_number.h"
+
 namespace vicenter::automation {
 namespace {
 
@@ -43,14 +45,7 @@ class Point : public TableObject<Point> {
     std::map<int, int> items_;
 };
 
-std::int32_t NumberOfError(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Error& error) {
-        return error.Number();
-    }
-    return 0;
-}
+using fakes::NumberOfError;
 
 class MemberTableTest : public testing::Test {
   protected:

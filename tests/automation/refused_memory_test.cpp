@@ -1,6 +1,7 @@
 // Memory that is refused while values are copied: std::bad_alloc, nothing else.
 
-#include <cstdlib>
+#include "tests/fakes/refused_memory.h"
+
 #include <new>
 #include <string>
 
@@ -8,42 +9,19 @@
 
 #include "automation/object.h"
 
-namespace {
-
-// The allocation that fails, counted from now on; below zero none does.
-int untilRefused = -1;
-
-struct Refusing {
-    explicit Refusing(int allocation) { untilRefused = allocation; }
-    Refusing(const Refusing&) = delete;
-    Refusing& operator=(const Refusing&) = delete;
-    ~Refusing() { untilRefused = -1; }
-};
-
-// Out of line, or the compiler sees malloc answered by delete.
-[[gnu::noinline]] void* Allocate(std::size_t bytes) {
-    if (untilRefused >= 0 && untilRefused-- == 0) throw std::bad_alloc();
-    if (void* memory = std::malloc(bytes)) return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void Free(void* memory) noexcept {
-    std::free(memory);
-}
-
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-    return Allocate(bytes);
-}
-void operator delete(void* memory) noexcept {
-    Free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    Free(memory);
-}
-
 namespace vicenter::automation {
 namespace {
+
+// The allocation that fails, counted from now on.
+struct Refusing {
+    explicit Refusing(int allocation) {
+        fakes::memory::refusals = 1;
+        fakes::memory::granted = allocation;
+    }
+    Refusing(const Refusing&) = delete;
+    Refusing& operator=(const Refusing&) = delete;
+    ~Refusing() { fakes::memory::granted = -1; }
+};
 
 // The number of allocations that work needs, each of which has been refused once.
 template <class Work>

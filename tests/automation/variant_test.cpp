@@ -5,18 +5,12 @@
 #include <gtest/gtest.h>
 
 #include "automation/member_table.h"
+#include "tests/fakes/error_number.h"
 
 namespace vicenter::automation {
 namespace {
 
-std::int32_t NumberOfError(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Error& error) {
-        return error.Number();
-    }
-    return 0;
-}
+using fakes::NumberOfError;
 
 TEST(Variant, NamesItsType) {
     EXPECT_EQ(Variant().TypeName(), "Empty");

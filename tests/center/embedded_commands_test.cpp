@@ -4,14 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "automation/class_registry.h"
-#include "center/frame/frm_vi_center.h"
-#include "entry/host_context.h"
-#include "host/components/components.h"
 #include "host/components/look_up_dialog.h"
-#include "tests/center/fake_view.h"
-#include "tests/fakes/fake_surroundings.h"
-#include "tests/host/demo_set.h"
+#include "tests/center/window_on_set.h"
 #include "tests/lanes/set_lane.h"
 
 namespace vicenter::center::test {
@@ -21,64 +15,20 @@ using system::MessageResult;
 using testing::HasSubstr;
 using Texts = std::vector<std::string>;
 
-class DemoSet : public testing::Test {
+class DemoSet : public WindowOnSet {
   protected:
-    void SetUp() override {
-        session_ = host::RegisterHostComponents({lanes::ConnectTextOf(host::test::CopySet(folder_)), 1});
-        Open();
-    }
+    void SetUp() override { OpenOn(lanes::ConnectTextOf(set_)); }
     void TearDown() override {
-        window_.reset();
         host::LookUpDialog::SetProcess(nullptr);
-        entry::SetCurrentUserId("");
+        WindowOnSet::TearDown();
     }
-    void Open() {
-        window_ = std::make_unique<frmVICenter>(view_, nullptr);
-        window_->Load();
-        ASSERT_TRUE(window_->HasRight());
-    }
-    frmVICenter& Window() { return *window_; }
-    std::string Cell(int row, int gridColumn) { return std::string(window_->Grid().Text(row, gridColumn)); }
     Texts Row(int row) {
         Texts texts;
         for (int c = 1; c <= kColumnCount; ++c)
             texts.push_back(Cell(row, c));
         return texts;
     }
-    bool IsRed(int row, int gridColumn) {
-        return window_->Grid().Look(row, gridColumn).foreColor == color::kRed;
-    }
-    void Type(int row, int gridColumn, const std::string& text) {
-        window_->Cells().MoveActiveCell({row, gridColumn});
-        ASSERT_EQ(window_->Cells().CommitText({row, gridColumn}, text), TextVerdict::Taken)
-            << row << "," << gridColumn << " " << text;
-    }
-    void TypeLine(int row, const std::string& no, const std::string& explanation,
-                  const std::string& direction, const std::string& account) {
-        Type(row, column::kNo, no);
-        Type(row, column::kExplanation, explanation);
-        Type(row, column::kDirection, direction);
-        Type(row, column::kAccountNumber, account);
-        window_->Cells().MoveActiveCell({row, column::kFileCount});
-    }
-    std::string Value(const std::string& sql) {
-        const ado::RecordsetRef rows = session_->Execute(sql);
-        return rows->RecordCount() < 1 ? "none" : rows->Value(std::size_t{0}).ToTextOrEmpty();
-    }
-    // A new template of that name, open in the window.
-    std::string NewTemplate(const std::string& name) {
-        Window().ToolClick("mnuNew");
-        EXPECT_TRUE(Window().Tree().AfterLabelEdit(name));
-        return Window().TemplateId();
-    }
     std::string LastMessage() const { return surroundings_.messageBoxes->shown.back().text; }
-
-    host::test::TestFolder folder_;
-    automation::ClassRegistry::Restore restore_;
-    fakes::FakeSurroundings surroundings_;
-    host::HostSessionRef session_;
-    FakeVICenterView view_;
-    std::unique_ptr<frmVICenter> window_;
 };
 
 TEST_F(DemoSet, OpensOnTheStandardTemplateWithTheUsersOwnBesideIt) {

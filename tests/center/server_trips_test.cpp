@@ -21,6 +21,7 @@
 #include "store/statements.h"
 #include "tests/center/fake_view.h"
 #include "tests/fakes/fake_surroundings.h"
+#include "tests/host/demo_lines.h"
 #include "tests/host/demo_set.h"
 #include "tests/lanes/odbc_patience.h"
 #include "tests/paths/source_folder.h"
@@ -53,31 +54,14 @@ class ServerTrips : public testing::Test {
     void Use(const std::string& connectString) {
         session_ = host::RegisterHostComponents({connectString, 1});
     }
-    // The demo set's own lines, again and again.
     void StoreThousandLines() {
         const ado::ConnectionRef connection = ado::OpenConnection(host::FileConnectString(file_));
-        const ado::RecordsetRef lines =
-            connection->Execute("select * from t_VchTemplateEntry order by FID,FEntryID");
-        const auto demo = static_cast<std::size_t>(lines->RecordCount());
-        ASSERT_GT(demo, 10U);
-        std::string batch =
-            "insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
-            "values(900,'k',1,'0',getdate())\r\n";
-        for (std::size_t i = 0; i < kLines; ++i) {
-            std::string names = "FID,FEntryID";
-            std::string values = "900," + std::to_string(i + 1);
-            for (std::size_t c = 0; c < lines->ColumnCount(); ++c) {
-                const std::string& name = lines->Columns()[c].name;
-                const automation::Variant& value = lines->ValueAt(i % demo, c);
-                if (name == "FID" || name == "FEntryID" || value.IsNull()) continue;
-                names += "," + name;
-                values += value.IsText() ? ",N'" + value.ToText() + "'" : "," + value.ToText();
-            }
-            batch += "insert into t_VchTemplateEntry(" + names + ") values(" + values + ")\r\n";
-        }
+        connection->Execute(
+            "insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) values(900,'k',1,'0',getdate())");
+        host::test::StoreDemoLines(*connection, kTemplateId, kLines);
         // Some that do not resolve.
-        batch += "update t_VchTemplateEntry set FAccountNumber = '9' where FID = 900 and FEntryID % 50 = 0";
-        connection->Execute(batch);
+        connection->Execute(
+            "update t_VchTemplateEntry set FAccountNumber = '9' where FID = 900 and FEntryID % 50 = 0");
     }
     // Which checks have failed, row by row.
     static std::string Faults(const EntryGrid& grid) {

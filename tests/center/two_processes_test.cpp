@@ -6,14 +6,9 @@
 
 #include <gmock/gmock.h>
 
-#include "automation/class_registry.h"
-#include "center/frame/frm_vi_center.h"
 #include "center/history/restore.h"
-#include "entry/host_context.h"
-#include "host/components/components.h"
-#include "tests/center/fake_view.h"
 #include "tests/center/other_process.h"
-#include "tests/fakes/fake_surroundings.h"
+#include "tests/center/window_on_set.h"
 
 namespace vicenter::center::test {
 namespace {
@@ -25,19 +20,8 @@ using Texts = std::vector<std::string>;
 constexpr const char* kOneLine =
     R"({"lines":[{"FNo":1,"FExp":"别处","FDC":"借","FAccountNumber":"1001","FAcctountName":"库存现金"}]})";
 
-class TwoProcesses : public testing::Test {
+class TwoProcesses : public WindowOnSet {
   protected:
-    void SetUp() override {
-        set_ = host::test::CopySet(folder_);
-        session_ = host::RegisterHostComponents({host::FileConnectString(set_), 1});
-        window_ = std::make_unique<frmVICenter>(view_, nullptr);
-        window_->Load();
-    }
-    void TearDown() override {
-        window_.reset();
-        entry::SetCurrentUserId("");
-    }
-    frmVICenter& Window() { return *window_; }
     int Elsewhere(std::vector<std::string> arguments, const std::string& input = {}) {
         return RunProgram(folder_, set_, std::move(arguments), input);
     }
@@ -45,40 +29,7 @@ class TwoProcesses : public testing::Test {
         arguments.insert(arguments.begin(), {"--user", std::to_string(user)});
         return Elsewhere(std::move(arguments), input);
     }
-    std::string Value(const std::string& sql) {
-        const ado::RecordsetRef rows = session_->Execute(sql);
-        return rows->RecordCount() < 1 ? "none" : rows->Value(std::size_t{0}).ToTextOrEmpty();
-    }
-    std::string NewTemplate(const std::string& name) {
-        Window().ToolClick("mnuNew");
-        EXPECT_TRUE(Window().Tree().AfterLabelEdit(name));
-        return Window().TemplateId();
-    }
-    void Type(int row, int gridColumn, const std::string& text) {
-        Window().Cells().MoveActiveCell({row, gridColumn});
-        ASSERT_EQ(Window().Cells().CommitText({row, gridColumn}, text), TextVerdict::Taken);
-    }
-    void TypeLine() {
-        Type(1, column::kNo, "1");
-        Type(1, column::kExplanation, "我的");
-        Type(1, column::kDirection, "借");
-        Type(1, column::kAccountNumber, "1001");
-        Window().Cells().MoveActiveCell({1, column::kFileCount});
-    }
-    void Answer(MessageResult answer) { surroundings_.messageBoxes->answers.push_back(answer); }
-    Texts TakeMessages() {
-        Texts texts = surroundings_.messageBoxes->Texts();
-        surroundings_.messageBoxes->shown.clear();
-        return texts;
-    }
-
-    host::test::TestFolder folder_;
-    automation::ClassRegistry::Restore restore_;
-    fakes::FakeSurroundings surroundings_;
-    std::string set_;
-    host::HostSessionRef session_;
-    FakeVICenterView view_;
-    std::unique_ptr<frmVICenter> window_;
+    void TypeLine() { WindowOnSet::TypeLine(1, "1", "我的", "借", "1001"); }
 };
 
 TEST_F(TwoProcesses, ATemplateDeletedElsewhereLeavesNoLinesForTheNextOne) {

@@ -7,13 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "automation/class_registry.h"
-#include "center/frame/frm_vi_center.h"
-#include "entry/host_context.h"
-#include "host/components/components.h"
-#include "tests/center/fake_view.h"
-#include "tests/fakes/fake_surroundings.h"
-#include "tests/host/demo_set.h"
+#include "tests/center/window_on_set.h"
 
 namespace vicenter::center::test {
 namespace {
@@ -23,18 +17,11 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* kUnread = "基础资料无法读取";
 
-class UnreadMaster : public testing::Test {
+class UnreadMaster : public WindowOnSet {
   protected:
     void SetUp() override {
-        session_ = host::RegisterHostComponents({host::FileConnectString(set_), 1});
-        window_ = std::make_unique<frmVICenter>(view_, nullptr);
-        window_->Load();
-        window_->ToolClick("mnuNew");
-        ASSERT_TRUE(window_->Tree().AfterLabelEdit("断开"));
-    }
-    void TearDown() override {
-        window_.reset();
-        entry::SetCurrentUserId("");
+        WindowOnSet::SetUp();
+        NewTemplate("断开");
     }
     // A drive that is unplugged, a share that is gone.
     void TakeSetAway() {
@@ -51,40 +38,12 @@ class UnreadMaster : public testing::Test {
     }
     void BringSetBack() { std::filesystem::rename(set_ + ".away", set_); }
 
-    std::string Cell(int row, int gridColumn) { return std::string(window_->Grid().Text(row, gridColumn)); }
     std::string Fault(int row, int gridColumn) { return window_->Cells().DescribeFault({row, gridColumn}); }
-    bool IsRed(int row, int gridColumn) {
-        return window_->Grid().Look(row, gridColumn).foreColor == color::kRed;
-    }
-    void Type(int row, int gridColumn, const std::string& text) {
-        window_->Cells().MoveActiveCell({row, gridColumn});
-        ASSERT_EQ(window_->Cells().CommitText({row, gridColumn}, text), TextVerdict::Taken);
-    }
     void Leave() { window_->Cells().MoveActiveCell({1, column::kRemark}); }
     void TypeLine(const std::string& account) {
-        Type(1, column::kNo, "1");
-        Type(1, column::kExplanation, "手工");
-        Type(1, column::kDirection, "借");
-        Type(1, column::kAccountNumber, account);
+        WindowOnSet::TypeLine(1, "1", "手工", "借", account);
         Leave();
     }
-    std::string Value(const std::string& sql) {
-        const ado::RecordsetRef rows = session_->Execute(sql);
-        return rows->RecordCount() < 1 ? "none" : rows->Value(std::size_t{0}).ToTextOrEmpty();
-    }
-    Texts TakeMessages() {
-        Texts texts = surroundings_.messageBoxes->Texts();
-        surroundings_.messageBoxes->shown.clear();
-        return texts;
-    }
-
-    host::test::TestFolder folder_;
-    automation::ClassRegistry::Restore restore_;
-    fakes::FakeSurroundings surroundings_;
-    std::string set_ = host::test::CopySet(folder_);
-    host::HostSessionRef session_;
-    FakeVICenterView view_;
-    std::unique_ptr<frmVICenter> window_;
 };
 
 TEST_F(UnreadMaster, ACodeTypedMeanwhileStaysAndIsReadBeforeItIsSaved) {

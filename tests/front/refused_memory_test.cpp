@@ -1,62 +1,20 @@
 // Memory that is refused to the library at any one point of a call: the call answers 0 or error 7, nothing
 // crashes, nothing is kept. A program of its own: it stands between the library and the allocator.
 
-#include <cstdlib>
+#include "tests/fakes/refused_memory.h"
+
 #include <filesystem>
 #include <functional>
-#include <new>
 #include <string>
 
 #include "tests/front/front_testing.h"
 
-namespace {
-
-// Requests that are still granted; below 0 all are. From then on so many are refused.
-long granted = -1;
-long refusals = 1;
-bool refused = false;
-
-bool Refuses() {
-    if (granted < 0) return false;
-    if (granted > 0) {
-        --granted;
-        return false;
-    }
-    refused = true;
-    if (--refusals == 0) granted = -1;
-    return true;
-}
-
-void* Allocate(std::size_t bytes) {
-    if (Refuses()) throw std::bad_alloc();
-    void* memory = std::malloc(bytes == 0 ? 1 : bytes);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-    return Allocate(bytes);
-}
-void* operator new[](std::size_t bytes) {
-    return Allocate(bytes);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
 namespace vicenter::front {
 namespace {
+
+using fakes::memory::granted;
+using fakes::memory::refusals;
+using fakes::memory::refused;
 
 constexpr const char* kBatch =
     "delete from t insert into t values(1, N'差旅费报销及补助') insert into t values(2, N'办公费') "

@@ -11,23 +11,12 @@
 #include <unistd.h>
 
 #include "tests/fuzz/tsql_text.h"
+#include "tests/tsql/plain_collation.h"
 #include "tsql/run/session.h"
 
 namespace {
 
 namespace engine = vicenter::tsql::engine;
-
-class PlainCollation final : public engine::TextCollation {
-  public:
-    int Compare(std::string_view a, std::string_view b) const override { return Fold(a).compare(Fold(b)); }
-    std::string Fold(std::string_view text) const override {
-        std::string folded(text);
-        for (char& c : folded) {
-            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-        }
-        return folded;
-    }
-};
 
 // Counts the rows and keeps the texts of the last result.
 class Sink final : public engine::ResultSink {
@@ -102,7 +91,7 @@ class Ledger {
     }
 
     std::filesystem::path file_;
-    PlainCollation collation_;
+    engine::PlainCollation collation_;
     std::unique_ptr<engine::Session> session_;
 };
 

@@ -163,4 +163,15 @@ CliScript RunCliScript(const CliScript& script, const WayIn& way) {
     return result;
 }
 
+void ExpectAlike(const CliScript& expected, const CliScript& actual, const std::string& name) {
+    ASSERT_FALSE(expected.steps.empty());
+    for (std::size_t i = 0; i < expected.steps.size(); ++i) {
+        const CliStep& step = expected.steps[i];
+        SCOPED_TRACE(name + ".test:" + std::to_string(step.line) + ": " + step.command);
+        EXPECT_EQ(step.output, actual.steps[i].output);
+        EXPECT_EQ(step.errors, actual.steps[i].errors);
+        EXPECT_EQ(step.exitCode, actual.steps[i].exitCode);
+    }
+}
+
 }  // namespace vicenter::host::test

@@ -49,5 +49,7 @@ using WayIn = std::function<std::vector<std::string>(const std::string& file)>;
 // Runs every step and puts what came out in the place of what was expected; straight at the file without
 // another way.
 CliScript RunCliScript(const CliScript& script, const WayIn& way = {});
+// Every step as expected; name: the script's.
+void ExpectAlike(const CliScript& expected, const CliScript& actual, const std::string& name);
 
 }  // namespace vicenter::host::test

@@ -54,14 +54,7 @@ TEST_P(CommandLine, AnswersAsExpected) {
         std::ofstream(path, std::ios::binary) << test::WriteCliScript(actual);
         return;
     }
-    ASSERT_FALSE(expected.steps.empty());
-    for (std::size_t i = 0; i < expected.steps.size(); ++i) {
-        const test::CliStep& step = expected.steps[i];
-        SCOPED_TRACE(GetParam() + ".test:" + std::to_string(step.line) + ": " + step.command);
-        EXPECT_EQ(step.output, actual.steps[i].output);
-        EXPECT_EQ(step.errors, actual.steps[i].errors);
-        EXPECT_EQ(step.exitCode, actual.steps[i].exitCode);
-    }
+    test::ExpectAlike(expected, actual, GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, CommandLine, testing::ValuesIn(ScriptNames()),
@@ -69,7 +62,8 @@ INSTANTIATE_TEST_SUITE_P(Scripts, CommandLine, testing::ValuesIn(ScriptNames()),
 
 // Every command and option, as the program's own help names them.
 std::set<std::string> CommandsAndOptions() {
-    std::string help = Help({"--help"}) + Help({"account-set", "--help"}) + Help({"account-set", "new", "--help"});
+    std::string help =
+        Help({"--help"}) + Help({"account-set", "--help"}) + Help({"account-set", "new", "--help"});
     for (const char* command : {"window", "export", "import", "generate"})
         help += Help({command, "--help"});
     std::set<std::string> words;

@@ -13,6 +13,7 @@
 #include "host/cli/cli.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/system/files.h"
+#include "tests/host/cli_run.h"
 #include "tests/host/demo_set.h"
 #include "tests/tds_server/server.h"
 
@@ -33,11 +34,7 @@ void PrintTo(const Command& command, std::ostream* out) {
     *out << command.name;
 }
 
-struct Answer {
-    int exitCode = 0;
-    std::string output;
-    std::string errors;
-};
+using Answer = test::CliAnswer;
 
 class FailingServer : public testing::TestWithParam<Command> {
   protected:
@@ -59,12 +56,7 @@ class FailingServer : public testing::TestWithParam<Command> {
             if (argument.starts_with("$")) argument = folder_.Path(argument.substr(1));
         }
         arguments.insert(arguments.begin(), {"--connect", connect_, "--yes"});
-        const automation::ClassRegistry::Restore registry;
-        std::istringstream in(input);
-        std::ostringstream out;
-        std::ostringstream err;
-        const int exitCode = RunCli(arguments, {in, out, err});
-        return {exitCode, out.str(), err.str()};
+        return test::RunVicenter(arguments, input);
     }
     // What is stored, dates and log apart.
     std::string Content() const {

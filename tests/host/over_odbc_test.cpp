@@ -17,6 +17,7 @@
 #include "host/cli/cli.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/system/files.h"
+#include "tests/host/cli_run.h"
 #include "tests/host/cli_script.h"
 #include "tests/host/demo_set.h"
 #include "tests/lanes/odbc_patience.h"
@@ -87,32 +88,16 @@ TEST_P(CommandLineOverOdbc, AnswersAsOnAFile) {
     const test::CliScript actual = test::RunCliScript(expected, [&](const std::string& file) {
         return std::vector<std::string>{"--connect", served.Serve(file)};
     });
-    ASSERT_FALSE(expected.steps.empty());
-    for (std::size_t i = 0; i < expected.steps.size(); ++i) {
-        const test::CliStep& step = expected.steps[i];
-        SCOPED_TRACE(GetParam() + ".test:" + std::to_string(step.line) + ": " + step.command);
-        EXPECT_EQ(step.output, actual.steps[i].output);
-        EXPECT_EQ(step.errors, actual.steps[i].errors);
-        EXPECT_EQ(step.exitCode, actual.steps[i].exitCode);
-    }
+    test::ExpectAlike(expected, actual, GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, CommandLineOverOdbc, testing::ValuesIn(ScriptNames()),
                          [](const auto& script) { return script.param; });
 
-struct Answer {
-    int exitCode = 0;
-    std::string output;
-    std::string errors;
-};
+using Answer = test::CliAnswer;
 
 Answer Vicenter(const std::vector<std::string>& arguments, const std::string& input = {}) {
-    const automation::ClassRegistry::Restore registry;
-    std::istringstream in(input);
-    std::ostringstream out;
-    std::ostringstream err;
-    const int exitCode = RunCli(arguments, {in, out, err});
-    return {exitCode, out.str(), err.str()};
+    return test::RunVicenter(arguments, input);
 }
 
 class AccountSetOnServer : public testing::Test {

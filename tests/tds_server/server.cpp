@@ -9,7 +9,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "platform/system/code_page.h"
+#include "platform/ado/account_set/account_set_collation.h"
 #include "platform/system/collation.h"
 #include "platform/system/surroundings.h"
 #include "tds_server/connection.h"
@@ -17,23 +17,6 @@
 namespace vicenter::tds_server {
 
 namespace {
-
-class ChineseCollation final : public tsql::engine::TextCollation {
-  public:
-    int Compare(std::string_view a, std::string_view b) const override {
-        return system::Collator::Chinese().Compare(a, b);
-    }
-    std::string Fold(std::string_view text) const override { return system::Collator::Chinese().Fold(text); }
-    // Whatever the server says of its own code page, its account sets are Chinese.
-    std::uint8_t LeadByte(std::string_view character) const override {
-        constexpr int kChinese = 936;
-        const auto page = system::CodePage::Open(kChinese);
-        const std::string bytes = page ? page->Encode(character) : std::string();
-        return bytes.empty() ? std::uint8_t{'?'} : static_cast<std::uint8_t>(bytes.front());
-    }
-};
-
-const ChineseCollation kCollation;
 
 // A column of an int and its value.
 constexpr char kIntType[] = {0x26, 4};
@@ -231,7 +214,7 @@ std::unique_ptr<tsql::engine::Session> Server::OpenDatabase(const std::string& n
     }
     options.create = true;
     options.batchTransactions = false;
-    options.collation = &kCollation;
+    options.collation = &ado::AccountSetCollation();
     options.now = [] { return system::Surroundings::Current().clock->Now(); };
     return std::make_unique<tsql::engine::Session>(std::move(options));
 }

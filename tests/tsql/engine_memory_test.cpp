@@ -1,31 +1,19 @@
 // Memory that is refused at any one point of a batch: the batch is done or not done, never half, nothing
 // crashes, and the session can be used again.
-#include <cstdlib>
 #include <new>
 
 #include <sqlite3.h>
 
+#include "tests/fakes/refused_memory.h"
 #include "tests/tsql/engine_fixture.h"
 
+namespace vicenter::tsql::engine {
 namespace {
 
-// Requests that are still granted; below 0 all are.
-long granted = -1;
-bool refused = false;
-
-bool Refuses() {
-    if (granted < 0) return false;
-    if (granted-- > 0) return false;
-    refused = true;
-    return true;
-}
-
-void* Allocate(std::size_t bytes) {
-    if (Refuses()) throw std::bad_alloc();
-    void* memory = std::malloc(bytes == 0 ? 1 : bytes);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
+using fakes::memory::granted;
+using fakes::memory::refusals;
+using fakes::memory::refused;
+using fakes::memory::Refuses;
 
 sqlite3_mem_methods usual;
 
@@ -39,30 +27,6 @@ void WatchSqlite() {
     };
     sqlite3_config(SQLITE_CONFIG_MALLOC, &watched);
 }
-
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-    return Allocate(bytes);
-}
-void* operator new[](std::size_t bytes) {
-    return Allocate(bytes);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
-namespace vicenter::tsql::engine {
-namespace {
 
 class NoSink : public ResultSink {
   public:
@@ -82,6 +46,7 @@ class EngineMemoryTest : public EngineTest {
     Outcome RunRefusing(Session& session, const std::string& batch, long n) {
         NoSink sink;
         refused = false;
+        refusals = 1;
         granted = n;
         try {
             const ExecutionReport report = session.Execute(batch, sink);
@@ -141,6 +106,7 @@ TEST_F(EngineMemoryTest, Opening_an_account_set_fails_cleanly) {
     session_.reset();
     for (long n = 0;; ++n) {
         refused = false;
+        refusals = 1;
         granted = n;
         bool opened = false;
         try {

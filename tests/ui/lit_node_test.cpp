@@ -42,13 +42,7 @@ TEST_F(LitNodeTest, F2AfterAPressThatWasReleasedElsewhereRenamesTheLitNode) {
     QTest::mousePress(port, Qt::LeftButton, {}, NodeAt("detail-6"));
     QTest::mouseRelease(port, Qt::LeftButton, {}, NodeAt("detail-0"));
     Key(Qt::Key_F2);
-    ASSERT_TRUE(window->Tree().IsEditingLabel());
-    qobject_cast<QLineEdit*>(Focused())->selectAll();
-    Type("Rent");
-    Key(Qt::Key_Return);
-    EXPECT_EQ(ledger->Sent("update t_VchTemplate set"),
-              "update t_VchTemplate set FName = 'Rent' where FID = 5");
-    EXPECT_EQ(window->Tree().FindNode("detail-5")->text(0), "Rent");
+    RenameTo("Rent", "5");
     EXPECT_EQ(window->Tree().FindNode("detail-6")->text(0), "工资计提");
 }
 

@@ -91,6 +91,16 @@ class WindowTest : public ::testing::Test {
         QTest::keyClick(Focused(), key, modifiers);
         QApplication::processEvents();
     }
+    // Types another name into the label that is being edited, and sees it written and shown.
+    void RenameTo(const std::string& name, const std::string& id) {
+        ASSERT_TRUE(window->Tree().IsEditingLabel());
+        qobject_cast<QLineEdit*>(Focused())->selectAll();
+        Type(QString::fromStdString(name));
+        Key(Qt::Key_Return);
+        EXPECT_EQ(ledger->Sent("update t_VchTemplate set"),
+                  "update t_VchTemplate set FName = '" + name + "' where FID = " + id);
+        EXPECT_EQ(window->Tree().FindNode("detail-" + id)->text(0).toStdString(), name);
+    }
     std::vector<std::string> Messages() { return ledger->surroundings.messageBoxes->Texts(); }
 
     std::unique_ptr<ScriptedLedger> ledger = std::make_unique<ScriptedLedger>();

@@ -173,13 +173,7 @@ TEST_F(WindowTest, AGapIsRefusedAndTheCursorGoesToTheFirstBlankRow) {
 TEST_F(WindowTest, ADoubleClickRenamesATemplate) {
     Open();
     DoubleClickNode("detail-5");
-    ASSERT_TRUE(window->Tree().IsEditingLabel());
-    qobject_cast<QLineEdit*>(Focused())->selectAll();
-    Type("Rent");
-    Key(Qt::Key_Return);
-    EXPECT_EQ(ledger->Sent("update t_VchTemplate set"),
-              "update t_VchTemplate set FName = 'Rent' where FID = 5");
-    EXPECT_EQ(window->Tree().FindNode("detail-5")->text(0), "Rent");
+    RenameTo("Rent", "5");
     EXPECT_EQ(window->findChild<QLineEdit*>("itName")->text(), "Rent");
 }
 

@@ -1,23 +1,15 @@
 #include "platform/scripting/dictionary.h"
 
-#include <functional>
-
 #include <gtest/gtest.h>
+
+#include "tests/fakes/error_number.h"
 
 namespace vicenter::scripting {
 namespace {
 
 using automation::ObjectRef;
 using automation::VariantArray;
-
-std::int32_t NumberOfError(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const automation::Error& error) {
-        return error.Number();
-    }
-    return 0;
-}
+using fakes::NumberOfError;
 
 class DictionaryTest : public testing::Test {
   protected:

@@ -1,11 +1,11 @@
 #include "platform/scripting/file_system_object.h"
 
 #include <fstream>
-#include <functional>
 
 #include <gtest/gtest.h>
 
 #include "automation/class_registry.h"
+#include "tests/fakes/error_number.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/tsql/child_process.h"
 
@@ -13,15 +13,7 @@ namespace vicenter::scripting {
 namespace {
 
 using automation::Variant;
-
-std::int32_t NumberOfError(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const automation::Error& error) {
-        return error.Number();
-    }
-    return 0;
-}
+using fakes::NumberOfError;
 
 std::string ContentOf(const std::string& path) {
     std::ifstream stream(system::PathFromUtf8(path), std::ios::binary);
