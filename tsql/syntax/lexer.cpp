@@ -251,84 +251,65 @@ Token Lexer::ReadSimple(Op op) {
     return Finish(token, at_ + 1);
 }
 
+namespace {
+
+// An operator of one character, and what it becomes with an equals sign behind it.
+struct Sign {
+    char character;
+    Op alone;
+    Op withEqual = Op::kNone;
+};
+constexpr Sign kSigns[] = {
+    {'+', Op::kPlus, Op::kPlusEqual},
+    {'-', Op::kMinus, Op::kMinusEqual},
+    {'*', Op::kStar, Op::kStarEqual},
+    {'/', Op::kSlash, Op::kSlashEqual},
+    {'%', Op::kPercent, Op::kPercentEqual},
+    {'&', Op::kAmpersand, Op::kAmpersandEqual},
+    {'|', Op::kPipe, Op::kPipeEqual},
+    {'^', Op::kCaret, Op::kCaretEqual},
+    {'<', Op::kLess, Op::kLessEqual},
+    {'>', Op::kGreater, Op::kGreaterEqual},
+    {'!', Op::kNone, Op::kNotEqual},
+    {'~', Op::kTilde},
+    {'=', Op::kEqual},
+    {'(', Op::kLeftParen},
+    {')', Op::kRightParen},
+    {',', Op::kComma},
+    {'.', Op::kDot},
+    {';', Op::kSemicolon},
+    {':', Op::kColon},
+};
+
+// What !< and !> have always stood for.
+Op OpOfPair(char first, char second) {
+    if (first == '<' && second == '>') return Op::kNotEqual;
+    if (first == '!' && second == '<') return Op::kGreaterEqual;
+    if (first == '!' && second == '>') return Op::kLessEqual;
+    if (second != '=') return Op::kNone;
+    for (const Sign& sign : kSigns) {
+        if (sign.character == first) return sign.withEqual;
+    }
+    return Op::kNone;
+}
+
+Op OpOfOne(char character) {
+    for (const Sign& sign : kSigns) {
+        if (sign.character == character) return sign.alone;
+    }
+    return Op::kNone;
+}
+
+}  // namespace
+
 Token Lexer::ReadOperator() {
     Token token;
     token.kind = TokenKind::kOperator;
-    const char next = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
-    std::size_t length = 1;
-    const auto plainOrEqual = [&](Op plain, Op withEqual) {
-        token.op = next == '=' ? withEqual : plain;
-        length = next == '=' ? 2 : 1;
-    };
-    switch (text_[at_]) {
-        case '+':
-            plainOrEqual(Op::kPlus, Op::kPlusEqual);
-            break;
-        case '-':
-            plainOrEqual(Op::kMinus, Op::kMinusEqual);
-            break;
-        case '*':
-            plainOrEqual(Op::kStar, Op::kStarEqual);
-            break;
-        case '/':
-            plainOrEqual(Op::kSlash, Op::kSlashEqual);
-            break;
-        case '%':
-            plainOrEqual(Op::kPercent, Op::kPercentEqual);
-            break;
-        case '&':
-            plainOrEqual(Op::kAmpersand, Op::kAmpersandEqual);
-            break;
-        case '|':
-            plainOrEqual(Op::kPipe, Op::kPipeEqual);
-            break;
-        case '^':
-            plainOrEqual(Op::kCaret, Op::kCaretEqual);
-            break;
-        case '~':
-            token.op = Op::kTilde;
-            break;
-        case '=':
-            token.op = Op::kEqual;
-            break;
-        case '(':
-            token.op = Op::kLeftParen;
-            break;
-        case ')':
-            token.op = Op::kRightParen;
-            break;
-        case ',':
-            token.op = Op::kComma;
-            break;
-        case '.':
-            token.op = Op::kDot;
-            break;
-        case ';':
-            token.op = Op::kSemicolon;
-            break;
-        case ':':
-            token.op = Op::kColon;
-            break;
-        case '<':
-            if (next == '>') {
-                token.op = Op::kNotEqual;
-                length = 2;
-            } else {
-                plainOrEqual(Op::kLess, Op::kLessEqual);
-            }
-            break;
-        case '>':
-            plainOrEqual(Op::kGreater, Op::kGreaterEqual);
-            break;
-        case '!':
-            token.op = next == '='   ? Op::kNotEqual
-                       : next == '<' ? Op::kGreaterEqual
-                       : next == '>' ? Op::kLessEqual
-                                     : Op::kNone;
-            length = token.op == Op::kNone ? 1 : 2;
-            break;
-        default:
-            break;
+    std::size_t length = 2;
+    token.op = at_ + 1 < text_.size() ? OpOfPair(text_[at_], text_[at_ + 1]) : Op::kNone;
+    if (token.op == Op::kNone) {
+        length = 1;
+        token.op = OpOfOne(text_[at_]);
     }
     if (token.op == Op::kNone) {
         token.kind = TokenKind::kUnknown;
