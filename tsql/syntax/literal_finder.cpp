@@ -7,6 +7,7 @@ namespace vicenter::tsql {
 
 namespace {
 
+// By names, since no grammar is at hand: a column called decimal costs a plan for each literal behind it.
 bool IsTypeWithLength(const Token& token) {
     static constexpr std::string_view kTypes[] = {
         "char", "varchar", "nchar", "nvarchar",  "binary",         "varbinary", "decimal", "numeric",
@@ -161,7 +162,7 @@ LiteralFinder::Answer LiteralFinder::Classify(const Token& token, const Token& n
     const bool open = OpensValue(previous_);
     // IS NULL, NOT NULL and DEFAULT NULL are words of the text; f(NULL) and a = NULL are literals.
     if (token.keyword == Keyword::kNull) return open ? Answer::kValue : Answer::kFixed;
-    // 'alias' = value, in a select list.
+    // 'alias' = value, in a select list: another alias is another column name in the result.
     if (isText && next.op == Op::kEqual &&
         (previous_.op == Op::kComma || previous_.keyword == Keyword::kSelect ||
          previous_.keyword == Keyword::kDistinct)) {

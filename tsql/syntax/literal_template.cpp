@@ -120,6 +120,7 @@ std::size_t ScanLiteral(std::string_view text, std::size_t at, bool value, Liter
     return at < text.size() && Clings(text[at]) ? start : at;
 }
 
+// "… values (1) union …" begins as a repetition does: only what can follow a complete statement ends it.
 bool EndsWell(std::string_view text, std::size_t at) {
     while (at < text.size() && IsBlank(text[at]))
         ++at;

@@ -14,6 +14,7 @@ namespace {
 // Stands around the mark of a literal in a key; a text with this character in it has no shape.
 constexpr char kMark = '\x01';
 
+// The same parts that a template's scan finds without tokens: what runs with them cannot tell the two apart.
 LiteralValue ToValue(const Token& token) {
     LiteralValue value;
     value.offset = token.position.offset;
@@ -82,6 +83,7 @@ void AppendMark(std::string& key, const LiteralValue& value) {
             break;
         }
         case LiteralKind::kDecimal: {
+            // 0.10 has another type than 0.1, and 01.5 the same as 1.5.
             const std::size_t point = value.text.find('.');
             key += 'd';
             AppendNumber(key, withoutZeros(value.text.substr(0, point)).size());
@@ -89,7 +91,7 @@ void AppendMark(std::string& key, const LiteralValue& value) {
             AppendNumber(key, value.text.size() - point - 1);
             break;
         }
-        case LiteralKind::kFloat:
+        case LiteralKind::kFloat:  // all of one type
             key += 'f';
             break;
         case LiteralKind::kString:
@@ -128,6 +130,7 @@ std::optional<StatementShape> ShapeOf(std::string_view text) {
         Lexer lexer(text);
         LiteralFinder finder;
         Token token = lexer.Next();
+        // Only the first statement is looked at: what follows it in the text is part of the shape.
         if (!StartsDataStatement(token)) return std::nullopt;
         std::size_t from = 0;
         while (token.kind != TokenKind::kEnd) {

@@ -24,12 +24,15 @@ std::vector<const ColumnInfo*> Translator::TargetColumns(const TableInfo& table,
         }
         result.push_back(column);
     }
+    // Without a list the values are those of all columns that can be given one, in the table's order.
     if (columns.empty()) {
         for (const ColumnInfo& column : table.columns) {
             if (column.computedText.empty() && !column.identity) result.push_back(&column);
         }
         return result;
     }
+    // The option may be off when the plan runs again: the translation says that it needs it, and the plan
+    // asks.
     for (const ColumnInfo* column : result) {
         if (!column->identity) continue;
         if (!context_.TakesIdentity(table)) throw MakeError(544, columns.front().position, {table.name});
@@ -40,6 +43,8 @@ std::vector<const ColumnInfo*> Translator::TargetColumns(const TableInfo& table,
 
 Operand Translator::DefaultOf(const ColumnInfo& column) {
     if (column.defaultText.empty()) return Computed("NULL", {});
+    // A text of the catalog: its literals have places in that text, and must not be taken for the batch's
+    // own.
     ownedExpressions_.push_back(ParseExpression(column.defaultText));
     Scope none;
     ++foreignDepth_;
@@ -57,11 +62,14 @@ void Translator::AddDefaults(const TableInfo& table, std::vector<const ColumnInf
             present = present || columns[i] == &column;
         if (present) continue;
         if (column.identity) {
+            // Asked of the session row by row, so that rows of a query are numbered in their order.
             translation_.usesIdentity = true;
             columns.push_back(&column);
             const Operand next = Computed(kNextIdentityCall.Call({}), SqlType::Of(TypeKind::kBigInt));
             values.push_back(RenderStored(next, table, column, kInsert));
         } else if (!column.defaultText.empty() || !column.nullable) {
+            // A NULL that is refused is written all the same: storing it names column and table in its error,
+            // where SQLite's own would not.
             columns.push_back(&column);
             values.push_back(RenderStored(DefaultOf(column), table, column, kInsert));
         }
@@ -108,6 +116,7 @@ Translation Translator::Insert(const InsertStatement& statement) {
     if (statement.source == InsertSource::kDefaultValues) rows.emplace_back();
     std::string sql;
     std::vector<const ColumnInfo*> all;
+    // Each row works out its own defaults: newid() and the like differ from row to row.
     for (const std::string& row : rows) {
         all = columns;
         std::vector<std::string> defaults;
@@ -129,6 +138,7 @@ Translation Translator::InsertRow(const TableInfo& table, const std::vector<Name
     Begin(table, kInsert);
     std::vector<const ColumnInfo*> columns = TargetColumns(table, names);
     if (types.size() != columns.size()) throw MakeError(213, Position{});
+    // Parameters without a value of their own: each run hands a row in.
     std::vector<std::string> values;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         Operand row = System("", types[i]);
@@ -148,6 +158,8 @@ Translation Translator::InsertQuery(const TableInfo& table, const std::vector<Na
                                     const Query& query) {
     Begin(table, kInsert);
     std::vector<const ColumnInfo*> columns = TargetColumns(table, names);
+    // The query stands inside another, which converts its columns: its own ORDER BY and TOP stay what they
+    // are.
     const QueryText rows = QueryOf(query, nullptr, true);
     if (rows.columns.size() != columns.size()) {
         if (names.empty()) throw MakeError(213, query.position);
