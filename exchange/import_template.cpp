@@ -13,6 +13,7 @@
 #include "platform/system/surroundings.h"
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
+#include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"
@@ -117,10 +118,10 @@ void WriteBatch(ExchangeTarget& window, const ImportBatch& batch, std::int32_t e
         const std::string& why = shown.empty() ? silent : shown;
         throw Error(automation::error_number::kInvalidProcedureCall, why.empty() ? "账套没有接受写入" : why);
     };
-    check(store::clsVIData().IsExecuteSql(batch.text));
+    check(store::RunSql(batch.text));
     window.SetProgressLabel("引入完毕...");
     const std::string id = ReadTemplateId(name);
-    store::clsVIData().IsExecuteSql(store::MarkUsable(id));
+    store::RunSql(store::MarkUsable(id));
     check(unit.Commit());
     if (before) before->Stay();
     outcome.templateId = Variant(id).ToInt32();
