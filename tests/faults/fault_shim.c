@@ -1,21 +1,27 @@
+/* clang-format off */
 /*
  * Preloaded into a program under test (LD_PRELOAD): counts its calls to the system on the files of one folder
  * and makes the n-th of them fail, write only a half, or be the program's last.
  *
  *   VICENTER_FAULT_FOLDER   calls on files below this folder are counted, others never
- *   VICENTER_FAULT          CLASSES,N,ACTION,ERRNO: the N-th call of these classes (names joined by "+")
- * fares so: fail    it fails with ERRNO stuck   it and all later ones of its classes fail with ERRNO, as on a
- * full disk short   half of what was to be written is written, later writes fail with ERRNO kill    the
- * program is killed instead torn    half of what was to be written is written, then the program is killed cut
- * the power fails instead: what no file was synchronized for is taken back N = 0 never strikes; with "cut"
- * the power then fails when the program ends VICENTER_FAULT_REPORT   gets a line "fired OPERATION PATH" and,
- * at an ordinary end, "CLASS COUNT" for each class
+ *   VICENTER_FAULT          CLASSES,N,ACTION,ERRNO: the N-th call of these classes (names joined by "+") fares so:
+ *     fail    it fails with ERRNO
+ *     stuck   it and all later ones of its classes fail with ERRNO, as on a full disk
+ *     short   half of what was to be written is written, later writes fail with ERRNO
+ *     kill    the program is killed instead
+ *     torn    half of what was to be written is written, then the program is killed
+ *     cut     the power fails instead: what no file was synchronized for is taken back, and what was renamed in a
+ *             folder that has not been synchronized since
+ *     N = 0 never strikes; with "cut" the power then fails when the program ends
+ *   VICENTER_FAULT_REPORT   gets a line "fired OPERATION PATH" and, at an ordinary end, "CLASS COUNT" for each
+ *                           class
  *
  * Classes: open read write sync truncate rename unlink lock map alloc. Allocations count from the first call
  * on a watched file on, so that loading the program is left alone.
  *
  * The fopen family is watched at its own functions, because the C library's inner calls cannot be.
  */
+/* clang-format on */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
@@ -138,6 +144,66 @@ static void TakeBackChanges(void) {
     }
 }
 
+/* ---- renames whose folder has not been synchronized since, newest first */
+
+struct move {
+    struct move* next;
+    char to[MAX_NAME];
+    char kept[MAX_NAME]; /* a second name of what stood there before; empty when nothing did */
+};
+static struct move* moves;
+
+static void RememberMove(const char* to) {
+    if (!KeepsChanges()) return;
+    static int count;
+    struct move* move = __libc_malloc(sizeof(struct move));
+    if (move == NULL) return;
+    strcpy(move->to, to);
+    const char* name = strrchr(to, '/') + 1;
+    const int written =
+        snprintf(move->kept, MAX_NAME, "%.*s.before-the-power-cut-%d", (int)(name - to), to, ++count);
+    if (written >= MAX_NAME || syscall(SYS_linkat, AT_FDCWD, to, AT_FDCWD, move->kept, 0) != 0)
+        move->kept[0] = 0;
+    move->next = moves;
+    moves = move;
+}
+
+static void TakeBackMoves(void) {
+    for (const struct move* move = moves; move != NULL; move = move->next) {
+        syscall(SYS_unlink, move->to);
+        if (move->kept[0] != 0) syscall(SYS_rename, move->kept, move->to);
+    }
+}
+
+static int StandsIn(const char* path, const char* directory) {
+    const size_t length = strlen(directory);
+    return directory[0] == 0 || (strncmp(path, directory, length) == 0 && path[length] == '/' &&
+                                 strchr(path + length + 1, '/') == NULL);
+}
+
+/* The last one, which did not come about. */
+static void ForgetMove(void) {
+    struct move* move = moves;
+    if (move == NULL) return;
+    if (move->kept[0] != 0) syscall(SYS_unlink, move->kept);
+    moves = move->next;
+    __libc_free(move);
+}
+
+/* All of them for the empty name. */
+static void ForgetMoves(const char* directory) {
+    for (struct move** at = &moves; *at != NULL;) {
+        struct move* move = *at;
+        if (StandsIn(move->to, directory)) {
+            if (move->kept[0] != 0) syscall(SYS_unlink, move->kept);
+            *at = move->next;
+            __libc_free(move);
+        } else {
+            at = &move->next;
+        }
+    }
+}
+
 /* ---- the report */
 
 static void Report(const char* text) {
@@ -183,6 +249,7 @@ static enum verdict Decide(int class, const char* operation, const char* path) {
             break;
         case kCut:
             TakeBackChanges();
+            TakeBackMoves();
             Die();
             break;
         case kShort:
@@ -353,7 +420,12 @@ __attribute__((destructor)) static void End(void) {
         length +=
             snprintf(text + length, sizeof text - (size_t)length, "%s %ld\n", kClassNames[i], counts[i]);
     Report(text);
-    if (action == kCut && strikeAt == 0) TakeBackChanges();
+    if (action == kCut && strikeAt == 0) {
+        TakeBackChanges();
+        TakeBackMoves();
+    } else {
+        ForgetMoves("");
+    }
 }
 
 /* ---- opening */
@@ -579,6 +651,7 @@ int fsync(int fd) {
     if (Decide(kSync, "fsync", names[fd]) != kGoOn) return -1;
     const int code = real_fsync(fd);
     if (code == 0) ForgetChanges(names[fd]);
+    if (code == 0) ForgetMoves(names[fd]);
     return code;
 }
 
@@ -625,8 +698,12 @@ int renameat2(int fromDirectory, const char* from, int toDirectory, const char* 
     const int isTo = BelowFolder(to, b);
     if (!isFrom && !isTo) return real_renameat2(fromDirectory, from, toDirectory, to, flags);
     if (Decide(kRename, "rename", isTo ? b : a) != kGoOn) return -1;
+    if (isTo) RememberMove(b);
     const int code = real_renameat2(fromDirectory, from, toDirectory, to, flags);
     if (code == 0 && isFrom && isTo) MoveChanges(a, b);
+    const int failed = errno;
+    if (code != 0 && isTo) ForgetMove();
+    errno = failed;
     return code;
 }
 
