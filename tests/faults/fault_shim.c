@@ -41,6 +41,8 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include "tests/faults/power_cut.h"
+
 enum { kOpen, kRead, kWrite, kSync, kTruncate, kRename, kUnlink, kLock, kMap, kAlloc, kClasses };
 static const char* const kClassNames[kClasses] = {"open",   "read",   "write", "sync", "truncate",
                                                   "rename", "unlink", "lock",  "map",  "alloc"};
@@ -52,7 +54,6 @@ static const char* const kActionNames[] = {"fail", "stuck", "short", "kill", "to
 enum verdict { kGoOn, kRefuse, kHalf };
 
 #define MAX_FD 1024
-#define MAX_NAME 512
 
 static char folder[PATH_MAX];
 static size_t folderLength;
@@ -68,18 +69,6 @@ static atomic_int struck;
 static char watched[MAX_FD];
 static char names[MAX_FD][MAX_NAME];
 
-/* ---- what has been written and not synchronized, newest first */
-
-struct change {
-    struct change* next;
-    char path[MAX_NAME];
-    off_t at;
-    size_t length;
-    off_t sizeBefore;
-    unsigned char bytes[];
-};
-static struct change* changes;
-
 extern void* __libc_malloc(size_t);
 extern void* __libc_calloc(size_t, size_t);
 extern void* __libc_realloc(void*, size_t);
@@ -88,120 +77,6 @@ extern void __libc_free(void*);
 
 static int KeepsChanges(void) {
     return action == kCut && mask != 0;
-}
-
-static void RememberChange(const char* path, off_t at, size_t length) {
-    if (!KeepsChanges()) return;
-    const int saved = errno;
-    const int fd = (int)syscall(SYS_openat, AT_FDCWD, path, O_RDONLY | O_CLOEXEC, 0);
-    struct stat about;
-    if (fd >= 0 && syscall(SYS_fstat, fd, &about) == 0 && S_ISREG(about.st_mode)) {
-        struct change* change = __libc_malloc(sizeof(struct change) + length);
-        if (change != NULL) {
-            strncpy(change->path, path, MAX_NAME - 1);
-            change->path[MAX_NAME - 1] = 0;
-            change->at = at;
-            change->sizeBefore = about.st_size;
-            const ssize_t old = syscall(SYS_pread64, fd, change->bytes, length, at);
-            change->length = old > 0 ? (size_t)old : 0;
-            change->next = changes;
-            changes = change;
-        }
-    }
-    if (fd >= 0) syscall(SYS_close, fd);
-    errno = saved;
-}
-
-static void ForgetChanges(const char* path) {
-    for (struct change** at = &changes; *at != NULL;) {
-        struct change* change = *at;
-        if (strcmp(change->path, path) == 0) {
-            *at = change->next;
-            __libc_free(change);
-        } else {
-            at = &change->next;
-        }
-    }
-}
-
-static void MoveChanges(const char* from, const char* to) {
-    ForgetChanges(to);
-    for (struct change* change = changes; change != NULL; change = change->next) {
-        if (strcmp(change->path, from) == 0) {
-            strncpy(change->path, to, MAX_NAME - 1);
-            change->path[MAX_NAME - 1] = 0;
-        }
-    }
-}
-
-static void TakeBackChanges(void) {
-    for (const struct change* change = changes; change != NULL; change = change->next) {
-        const int fd = (int)syscall(SYS_openat, AT_FDCWD, change->path, O_WRONLY | O_CLOEXEC, 0);
-        if (fd < 0) continue; /* deleted meanwhile */
-        if (change->length > 0) syscall(SYS_pwrite64, fd, change->bytes, change->length, change->at);
-        syscall(SYS_ftruncate, fd, change->sizeBefore);
-        syscall(SYS_close, fd);
-    }
-}
-
-/* ---- renames whose folder has not been synchronized since, newest first */
-
-struct move {
-    struct move* next;
-    char to[MAX_NAME];
-    char kept[MAX_NAME]; /* a second name of what stood there before; empty when nothing did */
-};
-static struct move* moves;
-
-static void RememberMove(const char* to) {
-    if (!KeepsChanges()) return;
-    static int count;
-    struct move* move = __libc_malloc(sizeof(struct move));
-    if (move == NULL) return;
-    strcpy(move->to, to);
-    const char* name = strrchr(to, '/') + 1;
-    const int written =
-        snprintf(move->kept, MAX_NAME, "%.*s.before-the-power-cut-%d", (int)(name - to), to, ++count);
-    if (written >= MAX_NAME || syscall(SYS_linkat, AT_FDCWD, to, AT_FDCWD, move->kept, 0) != 0)
-        move->kept[0] = 0;
-    move->next = moves;
-    moves = move;
-}
-
-static void TakeBackMoves(void) {
-    for (const struct move* move = moves; move != NULL; move = move->next) {
-        syscall(SYS_unlink, move->to);
-        if (move->kept[0] != 0) syscall(SYS_rename, move->kept, move->to);
-    }
-}
-
-static int StandsIn(const char* path, const char* directory) {
-    const size_t length = strlen(directory);
-    return directory[0] == 0 || (strncmp(path, directory, length) == 0 && path[length] == '/' &&
-                                 strchr(path + length + 1, '/') == NULL);
-}
-
-/* The last one, which did not come about. */
-static void ForgetMove(void) {
-    struct move* move = moves;
-    if (move == NULL) return;
-    if (move->kept[0] != 0) syscall(SYS_unlink, move->kept);
-    moves = move->next;
-    __libc_free(move);
-}
-
-/* All of them for the empty name. */
-static void ForgetMoves(const char* directory) {
-    for (struct move** at = &moves; *at != NULL;) {
-        struct move* move = *at;
-        if (StandsIn(move->to, directory)) {
-            if (move->kept[0] != 0) syscall(SYS_unlink, move->kept);
-            *at = move->next;
-            __libc_free(move);
-        } else {
-            at = &move->next;
-        }
-    }
 }
 
 /* ---- the report */
@@ -437,7 +312,7 @@ static mode_t ModeOf(int flags, va_list arguments) {
 static int Opened(int fd, const char* absolute, int fresh) {
     if (fd < 0) return fd;
     Watch(fd, absolute);
-    if (fresh) RememberChange(absolute, 0, 0);
+    if (fresh && KeepsChanges()) RememberChange(absolute, 0, 0);
     return fd;
 }
 
@@ -553,7 +428,7 @@ ssize_t pwrite(int fd, const void* buffer, size_t size, off_t at) {
     if (!IsWatched(fd)) return real_pwrite(fd, buffer, size, at);
     const enum verdict verdict = Decide(kWrite, "pwrite", names[fd]);
     if (verdict == kRefuse) return -1;
-    RememberChange(names[fd], at, size);
+    if (KeepsChanges()) RememberChange(names[fd], at, size);
     if (verdict == kGoOn) return real_pwrite(fd, buffer, size, at);
     const ssize_t half = real_pwrite(fd, buffer, size / 2, at);
     AfterHalf();
@@ -569,7 +444,7 @@ ssize_t write(int fd, const void* buffer, size_t size) {
     if (!IsWatched(fd)) return real_write(fd, buffer, size);
     const enum verdict verdict = Decide(kWrite, "write", names[fd]);
     if (verdict == kRefuse) return -1;
-    RememberChange(names[fd], lseek(fd, 0, SEEK_CUR), size);
+    if (KeepsChanges()) RememberChange(names[fd], lseek(fd, 0, SEEK_CUR), size);
     if (verdict == kGoOn) return real_write(fd, buffer, size);
     const ssize_t half = real_write(fd, buffer, size / 2);
     AfterHalf();
@@ -584,7 +459,7 @@ ssize_t writev(int fd, const struct iovec* pieces, int count) {
     size_t size = 0;
     for (int i = 0; i < count; ++i)
         size += pieces[i].iov_len;
-    RememberChange(names[fd], lseek(fd, 0, SEEK_CUR), size);
+    if (KeepsChanges()) RememberChange(names[fd], lseek(fd, 0, SEEK_CUR), size);
     if (verdict == kGoOn) return real_writev(fd, pieces, count);
     const ssize_t half = real_writev(fd, pieces, (count + 1) / 2);
     AfterHalf();
@@ -596,7 +471,7 @@ ssize_t sendfile(int to, int from, off_t* at, size_t size) {
     if (!IsWatched(to)) return real_sendfile(to, from, at, size);
     const enum verdict verdict = Decide(kWrite, "sendfile", names[to]);
     if (verdict == kRefuse) return -1;
-    RememberChange(names[to], lseek(to, 0, SEEK_CUR), size);
+    if (KeepsChanges()) RememberChange(names[to], lseek(to, 0, SEEK_CUR), size);
     if (verdict == kGoOn) return real_sendfile(to, from, at, size);
     const ssize_t half = real_sendfile(to, from, at, size / 2);
     AfterHalf();
@@ -612,7 +487,7 @@ ssize_t copy_file_range(int from, off_t* fromAt, int to, off_t* toAt, size_t siz
     if (!IsWatched(to)) return real_copy_file_range(from, fromAt, to, toAt, size, flags);
     const enum verdict verdict = Decide(kWrite, "copy_file_range", names[to]);
     if (verdict == kRefuse) return -1;
-    RememberChange(names[to], toAt != NULL ? *toAt : lseek(to, 0, SEEK_CUR), size);
+    if (KeepsChanges()) RememberChange(names[to], toAt != NULL ? *toAt : lseek(to, 0, SEEK_CUR), size);
     if (verdict == kGoOn) return real_copy_file_range(from, fromAt, to, toAt, size, flags);
     const ssize_t half = real_copy_file_range(from, fromAt, to, toAt, size / 2, flags);
     AfterHalf();
@@ -698,11 +573,12 @@ int renameat2(int fromDirectory, const char* from, int toDirectory, const char* 
     const int isTo = BelowFolder(to, b);
     if (!isFrom && !isTo) return real_renameat2(fromDirectory, from, toDirectory, to, flags);
     if (Decide(kRename, "rename", isTo ? b : a) != kGoOn) return -1;
-    if (isTo) RememberMove(b);
+    const int keeps = isTo && KeepsChanges();
+    if (keeps) RememberMove(b);
     const int code = real_renameat2(fromDirectory, from, toDirectory, to, flags);
     if (code == 0 && isFrom && isTo) MoveChanges(a, b);
     const int failed = errno;
-    if (code != 0 && isTo) ForgetMove();
+    if (code != 0 && keeps) ForgetMove();
     errno = failed;
     return code;
 }
