@@ -118,42 +118,8 @@ void SetArray(vic_variant& variant, std::size_t count) {
 
 namespace {
 
-void Fill(const Variant& value, vic_variant& variant, int depth) {
-    switch (value.Type()) {
-        case VariantType::Decimal:
-            SetText(variant, VIC_DECIMAL, std::get<Decimal>(value.Raw()).ToText());
-            return;
-        case VariantType::Text:
-            SetText(variant, VIC_TEXT, value.AsText());
-            return;
-        case VariantType::Array: {
-            if (depth >= kDeepestArray) RefuseDepth();
-            const VariantArray& items = value.AsArray();
-            vic_variant array;
-            SetArray(array, items.size());
-            try {
-                // There is no array behind no items, and then no turn of this loop.
-                for (std::size_t i = 0; i < items.size(); ++i)
-                    // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker)
-                    Fill(items[i], array.value.array.items[i], depth + 1);
-            } catch (...) {
-                Clear(array);
-                throw;
-            }
-            variant = array;
-            return;
-        }
-        case VariantType::Object: {
-            vic_object* handle = NewHandle(std::get<automation::ObjectRef>(value.Raw()));
-            variant = vic_variant{};
-            variant.type = VIC_OBJECT;
-            variant.flags = VIC_OWNED;
-            variant.value.object = handle;
-            return;
-        }
-        default:
-            break;
-    }
+// What owns nothing; anything else becomes empty.
+void FillPlain(const Variant& value, vic_variant& variant) {
     variant = vic_variant{};
     switch (value.Type()) {
         case VariantType::Null:
@@ -189,7 +155,47 @@ void Fill(const Variant& value, vic_variant& variant, int depth) {
             variant.value.int32 = value.AsErrorCode();
             return;
         default:
-            return;  // empty
+            return;
+    }
+}
+
+void Fill(const Variant& value, vic_variant& variant, int depth);
+
+// Whole or not at all: what has been made of it is given back when memory runs out.
+void FillArray(const VariantArray& items, vic_variant& variant, int depth) {
+    if (depth >= kDeepestArray) RefuseDepth();
+    vic_variant array;
+    SetArray(array, items.size());
+    try {
+        // There is no array behind no items, and then no turn of this loop.
+        for (std::size_t i = 0; i < items.size(); ++i)
+            // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker)
+            Fill(items[i], array.value.array.items[i], depth + 1);
+    } catch (...) {
+        Clear(array);
+        throw;
+    }
+    variant = array;
+}
+
+void Fill(const Variant& value, vic_variant& variant, int depth) {
+    switch (value.Type()) {
+        case VariantType::Decimal:
+            return SetText(variant, VIC_DECIMAL, std::get<Decimal>(value.Raw()).ToText());
+        case VariantType::Text:
+            return SetText(variant, VIC_TEXT, value.AsText());
+        case VariantType::Array:
+            return FillArray(value.AsArray(), variant, depth);
+        case VariantType::Object: {
+            vic_object* handle = NewHandle(std::get<automation::ObjectRef>(value.Raw()));
+            variant = vic_variant{};
+            variant.type = VIC_OBJECT;
+            variant.flags = VIC_OWNED;
+            variant.value.object = handle;
+            return;
+        }
+        default:
+            return FillPlain(value, variant);
     }
 }
 

@@ -224,16 +224,8 @@ class Reader {
                 SetNumber(sheet, place, DecodeRk(in_.U32()));
                 return place.row;
             }
-            case xls::kMulRk: {
-                Place place{};
-                place.row = in_.U16();
-                place.column = in_.U16();
-                for (; in_.Left() >= 6 + 2; ++place.column) {
-                    place.format = FormatOf(in_.U16());
-                    SetNumber(sheet, place, DecodeRk(in_.U32()));
-                }
-                return place.row;
-            }
+            case xls::kMulRk:
+                return ReadNumbers(sheet);
             case xls::kLabelShared: {
                 const Place place = ReadPlace();
                 const std::uint32_t index = in_.U32();
@@ -256,25 +248,39 @@ class Reader {
             }
             case xls::kFormula:
                 return ReadFormula(sheet);
-            case xls::kColumnInfo:
-                ReadColumns(sheet);
-                return lastRow;
-            case xls::kBlank: {
-                const Place place = ReadPlace();
-                if (place.styled) sheet.ExtendUsedArea(place.row, place.column);
-                return lastRow;
-            }
-            case xls::kMulBlank: {
-                const std::uint32_t row = in_.U16();
-                std::uint32_t column = in_.U16();
-                for (; in_.Left() >= 2 + 2; ++column) {
-                    if (in_.U16() != xls::kStyleFormats) sheet.ExtendUsedArea(row, column);
-                }
-                return lastRow;
-            }
             default:
+                ReadOther(sheet, id);
                 return lastRow;
         }
+    }
+
+    // What leaves no cell behind: columns, and formats around nothing.
+    void ReadOther(Sheet& sheet, std::uint16_t id) {
+        if (id == xls::kColumnInfo) return ReadColumns(sheet);
+        if (id == xls::kBlank) {
+            const Place place = ReadPlace();
+            if (place.styled) sheet.ExtendUsedArea(place.row, place.column);
+        } else if (id == xls::kMulBlank) {
+            const std::uint32_t row = in_.U16();
+            std::uint32_t column = in_.U16();
+            // Behind the formats stands the last column once more.
+            for (; in_.Left() >= 2 + 2; ++column) {
+                if (in_.U16() != xls::kStyleFormats) sheet.ExtendUsedArea(row, column);
+            }
+        }
+    }
+
+    // One record for the numbers of a row that stand side by side; behind them stands the last column once
+    // more.
+    std::uint32_t ReadNumbers(Sheet& sheet) {
+        Place place{};
+        place.row = in_.U16();
+        place.column = in_.U16();
+        for (; in_.Left() >= 6 + 2; ++place.column) {
+            place.format = FormatOf(in_.U16());
+            SetNumber(sheet, place, DecodeRk(in_.U32()));
+        }
+        return place.row;
     }
 
     void ReadColumns(Sheet& sheet) {
