@@ -8,6 +8,7 @@
 #include "entry/host_services.h"
 #include "platform/ado/connection.h"
 #include "store/cls_vi_data.h"
+#include "store/engine_text.h"
 
 namespace vicenter::center {
 
@@ -70,8 +71,10 @@ void frmVICenter::Load() {
                 ->Call("AccessCheck", {Argument(entry::GetPropsString()), Argument(std::int16_t{4}),
                                        Argument(std::int16_t{4}), Argument(kTemplateRight)})
                 .ToBoolean();
-    } catch (const automation::Error&) {
+    } catch (const automation::Error& error) {
         state.hasRight = false;
+        state.rightsFailure =
+            "未能取得当前用户的权限，不能修改模板！\r\n\r\n" + store::EngineTextInChinese(error.Text());
     }
     if (!state.hasRight) state.view.SetGridInteractive(false);
 }
@@ -79,6 +82,7 @@ void frmVICenter::Load() {
 void frmVICenter::Shown() {
     parts_->edge.Look([&] {
         if (!parts_->state.open.LinesKnown()) parts_->tree.TellUnreadable();
+        if (!RightsFailure().empty()) Tell(RightsFailure());
         parts_->offersDrafts = true;
         parts_->MarkUnusable();
         parts_->OfferNewestDraft();
@@ -188,6 +192,10 @@ bool frmVICenter::IsDirty() const {
 
 bool frmVICenter::HasRight() const {
     return parts_->state.hasRight;
+}
+
+const std::string& frmVICenter::RightsFailure() const {
+    return parts_->state.rightsFailure;
 }
 
 bool frmVICenter::Save() {

@@ -73,6 +73,8 @@ class frmVICenter final : public CommandTarget {
     std::int32_t CurrentEntryCount() const;
     bool IsDirty() const;
     bool HasRight() const;
+    // Why nobody could say whether the user has the right, for users; empty when that was said.
+    const std::string& RightsFailure() const;
     bool Save();
     bool ConfirmUnsavedChanges();
 

@@ -28,6 +28,7 @@ struct WindowState {
 
     std::string userId;
     bool hasRight = false;
+    std::string rightsFailure;  // why the rights could not be asked for; then there are none
     ToolStates tools{};
     automation::ObjectRef security;  // held until the window is unloaded
 

@@ -25,6 +25,12 @@ class HiddenWindow {
     center::frmVICenter& Presenter() { return presenter_; }
     const ConsoleView& View() const { return view_; }
 
+    // Rights that could not be asked for are no missing ones: told, and nothing is done.
+    bool TellsRightsFailure() const {
+        const std::string& failure = presenter_.RightsFailure();
+        if (!failure.empty()) center::Tell(failure);
+        return !failure.empty();
+    }
     bool HasNode(const std::string& key) const {
         const auto& nodes = presenter_.Nodes();
         return std::any_of(nodes.begin(), nodes.end(),
@@ -63,6 +69,7 @@ int RunNew(const CliContext& context) {
     std::string text;
     {
         HiddenWindow window;
+        if (window.TellsRightsFailure()) return Finish(context, false, data);
         const std::string before = window.Presenter().SelectedNode();
         window.Presenter().ToolClick("mnuNew");
         const std::string key = window.Presenter().SelectedNode();
@@ -83,6 +90,7 @@ int RunRename(const CliContext& context) {
     bool ok = false;
     {
         HiddenWindow window;
+        if (window.TellsRightsFailure()) return Finish(context, false, data);
         center::frmVICenter& presenter = window.Presenter();
         presenter.Tree().NodeClick(KeyOf(head.id));
         presenter.Tree().DoubleClick();
@@ -103,6 +111,7 @@ int RunDelete(const CliContext& context) {
     bool ok = false;
     {
         HiddenWindow window;
+        if (window.TellsRightsFailure()) return Finish(context, false, Variant::Null());
         // A tree that could not be read has no node that could have gone.
         const bool listed = window.HasNode(KeyOf(head.id));
         window.Presenter().Tree().NodeClick(KeyOf(head.id));

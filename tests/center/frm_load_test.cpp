@@ -100,11 +100,16 @@ TEST_F(Frame, ARefusedOrFailingRightsCheckClearsTheRight) {
     Open();
     EXPECT_FALSE(Window().HasRight());
     EXPECT_FALSE(view_.interactive);
+    Window().Shown();
+    EXPECT_THAT(Messages(), IsEmpty());
 
-    security_->On("AccessCheck", [](Arguments&) -> Variant { throw automation::Error(5); });
+    security_->On("AccessCheck", [](Arguments&) -> Variant { throw automation::Error(5, "broken"); });
     Open();
     EXPECT_FALSE(Window().HasRight());
     EXPECT_THAT(Messages(), IsEmpty());
+    // No missing right: whoever looks is told so.
+    Window().Shown();
+    EXPECT_THAT(Messages(), ElementsAre("未能取得当前用户的权限，不能修改模板！\r\n\r\nbroken"));
 
     automation::ClassRegistry::Process().Unregister("VelaEBSBase.SecurityInfo");
     Open();
