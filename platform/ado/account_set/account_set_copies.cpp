@@ -49,13 +49,15 @@ void MustDiffer(const std::string& a, const std::string& b) {
 // Why a backup must not be written there; empty when it may.
 std::string WhyNotBackupTarget(const std::string& to) {
     if (!Exists(to)) return {};
-    for (const char* tail : {"-wal", "-shm"}) {
-        if (Exists(to + tail)) return "目标文件正在使用，不能覆盖：" + to;
-    }
     // Asked first: a file that this process has open is refused there without being opened once more.
     const std::string refusal = system::WhyNotWritable(to, {"备份文件", {system::kDatabaseHead}, {}});
     if (!refusal.empty()) return refusal;
     if (!engine::IsSealed(to, Options())) return "目标是账套或其他数据库文件，不是备份，不能覆盖：" + to;
+    // That look has cleared what a process that was killed over the backup had left; what still stands there
+    // is held by somebody.
+    for (const char* tail : {"-wal", "-shm"}) {
+        if (Exists(to + tail)) return "目标文件正在使用，不能覆盖：" + to;
+    }
     return {};
 }
 

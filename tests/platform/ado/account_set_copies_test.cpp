@@ -5,11 +5,18 @@
 #include <sstream>
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <csignal>
+
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include "automation/error.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
+#include "platform/system/files.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/fakes/file_kinds.h"
 
@@ -132,6 +139,52 @@ TEST_F(CopiesTest, ABackupIsNeverWrittenOverAnythingElse) {
     EXPECT_EQ(Told([&] { BackUpAccountSet(set_, backup_); }), "目标文件正在使用，不能覆盖：" + backup_);
     EXPECT_EQ(Told([&] { BackUpAccountSet(letter, folder_.File("b.vas")); }).find("账套备份失败："), 0U);
 }
+
+#ifndef _WIN32
+TEST_F(CopiesTest, WhatAKilledRestoreLeavesBesideABackupDoesNotKeepTheNextOneFromItsPlace) {
+    BackUpAccountSet(set_, backup_);
+    const pid_t child = fork();
+    if (child == 0) {
+        const ConnectionRef reader = OpenConnection(Connect(backup_));
+        reader->Execute("select * from t");
+        kill(getpid(), SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(fs::exists(system::PathFromUtf8(backup_ + "-shm")));
+    EXPECT_EQ(Told([&] { BackUpAccountSet(set_, backup_); }), "");
+    EXPECT_FALSE(fs::exists(system::PathFromUtf8(backup_ + "-shm")));
+    EXPECT_EQ(FindAccountSetDamage(backup_), Lines{});
+}
+
+TEST_F(CopiesTest, ABackupThatAnotherProcessHasOpenIsNotReplaced) {
+    BackUpAccountSet(set_, backup_);
+    int ready[2];
+    int done[2];
+    ASSERT_EQ(pipe(ready), 0);
+    ASSERT_EQ(pipe(done), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        close(done[1]);
+        const ConnectionRef reader = OpenConnection(Connect(backup_));
+        reader->Execute("select * from t");
+        char sign = 1;
+        if (write(ready[1], &sign, 1) != 1) _exit(1);
+        while (read(done[0], &sign, 1) > 0) {
+        }
+        _exit(0);
+    }
+    close(done[0]);
+    char sign = 0;
+    EXPECT_EQ(read(ready[0], &sign, 1), 1);
+    EXPECT_EQ(Told([&] { BackUpAccountSet(set_, backup_); }), "目标文件正在使用，不能覆盖：" + backup_);
+    close(done[1]);
+    close(ready[0]);
+    close(ready[1]);
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+}
+#endif
 
 TEST_F(CopiesTest, RestoredItIsSeenByWhoeverHasTheAccountSetOpen) {
     const std::string before = Content(set_);
