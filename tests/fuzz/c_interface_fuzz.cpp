@@ -51,7 +51,7 @@ class Script {
         for (vic_variant& variant : variants_)
             vic_clear(&variant);
         for (vic_object* object : objects_)
-            vic_release(object);
+            GiveBack(object);
     }
 
     void Run() {
@@ -68,6 +68,12 @@ class Script {
     vic_variant& Variant() {
         if (variants_.size() < 8 || choices_.Below(8) == 0) variants_.push_back(vic_variant{});
         return variants_[choices_.Below(variants_.size())];
+    }
+
+    // Dictionaries that hold themselves or each other are not given back while they do.
+    static void GiveBack(vic_object* object) {
+        vic_invoke(object, VIC_CALL, "RemoveAll", nullptr, nullptr, 0, nullptr);
+        vic_release(object);
     }
 
     // By hand, referring to what outlives the call.
@@ -148,7 +154,7 @@ class Script {
             case 2:
                 if (!objects_.empty()) {
                     const std::size_t place = choices_.Below(objects_.size());
-                    vic_release(objects_[place]);
+                    GiveBack(objects_[place]);
                     objects_.erase(objects_.begin() + static_cast<std::ptrdiff_t>(place));
                 }
                 break;
