@@ -3,10 +3,13 @@
 //
 // Base and candidate take turns; every run checks its result. Usage: odbc_bench [rounds]
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -109,6 +112,52 @@ class BareLine {
     SQLHDBC line_ = nullptr;
 };
 
+// Base and candidate in turn, by the clock and by the processor time of this process, server and driver
+// included: on a machine that does other things as well the second says more.
+struct Beside {
+    const char* name;
+    const char* unit;
+    double perRun;  // units in a millisecond of one run
+    std::function<void()> base;
+    std::function<void()> ours;
+};
+
+double ProcessorMilliseconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+double MedianOf(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+void Measure(const Beside& beside, int rounds) {
+    std::array<std::vector<double>, 2> clock;
+    std::array<std::vector<double>, 2> processor;
+    for (int round = -1; round < rounds; ++round) {
+        for (const std::size_t which : {0U, 1U}) {
+            const double before = ProcessorMilliseconds();
+            const double time = bench::Milliseconds(which == 0 ? beside.base : beside.ours);
+            // One round to warm up.
+            if (round < 0) continue;
+            clock[which].push_back(time);
+            processor[which].push_back(ProcessorMilliseconds() - before);
+        }
+    }
+    const auto line = [&](const char* by, const std::array<std::vector<double>, 2>& times) {
+        const double base = MedianOf(times[0]);
+        const double ours = MedianOf(times[1]);
+        const auto [low, high] = std::minmax_element(times[1].begin(), times[1].end());
+        std::printf("%-28s by the %-9s bare %9.3f %s, ours %9.3f (spread %.3f), %.2f x\n", beside.name, by,
+                    base / beside.perRun, beside.unit, ours / beside.perRun, (*high - *low) / beside.perRun,
+                    ours / base);
+    };
+    line("clock", clock);
+    line("processor", processor);
+}
+
 std::string SaveText() {
     std::string batch = "delete t_VchTemplateEntry where FID = 901 \r\n";
     for (int line = 1; line <= kSaved; ++line) {
@@ -126,32 +175,32 @@ std::string SaveText() {
 
 void Save(ado::Connection& connection, const BareLine& bare, int rounds) {
     const std::string text = SaveText();
-    std::vector<bench::Candidate> candidates;
-    candidates.push_back({"save, bare SQLExecDirect in a transaction (base)", nullptr, [&] {
-                              bare.Run("begin transaction");
-                              bare.Run(text);
-                              bare.Run("commit transaction");
-                          }});
-    candidates.push_back({"save, our connection", nullptr, [&] {
-                              std::int64_t rows = 0;
-                              connection.Execute(text, &rows);
-                              Require(rows >= kSaved, "the lines are stored");
-                          }});
-    bench::RunInTurn(candidates, rounds, 1, "ms");
+    Measure({"a save of 10,000 lines", "ms", 1,
+             [&] {
+                 bare.Run("begin transaction");
+                 bare.Run(text);
+                 bare.Run("commit transaction");
+             },
+             [&] {
+                 std::int64_t rows = 0;
+                 connection.Execute(text, &rows);
+                 Require(rows >= kSaved, "the lines are stored");
+             }},
+            rounds);
 }
 
 void Points(ado::Connection& connection, const BareLine& bare, int rounds) {
     const std::string query = "select * from t_Account where FNumber = '1002.01' and FDetail = 1";
-    std::vector<bench::Candidate> candidates;
-    candidates.push_back({"point query, bare (base)", nullptr, [&] {
-                              for (int i = 0; i < kQueries; ++i)
-                                  Require(bare.Run(query) == 1, "one account");
-                          }});
-    candidates.push_back({"point query, our connection", nullptr, [&] {
-                              for (int i = 0; i < kQueries; ++i)
-                                  Require(connection.Execute(query)->RecordCount() == 1, "one account");
-                          }});
-    bench::RunInTurn(candidates, rounds, kQueries / 1000.0, "us");
+    Measure({"a point query", "us", kQueries / 1000.0,
+             [&] {
+                 for (int i = 0; i < kQueries; ++i)
+                     Require(bare.Run(query) == 1, "one account");
+             },
+             [&] {
+                 for (int i = 0; i < kQueries; ++i)
+                     Require(connection.Execute(query)->RecordCount() == 1, "one account");
+             }},
+            rounds);
 }
 
 void Rows(ado::Connection& connection, const BareLine& bare, int rounds) {
@@ -162,12 +211,9 @@ void Rows(ado::Connection& connection, const BareLine& bare, int rounds) {
     }
     connection.Execute(fill);
     const std::string query = "select a,b,c,d from rows";
-    std::vector<bench::Candidate> candidates;
-    candidates.push_back({"50,000 rows, bare bound fetch (base)", nullptr,
-                          [&] { Require(bare.Fetch(query) == kRows, "all rows"); }});
-    candidates.push_back({"50,000 rows, into a recordset", nullptr,
-                          [&] { Require(connection.Execute(query)->RecordCount() == kRows, "all rows"); }});
-    bench::RunInTurn(candidates, rounds, 1, "ms");
+    Measure({"50,000 rows", "ms", 1, [&] { Require(bare.Fetch(query) == kRows, "all rows"); },
+             [&] { Require(connection.Execute(query)->RecordCount() == kRows, "all rows"); }},
+            rounds);
     const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
     const ado::RecordsetRef held = connection.Execute(query);
     const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;

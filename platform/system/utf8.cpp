@@ -70,19 +70,27 @@ bool IsValidUtf8(std::string_view text) {
 }
 
 std::u16string ToUtf16(std::string_view text) {
-    std::u16string result;
-    result.reserve(text.size());
+    // No character has more units than bytes.
+    std::u16string result(text.size(), u'\0');
+    char16_t* out = result.data();
     while (!text.empty()) {
+        const auto byte = static_cast<unsigned char>(text.front());
+        if (byte < 0x80) {
+            *out++ = byte;
+            text.remove_prefix(1);
+            continue;
+        }
         const CodePoint character = Decode(text);
         if (character.code >= 0x10000) {
             const char32_t rest = character.code - 0x10000;
-            result += static_cast<char16_t>(0xD800 + (rest >> 10));
-            result += static_cast<char16_t>(0xDC00 + (rest & 0x3FF));
+            *out++ = static_cast<char16_t>(0xD800 + (rest >> 10));
+            *out++ = static_cast<char16_t>(0xDC00 + (rest & 0x3FF));
         } else {
-            result += static_cast<char16_t>(character.code);
+            *out++ = static_cast<char16_t>(character.code);
         }
         text.remove_prefix(character.length);
     }
+    result.resize(static_cast<std::size_t>(out - result.data()));
     return result;
 }
 
@@ -91,6 +99,10 @@ std::string FromUtf16(std::u16string_view text) {
     result.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char32_t unit = text[i];
+        if (unit < 0x80) {
+            result += static_cast<char>(unit);
+            continue;
+        }
         const bool high = unit >= 0xD800 && unit <= 0xDBFF;
         if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
             AppendUtf8(result, 0x10000 + ((unit - 0xD800) << 10) + (text[i + 1] - 0xDC00));

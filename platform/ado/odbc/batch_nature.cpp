@@ -11,6 +11,7 @@
 
 namespace vicenter::ado {
 
+using tsql::Keyword;
 using tsql::Token;
 using tsql::TokenKind;
 
@@ -37,52 +38,84 @@ constexpr const char* kTransactions[] = {"tran", "transaction"};
 // Their objects stand outside of transactions.
 constexpr const char* kWholeServer[] = {"backup", "restore",    "reconfigure", "use",
                                         "kill",   "checkpoint", "shutdown"};
+// Behind them nobody can say which count is whose.
+constexpr const char* kBranches[] = {"while", "if", "exec", "execute", "return"};
+
+// Every word that says something is reserved, but for names of temporary tables and what SET sets. A save has
+// hundreds of thousands of others.
+bool SaysSomething(const Token& token, const Token& previous) {
+    if (token.kind != TokenKind::kIdentifier) return false;
+    return token.keyword != Keyword::kNone || token.text.front() == '#' || previous.keyword == Keyword::kSet;
+}
+
+// A batch word by word.
+class NatureReader {
+  public:
+    BatchNature Read(std::string_view batch) {
+        try {
+            tsql::Lexer lexer(batch);
+            Token previous;
+            bool first = true;
+            for (Token token = lexer.Next(); token.kind != TokenKind::kEnd; token = lexer.Next()) {
+                if (SaysSomething(token, previous)) {
+                    setsOption_ = previous.keyword == Keyword::kSet && !IsAssigned(lexer);
+                    Take(Word(token), previous, first);
+                }
+                previous = token;
+                first = false;
+            }
+        } catch (const tsql::SqlError&) {
+            // The server says what is wrong with it.
+            nature_.leavesTraces = true;
+            changes_ = 2;
+        }
+        nature_.onlyReads = changes_ == 0 && !repeats_;
+        nature_.needsUnit = !nature_.refusesUnit && (changes_ > 1 || repeats_);
+        nature_.mayCountReads = reads_ && !branches_;
+        return nature_;
+    }
+
+  private:
+    // What stands before the lexer gets a value: no option of the connection does.
+    static bool IsAssigned(tsql::Lexer lexer) {
+        const Token next = lexer.Next();
+        return next.kind == TokenKind::kOperator && next.op != tsql::Op::kSemicolon &&
+               next.op != tsql::Op::kComma && next.op != tsql::Op::kRightParen;
+    }
+    void Take(const std::string& word, const Token& previous, bool first) {
+        if (IsOneOf(word, kChanges)) ++changes_;
+        if (word == "into" && before_ == "select") ++changes_;
+        if (IsOneOf(word, kRepeats)) repeats_ = true;
+        if (IsOneOf(word, kBranches)) branches_ = true;
+        if (word == "select" || word == "fetch") reads_ = true;
+        if (first && IsOneOf(word, kWholeServer)) nature_.refusesUnit = true;
+        if (word == "database" && (before_ == "create" || before_ == "alter" || before_ == "drop"))
+            nature_.refusesUnit = true;
+        if (LeavesTraces(word, previous)) nature_.leavesTraces = true;
+        if (word == "select" || word == "fetch" || IsOneOf(word, kChanges)) before_ = word;
+    }
+    bool LeavesTraces(const std::string& word, const Token& previous) const {
+        if (IsOneOf(word, kTransactions) || word == "use" || word.front() == '#') return true;
+        if (setsOption_) return true;
+        // SET NOCOUNT stays as well, though nobody here would be misled by it: counts would be.
+        if (word == "nocount") return true;
+        if (word == "cursor" && previous.kind == TokenKind::kIdentifier) return true;
+        return word == "as" && (previous.keyword == Keyword::kExec || previous.keyword == Keyword::kExecute);
+    }
+
+    BatchNature nature_;
+    int changes_ = 0;
+    bool repeats_ = false;
+    bool branches_ = false;
+    bool reads_ = false;
+    bool setsOption_ = false;
+    std::string before_;
+};
 
 }  // namespace
 
 BatchNature NatureOf(std::string_view batch) {
-    BatchNature nature;
-    int changes = 0;
-    bool repeats = false;
-    bool first = true;
-    std::string before;
-    Token previous;
-    try {
-        tsql::Lexer lexer(batch);
-        for (Token token = lexer.Next(); token.kind != TokenKind::kEnd; token = lexer.Next()) {
-            const std::string word = Word(token);
-            if (!word.empty()) {
-                if (IsOneOf(word, kChanges)) ++changes;
-                if (word == "into" && before == "select") ++changes;
-                if (IsOneOf(word, kRepeats)) repeats = true;
-                if (IsOneOf(word, kTransactions)) nature.leavesTraces = true;
-                if (first && IsOneOf(word, kWholeServer)) nature.refusesUnit = true;
-                if (word == "use") nature.leavesTraces = true;
-                if (word == "database" && (before == "create" || before == "alter" || before == "drop"))
-                    nature.refusesUnit = true;
-                if (word.front() == '#') nature.leavesTraces = true;
-                if (previous.kind == TokenKind::kIdentifier && Word(previous) == "set" &&
-                    before != "update" && word != "nocount") {
-                    nature.leavesTraces = true;
-                }
-                // SET NOCOUNT stays as well, though nobody here would be misled by it: counts would be.
-                if (word == "nocount") nature.leavesTraces = true;
-                if (word == "cursor" && previous.kind == TokenKind::kIdentifier) nature.leavesTraces = true;
-                if (word == "as" && (Word(previous) == "execute" || Word(previous) == "exec"))
-                    nature.leavesTraces = true;
-                if (word == "select" || word == "fetch" || IsOneOf(word, kChanges)) before = word;
-            }
-            previous = token;
-            first = false;
-        }
-    } catch (const tsql::SqlError&) {
-        // The server says what is wrong with it.
-        nature.leavesTraces = true;
-        changes = 2;
-    }
-    nature.onlyReads = changes == 0 && !repeats;
-    nature.needsUnit = !nature.refusesUnit && (changes > 1 || repeats);
-    return nature;
+    return NatureReader().Read(batch);
 }
 
 std::vector<bool> CountsOfChanges(std::string_view batch) {

@@ -19,6 +19,8 @@ struct BatchNature {
     bool leavesTraces = false;
     // Nothing is stored by it.
     bool onlyReads = true;
+    // Some of its counts may be of rows that were only read; CountsOfChanges tells which.
+    bool mayCountReads = false;
 };
 
 BatchNature NatureOf(std::string_view batch);

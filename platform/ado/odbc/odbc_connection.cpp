@@ -276,7 +276,7 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
     if (recordsAffected != nullptr) {
         *recordsAffected = -1;
         const std::vector<bool> ofChanges =
-            outcome.counts.empty() ? std::vector<bool>() : CountsOfChanges(batch);
+            outcome.counts.empty() || !nature.mayCountReads ? std::vector<bool>() : CountsOfChanges(batch);
         for (std::size_t i = 0; i < outcome.counts.size(); ++i) {
             if (ofChanges.size() == outcome.counts.size() && !ofChanges[i]) continue;
             *recordsAffected = std::max<std::int64_t>(*recordsAffected, 0) + outcome.counts[i];

@@ -20,9 +20,25 @@ TEST(BatchNatureTest, OnlySeveralChangesNeedAUnit) {
 TEST(BatchNatureTest, WhatStaysBehindIsSeen) {
     EXPECT_FALSE(NatureOf("declare @c cursor set @c = cursor for select 1 select * from t").leavesTraces);
     EXPECT_FALSE(NatureOf("update t set nocount_column = 1").leavesTraces);
-    for (const char* batch : {"set nocount on", "set lock_timeout 5", "select * into #a from t", "use other",
-                              "begin transaction", "declare c cursor for select 1", "execute as user = 'x'"})
+    EXPECT_FALSE(NatureOf("delete t update c set used += 1 from t c update c set c.used = 2").leavesTraces);
+    for (const char* batch :
+         {"set nocount on", "set lock_timeout 5", "select * into #a from t", "use other", "begin transaction",
+          "declare c cursor for select 1", "execute as user = 'x'", "update t set a = 1 set lock_timeout 5"})
         EXPECT_TRUE(NatureOf(batch).leavesTraces) << batch;
+}
+
+TEST(BatchNatureTest, CountsAreToldApartOnlyWhereSomeMayBeOfReads) {
+    EXPECT_TRUE(NatureOf("declare @n int select @n = 1 insert into t values (@n)").mayCountReads);
+    EXPECT_TRUE(NatureOf("insert into t select a from u").mayCountReads);
+    EXPECT_FALSE(NatureOf("delete t insert into t values ('select')").mayCountReads);
+    EXPECT_FALSE(NatureOf("select @n = 1 from t while @n < 3 delete t").mayCountReads);
+}
+
+TEST(BatchNatureTest, NamesThatLookLikeWordsSayNothing) {
+    const BatchNature nature = NatureOf(
+        "update t set nocount_column = 1, used = 2 where [use] = 3 and \"transaction\" = 4 and tranny = 5");
+    EXPECT_FALSE(nature.leavesTraces);
+    EXPECT_FALSE(nature.needsUnit);
 }
 
 TEST(BatchNatureTest, CountsAreToldApartInAStraightBatch) {
