@@ -85,7 +85,8 @@ TEST(KillDrill, EveryCommandLeavesTheOldOrTheNew) {
     EXPECT_GT(killed, kills / 4);
 }
 
-// The lines of a text that begin with a word.
+#ifdef VICENTER_HAS_WINDOWS
+
 bool IsWholeWindowState(const std::string& templates, const std::string& before, const std::string& after) {
     if (templates == before || templates == after) return true;
     // In between there is the new template without lines: nothing but its row and, perhaps, the user's
@@ -131,6 +132,8 @@ TEST(KillDrill, AKilledWindowLeavesWholeTemplates) {
     std::cout << runs << " windows, " << killed << " killed before their end, " << saved << " times saved\n";
     EXPECT_GT(killed, 0);
 }
+
+#endif
 
 }  // namespace
 }  // namespace vicenter::faults
