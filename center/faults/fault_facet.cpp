@@ -1,5 +1,6 @@
 #include "center/faults/fault_facet.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "center/frame/window_parts.h"
@@ -60,10 +61,24 @@ void FaultFacet::OpenReported(const ReportedFault& fault) {
         for (const TreeNode& node : parts_.tree.Nodes()) {
             if (node.text != fault.source || node.key == kRootKey) continue;
             parts_.tree.NodeClick(node.key);
+            if (fault.kind == FaultSource::Template) GoToLine(fault.fault);
+            return;
+        }
+        if (fault.kind == FaultSource::Template) {
+            Tell("模板“" + fault.source + "”已不存在！");
             return;
         }
         Tell("模板“" + fault.source + "”没有生成，请更正凭证后重新生成！");
     });
+}
+
+// In the template that has just been opened, unless its lines are fewer now or the user kept another one
+// open.
+void FaultFacet::GoToLine(const store::LineFault& fault) {
+    const OpenTemplate& open = parts_.state.open;
+    if (parts_.tree.SelectedKey() != std::string(kTemplateKeyHead) + open.Id()) return;
+    if (fault.row < 1 || fault.row > open.RowCount()) return;
+    GoTo({fault.row, std::max(fault.column, column::kNo)});
 }
 
 void FaultFacet::DropReported(const std::vector<std::size_t>& places) {

@@ -21,6 +21,7 @@ class FaultFacet final : public FaultActions {
     void DropReported(const std::vector<std::size_t>& places) override;
 
   private:
+    void GoToLine(const store::LineFault& fault);
     WindowParts& parts_;
 };
 

@@ -1,8 +1,8 @@
 #pragma once
 
 // Faults of lines that are in no grid: of a workbook that was not imported, of vouchers that made no
-// template. What a command reports stays until the same source comes in without a fault, reports others or is
-// taken off the list. Part of frmVICenter.
+// template, of templates that were checked. What a command reports stays until the same source comes in
+// without a fault, reports others or is taken off the list. Part of frmVICenter.
 
 #include <cstddef>
 #include <string>
@@ -12,12 +12,16 @@
 
 namespace vicenter::center {
 
-enum class FaultSource { Workbook, Vouchers };
+enum class FaultSource {
+    Workbook,
+    Vouchers,
+    Template,  // rows are those of the template, columns the grid's
+};
 
 // What became of one source, with no faults when all is well.
 struct FaultReport {
     FaultSource kind = FaultSource::Workbook;
-    std::string source;  // the workbook's file, or the name of the template that was to be generated
+    std::string source;  // the workbook's file, or the name of the template
     std::vector<store::LineFault> faults;
 };
 

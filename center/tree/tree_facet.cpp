@@ -2,7 +2,9 @@
 
 #include "center/frame/account_set_care.h"
 #include "center/frame/window_parts.h"
+#include "center/health/template_check.h"
 #include "center/history/template_history.h"
+#include "center/template/line_loader.h"
 
 namespace vicenter::center {
 
@@ -48,6 +50,8 @@ std::vector<TreeMenuItem> TreeFacet::MenuItems() {
     if (!root && lit != std::string(kTemplateKeyHead) + parts_.state.open.Id()) return {};
     std::vector<TreeMenuItem> items;
     if (root) {
+        items.push_back({"mnuCheckTemplates", "检查全部模板(&A)",
+                         [this] { parts_.edge.Command([this] { CheckTemplates(); }); }});
         items.push_back({"mnuDeletedTemplates", "已删除的模板(&R)…",
                          [this] { parts_.edge.Command([this] { ShowDeletedTemplates(); }); }});
     } else {
@@ -69,6 +73,39 @@ void TreeFacet::ShowHistory() {
     if (!parts_.save.ConfirmUnsavedChanges()) return;
     Show(TemplateHistory(parts_.state.open.Id(), parts_.state.open.Name(), parts_.state.userId,
                          parts_.state.hasRight));
+}
+
+// Of the templates as they are stored.
+void TreeFacet::CheckTemplates() {
+    TemplateCheck check;
+    int templates = 0;
+    int faults = 0;
+    int hints = 0;
+    std::string unread;
+    for (const TreeNode& node : parts_.tree.Nodes()) {
+        if (node.key == kRootKey) continue;
+        EntryGrid grid;
+        const std::optional<int> lines = LoadLines(grid, node.key.substr(kTemplateKeyHead.size()));
+        if (!lines) {
+            unread += "\r\n模板 " + node.text + " 的分录未能读取。";
+            continue;
+        }
+        ++templates;
+        FaultReport report{FaultSource::Template, node.text, {}};
+        for (const TemplateFinding& finding : check.Check(grid, *lines)) {
+            const bool isFault = finding.kind == TemplateFinding::Kind::Fault;
+            (isFault ? faults : hints) += 1;
+            report.faults.push_back(
+                {finding.row, finding.column,
+                 finding.column == 0 ? finding.number + " 号" : std::string(Column(finding.column).header),
+                 finding.value, isFault ? finding.reason : "提示：" + finding.reason});
+        }
+        parts_.reported.Take(report);
+    }
+    parts_.ReportsChanged();
+    if (faults + hints > 0) parts_.state.view.ShowFaults();
+    Tell("检查了 " + std::to_string(templates) + " 个模板：异常 " + std::to_string(faults) + " 处，提示 " +
+         std::to_string(hints) + " 处。" + (faults + hints > 0 ? "详见异常列表。" : "") + unread);
 }
 
 void TreeFacet::ShowDeletedTemplates() {

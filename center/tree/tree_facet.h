@@ -24,6 +24,7 @@ class TreeFacet final : public TreeActions {
     std::vector<TreeMenuItem> MenuItems() override;
 
   private:
+    void CheckTemplates();
     void ShowHistory();
     void ShowDeletedTemplates();
     void Show(TemplateHistory history);

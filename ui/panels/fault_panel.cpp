@@ -40,8 +40,15 @@ QString Number(std::int32_t number) {
 
 QString SourceOf(const center::ReportedFault& fault) {
     const QString source = ToQt(fault.source);
-    return fault.kind == center::FaultSource::Workbook ? QFileInfo(source).fileName()
-                                                       : QStringLiteral("凭证（%1）").arg(source);
+    switch (fault.kind) {
+        case center::FaultSource::Workbook:
+            return QFileInfo(source).fileName();
+        case center::FaultSource::Vouchers:
+            return QStringLiteral("凭证（%1）").arg(source);
+        case center::FaultSource::Template:
+            break;
+    }
+    return source;
 }
 
 QString TextOfReported(const center::ReportedFault& reported, int field) {
@@ -51,7 +58,7 @@ QString TextOfReported(const center::ReportedFault& reported, int field) {
             return Number(fault.row);
         case kColumn: {
             const QString header = ToQt(fault.header).simplified();
-            if (fault.column == 0) return header;
+            if (fault.column == 0 || reported.kind == center::FaultSource::Template) return header;
             return header + QStringLiteral("（%1列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
         }
         case kValue:

@@ -1,5 +1,5 @@
-// The way back in the window: what a save, a deletion and an import replaced is found in the tree's menu,
-// compared and brought back, by real mouse events on the demo ledger.
+// What the tree's menu has beside the commands of the band, by real mouse events on the demo ledger: what a
+// save and a deletion replaced is compared and brought back, and all templates are checked.
 
 #include <QDialog>
 #include <QLabel>
@@ -17,9 +17,9 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class HistoryWayTest : public DemoSetTest {
+class TreeMenuWayTest : public DemoSetTest {
   protected:
-    HistoryWayTest() { Open(); }
+    TreeMenuWayTest() { Open(); }
 
     void OpenTemplate(const std::string& name) {
         ClickNode(KeyOf(name));
@@ -85,7 +85,7 @@ class HistoryWayTest : public DemoSetTest {
     bool dialogShown_ = false;
 };
 
-TEST_F(HistoryWayTest, ASavedOverLineIsComparedAndComesBack) {
+TEST_F(TreeMenuWayTest, ASavedOverLineIsComparedAndComesBack) {
     OpenTemplate("日常费用");
     const std::vector<std::string> before = Contents();
     TypeInto(1, column::kExplanation, "typed over");
@@ -116,7 +116,7 @@ TEST_F(HistoryWayTest, ASavedOverLineIsComparedAndComesBack) {
     });
 }
 
-TEST_F(HistoryWayTest, AVersionBecomesANewTemplateUnderTheNameThatIsTyped) {
+TEST_F(TreeMenuWayTest, AVersionBecomesANewTemplateUnderTheNameThatIsTyped) {
     OpenTemplate("日常费用");
     TypeInto(1, column::kExplanation, "typed over");
     ClickTool("mnuSave");
@@ -137,7 +137,7 @@ TEST_F(HistoryWayTest, AVersionBecomesANewTemplateUnderTheNameThatIsTyped) {
     EXPECT_EQ(window->Presenter().RowCount(), 11);
 }
 
-TEST_F(HistoryWayTest, ADeletedTemplateComesBackFromTheRootsMenu) {
+TEST_F(TreeMenuWayTest, ADeletedTemplateComesBackFromTheRootsMenu) {
     OpenTemplate("日常费用");
     const std::vector<std::string> before = Contents();
     Answer(system::MessageResult::Yes);
@@ -158,7 +158,7 @@ TEST_F(HistoryWayTest, ADeletedTemplateComesBackFromTheRootsMenu) {
     EXPECT_EQ(Contents(), before);
 }
 
-TEST_F(HistoryWayTest, UnsavedTypingIsAskedAboutBeforeAVersionTakesItsPlace) {
+TEST_F(TreeMenuWayTest, UnsavedTypingIsAskedAboutBeforeAVersionTakesItsPlace) {
     OpenTemplate("日常费用");
     TypeInto(1, column::kExplanation, "first");
     ClickTool("mnuSave");
@@ -174,7 +174,7 @@ TEST_F(HistoryWayTest, UnsavedTypingIsAskedAboutBeforeAVersionTakesItsPlace) {
     EXPECT_EQ(Text(1, column::kExplanation), "second");
 }
 
-TEST_F(HistoryWayTest, WithoutVersionsOrTablesThereIsAMessageAndNoDialog) {
+TEST_F(TreeMenuWayTest, WithoutVersionsOrTablesThereIsAMessageAndNoDialog) {
     OpenTemplate("销售与收款");
     ChooseInMenu(KeyOf("销售与收款"), "mnuHistory", [](QDialog&) {});
     EXPECT_THAT(TakeMessages(), ElementsAre("模板 销售与收款 还没有历史版本。"));
@@ -188,7 +188,7 @@ TEST_F(HistoryWayTest, WithoutVersionsOrTablesThereIsAMessageAndNoDialog) {
     EXPECT_FALSE(dialogShown_);
 }
 
-TEST_F(HistoryWayTest, WhoMayOnlyLookSeesVersionsAndCannotRestore) {
+TEST_F(TreeMenuWayTest, WhoMayOnlyLookSeesVersionsAndCannotRestore) {
     OpenTemplate("标准模板");
     TypeInto(1, column::kExplanation, "typed over");
     ClickTool("mnuSave");
@@ -202,6 +202,43 @@ TEST_F(HistoryWayTest, WhoMayOnlyLookSeesVersionsAndCannotRestore) {
         EXPECT_FALSE(dialog.findChild<QPushButton*>("cmdRestoreAsNew")->isEnabled());
     });
     EXPECT_TRUE(dialogShown_);
+}
+
+TEST_F(TreeMenuWayTest, AllTemplatesAreCheckedAndAFaultLeadsToItsCell) {
+    session->Execute("update t_Account set FDetail = 0 where FNumber = '1001'");
+    session->Execute("update t_VchTemplateEntry set FAmount = 7 where FID = 2 and FEntryID = 1");
+    OpenTemplate("标准模板");
+    TakeMessages();
+    ChooseInMenu("ROOT", "mnuCheckTemplates", [](QDialog&) {});
+    const std::vector<std::string> told = TakeMessages();
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_THAT(told.front(), ::testing::StartsWith("检查了 4 个模板：异常 "));
+    EXPECT_THAT(told.front(), ::testing::EndsWith("处。详见异常列表。"));
+    center::FaultActions& list = window->Presenter().Faults();
+    const auto find = [&](const std::string& source, const std::string& reason) {
+        for (const center::ReportedFault& fault : list.Reported()) {
+            if (fault.source == source && fault.fault.reason == reason) return fault;
+        }
+        ADD_FAILURE() << source << " " << reason;
+        return center::ReportedFault{};
+    };
+    const center::ReportedFault fault = find("日常费用", "不是明细科目，请选择明细科目");
+    EXPECT_EQ(fault.fault.header, "科目代码(*)");
+    EXPECT_EQ(find("销售与收款", "提示：借贷金额不平").fault.header, "1 号");
+    EXPECT_TRUE(window->findChild<QWidget*>("faultPanel")->isVisible());
+    list.OpenReported(fault);
+    EXPECT_EQ(window->Presenter().TemplateName(), "日常费用");
+    EXPECT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{2, column::kAccountNumber}));
+    // What has been mended since goes with the next check.
+    session->Execute("update t_Account set FDetail = 1 where FNumber = '1001'");
+    const std::size_t before = list.Reported().size();
+    ChooseInMenu("ROOT", "mnuCheckTemplates", [](QDialog&) {});
+    EXPECT_LT(list.Reported().size(), before);
+    session->Execute("delete from t_VchTemplate where FID = 2");
+    TakeMessages();
+    window->Presenter().RebuildTreeAndSelect(0);
+    list.OpenReported(find("销售与收款", "提示：借贷金额不平"));
+    EXPECT_EQ(TakeMessages().back(), "模板“销售与收款”已不存在！");
 }
 
 }  // namespace
