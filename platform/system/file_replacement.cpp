@@ -44,7 +44,7 @@ std::string WhyNoPlace(const fs::path& file) {
     std::error_code failed;
     const fs::file_status status = fs::status(file, failed);
     if (fs::is_directory(status)) return "目标是文件夹，不能写入文件：" + text;
-    if (fs::exists(status) && !fs::is_regular_file(status))
+    if (os::IsNameOfDevice(text) || (fs::exists(status) && !fs::is_regular_file(status)))
         return "目标不是普通文件（设备、管道等），不能覆盖：" + text;
     if (!file.has_filename()) return "没有给出文件名：" + text;
     const std::string folder = FolderOf(file);

@@ -205,6 +205,10 @@ std::vector<std::string> NamesIn(const std::string& folder) {
     return names;
 }
 
+bool IsNameOfDevice(const std::string& /*path*/) {
+    return false;  // devices are files, and known as what they are
+}
+
 bool IsOpenInThisProcess(const std::string& path) {
     struct stat wanted {};
     if (stat(path.c_str(), &wanted) != 0) return false;

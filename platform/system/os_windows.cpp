@@ -217,6 +217,12 @@ std::vector<std::string> NamesIn(const std::string& folder) {
     return names;
 }
 
+bool IsNameOfDevice(const std::string& path) {
+    wchar_t whole[MAX_PATH] = {};
+    const DWORD length = GetFullPathNameW(Wide(path).c_str(), MAX_PATH, whole, nullptr);
+    return length < MAX_PATH && std::wstring_view(whole, length).starts_with(L"\\\\.\\");
+}
+
 bool IsOpenInThisProcess(const std::string& path) {
     // Locks belong to the open file here and cannot be lost. But who has a file open, this process or
     // another, keeps it from being moved over unless he has allowed that: an account set's file is held so.

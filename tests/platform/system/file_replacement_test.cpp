@@ -81,7 +81,7 @@ TEST_F(FileReplacementTest, AsNewItNeverReplaces) {
 TEST_F(FileReplacementTest, TheNamesOfAFolderAreReadWholeAndNoneOfOneThatIsNotThere) {
     Write("日常费用.xlsx", "a");
     Write(".hidden", "b");
-    Lines names = NamesIn(folder_.Path());
+    Lines names = NamesIn(folder_.Text());
     std::sort(names.begin(), names.end());
     EXPECT_EQ(names, (Lines{".hidden", "日常费用.xlsx"}));
     EXPECT_EQ(NamesIn(folder_.File("nowhere")), Lines{});
