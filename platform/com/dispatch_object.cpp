@@ -1,0 +1,245 @@
+#include "platform/com/dispatch_object.h"
+
+#include <atomic>
+#include <map>
+#include <vector>
+
+#include "platform/com/com_error.h"
+#include "platform/com/com_value.h"
+#include "platform/com/enum_variant.h"
+#include "platform/com/foreign_object.h"
+#include "platform/com/member_names.h"
+#include "platform/com/named_type.h"
+
+namespace vicenter::com {
+
+using automation::Argument;
+using automation::Arguments;
+using automation::InvokeKind;
+using automation::ObjectRef;
+using automation::Variant;
+
+namespace {
+
+std::atomic<long> live{0};
+
+// The ids of arguments' names are those of members of the same name, from here on. Below it an id is the
+// argument's place, as a type library has it.
+constexpr DISPID kArgumentNames = 0x100000;
+
+// Asked of an IDispatch to know our own; nobody else knows the number, which is made anew in each process.
+const IID& OwnInterface() {
+    static const IID own = [] {
+        IID made{};
+        if (FAILED(CoCreateGuid(&made))) made.Data1 = GetCurrentProcessId();
+        return made;
+    }();
+    return own;
+}
+
+class DispatchObject;
+
+// The IDispatch of each object that has one at present.
+std::map<const automation::Object*, DispatchObject*>& Known() {
+    thread_local std::map<const automation::Object*, DispatchObject*> known;
+    return known;
+}
+
+// The arguments of a call, the client's variables behind those by reference.
+class CallArguments {
+  public:
+    CallArguments(const DISPPARAMS& given, bool put) {
+        const UINT count = given.cArgs;
+        values_.resize(count);
+        // Named ones come first, all of them from the last to the first.
+        const bool named = put && given.cNamedArgs > 0 && given.rgdispidNamedArgs[0] == DISPID_PROPERTYPUT;
+        for (UINT i = count; i-- > 0;) {
+            const VARIANT& argument = given.rgvarg[i];
+            if (named && i == 0) continue;
+            if (i < given.cNamedArgs) {
+                AddNamed(given.rgdispidNamedArgs[i], argument);
+            } else {
+                arguments_.push_back(Bound(i, argument));
+            }
+        }
+        if (named) arguments_.emplace_back(FromCom(given.rgvarg[0]));
+    }
+
+    Arguments& Passed() { return arguments_; }
+
+    void WriteBack() {
+        for (const Reference& reference : references_) {
+            if (values_[reference.index] == reference.before) continue;
+            AssignToReference(*reference.variable, values_[reference.index]);
+        }
+    }
+
+  private:
+    struct Reference {
+        UINT index;
+        const VARIANT* variable;
+        Variant before;
+    };
+
+    void AddNamed(DISPID id, const VARIANT& argument) {
+        if (id >= kArgumentNames) {
+            arguments_.push_back(Argument::Named(MemberNameOf(id - kArgumentNames), FromCom(argument)));
+            return;
+        }
+        const auto place = static_cast<std::size_t>(id);
+        while (arguments_.size() <= place)
+            arguments_.emplace_back(Variant::Missing());
+        arguments_[place] = FromCom(argument);
+    }
+
+    Argument Bound(UINT index, const VARIANT& argument) {
+        if ((argument.vt & VT_BYREF) == 0) return FromCom(argument);
+        values_[index] = FromCom(argument);
+        references_.push_back({index, &argument, values_[index]});
+        return Argument::ByReference(values_[index]);
+    }
+
+    std::vector<Variant> values_;
+    std::vector<Reference> references_;
+    Arguments arguments_;
+};
+
+class DispatchObject final : public IDispatch, public ISupportErrorInfo {
+  public:
+    explicit DispatchObject(ObjectRef object) : object_(std::move(object)) {
+        Known()[object_.get()] = this;
+        ++live;
+    }
+    DispatchObject(const DispatchObject&) = delete;
+    DispatchObject& operator=(const DispatchObject&) = delete;
+
+    const ObjectRef& Inside() const { return object_; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
+        if (result == nullptr) return E_POINTER;
+        *result = nullptr;
+        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
+            *result = static_cast<IDispatch*>(this);
+        } else if (IsEqualIID(id, IID_ISupportErrorInfo)) {
+            *result = static_cast<ISupportErrorInfo*>(this);
+        } else if (IsEqualIID(id, OwnInterface())) {
+            *result = this;
+        } else {
+            return E_NOINTERFACE;
+        }
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --shares_;
+        if (left == 0) delete this;
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
+        return IsEqualIID(id, IID_IDispatch) ? S_OK : S_FALSE;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        if (count == nullptr) return E_POINTER;
+        *count = 1;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
+        if (info == nullptr) return E_POINTER;
+        *info = nullptr;
+        if (index != 0) return DISP_E_BADINDEX;
+        return Guarded(nullptr, [&] {
+            *info = NewNamedType(object_->TypeName());
+            return S_OK;
+        });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID,
+                                            DISPID* ids) override {
+        if (!IsEqualIID(id, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+        if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
+        return Guarded(nullptr, [&]() -> HRESULT {
+            HRESULT code = S_OK;
+            for (UINT i = 0; i < count; ++i) {
+                const std::string name = system::os::Narrow(names[i]);
+                ids[i] = i == 0 ? MemberOf(name) : kArgumentNames + MemberNumber(name);
+                if (ids[i] == DISPID_UNKNOWN) code = DISP_E_UNKNOWNNAME;
+            }
+            return code;
+        });
+    }
+
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID id, LCID, WORD flags, DISPPARAMS* given,
+                                     VARIANT* result, EXCEPINFO* info, UINT*) override {
+        if (!IsEqualIID(id, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+        if (given == nullptr) return E_POINTER;
+        if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
+        // A call may give back the last share in this very object.
+        const auto self = ComPointer<DispatchObject>::Sharing(this);
+        return Guarded(info, [&]() -> HRESULT {
+            if (result != nullptr) VariantInit(result);
+            if (member == DISPID_NEWENUM) return NewEnum(result);
+            const std::string name = MemberNameOf(member);
+            if (member != DISPID_VALUE && name.empty()) return DISP_E_MEMBERNOTFOUND;
+            const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
+            CallArguments call(*given, put);
+            const InvokeKind kind = put                              ? InvokeKind::Put
+                                    : (flags & DISPATCH_METHOD) != 0 ? InvokeKind::Call
+                                                                     : InvokeKind::Get;
+            const Variant value = object_->Invoke(name, kind, call.Passed());
+            call.WriteBack();
+            if (result != nullptr) OwnVariant(value).MoveTo(*result);
+            return S_OK;
+        });
+    }
+
+  private:
+    ~DispatchObject() {
+        Known().erase(object_.get());
+        --live;
+    }
+
+    bool OnOwnThread() const { return GetCurrentThreadId() == thread_; }
+
+    DISPID MemberOf(const std::string& name) const {
+        if (automation::SameName(name, "_NewEnum") && object_->NewEnumerator()) return DISPID_NEWENUM;
+        return object_->HasMember(name) ? MemberNumber(name) : DISPID_UNKNOWN;
+    }
+
+    HRESULT NewEnum(VARIANT* result) const {
+        if (!object_->NewEnumerator()) return DISP_E_MEMBERNOTFOUND;
+        if (result == nullptr) return S_OK;
+        result->punkVal = NewEnumVariant(object_);
+        result->vt = VT_UNKNOWN;
+        return S_OK;
+    }
+
+    ObjectRef object_;
+    DWORD thread_ = GetCurrentThreadId();
+    std::atomic<ULONG> shares_{1};
+};
+
+}  // namespace
+
+IDispatch* NewDispatch(const ObjectRef& object) {
+    if (!object) return nullptr;
+    if (const auto* foreign = dynamic_cast<const ForeignObject*>(object.get())) return foreign->NewShare();
+    const auto found = Known().find(object.get());
+    if (found == Known().end()) return new DispatchObject(object);
+    found->second->AddRef();
+    return found->second;
+}
+
+ObjectRef ObjectOf(IDispatch* dispatch) {
+    if (dispatch == nullptr) return nullptr;
+    ComPointer<DispatchObject> own;
+    if (SUCCEEDED(dispatch->QueryInterface(OwnInterface(), own.ReceiveAny()))) return own->Inside();
+    return std::make_shared<ForeignObject>(ComPointer<IDispatch>::Sharing(dispatch));
+}
+
+long LiveDispatches() {
+    return live;
+}
+
+}  // namespace vicenter::com

@@ -1,0 +1,208 @@
+#include "platform/com/foreign_object.h"
+
+#include <deque>
+#include <vector>
+
+#include "platform/com/com_error.h"
+#include "platform/com/com_value.h"
+#include "platform/com/dispatch_object.h"
+#include "platform/com/enum_variant.h"
+
+namespace vicenter::com {
+
+using automation::Argument;
+using automation::Arguments;
+using automation::Enumerator;
+using automation::Error;
+using automation::InvokeKind;
+using automation::Variant;
+namespace error_number = automation::error_number;
+
+namespace {
+
+// How long a busy server is waited for.
+constexpr int kTries = 60;
+constexpr DWORD kPauseMilliseconds = 50;
+
+bool IsBusy(HRESULT code) {
+    return code == RPC_E_CALL_REJECTED || code == RPC_E_SERVERCALL_RETRYLATER;
+}
+
+template <class Call>
+HRESULT Patiently(const Call& call) {
+    HRESULT code = call();
+    for (int i = 1; i < kTries && IsBusy(code); ++i) {
+        Sleep(kPauseMilliseconds);
+        code = call();
+    }
+    return code;
+}
+
+// The member's number, then those of the named arguments.
+std::vector<DISPID> NumbersOf(IDispatch* dispatch, std::string_view name, const Arguments& arguments) {
+    std::vector<std::wstring> texts{system::os::Wide(name)};
+    for (const Argument& argument : arguments) {
+        if (!argument.Name().empty()) texts.push_back(system::os::Wide(argument.Name()));
+    }
+    std::vector<wchar_t*> names;
+    for (std::wstring& text : texts)
+        names.push_back(text.data());
+    std::vector<DISPID> numbers(names.size(), DISPID_UNKNOWN);
+    if (name.empty()) {
+        numbers[0] = DISPID_VALUE;
+        if (names.size() == 1) return numbers;
+    }
+    const HRESULT code = Patiently([&] {
+        return dispatch->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()),
+                                       LOCALE_USER_DEFAULT, numbers.data());
+    });
+    if (FAILED(code)) {
+        const bool member = numbers[0] == DISPID_UNKNOWN;
+        if (code == DISP_E_UNKNOWNNAME && !member) throw Error(error_number::kNamedArgumentNotFound);
+        EXCEPINFO none{};
+        throw ErrorOf(code, none);
+    }
+    return numbers;
+}
+
+// The arguments as COM wants them: from the last to the first, named ones in front.
+class CallParameters {
+  public:
+    CallParameters(Arguments& arguments, const std::vector<DISPID>& numbers, bool put)
+        : arguments_(arguments) {
+        std::size_t named = 1;
+        for (std::size_t i = 0; i < arguments.size(); ++i) {
+            const bool value = put && i + 1 == arguments.size();
+            const bool isNamed = !arguments[i].Name().empty();
+            VARIANT parameter = Parameter(arguments[i]);
+            if (value || isNamed) {
+                namedValues_.push_back(parameter);
+                names_.push_back(value ? DISPID_PROPERTYPUT : numbers[named++]);
+            } else {
+                positional_.push_back(parameter);
+            }
+        }
+        all_.assign(namedValues_.rbegin(), namedValues_.rend());
+        all_.insert(all_.end(), positional_.rbegin(), positional_.rend());
+        namesInOrder_.assign(names_.rbegin(), names_.rend());
+        given_ = {all_.data(), namesInOrder_.data(), static_cast<UINT>(all_.size()),
+                  static_cast<UINT>(namesInOrder_.size())};
+    }
+
+    DISPPARAMS* Given() { return &given_; }
+
+    void WriteBack() {
+        for (const auto& [argument, variable] : references_)
+            argument->Assign(FromCom(variable->Value()));
+    }
+
+  private:
+    // Shares what the values hold, which live here.
+    VARIANT Parameter(Argument& argument) {
+        OwnVariant& value = values_.emplace_back(argument.Value());
+        if (!argument.IsByReference()) return value.Value();
+        references_.emplace_back(&argument, &value);
+        VARIANT reference;
+        VariantInit(&reference);
+        reference.vt = VT_BYREF | VT_VARIANT;
+        reference.pvarVal = &value.Value();
+        return reference;
+    }
+
+    Arguments& arguments_;
+    std::deque<OwnVariant> values_;
+    std::vector<std::pair<Argument*, OwnVariant*>> references_;
+    std::vector<VARIANT> namedValues_;
+    std::vector<VARIANT> positional_;
+    std::vector<VARIANT> all_;
+    std::vector<DISPID> names_;
+    std::vector<DISPID> namesInOrder_;
+    DISPPARAMS given_{};
+};
+
+WORD FlagsOf(InvokeKind kind, const Arguments& arguments) {
+    switch (kind) {
+        case InvokeKind::Get:
+            return DISPATCH_PROPERTYGET | DISPATCH_METHOD;
+        case InvokeKind::Call:
+            return DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+        case InvokeKind::Put:
+            break;
+    }
+    const bool object = !arguments.empty() && arguments.back().Value().IsObject();
+    return object ? DISPATCH_PROPERTYPUTREF : DISPATCH_PROPERTYPUT;
+}
+
+}  // namespace
+
+std::string ForeignObject::TypeName() const {
+    ComPointer<ITypeInfo> type;
+    ComPointer<IProvideClassInfo> provider;
+    if (SUCCEEDED(dispatch_->QueryInterface(IID_IProvideClassInfo, provider.ReceiveAny())))
+        provider->GetClassInfo(type.Receive());
+    if (!type) dispatch_->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.Receive());
+    BSTR name = nullptr;
+    if (!type || FAILED(type->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr)))
+        return "Object";
+    std::string result = TextOf(name);
+    SysFreeString(name);
+    // An interface's name, where the class tells none of its own.
+    if (result.size() > 1 && result[0] == 'I' && result[1] >= 'A' && result[1] <= 'Z') result.erase(0, 1);
+    return result;
+}
+
+bool ForeignObject::HasMember(std::string_view name) const {
+    if (name.empty()) return true;
+    std::wstring text = system::os::Wide(name);
+    wchar_t* names = text.data();
+    DISPID number = DISPID_UNKNOWN;
+    return SUCCEEDED(Patiently(
+        [&] { return dispatch_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &number); }));
+}
+
+Variant ForeignObject::Invoke(std::string_view name, InvokeKind kind, Arguments& arguments) {
+    const std::vector<DISPID> numbers = NumbersOf(dispatch_.Get(), name, arguments);
+    CallParameters parameters(arguments, numbers, kind == InvokeKind::Put);
+    WORD flags = FlagsOf(kind, arguments);
+    OwnVariant result;
+    EXCEPINFO info{};
+    const auto call = [&] {
+        info = {};
+        return dispatch_->Invoke(numbers[0], IID_NULL, LOCALE_USER_DEFAULT, flags, parameters.Given(),
+                                 kind == InvokeKind::Put ? nullptr : &result.Value(), &info, nullptr);
+    };
+    HRESULT code = Patiently(call);
+    if (flags == DISPATCH_PROPERTYPUTREF && (code == DISP_E_MEMBERNOTFOUND || code == DISP_E_TYPEMISMATCH)) {
+        flags = DISPATCH_PROPERTYPUT;
+        code = Patiently(call);
+    }
+    if (FAILED(code)) throw ErrorOf(code, info);
+    parameters.WriteBack();
+    return FromCom(result.Value());
+}
+
+std::unique_ptr<Enumerator> ForeignObject::NewEnumerator() {
+    DISPPARAMS none{};
+    OwnVariant result;
+    const HRESULT code =
+        dispatch_->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT,
+                          DISPATCH_PROPERTYGET | DISPATCH_METHOD, &none, &result.Value(), nullptr, nullptr);
+    const VARTYPE type = result.Value().vt;
+    if (FAILED(code) || (type != VT_UNKNOWN && type != VT_DISPATCH)) return nullptr;
+    ComPointer<IEnumVARIANT> values;
+    if (result.Value().punkVal == nullptr ||
+        FAILED(result.Value().punkVal->QueryInterface(IID_IEnumVARIANT, values.ReceiveAny())))
+        return nullptr;
+    return Over(std::move(values));
+}
+
+automation::ObjectRef CreateForeign(std::string_view progId) {
+    CLSID id{};
+    ComPointer<IDispatch> dispatch;
+    if (FAILED(CLSIDFromProgID(system::os::Wide(progId).c_str(), &id)) ||
+        FAILED(CoCreateInstance(id, nullptr, CLSCTX_SERVER, IID_IDispatch, dispatch.ReceiveAny())))
+        throw Error(error_number::kCannotCreateObject, {}, std::string(progId));
+    return ObjectOf(dispatch.Get());
+}
+
+}  // namespace vicenter::com

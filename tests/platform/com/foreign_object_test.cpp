@@ -1,0 +1,149 @@
+#include "platform/com/foreign_object.h"
+
+#include "tests/platform/com/com_fixture.h"
+
+namespace vicenter::com {
+namespace {
+
+using automation::Argument;
+using automation::Arguments;
+using automation::Error;
+using automation::Variant;
+
+// Somebody else's object: it passes every call on to one of ours and is not known to be that. Refuses its
+// first calls as a busy server does.
+class Stranger final : public IDispatch {
+  public:
+    Stranger(ComPointer<IDispatch> inside, int busy) : inside_(std::move(inside)), busy_(busy) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
+        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch);
+        *result = known ? this : nullptr;
+        if (!known) return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --shares_;
+        if (left == 0) delete this;
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        return inside_->GetTypeInfoCount(count);
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override {
+        return inside_->GetTypeInfo(index, locale, info);
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID locale,
+                                            DISPID* numbers) override {
+        return inside_->GetIDsOfNames(id, names, count, locale, numbers);
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID id, LCID locale, WORD flags, DISPPARAMS* given,
+                                     VARIANT* result, EXCEPINFO* info, UINT* at) override {
+        if (busy_ > 0) {
+            --busy_;
+            return RPC_E_CALL_REJECTED;
+        }
+        return inside_->Invoke(member, id, locale, flags, given, result, info, at);
+    }
+
+  private:
+    ~Stranger() = default;
+
+    ComPointer<IDispatch> inside_;
+    int busy_;
+    ULONG shares_ = 1;
+};
+
+class ForeignTest : public ComTest {
+  protected:
+    automation::ObjectRef Foreign(int busy = 0) {
+        const ComPointer<IDispatch> stranger(new Stranger(DispatchOf(box_), busy));
+        return ObjectOf(stranger.Get());
+    }
+    static Error Failure(const std::function<void()>& call) {
+        try {
+            call();
+        } catch (const Error& error) {
+            return error;
+        }
+        ADD_FAILURE() << "nothing failed";
+        return Error(0);
+    }
+
+    std::shared_ptr<CashBox> box_ = std::make_shared<CashBox>();
+};
+
+TEST_F(ForeignTest, IsCalledAsOneOfOurs) {
+    const auto foreign = Foreign();
+    EXPECT_NE(foreign, box_);
+    EXPECT_EQ(foreign->TypeName(), "CashBox");
+    EXPECT_TRUE(foreign->HasMember("count"));
+    EXPECT_FALSE(foreign->HasMember("nothing"));
+    EXPECT_EQ(foreign->Get("Count"), Variant(3));
+    EXPECT_EQ(foreign->Get("Item", {1}), Variant(10));
+    EXPECT_EQ(foreign->Get("", {2}), Variant(50));
+    foreign->Put("Item", {1}, 11);
+    foreign->Put("Owner", "甲");
+    EXPECT_EQ(box_->coins[1], 11);
+    EXPECT_EQ(box_->owner, Variant("甲"));
+    EXPECT_EQ(foreign->Call("Take", {1, Argument::Named("left", 5)}), Variant("1;-;5;"));
+    EXPECT_EQ(foreign->Call("Echo", {automation::VariantArray{1, "b"}}),
+              Variant(automation::VariantArray{1, "b"}));
+}
+
+TEST_F(ForeignTest, WritesToArgumentsByReference) {
+    Variant amount(41);
+    EXPECT_EQ(Foreign()->Call("Take", {Argument::ByReference(amount)}), Variant("41;-;-;"));
+    EXPECT_EQ(amount, Variant(42));
+}
+
+TEST_F(ForeignTest, ObjectsKeepTheirIdentityOnTheWay) {
+    const auto foreign = Foreign();
+    EXPECT_EQ(foreign->Call("Echo", {box_}), Variant(box_));
+    foreign->Put("Owner", foreign);
+    ASSERT_TRUE(box_->owner.IsObject());
+    EXPECT_EQ(box_->owner.AsObject()->Get("Count"), Variant(3));
+    box_->owner = {};
+    EXPECT_EQ(foreign->Get("Self"), Variant(box_));
+}
+
+TEST_F(ForeignTest, FailuresComeWithNumberTextAndSource) {
+    const auto foreign = Foreign();
+    const Error broken = Failure([&] { foreign->Call("Break"); });
+    EXPECT_EQ(broken.Number(), 9);
+    EXPECT_EQ(broken.Text(), "钱箱坏了");
+    EXPECT_EQ(broken.Source(), "CashBox");
+    EXPECT_EQ(Failure([&] { foreign->Get("Nothing"); }).Number(), 438);
+    EXPECT_EQ(Failure([&] { foreign->Call("Take", {Argument::Named("other", 1)}); }).Number(), 448);
+    EXPECT_EQ(Failure([&] { foreign->Call("Take"); }).Number(), 449);
+    EXPECT_EQ(Failure([&] { foreign->Call("Take", {1, 2, 3, 4}); }).Number(), 450);
+}
+
+TEST_F(ForeignTest, ABusyServerIsAskedAgain) {
+    EXPECT_EQ(Foreign(3)->Get("Count"), Variant(3));
+}
+
+TEST_F(ForeignTest, ForEachGoesThroughACollection) {
+    const auto each = Foreign()->NewEnumerator();
+    ASSERT_NE(each, nullptr);
+    std::vector<std::int32_t> coins;
+    while (const auto coin = each->Next())
+        coins.push_back(coin->ToInt32());
+    EXPECT_EQ(coins, box_->coins);
+}
+
+TEST_F(ForeignTest, TheSystemsOwnDictionaryIsOne) {
+    const auto dictionary = CreateForeign("Scripting.Dictionary");
+    dictionary->Call("Add", {"甲", 1});
+    dictionary->Put("Item", {"乙"}, Variant("二"));
+    EXPECT_EQ(dictionary->Get("Count"), Variant(2));
+    EXPECT_EQ(dictionary->Get("", {"乙"}), Variant("二"));
+    EXPECT_EQ(dictionary->Call("Keys"), Variant(automation::VariantArray{"甲", "乙"}));
+    EXPECT_EQ(Failure([&] { dictionary->Call("Add", {"甲", 2}); }).Number(), 457);
+    EXPECT_EQ(Failure([] { CreateForeign("VelaVICenter.NoSuchClass"); }).Number(), 429);
+}
+
+}  // namespace
+}  // namespace vicenter::com
