@@ -20,6 +20,10 @@ endif()
 # Dev: what a test run on a small machine needs: quick to compile, assertions kept, line numbers in stacks.
 set(CMAKE_C_FLAGS_DEV "-O1 -g1" CACHE STRING "" FORCE)
 set(CMAKE_CXX_FLAGS_DEV "-O1 -g1" CACHE STRING "" FORCE)
+if(WIN32)  # each program holds its libraries: with line numbers a hundred MB
+  set(CMAKE_C_FLAGS_DEV "-O1" CACHE STRING "" FORCE)
+  set(CMAKE_CXX_FLAGS_DEV "-O1" CACHE STRING "" FORCE)
+endif()
 set(CMAKE_EXE_LINKER_FLAGS_DEV "" CACHE STRING "" FORCE)
 set(CMAKE_SHARED_LINKER_FLAGS_DEV "" CACHE STRING "" FORCE)
 
@@ -46,7 +50,7 @@ endif()
 
 # A change in a low folder links two dozen test programs anew.
 find_program(MOLD_PROGRAM mold)
-if(MOLD_PROGRAM)
+if(MOLD_PROGRAM AND NOT WIN32)  # it links no programs for Windows
   target_link_options(vicenter_settings INTERFACE -fuse-ld=mold)
 endif()
 
@@ -60,6 +64,18 @@ if(VICENTER_TIDY)
   find_program(CLANG_TIDY_PROGRAM NAMES clang-tidy-14 clang-tidy REQUIRED)
   # The compile commands are the other compiler's.
   set(CMAKE_CXX_CLANG_TIDY "${CLANG_TIDY_PROGRAM};--quiet;--extra-arg=-Wno-unknown-warning-option")
+endif()
+
+# Where programs for Windows see the files of the machine that builds them.
+set(VICENTER_TEST_DRIVE "")
+if(WIN32 AND CMAKE_CROSSCOMPILING)
+  set(VICENTER_TEST_DRIVE "Z:")
+endif()
+# The tests' place and language. Windows knows time zones by their distance alone, and looks for libraries on a path.
+set(VICENTER_TEST_ENVIRONMENT "TZ=Asia/Shanghai;LC_ALL=C.UTF-8;QT_QPA_PLATFORM=offscreen")
+if(WIN32)
+  set(VICENTER_TEST_ENVIRONMENT
+    "TZ=CST-8;QT_QPA_PLATFORM=offscreen;WINEPATH=${VICENTER_TEST_DRIVE}${CMAKE_BINARY_DIR}/front")
 endif()
 
 function(vicenter_library name)
@@ -90,5 +106,5 @@ function(vicenter_gtest name)
   endif()
   # One line per test program: a process per test would cost more than the tests themselves.
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
-  set_tests_properties(${name} PROPERTIES ENVIRONMENT "TZ=Asia/Shanghai;LC_ALL=C.UTF-8;QT_QPA_PLATFORM=offscreen")
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "${VICENTER_TEST_ENVIRONMENT}")
 endfunction()

@@ -1,7 +1,7 @@
-# Shell functions shared by ./run and ./test; sourced from the project's root.
+# Shell functions shared by ./run, ./test and ./test-windows; sourced from the project's root.
 
 install_packages() {
-  bash cmake/install-packages.sh
+  bash cmake/install-packages.sh "$@"
 }
 
 # build_preset PRESET [TARGET]: quiet when nothing changed; the whole output when something fails.

@@ -1,15 +1,21 @@
 #!/usr/bin/env bash
 # Installs the packages of packages.txt that this machine lacks. Says nothing and takes no time when none is missing.
+#   install-packages.sh [MACHINE]   those of packages-windows.txt as well, for x64 or x86
 set -euo pipefail
-list="$(dirname "$0")/../packages.txt"
+machine=${1:-}
+root="$(dirname "$0")/.."
+lists=("$root/packages.txt")
+[ -z "$machine" ] || lists+=("$root/packages-windows.txt")
 
 wanted=()
-while read -r package _; do
-  case "$package" in ''|'#'*) ;; *) wanted+=("$package") ;; esac
-done < "$list"
+while read -r package only _; do
+  case "$package" in ''|'#'*) continue ;; esac
+  case "$only" in x64|x86) [ "$only" = "$machine" ] || continue ;; esac
+  wanted+=("$package")
+done < <(cat "${lists[@]}")
 
 if ! command -v dpkg-query >/dev/null; then
-  echo "This is no Debian system: install what corresponds to packages.txt by hand." >&2
+  echo "This is no Debian system: install what corresponds to ${lists[*]} by hand." >&2
   exit 0
 fi
 missing=()
