@@ -87,4 +87,16 @@ void LibrarySession::End() {
     delete std::exchange(Current(), nullptr);
 }
 
+bool LibrarySession::EndIfUnused() {
+    {
+        const std::lock_guard guard(Lock());
+        if (Current() == nullptr) return true;
+        if (Current()->thread_ != ThisThread() || Current()->calls_ != 0 ||
+            Current()->windows_->OpenWindows() != 0)
+            return false;
+    }
+    End();
+    return true;
+}
+
 }  // namespace vicenter::front

@@ -19,6 +19,9 @@ class LibrarySession {
     // Ends it, when it has begun: closes the windows and puts back what the process had before. Error 5 while
     // a call is under way or a window stays open.
     static void End();
+    // Ends it when nothing needs it: false while a window is open or a call is under way, and on another
+    // thread.
+    static bool EndIfUnused();
 
     WindowLoop& Windows() { return *windows_; }
 

@@ -1,0 +1,83 @@
+#include "front/com/class_factory.h"
+
+#include <atomic>
+
+#include "automation/class_registry.h"
+#include "front/include/vicenter/vicenter.h"
+#include "front/library_session.h"
+#include "platform/com/com_error.h"
+#include "platform/com/com_pointer.h"
+#include "platform/com/dispatch_object.h"
+
+namespace vicenter::front {
+
+using automation::Error;
+
+namespace {
+
+std::atomic<long> live{0};
+
+class ClassFactory final : public IClassFactory {
+  public:
+    explicit ClassFactory(const PublicClass& made) : class_(made) { ++live; }
+    ClassFactory(const ClassFactory&) = delete;
+    ClassFactory& operator=(const ClassFactory&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
+        if (result == nullptr) return E_POINTER;
+        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IClassFactory);
+        *result = known ? this : nullptr;
+        if (!known) return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --shares_;
+        if (left == 0) delete this;
+        return left;
+    }
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** result) override {
+        if (result == nullptr) return E_POINTER;
+        *result = nullptr;
+        if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+        return com::Guarded(nullptr, [&]() -> HRESULT {
+            try {
+                LibrarySession& session = LibrarySession::Enter();
+                const LibrarySession::CallScope scope(session);
+                const com::ComPointer<IDispatch> object(
+                    com::NewDispatch(automation::CreateObject(class_.progId)));
+                return object->QueryInterface(id, result);
+            } catch (const Error& error) {
+                if (error.Number() == VIC_ERROR_WRONG_THREAD) return RPC_E_WRONG_THREAD;
+                throw;
+            }
+        });
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
+        live += lock ? 1 : -1;
+        return S_OK;
+    }
+
+  private:
+    ~ClassFactory() { --live; }
+
+    const PublicClass& class_;
+    std::atomic<ULONG> shares_{1};
+};
+
+}  // namespace
+
+HRESULT GetClassFactory(const PublicClass& made, REFIID id, void** result) {
+    return com::Guarded(nullptr, [&] {
+        const com::ComPointer<ClassFactory> factory(new ClassFactory(made));
+        return factory->QueryInterface(id, result);
+    });
+}
+
+long LiveFactories() {
+    return live;
+}
+
+}  // namespace vicenter::front

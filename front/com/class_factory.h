@@ -1,0 +1,16 @@
+#pragma once
+
+// The class factories of the public classes. A class is made on the session's thread alone; another one is
+// answered RPC_E_WRONG_THREAD.
+
+#include "front/com/public_classes.h"
+
+namespace vicenter::front {
+
+// The interface `id` of a new factory.
+HRESULT GetClassFactory(const PublicClass& made, REFIID id, void** result);
+
+// Factories and LockServer() calls that keep the library loaded.
+long LiveFactories();
+
+}  // namespace vicenter::front

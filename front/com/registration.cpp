@@ -1,0 +1,90 @@
+#include "front/com/registration.h"
+
+#include "front/com/public_classes.h"
+
+namespace vicenter::front {
+
+namespace {
+
+HKEY RootOf(RegisterFor whom) {
+    return whom == RegisterFor::kUser ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
+}
+
+std::wstring TextOf(REFCLSID id) {
+    wchar_t text[40] = {};
+    StringFromGUID2(id, text, 40);
+    return text;
+}
+
+// The type library, a resource of this library: front/com/vicenter.idl.
+constexpr GUID kLibraryId = {0xFE125752, 0x6EC8, 0x4741, {0x9B, 0xFB, 0xF7, 0x48, 0x6F, 0x0A, 0xCF, 0xD9}};
+constexpr const wchar_t* kPlatform = sizeof(void*) == 8 ? L"win64" : L"win32";
+
+const std::wstring kClassesKey = L"Software\\Classes\\";
+
+std::wstring ClassKey(const PublicClass& one) {
+    return kClassesKey + L"CLSID\\" + TextOf(one.id);
+}
+
+std::wstring NameKey(const PublicClass& one) {
+    return kClassesKey + system::os::Wide(one.progId);
+}
+
+std::wstring LibraryKey() {
+    return kClassesKey + L"TypeLib\\" + TextOf(kLibraryId);
+}
+
+// The values of one registration, one key after the other.
+class Writer {
+  public:
+    explicit Writer(HKEY root) : root_(root) {}
+
+    void Set(const std::wstring& key, const wchar_t* name, const std::wstring& value) {
+        if (code_ != ERROR_SUCCESS) return;
+        const auto bytes = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
+        code_ = RegSetKeyValueW(root_, key.c_str(), name, REG_SZ, value.c_str(), bytes);
+    }
+    HRESULT Result() const { return HRESULT_FROM_WIN32(static_cast<unsigned long>(code_)); }
+
+  private:
+    HKEY root_;
+    LSTATUS code_ = ERROR_SUCCESS;
+};
+
+}  // namespace
+
+HRESULT RegisterClasses(RegisterFor whom, const std::wstring& library) {
+    Writer writer(RootOf(whom));
+    for (const PublicClass& one : PublicClasses()) {
+        const std::wstring key = ClassKey(one);
+        writer.Set(key, nullptr, one.description);
+        writer.Set(key + L"\\InprocServer32", nullptr, library);
+        writer.Set(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+        writer.Set(key + L"\\ProgID", nullptr, system::os::Wide(one.progId));
+        writer.Set(key + L"\\TypeLib", nullptr, TextOf(kLibraryId));
+        writer.Set(NameKey(one), nullptr, one.description);
+        writer.Set(NameKey(one) + L"\\CLSID", nullptr, TextOf(one.id));
+    }
+    const std::wstring version = LibraryKey() + L"\\1.0";
+    writer.Set(version, nullptr, L"Voucher Template Center 1.0");
+    writer.Set(version + L"\\0\\" + kPlatform, nullptr, library);
+    writer.Set(version + L"\\FLAGS", nullptr, L"0");
+    if (FAILED(writer.Result())) UnregisterClasses(whom);
+    return writer.Result();
+}
+
+HRESULT UnregisterClasses(RegisterFor whom) {
+    std::vector<std::wstring> keys{LibraryKey()};
+    for (const PublicClass& one : PublicClasses()) {
+        keys.push_back(ClassKey(one));
+        keys.push_back(NameKey(one));
+    }
+    LSTATUS first = ERROR_SUCCESS;
+    for (const std::wstring& key : keys) {
+        const LSTATUS code = RegDeleteTreeW(RootOf(whom), key.c_str());
+        if (code != ERROR_SUCCESS && code != ERROR_FILE_NOT_FOUND && first == ERROR_SUCCESS) first = code;
+    }
+    return HRESULT_FROM_WIN32(static_cast<unsigned long>(first));
+}
+
+}  // namespace vicenter::front
