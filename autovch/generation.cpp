@@ -66,21 +66,6 @@ class ItemsTexts {
     std::map<std::string, std::optional<std::string>> texts_;  // nothing: could not be read
 };
 
-// Why no template can be made under a name; none for one that it may have.
-const char* NameFaultText(const std::string& name) {
-    switch (store::FaultOfName(name)) {
-        case store::NameFault::Blank:
-            return "凭证模板名称不允许为空！";
-        case store::NameFault::ControlCharacter:
-            return "凭证模板名称不能包含制表符、换行等控制字符！";
-        case store::NameFault::TooLong:
-            return "凭证模板名称长度不能超过255个字符！";
-        case store::NameFault::None:
-            break;
-    }
-    return nullptr;
-}
-
 std::string NoRoomText(const std::vector<store::LineFault>& faults) {
     std::string text = "凭证模板生成失败！以下内容超出模板的存储范围：";
     for (const store::LineFault& fault : faults)
@@ -97,8 +82,8 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
         return {};
     }
     const std::string name(system::TrimBlanks(entry::WithoutLineEnd(request.templateName)));
-    if (const char* fault = NameFaultText(name); fault != nullptr) {
-        ShowMessage(fault);
+    if (const std::string why = store::WhyNotName(name); !why.empty()) {
+        ShowMessage(why);
         return {};
     }
     entry::WriteFrameLog("C001C039", "AutoRunVch");

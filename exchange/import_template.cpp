@@ -144,22 +144,6 @@ bool CheckInstalled(ImportOutcome& outcome) {
     return false;
 }
 
-// Why no template can bear the name; empty when one can.
-std::string WhyNotName(const std::string& name) {
-    using store::NameFault;
-    switch (store::FaultOfName(name)) {
-        case NameFault::Blank:
-            return "凭证模板名称不允许为空！";
-        case NameFault::ControlCharacter:
-            return "凭证模板名称不能包含制表符、换行等控制字符！";
-        case NameFault::TooLong:
-            return "凭证模板名称不能超过 " + std::to_string(store::kLongestTemplateName) + " 个字符！";
-        case NameFault::None:
-            break;
-    }
-    return {};
-}
-
 // The command from the chosen file on.
 ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileName) {
     ImportOutcome outcome;
@@ -171,7 +155,7 @@ ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileNa
     const std::string name =
         automation::CreateObject(kFileSystemProgId)->Call("GetBaseName", {fileName}).ToText();
     outcome.templateName = name;
-    if (const std::string why = WhyNotName(name); !why.empty())
+    if (const std::string why = store::WhyNotName(name); !why.empty())
         return Refuse(outcome, "引入模板失败！" + why);
     using State = store::NamedTemplate::State;
     const store::NamedTemplate existing = store::FindTemplateToReplace(name, entry::CurrentUserId());

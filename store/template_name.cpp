@@ -12,4 +12,18 @@ NameFault FaultOfName(std::string_view name) {
     return system::CodeUnitCount(name) > kLongestTemplateName ? NameFault::TooLong : NameFault::None;
 }
 
+std::string WhyNotName(std::string_view name) {
+    switch (FaultOfName(name)) {
+        case NameFault::Blank:
+            return "凭证模板名称不允许为空！";
+        case NameFault::ControlCharacter:
+            return "凭证模板名称不能包含制表符、换行等控制字符！";
+        case NameFault::TooLong:
+            return "凭证模板名称长度不能超过" + std::to_string(kLongestTemplateName) + "个字符！";
+        case NameFault::None:
+            break;
+    }
+    return {};
+}
+
 }  // namespace vicenter::store

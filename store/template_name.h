@@ -3,6 +3,7 @@
 // What a template may be called, by one rule for whoever names one. Stateless.
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace vicenter::store {
@@ -18,5 +19,9 @@ enum class NameFault {
 };
 // A line end behind the name is to be gone by then.
 NameFault FaultOfName(std::string_view name);
+
+// Why no template can be made under the name, as whoever makes one tells it; empty for a name that it may
+// have.
+std::string WhyNotName(std::string_view name);
 
 }  // namespace vicenter::store
