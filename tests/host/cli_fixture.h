@@ -2,35 +2,24 @@
 
 // Runs the command line in this process on an account set of the test's own.
 
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "automation/class_registry.h"
-#include "host/cli/cli.h"
 #include "host/cli/json.h"
+#include "tests/host/cli_run.h"
 #include "tests/host/demo_set.h"
 
 namespace vicenter::host::test {
-
-struct CliAnswer {
-    int exitCode = 0;
-    std::string output;
-    std::string errors;
-};
 
 class CliFixture : public testing::Test {
   protected:
     CliAnswer Run(const std::vector<std::string>& arguments, const std::string& input = {}) {
         std::vector<std::string> all = {"--account-set", file_};
         all.insert(all.end(), arguments.begin(), arguments.end());
-        std::istringstream in(input);
-        std::ostringstream out;
-        std::ostringstream err;
-        const int exitCode = RunCli(all, {in, out, err});
-        return {exitCode, out.str(), err.str()};
+        return RunVicenter(all, input);
     }
     std::int32_t Number(const std::string& query) {
         const ado::ConnectionRef connection = ado::OpenConnection(FileConnectString(file_));

@@ -17,14 +17,18 @@ struct CliAnswer {
     std::string errors;
 };
 
-// What it registers is gone afterwards.
 inline CliAnswer RunVicenter(const std::vector<std::string>& arguments, const std::string& input = {}) {
-    const automation::ClassRegistry::Restore registry;
     std::istringstream in(input);
     std::ostringstream out;
     std::ostringstream err;
     const int exitCode = RunCli(arguments, {in, out, err});
     return {exitCode, out.str(), err.str()};
+}
+
+// As a process of its own would: what it registers is gone afterwards.
+inline CliAnswer RunVicenterApart(const std::vector<std::string>& arguments, const std::string& input = {}) {
+    const automation::ClassRegistry::Restore registry;
+    return RunVicenter(arguments, input);
 }
 
 }  // namespace vicenter::host::test

@@ -56,7 +56,7 @@ class FailingServer : public testing::TestWithParam<Command> {
             if (argument.starts_with("$")) argument = folder_.Path(argument.substr(1));
         }
         arguments.insert(arguments.begin(), {"--connect", connect_, "--yes"});
-        return test::RunVicenter(arguments, input);
+        return test::RunVicenterApart(arguments, input);
     }
     // What is stored, dates and log apart.
     std::string Content() const {

@@ -97,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(Scripts, CommandLineOverOdbc, testing::ValuesIn(ScriptN
 using Answer = test::CliAnswer;
 
 Answer Vicenter(const std::vector<std::string>& arguments, const std::string& input = {}) {
-    return test::RunVicenter(arguments, input);
+    return test::RunVicenterApart(arguments, input);
 }
 
 class AccountSetOnServer : public testing::Test {
