@@ -48,15 +48,72 @@ bool SaysSomething(const Token& token, const Token& previous) {
     return token.keyword != Keyword::kNone || token.text.front() == '#' || previous.keyword == Keyword::kSet;
 }
 
+// The head of an INSERT, up to the parenthesis of its values. The lines of a save have the same one each, and
+// nothing new is learned from reading it again.
+class InsertHead {
+  public:
+    explicit InsertHead(std::string_view batch) : batch_(batch) {}
+
+    // How long the head is that the batch has there, if it is the one that was read last; else 0.
+    std::size_t LengthAt(std::size_t offset) const {
+        return !head_.empty() && batch_.substr(offset).starts_with(head_) ? head_.size() : 0;
+    }
+    void Read(const Token& token) {
+        if (token.keyword == Keyword::kInsert) {
+            begin_ = OffsetOf(token);
+            state_ = State::kHead;
+        } else if (state_ == State::kHead) {
+            if (token.keyword == Keyword::kValues) {
+                state_ = State::kValues;
+            } else if (!IsPlain(token)) {
+                state_ = State::kOutside;
+            }
+        } else if (state_ == State::kValues) {
+            if (token.kind == TokenKind::kOperator && token.op == tsql::Op::kLeftParen)
+                head_ = batch_.substr(begin_, OffsetOf(token) + 1 - begin_);
+            state_ = State::kOutside;
+        }
+    }
+    std::size_t OffsetOf(const Token& token) const {
+        return static_cast<std::size_t>(token.text.data() - batch_.data());
+    }
+
+  private:
+    enum class State { kOutside, kHead, kValues };
+    // Names and what stands between them.
+    static bool IsPlain(const Token& token) {
+        if (token.kind == TokenKind::kIdentifier)
+            return token.keyword == Keyword::kNone || token.keyword == Keyword::kInto;
+        return token.kind == TokenKind::kQuotedIdentifier || token.kind == TokenKind::kOperator;
+    }
+
+    std::string_view batch_;
+    std::string_view head_;
+    std::size_t begin_ = 0;
+    State state_ = State::kOutside;
+};
+
 // A batch word by word.
 class NatureReader {
   public:
     BatchNature Read(std::string_view batch) {
         try {
             tsql::Lexer lexer(batch);
+            InsertHead head(batch);
             Token previous;
             bool first = true;
             for (Token token = lexer.Next(); token.kind != TokenKind::kEnd; token = lexer.Next()) {
+                if (token.keyword == Keyword::kInsert) {
+                    const std::size_t offset = head.OffsetOf(token);
+                    if (const std::size_t length = head.LengthAt(offset); length > 0) {
+                        ++changes_;
+                        before_ = "insert";
+                        lexer = tsql::Lexer(batch.substr(offset + length));
+                        previous = {};
+                        continue;
+                    }
+                }
+                head.Read(token);
                 if (SaysSomething(token, previous)) {
                     setsOption_ = previous.keyword == Keyword::kSet && !IsAssigned(lexer);
                     Take(Word(token), previous, first);

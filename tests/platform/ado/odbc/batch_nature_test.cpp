@@ -34,6 +34,21 @@ TEST(BatchNatureTest, CountsAreToldApartOnlyWhereSomeMayBeOfReads) {
     EXPECT_FALSE(NatureOf("select @n = 1 from t while @n < 3 delete t").mayCountReads);
 }
 
+// Heads that are the same are read once; what stands behind each is not.
+TEST(BatchNatureTest, LinesOfOneHeadAreReadToTheirEnd) {
+    const std::string line = "insert into t(a, [values(], b) values(1, 'insert into t', N'x''')\r\n";
+    EXPECT_TRUE(NatureOf(line + line + line).needsUnit);
+    EXPECT_FALSE(NatureOf(line + line + line).leavesTraces);
+    EXPECT_FALSE(NatureOf(line + line).mayCountReads);
+    EXPECT_FALSE(NatureOf(line).needsUnit);
+    EXPECT_TRUE(NatureOf(line + line + "set lock_timeout 5").leavesTraces);
+    EXPECT_TRUE(
+        NatureOf(line + line + "insert into t(a, [values(], b) values((select 1), 2, 3)").mayCountReads);
+    EXPECT_TRUE(NatureOf(line + "insert into #t values(1) insert into #t values(2)").leavesTraces);
+    EXPECT_TRUE(NatureOf(line + line + "use other").leavesTraces);
+    EXPECT_TRUE(NatureOf(line + line + "insert into t(a, [values(], b) values('never closed").leavesTraces);
+}
+
 TEST(BatchNatureTest, NamesThatLookLikeWordsSayNothing) {
     const BatchNature nature = NatureOf(
         "update t set nocount_column = 1, used = 2 where [use] = 3 and \"transaction\" = 4 and tranny = 5");
