@@ -48,6 +48,39 @@ void MustBeThere(UErrorCode status, const char* otherwise) {
     if (U_FAILURE(status)) throw automation::Error(0, otherwise);
 }
 
+// Hiragana and half-width katakana become katakana, as they compare: a voiced mark of half width joins the
+// letter before it.
+void FoldKana(icu::UnicodeString& text) {
+    constexpr char16_t kHalf[] =
+        u"ヲァィゥェォャュョッーアイウエオカキクケコサシスセソタチツテトナニヌネノハヒフヘホマミムメモヤユヨ"
+        u"ラリルレロワン";
+    constexpr char16_t kVoiced = 0xFF9E;
+    constexpr char16_t kHalfVoiced = 0xFF9F;
+    const auto takesVoice = [](char16_t letter) {
+        return (letter >= u'カ' && letter <= u'ト') || (letter >= u'ハ' && letter <= u'ホ');
+    };
+    for (std::int32_t i = 0; i < text.length(); ++i) {
+        const char16_t unit = text.charAt(i);
+        if ((unit >= 0x3041 && unit <= 0x3096) || unit == 0x309D || unit == 0x309E)
+            text.setCharAt(i, static_cast<char16_t>(unit + 0x60));
+        if (unit < 0xFF66 || unit > 0xFF9D) continue;
+        char16_t full = kHalf[unit - 0xFF66];
+        const char16_t mark = i + 1 < text.length() ? text.charAt(i + 1) : u'\0';
+        if (mark == kVoiced && takesVoice(full)) {
+            ++full;
+        } else if (mark == kVoiced && full == u'ウ') {
+            full = u'ヴ';
+        } else if (mark == kHalfVoiced && full >= u'ハ' && full <= u'ホ') {
+            full = static_cast<char16_t>(full + 2);
+        } else {
+            text.setCharAt(i, full);
+            continue;
+        }
+        text.setCharAt(i, full);
+        text.remove(i + 1, 1);
+    }
+}
+
 class IcuCollator : public Collator {
   public:
     IcuCollator() {
@@ -75,7 +108,10 @@ class IcuCollator : public Collator {
         return order;
     }
 
-    std::string Fold(std::string_view text) const override {
+    std::string Fold(std::string_view text) const override { return Folded(text, true); }
+
+    // Without case and width, and with kana as they compare; initials leave kana as they stand.
+    std::string Folded(std::string_view text, bool withKana) const {
         std::string result(text);
         bool ascii = true;
         for (char& c : result) {
@@ -89,6 +125,7 @@ class IcuCollator : public Collator {
             if (unit >= 0xFF01 && unit <= 0xFF5E) wide.setCharAt(i, static_cast<char16_t>(unit - 0xFEE0));
             if (unit == 0x3000) wide.setCharAt(i, u' ');
         }
+        if (withKana) FoldKana(wide);
         wide.foldCase();
         if (wide.isBogus()) throw std::bad_alloc();
         result.clear();
@@ -115,7 +152,7 @@ class IcuCollator : public Collator {
             } else if (u_isalnum(c)) {
                 icu::UnicodeString one(c);
                 std::string utf8;
-                result += Fold(one.toUTF8String(utf8));
+                result += Folded(one.toUTF8String(utf8), false);
             }
         }
         return result;

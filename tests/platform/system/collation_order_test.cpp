@@ -20,7 +20,7 @@ namespace {
 // anew.
 constexpr std::uint64_t kOrderOfCharacters = 12068927348528229309U;
 constexpr std::uint64_t kOrderOfWords = 15259914892629437220U;
-constexpr std::uint64_t kFolded = 3556760650707121178U;
+constexpr std::uint64_t kFolded = 7580872588450065342U;
 constexpr std::uint64_t kInitials = 4274538478633816544U;
 
 class Hash {
@@ -101,6 +101,16 @@ TEST(CollationOrder, FoldingIsTheSameOnEverySystem) {
     for (const std::string& character : Characters())
         hash.Add(Collator::Chinese().Fold(character));
     EXPECT_EQ(hash.Value(), kFolded);
+}
+
+TEST(CollationOrder, KanaFoldAlikeWhereTheyCompareAlike) {
+    const Collator& collator = Collator::Chinese();
+    const std::vector<std::string> texts = {"カナ", "かな", "ｶﾅ",   "ガ",   "が", "ｶﾞ", "カ",
+                                            "パン", "ﾊﾟﾝ",  "ぱん", "バン", "ヴ", "ｳﾞ", "ウ"};
+    for (const std::string& a : texts) {
+        for (const std::string& b : texts)
+            EXPECT_EQ(collator.Compare(a, b) == 0, collator.Fold(a) == collator.Fold(b)) << a << " " << b;
+    }
 }
 
 TEST(CollationOrder, InitialsAreTheSameOnEverySystem) {
