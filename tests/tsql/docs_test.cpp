@@ -38,10 +38,20 @@ bool IsErrorNumber(const std::string& topic) {
     return std::all_of(topic.begin(), topic.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
 }
 
+constexpr std::int32_t kRefused = 40510;
+
 struct Coverage {
     std::map<std::string, std::set<std::string>> topics;  // statement, function or type: tests
     std::map<std::int32_t, std::set<std::string>> errors;
+    std::map<std::string, std::set<std::string>> refused;  // by the name that the message tells
 };
+
+// "Statement 'BACKUP' is not supported …": what stands between the first apostrophe and the last one.
+std::string RefusedName(const std::string& message) {
+    const std::size_t first = message.find('\'');
+    const std::size_t last = message.rfind('\'');
+    return first < last ? message.substr(first + 1, last - first - 1) : message;
+}
 
 Coverage Collect() {
     Coverage coverage;
@@ -54,6 +64,8 @@ Coverage Collect() {
         }
         for (const Step& step : file.steps) {
             if (step.errorNumber) coverage.errors[*step.errorNumber].insert(name);
+            if (step.errorNumber == kRefused && !step.expected.empty())
+                coverage.refused[RefusedName(step.expected.front())].insert(name);
         }
     }
     return coverage;
@@ -103,6 +115,9 @@ std::string SupportText() {
     for (const auto& [topic, tests] : coverage.topics) {
         (IsStatement(topic) ? statements : others) += "| " + Escaped(topic) + " | " + Links(tests) + " |\n";
     }
+    std::string refused;
+    for (const auto& [name, tests] : coverage.refused)
+        refused += "| " + Escaped(name) + " | " + Links(tests) + " |\n";
     return "# T-SQL of the embedded account set\n\n"
            "What an embedded account set takes, each with the tests that show it. Made from the `# covers:` "
            "lines of\n"
@@ -111,6 +126,12 @@ std::string SupportText() {
            "are in [error-numbers.md](error-numbers.md).\n\n"
            "## Statements and clauses\n\n| statement or clause | tests |\n|---|---|\n" +
            statements + "\n## Functions, types, operators\n\n| name | tests |\n|---|---|\n" + others +
+           "\n## What is refused\n\nT-SQL that the server takes and an account set does not: error 40510 "
+           "with "
+           "this name and the line, before the\nbatch runs where the text alone says it. Made from the "
+           "answers "
+           "of the tests.\n\n| name in the message | tests |\n|---|---|\n" +
+           refused +
            "\n## Over ODBC\n\n"
            "All of these tests run through an ODBC driver (FreeTDS) against the test server as well. What "
            "comes out\n"

@@ -129,7 +129,7 @@ class GeneratedBatchesTest : public EngineTest {
 
 TEST_F(GeneratedBatchesTest, Keep_what_holds_for_every_batch) {
     const std::uint32_t first = FromEnvironment("VICENTER_FIRST_SEED", 1);
-    const std::uint32_t count = FromEnvironment("VICENTER_GENERATED_BATCHES", 12);
+    const std::uint32_t count = FromEnvironment("VICENTER_GENERATED_BATCHES", 80);
     for (std::uint32_t seed = first; seed < first + count && !HasFailure(); ++seed) {
         const Statements batch = BatchGenerator(seed).Batch();
         Expect(seed, batch, [&](const Statements& part) { return PrintsBack(part); });

@@ -122,6 +122,35 @@ TEST(PrinterTest, HostScriptsPrintBackToTheSameTree) {
     }
 }
 
+// The text tests hold every statement that there is.
+TEST(PrinterTest, BatchesOfTheTextTestsPrintBackToTheSameTree) {
+    std::size_t printed = 0;
+    for (const fs::path& path : FilesBelow(testing_paths::SourceFolder() / "tests/tsql", ".test")) {
+        SCOPED_TRACE(path.string());
+        std::istringstream lines(ReadFile(path));
+        std::string batch;
+        bool inside = false;
+        for (std::string line; std::getline(lines, line);) {
+            if (!inside) {
+                inside = line == "batch" || line.starts_with("error ");
+                batch.clear();
+            } else if (line == "go") {
+                inside = false;
+                try {
+                    ParseBatch(batch);
+                } catch (const SqlError&) {
+                    continue;  // a test of an error of the text
+                }
+                ExpectPrintsBack(batch);
+                ++printed;
+            } else {
+                batch += line + "\n";
+            }
+        }
+    }
+    EXPECT_GT(printed, 300U);
+}
+
 TEST(PrinterTest, KeepsParenthesesThatMatter) {
     const std::vector<std::string> texts = {
         "select (1 + 2) * 3, 1 + 2 * 3, 1 - (2 - 3), -(1 + 2), - -1, -~+1, ~(1 | 2), (1 + 2) + 3, 1 + (2 + "

@@ -55,6 +55,10 @@ constexpr ErrorEntry kErrors[] = {
      "and (in some contexts) variables. Column names are not permitted."},
     {130, 16, kBatch,
      "Cannot perform an aggregate function on an expression containing an aggregate or a subquery."},
+    {132, 15, kBatch,
+     "The label '%.*ls' has already been declared. Label names must be unique within a query batch or stored "
+     "procedure."},
+    {133, 15, kBatch, "A GOTO statement references the label '%.*ls' but the label has not been declared."},
     {134, 15, kBatch,
      "The variable name '%.*ls' has already been declared. Variable names must be unique within a query "
      "batch or "
@@ -74,12 +78,14 @@ constexpr ErrorEntry kErrors[] = {
      "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING "
      "clause or a "
      "select list, and the column being aggregated is an outer reference."},
+    {148, 15, kBatch, "Incorrect time syntax in time string '%.*ls' used with WAITFOR."},
     {155, 15, kBatch, "'%.*ls' is not a recognized %ls option."},
     {156, 15, kBatch, "Incorrect syntax near the keyword '%.*ls'."},
     {157, 15, kBatch, "An aggregate may not appear in the set list of an UPDATE statement."},
     {164, 15, kBatch,
      "Each GROUP BY expression must contain at least one column that is not an outer reference."},
     {174, 15, kBatch, "The %.*ls function requires %d argument(s)."},
+    {177, 15, kBatch, "The IDENTITY function can only be used when the SELECT statement has an INTO clause."},
     {178, 15, kBatch, "A RETURN statement with a return value cannot be used in this context."},
     {179, 15, kBatch, "Cannot use the OUTPUT option when passing a constant to a stored procedure."},
     {180, 15, kBatch, "There are too many parameters in this %ls statement. The maximum number is %d."},
@@ -109,6 +115,9 @@ constexpr ErrorEntry kErrors[] = {
     {234, 16, kStatement, "There is insufficient result space to convert a %ls value to %ls."},
     {235, 16, kStatement, "Cannot convert a char value to money. The char value has incorrect syntax."},
     {239, 16, kBatch, "Duplicate common table expression name '%.*ls' was specified."},
+    {240, 16, kBatch,
+     "Types don't match between the anchor and the recursive part in column \"%.*ls\" of recursive query "
+     "\"%.*ls\"."},
     {241, 16, kBatch, "Conversion failed when converting date and/or time from character string."},
     {242, 16, kStatement,
      "The conversion of a %ls data type to a %ls data type resulted in an out-of-range value."},
@@ -116,6 +125,10 @@ constexpr ErrorEntry kErrors[] = {
      "The conversion of the %ls value '%.*ls' overflowed an %hs column. Use a larger integer column."},
     {245, 16, kBatch, "Conversion failed when converting the %ls value '%.*ls' to data type %ls."},
     {248, 16, kBatch, "The conversion of the %ls value '%.*ls' overflowed an int column."},
+    {252, 16, kBatch,
+     "Recursive common table expression '%.*ls' does not contain a top-level UNION ALL operator."},
+    {253, 16, kBatch,
+     "Recursive member of a common table expression '%.*ls' has multiple recursive references."},
     {257, 16, kBatch,
      "Implicit conversion from data type %ls to %ls is not allowed. Use the CONVERT function to run this "
      "query."},
@@ -147,7 +160,21 @@ constexpr ErrorEntry kErrors[] = {
     {306, 16, kBatch,
      "The text, ntext, and image data types cannot be compared or sorted, except when using IS NULL or LIKE "
      "operator."},
+    {313, 16, kBatch,
+     "An insufficient number of arguments were supplied for the procedure or function %.*ls."},
     {402, 16, kBatch, "The data types %s and %s are incompatible in the %s operator."},
+    {460, 16, kBatch,
+     "DISTINCT operator is not allowed in the recursive part of a recursive common table expression "
+     "'%.*ls'."},
+    {461, 16, kBatch,
+     "The TOP or OFFSET operator is not allowed in the recursive part of a recursive common table expression "
+     "'%.*ls'."},
+    {462, 16, kBatch,
+     "Outer join is not allowed in the recursive part of a recursive common table expression '%.*ls'."},
+    {465, 16, kBatch, "Recursive references are not allowed in subqueries."},
+    {467, 16, kBatch,
+     "GROUP BY, HAVING, or aggregate functions are not allowed in the recursive part of a recursive common "
+     "table expression '%.*ls'."},
     {468, 16, kBatch,
      "Cannot resolve the collation conflict between \"%.*ls\" and \"%.*ls\" in the %ls operation."},
     {506, 16, kStatement, "The invalid escape character \"%.*ls\" was specified in a %ls predicate."},
@@ -160,6 +187,8 @@ constexpr ErrorEntry kErrors[] = {
      "fails."},
     {517, 16, kStatement, "Adding a value to a '%ls' column caused an overflow."},
     {529, 16, kBatch, "Explicit conversion from data type %ls to %ls is not allowed."},
+    {530, 16, kStatement,
+     "The statement terminated. The maximum recursion %d has been exhausted before statement completion."},
     {535, 16, kStatement,
      "The %.*ls function resulted in an overflow. The number of dateparts separating two date/time instances "
      "is too "
@@ -190,6 +219,7 @@ constexpr ErrorEntry kErrors[] = {
      "The objects \"%.*ls\" and \"%.*ls\" in the FROM clause have the same exposed names. Use correlation "
      "names to "
      "distinguish them."},
+    {1031, 15, kBatch, "Percent values must be between 0 and 100."},
     {1033, 15, kBatch,
      "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common "
      "table "
@@ -202,6 +232,7 @@ constexpr ErrorEntry kErrors[] = {
      "to a valid name."},
     {1060, 15, kBatch,
      "The number of rows provided for a TOP or FETCH clauses row count parameter must be an integer."},
+    {1062, 15, kBatch, "The TOP N WITH TIES clause is not allowed without a corresponding ORDER BY clause."},
     {1087, 15, kBatch, "Must declare the table variable \"%.*ls\"."},
     {1088, 15, kBatch,
      "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
@@ -293,12 +324,18 @@ constexpr ErrorEntry kErrors[] = {
      "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back."},
     {4104, 16, kBatch, "The multi-part identifier \"%.*ls\" could not be bound."},
     {4108, 15, kBatch, "Windowed functions can only appear in the SELECT or ORDER BY clauses."},
+    {4112, 15, kBatch, "The function '%.*ls' must have an OVER clause with ORDER BY."},
+    {4113, 16, kBatch,
+     "The function '%.*ls' is not a valid windowing function, and cannot be used with the OVER clause."},
+    {4116, 16, kBatch, "The function 'ntile' takes only a positive int or bigint expression as its input."},
     {4145, 15, kBatch,
      "An expression of non-boolean type specified in a context where a condition is expected, near '%.*ls'."},
     {4151, 16, kBatch,
      "The type of the first argument to NULLIF cannot be the NULL constant because the type of the first "
      "argument "
      "has to be known."},
+    {4193, 16, kBatch, "'%.*ls' is not a valid window frame and cannot be used with the OVER clause."},
+    {4194, 16, kBatch, "RANGE is only supported with UNBOUNDED and CURRENT ROW window frame delimiters."},
     {4405, 16, kBatch,
      "View or function '%.*ls' is not updatable because the modification affects multiple base tables."},
     {4406, 16, kBatch,
@@ -370,10 +407,14 @@ constexpr ErrorEntry kErrors[] = {
     {8156, 16, kBatch, "The column '%.*ls' was specified multiple times for '%.*ls'."},
     {8158, 16, kBatch, "'%.*ls' has more columns than were specified in the column list."},
     {8159, 16, kBatch, "'%.*ls' has fewer columns than were specified in the column list."},
+    {8161, 16, kBatch,
+     "Argument 1 of the %.*ls function does not match any of the expressions in the GROUP BY clause."},
     {8162, 16, kBatch,
      "The formal parameter \"%.*ls\" was not declared as an OUTPUT parameter, but the actual parameter "
      "passed in "
      "requested output."},
+    {8167, 16, kBatch,
+     "The type of column \"%.*ls\" conflicts with the type of other columns specified in the UNPIVOT list."},
     {8169, 16, kBatch, "Conversion failed when converting from a character string to uniqueidentifier."},
     {8178, 16, kBatch,
      "The parameterized query '%.*ls' expects the parameter '%.*ls', which was not supplied."},
@@ -386,22 +427,51 @@ constexpr ErrorEntry kErrors[] = {
      "Support Services for more information."},
     {8624, 16, kBatch,
      "Internal Query Processor Error: The query processor could not produce a query plan. %ls"},
+    {8672, 16, kStatement,
+     "The MERGE statement attempted to UPDATE or DELETE the same row more than once. This happens when a "
+     "target row matches more than one source row. A MERGE statement cannot UPDATE/DELETE the same row of "
+     "the target table multiple times. Refine the ON clause to ensure a target row matches at most one "
+     "source row, or use the GROUP BY clause to group the source rows."},
+    {8730, 16, kBatch, "Offset parameter for Lag and Lead functions cannot be a negative value."},
     {9002, 17, kBatch, "The transaction log for database '%.*ls' is full due to '%ls'."},
     {10700, 16, kBatch, "The table-valued parameter \"%.*ls\" is READONLY and cannot be modified."},
+    {10703, 15, kBatch, "Too many grouping sets. The maximum number is 4096."},
     {10704, 15, kBatch,
      "To rethrow an error, a THROW statement must be used inside a CATCH block. Insert the THROW statement "
      "inside a "
      "CATCH block, or add error parameters to the THROW statement."},
     {10709, 16, kBatch, "The number of columns for each row in a table value constructor must be the same."},
+    {10711, 15, kBatch,
+     "An action of type '%S_MSG' is not allowed in the '%S_MSG' clause of a MERGE statement."},
+    {10713, 15, kBatch, "A MERGE statement must be terminated by a semi-colon (;)."},
     {10738, 15, kBatch,
      "The number of row value expressions in the INSERT statement exceeds the maximum allowed number of %d "
      "row "
      "values."},
+    {10741, 15, kBatch, "A TOP can not be used in the same query or sub-query as a OFFSET."},
     {10742, 15, kBatch, "The offset specified in a OFFSET clause may not be negative."},
     {10743, 15, kBatch, "The number of rows provided for an OFFSET clause must be an integer."},
     {10744, 15, kBatch, "The number of rows provided for a FETCH clause must be greater then zero."},
+    {10752, 15, kBatch, "The function '%.*ls' may not have a window frame."},
+    {10753, 15, kBatch, "The function '%.*ls' must have an OVER clause."},
+    {10756, 15, kBatch, "Window frame with ROWS or RANGE must have an ORDER BY clause."},
+    {10757, 15, kBatch, "The function '%.*ls' may not have a WITHIN GROUP clause."},
+    {10759, 15, kBatch, "Use of DISTINCT is not allowed with the OVER clause."},
     {15009, 11, kStatement,
      "The object '%.*ls' does not exist in database '%.*ls' or is invalid for this operation."},
+    {15197, 16, kStatement, "There is no text for object '%ls'."},
+    {15225, 11, kStatement,
+     "No item by the name of '%ls' could be found in the current database '%ls', given that @itemtype was "
+     "input as '%ls'."},
+    {15248, 11, kStatement,
+     "Either the parameter @objname is ambiguous or the claimed @objtype (%ls) is wrong."},
+    {15335, 11, kStatement,
+     "Error: The new name '%ls' is already in use as a %ls name and would cause a duplicate that is not "
+     "permitted."},
+    {15336, 16, kStatement,
+     "Object '%ls' cannot be renamed because the object participates in enforced dependencies."},
+    {15477, 10, kStatement,
+     "Caution: Changing any part of an object name could break scripts and stored procedures."},
     {16902, 16, kStatement, "%ls: The value of the parameter %ls is invalid."},
     {16905, 16, kStatement, "The cursor is already open."},
     {16911, 16, kStatement, "%ls: The fetch type %ls cannot be used with forward only cursors."},
@@ -413,6 +483,10 @@ constexpr ErrorEntry kErrors[] = {
      "Cursorfetch: The number of variables declared in the INTO list must match that of selected columns."},
     {16929, 16, kStatement, "The cursor is READ ONLY."},
     {16931, 16, kStatement, "There are no rows in the current fetch buffer."},
+    {16933, 16, kStatement,
+     "The cursor does not include the table being modified or the table is not updatable through the "
+     "cursor."},
+    {16947, 16, kStatement, "No rows were updated or deleted."},
     {16948, 16, kStatement,
      "The variable '%.*ls' is not a cursor variable, but it is used in a place where a cursor variable is "
      "expected."},

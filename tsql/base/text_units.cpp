@@ -51,4 +51,11 @@ std::string_view WithoutLeadingBlanks(std::string_view text) {
     return text::WithoutLeading(text, text::kSpace);
 }
 
+std::string UpperAscii(std::string_view mixed) {
+    std::string upper(mixed);
+    for (char& c : upper)
+        c = text::UpperAscii(c);
+    return upper;
+}
+
 }  // namespace vicenter::tsql::engine

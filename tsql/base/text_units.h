@@ -22,5 +22,6 @@ std::string_view TailUnits(std::string_view text, std::size_t units);
 std::string_view WithoutTrailingBlanks(std::string_view text);
 std::string_view WithoutLeadingBlanks(std::string_view text);
 using text::LowerAscii;
+std::string UpperAscii(std::string_view text);
 
 }  // namespace vicenter::tsql::engine

@@ -350,44 +350,11 @@ const ModuleInfo* Catalog::FindProcedure(std::string_view name) const {
     return found == procedures_.end() ? nullptr : &found->second;
 }
 
-bool Catalog::HasConstraint(std::string_view name) const {
-    for (const auto& [key, table] : tables_) {
-        for (const KeyInfo& entry : table->keys) {
-            if (entry.IsConstraint() && SameName(entry.name, name)) return true;
-        }
-        for (const ForeignKeyInfo& entry : table->foreignKeys) {
-            if (SameName(entry.name, name)) return true;
-        }
-        for (const CheckInfo& entry : table->checks) {
-            if (SameName(entry.name, name)) return true;
-        }
-        for (const ColumnInfo& entry : table->columns) {
-            if (!entry.defaultName.empty() && SameName(entry.defaultName, name)) return true;
-        }
-    }
-    return false;
-}
-
 std::vector<const TableInfo*> Catalog::Tables() const {
     std::vector<const TableInfo*> result;
     for (const auto& [key, table] : tables_)
         result.push_back(table.get());
     return result;
-}
-
-std::optional<std::int64_t> Catalog::ObjectId(std::string_view name, std::string_view type) const {
-    const std::string wanted = LowerAscii(WithoutTrailingBlanks(type));
-    const std::string key = LowerAscii(name);
-    if (wanted.empty() || wanted == "u") {
-        if (const TableInfo* table = FindTable(key)) return table->id;
-    }
-    if (wanted.empty() || wanted == "v") {
-        if (const ModuleInfo* view = FindView(key)) return view->id;
-    }
-    if (wanted.empty() || wanted == "p") {
-        if (const ModuleInfo* procedure = FindProcedure(key)) return procedure->id;
-    }
-    return std::nullopt;
 }
 
 std::int64_t Catalog::LastIdentity(const TableInfo& table) {

@@ -124,8 +124,18 @@ class Catalog {
     const TableInfo* FindTable(std::string_view name) const;
     const ModuleInfo* FindView(std::string_view name) const;
     const ModuleInfo* FindProcedure(std::string_view name) const;
-    // A constraint of any table, or nothing.
-    bool HasConstraint(std::string_view name) const;
+    // What bears a number: a table, view or procedure, or a constraint of a table.
+    struct Object {
+        const TableInfo* table = nullptr;    // or the one that the constraint belongs to
+        const ModuleInfo* module = nullptr;  // of a view or procedure
+        std::string_view kind;               // "U", "V", "P", "PK", "UQ", "F", "C", "D"
+        std::string name;
+        std::string text;  // of a module, a default or a check
+    };
+    std::optional<Object> FindObject(std::int64_t id) const;
+    // Constraints have numbers below zero, made of their table's and their own place in it.
+    std::optional<std::int64_t> ConstraintId(std::string_view name, std::string_view type) const;
+    bool HasConstraint(std::string_view name) const { return ConstraintId(name, {}).has_value(); }
     std::vector<const TableInfo*> Tables() const;
     // The id of a table, view or procedure, or nothing. type is as in OBJECT_ID: "U", "V", "P" or empty.
     std::optional<std::int64_t> ObjectId(std::string_view name, std::string_view type) const;
@@ -140,6 +150,11 @@ class Catalog {
     // Makes the indexes of a table's keys that depend on which columns may be NULL anew.
     void RemakeNullIndexes(const TableInfo& table);
     void DropIndex(const TableInfo& table, const std::string& key);
+    // What refers to them by a key follows; texts stay as they are.
+    void RenameTable(const TableInfo& table, const std::string& name);
+    void RenameColumn(const TableInfo& table, const std::string& from, const std::string& to);
+    void RenameConstraint(const TableInfo& table, const std::string& from, const std::string& to);
+    void RenameModule(const std::string& from, const std::string& to);
     void WriteModule(char kind, const std::string& name, const std::string& text);
     void DropModule(char kind, const std::string& name);
 
@@ -157,6 +172,8 @@ class Catalog {
     std::int64_t Version();
     std::int64_t WriteTable(const TableInfo& table);
     void MakeIndex(const TableInfo& table, const KeyInfo& key);
+    void DropPhysicalIndexes(const TableInfo& table);
+    void MakePhysicalIndexes(const TableInfo& table);
     void Touch();
     void TellSqlite();
 

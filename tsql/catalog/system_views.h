@@ -2,6 +2,7 @@
 
 // The server's own views: what scripts ask whether something exists. Constant data, readable from anywhere.
 
+#include <string>
 #include <vector>
 
 #include "tsql/syntax/ast_expression.h"
@@ -11,9 +12,11 @@ namespace vicenter::tsql::engine {
 
 // A view of the server's own catalog: its rows as SQLite SQL, and their columns.
 struct SystemView {
-    const char* sql;
+    std::string sql;
     std::vector<ResultColumn> columns;
 };
 const SystemView* FindSystemView(const ObjectName& name);
+// A view of the server's that there is not: it is refused by its name, where an unknown one is an error.
+bool IsServerView(const ObjectName& name);
 
 }  // namespace vicenter::tsql::engine

@@ -1,7 +1,9 @@
 // Aggregates that SQLite has not, or has with other rules: exact sums, averages of the argument's type, and
 // the one value of a scalar subquery. Each takes one argument, so that DISTINCT works on them.
 
+#include <deque>
 #include <new>
+#include <numeric>
 #include <string>
 
 #include "tsql/functions/call.h"
@@ -20,6 +22,9 @@ struct SumState {
     Decimal sum;
     double real;
     std::int64_t count;
+    // The numbers of a frame: what leaves it cannot be taken off a rounded sum again.
+    std::deque<double> reals;
+    bool isStale;
 };
 
 FunctionServices& ServicesOf(sqlite3_context* context) {
@@ -31,7 +36,7 @@ SumState* StateOf(sqlite3_context* context) {
     constexpr int kPointerBytes = sizeof(void*);
     auto** slot = static_cast<SumState**>(sqlite3_aggregate_context(context, kPointerBytes));
     if (slot == nullptr) throw std::bad_alloc();
-    if (*slot == nullptr) *slot = new SumState{true, Decimal(), 0, 0};
+    if (*slot == nullptr) *slot = new SumState{true, Decimal(), 0, 0, {}, false};
     return *slot;
 }
 
@@ -42,7 +47,14 @@ void SumStep(sqlite3_context* context, int, sqlite3_value** arguments) {
         SumState& state = *StateOf(context);
         state.count += Sign;
         if constexpr (Kind == SumKind::kReal) {
-            state.real += Sign * sqlite3_value_double(arguments[0]);
+            const double number = sqlite3_value_double(arguments[0]);
+            if (Sign > 0) {
+                state.real += number;
+                state.reals.push_back(number);
+            } else {
+                state.reals.pop_front();
+                state.isStale = true;
+            }
         } else {
             const Decimal number = FunctionCall(context, 1, arguments).Number(0);
             state.sum = Sign > 0 ? Decimal::Add(state.sum, number) : Decimal::Subtract(state.sum, number);
@@ -51,9 +63,11 @@ void SumStep(sqlite3_context* context, int, sqlite3_value** arguments) {
 }
 
 template <SumKind Kind, bool Average>
-void ReturnSum(sqlite3_context* context, const SumState& state) {
+void ReturnSum(sqlite3_context* context, SumState& state) {
     const FunctionCall call(context, 0, nullptr);
     if constexpr (Kind == SumKind::kReal) {
+        if (state.isStale) state.real = std::accumulate(state.reals.begin(), state.reals.end(), 0.0);
+        state.isStale = false;
         call.Return(Average ? state.real / static_cast<double>(state.count) : state.real);
     } else if constexpr (Kind == SumKind::kDecimal || Kind == SumKind::kMoney) {
         if constexpr (Average) {
@@ -209,8 +223,12 @@ Bound BindSum(Binding& call) {
             return {sql, SqlType::Decimal(kMaxPrecision, scale)};
         }
         const SqlType type = SqlType::Of(TypeKind::kMoney);
-        return {kConvertCall.Call({sql, Code(SqlType::Decimal(kMaxPrecision, kScale)), Code(type), "0"}),
-                type};
+        // The call by its two ends.
+        const std::string mark = "?";
+        const std::string converted =
+            kConvertCall.Call({mark, Code(SqlType::Decimal(kMaxPrecision, kScale)), Code(type), "0"});
+        const std::size_t at = converted.find(mark);
+        return {sql, type, false, converted.substr(0, at), converted.substr(at + mark.size())};
     }
     const std::string argument = Distinct(call) + call.Plain(0);
     if (from.IsFloat()) return {(Average ? kAvgReal : kSumReal).Call({argument}), SqlType::Float()};
@@ -219,20 +237,12 @@ Bound BindSum(Binding& call) {
     return {(Average ? kAvgInt : kSumInt).Call({argument}), SqlType::Int()};
 }
 
-// SQLite's own window functions.
-Bound BindNumber(Binding& call) {
-    return {call.Name() + "()", SqlType::Of(TypeKind::kBigInt)};
-}
-
 constexpr FunctionEntry kEntries[] = {
     {"avg", 1, 1, BindSum<true>, nullptr, FunctionKind::kAggregate},
     {"count", 1, 1, BindCount<TypeKind::kInt>, nullptr, FunctionKind::kAggregate, 0, true},
     {"count_big", 1, 1, BindCount<TypeKind::kBigInt>, nullptr, FunctionKind::kAggregate, 0, true},
-    {"dense_rank", 0, 0, BindNumber, nullptr, FunctionKind::kWindow},
     {"max", 1, 1, BindMaxMin, nullptr, FunctionKind::kAggregate},
     {"min", 1, 1, BindMaxMin, nullptr, FunctionKind::kAggregate},
-    {"rank", 0, 0, BindNumber, nullptr, FunctionKind::kWindow},
-    {"row_number", 0, 0, BindNumber, nullptr, FunctionKind::kWindow},
     {"string_agg", 2, 2, BindStringAgg, &kStringAgg, FunctionKind::kAggregate},
     {"sum", 1, 1, BindSum<false>, nullptr, FunctionKind::kAggregate},
 };

@@ -65,6 +65,7 @@ class FunctionCall {
         sqlite3_result_text64(context_, at, text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     }
     void Return(const Decimal& value) const { Return(std::string_view(StoredDecimal(value))); }
+    sqlite3_context* Context() const { return context_; }
 
   private:
     sqlite3_context* context_;

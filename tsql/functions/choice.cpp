@@ -2,6 +2,7 @@
 
 #include "tsql/base/error_table.h"
 #include "tsql/functions/function.h"
+#include "tsql/types/convert.h"
 
 namespace vicenter::tsql::engine {
 
@@ -12,7 +13,15 @@ Bound BindIsNull(Binding& call) {
     call.Pin(0);
     const SqlType type = call.Type(0).IsUnknown() ? call.Type(1) : call.Type(0);
     const std::string first = call.As(0, type);
-    return {"ifnull(" + first + ", " + call.As(1, type) + ")", type};
+    const SqlType& other = call.Type(1);
+    if (other.IsUnknown() || SameRepresentation(other, type) || call.Literal(1) == nullptr)
+        return {"ifnull(" + first + ", " + call.As(1, type) + ")", type};
+    // What takes the place of NULL becomes a value of the first type only where it does: isnull(0.5, 1) is
+    // 0.5, though 1 is no decimal(1,1). A literal by itself would be converted before.
+    call.Pin(1);
+    CheckConversion(other, type, false);
+    return {"ifnull(" + first + ", " + kConvertCall.Call({call.Plain(1), Code(other), Code(type), "0"}) + ")",
+            type};
 }
 
 Bound BindCoalesce(Binding& call) {
@@ -44,7 +53,21 @@ Bound BindIif(Binding& call) {
     return {"(CASE WHEN " + condition + " THEN " + yes + " ELSE " + call.As(2, type) + " END)", type};
 }
 
+// CHOOSE(n, a, b, …): the n-th of them, NULL for any other n.
+Bound BindChoose(Binding& call) {
+    SqlType type;
+    for (std::size_t i = 1; i < call.Count(); ++i) {
+        call.Pin(i);
+        type = CommonType(type, call.Type(i));
+    }
+    std::string sql = "(CASE " + call.Int(0);
+    for (std::size_t i = 1; i < call.Count(); ++i)
+        sql += " WHEN " + std::to_string(i) + " THEN " + call.As(i, type);
+    return {sql + " END)", type};
+}
+
 constexpr FunctionEntry kEntries[] = {
+    {"choose", 2, kManyArguments, BindChoose},
     {"coalesce", 2, kManyArguments, BindCoalesce},
     {"iif", 3, 3, BindIif, nullptr, FunctionKind::kScalar, 1},
     {"isnull", 2, 2, BindIsNull},

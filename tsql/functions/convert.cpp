@@ -55,14 +55,13 @@ void MemberFunction(FunctionCall& call) {
     if (!call.IsNull(0)) call.Return(WithoutLoneBlank(call.Collation(), call.Text(0)));
 }
 
-// ts_row_count(number, limit)
-void RowCountFunction(FunctionCall& call) {
-    const auto limit = static_cast<RowLimit>(call.Int(1));
-    if (call.IsNull(0)) throw MakeError(limit == RowLimit::kOffset ? 10743 : 1060, {});
-    const std::int64_t number = call.Int(0);
-    if (limit == RowLimit::kFetch && number < 1) throw MakeError(10744, {});
-    if (number < 0) throw MakeError(limit == RowLimit::kOffset ? 10742 : 127, {});
-    call.Return(number);
+// ts_bytes(bytes)
+void BytesFunction(FunctionCall& call) {
+    if (call.IsNull(0)) return;
+    std::string_view bytes = call.Text(0);
+    while (!bytes.empty() && bytes.back() == '\0')
+        bytes.remove_suffix(1);
+    sqlite3_result_blob64(call.Context(), bytes.empty() ? "" : bytes.data(), bytes.size(), SQLITE_TRANSIENT);
 }
 
 // ts_plain(number): the one text of a decimal, for sets whose decimals are not yet kept by it
@@ -84,16 +83,16 @@ constexpr SqlFunction kPlain = Scalar<PlainFunction>("ts_plain", 1);
 constexpr SqlFunction kFail = Scalar<FailFunction>("ts_fail", 1, false);
 
 constexpr const SqlFunction* kOthers[] = {
-    &kConvertCall,      &kTryConvertCall, &kPutCall,      &kNullCheck, &kVariableCall,
-    &kNextIdentityCall, &kMemberCall,     &kRowCountCall, &kPlain,     &kFail};
+    &kConvertCall,      &kTryConvertCall, &kPutCall,   &kNullCheck, &kVariableCall,
+    &kNextIdentityCall, &kMemberCall,     &kBytesCall, &kPlain,     &kFail};
 
 }  // namespace
 
 const SqlFunction kConvertCall = Scalar<ConvertFunction>("ts_conv", 4);
 const SqlFunction kTryConvertCall = Scalar<TryConvertFunction>("ts_try_conv", 4);
 const SqlFunction kPutCall = Scalar<PutFunction>("ts_put", 8, false);
+const SqlFunction kBytesCall = Scalar<BytesFunction>("ts_bytes", 1);
 const SqlFunction kMemberCall = Scalar<MemberFunction>("ts_member", 1);
-const SqlFunction kRowCountCall = Scalar<RowCountFunction>("ts_row_count", 2);
 const SqlFunction kVariableCall = Scalar<VariableFunction>("ts_variable", 2, false);
 const SqlFunction kNextIdentityCall = Scalar<NextIdentityFunction>("ts_next_identity", 0, false);
 

@@ -61,9 +61,12 @@ int Binding::LiteralInt(std::size_t i, int otherwise) {
 
 namespace {
 
-std::array<FunctionSet, 9> Sets() {
-    return {AggregateFunctions(), ChoiceFunctions(), ConversionFunctions(), DateFunctions(), MathFunctions(),
-            MeasureFunctions(),   SearchFunctions(), SystemFunctions(),     TextFunctions()};
+std::array<FunctionSet, 19> Sets() {
+    return {AggregateFunctions(),   CatalogFunctions(),  ChoiceFunctions(),    ConversionFunctions(),
+            DateBuildFunctions(),   DateFunctions(),     DeviationFunctions(), FormatFunctions(),
+            HashFunctions(),        LimitFunctions(),    MathFunctions(),      MeasureFunctions(),
+            OrderedTextFunctions(), RowFunctions(),      SearchFunctions(),    SystemFunctions(),
+            TextFunctions(),        TextPartFunctions(), WindowFunctions()};
 }
 
 }  // namespace

@@ -41,6 +41,9 @@ struct Bound {
     std::string sql;
     SqlType type;
     bool isSystem = false;
+    // What is done with the value of an aggregate: the text around its call and the OVER behind that.
+    std::string before = {};
+    std::string behind = {};
 };
 
 class Binding;
@@ -57,7 +60,8 @@ struct FunctionEntry {
     FunctionKind kind = FunctionKind::kScalar;
     // Arguments from here on are values; those before it are words or conditions.
     std::size_t firstValue = 0;
-    bool takesStar = false;  // f(*) in place of an argument
+    bool takesStar = false;   // f(*) in place of an argument
+    bool takesFrame = false;  // of a window function: OVER (… ROWS …); aggregates take one anyway
 };
 
 // For functions that take any number of arguments.
@@ -121,6 +125,8 @@ std::string Code(const SqlType& type);
 // All functions of the dialect, and the one of a name in lower case.
 std::vector<const FunctionEntry*> AllFunctions();
 const FunctionEntry* FindFunction(std::string_view name);
+// A function of the server's that there is not, by its name in lower case.
+bool IsServerFunction(std::string_view name);
 // What is registered with every connection.
 std::vector<const SqlFunction*> AllSqlFunctions();
 
@@ -132,6 +138,8 @@ extern const SqlFunction kPutCall;         // (value, from, to, nullable, table,
 // SQLite 3.40 takes its own table for damaged: they are equal, and their records have different lengths in
 // cells of one size. Only they can be so, since shorter records than these have no text.
 extern const SqlFunction kMemberCall;
+extern const SqlFunction
+    kBytesCall;  // (bytes): without zeros at the end, which count as nothing when compared
 // (number, RowLimit): the number; the errors of the server for NULL and for one that cannot be.
 enum class RowLimit { kTop, kOffset, kFetch };
 extern const SqlFunction kRowCountCall;
@@ -145,6 +153,18 @@ extern const SqlFunction kDatePlusCall;      // (date, days, sign)
 extern const SqlFunction kLikeCall;          // (text, pattern[, escape])
 extern const SqlFunction kUnicodeLikeCall;   // the same; trailing blanks count
 extern const SqlFunction kSingleCall;        // (value): of the only row, error 512 for a second one
+extern const SqlFunction kAtLeastCall;    // (number, least, error): the number; the error for a smaller one
+extern const SqlFunction kPercentCall;    // (rows, percent): how many rows TOP … PERCENT takes
+extern const SqlFunction kRecursionCall;  // (level, most): the level below; error 530 beyond the most
+extern const SqlFunction kSomeRowsCall;   // (row, name): -1; error 40510 of that name when the row is NULL
+extern const SqlFunction kRefuseCall;     // (name): error 40510 when it is evaluated
+// Rows as one value and back: an aggregate of rows, and a table of its columns c1, c2, …; so a subquery can
+// refer to the row that it is joined to.
+extern const SqlFunction kOrderedTextsCall;  // (text, separator, kinds, key, …): STRING_AGG in an order
+extern const SqlFunction kPackCall;          // (value, …)
+extern const SqlFunction kSplitCall;         // (text, separator): one column, a row for each part
+inline constexpr const char* kRowsTable = "ts_rows";
+inline constexpr int kMostPackedColumns = 200;
 
 // The functions of one source, and what it registers besides.
 struct FunctionSet {
@@ -152,13 +172,23 @@ struct FunctionSet {
     std::span<const SqlFunction* const> others;
 };
 FunctionSet AggregateFunctions();
+FunctionSet CatalogFunctions();
 FunctionSet ChoiceFunctions();
 FunctionSet ConversionFunctions();
+FunctionSet DateBuildFunctions();
 FunctionSet DateFunctions();
+FunctionSet DeviationFunctions();
+FunctionSet FormatFunctions();
+FunctionSet HashFunctions();
+FunctionSet LimitFunctions();
 FunctionSet MathFunctions();
 FunctionSet MeasureFunctions();
 FunctionSet SearchFunctions();
+FunctionSet OrderedTextFunctions();
 FunctionSet SystemFunctions();
+FunctionSet RowFunctions();
 FunctionSet TextFunctions();
+FunctionSet TextPartFunctions();
+FunctionSet WindowFunctions();
 
 }  // namespace vicenter::tsql::engine

@@ -71,6 +71,7 @@ void RegisterFunctions(sqlite3* database, FunctionServices& services) {
                                 nullptr);
     sqlite3_create_collation_v2(database, kNumberCollationName, SQLITE_UTF8, nullptr, CompareNumberValues,
                                 nullptr);
+    RegisterRows(database);
     for (const SqlFunction* body : AllSqlFunctions()) {
         const int flags = SQLITE_UTF8 | (body->deterministic ? SQLITE_DETERMINISTIC : 0);
         if (body->value != nullptr) {

@@ -24,6 +24,12 @@ struct FunctionServices {
     const TextCollation* collation = nullptr;
     std::function<Value(std::string_view name, std::string_view type)> objectId;
     std::function<Value(std::string_view table, std::string_view column)> columnLength;
+    // What the catalog says of an object or of a column of one, by its number; NULL where there is none.
+    std::function<Value(std::int64_t id)> objectName;
+    std::function<Value(std::int64_t id)> objectText;
+    std::function<Value(std::int64_t id, std::string_view property)> objectProperty;
+    std::function<Value(std::int64_t id, std::string_view column, std::string_view property)> columnProperty;
+    std::function<Value(std::int64_t id, std::int64_t number)> columnName;
     std::function<Value(std::string_view variable)> variable;
 
     std::function<std::int64_t()> nextIdentity;
@@ -40,6 +46,9 @@ struct FunctionServices {
     void RememberKey(std::string_view column, std::string text);
     const std::string* FindKey(std::string_view column) const;
 };
+
+// The table ts_rows, see kRowsTable.
+int RegisterRows(sqlite3* database);
 
 // Registers everything with one connection.
 void RegisterFunctions(sqlite3* database, FunctionServices& services);

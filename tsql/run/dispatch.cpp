@@ -24,6 +24,7 @@ bool CountsRows(StatementKind kind) {
         case StatementKind::kInsert:
         case StatementKind::kUpdate:
         case StatementKind::kDelete:
+        case StatementKind::kMerge:
         case StatementKind::kFetch:
             return true;
         default:
@@ -64,6 +65,7 @@ const Executor::Handler& Executor::HandlerOf(StatementKind kind) {
         {K::kInsert, {Handler::With<&Executor::Insert, InsertStatement>}},
         {K::kUpdate, {Handler::With<&Executor::Update, UpdateStatement>}},
         {K::kDelete, {Handler::With<&Executor::Delete, DeleteStatement>}},
+        {K::kMerge, {Handler::With<&Executor::Merge, MergeStatement>}},
         {K::kTruncate, {Handler::With<&Executor::Truncate, TruncateStatement>}},
 
         {K::kCreateTable, {Handler::With<&Executor::CreateTable, CreateTableStatement>}},
@@ -91,6 +93,9 @@ const Executor::Handler& Executor::HandlerOf(StatementKind kind) {
         {K::kBreak, {Handler::Only<Flow::kBreak>, After::kLeaves}},
         {K::kContinue, {Handler::Only<Flow::kContinue>, After::kLeaves}},
         {K::kReturn, {Handler::With<&Executor::Return, ReturnStatement>, After::kLeaves}},
+        {K::kGoto, {Handler::With<&Executor::Goto, GotoStatement>, After::kLeaves}},
+        {K::kLabel, {Handler::Only<Flow::kNext>, After::kLeaves}},
+        {K::kWaitFor, {Handler::With<&Executor::WaitFor, WaitForStatement>, After::kForgets}},
         {K::kTryCatch, {Handler::With<&Executor::TryCatch, TryCatchStatement>, After::kLeaves}},
 
         {K::kPrint, {Handler::With<&Executor::Print, PrintStatement>, After::kForgets}},

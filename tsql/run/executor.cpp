@@ -1,5 +1,6 @@
 #include "tsql/run/executor.h"
 
+#include <algorithm>
 #include <charconv>
 #include <new>
 #include <utility>
@@ -25,27 +26,7 @@ Executor::Executor(Database& database, Catalog& catalog, FunctionServices& servi
       options_(options),
       transactions_(database, catalog, options.batchTransactions, options.readOnly) {
     setOptions_.lockTimeoutMilliseconds = options_.lockTimeoutMilliseconds;
-    services_.objectId = [this](std::string_view name, std::string_view type) {
-        // Of a name in several parts the last one counts, without its brackets.
-        const std::size_t dot = name.rfind('.');
-        std::string_view object = dot == std::string_view::npos ? name : name.substr(dot + 1);
-        if (object.size() > 1 && object.front() == '[' && object.back() == ']') {
-            object = object.substr(1, object.size() - 2);
-        }
-        const auto id = catalog_.ObjectId(object, type);
-        if (!id && catalog_.HasConstraint(object) && (type.empty() || LowerAscii(type) != "u"))
-            return Value(1);
-        return id ? Value(*id) : Value();
-    };
-    // COL_LENGTH counts bytes, of which a Unicode character has two.
-    services_.columnLength = [this](std::string_view table, std::string_view column) {
-        const TableInfo* found = FindTable(table);
-        const ColumnInfo* entry = found != nullptr ? found->FindColumn(column) : nullptr;
-        if (entry == nullptr) return Value();
-        const SqlType& type = entry->type;
-        if (type.IsMax() || type.length == 0) return Value(type.IsMax() ? -1 : 8);
-        return Value(type.IsUnicode() ? type.length * 2 : type.length);
-    };
+    ServeFacts();
     services_.variable = [this](std::string_view name) { return FindVariable(name, {}).value; };
     // Called for each row while SQLite runs the INSERT, so that INSERT … SELECT numbers its rows in their
     // order.
@@ -177,13 +158,7 @@ void Executor::RunBatch(std::string_view batch) {
     RunIn(frame, [&] {
         // A variable is there from the batch's beginning, whichever branch it is declared in.
         DeclareAll(run.program->statements);
-        for (const ProgramItem& item : run.program->items) {
-            if (item.literalCount > 0) {
-                RunRepeated(item);
-            } else if (RunStatement(*item.statement) == Flow::kReturn) {
-                break;
-            }
-        }
+        RunItems(*run.program);
     });
 }
 
@@ -224,12 +199,39 @@ void Executor::RunRepeated(const ProgramItem& item) {
     frame_->program = outer;
 }
 
-Flow Executor::RunList(const std::vector<StatementPtr>& statements) {
-    for (const StatementPtr& statement : statements) {
-        const Flow flow = RunStatement(*statement);
-        if (flow != Flow::kNext) return flow;
+template <class Items, class Each>
+Flow Executor::RunWithLabels(const Items& items, Each run) {
+    const auto& statementOf = [](const auto& item) -> const Statement& {
+        if constexpr (std::is_same_v<std::decay_t<decltype(item)>, ProgramItem>) {
+            return *item.statement;
+        } else {
+            return *item;
+        }
+    };
+    for (std::size_t at = 0; at < items.size();) {
+        const Flow flow = run(items[at]);
+        ++at;
+        if (flow == Flow::kNext) continue;
+        if (flow != Flow::kGoto) return flow;
+        const auto label = std::find_if(items.begin(), items.end(),
+                                        [&](const auto& item) { return IsWantedLabel(statementOf(item)); });
+        if (label == items.end()) return flow;
+        at = static_cast<std::size_t>(label - items.begin()) + 1;
     }
     return Flow::kNext;
+}
+
+Flow Executor::RunList(const std::vector<StatementPtr>& statements) {
+    return RunWithLabels(statements,
+                         [this](const StatementPtr& statement) { return RunStatement(*statement); });
+}
+
+Flow Executor::RunItems(const Program& program) {
+    return RunWithLabels(program.items, [this](const ProgramItem& item) {
+        if (item.literalCount == 0) return RunStatement(*item.statement);
+        RunRepeated(item);
+        return Flow::kNext;
+    });
 }
 
 Flow Executor::RunStatement(const Statement& statement) {

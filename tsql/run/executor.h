@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -26,12 +27,14 @@
 
 namespace vicenter::tsql::engine {
 
+struct SystemProcedure;
+
 // The error that ends a batch which is stopped from outside.
 inline constexpr std::int32_t kCancelledBatch = 3617;
 inline constexpr std::int32_t kInsufficientMemory = 701;
 
 // What follows a statement.
-enum class Flow { kNext, kBreak, kContinue, kReturn };
+enum class Flow { kNext, kBreak, kContinue, kReturn, kGoto };
 
 // What ends a batch, or what TRY … CATCH takes: the error has been completed.
 struct Abort {
@@ -58,6 +61,7 @@ class Executor {
     void EndStopping(ExecutionReport& report, bool& failed);
     void RunBatch(std::string_view batch);
     Flow RunList(const std::vector<StatementPtr>& statements);
+    Flow RunItems(const Program& program);
     Flow RunStatement(const Statement& statement);
     Flow Dispatch(const Statement& statement);  // dispatch.cpp
     void EndStatement(const Statement& statement);
@@ -89,6 +93,7 @@ class Executor {
     }
     const TableInfo* FindTable(std::string_view name) const { return frame_->FindTable(catalog_, name); }
     Value SystemValue(std::string_view name) const;  // system_value.cpp
+    void ServeFacts();                               // catalog_facts.cpp
 
     // plan.cpp: plans and their parameters
     using Make = std::function<Translation(Translator&)>;
@@ -141,6 +146,25 @@ class Executor {
     void KeepIdentity(const TableInfo& table);
     void KeepGivenIdentity(const TableInfo& table);
     void TellIdentity(std::int64_t last);
+    struct MergeChanges {
+        struct Row {
+            std::int64_t row = 0;
+            std::vector<std::string> columns;
+            std::vector<Value> values;
+        };
+        const TableInfo* table = nullptr;
+        std::set<std::int64_t> seen;
+        std::vector<Row> deleted;
+        std::vector<Row> updated;
+        std::vector<Row> anew;  // updated in a key: deleted and inserted
+        std::vector<Row> inserted;
+    };
+    void Merge(const MergeStatement& statement);
+    void CheckMergeable(const TableInfo& table, const MergeStatement& statement) const;
+    void CollectMerge(Plan& plan, MergeChanges& changes);
+    void ApplyMerge(const Plan& plan, const MergeChanges& changes);
+    void RunMergeRow(const Plan& plan, const TableInfo& table, const MergeChanges::Row& change,
+                     const std::string& sql);
     void Truncate(const TruncateStatement& statement);
     void CreateTable(const CreateTableStatement& statement);
     void AlterTable(const AlterTableStatement& statement);
@@ -164,6 +188,7 @@ class Executor {
     void SetCursor(const SetCursorStatement& statement);
     void OpenCursor(const OpenCursorStatement& statement);
     void Fetch(const FetchStatement& statement);
+    void TakeCurrentRow(const Name& name, const ObjectName& target);
     void CloseCursor(const CloseCursorStatement& statement);
     void Deallocate(const DeallocateStatement& statement);
     std::shared_ptr<Cursor> MakeCursor(const std::string& name, const CursorDefinition& definition);
@@ -172,14 +197,27 @@ class Executor {
     Flow If(const IfStatement& statement);
     Flow While(const WhileStatement& statement);
     Flow Return(const ReturnStatement& statement);
+    Flow Goto(const GotoStatement& statement);
+    bool IsWantedLabel(const Statement& statement) const;
+    // Runs items from the first on, and from a label on when one of them jumps there.
+    template <class Items, class Each>
+    Flow RunWithLabels(const Items& items, Each run);
+    void WaitFor(const WaitForStatement& statement);
     Flow TryCatch(const TryCatchStatement& statement);
     void Print(const PrintStatement& statement);
     void Raiserror(const RaiserrorStatement& statement);
+    [[noreturn]] void RaiseKnown(std::int32_t number, const RaiserrorStatement& statement);
     void Throw(const ThrowStatement& statement);
     void Execute(const ExecuteStatement& statement);
     void ExecuteText(const ExecuteTextStatement& statement);
     void ExecuteSql(const ExecuteStatement& statement);
     void CallProcedure(const ExecuteStatement& statement, const std::string& name);
+    void CallSystemProcedure(const SystemProcedure& system, const ExecuteStatement& statement);
+    // The work of sp_rename and sp_spaceused, whose arguments are the frame's variables.
+    void Rename();
+    void RenameColumn(const TableInfo& table, const std::string& name, const std::string& fresh);
+    void SpaceUsed();
+    std::int64_t NumberOf(const std::string& sql, std::string_view name);
     void BindArguments(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
                        std::size_t firstArgument, Frame& callee);
     void RunProcedure(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
@@ -196,6 +234,7 @@ class Executor {
     void AddForeignKey(TableInfo& table, const Constraint& constraint);
     static std::vector<std::string> KeyColumns(TableInfo& table, const Constraint& constraint,
                                                bool makeNotNull);
+    void RefuseKeyOfBytes(const TableInfo& table, const KeyInfo& key, Position where) const;
     // Makes a key of an existing table; error 1505 when its rows do not allow it.
     void MakeKey(const TableInfo& table, const KeyInfo& key, Position position);
     std::string FirstDuplicate(const TableInfo& table, const KeyInfo& key);
@@ -220,7 +259,9 @@ class Executor {
     bool toUndo_ = false;            // a failed batch is still to be undone: there was no memory for it
     SetOptions setOptions_;          // between batches; while one runs, its frame's count
     int tryDepth_ = 0;
-    bool unbound_ = false;  // the error on its way was found while a statement was translated
+    std::string label_;            // that a GOTO is on its way to
+    std::int64_t currentRow_ = 0;  // of the cursor that UPDATE or DELETE names
+    bool unbound_ = false;         // the error on its way was found while a statement was translated
     std::int64_t rowCount_ = 0;
     std::int32_t lastError_ = 0;
     std::int32_t fetchStatus_ = 0;

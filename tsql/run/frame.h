@@ -33,6 +33,9 @@ struct Cursor {
     std::int64_t position = -1;
     bool open = false;
     bool scroll = true;
+    // Of a query of one table: that table, and the numbers of the rows, for WHERE CURRENT OF.
+    std::int64_t table = 0;
+    std::vector<std::int64_t> rowNumbers;
 };
 
 struct Variable {
@@ -58,6 +61,7 @@ struct Frame {
     std::map<std::string, std::shared_ptr<Cursor>> cursors;
     std::vector<std::string> temporaries;  // dropped at the end
     std::string procedure;
+    bool isSystem = false;  // one of the server's own procedures
     std::int64_t procedureId = 0;
     std::int64_t returnValue = 0;
     std::int32_t lineBase = 0;

@@ -15,6 +15,7 @@ Value AsDecimal(const Value& identity) {
 }  // namespace
 
 Value Executor::SystemValue(std::string_view name) const {
+    if (name == "current row") return Value(currentRow_);
     if (name == "@@rowcount") return Value(rowCount_);
     if (name == "@@error") return Value(std::int64_t{lastError_});
     if (name == "@@fetch_status") return Value(std::int64_t{fetchStatus_});

@@ -4,6 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
+#include "tsql/run/system_procedures.h"
 
 namespace vicenter::tsql::engine {
 
@@ -63,6 +64,8 @@ bool WriteForecast::MayWrite(const Statement& statement) {
             const auto& deletion = As<DeleteStatement>(statement);
             return !TargetIsTemporary(deletion.target, deletion.from) || Into(deletion.output);
         }
+        case StatementKind::kMerge:
+            return !IsTemporary(As<MergeStatement>(statement).target);
         case StatementKind::kTruncate:
             return !IsTemporary(As<TruncateStatement>(statement).table);
         case StatementKind::kCreateTable:
@@ -105,6 +108,7 @@ bool WriteForecast::CallMayWrite(const ExecuteStatement& call) {
     if (name == "sp_executesql") {
         return call.arguments.empty() || TextMayWrite(call.arguments.front().value.get());
     }
+    if (const SystemProcedure* system = FindSystemProcedure(name)) return system->writes;
     const ModuleInfo* procedure = catalog_.FindProcedure(name);
     if (procedure == nullptr) return true;
     if (!procedures_.insert(name).second) return false;

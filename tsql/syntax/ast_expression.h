@@ -271,10 +271,25 @@ struct OrderItem {
     bool descending = false;
 };
 
-// OVER (PARTITION BY … ORDER BY …), without frames.
+enum class FrameBoundKind { kUnboundedPreceding, kPreceding, kCurrentRow, kFollowing, kUnboundedFollowing };
+
+struct FrameBound {
+    FrameBoundKind kind = FrameBoundKind::kCurrentRow;
+    ExprPtr rows;  // of n PRECEDING and n FOLLOWING
+};
+
+// ROWS or RANGE, from a bound to another; a frame of one bound ends at the current row.
+struct WindowFrame {
+    bool isRows = false;
+    FrameBound start;
+    std::optional<FrameBound> end;  // of BETWEEN … AND …
+};
+
+// OVER (PARTITION BY … ORDER BY … ROWS …)
 struct OverClause {
     std::vector<ExprPtr> partitionBy;
     std::vector<OrderItem> orderBy;
+    std::optional<WindowFrame> frame;
 };
 
 // Every call by name, aggregates included. COALESCE, NULLIF, IIF, LEFT and RIGHT are calls too, and so are
@@ -289,6 +304,7 @@ struct FunctionExpr : Expr {
     bool distinct = false;  // count(distinct a)
     bool star = false;      // count(*), then no arguments
     std::vector<ExprPtr> arguments;
+    std::vector<OrderItem> withinGroup;  // WITHIN GROUP (ORDER BY …)
     std::optional<OverClause> over;
 };
 

@@ -13,7 +13,7 @@ namespace vicenter::tsql {
 
 // ---- table sources ---------------------------------------------------------------------------------------
 
-enum class SourceKind { kTable, kDerived, kValues, kFunction, kJoin };
+enum class SourceKind { kTable, kDerived, kValues, kFunction, kJoin, kPivot, kUnpivot };
 
 struct TableSource {
     SourceKind kind;
@@ -84,6 +84,31 @@ struct JoinedTable : TableSource {
     ExprPtr on;  // none for cross joins and apply
 };
 
+// source PIVOT (sum(value) FOR spread IN ([a], [b])) AS alias
+struct PivotTable : TableSource {
+    static constexpr SourceKind kKind = SourceKind::kPivot;
+    explicit PivotTable(Position p) : TableSource(kKind, p) {}
+
+    TableSourcePtr source;
+    ObjectName function;
+    ObjectName value;  // the column that is aggregated
+    ObjectName spread;
+    std::vector<Name> columns;  // each is a value of the spread column, and the column that comes of it
+    Name alias;
+};
+
+// source UNPIVOT (value FOR name IN (a, b)) AS alias
+struct UnpivotTable : TableSource {
+    static constexpr SourceKind kKind = SourceKind::kUnpivot;
+    explicit UnpivotTable(Position p) : TableSource(kKind, p) {}
+
+    TableSourcePtr source;
+    Name value;
+    Name name;
+    std::vector<Name> columns;
+    Name alias;
+};
+
 // ---- queries ---------------------------------------------------------------------------------------------
 
 // How a value gets into a variable or column: '=' or a compound assignment.
@@ -106,6 +131,18 @@ struct TopClause {
     bool parentheses = false;
     bool percent = false;
     bool withTies = false;
+};
+
+// What stands in GROUP BY when it is not a plain list of expressions.
+enum class GroupingKind { kExpressions, kRollup, kCube, kSets };
+
+// kExpressions: one expression, several in parentheses, or none for the group of all rows. The others hold
+// parts.
+struct GroupingItem {
+    GroupingKind kind = GroupingKind::kExpressions;
+    Position position;
+    std::vector<ExprPtr> expressions;
+    std::vector<GroupingItem> parts;
 };
 
 enum class QueryBodyKind { kSelect, kSetOperation };
@@ -135,6 +172,7 @@ struct SelectBody : QueryBody {
     std::vector<TableSourcePtr> from;  // comma-separated sources
     ExprPtr where;
     std::vector<ExprPtr> groupBy;
+    std::vector<GroupingItem> grouping;  // with ROLLUP and its kin; groupBy is empty then
     ExprPtr having;
 
     bool Assigns() const { return !items.empty() && items.front().kind == SelectItemKind::kAssignment; }

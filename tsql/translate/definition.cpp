@@ -1,5 +1,7 @@
 // What definitions ask: types by their names, conditions and values of columns.
 
+#include <algorithm>
+
 #include "tsql/base/text_units.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/translate/translator.h"
@@ -10,10 +12,20 @@ namespace {
 
 constexpr const char* kUpdate = "UPDATE";
 
+// Types of the server's that an account set does not have.
+bool IsServerType(std::string_view name) {
+    static constexpr std::string_view kTypes[] = {
+        "datetimeoffset", "geography",   "geometry",  "hierarchyid", "json",
+        "rowversion",     "sql_variant", "timestamp", "vector",      "xml"};
+    return std::find(std::begin(kTypes), std::end(kTypes), name) != std::end(kTypes);
+}
+
 }  // namespace
 
 SqlType Translator::ResolveType(const TypeName& name) {
     const TypeKind kind = KindByName(name.name);
+    if (kind == TypeKind::kUnknown && IsServerType(name.name))
+        throw MakeError(40510, name.position, {"type " + name.name});
     if (kind == TypeKind::kUnknown) throw MakeError(2715, name.position, {1, name.name});
     SqlType type = SqlType::Of(kind);
     switch (kind) {

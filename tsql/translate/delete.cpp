@@ -11,16 +11,16 @@ constexpr const char* kDelete = "DELETE";
 }  // namespace
 
 Translation Translator::Delete(const DeleteStatement& statement) {
-    if (!statement.currentOf.IsEmpty()) throw MakeError(40510, statement.position, {"WHERE CURRENT OF"});
     AddCommonTables(statement.with);
     Scope scope;
-    std::string from = From(statement.from, scope);
-    const Source& target = ChangedSource(statement.target, statement.position, scope, from);
-    const bool joined = !statement.from.empty();
+    std::string from;
+    const Source& target = ChangedSource(statement.target, statement.from, statement.position, scope, from);
+    const bool joined = !statement.from.empty() || changed_.table != nullptr;
     const TableInfo& table = *target.table;
     const std::string alias = target.alias;
     Begin(table, kDelete);
-    const std::string condition = statement.where ? ConditionText(*statement.where, scope) : std::string();
+    std::string condition = statement.where ? ConditionText(*statement.where, scope) : std::string();
+    if (!statement.currentOf.IsEmpty()) condition = CurrentRow(statement.currentOf, alias);
     std::string where = Where(condition);
     std::string sql = "DELETE FROM " + table.Sql();
     if (joined || statement.top) {
@@ -34,6 +34,7 @@ Translation Translator::Delete(const DeleteStatement& statement) {
     } else {
         sql += " AS " + alias + where;
     }
+    if (statement.output) CheckOutputBehind(*statement.output);
     if (statement.output) sql += Output(*statement.output, table, "deleted");
     return Finished(std::move(sql));
 }

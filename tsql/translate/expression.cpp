@@ -33,6 +33,9 @@ Translation Translator::Assignment(std::string_view variable, const SqlType& typ
 }
 
 Operand Translator::Value(const Expr& expression, Scope& scope) {
+    if (scope.grouped && aggregateDepth_ == 0) {
+        if (const Scope::SetMember* member = FindSetMember(scope, expression)) return member->operand;
+    }
     if (scope.grouped && aggregateDepth_ == 0 && scope.groupExpressions != nullptr) {
         for (const ExprPtr& group : *scope.groupExpressions) {
             if (!SameExpression(*group, expression)) continue;
@@ -175,6 +178,9 @@ Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
             }
         }
         if (found != nullptr) {
+            // In the sets that leave it out the column is NULL, which a subquery would not see.
+            if (level != &scope && !level->setMembers.empty())
+                throw MakeError(40510, column.position, {"a subquery of a query with ROLLUP"});
             if (level == &scope) CheckGrouped(scope, found->sql, column.position, *owner, *found);
             Operand operand;
             operand.sql = found->sql;

@@ -59,30 +59,73 @@ void CheckCount(const FunctionEntry& entry, const FunctionExpr& function) {
 
 }  // namespace
 
-Operand Translator::Function(const FunctionExpr& function, Scope& scope) {
-    std::string name = LowerAscii(function.name.Object());
-    const FunctionEntry* entry = FindFunction(name);
-    if (entry == nullptr)
-        throw MakeError(195, function.position, {function.name.Object(), "built-in function name"});
-    CheckCount(*entry, function);
-    CallBinding call(*this, *entry, function, scope, std::move(name));
-    Bound bound = entry->bind(call);
-    Operand result = bound.isSystem ? System(std::move(bound.sql), bound.type)
-                                    : Computed(std::move(bound.sql), bound.type);
-    if (function.over) result.sql += " OVER (" + WindowText(*function.over, scope) + ")";
-    return result;
+// STRING_AGG … WITHIN GROUP (ORDER BY …): the aggregate sorts by the keys behind its own arguments, each with
+// a letter for how it compares.
+std::string Translator::OrderedAggregate(const FunctionExpr& function, Scope& scope) {
+    std::string kinds;
+    std::string keys;
+    for (const OrderItem& item : function.withinGroup) {
+        const Operand key = Value(*item.expression, scope);
+        char kind = key.type.IsText() ? 't' : key.type.IsExact() ? 'n' : 'p';
+        if (item.descending) kind = static_cast<char>(kind - 'a' + 'A');
+        kinds += kind;
+        keys += ", " + Render(key);
+    }
+    return QuotedText(kinds) + keys;
 }
 
-std::string Translator::WindowText(const OverClause& over, Scope& scope) {
-    std::string window;
-    for (const ExprPtr& expression : over.partitionBy)
-        window += (window.empty() ? "PARTITION BY " : ", ") + Collated(Value(*expression, scope));
-    for (std::size_t i = 0; i < over.orderBy.size(); ++i) {
-        const OrderItem& item = over.orderBy[i];
-        window += i == 0 ? " ORDER BY " : ", ";
-        window += Collated(Value(*item.expression, scope)) + (item.descending ? " DESC" : "");
+// GROUPING(a) is 1 where a is left out of the set; GROUPING_ID(a, b) has a bit for each.
+Operand Translator::Grouping(const FunctionExpr& function, Scope& scope) {
+    const bool isId = LowerAscii(function.name.Object()) == "grouping_id";
+    if (function.arguments.empty() || (!isId && function.arguments.size() != 1))
+        throw MakeError(174, function.position, {function.name.Object(), 1});
+    std::string sql;
+    for (const ExprPtr& argument : function.arguments) {
+        std::string isIn;
+        if (const Scope::SetMember* member = FindSetMember(scope, *argument)) {
+            isIn = member->isIn;
+        } else {
+            for (std::size_t i = 0; scope.groupExpressions != nullptr && i < scope.groupExpressions->size();
+                 ++i) {
+                if (SameExpression(*(*scope.groupExpressions)[i], *argument)) isIn = "1";
+            }
+        }
+        if (isIn.empty()) throw MakeError(8161, function.position, {function.name.Object()});
+        const std::string bit = "CASE WHEN " + isIn + " THEN 0 ELSE 1 END";
+        sql = sql.empty() ? bit : "(" + sql + ") * 2 + " + bit;
     }
-    return window;
+    return Computed("(" + sql + ")", isId ? SqlType::Int() : SqlType::Of(TypeKind::kTinyInt));
+}
+
+Operand Translator::Function(const FunctionExpr& function, Scope& scope) {
+    std::string name = LowerAscii(function.name.Object());
+    if (scope.grouped && (name == "grouping" || name == "grouping_id")) return Grouping(function, scope);
+    if (name == "identity") throw MakeError(177, function.position);
+    const FunctionEntry* entry = FindFunction(name);
+    if (entry == nullptr) {
+        if (function.name.parts.size() == 1 && IsServerFunction(name))
+            throw MakeError(40510, function.position, {UpperAscii(name)});
+        throw MakeError(195, function.position, {function.name.Object(), "built-in function name"});
+    }
+    CheckCount(*entry, function);
+    const bool isWindow = entry->kind == FunctionKind::kWindow;
+    const bool isAggregate = entry->kind == FunctionKind::kAggregate;
+    if (function.over && !isWindow && (!isAggregate || name == "string_agg"))
+        throw MakeError(4113, function.position, {function.name.Object()});
+    CheckOver(function, isWindow, isAggregate || entry->takesFrame, name);
+    if (!function.withinGroup.empty() && name != "string_agg")
+        throw MakeError(10757, function.position, {function.name.Object()});
+    CallBinding call(*this, *entry, function, scope, std::move(name));
+    Bound bound = entry->bind(call);
+    if (!function.withinGroup.empty()) {
+        ++aggregateDepth_;
+        const std::string keys = OrderedAggregate(function, scope);
+        --aggregateDepth_;
+        bound.sql = kOrderedTextsCall.Call({call.Text(0), call.Text(1), keys});
+    }
+    if (function.over) bound.sql += " OVER (" + WindowText(*function.over, scope) + ")";
+    if (bound.isSystem) return System(std::move(bound.sql), bound.type);
+    return Computed(bound.before + bound.sql + bound.behind, bound.type);
 }
 
 }  // namespace vicenter::tsql::engine

@@ -63,6 +63,7 @@ std::string Translator::RenderAs(const Operand& operand, const SqlType& type, bo
 std::string Translator::RenderCompared(const Operand& operand, const SqlType& common) {
     if (operand.type.IsUnknown() && !operand.pending) return operand.sql;
     if (common.IsText() && operand.type.IsText()) return Render(operand);
+    if (common.IsBinary()) return kBytesCall.Call({RenderAs(operand, common)});
     if (common.IsExact()) {
         if (operand.type.IsExact()) return Render(operand);
         if (operand.type.IsInteger()) return RenderAs(operand, AsDecimal(operand.type));
@@ -100,6 +101,20 @@ std::string Translator::RenderStored(const Operand& operand, const TableInfo& ta
     return kPutCall.Call({Render(operand), Code(from), Code(column.type), column.nullable ? "1" : "0",
                           QuotedText(table.FullName()), QuotedText(column.name), QuotedText(operation),
                           isKey ? "1" : "0"});
+}
+
+// Bytes are sorted and grouped without the zeros at their end, though they stay what they are where they
+// show.
+std::string Translator::Sorted(const Operand& operand) {
+    return operand.type.IsBinary() ? kBytesCall.Call({Render(operand)}) : Collated(operand);
+}
+
+// SQLite would tell bytes apart that are equal on the server.
+void Translator::RefuseBytes(const std::vector<Operand>& items, const char* clause, Position where) {
+    for (const Operand& item : items) {
+        if (item.type.kind == TypeKind::kVarBinary)
+            throw MakeError(40510, where, {std::string(clause) + " of varbinary"});
+    }
 }
 
 std::string Translator::Collated(const Operand& operand) {

@@ -47,6 +47,8 @@ void Translator::OrderRowsFirst(const Query& query, const SelectBody& select, Sc
 
 std::string Translator::OrderItemText(const OrderItem& item, const std::string& sql, const Operand& operand) {
     std::string text = sql;
+    const bool isPlace = !sql.empty() && sql.find_first_not_of("0123456789") == std::string::npos;
+    if (operand.type.IsBinary() && !isPlace) text = kBytesCall.Call({text});
     if (!operand.column) {
         if (operand.type.IsText()) text += std::string(" COLLATE ") + kTextCollationName;
         if (operand.type.IsExact()) text += std::string(" COLLATE ") + kNumberCollationName;
@@ -54,46 +56,44 @@ std::string Translator::OrderItemText(const OrderItem& item, const std::string& 
     return item.descending ? text + " DESC" : text;
 }
 
+std::string Translator::OrderKey(const OrderItem& item, const Query& query, const SelectBody& select,
+                                 Scope& scope, const SelectParts& parts, bool spelt) {
+    const bool isSet = query.body->kind == QueryBodyKind::kSetOperation;
+    const auto ofList = [&](std::size_t place) {
+        const Operand& listed = parts.items[place];
+        const bool isSpelt = spelt || (listed.type.IsBinary() && !isSet);
+        return OrderItemText(item, isSpelt ? Render(listed) : std::to_string(place + 1), listed);
+    };
+    if (const auto* literal = TryAs<LiteralExpr>(item.expression.get());
+        literal != nullptr && literal->literal == LiteralKind::kInteger) {
+        context_.PinLiteral(*literal);
+        const std::size_t number = literal->text.size() > 5 ? 0 : std::stoul(literal->text);
+        if (number < 1 || number > parts.items.size())
+            throw MakeError(108, literal->position, {literal->text});
+        return ofList(number - 1);
+    }
+    // The name of a result comes before the name of a column.
+    if (const auto* column = TryAs<ColumnExpr>(item.expression.get());
+        column != nullptr && column->name.parts.size() == 1) {
+        for (std::size_t i = 0; i < parts.items.size(); ++i) {
+            if (!SameName(parts.names[i], column->name.Object())) continue;
+            const bool alias =
+                isSet || (i < select.items.size() && !select.items[i].alias.IsEmpty()) || select.distinct;
+            if (alias) return ofList(i);
+        }
+    }
+    if (isSet) throw MakeError(104, item.expression->position);
+    const Operand operand = Value(*item.expression, scope);
+    if (select.distinct && !IsListed(*item.expression, operand, select, parts))
+        throw MakeError(145, item.expression->position);
+    return OrderItemText(item, Render(operand), operand);
+}
+
 std::string Translator::OrderBy(const Query& query, const SelectBody& select, Scope& scope,
                                 const SelectParts& parts) {
     std::string sql;
-    const bool isSet = query.body->kind == QueryBodyKind::kSetOperation;
-    for (const OrderItem& item : query.orderBy) {
-        sql += sql.empty() ? " ORDER BY " : ", ";
-        if (const auto* literal = TryAs<LiteralExpr>(item.expression.get());
-            literal != nullptr && literal->literal == LiteralKind::kInteger) {
-            context_.PinLiteral(*literal);
-            const std::size_t number = literal->text.size() > 5 ? 0 : std::stoul(literal->text);
-            if (number < 1 || number > parts.items.size()) {
-                throw MakeError(108, literal->position, {literal->text});
-            }
-            sql += OrderItemText(item, std::to_string(number), parts.items[number - 1]);
-            continue;
-        }
-        // The name of a result comes before the name of a column.
-        std::size_t named = parts.items.size();
-        if (const auto* column = TryAs<ColumnExpr>(item.expression.get());
-            column != nullptr && column->name.parts.size() == 1) {
-            for (std::size_t i = 0; i < parts.items.size(); ++i) {
-                if (!SameName(parts.names[i], column->name.Object())) continue;
-                const bool alias =
-                    isSet || (i < select.items.size() && !select.items[i].alias.IsEmpty()) || select.distinct;
-                if (alias) {
-                    named = i;
-                    break;
-                }
-            }
-        }
-        if (named < parts.items.size()) {
-            sql += OrderItemText(item, std::to_string(named + 1), parts.items[named]);
-            continue;
-        }
-        if (isSet) throw MakeError(104, item.expression->position);
-        const Operand operand = Value(*item.expression, scope);
-        if (select.distinct && !IsListed(*item.expression, operand, select, parts))
-            throw MakeError(145, item.expression->position);
-        sql += OrderItemText(item, Render(operand), operand);
-    }
+    for (const OrderItem& item : query.orderBy)
+        sql += (sql.empty() ? " ORDER BY " : ", ") + OrderKey(item, query, select, scope, parts, false);
     return sql;
 }
 
@@ -114,7 +114,6 @@ std::string Translator::LimitOf(const SelectBody* select, const Query* query, Sc
     };
     if (select != nullptr && select->top) {
         const TopClause& top = *select->top;
-        if (top.percent || top.withTies) throw MakeError(40510, select->position, {"TOP"});
         return " LIMIT " + count(*top.count, RowLimit::kTop);
     }
     if (query == nullptr || !query->offset) return {};

@@ -1,5 +1,7 @@
 // SELECT: the select list, GROUP BY and HAVING.
 
+#include <utility>
+
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
@@ -49,7 +51,17 @@ Translation Translator::Select(const Query& query) {
     return Finished(std::move(text.sql));
 }
 
+// OPTION (MAXRECURSION n) holds for all recursive queries of the statement; 0 is no bound.
+void Translator::TakeOptions(const Query& query) {
+    constexpr std::string_view kMost = "maxrecursion ";
+    for (const std::string& option : query.options) {
+        if (option.starts_with(kMost) && option.size() < kMost.size() + 6)
+            mostRecursions_ = std::stoi(option.substr(kMost.size()));
+    }
+}
+
 QueryText Translator::QueryOf(const Query& query, const Scope* outer, bool ordered) {
+    TakeOptions(query);
     AddCommonTables(query.with);
     const SelectBody* select = query.Select();
     const bool limits = query.offset || (select != nullptr && select->top);
@@ -129,7 +141,7 @@ void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::strin
         if (HasAggregate(*group)) throw MakeError(144, group->position);
         const Operand operand = Value(*group, scope);
         if (operand.column || group->kind == ExprKind::kColumn) scope.groupColumns.push_back(operand.sql);
-        list += (list.empty() ? " GROUP BY " : ", ") + Collated(operand);
+        list += (list.empty() ? " GROUP BY " : ", ") + Sorted(operand);
     }
     tail += list;
     scope.groupExpressions = &select.groupBy;
@@ -140,11 +152,13 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     Scope scope;
     scope.outer = outer;
     SelectParts parts;
+    const bool wantsRow = std::exchange(changed_.wantsRow, false);
     const std::string assigningOutside = assigning_;
     for (const SelectItem& item : select.items) {
         if (item.kind == SelectItemKind::kAssignment) assigning_ += " " + LowerAscii(item.variable) + " ";
     }
     parts.tail = From(select.from, scope);
+    scope.whereAt = parts.tail.size();
     if (select.where) {
         if (HasAggregate(*select.where)) throw MakeError(147, select.where->position);
         parts.tail += " WHERE " + ConditionText(*select.where, scope);
@@ -157,12 +171,23 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
         for (const OrderItem& item : orderFrom->orderBy)
             aggregates = aggregates || HasAggregate(*item.expression);
     }
-    if (!select.groupBy.empty() || aggregates) CheckGroupBy(select, scope, parts.tail);
+    if (!select.grouping.empty()) {
+        GroupBySets(select, scope, parts.tail);
+    } else if (!select.groupBy.empty() || aggregates) {
+        CheckGroupBy(select, scope, parts.tail);
+    }
     aggregateAllowed_ = true;
     const bool ordersFirst = orderFrom != nullptr && !scope.grouped && AssignsInOrder(select, *orderFrom);
     if (ordersFirst) OrderRowsFirst(*orderFrom, select, scope, parts);
-    for (const SelectItem& item : select.items)
-        AddItem(item, scope, parts);
+    for (const SelectItem& item : select.items) {
+        const auto* call = &select == into_ ? TryAs<FunctionExpr>(item.expression.get()) : nullptr;
+        if (call != nullptr && SameName(call->name.Object(), "identity")) {
+            AddIdentity(*call, item, parts);
+        } else {
+            AddItem(item, scope, parts);
+        }
+    }
+    if (wantsRow) AddRowNumber(select, scope, parts);
     if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size()) {
         throw MakeError(141, select.position);
     }
@@ -170,15 +195,26 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
         parts.tail += " HAVING " + ConditionText(*select.having, scope);
         // Without a group all rows are one, which SQLite believes of a query that lists an aggregate only.
         Operand& first = parts.items.front();
-        if (select.groupBy.empty())
+        if (select.groupBy.empty() && select.grouping.empty())
             first = Computed("iif(count(*) >= 0, " + Render(first) + ", NULL)", first.type);
     }
+    if (select.distinct) RefuseBytes(parts.items, "DISTINCT", select.position);
     parts.head = select.distinct ? "SELECT DISTINCT" : "SELECT";
-    if (!ordersFirst) {
+    parts.singleRow =
+        select.from.empty() || (aggregates && select.groupBy.empty() && select.grouping.empty());
+    if (select.top && (select.top->percent || select.top->withTies)) {
+        // A member of a set has no order of its own.
+        const Query unordered;
+        LimitByRank(select, orderFrom != nullptr ? *orderFrom : unordered, scope, parts);
+    } else if (!ordersFirst) {
         if (orderFrom != nullptr) parts.order = OrderBy(*orderFrom, select, scope, parts);
         parts.limit = LimitOf(&select, orderFrom, scope);
     }
-    parts.singleRow = select.from.empty() || (aggregates && select.groupBy.empty());
+    if (!scope.someRows.empty()) {
+        if (!parts.limit.empty() || parts.head.empty())
+            throw MakeError(40510, select.position, {"ROLLUP with TOP"});
+        parts.limit = " LIMIT " + scope.someRows;
+    }
     if (IsTopOne(select)) {
         context_.PinLiteral(As<LiteralExpr>(*select.top->count));
         parts.singleRow = true;

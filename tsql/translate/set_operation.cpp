@@ -104,6 +104,12 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
         parts.tail += MemberText(members[i], types, isSetOfTexts);
     }
     if (isLong) parts.tail += ")";
+    if (!keepsAll) {
+        std::vector<Operand> columns;
+        for (const SqlType& type : types)
+            columns.push_back(Computed("", type));
+        RefuseBytes(columns, "UNION, INTERSECT and EXCEPT", operation.position);
+    }
     parts.names = members.front().names;
     for (std::size_t i = 0; i < types.size(); ++i) {
         Operand item = Computed("c" + std::to_string(i + 1), types[i]);

@@ -2,6 +2,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
+#include "tsql/functions/function.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/translate/translator.h"
 
@@ -40,45 +41,53 @@ std::string Translator::SourceText(const TableSource& source, Scope& scope) {
             return Table(As<TableRef>(source), scope);
         case SourceKind::kDerived: {
             const auto& derived = As<DerivedTable>(source);
-            const QueryText query = QueryOf(*derived.query, scope.outer, false);
+            const QueryText query = IsChanged(derived.alias.text)
+                                        ? ChangedQuery(*derived.query, derived.alias.text, derived.columns)
+                                        : QueryOf(*derived.query, scope.outer, false);
             return Derived(query.sql, query, derived.alias.text, derived.columns, scope, source.position);
         }
         case SourceKind::kValues: {
             const auto& values = As<ValuesTable>(source);
-            QueryText query;
-            std::vector<std::vector<Operand>> rows;
-            std::vector<SqlType> types;
-            for (const auto& row : values.rows) {
-                rows.emplace_back();
-                if (types.empty()) types.resize(row.size());
-                if (row.size() != types.size()) throw MakeError(10709, source.position);
-                Scope none;
-                none.outer = scope.outer;
-                for (std::size_t i = 0; i < row.size(); ++i) {
-                    rows.back().push_back(Value(*row[i], none));
-                    types[i] = CommonType(types[i], rows.back().back().type);
-                }
-            }
-            for (const auto& row : rows) {
-                query.sql += query.sql.empty() ? "SELECT " : " UNION ALL SELECT ";
-                for (std::size_t i = 0; i < row.size(); ++i) {
-                    query.sql +=
-                        (i == 0 ? "" : ", ") + RenderAs(row[i], types[i]) + " AS c" + std::to_string(i + 1);
-                }
-            }
-            for (const SqlType& type : types)
-                query.columns.push_back({"", type});
-            query.natural.assign(types.size(), false);
+            const QueryText query = ValuesQuery(values, scope.outer);
             return Derived(query.sql, query, values.alias.text, values.columns, scope, source.position);
         }
         case SourceKind::kJoin:
             return Joined(As<JoinedTable>(source), scope);
-        case SourceKind::kFunction: {
-            const auto& function = As<FunctionTable>(source);
-            throw MakeError(208, source.position, {function.name.Text()});
-        }
+        case SourceKind::kFunction:
+            return FunctionSource(As<FunctionTable>(source), scope, scope.outer);
+        case SourceKind::kPivot:
+            return Pivoted(As<PivotTable>(source), scope);
+        case SourceKind::kUnpivot:
+            return Unpivoted(As<UnpivotTable>(source), scope);
     }
     return {};
+}
+
+QueryText Translator::ValuesQuery(const ValuesTable& values, const Scope* outer) {
+    QueryText query;
+    std::vector<std::vector<Operand>> rows;
+    std::vector<SqlType> types;
+    for (const auto& row : values.rows) {
+        rows.emplace_back();
+        if (types.empty()) types.resize(row.size());
+        if (row.size() != types.size()) throw MakeError(10709, values.position);
+        Scope none;
+        none.outer = outer;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            rows.back().push_back(Value(*row[i], none));
+            types[i] = CommonType(types[i], rows.back().back().type);
+        }
+    }
+    for (const auto& row : rows) {
+        query.sql += query.sql.empty() ? "SELECT " : " UNION ALL SELECT ";
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            query.sql += (i == 0 ? "" : ", ") + RenderAs(row[i], types[i]) + " AS c" + std::to_string(i + 1);
+        }
+    }
+    for (const SqlType& type : types)
+        query.columns.push_back({"", type});
+    query.natural.assign(types.size(), false);
+    return query;
 }
 
 std::string Translator::Joined(const JoinedTable& join, Scope& scope) {
@@ -101,7 +110,7 @@ std::string Translator::Joined(const JoinedTable& join, Scope& scope) {
             break;
         case JoinKind::kCrossApply:
         case JoinKind::kOuterApply:
-            throw MakeError(40510, join.position, {"APPLY"});
+            return Applied(join, scope);
     }
     std::string sql = SourceText(*join.left, scope) + word;
     const std::string right = SourceText(*join.right, scope);
@@ -167,16 +176,40 @@ const CommonTable* Translator::FindCommonTable(const std::string& name) const {
     return nullptr;
 }
 
+std::string Translator::CommonTableText(const CommonTable& table, const std::string& exposed, Scope& scope,
+                                        Position where) {
+    if (!recursions_.empty() && recursions_.back().table == &table) {
+        // A member of a recursive query sees the rows of the level above.
+        Recursion& recursion = recursions_.back();
+        Source source;
+        source.exposedName = exposed;
+        source.tableName = exposed;
+        source.alias = Quoted(exposed);
+        for (std::size_t i = 0; i < recursion.columns.size(); ++i) {
+            const ResultColumn& column = recursion.columns[i];
+            source.columns.push_back(
+                {column.name, column.type, source.alias + ".c" + std::to_string(i + 1), false});
+        }
+        recursion.alias = source.alias;
+        AddSource(std::move(source), scope, where);
+        return recursion.name + " AS " + Quoted(exposed);
+    }
+    if (++viewDepth_ > kViewNesting) throw MakeError(253, where, {table.name.text});
+    const bool recursive = IsRecursive(table);
+    const bool changes = IsChanged(exposed) || IsChanged(table.name.text);
+    const QueryText query = recursive ? RecursiveQuery(table)
+                            : changes ? ChangedQuery(*table.query, exposed, table.columns)
+                                      : QueryOf(*table.query, nullptr, false);
+    --viewDepth_;
+    return Derived(query.sql, query, exposed, recursive ? std::vector<Name>() : table.columns, scope, where);
+}
+
 std::string Translator::Table(const TableRef& table, Scope& scope) {
     const std::string& name = table.name.Object();
     const std::string exposed = table.alias.IsEmpty() ? name : table.alias.text;
     if (table.name.parts.size() == 1) {
-        if (const CommonTable* common = FindCommonTable(name)) {
-            if (++viewDepth_ > kViewNesting) throw MakeError(40510, table.position, {"WITH RECURSIVE"});
-            const QueryText query = QueryOf(*common->query, nullptr, false);
-            --viewDepth_;
-            return Derived(query.sql, query, exposed, common->columns, scope, table.position);
-        }
+        if (const CommonTable* common = FindCommonTable(name))
+            return CommonTableText(*common, exposed, scope, table.position);
     }
     if (const TableInfo* found = FindTable(name)) {
         const bool system =
@@ -194,7 +227,9 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         std::vector<const std::vector<CommonTable>*> outside;
         outside.swap(commonTables_);
         ++foreignDepth_;
-        const QueryText query = QueryOf(*view->query, nullptr, false);
+        const bool changes = IsChanged(exposed) || IsChanged(name);
+        const QueryText query = changes ? ChangedQuery(*view->query, exposed, view->columns)
+                                        : QueryOf(*view->query, nullptr, false);
         --foreignDepth_;
         outside.swap(commonTables_);
         --viewDepth_;
@@ -209,10 +244,11 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
             source.columns.push_back(
                 {column.name, column.type, source.alias + "." + Quoted(column.name), false});
         }
-        std::string sql = std::string("(") + view->sql + ") AS " + source.alias;
+        std::string sql = "(" + view->sql + ") AS " + source.alias;
         AddSource(std::move(source), scope, table.position);
         return sql;
     }
+    if (IsServerView(table.name)) throw MakeError(40510, table.position, {table.name.Text()});
     throw MakeError(208, table.position, {table.name.Text()});
 }
 
@@ -222,11 +258,14 @@ std::string Translator::Derived(const std::string& sql, const QueryText& query, 
     source.exposedName = alias;
     source.tableName = alias;
     source.alias = Quoted(alias.empty() ? "d" + std::to_string(++aliasNumber_) : alias);
-    if (!columns.empty() && columns.size() != query.columns.size()) {
-        throw MakeError(columns.size() < query.columns.size() ? 8158 : 8159, position, {alias});
+    // The number of the row behind has a name of its own in any case.
+    const std::size_t hidden = !query.columns.empty() && query.columns.back().name == kRowNumberName ? 1 : 0;
+    const std::size_t shown = query.columns.size() - hidden;
+    if (!columns.empty() && columns.size() != shown) {
+        throw MakeError(columns.size() < shown ? 8158 : 8159, position, {alias});
     }
     for (std::size_t i = 0; i < query.columns.size(); ++i) {
-        const std::string& name = columns.empty() ? query.columns[i].name : columns[i].text;
+        const std::string& name = columns.empty() || i >= shown ? query.columns[i].name : columns[i].text;
         if (name.empty()) throw MakeError(8155, position, {static_cast<std::int32_t>(i + 1), alias});
         for (const SourceColumn& other : source.columns) {
             if (SameName(other.name, name)) throw MakeError(8156, position, {name, alias});
@@ -234,7 +273,9 @@ std::string Translator::Derived(const std::string& sql, const QueryText& query, 
         source.columns.push_back({name, query.columns[i].type, source.alias + ".c" + std::to_string(i + 1),
                                   i < query.natural.size() && query.natural[i]});
     }
-    std::string text = "(" + sql + ") AS " + source.alias;
+    // Packed rows are a table by themselves: in a subquery they could not see the tables before them.
+    const bool isTable = sql.starts_with(kRowsTable);
+    std::string text = (isTable ? sql : "(" + sql + ")") + " AS " + source.alias;
     AddSource(std::move(source), scope, position);
     return text;
 }

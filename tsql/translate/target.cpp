@@ -57,9 +57,20 @@ const TableInfo& Translator::TargetTable(const ObjectName& name) {
 }
 
 // What UPDATE or DELETE changes: one of the sources of its FROM, or a table that is added to them.
-const Source& Translator::ChangedSource(const ObjectName& name, Position where, Scope& scope,
-                                        std::string& from) {
+const Source& Translator::ChangedSource(const ObjectName& name, const std::vector<TableSourcePtr>& sources,
+                                        Position where, Scope& scope, std::string& from) {
+    changed_.name = &name;
+    changed_.isOpen = true;
+    from = From(sources, scope);
     const Source* target = FindTarget(name, scope);
+    const CommonTable* common =
+        target == nullptr && name.parts.size() == 1 ? FindCommonTable(name.Object()) : nullptr;
+    if (common != nullptr) {
+        const std::string text = CommonTableText(*common, name.Object(), scope, where);
+        from += (from.empty() ? " FROM " : ", ") + text;
+        target = &scope.sources.back();
+    }
+    changed_.isOpen = false;
     if (target == nullptr) {
         const TableInfo& named = TargetTable(name);
         scope.sources.push_back(SourceOf(named, named.name));
@@ -67,11 +78,106 @@ const Source& Translator::ChangedSource(const ObjectName& name, Position where, 
         from += (from.empty() ? " FROM " : ", ") + named.Sql() + " AS " + target->alias;
     }
     if (target->table == nullptr) {
+        if (changed_.table != nullptr) return SourceBehind(*target, name, where, from);
         if (const CreateViewStatement* view = context_.ViewDefinition(target->tableName))
             RefuseView(name, *view->query);
         throw MakeError(40510, where, {"UPDATE and DELETE of query " + name.Text()});
     }
     return *target;
+}
+
+bool Translator::IsChanged(const std::string& exposed) const {
+    return changed_.isOpen && changed_.name->parts.size() == 1 && SameName(changed_.name->Object(), exposed);
+}
+
+// Rows of one table, each once: what the server changes through a query, too.
+QueryText Translator::ChangedQuery(const Query& query, const std::string& exposed,
+                                   const std::vector<Name>& columns) {
+    const SelectBody* select = query.Select();
+    const bool plain = select != nullptr && !select->distinct && select->groupBy.empty() &&
+                       select->grouping.empty() && !select->having && select->from.size() == 1 &&
+                       select->from.front()->kind == SourceKind::kTable;
+    if (!plain) throw MakeError(40510, query.position, {"UPDATE and DELETE of query " + exposed});
+    changed_.wantsRow = true;
+    QueryText text = QueryOf(query, nullptr, false);
+    for (std::size_t i = 0; i < columns.size() && i < changed_.columns.size(); ++i)
+        changed_.columns[i].first = columns[i].text;
+    return text;
+}
+
+void Translator::AddRowNumber(const SelectBody& select, const Scope& scope, SelectParts& parts) {
+    const Source& source = scope.sources.front();
+    const bool none = scope.grouped || source.table == nullptr;
+    if (none && changed_.isCursor) return;
+    if (none)
+        throw MakeError(40510, select.position, {"UPDATE and DELETE of query " + changed_.name->Text()});
+    changed_.table = source.table;
+    for (std::size_t i = 0; i < parts.items.size(); ++i) {
+        std::string behind;
+        for (const SourceColumn& column : source.columns) {
+            if (column.natural && parts.items[i].sql == column.sql) behind = column.name;
+        }
+        changed_.columns.emplace_back(parts.names[i], behind);
+    }
+    parts.items.push_back(Computed(source.alias + "._rowid_", SqlType::Of(TypeKind::kBigInt)));
+    parts.names.emplace_back(kRowNumberName);
+}
+
+Translation Translator::CursorQuery(const Query& query) {
+    const SelectBody* select = query.Select();
+    const bool plain = select != nullptr && !select->distinct && select->groupBy.empty() &&
+                       select->grouping.empty() && !select->having && select->from.size() == 1 &&
+                       select->from.front()->kind == SourceKind::kTable;
+    if (!plain) return Select(query);
+    changed_.isCursor = true;
+    changed_.wantsRow = true;
+    QueryText text = QueryOf(query, nullptr, true);
+    if (changed_.table != nullptr) {
+        translation_.rowsOf = changed_.table->id;
+        text.columns.pop_back();
+    }
+    translation_.columns = std::move(text.columns);
+    return Finished(std::move(text.sql));
+}
+
+// WHERE CURRENT OF: the row's number comes from the cursor when the statement runs.
+std::string Translator::CurrentRow(const Name& cursor, const std::string& alias) {
+    if (changed_.table != nullptr) throw MakeError(40510, cursor.position, {"WHERE CURRENT OF … of a query"});
+    return alias + "._rowid_ = " + Render(System("current row", SqlType::Of(TypeKind::kBigInt)));
+}
+
+// The table itself stands beside its query, row by row, under a name of its own.
+const Source& Translator::SourceBehind(const Source& query, const ObjectName& name, Position where,
+                                       std::string& from) {
+    std::string row;
+    for (const SourceColumn& column : query.columns) {
+        if (column.name == kRowNumberName) row = column.sql;
+    }
+    if (row.empty()) throw MakeError(40510, where, {"UPDATE and DELETE of query " + name.Text()});
+    changed_.source = SourceOf(*changed_.table, "ts$behind");
+    from += " JOIN " + changed_.table->Sql() + " AS " + changed_.source.alias + " ON " +
+            changed_.source.alias + "._rowid_ = " + row;
+    return changed_.source;
+}
+
+// The rows that come back are those of the table.
+void Translator::CheckOutputBehind(const OutputClause& output) const {
+    if (changed_.table == nullptr) return;
+    for (const auto& [own, behind] : changed_.columns) {
+        if (!SameName(own, behind))
+            throw MakeError(40510, output.items.front().position,
+                            {"OUTPUT of query " + changed_.name->Text()});
+    }
+}
+
+std::string Translator::BehindName(const std::string& name, Position where) const {
+    if (changed_.table == nullptr) return name;
+    for (const auto& [own, behind] : changed_.columns) {
+        if (!SameName(own, name)) continue;
+        if (behind.empty()) throw MakeError(4406, where, {changed_.name->Text()});
+        return behind;
+    }
+    throw MakeError(207, where, {name});
 }
 
 std::string Translator::Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable) {

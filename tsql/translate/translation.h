@@ -3,6 +3,7 @@
 // A T-SQL statement as SQLite runs it: the text, where its parameters come from, what it gives. Plain values.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,6 +45,16 @@ struct VariableAssignment {
     AssignOp op = AssignOp::kSet;
 };
 
+// What MERGE does with the rows of one WHEN: each row gives the number of its WHEN and that of the row in the
+// target, and behind them the values of every WHEN.
+struct MergeStep {
+    int clause = 0;
+    MergeAction action = MergeAction::kUpdate;
+    std::size_t first = 0;             // of its values
+    std::vector<std::string> columns;  // that they go to
+    bool isWhole = false;              // all columns of the row, which is put anew
+};
+
 struct Translation {
     std::string sql;
     std::vector<Parameter> parameters;
@@ -57,7 +68,16 @@ struct Translation {
     bool hasOutput = false;      // rows come back from OUTPUT: `columns` describes them
     // Temporary tables that the statement uses, with their numbers: made anew they need a new translation.
     std::vector<std::pair<std::string, std::int64_t>> temporaries;
-    bool oneRow = false;  // cannot change more than one row, so no savepoint is needed
+    std::vector<MergeStep> steps;  // of MERGE
+    std::int64_t rowsOf = 0;       // the table whose row numbers stand behind the columns; 0 for none
+    struct IdentityItem {
+        std::size_t place = 0;
+        SqlType type;
+        std::int64_t seed = 1;
+        std::int64_t increment = 1;
+    };
+    std::optional<IdentityItem> identity;  // IDENTITY(…) in the list of a SELECT … INTO
+    bool oneRow = false;                   // cannot change more than one row, so no savepoint is needed
 };
 
 }  // namespace vicenter::tsql::engine

@@ -66,6 +66,9 @@ struct Source {
     std::vector<SourceColumn> columns;
 };
 
+// A column that no text can name: the number of a row in the table behind a query.
+inline constexpr const char* kRowNumberName = "$row";
+
 // The names that an expression may use, innermost first.
 struct Scope {
     const Scope* outer = nullptr;
@@ -74,6 +77,16 @@ struct Scope {
     bool grouped = false;
     std::vector<std::string> groupColumns;
     const std::vector<ExprPtr>* groupExpressions = nullptr;
+    // With ROLLUP and its kin: the expressions of all sets, each with its text, which is NULL in the sets
+    // that leave it out, and the sets that it is in.
+    struct SetMember {
+        const Expr* expression = nullptr;
+        Operand operand;
+        std::string isIn;  // a condition of SQLite
+    };
+    std::vector<SetMember> setMembers;
+    std::size_t whereAt = 0;  // where WHERE begins in the text behind the list
+    std::string someRows;     // with ROLLUP: -1, or an error when there is no row at all
 };
 
 // A SELECT taken apart, so that a UNION can agree on types before the texts are made.
@@ -103,6 +116,11 @@ class Translator {
 
     // Statements, a source each.
     Translation Select(const Query& query);
+    // With the numbers of its rows behind the columns where they are those of one table.
+    Translation CursorQuery(const Query& query);
+    // SELECT … INTO: what the new table is made of, and what fills it.
+    Translation SelectInto(const Query& query);
+    Translation FillInto(const TableInfo& table, const std::vector<Name>& columns, const Query& query);
     Translation Insert(const InsertStatement& statement);
     // INSERT of rows that come from elsewhere: one parameter per column, filled by the caller.
     Translation InsertRow(const TableInfo& table, const std::vector<Name>& columns,
@@ -110,6 +128,9 @@ class Translator {
     Translation InsertQuery(const TableInfo& table, const std::vector<Name>& columns, const Query& query);
     Translation Update(const UpdateStatement& statement);
     Translation Delete(const DeleteStatement& statement);
+    // The rows that MERGE joins, and those of its target that nothing is joined to.
+    Translation MergeRows(const MergeStatement& statement);
+    Translation MissedRows(const MergeStatement& statement);
     // One value, and one condition as 1, 0 or NULL.
     Translation Expression(const Expr& expression);
     Translation Assignment(std::string_view variable, const SqlType& type, AssignOp op,
@@ -158,7 +179,13 @@ class Translator {
 
     // function.cpp
     Operand Function(const FunctionExpr& function, Scope& scope);
+    Operand Grouping(const FunctionExpr& function, Scope& scope);
+    std::string OrderedAggregate(const FunctionExpr& function, Scope& scope);
+
+    // window.cpp
+    void CheckOver(const FunctionExpr& function, bool isWindow, bool takesFrame, const std::string& name);
     std::string WindowText(const OverClause& over, Scope& scope);
+    std::string FrameText(const WindowFrame& frame);
 
     // condition.cpp
     std::string ConditionText(const Expr& condition, Scope& scope);
@@ -177,6 +204,8 @@ class Translator {
                              const char* operation);
     // With the collation that SQLite does not know by itself.
     std::string Collated(const Operand& operand);
+    std::string Sorted(const Operand& operand);
+    static void RefuseBytes(const std::vector<Operand>& items, const char* clause, Position where);
     std::string AddParameter(Parameter parameter);
     std::string ConvertCall(const std::string& sql, const SqlType& from, const SqlType& to,
                             int style = 0) const;
@@ -186,12 +215,22 @@ class Translator {
 
     // select.cpp
     QueryText QueryOf(const Query& query, const Scope* outer, bool ordered);
+    void TakeOptions(const Query& query);
     SelectParts SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer);
     SelectParts BodyOf(const QueryBody& body, const Query* orderFrom, const Scope* outer);
     void AddItem(const SelectItem& item, Scope& scope, SelectParts& parts);
+    void AddIdentity(const FunctionExpr& call, const SelectItem& item, SelectParts& parts);
+    std::string CurrentRow(const Name& cursor, const std::string& alias);
     void AddStar(const SelectItem& item, Scope& scope, SelectParts& parts);
     void CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail);
     QueryText Finish(SelectParts parts);
+
+    // grouping.cpp
+    void GroupBySets(const SelectBody& select, Scope& scope, std::string& tail);
+    const Scope::SetMember* FindSetMember(const Scope& scope, const Expr& expression) const;
+
+    // top.cpp
+    void LimitByRank(const SelectBody& select, const Query& query, Scope& scope, SelectParts& parts);
 
     // set_operation.cpp
     SelectParts SetOf(const SetOperation& operation, const Query* orderFrom, const Scope* outer);
@@ -202,6 +241,9 @@ class Translator {
     std::string OrderBy(const Query& query, const SelectBody& select, Scope& scope, const SelectParts& parts);
     void OrderRowsFirst(const Query& query, const SelectBody& select, Scope& scope, SelectParts& parts);
     std::string OrderItemText(const OrderItem& item, const std::string& sql, const Operand& operand);
+    // One item of ORDER BY as SQLite sorts by it; with `spelt` not by the number of an item of the list.
+    std::string OrderKey(const OrderItem& item, const Query& query, const SelectBody& select, Scope& scope,
+                         const SelectParts& parts, bool spelt);
     // The number of rows that TOP, OFFSET or FETCH names.
     std::string RowCount(const Expr& expression, Scope& scope, RowLimit limit);
     std::string LimitOf(const SelectBody* select, const Query* query, Scope& scope);
@@ -211,6 +253,22 @@ class Translator {
     std::string From(const std::vector<TableSourcePtr>& sources, Scope& scope);
     std::string SourceText(const TableSource& source, Scope& scope);
     std::string Joined(const JoinedTable& join, Scope& scope);
+    QueryText ValuesQuery(const ValuesTable& values, const Scope* outer);
+    std::string CommonTableText(const CommonTable& table, const std::string& exposed, Scope& scope,
+                                Position where);
+
+    // apply.cpp
+    std::string Applied(const JoinedTable& join, Scope& scope);
+    std::string FunctionSource(const FunctionTable& function, Scope& scope, const Scope* outer);
+
+    // recursive.cpp
+    bool IsRecursive(const CommonTable& table) const;
+    QueryText RecursiveQuery(const CommonTable& table);
+    void CheckRecursiveTerm(const SelectBody& select, const CommonTable& table) const;
+
+    // pivot.cpp
+    std::string Pivoted(const PivotTable& pivot, Scope& scope);
+    std::string Unpivoted(const UnpivotTable& unpivot, Scope& scope);
     std::string Table(const TableRef& table, Scope& scope);
     std::string Derived(const std::string& sql, const QueryText& query, const std::string& alias,
                         const std::vector<Name>& columns, Scope& scope, Position position);
@@ -224,7 +282,18 @@ class Translator {
     void Begin(const TableInfo& table, const char* operation);
     const TableInfo& TargetTable(const ObjectName& name);
     [[noreturn]] static void RefuseView(const ObjectName& name, const Query& query);
-    const Source& ChangedSource(const ObjectName& name, Position where, Scope& scope, std::string& from);
+    // Translates the FROM with it.
+    const Source& ChangedSource(const ObjectName& name, const std::vector<TableSourcePtr>& sources,
+                                Position where, Scope& scope, std::string& from);
+    const Source& SourceBehind(const Source& query, const ObjectName& name, Position where,
+                               std::string& from);
+    // The query is the one that is changed: its rows bring the number of their row in the table behind.
+    bool IsChanged(const std::string& exposed) const;
+    QueryText ChangedQuery(const Query& query, const std::string& exposed, const std::vector<Name>& columns);
+    void AddRowNumber(const SelectBody& select, const Scope& scope, SelectParts& parts);
+    // The name in the table behind of a column of the query that is changed.
+    std::string BehindName(const std::string& name, Position where) const;
+    void CheckOutputBehind(const OutputClause& output) const;
     std::string Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable);
 
     // insert.cpp
@@ -235,6 +304,13 @@ class Translator {
     Operand DefaultOf(const ColumnInfo& column);
     std::string InsertHead(const TableInfo& table, const std::vector<const ColumnInfo*>& columns) const;
 
+    // merge.cpp
+    struct MergeParts;
+    MergeParts JoinOf(const MergeStatement& statement);
+    std::string WhenText(const MergeStatement& statement, MergeMatch match, Scope& scope);
+    void AddStep(const MergeClause& clause, int number, const TableInfo& table, const std::string& alias,
+                 const std::string& when, Scope& scope, std::string& list);
+
     // update.cpp
     struct Assigned {
         const ColumnInfo* column;
@@ -242,8 +318,8 @@ class Translator {
     };
     struct UpdateParts;
     UpdateParts PartsOf(const UpdateStatement& statement);
-    std::vector<Assigned> Assignments(const UpdateStatement& statement, const TableInfo& table, Scope& scope,
-                                      const std::string& alias);
+    std::vector<Assigned> Assignments(const std::vector<tsql::Assignment>& assignments,
+                                      const TableInfo& table, Scope& scope, const std::string& alias);
 
     Translation Finished(std::string sql);
     static std::string Where(const std::string& condition) {
@@ -260,7 +336,30 @@ class Translator {
     std::string assigning_;       // variables assigned by this SELECT, each between blanks
     bool isAlternative_ = false;  // one of several conditions with OR, of which SQLite may make a set
     int aliasNumber_ = 0;
+    // What UPDATE or DELETE names, while its FROM is translated, and what is known of a query behind that
+    // name.
+    struct Changed {
+        const ObjectName* name = nullptr;
+        bool isOpen = false;    // its FROM is being translated
+        bool wantsRow = false;  // the SELECT that is translated next
+        bool isCursor = false;  // where there is none, none is needed
+        const TableInfo* table = nullptr;
+        std::vector<std::pair<std::string, std::string>> columns;  // their names, and those in the table
+        Source source;
+    };
+    Changed changed_;
+    const SelectBody* into_ = nullptr;  // whose list may hold IDENTITY(…)
+    bool fillsInto_ = false;            // which is then left out
     int viewDepth_ = 0;
+    // The recursive query whose members are being translated, as they see it.
+    struct Recursion {
+        const CommonTable* table = nullptr;
+        std::string name;   // quoted, as SQLite knows it
+        std::string alias;  // of its last use, quoted
+        std::vector<ResultColumn> columns;
+    };
+    std::vector<Recursion> recursions_;
+    int mostRecursions_ = 100;
     int foreignDepth_ = 0;  // inside a text of the catalog, whose literals are not those of the batch
 };
 

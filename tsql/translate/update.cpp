@@ -16,14 +16,14 @@ constexpr const char* kUpdate = "UPDATE";
 
 }  // namespace
 
-std::vector<Translator::Assigned> Translator::Assignments(const UpdateStatement& statement,
+std::vector<Translator::Assigned> Translator::Assignments(const std::vector<tsql::Assignment>& assignments,
                                                           const TableInfo& table, Scope& scope,
                                                           const std::string& alias) {
     std::vector<Assigned> result;
-    for (const tsql::Assignment& assignment : statement.assignments) {
+    for (const tsql::Assignment& assignment : assignments) {
         if (assignment.column.IsEmpty())
             throw MakeError(40510, assignment.position, {"UPDATE … SET @variable = expression"});
-        const std::string& name = assignment.column.Object();
+        const std::string name = BehindName(assignment.column.Object(), assignment.position);
         const ColumnInfo* column = table.FindColumn(name);
         if (column == nullptr) throw MakeError(207, assignment.position, {name});
         if (column->identity) throw MakeError(8102, assignment.position, {name});
@@ -64,16 +64,16 @@ struct Translator::UpdateParts {
 };
 
 Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement) {
-    if (!statement.currentOf.IsEmpty()) throw MakeError(40510, statement.position, {"WHERE CURRENT OF"});
     AddCommonTables(statement.with);
     UpdateParts parts;
-    parts.from = From(statement.from, parts.scope);
-    const Source& target = ChangedSource(statement.target, statement.position, parts.scope, parts.from);
+    const Source& target =
+        ChangedSource(statement.target, statement.from, statement.position, parts.scope, parts.from);
     parts.table = target.table;
     parts.alias = target.alias;
     Begin(*parts.table, kUpdate);
-    parts.assigned = Assignments(statement, *parts.table, parts.scope, parts.alias);
+    parts.assigned = Assignments(statement.assignments, *parts.table, parts.scope, parts.alias);
     if (statement.where) parts.condition = ConditionText(*statement.where, parts.scope);
+    if (!statement.currentOf.IsEmpty()) parts.condition = CurrentRow(statement.currentOf, parts.alias);
     if (statement.top) {
         if (statement.top->percent) throw MakeError(40510, statement.position, {"TOP"});
         Scope none;
@@ -110,7 +110,8 @@ Translation Translator::Update(const UpdateStatement& statement) {
     std::string variables;
     for (const tsql::Assignment& assignment : statement.assignments) {
         if (assignment.variable.empty()) continue;
-        const ColumnInfo* column = table.FindColumn(assignment.column.Object());
+        const ColumnInfo* column =
+            table.FindColumn(BehindName(assignment.column.Object(), assignment.position));
         translation_.assignments.push_back({LowerAscii(assignment.variable), AssignOp::kSet});
         translation_.columns.push_back({"", column->type});
         variables += (variables.empty() ? " RETURNING " : ", ") + Quoted(column->name);
@@ -120,7 +121,7 @@ Translation Translator::Update(const UpdateStatement& statement) {
         return entry.value.sql.find(table.Sql()) != std::string::npos;
     });
     std::string sql;
-    if (statement.from.empty() && !asksItself) {
+    if (statement.from.empty() && changed_.table == nullptr && !asksItself) {
         for (const Assigned& entry : assigned) {
             sql += (sql.empty() ? "" : ", ") + Quoted(entry.column->name) + " = " +
                    RenderStored(entry.value, table, *entry.column, kUpdate);
@@ -150,6 +151,7 @@ Translation Translator::Update(const UpdateStatement& statement) {
     }
     sql += variables;
     if (statement.output) {
+        CheckOutputBehind(*statement.output);
         for (const SelectItem& item : statement.output->items) {
             const auto* column = TryAs<ColumnExpr>(item.expression.get());
             const std::string& qualifier =

@@ -156,6 +156,41 @@ SqlType AsDecimal(const SqlType& type) {
     }
 }
 
+int StoredBytes(const SqlType& type) {
+    switch (type.kind) {
+        case TypeKind::kBit:
+        case TypeKind::kTinyInt:
+            return 1;
+        case TypeKind::kSmallInt:
+            return 2;
+        case TypeKind::kInt:
+        case TypeKind::kSmallMoney:
+        case TypeKind::kReal:
+        case TypeKind::kSmallDateTime:
+            return 4;
+        case TypeKind::kDate:
+            return 3;
+        case TypeKind::kTime:
+            return 5;
+        case TypeKind::kDecimal:
+            return type.precision < 10 ? 5 : type.precision < 20 ? 9 : type.precision < 29 ? 13 : 17;
+        case TypeKind::kUniqueIdentifier:
+        case TypeKind::kText:
+        case TypeKind::kNText:
+            return 16;
+        case TypeKind::kChar:
+        case TypeKind::kVarChar:
+        case TypeKind::kBinary:
+        case TypeKind::kVarBinary:
+            return type.length;
+        case TypeKind::kNChar:
+        case TypeKind::kNVarChar:
+            return type.IsMax() ? kMaxLength : type.length * 2;
+        default:
+            return 8;
+    }
+}
+
 SqlType CommonType(const SqlType& a, const SqlType& b) {
     if (a.IsUnknown()) return b;
     if (b.IsUnknown()) return a;

@@ -96,6 +96,9 @@ SqlType CommonType(const SqlType& a, const SqlType& b);
 // What an integer, bit or money counts as among decimals.
 SqlType AsDecimal(const SqlType& type);
 
+// The bytes that a value takes on the server, -1 for max: what COL_LENGTH and the system's views say.
+int StoredBytes(const SqlType& type);
+
 enum class Arithmetic : std::uint8_t { kAdd, kSubtract, kMultiply, kDivide, kModulo };
 
 // The type of a decimal operation, its scale cut as SQL Server cuts it when 38 digits are not enough.

@@ -184,6 +184,7 @@ std::vector<bool> CountsOfChanges(std::string_view batch) {
                 case tsql::StatementKind::kInsert:
                 case tsql::StatementKind::kUpdate:
                 case tsql::StatementKind::kDelete:
+                case tsql::StatementKind::kMerge:
                     counts.push_back(true);
                     break;
                 case tsql::StatementKind::kSelect: {
@@ -206,6 +207,7 @@ std::vector<bool> CountsOfChanges(std::string_view batch) {
                 case tsql::StatementKind::kExecute:
                 case tsql::StatementKind::kExecuteText:
                 case tsql::StatementKind::kReturn:
+                case tsql::StatementKind::kGoto:
                     return {};
                 default:
                     break;

@@ -83,8 +83,85 @@ std::string BatchGenerator::Condition(int depth) {
     }
 }
 
+// Rows that look at other rows: windows and their frames, ranks, sets of groups.
+std::string BatchGenerator::WindowQuery() {
+    switch (Below(6)) {
+        case 0:
+            return "select o.id, " +
+                   std::string(One({"row_number()", "rank()", "dense_rank()", "ntile(2)", "cume_dist()",
+                                    "percent_rank()"})) +
+                   " over (" + One({"", "partition by o.n "}) + "order by o." +
+                   One({"id", "n, o.id", "d desc, o.id"}) + ") as x from g_one as o order by o.id";
+        case 1:
+            return "select o.id, " +
+                   std::string(One({"lag(o.d)", "lead(o.s, 1, N'none')", "lag(o.id, 2, 0)",
+                                    "first_value(o.w)", "last_value(o.n)"})) +
+                   " over (order by o.id) as x from g_one as o where " + Condition(1) + " order by o.id";
+        case 2:
+            return "select t.id, " +
+                   std::string(
+                       One({"sum(t.m)", "avg(t.m)", "count(*)", "max(t.c)", "sum(t.r)", "var(t.m)"})) +
+                   " over (order by t.id " +
+                   One({"rows 1 preceding", "rows between 1 preceding and 1 following",
+                        "rows between current row and unbounded following", "range unbounded preceding",
+                        "rows between 2 following and 3 following"}) +
+                   ") as x from g_two as t order by t.id";
+        case 3:
+            return "select top " + std::string(One({"1", "2", "3"})) +
+                   " with ties o.n from g_one as o order by o.n" + One({"", " desc"});
+        case 4:
+            return "select count(*) as c from (select top " + std::string(One({"0", "25", "50", "100"})) +
+                   " percent o.id from g_one as o order by o.id) as q";
+        default:
+            return "if exists (select * from g_one) select o.n, t.c, count(*) as x, sum(t.m) as y, "
+                   "grouping_id(o.n, t.c) as i "
+                   "from g_one as o cross join g_two as t group by " +
+                   std::string(One({"rollup (o.n, t.c)", "cube (o.n, t.c)", "grouping sets ((o.n), (t.c))",
+                                    "o.n, rollup (t.c)"})) +
+                   " having count(*) > 0 order by i, o.n, t.c";
+    }
+}
+
+// Sources beside tables: what is applied to each row, recursion, pivots, texts taken apart.
+std::string BatchGenerator::SourceQuery() {
+    switch (Below(6)) {
+        case 0:
+            return "select o.id, x.m from g_one as o " + std::string(One({"cross", "outer"})) +
+                   " apply (select top 1 t.m from g_two as t where t.one_id = o.id order by t.id) as x order "
+                   "by o.id";
+        case 1:
+            return "select o.id, x.n, x.total from g_one as o outer apply (select count(*) as n, sum(m) as "
+                   "total "
+                   "from g_two where one_id = o.id) as x where " +
+                   Condition(0) + " order by o.id";
+        case 2:
+            return ";with c (i, s) as (select o.id, cast(o.s as nvarchar(60)) from g_one as o where o.id < 3 "
+                   "union "
+                   "all select c.i + 2, cast(c.s + N'-' as nvarchar(60)) from c where c.i < " +
+                   std::to_string(3 + Below(8)) + ") select * from c order by i, s";
+        case 3:
+            return "select [1], [2], id from (select id, one_id, m from g_two) as s pivot (" +
+                   std::string(One({"sum", "max", "count"})) +
+                   "(m) for one_id in ([1], [2])) as p order by id";
+        case 4:
+            return "select o.id, p.value from g_one as o cross apply string_split(isnull(o.s, N'') + N',x', "
+                   "N',') as p "
+                   "order by o.id, p.value";
+        default:
+            return "select id, what, amount from (select id, m, cast(one_id as money) as i from g_two) as s "
+                   "unpivot (amount "
+                   "for what in (m, i)) as u order by id, what";
+    }
+}
+
 std::string BatchGenerator::Query() {
-    switch (Below(8)) {
+    switch (Below(12)) {
+        case 8:
+        case 9:
+            return WindowQuery();
+        case 10:
+        case 11:
+            return SourceQuery();
         case 0:
             return "select o.id, " + Number(2) + " as x, " + Text(1) + " as y from g_one as o where " +
                    Condition(2) + " order by o.id";
@@ -116,7 +193,27 @@ std::string BatchGenerator::Query() {
 
 std::string BatchGenerator::Change() {
     const std::string id = std::to_string(10 + names_++);
-    switch (Below(8)) {
+    switch (Below(11)) {
+        case 8:
+            return "merge g_one as t using (select id, one_id, m from g_two where id < 6) as s on t.id = "
+                   "s.id when "
+                   "matched and t.id > 3 then delete when matched then update set d = s.m, n = isnull(t.n, "
+                   "0) + 1 "
+                   "when not matched then insert (id, d) values (s.id + 50, s.m)" +
+                   std::string(One({"", " when not matched by source and t.id > 4 then delete"})) + ";";
+        case 9:
+            return ";with q as (select *, row_number() over (partition by one_id order by id) as nr from "
+                   "g_two) " +
+                   std::string(
+                       One({"delete from q where nr > 1", "update q set m = nr, c = 'via' where nr = 1"}));
+        case 10:
+            return "declare @t" + id + " table (k int primary key, v nvarchar(20)) insert into @t" + id +
+                   " select o.id, o.s from g_one as o merge @t" + id +
+                   " as t using g_two as s on t.k = s.id when matched "
+                   "then update set v = s.c when not matched then insert values (s.id + 1000, s.c); select "
+                   "count(*) "
+                   "as n, max(v) as v from @t" +
+                   id;
         case 0:
             return "insert into g_one (id, n, d) values (" + id + ", " + std::to_string(Below(9)) +
                    ", 1.005)";
@@ -141,7 +238,11 @@ std::string BatchGenerator::Change() {
 
 std::string BatchGenerator::Flow() {
     const std::string name = "@v" + std::to_string(names_++);
-    switch (Below(6)) {
+    switch (Below(7)) {
+        case 6:
+            return "declare " + name + " int = 0 again_" + name.substr(1) + ": set " + name + " += 1 if " +
+                   name + " < 3 begin update g_two set m = m + 1 where id = " + name + " goto again_" +
+                   name.substr(1) + " end select " + name + " as v";
         case 0:
             return "declare " + name + " int = 0 while " + name + " < 3 begin set " + name + " += 1 if " +
                    name + " = 2 continue update g_two set m = m + " + name + " where id < 4 end select " +
@@ -202,6 +303,18 @@ std::string BatchGenerator::Failing(std::size_t number) {
         "exec no_such_procedure",
         "raiserror ('told', 16, 1)",
         "select (select id from g_one) as x",
+        "merge g_one as t using (values (700), (700)) as s (id) on t.id = s.id when not matched then insert "
+        "(id) "
+        "values (s.id);",
+        "merge g_one as t using (values (1, 0), (2, 1), (3, 0)) as s (id, z) on t.id = s.id when matched "
+        "then update "
+        "set n = 1 / s.z;",
+        ";with q as (select *, row_number() over (order by id) as nr from g_one) update q set n = 1 / (nr - "
+        "2)",
+        ";with c (i) as (select 1 union all select i + 1 from c where i < 500) insert into g_one (id) select "
+        "i + 800 "
+        "from c",
+        "exec sp_rename 'g_one', 'g_two'",
     };
     return kForms[number % std::size(kForms)];
 }

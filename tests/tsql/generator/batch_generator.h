@@ -35,6 +35,8 @@ class BatchGenerator {
     std::string Text(int depth);
     std::string Condition(int depth);
     std::string Query();
+    std::string WindowQuery();
+    std::string SourceQuery();
     std::string Change();
     std::string Flow();
     std::string Statement();

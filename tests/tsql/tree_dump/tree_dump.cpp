@@ -88,11 +88,25 @@ void TreeDump::AddFunction(const FunctionExpr& function) {
     const Deeper deeper(*this);
     for (const ExprPtr& argument : function.arguments)
         Add(*argument);
+    Add("within group", function.withinGroup);
     if (!function.over) return;
     Line("over");
     const Deeper further(*this);
     Add("partition", function.over->partitionBy);
     Add("order", function.over->orderBy);
+    if (function.over->frame) AddFrame(*function.over->frame);
+}
+
+void TreeDump::AddFrame(const WindowFrame& frame) {
+    static constexpr std::string_view kNames[] = {"unbounded preceding", "preceding", "current row",
+                                                  "following", "unbounded following"};
+    Line(frame.isRows ? "rows" : "range");
+    const Deeper deeper(*this);
+    Add(kNames[static_cast<std::size_t>(frame.start.kind)], frame.start.rows);
+    if (!frame.start.rows) Line(kNames[static_cast<std::size_t>(frame.start.kind)]);
+    if (!frame.end) return;
+    Add(kNames[static_cast<std::size_t>(frame.end->kind)], frame.end->rows);
+    if (!frame.end->rows) Line(kNames[static_cast<std::size_t>(frame.end->kind)]);
 }
 
 void TreeDump::Add(const Expr& expr) {
@@ -280,7 +294,19 @@ void TreeDump::Add(const SelectBody& select) {
     Add("from", select.from);
     Add("where", select.where);
     Add("group by", select.groupBy);
+    Add(select.grouping);
     Add("having", select.having);
+}
+
+void TreeDump::Add(const std::vector<GroupingItem>& grouping) {
+    static constexpr std::string_view kNames[] = {"group by", "rollup", "cube", "grouping sets"};
+    for (const GroupingItem& item : grouping) {
+        Line(kNames[static_cast<std::size_t>(item.kind)], &item.position);
+        const Deeper deeper(*this);
+        for (const ExprPtr& expression : item.expressions)
+            Add(*expression);
+        Add(item.parts);
+    }
 }
 
 void TreeDump::Add(const SelectItem& item) {
@@ -346,6 +372,22 @@ void TreeDump::Add(const TableSource& source) {
             Add(*join.right);
             return Add("on", join.on);
         }
+        case SourceKind::kPivot: {
+            const auto& pivot = As<PivotTable>(source);
+            Line("Pivot", at,
+                 " " + Print(pivot.function) + Attribute("value", Print(pivot.value)) +
+                     Attribute("for", Print(pivot.spread)) + alias(pivot.alias, pivot.columns));
+            const Deeper deeper(*this);
+            return Add(*pivot.source);
+        }
+        case SourceKind::kUnpivot: {
+            const auto& unpivot = As<UnpivotTable>(source);
+            Line("Unpivot", at,
+                 Attribute("value", NameText(unpivot.value)) + Attribute("for", NameText(unpivot.name)) +
+                     alias(unpivot.alias, unpivot.columns));
+            const Deeper deeper(*this);
+            return Add(*unpivot.source);
+        }
     }
 }
 
@@ -403,63 +445,6 @@ void TreeDump::Add(std::string_view role, const std::vector<StatementPtr>& state
     const Deeper deeper(*this);
     for (const StatementPtr& statement : statements)
         Add(*statement);
-}
-
-void TreeDump::AddData(const Statement& statement) {
-    const Position* at = &statement.position;
-    switch (statement.kind) {
-        case StatementKind::kInsert: {
-            static constexpr std::string_view kSources[] = {" values", " query", " execute",
-                                                            " default values"};
-            const auto& insert = As<InsertStatement>(statement);
-            Line("InsertStatement", at,
-                 " " + Print(insert.table) + Attribute("columns", NamesText(insert.columns)) +
-                     Attribute("hints", Joined(insert.hints)) +
-                     std::string(kSources[static_cast<std::size_t>(insert.source)]));
-            const Deeper deeper(*this);
-            Add(insert.with);
-            if (insert.top) Add(*insert.top);
-            if (insert.output) Add(*insert.output);
-            for (const auto& row : insert.rows)
-                Add("row", row);
-            if (insert.query) Add(*insert.query);
-            if (insert.execute) Add(*insert.execute);
-            return;
-        }
-        case StatementKind::kUpdate: {
-            const auto& update = As<UpdateStatement>(statement);
-            Line("UpdateStatement", at,
-                 " " + Print(update.target) + Attribute("hints", Joined(update.hints)) +
-                     Attribute("current of", NameText(update.currentOf)));
-            const Deeper deeper(*this);
-            Add(update.with);
-            if (update.top) Add(*update.top);
-            for (const Assignment& assignment : update.assignments) {
-                Line("Assignment", &assignment.position,
-                     Attribute("variable", assignment.variable) +
-                         Attribute("column", Print(assignment.column)) + " " +
-                         std::string(OpName(assignment.op)));
-                const Deeper further(*this);
-                Add(*assignment.value);
-            }
-            if (update.output) Add(*update.output);
-            Add("from", update.from);
-            return Add("where", update.where);
-        }
-        default: {
-            const auto& removal = As<DeleteStatement>(statement);
-            Line("DeleteStatement", at,
-                 Flag(removal.fromKeyword, "from") + " " + Print(removal.target) +
-                     Attribute("hints", Joined(removal.hints)) +
-                     Attribute("current of", NameText(removal.currentOf)));
-            const Deeper deeper(*this);
-            Add(removal.with);
-            if (removal.top) Add(*removal.top);
-            if (removal.output) Add(*removal.output);
-            Add("from", removal.from);
-            return Add("where", removal.where);
-        }
-    }
 }
 
 }  // namespace vicenter::tsql

@@ -36,11 +36,15 @@ class TreeDump {
     void Add(const Expr& expr);
     void AddCondition(const Expr& expr);
     void AddFunction(const FunctionExpr& function);
+    void AddFrame(const WindowFrame& frame);
+    void Add(const MergeClause& clause);
+    void Add(const std::vector<Assignment>& assignments);
     void Add(std::string_view role, const std::vector<ExprPtr>& list);
     void Add(std::string_view role, const std::vector<OrderItem>& items);
     void Add(const Query& query);
     void Add(const QueryBody& body);
     void Add(const SelectBody& select);
+    void Add(const std::vector<GroupingItem>& grouping);
     void Add(const SelectItem& item);
     void Add(const TopClause& top);
     void Add(const TableSource& source);

@@ -249,6 +249,7 @@ void TreeDump::Add(const Statement& statement) {
         case StatementKind::kInsert:
         case StatementKind::kUpdate:
         case StatementKind::kDelete:
+        case StatementKind::kMerge:
             return AddData(statement);
         case StatementKind::kTruncate:
             return Line("TruncateStatement", at, " " + Print(As<TruncateStatement>(statement).table));
@@ -280,6 +281,16 @@ void TreeDump::Add(const Statement& statement) {
             return Line("BreakStatement", at);
         case StatementKind::kContinue:
             return Line("ContinueStatement", at);
+        case StatementKind::kGoto:
+            return Line("GotoStatement", at, " " + NameText(As<GotoStatement>(statement).label));
+        case StatementKind::kLabel:
+            return Line("LabelStatement", at, " " + NameText(As<LabelStatement>(statement).label));
+        case StatementKind::kWaitFor: {
+            const auto& wait = As<WaitForStatement>(statement);
+            Line("WaitForStatement", at, wait.untilTime ? " time" : " delay");
+            const Deeper deeper(*this);
+            return Add(*wait.time);
+        }
         case StatementKind::kPrint: {
             Line("PrintStatement", at);
             const Deeper deeper(*this);

@@ -103,6 +103,15 @@ void Executor::AddConstraint(TableInfo& table, const Constraint& constraint) {
     }
 }
 
+// Equal bytes may differ in zeros at their end, which SQLite would tell apart.
+void Executor::RefuseKeyOfBytes(const TableInfo& table, const KeyInfo& key, Position where) const {
+    for (const std::string& name : key.columns) {
+        const ColumnInfo* column = table.FindColumn(name);
+        if (key.IsUnique() && column != nullptr && column->type.kind == TypeKind::kVarBinary)
+            throw MakeError(40510, where, {"a unique key of varbinary"});
+    }
+}
+
 // A new table makes the columns of its primary key NOT NULL; in one that has rows they must be so already.
 void Executor::AddKey(TableInfo& table, const Constraint& constraint) {
     const bool primary = constraint.kind == ConstraintKind::kPrimaryKey;
@@ -113,6 +122,7 @@ void Executor::AddKey(TableInfo& table, const Constraint& constraint) {
     KeyInfo key;
     key.kind = primary ? KeyKind::kPrimary : KeyKind::kUnique;
     key.columns = KeyColumns(table, constraint, primary && isNew);
+    RefuseKeyOfBytes(table, key, constraint.position);
     for (const IndexColumn& column : constraint.columns)
         key.descending.push_back(column.descending);
     if (primary) {

@@ -26,8 +26,13 @@ std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const Curs
     cursor->program = frame_->program;
     cursor->scroll = !Has(definition.options, "forward_only") && !Has(definition.options, "fast_forward");
     Plan plan;
-    plan.translation =
-        Translated([&](Translator& translator) { return translator.Select(*definition.query); });
+    const bool readOnly = definition.forReadOnly || Has(definition.options, "static") ||
+                          Has(definition.options, "insensitive") || Has(definition.options, "fast_forward") ||
+                          Has(definition.options, "read_only");
+    plan.translation = Translated([&](Translator& translator) {
+        return readOnly ? translator.Select(*definition.query) : translator.CursorQuery(*definition.query);
+    });
+    cursor->table = plan.translation.rowsOf;
     plan.statement = database_.Prepare(plan.translation.sql);
     // Variables in the query have the values of this moment.
     Bind(plan);
@@ -70,6 +75,7 @@ void Executor::OpenCursor(const OpenCursorStatement& statement) {
     Cursor& cursor = *CursorSlot(statement.cursor);
     if (cursor.open) throw MakeError(16905, statement.position);
     cursor.rows.clear();
+    cursor.rowNumbers.clear();
     Plan plan;
     plan.translation.columns = cursor.columns;
     plan.statement = std::move(cursor.statement);
@@ -79,6 +85,8 @@ void Executor::OpenCursor(const OpenCursorStatement& statement) {
         while (StepPlan(plan)) {
             ReadRow(plan, row);
             cursor.rows.push_back(std::move(row));
+            if (cursor.table != 0)
+                cursor.rowNumbers.push_back(plan.statement.Int(static_cast<int>(cursor.columns.size())));
         }
     } catch (...) {
         cursor.statement = std::move(plan.statement);
@@ -136,6 +144,20 @@ void Executor::Fetch(const FetchStatement& statement) {
     }
     fetchStatus_ = found ? kFetched : kNoRow;
     rowCount_ = found ? 1 : 0;
+}
+
+// The row that was fetched last, for WHERE CURRENT OF.
+void Executor::TakeCurrentRow(const Name& name, const ObjectName& target) {
+    CursorName wanted;
+    wanted.name = name;
+    const Cursor& cursor = *CursorSlot(wanted);
+    if (!cursor.open) throw MakeError(16917, name.position);
+    if (cursor.table == 0) throw MakeError(16929, name.position);
+    const TableInfo* table = FindTable(target.Object());
+    if (table == nullptr || table->id != cursor.table) throw MakeError(16933, name.position);
+    if (cursor.position < 0 || cursor.position >= static_cast<std::int64_t>(cursor.rows.size()))
+        throw MakeError(16931, name.position);
+    currentRow_ = cursor.rowNumbers[static_cast<std::size_t>(cursor.position)];
 }
 
 void Executor::CloseCursor(const CloseCursorStatement& statement) {

@@ -4,10 +4,12 @@ namespace vicenter::tsql::engine {
 
 void Executor::Delete(const DeleteStatement& statement) {
     const TableInfo* table = FindTable(statement.target.Object());
+    if (!statement.currentOf.IsEmpty()) TakeCurrentRow(statement.currentOf, statement.target);
     Modify(
         &statement, table != nullptr && table->temporary,
         [&](Translator& translator) { return translator.Delete(statement); },
         statement.output ? &*statement.output : nullptr);
+    if (!statement.currentOf.IsEmpty() && rowCount_ == 0) throw MakeError(16947, statement.position);
 }
 
 void Executor::Truncate(const TruncateStatement& statement) {

@@ -3,6 +3,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
+#include "tsql/run/system_procedures.h"
 #include "tsql/syntax/print/printer.h"
 
 namespace vicenter::tsql::engine {
@@ -31,12 +32,17 @@ void Executor::Execute(const ExecuteStatement& statement) {
 }
 
 void Executor::CallProcedure(const ExecuteStatement& statement, const std::string& name) {
+    // The server's own come before those of the account set.
+    if (const SystemProcedure* system = FindSystemProcedure(LowerAscii(name)))
+        return CallSystemProcedure(*system, statement);
     const ModuleInfo* found = catalog_.FindProcedure(name);
     if (found == nullptr) {
         // Another process may have made it in the meantime.
         catalog_.Refresh();
         found = catalog_.FindProcedure(name);
     }
+    if (found == nullptr && IsServerProcedure(LowerAscii(name)))
+        throw MakeError(40510, statement.position, {name});
     if (found == nullptr) throw MakeError(2812, statement.position, {name});
     Frame callee(*frame_, statement.position);
     callee.program = programs_.ForProcedure(*found);
@@ -90,6 +96,17 @@ Value ConvertArgument(const Value& value, const SqlType& from, const SqlType& to
 
 }  // namespace
 
+void Executor::CallSystemProcedure(const SystemProcedure& system, const ExecuteStatement& statement) {
+    Frame callee(*frame_, statement.position);
+    callee.program = programs_.ForCall(std::string(system.text));
+    callee.procedure = system.name;
+    callee.isSystem = true;
+    // What it selects for itself is not counted for its caller.
+    callee.options.noCount = true;
+    const auto* procedure = TryAs<CreateProcedureStatement>(callee.program->items.front().statement);
+    RunProcedure(*procedure, statement, 0, callee);
+}
+
 void Executor::BindArguments(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
                              std::size_t firstArgument, Frame& callee) {
     const auto given = ArgumentsByParameter(procedure.parameters, statement, firstArgument, callee.procedure);
@@ -130,6 +147,8 @@ void Executor::RunProcedure(const CreateProcedureStatement& procedure, const Exe
     callee.text = callee.program->text;
     RunIn(callee, [&] {
         DeclareAll(procedure.body);
+        if (callee.isSystem && callee.procedure == kSpRename.name) Rename();
+        if (callee.isSystem && callee.procedure == kSpSpaceUsed.name) SpaceUsed();
         RunList(procedure.body);
     });
     std::size_t position = 0;
@@ -160,9 +179,7 @@ void Executor::ExecuteText(const ExecuteTextStatement& statement) {
     callee.text = text;
     RunIn(callee, [&] {
         DeclareAll(callee.program->statements);
-        for (const ProgramItem& item : callee.program->items) {
-            if (RunStatement(*item.statement) == Flow::kReturn) break;
-        }
+        RunItems(*callee.program);
     });
 }
 

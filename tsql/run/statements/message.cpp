@@ -23,6 +23,14 @@ void Executor::Print(const PrintStatement& statement) {
     sink_->Message(message);
 }
 
+void Executor::RaiseKnown(std::int32_t number, const RaiserrorStatement& statement) {
+    std::vector<std::string> texts;
+    for (const ExprPtr& argument : statement.arguments)
+        texts.push_back(EvaluateText(*argument));
+    texts.resize(2);
+    throw MakeError(number, statement.position, {texts[0], texts[1]});
+}
+
 void Executor::Raiserror(const RaiserrorStatement& statement) {
     SqlType type;
     const Value message = Evaluate(*statement.message, &type);
@@ -34,6 +42,8 @@ void Executor::Raiserror(const RaiserrorStatement& statement) {
     details.number = kUserError;
     if (type.IsNumber()) {
         const std::int64_t number = Convert(message, type, SqlType::Of(TypeKind::kBigInt)).Int();
+        // The server's own procedures tell its own messages.
+        if (frame_->isSystem) RaiseKnown(static_cast<std::int32_t>(number), statement);
         throw MakeError(18054, statement.position, {number, details.severity, details.state});
     }
     std::vector<MessageArgument> arguments;

@@ -48,7 +48,7 @@ void Executor::SelectInto(const SelectStatement& statement) {
     transactions_.Change(temporary, [&] {
         if (catalog_.ObjectId(name, "")) throw MakeError(2714, select.into.Where(), {name});
         Translation translation =
-            Translated([&](Translator& translator) { return translator.Select(*statement.query); });
+            Translated([&](Translator& translator) { return translator.SelectInto(*statement.query); });
         TableInfo table;
         table.name = name;
         table.temporary = temporary;
@@ -62,13 +62,22 @@ void Executor::SelectInto(const SelectStatement& statement) {
             ColumnInfo info;
             info.name = column.name;
             info.type = column.type;
+            const bool numbers = translation.identity && translation.identity->place == table.columns.size();
+            if (numbers) {
+                info.identity = true;
+                info.nullable = false;
+                info.seed = translation.identity->seed;
+                info.increment = translation.identity->increment;
+                table.lastIdentity = info.seed - info.increment;
+            } else {
+                names.push_back({column.name, statement.position, true});
+            }
             table.columns.push_back(std::move(info));
-            names.push_back({column.name, statement.position, true});
         }
         catalog_.CreateTable(table);
         if (temporary && frame_->level > 0) frame_->temporaries.push_back(name);
         Plan& plan = PlanFor(&statement, [&](Translator& translator) {
-            return translator.InsertQuery(*catalog_.FindTable(name), names, *statement.query);
+            return translator.FillInto(*catalog_.FindTable(name), names, *statement.query);
         });
         RunModification(plan, nullptr);
     });

@@ -57,14 +57,6 @@ constexpr FixedSwitch kFixedSwitches[] = {
 // The language in which names of months and days are told, and dates are read.
 constexpr std::string_view kLanguages[] = {"us_english", "english"};
 
-std::string UpperAscii(std::string_view text) {
-    std::string upper(text);
-    for (char& c : upper) {
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    }
-    return upper;
-}
-
 [[noreturn]] void Refuse(const SetOptionStatement& statement, std::string_view option,
                          std::string_view value) {
     throw MakeError(40510, statement.position, {"SET " + UpperAscii(option) + " " + std::string(value)});

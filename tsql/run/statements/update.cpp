@@ -26,6 +26,7 @@ bool TellsRows(const UpdateStatement& statement) {
 void Executor::Update(const UpdateStatement& statement) {
     const TableInfo* table = FindTable(statement.target.Object());
     const bool temporary = table != nullptr && table->temporary;
+    if (!statement.currentOf.IsEmpty()) TakeCurrentRow(statement.currentOf, statement.target);
     try {
         Modify(
             &statement, temporary, [&](Translator& translator) { return translator.Update(statement); },
@@ -35,6 +36,7 @@ void Executor::Update(const UpdateStatement& statement) {
         // duplicate.
         if (!IsDuplicate(error) || TellsRows(statement) || !RewriteRows(statement, temporary)) throw;
     }
+    if (!statement.currentOf.IsEmpty() && rowCount_ == 0) throw MakeError(16947, statement.position);
 }
 
 bool Executor::IsReferenced(const TableInfo& table) const {

@@ -7,7 +7,7 @@ Flow Executor::While(const WhileStatement& statement) {
         lastError_ = 0;
         const Flow flow = RunStatement(*statement.body);
         if (flow == Flow::kBreak) break;
-        if (flow == Flow::kReturn) return flow;
+        if (flow == Flow::kReturn || flow == Flow::kGoto) return flow;
     }
     return Flow::kNext;
 }

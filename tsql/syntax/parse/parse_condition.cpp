@@ -1,5 +1,6 @@
 // Search conditions.
 
+#include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {
@@ -54,6 +55,7 @@ ExprPtr Parser::ParseNot() {
 }
 
 ExprPtr Parser::ParsePredicate() {
+    RefusePredicate();
     if (At(Keyword::kExists)) {
         auto exists = std::make_unique<ExistsExpr>(Take().position);
         Expect(Op::kLeftParen);
@@ -89,6 +91,7 @@ ExprPtr Parser::ParsePredicateTail(ExprPtr left) {
     if (Accept(Keyword::kIs)) {
         auto isNull = std::make_unique<IsNullExpr>(position);
         isNull->negated = Accept(Keyword::kNot);
+        if (At(Keyword::kDistinct)) throw MakeError(40510, position, {"IS DISTINCT FROM"});
         Expect(Keyword::kNull);
         isNull->operand = std::move(left);
         Deepen(*isNull, isNull->operand);

@@ -113,7 +113,8 @@ ProcedureParameter Parser::ParseProcedureParameter() {
 }
 
 StatementPtr Parser::ParseDrop() {
-    auto drop = Make<DropStatement>(Take().position);
+    const Position start = Take().position;
+    auto drop = Make<DropStatement>(start);
     switch (Peek().keyword) {
         case Keyword::kTable:
             drop->object = DropKind::kTable;
@@ -135,6 +136,7 @@ StatementPtr Parser::ParseDrop() {
             drop->object = DropKind::kTrigger;
             break;
         default:
+            RefuseObject(start, "DROP");
             Fail();
     }
     Take();

@@ -20,7 +20,7 @@ StatementPtr Parser::ParseDelete(std::vector<CommonTable> with) {
     if (AtWord("output")) statement->output = ParseOutput();
     if (At(Keyword::kFrom)) statement->from = ParseFrom();
     ParseWhere(statement->where, statement->currentOf);
-    ParseOptionClause();
+    SkipOptionClause();
     return statement;
 }
 

@@ -86,6 +86,7 @@ ExprPtr Parser::ParseUnary(bool conditionAllowed) {
 
 ExprPtr Parser::ParsePrimary(bool conditionAllowed) {
     ExprPtr expr;
+    RefuseValue();
     const Token& token = Peek();
     switch (token.kind) {
         case TokenKind::kInteger:
@@ -103,7 +104,7 @@ ExprPtr Parser::ParsePrimary(bool conditionAllowed) {
             break;
         }
         case TokenKind::kIdentifier:
-            expr = token.keyword == Keyword::kNone ? ParseNameOrCall() : ParseKeywordPrimary();
+            expr = AtName() ? ParseNameOrCall() : ParseKeywordPrimary();
             break;
         case TokenKind::kQuotedIdentifier:
             expr = ParseNameOrCall();
@@ -120,6 +121,7 @@ ExprPtr Parser::ParsePrimary(bool conditionAllowed) {
         Deepen(*collate, collate->operand);
         expr = std::move(collate);
     }
+    RefuseBehindValue();
     return expr;
 }
 

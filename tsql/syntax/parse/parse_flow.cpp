@@ -1,5 +1,8 @@
 // Blocks, IF, WHILE, RETURN, TRY … CATCH, PRINT, RAISERROR, THROW.
 
+#include <algorithm>
+
+#include "automation/object.h"
 #include "text/ascii.h"
 #include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
@@ -15,7 +18,7 @@ StatementPtr Parser::ParseBegin() {
     if (AtWord("try")) return ParseTryCatch(start);
     auto block = Make<BlockStatement>(start);
     nested_ = true;
-    block->statements = ParseStatements();
+    block->statements = ParseBlock();
     if (block->statements.empty()) Fail();
     Expect(Keyword::kEnd);
     return block;
@@ -25,30 +28,36 @@ StatementPtr Parser::ParseTryCatch(Position start) {
     auto statement = Make<TryCatchStatement>(start);
     nested_ = true;
     ExpectWord("try");
-    statement->tried = ParseStatements();
+    statement->tried = ParseBlock();
     Expect(Keyword::kEnd);
     ExpectWord("try");
     SkipSemicolons();
     Expect(Keyword::kBegin);
     ExpectWord("catch");
-    statement->caught = ParseStatements();
+    statement->caught = ParseBlock();
     Expect(Keyword::kEnd);
     ExpectWord("catch");
     return statement;
+}
+
+// Of IF or WHILE. A label there would stand in no list.
+StatementPtr Parser::ParseBranch() {
+    if (AtName() && At(Op::kColon, 1)) throw MakeError(40510, Peek().position, {"a label as a branch"});
+    return ParseStatement();
 }
 
 StatementPtr Parser::ParseIf() {
     auto statement = Make<IfStatement>(Take().position);
     statement->condition = ParseCondition();
     nested_ = true;
-    statement->then = ParseStatement();
+    statement->then = ParseBranch();
     // A semicolon may close the first branch: IF … PRINT 'a'; ELSE …
     if (At(Op::kSemicolon)) {
         const State state = Save();
         SkipSemicolons();
         if (!At(Keyword::kElse)) Restore(state);
     }
-    if (Accept(Keyword::kElse)) statement->otherwise = ParseStatement();
+    if (Accept(Keyword::kElse)) statement->otherwise = ParseBranch();
     return statement;
 }
 
@@ -57,7 +66,7 @@ StatementPtr Parser::ParseWhile() {
     statement->condition = ParseCondition();
     nested_ = true;
     ++loops_;
-    statement->body = ParseStatement();
+    statement->body = ParseBranch();
     --loops_;
     return statement;
 }
@@ -85,6 +94,63 @@ StatementPtr Parser::ParseReturn() {
         statement->value = ParseValue();
     }
     return statement;
+}
+
+StatementPtr Parser::ParseGoto() {
+    auto jump = Make<GotoStatement>(Expect(Keyword::kGoto).position);
+    jump->label = TakeName();
+    jumps_.push_back({jump->label, blocks_});
+    return jump;
+}
+
+// Statements that a jump from outside does not reach.
+std::vector<StatementPtr> Parser::ParseBlock() {
+    blocks_.push_back(++blockNumber_);
+    std::vector<StatementPtr> statements = ParseStatements();
+    blocks_.pop_back();
+    return statements;
+}
+
+// At the end of the batch: every jump has its label, in a block around it.
+void Parser::CheckJumps() const {
+    for (const Place& jump : jumps_) {
+        const Place* found = nullptr;
+        for (const Place& label : labels_) {
+            if (automation::SameName(label.label.text, jump.label.text)) found = &label;
+        }
+        if (found == nullptr) throw MakeError(133, jump.label.position, {jump.label.text});
+        const std::size_t depth = found->blocks.size();
+        const bool isAround = depth <= jump.blocks.size() &&
+                              std::equal(found->blocks.begin(), found->blocks.end(), jump.blocks.begin());
+        if (!isAround) throw MakeError(40510, jump.label.position, {"GOTO into a block"});
+    }
+}
+
+StatementPtr Parser::ParseLabel() {
+    auto label = Make<LabelStatement>(Peek().position);
+    label->label = TakeName();
+    Expect(Op::kColon);
+    for (const Place& other : labels_) {
+        if (automation::SameName(other.label.text, label->label.text))
+            throw MakeError(132, label->position, {label->label.text});
+    }
+    labels_.push_back({label->label, blocks_});
+    return label;
+}
+
+// WAITFOR DELAY 'hh:mm:ss' | WAITFOR TIME 'hh:mm'
+StatementPtr Parser::ParseWaitFor() {
+    auto wait = Make<WaitForStatement>(Expect(Keyword::kWaitfor).position);
+    wait->untilTime = AcceptWord("time");
+    if (!wait->untilTime) ExpectWord("delay");
+    if (At(TokenKind::kVariable)) {
+        const Token variable = Take();
+        wait->time = std::make_unique<VariableExpr>(variable.position, std::string(variable.text));
+    } else {
+        if (!AtString()) Fail();
+        wait->time = ParseLiteral();
+    }
+    return wait;
 }
 
 StatementPtr Parser::ParsePrint() {

@@ -76,6 +76,14 @@ ExprPtr Parser::ParseCall(ObjectName name) {
         } while (Accept(Op::kComma));
     }
     Expect(Op::kRightParen);
+    if (AtWord("within") && At(Keyword::kGroup, 1)) {
+        Take();
+        Take();
+        Expect(Op::kLeftParen);
+        function->withinGroup = ParseOrderBy();
+        Expect(Op::kRightParen);
+    }
+    RefuseBehindCall();
     if (At(Keyword::kOver)) function->over = ParseOver();
     for (const ExprPtr& argument : function->arguments)
         Deepen(*function, argument);
@@ -91,8 +99,42 @@ OverClause Parser::ParseOver() {
         over.partitionBy = ParseValueList();
     }
     if (At(Keyword::kOrder)) over.orderBy = ParseOrderBy();
+    if (AtWord("rows") || AtWord("range")) over.frame = ParseFrame();
     Expect(Op::kRightParen);
     return over;
+}
+
+// ROWS bound, RANGE BETWEEN bound AND bound
+WindowFrame Parser::ParseFrame() {
+    WindowFrame frame;
+    frame.isRows = AcceptWord("rows");
+    if (!frame.isRows) ExpectWord("range");
+    const bool between = Accept(Keyword::kBetween);
+    frame.start = ParseFrameBound();
+    if (!between) return frame;
+    Expect(Keyword::kAnd);
+    frame.end = ParseFrameBound();
+    return frame;
+}
+
+FrameBound Parser::ParseFrameBound() {
+    FrameBound bound;
+    if (Accept(Keyword::kCurrent)) {
+        ExpectWord("row");
+        return bound;
+    }
+    const bool unbounded = AcceptWord("unbounded");
+    if (!unbounded) {
+        if (!At(TokenKind::kInteger)) Fail();
+        bound.rows = ParseLiteral();
+    }
+    if (AcceptWord("preceding")) {
+        bound.kind = unbounded ? FrameBoundKind::kUnboundedPreceding : FrameBoundKind::kPreceding;
+    } else {
+        ExpectWord("following");
+        bound.kind = unbounded ? FrameBoundKind::kUnboundedFollowing : FrameBoundKind::kFollowing;
+    }
+    return bound;
 }
 
 ExprPtr Parser::ParseCast(bool tryOnly) {

@@ -40,6 +40,7 @@ QueryPtr Parser::ParseQuery(QueryPlace place) {
         if (place == QueryPlace::kNested && !query->offset && !(select && select->top))
             throw MakeError(1033, order);
     }
+    RefuseBehindQuery();
     return query;
 }
 
@@ -99,10 +100,7 @@ QueryBodyPtr Parser::ParseSelectBody(QueryPlace place) {
     }
     if (At(Keyword::kFrom)) select->from = ParseFrom();
     if (Accept(Keyword::kWhere)) select->where = ParseCondition();
-    if (Accept(Keyword::kGroup)) {
-        Expect(Keyword::kBy);
-        select->groupBy = ParseValueList();
-    }
+    if (At(Keyword::kGroup)) ParseGroupBy(*select);
     if (Accept(Keyword::kHaving)) select->having = ParseCondition();
     return select;
 }
@@ -257,6 +255,15 @@ std::vector<CommonTable> Parser::ParseCommonTables() {
         tables.push_back(std::move(table));
     } while (Accept(Op::kComma));
     return tables;
+}
+
+// Where no query stands that the hint would belong to.
+void Parser::SkipOptionClause() {
+    const Position start = Peek().position;
+    for (const std::string& option : ParseOptionClause()) {
+        if (option.starts_with("maxrecursion"))
+            throw MakeError(40510, start, {"OPTION (MAXRECURSION) of a change"});
+    }
 }
 
 // OPTION (hint, …): each hint's words with one blank between them.

@@ -140,8 +140,13 @@ std::vector<std::string> Parser::ParseHints() {
 }
 
 TableSourcePtr Parser::ParseSource() {
+    return ParsePivots(ParseOneSource());
+}
+
+TableSourcePtr Parser::ParseOneSource() {
     const Position start = Peek().position;
     if (At(Op::kLeftParen)) return ParseSourceInParentheses();
+    RefuseRowset();
     if (At(TokenKind::kVariable)) {
         auto table = std::make_unique<TableRef>(start);
         const Token variable = Take();
@@ -166,6 +171,7 @@ TableSourcePtr Parser::ParseSource() {
     if (AtHints()) table->hints = ParseHints();
     ParseAlias(table->alias);
     if (table->hints.empty() && AtHints()) table->hints = ParseHints();
+    RefuseBehindSource();
     return table;
 }
 

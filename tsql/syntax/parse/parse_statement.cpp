@@ -5,52 +5,6 @@
 
 namespace vicenter::tsql {
 
-namespace {
-
-// Statements of the server that an account set does not have.
-bool IsOtherStatement(Keyword keyword) {
-    switch (keyword) {
-        case Keyword::kBackup:
-        case Keyword::kBulk:
-        case Keyword::kDbcc:
-        case Keyword::kGoto:
-        case Keyword::kKill:
-        case Keyword::kMerge:
-        case Keyword::kReconfigure:
-        case Keyword::kRestore:
-        case Keyword::kShutdown:
-        case Keyword::kWaitfor:
-            return true;
-        default:
-            return false;
-    }
-}
-
-// Objects of the server that an account set does not have.
-bool IsOtherObject(Keyword keyword) {
-    switch (keyword) {
-        case Keyword::kDatabase:
-        case Keyword::kFunction:
-        case Keyword::kSchema:
-        case Keyword::kStatistics:
-        case Keyword::kTrigger:
-        case Keyword::kUser:
-            return true;
-        default:
-            return false;
-    }
-}
-
-std::string UpperWord(const Token& token) {
-    std::string word(token.text);
-    for (char& c : word) {
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    }
-    return word;
-}
-
-}  // namespace
-
 void Parser::SkipSemicolons() {
     while (Accept(Op::kSemicolon)) {
     }
@@ -58,7 +12,10 @@ void Parser::SkipSemicolons() {
 
 StatementPtr Parser::NextStatement() {
     SkipSemicolons();
-    if (AtEnd()) return nullptr;
+    if (AtEnd()) {
+        CheckJumps();
+        return nullptr;
+    }
     nested_ = false;
     StatementPtr statement = ParseStatement();
     first_ = false;
@@ -85,6 +42,7 @@ StatementPtr Parser::ParseStatement() {
 
 StatementPtr Parser::ParseStatementBody() {
     const Position start = Peek().position;
+    RefuseStatement();
     switch (Peek().keyword) {
         case Keyword::kSelect:
             return ParseSelect({});
@@ -96,6 +54,8 @@ StatementPtr Parser::ParseStatementBody() {
             return ParseUpdate({});
         case Keyword::kDelete:
             return ParseDelete({});
+        case Keyword::kMerge:
+            return ParseMerge({});
         case Keyword::kTruncate:
             return ParseTruncate();
         case Keyword::kCreate:
@@ -132,6 +92,10 @@ StatementPtr Parser::ParseStatementBody() {
             return Make<ContinueStatement>(start);
         case Keyword::kReturn:
             return ParseReturn();
+        case Keyword::kGoto:
+            return ParseGoto();
+        case Keyword::kWaitfor:
+            return ParseWaitFor();
         case Keyword::kPrint:
             return ParsePrint();
         case Keyword::kRaiserror:
@@ -157,7 +121,7 @@ StatementPtr Parser::ParseStatementBody() {
     }
     if (At(Op::kLeftParen) && AtQuery()) return ParseSelect({});
     if (AtWord("throw")) return ParseThrow();
-    if (IsOtherStatement(Peek().keyword)) throw MakeError(40510, start, {UpperWord(Peek())});
+    if (AtName() && At(Op::kColon, 1)) return ParseLabel();
     // The first statement of a batch may call a procedure by its bare name.
     if (first_ && !nested_ && AtName()) return ParseExecuteCall(start);
     Fail();
@@ -168,6 +132,7 @@ StatementPtr Parser::ParseWith() {
     if (At(Keyword::kInsert)) return ParseInsert(std::move(with));
     if (At(Keyword::kUpdate)) return ParseUpdate(std::move(with));
     if (At(Keyword::kDelete)) return ParseDelete(std::move(with));
+    if (At(Keyword::kMerge)) return ParseMerge(std::move(with));
     return ParseSelect(std::move(with));
 }
 
@@ -177,6 +142,7 @@ StatementPtr Parser::ParseCreate() {
     if (Accept(Keyword::kOr)) {
         Expect(Keyword::kAlter);
         createOrAlter = true;
+        RefuseObject(start, "CREATE OR ALTER");
         if (!At(Keyword::kView) && !At(Keyword::kProc) && !At(Keyword::kProcedure)) Fail();
     }
     switch (Peek().keyword) {
@@ -193,7 +159,7 @@ StatementPtr Parser::ParseCreate() {
         case Keyword::kProcedure:
             return ParseCreateProcedure(start, false, createOrAlter);
         default:
-            if (IsOtherObject(Peek().keyword)) throw MakeError(40510, start, {"CREATE " + UpperWord(Peek())});
+            RefuseObject(start, "CREATE");
             Fail();
     }
 }
@@ -209,7 +175,7 @@ StatementPtr Parser::ParseAlter() {
         case Keyword::kProcedure:
             return ParseCreateProcedure(start, true, false);
         default:
-            if (IsOtherObject(Peek().keyword)) throw MakeError(40510, start, {"ALTER " + UpperWord(Peek())});
+            RefuseObject(start, "ALTER");
             Fail();
     }
 }

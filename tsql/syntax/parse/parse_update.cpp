@@ -21,7 +21,7 @@ StatementPtr Parser::ParseUpdate(std::vector<CommonTable> with) {
     if (AtWord("output")) update->output = ParseOutput();
     if (At(Keyword::kFrom)) update->from = ParseFrom();
     ParseWhere(update->where, update->currentOf);
-    ParseOptionClause();
+    SkipOptionClause();
     return update;
 }
 

@@ -60,8 +60,10 @@ bool Parser::AtWord(std::string_view lower, std::size_t n) {
 
 bool Parser::AtName(std::size_t n) {
     const Token& token = Peek(n);
+    // PRECISION means something behind DOUBLE only, and the server's own views have a column of that name.
     return token.kind == TokenKind::kQuotedIdentifier ||
-           (token.kind == TokenKind::kIdentifier && token.keyword == Keyword::kNone);
+           (token.kind == TokenKind::kIdentifier &&
+            (token.keyword == Keyword::kNone || token.keyword == Keyword::kPrecision));
 }
 
 bool Parser::AcceptWord(std::string_view lower) {

@@ -112,6 +112,17 @@ class Parser {
     StatementPtr ParseAlter();
     StatementPtr ParseWith();
 
+    // ---- what there is on the server alone (parse_refusal.cpp): each throws 40510 where it stands
+    void RefuseStatement();
+    void RefuseObject(Position start, std::string_view verb);
+    void RefuseRowset();
+    void RefuseBehindSource();
+    void RefuseBehindQuery();
+    void RefusePredicate();
+    void RefuseValue();
+    void RefuseBehindValue();
+    void RefuseBehindCall();
+
     // ---- expressions (parse_expression.cpp, parse_condition.cpp, parse_function.cpp)
     ExprPtr ParseValue() { return ParseOperators(0, false); }
     ExprPtr ParseCondition();
@@ -136,6 +147,8 @@ class Parser {
     ExprPtr ParseConvert(bool tryOnly);
     ExprPtr ParseCall(ObjectName name);
     OverClause ParseOver();
+    WindowFrame ParseFrame();
+    FrameBound ParseFrameBound();
     ExprPtr ParseConstant();  // a literal with a sign, for places that take no expression
     std::vector<ExprPtr> ParseValueList();
     // Records the children's depth in the parent; 191 past the limit.
@@ -153,16 +166,23 @@ class Parser {
     SelectItem ParseSelectItem(QueryPlace place);
     bool AcceptQualifiedStar(SelectItem& item);
     TopClause ParseTop();
+    void ParseGroupBy(SelectBody& select);
+    GroupingItem ParseGroupingItem();
     std::vector<OrderItem> ParseOrderBy();
     void ParseOffset(Query& query);
     std::vector<CommonTable> ParseCommonTables();
     std::vector<std::string> ParseOptionClause();
+    void SkipOptionClause();
     bool AtQuery();  // SELECT, or parentheses around it
     std::optional<AssignOp> AssignmentAhead(std::size_t n);
     std::vector<TableSourcePtr> ParseFrom();
     TableSourcePtr ParseJoins(TableSourcePtr left);
     TableSourcePtr ParseSource();
+    TableSourcePtr ParseOneSource();
     TableSourcePtr ParseSourceInParentheses();
+    TableSourcePtr ParsePivots(TableSourcePtr source);
+    TableSourcePtr ParsePivot(TableSourcePtr source);
+    TableSourcePtr ParseUnpivot(TableSourcePtr source);
     bool AtJoin();
     JoinKind TakeJoinKind();
     void ParseAlias(Name& alias);
@@ -175,6 +195,10 @@ class Parser {
     StatementPtr ParseUpdate(std::vector<CommonTable> with);
     Assignment ParseAssignment();
     StatementPtr ParseDelete(std::vector<CommonTable> with);
+    StatementPtr ParseMerge(std::vector<CommonTable> with);
+    MergeClause ParseMergeClause();
+    void ParseMergeInsert(MergeClause& clause);
+    static const char* WhenText(MergeMatch match);
     StatementPtr ParseTruncate();
     OutputClause ParseOutput();
     void ParseWhere(ExprPtr& where, Name& currentOf);
@@ -212,9 +236,15 @@ class Parser {
 
     StatementPtr ParseBegin();
     StatementPtr ParseTryCatch(Position start);
+    StatementPtr ParseBranch();
     StatementPtr ParseIf();
     StatementPtr ParseWhile();
     StatementPtr ParseReturn();
+    void CheckJumps() const;
+    std::vector<StatementPtr> ParseBlock();
+    StatementPtr ParseGoto();
+    StatementPtr ParseLabel();
+    StatementPtr ParseWaitFor();
     StatementPtr ParsePrint();
     StatementPtr ParseRaiserror();
     StatementPtr ParseThrow();
@@ -233,6 +263,15 @@ class Parser {
     bool first_ = true;       // no statement of the batch parsed yet
     bool nested_ = false;     // inside a block, IF, WHILE or procedure
     bool procedure_ = false;  // inside CREATE PROCEDURE
+    // Labels and the jumps to them, each with the blocks around it.
+    struct Place {
+        Name label;
+        std::vector<int> blocks;
+    };
+    std::vector<Place> labels_;
+    std::vector<Place> jumps_;
+    std::vector<int> blocks_;
+    int blockNumber_ = 0;
 };
 
 }  // namespace vicenter::tsql

@@ -217,15 +217,47 @@ void Printer::Put(const FunctionExpr& function) {
     Text(function.star ? "(*" : function.distinct ? "(distinct " : "(");
     PutList(function.arguments);
     Text(")");
-    if (!function.over) return;
-    Text(" over (");
-    if (!function.over->partitionBy.empty()) {
-        Text("partition by ");
-        PutList(function.over->partitionBy);
-        if (!function.over->orderBy.empty()) Text(" ");
+    if (!function.withinGroup.empty()) {
+        Text(" within group (");
+        PutOrderBy(function.withinGroup);
+        Text(")");
     }
-    PutOrderBy(function.over->orderBy);
+    if (function.over) Put(*function.over);
+}
+
+void Printer::Put(const OverClause& over) {
+    Text(" over (");
+    if (!over.partitionBy.empty()) {
+        Text("partition by ");
+        PutList(over.partitionBy);
+        if (!over.orderBy.empty()) Text(" ");
+    }
+    PutOrderBy(over.orderBy);
+    if (over.frame) {
+        Text(over.frame->isRows ? " rows " : " range ");
+        if (over.frame->end) Text("between ");
+        Put(over.frame->start);
+        if (over.frame->end) {
+            Text(" and ");
+            Put(*over.frame->end);
+        }
+    }
     Text(")");
+}
+
+void Printer::Put(const FrameBound& bound) {
+    switch (bound.kind) {
+        case FrameBoundKind::kUnboundedPreceding:
+            return Text("unbounded preceding");
+        case FrameBoundKind::kCurrentRow:
+            return Text("current row");
+        case FrameBoundKind::kUnboundedFollowing:
+            return Text("unbounded following");
+        case FrameBoundKind::kPreceding:
+        case FrameBoundKind::kFollowing:
+            Put(*bound.rows);
+            return Text(bound.kind == FrameBoundKind::kPreceding ? " preceding" : " following");
+    }
 }
 
 void Printer::Put(const CastExpr& cast) {

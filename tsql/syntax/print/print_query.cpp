@@ -161,9 +161,26 @@ void Printer::Put(const SelectBody& select) {
         Text(" group by ");
         PutList(select.groupBy);
     }
+    if (!select.grouping.empty()) {
+        Text(" group by ");
+        Put(select.grouping);
+    }
     if (select.having) {
         Text(" having ");
         Put(*select.having);
+    }
+}
+
+void Printer::Put(const std::vector<GroupingItem>& grouping) {
+    static constexpr std::string_view kWords[] = {"", "rollup ", "cube ", "grouping sets "};
+    for (const GroupingItem& item : grouping) {
+        if (&item != &grouping.front()) Text(", ");
+        Text(kWords[static_cast<std::size_t>(item.kind)]);
+        const bool bare = item.kind == GroupingKind::kExpressions && item.expressions.size() == 1;
+        if (!bare) Text("(");
+        PutList(item.expressions);
+        Put(item.parts);
+        if (!bare) Text(")");
     }
 }
 
@@ -216,7 +233,45 @@ void Printer::Put(const TableSource& source) {
         }
         case SourceKind::kJoin:
             return Put(As<JoinedTable>(source));
+        case SourceKind::kPivot:
+            return Put(As<PivotTable>(source));
+        case SourceKind::kUnpivot:
+            return Put(As<UnpivotTable>(source));
     }
+}
+
+// PIVOT takes the source before it alone.
+void Printer::PutPivoted(const TableSource& source) {
+    const bool nested = source.kind == SourceKind::kJoin;
+    if (nested) Text("(");
+    Put(source);
+    if (nested) Text(")");
+}
+
+void Printer::Put(const PivotTable& pivot) {
+    PutPivoted(*pivot.source);
+    Text(" pivot (");
+    Put(pivot.function);
+    Text("(");
+    Put(pivot.value);
+    Text(") for ");
+    Put(pivot.spread);
+    Text(" in (");
+    PutNames(pivot.columns);
+    Text("))");
+    PutAlias(pivot.alias, {});
+}
+
+void Printer::Put(const UnpivotTable& unpivot) {
+    PutPivoted(*unpivot.source);
+    Text(" unpivot (");
+    Put(unpivot.value);
+    Text(" for ");
+    Put(unpivot.name);
+    Text(" in (");
+    PutNames(unpivot.columns);
+    Text("))");
+    PutAlias(unpivot.alias, {});
 }
 
 void Printer::Put(const JoinedTable& join) {

@@ -38,6 +38,9 @@ bool Printer::PutData(const Statement& statement) {
         case StatementKind::kDelete:
             Put(As<DeleteStatement>(statement));
             break;
+        case StatementKind::kMerge:
+            Put(As<MergeStatement>(statement));
+            break;
         case StatementKind::kTruncate:
             Text("truncate table ");
             Put(As<TruncateStatement>(statement).table);
@@ -145,6 +148,18 @@ void Printer::PutFlow(const Statement& statement) {
         case StatementKind::kReturn:
             Put(As<ReturnStatement>(statement));
             break;
+        case StatementKind::kGoto:
+            Text("goto ");
+            Put(As<GotoStatement>(statement).label);
+            break;
+        case StatementKind::kLabel:
+            Put(As<LabelStatement>(statement).label);
+            Text(":");
+            break;
+        case StatementKind::kWaitFor:
+            Text(As<WaitForStatement>(statement).untilTime ? "waitfor time " : "waitfor delay ");
+            Put(*As<WaitForStatement>(statement).time);
+            break;
         case StatementKind::kTryCatch:
             Put(As<TryCatchStatement>(statement));
             break;
@@ -171,82 +186,6 @@ void Printer::PutFlow(const Statement& statement) {
             break;
         default:
             break;
-    }
-}
-
-void Printer::Put(const InsertStatement& insert) {
-    PutWith(insert.with);
-    Text("insert ");
-    if (insert.top) Put(*insert.top);
-    Text("into ");
-    Put(insert.table);
-    PutHints(insert.hints);
-    PutNameList(insert.columns);
-    if (insert.output) Put(*insert.output);
-    switch (insert.source) {
-        case InsertSource::kDefaultValues:
-            Text(" default values");
-            break;
-        case InsertSource::kQuery:
-            Text(" ");
-            Put(*insert.query);
-            break;
-        case InsertSource::kExecute:
-            Text(" ");
-            Put(*insert.execute);
-            break;
-        case InsertSource::kValues:
-            for (const auto& row : insert.rows) {
-                Text(&row == &insert.rows.front() ? " values (" : ", (");
-                PutList(row);
-                Text(")");
-            }
-            break;
-    }
-}
-
-void Printer::Put(const UpdateStatement& update) {
-    PutWith(update.with);
-    Text("update ");
-    if (update.top) Put(*update.top);
-    Put(update.target);
-    PutHints(update.hints);
-    for (const Assignment& assignment : update.assignments) {
-        Text(&assignment == &update.assignments.front() ? " set " : ", ");
-        Text(assignment.variable);
-        if (!assignment.column.IsEmpty()) {
-            if (!assignment.variable.empty()) Text(" = ");
-            Put(assignment.column);
-        }
-        Text(AssignText(assignment.op));
-        Put(*assignment.value);
-    }
-    if (update.output) Put(*update.output);
-    PutFrom(update.from);
-    if (update.where) {
-        Text(" where ");
-        Put(*update.where);
-    } else if (!update.currentOf.IsEmpty()) {
-        Text(" where current of ");
-        Put(update.currentOf);
-    }
-}
-
-void Printer::Put(const DeleteStatement& statement) {
-    PutWith(statement.with);
-    Text("delete ");
-    if (statement.top) Put(*statement.top);
-    if (statement.fromKeyword) Text("from ");
-    Put(statement.target);
-    PutHints(statement.hints);
-    if (statement.output) Put(*statement.output);
-    PutFrom(statement.from);
-    if (statement.where) {
-        Text(" where ");
-        Put(*statement.where);
-    } else if (!statement.currentOf.IsEmpty()) {
-        Text(" where current of ");
-        Put(statement.currentOf);
     }
 }
 

@@ -13,7 +13,7 @@ std::string Print(const Expr& expr);
 std::string Print(const Query& query);
 std::string Print(const TypeName& type);
 std::string Print(const ObjectName& name);
-// Without a closing semicolon.
+// Without a closing semicolon, but for MERGE, which is none without it.
 std::string Print(const Statement& statement);
 std::string Print(const TableDefinition& definition);
 std::string Print(const Batch& batch);

@@ -33,6 +33,8 @@ class Printer {
     void PutNames(const std::vector<Name>& names);
     void PutNameList(const std::vector<Name>& names);  // " (a, b)", or nothing
     void PutList(const std::vector<ExprPtr>& list);
+    void Put(const OverClause& over);
+    void Put(const FrameBound& bound);
 
     // print_query.cpp
     void Put(const Query& query);
@@ -44,7 +46,11 @@ class Printer {
     void Put(const TableSource& source);
     void Put(const JoinedTable& join);
     void PutAlias(const Name& name, const std::vector<Name>& columns);
+    void Put(const std::vector<GroupingItem>& grouping);
     void PutFrom(const std::vector<TableSourcePtr>& from);
+    void PutPivoted(const TableSource& source);
+    void Put(const PivotTable& pivot);
+    void Put(const UnpivotTable& unpivot);
     void PutWith(const std::vector<CommonTable>& with);
     void PutOrderBy(const std::vector<OrderItem>& items);
     void PutHints(const std::vector<std::string>& hints);
@@ -74,6 +80,9 @@ class Printer {
     void Put(const InsertStatement& insert);
     void Put(const UpdateStatement& update);
     void Put(const DeleteStatement& statement);
+    void Put(const MergeStatement& merge);
+    void Put(const MergeClause& clause);
+    void PutAssignments(const std::vector<Assignment>& assignments);
     void Put(const DeclareStatement& declare);
     void Put(const SetOptionStatement& set);
     void Put(const CursorDefinition& cursor);

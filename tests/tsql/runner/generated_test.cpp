@@ -1,0 +1,87 @@
+// Recorded answers of generated batches: tests/tsql/generated/seed_<n>.test holds what the generator makes of
+// a seed, statement by statement, and what each has answered. As text tests they run in every lane, on a
+// named server too. VICENTER_UPDATE_GOLDENS=1 writes them anew, for reading; never in CI.
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+
+#include <gtest/gtest.h>
+
+#include "automation/error.h"
+#include "generator/batch_generator.h"
+#include "runner/lane.h"
+#include "runner/result_text.h"
+#include "runner/test_file.h"
+#include "tests/paths/source_folder.h"
+
+namespace vicenter::tsql_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uint32_t kSeeds = 24;
+
+std::string Name(std::uint32_t seed) {
+    return "tests/tsql/generated/seed_" + std::to_string(seed) + ".test";
+}
+
+// A header without the lengths of its types, which an answer may give in more than one way.
+std::string WithoutLengths(const std::string& header) {
+    static const std::regex lengths("(:[a-z0-9]+)\\([^)]*\\)");
+    return std::regex_replace(header, lengths, "$1");
+}
+
+std::string Step(ado::Connection& connection, const std::string& statement) {
+    std::string lines;
+    try {
+        bool isHeader = true;
+        for (const std::string& line : ResultLines(connection.Execute(statement))) {
+            lines += (isHeader ? WithoutLengths(line) : line) + "\n";
+            isHeader = line.empty();
+        }
+    } catch (const automation::Error&) {
+        const ado::DriverError error = connection.Errors().front();
+        return "error " + std::to_string(error.native) + "\n" + statement + "\ngo\n----\n" + error.text +
+               "\n\n";
+    }
+    return "batch\n" + statement + "\ngo\n----\n" + lines + (lines.empty() ? "\n" : "\n");
+}
+
+std::string Recorded(std::uint32_t seed) {
+    const auto lane = MakeLane();
+    const ado::ConnectionRef connection = lane->Open();
+    std::string text = "# name: " + Name(seed) +
+                       "\n# recorded: by the embedded account set itself, no server was asked"
+                       "\n# covers: generated\n\n";
+    text += Step(*connection, BatchGenerator::Text(BatchGenerator::Tables(1)));
+    for (const std::string& statement : BatchGenerator(seed).Batch())
+        text += Step(*connection, statement);
+    text += Step(*connection, BatchGenerator::Failing(seed));
+    text += Step(*connection,
+                 "select * from g_one order by id select * from g_two order by id select @@trancount as n");
+    connection->Close();
+    while (text.ends_with("\n\n"))
+        text.pop_back();
+    return text;
+}
+
+TEST(GeneratedAnswersTest, AreRecordedForEachSeed) {
+    const bool update = std::getenv("VICENTER_UPDATE_GOLDENS") != nullptr;
+    ASSERT_TRUE(!update || std::getenv("CI") == nullptr) << "goldens are not recorded in CI";
+    for (std::uint32_t seed = 1; seed <= kSeeds; ++seed) {
+        const fs::path path = testing_paths::SourceFolder() / Name(seed);
+        const std::string text = Recorded(seed);
+        if (update) {
+            fs::create_directories(path.parent_path());
+            std::ofstream(path, std::ios::binary) << text;
+        } else {
+            ASSERT_TRUE(fs::exists(path)) << path;
+            EXPECT_EQ(ReadWholeFile(path), text) << path;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vicenter::tsql_test

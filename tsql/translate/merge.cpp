@@ -1,0 +1,143 @@
+// MERGE: which rows each WHEN takes, and the values that they get, all worked out before the first change.
+
+#include <algorithm>
+
+#include "tsql/functions/function.h"
+#include "tsql/translate/translator.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+constexpr const char* kMerge = "MERGE";
+
+}  // namespace
+
+struct Translator::MergeParts {
+    const TableInfo* table = nullptr;
+    std::string alias;
+    std::string from;    // of the source
+    std::string target;  // the target with its alias
+    std::string on;
+    Scope source;  // the source alone
+    Scope both;
+    Scope own;  // the target alone
+};
+
+Translator::MergeParts Translator::JoinOf(const MergeStatement& statement) {
+    AddCommonTables(statement.with);
+    MergeParts parts;
+    if (FindCommonTable(statement.target.Object()) != nullptr)
+        throw MakeError(40510, statement.target.Where(), {"MERGE of query " + statement.target.Text()});
+    parts.table = &TargetTable(statement.target);
+    Begin(*parts.table, kMerge);
+    parts.from = SourceText(*statement.source, parts.source);
+    const std::string exposed = statement.alias.IsEmpty() ? parts.table->name : statement.alias.text;
+    parts.both.sources = parts.source.sources;
+    AddSource(SourceOf(*parts.table, exposed), parts.both, statement.position);
+    parts.own.sources.push_back(parts.both.sources.back());
+    parts.alias = parts.both.sources.back().alias;
+    parts.target = parts.table->Sql() + " AS " + parts.alias;
+    parts.on = ConditionText(*statement.on, parts.both);
+    return parts;
+}
+
+// CASE WHEN condition THEN number … END: the first WHEN of that kind whose condition holds.
+std::string Translator::WhenText(const MergeStatement& statement, MergeMatch match, Scope& scope) {
+    std::string sql;
+    for (std::size_t i = 0; i < statement.clauses.size(); ++i) {
+        const MergeClause& clause = statement.clauses[i];
+        if (clause.match != match) continue;
+        const std::string condition = clause.condition ? ConditionText(*clause.condition, scope) : "true";
+        sql += " WHEN " + condition + " THEN " + std::to_string(i);
+    }
+    return sql.empty() ? "NULL" : "CASE" + sql + " END";
+}
+
+void Translator::AddStep(const MergeClause& clause, int number, const TableInfo& table,
+                         const std::string& alias, const std::string& when, Scope& scope, std::string& list) {
+    MergeStep step;
+    step.clause = number;
+    step.action = clause.action;
+    step.first = translation_.columns.size();
+    const auto add = [&](const ColumnInfo& column, const std::string& text) {
+        list += ", CASE WHEN (" + when + ") = " + std::to_string(number) + " THEN " + text + " END";
+        translation_.columns.push_back({column.name, column.type});
+        step.columns.push_back(column.name);
+    };
+    // A literal that is bound is converted whether a row takes it or not.
+    const auto stored = [&](const Operand& value, const ColumnInfo& column) {
+        return RenderStored(Computed(Render(value), value.type), table, column, kMerge);
+    };
+    if (clause.action == MergeAction::kUpdate) {
+        const std::vector<Assigned> assigned = Assignments(clause.assignments, table, scope, alias);
+        step.isWhole = std::any_of(assigned.begin(), assigned.end(), [&](const Assigned& entry) {
+            return table.IsInUniqueKey(entry.column->name);
+        });
+        for (const ColumnInfo& column : table.columns) {
+            if (!column.computedText.empty()) continue;
+            const auto entry = std::find_if(assigned.begin(), assigned.end(),
+                                            [&](const Assigned& other) { return other.column == &column; });
+            if (entry != assigned.end()) {
+                add(column, stored(entry->value, column));
+            } else if (step.isWhole) {
+                add(column, alias + "." + Quoted(column.name));
+            }
+        }
+    } else if (clause.action == MergeAction::kInsert) {
+        std::vector<const ColumnInfo*> columns;
+        if (!clause.defaultValues) columns = TargetColumns(table, clause.columns);
+        if (clause.values.size() != columns.size()) {
+            if (clause.columns.empty()) throw MakeError(213, clause.position);
+            throw MakeError(clause.values.size() < columns.size() ? 109 : 110, clause.position);
+        }
+        std::vector<std::string> values;
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            const auto* literal = TryAs<LiteralExpr>(clause.values[i].get());
+            const bool isDefault = literal != nullptr && literal->literal == LiteralKind::kDefault;
+            const Operand value = isDefault ? DefaultOf(*columns[i]) : Value(*clause.values[i], scope);
+            values.push_back(stored(value, *columns[i]));
+        }
+        AddDefaults(table, columns, values);
+        for (std::size_t i = 0; i < columns.size(); ++i)
+            add(*columns[i], values[i]);
+    }
+    translation_.steps.push_back(std::move(step));
+}
+
+Translation Translator::MergeRows(const MergeStatement& statement) {
+    MergeParts parts = JoinOf(statement);
+    const std::string row = parts.alias + "._rowid_";
+    const std::string when = "CASE WHEN " + row + " IS NOT NULL THEN " +
+                             WhenText(statement, MergeMatch::kMatched, parts.both) + " ELSE " +
+                             WhenText(statement, MergeMatch::kNotMatchedByTarget, parts.source) + " END";
+    translation_.columns.push_back({"when$", SqlType::Int()});
+    translation_.columns.push_back({"row$", SqlType::Of(TypeKind::kBigInt)});
+    std::string list;
+    for (std::size_t i = 0; i < statement.clauses.size(); ++i) {
+        const MergeClause& clause = statement.clauses[i];
+        if (clause.match == MergeMatch::kNotMatchedBySource) continue;
+        Scope& scope = clause.match == MergeMatch::kMatched ? parts.both : parts.source;
+        AddStep(clause, static_cast<int>(i), *parts.table, parts.alias, when, scope, list);
+    }
+    return Finished("SELECT " + when + ", " + row + list + " FROM " + parts.from + " LEFT JOIN " +
+                    parts.target + " ON " + parts.on);
+}
+
+Translation Translator::MissedRows(const MergeStatement& statement) {
+    MergeParts parts = JoinOf(statement);
+    const std::string row = parts.alias + "._rowid_";
+    const std::string when = WhenText(statement, MergeMatch::kNotMatchedBySource, parts.own);
+    translation_.columns.push_back({"when$", SqlType::Int()});
+    translation_.columns.push_back({"row$", SqlType::Of(TypeKind::kBigInt)});
+    std::string list;
+    for (std::size_t i = 0; i < statement.clauses.size(); ++i) {
+        const MergeClause& clause = statement.clauses[i];
+        if (clause.match == MergeMatch::kNotMatchedBySource)
+            AddStep(clause, static_cast<int>(i), *parts.table, parts.alias, when, parts.own, list);
+    }
+    return Finished("SELECT " + when + ", " + row + list + " FROM " + parts.target +
+                    " WHERE NOT EXISTS(SELECT 1 FROM " + parts.from + " WHERE " + parts.on + ")");
+}
+
+}  // namespace vicenter::tsql::engine
