@@ -1,0 +1,199 @@
+// Each statement of the component that is asked again and again, as T-SQL text and as a statement of SQLite
+// prepared by hand, in turn within one run; then joins of 100,000 rows on decimals and texts without an
+// index, beside SQLite's own on integers. Processor time. Usage: tsql_component_bench [repeats] [rounds]
+// [rows]
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "bench/account_set_bench.h"
+#include "host/account_set.h"
+
+namespace {
+
+using namespace vicenter;
+using bench::Require;
+
+struct Pair {
+    const char* name;
+    const char* tsql;
+    const char* sqlite;
+};
+
+// What a window, a check, a save or a filter asks: the words of the component, and the same question by hand.
+constexpr Pair kStatements[] = {
+    {"list of templates",
+     "select a.* from (select FID,FName from t_VchTemplate where fid <> 0 and FUserID = 16394\r\n union all "
+     "\r\n "
+     "select FID,FName from t_VchTemplate where FID = 0 ) a order by a.FID ",
+     "SELECT FID, FName FROM t_VchTemplate WHERE FID <> 0 AND FUserID = 16394 UNION ALL SELECT FID, FName "
+     "FROM "
+     "t_VchTemplate WHERE FID = 0 ORDER BY 1"},
+    {"column profile", "select FValue from t_VchTpProfile where FUserID = 1",
+     "SELECT FValue FROM t_VchTpProfile WHERE FUserID = 1"},
+    {"count of lines", "select count(*) as FCount from t_VchTemplateEntry where FID = 3",
+     "SELECT count(*) FROM t_VchTemplateEntry WHERE FID = 3"},
+    {"template by name", "select FID from t_VchTemplate where FName = 'it''s'",
+     "SELECT FID FROM t_VchTemplate WHERE FName = 'it''s'"},
+    {"highest number", "select Max(FID) as FID from t_VchTemplate ", "SELECT max(FID) FROM t_VchTemplate"},
+    {"lines of a template", "select * from t_VchTemplateEntry where FID = 1 order by FNo,FEntryID ",
+     "SELECT * FROM t_VchTemplateEntry WHERE FID = 1 ORDER BY FNo, FEntryID"},
+    {"explanation by code",
+     "select a.FExplanation,isnull(b.FAccountID,0) as FAccountID,isnull(b.FNumber,'') as "
+     "FNumber,isnull(b.FName,'') "
+     "as FName \r\n from t_VoucherExp a left join t_Account b on a.FAccountID = b.FAccountID where a.FNumber "
+     "= '001'",
+     "SELECT a.FExplanation, ifnull(b.FAccountID, 0), ifnull(b.FNumber, ''), ifnull(b.FName, '') FROM "
+     "t_VoucherExp a "
+     "LEFT JOIN t_Account b ON a.FAccountID = b.FAccountID WHERE a.FNumber = '001'"},
+    {"account by number", "select FAccountID,FNumber,FName from t_Account where FNumber = '1001'",
+     "SELECT FAccountID, FNumber, FName FROM t_Account WHERE FNumber = '1001'"},
+    {"account with detail", "select * from t_Account where FNumber = '1001' and FDetail = 1",
+     "SELECT * FROM t_Account WHERE FNumber = '1001' AND FDetail = 1"},
+    {"currency by name", "select FCurrencyID from t_Currency where FName = '人民币'",
+     "SELECT FCurrencyID FROM t_Currency WHERE FName = '人民币'"},
+    {"unit of an account",
+     " select FMeasureUnitID from t_MeasureUnit where FMeasureUnitID >0 and FUnitGroupID = (select "
+     "FUnitGroupID from "
+     "t_Account \r\n where FNumber = '1405.01' and FDetail = 1) and FName = '件'",
+     "SELECT FMeasureUnitID FROM t_MeasureUnit WHERE FMeasureUnitID > 0 AND FUnitGroupID = (SELECT "
+     "FUnitGroupID FROM "
+     "t_Account WHERE FNumber = '1405.01' AND FDetail = 1) AND FName = '件'"},
+    {"account by id", "select FName,FNumber from t_Account where FAccountID = 1001",
+     "SELECT FName, FNumber FROM t_Account WHERE FAccountID = 1001"},
+    {"control rows", "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = 3 order by fno",
+     "SELECT FNo FROM t_VchTpControl WHERE FIsCanUsed = 0 AND FID = 3 ORDER BY FNo"},
+    {"voucher words", "select FGroupID,FName from t_VoucherGroup order by FGroupID ",
+     "SELECT FGroupID, FName FROM t_VoucherGroup ORDER BY FGroupID"},
+    {"range of vouchers",
+     "select isnull(MIN(FNumber),0) as FMinNum,isnull(MAX(FNumber),0) as FMaxNum from t_Voucher where FYear "
+     "= 2026 "
+     "and FPeriod = 1",
+     "SELECT ifnull(min(FNumber), 0), ifnull(max(FNumber), 0) FROM t_Voucher WHERE FYear = 2026 AND FPeriod "
+     "= 1"},
+    {"vouchers to generate from",
+     " select a.FNumber as FNo,b.FExplanation as FExp,b.FDC,b.FAccountID,c.FNumber as FAccountNumber,c.FName "
+     "as "
+     "FAccountName, \r\n b.FCurrencyID,e.FName as FCurrencyName,b.FExchangeRate as "
+     "FRate,b.FAmountFor,b.FAmount\r\n "
+     "from t_Voucher a\r\n inner join t_VoucherEntry b on a.FVoucherID = b.FVoucherID\r\n inner join "
+     "t_Account c on "
+     "b.FAccountID = c.FAccountID\r\n inner join t_Currency e on b.FCurrencyID = e.FCurrencyID\r\n Where "
+     "a.FYear = "
+     "2026 And a.FPeriod = 1 and a.FNumber >=1 and a.FNumber <=20\r\n and a.FTranType = 0\r\norder by "
+     "b.FVoucherID,b.FEntryID",
+     "SELECT a.FNumber, b.FExplanation, b.FDC, b.FAccountID, c.FNumber, c.FName, b.FCurrencyID, e.FName, "
+     "b.FExchangeRate, b.FAmountFor, b.FAmount FROM t_Voucher a JOIN t_VoucherEntry b ON a.FVoucherID = "
+     "b.FVoucherID "
+     "JOIN t_Account c ON b.FAccountID = c.FAccountID JOIN t_Currency e ON b.FCurrencyID = e.FCurrencyID "
+     "WHERE "
+     "a.FYear = 2026 AND a.FPeriod = 1 AND a.FNumber >= 1 AND a.FNumber <= 20 AND a.FTranType = 0 ORDER BY "
+     "b.FVoucherID, b.FEntryID"},
+};
+
+double Processor(const std::function<void()>& body) {
+    const std::clock_t begin = std::clock();
+    body();
+    return 1e6 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+}
+
+double Median(std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+int ReadAll(sqlite3_stmt* query) {
+    int rows = 0;
+    std::size_t read = 0;
+    while (sqlite3_step(query) == SQLITE_ROW) {
+        ++rows;
+        for (int column = 0; column < sqlite3_column_count(query); ++column) {
+            const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(query, column));
+            if (text != nullptr) read += std::char_traits<char>::length(text);
+        }
+    }
+    sqlite3_reset(query);
+    Require(rows == 0 || read > 0, "something read");
+    return rows;
+}
+
+void ShowStatements(ado::Connection& connection, bench::RawDatabase& raw, int repeats, int rounds) {
+    std::printf("%-28s %6s %12s %12s %8s\n", "statement", "rows", "SQLite, us", "T-SQL, us", "ratio");
+    for (const Pair& pair : kStatements) {
+        sqlite3_stmt* query = raw.Prepare(pair.sqlite);
+        const int rows = ReadAll(query);
+        Require(connection.Execute(pair.tsql)->RecordCount() == rows, pair.name);
+        std::vector<double> base;
+        std::vector<double> candidate;
+        for (int round = 0; round < rounds; ++round) {
+            base.push_back(Processor([&] {
+                for (int i = 0; i < repeats; ++i)
+                    ReadAll(query);
+            }));
+            candidate.push_back(Processor([&] {
+                for (int i = 0; i < repeats; ++i)
+                    connection.Execute(pair.tsql);
+            }));
+        }
+        sqlite3_finalize(query);
+        std::printf("%-28s %6d %12.2f %12.2f %7.2f x\n", pair.name, rows, Median(base) / repeats,
+                    Median(candidate) / repeats, Median(candidate) / Median(base));
+    }
+}
+
+// Two tables without an index, each value of the one once in the other.
+void ShowJoins(ado::Connection& connection, bench::RawDatabase& raw, int rows, int rounds) {
+    connection.Execute(
+        "create table j_one (n int, d decimal(18,2), s nvarchar(20)) create table j_two (n int, d "
+        "decimal(28,4), s "
+        "varchar(30))");
+    const std::string fill = "with c (i) as (select 1 union all select i + 1 from c where i < " +
+                             std::to_string(rows) + ") insert into ";
+    connection.Execute(
+        fill + "j_one select i, i / 4.0, N'item ' + cast(i as nvarchar(10)) from c option (maxrecursion 0)");
+    connection.Execute(
+        fill + "j_two select i, i / 4.0, 'ITEM ' + cast(i as varchar(10)) from c option (maxrecursion 0)");
+    sqlite3_stmt* query = raw.Prepare("SELECT count(*) FROM j_one a JOIN j_two b ON a.n = b.n");
+    const char* const kColumns[] = {"n", "d", "s"};
+    std::vector<double> base;
+    std::vector<std::vector<double>> times(std::size(kColumns));
+    for (int round = 0; round < rounds; ++round) {
+        base.push_back(Processor([&] { ReadAll(query); }));
+        for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+            const std::string column = kColumns[i];
+            times[i].push_back(Processor([&] {
+                const auto count = connection.Execute("select count(*) as n from j_one a join j_two b on a." +
+                                                      column + " = b." + column);
+                Require(count->Value(0).ToText() == std::to_string(rows), "every row joined");
+            }));
+        }
+    }
+    sqlite3_finalize(query);
+    std::printf("\njoins of %d rows without an index\n%-28s %12.1f ms\n", rows, "SQLite on integers",
+                Median(base) / 1000);
+    for (std::size_t i = 0; i < std::size(kColumns); ++i) {
+        std::printf("T-SQL on %-19s %12.1f ms %7.2f x\n", kColumns[i], Median(times[i]) / 1000,
+                    Median(times[i]) / Median(base));
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int repeats = argc > 1 ? std::atoi(argv[1]) : 2000;
+    const int rounds = argc > 2 ? std::atoi(argv[2]) : 9;
+    const int rows = argc > 3 ? std::atoi(argv[3]) : 100000;
+    bench::TemporaryAccountSet set;
+    host::RegisterProviders();
+    host::CreateAccountSetFile(set.Path(), {true, 0});
+    const auto connection = ado::OpenConnection("Provider=VelaAccountSet;Data Source=" + set.Path());
+    bench::RawDatabase raw(set.Path());
+    ShowStatements(*connection, raw, repeats, rounds);
+    ShowJoins(*connection, raw, rows, rounds);
+    return 0;
+}
