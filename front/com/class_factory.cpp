@@ -6,6 +6,7 @@
 #include "front/include/vicenter/vicenter.h"
 #include "front/library_session.h"
 #include "platform/com/com_error.h"
+#include "platform/com/com_object.h"
 #include "platform/com/com_pointer.h"
 #include "platform/com/dispatch_object.h"
 
@@ -17,26 +18,9 @@ namespace {
 
 std::atomic<long> live{0};
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public com::ComObject<IClassFactory> {
   public:
     explicit ClassFactory(const PublicClass& made) : class_(made) { ++live; }
-    ClassFactory(const ClassFactory&) = delete;
-    ClassFactory& operator=(const ClassFactory&) = delete;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
-        if (result == nullptr) return E_POINTER;
-        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IClassFactory);
-        *result = known ? this : nullptr;
-        if (!known) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --shares_;
-        if (left == 0) delete this;
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** result) override {
         if (result == nullptr) return E_POINTER;
@@ -61,10 +45,9 @@ class ClassFactory final : public IClassFactory {
     }
 
   private:
-    ~ClassFactory() { --live; }
+    ~ClassFactory() override { --live; }
 
     const PublicClass& class_;
-    std::atomic<ULONG> shares_{1};
 };
 
 }  // namespace

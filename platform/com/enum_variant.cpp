@@ -1,8 +1,7 @@
 #include "platform/com/enum_variant.h"
 
-#include <atomic>
-
 #include "platform/com/com_error.h"
+#include "platform/com/com_object.h"
 #include "platform/com/com_value.h"
 
 namespace vicenter::com {
@@ -13,27 +12,10 @@ using automation::Variant;
 
 namespace {
 
-class EnumVariant final : public IEnumVARIANT {
+class EnumVariant final : public ComObject<IEnumVARIANT> {
   public:
     explicit EnumVariant(ObjectRef collection)
         : collection_(std::move(collection)), values_(collection_->NewEnumerator()) {}
-    EnumVariant(const EnumVariant&) = delete;
-    EnumVariant& operator=(const EnumVariant&) = delete;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
-        if (result == nullptr) return E_POINTER;
-        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IEnumVARIANT);
-        *result = known ? this : nullptr;
-        if (!known) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --shares_;
-        if (left == 0) delete this;
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* values, ULONG* fetched) override {
         if (values == nullptr) return E_POINTER;
@@ -77,12 +59,9 @@ class EnumVariant final : public IEnumVARIANT {
     }
 
   private:
-    ~EnumVariant() = default;
-
     ObjectRef collection_;
     std::unique_ptr<Enumerator> values_;
     ULONG taken_ = 0;
-    std::atomic<ULONG> shares_{1};
 };
 
 class ForeignValues final : public Enumerator {

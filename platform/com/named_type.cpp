@@ -1,34 +1,16 @@
 #include "platform/com/named_type.h"
 
-#include <atomic>
-
 #include "platform/com/com_error.h"
+#include "platform/com/com_object.h"
 #include "platform/com/com_value.h"
 
 namespace vicenter::com {
 
 namespace {
 
-class NamedType final : public ITypeInfo {
+class NamedType final : public ComObject<ITypeInfo> {
   public:
     explicit NamedType(std::string name) : name_(std::move(name)) {}
-    NamedType(const NamedType&) = delete;
-    NamedType& operator=(const NamedType&) = delete;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
-        if (result == nullptr) return E_POINTER;
-        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_ITypeInfo);
-        *result = known ? this : nullptr;
-        if (!known) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --shares_;
-        if (left == 0) delete this;
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE GetDocumentation(MEMBERID member, BSTR* name, BSTR* text, DWORD* helpContext,
                                                BSTR* helpFile) override {
@@ -88,10 +70,7 @@ class NamedType final : public ITypeInfo {
     void STDMETHODCALLTYPE ReleaseVarDesc(VARDESC*) override {}
 
   private:
-    ~NamedType() = default;
-
     std::string name_;
-    std::atomic<ULONG> shares_{1};
 };
 
 }  // namespace

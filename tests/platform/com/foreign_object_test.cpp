@@ -1,5 +1,6 @@
 #include "platform/com/foreign_object.h"
 
+#include "platform/com/com_object.h"
 #include "tests/platform/com/com_fixture.h"
 
 namespace vicenter::com {
@@ -12,23 +13,10 @@ using automation::Variant;
 
 // Somebody else's object: it passes every call on to one of ours and is not known to be that. Refuses its
 // first calls as a busy server does.
-class Stranger final : public IDispatch {
+class Stranger final : public ComObject<IDispatch> {
   public:
     Stranger(ComPointer<IDispatch> inside, int busy) : inside_(std::move(inside)), busy_(busy) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
-        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch);
-        *result = known ? this : nullptr;
-        if (!known) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --shares_;
-        if (left == 0) delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         return inside_->GetTypeInfoCount(count);
     }
@@ -53,7 +41,6 @@ class Stranger final : public IDispatch {
 
     ComPointer<IDispatch> inside_;
     int busy_;
-    ULONG shares_ = 1;
 };
 
 class ForeignTest : public ComTest {
