@@ -13,6 +13,8 @@
 
 #include "bench/account_set_bench.h"
 #include "host/account_set.h"
+#include "platform/ado/account_set/account_set_collation.h"
+#include "tsql/types/collation.h"
 
 namespace {
 
@@ -95,6 +97,14 @@ constexpr Pair kStatements[] = {
      "a.FYear = 2026 AND a.FPeriod = 1 AND a.FNumber >= 1 AND a.FNumber <= 20 AND a.FTranType = 0 ORDER BY "
      "b.FVoucherID, b.FEntryID"},
 };
+
+// The set's own order, which its indexes stand in.
+int CompareTexts(void*, int sizeA, const void* a, int sizeB, const void* b) {
+    return tsql::engine::CompareTexts(
+        ado::AccountSetCollation(),
+        std::string_view(static_cast<const char*>(a), static_cast<std::size_t>(sizeA)),
+        std::string_view(static_cast<const char*>(b), static_cast<std::size_t>(sizeB)));
+}
 
 double Processor(const std::function<void()>& body) {
     const std::clock_t begin = std::clock();
@@ -193,6 +203,7 @@ int main(int argc, char** argv) {
     host::CreateAccountSetFile(set.Path(), {true, 0});
     const auto connection = ado::OpenConnection("Provider=VelaAccountSet;Data Source=" + set.Path());
     bench::RawDatabase raw(set.Path());
+    sqlite3_create_collation_v2(raw.Handle(), "ts_text", SQLITE_UTF8, nullptr, CompareTexts, nullptr);
     ShowStatements(*connection, raw, repeats, rounds);
     ShowJoins(*connection, raw, rows, rounds);
     return 0;
