@@ -14,6 +14,7 @@ struct LineFault {
     std::string header = {};  // of the column
     std::string value = {};   // as one would type it
     std::string reason = {};
+    bool hint = false;  // may be as meant
 };
 
 }  // namespace vicenter::store

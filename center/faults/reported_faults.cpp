@@ -12,6 +12,12 @@ void ReportedFaults::Take(const FaultReport& report) {
         all_.push_back({report.kind, report.source, fault});
 }
 
+void ReportedFaults::DropShown(const std::string& templateName) {
+    std::erase_if(all_, [&](const ReportedFault& known) {
+        return known.kind == FaultSource::Template && known.source == templateName && !known.fault.hint;
+    });
+}
+
 void ReportedFaults::Drop(const std::vector<std::size_t>& places) {
     std::vector<ReportedFault> left;
     for (std::size_t i = 0; i < all_.size(); ++i) {

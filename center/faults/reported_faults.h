@@ -37,6 +37,8 @@ class ReportedFaults {
     void Take(const FaultReport& report);
     // By the order in which they came.
     const std::vector<ReportedFault>& All() const { return all_; }
+    // The template of that name is in the grid now, whose own cells tell their faults; hints stay.
+    void DropShown(const std::string& templateName);
     // places: of All().
     void Drop(const std::vector<std::size_t>& places);
 

@@ -18,6 +18,7 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
           state, [this] { return save.ConfirmUnsavedChanges(); }, [this] { drafts.Leaving(); },
           [this] {
               drafts.Opened();
+              reported.DropShown(state.open.Name());
               editing.Forget();
               RefreshPanels();
           }),

@@ -98,10 +98,11 @@ void TreeFacet::CheckTemplates() {
             report.faults.push_back(
                 {finding.row, finding.column,
                  finding.column == 0 ? finding.number + " 号" : std::string(Column(finding.column).header),
-                 finding.value, isFault ? finding.reason : "提示：" + finding.reason});
+                 finding.value, isFault ? finding.reason : "提示：" + finding.reason, !isFault});
         }
         parts_.reported.Take(report);
     }
+    parts_.reported.DropShown(parts_.state.open.Name());
     parts_.ReportsChanged();
     if (faults + hints > 0) parts_.state.view.ShowFaults();
     Tell("检查了 " + std::to_string(templates) + " 个模板：异常 " + std::to_string(faults) + " 处，提示 " +

@@ -229,6 +229,10 @@ TEST_F(TreeMenuWayTest, AllTemplatesAreCheckedAndAFaultLeadsToItsCell) {
     list.OpenReported(fault);
     EXPECT_EQ(window->Presenter().TemplateName(), "日常费用");
     EXPECT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{2, column::kAccountNumber}));
+    // The cells of the open template tell their faults themselves: none stands there twice.
+    for (const center::ReportedFault& left : list.Reported())
+        EXPECT_TRUE(left.source != "日常费用" || left.fault.hint) << left.fault.reason;
+    EXPECT_FALSE(list.Cells().empty());
     // What has been mended since goes with the next check.
     session->Execute("update t_Account set FDetail = 1 where FNumber = '1001'");
     const std::size_t before = list.Reported().size();
