@@ -1,8 +1,8 @@
 #include "host/cli/cli.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <new>
-#include <regex>
 #include <sstream>
 #include <system_error>
 
@@ -23,6 +23,7 @@
 #include "platform/system/unfinished_file.h"
 #include "store/cls_vi_data.h"
 #include "store/component_classes.h"
+#include "text/ascii.h"
 
 namespace vicenter::host {
 
@@ -51,9 +52,9 @@ const CLI::Validator kDigits(
 
 const CLI::Validator kDay(
     [](const std::string& given) {
-        static const std::regex day(R"(\d{4}-\d{2}-\d{2})");
-        return std::regex_match(given, day) ? std::string()
-                                            : "应为 yyyy-mm-dd / must be yyyy-mm-dd：" + given;
+        std::string form = given;
+        std::replace_if(form.begin(), form.end(), text::IsDigit, '9');
+        return form == "9999-99-99" ? std::string() : "应为 yyyy-mm-dd / must be yyyy-mm-dd：" + given;
     },
     "");
 
