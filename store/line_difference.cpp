@@ -177,6 +177,28 @@ class Comparison {
 
 }  // namespace
 
+std::string KindText(LineDifference::Kind kind) {
+    switch (kind) {
+        case LineDifference::Kind::Added:
+            return "新增";
+        case LineDifference::Kind::Removed:
+            return "删除";
+        case LineDifference::Kind::Changed:
+            break;
+    }
+    return "修改";
+}
+
+DifferenceCounts CountsOf(const std::vector<LineDifference>& differences) {
+    DifferenceCounts counts;
+    for (const LineDifference& difference : differences) {
+        counts.added += difference.kind == LineDifference::Kind::Added;
+        counts.removed += difference.kind == LineDifference::Kind::Removed;
+        counts.changed += difference.kind == LineDifference::Kind::Changed;
+    }
+    return counts;
+}
+
 std::vector<LineDifference> Differences(const std::vector<LineTexts>& before,
                                         const std::vector<LineTexts>& after) {
     return Comparison(before, after).Run();

@@ -29,6 +29,16 @@ struct LineDifference {
     std::vector<Cell> cells;  // of a changed line, by column; ids, which nobody sees, are not among them
 };
 
+// For users: 新增, 删除, 修改.
+std::string KindText(LineDifference::Kind kind);
+
+struct DifferenceCounts {
+    int added = 0;
+    int removed = 0;
+    int changed = 0;
+};
+DifferenceCounts CountsOf(const std::vector<LineDifference>& differences);
+
 // In the order of the later reading; what went stands where it stood.
 std::vector<LineDifference> Differences(const std::vector<LineTexts>& before,
                                         const std::vector<LineTexts>& after);

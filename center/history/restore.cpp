@@ -1,6 +1,8 @@
 #include "center/history/restore.h"
 
 #include "center/frame/window_state.h"
+#include "center/template/template_fate.h"
+#include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "platform/system/collation.h"
 #include "platform/system/utf8.h"
@@ -31,22 +33,13 @@ store::TemplateOutcome TellFailed(const std::string& name, State state) {
 }
 
 // Why the user can have no new template of that name; empty when there is no reason.
-std::string WhyNotName(const std::string& name, const std::string& userId) {
-    switch (store::FaultOfName(name)) {
-        case store::NameFault::Blank:
-            return "凭证模板名称不允许为空！";
-        case store::NameFault::ControlCharacter:
-            return "凭证模板名称不能包含制表符、换行等控制字符！";
-        case store::NameFault::TooLong:
-            return "凭证模板名称不能超过 " + std::to_string(store::kLongestTemplateName) + " 个字符！";
-        case store::NameFault::None:
-            break;
-    }
-    if (system::Collator::Chinese().Compare(name, store::kStandardTemplateName) == 0)
-        return "模板名称不允许重复，恢复失败！";
+std::string WhyNotTheUsers(const std::string& name, const std::string& userId) {
+    if (std::string why = store::WhyNotName(name); !why.empty()) return why;
+    constexpr const char* kDuplicate = "模板名称不允许重复，恢复失败！";
+    if (system::Collator::Chinese().Compare(name, store::kStandardTemplateName) == 0) return kDuplicate;
     const std::optional<bool> taken = store::UserHasTemplate(name, userId);
     if (!taken) return "模板 " + name + " 恢复失败！";
-    return *taken ? "模板名称不允许重复，恢复失败！" : std::string();
+    return *taken ? kDuplicate : std::string();
 }
 
 }  // namespace
@@ -56,6 +49,13 @@ store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const s
     if (Ask("模板 " + name + " 的现有分录将被 " + version.keptAt + " 之前的版本（" +
                 std::to_string(version.lines) + " 行）替换，现有分录会保留为历史版本。请确认是否恢复？",
             system::MessageButtons::YesNo) != system::MessageResult::Yes) {
+        return {};
+    }
+    // Asked once the user has agreed: what is written to is still there, and still the user's.
+    const TemplateFate fate = FateOfNode(templateId, name, entry::CurrentUserId()).fate;
+    if (fate == TemplateFate::Unknown) return TellFailed(name, State::Failed);
+    if (fate == TemplateFate::Gone) {
+        TellGone(name);
         return {};
     }
     store::KeptVersion kept(templateId, store::HistoryCommand::Restore);
@@ -82,9 +82,11 @@ std::optional<std::string> NameForRestored(const std::string& versionName, const
     }
 }
 
-store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const std::string& name,
+store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const std::string& wished,
                                     const std::string& userId) {
-    if (const std::string why = WhyNotName(name, userId); !why.empty()) {
+    // As the batch writes it.
+    const std::string name(system::TrimBlanks(wished));
+    if (const std::string why = WhyNotTheUsers(name, userId); !why.empty()) {
         Tell(why);
         return {};
     }

@@ -18,7 +18,8 @@ inline constexpr const char* kHistoryOff =
 inline constexpr const char* kHistoryUnreadable = "模板历史无法读取，请检查账套连接！";
 
 // Asks whether the lines of the template of that name are to give way to the version's; they are kept as a
-// version themselves. Failed without a further word when the user declines.
+// version themselves. Failed without a further word when the user declines, and told when the template is
+// gone or another user's by then.
 store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const std::string& templateId,
                                    const std::string& name);
 
@@ -26,9 +27,9 @@ store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const s
 // Nothing when the account set does not answer.
 std::optional<std::string> NameForRestored(const std::string& versionName, const std::string& userId);
 
-// A new template of the user's, named so. A name that the user has already, or that no template can bear, is
-// refused.
-store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const std::string& name,
+// A new template of the user's, named so but for blanks around it. A name that the user has already, or that
+// no template can bear, is refused.
+store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const std::string& wished,
                                     const std::string& userId);
 
 }  // namespace vicenter::center

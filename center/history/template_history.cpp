@@ -1,7 +1,5 @@
 #include "center/history/template_history.h"
 
-#include <array>
-
 #include "automation/error.h"
 #include "center/frame/window_state.h"
 #include "center/history/restore.h"
@@ -44,31 +42,21 @@ std::optional<std::vector<LineTexts>> LinesOf(const ado::RecordsetRef& records) 
 
 void AppendChanges(std::vector<HistoryChange>& changes, const LineDifference& difference,
                    const std::vector<LineTexts>& before, const std::vector<LineTexts>& now) {
+    const std::string kind = store::KindText(difference.kind);
     const int row = static_cast<int>((difference.after ? *difference.after : *difference.before) + 1);
-    switch (difference.kind) {
-        case LineDifference::Kind::Added:
-            changes.push_back({"新增", difference.number, row, 0, "", WordsOf(now[*difference.after])});
-            break;
-        case LineDifference::Kind::Removed:
-            changes.push_back({"删除", difference.number, row, 0, WordsOf(before[*difference.before]), ""});
-            break;
-        case LineDifference::Kind::Changed:
-            for (const LineDifference::Cell& cell : difference.cells)
-                changes.push_back({"修改", difference.number, row, cell.column, cell.before, cell.after});
-            break;
-    }
+    for (const LineDifference::Cell& cell : difference.cells)
+        changes.push_back({kind, difference.number, row, cell.column, cell.before, cell.after});
+    if (difference.kind == LineDifference::Kind::Changed) return;
+    changes.push_back({kind, difference.number, row, 0,
+                       difference.before ? WordsOf(before[*difference.before]) : std::string(),
+                       difference.after ? WordsOf(now[*difference.after]) : std::string()});
 }
 
 std::string CountsText(const std::vector<LineDifference>& differences) {
     if (differences.empty()) return "与现在的分录相同。";
-    std::array<int, 3> counts{};
-    for (const LineDifference& difference : differences)
-        ++counts[static_cast<std::size_t>(difference.kind)];
-    const auto count = [&](LineDifference::Kind kind) {
-        return std::to_string(counts[static_cast<std::size_t>(kind)]) + " 行";
-    };
-    return "此版本之后：新增 " + count(LineDifference::Kind::Added) + "，删除 " +
-           count(LineDifference::Kind::Removed) + "，修改 " + count(LineDifference::Kind::Changed) + "。";
+    const store::DifferenceCounts counts = store::CountsOf(differences);
+    return "此版本之后：新增 " + std::to_string(counts.added) + " 行，删除 " +
+           std::to_string(counts.removed) + " 行，修改 " + std::to_string(counts.changed) + " 行。";
 }
 
 }  // namespace

@@ -50,23 +50,7 @@ std::vector<LineTexts> LinesOfTemplate(const std::string& templateId) {
     return TextsOf(store::clsVIData().GetVchTemplateEntryInfo(templateId));
 }
 
-struct Counts {
-    int added = 0;
-    int removed = 0;
-    int changed = 0;
-};
-
-Counts CountsOf(const std::vector<LineDifference>& differences) {
-    Counts counts;
-    for (const LineDifference& difference : differences) {
-        counts.added += difference.kind == LineDifference::Kind::Added;
-        counts.removed += difference.kind == LineDifference::Kind::Removed;
-        counts.changed += difference.kind == LineDifference::Kind::Changed;
-    }
-    return counts;
-}
-
-Variant VersionObject(const HistoryVersion& version, const Counts& counts) {
+Variant VersionObject(const HistoryVersion& version, const store::DifferenceCounts& counts) {
     return JsonObject({{"version", Variant(version.id).ToInt32()},
                        {"replaced", version.keptAt},
                        {"by", version.keptBy},
@@ -90,7 +74,7 @@ int ListVersions(const CliContext& context, const TemplateHead& head) {
     std::vector<LineTexts> later = LinesOfTemplate(head.id);
     for (const HistoryVersion& version : versions) {
         std::vector<LineTexts> lines = LinesOfVersion(version);
-        const Counts counts = CountsOf(store::Differences(lines, later));
+        const store::DifferenceCounts counts = store::CountsOf(store::Differences(lines, later));
         later = std::move(lines);
         if (context.options.json) {
             list.push_back(VersionObject(version, counts));
@@ -128,18 +112,6 @@ const HistoryVersion* FindVersion(const std::vector<HistoryVersion>& versions, c
                 "模板 " + context.options.name + " 没有版本 " + context.options.version + "！");
 }
 
-const char* KindText(LineDifference::Kind kind) {
-    switch (kind) {
-        case LineDifference::Kind::Added:
-            return "新增";
-        case LineDifference::Kind::Removed:
-            return "删除";
-        case LineDifference::Kind::Changed:
-            break;
-    }
-    return "修改";
-}
-
 Variant PlaceValue(const std::optional<std::size_t>& place) {
     return place ? Variant(static_cast<std::int32_t>(*place + 1)) : Variant::Null();
 }
@@ -151,7 +123,7 @@ Variant DifferenceObject(const LineDifference& difference) {
                                     {"before", cell.before},
                                     {"after", cell.after}}));
     }
-    return JsonObject({{"kind", KindText(difference.kind)},
+    return JsonObject({{"kind", store::KindText(difference.kind)},
                        {"FNo", difference.number},
                        {"rowBefore", PlaceValue(difference.before)},
                        {"rowAfter", PlaceValue(difference.after)},
@@ -160,7 +132,7 @@ Variant DifferenceObject(const LineDifference& difference) {
 
 void PrintDifference(std::ostream& out, const LineDifference& difference, const LineTexts& line) {
     const std::size_t place = difference.after ? *difference.after : *difference.before;
-    out << KindText(difference.kind) << "\t" << difference.number << " 号\t行" << place + 1 << "\t";
+    out << store::KindText(difference.kind) << "\t" << difference.number << " 号\t行" << place + 1 << "\t";
     if (difference.kind == LineDifference::Kind::Changed) {
         std::string separator;
         for (const LineDifference::Cell& cell : difference.cells) {

@@ -264,5 +264,36 @@ TEST_F(TwoProcesses, AVersionThatIsGoneEmptiesNothing) {
     EXPECT_EQ(shown.back().text, "模板 另一个 恢复失败！");
 }
 
+// Between the list and the choice another may have deleted the template: lines without a template would be
+// born into whoever's is the next of that id.
+TEST_F(TwoProcesses, AVersionIsNotRestoredOverATemplateThatIsGone) {
+    const std::string id = NewTemplate("版本");
+    ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
+    ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
+    const store::History history = store::ReadHistory(id);
+    ASSERT_EQ(Elsewhere({"--yes", "delete", "版本"}), 0);
+    surroundings_.messageBoxes->answers = {MessageResult::Yes};
+    EXPECT_EQ(RestoreOver(history.versions.front(), id, "版本").state, store::TemplateOutcome::State::Failed);
+    EXPECT_EQ(surroundings_.messageBoxes->shown.back().text, "模板 版本 已在别处被删除！");
+    EXPECT_EQ(Value("select count(*) from t_VchTemplateEntry where FID = " + id), "0");
+    EXPECT_EQ(Value("select count(*) from t_VchTpControl where FID = " + id), "0");
+    // Nor is it whoever's template has the id now.
+    ASSERT_EQ(ElsewhereAs(2, {"new"}), 0);
+    ASSERT_EQ(Value("select FUserID from t_VchTemplate where FID = " + id), "2");
+    surroundings_.messageBoxes->answers = {MessageResult::Yes};
+    EXPECT_EQ(RestoreOver(history.versions.front(), id, "版本").state, store::TemplateOutcome::State::Failed);
+    EXPECT_EQ(Value("select count(*) from t_VchTemplateEntry where FID = " + id), "0");
+}
+
+TEST_F(TwoProcesses, BlanksAroundARestoredNameMakeNoSecondTemplateOfIt) {
+    const std::string id = NewTemplate("版本");
+    ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
+    const store::History history = store::ReadHistory(id);
+    EXPECT_EQ(RestoreAsNew(history.versions.front(), "  版本 ", "1").state,
+              store::TemplateOutcome::State::Failed);
+    EXPECT_EQ(surroundings_.messageBoxes->shown.back().text, "模板名称不允许重复，恢复失败！");
+    EXPECT_EQ(Value("select count(*) from t_VchTemplate where FName = '版本'"), "1");
+}
+
 }  // namespace
 }  // namespace vicenter::center::test
