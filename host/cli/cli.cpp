@@ -1,6 +1,5 @@
 #include "host/cli/cli.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <new>
 #include <sstream>
@@ -12,6 +11,7 @@
 #include "automation/error.h"
 #include "entry/host_context.h"
 #include "host/account_set.h"
+#include "host/cli/argument_checks.h"
 #include "host/cli/connect_text.h"
 #include "host/cli/console.h"
 #include "host/cli/context.h"
@@ -23,7 +23,6 @@
 #include "platform/system/unfinished_file.h"
 #include "store/cls_vi_data.h"
 #include "store/component_classes.h"
-#include "text/ascii.h"
 
 namespace vicenter::host {
 
@@ -34,29 +33,6 @@ namespace {
 
 constexpr const char* kDemoFile = "demo.vas";
 constexpr const char* kCloudFolder = "cloud";
-
-// A script whose variable is unset hands over an empty text, which must not come out as the demo set.
-const CLI::Validator kNotEmpty(
-    [](const std::string& given) {
-        return given.empty() ? std::string("不能为空 / must not be empty") : std::string();
-    },
-    "");
-
-const CLI::Validator kDigits(
-    [](const std::string& given) {
-        return given.find_first_not_of("0123456789") == std::string::npos
-                   ? std::string()
-                   : "应为数字 / must be a number：" + given;
-    },
-    "");
-
-const CLI::Validator kDay(
-    [](const std::string& given) {
-        std::string form = given;
-        std::replace_if(form.begin(), form.end(), text::IsDigit, '9');
-        return form == "9999-99-99" ? std::string() : "应为 yyyy-mm-dd / must be yyyy-mm-dd：" + given;
-    },
-    "");
 
 // The commands and options of the program, bound to one CliOptions.
 class CommandLine {
