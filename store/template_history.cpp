@@ -80,6 +80,27 @@ std::string KeepBatch(const std::string& templateId, HistoryCommand command, con
     return batch;
 }
 
+// Nobody may know what became of a command whose line was cut: the version goes only where it is what stands
+// there.
+std::string GiveUpBatch(const std::string& templateId, const std::string& versionId) {
+    const std::string present =
+        "select FEntryID" + LineFields() + " from t_VchTemplateEntry where FID = " + templateId;
+    const std::string kept =
+        "select FEntryID" + LineFields() + " from t_VchTpHistoryEntry where FHistoryID = " + versionId;
+    std::string batch;
+    AppendLine(batch,
+               "if exists(select 1 from t_VchTemplate a inner join t_VchTpHistory h on h.FID = a.FID and "
+               "h.FName = a.FName and h.FOwnerID = a.FUserID where h.FHistoryID = " +
+                   versionId + ")");
+    AppendLine(batch, "and not exists(" + present + " except " + kept + ")");
+    AppendLine(batch, "and not exists(" + kept + " except " + present + ")");
+    AppendLine(batch, "begin");
+    for (const char* table : {"t_VchTpHistoryEntry", "t_VchTpHistoryControl", "t_VchTpHistory"})
+        AppendLine(batch, std::string("delete from ") + table + " where FHistoryID = " + versionId);
+    AppendLine(batch, "end");
+    return batch;
+}
+
 // The statements behind it run only while the version is there whole: others may let it go meanwhile.
 void BeginRestoring(std::string& batch, const std::string& versionId) {
     const std::string ofVersion = " where FHistoryID = " + versionId;
@@ -139,7 +160,7 @@ std::string CommandText(HistoryCommand command) {
     return {};
 }
 
-KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command) {
+KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command) : templateId_(templateId) {
     const ado::RecordsetRef kept = GetRecordset(KeepBatch(templateId, command, entry::CurrentUserId()));
     try {
         if (kept == nullptr) throw Error(automation::error_number::kObjectVariableNotSet);
@@ -152,10 +173,7 @@ KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command) 
 KeptVersion::~KeptVersion() {
     if (id_.empty()) return;
     try {
-        std::string batch;
-        for (const char* table : {"t_VchTpHistoryEntry", "t_VchTpHistoryControl", "t_VchTpHistory"})
-            AppendLine(batch, std::string("delete from ") + table + " where FHistoryID = " + id_);
-        GetRecordset(batch);
+        GetRecordset(GiveUpBatch(templateId_, id_));
     } catch (const std::exception&) {
         // It stays, the same as what is there: no harm but in the list.
     }

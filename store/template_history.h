@@ -29,7 +29,8 @@ std::string CommandText(HistoryCommand command);
 
 // The version that is there now, kept before a command writes, in a unit of its own: a failure is no reason
 // to stop the command and stands in the operation log. Given up at the end of the scope unless the command
-// has replaced it.
+// has replaced it; where something else stands there all the same (a line was cut while it was stored), it
+// stays.
 class KeptVersion {
   public:
     // The current user gives the command. A template that is not there has no version.
@@ -42,6 +43,7 @@ class KeptVersion {
     void Stay();
 
   private:
+    std::string templateId_;
     std::string id_;  // empty: nothing to give up
 };
 

@@ -295,5 +295,24 @@ TEST_F(TwoProcesses, BlanksAroundARestoredNameMakeNoSecondTemplateOfIt) {
     EXPECT_EQ(Value("select count(*) from t_VchTemplate where FName = '版本'"), "1");
 }
 
+// A command whose end nobody heard of may have written: then the version is all that is left of the lines.
+TEST_F(TwoProcesses, AVersionIsGivenUpOnlyWhereItIsWhatStandsThere) {
+    const std::string id = NewTemplate("版本");
+    ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
+    const std::string kept = "select count(*) from t_VchTpHistory where FCommand = 3 and FID = " + id;
+    { const store::KeptVersion nothingWritten(id, store::HistoryCommand::Generate); }
+    EXPECT_EQ(Value(kept), "0");
+    {
+        const store::KeptVersion written(id, store::HistoryCommand::Generate);
+        session_->Execute("update t_VchTemplateEntry set FAmount = 5 where FID = " + id);
+    }
+    EXPECT_EQ(Value(kept), "1");
+    {
+        const store::KeptVersion deleted(id, store::HistoryCommand::Generate);
+        session_->Execute("delete t_VchTemplate where FID = " + id);
+    }
+    EXPECT_EQ(Value(kept), "2");
+}
+
 }  // namespace
 }  // namespace vicenter::center::test

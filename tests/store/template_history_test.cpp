@@ -73,9 +73,19 @@ TEST_F(HistoryTest, AVersionIsGivenUpWhenNothingHasReplacedIt) {
         const KeptVersion kept("5", HistoryCommand::Save);
         set_.Forget();
     }
-    EXPECT_EQ(set_.Statements(), (Statements{"delete from t_VchTpHistoryEntry where FHistoryID = 41\r\n"
-                                             "delete from t_VchTpHistoryControl where FHistoryID = 41\r\n"
-                                             "delete from t_VchTpHistory where FHistoryID = 41\r\n"}));
+    const std::string present =
+        std::string("select FEntryID,") + kFields + " from t_VchTemplateEntry where FID = 5";
+    const std::string kept =
+        std::string("select FEntryID,") + kFields + " from t_VchTpHistoryEntry where FHistoryID = 41";
+    EXPECT_EQ(
+        set_.Statements(),
+        (Statements{"if exists(select 1 from t_VchTemplate a inner join t_VchTpHistory h on h.FID = a.FID "
+                    "and h.FName = a.FName and h.FOwnerID = a.FUserID where h.FHistoryID = 41)\r\n"
+                    "and not exists(" +
+                    present + " except " + kept + ")\r\nand not exists(" + kept + " except " + present +
+                    ")\r\nbegin\r\ndelete from t_VchTpHistoryEntry where FHistoryID = 41\r\n"
+                    "delete from t_VchTpHistoryControl where FHistoryID = 41\r\n"
+                    "delete from t_VchTpHistory where FHistoryID = 41\r\nend\r\n"}));
 }
 
 TEST_F(HistoryTest, AVersionThatWasReplacedStays) {
