@@ -80,9 +80,6 @@ void MakeAccountSetFile(const std::string& file, const std::function<void(ado::C
         fill(*connection);
         connection->Close();
     }
-    // What could not be brought home would stay behind in the log, and the set without it is damaged.
-    if (fs::exists(system::PathFromUtf8(whole.Path() + "-wal"), ignored))
-        throw Error(automation::error_number::kPermissionDenied, "账套未能写完：" + file);
     // Of two processes that make the same account set at once the first has it.
     whole.PutInPlaceAsNew();
 }

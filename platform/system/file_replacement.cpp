@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -68,6 +69,18 @@ std::string Told(const std::error_code& failed) {
     return failed.message();
 }
 
+// A database that could not bring its log home is not whole without it, and the log does not move along.
+bool HasLogBeside(const fs::path& file) {
+    for (const char* tail : {"-wal", "-journal"}) {
+        fs::path log = file;
+        log += tail;
+        std::error_code none;
+        const std::uintmax_t size = fs::file_size(log, none);
+        if (!none && size > 0) return true;
+    }
+    return false;
+}
+
 std::string TargetBehind(const std::string& target) {
     const fs::path file = BehindLinks(PathFromUtf8(target));
     if (const std::string refusal = WhyNoPlace(file); !refusal.empty())
@@ -92,6 +105,8 @@ void FileReplacement::PutInPlaceAsNew() {
 
 void FileReplacement::Finish(Durable durable, bool replace) {
     const fs::path target = PathFromUtf8(target_);
+    if (HasLogBeside(PathFromUtf8(Path())))
+        throw Error(error_number::kPermissionDenied, "文件未能写完，磁盘可能已满：" + target_);
     if (durable == Durable::Yes && !os::SyncFile(Path()))
         throw Error(error_number::kPermissionDenied, "无法写入文件，磁盘可能已满或没有权限！");
     // It may have become something else meanwhile.

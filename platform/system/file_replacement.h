@@ -25,7 +25,8 @@ class FileReplacement {
 
     // Where to write the content. What is still there at the end of the scope is removed.
     const std::string& Path() const { return part_.Path(); }
-    // The end: the content takes the target's name and, of an old file, its permissions.
+    // The end: the content takes the target's name and, of an old file, its permissions. Throws Error 70 when
+    // it is a database whose log still holds a part of it.
     void PutInPlace(Durable durable = Durable::Yes);
     // The same for a target that must not exist: throws Error 58 when there is one by now.
     void PutInPlaceAsNew();

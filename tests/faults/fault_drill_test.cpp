@@ -25,9 +25,13 @@ namespace {
 
 constexpr std::size_t kSamplePerDrill = 12;
 constexpr std::size_t kMemorySamplePerDrill = 4;
-// There are thousands of allocations; the whole drill takes so many of them for each plan.
-constexpr long kAllocationsPerPlan = 150;
+// There are thousands of allocations; the whole drill takes so many of them for each plan. A fault that only
+// a few in a row show is found by more of them.
+constexpr long kAllocationsPerPlan = 600;
 constexpr std::size_t kToldPerDrill = 8;
+// Closing and tidying up come last, when success has been decided: every run takes the last of these calls.
+constexpr long kLastWrites = 5;
+constexpr long kLastRemovals = 3;
 
 constexpr const char* kChanges = "write+sync+truncate+rename+unlink+open";
 constexpr const char* kEveryCall = "open+read+write+sync+truncate+rename+unlink+lock+map";
@@ -37,17 +41,32 @@ struct Plan {
     const char* classes;
     const char* action;
     int code;
+    long last = 0;  // so many from the end on are part of every sample
 };
 
 const std::vector<Plan>& Plans() {
     static const std::vector<Plan> plans = {
-        {"write", "fail", ENOSPC},  {"write", "fail", EIO},       {"write", "stuck", ENOSPC},
-        {"write", "short", ENOSPC}, {"sync", "fail", EIO},        {"sync", "stuck", EIO},
-        {"truncate", "fail", EIO},  {"open", "fail", EACCES},     {"open", "fail", EMFILE},
-        {"read", "fail", EIO},      {"rename", "fail", EACCES},   {"rename", "fail", ENOSPC},
-        {"unlink", "fail", EACCES}, {"lock", "fail", EIO},        {"lock", "fail", ENOLCK},
-        {"map", "fail", ENOMEM},    {kAllButLocks, "stuck", EIO}, {kChanges, "stuck", ENOSPC},
-        {kEveryCall, "kill", 0},    {"write", "torn", 0},         {kChanges, "cut", 0},
+        {"write", "fail", ENOSPC, kLastWrites},
+        {"write", "fail", EIO},
+        {"write", "stuck", ENOSPC},
+        {"write", "short", ENOSPC},
+        {"sync", "fail", EIO},
+        {"sync", "stuck", EIO},
+        {"truncate", "fail", EIO},
+        {"open", "fail", EACCES},
+        {"open", "fail", EMFILE},
+        {"read", "fail", EIO},
+        {"rename", "fail", EACCES},
+        {"rename", "fail", ENOSPC},
+        {"unlink", "fail", EACCES, kLastRemovals},
+        {"lock", "fail", EIO},
+        {"lock", "fail", ENOLCK},
+        {"map", "fail", ENOMEM},
+        {kAllButLocks, "stuck", EIO},
+        {kChanges, "stuck", ENOSPC},
+        {kEveryCall, "kill", 0},
+        {"write", "torn", 0},
+        {kChanges, "cut", 0},
     };
     return plans;
 }
@@ -84,8 +103,12 @@ std::vector<Fault> Points(std::vector<Plan> plans, std::size_t sample,
     // What was told as done outlives the power that fails right afterwards.
     for (const Plan& plan : plans) {
         if (plan.action == std::string("cut")) points.push_back({plan.classes, 0, plan.action, 0});
+        const long count = CountOf(plan.classes, counts);
+        for (long n = std::max(1L, count - plan.last + 1); n <= count; ++n)
+            points.push_back({plan.classes, n, plan.action, plan.code});
     }
-    for (std::size_t i = 0; points.size() < sample; ++i) {
+    const std::size_t whole = points.size() + sample;
+    for (std::size_t i = 0; points.size() < whole; ++i) {
         const Plan& plan = plans[i % plans.size()];
         const long count = CountOf(plan.classes, counts);
         if (count == 0) continue;

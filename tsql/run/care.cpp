@@ -28,6 +28,10 @@ class Opened {
 
     Database& Data() { return database_; }
     Catalog& Definitions() { return catalog_; }
+    // Before the file is moved as it is, without a log beside it: closing would fail in silence.
+    void BringAllHome() {
+        if (!database_.BringHome()) throw database_.LastFailure();
+    }
 
   private:
     FunctionServices services_;
@@ -171,6 +175,7 @@ void CopyAccountSet(const std::string& from, const std::string& to, const CareOp
     Opened copy(to, options);
     copy.Data().Run("PRAGMA synchronous = OFF");
     if (!HasSeal(copy.Data())) Seal(copy.Data());
+    copy.BringAllHome();
 }
 
 void CopyOverAccountSet(const std::string& copy, const std::string& target, const CareOptions& options) {
@@ -185,6 +190,7 @@ void CopyOverAccountSet(const std::string& copy, const std::string& target, cons
 void UnsealAccountSet(const std::string& file, const CareOptions& options) {
     Opened copy(file, options);
     copy.Data().Run("DROP TABLE IF EXISTS \"ts$digest\"");
+    copy.BringAllHome();
 }
 
 bool IsSealed(const std::string& file, const CareOptions& options) {

@@ -29,6 +29,29 @@ TEST_F(FileReplacementTest, WhatIsNotFinishedLeavesTheOldContent) {
     EXPECT_EQ(Names(), Lines{"a.xlsx"});
 }
 
+TEST_F(FileReplacementTest, ADatabaseWhoseLogIsNotHomeIsNotMovedWithoutIt) {
+    const std::string file = Write("a.vas", "old");
+    for (const char* log : {"-wal", "-journal"}) {
+        FileReplacement replacement(file);
+        std::ofstream(PathFromUtf8(replacement.Path())) << "half";
+        std::ofstream(PathFromUtf8(replacement.Path() + log)) << "the other half";
+        try {
+            replacement.PutInPlace();
+            ADD_FAILURE() << "moved without its " << log;
+        } catch (const automation::Error& error) {
+            EXPECT_EQ(error.Number(), automation::error_number::kPermissionDenied);
+            EXPECT_EQ(error.Text(), "文件未能写完，磁盘可能已满：" + file);
+        }
+        EXPECT_EQ(Read(file), "old");
+    }
+    EXPECT_EQ(Names(), Lines{"a.vas"});
+    FileReplacement replacement(file);
+    std::ofstream(PathFromUtf8(replacement.Path())) << "new";
+    std::ofstream(PathFromUtf8(replacement.Path() + "-wal")).flush();
+    replacement.PutInPlace();
+    EXPECT_EQ(Read(file), "new") << "an empty log says nothing";
+}
+
 TEST_F(FileReplacementTest, FoldersAndWhatLiesInNoFolderAreNeverWrittenOver) {
     for (const std::string& target : {folder_.Text(), folder_.File("nowhere/a.xlsx"), folder_.File("")}) {
         EXPECT_FALSE(MayBeWritten(target)) << target;
