@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "automation/class_registry.h"
+#include "automation/quietly.h"
 #include "entry/names.h"
 #include "entry/sql_text.h"
 #include "platform/system/file_replacement.h"
@@ -130,11 +131,8 @@ bool SaveWorkbookAs(const ObjectRef& excel, const ObjectRef& workbook, const std
 ExcelSession::ExcelSession() : application_(automation::CreateObject(kExcelProgId)) {}
 
 ExcelSession::~ExcelSession() {
-    try {
-        application_->Call("Quit");
-    } catch (const Error&) {
-        // It goes with its last reference.
-    }
+    // It goes with its last reference.
+    automation::Quietly([this] { application_->Call("Quit"); });
 }
 
 ObjectRef SheetCells::At(std::int32_t row, std::int32_t column) {

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "automation/class_registry.h"
+#include "automation/quietly.h"
 #include "entry/host_context.h"
 #include "entry/names.h"
 #include "exchange/cell_reading.h"
@@ -39,11 +40,10 @@ class TemporaryCopy {
     TemporaryCopy(const TemporaryCopy&) = delete;
     TemporaryCopy& operator=(const TemporaryCopy&) = delete;
     ~TemporaryCopy() {
-        try {
+        // What cannot be removed is left to the next start.
+        automation::Quietly([this] {
             if (files_->Call("FileExists", {name_}).ToBoolean()) files_->Call("DeleteFile", {name_, true});
-        } catch (const Error&) {
-            // What cannot be removed is left to the system's own tidying.
-        }
+        });
     }
     const std::string& Name() const { return name_; }
 

@@ -9,6 +9,7 @@
 
 #include "automation/error.h"
 #include "automation/object.h"
+#include "automation/quietly.h"
 #include "host/batch_reader.h"
 #include "host/demo_ledger.h"
 #include "host/embedded_files.h"
@@ -118,11 +119,8 @@ class Transaction {
     Transaction& operator=(const Transaction&) = delete;
     ~Transaction() {
         if (kept_) return;
-        try {
-            connection_.Execute("if @@trancount > 0 rollback transaction");
-        } catch (const Error&) {
-            // A connection that is gone has undone it.
-        }
+        // A connection that is gone has undone it.
+        automation::Quietly([this] { connection_.Execute("if @@trancount > 0 rollback transaction"); });
     }
     void Keep() {
         connection_.Execute("commit transaction");

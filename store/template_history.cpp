@@ -1,5 +1,6 @@
 #include "store/template_history.h"
 
+#include "automation/quietly.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "entry/sql_text.h"
@@ -172,11 +173,8 @@ KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command) 
 
 KeptVersion::~KeptVersion() {
     if (id_.empty()) return;
-    try {
-        GetRecordset(GiveUpBatch(templateId_, id_));
-    } catch (const std::exception&) {
-        // It stays, the same as what is there: no harm but in the list.
-    }
+    // If not, it stays, the same as what is there: no harm but in the list.
+    automation::Quietly([this] { GetRecordset(GiveUpBatch(templateId_, id_)); });
 }
 
 void KeptVersion::Stay() {

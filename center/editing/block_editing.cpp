@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "automation/quietly.h"
 #include "center/editing/cell_checks.h"
 #include "center/editing/cell_rules.h"
 #include "center/editing/row_order.h"
@@ -81,7 +82,7 @@ class PasteProgress {
     PasteProgress(const PasteProgress&) = delete;
     PasteProgress& operator=(const PasteProgress&) = delete;
     ~PasteProgress() {
-        if (IsLong()) view_.SetProgress({});
+        if (IsLong()) automation::Quietly([this] { view_.SetProgress({}); });
     }
     void Report(std::size_t done) {
         if (!IsLong() || done % kRowsPerReport != 0) return;

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "automation/error.h"
+#include "automation/quietly.h"
 #include "center/frame/frm_vi_center.h"
 #include "center/frame/window_state.h"
 #include "host/cli/context.h"
@@ -20,7 +21,9 @@ class HiddenWindow {
     HiddenWindow() : presenter_(view_, nullptr) { presenter_.Load(); }
     HiddenWindow(const HiddenWindow&) = delete;
     HiddenWindow& operator=(const HiddenWindow&) = delete;
-    ~HiddenWindow() { presenter_.Unload(); }
+    ~HiddenWindow() {
+        automation::Quietly([this] { presenter_.Unload(); });
+    }
 
     center::frmVICenter& Presenter() { return presenter_; }
     const ConsoleView& View() const { return view_; }

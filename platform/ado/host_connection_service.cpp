@@ -4,6 +4,7 @@
 
 #include "automation/class_registry.h"
 #include "automation/error.h"
+#include "automation/quietly.h"
 #include "platform/ado/side_by_side.h"
 
 namespace vicenter::ado {
@@ -20,7 +21,7 @@ class PlainUnit : public UnitOfWork {
     }
     ~PlainUnit() override {
         if (begun_) current = nullptr;
-        connection_->Close();
+        automation::Quietly([this] { connection_->Close(); });
     }
     bool Commit() override { return connection_->CommitUnit(); }
 

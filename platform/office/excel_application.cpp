@@ -3,6 +3,7 @@
 
 #include "automation/class_registry.h"
 #include "automation/enumeration.h"
+#include "automation/quietly.h"
 #include "platform/office/excel_objects.h"
 #include "platform/office/excel_page.h"
 #include "platform/office/excel_server.h"
@@ -36,7 +37,7 @@ ExcelApplication::ExcelApplication(std::string version) : version_(std::move(ver
 }
 
 ExcelApplication::~ExcelApplication() {
-    Quit();
+    automation::Quietly([this] { Quit(); });
 }
 
 const MemberTable<ExcelApplication>& ExcelApplication::Members() {

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "automation/quietly.h"
 #include "platform/system/files.h"
 #include "platform/system/os.h"
 #include "platform/system/surroundings.h"
@@ -38,13 +39,17 @@ bool IsOurs(std::string_view name) {
     return name.size() == kPattern.size() || name[kPattern.size()] == '.';
 }
 
-void RemoveQuietly(const fs::path& file) {
+// False when something is left that could not be removed.
+bool Remove(const fs::path& file) {
+    bool all = true;
     for (const char* tail : {"", "-wal", "-shm", "-journal"}) {
         fs::path part = file;
         part += tail;
-        std::error_code ignored;
-        if (!fs::is_directory(fs::symlink_status(part, ignored))) fs::remove(part, ignored);
+        std::error_code failed;
+        if (!fs::is_directory(fs::symlink_status(part, failed))) fs::remove(part, failed);
+        all = all && !fs::exists(fs::symlink_status(part, failed));
     }
+    return all;
 }
 
 }  // namespace
@@ -56,9 +61,11 @@ UnfinishedFile::UnfinishedFile(std::string path) : path_(std::move(path)) {
 }
 
 UnfinishedFile::~UnfinishedFile() {
-    RemoveQuietly(PathFromUtf8(path_));
-    std::error_code ignored;
-    if (!mark_.empty()) fs::remove(PathFromUtf8(mark_), ignored);
+    // The mark stays with what could not be removed, for whoever comes next.
+    automation::Quietly([this] {
+        std::error_code ignored;
+        if (Remove(PathFromUtf8(path_)) && !mark_.empty()) fs::remove(PathFromUtf8(mark_), ignored);
+    });
 }
 
 std::string UnfinishedFile::NewPath(const std::string& folder) {
@@ -83,7 +90,7 @@ void RemoveLeftBehind(const std::string& folder) {
         const std::string core = mark.substr(kHead.size(), mark.size() - kHead.size() - kMark.size());
         if (IsOurs(core)) {
             const std::string name = core.ends_with(kPart) ? std::string(kHead) + core : core;
-            RemoveQuietly(place / PathFromUtf8(name));
+            if (!Remove(place / PathFromUtf8(name))) continue;
         }
         std::error_code ignored;
         fs::remove(PathFromUtf8(path), ignored);

@@ -9,6 +9,7 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include "automation/quietly.h"
 #include "tsql/sqlite/posix_descriptor.h"
 
 namespace vicenter::tsql::engine {
@@ -62,7 +63,7 @@ AccountSetFile::AccountSetFile(std::string path, int descriptor, bool readOnly, 
 
 AccountSetFile::~AccountSetFile() {
     index_.Close(false);
-    if (state_ == FileState::kOverwritten) PutLogAside();
+    if (state_ == FileState::kOverwritten) automation::Quietly([this] { PutLogAside(); });
     RetireDescriptor(descriptor_);
 }
 

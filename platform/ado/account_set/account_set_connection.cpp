@@ -4,6 +4,7 @@
 #include <chrono>
 #include <new>
 
+#include "automation/quietly.h"
 #include "platform/ado/account_set/account_set_collation.h"
 #include "platform/ado/account_set/account_set_copies.h"
 #include "platform/ado/account_set/account_set_provider.h"
@@ -217,7 +218,7 @@ bool IsYes(const std::string& word) {
 }  // namespace
 
 AccountSetConnection::~AccountSetConnection() {
-    AccountSetConnection::Close();
+    automation::Quietly([this] { AccountSetConnection::Close(); });
 }
 
 void AccountSetConnection::Open(const std::string& connectString) {

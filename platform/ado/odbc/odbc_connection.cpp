@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "automation/error.h"
+#include "automation/quietly.h"
 #include "platform/ado/odbc/batch_nature.h"
 #include "platform/ado/odbc/national_marks.h"
 #include "platform/ado/odbc/odbc_provider.h"
@@ -61,7 +62,7 @@ std::string Advice(const DriverError& error) {
 }  // namespace
 
 OdbcConnection::~OdbcConnection() {
-    OdbcConnection::Close();
+    automation::Quietly([this] { OdbcConnection::Close(); });
 }
 
 void OdbcConnection::Open(const std::string& connectString) {
