@@ -246,7 +246,10 @@ void ImportByComponent(const std::string& file) {
     set.Answer("select FID", fakes::Rows({"FID"}, {{1}}));
     Window window(0);
     Check(exchange::ImportTemplateWorkbook(window, file, -1, "bench").written, "import");
-    Check(set.Statements()[0].size() > 1000, "batch");
+    const std::vector<std::string>& statements = set.Statements();
+    const auto longest = std::max_element(statements.begin(), statements.end(),
+                                          [](const auto& a, const auto& b) { return a.size() < b.size(); });
+    Check(longest != statements.end() && longest->size() > 1000, "batch");
 }
 
 // --- measuring

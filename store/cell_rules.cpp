@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "automation/decimal.h"
 #include "entry/single_line.h"
@@ -34,6 +35,12 @@ bool ExceedsLimit(std::string_view digits, std::int64_t limit) {
     return digits > text;
 }
 
+// Characters as the server counts them, UTF-16 code units: never more than bytes, which most texts can be
+// told by.
+bool IsLongerThan(std::string_view text, std::size_t characters) {
+    return text.size() > characters && system::CodeUnitCount(text) > characters;
+}
+
 bool IsNumberKind(CellKind kind) {
     return kind == CellKind::Whole || kind == CellKind::Decimal;
 }
@@ -48,10 +55,11 @@ TextVerdict CheckNumber(const ColumnSpec& spec, std::string_view text) {
     if (parts->fraction.size() > static_cast<std::size_t>(spec.decimals)) {
         return TextVerdict::TooManyDecimals;
     }
+    // With something behind the point the limit itself is too much.
     const bool someFraction = !WithoutLeadingZeros(parts->fraction).empty();
-    const bool atLimit = WithoutLeadingZeros(parts->whole) == std::to_string(kLargestNumber);
-    if (ExceedsLimit(parts->whole, kLargestNumber) || (atLimit && someFraction)) return TextVerdict::TooLarge;
-    return TextVerdict::Taken;
+    return ExceedsLimit(parts->whole, someFraction ? kLargestNumber - 1 : kLargestNumber)
+               ? TextVerdict::TooLarge
+               : TextVerdict::Taken;
 }
 
 // Zeros behind the last digit that the column has room for say nothing.
@@ -65,8 +73,16 @@ std::string WithoutSurplusZeros(const ColumnSpec& spec, std::string number) {
     return number;
 }
 
+// A number without anything that a person adds to one.
+TextReading ReadBareNumber(const ColumnSpec& spec, std::string_view text) {
+    std::string cell = WithoutSurplusZeros(spec, std::string(text));
+    const TextVerdict verdict = CheckTypedText(spec.column, cell);
+    return {verdict, verdict == TextVerdict::Taken ? std::move(cell) : std::string(text)};
+}
+
 TextReading ReadNumber(const ColumnSpec& spec, std::string_view text, TextOrigin origin) {
     const auto refused = [text](TextVerdict verdict) { return TextReading{verdict, std::string(text)}; };
+    if (IsBareNumber(text)) return ReadBareNumber(spec, text);
     if (TrimmedOfAnyBlanks(text).empty()) return {};
     const bool calculates =
         IsNumberKind(spec.kind) && (origin == TextOrigin::Typed ? IsCalculation(text) : HasEqualsSign(text));
@@ -85,9 +101,8 @@ TextReading ReadNumber(const ColumnSpec& spec, std::string_view text, TextOrigin
         const TextVerdict verdict = CheckTypedText(spec.column, text);
         return refused(verdict == TextVerdict::Taken ? TextVerdict::NotANumber : verdict);
     }
-    const std::string cell = WithoutSurplusZeros(spec, *plain);
-    const TextVerdict verdict = CheckTypedText(spec.column, cell);
-    return verdict == TextVerdict::Taken ? TextReading{verdict, cell} : refused(verdict);
+    TextReading reading = ReadBareNumber(spec, *plain);
+    return reading.verdict == TextVerdict::Taken ? reading : refused(reading.verdict);
 }
 
 bool HasRefusedCharacter(std::string_view text) {
@@ -121,16 +136,14 @@ TextVerdict CheckTypedText(int gridColumn, std::string_view text) {
         case CellKind::Id:
             break;
     }
-    // The server counts UTF-16 code units.
-    if (system::CodeUnitCount(text) > static_cast<std::size_t>(spec.maxCharacters))
-        return TextVerdict::TooLong;
-    return TextVerdict::Taken;
+    return IsLongerThan(text, static_cast<std::size_t>(spec.maxCharacters)) ? TextVerdict::TooLong
+                                                                            : TextVerdict::Taken;
 }
 
 TextReading ReadCellText(int gridColumn, std::string_view text, TextOrigin origin) {
     const ColumnSpec& spec = Column(gridColumn);
     text = entry::WithoutLineEnd(text);
-    if (system::CodeUnitCount(text) > kLongestKeptText) return {TextVerdict::TooLong, std::string(text)};
+    if (IsLongerThan(text, kLongestKeptText)) return {TextVerdict::TooLong, std::string(text)};
     switch (spec.kind) {
         case CellKind::TemplateNumber:
         case CellKind::Whole:

@@ -266,6 +266,12 @@ std::optional<PlainNumberParts> SplitPlainNumber(std::string_view text) {
     return parts;
 }
 
+bool IsBareNumber(std::string_view text) {
+    const std::size_t digits = static_cast<std::size_t>(std::count_if(text.begin(), text.end(), IsDigit));
+    if (digits == 0) return false;
+    return digits == text.size() || (digits + 1 == text.size() && text.find('.') != std::string_view::npos);
+}
+
 bool IsPlainNumber(std::string_view text) {
     const std::optional<PlainNumberParts> parts = SplitPlainNumber(system::TrimBlanks(text));
     return parts && !(parts->whole.empty() && parts->fraction.empty());

@@ -23,6 +23,8 @@ std::optional<PlainNumberParts> SplitPlainNumber(std::string_view text);
 // A decimal number in plain form: blanks around, optional sign, digits with at most one '.', at least one
 // digit. No exponent, no hexadecimal, no separators, no currency signs.
 bool IsPlainNumber(std::string_view text);
+// The same without blanks and sign: digits with at most one '.', at least one digit.
+bool IsBareNumber(std::string_view text);
 
 // The number that is meant, in plain form: a '-' when it is negative, digits as written, '.' before a
 // fraction. Taken are blanks around, thousands separators in their places, full-width digits and signs, a

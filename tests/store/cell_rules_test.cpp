@@ -302,6 +302,14 @@ TEST(ProgramTexts, EveryOtherColumnTakesAnyText) {
 
 // --- numbers
 
+TEST(BareNumbers, HaveNeitherBlanksNorSign) {
+    for (const char* text : {"0", "12", "12.5", ".5", "5.", "00"})
+        EXPECT_TRUE(IsBareNumber(text)) << text;
+    for (const char* text :
+         {"", ".", "..", "-3", "+3", " 7", "7 ", "1.2.3", "1,000", "1e3", "１", "12a", "1..2"})
+        EXPECT_FALSE(IsBareNumber(text)) << text;
+}
+
 TEST(PlainNumbers, AreDigitsWithAtMostOnePointAndASign) {
     for (const char* text : {"0", "12", "12.5", ".5", "5.", "-3", "+3", " 7 ", "00"})
         EXPECT_TRUE(IsPlainNumber(text)) << text;
