@@ -9,6 +9,7 @@
 #include "platform/system/file_replacement.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/unfinished_file.h"
+#include "text/ascii.h"
 
 namespace vicenter::exchange {
 
@@ -29,8 +30,7 @@ std::int32_t VersionOf(const ObjectRef& excel) {
 }
 
 std::string UpperCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) { return text::UpperAscii(c); });
     return text;
 }
 

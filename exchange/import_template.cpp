@@ -20,6 +20,7 @@
 #include "store/template_name.h"
 #include "store/template_outcome.h"
 #include "store/template_rows.h"
+#include "text/ascii.h"
 
 namespace vicenter::exchange {
 
@@ -53,7 +54,7 @@ std::string UpperExtension(const std::string& fileName) {
     std::string extension =
         automation::CreateObject(kFileSystemProgId)->Call("GetExtensionName", {fileName}).ToText();
     std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+                   [](char c) { return text::UpperAscii(c); });
     return extension;
 }
 

@@ -10,6 +10,7 @@
 #include "platform/office/compound_layout.h"
 #include "platform/office/foreign_file.h"
 #include "platform/office/limits.h"
+#include "text/ascii.h"
 
 namespace vicenter::office {
 
@@ -33,9 +34,8 @@ struct Entry {
 
 std::string Capitals(std::string_view text) {
     std::string capitals(text);
-    for (char& character : capitals) {
-        if (character >= 'a' && character <= 'z') character = static_cast<char>(character - 'a' + 'A');
-    }
+    for (char& character : capitals)
+        character = text::UpperAscii(character);
     return capitals;
 }
 

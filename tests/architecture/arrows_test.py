@@ -1,5 +1,5 @@
 """Arrows point one way: floors.txt says which folder may use which, this says whether the sources and the targets
-keep to it. And every statement of the component stands in store/.
+keep to it. And every statement of the component stands in store/, what characters are in text/.
 
 usage: arrows_test.py SOURCE_FOLDER LINKS_FILE     LINKS_FILE: "target|folders of its sources|linked targets" a line,
                                                    written when the build is configured
@@ -109,6 +109,17 @@ def faults_of_statements(files):
             if STATEMENT.search(line.split("//")[0])]
 
 
+# Letters of ASCII turned into the other case, and digits of hexadecimal numbers.
+PRIMITIVE = re.compile(r"""[-] *'(A' *\+ *'a|a' *\+ *'A)'|"0123456789(abcdef|ABCDEF)\"""")
+
+
+def faults_of_primitives(files):
+    """Steps of characters that are done by hand, where text/ has them."""
+    return [f"{path}:{number} does by hand what text/ does: {line.strip()}"
+            for path, text in sorted(files.items()) for number, line in enumerate(text.splitlines(), 1)
+            if not path.startswith("text/") and PRIMITIVE.search(line.split("//")[0])]
+
+
 def fences(floors):
     return sorted({header for _, _, headers in floors for header in headers}, key=len, reverse=True)
 
@@ -144,6 +155,12 @@ class Checker(unittest.TestCase):
         self.assertEqual(len(faults_of_statements({"a.cpp": 'Run("UPDATE t set a = 1");'})), 1)
         self.assertEqual(faults_of_statements({"a.cpp": '"selected" "update" "Select All" "from"'}), [])
 
+    def test_a_letter_turned_by_hand_is_told(self):
+        told = faults_of_primitives({"a.cpp": "f();\nc = static_cast<char>(c - 'A' + 'a');", "text/ascii.h": "c - 'A' + 'a'"})
+        self.assertEqual(told, ["a.cpp:2 does by hand what text/ does: c = static_cast<char>(c - 'A' + 'a');"])
+        self.assertEqual(len(faults_of_primitives({"a.h": 'char d[] = "0123456789abcdef";'})), 1)
+        self.assertEqual(faults_of_primitives({"a.cpp": "column = c - 'A' + 1;\nUpperAscii(c);\n\"0123456789\""}), [])
+
     def test_a_floor_that_uses_a_later_one_is_told(self):
         self.assertEqual(faults_of_floors(read_floors("a: b\nb:")), ["a uses b, which is not below it"])
 
@@ -156,21 +173,26 @@ class Project(unittest.TestCase):
     def setUpClass(cls):
         cls.floors = read_floors((cls.root / "tests/architecture/floors.txt").read_text())
 
+    def sources(self, tops):
+        return {str(path.relative_to(self.root)): path.read_text()
+                for top in tops for path in (self.root / top).rglob("*") if path.suffix in SOURCES}
+
     def test_floors_stand_on_each_other(self):
         self.assertEqual(faults_of_floors(self.floors), [])
 
     def test_includes_go_down(self):
-        tops = sorted({folder.split("/")[0] for folder, _, _ in self.floors})
-        files = {str(path.relative_to(self.root)): path.read_text()
-                 for top in tops for path in (self.root / top).rglob("*") if path.suffix in SOURCES}
+        files = self.sources({folder.split("/")[0] for folder, _, _ in self.floors})
         self.assertGreater(len(files), 300)
         self.assertEqual(faults_of_includes(files, self.floors, fences(self.floors)), [])
 
     def test_every_statement_of_the_component_stands_in_store(self):
-        files = {str(path.relative_to(self.root)): path.read_text()
-                 for top in WITHOUT_STATEMENTS for path in (self.root / top).rglob("*") if path.suffix in SOURCES}
+        files = self.sources(WITHOUT_STATEMENTS)
         self.assertGreater(len(files), 100)
         self.assertEqual(faults_of_statements(files), [])
+
+    def test_characters_are_looked_at_by_what_stands_in_text(self):
+        files = self.sources({folder.split("/")[0] for folder, _, _ in self.floors})
+        self.assertEqual(faults_of_primitives(files), [])
 
     def test_every_folder_of_sources_has_a_floor(self):
         tops = {path.parent.name for path in self.root.glob("*/CMakeLists.txt")}

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "text/ascii.h"
 #include "tsql/functions/call.h"
 
 namespace vicenter::tsql::engine {
@@ -42,7 +43,7 @@ std::string_view TextOf(sqlite3_value* value) {
 // 't' a text by the collation, 'n' a decimal, 'p' what compares as it is; capitals descend.
 int Compare(const TextCollation& collation, char kind, sqlite3_value* a, sqlite3_value* b) {
     const bool descends = kind >= 'A' && kind <= 'Z';
-    const char plain = descends ? static_cast<char>(kind - 'A' + 'a') : kind;
+    const char plain = text::LowerAscii(kind);
     int result = 0;
     const bool nullA = sqlite3_value_type(a) == SQLITE_NULL;
     const bool nullB = sqlite3_value_type(b) == SQLITE_NULL;

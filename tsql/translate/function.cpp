@@ -2,6 +2,7 @@
 
 #include "tsql/functions/function.h"
 
+#include "text/ascii.h"
 #include "tsql/base/text_units.h"
 #include "tsql/translate/translator.h"
 
@@ -67,7 +68,7 @@ std::string Translator::OrderedAggregate(const FunctionExpr& function, Scope& sc
     for (const OrderItem& item : function.withinGroup) {
         const Operand key = Value(*item.expression, scope);
         char kind = key.type.IsText() ? 't' : key.type.IsExact() ? 'n' : 'p';
-        if (item.descending) kind = static_cast<char>(kind - 'a' + 'A');
+        if (item.descending) kind = text::UpperAscii(kind);
         kinds += kind;
         keys += ", " + Render(key);
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "text/ascii.h"
 #include "tsql/base/diagnostic.h"
 #include "tsql/syntax/ast_query.h"
 #include "tsql/syntax/ast_statement.h"
@@ -19,11 +20,7 @@ namespace {
 
 std::string Word(const Token& token) {
     if (token.kind != TokenKind::kIdentifier) return {};
-    std::string word(token.text);
-    for (char& c : word) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return word;
+    return text::LowerAscii(token.text);
 }
 
 template <std::size_t N>

@@ -8,23 +8,18 @@
 #include "automation/error.h"
 #include "platform/ado/connection.h"
 #include "platform/system/utf8.h"
+#include "text/ascii.h"
 #include "tsql/base/diagnostic.h"
 #include "tsql/syntax/lexer.h"
 
 namespace vicenter::ado {
 
+using text::LowerAscii;
 using tsql::Op;
 using tsql::Token;
 using tsql::TokenKind;
 
 namespace {
-
-std::string Lower(std::string text) {
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return text;
-}
 
 bool IsName(const Token& token) {
     return token.kind == TokenKind::kIdentifier || token.kind == TokenKind::kQuotedIdentifier;
@@ -72,12 +67,13 @@ class Marker {
     void Follow(const Token& token) {
         if (token.kind == TokenKind::kOperator) return FollowOperator(token);
         if (token.kind == TokenKind::kVariable) {
-            variable_ = Lower(std::string(token.text));
+            variable_ = LowerAscii(token.text);
             if (expectsTable_) table_ = variable_;
             return;
         }
         if (!IsName(token)) return;
-        const std::string word = token.kind == TokenKind::kIdentifier ? Lower(std::string(token.text)) : "";
+        const std::string word =
+            token.kind == TokenKind::kIdentifier ? LowerAscii(token.text) : std::string();
         if (previous_.kind == TokenKind::kVariable &&
             (word == "nvarchar" || word == "nchar" || word == "ntext"))
             unicodeVariables_.insert(variable_);
@@ -174,9 +170,9 @@ class Marker {
     // A table that the batch makes itself is not in the database yet.
     void Define(const Token& token, const std::string& word) {
         if (depth_ == 0) {
-            defined_ = Lower(tsql::TokenValue(token));
+            defined_ = LowerAscii(tsql::TokenValue(token));
         } else if (depth_ == 1 && definesColumn_) {
-            candidate_ = Lower(tsql::TokenValue(token));
+            candidate_ = LowerAscii(tsql::TokenValue(token));
             definesColumn_ = false;
             definesType_ = true;
         } else if (definesType_) {
@@ -187,13 +183,13 @@ class Marker {
     }
 
     bool Takes(const std::string& field) const {
-        const auto own = own_.find(Lower(table_));
+        const auto own = own_.find(LowerAscii(table_));
         if (own == own_.end()) return column_(table_, field).value_or(false);
         if (field.empty()) {
             return std::all_of(own->second.begin(), own->second.end(),
                                [](const auto& entry) { return entry.second; });
         }
-        const auto found = own->second.find(Lower(field));
+        const auto found = own->second.find(LowerAscii(field));
         return found != own->second.end() && found->second;
     }
 

@@ -8,10 +8,12 @@
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/ado/odbc/odbc_result.h"
 #include "platform/ado/passwords.h"
+#include "text/ascii.h"
 
 namespace vicenter::ado {
 
 using automation::Error;
+using text::LowerAscii;
 
 namespace {
 
@@ -19,13 +21,6 @@ constexpr const char* kSource = "ODBC";
 constexpr const char* kPageQuery =
     "select collationproperty(convert(nvarchar(128), databasepropertyex(db_name(), 'Collation')), "
     "'CodePage')";
-
-std::string Lower(std::string text) {
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return text;
-}
 
 std::string ChosenDriver(const OdbcSettings& settings) {
     if (!settings.driver.empty()) return settings.driver;
@@ -191,7 +186,7 @@ void OdbcLink::KnowPage(int number) {
 }
 
 std::optional<bool> OdbcLink::TakesUnicode(const std::string& table, const std::string& column) {
-    const std::string key = Lower(table);
+    const std::string key = LowerAscii(table);
     auto known = columns_.find(key);
     if (known == columns_.end()) {
         std::string name;
@@ -205,15 +200,15 @@ std::optional<bool> OdbcLink::TakesUnicode(const std::string& table, const std::
                                    name + "'")) {
             const std::string& type = row[1];
             if (type == "nvarchar" || type == "nchar" || type == "ntext" || type == "xml") {
-                known->second[Lower(row[0])] = true;
+                known->second[LowerAscii(row[0])] = true;
             } else if (type == "varchar" || type == "char" || type == "text") {
-                known->second[Lower(row[0])] = false;
+                known->second[LowerAscii(row[0])] = false;
             }
         }
     }
     if (known->second.empty()) return std::nullopt;
     if (!column.empty()) {
-        const auto found = known->second.find(Lower(column));
+        const auto found = known->second.find(LowerAscii(column));
         return found == known->second.end() ? std::nullopt : std::optional<bool>(found->second);
     }
     return std::all_of(known->second.begin(), known->second.end(),

@@ -14,9 +14,8 @@ namespace {
 
 std::string Upper(std::string_view word) {
     std::string upper(word);
-    for (char& c : upper) {
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    }
+    for (char& c : upper)
+        c = text::UpperAscii(c);
     return upper;
 }
 
