@@ -1,7 +1,6 @@
 #include "tsql/base/error_table.h"
 
 #include <algorithm>
-#include <cassert>
 
 namespace vicenter::tsql {
 namespace {
@@ -9,7 +8,8 @@ namespace {
 constexpr bool kStatement = false;
 constexpr bool kBatch = true;
 
-// Ascending by number. The texts are the server's, to the character.
+// Ascending by number. The texts are the server's, to the character. A number is a row and there is one list
+// of them, however long it gets; what is done with it stands in error_message.cpp.
 constexpr ErrorEntry kErrors[] = {
     {102, 15, kBatch, "Incorrect syntax near '%.*ls'."},
     {103, 15, kBatch, "The %S_MSG that starts with '%.*ls' is too long. Maximum length is %d."},
@@ -23,12 +23,10 @@ constexpr ErrorEntry kErrors[] = {
      "The ORDER BY position number %ld is out of range of the number of items in the select list."},
     {109, 15, kBatch,
      "There are more columns in the INSERT statement than values specified in the VALUES clause. The number "
-     "of "
-     "values in the VALUES clause must match the number of columns specified in the INSERT statement."},
+     "of values in the VALUES clause must match the number of columns specified in the INSERT statement."},
     {110, 15, kBatch,
      "There are fewer columns in the INSERT statement than values specified in the VALUES clause. The number "
-     "of "
-     "values in the VALUES clause must match the number of columns specified in the INSERT statement."},
+     "of values in the VALUES clause must match the number of columns specified in the INSERT statement."},
     {111, 15, kBatch, "'%ls' must be the first statement in a query batch."},
     {113, 15, kBatch, "Missing end comment mark '*/'."},
     {116, 16, kBatch,
@@ -38,21 +36,17 @@ constexpr ErrorEntry kErrors[] = {
      "The %S_MSG name '%.*ls' contains more than the maximum number of prefixes. The maximum is %d."},
     {119, 15, kBatch,
      "Must pass parameter number %d and subsequent parameters as '@name = value'. After the form '@name = "
-     "value' "
-     "has been used, all subsequent parameters must be passed in the form '@name = value'."},
+     "value' has been used, all subsequent parameters must be passed in the form '@name = value'."},
     {120, 15, kBatch,
      "The select list for the INSERT statement contains fewer items than the insert list. The number of "
-     "SELECT "
-     "values must match the number of INSERT columns."},
+     "SELECT values must match the number of INSERT columns."},
     {121, 15, kBatch,
      "The select list for the INSERT statement contains more items than the insert list. The number of "
-     "SELECT "
-     "values must match the number of INSERT columns."},
+     "SELECT values must match the number of INSERT columns."},
     {127, 15, kBatch, "A TOP N or FETCH rowcount value may not be negative."},
     {128, 15, kBatch,
      "The name \"%.*ls\" is not permitted in this context. Valid expressions are constants, constant "
-     "expressions, "
-     "and (in some contexts) variables. Column names are not permitted."},
+     "expressions, and (in some contexts) variables. Column names are not permitted."},
     {130, 16, kBatch,
      "Cannot perform an aggregate function on an expression containing an aggregate or a subquery."},
     {132, 15, kBatch,
@@ -61,8 +55,7 @@ constexpr ErrorEntry kErrors[] = {
     {133, 15, kBatch, "A GOTO statement references the label '%.*ls' but the label has not been declared."},
     {134, 15, kBatch,
      "The variable name '%.*ls' has already been declared. Variable names must be unique within a query "
-     "batch or "
-     "stored procedure."},
+     "batch or stored procedure."},
     {135, 15, kBatch, "Cannot use a BREAK statement outside the scope of a WHILE statement."},
     {136, 15, kBatch, "Cannot use a CONTINUE statement outside the scope of a WHILE statement."},
     {137, 15, kBatch, "Must declare the scalar variable \"%.*ls\"."},
@@ -76,8 +69,7 @@ constexpr ErrorEntry kErrors[] = {
     {145, 15, kBatch, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified."},
     {147, 15, kBatch,
      "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING "
-     "clause or a "
-     "select list, and the column being aggregated is an outer reference."},
+     "clause or a select list, and the column being aggregated is an outer reference."},
     {148, 15, kBatch, "Incorrect time syntax in time string '%.*ls' used with WAITFOR."},
     {155, 15, kBatch, "'%.*ls' is not a recognized %ls option."},
     {156, 15, kBatch, "Incorrect syntax near the keyword '%.*ls'."},
@@ -98,8 +90,7 @@ constexpr ErrorEntry kErrors[] = {
     {203, 16, kBatch, "The name '%.*ls' is not a valid identifier."},
     {205, 16, kBatch,
      "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of "
-     "expressions in "
-     "their target lists."},
+     "expressions in their target lists."},
     {206, 16, kBatch, "Operand type clash: %ls is incompatible with %ls"},
     {207, 16, kBatch, "Invalid column name '%.*ls'."},
     {208, 16, kBatch, "Invalid object name '%.*ls'."},
@@ -134,26 +125,20 @@ constexpr ErrorEntry kErrors[] = {
      "query."},
     {260, 16, kBatch,
      "Disallowed implicit conversion from data type %ls to data type %ls, table '%.*ls', column '%.*ls'. Use "
-     "the "
-     "CONVERT function to run this query."},
+     "the CONVERT function to run this query."},
     {262, 14, kBatch, "%ls permission denied in database '%.*ls'."},
     {263, 16, kBatch, "Must specify table to select from."},
     {264, 16, kBatch,
      "The column name '%.*ls' is specified more than once in the SET clause or column list of an INSERT. A "
-     "column "
-     "cannot be assigned more than one value in the same clause. Modify the clause to make sure that a "
-     "column is "
-     "updated only once. If this statement updates or inserts columns into a view, column aliasing can "
-     "conceal the "
-     "duplication in your code."},
+     "column cannot be assigned more than one value in the same clause. Modify the clause to make sure that "
+     "a column is updated only once. If this statement updates or inserts columns into a view, column "
+     "aliasing can conceal the duplication in your code."},
     {266, 16, kStatement,
      "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. "
-     "Previous count "
-     "= %ld, current count = %ld."},
+     "Previous count = %ld, current count = %ld."},
     {271, 16, kBatch,
      "The column \"%.*ls\" cannot be modified because it is either a computed column or is the result of a "
-     "UNION "
-     "operator."},
+     "UNION operator."},
     {281, 16, kBatch, "%d is not a valid style number when converting from %ls to a character string."},
     {289, 16, kStatement,
      "Cannot construct data type %ls, some of the arguments have values which are not valid."},
@@ -180,8 +165,7 @@ constexpr ErrorEntry kErrors[] = {
     {506, 16, kStatement, "The invalid escape character \"%.*ls\" was specified in a %ls predicate."},
     {512, 16, kStatement,
      "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, <, <= , >, "
-     ">= or "
-     "when the subquery is used as an expression."},
+     ">= or when the subquery is used as an expression."},
     {515, 16, kStatement,
      "Cannot insert the value NULL into column '%.*ls', table '%.*ls'; column does not allow nulls. %ls "
      "fails."},
@@ -191,20 +175,17 @@ constexpr ErrorEntry kErrors[] = {
      "The statement terminated. The maximum recursion %d has been exhausted before statement completion."},
     {535, 16, kStatement,
      "The %.*ls function resulted in an overflow. The number of dateparts separating two date/time instances "
-     "is too "
-     "large. Try to use %.*ls with a less precise datepart."},
+     "is too large. Try to use %.*ls with a less precise datepart."},
     {536, 16, kStatement, "Invalid length parameter passed to the %ls function."},
     {537, 16, kStatement, "Invalid length parameter passed to the LEFT or SUBSTRING function."},
     {544, 16, kStatement,
      "Cannot insert explicit value for identity column in table '%.*ls' when IDENTITY_INSERT is set to OFF."},
     {545, 16, kStatement,
      "Explicit value must be specified for identity column in table '%.*ls' either when IDENTITY_INSERT is "
-     "set to ON "
-     "or when a replication user is inserting into a NOT FOR REPLICATION identity column."},
+     "set to ON or when a replication user is inserting into a NOT FOR REPLICATION identity column."},
     {547, 16, kStatement,
      "The %ls statement conflicted with the %ls constraint \"%.*ls\". The conflict occurred in database "
-     "\"%.*ls\", "
-     "table \"%.*ls\"%ls%.*ls%ls."},
+     "\"%.*ls\", table \"%.*ls\"%ls%.*ls%ls."},
     {628, 16, kStatement, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
     {701, 17, kBatch, "There is insufficient system memory in resource pool 'default' to run this query."},
     {823, 24, kBatch, "The account set '%.*ls' cannot be read or written: %ls."},
@@ -217,19 +198,15 @@ constexpr ErrorEntry kErrors[] = {
      "The number '%.*ls' is out of the range for numeric representation (maximum precision 38)."},
     {1013, 16, kBatch,
      "The objects \"%.*ls\" and \"%.*ls\" in the FROM clause have the same exposed names. Use correlation "
-     "names to "
-     "distinguish them."},
+     "names to distinguish them."},
     {1031, 15, kBatch, "Percent values must be between 0 and 100."},
     {1033, 15, kBatch,
      "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common "
-     "table "
-     "expressions, unless TOP, OFFSET or FOR XML is also specified."},
+     "table expressions, unless TOP, OFFSET or FOR XML is also specified."},
     {1038, 15, kBatch,
      "An object or column name is missing or empty. For SELECT INTO statements, verify each column has a "
-     "name. For "
-     "other statements, look for empty alias names. Aliases defined as \"\" or [] are not allowed. Change "
-     "the alias "
-     "to a valid name."},
+     "name. For other statements, look for empty alias names. Aliases defined as \"\" or [] are not allowed. "
+     "Change the alias to a valid name."},
     {1060, 15, kBatch,
      "The number of rows provided for a TOP or FETCH clauses row count parameter must be an integer."},
     {1062, 15, kBatch, "The TOP N WITH TIES clause is not allowed without a corresponding ORDER BY clause."},
@@ -238,13 +215,11 @@ constexpr ErrorEntry kErrors[] = {
      "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
     {1205, 13, kBatch,
      "Transaction (Process ID %d) was deadlocked on %.*ls resources with another process and has been chosen "
-     "as the "
-     "deadlock victim. Rerun the transaction."},
+     "as the deadlock victim. Rerun the transaction."},
     {1222, 16, kStatement, "Lock request time out period exceeded."},
     {1505, 16, kStatement,
      "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
-     "'%.*ls' and "
-     "the index name '%.*ls'.  The duplicate key value is %ls."},
+     "'%.*ls' and the index name '%.*ls'.  The duplicate key value is %ls."},
     {1702, 16, kBatch,
      "CREATE TABLE failed because column '%.*ls' in table '%.*ls' exceeds the maximum of %d columns."},
     {1750, 10, kStatement, "Could not create constraint or index. See previous errors."},
@@ -252,19 +227,16 @@ constexpr ErrorEntry kErrors[] = {
     {1767, 16, kBatch, "Foreign key '%.*ls' references invalid table '%.*ls'."},
     {1776, 16, kBatch,
      "There are no primary or candidate keys in the referenced table '%.*ls' that match the referencing "
-     "column list "
-     "in the foreign key '%.*ls'."},
+     "column list in the foreign key '%.*ls'."},
     {1779, 16, kBatch, "Table '%.*ls' already has a primary key defined on it."},
     {1781, 16, kBatch, "Column already has a DEFAULT bound to it."},
     {1785, 16, kBatch,
      "Introducing FOREIGN KEY constraint '%.*ls' on table '%.*ls' may cause cycles or multiple cascade "
-     "paths. Specify "
-     "ON DELETE NO ACTION or ON UPDATE NO ACTION, or modify other FOREIGN KEY constraints."},
+     "paths. Specify ON DELETE NO ACTION or ON UPDATE NO ACTION, or modify other FOREIGN KEY constraints."},
     {1801, 16, kBatch, "Database '%.*ls' already exists. Choose a different database name."},
     {1902, 16, kBatch,
      "Cannot create more than one clustered index on %S_MSG '%.*ls'. Drop the existing clustered index "
-     "'%.*ls' before "
-     "creating another."},
+     "'%.*ls' before creating another."},
     {1911, 16, kBatch, "Column name '%.*ls' does not exist in the target table or view."},
     {1913, 16, kBatch,
      "The operation failed because an index or statistics with name '%.*ls' already exists on %S_MSG "
@@ -274,8 +246,7 @@ constexpr ErrorEntry kErrors[] = {
      "is %ls."},
     {2627, 14, kStatement,
      "Violation of %ls constraint '%.*ls'. Cannot insert duplicate key in object '%.*ls'. The duplicate key "
-     "value is "
-     "%ls."},
+     "value is %ls."},
     {2628, 16, kStatement,
      "String or binary data would be truncated in table '%.*ls', column '%.*ls'. Truncated value: '%.*ls'."},
     {2705, 16, kBatch,
@@ -290,8 +261,7 @@ constexpr ErrorEntry kErrors[] = {
      "Multiple identity columns specified for table '%.*ls'. Only one identity column per table is allowed."},
     {2749, 16, kBatch,
      "Identity column '%.*ls' must be of data type int, bigint, smallint, tinyint, or decimal or numeric "
-     "with a scale "
-     "of 0, unencrypted, and constrained to be nonnullable."},
+     "with a scale of 0, unencrypted, and constrained to be nonnullable."},
     {2750, 16, kBatch,
      "Column or parameter #%d: Specified column precision %d is greater than the maximum precision of %d."},
     {2751, 16, kBatch,
@@ -318,8 +288,7 @@ constexpr ErrorEntry kErrors[] = {
     {3906, 16, kBatch, "Failed to update database \"%.*ls\" because the database is read-only."},
     {3930, 16, kBatch,
      "The current transaction cannot be committed and cannot support operations that write to the log file. "
-     "Roll back "
-     "the transaction."},
+     "Roll back the transaction."},
     {3998, 16, kBatch,
      "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back."},
     {4104, 16, kBatch, "The multi-part identifier \"%.*ls\" could not be bound."},
@@ -332,8 +301,7 @@ constexpr ErrorEntry kErrors[] = {
      "An expression of non-boolean type specified in a context where a condition is expected, near '%.*ls'."},
     {4151, 16, kBatch,
      "The type of the first argument to NULLIF cannot be the NULL constant because the type of the first "
-     "argument "
-     "has to be known."},
+     "argument has to be known."},
     {4193, 16, kBatch, "'%.*ls' is not a valid window frame and cannot be used with the OVER clause."},
     {4194, 16, kBatch, "RANGE is only supported with UNBOUNDED and CURRENT ROW window frame delimiters."},
     {4405, 16, kBatch,
@@ -343,8 +311,7 @@ constexpr ErrorEntry kErrors[] = {
     {4413, 16, kBatch, "Could not use view or function '%.*ls' because of binding errors."},
     {4506, 16, kBatch,
      "Column names in each view or function must be unique. Column name '%.*ls' in view or function '%.*ls' "
-     "is "
-     "specified more than once."},
+     "is specified more than once."},
     {4511, 16, kBatch, "Create View or Function failed because no column name was specified for column %d."},
     {4701, 16, kBatch,
      "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
@@ -352,12 +319,9 @@ constexpr ErrorEntry kErrors[] = {
      "Cannot truncate table '%.*ls' because it is being referenced by a FOREIGN KEY constraint."},
     {4901, 16, kBatch,
      "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition "
-     "specified, or "
-     "the column being added is an identity or timestamp column, or alternatively if none of the previous "
-     "conditions "
-     "are satisfied the table must be empty to allow addition of this column. Column '%.*ls' cannot be added "
-     "to "
-     "non-empty table '%.*ls' because it does not satisfy these conditions."},
+     "specified, or the column being added is an identity or timestamp column, or alternatively if none of "
+     "the previous conditions are satisfied the table must be empty to allow addition of this column. Column "
+     "'%.*ls' cannot be added to non-empty table '%.*ls' because it does not satisfy these conditions."},
     {4902, 16, kBatch,
      "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
     {4922, 16, kStatement, "%ls %.*ls failed because one or more objects access this column."},
@@ -367,8 +331,7 @@ constexpr ErrorEntry kErrors[] = {
     {5172, 16, kBatch, "The file '%.*ls' is not an account set."},
     {8101, 16, kBatch,
      "An explicit value for the identity column in table '%.*ls' can only be specified when a column list is "
-     "used and "
-     "IDENTITY_INSERT is ON."},
+     "used and IDENTITY_INSERT is ON."},
     {8102, 16, kBatch, "Cannot update identity column '%.*ls'."},
     {8106, 16, kStatement,
      "Table '%.*ls' does not have the identity property. Cannot perform SET operation."},
@@ -383,20 +346,16 @@ constexpr ErrorEntry kErrors[] = {
     {8117, 16, kBatch, "Operand data type %ls is invalid for %ls operator."},
     {8118, 16, kBatch,
      "Column '%.*ls.%.*ls' is invalid in the select list because it is not contained in an aggregate "
-     "function and "
-     "there is no GROUP BY clause."},
+     "function and there is no GROUP BY clause."},
     {8120, 16, kBatch,
      "Column '%.*ls.%.*ls' is invalid in the select list because it is not contained in either an aggregate "
-     "function "
-     "or the GROUP BY clause."},
+     "function or the GROUP BY clause."},
     {8121, 16, kBatch,
      "Column '%.*ls.%.*ls' is invalid in the HAVING clause because it is not contained in either an "
-     "aggregate "
-     "function or the GROUP BY clause."},
+     "aggregate function or the GROUP BY clause."},
     {8127, 16, kBatch,
      "Column \"%.*ls.%.*ls\" is invalid in the ORDER BY clause because it is not contained in either an "
-     "aggregate "
-     "function or the GROUP BY clause."},
+     "aggregate function or the GROUP BY clause."},
     {8134, 16, kStatement, "Divide by zero error encountered."},
     {8143, 16, kBatch, "Parameter '%.*ls' was supplied multiple times."},
     {8144, 16, kBatch, "Procedure or function %.*ls has too many arguments specified."},
@@ -411,8 +370,7 @@ constexpr ErrorEntry kErrors[] = {
      "Argument 1 of the %.*ls function does not match any of the expressions in the GROUP BY clause."},
     {8162, 16, kBatch,
      "The formal parameter \"%.*ls\" was not declared as an OUTPUT parameter, but the actual parameter "
-     "passed in "
-     "requested output."},
+     "passed in requested output."},
     {8167, 16, kBatch,
      "The type of column \"%.*ls\" conflicts with the type of other columns specified in the UNPIVOT list."},
     {8169, 16, kBatch, "Conversion failed when converting from a character string to uniqueidentifier."},
@@ -420,11 +378,9 @@ constexpr ErrorEntry kErrors[] = {
      "The parameterized query '%.*ls' expects the parameter '%.*ls', which was not supplied."},
     {8623, 16, kBatch,
      "The query processor ran out of internal resources and could not produce a query plan. This is a rare "
-     "event and "
-     "only expected for extremely complex queries or queries that reference a very large number of tables or "
-     "partitions. Please simplify the query. If you believe you have received this message in error, contact "
-     "Customer "
-     "Support Services for more information."},
+     "event and only expected for extremely complex queries or queries that reference a very large number of "
+     "tables or partitions. Please simplify the query. If you believe you have received this message in "
+     "error, contact Customer Support Services for more information."},
     {8624, 16, kBatch,
      "Internal Query Processor Error: The query processor could not produce a query plan. %ls"},
     {8672, 16, kStatement,
@@ -438,16 +394,14 @@ constexpr ErrorEntry kErrors[] = {
     {10703, 15, kBatch, "Too many grouping sets. The maximum number is 4096."},
     {10704, 15, kBatch,
      "To rethrow an error, a THROW statement must be used inside a CATCH block. Insert the THROW statement "
-     "inside a "
-     "CATCH block, or add error parameters to the THROW statement."},
+     "inside a CATCH block, or add error parameters to the THROW statement."},
     {10709, 16, kBatch, "The number of columns for each row in a table value constructor must be the same."},
     {10711, 15, kBatch,
      "An action of type '%S_MSG' is not allowed in the '%S_MSG' clause of a MERGE statement."},
     {10713, 15, kBatch, "A MERGE statement must be terminated by a semi-colon (;)."},
     {10738, 15, kBatch,
      "The number of row value expressions in the INSERT statement exceeds the maximum allowed number of %d "
-     "row "
-     "values."},
+     "row values."},
     {10741, 15, kBatch, "A TOP can not be used in the same query or sub-query as a OFFSET."},
     {10742, 15, kBatch, "The offset specified in a OFFSET clause may not be negative."},
     {10743, 15, kBatch, "The number of rows provided for an OFFSET clause must be an integer."},
@@ -496,12 +450,11 @@ constexpr ErrorEntry kErrors[] = {
     {16950, 16, kStatement, "The variable '%.*ls' does not currently have a cursor allocated to it."},
     {18054, 16, kStatement,
      "Error %d, severity %d, state %d was raised, but no message with that error number was found in "
-     "sys.messages. If "
-     "error is larger than 50000, make sure the user-defined message is added using sp_addmessage."},
+     "sys.messages. If error is larger than 50000, make sure the user-defined message is added using "
+     "sp_addmessage."},
     {35100, 16, kBatch,
      "Error number %d in the THROW statement is outside the valid range. Specify an error number in the "
-     "valid range of "
-     "50000 to 2147483647."},
+     "valid range of 50000 to 2147483647."},
     {40510, 16, kBatch, "Statement '%.*ls' is not supported by the embedded account set."},
     {50000, 16, kStatement, "%ls"},
 };
@@ -517,49 +470,6 @@ const ErrorEntry* FindError(std::int32_t number) {
         std::lower_bound(std::begin(kErrors), std::end(kErrors), number,
                          [](const ErrorEntry& entry, std::int32_t n) { return entry.number < n; });
     return found != std::end(kErrors) && found->number == number ? found : nullptr;
-}
-
-std::string FormatMessage(std::string_view message, std::initializer_list<ErrorArgument> arguments) {
-    // Longest first: "%ls" must not be read out of "%.*ls".
-    static constexpr std::string_view kSlots[] = {"%S_MSG", "%.*ls", "%I64d", "%ls", "%hs",
-                                                  "%ld",    "%s",    "%d",    "%f"};
-    std::string result;
-    const auto* next = arguments.begin();
-    for (std::size_t at = 0; at < message.size();) {
-        if (message[at] != '%') {
-            result += message[at++];
-            continue;
-        }
-        if (message.substr(at, 2) == "%%") {
-            result += '%';
-            at += 2;
-            continue;
-        }
-        const std::string_view rest = message.substr(at);
-        const auto* slot = std::find_if(std::begin(kSlots), std::end(kSlots),
-                                        [&](std::string_view s) { return rest.starts_with(s); });
-        if (slot == std::end(kSlots)) {
-            result += message[at++];
-            continue;
-        }
-        if (next != arguments.end()) result += (next++)->Text();
-        at += slot->size();
-    }
-    return result;
-}
-
-SqlError MakeError(std::int32_t number, Position where, std::initializer_list<ErrorArgument> arguments,
-                   std::int32_t state) {
-    const ErrorEntry* entry = FindError(number);
-    assert(entry);
-    Diagnostic diagnostic;
-    diagnostic.number = number;
-    diagnostic.severity = entry ? entry->severity : 16;
-    diagnostic.state = state;
-    diagnostic.line = static_cast<std::int32_t>(where.line);
-    diagnostic.column = static_cast<std::int32_t>(where.column);
-    diagnostic.text = entry ? FormatMessage(entry->message, arguments) : std::string();
-    return SqlError(std::move(diagnostic));
 }
 
 }  // namespace vicenter::tsql
