@@ -49,11 +49,8 @@ function(check_program prefix)
                "Name[zh_CN]=凭证模板" "Categories=Office;Finance;")
     expect_contains("the desktop entry" "${entry}" "${line}\n")
   endforeach()
-  find_program(validate desktop-file-validate)
-  if(validate)
-    run(findings "${validate}" "${prefix}/share/applications/vicenter.desktop")
-    expect_same("the desktop entry's findings" "${findings}" "")
-  endif()
+  run(findings "${VALIDATE}" "${prefix}/share/applications/vicenter.desktop")
+  expect_same("the desktop entry's findings" "${findings}" "")
 
   # The completion offers every command that the program knows.
   run(help "${prefix}/bin/vicenter" --help)
@@ -66,9 +63,7 @@ function(check_program prefix)
     string(STRIP "${command}" command)
     expect_contains("the completion" "${completion}" "${command}")
   endforeach()
-  find_program(bash bash)
-  if(bash)
-    file(WRITE "${FOLDER}/complete.sh" "source '${prefix}/share/bash-completion/completions/vicenter'
+  file(WRITE "${FOLDER}/complete.sh" "source '${prefix}/share/bash-completion/completions/vicenter'
 COMP_WORDS=(vicenter account-set up)
 COMP_CWORD=2
 _vicenter
@@ -82,19 +77,15 @@ COMP_CWORD=3
 _vicenter
 echo \"\${COMPREPLY[@]}\"
 ")
-    run(offered "${bash}" "${FOLDER}/complete.sh")
-    expect_same("what completion offers" "${offered}" "upgrade\nhistory\n--version-id --version\n")
-  endif()
+  run(offered "${BASH}" "${FOLDER}/complete.sh")
+  expect_same("what completion offers" "${offered}" "upgrade\nhistory\n--version-id --version\n")
   file(READ "${prefix}/share/mime/packages/vicenter.xml" types)
   expect_contains("the type of account sets" "${types}" "<glob pattern=\"*.vas\"/>")
 
-  find_program(man man)
-  if(man)
-    execute_process(COMMAND "${man}" --warnings -E UTF-8 -l "${prefix}/share/man/man1/vicenter.1.gz"
-                    OUTPUT_VARIABLE page ERROR_VARIABLE warnings RESULT_VARIABLE status)
-    expect_same("the manual's warnings" "${status}${warnings}" "0")
-    expect_contains("the manual" "${page}" "generate")
-  endif()
+  execute_process(COMMAND "${MAN}" --warnings -E UTF-8 -l "${prefix}/share/man/man1/vicenter.1.gz"
+                  OUTPUT_VARIABLE page ERROR_VARIABLE warnings RESULT_VARIABLE status)
+  expect_same("the manual's warnings" "${status}${warnings}" "0")
+  expect_contains("the manual" "${page}" "generate")
 
   if(HAS_WINDOWS)
     run(pictures "${CMAKE_COMMAND}" -E env "XDG_DATA_HOME=${FOLDER}/data" "QT_QPA_PLATFORM=offscreen"
