@@ -1,5 +1,6 @@
 """Arrows point one way: floors.txt says which folder may use which, this says whether the sources and the targets
-keep to it. And every statement of the component stands in store/, what characters are in text/.
+keep to it. And every statement of the component stands in store/, what characters are in text/, and every folder in
+ARCHITECTURE.md.
 
 usage: arrows_test.py SOURCE_FOLDER LINKS_FILE     LINKS_FILE: "target|folders of its sources|linked targets" a line,
                                                    written when the build is configured
@@ -120,6 +121,28 @@ def faults_of_primitives(files):
             if not path.startswith("text/") and PRIMITIVE.search(line.split("//")[0])]
 
 
+ROW = re.compile(r"\| `([\w/]+)/` \| (.*) \| (.*) \|$")
+NAMED = re.compile(r"`([\w./-]+)`")
+
+
+def faults_of_map(text, folders, exists):
+    """The map of the folders. folders: those that hold sources; exists: whether there is such a path."""
+    rows = {match[1]: match[0] for match in map(ROW.match, text.splitlines()) if match}
+    faults = []
+    for folder, row in rows.items():
+        entries = NAMED.findall(ROW.match(row)[3])
+        faults += [] if exists(folder) else [f"{folder} is in the map, and nowhere else"]
+        faults += [] if entries else [f"{folder} has no file to start reading at"]
+        faults += [f"{folder}/{entry} is where to start reading, and not there"
+                   for entry in entries if not exists(f"{folder}/{entry}")]
+    for folder in sorted(set(folders) - set(rows)):
+        # A drawer may be named in the row of the folder that it belongs to.
+        if not any(f"`{folder[len(above) + 1:]}/" in row
+                   for above, row in rows.items() if folder.startswith(above + "/")):
+            faults.append(f"{folder} is not in the map")
+    return faults
+
+
 def fences(floors):
     return sorted({header for _, _, headers in floors for header in headers}, key=len, reverse=True)
 
@@ -161,6 +184,12 @@ class Checker(unittest.TestCase):
         self.assertEqual(len(faults_of_primitives({"a.h": 'char d[] = "0123456789abcdef";'})), 1)
         self.assertEqual(faults_of_primitives({"a.cpp": "column = c - 'A' + 1;\nUpperAscii(c);\n\"0123456789\""}), [])
 
+    def test_a_folder_that_the_map_does_not_show_is_told(self):
+        told = faults_of_map("| `a/` | one; `in/` is a drawer | `a.h`, `b.h` |\n| `gone/` | two | their headers |",
+                             ["a", "a/in", "a/out", "new"], {"a", "a/a.h"}.__contains__)
+        self.assertEqual(told, ["a/b.h is where to start reading, and not there", "gone is in the map, and nowhere else",
+                                "gone has no file to start reading at", "a/out is not in the map", "new is not in the map"])
+
     def test_a_floor_that_uses_a_later_one_is_told(self):
         self.assertEqual(faults_of_floors(read_floors("a: b\nb:")), ["a uses b, which is not below it"])
 
@@ -193,6 +222,11 @@ class Project(unittest.TestCase):
     def test_characters_are_looked_at_by_what_stands_in_text(self):
         files = self.sources({folder.split("/")[0] for folder, _, _ in self.floors})
         self.assertEqual(faults_of_primitives(files), [])
+
+    def test_every_folder_of_sources_is_in_the_map(self):
+        folders = {path.rpartition("/")[0] for path in self.sources({folder.split("/")[0] for folder, _, _ in self.floors})}
+        text = (self.root / "ARCHITECTURE.md").read_text()
+        self.assertEqual(faults_of_map(text, folders, lambda path: (self.root / path).exists()), [])
 
     def test_every_folder_of_sources_has_a_floor(self):
         tops = {path.parent.name for path in self.root.glob("*/CMakeLists.txt")}
