@@ -26,9 +26,15 @@ std::vector<int> OptionalFields(const ChosenColumns& chosen) {
     return fields;
 }
 
+// What every generation fills.
+constexpr int kFixedColumns[] = {
+    store::column::kNo,        store::column::kExplanation,   store::column::kDirection,
+    store::column::kAccountId, store::column::kAccountNumber, store::column::kAccountName};
+
 // The query names the account's name without the table's misspelling.
-constexpr std::string_view kFixedSources[] = {"FNo",        "FExp",           "FDC",
-                                              "FAccountID", "FAccountNumber", "FAccountName"};
+std::string_view SourceField(int column) {
+    return column == store::column::kAccountName ? "FAccountName" : store::Column(column).field;
+}
 
 // How often the progress is asked, in rows.
 constexpr std::int64_t kProgressRows = 500;
@@ -69,11 +75,8 @@ struct Source {
 // Found once for all rows.
 std::vector<Source> FindSources(const ChosenColumns& chosen, const ado::Recordset& vouchers) {
     std::vector<Source> sources;
-    constexpr int kFixedColumns[] = {
-        store::column::kNo,        store::column::kExplanation,   store::column::kDirection,
-        store::column::kAccountId, store::column::kAccountNumber, store::column::kAccountName};
-    for (std::size_t i = 0; i < std::size(kFixedSources); ++i)
-        sources.push_back({vouchers.ColumnIndex(kFixedSources[i]), kFixedColumns[i]});
+    for (const int column : kFixedColumns)
+        sources.push_back({vouchers.ColumnIndex(SourceField(column)), column});
     for (const int column : OptionalFields(chosen))
         sources.push_back({vouchers.ColumnIndex(store::Column(column).field), column});
     return sources;
@@ -108,7 +111,9 @@ void TakeFault(std::int64_t row, const Source& source, const Variant& value, con
 }  // namespace
 
 std::string EntryColumns(const ChosenColumns& chosen) {
-    std::string columns = "FNo,FExp,FDC,FAccountID,FAccountNumber,FAcctountName";
+    std::string columns;
+    for (const int column : kFixedColumns)
+        columns.append(columns.empty() ? "" : ",").append(store::Column(column).field);
     for (const int column : OptionalFields(chosen))
         columns.append(",").append(store::Column(column).field);
     return columns;
