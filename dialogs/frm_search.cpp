@@ -9,18 +9,15 @@
 #include "entry/sql_text.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
+#include "store/template_columns.h"
 
 namespace vicenter::dialogs {
 
 using automation::Argument;
 using automation::Variant;
+namespace column = store::column;
 
 namespace {
-
-constexpr std::int32_t kExplanation = 2;
-constexpr std::int32_t kAccountNumber = 5;
-constexpr std::int32_t kAccountName = 6;
-constexpr std::int32_t kRemark = 21;
 
 std::string Trimmed(const std::string& text) {
     return std::string(system::TrimBlanks(entry::WithoutLineEnd(text)));
@@ -49,19 +46,19 @@ void FrmSearch::Load(FrmSearchView& view) {
     lastKey_.clear();
 }
 
-std::string FrmSearch::CellText(std::int32_t row, std::int32_t column) {
+std::string FrmSearch::CellText(std::int32_t row, std::int32_t gridColumn) {
     grid_->Put("Row", row);
-    grid_->Put("Col", column);
+    grid_->Put("Col", gridColumn);
     return Trimmed(grid_->Get("Text").ToTextOrEmpty());
 }
 
 bool FrmSearch::Matches(std::int32_t row, const SearchFields& filter) {
-    if (!filter.txtExp.empty() && !Contains(CellText(row, kExplanation), filter.txtExp)) return false;
-    if (!filter.txtAcct.empty() && CellText(row, kAccountNumber) != filter.txtAcct &&
-        !Contains(CellText(row, kAccountName), filter.txtAcct)) {
+    if (!filter.txtExp.empty() && !Contains(CellText(row, column::kExplanation), filter.txtExp)) return false;
+    if (!filter.txtAcct.empty() && CellText(row, column::kAccountNumber) != filter.txtAcct &&
+        !Contains(CellText(row, column::kAccountName), filter.txtAcct)) {
         return false;
     }
-    return filter.txtBZ.empty() || Contains(CellText(row, kRemark), filter.txtBZ);
+    return filter.txtBZ.empty() || Contains(CellText(row, column::kRemark), filter.txtBZ);
 }
 
 void FrmSearch::cmdOK_Click() {
