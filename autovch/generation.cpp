@@ -74,6 +74,62 @@ std::string NoRoomText(const std::vector<store::LineFault>& faults) {
     return text;
 }
 
+// Whom the template replaces, if anyone; nothing, and the user has been told or has said so, when it must not
+// be written.
+std::optional<TemplateTarget> ChooseTarget(const std::string& name, const std::string& userId) {
+    using State = store::NamedTemplate::State;
+    const store::NamedTemplate existing = store::FindTemplateToReplace(name, userId);
+    if (existing.state == State::Unknown) {
+        ShowMessage("凭证模板“" + name + "”无法读取，凭证模板生成失败！");
+        return std::nullopt;
+    }
+    if (existing.state == State::Anothers) {
+        ShowMessage("凭证模板“" + name + "”属于其他用户（用户编号 " + std::to_string(existing.ownerId) +
+                    "），不允许覆盖，凭证模板生成失败！");
+        return std::nullopt;
+    }
+    TemplateTarget target{name, existing.OwnerAfterwards(userId),
+                          existing.state == State::MayWrite ? existing.id : -1};
+    if (target.overwriteId >= 0 &&
+        ShowMessage("凭证模板“" + name +
+                        "”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？",
+                    MessageButtons::YesNo) != MessageResult::Yes) {
+        return std::nullopt;
+    }
+    return target;
+}
+
+void WriteTemplate(const TemplateTarget& target, const std::string& batch, const std::string& userId,
+                   GenerationResult& result) {
+    if (target.overwriteId < 0) store::ClearWayForNewTemplate();
+    std::optional<store::KeptVersion> before;
+    if (target.overwriteId >= 0)
+        before.emplace(std::to_string(target.overwriteId), store::HistoryCommand::Generate);
+    // With the lines come the flags of the numbers that can be used, or nothing does.
+    store::CommandUnit unit;
+    using Outcome = store::TemplateOutcome::State;
+    result.outcome.state = Outcome::Refused;
+    if (!store::RunSql(batch)) return;
+
+    result.outcome.state = Outcome::Failed;
+    const std::int32_t id = store::clsVIData().FindVchTemplate(target.name, userId);
+    if (id < 0) {
+        result.outcome.untold = store::clsVIData::LastFailure();
+        return;
+    }
+    const std::string templateId = std::to_string(id);
+    store::RunSql(store::MarkUsable(templateId));
+    if (!unit.Commit()) {
+        ShowMessage("凭证模板生成失败！");
+        return;
+    }
+    if (before) before->Stay();
+    result.outcome = {Outcome::Saved, id,
+                      store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>())};
+    result.message =
+        store::WithUnusableNote("凭证生成凭证模板 " + target.name + " 成功！", result.outcome.unusable);
+}
+
 }  // namespace
 
 GenerationResult Generate(const GenerationRequest& request, const Progress& progress) {
@@ -88,26 +144,9 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     }
     entry::WriteFrameLog("C001C039", "AutoRunVch");
 
-    using State = store::NamedTemplate::State;
     const std::string userId = entry::CurrentUserId();
-    const store::NamedTemplate existing = store::FindTemplateToReplace(name, userId);
-    if (existing.state == State::Unknown) {
-        ShowMessage("凭证模板“" + name + "”无法读取，凭证模板生成失败！");
-        return {};
-    }
-    if (existing.state == State::Anothers) {
-        ShowMessage("凭证模板“" + name + "”属于其他用户（用户编号 " + std::to_string(existing.ownerId) +
-                    "），不允许覆盖，凭证模板生成失败！");
-        return {};
-    }
-    const TemplateTarget target{name, existing.OwnerAfterwards(userId),
-                                existing.state == State::MayWrite ? existing.id : -1};
-    if (target.overwriteId >= 0 &&
-        ShowMessage("凭证模板“" + name +
-                        "”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？",
-                    MessageButtons::YesNo) != MessageResult::Yes) {
-        return {};
-    }
+    const std::optional<TemplateTarget> target = ChooseTarget(name, userId);
+    if (!target) return {};
     const auto vouchers = store::GetRecordset(VoucherQuery(request.filter));
     if (!vouchers || vouchers->AtEnd()) {
         ShowMessage("没有查询到凭证信息，凭证模板生成失败，请重新设置过滤条件！");
@@ -120,40 +159,14 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     result.templateName = name;
     try {
         batch = GenerationBatch(
-            target, request.columns, *vouchers,
+            *target, request.columns, *vouchers,
             [&](const std::string& detailId) { return items.Of(detailId); }, progress, result.faults);
     } catch (const Unreadable&) {
         ShowMessage("凭证的核算项目无法读取，凭证模板生成失败！");
         return {};
     }
     if (!result.faults.empty()) ShowMessage(NoRoomText(result.faults));
-    if (batch.empty()) return result;
-    if (target.overwriteId < 0) store::ClearWayForNewTemplate();
-    std::optional<store::KeptVersion> before;
-    if (target.overwriteId >= 0)
-        before.emplace(std::to_string(target.overwriteId), store::HistoryCommand::Generate);
-    // With the lines come the flags of the numbers that can be used, or nothing does.
-    store::CommandUnit unit;
-    using Outcome = store::TemplateOutcome::State;
-    result.outcome.state = Outcome::Refused;
-    if (!store::RunSql(batch)) return result;
-
-    result.outcome.state = Outcome::Failed;
-    const std::int32_t id = store::clsVIData().FindVchTemplate(name, userId);
-    if (id < 0) {
-        result.outcome.untold = store::clsVIData::LastFailure();
-        return result;
-    }
-    const std::string templateId = std::to_string(id);
-    store::RunSql(store::MarkUsable(templateId));
-    if (!unit.Commit()) {
-        ShowMessage("凭证模板生成失败！");
-        return result;
-    }
-    if (before) before->Stay();
-    result.outcome = {Outcome::Saved, id,
-                      store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>())};
-    result.message = store::WithUnusableNote("凭证生成凭证模板 " + name + " 成功！", result.outcome.unusable);
+    if (!batch.empty()) WriteTemplate(*target, batch, userId, result);
     return result;
 }
 
