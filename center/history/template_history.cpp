@@ -14,23 +14,6 @@ using store::LineTexts;
 
 namespace {
 
-const std::string& Text(const LineTexts& line, int gridColumn) {
-    return line[static_cast<std::size_t>(gridColumn - 1)];
-}
-
-// What tells a whole line from others.
-std::string WordsOf(const LineTexts& line) {
-    namespace column = store::column;
-    std::string words;
-    for (const int c : {column::kExplanation, column::kDirection, column::kAccountNumber,
-                        column::kAccountName, column::kItems, column::kAmount}) {
-        if (Text(line, c).empty()) continue;
-        if (!words.empty()) words += " ";
-        words += Text(line, c);
-    }
-    return words;
-}
-
 std::optional<std::vector<LineTexts>> LinesOf(const ado::RecordsetRef& records) {
     try {
         if (records != nullptr) return store::TextsOfLines(*records);
@@ -38,18 +21,6 @@ std::optional<std::vector<LineTexts>> LinesOf(const ado::RecordsetRef& records) 
         // As unreadable as no answer.
     }
     return std::nullopt;
-}
-
-void AppendChanges(std::vector<HistoryChange>& changes, const LineDifference& difference,
-                   const std::vector<LineTexts>& before, const std::vector<LineTexts>& now) {
-    const std::string kind = store::KindText(difference.kind);
-    const int row = static_cast<int>((difference.after ? *difference.after : *difference.before) + 1);
-    for (const LineDifference::Cell& cell : difference.cells)
-        changes.push_back({kind, difference.number, row, cell.column, cell.before, cell.after});
-    if (difference.kind == LineDifference::Kind::Changed) return;
-    changes.push_back({kind, difference.number, row, 0,
-                       difference.before ? WordsOf(before[*difference.before]) : std::string(),
-                       difference.after ? WordsOf(now[*difference.after]) : std::string()});
 }
 
 std::string CountsText(const std::vector<LineDifference>& differences) {
@@ -110,8 +81,7 @@ void TemplateHistory::Choose(std::size_t index) {
         return;
     }
     const std::vector<LineDifference> differences = store::Differences(*before, now_);
-    for (const LineDifference& difference : differences)
-        AppendChanges(changes_, difference, *before, now_);
+    changes_ = store::ChangesOf(differences, *before, now_);
     note_ =
         OfDeleted() ? "删除时有 " + std::to_string(before->size()) + " 行分录。" : CountsText(differences);
 }

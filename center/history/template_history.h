@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "store/line_difference.h"
+#include "store/line_changes.h"
 #include "store/template_history.h"
 #include "store/template_outcome.h"
 
@@ -22,15 +22,8 @@ class TemplateHistoryView {
     virtual void Unload() = 0;
 };
 
-// A cell that changed, or a whole line that came or went: column 0 and the line's own words.
-struct HistoryChange {
-    std::string kind;    // 新增, 删除, 修改
-    std::string number;  // template number
-    int row = 0;         // in what is there now; of a line that went, in the version
-    int column = 0;
-    std::string before;  // in the version
-    std::string after;   // now
-};
+// Before: in the version; after: now.
+using HistoryChange = store::LineChange;
 
 class TemplateHistory {
   public:
