@@ -6,9 +6,12 @@
 // kept. User-interface thread only.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace vicenter::exchange {
+
+struct ImportPreview;
 
 class ExchangeTarget {
   public:
@@ -34,6 +37,10 @@ class ExchangeTarget {
     // cancelling is still possible, never after something has been written.
     virtual bool ReportRows(std::int64_t done, std::int64_t all) = 0;
     virtual void HideProgress() = 0;
+
+    // Before an import asks whether it may replace a template: what it would change is shown where there is
+    // somebody to look, who may stop it here. read() takes as long as the workbook is large.
+    virtual bool LookBeforeImport(const std::function<ImportPreview()>& /*read*/) { return true; }
 
     // Builds the template tree anew and selects the template of that id.
     virtual void RebuildTreeAndSelect(std::int32_t id) = 0;

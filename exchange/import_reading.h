@@ -1,26 +1,18 @@
 #pragma once
 
-// From a workbook's file to the batch of its import: the copy, the sheet, the header and the rows, every one
-// of them checked before anything is written. Late bound throughout. User-interface thread only.
+// From a workbook's file to the batch of its import, or to the lines that it would make: the copy, the sheet,
+// the header and the rows, every one of them checked before anything is written. Late bound throughout.
+// User-interface thread only.
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "entry/sql_text.h"
 #include "exchange/exchange_target.h"
-#include "exchange/import_outcome.h"
+#include "exchange/import_refusal.h"
+#include "store/template_reading.h"
 
 namespace vicenter::exchange {
-
-// Ends an import with a message; nothing has been written.
-struct Refused {
-    std::string text;
-    std::vector<LineFault> faults = {};
-    const char* title = entry::kProductTitle;
-};
-// The user's wish to stop; not an error.
-struct Cancelled {};
 
 struct ImportBatch {
     std::string text;
@@ -30,5 +22,21 @@ struct ImportBatch {
 // Throws Refused, Cancelled, or automation::Error for a file that cannot be read, its reason as the text.
 ImportBatch ReadTemplateWorkbook(ExchangeTarget& window, const std::string& fileName, std::int32_t existingId,
                                  const std::string& name);
+
+// What a workbook holds, faulty or not.
+struct WorkbookLines {
+    // As the account set would hold them; of a faulty cell what is typed there.
+    std::vector<store::LineTexts> lines = {};
+    std::string refusal = {};  // what an import would say; empty when it would take them
+    std::string reason = {};   // where the fixed words do not say why
+    std::vector<LineFault> faults = {};
+};
+// Throws Cancelled.
+WorkbookLines ReadWorkbookLines(ExchangeTarget& window, const std::string& fileName);
+
+// What an error says for users: a server's or an account set's own text as it stands.
+std::string ReasonOf(const automation::Error& error);
+// What an import says when it fails for no reason that its words name.
+inline constexpr const char* kImportFailed = "引入模板失败！";
 
 }  // namespace vicenter::exchange

@@ -57,6 +57,29 @@ std::string SqlOf(const TemplateColumn& column, const std::string& text) {
     return entry::SqlQuote(text, true, true);
 }
 
+// What an accepted cell is read back as: sides by their names, numbers with the decimals that their column
+// has room for and no zeros behind, no zero at all.
+std::string StoredText(const TemplateColumn& column, const std::string& text) {
+    const store::ColumnSpec& spec = store::Column(column.gridColumn);
+    switch (column.type) {
+        case CellType::DebitCredit:
+            return std::string(ReadDebit(text).value_or(false) ? store::kDebit : store::kCredit);
+        case CellType::Number:
+        case CellType::WholeNumber: {
+            const std::string plain = SqlOf(column, text);
+            if (spec.kind == store::CellKind::TemplateNumber) return plain;
+            const auto number = automation::Decimal::Parse(plain);
+            if (!number) return plain;
+            const automation::Decimal stored =
+                number->Scale() > spec.decimals ? number->Rescaled(spec.decimals) : *number;
+            return stored.IsZero() ? std::string() : stored.ToShortText();
+        }
+        case CellType::Text:
+            break;
+    }
+    return std::string(system::TrimBlanks(text));
+}
+
 }  // namespace
 
 ImportRows::ImportRows(const ObjectRef& sheet, std::int32_t columnCount, const std::string& fieldList)
@@ -164,6 +187,23 @@ void ImportRows::ValidateImportRow(std::int32_t row, std::string& values, std::s
         faults_.push_back({row, static_cast<std::int32_t>(i + 1), std::string(column.header), texts_[i].text,
                            std::move(why)});
     }
+}
+
+store::LineTexts ImportRows::TextsAsStored() const {
+    store::LineTexts line;
+    const auto at = [&line](int gridColumn) -> std::string& {
+        return line[static_cast<std::size_t>(gridColumn - 1)];
+    };
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        const TemplateColumn& column = kColumns[columns_[i]];
+        const ReadText& read = texts_[i];
+        const bool accepted = read.fault == nullptr && WhyNotStored(column, read.text).empty() &&
+                              CheckImportCell(read.text, column.type, column.required);
+        at(column.gridColumn) = accepted ? StoredText(column, read.text) : read.text;
+    }
+    // A rate is one of a currency.
+    if (at(store::column::kCurrencyName).empty()) at(store::column::kRate).clear();
+    return line;
 }
 
 }  // namespace vicenter::exchange

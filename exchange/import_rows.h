@@ -13,6 +13,7 @@
 #include "exchange/excel_access.h"
 #include "exchange/import_outcome.h"
 #include "exchange/template_columns.h"
+#include "store/template_reading.h"
 
 namespace vicenter::exchange {
 
@@ -26,6 +27,8 @@ class ImportRows {
     // Checks the row: its errors are appended to errorText, and `values` becomes the list of values of its
     // insert, in the sheet's order of columns. Reads the row unless it is the one that ReadRow() read last.
     void ValidateImportRow(std::int32_t row, std::string& values, std::string& errorText);
+    // The row that was read last as the account set would give it back; a faulty cell as it is typed.
+    store::LineTexts TextsAsStored() const;
     // What has been found in all rows so far, with the value and the reason of each.
     std::vector<LineFault> TakeFaults() { return std::move(faults_); }
 

@@ -1,14 +1,14 @@
 #include "exchange/import_template.h"
 
-#include <algorithm>
 #include <functional>
 #include <optional>
 
-#include "automation/class_registry.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "entry/sql_text.h"
 #include "exchange/excel_access.h"
+#include "exchange/import_destination.h"
+#include "exchange/import_preview.h"
 #include "exchange/import_reading.h"
 #include "platform/system/surroundings.h"
 #include "store/cls_vi_data.h"
@@ -17,10 +17,8 @@
 #include "store/template_batches.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"
-#include "store/template_name.h"
 #include "store/template_outcome.h"
 #include "store/template_rows.h"
-#include "text/ascii.h"
 
 namespace vicenter::exchange {
 
@@ -33,8 +31,6 @@ using system::MessageButtons;
 using system::MessageIcon;
 using system::MessageResult;
 
-constexpr const char* kFileSystemProgId = "Scripting.FileSystemObject";
-constexpr const char* kFailed = "引入模板失败！";
 constexpr std::uint32_t kExplorerStyle = 0x80000;
 constexpr std::uint32_t kFileMustExist = 0x1000;
 constexpr std::uint32_t kReadOnlyTicked = 0x1;
@@ -50,14 +46,6 @@ std::string ReadTemplateId(const std::string& name) {
     return std::to_string(id);
 }
 
-std::string UpperExtension(const std::string& fileName) {
-    std::string extension =
-        automation::CreateObject(kFileSystemProgId)->Call("GetExtensionName", {fileName}).ToText();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return text::UpperAscii(c); });
-    return extension;
-}
-
 // Tells the user why nothing is imported.
 ImportOutcome Refuse(ImportOutcome outcome, const std::string& text,
                      const char* title = entry::kMessageTitle) {
@@ -71,25 +59,6 @@ void TakeReason(ImportOutcome& outcome, std::string reason) {
     if (reason.empty()) return;
     outcome.faults.push_back({0, 0, "", "", reason});
     outcome.reason = std::move(reason);
-}
-
-// What an error says for users: a server's or an account set's own text as it stands.
-std::string ReasonOf(const Error& error) {
-    namespace number = automation::error_number;
-    if (error.Text() != automation::ErrorText(error.Number())) return error.Text();
-    switch (error.Number()) {
-        case number::kPermissionDenied:
-            return "文件不能读取：没有权限，或者磁盘出错";
-        case number::kFileNotFound:
-        case number::kPathNotFound:
-            return "找不到文件";
-        case number::kOutOfMemory:
-            return "内存不足";
-        case number::kCannotCreateObject:
-            return "无法启动 Excel";
-        default:
-            return "错误 " + std::to_string(error.Number()) + "：" + error.Text();
-    }
 }
 
 // A template that has lines is not emptied without a word by a workbook that has none.
@@ -145,35 +114,34 @@ bool CheckInstalled(ImportOutcome& outcome) {
     return false;
 }
 
+// What it would change is looked at first; false when the user thinks better of it.
+bool LooksRight(ExchangeTarget& window, const ImportDestination& destination, ImportOutcome& outcome) {
+    try {
+        return window.LookBeforeImport([&] {
+            ImportPreview preview = PreviewImport(window, outcome.file, destination);
+            outcome.faults = preview.faults;
+            return preview;
+        });
+    } catch (const Cancelled&) {
+        return false;
+    }
+}
+
 // The command from the chosen file on.
 ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileName) {
     ImportOutcome outcome;
     outcome.file = fileName;
-    const std::string extension = UpperExtension(fileName);
-    if (extension != "XLSX" && extension != "XLS") {
-        return Refuse(outcome, "选择导入文件类型不正确，请确认是Excel文件！");
-    }
-    const std::string name =
-        automation::CreateObject(kFileSystemProgId)->Call("GetBaseName", {fileName}).ToText();
+    const ImportDestination destination = FindImportDestination(fileName);
+    const std::string& name = destination.name;
     outcome.templateName = name;
-    if (const std::string why = store::WhyNotName(name); !why.empty())
-        return Refuse(outcome, "引入模板失败！" + why);
-    using State = store::NamedTemplate::State;
-    const store::NamedTemplate existing = store::FindTemplateToReplace(name, entry::CurrentUserId());
-    if (existing.state == State::Unknown) {
-        throw Error(automation::error_number::kObjectVariableNotSet, store::clsVIData::LastFailure());
-    }
-    if (existing.state == State::Anothers) {
-        return Refuse(outcome, "模板[" + name + "]属于其他用户（用户编号 " +
-                                   std::to_string(existing.ownerId) + "），不允许覆盖，引入失败！");
-    }
-    if (existing.state == State::MayWrite &&
-        Show("模板[" + name + "]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？",
-             entry::kMessageTitle, MessageButtons::OkCancel) != MessageResult::Ok) {
+    if (!destination.refusal.empty()) return Refuse(outcome, destination.refusal);
+    if (destination.Replaces() &&
+        (!LooksRight(window, destination, outcome) ||
+         Show("模板[" + name + "]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？",
+              entry::kMessageTitle, MessageButtons::OkCancel) != MessageResult::Ok)) {
         return outcome;
     }
-    return ImportTemplateWorkbook(window, fileName,
-                                  existing.state == State::MayWrite ? existing.id : kNewTemplate, name);
+    return ImportTemplateWorkbook(window, fileName, destination.existingId, name);
 }
 
 // Whatever the surroundings of the command throw ends like any failure of an import. fileName: as it is by
@@ -182,7 +150,7 @@ ImportOutcome Guarded(const std::string& fileName, const std::function<ImportOut
     try {
         return action();
     } catch (const Error& error) {
-        ImportOutcome outcome = Refuse({}, kFailed);
+        ImportOutcome outcome = Refuse({}, kImportFailed);
         outcome.file = fileName;
         TakeReason(outcome, ReasonOf(error));
         return outcome;
@@ -209,7 +177,7 @@ ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& 
         // Nothing was written and nothing needs saying.
     } catch (const Error& error) {
         outcome.written = false;
-        outcome = Refuse(std::move(outcome), kFailed);
+        outcome = Refuse(std::move(outcome), kImportFailed);
         TakeReason(outcome, ReasonOf(error));
         entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-引入模板 " + name + " 失败");
         if (!outcome.reason.empty()) {
