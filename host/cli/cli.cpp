@@ -15,6 +15,7 @@
 #include "host/cli/connect_text.h"
 #include "host/cli/console.h"
 #include "host/cli/context.h"
+#include "host/cli/exchange_options.h"
 #include "host/components/components.h"
 #include "platform/ado/passwords.h"
 #include "platform/office/excel_server.h"
@@ -192,8 +193,9 @@ class CommandLine {
         AddCommand(app_, "drivers", CliCommand::Drivers,
                    "SQL Server 的 ODBC 驱动程序 / ODBC drivers for SQL Server, and which one is taken");
         AddHistory();
-        AddExchangeCommands();
-        AddGenerate();
+        AddExportCommand(app_, options_);
+        AddImportCommand(app_, options_);
+        AddGenerateCommand(app_, options_);
     }
 
     void AddCheck() {
@@ -243,51 +245,6 @@ class CommandLine {
             ->check(kDigits);
         restore->add_option("--as", options_.newName, "恢复为新模板 / as a new template of this name")
             ->check(kNotEmpty);
-    }
-
-    void AddExchangeCommands() {
-        CLI::App* exporting =
-            AddCommand(app_, "export", CliCommand::Export, "引出模板 / export to a workbook");
-        auto* name = exporting->add_option("NAME", options_.name, "模板名称 / template");
-        auto* file = exporting->add_option("FILE", options_.file, ".xls / .xlsx")->check(kNotEmpty);
-        name->needs(file);
-        auto* all = exporting
-                        ->add_option("--all", options_.exportFolder,
-                                     "引出全部模板到文件夹 / every template into FOLDER")
-                        ->check(kNotEmpty);
-        all->excludes(name);
-        exporting->callback([this, name, all] {
-            if (name->count() == 0 && all->count() == 0) throw CLI::RequiredError("NAME FILE, --all FOLDER");
-            options_.command = CliCommand::Export;
-        });
-        AddCommand(app_, "import", CliCommand::Import, "引入模板 / import a workbook, or those of a folder")
-            ->add_option("FILE", options_.file, "工作簿或文件夹 / workbook or folder")
-            ->required()
-            ->check(kNotEmpty);
-    }
-
-    void AddGenerate() {
-        GenerateOptions& generate = options_.generate;
-        CLI::App* added = AddCommand(app_, "generate", CliCommand::Generate,
-                                     "根据凭证生成模板 / make a template from posted vouchers");
-        added->add_option("--name", options_.name, "模板名称 / template")->required();
-        added->add_option("--year", generate.year, "年度 / year")->required()->check(kDigits);
-        added->add_option("--period", generate.period, "期间 / period")->required()->check(kDigits);
-        auto* from = added->add_option("--from", generate.from, "起始凭证号 / first voucher number");
-        auto* to = added->add_option("--to", generate.to, "终止凭证号 / last voucher number");
-        added->add_option("--group", generate.group, "凭证类别 / voucher group");
-        added->add_flag("--include-system", generate.includeSystem,
-                        "包括机制凭证 / with system-made vouchers");
-        added->add_option("--fields", generate.fields, "模板字段列号 / columns of optional fields")
-            ->delimiter(',')
-            ->check(CLI::IsMember({7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20}));
-        // Instead of AddCommand's: both have to be known by then.
-        added->callback([this, from, to] {
-            if (to->count() > 0 && from->count() == 0)
-                throw CLI::ValidationError("--to",
-                                           "须与 --from 一起使用，例如：--from 1 --to 20 / needs --from");
-            options_.command = CliCommand::Generate;
-        });
     }
 
     CliOptions& options_;

@@ -7,6 +7,7 @@
 #include "center/history/restore.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
+#include "host/cli/differences.h"
 #include "host/cli/rights.h"
 #include "host/cli/templates.h"
 #include "platform/system/collation.h"
@@ -19,7 +20,6 @@ namespace vicenter::host {
 using automation::Error;
 using store::History;
 using store::HistoryVersion;
-using store::LineDifference;
 using store::LineTexts;
 
 namespace {
@@ -112,57 +112,18 @@ const HistoryVersion* FindVersion(const std::vector<HistoryVersion>& versions, c
                 "模板 " + context.options.name + " 没有版本 " + context.options.version + "！");
 }
 
-Variant PlaceValue(const std::optional<std::size_t>& place) {
-    return place ? Variant(static_cast<std::int32_t>(*place + 1)) : Variant::Null();
-}
-
-Variant DifferenceObject(const LineDifference& difference) {
-    VariantArray cells;
-    for (const LineDifference::Cell& cell : difference.cells) {
-        cells.push_back(JsonObject({{"field", std::string(store::Column(cell.column).field)},
-                                    {"before", cell.before},
-                                    {"after", cell.after}}));
-    }
-    return JsonObject({{"kind", store::KindText(difference.kind)},
-                       {"FNo", difference.number},
-                       {"rowBefore", PlaceValue(difference.before)},
-                       {"rowAfter", PlaceValue(difference.after)},
-                       {"cells", cells}});
-}
-
-void PrintDifference(std::ostream& out, const LineDifference& difference, const LineTexts& line) {
-    const std::size_t place = difference.after ? *difference.after : *difference.before;
-    out << store::KindText(difference.kind) << "\t" << difference.number << " 号\t行" << place + 1 << "\t";
-    if (difference.kind == LineDifference::Kind::Changed) {
-        std::string separator;
-        for (const LineDifference::Cell& cell : difference.cells) {
-            out << separator << store::Column(cell.column).header << "：" << cell.before << " → "
-                << cell.after;
-            separator = "；";
-        }
-    } else {
-        for (const int column :
-             {store::column::kExplanation, store::column::kDirection, store::column::kAccountNumber,
-              store::column::kAccountName, store::column::kAmount})
-            out << line[static_cast<std::size_t>(column - 1)] << " ";
-    }
-    out << "\n";
-}
-
 int ShowDifference(const CliContext& context, const TemplateHead& head) {
     const std::vector<HistoryVersion> versions = Versions(store::ReadHistory(head.id));
     const HistoryVersion* version = FindVersion(versions, context.options.version);
     if (version == nullptr) ThrowNoVersion(context);
     const std::vector<LineTexts> before = LinesOfVersion(*version);
     const std::vector<LineTexts> now = LinesOfTemplate(head.id);
-    VariantArray list;
-    for (const LineDifference& difference : store::Differences(before, now)) {
-        list.push_back(DifferenceObject(difference));
-        if (context.options.json) continue;
-        PrintDifference(context.streams.out, difference,
-                        difference.after ? now[*difference.after] : before[*difference.before]);
+    const std::vector<store::LineDifference> differences = store::Differences(before, now);
+    if (context.options.json) {
+        PrintJson(context, DifferenceObjects(differences));
+    } else {
+        PrintDifferences(context.streams.out, differences, before, now);
     }
-    if (context.options.json) PrintJson(context, list);
     return kExitDone;
 }
 
