@@ -13,7 +13,6 @@ namespace vicenter::exchange {
 
 namespace {
 
-using automation::Error;
 
 constexpr const char* kFileSystemProgId = "Scripting.FileSystemObject";
 

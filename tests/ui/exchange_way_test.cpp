@@ -2,10 +2,13 @@
 // and exports cancelled on the progress panel.
 
 #include <QApplication>
+#include <QDialog>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -74,6 +77,37 @@ class ExchangeWayTest : public DemoSetTest {
         });
         watch->start(0);
     }
+    // Waits for the comparison before the question and does there what is told; what is left of it is closed.
+    void InPreview(const std::function<void(QDialog&)>& inDialog) {
+        auto* watch = new QTimer(window);
+        QObject::connect(watch, &QTimer::timeout, watch, [this, watch, inDialog] {
+            auto* dialog = window->findChild<QDialog*>(QStringLiteral("frmImportPreview"));
+            if (!dialog || !dialog->isVisible()) return;
+            watch->stop();
+            ++previews_;
+            inDialog(*dialog);
+            if (dialog->isVisible()) Press(*dialog, "cmdCancel");
+        });
+        watch->start(0);
+    }
+    static void Press(QDialog& dialog, const char* button) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QString::fromLatin1(button)), Qt::LeftButton);
+    }
+    static QStringList Rows(QDialog& dialog, const char* name) {
+        QStringList rows;
+        const auto* table = dialog.findChild<QTableWidget*>(QString::fromLatin1(name));
+        for (int row = 0; row < table->rowCount(); ++row) {
+            QStringList cells;
+            for (int column = 0; column < table->columnCount(); ++column)
+                cells << table->item(row, column)->text();
+            rows << cells.join(u'|');
+        }
+        return rows;
+    }
+    static QString Label(QDialog& dialog, const char* name) {
+        const auto* label = dialog.findChild<QLabel*>(QString::fromLatin1(name));
+        return label->isVisible() ? label->text() : QString();
+    }
     void Click(const char* name) {
         QTest::mouseClick(window->findChild<QToolButton*>(QString::fromLatin1(name)), Qt::LeftButton);
     }
@@ -82,6 +116,7 @@ class ExchangeWayTest : public DemoSetTest {
 
     bool accepted_ = false;
     bool cancelled_ = false;
+    int previews_ = 0;
 };
 
 TEST_F(ExchangeWayTest, AWorkbookDroppedOnTheWindowIsImportedAndSelected) {
@@ -92,6 +127,7 @@ TEST_F(ExchangeWayTest, AWorkbookDroppedOnTheWindowIsImportedAndSelected) {
     EXPECT_EQ(window->Presenter().TemplateName(), "Dropped");
     EXPECT_EQ(window->Presenter().RowCount(), 3);
     // A second time it asks, and Cancel leaves everything.
+    InPreview([](QDialog& dialog) { Press(dialog, "cmdOK"); });
     Drop({path});
     EXPECT_THAT(TakeMessages(),
                 ElementsAre("模板[Dropped]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。"
@@ -102,6 +138,7 @@ TEST_F(ExchangeWayTest, AnImportOverTheStandardTemplateLightsAndOpensItWhateverW
     ClickNode("ROOT");
     EXPECT_FALSE(window->findChild<QAction*>("mnuSave")->isEnabled());
     surroundings.messageBoxes->answers = {system::MessageResult::Ok};
+    InPreview([](QDialog& dialog) { Press(dialog, "cmdOK"); });
     Drop({MakeWorkbook("标准模板.xlsx", 3)});
     EXPECT_EQ(TakeMessages().back(), "引入模板 标准模板 成功！");
     EXPECT_EQ(window->Presenter().TemplateId(), "0");
@@ -139,6 +176,61 @@ TEST_F(ExchangeWayTest, WhatKeepsAWorkbookOutIsInTheListOfFaultsUntilItComesIn) 
     Drop({MakeWorkbook("Faulty.xlsx", 2)});
     EXPECT_THAT(TakeMessages(), ElementsAre("引入模板 Faulty 成功！"));
     EXPECT_THAT(faults(), IsEmpty());
+}
+
+TEST_F(ExchangeWayTest, WhatAnImportWouldChangeIsSeenBeforeItAsks) {
+    Drop({MakeWorkbook("Looked.xlsx", 4)});
+    TakeMessages();
+    InPreview([](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "引入前后对比 - Looked");
+        EXPECT_EQ(Label(dialog, "summary"),
+                  "模板 Looked 现有分录 4 行，引入后 1 行：新增 0 行，删除 3 行，修改 1 行。");
+        EXPECT_EQ(Label(dialog, "warnings"),
+                  "注意：工作簿只有 1 行分录，现有模板有 4 行，请确认工作簿是否完整！");
+        EXPECT_EQ(
+            Rows(dialog, "changes"),
+            (QStringList{"修改|1|1|附件数||5", "删除|1|2|整行|提现 借 1001 库存现金|",
+                         "删除|1|3|整行|提现 借 1001 库存现金|", "删除|1|4|整行|提现 借 1001 库存现金|"}));
+        EXPECT_EQ(Rows(dialog, "totals"), QStringList{"1|4 → 1|0|0|"});
+        // What stands out is not passed by with Enter alone.
+        QTest::keyClick(&dialog, Qt::Key_Return);
+        EXPECT_FALSE(dialog.isVisible());
+    });
+    Drop({MakeWorkbook("Looked.xlsx", 1, "5")});
+    EXPECT_EQ(previews_, 1);
+    EXPECT_THAT(TakeMessages(), IsEmpty());
+    EXPECT_EQ(window->Presenter().RowCount(), 4);
+    // By the keyboard alone to the question, whose text is the old one, and on.
+    InPreview([](QDialog& dialog) {
+        auto* goOn = dialog.findChild<QPushButton*>(QStringLiteral("cmdOK"));
+        goOn->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(goOn, Qt::Key_Space);
+    });
+    surroundings.messageBoxes->answers = {system::MessageResult::Ok};
+    Drop({MakeWorkbook("Looked.xlsx", 1, "5")});
+    EXPECT_THAT(TakeMessages(),
+                ElementsAre("模板[Looked]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。"
+                            "请确认是否引入？",
+                            "引入模板 Looked 成功！"));
+    EXPECT_EQ(window->Presenter().RowCount(), 1);
+}
+
+TEST_F(ExchangeWayTest, FaultsThatTheComparisonFindsStayInTheListOfFaults) {
+    Drop({MakeWorkbook("Looked.xlsx", 1)});
+    TakeMessages();
+    InPreview([](QDialog& dialog) {
+        EXPECT_EQ(Rows(dialog, "faults"), QStringList{"2|附件数（F列）|x|必须是整数"});
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    Drop({MakeWorkbook("Looked.xlsx", 1, "x")});
+    EXPECT_EQ(previews_, 1);
+    EXPECT_THAT(TakeMessages(), IsEmpty());
+    EXPECT_EQ(window->Presenter().Faults().Reported().size(), 1U);
+    EXPECT_TRUE(window->findChild<QWidget*>(QStringLiteral("faultPanel"))->isVisible());
+    // The same mended, and looked at: nothing is wrong with it any more, though it was not imported.
+    InPreview([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    Drop({MakeWorkbook("Looked.xlsx", 1, "6")});
+    EXPECT_THAT(window->Presenter().Faults().Reported(), IsEmpty());
 }
 
 TEST_F(ExchangeWayTest, OtherFilesAndSeveralAtOnceAreNotTaken) {

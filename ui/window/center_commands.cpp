@@ -8,10 +8,22 @@
 #include "exchange/import_template.h"
 #include "platform/system/surroundings.h"
 #include "ui/dialogs/auto_vch_dialog.h"
+#include "ui/dialogs/import_preview_dialog.h"
+#include "ui/window/vicenter_window.h"
 
 namespace vicenter::ui {
 
 namespace {
+
+// The window behind the rules: the active one is another program's when a file is dropped from there.
+QWidget* WidgetOf(const center::CommandTarget& target) {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        auto* window = qobject_cast<VICenterWindow*>(widget);
+        if (window && &static_cast<const center::CommandTarget&>(window->Presenter()) == &target)
+            return window;
+    }
+    return QApplication::activeWindow();
+}
 
 // The main window as export and import see it.
 class ExchangeWindow : public exchange::ExchangeTarget {
@@ -43,6 +55,13 @@ class ExchangeWindow : public exchange::ExchangeTarget {
         progress_.visible = false;
         Show();
     }
+    bool LookBeforeImport(const std::function<exchange::ImportPreview()>& read) override {
+        const exchange::ImportPreview preview = read();
+        // What is wrong stays in the list when the dialog is gone.
+        window_.ReportFaults({center::FaultSource::Workbook, preview.file, preview.faults});
+        ImportPreviewDialog dialog(preview, WidgetOf(window_));
+        return dialog.exec() == QDialog::Accepted;
+    }
     // The import has read the id back from what it wrote.
     void RebuildTreeAndSelect(std::int32_t id) override { window_.ShowStoredTemplate(id); }
 
@@ -56,7 +75,7 @@ class ExchangeWindow : public exchange::ExchangeTarget {
     center::ProgressState progress_;
 };
 
-// Nothing is to be said of a file that was not chosen after all.
+// Nothing is to be said of a file that was not chosen after all; what a look at it has found has been.
 void Report(center::CommandTarget& window, const exchange::ImportOutcome& outcome) {
     if (outcome.written || !outcome.refusal.empty())
         window.ReportFaults({center::FaultSource::Workbook, outcome.file, outcome.faults});
@@ -84,7 +103,7 @@ void CenterCommands::UploadToCloud(center::CommandTarget&) {
 }
 
 void CenterCommands::GenerateFromVouchers(center::CommandTarget& window) {
-    AutoVchDialog dialog(QApplication::activeWindow());
+    AutoVchDialog dialog(WidgetOf(window));
     dialog.exec();
     const autovch::GenerationResult& result = dialog.Result();
     if (result.outcome || !result.faults.empty())
