@@ -1,5 +1,7 @@
 #include "exchange/import_checks.h"
 
+#include <cmath>
+
 #include "automation/variant.h"
 #include "entry/sql_text.h"
 #include "exchange/cell_reading.h"
@@ -51,6 +53,9 @@ bool CheckRequiredColumns(std::string_view seen, std::string& missing) {
     return all;
 }
 
+// Hardly any number comes near a column's end, and to write one out costs more than to compare it.
+constexpr double kFitsEveryColumn = 999999999;
+
 std::string WhyNotStored(const TemplateColumn& column, std::string_view text) {
     if (text.empty()) return {};
     const store::ColumnSpec& spec = store::Column(column.gridColumn);
@@ -59,7 +64,8 @@ std::string WhyNotStored(const TemplateColumn& column, std::string_view text) {
         return column.type == CellType::Text ? store::WhyNoRoom(spec, text) : std::string();
     }
     const auto number = ReadTypedNumber(text);
-    return number ? store::WhyNoRoom(spec, CanonicalNumber(*number)) : std::string();
+    if (!number || std::fabs(*number) <= kFitsEveryColumn) return {};
+    return store::WhyNoRoom(spec, CanonicalNumber(*number));
 }
 
 std::string WhyNotInCell(std::string_view text, CellType type, bool required) {

@@ -13,7 +13,6 @@ namespace vicenter::exchange {
 
 namespace {
 
-
 constexpr const char* kFileSystemProgId = "Scripting.FileSystemObject";
 
 // The file system, where the file is there.

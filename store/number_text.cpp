@@ -231,6 +231,7 @@ class Calculator {
 }  // namespace
 
 std::optional<std::string> ReadNumberText(std::string_view text) {
+    if (IsBareNumber(text)) return std::string(text);
     const std::optional<std::string> plain = PlainCharacters(text);
     return plain ? ReadPlain(*plain) : std::nullopt;
 }

@@ -26,17 +26,26 @@ bool IsSpace(char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
 }
 
+// Names of elements are a few characters long: looked through here, not by a call.
+std::size_t ColonIn(std::string_view name) {
+    std::size_t at = 0;
+    while (at < name.size() && name[at] != ':')
+        ++at;
+    return at < name.size() ? at : std::string_view::npos;
+}
+
 std::string_view LocalName(std::string_view name) {
-    const std::size_t colon = name.find(':');
+    const std::size_t colon = ColonIn(name);
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
 std::string_view Prefix(std::string_view name) {
-    const std::size_t colon = name.find(':');
+    const std::size_t colon = ColonIn(name);
     return colon == std::string_view::npos ? std::string_view() : name.substr(0, colon);
 }
 
 constexpr std::string_view kBinding = "xmlns";
+constexpr std::size_t kShortestBinding = std::string_view(R"( xmlns="")").size();
 constexpr std::size_t kMaxBindings = 1000;
 
 // The prefix that an attribute binds ("" for "xmlns" itself); nothing for any other attribute.
@@ -243,7 +252,7 @@ bool XmlScanner::IsForeign(std::string_view prefix) {
     const bool isRoot = openLengths_.size() == 1;
     if (isRoot) rootPrefix_ = prefix;
     // Hardly any element but the root binds a prefix.
-    if (attributes_.find(kBinding) != std::string_view::npos) {
+    if (attributes_.size() >= kShortestBinding && attributes_.find(kBinding) != std::string_view::npos) {
         if (isRoot) {
             ForEachAttribute([&](std::string_view name, std::string_view value) {
                 if (BoundPrefix(name) == prefix) rootNamespace_ = value;

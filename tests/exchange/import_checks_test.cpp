@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "exchange/cell_reading.h"
+#include "store/column_room.h"
+
 namespace vicenter::exchange {
 namespace {
 
@@ -56,6 +59,22 @@ TEST(CheckRequiredColumnsOf, ListsWhatIsMissing) {
     EXPECT_TRUE(CheckRequiredColumns("|模板编号（＊）|摘要(*)|借／贷(*)|科目代码(*)|科目名称(*)|", missing));
     EXPECT_FALSE(CheckRequiredColumns("|科目代码(*)|摘要|", missing));
     EXPECT_EQ(missing, "模板编号(*),摘要(*),借/贷(*),科目名称(*)");
+}
+
+TEST(WhyNotStoredOf, TellsWhatNoColumnHasRoomForAndNothingElse) {
+    int numbers = 0;
+    for (const TemplateColumn& column : kColumns) {
+        if (column.type != CellType::Number) continue;
+        ++numbers;
+        const store::ColumnSpec& spec = store::Column(column.gridColumn);
+        for (const char* text : {"999999999", "-999999999", "999999999.99999999", "0.000000000001", "1e8"}) {
+            EXPECT_EQ(WhyNotStored(column, text), "") << column.header << " " << text;
+            EXPECT_EQ(store::WhyNoRoom(spec, CanonicalNumber(*ReadTypedNumber(text))), "") << column.header;
+        }
+        EXPECT_NE(WhyNotStored(column, "1e28"), "") << column.header;
+        EXPECT_NE(WhyNotStored(column, "-1e28"), "") << column.header;
+    }
+    EXPECT_GE(numbers, 5);
 }
 
 TEST(CheckImportCellOf, AcceptsByTypeAndRequirement) {
