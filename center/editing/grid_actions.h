@@ -12,6 +12,11 @@
 
 namespace vicenter::center {
 
+// Helps that every user may do without; remembered for him.
+enum class EntryAid {
+    Proposals,  // of the next row
+};
+
 class GridActions {
   public:
     virtual ~GridActions() = default;
@@ -34,6 +39,20 @@ class GridActions {
     virtual void OpenLookUp() = 0;  // Insert, F7 or a click on the cell's button
     // Why the cell is red and what is expected; the empty text for a sound cell.
     virtual std::string DescribeFault(const CellAddress& cell) = 0;
+
+    // --- what the lines imply of the next one
+    // The row that has proposals, 0 for none.
+    virtual int ProposedRow() { return 0; }
+    // Empty where nothing is proposed.
+    virtual std::string ProposedText(const CellAddress& /*cell*/) { return {}; }
+    // The proposal becomes the cell's text; false where there is none.
+    virtual bool TakeProposal(const CellAddress& /*cell*/) { return false; }
+    // Number and side of the cursor's row as proposed; the cell where the user goes on, nothing when nothing
+    // was taken. An amount is taken where it stands alone.
+    virtual std::optional<CellAddress> TakeRow() { return std::nullopt; }
+    virtual bool RefuseProposals() { return false; }
+    virtual bool IsOn(EntryAid /*aid*/) { return false; }
+    virtual void SetOn(EntryAid /*aid*/, bool /*on*/) {}
 
     virtual void ClearCells(const CellSelection& selection) = 0;
     // Nothing, and the user has been told, when the selection cannot be copied.

@@ -71,6 +71,47 @@ std::string GridFacet::DescribeFault(const CellAddress& cell) {
     return parts_.edge.Look([&] { return FaultText(*parts_.state.grid, cell); });
 }
 
+// --- proposals
+
+int GridFacet::ProposedRow() {
+    return parts_.proposals.Row();
+}
+
+std::string GridFacet::ProposedText(const CellAddress& cell) {
+    return parts_.proposals.Text(cell);
+}
+
+bool GridFacet::TakeProposal(const CellAddress& cell) {
+    const std::string text = parts_.proposals.Text(cell);
+    return !text.empty() && CommitText(cell, text) == TextVerdict::Taken;
+}
+
+std::optional<CellAddress> GridFacet::TakeRow() {
+    const int row = parts_.proposals.Row();
+    if (row == 0 || row != parts_.state.grid->ActiveCell().row) return std::nullopt;
+    bool taken = false;
+    {
+        const UndoStep step(parts_.state.open);
+        for (const int c : {column::kNo, column::kDirection}) {
+            if (!parts_.state.grid->Layout(c).hidden) taken = TakeProposal({row, c}) || taken;
+        }
+    }
+    if (!taken) return std::nullopt;
+    return CellAddress{row, column::kAccountNumber};
+}
+
+bool GridFacet::RefuseProposals() {
+    return parts_.proposals.Refuse();
+}
+
+bool GridFacet::IsOn(EntryAid aid) {
+    return parts_.IsOn(aid);
+}
+
+void GridFacet::SetOn(EntryAid aid, bool on) {
+    parts_.edge.Look([&] { parts_.SetOn(aid, on); });
+}
+
 // --- blocks and rows
 
 void GridFacet::ClearCells(const CellSelection& selection) {

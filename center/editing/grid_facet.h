@@ -23,6 +23,13 @@ class GridFacet final : public GridActions {
     TextVerdict CommitText(const CellAddress& cell, const std::string& text) override;
     void OpenLookUp() override;
     std::string DescribeFault(const CellAddress& cell) override;
+    int ProposedRow() override;
+    std::string ProposedText(const CellAddress& cell) override;
+    bool TakeProposal(const CellAddress& cell) override;
+    std::optional<CellAddress> TakeRow() override;
+    bool RefuseProposals() override;
+    bool IsOn(EntryAid aid) override;
+    void SetOn(EntryAid aid, bool on) override;
     void ClearCells(const CellSelection& selection) override;
     std::optional<CopiedBlock> CopyBlock(const CellSelection& selection) override;
     PasteResult PasteBlock(const CellSelection& selection, const CopiedBlock& block) override;

@@ -55,6 +55,7 @@ void frmVICenter::Load() {
     state.userId = entry::GetPropValue("UserID");
     entry::SetCurrentUserId(state.userId);
     parts_->drafts.Open();
+    parts_->ReadSettings();
     parts_->tree.Build();
     state.Enable({Tool::Del, Tool::DelRow, Tool::AddRow, Tool::Share}, false);
     state.grid->SetRowHeights(RowHeights().header, RowHeights().data);

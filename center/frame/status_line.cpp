@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "center/editing/cell_rules.h"
+#include "center/grid/line_texts.h"
 
 namespace vicenter::center {
 
@@ -12,21 +13,8 @@ using automation::Decimal;
 
 namespace {
 
-std::optional<Decimal> NumberOf(std::string_view text) {
-    if (!IsPlainNumber(text)) return std::nullopt;
-    return Decimal::Parse(text);
-}
-
 std::string AmountText(const Decimal& amount) {
     return DisplayText(column::kAmount, amount.ToText());
-}
-
-// The template number of a row as the account set will know it: "01" and "1" are one.
-std::string_view NumberOfRow(const EntryGrid& grid, int row) {
-    std::string_view number = grid.Text(row, column::kNo);
-    while (number.size() > 1 && number.front() == '0')
-        number.remove_prefix(1);
-    return number;
 }
 
 }  // namespace
@@ -38,7 +26,7 @@ NumberSums::NumberSums(const EntryGrid& grid, int rowCount) : rowCount_(rowCount
         if (number.empty()) continue;
         const auto [at, isNew] = sums_.try_emplace(number);
         if (isNew) order.push_back(number);
-        const std::optional<Decimal> amount = NumberOf(grid.Text(row, column::kAmount));
+        const std::optional<Decimal> amount = DecimalIn(grid.Text(row, column::kAmount));
         if (!amount) continue;
         const std::string_view direction = grid.Text(row, column::kDirection);
         if (direction == kDebit) at->second.debit = Decimal::Add(at->second.debit, *amount);
@@ -81,7 +69,7 @@ std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection
         const bool amount = column.column == column::kAmount || column.column == column::kAmountFor;
         for (const RowRun& run : column.rows) {
             for (int row = run.first; row <= run.last; ++row) {
-                const std::optional<Decimal> number = NumberOf(grid.Text(row, column.column));
+                const std::optional<Decimal> number = DecimalIn(grid.Text(row, column.column));
                 if (!number) continue;
                 const std::string_view direction = grid.Text(row, column::kDirection);
                 const std::size_t side = amount && direction == kDebit    ? 0

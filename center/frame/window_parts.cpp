@@ -6,12 +6,25 @@
 
 namespace vicenter::center {
 
+namespace {
+
+const char* KeyOf(EntryAid aid) {
+    switch (aid) {
+        case EntryAid::Proposals:
+            return "entry.proposals";
+    }
+    return "";
+}
+
+}  // namespace
+
 WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, CommandTarget& theWindow)
     : state(view),
       commands(theCommands),
       window(theWindow),
       profile(state),
       editing(state),
+      proposals(state),
       kept(state),
       drafts(state, kept),
       tree(
@@ -89,7 +102,35 @@ void WindowParts::RefreshPanels() {
     RefreshStatus();
 }
 
+void WindowParts::ReadSettings() {
+    settings.Open(state.userId);
+    for (const EntryAid aid : {EntryAid::Proposals})
+        Switch(aid, settings.IsOn(KeyOf(aid), true));
+}
+
+bool WindowParts::IsOn(EntryAid aid) const {
+    switch (aid) {
+        case EntryAid::Proposals:
+            return proposals.IsOn();
+    }
+    return false;
+}
+
+void WindowParts::SetOn(EntryAid aid, bool on) {
+    Switch(aid, on);
+    settings.PutOn(KeyOf(aid), on);
+}
+
+void WindowParts::Switch(EntryAid aid, bool on) {
+    switch (aid) {
+        case EntryAid::Proposals:
+            proposals.SetOn(on);
+            break;
+    }
+}
+
 void WindowParts::ActiveCellChanged(const CellAddress&) {
+    proposals.ActiveCellChanged();
     RefreshPanels();
 }
 
@@ -100,6 +141,7 @@ void WindowParts::ContentChanged() {
 
 void WindowParts::RowsInserted(int firstRow, int count) {
     sums.reset();
+    proposals.RowsMoved(firstRow);
     refused.RowsInserted(firstRow, count);
     faults.RowsInserted(firstRow, count);
     FaultsChanged();
@@ -108,6 +150,7 @@ void WindowParts::RowsInserted(int firstRow, int count) {
 
 void WindowParts::RowsRemoved(int firstRow, int count) {
     sums.reset();
+    proposals.RowsMoved(firstRow);
     refused.RowsRemoved(firstRow, count);
     faults.RowsRemoved(firstRow, count);
     FaultsChanged();
@@ -116,6 +159,7 @@ void WindowParts::RowsRemoved(int firstRow, int count) {
 
 void WindowParts::WasReset() {
     sums.reset();
+    proposals.WasReset();
     refused.WasReset();
     faults.WasReset();
     FaultsChanged();
@@ -148,6 +192,7 @@ void WindowParts::MarkUnusable() {
 void WindowParts::TextsChanged(const CellRange& range) {
     sums.reset();
     ContentChanged();
+    proposals.TextsChanged();
     refused.TextsChanged();
     faults.CellsChanged(range);
     FaultsChanged();

@@ -9,10 +9,12 @@
 #include "center/editing/block_editing.h"
 #include "center/editing/grid_editing.h"
 #include "center/editing/grid_facet.h"
+#include "center/editing/proposals.h"
 #include "center/faults/fault_facet.h"
 #include "center/faults/fault_list.h"
 #include "center/faults/reported_faults.h"
 #include "center/frame/edge.h"
+#include "center/frame/own_settings.h"
 #include "center/frame/status_line.h"
 #include "center/frame/template_commands.h"
 #include "center/frame/window_state.h"
@@ -51,6 +53,10 @@ struct WindowParts : public GridObserver {
     void MarkUnusable();
     // Nothing is left that a draft could bring back.
     void DropDraftIfUnmodified();
+    // How the user likes to work, as it was left the last time.
+    void ReadSettings();
+    bool IsOn(EntryAid aid) const;
+    void SetOn(EntryAid aid, bool on);
     // fileName: a workbook chosen already; empty: the command asks for one.
     void RunImport(const std::string& fileName);
 
@@ -65,7 +71,9 @@ struct WindowParts : public GridObserver {
     TemplateCommands* commands;
     CommandTarget& window;
     ColumnProfile profile;
+    OwnSettings settings;
     GridEditing editing;
+    Proposals proposals;
     KeptLines kept;
     TemplateDrafts drafts;
     TemplateTree tree;
@@ -98,6 +106,7 @@ struct WindowParts : public GridObserver {
     bool RefusedForRight();
     void ShowFind();
     void ShowColumns();
+    void Switch(EntryAid aid, bool on);
 };
 
 }  // namespace vicenter::center

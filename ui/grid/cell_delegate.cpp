@@ -92,6 +92,16 @@ bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
     return QStyledItemDelegate::helpEvent(event, view, option, index);
 }
 
+void CellDelegate::DrawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
+                            const QString& text, const QColor& ink) const {
+    const QRect inner = TextRect(option.rect, index);
+    const bool right = center::Column(view_.Model().AddressOf(index).column).rightAligned;
+    painter.setFont(option.font);
+    painter.setPen(ink);
+    painter.drawText(inner, Qt::AlignVCenter | Qt::TextSingleLine | (right ? Qt::AlignRight : Qt::AlignLeft),
+                     option.fontMetrics.elidedText(text, Qt::ElideRight, inner.width()));
+}
+
 void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     // Straight from the grid: a screen of cells is painted on every scrolled line.
@@ -113,15 +123,11 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const std::string_view plain = grid.Text(cell.row, cell.column);
     const bool button = active && view_.IsInteractive() && HasButton(cell.column);
     if (!plain.empty()) {
-        const QRect inner = TextRect(option.rect, index);
-        const bool right = center::Column(cell.column).rightAligned;
-        const QString text = ToQt(center::DisplayText(cell.column, plain));
-        painter->setFont(option.font);
-        painter->setPen(look.foreColor == center::color::kBlack ? colors::kInk
-                                                                : FromGridColor(look.foreColor));
-        painter->drawText(inner,
-                          Qt::AlignVCenter | Qt::TextSingleLine | (right ? Qt::AlignRight : Qt::AlignLeft),
-                          option.fontMetrics.elidedText(text, Qt::ElideRight, inner.width()));
+        const QColor ink =
+            look.foreColor == center::color::kBlack ? colors::kInk : FromGridColor(look.foreColor);
+        DrawText(*painter, option, index, ToQt(center::DisplayText(cell.column, plain)), ink);
+    } else if (const QString proposed = view_.Model().ProposedText(cell); !proposed.isEmpty()) {
+        DrawText(*painter, option, index, proposed, colors::kFaintInk);
     }
     if (button) DrawButton(*painter, ButtonRect(option.rect), cell.column == center::column::kDirection);
     if (active) {

@@ -36,6 +36,8 @@ class CellDelegate : public QStyledItemDelegate {
   private:
     // The room for a cell's text.
     QRect TextRect(const QRect& cell, const QModelIndex& index) const;
+    void DrawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
+                  const QString& text, const QColor& ink) const;
 
     GridView& view_;
 };

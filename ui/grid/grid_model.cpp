@@ -58,13 +58,27 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         case Qt::ToolTipRole: {
             const bool sound = grid_->FaultyCheck(cell.row, cell.column) == 0 &&
                                center::OwnVerdict(*grid_, cell) == center::TextVerdict::Taken;
-            if (sound) return {};
+            if (sound) return ProposalToolTip(cell);
             const std::string why = GuardedOr(std::string(), [&] { return actions_.DescribeFault(cell); });
             return why.empty() ? QVariant() : QVariant(ToolTipText(ToQtLines(why)));
         }
+        case Qt::AccessibleDescriptionRole:
+            return ProposalToolTip(cell);
         default:
             return {};
     }
+}
+
+QString GridModel::ProposedText(const center::CellAddress& cell) const {
+    const std::string text = GuardedOr(std::string(), [&] { return actions_.ProposedText(cell); });
+    return text.empty() ? QString() : ToQt(center::DisplayText(cell.column, text));
+}
+
+QVariant GridModel::ProposalToolTip(const center::CellAddress& cell) const {
+    const QString text = ProposedText(cell);
+    if (text.isEmpty()) return {};
+    return QStringLiteral("建议“%1”：按 Tab 或 Enter 取用，按 Ctrl+Enter 取用编号和借贷方向，按 Esc 不取用")
+        .arg(text);
 }
 
 bool GridModel::setData(const QModelIndex& index, const QVariant& value, int role) {

@@ -31,6 +31,8 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
     center::CellAddress AddressOf(const QModelIndex& index) const {
         return {index.row() + 1, index.column() + 1};
     }
+    // What is proposed for an empty cell; no text of the grid's.
+    QString ProposedText(const center::CellAddress& cell) const;
     // An invalid index for an address outside the grid.
     QModelIndex IndexOf(const center::CellAddress& cell) const;
     // True from before rows come or go until after it: cursor moves meanwhile are not the user's.
@@ -68,6 +70,7 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
     void ActiveCellChanged(const center::CellAddress& cell) override;
     void ScrolledIntoView(const center::CellAddress& cell) override;
 
+    QVariant ProposalToolTip(const center::CellAddress& cell) const;
     void EmitChanged(const center::CellRange& range, const QList<int>& roles);
 
     std::shared_ptr<center::EntryGrid> grid_;

@@ -79,6 +79,10 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
         const QModelIndex index = model_.IndexOf({row, std::max(column, 1)});
         if (index.isValid()) scrollTo(index, EnsureVisible);
     });
+    for (const auto moved : {&GridModel::rowsInserted, &GridModel::rowsRemoved})
+        connect(&model_, moved, this, &GridView::PaintProposals);
+    connect(&model_, &GridModel::dataChanged, this, &GridView::PaintProposals);
+    connect(&model_, &GridModel::activeCellChanged, this, &GridView::PaintProposals);
     connect(columnHeader_, &QHeaderView::sectionResized, this, [this](int section, int /*before*/, int now) {
         if (!applyingColumns_ && now > 0) {
             Guarded([&] { model_.Grid().SetColumnWidth(section + 1, PixelsToTwips(now, *this)); });

@@ -7,6 +7,7 @@
 // cursor ends up is the grid's active cell, which the view follows. Shares nothing; model and actions outlive
 // it. User-interface thread only.
 
+#include <QMenu>
 #include <QTableView>
 
 #include "center/editing/grid_actions.h"
@@ -110,6 +111,11 @@ class GridView : public QTableView {
     // said so and have taken it there.
     bool StoodBelowRows();
     void KeepCursorShown();
+    void TakeProposal();
+    bool TakeProposedRow();
+    bool RefuseProposals();
+    void PaintProposals();
+    void AddAids(QMenu& menu);
     int ShownColumnNear(int column) const;
     void OpenLookUp();
     void SetDirection(const QString& text);
@@ -125,6 +131,7 @@ class GridView : public QTableView {
     bool applyingColumns_ = false;  // widths come from the grid, not from the user
     bool openingByTyping_ = false;
     bool placing_ = false;    // the cursor goes to one cell, whatever keys are held
+    int proposedRow_ = 0;     // whose proposals are on the screen
     bool selecting_ = false;  // the cursor moves on the way of building a selection
 };
 

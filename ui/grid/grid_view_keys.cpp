@@ -1,12 +1,13 @@
-// The keys of the entry grid: moving about, editing, blocks. The rest of GridView is in grid_view.cpp.
+// The keys of the entry grid: moving about, editing, blocks. Its menu is in grid_view_menu.cpp, the rest of
+// GridView in grid_view.cpp.
 
 #include <QApplication>
 #include <QClipboard>
-#include <QContextMenuEvent>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QMimeData>
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "center/frame/key_code.h"
 #include "ui/grid/cell_editor.h"
@@ -238,8 +239,11 @@ bool GridView::HandleCellKey(QKeyEvent& event) {
     switch (event.key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
+            if (event.modifiers() & Qt::ControlModifier && TakeProposedRow()) return true;
+            if (!(event.modifiers() & Qt::ShiftModifier)) TakeProposal();
             return MoveOn(event.modifiers() & Qt::ShiftModifier), true;
         case Qt::Key_Tab:
+            TakeProposal();
             return MoveOn(false), true;
         case Qt::Key_Backtab:
             return MoveOn(true), true;
@@ -256,9 +260,39 @@ bool GridView::HandleCellKey(QKeyEvent& event) {
             if (model_.AddressOf(current).column == center::column::kItems) emit itemPanelRequested();
             return true;
         case Qt::Key_Escape:
-            return event.ignore(), true;
+            if (!RefuseProposals()) event.ignore();
+            return true;
         default:
             return false;
+    }
+}
+
+// --- what is proposed of the next row
+
+void GridView::TakeProposal() {
+    if (!IsInteractive() || !currentIndex().isValid()) return;
+    Guarded([&] { actions_.TakeProposal(model_.AddressOf(currentIndex())); });
+}
+
+bool GridView::TakeProposedRow() {
+    if (!IsInteractive()) return false;
+    const auto next = GuardedOr(std::optional<center::CellAddress>(), [&] { return actions_.TakeRow(); });
+    if (next) MoveTo(next->row - 1, next->column - 1);
+    return next.has_value();
+}
+
+bool GridView::RefuseProposals() {
+    const bool refused = IsInteractive() && GuardedOr(false, [&] { return actions_.RefuseProposals(); });
+    if (refused) PaintProposals();
+    return refused;
+}
+
+// The row that has proposals now, and the one that had.
+void GridView::PaintProposals() {
+    const int row = GuardedOr(0, [&] { return actions_.ProposedRow(); });
+    for (const int painted : {std::exchange(proposedRow_, row), row}) {
+        if (painted < 1 || painted > model_.rowCount()) continue;
+        viewport()->update(0, rowViewportPosition(painted - 1), viewport()->width(), rowHeight(painted - 1));
     }
 }
 
@@ -391,39 +425,6 @@ bool GridView::HandleFieldKey(CellEditor& field, QKeyEvent& event) {
         return true;
     }
     return false;
-}
-
-void GridView::contextMenuEvent(QContextMenuEvent* event) {
-    const center::CellSelection selection = Selected();
-    if (selection.IsEmpty()) return;
-    CommitOpenEditor();
-    QMenu menu(this);
-    menu.setObjectName(QStringLiteral("gridMenu"));
-    const bool interactive = IsInteractive();
-    const auto add = [&menu, interactive](const QString& text, bool changes, auto&& run) {
-        QAction* action = menu.addAction(text);
-        action->setEnabled(interactive || !changes);
-        connect(action, &QAction::triggered, &menu, run);
-    };
-    int count = 0;
-    for (const center::RowRun& run : center::RowRuns(selection, model_.Grid()))
-        count += run.Count();
-    add(QStringLiteral("剪切\tCtrl+X"), true, [this] { CutSelection(); });
-    add(QStringLiteral("复制\tCtrl+C"), false, [this] { CopySelection(); });
-    add(QStringLiteral("粘贴\tCtrl+V"), true, [this] { Paste(); });
-    add(QStringLiteral("清除内容\tDelete"), true, [this] { ClearSelection(); });
-    menu.addSeparator();
-    add(QStringLiteral("向下填充\tCtrl+D"), true, [this] { FillDown(); });
-    add(QStringLiteral("复制分录\tCtrl+Shift+D"), true, [this] { DuplicateRows(); });
-    add((count > 1 ? QStringLiteral("插入 %1 行").arg(count) : QStringLiteral("插入行")) +
-            QStringLiteral("\tCtrl++"),
-        true, [this] { InsertRows(); });
-    add((count > 1 ? QStringLiteral("删除 %1 行").arg(count) : QStringLiteral("删除行")) +
-            QStringLiteral("\tCtrl+-"),
-        true, [this] { DeleteRows(); });
-    menu.addSeparator();
-    add(QStringLiteral("查看资料\tF7"), true, [this] { OpenLookUp(); });
-    menu.exec(event->globalPos());
 }
 
 }  // namespace vicenter::ui

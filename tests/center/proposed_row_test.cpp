@@ -1,0 +1,123 @@
+// A row that is proposed, in the window's presenter: nothing but taking it makes it a line.
+
+#include "tests/center/center_fixture.h"
+
+namespace vicenter::center::test {
+namespace {
+
+class ProposedRowTest : public CenterTest {
+  protected:
+    void SetUp() override {
+        std::vector<Variant> line = Line(31, "借方", 1);
+        line[column::kAmount - 1] = 1234;
+        lines_["5"] = {line};
+        Open();
+        Window().Tree().NodeClick("detail-5");
+        Forget();
+        for (const int c : {column::kNo, column::kDirection, column::kAmount})
+            Grid().SetColumnHidden(c, false);
+    }
+    std::string Proposed(int row, int gridColumn) { return Window().Cells().ProposedText({row, gridColumn}); }
+};
+
+TEST_F(ProposedRowTest, IsShownBesideTheGridAndIsInNothingThatReadsIt) {
+    ASSERT_EQ(Window().Cells().ProposedRow(), 2);
+    EXPECT_EQ(Proposed(2, column::kNo), "31");
+    EXPECT_EQ(Proposed(2, column::kDirection), "贷");
+    EXPECT_EQ(Proposed(2, column::kAmount), "1234");
+
+    Window().Cells().MoveActiveCell({2, column::kNo});
+    for (int c = 1; c <= kColumnCount; ++c)
+        EXPECT_EQ(Cell(2, c), "");
+    EXPECT_EQ(Window().RowCount(), 1);
+    EXPECT_FALSE(Window().IsDirty());
+    EXPECT_FALSE(Window().Cells().CanUndo());
+    const auto copied = Window().Cells().CopyBlock(CellSelection::Rows({{1, 2}}));
+    ASSERT_TRUE(copied.has_value());
+    EXPECT_EQ(copied->text.find("贷"), std::string::npos);
+    EXPECT_TRUE(Window().Faults().Cells().empty());
+
+    Type(1, column::kExplanation, "改过");
+    Forget();
+    ASSERT_TRUE(Window().Save());
+    int inserts = 0;
+    for (const std::string& sql : set_.Statements()) {
+        for (std::size_t at = 0; (at = sql.find("insert into t_VchTemplateEntry(", at)) != std::string::npos;
+             ++at)
+            ++inserts;
+        EXPECT_EQ(sql.find(",31,'',0,"), std::string::npos) << sql;
+    }
+    EXPECT_EQ(inserts, 1);
+}
+
+TEST_F(ProposedRowTest, EachCellIsTakenForItselfAndIsAStepOfUndo) {
+    Window().Cells().MoveActiveCell({2, column::kNo});
+    EXPECT_TRUE(Window().Cells().TakeProposal({2, column::kNo}));
+    EXPECT_EQ(Cell(2, column::kNo), "31");
+    EXPECT_EQ(Cell(2, column::kAmount), "");
+    EXPECT_EQ(Window().RowCount(), 2);
+    EXPECT_FALSE(Window().Cells().TakeProposal({2, column::kNo}));
+    EXPECT_FALSE(Window().Cells().TakeProposal({2, column::kExplanation}));
+    EXPECT_TRUE(Window().Cells().TakeProposal({2, column::kAmount}));
+    EXPECT_EQ(Cell(2, column::kAmount), "1234");
+    Window().Cells().Undo();
+    Window().Cells().Undo();
+    EXPECT_EQ(Window().RowCount(), 1);
+    EXPECT_FALSE(Window().IsDirty());
+    EXPECT_EQ(Proposed(2, column::kNo), "31");
+}
+
+TEST_F(ProposedRowTest, NumberAndSideAreTakenInOneStep) {
+    Window().Cells().MoveActiveCell({2, column::kNo});
+    EXPECT_EQ(Window().Cells().TakeRow(), (CellAddress{2, column::kAccountNumber}));
+    EXPECT_EQ(Cell(2, column::kNo), "31");
+    EXPECT_EQ(Cell(2, column::kDirection), "贷");
+    EXPECT_EQ(Cell(2, column::kAmount), "") << "an amount is taken where it is seen";
+    EXPECT_EQ(Proposed(2, column::kAmount), "1234");
+    EXPECT_EQ(Window().Cells().TakeRow(), std::nullopt);
+    Window().Cells().Undo();
+    EXPECT_EQ(Window().RowCount(), 1);
+    EXPECT_FALSE(Window().Cells().CanUndo());
+}
+
+TEST_F(ProposedRowTest, WhatNobodySeesIsNotTakenWithTheRow) {
+    Grid().SetColumnHidden(column::kDirection, true);
+    Window().Cells().MoveActiveCell({2, column::kNo});
+    Window().Cells().TakeRow();
+    EXPECT_EQ(Cell(2, column::kNo), "31");
+    EXPECT_EQ(Cell(2, column::kDirection), "");
+}
+
+TEST_F(ProposedRowTest, ElsewhereTheRowIsNotTaken) {
+    Window().Cells().MoveActiveCell({1, column::kNo});
+    EXPECT_EQ(Window().Cells().TakeRow(), std::nullopt);
+    EXPECT_EQ(Window().RowCount(), 1);
+}
+
+TEST_F(ProposedRowTest, RefusedItIsGone) {
+    Window().Cells().MoveActiveCell({2, column::kNo});
+    EXPECT_TRUE(Window().Cells().RefuseProposals());
+    EXPECT_EQ(Proposed(2, column::kNo), "");
+    EXPECT_FALSE(Window().Cells().TakeProposal({2, column::kNo}));
+    EXPECT_EQ(Window().RowCount(), 1);
+}
+
+TEST_F(ProposedRowTest, SwitchedOffItStaysOffInTheNextWindow) {
+    EXPECT_TRUE(Window().Cells().IsOn(EntryAid::Proposals));
+    Window().Cells().SetOn(EntryAid::Proposals, false);
+    EXPECT_EQ(Window().Cells().ProposedRow(), 0);
+    Open();
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_EQ(Window().Cells().ProposedRow(), 0);
+}
+
+TEST_F(ProposedRowTest, WhoMayOnlyLookSeesNone) {
+    right_ = false;
+    Open();
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_EQ(Window().Cells().ProposedRow(), 0);
+    EXPECT_FALSE(Window().Cells().TakeProposal({2, column::kNo}));
+}
+
+}  // namespace
+}  // namespace vicenter::center::test

@@ -1,0 +1,60 @@
+// The context menu of the entry grid. The rest of GridView is in grid_view.cpp.
+
+#include <QContextMenuEvent>
+#include <QMenu>
+
+#include "ui/grid/grid_view.h"
+#include "ui/run/slot_guard.h"
+
+namespace vicenter::ui {
+
+// Helps that are on or off, as the user likes.
+void GridView::AddAids(QMenu& menu) {
+    const auto add = [&](const QString& text, center::EntryAid aid) {
+        QAction* action = menu.addAction(text);
+        action->setCheckable(true);
+        action->setChecked(GuardedOr(false, [&] { return actions_.IsOn(aid); }));
+        connect(action, &QAction::toggled, this, [this, aid](bool on) {
+            Guarded([&] { actions_.SetOn(aid, on); });
+            PaintProposals();
+        });
+    };
+    add(QStringLiteral("建议下一行的内容"), center::EntryAid::Proposals);
+}
+
+void GridView::contextMenuEvent(QContextMenuEvent* event) {
+    const center::CellSelection selection = Selected();
+    if (selection.IsEmpty()) return;
+    CommitOpenEditor();
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("gridMenu"));
+    const bool interactive = IsInteractive();
+    const auto add = [&menu, interactive](const QString& text, bool changes, auto&& run) {
+        QAction* action = menu.addAction(text);
+        action->setEnabled(interactive || !changes);
+        connect(action, &QAction::triggered, &menu, run);
+    };
+    int count = 0;
+    for (const center::RowRun& run : center::RowRuns(selection, model_.Grid()))
+        count += run.Count();
+    add(QStringLiteral("剪切\tCtrl+X"), true, [this] { CutSelection(); });
+    add(QStringLiteral("复制\tCtrl+C"), false, [this] { CopySelection(); });
+    add(QStringLiteral("粘贴\tCtrl+V"), true, [this] { Paste(); });
+    add(QStringLiteral("清除内容\tDelete"), true, [this] { ClearSelection(); });
+    menu.addSeparator();
+    add(QStringLiteral("向下填充\tCtrl+D"), true, [this] { FillDown(); });
+    add(QStringLiteral("复制分录\tCtrl+Shift+D"), true, [this] { DuplicateRows(); });
+    add((count > 1 ? QStringLiteral("插入 %1 行").arg(count) : QStringLiteral("插入行")) +
+            QStringLiteral("\tCtrl++"),
+        true, [this] { InsertRows(); });
+    add((count > 1 ? QStringLiteral("删除 %1 行").arg(count) : QStringLiteral("删除行")) +
+            QStringLiteral("\tCtrl+-"),
+        true, [this] { DeleteRows(); });
+    menu.addSeparator();
+    add(QStringLiteral("查看资料\tF7"), true, [this] { OpenLookUp(); });
+    menu.addSeparator();
+    AddAids(menu);
+    menu.exec(event->globalPos());
+}
+
+}  // namespace vicenter::ui
