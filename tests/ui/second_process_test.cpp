@@ -162,6 +162,29 @@ TEST_F(SecondProcessTest, WhatWasSavedComesHomeWhenTheWindowCloses) {
     EXPECT_EQ(MineInCopy(), 1);
 }
 
+// What somebody does who tidies up files that he does not know.
+TEST_F(SecondProcessTest, WhatIsDeletedBesideTheAccountSetCostsNothingThatWasSaved) {
+    SaveTemplate();
+    ClickCell(1, column::kExplanation);
+    Type("other");
+    Key(Qt::Key_Return);
+    ASSERT_GT(LogBytes(), 0U);
+    for (const char* end : {"-wal", "-shm"})
+        ASSERT_TRUE(fs::remove(system::PathFromUtf8(file + end)));
+    const std::string script = folder.Path("script.sql");
+    std::ofstream(script) << "create table t_Early(a int)\n";
+    host::test::RunningProgram early(VICENTER_PROGRAM, {"--account-set", file, "sql"}, script);
+    EXPECT_NE(early.Wait().code, 0);
+    // Whichever question of the window is first lets the lost log go, which brings it home.
+    ClickTool("mnuSave");
+    EXPECT_THAT(TakeMessages(), Contains(HasSubstr("保存成功")));
+    Close();
+    ado::CloseIdleAccountSets();
+    EXPECT_EQ(Number(Mine()), 0);
+    EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FExp = 'other'"), 1);
+    EXPECT_THAT(ado::FindAccountSetDamage(file), IsEmpty());
+}
+
 // Presses Cancel as soon as the panel is shown.
 class Impatient : public QObject {
   public:

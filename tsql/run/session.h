@@ -88,8 +88,8 @@ class Session {
     // Back to the state of a new session: open transactions are undone, temporary tables, cursors and
     // settings go.
     void Reset();
-    // The file has been moved, deleted, replaced or overwritten since it was opened; batches then end with
-    // error 5120.
+    // The file has been moved, deleted, replaced or overwritten since it was opened, or its log has; batches
+    // then end with error 5120.
     bool IsStale() const;
     // Brings what stands in the log into the set's own file, so that a copy of it is whole; nothing while
     // others are at work. True when all is home.

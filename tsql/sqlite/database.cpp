@@ -109,6 +109,12 @@ const char* TextOf(FileState state) {
             return "账套文件的内容已被其他程序覆盖，请重新打开账套";
         case FileState::kHeldAbroad:
             return "此处原来的账套文件仍在使用，请先关闭使用它的程序";
+        case FileState::kLogLost:
+            return "账套文件旁边的 -wal 或 -shm 文件已被删除或替换，请重新打开账套";
+        case FileState::kLogAbroad:
+            return "账套正在使用中，但使用时的名称不同（硬链接），或旁边的 -wal、-shm "
+                   "文件已被删除；请先关闭使用它"
+                   "的程序";
         case FileState::kSame:
             break;
     }

@@ -41,6 +41,8 @@ enum class FileState : int {
     kReplaced,     // another file stands in its place
     kOverwritten,  // its content is another, and no checkpoint has written it
     kHeldAbroad,   // others work on the file that stood in its place before
+    kLogLost,      // the log or its index was deleted or replaced beside it
+    kLogAbroad,    // others work on it with another log: by another name, or theirs was deleted
 };
 
 // A file control of the main file: fills in an int, a FileState. Not answered by SQLite's own file systems.

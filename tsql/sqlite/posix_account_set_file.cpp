@@ -25,6 +25,8 @@ constexpr std::int64_t kSharedBytes = 510;
 constexpr mode_t kPermissions = 0644;
 // How often a file that others seem to hold elsewhere is looked at again: they may just be leaving.
 constexpr int kLooks = 3;
+// How long others may take from the main file to its index on a machine that has much to do.
+constexpr std::chrono::seconds kInBetween(3);
 // Blocks of a file that are compared.
 constexpr std::int64_t kSamples = 32;
 constexpr std::int64_t kSampleBytes = 4096;
@@ -188,19 +190,81 @@ bool AccountSetFile::OthersWorkElsewhere() const {
     return true;
 }
 
+// Whoever holds the main file uses the index as well, but for the moment in between. When nobody else uses
+// this one, they have another, and with it another log: the file has two names, or the index was deleted
+// beside them.
+int AccountSetFile::FindPlace() {
+    if (OthersWorkElsewhere()) {
+        state_ = FileState::kHeldAbroad;
+        return SQLITE_CANTOPEN;
+    }
+    if (OthersLock(descriptor_, kSharedBegin, kSharedBytes) != LockKind::kNone && !index_.IsShared()) {
+        const auto now = std::chrono::steady_clock::now();
+        if (now - alone_.value_or(now) < kInBetween) {
+            if (!alone_) alone_ = now;
+            return SQLITE_BUSY;
+        }
+        state_ = FileState::kLogAbroad;
+        return SQLITE_CANTOPEN;
+    }
+    log_ = LogThere();
+    placed_ = true;
+    return SQLITE_OK;
+}
+
+// An index that others use tells how long their log is; a shorter one in its place is not theirs.
+bool AccountSetFile::IsLogComplete() const {
+    for (int look = 0; look < kLooks; ++look) {
+        const std::int64_t wanted = index_.LogBytes();
+        const std::optional<Log> there = LogThere();
+        if (wanted == 0 || (there && there->bytes >= wanted)) return true;
+    }
+    return false;
+}
+
 int AccountSetFile::MapIndex(int region, int bytes, bool extend, void volatile** memory) {
     *memory = nullptr;
     if (!index_.IsOpen()) {
+        placed_ = false;
+        alone_.reset();
         const int code = index_.Open();
         if (code != SQLITE_OK) return Failed(code);
-        if (OthersWorkElsewhere()) {
-            index_.Close(false);
-            state_ = FileState::kHeldAbroad;
-            return SQLITE_CANTOPEN;
-        }
+    }
+    const bool first = !placed_;
+    if (first) {
+        const int code = FindPlace();
+        if (code == SQLITE_CANTOPEN) index_.Close(false);
+        if (code != SQLITE_OK) return code;
     }
     const int code = index_.Map(region, bytes, extend, memory);
+    if (code == SQLITE_OK && first && region == 0 && !IsLogComplete()) {
+        *memory = nullptr;
+        index_.Close(false);
+        state_ = FileState::kLogAbroad;
+        return SQLITE_CANTOPEN;
+    }
     return (code & 0xFF) == SQLITE_IOERR ? Failed(code) : code;
+}
+
+std::optional<AccountSetFile::Log> AccountSetFile::LogThere() const {
+    struct stat log {};
+    if (stat((path_ + "-wal").c_str(), &log) != 0) return std::nullopt;
+    return Log{log.st_dev, log.st_ino, log.st_size};
+}
+
+bool AccountSetFile::IsLogLost() const {
+    if (!index_.IsOpen() || !placed_) return false;
+    if (!index_.IsInPlace()) return true;
+    if (!log_) return false;
+    const std::optional<Log> there = LogThere();
+    return !there || there->device != log_->device || there->number != log_->number;
+}
+
+// A log that was deleted goes home when the last connection closes, unless somebody has begun another since.
+bool AccountSetFile::LeavesLog() {
+    if (State() != FileState::kLogLost) return state_ != FileState::kSame;
+    const std::optional<Log> there = LogThere();
+    return there && there->bytes > 0;
 }
 
 AccountSetFile::Content AccountSetFile::Sampled() const {
@@ -258,6 +322,8 @@ FileState AccountSetFile::State() {
         state_ = FileState::kReplaced;
     } else if (OverwrittenSince(there)) {
         state_ = FileState::kOverwritten;
+    } else if (IsLogLost()) {
+        state_ = FileState::kLogLost;
     }
     return state_;
 }

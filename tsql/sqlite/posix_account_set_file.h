@@ -4,6 +4,7 @@
 // file that was opened. Used by one connection on one thread.
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -42,6 +43,8 @@ class AccountSetFile {
     WalIndex& Index() { return index_; }
 
     FileState State();
+    // Whether the log that stands beside the file is to be left as it is when the connection closes.
+    bool LeavesLog();
 
   private:
     // What tells one content of the file from another, as far as that can be told quickly.
@@ -56,7 +59,17 @@ class AccountSetFile {
         Content content;
     };
 
+    struct Log {
+        dev_t device = 0;
+        ino_t number = 0;
+        std::int64_t bytes = 0;
+    };
+
     bool OthersWorkElsewhere() const;
+    int FindPlace();
+    bool IsLogComplete() const;
+    std::optional<Log> LogThere() const;
+    bool IsLogLost() const;
     Content Sampled() const;
     bool OverwrittenSince(const struct stat& now);
     void PutLogAside();
@@ -69,6 +82,10 @@ class AccountSetFile {
     int level_ = 0;
     int lastError_ = 0;
     WalIndex index_;
+    bool placed_ = false;  // it has been seen that nobody works with another log
+    std::optional<std::chrono::steady_clock::time_point>
+        alone_;               // since when others were seen without an index
+    std::optional<Log> log_;  // the one that SQLite has opened
     FileState state_ = FileState::kSame;
     std::optional<Seen> seen_;
 };

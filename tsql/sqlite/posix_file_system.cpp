@@ -61,7 +61,7 @@ int Control(sqlite3_file* file, int operation, void* argument) {
         case SQLITE_FCNTL_HAS_MOVED:
             // Asked before the log is brought home at the end: not into a file of others.
             return Guarded([&] {
-                *static_cast<int*>(argument) = set.State() != FileState::kSame;
+                *static_cast<int*>(argument) = set.LeavesLog();
                 return SQLITE_OK;
             });
         case SQLITE_FCNTL_LOCKSTATE:

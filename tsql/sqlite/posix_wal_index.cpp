@@ -29,9 +29,15 @@ constexpr off_t kEmptyBytes = 3;
 constexpr std::int64_t kDiskPage = 4096;
 
 // Places in the header, in words of 32 bits.
+constexpr int kPageHalf = 7;  // of 16 bits
+constexpr int kFramesWord = 4;
 constexpr int kSaltWord = 8;
 constexpr int kFramesHomeWord = 24;
 constexpr int kFramesTriedWord = 32;
+
+// Of the log itself, in bytes.
+constexpr std::int64_t kLogHead = 32;
+constexpr std::int64_t kFrameHead = 24;
 
 constexpr mode_t kPermissions = 0777;
 constexpr mode_t kOwnerMayWrite = 0600;
@@ -103,6 +109,24 @@ int WalIndex::Attach() {
 
 bool WalIndex::IsShared() const {
     return OthersLock(descriptor_, kPresence, 1) != LockKind::kNone;
+}
+
+bool WalIndex::IsInPlace() const {
+    struct stat own {};
+    struct stat there {};
+    if (descriptor_ < 0 || fstat(descriptor_, &own) != 0) return true;
+    if (stat((path_ + "-shm").c_str(), &there) != 0) return errno != ENOENT && errno != ENOTDIR;
+    return own.st_dev == there.st_dev && own.st_ino == there.st_ino;
+}
+
+std::int64_t WalIndex::LogBytes() const {
+    if (maps_.empty()) return 0;
+    const auto* words = static_cast<const volatile std::uint32_t*>(maps_.front());
+    const auto* halves = static_cast<const volatile std::uint16_t*>(maps_.front());
+    const std::uint32_t frames = words[kFramesWord];
+    // A page of 65,536 bytes is told as one of 1.
+    const std::int64_t page = (halves[kPageHalf] & 0xFE00) + (halves[kPageHalf] & 1) * 0x10000;
+    return frames == 0 ? 0 : kLogHead + frames * (kFrameHead + page);
 }
 
 // A byte in every page, so that a full disk is told here and not by a signal when the memory is used.

@@ -24,6 +24,10 @@ class WalIndex {
     int Open();
     // Whether others have it open.
     bool IsShared() const;
+    // Whether the file that is open still stands in its place.
+    bool IsInPlace() const;
+    // How long the log must be for what the index tells of it; 0 where it tells nothing.
+    std::int64_t LogBytes() const;
 
     int Map(int region, int bytes, bool extend, void volatile** memory);
     int Lock(int offset, int count, int flags);

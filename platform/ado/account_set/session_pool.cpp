@@ -43,7 +43,7 @@ void SessionPool::Keep(const std::string& key, std::unique_ptr<tsql::engine::Ses
 }
 
 void SessionPool::Forget(const std::string& key) {
-    std::erase_if(idle_, [&](const Idle& idle) { return idle.key == key; });
+    std::erase_if(idle_, [&](const Idle& idle) { return idle.key == key || idle.session->IsStale(); });
 }
 
 void SessionPool::BringHome() {

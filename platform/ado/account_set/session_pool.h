@@ -26,6 +26,8 @@ class SessionPool {
     std::unique_ptr<tsql::engine::Session> Take(const std::string& key);
     // Puts a session back to its beginning and keeps it; the oldest one makes room.
     void Keep(const std::string& key, std::unique_ptr<tsql::engine::Session> session) noexcept;
+    // Those of a set whose file was lost, and all others that have lost theirs: while they are open they keep
+    // whoever opens it again away.
     void Forget(const std::string& key);
     // Brings what the kept sessions have written into their sets' own files.
     void BringHome();
