@@ -456,6 +456,8 @@ constexpr ErrorEntry kErrors[] = {
      "Error number %d in the THROW statement is outside the valid range. Specify an error number in the "
      "valid range of 50000 to 2147483647."},
     {40510, 16, kBatch, "Statement '%.*ls' is not supported by the embedded account set."},
+    {40515, 15, kBatch,
+     "Reference to database and/or server name in '%.*ls' is not supported by the embedded account set."},
     {50000, 16, kStatement, "%ls"},
 };
 

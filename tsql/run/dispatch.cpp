@@ -1,8 +1,12 @@
 // Which function runs a statement, and what it leaves in @@ROWCOUNT and @@ERROR.
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 #include <type_traits>
 
+#include "automation/object.h"
+#include "tsql/base/error_table.h"
 #include "tsql/run/executor.h"
 
 namespace vicenter::tsql::engine {
@@ -32,6 +36,18 @@ bool CountsRows(StatementKind kind) {
     }
 }
 
+// Whoever changes to another database means that one by what follows.
+void RefuseAnotherDatabase(const NoOperationStatement& statement) {
+    constexpr std::string_view kUse = "use";
+    if (statement.verb != kUse) return;
+    std::string_view name = std::string_view(statement.text).substr(kUse.size());
+    name.remove_prefix(std::min(name.find_first_not_of(" \t\r\n"), name.size()));
+    if (name.size() > 1 && (name.front() == '[' || name.front() == '"'))
+        name = name.substr(1, name.size() - 2);
+    if (!automation::SameName(name, "accountset"))
+        throw MakeError(911, statement.position, {std::string(name)});
+}
+
 }  // namespace
 
 struct Executor::Handler {
@@ -48,6 +64,11 @@ struct Executor::Handler {
     template <Flow Result>
     static Flow Only(Executor&, const Statement&) {
         return Result;
+    }
+
+    static Flow NoOperation(Executor&, const Statement& statement) {
+        RefuseAnotherDatabase(As<NoOperationStatement>(statement));
+        return Flow::kNext;
     }
 
     Flow (*run)(Executor& executor, const Statement& statement) = nullptr;
@@ -74,7 +95,7 @@ const Executor::Handler& Executor::HandlerOf(StatementKind kind) {
         {K::kCreateView, {Handler::With<&Executor::CreateView, CreateViewStatement>}},
         {K::kCreateProcedure, {Handler::With<&Executor::CreateProcedure, CreateProcedureStatement>}},
         {K::kDrop, {Handler::With<&Executor::Drop, DropStatement>}},
-        {K::kNoOperation, {Handler::Only<Flow::kNext>, After::kForgets}},
+        {K::kNoOperation, {Handler::NoOperation, After::kForgets}},
 
         {K::kDeclare, {Handler::With<&Executor::DeclareVariables, DeclareStatement>, After::kLeaves}},
         {K::kSetVariable, {Handler::With<&Executor::SetVariable, SetVariableStatement>}},

@@ -1,6 +1,7 @@
 // What INSERT, UPDATE and DELETE share: the change itself, its atomicity, its counts and its identity values.
 
 #include "tsql/run/executor.h"
+#include "tsql/run/row_limit.h"
 #include "tsql/run/statement_guard.h"
 
 namespace vicenter::tsql::engine {
@@ -66,6 +67,7 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
     } else if (translation.givesIdentity && table != nullptr) {
         KeepGivenIdentity(*table);
     }
+    CheckRowLimit(frame_->options.rowCountLimit, changed);
     guard.Release();
     CountRows(changed);
 }

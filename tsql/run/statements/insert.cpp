@@ -1,4 +1,5 @@
 #include "tsql/run/executor.h"
+#include "tsql/run/row_limit.h"
 
 namespace vicenter::tsql::engine {
 
@@ -63,6 +64,7 @@ void Executor::InsertRows(const void* key, const ObjectName& name, const std::ve
                           const std::vector<SqlType>& types, std::vector<std::vector<Value>>& rows) {
     const TableInfo* table = FindTable(name.Object());
     if (table == nullptr) throw MakeError(208, name.Where(), {name.Text()});
+    CheckRowLimit(frame_->options.rowCountLimit, static_cast<std::int64_t>(rows.size()));
     Plan& plan =
         PlanFor(key, [&](Translator& translator) { return translator.InsertRow(*table, columns, types); });
     std::int64_t count = 0;

@@ -2,6 +2,7 @@
 
 #include "automation/object.h"
 #include "tsql/run/executor.h"
+#include "tsql/run/row_limit.h"
 #include "tsql/run/statement_guard.h"
 #include "tsql/sqlite/stored_value.h"
 
@@ -34,9 +35,11 @@ void Executor::Merge(const MergeStatement& statement) {
         ApplyMerge(joined, changes);
         if (joined.translation.usesIdentity && !changes.inserted.empty()) KeepIdentity(*changes.table);
         if (joined.translation.givesIdentity && !changes.inserted.empty()) KeepGivenIdentity(*changes.table);
+        const auto changed = static_cast<std::int64_t>(changes.deleted.size() + changes.updated.size() +
+                                                       changes.anew.size() + changes.inserted.size());
+        CheckRowLimit(frame_->options.rowCountLimit, changed);
         guard.Release();
-        CountRows(static_cast<std::int64_t>(changes.deleted.size() + changes.updated.size() +
-                                            changes.anew.size() + changes.inserted.size()));
+        CountRows(changed);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "automation/object.h"
 #include "tsql/run/executor.h"
+#include "tsql/run/row_limit.h"
 #include "tsql/run/statement_guard.h"
 #include "tsql/sqlite/stored_value.h"
 
@@ -97,6 +98,7 @@ bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
             if (add.Step() == StepResult::kFailed) FailStep(plan);
             add.Reset();
         }
+        CheckRowLimit(frame_->options.rowCountLimit, static_cast<std::int64_t>(rows.size()));
         guard.Release();
         CountRows(static_cast<std::int64_t>(rows.size()));
     });

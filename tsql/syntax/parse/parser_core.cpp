@@ -16,6 +16,23 @@ std::string Shown(const Token& token) {
     return std::string(FirstCharacters(TokenValue(token), kLongestName));
 }
 
+bool IsOneOf(std::string_view lower, std::initializer_list<std::string_view> names) {
+    return std::find(names.begin(), names.end(), lower) != names.end();
+}
+
+// Whether the name is one of this database, which is all there is. What the server keeps in databases of its
+// own is here as well: temporary tables, its views and procedures.
+bool IsHere(const ObjectName& name) {
+    if (name.parts.size() == kMostNameParts && !name.parts.front().text.empty()) return false;
+    const std::string database = text::LowerAscii(name.Database());
+    if (database.empty() || database == "accountset") return true;
+    const std::string object = text::LowerAscii(name.Object());
+    if (database == "tempdb" && object.starts_with('#')) return true;
+    if (!IsOneOf(database, {"master", "tempdb", "model", "msdb"})) return false;
+    return IsOneOf(text::LowerAscii(name.Schema()), {"sys", "information_schema"}) ||
+           object.starts_with("sys") || object.starts_with("sp_") || object.starts_with("xp_");
+}
+
 }  // namespace
 
 Parser::Level::Level(Parser& parser) : parser_(parser) {
@@ -133,6 +150,7 @@ ObjectName Parser::TakeObjectName() {
     if (name.parts.size() > kMostNameParts) {
         throw MakeError(117, start, {"object", name.Text(), static_cast<int>(kMostNameParts) - 1});
     }
+    if (!IsHere(name)) throw MakeError(40515, start, {name.Text()});
     return name;
 }
 
