@@ -134,7 +134,9 @@ int WalIndex::Grow(std::int64_t bytes) {
     struct stat index {};
     if (fstat(descriptor_, &index) != 0) return SQLITE_IOERR_SHMSIZE;
     for (std::int64_t page = index.st_size / kDiskPage; page < bytes / kDiskPage; ++page) {
-        if (pwrite(descriptor_, "", 1, page * kDiskPage + kDiskPage - 1) != 1) return SQLITE_IOERR_SHMSIZE;
+        if (pwrite(descriptor_, "", 1, page * kDiskPage + kDiskPage - 1) == 1) continue;
+        const bool full = errno == ENOSPC || errno == EDQUOT || errno == EFBIG;
+        return full ? SQLITE_FULL : SQLITE_IOERR_SHMSIZE;
     }
     return SQLITE_OK;
 }

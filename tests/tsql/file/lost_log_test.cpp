@@ -2,6 +2,8 @@
 // Account sets whose log or index is deleted beside them while sessions work, and sets that are used under
 // two names at once: two logs for one file.
 
+#include <sys/resource.h>
+
 #include "tests/tsql/file/file_fixture.h"
 
 namespace vicenter::tsql::engine {
@@ -107,6 +109,22 @@ TEST_F(TwoLogsTest, One_file_is_used_under_one_name_at_a_time) {
     EXPECT_EQ(Stored(), (std::set<long>{1, 2, 200, 201}));
     session_.reset();
     EXPECT_EQ(Integrity(), "ok");
+}
+
+TEST_F(TwoLogsTest, An_index_that_finds_no_room_is_a_full_disk) {
+    MakeTable();
+    session_.reset();
+    struct rlimit before {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    struct rlimit small = before;
+    small.rlim_cur = 8192;
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const std::string told = WhyNotOpened(Path());
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+    signal(SIGXFSZ, handler);
+    EXPECT_EQ(told.substr(0, 10), "error 9002") << told;
+    EXPECT_EQ(Stored(), std::set<long>());
 }
 
 TEST_F(TwoLogsTest, A_link_is_the_file_that_it_leads_to) {
