@@ -127,15 +127,23 @@ std::optional<Decimal> Decimal::Parse(std::string_view text) {
         text.remove_prefix(1);
     }
     UInt128 magnitude = 0;
+    // The first digits, which are all of most numbers, need no 128 bits.
+    constexpr int kNarrowDigits = 18;
+    std::uint64_t narrow = 0;
+    int digits = 0;
     int scale = 0;
     bool point = false;
-    bool digits = false;
     for (const char c : text) {
         if (c == '.') {
             if (point) return std::nullopt;
             point = true;
         } else if (c >= '0' && c <= '9') {
-            digits = true;
+            if (digits++ < kNarrowDigits) {
+                narrow = narrow * 10 + static_cast<unsigned>(c - '0');
+                scale += point ? 1 : 0;
+                continue;
+            }
+            if (digits == kNarrowDigits + 1) magnitude = narrow;
             if (magnitude > (PowerOfTen(kMaxDigits) - 1) / 10) return std::nullopt;
             magnitude = magnitude * 10 + static_cast<unsigned>(c - '0');
             if (TooLarge(magnitude)) return std::nullopt;
@@ -144,8 +152,8 @@ std::optional<Decimal> Decimal::Parse(std::string_view text) {
             return std::nullopt;
         }
     }
-    if (!digits) return std::nullopt;
-    return FromParts(negative, magnitude, scale);
+    if (digits == 0) return std::nullopt;
+    return FromParts(negative, digits > kNarrowDigits ? magnitude : UInt128(narrow), scale);
 }
 
 Decimal Decimal::FromDouble(double value) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <functional>
 #include <optional>
 
@@ -119,15 +120,24 @@ void WriteHeader(SheetCells& cells) {
     }
 }
 
+// Digits behind the point of the shortest text that is this number.
+std::size_t DecimalsOf(double value) {
+    constexpr std::size_t kLongestDouble = 350;  // what has more is tiny
+    std::array<char, kLongestDouble> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
+    if (end.ec != std::errc()) return text.size();
+    const std::string_view digits(text.data(), static_cast<std::size_t>(end.ptr - text.data()));
+    const std::size_t point = digits.find('.');
+    return point == std::string_view::npos ? 0 : digits.size() - point - 1;
+}
+
 // Digits that the column's numbers show behind the point: as many as its most exact one has, so that the
 // points stand below each other.
 class ShownDecimals {
   public:
     void Take(std::size_t place, const Variant& value) {
         if (value.Type() != automation::VariantType::Double) return;
-        const std::string text = CanonicalNumber(value.ToDouble());
-        const std::size_t point = text.find('.');
-        if (point != std::string::npos) most_[place] = std::max(most_[place], text.size() - point - 1);
+        most_[place] = std::max(most_[place], DecimalsOf(value.ToDouble()));
     }
     // With thousands separators; amounts have two decimals at least, none has more than its column.
     std::string FormatOf(std::size_t place) const {

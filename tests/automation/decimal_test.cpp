@@ -36,6 +36,23 @@ TEST(Decimal, RefusesWhatIsNoPlainNumber) {
     EXPECT_TRUE(Decimal::Parse(std::string(38, '9')).has_value());
 }
 
+TEST(DecimalParse, KeepsEveryDigitWhereverThePointStands) {
+    const std::string digits = "98765432109876543210987654321098765432";
+    for (std::size_t length = 1; length <= digits.size(); ++length) {
+        const std::string whole = digits.substr(0, length);
+        EXPECT_EQ(Decimal::Parse(whole)->ToText(), whole);
+        EXPECT_EQ(Decimal::Parse("-000" + whole)->ToText(), "-" + whole);
+        for (std::size_t point = 1; point < length; ++point) {
+            const std::string text = whole.substr(0, point) + "." + whole.substr(point);
+            const auto value = Decimal::Parse(text);
+            ASSERT_TRUE(value.has_value()) << text;
+            EXPECT_EQ(value->ToText(), text);
+            EXPECT_EQ(value->Scale(), static_cast<int>(length - point));
+        }
+    }
+    EXPECT_EQ(Decimal::Parse(std::string(60, '0'))->ToText(), "0");
+}
+
 TEST(Decimal, NegativeZeroIsZero) {
     EXPECT_EQ(D("-0.00").ToText(), "0.00");
     EXPECT_FALSE(D("-0").IsNegative());
