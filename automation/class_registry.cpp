@@ -42,9 +42,14 @@ std::vector<std::string> ClassRegistry::ProgIds() const {
 
 ObjectRef ClassRegistry::Create(std::string_view progId) const {
     const auto found = classes_.find(progId);
-    if (found == classes_.end()) throw Error(error_number::kCannotCreateObject, {}, std::string(progId));
-    const Factory factory = found->second;  // the class may unregister itself while it is created
-    ObjectRef object = factory();
+    ObjectRef object;
+    if (found != classes_.end()) {
+        const Factory factory = found->second;  // the class may unregister itself while it is created
+        object = factory();
+    } else if (further_) {
+        const Source further = further_;
+        object = further(progId);
+    }
     if (!object) throw Error(error_number::kCannotCreateObject, {}, std::string(progId));
     return object;
 }

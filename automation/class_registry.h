@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "automation/object.h"
@@ -17,6 +18,8 @@ namespace vicenter::automation {
 class ClassRegistry {
   public:
     using Factory = std::function<ObjectRef()>;
+    // Gives no object for a ProgID that it does not know.
+    using Source = std::function<ObjectRef(std::string_view progId)>;
 
     // The registry that CreateObject() uses.
     static ClassRegistry& Process();
@@ -26,6 +29,8 @@ class ClassRegistry {
     void Unregister(std::string_view progId);
     bool IsRegistered(std::string_view progId) const;
     std::vector<std::string> ProgIds() const;
+    // Where ProgIDs are looked for that are not registered here: what the system has installed.
+    void LookFurtherIn(Source source) { further_ = std::move(source); }
     // Throws Error 429 when the ProgID is unknown or the factory gives no object; other errors of the factory
     // pass.
     ObjectRef Create(std::string_view progId) const;
@@ -39,21 +44,22 @@ class ClassRegistry {
         bool operator()(std::string_view a, std::string_view b) const;
     };
     std::map<std::string, Factory, NameLess> classes_;
+    Source further_;
 };
 
 class ClassRegistry::Restore {
   public:
-    explicit Restore(ClassRegistry& registry = Process()) : registry_(registry), saved_(registry.classes_) {}
+    explicit Restore(ClassRegistry& registry = Process()) : registry_(registry), saved_(registry) {}
     Restore(const Restore&) = delete;
     Restore& operator=(const Restore&) = delete;
-    ~Restore() { registry_.classes_ = std::move(saved_); }
+    ~Restore() { registry_ = std::move(saved_); }
 
   private:
     ClassRegistry& registry_;
-    decltype(ClassRegistry::classes_) saved_;
+    ClassRegistry saved_;
 };
 
-// Creates an object of the process's registry.
+// Creates an object of the process's registry, or of what it looks further in.
 ObjectRef CreateObject(std::string_view progId);
 
 }  // namespace vicenter::automation

@@ -1,5 +1,8 @@
 #include "automation/class_registry.h"
 
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "automation/member_table.h"
@@ -42,6 +45,23 @@ TEST(ClassRegistry, UnknownProgIdCannotBeCreated) {
             EXPECT_EQ(error.Source(), progId);
         }
     }
+}
+
+TEST(ClassRegistry, WhatIsNotRegisteredIsLookedForFurther) {
+    ClassRegistry registry;
+    registry.Register("Own", [] { return std::make_shared<Plain>(); });
+    std::vector<std::string> asked;
+    registry.LookFurtherIn([&](std::string_view progId) -> ObjectRef {
+        asked.emplace_back(progId);
+        return progId == "Installed" ? std::make_shared<Plain>() : nullptr;
+    });
+    EXPECT_EQ(registry.Create("Installed")->TypeName(), "Plain");
+    EXPECT_NE(registry.Create("Own"), nullptr);
+    EXPECT_THROW(registry.Create("Neither"), Error);
+    EXPECT_EQ(asked, (std::vector<std::string>{"Installed", "Neither"}));
+    EXPECT_FALSE(registry.IsRegistered("Installed"));
+    registry.LookFurtherIn(nullptr);
+    EXPECT_THROW(registry.Create("Installed"), Error);
 }
 
 TEST(ClassRegistry, LaterRegistrationReplacesAndUnregisterRemoves) {
