@@ -6,16 +6,11 @@
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "platform/system/files.h"
 #include "tests/host/demo_set.h"
-
-extern char** environ;
+#include "tests/host/program_run.h"
 
 namespace vicenter::center::test {
 
@@ -24,23 +19,9 @@ inline int RunProgram(const host::test::TestFolder& folder, const std::string& s
                       std::vector<std::string> arguments, const std::string& input = {}) {
     const std::string given = folder.Path("input.txt");
     std::ofstream(system::PathFromUtf8(given), std::ios::binary) << input;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, given.c_str(), O_RDONLY, 0);
-    const std::string said = folder.Path("output.txt");
-    posix_spawn_file_actions_addopen(&actions, 1, said.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_adddup2(&actions, 1, 2);
-    arguments.insert(arguments.begin(), {VICENTER_PROGRAM, "--account-set", set});
-    std::vector<char*> argv;
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    pid_t pid = 0;
-    EXPECT_EQ(0, posix_spawn(&pid, VICENTER_PROGRAM, &actions, nullptr, argv.data(), environ));
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    EXPECT_EQ(pid, waitpid(pid, &status, 0));
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    arguments.insert(arguments.begin(), {"--account-set", set});
+    host::test::RunningProgram program(VICENTER_PROGRAM, arguments, given, folder.Path("output.txt"));
+    return program.Wait().code;
 }
 
 // What it said last.

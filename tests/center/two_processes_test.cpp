@@ -1,10 +1,16 @@
 // A window on a real account set while the program works on the same set in a process of its own: what one
 // deletes, saves or creates never ends up in the other's template.
 
-#include <csignal>
 #include <functional>
 
 #include <gmock/gmock.h>
+
+#ifndef _WIN32
+#include <csignal>
+
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include "center/history/restore.h"
 #include "tests/center/other_process.h"
@@ -185,6 +191,7 @@ TEST_F(TwoProcesses, ASaveThatTheAccountSetRefusesKeepsWhatWasTyped) {
     EXPECT_EQ(Value("select FRemark from t_VchTemplateEntry where FID = 1 and FEntryID = 2"), "第二行");
 }
 
+#ifndef _WIN32  // where no process is a copy of another
 // --- a window whose process is killed
 
 // Runs work in a process of its own until it says so, and kills it there.
@@ -242,6 +249,7 @@ TEST(KilledWindow, LeavesADraftThatTheNextOneOffers) {
               "未保存");
     entry::SetCurrentUserId("");
 }
+#endif
 
 // Whoever chose a version in a list may be too late: another command has let it go meanwhile.
 TEST_F(TwoProcesses, AVersionThatIsGoneEmptiesNothing) {

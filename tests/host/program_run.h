@@ -17,13 +17,15 @@ struct HowItEnded {
 // Killed at the end of the scope at the latest.
 class RunningProgram {
   public:
-    // Reads that file as its input, nothing without one; its output is thrown away.
+    // Reads that file as its input, nothing without one; what it says goes to another, nowhere without one.
     RunningProgram(const std::string& program, const std::vector<std::string>& arguments,
-                   const std::string& input = {});
+                   const std::string& input = {}, const std::string& output = {});
     RunningProgram(RunningProgram&& other) noexcept;
     RunningProgram& operator=(RunningProgram&&) = delete;
     ~RunningProgram();
 
+    // Not ended yet.
+    bool Runs();
     // Without warning.
     void Kill();
     HowItEnded Wait();

@@ -16,12 +16,13 @@ namespace vicenter::host::test {
 const char* const kTemporaryFolderVariable = "TMPDIR";
 
 RunningProgram::RunningProgram(const std::string& program, const std::vector<std::string>& arguments,
-                               const std::string& input) {
+                               const std::string& input, const std::string& output) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 0, input.empty() ? "/dev/null" : input.c_str(), O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+    const std::string said = output.empty() ? "/dev/null" : output;
+    posix_spawn_file_actions_addopen(&actions, 1, said.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_adddup2(&actions, 1, 2);
     std::vector<std::string> words = arguments;
     words.insert(words.begin(), program);
     std::vector<char*> argv;
@@ -41,6 +42,12 @@ RunningProgram::~RunningProgram() {
     if (waited_) return;
     Kill();
     Wait();
+}
+
+bool RunningProgram::Runs() {
+    siginfo_t ended{};  // looked at, not taken: Wait() takes it
+    return !waited_ && waitid(P_PID, static_cast<id_t>(process_), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           ended.si_pid == 0;
 }
 
 void RunningProgram::Kill() {

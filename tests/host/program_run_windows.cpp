@@ -14,8 +14,9 @@ constexpr DWORD kKilled = 0xDEAD;
 
 HANDLE Inherited(const std::string& file, DWORD access) {
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    const DWORD way = access == GENERIC_WRITE && !file.empty() ? CREATE_ALWAYS : OPEN_EXISTING;
     return CreateFileW(file.empty() ? L"NUL" : system::os::WidePath(file).c_str(), access,
-                       FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, OPEN_EXISTING, 0, nullptr);
+                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inherited, way, 0, nullptr);
 }
 
 }  // namespace
@@ -23,7 +24,7 @@ HANDLE Inherited(const std::string& file, DWORD access) {
 const char* const kTemporaryFolderVariable = "TMP";
 
 RunningProgram::RunningProgram(const std::string& program, const std::vector<std::string>& arguments,
-                               const std::string& input) {
+                               const std::string& input, const std::string& output) {
     std::vector<std::string> words = arguments;
     words.insert(words.begin(), program);
     std::wstring line = system::os::CommandLine(words);
@@ -31,7 +32,7 @@ RunningProgram::RunningProgram(const std::string& program, const std::vector<std
     how.cb = sizeof how;
     how.dwFlags = STARTF_USESTDHANDLES;
     how.hStdInput = Inherited(input, GENERIC_READ);
-    how.hStdOutput = Inherited({}, GENERIC_WRITE);
+    how.hStdOutput = Inherited(output, GENERIC_WRITE);
     how.hStdError = how.hStdOutput;
     PROCESS_INFORMATION started{};
     EXPECT_TRUE(CreateProcessW(system::os::WidePath(program).c_str(), line.data(), nullptr, nullptr, TRUE, 0,
@@ -49,6 +50,10 @@ RunningProgram::~RunningProgram() {
     if (waited_) return;
     Kill();
     Wait();
+}
+
+bool RunningProgram::Runs() {
+    return !waited_ && WaitForSingleObject(reinterpret_cast<HANDLE>(process_), 0) == WAIT_TIMEOUT;
 }
 
 void RunningProgram::Kill() {

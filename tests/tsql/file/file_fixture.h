@@ -2,22 +2,19 @@
 
 // Account sets with a table t of numbers, and other processes that write into them.
 
-#include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <set>
+#include <sstream>
 #include <string>
-#include <vector>
+#include <utility>
 
-#include <fcntl.h>
-#include <spawn.h>
 #include <sqlite3.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
+#include "platform/system/files.h"
+#include "tests/host/program_run.h"
 #include "tests/tsql/engine_fixture.h"
-
-extern char** environ;
 
 namespace vicenter::tsql::engine {
 
@@ -25,47 +22,27 @@ namespace vicenter::tsql::engine {
 class OtherProcess {
   public:
     OtherProcess(const std::string& set, long first, long count, int timeout, std::string answers)
-        : answers_(std::move(answers)) {
-        std::vector<std::string> words = {SET_WRITER, set, std::to_string(first), std::to_string(count),
-                                          std::to_string(timeout)};
-        std::vector<char*> arguments;
-        for (std::string& word : words)
-            arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 1, answers_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        EXPECT_EQ(0, posix_spawn(&process_, SET_WRITER, &actions, nullptr, arguments.data(), environ));
-        posix_spawn_file_actions_destroy(&actions);
-    }
-    OtherProcess(const OtherProcess&) = delete;
-    OtherProcess& operator=(const OtherProcess&) = delete;
-    ~OtherProcess() { Wait(); }
+        : answers_(std::move(answers)),
+          program_(SET_WRITER, {set, std::to_string(first), std::to_string(count), std::to_string(timeout)},
+                   {}, answers_) {}
 
-    bool Runs() {
-        if (!ended_ && waitpid(process_, &status_, WNOHANG) == process_) ended_ = true;
-        return !ended_;
-    }
-    int Wait() {
-        if (!ended_) {
-            EXPECT_EQ(process_, waitpid(process_, &status_, 0));
-            ended_ = true;
-        }
-        return WIFEXITED(status_) ? WEXITSTATUS(status_) : -1;
-    }
+    bool Runs() { return program_.Runs(); }
+    void Kill() { program_.Kill(); }
+    // Its exit code, -1 when it was killed.
+    int Wait() { return program_.Wait().code; }
+    // The line that a kill has cut short counts for nothing.
     std::set<long> Acknowledged() const {
-        std::ifstream file(answers_);
+        std::ifstream file(system::PathFromUtf8(answers_));
         std::set<long> numbers;
-        for (long number = 0; file >> number;)
-            numbers.insert(number);
+        for (std::string line; std::getline(file, line) && !file.eof();) {
+            if (line.find_first_not_of("0123456789\r") == std::string::npos) numbers.insert(std::stol(line));
+        }
         return numbers;
     }
 
   private:
     std::string answers_;
-    pid_t process_ = 0;
-    bool ended_ = false;
-    int status_ = 0;
+    host::test::RunningProgram program_;
 };
 
 class SetFileTest : public EngineTest {
@@ -107,8 +84,7 @@ class SetFileTest : public EngineTest {
     // What a file dialog, a backup program's library or a virus scanner does.
     void OpenAndCloseAll() const {
         for (const char* end : {"", "-wal", "-shm"}) {
-            const int descriptor = open((Path() + end).c_str(), O_RDONLY | O_CLOEXEC);
-            if (descriptor >= 0) close(descriptor);
+            const std::ifstream file(system::PathFromUtf8(Path() + end));
         }
     }
     std::int64_t LogBytes() const {

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/tsql/file/file_fixture.h"
 #include "tsql/sqlite/file_system.h"
