@@ -32,8 +32,18 @@ if [ -f "$folder/complete" ]; then
   exit 0
 fi
 
+# One at a time; the second finds what the first has built. The folder is the same one every time, so that a compiler
+# cache knows the sources again.
 mkdir -p "$cache"
-work=$(mktemp -d "$cache/building.XXXXXX")
+exec 9> "$cache/building-$architecture.lock"
+flock 9
+if [ -f "$folder/complete" ]; then
+  echo "$folder"
+  exit 0
+fi
+work="$cache/building-$architecture"
+rm -rf "$work"
+mkdir "$work"
 trap 'rm -rf "$work"' EXIT
 prefix="$work/prefix"
 log="$cache/windows-$architecture.log"
@@ -70,12 +80,16 @@ fetch() {  # NAME VERSION; the newest one where the archive no longer has that
 }
 source_of() { find "$work" -maxdepth 1 -type d -name "$1-*" | head -n 1; }
 
+launcher=()
+if command -v ccache > /dev/null; then
+  launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+fi
 build() {  # NAME SOURCE [OPTION...]
   local name=$1 source=$2
   shift 2
   VICENTER_WINDOWS_LIBRARIES="$prefix" cmake -S "$source" -B "$work/build-$name" -G Ninja --toolchain "$toolchain" \
     -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_FLAGS_RELEASE="-O2 -DNDEBUG" -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" \
-    -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib "$@"
+    -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib "${launcher[@]}" "$@"
   cmake --build "$work/build-$name"
   cmake --install "$work/build-$name"
 }
