@@ -75,6 +75,22 @@ TEST_F(EngineStopTest, A_cancel_from_another_thread_ends_the_batch) {
     }
 }
 
+// Each of these searches would take minutes to its end.
+TEST_F(EngineStopTest, A_long_search_within_one_function_ends_too) {
+    ASSERT_EQ(Run("create table #long (a varchar(max), part varchar(max)) insert into #long "
+                  "values(replicate(cast('a' as varchar(max)), 6000000), "
+                  "replicate(cast('a' as varchar(max)), 1000000) + 'b')"),
+              "");
+    for (const std::string search :
+         {"charindex(part, a)", "patindex('%' + part + '%', a)", "len(replace(a, part, 'c'))",
+          "case when a like '%' + part + '%' then 1 end"}) {
+        const std::string query = "select " + search + " from #long";
+        ExpectCancelled(Stopped(query, AtOnce()), StopReason::kCancelled);
+        ExpectCancelled(Stopped("begin try " + query + " end try begin catch select 2 end catch", AtOnce()),
+                        StopReason::kCancelled);
+    }
+}
+
 TEST_F(EngineStopTest, A_cancel_while_nothing_runs_does_nothing) {
     MakeTable();
     First().Cancel();

@@ -106,6 +106,13 @@ TEST(EngineValueTest, Patterns_know_sets_ranges_negation_and_escapes) {
     EXPECT_TRUE(MatchesPattern(collation, "ab  ", "ab"));
     EXPECT_TRUE(MatchesPattern(collation, std::string(2000, 'a'), "%a%a%a%a%a%a%"));
     EXPECT_EQ(FindPattern(collation, "xx12", "%[0-9]%"), 3U);
+    EXPECT_EQ(FindPattern(collation, "axaby", "%a%b%"), 1U);
+    EXPECT_EQ(FindPattern(collation, "axxay", "%a%b%"), 0U);
+    EXPECT_EQ(FindPattern(collation, "aab", "%ab"), 2U);
+    EXPECT_EQ(FindPattern(collation, "aab  ", "%ab"), 2U);
+    EXPECT_EQ(FindPattern(collation, "aabc", "%ab"), 0U);
+    EXPECT_EQ(FindPattern(collation, "aab", "ab%"), 0U);
+    EXPECT_EQ(FindPattern(collation, "ab", "%"), 1U);
 }
 
 TEST(EngineValueTest, Lengths_count_utf16_units_and_never_cut_a_character) {

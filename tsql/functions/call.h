@@ -27,6 +27,11 @@ class FunctionCall {
 
     FunctionServices& Services() const { return services_; }
     const TextCollation& Collation() const { return *services_.collation; }
+    // Throws SqlError 3617 when the batch is to stop: for loops over long texts, every few thousand
+    // characters.
+    void CheckStop() const {
+        if (services_.stopping != nullptr) services_.stopping->Check();
+    }
     int Count() const { return count_; }
     bool IsNull(int i) const { return sqlite3_value_type(arguments_[i]) == SQLITE_NULL; }
     // The result stays NULL then.

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tsql/base/diagnostic.h"
+#include "tsql/base/interruption.h"
 #include "tsql/types/collation.h"
 #include "tsql/types/value.h"
 
@@ -22,6 +23,8 @@ namespace vicenter::tsql::engine {
 
 struct FunctionServices {
     const TextCollation* collation = nullptr;
+    // Asked within functions that may take long; none where nothing is stopped.
+    Interruption* stopping = nullptr;
     std::function<Value(std::string_view name, std::string_view type)> objectId;
     std::function<Value(std::string_view table, std::string_view column)> columnLength;
     // What the catalog says of an object or of a column of one, by its number; NULL where there is none.

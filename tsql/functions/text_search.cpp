@@ -15,8 +15,11 @@ namespace {
 // A text folded character by character, so that a place found in it is a place in the text.
 class FoldedText {
   public:
-    FoldedText(const TextCollation& collation, std::string_view text) {
+    // Stops with the batch, as its searches do.
+    FoldedText(const FunctionCall& call, std::string_view text) : call_(call) {
+        const TextCollation& collation = call.Collation();
         for (std::size_t at = 0; at < text.size();) {
+            if (starts_.size() % kCharactersPerCheck == 0) call.CheckStop();
             const std::size_t bytes = CharacterBytes(text, at);
             starts_.push_back(folded_.size());
             sources_.push_back(at);
@@ -36,7 +39,7 @@ class FoldedText {
     std::pair<std::size_t, std::size_t> Find(std::string_view foldedPart, std::size_t from) const {
         std::size_t at = starts_[Index(sources_, from)];
         for (;;) {
-            at = folded_.find(foldedPart, at);
+            at = FindFolded(foldedPart, at);
             if (at == std::string::npos) return {at, at};
             const auto first = std::lower_bound(starts_.begin(), starts_.end(), at);
             const auto last = std::lower_bound(starts_.begin(), starts_.end(), at + foldedPart.size());
@@ -49,11 +52,25 @@ class FoldedText {
     }
 
   private:
+    static constexpr std::size_t kCharactersPerCheck = 4096;
+
+    // Piece by piece; a place may lie across two of them.
+    std::size_t FindFolded(std::string_view part, std::size_t at) const {
+        const std::string_view all = folded_;
+        for (; at + part.size() <= all.size(); at += kCharactersPerCheck) {
+            call_.CheckStop();
+            const std::size_t found = all.substr(at, kCharactersPerCheck + part.size() - 1).find(part);
+            if (found != std::string_view::npos) return at + found;
+        }
+        return std::string_view::npos;
+    }
+
     static std::size_t Index(const std::vector<std::size_t>& places, std::size_t place) {
         return static_cast<std::size_t>(std::lower_bound(places.begin(), places.end(), place) -
                                         places.begin());
     }
 
+    const FunctionCall& call_;
     std::string folded_;
     std::vector<std::size_t> starts_;   // in folded_, per character
     std::vector<std::size_t> sources_;  // in the text, per character
@@ -63,25 +80,26 @@ void CharIndexFunction(FunctionCall& call) {
     if (call.AnyNull()) return;
     const std::string_view text = call.Text(1);
     const std::int64_t start = call.Count() > 2 ? std::max<std::int64_t>(call.Int(2), 1) : 1;
-    const std::string part = FoldedText(call.Collation(), call.Text(0)).Folded();
+    const std::string part = FoldedText(call, call.Text(0)).Folded();
     if (part.empty()) return call.Return(std::int64_t{0});
     const std::size_t from = text.size() - TailUnits(text, static_cast<std::size_t>(start - 1)).size();
-    const auto found = FoldedText(call.Collation(), text).Find(part, from);
+    const auto found = FoldedText(call, text).Find(part, from);
     if (found.first == std::string::npos) return call.Return(std::int64_t{0});
     call.Return(static_cast<std::int64_t>(UnitCount(text.substr(0, found.first))) + 1);
 }
 
 void PatIndexFunction(FunctionCall& call) {
     if (call.AnyNull()) return;
-    call.Return(static_cast<std::int64_t>(FindPattern(call.Collation(), call.Text(1), call.Text(0))));
+    call.Return(static_cast<std::int64_t>(
+        FindPattern(call.Collation(), call.Text(1), call.Text(0), call.Services().stopping)));
 }
 
 void ReplaceFunction(FunctionCall& call) {
     if (call.AnyNull()) return;
     const std::string_view text = call.Text(0);
-    const std::string part = FoldedText(call.Collation(), call.Text(1)).Folded();
+    const std::string part = FoldedText(call, call.Text(1)).Folded();
     if (part.empty()) return call.Return(text);
-    const FoldedText folded(call.Collation(), text);
+    const FoldedText folded(call, text);
     std::string result;
     std::size_t at = 0;
     for (;;) {
@@ -101,7 +119,8 @@ void LikeFunction(FunctionCall& call) {
     const std::string_view escape = call.Count() > 2 && !call.IsNull(2) ? call.Text(2) : std::string_view();
     if (!escape.empty() && CharacterBytes(escape, 0) != escape.size())
         throw MakeError(506, {}, {escape, "LIKE"});
-    const bool matches = MatchesPattern(call.Collation(), call.Text(0), call.Text(1), escape, Blanks);
+    const bool matches = MatchesPattern(call.Collation(), call.Text(0), call.Text(1), escape, Blanks,
+                                        call.Services().stopping);
     call.Return(std::int64_t{matches ? 1 : 0});
 }
 

@@ -13,6 +13,7 @@ class Session::Impl {
           catalog_(database_),
           executor_(database_, catalog_, services_, options_) {
         services_.collation = options_.collation;
+        services_.stopping = &database_.Stopping();
         database_.Open(options_.path, options_.create, options_.lockTimeoutMilliseconds, options_.fileSystem);
         database_.Allow(options_.plans);
         RegisterFunctions(database_.Handle(), services_);

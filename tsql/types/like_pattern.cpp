@@ -112,10 +112,12 @@ bool IsBlankFrom(const std::vector<std::string>& text, std::size_t at) {
                        [](const std::string& character) { return character == " "; });
 }
 
-bool Matches(const TextCollation& collation, const std::vector<std::string>& text,
-             const std::vector<Element>& pattern, TrailingBlanks blanks) {
+enum class Match : std::uint8_t { kHere, kNotHere, kNowhereBehind };
+
+// From one character of the text on. Where a part behind a % is not to be found, no later beginning finds it.
+Match MatchFrom(const TextCollation& collation, const std::vector<std::string>& text, std::size_t at,
+                const std::vector<Element>& pattern, TrailingBlanks blanks, Interruption* stopping) {
     // One point to return to is enough: a later % makes every earlier one final.
-    std::size_t at = 0;
     std::size_t in = 0;
     std::size_t retryIn = 0;
     std::size_t retryAt = 0;
@@ -129,38 +131,43 @@ bool Matches(const TextCollation& collation, const std::vector<std::string>& tex
             ++in;
             ++at;
         } else if (in == pattern.size() && blanks == TrailingBlanks::kIgnored && IsBlankFrom(text, at)) {
-            return true;
+            return Match::kHere;
         } else if (canRetry) {
             in = retryIn;
             at = ++retryAt;
+            if (stopping != nullptr) stopping->Check();
         } else {
-            return false;
+            return Match::kNotHere;
         }
     }
     while (in < pattern.size() && pattern[in].kind == Element::kMany)
         ++in;
-    return in == pattern.size();
+    if (in == pattern.size()) return Match::kHere;
+    return canRetry ? Match::kNowhereBehind : Match::kNotHere;
 }
 
 }  // namespace
 
 bool MatchesPattern(const TextCollation& collation, std::string_view text, std::string_view pattern,
-                    std::string_view escape, TrailingBlanks blanks) {
-    return Matches(collation, Characters(collation.Fold(text)),
-                   Compile(collation, pattern, collation.Fold(escape)), blanks);
+                    std::string_view escape, TrailingBlanks blanks, Interruption* stopping) {
+    return MatchFrom(collation, Characters(collation.Fold(text)), 0,
+                     Compile(collation, pattern, collation.Fold(escape)), blanks, stopping) == Match::kHere;
 }
 
-std::size_t FindPattern(const TextCollation& collation, std::string_view text, std::string_view pattern) {
+std::size_t FindPattern(const TextCollation& collation, std::string_view text, std::string_view pattern,
+                        Interruption* stopping) {
     const std::vector<std::string> characters = Characters(collation.Fold(text));
     std::vector<Element> elements = Compile(collation, pattern, {});
     const bool fromAnywhere = !elements.empty() && elements.front().kind == Element::kMany;
     while (!elements.empty() && elements.front().kind == Element::kMany)
         elements.erase(elements.begin());
+    if (fromAnywhere && elements.empty()) return 1;
     for (std::size_t start = 0; start <= characters.size(); ++start) {
-        const std::vector<std::string> rest(characters.begin() + static_cast<std::ptrdiff_t>(start),
-                                            characters.end());
-        if (Matches(collation, rest, elements, TrailingBlanks::kIgnored)) return start + 1;
-        if (!fromAnywhere) break;
+        if (stopping != nullptr) stopping->Check();
+        const Match match =
+            MatchFrom(collation, characters, start, elements, TrailingBlanks::kIgnored, stopping);
+        if (match == Match::kHere) return start + 1;
+        if (!fromAnywhere || match == Match::kNowhereBehind) break;
     }
     return 0;
 }
