@@ -55,7 +55,8 @@ void AppendClearing(std::string& batch, const std::string& templateId) {
 }
 
 // Answers the version's id as FHistoryID; no row where nothing is kept.
-std::string KeepBatch(const std::string& templateId, HistoryCommand command, const std::string& userId) {
+std::string KeepBatch(const std::string& templateId, HistoryCommand command, const std::string& userId,
+                      const std::string& time) {
     const std::string ofTemplate = " where FID = " + templateId;
     std::string batch;
     AppendLine(batch, std::string(kIfKept) + " and exists(select 1 from t_VchTemplate" + ofTemplate + ")");
@@ -64,9 +65,9 @@ std::string KeepBatch(const std::string& templateId, HistoryCommand command, con
     AppendLine(batch,
                "insert into t_VchTpHistory(FID,FName,FOwnerID,FCommand,FKeptBy,FKeptAt,FLines) select "
                "FID,FName,FUserID," +
-                   std::to_string(static_cast<std::int32_t>(command)) + "," + userId +
-                   ",GetDate(),(select count(*) from t_VchTemplateEntry" + ofTemplate +
-                   ") from t_VchTemplate" + ofTemplate);
+                   std::to_string(static_cast<std::int32_t>(command)) + "," + userId + "," + time +
+                   ",(select count(*) from t_VchTemplateEntry" + ofTemplate + ") from t_VchTemplate" +
+                   ofTemplate);
     AppendLine(batch, "select @kept = scope_identity()");
     AppendLine(batch, "insert into t_VchTpHistoryEntry(FHistoryID,FEntryID" + LineFields() +
                           ") select @kept,FEntryID" + LineFields() + " from t_VchTemplateEntry" + ofTemplate);
@@ -157,12 +158,19 @@ std::string CommandText(HistoryCommand command) {
             return "删除";
         case HistoryCommand::Restore:
             return "恢复";
+        case HistoryCommand::Replace:
+            return "替换";
     }
     return {};
 }
 
-KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command) : templateId_(templateId) {
-    const ado::RecordsetRef kept = GetRecordset(KeepBatch(templateId, command, entry::CurrentUserId()));
+KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command, const KeptVersion* together)
+    : templateId_(templateId) {
+    const std::string time =
+        together == nullptr || together->id_.empty()
+            ? "GetDate()"
+            : "(select FKeptAt from t_VchTpHistory where FHistoryID = " + together->id_ + ")";
+    const ado::RecordsetRef kept = GetRecordset(KeepBatch(templateId, command, entry::CurrentUserId(), time));
     try {
         if (kept == nullptr) throw Error(automation::error_number::kObjectVariableNotSet);
         if (kept->ColumnCount() > 0 && !kept->AtEnd()) id_ = kept->Value("FHistoryID").ToText();
@@ -172,13 +180,9 @@ KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command) 
 }
 
 KeptVersion::~KeptVersion() {
-    if (id_.empty()) return;
+    if (id_.empty() || stays_) return;
     // If not, it stays, the same as what is there: no harm but in the list.
     automation::Quietly([this] { GetRecordset(GiveUpBatch(templateId_, id_)); });
-}
-
-void KeptVersion::Stay() {
-    id_.clear();
 }
 
 History ReadHistory(const std::string& templateId) {
@@ -194,6 +198,15 @@ History ReadHistory(const std::string& templateId) {
 History ReadDeleted(const std::string& userId) {
     return Read("h.FCommand = " + std::to_string(static_cast<std::int32_t>(HistoryCommand::Delete)) +
                 " and h.FOwnerID = " + userId);
+}
+
+History ReadLastReplacement(const std::string& userId) {
+    const auto replaced = [&](const std::string& table) {
+        return table + "FCommand = " + std::to_string(static_cast<std::int32_t>(HistoryCommand::Replace)) +
+               " and " + table + "FKeptBy = " + userId;
+    };
+    return Read(replaced("h.") + " and h.FKeptAt = (select top 1 FKeptAt from t_VchTpHistory where " +
+                replaced("") + " order by FHistoryID desc)");
 }
 
 ado::RecordsetRef ReadVersionLines(const std::string& versionId) {

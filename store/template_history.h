@@ -22,7 +22,8 @@ enum class HistoryCommand : std::int32_t {
     Generate = 3,
     Rename = 4,
     Delete = 5,
-    Restore = 6
+    Restore = 6,
+    Replace = 7  // codes, in many templates at once
 };
 // For users; empty for a number that is none of ours.
 std::string CommandText(HistoryCommand command);
@@ -33,18 +34,21 @@ std::string CommandText(HistoryCommand command);
 // stays.
 class KeptVersion {
   public:
-    // The current user gives the command. A template that is not there has no version.
-    KeptVersion(const std::string& templateId, HistoryCommand command);
+    // The current user gives the command. A template that is not there has no version. together: a version
+    // that was kept for the same command of another template; what the command wrote at once is known by its
+    // time.
+    KeptVersion(const std::string& templateId, HistoryCommand command, const KeptVersion* together = nullptr);
     KeptVersion(const KeptVersion&) = delete;
     KeptVersion& operator=(const KeptVersion&) = delete;
     ~KeptVersion();
 
     // The command has written: the version is history.
-    void Stay();
+    void Stay() { stays_ = true; }
 
   private:
     std::string templateId_;
-    std::string id_;  // empty: nothing to give up
+    std::string id_;  // empty: none
+    bool stays_ = false;
 };
 
 struct HistoryVersion {
@@ -74,6 +78,9 @@ History ReadHistory(const std::string& templateId);
 // The last version of every template that the user's own commands or others have deleted, as long as it is
 // kept: the user's own ones.
 History ReadDeleted(const std::string& userId);
+
+// The versions of all templates that the user's last replacement of codes wrote to.
+History ReadLastReplacement(const std::string& userId);
 
 // All columns of its lines, ordered as a template's are; no recordset on an error.
 ado::RecordsetRef ReadVersionLines(const std::string& versionId);

@@ -146,6 +146,21 @@ TEST_F(HistoryTest, DeletedTemplatesAreTheUsersOwn) {
               std::string::npos);
 }
 
+TEST_F(HistoryTest, WhatOneReplacementWroteToIsKnownByItsTime) {
+    const KeptVersion first("5", HistoryCommand::Replace);
+    EXPECT_NE(set_.LastStatement().find(",7,16394,GetDate(),"), std::string::npos);
+    const KeptVersion second("6", HistoryCommand::Replace, &first);
+    EXPECT_NE(
+        set_.LastStatement().find(",7,16394,(select FKeptAt from t_VchTpHistory where FHistoryID = 41),"),
+        std::string::npos);
+    AnswerVersions({{44, 7}, {43, 7}});
+    EXPECT_EQ(Ids(ReadLastReplacement("16394")), "44,43");
+    EXPECT_NE(set_.LastStatement().find(
+                  "where h.FCommand = 7 and h.FKeptBy = 16394 and h.FKeptAt = (select top 1 FKeptAt from "
+                  "t_VchTpHistory where FCommand = 7 and FKeptBy = 16394 order by FHistoryID desc) order by"),
+              std::string::npos);
+}
+
 TEST_F(HistoryTest, NoTablesAndNoAnswerAreToldApart) {
     set_.Answer("from t_VchTpHistory h", Rows({}));
     EXPECT_EQ(ReadHistory("5").state, History::State::Off);
@@ -215,9 +230,9 @@ TEST_F(HistoryTest, AVersionBecomesATemplateOfItsOwn) {
 
 TEST_F(HistoryTest, EveryCommandHasAName) {
     std::string names;
-    for (int command = 0; command <= 7; ++command)
+    for (int command = 0; command <= 8; ++command)
         names += CommandText(static_cast<HistoryCommand>(command)) + ",";
-    EXPECT_EQ(names, ",保存,引入,生成,改名,删除,恢复,,");
+    EXPECT_EQ(names, ",保存,引入,生成,改名,删除,恢复,替换,,");
 }
 
 }  // namespace
