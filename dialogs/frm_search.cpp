@@ -27,6 +27,10 @@ bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
+bool IsEmpty(const SearchFields& filter) {
+    return filter.txtExp.empty() && filter.txtAcct.empty() && filter.txtBZ.empty();
+}
+
 // No object for a value that is none, and for the object that is not there.
 automation::ObjectRef ObjectOrNone(const Variant& value) {
     const auto* object = std::get_if<automation::ObjectRef>(&value.Raw());
@@ -61,14 +65,31 @@ bool FrmSearch::Matches(std::int32_t row, const SearchFields& filter) {
     return filter.txtBZ.empty() || Contains(CellText(row, column::kRemark), filter.txtBZ);
 }
 
+SearchFields FrmSearch::Filter() const {
+    const SearchFields fields = view_->Fields();
+    return {Trimmed(fields.txtExp), Trimmed(fields.txtAcct), Trimmed(fields.txtBZ)};
+}
+
+std::int32_t FrmSearch::HitCount() {
+    const SearchFields filter = Filter();
+    if (IsEmpty(filter)) return 0;
+    const Variant row = grid_->Get("Row");
+    const Variant column = grid_->Get("Col");
+    std::int32_t count = 0;
+    for (std::int32_t r = 1; r <= entryCount_; ++r)
+        count += Matches(r, filter) ? 1 : 0;
+    grid_->Put("Row", row);
+    grid_->Put("Col", column);
+    return count;
+}
+
 void FrmSearch::cmdOK_Click() {
     if (entryCount_ < 1) {
         Tell("当前模板没有可查找的模板信息！");
         return;
     }
-    SearchFields filter = view_->Fields();
-    filter = {Trimmed(filter.txtExp), Trimmed(filter.txtAcct), Trimmed(filter.txtBZ)};
-    if (filter.txtExp.empty() && filter.txtAcct.empty() && filter.txtBZ.empty()) {
+    const SearchFields filter = Filter();
+    if (IsEmpty(filter)) {
         Tell("请输入过滤信息！");
         return;
     }

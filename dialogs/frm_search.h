@@ -40,8 +40,12 @@ class FrmSearch {
     void cmdCancel_Click();
 
     std::int32_t LastRow() const { return lastRow_; }
+    // How many lines fit what stands in the boxes; 0 while nothing does. Moves nothing.
+    std::int32_t HitCount();
 
   private:
+    // The texts of the boxes as they are searched for.
+    SearchFields Filter() const;
     bool Matches(std::int32_t row, const SearchFields& filter);
     std::string CellText(std::int32_t row, std::int32_t column);
 

@@ -228,6 +228,22 @@ TEST_F(FrmSearchTest, LoadingForgetsTheLastSearch) {
     EXPECT_EQ(Find(), 2);
 }
 
+TEST_F(FrmSearchTest, CountsTheLinesThatFitAndMovesNothing) {
+    EXPECT_EQ(dialog_.HitCount(), 0);
+    view_.fields = {"", "", "合同甲"};
+    Find();
+    grid_->Put("Row", 3);
+    grid_->Put("Col", 7);
+    EXPECT_EQ(dialog_.HitCount(), 2);
+    EXPECT_EQ(grid_->Get("Row").ToInt32(), 3);
+    EXPECT_EQ(grid_->Get("Col").ToInt32(), 7);
+    EXPECT_EQ(dialog_.LastRow(), 2);
+    view_.fields = {" 支付 ", "1002.02", ""};
+    EXPECT_EQ(dialog_.HitCount(), 1);
+    dialog_.SetEntryCount(2);
+    EXPECT_EQ(dialog_.HitCount(), 0);
+}
+
 TEST_F(FrmSearchTest, SearchingChangesNoText) {
     const std::string before(grid_->Text(2, 2));
     view_.fields.txtExp = "支付";

@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QClipboard>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -53,6 +54,9 @@ TEST_F(DialogTest, FindGoesFromMatchToMatchByEnterAndStaysOpen) {
     EXPECT_EQ(grid->ActiveCell(), (center::CellAddress{3, 1}));
     EXPECT_NE(grid->Look(3, 5).backColor, center::color::kWhite);
     EXPECT_EQ(grid->Look(1, 5).backColor, center::color::kWhite);
+    EXPECT_EQ(dialog.findChild<QLabel*>("lblHits")->text(), "共 2 条");
+    QTest::keyClicks(dialog.findChild<QLineEdit*>("txtExp"), "?");
+    EXPECT_EQ(dialog.findChild<QLabel*>("lblHits")->text(), "");
     EXPECT_TRUE(dialog.isVisible());
     Press(dialog, "cmdCancel");
     EXPECT_FALSE(dialog.isVisible());

@@ -1,7 +1,6 @@
 #include "ui/dialogs/find_dialog.h"
 
 #include <QGridLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QToolButton>
@@ -24,7 +23,8 @@ FindDialog::FindDialog(dialogs::FrmSearch& search, std::function<QRect()> foundR
       foundRow_(std::move(foundRow)),
       txtExp_(new QLineEdit(this)),
       txtAcct_(new QLineEdit(this)),
-      txtBZ_(new QLineEdit(this)) {
+      txtBZ_(new QLineEdit(this)),
+      hits_(new QLabel(this)) {
     setObjectName(QStringLiteral("FrmSearch"));
     setWindowTitle(QStringLiteral("查找"));
     txtExp_->setObjectName(QStringLiteral("txtExp"));
@@ -52,10 +52,14 @@ FindDialog::FindDialog(dialogs::FrmSearch& search, std::function<QRect()> foundR
         new SingleLine(*box);
         grid->addWidget(label, row, 0);
         grid->addWidget(box, row, 1);
+        // How many there are is told once they have been looked for.
+        connect(box, &QLineEdit::textChanged, hits_, &QLabel::clear);
     };
     addRow(0, QStringLiteral("摘要(&E)："), txtExp_);
     addRow(1, QStringLiteral("科目(&A)："), txtAcct_);
     addRow(2, QStringLiteral("备注(&B)："), txtBZ_);
+    hits_->setObjectName(QStringLiteral("lblHits"));
+    grid->addWidget(hits_, 2, 3, Qt::AlignCenter);
     grid->addWidget(account, 1, 2);
     grid->addWidget(next, 0, 3);
     grid->addWidget(cancel, 1, 3);
@@ -87,7 +91,14 @@ void FindDialog::Unload() {
 
 void FindDialog::FindNext() {
     Guarded([this] { search_.cmdOK_Click(); });
+    ShowHits();
     KeepOffFoundRow();
+}
+
+void FindDialog::ShowHits() {
+    if (!hits_->text().isEmpty()) return;  // as they were counted
+    const std::int32_t count = GuardedOr(std::int32_t{0}, [this] { return search_.HitCount(); });
+    if (count > 0) hits_->setText(QStringLiteral("共 %1 条").arg(count));
 }
 
 void FindDialog::KeepOffFoundRow() {

@@ -3,6 +3,7 @@
 // The window of FrmSearch: three boxes and find next. Modal, lives for one use. User-interface thread only.
 
 #include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <functional>
 
@@ -23,6 +24,7 @@ class FindDialog : public QDialog, private dialogs::FrmSearchView {
     void Unload() override;
 
     void FindNext();
+    void ShowHits();
     void KeepOffFoundRow();
 
     dialogs::FrmSearch& search_;
@@ -30,6 +32,7 @@ class FindDialog : public QDialog, private dialogs::FrmSearchView {
     QLineEdit* txtExp_;
     QLineEdit* txtAcct_;
     QLineEdit* txtBZ_;
+    QLabel* hits_;
 };
 
 }  // namespace vicenter::ui
