@@ -1,16 +1,14 @@
 #include "center/history/restore.h"
 
 #include "center/frame/window_state.h"
+#include "center/template/new_name.h"
 #include "center/template/template_fate.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
-#include "platform/system/collation.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/statements.h"
 #include "store/template_guard.h"
-#include "store/template_name.h"
-#include "store/template_rows.h"
 
 namespace vicenter::center {
 
@@ -30,16 +28,6 @@ store::TemplateOutcome TellFailed(const std::string& name, State state) {
     Tell("模板 " + name + " 恢复失败！");
     entry::WriteOperationLog(LogKind::Failed, "凭证模板-恢复模板 " + name + " 失败");
     return {state};
-}
-
-// Why the user can have no new template of that name; empty when there is no reason.
-std::string WhyNotTheUsers(const std::string& name, const std::string& userId) {
-    if (std::string why = store::WhyNotName(name); !why.empty()) return why;
-    constexpr const char* kDuplicate = "模板名称不允许重复，恢复失败！";
-    if (system::Collator::Chinese().Compare(name, store::kStandardTemplateName) == 0) return kDuplicate;
-    const std::optional<bool> taken = store::UserHasTemplate(name, userId);
-    if (!taken) return "模板 " + name + " 恢复失败！";
-    return *taken ? kDuplicate : std::string();
 }
 
 }  // namespace
@@ -66,27 +54,14 @@ store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const s
 }
 
 std::optional<std::string> NameForRestored(const std::string& versionName, const std::string& userId) {
-    for (int number = 0;; ++number) {
-        const std::string behind =
-            number == 0 ? std::string()
-                        : "(恢复" + (number == 1 ? std::string() : std::to_string(number)) + ")";
-        const std::size_t room = store::kLongestTemplateName - system::CodeUnitCount(behind);
-        std::string_view head = system::Head(versionName, room);
-        while (system::CodeUnitCount(head) > room)
-            head = system::Head(head, system::CharacterCount(head) - 1);
-        const std::string name = std::string(head) + behind;
-        if (system::Collator::Chinese().Compare(name, store::kStandardTemplateName) == 0) continue;
-        const std::optional<bool> taken = store::UserHasTemplate(name, userId);
-        if (!taken) return std::nullopt;
-        if (!*taken) return name;
-    }
+    return FreeName(versionName, "恢复", userId);
 }
 
 store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const std::string& wished,
                                     const std::string& userId) {
     // As the batch writes it.
     const std::string name(system::TrimBlanks(wished));
-    if (const std::string why = WhyNotTheUsers(name, userId); !why.empty()) {
+    if (const std::string why = WhyNotNewName(name, userId, "恢复失败！"); !why.empty()) {
         Tell(why);
         return {};
     }
