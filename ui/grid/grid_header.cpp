@@ -1,10 +1,12 @@
 #include "ui/grid/grid_header.h"
 
+#include <QApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
 #include <algorithm>
+#include <cstdlib>
 
 #include "ui/look/center_style.h"
 
@@ -69,12 +71,42 @@ bool GridHeader::viewportEvent(QEvent* event) {
 
 void GridHeader::mousePressEvent(QMouseEvent* event) {
     pressed_ = true;
+    held_.reset();
+    const bool plain = event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier;
+    if (plain && pullable_ && pullable_(logicalIndexAt(event->pos()))) {
+        held_ = event->pos();
+        event->accept();
+        return;
+    }
     QHeaderView::mousePressEvent(event);
 }
 
+void GridHeader::mouseMoveEvent(QMouseEvent* event) {
+    if (held_) {
+        const QPoint way = event->pos() - *held_;
+        if (std::abs(way.x()) >= QApplication::startDragDistance()) {
+            held_.reset();
+            pressed_ = false;
+            emit pulledOut();
+            return;
+        }
+        if (logicalIndexAt(event->pos()) == logicalIndexAt(*held_)) return;
+        PressAfterAll();
+    }
+    QHeaderView::mouseMoveEvent(event);
+}
+
 void GridHeader::mouseReleaseEvent(QMouseEvent* event) {
+    if (held_) PressAfterAll();
     QHeaderView::mouseReleaseEvent(event);
     pressed_ = false;
+}
+
+void GridHeader::PressAfterAll() {
+    const QPoint at = *std::exchange(held_, std::nullopt);
+    QMouseEvent press(QEvent::MouseButtonPress, at, viewport()->mapToGlobal(at), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QHeaderView::mousePressEvent(&press);
 }
 
 QSize GridHeader::sizeHint() const {

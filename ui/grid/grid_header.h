@@ -4,6 +4,9 @@
 // Owned by the grid view. User-interface thread only.
 
 #include <QHeaderView>
+#include <functional>
+#include <optional>
+#include <utility>
 
 namespace vicenter::ui {
 
@@ -20,6 +23,12 @@ class GridHeader : public QHeaderView {
     bool IsPressed() const { return pressed_; }
     // The mouse is elsewhere by now: a message may have swallowed its release.
     void EndPress() { pressed_ = false; }
+    // Which sections are selected as they stand: pressed and pulled out of the header they are dragged away,
+    // and a press alone leaves them.
+    void SetPullable(std::function<bool(int section)> pullable) { pullable_ = std::move(pullable); }
+
+  signals:
+    void pulledOut();
 
   protected:
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
@@ -27,11 +36,17 @@ class GridHeader : public QHeaderView {
     // Names a column that is too narrow for its header.
     bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
   private:
+    // The press that was held back is one after all.
+    void PressAfterAll();
+
     int activeSection_ = -1;
     bool pressed_ = false;
+    std::function<bool(int section)> pullable_;
+    std::optional<QPoint> held_;  // where selected sections were pressed, not yet a press
 };
 
 }  // namespace vicenter::ui

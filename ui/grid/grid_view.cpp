@@ -50,6 +50,12 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
     setHorizontalHeader(columnHeader_);
     setVerticalHeader(rowHeader_);
     rowHeader_->setSectionResizeMode(QHeaderView::Fixed);
+    rowHeader_->SetPullable([this](int section) {
+        const center::CellSelection selection = Selected();
+        return selection.wholeRows &&
+               selectionModel()->isSelected(model_.index(section, FirstVisibleColumn()));
+    });
+    connect(rowHeader_, &GridHeader::pulledOut, this, &GridView::rowsPulledOut);
     columnHeader_->setMinimumSectionSize(kMinimumColumnWidth);
     setItemDelegate(new CellDelegate(*this));
     setWordWrap(false);

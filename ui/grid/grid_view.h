@@ -52,6 +52,8 @@ class GridView : public QTableView {
     QRect CellRectIn(const center::CellAddress& cell, const QWidget& ancestor) const;
 
     bool CopySelection();  // false when it cannot be copied
+    // What a copy of the selection is for other windows and programs; the caller's. None when there is none.
+    QMimeData* CopiedSelection();
     void CutSelection();
     void Paste();
 
@@ -63,6 +65,7 @@ class GridView : public QTableView {
     void textRefused(const QString& reason);
     void textTaken();  // typing goes on
     void editingChanged(bool editing);
+    void rowsPulledOut();       // whole rows are dragged to somewhere else
     void itemPanelRequested();  // F4 on the items column
     void contentsMoved();  // scrolled, or columns and rows changed: whatever lies over a cell must follow
 

@@ -13,6 +13,7 @@
 #include "ui/grid/cell_editor.h"
 #include "ui/grid/grid_view.h"
 #include "ui/grid/key_codes.h"
+#include "ui/grid/rows_format.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -23,11 +24,6 @@ namespace key_code = center::key_code;
 namespace {
 
 constexpr int kListPage = 8;
-
-// Whole rows on the clipboard, for windows of this process: ids of another account set would mean others.
-QString RowsFormat() {
-    return QStringLiteral("application/x-vicenter-rows;pid=%1").arg(QCoreApplication::applicationPid());
-}
 
 bool IsModifierKey(int key) {
     return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt || key == Qt::Key_Meta ||
@@ -144,15 +140,20 @@ QModelIndex GridView::moveCursor(CursorAction action, Qt::KeyboardModifiers modi
     return QTableView::moveCursor(action, modifiers);
 }
 
+QMimeData* GridView::CopiedSelection() {
+    const std::optional<center::CopiedBlock> block = actions_.CopyBlock(Selected());
+    if (!block) return nullptr;
+    auto* copied = new QMimeData;
+    copied->setText(ToQt(block->text));
+    if (!block->rows.empty()) copied->setData(RowsFormat(), QByteArray::fromStdString(block->rows));
+    return copied;
+}
+
 bool GridView::CopySelection() {
     return GuardedOr(false, [&] {
-        const std::optional<center::CopiedBlock> block = actions_.CopyBlock(Selected());
-        if (!block) return false;
-        auto* copied = new QMimeData;
-        copied->setText(ToQt(block->text));
-        if (!block->rows.empty()) copied->setData(RowsFormat(), QByteArray::fromStdString(block->rows));
-        QApplication::clipboard()->setMimeData(copied);
-        return true;
+        QMimeData* copied = CopiedSelection();
+        if (copied != nullptr) QApplication::clipboard()->setMimeData(copied);
+        return copied != nullptr;
     });
 }
 
