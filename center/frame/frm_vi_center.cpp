@@ -50,6 +50,10 @@ FaultActions& frmVICenter::Faults() {
     return parts_->faultFacet;
 }
 
+SearchActions& frmVICenter::Search() {
+    return parts_->searchFacet;
+}
+
 void frmVICenter::Load() {
     WindowState& state = parts_->state;
     state.userId = entry::GetPropValue("UserID");

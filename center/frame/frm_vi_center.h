@@ -20,6 +20,7 @@
 #include "center/frame/vicenter_view.h"
 #include "center/lookups/item_actions.h"
 #include "center/lookups/name_list_actions.h"
+#include "center/search/search_actions.h"
 #include "center/tree/tree_actions.h"
 
 namespace vicenter::center {
@@ -38,6 +39,7 @@ class frmVICenter final : public CommandTarget {
     ItemActions& Items();
     NameListActions& Names();
     FaultActions& Faults();
+    SearchActions& Search();
 
     // --- window system
     void Load();

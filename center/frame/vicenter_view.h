@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,9 @@ class frmSetColume;
 
 namespace vicenter::center {
 
+class CodeReplacement;
+class GridReplace;
+class OperationLog;
 class TemplateHistory;
 
 // The tools of the band "BandToolBar", in their order on the bar.
@@ -147,7 +151,17 @@ class VICenterView {
     // Modal; return when the dialog is closed.
     virtual void ShowFindDialog(dialogs::FrmSearch& dialog) = 0;
     virtual void ShowColumnDialog(dialogs::frmSetColume& dialog) = 0;
-    virtual void ShowHistory(TemplateHistory& /*history*/) {}  // modal
+    virtual void ShowHistory(TemplateHistory& /*history*/) {}          // modal
+    virtual void ShowReplacement(CodeReplacement& /*replacement*/) {}  // modal
+    virtual void ShowGridReplace(GridReplace& /*replace*/) {}          // modal
+    virtual void ShowLog(OperationLog& /*log*/) {}                     // modal
+    // The panel of the search over all templates, with the keyboard.
+    virtual void ShowSearch() {}
+    // A name for a template, asked for in a dialog; nothing when the user gives it up.
+    virtual std::optional<std::string> AskName(const std::string& /*caption*/,
+                                               const std::string& /*proposed*/) {
+        return std::nullopt;
+    }
 };
 
 }  // namespace vicenter::center

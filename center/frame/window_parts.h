@@ -23,6 +23,7 @@
 #include "center/lookups/choice_facets.h"
 #include "center/lookups/item_panel.h"
 #include "center/lookups/name_list.h"
+#include "center/search/search_facet.h"
 #include "center/template/draft/template_drafts.h"
 #include "center/template/kept_lines.h"
 #include "center/template/refused_line.h"
@@ -59,6 +60,8 @@ struct WindowParts : public GridObserver {
     void SetOn(EntryAid aid, bool on);
     // fileName: a workbook chosen already; empty: the command asks for one.
     void RunImport(const std::string& fileName);
+    // The user may not change templates, and has been told so.
+    bool RefusedForRight();
 
     void ActiveCellChanged(const CellAddress& cell) override;
     void TextsChanged(const CellRange& range) override;
@@ -95,6 +98,7 @@ struct WindowParts : public GridObserver {
     ItemFacet itemFacet{*this};
     NameListFacet nameListFacet{*this};
     FaultFacet faultFacet{*this};
+    SearchFacet searchFacet{*this};
 
   private:
     TemplateSaveActions SaveActions();
@@ -103,7 +107,6 @@ struct WindowParts : public GridObserver {
     bool OpenTemplateOf(const Draft& draft, const std::string& key);
     void ContentChanged();
     void FaultsChanged();
-    bool RefusedForRight();
     void ShowFind();
     void ShowColumns();
     void Switch(EntryAid aid, bool on);

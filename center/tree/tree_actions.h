@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "center/editing/copied_block.h"
+
 namespace vicenter::center {
 
 struct TreeMenuItem {
@@ -28,6 +30,14 @@ class TreeActions {
     virtual bool EditsLabels() = 0;  // a click on the selected node edits its label
     // The Delete key: the command of the bar, while it is enabled.
     virtual void DeleteSelected() = 0;
+    // The lines in the grid as a new template, under a name that is asked for.
+    virtual void SaveAs() = 0;
+    // Whole rows of the grid, as they are copied, were dropped on that node.
+    virtual void DropRows(const std::string& key, const CopiedBlock& rows) = 0;
+    // From ten templates on a filter pays.
+    virtual bool OffersFilter() = 0;
+    // The keys of the nodes that stay: the root, the lit one and those that fit.
+    virtual std::vector<std::string> Fitting(const std::string& filter) = 0;
     // What the tree's menu offers beside the commands of the band; nothing: no menu.
     virtual std::vector<TreeMenuItem> MenuItems() = 0;
 };

@@ -1,10 +1,17 @@
 #include "center/tree/tree_facet.h"
 
+#include <algorithm>
+
 #include "center/frame/account_set_care.h"
 #include "center/frame/window_parts.h"
 #include "center/health/template_check.h"
 #include "center/history/template_history.h"
 #include "center/template/line_loader.h"
+#include "center/template/new_name.h"
+#include "center/template/save_as.h"
+#include "center/tree/dropped_rows.h"
+#include "center/tree/tree_filter.h"
+#include "entry/host_services.h"
 
 namespace vicenter::center {
 
@@ -52,9 +59,18 @@ std::vector<TreeMenuItem> TreeFacet::MenuItems() {
     if (root) {
         items.push_back({"mnuCheckTemplates", "检查全部模板(&A)",
                          [this] { parts_.edge.Command([this] { CheckTemplates(); }); }});
+        items.push_back(
+            {"mnuSearch", "在全部模板中查找(&F)…\tCtrl+Shift+F", [this] { parts_.searchFacet.ShowPanel(); }});
+        items.push_back({"mnuReplaceCodes", "在全部模板中替换代码(&L)…\tCtrl+Shift+H",
+                         [this] { parts_.searchFacet.ReplaceCodes(); }});
         items.push_back({"mnuDeletedTemplates", "已删除的模板(&R)…",
                          [this] { parts_.edge.Command([this] { ShowDeletedTemplates(); }); }});
+        items.push_back({"mnuLog", "操作日志(&O)…\tCtrl+Shift+L", [this] { parts_.searchFacet.ShowLog(); }});
     } else {
+        items.push_back({"mnuDuplicate", "复制模板(&D)", [this] { Duplicate(); }});
+        items.push_back(
+            {"mnuReplaceInGrid", "替换文字(&T)…\tCtrl+H", [this] { parts_.searchFacet.ReplaceInGrid(); }});
+        items.push_back({"mnuSaveAs", "另存为(&S)…\tCtrl+Shift+S", [this] { SaveAs(); }});
         items.push_back(
             {"mnuHistory", "历史版本(&H)…", [this] { parts_.edge.Command([this] { ShowHistory(); }); }});
     }
@@ -73,6 +89,77 @@ void TreeFacet::ShowHistory() {
     if (!parts_.save.ConfirmUnsavedChanges()) return;
     Show(TemplateHistory(parts_.state.open.Id(), parts_.state.open.Name(), parts_.state.userId,
                          parts_.state.hasRight));
+}
+
+// --- the lines in the grid as a new template, and rows as another one's
+
+void TreeFacet::SaveAs() {
+    parts_.edge.Command([this] {
+        const OpenTemplate& open = parts_.state.open;
+        entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-另存模板");
+        if (parts_.RefusedForRight() || !open.IsOpen() || !open.LinesKnown()) return;
+        const std::string proposed =
+            FreeName(open.Name(), "副本", parts_.state.userId, true).value_or(std::string());
+        if (const auto name = parts_.state.view.AskName("另存为", proposed)) SaveUnder(*name);
+    });
+}
+
+void TreeFacet::Duplicate() {
+    parts_.edge.Command([this] {
+        const OpenTemplate& open = parts_.state.open;
+        entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-另存模板");
+        if (parts_.RefusedForRight() || !parts_.save.ConfirmUnsavedChanges()) return;
+        // What is copied is what is stored.
+        if (open.IsDirty()) parts_.Reload();
+        if (!open.IsOpen() || !open.LinesKnown()) return;
+        if (const auto name = FreeName(open.Name(), "副本", parts_.state.userId, true)) SaveUnder(*name);
+    });
+}
+
+// What was typed goes into the new template, as in any other program; the one that was open stays as stored.
+void TreeFacet::SaveUnder(const std::string& name) {
+    OpenTemplate& open = parts_.state.open;
+    if (open.RowCount() > 0 && !parts_.save.Validate()) return;
+    const store::TemplateOutcome saved =
+        SaveLinesAs(*parts_.state.grid, open.RowCount(), name, parts_.state.userId);
+    if (!saved) return;
+    open.Settle();
+    parts_.drafts.Drop();
+    parts_.tree.ShowStored(saved.id);
+    parts_.MarkUnusable();
+}
+
+void TreeFacet::DropRows(const std::string& key, const CopiedBlock& rows) {
+    parts_.edge.Command([&] {
+        const std::string id = key.substr(std::min(key.size(), kTemplateKeyHead.size()));
+        if (key == kRootKey || id == parts_.state.open.Id()) return;
+        entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-保存模板 ");
+        if (parts_.RefusedForRight()) return;
+        for (const TreeNode& node : parts_.tree.Nodes()) {
+            if (node.key != key) continue;
+            AppendRows(rows, id, node.text, parts_.state.userId);
+            parts_.MarkUnusable();
+            return;
+        }
+    });
+}
+
+// --- the filter
+
+bool TreeFacet::OffersFilter() {
+    return parts_.tree.Nodes().size() > kTemplatesWorthAFilter;  // the root is one of them
+}
+
+std::vector<std::string> TreeFacet::Fitting(const std::string& filter) {
+    return parts_.edge.Look([&] {
+        std::vector<std::string> keys;
+        for (const TreeNode& node : parts_.tree.Nodes()) {
+            if (node.key == kRootKey || node.key == parts_.tree.SelectedKey() ||
+                FitsFilter(node.text, filter))
+                keys.push_back(node.key);
+        }
+        return keys;
+    });
 }
 
 // Of the templates as they are stored.

@@ -21,9 +21,15 @@ class TreeFacet final : public TreeActions {
     bool AfterLabelEdit(const std::string& newText) override;
     bool EditsLabels() override;
     void DeleteSelected() override;
+    void SaveAs() override;
+    void DropRows(const std::string& key, const CopiedBlock& rows) override;
+    bool OffersFilter() override;
+    std::vector<std::string> Fitting(const std::string& filter) override;
     std::vector<TreeMenuItem> MenuItems() override;
 
   private:
+    void SaveUnder(const std::string& name);
+    void Duplicate();
     void CheckTemplates();
     void ShowHistory();
     void ShowDeletedTemplates();

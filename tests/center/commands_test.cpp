@@ -290,6 +290,14 @@ INSTANTIATE_TEST_SUITE_P(
                     window.Tree().GotFocus();
                     window.Tree().DeleteSelected();
                 }},
+        Request{"saveas", true, [](frmVICenter& window) { window.Tree().SaveAs(); }},
+        Request{"droprows", true, [](frmVICenter& window) { window.Tree().DropRows("detail-5", "x"); }},
+        Request{"search", true,
+                [](frmVICenter& window) {
+                    window.Search().Find({"x", "", "", ""});
+                }},
+        Request{"replace", true, [](frmVICenter& window) { window.Search().ReplaceInGrid(); }},
+        Request{"replacecodes", true, [](frmVICenter& window) { window.Search().ReplaceCodes(); }},
         Request{"paste", true, [](frmVICenter& window) { window.Cells().PasteBlock(kCell, "x"); }},
         Request{"fill", true, [](frmVICenter& window) { window.Cells().FillDown(kCell); }},
         Request{"duplicate", true, [](frmVICenter& window) { window.Cells().DuplicateRows(kCell); }},

@@ -91,6 +91,15 @@ class FakeVICenterView : public VICenterView {
         if (onColumns) onColumns(dialog);
     }
 
+    void ShowGridReplace(GridReplace& replace) override {
+        calls.emplace_back("replace");
+        if (onGridReplace) onGridReplace(replace);
+    }
+    void ShowSearch() override { calls.emplace_back("search"); }
+    std::optional<std::string> AskName(const std::string& caption, const std::string& proposed) override {
+        return onAskName ? onAskName(caption, proposed) : std::nullopt;
+    }
+
     // How often it was told that.
     int Count(const std::string& call) const {
         int count = 0;
@@ -119,6 +128,8 @@ class FakeVICenterView : public VICenterView {
     std::function<void()> onCommitTyping;  // what an open editor does
     std::function<void(dialogs::FrmSearch&)> onFind;
     std::function<void(dialogs::frmSetColume&)> onColumns;
+    std::function<void(GridReplace&)> onGridReplace;
+    std::function<std::optional<std::string>(const std::string&, const std::string&)> onAskName;
 };
 
 }  // namespace vicenter::center::test

@@ -29,11 +29,24 @@ class RecordedTreeActions : public center::TreeActions {
     }
     bool EditsLabels() override { return automatic; }
     void DeleteSelected() override { ++deletes; }
+    void SaveAs() override {}
+    void DropRows(const std::string& key, const center::CopiedBlock& rows) override {
+        dropped = key + " " + rows.rows;
+    }
+    bool OffersFilter() override { return offersFilter; }
+    std::vector<std::string> Fitting(const std::string& filter) override {
+        filters.push_back(filter);
+        return fitting;
+    }
 
     TemplateTree* tree = nullptr;
     std::vector<center::TreeMenuItem> menu;
     std::vector<std::string> clicks;
     std::vector<std::string> labels;
+    std::string dropped;
+    std::vector<std::string> filters;
+    std::vector<std::string> fitting;
+    bool offersFilter = false;
     int doubleClicks = 0;
     int deletes = 0;
     bool mayRename = true;

@@ -1,0 +1,218 @@
+// What a replacement writes, and how it is taken back.
+
+#include <algorithm>
+#include <memory>
+
+#include "center/frame/window_state.h"
+#include "center/grid/quiet_grid.h"
+#include "center/history/restore.h"
+#include "center/search/code_replacement.h"
+#include "center/template/template_save.h"
+#include "entry/host_services.h"
+#include "entry/sql_text.h"
+#include "store/statements.h"
+#include "store/template_batches.h"
+#include "store/template_guard.h"
+#include "store/template_history.h"
+#include "store/template_outcome.h"
+
+namespace vicenter::center {
+
+using entry::LogKind;
+using store::LineTexts;
+
+namespace {
+
+// The versions of several templates that one command replaces.
+class KeptGroup {
+  public:
+    explicit KeptGroup(store::HistoryCommand command) : command_(command) {}
+    void Keep(const std::string& templateId) {
+        kept_.push_back(std::make_unique<store::KeptVersion>(templateId, command_,
+                                                             kept_.empty() ? nullptr : kept_.front().get()));
+    }
+    void Stay() {
+        for (const auto& version : kept_)
+            version->Stay();
+    }
+
+  private:
+    store::HistoryCommand command_;
+    std::vector<std::unique_ptr<store::KeptVersion>> kept_;
+};
+
+std::string Joined(const std::vector<std::string>& texts, const char* separator) {
+    std::string joined;
+    for (const std::string& text : texts)
+        joined.append(joined.empty() ? "" : separator).append(text);
+    return joined;
+}
+
+// "模板 A 编号 1、2", of what the account set has marked since.
+void AppendUnusable(std::string& message, const std::string& templateId, const std::string& name) {
+    const auto unusable = store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>());
+    if (unusable.empty()) return;
+    message += std::string(entry::kCrLf) + "注：模板 " + name + " 编号为 " + Joined(unusable, "、") +
+               " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
+}
+
+void Log(LogKind kind, const std::string& text) {
+    entry::WriteOperationLog(kind, "凭证模板-" + text);
+}
+
+}  // namespace
+
+std::vector<LineTexts> CodeReplacement::LinesOf(const Target& target) const {
+    std::vector<LineTexts> lines;
+    for (const Changed& changed : target.rows) {
+        const ReplacementLine& line = lines_[changed.line];
+        if (!line.chosen) continue;
+        if (lines.empty()) lines = templates_[target.stored].lines;
+        lines[static_cast<std::size_t>(line.row - 1)] = changed.texts;
+    }
+    return lines;
+}
+
+std::string CodeReplacement::WhyNot(const Target& target, const std::vector<LineTexts>& lines) const {
+    const store::StoredTemplate& stored = templates_[target.stored];
+    const std::string head = "模板 " + stored.name + " ";
+    try {
+        const auto row = store::AskTemplateWithLines(stored.id);
+        if (!row) return head + "无法读取，没有替换！";
+        if (!store::MayWrite(*row, stored.id, userId_)) return head + "已在别处被删除，没有替换！";
+        if (store::DigestOf(*row->lines) != stored.digest) return head + "已在别处被修改，没有替换！";
+    } catch (const automation::Error&) {
+        return head + "无法读取，没有替换！";
+    }
+    EntryGrid grid;
+    const Unpainted quiet(grid);
+    grid.SetRowTotal(static_cast<int>(lines.size()) + 1);
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        grid.FillRow(static_cast<int>(i) + 1, lines[i]);
+    const auto finding = ValidateLines(grid, static_cast<int>(lines.size()));
+    return finding ? head + "不能保存，没有替换：" + finding->text : std::string();
+}
+
+bool CodeReplacement::Send(std::vector<std::string>& told) {
+    KeptGroup kept(store::HistoryCommand::Replace);
+    std::string batch;
+    std::vector<const Target*> sent;
+    for (const Target& target : targets_) {
+        const std::vector<LineTexts> lines = LinesOf(target);
+        if (lines.empty()) continue;
+        if (std::string why = WhyNot(target, lines); !why.empty()) {
+            told.push_back(std::move(why));
+            continue;
+        }
+        const std::string& id = templates_[target.stored].id;
+        kept.Keep(id);
+        batch += store::SaveBatch(id, static_cast<int>(lines.size()), [&](int row, int gridColumn) {
+            return std::string_view(
+                lines[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(gridColumn - 1)]);
+        });
+        sent.push_back(&target);
+    }
+    if (sent.empty()) return false;
+    const bool done = store::RunSql(batch);
+    if (done) kept.Stay();
+    std::ptrdiff_t all = 0;
+    std::string notes;
+    for (const Target* target : sent) {
+        const store::StoredTemplate& stored = templates_[target->stored];
+        const auto rows = std::count_if(target->rows.begin(), target->rows.end(),
+                                        [&](const Changed& row) { return lines_[row.line].chosen; });
+        all += rows;
+        Log(done ? LogKind::Succeeded : LogKind::Failed,
+            "替换代码 " + stored.name + (done ? " 成功，" + std::to_string(rows) + " 行" : " 失败"));
+        if (done) AppendUnusable(notes, stored.id, stored.name);
+    }
+    told.insert(told.begin(), done ? "替换成功：" + std::to_string(sent.size()) + " 个模板，" +
+                                         std::to_string(all) + " 行。" + notes
+                                   : std::string("替换失败，没有模板被修改！"));
+    return done;
+}
+
+bool CodeReplacement::Replace() {
+    std::size_t chosen = 0;
+    for (const ReplacementLine& line : lines_)
+        chosen += line.chosen ? 1 : 0;
+    if (chosen == 0) {
+        Tell("请先选择要替换的行！");
+        return false;
+    }
+    const bool undoable = store::ReadHistoryRule().has_value();
+    if (Ask(Note() + entry::kCrLf + entry::kCrLf +
+                (undoable ? "替换之前的分录会保留为历史版本，可以一次撤消。"
+                          : "当前账套没有开启模板历史，替换后不能撤消。") +
+                "请确认是否替换？",
+            system::MessageButtons::YesNo) != system::MessageResult::Yes) {
+        return false;
+    }
+    std::vector<std::string> told;
+    const bool done = Send(told);
+    Tell(Joined(told, entry::kCrLf));
+    if (done) Forget();
+    return done;
+}
+
+void CodeReplacement::Forget() {
+    hasWritten_ = true;
+    lines_.clear();
+    targets_.clear();
+}
+
+bool CodeReplacement::Undo() {
+    const bool done = UndoLast(userId_);
+    if (done) Forget();
+    return done;
+}
+
+bool CodeReplacement::UndoLast(const std::string& userId) {
+    const store::History last = store::ReadLastReplacement(userId);
+    if (last.state != store::History::State::Kept) {
+        Tell(last.state == store::History::State::Off ? kHistoryOff : kHistoryUnreadable);
+        return false;
+    }
+    std::vector<const store::HistoryVersion*> open;
+    std::vector<std::string> names;
+    std::string since;
+    for (const store::HistoryVersion& version : last.versions) {
+        const auto row = store::AskTemplate(version.templateId);
+        const store::History history = store::ReadHistory(version.templateId);
+        const bool latest = !history.versions.empty() && history.versions.front().id == version.id;
+        if (row && store::MayWrite(*row, version.templateId, userId) && latest) {
+            open.push_back(&version);
+            names.push_back(row->name);
+        } else {
+            since += std::string(entry::kCrLf) + "模板 " + version.name + " 在替换之后又有改动，不在其中。";
+        }
+    }
+    if (open.empty()) {
+        Tell(last.versions.empty() ? "没有可以撤消的替换。"
+                                   : "上次替换已经撤消，或者所替换的模板之后都有改动，没有可以撤消的替换。");
+        return false;
+    }
+    if (Ask("将撤消 " + last.versions.front().keptAt + " 的替换，恢复模板：" + Joined(names, "、") + "。" +
+                since + entry::kCrLf + entry::kCrLf + "请确认是否撤消？",
+            system::MessageButtons::YesNo) != system::MessageResult::Yes) {
+        return false;
+    }
+    KeptGroup kept(store::HistoryCommand::Restore);
+    std::string batch;
+    for (const store::HistoryVersion* version : open) {
+        kept.Keep(version->templateId);
+        batch += store::RestoreOverBatch(version->id, version->templateId);
+    }
+    const bool done = store::RunSql(batch);
+    if (done) kept.Stay();
+    std::string notes;
+    for (std::size_t i = 0; i < open.size(); ++i) {
+        Log(done ? LogKind::Succeeded : LogKind::Failed, "撤消替换 " + names[i] + (done ? " 成功" : " 失败"));
+        if (done) AppendUnusable(notes, open[i]->templateId, names[i]);
+    }
+    Tell(done ? "撤消成功：" + std::to_string(open.size()) + " 个模板。" + notes
+              : "撤消失败，模板保持原样！");
+    return done;
+}
+
+}  // namespace vicenter::center

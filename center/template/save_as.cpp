@@ -1,0 +1,48 @@
+#include "center/template/save_as.h"
+
+#include "center/frame/window_state.h"
+#include "center/template/new_name.h"
+#include "entry/host_services.h"
+#include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+#include "store/statements.h"
+#include "store/template_batches.h"
+#include "store/template_guard.h"
+
+namespace vicenter::center {
+
+using entry::LogKind;
+using State = store::TemplateOutcome::State;
+
+namespace {
+
+store::TemplateOutcome TellFailed(const std::string& name, State state) {
+    Tell("模板 " + name + " 保存失败！");
+    entry::WriteOperationLog(LogKind::Failed, "凭证模板-另存模板 " + name + " 失败");
+    return {state};
+}
+
+}  // namespace
+
+store::TemplateOutcome SaveLinesAs(const EntryGrid& grid, int rowCount, const std::string& wished,
+                                   const std::string& userId) {
+    // As the batch writes it.
+    const std::string name(system::TrimBlanks(wished));
+    if (const std::string why = WhyNotNewName(name, userId, "保存失败！"); !why.empty()) {
+        Tell(why);
+        return {};
+    }
+    store::ClearWayForNewTemplate();
+    std::string batch;
+    store::BeginTemplate(batch, store::kNewTemplate, name, userId);
+    batch += store::SaveBatch("@MaxFID", rowCount, [&grid](int row, int c) { return grid.Text(row, c); });
+    if (!store::RunSql(batch)) return TellFailed(name, State::Refused);
+    const std::int32_t id = store::clsVIData().FindVchTemplate(name, userId);
+    if (id < 0) return TellFailed(name, State::SavedUntold);
+    const auto unusable = store::ReadUnusableNumbers(std::to_string(id)).value_or(std::vector<std::string>());
+    Tell(store::WithUnusableNote("模板 " + name + " 保存成功！", unusable));
+    entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-另存模板 " + name + " 成功");
+    return {State::Saved, id, unusable};
+}
+
+}  // namespace vicenter::center

@@ -1,0 +1,117 @@
+#include "center/tree/dropped_rows.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+#include <vector>
+
+#include "automation/error.h"
+#include "center/editing/block_editing.h"
+#include "center/frame/window_state.h"
+#include "center/template/template_fate.h"
+#include "center/template/template_save.h"
+#include "store/line_difference.h"
+#include "store/template_guard.h"
+
+namespace vicenter::center {
+
+using store::LineTexts;
+
+namespace {
+
+// The rows as they were copied; nothing for anything else, or when a text among them had been refused.
+std::optional<std::vector<LineTexts>> LinesOf(const CopiedBlock& rows) {
+    std::vector<LineTexts> lines;
+    for (const std::vector<std::string>& row : ParseBlock(rows.rows)) {
+        const std::string sound(kColumnCount, 'a');
+        if (row.size() != kColumnCount + 1 || row.back() != sound) return std::nullopt;
+        LineTexts line;
+        std::copy_n(row.begin(), kColumnCount, line.begin());
+        const bool blank =
+            std::all_of(line.begin(), line.end(), [](const std::string& text) { return text.empty(); });
+        if (!blank) lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+std::int64_t NumberOf(const LineTexts& line) {
+    return std::strtoll(line[column::kNo - 1].c_str(), nullptr, 10);
+}
+
+// The lines with numbers that are free among the others; what became of which number, for users.
+std::string Renumber(std::vector<LineTexts>& lines, const std::vector<LineTexts>& others) {
+    std::set<std::int64_t> taken;
+    for (const LineTexts& line : others)
+        taken.insert(NumberOf(line));
+    std::map<std::int64_t, std::int64_t> become;
+    for (const LineTexts& line : lines) {
+        const std::int64_t number = NumberOf(line);
+        if (become.contains(number) || line[column::kNo - 1].empty()) continue;
+        const std::int64_t free = taken.contains(number) ? *taken.rbegin() + 1 : number;
+        taken.insert(free);
+        become[number] = free;
+    }
+    std::string changes;
+    for (const auto& [number, free] : become) {
+        if (number == free) continue;
+        changes += (changes.empty() ? "" : "、") + std::to_string(number) + "→" + std::to_string(free);
+    }
+    for (LineTexts& line : lines) {
+        if (!line[column::kNo - 1].empty()) line[column::kNo - 1] = std::to_string(become[NumberOf(line)]);
+    }
+    return changes;
+}
+
+std::optional<std::vector<LineTexts>> StoredLines(const std::string& templateId, const std::string& name,
+                                                  const std::string& userId) {
+    if (FateOfNode(templateId, name, userId).fate == TemplateFate::Gone) {
+        TellGone(name);
+        return std::nullopt;
+    }
+    try {
+        const auto row = store::AskTemplateWithLines(templateId);
+        if (row && row->lines != nullptr) {
+            std::vector<LineTexts> lines = store::TextsOfLines(*row->lines);
+            // A template without lines answers one record with nothing in it.
+            if (lines.size() == 1 && lines[0][column::kNo - 1].empty()) lines.clear();
+            return lines;
+        }
+    } catch (const automation::Error&) {
+        // As unreadable as no answer.
+    }
+    Tell("模板 " + name + " 的分录未能读取，没有复制！");
+    return std::nullopt;
+}
+
+}  // namespace
+
+bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const std::string& name,
+                const std::string& userId) {
+    std::optional<std::vector<LineTexts>> added = LinesOf(rows);
+    if (!added || added->empty()) {
+        Tell(added ? "所选的行中没有分录，没有复制！" : "所选的行中有未更正的内容，没有复制！");
+        return false;
+    }
+    std::optional<std::vector<LineTexts>> lines = StoredLines(templateId, name, userId);
+    if (!lines) return false;
+    const std::string changes = Renumber(*added, *lines);
+    if (Ask("将 " + std::to_string(added->size()) + " 行分录复制到模板 " + name + " 的末尾" +
+                (changes.empty() ? "" : "（编号 " + changes + "）") + "，请确认？",
+            system::MessageButtons::YesNo) != system::MessageResult::Yes) {
+        return false;
+    }
+    lines->insert(lines->end(), added->begin(), added->end());
+    EntryGrid grid;
+    const int count = static_cast<int>(lines->size());
+    grid.SetRowTotal(count + 1);
+    for (int row = 1; row <= count; ++row)
+        grid.FillRow(row, (*lines)[static_cast<std::size_t>(row - 1)]);
+    if (const auto finding = ValidateLines(grid, count)) {
+        Tell("模板 " + name + " 不能保存，没有复制：\r\n\r\n" + finding->text);
+        return false;
+    }
+    return static_cast<bool>(SendTemplate(grid, count, templateId, name));
+}
+
+}  // namespace vicenter::center
