@@ -1,15 +1,7 @@
 // What the tree's menu has beside the commands of the band, by real mouse events on the demo ledger: what a
 // save and a deletion replaced is compared and brought back, and all templates are checked.
 
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
-#include <QTableWidget>
-#include <QTimer>
-
-#include "tests/ui/demo_set_fixture.h"
+#include "tests/ui/tree_menu_fixture.h"
 
 namespace vicenter::ui {
 namespace {
@@ -17,73 +9,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class TreeMenuWayTest : public DemoSetTest {
-  protected:
-    TreeMenuWayTest() { Open(); }
-
-    void OpenTemplate(const std::string& name) {
-        ClickNode(KeyOf(name));
-        ASSERT_EQ(window->Presenter().TemplateName(), name);
-    }
-    std::string KeyOf(const std::string& name) {
-        for (const center::TreeNode& node : window->Presenter().Nodes()) {
-            if (node.text == name) return node.key;
-        }
-        return {};
-    }
-    std::vector<std::string> Names() {
-        std::vector<std::string> names;
-        for (const center::TreeNode& node : window->Presenter().Nodes())
-            names.push_back(node.text);
-        return names;
-    }
-    void TypeInto(int row, int gridColumn, const char* text) {
-        ClickCell(row, gridColumn);
-        Type(text);
-        Key(Qt::Key_Return);
-    }
-    // Asks for the node's menu, chooses there, and does with the dialog what is told.
-    void ChooseInMenu(const std::string& key, const QString& action,
-                      const std::function<void(QDialog&)>& inDialog) {
-        bool shown = false;
-        QTimer chooser;
-        QObject::connect(&chooser, &QTimer::timeout, window, [&] {
-            if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
-                auto* chosen = menu->findChild<QAction*>(action);
-                ASSERT_NE(chosen, nullptr);
-                QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(chosen).center());
-            } else if (auto* dialog = window->findChild<QDialog*>("frmHistory"); dialog && !shown) {
-                shown = true;
-                inDialog(*dialog);
-                if (dialog->isVisible()) Press(*dialog, "cmdClose");
-            }
-        });
-        chooser.start(1);
-        const QRect rect = window->Tree().visualItemRect(window->Tree().FindNode(key));
-        QTest::mouseClick(window->Tree().viewport(), Qt::RightButton, {}, rect.center());
-        QContextMenuEvent event(QContextMenuEvent::Mouse, rect.center(),
-                                window->Tree().viewport()->mapToGlobal(rect.center()));
-        QApplication::sendEvent(window->Tree().viewport(), &event);
-        dialogShown_ = shown;
-    }
-    static void Press(QDialog& dialog, const char* button) {
-        QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
-    }
-    static QStringList Rows(QDialog& dialog, const char* name, int firstColumn) {
-        QStringList rows;
-        const auto* table = dialog.findChild<QTableWidget*>(name);
-        for (int row = 0; row < table->rowCount(); ++row) {
-            QStringList cells;
-            for (int column = firstColumn; column < table->columnCount(); ++column)
-                cells << table->item(row, column)->text();
-            rows << cells.join(u'|');
-        }
-        return rows;
-    }
-    void Answer(system::MessageResult answer) { surroundings.messageBoxes->answers.push_back(answer); }
-
-    bool dialogShown_ = false;
-};
+class TreeMenuWayTest : public TreeMenuTest {};
 
 TEST_F(TreeMenuWayTest, ASavedOverLineIsComparedAndComesBack) {
     OpenTemplate("日常费用");

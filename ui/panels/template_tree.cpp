@@ -2,17 +2,21 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QStyledItemDelegate>
 #include <QTimer>
+#include <algorithm>
 #include <utility>
 
+#include "ui/grid/rows_format.h"
 #include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/application.h"
@@ -130,6 +134,8 @@ TemplateTree::TemplateTree(center::TreeActions& actions, QWidget* parent)
     setTextElideMode(Qt::ElideRight);
     setTabKeyNavigation(false);
     setFrameShape(QFrame::StyledPanel);
+    setAcceptDrops(true);
+    viewport()->setAcceptDrops(true);
 }
 
 QTreeWidgetItem* TemplateTree::MakeItem(const center::TreeNode& node) const {
@@ -228,6 +234,13 @@ void TemplateTree::ShowUnusable(QTreeWidgetItem& item) const {
     item.setData(0, Qt::ForegroundRole, unusable ? QVariant(colors::kFaulty) : QVariant());
     item.setToolTip(
         0, ToolTipText(item.text(0) + (unusable ? QStringLiteral("（有不能使用的编号）") : QString())));
+}
+
+void TemplateTree::ShowOnly(const std::optional<std::vector<std::string>>& keys) {
+    for (QTreeWidgetItemIterator it(this); *it; ++it) {
+        const bool shown = !keys || std::find(keys->begin(), keys->end(), KeyOf(*it)) != keys->end();
+        (*it)->setHidden(!shown);
+    }
 }
 
 void TemplateTree::SelectNode(const std::string& key) {
@@ -360,6 +373,46 @@ void TemplateTree::contextMenuEvent(QContextMenuEvent* event) {
     if (chosen == nullptr) return;
     const auto index = static_cast<std::size_t>(menu.actions().indexOf(chosen));
     Guarded([&] { items[index].run(); });
+}
+
+// Rows go behind the lines of another template than the one that is open.
+QTreeWidgetItem* TemplateTree::DropTarget(const QDropEvent& event) const {
+    if (!event.mimeData()->hasFormat(RowsFormat())) return nullptr;
+    QTreeWidgetItem* item = itemAt(event.position().toPoint());
+    return item == nullptr || item == currentItem() || item->parent() == nullptr ? nullptr : item;
+}
+
+void TemplateTree::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasFormat(RowsFormat())) {
+        event->acceptProposedAction();
+    } else {
+        event->ignore();  // the window takes workbooks
+    }
+}
+
+void TemplateTree::dragMoveEvent(QDragMoveEvent* event) {
+    if (DropTarget(*event) != nullptr) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void TemplateTree::dropEvent(QDropEvent* event) {
+    const QTreeWidgetItem* target = DropTarget(*event);
+    if (target == nullptr) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    const center::CopiedBlock rows(FromQt(event->mimeData()->text()),
+                                   event->mimeData()->data(RowsFormat()).toStdString());
+    // After the drag has ended: there is a question to answer.
+    QMetaObject::invokeMethod(
+        this, [this, key = KeyOf(target), rows] { Guarded([&] { actions_.DropRows(key, rows); }); },
+        Qt::QueuedConnection);
 }
 
 void TemplateTree::focusInEvent(QFocusEvent* event) {

@@ -31,6 +31,8 @@ class TemplateTree : public QTreeWidget {
     // Names in red and tooltips that say so: those templates have numbers that cannot be used.
     void SetUnusable(const std::vector<std::string>& keys);
     bool ShowsUnusable(const std::string& key) const;
+    // The nodes of those keys; all of them without a list.
+    void ShowOnly(const std::optional<std::vector<std::string>>& keys);
     // Without a node click.
     void SelectNode(const std::string& key);
     void StartLabelEdit();
@@ -49,6 +51,9 @@ class TemplateTree : public QTreeWidget {
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
 
@@ -59,6 +64,8 @@ class TemplateTree : public QTreeWidget {
     void ShowModified(QTreeWidgetItem& item) const;
     void ShowUnusable(QTreeWidgetItem& item) const;
     void Click(QTreeWidgetItem* item);
+    // The node that rows may be dropped on there; none for anything else that is dragged.
+    QTreeWidgetItem* DropTarget(const QDropEvent& event) const;
     void FinishLabel();
 
     center::TreeActions& actions_;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QKeyEvent>
@@ -62,6 +63,9 @@ VICenterWindow::~VICenterWindow() {
     disconnect(qApp, nullptr, this, nullptr);
     unloaded_ = true;
     // Those that ask the presenter go before it.
+    delete filter_;
+    filter_ = nullptr;
+    delete search_;
     delete tree_;
     delete faults_;
     faults_ = nullptr;
@@ -83,6 +87,8 @@ void VICenterWindow::BuildWidgets() {
     inner->installEventFilter(this);
     setCentralWidget(inner);
     tree_ = new TemplateTree(presenter_->Tree(), inner);
+    filter_ = new TreeFilter(presenter_->Tree(), *tree_, inner);
+    connect(filter_, &TreeFilter::offeredChanged, this, &VICenterWindow::LayOutFrame);
 
     panel_ = new QFrame(inner);
     panel_->setObjectName(QStringLiteral("picGrid"));
@@ -115,9 +121,20 @@ void VICenterWindow::BuildGrid() {
     faults_ = new FaultPanel(presenter_->Faults(), this);
     addDockWidget(Qt::BottomDockWidgetArea, faults_);
     faults_->hide();
+    search_ = new SearchPanel(presenter_->Search(), this);
+    addDockWidget(Qt::BottomDockWidgetArea, search_);
+    search_->hide();
+    // One list below the grid at a time.
+    connect(search_, &QDockWidget::visibilityChanged, faults_, [this](bool shown) {
+        if (shown) faults_->hide();
+    });
+    connect(faults_, &QDockWidget::visibilityChanged, search_, [this](bool shown) {
+        if (shown) search_->hide();
+    });
     connect(status_, &StatusLine::faultsClicked, this,
             [this] { faults_->setVisible(!faults_->isVisible()); });
     connect(grid_, &GridView::contentsMoved, this, &VICenterWindow::PlaceOverlays);
+    connect(grid_, &GridView::rowsPulledOut, this, &VICenterWindow::DragRows);
     connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
     listTimer_ = new QTimer(this);
     listTimer_->setSingleShot(true);
@@ -209,6 +226,15 @@ void VICenterWindow::closeEvent(QCloseEvent* event) {
     Guarded([this] { presenter_->Unload(); });
 }
 
+// To a node of the tree; spreadsheets take the text.
+void VICenterWindow::DragRows() {
+    QMimeData* rows = GuardedOr<QMimeData*>(nullptr, [this] { return grid_->CopiedSelection(); });
+    if (rows == nullptr) return;
+    auto* drag = new QDrag(grid_);
+    drag->setMimeData(rows);
+    drag->exec(Qt::CopyAction);
+}
+
 void VICenterWindow::dragEnterEvent(QDragEnterEvent* event) {
     if (!DroppedWorkbook(*event->mimeData()).isEmpty() && !progress_->IsPolling())
         event->acceptProposedAction();
@@ -239,6 +265,7 @@ bool VICenterWindow::eventFilter(QObject* watched, QEvent* event) {
         const auto* widget = static_cast<const QWidget*>(watched);
         const QWidget* window = widget->window();
         if (window == this && MoveBetweenAreas(static_cast<QKeyEvent&>(*event))) return true;
+        if (window == this && RunWindowKey(static_cast<QKeyEvent&>(*event))) return true;
         if (window == this && MoveBetweenFaults(static_cast<QKeyEvent&>(*event))) return true;
         if (window == this || (window->windowType() == Qt::Popup && isAncestorOf(window))) {
             const int code = KeyCodeOf(static_cast<QKeyEvent&>(*event));
@@ -253,7 +280,7 @@ bool VICenterWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 VICenterWindow::Zone VICenterWindow::ZoneOf(const QWidget* widget) const {
-    if (widget == tree_ || tree_->isAncestorOf(widget)) return Zone::Tree;
+    if (widget == tree_ || tree_->isAncestorOf(widget) || (filter_ && widget == filter_)) return Zone::Tree;
     if (grid_ && (widget == grid_ || grid_->isAncestorOf(widget) || items_->Contains(widget)))
         return Zone::Grid;
     return Zone::Elsewhere;
@@ -274,6 +301,28 @@ bool VICenterWindow::MoveBetweenAreas(const QKeyEvent& event) {
     } else {
         tree_->setFocus(Qt::ShortcutFocusReason);
     }
+    return true;
+}
+
+// What goes through the lines of one template or of all, and the box over the tree.
+bool VICenterWindow::RunWindowKey(const QKeyEvent& event) {
+    if (!loaded_ || progress_->IsPolling()) return false;
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    if (modifiers == Qt::ControlModifier && event.key() == Qt::Key_K) return filter_->TakeKeyboard();
+    void (center::SearchActions::*run)() = nullptr;
+    if (modifiers == Qt::ControlModifier && event.key() == Qt::Key_H)
+        run = &center::SearchActions::ReplaceInGrid;
+    if (modifiers == (Qt::ControlModifier | Qt::ShiftModifier)) {
+        if (event.key() == Qt::Key_F) run = &center::SearchActions::ShowPanel;
+        if (event.key() == Qt::Key_H) run = &center::SearchActions::ReplaceCodes;
+        if (event.key() == Qt::Key_L) run = &center::SearchActions::ShowLog;
+        if (event.key() == Qt::Key_S) {
+            Guarded([this] { presenter_->Tree().SaveAs(); });
+            return true;
+        }
+    }
+    if (run == nullptr) return false;
+    Guarded([&] { (presenter_->Search().*run)(); });
     return true;
 }
 

@@ -24,7 +24,9 @@
 #include "ui/panels/item_panel.h"
 #include "ui/panels/name_list_popup.h"
 #include "ui/panels/progress_frame.h"
+#include "ui/panels/search_panel.h"
 #include "ui/panels/template_tree.h"
+#include "ui/panels/tree_filter.h"
 #include "ui/window/status_line.h"
 #include "ui/window/tool_band.h"
 
@@ -58,12 +60,14 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void BuildWidgets();
     void BuildGrid();
     void ConnectItemPanel();
+    void DragRows();
     void LayOutFrame();
     void LayOutPanel();
     void PlaceOverlays();
     void FocusMoved(QWidget* now);
     bool MoveBetweenAreas(const QKeyEvent& event);
     bool MoveBetweenFaults(const QKeyEvent& event);
+    bool RunWindowKey(const QKeyEvent& event);
     void PrepareNameLists();
     void ContentChanged();
     void KeepDraft();
@@ -101,12 +105,18 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void ShowFindDialog(dialogs::FrmSearch& dialog) override;
     void ShowColumnDialog(dialogs::frmSetColume& dialog) override;
     void ShowHistory(center::TemplateHistory& history) override;
+    void ShowReplacement(center::CodeReplacement& replacement) override;
+    void ShowGridReplace(center::GridReplace& replace) override;
+    void ShowLog(center::OperationLog& log) override;
+    void ShowSearch() override;
+    std::optional<std::string> AskName(const std::string& caption, const std::string& proposed) override;
 
     // Declared last to first use: the presenter goes before the widgets that it speaks to.
     std::shared_ptr<center::TemplateCommands> commands_;
     ToolBand* band_ = nullptr;
     StatusLine* status_ = nullptr;
     TemplateTree* tree_ = nullptr;
+    TreeFilter* filter_ = nullptr;
     QFrame* panel_ = nullptr;
     QLineEdit* name_ = nullptr;
     QLabel* measure_ = nullptr;
@@ -114,6 +124,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     NameListPopup* nameList_ = nullptr;
     ItemPanel* items_ = nullptr;
     FaultPanel* faults_ = nullptr;
+    SearchPanel* search_ = nullptr;
     GridModel* model_ = nullptr;
     GridView* grid_ = nullptr;
     QTimer* listTimer_ = nullptr;   // runs out when the user rests on a cell: name lists are read

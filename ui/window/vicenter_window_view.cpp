@@ -1,8 +1,12 @@
 // What the main window shows, as its presenter asks for it.
 
 #include "ui/dialogs/column_dialog.h"
-#include "ui/dialogs/history_dialog.h"
 #include "ui/dialogs/find_dialog.h"
+#include "ui/dialogs/grid_replace_dialog.h"
+#include "ui/dialogs/history_dialog.h"
+#include "ui/dialogs/log_dialog.h"
+#include "ui/dialogs/name_dialog.h"
+#include "ui/dialogs/replacement_dialog.h"
 #include "ui/look/qt_text.h"
 #include "ui/window/vicenter_window.h"
 
@@ -10,22 +14,27 @@ namespace vicenter::ui {
 
 void VICenterWindow::SetTree(const std::vector<center::TreeNode>& nodes) {
     tree_->SetNodes(nodes);
+    if (filter_) filter_->NodesChanged();
 }
 
 void VICenterWindow::AddTreeNode(const center::TreeNode& node) {
     tree_->AddNode(node);
+    if (filter_) filter_->NodesChanged();
 }
 
 void VICenterWindow::RemoveTreeNode(const std::string& key) {
     tree_->RemoveNode(key);
+    if (filter_) filter_->NodesChanged();
 }
 
 void VICenterWindow::SetTreeNodeText(const std::string& key, const std::string& text) {
     tree_->SetNodeText(key, text);
+    if (filter_) filter_->NodesChanged();
 }
 
 void VICenterWindow::SelectTreeNode(const std::string& key) {
     tree_->SelectNode(key);
+    if (filter_) filter_->NodesChanged();
 }
 
 void VICenterWindow::StartLabelEdit() {
@@ -107,6 +116,32 @@ void VICenterWindow::ShowColumnDialog(dialogs::frmSetColume& dialog) {
 void VICenterWindow::ShowHistory(center::TemplateHistory& history) {
     HistoryDialog window(history, this);
     window.exec();
+}
+
+void VICenterWindow::ShowReplacement(center::CodeReplacement& replacement) {
+    ReplacementDialog window(replacement, this);
+    window.exec();
+}
+
+void VICenterWindow::ShowGridReplace(center::GridReplace& replace) {
+    GridReplaceDialog window(replace, this);
+    window.adjustSize();
+    // In the corner where it hides the fewest rows.
+    window.move(mapToGlobal(QPoint(width() - window.width() - 30, height() - window.height() - 60)));
+    window.exec();
+}
+
+void VICenterWindow::ShowLog(center::OperationLog& log) {
+    LogDialog window(log, this);
+    window.exec();
+}
+
+void VICenterWindow::ShowSearch() {
+    search_->TakeKeyboard();
+}
+
+std::optional<std::string> VICenterWindow::AskName(const std::string& caption, const std::string& proposed) {
+    return AskForName(caption, proposed, this);
 }
 
 }  // namespace vicenter::ui

@@ -19,6 +19,7 @@ constexpr int kNameLeft = 20;
 constexpr int kProgressWidth = 4800;
 constexpr int kProgressHeight = 1000;
 constexpr int kNamePadding = 9;  // pixels around the name's line
+constexpr int kFilterGap = 3;    // pixels between the filter and the tree
 // Of a font's em: what one line of a cell takes up. The line heights that Chinese fonts name for running text
 // would leave a third of every row empty.
 constexpr double kLineOfEm = 1.2;
@@ -42,7 +43,13 @@ void VICenterWindow::LayOutFrame() {
     if (!centralWidget()) return;
     const center::FrameLayout layout =
         center::LayoutFrame(TwipsOf(centralWidget()->size(), *this), kTreeWidth);
-    tree_->setGeometry(PixelsOf(layout.tree, *this));
+    QRect tree = PixelsOf(layout.tree, *this);
+    if (!filter_->isHidden()) {
+        const int height = filter_->fontMetrics().height() + kNamePadding;
+        filter_->setGeometry(tree.left(), tree.top(), tree.width(), height);
+        tree.setTop(std::min(tree.top() + height + kFilterGap, tree.bottom()));
+    }
+    tree_->setGeometry(tree);
     panel_->setGeometry(PixelsOf(layout.gridPanel, *this));
     LayOutPanel();
 }
@@ -96,7 +103,7 @@ int VICenterWindow::ApplyFont(const std::string& name, double size) {
         font.setPointSizeF(size);
         widget->setFont(font);
     };
-    for (QWidget* widget : std::initializer_list<QWidget*>{measure_, name_, tree_})
+    for (QWidget* widget : std::initializer_list<QWidget*>{measure_, name_, tree_, filter_})
         change(widget);
     items_->SetFont(name_->font());
     LayOutPanel();
