@@ -128,6 +128,7 @@ void WriteTemplate(const TemplateTarget& target, const std::string& batch, const
                       store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>())};
     result.message =
         store::WithUnusableNote("凭证生成凭证模板 " + target.name + " 成功！", result.outcome.unusable);
+    entry::WriteOperationLog(entry::LogKind::Succeeded, "凭证模板-通过凭证生成模板 " + target.name + " 成功");
 }
 
 }  // namespace
