@@ -16,6 +16,7 @@
 #include "host/cli/console.h"
 #include "host/cli/context.h"
 #include "host/cli/exchange_options.h"
+#include "host/cli/search_options.h"
 #include "host/components/components.h"
 #include "platform/ado/passwords.h"
 #include "platform/office/excel_server.h"
@@ -184,7 +185,9 @@ class CommandLine {
             ->required();
         AddNamedCommand("delete", CliCommand::Delete, "删除模板 / delete a template");
         AddCheck();
-        AddLog();
+        AddLogCommand(app_, options_);
+        AddReplaceCommand(app_, options_);
+        AddSearchCommand(app_, options_);
         AddNamedCommand("save", CliCommand::Save,
                         "从标准输入读入 JSON 并保存 / replace a template's lines from standard input");
         AddCommand(app_, "sql", CliCommand::Sql, "执行 T-SQL / run T-SQL, GO ends a batch")
@@ -207,19 +210,6 @@ class CommandLine {
             if (name->count() == 0 && !options_.all) throw CLI::RequiredError("NAME | --all");
             options_.command = CliCommand::Check;
         });
-    }
-
-    void AddLog() {
-        LogOptions& log = options_.log;
-        CLI::App* added = AddCommand(app_, "log", CliCommand::Log, "操作日志 / print the operation log");
-        added->add_option("--from", log.from, "起始日期 yyyy-mm-dd / first day")->check(kDay);
-        added->add_option("--to", log.to, "终止日期 / last day")->check(kDay);
-        added->add_option("--user", log.user, "操作的用户 / the user who acted")->check(kDigits);
-        added
-            ->add_option("--kind", log.kind,
-                         "1 请求，2 关闭，3 成功，4 失败 / asked for, closed, done, failed")
-            ->check(CLI::IsMember({"1", "2", "3", "4"}));
-        added->add_option("--template", log.templateName, "模板名称 / a template's name")->check(kNotEmpty);
     }
 
     void AddHistory() {
@@ -320,6 +310,10 @@ int Dispatch(const CliContext& context) {
             return RunImport(context);
         case CliCommand::Generate:
             return RunGenerate(context);
+        case CliCommand::Replace:
+            return RunReplace(context);
+        case CliCommand::Search:
+            return RunSearch(context);
         case CliCommand::Drivers:
             return RunDrivers(context);
     }
@@ -344,6 +338,7 @@ bool Speaks(CliCommand command) {
         case CliCommand::Export:
         case CliCommand::Import:
         case CliCommand::Generate:
+        case CliCommand::Replace:
             return true;
         default:
             return false;

@@ -58,6 +58,8 @@ int RunWindow(const CliContext& context);
 int RunExport(const CliContext& context);
 int RunImport(const CliContext& context);
 int RunGenerate(const CliContext& context);
+int RunReplace(const CliContext& context);
+int RunSearch(const CliContext& context);
 int RunDrivers(const CliContext& context);
 
 }  // namespace vicenter::host

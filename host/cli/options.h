@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "center/search/template_search.h"
+#include "store/operation_log.h"
+
 namespace vicenter::host {
 
 enum class CliCommand {
@@ -31,6 +34,8 @@ enum class CliCommand {
     Export,
     Import,
     Generate,
+    Replace,
+    Search,
     Drivers
 };
 
@@ -44,13 +49,13 @@ struct GenerateOptions {
     std::vector<int> fields;  // grid columns of the optional fields
 };
 
-// Which entries of the operation log; empty: all.
-struct LogOptions {
-    std::string from;  // yyyy-mm-dd, that day included
+// One code for another in all templates.
+struct ReplaceOptions {
+    std::string column;  // account, items, settlement, currency, unit
+    std::string from;
     std::string to;
-    std::string user;
-    std::string kind;          // 1 asked for, 2 closed, 3 done, 4 failed
-    std::string templateName;  // named in the text
+    bool standard = false;  // in the standard template as well
+    bool undo = false;      // the last replacement taken back instead
 };
 
 struct CliOptions {
@@ -76,12 +81,14 @@ struct CliOptions {
     std::optional<int> keepVersions;
     bool all = false;                   // check: every template
     bool deleted = false;               // history: of templates that are gone
-    std::string windowFile;              // window: the account set, as a desktop names it
+    std::string windowFile;             // window: the account set, as a desktop names it
     std::string sessionFolder;          // window --offscreen-session
     std::string exportFolder;           // export --all
     std::string excelVersion = "16.0";  // of the workbook server; "none": not installed
     GenerateOptions generate;
-    LogOptions log;
+    store::LogFilter log;
+    center::SearchWish search;
+    ReplaceOptions replace;
 };
 
 }  // namespace vicenter::host
