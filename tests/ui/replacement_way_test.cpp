@@ -77,9 +77,7 @@ TEST_F(ReplacementWayTest, TickedLinesAreReplacedAndTheOpenTemplateShowsIt) {
             Answer(system::MessageResult::Yes);
             Press(dialog, "cmdUndo");
         },
-        [&] {
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier);
-        });
+        [&] { QTest::keyClick(window.data(), Qt::Key_H, Qt::ControlModifier | Qt::ShiftModifier); });
     ASSERT_TRUE(dialogShown_);
     EXPECT_EQ(
         Number("select count(*) from t_VchTemplateEntry where FAccountNumber = '1002.05' and FEntryID = 2"),

@@ -19,7 +19,9 @@ using ::testing::IsEmpty;
 class SearchWayTest : public TreeMenuTest {
   protected:
     void Press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
-        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+        // Without a window manager nobody gives the keyboard back after a dialog.
+        QWidget* at = QApplication::focusWidget();
+        QTest::keyClick(at == nullptr ? window->focusWidget() : at, key, modifiers);
         QApplication::processEvents();
     }
     QStringList Hits() {
@@ -84,7 +86,7 @@ TEST_F(SearchWayTest, TextsAreReplacedInTheGridAndUndoneAtOnce) {
     ASSERT_TRUE(dialogShown_);
     EXPECT_EQ(Text(1, column::kExplanation), "x办公费");
     EXPECT_EQ(Text(3, column::kExplanation), "x差旅费");
-    window->Grid().setFocus();
+    ClickCell(1, column::kExplanation);
     Press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(Contents(), before);
 }
@@ -128,8 +130,8 @@ TEST_F(SearchWayTest, ATemplateIsSavedUnderTheNameThatIsTyped) {
 
 TEST_F(SearchWayTest, TheFilterComesWithTheTenthTemplateAndKeepsTheLitNode) {
     auto* filter = window->findChild<TreeFilter*>("txtTreeFilter");
-    const QRect whole = window->Tree().geometry();
     OpenTemplate("日常费用");
+    const QRect whole = window->Tree().geometry();
     while (window->Presenter().Nodes().size() < 11) {
         EXPECT_TRUE(filter->isHidden());
         for (const center::TreeMenuItem& item : window->Presenter().Tree().MenuItems()) {
