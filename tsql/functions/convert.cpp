@@ -50,6 +50,12 @@ void NextIdentityFunction(FunctionCall& call) {
     call.Return(call.Services().nextIdentity());
 }
 
+// ts_identity_given(number)
+void IdentityGivenFunction(FunctionCall& call) {
+    call.Services().identityGiven(call.Int(0));
+    call.ReturnArgument(0);
+}
+
 // ts_member(text): see kMemberCall
 void MemberFunction(FunctionCall& call) {
     if (!call.IsNull(0)) call.Return(WithoutLoneBlank(call.Collation(), call.Text(0)));
@@ -83,8 +89,8 @@ constexpr SqlFunction kPlain = Scalar<PlainFunction>("ts_plain", 1);
 constexpr SqlFunction kFail = Scalar<FailFunction>("ts_fail", 1, false);
 
 constexpr const SqlFunction* kOthers[] = {
-    &kConvertCall,      &kTryConvertCall, &kPutCall,   &kNullCheck, &kVariableCall,
-    &kNextIdentityCall, &kMemberCall,     &kBytesCall, &kPlain,     &kFail};
+    &kConvertCall,       &kTryConvertCall, &kPutCall,   &kNullCheck, &kVariableCall, &kNextIdentityCall,
+    &kIdentityGivenCall, &kMemberCall,     &kBytesCall, &kPlain,     &kFail};
 
 }  // namespace
 
@@ -95,6 +101,7 @@ const SqlFunction kBytesCall = Scalar<BytesFunction>("ts_bytes", 1);
 const SqlFunction kMemberCall = Scalar<MemberFunction>("ts_member", 1);
 const SqlFunction kVariableCall = Scalar<VariableFunction>("ts_variable", 2, false);
 const SqlFunction kNextIdentityCall = Scalar<NextIdentityFunction>("ts_next_identity", 0, false);
+const SqlFunction kIdentityGivenCall = Scalar<IdentityGivenFunction>("ts_identity_given", 1, false);
 
 FunctionSet ConversionFunctions() {
     return {{}, kOthers};

@@ -143,16 +143,17 @@ extern const SqlFunction
 // (number, RowLimit): the number; the errors of the server for NULL and for one that cannot be.
 enum class RowLimit { kTop, kOffset, kFetch };
 extern const SqlFunction kRowCountCall;
-extern const SqlFunction kVariableCall;      // (name, type): its value at this moment
-extern const SqlFunction kNextIdentityCall;  // ()
-extern const SqlFunction kIntegerCall;       // (operator, a, b, type)
-extern const SqlFunction kDecimalCall;       // (operator, a, b, type)
-extern const SqlFunction kRealCall;          // (operator, a, b)
-extern const SqlFunction kNegateCall;        // (value, type)
-extern const SqlFunction kDatePlusCall;      // (date, days, sign)
-extern const SqlFunction kLikeCall;          // (text, pattern[, escape])
-extern const SqlFunction kUnicodeLikeCall;   // the same; trailing blanks count
-extern const SqlFunction kSingleCall;        // (value): of the only row, error 512 for a second one
+extern const SqlFunction kVariableCall;       // (name, type): its value at this moment
+extern const SqlFunction kNextIdentityCall;   // ()
+extern const SqlFunction kIdentityGivenCall;  // (number): it, told to the session
+extern const SqlFunction kIntegerCall;        // (operator, a, b, type)
+extern const SqlFunction kDecimalCall;        // (operator, a, b, type)
+extern const SqlFunction kRealCall;           // (operator, a, b)
+extern const SqlFunction kNegateCall;         // (value, type)
+extern const SqlFunction kDatePlusCall;       // (date, days, sign)
+extern const SqlFunction kLikeCall;           // (text, pattern[, escape])
+extern const SqlFunction kUnicodeLikeCall;    // the same; trailing blanks count
+extern const SqlFunction kSingleCall;         // (value): of the only row, error 512 for a second one
 extern const SqlFunction kAtLeastCall;    // (number, least, error): the number; the error for a smaller one
 extern const SqlFunction kPercentCall;    // (rows, percent): how many rows TOP … PERCENT takes
 extern const SqlFunction kRecursionCall;  // (level, most): the level below; error 530 beyond the most

@@ -36,6 +36,7 @@ struct FunctionServices {
     std::function<Value(std::string_view variable)> variable;
 
     std::function<std::int64_t()> nextIdentity;
+    std::function<void(std::int64_t given)> identityGiven;
 
     std::optional<SqlError> pending;
     // A comparison could not be made, for lack of memory; the order that it gave must not be kept.

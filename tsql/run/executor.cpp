@@ -31,9 +31,10 @@ Executor::Executor(Database& database, Catalog& catalog, FunctionServices& servi
     // Called for each row while SQLite runs the INSERT, so that INSERT … SELECT numbers its rows in their
     // order.
     services_.nextIdentity = [this] {
-        nextIdentity_ += identityStep_;
-        return nextIdentity_;
+        HandIdentity(furthestIdentity_ + identityStep_);
+        return lastIdentity_;
     };
+    services_.identityGiven = [this](std::int64_t given) { HandIdentity(given); };
 }
 
 Executor::~Executor() = default;

@@ -143,9 +143,8 @@ class Executor {
     void RunModification(Plan& plan, std::vector<std::vector<Value>>* output);
     void CountRows(std::int64_t count);
     void StartIdentity(const TableInfo& table);
+    void HandIdentity(std::int64_t value);
     void KeepIdentity(const TableInfo& table);
-    void KeepGivenIdentity(const TableInfo& table);
-    void TellIdentity(std::int64_t last);
     struct MergeChanges {
         struct Row {
             std::int64_t row = 0;
@@ -266,7 +265,8 @@ class Executor {
     std::int32_t lastError_ = 0;
     std::int32_t fetchStatus_ = 0;
     Value identity_;
-    std::int64_t nextIdentity_ = 0;
+    std::int64_t lastIdentity_ = 0;      // that a row of the statement has got
+    std::int64_t furthestIdentity_ = 0;  // of them all, in the direction of the step
     std::int64_t identityStep_ = 1;
     std::vector<Diagnostic> caught_;  // of the CATCH blocks that run, innermost last
     std::int64_t tableVariables_ = 0;

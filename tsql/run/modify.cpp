@@ -12,38 +12,29 @@ void Executor::CountRows(std::int64_t count) {
     report_->rowsAffected = (report_->rowsAffected < 0 ? 0 : report_->rowsAffected) + count;
 }
 
-// The values are handed out while SQLite runs the statement; the account set gets the last one when that is
-// over.
+// The values are handed out or given while SQLite runs the statement; the account set gets the furthest when
+// that is over.
 void Executor::StartIdentity(const TableInfo& table) {
-    nextIdentity_ = catalog_.LastIdentity(table);
+    furthestIdentity_ = catalog_.LastIdentity(table);
     identityStep_ = table.IdentityColumn()->increment;
 }
 
+void Executor::HandIdentity(std::int64_t value) {
+    lastIdentity_ = value;
+    // Values that are given move the counter on in the direction of its steps, never back.
+    if (identityStep_ < 0 ? value < furthestIdentity_ : value > furthestIdentity_) furthestIdentity_ = value;
+}
+
 void Executor::KeepIdentity(const TableInfo& table) {
-    catalog_.SetLastIdentity(table, nextIdentity_);
-    TellIdentity(nextIdentity_);
-}
-
-// Values that were given move the counter on, but never back.
-void Executor::KeepGivenIdentity(const TableInfo& table) {
-    PreparedStatement highest =
-        database_.Prepare("SELECT max(" + Quoted(table.IdentityColumn()->name) + ") FROM " + table.Sql());
-    if (!database_.Step(highest) || highest.IsNull(0)) return;
-    const std::int64_t last = highest.Int(0);
-    highest.Reset();
-    if (last > catalog_.LastIdentity(table)) catalog_.SetLastIdentity(table, last);
-    TellIdentity(last);
-}
-
-void Executor::TellIdentity(std::int64_t last) {
-    identity_ = Value(last);
+    if (furthestIdentity_ != catalog_.LastIdentity(table)) catalog_.SetLastIdentity(table, furthestIdentity_);
+    identity_ = Value(lastIdentity_);
     frame_->scopeIdentity = identity_;
 }
 
 void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* output) {
     const Translation& translation = plan.translation;
     const TableInfo* table = translation.table.empty() ? nullptr : catalog_.FindTable(translation.table);
-    const bool identity = translation.usesIdentity && table != nullptr;
+    const bool identity = translation.FillsIdentity() && table != nullptr;
     if (identity) StartIdentity(*table);
     // Where a failure ends the batch and undoes all of it, no statement needs undoing by itself.
     const bool survivable = tryDepth_ > 0 || !options_.batchTransactions;
@@ -62,11 +53,7 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
         }
         changed = database_.Changes();
     }
-    if (identity) {
-        KeepIdentity(*table);
-    } else if (translation.givesIdentity && table != nullptr) {
-        KeepGivenIdentity(*table);
-    }
+    if (identity && changed > 0) KeepIdentity(*table);
     CheckRowLimit(frame_->options.rowCountLimit, changed);
     guard.Release();
     CountRows(changed);

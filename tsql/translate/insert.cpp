@@ -109,7 +109,7 @@ Translation Translator::Insert(const InsertStatement& statement) {
             const auto* literal = TryAs<LiteralExpr>(row[i].get());
             const bool isDefault = literal != nullptr && literal->literal == LiteralKind::kDefault;
             const Operand value = isDefault ? DefaultOf(*columns[i]) : Value(*row[i], scope);
-            values += (i == 0 ? "" : ", ") + RenderStored(value, table, *columns[i], kInsert);
+            values += (i == 0 ? "" : ", ") + RenderGiven(value, table, *columns[i], kInsert);
         }
         rows.push_back(std::move(values));
     }
@@ -144,7 +144,7 @@ Translation Translator::InsertRow(const TableInfo& table, const std::vector<Name
         Operand row = System("", types[i]);
         row.pending->source = Parameter::Source::kRow;
         row.pending->ordinal = static_cast<int>(i);
-        values.push_back(RenderStored(row, table, *columns[i], kInsert));
+        values.push_back(RenderGiven(row, table, *columns[i], kInsert));
     }
     AddDefaults(table, columns, values);
     std::string sql;
@@ -172,7 +172,7 @@ Translation Translator::InsertQuery(const TableInfo& table, const std::vector<Na
         // What a column of the same type holds is in this one's form already.
         const bool fits = rows.natural[i] && rows.columns[i].type == column.type && column.nullable &&
                           !table.IsInUniqueKey(column.name);
-        values.push_back(fits ? Render(value) : RenderStored(value, table, column, kInsert));
+        values.push_back(fits ? Render(value) : RenderGiven(value, table, column, kInsert));
     }
     AddDefaults(table, columns, values);
     std::string list;

@@ -96,7 +96,7 @@ void Translator::AddStep(const MergeClause& clause, int number, const TableInfo&
             const auto* literal = TryAs<LiteralExpr>(clause.values[i].get());
             const bool isDefault = literal != nullptr && literal->literal == LiteralKind::kDefault;
             const Operand value = isDefault ? DefaultOf(*columns[i]) : Value(*clause.values[i], scope);
-            values.push_back(stored(value, *columns[i]));
+            values.push_back(RenderGiven(Computed(Render(value), value.type), table, *columns[i], kMerge));
         }
         AddDefaults(table, columns, values);
         for (std::size_t i = 0; i < columns.size(); ++i)

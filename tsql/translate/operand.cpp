@@ -103,6 +103,12 @@ std::string Translator::RenderStored(const Operand& operand, const TableInfo& ta
                           isKey ? "1" : "0"});
 }
 
+std::string Translator::RenderGiven(const Operand& operand, const TableInfo& table, const ColumnInfo& column,
+                                    const char* operation) {
+    std::string stored = RenderStored(operand, table, column, operation);
+    return column.identity ? kIdentityGivenCall.Call({stored}) : stored;
+}
+
 // Bytes are sorted and grouped without the zeros at their end, though they stay what they are where they
 // show.
 std::string Translator::Sorted(const Operand& operand) {

@@ -65,7 +65,8 @@ struct Translation {
     bool changesTemporary = false;
     bool usesIdentity = false;   // rows get their identity values from the session
     bool givesIdentity = false;  // the statement gives explicit values for an identity column
-    bool hasOutput = false;      // rows come back from OUTPUT: `columns` describes them
+    bool FillsIdentity() const { return usesIdentity || givesIdentity; }
+    bool hasOutput = false;  // rows come back from OUTPUT: `columns` describes them
     // Temporary tables that the statement uses, with their numbers: made anew they need a new translation.
     std::vector<std::pair<std::string, std::int64_t>> temporaries;
     std::vector<MergeStep> steps;  // of MERGE

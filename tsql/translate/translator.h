@@ -202,6 +202,9 @@ class Translator {
     std::string RenderCompared(const Operand& operand, const SqlType& common);
     std::string RenderStored(const Operand& operand, const TableInfo& table, const ColumnInfo& column,
                              const char* operation);
+    // For a column that the statement gives a value: the session hears of one for an identity column.
+    std::string RenderGiven(const Operand& operand, const TableInfo& table, const ColumnInfo& column,
+                            const char* operation);
     // With the collation that SQLite does not know by itself.
     std::string Collated(const Operand& operand);
     std::string Sorted(const Operand& operand);

@@ -70,11 +70,11 @@ void Executor::InsertRows(const void* key, const ObjectName& name, const std::ve
     std::int64_t count = 0;
     for (const std::vector<Value>& row : rows) {
         const ResetAtEnd reset(plan.statement);
-        if (plan.translation.usesIdentity) StartIdentity(*table);
+        if (plan.translation.FillsIdentity()) StartIdentity(*table);
         Bind(plan, &row);
         while (StepPlan(plan)) {
         }
-        if (plan.translation.usesIdentity) KeepIdentity(*table);
+        if (plan.translation.FillsIdentity()) KeepIdentity(*table);
         ++count;
     }
     CountRows(count);

@@ -18,7 +18,7 @@ void Executor::Merge(const MergeStatement& statement) {
             PlanFor(&statement, [&](Translator& translator) { return translator.MergeRows(statement); });
         changes.table = catalog_.FindTable(joined.translation.table);
         CheckMergeable(*changes.table, statement);
-        if (joined.translation.usesIdentity) StartIdentity(*changes.table);
+        if (joined.translation.FillsIdentity()) StartIdentity(*changes.table);
         CollectMerge(joined, changes);
         bool looksForMissed = false;
         for (const MergeClause& clause : statement.clauses)
@@ -33,8 +33,7 @@ void Executor::Merge(const MergeStatement& statement) {
             throw MakeError(40510, statement.position, {"MERGE … UPDATE of a key that others refer to"});
         StatementGuard guard(database_, true);
         ApplyMerge(joined, changes);
-        if (joined.translation.usesIdentity && !changes.inserted.empty()) KeepIdentity(*changes.table);
-        if (joined.translation.givesIdentity && !changes.inserted.empty()) KeepGivenIdentity(*changes.table);
+        if (joined.translation.FillsIdentity() && !changes.inserted.empty()) KeepIdentity(*changes.table);
         const auto changed = static_cast<std::int64_t>(changes.deleted.size() + changes.updated.size() +
                                                        changes.anew.size() + changes.inserted.size());
         CheckRowLimit(frame_->options.rowCountLimit, changed);
