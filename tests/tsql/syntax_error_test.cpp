@@ -116,6 +116,14 @@ TEST(SyntaxErrorTest, PassesArgumentsByNameToTheEnd) {
     EXPECT_EQ(ErrorOf("exec p 1 + 1"), "102 1:10 Incorrect syntax near '+'.");
 }
 
+TEST(SyntaxErrorTest, RefusesBracesThatAreNothingHere) {
+    const std::string behind = "}' is not supported by the embedded account set.";
+    EXPECT_EQ(ErrorOf("select {interval '1'} as y"), "40510 1:9 Statement '{interval " + behind);
+    EXPECT_EQ(ErrorOf("{call sp_help}"), "40510 1:1 Statement '{call " + behind);
+    EXPECT_EQ(ErrorOf("{? = call p(1)}"), "40510 1:1 Statement '{call " + behind);
+    EXPECT_EQ(ErrorOf("select {ts '20260101'"), "102 1:12 Incorrect syntax near '20260101'.");
+}
+
 TEST(SyntaxErrorTest, BoundsNesting) {
     const std::string message =
         "Some part of your SQL statement is nested too deeply. Rewrite the query or break it up into smaller "

@@ -110,6 +110,10 @@ ExprPtr Parser::ParsePrimary(bool conditionAllowed) {
             expr = ParseNameOrCall();
             break;
         default:
+            if (AtBrace("{")) {
+                expr = ParseBraces();
+                break;
+            }
             if (token.op != Op::kLeftParen) Fail();
             expr = ParseParentheses(conditionAllowed);
             if (IsCondition(*expr)) return expr;

@@ -60,6 +60,7 @@ constexpr std::string_view kForms[] = {"xml", "json", "browse"};
 
 void Parser::RefuseStatement() {
     const Token& token = Peek();
+    if (AtBrace("{")) Refuse(token.position, "{call }");
     if (token.kind != TokenKind::kIdentifier) return;
     if (At(Keyword::kBegin) && At(Keyword::kDistributed, 1)) Refuse(token.position, "BEGIN DISTRIBUTED TRAN");
     if (At(Keyword::kUpdate) && At(Keyword::kStatistics, 1)) Refuse(token.position, "UPDATE STATISTICS");
@@ -102,14 +103,13 @@ void Parser::RefusePredicate() {
     if (At(Keyword::kUpdate) && At(Op::kLeftParen, 1)) Refuse(Peek().position, "UPDATE()");
 }
 
-// x AT TIME ZONE 'China Standard Time', and what stands in braces for ODBC.
+// x AT TIME ZONE 'China Standard Time'
 void Parser::RefuseBehindValue() {
     if (AtWord("at") && AtWord("time", 1) && AtWord("zone", 2)) Refuse(Peek().position, "AT TIME ZONE");
 }
 
 void Parser::RefuseValue() {
     const Token& token = Peek();
-    if (token.kind == TokenKind::kUnknown && token.text == "{") Refuse(token.position, "{ }");
     if (AtWord("next") && AtWord("value", 1) && At(Keyword::kFor, 2))
         Refuse(token.position, "NEXT VALUE FOR");
     if (At(Keyword::kIdentitycol)) Refuse(token.position, "IDENTITYCOL");

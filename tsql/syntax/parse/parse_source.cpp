@@ -146,6 +146,13 @@ TableSourcePtr Parser::ParseSource() {
 TableSourcePtr Parser::ParseOneSource() {
     const Position start = Peek().position;
     if (At(Op::kLeftParen)) return ParseSourceInParentheses();
+    if (AtBrace("{") && AtWord("oj", 1)) {
+        Take();
+        Take();
+        TableSourcePtr source = ParseSource();
+        ExpectBraceEnd();
+        return source;
+    }
     RefuseRowset();
     if (At(TokenKind::kVariable)) {
         auto table = std::make_unique<TableRef>(start);

@@ -142,6 +142,10 @@ class Parser {
     ExprPtr ParseNameOrCall();
     ExprPtr ParseKeywordPrimary();
     ExprPtr ParseLiteral();
+    bool AtBrace(std::string_view brace);
+    void ExpectBraceEnd();
+    ExprPtr ParseBraces();  // (parse_braces.cpp)
+    ExprPtr ParseOdbcCall();
     ExprPtr ParseCase();
     ExprPtr ParseCast(bool tryOnly);
     ExprPtr ParseConvert(bool tryOnly);
