@@ -227,7 +227,11 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         std::vector<const std::vector<CommonTable>*> outside;
         outside.swap(commonTables_);
         ++foreignDepth_;
-        const bool changes = IsChanged(exposed) || IsChanged(name);
+        const bool changes =
+            IsChanged(exposed) || (changed_.isOpen && SameName(changed_.name->Object(), name));
+        if (changes && view->withCheckOption)
+            throw MakeError(40510, table.position,
+                            {"UPDATE and DELETE of view " + name + " WITH CHECK OPTION"});
         const QueryText query = changes ? ChangedQuery(*view->query, exposed, view->columns)
                                         : QueryOf(*view->query, nullptr, false);
         --foreignDepth_;

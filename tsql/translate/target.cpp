@@ -30,7 +30,8 @@ void Translator::Begin(const TableInfo& table, const char* operation) {
     if (table.temporary) translation_.temporaries.emplace_back(table.name, table.id);
 }
 
-// The server changes the table behind a view of plain columns of one table; here it is to be named itself.
+// The table behind a view of plain columns of one table is changed through it. INSERT and MERGE are to name
+// the table itself.
 void Translator::RefuseView(const ObjectName& name, const Query& query) {
     const SelectBody* select = query.Select();
     const bool plain = select != nullptr && !select->distinct && select->groupBy.empty() && !select->having;
@@ -44,7 +45,7 @@ void Translator::RefuseView(const ObjectName& name, const Query& query) {
         }
     }
     if (derived) throw MakeError(4406, name.Where(), {name.Object()});
-    throw MakeError(40510, name.Where(), {"INSERT, UPDATE and DELETE of view " + name.Object()});
+    throw MakeError(40510, name.Where(), {"INSERT and MERGE of view " + name.Object()});
 }
 
 const TableInfo& Translator::TargetTable(const ObjectName& name) {
@@ -70,6 +71,13 @@ const Source& Translator::ChangedSource(const ObjectName& name, const std::vecto
         from += (from.empty() ? " FROM " : ", ") + text;
         target = &scope.sources.back();
     }
+    if (target == nullptr && FindTable(name.Object()) == nullptr &&
+        context_.ViewDefinition(name.Object()) != nullptr) {
+        TableRef view(name.Where());
+        view.name = name;
+        from += (from.empty() ? " FROM " : ", ") + Table(view, scope);
+        target = &scope.sources.back();
+    }
     changed_.isOpen = false;
     if (target == nullptr) {
         const TableInfo& named = TargetTable(name);
@@ -79,8 +87,6 @@ const Source& Translator::ChangedSource(const ObjectName& name, const std::vecto
     }
     if (target->table == nullptr) {
         if (changed_.table != nullptr) return SourceBehind(*target, name, where, from);
-        if (const CreateViewStatement* view = context_.ViewDefinition(target->tableName))
-            RefuseView(name, *view->query);
         throw MakeError(40510, where, {"UPDATE and DELETE of query " + name.Text()});
     }
     return *target;
