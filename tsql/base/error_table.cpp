@@ -293,6 +293,8 @@ constexpr ErrorEntry kErrors[] = {
      "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back."},
     {4104, 16, kBatch, "The multi-part identifier \"%.*ls\" could not be bound."},
     {4108, 15, kBatch, "Windowed functions can only appear in the SELECT or ORDER BY clauses."},
+    {4109, 15, kBatch,
+     "Windowed functions cannot be used in the context of another windowed function or aggregate."},
     {4112, 15, kBatch, "The function '%.*ls' must have an OVER clause with ORDER BY."},
     {4113, 16, kBatch,
      "The function '%.*ls' is not a valid windowing function, and cannot be used with the OVER clause."},
@@ -329,6 +331,16 @@ constexpr ErrorEntry kErrors[] = {
     {5074, 16, kStatement, "The %S_MSG '%.*ls' is dependent on %S_MSG '%.*ls'."},
     {5120, 16, kBatch, "Unable to open the physical file \"%.*ls\": %ls."},
     {5172, 16, kBatch, "The file '%.*ls' is not an account set."},
+    {5308, 16, kBatch,
+     "Windowed functions, aggregates and NEXT VALUE FOR functions do not support integer indices as ORDER BY "
+     "clause expressions."},
+    {5309, 16, kBatch,
+     "Windowed functions, aggregates and NEXT VALUE FOR functions do not support constants as ORDER BY "
+     "clause "
+     "expressions."},
+    {5324, 15, kBatch,
+     "In a MERGE statement, a '%S_MSG' clause with a search condition cannot appear after a '%S_MSG' clause "
+     "with no search condition."},
     {8101, 16, kBatch,
      "An explicit value for the identity column in table '%.*ls' can only be specified when a column list is "
      "used and IDENTITY_INSERT is ON."},
@@ -399,6 +411,8 @@ constexpr ErrorEntry kErrors[] = {
     {10711, 15, kBatch,
      "An action of type '%S_MSG' is not allowed in the '%S_MSG' clause of a MERGE statement."},
     {10713, 15, kBatch, "A MERGE statement must be terminated by a semi-colon (;)."},
+    {10714, 15, kBatch,
+     "An action of type '%S_MSG' cannot appear more than once in a '%S_MSG' clause of a MERGE statement."},
     {10738, 15, kBatch,
      "The number of row value expressions in the INSERT statement exceeds the maximum allowed number of %d "
      "row values."},

@@ -16,12 +16,15 @@ class Translator::CallBinding final : public Binding {
         : Binding(entry, call, std::move(name)), translator_(translator), call_(call), scope_(scope) {
         const bool aggregate = entry.kind == FunctionKind::kAggregate && !call.over;
         if (aggregate && translator_.aggregateDepth_ > 0) throw MakeError(130, call.position);
+        const bool window = aggregate || call.over;
         if (aggregate) ++translator_.aggregateDepth_;
+        if (window) ++translator_.windowDepth_;
         for (std::size_t i = 0; i < call.arguments.size(); ++i) {
             operands_.push_back(i < entry.firstValue ? Operand()
                                                      : translator_.Value(*call.arguments[i], scope));
         }
         if (aggregate) --translator_.aggregateDepth_;
+        if (window) --translator_.windowDepth_;
     }
 
     const SqlType& Type(std::size_t i) const override { return operands_[i].type; }

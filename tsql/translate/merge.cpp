@@ -70,6 +70,10 @@ void Translator::AddStep(const MergeClause& clause, int number, const TableInfo&
         return RenderStored(Computed(Render(value), value.type), table, column, kMerge);
     };
     if (clause.action == MergeAction::kUpdate) {
+        for (const tsql::Assignment& assignment : clause.assignments) {
+            if (!assignment.variable.empty())
+                throw MakeError(40510, assignment.position, {"MERGE … SET @variable = column = expression"});
+        }
         const std::vector<Assigned> assigned = Assignments(clause.assignments, table, scope, alias);
         step.isWhole = std::any_of(assigned.begin(), assigned.end(), [&](const Assigned& entry) {
             return table.IsInUniqueKey(entry.column->name);

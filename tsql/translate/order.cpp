@@ -117,6 +117,11 @@ std::string Translator::LimitOf(const SelectBody* select, const Query* query, Sc
         return " LIMIT " + count(*top.count, RowLimit::kTop);
     }
     if (query == nullptr || !query->offset) return {};
+    const auto isPlain = [](const Expr& expression) {
+        return expression.kind == ExprKind::kLiteral || expression.kind == ExprKind::kVariable;
+    };
+    if (scope.outer != nullptr && !(isPlain(*query->offset) && (!query->fetch || isPlain(*query->fetch))))
+        throw MakeError(40510, query->offset->position, {"OFFSET by an expression in a subquery"});
     std::string sql = " LIMIT " + (query->fetch ? count(*query->fetch, RowLimit::kFetch) : "-1");
     return sql + " OFFSET " + count(*query->offset, RowLimit::kOffset);
 }

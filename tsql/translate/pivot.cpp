@@ -7,6 +7,7 @@
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
+#include "tsql/types/convert.h"
 
 namespace vicenter::tsql::engine {
 
@@ -54,6 +55,15 @@ std::vector<SourceColumn> AllColumns(const Scope& scope, Position where) {
     return all;
 }
 
+bool IsValueOf(const std::string& text, const SqlType& type) {
+    try {
+        Convert(engine::Value(text), SqlType::NVarChar(128), type, 0);
+        return true;
+    } catch (const SqlError&) {
+        return false;
+    }
+}
+
 const SourceColumn& Find(const std::vector<SourceColumn>& columns, const std::string& name, Position where) {
     for (const SourceColumn& column : columns) {
         if (SameName(column.name, name)) return column;
@@ -90,7 +100,10 @@ std::string Translator::Pivoted(const PivotTable& pivot, Scope& scope) {
         groups += (groups.empty() ? " GROUP BY " : ", ") + Collated(item);
         add(column.name, item);
     }
+    const SqlType& spread = Find(columns, pivot.spread.Object(), pivot.spread.Where()).type;
     for (const Name& column : pivot.columns) {
+        if (!IsValueOf(column.text, spread))
+            throw MakeError(8114, column.position, {"nvarchar", spread.Name()});
         ownedExpressions_.push_back(AggregateOf(pivot, column));
         ++foreignDepth_;
         Operand item = Value(*ownedExpressions_.back(), inner);

@@ -148,6 +148,11 @@ void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::strin
     scope.grouped = true;
 }
 
+// SQLite's LIMIT knows nothing of the query around it.
+static bool MayAskOutside(const Expr& count, const Scope* outer) {
+    return outer != nullptr && count.kind != ExprKind::kLiteral && count.kind != ExprKind::kVariable;
+}
+
 SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer) {
     Scope scope;
     scope.outer = outer;
@@ -202,7 +207,8 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     parts.head = select.distinct ? "SELECT DISTINCT" : "SELECT";
     parts.singleRow =
         select.from.empty() || (aggregates && select.groupBy.empty() && select.grouping.empty());
-    if (select.top && (select.top->percent || select.top->withTies)) {
+    if (select.top &&
+        (select.top->percent || select.top->withTies || MayAskOutside(*select.top->count, outer))) {
         // A member of a set has no order of its own.
         const Query unordered;
         LimitByRank(select, orderFrom != nullptr ? *orderFrom : unordered, scope, parts);

@@ -334,6 +334,7 @@ class Translator {
     std::vector<const std::vector<CommonTable>*> commonTables_;
     std::vector<std::unique_ptr<Expr>> ownedExpressions_;  // defaults and the like, parsed here
     int aggregateDepth_ = 0;
+    int windowDepth_ = 0;  // within the arguments of an aggregate or a window function, or within OVER
     bool aggregateAllowed_ = false;
     bool inlineLiterals_ = false;
     std::string assigning_;       // variables assigned by this SELECT, each between blanks

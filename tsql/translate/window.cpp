@@ -46,6 +46,7 @@ void Translator::CheckOver(const FunctionExpr& function, bool isWindow, bool tak
                            const std::string& name) {
     if (isWindow && !function.over) throw MakeError(10753, function.position, {name});
     if (!function.over) return;
+    if (windowDepth_ > 0) throw MakeError(4109, function.position);
     const OverClause& over = *function.over;
     if (isWindow && over.orderBy.empty()) throw MakeError(4112, function.position, {name});
     if (function.distinct) throw MakeError(10759, function.position);
@@ -75,13 +76,19 @@ std::string Translator::FrameText(const WindowFrame& frame) {
 
 std::string Translator::WindowText(const OverClause& over, Scope& scope) {
     std::string window;
+    ++windowDepth_;
     for (const ExprPtr& expression : over.partitionBy)
         window += (window.empty() ? "PARTITION BY " : ", ") + Sorted(Value(*expression, scope));
     for (std::size_t i = 0; i < over.orderBy.size(); ++i) {
         const OrderItem& item = over.orderBy[i];
+        if (const auto* literal = TryAs<LiteralExpr>(item.expression.get())) {
+            const bool isIndex = literal->literal == LiteralKind::kInteger;
+            throw MakeError(isIndex ? 5308 : 5309, item.expression->position);
+        }
         window += i == 0 ? " ORDER BY " : ", ";
         window += Sorted(Value(*item.expression, scope)) + (item.descending ? " DESC" : "");
     }
+    --windowDepth_;
     if (over.frame) window += FrameText(*over.frame);
     return window;
 }

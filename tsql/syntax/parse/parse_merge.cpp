@@ -24,8 +24,11 @@ StatementPtr Parser::ParseMerge(std::vector<CommonTable> with) {
     Expect(Keyword::kOn);
     merge->on = ParseCondition();
     if (!At(Keyword::kWhen)) Fail();
-    while (At(Keyword::kWhen))
-        merge->clauses.push_back(ParseMergeClause());
+    while (At(Keyword::kWhen)) {
+        MergeClause clause = ParseMergeClause();
+        CheckMergeClause(merge->clauses, clause);
+        merge->clauses.push_back(std::move(clause));
+    }
     if (AtWord("output")) throw MakeError(40510, Peek().position, {"MERGE … OUTPUT"});
     SkipOptionClause();
     if (!At(Op::kSemicolon)) throw MakeError(10713, merge->position);
@@ -65,6 +68,18 @@ MergeClause Parser::ParseMergeClause() {
         } while (Accept(Op::kComma));
     }
     return clause;
+}
+
+// Each kind of WHEN has one clause for each action, and the last of them alone may do without a condition.
+void Parser::CheckMergeClause(const std::vector<MergeClause>& before, const MergeClause& clause) {
+    static constexpr const char* kActions[] = {"UPDATE", "DELETE", "INSERT"};
+    const char* when = WhenText(clause.match);
+    for (const MergeClause& other : before) {
+        if (other.match != clause.match) continue;
+        if (other.action == clause.action)
+            throw MakeError(10714, clause.position, {kActions[static_cast<int>(clause.action)], when});
+        if (!other.condition) throw MakeError(5324, clause.position, {when, when});
+    }
 }
 
 const char* Parser::WhenText(MergeMatch match) {

@@ -202,6 +202,7 @@ class Parser {
     StatementPtr ParseMerge(std::vector<CommonTable> with);
     MergeClause ParseMergeClause();
     void ParseMergeInsert(MergeClause& clause);
+    static void CheckMergeClause(const std::vector<MergeClause>& before, const MergeClause& clause);
     static const char* WhenText(MergeMatch match);
     StatementPtr ParseTruncate();
     OutputClause ParseOutput();
