@@ -280,7 +280,7 @@ ExportOutcome WriteTemplateWorkbook(ExchangeTarget& window, const std::string& f
         if (!saved) return {false, errorText.empty() ? "工作簿未能写入：" + fileName : errorText};
         if (interactive) ShowMessage("模板引出成功！");
         entry::WriteOperationLog(entry::LogKind::Succeeded, "凭证模板-引出模板 " + name + " 成功");
-        return {true};
+        return {true, {}, fileName};
     } catch (const Cancelled&) {
         endInteraction();
     } catch (const Error& error) {

@@ -16,6 +16,7 @@ struct ExportOutcome {
     // Why the save routine wrote nothing, or the target was refused. The routines themselves are silent about
     // it; empty when they have spoken, or the user has cancelled.
     std::string untold = {};
+    std::string file = {};  // that was written
 
     explicit operator bool() const { return written; }
 };

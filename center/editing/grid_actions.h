@@ -9,6 +9,7 @@
 #include "center/editing/cell_rules.h"
 #include "center/editing/copied_block.h"
 #include "center/grid/cell_selection.h"
+#include "center/grid/number_bands.h"
 
 namespace vicenter::center {
 
@@ -64,6 +65,15 @@ class GridActions {
     virtual void DuplicateRows(const CellSelection& selection) = 0;
     virtual void InsertRows(const CellSelection& selection) = 0;
     virtual void DeleteRows(const CellSelection& selection) = 0;
+
+    // The sums of every template number at its last row, when the user has asked for them.
+    virtual bool ShowsTotals() const { return false; }
+    virtual void SetShowsTotals(bool /*shows*/) {}
+    // Of the number whose last row this is; nothing while they are not shown, and at every other row.
+    virtual std::optional<NumberTotals> TotalsEndingAt(int /*row*/) { return std::nullopt; }
+
+    // The voucher that the pattern of a row would make.
+    virtual void ShowVoucher(int /*row*/) {}
 
     virtual bool CanUndo() const = 0;
     virtual bool CanRedo() const = 0;

@@ -3,6 +3,7 @@
 #include "center/editing/fault_text.h"
 #include "center/frame/key_code.h"
 #include "center/frame/window_parts.h"
+#include "center/print/voucher_preview.h"
 
 namespace vicenter::center {
 
@@ -149,6 +150,32 @@ void GridFacet::DeleteRows(const CellSelection& selection) {
         if (parts_.editing.CanEdit()) parts_.editing.DeleteRows(RowRuns(selection, *parts_.state.grid));
     });
     parts_.RefreshPanels();
+}
+
+// --- sums
+
+bool GridFacet::ShowsTotals() const {
+    return parts_.showsTotals;
+}
+
+void GridFacet::SetShowsTotals(bool shows) {
+    parts_.showsTotals = shows;
+}
+
+std::optional<NumberTotals> GridFacet::TotalsEndingAt(int row) {
+    if (!parts_.showsTotals) return std::nullopt;
+    return parts_.Sums().EndingAt(*parts_.state.grid, row);
+}
+
+void GridFacet::ShowVoucher(int row) {
+    parts_.edge.Command([&] {
+        if (row < 1 || row > parts_.state.open.RowCount() || NumberOfRow(*parts_.state.grid, row).empty()) {
+            Tell("请先选择一行有模板编号的分录！");
+            return;
+        }
+        VoucherPreview preview(*parts_.state.grid, parts_.state.open.RowCount(), row, parts_.Head());
+        parts_.state.view.ShowVoucher(preview);
+    });
 }
 
 // --- undo

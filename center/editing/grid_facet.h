@@ -37,6 +37,10 @@ class GridFacet final : public GridActions {
     void DuplicateRows(const CellSelection& selection) override;
     void InsertRows(const CellSelection& selection) override;
     void DeleteRows(const CellSelection& selection) override;
+    bool ShowsTotals() const override;
+    void SetShowsTotals(bool shows) override;
+    std::optional<NumberTotals> TotalsEndingAt(int row) override;
+    void ShowVoucher(int row) override;
     bool CanUndo() const override;
     bool CanRedo() const override;
     void Undo() override;

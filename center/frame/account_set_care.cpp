@@ -55,26 +55,27 @@ bool AccountSetCare::IsOffered() {
     return File().has_value();
 }
 
-void AccountSetCare::BackUp(bool unsaved) {
+std::string AccountSetCare::BackUp(bool unsaved) {
     const std::optional<std::string> file = File();
-    if (!file) return;
+    if (!file) return {};
     system::FileRequest request;
     request.title = "备份账套";
     request.flags = kExplorerStyle | kPathMustExist | kHideReadOnly | kOverwritePrompt;
     request.filters = {{"账套备份 (*.vas)", "*.vas"}};
     request.proposedName = ProposedName(*file);
     const auto chosen = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);
-    if (!chosen || chosen->empty()) return;
+    if (!chosen || chosen->empty()) return {};
     try {
         ado::RegisteredFileCare()->BackUp(*file, *chosen);
     } catch (const Error& error) {
         entry::WriteOperationLog(LogKind::Failed, "凭证模板-备份账套 失败");
         Tell("账套备份失败！\r\n\r\n" + store::EngineTextInChinese(error.Text()));
-        return;
+        return {};
     }
     entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-备份账套 成功");
     Tell("账套备份成功！\r\n\r\n" + *chosen +
          (unsaved ? "\r\n\r\n当前凭证模板修改后未保存，备份中没有这些修改。" : ""));
+    return *chosen;
 }
 
 void AccountSetCare::Verify() {

@@ -13,7 +13,8 @@ class AccountSetCare {
     // The account set that the host property string names is a file of this machine.
     static bool IsOffered();
     // Asks for a file name, backs up, tells and logs the outcome. unsaved: the window holds edits of its own.
-    static void BackUp(bool unsaved);
+    // The file that was written; empty when none was.
+    static std::string BackUp(bool unsaved);
     // Looks for damage and tells what was found.
     static void Verify();
 };

@@ -1,6 +1,7 @@
 #include "center/frame/frm_vi_center.h"
 
 #include "automation/class_registry.h"
+#include "center/frame/account_names.h"
 #include "center/frame/help.h"
 #include "center/frame/key_code.h"
 #include "center/frame/window_parts.h"
@@ -58,6 +59,8 @@ void frmVICenter::Load() {
     WindowState& state = parts_->state;
     state.userId = entry::GetPropValue("UserID");
     entry::SetCurrentUserId(state.userId);
+    const AccountNames names = NamesOfAccount(entry::GetPropsString());
+    state.view.SetAccount(names.accountSet, names.user);
     parts_->drafts.Open();
     parts_->ReadSettings();
     parts_->tree.Build();
@@ -181,6 +184,27 @@ void frmVICenter::ReportFaults(const FaultReport& report) {
     parts_->reported.Take(report);
     parts_->ReportsChanged();
     if (!report.faults.empty()) parts_->state.view.ShowFaults();
+}
+
+void frmVICenter::TellDone(const std::string& text, const std::string& file) {
+    parts_->state.view.TellDone(text, file);
+}
+
+void frmVICenter::RunHostCommand(std::string_view name) {
+    if (parts_->commands == nullptr) return;
+    for (const TreeMenuItem& item : parts_->commands->MenuItems()) {
+        if (item.name == name) return parts_->edge.Command(item.run);
+    }
+}
+
+void frmVICenter::OpenDocument(const std::string& file) {
+    parts_->edge.Look([&] {
+        try {
+            system::Surroundings::Current().processes->OpenDocument(file);
+        } catch (const automation::Error&) {
+            Tell("文件未能打开！\r\n\r\n" + file);
+        }
+    });
 }
 
 const std::shared_ptr<EntryGrid>& frmVICenter::GridObject() const {

@@ -55,6 +55,10 @@ class frmVICenter final : public CommandTarget {
     bool KeyPreview(int keyCode);
     // A tool of the bar by its key, compared without case.
     void ToolClick(std::string_view key);
+    // What the host offers under that name; nothing where it does not.
+    void RunHostCommand(std::string_view name);
+    // What a command has made, opened by the desktop.
+    void OpenDocument(const std::string& file);
     // A workbook file dropped on the window: the import command on it.
     void FileDropped(const std::string& fileName);
 
@@ -68,6 +72,7 @@ class frmVICenter final : public CommandTarget {
     void RebuildTreeAndSelect(std::int32_t id) override;
     void ShowStoredTemplate(std::int32_t id) override;
     void ReportFaults(const FaultReport& report) override;
+    void TellDone(const std::string& text, const std::string& file) override;
 
     const std::shared_ptr<EntryGrid>& GridObject() const;  // vsEntrys
     const std::string& SelectedNode() const;               // key

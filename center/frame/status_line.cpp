@@ -19,6 +19,12 @@ std::string AmountText(const Decimal& amount) {
 
 }  // namespace
 
+NumberTotals NumberSums::Sides::Totals() const {
+    const Decimal difference = Decimal::Subtract(debit, credit);
+    return {AmountText(debit), AmountText(credit),
+            difference.IsZero() ? std::string() : AmountText(difference)};
+}
+
 NumberSums::NumberSums(const EntryGrid& grid, int rowCount) : rowCount_(rowCount) {
     std::vector<std::string> order;
     for (int row = 1; row <= rowCount; ++row) {
@@ -26,6 +32,7 @@ NumberSums::NumberSums(const EntryGrid& grid, int rowCount) : rowCount_(rowCount
         if (number.empty()) continue;
         const auto [at, isNew] = sums_.try_emplace(number);
         if (isNew) order.push_back(number);
+        at->second.lastRow = row;
         const std::optional<Decimal> amount = DecimalIn(grid.Text(row, column::kAmount));
         if (!amount) continue;
         const std::string_view direction = grid.Text(row, column::kDirection);
@@ -47,11 +54,19 @@ StatusState NumberSums::Status(const EntryGrid& grid, int activeRow) const {
     const auto active = sums_.find(std::string(NumberOfRow(grid, activeRow)));
     if (active == sums_.end()) return status;
     status.number = active->first;
-    status.debit = AmountText(active->second.debit);
-    status.credit = AmountText(active->second.credit);
-    const Decimal difference = Decimal::Subtract(active->second.debit, active->second.credit);
-    if (!difference.IsZero()) status.difference = AmountText(difference);
+    NumberTotals totals = active->second.Totals();
+    status.debit = std::move(totals.debit);
+    status.credit = std::move(totals.credit);
+    status.difference = std::move(totals.difference);
+    status.amountHidden = grid.Layout(column::kAmount).hidden;
     return status;
+}
+
+std::optional<NumberTotals> NumberSums::EndingAt(const EntryGrid& grid, int row) const {
+    if (row < 1 || row > rowCount_) return std::nullopt;
+    const auto found = sums_.find(std::string(NumberOfRow(grid, row)));
+    if (found == sums_.end() || found->second.lastRow != row) return std::nullopt;
+    return found->second.Totals();
 }
 
 std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection) {

@@ -11,6 +11,7 @@
 #include "center/frame/vicenter_view.h"
 #include "center/grid/cell_selection.h"
 #include "center/grid/entry_grid.h"
+#include "center/grid/number_bands.h"
 
 namespace vicenter::center {
 
@@ -23,11 +24,15 @@ class NumberSums {
     int RowCount() const { return rowCount_; }
     // Lines, template numbers, sums of the active row's number and the numbers whose sides differ.
     StatusState Status(const EntryGrid& grid, int activeRow) const;
+    // The sums of the number whose last row this is; nothing for every other row.
+    std::optional<NumberTotals> EndingAt(const EntryGrid& grid, int row) const;
 
   private:
     struct Sides {
         automation::Decimal debit;
         automation::Decimal credit;
+        int lastRow = 0;
+        NumberTotals Totals() const;
     };
 
     int rowCount_;

@@ -7,10 +7,12 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "center/faults/reported_faults.h"
 #include "center/frame/vicenter_view.h"
 #include "center/grid/entry_grid.h"
+#include "center/tree/tree_actions.h"
 
 namespace vicenter::center {
 
@@ -30,6 +32,8 @@ class CommandTarget {
     virtual void RebuildTreeAndSelect(std::int32_t id) = 0;
     // The same for a template that has just been written: 0 is the standard template.
     virtual void ShowStoredTemplate(std::int32_t id) = 0;
+    // Something is done, told beside the messages: what, and the file that it made; empty for none.
+    virtual void TellDone(const std::string& /*text*/, const std::string& /*file*/) {}
     // What is wrong with lines that did not become a template's, or that nothing is any more.
     virtual void ReportFaults(const FaultReport& report) = 0;
 };
@@ -44,6 +48,8 @@ class TemplateCommands {
     virtual void UploadToCloud(CommandTarget& window) = 0;
     // Shows the generation dialog modally; it rebuilds the tree itself when it generated a template.
     virtual void GenerateFromVouchers(CommandTarget& window) = 0;
+    // What the host itself offers at the root of the tree.
+    virtual std::vector<TreeMenuItem> MenuItems() { return {}; }
 };
 
 }  // namespace vicenter::center

@@ -26,6 +26,8 @@ class CodeReplacement;
 class GridReplace;
 class OperationLog;
 class TemplateHistory;
+class VoucherPreview;
+struct PrintSheet;
 
 // The tools of the band "BandToolBar", in their order on the bar.
 enum class Tool { New, Del, Save, ShowCol, DelRow, AddRow, PrcFind, Imp, Exp, AutoVch, CloudP, Share, Quit };
@@ -79,6 +81,7 @@ struct StatusState {
     std::string debit;   // sums of that number as display texts
     std::string credit;
     std::string difference;               // empty when balanced
+    bool amountHidden = false;            // the sums are of a column that is not shown
     std::vector<std::string> unbalanced;  // template numbers whose sums differ
     std::string selectionSum;             // empty without numbers in the selection
     std::string hint;                     // why the active cell is faulty and what is expected; else empty
@@ -122,6 +125,10 @@ class VICenterView {
 
     // A sign of changes that are not saved, in the title and at the node of that key.
     virtual void SetModified(const std::string& /*key*/, bool /*modified*/) {}
+    // Whose window it is, in the title: the account set and the user, either empty when nobody knows.
+    virtual void SetAccount(const std::string& /*accountSet*/, const std::string& /*user*/) {}
+    // Something is done: what, and the file that it made, to be opened from there; empty for none.
+    virtual void TellDone(const std::string& /*text*/, const std::string& /*file*/) {}
     // The templates with numbers that cannot be used in this account set; all others have none.
     virtual void SetUnusableNodes(const std::vector<std::string>& /*keys*/) {}
     // What FaultActions answers may be something else now.
@@ -162,6 +169,12 @@ class VICenterView {
                                                const std::string& /*proposed*/) {
         return std::nullopt;
     }
+    virtual void ShowVoucher(VoucherPreview& /*preview*/) {}  // modal
+
+    // On paper, by the system's print dialog; false when the user cancelled it.
+    virtual bool Print(const PrintSheet& /*sheet*/) { return false; }
+    // Throws automation::Error with a text for users.
+    virtual void WritePdf(const PrintSheet& /*sheet*/, const std::string& /*file*/) {}
 };
 
 }  // namespace vicenter::center

@@ -1,7 +1,9 @@
 #include "center/frame/window_parts.h"
 
 #include "center/editing/fault_text.h"
+#include "center/frame/account_names.h"
 #include "center/template/line_loader.h"
+#include "entry/host_context.h"
 #include "store/template_outcome.h"
 
 namespace vicenter::center {
@@ -84,9 +86,18 @@ bool WindowParts::Reload() {
     return read;
 }
 
-void WindowParts::RefreshStatus() {
+const NumberSums& WindowParts::Sums() {
     if (!sums || sums->RowCount() != state.open.RowCount()) sums.emplace(*state.grid, state.open.RowCount());
-    StatusState status = sums->Status(*state.grid, state.grid->ActiveCell().row);
+    return *sums;
+}
+
+SheetHead WindowParts::Head() const {
+    AccountNames whose = NamesOfAccount(entry::GetPropsString());
+    return {state.open.Name(), std::move(whose.accountSet), std::move(whose.user)};
+}
+
+void WindowParts::RefreshStatus() {
+    StatusState status = Sums().Status(*state.grid, state.grid->ActiveCell().row);
     if (!selection.IsEmpty()) status.selectionSum = SumOfSelection(*state.grid, selection);
     const CellAddress active = state.grid->ActiveCell();
     status.hint = state.open.Notice();
@@ -163,6 +174,11 @@ void WindowParts::WasReset() {
     refused.WasReset();
     faults.WasReset();
     FaultsChanged();
+}
+
+// The status line says where its sums stand.
+void WindowParts::ColumnsChanged(int firstColumn, int lastColumn) {
+    if (firstColumn <= column::kAmount && column::kAmount <= lastColumn) RefreshStatus();
 }
 
 void WindowParts::FaultsChanged() {

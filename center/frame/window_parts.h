@@ -23,6 +23,7 @@
 #include "center/lookups/choice_facets.h"
 #include "center/lookups/item_panel.h"
 #include "center/lookups/name_list.h"
+#include "center/print/voucher_preview.h"
 #include "center/search/search_facet.h"
 #include "center/template/draft/template_drafts.h"
 #include "center/template/kept_lines.h"
@@ -43,7 +44,10 @@ struct WindowParts : public GridObserver {
     // What hangs on the active cell and the sums: item panel, name list, status line.
     void RefreshPanels();
     void RefreshStatus();
+    const NumberSums& Sums();
     void ReportsChanged();
+    // Of what is printed of the open template.
+    SheetHead Head() const;
     // What windows that are gone have left: of the open template, or the newest of any. Nothing before the
     // window is on the screen.
     void OfferDraftOfOpenTemplate();
@@ -69,6 +73,7 @@ struct WindowParts : public GridObserver {
     void RowsInserted(int firstRow, int count) override;
     void RowsRemoved(int firstRow, int count) override;
     void WasReset() override;
+    void ColumnsChanged(int firstColumn, int lastColumn) override;
 
     WindowState state;
     TemplateCommands* commands;
@@ -90,6 +95,7 @@ struct WindowParts : public GridObserver {
     BlockEditing blocks;
     CellSelection selection;
     std::optional<NumberSums> sums;  // of the grid as it is
+    bool showsTotals = false;        // the grid shows the sums of every number at its last row
     bool offersDrafts = false;       // the window is on the screen
 
     Edge edge;

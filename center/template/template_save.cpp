@@ -173,6 +173,7 @@ bool TemplateSave::SendAndReload(bool treeToo) {
         return true;
     }
     drafts_.Drop();
+    state_.view.TellDone("模板 " + name + " 已保存", {});
     if (!reloaded && !treeToo) {
         Tell("模板 " + name + " 已保存，但未能重新读取，请重新打开该模板！");
     }

@@ -38,6 +38,8 @@ class TreeActions {
     virtual bool OffersFilter() = 0;
     // The keys of the nodes that stay: the root, the lit one and those that fit.
     virtual std::vector<std::string> Fitting(const std::string& filter) = 0;
+    // The open template as it stands in the grid, on paper.
+    virtual void PrintTemplate() {}
     // What the tree's menu offers beside the commands of the band; nothing: no menu.
     virtual std::vector<TreeMenuItem> MenuItems() = 0;
 };

@@ -6,6 +6,7 @@
 #include "center/frame/window_parts.h"
 #include "center/health/template_check.h"
 #include "center/history/template_history.h"
+#include "center/print/voucher_preview.h"
 #include "center/template/line_loader.h"
 #include "center/template/new_name.h"
 #include "center/template/save_as.h"
@@ -73,11 +74,19 @@ std::vector<TreeMenuItem> TreeFacet::MenuItems() {
         items.push_back({"mnuSaveAs", "另存为(&S)…\tCtrl+Shift+S", [this] { SaveAs(); }});
         items.push_back(
             {"mnuHistory", "历史版本(&H)…", [this] { parts_.edge.Command([this] { ShowHistory(); }); }});
+        items.push_back({"mnuPrint", "打印模板(&P)…\tCtrl+P", [this] { PrintTemplate(); }});
+        items.push_back(
+            {"mnuPdf", "另存为 PDF(&F)…", [this] { parts_.edge.Command([this] { SaveTemplateAsPdf(); }); }});
+    }
+    if (root && parts_.commands != nullptr) {
+        for (TreeMenuItem& item : parts_.commands->MenuItems()) {
+            item.run = [this, run = std::move(item.run)] { parts_.edge.Command(run); };
+            items.push_back(std::move(item));
+        }
     }
     if (!AccountSetCare::IsOffered()) return items;
-    items.push_back({"mnuBackUpAccountSet", "备份账套(&B)…", [this] {
-                         parts_.edge.Command([this] { AccountSetCare::BackUp(parts_.state.open.IsDirty()); });
-                     }});
+    items.push_back(
+        {"mnuBackUpAccountSet", "备份账套(&B)…", [this] { parts_.edge.Command([this] { BackUp(); }); }});
     items.push_back(
         {"mnuVerifyAccountSet", "检查账套(&V)", [this] { parts_.edge.Look(AccountSetCare::Verify); }});
     return items;
@@ -160,6 +169,31 @@ std::vector<std::string> TreeFacet::Fitting(const std::string& filter) {
         }
         return keys;
     });
+}
+
+void TreeFacet::BackUp() {
+    const std::string file = AccountSetCare::BackUp(parts_.state.open.IsDirty());
+    if (!file.empty()) parts_.state.view.TellDone("账套已备份", file);
+}
+
+// --- on paper, as it stands in the grid
+
+std::optional<PrintSheet> TreeFacet::SheetOfOpenTemplate() {
+    if (!parts_.state.open.IsOpen() || parts_.state.open.RowCount() == 0) {
+        Tell("当前没有可打印的分录！");
+        return std::nullopt;
+    }
+    return TemplateSheet(*parts_.state.grid, parts_.state.open.RowCount(), parts_.Head());
+}
+
+void TreeFacet::PrintTemplate() {
+    parts_.edge.Command([this] {
+        if (const auto sheet = SheetOfOpenTemplate()) PrintOut(parts_.state.view, *sheet);
+    });
+}
+
+void TreeFacet::SaveTemplateAsPdf() {
+    if (const auto sheet = SheetOfOpenTemplate()) SaveAsPdf(parts_.state.view, *sheet, sheet->title);
 }
 
 // Of the templates as they are stored.

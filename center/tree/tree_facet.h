@@ -2,6 +2,9 @@
 
 // The tree's side of the main window: serves its view by the parts behind it. Part of frmVICenter.
 
+#include <optional>
+
+#include "center/print/print_sheet.h"
 #include "center/tree/tree_actions.h"
 
 namespace vicenter::center {
@@ -25,6 +28,7 @@ class TreeFacet final : public TreeActions {
     void DropRows(const std::string& key, const CopiedBlock& rows) override;
     bool OffersFilter() override;
     std::vector<std::string> Fitting(const std::string& filter) override;
+    void PrintTemplate() override;
     std::vector<TreeMenuItem> MenuItems() override;
 
   private:
@@ -32,6 +36,10 @@ class TreeFacet final : public TreeActions {
     void Duplicate();
     void CheckTemplates();
     void ShowHistory();
+    void BackUp();
+    void SaveTemplateAsPdf();
+    // Nothing, and the user has been told, without lines.
+    std::optional<PrintSheet> SheetOfOpenTemplate();
     void ShowDeletedTemplates();
     void Show(TemplateHistory history);
 

@@ -48,6 +48,31 @@ TEST(StatusLine, SumsTheActiveRowsNumberExactly) {
     EXPECT_EQ(status.difference, "-1,234,567.50");
 }
 
+TEST(StatusLine, SaysWhetherTheColumnOfItsSumsIsHidden) {
+    EntryGrid grid;
+    Line(grid, 1, "3", "借", "5");
+    EXPECT_FALSE(SumUp(grid, 1, 1).amountHidden);
+    grid.SetColumnHidden(column::kAmount, true);
+    EXPECT_TRUE(SumUp(grid, 1, 1).amountHidden);
+    // Without sums there is nothing to say of them.
+    EXPECT_FALSE(SumUp(grid, 1, 2).amountHidden);
+}
+
+TEST(StatusLine, ANumbersSumsStandAtItsLastRowAlone) {
+    EntryGrid grid;
+    Line(grid, 1, "1", "借", "10");
+    Line(grid, 2, "2", "贷", "4");
+    Line(grid, 3, "01", "贷", "10");
+    Line(grid, 4, "", "贷", "7");
+    const NumberSums sums(grid, 4);
+    EXPECT_FALSE(sums.EndingAt(grid, 1));
+    EXPECT_EQ(sums.EndingAt(grid, 2), (NumberTotals{"0.00", "4.00", "-4.00"}));
+    EXPECT_EQ(sums.EndingAt(grid, 3), (NumberTotals{"10.00", "10.00", ""}));
+    EXPECT_FALSE(sums.EndingAt(grid, 4));
+    EXPECT_FALSE(sums.EndingAt(grid, 0));
+    EXPECT_FALSE(sums.EndingAt(grid, 5));
+}
+
 TEST(StatusLine, NumbersWithLeadingZerosAreTheNumbersWithoutThem) {
     EntryGrid grid;
     Line(grid, 1, "01", "借", "5");
