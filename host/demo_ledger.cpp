@@ -7,6 +7,7 @@
 #include "host/demo_templates.h"
 #include "host/demo_vouchers.h"
 #include "host/sql_writer.h"
+#include "store/template_columns.h"
 
 namespace vicenter::host {
 
@@ -22,6 +23,25 @@ void WriteUsers(SqlWriter& writer) {
     writer.Add(
         "insert into t_UserCloud(FUserID,FCloudUserID,FCloudUserName,FCloudURL) "
         "values(1,'u100001',N'林晓岚','cloud://u100001')");
+}
+
+// The firm has shown the amounts, made room for its accounts' names, and left the remark what a window of its
+// usual size has besides.
+void WriteColumnProfiles(SqlWriter& writer) {
+    constexpr int kAccountNameWidth = 2000;
+    constexpr int kRemarkWidth = 1800;
+    std::string profile;
+    for (const store::ColumnSpec& spec : store::Columns()) {
+        const bool hidden = spec.designedHidden && spec.column != store::column::kAmount;
+        const int width = spec.column == store::column::kAccountName ? kAccountNameWidth
+                          : spec.column == store::column::kRemark    ? kRemarkWidth
+                                                                     : spec.designedWidth;
+        if (!profile.empty()) profile += ',';
+        profile += std::to_string(spec.column) + (hidden ? "|1|" : "|0|") + std::to_string(width);
+    }
+    for (const char* user : {"1", "2", "3"})
+        writer.Add(std::string("insert into t_VchTpProfile(FUserID,FValue) values(") + user + "," +
+                   SqlLiteral(profile) + ")");
 }
 
 void WriteCalendar(SqlWriter& writer) {
@@ -103,6 +123,7 @@ void PrepareDemo(ado::Connection& connection, const DemoOptions& options) {
     SqlWriter writer(connection);
     DemoMaster master = DemoMaster::Read();
     WriteUsers(writer);
+    WriteColumnProfiles(writer);
     WriteCalendar(writer);
     master.Write(writer);
     int id = 0;

@@ -255,9 +255,8 @@ void OffscreenSession::MakeTemplate() {
     Expect(window_->Presenter().RowCount() == 0, "a new template has lines");
 }
 
-void OffscreenSession::ShowAmounts() {
-    if (!window_->Presenter().Grid().Layout(center::column::kAmount).hidden) return;
-    Step("单击“显示隐藏列”，勾选“金额”，确定");
+void OffscreenSession::ChooseColumns() {
+    Step("单击“显示隐藏列”，取消“附件数”，确定");
     QTimer::singleShot(0, window_, [this] {
         auto* dialog = window_->findChild<QDialog*>(QStringLiteral("frmSetColume"));
         auto* list = dialog ? dialog->findChild<QListWidget*>(QStringLiteral("ColList")) : nullptr;
@@ -268,7 +267,7 @@ void OffscreenSession::ShowAmounts() {
             return;
         }
         for (int row = 0; row < list->count(); ++row) {
-            if (list->item(row)->data(Qt::UserRole).toInt() != center::column::kAmount) continue;
+            if (list->item(row)->data(Qt::UserRole).toInt() != center::column::kFileCount) continue;
             list->setCurrentRow(row);
             QKeyEvent space(QEvent::KeyPress, Qt::Key_Space, {}, QStringLiteral(" "));
             QApplication::sendEvent(list, &space);
@@ -278,8 +277,8 @@ void OffscreenSession::ShowAmounts() {
     });
     ClickTool(QStringLiteral("mnuShowCol"));
     Activate();
-    Expect(!window_->Presenter().Grid().Layout(center::column::kAmount).hidden,
-           "the amount column is still hidden");
+    Expect(window_->Presenter().Grid().Layout(center::column::kFileCount).hidden,
+           "the column of attachments is still shown");
 }
 
 void OffscreenSession::TypeLines() {
@@ -365,7 +364,7 @@ bool OffscreenSession::Run() {
         return false;
     }
     MakeTemplate();
-    ShowAmounts();
+    ChooseColumns();
     TypeLines();
     SaveTemplate();
     ReopenAndCompare();

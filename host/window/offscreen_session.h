@@ -42,7 +42,7 @@ class OffscreenSession {
     void Activate();
     void CloseWindow();
     void MakeTemplate();
-    void ShowAmounts();
+    void ChooseColumns();
     void TypeLines();
     void SaveTemplate();
     void ReopenAndCompare();
