@@ -160,6 +160,7 @@ bool GridFacet::ShowsTotals() const {
 
 void GridFacet::SetShowsTotals(bool shows) {
     parts_.showsTotals = shows;
+    parts_.settings.PutOn(kTotalsSetting, shows);
 }
 
 std::optional<NumberTotals> GridFacet::TotalsEndingAt(int row) {

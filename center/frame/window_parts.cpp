@@ -115,6 +115,7 @@ void WindowParts::RefreshPanels() {
 
 void WindowParts::ReadSettings() {
     settings.Open(state.userId);
+    showsTotals = settings.IsOn(kTotalsSetting, false);
     for (const EntryAid aid : {EntryAid::Proposals})
         Switch(aid, settings.IsOn(KeyOf(aid), true));
 }

@@ -34,6 +34,9 @@
 
 namespace vicenter::center {
 
+// Among the window's own settings: whether showsTotals is on.
+inline constexpr std::string_view kTotalsSetting = "totals";
+
 struct WindowParts : public GridObserver {
     // window: as the commands of other folders see it. Not owned, like the view and the commands.
     WindowParts(VICenterView& view, TemplateCommands* theCommands, CommandTarget& theWindow);

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "ui/look/center_style.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -67,7 +68,7 @@ LookUpWindow::LookUpWindow(const LookUpRequest& request, QWidget* parent)
     layout->addWidget(text_);
     layout->addWidget(list_);
     layout->addLayout(buttons);
-    resize(kWidth, kHeight);
+    ui::FrameDialog(*this, QSize(kWidth, kHeight));
 
     AddRecords();
     SetCurrent(request.selected ? request.selected : filter_.Best({}));
@@ -99,7 +100,7 @@ void LookUpWindow::AddRecords() {
         item->setData(0, kRecordRole, static_cast<qulonglong>(i));
         if (!record.selectable) {
             for (int c = 0; c < list_->columnCount(); ++c)
-                item->setForeground(c, ui::colors::kFaintInk);
+                item->setForeground(c, ui::colors::kFaintInk());
         }
         path.push_back(item);
         items_.push_back(item);

@@ -45,6 +45,13 @@ class AutoVchDialogTest : public autovch::AutoVchTest {
     std::unique_ptr<AutoVchDialog> dialog_;
 };
 
+TEST_F(AutoVchDialogTest, CannotBeLostBehindItsWindowAndFitsASmallScreen) {
+    EXPECT_FALSE(dialog_->windowFlags() & Qt::WindowMinimizeButtonHint);
+    EXPECT_TRUE(dialog_->windowFlags() & Qt::WindowCloseButtonHint);
+    EXPECT_LE(dialog_->minimumSizeHint().width(), 683);
+    EXPECT_LE(dialog_->minimumSizeHint().height(), 324);
+}
+
 TEST_F(AutoVchDialogTest, ShowsTheLedgersDefaults) {
     EXPECT_EQ(dialog_->windowTitle(), QStringLiteral("根据凭证生成凭证模板"));
     EXPECT_EQ(Box(0)->text(), QStringLiteral("2024"));

@@ -13,7 +13,7 @@ class ModifiedSignTest : public WindowTest {
         Key(Qt::Key_Return);
     }
     void ExpectModified(const char* key, bool modified) {
-        EXPECT_EQ(window->windowTitle(), modified ? "凭证模板 *" : "凭证模板");
+        EXPECT_EQ(window->windowTitle(), modified ? "凭证模板 * - 用户 16394" : "凭证模板 - 用户 16394");
         for (const char* node : {"ROOT", "detail-0", "detail-5", "detail-6"})
             EXPECT_EQ(window->Tree().ShowsModified(node), modified && std::string(node) == key) << node;
     }

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "ui/dialogs/column_dialog.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -69,6 +70,7 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     layout->addWidget(selected_);
     layout->addLayout(buttons);
     setMinimumWidth(460);
+    FrameDialog(*this);
 
     settled_.setSingleShot(true);
     settled_.setInterval(kSettleMilliseconds);

@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -47,7 +48,7 @@ ColumnDialog::ColumnDialog(dialogs::frmSetColume& columns, QWidget* parent)
     layout->setSpacing(12);
     layout->addWidget(list_, 1);
     layout->addLayout(buttons);
-    resize(320, 330);
+    FrameDialog(*this, QSize(320, 330));
     list_->setFocus();
 }
 

@@ -5,6 +5,7 @@
 #include <QScreen>
 #include <QToolButton>
 
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -70,6 +71,7 @@ FindDialog::FindDialog(dialogs::FrmSearch& search, std::function<QRect()> foundR
     setTabOrder(txtBZ_, next);
     setTabOrder(next, cancel);
     layout()->setSizeConstraint(QLayout::SetFixedSize);
+    FrameDialog(*this);
 
     connect(next, &QPushButton::clicked, this, &FindDialog::FindNext);
     connect(account, &QToolButton::clicked, this, [this] { Guarded([this] { search_.cmdAcct_Click(); }); });

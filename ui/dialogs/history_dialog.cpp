@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "store/template_columns.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -40,7 +41,6 @@ HistoryDialog::HistoryDialog(center::TemplateHistory& history, QWidget* parent)
       newName_(new QLineEdit(this)) {
     setObjectName(QStringLiteral("frmHistory"));
     setWindowTitle(ToQt(history_.Caption()));
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     note_->setObjectName(QStringLiteral("note"));
     newName_->setObjectName(QStringLiteral("newName"));
     history_.SetView(this);
@@ -58,7 +58,7 @@ HistoryDialog::HistoryDialog(center::TemplateHistory& history, QWidget* parent)
     layout->addWidget(note_);
     layout->addWidget(changes_, 3);
     layout->addLayout(Buttons());
-    resize(760, 560);
+    FrameDialog(*this, QSize(760, 560));
     versions_->setCurrentCell(0, 0);
     ShowChosen();
     versions_->setFocus();

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "ui/grid/cell_editor.h"
+#include "ui/grid/figures.h"
 #include "ui/grid/grid_view.h"
 #include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
@@ -20,16 +21,17 @@ namespace {
 constexpr int kTextMargin = 4;
 constexpr int kButtonWidth = 18;
 constexpr int kFaultMark = 7;
-constexpr QColor kFaultyPaper{0xfd, 0xec, 0xea};
+constexpr int kTotalsGap = 12;
+constexpr int kRuleWidth = 1;
 
 void DrawButton(QPainter& painter, const QRect& rect, bool dropDown) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(colors::kCellButtonLine);
-    painter.setBrush(colors::kCellButton);
+    painter.setBrush(colors::kCellButton());
     painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(colors::kInk);
+    painter.setBrush(colors::kInk());
     const QPointF middle = QRectF(rect).center();
     if (dropDown) {
         QPainterPath arrow;
@@ -50,7 +52,7 @@ void DrawFaultMark(QPainter& painter, const QRect& cell) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(colors::kFaulty);
+    painter.setBrush(colors::kFaulty());
     const QPoint corner(cell.right() + 1, cell.top());
     painter.drawPolygon(QPolygon({corner - QPoint(kFaultMark, 0), corner, corner + QPoint(0, kFaultMark)}));
     painter.restore();
@@ -81,9 +83,15 @@ QRect CellDelegate::TextRect(const QRect& cell, const QModelIndex& index) const 
 bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                              const QModelIndex& index) {
     if (event->type() == QEvent::ToolTip && index.isValid() && !index.data(Qt::ToolTipRole).isValid()) {
-        const QString text = index.data().toString();
-        const int room = TextRect(option.rect, index).width();
-        if (view_.fontMetrics().horizontalAdvance(text) > room) {
+        const center::CellAddress cell = view_.Model().AddressOf(index);
+        QString text = index.data().toString();
+        int room = TextRect(option.rect, index).width();
+        if (IsIndented(cell)) room -= CreditIndent(view_.fontMetrics());
+        if (const QString totals = TotalsText(index); !totals.isEmpty()) {
+            room -= FiguresWidth(view_.fontMetrics(), totals) + kTotalsGap;
+            text += (text.isEmpty() ? QString() : QStringLiteral("　")) + totals;
+        }
+        if (view_.fontMetrics().horizontalAdvance(index.data().toString()) > room) {
             QToolTip::showText(event->globalPos(), QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped()),
                                view->viewport(), option.rect);
             return true;
@@ -92,55 +100,110 @@ bool CellDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const Q
     return QStyledItemDelegate::helpEvent(event, view, option, index);
 }
 
-void CellDelegate::DrawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
-                            const QString& text, const QColor& ink) const {
-    const QRect inner = TextRect(option.rect, index);
-    const bool right = center::Column(view_.Model().AddressOf(index).column).rightAligned;
-    painter.setFont(option.font);
-    painter.setPen(ink);
-    painter.drawText(inner, Qt::AlignVCenter | Qt::TextSingleLine | (right ? Qt::AlignRight : Qt::AlignLeft),
-                     option.fontMetrics.elidedText(text, Qt::ElideRight, inner.width()));
+QColor CellDelegate::Paper(const center::CellAddress& cell, const center::CellLook& look) const {
+    if (look.backColor != center::color::kWhite) return FromGridColor(look.backColor);
+    if (look.foreColor == center::color::kRed) return colors::kFaultyPaper;
+    return view_.Model().Bands().IsShaded(cell.row) ? colors::kPaperAlternate : colors::kPaper;
+}
+
+// A number that stands in the row above already steps back: the eye finds where the next one begins.
+QColor CellDelegate::Ink(const center::CellAddress& cell, const center::CellLook& look) const {
+    if (look.foreColor != center::color::kBlack) return FromGridColor(look.foreColor);
+    const bool repeats = cell.column == center::column::kNo && view_.Model().Bands().Repeats(cell.row);
+    // What others coloured is light paper whatever the theme.
+    const ThemeColor& ink = repeats ? colors::kFaintInk : colors::kInk;
+    return look.backColor != center::color::kWhite ? ink.OnLight() : ink();
+}
+
+void CellDelegate::DrawCellText(QPainter& painter, const QRect& room, const center::CellAddress& cell) const {
+    const std::string_view plain = view_.Model().Grid().Text(cell.row, cell.column);
+    const QString text =
+        plain.empty() ? view_.Model().ProposedText(cell) : ToQt(center::DisplayText(cell.column, plain));
+    if (text.isEmpty()) return;
+    const center::CellLook look = view_.Model().Grid().Look(cell.row, cell.column);
+    painter.setPen(plain.empty() ? colors::kFaintInk() : Ink(cell, look));
+    QRect inner = room;
+    // As in a voucher: what is credited stands one step in.
+    if (IsIndented(cell)) inner.setLeft(inner.left() + CreditIndent(painter.fontMetrics()));
+    const Qt::Alignment side = center::Column(cell.column).rightAligned ? Qt::AlignRight : Qt::AlignLeft;
+    const bool figures = center::Column(cell.column).rightAligned || cell.column == center::column::kNo;
+    if (figures && FiguresWidth(painter.fontMetrics(), text) <= inner.width()) {
+        DrawFigures(painter, inner, side, text);
+        return;
+    }
+    painter.drawText(inner, static_cast<int>(Qt::AlignVCenter | side) | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(text, Qt::ElideRight, inner.width()));
+}
+
+bool CellDelegate::IsIndented(const center::CellAddress& cell) const {
+    return cell.column == center::column::kAccountName &&
+           view_.Model().Grid().Text(cell.row, center::column::kDirection) == center::kCredit;
+}
+
+int CellDelegate::CreditIndent(const QFontMetrics& metrics) {
+    return metrics.height() * 4 / 3;
+}
+
+QString CellDelegate::TotalsText(const QModelIndex& index) const {
+    if (index.column() != view_.LastShownColumn()) return {};
+    const std::optional<center::NumberTotals> totals = view_.TotalsEndingAt(index.row() + 1);
+    if (!totals) return {};
+    QString text = QStringLiteral("借 %1　贷 %2").arg(ToQt(totals->debit), ToQt(totals->credit));
+    if (!totals->difference.empty()) text += QStringLiteral("　差额 %1").arg(ToQt(totals->difference));
+    return text;
+}
+
+// At the right end of the row, where the cell's own text makes room. What was left of the room comes back.
+QRect CellDelegate::DrawTotals(QPainter& painter, const QRect& room, const QModelIndex& index) const {
+    const QString text = TotalsText(index);
+    if (text.isEmpty()) return room;
+    const bool balanced = !text.contains(QStringLiteral("差额"));
+    const int width = std::min(FiguresWidth(painter.fontMetrics(), text), room.width());
+    const QRect place(room.right() + 1 - width, room.top(), width, room.height());
+    painter.setPen(balanced ? colors::kFaintInk : colors::kCaution);
+    if (width < room.width()) {
+        DrawFigures(painter, place, Qt::AlignRight, text);
+    } else {
+        painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                         painter.fontMetrics().elidedText(text, Qt::ElideRight, width));
+    }
+    return room.adjusted(0, 0, -std::min(width + kTotalsGap, room.width()), 0);
+}
+
+void CellDelegate::DrawCursor(QPainter& painter, const QRect& cell) const {
+    const bool focused = view_.HasFocusWithin();
+    painter.setPen(QPen((focused ? colors::kAccent : colors::kFaintInk)(), focused ? 2 : 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(focused ? cell.adjusted(1, 1, -1, -1) : cell.adjusted(0, 0, -1, -1));
 }
 
 void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     // Straight from the grid: a screen of cells is painted on every scrolled line.
-    const center::EntryGrid& grid = view_.Model().Grid();
     const center::CellAddress cell = view_.Model().AddressOf(index);
-    const center::CellLook look = grid.Look(cell.row, cell.column);
+    const center::CellLook look = view_.Model().Grid().Look(cell.row, cell.column);
     const bool active = index == view_.currentIndex();
     const bool selected = option.state & QStyle::State_Selected;
-
-    QColor background = index.row() % 2 == 0 ? colors::kPaper : colors::kPaperAlternate;
-    if (look.backColor != center::color::kWhite) background = FromGridColor(look.backColor);
-    const bool faulty = look.foreColor == center::color::kRed;
-    if (faulty && look.backColor == center::color::kWhite) background = kFaultyPaper;
-    if (selected && !active) background = colors::kSelection;
-    painter->fillRect(option.rect, background);
-
-    if (faulty) DrawFaultMark(*painter, option.rect);
-
-    const std::string_view plain = grid.Text(cell.row, cell.column);
     const bool button = active && view_.IsInteractive() && HasButton(cell.column);
-    if (!plain.empty()) {
-        const QColor ink =
-            look.foreColor == center::color::kBlack ? colors::kInk : FromGridColor(look.foreColor);
-        DrawText(*painter, option, index, ToQt(center::DisplayText(cell.column, plain)), ink);
-    } else if (const QString proposed = view_.Model().ProposedText(cell); !proposed.isEmpty()) {
-        DrawText(*painter, option, index, proposed, colors::kFaintInk);
+
+    painter->fillRect(option.rect, selected && !active ? colors::kSelection : Paper(cell, look));
+    if (view_.Model().Bands().IsFirst(cell.row)) {
+        painter->fillRect(QRect(option.rect.topLeft(), QSize(option.rect.width(), kRuleWidth)),
+                          colors::kNumberRule);
     }
+    if (look.foreColor == center::color::kRed) DrawFaultMark(*painter, option.rect);
+    painter->setFont(option.font);
+    const QRect room = DrawTotals(*painter, TextRect(option.rect, index), index);
+    DrawCellText(*painter, room, cell);
     if (button) DrawButton(*painter, ButtonRect(option.rect), cell.column == center::column::kDirection);
-    if (active) {
-        const bool focused = view_.HasFocusWithin();
-        painter->setPen(QPen(focused ? colors::kAccent : colors::kFaintInk, focused ? 2 : 1));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRect(focused ? option.rect.adjusted(1, 1, -1, -1) : option.rect.adjusted(0, 0, -1, -1));
-    }
+    if (active) DrawCursor(*painter, option.rect);
 }
 
 QSize CellDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const QString text = index.data().toString();
-    return {option.fontMetrics.horizontalAdvance(text) + 2 * kTextMargin + 2, option.fontMetrics.height()};
+    int width = option.fontMetrics.horizontalAdvance(text) + 2 * kTextMargin + 2;
+    if (IsIndented(view_.Model().AddressOf(index))) width += CreditIndent(option.fontMetrics);
+    return {width, option.fontMetrics.height()};
 }
 
 QWidget* CellDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,

@@ -5,6 +5,8 @@
 
 #include <QStyledItemDelegate>
 
+#include "center/grid/entry_grid.h"
+
 namespace vicenter::ui {
 
 class GridView;
@@ -33,11 +35,19 @@ class CellDelegate : public QStyledItemDelegate {
     static bool HasButton(int gridColumn);
     static QRect ButtonRect(const QRect& cell);
 
+    // How far the account names of credit lines stand in.
+    static int CreditIndent(const QFontMetrics& metrics);
+
   private:
     // The room for a cell's text.
     QRect TextRect(const QRect& cell, const QModelIndex& index) const;
-    void DrawText(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index,
-                  const QString& text, const QColor& ink) const;
+    QColor Paper(const center::CellAddress& cell, const center::CellLook& look) const;
+    QColor Ink(const center::CellAddress& cell, const center::CellLook& look) const;
+    bool IsIndented(const center::CellAddress& cell) const;
+    QString TotalsText(const QModelIndex& index) const;
+    QRect DrawTotals(QPainter& painter, const QRect& room, const QModelIndex& index) const;
+    void DrawCellText(QPainter& painter, const QRect& room, const center::CellAddress& cell) const;
+    void DrawCursor(QPainter& painter, const QRect& cell) const;
 
     GridView& view_;
 };

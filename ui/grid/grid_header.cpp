@@ -100,6 +100,7 @@ void GridHeader::mouseReleaseEvent(QMouseEvent* event) {
     if (held_) PressAfterAll();
     QHeaderView::mouseReleaseEvent(event);
     pressed_ = false;
+    emit released();
 }
 
 void GridHeader::PressAfterAll() {

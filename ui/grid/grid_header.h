@@ -30,6 +30,9 @@ class GridHeader : public QHeaderView {
   signals:
     void pulledOut();
 
+  signals:
+    void released();  // by the mouse
+
   protected:
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
     QSize sizeHint() const override;

@@ -13,7 +13,7 @@ QColor FromGridColor(std::int32_t value) {
 }
 
 GridModel::GridModel(std::shared_ptr<center::EntryGrid> grid, center::GridActions& actions, QObject* parent)
-    : QAbstractTableModel(parent), grid_(std::move(grid)), actions_(actions) {
+    : QAbstractTableModel(parent), grid_(std::move(grid)), bands_(*grid_), actions_(actions) {
     grid_->AddObserver(*this);
 }
 
@@ -50,6 +50,10 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
             const std::int32_t color = grid_->Look(cell.row, cell.column).backColor;
             return color == center::color::kWhite ? QVariant() : QVariant(FromGridColor(color));
         }
+        case Qt::AccessibleTextRole:
+            return SpokenText(cell);
+        case Qt::AccessibleDescriptionRole:
+            return SpokenState(cell);
         case Qt::TextAlignmentRole: {
             const Qt::Alignment side =
                 center::Column(cell.column).rightAligned ? Qt::AlignRight : Qt::AlignLeft;
@@ -79,6 +83,27 @@ QVariant GridModel::ProposalToolTip(const center::CellAddress& cell) const {
     if (text.isEmpty()) return {};
     return QStringLiteral("建议“%1”：按 Tab 或 Enter 取用，按 Ctrl+Enter 取用编号和借贷方向，按 Esc 不取用")
         .arg(text);
+}
+
+// The column's name and what is in the cell: a screen reader that follows the cursor says both.
+QString GridModel::SpokenText(const center::CellAddress& cell) const {
+    const QString text = ToQt(center::DisplayText(cell.column, grid_->Text(cell.row, cell.column)));
+    const std::string_view header = center::Column(cell.column).header;
+    return QStringLiteral("%1：%2").arg(ToQt(header.substr(0, header.find('('))),
+                                        text.isEmpty() ? QStringLiteral("空") : text);
+}
+
+// Where it stands, and why it is red.
+QString GridModel::SpokenState(const center::CellAddress& cell) const {
+    QString state = QStringLiteral("第 %1 行").arg(cell.row);
+    const std::string_view number = center::NumberOfRow(*grid_, cell.row);
+    if (!number.empty()) state += QStringLiteral("，模板编号 %1").arg(ToQt(number));
+    const bool sound = grid_->FaultyCheck(cell.row, cell.column) == 0 &&
+                       center::OwnVerdict(*grid_, cell) == center::TextVerdict::Taken;
+    if (sound) return state;
+    const std::string why = GuardedOr(std::string(), [&] { return actions_.DescribeFault(cell); });
+    if (!why.empty()) state += QStringLiteral("，异常：") + ToQtLines(why).replace(u'\n', u' ');
+    return state;
 }
 
 bool GridModel::setData(const QModelIndex& index, const QVariant& value, int role) {

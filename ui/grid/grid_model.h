@@ -13,6 +13,7 @@
 
 #include "center/editing/grid_actions.h"
 #include "center/grid/entry_grid.h"
+#include "center/grid/number_bands.h"
 
 namespace vicenter::ui {
 
@@ -28,6 +29,7 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
     ~GridModel() override;
 
     center::EntryGrid& Grid() const { return *grid_; }
+    const center::NumberBands& Bands() const { return bands_; }
     center::CellAddress AddressOf(const QModelIndex& index) const {
         return {index.row() + 1, index.column() + 1};
     }
@@ -71,9 +73,12 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
     void ScrolledIntoView(const center::CellAddress& cell) override;
 
     QVariant ProposalToolTip(const center::CellAddress& cell) const;
+    QString SpokenText(const center::CellAddress& cell) const;
+    QString SpokenState(const center::CellAddress& cell) const;
     void EmitChanged(const center::CellRange& range, const QList<int>& roles);
 
     std::shared_ptr<center::EntryGrid> grid_;
+    center::NumberBands bands_;
     center::GridActions& actions_;
     bool changingRows_ = false;
     bool interactive_ = true;

@@ -47,6 +47,7 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
       columnHeader_(new GridHeader(Qt::Horizontal, this)),
       rowHeader_(new GridHeader(Qt::Vertical, this)) {
     setObjectName(QStringLiteral("vsEntrys"));
+    setAccessibleName(QStringLiteral("凭证模板分录"));
     setHorizontalHeader(columnHeader_);
     setVerticalHeader(rowHeader_);
     rowHeader_->setSectionResizeMode(QHeaderView::Fixed);
@@ -69,11 +70,8 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
     setVerticalScrollMode(ScrollPerItem);
     setHorizontalScrollMode(ScrollPerPixel);
     setFrameShape(QFrame::StyledPanel);
-    QPalette own = palette();
-    own.setColor(QPalette::Highlight, colors::kSelection);
-    own.setColor(QPalette::HighlightedText, colors::kInk);
-    own.setColor(QPalette::Mid, colors::kGridLine);
-    setPalette(own);
+    ApplyColors();
+    connect(&Theme::Process(), &Theme::changed, this, &GridView::ApplyColors);
     QTableView::setModel(&model_);
 
     connect(&model_, &GridModel::columnLayoutChanged, this, &GridView::ApplyColumns);
@@ -89,16 +87,23 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
         connect(&model_, moved, this, &GridView::PaintProposals);
     connect(&model_, &GridModel::dataChanged, this, &GridView::PaintProposals);
     connect(&model_, &GridModel::activeCellChanged, this, &GridView::PaintProposals);
-    connect(columnHeader_, &QHeaderView::sectionResized, this, [this](int section, int /*before*/, int now) {
-        if (!applyingColumns_ && now > 0) {
-            Guarded([&] { model_.Grid().SetColumnWidth(section + 1, PixelsToTwips(now, *this)); });
-        }
-        emit contentsMoved();
-    });
+    connect(&model_, &GridModel::dataChanged, this, &GridView::RepaintBeyond);
+    connect(columnHeader_, &QHeaderView::sectionResized, this,
+            [this](int section, int /*before*/, int now) { SectionResized(section, now); });
+    connect(columnHeader_, &QHeaderView::sectionMoved, this, &GridView::FillWidth);
+    connect(columnHeader_, &GridHeader::released, this, &GridView::FillWidth);
     ApplyColumns(1, center::kColumnCount);
     ApplyRowHeights();
     ApplyFont();
     FollowActiveCell();
+}
+
+void GridView::ApplyColors() {
+    QPalette own;
+    own.setColor(QPalette::Highlight, colors::kSelection);
+    own.setColor(QPalette::HighlightedText, colors::kInk);
+    own.setColor(QPalette::Mid, colors::kGridLine);
+    setPalette(own);
 }
 
 void GridView::setModel(QAbstractItemModel* model) {
@@ -155,7 +160,63 @@ void GridView::ApplyColumns(int firstColumn, int lastColumn) {
         if (!layout.hidden) setColumnWidth(column - 1, pixels);
     }
     KeepCursorShown();
+    FillWidth();
     emit contentsMoved();
+}
+
+void GridView::SectionResized(int section, int now) {
+    if (!applyingColumns_ && now > 0) {
+        Guarded([&] { model_.Grid().SetColumnWidth(section + 1, PixelsToTwips(now, *this)); });
+        // Not under the hand that is dragging the last column's own edge.
+        if (section != LastShownColumn() || !columnHeader_->IsPressed()) FillWidth();
+    }
+    emit contentsMoved();
+}
+
+int GridView::LastShownColumn() const {
+    for (int visual = columnHeader_->count() - 1; visual >= 0; --visual) {
+        const int column = columnHeader_->logicalIndex(visual);
+        if (!isColumnHidden(column)) return column;
+    }
+    return -1;
+}
+
+// On the screen alone: the grid keeps the width that the profile or the user gave the column.
+void GridView::FillWidth() {
+    const int last = LastShownColumn();
+    if (last < 0) return;
+    const FlagScope scope(applyingColumns_);
+    const auto widthOf = [this](int column) {
+        return std::max(TwipsToPixels(model_.Grid().Layout(column + 1).width, *this), kMinimumColumnWidth);
+    };
+    int others = 0;
+    for (int column = 0; column < center::kColumnCount; ++column) {
+        if (column == last || isColumnHidden(column)) continue;
+        // One that was the last has filled the width until now.
+        if (columnWidth(column) != widthOf(column)) setColumnWidth(column, widthOf(column));
+        others += columnWidth(column);
+    }
+    setColumnWidth(last, std::max(widthOf(last), viewport()->width() - others));
+}
+
+std::optional<center::NumberTotals> GridView::TotalsEndingAt(int row) const {
+    return GuardedOr(std::optional<center::NumberTotals>(), [&] { return actions_.TotalsEndingAt(row); });
+}
+
+void GridView::ToggleTotals() {
+    Guarded([&] { actions_.SetShowsTotals(!actions_.ShowsTotals()); });
+    viewport()->update();
+}
+
+void GridView::ShowVoucher() {
+    Guarded([&] { actions_.ShowVoucher(model_.AddressOf(currentIndex()).row); });
+}
+
+// A number, a side or an amount shows in other cells, too: bands, rules, indents and sums.
+void GridView::RepaintBeyond(const QModelIndex& topLeft, const QModelIndex& bottomRight) {
+    for (const int column : {center::column::kNo, center::column::kDirection, center::column::kAmount}) {
+        if (topLeft.column() < column && column <= bottomRight.column() + 1) return viewport()->update();
+    }
 }
 
 int GridView::ShownColumnNear(int column) const {
@@ -405,6 +466,7 @@ void GridView::scrollContentsBy(int dx, int dy) {
 
 void GridView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
+    FillWidth();
     emit contentsMoved();
 }
 

@@ -51,6 +51,13 @@ class GridView : public QTableView {
     // The rectangle of a cell in the coordinates of `ancestor`.
     QRect CellRectIn(const center::CellAddress& cell, const QWidget& ancestor) const;
 
+    // The last column that is shown, as columns stand; -1 when none is. It fills the width that the others
+    // leave.
+    int LastShownColumn() const;
+    std::optional<center::NumberTotals> TotalsEndingAt(int row) const;
+    void ToggleTotals();
+    void ShowVoucher();
+
     bool CopySelection();  // false when it cannot be copied
     // What a copy of the selection is for other windows and programs; the caller's. None when there is none.
     QMimeData* CopiedSelection();
@@ -91,7 +98,11 @@ class GridView : public QTableView {
 
   private:
     QWidget* OpenEditor() const;
+    void ApplyColors();
     void ApplyColumns(int firstColumn, int lastColumn);
+    void FillWidth();
+    void SectionResized(int section, int now);
+    void RepaintBeyond(const QModelIndex& topLeft, const QModelIndex& bottomRight);
     void ApplyRowHeights();
     void ApplyFont();
     void FollowActiveCell();

@@ -218,6 +218,11 @@ bool GridView::HandleShortcut(const QKeyEvent& event) {
         DuplicateRows();
         return true;
     }
+    if (event.key() == Qt::Key_T && event.modifiers() == (Qt::ControlModifier | Qt::ShiftModifier)) {
+        ToggleTotals();
+        return true;
+    }
+    if (event.key() == Qt::Key_F9 && event.modifiers() == Qt::NoModifier) return ShowVoucher(), true;
     if (event.matches(QKeySequence::SelectAll)) return selectAll(), true;
     if (IsInsertKey(event)) return InsertRows(), true;
     if (IsDeleteKey(event)) return DeleteRows(), true;

@@ -44,15 +44,21 @@ void GridView::contextMenuEvent(QContextMenuEvent* event) {
     menu.addSeparator();
     add(QStringLiteral("向下填充\tCtrl+D"), true, [this] { FillDown(); });
     add(QStringLiteral("复制分录\tCtrl+Shift+D"), true, [this] { DuplicateRows(); });
-    add((count > 1 ? QStringLiteral("插入 %1 行").arg(count) : QStringLiteral("插入行")) +
+    add((count > 1 ? QStringLiteral("添加 %1 行分录").arg(count) : QStringLiteral("添加分录")) +
             QStringLiteral("\tCtrl++"),
         true, [this] { InsertRows(); });
-    add((count > 1 ? QStringLiteral("删除 %1 行").arg(count) : QStringLiteral("删除行")) +
+    add((count > 1 ? QStringLiteral("删除 %1 行分录").arg(count) : QStringLiteral("删除分录")) +
             QStringLiteral("\tCtrl+-"),
         true, [this] { DeleteRows(); });
     menu.addSeparator();
     add(QStringLiteral("查看资料\tF7"), true, [this] { OpenLookUp(); });
+    add(QStringLiteral("显示生成的凭证\tF9"), false, [this] { ShowVoucher(); });
     menu.addSeparator();
+    QAction* totals = menu.addAction(QStringLiteral("显示各编号合计\tCtrl+Shift+T"));
+    totals->setObjectName(QStringLiteral("mnuTotals"));
+    totals->setCheckable(true);
+    totals->setChecked(GuardedOr(false, [&] { return actions_.ShowsTotals(); }));
+    connect(totals, &QAction::triggered, &menu, [this] { ToggleTotals(); });
     AddAids(menu);
     menu.exec(event->globalPos());
 }

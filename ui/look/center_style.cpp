@@ -12,10 +12,6 @@ namespace {
 constexpr int kToolIconSize = 24;
 constexpr double kCornerRadius = 4;
 constexpr int kShortestThumb = 28;
-constexpr QColor kScrollGroove{0xf1, 0xf4, 0xf6};
-constexpr QColor kScrollThumb{0xc2, 0xcc, 0xd3};
-constexpr QColor kScrollHovered{0xa6, 0xb3, 0xbc};
-constexpr QColor kScrollHeld{0x8b, 0x9a, 0xa5};
 
 // The flat tool button: nothing at rest, a tinted plate under the mouse.
 void DrawToolPlate(const QStyleOption& option, QPainter& painter) {
@@ -29,7 +25,7 @@ void DrawToolPlate(const QStyleOption& option, QPainter& painter) {
     painter.setRenderHint(QPainter::Antialiasing);
     const bool rest = !pressed && !hovered;
     painter.setPen(pressed ? colors::kButtonPressedLine : rest ? colors::kLine : colors::kButtonHoveredLine);
-    painter.setBrush(pressed ? colors::kButtonPressed : rest ? colors::kButton : colors::kButtonHovered);
+    painter.setBrush((pressed ? colors::kButtonPressed : rest ? colors::kButton : colors::kButtonHovered)());
     painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), kCornerRadius, kCornerRadius);
     painter.restore();
 }
@@ -37,7 +33,7 @@ void DrawToolPlate(const QStyleOption& option, QPainter& painter) {
 void DrawToolFocus(const QStyleOption& option, QPainter& painter) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(colors::kAccent, 1));
+    painter.setPen(QPen(colors::kAccent(), 1));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), kCornerRadius, kCornerRadius);
     painter.restore();
@@ -93,14 +89,16 @@ void CenterStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
         QProxyStyle::drawComplexControl(control, option, painter, widget);
         return;
     }
-    painter->fillRect(bar->rect, kScrollGroove);
+    painter->fillRect(bar->rect, colors::kScrollGroove);
     if (bar->minimum == bar->maximum) return;
     const bool held = (bar->state & State_Sunken) && (bar->activeSubControls & SC_ScrollBarSlider);
     const bool hovered = (bar->state & State_MouseOver) && (bar->activeSubControls & SC_ScrollBarSlider);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
-    painter->setBrush(held ? kScrollHeld : hovered ? kScrollHovered : kScrollThumb);
+    painter->setBrush((held      ? colors::kScrollHeld
+                       : hovered ? colors::kScrollHovered
+                                 : colors::kScrollThumb)());
     const QRectF thumb =
         QRectF(subControlRect(control, option, SC_ScrollBarSlider, widget)).adjusted(3, 3, -3, -3);
     const double radius = std::min(thumb.width(), thumb.height()) / 2;
@@ -163,7 +161,7 @@ int CenterStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWi
                            QStyleHintReturn* returnData) const {
     // A list in a cell opens below it, as in a spreadsheet, not over it.
     if (hint == SH_ComboBox_Popup) return 0;
-    if (hint == SH_Table_GridLineColor) return static_cast<int>(colors::kGridLine.rgb());
+    if (hint == SH_Table_GridLineColor) return static_cast<int>(colors::kGridLine().rgb());
     return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 

@@ -41,9 +41,9 @@ const QRegularExpression& OneNumber() {
 }
 
 void SetFaulty(QLineEdit& field, bool faulty) {
-    QPalette palette = field.palette();
-    palette.setColor(QPalette::Text, faulty ? colors::kFaulty : colors::kInk);
-    field.setPalette(palette);
+    QPalette own;
+    if (faulty) own.setColor(QPalette::Text, colors::kFaulty);
+    field.setPalette(own);
     field.setToolTip(faulty ? QStringLiteral("该核算类别下没有此编号") : QString());
 }
 

@@ -120,6 +120,7 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
 TemplateTree::TemplateTree(center::TreeActions& actions, QWidget* parent)
     : QTreeWidget(parent), actions_(actions), labels_(new LabelDelegate(this)) {
     setObjectName(QStringLiteral("trv"));
+    setAccessibleName(QStringLiteral("凭证模板列表"));
     setHeaderHidden(true);
     setColumnCount(1);
     setItemDelegate(labels_);
@@ -214,8 +215,15 @@ void TemplateTree::ShowModified(QTreeWidgetItem& item) const {
     const bool modified = !modified_.empty() && KeyOf(&item) == modified_;
     if (item.data(0, kModifiedRole).toBool() == modified) return;
     item.setData(0, kModifiedRole, modified);
-    item.setData(0, Qt::AccessibleTextRole,
-                 modified ? item.text(0) + QStringLiteral("（已修改）") : QVariant());
+    ShowSpoken(item);
+}
+
+// What the eye sees behind and in the letters of a name.
+void TemplateTree::ShowSpoken(QTreeWidgetItem& item) const {
+    QString signs;
+    if (item.data(0, kModifiedRole).toBool()) signs += QStringLiteral("（已修改）");
+    if (unusable_.contains(KeyOf(&item))) signs += QStringLiteral("（有不能使用的编号）");
+    item.setData(0, Qt::AccessibleTextRole, signs.isEmpty() ? QVariant() : QVariant(item.text(0) + signs));
 }
 
 void TemplateTree::SetUnusable(const std::vector<std::string>& keys) {
@@ -231,9 +239,10 @@ bool TemplateTree::ShowsUnusable(const std::string& key) const {
 
 void TemplateTree::ShowUnusable(QTreeWidgetItem& item) const {
     const bool unusable = unusable_.contains(KeyOf(&item));
-    item.setData(0, Qt::ForegroundRole, unusable ? QVariant(colors::kFaulty) : QVariant());
+    item.setData(0, Qt::ForegroundRole, unusable ? QVariant(colors::kFaulty()) : QVariant());
     item.setToolTip(
         0, ToolTipText(item.text(0) + (unusable ? QStringLiteral("（有不能使用的编号）") : QString())));
+    ShowSpoken(item);
 }
 
 void TemplateTree::ShowOnly(const std::optional<std::vector<std::string>>& keys) {

@@ -63,6 +63,7 @@ class TemplateTree : public QTreeWidget {
     QTreeWidgetItem* MakeItem(const center::TreeNode& node) const;
     void ShowModified(QTreeWidgetItem& item) const;
     void ShowUnusable(QTreeWidgetItem& item) const;
+    void ShowSpoken(QTreeWidgetItem& item) const;
     void Click(QTreeWidgetItem* item);
     // The node that rows may be dropped on there; none for anything else that is dragged.
     QTreeWidgetItem* DropTarget(const QDropEvent& event) const;

@@ -1,10 +1,10 @@
 #include "ui/run/application.h"
 
 #include <QFontDatabase>
-#include <QPalette>
 
 #include "ui/look/center_style.h"
 #include "ui/look/chinese_texts.h"
+#include "ui/look/themed_icon.h"
 
 // Outside any namespace, as the macro wants it: a static library's resources are linked in by name.
 static void InitResources() {
@@ -16,32 +16,6 @@ namespace vicenter::ui {
 namespace {
 
 constexpr double kApplicationPointSize = 9;
-
-QPalette CenterPalette() {
-    QPalette palette;
-    palette.setColor(QPalette::Window, colors::kWindow);
-    palette.setColor(QPalette::WindowText, colors::kInk);
-    palette.setColor(QPalette::Base, colors::kPaper);
-    palette.setColor(QPalette::AlternateBase, colors::kPaperAlternate);
-    palette.setColor(QPalette::Text, colors::kInk);
-    palette.setColor(QPalette::PlaceholderText, colors::kFaintInk);
-    palette.setColor(QPalette::Button, colors::kButton);
-    palette.setColor(QPalette::ButtonText, colors::kInk);
-    palette.setColor(QPalette::ToolTipBase, colors::kHint);
-    palette.setColor(QPalette::ToolTipText, colors::kInk);
-    palette.setColor(QPalette::Light, colors::kPaper);
-    palette.setColor(QPalette::Midlight, colors::kBevel);
-    palette.setColor(QPalette::Mid, colors::kLine);
-    palette.setColor(QPalette::Dark, colors::kBevelShadow);
-    palette.setColor(QPalette::Highlight, colors::kAccent);
-    palette.setColor(QPalette::HighlightedText, colors::kPaper);
-    palette.setColor(QPalette::Inactive, QPalette::Highlight, colors::kSelectionElsewhere);
-    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors::kInk);
-    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
-        palette.setColor(QPalette::Disabled, role, colors::kDisabledInk);
-    }
-    return palette;
-}
 
 }  // namespace
 
@@ -81,7 +55,7 @@ QFont BillFont(double pointSize) {
 }
 
 QIcon NamedIcon(const QString& stem) {
-    return QIcon(QStringLiteral(":/vicenter/icons/%1.svg").arg(stem));
+    return QIcon(new ThemedIconEngine(QStringLiteral(":/vicenter/icons/%1.svg").arg(stem)));
 }
 
 void SetUpApplication(QApplication& application) {
@@ -89,7 +63,7 @@ void SetUpApplication(QApplication& application) {
     application.setProperty("vicenterSetUp", true);
     InitResources();
     application.setStyle(new CenterStyle);  // owned by the application
-    QApplication::setPalette(CenterPalette());
+    Theme::Process().FollowDesktop(application);
     application.installTranslator(new ChineseTexts(&application));
     QFont font(BillFontFamily());
     font.setPointSizeF(kApplicationPointSize);

@@ -79,6 +79,7 @@ class ExchangeWindow : public exchange::ExchangeTarget {
 void Report(center::CommandTarget& window, const exchange::ImportOutcome& outcome) {
     if (outcome.written || !outcome.refusal.empty())
         window.ReportFaults({center::FaultSource::Workbook, outcome.file, outcome.faults});
+    if (outcome.written) window.TellDone("模板 " + outcome.templateName + " 已引入，来自", outcome.file);
 }
 
 }  // namespace
@@ -95,7 +96,9 @@ void CenterCommands::ImportFile(center::CommandTarget& window, const std::string
 
 void CenterCommands::Export(center::CommandTarget& window) {
     ExchangeWindow exchangeWindow(window);
-    exchange::TellUnwritten(exchangeWindow, exchange::ExportTemplate(exchangeWindow));
+    const exchange::ExportOutcome outcome = exchange::ExportTemplate(exchangeWindow);
+    exchange::TellUnwritten(exchangeWindow, outcome);
+    if (outcome) window.TellDone("模板 " + window.TemplateName() + " 已引出", outcome.file);
 }
 
 void CenterCommands::UploadToCloud(center::CommandTarget&) {
@@ -110,6 +113,7 @@ void CenterCommands::GenerateFromVouchers(center::CommandTarget& window) {
         window.ReportFaults({center::FaultSource::Vouchers, result.templateName, result.faults});
     if (!result.outcome) return;
     window.ShowStoredTemplate(result.outcome.id);
+    window.TellDone("模板 " + result.templateName + " 已生成", {});
     system::Surroundings::Current().messageBoxes->Show(
         result.message, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
 }

@@ -8,6 +8,7 @@ namespace vicenter::ui {
 namespace {
 
 constexpr int kFlashMilliseconds = 4000;
+constexpr int kDoneMilliseconds = 30000;
 constexpr std::size_t kNumbersNamed = 5;
 
 QString Join(const std::vector<std::string>& numbers) {
@@ -45,22 +46,34 @@ StatusLine::StatusLine(QWidget* parent)
     faults_->setFocusPolicy(Qt::NoFocus);
     faults_->setAutoRaise(true);
     faults_->setToolTip(QStringLiteral("显示或隐藏异常列表 (Ctrl+F8)，按 F8 逐个查看"));
-    QPalette faulty = faults_->palette();
-    faulty.setColor(QPalette::ButtonText, colors::kFaulty);
-    faults_->setPalette(faulty);
     addPermanentWidget(faults_);
     connect(faults_, &QToolButton::clicked, this, &StatusLine::faultsClicked);
     for (QLabel* label : {unbalanced_, selection_, sums_, counts_}) {
         label->setContentsMargins(6, 0, 6, 0);
         addPermanentWidget(label);
     }
-    QPalette quiet = unbalanced_->palette();
-    quiet.setColor(QPalette::WindowText, colors::kCaution);
-    unbalanced_->setPalette(quiet);
+    hint_->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    hint_->setFocusPolicy(Qt::NoFocus);
+    connect(hint_, &QLabel::linkActivated, this, [this] { emit fileClicked(doneFile_); });
     flash_.setSingleShot(true);
     flash_.setInterval(kFlashMilliseconds);
     connect(&flash_, &QTimer::timeout, this, &StatusLine::EndFlash);
+    done_.setSingleShot(true);
+    done_.setInterval(kDoneMilliseconds);
+    connect(&done_, &QTimer::timeout, this, &StatusLine::EndDone);
+    connect(&Theme::Process(), &Theme::changed, this, &StatusLine::ApplyColors);
     SetState({});
+    ApplyColors();
+}
+
+void StatusLine::ApplyColors() {
+    QPalette faulty;
+    faulty.setColor(QPalette::ButtonText, colors::kFaulty);
+    faults_->setPalette(faulty);
+    QPalette quiet;
+    quiet.setColor(QPalette::WindowText, colors::kCaution);
+    unbalanced_->setPalette(quiet);
+    ShowHint();
 }
 
 void StatusLine::SetState(const center::StatusState& state) {
@@ -74,6 +87,7 @@ void StatusLine::SetState(const center::StatusState& state) {
         QString text = QStringLiteral("编号 %1：借 %2　贷 %3")
                            .arg(ToQt(state.number), ToQt(state.debit), ToQt(state.credit));
         if (!state.difference.empty()) text += QStringLiteral("　差额 %1").arg(ToQt(state.difference));
+        if (state.amountHidden) text += QStringLiteral("（金额列已隐藏）");
         sums_->setText(text);
     }
     sums_->setVisible(!state.number.empty());
@@ -97,14 +111,40 @@ void StatusLine::EndFlash() {
     ShowHint();
 }
 
+void StatusLine::TellDone(const QString& text, const QString& file) {
+    doneText_ = text.simplified();
+    doneFile_ = file;
+    done_.start();
+    ShowHint();
+}
+
+void StatusLine::EndDone() {
+    done_.stop();
+    doneText_.clear();
+    doneFile_.clear();
+    ShowHint();
+}
+
+QString StatusLine::DoneText() const {
+    QString text = QStringLiteral("✓ ") + doneText_.toHtmlEscaped();
+    if (!doneFile_.isEmpty())
+        text += QStringLiteral("　<a href=\"file\">%1</a>").arg(doneFile_.toHtmlEscaped());
+    return text;
+}
+
 void StatusLine::ShowHint() {
-    const bool flashing = !flashText_.isEmpty();
-    QPalette palette = hint_->palette();
-    palette.setColor(QPalette::WindowText,
-                     flashing || !hintText_.isEmpty() ? colors::kRefusal : colors::kInk);
+    const QString trouble = flashText_.isEmpty() ? hintText_ : flashText_;
+    const bool done = trouble.isEmpty() && !doneText_.isEmpty();
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, done                ? colors::kDone
+                                           : trouble.isEmpty() ? colors::kInk
+                                                               : colors::kRefusal);
     hint_->setPalette(palette);
-    hint_->setText(flashing ? flashText_ : hintText_);
-    hint_->setToolTip(ToolTipText(hint_->text()));
+    hint_->setTextFormat(done ? Qt::RichText : Qt::PlainText);
+    hint_->setText(done ? DoneText() : trouble);
+    hint_->setToolTip(ToolTipText(done ? doneFile_ : trouble));
+    const QString spoken = doneFile_.isEmpty() ? doneText_ : doneText_ + QStringLiteral("　") + doneFile_;
+    hint_->setAccessibleName(done ? spoken : trouble);
 }
 
 }  // namespace vicenter::ui

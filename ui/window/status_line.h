@@ -1,7 +1,7 @@
 #pragma once
 
 // The status line below the grid: lines and template numbers in use, the sums of the current number, the
-// selection's sum, and why the active cell is red. User-interface thread only.
+// selection's sum, why the active cell is red, and what has just been done. User-interface thread only.
 
 #include <QLabel>
 #include <QStatusBar>
@@ -23,12 +23,19 @@ class StatusLine : public QStatusBar {
     void Flash(const QString& text);
     // What it was about is no longer before the user.
     void EndFlash();
+    // What has been done, with the file that it made as a link, until something else has been done or half a
+    // minute is over. What is wrong with the active cell comes before it.
+    void TellDone(const QString& text, const QString& file);
 
   signals:
     void faultsClicked();
+    void fileClicked(const QString& file);
 
   private:
     void ShowHint();
+    void ApplyColors();
+    void EndDone();
+    QString DoneText() const;  // as mark-up
 
     QLabel* hint_;
     QToolButton* faults_;
@@ -39,6 +46,9 @@ class StatusLine : public QStatusBar {
     QTimer flash_;
     QString hintText_;
     QString flashText_;
+    QTimer done_;
+    QString doneText_;
+    QString doneFile_;
 };
 
 }  // namespace vicenter::ui

@@ -44,6 +44,7 @@ const std::array<ToolLook, center::kToolCount>& Looks() {
 ToolBand::ToolBand(QWidget* parent) : QToolBar(parent) {
     setObjectName(ToQt(center::kBandName));
     setWindowTitle(QStringLiteral("工具栏"));
+    setAccessibleName(QStringLiteral("工具栏"));
     setMovable(false);
     setFloatable(false);
     setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
@@ -59,6 +60,9 @@ ToolBand::ToolBand(QWidget* parent) : QToolBar(parent) {
         connect(action, &QAction::triggered, this, [this, key = ToQt(spec.key)] { emit toolClicked(key); });
         if (QWidget* button = widgetForAction(action)) {
             button->setObjectName(ToQt(spec.key) + QStringLiteral("Button"));
+            button->setAccessibleName(ToQt(spec.caption));
+            // Icon and word say the same twice; what the command is about is in its tooltip.
+            button->setAccessibleDescription(spec.tooltip == spec.caption ? QString() : ToQt(spec.tooltip));
             button->setFocusPolicy(Qt::NoFocus);  // New and Delete act on what has the focus now
             button->installEventFilter(this);
         }

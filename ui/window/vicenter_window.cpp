@@ -94,12 +94,17 @@ void VICenterWindow::BuildWidgets() {
     panel_->setObjectName(QStringLiteral("picGrid"));
     panel_->setFrameShape(QFrame::NoFrame);
     panel_->setAutoFillBackground(true);
-    QPalette background = panel_->palette();
-    background.setColor(QPalette::Window, colors::kPanel);
-    panel_->setPalette(background);
+    const auto paint = [this] {
+        QPalette background;
+        background.setColor(QPalette::Window, colors::kPanel);
+        panel_->setPalette(background);
+    };
+    paint();
+    connect(&Theme::Process(), &Theme::changed, panel_, paint);
     panel_->installEventFilter(this);
     name_ = new QLineEdit(panel_);
     name_->setObjectName(QStringLiteral("itName"));
+    name_->setAccessibleName(QStringLiteral("模板名称"));
     name_->setReadOnly(true);
     name_->setTextMargins(4, 0, 4, 0);
     name_->setFocusPolicy(Qt::ClickFocus);
@@ -156,6 +161,8 @@ void VICenterWindow::BuildGrid() {
         connect(model_, signal, this, &VICenterWindow::ContentChanged);
     connect(model_, &GridModel::dataChanged, this, &VICenterWindow::ContentChanged);
     connect(grid_, &GridView::editingChanged, items_, &ItemPanel::SetCellEditing);
+    connect(status_, &StatusLine::fileClicked, this,
+            [this](const QString& file) { Guarded([&] { presenter_->OpenDocument(FromQt(file)); }); });
     connect(grid_, &GridView::textRefused, status_, &StatusLine::Flash);
     connect(grid_, &GridView::textTaken, status_, &StatusLine::EndFlash);
     connect(model_, &GridModel::activeCellChanged, status_, &StatusLine::EndFlash);
@@ -267,6 +274,7 @@ bool VICenterWindow::eventFilter(QObject* watched, QEvent* event) {
         if (window == this && MoveBetweenAreas(static_cast<QKeyEvent&>(*event))) return true;
         if (window == this && RunWindowKey(static_cast<QKeyEvent&>(*event))) return true;
         if (window == this && MoveBetweenFaults(static_cast<QKeyEvent&>(*event))) return true;
+        if (window == this && HandleWindowKey(static_cast<QKeyEvent&>(*event))) return true;
         if (window == this || (window->windowType() == Qt::Popup && isAncestorOf(window))) {
             const int code = KeyCodeOf(static_cast<QKeyEvent&>(*event));
             if (code != 0 && GuardedOr(false, [&] { return presenter_->KeyPreview(code); })) return true;
@@ -342,6 +350,21 @@ bool VICenterWindow::MoveBetweenFaults(const QKeyEvent& event) {
         faults.GoToNext(modifiers == Qt::ShiftModifier);
     });
     return true;
+}
+
+// Wherever the keyboard is: Ctrl+P prints the open template, Ctrl+O opens another account set.
+bool VICenterWindow::HandleWindowKey(const QKeyEvent& event) {
+    if (!loaded_ || progress_->IsPolling()) return false;
+    if (event.modifiers() != Qt::ControlModifier) return false;
+    if (event.key() == Qt::Key_P) {
+        Guarded([this] { presenter_->Tree().PrintTemplate(); });
+        return true;
+    }
+    if (event.key() == Qt::Key_O) {
+        Guarded([this] { presenter_->RunHostCommand("mnuOpenAccountSet"); });
+        return true;
+    }
+    return false;
 }
 
 void VICenterWindow::FocusMoved(QWidget* now) {

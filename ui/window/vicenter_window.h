@@ -64,6 +64,8 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void LayOutFrame();
     void LayOutPanel();
     void PlaceOverlays();
+    void ShowTitle();
+    bool HandleWindowKey(const QKeyEvent& event);
     void FocusMoved(QWidget* now);
     bool MoveBetweenAreas(const QKeyEvent& event);
     bool MoveBetweenFaults(const QKeyEvent& event);
@@ -87,6 +89,8 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void SelectTreeNode(const std::string& key) override;
     void StartLabelEdit() override;
     void SetModified(const std::string& key, bool modified) override;
+    void SetAccount(const std::string& accountSet, const std::string& user) override;
+    void TellDone(const std::string& text, const std::string& file) override;
     void SetUnusableNodes(const std::vector<std::string>& keys) override;
     void FaultsChanged() override;
     void ShowFaults() override;
@@ -110,6 +114,9 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void ShowLog(center::OperationLog& log) override;
     void ShowSearch() override;
     std::optional<std::string> AskName(const std::string& caption, const std::string& proposed) override;
+    void ShowVoucher(center::VoucherPreview& preview) override;
+    bool Print(const center::PrintSheet& sheet) override;
+    void WritePdf(const center::PrintSheet& sheet, const std::string& file) override;
 
     // Declared last to first use: the presenter goes before the widgets that it speaks to.
     std::shared_ptr<center::TemplateCommands> commands_;
@@ -132,6 +139,8 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     QTimer* draftTimer_ = nullptr;  // runs out when nothing has been typed for a while: a draft is kept
     QElapsedTimer typing_;          // since what is typed has last been kept
     Zone zone_ = Zone::Elsewhere;
+    QString account_;  // behind the title: account set and user
+    bool modified_ = false;
     bool loaded_ = false;
     bool unloaded_ = false;
     std::optional<system::PinyinLoading> pinyin_;  // for the name lists, from the first pause on

@@ -7,7 +7,9 @@
 #include "ui/dialogs/log_dialog.h"
 #include "ui/dialogs/name_dialog.h"
 #include "ui/dialogs/replacement_dialog.h"
+#include "ui/dialogs/voucher_dialog.h"
 #include "ui/look/qt_text.h"
+#include "ui/print/sheet_painter.h"
 #include "ui/window/vicenter_window.h"
 
 namespace vicenter::ui {
@@ -42,8 +44,27 @@ void VICenterWindow::StartLabelEdit() {
 }
 
 void VICenterWindow::SetModified(const std::string& key, bool modified) {
-    setWindowTitle(modified ? QStringLiteral("凭证模板 *") : QStringLiteral("凭证模板"));
+    modified_ = modified;
+    ShowTitle();
     if (tree_) tree_->SetModified(key, modified);
+}
+
+void VICenterWindow::SetAccount(const std::string& accountSet, const std::string& user) {
+    account_.clear();
+    for (const std::string& name : {accountSet, user}) {
+        if (!name.empty()) account_ += QStringLiteral(" - ") + ToQt(name).simplified();
+    }
+    ShowTitle();
+}
+
+void VICenterWindow::ShowTitle() {
+    // Qt would take the sign for its own placeholder.
+    const QString account = QString(account_).replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+    setWindowTitle(QStringLiteral("凭证模板") + (modified_ ? QStringLiteral(" *") : QString()) + account);
+}
+
+void VICenterWindow::TellDone(const std::string& text, const std::string& file) {
+    status_->TellDone(ToQt(text), ToQt(file));
 }
 
 void VICenterWindow::SetUnusableNodes(const std::vector<std::string>& keys) {
@@ -142,6 +163,19 @@ void VICenterWindow::ShowSearch() {
 
 std::optional<std::string> VICenterWindow::AskName(const std::string& caption, const std::string& proposed) {
     return AskForName(caption, proposed, this);
+}
+
+void VICenterWindow::ShowVoucher(center::VoucherPreview& preview) {
+    VoucherDialog window(preview, *this, this);
+    window.exec();
+}
+
+bool VICenterWindow::Print(const center::PrintSheet& sheet) {
+    return PrintOnPaper(sheet, this);
+}
+
+void VICenterWindow::WritePdf(const center::PrintSheet& sheet, const std::string& file) {
+    WriteSheetAsPdf(sheet, file);
 }
 
 }  // namespace vicenter::ui

@@ -1,0 +1,121 @@
+// Light and dark, as the desktop has it.
+
+#include "ui/look/theme.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QProxyStyle>
+
+#include <gtest/gtest.h>
+
+#include "tests/ui/window_fixture.h"
+#include "ui/look/center_style.h"
+#include "ui/look/themed_icon.h"
+#include "ui/run/application.h"
+
+namespace vicenter::ui {
+namespace {
+
+// What a desktop with a dark theme gives an application.
+class DarkDesktop : public QProxyStyle {
+  public:
+    DarkDesktop() : QProxyStyle(QStringLiteral("Fusion")) {}
+    QPalette standardPalette() const override {
+        QPalette palette(QColor(40, 40, 40));
+        palette.setColor(QPalette::WindowText, QColor(240, 240, 240));
+        return palette;
+    }
+};
+
+class ThemeTest : public WindowTest {
+  protected:
+    void TearDown() override {
+        Theme::Process().SetDark(false);
+        WindowTest::TearDown();
+    }
+    static double Contrast(const QColor& a, const QColor& b) {
+        const auto luminance = [](const QColor& color) {
+            const auto part = [](double value) {
+                return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+            };
+            return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
+        };
+        const double first = luminance(a);
+        const double second = luminance(b);
+        return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+    }
+    QColor PaperOfFirstCell() {
+        QApplication::processEvents();
+        const QRect cell = Grid().visualRect(Grid().Model().IndexOf({50, 2}));
+        return Grid().viewport()->grab(cell).toImage().pixelColor(cell.width() / 2, cell.height() / 2);
+    }
+};
+
+TEST_F(ThemeTest, APaletteIsDarkWhenItsLettersAreLighterThanItsGround) {
+    EXPECT_FALSE(IsDarkPalette(Theme::Palette()));
+    EXPECT_TRUE(IsDarkPalette(DarkDesktop().standardPalette()));
+}
+
+TEST_F(ThemeTest, TheWindowsFollowTheDesktop) {
+    QApplication::setStyle(new DarkDesktop);
+    Theme::Process().FollowDesktop(*qApp);
+    EXPECT_TRUE(Theme::Process().IsDark());
+    EXPECT_TRUE(IsDarkPalette(QApplication::palette()));
+    QApplication::setStyle(new CenterStyle);
+    Theme::Process().FollowDesktop(*qApp);
+    EXPECT_FALSE(Theme::Process().IsDark());
+    EXPECT_EQ(QApplication::palette().color(QPalette::Base), colors::kPaper());
+}
+
+TEST_F(ThemeTest, AnOpenWindowChangesWithTheThemeAndBack) {
+    Open();
+    Grid().scrollTo(Grid().Model().IndexOf({50, 2}));
+    const QColor light = PaperOfFirstCell();
+    Theme::Process().SetDark(true);
+    const QColor dark = PaperOfFirstCell();
+    EXPECT_EQ(dark, colors::kPaper());
+    EXPECT_LT(dark.lightness(), 80);
+    EXPECT_EQ(Grid().palette().color(QPalette::Highlight), colors::kSelection());
+    Theme::Process().SetDark(false);
+    EXPECT_EQ(PaperOfFirstCell(), light);
+}
+
+TEST_F(ThemeTest, LettersCanBeReadOnEveryGroundOfBothThemes) {
+    for (const bool dark : {false, true}) {
+        Theme::Process().SetDark(dark);
+        for (const ThemeColor& paper :
+             {colors::kPaper, colors::kPaperAlternate, colors::kSelection, colors::kFaultyPaper,
+              colors::kHeader, colors::kPanel, colors::kWindow})
+            EXPECT_GT(Contrast(colors::kInk, paper), 7) << dark << " " << paper().name().toStdString();
+        for (const ThemeColor& words : {colors::kRefusal, colors::kCaution, colors::kDone})
+            EXPECT_GT(Contrast(words, colors::kWindow), 4) << dark << " " << words().name().toStdString();
+        EXPECT_GT(Contrast(colors::kOnAccent, colors::kAccent), 4) << dark;
+        // The ledger's red is red on whatever paper.
+        EXPECT_EQ(colors::kFaulty(), QColor(255, 0, 0));
+    }
+}
+
+TEST_F(ThemeTest, IconsAreDrawnForTheGroundThatTheyStandOn) {
+    const auto brightest = [] {
+        const QImage image = NamedIcon(QStringLiteral("tool_find")).pixmap(24, 24).toImage();
+        int lightness = 0;
+        int points = 0;
+        for (int x = 0; x < image.width(); ++x) {
+            for (int y = 0; y < image.height(); ++y) {
+                if (image.pixelColor(x, y).alpha() < 200) continue;
+                lightness += image.pixelColor(x, y).lightness();
+                ++points;
+            }
+        }
+        return points == 0 ? -1 : lightness / points;
+    };
+    const int onLight = brightest();
+    ASSERT_GT(onLight, 0);
+    Theme::Process().SetDark(true);
+    EXPECT_NE(brightest(), onLight);
+    EXPECT_FALSE(ThemedDrawing(QStringLiteral(":/vicenter/icons/tool_find.svg"), true).contains("#3b4c60"));
+    EXPECT_TRUE(NamedIcon(QStringLiteral("no_such")).isNull());
+}
+
+}  // namespace
+}  // namespace vicenter::ui

@@ -1,0 +1,34 @@
+#include "ui/look/dialog_frame.h"
+
+#include <QDialog>
+#include <QGuiApplication>
+#include <QLayout>
+#include <QScreen>
+
+#include "ui/look/twips.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr int kFrame = 40;  // pixels that a title bar and a panel take
+
+}  // namespace
+
+void FrameDialog(QDialog& dialog, const QSize& wanted) {
+    // Not to be lost behind the window that waits for it.
+    dialog.setWindowFlags(
+        (dialog.windowFlags() | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
+         Qt::WindowSystemMenuHint) &
+        ~(Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint | Qt::WindowContextHelpButtonHint));
+    QSize size = wanted.isEmpty() ? dialog.sizeHint()
+                                  : QSize(TwipsToPixels(wanted.width() * 15.0, dialog),
+                                          TwipsToPixels(wanted.height() * 15.0, dialog));
+    if (const QScreen* screen = dialog.screen()) {
+        const QSize room = screen->availableSize() - QSize(kFrame, 2 * kFrame);
+        size = size.boundedTo(room);
+    }
+    dialog.resize(size);
+}
+
+}  // namespace vicenter::ui

@@ -1,0 +1,15 @@
+#pragma once
+
+// What every dialog of ours has alike: a title bar that only closes it, and a size that fits the screen it is
+// on. User-interface thread only.
+
+#include <QSize>
+
+class QDialog;
+
+namespace vicenter::ui {
+
+// wanted: at 96 dots an inch; empty: what the contents ask for. Before the dialog is shown.
+void FrameDialog(QDialog& dialog, const QSize& wanted = {});
+
+}  // namespace vicenter::ui
