@@ -1,8 +1,8 @@
 # Completion of vicenter's commands, options and files for bash.
 _vicenter() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command= set=no i
-    local commands="account-set check delete drivers export generate history import list log new rename replace restore
-        save search show sql window"
+    local commands="account-set check delete doctor drivers export generate history import list log new print rename
+        replace restore save search show sql window"
     local options="--account-set --ask-password --connect --excel --help --json --no --password-env --password-file
         --user --version --yes"
     case $before in
@@ -37,6 +37,7 @@ _vicenter() {
             generate) options="--fields --from --group --include-system --name --period --to --year $options" ;;
             history) options="--deleted --keep-days --keep-versions --version-id $options" ;;
             log) options="--from --kind --template --to $options" ;;
+            print) options="--number $options" ;;
             replace) options="--column --dry-run --from --standard --to --undo $options" ;;
             search) options="--account --amount --item --text $options" ;;
             restore) options="--as --version-id $options" ;;

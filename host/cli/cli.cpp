@@ -33,7 +33,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* kDemoFile = "demo.vas";
 constexpr const char* kCloudFolder = "cloud";
 
 // The commands and options of the program, bound to one CliOptions.
@@ -195,10 +194,20 @@ class CommandLine {
             ->check(kNotEmpty);
         AddCommand(app_, "drivers", CliCommand::Drivers,
                    "SQL Server 的 ODBC 驱动程序 / ODBC drivers for SQL Server, and which one is taken");
+        AddCommand(app_, "doctor", CliCommand::Doctor,
+                   "检查程序、字体、驱动和账套 / what is installed, what is missing, what to do");
+        AddPrint();
         AddHistory();
         AddExportCommand(app_, options_);
         AddImportCommand(app_, options_);
         AddGenerateCommand(app_, options_);
+    }
+
+    void AddPrint() {
+        CLI::App* print = AddNamedCommand("print", CliCommand::Print, "打印模板 / a template as a PDF file");
+        print->add_option("FILE", options_.file, ".pdf")->required()->check(kNotEmpty);
+        print->add_option("--number", options_.number, "只打印这个编号的凭证 / the voucher of one pattern")
+            ->check(kDigits);
     }
 
     void AddCheck() {
@@ -251,19 +260,19 @@ std::string ChosenConnectString(const CliContext& context) {
             throw Error(automation::error_number::kFileNotFound, "账套文件不存在：" + options.accountSet);
         return FileConnectString(options.accountSet);
     }
-    const fs::path folder = system::PathFromUtf8(system::Surroundings::Current().folders->UserData());
-    const fs::path file = folder / kDemoFile;
+    const std::string file = DemoSetFile();
+    const fs::path path = system::PathFromUtf8(file);
     std::error_code failed;
-    if (!fs::exists(file, failed)) {
-        fs::create_directories(folder, failed);
+    if (!fs::exists(path, failed)) {
+        fs::create_directories(path.parent_path(), failed);
         try {
-            CreateAccountSetFile(system::PathToUtf8(file), {true, 0});
+            CreateAccountSetFile(file, {true, 0});
         } catch (const Error& error) {
             // Another process has made it meanwhile.
             if (error.Number() != automation::error_number::kFileAlreadyExists) throw;
         }
     }
-    return FileConnectString(system::PathToUtf8(file));
+    return FileConnectString(file);
 }
 
 int Dispatch(const CliContext& context) {
@@ -316,6 +325,10 @@ int Dispatch(const CliContext& context) {
             return RunSearch(context);
         case CliCommand::Drivers:
             return RunDrivers(context);
+        case CliCommand::Doctor:
+            return RunDoctor(context);
+        case CliCommand::Print:
+            return RunPrint(context);
     }
     return kExitWrongUse;
 }
@@ -337,6 +350,7 @@ bool Speaks(CliCommand command) {
         case CliCommand::Save:
         case CliCommand::Export:
         case CliCommand::Import:
+        case CliCommand::Print:
         case CliCommand::Generate:
         case CliCommand::Replace:
             return true;
@@ -350,7 +364,7 @@ bool NeedsNoSession(CliCommand command) {
     return command == CliCommand::AccountSetNew || command == CliCommand::AccountSetCopy ||
            command == CliCommand::AccountSetBackup || command == CliCommand::AccountSetRestore ||
            command == CliCommand::AccountSetVerify || command == CliCommand::AccountSetUpgrade ||
-           command == CliCommand::Drivers;
+           command == CliCommand::Drivers || command == CliCommand::Doctor;
 }
 
 int FailWithDocument(const CliContext& context, const std::string& text) {

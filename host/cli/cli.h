@@ -12,6 +12,10 @@
 #include <string>
 #include <vector>
 
+namespace vicenter::center {
+struct PrintSheet;
+}
+
 namespace vicenter::host {
 
 struct CliStreams {
@@ -26,6 +30,10 @@ struct CliHooks {
     std::function<int()> openWindow;
     // Drives it without a display and leaves pictures in the folder.
     std::function<int(const std::string& folder)> driveWindow;
+    // Writes a PDF file. Throws automation::Error.
+    std::function<void(const center::PrintSheet& sheet, const std::string& file)> writePdf;
+    // The font family that Chinese is shown in; empty when none is installed.
+    std::function<std::string()> chineseFont;
 };
 
 // Exit codes.

@@ -2,7 +2,10 @@
 
 #include <ostream>
 
+#include "host/account_set_choice.h"
 #include "host/cli/context.h"
+#include "platform/ado/account_set/account_set_copies.h"
+#include "platform/system/surroundings.h"
 
 namespace vicenter::host {
 
@@ -10,6 +13,9 @@ int RunWindow(const CliContext& context) {
     const std::string& folder = context.options.sessionFolder;
     if (folder.empty() ? !context.hooks.openWindow : !context.hooks.driveWindow)
         return Fail(context, "此版本不含窗口，请使用 list、show、save 等命令（vicenter --help）。");
+    context.session->ReadNames();
+    if (const auto file = ado::AccountSetFile(context.session->Settings().connectString))
+        AccountSetChoice::Remember(system::Surroundings::Current().folders->UserData(), *file);
     if (folder.empty()) return context.hooks.openWindow();
     const int code = context.hooks.driveWindow(folder);
     context.streams.out << "账套在 "

@@ -9,6 +9,7 @@
 #include "platform/ado/connection.h"
 #include "platform/system/files.h"
 #include "platform/system/program.h"
+#include "platform/system/surroundings.h"
 #include "platform/system/terminal.h"
 
 namespace vicenter::host {
@@ -16,6 +17,8 @@ namespace vicenter::host {
 using automation::Error;
 
 namespace {
+
+constexpr const char* kDemoFile = "demo.vas";
 
 std::string FirstLine(std::istream& stream) {
     std::string line;
@@ -47,6 +50,11 @@ std::string GivenPassword(const CliContext& context) {
 }
 
 }  // namespace
+
+std::string DemoSetFile() {
+    return system::PathToUtf8(system::PathFromUtf8(system::Surroundings::Current().folders->UserData()) /
+                              kDemoFile);
+}
 
 bool IsConnectString(const std::string& fileOrConnectString) {
     const ado::ConnectString settings(fileOrConnectString);

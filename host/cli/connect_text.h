@@ -9,6 +9,9 @@
 
 namespace vicenter::host {
 
+// The demo set of this user, whether it has been made or not.
+std::string DemoSetFile();
+
 bool IsConnectString(const std::string& fileOrConnectString);
 
 // The connect string with the password that the options name; as it is where it needs none. Throws Error when

@@ -61,5 +61,7 @@ int RunGenerate(const CliContext& context);
 int RunReplace(const CliContext& context);
 int RunSearch(const CliContext& context);
 int RunDrivers(const CliContext& context);
+int RunDoctor(const CliContext& context);
+int RunPrint(const CliContext& context);
 
 }  // namespace vicenter::host

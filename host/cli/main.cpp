@@ -57,6 +57,10 @@ int main(int argc, char** argv) {
     hooks.driveWindow = [argc, argv](const std::string& folder) {
         return vicenter::host::DriveWindow(argc, argv, folder, std::cout);
     };
+    hooks.writePdf = [argc, argv](const vicenter::center::PrintSheet& sheet, const std::string& file) {
+        vicenter::host::WritePdf(argc, argv, sheet, file);
+    };
+    hooks.chineseFont = [argc, argv] { return vicenter::host::ChineseFont(argc, argv); };
 #endif
     const vicenter::system::StandardStreams streams;
     const std::vector<std::string> arguments = vicenter::system::ProgramArguments(argc, argv);

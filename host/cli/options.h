@@ -36,7 +36,9 @@ enum class CliCommand {
     Generate,
     Replace,
     Search,
-    Drivers
+    Drivers,
+    Doctor,
+    Print
 };
 
 struct GenerateOptions {
@@ -70,6 +72,7 @@ struct CliOptions {
     std::optional<bool> answer;  // --yes, --no
 
     std::string name;     // of the template
+    std::string number;   // print: of the one pattern
     std::string newName;  // rename
     std::string target;   // account-set copy, backup, restore: where to
     std::string file;     // account-set …, sql, export, import

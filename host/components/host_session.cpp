@@ -17,6 +17,12 @@ constexpr const char* kTrackingQuery =
     "where object_id in (object_id('t_VoucherExp'),object_id('t_Account'),object_id('t_Settle'),"
     "object_id('t_Currency'),object_id('t_MeasureUnit'))) as FTables";
 
+// Others look for their keys as plain text: nothing in a name may look like the end or the beginning of one.
+std::string NameSetting(const char* key, std::string name) {
+    std::erase_if(name, [](char c) { return c == ';' || c == '=' || c == '{' || c == '}' || c == '"'; });
+    return name.empty() ? std::string() : std::string(key) + "=" + name + ";";
+}
+
 }  // namespace
 
 std::string HostSession::PropsString() const {
@@ -25,7 +31,22 @@ std::string HostSession::PropsString() const {
         quoted += c;
         if (c == '}') quoted += c;
     }
-    return "UserID=" + std::to_string(settings_.userId) + ";ConnectString={" + quoted + "};";
+    return "UserID=" + std::to_string(settings_.userId) + ";ConnectString={" + quoted + "};" +
+           NameSetting("AcctName", settings_.accountSetName) + NameSetting("UserName", settings_.userName);
+}
+
+void HostSession::ReadNames() {
+    const auto read = [this](const std::string& query) -> std::string {
+        try {
+            const ado::RecordsetRef answer = Execute(query);
+            return answer->RecordCount() > 0 ? answer->Value(std::size_t{0}).ToText() : std::string();
+        } catch (const Error&) {
+            return {};
+        }
+    };
+    settings_.accountSetName =
+        read("select FValue from t_SystemProfile where FCategory = 'GL' and FKey = 'CompanyName'");
+    settings_.userName = read("select FName from t_User where FUserID = " + std::to_string(settings_.userId));
 }
 
 ado::Connection& HostSession::Connection() {

@@ -19,6 +19,9 @@ struct HostSettings {
     std::string connectString;
     std::int32_t userId = 1;
     std::string cloudFolder = {};  // where the users' cloud drives are kept; empty: there are none
+    // What the windows call them; empty: by what stands above.
+    std::string accountSetName = {};
+    std::string userName = {};
 };
 
 class HostSession {
@@ -29,6 +32,9 @@ class HostSession {
     // The host property string: UserID first, since it is searched for as plain text, and the connect string
     // in braces.
     std::string PropsString() const;
+    // Asks the account set for the names of itself and of the user, for the windows. A set that cannot tell
+    // has none.
+    void ReadNames();
     // Runs one batch on the session's own connection. Throws what the connection throws.
     ado::RecordsetRef Execute(std::string_view batch);
     // Another text whenever a name list may have changed; empty when that cannot be told. A server is asked

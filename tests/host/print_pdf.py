@@ -1,0 +1,120 @@
+"""Templates in PDF files, as another program reads them: every pattern on one page, sums, page numbers, account
+set, user and day. And what `doctor` says of the machine that this runs on.
+
+Usage: print_pdf.py PROGRAM
+"""
+
+import datetime
+import json
+import os
+import subprocess
+import sys
+import tempfile
+
+
+class Program:
+    def __init__(self, path, home):
+        self.path = path
+        self.environment = dict(os.environ, HOME=home, XDG_DATA_HOME=home)
+
+    def run(self, *arguments, text="", code=0):
+        done = subprocess.run([self.path, *arguments], env=self.environment, input=text, capture_output=True,
+                              text=True, check=False)
+        assert done.returncode == code, (arguments, done.returncode, done.stdout, done.stderr)
+        return done.stdout
+
+
+def pages_of(file):
+    text = subprocess.run(["pdftotext", "-layout", file, "-"], capture_output=True, text=True, check=True).stdout
+    # Signs of radicals, which fonts draw as the characters, are found by nobody.
+    assert not [c for c in text if "\u2e80" <= c <= "\u2fdf"], text
+    return text.split("\f")[:-1]
+
+
+def pattern(number, lines):
+    """A balanced pattern, so many lines on the debit side."""
+    rows = [{"FNo": number, "FExp": f"第{number}号摘要", "FDC": "借", "FAccountNumber": "1001",
+             "FAcctountName": "库存现金", "FAmount": "10.5"} for _ in range(lines)]
+    rows.append({"FNo": number, "FExp": f"第{number}号摘要", "FDC": "贷", "FAccountNumber": "1001",
+                 "FAcctountName": "库存现金", "FAmount": str(10.5 * lines)})
+    return rows
+
+
+def check_template(program, folder):
+    program.run("--yes", "new")
+    name = program.run("list").splitlines()[-1].split("\t")[1]
+    rows = [row for number in range(1, 31) for row in pattern(number, 1 + number % 7)]
+    program.run("save", name, text=json.dumps({"lines": rows}))
+    file = os.path.join(folder, "模板.pdf")
+    program.run("print", name, file)
+    pages = pages_of(file)
+    assert len(pages) > 3, len(pages)
+    for index, page in enumerate(pages):
+        assert f"第 {index + 1} 页，共 {len(pages)} 页" in page, page
+        assert name in page, page
+        assert "账套：林氏茶礼商贸有限公司" in page and "用户：林晓岚" in page, page
+        assert "日期：" + datetime.date.today().isoformat() in page, page
+        assert "（续）" not in page, page
+    for number in range(1, 31):
+        # All lines of a pattern and its sums stand on the page of its caption.
+        at = [page for page in pages if f"模板编号 {number}\n" in page]
+        assert len(at) == 1, (number, len(at))
+        assert at[0].count(f"第{number}号摘要") == 2 + number % 7, number
+        assert f"{10.5 * (1 + number % 7):,.2f}" in at[0], number
+    assert sum(page.count("合计") for page in pages) == 30
+
+
+def check_long_pattern(program, folder):
+    """Higher than a page: parted between lines, with its sums once."""
+    program.run("--yes", "new")
+    name = program.run("list").splitlines()[-1].split("\t")[1]
+    program.run("save", name, text=json.dumps({"lines": pattern(1, 120)}))
+    file = os.path.join(folder, "long.pdf")
+    program.run("print", name, file)
+    pages = pages_of(file)
+    assert len(pages) > 1
+    assert sum(page.count("第1号摘要") for page in pages) == 121
+    assert ["（续）" in page for page in pages] == [False] + [True] * (len(pages) - 1)
+    assert sum(page.count("合计") for page in pages) == 1 and "合计" in pages[-1]
+
+
+def check_voucher(program, folder):
+    file = os.path.join(folder, "voucher.pdf")
+    program.run("print", "外币业务（待核对）", file, "--number", "3")
+    text = "".join(pages_of(file))
+    assert "模板编号 3" in text and "模板编号 2" not in text, text
+    assert "第 1 行：科目代码 1002，不是明细科目" in text.replace("\n", ""), text
+    program.run("print", "标准模板", os.path.join(folder, "no", "where.pdf"), code=1)
+
+
+def check_doctor(program, folder):
+    answer = json.loads(program.run("--json", "doctor"))
+    areas = {finding["area"] for finding in answer["findings"]}
+    assert answer["ok"] and {"程序", "字体", "驱动", "账套", "用户", "宿主"} <= areas, answer
+    assert any("中文字体：" in finding["text"] for finding in answer["findings"]), answer
+    secret = "geheim-1234"
+    missing = ("Provider=SQLOLEDB;Data Source=127.0.0.1,1;Initial Catalog=x;User ID=sa;"
+               f"Password={secret};Connect Timeout=1")
+    for form in ([], ["--json"]):
+        done = subprocess.run([program.path, *form, "--connect", missing, "doctor"], env=program.environment,
+                              capture_output=True, text=True, check=False)
+        assert done.returncode == 1, done
+        assert secret not in done.stdout + done.stderr, done
+        assert "账套不能打开" in done.stdout, done
+    # It looks, and makes nothing.
+    with tempfile.TemporaryDirectory() as empty:
+        fresh = Program(program.path, empty)
+        fresh.run("doctor")
+        assert not any(name.endswith(".vas") for _, _, names in os.walk(empty) for name in names)
+
+
+def main():
+    with tempfile.TemporaryDirectory() as folder:
+        program = Program(sys.argv[1], folder)
+        check_template(program, folder)
+        check_long_pattern(program, folder)
+        check_voucher(program, folder)
+        check_doctor(program, folder)
+
+
+main()
