@@ -36,6 +36,12 @@ foreach(line IN LISTS lines)
   endif()
 endforeach()
 
+# What Debian asks of a package: not an error and not a warning.
+find_program(LINTIAN_PROGRAM lintian)
+if(LINTIAN_PROGRAM)
+  run(ignored "${LINTIAN_PROGRAM}" --allow-root --fail-on error,warning "${package}")
+endif()
+
 run(ignored dpkg-deb -x "${package}" "${FOLDER}/root")
 check_program("${FOLDER}/root/usr")
 file(GLOB library "${FOLDER}/root/usr/${LIBRARY_FOLDER}/libvicenter.so.1")

@@ -66,8 +66,6 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
             const std::string why = GuardedOr(std::string(), [&] { return actions_.DescribeFault(cell); });
             return why.empty() ? QVariant() : QVariant(ToolTipText(ToQtLines(why)));
         }
-        case Qt::AccessibleDescriptionRole:
-            return ProposalToolTip(cell);
         default:
             return {};
     }
@@ -100,7 +98,10 @@ QString GridModel::SpokenState(const center::CellAddress& cell) const {
     if (!number.empty()) state += QStringLiteral("，模板编号 %1").arg(ToQt(number));
     const bool sound = grid_->FaultyCheck(cell.row, cell.column) == 0 &&
                        center::OwnVerdict(*grid_, cell) == center::TextVerdict::Taken;
-    if (sound) return state;
+    if (sound) {
+        const QString proposal = ProposalToolTip(cell).toString();
+        return proposal.isEmpty() ? state : state + QStringLiteral("，") + proposal;
+    }
     const std::string why = GuardedOr(std::string(), [&] { return actions_.DescribeFault(cell); });
     if (!why.empty()) state += QStringLiteral("，异常：") + ToQtLines(why).replace(u'\n', u' ');
     return state;
