@@ -143,7 +143,7 @@ TEST_F(SelectionWayTest, ABlockThatHasNoPlaceIsRefusedAndOneWithHeadersFindsItsC
     EXPECT_EQ(Contents(), before);
     EXPECT_THAT(
         TakeMessages(),
-        ElementsAre(StartsWith("所粘贴的内容有 20 列，从此处起只显示 7 列，有 13 列没有位置，没有粘贴！")));
+        ElementsAre(StartsWith("所粘贴的内容有 20 列，从此处起只显示 8 列，有 12 列没有位置，没有粘贴！")));
     Copied("模板编号\t摘要\t借/贷\t科目代码\t金额\r\n9\tx\t借\t1001\t1,234.50\r\n");
     Press(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(Rows(), lines + 1);

@@ -99,9 +99,11 @@ TEST_F(VoucherWayTest, TheTreesMenuSavesTheTemplateAsPdf) {
 }
 
 TEST_F(VoucherWayTest, CtrlPWithoutLinesSaysSo) {
+    window->Tree().setFocus();
     ClickTool("mnuNew");
     Key(Qt::Key_Escape);
     TakeMessages();
+    ASSERT_EQ(window->Presenter().RowCount(), 0) << "there would be something to print";
     QTest::keyClick(window->findChild<QWidget*>(QStringLiteral("vsEntrys")), Qt::Key_P, Qt::ControlModifier);
     EXPECT_THAT(TakeMessages(), ElementsAre("当前没有可打印的分录！"));
 }
