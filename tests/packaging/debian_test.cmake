@@ -37,10 +37,7 @@ foreach(line IN LISTS lines)
 endforeach()
 
 # What Debian asks of a package: not an error and not a warning.
-find_program(LINTIAN_PROGRAM lintian)
-if(LINTIAN_PROGRAM)
-  run(ignored "${LINTIAN_PROGRAM}" --allow-root --fail-on error,warning "${package}")
-endif()
+run(ignored "${LINTIAN}" --allow-root --fail-on error,warning "${package}")
 
 run(ignored dpkg-deb -x "${package}" "${FOLDER}/root")
 check_program("${FOLDER}/root/usr")

@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "exchange/template_columns.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 
 namespace vicenter::ui {
@@ -48,7 +49,6 @@ ImportPreviewDialog::ImportPreviewDialog(const exchange::ImportPreview& preview,
     : QDialog(parent), preview_(preview), pages_(new QTabWidget(this)) {
     setObjectName(QStringLiteral("frmImportPreview"));
     setWindowTitle(QStringLiteral("引入前后对比 - ") + ToQt(preview.destination.name));
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     pages_->setObjectName(QStringLiteral("pages"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(14, 14, 14, 14);
@@ -67,7 +67,7 @@ ImportPreviewDialog::ImportPreviewDialog(const exchange::ImportPreview& preview,
     if (!preview.faults.empty()) pages_->setCurrentIndex(pages_->count() - 1);
     layout->addWidget(pages_, 1);
     layout->addLayout(Buttons());
-    resize(820, 540);
+    FrameDialog(*this, QSize(820, 540));
 }
 
 QTableWidget* ImportPreviewDialog::MakeTable(const char* name, const QStringList& headings) {
