@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "center/frame/silent_view.h"
+#include "center/grid/entry_grid.h"
 #include "center/history/template_history.h"
 #include "center/print/voucher_preview.h"
 #include "dialogs/frm_search.h"

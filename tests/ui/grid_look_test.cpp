@@ -192,7 +192,8 @@ TEST_F(GridLookTest, TheMenuOffersTheSumsAndShowsWhetherTheyAreThere) {
         totals->trigger();
         menu->close();
     });
-    QContextMenuEvent event(QContextMenuEvent::Mouse, Cell(1, 1).center());
+    const QPoint at = Cell(1, 1).center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, view->viewport()->mapToGlobal(at));
     QApplication::sendEvent(view->viewport(), &event);
     EXPECT_TRUE(checked);
     EXPECT_FALSE(actions.shows);

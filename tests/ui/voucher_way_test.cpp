@@ -64,17 +64,17 @@ TEST_F(VoucherWayTest, F9ShowsTheLinesTheSumsAndWhatIsOpen) {
 
 TEST_F(VoucherWayTest, TheVoucherGoesIntoAPdfFileAndTheStatusLineLinksIt) {
     ClickCell(1, column::kExplanation);
-    const std::string file = folder.Path("凭证.pdf");
-    surroundings.fileDialogs->choices.push_back(file.substr(0, file.size() - 4));
+    const std::string pdf = folder.Path("凭证.pdf");
+    surroundings.fileDialogs->choices.push_back(pdf.substr(0, pdf.size() - 4));
     InDialog([&](QDialog& dialog) {
         QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdPdf")), Qt::LeftButton);
     });
     Key(Qt::Key_F9);
     ASSERT_EQ(surroundings.fileDialogs->requests.size(), 1U);
     EXPECT_THAT(surroundings.fileDialogs->requests[0].proposedName, HasSubstr("标准模板-"));
-    EXPECT_EQ(Head(file), "%PDF-");
+    EXPECT_EQ(Head(pdf), "%PDF-");
     EXPECT_THAT(Hint(), HasSubstr("已另存为 PDF"));
-    EXPECT_THAT(Hint(), HasSubstr(file));
+    EXPECT_THAT(Hint(), HasSubstr(pdf));
 }
 
 TEST_F(VoucherWayTest, ARowWithoutANumberMakesNoVoucher) {
@@ -84,18 +84,18 @@ TEST_F(VoucherWayTest, ARowWithoutANumberMakesNoVoucher) {
 }
 
 TEST_F(VoucherWayTest, TheTreesMenuSavesTheTemplateAsPdf) {
-    const std::string file = folder.Path("模板.pdf");
-    surroundings.fileDialogs->choices.push_back(file);
+    const std::string pdf = folder.Path("模板.pdf");
+    surroundings.fileDialogs->choices.push_back(pdf);
     for (const center::TreeMenuItem& item : window->Presenter().Tree().MenuItems()) {
         if (item.name == "mnuPdf") item.run();
     }
-    EXPECT_EQ(Head(file), "%PDF-");
+    EXPECT_EQ(Head(pdf), "%PDF-");
     // What cannot be written is told, and what was there stays.
     surroundings.fileDialogs->choices.push_back(folder.Path("nowhere/x.pdf"));
     for (const center::TreeMenuItem& item : window->Presenter().Tree().MenuItems()) {
         if (item.name == "mnuPdf") item.run();
     }
-    EXPECT_THAT(TakeMessages(), Contains(StartsWith("PDF 文件未能写入！")));
+    EXPECT_THAT(TakeMessages(), ::testing::Contains(StartsWith("PDF 文件未能写入！")));
 }
 
 TEST_F(VoucherWayTest, CtrlPWithoutLinesSaysSo) {

@@ -9,6 +9,7 @@
 #include "exchange/template_columns.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 
 namespace vicenter::ui {
 
@@ -22,7 +23,7 @@ void Put(QTableWidget& table, int row, const QStringList& texts, bool warned = f
         auto* item = new QTableWidgetItem(texts[column].simplified());
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
         item->setToolTip(ToolTipText(texts[column]));
-        if (warned) item->setForeground(Qt::red);
+        if (warned) item->setForeground(QColor(colors::kRefusal));
         table.setItem(row, column, item);
     }
 }

@@ -168,7 +168,7 @@ void ReplacementDialog::ShowLines() {
             auto* item = new QTableWidgetItem(texts[field].simplified());
             item->setToolTip(ToolTipText(texts[field]));
             item->setFlags(Qt::ItemIsSelectable | (possible ? Qt::ItemIsEnabled : Qt::NoItemFlags));
-            if (field == kNote) item->setForeground(possible ? colors::kCaution : colors::kRefusal);
+            if (field == kNote) item->setForeground(QColor(possible ? colors::kCaution : colors::kRefusal));
             if (field == kTick && possible) {
                 item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
                 item->setCheckState(line.chosen ? Qt::Checked : Qt::Unchecked);
