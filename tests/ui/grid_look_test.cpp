@@ -1,13 +1,18 @@
 // What the grid looks like: bands and rules between template numbers, credit lines, sums, the width filled.
 
+#include <QAction>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QImage>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include <gtest/gtest.h>
 

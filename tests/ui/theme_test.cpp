@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QImage>
 #include <QProxyStyle>
+#include <algorithm>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
