@@ -236,6 +236,11 @@ bool ServerConnection::Login(const LoginRequest& login) {
         RefuseLogin(*refusal);
         return false;
     }
+    // As servers do that take no text with a NUL in it.
+    if (login.server.find('\0') != std::string::npos) {
+        RefuseLogin(Refusal(18456, 14, "Login failed: the name of the server holds a NUL."));
+        return false;
+    }
     if (login.password != Server::kPassword) {
         RefuseLogin(Refusal(18456, 14, "Login failed for user '" + login.user + "'."));
         return false;

@@ -324,7 +324,12 @@ std::string DriverConnectString(const OdbcSettings& settings, const std::string&
     } else {
         text += "DRIVER={" + driver + "};";
     }
-    add("SERVER", server);
+    // "host,port" is the way of SQL Server's own drivers. FreeTDS sends it on in its login with a NUL in
+    // place of the comma, which a server may refuse, and others take the port for a second host.
+    const bool together = driver.empty() || (DriverRank(driver) > 0 && !freeTds);
+    const std::size_t comma = together ? std::string::npos : server.find(',');
+    add("SERVER", server.substr(0, comma));
+    if (comma != std::string::npos) add("PORT", server.substr(comma + 1));
     add("DATABASE", settings.database);
     if (freeTds) {
         if (!IsSaid(settings.more, "TDS_Version")) text += "TDS_Version=7.4;";

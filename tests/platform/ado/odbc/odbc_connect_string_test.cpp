@@ -38,8 +38,12 @@ TEST(OdbcConnectStringTest, TakesWhatHostsWrite) {
 }
 
 TEST(OdbcConnectStringTest, SpeaksEachDriversLanguage) {
-    EXPECT_EQ(Made("Provider=SQLNCLI11;Data Source=h,99;Initial Catalog=a;UID=u;PWD=p", "FreeTDS"),
-              "DRIVER={FreeTDS};SERVER=h,99;DATABASE=a;TDS_Version=7.4;ClientCharset=UTF-8;UID=u;PWD=p;");
+    EXPECT_EQ(
+        Made("Provider=SQLNCLI11;Data Source=h,99;Initial Catalog=a;UID=u;PWD=p", "FreeTDS"),
+        "DRIVER={FreeTDS};SERVER=h;PORT=99;DATABASE=a;TDS_Version=7.4;ClientCharset=UTF-8;UID=u;PWD=p;");
+    EXPECT_EQ(
+        Made("Driver={PostgreSQL Unicode};Server=h;Port=99;Database=a;UID=u;PWD=p", "PostgreSQL Unicode"),
+        "DRIVER={PostgreSQL Unicode};SERVER=h;PORT=99;DATABASE=a;UID=u;PWD=p;");
     EXPECT_EQ(
         Made("Provider=SQLNCLI11;Data Source=h;Encrypt=yes;UID=u;PWD=p", "FreeTDS"),
         "DRIVER={FreeTDS};SERVER=h;TDS_Version=7.4;ClientCharset=UTF-8;Encryption=require;UID=u;PWD=p;");

@@ -11,6 +11,8 @@ namespace {
 
 using automation::Error;
 using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 
 TEST(OtherDriverTest, OneThatCannotCarryChineseIsRefusedByName) {
     ado::RegisterOdbcProviders();
@@ -27,6 +29,24 @@ TEST(OtherDriverTest, OneThatCannotCarryChineseIsRefusedByName) {
         }
     }
     ado::CloseIdleOdbcConnections();
+}
+
+// One that knows nothing of "host,port" would take the port for a second host and send its login there.
+TEST(OtherDriverTest, AsksNobodyButTheServerAndThePortThatAreNamed) {
+    ado::RegisterOdbcProviders();
+    for (const std::string driver : {"PostgreSQL Unicode", "PostgreSQL ANSI"}) {
+        try {
+            ado::OpenConnection("Driver={" + driver +
+                                "};Server=127.0.0.1;Port=1;Database=账套;UID=u;PWD=geheim;Pooling=no");
+            ADD_FAILURE() << driver;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Number(), ado::error_number::kProviderError);
+            EXPECT_THAT(error.Text(), StartsWith("不能连接到数据库服务器：")) << driver;
+            EXPECT_THAT(error.Text(), HasSubstr("\"127.0.0.1\", port 1 failed")) << driver;
+            EXPECT_THAT(error.Text(), Not(HasSubstr("0.0.0.1)"))) << driver;
+            EXPECT_THAT(error.Text(), Not(HasSubstr("geheim"))) << driver;
+        }
+    }
 }
 
 // It is no driver for SQL Server: never taken unless it is named.
