@@ -33,6 +33,7 @@ class IcuPage final : public CodePage {
         // character.
         ucnv_getUnicodeSet(converter_.get(), reinterpret_cast<USet*>(&characters_), UCNV_ROUNDTRIP_SET,
                            &status);
+        characters_.add(0, 0x7F);
         characters_.freeze();
         ucnv_setSubstChars(converter_.get(), "?", 1, &status);
         if (U_FAILURE(status) || characters_.isBogus()) throw std::bad_alloc();
@@ -40,17 +41,8 @@ class IcuPage final : public CodePage {
 
     std::size_t FirstMissing(std::string_view text) const override {
         const auto length = static_cast<std::int32_t>(text.size());
-        for (std::int32_t at = 0; at < length;) {
-            const std::int32_t start = at;
-            if (static_cast<unsigned char>(text[static_cast<std::size_t>(at)]) < 0x80) {
-                ++at;
-                continue;
-            }
-            UChar32 character = 0;
-            U8_NEXT(text.data(), at, length, character);
-            if (character < 0 || !characters_.contains(character)) return static_cast<std::size_t>(start);
-        }
-        return std::string_view::npos;
+        const std::int32_t held = characters_.spanUTF8(text.data(), length, USET_SPAN_CONTAINED);
+        return held == length ? std::string_view::npos : static_cast<std::size_t>(held);
     }
 
     std::string Encode(std::string_view text) const override {

@@ -90,6 +90,25 @@ class InsertHead {
     State state_ = State::kOutside;
 };
 
+// Where values end that are plain literals, numbers and texts, with the parenthesis behind them; the place
+// itself where there is anything else among them.
+std::size_t EndOfLiterals(std::string_view batch, std::size_t from) {
+    for (std::size_t at = from; at < batch.size(); ++at) {
+        const char c = batch[at];
+        if (c == ')') return at + 1;
+        if (c == '\'') {
+            at = batch.find('\'', at + 1);
+            if (at == std::string_view::npos) return from;
+            continue;
+        }
+        const char next = at + 1 < batch.size() ? batch[at + 1] : ')';
+        const bool plain = (c >= '0' && c <= '9') || c == ',' || c == '.' || c == ' ' ||
+                           (c == '-' && next != '-') || (c == 'N' && next == '\'');
+        if (!plain) return from;
+    }
+    return from;
+}
+
 // A batch word by word.
 class NatureReader {
   public:
@@ -105,7 +124,7 @@ class NatureReader {
                     if (const std::size_t length = head.LengthAt(offset); length > 0) {
                         ++changes_;
                         before_ = "insert";
-                        lexer = tsql::Lexer(batch.substr(offset + length));
+                        lexer = tsql::Lexer(batch.substr(EndOfLiterals(batch, offset + length)));
                         previous = {};
                         continue;
                     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <optional>
+#include <utility>
 
 #include "automation/error.h"
 #include "automation/quietly.h"
@@ -37,9 +38,9 @@ constexpr std::int32_t kFirstErrorSeverity = 11;
 // Three trips for a unit, one for what only reads or changes once. A transaction that a driver keeps open all
 // the time would save one of the three and cost one more for every question, and a question would hold on to
 // what it read.
-constexpr std::string_view kBegin = "begin transaction";
-constexpr std::string_view kCommit = "if @@trancount > 0 commit transaction";
-constexpr std::string_view kRollback = "if @@trancount > 0 rollback transaction";
+constexpr const char* kBegin = "begin transaction";
+constexpr const char* kCommit = "if @@trancount > 0 commit transaction";
+constexpr const char* kRollback = "if @@trancount > 0 rollback transaction";
 
 constexpr std::int32_t kDeadlock = 1205;
 constexpr std::int32_t kLockTimeout = 1222;
@@ -176,12 +177,12 @@ bool OdbcConnection::CommitUnit() {
     Fail(std::move(committed), true);
 }
 
-OdbcOutcome OdbcConnection::Run(std::string_view text, Stop stop) {
+OdbcOutcome OdbcConnection::Run(std::string text, Stop stop) {
     OdbcOutcome stopped;
     stopped.cancelled = true;
     if (stop == Stop::kMay && cancelled_) return stopped;
     const auto batch =
-        std::make_shared<OdbcBatch>(link_, std::string(text), CommandTimeout(), !settings_.batchTransactions);
+        std::make_shared<OdbcBatch>(link_, std::move(text), CommandTimeout(), !settings_.batchTransactions);
     const auto setRunning = [this](std::shared_ptr<OdbcBatch> running) {
         const std::lock_guard guard(runningLock_);
         running_ = std::move(running);
@@ -204,10 +205,10 @@ OdbcOutcome OdbcConnection::Run(std::string_view text, Stop stop) {
     return ended ? std::move(batch->Outcome()) : stopped;
 }
 
-OdbcOutcome OdbcConnection::RunAsUnit(std::string_view batch) {
+OdbcOutcome OdbcConnection::RunAsUnit(std::string batch) {
     OdbcOutcome begun = Run(kBegin);
     if (begun.HasFailed()) return begun;
-    OdbcOutcome outcome = Run(batch);
+    OdbcOutcome outcome = Run(std::move(batch));
     if (outcome.HasStopped()) return outcome;
     if (outcome.HasFailed()) {
         if (Run(kRollback, Stop::kMustNot).HasStopped()) outcome.broken = true;
@@ -240,7 +241,7 @@ std::string OdbcConnection::Marked(std::string_view batch) {
             link_.reset();
             throw Error(error_number::kOperationCancelled, kCancelledText, kSource);
         }
-        return *marked;
+        return std::move(*marked);
     } catch (const Error& error) {
         DriverError record;
         record.severity = kFirstErrorSeverity;
@@ -263,8 +264,9 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
     if (!link_) Connect();
     const BatchNature nature = NatureOf(batch);
     if (nature.leavesTraces) link_->hasTraces = true;
-    const std::string text = Marked(batch);
-    OdbcOutcome outcome = settings_.batchTransactions && nature.needsUnit ? RunAsUnit(text) : Run(text);
+    std::string text = Marked(batch);
+    OdbcOutcome outcome =
+        settings_.batchTransactions && nature.needsUnit ? RunAsUnit(std::move(text)) : Run(std::move(text));
     if (outcome.HasFailed()) {
         // As on the embedded account set a batch that fails undoes the transaction that it runs in.
         if (!outcome.HasStopped() && settings_.batchTransactions && (inUnit_ || link_->hasTraces)) {

@@ -37,9 +37,9 @@ class OdbcConnection final : public Connection {
     enum class Stop { kMay, kMustNot };
 
     void Connect();
-    OdbcOutcome Run(std::string_view batch, Stop stop = Stop::kMay);
+    OdbcOutcome Run(std::string text, Stop stop = Stop::kMay);
     // The batch within a transaction of its own.
-    OdbcOutcome RunAsUnit(std::string_view batch);
+    OdbcOutcome RunAsUnit(std::string batch);
     // The batch as it is sent.
     std::string Marked(std::string_view batch);
     [[noreturn]] void Fail(OdbcOutcome outcome, bool atCommit);

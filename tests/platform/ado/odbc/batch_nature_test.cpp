@@ -47,6 +47,12 @@ TEST(BatchNatureTest, LinesOfOneHeadAreReadToTheirEnd) {
     EXPECT_TRUE(NatureOf(line + "insert into #t values(1) insert into #t values(2)").leavesTraces);
     EXPECT_TRUE(NatureOf(line + line + "use other").leavesTraces);
     EXPECT_TRUE(NatureOf(line + line + "insert into t(a, [values(], b) values('never closed").leavesTraces);
+    EXPECT_TRUE(NatureOf(line + "insert into t(a, [values(], b) values(-1, --)\r\n 2.5, '') begin tran")
+                    .leavesTraces);
+    EXPECT_TRUE(
+        NatureOf(line + "insert into t(a, [values(], b) values(1, '''', N')') begin tran").leavesTraces);
+    EXPECT_FALSE(
+        NatureOf(line + "insert into t(a, [values(], b) values(1, '); begin tran', 2)").leavesTraces);
 }
 
 TEST(BatchNatureTest, NamesThatLookLikeWordsSayNothing) {
