@@ -189,6 +189,7 @@ template <TypeKind Kind>
 Bound BindCount(Binding& call) {
     const SqlType type = SqlType::Of(Kind);
     if (call.IsStar()) return {"count(*)", type};
+    if (call.Type(0).IsUnknown()) throw MakeError(8117, call.Where(), {"NULL", call.Name()});
     return {"count(" + Distinct(call) + call.Collated(0) + ")", type};
 }
 
@@ -198,7 +199,8 @@ Bound BindStringAgg(Binding& call) {
 
 Bound BindMaxMin(Binding& call) {
     const SqlType from = call.Type(0);
-    if (from.kind == TypeKind::kBit) throw MakeError(8117, call.Where(), {"bit", call.Name()});
+    if (from.kind == TypeKind::kBit || from.IsUnknown())
+        throw MakeError(8117, call.Where(), {MessageName(from), call.Name()});
     call.Pin(0);
     return {call.Name() + "(" + Distinct(call) + call.Collated(0) + ")", from};
 }

@@ -63,6 +63,7 @@ void Executor::DeclareCursor(const DeclareCursorStatement& statement) {
     auto& cursors = Has(statement.cursor.options, "local") ? frame_->cursors : globalCursors_;
     if (cursors.contains(key)) throw MakeError(16915, statement.position, {statement.name.text});
     cursors[key] = MakeCursor(statement.name.text, statement.cursor);
+    rowCount_ = 1;
 }
 
 void Executor::SetCursor(const SetCursorStatement& statement) {
