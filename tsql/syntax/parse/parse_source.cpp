@@ -149,7 +149,7 @@ TableSourcePtr Parser::ParseOneSource() {
     if (AtBrace("{") && AtWord("oj", 1)) {
         Take();
         Take();
-        TableSourcePtr source = ParseSource();
+        TableSourcePtr source = ParseJoins(ParseSource());
         ExpectBraceEnd();
         return source;
     }
