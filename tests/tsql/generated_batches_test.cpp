@@ -12,6 +12,7 @@
 
 #include "engine_fixture.h"
 #include "generator/batch_generator.h"
+#include "generator/shrink.h"
 #include "tree_dump/tree_dump.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/syntax/print/printer.h"
@@ -100,26 +101,11 @@ class GeneratedBatchesTest : public EngineTest {
         return with == without ? std::string() : "without\n" + without + "\nwith it\n" + with;
     }
 
-    // The fewest statements of which it still holds.
-    static Statements Shrunk(Statements statements, const std::function<bool(const Statements&)>& fails) {
-        for (bool smaller = true; smaller;) {
-            smaller = false;
-            for (std::size_t i = 0; i < statements.size() && statements.size() > 1; ++i) {
-                Statements fewer = statements;
-                fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(i));
-                if (!fails(fewer)) continue;
-                statements = std::move(fewer);
-                smaller = true;
-                break;
-            }
-        }
-        return statements;
-    }
     void Expect(std::uint32_t seed, const Statements& statements,
                 const std::function<std::string(const Statements&)>& fault) {
         if (fault(statements).empty()) return;
         const Statements least =
-            Shrunk(statements, [&](const Statements& fewer) { return !fault(fewer).empty(); });
+            tsql_test::Shrunk(statements, [&](const Statements& fewer) { return !fault(fewer).empty(); });
         ADD_FAILURE() << "seed " << seed << "\n" << BatchGenerator::Text(least) << fault(least);
     }
 

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -25,12 +24,6 @@ constexpr std::uint32_t kSeeds = 24;
 
 std::string Name(std::uint32_t seed) {
     return "tests/tsql/generated/seed_" + std::to_string(seed) + ".test";
-}
-
-// A header without the lengths of its types, which an answer may give in more than one way.
-std::string WithoutLengths(const std::string& header) {
-    static const std::regex lengths("(:[a-z0-9]+)\\([^)]*\\)");
-    return std::regex_replace(header, lengths, "$1");
 }
 
 std::string Step(ado::Connection& connection, const std::string& statement) {

@@ -24,6 +24,8 @@ class Lane {
     // A server that is not ours, which may answer otherwise where a file says so.
     virtual bool IsOtherServer() const { return false; }
     virtual bool IsOverOdbc() const { return false; }
+    // What a server that is not ours says of itself in @@version; empty elsewhere.
+    virtual std::string Version() const { return {}; }
 
   private:
     virtual ado::ConnectionRef Open(const std::string& more) = 0;

@@ -63,6 +63,13 @@ class RealServerLane final : public Lane {
     explicit RealServerLane(const std::string& connectString) : database_(connectString) {}
     bool IsOtherServer() const override { return true; }
     bool IsOverOdbc() const override { return true; }
+    std::string Version() const override {
+        static const std::string version = ado::OpenConnection(database_.ConnectText() + ";Pooling=no")
+                                               ->Execute("select @@version as v")
+                                               ->Value("v")
+                                               .ToText();
+        return version;
+    }
 
   private:
     ado::ConnectionRef Open(const std::string& more) override {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace vicenter::tsql_test {
 namespace {
@@ -44,6 +45,13 @@ std::vector<std::string> SplitCommas(const std::string& text) {
     return parts;
 }
 
+// "Babelfish: why"
+std::pair<std::string, std::string> ServerAndWhy(const std::string& text) {
+    const std::size_t colon = text.find(": ");
+    if (colon == std::string::npos) throw std::runtime_error("a server and a reason expected: " + text);
+    return {text.substr(0, colon), text.substr(colon + 2)};
+}
+
 void ReadComment(TestFile& file, const std::string& line) {
     const auto value = [&](const std::string& key) {
         return line.starts_with(key) ? Trimmed(line.substr(key.size())) : std::string();
@@ -51,11 +59,14 @@ void ReadComment(TestFile& file, const std::string& line) {
     if (const std::string name = value("# name:"); !name.empty()) file.name = name;
     if (const std::string script = value("# setup:"); !script.empty()) file.setup.push_back(script);
     if (const std::string why = value("# differs:"); !why.empty()) file.differs = why;
+    if (const std::string named = value("# differs on "); !named.empty())
+        file.differsOn.insert(ServerAndWhy(named));
     for (const std::string& topic : SplitCommas(value("# covers:")))
         file.covers.push_back(topic);
 }
 
 constexpr std::string_view kOverOdbc = "---- over ODBC:";
+constexpr std::string_view kOnServer = "---- on ";
 
 void DropBlankEnd(std::vector<std::string>& lines) {
     while (!lines.empty() && Trimmed(lines.back()).empty())
@@ -116,6 +127,8 @@ TestFile ParseTestFile(const std::string& content) {
                 step.overOdbcWhy = Trimmed(lines[at].substr(kOverOdbc.size()));
                 if (step.overOdbcWhy.empty()) Refuse(at + 1, "a reason expected");
                 expected = &step.expectedOverOdbc;
+            } else if (lines[at].starts_with(kOnServer)) {
+                step.differsOn.insert(ServerAndWhy(lines[at].substr(kOnServer.size())));
             } else {
                 expected->push_back(lines[at]);
             }

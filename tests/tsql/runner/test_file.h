@@ -6,6 +6,7 @@
 //   # by hand                                or "# recorded: from where"
 //   # setup: host/accountset/schema.sql      a script to run first (GO ends its batches); any number of these
 //   # differs: why                           not replayed on a real server, which answers otherwise
+//   # differs on Babelfish: why              the same of one server, by a word of its @@version
 //   # covers: cast, datetime                 what docs/tsql-support.md lists the test under
 //
 //   batch                                    or "error 208", optionally "error 208 line 3"
@@ -17,6 +18,7 @@
 //   ---- over ODBC: why                      what comes instead where a driver stands between, if it differs
 //   a:int | b:nvarchar
 //   1 | NULL
+//   ---- on Babelfish: why                   run on that server, whatever comes instead
 //
 // Several result sets are separated by a blank line. NULL and (empty) stand for themselves; a text with
 // blanks at its ends, or one that would read as something else, stands in double quotes; line breaks are \r
@@ -25,6 +27,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,6 +42,7 @@ struct Step {
     std::vector<std::string> expected;  // lines below the dashes, trailing blank ones left out
     std::string overOdbcWhy;            // empty where a driver changes nothing
     std::vector<std::string> expectedOverOdbc;
+    std::map<std::string, std::string> differsOn;  // why, by the word that names the server
 };
 
 struct TestFile {
@@ -46,6 +50,7 @@ struct TestFile {
     std::vector<std::string> setup;
     std::vector<std::string> covers;
     std::string differs;
+    std::map<std::string, std::string> differsOn;  // why, by the word that names the server
     std::vector<Step> steps;
 };
 
