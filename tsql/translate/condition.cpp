@@ -63,7 +63,9 @@ std::string Translator::Compare(const char* op, const Operand& left, const Opera
             return operand.column && operand.type.IsText() == common.IsText() &&
                    operand.type.IsExact() == common.IsExact();
         };
-        if (!needsCollation || natural(left) || natural(right)) return a + " " + op + " " + b;
+        // SQLite compares as the column on the left says, within a CAST as well: an integer column that is
+        // converted would have decimals compared byte by byte.
+        if (!needsCollation || natural(left)) return a + " " + op + " " + b;
         return a + " COLLATE " + (common.IsText() ? kTextCollationName : kNumberCollationName) + " " + op +
                " " + b;
     } catch (SqlError& error) {
