@@ -57,6 +57,12 @@ constexpr Form kForms[] = {
     {"grouping_id(",
      "select a, b, grouping_id(a, b) as i from (select 1 as a, 2 as b) as q group by cube (a, b)"},
     {";with q as", "create table g_form (a int) ;with q as (select a from g_form) delete from q"},
+    {"str(", "select str(1) as a", "a text behind STR is lost"},
+    {"max(t.c)", "select max('a') as a", "no windows over char"},
+    {"abs(o.d)", "select abs(1.5) as a", "the places of a decimal in ABS are lost"},
+    {"0.5", "select 0.5 as a", "the places of a literal in CASE are lost"},
+    {"2.25", "select 2.25 as a", "the places of a literal in CASE are lost"},
+    {"else o.d", "select 1 as a", "CASE of an integer and a decimal breaks the line"},
     {"goto ", "goto there there: select 1 as a"},
     {"grouping sets", "select a, count(*) as n from (select 1 as a) as q group by grouping sets ((a), ())"},
 };
