@@ -1,19 +1,23 @@
 // Each statement of the component that is asked again and again, as T-SQL text and as a statement of SQLite
-// prepared by hand, in turn within one run; then joins of 100,000 rows on decimals and texts without an
-// index, beside SQLite's own on integers. Processor time. Usage: tsql_component_bench [repeats] [rounds]
-// [rows]
+// prepared by hand, in turn within one run; the component's save beside the same changes by prepared
+// statements in one transaction; then joins of 100,000 rows on decimals and texts without an index, beside
+// SQLite's own on integers. Processor time. Usage: tsql_component_bench [repeats] [rounds] [rows]
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <functional>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/account_set_bench.h"
 #include "host/account_set.h"
 #include "platform/ado/account_set/account_set_collation.h"
+#include "store/template_batches.h"
+#include "store/template_columns.h"
 #include "tsql/types/collation.h"
 
 namespace {
@@ -156,6 +160,174 @@ void ShowStatements(ado::Connection& connection, bench::RawDatabase& raw, int re
     }
 }
 
+// A template's lines as the window hands them to a save: no items, four lines a number.
+std::string CellText(int row, int c) {
+    namespace column = store::column;
+    switch (c) {
+        case column::kNo:
+            return std::to_string((row + 3) / 4);
+        case column::kExplanation:
+            return "支付第" + std::to_string(row) + "笔货款";
+        case column::kDirection:
+            return row % 2 == 0 ? "贷" : "借";
+        case column::kAccountId:
+        case column::kAccountNumber:
+            return "1001";
+        case column::kAccountName:
+            return "库存现金";
+        case column::kCurrencyName:
+            return "人民币";
+        case column::kAmount:
+            return std::to_string(row) + ".25";
+        default:
+            return {};
+    }
+}
+
+// The same changes by hand: rows as the engine stored them, statements prepared once, one transaction.
+class SaveByHand {
+  public:
+    explicit SaveByHand(bench::RawDatabase& raw) : raw_(raw) {
+        sqlite3_stmt* rows =
+            raw.Prepare("SELECT * FROM t_VchTemplateEntry WHERE FID = 900 ORDER BY FEntryID");
+        while (sqlite3_step(rows) == SQLITE_ROW) {
+            lines_.emplace_back();
+            for (int i = 0; i < sqlite3_column_count(rows); ++i)
+                lines_.back().push_back(sqlite3_value_dup(sqlite3_column_value(rows, i)));
+        }
+        std::string marks = "?";
+        for (int i = 1; i < sqlite3_column_count(rows); ++i)
+            marks += ",?";
+        sqlite3_finalize(rows);
+        insert_ = Prepare("INSERT INTO t_VchTemplateEntry VALUES(" + marks + ")");
+    }
+    SaveByHand(const SaveByHand&) = delete;
+    SaveByHand& operator=(const SaveByHand&) = delete;
+    ~SaveByHand() {
+        for (sqlite3_stmt* statement : prepared_)
+            sqlite3_finalize(statement);
+        for (const auto& line : lines_) {
+            for (sqlite3_value* value : line)
+                sqlite3_value_free(value);
+        }
+    }
+
+    int Lines() const { return static_cast<int>(lines_.size()); }
+    void Run() {
+        Do(begin_);
+        Do(clear_);
+        std::string last;
+        for (const auto& line : lines_) {
+            const std::string number = reinterpret_cast<const char*>(sqlite3_value_text(line[2]));
+            if (number != last) Control(line);
+            last = number;
+            for (std::size_t i = 0; i < line.size(); ++i)
+                sqlite3_bind_value(insert_, static_cast<int>(i) + 1, line[i]);
+            Do(insert_);
+        }
+        Do(forget_);
+        Do(items_);
+        Do(mark_);
+        Do(commit_);
+    }
+
+  private:
+    sqlite3_stmt* Prepare(const std::string& sql) {
+        prepared_.push_back(raw_.Prepare(sql.c_str()));
+        return prepared_.back();
+    }
+    static bool Do(sqlite3_stmt* statement) {
+        const int code = sqlite3_step(statement);
+        Require(code == SQLITE_ROW || code == SQLITE_DONE, "a step by hand");
+        sqlite3_reset(statement);
+        return code == SQLITE_ROW;
+    }
+    void Control(const std::vector<sqlite3_value*>& line) {
+        sqlite3_bind_value(known_, 1, line[2]);
+        sqlite3_stmt* change = Do(known_) ? update_ : add_;
+        sqlite3_bind_value(change, 1, line[2]);
+        sqlite3_bind_value(change, 2, line[3]);
+        Do(change);
+    }
+
+    bench::RawDatabase& raw_;
+    std::vector<std::vector<sqlite3_value*>> lines_;
+    std::vector<sqlite3_stmt*> prepared_;
+    sqlite3_stmt* insert_ = nullptr;
+    sqlite3_stmt* begin_ = Prepare("BEGIN IMMEDIATE");
+    sqlite3_stmt* commit_ = Prepare("COMMIT");
+    sqlite3_stmt* clear_ = Prepare("DELETE FROM t_VchTemplateEntry WHERE FID = 900");
+    sqlite3_stmt* known_ = Prepare("SELECT 1 FROM t_VchTpControl WHERE FID = 900 AND FNo = ?1");
+    sqlite3_stmt* add_ = Prepare(
+        "INSERT INTO t_VchTpControl(FID, FNo, FUseFrequency, FKey, FFileCount, FIsCanUsed) "
+        "VALUES(900, ?1, 0, ?2, 0, 0)");
+    sqlite3_stmt* update_ = Prepare("UPDATE t_VchTpControl SET FKey = ?2 WHERE FID = 900 AND FNo = ?1");
+    sqlite3_stmt* forget_ = Prepare(
+        "DELETE FROM t_VchTpControl WHERE FID = 900 AND FNo NOT IN (SELECT FNo FROM "
+        "t_VchTemplateEntry WHERE FID = 900)");
+    sqlite3_stmt* items_ =
+        Prepare("SELECT 1 FROM t_VchTemplateEntry WHERE FID = 900 AND FItemsInfo <> '' LIMIT 1");
+    sqlite3_stmt* mark_ = Prepare(
+        "UPDATE t_VchTpControl SET FIsCanUsed = CASE WHEN FNo IN (SELECT e.FNo FROM t_VchTemplateEntry e "
+        "WHERE "
+        "e.FID = 900 AND (NOT EXISTS (SELECT 1 FROM t_Account a WHERE a.FNumber = "
+        "trim(ifnull(e.FAccountNumber, "
+        "'')) AND a.FDetail = 1) OR e.FSettleName <> '' AND NOT EXISTS (SELECT 1 FROM t_Settle s WHERE "
+        "s.FName = "
+        "trim(e.FSettleName)) OR e.FCurrencyName <> '' AND NOT EXISTS (SELECT 1 FROM t_Currency c, t_Account "
+        "a "
+        "WHERE c.FName = trim(e.FCurrencyName) AND a.FNumber = trim(e.FAccountNumber) AND a.FDetail = 1 AND "
+        "(a.FCurrencyID <> 1 OR c.FCurrencyID = 1)) OR e.FUnitName <> '' AND NOT EXISTS (SELECT 1 FROM "
+        "t_MeasureUnit u WHERE u.FMeasureUnitID > 0 AND u.FName = trim(e.FUnitName)))) THEN 0 ELSE 1 END "
+        "WHERE "
+        "FID = 900");
+};
+
+std::string StoredTemplate(ado::Connection& connection) {
+    std::string text;
+    for (const char* query : {"select * from t_VchTemplateEntry where FID = 900 order by FEntryID",
+                              "select * from t_VchTpControl where FID = 900 order by FNo"}) {
+        const auto rows = connection.Execute(query);
+        for (std::size_t row = 0; row < static_cast<std::size_t>(rows->RecordCount()); ++row) {
+            for (std::size_t column = 0; column < rows->ColumnCount(); ++column)
+                text += rows->ValueAt(row, column).ToTextOrEmpty() + "|";
+        }
+    }
+    return text;
+}
+
+void ShowSaves(ado::Connection& connection, bench::RawDatabase& raw, int rounds) {
+    std::printf("\n%-28s %6s %12s %12s %8s\n", "save", "lines", "SQLite, us", "T-SQL, us", "ratio");
+    for (const int lines : {1, 10, 100, 1000}) {
+        std::map<std::pair<int, int>, std::string> cells;
+        const std::string batch = store::SaveBatch("900", lines, [&](int row, int c) -> std::string_view {
+            return cells.emplace(std::pair(row, c), CellText(row, c)).first->second;
+        });
+        connection.Execute(batch);
+        const std::string stored = StoredTemplate(connection);
+        SaveByHand byHand(raw);
+        Require(byHand.Lines() == lines, "every line saved");
+        byHand.Run();
+        Require(StoredTemplate(connection) == stored, "the same by hand");
+        const int repeats = std::max(1, 1000 / lines);
+        std::vector<double> base;
+        std::vector<double> candidate;
+        for (int round = 0; round < rounds; ++round) {
+            base.push_back(Processor([&] {
+                for (int i = 0; i < repeats; ++i)
+                    byHand.Run();
+            }));
+            candidate.push_back(Processor([&] {
+                for (int i = 0; i < repeats; ++i)
+                    connection.Execute(batch);
+            }));
+        }
+        Require(StoredTemplate(connection) == stored, "the same again");
+        std::printf("%-28s %6d %12.2f %12.2f %7.2f x\n", "a template's lines", lines, Median(base) / repeats,
+                    Median(candidate) / repeats, Median(candidate) / Median(base));
+    }
+}
+
 // Two tables without an index, each value of the one once in the other.
 void ShowJoins(ado::Connection& connection, bench::RawDatabase& raw, int rows, int rounds) {
     connection.Execute(
@@ -205,6 +377,7 @@ int main(int argc, char** argv) {
     bench::RawDatabase raw(set.Path());
     sqlite3_create_collation_v2(raw.Handle(), "ts_text", SQLITE_UTF8, nullptr, CompareTexts, nullptr);
     ShowStatements(*connection, raw, repeats, rounds);
+    ShowSaves(*connection, raw, rounds);
     ShowJoins(*connection, raw, rows, rounds);
     return 0;
 }
