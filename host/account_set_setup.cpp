@@ -33,7 +33,8 @@ constexpr const char* kSeed = "accountset/seed.sql";
 struct Made {
     std::string kind;  // table, index, procedure
     std::string name;
-    std::string table;  // of an index
+    std::string table{};  // of an index
+    std::vector<std::string> columns{};
 };
 
 std::vector<ScriptBatch> Batches(const char* script) {
@@ -55,6 +56,15 @@ Made MadeBy(const std::string& batch) {
         std::string on;
         Made made;
         words >> create >> made.kind >> made.name >> on >> made.table;
+        const std::size_t open = line.find('(');
+        const std::size_t end = line.find(')');
+        if (made.kind == "index" && open < end && end != std::string::npos) {
+            std::string list = line.substr(open + 1, end - open - 1);
+            std::replace(list.begin(), list.end(), ',', ' ');
+            std::istringstream columns(list);
+            for (std::string column; columns >> column;)
+                made.columns.push_back(column);
+        }
         if (create == "create") return made;
         break;
     }
@@ -80,11 +90,25 @@ bool HasRows(ado::Connection& connection, const std::string& question) {
     return connection.Execute(question)->RecordCount() > 0;
 }
 
-bool Exists(ado::Connection& connection, const Made& made) {
-    if (made.kind == "index") {
-        return HasRows(connection, "select 1 as a from sys.indexes where name = " + SqlLiteral(made.name) +
-                                       " and object_id = object_id(" + SqlLiteral(made.table) + ")");
+// An index serves by the columns that it starts with, whatever its name: an administrator may have made one,
+// and there are servers that name an index their own way.
+bool HasIndex(ado::Connection& connection, const Made& made) {
+    std::string question = "select 1 as a from sys.indexes as i where i.object_id = object_id(" +
+                           SqlLiteral(made.table) + ") and (i.name = " + SqlLiteral(made.name) + " or (1 = 1";
+    int place = 0;
+    for (const std::string& column : made.columns) {
+        question +=
+            " and exists (select 1 from sys.index_columns as k inner join sys.columns as c on c.object_id = "
+            "k.object_id and c.column_id = k.column_id where k.object_id = i.object_id and k.index_id = "
+            "i.index_id "
+            "and k.key_ordinal = " +
+            std::to_string(++place) + " and c.name = " + SqlLiteral(column) + ")";
     }
+    return HasRows(connection, question + "))");
+}
+
+bool Exists(ado::Connection& connection, const Made& made) {
+    if (made.kind == "index") return HasIndex(connection, made);
     return HasRows(connection, "select 1 as a where object_id(" + SqlLiteral(made.name) + ") is not null");
 }
 

@@ -201,6 +201,25 @@ TEST_F(AccountSetOnServer, IsVerifiedAsAFileIs) {
     connection->Close();
 }
 
+// What an administrator has made under another name serves as well, and is not made twice.
+TEST_F(AccountSetOnServer, AnIndexIsKnownByItsColumns) {
+    const std::string connect = served_.Serve(folder_.Path("served.vas"));
+    ASSERT_EQ(Vicenter({"--connect", connect, "account-set", "new"}).exitCode, 0);
+    const ado::ConnectionRef connection = ado::OpenConnection(connect + ";Pooling=no");
+    connection->Execute("drop index IX_t_VchTemplateEntry_No on t_VchTemplateEntry");
+    connection->Execute("create index by_number on t_VchTemplateEntry (FID, FNo)");
+    connection->Close();
+    EXPECT_THAT(Vicenter({"--connect", connect, "--json", "account-set", "verify"}).output,
+                HasSubstr("缺少索引：IX_t_VchTemplateEntry_No"));
+    const ado::ConnectionRef again = ado::OpenConnection(connect + ";Pooling=no");
+    again->Execute("create index by_line on t_VchTemplateEntry (FID, FNo, FEntryID, FDC)");
+    again->Close();
+    EXPECT_THAT(Vicenter({"--connect", connect, "--json", "account-set", "verify"}).output,
+                HasSubstr("\"findings\":[]"));
+    EXPECT_THAT(Vicenter({"--connect", connect, "--json", "account-set", "new"}).output,
+                HasSubstr("\"made\":0,"));
+}
+
 TEST_F(AccountSetOnServer, AColumnThatIsMissingIsNamed) {
     const std::string connect = served_.Serve(folder_.Path("books.vas"));
     ado::OpenConnection(connect)->Execute(
