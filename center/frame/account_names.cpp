@@ -1,6 +1,7 @@
 #include "center/frame/account_names.h"
 
 #include "automation/error.h"
+#include "entry/host_context.h"
 #include "platform/ado/connection.h"
 #include "platform/ado/file_care.h"
 #include "platform/system/files.h"
@@ -35,6 +36,14 @@ AccountNames NamesOfAccount(const std::string& propsString) {
         // A text of a form of its own: the window goes without what it would have said.
     }
     return names;
+}
+
+AccountNames NamesOfAccount() {
+    try {
+        return NamesOfAccount(entry::GetPropsString());
+    } catch (const automation::Error&) {
+        return {};
+    }
 }
 
 }  // namespace vicenter::center

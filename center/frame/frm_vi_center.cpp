@@ -59,7 +59,7 @@ void frmVICenter::Load() {
     WindowState& state = parts_->state;
     state.userId = entry::GetPropValue("UserID");
     entry::SetCurrentUserId(state.userId);
-    const AccountNames names = NamesOfAccount(entry::GetPropsString());
+    const AccountNames names = NamesOfAccount();
     state.view.SetAccount(names.accountSet, names.user);
     parts_->drafts.Open();
     parts_->ReadSettings();

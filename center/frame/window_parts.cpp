@@ -3,7 +3,6 @@
 #include "center/editing/fault_text.h"
 #include "center/frame/account_names.h"
 #include "center/template/line_loader.h"
-#include "entry/host_context.h"
 #include "store/template_outcome.h"
 
 namespace vicenter::center {
@@ -92,7 +91,7 @@ const NumberSums& WindowParts::Sums() {
 }
 
 SheetHead WindowParts::Head() const {
-    AccountNames whose = NamesOfAccount(entry::GetPropsString());
+    AccountNames whose = NamesOfAccount();
     return {state.open.Name(), std::move(whose.accountSet), std::move(whose.user)};
 }
 

@@ -173,14 +173,14 @@ TEST_F(EmbeddedGrid, APastedBlockSurvivesSavingAndUndoEndsThere) {
 }
 
 TEST_F(EmbeddedGrid, TheColumnProfileIsKeptFromOneOpeningToTheNext) {
-    EXPECT_TRUE(Grid().Layout(column::kAmount).hidden);
+    EXPECT_FALSE(Grid().Layout(column::kAmount).hidden) << "as the demo users have it";
     EXPECT_EQ(Grid().Layout(column::kExplanation).width, 2820);
-    Grid().SetColumnHidden(column::kAmount, false);
+    Grid().SetColumnHidden(column::kAmount, true);
     Grid().SetColumnHidden(column::kRemark, true);
     Grid().SetColumnWidth(column::kExplanation, 3333);
     window_->Unload();
     Open();
-    EXPECT_FALSE(Grid().Layout(column::kAmount).hidden);
+    EXPECT_TRUE(Grid().Layout(column::kAmount).hidden);
     EXPECT_TRUE(Grid().Layout(column::kRemark).hidden);
     EXPECT_EQ(Grid().Layout(column::kExplanation).width, 3333);
     EXPECT_THAT(surroundings_.messageBoxes->Texts(), IsEmpty());

@@ -51,6 +51,7 @@ TEST(StatusLine, SumsTheActiveRowsNumberExactly) {
 TEST(StatusLine, SaysWhetherTheColumnOfItsSumsIsHidden) {
     EntryGrid grid;
     Line(grid, 1, "3", "借", "5");
+    grid.SetColumnHidden(column::kAmount, false);
     EXPECT_FALSE(SumUp(grid, 1, 1).amountHidden);
     grid.SetColumnHidden(column::kAmount, true);
     EXPECT_TRUE(SumUp(grid, 1, 1).amountHidden);

@@ -31,9 +31,9 @@ expect_file("${FOLDER}/host")
 
 # A version that is not installed is refused.
 file(WRITE "${FOLDER}/newer/CMakeLists.txt"
-  "cmake_minimum_required(VERSION 3.25)\nproject(newer NONE)\nfind_package(vicenter 2 REQUIRED)\n")
+  "cmake_minimum_required(VERSION 3.25)\nproject(newer CXX)\nfind_package(vicenter 2 REQUIRED)\n")
 execute_process(COMMAND "${CMAKE_COMMAND}" -S "${FOLDER}/newer" -B "${FOLDER}/newer/build" -G "${GENERATOR}"
-                        "-DCMAKE_PREFIX_PATH=${prefix}"
+                        "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_COMPILER=${COMPILER}"
                 OUTPUT_QUIET ERROR_VARIABLE refusal RESULT_VARIABLE status)
 if(status EQUAL 0)
   message(FATAL_ERROR "find_package(vicenter 2) was content with ${VERSION}")

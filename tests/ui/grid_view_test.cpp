@@ -649,9 +649,9 @@ TEST_F(GridViewTest, ItsMenuInsertsAndDeletesAsManyRowsAsAreSelected) {
         QContextMenuEvent event(QContextMenuEvent::Keyboard, at, view->viewport()->mapToGlobal(at));
         QApplication::sendEvent(view->viewport(), &event);
     };
-    choose("插入 2 行");
+    choose("添加 2 行分录");
     EXPECT_EQ(actions.inserted, center::CellSelection(2, 2, 3, 2));
-    choose("删除 2 行");
+    choose("删除 2 行分录");
     EXPECT_EQ(actions.deleted, center::CellSelection(2, 2, 3, 2));
     choose("复制分录");
     EXPECT_EQ(actions.duplicates, 1);

@@ -4,14 +4,13 @@
 
 #include <QApplication>
 #include <QImage>
-#include <QProxyStyle>
+#include <QWindow>
 #include <algorithm>
 #include <cmath>
 
 #include <gtest/gtest.h>
 
 #include "tests/ui/window_fixture.h"
-#include "ui/look/center_style.h"
 #include "ui/look/themed_icon.h"
 #include "ui/run/application.h"
 
@@ -19,15 +18,11 @@ namespace vicenter::ui {
 namespace {
 
 // What a desktop with a dark theme gives an application.
-class DarkDesktop : public QProxyStyle {
-  public:
-    DarkDesktop() : QProxyStyle(QStringLiteral("Fusion")) {}
-    QPalette standardPalette() const override {
-        QPalette palette(QColor(40, 40, 40));
-        palette.setColor(QPalette::WindowText, QColor(240, 240, 240));
-        return palette;
-    }
-};
+QPalette DarkDesktop() {
+    QPalette palette(QColor(40, 40, 40));
+    palette.setColor(QPalette::WindowText, QColor(240, 240, 240));
+    return palette;
+}
 
 class ThemeTest : public WindowTest {
   protected:
@@ -53,18 +48,24 @@ class ThemeTest : public WindowTest {
     }
 };
 
-TEST_F(ThemeTest, APaletteIsDarkWhenItsLettersAreLighterThanItsGround) {
-    EXPECT_FALSE(IsDarkPalette(Theme::Palette()));
-    EXPECT_TRUE(IsDarkPalette(DarkDesktop().standardPalette()));
-}
-
-TEST_F(ThemeTest, TheWindowsFollowTheDesktop) {
-    QApplication::setStyle(new DarkDesktop);
-    Theme::Process().FollowDesktop(*qApp);
+TEST_F(ThemeTest, IsDarkWhereTheDesktopsLettersAreLighterThanTheirGround) {
+    Theme::Process().TakeDesktop(DarkDesktop());
     EXPECT_TRUE(Theme::Process().IsDark());
     EXPECT_TRUE(IsDarkPalette(QApplication::palette()));
-    QApplication::setStyle(new CenterStyle);
+    EXPECT_EQ(QApplication::palette().color(QPalette::Base), colors::kPaper());
+    Theme::Process().TakeDesktop(QPalette(QColor(240, 240, 240)));
+    EXPECT_FALSE(Theme::Process().IsDark());
+    EXPECT_FALSE(IsDarkPalette(QApplication::palette()));
+}
+
+TEST_F(ThemeTest, TheDesktopIsAskedAgainWhenItChangesItsTheme) {
+    Open();
     Theme::Process().FollowDesktop(*qApp);
+    Theme::Process().SetDark(true);
+    // What every window of an application is told; the desktop of the tests is light.
+    QEvent change(QEvent::ThemeChange);
+    QApplication::sendEvent(window->windowHandle(), &change);
+    QApplication::processEvents();
     EXPECT_FALSE(Theme::Process().IsDark());
     EXPECT_EQ(QApplication::palette().color(QPalette::Base), colors::kPaper());
 }

@@ -16,7 +16,6 @@
 namespace vicenter::ui {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -58,7 +57,7 @@ TEST_F(VoucherWayTest, F9ShowsTheLinesTheSumsAndWhatIsOpen) {
         ASSERT_GT(open->count(), 0);
         EXPECT_THAT(open->item(0)->text().toStdString(), HasSubstr("第 1 行：科目代码 1002，不是明细科目"));
     });
-    Key(Qt::Key_F9);
+    QTest::keyClick(&window->Grid(), Qt::Key_F9);
     EXPECT_TRUE(shown_);
 }
 
@@ -69,7 +68,7 @@ TEST_F(VoucherWayTest, TheVoucherGoesIntoAPdfFileAndTheStatusLineLinksIt) {
     InDialog([&](QDialog& dialog) {
         QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdPdf")), Qt::LeftButton);
     });
-    Key(Qt::Key_F9);
+    QTest::keyClick(&window->Grid(), Qt::Key_F9);
     ASSERT_EQ(surroundings.fileDialogs->requests.size(), 1U);
     EXPECT_THAT(surroundings.fileDialogs->requests[0].proposedName, HasSubstr("标准模板-"));
     EXPECT_EQ(Head(pdf), "%PDF-");
@@ -79,7 +78,7 @@ TEST_F(VoucherWayTest, TheVoucherGoesIntoAPdfFileAndTheStatusLineLinksIt) {
 
 TEST_F(VoucherWayTest, ARowWithoutANumberMakesNoVoucher) {
     ClickCell(window->Presenter().RowCount() + 1, column::kExplanation);
-    Key(Qt::Key_F9);
+    QTest::keyClick(&window->Grid(), Qt::Key_F9);
     EXPECT_THAT(TakeMessages(), ElementsAre("请先选择一行有模板编号的分录！"));
 }
 
@@ -101,10 +100,9 @@ TEST_F(VoucherWayTest, TheTreesMenuSavesTheTemplateAsPdf) {
 TEST_F(VoucherWayTest, CtrlPWithoutLinesSaysSo) {
     window->Tree().setFocus();
     ClickTool("mnuNew");
-    Key(Qt::Key_Escape);
     TakeMessages();
     ASSERT_EQ(window->Presenter().RowCount(), 0) << "there would be something to print";
-    QTest::keyClick(window->findChild<QWidget*>(QStringLiteral("vsEntrys")), Qt::Key_P, Qt::ControlModifier);
+    QTest::keyClick(&window->Grid(), Qt::Key_P, Qt::ControlModifier);
     EXPECT_THAT(TakeMessages(), ElementsAre("当前没有可打印的分录！"));
 }
 

@@ -60,10 +60,10 @@ void Theme::FollowDesktop(QApplication& application) {
 void Theme::AskDesktop() {
     asking_ = true;
     QApplication::setPalette(QPalette());
-    const bool dark = IsDarkPalette(QApplication::palette());
+    const QPalette desktop = QApplication::palette();
     QApplication::setPalette(Palette());
     asking_ = false;
-    SetDark(dark);
+    TakeDesktop(desktop);
 }
 
 bool Theme::eventFilter(QObject* watched, QEvent* event) {

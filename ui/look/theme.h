@@ -13,6 +13,9 @@ class QApplication;
 
 namespace vicenter::ui {
 
+// Letters lighter than their ground.
+bool IsDarkPalette(const QPalette& palette);
+
 class Theme : public QObject {
     Q_OBJECT
 
@@ -24,6 +27,8 @@ class Theme : public QObject {
     void SetDark(bool dark);
     // Takes the desktop's word, and goes on doing so.
     void FollowDesktop(QApplication& application);
+    // Light or dark as the palette is that a desktop gives its applications.
+    void TakeDesktop(const QPalette& palette) { SetDark(IsDarkPalette(palette)); }
     // Of all windows, in the colours of now.
     static QPalette Palette();
 
@@ -39,9 +44,6 @@ class Theme : public QObject {
     bool dark_ = false;
     bool asking_ = false;
 };
-
-// Letters lighter than their ground.
-bool IsDarkPalette(const QPalette& palette);
 
 class ThemeColor {
   public:
