@@ -26,8 +26,10 @@ constexpr const char* kNoBlockToPasteText = "所选单元格不是一个完整�
 
 std::vector<int> ShownColumns(const EntryGrid& grid, int first) {
     std::vector<int> columns;
-    for (int c = std::max(1, first); c <= kColumnCount; ++c) {
-        if (!grid.Layout(c).hidden) columns.push_back(c);
+    bool reached = first < 1;
+    for (const int c : grid.Order()) {
+        reached = reached || c == first;
+        if (reached && !grid.Layout(c).hidden) columns.push_back(c);
     }
     return columns;
 }

@@ -57,7 +57,8 @@ std::vector<RowRun> RowRuns(const CellSelection& selection, const EntryGrid& gri
 
 std::vector<ColumnRuns> SelectedCells(const CellSelection& selection, const EntryGrid& grid) {
     std::vector<ColumnRuns> cells;
-    for (int c = 1; c <= kColumnCount; ++c) {
+    // Whole rows are the same wherever the user has put his columns.
+    for (const int c : selection.wholeRows ? DesignedOrder() : grid.Order()) {
         if (grid.Layout(c).hidden && !selection.wholeRows) continue;
         ColumnRuns column{c, {}};
         for (const CellRange& piece : selection.pieces) {

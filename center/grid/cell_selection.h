@@ -43,8 +43,8 @@ struct CellSelection {
 // The rows that are touched, from the top, runs that meet joined into one. Within the grid.
 std::vector<RowRun> RowRuns(const CellSelection& selection, const EntryGrid& grid);
 
-// The selected cells column by column: the columns that count, each with its runs of rows. Columns from the
-// left, rows within the grid.
+// The selected cells column by column: the columns that count, each with its runs of rows. Columns as they
+// are shown from the left, rows within the grid.
 struct ColumnRuns {
     int column = 0;
     std::vector<RowRun> rows;

@@ -1,5 +1,6 @@
 #include "center/grid/column_profile.h"
 
+#include <charconv>
 #include <optional>
 #include <string_view>
 
@@ -71,6 +72,24 @@ std::string ProfileOf(const EntryGrid& grid) {
             std::to_string(c) + (layout.hidden ? "|1|" : "|0|") + automation::DoubleToText(layout.width);
     }
     return profile;
+}
+
+std::string ColumnOrderText(const EntryGrid& grid) {
+    if (grid.Order() == DesignedOrder()) return {};
+    std::string text;
+    for (const int c : grid.Order())
+        text += (text.empty() ? "" : ",") + std::to_string(c);
+    return text;
+}
+
+void ApplyColumnOrder(EntryGrid& grid, const std::string& order) {
+    ColumnOrder wanted{};
+    std::string_view rest = order;
+    for (int& c : wanted) {
+        const std::string_view piece = TakeHead(rest, ',');
+        std::from_chars(piece.data(), piece.data() + piece.size(), c);
+    }
+    grid.SetOrder(rest.empty() ? wanted : ColumnOrder{});
 }
 
 void ColumnProfile::Apply() {

@@ -17,6 +17,12 @@ void ApplyBuiltInLayout(EntryGrid& grid);
 void ApplyProfile(EntryGrid& grid, const std::string& profile);
 std::string ProfileOf(const EntryGrid& grid);
 
+// The order of the columns, which the profile does not know: their numbers joined by ",", empty for the
+// designed order.
+std::string ColumnOrderText(const EntryGrid& grid);
+// What names not every column once leaves the designed order.
+void ApplyColumnOrder(EntryGrid& grid, const std::string& order);
+
 class ColumnProfile {
   public:
     explicit ColumnProfile(WindowState& state) : state_(state) {}

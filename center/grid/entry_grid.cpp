@@ -1,6 +1,7 @@
 #include "center/grid/entry_grid.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "center/editing/cell_rules.h"
 #include "platform/system/utf8.h"
@@ -26,6 +27,12 @@ void Extend(CellRange& range, const CellRange& more) {
 }
 
 }  // namespace
+
+ColumnOrder DesignedOrder() {
+    ColumnOrder order{};
+    std::iota(order.begin(), order.end(), 1);
+    return order;
+}
 
 EntryGrid::EntryGrid() {
     for (const ColumnSpec& spec : Columns()) {
@@ -102,6 +109,11 @@ void EntryGrid::RestoreRows(int firstRow, std::vector<GridRowPtr> rows) {
                  std::make_move_iterator(rows.end()));
     if (recorder_ != nullptr) recorder_->RowsInserted(firstRow, count);
     Tell([=](GridObserver& o) { o.RowsInserted(firstRow, count); });
+}
+
+GridRowPtr EntryGrid::CopyOfRow(int row) const {
+    const GridRow* content = RowIfAny(row);
+    return content == nullptr ? nullptr : std::make_unique<GridRow>(*content);
 }
 
 void EntryGrid::RemoveRows(int firstRow, int count) {
@@ -231,6 +243,13 @@ void EntryGrid::SetColumnHidden(int gridColumn, bool hidden) {
     if (layout.hidden == hidden) return;
     layout.hidden = hidden;
     Tell([=](GridObserver& o) { o.ColumnsChanged(gridColumn, gridColumn); });
+}
+
+void EntryGrid::SetOrder(const ColumnOrder& order) {
+    const ColumnOrder designed = DesignedOrder();
+    if (order == order_ || !std::is_permutation(order.begin(), order.end(), designed.begin())) return;
+    order_ = order;
+    Tell([](GridObserver& o) { o.ColumnsMoved(); });
 }
 
 void EntryGrid::SetRowHeights(int header, int data) {

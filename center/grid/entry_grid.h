@@ -46,6 +46,9 @@ struct CellLook {
     bool operator==(const CellLook&) const = default;
 };
 
+// The columns by the places at which they are shown, hidden ones among them.
+using ColumnOrder = std::array<int, kColumnCount>;
+
 struct ColumnLayout {
     double width = 0;  // twips; dragging may leave fractions
     bool hidden = false;
@@ -55,6 +58,9 @@ struct GridFont {
     std::string name;
     double size = 9;
 };
+
+// By their numbers, from the left.
+ColumnOrder DesignedOrder();
 
 // Told of every change. Structure changes come in pairs, before and after, as item models want them; cell
 // changes are held back while ReDraw is off and come as one range when it goes on again.
@@ -70,6 +76,7 @@ class GridObserver {
     virtual void AboutToReset() {}
     virtual void WasReset() {}
     virtual void ColumnsChanged(int /*firstColumn*/, int /*lastColumn*/) {}  // width or hidden flag
+    virtual void ColumnsMoved() {}
     virtual void RowHeightsChanged() {}
     virtual void FontChanged() {}
     virtual void ActiveCellChanged(const CellAddress&) {}
@@ -133,6 +140,9 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
     ColumnLayout Layout(int column) const { return layouts_[static_cast<std::size_t>(column)]; }
     void SetColumnWidth(int column, double twips);
     void SetColumnHidden(int column, bool hidden);
+    const ColumnOrder& Order() const { return order_; }
+    // Nothing happens for what does not name every column once.
+    void SetOrder(const ColumnOrder& order);
 
     int HeaderHeight() const { return headerHeight_; }  // twips
     int RowHeight() const { return rowHeight_; }
@@ -155,6 +165,8 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
     // change.
     void RestoreText(int row, int column, std::string_view text, TextVerdict refusal = TextVerdict::Taken);
     void RestoreRows(int firstRow, std::vector<GridRowPtr> rows);
+    // With its colours and verdicts; none for a blank row.
+    GridRowPtr CopyOfRow(int row) const;
 
   private:
     struct LateBound;
@@ -183,6 +195,7 @@ class EntryGrid : public automation::TableObject<EntryGrid> {
 
     std::vector<GridRowPtr> rows_;
     std::array<ColumnLayout, kColumnCount + 1> layouts_;
+    ColumnOrder order_ = DesignedOrder();
     std::vector<GridObserver*> observers_;
     GridRecorder* recorder_ = nullptr;
     Selection selection_;

@@ -105,7 +105,9 @@ void OpenTemplate::TextReplaced(int row, int gridColumn, std::string_view before
 void OpenTemplate::RowsInserted(int firstRow, int count) {
     const UndoStep step(*this);
     journal_.RowsInserted(firstRow, count);
-    if (firstRow > rowCount_) return;
+    // Below the lines blank rows come and go; lines that are put there as a whole are lines.
+    const bool lines = firstRow <= rowCount_ || (firstRow == rowCount_ + 1 && !grid_.IsBlankRow(firstRow));
+    if (!lines) return;
     rowCount_ += count;
     SetDirty(true);
 }
