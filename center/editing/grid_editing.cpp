@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "center/editing/cell_checks.h"
+#include "center/editing/line_amount.h"
 #include "center/editing/row_order.h"
 #include "center/grid/quiet_grid.h"
 #include "center/lookups/cell_resolution.h"
@@ -78,6 +79,10 @@ TextVerdict GridEditing::CommitText(const CellAddress& cell, const std::string& 
     if (grid.Text(cell.row, cell.column) == reading.text) return reading.verdict;
     if (!grid.PutReading(cell.row, cell.column, reading)) return reading.verdict;
     MarkOwnVerdict(grid, cell);
+    if (MakesAmount(cell.column)) {
+        if (const auto amount = AmountToFill(grid, cell.row))
+            grid.SetText(cell.row, column::kAmount, *amount);
+    }
     typed_ = cell;
     return reading.verdict;
 }

@@ -5,6 +5,7 @@
 
 #include "center/editing/cell_checks.h"
 #include "center/editing/fault_text.h"
+#include "center/editing/line_amount.h"
 #include "center/template/template_save.h"
 
 namespace vicenter::center {
@@ -40,9 +41,21 @@ FaultList::Columns FaultList::MissingOf(int row) const {
     return missing;
 }
 
-FaultList::Columns FaultList::At(int row) const {
+FaultList::Columns FaultList::HintsOf(int row) const {
+    const EntryGrid& grid = *state_.grid;
+    Columns hints = 0;
+    if (row > state_.open.RowCount()) return hints;
+    if (!AmountHint(grid, row).empty()) hints |= Bit(column::kAmount);
+    for (const int c : {column::kSettleName, column::kItems}) {
+        if (!state_.accounts.MissingText(grid, {row, c}).empty()) hints |= Bit(c);
+    }
+    return hints;
+}
+
+const FaultList::RowFaults& FaultList::At(int row) const {
+    static const RowFaults none;
     const auto index = static_cast<std::size_t>(row - 1);
-    return row >= 1 && index < rows_.size() ? rows_[index].All() : 0;
+    return row >= 1 && index < rows_.size() ? rows_[index] : none;
 }
 
 void FaultList::Put(int row, const RowFaults& faults) {
@@ -51,8 +64,25 @@ void FaultList::Put(int row, const RowFaults& faults) {
         if (faults.All() == 0) return;
         rows_.resize(index + 1);
     }
-    count_ += std::popcount(faults.All()) - std::popcount(rows_[index].All());
+    Leave(rows_[index]);
     rows_[index] = faults;
+    count_ += std::popcount(faults.Faulty());
+    hintCount_ += std::popcount(faults.hints);
+}
+
+void FaultList::Leave(const RowFaults& faults) {
+    count_ -= std::popcount(faults.Faulty());
+    hintCount_ -= std::popcount(faults.hints);
+}
+
+void FaultList::AccountLearned() {
+    for (int row = 1; row <= state_.open.RowCount(); ++row) {
+        RowFaults faults = At(row);
+        const Columns hints = HintsOf(row);
+        if (hints == faults.hints) continue;
+        faults.hints = hints;
+        Put(row, faults);
+    }
 }
 
 void FaultList::CellsChanged(const CellRange& range) {
@@ -60,7 +90,9 @@ void FaultList::CellsChanged(const CellRange& range) {
     for (int row = std::max(1, range.firstRow); row <= last; ++row) {
         const auto index = static_cast<std::size_t>(row - 1);
         const bool hadMissing = index < rows_.size() && rows_[index].missing != 0;
-        Put(row, {RedOf(row), hadMissing ? MissingOf(row) : 0});
+        const Columns red = RedOf(row);
+        // What is wrong needs no hint.
+        Put(row, {red, hadMissing ? MissingOf(row) : 0, HintsOf(row) & ~red});
     }
 }
 
@@ -76,7 +108,7 @@ void FaultList::RowsRemoved(int firstRow, int count) {
     const auto first = std::min(static_cast<std::size_t>(firstRow - 1), rows_.size());
     const auto last = std::min(first + static_cast<std::size_t>(count), rows_.size());
     for (std::size_t i = first; i < last; ++i)
-        count_ -= std::popcount(rows_[i].All());
+        Leave(rows_[i]);
     rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(first),
                 rows_.begin() + static_cast<std::ptrdiff_t>(last));
 }
@@ -84,6 +116,7 @@ void FaultList::RowsRemoved(int firstRow, int count) {
 void FaultList::WasReset() {
     rows_.clear();
     count_ = 0;
+    hintCount_ = 0;
 }
 
 void FaultList::AddMissing() {
@@ -99,7 +132,7 @@ void FaultList::AddMissing() {
 
 std::vector<CellAddress> FaultList::Cells() const {
     std::vector<CellAddress> cells;
-    cells.reserve(static_cast<std::size_t>(count_));
+    cells.reserve(static_cast<std::size_t>(count_ + hintCount_));
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         for (Columns left = rows_[i].All(); left != 0; left &= left - 1)
             cells.push_back({static_cast<int>(i) + 1, std::countr_zero(left)});
@@ -107,19 +140,35 @@ std::vector<CellAddress> FaultList::Cells() const {
     return cells;
 }
 
+bool FaultList::IsHint(const CellAddress& cell) const {
+    return (At(cell.row).hints & Bit(cell.column)) != 0;
+}
+
+std::string FaultList::HintText(const CellAddress& cell) const {
+    if (!IsHint(cell)) return {};
+    return cell.column == column::kAmount ? AmountHint(*state_.grid, cell.row)
+                                          : state_.accounts.MissingText(*state_.grid, cell);
+}
+
 Fault FaultList::Describe(const CellAddress& cell) const {
     const EntryGrid& grid = *state_.grid;
     Fault fault{cell, std::string(grid.Text(cell.row, cell.column)), FaultText(grid, cell),
                 grid.Layout(cell.column).hidden};
-    if (!fault.reason.empty() || (At(cell.row) & Bit(cell.column)) == 0) return fault;
+    if (!fault.reason.empty() || (At(cell.row).All() & Bit(cell.column)) == 0) return fault;
     for (const Finding& finding : FindingsOfRow(grid, cell.row)) {
         if (finding.column == cell.column) fault.reason = finding.reason;
     }
+    if (!fault.reason.empty() || !IsHint(cell)) return fault;
+    fault.hint = true;
+    fault.reason = "提示：" + HintText(cell);
     return fault;
 }
 
 std::optional<CellAddress> FaultList::Next(const CellAddress& from, bool back) const {
-    const std::vector<CellAddress> cells = Cells();
+    // What must be mended; a hint is looked up in the list.
+    std::vector<CellAddress> cells = Cells();
+    std::erase_if(
+        cells, [this](const CellAddress& cell) { return (At(cell.row).Faulty() & Bit(cell.column)) == 0; });
     if (cells.empty()) return std::nullopt;
     const auto before = [](const CellAddress& a, const CellAddress& b) {
         return a.row != b.row ? a.row < b.row : a.column < b.column;
@@ -134,7 +183,7 @@ std::optional<CellAddress> FaultList::Next(const CellAddress& from, bool back) c
 
 std::string FaultList::HiddenFaultText(int row) const {
     std::string text;
-    for (Columns left = At(row); left != 0; left &= left - 1) {
+    for (Columns left = At(row).Faulty(); left != 0; left &= left - 1) {
         const int gridColumn = std::countr_zero(left);
         if (!state_.grid->Layout(gridColumn).hidden) continue;
         if (!text.empty()) text += "；";

@@ -18,6 +18,7 @@ struct Fault {
     std::string value;
     std::string reason;
     bool hidden = false;  // its column is not shown
+    bool hint = false;    // may be as meant, and keeps nothing from being saved
 };
 
 class FaultList {
@@ -30,13 +31,20 @@ class FaultList {
     // Texts or colours.
     void CellsChanged(const CellRange& range);
     void WasReset();
+    // What the accounts of the lines want may be known by now.
+    void AccountLearned();
 
     // A save has been refused: what is missing in the lines counts as faulty until it is there.
     void AddMissing();
 
     int Count() const { return count_; }
-    // By rows, then columns.
+    int HintCount() const { return hintCount_; }
+    // Faults and hints, by rows, then columns.
     std::vector<CellAddress> Cells() const;
+    // Quick, for painting.
+    bool IsHint(const CellAddress& cell) const;
+    // What should be looked at there; empty for every cell without a hint.
+    std::string HintText(const CellAddress& cell) const;
     // Asks the account set what would be accepted.
     Fault Describe(const CellAddress& cell) const;
     // The next faulty cell behind this one, or before it, round the ends; nothing without one.
@@ -49,17 +57,22 @@ class FaultList {
     struct RowFaults {
         Columns red = 0;
         Columns missing = 0;
-        Columns All() const { return red | missing; }
+        Columns hints = 0;
+        Columns Faulty() const { return red | missing; }
+        Columns All() const { return Faulty() | hints; }
     };
 
     Columns RedOf(int row) const;
     Columns MissingOf(int row) const;
-    Columns At(int row) const;
+    Columns HintsOf(int row) const;
+    const RowFaults& At(int row) const;
     void Put(int row, const RowFaults& faults);
+    void Leave(const RowFaults& faults);  // they no longer count
 
     const WindowState& state_;
     std::vector<RowFaults> rows_;  // as many as have ever had a fault
     int count_ = 0;
+    int hintCount_ = 0;
 };
 
 }  // namespace vicenter::center

@@ -9,6 +9,7 @@
 
 #include "center/frame/vicenter_view.h"
 #include "center/grid/entry_grid.h"
+#include "center/lookups/account_cells.h"
 #include "center/template/open_template.h"
 #include "platform/system/surroundings.h"
 
@@ -25,6 +26,7 @@ struct WindowState {
     VICenterView& view;
     const std::shared_ptr<EntryGrid> grid = std::make_shared<EntryGrid>();  // vsEntrys
     OpenTemplate open;
+    AccountCells accounts;
 
     std::string userId;
     bool hasRight = false;
