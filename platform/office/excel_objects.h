@@ -204,6 +204,8 @@ class ExcelRange : public TableObject<ExcelRange> {
     // Of the first column, in characters of the standard font.
     double ColumnWidth() const;
     void SetColumnWidth(double width);
+    bool IsHidden() const;
+    void SetHidden(bool hidden);
     std::shared_ptr<ExcelRange> Self() { return std::static_pointer_cast<ExcelRange>(shared_from_this()); }
 
     std::shared_ptr<ExcelWorksheet> sheet_;

@@ -192,6 +192,21 @@ void ExcelRange::SetColumnWidth(double width) {
         sheet_->Content().ColumnAt(column).width = width;
 }
 
+// Of whole columns alone: hidden rows are not kept.
+bool ExcelRange::IsHidden() const {
+    if (!IsWholeColumns()) FailExcel("只能隐藏整列！");
+    const auto& columns = sheet_->Content().Columns();
+    const auto setting = columns.find(area_.firstColumn);
+    return setting != columns.end() && setting->second.hidden;
+}
+
+void ExcelRange::SetHidden(bool hidden) {
+    if (!IsWholeColumns()) FailExcel("只能隐藏整列！");
+    const std::uint32_t last = std::min(area_.lastColumn, kMaxXlsColumns - 1);
+    for (std::uint32_t column = area_.firstColumn; column <= last; ++column)
+        sheet_->Content().ColumnAt(column).hidden = hidden;
+}
+
 const MemberTable<ExcelRange>& ExcelRange::Members() {
     using Range = ExcelRange;
     using automation::IndexedProperty;
@@ -250,6 +265,9 @@ const MemberTable<ExcelRange>& ExcelRange::Members() {
         Property<Range>(
             "ColumnWidth", [](Range& self, Arguments&) -> Variant { return self.ColumnWidth(); },
             [](Range& self, Arguments& a) { self.SetColumnWidth(a[0].Value().ToDouble()); }),
+        Property<Range>(
+            "Hidden", [](Range& self, Arguments&) -> Variant { return self.IsHidden(); },
+            [](Range& self, Arguments& a) { self.SetHidden(a[0].Value().ToBoolean()); }),
         Method<Range>("AutoFit", {},
                       [](Range& self, Arguments&) -> Variant {
                           self.AutoFit();
