@@ -95,4 +95,19 @@ VoucherCount CountVouchers(const VoucherFilter& filter) {
             counts->Value("FLines").ToInt64()};
 }
 
+std::vector<GroupOfNumber> ReadGroupsOfNumbers(const VoucherFilter& filter) {
+    std::vector<GroupOfNumber> found;
+    const ado::RecordsetRef rows = GetRecordset(
+        "select a.FNumber as FNo,g.FName as FGroup,count(*) as FVouchers from t_Voucher a inner join "
+        "t_VoucherGroup g on a.FGroupID = g.FGroupID" +
+        std::string(kCrLf) + Conditions(filter) +
+        " group by a.FNumber,g.FGroupID,g.FName order by a.FNumber,g.FGroupID");
+    if (!rows) return found;
+    for (; !rows->AtEnd(); rows->MoveNext()) {
+        found.push_back({rows->Value("FNo").ToInt64(), rows->Value("FGroup").ToTextOrEmpty(),
+                         rows->Value("FVouchers").ToInt64()});
+    }
+    return found;
+}
+
 }  // namespace vicenter::store

@@ -45,4 +45,12 @@ struct VoucherCount {
 };
 VoucherCount CountVouchers(const VoucherFilter& filter);
 
+// Which groups have vouchers of a number, and how many, by number.
+struct GroupOfNumber {
+    std::int64_t number = 0;
+    std::string group;
+    std::int64_t vouchers = 0;
+};
+std::vector<GroupOfNumber> ReadGroupsOfNumbers(const VoucherFilter& filter);
+
 }  // namespace vicenter::store
