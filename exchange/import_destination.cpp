@@ -5,6 +5,7 @@
 #include "automation/class_registry.h"
 #include "automation/error.h"
 #include "entry/host_context.h"
+#include "exchange/marked_copy.h"
 #include "store/cls_vi_data.h"
 #include "store/template_guard.h"
 #include "store/template_name.h"
@@ -33,8 +34,7 @@ ImportDestination FindImportDestination(const std::string& fileName) {
         destination.refusal = "选择导入文件类型不正确，请确认是Excel文件！";
         return destination;
     }
-    const std::string name =
-        automation::CreateObject(kFileSystemProgId)->Call("GetBaseName", {fileName}).ToText();
+    const std::string name = TemplateNameOf(fileName);
     destination.name = name;
     if (const std::string why = store::WhyNotName(name); !why.empty()) {
         destination.refusal = "引入模板失败！" + why;

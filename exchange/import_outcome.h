@@ -19,6 +19,7 @@ struct ImportOutcome {
     std::string templateName = {};
     std::int32_t templateId = -1;
     std::int32_t lines = 0;
+    std::string told = {};  // what the user was told of the success
     // Nothing was written: what the user was told, in the fixed words; empty when he has stopped it himself.
     std::string refusal = {};
     // Why, where the fixed words do not say it.

@@ -147,14 +147,14 @@ std::string ImportPreview::Summary() const {
 }
 
 ImportPreview PreviewImport(ExchangeTarget& window, const std::string& fileName,
-                            const ImportDestination& destination) {
+                            const ImportDestination& destination, bool tidily) {
     ImportPreview preview;
     preview.file = fileName;
     preview.destination = destination;
     preview.refusal = destination.refusal;
     if (!preview.refusal.empty()) return preview;
     const ShownProgress progress(window, "正在与现有模板比较，请稍后...");
-    WorkbookLines workbook = ReadWorkbookLines(window, fileName);
+    WorkbookLines workbook = ReadWorkbookLines(window, fileName, tidily);
     preview.refusal = std::move(workbook.refusal);
     preview.reason = std::move(workbook.reason);
     preview.faults = std::move(workbook.faults);

@@ -56,6 +56,6 @@ inline constexpr std::size_t kMostComparedLines = 100'000;
 // Shows the progress while it reads. Throws Cancelled, or automation::Error when the account set does not
 // answer.
 ImportPreview PreviewImport(ExchangeTarget& window, const std::string& fileName,
-                            const ImportDestination& destination);
+                            const ImportDestination& destination, bool tidily = false);
 
 }  // namespace vicenter::exchange

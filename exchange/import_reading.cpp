@@ -4,11 +4,10 @@
 #include <functional>
 
 #include "entry/host_context.h"
-#include "exchange/cell_reading.h"
 #include "exchange/import_checks.h"
 #include "exchange/import_rows.h"
 #include "exchange/template_sheet.h"
-#include "platform/system/utf8.h"
+#include "platform/system/collation.h"
 #include "store/cls_vi_data.h"
 #include "store/template_batches.h"
 
@@ -17,7 +16,6 @@ namespace vicenter::exchange {
 namespace {
 
 using automation::Error;
-using automation::Variant;
 
 constexpr std::int32_t kRowsBetweenReports = 200;
 // No message box shows more; the rows after them are not looked at any more.
@@ -29,15 +27,51 @@ std::vector<LineFault> MissingFaults(std::string_view missing, std::string_view 
     while (!missing.empty()) {
         const std::string_view header = missing.substr(0, missing.find(','));
         const bool isLast = FindColumn(header) == FindColumn(last);
-        faults.push_back({1, 0, std::string(header), "", isLast ? "必录列不能是最后一列" : "缺少必录列"});
+        faults.push_back({1, 0, std::string(header), "",
+                          isLast ? "必录列不能是最后一列，请把它移到前面" : "缺少必录列，请补上这一列"});
         missing.remove_prefix(std::min(missing.size(), header.size() + 1));
     }
     return faults;
 }
 
+// What a header should have been, where that is plain: the text without its mark, with blanks, brackets of
+// the other width or the message's own word for it.
+std::string MeantHeader(const std::string& header) {
+    const auto plain = [](std::string_view text) {
+        std::string letters = system::Collator::Chinese().Fold(text);
+        for (const std::string_view part : {"(*)", "*", " ", "\t", "/", "、", "(", ")"}) {
+            for (std::size_t at = letters.find(part); at != letters.npos; at = letters.find(part))
+                letters.erase(at, part.size());
+        }
+        return letters;
+    };
+    const std::string meant = header == "科目编码" || header == "科目编码(*)" ? "科目代码" : plain(header);
+    for (const TemplateColumn& column : kColumns) {
+        if (!meant.empty() && plain(column.header) == plain(meant)) return std::string(column.header);
+    }
+    return {};
+}
+
+// Why a header is refused, and what to do.
+std::string WhyNotHeader(const std::string& header) {
+    if (FindColumn(header)) return "存在同名列，请删除其中一列";
+    if (header.empty()) return "没有列名，请填写列名或删除这一列";
+    const std::string meant = MeantHeader(header);
+    return meant.empty() ? "列名错误，请改为模板的列名或删除这一列" : "列名错误，应为“" + meant + "”";
+}
+
+// The headers are further down: one thing to mend instead of as many as there are columns.
+std::vector<LineFault> TitleFaults(const TemplateSheet& opened, std::int32_t headerRow) {
+    std::string title;
+    for (std::int32_t column = 1; column <= opened.Columns() && title.empty(); ++column)
+        title = opened.HeaderAt(1, column);
+    const std::string rows = headerRow == 2 ? "第 1 行" : "第 1 至 " + std::to_string(headerRow - 1) + " 行";
+    return {{1, 0, "", title,
+             "表头在第 " + std::to_string(headerRow) + " 行，请删除它上面的" + rows + "，或者整理后引入"}};
+}
+
 // The field list of the sheet's columns; refuses a sheet whose headers do not do.
 std::string ReadHeader(const TemplateSheet& opened) {
-    SheetCells cells(opened.Sheet());
     std::string errorText;
     std::vector<LineFault> faults;
     std::string seen = "|";
@@ -46,15 +80,13 @@ std::string ReadHeader(const TemplateSheet& opened) {
     for (std::int32_t column = 1; column <= opened.Columns(); ++column) {
         // A header counts as seen when the next one comes: the last one never does.
         if (column > 1) seen.append(header).append("|");
-        const Variant value = cells.Value(1, column);
-        header = value.IsError()
-                     ? ""
-                     : std::string(system::TrimBlanks(WithoutInvisibleMarks(value.ToTextOrEmpty())));
-        if (!MapImportHeader(header, errorText, seen, column, fieldList)) {
-            faults.push_back({1, column, header, header, FindColumn(header) ? "存在同名列" : "列名错误"});
-        }
+        header = opened.HeaderAt(opened.HeaderRow(), column);
+        if (!MapImportHeader(header, errorText, seen, column, fieldList))
+            faults.push_back({opened.HeaderRow(), column, header, header, WhyNotHeader(header)});
     }
     if (!errorText.empty()) {
+        if (const std::int32_t row = opened.FindHeaderRow(); row > opened.HeaderRow())
+            faults = TitleFaults(opened, row);
         throw Refused{std::string("引入模板失败！模板文件结构不正确: ") + entry::kCrLf + errorText,
                       std::move(faults)};
     }
@@ -69,21 +101,24 @@ std::string ReadHeader(const TemplateSheet& opened) {
 // Hands over every row that counts, read, until enough() of it; throws Cancelled.
 void WalkRows(ExchangeTarget& window, const TemplateSheet& opened, ImportRows& rows,
               const std::function<bool()>& enough, const std::function<void(std::int32_t)>& take) {
+    const std::int32_t header = opened.HeaderRow();
     std::int32_t firstBlank = 0;  // of the blank rows right above, 0 for none
-    for (std::int32_t row = 2; row <= opened.Rows() && !enough(); ++row) {
+    for (std::int32_t row = header + 1; row <= opened.Rows() && !enough(); ++row) {
         if (rows.ReadRow(row)) {
             // Blank rows count as rows only when something follows them.
-            if (firstBlank > 0) {
-                for (std::int32_t blank = firstBlank; blank < row && !enough(); ++blank)
+            if (firstBlank > 0 && !opened.Tidily()) {
+                for (std::int32_t blank = firstBlank; blank < row && !enough(); ++blank) {
                     take(blank);
-                firstBlank = 0;
+                    rows.FoldFaultsOf(blank, "整行为空，请删除这一行，或者整理后引入");
+                }
             }
+            firstBlank = 0;
             take(row);
         } else if (firstBlank == 0) {
             firstBlank = row;
         }
         if ((row % kRowsBetweenReports == 0 || row == opened.Rows()) &&
-            !window.ReportRows(row - 1, opened.Rows() - 1)) {
+            !window.ReportRows(row - header, opened.Rows() - header)) {
             throw Cancelled();
         }
     }
@@ -119,8 +154,8 @@ std::int32_t AppendRows(ExchangeTarget& window, const TemplateSheet& opened, con
 }  // namespace
 
 ImportBatch ReadTemplateWorkbook(ExchangeTarget& window, const std::string& fileName, std::int32_t existingId,
-                                 const std::string& name) {
-    const TemplateSheet opened(fileName);
+                                 const std::string& name, bool tidily) {
+    const TemplateSheet opened(fileName, tidily);
     const std::string fieldList = ReadHeader(opened);
     ImportBatch batch;
     const std::string userId = entry::CurrentUserId();
@@ -132,10 +167,10 @@ ImportBatch ReadTemplateWorkbook(ExchangeTarget& window, const std::string& file
     return batch;
 }
 
-WorkbookLines ReadWorkbookLines(ExchangeTarget& window, const std::string& fileName) {
+WorkbookLines ReadWorkbookLines(ExchangeTarget& window, const std::string& fileName, bool tidily) {
     WorkbookLines result;
     try {
-        const TemplateSheet opened(fileName);
+        const TemplateSheet opened(fileName, tidily);
         ImportRows rows(opened.Sheet(), opened.Columns(), ReadHeader(opened));
         std::string values;
         std::string errorText;

@@ -19,9 +19,10 @@ struct ImportBatch {
     std::int32_t lines = 0;
 };
 
+// tidily: rows above the header and blank rows between lines are passed over.
 // Throws Refused, Cancelled, or automation::Error for a file that cannot be read, its reason as the text.
 ImportBatch ReadTemplateWorkbook(ExchangeTarget& window, const std::string& fileName, std::int32_t existingId,
-                                 const std::string& name);
+                                 const std::string& name, bool tidily = false);
 
 // What a workbook holds, faulty or not.
 struct WorkbookLines {
@@ -32,7 +33,7 @@ struct WorkbookLines {
     std::vector<LineFault> faults = {};
 };
 // Throws Cancelled.
-WorkbookLines ReadWorkbookLines(ExchangeTarget& window, const std::string& fileName);
+WorkbookLines ReadWorkbookLines(ExchangeTarget& window, const std::string& fileName, bool tidily = false);
 
 // What an error says for users: a server's or an account set's own text as it stands.
 std::string ReasonOf(const automation::Error& error);

@@ -189,6 +189,15 @@ void ImportRows::ValidateImportRow(std::int32_t row, std::string& values, std::s
     }
 }
 
+void ImportRows::FoldFaultsOf(std::int32_t row, const std::string& reason) {
+    bool any = false;
+    while (!faults_.empty() && faults_.back().row == row) {
+        faults_.pop_back();
+        any = true;
+    }
+    if (any) faults_.push_back({row, 0, "", "", reason});
+}
+
 store::LineTexts ImportRows::TextsAsStored() const {
     store::LineTexts line;
     const auto at = [&line](int gridColumn) -> std::string& {

@@ -27,6 +27,8 @@ class ImportRows {
     // Checks the row: its errors are appended to errorText, and `values` becomes the list of values of its
     // insert, in the sheet's order of columns. Reads the row unless it is the one that ReadRow() read last.
     void ValidateImportRow(std::int32_t row, std::string& values, std::string& errorText);
+    // What was found in that row, validated last, becomes one fault of the whole row.
+    void FoldFaultsOf(std::int32_t row, const std::string& reason);
     // The row that was read last as the account set would give it back; a faulty cell as it is typed.
     store::LineTexts TextsAsStored() const;
     // What has been found in all rows so far, with the value and the reason of each.

@@ -10,6 +10,7 @@
 #include "exchange/import_destination.h"
 #include "exchange/import_preview.h"
 #include "exchange/import_reading.h"
+#include "platform/system/several_files.h"
 #include "platform/system/surroundings.h"
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
@@ -99,11 +100,12 @@ void WriteBatch(ExchangeTarget& window, const ImportBatch& batch, std::int32_t e
     outcome.written = true;
 }
 
-void TellWritten(ExchangeTarget& window, const ImportOutcome& outcome) {
+void TellWritten(ExchangeTarget& window, ImportOutcome& outcome) {
     const auto unusable = store::ReadUnusableNumbers(std::to_string(outcome.templateId));
     window.RebuildTreeAndSelect(outcome.templateId);
-    Show(store::WithUnusableNote("引入模板 " + outcome.templateName + " 成功！",
-                                 unusable.value_or(std::vector<std::string>())));
+    outcome.told = store::WithUnusableNote("引入模板 " + outcome.templateName + " 成功！",
+                                           unusable.value_or(std::vector<std::string>()));
+    Show(outcome.told);
     entry::WriteOperationLog(entry::LogKind::Succeeded,
                              "凭证模板-引入模板 " + outcome.templateName + " 成功");
 }
@@ -115,10 +117,11 @@ bool CheckInstalled(ImportOutcome& outcome) {
 }
 
 // What it would change is looked at first; false when the user thinks better of it.
-bool LooksRight(ExchangeTarget& window, const ImportDestination& destination, ImportOutcome& outcome) {
+bool LooksRight(ExchangeTarget& window, const ImportDestination& destination, bool tidily,
+                ImportOutcome& outcome) {
     try {
         return window.LookBeforeImport([&] {
-            ImportPreview preview = PreviewImport(window, outcome.file, destination);
+            ImportPreview preview = PreviewImport(window, outcome.file, destination, tidily);
             outcome.faults = preview.faults;
             return preview;
         });
@@ -128,7 +131,7 @@ bool LooksRight(ExchangeTarget& window, const ImportDestination& destination, Im
 }
 
 // The command from the chosen file on.
-ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileName) {
+ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileName, bool tidily = false) {
     ImportOutcome outcome;
     outcome.file = fileName;
     const ImportDestination destination = FindImportDestination(fileName);
@@ -136,12 +139,12 @@ ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileNa
     outcome.templateName = name;
     if (!destination.refusal.empty()) return Refuse(outcome, destination.refusal);
     if (destination.Replaces() &&
-        (!LooksRight(window, destination, outcome) ||
+        (!LooksRight(window, destination, tidily, outcome) ||
          Show("模板[" + name + "]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？",
               entry::kMessageTitle, MessageButtons::OkCancel) != MessageResult::Ok)) {
         return outcome;
     }
-    return ImportTemplateWorkbook(window, fileName, destination.existingId, name);
+    return ImportTemplateWorkbook(window, fileName, destination.existingId, name, tidily);
 }
 
 // Whatever the surroundings of the command throw ends like any failure of an import. fileName: as it is by
@@ -160,13 +163,13 @@ ImportOutcome Guarded(const std::string& fileName, const std::function<ImportOut
 }  // namespace
 
 ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& fileName,
-                                     std::int32_t existingId, const std::string& name) {
+                                     std::int32_t existingId, const std::string& name, bool tidily) {
     ImportOutcome outcome;
     outcome.file = fileName;
     outcome.templateName = name;
     window.ShowProgress("正在执行凭证模板引入，请稍后...");
     try {
-        const ImportBatch batch = ReadTemplateWorkbook(window, fileName, existingId, name);
+        const ImportBatch batch = ReadTemplateWorkbook(window, fileName, existingId, name, tidily);
         if (!ConfirmEmptying(existingId, name, batch.lines)) throw Cancelled();
         WriteBatch(window, batch, existingId, outcome);
         TellWritten(window, outcome);
@@ -189,28 +192,38 @@ ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& 
     return outcome;
 }
 
+std::optional<std::vector<std::string>> ChooseWorkbooks(ImportOutcome& outcome) {
+    if (!CheckInstalled(outcome)) return std::nullopt;
+    system::FileRequest request;
+    request.title = "选择引入文件";
+    request.flags = kExplorerStyle | kFileMustExist | kReadOnlyTicked;
+    request.filters = {{"FormatIni File Excel File (*.xls)", "*.xls"}};
+    if (ExcelVersion() >= kFirstXlsxVersion) {
+        request.filters.push_back({"FormatIni File Excel File (*.xlsx)", "*.xlsx"});
+        request.selectedFilter = 1;
+    }
+    const auto& dialogs = system::Surroundings::Current().fileDialogs;
+    if (auto* several = dynamic_cast<system::SeveralFiles*>(dialogs.get()))
+        return several->ChooseFilesToOpen(request);
+    const std::string chosen = dialogs->ChooseFileToOpen(request).value_or("");
+    return chosen.empty() ? std::vector<std::string>() : std::vector{chosen};
+}
+
 ImportOutcome ImportTemplate(ExchangeTarget& window) {
     std::string chosen;
     return Guarded(chosen, [&]() -> ImportOutcome {
         ImportOutcome outcome;
-        if (!CheckInstalled(outcome)) return outcome;
-        system::FileRequest request;
-        request.title = "选择引入文件";
-        request.flags = kExplorerStyle | kFileMustExist | kReadOnlyTicked;
-        request.filters = {{"FormatIni File Excel File (*.xls)", "*.xls"}};
-        if (ExcelVersion() >= kFirstXlsxVersion) {
-            request.filters.push_back({"FormatIni File Excel File (*.xlsx)", "*.xlsx"});
-            request.selectedFilter = 1;
-        }
-        chosen = system::Surroundings::Current().fileDialogs->ChooseFileToOpen(request).value_or("");
-        return chosen.empty() ? outcome : ImportChosenFile(window, chosen);
+        const auto files = ChooseWorkbooks(outcome);
+        if (!files || files->empty()) return outcome;
+        chosen = files->front();
+        return ImportChosenFile(window, chosen);
     });
 }
 
-ImportOutcome ImportTemplateFile(ExchangeTarget& window, const std::string& fileName) {
+ImportOutcome ImportTemplateFile(ExchangeTarget& window, const std::string& fileName, bool tidily) {
     return Guarded(fileName, [&]() -> ImportOutcome {
         ImportOutcome outcome;
-        return CheckInstalled(outcome) ? ImportChosenFile(window, fileName) : outcome;
+        return CheckInstalled(outcome) ? ImportChosenFile(window, fileName, tidily) : outcome;
     });
 }
 

@@ -1,13 +1,18 @@
 #include "exchange/template_sheet.h"
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
 #include "automation/class_registry.h"
 #include "automation/quietly.h"
 #include "entry/names.h"
+#include "exchange/cell_reading.h"
 #include "exchange/import_refusal.h"
+#include "exchange/marked_copy.h"
 #include "exchange/template_columns.h"
 #include "platform/system/collation.h"
+#include "platform/system/utf8.h"
 
 namespace vicenter::exchange {
 
@@ -50,7 +55,8 @@ TemporaryCopy::~TemporaryCopy() {
     });
 }
 
-TemplateSheet::TemplateSheet(const std::string& fileName) : copy_(FilesWith(fileName), fileName) {
+TemplateSheet::TemplateSheet(const std::string& fileName, bool tidily)
+    : copy_(FilesWith(fileName), fileName), tidily_(tidily) {
     Application()->Put("DisplayAlerts", false);
     workbook_ = Application()->Get("Workbooks").AsObject()->Call("Open", {copy_.Name()}).AsObject();
     sheet_ = FindTemplateSheet(workbook_);
@@ -58,6 +64,36 @@ TemplateSheet::TemplateSheet(const std::string& fileName) : copy_(FilesWith(file
     const ObjectRef used = sheet_->Get("UsedRange").AsObject();
     columns_ = used->Get("Columns").AsObject()->Get("Count").ToInt32();
     rows_ = used->Get("Rows").AsObject()->Get("Count").ToInt32();
+    hasReasons_ = columns_ > 1 && IsReasons(columns_);
+    if (hasReasons_) --columns_;
+    if (tidily_) headerRow_ = std::max(FindHeaderRow(), 1);
+}
+
+std::string TemplateSheet::HeaderAt(std::int32_t row, std::int32_t column) const {
+    const automation::Variant value = SheetCells(sheet_).Value(row, column);
+    if (value.IsError()) return {};
+    return std::string(system::TrimBlanks(WithoutInvisibleMarks(value.ToTextOrEmpty())));
+}
+
+bool TemplateSheet::IsReasons(std::int32_t column) const {
+    if (!HeaderAt(1, column).starts_with(kReasonsHeader)) return false;
+    return SheetCells(sheet_).At(1, column)->Get("NumberFormat").ToTextOrEmpty() == kReasonsFormat;
+}
+
+std::int32_t TemplateSheet::FindHeaderRow() const {
+    constexpr std::int32_t kRowsToSearch = 20;
+    const auto required = std::count_if(kColumns.begin(), kColumns.end(), [](const TemplateColumn& column) {
+        return column.header.ends_with("(*)");
+    });
+    for (std::int32_t row = 1; row <= std::min(rows_, kRowsToSearch); ++row) {
+        std::set<std::size_t> found;
+        for (std::int32_t column = 1; column <= columns_; ++column) {
+            const auto place = FindColumn(HeaderAt(row, column));
+            if (place && kColumns[*place].header.ends_with("(*)")) found.insert(*place);
+        }
+        if (found.size() == static_cast<std::size_t>(required)) return row;
+    }
+    return 0;
 }
 
 }  // namespace vicenter::exchange

@@ -1,7 +1,9 @@
 #pragma once
 
 // The template sheet of a workbook, opened in a copy of the file, so that a workbook that somebody has open
-// can still be read; copy and server go with the object. Late bound throughout. User-interface thread only.
+// can still be read; copy and server go with the object. Read tidily, rows above the header and blank rows
+// between lines are passed over, which an import by itself refuses. Late bound throughout. User-interface
+// thread only.
 
 #include <cstdint>
 #include <optional>
@@ -31,22 +33,36 @@ class TemplateSheet {
   public:
     // Throws Refused for a file that is not there or has no such sheet, automation::Error for one that cannot
     // be read, its reason as the text.
-    explicit TemplateSheet(const std::string& fileName);
+    explicit TemplateSheet(const std::string& fileName, bool tidily = false);
 
     const ObjectRef& Application() const { return session_.Application(); }
     const ObjectRef& Workbook() const { return workbook_; }
     const ObjectRef& Sheet() const { return sheet_; }
-    // Of the used range.
+    // Of the used range, without the reasons of a marked copy.
     std::int32_t Columns() const { return columns_; }
     std::int32_t Rows() const { return rows_; }
+    // It is a marked copy of a workbook that was refused.
+    bool HasReasons() const { return hasReasons_; }
+    bool Tidily() const { return tidily_; }
+    // The row of the headers: the first one, unless the sheet is read tidily and has another.
+    std::int32_t HeaderRow() const { return headerRow_; }
+    // The first row that names all columns that must be there, 0 when none of the first ones does.
+    std::int32_t FindHeaderRow() const;
+    // A header as it is compared.
+    std::string HeaderAt(std::int32_t row, std::int32_t column) const;
 
   private:
+    bool IsReasons(std::int32_t column) const;
+
     TemporaryCopy copy_;
     ExcelSession session_;
     ObjectRef workbook_;
     ObjectRef sheet_;
     std::int32_t columns_ = 0;
     std::int32_t rows_ = 0;
+    std::int32_t headerRow_ = 1;
+    bool hasReasons_ = false;
+    bool tidily_ = false;
 };
 
 }  // namespace vicenter::exchange

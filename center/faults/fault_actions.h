@@ -4,6 +4,7 @@
 // only.
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "center/faults/fault_list.h"
@@ -28,6 +29,10 @@ class FaultActions {
     // Where it can be mended: opens the workbook, or the template of that name; the user is told when it is
     // not there.
     virtual void OpenReported(const ReportedFault& fault) = 0;
+    // A copy of that workbook with its faulty cells marked, under a name that the user gives.
+    virtual void SaveMarkedCopy(const std::string& workbook) = 0;
+    // The import of that workbook once more, without the rows above its header and blank rows.
+    virtual void ImportTidily(const std::string& workbook) = 0;
     // Off the list; places in Reported().
     virtual void DropReported(const std::vector<std::size_t>& places) = 0;
 };

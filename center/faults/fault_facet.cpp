@@ -81,6 +81,16 @@ void FaultFacet::GoToLine(const store::LineFault& fault) {
     GoTo({fault.row, std::max(fault.column, column::kNo)});
 }
 
+void FaultFacet::SaveMarkedCopy(const std::string& workbook) {
+    parts_.edge.Command([&] {
+        if (parts_.commands != nullptr) parts_.commands->SaveMarkedCopy(parts_.window, workbook);
+    });
+}
+
+void FaultFacet::ImportTidily(const std::string& workbook) {
+    parts_.edge.Command([&] { parts_.RunImport(workbook, true); });
+}
+
 void FaultFacet::DropReported(const std::vector<std::size_t>& places) {
     parts_.reported.Drop(places);
     parts_.ReportsChanged();

@@ -18,6 +18,8 @@ class FaultFacet final : public FaultActions {
     void GoToNext(bool back) override;
     const std::vector<ReportedFault>& Reported() override;
     void OpenReported(const ReportedFault& fault) override;
+    void SaveMarkedCopy(const std::string& workbook) override;
+    void ImportTidily(const std::string& workbook) override;
     void DropReported(const std::vector<std::size_t>& places) override;
 
   private:

@@ -88,11 +88,13 @@ void WindowParts::RunTool(Tool tool) {
     }
 }
 
-void WindowParts::RunImport(const std::string& fileName) {
+void WindowParts::RunImport(const std::string& fileName, bool tidily) {
     LogRequest("凭证模板-引入模板");
     if (RefusedForRight() || !save.ConfirmUnsavedChanges() || commands == nullptr) return;
     if (fileName.empty()) {
         commands->Import(window);
+    } else if (tidily) {
+        commands->ImportTidily(window, fileName);
     } else {
         commands->ImportFile(window, fileName);
     }

@@ -44,6 +44,10 @@ class TemplateCommands {
     virtual void Import(CommandTarget& window) = 0;
     // The import of a file that is chosen already.
     virtual void ImportFile(CommandTarget& window, const std::string& fileName) = 0;
+    // The same, without the rows above the workbook's header and blank rows between its lines.
+    virtual void ImportTidily(CommandTarget& window, const std::string& fileName) = 0;
+    // A copy of a workbook that was refused, its faulty cells marked.
+    virtual void SaveMarkedCopy(CommandTarget& window, const std::string& fileName) = 0;
     virtual void Export(CommandTarget& window) = 0;
     virtual void UploadToCloud(CommandTarget& window) = 0;
     // Shows the generation dialog modally; it rebuilds the tree itself when it generated a template.

@@ -65,8 +65,9 @@ struct WindowParts : public GridObserver {
     void ReadSettings();
     bool IsOn(EntryAid aid) const;
     void SetOn(EntryAid aid, bool on);
-    // fileName: a workbook chosen already; empty: the command asks for one.
-    void RunImport(const std::string& fileName);
+    // fileName: a workbook chosen already; empty: the command asks for one. tidily: what lies above its
+    // header and between its lines is passed over.
+    void RunImport(const std::string& fileName, bool tidily = false);
     // The user may not change templates, and has been told so.
     bool RefusedForRight();
 

@@ -42,6 +42,12 @@ class RecordingCommands : public TemplateCommands {
     void ImportFile(CommandTarget&, const std::string& fileName) override {
         run.push_back("import " + fileName);
     }
+    void ImportTidily(CommandTarget&, const std::string& fileName) override {
+        run.push_back("tidily " + fileName);
+    }
+    void SaveMarkedCopy(CommandTarget&, const std::string& fileName) override {
+        run.push_back("marked " + fileName);
+    }
     void Export(CommandTarget&) override { run.emplace_back("export"); }
     void UploadToCloud(CommandTarget&) override { run.emplace_back("upload"); }
     void GenerateFromVouchers(CommandTarget&) override { run.emplace_back("generate"); }

@@ -271,13 +271,15 @@ TEST_F(ImportTest, TellsEveryFaultyHeader) {
         "引入模板失败！模板文件结构不正确: "
         "\r\n第C列[备注]存在同名列！\r\n第D列[x]列名错误！\r\n第E列[]列名错误！\r\n",
         "Orbis提示");
-    EXPECT_EQ(Faults(), (Lines{"1,3 备注 [备注] 存在同名列", "1,4 x [x] 列名错误", "1,5  [] 列名错误"}));
+    EXPECT_EQ(Faults(), (Lines{"1,3 备注 [备注] 存在同名列，请删除其中一列",
+                               "1,4 x [x] 列名错误，请改为模板的列名或删除这一列",
+                               "1,5  [] 没有列名，请填写列名或删除这一列"}));
 }
 
 TEST_F(ImportTest, NeverSeesTheLastHeaderAmongTheRequired) {
     EXPECT_FALSE(ImportRowsOf({{"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)"}}));
     ExpectNothingWritten("引入模板失败！模板文件结构不正确,缺少必录列: 科目名称(*)", "Orbis提示");
-    EXPECT_EQ(Faults(), Lines{"1,0 科目名称(*) [] 必录列不能是最后一列"});
+    EXPECT_EQ(Faults(), Lines{"1,0 科目名称(*) [] 必录列不能是最后一列，请把它移到前面"});
 }
 
 TEST_F(ImportTest, ListsEveryMissingColumn) {

@@ -2,12 +2,15 @@
 // and exports cancelled on the progress panel.
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QDropEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
+#include <QTableView>
 #include <QTableWidget>
 #include <QTest>
 #include <QTimer>
@@ -20,6 +23,7 @@
 
 #include "exchange/template_columns.h"
 #include "platform/office/workbook_file.h"
+#include "platform/system/several_files.h"
 #include "tests/ui/demo_set_fixture.h"
 
 namespace vicenter::ui {
@@ -231,6 +235,111 @@ TEST_F(ExchangeWayTest, FaultsThatTheComparisonFindsStayInTheListOfFaults) {
     InPreview([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
     Drop({MakeWorkbook("Looked.xlsx", 1, "6")});
     EXPECT_THAT(window->Presenter().Faults().Reported(), IsEmpty());
+}
+
+class FaultMenuTest : public ExchangeWayTest {
+  protected:
+    QTableView& List() { return *window->findChild<QTableView*>(QStringLiteral("lstFaults")); }
+    // A right click on the first row of the list, and a click on that entry of its menu.
+    void ChooseForFirstFault(const char* name) {
+        const QPoint at = List().visualRect(List().model()->index(0, 3)).center();
+        QTest::mousePress(List().viewport(), Qt::RightButton, {}, at);
+        bool chosen = false;
+        QTimer chooser;
+        QObject::connect(&chooser, &QTimer::timeout, window, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu || chosen) return;
+            chosen = true;
+            auto* action = menu->findChild<QAction*>(QString::fromLatin1(name));
+            ASSERT_NE(action, nullptr);
+            EXPECT_TRUE(action->isEnabled());
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+        });
+        chooser.start(1);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, List().viewport()->mapToGlobal(at));
+        QApplication::sendEvent(List().viewport(), &event);
+        EXPECT_TRUE(chosen);
+    }
+    void SetCell(const std::string& file, std::uint32_t row, std::uint32_t column, std::string_view text) {
+        const auto workbook = office::ReadWorkbook(file);
+        office::Cell& cell = workbook->FindSheet(exchange::kSheetName)->At(row, column);
+        cell.kind = office::CellKind::Text;
+        cell.text = workbook->Texts().Intern(text);
+        office::WriteWorkbook(*workbook, file, office::FileKind::Xlsx);
+    }
+};
+
+TEST_F(FaultMenuTest, ARefusedWorkbookIsCopiedWithItsFaultsMarkedMendedAndImported) {
+    Drop({MakeWorkbook("Faulty.xlsx", 1, "x")});
+    TakeMessages();
+    QApplication::processEvents();
+    const std::string copy = folder.Path("Faulty(标错).xlsx");
+    surroundings.fileDialogs->choices = {copy};
+    ChooseForFirstFault("mnuMarkedCopy");
+    ASSERT_EQ(surroundings.fileDialogs->requests.size(), 1U);
+    EXPECT_EQ(surroundings.fileDialogs->requests[0].proposedName, copy);
+    EXPECT_THAT(TakeMessages(), ElementsAre("标错副本已保存，有错误的单元格已着色，原因在最后一列。"
+                                            "更正后可以直接引入！\r\n\r\n" +
+                                            copy));
+    SetCell(copy, 1, 5, "7");
+    Drop({copy});
+    EXPECT_THAT(TakeMessages(), ElementsAre("引入模板 Faulty 成功！"));
+    EXPECT_EQ(Text(1, column::kFileCount), "7");
+    // Its key, where the list has the keyboard.
+    surroundings.fileDialogs->choices = {std::nullopt};
+    List().setFocus();
+    List().setCurrentIndex(List().model()->index(0, 3));
+    QTest::keyClick(&List(), Qt::Key_M, Qt::ControlModifier);
+    EXPECT_EQ(surroundings.fileDialogs->requests.size(), 2U);
+}
+
+TEST_F(FaultMenuTest, BlankRowsAreTidiedAwayOnRequest) {
+    const std::string path = MakeWorkbook("Blank.xlsx", 3);
+    for (std::uint32_t column = 0; column < 6; ++column)
+        SetCell(path, 2, column, "");
+    Drop({path});
+    EXPECT_EQ(TakeMessages().size(), 1U);
+    QApplication::processEvents();
+    EXPECT_EQ(List().model()->index(0, 3).data().toString(), "整行为空，请删除这一行，或者整理后引入");
+    ChooseForFirstFault("mnuImportTidily");
+    EXPECT_THAT(TakeMessages(), ElementsAre("引入模板 Blank 成功！"));
+    EXPECT_EQ(window->Presenter().RowCount(), 2);
+    EXPECT_THAT(window->Presenter().Faults().Reported(), IsEmpty());
+}
+
+class SeveralFileDialogs : public fakes::ScriptedFileDialogs, public system::SeveralFiles {
+  public:
+    std::vector<std::string> ChooseFilesToOpen(const system::FileRequest&) override { return several; }
+    std::vector<std::string> several;
+};
+
+TEST_F(ExchangeWayTest, SeveralChosenWorkbooksEndInOneReport) {
+    const auto dialogs = std::make_shared<SeveralFileDialogs>();
+    dialogs->several = {MakeWorkbook("One.xlsx", 2), MakeWorkbook("Two.xlsx", 1, "x")};
+    dialogs->choices = {folder.Path("report.xlsx")};
+    system::Surroundings replaced = system::Surroundings::Current();
+    replaced.fileDialogs = dialogs;
+    const system::SurroundingsScope scope(replaced);
+    bool shown = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, window, [&] {
+        auto* dialog = window->findChild<QDialog*>(QStringLiteral("frmImportReport"));
+        if (!dialog || !dialog->isVisible() || shown) return;
+        shown = true;
+        EXPECT_EQ(Label(*dialog, "summary"), "共 2 个文件：引入模板 1 个、分录 2 行，未引入 1 个");
+        EXPECT_EQ(Rows(*dialog, "files"),
+                  (QStringList{"One.xlsx|One|已引入|2|0|引入模板 One 成功！",
+                               "Two.xlsx|Two|未引入|0|1|引入模板失败！模板文件数据存在以下错误: "
+                               "第2行，第F列值存在错误，"}));
+        Press(*dialog, "cmdSaveReport");
+        QTest::keyClick(dialog, Qt::Key_Escape);
+    });
+    watch.start(1);
+    Click("mnuImpButton");
+    EXPECT_TRUE(shown);
+    EXPECT_THAT(TakeMessages(), ElementsAre("引入报告已保存！\r\n\r\n" + folder.Path("report.xlsx")));
+    EXPECT_TRUE(std::filesystem::exists(system::PathFromUtf8(folder.Path("report.xlsx"))));
+    EXPECT_EQ(window->Presenter().Faults().Reported().size(), 1U);
 }
 
 TEST_F(ExchangeWayTest, OtherFilesAndSeveralAtOnceAreNotTaken) {

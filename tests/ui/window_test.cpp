@@ -367,6 +367,12 @@ class RecordingCommands : public center::TemplateCommands {
   public:
     void Import(center::CommandTarget&) override { run.emplace_back("import"); }
     void ImportFile(center::CommandTarget&, const std::string&) override { run.emplace_back("file"); }
+    void ImportTidily(center::CommandTarget&, const std::string& fileName) override {
+        run.push_back("tidily " + fileName);
+    }
+    void SaveMarkedCopy(center::CommandTarget&, const std::string& fileName) override {
+        run.push_back("marked " + fileName);
+    }
     void Export(center::CommandTarget&) override { run.emplace_back("export"); }
     void UploadToCloud(center::CommandTarget&) override { run.emplace_back("upload"); }
     void GenerateFromVouchers(center::CommandTarget&) override { run.emplace_back("generate"); }

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QTimer>
 #include <algorithm>
 #include <numeric>
@@ -207,6 +208,8 @@ FaultPanel::FaultPanel(center::FaultActions& actions, QWidget* parent)
             (QApplication::keyboardModifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) != 0;
         if (!gathers || !index.isValid() || model_->CellAt(index.row())) GoTo(index);
     });
+    table_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(table_, &QTableView::customContextMenuRequested, this, &FaultPanel::ShowMenu);
     hide();
 }
 
@@ -244,6 +247,10 @@ void FaultPanel::GoTo(const QModelIndex& index) {
     });
 }
 
+void FaultPanel::GoToCurrent() {
+    GoTo(table_->currentIndex());
+}
+
 // What has been reported goes off the list; a faulty cell stays there until it is mended.
 void FaultPanel::DropRows() {
     std::vector<std::size_t> places;
@@ -253,6 +260,50 @@ void FaultPanel::DropRows() {
     if (places.empty()) return;
     actions_.DropReported(places);
     Read();
+}
+
+std::string FaultPanel::CurrentWorkbook() const {
+    const QModelIndex current = table_->currentIndex();
+    const auto place = current.isValid() ? model_->ReportedAt(current.row()) : std::nullopt;
+    if (!place || model_->Reported(*place).kind != center::FaultSource::Workbook) return {};
+    return model_->Reported(*place).source;
+}
+
+void FaultPanel::SaveMarkedCopy() {
+    if (const std::string workbook = CurrentWorkbook(); !workbook.empty())
+        Guarded([&] { actions_.SaveMarkedCopy(workbook); });
+}
+
+void FaultPanel::ImportTidily() {
+    if (const std::string workbook = CurrentWorkbook(); !workbook.empty())
+        Guarded([&] { actions_.ImportTidily(workbook); });
+}
+
+void FaultPanel::ShowMenu(const QPoint& at) {
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("faultMenu"));
+    const auto add = [&](const QString& text, const char* name, const QKeySequence& key, bool enabled,
+                         void (FaultPanel::*act)()) {
+        QAction* action = menu.addAction(text, this, act);
+        action->setObjectName(QString::fromLatin1(name));
+        action->setShortcut(key);
+        action->setEnabled(enabled);
+    };
+    const bool any = model_->rowCount() > 0;
+    const bool ofWorkbook = !CurrentWorkbook().empty();
+    const auto place =
+        table_->currentIndex().isValid() ? model_->ReportedAt(table_->currentIndex().row()) : std::nullopt;
+    add(QStringLiteral("转到(&G)"), "mnuGoTo", Qt::Key_Return, table_->currentIndex().isValid(),
+        &FaultPanel::GoToCurrent);
+    add(QStringLiteral("复制(&C)"), "mnuCopyFaults", QKeySequence::Copy, any, &FaultPanel::CopyRows);
+    add(QStringLiteral("从列表中移去(&D)"), "mnuDropFaults", Qt::Key_Delete, place.has_value(),
+        &FaultPanel::DropRows);
+    menu.addSeparator();
+    add(QStringLiteral("另存标错副本(&S)…"), "mnuMarkedCopy", Qt::CTRL | Qt::Key_M, ofWorkbook,
+        &FaultPanel::SaveMarkedCopy);
+    add(QStringLiteral("整理后引入(&T)"), "mnuImportTidily", Qt::CTRL | Qt::Key_T, ofWorkbook,
+        &FaultPanel::ImportTidily);
+    menu.exec(table_->viewport()->mapToGlobal(at));
 }
 
 // The selected rows, or all of them, with their headings: for a list that is worked off elsewhere.
@@ -282,6 +333,14 @@ bool FaultPanel::eventFilter(QObject* watched, QEvent* event) {
         }
         if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
             GoTo(table_->currentIndex());
+            return true;
+        }
+        if (key.modifiers() == Qt::ControlModifier && key.key() == Qt::Key_M) {
+            SaveMarkedCopy();
+            return true;
+        }
+        if (key.modifiers() == Qt::ControlModifier && key.key() == Qt::Key_T) {
+            ImportTidily();
             return true;
         }
         if (key.key() == Qt::Key_Delete) {

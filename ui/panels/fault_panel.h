@@ -6,6 +6,7 @@
 
 #include <QDockWidget>
 #include <QTableView>
+#include <string>
 
 #include "center/faults/fault_actions.h"
 
@@ -31,8 +32,14 @@ class FaultPanel : public QDockWidget {
   private:
     void Read();
     void GoTo(const QModelIndex& index);
+    void GoToCurrent();
     void CopyRows();
     void DropRows();
+    // The workbook of the current row; empty where it has none.
+    std::string CurrentWorkbook() const;
+    void SaveMarkedCopy();
+    void ImportTidily();
+    void ShowMenu(const QPoint& at);
 
     center::FaultActions& actions_;
     FaultModel* model_;

@@ -272,6 +272,17 @@ std::optional<std::string> QtFileDialogs::ChooseFileToOpen(const system::FileReq
     return Chosen(dialog);
 }
 
+std::vector<std::string> QtFileDialogs::ChooseFilesToOpen(const system::FileRequest& request) {
+    QFileDialog dialog(DialogParent());
+    FillFileDialog(dialog, request, false);
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    std::vector<std::string> chosen;
+    if (dialog.exec() != QDialog::Accepted) return chosen;
+    for (const QString& file : dialog.selectedFiles())
+        chosen.push_back(FromQt(file));
+    return chosen;
+}
+
 std::optional<std::string> QtFileDialogs::ChooseFileToSave(const system::FileRequest& request) {
     SavingDialog dialog(DialogParent(), (request.flags & kPathMustExist) != 0);
     FillFileDialog(dialog, request, true);

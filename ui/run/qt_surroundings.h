@@ -9,6 +9,7 @@
 #include <QFontMetrics>
 #include <QMessageBox>
 
+#include "platform/system/several_files.h"
 #include "platform/system/surroundings.h"
 
 namespace vicenter::ui {
@@ -19,10 +20,11 @@ class QtMessageBoxes : public system::MessageBoxes {
                                system::MessageIcon icon, const std::string& title) override;
 };
 
-class QtFileDialogs : public system::FileDialogs {
+class QtFileDialogs : public system::FileDialogs, public system::SeveralFiles {
   public:
     std::optional<std::string> ChooseFileToOpen(const system::FileRequest& request) override;
     std::optional<std::string> ChooseFileToSave(const system::FileRequest& request) override;
+    std::vector<std::string> ChooseFilesToOpen(const system::FileRequest& request) override;
 };
 
 class QtScreen : public system::Screen {

@@ -5,10 +5,13 @@
 #include "entry/sql_text.h"
 #include "exchange/cloud_upload.h"
 #include "exchange/export_template.h"
+#include "exchange/import_several.h"
 #include "exchange/import_template.h"
+#include "exchange/marked_copy.h"
 #include "platform/system/surroundings.h"
 #include "ui/dialogs/auto_vch_dialog.h"
 #include "ui/dialogs/import_preview_dialog.h"
+#include "ui/dialogs/import_report_dialog.h"
 #include "ui/window/vicenter_window.h"
 
 namespace vicenter::ui {
@@ -86,7 +89,22 @@ void Report(center::CommandTarget& window, const exchange::ImportOutcome& outcom
 
 void CenterCommands::Import(center::CommandTarget& window) {
     ExchangeWindow exchangeWindow(window);
-    Report(window, exchange::ImportTemplate(exchangeWindow));
+    const std::vector<exchange::ImportOutcome> outcomes = exchange::ImportTemplates(exchangeWindow);
+    for (const exchange::ImportOutcome& outcome : outcomes)
+        Report(window, outcome);
+    if (outcomes.size() < 2) return;
+    ImportReportDialog dialog(outcomes, WidgetOf(window));
+    dialog.exec();
+}
+
+void CenterCommands::ImportTidily(center::CommandTarget& window, const std::string& fileName) {
+    ExchangeWindow exchangeWindow(window);
+    Report(window, exchange::ImportTemplateFile(exchangeWindow, fileName, true));
+}
+
+void CenterCommands::SaveMarkedCopy(center::CommandTarget& window, const std::string& fileName) {
+    ExchangeWindow exchangeWindow(window);
+    exchange::SaveMarkedCopy(exchangeWindow, fileName);
 }
 
 void CenterCommands::ImportFile(center::CommandTarget& window, const std::string& fileName) {

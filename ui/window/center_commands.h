@@ -12,6 +12,8 @@ class CenterCommands : public center::TemplateCommands {
   public:
     void Import(center::CommandTarget& window) override;
     void ImportFile(center::CommandTarget& window, const std::string& fileName) override;
+    void ImportTidily(center::CommandTarget& window, const std::string& fileName) override;
+    void SaveMarkedCopy(center::CommandTarget& window, const std::string& fileName) override;
     void Export(center::CommandTarget& window) override;
     void UploadToCloud(center::CommandTarget& window) override;
     void GenerateFromVouchers(center::CommandTarget& window) override;

@@ -1,0 +1,221 @@
+#include "exchange/import_several.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "entry/sql_text.h"
+#include "exchange/excel_access.h"
+#include "exchange/import_reading.h"
+#include "exchange/import_template.h"
+#include "exchange/marked_copy.h"
+#include "exchange/template_columns.h"
+#include "platform/system/collation.h"
+#include "platform/system/files.h"
+#include "platform/system/surroundings.h"
+
+namespace vicenter::exchange {
+
+namespace {
+
+using automation::Error;
+using automation::Variant;
+using system::PathFromUtf8;
+using system::PathToUtf8;
+
+constexpr const char* kReportName = "引入报告.xlsx";
+
+// Questions are asked; what only tells goes into the report.
+class QuestionsOnly : public system::MessageBoxes {
+  public:
+    explicit QuestionsOnly(std::shared_ptr<system::MessageBoxes> boxes) : boxes_(std::move(boxes)) {}
+    system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
+                               system::MessageIcon icon, const std::string& title) override {
+        if (buttons == system::MessageButtons::Ok) return system::MessageResult::Ok;
+        return boxes_->Show(text, buttons, icon, title);
+    }
+
+  private:
+    std::shared_ptr<system::MessageBoxes> boxes_;
+};
+
+std::string NameOfFile(const std::string& file) {
+    return PathToUtf8(PathFromUtf8(file).filename());
+}
+
+std::string OneLine(std::string text) {
+    std::string line;
+    for (const char c : text) {
+        if (c == '\r' || c == '\n') {
+            if (!line.empty() && line.back() != ' ') line += ' ';
+        } else {
+            line += c;
+        }
+    }
+    while (!line.empty() && line.back() == ' ')
+        line.pop_back();
+    return line;
+}
+
+void Tell(const std::string& text) {
+    system::Surroundings::Current().messageBoxes->Show(
+        text, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+}
+
+// --- the report's workbook
+
+class ReportSheet {
+  public:
+    ReportSheet(const ObjectRef& sheet, const std::string& name, const std::vector<const char*>& headers)
+        : sheet_(sheet), cells_(sheet) {
+        sheet->Put("Name", name);
+        std::int32_t column = 0;
+        for (const char* header : headers) {
+            cells_.SetValue(1, ++column, header);
+            cells_.At(1, column)->Get("Interior").AsObject()->Put("ColorIndex", kHeaderColor);
+        }
+        columns_ = column;
+    }
+    void Add(const std::vector<Variant>& values) {
+        ++row_;
+        std::int32_t column = 0;
+        for (const Variant& value : values) {
+            ++column;
+            // Texts stay texts, whatever they look like.
+            if (value.IsText() && !value.AsText().empty()) {
+                cells_.SetValue(row_, column, "'" + value.AsText());
+            } else if (!value.IsText()) {
+                cells_.SetValue(row_, column, value);
+            }
+        }
+    }
+    void Finish() {
+        const std::string columns = "A:" + ColumnLetter(columns_);
+        sheet_->Get("Columns", {columns}).AsObject()->Call("AutoFit");
+    }
+
+  private:
+    ObjectRef sheet_;
+    SheetCells cells_;
+    std::int32_t row_ = 1;
+    std::int32_t columns_ = 0;
+};
+
+void FillReport(const ObjectRef& workbook, const std::vector<ImportOutcome>& outcomes) {
+    const ObjectRef sheets = workbook->Get("Worksheets").AsObject();
+    while (sheets->Get("Count").ToInt32() < 2)
+        sheets->Call("Add");
+    ReportSheet files(sheets->Get("Item", {1}).AsObject(), "引入结果",
+                      {"文件", "模板", "结果", "分录", "异常", "说明"});
+    ReportSheet faults(sheets->Get("Item", {2}).AsObject(), "异常",
+                       {"文件", "行", "列", "列名", "内容", "原因"});
+    for (const ImportOutcome& outcome : outcomes) {
+        const std::string file = NameOfFile(outcome.file);
+        files.Add({file, outcome.templateName, ReportState(outcome), outcome.lines,
+                   static_cast<std::int32_t>(outcome.faults.size()), ReportText(outcome)});
+        for (const LineFault& fault : outcome.faults) {
+            const Variant row = fault.row > 0 ? Variant(fault.row) : Variant("");
+            const std::string column = fault.column > 0 ? ColumnLetter(fault.column) : std::string();
+            faults.Add({file, row, column, fault.header, fault.value, fault.reason});
+        }
+    }
+    files.Finish();
+    faults.Finish();
+    sheets->Get("Item", {1}).AsObject()->Call("Select");
+}
+
+}  // namespace
+
+std::string NamesOnce::WhyNot(const std::string& file) {
+    const std::string name = TemplateNameOf(file);
+    const auto [place, isNew] = files_.try_emplace(system::Collator::Chinese().Fold(name), file);
+    if (isNew) return {};
+    return "引入模板失败！文件夹中有同名的工作簿“" + NameOfFile(place->second) + "”，请分别引入或改名！";
+}
+
+std::vector<ImportOutcome> ImportTemplates(ExchangeTarget& window) {
+    std::vector<ImportOutcome> outcomes;
+    ImportOutcome refused;
+    std::optional<std::vector<std::string>> files;
+    try {
+        files = ChooseWorkbooks(refused);
+    } catch (const Error& error) {
+        Tell(kImportFailed);
+        refused.refusal = kImportFailed;
+        refused.reason = ReasonOf(error);
+        refused.faults.push_back({0, 0, "", "", refused.reason});
+    }
+    if (!files) return {refused};
+    if (files->size() == 1) return {ImportTemplateFile(window, files->front())};
+    std::sort(files->begin(), files->end());
+    system::Surroundings surroundings = system::Surroundings::Current();
+    surroundings.messageBoxes = std::make_shared<QuestionsOnly>(surroundings.messageBoxes);
+    const system::SurroundingsScope scope(surroundings);
+    NamesOnce names;
+    for (const std::string& file : *files) {
+        ImportOutcome outcome;
+        outcome.file = file;
+        outcome.refusal = names.WhyNot(file);
+        if (outcome.refusal.empty()) outcome = ImportTemplateFile(window, file);
+        outcomes.push_back(std::move(outcome));
+    }
+    return outcomes;
+}
+
+std::string ReportSummary(const std::vector<ImportOutcome>& outcomes, int skipped) {
+    int templates = 0;
+    std::int32_t lines = 0;
+    for (const ImportOutcome& outcome : outcomes) {
+        templates += outcome.written ? 1 : 0;
+        lines += outcome.lines;
+    }
+    std::string text = "共 " + std::to_string(outcomes.size()) + " 个文件：引入模板 " +
+                       std::to_string(templates) + " 个、分录 " + std::to_string(lines) + " 行，未引入 " +
+                       std::to_string(outcomes.size() - static_cast<std::size_t>(templates)) + " 个";
+    if (skipped > 0) text += "，跳过锁定文件 " + std::to_string(skipped) + " 个";
+    return text;
+}
+
+std::string ReportState(const ImportOutcome& outcome) {
+    if (outcome.written) return "已引入";
+    return outcome.refusal.empty() ? "已取消" : "未引入";
+}
+
+std::string ReportText(const ImportOutcome& outcome) {
+    if (outcome.written) return OneLine(outcome.told);
+    std::string text = outcome.refusal.empty() ? "没有确认，未引入。" : OneLine(outcome.refusal);
+    if (!outcome.reason.empty()) text += " " + OneLine(outcome.reason);
+    return text;
+}
+
+std::string WriteImportReport(const std::vector<ImportOutcome>& outcomes, const std::string& target) {
+    try {
+        if (std::string refusal = WhyNotWorkbookTarget(target); !refusal.empty()) return refusal;
+        const ExcelSession session;
+        const ObjectRef workbook = session.Application()->Get("Workbooks").AsObject()->Call("Add").AsObject();
+        FillReport(workbook, outcomes);
+        std::string errorText;
+        if (SaveWorkbookAs(session.Application(), workbook, target, errorText, false)) return {};
+        return errorText.empty() ? "工作簿未能写入：" + target : errorText;
+    } catch (const Error& error) {
+        return ReasonOf(error);
+    }
+}
+
+void SaveImportReport(const std::vector<ImportOutcome>& outcomes) {
+    try {
+        constexpr std::uint32_t kFlags = 0x80000 | 0x800 | 0x4 | 0x2;
+        system::FileRequest request;
+        request.title = "指定引入报告文件名";
+        request.flags = kFlags;
+        request.filters = {{"Excel File (*.xlsx)", "*.xlsx"}};
+        request.proposedName = kReportName;
+        const auto target = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);
+        if (!target || target->empty()) return;
+        const std::string why = WriteImportReport(outcomes, *target);
+        Tell(why.empty() ? "引入报告已保存！\r\n\r\n" + *target : "引入报告保存失败！" + why);
+    } catch (const Error& error) {
+        Tell("引入报告保存失败！" + ReasonOf(error));
+    }
+}
+
+}  // namespace vicenter::exchange

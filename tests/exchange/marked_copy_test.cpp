@@ -1,0 +1,318 @@
+// Copies of refused workbooks, marked, mended and imported; and what is tidied away on request.
+
+#include "exchange/marked_copy.h"
+
+#include "exchange/import_several.h"
+#include "exchange/import_template.h"
+#include "platform/office/xlsx_package.h"
+#include "platform/system/several_files.h"
+#include "tests/exchange/exchange_fixture.h"
+
+namespace vicenter::exchange {
+namespace {
+
+const Lines kHeaders = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)", "金额", "备注"};
+constexpr std::uint8_t kRose = 38;
+
+class MarkedCopyTest : public ExchangeTest {
+  protected:
+    void SetUp() override {
+        ExchangeTest::SetUp();
+        set_.Answer("select FID from t_VchTemplate where FName = '坏的'", Rows({"FID"}, {{8}}));
+        set_.Answer("from t_VchTpControl where FIsCanUsed", Rows({"FNo"}));
+    }
+    ImportOutcome Import(const std::string& file, bool tidily = false) {
+        surroundings_.messageBoxes->shown.clear();
+        set_.Forget();
+        return ImportTemplateFile(window_, file, tidily);
+    }
+    // The lines of the batch that an import has sent: what stands behind the line's id.
+    Lines Inserted() const {
+        Lines lines;
+        for (const std::string& sql : set_.Statements()) {
+            for (std::size_t at = sql.find("t_VchTemplateEntry(FID,"); at != sql.npos;
+                 at = sql.find("t_VchTemplateEntry(FID,", at + 1)) {
+                const std::size_t values = sql.find("values(@MaxFID,", at) + 15;
+                lines.push_back(sql.substr(values, sql.find(") ", values) - values));
+            }
+        }
+        return lines;
+    }
+    // A cell of the sheet in a file, changed in place.
+    void Change(const std::string& file,
+                const std::function<void(office::Workbook&, office::Sheet&)>& change) {
+        const auto workbook = office::ReadWorkbook(file);
+        change(*workbook, *workbook->FindSheet(kSheetName));
+        office::WriteWorkbook(*workbook, file,
+                              file.ends_with(".xls") ? office::FileKind::Xls : office::FileKind::Xlsx);
+    }
+    static void SetText(office::Workbook& workbook, office::Sheet& sheet, std::uint32_t row,
+                        std::uint32_t column, const std::string& text) {
+        office::Cell& cell = sheet.At(row, column);
+        cell.kind = office::CellKind::Text;
+        cell.text = workbook.Texts().Intern(text);
+    }
+    static std::string TextAt(const std::string& file, std::uint32_t row, std::uint32_t column) {
+        const auto workbook = office::ReadWorkbook(file);
+        const office::Cell* cell = workbook->FindSheet(kSheetName)->Find(row, column);
+        return cell == nullptr ? "" : office::CellText(*workbook, *cell);
+    }
+    static std::string PartOf(const std::string& file, const std::string& name) {
+        const office::XlsxPackage package(file);
+        const auto part = package.Open(name);
+        std::string text;
+        std::string piece(4096, '\0');
+        for (std::size_t read = part->Read(piece.data(), piece.size()); read > 0;
+             read = part->Read(piece.data(), piece.size()))
+            text.append(piece, 0, read);
+        return text;
+    }
+    const std::vector<Lines> rows_ = {kHeaders,
+                                      {"#1", "a", "借", "1001", "现金", "x", "留下"},
+                                      {"#1", "", "贷", "", "银行", "#5"},
+                                      {"#2", "b", "借", "1002", "银行", "#7"}};
+};
+
+TEST_F(MarkedCopyTest, HoldsTheWorkbookWithTheReasonsInAColumnBehindTheLast) {
+    for (const char* name : {"坏的.xlsx", "坏的.xls"}) {
+        const std::string file = MakeWorkbook(name, rows_);
+        const ImportOutcome outcome = Import(file);
+        ASSERT_EQ(outcome.faults.size(), 2U);
+        const std::string copy = MarkedCopyName(file);
+        EXPECT_EQ(WriteMarkedCopy(file, outcome.faults, copy), "");
+        EXPECT_EQ(TextAt(copy, 0, 7), "原因");
+        EXPECT_EQ(TextAt(copy, 1, 7), "金额 必须是数字");
+        EXPECT_EQ(TextAt(copy, 2, 7), "科目代码(*) 不允许为空");
+        EXPECT_EQ(TextAt(copy, 3, 7), "");
+        EXPECT_EQ(TextAt(copy, 1, 6), "留下");
+        EXPECT_EQ(TextAt(copy, 1, 5), "x");
+        EXPECT_TRUE(TemporaryFiles().empty());
+    }
+}
+
+TEST_F(MarkedCopyTest, ColoursTheFaultyCellsAndNoOther) {
+    const std::string file = MakeWorkbook("坏的.xlsx", rows_);
+    const std::string copy = folder_.File("copy.xlsx");
+    ASSERT_EQ(WriteMarkedCopy(file, Import(file).faults, copy), "");
+    std::string styles;
+    std::string sheet;
+    for (auto [part, text] :
+         {std::pair("xl/styles.xml", &styles), std::pair("xl/worksheets/sheet1.xml", &sheet)})
+        *text = PartOf(copy, part);
+    const auto style = [&](const std::string& cell) {
+        const std::size_t at = sheet.find("<c r=\"" + cell + "\"");
+        const std::string tag = at == sheet.npos ? "" : sheet.substr(at, sheet.find('>', at) - at);
+        const std::size_t s = tag.find("s=\"");
+        return s == tag.npos ? "" : tag.substr(s + 3, tag.find('"', s + 3) - s - 3);
+    };
+    EXPECT_NE(styles.find("<fgColor indexed=\"" + std::to_string(kRose + 7) + "\"/>"), styles.npos);
+    EXPECT_NE(style("F2"), "");
+    EXPECT_EQ(style("F2"), style("D3")) << "an empty cell, too";
+    for (const char* plain : {"F3", "D2", "F4", "A2"})
+        EXPECT_NE(style(plain), style("F2")) << plain;
+}
+
+TEST_F(MarkedCopyTest, MendedItImportsUnderTheOriginalsName) {
+    for (const char* name : {"坏的.xlsx", "坏的.xls"}) {
+        const std::string file = MakeWorkbook(name, rows_);
+        const std::string copy = MarkedCopyName(file);
+        ASSERT_EQ(WriteMarkedCopy(file, Import(file).faults, copy), "");
+        EXPECT_FALSE(Import(copy)) << "not mended yet";
+        EXPECT_EQ(Messages(), Lines{"引入模板失败！模板文件数据存在以下错误: 第2行，第F列值存在错误，\r\n"
+                                    "第3行，第D列值存在错误，\r\n"})
+            << "in the words of the original";
+        Change(copy, [](office::Workbook& workbook, office::Sheet& sheet) {
+            SetText(workbook, sheet, 1, 5, "3.5");
+            SetText(workbook, sheet, 2, 3, "1002");
+        });
+        const ImportOutcome outcome = Import(copy);
+        EXPECT_TRUE(outcome.written) << outcome.refusal;
+        EXPECT_EQ(outcome.templateName, "坏的");
+        EXPECT_EQ(Inserted(), (Lines{"2,1,'a',1,'1001','现金',3.5,'留下'", "3,1,'',0,'1002','银行',5,''",
+                                     "4,2,'b',1,'1002','银行',7,''"}));
+    }
+}
+
+TEST_F(MarkedCopyTest, OfACopyForgetsWhatHasBeenMended) {
+    const std::string file = MakeWorkbook("坏的.xlsx", rows_);
+    const std::string copy = MarkedCopyName(file);
+    ASSERT_EQ(WriteMarkedCopy(file, Import(file).faults, copy), "");
+    Change(copy,
+           [](office::Workbook& workbook, office::Sheet& sheet) { SetText(workbook, sheet, 1, 5, "3"); });
+    const std::string again = folder_.File("again.xlsx");
+    ASSERT_EQ(WriteMarkedCopy(copy, Import(copy).faults, again), "");
+    EXPECT_EQ(TextAt(again, 0, 7), "原因");
+    EXPECT_EQ(TextAt(again, 1, 7), "");
+    EXPECT_EQ(TextAt(again, 2, 7), "科目代码(*) 不允许为空");
+    EXPECT_EQ(TextAt(again, 0, 8), "") << "one column of reasons";
+}
+
+TEST_F(MarkedCopyTest, TellsFaultyHeadersInTheHeaderOfTheReasons) {
+    const std::string file = MakeWorkbook("坏的.xlsx", {{"模板编号", "摘要(*)", "借/贷(*)", "x", "备注"}});
+    const ImportOutcome outcome = Import(file);
+    const std::string copy = MarkedCopyName(file);
+    ASSERT_EQ(WriteMarkedCopy(file, outcome.faults, copy), "");
+    EXPECT_EQ(TextAt(copy, 0, 5),
+              "原因：模板编号 列名错误，应为“模板编号(*)”；x 列名错误，请改为模板的列名或删除这一列");
+    Change(copy, [](office::Workbook& workbook, office::Sheet& sheet) {
+        for (std::uint32_t column = 0; column < 5; ++column)
+            SetText(workbook, sheet, 0, column, kHeaders[column]);
+    });
+    // The reasons are no column of the sheet: the quirk of the last required header is as without them.
+    Import(copy);
+    EXPECT_EQ(Messages(), Lines{"引入模板失败！模板文件结构不正确,缺少必录列: 科目名称(*)"});
+}
+
+TEST_F(MarkedCopyTest, AColumnOfThatNameThatIsNoCopysIsRefusedAsAnyOther) {
+    std::vector<Lines> rows = {kHeaders, {"#1", "a", "借", "1001", "现金", "#1", "", "why"}};
+    rows[0].emplace_back("原因");
+    const std::string file = MakeWorkbook("坏的(标错).xlsx", rows);
+    const ImportOutcome outcome = Import(file);
+    EXPECT_EQ(Messages(), Lines{"引入模板失败！模板文件结构不正确: \r\n第H列[原因]列名错误！\r\n"});
+    EXPECT_EQ(outcome.templateName, "坏的(标错)");
+}
+
+TEST_F(MarkedCopyTest, IsNeverWrittenOverItsOriginalOrOverWhatIsNoWorkbook) {
+    const std::string file = MakeWorkbook("坏的.xlsx", rows_);
+    const std::vector<LineFault> faults = Import(file).faults;
+    EXPECT_EQ(WriteMarkedCopy(file, faults, file), "标错副本不能覆盖原工作簿，请另选文件名！");
+    EXPECT_EQ(TextAt(file, 0, 7), "");
+    const std::string text = folder_.File("notes.txt");
+    std::ofstream(system::PathFromUtf8(text)) << "mine";
+    EXPECT_NE(WriteMarkedCopy(file, faults, text), "");
+    const std::string none = MakeWorkbook("无表.xlsx", {kHeaders}, "Sheet1");
+    EXPECT_EQ(WriteMarkedCopy(none, {}, folder_.File("c.xlsx")),
+              "没有名为“凭证模板”的工作表，没有可以标错的内容！");
+}
+
+TEST_F(MarkedCopyTest, TheCommandAsksForANameAndTellsWhatCameOfIt) {
+    const std::string file = MakeWorkbook("坏的.xlsx", rows_);
+    const std::string copy = folder_.File("b.xlsx");
+    surroundings_.fileDialogs->choices = {copy, std::nullopt};
+    SaveMarkedCopy(window_, file);
+    const system::FileRequest& request = surroundings_.fileDialogs->requests.at(0);
+    EXPECT_EQ(request.proposedName, folder_.File("坏的(标错).xlsx"));
+    EXPECT_EQ(request.title, "指定标错副本文件名");
+    EXPECT_EQ(
+        Messages(),
+        Lines{"标错副本已保存，有错误的单元格已着色，原因在最后一列。更正后可以直接引入！\r\n\r\n" + copy});
+    EXPECT_EQ(TextAt(copy, 0, 7), "原因");
+    SaveMarkedCopy(window_, file);  // cancelled
+    EXPECT_EQ(Messages().size(), 1U);
+    // Mended meanwhile.
+    MakeWorkbook("坏的.xlsx", {kHeaders, {"#1", "a", "借", "1001", "现金", "#1", ""}});
+    SaveMarkedCopy(window_, file);
+    EXPECT_EQ(Messages().back(), "工作簿已经没有错误，可以直接引入！");
+    EXPECT_EQ(window_.told.back(), "hide");
+}
+
+// --- what people do to workbooks
+
+TEST_F(MarkedCopyTest, ATitleAboveIsRefusedWithItsTextAndTheListSaysWhatToDo) {
+    const std::string file = MakeWorkbook(
+        "坏的.xlsx", {{"某某公司凭证模板"}, {}, kHeaders, {"#1", "a", "借", "1001", "现金", "#1", ""}});
+    const ImportOutcome outcome = Import(file);
+    ASSERT_EQ(Messages().size(), 1U);
+    EXPECT_TRUE(Messages()[0].starts_with(
+        "引入模板失败！模板文件结构不正确: \r\n第A列[某某公司凭证模板]列名错误！\r\n第B列[]列名错误！\r\n"));
+    ASSERT_EQ(outcome.faults.size(), 1U);
+    EXPECT_EQ(outcome.faults[0].reason, "表头在第 3 行，请删除它上面的第 1 至 2 行，或者整理后引入");
+    EXPECT_EQ(outcome.faults[0].value, "某某公司凭证模板");
+    EXPECT_TRUE(Inserted().empty());
+    // Tidied it comes in; a line's number is that of its row all the same.
+    EXPECT_TRUE(Import(file, true));
+    EXPECT_EQ(Inserted(), Lines{"4,1,'a',1,'1001','现金',1,''"});
+}
+
+TEST_F(MarkedCopyTest, BlankRowsBetweenAreOneFaultEachAndTidiedAway) {
+    const std::string file = MakeWorkbook(
+        "坏的.xlsx",
+        {kHeaders, {"#1", "a", "借", "1001", "现金", "#1"}, {}, {"#1", "", "贷", "1002", "银行", "#1"}});
+    const ImportOutcome outcome = Import(file);
+    EXPECT_EQ(Messages()[0],
+              "引入模板失败！模板文件数据存在以下错误: 第3行，第A列值存在错误，\r\n"
+              "第3行，第B列值存在错误(相同凭证模板编号首行摘要不允许为空)，\r\n第3行，第C列值存在错误，\r\n"
+              "第3行，第D列值存在错误，\r\n第3行，第E列值存在错误，\r\n");
+    ASSERT_EQ(outcome.faults.size(), 1U);
+    EXPECT_EQ(outcome.faults[0].row, 3);
+    EXPECT_EQ(outcome.faults[0].reason, "整行为空，请删除这一行，或者整理后引入");
+    EXPECT_TRUE(Import(file, true));
+    EXPECT_EQ(Inserted(), (Lines{"2,1,'a',1,'1001','现金',1,''", "4,1,'',0,'1002','银行',1,''"}));
+}
+
+TEST_F(MarkedCopyTest, HiddenColumnsAreReadAndShownAgainWhereTheyAreFaulty) {
+    const std::string file = MakeWorkbook("坏的.xlsx", rows_);
+    Change(file, [](office::Workbook&, office::Sheet& sheet) {
+        sheet.ColumnAt(5).hidden = true;
+        sheet.ColumnAt(6).hidden = true;
+    });
+    const ImportOutcome outcome = Import(file);
+    EXPECT_EQ(outcome.faults.size(), 2U);
+    const std::string copy = MarkedCopyName(file);
+    ASSERT_EQ(WriteMarkedCopy(file, outcome.faults, copy), "");
+    const auto workbook = office::ReadWorkbook(copy);
+    EXPECT_FALSE(workbook->FindSheet(kSheetName)->ColumnAt(5).hidden);
+    EXPECT_TRUE(workbook->FindSheet(kSheetName)->ColumnAt(6).hidden) << "nothing is wrong there";
+}
+
+// --- several at once
+
+class SeveralDialogs : public fakes::ScriptedFileDialogs, public system::SeveralFiles {
+  public:
+    std::vector<std::string> ChooseFilesToOpen(const system::FileRequest& request) override {
+        requests.push_back(request);
+        return several;
+    }
+    std::vector<std::string> several;
+};
+
+TEST_F(MarkedCopyTest, SeveralChosenFilesGiveOneReport) {
+    const std::string good = MakeWorkbook("坏的.xlsx", {kHeaders, {"#1", "a", "借", "1", "n", "#1", ""}});
+    const std::string bad = MakeWorkbook("丙.xlsx", rows_);
+    const std::string twin = MakeWorkbook("坏的.xls", {kHeaders, {"#1", "b", "借", "1", "n", "#1", ""}});
+    const auto dialogs = std::make_shared<SeveralDialogs>();
+    dialogs->several = {twin, good, bad};
+    system::Surroundings surroundings = system::Surroundings::Current();
+    surroundings.fileDialogs = dialogs;
+    const system::SurroundingsScope scope(surroundings);
+    const std::vector<ImportOutcome> outcomes = ImportTemplates(window_);
+    EXPECT_EQ(dialogs->requests.at(0).flags, 0x81001U);
+    EXPECT_TRUE(Messages().empty()) << "the report tells it";
+    ASSERT_EQ(outcomes.size(), 3U);
+    EXPECT_EQ(ReportSummary(outcomes), "共 3 个文件：引入模板 1 个、分录 1 行，未引入 2 个");
+    Lines texts;
+    for (const ImportOutcome& outcome : outcomes)
+        texts.push_back(ReportState(outcome) + " " + ReportText(outcome));
+    EXPECT_EQ(texts, (Lines{"未引入 引入模板失败！模板文件数据存在以下错误: 第2行，第F列值存在错误， "
+                            "第3行，第D列值存在错误，",
+                            "已引入 引入模板 坏的 成功！",
+                            "未引入 引入模板失败！文件夹中有同名的工作簿“坏的.xls”，请分别引入或改名！"}));
+    const std::string report = folder_.File("report.xlsx");
+    EXPECT_EQ(WriteImportReport(outcomes, report), "");
+    const auto workbook = office::ReadWorkbook(report);
+    ASSERT_EQ(workbook->Sheets().size(), 2U);
+    const auto text = [&](const char* sheet, std::uint32_t row, std::uint32_t column) {
+        const office::Cell* cell = workbook->FindSheet(sheet)->Find(row, column);
+        return cell == nullptr ? std::string() : office::CellText(*workbook, *cell);
+    };
+    EXPECT_EQ(text("引入结果", 1, 0), "丙.xlsx");
+    EXPECT_EQ(text("引入结果", 1, 2), "未引入");
+    EXPECT_EQ(text("引入结果", 2, 3), "1");
+    EXPECT_EQ(text("异常", 1, 5), "必须是数字");
+    EXPECT_EQ(text("异常", 2, 2), "D");
+}
+
+TEST_F(MarkedCopyTest, OneChosenFileIsToldAsEver) {
+    const auto dialogs = std::make_shared<SeveralDialogs>();
+    dialogs->several = {MakeWorkbook("丙.xlsx", rows_)};
+    system::Surroundings surroundings = system::Surroundings::Current();
+    surroundings.fileDialogs = dialogs;
+    const system::SurroundingsScope scope(surroundings);
+    EXPECT_EQ(ImportTemplates(window_).size(), 1U);
+    EXPECT_EQ(Messages().size(), 1U);
+    dialogs->several.clear();
+    EXPECT_TRUE(ImportTemplates(window_).empty());
+}
+
+}  // namespace
+}  // namespace vicenter::exchange
