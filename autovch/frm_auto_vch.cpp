@@ -71,6 +71,7 @@ void frmAutoVch::Spin(Box box, bool up) {
 }
 
 void frmAutoVch::Changed(Box box) {
+    without_.clear();
     if (box == kFirstNumber || box == kLastNumber) {
         ownRange_ = true;
     } else if (!ownRange_) {
@@ -86,10 +87,13 @@ void frmAutoVch::RefreshNumbers() {
 }
 
 void frmAutoVch::SelectGroup(std::size_t index) {
-    if (index < state_.groups.size()) state_.group = index;
+    if (index >= state_.groups.size()) return;
+    if (index != state_.group) without_.clear();
+    state_.group = index;
 }
 
 void frmAutoVch::SetIncludeSystem(bool include) {
+    if (include != state_.includeSystem) without_.clear();
     state_.includeSystem = include;
 }
 
@@ -107,10 +111,46 @@ VoucherFilter frmAutoVch::Filter() const {
 }
 
 void frmAutoVch::FilterSettled() {
-    const VoucherFilter filter = Filter();
-    const std::string problem = FilterProblem(filter);
-    state_.selected = problem.empty() ? Words(CountSelected(filter)) : problem;
+    without_.clear();
+    Describe();
     view_.Show(state_);
+}
+
+void frmAutoVch::Describe() {
+    const VoucherFilter filter = Filter();
+    state_.warning.clear();
+    state_.oneGroup.clear();
+    state_.selected = FilterProblem(filter);
+    if (!state_.selected.empty()) return;
+    const store::VoucherCount count = CountSelected(filter);
+    state_.selected = Words(count);
+    if (!without_.empty()) state_.selected += "，其中 " + std::to_string(without_.size()) + " 个不生成";
+    // More vouchers than numbers: some share one.
+    if (!filter.group.empty() || count.vouchers <= count.numbers) return;
+    const MergedNumbers merged = FindMergedNumbers(filter);
+    state_.warning = merged.Warning();
+    if (!state_.warning.empty()) state_.oneGroup = merged.groups.front();
+}
+
+void frmAutoVch::ChoosePatterns() {
+    const GenerationPreview preview = PreviewGeneration(Filter());
+    if (!preview.problem.empty()) {
+        state_.selected = preview.problem;
+        view_.Show(state_);
+        return;
+    }
+    LeftOut without = without_;
+    if (!view_.ShowPatterns(preview, without)) return;
+    without_ = std::move(without);
+    Describe();
+    view_.Show(state_);
+}
+
+void frmAutoVch::TakeOneGroup() {
+    const auto group = std::find(state_.groups.begin() + 1, state_.groups.end(), state_.oneGroup);
+    if (state_.oneGroup.empty() || group == state_.groups.end()) return;
+    SelectGroup(static_cast<std::size_t>(group - state_.groups.begin()));
+    FilterSettled();
 }
 
 void frmAutoVch::ChooseColumns() {
@@ -125,7 +165,7 @@ void frmAutoVch::Command(int index) {
         view_.Unload();
         return;
     }
-    GenerationRequest request{Filter(), state_.templateName, {}};
+    GenerationRequest request{Filter(), state_.templateName, {}, without_};
     for (const int column : store::VoucherColumns()) {
         const automation::Variant* chosen = optionalFields_->Item(std::to_string(column));
         if (chosen != nullptr && chosen->ToInt32() == 1) request.columns.insert(column);

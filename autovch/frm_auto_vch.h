@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "autovch/generation.h"
+#include "autovch/generation_preview.h"
 #include "dialogs/frm_set_colume.h"
 #include "platform/scripting/dictionary.h"
 
@@ -35,6 +36,8 @@ struct AutoVchState {
     bool includeSystem = false;  // chkJZVch
     std::string templateName;    // txtVchTpName
     std::string selected;        // what the filter selects, in words
+    std::string warning;         // that vouchers of several groups would be merged; empty: none would
+    std::string oneGroup;        // the group offered instead of all
 };
 
 class AutoVchView {
@@ -46,6 +49,8 @@ class AutoVchView {
     virtual void HideProgress() = 0;
     // Modal; returns when the column dialog is closed.
     virtual void ShowColumnDialog(dialogs::frmSetColume& dialog) = 0;
+    // Modal: the patterns with a tick each; true when the user keeps what is ticked then.
+    virtual bool ShowPatterns(const GenerationPreview& preview, LeftOut& without) = 0;
     virtual void Unload() = 0;
 };
 
@@ -71,6 +76,10 @@ class frmAutoVch {
     // The filter has not changed for a moment: counts what it selects.
     void FilterSettled();
     void ChooseColumns();  // cmdCols
+    // Shows the patterns of what the filter selects; those not wanted are left out until it changes.
+    void ChoosePatterns();
+    // The group that is offered in the place of all.
+    void TakeOneGroup();
     // 2 closes; any other index generates.
     void Command(int index);
 
@@ -82,12 +91,14 @@ class frmAutoVch {
     VoucherFilter Filter() const;
     void RefreshNumbers();
     void Changed(Box box);
+    void Describe();
 
     AutoVchView& view_;
     AutoVchState state_;
     std::array<BoxBounds, kBoxCount> bounds_;
     scripting::DictionaryRef optionalFields_;
     bool ownRange_ = false;  // the user has set a range of their own
+    LeftOut without_;
     GenerationResult result_;
 };
 

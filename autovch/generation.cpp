@@ -131,6 +131,15 @@ void WriteTemplate(const TemplateTarget& target, const std::string& batch, const
     entry::WriteOperationLog(entry::LogKind::Succeeded, "凭证模板-通过凭证生成模板 " + target.name + " 成功");
 }
 
+bool AllLeftOut(const ado::Recordset& vouchers, const LeftOut& without) {
+    if (without.empty()) return false;
+    const std::size_t number = vouchers.ColumnIndex("FNo");
+    for (std::size_t row = 0; row < static_cast<std::size_t>(vouchers.RecordCount()); ++row) {
+        if (!without.contains(vouchers.ValueAt(row, number).ToTextOrEmpty())) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 GenerationResult Generate(const GenerationRequest& request, const Progress& progress) {
@@ -153,6 +162,10 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
         ShowMessage("没有查询到凭证信息，凭证模板生成失败，请重新设置过滤条件！");
         return {};
     }
+    if (AllLeftOut(*vouchers, request.without)) {
+        ShowMessage("没有选择要生成的凭证，凭证模板生成失败！");
+        return {};
+    }
     ItemsTexts items;
     if (request.columns.contains(store::column::kItems)) items.AskAhead(*vouchers);
     std::string batch;
@@ -161,7 +174,8 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     try {
         batch = GenerationBatch(
             *target, request.columns, *vouchers,
-            [&](const std::string& detailId) { return items.Of(detailId); }, progress, result.faults);
+            [&](const std::string& detailId) { return items.Of(detailId); }, progress, result.faults,
+            request.without);
     } catch (const Unreadable&) {
         ShowMessage("凭证的核算项目无法读取，凭证模板生成失败！");
         return {};

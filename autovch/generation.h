@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 
+#include "autovch/generation_preview.h"
 #include "autovch/generation_sql.h"
 #include "autovch/voucher_filter.h"
 #include "store/template_outcome.h"
@@ -18,6 +19,7 @@ struct GenerationRequest {
     VoucherFilter filter;
     std::string templateName;
     ChosenColumns columns;
+    LeftOut without = {};  // what the user does not want of the selected vouchers
 };
 
 struct GenerationResult {

@@ -121,7 +121,7 @@ std::string EntryColumns(const ChosenColumns& chosen) {
 
 std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& chosen,
                             ado::Recordset& vouchers, const ItemsOf& itemsOf, const Progress& progress,
-                            std::vector<store::LineFault>& faults) {
+                            std::vector<store::LineFault>& faults, const LeftOut& without) {
     std::string batch;
     store::BeginTemplate(batch, target.overwriteId, target.name, target.userId);
 
@@ -129,10 +129,13 @@ std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& c
     const store::LineInserts lines(EntryColumns(chosen));
     const std::int64_t all = vouchers.RecordCount();
     batch.reserve(batch.size() + static_cast<std::size_t>(all) * (lines.HeadLength() + sources.size() * 12));
+    std::int64_t line = 0;
     for (std::int64_t row = 0; row < all; ++row) {
         if (progress && row % kProgressRows == 0 && !progress(row, all)) return {};
-        lines.Begin(batch, row + 1);
         const auto record = static_cast<std::size_t>(row);
+        if (!without.empty() && without.contains(vouchers.ValueAt(record, sources[0].place).ToTextOrEmpty()))
+            continue;
+        lines.Begin(batch, ++line);
         for (const Source& source : sources) {
             const Variant& value = vouchers.ValueAt(record, source.place);
             if (&source != sources.data()) batch += ',';

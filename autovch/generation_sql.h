@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "autovch/generation_preview.h"
 #include "autovch/voucher_filter.h"
 #include "platform/ado/recordset.h"
 #include "store/line_fault.h"
@@ -39,6 +40,6 @@ struct TemplateTarget {
 // values, each of which is then among the faults. Reads the recordset from its first row.
 std::string GenerationBatch(const TemplateTarget& target, const ChosenColumns& chosen,
                             ado::Recordset& vouchers, const ItemsOf& itemsOf, const Progress& progress,
-                            std::vector<store::LineFault>& faults);
+                            std::vector<store::LineFault>& faults, const LeftOut& without = {});
 
 }  // namespace vicenter::autovch

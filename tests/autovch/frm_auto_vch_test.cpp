@@ -18,8 +18,18 @@ class FakeView : public AutoVchView {
         // What the dialog's OK does with a tick in the row of column 11.
         dialog.Selection()->Put("Item", {"11"}, 1);
     }
+    bool ShowPatterns(const GenerationPreview& preview, LeftOut& without) override {
+        patterns = preview.patterns;
+        leftOutBefore = without;
+        without = leaveOut;
+        return keeps;
+    }
     void Unload() override { ++unloaded; }
 
+    std::vector<VoucherPattern> patterns;
+    LeftOut leftOutBefore;
+    LeftOut leaveOut;
+    bool keeps = true;
     AutoVchState shown;
     int progress = 0;
     int hidden = 0;
@@ -160,6 +170,106 @@ TEST_F(FrmAutoVchTest, AFailureLeavesTheDialogOpen) {
     dialog_.Command(0);
     EXPECT_EQ(view_.unloaded, 0);
     EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"凭证模板名称不允许为空！"});
+}
+
+class MergingTest : public FrmAutoVchTest {
+  protected:
+    void Merges() {
+        set_.Answer("as FGroup",
+                    Rows({"FNo", "FGroup", "FVouchers"},
+                         {{2, "收", 1}, {2, "记", 1}, {3, "记", 3}, {5, "收", 1}, {5, "记", 1}}));
+    }
+};
+
+TEST_F(MergingTest, WarnsOfNumbersThatSeveralGroupsShareAndOffersTheOneWithTheMostVouchers) {
+    EXPECT_EQ(view_.shown.warning, "");
+    Merges();
+    dialog_.FilterSettled();
+    EXPECT_EQ(view_.shown.warning,
+              "不同类别的凭证有相同的凭证号（2、5），选择“全部”时它们会合并到同一个模板编号；"
+              "如不需要合并，请只选一个凭证类别（记、收）。");
+    EXPECT_EQ(view_.shown.oneGroup, "记");
+    dialog_.TakeOneGroup();
+    EXPECT_EQ(view_.shown.group, 1U);
+    EXPECT_EQ(view_.shown.warning, "");
+    EXPECT_EQ(view_.shown.oneGroup, "");
+}
+
+TEST_F(MergingTest, AsksNothingMoreWhereEveryVoucherHasANumberOfItsOwn) {
+    set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines"}, {{6, 6, 25}}));
+    set_.Forget();
+    dialog_.FilterSettled();
+    EXPECT_EQ(set_.Statements().size(), 1U);
+    EXPECT_EQ(view_.shown.warning, "");
+}
+
+class PatternsTest : public FrmAutoVchTest {
+  protected:
+    void SetUp() override {
+        FrmAutoVchTest::SetUp();
+        std::vector<std::vector<Variant>> rows;
+        for (const int number : {2, 2, 3, 3, 7}) {
+            rows.push_back(VoucherRow(number, "摘要" + std::to_string(number), 0));
+            if (rows.size() % 2 == 0) {
+                rows.back()[2] = 0;
+                rows.back()[4] = "1001";
+            }
+        }
+        set_.Answer("a.FNumber as FNo,b.FExplanation", Rows(VoucherColumns(), rows));
+        set_.Answer("t_VchTemplateEntry e on e.FID = t.FID",
+                    Rows({"FID", "FName", "FNo", "FDC", "FAccountNumber"},
+                         {{4, "日常", 8, 0, "1001"}, {4, "日常", 8, 1, "1002.01"}, {4, "日常", 9, 1, "5"}}));
+    }
+};
+
+TEST_F(PatternsTest, AreListedByHowOftenTheyOccurredWithWhatIsThereAlready) {
+    dialog_.ChoosePatterns();
+    ASSERT_EQ(view_.patterns.size(), 2U);
+    EXPECT_EQ(view_.patterns[0].numbers, (Texts{"2", "3"}));
+    EXPECT_EQ(view_.patterns[0].explanation, "摘要2");
+    EXPECT_EQ(view_.patterns[0].lines, (Texts{"借1002.01", "贷1001"}));
+    EXPECT_EQ(view_.patterns[0].words, "借1002.01 工行；贷1001 工行");
+    EXPECT_EQ(view_.patterns[0].alike, "与“日常” 8 号相同");
+    EXPECT_EQ(view_.patterns[1].numbers, Texts{"7"});
+    EXPECT_EQ(view_.patterns[1].alike, "");
+}
+
+TEST_F(PatternsTest, WhatIsNotTickedIsLeftOutOfTheBatchAndNothingElseChanges) {
+    view_.leaveOut = {"2", "7"};
+    dialog_.ChoosePatterns();
+    EXPECT_EQ(view_.shown.selected, "将生成 4 个凭证模板编号（6 张凭证，25 条分录），其中 2 个不生成");
+    dialog_.SetTemplateName("三月");
+    dialog_.Command(0);
+    std::string batch;
+    for (const std::string& sql : set_.Statements()) {
+        if (sql.find("@Vch_cursor") != std::string::npos) batch = sql;
+    }
+    EXPECT_NE(batch.find("values(@MaxFID,1,3,"), std::string::npos) << batch;
+    EXPECT_NE(batch.find("values(@MaxFID,2,3,"), std::string::npos);
+    EXPECT_EQ(batch.find("values(@MaxFID,3,"), std::string::npos);
+    dialog_.ChoosePatterns();
+    EXPECT_EQ(view_.leftOutBefore, (LeftOut{"2", "7"}));
+}
+
+TEST_F(PatternsTest, AreForgottenWithTheFilterAndWhereTheUserThinksBetterOfIt) {
+    view_.leaveOut = {"2"};
+    view_.keeps = false;
+    dialog_.ChoosePatterns();
+    view_.keeps = true;
+    dialog_.ChoosePatterns();
+    EXPECT_TRUE(view_.leftOutBefore.empty());
+    dialog_.SelectGroup(1);
+    dialog_.ChoosePatterns();
+    EXPECT_TRUE(view_.leftOutBefore.empty());
+}
+
+TEST_F(PatternsTest, WithNothingLeftNothingIsGenerated) {
+    view_.leaveOut = {"2", "3", "7"};
+    dialog_.ChoosePatterns();
+    dialog_.SetTemplateName("三月");
+    dialog_.Command(0);
+    EXPECT_EQ(surroundings_.messageBoxes->Texts(), Texts{"没有选择要生成的凭证，凭证模板生成失败！"});
+    EXPECT_EQ(view_.unloaded, 0);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -219,6 +220,36 @@ TEST_F(GenerationWayTest, CancelledInTheDialogItLeavesEverythingAsItWas) {
     EXPECT_THAT(TakeMessages(), ElementsAre());
     EXPECT_EQ(Number("select count(*) from t_VchTemplate"), templates);
     EXPECT_EQ(Lines(), before);
+}
+
+TEST_F(GenerationWayTest, VouchersThatWouldMergeAreWarnedOfAndWhatIsNotTickedIsLeftOut) {
+    WhenModal("frmAutoVch", [&](QDialog& dialog) {
+        TypeInto(dialog, "txtPeriod0", "2026");
+        TypeInto(dialog, "txtPeriod1", "10");
+        TypeInto(dialog, "txtPeriod2", "1");
+        TypeInto(dialog, "txtPeriod3", "4");
+        auto* warning = dialog.findChild<QLabel*>("lblMerged");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return warning->text().contains("（1、2、3、4）"); }))
+            << warning->text().toStdString();
+        EXPECT_TRUE(warning->isVisible());
+        Click(dialog, "cmdOneGroup");
+        EXPECT_FALSE(warning->isVisible());
+        EXPECT_NE(dialog.findChild<QComboBox*>("cmbCheckState")->currentIndex(), 0);
+        WhenModal("frmPatterns", [](QDialog& patterns) {
+            auto* table = patterns.findChild<QTableWidget*>("patterns");
+            ASSERT_GT(table->rowCount(), 0);
+            Click(patterns, "cmdNone");
+            table->item(0, 0)->setCheckState(Qt::Checked);
+            Click(patterns, "cmdOK");
+        });
+        Click(dialog, "cmdPatterns");
+        EXPECT_TRUE(dialog.findChild<QLabel*>("lblSelected")->text().contains("个不生成"));
+        TypeInto(dialog, "txtVchTpName", "Picked");
+        Click(dialog, "Command0");
+    });
+    ClickTool("mnuAutoVch");
+    EXPECT_EQ(window->Presenter().TemplateName(), "Picked");
+    EXPECT_GT(window->Presenter().RowCount(), 0);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "ui/dialogs/column_dialog.h"
+#include "ui/dialogs/pattern_dialog.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
@@ -49,6 +50,9 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     generate_ = new QPushButton(QStringLiteral("生成(&O)"), this);
     generate_->setObjectName(QStringLiteral("Command0"));
     generate_->setDefault(true);
+    patterns_ = new QPushButton(QStringLiteral("预览(&P)…"), this);
+    patterns_->setObjectName(QStringLiteral("cmdPatterns"));
+    patterns_->setAutoDefault(false);
     auto* cancel = new QPushButton(QStringLiteral("取消(&C)"), this);
     cancel->setObjectName(QStringLiteral("Command2"));
     cancel->setAutoDefault(false);
@@ -60,6 +64,7 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(progress_, 1);
     buttons->addStretch();
+    buttons->addWidget(patterns_);
     buttons->addWidget(generate_);
     buttons->addWidget(cancel);
     auto* layout = new QVBoxLayout(this);
@@ -68,6 +73,7 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     layout->addWidget(filter_);
     layout->addLayout(nameRow);
     layout->addWidget(selected_);
+    layout->addLayout(BuildWarning());
     layout->addLayout(buttons);
     setMinimumWidth(460);
     FrameDialog(*this);
@@ -78,6 +84,7 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     connect(name_, &QLineEdit::textEdited, this,
             [this](const QString& text) { Guarded([&] { form_.SetTemplateName(FromQt(text)); }); });
     connect(columns_, &QPushButton::clicked, this, [this] { Guarded([this] { form_.ChooseColumns(); }); });
+    connect(patterns_, &QPushButton::clicked, this, [this] { Guarded([this] { form_.ChoosePatterns(); }); });
     connect(generate_, &QPushButton::clicked, this, [this] { RunCommand(kGenerate); });
     connect(cancel, &QPushButton::clicked, this, &AutoVchDialog::reject);
     Guarded([this] { form_.Load(); });
@@ -135,6 +142,25 @@ QWidget* AutoVchDialog::BuildFilter() {
         FilterChanged();
     });
     return frame;
+}
+
+// Seen only while vouchers of several groups would be merged.
+QLayout* AutoVchDialog::BuildWarning() {
+    warning_ = new QLabel(this);
+    warning_->setObjectName(QStringLiteral("lblMerged"));
+    warning_->setWordWrap(true);
+    warning_->setTextFormat(Qt::PlainText);
+    warning_->setStyleSheet(QStringLiteral("color: #c00000;"));
+    warning_->hide();
+    oneGroup_ = new QPushButton(this);
+    oneGroup_->setObjectName(QStringLiteral("cmdOneGroup"));
+    oneGroup_->setAutoDefault(false);
+    oneGroup_->hide();
+    connect(oneGroup_, &QPushButton::clicked, this, [this] { Guarded([this] { form_.TakeOneGroup(); }); });
+    auto* row = new QHBoxLayout;
+    row->addWidget(warning_, 1);
+    row->addWidget(oneGroup_);
+    return row;
 }
 
 QWidget* AutoVchDialog::BuildUpDown(autovch::Box box, const char* name) {
@@ -203,6 +229,10 @@ void AutoVchDialog::Show(const autovch::AutoVchState& state) {
     groups_->setCurrentIndex(static_cast<int>(state.group));
     system_->setChecked(state.includeSystem);
     selected_->setText(ToQt(state.selected));
+    warning_->setText(ToQt(state.warning));
+    warning_->setVisible(!state.warning.empty());
+    oneGroup_->setText(QStringLiteral("只选“%1”(&G)").arg(ToQt(state.oneGroup)));
+    oneGroup_->setVisible(!state.oneGroup.empty());
     showing_ = false;
 }
 
@@ -232,13 +262,21 @@ void AutoVchDialog::HideProgress() {
 }
 
 void AutoVchDialog::EnableInputs(bool enabled) {
-    for (QWidget* input : std::initializer_list<QWidget*>{filter_, name_, columns_, generate_})
+    for (QWidget* input :
+         std::initializer_list<QWidget*>{filter_, name_, columns_, patterns_, oneGroup_, generate_})
         input->setEnabled(enabled);
 }
 
 void AutoVchDialog::ShowColumnDialog(dialogs::frmSetColume& dialog) {
     ColumnDialog window(dialog, this);
     window.exec();
+}
+
+bool AutoVchDialog::ShowPatterns(const autovch::GenerationPreview& preview, autovch::LeftOut& without) {
+    PatternDialog window(preview, without, this);
+    if (window.exec() != QDialog::Accepted) return false;
+    without = window.Without();
+    return true;
 }
 
 void AutoVchDialog::reject() {

@@ -36,9 +36,11 @@ class AutoVchDialog : public QDialog, private autovch::AutoVchView {
     bool ShowProgress(std::int64_t done, std::int64_t all) override;
     void HideProgress() override;
     void ShowColumnDialog(dialogs::frmSetColume& dialog) override;
+    bool ShowPatterns(const autovch::GenerationPreview& preview, autovch::LeftOut& without) override;
     void Unload() override;
 
     QWidget* BuildFilter();
+    QLayout* BuildWarning();
     QWidget* BuildUpDown(autovch::Box box, const char* name);
     void BoxEdited(autovch::Box box);
     void FilterChanged();
@@ -53,6 +55,9 @@ class AutoVchDialog : public QDialog, private autovch::AutoVchView {
     QLineEdit* name_ = nullptr;
     QPushButton* columns_ = nullptr;
     QLabel* selected_ = nullptr;
+    QLabel* warning_ = nullptr;
+    QPushButton* oneGroup_ = nullptr;
+    QPushButton* patterns_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QWidget* filter_ = nullptr;
     QPushButton* generate_ = nullptr;
