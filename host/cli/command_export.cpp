@@ -4,11 +4,11 @@
 #include <set>
 
 #include "automation/error.h"
-#include "center/frame/window_state.h"
 #include "entry/host_services.h"
 #include "exchange/excel_access.h"
 #include "exchange/export_template.h"
 #include "host/cli/context.h"
+#include "host/cli/empty_workbook.h"
 #include "host/cli/templates.h"
 #include "host/cli/windowless_template.h"
 #include "platform/system/file_names.h"
@@ -31,18 +31,11 @@ std::string FileNameOf(const std::string& templateName, std::set<std::string>& t
     return result;
 }
 
-bool MayReplace(const std::string& file) {
-    std::error_code ignored;
-    if (!fs::exists(PathFromUtf8(file), ignored)) return true;
-    return center::Ask("文件已存在，是否替换？\r\n\r\n" + file, system::MessageButtons::YesNo) ==
-           system::MessageResult::Yes;
-}
-
 bool Export(const CliContext& context, const TemplateHead& head, const std::string& file) {
     entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-引出模板");
     WindowlessTemplate window(head);
     // What cannot be replaced is not asked about.
-    if (exchange::WhyNotWorkbookTarget(file).empty() && !MayReplace(file)) return false;
+    if (exchange::WhyNotWorkbookTarget(file).empty() && !MayReplaceFile(file)) return false;
     const exchange::ExportOutcome outcome = exchange::ExportTemplateTo(window, file);
     if (!outcome.untold.empty()) {
         Fail(context, "工作簿未能写入：" + file + "\n  " + outcome.untold);
@@ -55,6 +48,7 @@ bool Export(const CliContext& context, const TemplateHead& head, const std::stri
 
 int RunExport(const CliContext& context) {
     const CliOptions& options = context.options;
+    if (!options.emptyWorkbook.empty()) return RunExportEmpty(context);
     VariantArray written;
     bool ok = true;
     const auto take = [&](const TemplateHead& head, const std::string& file) {

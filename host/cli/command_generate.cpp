@@ -1,6 +1,7 @@
 // vicenter generate: a template from posted vouchers, with the dialog's checks, question and messages.
 
 #include <algorithm>
+#include <ostream>
 
 #include "automation/error.h"
 #include "autovch/generation.h"
@@ -22,6 +23,37 @@ autovch::VoucherFilter Filter(const GenerateOptions& options) {
     return filter;
 }
 
+int PrintPreview(const CliContext& context, const autovch::VoucherFilter& filter) {
+    const autovch::GenerationPreview preview = autovch::PreviewGeneration(filter);
+    if (!preview.problem.empty()) return Fail(context, preview.problem);
+    const autovch::MergedNumbers merged = autovch::FindMergedNumbers(filter);
+    if (context.options.json) {
+        VariantArray patterns;
+        for (const autovch::VoucherPattern& pattern : preview.patterns) {
+            patterns.push_back(
+                JsonObject({{"numbers", VariantArray(pattern.numbers.begin(), pattern.numbers.end())},
+                            {"occurrences", static_cast<std::int32_t>(pattern.Occurrences())},
+                            {"FExp", pattern.explanation},
+                            {"lines", VariantArray(pattern.lines.begin(), pattern.lines.end())},
+                            {"alike", pattern.alike}}));
+        }
+        PrintJson(context,
+                  JsonObject({{"patterns", patterns},
+                              {"merged", VariantArray(merged.numbers.begin(), merged.numbers.end())},
+                              {"groups", VariantArray(merged.groups.begin(), merged.groups.end())}}));
+        return kExitDone;
+    }
+    std::ostream& out = context.streams.out;
+    if (!merged.numbers.empty()) out << "注意：" << merged.Warning() << "\n";
+    for (const autovch::VoucherPattern& pattern : preview.patterns) {
+        out << pattern.Occurrences() << " 次\t编号 " << autovch::ListOfNumbers(pattern.numbers) << "\t"
+            << pattern.explanation << "\t" << pattern.words;
+        if (!pattern.alike.empty()) out << "\t" << pattern.alike;
+        out << "\n";
+    }
+    return kExitDone;
+}
+
 }  // namespace
 
 int RunGenerate(const CliContext& context) {
@@ -35,9 +67,16 @@ int RunGenerate(const CliContext& context) {
                                     "凭证类别不存在：" + options.group);
         }
     }
+    const autovch::VoucherFilter filter = Filter(options);
+    if (context.options.dryRun) return PrintPreview(context, filter);
     entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-通过凭证生成模板");
-    const autovch::GenerationRequest request{
-        Filter(options), context.options.name, {options.fields.begin(), options.fields.end()}};
+    const autovch::GenerationRequest request{filter,
+                                             context.options.name,
+                                             {options.fields.begin(), options.fields.end()},
+                                             {options.without.begin(), options.without.end()}};
+    const autovch::MergedNumbers merged = autovch::FindMergedNumbers(filter);
+    if (!merged.numbers.empty() && !context.options.json)
+        context.streams.err << "注意：" << merged.Warning() << "\n";
     const autovch::GenerationResult result = autovch::Generate(request);
     Variant data = Variant::Null();
     if (result.outcome) {

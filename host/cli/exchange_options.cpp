@@ -17,8 +17,15 @@ void AddExportCommand(CLI::App& app, CliOptions& options) {
             ->add_option("--all", options.exportFolder, "引出全部模板到文件夹 / every template into FOLDER")
             ->check(kNotEmpty);
     all->excludes(name);
-    exporting->callback([&options, name, all] {
-        if (name->count() == 0 && all->count() == 0) throw CLI::RequiredError("NAME FILE, --all FOLDER");
+    auto* empty = exporting
+                      ->add_option("--empty", options.emptyWorkbook,
+                                   "空白工作簿，带表头、下拉列表和批注 / a workbook to start from: headers, "
+                                   "drop-downs, notes")
+                      ->check(kNotEmpty);
+    empty->excludes(name)->excludes(all);
+    exporting->callback([&options, name, all, empty] {
+        if (name->count() == 0 && all->count() == 0 && empty->count() == 0)
+            throw CLI::RequiredError("NAME FILE, --all FOLDER, --empty FILE");
         options.command = CliCommand::Export;
     });
 }
@@ -30,6 +37,17 @@ void AddImportCommand(CLI::App& app, CliOptions& options) {
         ->check(kNotEmpty);
     importing->add_flag("--dry-run", options.dryRun,
                         "只显示将有哪些变化，不引入 / print what would change, import nothing");
+    importing->add_flag("--tidy", options.tidy,
+                        "略过表头以上的行和空行 / pass over rows above the header and blank rows");
+    importing
+        ->add_option("--marked-copy", options.markedCopy,
+                     "未引入时另存标错副本；引入文件夹时为文件夹 / a refused workbook's copy with its faults "
+                     "marked; of a folder a folder")
+        ->check(kNotEmpty);
+    importing
+        ->add_option("--report", options.report,
+                     "把结果写入工作簿 / what became of every file, as a workbook")
+        ->check(kNotEmpty);
     importing->callback([&options] { options.command = CliCommand::Import; });
 }
 
@@ -37,7 +55,7 @@ void AddGenerateCommand(CLI::App& app, CliOptions& options) {
     GenerateOptions& generate = options.generate;
     CLI::App* added =
         app.add_subcommand("generate", "根据凭证生成模板 / make a template from posted vouchers");
-    added->add_option("--name", options.name, "模板名称 / template")->required();
+    auto* name = added->add_option("--name", options.name, "模板名称 / template");
     added->add_option("--year", generate.year, "年度 / year")->required()->check(kDigits);
     added->add_option("--period", generate.period, "期间 / period")->required()->check(kDigits);
     auto* from = added->add_option("--from", generate.from, "起始凭证号 / first voucher number");
@@ -47,7 +65,13 @@ void AddGenerateCommand(CLI::App& app, CliOptions& options) {
     added->add_option("--fields", generate.fields, "模板字段列号 / columns of optional fields")
         ->delimiter(',')
         ->check(CLI::IsMember({7, 9, 10, 11, 13, 14, 15, 17, 18, 19, 20}));
-    added->callback([&options, from, to] {
+    added->add_option("--without", generate.without, "不生成的模板编号 / template numbers that are left out")
+        ->delimiter(',')
+        ->check(kDigits);
+    added->add_flag("--dry-run", options.dryRun,
+                    "只列出将生成的凭证，不生成 / list the vouchers by pattern, make nothing");
+    added->callback([&options, name, from, to] {
+        if (name->count() == 0 && !options.dryRun) throw CLI::RequiredError("--name");
         if (to->count() > 0 && from->count() == 0)
             throw CLI::ValidationError("--to", "须与 --from 一起使用，例如：--from 1 --to 20 / needs --from");
         options.command = CliCommand::Generate;

@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include "automation/error.h"
-#include "platform/system/collation.h"
 #include "platform/system/files.h"
 #include "text/ascii.h"
 
@@ -54,14 +53,6 @@ FilesToImport FindFilesToImport(const std::string& given) {
     return found;
 }
 
-std::string NamesOfFolder::WhyNot(const std::string& file) {
-    const std::string name = PathToUtf8(PathFromUtf8(file).stem());
-    const auto [place, isNew] = files_.try_emplace(system::Collator::Chinese().Fold(name), file);
-    if (isNew) return {};
-    return "引入模板失败！文件夹中有同名的工作簿“" + PathToUtf8(PathFromUtf8(place->second).filename()) +
-           "”，请分别引入或改名！";
-}
-
 VariantArray FaultObjects(const std::vector<LineFault>& faults) {
     VariantArray list;
     for (const LineFault& fault : faults) {
@@ -76,7 +67,8 @@ VariantArray FaultObjects(const std::vector<LineFault>& faults) {
 
 std::string FaultSentence(const LineFault& fault) {
     const std::string value = fault.value.empty() ? "" : " “" + fault.value + "”";
-    return "第 " + std::to_string(fault.row) + " 行 " + fault.header + value + "：" + fault.reason;
+    const std::string column = fault.header.empty() ? "" : " " + fault.header;
+    return "第 " + std::to_string(fault.row) + " 行" + column + value + "：" + fault.reason;
 }
 
 }  // namespace vicenter::host

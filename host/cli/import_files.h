@@ -2,7 +2,6 @@
 
 // The workbooks that an import on the command line is given: one, or those of a folder.
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -19,17 +18,6 @@ struct FilesToImport {
 
 // Throws automation::Error for a folder that cannot be read or holds no workbook.
 FilesToImport FindFilesToImport(const std::string& given);
-
-// Two files of a folder that would become one template ("a.xls", "a.xlsx"): the second must not replace what
-// the first has just brought.
-class NamesOfFolder {
-  public:
-    // Why the file is not imported; empty when no file of its name came before.
-    std::string WhyNot(const std::string& file);
-
-  private:
-    std::map<std::string, std::string> files_;
-};
 
 VariantArray FaultObjects(const std::vector<store::LineFault>& faults);
 // "第 3 行 附件数 “x”：必须是整数"

@@ -4,6 +4,7 @@
 
 #include "exchange/excel_access.h"
 #include "exchange/import_preview.h"
+#include "exchange/import_several.h"
 #include "host/cli/differences.h"
 #include "host/cli/windowless_template.h"
 #include "platform/system/files.h"
@@ -17,7 +18,7 @@ using system::PathToUtf8;
 
 namespace {
 
-ImportPreview Preview(const std::string& file, const std::string& whyNot) {
+ImportPreview Preview(const std::string& file, const std::string& whyNot, bool tidily) {
     ImportPreview preview;
     preview.file = file;
     if (!whyNot.empty()) {
@@ -25,7 +26,7 @@ ImportPreview Preview(const std::string& file, const std::string& whyNot) {
         return preview;
     }
     WindowlessTemplate window;
-    return exchange::PreviewImport(window, file, exchange::FindImportDestination(file));
+    return exchange::PreviewImport(window, file, exchange::FindImportDestination(file), tidily);
 }
 
 Variant SideObject(const NumberTotals::Side& side) {
@@ -91,10 +92,10 @@ void Print(std::ostream& out, const ImportPreview& preview) {
 int RunImportPreview(const CliContext& context, const FilesToImport& files) {
     if (!exchange::IsExcelInstalled()) return Fail(context, "检测当前系统未安装Excel，引入失败！");
     VariantArray previews;
-    NamesOfFolder names;
+    exchange::NamesOnce names;
     bool ok = true;
     for (const std::string& file : files.files) {
-        const ImportPreview preview = Preview(file, names.WhyNot(file));
+        const ImportPreview preview = Preview(file, names.WhyNot(file), context.options.tidy);
         ok = ok && preview.refusal.empty();
         if (context.options.json) {
             previews.push_back(PreviewObject(preview));

@@ -48,7 +48,8 @@ struct GenerateOptions {
     std::string to;     // empty: its highest
     std::string group;  // empty: all groups
     bool includeSystem = false;
-    std::vector<int> fields;  // grid columns of the optional fields
+    std::vector<int> fields;           // grid columns of the optional fields
+    std::vector<std::string> without;  // template numbers that are left out
 };
 
 // One code for another in all templates.
@@ -78,6 +79,9 @@ struct CliOptions {
     std::string file;     // account-set …, sql, export, import
     bool demo = false;
     bool dryRun = false;
+    bool tidy = false;       // import: rows above the header and blank rows are passed over
+    std::string markedCopy;  // import --marked-copy
+    std::string report;      // import --report
     int vouchers = 0;
     std::string version;          // history, restore: of a template
     std::optional<int> keepDays;  // history: the rule
@@ -87,6 +91,7 @@ struct CliOptions {
     std::string windowFile;             // window: the account set, as a desktop names it
     std::string sessionFolder;          // window --offscreen-session
     std::string exportFolder;           // export --all
+    std::string emptyWorkbook;          // export --empty
     std::string excelVersion = "16.0";  // of the workbook server; "none": not installed
     GenerateOptions generate;
     store::LogFilter log;

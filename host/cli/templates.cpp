@@ -1,11 +1,15 @@
 #include "host/cli/templates.h"
 
+#include <filesystem>
+
 #include "automation/error.h"
 #include "center/editing/cell_checks.h"
+#include "center/frame/window_state.h"
 #include "center/grid/columns.h"
 #include "center/template/line_loader.h"
 #include "entry/single_line.h"
 #include "platform/system/collation.h"
+#include "platform/system/files.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/template_rows.h"
@@ -70,6 +74,13 @@ std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row) {
         if (faulty) fields.emplace_back(spec.field);
     }
     return fields;
+}
+
+bool MayReplaceFile(const std::string& file) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(system::PathFromUtf8(file), ignored)) return true;
+    return center::Ask("文件已存在，是否替换？\r\n\r\n" + file, system::MessageButtons::YesNo) ==
+           system::MessageResult::Yes;
 }
 
 VariantArray ReadControlRows(const std::string& templateId) {

@@ -38,6 +38,9 @@ bool FitsColumn(const center::ColumnSpec& spec, std::string_view text);
 // The fields of a row's red cells and of values outside of what their column takes, in column order.
 std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row);
 
+// Whether the user lets a file that is there be replaced.
+bool MayReplaceFile(const std::string& file);
+
 // Control rows of a template as JSON, ordered by template number.
 VariantArray ReadControlRows(const std::string& templateId);
 
