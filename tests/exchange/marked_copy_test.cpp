@@ -18,12 +18,21 @@ class MarkedCopyTest : public ExchangeTest {
   protected:
     void SetUp() override {
         ExchangeTest::SetUp();
-        set_.Answer("select FID from t_VchTemplate where FName = '坏的'", Rows({"FID"}, {{8}}));
+        NoTemplateYet();
+    }
+    // From the first batch on the template can be found by its name.
+    void NoTemplateYet() {
+        set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}));
         set_.Answer("from t_VchTpControl where FIsCanUsed", Rows({"FNo"}));
+        set_.Respond("@Vch_cursor", [this](const std::string&) {
+            set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{8}}));
+            return Rows({});
+        });
     }
     ImportOutcome Import(const std::string& file, bool tidily = false) {
         surroundings_.messageBoxes->shown.clear();
         set_.Forget();
+        NoTemplateYet();
         return ImportTemplateFile(window_, file, tidily);
     }
     // The lines of the batch that an import has sent: what stands behind the line's id.
