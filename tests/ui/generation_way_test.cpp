@@ -14,6 +14,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
+#include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -222,24 +223,46 @@ TEST_F(GenerationWayTest, CancelledInTheDialogItLeavesEverythingAsItWas) {
     EXPECT_EQ(Lines(), before);
 }
 
-TEST_F(GenerationWayTest, VouchersThatWouldMergeAreWarnedOfAndWhatIsNotTickedIsLeftOut) {
-    WhenModal("frmAutoVch", [&](QDialog& dialog) {
-        TypeInto(dialog, "txtPeriod0", "2026");
-        TypeInto(dialog, "txtPeriod1", "10");
-        TypeInto(dialog, "txtPeriod2", "1");
-        TypeInto(dialog, "txtPeriod3", "4");
+class FilteredGenerationTest : public GenerationWayTest {
+  protected:
+    // The dialog with October's first vouchers of all groups, and the steps in it.
+    void WithOctober(const std::function<void(QDialog&)>& steps) {
+        WhenModal("frmAutoVch", [&](QDialog& dialog) {
+            TypeInto(dialog, "txtPeriod0", "2026");
+            TypeInto(dialog, "txtPeriod1", "10");
+            TypeInto(dialog, "txtPeriod2", "1");
+            TypeInto(dialog, "txtPeriod3", "4");
+            steps(dialog);
+        });
+        ClickTool("mnuAutoVch");
+    }
+};
+
+TEST_F(FilteredGenerationTest, VouchersThatWouldMergeAreWarnedOfAndOneGroupIsOffered) {
+    WithOctober([](QDialog& dialog) {
         auto* warning = dialog.findChild<QLabel*>("lblMerged");
-        EXPECT_TRUE(QTest::qWaitFor([&] { return warning->text().contains("（1、2、3、4）"); }))
+        auto* oneGroup = dialog.findChild<QPushButton*>("cmdOneGroup");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return warning->isVisible(); }));
+        EXPECT_TRUE(warning->text().startsWith("不同类别的凭证有相同的凭证号（1"))
             << warning->text().toStdString();
-        EXPECT_TRUE(warning->isVisible());
+        EXPECT_TRUE(oneGroup->isVisible());
         Click(dialog, "cmdOneGroup");
         EXPECT_FALSE(warning->isVisible());
+        EXPECT_FALSE(oneGroup->isVisible());
         EXPECT_NE(dialog.findChild<QComboBox*>("cmbCheckState")->currentIndex(), 0);
-        WhenModal("frmPatterns", [](QDialog& patterns) {
+    });
+}
+
+TEST_F(FilteredGenerationTest, WhatIsNotTickedInThePreviewIsNotGenerated) {
+    std::set<std::string> wanted;
+    WithOctober([&](QDialog& dialog) {
+        WhenModal("frmPatterns", [&](QDialog& patterns) {
             auto* table = patterns.findChild<QTableWidget*>("patterns");
-            ASSERT_GT(table->rowCount(), 0);
+            ASSERT_GT(table->rowCount(), 1);
             Click(patterns, "cmdNone");
             table->item(0, 0)->setCheckState(Qt::Checked);
+            for (const QString& number : table->item(0, 1)->text().split(u'、'))
+                wanted.insert(number.toStdString());
             Click(patterns, "cmdOK");
         });
         Click(dialog, "cmdPatterns");
@@ -247,9 +270,11 @@ TEST_F(GenerationWayTest, VouchersThatWouldMergeAreWarnedOfAndWhatIsNotTickedIsL
         TypeInto(dialog, "txtVchTpName", "Picked");
         Click(dialog, "Command0");
     });
-    ClickTool("mnuAutoVch");
     EXPECT_EQ(window->Presenter().TemplateName(), "Picked");
-    EXPECT_GT(window->Presenter().RowCount(), 0);
+    std::set<std::string> numbers;
+    for (int row = 1; row <= window->Presenter().RowCount(); ++row)
+        numbers.insert(Text(row, column::kNo));
+    EXPECT_EQ(numbers, wanted);
 }
 
 }  // namespace
