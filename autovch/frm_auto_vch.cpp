@@ -111,7 +111,6 @@ VoucherFilter frmAutoVch::Filter() const {
 }
 
 void frmAutoVch::FilterSettled() {
-    without_.clear();
     Describe();
     view_.Show(state_);
 }
