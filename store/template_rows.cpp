@@ -43,8 +43,10 @@ ado::RecordsetRef ReadControlRows(const std::string& templateId) {
         " order by FNo");
 }
 
-bool CanReadColumnProfile(const std::string& userId) {
-    return GetRecordset("select FValue from t_VchTpProfile where FUserID = " + userId) != nullptr;
+std::optional<std::string> ReadColumnProfile(const std::string& userId) {
+    const auto rows = GetRecordset("select FValue from t_VchTpProfile where FUserID = " + userId);
+    if (!rows) return std::nullopt;
+    return rows->AtEnd() ? std::string() : rows->Value("FValue").ToTextOrEmpty();
 }
 
 void SaveColumnProfile(const std::string& userId, const std::string& profile) {

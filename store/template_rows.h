@@ -21,8 +21,8 @@ std::string CountLinesSql(const std::string& templateId);
 // FNo, FUseFrequency, FKey, FFileCount and FIsCanUsed of every number; no recordset on an error.
 ado::RecordsetRef ReadControlRows(const std::string& templateId);
 
-// Whether the user's column profile can be read, whatever it is.
-bool CanReadColumnProfile(const std::string& userId);
+// The user's column profile, empty where none is stored; nothing when it cannot be read.
+std::optional<std::string> ReadColumnProfile(const std::string& userId);
 // An error is shown to the user.
 void SaveColumnProfile(const std::string& userId, const std::string& profile);
 

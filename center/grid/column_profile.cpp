@@ -93,9 +93,14 @@ void ApplyColumnOrder(EntryGrid& grid, const std::string& order) {
 }
 
 void ColumnProfile::Apply() {
-    const std::string profile = store::clsVIData().GetVchTpProfileByUserID(state_.userId);
-    // An empty text may be what is stored, or an answer that never came.
-    unreadable_ = profile.empty() && !store::CanReadColumnProfile(state_.userId);
+    std::string profile = store::clsVIData().GetVchTpProfileByUserID(state_.userId);
+    unreadable_ = false;
+    if (profile.empty()) {
+        // What is stored may be empty, or the answer never came: what counts is what a second question says.
+        const std::optional<std::string> stored = store::ReadColumnProfile(state_.userId);
+        unreadable_ = !stored;
+        profile = stored.value_or(std::string());
+    }
     ApplyProfile(*state_.grid, profile);
 }
 

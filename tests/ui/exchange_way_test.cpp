@@ -260,12 +260,12 @@ class FaultMenuTest : public ExchangeWayTest {
         QApplication::sendEvent(List().viewport(), &event);
         EXPECT_TRUE(chosen);
     }
-    void SetCell(const std::string& file, std::uint32_t row, std::uint32_t column, std::string_view text) {
-        const auto workbook = office::ReadWorkbook(file);
+    void SetCell(const std::string& name, std::uint32_t row, std::uint32_t column, std::string_view text) {
+        const auto workbook = office::ReadWorkbook(name);
         office::Cell& cell = workbook->FindSheet(exchange::kSheetName)->At(row, column);
         cell.kind = office::CellKind::Text;
         cell.text = workbook->Texts().Intern(text);
-        office::WriteWorkbook(*workbook, file, office::FileKind::Xlsx);
+        office::WriteWorkbook(*workbook, name, office::FileKind::Xlsx);
     }
 };
 
