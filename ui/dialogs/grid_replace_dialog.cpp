@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "center/grid/columns.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -27,7 +28,6 @@ GridReplaceDialog::GridReplaceDialog(center::GridReplace& replace, QWidget* pare
       count_(new QLabel(this)) {
     setObjectName(QStringLiteral("frmReplace"));
     setWindowTitle(QStringLiteral("替换"));
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     column_->setObjectName(QStringLiteral("column"));
     text_->setObjectName(QStringLiteral("text"));
     with_->setObjectName(QStringLiteral("with"));
@@ -57,6 +57,7 @@ GridReplaceDialog::GridReplaceDialog(center::GridReplace& replace, QWidget* pare
     grid->addWidget(count_, 4, 0, 1, 2);
     grid->addLayout(Buttons(), 0, 2, 5, 1);
     layout()->setSizeConstraint(QLayout::SetFixedSize);
+    FrameDialog(*this);
     for (QLineEdit* field : {text_, with_})
         connect(field, &QLineEdit::textChanged, this, &GridReplaceDialog::ShowCount);
     connect(column_, &QComboBox::currentIndexChanged, this, &GridReplaceDialog::ShowCount);

@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -26,7 +27,6 @@ LogDialog::LogDialog(center::OperationLog& log, QWidget* parent)
       kind_(new QComboBox(this)) {
     setObjectName(QStringLiteral("frmLog"));
     setWindowTitle(QStringLiteral("操作日志"));
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     note_->setObjectName(QStringLiteral("note"));
     entries_->setObjectName(QStringLiteral("entries"));
     entries_->setAccessibleName(QStringLiteral("操作日志"));
@@ -53,7 +53,7 @@ LogDialog::LogDialog(center::OperationLog& log, QWidget* parent)
     layout->addLayout(Filter());
     layout->addWidget(entries_, 1);
     layout->addLayout(bottom);
-    resize(820, 520);
+    FrameDialog(*this, QSize(820, 520));
     ShowEntries();
     template_->setFocus();
 }

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 
@@ -22,7 +23,6 @@ std::optional<std::string> AskForName(const std::string& caption, const std::str
     QDialog dialog(parent);
     dialog.setObjectName(QStringLiteral("frmName"));
     dialog.setWindowTitle(ToQt(caption));
-    dialog.setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     auto* name = new QLineEdit(ToQt(proposed), &dialog);
     name->setObjectName(QStringLiteral("name"));
     name->setMinimumWidth(kBoxWidth);
@@ -46,6 +46,7 @@ std::optional<std::string> AskForName(const std::string& caption, const std::str
     layout->addWidget(label);
     layout->addWidget(name);
     layout->addLayout(buttons);
+    FrameDialog(dialog);
     QObject::connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
     QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
     if (dialog.exec() != QDialog::Accepted) return std::nullopt;

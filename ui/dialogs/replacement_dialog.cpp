@@ -8,6 +8,7 @@
 
 #include "store/template_columns.h"
 #include "ui/look/center_style.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -55,7 +56,6 @@ ReplacementDialog::ReplacementDialog(center::CodeReplacement& replacement, QWidg
       note_(new QLabel(this)) {
     setObjectName(QStringLiteral("frmReplaceCodes"));
     setWindowTitle(QStringLiteral("在全部模板中替换代码"));
-    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     note_->setObjectName(QStringLiteral("note"));
     lines_->setObjectName(QStringLiteral("lines"));
     lines_->setAccessibleName(QStringLiteral("将要替换的分录"));
@@ -74,7 +74,7 @@ ReplacementDialog::ReplacementDialog(center::CodeReplacement& replacement, QWidg
     layout->addWidget(lines_, 1);
     layout->addWidget(note_);
     layout->addLayout(Buttons());
-    resize(860, 520);
+    FrameDialog(*this, QSize(860, 520));
     ShowLines();
     from_->setFocus();
 }

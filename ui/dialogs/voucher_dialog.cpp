@@ -78,8 +78,7 @@ void VoucherDialog::FillLines(QTableWidget& table) const {
         for (int row = 0; row < table.rowCount(); ++row) {
             auto* item =
                 new QTableWidgetItem(ToQt(rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(c)]));
-            item->setTextAlignment(
-                (column.figures ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+            item->setTextAlignment((column.figures ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
             item->setToolTip(ToolTipText(item->text()));
             if (row + 1 == table.rowCount()) {
                 QFont bold = table.font();
