@@ -8,6 +8,7 @@
 
 #include "center/editing/cell_rules.h"
 #include "center/editing/copied_block.h"
+#include "center/editing/pattern_command.h"
 #include "center/grid/cell_selection.h"
 #include "center/grid/number_bands.h"
 
@@ -16,6 +17,8 @@ namespace vicenter::center {
 // Helps that every user may do without; remembered for him.
 enum class EntryAid {
     Proposals,  // of the next row
+    PassingBy,  // cells that the account has no use for
+    Freezing,   // the first columns stay in sight
 };
 
 class GridActions {
@@ -54,6 +57,19 @@ class GridActions {
     virtual bool RefuseProposals() { return false; }
     virtual bool IsOn(EntryAid /*aid*/) { return false; }
     virtual void SetOn(EntryAid /*aid*/, bool /*on*/) {}
+
+    // The cursor may pass that cell by on its way through the row.
+    virtual bool IsPassedBy(const CellAddress& /*cell*/) { return false; }
+
+    // --- what should be looked at, and what codes stand for
+    virtual bool IsHint(const CellAddress& /*cell*/) { return false; }
+    virtual std::string DescribeHint(const CellAddress& /*cell*/) { return {}; }
+    // The names behind the codes of a cell; empty for cells without codes.
+    virtual std::string NamesOf(const CellAddress& /*cell*/) { return {}; }
+
+    // The user wants the columns in that order, and the next time again.
+    virtual void SetColumnOrder(const ColumnOrder& /*order*/) {}
+    virtual void EditPatterns(PatternCommand /*command*/) {}
 
     virtual void ClearCells(const CellSelection& selection) = 0;
     // Nothing, and the user has been told, when the selection cannot be copied.

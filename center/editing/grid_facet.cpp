@@ -3,7 +3,9 @@
 #include "center/editing/fault_text.h"
 #include "center/frame/key_code.h"
 #include "center/frame/window_parts.h"
+#include "center/lookups/item_names.h"
 #include "center/print/voucher_preview.h"
+#include "platform/system/utf8.h"
 
 namespace vicenter::center {
 
@@ -16,7 +18,13 @@ void GridFacet::LostFocus() {
 }
 
 void GridFacet::MoveActiveCell(const CellAddress& to, CursorMove how) {
-    parts_.edge.Look([&] { parts_.editing.MoveActiveCell(to, how); });
+    parts_.edge.Look([&] {
+        const CellAddress from = parts_.state.grid->ActiveCell();
+        parts_.editing.MoveActiveCell(to, how);
+        // What the account wants is said while its line is being entered.
+        if (from.column == column::kAccountNumber && !(from == to) && parts_.editing.CanEdit())
+            parts_.state.accounts.Ask(system::TrimBlanks(parts_.state.grid->Text(from.row, from.column)));
+    });
 }
 
 void GridFacet::SelectionChanged(const CellSelection& selection) {
@@ -111,6 +119,37 @@ bool GridFacet::IsOn(EntryAid aid) {
 
 void GridFacet::SetOn(EntryAid aid, bool on) {
     parts_.edge.Look([&] { parts_.SetOn(aid, on); });
+}
+
+bool GridFacet::IsPassedBy(const CellAddress& cell) {
+    if (!parts_.passesBy || !parts_.editing.CanEdit()) return false;
+    return parts_.edge.Look([&] {
+        // A currency that has just been typed is known by its code alone.
+        if (cell.column == column::kRate) parts_.editing.FinishTyping();
+        return parts_.state.accounts.IsPassedBy(*parts_.state.grid, cell);
+    });
+}
+
+// --- what should be looked at
+
+bool GridFacet::IsHint(const CellAddress& cell) {
+    return parts_.faults.IsHint(cell);
+}
+
+std::string GridFacet::DescribeHint(const CellAddress& cell) {
+    return parts_.faults.HintText(cell);
+}
+
+std::string GridFacet::NamesOf(const CellAddress& cell) {
+    return parts_.edge.Look([&] { return NamesBehind(*parts_.state.grid, cell); });
+}
+
+void GridFacet::SetColumnOrder(const ColumnOrder& order) {
+    parts_.edge.Look([&] { parts_.SetColumnOrder(order); });
+}
+
+void GridFacet::EditPatterns(PatternCommand command) {
+    parts_.edge.Command([&] { parts_.patterns.Run(command); });
 }
 
 // --- blocks and rows

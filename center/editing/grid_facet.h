@@ -30,6 +30,12 @@ class GridFacet final : public GridActions {
     bool RefuseProposals() override;
     bool IsOn(EntryAid aid) override;
     void SetOn(EntryAid aid, bool on) override;
+    bool IsPassedBy(const CellAddress& cell) override;
+    bool IsHint(const CellAddress& cell) override;
+    std::string DescribeHint(const CellAddress& cell) override;
+    std::string NamesOf(const CellAddress& cell) override;
+    void SetColumnOrder(const ColumnOrder& order) override;
+    void EditPatterns(PatternCommand command) override;
     void ClearCells(const CellSelection& selection) override;
     std::optional<CopiedBlock> CopyBlock(const CellSelection& selection) override;
     PasteResult PasteBlock(const CellSelection& selection, const CopiedBlock& block) override;

@@ -9,10 +9,16 @@ namespace vicenter::center {
 
 namespace {
 
+constexpr const char* kOrderKey = "grid.order";
+
 const char* KeyOf(EntryAid aid) {
     switch (aid) {
         case EntryAid::Proposals:
             return "entry.proposals";
+        case EntryAid::PassingBy:
+            return "entry.passing-by";
+        case EntryAid::Freezing:
+            return "grid.frozen";
     }
     return "";
 }
@@ -34,6 +40,7 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
               drafts.Opened();
               reported.DropShown(state.open.Name());
               editing.Forget();
+              state.accounts.Forget();
               RefreshPanels();
           }),
       refused(state),
@@ -43,6 +50,7 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
       items(state),
       names(state),
       blocks(state, [this] { RefreshPanels(); }),
+      patterns(state, [this] { RefreshPanels(); }),
       edge(
           state,
           [this] {
@@ -51,6 +59,10 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
           },
           [this] { drafts.SetDeclined(false); }) {
     state.grid->AddObserver(*this);
+    state.accounts.OnLearned([this] {
+        faults.AccountLearned();
+        FaultsChanged();
+    });
 }
 
 WindowParts::~WindowParts() {
@@ -102,6 +114,8 @@ void WindowParts::RefreshStatus() {
     status.hint = state.open.Notice();
     if (status.hint.empty()) status.hint = FaultText(*state.grid, active);
     if (status.hint.empty()) status.hint = faults.HiddenFaultText(active.row);
+    if (status.hint.empty()) status.hint = faults.HintText(active);
+    status.hints = faults.HintCount();
     status.faults = faults.Count() + static_cast<int>(reported.All().size());
     state.view.SetStatus(status);
 }
@@ -115,14 +129,19 @@ void WindowParts::RefreshPanels() {
 void WindowParts::ReadSettings() {
     settings.Open(state.userId);
     showsTotals = settings.IsOn(kTotalsSetting, false);
-    for (const EntryAid aid : {EntryAid::Proposals})
-        Switch(aid, settings.IsOn(KeyOf(aid), true));
+    for (const EntryAid aid : {EntryAid::Proposals, EntryAid::PassingBy, EntryAid::Freezing})
+        Switch(aid, settings.IsOn(KeyOf(aid), aid != EntryAid::Freezing));
+    ApplyColumnOrder(*state.grid, settings.Text(kOrderKey));
 }
 
 bool WindowParts::IsOn(EntryAid aid) const {
     switch (aid) {
         case EntryAid::Proposals:
             return proposals.IsOn();
+        case EntryAid::PassingBy:
+            return passesBy;
+        case EntryAid::Freezing:
+            return freezes;
     }
     return false;
 }
@@ -132,10 +151,21 @@ void WindowParts::SetOn(EntryAid aid, bool on) {
     settings.PutOn(KeyOf(aid), on);
 }
 
+void WindowParts::SetColumnOrder(const ColumnOrder& order) {
+    state.grid->SetOrder(order);
+    settings.Put(kOrderKey, ColumnOrderText(*state.grid));
+}
+
 void WindowParts::Switch(EntryAid aid, bool on) {
     switch (aid) {
         case EntryAid::Proposals:
             proposals.SetOn(on);
+            break;
+        case EntryAid::PassingBy:
+            passesBy = on;
+            break;
+        case EntryAid::Freezing:
+            freezes = on;
             break;
     }
 }

@@ -9,6 +9,7 @@
 #include "center/editing/block_editing.h"
 #include "center/editing/grid_editing.h"
 #include "center/editing/grid_facet.h"
+#include "center/editing/pattern_editing.h"
 #include "center/editing/proposals.h"
 #include "center/faults/fault_facet.h"
 #include "center/faults/fault_list.h"
@@ -65,6 +66,7 @@ struct WindowParts : public GridObserver {
     void ReadSettings();
     bool IsOn(EntryAid aid) const;
     void SetOn(EntryAid aid, bool on);
+    void SetColumnOrder(const ColumnOrder& order);
     // fileName: a workbook chosen already; empty: the command asks for one. tidily: what lies above its
     // header and between its lines is passed over.
     void RunImport(const std::string& fileName, bool tidily = false);
@@ -97,9 +99,12 @@ struct WindowParts : public GridObserver {
     ItemPanel items;
     NameList names;
     BlockEditing blocks;
+    PatternEditing patterns;
     CellSelection selection;
     std::optional<NumberSums> sums;  // of the grid as it is
     bool showsTotals = false;        // the grid shows the sums of every number at its last row
+    bool passesBy = true;            // cells that the account has no use for
+    bool freezes = false;            // the first columns
     bool offersDrafts = false;       // the window is on the screen
 
     Edge edge;

@@ -303,6 +303,8 @@ INSTANTIATE_TEST_SUITE_P(
         Request{"duplicate", true, [](frmVICenter& window) { window.Cells().DuplicateRows(kCell); }},
         Request{"insert", true, [](frmVICenter& window) { window.Cells().InsertRows(kCell); }},
         Request{"delete", true, [](frmVICenter& window) { window.Cells().DeleteRows(kCell); }},
+        Request{"patterns", true,
+                [](frmVICenter& window) { window.Cells().EditPatterns(PatternCommand::Sort); }},
         Request{"move", false,
                 [](frmVICenter& window) {
                     window.Cells().MoveActiveCell({1, 2});

@@ -48,11 +48,11 @@ void DrawButton(QPainter& painter, const QRect& rect, bool dropDown) {
 }
 
 // In the upper right corner, as spreadsheets mark a note: red letters alone are not seen by everybody.
-void DrawFaultMark(QPainter& painter, const QRect& cell) {
+void DrawCornerMark(QPainter& painter, const QRect& cell, const QColor& color) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(colors::kFaulty());
+    painter.setBrush(color);
     const QPoint corner(cell.right() + 1, cell.top());
     painter.drawPolygon(QPolygon({corner - QPoint(kFaultMark, 0), corner, corner + QPoint(0, kFaultMark)}));
     painter.restore();
@@ -191,7 +191,11 @@ void CellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         painter->fillRect(QRect(option.rect.topLeft(), QSize(option.rect.width(), kRuleWidth)),
                           colors::kNumberRule);
     }
-    if (look.foreColor == center::color::kRed) DrawFaultMark(*painter, option.rect);
+    if (look.foreColor == center::color::kRed) {
+        DrawCornerMark(*painter, option.rect, colors::kFaulty);
+    } else if (view_.Model().IsHint(cell)) {
+        DrawCornerMark(*painter, option.rect, colors::kCaution);
+    }
     painter->setFont(option.font);
     const QRect room = DrawTotals(*painter, TextRect(option.rect, index), index);
     DrawCellText(*painter, room, cell);

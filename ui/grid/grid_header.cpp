@@ -25,6 +25,7 @@ GridHeader::GridHeader(Qt::Orientation orientation, QWidget* parent) : QHeaderVi
     setDefaultAlignment(Qt::AlignCenter);
     setMinimumSectionSize(8);
     setTextElideMode(Qt::ElideRight);
+    setFirstSectionMovable(true);
 }
 
 void GridHeader::SetActiveSection(int section) {
@@ -78,6 +79,11 @@ void GridHeader::mousePressEvent(QMouseEvent* event) {
         event->accept();
         return;
     }
+    // A column that is selected is dragged to another place; any other press selects.
+    const int section = logicalIndexAt(event->position().toPoint());
+    const bool selected = orientation() == Qt::Horizontal && section >= 0 && selectionModel() != nullptr &&
+                          selectionModel()->isColumnSelected(section, {});
+    setSectionsMovable(selected && event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier);
     QHeaderView::mousePressEvent(event);
 }
 

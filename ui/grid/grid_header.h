@@ -19,6 +19,10 @@ class GridHeader : public QHeaderView {
     // The section that is shown as active; -1 for none.
     void SetActiveSection(int section);
     int ActiveSection() const { return activeSection_; }
+    // A section as it looks, wherever it is wanted.
+    void PaintSection(QPainter& painter, const QRect& rect, int section) const {
+        paintSection(&painter, rect, section);
+    }
     // A section is being pressed or dragged over: rows or columns are being selected.
     bool IsPressed() const { return pressed_; }
     // The mouse is elsewhere by now: a message may have swallowed its release.

@@ -62,7 +62,7 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         case Qt::ToolTipRole: {
             const bool sound = grid_->FaultyCheck(cell.row, cell.column) == 0 &&
                                center::OwnVerdict(*grid_, cell) == center::TextVerdict::Taken;
-            if (sound) return ProposalToolTip(cell);
+            if (sound) return ToolTipOfSound(cell);
             const std::string why = GuardedOr(std::string(), [&] { return actions_.DescribeFault(cell); });
             return why.empty() ? QVariant() : QVariant(ToolTipText(ToQtLines(why)));
         }
@@ -74,6 +74,15 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
 QString GridModel::ProposedText(const center::CellAddress& cell) const {
     const std::string text = GuardedOr(std::string(), [&] { return actions_.ProposedText(cell); });
     return text.empty() ? QString() : ToQt(center::DisplayText(cell.column, text));
+}
+
+// What should be looked at there, what is proposed, or what its codes stand for.
+QVariant GridModel::ToolTipOfSound(const center::CellAddress& cell) const {
+    const std::string hint = GuardedOr(std::string(), [&] { return actions_.DescribeHint(cell); });
+    if (!hint.empty()) return ToolTipText(QStringLiteral("提示：") + ToQtLines(hint));
+    if (const QVariant proposal = ProposalToolTip(cell); proposal.isValid()) return proposal;
+    const std::string names = GuardedOr(std::string(), [&] { return actions_.NamesOf(cell); });
+    return names.empty() ? QVariant() : QVariant(ToolTipText(ToQtLines(names)));
 }
 
 QVariant GridModel::ProposalToolTip(const center::CellAddress& cell) const {
@@ -193,6 +202,10 @@ void GridModel::WasReset() {
 
 void GridModel::ColumnsChanged(int firstColumn, int lastColumn) {
     emit columnLayoutChanged(firstColumn, lastColumn);
+}
+
+void GridModel::ColumnsMoved() {
+    emit columnOrderChanged();
 }
 
 void GridModel::RowHeightsChanged() {

@@ -33,6 +33,8 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
     center::CellAddress AddressOf(const QModelIndex& index) const {
         return {index.row() + 1, index.column() + 1};
     }
+    // It should be looked at.
+    bool IsHint(const center::CellAddress& cell) const { return actions_.IsHint(cell); }
     // What is proposed for an empty cell; no text of the grid's.
     QString ProposedText(const center::CellAddress& cell) const;
     // An invalid index for an address outside the grid.
@@ -51,6 +53,7 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
 
   signals:
     void columnLayoutChanged(int firstColumn, int lastColumn);  // grid columns, from 1
+    void columnOrderChanged();
     void rowHeightsChanged();
     void gridFontChanged();
     void activeCellChanged();
@@ -67,11 +70,13 @@ class GridModel : public QAbstractTableModel, private center::GridObserver {
     void AboutToReset() override;
     void WasReset() override;
     void ColumnsChanged(int firstColumn, int lastColumn) override;
+    void ColumnsMoved() override;
     void RowHeightsChanged() override;
     void FontChanged() override;
     void ActiveCellChanged(const center::CellAddress& cell) override;
     void ScrolledIntoView(const center::CellAddress& cell) override;
 
+    QVariant ToolTipOfSound(const center::CellAddress& cell) const;
     QVariant ProposalToolTip(const center::CellAddress& cell) const;
     QString SpokenText(const center::CellAddress& cell) const;
     QString SpokenState(const center::CellAddress& cell) const;

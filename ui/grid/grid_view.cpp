@@ -10,6 +10,7 @@
 
 #include "ui/grid/cell_delegate.h"
 #include "ui/grid/cell_editor.h"
+#include "ui/grid/frozen_columns.h"
 #include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/twips.h"
@@ -45,7 +46,8 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
       actions_(actions),
       names_(names),
       columnHeader_(new GridHeader(Qt::Horizontal, this)),
-      rowHeader_(new GridHeader(Qt::Vertical, this)) {
+      rowHeader_(new GridHeader(Qt::Vertical, this)),
+      frozen_(new FrozenColumns(*this)) {
     setObjectName(QStringLiteral("vsEntrys"));
     setAccessibleName(QStringLiteral("凭证模板分录"));
     setHorizontalHeader(columnHeader_);
@@ -83,6 +85,9 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
         const QModelIndex index = model_.IndexOf({row, std::max(column, 1)});
         if (index.isValid()) scrollTo(index, EnsureVisible);
     });
+    connect(&model_, &GridModel::columnOrderChanged, this, &GridView::ApplyOrder);
+    connect(columnHeader_, &QHeaderView::sectionMoved, this, &GridView::HandInOrder);
+    connect(this, &GridView::contentsMoved, this, &GridView::ShowFrozen);
     for (const auto moved : {&GridModel::rowsInserted, &GridModel::rowsRemoved})
         connect(&model_, moved, this, &GridView::PaintProposals);
     connect(&model_, &GridModel::dataChanged, this, &GridView::PaintProposals);
@@ -92,6 +97,7 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
             [this](int section, int /*before*/, int now) { SectionResized(section, now); });
     connect(columnHeader_, &QHeaderView::sectionMoved, this, &GridView::FillWidth);
     connect(columnHeader_, &GridHeader::released, this, &GridView::FillWidth);
+    ApplyOrder();
     ApplyColumns(1, center::kColumnCount);
     ApplyRowHeights();
     ApplyFont();
@@ -220,11 +226,11 @@ void GridView::RepaintBeyond(const QModelIndex& topLeft, const QModelIndex& bott
 }
 
 int GridView::ShownColumnNear(int column) const {
-    for (int right = column; right < center::kColumnCount; ++right) {
-        if (!isColumnHidden(right)) return right;
+    for (int right = PlaceOf(column); right < center::kColumnCount; ++right) {
+        if (!isColumnHidden(ColumnAt(right))) return ColumnAt(right);
     }
-    for (int left = column; left >= 0; --left) {
-        if (!isColumnHidden(left)) return left;
+    for (int left = PlaceOf(column); left >= 0; --left) {
+        if (!isColumnHidden(ColumnAt(left))) return ColumnAt(left);
     }
     return column;
 }
@@ -329,14 +335,17 @@ void GridView::setSelection(const QRect& rect, QItemSelectionModel::SelectionFla
         return;
     }
     QItemSelection selection;
-    for (int column = first.column(); column <= last.column(); ++column) {
+    const int lastPlace = PlaceOf(last.column());
+    for (int place = PlaceOf(first.column()); place <= lastPlace; ++place) {
+        const int column = ColumnAt(place);
         if (isColumnHidden(column)) continue;
         int end = column;
-        while (end < last.column() && !isColumnHidden(end + 1))
+        while (place < lastPlace && ColumnAt(place + 1) == end + 1 && !isColumnHidden(end + 1)) {
             ++end;
+            ++place;
+        }
         selection.append(
             QItemSelectionRange(model_.index(first.row(), column), model_.index(last.row(), end)));
-        column = end;
     }
     selectionModel()->select(selection, command);
 }
@@ -366,6 +375,7 @@ bool GridView::StoodBelowRows() {
 bool GridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
     const bool asked = trigger == AnyKeyPressed || trigger == EditKeyPressed || trigger == DoubleClicked;
     if (asked && index == currentIndex() && StoodBelowRows()) return false;
+    if (asked && index.isValid() && IsFrozen(index.column())) horizontalScrollBar()->setValue(0);
     bool opened = false;
     {
         const bool before = std::exchange(openingByTyping_, trigger == AnyKeyPressed);

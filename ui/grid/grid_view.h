@@ -18,6 +18,7 @@
 namespace vicenter::ui {
 
 class CellEditor;
+class FrozenColumns;
 
 class GridView : public QTableView {
     Q_OBJECT
@@ -57,6 +58,10 @@ class GridView : public QTableView {
     std::optional<center::NumberTotals> TotalsEndingAt(int row) const;
     void ToggleTotals();
     void ShowVoucher();
+    // The room that the first columns take while they are kept in sight; 0 while they are not.
+    int FrozenWidth() const;
+    void PaintFrozen(QPainter& painter, const QSize& size);
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
     bool CopySelection();  // false when it cannot be copied
     // What a copy of the selection is for other windows and programs; the caller's. None when there is none.
@@ -88,6 +93,7 @@ class GridView : public QTableView {
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+    void paintEvent(QPaintEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void resizeEvent(QResizeEvent* event) override;
     void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
@@ -129,7 +135,21 @@ class GridView : public QTableView {
     bool TakeProposedRow();
     bool RefuseProposals();
     void PaintProposals();
+    void AddAid(QMenu& menu, const QString& text, center::EntryAid aid);
     void AddAids(QMenu& menu);
+    void AddPatterns(QMenu& menu);
+    void AddColumns(QMenu& menu);
+    void EditPatterns(center::PatternCommand command);
+    bool HandleOwnShortcut(const QKeyEvent& event);
+    int PlaceOf(int column) const;
+    int ColumnAt(int place) const;
+    void ApplyOrder();
+    void HandInOrder();
+    void MoveColumn(int step);
+    void ResetOrder();
+    void FitColumns();
+    bool IsFrozen(int column) const;
+    void ShowFrozen();
     int ShownColumnNear(int column) const;
     void OpenLookUp();
     void SetDirection(const QString& text);
@@ -141,6 +161,7 @@ class GridView : public QTableView {
     center::NameListActions& names_;
     GridHeader* columnHeader_;
     GridHeader* rowHeader_;
+    FrozenColumns* frozen_;
     bool following_ = false;        // the view follows the grid's active cell, not the other way round
     bool applyingColumns_ = false;  // widths come from the grid, not from the user
     bool openingByTyping_ = false;

@@ -50,15 +50,15 @@ bool IsDeleteKey(const QKeyEvent& event) {
 }  // namespace
 
 int GridView::FirstVisibleColumn() const {
-    for (int column = 0; column < center::kColumnCount; ++column) {
-        if (!isColumnHidden(column)) return column;
+    for (int place = 0; place < center::kColumnCount; ++place) {
+        if (!isColumnHidden(ColumnAt(place))) return ColumnAt(place);
     }
     return 0;
 }
 
 int GridView::LastVisibleColumn() const {
-    for (int column = center::kColumnCount - 1; column >= 0; --column) {
-        if (!isColumnHidden(column)) return column;
+    for (int place = center::kColumnCount - 1; place >= 0; --place) {
+        if (!isColumnHidden(ColumnAt(place))) return ColumnAt(place);
     }
     return 0;
 }
@@ -68,13 +68,19 @@ void GridView::MoveTo(int row, int column) {
     if (index.isValid()) Place(index);
 }
 
-// Through the visible columns and from the last to the first of the next row, as a form is filled in.
+// Through the visible columns and from the last to the first of the next row, as a form is filled in. What
+// the line's account has no use for is passed by.
 void GridView::MoveOn(bool back) {
     const QModelIndex current = currentIndex();
     if (!current.isValid()) return;
     const int step = back ? -1 : 1;
-    for (int column = current.column() + step; column >= 0 && column < center::kColumnCount; column += step) {
-        if (!isColumnHidden(column)) return MoveTo(current.row(), column);
+    for (int place = PlaceOf(current.column()) + step; place >= 0 && place < center::kColumnCount;
+         place += step) {
+        const int column = ColumnAt(place);
+        if (isColumnHidden(column)) continue;
+        const center::CellAddress cell{current.row() + 1, column + 1};
+        if (!GuardedOr(false, [&] { return actions_.IsPassedBy(cell); }))
+            return MoveTo(current.row(), column);
     }
     const int row = current.row() + step;
     if (row < 0 || row >= model_.rowCount()) return;
@@ -223,10 +229,33 @@ bool GridView::HandleShortcut(const QKeyEvent& event) {
         return true;
     }
     if (event.key() == Qt::Key_F9 && event.modifiers() == Qt::NoModifier) return ShowVoucher(), true;
+    if (HandleOwnShortcut(event)) return true;
     if (event.matches(QKeySequence::SelectAll)) return selectAll(), true;
     if (IsInsertKey(event)) return InsertRows(), true;
     if (IsDeleteKey(event)) return DeleteRows(), true;
     return false;
+}
+
+// What no spreadsheet has a key for: whole patterns, and the columns' places.
+bool GridView::HandleOwnShortcut(const QKeyEvent& event) {
+    using center::PatternCommand;
+    const int key = event.key();
+    if (event.modifiers() == (Qt::ControlModifier | Qt::ShiftModifier)) {
+        if (key == Qt::Key_C) return EditPatterns(PatternCommand::Copy), true;
+        if (key == Qt::Key_O) return EditPatterns(PatternCommand::Sort), true;
+        if (key == Qt::Key_R) return EditPatterns(PatternCommand::Renumber), true;
+        if (key == Qt::Key_W) return FitColumns(), true;
+    }
+    if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::AltModifier) return false;
+    if (key == Qt::Key_Up) return EditPatterns(PatternCommand::MoveUp), true;
+    if (key == Qt::Key_Down) return EditPatterns(PatternCommand::MoveDown), true;
+    if (key == Qt::Key_Left) return MoveColumn(-1), true;
+    if (key == Qt::Key_Right) return MoveColumn(1), true;
+    return false;
+}
+
+void GridView::EditPatterns(center::PatternCommand command) {
+    if (IsInteractive()) Guarded([&] { actions_.EditPatterns(command); });
 }
 
 void GridView::keyPressEvent(QKeyEvent* event) {

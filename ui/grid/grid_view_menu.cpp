@@ -8,18 +8,52 @@
 
 namespace vicenter::ui {
 
-// Helps that are on or off, as the user likes.
+// A help that is on or off, as the user likes.
+void GridView::AddAid(QMenu& menu, const QString& text, center::EntryAid aid) {
+    QAction* action = menu.addAction(text);
+    action->setCheckable(true);
+    action->setChecked(GuardedOr(false, [&] { return actions_.IsOn(aid); }));
+    connect(action, &QAction::toggled, this, [this, aid](bool on) {
+        Guarded([&] { actions_.SetOn(aid, on); });
+        PaintProposals();
+        ShowFrozen();
+    });
+}
+
 void GridView::AddAids(QMenu& menu) {
-    const auto add = [&](const QString& text, center::EntryAid aid) {
-        QAction* action = menu.addAction(text);
-        action->setCheckable(true);
-        action->setChecked(GuardedOr(false, [&] { return actions_.IsOn(aid); }));
-        connect(action, &QAction::toggled, this, [this, aid](bool on) {
-            Guarded([&] { actions_.SetOn(aid, on); });
-            PaintProposals();
-        });
+    AddAid(menu, QStringLiteral("建议下一行的内容"), center::EntryAid::Proposals);
+    AddAid(menu, QStringLiteral("跳过科目用不到的单元格"), center::EntryAid::PassingBy);
+}
+
+// All lines of the cursor's template number.
+void GridView::AddPatterns(QMenu& menu) {
+    using center::PatternCommand;
+    QMenu* patterns = menu.addMenu(QStringLiteral("整个编号"));
+    patterns->setObjectName(QStringLiteral("patternMenu"));
+    patterns->setEnabled(IsInteractive());
+    const auto add = [&](const QString& text, PatternCommand command) {
+        connect(patterns->addAction(text), &QAction::triggered, this,
+                [this, command] { EditPatterns(command); });
     };
-    add(QStringLiteral("建议下一行的内容"), center::EntryAid::Proposals);
+    add(QStringLiteral("复制为新编号\tCtrl+Shift+C"), PatternCommand::Copy);
+    add(QStringLiteral("上移\tAlt+↑"), PatternCommand::MoveUp);
+    add(QStringLiteral("下移\tAlt+↓"), PatternCommand::MoveDown);
+    patterns->addSeparator();
+    add(QStringLiteral("全部重新编号\tCtrl+Shift+R"), PatternCommand::Renumber);
+    add(QStringLiteral("分录按编号排序\tCtrl+Shift+O"), PatternCommand::Sort);
+}
+
+void GridView::AddColumns(QMenu& menu) {
+    QMenu* columns = menu.addMenu(QStringLiteral("列"));
+    columns->setObjectName(QStringLiteral("columnMenu"));
+    const auto add = [&](const QString& text, auto&& run) {
+        connect(columns->addAction(text), &QAction::triggered, this, run);
+    };
+    add(QStringLiteral("列宽适合内容\tCtrl+Shift+W"), [this] { FitColumns(); });
+    add(QStringLiteral("左移\tAlt+←"), [this] { MoveColumn(-1); });
+    add(QStringLiteral("右移\tAlt+→"), [this] { MoveColumn(1); });
+    add(QStringLiteral("恢复各列的顺序"), [this] { ResetOrder(); });
+    AddAid(*columns, QStringLiteral("滚动时固定前六列"), center::EntryAid::Freezing);
 }
 
 void GridView::contextMenuEvent(QContextMenuEvent* event) {
@@ -59,6 +93,10 @@ void GridView::contextMenuEvent(QContextMenuEvent* event) {
     totals->setCheckable(true);
     totals->setChecked(GuardedOr(false, [&] { return actions_.ShowsTotals(); }));
     connect(totals, &QAction::triggered, &menu, [this] { ToggleTotals(); });
+    menu.addSeparator();
+    AddPatterns(menu);
+    AddColumns(menu);
+    menu.addSeparator();
     AddAids(menu);
     menu.exec(event->globalPos());
 }

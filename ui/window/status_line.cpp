@@ -91,8 +91,11 @@ void StatusLine::SetState(const center::StatusState& state) {
         sums_->setText(text);
     }
     sums_->setVisible(!state.number.empty());
-    faults_->setText(QStringLiteral("异常 %1 处").arg(state.faults));
-    faults_->setVisible(state.faults > 0);
+    QStringList found;
+    if (state.faults > 0) found << QStringLiteral("异常 %1 处").arg(state.faults);
+    if (state.hints > 0) found << QStringLiteral("提示 %1 处").arg(state.hints);
+    faults_->setText(found.join(u'　'));
+    faults_->setVisible(!found.isEmpty());
     counts_->setText(QStringLiteral("%1 行分录　%2 个编号").arg(state.lines).arg(state.numbers));
     ShowHint();
 }

@@ -72,6 +72,7 @@ void VICenterWindow::SetUnusableNodes(const std::vector<std::string>& keys) {
 }
 
 void VICenterWindow::FaultsChanged() {
+    if (grid_) grid_->viewport()->update();  // hints come and go with texts elsewhere
     if (faults_) faults_->Refresh();
 }
 

@@ -1,0 +1,147 @@
+// The columns of the entry grid: their order, their widths by their content, the first ones kept in sight.
+// The rest of GridView is in grid_view.cpp.
+
+#include <QHeaderView>
+#include <QPainter>
+#include <QScrollBar>
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "ui/grid/frozen_columns.h"
+#include "ui/grid/grid_view.h"
+#include "ui/look/center_style.h"
+#include "ui/run/slot_guard.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr int kFrozenPlaces = 6;
+
+}  // namespace
+
+// --- order
+
+int GridView::PlaceOf(int column) const {
+    return columnHeader_->visualIndex(column);
+}
+
+int GridView::ColumnAt(int place) const {
+    return columnHeader_->logicalIndex(place);
+}
+
+void GridView::ApplyOrder() {
+    const bool before = std::exchange(applyingColumns_, true);
+    const center::ColumnOrder& order = model_.Grid().Order();
+    for (int place = 0; place < center::kColumnCount; ++place)
+        columnHeader_->moveSection(PlaceOf(order[static_cast<std::size_t>(place)] - 1), place);
+    applyingColumns_ = before;
+    emit contentsMoved();
+}
+
+// The user has moved one.
+void GridView::HandInOrder() {
+    if (applyingColumns_) return;
+    center::ColumnOrder order{};
+    for (int place = 0; place < center::kColumnCount; ++place)
+        order[static_cast<std::size_t>(place)] = ColumnAt(place) + 1;
+    Guarded([&] { actions_.SetColumnOrder(order); });
+    emit contentsMoved();
+}
+
+void GridView::MoveColumn(int step) {
+    const QModelIndex current = currentIndex();
+    if (!current.isValid()) return;
+    const int from = PlaceOf(current.column());
+    for (int to = from + step; to >= 0 && to < center::kColumnCount; to += step) {
+        if (isColumnHidden(ColumnAt(to))) continue;
+        CommitOpenEditor();
+        columnHeader_->moveSection(from, to);
+        scrollTo(current);
+        return;
+    }
+}
+
+void GridView::ResetOrder() {
+    Guarded([&] { actions_.SetColumnOrder(center::DesignedOrder()); });
+}
+
+void GridView::FitColumns() {
+    std::set<int> columns;
+    for (const center::CellRange& piece : Selected().pieces) {
+        for (int c = piece.firstColumn; c <= piece.lastColumn; ++c)
+            columns.insert(c - 1);
+    }
+    for (const int column : columns) {
+        if (!isColumnHidden(column)) resizeColumnToContents(column);
+    }
+}
+
+// --- the first columns
+
+bool GridView::IsFrozen(int column) const {
+    return PlaceOf(column) < kFrozenPlaces && FrozenWidth() > 0;
+}
+
+int GridView::FrozenWidth() const {
+    if (!GuardedOr(false, [&] { return actions_.IsOn(center::EntryAid::Freezing); })) return 0;
+    int width = 0;
+    for (int place = 0; place < kFrozenPlaces; ++place)
+        width += columnWidth(ColumnAt(place));
+    // In a narrow window the others need the room.
+    return width < viewport()->width() * 3 / 4 ? width : 0;
+}
+
+void GridView::ShowFrozen() {
+    frozen_->Follow();
+}
+
+void GridView::PaintFrozen(QPainter& painter, const QSize& size) {
+    const int head = columnHeader_->height();
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    painter.fillRect(QRect(QPoint(0, 0), size), colors::kPaper);
+    const int lastRow = rowAt(viewport()->height() - 1);
+    int left = 0;
+    for (int place = 0; place < kFrozenPlaces; ++place) {
+        const int column = ColumnAt(place);
+        const int width = columnWidth(column);
+        if (isColumnHidden(column)) continue;
+        for (int row = rowAt(0); row >= 0 && row <= (lastRow < 0 ? model_.rowCount() - 1 : lastRow); ++row) {
+            const QModelIndex index = model_.index(row, column);
+            const QRect cell(left, head + rowViewportPosition(row), width, rowHeight(row));
+            option.rect = cell.adjusted(0, 0, -1, -1);
+            option.state.setFlag(QStyle::State_Selected, selectionModel()->isSelected(index));
+            painter.save();
+            painter.setClipRect(option.rect);
+            itemDelegate()->paint(&painter, option, index);
+            painter.restore();
+            painter.setPen(colors::kGridLine);
+            painter.drawLine(cell.bottomLeft(), cell.bottomRight());
+            painter.drawLine(cell.topRight(), cell.bottomRight());
+        }
+        columnHeader_->PaintSection(painter, QRect(left, 0, width, head), column);
+        left += width;
+    }
+    painter.setPen(colors::kLine);
+    painter.drawLine(size.width() - 1, 0, size.width() - 1, size.height());
+}
+
+void GridView::paintEvent(QPaintEvent* event) {
+    QTableView::paintEvent(event);
+    if (frozen_->isVisible()) frozen_->update();
+}
+
+// A cell that the first columns cover is not in sight.
+void GridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    QTableView::scrollTo(index, hint);
+    const int frozen = index.isValid() ? FrozenWidth() : 0;
+    if (frozen == 0) return;
+    QScrollBar& bar = *horizontalScrollBar();
+    if (IsFrozen(index.column())) return bar.setValue(0);
+    const int left = columnViewportPosition(index.column());
+    if (left < frozen) bar.setValue(bar.value() - (frozen - left));
+}
+
+}  // namespace vicenter::ui
