@@ -2,13 +2,18 @@
 
 #include <optional>
 
+#include "platform/system/thread_value.h"
+
 namespace vicenter::front {
 
 namespace {
 
+struct Last {
+    std::optional<automation::Error> error;
+};
+
 std::optional<automation::Error>& LastError() {
-    thread_local std::optional<automation::Error> error;
-    return error;
+    return system::ValueOfThisThread<Last>().error;
 }
 
 }  // namespace
