@@ -1,7 +1,8 @@
 #include "platform/com/dispatch_object.h"
 
+#include <algorithm>
 #include <atomic>
-#include <map>
+#include <memory>
 #include <vector>
 
 #include "platform/com/com_error.h"
@@ -10,6 +11,7 @@
 #include "platform/com/foreign_object.h"
 #include "platform/com/member_names.h"
 #include "platform/com/named_type.h"
+#include "platform/com/own_objects.h"
 
 namespace vicenter::com {
 
@@ -37,12 +39,16 @@ const IID& OwnInterface() {
     return own;
 }
 
-class DispatchObject;
+std::span<const EarlyInterface>& EarlyInterfaces() {
+    static std::span<const EarlyInterface> interfaces;
+    return interfaces;
+}
 
-// The IDispatch of each object that has one at present.
-std::map<const automation::Object*, DispatchObject*>& Known() {
-    thread_local std::map<const automation::Object*, DispatchObject*> known;
-    return known;
+bool IsEarlyInterface(REFIID id, const automation::Object& object) {
+    const auto known = EarlyInterfaces();
+    return std::any_of(known.begin(), known.end(), [&](const EarlyInterface& one) {
+        return IsEqualIID(one.id, id) && object.TypeName() == one.typeName;
+    });
 }
 
 // The arguments of a call, the client's variables behind those by reference.
@@ -107,7 +113,7 @@ class CallArguments {
 class DispatchObject final : public IDispatch, public ISupportErrorInfo {
   public:
     explicit DispatchObject(ObjectRef object) : object_(std::move(object)) {
-        Known()[object_.get()] = this;
+        objects_->Keep(object_.get(), this, shares_);
         ++live;
     }
     DispatchObject(const DispatchObject&) = delete;
@@ -124,6 +130,8 @@ class DispatchObject final : public IDispatch, public ISupportErrorInfo {
             *result = static_cast<ISupportErrorInfo*>(this);
         } else if (IsEqualIID(id, OwnInterface())) {
             *result = this;
+        } else if (IsEarlyInterface(id, *object_)) {
+            *result = static_cast<IDispatch*>(this);
         } else {
             return E_NOINTERFACE;
         }
@@ -137,7 +145,7 @@ class DispatchObject final : public IDispatch, public ISupportErrorInfo {
         return left;
     }
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
-        return IsEqualIID(id, IID_IDispatch) ? S_OK : S_FALSE;
+        return IsEqualIID(id, IID_IDispatch) || IsEarlyInterface(id, *object_) ? S_OK : S_FALSE;
     }
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
@@ -149,6 +157,7 @@ class DispatchObject final : public IDispatch, public ISupportErrorInfo {
         if (info == nullptr) return E_POINTER;
         *info = nullptr;
         if (index != 0) return DISP_E_BADINDEX;
+        if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
         return Guarded(nullptr, [&] {
             *info = NewNamedType(object_->TypeName());
             return S_OK;
@@ -196,11 +205,11 @@ class DispatchObject final : public IDispatch, public ISupportErrorInfo {
 
   private:
     ~DispatchObject() {
-        Known().erase(object_.get());
+        objects_->Drop(std::move(object_), this);
         --live;
     }
 
-    bool OnOwnThread() const { return GetCurrentThreadId() == thread_; }
+    bool OnOwnThread() const { return objects_ == OwnObjects::OfThisThread(); }
 
     DISPID MemberOf(const std::string& name) const {
         if (automation::SameName(name, "_NewEnum") && object_->NewEnumerator()) return DISPID_NEWENUM;
@@ -216,7 +225,7 @@ class DispatchObject final : public IDispatch, public ISupportErrorInfo {
     }
 
     ObjectRef object_;
-    DWORD thread_ = GetCurrentThreadId();
+    std::shared_ptr<OwnObjects> objects_ = OwnObjects::OfThisThread();
     std::atomic<ULONG> shares_{1};
 };
 
@@ -225,10 +234,10 @@ class DispatchObject final : public IDispatch, public ISupportErrorInfo {
 IDispatch* NewDispatch(const ObjectRef& object) {
     if (!object) return nullptr;
     if (const auto* foreign = dynamic_cast<const ForeignObject*>(object.get())) return foreign->NewShare();
-    const auto found = Known().find(object.get());
-    if (found == Known().end()) return new DispatchObject(object);
-    found->second->AddRef();
-    return found->second;
+    OwnObjects& objects = *OwnObjects::OfThisThread();
+    objects.EndWaiting();
+    IDispatch* known = objects.Share(object.get());
+    return known != nullptr ? known : new DispatchObject(object);
 }
 
 ObjectRef ObjectOf(IDispatch* dispatch) {
@@ -236,6 +245,10 @@ ObjectRef ObjectOf(IDispatch* dispatch) {
     ComPointer<DispatchObject> own;
     if (SUCCEEDED(dispatch->QueryInterface(OwnInterface(), own.ReceiveAny()))) return own->Inside();
     return std::make_shared<ForeignObject>(ComPointer<IDispatch>::Sharing(dispatch));
+}
+
+void AnswerAlsoAs(std::span<const EarlyInterface> interfaces) {
+    EarlyInterfaces() = interfaces;
 }
 
 long LiveDispatches() {

@@ -120,6 +120,12 @@ class CallParameters {
     DISPPARAMS given_{};
 };
 
+// The members that a dictionary's callers use, where nothing tells of its class: one of a script, say.
+bool LooksLikeDictionary(const ForeignObject& object) {
+    const auto has = [&](const char* member) { return object.HasMember(member); };
+    return has("Keys") && has("Items") && has("Item") && has("Exists") && has("Count") && has("RemoveAll");
+}
+
 WORD FlagsOf(InvokeKind kind, const Arguments& arguments) {
     switch (kind) {
         case InvokeKind::Get:
@@ -142,8 +148,11 @@ std::string ForeignObject::TypeName() const {
         provider->GetClassInfo(type.Receive());
     if (!type) dispatch_->GetTypeInfo(0, LOCALE_USER_DEFAULT, type.Receive());
     BSTR name = nullptr;
-    if (!type || FAILED(type->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr)))
-        return "Object";
+    if (!type || FAILED(type->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr)) ||
+        SysStringLen(name) == 0) {
+        SysFreeString(name);
+        return LooksLikeDictionary(*this) ? "Dictionary" : "Object";
+    }
     std::string result = TextOf(name);
     SysFreeString(name);
     // An interface's name, where the class tells none of its own.

@@ -14,7 +14,8 @@ class ForeignObject final : public automation::Object {
   public:
     explicit ForeignObject(ComPointer<IDispatch> dispatch) : dispatch_(std::move(dispatch)) {}
 
-    // The class's name as the object's type information tells it; "Object" where there is none.
+    // The class's name as the object's type information tells it; "Object" where there is none, "Dictionary"
+    // for one with a dictionary's members.
     std::string TypeName() const override;
     bool HasMember(std::string_view name) const override;
     automation::Variant Invoke(std::string_view name, automation::InvokeKind kind,

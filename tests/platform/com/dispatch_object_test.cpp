@@ -163,6 +163,52 @@ TEST_F(DispatchTest, AnotherThreadIsRefused) {
     EXPECT_EQ(code, RPC_E_WRONG_THREAD);
 }
 
+// Tells on which thread it has ended.
+class Mortal final : public automation::TableObject<Mortal> {
+  public:
+    explicit Mortal(std::thread::id& ended) : ended_(ended) {}
+    Mortal(const Mortal&) = delete;
+    Mortal& operator=(const Mortal&) = delete;
+    ~Mortal() override { ended_ = std::this_thread::get_id(); }
+    static const automation::MemberTable<Mortal>& Members() {
+        static const automation::MemberTable<Mortal> table{};
+        return table;
+    }
+    std::string TypeName() const override { return "Mortal"; }
+
+  private:
+    std::thread::id& ended_;
+};
+
+TEST_F(DispatchTest, WhatAnotherThreadGivesBackLastEndsOnItsOwn) {
+    const long before = LiveDispatches();
+    std::thread::id ended;
+    IDispatch* last = NewDispatch(std::make_shared<Mortal>(ended));
+    std::thread([&] { last->Release(); }).join();
+    EXPECT_EQ(LiveDispatches(), before);
+    EXPECT_EQ(ended, std::thread::id());
+    // With the next one that is given out.
+    DispatchOf(std::make_shared<CashBox>());
+    EXPECT_EQ(ended, std::this_thread::get_id());
+    // One whose own thread is gone ends where it is given back.
+    IDispatch* orphan = nullptr;
+    std::thread([&] { orphan = NewDispatch(std::make_shared<Mortal>(ended)); }).join();
+    ended = {};
+    EXPECT_EQ(orphan->Release(), 0U);
+    EXPECT_EQ(ended, std::this_thread::get_id());
+}
+
+TEST_F(DispatchTest, ItIsFoundAgainWhileAnybodyHoldsIt) {
+    const auto box = std::make_shared<CashBox>();
+    const ComPointer<IDispatch> first = DispatchOf(box);
+    EXPECT_EQ(DispatchOf(box).Get(), first.Get());
+    std::thread([&] {
+        const ComPointer<IDispatch> elsewhere = DispatchOf(box);
+        EXPECT_NE(elsewhere.Get(), first.Get());
+    }).join();
+    EXPECT_EQ(DispatchOf(box).Get(), first.Get());
+}
+
 TEST_F(DispatchTest, WhatNobodyHoldsIsGone) {
     const long before = LiveDispatches();
     std::weak_ptr<CashBox> gone;

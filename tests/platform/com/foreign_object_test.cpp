@@ -1,6 +1,10 @@
 #include "platform/com/foreign_object.h"
 
+#include <algorithm>
+
+#include "automation/class_registry.h"
 #include "platform/com/com_object.h"
+#include "platform/com/installed_classes.h"
 #include "tests/platform/com/com_fixture.h"
 
 namespace vicenter::com {
@@ -41,6 +45,36 @@ class Stranger final : public ComObject<IDispatch> {
 
     ComPointer<IDispatch> inside_;
     int busy_;
+};
+
+// One that nothing tells of, as a script's object.
+class Untold final : public ComObject<IDispatch> {
+  public:
+    explicit Untold(std::vector<std::wstring> members) : members_(std::move(members)) {}
+
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+        *info = nullptr;
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* numbers) override {
+        const auto found = std::find(members_.begin(), members_.end(), names[0]);
+        *numbers =
+            found == members_.end() ? DISPID_UNKNOWN : static_cast<DISPID>(found - members_.begin()) + 1;
+        return *numbers == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                     UINT*) override {
+        return DISP_E_MEMBERNOTFOUND;
+    }
+
+  private:
+    ~Untold() = default;
+
+    std::vector<std::wstring> members_;
 };
 
 class ForeignTest : public ComTest {
@@ -121,8 +155,32 @@ TEST_F(ForeignTest, ForEachGoesThroughACollection) {
     EXPECT_EQ(coins, box_->coins);
 }
 
+TEST_F(ForeignTest, WhatHasADictionarysMembersIsOne) {
+    std::vector<std::wstring> members{L"Item", L"Exists", L"Keys", L"Items", L"Count", L"RemoveAll"};
+    EXPECT_EQ(ObjectOf(ComPointer<IDispatch>(new Untold(members)).Get())->TypeName(), "Dictionary");
+    members.pop_back();
+    EXPECT_EQ(ObjectOf(ComPointer<IDispatch>(new Untold(members)).Get())->TypeName(), "Object");
+}
+
+TEST_F(ForeignTest, TheSystemsClassesAreFoundBehindTheProcesssOwn) {
+    const automation::ClassRegistry::Restore restore;
+    EXPECT_EQ(Failure([] { automation::CreateObject("Scripting.Dictionary"); }).Number(), 429);
+    {
+        const InstalledClasses installed;
+        EXPECT_EQ(automation::CreateObject("Scripting.Dictionary")->Get("Count"), Variant(0));
+        automation::ClassRegistry::Process().Register("Scripting.Dictionary", [this] { return box_; });
+        EXPECT_EQ(automation::CreateObject("scripting.dictionary"), box_);
+        EXPECT_EQ(Failure([] { automation::CreateObject("Vela.NoSuchClass"); }).Number(), 429);
+    }
+    automation::ClassRegistry::Process().Unregister("Scripting.Dictionary");
+    EXPECT_EQ(Failure([] { automation::CreateObject("Scripting.Dictionary"); }).Number(), 429);
+    EXPECT_TRUE(InstalledClasses::Has("Scripting.Dictionary"));
+    EXPECT_FALSE(InstalledClasses::Has("Vela.NoSuchClass"));
+}
+
 TEST_F(ForeignTest, TheSystemsOwnDictionaryIsOne) {
     const auto dictionary = CreateForeign("Scripting.Dictionary");
+    EXPECT_EQ(dictionary->TypeName(), "Dictionary");
     dictionary->Call("Add", {"甲", 1});
     dictionary->Put("Item", {"乙"}, Variant("二"));
     EXPECT_EQ(dictionary->Get("Count"), Variant(2));
