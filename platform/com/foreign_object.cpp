@@ -38,6 +38,34 @@ HRESULT Patiently(const Call& call) {
     return code;
 }
 
+// Objects of Wine's script engine answer to the newer of the two interfaces alone.
+ComPointer<IDispatchEx> NewerOf(IDispatch* dispatch) {
+    ComPointer<IDispatchEx> newer;
+    dispatch->QueryInterface(IID_IDispatchEx, newer.ReceiveAny());
+    return newer;
+}
+
+HRESULT FindNumbers(IDispatch* dispatch, wchar_t** names, UINT count, DISPID* numbers) {
+    const HRESULT code = Patiently(
+        [&] { return dispatch->GetIDsOfNames(IID_NULL, names, count, LOCALE_USER_DEFAULT, numbers); });
+    if (code != E_NOTIMPL || count != 1) return code;
+    const auto newer = NewerOf(dispatch);
+    if (!newer) return code;
+    const BSTR name = SysAllocString(names[0]);
+    const HRESULT found = newer->GetDispID(name, fdexNameCaseInsensitive, numbers);
+    SysFreeString(name);
+    return found;
+}
+
+HRESULT CallNumber(IDispatch* dispatch, DISPID number, WORD flags, DISPPARAMS* given, VARIANT* result,
+                   EXCEPINFO* info) {
+    const HRESULT code =
+        dispatch->Invoke(number, IID_NULL, LOCALE_USER_DEFAULT, flags, given, result, info, nullptr);
+    if (code != E_NOTIMPL) return code;
+    const auto newer = NewerOf(dispatch);
+    return newer ? newer->InvokeEx(number, LOCALE_USER_DEFAULT, flags, given, result, info, nullptr) : code;
+}
+
 // The member's number, then those of the named arguments.
 std::vector<DISPID> NumbersOf(IDispatch* dispatch, std::string_view name, const Arguments& arguments) {
     std::vector<std::wstring> texts{system::os::Wide(name)};
@@ -52,10 +80,7 @@ std::vector<DISPID> NumbersOf(IDispatch* dispatch, std::string_view name, const 
         numbers[0] = DISPID_VALUE;
         if (names.size() == 1) return numbers;
     }
-    const HRESULT code = Patiently([&] {
-        return dispatch->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()),
-                                       LOCALE_USER_DEFAULT, numbers.data());
-    });
+    const HRESULT code = FindNumbers(dispatch, names.data(), static_cast<UINT>(names.size()), numbers.data());
     if (FAILED(code)) {
         const bool member = numbers[0] == DISPID_UNKNOWN;
         if (code == DISP_E_UNKNOWNNAME && !member) throw Error(error_number::kNamedArgumentNotFound);
@@ -165,8 +190,7 @@ bool ForeignObject::HasMember(std::string_view name) const {
     std::wstring text = system::os::Wide(name);
     wchar_t* names = text.data();
     DISPID number = DISPID_UNKNOWN;
-    return SUCCEEDED(Patiently(
-        [&] { return dispatch_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &number); }));
+    return SUCCEEDED(FindNumbers(dispatch_.Get(), &names, 1, &number));
 }
 
 Variant ForeignObject::Invoke(std::string_view name, InvokeKind kind, Arguments& arguments) {
@@ -177,8 +201,8 @@ Variant ForeignObject::Invoke(std::string_view name, InvokeKind kind, Arguments&
     EXCEPINFO info{};
     const auto call = [&] {
         info = {};
-        return dispatch_->Invoke(numbers[0], IID_NULL, LOCALE_USER_DEFAULT, flags, parameters.Given(),
-                                 kind == InvokeKind::Put ? nullptr : &result.Value(), &info, nullptr);
+        return CallNumber(dispatch_.Get(), numbers[0], flags, parameters.Given(),
+                          kind == InvokeKind::Put ? nullptr : &result.Value(), &info);
     };
     HRESULT code = Patiently(call);
     if (flags == DISPATCH_PROPERTYPUTREF && (code == DISP_E_MEMBERNOTFOUND || code == DISP_E_TYPEMISMATCH)) {
