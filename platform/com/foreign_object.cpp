@@ -41,7 +41,7 @@ HRESULT Patiently(const Call& call) {
 // Objects of Wine's script engine answer to the newer of the two interfaces alone.
 ComPointer<IDispatchEx> NewerOf(IDispatch* dispatch) {
     ComPointer<IDispatchEx> newer;
-    dispatch->QueryInterface(IID_IDispatchEx, newer.ReceiveAny());
+    dispatch->QueryInterface(__uuidof(IDispatchEx), newer.ReceiveAny());
     return newer;
 }
 
