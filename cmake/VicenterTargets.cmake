@@ -23,6 +23,9 @@ set(CMAKE_CXX_FLAGS_DEV "-O1 -g1" CACHE STRING "" FORCE)
 if(WIN32)  # each program holds its libraries: with line numbers a hundred MB
   set(CMAKE_C_FLAGS_DEV "-O1" CACHE STRING "" FORCE)
   set(CMAKE_CXX_FLAGS_DEV "-O1" CACHE STRING "" FORCE)
+  # Beside a system library found by its path CMake would else let the compiler's own come as DLLs.
+  set(CMAKE_LINK_SEARCH_START_STATIC ON)
+  set(CMAKE_LINK_SEARCH_END_STATIC ON)
 endif()
 set(CMAKE_EXE_LINKER_FLAGS_DEV "" CACHE STRING "" FORCE)
 set(CMAKE_SHARED_LINKER_FLAGS_DEV "" CACHE STRING "" FORCE)
