@@ -6,6 +6,7 @@
 
 #include "automation/error.h"
 #include "front/ado_connection.h"
+#include "front/host_registrar.h"
 #include "front/include/vicenter/vicenter.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/host_connection_service.h"
@@ -46,8 +47,11 @@ LibrarySession::LibrarySession()
     store::RegisterComponentClasses();
     support::RegisterSupportClasses();
     RegisterAdoClasses();
-    // For the workbooks of import and export; a host with a spreadsheet server of its own registers that.
-    if (!automation::ClassRegistry::Process().IsRegistered("Excel.Application"))
+    RegisterHostRegistrar();
+    // For the workbooks of import and export; a host with a spreadsheet server of its own registers that, and
+    // one that is installed is taken.
+    constexpr const char* kExcel = "Excel.Application";
+    if (!automation::ClassRegistry::Process().IsRegistered(kExcel) && !com::InstalledClasses::Has(kExcel))
         office::RegisterExcelServer();
 }
 

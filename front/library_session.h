@@ -8,6 +8,7 @@
 
 #include "automation/class_registry.h"
 #include "front/window_loop.h"
+#include "platform/com/installed_classes.h"
 #include "platform/system/surroundings.h"
 
 namespace vicenter::front {
@@ -37,6 +38,7 @@ class LibrarySession {
     std::uint64_t thread_;
     int calls_ = 0;
     automation::ClassRegistry::Restore classes_;
+    com::InstalledClasses installed_;
     system::SurroundingsScope surroundings_;
     std::unique_ptr<WindowLoop> windows_;
 };

@@ -40,6 +40,7 @@ HRESULT STDMETHODCALLTYPE DllGetClassObject(REFCLSID clsid, REFIID id, void** re
     if (result == nullptr) return E_POINTER;
     *result = nullptr;
     com::ReserveMemberNumbers(front::MemberNames());
+    com::AnswerAlsoAs(front::PublicInterfaces());
     const front::PublicClass* found = front::FindPublicClass(clsid);
     return found == nullptr ? CLASS_E_CLASSNOTAVAILABLE : front::GetClassFactory(*found, id, result);
 }

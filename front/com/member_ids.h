@@ -37,6 +37,9 @@ inline constexpr const char* kMemberNames[] = {
     "ToString",
     "Clear",
     "TrimToSize",
+    "Register",
+    "Unregister",
+    "SetFramework",
 };
 
 inline constexpr std::span<const char* const> MemberNames() {

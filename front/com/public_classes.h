@@ -1,11 +1,11 @@
 #pragma once
 
-// The classes that hosts create by ProgID through COM, each with its number. A number is never given to
-// another class.
+// The classes that hosts create by ProgID through COM, each with its number and that of its interface in the
+// type library. A number is never given to another class.
 
 #include <span>
 
-#include "platform/com/com_headers.h"
+#include "platform/com/dispatch_object.h"
 
 namespace vicenter::front {
 
@@ -18,5 +18,7 @@ struct PublicClass {
 std::span<const PublicClass> PublicClasses();
 // None for a class that is not ours.
 const PublicClass* FindPublicClass(REFCLSID id);
+// What early-bound hosts ask their objects for.
+std::span<const com::EarlyInterface> PublicInterfaces();
 
 }  // namespace vicenter::front

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <system_error>
 
@@ -19,6 +20,7 @@
 #include "host/cli/search_options.h"
 #include "host/components/components.h"
 #include "platform/ado/passwords.h"
+#include "platform/com/installed_classes.h"
 #include "platform/office/excel_server.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
@@ -34,6 +36,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kCloudFolder = "cloud";
+constexpr const char* kInstalled = "installed";  // the workbook server that the system has
 
 // The commands and options of the program, bound to one CliOptions.
 class CommandLine {
@@ -82,7 +85,9 @@ class CommandLine {
             ->check(kNotEmpty);
         app_.add_flag("--json", options_.json, "输出 JSON / print one JSON document");
         app_.add_option("--excel", options_.excelVersion,
-                        "工作簿服务的版本，none 表示未安装 / version of the workbook server, none for none")
+                        "工作簿服务的版本，none 表示没有，installed 表示系统中安装的 / version of the "
+                        "workbook server, "
+                        "none for none, installed for the system's own")
             ->capture_default_str();
         auto* yes = app_.add_flag_callback(
             "--yes", [this] { options_.answer = true; },
@@ -402,13 +407,15 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
     if (!windowed) surroundings.messageBoxes = messages;
     const system::SurroundingsScope scope(surroundings);
 
+    std::optional<com::InstalledClasses> installed;  // beyond the session, which may hold objects of theirs
     CliContext context{options, streams, hooks, *messages, nullptr};
     store::clsVIData::ForgetFailure();
     try {
         RemoveLeftBehind(options);
         RegisterProviders();
         store::RegisterComponentClasses();
-        if (options.excelVersion == "none") {
+        if (options.excelVersion == kInstalled) installed.emplace();
+        if (options.excelVersion == "none" || installed) {
             office::UnregisterExcelServer();
         } else {
             office::RegisterExcelServer(options.excelVersion);

@@ -10,6 +10,7 @@
 #include "automation/member_table.h"
 #include "entry/aplication.h"
 #include "front/ado_connection.h"
+#include "front/host_registrar.h"
 #include "platform/ado/recordset.h"
 #include "platform/scripting/dictionary.h"
 #include "platform/scripting/file_system_object.h"
@@ -62,6 +63,7 @@ TEST(AutomationDoc, ListsTheMembersOfEveryPublicClass) {
     EXPECT_EQ(DocumentedMembers("VelaVICenter.clsVIData"), MembersOf<store::clsVIData>());
     EXPECT_EQ(DocumentedMembers("VelaVICenter.VbsJson"), MembersOf<support::VbsJson>());
     EXPECT_EQ(DocumentedMembers("VelaVICenter.StringBuilder"), MembersOf<support::StringBuilder>());
+    EXPECT_EQ(DocumentedMembers("VelaVICenter.Host"), MembersOf<front::HostRegistrar>());
     EXPECT_EQ(DocumentedMembers("Scripting.Dictionary"), MembersOf<scripting::Dictionary>());
     EXPECT_EQ(DocumentedMembers("Scripting.FileSystemObject"), MembersOf<scripting::FileSystemObject>());
     EXPECT_EQ(DocumentedMembers("ADODB.Recordset"), MembersOf<ado::Recordset>());

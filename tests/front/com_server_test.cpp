@@ -1,18 +1,10 @@
-// The library as a COM server: found by ProgID, used, registered and taken away again without a trace.
+// The library as a COM server: found by ProgID and used, late-bound and early-bound.
 
 #include <deque>
-#include <functional>
-#include <set>
-#include <string>
+#include <thread>
 
-#include <gtest/gtest.h>
-
-#include "automation/object.h"
-#include "platform/com/com_error.h"
-#include "platform/com/com_pointer.h"
-#include "platform/com/com_value.h"
-#include "platform/com/dispatch_object.h"
-#include "platform/com/foreign_object.h"
+#include "front/include/vicenter/vicenter_com.h"
+#include "tests/front/com_server_fixture.h"
 
 namespace vicenter::front {
 namespace {
@@ -21,60 +13,6 @@ using automation::Error;
 using automation::ObjectRef;
 using automation::Variant;
 using automation::VariantArray;
-
-const char* const kProgIds[] = {"VelaVICenter.aplication", "VelaVICenter.clsVIData", "VelaVICenter.VbsJson",
-                                "VelaVICenter.StringBuilder"};
-
-class ComServer : public testing::Test {
-  protected:
-    ComServer() {
-        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        library_ = LoadLibraryW(system::os::Wide(VICENTER_LIBRARY).c_str());
-        EXPECT_NE(library_, nullptr) << GetLastError();
-        EXPECT_EQ(Install(true), S_OK);
-    }
-    ~ComServer() override {
-        EXPECT_EQ(Install(false), S_OK);
-        EXPECT_EQ(Export<HRESULT STDMETHODCALLTYPE()>("DllCanUnloadNow")(), S_OK);
-        CoUninitialize();
-        FreeLibrary(library_);
-    }
-
-    template <class Function>
-    Function* Export(const char* name) {
-        auto* found = reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library_, name)));
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
-    HRESULT Install(bool install) {
-        return Export<HRESULT STDMETHODCALLTYPE(BOOL, LPCWSTR)>("DllInstall")(install, L"user");
-    }
-    static Error Failure(const std::function<void()>& call) {
-        try {
-            call();
-        } catch (const Error& error) {
-            return error;
-        }
-        ADD_FAILURE() << "nothing failed";
-        return Error(0);
-    }
-    static std::set<std::wstring> KeysBelow(const wchar_t* key) {
-        std::set<std::wstring> keys;
-        HKEY open = nullptr;
-        if (RegOpenKeyExW(HKEY_CURRENT_USER, key, 0, KEY_READ, &open) != ERROR_SUCCESS) return keys;
-        wchar_t name[256];
-        for (DWORD i = 0;; ++i) {
-            DWORD length = 256;
-            if (RegEnumKeyExW(open, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
-                break;
-            keys.insert(std::wstring(name, length));
-        }
-        RegCloseKey(open);
-        return keys;
-    }
-
-    HMODULE library_ = nullptr;
-};
 
 TEST_F(ComServer, MakesEachPublicClassByItsProgId) {
     for (const char* progId : kProgIds) {
@@ -93,6 +31,11 @@ TEST_F(ComServer, ValuesTravelBothWays) {
     EXPECT_EQ(decoded.AsObject()->Get("Item", {"名"}), Variant("凭证"));
     EXPECT_EQ(decoded.AsObject()->Get("", {"list"}), Variant(VariantArray{1.0, 2.5, Variant::Null(), true}));
     EXPECT_EQ(json->Call("Encode", {decoded}), Variant(R"({"名":"凭证","list":[1,2.5,null,true]})"));
+    // The system's own dictionary as well.
+    const ObjectRef dictionary = com::CreateForeign("Scripting.Dictionary");
+    dictionary->Call("Add", {"乙", decoded});
+    EXPECT_EQ(json->Call("Encode", {dictionary}),
+              Variant(R"({"乙":{"名":"凭证","list":[1,2.5,null,true]}})"));
     const Error failed = Failure([&] { json->Call("Decode", {"{1}"}); });
     EXPECT_EQ(failed.Number(), 8732);
     EXPECT_EQ(failed.Text(), "Expecting property name");
@@ -106,67 +49,151 @@ TEST_F(ComServer, AThousandObjectsOfEachClassLeaveNothingBehind) {
         for (int i = 0; i < 1000; ++i)
             ASSERT_NE(com::CreateForeign(progId), nullptr);
     }
-    EXPECT_EQ(Export<HRESULT STDMETHODCALLTYPE()>("DllCanUnloadNow")(), S_OK);
+    EXPECT_EQ(CanUnload(), S_OK);
 }
 
 TEST_F(ComServer, StaysLoadedWhileAnObjectIsHeld) {
     const ObjectRef builder = com::CreateForeign("VelaVICenter.StringBuilder");
-    EXPECT_EQ(Export<HRESULT STDMETHODCALLTYPE()>("DllCanUnloadNow")(), S_FALSE);
+    EXPECT_EQ(CanUnload(), S_FALSE);
     builder->Call("Append", {"甲"});
     EXPECT_EQ(builder->Get(""), Variant("甲"));
 }
 
-TEST_F(ComServer, RegistrationLeavesNoTrace) {
-    ASSERT_EQ(Install(false), S_OK);
-    const auto classes = KeysBelow(L"Software\\Classes");
-    const auto ids = KeysBelow(L"Software\\Classes\\CLSID");
-    ASSERT_EQ(Install(true), S_OK);
-    EXPECT_EQ(KeysBelow(L"Software\\Classes").size(), classes.size() + std::size(kProgIds));
-    EXPECT_EQ(KeysBelow(L"Software\\Classes\\CLSID").size(), ids.size() + std::size(kProgIds));
-    ASSERT_EQ(Install(false), S_OK);
-    EXPECT_EQ(KeysBelow(L"Software\\Classes"), classes);
-    EXPECT_EQ(KeysBelow(L"Software\\Classes\\CLSID"), ids);
-    EXPECT_EQ(Failure([] { com::CreateForeign("VelaVICenter.VbsJson"); }).Number(), 429);
-    // Once more is no failure.
-    EXPECT_EQ(Install(false), S_OK);
-}
-
-// As a host that was compiled against the type library: by the ids and places that it says.
-TEST_F(ComServer, EarlyBoundHostsCallByTheTypeLibrary) {
-    com::ComPointer<ITypeLib> library;
-    ASSERT_EQ(LoadTypeLib(system::os::Wide(VICENTER_LIBRARY).c_str(), library.Receive()), S_OK);
-    CLSID id{};
-    ASSERT_EQ(CLSIDFromProgID(L"VelaVICenter.StringBuilder", &id), S_OK);
-    com::ComPointer<ITypeInfo> coclass;
-    ASSERT_EQ(library->GetTypeInfoOfGuid(id, coclass.Receive()), S_OK);
-    HREFTYPE reference = 0;
-    ASSERT_EQ(coclass->GetRefTypeOfImplType(0, &reference), S_OK);
-    com::ComPointer<ITypeInfo> type;
-    ASSERT_EQ(coclass->GetRefTypeInfo(reference, type.Receive()), S_OK);
-    com::ComPointer<IDispatch> builder;
-    ASSERT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, builder.ReceiveAny()), S_OK);
-    const auto call = [&](const wchar_t* name, const wchar_t* argument, const VariantArray& values) {
-        std::wstring member(name);
-        std::wstring named(argument);
-        wchar_t* names[] = {member.data(), named.data()};
-        MEMBERID ids[2] = {};
-        EXPECT_EQ(type->GetIDsOfNames(names, named.empty() ? 1 : 2, ids), S_OK);
+// As a host in C++ that was compiled with the numbers of the header.
+class EarlyBound : public ComServer {
+  protected:
+    static com::ComPointer<IDispatch> Make(REFCLSID id, REFIID interfaceId) {
+        com::ComPointer<IDispatch> made;
+        EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, interfaceId, made.ReceiveAny()), S_OK);
+        return made;
+    }
+    // The last `named.size()` values belong to these places.
+    static Variant Call(const com::ComPointer<IDispatch>& object, DISPID member, const VariantArray& values,
+                        std::vector<DISPID> named = {}) {
         std::deque<com::OwnVariant> held;
         std::vector<VARIANT> passed;
         for (auto value = values.rbegin(); value != values.rend(); ++value)
             passed.push_back(held.emplace_back(*value).Value());
-        DISPPARAMS given{passed.data(), &ids[1], static_cast<UINT>(passed.size()), named.empty() ? 0U : 1U};
+        DISPPARAMS given{passed.data(), named.data(), static_cast<UINT>(passed.size()),
+                         static_cast<UINT>(named.size())};
         com::OwnVariant result;
         EXPECT_EQ(
-            builder->Invoke(ids[0], IID_NULL, 0, DISPATCH_METHOD, &given, &result.Value(), nullptr, nullptr),
+            object->Invoke(member, IID_NULL, 0, DISPATCH_METHOD, &given, &result.Value(), nullptr, nullptr),
             S_OK);
         return com::FromCom(result.Value());
+    }
+};
+
+TEST_F(EarlyBound, EachClassAnswersToItsInterface) {
+    const struct {
+        const char* progId;
+        CLSID id;
+        IID interfaceId;
+    } classes[] = {
+        {"VelaVICenter.aplication", VelaVICenter::aplication::kClass, VelaVICenter::aplication::kInterface},
+        {"VelaVICenter.clsVIData", VelaVICenter::clsVIData::kClass, VelaVICenter::clsVIData::kInterface},
+        {"VelaVICenter.VbsJson", VelaVICenter::VbsJson::kClass, VelaVICenter::VbsJson::kInterface},
+        {"VelaVICenter.StringBuilder", VelaVICenter::StringBuilder::kClass,
+         VelaVICenter::StringBuilder::kInterface},
+        {"VelaVICenter.Host", VelaVICenter::Host::kClass, VelaVICenter::Host::kInterface},
     };
-    call(L"Append", L"", {"abcABC"});
-    EXPECT_EQ(call(L"ToString", L"", {}), Variant("abcABC"));
-    EXPECT_EQ(call(L"Find", L"", {"C"}), Variant(6));
-    // The named one stands behind, as it comes first in the call's own order.
-    EXPECT_EQ(call(L"Find", L"start", {"A", 4}), Variant(4));
+    ASSERT_EQ(std::size(classes), std::size(kProgIds));
+    for (const auto& one : classes) {
+        CLSID found{};
+        EXPECT_EQ(CLSIDFromProgID(system::os::Wide(one.progId).c_str(), &found), S_OK);
+        EXPECT_TRUE(IsEqualCLSID(found, one.id)) << one.progId;
+        const auto made = Make(one.id, one.interfaceId);
+        ASSERT_TRUE(made) << one.progId;
+        com::ComPointer<ISupportErrorInfo> errors;
+        ASSERT_EQ(made->QueryInterface(IID_ISupportErrorInfo, errors.ReceiveAny()), S_OK);
+        EXPECT_EQ(errors->InterfaceSupportsErrorInfo(one.interfaceId), S_OK);
+        // Nobody else's.
+        com::ComPointer<IUnknown> other;
+        EXPECT_EQ(made->QueryInterface(one.id, other.ReceiveAny()), E_NOINTERFACE);
+    }
+    const auto json = Make(VelaVICenter::VbsJson::kClass, VelaVICenter::VbsJson::kInterface);
+    com::ComPointer<IUnknown> builder;
+    EXPECT_EQ(json->QueryInterface(VelaVICenter::StringBuilder::kInterface, builder.ReceiveAny()),
+              E_NOINTERFACE);
+}
+
+TEST_F(EarlyBound, MembersAreCalledByTheirNumbers) {
+    using VelaVICenter::StringBuilder;
+    const auto builder = Make(StringBuilder::kClass, StringBuilder::kInterface);
+    ASSERT_TRUE(builder);
+    Call(builder, StringBuilder::Append, {"abcABC"});
+    EXPECT_EQ(Call(builder, StringBuilder::ToString, {}), Variant("abcABC"));
+    EXPECT_EQ(Call(builder, StringBuilder::Find, {"C"}), Variant(6));
+    // The second argument by its place in the declaration.
+    EXPECT_EQ(Call(builder, StringBuilder::Find, {"A", 4}, {1}), Variant(4));
+    using VelaVICenter::clsVIData;
+    EXPECT_EQ(Call(Make(clsVIData::kClass, clsVIData::kInterface), clsVIData::mTransMode, {}), Variant(2));
+}
+
+TEST_F(EarlyBound, TheTypeLibraryTellsTheSameNumbers) {
+    com::ComPointer<ITypeLib> library;
+    ASSERT_EQ(LoadTypeLib(Path().c_str(), library.Receive()), S_OK);
+    com::ComPointer<ITypeInfo> coclass;
+    ASSERT_EQ(library->GetTypeInfoOfGuid(VelaVICenter::StringBuilder::kClass, coclass.Receive()), S_OK);
+    HREFTYPE reference = 0;
+    ASSERT_EQ(coclass->GetRefTypeOfImplType(0, &reference), S_OK);
+    com::ComPointer<ITypeInfo> type;
+    ASSERT_EQ(coclass->GetRefTypeInfo(reference, type.Receive()), S_OK);
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
+    EXPECT_TRUE(IsEqualIID(attributes->guid, VelaVICenter::StringBuilder::kInterface));
+    type->ReleaseTypeAttr(attributes);
+    wchar_t find[] = L"Find";
+    wchar_t start[] = L"start";
+    wchar_t* names[] = {find, start};
+    MEMBERID ids[2] = {};
+    ASSERT_EQ(type->GetIDsOfNames(names, 2, ids), S_OK);
+    EXPECT_EQ(ids[0], VelaVICenter::StringBuilder::Find);
+    EXPECT_EQ(ids[1], 1);
+}
+
+TEST_F(ComServer, AnotherThreadIsRefused) {
+    const ObjectRef own = com::CreateForeign("VelaVICenter.StringBuilder");
+    CLSID id{};
+    ASSERT_EQ(CLSIDFromProgID(L"VelaVICenter.StringBuilder", &id), S_OK);
+    const com::ComPointer<IDispatch> builder(com::NewDispatch(own));
+    HRESULT made = S_OK;
+    HRESULT called = S_OK;
+    HRESULT named = S_OK;
+    std::thread([&] {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        com::ComPointer<IDispatch> other;
+        made = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, other.ReceiveAny());
+        DISPPARAMS none{};
+        called = builder->Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr,
+                                 nullptr);
+        wchar_t append[] = L"Append";
+        wchar_t* names = append;
+        DISPID number = 0;
+        named = builder->GetIDsOfNames(IID_NULL, &names, 1, 0, &number);
+        CoUninitialize();
+    }).join();
+    EXPECT_EQ(made, RPC_E_WRONG_THREAD);
+    EXPECT_EQ(called, RPC_E_WRONG_THREAD);
+    EXPECT_EQ(named, RPC_E_WRONG_THREAD);
+    own->Call("Append", {"甲"});
+    EXPECT_EQ(own->Get(""), Variant("甲"));
+}
+
+TEST_F(ComServer, AHostsObjectsServeAsComponentsAndAsConnectionService) {
+    // What the component asks of a host is asked of the host's own object, which stands in another library
+    // here.
+    const ObjectRef host = com::CreateForeign("VelaVICenter.Host");
+    const ObjectRef settings = com::CreateForeign("Scripting.Dictionary");
+    host->Call("Register", {"VelaPropsMgr.ShareProps", settings});
+    host->Call("SetFramework", {settings});
+    // A dictionary is neither: the first is asked for the property string, and the call fails without a word.
+    EXPECT_FALSE(
+        com::CreateForeign("VelaVICenter.clsVIData")->Call("CheckVchTemplateIsExist", {"甲"}).ToBoolean());
+    host->Call("SetFramework", {ObjectRef()});
+    host->Call("Unregister", {"VelaPropsMgr.ShareProps"});
+    EXPECT_EQ(Failure([&] { host->Call("Register", {"", settings}); }).Number(), 5);
+    EXPECT_EQ(Failure([&] { host->Call("Register", {"A.B", 1}); }).Number(), 5);
 }
 
 TEST_F(ComServer, WhatIsNotOursIsRefused) {

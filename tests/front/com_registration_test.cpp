@@ -1,0 +1,217 @@
+// The library in the system's registry, for the user and for the machine, by its own calls and by regsvr32;
+// and used with nothing registered, by a manifest.
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "tests/front/com_server_fixture.h"
+
+namespace vicenter::front {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Every value below a key by its path, its kind and its bytes; keys end in "\".
+using Values = std::map<std::wstring, std::pair<DWORD, std::string>>;
+
+void Read(HKEY key, const std::wstring& path, Values& values) {
+    values[path];
+    std::wstring name(16384, L'\0');
+    std::string data(65536, '\0');
+    for (DWORD i = 0;; ++i) {
+        auto length = static_cast<DWORD>(name.size());
+        auto size = static_cast<DWORD>(data.size());
+        DWORD type = 0;
+        const LSTATUS code = RegEnumValueW(key, i, name.data(), &length, nullptr, &type,
+                                           reinterpret_cast<BYTE*>(data.data()), &size);
+        if (code != ERROR_SUCCESS) break;
+        values[path + name.substr(0, length)] = {type, data.substr(0, size)};
+    }
+    for (DWORD i = 0;; ++i) {
+        auto length = static_cast<DWORD>(name.size());
+        if (RegEnumKeyExW(key, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+            break;
+        const std::wstring below = name.substr(0, length);
+        HKEY open = nullptr;
+        if (RegOpenKeyExW(key, below.c_str(), 0, KEY_READ, &open) != ERROR_SUCCESS) continue;
+        Read(open, path + below + L"\\", values);
+        RegCloseKey(open);
+    }
+}
+
+Values Classes(HKEY root) {
+    Values values;
+    HKEY open = nullptr;
+    if (RegOpenKeyExW(root, L"Software\\Classes", 0, KEY_READ, &open) != ERROR_SUCCESS) return values;
+    Read(open, L"", values);
+    RegCloseKey(open);
+    return values;
+}
+
+// What has come into the first since the second was read.
+std::set<std::wstring> Added(const Values& now, const Values& before) {
+    std::set<std::wstring> added;
+    for (const auto& [path, value] : now) {
+        const auto found = before.find(path);
+        if (found == before.end() || found->second != value) added.insert(path);
+    }
+    return added;
+}
+
+void ExpectOnlyOurs(const std::set<std::wstring>& added) {
+    EXPECT_FALSE(added.empty());
+    for (std::wstring path : added) {
+        // Names of keys are compared without case.
+        if (path.size() >= 7 && lstrcmpiW(path.substr(0, 7).c_str(), L"TypeLib") == 0)
+            path.replace(0, 7, L"TypeLib");
+        const bool ours =
+            path.rfind(L"VelaVICenter.", 0) == 0 || path.rfind(L"TypeLib\\{FE125752-", 0) == 0 ||
+            path.rfind(L"CLSID\\{CB676E64-", 0) == 0 || path.rfind(L"CLSID\\{E057ECA1-", 0) == 0 ||
+            path.rfind(L"CLSID\\{DAF99C00-", 0) == 0 || path.rfind(L"CLSID\\{956C88A9-", 0) == 0 ||
+            path.rfind(L"CLSID\\{FA5C40F4-", 0) == 0 || path == L"TypeLib\\" || path == L"CLSID\\";
+        EXPECT_TRUE(ours) << system::os::Narrow(path);
+    }
+}
+
+// Whether COM looks into the user's own classes: Wine does not.
+bool UsersClassesCount() {
+    constexpr const wchar_t* kProbe = L"VelaVICenter.Probe";
+    const std::wstring key = std::wstring(L"Software\\Classes\\") + kProbe;
+    HKEY made = nullptr;
+    HKEY seen = nullptr;
+    RegCreateKeyW(HKEY_CURRENT_USER, key.c_str(), &made);
+    const bool count = RegOpenKeyExW(HKEY_CLASSES_ROOT, kProbe, 0, KEY_READ, &seen) == ERROR_SUCCESS;
+    if (count) RegCloseKey(seen);
+    RegCloseKey(made);
+    RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str());
+    return count;
+}
+
+DWORD RunProgram(std::wstring command) {
+    STARTUPINFOW how{};
+    how.cb = sizeof how;
+    PROCESS_INFORMATION started{};
+    if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &how,
+                       &started) == 0)
+        return GetLastError();
+    WaitForSingleObject(started.hProcess, INFINITE);
+    DWORD code = 0;
+    GetExitCodeProcess(started.hProcess, &code);
+    CloseHandle(started.hThread);
+    CloseHandle(started.hProcess);
+    return code;
+}
+
+class Registration : public ComLibrary {
+  protected:
+    // The keys that hold all classes' stay, whoever made them.
+    Registration() {
+        for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+            for (const wchar_t* key : {L"Software\\Classes\\CLSID", L"Software\\Classes\\TypeLib"}) {
+                HKEY open = nullptr;
+                RegCreateKeyW(root, key, &open);
+                RegCloseKey(open);
+            }
+        }
+        EXPECT_EQ(Failure([] { com::CreateForeign("VelaVICenter.VbsJson"); }).Number(), 429);
+        user_ = Classes(HKEY_CURRENT_USER);
+        machine_ = Classes(HKEY_LOCAL_MACHINE);
+    }
+    void ExpectNothingLeft() {
+        EXPECT_EQ(Classes(HKEY_CURRENT_USER), user_);
+        EXPECT_EQ(Classes(HKEY_LOCAL_MACHINE), machine_);
+        EXPECT_EQ(Failure([] { com::CreateForeign("VelaVICenter.VbsJson"); }).Number(), 429);
+    }
+    static void ExpectAllClasses() {
+        for (const char* progId : kProgIds)
+            EXPECT_NE(com::CreateForeign(progId), nullptr) << progId;
+    }
+
+    Values user_;
+    Values machine_;
+};
+
+TEST_F(Registration, ForTheUserLeavesNoTrace) {
+    ASSERT_EQ(InstallForUser(true), S_OK);
+    if (UsersClassesCount()) ExpectAllClasses();
+    ExpectOnlyOurs(Added(Classes(HKEY_CURRENT_USER), user_));
+    EXPECT_EQ(Classes(HKEY_LOCAL_MACHINE), machine_);
+    // Twice is as good as once.
+    ASSERT_EQ(InstallForUser(true), S_OK);
+    ASSERT_EQ(InstallForUser(false), S_OK);
+    ExpectNothingLeft();
+    EXPECT_EQ(InstallForUser(false), S_OK);
+}
+
+TEST_F(Registration, ForTheMachineLeavesNoTrace) {
+    ASSERT_EQ(InstallForMachine(true), S_OK);
+    ExpectAllClasses();
+    ExpectOnlyOurs(Added(Classes(HKEY_LOCAL_MACHINE), machine_));
+    EXPECT_EQ(Classes(HKEY_CURRENT_USER), user_);
+    // The user's is another one.
+    ASSERT_EQ(InstallForUser(true), S_OK);
+    ASSERT_EQ(InstallForUser(false), S_OK);
+    ExpectAllClasses();
+    ASSERT_EQ(InstallForMachine(false), S_OK);
+    ExpectNothingLeft();
+    EXPECT_EQ(InstallForMachine(false), S_OK);
+}
+
+TEST_F(Registration, ByTheSystemsOwnProgram) {
+    const std::wstring library = L" \"" + Path() + L"\"";
+    EXPECT_EQ(RunProgram(L"regsvr32 /s /n /i:user" + library), 0U);
+    if (UsersClassesCount()) ExpectAllClasses();
+    EXPECT_NE(Classes(HKEY_CURRENT_USER), user_);
+    EXPECT_EQ(RunProgram(L"regsvr32 /s /u /n /i:user" + library), 0U);
+    ExpectNothingLeft();
+    EXPECT_EQ(RunProgram(L"regsvr32 /s" + library), 0U);
+    ExpectAllClasses();
+    EXPECT_EQ(RunProgram(L"regsvr32 /s /u" + library), 0U);
+    ExpectNothingLeft();
+}
+
+TEST_F(Registration, TheTypeLibraryIsFoundByItsNumber) {
+    ASSERT_EQ(InstallForMachine(true), S_OK);
+    GUID id{};
+    ASSERT_EQ(CLSIDFromString(L"{FE125752-6EC8-4741-9BFB-F7486F0ACFD9}", &id), S_OK);
+    com::ComPointer<ITypeLib> library;
+    EXPECT_EQ(LoadRegTypeLib(id, 1, 0, 0, library.Receive()), S_OK);
+    ASSERT_TRUE(library);
+    EXPECT_EQ(library->GetTypeInfoCount(), 2 * std::size(kProgIds));
+    library = {};
+    ASSERT_EQ(InstallForMachine(false), S_OK);
+    EXPECT_NE(LoadRegTypeLib(id, 1, 0, 0, library.Receive()), S_OK);
+}
+
+// As in a host whose manifest names the library: nothing is registered.
+TEST_F(Registration, AManifestNeedsNone) {
+    const fs::path folder = fs::path(Path()).parent_path().make_preferred();
+    const fs::path manifest = fs::temp_directory_path() / L"vicenter host 宿主.manifest";
+    std::ofstream(manifest) << R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>
+<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0"><dependency><dependentAssembly>
+<assemblyIdentity type="win32" name="VelaVICenter" version="1.0.0.0" processorArchitecture=")"
+                            << (sizeof(void*) == 8 ? "amd64" : "x86")
+                            << R"("/></dependentAssembly></dependency></assembly>)";
+    const std::wstring source = manifest.wstring();
+    const std::wstring place = folder.wstring();
+    ACTCTXW asked{};
+    asked.cbSize = sizeof asked;
+    asked.dwFlags = ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID;
+    asked.lpSource = source.c_str();
+    asked.lpAssemblyDirectory = place.c_str();
+    const HANDLE context = CreateActCtxW(&asked);
+    ASSERT_NE(context, INVALID_HANDLE_VALUE) << GetLastError();
+    ULONG_PTR cookie = 0;
+    ASSERT_TRUE(ActivateActCtx(context, &cookie));
+    ExpectAllClasses();
+    ASSERT_TRUE(DeactivateActCtx(0, cookie));
+    ReleaseActCtx(context);
+    fs::remove(manifest);
+    ExpectNothingLeft();
+}
+
+}  // namespace
+}  // namespace vicenter::front
