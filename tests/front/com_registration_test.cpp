@@ -5,6 +5,7 @@
 #include <fstream>
 #include <map>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "tests/front/com_server_fixture.h"
@@ -64,7 +65,9 @@ std::set<std::wstring> Added(const Values& now, const Values& before) {
 void ExpectOnlyOurs(const std::set<std::wstring>& added) {
     EXPECT_FALSE(added.empty());
     for (std::wstring path : added) {
-        // Names of keys are compared without case.
+        // The 32-bit programs' view of the same; and names of keys are compared without case.
+        constexpr std::wstring_view kOtherView = L"Wow6432Node\\";
+        if (path.rfind(kOtherView, 0) == 0) path.erase(0, kOtherView.size());
         if (path.size() >= 7 && lstrcmpiW(path.substr(0, 7).c_str(), L"TypeLib") == 0)
             path.replace(0, 7, L"TypeLib");
         const bool ours =
