@@ -22,16 +22,19 @@ std::string Day(const std::string& day) {
     return "'" + digits + "'";
 }
 
-// How many lines templates had, by name and owner: until when (a moment as text; empty: today) and how many.
-using LineCounts =
-    std::map<std::pair<std::string, std::int32_t>, std::vector<std::pair<std::string, std::int32_t>>>;
+// How many lines templates had, by name and owner: until when (days as dates count them, since two commands
+// may follow each other within a second; none: today) and how many.
+using LineCounts = std::map<std::pair<std::string, std::int32_t>,
+                            std::vector<std::pair<std::optional<double>, std::int32_t>>>;
 
 void AddCounts(LineCounts& counts, const std::string& question) {
     const ado::RecordsetRef rows = GetRecordset(question);
     if (rows == nullptr || rows->ColumnCount() == 0) return;
     for (; !rows->AtEnd(); rows->MoveNext()) {
+        std::optional<double> until;
+        if (!rows->Value("FUntil").ToTextOrEmpty().empty()) until = rows->Value("FUntil").ToDouble();
         counts[{rows->Value("FName").ToTextOrEmpty(), rows->Value("FOwnerID").ToInt32()}].emplace_back(
-            rows->Value("FUntil").ToTextOrEmpty(), rows->Value("FLines").ToInt32());
+            until, rows->Value("FLines").ToInt32());
     }
 }
 
@@ -51,12 +54,12 @@ LineCounts ReadLineCounts() {
 
 // The lines of the template just behind that moment.
 std::optional<std::int32_t> LinesAfter(const LineCounts& counts, const std::string& name, std::int32_t userId,
-                                       const std::string& moment) {
+                                       double moment) {
     for (const std::int32_t owner : {userId, 0}) {
         const auto found = counts.find({name, owner});
         if (found == counts.end()) continue;
         for (const auto& [until, lines] : found->second) {
-            if (until.empty() || until > moment) return lines;
+            if (!until || *until > moment) return lines;
         }
     }
     return std::nullopt;
@@ -107,7 +110,8 @@ LogAnswer ReadOperationLog(const LogFilter& filter) {
                            {}};
             if (const std::string name = WrittenTemplate(entry); !name.empty()) {
                 if (!counts) counts = ReadLineCounts();
-                if (const auto lines = LinesAfter(*counts, name, entry.userId, moment))
+                if (const auto lines =
+                        LinesAfter(*counts, name, entry.userId, rows->Value("FDate").ToDouble()))
                     entry.counts = std::to_string(*lines) + " 行";
             }
             answer.entries.push_back(std::move(entry));
