@@ -2,6 +2,7 @@
 
 #include <charconv>
 
+#include "automation/error.h"
 #include "text/blanks.h"
 
 namespace vicenter::host {
@@ -54,6 +55,10 @@ std::optional<ScriptBatch> BatchReader::Next() {
         batch.text += line;
         batch.text += '\n';
     }
+    // A stream swallows what fails beneath it, memory too. What was not read to its end is not run.
+    if (script_.bad())
+        throw automation::Error(automation::error_number::kPermissionDenied,
+                                "脚本没有读完，其余部分没有执行！");
     if (Trimmed(batch.text).empty()) return std::nullopt;
     return batch;
 }

@@ -22,6 +22,7 @@ class BatchReader {
     explicit BatchReader(std::istream& script) : script_(script) {}
 
     // The next batch that holds more than blanks and line breaks; nothing at the end of the script.
+    // Throws Error 70 when the script could not be read to its end: half a batch is none.
     std::optional<ScriptBatch> Next();
 
   private:

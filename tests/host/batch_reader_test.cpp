@@ -1,9 +1,12 @@
 #include "host/batch_reader.h"
 
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "automation/error.h"
 
 namespace vicenter::host {
 namespace {
@@ -59,6 +62,31 @@ TEST(BatchReader, GoInsideATextACommentOrAQuotedNameIsNoEnd) {
 
 TEST(BatchReader, AnApostropheInALineCommentOpensNoText) {
     EXPECT_EQ(2U, Read("select 1 -- don't\ngo\nselect 2\n").size());
+}
+
+TEST(BatchReader, HalfABatchIsNone) {
+    // Gives its first lines, then its disk fails.
+    class Broken : public std::stringbuf {
+      public:
+        Broken() : std::stringbuf("select 1\ngo\ndelete t where a = 1\n") {}
+
+      protected:
+        int_type underflow() override {
+            const int_type next = std::stringbuf::underflow();
+            if (traits_type::eq_int_type(next, traits_type::eof())) throw std::runtime_error("disk");
+            return next;
+        }
+    };
+    Broken buffer;
+    std::istream stream(&buffer);
+    BatchReader reader(stream);
+    EXPECT_EQ(reader.Next()->text, "select 1\n");
+    try {
+        reader.Next();
+        ADD_FAILURE() << "half a batch was given";
+    } catch (const automation::Error& error) {
+        EXPECT_EQ(error.Text(), "脚本没有读完，其余部分没有执行！");
+    }
 }
 
 TEST(BatchReader, SkipsAByteOrderMark) {
