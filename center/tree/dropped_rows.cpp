@@ -63,8 +63,13 @@ std::string Renumber(std::vector<LineTexts>& lines, const std::vector<LineTexts>
     return changes;
 }
 
-std::optional<std::vector<LineTexts>> StoredLines(const std::string& templateId, const std::string& name,
-                                                  const std::string& userId) {
+struct Stored {
+    std::vector<LineTexts> lines;
+    LinesDigest digest;
+};
+
+std::optional<Stored> StoredLines(const std::string& templateId, const std::string& name,
+                                  const std::string& userId) {
     if (FateOfNode(templateId, name, userId).fate == TemplateFate::Gone) {
         TellGone(name);
         return std::nullopt;
@@ -72,10 +77,10 @@ std::optional<std::vector<LineTexts>> StoredLines(const std::string& templateId,
     try {
         const auto row = store::AskTemplateWithLines(templateId);
         if (row && row->lines != nullptr) {
-            std::vector<LineTexts> lines = store::TextsOfLines(*row->lines);
+            Stored stored{store::TextsOfLines(*row->lines), store::DigestOf(*row->lines)};
             // A template without lines answers one record with nothing in it.
-            if (lines.size() == 1 && lines[0][column::kNo - 1].empty()) lines.clear();
-            return lines;
+            if (stored.lines.size() == 1 && stored.lines[0][column::kNo - 1].empty()) stored.lines.clear();
+            return stored;
         }
     } catch (const automation::Error&) {
         // As unreadable as no answer.
@@ -93,20 +98,28 @@ bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const st
         Tell(added ? "所选的行中没有分录，没有复制！" : "所选的行中有未更正的内容，没有复制！");
         return false;
     }
-    std::optional<std::vector<LineTexts>> lines = StoredLines(templateId, name, userId);
-    if (!lines) return false;
-    const std::string changes = Renumber(*added, *lines);
+    const std::optional<Stored> stored = StoredLines(templateId, name, userId);
+    if (!stored) return false;
+    std::vector<LineTexts> lines = stored->lines;
+    const std::string changes = Renumber(*added, lines);
     if (Ask("将 " + std::to_string(added->size()) + " 行分录复制到模板 " + name + " 的末尾" +
                 (changes.empty() ? "" : "（编号 " + changes + "）") + "，请确认？",
             system::MessageButtons::YesNo) != system::MessageResult::Yes) {
         return false;
     }
-    lines->insert(lines->end(), added->begin(), added->end());
+    // Somebody may have saved it while the question stood there.
+    const std::optional<Stored> now = StoredLines(templateId, name, userId);
+    if (!now) return false;
+    if (now->digest != stored->digest) {
+        Tell("模板 " + name + " 已在别处被修改，没有复制！");
+        return false;
+    }
+    lines.insert(lines.end(), added->begin(), added->end());
     EntryGrid grid;
-    const int count = static_cast<int>(lines->size());
+    const int count = static_cast<int>(lines.size());
     grid.SetRowTotal(count + 1);
     for (int row = 1; row <= count; ++row)
-        grid.FillRow(row, (*lines)[static_cast<std::size_t>(row - 1)]);
+        grid.FillRow(row, lines[static_cast<std::size_t>(row - 1)]);
     if (const auto finding = ValidateLines(grid, count)) {
         Tell("模板 " + name + " 不能保存，没有复制：\r\n\r\n" + finding->text);
         return false;

@@ -123,6 +123,35 @@ TEST_F(SaveAs, DroppedRowsComeBehindTheOthersUnderFreeNumbersWithAllColumns) {
     EXPECT_EQ(Value("select FLines from t_VchTpHistory where FID = 2"), "8");
 }
 
+// Somebody else saves the template while the question stands on the screen.
+TEST_F(SaveAs, DroppedRowsNeverCoverWhatWasSavedMeanwhile) {
+    class Slow : public system::MessageBoxes {
+      public:
+        explicit Slow(host::HostSession& other) : other_(other) {}
+        MessageResult Show(const std::string& text, system::MessageButtons buttons, system::MessageIcon,
+                           const std::string&) override {
+            told.push_back(text);
+            if (buttons != system::MessageButtons::YesNo) return MessageResult::Ok;
+            other_.Execute(
+                "update t_VchTemplateEntry set FExp = 'by another' where FID = 2 and FEntryID = 1");
+            return MessageResult::Yes;
+        }
+        Texts told;
+
+      private:
+        host::HostSession& other_;
+    };
+    const auto rows = Window().Cells().CopyBlock(CellSelection::Rows({{1, 2}}));
+    const auto boxes = std::make_shared<Slow>(*session_);
+    system::Surroundings replaced = system::Surroundings::Current();
+    replaced.messageBoxes = boxes;
+    const system::SurroundingsScope scope(replaced);
+    Window().Tree().DropRows(KeyOf("销售与收款"), *rows);
+    EXPECT_EQ(boxes->told.back(), "模板 销售与收款 已在别处被修改，没有复制！");
+    EXPECT_EQ(LinesOf("销售与收款"), "8");
+    EXPECT_EQ(Value("select FExp from t_VchTemplateEntry where FID = 2 and FEntryID = 1"), "by another");
+}
+
 TEST_F(SaveAs, RowsThatAreRefusedOrDeclinedChangeNothing) {
     const auto rows = Window().Cells().CopyBlock(CellSelection::Rows({{1, 2}}));
     Answer(MessageResult::No);
