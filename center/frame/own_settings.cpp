@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <system_error>
 
 #include "automation/error.h"
@@ -21,13 +22,19 @@ fs::path Folder() {
     return system::PathFromUtf8(system::Surroundings::Current().folders->UserData());
 }
 
-Lines Read() {
+// Nothing when the file is there and cannot be read.
+std::optional<Lines> Read() {
     Lines lines;
-    std::ifstream in(Folder() / "window.settings", std::ios::binary);
+    const fs::path file = Folder() / "window.settings";
+    std::error_code failed;
+    if (fs::status(file, failed).type() == fs::file_type::not_found) return lines;
+    std::ifstream in(file, std::ios::binary);
+    if (!in) return std::nullopt;
     for (std::string line; std::getline(in, line);) {
         const std::size_t equals = line.find('=');
         if (equals != std::string::npos) lines[line.substr(0, equals)] = line.substr(equals + 1);
     }
+    if (in.bad()) return std::nullopt;
     return lines;
 }
 
@@ -53,7 +60,7 @@ void Write(const Lines& lines) {
 
 std::string OwnSettings::Text(std::string_view key) const {
     if (userId_.empty()) return {};
-    const Lines lines = Read();
+    const Lines lines = Read().value_or(Lines());
     const auto found = lines.find(userId_ + "." + std::string(key));
     return found == lines.end() ? std::string() : found->second;
 }
@@ -65,14 +72,15 @@ bool OwnSettings::IsOn(std::string_view key, bool otherwise) const {
 
 void OwnSettings::Put(std::string_view key, const std::string& value) const {
     if (userId_.empty()) return;
-    Lines lines = Read();
+    std::optional<Lines> lines = Read();
+    if (!lines) return;  // what was not read is not written: the others' settings stand there, too
     const std::string name = userId_ + "." + std::string(key);
     if (value.empty()) {
-        lines.erase(name);
+        lines->erase(name);
     } else {
-        lines[name] = value;
+        (*lines)[name] = value;
     }
-    Write(lines);
+    Write(*lines);
 }
 
 }  // namespace vicenter::center
