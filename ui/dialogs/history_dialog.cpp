@@ -7,6 +7,7 @@
 
 #include "store/template_columns.h"
 #include "ui/look/dialog_frame.h"
+#include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -72,12 +73,8 @@ QTableWidget* HistoryDialog::MakeTable(const char* name, const QStringList& head
     auto* table = new QTableWidget(0, static_cast<int>(headings.size()), this);
     table->setObjectName(QString::fromLatin1(name));
     table->setHorizontalHeaderLabels(headings);
-    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    SetUpList(*table);
     table->setSelectionMode(QAbstractItemView::SingleSelection);
-    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table->setTabKeyNavigation(false);
-    table->verticalHeader()->hide();
-    table->horizontalHeader()->setStretchLastSection(true);
     return table;
 }
 

@@ -8,6 +8,7 @@
 
 #include "exchange/template_columns.h"
 #include "ui/look/dialog_frame.h"
+#include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
 
@@ -75,11 +76,7 @@ QTableWidget* ImportPreviewDialog::MakeTable(const char* name, const QStringList
     auto* table = new QTableWidget(0, static_cast<int>(headings.size()), this);
     table->setObjectName(QString::fromLatin1(name));
     table->setHorizontalHeaderLabels(headings);
-    table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table->setTabKeyNavigation(false);
-    table->verticalHeader()->hide();
-    table->horizontalHeader()->setStretchLastSection(true);
+    SetUpList(*table);
     return table;
 }
 

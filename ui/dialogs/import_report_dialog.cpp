@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "exchange/import_several.h"
+#include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -53,11 +54,7 @@ QWidget* ImportReportDialog::MakeTable() {
         new QTableWidget(static_cast<int>(outcomes_.size()), static_cast<int>(headings.size()), this);
     table->setObjectName(QStringLiteral("files"));
     table->setHorizontalHeaderLabels(headings);
-    table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table->setTabKeyNavigation(false);
-    table->verticalHeader()->hide();
-    table->horizontalHeader()->setStretchLastSection(true);
+    SetUpList(*table);
     int row = 0;
     for (const exchange::ImportOutcome& outcome : outcomes_) {
         const QStringList texts = {

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "ui/look/dialog_frame.h"
+#include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -33,12 +34,8 @@ LogDialog::LogDialog(center::OperationLog& log, QWidget* parent)
     entries_->setHorizontalHeaderLabels({QStringLiteral("时间"), QStringLiteral("用户"),
                                          QStringLiteral("结果"), QStringLiteral("操作"),
                                          QStringLiteral("数量")});
-    entries_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    entries_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    entries_->setTabKeyNavigation(false);
+    SetUpList(*entries_);
     entries_->setWordWrap(false);
-    entries_->verticalHeader()->hide();
-    entries_->horizontalHeader()->setStretchLastSection(true);
     auto* close = new QPushButton(QStringLiteral("关闭(&C)"), this);
     close->setObjectName(QStringLiteral("cmdClose"));
     close->setAutoDefault(false);

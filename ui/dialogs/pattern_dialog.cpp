@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
 
 namespace vicenter::ui {
@@ -59,11 +60,7 @@ void PatternDialog::Fill(const autovch::LeftOut& without) {
     patterns_->setColumnCount(static_cast<int>(headings.size()));
     patterns_->setRowCount(static_cast<int>(preview_.patterns.size()));
     patterns_->setHorizontalHeaderLabels(headings);
-    patterns_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    patterns_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    patterns_->setTabKeyNavigation(false);
-    patterns_->verticalHeader()->hide();
-    patterns_->horizontalHeader()->setStretchLastSection(true);
+    SetUpList(*patterns_);
     int row = 0;
     for (const autovch::VoucherPattern& pattern : preview_.patterns) {
         const QStringList texts = {

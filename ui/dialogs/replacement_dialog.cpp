@@ -9,6 +9,7 @@
 #include "store/template_columns.h"
 #include "ui/look/center_style.h"
 #include "ui/look/dialog_frame.h"
+#include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -60,11 +61,7 @@ ReplacementDialog::ReplacementDialog(center::CodeReplacement& replacement, QWidg
     lines_->setObjectName(QStringLiteral("lines"));
     lines_->setAccessibleName(QStringLiteral("将要替换的分录"));
     lines_->setHorizontalHeaderLabels(Headings());
-    lines_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    lines_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    lines_->setTabKeyNavigation(false);
-    lines_->verticalHeader()->hide();
-    lines_->horizontalHeader()->setStretchLastSection(true);
+    SetUpList(*lines_);
     connect(lines_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) { TickChanged(*item); });
 
     auto* layout = new QVBoxLayout(this);

@@ -9,6 +9,7 @@
 
 #include "store/cell_rules.h"
 #include "store/template_columns.h"
+#include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -46,14 +47,10 @@ SearchPanel::SearchPanel(center::SearchActions& actions, QWidget* parent)
     hits_->setObjectName(QStringLiteral("lstHits"));
     hits_->setAccessibleName(QStringLiteral("查找到的分录"));
     hits_->setHorizontalHeaderLabels(Headings());
-    hits_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    SetUpList(*hits_);
     hits_->setSelectionMode(QAbstractItemView::SingleSelection);
-    hits_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    hits_->setTabKeyNavigation(false);
     hits_->setWordWrap(false);
-    hits_->verticalHeader()->hide();
     hits_->verticalHeader()->setDefaultSectionSize(hits_->fontMetrics().height() + 6);
-    hits_->horizontalHeader()->setStretchLastSection(true);
     hits_->installEventFilter(this);
     note_->setObjectName(QStringLiteral("lblHits"));
     connect(hits_, &QTableWidget::cellClicked, this, [this](int row, int) { Open(row); });

@@ -1,0 +1,12 @@
+#pragma once
+
+// How every list of records in a dialog or a panel behaves: whole rows are selected, nothing is edited in
+// place, Tab leaves it, and the last column takes what is left of the width.
+
+#include <QTableWidget>
+
+namespace vicenter::ui {
+
+void SetUpList(QTableWidget& table);
+
+}  // namespace vicenter::ui
