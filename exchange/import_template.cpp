@@ -10,7 +10,6 @@
 #include "exchange/import_destination.h"
 #include "exchange/import_preview.h"
 #include "exchange/import_reading.h"
-#include "platform/system/several_files.h"
 #include "platform/system/surroundings.h"
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
@@ -202,22 +201,7 @@ std::optional<std::vector<std::string>> ChooseWorkbooks(ImportOutcome& outcome) 
         request.filters.push_back({"FormatIni File Excel File (*.xlsx)", "*.xlsx"});
         request.selectedFilter = 1;
     }
-    const auto& dialogs = system::Surroundings::Current().fileDialogs;
-    if (auto* several = dynamic_cast<system::SeveralFiles*>(dialogs.get()))
-        return several->ChooseFilesToOpen(request);
-    const std::string chosen = dialogs->ChooseFileToOpen(request).value_or("");
-    return chosen.empty() ? std::vector<std::string>() : std::vector{chosen};
-}
-
-ImportOutcome ImportTemplate(ExchangeTarget& window) {
-    std::string chosen;
-    return Guarded(chosen, [&]() -> ImportOutcome {
-        ImportOutcome outcome;
-        const auto files = ChooseWorkbooks(outcome);
-        if (!files || files->empty()) return outcome;
-        chosen = files->front();
-        return ImportChosenFile(window, chosen);
-    });
+    return system::Surroundings::Current().fileDialogs->ChooseFilesToOpen(request);
 }
 
 ImportOutcome ImportTemplateFile(ExchangeTarget& window, const std::string& fileName, bool tidily) {

@@ -13,9 +13,6 @@
 
 namespace vicenter::exchange {
 
-// The import command: asks for a file, then imports. Shows its own messages, never throws.
-ImportOutcome ImportTemplate(ExchangeTarget& window);
-
 // The command's choice of files, several where the window system's dialog can. Nothing, and told in outcome,
 // when no server is installed. Errors pass.
 std::optional<std::vector<std::string>> ChooseWorkbooks(ImportOutcome& outcome);

@@ -50,6 +50,11 @@ class FileDialogs {
   public:
     virtual ~FileDialogs() = default;
     virtual std::optional<std::string> ChooseFileToOpen(const FileRequest& request) = 0;
+    // None when the user cancelled; one at most where a dialog takes no more.
+    virtual std::vector<std::string> ChooseFilesToOpen(const FileRequest& request) {
+        const std::optional<std::string> file = ChooseFileToOpen(request);
+        return file && !file->empty() ? std::vector<std::string>{*file} : std::vector<std::string>();
+    }
     virtual std::optional<std::string> ChooseFileToSave(const FileRequest& request) = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "exchange/import_template.h"
 
 #include "exchange/export_template.h"
+#include "exchange/import_several.h"
 #include "tests/exchange/exchange_fixture.h"
 #include "tests/paths/source_folder.h"
 #include "tests/platform/office/package.h"
@@ -71,13 +72,13 @@ class ImportTest : public ExchangeTest {
 
 TEST_F(ImportTest, TellsThatExcelIsMissing) {
     office::UnregisterExcelServer();
-    ImportTemplate(window_);
+    ImportTemplates(window_);
     EXPECT_EQ(Messages(), Lines{"检测当前系统未安装Excel，引入失败！"});
     EXPECT_EQ(LastTitle(), "信息提示");
 }
 
 TEST_F(ImportTest, AsksForAFileOfBothKindsFromVersion12On) {
-    ImportTemplate(window_);
+    ImportTemplates(window_);
     const system::FileRequest& request = surroundings_.fileDialogs->requests.at(0);
     EXPECT_EQ(request.title, "选择引入文件");
     EXPECT_EQ(request.flags, 0x81001u);
@@ -89,7 +90,7 @@ TEST_F(ImportTest, AsksForAFileOfBothKindsFromVersion12On) {
     EXPECT_EQ(request.selectedFilter, 1u);
     EXPECT_TRUE(Messages().empty());
     office::RegisterExcelServer("11.0");
-    ImportTemplate(window_);
+    ImportTemplates(window_);
     EXPECT_EQ(surroundings_.fileDialogs->requests.at(1).filters.size(), 1u);
 }
 
@@ -107,7 +108,7 @@ TEST_F(ImportTest, AsksBeforeItReplacesATemplate) {
     set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{5}}));
     set_.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{16394, "旧模板"}}));
     surroundings_.fileDialogs->choices = {file, file};
-    ImportTemplate(window_);
+    ImportTemplates(window_);
     const std::string question =
         "模板[旧模板]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？";
     EXPECT_EQ(Messages(), Lines{question});
@@ -115,7 +116,7 @@ TEST_F(ImportTest, AsksBeforeItReplacesATemplate) {
     EXPECT_EQ(LastTitle(), "信息提示");
     EXPECT_TRUE(window_.told.empty());
     surroundings_.messageBoxes->answers = {system::MessageResult::Ok};
-    ImportTemplate(window_);
+    ImportTemplates(window_);
     EXPECT_EQ(Messages().back(), "引入模板 旧模板 成功！");
     bool replaced = false;
     for (const std::string& sql : set_.Statements())

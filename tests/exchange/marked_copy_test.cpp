@@ -5,7 +5,6 @@
 #include "exchange/import_several.h"
 #include "exchange/import_template.h"
 #include "platform/office/xlsx_package.h"
-#include "platform/system/several_files.h"
 #include "tests/exchange/exchange_fixture.h"
 
 namespace vicenter::exchange {
@@ -266,7 +265,7 @@ TEST_F(MarkedCopyTest, HiddenColumnsAreReadAndShownAgainWhereTheyAreFaulty) {
 
 // --- several at once
 
-class SeveralDialogs : public fakes::ScriptedFileDialogs, public system::SeveralFiles {
+class SeveralDialogs : public fakes::ScriptedFileDialogs {
   public:
     std::vector<std::string> ChooseFilesToOpen(const system::FileRequest& request) override {
         requests.push_back(request);

@@ -23,7 +23,6 @@
 
 #include "exchange/template_columns.h"
 #include "platform/office/workbook_file.h"
-#include "platform/system/several_files.h"
 #include "tests/ui/demo_set_fixture.h"
 
 namespace vicenter::ui {
@@ -307,7 +306,7 @@ TEST_F(FaultMenuTest, BlankRowsAreTidiedAwayOnRequest) {
     EXPECT_THAT(window->Presenter().Faults().Reported(), IsEmpty());
 }
 
-class SeveralFileDialogs : public fakes::ScriptedFileDialogs, public system::SeveralFiles {
+class SeveralFileDialogs : public fakes::ScriptedFileDialogs {
   public:
     std::vector<std::string> ChooseFilesToOpen(const system::FileRequest&) override { return several; }
     std::vector<std::string> several;

@@ -9,7 +9,6 @@
 #include <QFontMetrics>
 #include <QMessageBox>
 
-#include "platform/system/several_files.h"
 #include "platform/system/surroundings.h"
 
 namespace vicenter::ui {
@@ -20,7 +19,7 @@ class QtMessageBoxes : public system::MessageBoxes {
                                system::MessageIcon icon, const std::string& title) override;
 };
 
-class QtFileDialogs : public system::FileDialogs, public system::SeveralFiles {
+class QtFileDialogs : public system::FileDialogs {
   public:
     std::optional<std::string> ChooseFileToOpen(const system::FileRequest& request) override;
     std::optional<std::string> ChooseFileToSave(const system::FileRequest& request) override;
