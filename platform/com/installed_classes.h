@@ -21,7 +21,7 @@ class InstalledClasses {
     static bool Has(std::string_view progId);
 
   private:
-    bool begun_ = false;
+    [[maybe_unused]] bool begun_ = false;  // by Windows alone
 };
 
 }  // namespace vicenter::com
