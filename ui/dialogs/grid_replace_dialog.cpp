@@ -81,9 +81,9 @@ QLayout* GridReplaceDialog::Buttons() {
     auto* all = add(QStringLiteral("全部替换(&A)"), "cmdReplaceAll");
     auto* close = add(QStringLiteral("关闭(&C)"), "cmdClose");
     buttons->addStretch(1);
-    connect(next, &QPushButton::clicked, this, [this] { Do(&center::GridReplace::Next); });
-    connect(one, &QPushButton::clicked, this, [this] { Do(&center::GridReplace::ReplaceOne); });
-    connect(all, &QPushButton::clicked, this, [this] { Do(&center::GridReplace::ReplaceAll); });
+    connect(next, &QPushButton::clicked, this, [this] { Do([this] { replace_.Next(); }); });
+    connect(one, &QPushButton::clicked, this, [this] { Do([this] { replace_.ReplaceOne(); }); });
+    connect(all, &QPushButton::clicked, this, [this] { Do([this] { replace_.ReplaceAll(); }); });
     connect(close, &QPushButton::clicked, this, &QDialog::reject);
     return buttons;
 }
@@ -96,8 +96,8 @@ void GridReplaceDialog::ShowCount() {
     });
 }
 
-void GridReplaceDialog::Do(void (center::GridReplace::*step)()) {
-    Guarded([&] { (replace_.*step)(); });
+void GridReplaceDialog::Do(const std::function<void()>& step) {
+    Guarded(step);
     ShowCount();
 }
 

@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <functional>
 
 #include "center/search/grid_replace.h"
 
@@ -22,7 +23,7 @@ class GridReplaceDialog : public QDialog {
   private:
     QLayout* Buttons();
     void ShowCount();
-    void Do(void (center::GridReplace::*step)());
+    void Do(const std::function<void()>& step);
 
     center::GridReplace& replace_;
     QComboBox* column_;
