@@ -82,6 +82,15 @@ struct ColumnSpec {
     int idColumn = 0;               // the hidden column for the id of what a code stands for; 0: none
     std::string_view idField = {};  // which field of the record that a typed code finds goes there
     CellCheck check = CellCheck::None;
+
+    // The header names it among what a workbook must have.
+    bool IsMarked() const { return header.ends_with(kMark); }
+    // The header without its mark, for sentences and lists.
+    std::string_view Title() const {
+        return header.substr(0, header.size() - (IsMarked() ? kMark.size() : 0));
+    }
+
+    static constexpr std::string_view kMark = "(*)";
 };
 
 // The largest value of the whole and decimal columns; the smallest is 0.

@@ -38,13 +38,9 @@ std::vector<int> ShownColumns(const EntryGrid& grid, int first) {
 int ColumnNamed(const std::string& text) {
     const auto& collator = system::Collator::Chinese();
     const std::string folded = collator.Fold(store::TrimmedOfAnyBlanks(text));
-    constexpr std::string_view kRequired = "(*)";
     for (const ColumnSpec& spec : Columns()) {
-        std::string_view header = spec.header;
-        if (folded == collator.Fold(header)) return spec.column;
-        if (!header.ends_with(kRequired)) continue;
-        header.remove_suffix(kRequired.size());
-        if (folded == collator.Fold(header)) return spec.column;
+        if (folded == collator.Fold(spec.header)) return spec.column;
+        if (spec.IsMarked() && folded == collator.Fold(spec.Title())) return spec.column;
     }
     return 0;
 }

@@ -60,8 +60,7 @@ std::vector<std::string> QuestionsOf(const EntryGrid& pattern, int rows) {
     for (const TemplateFinding& finding : check.Check(pattern, rows)) {
         // Of the number as a whole the sheet says itself that it does not balance.
         if (finding.column == 0) continue;
-        const std::string column(
-            Column(finding.column).header.substr(0, Column(finding.column).header.find('(')));
+        const std::string column(Column(finding.column).Title());
         questions.push_back(InLine(finding.row, column + (finding.value.empty() ? "" : " " + finding.value) +
                                                     "，" + finding.reason));
     }

@@ -89,7 +89,7 @@ void Judge(ReplacementLine& line, const EntryGrid& grid, int gridColumn, const s
     for (const int c : RedColumns(grid, line.row)) {
         if (redBefore.contains(c)) continue;
         line.state = State::Doubtful;
-        line.note = std::string(Column(c).header) + "：" + FaultText(grid, {line.row, c});
+        line.note = std::string(Column(c).Title()) + "：" + FaultText(grid, {line.row, c});
         return;
     }
 }
@@ -119,9 +119,9 @@ bool CodeReplacement::FindCode(const ReplacementWish& wish) {
         Tell(UnreadableText(wish.to));
         return false;
     }
-    const std::string header(Column(wish.column).header);
+    const std::string title(Column(wish.column).Title());
     if (next.record == nullptr) {
-        Tell("账套中没有 " + header + " “" + wish.to + "”，没有替换！");
+        Tell("账套中没有" + title + "“" + wish.to + "”，没有替换！");
         return false;
     }
     if (wish.column == column::kAccountNumber) {
@@ -161,7 +161,7 @@ bool CodeReplacement::List(const ReplacementWish& given) {
         if (!ListTemplate(index, wish)) return false;
     }
     if (!lines_.empty()) return true;
-    Tell("没有模板用到 " + std::string(Column(wish.column).header) + " “" + wish.from + "”。");
+    Tell("没有模板用到" + std::string(Column(wish.column).Title()) + "“" + wish.from + "”。");
     return false;
 }
 

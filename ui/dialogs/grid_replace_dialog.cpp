@@ -35,7 +35,7 @@ GridReplaceDialog::GridReplaceDialog(center::GridReplace& replace, QWidget* pare
     count_->setObjectName(QStringLiteral("count"));
     column_->addItem(QStringLiteral("全部显示的列"), 0);
     for (const int c : replace_.Columns())
-        column_->addItem(ToQt(center::Column(c).header).remove(QStringLiteral("(*)")), c);
+        column_->addItem(ToQt(center::Column(c).Title()), c);
 
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(14, 14, 14, 14);

@@ -25,7 +25,7 @@ void Put(QTableWidget& table, int row, const QStringList& texts) {
 }
 
 QString FieldText(int column) {
-    return column == 0 ? QStringLiteral("整行") : ToQt(store::Column(column).header);
+    return column == 0 ? QStringLiteral("整行") : ToQt(store::Column(column).Title());
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ void Put(QTableWidget& table, int row, const QStringList& texts, bool warned = f
 }
 
 QString FieldText(int column) {
-    return column == 0 ? QStringLiteral("整行") : ToQt(store::Column(column).header);
+    return column == 0 ? QStringLiteral("整行") : ToQt(store::Column(column).Title());
 }
 
 QString FromTo(const QString& before, const QString& after) {

@@ -33,11 +33,6 @@ QStringList Headings() {
             QStringLiteral("说明")};
 }
 
-// "科目代码(*)" without its mark.
-QString NameOf(int gridColumn) {
-    return ToQt(store::Column(gridColumn).header).remove(QStringLiteral("(*)"));
-}
-
 QPushButton* MakeButton(const QString& text, const char* name, QWidget* parent) {
     auto* button = new QPushButton(text, parent);
     button->setObjectName(QString::fromLatin1(name));
@@ -79,7 +74,7 @@ ReplacementDialog::ReplacementDialog(center::CodeReplacement& replacement, QWidg
 QLayout* ReplacementDialog::Wish() {
     column_->setObjectName(QStringLiteral("column"));
     for (const int column : center::CodeColumns())
-        column_->addItem(NameOf(column), column);
+        column_->addItem(ToQt(store::Column(column).Title()), column);
     from_->setObjectName(QStringLiteral("from"));
     to_->setObjectName(QStringLiteral("to"));
     auto* list = MakeButton(QStringLiteral("列出(&L)"), "cmdList", this);

@@ -30,7 +30,7 @@ constexpr int kMostRows = 1000;  // whoever has more narrows the search
 QStringList Headings() {
     QStringList headings = {QStringLiteral("模板"), QStringLiteral("行")};
     for (const int c : kShown)
-        headings << ToQt(store::Column(c).header).remove(QStringLiteral("(*)"));
+        headings << ToQt(store::Column(c).Title());
     return headings;
 }
 
