@@ -386,14 +386,15 @@ void TokenWriter::Put(std::string& to, const SqlType& type, const Value& value) 
         case TypeKind::kSmallMoney:
         case TypeKind::kMoney: {
             const Decimal amount = value.Exact().Rescaled(4);
-            auto units = static_cast<std::int64_t>(amount.Magnitude());
-            if (amount.IsNegative()) units = -units;
+            // Two's complement, in which the smallest money has no counterpart.
+            auto units = static_cast<std::uint64_t>(amount.Magnitude());
+            if (amount.IsNegative()) units = 0 - units;
             if (type.kind == TypeKind::kSmallMoney) {
                 PutByte(to, 4);
                 return Put32(to, static_cast<std::uint32_t>(units));
             }
             PutByte(to, 8);
-            Put32(to, static_cast<std::uint32_t>(static_cast<std::uint64_t>(units) >> 32));
+            Put32(to, static_cast<std::uint32_t>(units >> 32));
             return Put32(to, static_cast<std::uint32_t>(units));
         }
         case TypeKind::kDecimal: {
