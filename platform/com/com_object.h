@@ -1,16 +1,37 @@
 #pragma once
 
-// What every object of ours that has one interface of COM's does alike: it counts its shares, ends with the
-// last of them, and answers to its interface and to IUnknown. Begins with one share, its maker's.
+// What every object of ours does alike that COM's clients hold: it counts its shares, ends with the last of
+// them, and answers to its interfaces and to IUnknown. Begins with one share, its maker's.
 
 #include <atomic>
+#include <tuple>
 
 #include "platform/com/com_headers.h"
 
 namespace vicenter::com {
 
-template <class Interface>
-class ComObject : public Interface {
+// How many shares are held in one object.
+class ShareCount {
+  public:
+    ULONG Add() { return ++held_; }
+    ULONG GiveBack() { return --held_; }
+    // For whom knows the object and holds none: false when the last one has been given back, on whatever
+    // thread.
+    bool AddUnlessEnded() {
+        ULONG held = held_;
+        while (held != 0) {
+            if (held_.compare_exchange_weak(held, held + 1)) return true;
+        }
+        return false;
+    }
+
+  private:
+    std::atomic<ULONG> held_{1};
+};
+
+// The first interface is the one that IUnknown is asked of, so that comparisons of identities hold.
+template <class... Interfaces>
+class ComObject : public Interfaces... {
   public:
     ComObject() = default;
     ComObject(const ComObject&) = delete;
@@ -18,24 +39,31 @@ class ComObject : public Interface {
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
         if (result == nullptr) return E_POINTER;
-        const bool known = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, __uuidof(Interface));
-        *result = known ? static_cast<Interface*>(this) : nullptr;
-        if (!known) return E_NOINTERFACE;
+        *result = IsEqualIID(id, IID_IUnknown) ? static_cast<First*>(this) : nullptr;
+        ((*result = IsEqualIID(id, __uuidof(Interfaces)) ? static_cast<Interfaces*>(this) : *result), ...);
+        if (*result == nullptr) *result = AlsoAs(id);
+        if (*result == nullptr) return E_NOINTERFACE;
         AddRef();
         return S_OK;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return shares_.Add(); }
     ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --shares_;
+        const ULONG left = shares_.GiveBack();
         if (left == 0) delete this;
         return left;
     }
 
   protected:
+    using First = std::tuple_element_t<0, std::tuple<Interfaces...>>;
+
     virtual ~ComObject() = default;
 
+    // What else the object answers to; none.
+    virtual void* AlsoAs(REFIID) { return nullptr; }
+    ShareCount& Shares() { return shares_; }
+
   private:
-    std::atomic<ULONG> shares_{1};
+    ShareCount shares_;
 };
 
 }  // namespace vicenter::com

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/com/com_error.h"
+#include "platform/com/com_object.h"
 #include "platform/com/com_value.h"
 #include "platform/com/enum_variant.h"
 #include "platform/com/foreign_object.h"
@@ -110,40 +111,15 @@ class CallArguments {
     Arguments arguments_;
 };
 
-class DispatchObject final : public IDispatch, public ISupportErrorInfo {
+class DispatchObject final : public ComObject<IDispatch, ISupportErrorInfo> {
   public:
     explicit DispatchObject(ObjectRef object) : object_(std::move(object)) {
-        objects_->Keep(object_.get(), this, shares_);
+        objects_->Keep(object_.get(), this, Shares());
         ++live;
     }
-    DispatchObject(const DispatchObject&) = delete;
-    DispatchObject& operator=(const DispatchObject&) = delete;
 
     const ObjectRef& Inside() const { return object_; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** result) override {
-        if (result == nullptr) return E_POINTER;
-        *result = nullptr;
-        if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch)) {
-            *result = static_cast<IDispatch*>(this);
-        } else if (IsEqualIID(id, IID_ISupportErrorInfo)) {
-            *result = static_cast<ISupportErrorInfo*>(this);
-        } else if (IsEqualIID(id, OwnInterface())) {
-            *result = this;
-        } else if (IsEarlyInterface(id, *object_)) {
-            *result = static_cast<IDispatch*>(this);
-        } else {
-            return E_NOINTERFACE;
-        }
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++shares_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --shares_;
-        if (left == 0) delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
         return IsEqualIID(id, IID_IDispatch) || IsEarlyInterface(id, *object_) ? S_OK : S_FALSE;
     }
@@ -204,9 +180,14 @@ class DispatchObject final : public IDispatch, public ISupportErrorInfo {
     }
 
   private:
-    ~DispatchObject() {
+    ~DispatchObject() override {
         objects_->Drop(std::move(object_), this);
         --live;
+    }
+
+    void* AlsoAs(REFIID id) override {
+        if (IsEqualIID(id, OwnInterface())) return this;
+        return IsEarlyInterface(id, *object_) ? static_cast<IDispatch*>(this) : nullptr;
     }
 
     bool OnOwnThread() const { return objects_ == OwnObjects::OfThisThread(); }
@@ -226,7 +207,6 @@ class DispatchObject final : public IDispatch, public ISupportErrorInfo {
 
     ObjectRef object_;
     std::shared_ptr<OwnObjects> objects_ = OwnObjects::OfThisThread();
-    std::atomic<ULONG> shares_{1};
 };
 
 }  // namespace

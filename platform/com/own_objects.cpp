@@ -30,14 +30,10 @@ IDispatch* OwnObjects::Share(const automation::Object* object) {
     const auto found = known_.find(object);
     if (found == known_.end()) return nullptr;
     // Another thread may just be giving back the last one.
-    ULONG shares = *found->second.shares;
-    while (shares != 0) {
-        if (found->second.shares->compare_exchange_weak(shares, shares + 1)) return found->second.dispatch;
-    }
-    return nullptr;
+    return found->second.shares->AddUnlessEnded() ? found->second.dispatch : nullptr;
 }
 
-void OwnObjects::Keep(const automation::Object* object, IDispatch* dispatch, std::atomic<ULONG>& shares) {
+void OwnObjects::Keep(const automation::Object* object, IDispatch* dispatch, ShareCount& shares) {
     const std::lock_guard guard(lock_);
     known_.insert_or_assign(object, Known{dispatch, &shares});
 }

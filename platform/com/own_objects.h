@@ -3,14 +3,13 @@
 // The objects of one thread that clients hold: which IDispatch each has, and those whose last share another
 // thread has given back. These wait for their own thread, since an object ends where it has lived.
 
-#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <vector>
 
 #include "automation/object.h"
-#include "platform/com/com_headers.h"
+#include "platform/com/com_object.h"
 
 namespace vicenter::com {
 
@@ -21,7 +20,7 @@ class OwnObjects {
     // A new share in the object's IDispatch, or none when it has none. On the own thread.
     IDispatch* Share(const automation::Object* object);
     // The object's IDispatch from now on, and where its shares are counted. On the own thread.
-    void Keep(const automation::Object* object, IDispatch* dispatch, std::atomic<ULONG>& shares);
+    void Keep(const automation::Object* object, IDispatch* dispatch, ShareCount& shares);
     // The IDispatch has lost its last share, on whatever thread.
     void Drop(automation::ObjectRef object, IDispatch* dispatch);
     // Ends what waits for it. On the own thread.
@@ -30,7 +29,7 @@ class OwnObjects {
   private:
     struct Known {
         IDispatch* dispatch;
-        std::atomic<ULONG>* shares;
+        ShareCount* shares;
     };
     struct Holder;
 

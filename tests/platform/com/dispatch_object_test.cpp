@@ -63,6 +63,31 @@ TEST_F(DispatchTest, PropertiesAreReadAndPut) {
     EXPECT_EQ(Result(), Variant(7));
 }
 
+TEST_F(DispatchTest, ItsInterfacesCountTheSameShares) {
+    const long before = LiveDispatches();
+    ComPointer<ISupportErrorInfo> errors;
+    ASSERT_EQ(
+        DispatchOf(std::make_shared<CashBox>())->QueryInterface(IID_ISupportErrorInfo, errors.ReceiveAny()),
+        S_OK);
+    EXPECT_EQ(LiveDispatches(), before + 1);
+    ComPointer<IDispatch> dispatch;
+    ASSERT_EQ(errors->QueryInterface(IID_IDispatch, dispatch.ReceiveAny()), S_OK);
+    EXPECT_EQ(errors->AddRef(), 3U);
+    EXPECT_EQ(dispatch->Release(), 2U);
+    // Whichever is asked, it is the same object.
+    ComPointer<IUnknown> one;
+    ComPointer<IUnknown> other;
+    ASSERT_EQ(errors->QueryInterface(IID_IUnknown, one.ReceiveAny()), S_OK);
+    ASSERT_EQ(dispatch->QueryInterface(IID_IUnknown, other.ReceiveAny()), S_OK);
+    EXPECT_EQ(one.Get(), other.Get());
+    one = {};
+    other = {};
+    errors = {};
+    EXPECT_EQ(LiveDispatches(), before + 1);
+    dispatch = {};
+    EXPECT_EQ(LiveDispatches(), before);
+}
+
 TEST_F(DispatchTest, AnObjectIsPutByReference) {
     VARIANT self;
     VariantInit(&self);
