@@ -19,6 +19,9 @@ std::wstring TextOf(REFCLSID id) {
 // The type library, a resource of this library: front/com/vicenter.idl.
 constexpr GUID kLibraryId = {0xFE125752, 0x6EC8, 0x4741, {0x9B, 0xFB, 0xF7, 0x48, 0x6F, 0x0A, 0xCF, 0xD9}};
 constexpr const wchar_t* kPlatform = sizeof(void*) == 8 ? L"win64" : L"win32";
+constexpr REGSAM kOtherWidth = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+// Below the library's key: one place for each width.
+constexpr const wchar_t* kPlaces = L"\\1.0\\0";
 
 const std::wstring kClassesKey = L"Software\\Classes\\";
 
@@ -51,6 +54,49 @@ class Writer {
     LSTATUS code_ = ERROR_SUCCESS;
 };
 
+// Takes keys away with all that is in them; what is not there is no fault.
+class Remover {
+  public:
+    explicit Remover(HKEY root) : root_(root) {}
+
+    void Remove(const std::wstring& key) {
+        const LSTATUS code = RegDeleteTreeW(root_, key.c_str());
+        if (code != ERROR_SUCCESS && code != ERROR_FILE_NOT_FOUND && code_ == ERROR_SUCCESS) code_ = code;
+    }
+    void RemoveEmpty(const std::wstring& key) {
+        const Content content = ContentOf(key);
+        if (content.keys == 0 && content.values == 0) RegDeleteKeyW(root_, key.c_str());
+    }
+    bool HasKeys(const std::wstring& key) const { return ContentOf(key).keys != 0; }
+    bool HasForOtherWidth(const std::wstring& key) const {
+        HKEY open = nullptr;
+        if (RegOpenKeyExW(root_, key.c_str(), 0, KEY_READ | kOtherWidth, &open) != ERROR_SUCCESS)
+            return false;
+        RegCloseKey(open);
+        return true;
+    }
+    HRESULT Result() const { return HRESULT_FROM_WIN32(static_cast<unsigned long>(code_)); }
+
+  private:
+    struct Content {
+        DWORD keys = 0;
+        DWORD values = 0;
+    };
+
+    Content ContentOf(const std::wstring& key) const {
+        Content content;
+        HKEY open = nullptr;
+        if (RegOpenKeyExW(root_, key.c_str(), 0, KEY_READ, &open) != ERROR_SUCCESS) return content;
+        RegQueryInfoKeyW(open, nullptr, nullptr, nullptr, &content.keys, nullptr, nullptr, &content.values,
+                         nullptr, nullptr, nullptr, nullptr);
+        RegCloseKey(open);
+        return content;
+    }
+
+    HKEY root_;
+    LSTATUS code_ = ERROR_SUCCESS;
+};
+
 }  // namespace
 
 HRESULT RegisterClasses(RegisterFor whom, const std::wstring& library) {
@@ -67,24 +113,29 @@ HRESULT RegisterClasses(RegisterFor whom, const std::wstring& library) {
     }
     const std::wstring version = LibraryKey() + L"\\1.0";
     writer.Set(version, nullptr, L"Voucher Template Center 1.0");
-    writer.Set(version + L"\\0\\" + kPlatform, nullptr, library);
+    writer.Set(LibraryKey() + kPlaces + L"\\" + kPlatform, nullptr, library);
     writer.Set(version + L"\\FLAGS", nullptr, L"0");
     if (FAILED(writer.Result())) UnregisterClasses(whom);
     return writer.Result();
 }
 
 HRESULT UnregisterClasses(RegisterFor whom) {
-    std::vector<std::wstring> keys{LibraryKey()};
-    for (const PublicClass& one : PublicClasses()) {
-        keys.push_back(ClassKey(one));
-        keys.push_back(NameKey(one));
+    Remover remover(RootOf(whom));
+    for (const PublicClass& one : PublicClasses())
+        remover.Remove(ClassKey(one));
+    // Programs of the other width have numbers of classes of their own, and share all else.
+    if (!remover.HasForOtherWidth(ClassKey(PublicClasses().front()))) {
+        for (const PublicClass& one : PublicClasses())
+            remover.Remove(NameKey(one));
     }
-    LSTATUS first = ERROR_SUCCESS;
-    for (const std::wstring& key : keys) {
-        const LSTATUS code = RegDeleteTreeW(RootOf(whom), key.c_str());
-        if (code != ERROR_SUCCESS && code != ERROR_FILE_NOT_FOUND && first == ERROR_SUCCESS) first = code;
+    remover.Remove(LibraryKey() + kPlaces + L"\\" + kPlatform);
+    if (!remover.HasKeys(LibraryKey() + kPlaces)) remover.Remove(LibraryKey());
+    // A user who had no classes of his own has no key for them again.
+    if (whom == RegisterFor::kUser) {
+        for (const wchar_t* key : {L"CLSID", L"TypeLib"})
+            remover.RemoveEmpty(kClassesKey + key);
     }
-    return HRESULT_FROM_WIN32(static_cast<unsigned long>(first));
+    return remover.Result();
 }
 
 }  // namespace vicenter::front

@@ -110,15 +110,10 @@ DWORD RunProgram(std::wstring command) {
 
 class Registration : public ComLibrary {
   protected:
-    // The keys that hold all classes' stay, whoever made them.
     Registration() {
-        for (HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-            for (const wchar_t* key : {L"Software\\Classes\\CLSID", L"Software\\Classes\\TypeLib"}) {
-                HKEY open = nullptr;
-                RegCreateKeyW(root, key, &open);
-                RegCloseKey(open);
-            }
-        }
+        // A user who has no classes of his own has not these keys either.
+        for (const wchar_t* key : {L"Software\\Classes\\CLSID", L"Software\\Classes\\TypeLib"})
+            RegDeleteKeyW(HKEY_CURRENT_USER, key);
         EXPECT_EQ(Failure([] { com::CreateForeign("VelaVICenter.VbsJson"); }).Number(), 429);
         user_ = Classes(HKEY_CURRENT_USER);
         machine_ = Classes(HKEY_LOCAL_MACHINE);
@@ -189,31 +184,70 @@ TEST_F(Registration, TheTypeLibraryIsFoundByItsNumber) {
     EXPECT_NE(LoadRegTypeLib(id, 1, 0, 0, library.Receive()), S_OK);
 }
 
-// As in a host whose manifest names the library: nothing is registered.
+// The library of the other width, for programs of 32 bits beside those of 64, has its place in the same keys.
+TEST_F(Registration, WhatIsOfTheOtherWidthStays) {
+    const std::wstring library = L"Software\\Classes\\TypeLib\\{FE125752-6EC8-4741-9BFB-F7486F0ACFD9}";
+    const std::wstring place = library + L"\\1.0\\0\\" + (sizeof(void*) == 8 ? L"win32" : L"win64");
+    constexpr wchar_t kOther[] = L"C:\\other.dll";
+    ASSERT_EQ(InstallForMachine(true), S_OK);
+    ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, place.c_str(), nullptr, REG_SZ, kOther, sizeof kOther),
+              ERROR_SUCCESS);
+    ASSERT_EQ(InstallForMachine(false), S_OK);
+    HKEY open = nullptr;
+    EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, place.c_str(), 0, KEY_READ, &open), ERROR_SUCCESS);
+    RegCloseKey(open);
+    EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, library.c_str()), ERROR_SUCCESS);
+    ExpectNothingLeft();
+}
+
+// Where the library lies need not be plain; and once nobody uses it COM lets go of the file.
+TEST_F(Registration, FromAFolderWithBlanksAndChineseCharacters) {
+    const fs::path folder = fs::temp_directory_path() / L"凭证 模板 (com)";
+    fs::create_directories(folder);
+    const fs::path copy = folder / L"VelaVICenter.dll";
+    ASSERT_TRUE(CopyFileW(Path().c_str(), copy.c_str(), FALSE)) << GetLastError();
+    ASSERT_EQ(RunProgram(L"regsvr32 /s \"" + copy.wstring() + L"\""), 0U);
+    ExpectAllClasses();
+    EXPECT_NE(GetModuleHandleW(copy.c_str()), nullptr);
+    CoFreeUnusedLibrariesEx(0, 0);
+    EXPECT_EQ(RunProgram(L"regsvr32 /s /u \"" + copy.wstring() + L"\""), 0U);
+    ExpectNothingLeft();
+    EXPECT_EQ(GetModuleHandleW(copy.c_str()), nullptr);
+    EXPECT_EQ(fs::remove_all(folder), 2U);
+}
+
+// As in a host beside the library whose manifest names it: nothing is registered.
 TEST_F(Registration, AManifestNeedsNone) {
-    const fs::path folder = fs::path(Path()).parent_path().make_preferred();
-    const fs::path manifest = fs::temp_directory_path() / L"vicenter host 宿主.manifest";
+    const fs::path folder = fs::temp_directory_path() / L"宿主 host (com)";
+    fs::create_directories(folder);
+    const fs::path copy = folder / L"VelaVICenter.dll";
+    ASSERT_TRUE(CopyFileW(Path().c_str(), copy.c_str(), FALSE)) << GetLastError();
+    const fs::path manifest = folder / L"宿主.exe.manifest";
     std::ofstream(manifest) << R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>
 <assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0"><dependency><dependentAssembly>
 <assemblyIdentity type="win32" name="VelaVICenter" version="1.0.0.0" processorArchitecture=")"
                             << (sizeof(void*) == 8 ? "amd64" : "x86")
                             << R"("/></dependentAssembly></dependency></assembly>)";
     const std::wstring source = manifest.wstring();
-    const std::wstring place = folder.wstring();
     ACTCTXW asked{};
     asked.cbSize = sizeof asked;
-    asked.dwFlags = ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID;
     asked.lpSource = source.c_str();
+    // Where the system looks for assemblies of the host's own; Wine looks beside the manifest whatever stands
+    // here.
+    const std::wstring place = folder.wstring();
+    asked.dwFlags = ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID;
     asked.lpAssemblyDirectory = place.c_str();
     const HANDLE context = CreateActCtxW(&asked);
     ASSERT_NE(context, INVALID_HANDLE_VALUE) << GetLastError();
     ULONG_PTR cookie = 0;
     ASSERT_TRUE(ActivateActCtx(context, &cookie));
     ExpectAllClasses();
+    EXPECT_NE(GetModuleHandleW(copy.c_str()), nullptr);
+    CoFreeUnusedLibrariesEx(0, 0);
     ASSERT_TRUE(DeactivateActCtx(0, cookie));
     ReleaseActCtx(context);
-    fs::remove(manifest);
     ExpectNothingLeft();
+    EXPECT_EQ(fs::remove_all(folder), 3U);
 }
 
 }  // namespace
