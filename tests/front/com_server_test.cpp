@@ -1,5 +1,6 @@
 // The library as a COM server: found by ProgID and used, late-bound and early-bound.
 
+#include <algorithm>
 #include <deque>
 #include <thread>
 
@@ -44,10 +45,39 @@ TEST_F(ComServer, ValuesTravelBothWays) {
     EXPECT_EQ(each->Next(), Variant("名"));
 }
 
+// Blocks in use on all heaps of the process; the library takes its memory from the same ones.
+std::size_t BlocksInUse() {
+    std::vector<HANDLE> heaps(GetProcessHeaps(0, nullptr));
+    heaps.resize(
+        std::min<std::size_t>(heaps.size(), GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data())));
+    std::size_t blocks = 0;
+    for (const HANDLE heap : heaps) {
+        HeapLock(heap);
+        PROCESS_HEAP_ENTRY entry{};
+        while (HeapWalk(heap, &entry))
+            blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
+        HeapUnlock(heap);
+    }
+    return blocks;
+}
+
 TEST_F(ComServer, AThousandObjectsOfEachClassLeaveNothingBehind) {
+    constexpr std::size_t kObjects = 1000;
+    constexpr std::size_t kNoise = 50;  // what the system itself keeps meanwhile
     for (const char* progId : kProgIds) {
-        for (int i = 0; i < 1000; ++i)
-            ASSERT_NE(com::CreateForeign(progId), nullptr);
+        const auto make = [&](std::size_t count) {
+            for (std::size_t i = 0; i < count; ++i)
+                ASSERT_NE(com::CreateForeign(progId), nullptr);
+        };
+        make(kObjects / 10);  // what the first ones make once and for all
+        const std::size_t before = BlocksInUse();
+        make(kObjects);
+        EXPECT_LT(BlocksInUse(), before + kNoise) << progId;
+        // One that is held is seen.
+        std::vector<ObjectRef> held;
+        for (std::size_t i = 0; i < kObjects; ++i)
+            held.push_back(com::CreateForeign(progId));
+        EXPECT_GE(BlocksInUse(), before + kObjects) << progId;
     }
     EXPECT_EQ(CanUnload(), S_OK);
 }
