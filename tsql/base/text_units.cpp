@@ -43,10 +43,6 @@ std::string_view TailUnits(std::string_view text, std::size_t units) {
     return text.substr(at);
 }
 
-std::string_view WithoutTrailingBlanks(std::string_view text) {
-    return text::WithoutTrailing(text, text::kSpace);
-}
-
 std::string_view WithoutLeadingBlanks(std::string_view text) {
     return text::WithoutLeading(text, text::kSpace);
 }

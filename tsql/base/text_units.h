@@ -19,7 +19,12 @@ std::string_view HeadUnits(std::string_view text, std::size_t units);
 // The rest behind that many units.
 std::string_view TailUnits(std::string_view text, std::size_t units);
 
-std::string_view WithoutTrailingBlanks(std::string_view text);
+// At every comparison of texts: without a search for each character.
+inline std::string_view WithoutTrailingBlanks(std::string_view text) {
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
+    return text;
+}
 std::string_view WithoutLeadingBlanks(std::string_view text);
 using text::LowerAscii;
 std::string UpperAscii(std::string_view text);
