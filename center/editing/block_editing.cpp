@@ -291,6 +291,7 @@ PasteResult BlockEditing::PasteTable(const CellAddress& at, TextBlock block) {
         for (std::vector<std::string>& row : block) {
             row.resize(order.size());
             std::vector<std::string> sorted;
+            sorted.reserve(order.size());
             for (const std::size_t i : order)
                 sorted.push_back(std::move(row[i]));
             row = std::move(sorted);

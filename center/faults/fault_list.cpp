@@ -132,7 +132,7 @@ void FaultList::AddMissing() {
 
 std::vector<CellAddress> FaultList::Cells() const {
     std::vector<CellAddress> cells;
-    cells.reserve(static_cast<std::size_t>(count_ + hintCount_));
+    cells.reserve(static_cast<std::size_t>(count_) + static_cast<std::size_t>(hintCount_));
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         for (Columns left = rows_[i].All(); left != 0; left &= left - 1)
             cells.push_back({static_cast<int>(i) + 1, std::countr_zero(left)});

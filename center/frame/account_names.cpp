@@ -17,7 +17,7 @@ std::string PlaceOf(const std::string& connectString) {
     }
     const ado::ConnectString settings(connectString);
     for (const char* key : {"Initial Catalog", "Database"}) {
-        if (const std::string name = settings.Value(key); !name.empty()) return name;
+        if (std::string name = settings.Value(key); !name.empty()) return name;
     }
     return {};
 }

@@ -100,7 +100,7 @@ std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection
     std::string text;
     for (const Side& side : sides) {
         if (side.count == 0) continue;
-        const std::string sum = DisplayText(column::kQuantity, side.sum.ToText());
+        std::string sum = DisplayText(column::kQuantity, side.sum.ToText());
         if (side.count == count) return sum;
         if (!text.empty()) text += "　";
         text += side.name + sum;

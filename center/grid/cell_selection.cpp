@@ -26,7 +26,7 @@ RowRun Clipped(const CellRange& piece, const EntryGrid& grid) {
 
 }  // namespace
 
-CellSelection CellSelection::Rows(std::vector<RowRun> runs) {
+CellSelection CellSelection::Rows(const std::vector<RowRun>& runs) {
     CellSelection selection;
     for (const RowRun& run : runs)
         selection.pieces.push_back({run.first, 1, run.last, kColumnCount});

@@ -28,7 +28,7 @@ struct CellSelection {
         : CellSelection(CellRange{firstRow, firstColumn, lastRow, lastColumn}) {}
     CellSelection(int row, int gridColumn) : CellSelection(row, gridColumn, row, gridColumn) {}
     explicit CellSelection(std::vector<CellRange> ranges) : pieces(std::move(ranges)) {}
-    static CellSelection Rows(std::vector<RowRun> runs);
+    static CellSelection Rows(const std::vector<RowRun>& runs);
 
     bool IsEmpty() const { return pieces.empty(); }
     // The smallest block around everything.
