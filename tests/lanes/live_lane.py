@@ -1,5 +1,7 @@
-"""The lane of a real SQL Server, run against the test server as a program: whatever VICENTER_TEST_CONNECT turns
-on works with nothing but a connect string, and leaves no database behind.
+"""The lane of a real SQL Server: whatever VICENTER_TEST_CONNECT turns on, one program after the other, since what
+servers do to their catalog at the same time they refuse each other. Against the server that VICENTER_LIVE_CONNECT
+names, as ./test-live sets it; else against the test server as a program, to show that the lane works with nothing
+but a connect string and leaves no database behind.
 
 Usage: live_lane.py SERVER PROGRAM=FILTER...
 """
@@ -31,16 +33,31 @@ def run(program, tests, environment, folder):
     return done.returncode == 0 and len(named) == 1 and len(ran) > 1
 
 
+def run_all(connect, programs, reports):
+    environment = dict(os.environ, VICENTER_TEST_CONNECT=connect)
+    return [run(*program.split("=", 1), environment, reports) for program in programs]
+
+
+def on_named(connect, programs):
+    with tempfile.TemporaryDirectory() as reports:
+        outcomes = run_all(connect, programs, reports)
+    return 0 if all(outcomes) and outcomes else 1
+
+
 def main():
     server, *programs = sys.argv[1:]
+    named = os.environ.pop("VICENTER_LIVE_CONNECT", "")
+    return on_named(named, programs) if named else on_test_server(server, programs)
+
+
+def on_test_server(server, programs):
     # In memory where that can be had: some hundred databases are made.
     memory = "/dev/shm" if os.path.isdir("/dev/shm") else None
     with tempfile.TemporaryDirectory(dir=memory) as folder, tempfile.TemporaryDirectory() as reports:
         with subprocess.Popen([server, folder], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as serving:
             try:
                 connect = serving.stdout.readline().rstrip("\n")
-                environment = dict(os.environ, VICENTER_TEST_CONNECT=connect)
-                outcomes = [run(*program.split("=", 1), environment, reports) for program in programs]
+                outcomes = run_all(connect, programs, reports)
             finally:
                 serving.stdin.close()
             ended = serving.wait(timeout=60)
