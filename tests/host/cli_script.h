@@ -10,6 +10,8 @@
 //     expected standard output, line by line ! vicenter: …                            expected standard
 //     error, line by line = 1                                      expected exit code, when it is not 0
 //
+// "~ on Babelfish: why" behind them marks what that server answers otherwise.
+//
 // "$FOLDER" stands for the test's folder, in commands, input and output. Times of today are written as <now>.
 // With VICENTER_UPDATE_GOLDENS=1 in the environment the expectations are written anew instead of compared.
 
@@ -27,6 +29,7 @@ struct CliStep {
     std::vector<std::string> output;
     std::vector<std::string> errors;
     int exitCode = 0;
+    std::string differsOnBabelfish;  // why; such a step runs there and fails where it is to fail
 
     friend bool operator==(const CliStep&, const CliStep&) = default;
 };
@@ -49,7 +52,9 @@ using WayIn = std::function<std::vector<std::string>(const std::string& file)>;
 // Runs every step and puts what came out in the place of what was expected; straight at the file without
 // another way.
 CliScript RunCliScript(const CliScript& script, const WayIn& way = {});
-// Every step as expected; name: the script's.
-void ExpectAlike(const CliScript& expected, const CliScript& actual, const std::string& name);
+// Every step as expected; name: the script's. Of a server that has errors of its own, but for the steps
+// marked.
+void ExpectAlike(const CliScript& expected, const CliScript& actual, const std::string& name,
+                 bool onBabelfish = false);
 
 }  // namespace vicenter::host::test

@@ -88,7 +88,7 @@ TEST_P(CommandLineOverOdbc, AnswersAsOnAFile) {
     const test::CliScript actual = test::RunCliScript(expected, [&](const std::string& file) {
         return std::vector<std::string>{"--connect", served.Serve(file)};
     });
-    test::ExpectAlike(expected, actual, GetParam());
+    test::ExpectAlike(expected, actual, GetParam(), lanes::HasOwnErrors());
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, CommandLineOverOdbc, testing::ValuesIn(ScriptNames()),

@@ -19,6 +19,17 @@ std::optional<std::string> RealServer() {
     return connectString;
 }
 
+bool HasOwnErrors() {
+    static const bool own = [] {
+        if (!RealServer()) return false;
+        ado::RegisterOdbcProviders();
+        const ado::ConnectionRef connection = ado::OpenConnection(*RealServer() + ";Pooling=no");
+        const std::string version = connection->Execute("select @@version as v")->Value("v").ToText();
+        return version.find("Babelfish") != std::string::npos;
+    }();
+    return own;
+}
+
 ScratchDatabase::ScratchDatabase(std::string server) : server_(std::move(server)) {
     std::random_device random;
     name_ = "vicenter_test_" + std::to_string(random()) + "_" + std::to_string(random());

@@ -12,6 +12,10 @@ namespace vicenter::lanes {
 // Its connect string; nothing where the tests are to do without one.
 std::optional<std::string> RealServer();
 
+// Whether it is one that speaks T-SQL without being SQL Server: its errors have texts and mostly numbers of
+// its own, and a literal is of the type text.
+bool HasOwnErrors();
+
 // An empty database with the Chinese collation of the code page 936.
 class ScratchDatabase {
   public:

@@ -1,9 +1,12 @@
 // Every operation of the component on account sets, with values at the edges of what may be typed, on a file
 // and on a server that hold the same rows: what the one answers the other answers, value by value and type by
-// type, and refuses with the same words.
+// type, and refuses with the same words. Rows stand in the order that the statement gives and, where it gives
+// none, in any.
 
+#include <algorithm>
 #include <functional>
 #include <map>
+#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -19,6 +22,7 @@
 #include "store/vouchers.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/host/demo_set.h"
+#include "tests/lanes/real_server.h"
 #include "tests/lanes/set_lane.h"
 
 namespace vicenter::lanes {
@@ -50,24 +54,75 @@ std::vector<std::string> EdgeIds() {
             "1.5", "x", "1 or 1=1", "''"};
 }
 
-std::string Dump(const ado::RecordsetRef& rows) {
-    if (!rows) return "no rows: " + clsVIData::LastFailure();
+// A failure; of a server that has words of its own, that there is one.
+std::string Said() {
+    if (!HasOwnErrors()) return clsVIData::LastFailure();
+    return clsVIData::LastFailure().empty() ? "" : "refused";
+}
+
+int TypeOf(const ado::Column& column) {
+    const bool isLongText = HasOwnErrors() && column.type == ado::DataType::kLongVarChar;
+    return static_cast<int>(isLongText ? ado::DataType::kVarChar : column.type);
+}
+
+// The columns by which a statement sorts its rows.
+using Order = std::vector<std::string>;
+
+// A row with what stands in the columns that sort it.
+struct Line {
+    std::string key;
+    std::string text;
+};
+
+std::vector<Line> LinesOf(const ado::Recordset& rows, const Order& order) {
+    std::vector<Line> lines;
+    for (std::size_t row = 0; row < static_cast<std::size_t>(rows.RecordCount()); ++row) {
+        Line& line = lines.emplace_back();
+        for (std::size_t column = 0; column < rows.ColumnCount(); ++column) {
+            const automation::Variant& value = rows.ValueAt(row, column);
+            const std::string text =
+                std::to_string(static_cast<int>(value.Type())) + ":" + value.ToTextOrEmpty() + "|";
+            line.text += text;
+            if (std::find(order.begin(), order.end(), rows.Columns()[column].name) != order.end())
+                line.key += text;
+        }
+    }
+    return lines;
+}
+
+// Rows that nothing sorts stand here by their texts, each kind of key where the answer has it.
+void SortEquals(std::vector<Line>& lines) {
+    for (auto first = lines.begin(); first != lines.end();) {
+        const auto last =
+            std::find_if(first, lines.end(), [&](const Line& line) { return line.key != first->key; });
+        std::sort(first, last, [](const Line& a, const Line& b) { return a.text < b.text; });
+        first = last;
+    }
+}
+
+// Without an order every row stands in the one place that its statement gives it.
+std::string Dump(const ado::RecordsetRef& rows, const std::optional<Order>& order = {}) {
+    if (!rows) return "no rows: " + Said();
     if (!rows->IsOpen()) return "closed";
     std::string text;
     for (const ado::Column& column : rows->Columns())
-        text += column.name + ":" + std::to_string(static_cast<int>(column.type)) + "|";
-    for (std::size_t row = 0; row < static_cast<std::size_t>(rows->RecordCount()); ++row) {
-        text += "\n";
-        for (std::size_t column = 0; column < rows->ColumnCount(); ++column) {
-            const automation::Variant& value = rows->ValueAt(row, column);
-            text += std::to_string(static_cast<int>(value.Type())) + ":" + value.ToTextOrEmpty() + "|";
-        }
-    }
+        text += column.name + ":" + std::to_string(TypeOf(column)) + "|";
+    std::vector<Line> lines = LinesOf(*rows, order.value_or(Order()));
+    if (order) SortEquals(lines);
+    for (const Line& line : lines)
+        text += "\n" + line.text;
     return text;
 }
 
 std::string Dump(bool answer) {
-    return (answer ? "yes " : "no ") + clsVIData::LastFailure();
+    return (answer ? "yes " : "no ") + Said();
+}
+
+// Whose the first row is; nothing where the statement puts none of several before the others.
+std::string FirstOf(const store::TemplateRow& row, const Order& order) {
+    const std::vector<Line> lines = LinesOf(*row.lines, order);
+    if (lines.size() > 1 && lines[0].key == lines[1].key) return {};
+    return row.name + std::to_string(row.ownerId);
 }
 
 class SameAnswers : public testing::Test {
@@ -112,7 +167,7 @@ TEST_F(SameAnswers, ToWhateverIsTypedAsACodeOrAName) {
         const std::string name = "“" + text.substr(0, 40) + "” ";
         for (const int column : {2, 5, 9, 13, 17, 21})
             questions[name + "column " + std::to_string(column)] = [text, column] {
-                return Dump(clsVIData().GetItemInfoByNumber(column, text));
+                return Dump(clsVIData().GetItemInfoByNumber(column, text), Order());
             };
         for (const std::string account : {"1001", "1002.01", "1122", text.c_str()}) {
             for (int check = 1; check <= 5; ++check)
@@ -127,30 +182,34 @@ TEST_F(SameAnswers, ToWhateverIsTypedAsACodeOrAName) {
             const store::NamedTemplate named = store::FindTemplateToReplace(text, "1");
             return std::to_string(static_cast<int>(named.state)) + ":" + std::to_string(named.id);
         };
-        questions[name + "items"] = [text] { return Dump(clsVIData().GetItems(text)); };
+        questions[name + "items"] = [text] { return Dump(clsVIData().GetItems(text), Order()); };
     }
     Expect(questions);
 }
 
 TEST_F(SameAnswers, ToWhateverStandsForAnId) {
+    const Order ofLines = {"FNo", "FEntryID"};
     Questions questions;
     for (const std::string& id : EdgeIds()) {
-        questions[id + " lines"] = [id] { return Dump(clsVIData().GetVchTemplateEntryInfo(id)); };
-        questions[id + " count"] = [id] {
-            return std::to_string(clsVIData().GetVchEntryCount(id)) + clsVIData::LastFailure();
+        questions[id + " lines"] = [id, ofLines] {
+            return Dump(clsVIData().GetVchTemplateEntryInfo(id), ofLines);
         };
-        questions[id + " templates"] = [id] { return Dump(clsVIData().GetVchTemplateByUserID(id)); };
+        questions[id + " count"] = [id] { return std::to_string(clsVIData().GetVchEntryCount(id)) + Said(); };
+        questions[id + " templates"] = [id] {
+            return Dump(clsVIData().GetVchTemplateByUserID(id), Order{"FID"});
+        };
         questions[id + " merged"] = [id] {
-            return clsVIData().ItemsInfo(id).value_or("unreadable " + clsVIData::LastFailure());
+            return clsVIData().ItemsInfo(id).value_or("unreadable " + Said());
         };
-        questions[id + " classes"] = [id] { return Dump(clsVIData().GetItemClassIDs(id)); };
-        questions[id + " control"] = [id] { return Dump(store::ReadControlRows(id)); };
-        questions[id + " account"] = [id] { return Dump(store::ReadAccount(id)); };
-        questions[id + " unit"] = [id] { return Dump(store::ReadUnitGroup(id)); };
-        questions[id + " guard"] = [id] {
+        questions[id + " classes"] = [id] {
+            return Dump(clsVIData().GetItemClassIDs(id), Order{"FItemClassID"});
+        };
+        questions[id + " control"] = [id] { return Dump(store::ReadControlRows(id), Order{"FNo"}); };
+        questions[id + " account"] = [id] { return Dump(store::ReadAccount(id), Order()); };
+        questions[id + " unit"] = [id] { return Dump(store::ReadUnitGroup(id), Order()); };
+        questions[id + " guard"] = [id, ofLines] {
             const auto row = store::AskTemplateWithLines(id);
-            return row ? row->name + std::to_string(row->ownerId) + Dump(row->lines)
-                       : "none " + clsVIData::LastFailure();
+            return row ? FirstOf(*row, ofLines) + Dump(row->lines, ofLines) : "none " + Said();
         };
     }
     questions["vouchers"] = [] {
@@ -182,9 +241,9 @@ TEST_F(SameAnswers, ToWhateverIsSaved) {
                         if (c == store::column::kNo) return "1";
                         return "";
                     }));
-                std::string answer = (saved ? "saved " : "refused ") + clsVIData::LastFailure();
+                std::string answer = (saved ? "saved " : "refused ") + Said();
                 for (const std::string& said : surroundings_.messageBoxes->Texts())
-                    answer += "\n" + said;
+                    answer += "\n" + (HasOwnErrors() ? std::string("told") : said);
                 surroundings_.messageBoxes->shown.clear();
                 return answer + "\n" + Dump(clsVIData().GetVchTemplateEntryInfo("1"));
             };

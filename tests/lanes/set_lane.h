@@ -10,4 +10,7 @@ namespace vicenter::lanes {
 // The connect string of the account set that a file holds, for as long as the test runs.
 std::string ConnectTextOf(const std::string& file);
 
+// Whether it refuses in words that are not SQL Server's.
+bool RefusesInOwnWords();
+
 }  // namespace vicenter::lanes

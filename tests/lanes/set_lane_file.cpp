@@ -9,4 +9,8 @@ std::string ConnectTextOf(const std::string& file) {
     return host::FileConnectString(file);
 }
 
+bool RefusesInOwnWords() {
+    return false;
+}
+
 }  // namespace vicenter::lanes

@@ -59,6 +59,10 @@ std::string ConnectTextOf(const std::string& file) {
     return given.server->ConnectText(name);
 }
 
+bool RefusesInOwnWords() {
+    return HasOwnErrors();
+}
+
 TEST(RealServer, IsAskedWhereOneIsNamed) {
     if (!RealServer()) GTEST_SKIP() << "VICENTER_TEST_CONNECT is not set: no real SQL Server was asked.";
     ado::RegisterOdbcProviders();

@@ -161,9 +161,15 @@ TEST_P(ConformanceTest, RowsAffectedCountsChangesOnly) {
 
 TEST_P(ConformanceTest, AnErrorHasNumberLineAndProcedureOfTheServer) {
     const auto connection = Open();
-    EXPECT_EQ(FailureOf(*connection, "\n\nselect * from nowhere"), "Invalid object name 'nowhere'.");
+    const std::string told = FailureOf(*connection, "\n\nselect * from nowhere");
     ASSERT_FALSE(connection->Errors().empty());
-    EXPECT_EQ(connection->Errors().front().native, 208);
+    if (HasOwnErrors()) {
+        EXPECT_THAT(told, testing::HasSubstr("nowhere"));
+        EXPECT_NE(connection->Errors().front().native, 0);
+    } else {
+        EXPECT_EQ(told, "Invalid object name 'nowhere'.");
+        EXPECT_EQ(connection->Errors().front().native, 208);
+    }
     EXPECT_EQ(connection->Errors().front().severity, 16);
     EXPECT_EQ(connection->Errors().front().line, 3);
     EXPECT_EQ(FailureOf(*connection, "select 1 as a"), "no error");
@@ -175,7 +181,7 @@ TEST_P(ConformanceTest, AnErrorBehindTheFirstStatementIsFound) {
     connection->Execute("create table t (a int primary key)");
     EXPECT_THAT(
         FailureOf(*connection, "insert into t values (1)\ninsert into t values (1)\nselect a from t\n"),
-        testing::StartsWith("Violation of PRIMARY KEY constraint"));
+        testing::StartsWith(HasOwnErrors() ? "duplicate key" : "Violation of PRIMARY KEY constraint"));
     EXPECT_EQ(connection->Errors().front().native, 2627);
     EXPECT_EQ(connection->Errors().front().line, 2);
     EXPECT_EQ(connection->Execute("select a from t")->RecordCount(), 0);
