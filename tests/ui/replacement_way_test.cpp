@@ -93,6 +93,11 @@ TEST_F(ReplacementWayTest, WhatCannotStandThereHasNoTickAndSaysWhy) {
             EXPECT_FALSE(Ticks(dialog).contains(u'x'));
             EXPECT_THAT(Rows(dialog, "lines", 1).front().toStdString(),
                         ::testing::EndsWith("|不是明细科目，请选择明细科目"));
+            // All of it is to be read.
+            const auto* table = dialog.findChild<QTableWidget*>("lines");
+            const int note = table->columnCount() - 1;
+            EXPECT_GT(table->columnWidth(note),
+                      table->fontMetrics().horizontalAdvance(table->item(0, note)->text()));
             Press(dialog, "cmdAll");
             EXPECT_FALSE(Ticks(dialog).contains(u'x'));
             EXPECT_FALSE(dialog.findChild<QPushButton*>("cmdReplace")->isEnabled());

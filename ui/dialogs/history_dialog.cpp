@@ -87,7 +87,7 @@ void HistoryDialog::FillVersions() {
             {ToQt(version.keptAt), ToQt(store::CommandText(version.command)), QString::number(version.keptBy),
              QString::number(version.lines), ToQt(version.name)});
     }
-    versions_->resizeColumnsToContents();
+    FitColumns(*versions_);
 }
 
 void HistoryDialog::ShowChosen() {
@@ -99,7 +99,7 @@ void HistoryDialog::ShowChosen() {
             {ToQt(change.kind), ToQt(change.number), QString::number(change.row), FieldText(change.column),
              ToQt(change.before), ToQt(change.after)});
     }
-    changes_->resizeColumnsToContents();
+    FitColumns(*changes_);
     note_->setText(ToQt(history_.Note()));
     newName_->setText(ToQt(GuardedOr(std::string(), [this] { return history_.ProposedName(); })));
 }
@@ -123,7 +123,7 @@ QLayout* HistoryDialog::Buttons() {
             [this] { Guarded([this] { history_.RestoreAsNew(FromQt(newName_->text())); }); });
     connect(close, &QPushButton::clicked, this, &QDialog::reject);
 
-    auto* label = new QLabel(QStringLiteral("新模板名称(&M)"), this);
+    auto* label = new QLabel(QStringLiteral("新模板名称(&M)："), this);
     label->setBuddy(newName_);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(8);

@@ -93,7 +93,7 @@ void ImportPreviewDialog::AddChanges() {
             {ToQt(change.kind), ToQt(change.number), QString::number(change.row), FieldText(change.column),
              ToQt(change.before), ToQt(change.after)});
     }
-    table->resizeColumnsToContents();
+    FitColumns(*table);
     QString title = QStringLiteral("变化（%1）").arg(changes.size());
     if (changes.size() > kMostRows)
         title = QStringLiteral("变化（%1，列出前 %2）").arg(changes.size()).arg(shown);
@@ -115,7 +115,7 @@ void ImportPreviewDialog::AddTotals() {
              FromTo(ToQt(total.before.credit), ToQt(total.after.credit)), note},
             total.Unbalanced());
     }
-    table->resizeColumnsToContents();
+    FitColumns(*table);
     pages_->addTab(table, QStringLiteral("按编号合计（%1）").arg(preview_.totals.size()));
 }
 
@@ -134,7 +134,7 @@ void ImportPreviewDialog::AddFaults() {
             {fault.row > 0 ? QString::number(fault.row) : QString(), column, ToQt(fault.value),
              ToQt(fault.reason)});
     }
-    table->resizeColumnsToContents();
+    FitColumns(*table);
     pages_->addTab(table, QStringLiteral("异常（%1）").arg(preview_.faults.size()));
 }
 

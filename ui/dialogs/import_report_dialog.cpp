@@ -15,6 +15,13 @@
 
 namespace vicenter::ui {
 
+namespace {
+
+constexpr int kMostTextLines = 3;  // in a cell
+constexpr int kRowRoom = 8;        // above and below them
+
+}  // namespace
+
 ImportReportDialog::ImportReportDialog(const std::vector<exchange::ImportOutcome>& outcomes, QWidget* parent)
     : QDialog(parent), outcomes_(outcomes) {
     setObjectName(QStringLiteral("frmImportReport"));
@@ -70,7 +77,13 @@ QWidget* ImportReportDialog::MakeTable() {
         }
         ++row;
     }
-    table->resizeColumnsToContents();
+    FitColumns(*table);
+    // What kept a file out is read without pointing at it, up to a length.
+    QHeaderView& rows = *table->verticalHeader();
+    rows.setMinimumSectionSize(rows.defaultSectionSize());
+    rows.setMaximumSectionSize(kMostTextLines * table->fontMetrics().lineSpacing() + kRowRoom);
+    connect(table->horizontalHeader(), &QHeaderView::sectionResized, table,
+            &QTableWidget::resizeRowsToContents);
     return table;
 }
 

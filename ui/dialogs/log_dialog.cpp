@@ -17,6 +17,7 @@ namespace {
 
 enum Field { kDate, kUser, kKind, kText, kCounts, kFieldCount };
 constexpr int kKinds = 4;
+constexpr int kFieldRoom = 24;  // beside a hint
 
 }  // namespace
 
@@ -59,6 +60,7 @@ QLineEdit* LogDialog::AddField(QLayout& row, const QString& label, const char* n
     auto* field = new QLineEdit(this);
     field->setObjectName(QString::fromLatin1(name));
     field->setPlaceholderText(hint);
+    field->setMinimumWidth(fontMetrics().horizontalAdvance(hint) + kFieldRoom);
     new SingleLine(*field);
     auto* words = new QLabel(label, this);
     words->setBuddy(field);
@@ -87,6 +89,9 @@ QLayout* LogDialog::Filter() {
     narrow->setDefault(true);
     connect(narrow, &QPushButton::clicked, this, &LogDialog::Narrow);
     row->addWidget(narrow);
+    // The name gets what the dates and the number leave.
+    for (QLineEdit* field : {from_, to_, user_})
+        field->setMaximumWidth(field->minimumWidth());
     return row;
 }
 
@@ -113,7 +118,7 @@ void LogDialog::ShowEntries() {
         }
         ++row;
     }
-    entries_->resizeColumnsToContents();
+    FitColumns(*entries_);
     note_->setText(ToQt(log_.Note()));
 }
 

@@ -81,7 +81,7 @@ void PatternDialog::Fill(const autovch::LeftOut& without) {
         }
         ++row;
     }
-    patterns_->resizeColumnsToContents();
+    FitColumns(*patterns_);
 }
 
 void PatternDialog::TickAll(bool ticked) {

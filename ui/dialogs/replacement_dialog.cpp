@@ -169,7 +169,7 @@ void ReplacementDialog::ShowLines() {
         }
         ++row;
     }
-    lines_->resizeColumnsToContents();
+    FitColumns(*lines_);
     showing_ = before;
     ShowChosen();
 }

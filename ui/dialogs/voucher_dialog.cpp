@@ -55,7 +55,7 @@ VoucherDialog::VoucherDialog(const center::VoucherPreview& preview, center::VICe
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lines, 3);
     layout->addWidget(state);
-    layout->addWidget(open, 1);
+    layout->addWidget(open, 2);
     layout->addWidget(buttons);
     FrameDialog(*this, QSize(820, 460));
     lines->setFocus();
@@ -72,6 +72,7 @@ void VoucherDialog::FillLines(QTableWidget& table) const {
     table.setSelectionBehavior(QAbstractItemView::SelectRows);
     table.setTabKeyNavigation(false);
     table.verticalHeader()->hide();
+    table.horizontalHeader()->setHighlightSections(false);
     for (int c = 0; c < table.columnCount(); ++c) {
         const center::PrintColumn& column = columns[static_cast<std::size_t>(c)];
         table.setHorizontalHeaderItem(c, new QTableWidgetItem(ToQt(column.header)));

@@ -8,5 +8,7 @@
 namespace vicenter::ui {
 
 void SetUpList(QTableWidget& table);
+// Columns as wide as their headings and texts, with room between them; after the rows have changed.
+void FitColumns(QTableWidget& table);
 
 }  // namespace vicenter::ui

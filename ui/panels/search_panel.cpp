@@ -131,7 +131,7 @@ void SearchPanel::ShowHits() {
             hits_->setItem(row, field, item);
         }
     }
-    if (hits_->rowCount() > 0) hits_->resizeColumnsToContents();
+    if (hits_->rowCount() > 0) FitColumns(*hits_);
     QString note = ToQt(GuardedOr(std::string(), [this] { return actions_.Note(); }));
     if (shown == kMostRows) note += QStringLiteral("，列出前 %1 行").arg(kMostRows);
     note_->setText(note);
