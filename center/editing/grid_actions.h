@@ -51,8 +51,14 @@ class GridActions {
     virtual std::string ProposedText(const CellAddress& /*cell*/) { return {}; }
     // The proposal becomes the cell's text; false where there is none.
     virtual bool TakeProposal(const CellAddress& /*cell*/) { return false; }
-    // Number and side of the cursor's row as proposed; the cell where the user goes on, nothing when nothing
-    // was taken. An amount is taken where it stands alone.
+    // The cursor goes on from that cell by Tab or Enter: what stands proposed before the account is taken
+    // when the user has come past it by a key.
+    virtual void TakePassed(const CellAddress& /*from*/) {}
+    // The cursor is about to leave that row by its end: the cell that it has to see first.
+    virtual std::optional<CellAddress> StopInRow(int /*row*/) { return std::nullopt; }
+    // Ctrl and Enter in the line that is being entered: without an account, all that is proposed before it is
+    // taken, with one, all that is proposed of the line. The cell where the user goes on; nothing where the
+    // next one of the row is as good.
     virtual std::optional<CellAddress> TakeRow() { return std::nullopt; }
     virtual bool RefuseProposals() { return false; }
     virtual bool IsOn(EntryAid /*aid*/) { return false; }

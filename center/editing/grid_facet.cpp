@@ -24,6 +24,7 @@ void GridFacet::MoveActiveCell(const CellAddress& to, CursorMove how) {
         // What the account wants is said while its line is being entered.
         if (from.column == column::kAccountNumber && !(from == to) && parts_.editing.CanEdit())
             parts_.state.accounts.Ask(system::TrimBlanks(parts_.state.grid->Text(from.row, from.column)));
+        parts_.taking.Arrived();
     });
 }
 
@@ -91,22 +92,24 @@ std::string GridFacet::ProposedText(const CellAddress& cell) {
 }
 
 bool GridFacet::TakeProposal(const CellAddress& cell) {
-    const std::string text = parts_.proposals.Text(cell);
-    return !text.empty() && CommitText(cell, text) == TextVerdict::Taken;
+    const bool taken = parts_.edge.Look([&] { return parts_.taking.Take(cell); });
+    parts_.names.Close();
+    parts_.RefreshStatus();
+    return taken;
+}
+
+void GridFacet::TakePassed(const CellAddress& from) {
+    parts_.edge.Look([&] { parts_.taking.TakePassed(from); });
+}
+
+std::optional<CellAddress> GridFacet::StopInRow(int row) {
+    return parts_.edge.Look([&] { return parts_.taking.StopInRow(row); });
 }
 
 std::optional<CellAddress> GridFacet::TakeRow() {
-    const int row = parts_.proposals.Row();
-    if (row == 0 || row != parts_.state.grid->ActiveCell().row) return std::nullopt;
-    bool taken = false;
-    {
-        const UndoStep step(parts_.state.open);
-        for (const int c : {column::kNo, column::kDirection}) {
-            if (!parts_.state.grid->Layout(c).hidden) taken = TakeProposal({row, c}) || taken;
-        }
-    }
-    if (!taken) return std::nullopt;
-    return CellAddress{row, column::kAccountNumber};
+    const auto next = parts_.edge.Look([&] { return parts_.taking.TakeRow(); });
+    parts_.RefreshStatus();
+    return next;
 }
 
 bool GridFacet::RefuseProposals() {

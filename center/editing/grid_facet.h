@@ -26,6 +26,8 @@ class GridFacet final : public GridActions {
     int ProposedRow() override;
     std::string ProposedText(const CellAddress& cell) override;
     bool TakeProposal(const CellAddress& cell) override;
+    void TakePassed(const CellAddress& from) override;
+    std::optional<CellAddress> StopInRow(int row) override;
     std::optional<CellAddress> TakeRow() override;
     bool RefuseProposals() override;
     bool IsOn(EntryAid aid) override;

@@ -1,7 +1,8 @@
 #pragma once
 
-// What the lines of a template imply of the next one: its number again, and where that number's sides differ,
-// the side and the amount that are missing.
+// What the lines of a template and the user's other templates imply of the next line: its number and
+// explanation again, the account that always followed, the side on which the account stands, and where the
+// number's sides differ, the amount that is missing.
 //
 // A proposal stands beside the grid, never in it: whoever reads the grid, to save, copy, check or keep a
 // draft, meets none. There is one for the blank row that follows the lines, and as long as the cursor stays
@@ -16,16 +17,24 @@ namespace vicenter::center {
 
 struct ProposedLine {
     std::string number;
+    std::string explanation;
     std::string direction;
+    std::string account;
     std::string amount;
 
     // The empty text for a column that nothing is proposed for.
     const std::string& Text(int gridColumn) const;
-    bool IsEmpty() const { return number.empty() && direction.empty() && amount.empty(); }
+    bool IsEmpty() const {
+        return number.empty() && explanation.empty() && direction.empty() && account.empty() &&
+               amount.empty();
+    }
 };
 
-// For the empty cells of a row by what the row holds already and the lines before it.
-ProposedLine ProposeLine(const EntryGrid& grid, int rowCount, int row);
+// For the empty cells of a row by what the row holds already, the lines before it and what is known of the
+// accounts.
+ProposedLine ProposeLine(const WindowState& state, int row);
+// The number of that row still lacks a side, or its sides differ.
+bool IsNumberOpen(const EntryGrid& grid, int rowCount, int row);
 
 class Proposals {
   public:
@@ -40,6 +49,14 @@ class Proposals {
     // The user wants none in this row. False when there was none.
     bool Refuse();
 
+    // The user has gone on to the account of that row by a key, past the cells before it.
+    void Jumped(int row) { jumped_ = row; }
+    bool HasJumped(int row) const { return jumped_ == row; }
+    // What is proposed now is on the screen.
+    void Show();
+    // That it is proposed has been on the screen since the cursor came to its cell.
+    bool WasShown(const CellAddress& cell) const;
+
     // --- what the grid reports
     void ActiveCellChanged();
     void TextsChanged() { line_.reset(); }
@@ -53,6 +70,9 @@ class Proposals {
     bool on_ = true;
     int begun_ = 0;    // was blank when the cursor came, and the cursor is still there
     int refused_ = 0;  // the row in which the user wants none
+    int jumped_ = 0;
+    ProposedLine shown_;
+    int shownRow_ = 0;
     mutable std::optional<ProposedLine> line_;
     mutable int lineRow_ = 0;
 };

@@ -32,6 +32,7 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
       profile(state),
       editing(state),
       proposals(state),
+      taking(state, editing, proposals),
       kept(state),
       drafts(state, kept),
       tree(
@@ -41,6 +42,7 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
               reported.DropShown(state.open.Name());
               editing.Forget();
               state.accounts.Forget();
+              state.uses.Forget();
               RefreshPanels();
           }),
       refused(state),

@@ -11,6 +11,7 @@
 #include "center/editing/grid_facet.h"
 #include "center/editing/pattern_editing.h"
 #include "center/editing/proposals.h"
+#include "center/editing/row_taking.h"
 #include "center/faults/fault_facet.h"
 #include "center/faults/fault_list.h"
 #include "center/faults/reported_faults.h"
@@ -88,6 +89,7 @@ struct WindowParts : public GridObserver {
     OwnSettings settings;
     GridEditing editing;
     Proposals proposals;
+    RowTaking taking;
     KeptLines kept;
     TemplateDrafts drafts;
     TemplateTree tree;

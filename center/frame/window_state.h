@@ -10,6 +10,7 @@
 #include "center/frame/vicenter_view.h"
 #include "center/grid/entry_grid.h"
 #include "center/lookups/account_cells.h"
+#include "center/lookups/account_uses.h"
 #include "center/template/open_template.h"
 #include "platform/system/surroundings.h"
 
@@ -27,6 +28,7 @@ struct WindowState {
     const std::shared_ptr<EntryGrid> grid = std::make_shared<EntryGrid>();  // vsEntrys
     OpenTemplate open;
     AccountCells accounts;
+    AccountUses uses;
 
     std::string userId;
     bool hasRight = false;

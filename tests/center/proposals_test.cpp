@@ -13,7 +13,19 @@ class ProposalsTest : public GridTest {
         Grid().SetText(row, column::kDirection, direction);
         Grid().SetText(row, column::kAmount, amount);
     }
-    ProposedLine Propose(int row) { return ProposeLine(Grid(), state_.open.RowCount(), row); }
+    ProposedLine Propose(int row) { return ProposeLine(state_, row); }
+    void Account(int row, const std::string& number) { Grid().SetText(row, column::kAccountNumber, number); }
+    // What the user's saved templates and the chart say of an account.
+    void Learn(const std::string& account, const std::vector<store::AccountUse>& uses, int balance = 1) {
+        std::vector<std::vector<Variant>> rows;
+        for (const store::AccountUse& use : uses)
+            rows.push_back({Variant(use.debit ? 1 : 0), use.nextNumber, Variant(use.nextDebit ? 1 : 0)});
+        set_.Answer("where t.FUserID = 16394 and a.FAccountNumber = '" + account + "'",
+                    Rows({"FDC", "FNextNumber", "FNextDC"}, rows));
+        set_.Answer("select FDC from t_Account where FNumber = '" + account + "'",
+                    Rows({"FDC"}, {{Variant(balance)}}));
+        EXPECT_TRUE(state_.uses.Ask(account, "16394"));
+    }
     void GoTo(int row, int gridColumn = 1) {
         Grid().SetActiveCell({row, gridColumn});
         proposals_.ActiveCellChanged();
@@ -51,6 +63,127 @@ TEST_F(ProposalsTest, ABalancedNumberAndOneWithoutAmountsRepeatTheNumberAlone) {
     Line(3, "4", kDebit, "");
     EXPECT_EQ(Propose(4).number, "4");
     EXPECT_EQ(Propose(4).direction, "");
+}
+
+TEST_F(ProposalsTest, TheExplanationAboveIsRepeatedWithinTheNumber) {
+    Grid().SetText(1, column::kExplanation, "付货款");
+    EXPECT_EQ(Propose(2).Text(column::kExplanation), "付货款");
+    Put(2, column::kNo, "4");
+    EXPECT_EQ(Propose(2).explanation, "");
+}
+
+// --- by the account
+
+TEST_F(ProposalsTest, AnAccountStandsWhereTheUserHasAlwaysEnteredIt) {
+    Learn("1405", {{true, "2202", false}});
+    Account(2, "1405");
+    EXPECT_EQ(Propose(2).direction, "借");
+    EXPECT_EQ(Propose(2).amount, "") << "the other side is missing";
+    EXPECT_EQ(Questions("from t_Account where FNumber = '1405'"), 0) << "the templates have said it";
+}
+
+TEST_F(ProposalsTest, AnAccountOnBothSidesStandsWhereTheNumberLacksOne) {
+    Learn("1001", {{true, "", false}, {false, "", false}});
+    Account(2, "1001");
+    EXPECT_EQ(Propose(2).direction, "贷");
+    EXPECT_EQ(Propose(2).amount, "1200.5");
+}
+
+TEST_F(ProposalsTest, ANewAccountStandsWhereTheChartKeepsItsBalance) {
+    Learn("1405", {}, 1);
+    Learn("2202", {}, -1);
+    Account(2, "1405");
+    EXPECT_EQ(Propose(2).direction, "借");
+    Account(2, "2202");
+    EXPECT_EQ(Propose(2).direction, "贷");
+}
+
+TEST_F(ProposalsTest, WhatStandsInThisTemplateCountsAsWell) {
+    Learn("1405", {{true, "", false}});
+    Line(2, "3", kCredit, "200");
+    Account(2, "1405");
+    Account(3, "1405");
+    EXPECT_EQ(Propose(3).direction, "贷") << "on both sides by now, and a credit is missing";
+}
+
+TEST_F(ProposalsTest, ABankAccountStandsWhereTheNumberLacksOne) {
+    set_.Answer("FUnitGroupID,FDetailID from t_Account where FNumber = '1002'",
+                Rows({"FIsBank", "FCurrencyID", "FUnitGroupID", "FDetailID"},
+                     {{Variant(1), Variant(0), Variant(0), Variant(0)}}));
+    state_.accounts.Ask("1002");
+    Learn("1002", {{true, "", false}});
+    Account(2, "1002");
+    EXPECT_EQ(Propose(2).direction, "贷");
+}
+
+TEST_F(ProposalsTest, AnotherNumberHasASideByItsAccountAndNothingElse) {
+    Learn("1405", {{true, "", false}});
+    Line(2, "4", "", "");
+    Account(2, "1405");
+    EXPECT_EQ(Propose(2).direction, "借");
+    EXPECT_EQ(Propose(2).number, "");
+    EXPECT_EQ(Propose(2).amount, "");
+}
+
+TEST_F(ProposalsTest, TheAccountThatHasAlwaysFollowedComesWithItsSide) {
+    Account(1, "5602");
+    Learn("5602", {{true, "1001", false}, {false, "9", true}});
+    EXPECT_EQ(Propose(2).account, "1001");
+    EXPECT_EQ(Propose(2).Text(column::kAccountNumber), "1001");
+    EXPECT_EQ(Propose(2).direction, "贷");
+    EXPECT_EQ(Propose(2).amount, "1200.5");
+    Put(2, column::kDirection, kDebit);
+    EXPECT_EQ(Propose(2).account, "") << "it has never stood on that side";
+}
+
+TEST_F(ProposalsTest, AFollowerOnTheSameSideHasNoAmount) {
+    Account(1, "1405");
+    Learn("1405", {{true, "2221", true}});
+    EXPECT_EQ(Propose(2).account, "2221");
+    EXPECT_EQ(Propose(2).direction, "借");
+    EXPECT_EQ(Propose(2).amount, "");
+}
+
+TEST_F(ProposalsTest, AnAccountThatNotAlwaysFollowedIsNotProposed) {
+    Account(1, "5602");
+    Learn("5602", {{true, "1001", false}, {true, "1002", false}});
+    EXPECT_EQ(Propose(2).account, "");
+    EXPECT_EQ(Propose(2).direction, "贷");
+    Account(1, "5603");
+    Learn("5603", {{true, "1001", false}, {true, "", false}});
+    EXPECT_EQ(Propose(2).account, "") << "once it was the last line";
+    Account(1, "5604");
+    EXPECT_EQ(Propose(2).account, "") << "nothing is known of it";
+}
+
+TEST_F(ProposalsTest, ANumberBeforeInThisTemplateCountsForWhatFollows) {
+    Account(1, "5602");
+    Line(2, "3", kCredit, "1200.5");
+    Account(2, "1002");
+    Line(3, "4", kDebit, "7");
+    Account(3, "5602");
+    Learn("5602", {});
+    EXPECT_EQ(Propose(4).account, "1002");
+    state_.uses.Forget();
+    Learn("5602", {{true, "1001", false}});
+    EXPECT_EQ(Propose(4).account, "");
+}
+
+TEST_F(ProposalsTest, NothingFollowsANumberThatIsDone) {
+    Account(1, "5602");
+    Line(2, "3", kCredit, "1200.5");
+    Account(2, "1001");
+    Learn("1001", {{false, "1002", true}});
+    EXPECT_EQ(Propose(3).account, "");
+}
+
+TEST_F(ProposalsTest, ANumberWithoutAmountsIsOpenUntilItHasBothSides) {
+    Line(1, "3", kDebit, "");
+    EXPECT_TRUE(IsNumberOpen(Grid(), 1, 1));
+    Line(2, "3", kCredit, "");
+    EXPECT_FALSE(IsNumberOpen(Grid(), 2, 2));
+    Line(2, "3", kCredit, "1");
+    EXPECT_TRUE(IsNumberOpen(Grid(), 2, 1));
 }
 
 TEST_F(ProposalsTest, OtherNumbersDoNotCount) {

@@ -14,9 +14,17 @@ class ProposedRowTest : public CenterTest {
         Open();
         Window().Tree().NodeClick("detail-5");
         Forget();
-        for (const int c : {column::kNo, column::kDirection, column::kAmount})
+        for (const int c :
+             {column::kNo, column::kExplanation, column::kDirection, column::kAccountNumber, column::kAmount})
             Grid().SetColumnHidden(c, false);
     }
+    // What the user's saved templates say of an account.
+    void Learn(const std::string& account, bool debit) {
+        set_.Respond("where t.FUserID = 7 and a.FAccountNumber = '" + account + "'", [debit](const auto&) {
+            return Rows({"FDC", "FNextNumber", "FNextDC"}, {{Variant(debit ? 1 : 0), "", Variant(0)}});
+        });
+    }
+    void GoTo(int row, int gridColumn) { Window().Cells().MoveActiveCell({row, gridColumn}); }
     std::string Proposed(int row, int gridColumn) { return Window().Cells().ProposedText({row, gridColumn}); }
 };
 
@@ -57,9 +65,12 @@ TEST_F(ProposedRowTest, EachCellIsTakenForItselfAndIsAStepOfUndo) {
     EXPECT_EQ(Cell(2, column::kAmount), "");
     EXPECT_EQ(Window().RowCount(), 2);
     EXPECT_FALSE(Window().Cells().TakeProposal({2, column::kNo}));
-    EXPECT_FALSE(Window().Cells().TakeProposal({2, column::kExplanation}));
+    EXPECT_TRUE(Window().Cells().TakeProposal({2, column::kExplanation}));
+    EXPECT_EQ(Cell(2, column::kExplanation), "借方");
+    EXPECT_FALSE(Window().Cells().TakeProposal({2, column::kRemark}));
     EXPECT_TRUE(Window().Cells().TakeProposal({2, column::kAmount}));
     EXPECT_EQ(Cell(2, column::kAmount), "1234");
+    Window().Cells().Undo();
     Window().Cells().Undo();
     Window().Cells().Undo();
     EXPECT_EQ(Window().RowCount(), 1);
@@ -67,12 +78,13 @@ TEST_F(ProposedRowTest, EachCellIsTakenForItselfAndIsAStepOfUndo) {
     EXPECT_EQ(Proposed(2, column::kNo), "31");
 }
 
-TEST_F(ProposedRowTest, NumberAndSideAreTakenInOneStep) {
+TEST_F(ProposedRowTest, WhatStandsBeforeTheAccountIsTakenInOneStep) {
     Window().Cells().MoveActiveCell({2, column::kNo});
     EXPECT_EQ(Window().Cells().TakeRow(), (CellAddress{2, column::kAccountNumber}));
     EXPECT_EQ(Cell(2, column::kNo), "31");
+    EXPECT_EQ(Cell(2, column::kExplanation), "借方");
     EXPECT_EQ(Cell(2, column::kDirection), "贷");
-    EXPECT_EQ(Cell(2, column::kAmount), "") << "an amount is taken where it is seen";
+    EXPECT_EQ(Cell(2, column::kAmount), "") << "the account may turn the side yet";
     EXPECT_EQ(Proposed(2, column::kAmount), "1234");
     EXPECT_EQ(Window().Cells().TakeRow(), std::nullopt);
     Window().Cells().Undo();
@@ -88,10 +100,94 @@ TEST_F(ProposedRowTest, WhatNobodySeesIsNotTakenWithTheRow) {
     EXPECT_EQ(Cell(2, column::kDirection), "");
 }
 
-TEST_F(ProposedRowTest, ElsewhereTheRowIsNotTaken) {
+TEST_F(ProposedRowTest, TheEndOfALineTakesTheRestOfItAndGoesToTheNextAccount) {
+    GoTo(1, column::kAmount);
+    EXPECT_EQ(Window().Cells().TakeRow(), (CellAddress{2, column::kAccountNumber}));
+    GoTo(2, column::kAccountNumber);
+    EXPECT_EQ(Window().RowCount(), 1) << "what has not been on the screen is not taken";
+    Type(2, column::kAccountNumber, "2202");
+    GoTo(2, column::kAmount);
+    EXPECT_EQ(Cell(2, column::kNo), "");
+    ASSERT_EQ(Window().Cells().CommitText({2, column::kAmount}, "1000"), TextVerdict::Taken);
+    EXPECT_EQ(Window().Cells().TakeRow(), (CellAddress{3, column::kAccountNumber}));
+    EXPECT_EQ(Cell(2, column::kNo), "31");
+    EXPECT_EQ(Cell(2, column::kExplanation), "借方");
+    EXPECT_EQ(Cell(2, column::kDirection), "贷");
+    EXPECT_EQ(Cell(2, column::kAmount), "1000");
+    GoTo(3, column::kAccountNumber);
+    EXPECT_EQ(Proposed(3, column::kAmount), "234");
+    EXPECT_EQ(Window().RowCount(), 2);
+}
+
+TEST_F(ProposedRowTest, TheEndOfTheLastLineTakesItsAmountAndLeavesTheNextNumberToTheUser) {
+    GoTo(2, column::kNo);
+    ASSERT_TRUE(Window().Cells().TakeRow().has_value());
+    GoTo(2, column::kAccountNumber);
+    Type(2, column::kAccountNumber, "2202");
+    GoTo(2, column::kAmount);
+    EXPECT_EQ(Window().Cells().TakeRow(), (CellAddress{3, column::kNo}));
+    EXPECT_EQ(Cell(2, column::kAmount), "1234");
+}
+
+TEST_F(ProposedRowTest, WhatTheCursorHasComePastIsTakenOnceTheAccountIsThere) {
+    GoTo(1, column::kAmount);
+    Window().Cells().TakeRow();
+    GoTo(2, column::kAccountNumber);
+    Window().Cells().TakePassed({2, column::kAccountNumber});
+    EXPECT_EQ(Window().RowCount(), 1) << "there is no account yet";
+    Type(2, column::kAccountNumber, "2202");
+    GoTo(2, column::kRemark);
+    Window().Cells().TakePassed({2, column::kRemark});
+    EXPECT_EQ(Cell(2, column::kNo), "31");
+    EXPECT_EQ(Cell(2, column::kExplanation), "借方");
+    EXPECT_EQ(Cell(2, column::kDirection), "贷");
+    EXPECT_EQ(Cell(2, column::kAmount), "") << "that lies ahead";
+}
+
+TEST_F(ProposedRowTest, AnAccountThatTurnsTheSideIsLookedAtFirst) {
+    Learn("1405", true);
+    GoTo(1, column::kAmount);
+    Window().Cells().TakeRow();
+    GoTo(2, column::kAccountNumber);
+    EXPECT_EQ(Proposed(2, column::kDirection), "贷");
+    ASSERT_EQ(Window().Cells().CommitText({2, column::kAccountNumber}, "1405"), TextVerdict::Taken);
+    EXPECT_EQ(Window().Cells().TakeRow(), std::nullopt);
+    EXPECT_EQ(Cell(2, column::kNo), "31");
+    EXPECT_EQ(Cell(2, column::kDirection), "");
+    EXPECT_EQ(Proposed(2, column::kDirection), "借");
+    EXPECT_EQ(Window().Cells().StopInRow(2), (CellAddress{2, column::kDirection}));
+    GoTo(2, column::kRemark);
+    EXPECT_EQ(Window().Cells().TakeRow(), (CellAddress{3, column::kAccountNumber}));
+    EXPECT_EQ(Cell(2, column::kDirection), "借");
+    EXPECT_EQ(Window().Cells().StopInRow(2), std::nullopt);
+}
+
+TEST_F(ProposedRowTest, WhoComesByArrowOrMouseTakesNothingOnTheWay) {
+    GoTo(2, column::kAccountNumber);
+    Type(2, column::kAccountNumber, "2202");
+    GoTo(2, column::kRemark);
+    Window().Cells().TakePassed({2, column::kRemark});
+    EXPECT_EQ(Cell(2, column::kNo), "");
+    EXPECT_EQ(Window().Cells().StopInRow(2), std::nullopt);
+    EXPECT_EQ(Window().Cells().TakeRow(), (CellAddress{3, column::kNo})) << "the amount that is missing, too";
+    EXPECT_EQ(Cell(2, column::kNo), "31");
+}
+
+TEST_F(ProposedRowTest, AnAccountIsAskedForOnce) {
+    GoTo(2, column::kAccountNumber);
+    Type(2, column::kAccountNumber, "2202");
+    Forget();
+    GoTo(2, column::kRemark);
+    GoTo(2, column::kAmount);
+    GoTo(2, column::kRemark);
+    EXPECT_EQ(Sent("a.FAccountNumber = '2202'").size(), 1u);
+}
+
+TEST_F(ProposedRowTest, ALineInTheMiddleIsNotTaken) {
+    FillLine(2, "31", "Second");
     Window().Cells().MoveActiveCell({1, column::kNo});
     EXPECT_EQ(Window().Cells().TakeRow(), std::nullopt);
-    EXPECT_EQ(Window().RowCount(), 1);
+    EXPECT_EQ(Window().RowCount(), 2);
 }
 
 TEST_F(ProposedRowTest, RefusedItIsGone) {

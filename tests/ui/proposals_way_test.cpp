@@ -43,6 +43,10 @@ class ProposalsWayTest : public DemoSetTest {
         }
         return false;
     }
+    void CtrlEnter() {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return, Qt::ControlModifier);
+        QApplication::processEvents();
+    }
     QString ToolTip(int row, int gridColumn) {
         return window->Grid().Model().IndexOf({row, gridColumn}).data(Qt::ToolTipRole).toString();
     }
@@ -59,7 +63,7 @@ TEST_F(ProposalsWayTest, IsPaintedGreyAndIsNoTextOfTheModel) {
     EXPECT_EQ(amount.data().toString(), "");
     EXPECT_EQ(amount.data(Qt::EditRole).toString(), "");
     EXPECT_TRUE(ToolTip(2, column::kAmount).contains(QStringLiteral("750.00")));
-    EXPECT_EQ(ToolTip(2, column::kAccountNumber), "");
+    EXPECT_EQ(ToolTip(2, column::kAccountName), "");
 }
 
 TEST_F(ProposalsWayTest, TabAndEnterTakeItCellByCellAndTheLineIsStored) {
@@ -67,7 +71,7 @@ TEST_F(ProposalsWayTest, TabAndEnterTakeItCellByCellAndTheLineIsStored) {
     Key(Qt::Key_Tab);
     EXPECT_EQ(Text(2, column::kNo), "8");
     Key(Qt::Key_Tab);
-    EXPECT_EQ(Text(2, column::kExplanation), "");
+    EXPECT_EQ(Text(2, column::kExplanation), "Cash");
     Key(Qt::Key_Return);
     EXPECT_EQ(Text(2, column::kDirection), "贷");
     Type("1002.01");
@@ -83,12 +87,57 @@ TEST_F(ProposalsWayTest, TabAndEnterTakeItCellByCellAndTheLineIsStored) {
 
 TEST_F(ProposalsWayTest, CtrlEnterTakesTheRowAndGoesToTheAccount) {
     OpenWithOneLine();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return, Qt::ControlModifier);
-    QApplication::processEvents();
+    CtrlEnter();
     EXPECT_EQ(Text(2, column::kNo), "8");
+    EXPECT_EQ(Text(2, column::kExplanation), "Cash");
     EXPECT_EQ(Text(2, column::kDirection), "贷");
     EXPECT_EQ(Text(2, column::kAmount), "");
     EXPECT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{2, column::kAccountNumber}));
+}
+
+TEST_F(ProposalsWayTest, CtrlEnterFromLineToLineEntersThemByTheirAccounts) {
+    OpenWithOneLine();
+    ClickCell(1, column::kAmount);
+    CtrlEnter();
+    ASSERT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{2, column::kAccountNumber}));
+    EXPECT_EQ(window->Presenter().RowCount(), 1);
+    Type("1405.01");
+    Key(Qt::Key_Tab);
+    EXPECT_TRUE(ToolTip(2, column::kDirection).contains(QStringLiteral("建议“借”"))) << "its usual side";
+    Type("250");
+    CtrlEnter();
+    EXPECT_EQ(Text(2, column::kDirection), "借");
+    EXPECT_EQ(Text(2, column::kExplanation), "Cash");
+    ASSERT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{3, column::kAccountNumber}));
+    // Always below it in this user's templates: proposed, and taken as any other cell.
+    EXPECT_TRUE(ToolTip(3, column::kAccountNumber).contains(QStringLiteral("建议“2202.01”")));
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Text(3, column::kAccountName), "应付货款");
+    CtrlEnter();
+    EXPECT_EQ(Text(3, column::kNo), "8");
+    EXPECT_EQ(Text(3, column::kDirection), "贷");
+    EXPECT_EQ(Text(3, column::kAmount), "1000");
+    EXPECT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{4, column::kNo}));
+    EXPECT_EQ(window->Presenter().RowCount(), 3);
+    ClickTool("mnuSave");
+    EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FNo = 8 and FExp = 'Cash'"), 3);
+}
+
+TEST_F(ProposalsWayTest, ALineThatEndsWithItsAccountShowsTheSideBeforeItIsLeft) {
+    OpenWithOneLine();
+    for (const int c : {column::kAccountName, column::kAmount})
+        window->Presenter().Grid().SetColumnHidden(c, true);
+    ClickCell(1, column::kAccountNumber);
+    CtrlEnter();
+    Type("1405.01");
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{2, column::kDirection}));
+    EXPECT_EQ(Text(2, column::kNo), "8");
+    EXPECT_EQ(Text(2, column::kDirection), "");
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Text(2, column::kDirection), "借");
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{3, 1}));
 }
 
 TEST_F(ProposalsWayTest, EscapeRefusesItAndArrowsPassItBy) {

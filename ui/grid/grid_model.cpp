@@ -88,7 +88,7 @@ QVariant GridModel::ToolTipOfSound(const center::CellAddress& cell) const {
 QVariant GridModel::ProposalToolTip(const center::CellAddress& cell) const {
     const QString text = ProposedText(cell);
     if (text.isEmpty()) return {};
-    return QStringLiteral("建议“%1”：按 Tab 或 Enter 取用，按 Ctrl+Enter 取用编号和借贷方向，按 Esc 不取用")
+    return QStringLiteral("建议“%1”：按 Tab 或 Enter 取用，按 Ctrl+Enter 取用这一行的建议，按 Esc 不取用")
         .arg(text);
 }
 

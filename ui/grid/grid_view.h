@@ -116,6 +116,7 @@ class GridView : public QTableView {
     void Place(const QModelIndex& index);
     void MoveTo(int row, int column);
     void MoveOn(bool back);
+    void GoOn();
     void MoveRows(int rows);
     bool HandleShortcut(const QKeyEvent& event);
     bool HandleCellKey(QKeyEvent& event);

@@ -82,6 +82,11 @@ void GridView::MoveOn(bool back) {
         if (!GuardedOr(false, [&] { return actions_.IsPassedBy(cell); }))
             return MoveTo(current.row(), column);
     }
+    if (!back) {
+        const auto stop = GuardedOr(std::optional<center::CellAddress>(),
+                                    [&] { return actions_.StopInRow(current.row() + 1); });
+        if (stop) return MoveTo(stop->row - 1, stop->column - 1);
+    }
     const int row = current.row() + step;
     if (row < 0 || row >= model_.rowCount()) return;
     MoveTo(row, back ? LastVisibleColumn() : FirstVisibleColumn());
@@ -275,11 +280,12 @@ bool GridView::HandleCellKey(QKeyEvent& event) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
             if (event.modifiers() & Qt::ControlModifier && TakeProposedRow()) return true;
-            if (!(event.modifiers() & Qt::ShiftModifier)) TakeProposal();
-            return MoveOn(event.modifiers() & Qt::ShiftModifier), true;
+            if (event.modifiers() & Qt::ShiftModifier) return MoveOn(true), true;
+            TakeProposal();
+            return GoOn(), true;
         case Qt::Key_Tab:
             TakeProposal();
-            return MoveOn(false), true;
+            return GoOn(), true;
         case Qt::Key_Backtab:
             return MoveOn(true), true;
         case Qt::Key_Delete:
@@ -309,10 +315,17 @@ void GridView::TakeProposal() {
     Guarded([&] { actions_.TakeProposal(model_.AddressOf(currentIndex())); });
 }
 
+// On through the row by Tab or Enter.
+void GridView::GoOn() {
+    if (IsInteractive() && currentIndex().isValid())
+        Guarded([&] { actions_.TakePassed(model_.AddressOf(currentIndex())); });
+    MoveOn(false);
+}
+
 bool GridView::TakeProposedRow() {
     if (!IsInteractive()) return false;
     const auto next = GuardedOr(std::optional<center::CellAddress>(), [&] { return actions_.TakeRow(); });
-    if (next) MoveTo(next->row - 1, next->column - 1);
+    if (next) MoveTo(next->row - 1, ShownColumnNear(next->column - 1));
     return next.has_value();
 }
 
@@ -382,7 +395,7 @@ bool GridView::HandleNameListKey(QWidget& editor, const QKeyEvent& event) {
             if (!taken) return false;
             // The choice is in the row already; what was typed goes with the editor.
             closeEditor(&editor, QAbstractItemDelegate::RevertModelCache);
-            MoveOn(false);
+            if (!(event.modifiers() & Qt::ControlModifier) || !TakeProposedRow()) GoOn();
             return true;
         }
         default:
@@ -402,7 +415,11 @@ bool GridView::EditorKeyPressed(QWidget& editor, QKeyEvent& event) {
         case Qt::Key_Tab:
         case Qt::Key_Backtab:
             FinishEditing(&editor);
-            MoveOn(event.key() == Qt::Key_Backtab || (event.key() != Qt::Key_Tab && shift));
+            if (event.key() == Qt::Key_Backtab || (event.key() != Qt::Key_Tab && shift))
+                return MoveOn(true), true;
+            if (event.key() == Qt::Key_Tab || !(event.modifiers() & Qt::ControlModifier) ||
+                !TakeProposedRow())
+                GoOn();
             return true;
         case Qt::Key_Escape:
             closeEditor(&editor, QAbstractItemDelegate::RevertModelCache);
