@@ -1,7 +1,12 @@
 // What every dialog has alike: no way to lose it behind its window, and room on a small screen.
 
 #include <QDialog>
+#include <QFileDialog>
+#include <QMessageBox>
 #include <QScreen>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -11,11 +16,15 @@
 #include "center/print/voucher_preview.h"
 #include "dialogs/frm_search.h"
 #include "dialogs/frm_set_colume.h"
+#include "tests/paths/source_folder.h"
 #include "tests/ui/scripted_ledger.h"
 #include "ui/dialogs/column_dialog.h"
 #include "ui/dialogs/find_dialog.h"
 #include "ui/dialogs/history_dialog.h"
+#include "ui/dialogs/import_report_dialog.h"
 #include "ui/dialogs/voucher_dialog.h"
+#include "ui/run/long_work.h"
+#include "ui/run/qt_surroundings.h"
 
 namespace vicenter::ui {
 namespace {
@@ -23,10 +32,20 @@ namespace {
 // Of a screen of 1366 x 768 points at scale 2, less a panel and a title bar.
 constexpr QSize kSmallest{683, 384 - 60};
 
+// Without the first flag a window manager follows its own mind.
+void ExpectTitleBar(const QDialog& dialog) {
+    const std::string name = dialog.objectName().toStdString();
+    EXPECT_TRUE(dialog.windowFlags() & Qt::CustomizeWindowHint) << name;
+    EXPECT_TRUE(dialog.windowFlags() & Qt::WindowTitleHint) << name;
+    EXPECT_FALSE(dialog.windowFlags() & Qt::WindowMinimizeButtonHint) << name;
+    EXPECT_FALSE(dialog.windowFlags() & Qt::WindowMaximizeButtonHint) << name;
+    EXPECT_FALSE(dialog.windowFlags() & Qt::WindowContextHelpButtonHint) << name;
+    EXPECT_EQ(dialog.windowType(), Qt::Dialog) << name;
+}
+
 void ExpectFramed(const QDialog& dialog) {
     const std::string name = dialog.objectName().toStdString();
-    EXPECT_FALSE(dialog.windowFlags() & Qt::WindowMinimizeButtonHint) << name;
-    EXPECT_FALSE(dialog.windowFlags() & Qt::WindowContextHelpButtonHint) << name;
+    ExpectTitleBar(dialog);
     EXPECT_TRUE(dialog.windowFlags() & Qt::WindowCloseButtonHint) << name;
     EXPECT_LE(dialog.minimumSizeHint().width(), kSmallest.width()) << name;
     EXPECT_LE(dialog.minimumSizeHint().height(), kSmallest.height()) << name;
@@ -49,6 +68,54 @@ TEST(DialogFrame, IsThatOfEveryDialog) {
     const center::VoucherPreview preview(*grid, 1, 1, {"日常费用", "账套", "用户"});
     center::SilentView view;
     ExpectFramed(VoucherDialog(preview, view));
+    ExpectFramed(ImportReportDialog({}, nullptr));
+    ExpectFramed(LongWorkBox(nullptr));
+}
+
+TEST(DialogFrame, IsThatOfMessagesAndOfTheChoiceOfFilesAsWell) {
+    QMessageBox told;
+    FillMessageBox(told, "x", system::MessageButtons::Ok, system::MessageIcon::Information, "信息提示");
+    ExpectTitleBar(told);
+    EXPECT_TRUE(told.windowFlags() & Qt::WindowCloseButtonHint);
+    QMessageBox asked;
+    FillMessageBox(asked, "x", system::MessageButtons::YesNo, system::MessageIcon::Question, "信息提示");
+    ExpectTitleBar(asked);
+    EXPECT_FALSE(asked.windowFlags() & Qt::WindowCloseButtonHint) << "only its buttons answer";
+    QFileDialog files;
+    FillFileDialog(files, {}, false);
+    ExpectTitleBar(files);
+    EXPECT_TRUE(files.windowFlags() & Qt::WindowCloseButtonHint);
+}
+
+std::string TextOf(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    std::stringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+// A dialog that is added later, too.
+TEST(DialogFrame, IsAskedForWhereverADialogIsMade) {
+    int dialogs = 0;
+    for (const char* folder : {"ui", "host/window"}) {
+        for (const auto& entry :
+             std::filesystem::recursive_directory_iterator(testing_paths::SourceFolder() / folder)) {
+            std::filesystem::path source = entry.path();
+            if (source.extension() != ".h" && source.extension() != ".cpp") continue;
+            const std::string text = TextOf(source);
+            bool makes = false;
+            for (const char* made : {": public QDialog", " QDialog dialog(", " QMessageBox box(",
+                                     " QFileDialog dialog(", " QPrintDialog dialog(", ": public QMessageBox"})
+                makes = makes || text.find(made) != std::string::npos;
+            if (!makes) continue;
+            ++dialogs;
+            const std::string whole = TextOf(source.replace_extension(".cpp"));
+            EXPECT_TRUE(whole.find("FrameDialog(") != std::string::npos ||
+                        whole.find("FrameTitleBar(") != std::string::npos)
+                << source;
+        }
+    }
+    EXPECT_GT(dialogs, 12);
 }
 
 }  // namespace

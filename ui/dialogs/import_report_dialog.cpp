@@ -9,8 +9,10 @@
 #include <QVBoxLayout>
 
 #include "exchange/import_several.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 #include "ui/run/slot_guard.h"
 
 namespace vicenter::ui {
@@ -50,7 +52,7 @@ ImportReportDialog::ImportReportDialog(const std::vector<exchange::ImportOutcome
     layout->addWidget(summary);
     layout->addWidget(MakeTable(), 1);
     layout->addLayout(buttons);
-    resize(820, 420);
+    FrameDialog(*this, QSize(820, 420));
     close->setFocus();
 }
 

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
 #include "ui/look/qt_text.h"
 
@@ -49,7 +50,7 @@ PatternDialog::PatternDialog(const autovch::GenerationPreview& preview, const au
     layout->addWidget(patterns_, 1);
     layout->addWidget(note_);
     layout->addLayout(buttons);
-    resize(860, 480);
+    FrameDialog(*this, QSize(860, 480));
     ShowCount();
     patterns_->setFocus();
 }

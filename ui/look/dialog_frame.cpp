@@ -15,12 +15,15 @@ constexpr int kFrame = 40;  // pixels that a title bar and a panel take
 
 }  // namespace
 
-void FrameDialog(QDialog& dialog, const QSize& wanted) {
-    // Not to be lost behind the window that waits for it.
+void FrameTitleBar(QDialog& dialog) {
     dialog.setWindowFlags(
         (dialog.windowFlags() | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint |
          Qt::WindowSystemMenuHint) &
         ~(Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint | Qt::WindowContextHelpButtonHint));
+}
+
+void FrameDialog(QDialog& dialog, const QSize& wanted) {
+    FrameTitleBar(dialog);
     QSize size = wanted.isEmpty() ? dialog.sizeHint()
                                   : QSize(TwipsToPixels(wanted.width() * 15.0, dialog),
                                           TwipsToPixels(wanted.height() * 15.0, dialog));

@@ -9,7 +9,12 @@ class QDialog;
 
 namespace vicenter::ui {
 
-// wanted: at 96 dots an inch; empty: what the contents ask for. Before the dialog is shown.
+// A title bar that closes the dialog and does nothing else. Window managers give dialogs one that hides them
+// as well unless they are told; that goes for message boxes and the choice of files, too. Before the dialog
+// is shown.
+void FrameTitleBar(QDialog& dialog);
+// The title bar, and the size. wanted: at 96 dots an inch; empty: what the contents ask for. Before the
+// dialog is shown.
 void FrameDialog(QDialog& dialog, const QSize& wanted = {});
 
 }  // namespace vicenter::ui

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "automation/error.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
 #include "ui/print/pdf_text.h"
@@ -290,6 +291,7 @@ bool PrintOnPaper(const PrintSheet& sheet, QWidget* parent) {
     printer.setDocName(ToQt(sheet.title));
     QPrintDialog dialog(&printer, parent);
     dialog.setWindowTitle(QStringLiteral("打印"));
+    FrameTitleBar(dialog);
     if (dialog.exec() != QDialog::Accepted) return false;
     if (PaintSheet(printer, sheet) == 0)
         throw automation::Error(automation::error_number::kPermissionDenied, "打印机无法使用。");

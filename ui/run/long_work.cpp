@@ -8,6 +8,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "ui/look/dialog_frame.h"
+
 namespace vicenter::ui {
 
 namespace {
@@ -27,6 +29,7 @@ LongWorkBox::LongWorkBox(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("longWork"));
     setWindowTitle(QStringLiteral("信息提示"));
     setWindowModality(Qt::ApplicationModal);
+    FrameTitleBar(*this);
     auto* label = new QLabel(QStringLiteral("正在执行，请稍后..."), this);
     auto* bar = new QProgressBar(this);
     bar->setRange(0, 0);  // a bar that only moves

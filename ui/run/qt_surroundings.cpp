@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "entry/sql_text.h"
+#include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/long_work.h"
 
@@ -179,6 +180,7 @@ QSize ScrollingTextSize(const QFontMetrics& metrics, const QSize& screen) {
 void FillMessageBox(QMessageBox& box, const std::string& text, system::MessageButtons buttons,
                     system::MessageIcon icon, const std::string& title) {
     box.setObjectName(QStringLiteral("messageBox"));
+    FrameTitleBar(box);
     box.setWindowTitle(ToQt(title));
     // Plain: a template's name may hold what reads as mark-up.
     box.setTextFormat(Qt::PlainText);
@@ -215,6 +217,7 @@ QStringList NameFilters(const system::FileRequest& request) {
 
 void FillFileDialog(QFileDialog& dialog, const system::FileRequest& request, bool saving) {
     dialog.setObjectName(QStringLiteral("fileDialog"));
+    FrameTitleBar(dialog);
 #ifndef Q_OS_WIN
     // A desktop's own dialog may run in this process and look into the files that it lists.
     dialog.setOption(QFileDialog::DontUseNativeDialog);
