@@ -12,6 +12,7 @@
 #include "exchange/template_sheet.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
+#include "text/ascii.h"
 
 namespace vicenter::exchange {
 
@@ -184,7 +185,7 @@ void SaveMarkedCopy(ExchangeTarget& window, const std::string& fileName) {
         request.filters = {{"Excel File (*.xls)", "*.xls"}};
         if (ExcelVersion() >= kFirstXlsxVersion) {
             request.filters.push_back({"Excel File (*.xlsx)", "*.xlsx"});
-            request.selectedFilter = fileName.ends_with(".xls") ? 0 : 1;
+            request.selectedFilter = text::LowerAscii(fileName).ends_with(".xls") ? 0 : 1;
         }
         request.proposedName = MarkedCopyName(fileName);
         const auto target = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);

@@ -214,6 +214,19 @@ TEST_F(MarkedCopyTest, TheCommandAsksForANameAndTellsWhatCameOfIt) {
     EXPECT_EQ(window_.told.back(), "hide");
 }
 
+TEST_F(MarkedCopyTest, IsOfferedAsTheKindOfItsWorkbookHoweverThatIsWritten) {
+    for (const std::string name : {"旧的.xls", "旧的.XLS"}) {
+        std::string file = MakeWorkbook("旧的.xls", rows_);
+        if (file != folder_.File(name)) {
+            std::filesystem::rename(system::PathFromUtf8(file), system::PathFromUtf8(folder_.File(name)));
+            file = folder_.File(name);
+        }
+        SaveMarkedCopy(window_, file);
+        const system::FileRequest& request = surroundings_.fileDialogs->requests.back();
+        EXPECT_EQ(request.filters.at(request.selectedFilter).pattern, "*.xls") << name;
+    }
+}
+
 // --- what people do to workbooks
 
 TEST_F(MarkedCopyTest, ATitleAboveIsRefusedWithItsTextAndTheListSaysWhatToDo) {
