@@ -169,6 +169,8 @@ void AddRecord(office::XlsParts& parts, const std::string& line) {
         parts.Time(row, column, std::stod(rest));
     } else if (kind == "error") {
         parts.Error(row, column, static_cast<std::uint8_t>(std::stoi(rest, nullptr, 16)));
+    } else if (kind == "hidden") {  // the row, whatever column is named
+        parts.HiddenRow(row);
     } else if (kind == "formula") {  // flags and tokens; there is no result
         const std::size_t blank = rest.find(' ');
         parts.Formula(row, column, std::string(8, '\0'),

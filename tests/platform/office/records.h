@@ -53,6 +53,11 @@ struct XlsParts {
     void Number(std::uint16_t row, std::uint16_t column, double value) {
         cells += Record(0x0203, U16(row) + U16(column) + U16(15) + F64(value));
     }
+    void HiddenRow(std::uint16_t row) {
+        constexpr std::uint32_t kHidden = 0x20;
+        constexpr std::uint32_t kAlways = 0x100;
+        cells += Record(0x0208, U16(row) + U16(0) + U16(8) + U16(0xFF) + U32(0) + U32(kHidden | kAlways));
+    }
     // The second look shows times.
     void Time(std::uint16_t row, std::uint16_t column, double value) {
         cells += Record(0x0203, U16(row) + U16(column) + U16(16) + F64(value));
