@@ -133,7 +133,6 @@ std::string NamesOnce::WhyNot(const std::string& file) {
 }
 
 std::vector<ImportOutcome> ImportTemplates(ExchangeTarget& window) {
-    std::vector<ImportOutcome> outcomes;
     ImportOutcome refused;
     std::optional<std::vector<std::string>> files;
     try {
@@ -145,13 +144,18 @@ std::vector<ImportOutcome> ImportTemplates(ExchangeTarget& window) {
         refused.faults.push_back({0, 0, "", "", refused.reason});
     }
     if (!files) return {refused};
-    if (files->size() == 1) return {ImportTemplateFile(window, files->front())};
-    std::sort(files->begin(), files->end());
+    return ImportTemplateFiles(window, std::move(*files));
+}
+
+std::vector<ImportOutcome> ImportTemplateFiles(ExchangeTarget& window, std::vector<std::string> files) {
+    if (files.size() == 1) return {ImportTemplateFile(window, files.front())};
+    std::sort(files.begin(), files.end());
     system::Surroundings surroundings = system::Surroundings::Current();
     surroundings.messageBoxes = std::make_shared<QuestionsOnly>(surroundings.messageBoxes);
     const system::SurroundingsScope scope(surroundings);
     NamesOnce names;
-    for (const std::string& file : *files) {
+    std::vector<ImportOutcome> outcomes;
+    for (const std::string& file : files) {
         ImportOutcome outcome;
         outcome.file = file;
         outcome.refusal = names.WhyNot(file);

@@ -17,6 +17,9 @@ namespace vicenter::exchange {
 // Never throws.
 std::vector<ImportOutcome> ImportTemplates(ExchangeTarget& window);
 
+// The same of files that are chosen already.
+std::vector<ImportOutcome> ImportTemplateFiles(ExchangeTarget& window, std::vector<std::string> files);
+
 // Two workbooks that would become one template ("a.xls", "a.xlsx"): the second must not replace what the
 // first has just brought.
 class NamesOnce {

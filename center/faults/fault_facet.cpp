@@ -88,7 +88,7 @@ void FaultFacet::SaveMarkedCopy(const std::string& workbook) {
 }
 
 void FaultFacet::ImportTidily(const std::string& workbook) {
-    parts_.edge.Command([&] { parts_.RunImport(workbook, true); });
+    parts_.edge.Command([&] { parts_.RunImport({workbook}, true); });
 }
 
 void FaultFacet::DropReported(const std::vector<std::size_t>& places) {

@@ -88,15 +88,15 @@ void WindowParts::RunTool(Tool tool) {
     }
 }
 
-void WindowParts::RunImport(const std::string& fileName, bool tidily) {
+void WindowParts::RunImport(const std::vector<std::string>& fileNames, bool tidily) {
     LogRequest("凭证模板-引入模板");
     if (RefusedForRight() || !save.ConfirmUnsavedChanges() || commands == nullptr) return;
-    if (fileName.empty()) {
+    if (fileNames.empty()) {
         commands->Import(window);
     } else if (tidily) {
-        commands->ImportTidily(window, fileName);
+        commands->ImportTidily(window, fileNames.front());
     } else {
-        commands->ImportFile(window, fileName);
+        commands->ImportFiles(window, fileNames);
     }
 }
 

@@ -131,9 +131,10 @@ void frmVICenter::ToolClick(std::string_view key) {
     }
 }
 
-void frmVICenter::FileDropped(const std::string& fileName) {
+void frmVICenter::FilesDropped(const std::vector<std::string>& fileNames) {
+    if (fileNames.empty()) return;
     parts_->edge.Command([&] {
-        parts_->RunImport(fileName);
+        parts_->RunImport(fileNames);
         parts_->MarkUnusable();
     });
 }

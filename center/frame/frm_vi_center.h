@@ -60,7 +60,7 @@ class frmVICenter final : public CommandTarget {
     // What a command has made, opened by the desktop.
     void OpenDocument(const std::string& file);
     // A workbook file dropped on the window: the import command on it.
-    void FileDropped(const std::string& fileName);
+    void FilesDropped(const std::vector<std::string>& fileNames);
 
     // --- what other folders use
     const std::string& TemplateId() const override;

@@ -42,8 +42,8 @@ class TemplateCommands {
   public:
     virtual ~TemplateCommands() = default;
     virtual void Import(CommandTarget& window) = 0;
-    // The import of a file that is chosen already.
-    virtual void ImportFile(CommandTarget& window, const std::string& fileName) = 0;
+    // The import of files that are chosen already.
+    virtual void ImportFiles(CommandTarget& window, const std::vector<std::string>& fileNames) = 0;
     // The same, without the rows above the workbook's header and blank rows between its lines.
     virtual void ImportTidily(CommandTarget& window, const std::string& fileName) = 0;
     // A copy of a workbook that was refused, its faulty cells marked.

@@ -68,9 +68,9 @@ struct WindowParts : public GridObserver {
     bool IsOn(EntryAid aid) const;
     void SetOn(EntryAid aid, bool on);
     void SetColumnOrder(const ColumnOrder& order);
-    // fileName: a workbook chosen already; empty: the command asks for one. tidily: what lies above its
-    // header and between its lines is passed over.
-    void RunImport(const std::string& fileName, bool tidily = false);
+    // fileNames: workbooks chosen already; none: the command asks for them. tidily, of one alone: what lies
+    // above its header and between its lines is passed over.
+    void RunImport(const std::vector<std::string>& fileNames, bool tidily = false);
     // The user may not change templates, and has been told so.
     bool RefusedForRight();
 

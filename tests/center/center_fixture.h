@@ -39,8 +39,11 @@ struct Template {
 class RecordingCommands : public TemplateCommands {
   public:
     void Import(CommandTarget&) override { run.emplace_back("import"); }
-    void ImportFile(CommandTarget&, const std::string& fileName) override {
-        run.push_back("import " + fileName);
+    void ImportFiles(CommandTarget&, const std::vector<std::string>& fileNames) override {
+        std::string names;
+        for (const std::string& name : fileNames)
+            names += " " + name;
+        run.push_back("import" + names);
     }
     void ImportTidily(CommandTarget&, const std::string& fileName) override {
         run.push_back("tidily " + fileName);

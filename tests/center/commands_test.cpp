@@ -279,7 +279,7 @@ INSTANTIATE_TEST_SUITE_P(
     Requests, OpenEditor,
     testing::Values(
         Request{"tool", true, [](frmVICenter& window) { window.ToolClick("mnuShowCol"); }},
-        Request{"drop", true, [](frmVICenter& window) { window.FileDropped("a.xlsx"); }},
+        Request{"drop", true, [](frmVICenter& window) { window.FilesDropped({"a.xlsx"}); }},
         Request{"save", true, [](frmVICenter& window) { window.Save(); }},
         Request{"question", true, [](frmVICenter& window) { window.ConfirmUnsavedChanges(); }},
         Request{"close", true, [](frmVICenter& window) { window.Unload(); }},
@@ -382,15 +382,22 @@ TEST_F(Commands, FourCommandsOfOtherFoldersDoNothingWithoutThem) {
 
 TEST_F(Commands, ADroppedWorkbookIsImportedUnderTheSameRules) {
     OpenAs(true);
-    Window().FileDropped("a.xlsx");
+    Window().FilesDropped({"a.xlsx"});
     EXPECT_THAT(Log(), ElementsAre("log 1 凭证模板-引入模板"));
     EXPECT_THAT(commands_.run, ElementsAre("import a.xlsx"));
+    commands_.run.clear();
+    Forget();
+    Window().FilesDropped({"b.xls", "a.xlsx"});
+    EXPECT_THAT(Log(), ElementsAre("log 1 凭证模板-引入模板")) << "one command";
+    EXPECT_THAT(commands_.run, ElementsAre("import b.xls a.xlsx"));
+    Window().FilesDropped({});
+    EXPECT_EQ(commands_.run.size(), 1U);
     MakeDirty();
     Answer(MessageResult::Yes);  // refused: the line has no number
-    Window().FileDropped("b.xlsx");
+    Window().FilesDropped({"b.xlsx"});
     EXPECT_EQ(commands_.run.size(), 1U);
     OpenAs(false);
-    Window().FileDropped("c.xlsx");
+    Window().FilesDropped({"c.xlsx"});
     EXPECT_THAT(Log(), ElementsAre("log 1 凭证模板-引入模板"));
     EXPECT_THAT(Messages(), ElementsAre(kNoRight));
     EXPECT_EQ(commands_.run.size(), 1U);
@@ -403,7 +410,7 @@ TEST_F(Commands, TypingCountsBeforeADroppedWorkbookToo) {
     FillLine(1, "1", "收款");
     Type(1, column::kAccountNumber, "1002");
     Answer(MessageResult::Yes);
-    Window().FileDropped("a.xlsx");
+    Window().FilesDropped({"a.xlsx"});
     ASSERT_EQ(Sent("exec pro_VchTpCanUsed").size(), 1U);
     EXPECT_THAT(Sent("exec pro_VchTpCanUsed")[0], HasSubstr(",1,1002,'1002','银行存款',"));
 }

@@ -432,7 +432,7 @@ TEST_F(RightTemplate, ANewTemplateIsTheUsersWhoseWindowAsks) {
 class AskingCommands : public RecordingCommands {
   public:
     void Import(CommandTarget&) override { users.push_back(entry::CurrentUserId()); }
-    void ImportFile(CommandTarget&, const std::string&) override { users.push_back(entry::CurrentUserId()); }
+    void ImportFiles(CommandTarget&, const Texts&) override { users.push_back(entry::CurrentUserId()); }
     void GenerateFromVouchers(CommandTarget&) override { users.push_back(entry::CurrentUserId()); }
     Texts users;
 };
@@ -446,7 +446,7 @@ TEST_F(RightTemplate, ImportAndGenerationRunAsTheUserOfTheirWindow) {
     second.Load();
     for (frmVICenter* window : {&first, &second}) {
         window->ToolClick("mnuImp");
-        window->FileDropped("a.xls");
+        window->FilesDropped({"a.xls"});
         window->ToolClick("mnuAutoVch");
     }
     EXPECT_THAT(commands.users, ElementsAre("7", "7", "7", "8", "8", "8"));

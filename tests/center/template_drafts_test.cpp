@@ -292,7 +292,7 @@ TEST_F(Drafts, ADeclinedQuestionOfWhateverLeavesTheEditsInTheGridKeepsTheDraft) 
         void (*go)(frmVICenter& window);
     };
     const Way kWays[] = {
-        {"a workbook that is dropped and not imported", [](frmVICenter& w) { w.FileDropped("a.xlsx"); }},
+        {"a workbook that is dropped and not imported", [](frmVICenter& w) { w.FilesDropped({"a.xlsx"}); }},
         {"the root of the tree", [](frmVICenter& w) { w.Tree().NodeClick(std::string(kRootKey)); }},
         {"a name to be changed", [](frmVICenter& w) { w.Tree().DoubleClick(); }},
     };

@@ -341,12 +341,35 @@ TEST_F(ExchangeWayTest, SeveralChosenWorkbooksEndInOneReport) {
     EXPECT_EQ(window->Presenter().Faults().Reported().size(), 1U);
 }
 
-TEST_F(ExchangeWayTest, OtherFilesAndSeveralAtOnceAreNotTaken) {
+TEST_F(ExchangeWayTest, SeveralDroppedWorkbooksAreImportedAsSeveralChosenOnes) {
+    const std::int64_t before = Templates();
+    QStringList files;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, window, [&] {
+        auto* dialog = window->findChild<QDialog*>(QStringLiteral("frmImportReport"));
+        if (!dialog || !dialog->isVisible() || !files.isEmpty()) return;
+        files = Rows(*dialog, "files");
+        Press(*dialog, "cmdClose");
+    });
+    watch.start(0);
+    Drop({MakeWorkbook("Two.xlsx", 1, "x"), MakeWorkbook("One.XLSX", 2)});
+    EXPECT_TRUE(accepted_);
+    ASSERT_EQ(files.size(), 2);
+    EXPECT_TRUE(files[0].startsWith("One.XLSX|One|已引入|2|")) << files[0].toStdString();
+    EXPECT_TRUE(files[1].startsWith("Two.xlsx|Two|未引入|0|1|")) << files[1].toStdString();
+    EXPECT_THAT(TakeMessages(), IsEmpty()) << "the report tells it";
+    EXPECT_EQ(Templates(), before + 1);
+    EXPECT_EQ(window->Presenter().Faults().Reported().size(), 1U);
+}
+
+TEST_F(ExchangeWayTest, OtherFilesAreNotTakenNorWhatIsAmongThem) {
     const std::string path = MakeWorkbook("a.xlsx", 1);
     const std::int64_t before = Templates();
-    Drop({path, path});
+    Drop({path, folder.Path("a.txt")});
     EXPECT_FALSE(accepted_);
     Drop({folder.Path("a.txt")});
+    EXPECT_FALSE(accepted_);
+    Drop({});
     EXPECT_FALSE(accepted_);
     EXPECT_THAT(TakeMessages(), IsEmpty());
     EXPECT_EQ(Templates(), before);

@@ -366,7 +366,7 @@ TEST_F(WindowTest, PastedCellsThatCannotBeTakenAreListed) {
 class RecordingCommands : public center::TemplateCommands {
   public:
     void Import(center::CommandTarget&) override { run.emplace_back("import"); }
-    void ImportFile(center::CommandTarget&, const std::string&) override { run.emplace_back("file"); }
+    void ImportFiles(center::CommandTarget&, const std::vector<std::string>&) override { run.emplace_back("file"); }
     void ImportTidily(center::CommandTarget&, const std::string& fileName) override {
         run.push_back("tidily " + fileName);
     }

@@ -85,16 +85,20 @@ void Report(center::CommandTarget& window, const exchange::ImportOutcome& outcom
     if (outcome.written) window.TellDone("模板 " + outcome.templateName + " 已引入，来自", outcome.file);
 }
 
-}  // namespace
-
-void CenterCommands::Import(center::CommandTarget& window) {
-    ExchangeWindow exchangeWindow(window);
-    const std::vector<exchange::ImportOutcome> outcomes = exchange::ImportTemplates(exchangeWindow);
+// Of several, one report tells what became of them.
+void Report(center::CommandTarget& window, const std::vector<exchange::ImportOutcome>& outcomes) {
     for (const exchange::ImportOutcome& outcome : outcomes)
         Report(window, outcome);
     if (outcomes.size() < 2) return;
     ImportReportDialog dialog(outcomes, WidgetOf(window));
     dialog.exec();
+}
+
+}  // namespace
+
+void CenterCommands::Import(center::CommandTarget& window) {
+    ExchangeWindow exchangeWindow(window);
+    Report(window, exchange::ImportTemplates(exchangeWindow));
 }
 
 void CenterCommands::ImportTidily(center::CommandTarget& window, const std::string& fileName) {
@@ -107,9 +111,9 @@ void CenterCommands::SaveMarkedCopy(center::CommandTarget& window, const std::st
     exchange::SaveMarkedCopy(exchangeWindow, fileName);
 }
 
-void CenterCommands::ImportFile(center::CommandTarget& window, const std::string& fileName) {
+void CenterCommands::ImportFiles(center::CommandTarget& window, const std::vector<std::string>& fileNames) {
     ExchangeWindow exchangeWindow(window);
-    Report(window, exchange::ImportTemplateFile(exchangeWindow, fileName));
+    Report(window, exchange::ImportTemplateFiles(exchangeWindow, fileNames));
 }
 
 void CenterCommands::Export(center::CommandTarget& window) {

@@ -11,7 +11,7 @@ namespace vicenter::ui {
 class CenterCommands : public center::TemplateCommands {
   public:
     void Import(center::CommandTarget& window) override;
-    void ImportFile(center::CommandTarget& window, const std::string& fileName) override;
+    void ImportFiles(center::CommandTarget& window, const std::vector<std::string>& fileNames) override;
     void ImportTidily(center::CommandTarget& window, const std::string& fileName) override;
     void SaveMarkedCopy(center::CommandTarget& window, const std::string& fileName) override;
     void Export(center::CommandTarget& window) override;

@@ -29,14 +29,17 @@ constexpr int kHomeMilliseconds = 5000;
 constexpr int kDraftMilliseconds = 1500;
 constexpr int kLongestTypingMilliseconds = 10000;  // without a rest
 
-// The one local workbook file that is being dragged; empty for anything else.
-QString DroppedWorkbook(const QMimeData& data) {
-    const QList<QUrl> urls = data.urls();
-    if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
-    const QString file = urls.front().toLocalFile();
-    const bool workbook = file.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive) ||
-                          file.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive);
-    return workbook ? file : QString();
+// The local workbooks that are being dragged; none as soon as anything else is among them.
+std::vector<std::string> DroppedWorkbooks(const QMimeData& data) {
+    std::vector<std::string> files;
+    for (const QUrl& url : data.urls()) {
+        const QString file = url.toLocalFile();
+        const bool workbook = file.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive) ||
+                              file.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive);
+        if (!workbook) return {};
+        files.push_back(FromQt(file));
+    }
+    return files;
 }
 
 }  // namespace
@@ -243,18 +246,17 @@ void VICenterWindow::DragRows() {
 }
 
 void VICenterWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!DroppedWorkbook(*event->mimeData()).isEmpty() && !progress_->IsPolling())
+    if (!DroppedWorkbooks(*event->mimeData()).empty() && !progress_->IsPolling())
         event->acceptProposedAction();
 }
 
 void VICenterWindow::dropEvent(QDropEvent* event) {
-    const QString file = DroppedWorkbook(*event->mimeData());
-    if (file.isEmpty()) return;
+    const std::vector<std::string> files = DroppedWorkbooks(*event->mimeData());
+    if (files.empty()) return;
     event->acceptProposedAction();
     // After the drag has ended: the import may ask questions.
     QMetaObject::invokeMethod(
-        this, [this, file] { Guarded([&] { presenter_->FileDropped(FromQt(file)); }); },
-        Qt::QueuedConnection);
+        this, [this, files] { Guarded([&] { presenter_->FilesDropped(files); }); }, Qt::QueuedConnection);
 }
 
 void VICenterWindow::changeEvent(QEvent* event) {
