@@ -159,6 +159,7 @@ ImportPreview PreviewImport(ExchangeTarget& window, const std::string& fileName,
     preview.reason = std::move(workbook.reason);
     preview.faults = std::move(workbook.faults);
     preview.after = std::move(workbook.lines);
+    preview.inserts = std::move(workbook.inserts);
     // As a template shows its lines.
     std::stable_sort(preview.after.begin(), preview.after.end(), [](const LineTexts& a, const LineTexts& b) {
         return NumberOrder()(Text(a, column::kNo), Text(b, column::kNo));

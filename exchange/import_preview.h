@@ -44,6 +44,7 @@ struct ImportPreview {
     std::string refusal;                // what an import would say; empty when it would be written
     std::string reason;
     std::vector<LineFault> faults;
+    std::string inserts;  // of the lines as they were read: what has been looked at is what is imported
 
     std::vector<store::LineChange> Changes() const { return store::ChangesOf(differences, before, after); }
     // One sentence: what becomes of which template, how many lines come, go and change.

@@ -128,27 +128,35 @@ std::string RowsRefusal(const std::string& errorText) {
     return "引入模板失败！模板文件数据存在以下错误: " + errorText;
 }
 
-// The insert of every row, and how many; refuses a sheet with faulty rows.
-std::int32_t AppendRows(ExchangeTarget& window, const TemplateSheet& opened, const std::string& fieldList,
-                        std::string& batch) {
-    ImportRows rows(opened.Sheet(), opened.Columns(), fieldList);
-    const store::LineInserts inserts(fieldList);
+// Checks every row and writes its insert, as long as nothing is wrong; read() looks at each that has been.
+// What is wrong, as an import says it.
+std::string ReadRows(ExchangeTarget& window, const TemplateSheet& opened, ImportRows& rows,
+                     const std::string& fieldList, std::string& inserts, const std::function<void()>& read) {
+    const store::LineInserts insert(fieldList);
     std::string values;
     std::string errorText;
-    std::int32_t lines = 0;
     const auto take = [&](std::int32_t row) {
         rows.ValidateImportRow(row, values, errorText);
-        ++lines;
+        read();
         if (!errorText.empty()) return;
         // The number of the sheet's row becomes the line's FEntryID.
-        inserts.Begin(batch, row);
-        batch += values;
-        store::LineInserts::End(batch);
+        insert.Begin(inserts, row);
+        inserts += values;
+        store::LineInserts::End(inserts);
     };
     WalkRows(
         window, opened, rows, [&] { return errorText.size() >= kMaxErrorBytes; }, take);
-    if (!errorText.empty()) throw Refused{RowsRefusal(errorText), rows.TakeFaults()};
-    return lines;
+    return errorText.empty() ? errorText : RowsRefusal(errorText);
+}
+
+void BeginBatch(ImportBatch& batch, std::int32_t existingId, const std::string& name) {
+    // The standard template stays everybody's, whoever replaces it.
+    store::BeginTemplate(batch.text, existingId, name,
+                         existingId == store::kStandardTemplateId ? "0" : entry::CurrentUserId());
+}
+
+void EndBatch(ImportBatch& batch, std::int32_t existingId) {
+    batch.text.append(store::ControlRows(existingId)).append(entry::kCrLf);
 }
 
 }  // namespace
@@ -158,12 +166,21 @@ ImportBatch ReadTemplateWorkbook(ExchangeTarget& window, const std::string& file
     const TemplateSheet opened(fileName, tidily);
     const std::string fieldList = ReadHeader(opened);
     ImportBatch batch;
-    const std::string userId = entry::CurrentUserId();
-    // The standard template stays everybody's, whoever replaces it.
-    store::BeginTemplate(batch.text, existingId, name,
-                         existingId == store::kStandardTemplateId ? "0" : userId);
-    batch.lines = AppendRows(window, opened, fieldList, batch.text);
-    batch.text.append(store::ControlRows(existingId)).append(entry::kCrLf);
+    BeginBatch(batch, existingId, name);
+    ImportRows rows(opened.Sheet(), opened.Columns(), fieldList);
+    const std::string refusal = ReadRows(window, opened, rows, fieldList, batch.text, [&] { ++batch.lines; });
+    if (!refusal.empty()) throw Refused{refusal, rows.TakeFaults()};
+    EndBatch(batch, existingId);
+    return batch;
+}
+
+ImportBatch BatchOfRead(std::string_view inserts, std::size_t lines, std::int32_t existingId,
+                        const std::string& name) {
+    ImportBatch batch;
+    BeginBatch(batch, existingId, name);
+    batch.text += inserts;
+    batch.lines = static_cast<std::int32_t>(lines);
+    EndBatch(batch, existingId);
     return batch;
 }
 
@@ -171,16 +188,10 @@ WorkbookLines ReadWorkbookLines(ExchangeTarget& window, const std::string& fileN
     WorkbookLines result;
     try {
         const TemplateSheet opened(fileName, tidily);
-        ImportRows rows(opened.Sheet(), opened.Columns(), ReadHeader(opened));
-        std::string values;
-        std::string errorText;
-        WalkRows(
-            window, opened, rows, [&] { return errorText.size() >= kMaxErrorBytes; },
-            [&](std::int32_t row) {
-                rows.ValidateImportRow(row, values, errorText);
-                result.lines.push_back(rows.TextsAsStored());
-            });
-        if (!errorText.empty()) result.refusal = RowsRefusal(errorText);
+        const std::string fieldList = ReadHeader(opened);
+        ImportRows rows(opened.Sheet(), opened.Columns(), fieldList);
+        result.refusal = ReadRows(window, opened, rows, fieldList, result.inserts,
+                                  [&] { result.lines.push_back(rows.TextsAsStored()); });
         result.faults = rows.TakeFaults();
     } catch (const Refused& refused) {
         result.refusal = refused.text;

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "exchange/exchange_target.h"
@@ -24,6 +25,10 @@ struct ImportBatch {
 ImportBatch ReadTemplateWorkbook(ExchangeTarget& window, const std::string& fileName, std::int32_t existingId,
                                  const std::string& name, bool tidily = false);
 
+// The batch of a workbook that has been read already: the inserts of its lines.
+ImportBatch BatchOfRead(std::string_view inserts, std::size_t lines, std::int32_t existingId,
+                        const std::string& name);
+
 // What a workbook holds, faulty or not.
 struct WorkbookLines {
     // As the account set would hold them; of a faulty cell what is typed there.
@@ -31,6 +36,7 @@ struct WorkbookLines {
     std::string refusal = {};  // what an import would say; empty when it would take them
     std::string reason = {};   // where the fixed words do not say why
     std::vector<LineFault> faults = {};
+    std::string inserts = {};  // of an import, as long as nothing is wrong
 };
 // Throws Cancelled.
 WorkbookLines ReadWorkbookLines(ExchangeTarget& window, const std::string& fileName, bool tidily = false);

@@ -115,60 +115,18 @@ bool CheckInstalled(ImportOutcome& outcome) {
     return false;
 }
 
-// What it would change is looked at first; false when the user thinks better of it.
-bool LooksRight(ExchangeTarget& window, const ImportDestination& destination, bool tidily,
-                ImportOutcome& outcome) {
-    try {
-        return window.LookBeforeImport([&] {
-            ImportPreview preview = PreviewImport(window, outcome.file, destination, tidily);
-            outcome.faults = preview.faults;
-            return preview;
-        });
-    } catch (const Cancelled&) {
-        return false;
-    }
-}
+// Where the batch of an import comes from. Throws as ReadTemplateWorkbook does.
+using BatchSource = std::function<ImportBatch()>;
 
-// The command from the chosen file on.
-ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileName, bool tidily = false) {
-    ImportOutcome outcome;
-    outcome.file = fileName;
-    const ImportDestination destination = FindImportDestination(fileName);
-    const std::string& name = destination.name;
-    outcome.templateName = name;
-    if (!destination.refusal.empty()) return Refuse(outcome, destination.refusal);
-    if (destination.Replaces() &&
-        (!LooksRight(window, destination, tidily, outcome) ||
-         Show("模板[" + name + "]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？",
-              entry::kMessageTitle, MessageButtons::OkCancel) != MessageResult::Ok)) {
-        return outcome;
-    }
-    return ImportTemplateWorkbook(window, fileName, destination.existingId, name, tidily);
-}
-
-// Whatever the surroundings of the command throw ends like any failure of an import. fileName: as it is by
-// then.
-ImportOutcome Guarded(const std::string& fileName, const std::function<ImportOutcome()>& action) {
-    try {
-        return action();
-    } catch (const Error& error) {
-        ImportOutcome outcome = Refuse({}, kImportFailed);
-        outcome.file = fileName;
-        TakeReason(outcome, ReasonOf(error));
-        return outcome;
-    }
-}
-
-}  // namespace
-
-ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& fileName,
-                                     std::int32_t existingId, const std::string& name, bool tidily) {
+// Writes the batch and tells what became of it.
+ImportOutcome ImportFrom(ExchangeTarget& window, const std::string& fileName, std::int32_t existingId,
+                         const std::string& name, const BatchSource& read) {
     ImportOutcome outcome;
     outcome.file = fileName;
     outcome.templateName = name;
     window.ShowProgress("正在执行凭证模板引入，请稍后...");
     try {
-        const ImportBatch batch = ReadTemplateWorkbook(window, fileName, existingId, name, tidily);
+        const ImportBatch batch = read();
         if (!ConfirmEmptying(existingId, name, batch.lines)) throw Cancelled();
         WriteBatch(window, batch, existingId, outcome);
         TellWritten(window, outcome);
@@ -189,6 +147,64 @@ ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& 
     }
     window.HideProgress();
     return outcome;
+}
+
+// What it would change is looked at first; false when the user thinks better of it. What has been looked at
+// and found sound is the batch.
+bool LooksRight(ExchangeTarget& window, const ImportDestination& destination, bool tidily,
+                ImportOutcome& outcome, std::optional<ImportBatch>& seen) {
+    try {
+        return window.LookBeforeImport([&] {
+            ImportPreview preview = PreviewImport(window, outcome.file, destination, tidily);
+            outcome.faults = preview.faults;
+            if (preview.refusal.empty())
+                seen = BatchOfRead(preview.inserts, preview.after.size(), destination.existingId,
+                                   destination.name);
+            return preview;
+        });
+    } catch (const Cancelled&) {
+        return false;
+    }
+}
+
+// The command from the chosen file on.
+ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileName, bool tidily = false) {
+    ImportOutcome outcome;
+    outcome.file = fileName;
+    const ImportDestination destination = FindImportDestination(fileName);
+    const std::string& name = destination.name;
+    outcome.templateName = name;
+    if (!destination.refusal.empty()) return Refuse(outcome, destination.refusal);
+    std::optional<ImportBatch> seen;
+    if (destination.Replaces() &&
+        (!LooksRight(window, destination, tidily, outcome, seen) ||
+         Show("模板[" + name + "]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？",
+              entry::kMessageTitle, MessageButtons::OkCancel) != MessageResult::Ok)) {
+        return outcome;
+    }
+    if (!seen) return ImportTemplateWorkbook(window, fileName, destination.existingId, name, tidily);
+    return ImportFrom(window, fileName, destination.existingId, name, [&] { return std::move(*seen); });
+}
+
+// Whatever the surroundings of the command throw ends like any failure of an import. fileName: as it is by
+// then.
+ImportOutcome Guarded(const std::string& fileName, const std::function<ImportOutcome()>& action) {
+    try {
+        return action();
+    } catch (const Error& error) {
+        ImportOutcome outcome = Refuse({}, kImportFailed);
+        outcome.file = fileName;
+        TakeReason(outcome, ReasonOf(error));
+        return outcome;
+    }
+}
+
+}  // namespace
+
+ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& fileName,
+                                     std::int32_t existingId, const std::string& name, bool tidily) {
+    return ImportFrom(window, fileName, existingId, name,
+                      [&] { return ReadTemplateWorkbook(window, fileName, existingId, name, tidily); });
 }
 
 std::optional<std::vector<std::string>> ChooseWorkbooks(ImportOutcome& outcome) {

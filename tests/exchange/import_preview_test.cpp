@@ -20,6 +20,17 @@ class LookingWindow : public FakeWindow {
     std::vector<ImportPreview> seen;
 };
 
+// Somebody else saves the workbook anew while it is looked at.
+class SlowWindow : public LookingWindow {
+  public:
+    bool LookBeforeImport(const std::function<ImportPreview()>& read) override {
+        const bool answer = LookingWindow::LookBeforeImport(read);
+        meanwhile();
+        return answer;
+    }
+    std::function<void()> meanwhile;
+};
+
 class PreviewTest : public ExchangeTest {
   protected:
     // What the account set holds of the template 5, named 旧模板: number, explanation, side, account, amount,
@@ -152,6 +163,42 @@ TEST_F(PreviewTest, AWindowLooksBeforeTheQuestionAndOnlyWhereATemplateExists) {
     const std::size_t looks = window.seen.size();
     ImportTemplateFile(window, MakeWorkbook("新的.xlsx", {kHeaders, {"#1", "b", "借", "1", "n", "#1", ""}}));
     EXPECT_EQ(window.seen.size(), looks);
+}
+
+TEST_F(PreviewTest, WhatHasBeenLookedAtIsWhatIsImported) {
+    Holds({{1, "a", 1, "1001", 1, ""}});
+    set_.Answer("from t_VchTpControl where FIsCanUsed", Rows({"FNo"}));
+    const auto make = [this](const std::string& explanation, const std::string& amount) {
+        return MakeWorkbook("旧模板.xlsx", {kHeaders,
+                                            {"#1", explanation, "借", "1001", "名称", amount},
+                                            {"#1", "", "贷", "1002", "名称", amount}});
+    };
+    SlowWindow window;
+    const std::string file = make("seen", "#7");
+    window.meanwhile = [&] { make("not seen", "#9"); };
+    surroundings_.messageBoxes->answers = {system::MessageResult::Ok};
+    const ImportOutcome outcome = ImportTemplateFile(window, file);
+    EXPECT_TRUE(outcome.written);
+    EXPECT_EQ(outcome.lines, 2);
+    std::string batch;
+    for (const std::string& sql : set_.Statements()) {
+        if (sql.find(" set @MaxFID = 5") != std::string::npos) batch = sql;
+    }
+    EXPECT_NE(batch.find("(@MaxFID,2,1,'seen',1,"), std::string::npos) << batch;
+    EXPECT_NE(batch.find("(@MaxFID,3,1,'',0,"), std::string::npos) << batch;
+    EXPECT_EQ(batch.find("not seen"), std::string::npos);
+}
+
+TEST_F(PreviewTest, AWorkbookThatWasFaultyIsReadAnewAndMayHaveBeenMended) {
+    Holds({{1, "a", 1, "1001", 1, ""}});
+    set_.Answer("from t_VchTpControl where FIsCanUsed", Rows({"FNo"}));
+    SlowWindow window;
+    const std::string file = MakeWorkbook("旧模板.xlsx", {kHeaders, {"#1", "b", "x", "1001", "名称", "#1"}});
+    window.meanwhile = [&] {
+        MakeWorkbook("旧模板.xlsx", {kHeaders, {"#1", "mended", "借", "1001", "名称", "#1"}});
+    };
+    surroundings_.messageBoxes->answers = {system::MessageResult::Ok};
+    EXPECT_TRUE(ImportTemplateFile(window, file).written);
 }
 
 TEST_F(PreviewTest, WhoCancelsTheReadingIsAskedNothing) {
