@@ -55,4 +55,8 @@ void ItemFacet::LookUp(std::size_t row) {
     parts_.RefreshStatus();
 }
 
+std::vector<std::string> ItemFacet::Names() {
+    return parts_.edge.Look([&] { return parts_.items.Names(); });
+}
+
 }  // namespace vicenter::center

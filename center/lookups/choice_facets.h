@@ -34,6 +34,7 @@ class ItemFacet final : public ItemActions {
     void CommitText(const std::string& text) override;
     void CommitNumber(std::size_t row, const std::string& number) override;
     void LookUp(std::size_t row) override;
+    std::vector<std::string> Names() override;
 
   private:
     WindowParts& parts_;

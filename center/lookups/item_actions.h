@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace vicenter::center {
 
@@ -16,6 +17,8 @@ class ItemActions {
     virtual void CommitText(const std::string& text) = 0;  // txtItem
     virtual void CommitNumber(std::size_t row, const std::string& number) = 0;
     virtual void LookUp(std::size_t row) = 0;
+    // The names behind the numbers, row by row; empty texts where there are none.
+    virtual std::vector<std::string> Names() { return {}; }
 };
 
 }  // namespace vicenter::center

@@ -9,9 +9,13 @@ std::string NamesBehind(const EntryGrid& grid, const CellAddress& cell) {
     if (codes.empty()) return {};
     const std::string_view account = grid.Text(cell.row, column::kAccountNumber);
     if (cell.column == column::kItems) return store::ItemNames(account, codes);
-    const std::string_view name = grid.Text(cell.row, column::kAccountName);
-    if (cell.column != column::kAccountNumber || name.empty()) return {};
-    return std::string(account) + " " + std::string(name);
+    if (cell.column == column::kAccountNumber || cell.column == column::kAccountName) {
+        const std::string_view name = grid.Text(cell.row, column::kAccountName);
+        return account.empty() || name.empty() ? std::string()
+                                               : std::string(account) + " " + std::string(name);
+    }
+    const std::string code = store::CodeOfName(cell.column, codes, account);
+    return code.empty() ? std::string() : code + " " + std::string(codes);
 }
 
 }  // namespace vicenter::center

@@ -1,6 +1,6 @@
 #pragma once
 
-// The names behind the codes of a cell. Needs no window.
+// The names behind the codes of a cell, and codes behind names. Needs no window.
 
 #include <string>
 
@@ -8,7 +8,7 @@
 
 namespace vicenter::center {
 
-// Empty for cells without codes and for codes without names.
+// Code and name as they belong together. Empty for cells without codes, and for those that nobody knows.
 std::string NamesBehind(const EntryGrid& grid, const CellAddress& cell);
 
 }  // namespace vicenter::center

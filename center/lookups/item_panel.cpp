@@ -8,6 +8,7 @@
 #include "center/lookups/cell_look_ups.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/item_names.h"
 
 namespace vicenter::center {
 
@@ -99,6 +100,17 @@ std::vector<std::string> ItemPanel::Numbers() const {
     for (const ItemPanelState::Row& row : panel_.rows)
         numbers.push_back(row.number);
     return numbers;
+}
+
+std::vector<std::string> ItemPanel::Names() const {
+    std::vector<std::string> names(panel_.rows.size());
+    const std::vector<std::string> numbers = Numbers();
+    if (JoinItems(numbers).empty()) return names;
+    const std::vector<store::NamedItem> items = store::NamedItems(account_, JoinItems(numbers));
+    // Classes that the panel leaves out have no piece of the text, either.
+    for (std::size_t i = 0; i < std::min(names.size(), items.size()); ++i)
+        names[i] = items[i].name;
+    return names;
 }
 
 void ItemPanel::Write(const std::string& text) {

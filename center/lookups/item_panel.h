@@ -29,6 +29,8 @@ class ItemPanel {
     // Throws what the host's components throw.
     void LookUp(std::size_t row);
     const ItemPanelState& State() const { return panel_; }
+    // Behind the numbers of the rows, one for each. The account set is asked.
+    std::vector<std::string> Names() const;
 
   private:
     void ReadClasses(const std::string& accountNumber);

@@ -130,6 +130,22 @@ TEST_F(Panel, ANumberIsWrittenAtItsPlaceInTheItemsFormat) {
     EXPECT_EQ(Grid().Look(1, column::kItems).foreColor, color::kBlack);
 }
 
+TEST_F(Panel, KnowsTheNamesBehindTheNumbers) {
+    set_.Answer("select b.FName,b.FSQLTableName",
+                Rows({"FName", "FSQLTableName"}, {{"客户", "t_Customer"}, {"部门", "t_Department"}}));
+    set_.Answer("select FName from t_Customer where FNumber = 'C001'", Rows({"FName"}, {{"甲公司"}}));
+    set_.Answer("select FName from t_Department where FNumber = 'D01'", Rows({"FName"}, {{"财务部"}}));
+    set_.Answer("select FName from t_Department where FNumber = 'D09'", Rows({"FName"}));
+    EXPECT_THAT(Window().Items().Names(), ElementsAre("", ""));
+    Window().Items().CommitNumber(1, "D01");
+    EXPECT_THAT(Window().Items().Names(), ElementsAre("", "财务部"));
+    Window().Items().CommitNumber(0, "C001");
+    Window().Items().CommitNumber(1, "D09");
+    EXPECT_THAT(Window().Items().Names(), ElementsAre("甲公司", ""));
+    Window().Cells().MoveActiveCell({1, 10});
+    EXPECT_THAT(Window().Items().Names(), IsEmpty());
+}
+
 TEST_F(Panel, TakingEveryNumberAwayEmptiesTheCell) {
     Window().Items().CommitNumber(0, "C001");
     Window().Items().CommitNumber(0, "");

@@ -3,6 +3,7 @@
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QLabel>
 #include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
@@ -334,6 +335,36 @@ TEST_F(EntryAidsWayTest, CodesTellTheirNames) {
         << tip(column::kItems).toStdString();
     EXPECT_TRUE(tip(column::kItems).contains(QStringLiteral("E004")));
     EXPECT_EQ(tip(column::kExplanation), "");
+    // The panel as well.
+    ClickCell(1, column::kItems);
+    Key(Qt::Key_F4);
+    const auto* name = window->findChild<QLabel*>(QStringLiteral("lblItemName1"));
+    ASSERT_NE(name, nullptr);
+    EXPECT_TRUE(name->isVisible());
+    EXPECT_EQ(name->text().toStdString(), department);
+    Key(Qt::Key_Escape);
+}
+
+TEST_F(EntryAidsWayTest, NamesTellTheirCodes) {
+    OpenNew(all);
+    const auto put = [this](int row, int c, const char* text) {
+        ClickCell(row, c);
+        Type(text);
+        Key(Qt::Key_Tab);
+    };
+    const auto tip = [&](int row, int c) {
+        return Grid().Model().IndexOf({row, c}).data(Qt::ToolTipRole).toString();
+    };
+    TypeLine(1, "1", "x", "j", "1002.02");
+    put(1, column::kSettleName, "JF03");
+    put(1, column::kCurrencyName, "USD");
+    TypeLine(2, "1", "x", "d", "1405.01");
+    put(2, column::kUnitName, "KG");
+    EXPECT_TRUE(tip(1, column::kAccountName).contains(QStringLiteral("1002.02 中国银行美元户")));
+    EXPECT_TRUE(tip(1, column::kSettleName).contains(QStringLiteral("JF03 电汇")));
+    EXPECT_TRUE(tip(1, column::kCurrencyName).contains(QStringLiteral("USD 美元")));
+    EXPECT_TRUE(tip(2, column::kUnitName).contains(QStringLiteral("KG 千克")));
+    EXPECT_EQ(tip(2, column::kCurrencyName), "");
 }
 
 }  // namespace

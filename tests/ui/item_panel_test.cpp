@@ -62,6 +62,20 @@ TEST_F(ItemPanelTest, ShowsOneLabelledRowPerItemClass) {
     EXPECT_EQ(Find<QLineEdit>("txtItemNumber2")->text(), "D02");
 }
 
+TEST_F(ItemPanelTest, TheNameBehindANumberStandsBesideIt) {
+    panel.SetState(TwoClasses());
+    panel.SetNames({"<b>甲</b>公司", ""});
+    const auto* name = Find<QLabel>("lblItemName1");
+    EXPECT_TRUE(name->isVisible());
+    EXPECT_EQ(name->text(), "<b>甲</b>公司");
+    EXPECT_EQ(name->textFormat(), Qt::PlainText);
+    EXPECT_GT(name->width(), 60);
+    EXPECT_GE(name->geometry().left(), Find<QToolButton>("cmdItemLookUp1")->geometry().right());
+    EXPECT_EQ(Find<QLabel>("lblItemName2")->text(), "");
+    panel.SetNames({});
+    EXPECT_EQ(name->text(), "");
+}
+
 TEST_F(ItemPanelTest, ANumberThatDoesNotResolveIsRed) {
     panel.SetState(TwoClasses());
     EXPECT_EQ(Find<QLineEdit>("txtItemNumber2")->palette().color(QPalette::Text), QColor(255, 0, 0));

@@ -18,7 +18,7 @@ namespace vicenter::ui {
 namespace {
 
 constexpr std::size_t kRowsThatFit = 4;
-constexpr int kPictureWidth = 280;
+constexpr int kPictureWidth = 400;
 constexpr int kRowHeight = 26;
 constexpr int kPictureMargin = 6;
 
@@ -111,12 +111,13 @@ void ItemPanel::BuildRows(std::size_t count) {
     grid->setContentsMargins(kPictureMargin, kPictureMargin, kPictureMargin, kPictureMargin);
     grid->setHorizontalSpacing(4);
     grid->setVerticalSpacing(2);
-    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(1, 2);
+    grid->setColumnStretch(3, 3);
     for (std::size_t i = 0; i < count; ++i) {
         const int row = static_cast<int>(i);
         const QString suffix = QString::number(row + 1);
         Row widgets{new QLabel(content_), new QLabel(content_), new QLineEdit(content_),
-                    new QToolButton(content_)};
+                    new QToolButton(content_), new QLabel(content_)};
         widgets.name->setObjectName(QStringLiteral("lblItem") + suffix);
         widgets.id->setObjectName(QStringLiteral("lblID") + suffix);
         widgets.id->hide();
@@ -127,13 +128,18 @@ void ItemPanel::BuildRows(std::size_t count) {
         widgets.lookUp->setText(QStringLiteral("…"));
         widgets.lookUp->setFocusPolicy(Qt::NoFocus);
         widgets.lookUp->setToolTip(QStringLiteral("查看资料 (F7)"));
+        widgets.known->setObjectName(QStringLiteral("lblItemName") + suffix);
+        widgets.known->setTextFormat(Qt::PlainText);
+        // A long one is cut off, and whole when the mouse is over it.
+        widgets.known->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         for (QWidget* widget :
-             std::initializer_list<QWidget*>{widgets.name, widgets.number, widgets.lookUp}) {
+             std::initializer_list<QWidget*>{widgets.name, widgets.number, widgets.lookUp, widgets.known}) {
             widget->setFixedHeight(kRowHeight - 2);
         }
         grid->addWidget(widgets.name, row, 0);
         grid->addWidget(widgets.number, row, 1);
         grid->addWidget(widgets.lookUp, row, 2);
+        grid->addWidget(widgets.known, row, 3);
         connect(widgets.number, &QLineEdit::editingFinished, this,
                 [this, field = widgets.number] { Commit(*field); });
         connect(widgets.lookUp, &QToolButton::clicked, this, [this, row, field = widgets.number] {
@@ -145,7 +151,7 @@ void ItemPanel::BuildRows(std::size_t count) {
     empty_ = new QLabel(QStringLiteral("该分录的科目没有核算项目"), content_);
     empty_->setObjectName(QStringLiteral("lblNoItems"));
     empty_->setVisible(count == 0);
-    if (count == 0) grid->addWidget(empty_, 0, 0, 1, 3);
+    if (count == 0) grid->addWidget(empty_, 0, 0, 1, 4);
     grid->setRowStretch(static_cast<int>(std::max<std::size_t>(count, 1)), 1);
     scroll_->setWidget(content_);  // deletes the rows before
 }
@@ -171,6 +177,15 @@ void ItemPanel::SetState(const center::ItemPanelState& state) {
     if (opened && !rows_.empty() && picture_->isVisible()) {
         rows_.front().number->setFocus(Qt::OtherFocusReason);
         rows_.front().number->selectAll();
+    }
+}
+
+void ItemPanel::SetNames(const std::vector<std::string>& names) {
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const QString name = i < names.size() ? ToQt(names[i]) : QString();
+        rows_[i].known->setText(name);
+        rows_[i].known->setToolTip(ToolTipText(name));
+        rows_[i].number->setAccessibleDescription(name);
     }
 }
 

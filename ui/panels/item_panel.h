@@ -23,6 +23,8 @@ class ItemPanel : public QObject {
     explicit ItemPanel(QWidget* parent);
 
     void SetState(const center::ItemPanelState& state);
+    // What the numbers of the rows stand for.
+    void SetNames(const std::vector<std::string>& names);
     const center::ItemPanelState& State() const { return state_; }
     // The active cell in the parent's coordinates; an empty rectangle hides everything.
     void PlaceAt(const QRect& cell);
@@ -51,6 +53,7 @@ class ItemPanel : public QObject {
         QLabel* id;
         QLineEdit* number;
         QToolButton* lookUp;
+        QLabel* known;  // the name behind the number
     };
 
     void Commit(QLineEdit& field);

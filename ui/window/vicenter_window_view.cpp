@@ -10,6 +10,7 @@
 #include "ui/dialogs/voucher_dialog.h"
 #include "ui/look/qt_text.h"
 #include "ui/print/sheet_painter.h"
+#include "ui/run/slot_guard.h"
 #include "ui/window/vicenter_window.h"
 
 namespace vicenter::ui {
@@ -108,6 +109,9 @@ bool VICenterWindow::ProgressCancelled() {
 
 void VICenterWindow::SetItemPanel(const center::ItemPanelState& state) {
     items_->SetState(state);
+    if (presenter_ && state.visible && state.expanded)
+        items_->SetNames(
+            GuardedOr(std::vector<std::string>(), [this] { return presenter_->Items().Names(); }));
     PlaceOverlays();
 }
 
