@@ -3,13 +3,23 @@
 #include "ui/look/theme.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QSpinBox>
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
 
 #include <gtest/gtest.h>
 
+#include "tests/paths/source_folder.h"
 #include "tests/ui/window_fixture.h"
 #include "ui/look/themed_icon.h"
 #include "ui/run/application.h"
@@ -96,6 +106,64 @@ TEST_F(ThemeTest, LettersCanBeReadOnEveryGroundOfBothThemes) {
         // The ledger's red is red on whatever paper.
         EXPECT_EQ(colors::kFaulty(), QColor(255, 0, 0));
     }
+}
+
+TEST_F(ThemeTest, FieldsAndTicksHaveEdgesThatAreSeen) {
+    // The strongest contrast to the ground anywhere in the widget.
+    const auto seen = [](QWidget& widget) {
+        widget.setStyle(QApplication::style());
+        widget.resize(120, 26);
+        const QImage image = widget.grab().toImage();
+        double most = 1;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                most = std::max(most, Contrast(image.pixelColor(x, y), colors::kWindow));
+        }
+        return most;
+    };
+    for (const bool dark : {false, true}) {
+        Theme::Process().SetDark(dark);
+        QLineEdit field;
+        EXPECT_GT(seen(field), dark ? 1.4 : 1.1) << dark;
+        QCheckBox tick;
+        EXPECT_GT(seen(tick), dark ? 1.4 : 1.1) << dark;
+        QRadioButton choice;
+        EXPECT_GT(seen(choice), dark ? 1.4 : 1.1) << dark;
+        QSpinBox number;
+        number.setButtonSymbols(QAbstractSpinBox::NoButtons);
+        number.setSpecialValueText(QStringLiteral(" "));
+        EXPECT_GT(seen(number), dark ? 1.4 : 1.1) << dark;
+    }
+}
+
+TEST_F(ThemeTest, InkOfAWidgetsOwnFollowsTheTheme) {
+    QLabel label;
+    for (const bool dark : {false, true, false}) {
+        Theme::Process().SetDark(dark);
+        if (!dark) SetInk(label, colors::kRefusal);
+        EXPECT_EQ(label.palette().color(QPalette::WindowText), colors::kRefusal()) << dark;
+    }
+}
+
+// A colour of one theme's own is unreadable on the other's paper.
+TEST_F(ThemeTest, ColoursAreNamedNowhereElse) {
+    const std::regex colour(
+        R"(#[0-9a-fA-F]{6}\b|Qt::(red|black|white|blue|green|yellow|(dark|light)?[gG]ray|dark[A-Z]\w*)\b)");
+    const std::set<std::string> homes{"theme.h", "themed_icon.cpp"};
+    int sources = 0;
+    for (const char* folder : {"ui", "host/window"}) {
+        for (const auto& entry :
+             std::filesystem::recursive_directory_iterator(testing_paths::SourceFolder() / folder)) {
+            const std::filesystem::path& source = entry.path();
+            if (source.extension() != ".h" && source.extension() != ".cpp") continue;
+            if (homes.count(source.filename().string()) != 0) continue;
+            ++sources;
+            std::ifstream stream(source);
+            for (std::string line; std::getline(stream, line);)
+                EXPECT_FALSE(std::regex_search(line, colour)) << source << ": " << line;
+        }
+    }
+    EXPECT_GT(sources, 60);
 }
 
 TEST_F(ThemeTest, IconsAreDrawnForTheGroundThatTheyStandOn) {

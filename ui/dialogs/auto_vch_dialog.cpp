@@ -13,6 +13,7 @@
 #include "ui/dialogs/pattern_dialog.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
 
@@ -150,7 +151,7 @@ QLayout* AutoVchDialog::BuildWarning() {
     warning_->setObjectName(QStringLiteral("lblMerged"));
     warning_->setWordWrap(true);
     warning_->setTextFormat(Qt::PlainText);
-    warning_->setStyleSheet(QStringLiteral("color: #c00000;"));
+    SetInk(*warning_, colors::kRefusal);
     warning_->hide();
     oneGroup_ = new QPushButton(this);
     oneGroup_->setObjectName(QStringLiteral("cmdOneGroup"));

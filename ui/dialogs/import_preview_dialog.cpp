@@ -60,7 +60,10 @@ ImportPreviewDialog::ImportPreviewDialog(const exchange::ImportPreview& preview,
     for (const std::string& warning : preview.warnings)
         warnings << QStringLiteral("注意：") + ToQt(warning);
     auto* warned = MakeLabel(warnings.join(u'\n'), "warnings", this);
-    warned->setStyleSheet(QStringLiteral("color: #c00000; font-weight: bold;"));
+    SetInk(*warned, colors::kRefusal);
+    QFont bold = warned->font();
+    bold.setBold(true);
+    warned->setFont(bold);
     warned->setVisible(!warnings.isEmpty());
     layout->addWidget(warned);
     AddChanges();

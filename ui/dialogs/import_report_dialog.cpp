@@ -74,7 +74,7 @@ QWidget* ImportReportDialog::MakeTable() {
             auto* item = new QTableWidgetItem(texts[column]);
             item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
             item->setToolTip(ToolTipText(texts[column]));
-            if (!outcome.written) item->setForeground(Qt::red);
+            if (!outcome.written) item->setForeground(QColor(colors::kRefusal));
             table->setItem(row, column, item);
         }
         ++row;

@@ -39,6 +39,17 @@ void DrawToolFocus(const QStyleOption& option, QPainter& painter) {
     painter.restore();
 }
 
+// The style below takes the edges of fields and ticks from a darker shade of the window, which on a dark one
+// nobody sees. It is told of a window so light that what it makes of it is the colour of lines.
+constexpr int kEdgeShade = 140;  // per cent, the style's own
+
+template <class Option>
+Option WithEdges(const Option& option) {
+    Option copy(option);
+    copy.palette.setColor(QPalette::Window, colors::kLine().lighter(kEdgeShade));
+    return copy;
+}
+
 }  // namespace
 
 CenterStyle::CenterStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -56,6 +67,23 @@ void CenterStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
             if (qobject_cast<const QToolButton*>(widget)) {
                 DrawToolFocus(*option, *painter);
                 return;
+            }
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+            return;
+        case PE_FrameLineEdit:
+        case PE_IndicatorCheckBox:
+        case PE_IndicatorRadioButton:
+            if (Theme::Process().IsDark()) {
+                if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option)) {
+                    const QStyleOptionFrame edged = WithEdges(*frame);
+                    QProxyStyle::drawPrimitive(element, &edged, painter, widget);
+                    return;
+                }
+                if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+                    const QStyleOptionButton edged = WithEdges(*button);
+                    QProxyStyle::drawPrimitive(element, &edged, painter, widget);
+                    return;
+                }
             }
             QProxyStyle::drawPrimitive(element, option, painter, widget);
             return;
@@ -84,6 +112,12 @@ void CenterStyle::drawControl(ControlElement element, const QStyleOption* option
 
 void CenterStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                      QPainter* painter, const QWidget* widget) const {
+    const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option);
+    if (control == CC_SpinBox && spin && Theme::Process().IsDark()) {
+        const QStyleOptionSpinBox edged = WithEdges(*spin);
+        QProxyStyle::drawComplexControl(control, &edged, painter, widget);
+        return;
+    }
     const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
     if (control != CC_ScrollBar || !bar) {
         QProxyStyle::drawComplexControl(control, option, painter, widget);

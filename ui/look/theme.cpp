@@ -11,6 +11,16 @@ Theme& Theme::Process() {
     return *theme;
 }
 
+void SetInk(QWidget& widget, const ThemeColor& color) {
+    const auto apply = [&widget, color] {
+        QPalette own = widget.palette();
+        own.setColor(QPalette::WindowText, color);
+        widget.setPalette(own);
+    };
+    apply();
+    QObject::connect(&Theme::Process(), &Theme::changed, &widget, apply);
+}
+
 bool IsDarkPalette(const QPalette& palette) {
     return palette.color(QPalette::WindowText).lightnessF() > palette.color(QPalette::Window).lightnessF();
 }

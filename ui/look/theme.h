@@ -10,6 +10,7 @@
 #include <QPalette>
 
 class QApplication;
+class QWidget;
 
 namespace vicenter::ui {
 
@@ -44,6 +45,10 @@ class Theme : public QObject {
     bool dark_ = false;
     bool asking_ = false;
 };
+
+class ThemeColor;
+// The letters of that widget alone, now and when the theme changes.
+void SetInk(QWidget& widget, const ThemeColor& color);
 
 class ThemeColor {
   public:
