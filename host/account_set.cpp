@@ -12,6 +12,7 @@
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
+#include "platform/system/whole_path.h"
 
 namespace vicenter::host {
 
@@ -68,7 +69,7 @@ void MakeAccountSetFile(const std::string& file, const std::function<void(ado::C
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(target, ignored)))
         throw Error(automation::error_number::kFileAlreadyExists, "文件已存在：" + file);
-    const fs::path folder = fs::absolute(target).parent_path();
+    const fs::path folder = system::WholePath(target, ignored).parent_path();
     if (!fs::is_directory(folder, ignored))
         throw Error(automation::error_number::kPathNotFound, "文件夹不存在：" + system::PathToUtf8(folder));
 

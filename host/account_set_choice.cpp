@@ -10,6 +10,7 @@
 #include "platform/ado/connection.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
+#include "platform/system/whole_path.h"
 #include "store/engine_text.h"
 
 namespace vicenter::host {
@@ -88,7 +89,7 @@ bool AccountSetChoice::Open(std::size_t user) {
 
 void AccountSetChoice::Remember(const std::string& folder, const std::string& file) {
     std::error_code failed;
-    const std::string path = system::PathToUtf8(fs::absolute(system::PathFromUtf8(file), failed));
+    const std::string path = system::PathToUtf8(system::WholePath(system::PathFromUtf8(file), failed));
     if (failed || path.find('\n') != std::string::npos) return;
     std::vector<std::string> files = ReadList(folder);
     if (!files.empty() && files.front() == path) return;

@@ -25,6 +25,7 @@
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/unfinished_file.h"
+#include "platform/system/whole_path.h"
 #include "store/cls_vi_data.h"
 #include "store/component_classes.h"
 
@@ -390,7 +391,7 @@ void RemoveLeftBehind(const CliOptions& options) {
     const bool isNew = options.command == CliCommand::AccountSetNew;
     if (const std::string& set = isNew ? options.file : options.accountSet; !set.empty()) {
         std::error_code failed;
-        const fs::path file = fs::absolute(system::PathFromUtf8(set), failed);
+        const fs::path file = system::WholePath(system::PathFromUtf8(set), failed);
         if (!failed) system::RemoveLeftBehind(system::PathToUtf8(file.parent_path()));
     }
 }

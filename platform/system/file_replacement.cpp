@@ -11,6 +11,7 @@
 #include "automation/object.h"
 #include "platform/system/files.h"
 #include "platform/system/os.h"
+#include "platform/system/whole_path.h"
 
 namespace vicenter::system {
 
@@ -35,7 +36,7 @@ fs::path BehindLinks(fs::path path) {
 
 std::string FolderOf(const fs::path& file) {
     std::error_code failed;
-    const fs::path folder = fs::absolute(file, failed).parent_path();
+    const fs::path folder = WholePath(file, failed).parent_path();
     return PathToUtf8(failed ? fs::path(".") : folder);
 }
 

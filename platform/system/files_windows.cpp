@@ -1,4 +1,5 @@
 #include "platform/system/files.h"
+#include "platform/system/whole_path.h"
 #include "platform/system/windows_error.h"
 #include "platform/system/windows_text.h"
 
@@ -20,7 +21,7 @@ fs::path PathFromUtf8(std::string_view text) {
     fs::path path(os::Wide(text));
     if (path.native().size() < kShortEnough) return path;
     std::error_code failed;
-    fs::path whole = fs::absolute(path, failed);
+    const fs::path whole = WholePath(path, failed);
     if (failed) return path;
     // The long form is taken as it stands: no dots, no slashes.
     std::wstring name = whole.lexically_normal().make_preferred().native();

@@ -121,6 +121,19 @@ def faults_of_primitives(files):
             if not path.startswith("text/") and PRIMITIVE.search(line.split("//")[0])]
 
 
+# What makes another path of one in Windows' long form.
+ABSOLUTE = re.compile(r"\b(fs|filesystem)::(weakly_canonical|canonical|absolute)\(|\bis_(absolute|relative)\(")
+# What platform/system does with the system's own paths.
+OWN_PATHS = ["platform/system/whole_path.h", "platform/system/os_posix.cpp", "platform/system/file_replacement.cpp"]
+
+
+def faults_of_paths(files):
+    """Paths that are made whole by the language's own means, where platform/system/whole_path.h has one that knows all."""
+    return [f"{path}:{number} wants WholePath(): {line.strip()}"
+            for path, text in sorted(files.items()) for number, line in enumerate(text.splitlines(), 1)
+            if path not in OWN_PATHS and ABSOLUTE.search(line.split("//")[0])]
+
+
 ROW = re.compile(r"\| `([\w/]+)/` \| (.*) \| (.*) \|$")
 NAMED = re.compile(r"`([\w./-]+)`")
 
@@ -222,6 +235,11 @@ class Project(unittest.TestCase):
     def test_characters_are_looked_at_by_what_stands_in_text(self):
         files = self.sources({folder.split("/")[0] for folder, _, _ in self.floors})
         self.assertEqual(faults_of_primitives(files), [])
+
+    def test_paths_are_made_whole_by_what_knows_all_of_them(self):
+        self.assertEqual(len(faults_of_paths({"a.cpp": "x = fs::absolute(y);\nif (p.is_absolute()) f();\nWholePath(y, z);"})), 2)
+        files = self.sources({folder.split("/")[0] for folder, _, _ in self.floors})
+        self.assertEqual(faults_of_paths(files), [])
 
     def test_every_folder_of_sources_is_in_the_map(self):
         folders = {path.rpartition("/")[0] for path in self.sources({folder.split("/")[0] for folder, _, _ in self.floors})}

@@ -19,6 +19,7 @@
 #include "platform/system/files.h"
 #include "platform/system/running.h"
 #include "platform/system/surroundings.h"
+#include "platform/system/whole_path.h"
 
 namespace vicenter::center {
 
@@ -58,7 +59,9 @@ std::vector<Place> Places() {
         const ado::ConnectString settings(connect);
         const std::string source = settings.Value("Data Source");
         if (automation::SameName(settings.Value("Provider"), kEmbeddedProvider) && !source.empty()) {
-            const fs::path file = fs::absolute(system::PathFromUtf8(source));
+            std::error_code failed;
+            const fs::path file = system::WholePath(system::PathFromUtf8(source), failed);
+            if (failed) throw fs::filesystem_error("", failed);
             places.push_back({file.parent_path(), system::PathToUtf8(file.filename())});
         }
         const fs::path data = system::PathFromUtf8(system::Surroundings::Current().folders->UserData());

@@ -5,6 +5,7 @@
 
 #include "automation/error.h"
 #include "platform/system/file_names.h"
+#include "platform/system/whole_path.h"
 #include "tests/platform/system/file_replacement_fixture.h"
 
 namespace vicenter::system {
@@ -50,6 +51,20 @@ TEST_F(FileReplacementTest, ADatabaseWhoseLogIsNotHomeIsNotMovedWithoutIt) {
     std::ofstream(PathFromUtf8(replacement.Path() + "-wal")).flush();
     replacement.PutInPlace();
     EXPECT_EQ(Read(file), "new") << "an empty log says nothing";
+}
+
+TEST_F(FileReplacementTest, WhereItLiesMayBeAPathOfAnyLength) {
+    std::string deep = folder_.Text();
+    for (int i = 0; i < 4; ++i)
+        deep += "/文件夹 " + std::string(70, 'x');
+    fs::create_directories(PathFromUtf8(deep));
+    const std::string file = deep + "/书 本.xlsx";
+    EXPECT_EQ(WhyNotWritable(file, kWorkbooks), "");
+    Replace(file, "new");
+    EXPECT_EQ(Read(file), "new");
+    std::error_code failed;
+    EXPECT_EQ(WholePath(PathFromUtf8(file), failed), PathFromUtf8(file));
+    EXPECT_EQ(failed, std::error_code());
 }
 
 TEST_F(FileReplacementTest, FoldersAndWhatLiesInNoFolderAreNeverWrittenOver) {
