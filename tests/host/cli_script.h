@@ -2,15 +2,15 @@
 
 // A command-line test: a text file that holds commands, their input and the expected output.
 //
-//     # by hand                                comments at the head, kept when the file is rewritten
-//     set: demo                                demo (the usual), empty, or none (nothing is made beforehand)
+//     # by hand                comments at the head, kept when the file is rewritten
+//     set: demo                demo (the usual), empty, or none (nothing is made beforehand)
 //
-//     $ --json list                            a command on the test's own copy of the set; 'a b' is one
-//     argument < {"lines":[]}                           lines of its standard input, if any | [{"FID":0,…}]
-//     expected standard output, line by line ! vicenter: …                            expected standard
-//     error, line by line = 1                                      expected exit code, when it is not 0
-//
-// "~ on Babelfish: why" behind them marks what that server answers otherwise.
+//     $ --json list            a command on the test's own copy of the set; 'a b' is one argument
+//     < {"lines":[]}           lines of its standard input, if any
+//     | [{"FID":0,…}]          expected standard output, line by line
+//     ! vicenter: …            expected standard error, line by line
+//     = 1                      expected exit code, when it is not 0
+//     ~ on Babelfish: why      what that server answers otherwise
 //
 // "$FOLDER" stands for the test's folder, in commands, input and output. Times of today are written as <now>.
 // With VICENTER_UPDATE_GOLDENS=1 in the environment the expectations are written anew instead of compared.

@@ -1,6 +1,8 @@
 // The account set compares plain texts without the collation; both ways must agree.
 
+#include <iterator>
 #include <random>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -48,6 +50,42 @@ TEST(TextOrder, Of_codes_and_names_is_the_collations) {
     };
     for (int i = 0; i < 20000; ++i)
         ExpectAgreement(text(), text());
+}
+
+// Longer than what is compared at once, with a head in common but for its letters' case, and at times with a
+// character of another kind somewhere.
+TEST(TextOrder, Of_long_texts_with_a_common_head_is_the_collations) {
+    std::mt19937 random(20261122);
+    const auto text = [&random](std::size_t length) {
+        static constexpr std::string_view kCharacters = " .-_/'()%@[`{~aAbBzZ019$";
+        std::string result;
+        for (; length > 0; --length)
+            result += kCharacters[random() % kCharacters.size()];
+        return result;
+    };
+    const auto otherCase = [&random](std::string mixed) {
+        for (char& c : mixed) {
+            const bool isLetter = (c | 0x20) >= 'a' && (c | 0x20) <= 'z';
+            if (isLetter && random() % 2 == 0) c = static_cast<char>(c ^ 0x20);
+        }
+        return mixed;
+    };
+    const char* const kOthers[] = {"人", "Ａ", "é", "a\xCC\x81", "\t", "\x7F", "\x01"};
+    for (int i = 0; i < 20000; ++i) {
+        const std::string head = text(random() % 26);
+        std::string a = head + text(random() % 12);
+        std::string b =
+            otherCase(head) + (random() % 4 == 0 ? otherCase(a.substr(head.size())) : text(random() % 12));
+        for (std::string* changed : {&a, &b}) {
+            if (random() % 8 == 0)
+                changed->insert(random() % (changed->size() + 1), kOthers[random() % std::size(kOthers)]);
+        }
+        while (!a.empty() && a.back() == ' ')
+            a.pop_back();
+        while (!b.empty() && b.back() == ' ')
+            b.pop_back();
+        ExpectAgreement(a, b);
+    }
 }
 
 TEST(TextOrder, Of_texts_with_other_characters_is_the_collations) {
