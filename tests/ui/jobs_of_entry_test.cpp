@@ -50,6 +50,7 @@ class JobsOfEntryTest : public JobsTest {
                       {column::kAmount, {pattern.amount, pattern.amount}}};
             if (*pattern.items != '\0') debit[column::kItems] = {pattern.items, pattern.items};
             Row credit{{column::kNo, {no, no}},
+                       {column::kExplanation, {pattern.code, pattern.explanation}},
                        {column::kDirection, {"d", "贷"}},
                        {column::kAccountNumber, {pattern.credit, pattern.credit}},
                        {column::kAmount, {pattern.amount, pattern.amount}}};
@@ -65,7 +66,7 @@ class JobsOfEntryTest : public JobsTest {
             const Pattern& pattern = kPatterns[static_cast<std::size_t>((row - 1) / 2)];
             const bool debit = row % 2 == 1;
             EXPECT_EQ(Text(row, column::kNo), std::to_string((row + 1) / 2));
-            EXPECT_EQ(Text(row, column::kExplanation), debit ? pattern.explanation : "");
+            EXPECT_EQ(Text(row, column::kExplanation), pattern.explanation);
             EXPECT_EQ(Text(row, column::kAccountName), debit ? pattern.debitName : pattern.creditName);
             EXPECT_EQ(Text(row, column::kItems), debit ? pattern.items : "");
             EXPECT_EQ(Text(row, column::kSettleName), debit ? "" : pattern.settleName);
