@@ -121,6 +121,17 @@ std::optional<Follower> FollowerOf(const WindowState& state, int row) {
     return always ? only : std::nullopt;
 }
 
+// As the last line did that went on with a number: who leaves its explanation blank there, or writes one of
+// its own, is not to find the one above in it.
+bool RepeatsExplanations(const EntryGrid& grid, int row) {
+    for (int above = row - 1; above > 1; --above) {
+        const std::string_view number = NumberOfRow(grid, above);
+        if (number.empty() || number != NumberOfRow(grid, above - 1)) continue;
+        return grid.Text(above, column::kExplanation) == grid.Text(above - 1, column::kExplanation);
+    }
+    return true;
+}
+
 // Side and, as long as none is entered, account.
 void ProposeSide(const WindowState& state, int row, const NumberLines& lines, ProposedLine& line) {
     const EntryGrid& grid = *state.grid;
@@ -168,7 +179,7 @@ ProposedLine ProposeLine(const WindowState& state, int row) {
         return line;
     }
     if (own.empty()) line.number = before;
-    if (grid.Refusal(row - 1, column::kExplanation) == TextVerdict::Taken)
+    if (grid.Refusal(row - 1, column::kExplanation) == TextVerdict::Taken && RepeatsExplanations(grid, row))
         line.explanation = grid.Text(row - 1, column::kExplanation);
 
     const NumberLines lines = LinesOf(grid, state.open.RowCount(), before);

@@ -72,6 +72,19 @@ TEST_F(ProposalsTest, TheExplanationAboveIsRepeatedWithinTheNumber) {
     EXPECT_EQ(Propose(2).explanation, "");
 }
 
+TEST_F(ProposalsTest, WhoLeavesExplanationsBlankFindsNoneProposed) {
+    Grid().SetText(1, column::kExplanation, "付货款");
+    Line(2, "3", kCredit, "1200.5");
+    Line(3, "4", kDebit, "80");
+    Grid().SetText(3, column::kExplanation, "付运费");
+    EXPECT_EQ(Propose(4).number, "4");
+    EXPECT_EQ(Propose(4).explanation, "");
+    Put(2, column::kExplanation, "付货款");
+    EXPECT_EQ(Propose(4).explanation, "付运费");
+    Put(2, column::kExplanation, "由银行支付");
+    EXPECT_EQ(Propose(4).explanation, "") << "each line has its own";
+}
+
 // --- by the account
 
 TEST_F(ProposalsTest, AnAccountStandsWhereTheUserHasAlwaysEnteredIt) {
