@@ -7,8 +7,10 @@
 #include "center/health/template_check.h"
 #include "center/print/voucher_sheet.h"
 #include "platform/system/file_names.h"
+#include "platform/system/file_replacement.h"
 #include "platform/system/surroundings.h"
 #include "store/engine_text.h"
+#include "text/ascii.h"
 
 namespace vicenter::center {
 
@@ -80,6 +82,10 @@ PrintSheet TemplateSheet(const EntryGrid& grid, int rowCount, const SheetHead& h
     return sheet;
 }
 
+std::string WhyNotPdfTarget(const std::string& file) {
+    return system::WhyNotWritable(file, {"PDF 文件", {"%PDF-"}, {"pdf"}});
+}
+
 bool SaveAsPdf(VICenterView& view, const PrintSheet& sheet, const std::string& proposedName) {
     system::FileRequest request;
     request.title = "另存为 PDF";
@@ -88,7 +94,7 @@ bool SaveAsPdf(VICenterView& view, const PrintSheet& sheet, const std::string& p
     request.proposedName = system::SafeFileName(proposedName) + kPdfEnd;
     auto file = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);
     if (!file || file->empty()) return false;
-    if (!file->ends_with(kPdfEnd)) *file += kPdfEnd;
+    if (!text::LowerAscii(*file).ends_with(kPdfEnd)) *file += kPdfEnd;
     try {
         view.WritePdf(sheet, *file);
     } catch (const automation::Error& error) {

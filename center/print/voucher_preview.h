@@ -23,6 +23,9 @@ struct SheetHead {
 // The whole template as it stands in the grid, dated today.
 PrintSheet TemplateSheet(const EntryGrid& grid, int rowCount, const SheetHead& head);
 
+// Why that file cannot become a PDF, for users; empty when it can. Neither account sets nor files of another
+// kind nor devices are written over.
+std::string WhyNotPdfTarget(const std::string& file);
 // A file name for the sheet: asked for, written, and told where the view tells it. False when the user
 // cancelled or it could not be written; the reason has been told.
 bool SaveAsPdf(VICenterView& view, const PrintSheet& sheet, const std::string& proposedName);

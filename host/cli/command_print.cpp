@@ -38,7 +38,10 @@ int RunPrint(const CliContext& context) {
         if (row == 0) return Fail(context, "模板 " + head.name + " 没有编号 " + options.number + "。");
         sheet = center::VoucherPreview(lines.grid, lines.count, row, sheetHead).Sheet();
     }
+    if (const std::string why = center::WhyNotPdfTarget(options.file); !why.empty())
+        return Fail(context, "PDF 文件未能写入：" + options.file + "\n  " + why);
     if (!context.hooks.writePdf) return Fail(context, "此版本不含窗口，不能生成 PDF 文件。");
+    if (!MayReplaceFile(options.file)) return FinishSpeaking(context, false, VariantArray());
     context.hooks.writePdf(sheet, options.file);
     return FinishSpeaking(
         context, true,

@@ -89,6 +89,23 @@ TEST_F(VoucherWayTest, TheTreesMenuSavesTheTemplateAsPdf) {
         if (item.name == "mnuPdf") item.run();
     }
     EXPECT_EQ(Head(pdf), "%PDF-");
+    // A PDF of any spelling is one already.
+    const std::string capital = folder.Path("模板二.PDF");
+    surroundings.fileDialogs->choices.push_back(capital);
+    for (const center::TreeMenuItem& item : window->Presenter().Tree().MenuItems()) {
+        if (item.name == "mnuPdf") item.run();
+    }
+    EXPECT_EQ(Head(capital), "%PDF-");
+    // What is none is not written over.
+    const std::string letter = folder.Path("信.pdf");
+    ASSERT_TRUE(QFile::copy(QString::fromStdString(file), QString::fromStdString(letter)));
+    surroundings.fileDialogs->choices.push_back(letter);
+    for (const center::TreeMenuItem& item : window->Presenter().Tree().MenuItems()) {
+        if (item.name == "mnuPdf") item.run();
+    }
+    EXPECT_THAT(TakeMessages(),
+                ::testing::Contains(::testing::HasSubstr("目标是账套或其他数据库文件，不能覆盖")));
+    EXPECT_NE(Head(letter), "%PDF-");
     // What cannot be written is told, and what was there stays.
     surroundings.fileDialogs->choices.push_back(folder.Path("nowhere/x.pdf"));
     for (const center::TreeMenuItem& item : window->Presenter().Tree().MenuItems()) {

@@ -1,18 +1,20 @@
 #include "ui/print/sheet_painter.h"
 
 #include <QBuffer>
+#include <QFile>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPrintDialog>
 #include <QPrinter>
-#include <QSaveFile>
 #include <QTextLayout>
 #include <algorithm>
 #include <utility>
 #include <vector>
 
 #include "automation/error.h"
+#include "center/print/voucher_preview.h"
+#include "platform/system/file_replacement.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
@@ -271,6 +273,8 @@ int PaintSheet(QPagedPaintDevice& device, const PrintSheet& sheet) {
 }
 
 void WriteSheetAsPdf(const PrintSheet& sheet, const std::string& file) {
+    if (const std::string why = center::WhyNotPdfTarget(file); !why.empty())
+        throw automation::Error(automation::error_number::kPermissionDenied, why);
     QByteArray pdf;
     QBuffer buffer(&pdf);
     buffer.open(QIODevice::WriteOnly);
@@ -281,9 +285,12 @@ void WriteSheetAsPdf(const PrintSheet& sheet, const std::string& file) {
         if (PaintSheet(writer, sheet) == 0) FailToWrite(file);
     }
     pdf = WithItsOwnCharacters(std::move(pdf), TextOf(sheet), FontOf(kTextSize));
-    QSaveFile target(ToQt(file));
-    if (!target.open(QIODevice::WriteOnly) || target.write(pdf) != pdf.size() || !target.commit())
+    system::FileReplacement replacement(file);
+    QFile target(ToQt(replacement.Path()));
+    if (!target.open(QIODevice::WriteOnly) || target.write(pdf) != pdf.size() || !target.flush())
         FailToWrite(file);
+    target.close();
+    replacement.PutInPlace();
 }
 
 bool PrintOnPaper(const PrintSheet& sheet, QWidget* parent) {
