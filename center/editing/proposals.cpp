@@ -35,10 +35,10 @@ struct NumberLines {
     }
 };
 
-NumberLines LinesOf(const EntryGrid& grid, int rowCount, std::string_view number) {
+NumberLines LinesOf(const EntryGrid& grid, int rowCount, std::string_view number, int exceptRow = 0) {
     NumberLines lines;
     for (int row = 1; row <= rowCount; ++row) {
-        if (NumberOfRow(grid, row) != number) continue;
+        if (row == exceptRow || NumberOfRow(grid, row) != number) continue;
         const std::string_view direction = DirectionOf(grid, row);
         lines.debit = lines.debit || direction == kDebit;
         lines.credit = lines.credit || direction == kCredit;
@@ -182,7 +182,8 @@ ProposedLine ProposeLine(const WindowState& state, int row) {
     if (grid.Refusal(row - 1, column::kExplanation) == TextVerdict::Taken && RepeatsExplanations(grid, row))
         line.explanation = grid.Text(row - 1, column::kExplanation);
 
-    const NumberLines lines = LinesOf(grid, state.open.RowCount(), before);
+    // What the row has taken already is no reason to propose the rest of it no longer.
+    const NumberLines lines = LinesOf(grid, state.open.RowCount(), before, row);
     ProposeSide(state, row, lines, line);
     const std::string_view missing = lines.Missing();
     const std::string_view direction = DirectionOf(grid, row);
@@ -231,7 +232,7 @@ bool Proposals::WasShown(const CellAddress& cell) const {
 
 bool Proposals::Refuse() {
     const int row = Row();
-    if (row == 0 || Line(row).IsEmpty()) return false;
+    if (row == 0 || row != state_.grid->ActiveCell().row || Line(row).IsEmpty()) return false;
     refused_ = row;
     return true;
 }

@@ -46,8 +46,9 @@ class Proposals {
     int Row() const;
     // What is proposed for a cell; empty for every cell that holds a text.
     std::string Text(const CellAddress& cell) const;
-    // The user wants none in this row. False when there was none.
+    // The user wants none in the cursor's row. False when there was none.
     bool Refuse();
+    bool IsRefused(int row) const { return refused_ == row; }
 
     // The user has gone on to the account of that row by a key, past the cells before it.
     void Jumped(int row) { jumped_ = row; }

@@ -86,7 +86,7 @@ std::optional<CellAddress> RowTaking::TakeRow() {
     }
     const bool goesOn =
         !NumberOfRow(*state_.grid, row).empty() && IsNumberOpen(*state_.grid, state_.open.RowCount(), row);
-    if (!goesOn) return CellAddress{row + 1, column::kNo};
+    if (!goesOn || proposals_.IsRefused(row + 1)) return CellAddress{row + 1, column::kNo};
     proposals_.Jumped(row + 1);
     return CellAddress{row + 1, column::kAccountNumber};
 }

@@ -85,6 +85,18 @@ TEST_F(ProposalsTest, WhoLeavesExplanationsBlankFindsNoneProposed) {
     EXPECT_EQ(Propose(4).explanation, "") << "each line has its own";
 }
 
+TEST_F(ProposalsTest, WhatTheRowHasTakenLeavesTheRestProposed) {
+    Line(1, "3", kDebit, "");
+    Learn("1405", {{true, "2202", false}});
+    Grid().SetText(1, column::kAccountNumber, "1405");
+    proposals_.TextsChanged();
+    ASSERT_EQ(Propose(2).account, "2202");
+    ASSERT_EQ(Propose(2).direction, "贷");
+    Put(2, column::kNo, "3");
+    Put(2, column::kDirection, kCredit);
+    EXPECT_EQ(Propose(2).account, "2202") << "a pattern without amounts";
+}
+
 // --- by the account
 
 TEST_F(ProposalsTest, AnAccountStandsWhereTheUserHasAlwaysEnteredIt) {
