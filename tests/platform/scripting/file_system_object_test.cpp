@@ -7,7 +7,9 @@
 #include "automation/class_registry.h"
 #include "tests/fakes/error_number.h"
 #include "tests/fakes/fake_surroundings.h"
+#ifndef _WIN32
 #include "tests/tsql/child_process.h"
+#endif
 
 namespace vicenter::scripting {
 namespace {
@@ -74,6 +76,7 @@ TEST_F(FileSystemObjectTest, CopiesOverAndOnlyWhenAsked) {
     EXPECT_EQ(NumberOfError([&] { files_->Call("CopyFile", {source, folder_.Text()}); }), 70);
 }
 
+#ifndef _WIN32  // where no process can be kept from long files
 TEST_F(FileSystemObjectTest, ACopyThatCannotBeWrittenLeavesTheOldFile) {
     const std::string source = Write("a", std::string(200'000, 'n'));
     const std::string target = Write("b", std::string(50'000, 'o'));
@@ -90,6 +93,7 @@ TEST_F(FileSystemObjectTest, ACopyThatCannotBeWrittenLeavesTheOldFile) {
     EXPECT_EQ(ContentOf(target), std::string(50'000, 'o'));
     EXPECT_EQ(files(), before);
 }
+#endif
 
 TEST_F(FileSystemObjectTest, ACopyIsAsReadOnlyAsItsSourceAndCoversNoReadOnlyFile) {
     const std::string source = Write("a", "x");
