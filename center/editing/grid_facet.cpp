@@ -232,16 +232,20 @@ bool GridFacet::CanRedo() const {
 }
 
 void GridFacet::Undo() {
-    parts_.edge.Look([&] {
-        parts_.editing.Undo();
-        parts_.DropDraftIfUnmodified();
-    });
-    parts_.RefreshPanels();
+    Return([&] { parts_.editing.Undo(); });
 }
 
 void GridFacet::Redo() {
+    Return([&] { parts_.editing.Redo(); });
+}
+
+void GridFacet::Return(const std::function<void()>& step) {
     parts_.edge.Look([&] {
-        parts_.editing.Redo();
+        const int linesBefore = parts_.state.open.RowCount();
+        step();
+        // These rows still were lines when their texts went.
+        const int lines = parts_.state.open.RowCount();
+        if (lines < linesBefore) parts_.TextsChanged({lines + 1, 1, linesBefore, kColumnCount});
         parts_.DropDraftIfUnmodified();
     });
     parts_.RefreshPanels();

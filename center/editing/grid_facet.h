@@ -2,6 +2,8 @@
 
 // The grid's side of the main window: serves its view by the parts behind it. Part of frmVICenter.
 
+#include <functional>
+
 #include "center/editing/grid_actions.h"
 
 namespace vicenter::center {
@@ -55,6 +57,9 @@ class GridFacet final : public GridActions {
     void Redo() override;
 
   private:
+    // Undo or redo, and what it leaves behind below the lines.
+    void Return(const std::function<void()>& step);
+
     WindowParts& parts_;
 };
 

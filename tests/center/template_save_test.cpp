@@ -615,6 +615,17 @@ TEST_F(RefusedRow, GoesWhenTheLineIsNoLineAnyMore) {
     EXPECT_THAT(Yellow(), IsEmpty());
 }
 
+TEST_F(RefusedRow, GoesWhenUndoTakesTheLineBack) {
+    Type(2, column::kAccountName, "现金");
+    Type(5, column::kNo, "6");
+    EXPECT_FALSE(Window().Save());
+    ASSERT_THAT(Yellow(), ElementsAre(5));
+    Window().Cells().Undo();
+    EXPECT_EQ(Window().RowCount(), 4);
+    EXPECT_THAT(Yellow(), IsEmpty());
+    EXPECT_THAT(Window().Faults().Cells(), IsEmpty());
+}
+
 TEST_F(Save, AnEmptyTemplateIsSavedOnlyWhenTheUserAgrees) {
     lines_["5"] = {Line(1, "x")};
     Window().Tree().NodeClick("detail-5");
