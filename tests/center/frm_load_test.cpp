@@ -1,5 +1,8 @@
 // Loading, activating and unloading the main window, and its help key.
 
+#include <fstream>
+
+#include "platform/system/files.h"
 #include "tests/center/center_fixture.h"
 
 namespace vicenter::center::test {
@@ -193,7 +196,7 @@ TEST_F(Frame, WithoutAViewerTheSamePageOpensAsADocument) {
     const fakes::TemporaryFolder folder;
     std::filesystem::create_directories(folder.Path() / "docs" / "help");
     const std::string page = folder.File("docs/help/凭证模板.htm");
-    std::fclose(std::fopen(page.c_str(), "w"));
+    std::ofstream(system::PathFromUtf8(page)).flush();
     std::filesystem::create_directories(folder.Path() / "build" / "bin");
     surroundings_.folders->component = folder.File("build/bin");
     surroundings_.processes->startError = 53;

@@ -573,8 +573,10 @@ TEST_F(HeaderOnly, WritesNothingWhenNobodySaysWhatWouldBeLost) {
 TEST_F(ImportTest, RefusesFilesWhoseNamesNoTemplateCanBear) {
     const std::vector<Lines> rows = {kShortHeaders, {"#1", "a", "借", "1001", "b"}};
     for (const auto& [name, reason] : std::vector<std::pair<std::string, std::string>>{
-             {"　.xlsx", "凭证模板名称不允许为空！"},
-             {"a\tb.xlsx", "凭证模板名称不能包含制表符、换行等控制字符！"}}) {
+#ifndef _WIN32  // which has no such names of files
+             {"a\tb.xlsx", "凭证模板名称不能包含制表符、换行等控制字符！"},
+#endif
+             {"　.xlsx", "凭证模板名称不允许为空！"}}) {
         surroundings_.messageBoxes->shown.clear();
         EXPECT_FALSE(ImportTemplateFile(window_, MakeWorkbook(name, rows)));
         EXPECT_EQ(Messages(), Lines{"引入模板失败！" + reason});

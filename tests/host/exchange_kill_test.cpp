@@ -224,7 +224,9 @@ TEST_F(KilledExchange, ATemporaryFolderThatIsAFileIsToldByName) {
     err.str({});
     std::ofstream(system::PathFromUtf8(book)) << "x";
     EXPECT_EQ(RunCli({"--account-set", set_, "import", book}, {in, out, err}), 1);
-    EXPECT_NE((out.str() + err.str()).find("临时文件夹不存在或不是文件夹：" + file + "（环境变量 TMPDIR）"),
+    EXPECT_NE((out.str() + err.str())
+                  .find("临时文件夹不存在或不是文件夹：" + file + "（环境变量 " +
+                        test::kTemporaryFolderVariable + "）"),
               std::string::npos)
         << out.str() << err.str();
 }
