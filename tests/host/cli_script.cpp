@@ -32,6 +32,11 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
+// Also as JSON writes a folder with backslashes.
+std::string WithoutFolder(const std::string& text, const std::string& folder) {
+    return Replaced(Replaced(text, folder, "$FOLDER"), Replaced(folder, "\\", "\\\\"), "$FOLDER");
+}
+
 // Dates of yesterday to tomorrow, whatever zone the clock is asked in.
 std::string WithoutNow(std::string text) {
     for (const std::time_t offset : {-1, 0, 1}) {
@@ -164,8 +169,8 @@ CliScript RunCliScript(const CliScript& script, const WayIn& way) {
         std::ostringstream out;
         std::ostringstream err;
         step.exitCode = RunCli(arguments, {in, out, err});
-        step.output = Lines(WithoutNow(Replaced(out.str(), folder.Path(), "$FOLDER")));
-        step.errors = Lines(WithoutNow(Replaced(err.str(), folder.Path(), "$FOLDER")));
+        step.output = Lines(WithoutNow(WithoutFolder(out.str(), folder.Path())));
+        step.errors = Lines(WithoutNow(WithoutFolder(err.str(), folder.Path())));
     }
     return result;
 }
