@@ -65,6 +65,7 @@ class CommandLine {
 
   private:
     void AddGlobalOptions() {
+        app_.allow_windows_style_options(false);  // a path may begin with a slash there, too
         app_.set_version_flag("--version", "vicenter " VICENTER_VERSION, "版本 / print the version");
         auto* file = app_.add_option("--account-set", options_.accountSet, "账套文件 / account set file")
                          ->check(kNotEmpty);
