@@ -23,6 +23,18 @@ class UnreadMaster : public WindowOnSet {
         WindowOnSet::SetUp();
         NewTemplate("断开");
     }
+#ifdef _WIN32
+    // Nobody takes away there what is open: somebody renames the tables beneath the window.
+    void TakeSetAway() {
+        for (const std::string& table : kMasters)
+            session_->Execute("exec sp_rename '" + table + "', '" + table + "_away'");
+    }
+    void BringSetBack() {
+        for (const std::string& table : kMasters)
+            session_->Execute("exec sp_rename '" + table + "_away', '" + table + "'");
+    }
+    const Texts kMasters = {"t_Account", "t_Currency", "t_MeasureUnit", "t_UnitGroup", "t_VoucherExp"};
+#else
     // A drive that is unplugged, a share that is gone.
     void TakeSetAway() {
         std::filesystem::rename(set_, set_ + ".away");
@@ -36,10 +48,17 @@ class UnreadMaster : public WindowOnSet {
             // Gone.
         }
     }
-    void BringSetBack() { std::filesystem::rename(set_ + ".away", set_); }
+    void BringSetBack() {
+        std::filesystem::rename(set_ + ".away", set_);
+    }
+#endif
 
-    std::string Fault(int row, int gridColumn) { return window_->Cells().DescribeFault({row, gridColumn}); }
-    void Leave() { window_->Cells().MoveActiveCell({1, column::kRemark}); }
+    std::string Fault(int row, int gridColumn) {
+        return window_->Cells().DescribeFault({row, gridColumn});
+    }
+    void Leave() {
+        window_->Cells().MoveActiveCell({1, column::kRemark});
+    }
     void TypeLine(const std::string& account) {
         WindowOnSet::TypeLine(1, "1", "手工", "借", account);
         Leave();

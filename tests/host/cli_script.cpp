@@ -1,6 +1,8 @@
 #include "tests/host/cli_script.h"
 
+#include <algorithm>
 #include <ctime>
+#include <filesystem>
 #include <regex>
 #include <sstream>
 #include <string_view>
@@ -17,6 +19,9 @@ namespace vicenter::host::test {
 namespace {
 
 constexpr std::string_view kOnBabelfish = "~ on Babelfish: ";
+constexpr char kSeparator = static_cast<char>(std::filesystem::path::preferred_separator);
+// What can be written to and is no file.
+constexpr const char* kDevice = kSeparator == '/' ? "/dev/null" : "NUL";
 
 std::vector<std::string> Lines(const std::string& text) {
     std::vector<std::string> lines;
@@ -32,9 +37,21 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
+// $FOLDER for the folder and slashes in what follows of the path, whose separator the system chooses. A path
+// ends at a quotation mark or with its line.
+std::string WithFolderAs(const std::string& folder, const std::string& separator, std::string text) {
+    for (std::size_t at = text.find(folder); at != std::string::npos; at = text.find(folder, at)) {
+        text.replace(at, folder.size(), "$FOLDER");
+        const std::size_t end = std::min(text.find_first_of("\"\n", at), text.size());
+        text.replace(at, end - at, Replaced(text.substr(at, end - at), separator, "/"));
+    }
+    return text;
+}
+
 // Also as JSON writes a folder with backslashes.
 std::string WithoutFolder(const std::string& text, const std::string& folder) {
-    return Replaced(Replaced(text, folder, "$FOLDER"), Replaced(folder, "\\", "\\\\"), "$FOLDER");
+    const std::string plain = WithFolderAs(folder, std::string(1, kSeparator), text);
+    return WithFolderAs(Replaced(folder, "\\", "\\\\"), "\\\\", plain);
 }
 
 // Dates of yesterday to tomorrow, whatever zone the clock is asked in.
@@ -161,7 +178,7 @@ CliScript RunCliScript(const CliScript& script, const WayIn& way) {
         }
         std::vector<std::string> arguments = common;
         for (const std::string& argument : SplitArguments(step.command))
-            arguments.push_back(Replaced(argument, "$FOLDER", folder.Path()));
+            arguments.push_back(Replaced(Replaced(argument, "$FOLDER", folder.Path()), "$DEVICE", kDevice));
         std::string input;
         for (const std::string& line : step.input)
             input += Replaced(line, "$FOLDER", folder.Path()) + "\n";
@@ -169,8 +186,13 @@ CliScript RunCliScript(const CliScript& script, const WayIn& way) {
         std::ostringstream out;
         std::ostringstream err;
         step.exitCode = RunCli(arguments, {in, out, err});
-        step.output = Lines(WithoutNow(WithoutFolder(out.str(), folder.Path())));
-        step.errors = Lines(WithoutNow(WithoutFolder(err.str(), folder.Path())));
+        const bool toDevice = step.command.find("$DEVICE") != std::string::npos;
+        const auto answer = [&folder, toDevice](const std::ostringstream& said) {
+            const std::string text = WithoutNow(WithoutFolder(said.str(), folder.Path()));
+            return Lines(toDevice ? Replaced(text, kDevice, "$DEVICE") : text);
+        };
+        step.output = answer(out);
+        step.errors = answer(err);
     }
     return result;
 }

@@ -157,8 +157,15 @@ TEST_F(AdoAccountSetTest, A_pooled_session_comes_back_clean_and_never_for_anothe
         EXPECT_THROW(second->Execute("select * from #x"), automation::Error);
         EXPECT_EQ(second->Execute("select @@trancount as n")->Value(0).ToInt32(), 0);
     }
+    std::error_code held;
+    for (const char* end : {"", "-wal", "-shm"})
+        std::filesystem::remove(Path() + end, held);
+#ifdef _WIN32  // where nobody takes away what the pool has open
+    EXPECT_TRUE(held);
+    CloseIdleAccountSets();
     for (const char* end : {"", "-wal", "-shm"})
         std::filesystem::remove(Path() + end);
+#endif
     const ConnectionRef third = OpenConnection(Connect());
     EXPECT_THROW(third->Execute("select * from t"), automation::Error);
 }
