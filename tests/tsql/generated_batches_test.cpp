@@ -1,7 +1,8 @@
 // What holds for every batch of the dialect, asked of generated ones: printed and parsed again it is the same
-// tree; it answers alike with and without indexes and with SQLite's plans or without them; it is no internal
-// error; and a statement that fails at any place of it leaves the set as the mode of transactions says. A
-// batch that breaks one of these is told by its seed, without the statements that make no difference.
+// tree; it answers alike with and without indexes, with SQLite's plans or without them, and with all that
+// nests taken apart; it is no internal error; and a statement that fails at any place of it leaves the set as
+// the mode of transactions says. A batch that breaks one of these is told by its seed, without the statements
+// that make no difference.
 //
 // VICENTER_GENERATED_BATCHES says how many, VICENTER_FIRST_SEED from which seed on.
 
@@ -30,8 +31,8 @@ class GeneratedBatchesTest : public EngineTest {
         return text != nullptr ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
     }
     // The set before a batch, on a session of its own for each way to run one.
-    void Prepare(int indexes, QueryPlans plans, bool batches) {
-        const int kind = static_cast<int>(plans) * 2 + (batches ? 1 : 0);
+    void Prepare(int indexes, QueryPlans plans, bool batches, int deepest = 0) {
+        const int kind = static_cast<int>(plans) * 4 + (batches ? 1 : 0) + (deepest > 0 ? 2 : 0);
         std::unique_ptr<Session>& session = sessions_[kind];
         if (!session) {
             SessionOptions options = Options();
@@ -40,6 +41,7 @@ class GeneratedBatchesTest : public EngineTest {
             options.fileSystem = "memdb";
             options.plans = plans;
             options.batchTransactions = batches;
+            options.deepestText = deepest;
             session = std::make_unique<Session>(options);
         }
         now_ = session.get();
@@ -53,8 +55,8 @@ class GeneratedBatchesTest : public EngineTest {
         return Answer(
             "select * from g_one order by id select * from g_two order by id select @@trancount as n");
     }
-    std::string AnswerOf(const Statements& statements, int indexes, QueryPlans plans) {
-        Prepare(indexes, plans, true);
+    std::string AnswerOf(const Statements& statements, int indexes, QueryPlans plans, int deepest = 0) {
+        Prepare(indexes, plans, true, deepest);
         const std::string answer = Answer(BatchGenerator::Text(statements));
         return answer + "\n==\n" + State();
     }
@@ -75,6 +77,10 @@ class GeneratedBatchesTest : public EngineTest {
             const std::string other = AnswerOf(statements, indexes, QueryPlans::kAsWritten);
             if (other != usual)
                 return "usual\n" + usual + "\nas written, indexes " + std::to_string(indexes) + "\n" + other;
+        }
+        for (const QueryPlans plans : {QueryPlans::kUsual, QueryPlans::kAsWritten}) {
+            const std::string apart = AnswerOf(statements, 1, plans, 1);
+            if (apart != usual) return "usual\n" + usual + "\ntaken apart\n" + apart;
         }
         const std::string indexed = AnswerOf(statements, 3, QueryPlans::kUsual);
         return indexed == usual ? std::string() : "usual\n" + usual + "\nwith indexes\n" + indexed;

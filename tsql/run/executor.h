@@ -98,6 +98,7 @@ class Executor {
     // plan.cpp: plans and their parameters
     using Make = std::function<Translation(Translator&)>;
     Plan& PlanFor(const void* key, const Make& make);
+    PreparedStatement Prepared(const std::string& sql);
     // A translation as the running frame sees its names.
     template <class Work>
     auto Translated(Work work) {

@@ -8,6 +8,7 @@
 #include "tsql/run/constraint_error.h"
 #include "tsql/run/executor.h"
 #include "tsql/sqlite/stored_value.h"
+#include "tsql/translate/flat_text.h"
 
 namespace vicenter::tsql::engine {
 
@@ -24,6 +25,18 @@ bool Plan::IsCurrent(const Catalog& catalog, const SetOptions& options) const {
     return true;
 }
 
+// What is too deep for SQLite's parser is taken apart first.
+PreparedStatement Executor::Prepared(const std::string& sql) {
+    if (options_.deepestText > 0) return database_.Prepare(Flattened(sql, options_.deepestText));
+    constexpr std::int32_t kTooDeep = 191;
+    try {
+        return database_.Prepare(sql);
+    } catch (const SqlError& error) {
+        if (error.Number() != kTooDeep) throw;
+    }
+    return database_.Prepare(Flattened(sql));
+}
+
 // The key is the address of the part of the tree that is translated: a tree lives as long as its program, and
 // the program holds the plans, so an address stands for one text only.
 Plan& Executor::PlanFor(const void* key, const Make& make) {
@@ -34,7 +47,7 @@ Plan& Executor::PlanFor(const void* key, const Make& make) {
     Translator translator(context);
     auto plan = std::make_unique<Plan>();
     plan->translation = Bound([&] { return make(translator); });
-    plan->statement = database_.Prepare(plan->translation.sql);
+    plan->statement = Prepared(plan->translation.sql);
     plan->generation = catalog_.Generation();
     // A literal within an expression has given it its type; one that goes straight into a column has decided
     // nothing.

@@ -39,6 +39,9 @@ struct SessionOptions {
     std::string user = "dbo";
     QueryPlans plans = QueryPlans::kUsual;
     const char* fileSystem = nullptr;  // by SQLite's name for it; none: the account sets' own
+    // Of tests: how deep a statement of SQLite may nest before it is taken apart, see Flattened; 0 for as
+    // deep as SQLite lets it.
+    int deepestText = 0;
 };
 
 // A statement that has run.

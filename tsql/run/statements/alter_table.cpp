@@ -56,7 +56,7 @@ void Executor::DropConstraint(TableInfo& table, const Name& name, bool& found) {
 
 void Executor::RunOnce(Translation translation) {
     Plan plan;
-    plan.statement = database_.Prepare(translation.sql);
+    plan.statement = Prepared(translation.sql);
     plan.translation = std::move(translation);
     const ResetAtEnd reset(plan.statement);
     Bind(plan);

@@ -33,7 +33,7 @@ std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const Curs
         return readOnly ? translator.Select(*definition.query) : translator.CursorQuery(*definition.query);
     });
     cursor->table = plan.translation.rowsOf;
-    plan.statement = database_.Prepare(plan.translation.sql);
+    plan.statement = Prepared(plan.translation.sql);
     // Variables in the query have the values of this moment.
     Bind(plan);
     cursor->columns = plan.translation.columns;
