@@ -183,21 +183,34 @@ std::string SupportText() {
            OnServers();
 }
 
+const char* EndsText(tsql::Ends ends) {
+    switch (ends) {
+        case tsql::Ends::kStatement:
+            return "statement";
+        case tsql::Ends::kText:
+            return "text";
+        case tsql::Ends::kBatch:
+            return "batch";
+    }
+    return "";
+}
+
 std::string ErrorsText() {
     const Coverage coverage = Collect();
     std::string text =
         "# Error numbers of the embedded account set\n\n"
-        "SQL Server's numbers, severities and texts, from `tsql/base/error_table.cpp`. *Batch*: the rest of "
-        "the "
-        "batch does\n"
-        "not run; other errors end their statement alone unless `XACT_ABORT` is on. Slots such as `%.*ls` "
-        "are filled\n"
-        "in. Made by the test `DocsTest`.\n\n"
+        "SQL Server's numbers, severities and texts, from `tsql/base/error_table.cpp`. *Text*: the rest of "
+        "the batch, the\n"
+        "procedure or the dynamic text that it is in does not run, and who called that goes on; *batch*: "
+        "nothing does. Other\n"
+        "errors end their statement alone unless `XACT_ABORT` is on. Slots such as `%.*ls` are filled in. "
+        "Made by the test\n"
+        "`DocsTest`.\n\n"
         "| number | severity | ends | message | tests |\n|---|---|---|---|---|\n";
     for (const tsql::ErrorEntry& entry : tsql::ErrorTable()) {
         const auto tests = coverage.errors.find(entry.number);
         text += "| " + std::to_string(entry.number) + " | " + std::to_string(entry.severity) + " | " +
-                (entry.abortsBatch ? "batch" : "statement") + " | " + Escaped(entry.message) + " | " +
+                EndsText(entry.ends) + " | " + Escaped(entry.message) + " | " +
                 (tests == coverage.errors.end() ? "" : Links(tests->second)) + " |\n";
     }
     return text;

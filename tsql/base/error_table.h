@@ -13,11 +13,17 @@
 
 namespace vicenter::tsql {
 
+// What does not run any more, whether or not XACT_ABORT is on.
+enum class Ends : std::uint8_t {
+    kStatement,
+    kText,  // the rest of the batch, the procedure or the dynamic text that it is in; who called that goes on
+    kBatch,  // whatever called it, too
+};
+
 struct ErrorEntry {
     std::int32_t number;
     std::int32_t severity;
-    // True: the rest of the batch does not run, whether or not XACT_ABORT is on.
-    bool abortsBatch;
+    Ends ends;
     // The server's own text. Slots are filled in order: %ls and %.*ls by texts, %d and %I64d by numbers,
     // %% is a percent sign.
     std::string_view message;

@@ -149,7 +149,9 @@ Flow Executor::Dispatch(const Statement& statement) {
         if (calls) EndStatement(statement);
         return flow;
     }
-    lastError_ = 0;
+    // INSERT … EXEC leaves in @@ERROR what the call has left.
+    const auto* insert = TryAs<InsertStatement>(&statement);
+    if (insert == nullptr || insert->source != InsertSource::kExecute) lastError_ = 0;
     if (handler.after == After::kForgets) rowCount_ = 0;
     EndStatement(statement);
     return flow;

@@ -269,17 +269,36 @@ void Executor::HandleError(SqlError error, std::int32_t line) {
     lastError_ = error.Number();
     rowCount_ = 0;
     const Frame* unboundIn = std::exchange(unbound_, false) ? frame_ : nullptr;
+    const ErrorEntry* entry = FindError(error.Number());
+    const bool endsText = entry != nullptr && entry->ends == Ends::kText;
     if (transactions_.IsOpen() && !database_.InTransaction()) {
         // A full disk and its like make SQLite undo everything by itself.
         transactions_.Rollback();
         throw Abort{error};
     }
-    if (tryDepth_ > 0) throw Abort{error, unboundIn};
-    const ErrorEntry* entry = FindError(error.Number());
+    if (tryDepth_ > 0) throw Abort{error, unboundIn, endsText};
     const bool aborts = options_.batchTransactions || frame_->options.exactAbort ||
-                        (entry != nullptr && entry->abortsBatch) || error.Details().severity >= 20;
-    if (aborts) throw Abort{error, unboundIn};
+                        (entry != nullptr && entry->ends != Ends::kStatement) ||
+                        error.Details().severity >= 20;
+    if (aborts) throw Abort{error, unboundIn, endsText};
     Report(error.Details());
+}
+
+// What a text that is called is told before any of it runs.
+Abort Executor::FailureOfText(const SqlError& error, const Frame& callee) {
+    const ErrorEntry* entry = FindError(error.Number());
+    lastError_ = error.Number();
+    rowCount_ = 0;
+    return {Completed(error, error.Details().line), &callee, entry != nullptr && entry->ends == Ends::kText};
+}
+
+// An error of the text that was called ends that, and the caller goes on; unless somebody waits for the
+// error, or the batch is one unit.
+void Executor::EndCall(const Abort& abort) {
+    const bool goesOn =
+        abort.endsText && tryDepth_ == 0 && !options_.batchTransactions && !frame_->options.exactAbort;
+    if (!goesOn) throw abort;
+    Report(abort.error.Details());
 }
 
 bool Executor::Dooms(const Abort& abort) const {
@@ -288,7 +307,7 @@ bool Executor::Dooms(const Abort& abort) const {
     if (options.exactAbort || details.severity >= 17 || details.number == kCancelledBatch) return true;
     if (abort.unboundIn != nullptr || details.number >= kFirstUserError) return false;
     const ErrorEntry* entry = FindError(details.number);
-    return entry != nullptr && entry->abortsBatch;
+    return entry != nullptr && entry->ends != Ends::kStatement;
 }
 
 void Executor::LeaveFrame(Frame& frame) {

@@ -41,6 +41,7 @@ struct Abort {
     SqlError error;
     // The frame whose text names what there is not: no TRY of that frame takes the error.
     const Frame* unboundIn = nullptr;
+    bool endsText = false;  // and no more than the text that it is in
 };
 
 class Executor {
@@ -85,6 +86,26 @@ class Executor {
         }
         LeaveFrame(frame);
     }
+    // The same for a call. False when an error has ended it.
+    template <class Body>
+    bool RunCall(Frame& callee, const std::vector<StatementPtr>& declarations, Body body) {
+        try {
+            RunIn(callee, [&] {
+                try {
+                    DeclareAll(declarations);
+                } catch (const SqlError& error) {
+                    throw FailureOfText(error, callee);
+                }
+                body();
+            });
+            return true;
+        } catch (const Abort& abort) {
+            EndCall(abort);
+            return false;
+        }
+    }
+    Abort FailureOfText(const SqlError& error, const Frame& callee);
+    void EndCall(const Abort& abort);
     void LeaveFrame(Frame& frame);
     void DeclareAll(const std::vector<StatementPtr>& statements);
     void Declare(const Statement& statement);
@@ -227,6 +248,7 @@ class Executor {
     // definitions: create_table.cpp
     TableInfo BuildTable(const std::string& name, const TableDefinition& definition, bool temporary);
     void AddColumn(TableInfo& table, const ColumnDefinition& definition);
+    void FindComputedTypes(TableInfo& table, const std::vector<ColumnDefinition>& definitions);
     void AddConstraint(TableInfo& table, const Constraint& constraint);
     void AddKey(TableInfo& table, const Constraint& constraint);
     void AddDefault(TableInfo& table, const Constraint& constraint);

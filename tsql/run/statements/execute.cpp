@@ -145,12 +145,13 @@ void Executor::RunProcedure(const CreateProcedureStatement& procedure, const Exe
                             std::size_t firstArgument, Frame& callee) {
     BindArguments(procedure, statement, firstArgument, callee);
     callee.text = callee.program->text;
-    RunIn(callee, [&] {
-        DeclareAll(procedure.body);
+    const bool ended = RunCall(callee, procedure.body, [&] {
         if (callee.isSystem && callee.procedure == kSpRename.name) Rename();
         if (callee.isSystem && callee.procedure == kSpSpaceUsed.name) SpaceUsed();
         RunList(procedure.body);
     });
+    // What it would give back stays as it was.
+    if (!ended) return;
     std::size_t position = 0;
     for (std::size_t i = firstArgument; i < statement.arguments.size(); ++i, ++position) {
         const ExecuteArgument& argument = statement.arguments[i];
@@ -163,7 +164,7 @@ void Executor::RunProcedure(const CreateProcedureStatement& procedure, const Exe
         if (source.isCursor) {
             variable.cursor = source.cursor;
         } else {
-            variable.value = Convert(source.value, source.type, variable.type);
+            variable.value = Convert(source.value, source.type, variable.type, 0, frame_->options.dateFormat);
         }
     }
     if (!statement.resultVariable.empty()) {
@@ -191,7 +192,11 @@ void Executor::ExecuteSql(const ExecuteStatement& statement) {
     const std::string parameters =
         statement.arguments.size() > 1 ? EvaluateText(*statement.arguments[1].value) : std::string();
     Frame callee(*frame_, statement.position);
-    callee.program = programs_.ForCall("create procedure sp_executesql " + parameters + " as " + body);
+    try {
+        callee.program = programs_.ForCall("create procedure sp_executesql " + parameters + " as " + body);
+    } catch (const SqlError& error) {
+        return EndCall(FailureOfText(error, callee));
+    }
     callee.procedure = "sp_executesql";
     const auto* procedure = TryAs<CreateProcedureStatement>(callee.program->items.front().statement);
     RunProcedure(*procedure, statement, statement.arguments.size() > 1 ? 2 : 1, callee);

@@ -12,6 +12,7 @@ class RowCollector final : public ResultSink {
     void BeginResult(const std::vector<ResultColumn>& columns) override { columns_ = columns; }
     void AddRow(std::vector<Value>& row) override { rows_.push_back(std::move(row)); }
     void Message(const Diagnostic& message) override { outer_.Message(message); }
+    void Failed(const Diagnostic& error) override { outer_.Failed(error); }
 
     const std::vector<ResultColumn>& Columns() const { return columns_; }
     std::vector<std::vector<Value>>& Rows() { return rows_; }
@@ -39,7 +40,8 @@ void Executor::InsertExecute(const InsertStatement& statement) {
     ResultSink* outer = sink_;
     sink_ = &rows;
     try {
-        RunStatement(*statement.execute);
+        // An error of the call itself is one of this statement.
+        Dispatch(*statement.execute);
     } catch (...) {
         sink_ = outer;
         throw;
