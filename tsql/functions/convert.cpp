@@ -13,7 +13,9 @@ namespace {
 void ConvertFunction(FunctionCall& call) {
     if (call.IsNull(0)) return;
     const SqlType to = call.Type(2);
-    call.Return(Convert(call.Argument(0, call.Type(1)), call.Type(1), to, static_cast<int>(call.Int(3))), to);
+    call.Return(Convert(call.Argument(0, call.Type(1)), call.Type(1), to, static_cast<int>(call.Int(3)),
+                        call.Services().dateFormat),
+                to);
 }
 
 // ts_try_conv(value, from, to, style)
@@ -29,7 +31,8 @@ void TryConvertFunction(FunctionCall& call) {
 void PutFunction(FunctionCall& call) {
     const SqlType from = call.Type(1);
     const ColumnTarget target{call.Text(4), call.Text(5), call.Type(2), call.Int(3) != 0};
-    const Value stored = ConvertForColumn(call.Argument(0, from), from, target, call.Text(6));
+    const Value stored =
+        ConvertForColumn(call.Argument(0, from), from, target, call.Text(6), call.Services().dateFormat);
     if (call.Int(7) != 0) call.Services().RememberKey(target.column, KeyText(stored, target.type));
     call.Return(stored, target.type);
 }

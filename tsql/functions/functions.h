@@ -15,6 +15,7 @@
 #include "tsql/base/diagnostic.h"
 #include "tsql/base/interruption.h"
 #include "tsql/types/collation.h"
+#include "tsql/types/date_text.h"
 #include "tsql/types/value.h"
 
 struct sqlite3;
@@ -37,6 +38,9 @@ struct FunctionServices {
 
     std::function<std::int64_t()> nextIdentity;
     std::function<void(std::int64_t given)> identityGiven;
+
+    // SET DATEFORMAT as it is while the statement runs.
+    DateFormat dateFormat = DateFormat::kMdy;
 
     std::optional<SqlError> pending;
     // A comparison could not be made, for lack of memory; the order that it gave must not be kept.

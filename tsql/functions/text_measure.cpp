@@ -113,7 +113,9 @@ void IsNumericFunction(FunctionCall& call) {
 
 void IsDateFunction(FunctionCall& call) {
     // What a datetime can hold, which is less than what can be read.
-    const auto date = call.IsNull(0) || call.Text(0).empty() ? std::nullopt : ParseDate(call.Text(0));
+    const auto date = call.IsNull(0) || call.Text(0).empty()
+                          ? std::nullopt
+                          : ParseDate(call.Text(0), {0, call.Services().dateFormat});
     call.Return(std::int64_t{date && RoundToType(*date, SqlType::DateTime()) ? 1 : 0});
 }
 

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+#include "tsql/types/date_text.h"
+
 namespace vicenter::tsql::engine {
 
 struct SetOptions {
@@ -14,6 +16,7 @@ struct SetOptions {
     std::int64_t rowCountLimit = 0;  // 0 for none
     std::string identityInsert;      // the table whose identity column takes given values; empty for none
     int lockTimeoutMilliseconds = 0;
+    DateFormat dateFormat = DateFormat::kMdy;
 };
 
 }  // namespace vicenter::tsql::engine

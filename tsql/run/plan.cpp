@@ -88,13 +88,13 @@ Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Val
             break;
     }
     if (!parameter.forColumn) {
-        Value converted = Convert(value, from, parameter.to);
+        Value converted = Convert(value, from, parameter.to, 0, frame_->options.dateFormat);
         // Of a set of texts; why a lone blank is not kept there, says kMemberCall.
         if (!parameter.isMember || converted.IsNull()) return converted;
         return Value(WithoutLoneBlank(*options_.collation, converted.Text()));
     }
     const ColumnTarget target{parameter.table, parameter.column, parameter.to, parameter.nullable};
-    Value stored = ConvertForColumn(value, from, target, parameter.operation);
+    Value stored = ConvertForColumn(value, from, target, parameter.operation, frame_->options.dateFormat);
     // SQLite does not say which values were a duplicate, and the server's message names them.
     if (parameter.isKey) services_.RememberKey(parameter.column, KeyText(stored, parameter.to));
     return stored;
@@ -136,6 +136,7 @@ bool Executor::BindLiteral(PreparedStatement& statement, int index, const Parame
 
 void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
     services_.pending.reset();
+    services_.dateFormat = frame_->options.dateFormat;
     const LiteralRun& literals = frame_->literals;
     int index = 0;
     for (const Parameter& parameter : plan.translation.parameters) {

@@ -14,7 +14,7 @@ namespace vicenter::tsql::engine {
 
 namespace {
 
-Value ToDate(const Value& value, const SqlType& from, const SqlType& to, int style) {
+Value ToDate(const Value& value, const SqlType& from, const SqlType& to, int style, DateFormat format) {
     std::optional<DateTime> date;
     switch (from.Storage()) {
         case StorageClass::kDate:
@@ -22,10 +22,10 @@ Value ToDate(const Value& value, const SqlType& from, const SqlType& to, int sty
             break;
         case StorageClass::kText: {
             bool outOfRange = false;
-            date = ParseDate(value.Text(), style, &outOfRange);
+            const bool older = to.kind == TypeKind::kDateTime || to.kind == TypeKind::kSmallDateTime;
+            date = ParseDate(value.Text(), {style, format, !older}, &outOfRange);
             if (date) break;
             // The older types tell a day that does not exist from a text that is no date.
-            const bool older = to.kind == TypeKind::kDateTime || to.kind == TypeKind::kSmallDateTime;
             if (outOfRange && older) throw MakeError(242, {}, {from.Name(), to.Name()});
             throw MakeError(241, {});
         }
@@ -145,21 +145,21 @@ void CheckConversion(const SqlType& from, const SqlType& to, bool isExplicit) {
     if (onlyExplicit) throw MakeError(257, {}, {MessageName(from), MessageName(to)});
 }
 
-Value Convert(const Value& value, const SqlType& from, const SqlType& to, int style) {
+Value Convert(const Value& value, const SqlType& from, const SqlType& to, int style, DateFormat format) {
     if (value.IsNull()) return {};
     if (from == to) return value;
     if (to.IsInteger()) return ToInteger(value, from, to);
     if (to.IsExact()) return ToDecimal(value, from, to);
     if (to.IsFloat()) return ToReal(value, from, to);
     if (to.IsText()) return ToText(value, from, to, style);
-    if (to.IsDate()) return ToDate(value, from, to, style);
+    if (to.IsDate()) return ToDate(value, from, to, style, format);
     if (to.kind == TypeKind::kUniqueIdentifier) return ToGuid(value, from, to);
     if (to.IsBinary()) return ToBinary(value, from, to, style);
     return value;
 }
 
 Value ConvertForColumn(const Value& value, const SqlType& from, const ColumnTarget& target,
-                       std::string_view operation) {
+                       std::string_view operation, DateFormat format) {
     if (value.IsNull()) {
         if (target.nullable) return {};
         throw MakeError(515, {}, {target.column, target.table, operation});
@@ -189,7 +189,7 @@ Value ConvertForColumn(const Value& value, const SqlType& from, const ColumnTarg
             throw MakeError(2628, {}, {target.table, target.column, ""});
         }
     }
-    return Convert(value, from, to);
+    return Convert(value, from, to, 0, format);
 }
 
 }  // namespace vicenter::tsql::engine

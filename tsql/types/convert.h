@@ -6,12 +6,15 @@
 #include <string>
 #include <string_view>
 
+#include "tsql/types/date_text.h"
 #include "tsql/types/value.h"
 
 namespace vicenter::tsql::engine {
 
-// CAST and CONVERT: a text that is too long is cut.
-Value Convert(const Value& value, const SqlType& from, const SqlType& to, int style = 0);
+// CAST and CONVERT: a text that is too long is cut. The format is the order in which a text has day, month
+// and year.
+Value Convert(const Value& value, const SqlType& from, const SqlType& to, int style = 0,
+              DateFormat format = DateFormat::kMdy);
 
 // Where a value is to be stored.
 struct ColumnTarget {
@@ -24,7 +27,7 @@ struct ColumnTarget {
 // A value on its way into a column: NULL and texts that are too long are refused (515, 2628). The operation
 // is the word of message 515: INSERT or UPDATE.
 Value ConvertForColumn(const Value& value, const SqlType& from, const ColumnTarget& target,
-                       std::string_view operation);
+                       std::string_view operation, DateFormat format = DateFormat::kMdy);
 
 // A number, already of the type's scale, is within the type's range.
 bool FitsDecimal(const Decimal& scaled, const SqlType& type);

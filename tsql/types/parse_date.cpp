@@ -51,15 +51,71 @@ std::optional<std::vector<Token>> Split(std::string_view text) {
     return tokens;
 }
 
-int FullYear(int year, std::size_t digits) {
-    // The server's default cut-off: 49 is 2049, 50 is 1950.
-    if (digits > 2) return year;
-    return year < 50 ? 2000 + year : 1900 + year;
+// The server's default cut-off: 49 is 2049, 50 is 1950. A year has one, two or four digits.
+std::optional<int> FullYear(const Token& token) {
+    if (token.text.size() == 4) return token.number;
+    if (token.text.size() > 2) return std::nullopt;
+    return token.number < 50 ? 2000 + token.number : 1900 + token.number;
+}
+
+struct NamedFormat {
+    std::string_view name;
+    DateFormat format;
+};
+constexpr NamedFormat kFormats[] = {{"mdy", DateFormat::kMdy}, {"dmy", DateFormat::kDmy},
+                                    {"ymd", DateFormat::kYmd}, {"ydm", DateFormat::kYdm},
+                                    {"myd", DateFormat::kMyd}, {"dym", DateFormat::kDym}};
+
+std::string_view LettersOf(DateFormat format) {
+    for (const NamedFormat& named : kFormats) {
+        if (named.format == format) return named.name;
+    }
+    return "mdy";
+}
+
+// The order in which day, month and year stand: that of the style, or of the format where it has none.
+DateFormat OrderOf(const DateReading& reading) {
+    switch (reading.style) {
+        case 1:
+        case 101:
+        case 7:
+        case 107:
+        case 10:
+        case 110:
+            return DateFormat::kMdy;
+        case 3:
+        case 103:
+        case 4:
+        case 104:
+        case 5:
+        case 105:
+        case 6:
+        case 106:
+            return DateFormat::kDmy;
+        case 2:
+        case 102:
+        case 11:
+        case 111:
+        case 12:
+        case 112:
+        case 20:
+        case 120:
+        case 21:
+        case 121:
+        case 23:
+        case 25:
+        case 126:
+        case 127:
+            return DateFormat::kYmd;
+        default:
+            return reading.format;
+    }
 }
 
 class DateReader {
   public:
-    DateReader(std::vector<Token> tokens, int style) : tokens_(std::move(tokens)), style_(style) {}
+    DateReader(std::vector<Token> tokens, const DateReading& reading)
+        : tokens_(std::move(tokens)), order_(OrderOf(reading)), newer_(reading.newer) {}
 
     std::optional<DateTime> Read() {
         parts_ = {1900, 1, 1, 0, 0, 0, 0};
@@ -133,21 +189,22 @@ class DateReader {
     }
 
     bool ReadDate() {
-        if (!IsNumber()) return ReadMonthFirst();
+        if (IsMonth(0)) return ReadNamedMonth();
+        if (!IsNumber()) return false;
         const Token first = tokens_[at_];
         if (IsWord("年", 1)) return ReadChinese();
+        // 15 Jan 2026, 15-Jan-2026, 2026 15 Jan.
+        if (IsMonth(1) || (IsSeparator(1) && IsMonth(2)) || (IsNumber(1) && IsMonth(2)))
+            return ReadNamedMonth();
         for (const char mark : {'-', '/', '.'}) {
             if (IsMark(mark, 1)) return ReadMarked(mark);
-        }
-        if (at_ + 1 < tokens_.size() && tokens_[at_ + 1].kind == Token::kWord &&
-            MonthByName(tokens_[at_ + 1].text) != 0) {
-            return ReadDayThenMonthName();
         }
         ++at_;
         if (first.text.size() == 8)
             return Set(first.number / 10000, first.number / 100 % 100, first.number % 100);
         if (first.text.size() == 6) {
-            return Set(FullYear(first.number / 10000, 2), first.number / 100 % 100, first.number % 100);
+            const int year = first.number / 10000;
+            return Set(year < 50 ? 2000 + year : 1900 + year, first.number / 100 % 100, first.number % 100);
         }
         return first.text.size() == 4 && Set(first.number, 1, 1);
     }
@@ -158,39 +215,58 @@ class DateReader {
         at_ += 6;
         return set;
     }
+    // Three numbers between marks. A year of four digits is one wherever it stands, and leaves the others in
+    // the order of the format.
     bool ReadMarked(char mark) {
         if (!IsNumber(2) || !IsMark(mark, 3) || !IsNumber(4)) return false;
-        const Token a = tokens_[at_];
-        const Token b = tokens_[at_ + 2];
-        const Token c = tokens_[at_ + 4];
-        if (a.text.size() > 4 || b.text.size() > 2 || c.text.size() > 4) return false;
+        const Token parts[] = {tokens_[at_], tokens_[at_ + 2], tokens_[at_ + 4]};
         at_ += 5;
-        if (a.text.size() == 4) return Set(a.number, b.number, c.number);
-        if (c.text.size() == 4 || style_ != 0) {
-            const int year = FullYear(c.number, c.text.size());
-            const int base = style_ % 100;
-            if (base >= 3 && base <= 5) return Set(year, b.number, a.number);
-            return Set(year, a.number, b.number);
+        const bool startsWithYear = parts[0].text.size() == 4;
+        // ISO 8601 has one order.
+        const bool isFixed =
+            startsWithYear && (newer_ || (mark == '-' && at_ < tokens_.size() && IsWord("T")));
+        std::string order(LettersOf(isFixed ? DateFormat::kYmd : order_));
+        if (newer_ && order == "ydm") return false;
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (parts[i].text.size() != 4) continue;
+            std::erase(order, 'y');
+            order.insert(i, 1, 'y');
+            break;
         }
-        return Set(FullYear(a.number, a.text.size()), b.number, c.number);
+        const Token& year = parts[order.find('y')];
+        const Token& month = parts[order.find('m')];
+        const Token& day = parts[order.find('d')];
+        const std::optional<int> fullYear = FullYear(year);
+        if (!fullYear || month.text.size() > 2 || day.text.size() > 2) return false;
+        return Set(*fullYear, month.number, day.number);
     }
-    bool ReadMonthFirst() {
-        const int month = at_ < tokens_.size() ? MonthByName(tokens_[at_].text) : 0;
-        if (month == 0 || !IsNumber(1)) return false;
-        const int day = tokens_[at_ + 1].number;
-        at_ += 2;
-        if (IsMark(',')) ++at_;
-        if (!IsNumber()) return false;
-        const Token year = tokens_[at_++];
-        return Set(FullYear(year.number, year.text.size()), month, day);
+    // A month by its name, and before and behind it a day and a year in either order. Of a lone year it is
+    // the first day.
+    bool ReadNamedMonth() {
+        int month = 0;
+        std::vector<Token> numbers;
+        for (; at_ < tokens_.size() && !IsTimeAhead(); ++at_) {
+            if (month == 0 && IsMonth(0)) {
+                month = MonthByName(tokens_[at_].text);
+            } else if (IsNumber() && numbers.size() < 2) {
+                numbers.push_back(tokens_[at_]);
+            } else if (!IsSeparator(0)) {
+                break;
+            }
+        }
+        if (month == 0 || numbers.empty()) return false;
+        const bool yearFirst = numbers.front().text.size() == 4;
+        if (numbers.size() == 1) return yearFirst && Set(numbers.front().number, month, 1);
+        const Token& day = numbers[yearFirst ? 1 : 0];
+        const std::optional<int> year = FullYear(numbers[yearFirst ? 0 : 1]);
+        return year && day.text.size() <= 2 && Set(*year, month, day.number);
     }
-    bool ReadDayThenMonthName() {
-        const int day = tokens_[at_].number;
-        const int month = MonthByName(tokens_[at_ + 1].text);
-        at_ += 2;
-        if (!IsNumber()) return false;
-        const Token year = tokens_[at_++];
-        return Set(FullYear(year.number, year.text.size()), month, day);
+    bool IsMonth(std::size_t ahead) const {
+        return at_ + ahead < tokens_.size() && tokens_[at_ + ahead].kind == Token::kWord &&
+               MonthByName(tokens_[at_ + ahead].text) != 0;
+    }
+    bool IsSeparator(std::size_t ahead) const {
+        return IsMark('-', ahead) || IsMark('/', ahead) || IsMark('.', ahead) || IsMark(',', ahead);
     }
     bool Set(int year, int month, int day) {
         parts_.year = year;
@@ -200,7 +276,8 @@ class DateReader {
     }
 
     std::vector<Token> tokens_;
-    int style_;
+    DateFormat order_;
+    bool newer_;
     std::size_t at_ = 0;
     DateTimeParts parts_;
     bool outOfRange_ = false;
@@ -208,11 +285,18 @@ class DateReader {
 
 }  // namespace
 
-std::optional<DateTime> ParseDate(std::string_view text, int style, bool* outOfRange) {
+std::optional<DateFormat> DateFormatByName(std::string_view name) {
+    for (const NamedFormat& named : kFormats) {
+        if (named.name == name) return named.format;
+    }
+    return std::nullopt;
+}
+
+std::optional<DateTime> ParseDate(std::string_view text, const DateReading& reading, bool* outOfRange) {
     if (outOfRange != nullptr) *outOfRange = false;
     auto tokens = Split(text);
     if (!tokens) return std::nullopt;
-    DateReader reader(std::move(*tokens), style);
+    DateReader reader(std::move(*tokens), reading);
     const std::optional<DateTime> date = reader.Read();
     if (outOfRange != nullptr) *outOfRange = reader.OutOfRange();
     return date;

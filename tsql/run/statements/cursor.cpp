@@ -134,7 +134,7 @@ void Executor::Fetch(const FetchStatement& statement) {
         for (std::size_t i = 0; found && i < statement.into.size(); ++i) {
             Variable& variable = FindVariable(statement.into[i], statement.position);
             variable.value = Convert(cursor.rows[static_cast<std::size_t>(target)][i], cursor.columns[i].type,
-                                     variable.type);
+                                     variable.type, 0, frame_->options.dateFormat);
         }
     } else {
         sink_->BeginResult(cursor.columns);

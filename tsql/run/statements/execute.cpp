@@ -84,10 +84,11 @@ std::vector<const ExecuteArgument*> ArgumentsByParameter(const std::vector<Proce
 }
 
 // A wrong argument is told as 8114, whatever the conversion would say.
-Value ConvertArgument(const Value& value, const SqlType& from, const SqlType& to, Position where) {
+Value ConvertArgument(const Value& value, const SqlType& from, const SqlType& to, DateFormat format,
+                      Position where) {
     try {
         if (!from.IsUnknown()) CheckConversion(from, to, false);
-        return Convert(value, from, to);
+        return Convert(value, from, to, 0, format);
     } catch (const SqlError& error) {
         if (error.Number() != 245 && error.Number() != 241 && error.Number() != 242) throw;
         throw MakeError(8114, where, {MessageName(from), MessageName(to)});
@@ -135,7 +136,8 @@ void Executor::BindArguments(const CreateProcedureStatement& procedure, const Ex
                 const FrameScope inside(frame_, callee);
                 value = Evaluate(*parameter.defaultValue, &type);
             }
-            variable.value = ConvertArgument(value, type, variable.type, statement.position);
+            variable.value =
+                ConvertArgument(value, type, variable.type, frame_->options.dateFormat, statement.position);
         }
         callee.variables.emplace(LowerAscii(parameter.name), std::move(variable));
     }
@@ -176,12 +178,13 @@ void Executor::RunProcedure(const CreateProcedureStatement& procedure, const Exe
 void Executor::ExecuteText(const ExecuteTextStatement& statement) {
     const std::string text = EvaluateText(*statement.text);
     Frame callee(*frame_, statement.position);
-    callee.program = ParseProgram(text, false);
+    try {
+        callee.program = ParseProgram(text, false);
+    } catch (const SqlError& error) {
+        return EndCall(FailureOfText(error, callee));
+    }
     callee.text = text;
-    RunIn(callee, [&] {
-        DeclareAll(callee.program->statements);
-        RunItems(*callee.program);
-    });
+    RunCall(callee, callee.program->statements, [&] { RunItems(*callee.program); });
 }
 
 // sp_executesql @statement, @parameters, values…: a procedure that is made for one call.

@@ -103,14 +103,15 @@ void Executor::SetOption(const SetOptionStatement& statement) {
                 options.identityInsert = table->name;
             }
         } else if (option == "dateformat") {
-            // Texts of dates are read with the month before the day, by ymd as by mdy.
-            const std::string format =
+            const std::string name =
                 statement.value ? LowerAscii(EvaluateText(*statement.value)) : statement.word;
-            if (format != "mdy" && format != "ymd")
-                throw MakeError(40510, statement.position, {"SET DATEFORMAT " + format});
+            const std::optional<DateFormat> format = DateFormatByName(LowerAscii(name));
+            if (!format) throw MakeError(2741, statement.position, {name});
+            options.dateFormat = *format;
         } else if (option == "datefirst") {
             constexpr std::int64_t kSunday = 7;
             const std::int64_t day = statement.value ? EvaluateInt(*statement.value) : 0;
+            if (day < 1 || day > kSunday) throw MakeError(2742, statement.position, {day});
             if (day != kSunday)
                 throw MakeError(40510, statement.position, {"SET DATEFIRST " + std::to_string(day)});
         } else if (option == "language") {
@@ -118,6 +119,8 @@ void Executor::SetOption(const SetOptionStatement& statement) {
                 statement.value ? LowerAscii(EvaluateText(*statement.value)) : statement.word;
             if (std::ranges::find(kLanguages, language) == std::end(kLanguages))
                 Refuse(statement, option, language);
+            // A language brings its own order of dates.
+            options.dateFormat = DateFormat::kMdy;
         } else if (option == "textsize") {
             // Shorter texts than the longest would be cut.
             const std::int64_t bytes = statement.value ? EvaluateInt(*statement.value) : 0;
