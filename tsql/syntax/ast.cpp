@@ -1,5 +1,7 @@
 #include "tsql/syntax/ast.h"
 
+#include "text/ascii.h"
+
 namespace vicenter::tsql {
 
 std::string ObjectName::Text() const {
@@ -9,6 +11,12 @@ std::string ObjectName::Text() const {
         text += part.text;
     }
     return text;
+}
+
+bool ColumnExpr::IsIdentity() const {
+    const Name& last = name.parts.back();
+    return !last.quoted &&
+           (text::SameAscii(last.text, "$identity") || text::SameAscii(last.text, "identitycol"));
 }
 
 // Nodes that hold a query: out of line, where Query is complete.

@@ -134,12 +134,14 @@ struct VariableExpr : Expr {
     bool IsGlobal() const { return name.size() > 1 && name[1] == '@'; }
 };
 
-// column, table.column, schema.table.column, …
+// column, table.column, schema.table.column, …; $identity and IDENTITYCOL in the place of a name are the
+// identity column.
 struct ColumnExpr : Expr {
     static constexpr ExprKind kKind = ExprKind::kColumn;
     ColumnExpr(Position p, ObjectName n) : Expr(kKind, p), name(std::move(n)) {}
 
     ObjectName name;
+    bool IsIdentity() const;
 };
 
 enum class UnaryOp { kPlus, kMinus, kBitNot };

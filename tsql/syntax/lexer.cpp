@@ -340,6 +340,7 @@ Token Lexer::Next() {
     if (c == '@') return ReadWord(TokenKind::kVariable);
     if (c == '[') return ReadQuoted(TokenKind::kQuotedIdentifier, at_, ']');
     if (c == '"') return ReadQuoted(TokenKind::kQuotedIdentifier, at_, '"');
+    if (c == '$' && (ClassOf(next) & kWordStart)) return ReadWord(TokenKind::kPseudoColumn);
     if (c == '$') return ReadMoney();
     if (kind & kWide) {
         std::uint32_t codePoint = 0;

@@ -24,8 +24,9 @@ enum class TokenKind : std::uint8_t {
     kFloat,
     kMoney,
     kBinary,
-    kOperator,  // `op` tells which
-    kUnknown,   // a character that has no place in T-SQL
+    kPseudoColumn,  // $identity: a sign of money with a letter behind it
+    kOperator,      // `op` tells which
+    kUnknown,       // a character that has no place in T-SQL
 };
 
 enum class Op : std::uint8_t {

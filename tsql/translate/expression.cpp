@@ -161,6 +161,12 @@ void Translator::CheckGrouped(const Scope& scope, const std::string& sql, Positi
 Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
     const std::string& name = column.name.Object();
     const std::string qualifier = column.name.parts.size() > 1 ? column.name.Schema() : std::string();
+    const bool isIdentity = column.IsIdentity();
+    const auto isMeant = [&](const Source& source, const SourceColumn& candidate) {
+        if (!isIdentity) return SameName(candidate.name, name);
+        const ColumnInfo* identity = source.table != nullptr ? source.table->IdentityColumn() : nullptr;
+        return identity != nullptr && SameName(candidate.name, identity->name);
+    };
     bool sawQualifier = false;
     for (const Scope* level = &scope; level != nullptr; level = level->outer) {
         const SourceColumn* found = nullptr;
@@ -169,7 +175,7 @@ Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
             if (!qualifier.empty() && !SameName(source.exposedName, qualifier)) continue;
             if (!qualifier.empty()) sawQualifier = true;
             for (const SourceColumn& candidate : source.columns) {
-                if (!SameName(candidate.name, name)) continue;
+                if (!isMeant(source, candidate)) continue;
                 if (found != nullptr && qualifier.empty()) throw MakeError(209, column.position, {name});
                 if (found == nullptr) {
                     found = &candidate;

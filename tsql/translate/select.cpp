@@ -13,11 +13,22 @@ using automation::SameName;
 
 namespace {
 
+// The identity column that $identity stands for.
+std::string IdentityName(const ColumnExpr& column, const Scope& scope) {
+    for (const Source& source : scope.sources) {
+        if (column.name.parts.size() > 1 && !SameName(source.exposedName, column.name.Schema())) continue;
+        const ColumnInfo* identity = source.table != nullptr ? source.table->IdentityColumn() : nullptr;
+        if (identity != nullptr) return identity->name;
+    }
+    return column.name.Object();
+}
+
 // The name that SQL Server gives to a column of a result.
-std::string ItemName(const SelectItem& item) {
+std::string ItemName(const SelectItem& item, const Scope& scope) {
     if (!item.alias.IsEmpty()) return item.alias.text;
-    if (const auto* column = TryAs<ColumnExpr>(item.expression.get())) return column->name.Object();
-    return {};
+    const auto* column = TryAs<ColumnExpr>(item.expression.get());
+    if (column == nullptr) return {};
+    return column->IsIdentity() ? IdentityName(*column, scope) : column->name.Object();
 }
 
 bool IsTopOne(const SelectBody& select) {
@@ -132,7 +143,7 @@ void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& part
         parts.assignments.push_back({name, AssignOp::kSet});
     }
     parts.items.push_back(std::move(operand));
-    parts.names.push_back(ItemName(item));
+    parts.names.push_back(ItemName(item, scope));
 }
 
 void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail) {

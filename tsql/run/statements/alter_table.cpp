@@ -102,6 +102,7 @@ void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDef
     TableInfo changed = DefinedTable(statement.table, 4902);
     TableInfo probe = changed;
     AddColumn(probe, definition);
+    FindComputedTypes(probe, statement.definition.columns);
     const ColumnInfo column = *probe.FindColumn(definition.name.text);
     const bool needsValue = !column.nullable && column.computedText.empty();
     if (needsValue && column.defaultText.empty() && !column.identity && !IsEmpty(database_, changed)) {

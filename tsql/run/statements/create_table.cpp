@@ -4,6 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
+#include "tsql/run/definition_check.h"
 #include "tsql/run/executor.h"
 #include "tsql/syntax/print/printer.h"
 
@@ -47,7 +48,7 @@ void Executor::AddColumn(TableInfo& table, const ColumnDefinition& definition) {
     column.name = definition.name.text;
     if (definition.computedAs) {
         column.computedText = ExpressionText(*definition.computedAs);
-        column.type = SqlType::Int();
+        column.type = SqlType::Int();  // until the columns that it names are all there: FindTypes
         table.columns.push_back(std::move(column));
         return;
     }
@@ -134,11 +135,26 @@ void Executor::AddKey(TableInfo& table, const Constraint& constraint) {
     table.keys.push_back(std::move(key));
 }
 
+namespace {
+
+// What the statement that defines the table is called in a message.
+const char* DefinedBy(const TableInfo& table) {
+    if (table.id != 0) return "ALTER TABLE";
+    return table.name.front() == '@' ? "DECLARE" : "CREATE TABLE";
+}
+
+}  // namespace
+
 void Executor::AddDefault(TableInfo& table, const Constraint& constraint) {
     const std::string& name = constraint.columns.front().name.text;
     for (ColumnInfo& column : table.columns) {
         if (!SameName(column.name, name)) continue;
         if (!column.defaultText.empty()) throw MakeError(1781, constraint.position);
+        if (column.identity) throw MakeError(1754, constraint.position, {table.name, column.name});
+        CheckDefinition({DefinitionKind::kDefault, &table, DefinedBy(table), column.name},
+                        *constraint.expression);
+        // Its functions are looked up where it is written, not by the first INSERT.
+        Translated([&](Translator& translator) { return translator.Expression(*constraint.expression); });
         column.defaultText = ExpressionText(*constraint.expression);
         column.defaultName = ConstraintName(table, constraint, "DF", column.name);
         return;
@@ -151,6 +167,7 @@ void Executor::AddCheck(TableInfo& table, const Constraint& constraint) {
     CheckInfo check;
     const std::string detail = constraint.columns.empty() ? "" : constraint.columns.front().name.text;
     check.name = ConstraintName(table, constraint, "CK", detail);
+    CheckDefinition({DefinitionKind::kCheck, &table, DefinedBy(table), detail}, *constraint.expression);
     check.text = ExpressionText(*constraint.expression);
     check.sqlText = Translated(
         [&](Translator& translator) { return translator.CheckText(table, *constraint.expression); });
@@ -184,6 +201,19 @@ void Executor::AddForeignKey(TableInfo& table, const Constraint& constraint) {
     table.foreignKeys.push_back(std::move(key));
 }
 
+// The type of a computed column is that of its expression.
+void Executor::FindComputedTypes(TableInfo& table, const std::vector<ColumnDefinition>& definitions) {
+    for (const ColumnDefinition& definition : definitions) {
+        if (!definition.computedAs) continue;
+        CheckDefinition({DefinitionKind::kComputed, &table, DefinedBy(table), {}}, *definition.computedAs);
+        for (ColumnInfo& column : table.columns) {
+            if (!SameName(column.name, definition.name.text)) continue;
+            column.type = Translated(
+                [&](Translator& translator) { return translator.ComputedType(table, column.computedText); });
+        }
+    }
+}
+
 TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& definition, bool temporary) {
     TableInfo table;
     table.name = name;
@@ -195,15 +225,10 @@ TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& d
             throw MakeError(1702, column.name.position, {column.name.text, name, kMostColumns});
         AddColumn(table, column);
     }
+    FindComputedTypes(table, definition.columns);
     for (const Constraint& constraint : definition.constraints)
         AddConstraint(table, constraint);
     if (temporary) table.foreignKeys.clear();
-    for (ColumnInfo& column : table.columns) {
-        if (column.computedText.empty()) continue;
-        // Its type is that of its expression.
-        column.type = Translated(
-            [&](Translator& translator) { return translator.ComputedType(table, column.computedText); });
-    }
     if (const ColumnInfo* identity = table.IdentityColumn())
         table.lastIdentity = identity->seed - identity->increment;
     return table;

@@ -103,6 +103,9 @@ ExprPtr Parser::ParsePrimary(bool conditionAllowed) {
             expr = std::make_unique<VariableExpr>(variable.position, std::string(variable.text));
             break;
         }
+        case TokenKind::kPseudoColumn:
+            expr = ParsePseudoColumn({});
+            break;
         case TokenKind::kIdentifier:
             expr = AtName() ? ParseNameOrCall() : ParseKeywordPrimary();
             break;

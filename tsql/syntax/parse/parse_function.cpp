@@ -11,8 +11,25 @@ ExprPtr Parser::ParseNameOrCall() {
         if (AtWord("try_cast")) return ParseCast(true);
     }
     ObjectName name = TakeObjectName();
+    if (At(Op::kDot) && AtPseudoColumn(1)) {
+        Take();
+        return ParsePseudoColumn(std::move(name));
+    }
     if (At(Op::kLeftParen)) return ParseCall(std::move(name));
     return std::make_unique<ColumnExpr>(start, std::move(name));
+}
+
+bool Parser::AtPseudoColumn(std::size_t n) {
+    return At(TokenKind::kPseudoColumn, n) || At(Keyword::kIdentitycol, n) || At(Keyword::kRowguidcol, n);
+}
+
+// $IDENTITY, once called IDENTITYCOL: the identity column, whatever its name.
+ExprPtr Parser::ParsePseudoColumn(ObjectName owner) {
+    RefusePseudoColumn();
+    const Token token = Take();
+    const Position start = owner.IsEmpty() ? token.position : owner.Where();
+    owner.parts.push_back(Name{std::string(token.text), token.position, false});
+    return std::make_unique<ColumnExpr>(start, std::move(owner));
 }
 
 // Reserved words that start a value.
@@ -28,6 +45,9 @@ ExprPtr Parser::ParseKeywordPrimary() {
         case Keyword::kNull:
             Take();
             return std::make_unique<LiteralExpr>(token.position, LiteralKind::kNull, "");
+        case Keyword::kIdentitycol:
+        case Keyword::kRowguidcol:
+            return ParsePseudoColumn({});
         case Keyword::kCase:
             return ParseCase();
         case Keyword::kConvert:

@@ -50,6 +50,8 @@ constexpr std::string_view kObjects[] = {
 constexpr std::string_view kRowsets[] = {
     "containstable", "freetexttable", "opendatasource", "openquery",   "openrowset",
     "openxml",       "openjson",      "predict",        "changetable", "semantickeyphrasetable"};
+constexpr std::string_view kPseudoColumns[] = {"$action",  "$cuid",      "$edge_id", "$from_id",
+                                               "$node_id", "$partition", "$rowguid", "$to_id"};
 constexpr std::string_view kForms[] = {"xml", "json", "browse"};
 
 [[noreturn]] void Refuse(Position where, const std::string& name) {
@@ -112,9 +114,17 @@ void Parser::RefuseValue() {
     const Token& token = Peek();
     if (AtWord("next") && AtWord("value", 1) && At(Keyword::kFor, 2))
         Refuse(token.position, "NEXT VALUE FOR");
-    if (At(Keyword::kIdentitycol)) Refuse(token.position, "IDENTITYCOL");
     if ((AtWord("parse") || AtWord("try_parse")) && At(Op::kLeftParen, 1))
         Refuse(token.position, Upper(token.text));
+}
+
+// Of the columns that have a sign instead of a name there is the identity column alone.
+void Parser::RefusePseudoColumn() {
+    const Token& token = Peek();
+    if (At(Keyword::kIdentitycol) || IsWord(token.text, "$identity")) return;
+    if (At(Keyword::kRowguidcol) || IsOneOf(token.text, kPseudoColumns))
+        Refuse(token.position, Upper(token.text));
+    throw MakeError(126, token.position, {token.text});
 }
 
 // IGNORE NULLS and RESPECT NULLS behind a window function.

@@ -120,6 +120,7 @@ class Parser {
     void RefuseBehindQuery();
     void RefusePredicate();
     void RefuseValue();
+    void RefusePseudoColumn();
     void RefuseBehindValue();
     void RefuseBehindCall();
 
@@ -141,6 +142,8 @@ class Parser {
     ExprPtr ParseParentheses(bool conditionAllowed);
     ExprPtr ParseNameOrCall();
     ExprPtr ParseKeywordPrimary();
+    bool AtPseudoColumn(std::size_t n);
+    ExprPtr ParsePseudoColumn(ObjectName owner);
     ExprPtr ParseLiteral();
     bool AtBrace(std::string_view brace);
     void ExpectBraceEnd();
