@@ -36,6 +36,16 @@ TEST_F(EngineEdgeTest, What_the_text_names_and_is_not_there_no_try_of_that_text_
     EXPECT_EQ(Run("begin try exec p end try begin catch select error_number() as n end catch"), "n:int\n208");
 }
 
+// Drivers put texts in the place of the braces themselves.
+TEST_F(EngineEdgeTest, A_date_in_braces_has_an_order_of_its_own) {
+    for (const char* order : {"mdy", "dmy", "ymd", "ydm", "myd", "dym"}) {
+        EXPECT_EQ(Run(std::string("set dateformat ") + order +
+                      " select convert(varchar(10), {d '2004-01-02'}, 120) as d"),
+                  "d:varchar(10)\n2004-01-02")
+            << order;
+    }
+}
+
 TEST_F(EngineEdgeTest, A_name_that_is_not_there_leaves_the_transaction_open) {
     UseStatementTransactions();
     Run("create table t (a int)");
