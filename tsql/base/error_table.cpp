@@ -276,6 +276,9 @@ constexpr ErrorEntry kErrors[] = {
      "Column or parameter #%d: Specified column precision %d is greater than the maximum precision of %d."},
     {2751, 16, kText,
      "Column or parameter #%d: Specified column scale %d is greater than the specified precision of %d."},
+    {2754, 16, kStatement,
+     "Error severity levels greater than %d can only be specified by members of the sysadmin role, using the "
+     "WITH LOG option."},
     {2786, 16, kStatement,
      "The data type of substitution parameter %d does not match the expected type of the format "
      "specification."},
@@ -309,6 +312,12 @@ constexpr ErrorEntry kErrors[] = {
     {4113, 16, kText,
      "The function '%.*ls' is not a valid windowing function, and cannot be used with the OVER clause."},
     {4116, 16, kText, "The function 'ntile' takes only a positive int or bigint expression as its input."},
+    {4121, 16, kText,
+     "Cannot find either column \"%.*ls\" or the user-defined function or aggregate \"%.*ls\", or the name "
+     "is "
+     "ambiguous."},
+    {4127, 16, kText,
+     "At least one of the arguments to %ls must be an expression that is not the NULL constant."},
     {4145, 15, kText,
      "An expression of non-boolean type specified in a context where a condition is expected, near '%.*ls'."},
     {4151, 16, kText,
@@ -316,6 +325,9 @@ constexpr ErrorEntry kErrors[] = {
      "argument has to be known."},
     {4193, 16, kText, "'%.*ls' is not a valid window frame and cannot be used with the OVER clause."},
     {4194, 16, kText, "RANGE is only supported with UNBOUNDED and CURRENT ROW window frame delimiters."},
+    {4403, 16, kText,
+     "Cannot update the view or function '%.*ls' because it contains aggregates, or a DISTINCT or GROUP BY "
+     "clause, or PIVOT or UNPIVOT operator."},
     {4405, 16, kText,
      "View or function '%.*ls' is not updatable because the modification affects multiple base tables."},
     {4406, 16, kText,
@@ -351,6 +363,7 @@ constexpr ErrorEntry kErrors[] = {
     {5324, 15, kText,
      "In a MERGE statement, a '%S_MSG' clause with a search condition cannot appear after a '%S_MSG' clause "
      "with no search condition."},
+    {6401, 16, kStatement, "Cannot roll back %.*ls. No transaction or savepoint of that name was found."},
     {8101, 16, kText,
      "An explicit value for the identity column in table '%.*ls' can only be specified when a column list is "
      "used and IDENTITY_INSERT is ON."},

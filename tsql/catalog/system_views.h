@@ -3,6 +3,7 @@
 // The server's own views: what scripts ask whether something exists. Constant data, readable from anywhere.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tsql/syntax/ast_expression.h"
@@ -18,5 +19,7 @@ struct SystemView {
 const SystemView* FindSystemView(const ObjectName& name);
 // A view of the server's that there is not: it is refused by its name, where an unknown one is an error.
 bool IsServerView(const ObjectName& name);
+// A column that the server's view of that name has, and ours has nothing to say in.
+bool IsServerColumn(std::string_view schema, std::string_view view, std::string_view column);
 
 }  // namespace vicenter::tsql::engine

@@ -308,6 +308,12 @@ Bound RealOfReal(Binding& call) {
     return {call.Call({call.Real(0)}), SqlType::Float()};
 }
 
+// LOG(x), LOG(x, base)
+Bound BindLog(Binding& call) {
+    if (call.Count() == 1) return RealOfReal(call);
+    return {kRealCall.Call({"'/'", call.Call({call.Real(0)}), call.Call({call.Real(1)})}), SqlType::Float()};
+}
+
 Bound BindSquare(Binding& call) {
     const std::string number = call.Real(0);
     return {kRealCall.Call({"'*'", number, number}), SqlType::Float()};
@@ -341,7 +347,7 @@ constexpr FunctionEntry kEntries[] = {
     {"cos", 1, 1, RealOfReal, &kCos},
     {"exp", 1, 1, RealOfReal, &kExp},
     {"floor", 1, 1, BindFloorCeiling, &kFloor},
-    {"log", 1, 1, RealOfReal, &kLog},
+    {"log", 1, 2, BindLog, &kLog},
     {"log10", 1, 1, RealOfReal, &kLog10},
     {"pi", 0, 0, BindPi},
     {"power", 2, 2, BindPower, &kPower},

@@ -1,5 +1,7 @@
 // What the session answers about itself: @@ROWCOUNT and its kin, the clock, the error of a CATCH block.
 
+#include <limits>
+
 #include "tsql/run/executor.h"
 #include "tsql/types/date_part.h"
 
@@ -10,6 +12,17 @@ namespace {
 // Identities are kept as the integers that they are; T-SQL answers them as decimal(38,0).
 Value AsDecimal(const Value& identity) {
     return identity.IsNull() ? Value() : Value(automation::Decimal(identity.Int()));
+}
+
+// The bits of @@OPTIONS that are always set: ANSI_WARNINGS, ANSI_PADDING, ANSI_NULLS, QUOTED_IDENTIFIER,
+// ANSI_NULL_DFLT_ON and CONCAT_NULL_YIELDS_NULL.
+constexpr std::int64_t kFixedOptions = 8 | 16 | 32 | 256 | 1024 | 4096;
+constexpr std::int64_t kNoCountOption = 512;
+constexpr std::int64_t kXactAbortOption = 16384;
+
+std::int64_t OptionBits(const SetOptions& options) {
+    return kFixedOptions | (options.noCount ? kNoCountOption : 0) |
+           (options.exactAbort ? kXactAbortOption : 0);
 }
 
 }  // namespace
@@ -32,7 +45,10 @@ Value Executor::SystemValue(std::string_view name) const {
     if (name == "@@lock_timeout")
         return Value(frame_ != nullptr ? frame_->options.lockTimeoutMilliseconds : 0);
     if (name == "@@max_precision") return Value(kMaxPrecision);
-    if (name == "@@cursor_rows" || name == "@@options") return Value(0);
+    if (name == "@@cursor_rows") return Value(0);
+    if (name == "@@options") return Value(OptionBits(frame_ != nullptr ? frame_->options : setOptions_));
+    if (name == "@@langid") return Value(0);
+    if (name == "@@textsize") return Value(std::int64_t{std::numeric_limits<std::int32_t>::max()});
     // To 1/300 of a second, as every datetime is.
     if (name == "getdate")
         return Value(RoundToType(options_.now(), SqlType::DateTime()).value_or(options_.now()));

@@ -94,4 +94,10 @@ bool HasQuery(const Expr& expression) {
            expression.kind == ExprKind::kQuantified || (in != nullptr && in->query != nullptr);
 }
 
+bool HoldsQuery(const Expr& expression) {
+    bool holds = HasQuery(expression);
+    ForEachChild(expression, [&holds](const Expr& child) { holds = holds || HoldsQuery(child); });
+    return holds;
+}
+
 }  // namespace vicenter::tsql

@@ -14,5 +14,7 @@ void ForEachChild(const Expr& expression, const std::function<void(const Expr&)>
 
 // (select …), EXISTS (…), IN (select …), > ALL (…).
 bool HasQuery(const Expr& expression);
+// It, or anything below it.
+bool HoldsQuery(const Expr& expression);
 
 }  // namespace vicenter::tsql

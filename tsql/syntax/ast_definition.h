@@ -27,6 +27,7 @@ struct Constraint {
     std::optional<bool> clustered;     // CLUSTERED / NONCLUSTERED as written
     std::vector<IndexColumn> columns;  // of a key; for kDefault the column of DEFAULT … FOR column
     ExprPtr expression;                // of CHECK or DEFAULT
+    bool withValues = false;           // DEFAULT … WITH VALUES: also for the rows that are there
     // REFERENCES table (columns) [ON DELETE …] [ON UPDATE …]; the action in lower case ("cascade", "set
     // null", "no action", …), empty when none is written.
     ObjectName referencedTable;

@@ -133,14 +133,39 @@ Operand Translator::Variable(const VariableExpr& variable) {
             {"@@lock_timeout", SqlType::Int()},
             {"@@max_precision", SqlType::Of(TypeKind::kTinyInt)},
             {"@@options", SqlType::Int()},
+            {"@@langid", SqlType::Of(TypeKind::kSmallInt)},
+            {"@@textsize", SqlType::Int()},
         };
         for (const Global& global : kGlobals) {
             if (global.name == name) return System(name, global.type);
         }
+        // What only a server with its clients and its disks can tell.
+        static constexpr std::string_view kOfServer[] = {"@@connections",
+                                                         "@@cpu_busy",
+                                                         "@@dbts",
+                                                         "@@def_sortorder_id",
+                                                         "@@idle",
+                                                         "@@io_busy",
+                                                         "@@max_connections",
+                                                         "@@microsoftversion",
+                                                         "@@pack_received",
+                                                         "@@pack_sent",
+                                                         "@@packet_errors",
+                                                         "@@remserver",
+                                                         "@@servicename",
+                                                         "@@timeticks",
+                                                         "@@total_errors",
+                                                         "@@total_read",
+                                                         "@@total_write"};
+        if (std::find(std::begin(kOfServer), std::end(kOfServer), name) != std::end(kOfServer))
+            throw MakeError(40510, variable.position, {UpperAscii(name)});
         throw MakeError(137, variable.position, {variable.name});
     }
     const auto type = context_.VariableType(name);
     if (!type) throw MakeError(137, variable.position, {variable.name});
+    for (auto earlier = assigned_.rbegin(); earlier != assigned_.rend(); ++earlier) {
+        if (earlier->first == name) return Computed("(" + earlier->second + ")", *type);
+    }
     if (assigning_.find(" " + name + " ") != std::string::npos) {
         // SELECT @v = @v + …: each row sees what the row before it has assigned.
         return Computed(kVariableCall.Call({QuotedText(name), Code(*type)}), *type);
@@ -193,6 +218,12 @@ Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
             operand.type = found->type;
             operand.column = found->natural;
             return operand;
+        }
+        for (const Source& source : level->sources) {
+            const bool isMeantBy = qualifier.empty() || SameName(source.exposedName, qualifier);
+            if (!source.viewSchema.empty() && isMeantBy &&
+                IsServerColumn(source.viewSchema, source.tableName, name))
+                throw MakeError(40510, column.position, {source.tableName + "." + name});
         }
         if (sawQualifier) throw MakeError(207, column.position, {name});
     }

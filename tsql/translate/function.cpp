@@ -2,11 +2,14 @@
 
 #include "tsql/functions/function.h"
 
+#include "automation/object.h"
 #include "text/ascii.h"
 #include "tsql/base/text_units.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
+
+using automation::SameName;
 
 // One call as its type rule sees it.
 class Translator::CallBinding final : public Binding {
@@ -109,6 +112,10 @@ Operand Translator::Function(const FunctionExpr& function, Scope& scope) {
     if (entry == nullptr) {
         if (function.name.parts.size() == 1 && IsServerFunction(name))
             throw MakeError(40510, function.position, {UpperAscii(name)});
+        if (SameName(function.name.Schema(), "sys"))
+            throw MakeError(40510, function.position, {function.name.Text()});
+        if (function.name.parts.size() > 1)
+            throw MakeError(4121, function.position, {function.name.Schema(), function.name.Text()});
         throw MakeError(195, function.position, {function.name.Object(), "built-in function name"});
     }
     CheckCount(*entry, function);

@@ -244,6 +244,7 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         source.exposedName = exposed;
         source.tableName = name;
         source.alias = Quoted(exposed);
+        source.viewSchema = table.name.Schema().empty() ? "dbo" : table.name.Schema();
         for (const ResultColumn& column : view->columns) {
             source.columns.push_back(
                 {column.name, column.type, source.alias + "." + Quoted(column.name), false});

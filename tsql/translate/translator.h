@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tsql/base/error_table.h"
@@ -64,6 +65,7 @@ struct Source {
     const TableInfo* table = nullptr;
     std::string alias;  // quoted
     std::vector<SourceColumn> columns;
+    std::string viewSchema;  // of one of the server's views; empty for anything else
 };
 
 // A column that no text can name: the number of a row in the table behind a query.
@@ -337,7 +339,9 @@ class Translator {
     int windowDepth_ = 0;  // within the arguments of an aggregate or a window function, or within OVER
     bool aggregateAllowed_ = false;
     bool inlineLiterals_ = false;
-    std::string assigning_;       // variables assigned by this SELECT, each between blanks
+    std::string assigning_;  // variables assigned by this SELECT, each between blanks
+    // What the items of its list so far have assigned, for those behind them: each name with its text.
+    std::vector<std::pair<std::string, std::string>> assigned_;
     bool isAlternative_ = false;  // one of several conditions with OR, of which SQLite may make a set
     int aliasNumber_ = 0;
     // What UPDATE or DELETE names, while its FROM is translated, and what is known of a query behind that

@@ -1,3 +1,4 @@
+#include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {
@@ -10,6 +11,7 @@ StatementPtr Parser::ParseAlterTable(Position start) {
         Take();
         alter->withCheck = Take().keyword == Keyword::kCheck;
     }
+    RefuseAlterTable(start);
     switch (Peek().keyword) {
         case Keyword::kAdd:
             ParseAlterTableAdd(*alter);
@@ -22,6 +24,7 @@ StatementPtr Parser::ParseAlterTable(Position start) {
             Expect(Keyword::kColumn);
             alter->action = AlterTableAction::kAlterColumn;
             alter->definition.columns.push_back(ParseColumnDefinition());
+            SkipStorageOptions();
             break;
         case Keyword::kCheck:
         case Keyword::kNocheck:
@@ -52,9 +55,9 @@ void Parser::ParseAlterTableAdd(AlterTableStatement& alter) {
     } while (Accept(Op::kComma));
 }
 
-// DROP COLUMN a, b; DROP [CONSTRAINT] c
+// DROP COLUMN a, b; DROP COLUMN a, COLUMN b; DROP [CONSTRAINT] c [WITH (…)]
 void Parser::ParseAlterTableDrop(AlterTableStatement& alter) {
-    Take();
+    const Position start = Take().position;
     alter.action = AlterTableAction::kDropConstraint;
     if (Accept(Keyword::kColumn)) {
         alter.action = AlterTableAction::kDropColumn;
@@ -65,7 +68,14 @@ void Parser::ParseAlterTableDrop(AlterTableStatement& alter) {
         Expect(Keyword::kExists);
         alter.ifExists = true;
     }
-    alter.names = TakeNames();
+    do {
+        const bool isColumn = alter.action == AlterTableAction::kDropColumn;
+        if (isColumn ? At(Keyword::kConstraint) : At(Keyword::kColumn))
+            throw MakeError(40510, start, {"ALTER TABLE … DROP of columns and constraints"});
+        Accept(isColumn ? Keyword::kColumn : Keyword::kConstraint);
+        alter.names.push_back(TakeName());
+        SkipStorageOptions();
+    } while (Accept(Op::kComma));
 }
 
 }  // namespace vicenter::tsql

@@ -1,5 +1,6 @@
 // CREATE TABLE, and the table definitions of DECLARE @t TABLE.
 
+#include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {
@@ -8,7 +9,9 @@ StatementPtr Parser::ParseCreateTable(Position start) {
     auto create = Make<CreateTableStatement>(start);
     Expect(Keyword::kTable);
     create->table = TakeObjectName();
+    if (At(Keyword::kAs)) throw MakeError(40510, start, {"CREATE TABLE … AS"});
     create->definition = ParseTableDefinition();
+    if (At(Keyword::kAs)) throw MakeError(40510, start, {"CREATE TABLE … AS"});
     SkipStorageOptions();
     return create;
 }
@@ -39,6 +42,7 @@ bool Parser::AtTableConstraint() {
 }
 
 void Parser::ParseTableElement(TableDefinition& definition) {
+    if (At(Keyword::kIndex) || AtPhrase("period for")) RefuseColumnForm("CREATE TABLE");
     if (AtTableConstraint()) {
         definition.constraints.push_back(ParseConstraint(nullptr));
     } else {
@@ -53,6 +57,9 @@ ColumnDefinition Parser::ParseColumnDefinition() {
         column.computedAs = ParseValue();
         column.persisted = AcceptWord("persisted");
     } else {
+        // A timestamp needs no name of its own.
+        if ((At(Op::kComma) || At(Op::kRightParen)) && IsWord(column.name.text, "timestamp"))
+            throw MakeError(40510, column.name.position, {"type timestamp"});
         column.type = TakeType();
     }
     while (ParseColumnOption(column)) {
@@ -96,6 +103,7 @@ bool Parser::ParseColumnOption(ColumnDefinition& column) {
             column.constraints.push_back(ParseConstraint(&column.name));
             return true;
         default:
+            if (!At(Op::kComma) && !At(Op::kRightParen)) RefuseColumnForm("CREATE TABLE");
             return AcceptWord("sparse");
     }
 }
@@ -147,6 +155,7 @@ Constraint Parser::ParseConstraint(const Name* column) {
             Take();
             if (constraint.kind == ConstraintKind::kPrimaryKey) Expect(Keyword::kKey);
             constraint.clustered = AcceptClustered();
+            if (AtWord("hash")) throw MakeError(40510, constraint.position, {"CREATE TABLE … HASH"});
             if (!column || At(Op::kLeftParen)) constraint.columns = ParseIndexColumns();
             SkipStorageOptions();
             break;
@@ -172,6 +181,7 @@ Constraint Parser::ParseConstraint(const Name* column) {
             if (At(Keyword::kWith) && At(Keyword::kValues, 1)) {
                 Take();
                 Take();
+                constraint.withValues = true;
             }
             break;
         case Keyword::kForeign:
@@ -189,6 +199,7 @@ Constraint Parser::ParseConstraint(const Name* column) {
             ParseReferences(constraint);
             break;
         default:
+            RefuseColumnForm("CREATE TABLE");
             Fail();
     }
     return constraint;

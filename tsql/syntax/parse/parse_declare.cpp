@@ -33,7 +33,8 @@ bool IsSwitch(const std::string& option) {
                                                      "showplan_all",
                                                      "showplan_text",
                                                      "showplan_xml",
-                                                     "xact_abort"};
+                                                     "xact_abort",
+                                                     "no_browsetable"};
     return std::find(std::begin(kSwitches), std::end(kSwitches), option) != std::end(kSwitches);
 }
 

@@ -9,6 +9,7 @@ StatementPtr Parser::ParseCreateIndex(Position start) {
     auto create = Make<CreateIndexStatement>(start);
     create->unique = Accept(Keyword::kUnique);
     create->clustered = AcceptClustered();
+    if (AtWord("columnstore")) throw MakeError(40510, start, {"CREATE COLUMNSTORE INDEX"});
     Expect(Keyword::kIndex);
     create->name = TakeName();
     Expect(Keyword::kOn);
@@ -59,6 +60,7 @@ StatementPtr Parser::ParseCreateProcedure(Position start, bool alter, bool creat
     procedure->createOrAlter = createOrAlter;
     Take();
     procedure->name = TakeObjectName();
+    SkipProcedureNumber();
     const bool parentheses = At(Op::kLeftParen);
     if (parentheses) Take();
     if (At(TokenKind::kVariable)) {
@@ -81,6 +83,7 @@ StatementPtr Parser::ParseCreateProcedure(Position start, bool alter, bool creat
     }
     if (Accept(Keyword::kFor)) Expect(Keyword::kReplication);
     Expect(Keyword::kAs);
+    if (At(Keyword::kExternal)) throw MakeError(40510, start, {"CREATE PROCEDURE … EXTERNAL NAME"});
     procedure_ = true;
     nested_ = true;
     procedure->body = ParseStatements();
@@ -149,6 +152,7 @@ StatementPtr Parser::ParseDrop() {
         if (drop->object == DropKind::kIndex && Accept(Keyword::kOn)) {
             drop->onTables.resize(drop->names.size() - 1);
             drop->onTables.push_back(TakeObjectName());
+            SkipStorageOptions();
         }
     } while (Accept(Op::kComma));
     if (!drop->onTables.empty()) drop->onTables.resize(drop->names.size());

@@ -1,5 +1,6 @@
 // DELETE and TRUNCATE TABLE.
 
+#include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {
@@ -14,6 +15,7 @@ StatementPtr Parser::ParseDelete(std::vector<CommonTable> with) {
         const Token variable = Take();
         statement->target.parts.push_back(Name{std::string(variable.text), variable.position, false});
     } else {
+        RefuseRowset();
         statement->target = TakeObjectName();
     }
     if (AtHints()) statement->hints = ParseHints();
@@ -28,6 +30,8 @@ StatementPtr Parser::ParseTruncate() {
     auto truncate = Make<TruncateStatement>(Take().position);
     Expect(Keyword::kTable);
     truncate->table = TakeObjectName();
+    if (At(Keyword::kWith) && At(Op::kLeftParen, 1))
+        throw MakeError(40510, truncate->position, {"TRUNCATE TABLE … WITH"});
     return truncate;
 }
 

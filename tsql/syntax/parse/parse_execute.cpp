@@ -11,7 +11,9 @@ StatementPtr Parser::ParseExecute() {
         Take();
         auto execute = Make<ExecuteTextStatement>(start);
         execute->text = ParseValue();
+        if (At(Op::kComma)) throw MakeError(40510, start, {"EXECUTE … AT"});
         Expect(Op::kRightParen);
+        RefuseCall(start);
         return execute;
     }
     return ParseExecuteCall(start);
@@ -28,7 +30,9 @@ StatementPtr Parser::ParseExecuteCall(Position start) {
         execute->procedureVariable = TakeVariable();
     } else {
         execute->procedure = TakeObjectName();
+        SkipProcedureNumber();
     }
+    RefuseCall(start);
     if (AtExecuteArgument()) {
         int number = 0;
         bool named = false;
@@ -45,6 +49,7 @@ StatementPtr Parser::ParseExecuteCall(Position start) {
         Take();
         execute->withRecompile = true;
     }
+    RefuseCall(start);
     return execute;
 }
 

@@ -5,6 +5,7 @@
 #include "automation/object.h"
 #include "text/ascii.h"
 #include "tsql/base/error_table.h"
+#include "tsql/syntax/ast_children.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {
@@ -156,6 +157,7 @@ StatementPtr Parser::ParseWaitFor() {
 StatementPtr Parser::ParsePrint() {
     auto print = Make<PrintStatement>(Take().position);
     print->text = ParseValue();
+    if (HoldsQuery(*print->text)) throw MakeError(1046, print->text->position);
     return print;
 }
 

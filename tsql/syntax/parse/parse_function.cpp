@@ -93,7 +93,10 @@ ExprPtr Parser::ParseCall(ObjectName name) {
         }
         do {
             function->arguments.push_back(ParseValue());
+            // DISTINCT takes one value.
+            if (function->distinct && !At(Op::kRightParen)) Fail();
         } while (Accept(Op::kComma));
+        RefuseTrim(*function);
     }
     Expect(Op::kRightParen);
     if (AtWord("within") && At(Keyword::kGroup, 1)) {

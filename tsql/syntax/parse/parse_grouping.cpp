@@ -17,6 +17,7 @@ bool IsPlain(const GroupingItem& item) {
 void Parser::ParseGroupBy(SelectBody& select) {
     const Position start = Expect(Keyword::kGroup).position;
     Expect(Keyword::kBy);
+    if (At(Keyword::kAll)) throw MakeError(40510, start, {"GROUP BY ALL"});
     std::vector<GroupingItem> items;
     do {
         items.push_back(ParseGroupingItem());

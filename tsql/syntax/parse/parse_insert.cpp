@@ -13,6 +13,7 @@ StatementPtr Parser::ParseInsert(std::vector<CommonTable> with) {
         const Token variable = Take();
         insert->table.parts.push_back(Name{std::string(variable.text), variable.position, false});
     } else {
+        RefuseRowset();
         insert->table = TakeObjectName();
     }
     if (At(Keyword::kWith) && At(Op::kLeftParen, 1)) insert->hints = ParseHints();

@@ -36,6 +36,39 @@ constexpr std::string_view kStatements[] = {"backup",      "bulk",
                                             "disable",     "send",
                                             "receive",     "get",
                                             "move",        "end_conversation"};
+// Statements that only several words tell from others.
+constexpr std::string_view kPhrases[] = {
+    "add counter signature",
+    "add sensitivity classification",
+    "add signature",
+    "begin atomic with",
+    "begin conversation timer",
+    "begin dialog",
+    "begin distributed",
+    "close all symmetric",
+    "close master key",
+    "close symmetric key",
+    "drop sensitivity classification",
+    "end conversation",
+    "exec as",
+    "execute as",
+    "insert bulk",
+    "open master key",
+    "open symmetric key",
+    "set fips_flagger",
+    "set offsets",
+    "update statistics",
+    "with xmlnamespaces",
+};
+// What ALTER TABLE … does besides: the word behind the table's name.
+constexpr std::string_view kTableActions[] = {
+    "disable", "enable", "filetable_namespace", "merge", "rebuild", "set", "split", "switch"};
+// What a column of a table may be besides, and what may stand in the place of a column.
+constexpr std::string_view kColumnForms[] = {"column_set", "encrypted", "filestream", "generated",
+                                             "hidden",     "index",     "masked"};
+// Calls whose arguments have a grammar of their own.
+constexpr std::string_view kOwnGrammar[] = {"json_array",     "json_arrayagg", "json_object",
+                                            "json_objectagg", "parse",         "try_parse"};
 // What CREATE, ALTER and DROP may name besides tables, indexes, views and procedures.
 constexpr std::string_view kObjects[] = {
     "aggregate",    "application", "assembly",   "asymmetric", "availability",  "broker",
@@ -47,9 +80,21 @@ constexpr std::string_view kObjects[] = {
     "signature",    "spatial",     "statistics", "symmetric",  "synonym",       "trigger",
     "type",         "user",        "workload",   "xml",        "primary",       "columnstore",
     "authorization"};
-constexpr std::string_view kRowsets[] = {
-    "containstable", "freetexttable", "opendatasource", "openquery",   "openrowset",
-    "openxml",       "openjson",      "predict",        "changetable", "semantickeyphrasetable"};
+constexpr std::string_view kRowsets[] = {"containstable",
+                                         "freetexttable",
+                                         "opendatasource",
+                                         "openquery",
+                                         "openrowset",
+                                         "openxml",
+                                         "openjson",
+                                         "predict",
+                                         "changetable",
+                                         "semantickeyphrasetable",
+                                         "generate_series",
+                                         "regexp_matches",
+                                         "regexp_split_to_table",
+                                         "semanticsimilaritydetailstable",
+                                         "semanticsimilaritytable"};
 constexpr std::string_view kPseudoColumns[] = {"$action",  "$cuid",      "$edge_id", "$from_id",
                                                "$node_id", "$partition", "$rowguid", "$to_id"};
 constexpr std::string_view kForms[] = {"xml", "json", "browse"};
@@ -65,10 +110,44 @@ void Parser::RefuseStatement() {
     if (AtBrace("{")) Refuse(token.position, "{call }");
     if (token.kind != TokenKind::kIdentifier) return;
     if (At(Keyword::kBegin) && At(Keyword::kDistributed, 1)) Refuse(token.position, "BEGIN DISTRIBUTED TRAN");
-    if (At(Keyword::kUpdate) && At(Keyword::kStatistics, 1)) Refuse(token.position, "UPDATE STATISTICS");
+    for (const std::string_view phrase : kPhrases) {
+        if (AtPhrase(phrase)) Refuse(token.position, Upper(phrase));
+    }
+    if (At(Keyword::kWaitfor) && At(Op::kLeftParen, 1)) Refuse(token.position, "WAITFOR (…)");
     const bool followed = Peek(1).kind == TokenKind::kIdentifier || AtName(1) || At(Op::kLeftParen, 1) ||
                           token.keyword != Keyword::kNone;
     if (followed && IsOneOf(token.text, kStatements)) Refuse(token.position, Upper(token.text));
+}
+
+bool Parser::AtPhrase(std::string_view phrase) {
+    for (std::size_t n = 0; !phrase.empty(); ++n) {
+        const std::string_view word = phrase.substr(0, phrase.find(' '));
+        const Token& token = Peek(n);
+        if (token.kind != TokenKind::kIdentifier || !IsWord(token.text, word)) return false;
+        phrase.remove_prefix(std::min(word.size() + 1, phrase.size()));
+    }
+    return true;
+}
+
+void Parser::RefuseAlterTable(Position start) {
+    const Token& token = Peek();
+    if (token.kind == TokenKind::kIdentifier && IsOneOf(token.text, kTableActions))
+        Refuse(start, "ALTER TABLE … " + Upper(token.text));
+    const bool adds = At(Keyword::kAdd) || At(Keyword::kDrop);
+    if (adds && AtPhrase((At(Keyword::kAdd) ? "add" : "drop") + std::string(" period for")))
+        Refuse(start, "ALTER TABLE … " + Upper(token.text) + " PERIOD");
+    const bool column = At(Keyword::kAlter) && At(Keyword::kColumn, 1) && AtName(2);
+    if (column && (At(Keyword::kAdd, 3) || At(Keyword::kDrop, 3)))
+        Refuse(start, "ALTER TABLE … ALTER COLUMN … " + Upper(Peek(3).text));
+}
+
+void Parser::RefuseColumnForm(std::string_view statement) {
+    const Token& token = Peek();
+    if (AtPhrase("period for system_time")) Refuse(token.position, std::string(statement) + " … PERIOD");
+    if (AtWord("connection") && At(Op::kLeftParen, 1))
+        Refuse(token.position, std::string(statement) + " … CONNECTION");
+    if (token.kind == TokenKind::kIdentifier && IsOneOf(token.text, kColumnForms))
+        Refuse(token.position, std::string(statement) + " … " + Upper(token.text));
 }
 
 void Parser::RefuseObject(Position start, std::string_view verb) {
@@ -81,8 +160,34 @@ void Parser::RefuseObject(Position start, std::string_view verb) {
 
 void Parser::RefuseRowset() {
     const Token& token = Peek();
-    if (token.kind == TokenKind::kIdentifier && At(Op::kLeftParen, 1) && IsOneOf(token.text, kRowsets))
-        Refuse(token.position, Upper(token.text));
+    // ::fn_helpcollations(), as it was written before there was a schema for it
+    if (At(Op::kColon) && At(Op::kColon, 1) && AtName(2))
+        Refuse(token.position, "::" + std::string(Peek(2).text));
+    if (token.kind != TokenKind::kIdentifier) return;
+    if (AtWord("sys") && At(Op::kDot, 1) && At(Op::kLeftParen, 3))
+        Refuse(token.position, "sys." + std::string(Peek(2).text));
+    if (!At(Op::kLeftParen, 1)) return;
+    const bool isOfServer = text::LowerAscii(token.text).starts_with("fn_") || IsOneOf(token.text, kRowsets);
+    if (isOfServer) Refuse(token.position, Upper(token.text));
+}
+
+// TRIM(characters FROM text)
+void Parser::RefuseTrim(const FunctionExpr& call) {
+    if (At(Keyword::kFrom) && IsWord(call.name.Object(), "trim")) Refuse(call.position, "TRIM … FROM");
+}
+
+void Parser::RefuseCall(Position start) {
+    if (At(Keyword::kWith) && AtWord("result", 1)) Refuse(start, "EXECUTE … WITH RESULT SETS");
+    if (At(Keyword::kAs) && (At(Keyword::kUser, 1) || AtWord("login", 1))) Refuse(start, "EXECUTE … AS");
+    if (AtWord("at")) Refuse(start, "EXECUTE … AT");
+}
+
+// p;1 is the procedure itself; others of its number there are not.
+void Parser::SkipProcedureNumber() {
+    if (!At(Op::kSemicolon) || !At(TokenKind::kInteger, 1)) return;
+    if (Peek(1).text != "1") Refuse(Peek().position, "numbered procedures");
+    Take();
+    Take();
 }
 
 void Parser::RefuseBehindSource() {
@@ -100,6 +205,7 @@ void Parser::RefuseBehindQuery() {
 }
 
 void Parser::RefusePredicate() {
+    if (AtWord("match") && At(Op::kLeftParen, 1)) Refuse(Peek().position, "MATCH");
     if (At(Keyword::kContains) || At(Keyword::kFreetext) || At(Keyword::kTsequal))
         Refuse(Peek().position, Upper(Peek().text));
     if (At(Keyword::kUpdate) && At(Op::kLeftParen, 1)) Refuse(Peek().position, "UPDATE()");
@@ -114,8 +220,12 @@ void Parser::RefuseValue() {
     const Token& token = Peek();
     if (AtWord("next") && AtWord("value", 1) && At(Keyword::kFor, 2))
         Refuse(token.position, "NEXT VALUE FOR");
-    if ((AtWord("parse") || AtWord("try_parse")) && At(Op::kLeftParen, 1))
+    if (token.kind == TokenKind::kIdentifier && At(Op::kLeftParen, 1) && IsOneOf(token.text, kOwnGrammar))
         Refuse(token.position, Upper(token.text));
+    if (At(Keyword::kCurrentDate) || At(Keyword::kOpendatasource)) Refuse(token.position, Upper(token.text));
+    const bool hasSide = AtWord("leading", 2) || AtWord("trailing", 2) || AtWord("both", 2);
+    if (AtWord("trim") && At(Op::kLeftParen, 1) && hasSide && !At(Op::kRightParen, 3) && !At(Op::kComma, 3))
+        Refuse(token.position, "TRIM … FROM");
 }
 
 // Of the columns that have a sign instead of a name there is the identity column alone.
@@ -127,8 +237,9 @@ void Parser::RefusePseudoColumn() {
     throw MakeError(126, token.position, {token.text});
 }
 
-// IGNORE NULLS and RESPECT NULLS behind a window function.
+// OVER w names a window; IGNORE NULLS and RESPECT NULLS stand behind a window function.
 void Parser::RefuseBehindCall() {
+    if (At(Keyword::kOver) && AtName(1)) Refuse(Peek().position, "WINDOW");
     if ((AtWord("ignore") || AtWord("respect")) && AtWord("nulls", 1))
         Refuse(Peek().position, Upper(Peek().text) + " NULLS");
 }

@@ -97,6 +97,8 @@ QueryBodyPtr Parser::ParseSelectBody(QueryPlace place) {
         if (place != QueryPlace::kStatement) Fail();
         Take();
         select->into = TakeObjectName();
+        // ON filegroup
+        if (Accept(Keyword::kOn) && !Accept(Keyword::kPrimary)) TakeName();
     }
     if (At(Keyword::kFrom)) select->from = ParseFrom();
     if (Accept(Keyword::kWhere)) select->where = ParseCondition();
@@ -274,6 +276,11 @@ std::vector<std::string> Parser::ParseOptionClause() {
     do {
         std::string words;
         while (!At(Op::kComma) && !At(Op::kRightParen)) {
+            // USE HINT ('…'), TABLE HINT (t, …), OPTIMIZE FOR (@v = 1): how the server shall do it
+            if (!words.empty() && At(Op::kLeftParen)) {
+                SkipParentheses();
+                continue;
+            }
             if (!At(TokenKind::kIdentifier) && !At(TokenKind::kInteger)) Fail();
             if (!words.empty()) words += ' ';
             words += text::LowerAscii(Take().text);

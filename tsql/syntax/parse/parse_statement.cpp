@@ -27,6 +27,7 @@ std::vector<StatementPtr> Parser::ParseStatements() {
     std::vector<StatementPtr> statements;
     for (;;) {
         SkipSemicolons();
+        if (AtPhrase("end conversation")) RefuseStatement();
         if (AtEnd() || At(Keyword::kEnd)) return statements;
         statements.push_back(ParseStatement());
         first_ = false;
@@ -185,6 +186,7 @@ StatementPtr Parser::ParseNoOperation() {
     auto statement = Make<NoOperationStatement>(verb.position);
     statement->verb = verb.keyword == Keyword::kUse ? "use" : "checkpoint";
     if (verb.keyword == Keyword::kUse) TakeName();
+    if (verb.keyword == Keyword::kCheckpoint) Accept(TokenKind::kInteger);  // seconds
     const std::uint32_t from = verb.position.offset;
     statement->text = std::string(lexer_.Text().substr(from, previous_.EndOffset() - from));
     return statement;
@@ -212,6 +214,7 @@ StatementPtr Parser::ParseGrant() {
         Expect(Keyword::kOption);
     }
     Accept(Keyword::kCascade);
+    if (Accept(Keyword::kAs)) TakeName();
     const std::uint32_t from = verb.position.offset;
     statement->text = std::string(lexer_.Text().substr(from, previous_.EndOffset() - from));
     return statement;

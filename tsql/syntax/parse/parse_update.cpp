@@ -1,3 +1,4 @@
+#include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
 namespace vicenter::tsql {
@@ -11,6 +12,7 @@ StatementPtr Parser::ParseUpdate(std::vector<CommonTable> with) {
         const Token variable = Take();
         update->target.parts.push_back(Name{std::string(variable.text), variable.position, false});
     } else {
+        RefuseRowset();
         update->target = TakeObjectName();
     }
     if (AtHints()) update->hints = ParseHints();
@@ -43,6 +45,9 @@ Assignment Parser::ParseAssignment() {
     } else {
         assignment.column = TakeObjectName();
     }
+    // column.WRITE(text, from, length)
+    if (At(Op::kLeftParen) && !assignment.column.IsEmpty() && IsWord(assignment.column.Object(), "write"))
+        throw MakeError(40510, assignment.position, {"UPDATE … .WRITE"});
     const std::optional<AssignOp> op = AssignmentAhead(0);
     if (!op) Fail();
     Take();

@@ -113,7 +113,13 @@ class Parser {
     StatementPtr ParseWith();
 
     // ---- what there is on the server alone (parse_refusal.cpp): each throws 40510 where it stands
+    bool AtPhrase(std::string_view phrase);  // these words, reserved or not
     void RefuseStatement();
+    void RefuseAlterTable(Position start);
+    void RefuseColumnForm(std::string_view statement);
+    void RefuseTrim(const FunctionExpr& call);
+    void RefuseCall(Position start);
+    void SkipProcedureNumber();
     void RefuseObject(Position start, std::string_view verb);
     void RefuseRowset();
     void RefuseBehindSource();

@@ -38,9 +38,11 @@ void Printer::Put(const Constraint& constraint, bool ofColumn) {
         case ConstraintKind::kDefault:
             Text("default ");
             Put(*constraint.expression);
-            if (ofColumn) break;
-            Text(" for ");
-            Put(constraint.columns.front().name);
+            if (!ofColumn) {
+                Text(" for ");
+                Put(constraint.columns.front().name);
+            }
+            if (constraint.withValues) Text(" with values");
             break;
         case ConstraintKind::kForeignKey: {
             Text("foreign key");
