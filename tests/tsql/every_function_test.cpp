@@ -68,37 +68,15 @@ TEST_F(EveryFunctionTest, StandsInTheListOnce) {
 
 TEST_F(EveryFunctionTest, GivesNullForNull) {
     // Those that say something of NULL, or of no argument at all.
-    const std::set<std::string_view> others = {"app_name",
-                                               "concat",
-                                               "concat_ws",
-                                               "count",
-                                               "count_big",
-                                               "cume_dist",
-                                               "current_timestamp",
-                                               "ntile",
-                                               "percent_rank",
-                                               "current_user",
-                                               "db_id",
-                                               "db_name",
-                                               "dense_rank",
-                                               "getdate",
-                                               "getutcdate",
-                                               "host_name",
-                                               "isdate",
-                                               "isnumeric",
-                                               "newid",
-                                               "pi",
-                                               "rand",
-                                               "rank",
-                                               "row_number",
-                                               "schema_name",
-                                               "session_user",
-                                               "suser_sname",
-                                               "sysdatetime",
-                                               "system_user",
-                                               "user",
-                                               "user_name",
-                                               "xact_state"};
+    const std::set<std::string_view> others = {
+        "app_name",    "coalesce",     "concat",       "concat_ws",
+        "count",       "count_big",    "cume_dist",    "current_timestamp",
+        "ntile",       "percent_rank", "current_user", "db_id",
+        "db_name",     "dense_rank",   "getdate",      "getutcdate",
+        "host_name",   "isdate",       "isnumeric",    "newid",
+        "pi",          "rand",         "rank",         "row_number",
+        "schema_name", "session_user", "suser_sname",  "sysdatetime",
+        "system_user", "user",         "user_name",    "xact_state"};
     ForEveryCall([&](const FunctionEntry& entry, std::size_t count) {
         const std::string sql = Call(entry, count, "null");
         const std::string answer = Answer(sql);

@@ -30,6 +30,7 @@ Bound BindCoalesce(Binding& call) {
         call.Pin(i);
         type = CommonType(type, call.Type(i));
     }
+    if (type.IsUnknown()) throw MakeError(4127, call.Where(), {"COALESCE"});
     std::string sql;
     for (std::size_t i = 0; i < call.Count(); ++i)
         sql += (i == 0 ? "" : ", ") + call.As(i, type);

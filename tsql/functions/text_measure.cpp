@@ -83,7 +83,10 @@ void AsciiFunction(FunctionCall& call) {
 void NCharFunction(FunctionCall& call) {
     if (call.IsNull(0)) return;
     const std::int64_t number = call.Int(0);
-    if (number < 0 || number > 0x10FFFF || (number >= 0xD800 && number < 0xE000)) return;
+    // Texts are kept as characters: half of one there is not.
+    if (number >= 0xD800 && number < 0xE000)
+        throw MakeError(40510, {}, {"NCHAR(" + std::to_string(number) + ")"});
+    if (number < 0 || number > 0x10FFFF) return;
     const auto code = static_cast<std::uint32_t>(number);
     std::string text;
     text::AppendUtf8(text, code);

@@ -4,6 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/error_table.h"
+#include "tsql/syntax/lexer.h"
 
 namespace vicenter::tsql::engine {
 
@@ -37,7 +38,39 @@ bool SameColumns(const std::vector<std::string>& a, const std::vector<std::strin
     return true;
 }
 
+// The only column that the condition names; empty when there are several, or none.
+std::string OnlyColumn(const TableInfo& table, const std::string& condition) {
+    std::string only;
+    Lexer lexer(condition);
+    for (Token token = lexer.Next(); token.kind != TokenKind::kEnd; token = lexer.Next()) {
+        const bool isName =
+            token.kind == TokenKind::kIdentifier || token.kind == TokenKind::kQuotedIdentifier;
+        const ColumnInfo* column = isName ? table.FindColumn(TokenValue(token)) : nullptr;
+        if (column == nullptr || column->name == only) continue;
+        if (!only.empty()) return {};
+        only = column->name;
+    }
+    return only;
+}
+
+// A table variable bears a number before its own name.
+std::string ShownName(const TableInfo& table) {
+    if (table.name.front() != '@') return table.FullName();
+    return "dbo." + table.name.substr(table.name.find('@', 1));
+}
+
 }  // namespace
+
+SqlError CheckError(std::string_view operation, const TableInfo& table, std::string_view check) {
+    std::string column;
+    for (const CheckInfo& entry : table.checks) {
+        if (SameName(entry.name, check)) column = OnlyColumn(table, entry.text);
+    }
+    const bool single = !column.empty();
+    return MakeError(547, {},
+                     {operation, "CHECK", check, "accountset", ShownName(table), single ? ", column '" : "",
+                      column, single ? "'" : ""});
+}
 
 SqlError ForeignKeyError(std::string_view operation, const ForeignKeyInfo& key) {
     const bool single = key.referencedColumns.size() == 1;
@@ -67,16 +100,16 @@ SqlError ConstraintError(const Catalog& catalog, const FunctionServices& service
             }
             values += ")";
             if (key.kind == KeyKind::kUniqueIndex)
-                return MakeError(2601, {}, {table->FullName(), key.name, values});
+                return MakeError(2601, {}, {ShownName(*table), key.name, values});
             const char* word = key.kind == KeyKind::kPrimary ? "PRIMARY KEY" : "UNIQUE KEY";
-            return MakeError(2627, {}, {word, key.name, table->FullName(), values});
+            return MakeError(2627, {}, {word, key.name, ShownName(*table), values});
         }
         return MakeError(2601, {}, {table->FullName(), text, "()"});
     }
     if (kind == FailureKind::kCheck) {
         const std::size_t colon = text.find(": ");
         const std::string name = colon == std::string::npos ? text : text.substr(colon + 2);
-        return MakeError(547, {}, {operation, "CHECK", name, "accountset", table->FullName(), "", "", ""});
+        return CheckError(operation, *table, name);
     }
     if (kind == FailureKind::kForeignKey) {
         if (operation != "DELETE" && !table->foreignKeys.empty()) {

@@ -19,4 +19,7 @@ SqlError ConstraintError(const Catalog& catalog, const FunctionServices& service
 // A row of the table refers to nothing.
 SqlError ForeignKeyError(std::string_view operation, const ForeignKeyInfo& key);
 
+// A row that a CHECK of the table does not let in.
+SqlError CheckError(std::string_view operation, const TableInfo& table, std::string_view check);
+
 }  // namespace vicenter::tsql::engine

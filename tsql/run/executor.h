@@ -232,6 +232,7 @@ class Executor {
     void Execute(const ExecuteStatement& statement);
     void ExecuteText(const ExecuteTextStatement& statement);
     void ExecuteSql(const ExecuteStatement& statement);
+    void ExecuteAlone(const ExecuteStatement& statement, const std::string& text);
     void CallProcedure(const ExecuteStatement& statement, const std::string& name);
     void CallSystemProcedure(const SystemProcedure& system, const ExecuteStatement& statement);
     // The work of sp_rename and sp_spaceused, whose arguments are the frame's variables.
@@ -241,6 +242,7 @@ class Executor {
     std::int64_t NumberOf(const std::string& sql, std::string_view name);
     void BindArguments(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
                        std::size_t firstArgument, Frame& callee);
+    void CheckTransactionCount(int before, const ExecuteStatement& statement, const Frame& callee);
     void RunProcedure(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
                       std::size_t firstArgument, Frame& callee);
     void Transaction(const TransactionStatement& statement) { transactions_.Run(statement); }

@@ -18,6 +18,8 @@ bool Plan::IsCurrent(const Catalog& catalog, const SetOptions& options) const {
     if (generation != catalog.Generation()) return false;
     // Without the option the translation would have ended in error 544.
     if (translation.givesIdentity && !SameName(options.identityInsert, translation.table)) return false;
+    // And with it in error 545.
+    if (translation.usesIdentity && SameName(options.identityInsert, translation.table)) return false;
     for (const auto& [name, id] : translation.temporaries) {
         const TableInfo* table = catalog.FindTable(name);
         if (table == nullptr || table->id != id) return false;

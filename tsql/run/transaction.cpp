@@ -158,6 +158,7 @@ void Transactions::Run(const TransactionStatement& statement) {
                 catalog_.EndSnapshot();
                 Begin();
             }
+            if (count_ == 0) name_ = statement.name.text;
             ++count_;
             break;
         case TransactionAction::kCommit:
@@ -183,6 +184,10 @@ void Transactions::Run(const TransactionStatement& statement) {
                 }
             }
             if (count_ == 0) throw MakeError(3903, statement.position);
+            // By its name the outermost transaction alone is undone. A variable's value is not known here.
+            if (!statement.name.IsEmpty() && statement.name.text != name_ &&
+                !statement.name.text.starts_with('@') && !name_.starts_with('@'))
+                throw MakeError(6401, statement.position, {statement.name.text});
             KeepingVariables([&] { Rollback(); });
             break;
         }

@@ -70,6 +70,7 @@ class Transactions {
     const bool batchIsUnit_;
     const bool readOnly_;
     int count_ = 0;
+    std::string name_;  // of the outermost
     bool open_ = false;
     bool batchMayWrite_ = false;
     bool onlyTemporary_ = false;  // the open transaction has no lock yet

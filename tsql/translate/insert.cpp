@@ -10,6 +10,13 @@ namespace {
 
 constexpr const char* kInsert = "INSERT";
 
+// Values without a list of columns: one too many is meant for the identity column.
+[[noreturn]] void FailCount(const TableInfo& table, std::size_t values, std::size_t columns, Position where) {
+    if (values == columns + 1 && table.IdentityColumn() != nullptr)
+        throw MakeError(8101, where, {table.name});
+    throw MakeError(213, where);
+}
+
 }  // namespace
 
 std::vector<const ColumnInfo*> Translator::TargetColumns(const TableInfo& table,
@@ -63,6 +70,7 @@ void Translator::AddDefaults(const TableInfo& table, std::vector<const ColumnInf
         if (present) continue;
         if (column.identity) {
             // Asked of the session row by row, so that rows of a query are numbered in their order.
+            if (context_.TakesIdentity(table)) throw MakeError(545, {}, {table.name});
             translation_.usesIdentity = true;
             columns.push_back(&column);
             const Operand next = Computed(kNextIdentityCall.Call({}), SqlType::Of(TypeKind::kBigInt));
@@ -101,7 +109,7 @@ Translation Translator::Insert(const InsertStatement& statement) {
     Scope scope;
     for (const auto& row : statement.rows) {
         if (row.size() != given) {
-            if (statement.columns.empty()) throw MakeError(213, statement.position);
+            if (statement.columns.empty()) FailCount(table, row.size(), given, statement.position);
             throw MakeError(row.size() < given ? 109 : 110, statement.position);
         }
         std::string values;
@@ -137,7 +145,7 @@ Translation Translator::InsertRow(const TableInfo& table, const std::vector<Name
                                   const std::vector<SqlType>& types) {
     Begin(table, kInsert);
     std::vector<const ColumnInfo*> columns = TargetColumns(table, names);
-    if (types.size() != columns.size()) throw MakeError(213, Position{});
+    if (types.size() != columns.size()) FailCount(table, types.size(), columns.size(), Position{});
     // Parameters without a value of their own: each run hands a row in.
     std::vector<std::string> values;
     for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -162,7 +170,7 @@ Translation Translator::InsertQuery(const TableInfo& table, const std::vector<Na
     // are.
     const QueryText rows = QueryOf(query, nullptr, true);
     if (rows.columns.size() != columns.size()) {
-        if (names.empty()) throw MakeError(213, query.position);
+        if (names.empty()) FailCount(table, rows.columns.size(), columns.size(), query.position);
         throw MakeError(rows.columns.size() < columns.size() ? 120 : 121, query.position);
     }
     std::vector<std::string> values;

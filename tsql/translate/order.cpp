@@ -75,8 +75,11 @@ std::string Translator::OrderKey(const OrderItem& item, const Query& query, cons
     // The name of a result comes before the name of a column.
     if (const auto* column = TryAs<ColumnExpr>(item.expression.get());
         column != nullptr && column->name.parts.size() == 1) {
+        const auto isNamed = [&](const std::string& name) { return SameName(name, column->name.Object()); };
+        if (std::count_if(parts.names.begin(), parts.names.end(), isNamed) > 1)
+            throw MakeError(209, column->position, {column->name.Object()});
         for (std::size_t i = 0; i < parts.items.size(); ++i) {
-            if (!SameName(parts.names[i], column->name.Object())) continue;
+            if (!isNamed(parts.names[i])) continue;
             const bool alias =
                 isSet || (i < select.items.size() && !select.items[i].alias.IsEmpty()) || select.distinct;
             if (alias) return ofList(i);
@@ -100,8 +103,9 @@ std::string Translator::OrderBy(const Query& query, const SelectBody& select, Sc
 std::string Translator::RowCount(const Expr& expression, Scope& scope, RowLimit limit) {
     const Operand count = Value(expression, scope);
     std::string sql = RenderAs(count, SqlType::Of(TypeKind::kBigInt));
-    if (count.literal != nullptr && count.literal->literal == LiteralKind::kInteger &&
-        limit == RowLimit::kTop)
+    // TOP (-1) has a sign before its literal.
+    const auto* literal = TryAs<LiteralExpr>(&expression);
+    if (literal != nullptr && literal->literal == LiteralKind::kInteger && limit == RowLimit::kTop)
         return sql;
     return kRowCountCall.Call({sql, std::to_string(static_cast<int>(limit))});
 }

@@ -13,6 +13,8 @@ using automation::SameName;
 
 namespace {
 
+constexpr std::size_t kLongestAssigned = 100'000;
+
 // The identity column that $identity stands for.
 std::string IdentityName(const ColumnExpr& column, const Scope& scope) {
     for (const Source& source : scope.sources) {
@@ -134,12 +136,15 @@ void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& part
         const auto type = context_.VariableType(name);
         if (!type) throw MakeError(137, item.position, {item.variable});
         if (item.assign != AssignOp::kSet) {
-            const Operand current = Computed(kVariableCall.Call({QuotedText(name), Code(*type)}), *type);
+            const Operand current = Variable(VariableExpr(item.position, item.variable));
             operand = Binary(static_cast<BinaryOp>(static_cast<int>(item.assign) - 1), item.position, current,
                              operand);
         }
         const std::string text = RenderAs(operand, *type);
+        // Each may double what stands before it.
+        if (text.size() > kLongestAssigned) throw MakeError(8623, item.position);
         operand = Computed(text, *type);
+        assigned_.emplace_back(name, text);
         parts.assignments.push_back({name, AssignOp::kSet});
     }
     parts.items.push_back(std::move(operand));
@@ -170,6 +175,7 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     SelectParts parts;
     const bool wantsRow = std::exchange(changed_.wantsRow, false);
     const std::string assigningOutside = assigning_;
+    const std::size_t assignedOutside = assigned_.size();
     for (const SelectItem& item : select.items) {
         if (item.kind == SelectItemKind::kAssignment) assigning_ += " " + LowerAscii(item.variable) + " ";
     }
@@ -237,6 +243,7 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
         parts.singleRow = true;
     }
     assigning_ = assigningOutside;
+    assigned_.resize(assignedOutside);
     return parts;
 }
 

@@ -20,6 +20,15 @@ const Source* FindTarget(const ObjectName& target, const Scope& scope) {
     return nullptr;
 }
 
+// Its rows are made of several of the table's.
+bool IsDistinctOrGrouped(const SelectBody& select) {
+    bool aggregates = false;
+    for (const SelectItem& item : select.items)
+        aggregates = aggregates || (item.expression && HasAggregate(*item.expression));
+    return aggregates || select.distinct || !select.groupBy.empty() || !select.grouping.empty() ||
+           select.having != nullptr;
+}
+
 }  // namespace
 
 void Translator::Begin(const TableInfo& table, const char* operation) {
@@ -34,7 +43,9 @@ void Translator::Begin(const TableInfo& table, const char* operation) {
 // the table itself.
 void Translator::RefuseView(const ObjectName& name, const Query& query) {
     const SelectBody* select = query.Select();
-    const bool plain = select != nullptr && !select->distinct && select->groupBy.empty() && !select->having;
+    if (select != nullptr && IsDistinctOrGrouped(*select))
+        throw MakeError(4403, name.Where(), {name.Object()});
+    const bool plain = select != nullptr;
     const bool single = plain && select->from.size() == 1 && select->from.front()->kind == SourceKind::kTable;
     if (plain && !single && !select->from.empty()) throw MakeError(4405, name.Where(), {name.Object()});
     bool derived = !single;
@@ -100,9 +111,9 @@ bool Translator::IsChanged(const std::string& exposed) const {
 QueryText Translator::ChangedQuery(const Query& query, const std::string& exposed,
                                    const std::vector<Name>& columns) {
     const SelectBody* select = query.Select();
-    const bool plain = select != nullptr && !select->distinct && select->groupBy.empty() &&
-                       select->grouping.empty() && !select->having && select->from.size() == 1 &&
-                       select->from.front()->kind == SourceKind::kTable;
+    if (select != nullptr && IsDistinctOrGrouped(*select)) throw MakeError(4403, query.position, {exposed});
+    const bool plain =
+        select != nullptr && select->from.size() == 1 && select->from.front()->kind == SourceKind::kTable;
     if (!plain) throw MakeError(40510, query.position, {"UPDATE and DELETE of query " + exposed});
     changed_.wantsRow = true;
     QueryText text = QueryOf(query, nullptr, false);
@@ -131,8 +142,7 @@ void Translator::AddRowNumber(const SelectBody& select, const Scope& scope, Sele
 
 Translation Translator::CursorQuery(const Query& query) {
     const SelectBody* select = query.Select();
-    const bool plain = select != nullptr && !select->distinct && select->groupBy.empty() &&
-                       select->grouping.empty() && !select->having && select->from.size() == 1 &&
+    const bool plain = select != nullptr && !IsDistinctOrGrouped(*select) && select->from.size() == 1 &&
                        select->from.front()->kind == SourceKind::kTable;
     if (!plain) return Select(query);
     changed_.isCursor = true;

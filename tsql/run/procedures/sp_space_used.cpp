@@ -47,11 +47,10 @@ void Executor::SpaceUsed() {
         std::vector<Value> whole{Value(std::string("accountset")), Megabytes(pages * page),
                                  Megabytes(left * page)};
         sink_->AddRow(whole);
-        const std::string sum =
-            "SELECT ifnull(sum(pgsize), 0) FROM dbstat('main', 1) WHERE name IN (SELECT name FROM "
-            "sqlite_schema "
-            "WHERE type = ";
-        const std::int64_t indexes = NumberOf(sum + "'index')", {});
+        const std::int64_t indexes = NumberOf(
+            "SELECT ifnull(sum(pgsize - unused), 0) FROM dbstat('main', 1) WHERE name IN (SELECT name "
+            "FROM sqlite_schema WHERE type = 'index')",
+            {});
         const std::int64_t unused = NumberOf("SELECT ifnull(sum(unused), 0) FROM dbstat('main', 1)", {});
         const std::int64_t reserved = (pages - left) * page;
         sink_->BeginResult({{"reserved", size}, {"data", size}, {"index_size", size}, {"unused", size}});
@@ -68,8 +67,9 @@ void Executor::SpaceUsed() {
     const std::string of = " FROM dbstat('main', 1) WHERE name ";
     const std::string indexesOf =
         "IN (SELECT name FROM sqlite_schema WHERE type = 'index' AND tbl_name = ?1)";
-    const std::int64_t data = NumberOf("SELECT ifnull(sum(pgsize), 0)" + of + "= ?1", table.physical);
-    const std::int64_t indexes = NumberOf("SELECT ifnull(sum(pgsize), 0)" + of + indexesOf, table.physical);
+    const std::string used = "SELECT ifnull(sum(pgsize - unused), 0)" + of;
+    const std::int64_t data = NumberOf(used + "= ?1", table.physical);
+    const std::int64_t indexes = NumberOf(used + indexesOf, table.physical);
     const std::int64_t unused =
         NumberOf("SELECT ifnull(sum(unused), 0)" + of + "= ?1 OR name " + indexesOf, table.physical);
     sink_->BeginResult({{"name", name},
@@ -81,8 +81,8 @@ void Executor::SpaceUsed() {
     std::string count = std::to_string(rows);
     constexpr std::size_t kWide = 20;
     count.resize(kWide, ' ');
-    std::vector<Value> row{Value(table.name),        Value(count),       Kilobytes(data + indexes),
-                           Kilobytes(data - unused), Kilobytes(indexes), Kilobytes(unused)};
+    std::vector<Value> row{Value(table.name), Value(count),       Kilobytes(data + indexes + unused),
+                           Kilobytes(data),   Kilobytes(indexes), Kilobytes(unused)};
     sink_->AddRow(row);
 }
 

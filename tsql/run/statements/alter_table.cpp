@@ -70,9 +70,11 @@ void Executor::CheckRows(const TableInfo& table, const TableInfo& before, Positi
         const CheckInfo& check = table.checks[i];
         PreparedStatement broken =
             database_.Prepare("SELECT 1 FROM " + table.Sql() + " WHERE NOT (" + check.sqlText + ") LIMIT 1");
-        if (database_.Step(broken))
-            throw MakeError(547, where,
-                            {"ALTER TABLE", "CHECK", check.name, "accountset", table.FullName(), "", "", ""});
+        if (database_.Step(broken)) {
+            SqlError error = CheckError("ALTER TABLE", table, check.name);
+            error.SetLine(static_cast<std::int32_t>(where.line));
+            throw error;
+        }
     }
     for (std::size_t i = before.foreignKeys.size(); i < table.foreignKeys.size(); ++i) {
         const ForeignKeyInfo& key = table.foreignKeys[i];
@@ -109,7 +111,9 @@ void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDef
         throw MakeError(4901, definition.name.position, {column.name, changed.name});
     }
     catalog_.AddColumn(changed, column);
-    if (!column.defaultText.empty() && !column.nullable) {
+    const bool withValues = std::ranges::any_of(
+        definition.constraints, [](const Constraint& constraint) { return constraint.withValues; });
+    if (!column.defaultText.empty() && (!column.nullable || withValues)) {
         const ExprPtr value = ParseExpression(column.defaultText);
         const TableInfo& now = DefinedTable(statement.table, 4902);
         RunOnce(Translated([&](Translator& translator) {
@@ -248,9 +252,10 @@ void Executor::AlterTable(const AlterTableStatement& statement) {
                     DropConstraintOf(statement, name);
                 break;
             case AlterTableAction::kCheckConstraint:
-            case AlterTableAction::kNoCheckConstraint:
                 // Constraints are always checked here.
                 break;
+            case AlterTableAction::kNoCheckConstraint:
+                throw MakeError(40510, statement.position, {"ALTER TABLE … NOCHECK CONSTRAINT"});
         }
     });
 }

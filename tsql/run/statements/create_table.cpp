@@ -149,6 +149,8 @@ void Executor::AddDefault(TableInfo& table, const Constraint& constraint) {
     const std::string& name = constraint.columns.front().name.text;
     for (ColumnInfo& column : table.columns) {
         if (!SameName(column.name, name)) continue;
+        if (!column.defaultText.empty() && table.id == 0)
+            throw MakeError(8148, constraint.position, {"DEFAULT", column.name, table.name});
         if (!column.defaultText.empty()) throw MakeError(1781, constraint.position);
         if (column.identity) throw MakeError(1754, constraint.position, {table.name, column.name});
         CheckDefinition({DefinitionKind::kDefault, &table, DefinedBy(table), column.name},
@@ -214,6 +216,27 @@ void Executor::FindComputedTypes(TableInfo& table, const std::vector<ColumnDefin
     }
 }
 
+namespace {
+
+bool IsPrimaryKey(const Constraint& constraint) {
+    return constraint.kind == ConstraintKind::kPrimaryKey;
+}
+
+// A primary key makes its columns NOT NULL, unless they have been called NULL.
+void RefuseKeyOfNulls(const TableInfo& table, const TableDefinition& definition) {
+    for (const ColumnDefinition& column : definition.columns) {
+        if (!column.nullable.value_or(false)) continue;
+        bool isKey = std::ranges::any_of(column.constraints, IsPrimaryKey);
+        for (const Constraint& constraint : definition.constraints) {
+            for (const IndexColumn& part : constraint.columns)
+                isKey = isKey || (IsPrimaryKey(constraint) && SameName(part.name.text, column.name.text));
+        }
+        if (isKey) throw MakeError(8111, column.name.position, {table.name});
+    }
+}
+
+}  // namespace
+
 TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& definition, bool temporary) {
     TableInfo table;
     table.name = name;
@@ -225,6 +248,7 @@ TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& d
             throw MakeError(1702, column.name.position, {column.name.text, name, kMostColumns});
         AddColumn(table, column);
     }
+    RefuseKeyOfNulls(table, definition);
     FindComputedTypes(table, definition.columns);
     for (const Constraint& constraint : definition.constraints)
         AddConstraint(table, constraint);

@@ -143,9 +143,19 @@ void Executor::BindArguments(const CreateProcedureStatement& procedure, const Ex
     }
 }
 
+// A procedure that leaves another number of transactions is told so, and nothing comes of it.
+void Executor::CheckTransactionCount(int before, const ExecuteStatement& statement, const Frame& callee) {
+    const int now = transactions_.Count();
+    if (now == before || callee.isSystem || options_.batchTransactions || tryDepth_ > 0) return;
+    const SqlError error = MakeError(266, statement.position, {before, now});
+    lastError_ = error.Number();
+    Report(Completed(error, static_cast<std::int32_t>(statement.position.line)).Details());
+}
+
 void Executor::RunProcedure(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
                             std::size_t firstArgument, Frame& callee) {
     BindArguments(procedure, statement, firstArgument, callee);
+    const int transactionsBefore = transactions_.Count();
     callee.text = callee.program->text;
     const bool ended = RunCall(callee, procedure.body, [&] {
         if (callee.isSystem && callee.procedure == kSpRename.name) Rename();
@@ -154,6 +164,7 @@ void Executor::RunProcedure(const CreateProcedureStatement& procedure, const Exe
     });
     // What it would give back stays as it was.
     if (!ended) return;
+    CheckTransactionCount(transactionsBefore, statement, callee);
     std::size_t position = 0;
     for (std::size_t i = firstArgument; i < statement.arguments.size(); ++i, ++position) {
         const ExecuteArgument& argument = statement.arguments[i];
@@ -187,13 +198,34 @@ void Executor::ExecuteText(const ExecuteTextStatement& statement) {
     RunCall(callee, callee.program->statements, [&] { RunItems(*callee.program); });
 }
 
+// sp_executesql @statement: a batch, which may also be CREATE VIEW or nothing at all.
+void Executor::ExecuteAlone(const ExecuteStatement& statement, const std::string& text) {
+    Frame callee(*frame_, statement.position);
+    try {
+        callee.program = programs_.ForCall(text);
+    } catch (const SqlError& error) {
+        return EndCall(FailureOfText(error, callee));
+    }
+    callee.text = callee.program->text;
+    callee.procedure = "sp_executesql";
+    const bool ended = RunCall(callee, callee.program->statements, [&] { RunItems(*callee.program); });
+    if (!ended || statement.resultVariable.empty()) return;
+    Variable& result = FindVariable(statement.resultVariable, statement.position);
+    result.value = Convert(Value(callee.returnValue), SqlType::Int(), result.type);
+}
+
 // sp_executesql @statement, @parameters, values…: a procedure that is made for one call.
 void Executor::ExecuteSql(const ExecuteStatement& statement) {
     if (statement.arguments.empty())
         throw MakeError(201, statement.position, {"sp_executesql", "@statement"});
-    const std::string body = EvaluateText(*statement.arguments[0].value);
-    const std::string parameters =
-        statement.arguments.size() > 1 ? EvaluateText(*statement.arguments[1].value) : std::string();
+    SqlType type;
+    const Value text = Evaluate(*statement.arguments[0].value, &type);
+    if (!type.IsUnknown() && !type.IsUnicode())
+        throw MakeError(214, statement.position, {"@statement", "ntext/nchar/nvarchar"});
+    if (statement.arguments.size() == 1)
+        return ExecuteAlone(statement, text.IsNull() ? std::string() : text.Text());
+    const std::string body = text.IsNull() ? std::string() : text.Text();
+    const std::string parameters = EvaluateText(*statement.arguments[1].value);
     Frame callee(*frame_, statement.position);
     try {
         callee.program = programs_.ForCall("create procedure sp_executesql " + parameters + " as " + body);
@@ -202,7 +234,7 @@ void Executor::ExecuteSql(const ExecuteStatement& statement) {
     }
     callee.procedure = "sp_executesql";
     const auto* procedure = TryAs<CreateProcedureStatement>(callee.program->items.front().statement);
-    RunProcedure(*procedure, statement, statement.arguments.size() > 1 ? 2 : 1, callee);
+    RunProcedure(*procedure, statement, 2, callee);
 }
 
 }  // namespace vicenter::tsql::engine

@@ -1,5 +1,7 @@
 // PRINT, RAISERROR and THROW.
 
+#include <algorithm>
+
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
 #include "tsql/run/message_text.h"
@@ -11,6 +13,9 @@ namespace {
 constexpr std::int32_t kUserError = 50000;
 // Messages up to this severity are no errors.
 constexpr std::int32_t kHighestMessage = 10;
+// Above this RAISERROR is to write into the server's log, too.
+constexpr std::int32_t kHighestPlain = 18;
+constexpr std::int32_t kHighestSeverity = 25;
 
 }  // namespace
 
@@ -36,6 +41,10 @@ void Executor::Raiserror(const RaiserrorStatement& statement) {
     const Value message = Evaluate(*statement.message, &type);
     Diagnostic details;
     details.severity = static_cast<std::int32_t>(EvaluateInt(*statement.severity));
+    const bool logs =
+        std::find(statement.options.begin(), statement.options.end(), "log") != statement.options.end();
+    if (details.severity > kHighestPlain && !logs) throw MakeError(2754, statement.position, {kHighestPlain});
+    details.severity = std::clamp(details.severity, 0, kHighestSeverity);
     details.state = static_cast<std::int32_t>(EvaluateInt(*statement.state));
     details.line = static_cast<std::int32_t>(statement.position.line);
     details.column = 0;
