@@ -323,7 +323,9 @@ Bound BindPi(Binding&) {
     return {"3.1415926535897931", SqlType::Float()};
 }
 
+// The server's numbers of a seed are its own.
 Bound BindRand(Binding& call) {
+    if (call.Count() > 0) throw MakeError(40510, call.Where(), {"RAND with a seed"});
     return {call.Call({}), SqlType::Float()};
 }
 

@@ -96,8 +96,15 @@ Translation Translator::Insert(const InsertStatement& statement) {
     const TableInfo& table = TargetTable(statement.table);
     Begin(table, kInsert);
     AddCommonTables(statement.with);
-    if (statement.source == InsertSource::kQuery) {
+    const bool ofQuery = statement.source == InsertSource::kQuery;
+    if (statement.top && (statement.top->percent || !ofQuery))
+        throw MakeError(40510, statement.position, {statement.top->percent ? "TOP" : "INSERT TOP … VALUES"});
+    if (ofQuery) {
+        Scope none;
+        const std::string limit =
+            statement.top ? " LIMIT " + RowCount(*statement.top->count, none, RowLimit::kTop) : "";
         Translation result = InsertQuery(table, statement.columns, *statement.query);
+        result.sql += limit;
         if (!statement.output) return result;
         translation_ = std::move(result);
         return Finished(translation_.sql + Output(*statement.output, table, "inserted"));

@@ -36,6 +36,7 @@ void Executor::Insert(const InsertStatement& statement) {
 
 // INSERT … EXEC: all rows first, so that what runs may read the table that they go to.
 void Executor::InsertExecute(const InsertStatement& statement) {
+    if (statement.top) throw MakeError(40510, statement.position, {"INSERT TOP … EXEC"});
     RowCollector rows(*sink_);
     ResultSink* outer = sink_;
     sink_ = &rows;

@@ -213,7 +213,8 @@ void Parser::SkipStorageOptions() {
         } else if (AtWord("textimage_on") ||
                    (At(Keyword::kOn) && (AtName(1) || At(Keyword::kPrimary, 1)) && !At(Op::kDot, 2))) {
             Take();
-            Take();
+            const Token place = Take();
+            if (At(Op::kLeftParen)) throw MakeError(40510, place.position, {"ON partition scheme"});
         } else {
             return;
         }
