@@ -159,6 +159,10 @@ void Executor::RunBatch(std::string_view batch) {
     RunIn(frame, [&] {
         // A variable is there from the batch's beginning, whichever branch it is declared in.
         DeclareAll(run.program->statements);
+        // Those of a procedure are looked for when it is called.
+        if (run.program->items.empty() ||
+            run.program->items.front().statement->kind != StatementKind::kCreateProcedure)
+            CheckVariables();
         RunItems(*run.program);
     });
 }

@@ -93,6 +93,7 @@ class Executor {
             RunIn(callee, [&] {
                 try {
                     DeclareAll(declarations);
+                    CheckVariables();
                 } catch (const SqlError& error) {
                     throw FailureOfText(error, callee);
                 }
@@ -108,6 +109,7 @@ class Executor {
     void EndCall(const Abort& abort);
     void LeaveFrame(Frame& frame);
     void DeclareAll(const std::vector<StatementPtr>& statements);
+    void CheckVariables();
     void Declare(const Statement& statement);
     Variable& FindVariable(std::string_view name, Position where) {
         return frame_->FindVariable(name, where);

@@ -106,6 +106,7 @@ std::shared_ptr<Program> ParseProgram(std::string_view text, bool findRepeated) 
         program->items.push_back(item);
         program->statements.push_back(std::move(statement));
     }
+    program->usedVariables = reader.UsedVariables();
     return program;
 }
 

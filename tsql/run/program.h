@@ -35,6 +35,8 @@ struct Program {
     std::vector<LiteralValue> literals;  // of all repeated INSERTs; they refer to the batch's text
     std::vector<std::unique_ptr<std::vector<std::uint32_t>>> offsets;
     std::unordered_map<const void*, std::unique_ptr<Plan>> plans;
+    // Still to be looked for among those that are declared, before anything runs.
+    std::vector<Name> usedVariables;
 
     // Of a program kept by the shape of its text: where its literals stand, and those that must stay as they
     // are.

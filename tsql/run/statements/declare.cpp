@@ -9,6 +9,13 @@ void Executor::DeclareAll(const std::vector<StatementPtr>& statements) {
         Declare(*statement);
 }
 
+// A variable that nobody has declared keeps all of the text from running.
+void Executor::CheckVariables() {
+    for (const Name& used : frame_->program->usedVariables)
+        FindVariable(used.text, used.position);
+    frame_->program->usedVariables.clear();
+}
+
 // Variables exist from their place in the text on, whichever way the code runs.
 void Executor::Declare(const Statement& statement) {
     switch (statement.kind) {

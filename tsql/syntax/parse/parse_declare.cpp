@@ -143,6 +143,7 @@ StatementPtr Parser::ParseSet() {
 
 StatementPtr Parser::ParseSetVariable(Position start) {
     const std::string name = TakeVariable();
+    usedVariables_.push_back(Name{name, start, false});
     const std::optional<AssignOp> op = AssignmentAhead(0);
     if (!op) Fail();
     Take();

@@ -100,7 +100,9 @@ ExprPtr Parser::ParsePrimary(bool conditionAllowed) {
             break;
         case TokenKind::kVariable: {
             const Token variable = Take();
-            expr = std::make_unique<VariableExpr>(variable.position, std::string(variable.text));
+            auto use = std::make_unique<VariableExpr>(variable.position, std::string(variable.text));
+            if (!use->IsGlobal()) usedVariables_.push_back(Name{use->name, use->position, false});
+            expr = std::move(use);
             break;
         }
         case TokenKind::kPseudoColumn:

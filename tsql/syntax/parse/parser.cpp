@@ -16,6 +16,9 @@ Position StatementReader::Where() const {
 void StatementReader::Seek(Position where) {
     parser_->Seek(where);
 }
+const std::vector<Name>& StatementReader::UsedVariables() const {
+    return parser_->UsedVariables();
+}
 
 Batch ParseBatch(std::string_view text) {
     Batch batch;

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "tsql/syntax/ast.h"
 
@@ -33,6 +34,8 @@ class StatementReader {
     Position Where() const;
     // Goes on from there; for callers that read a stretch of text themselves.
     void Seek(Position where);
+    // The variables that the statements so far read or set, each as often as it stands there.
+    const std::vector<Name>& UsedVariables() const;
 
   private:
     std::unique_ptr<Parser> parser_;

@@ -28,6 +28,7 @@ class Parser {
     StatementPtr NextStatement();
     Position Where() { return Peek().position; }
     void Seek(Position where);
+    const std::vector<Name>& UsedVariables() const { return usedVariables_; }
     // One expression or condition that fills the whole text.
     ExprPtr WholeExpression(bool condition);
 
@@ -277,6 +278,7 @@ class Parser {
     bool first_ = true;       // no statement of the batch parsed yet
     bool nested_ = false;     // inside a block, IF, WHILE or procedure
     bool procedure_ = false;  // inside CREATE PROCEDURE
+    std::vector<Name> usedVariables_;
     // Labels and the jumps to them, each with the blocks around it.
     struct Place {
         Name label;
