@@ -31,10 +31,14 @@ Bound BindCoalesce(Binding& call) {
         type = CommonType(type, call.Type(i));
     }
     if (type.IsUnknown()) throw MakeError(4127, call.Where(), {"COALESCE"});
-    std::string sql;
-    for (std::size_t i = 0; i < call.Count(); ++i)
-        sql += (i == 0 ? "" : ", ") + call.As(i, type);
-    return {"coalesce(" + sql + ")", type};
+    std::string sql = "coalesce(";
+    std::string ends = ")";
+    for (std::size_t i = 0; i < call.Count(); ++i) {
+        const bool opens = i > 0 && i % kMostInOneCall == 0 && i + 1 < call.Count();
+        sql += (i == 0 ? "" : ", ") + std::string(opens ? "coalesce(" : "") + call.As(i, type);
+        if (opens) ends += ")";
+    }
+    return {sql + ends, type};
 }
 
 Bound BindNullIf(Binding& call) {

@@ -66,6 +66,10 @@ struct FunctionEntry {
 
 // For functions that take any number of arguments.
 inline constexpr std::size_t kManyArguments = 1000;
+// The most that the server puts together by CONCAT and its kin.
+inline constexpr std::size_t kMostTexts = 254;
+// The most that one call within SQLite takes: what may be more is handed over in calls within each other.
+inline constexpr std::size_t kMostInOneCall = 120;
 
 // One call on its way through the translator: its arguments, each with its type, and the ways to write them
 // into a statement of SQLite. Writing an argument twice makes two parameters of it.
@@ -165,7 +169,7 @@ extern const SqlFunction kOrderedTextsCall;  // (text, separator, kinds, key, â€
 extern const SqlFunction kPackCall;          // (value, â€¦)
 extern const SqlFunction kSplitCall;         // (text, separator): one column, a row for each part
 inline constexpr const char* kRowsTable = "ts_rows";
-inline constexpr int kMostPackedColumns = 200;
+inline constexpr int kMostPackedColumns = 127;
 
 // The functions of one source, and what it registers besides.
 struct FunctionSet {

@@ -252,7 +252,7 @@ constexpr SqlFunction kStr = Scalar<StrFunction>("ts_str", 3);
 constexpr SqlFunction kQuoteName = Scalar<QuoteNameFunction>("ts_quotename", -1);
 
 constexpr FunctionEntry kEntries[] = {
-    {"concat", 2, kManyArguments, BindConcat},
+    {"concat", 2, kMostTexts, BindConcat},
     {"left", 2, 2, BindLeftRight, &kLeft},
     {"lower", 1, 1, TextOfText, &kLower},
     {"ltrim", 1, 1, TextOfText, &kLTrim},

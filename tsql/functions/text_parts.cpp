@@ -1,6 +1,7 @@
 // Texts put together and taken apart: CONCAT_WS and PARSENAME.
 
 #include <algorithm>
+#include <optional>
 
 #include "tsql/base/text_units.h"
 #include "tsql/functions/call.h"
@@ -14,18 +15,26 @@ constexpr int kLongestNVarChar = 4000;
 constexpr int kLongestName = 128;
 constexpr std::size_t kMostParts = 4;
 
-// ts_concat_ws(separator, text, …): what is NULL is left out, its separator too
-void JoinFunction(FunctionCall& call) {
+// What is NULL is left out, its separator too; where all is, nothing is.
+std::optional<std::string> Joined(const FunctionCall& call) {
     const std::string separator(call.IsNull(0) ? std::string_view() : call.Text(0));
-    std::string joined;
-    bool first = true;
+    std::optional<std::string> joined;
     for (int i = 1; i < call.Count(); ++i) {
         if (call.IsNull(i)) continue;
-        if (!first) joined += separator;
-        first = false;
-        joined += call.Text(i);
+        joined = joined ? *joined + separator : std::string();
+        *joined += call.Text(i);
     }
-    call.Return(std::string_view(joined));
+    return joined;
+}
+
+// ts_concat_ws(separator, text, …)
+void JoinFunction(FunctionCall& call) {
+    call.Return(std::string_view(Joined(call).value_or(std::string())));
+}
+
+// ts_concat_ws_some(separator, text, …): the same, as one of the texts of another call; NULL for none
+void JoinSomeFunction(FunctionCall& call) {
+    if (const auto joined = Joined(call)) call.Return(std::string_view(*joined));
 }
 
 // The parts of a name, brackets and quotes undone; none for what is no name.
@@ -66,6 +75,22 @@ void ParseNameFunction(FunctionCall& call) {
     call.Return(std::string_view(part));
 }
 
+constexpr SqlFunction kJoin = Scalar<JoinFunction>("ts_concat_ws", -1);
+constexpr SqlFunction kJoinSome = Scalar<JoinSomeFunction>("ts_concat_ws_some", -1);
+
+// More texts than one call takes become fewer.
+std::vector<std::string> InCalls(Binding& call, const std::vector<std::string>& arguments) {
+    if (arguments.size() <= kMostInOneCall) return arguments;
+    std::vector<std::string> fewer{arguments.front()};
+    for (std::size_t i = 1; i < arguments.size(); i += kMostInOneCall - 1) {
+        std::vector<std::string> some{call.Text(0)};
+        for (std::size_t j = i; j < std::min(i + kMostInOneCall - 1, arguments.size()); ++j)
+            some.push_back(arguments[j]);
+        fewer.push_back(kJoinSome.Call(some));
+    }
+    return fewer;
+}
+
 Bound BindJoin(Binding& call) {
     std::vector<std::string> arguments;
     int length = 0;
@@ -82,7 +107,7 @@ Bound BindJoin(Binding& call) {
     const int limit = unicode ? kLongestNVarChar : kLongestVarChar;
     const TypeKind kind = unicode ? TypeKind::kNVarChar : TypeKind::kVarChar;
     const SqlType type = SqlType::Of(kind, isMax ? kMaxLength : std::min(std::max(length, 1), limit));
-    const std::string sql = call.Call(arguments);
+    const std::string sql = call.Call(InCalls(call, arguments));
     if (isMax || length <= limit) return {sql, type};
     return {kConvertCall.Call({sql, Code(SqlType::Of(kind, kMaxLength)), Code(type), "0"}), type};
 }
@@ -91,18 +116,19 @@ Bound BindParseName(Binding& call) {
     return {call.Call({call.Text(0), call.Int(1)}), SqlType::NVarChar(kLongestName)};
 }
 
-constexpr SqlFunction kJoin = Scalar<JoinFunction>("ts_concat_ws", -1);
 constexpr SqlFunction kParseName = Scalar<ParseNameFunction>("ts_parse_name", 2);
 
 constexpr FunctionEntry kEntries[] = {
-    {"concat_ws", 3, kManyArguments, BindJoin, &kJoin},
+    {"concat_ws", 3, kMostTexts, BindJoin, &kJoin},
     {"parsename", 2, 2, BindParseName, &kParseName},
 };
+
+constexpr const SqlFunction* kOthers[] = {&kJoinSome};
 
 }  // namespace
 
 FunctionSet TextPartFunctions() {
-    return {kEntries, {}};
+    return {kEntries, kOthers};
 }
 
 }  // namespace vicenter::tsql::engine
