@@ -70,6 +70,70 @@ TEST_F(DeepTextTest, Thirty_two_queries_nest) {
     EXPECT_EQ(Run(text + "t32.a = 2 and t0.a = 2" + Times(32, ")")), "a:int\n2");
 }
 
+TEST_F(DeepTextTest, Queries_by_name_stand_on_each_other) {
+    std::string chain = "with c0 as (select a from t)";
+    for (int i = 1; i <= 200; ++i)
+        chain += ", c" + std::to_string(i) + " as (select a + 1 as a from c" + std::to_string(i - 1) +
+                 " where a > 0)";
+    EXPECT_EQ(Run(chain + " select a from c40 order by a"), "a:int\n41\n42");
+    EXPECT_EQ(Run(chain + " select a from c200 order by a"), "a:int\n201\n202");
+    EXPECT_EQ(Run(chain + " update c40 set a = 7"),
+              "error 40510 line 1: Statement 'UPDATE and DELETE of query c40' is not supported by the "
+              "embedded account set.");
+    EXPECT_EQ(Run(chain + " insert into t (a) select a from c150 where a = 151 select max(a) as n from t"),
+              "n:int\n151");
+    std::string doubled = "with c0 as (select a from t where a = 1)";
+    for (int i = 1; i <= 20; ++i) {
+        const std::string before = "c" + std::to_string(i - 1);
+        doubled += ", c" + std::to_string(i) + " as (select x.a from " + before + " as x join " + before +
+                   " as y on x.a = y.a)";
+    }
+    EXPECT_EQ(Run(doubled + " select a from c5"), "a:int\n1");
+    EXPECT_EQ(Run(doubled + " select a from c9"), "a:int\n1");
+    EXPECT_EQ(Run(doubled + " select a from c20").substr(0, 10), "error 8623");
+}
+
+TEST_F(DeepTextTest, A_query_by_name_knows_those_before_it) {
+    EXPECT_EQ(Run("with a1 as (select a from b1), b1 as (select a from t) select a from a1"),
+              "error 208 line 1: Invalid object name 'b1'.");
+    EXPECT_EQ(Run("with t as (select a from t as o where a = 1) select a from t").substr(0, 9), "error 252");
+    EXPECT_EQ(Run("with c as (select a from t where exists (select * from c)) select a from c").substr(0, 9),
+              "error 465");
+}
+
+TEST_F(DeepTextTest, Queries_in_FROM_join_more_tables_than_one_may) {
+    std::string one = "(select t0.a from t as t0";
+    for (int i = 1; i < 40; ++i)
+        one += " join t as t" + std::to_string(i) + " on t" + std::to_string(i) + ".a = t0.a";
+    one += ")";
+    EXPECT_EQ(Run("select x.a from " + one + " as x join " + one + " as y on x.a = y.a where x.a = 2"),
+              "a:int\n2");
+    Run("create view v40 as " + one.substr(1, one.size() - 2));
+    EXPECT_EQ(Run("select sum(x.a) as n from v40 as x left join v40 as y on x.a = y.a + 1"), "n:int\n3");
+}
+
+TEST_F(DeepTextTest, Functions_take_as_many_arguments_as_the_server_s) {
+    const auto list = [](int count, const std::string& item) {
+        std::string text = item;
+        for (int i = 1; i < count; ++i)
+            text += ", " + item;
+        return text;
+    };
+    EXPECT_EQ(Run("select coalesce(" + list(300, "s") + ", N'-') as r from t"), "r:nvarchar(20)\nx\n-");
+    EXPECT_EQ(Run("select coalesce(" + list(121, "s") + ") as r from t"), "r:nvarchar(20)\nx\nNULL");
+    EXPECT_EQ(Run("select len(concat(" + list(254, "s") + ")) as n from t"), "n:int\n254\n0");
+    EXPECT_EQ(Run("select concat_ws('-', " + list(200, "s") + ", v, s) as r from t where a = 2"),
+              "r:nvarchar(4000)\ndef");
+    EXPECT_EQ(Run("select len(concat_ws('--', " + list(253, "s") + ")) as n from t where a = 1"),
+              "n:int\n757");
+    EXPECT_EQ(Run("select concat(" + list(255, "s") + ") as r from t"),
+              "error 189 line 1: The concat function requires 2 to 254 arguments.");
+    EXPECT_EQ(
+        Run("select a from t where s in (" + list(300, "s") + ") and a not in (" + list(300, "a + 1") + ")"),
+        "a:int\n1");
+    EXPECT_EQ(Run("select choose(150, " + list(200, "a") + ") as n from t where a = 1"), "n:int\n1");
+}
+
 TEST_F(DeepTextTest, What_is_not_its_turn_is_not_evaluated) {
     const std::string deep = "1 / (a - 1)" + Times(60, "+0");
     EXPECT_EQ(Run("select case when a = 1 then 0 else " + deep + " end as n from t"), "n:int\n0\n1");
@@ -80,6 +144,29 @@ TEST_F(DeepTextTest, What_is_not_its_turn_is_not_evaluated) {
               "error 8134 line 2: Divide by zero error encountered.");
     EXPECT_EQ(Run("select a" + Times(40, "*2000000000") + " as n from t"),
               "error 8115 line 1: Arithmetic overflow error converting expression to data type int.");
+}
+
+TEST_F(DeepTextTest, Much_becomes_of_groups_and_windows) {
+    const std::string ones = Times(60, "+1");
+    EXPECT_EQ(Run("select sum(a)" + ones + " as n, count(*)" + ones + " as c from t"), "n:int c:int\n63|62");
+    EXPECT_EQ(Run("select sum(a)" + Times(60, "+sum(case when a = 2 then a end)") + " as n from t"),
+              "n:int\n123");
+    EXPECT_EQ(Run("select s, max(a)" + ones + " as n from t group by s having min(a)" + ones +
+                  " > 0 order by max(a)" + ones + " desc"),
+              "s:nvarchar(20) n:int\nNULL|62\nx|61");
+    EXPECT_EQ(Run("select a" + ones + " as g, count(*) as n from t group by a" + ones + " order by g"),
+              "g:int n:int\n61|1\n62|1");
+    EXPECT_EQ(Run("select a, row_number() over (order by a desc)" + ones + " as n, sum(a) over ()" + ones +
+                  " as m from t order by a"),
+              "a:int n:bigint m:int\n1|62|63\n2|61|63");
+    EXPECT_EQ(Run("select rank() over (order by sum(a) desc)" + ones +
+                  " as n from t group by s having sum(a) < 5 order by n"),
+              "n:bigint\n61\n62");
+    EXPECT_EQ(Run("select case when count(*) > 5 then 1 / (count(*) - 2)" + ones +
+                  " else 0 end as n from t having count(*)" + ones + " > 0"),
+              "n:int\n0");
+    EXPECT_EQ(Run("select distinct top 1 sum(a)" + ones + " as n from t group by a order by n desc"),
+              "n:int\n62");
 }
 
 TEST_F(DeepTextTest, Values_of_their_own_for_each_row_stay_so) {

@@ -106,6 +106,9 @@ TEST_F(EngineEdgeTest, No_text_is_an_internal_error) {
     for (int i = 1; i < 65; ++i)
         tables += ", t as t_" + std::to_string(i);
     EXPECT_EQ(Number(tables), "40510");
+    for (int i = 65; i < 250; ++i)
+        tables += ", t as t_" + std::to_string(i);
+    EXPECT_EQ(Number(tables), "40510");
     EXPECT_EQ(Number(List("select ", 2001, "a as c_", ", ", " from t")), "40510");
     for (const char* misplaced :
          {"select a from t where count(*) > 1", "update t set a = sum(a)",

@@ -122,12 +122,13 @@ class Executor {
     using Make = std::function<Translation(Translator&)>;
     Plan& PlanFor(const void* key, const Make& make);
     PreparedStatement Prepared(const std::string& sql);
+    void MakePlan(Plan& plan, FrameContext& context, const Make& make);
     // A translation as the running frame sees its names.
     template <class Work>
     auto Translated(Work work) {
         FrameContext context(catalog_, programs_, *frame_);
-        Translator translator(context);
-        return Bound([&] { return work(translator); });
+        Ways ways;
+        return Bound([&] { return TranslateAsNeeded(context, ways, work); });
     }
     // Does the work of a translator; its errors are those of names and types.
     template <class Work>

@@ -27,16 +27,46 @@ bool Plan::IsCurrent(const Catalog& catalog, const SetOptions& options) const {
     return true;
 }
 
+namespace {
+
+constexpr std::int32_t kTooDeep = 191;
+constexpr std::int32_t kNotSupported = 40510;
+
+}  // namespace
+
 // What is too deep for SQLite's parser is taken apart first.
 PreparedStatement Executor::Prepared(const std::string& sql) {
     if (options_.deepestText > 0) return database_.Prepare(Flattened(sql, options_.deepestText));
-    constexpr std::int32_t kTooDeep = 191;
     try {
         return database_.Prepare(sql);
     } catch (const SqlError& error) {
         if (error.Number() != kTooDeep) throw;
     }
     return database_.Prepare(Flattened(sql));
+}
+
+// What another translation of the same statement may mend; false for nothing.
+static bool FindWays(const SqlError& error, Ways& ways) {
+    // A value of a group or window cannot be taken out of its query; what becomes of it can.
+    if (error.Number() == kTooDeep) return !std::exchange(ways.stages, true);
+    // SQLite has merged the queries in FROM, each of which may be small.
+    const bool isTables =
+        error.Number() == kNotSupported && error.Details().text.find(kManyTables) != std::string::npos;
+    return isTables && !std::exchange(ways.separates, true);
+}
+
+void Executor::MakePlan(Plan& plan, FrameContext& context, const Make& make) {
+    Ways ways;
+    ways.stages = options_.deepestText > 0;
+    for (;;) {
+        plan.translation = Bound([&] { return TranslateAsNeeded(context, ways, make); });
+        try {
+            plan.statement = Prepared(plan.translation.sql);
+            return;
+        } catch (const SqlError& error) {
+            if (!FindWays(error, ways)) throw;
+        }
+    }
 }
 
 // The key is the address of the part of the tree that is translated: a tree lives as long as its program, and
@@ -46,10 +76,8 @@ Plan& Executor::PlanFor(const void* key, const Make& make) {
     std::unique_ptr<Plan>& slot = frame_->program->plans[key];
     if (slot && slot->IsCurrent(catalog_, frame_->options)) return *slot;
     FrameContext context(catalog_, programs_, *frame_);
-    Translator translator(context);
     auto plan = std::make_unique<Plan>();
-    plan->translation = Bound([&] { return make(translator); });
-    plan->statement = Prepared(plan->translation.sql);
+    MakePlan(*plan, context, make);
     plan->generation = catalog_.Generation();
     // A literal within an expression has given it its type; one that goes straight into a column has decided
     // nothing.

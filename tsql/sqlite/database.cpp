@@ -319,10 +319,15 @@ namespace {
 // or the limit by its name.
 SqlError RefusedStatement(const std::string& text) {
     const auto says = [&text](std::string_view part) { return text.find(part) != std::string::npos; };
-    if (says("misuse of window function")) return MakeError(4108, {});
-    if (says("misuse of aggregate") || says("aggregate functions are not allowed")) return MakeError(147, {});
+    if (says("misuse of window function") || says("misuse of aliased window function"))
+        return MakeError(4108, {});
+    if (says("misuse of aggregate") || says("misuse of aliased aggregate") ||
+        says("aggregate functions are not allowed")) {
+        return MakeError(147, {});
+    }
     if (says("Expression tree is too large") || says("parser stack overflow")) return MakeError(191, {});
-    if (says("tables in a join")) return MakeError(40510, {}, {"FROM of more than 64 tables"});
+    if (says("tables in a join") || says("too many FROM clause terms"))
+        return MakeError(40510, {}, {kManyTables});
     if (says("too many columns in result set"))
         return MakeError(40510, {}, {"SELECT of more than 2000 columns"});
     if (says("too many columns"))
@@ -332,7 +337,7 @@ SqlError RefusedStatement(const std::string& text) {
     if (says("too many terms in"))
         return MakeError(40510, {}, {"ORDER BY or GROUP BY of more than 2000 columns"});
     if (says("too many SQL variables") || says("variable number must be") || says("too many references") ||
-        says("too many arguments on")) {
+        says("too many arguments on") || says("no query solution")) {
         return MakeError(8623, {});
     }
     return MakeError(8624, {}, {text});

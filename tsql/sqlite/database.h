@@ -26,6 +26,9 @@ inline constexpr const char* kNumberCollationName = "ts_number";
 inline constexpr int kLockTimeout = 5000;
 inline constexpr int kLongestLockTimeout = 24 * 60 * 60 * 1000;
 
+// What error 40510 names when SQLite is to join more tables than it can.
+inline constexpr const char* kManyTables = "FROM of more than 64 tables";
+
 enum class StepResult { kRow, kDone, kFailed };
 
 // How SQLite may run a query. The answers are the same: tests ask twice. kEvery is no choice where texts are

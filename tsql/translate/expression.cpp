@@ -34,15 +34,18 @@ Translation Translator::Assignment(std::string_view variable, const SqlType& typ
 
 Operand Translator::Value(const Expr& expression, Scope& scope) {
     if (scope.grouped && aggregateDepth_ == 0) {
-        if (const Scope::SetMember* member = FindSetMember(scope, expression)) return member->operand;
+        if (const Scope::SetMember* member = FindSetMember(scope, expression))
+            return Staged(scope, member->operand);
     }
     if (scope.grouped && aggregateDepth_ == 0 && scope.groupExpressions != nullptr) {
         for (const ExprPtr& group : *scope.groupExpressions) {
             if (!SameExpression(*group, expression)) continue;
             scope.grouped = false;
+            ++scope.belowStage;
             Operand operand = ValueInner(expression, scope);
+            --scope.belowStage;
             scope.grouped = true;
-            return operand;
+            return Staged(scope, std::move(operand));
         }
     }
     return ValueInner(expression, scope);
@@ -217,7 +220,7 @@ Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
             operand.sql = found->sql;
             operand.type = found->type;
             operand.column = found->natural;
-            return operand;
+            return Staged(*level, std::move(operand));
         }
         for (const Source& source : level->sources) {
             const bool isMeantBy = qualifier.empty() || SameName(source.exposedName, qualifier);

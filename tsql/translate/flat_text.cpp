@@ -211,7 +211,8 @@ void Flattener::TakeText(char mark) {
 // What stands in a WITH within the statement is known there only.
 void Flattener::NoteName(std::string_view name) {
     Frame& frame = Top();
-    if (frame.clause == Clause::kWith && (last_ == "WITH" || last_ == "RECURSIVE")) {
+    const bool isNamed = last_ == "WITH" || last_ == "RECURSIVE";
+    if (frame.clause == Clause::kWith && isNamed && frame.kind != FrameKind::kStatement) {
         names_.emplace(name);
         frame.hasWith = true;
     }
@@ -419,7 +420,10 @@ std::string Flattener::Run() {
     }
     Shorten(Top());
     if (count_ == 0) return Top().text;
-    return "WITH " + definitions_ + " " + Top().text;
+    constexpr std::string_view kWith = "WITH ";
+    const std::string& text = Top().text;
+    if (text.starts_with(kWith)) return "WITH " + definitions_ + ", " + text.substr(kWith.size());
+    return "WITH " + definitions_ + " " + text;
 }
 
 }  // namespace

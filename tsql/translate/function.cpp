@@ -101,7 +101,7 @@ Operand Translator::Grouping(const FunctionExpr& function, Scope& scope) {
         const std::string bit = "CASE WHEN " + isIn + " THEN 0 ELSE 1 END";
         sql = sql.empty() ? bit : "(" + sql + ") * 2 + " + bit;
     }
-    return Computed("(" + sql + ")", isId ? SqlType::Int() : SqlType::Of(TypeKind::kTinyInt));
+    return Staged(scope, Computed("(" + sql + ")", isId ? SqlType::Int() : SqlType::Of(TypeKind::kTinyInt)));
 }
 
 Operand Translator::Function(const FunctionExpr& function, Scope& scope) {
@@ -126,8 +126,19 @@ Operand Translator::Function(const FunctionExpr& function, Scope& scope) {
     CheckOver(function, isWindow, isAggregate || entry->takesFrame, name);
     if (!function.withinGroup.empty() && name != "string_agg")
         throw MakeError(10757, function.position, {function.name.Object()});
-    CallBinding call(*this, *entry, function, scope, std::move(name));
-    Bound bound = entry->bind(call);
+    if (!isAggregate && !function.over) return Call(*entry, function, scope, std::move(name));
+    const Scope& owner = function.over ? scope : OwnerOf(function, scope);
+    if (&owner != &scope) return OuterAggregate(function, owner);
+    ++scope.belowStage;
+    const Operand value = Call(*entry, function, scope, std::move(name));
+    --scope.belowStage;
+    return Staged(scope, value);
+}
+
+Operand Translator::Call(const FunctionEntry& entry, const FunctionExpr& function, Scope& scope,
+                         std::string name) {
+    CallBinding call(*this, entry, function, scope, std::move(name));
+    Bound bound = entry.bind(call);
     if (!function.withinGroup.empty()) {
         ++aggregateDepth_;
         const std::string keys = OrderedAggregate(function, scope);

@@ -31,17 +31,6 @@ bool IsAggregateName(std::string_view name) {
     return SameName(name, "stdev") || SameName(name, "var");
 }
 
-bool AnyAggregate(const std::vector<ExprPtr>& list) {
-    for (const ExprPtr& entry : list) {
-        if (HasAggregate(*entry)) return true;
-    }
-    return false;
-}
-
-bool MayHaveAggregate(const ExprPtr& expression) {
-    return expression && HasAggregate(*expression);
-}
-
 }  // namespace
 
 bool SameExpression(const Expr& a, const Expr& b) {
@@ -105,51 +94,80 @@ bool SameExpression(const Expr& a, const Expr& b) {
     }
 }
 
-bool HasAggregate(const Expr& expression) {
+void VisitAll(const Expr& expression, const std::function<void(const Expr&)>& visit) {
+    const auto one = [&visit](const ExprPtr& child) {
+        if (child) VisitAll(*child, visit);
+    };
+    const auto all = [&one](const std::vector<ExprPtr>& list) {
+        for (const ExprPtr& child : list)
+            one(child);
+    };
+    visit(expression);
     switch (expression.kind) {
-        case ExprKind::kFunction: {
-            const auto& function = As<FunctionExpr>(expression);
-            if (!function.over && IsAggregateName(function.name.Object())) return true;
-            return AnyAggregate(function.arguments);
-        }
+        case ExprKind::kFunction:
+            return all(As<FunctionExpr>(expression).arguments);
         case ExprKind::kUnary:
-            return HasAggregate(*As<UnaryExpr>(expression).operand);
+            return one(As<UnaryExpr>(expression).operand);
         case ExprKind::kBinary:
-            return HasAggregate(*As<BinaryExpr>(expression).left) ||
-                   HasAggregate(*As<BinaryExpr>(expression).right);
+            one(As<BinaryExpr>(expression).left);
+            return one(As<BinaryExpr>(expression).right);
         case ExprKind::kComparison:
-            return HasAggregate(*As<ComparisonExpr>(expression).left) ||
-                   HasAggregate(*As<ComparisonExpr>(expression).right);
+            one(As<ComparisonExpr>(expression).left);
+            return one(As<ComparisonExpr>(expression).right);
         case ExprKind::kLogical:
-            return AnyAggregate(As<LogicalExpr>(expression).operands);
+            return all(As<LogicalExpr>(expression).operands);
         case ExprKind::kNot:
-            return HasAggregate(*As<NotExpr>(expression).operand);
-        case ExprKind::kBetween: {
-            const auto& between = As<BetweenExpr>(expression);
-            return HasAggregate(*between.operand) || HasAggregate(*between.low) ||
-                   HasAggregate(*between.high);
-        }
+            return one(As<NotExpr>(expression).operand);
+        case ExprKind::kBetween:
+            one(As<BetweenExpr>(expression).operand);
+            one(As<BetweenExpr>(expression).low);
+            return one(As<BetweenExpr>(expression).high);
         case ExprKind::kLike:
-            return HasAggregate(*As<LikeExpr>(expression).operand) ||
-                   HasAggregate(*As<LikeExpr>(expression).pattern);
+            one(As<LikeExpr>(expression).operand);
+            return one(As<LikeExpr>(expression).pattern);
         case ExprKind::kIn:
-            return HasAggregate(*As<InExpr>(expression).operand) || AnyAggregate(As<InExpr>(expression).list);
+            one(As<InExpr>(expression).operand);
+            return all(As<InExpr>(expression).list);
         case ExprKind::kIsNull:
-            return HasAggregate(*As<IsNullExpr>(expression).operand);
+            return one(As<IsNullExpr>(expression).operand);
+        case ExprKind::kQuantified:
+            return one(As<QuantifiedExpr>(expression).operand);
         case ExprKind::kCast:
-            return HasAggregate(*As<CastExpr>(expression).operand);
+            return one(As<CastExpr>(expression).operand);
         case ExprKind::kCollate:
-            return HasAggregate(*As<CollateExpr>(expression).operand);
+            return one(As<CollateExpr>(expression).operand);
         case ExprKind::kCase: {
             const auto& choice = As<CaseExpr>(expression);
+            one(choice.operand);
             for (const CaseExpr::Branch& branch : choice.branches) {
-                if (HasAggregate(*branch.when) || HasAggregate(*branch.then)) return true;
+                one(branch.when);
+                one(branch.then);
             }
-            return MayHaveAggregate(choice.operand) || MayHaveAggregate(choice.otherwise);
+            return one(choice.otherwise);
         }
         default:
-            return false;
+            return;
     }
+}
+
+bool IsAggregate(const Expr& expression) {
+    const auto* function = TryAs<FunctionExpr>(&expression);
+    return function != nullptr && !function->over && IsAggregateName(function->name.Object());
+}
+
+bool HasAggregate(const Expr& expression) {
+    bool found = false;
+    VisitAll(expression, [&found](const Expr& one) { found = found || IsAggregate(one); });
+    return found;
+}
+
+bool HasWindow(const Expr& expression) {
+    bool found = false;
+    VisitAll(expression, [&found](const Expr& one) {
+        const auto* function = TryAs<FunctionExpr>(&one);
+        found = found || (function != nullptr && function->over);
+    });
+    return found;
 }
 
 }  // namespace vicenter::tsql::engine

@@ -1,5 +1,6 @@
 // SELECT: the select list, GROUP BY and HAVING.
 
+#include <algorithm>
 #include <utility>
 
 #include "automation/object.h"
@@ -52,8 +53,8 @@ bool AssignsInOrder(const SelectBody& select, const Query& query) {
 
 }  // namespace
 
-Translation Translator::Finished(std::string sql) {
-    translation_.sql = std::move(sql);
+Translation Translator::Finished(const std::string& sql) {
+    translation_.sql = (sharedTexts_.empty() ? "" : "WITH " + std::exchange(sharedTexts_, {}) + " ") + sql;
     return std::move(translation_);
 }
 
@@ -120,7 +121,7 @@ void Translator::AddStar(const SelectItem& item, Scope& scope, SelectParts& part
             operand.type = column.type;
             operand.column = column.natural;
             CheckGrouped(scope, operand.sql, item.position, source, column);
-            parts.items.push_back(std::move(operand));
+            parts.items.push_back(Staged(scope, std::move(operand)));
             parts.names.push_back(column.name);
         }
     }
@@ -169,38 +170,30 @@ static bool MayAskOutside(const Expr& count, const Scope* outer) {
     return outer != nullptr && count.kind != ExprKind::kLiteral && count.kind != ExprKind::kVariable;
 }
 
-SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer) {
-    Scope scope;
-    scope.outer = outer;
-    SelectParts parts;
-    const bool wantsRow = std::exchange(changed_.wantsRow, false);
-    const std::string assigningOutside = assigning_;
-    const std::size_t assignedOutside = assigned_.size();
-    for (const SelectItem& item : select.items) {
-        if (item.kind == SelectItemKind::kAssignment) assigning_ += " " + LowerAscii(item.variable) + " ";
+bool Translator::IsGrouped(const SelectBody& select, const Query* orderFrom, const Scope& scope) const {
+    if (select.having || !select.groupBy.empty() || !select.grouping.empty()) return true;
+    if (ways_.groups.contains(&select)) return true;
+    const auto aggregates = [&](const ExprPtr& one) { return one && HasOwnAggregate(*one, scope); };
+    if (std::any_of(select.items.begin(), select.items.end(),
+                    [&](const SelectItem& item) { return aggregates(item.expression); })) {
+        return true;
     }
-    parts.tail = From(select.from, scope);
-    scope.whereAt = parts.tail.size();
-    if (select.where) {
-        if (HasAggregate(*select.where)) throw MakeError(147, select.where->position);
-        parts.tail += " WHERE " + ConditionText(*select.where, scope);
+    return orderFrom != nullptr &&
+           std::any_of(orderFrom->orderBy.begin(), orderFrom->orderBy.end(),
+                       [&](const OrderItem& item) { return aggregates(item.expression); });
+}
+
+static bool HasWindows(const SelectBody& select, const Query* orderFrom) {
+    const auto holds = [](const ExprPtr& one) { return one && HasWindow(*one); };
+    if (std::any_of(select.items.begin(), select.items.end(),
+                    [&](const SelectItem& item) { return holds(item.expression); })) {
+        return true;
     }
-    bool aggregates = select.having != nullptr;
-    for (const SelectItem& item : select.items) {
-        aggregates = aggregates || (item.expression && HasAggregate(*item.expression));
-    }
-    if (orderFrom != nullptr) {
-        for (const OrderItem& item : orderFrom->orderBy)
-            aggregates = aggregates || HasAggregate(*item.expression);
-    }
-    if (!select.grouping.empty()) {
-        GroupBySets(select, scope, parts.tail);
-    } else if (!select.groupBy.empty() || aggregates) {
-        CheckGroupBy(select, scope, parts.tail);
-    }
-    aggregateAllowed_ = true;
-    const bool ordersFirst = orderFrom != nullptr && !scope.grouped && AssignsInOrder(select, *orderFrom);
-    if (ordersFirst) OrderRowsFirst(*orderFrom, select, scope, parts);
+    return orderFrom != nullptr && std::any_of(orderFrom->orderBy.begin(), orderFrom->orderBy.end(),
+                                               [&](const OrderItem& item) { return holds(item.expression); });
+}
+
+void Translator::AddItems(const SelectBody& select, Scope& scope, SelectParts& parts) {
     for (const SelectItem& item : select.items) {
         const auto* call = &select == into_ ? TryAs<FunctionExpr>(item.expression.get()) : nullptr;
         if (call != nullptr && SameName(call->name.Object(), "identity")) {
@@ -209,23 +202,86 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
             AddItem(item, scope, parts);
         }
     }
+}
+
+void Translator::AddHaving(const SelectBody& select, Scope& scope, SelectParts& parts) {
+    const bool isWhole = select.groupBy.empty() && select.grouping.empty();
+    if (scope.stage != nullptr) {
+        parts.tail += " WHERE " + ConditionText(*select.having, scope);
+        return;
+    }
+    parts.tail += " HAVING " + ConditionText(*select.having, scope);
+    // Without a group all rows are one, which SQLite believes of a query that lists an aggregate only.
+    Operand& first = parts.items.front();
+    if (isWhole) first = Computed("iif(count(*) >= 0, " + Render(first) + ", NULL)", first.type);
+}
+
+// FROM, WHERE and GROUP BY.
+bool Translator::AddRows(const SelectBody& select, const Query* orderFrom, Scope& scope, SelectParts& parts) {
+    parts.tail = From(select.from, scope);
+    scope.whereAt = parts.tail.size();
+    if (select.where) {
+        if (HasOwnAggregate(*select.where, scope)) throw MakeError(147, select.where->position);
+        parts.tail += " WHERE " + ConditionText(*select.where, scope);
+    }
+    scope.isBehind = true;
+    const bool groups = IsGrouped(select, orderFrom, scope);
+    if (!select.grouping.empty()) {
+        GroupBySets(select, scope, parts.tail);
+    } else if (groups) {
+        CheckGroupBy(select, scope, parts.tail);
+    }
+    return groups;
+}
+
+SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer) {
+    Scope scope;
+    scope.outer = outer;
+    scope.select = &select;
+    SelectParts parts;
+    const bool wantsRow = std::exchange(changed_.wantsRow, false);
+    const std::string assigningOutside = assigning_;
+    const std::size_t assignedOutside = assigned_.size();
+    for (const SelectItem& item : select.items) {
+        if (item.kind == SelectItemKind::kAssignment) assigning_ += " " + LowerAscii(item.variable) + " ";
+    }
+    const bool groups = AddRows(select, orderFrom, scope, parts);
+    const bool isWhole = groups && select.groupBy.empty() && select.grouping.empty();
+    aggregateAllowed_ = true;
+    const bool ordersFirst = orderFrom != nullptr && !scope.grouped && AssignsInOrder(select, *orderFrom);
+    Stage stage;
+    bool hasHaving = select.having != nullptr;
+    const bool windows = ways_.stages && HasWindows(select, orderFrom);
+    if (ways_.stages && !wantsRow && !ordersFirst && (groups || windows)) {
+        // Windows see the groups that HAVING leaves.
+        if (windows && hasHaving) parts.tail += " HAVING " + ConditionText(*select.having, scope);
+        hasHaving = hasHaving && !windows;
+        stage.alias = "\"stage$" + std::to_string(++aliasNumber_) + "\"";
+        if (isWhole) stage.values = {"count(*)"};
+        parts.tail = OpenStage(stage, parts.tail);
+        scope.stage = &stage;
+    }
+    if (ordersFirst) OrderRowsFirst(*orderFrom, select, scope, parts);
+    AddItems(select, scope, parts);
     if (wantsRow) AddRowNumber(select, scope, parts);
-    if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size()) {
+    if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size())
         throw MakeError(141, select.position);
-    }
-    if (select.having) {
-        parts.tail += " HAVING " + ConditionText(*select.having, scope);
-        // Without a group all rows are one, which SQLite believes of a query that lists an aggregate only.
-        Operand& first = parts.items.front();
-        if (select.groupBy.empty() && select.grouping.empty())
-            first = Computed("iif(count(*) >= 0, " + Render(first) + ", NULL)", first.type);
-    }
+    if (hasHaving) AddHaving(select, scope, parts);
     if (select.distinct) RefuseBytes(parts.items, "DISTINCT", select.position);
     parts.head = select.distinct ? "SELECT DISTINCT" : "SELECT";
-    parts.singleRow =
-        select.from.empty() || (aggregates && select.groupBy.empty() && select.grouping.empty());
+    parts.singleRow = select.from.empty() || isWhole;
+    AddOrder(select, orderFrom, ordersFirst, scope, parts);
+    if (scope.stage != nullptr) CloseStage(stage, parts);
+    assigning_ = assigningOutside;
+    assigned_.resize(assignedOutside);
+    return parts;
+}
+
+// ORDER BY, and what is taken of the rows.
+void Translator::AddOrder(const SelectBody& select, const Query* orderFrom, bool ordersFirst, Scope& scope,
+                          SelectParts& parts) {
     if (select.top &&
-        (select.top->percent || select.top->withTies || MayAskOutside(*select.top->count, outer))) {
+        (select.top->percent || select.top->withTies || MayAskOutside(*select.top->count, scope.outer))) {
         // A member of a set has no order of its own.
         const Query unordered;
         LimitByRank(select, orderFrom != nullptr ? *orderFrom : unordered, scope, parts);
@@ -242,9 +298,6 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
         context_.PinLiteral(As<LiteralExpr>(*select.top->count));
         parts.singleRow = true;
     }
-    assigning_ = assigningOutside;
-    assigned_.resize(assignedOutside);
-    return parts;
 }
 
 }  // namespace vicenter::tsql::engine

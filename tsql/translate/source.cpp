@@ -156,26 +156,6 @@ void Translator::AddSource(Source source, Scope& scope, Position position) {
     scope.sources.push_back(std::move(source));
 }
 
-void Translator::AddCommonTables(const std::vector<CommonTable>& tables) {
-    if (tables.empty()) return;
-    for (auto table = tables.begin(); table != tables.end(); ++table) {
-        for (auto other = tables.begin(); other != table; ++other) {
-            if (SameName(other->name.text, table->name.text))
-                throw MakeError(239, table->name.position, {table->name.text});
-        }
-    }
-    commonTables_.push_back(&tables);
-}
-
-const CommonTable* Translator::FindCommonTable(const std::string& name) const {
-    for (auto list = commonTables_.rbegin(); list != commonTables_.rend(); ++list) {
-        for (const CommonTable& table : **list) {
-            if (SameName(table.name.text, name)) return &table;
-        }
-    }
-    return nullptr;
-}
-
 std::string Translator::CommonTableText(const CommonTable& table, const std::string& exposed, Scope& scope,
                                         Position where) {
     if (!recursions_.empty() && recursions_.back().table == &table) {
@@ -194,13 +174,10 @@ std::string Translator::CommonTableText(const CommonTable& table, const std::str
         AddSource(std::move(source), scope, where);
         return recursion.name + " AS " + Quoted(exposed);
     }
-    if (++viewDepth_ > kViewNesting) throw MakeError(253, where, {table.name.text});
     const bool recursive = IsRecursive(table);
     const bool changes = IsChanged(exposed) || IsChanged(table.name.text);
-    const QueryText query = recursive ? RecursiveQuery(table)
-                            : changes ? ChangedQuery(*table.query, exposed, table.columns)
-                                      : QueryOf(*table.query, nullptr, false);
-    --viewDepth_;
+    const QueryText query = changes && !recursive ? ChangedQuery(*table.query, exposed, table.columns)
+                                                  : CommonQuery(table, recursive);
     return Derived(query.sql, query, exposed, recursive ? std::vector<Name>() : table.columns, scope, where);
 }
 
@@ -224,7 +201,7 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
     if (table.IsVariable()) throw MakeError(1087, table.position, {name});
     if (const CreateViewStatement* view = context_.ViewDefinition(name)) {
         if (++viewDepth_ > kViewNesting) throw MakeError(4413, table.position, {name});
-        std::vector<const std::vector<CommonTable>*> outside;
+        std::vector<CommonTables> outside;
         outside.swap(commonTables_);
         ++foreignDepth_;
         const bool changes =
@@ -280,7 +257,11 @@ std::string Translator::Derived(const std::string& sql, const QueryText& query, 
     }
     // Packed rows are a table by themselves: in a subquery they could not see the tables before them.
     const bool isTable = sql.starts_with(kRowsTable);
-    std::string text = (isTable ? sql : "(" + sql + ")") + " AS " + source.alias;
+    const bool isApart = ways_.separates && !isTable;
+    std::string text = isApart   ? "(SELECT * FROM (" + sql + ") LIMIT -1 OFFSET 0)"
+                       : isTable ? sql
+                                 : "(" + sql + ")";
+    text += " AS " + source.alias;
     AddSource(std::move(source), scope, position);
     return text;
 }

@@ -6,8 +6,11 @@
 //
 // A translator serves one statement. It is spread over the sources of this folder by what they translate.
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -71,9 +74,19 @@ struct Source {
 // A column that no text can name: the number of a row in the table behind a query.
 inline constexpr const char* kRowNumberName = "$row";
 
+// Groups and windows worked out in a query of their own, below the one that lists what becomes of them.
+struct Stage {
+    std::string alias;                // of the query below, quoted
+    std::vector<std::string> values;  // its columns k1, k2, …
+};
+
 // The names that an expression may use, innermost first.
 struct Scope {
     const Scope* outer = nullptr;
+    const SelectBody* select = nullptr;  // whose names they are
+    bool isBehind = false;               // FROM and WHERE are translated
+    Stage* stage = nullptr;
+    int belowStage = 0;  // within what the query below works out
     std::vector<Source> sources;
     // Set while the select list, HAVING and ORDER BY of a grouped query are translated.
     bool grouped = false;
@@ -112,9 +125,22 @@ struct QueryText {
     bool singleRow = false;
 };
 
+// How a statement has to be translated, where it is not as usual.
+struct Ways {
+    bool stages = false;                 // for all groups and windows
+    bool sharesQueries = false;          // those that WITH names stand in the text once, however often used
+    bool separates = false;              // no query in FROM is merged with the one around it
+    std::set<const SelectBody*> groups;  // queries that an aggregate within a subquery belongs to
+};
+
+// Thrown by a translation that finds out that it needs other ways: begin again.
+struct NeedsWays {
+    Ways ways;
+};
+
 class Translator {
   public:
-    explicit Translator(TranslateContext& context) : context_(context) {}
+    explicit Translator(TranslateContext& context, const Ways& ways = {}) : context_(context), ways_(ways) {}
 
     // Statements, a source each.
     Translation Select(const Query& query);
@@ -181,6 +207,7 @@ class Translator {
 
     // function.cpp
     Operand Function(const FunctionExpr& function, Scope& scope);
+    Operand Call(const FunctionEntry& entry, const FunctionExpr& function, Scope& scope, std::string name);
     Operand Grouping(const FunctionExpr& function, Scope& scope);
     std::string OrderedAggregate(const FunctionExpr& function, Scope& scope);
 
@@ -218,6 +245,17 @@ class Translator {
         return {std::move(sql), type, false, {}, nullptr};
     }
 
+    // stage.cpp
+    // The value as the query above the stage sees it.
+    Operand Staged(const Scope& scope, Operand operand);
+    // What stands behind a list in a query below; its columns come when all are known.
+    static std::string OpenStage(const Stage& stage, const std::string& tail);
+    static void CloseStage(const Stage& stage, SelectParts& parts);
+    // The scope whose query an aggregate belongs to: the nearest that one of its columns comes from.
+    const Scope& OwnerOf(const FunctionExpr& call, const Scope& scope) const;
+    bool HasOwnAggregate(const Expr& expression, const Scope& scope) const;
+    Operand OuterAggregate(const FunctionExpr& call, const Scope& owner);
+
     // select.cpp
     QueryText QueryOf(const Query& query, const Scope* outer, bool ordered);
     void TakeOptions(const Query& query);
@@ -228,6 +266,13 @@ class Translator {
     std::string CurrentRow(const Name& cursor, const std::string& alias);
     void AddStar(const SelectItem& item, Scope& scope, SelectParts& parts);
     void CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail);
+    // Says whether the rows are grouped.
+    bool AddRows(const SelectBody& select, const Query* orderFrom, Scope& scope, SelectParts& parts);
+    bool IsGrouped(const SelectBody& select, const Query* orderFrom, const Scope& scope) const;
+    void AddItems(const SelectBody& select, Scope& scope, SelectParts& parts);
+    void AddHaving(const SelectBody& select, Scope& scope, SelectParts& parts);
+    void AddOrder(const SelectBody& select, const Query* orderFrom, bool ordersFirst, Scope& scope,
+                  SelectParts& parts);
     QueryText Finish(SelectParts parts);
 
     // grouping.cpp
@@ -282,6 +327,10 @@ class Translator {
     // What WITH names; error 239 for a name that stands there twice.
     void AddCommonTables(const std::vector<CommonTable>& tables);
     const CommonTable* FindCommonTable(const std::string& name) const;
+    // The query, in the text once or wherever it is used.
+    QueryText CommonQuery(const CommonTable& table, bool recursive);
+    QueryText OpenedQuery(const CommonTable& table, bool recursive);
+    QueryText SharedText(const CommonTable& table, bool recursive);
 
     // target.cpp
     void Begin(const TableInfo& table, const char* operation);
@@ -326,14 +375,29 @@ class Translator {
     std::vector<Assigned> Assignments(const std::vector<tsql::Assignment>& assignments,
                                       const TableInfo& table, Scope& scope, const std::string& alias);
 
-    Translation Finished(std::string sql);
+    Translation Finished(const std::string& sql);
     static std::string Where(const std::string& condition) {
         return condition.empty() ? std::string() : " WHERE " + condition;
     }
 
     TranslateContext& context_;
+    Ways ways_;
     Translation translation_;
-    std::vector<const std::vector<CommonTable>*> commonTables_;
+    // What WITH names, as far as it is known where it is asked for: a query knows those before it, and
+    // itself.
+    struct CommonTables {
+        const std::vector<CommonTable>* tables;
+        std::size_t known;
+    };
+    std::vector<CommonTables> commonTables_;
+    std::vector<const CommonTable*> open_;  // that are being translated
+    std::int64_t uses_ = 0;  // of queries that WITH names, counted as often as they would stand in the text
+    struct SharedQuery {
+        QueryText text;
+        std::int64_t uses = 0;
+    };
+    std::map<const CommonTable*, SharedQuery> shared_;
+    std::string sharedTexts_;
     std::vector<std::unique_ptr<Expr>> ownedExpressions_;  // defaults and the like, parsed here
     int aggregateDepth_ = 0;
     int windowDepth_ = 0;  // within the arguments of an aggregate or a window function, or within OVER
@@ -373,7 +437,23 @@ class Translator {
 
 // Trees that mean the same within one query.
 bool SameExpression(const Expr& a, const Expr& b);
-// The query holds an aggregate of its own.
+// The expression and all within it, but for what stands in subqueries and in OVER.
+void VisitAll(const Expr& expression, const std::function<void(const Expr&)>& visit);
+bool IsAggregate(const Expr& expression);
 bool HasAggregate(const Expr& expression);
+bool HasWindow(const Expr& expression);
+
+// Translates in the way that the statement turns out to need.
+template <class Work>
+auto TranslateAsNeeded(TranslateContext& context, Ways& ways, const Work& work) {
+    for (;;) {
+        try {
+            Translator translator(context, ways);
+            return work(translator);
+        } catch (const NeedsWays& needs) {
+            ways = needs.ways;
+        }
+    }
+}
 
 }  // namespace vicenter::tsql::engine

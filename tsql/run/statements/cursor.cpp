@@ -29,11 +29,11 @@ std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const Curs
     const bool readOnly = definition.forReadOnly || Has(definition.options, "static") ||
                           Has(definition.options, "insensitive") || Has(definition.options, "fast_forward") ||
                           Has(definition.options, "read_only");
-    plan.translation = Translated([&](Translator& translator) {
+    FrameContext context(catalog_, programs_, *frame_);
+    MakePlan(plan, context, [&](Translator& translator) {
         return readOnly ? translator.Select(*definition.query) : translator.CursorQuery(*definition.query);
     });
     cursor->table = plan.translation.rowsOf;
-    plan.statement = Prepared(plan.translation.sql);
     // Variables in the query have the values of this moment.
     Bind(plan);
     cursor->columns = plan.translation.columns;
