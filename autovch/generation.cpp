@@ -102,9 +102,9 @@ std::optional<TemplateTarget> ChooseTarget(const std::string& name, const std::s
 void WriteTemplate(const TemplateTarget& target, const std::string& batch, const std::string& userId,
                    GenerationResult& result) {
     if (target.overwriteId < 0) store::ClearWayForNewTemplate();
-    std::optional<store::KeptVersion> before;
+    std::optional<store::KeptVersions> before;
     if (target.overwriteId >= 0)
-        before.emplace(std::to_string(target.overwriteId), store::HistoryCommand::Generate);
+        before.emplace(std::vector{std::to_string(target.overwriteId)}, store::HistoryCommand::Generate);
     // With the lines come the flags of the numbers that can be used, or nothing does.
     store::CommandUnit unit;
     using Outcome = store::TemplateOutcome::State;
@@ -119,11 +119,10 @@ void WriteTemplate(const TemplateTarget& target, const std::string& batch, const
     }
     const std::string templateId = std::to_string(id);
     store::RunSql(store::MarkUsable(templateId));
-    if (!unit.Commit()) {
+    if (!unit.Commit() || (before && !before->Commit())) {
         ShowMessage("凭证模板生成失败！");
         return;
     }
-    if (before) before->Stay();
     result.outcome = {Outcome::Saved, id,
                       store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>())};
     result.message =

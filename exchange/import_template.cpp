@@ -78,8 +78,9 @@ void WriteBatch(ExchangeTarget& window, const ImportBatch& batch, std::int32_t e
     const std::string& name = outcome.templateName;
     if (existingId == kNewTemplate) store::ClearWayForNewTemplate();
     store::clsVIData::ForgetFailure();
-    std::optional<store::KeptVersion> before;
-    if (existingId != kNewTemplate) before.emplace(std::to_string(existingId), store::HistoryCommand::Import);
+    std::optional<store::KeptVersions> before;
+    if (existingId != kNewTemplate)
+        before.emplace(std::vector{std::to_string(existingId)}, store::HistoryCommand::Import);
     store::CommandUnit unit;
     const auto check = [](bool done) {
         if (done) return;
@@ -92,8 +93,7 @@ void WriteBatch(ExchangeTarget& window, const ImportBatch& batch, std::int32_t e
     window.SetProgressLabel("引入完毕...");
     const std::string id = ReadTemplateId(name);
     store::RunSql(store::MarkUsable(id));
-    check(unit.Commit());
-    if (before) before->Stay();
+    check(unit.Commit() && (!before || before->Commit()));
     outcome.templateId = Variant(id).ToInt32();
     outcome.lines = batch.lines;
     outcome.written = true;

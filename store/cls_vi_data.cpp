@@ -16,6 +16,12 @@ namespace {
 std::string lastFailure;
 std::string lastRefusal;
 
+void ShowRefusal(const std::string& text) {
+    lastRefusal = EngineTextInChinese(text);
+    system::Surroundings::Current().messageBoxes->Show(
+        lastRefusal, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+}
+
 }  // namespace
 
 clsVIData::clsVIData() {
@@ -72,6 +78,14 @@ void clsVIData::ForgetFailure() {
     lastFailure.clear();
 }
 
+void clsVIData::NoteFailure(const std::string& text) {
+    lastFailure = text;
+}
+
+void clsVIData::ShowFailure() {
+    ShowRefusal(lastFailure);
+}
+
 bool clsVIData::IsExecuteSql(const std::string& strsql) {
     lastRefusal.clear();
     try {
@@ -82,9 +96,7 @@ bool clsVIData::IsExecuteSql(const std::string& strsql) {
         return true;
     } catch (const Error& error) {
         entry::KeepError(error);
-        lastRefusal = EngineTextInChinese(error.Text());
-        system::Surroundings::Current().messageBoxes->Show(
-            lastRefusal, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+        ShowRefusal(error.Text());
         return false;
     }
 }

@@ -2,6 +2,8 @@
 
 #include "automation/error.h"
 #include "entry/host_context.h"
+#include "entry/kept_error.h"
+#include "store/cls_vi_data.h"
 
 namespace vicenter::store {
 
@@ -10,11 +12,19 @@ CommandUnit::CommandUnit() {
         unit_ = ado::HostFramework::Process().BeginUnit(entry::GetPropsString());
     } catch (const automation::Error&) {
         // No property string, no account set: the first statement meets it and tells it in its own way.
+        begun_ = false;
     }
 }
 
 bool CommandUnit::Commit() {
-    const bool kept = unit_ == nullptr || unit_->Commit();
+    bool kept = true;
+    try {
+        kept = unit_ == nullptr || unit_->Commit();
+    } catch (const automation::Error& error) {
+        entry::KeepError(error);
+        clsVIData::NoteFailure(error.Text());
+        kept = false;
+    }
     unit_.reset();
     return kept;
 }

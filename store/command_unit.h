@@ -15,11 +15,18 @@ class CommandUnit {
     // Nothing is written yet. Undone at the end of the scope unless committed.
     CommandUnit();
 
-    // False: what was written has been undone. True as well where each statement stands for itself.
+    // False: it could not be begun, and each statement stands for itself.
+    bool HasBegun() const { return begun_; }
+    // False where each statement stands for itself, because the host's service has no units or this one is
+    // part of another.
+    bool IsOne() const { return unit_ != nullptr; }
+    // False: what was written has been undone, or the account set was lost meanwhile;
+    // clsVIData::LastFailure() says why. True as well where each statement stands for itself.
     bool Commit();
 
   private:
     std::unique_ptr<ado::UnitOfWork> unit_;
+    bool begun_ = true;
 };
 
 }  // namespace vicenter::store

@@ -164,25 +164,55 @@ std::string CommandText(HistoryCommand command) {
     return {};
 }
 
-KeptVersion::KeptVersion(const std::string& templateId, HistoryCommand command, const KeptVersion* together)
-    : templateId_(templateId) {
+KeptVersions::KeptVersions(const std::vector<std::string>& templateIds, HistoryCommand command) {
+    unit_.emplace();
+    bool all = unit_->HasBegun();
+    for (std::size_t i = 0; all && i < templateIds.size(); ++i)
+        all = Keep(templateIds[i], command);
+    if (all) return;
+    if (unit_->IsOne()) kept_.clear();
+    unit_.reset();
+    entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-历史版本未能保留");
+}
+
+bool KeptVersions::Keep(const std::string& templateId, HistoryCommand command) {
     const std::string time =
-        together == nullptr || together->id_.empty()
-            ? "GetDate()"
-            : "(select FKeptAt from t_VchTpHistory where FHistoryID = " + together->id_ + ")";
+        kept_.empty() ? "GetDate()"
+                      : "(select FKeptAt from t_VchTpHistory where FHistoryID = " + kept_.front().id + ")";
     const ado::RecordsetRef kept = GetRecordset(KeepBatch(templateId, command, entry::CurrentUserId(), time));
     try {
-        if (kept == nullptr) throw Error(automation::error_number::kObjectVariableNotSet);
-        if (kept->ColumnCount() > 0 && !kept->AtEnd()) id_ = kept->Value("FHistoryID").ToText();
+        if (kept == nullptr) return false;
+        if (kept->ColumnCount() > 0 && !kept->AtEnd())
+            kept_.push_back({templateId, kept->Value("FHistoryID").ToText()});
+        return true;
     } catch (const Error&) {
-        entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-历史版本未能保留");
+        return false;
     }
 }
 
-KeptVersion::~KeptVersion() {
-    if (id_.empty() || stays_) return;
-    // If not, it stays, the same as what is there: no harm but in the list.
-    automation::Quietly([this] { GetRecordset(GiveUpBatch(templateId_, id_)); });
+KeptVersions::~KeptVersions() {
+    // In a unit that is not kept there are none.
+    if (unit_ && unit_->IsOne()) return;
+    for (const Version& version : kept_) {
+        // If not, it stays, the same as what is there: no harm but in the list.
+        automation::Quietly([&] { GetRecordset(GiveUpBatch(version.templateId, version.id)); });
+    }
+}
+
+bool KeptVersions::Commit() {
+    const bool committed = !unit_ || unit_->Commit();
+    kept_.clear();
+    return committed;
+}
+
+bool KeptVersions::CommitOrShow() {
+    if (Commit()) return true;
+    clsVIData::ShowFailure();
+    return false;
+}
+
+bool KeptVersions::RunAndCommit(const std::string& sql) {
+    return RunSql(sql) && CommitOrShow();
 }
 
 History ReadHistory(const std::string& templateId) {

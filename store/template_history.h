@@ -1,7 +1,7 @@
 #pragma once
 
 // What a template held before a command wrote to it: kept in the account set by one batch of its own, in
-// front of the command's, and brought back from there. The tables are those of
+// front of the command's and in one unit with it, and brought back from there. The tables are those of
 // host/accountset/history.sql; an account set without them keeps nothing, and nothing is told about it
 // but on request. No line leaves the account set while a version is kept or brought back. User-interface
 // thread.
@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/ado/recordset.h"
+#include "store/command_unit.h"
 
 namespace vicenter::store {
 
@@ -28,27 +29,37 @@ enum class HistoryCommand : std::int32_t {
 // For users; empty for a number that is none of ours.
 std::string CommandText(HistoryCommand command);
 
-// The version that is there now, kept before a command writes, in a unit of its own: a failure is no reason
-// to stop the command and stands in the operation log. Given up at the end of the scope unless the command
-// has replaced it; where something else stands there all the same (a line was cut while it was stored), it
-// stays.
-class KeptVersion {
+// The versions that are there now, kept before a command writes to them. Where the host's service can do
+// that, they and what the command writes are one unit, on the disk at once; elsewhere they are given up at
+// the end of the scope unless the command has replaced them, and one stays where something else stands there
+// all the same (a line was cut while it was stored). A failure to keep them is no reason to stop the command:
+// it goes on outside the unit, and the operation log tells. While one is in scope nobody is asked anything.
+class KeptVersions {
   public:
-    // The current user gives the command. A template that is not there has no version. together: a version
-    // that was kept for the same command of another template; what the command wrote at once is known by its
-    // time.
-    KeptVersion(const std::string& templateId, HistoryCommand command, const KeptVersion* together = nullptr);
-    KeptVersion(const KeptVersion&) = delete;
-    KeptVersion& operator=(const KeptVersion&) = delete;
-    ~KeptVersion();
+    // The current user gives the command. A template that is not there has no version. What one command wrote
+    // to several templates is known by their one time.
+    KeptVersions(const std::vector<std::string>& templateIds, HistoryCommand command);
+    KeptVersions(const KeptVersions&) = delete;
+    KeptVersions& operator=(const KeptVersions&) = delete;
+    ~KeptVersions();
 
-    // The command has written: the version is history.
-    void Stay() { stays_ = true; }
+    // The command has written: the versions are history. False when that and what was written has been undone
+    // instead, or nobody knows; clsVIData::LastFailure() says why.
+    bool Commit();
+    // The same; an error has been shown to the user like that of a batch.
+    bool CommitOrShow();
+    // The command's batch, and that.
+    bool RunAndCommit(const std::string& sql);
 
   private:
-    std::string templateId_;
-    std::string id_;  // empty: none
-    bool stays_ = false;
+    struct Version {
+        std::string templateId;
+        std::string id;
+    };
+    bool Keep(const std::string& templateId, HistoryCommand command);
+
+    std::optional<CommandUnit> unit_;
+    std::vector<Version> kept_;
 };
 
 struct HistoryVersion {

@@ -46,10 +46,9 @@ store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const s
         TellGone(name);
         return {};
     }
-    store::KeptVersion kept(templateId, store::HistoryCommand::Restore);
-    if (!store::RunSql(store::RestoreOverBatch(version.id, templateId)))
+    if (!store::KeptVersions({templateId}, store::HistoryCommand::Restore)
+             .RunAndCommit(store::RestoreOverBatch(version.id, templateId)))
         return TellFailed(name, State::Refused);
-    kept.Stay();
     return TellRestored(templateId, name);
 }
 

@@ -1,7 +1,6 @@
 // What a replacement writes, and how it is taken back.
 
 #include <algorithm>
-#include <memory>
 
 #include "center/frame/window_state.h"
 #include "center/grid/quiet_grid.h"
@@ -22,24 +21,6 @@ using entry::LogKind;
 using store::LineTexts;
 
 namespace {
-
-// The versions of several templates that one command replaces.
-class KeptGroup {
-  public:
-    explicit KeptGroup(store::HistoryCommand command) : command_(command) {}
-    void Keep(const std::string& templateId) {
-        kept_.push_back(std::make_unique<store::KeptVersion>(templateId, command_,
-                                                             kept_.empty() ? nullptr : kept_.front().get()));
-    }
-    void Stay() {
-        for (const auto& version : kept_)
-            version->Stay();
-    }
-
-  private:
-    store::HistoryCommand command_;
-    std::vector<std::unique_ptr<store::KeptVersion>> kept_;
-};
 
 std::string Joined(const std::vector<std::string>& texts, const char* separator) {
     std::string joined;
@@ -94,9 +75,9 @@ std::string CodeReplacement::WhyNot(const Target& target, const std::vector<Line
 }
 
 bool CodeReplacement::Send(std::vector<std::string>& told) {
-    KeptGroup kept(store::HistoryCommand::Replace);
     std::string batch;
     std::vector<const Target*> sent;
+    std::vector<std::string> ids;
     for (const Target& target : targets_) {
         const std::vector<LineTexts> lines = LinesOf(target);
         if (lines.empty()) continue;
@@ -105,7 +86,7 @@ bool CodeReplacement::Send(std::vector<std::string>& told) {
             continue;
         }
         const std::string& id = templates_[target.stored].id;
-        kept.Keep(id);
+        ids.push_back(id);
         batch += store::SaveBatch(id, static_cast<int>(lines.size()), [&](int row, int gridColumn) {
             return std::string_view(
                 lines[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(gridColumn - 1)]);
@@ -113,8 +94,7 @@ bool CodeReplacement::Send(std::vector<std::string>& told) {
         sent.push_back(&target);
     }
     if (sent.empty()) return false;
-    const bool done = store::RunSql(batch);
-    if (done) kept.Stay();
+    const bool done = store::KeptVersions(ids, store::HistoryCommand::Replace).RunAndCommit(batch);
     std::ptrdiff_t all = 0;
     std::string notes;
     for (const Target* target : sent) {
@@ -197,14 +177,13 @@ bool CodeReplacement::UndoLast(const std::string& userId) {
             system::MessageButtons::YesNo) != system::MessageResult::Yes) {
         return false;
     }
-    KeptGroup kept(store::HistoryCommand::Restore);
     std::string batch;
+    std::vector<std::string> ids;
     for (const store::HistoryVersion* version : open) {
-        kept.Keep(version->templateId);
+        ids.push_back(version->templateId);
         batch += store::RestoreOverBatch(version->id, version->templateId);
     }
-    const bool done = store::RunSql(batch);
-    if (done) kept.Stay();
+    const bool done = store::KeptVersions(ids, store::HistoryCommand::Restore).RunAndCommit(batch);
     std::string notes;
     for (std::size_t i = 0; i < open.size(); ++i) {
         Log(done ? LogKind::Succeeded : LogKind::Failed, "撤消替换 " + names[i] + (done ? " 成功" : " 失败"));

@@ -89,9 +89,8 @@ store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const s
     bool stored = false;
     try {
         // A rejected batch has been shown to the user by then; the messages of a success follow all the same.
-        store::KeptVersion before(templateId, store::HistoryCommand::Save);
-        stored = store::RunSql(BuildSaveBatch(grid, rowCount, templateId));
-        if (stored) before.Stay();
+        stored = store::KeptVersions({templateId}, store::HistoryCommand::Save)
+                     .RunAndCommit(BuildSaveBatch(grid, rowCount, templateId));
         const auto unusable = store::ReadUnusableNumbers(templateId);
         if (!unusable) throw Error(automation::error_number::kObjectVariableNotSet);
         Tell(store::WithUnusableNote("模板 " + name + " 保存成功！", *unusable));

@@ -55,6 +55,16 @@ const char* NameFaultText(const std::string& name) {
     return nullptr;
 }
 
+bool RenameKeepingVersion(const std::string& id, const std::string& name) {
+    store::KeptVersions before({id}, store::HistoryCommand::Rename);
+    return store::RenameTemplate(id, name) && before.CommitOrShow();
+}
+
+bool DeleteKeepingVersion(const std::string& id) {
+    store::KeptVersions before({id}, store::HistoryCommand::Delete);
+    return store::clsVIData().DeleteVchTemplateInfo(id) && before.Commit();
+}
+
 }  // namespace
 
 TemplateTree::TemplateTree(WindowState& state, std::function<bool()> confirm, std::function<void()> leaving,
@@ -245,9 +255,7 @@ bool TemplateTree::AfterLabelEdit(const std::string& label) {
     }
     const std::string id = IdOf(selected_);
     if (!MayRename(TextOf(selected_), id)) return false;
-    store::KeptVersion before(id, store::HistoryCommand::Rename);
-    if (!store::RenameTemplate(id, newText)) return false;
-    before.Stay();
+    if (!RenameKeepingVersion(id, newText)) return false;
     SetNodeText(selected_, newText);
     Open(newText, id, newText);
     return true;
@@ -342,13 +350,11 @@ void TemplateTree::DeleteSelected() {
         return;
     }
     if (!MayDelete(text)) return;
-    store::KeptVersion before(IdOf(selected_), store::HistoryCommand::Delete);
-    if (!store::clsVIData().DeleteVchTemplateInfo(IdOf(selected_))) {
+    if (!DeleteKeepingVersion(IdOf(selected_))) {
         Tell("删除失败！");
         entry::WriteOperationLog(LogKind::Failed, "凭证模板-删除模板 " + text + " 失败");
         return;
     }
-    before.Stay();
     const std::string removed = selected_;
     const auto at = static_cast<std::size_t>(Find(removed) - nodes_.data());
     // The root at index 0 is no sibling.

@@ -16,7 +16,7 @@ class PlainUnit : public UnitOfWork {
   public:
     explicit PlainUnit(std::string connectString)
         : connectString_(std::move(connectString)), connection_(OpenConnection(connectString_)) {
-        begun_ = current == nullptr && connection_->BeginUnit();
+        begun_ = connection_->BeginUnit();
         if (begun_) current = this;
     }
     ~PlainUnit() override {
@@ -26,6 +26,7 @@ class PlainUnit : public UnitOfWork {
     bool Commit() override { return connection_->CommitUnit(); }
 
     bool Begun() const { return begun_; }
+    static bool IsOpen() { return current != nullptr; }
     static ConnectionRef ConnectionFor(const std::string& connectString) {
         if (current == nullptr || current->connectString_ != connectString) return nullptr;
         return current->connection_;
@@ -75,13 +76,9 @@ class PlainFramework : public HostFramework {
         return connectString;
     }
     std::unique_ptr<UnitOfWork> BeginUnit(const std::string& propsString) override {
-        try {
-            auto unit = std::make_unique<PlainUnit>(ConnectStringOf(propsString));
-            return unit->Begun() ? std::move(unit) : nullptr;
-        } catch (const automation::Error&) {
-            // The first statement meets it again and tells it in its own way.
-            return nullptr;
-        }
+        if (PlainUnit::IsOpen()) return nullptr;
+        auto unit = std::make_unique<PlainUnit>(ConnectStringOf(propsString));
+        return unit->Begun() ? std::move(unit) : nullptr;
     }
 };
 

@@ -56,8 +56,9 @@ class HostFramework {
     // The host's object factory; the default asks the process's class registry.
     virtual automation::ObjectRef CreateObject(const std::string& progId) = 0;
 
-    // None when the host's service keeps each statement by itself. One at a time; the caller ends it before
-    // it waits for a user.
+    // None when the host's service keeps each statement by itself, and within another one, whose part the
+    // statements are then. The caller ends it before it waits for a user. Throws automation::Error when it
+    // cannot be begun.
     virtual std::unique_ptr<UnitOfWork> BeginUnit(const std::string&) { return nullptr; }
 
     // The connect string whose plain connections the brokers of that property string hand out; nothing when

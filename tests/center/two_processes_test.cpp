@@ -303,20 +303,51 @@ TEST_F(TwoProcesses, BlanksAroundARestoredNameMakeNoSecondTemplateOfIt) {
     EXPECT_EQ(Value("select count(*) from t_VchTemplate where FName = '版本'"), "1");
 }
 
+// A host whose connections know no units.
+class WithoutUnits {
+  public:
+    WithoutUnits() { ado::HostFramework::SetProcess(std::make_shared<Framework>()); }
+    WithoutUnits(const WithoutUnits&) = delete;
+    WithoutUnits& operator=(const WithoutUnits&) = delete;
+    ~WithoutUnits() { ado::HostFramework::SetProcess(nullptr); }
+
+  private:
+    class Broker : public ado::Broker {
+      public:
+        void Bind(const std::string& propsString) override { propsString_ = propsString; }
+        automation::ObjectRef Auxiliary() override { return nullptr; }
+        void Settle() override {}
+        ado::ConnectionRef GiveConnection() override {
+            return ado::OpenConnection(ado::ConnectString(propsString_).Value("ConnectString"));
+        }
+
+      private:
+        std::string propsString_;
+    };
+    class Framework : public ado::HostFramework {
+      public:
+        std::shared_ptr<ado::Broker> GiveBroker() override { return std::make_shared<Broker>(); }
+        automation::ObjectRef CreateObject(const std::string& progId) override {
+            return automation::CreateObject(progId);
+        }
+    };
+};
+
 // A command whose end nobody heard of may have written: then the version is all that is left of the lines.
 TEST_F(TwoProcesses, AVersionIsGivenUpOnlyWhereItIsWhatStandsThere) {
     const std::string id = NewTemplate("版本");
     ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
     const std::string kept = "select count(*) from t_VchTpHistory where FCommand = 3 and FID = " + id;
-    { const store::KeptVersion nothingWritten(id, store::HistoryCommand::Generate); }
+    const WithoutUnits host;
+    { const store::KeptVersions nothingWritten({id}, store::HistoryCommand::Generate); }
     EXPECT_EQ(Value(kept), "0");
     {
-        const store::KeptVersion written(id, store::HistoryCommand::Generate);
+        const store::KeptVersions written({id}, store::HistoryCommand::Generate);
         session_->Execute("update t_VchTemplateEntry set FAmount = 5 where FID = " + id);
     }
     EXPECT_EQ(Value(kept), "1");
     {
-        const store::KeptVersion deleted(id, store::HistoryCommand::Generate);
+        const store::KeptVersions deleted({id}, store::HistoryCommand::Generate);
         session_->Execute("delete t_VchTemplate where FID = " + id);
     }
     EXPECT_EQ(Value(kept), "2");

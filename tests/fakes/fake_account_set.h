@@ -71,6 +71,14 @@ class FakeAccountSet {
         state_->responders.emplace_back(part, std::move(responder));
     }
 
+    // From here on statements of a command can be one unit. Calls() then has "begin unit", "commit unit"
+    // where it was asked for and "end unit"; an error text refuses the one or the other.
+    void KnowUnits(const std::string& beginError = {}, const std::string& commitError = {}) {
+        state_->knowsUnits = true;
+        state_->beginError = beginError;
+        state_->commitError = commitError;
+    }
+
     // Every statement executed, in order.
     const std::vector<std::string>& Statements() const { return state_->statements; }
     std::string LastStatement() const { return state_->statements.empty() ? "" : state_->statements.back(); }
@@ -87,8 +95,30 @@ class FakeAccountSet {
         std::vector<std::pair<std::string, Responder>> responders;
         std::vector<std::string> statements;
         std::vector<std::string> calls;
+        bool knowsUnits = false;
+        bool unitIsOpen = false;
+        std::string beginError;
+        std::string commitError;
     };
     using StateRef = std::shared_ptr<State>;
+
+    class FakeUnit : public ado::UnitOfWork {
+      public:
+        explicit FakeUnit(StateRef state) : state_(std::move(state)) { state_->unitIsOpen = true; }
+        ~FakeUnit() override {
+            state_->unitIsOpen = false;
+            state_->calls.emplace_back("end unit");
+        }
+        bool Commit() override {
+            state_->calls.emplace_back("commit unit");
+            if (!state_->commitError.empty())
+                throw automation::Error(ado::error_number::kProviderError, state_->commitError, "FakeUnit");
+            return true;
+        }
+
+      private:
+        StateRef state_;
+    };
 
     class FakeConnection : public ado::Connection {
       public:
@@ -140,6 +170,13 @@ class FakeAccountSet {
         }
         automation::ObjectRef CreateObject(const std::string& progId) override {
             return automation::CreateObject(progId);
+        }
+        std::unique_ptr<ado::UnitOfWork> BeginUnit(const std::string&) override {
+            if (!state_->knowsUnits || state_->unitIsOpen) return nullptr;
+            state_->calls.emplace_back("begin unit");
+            if (!state_->beginError.empty())
+                throw automation::Error(ado::error_number::kProviderError, state_->beginError, "FakeUnit");
+            return std::make_unique<FakeUnit>(state_);
         }
 
       private:

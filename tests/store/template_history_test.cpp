@@ -34,7 +34,7 @@ class HistoryTest : public StoreTest {
 };
 
 TEST_F(HistoryTest, OneBatchKeepsAVersionAndClearsOldOnes) {
-    const KeptVersion kept("5", HistoryCommand::Import);
+    const KeptVersions kept({"5"}, HistoryCommand::Import);
     const std::string old =
         "select FHistoryID from t_VchTpHistory where FID = 5 and FKeptAt < @before and FHistoryID not in "
         "(select top (@least) FHistoryID from t_VchTpHistory where FID = 5 order by FHistoryID desc)";
@@ -64,13 +64,13 @@ TEST_F(HistoryTest, OneBatchKeepsAVersionAndClearsOldOnes) {
 }
 
 TEST_F(HistoryTest, WhatIsAboutToBeBroughtBackIsNotLetGo) {
-    const KeptVersion kept("5", HistoryCommand::Restore);
+    const KeptVersions kept({"5"}, HistoryCommand::Restore);
     EXPECT_EQ(set_.LastStatement().find("delete"), std::string::npos);
 }
 
 TEST_F(HistoryTest, AVersionIsGivenUpWhenNothingHasReplacedIt) {
     {
-        const KeptVersion kept("5", HistoryCommand::Save);
+        const KeptVersions kept({"5"}, HistoryCommand::Save);
         set_.Forget();
     }
     const std::string present =
@@ -90,9 +90,9 @@ TEST_F(HistoryTest, AVersionIsGivenUpWhenNothingHasReplacedIt) {
 
 TEST_F(HistoryTest, AVersionThatWasReplacedStays) {
     {
-        KeptVersion kept("5", HistoryCommand::Save);
+        KeptVersions kept({"5"}, HistoryCommand::Save);
         set_.Forget();
-        kept.Stay();
+        EXPECT_TRUE(kept.Commit());
     }
     EXPECT_TRUE(set_.Statements().empty());
 }
@@ -100,7 +100,7 @@ TEST_F(HistoryTest, AVersionThatWasReplacedStays) {
 TEST_F(HistoryTest, WhereNothingIsKeptNothingIsGivenUpAndNobodyIsTold) {
     set_.Answer("select @kept as FHistoryID", Rows({}));
     {
-        const KeptVersion kept("5", HistoryCommand::Save);
+        const KeptVersions kept({"5"}, HistoryCommand::Save);
         set_.Forget();
     }
     EXPECT_TRUE(set_.Statements().empty());
@@ -109,8 +109,95 @@ TEST_F(HistoryTest, WhereNothingIsKeptNothingIsGivenUpAndNobodyIsTold) {
 
 TEST_F(HistoryTest, AFailureIsSilentAndStopsNothing) {
     set_.Fail("t_VchTpHistory", "disk full");
-    { const KeptVersion kept("5", HistoryCommand::Delete); }
+    { const KeptVersions kept({"5"}, HistoryCommand::Delete); }
     EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
+}
+
+// --- version and command as one unit
+
+class UnitOfHistory : public HistoryTest {
+  protected:
+    // Of the calls of the connection service those that make the order, statements by their first word.
+    std::string Order() const {
+        std::string order;
+        std::size_t statement = 0;
+        for (const std::string& call : set_.Calls()) {
+            if (call == "execute") {
+                const std::string& text = set_.Statements()[statement++];
+                order += text.substr(0, text.find(' ')) + ";";
+            } else if (call.ends_with(" unit")) {
+                order += call + ";";
+            }
+        }
+        return order;
+    }
+    std::vector<std::string> Shown() const {
+        std::vector<std::string> texts;
+        for (const auto& box : surroundings_.messageBoxes->shown)
+            texts.push_back(box.text);
+        return texts;
+    }
+    static bool Update() {
+        return KeptVersions({"5"}, HistoryCommand::Save)
+            .RunAndCommit("update t_VchTemplateEntry set FNo = 1");
+    }
+};
+
+TEST_F(UnitOfHistory, TheVersionAndTheCommandAreCommittedTogether) {
+    set_.KnowUnits();
+    EXPECT_TRUE(Update());
+    EXPECT_EQ(Order(), "begin unit;if;update;commit unit;end unit;");
+    EXPECT_TRUE(Shown().empty());
+}
+
+TEST_F(UnitOfHistory, ARefusedCommandTakesItsVersionAlongAndIsShown) {
+    set_.KnowUnits();
+    set_.Fail("update ", "disk full");
+    EXPECT_FALSE(Update());
+    EXPECT_EQ(Order(), "begin unit;if;update;end unit;");
+    EXPECT_EQ(Shown(), Statements{"disk full"});
+}
+
+TEST_F(UnitOfHistory, AVersionThatCannotBeKeptEndsTheUnitBeforeTheCommandRuns) {
+    set_.KnowUnits();
+    set_.Fail("t_VchTpHistory", "damaged");
+    EXPECT_TRUE(Update());
+    EXPECT_EQ(Order(), "begin unit;if;end unit;update;");
+    EXPECT_TRUE(Shown().empty());
+}
+
+TEST_F(UnitOfHistory, AUnitThatCannotBeBegunIsNotAskedForAVersion) {
+    set_.KnowUnits("locked");
+    EXPECT_TRUE(Update());
+    EXPECT_EQ(Order(), "begin unit;update;");
+    EXPECT_TRUE(Shown().empty());
+}
+
+TEST_F(UnitOfHistory, ARefusedCommitIsShownAsARefusedBatch) {
+    set_.KnowUnits({}, "nobody knows");
+    EXPECT_FALSE(Update());
+    EXPECT_EQ(Order(), "begin unit;if;update;commit unit;end unit;");
+    EXPECT_EQ(Shown(), Statements{"nobody knows"});
+    EXPECT_EQ(clsVIData::LastRefusal(), "nobody knows");
+}
+
+TEST_F(UnitOfHistory, OneOfSeveralThatCannotBeKeptTakesTheOthersAlong) {
+    set_.KnowUnits();
+    set_.Fail("where FID = 6", "damaged");
+    {
+        KeptVersions kept({"5", "6", "7"}, HistoryCommand::Replace);
+        EXPECT_TRUE(kept.RunAndCommit("update t_VchTemplateEntry set FNo = 1"));
+    }
+    EXPECT_EQ(Order(), "begin unit;if;if;end unit;update;");
+}
+
+TEST_F(UnitOfHistory, WhereUnitsAreUnknownEachStandsForItself) {
+    EXPECT_TRUE(Update());
+    EXPECT_EQ(Order(), "if;update;");
+    set_.Forget();
+    set_.Fail("update ", "disk full");
+    EXPECT_FALSE(Update());
+    EXPECT_EQ(Order(), "if;update;if;");  // the version is given up
 }
 
 TEST_F(HistoryTest, VersionsAreReadLatestFirst) {
@@ -147,9 +234,9 @@ TEST_F(HistoryTest, DeletedTemplatesAreTheUsersOwn) {
 }
 
 TEST_F(HistoryTest, WhatOneReplacementWroteToIsKnownByItsTime) {
-    const KeptVersion first("5", HistoryCommand::Replace);
-    EXPECT_NE(set_.LastStatement().find(",7,16394,GetDate(),"), std::string::npos);
-    const KeptVersion second("6", HistoryCommand::Replace, &first);
+    const KeptVersions kept({"5", "6"}, HistoryCommand::Replace);
+    ASSERT_EQ(set_.Statements().size(), 2U);
+    EXPECT_NE(set_.Statements()[0].find(",7,16394,GetDate(),"), std::string::npos);
     EXPECT_NE(
         set_.LastStatement().find(",7,16394,(select FKeptAt from t_VchTpHistory where FHistoryID = 41),"),
         std::string::npos);

@@ -12,6 +12,7 @@
 #include "platform/ado/file_care.h"
 #include "platform/ado/long_work_watch.h"
 #include "platform/ado/running_batch.h"
+#include "platform/ado/unit_text.h"
 #include "text/hex.h"
 
 namespace vicenter::ado {
@@ -264,6 +265,9 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
         throw Error(error_number::kStillExecuting,
                     "Operation cannot be performed while executing asynchronously.", kProviderName);
     }
+    // A batch of a unit that is gone must not be kept by itself.
+    if (unitLost_) throw Error(error_number::kProviderError, kUnitLostText, kProviderName);
+    unitLost_ = inUnit_;  // until this one has come to its end
     RecordsetSink sink;
     engine::ExecutionLimits limits;
     limits.timeout = std::chrono::seconds(CommandTimeout());
@@ -291,6 +295,7 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
                                                                   : error_number::kProviderError,
                     first.text, kProviderName);
     }
+    unitLost_ = false;
     if (recordsAffected != nullptr) *recordsAffected = report.rowsAffected;
     return sink.First() ? sink.First() : std::make_shared<Recordset>();
 } catch (const std::bad_alloc&) {
@@ -308,6 +313,8 @@ void AccountSetConnection::LeaveLostFile() {
 }
 
 void AccountSetConnection::Close() {
+    inUnit_ = false;
+    unitLost_ = false;
     if (!session_) return;
     SessionPool* pool = poolKey_.empty() ? nullptr : SessionPool::Process();
     if (pool != nullptr) pool->Keep(poolKey_, std::move(session_));
@@ -316,17 +323,18 @@ void AccountSetConnection::Close() {
 
 bool AccountSetConnection::BeginUnit() {
     AccountSetConnection::Execute("begin transaction", nullptr);
+    inUnit_ = true;
     return true;
 }
 
 bool AccountSetConnection::CommitUnit() {
-    try {
-        // There is nothing to commit when a batch has failed since, which has undone everything.
-        AccountSetConnection::Execute("commit transaction", nullptr);
-        return true;
-    } catch (const Error&) {
-        return false;
-    }
+    // There is nothing to commit when a batch has failed since, which has undone everything.
+    const bool lost = unitLost_ || !inUnit_;
+    inUnit_ = false;
+    unitLost_ = false;
+    if (lost) return false;
+    AccountSetConnection::Execute("commit transaction", nullptr);
+    return true;
 }
 
 std::optional<std::uint32_t> AccountSetConnection::DataVersion() {

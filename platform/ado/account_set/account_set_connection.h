@@ -32,6 +32,8 @@ class AccountSetConnection final : public Connection {
 
     std::string poolKey_;  // empty when the session is not to be kept
     std::unique_ptr<tsql::engine::Session> session_;
+    bool inUnit_ = false;
+    bool unitLost_ = false;  // a batch of it has failed
     std::vector<DriverError> errors_;
     RecordsetRef despiteFailure_;
 };

@@ -14,6 +14,7 @@
 #include "platform/ado/odbc/watched_work.h"
 #include "platform/ado/running_batch.h"
 #include "platform/ado/side_by_side.h"
+#include "platform/ado/unit_text.h"
 
 namespace vicenter::ado {
 
@@ -32,7 +33,6 @@ constexpr const char* kLostAtCommitText =
     "提交时与数据库服务器的连接断开，无法确定是否已经保存，请重新打开后检查。";
 constexpr const char* kUnknownAtCommitText =
     "提交时数据库服务器没有回答，无法确定是否已经保存，请重新打开后检查。";
-constexpr const char* kUnitLostText = "事务没有开始或已经撤消，整个操作没有保存。请重新操作。";
 constexpr std::int32_t kFirstErrorSeverity = 11;
 
 // Three trips for a unit, one for what only reads or changes once. A transaction that a driver keeps open all
@@ -265,8 +265,9 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
     const BatchNature nature = NatureOf(batch);
     if (nature.leavesTraces) link_->hasTraces = true;
     std::string text = Marked(batch);
-    OdbcOutcome outcome =
-        settings_.batchTransactions && nature.needsUnit ? RunAsUnit(std::move(text)) : Run(std::move(text));
+    OdbcOutcome outcome = settings_.batchTransactions && nature.needsUnit && !inUnit_
+                              ? RunAsUnit(std::move(text))
+                              : Run(std::move(text));
     if (outcome.HasFailed()) {
         // As on the embedded account set a batch that fails undoes the transaction that it runs in.
         if (!outcome.HasStopped() && settings_.batchTransactions && (inUnit_ || link_->hasTraces)) {

@@ -194,6 +194,21 @@ TEST_F(AdoAccountSetTest, The_data_version_changes_with_every_change_whoever_mak
     EXPECT_EQ(one->DataVersion(), std::nullopt);
 }
 
+TEST_F(AdoAccountSetTest, No_batch_of_a_unit_that_is_gone_is_kept_by_itself) {
+    const ConnectionRef connection = OpenConnection(Connect());
+    connection->Execute("create table t (a int)");
+    EXPECT_TRUE(connection->BeginUnit());
+    connection->Execute("insert into t values (1)");
+    EXPECT_THROW(connection->Execute("select * from nowhere"), automation::Error);
+    EXPECT_THROW(connection->Execute("insert into t values (2)"), automation::Error);
+    EXPECT_FALSE(connection->CommitUnit());
+    EXPECT_EQ(connection->Execute("select a from t")->RecordCount(), 0);
+    EXPECT_TRUE(connection->BeginUnit());
+    connection->Execute("insert into t values (3)");
+    EXPECT_TRUE(connection->CommitUnit());
+    EXPECT_EQ(connection->Execute("select a from t")->RecordCount(), 1);
+}
+
 TEST_F(AdoAccountSetTest, A_closed_connection_says_so) {
     const ConnectionRef connection = OpenConnection(Connect());
     connection->Close();
