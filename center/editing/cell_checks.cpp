@@ -52,6 +52,12 @@ TextVerdict OwnVerdict(const EntryGrid& grid, const CellAddress& cell) {
     return text.empty() ? TextVerdict::Taken : CheckTypedText(cell.column, text);
 }
 
+bool IsRedWithItsCode(const EntryGrid& grid, const CellAddress& cell) {
+    return cell.column == column::kAccountName &&
+           grid.Look(cell.row, column::kAccountNumber).foreColor == color::kRed &&
+           OwnVerdict(grid, cell) == TextVerdict::Taken;
+}
+
 void MarkOwnVerdict(EntryGrid& grid, const CellAddress& cell) {
     if (OwnVerdict(grid, cell) != TextVerdict::Taken) {
         Paint(grid, cell, true);

@@ -22,6 +22,9 @@ int CheckOfColumn(int gridColumn);
 // What the column itself says of a cell's text, whoever put it there: refused when it was given, or a number
 // outside of the column's limits. Needs no database.
 TextVerdict OwnVerdict(const EntryGrid& grid, const CellAddress& cell);
+// Code and name of an account are red together, for one reason: the name then counts with its code wherever
+// faults are counted or told one by one.
+bool IsRedWithItsCode(const EntryGrid& grid, const CellAddress& cell);
 // Colours one cell by its own verdict; what its check has found stays.
 void MarkOwnVerdict(EntryGrid& grid, const CellAddress& cell);
 

@@ -24,12 +24,8 @@ FaultList::Columns FaultList::RedOf(int row) const {
     const EntryGrid& grid = *state_.grid;
     Columns red = 0;
     for (int c = 1; c <= kColumnCount; ++c) {
-        if (grid.Look(row, c).foreColor == color::kRed) red |= Bit(c);
+        if (grid.Look(row, c).foreColor == color::kRed && !IsRedWithItsCode(grid, {row, c})) red |= Bit(c);
     }
-    // Code and name of an account are red together, for one reason.
-    const bool twice = (red & Bit(column::kAccountNumber)) != 0 && (red & Bit(column::kAccountName)) != 0;
-    if (twice && OwnVerdict(grid, {row, column::kAccountName}) == TextVerdict::Taken)
-        red &= ~Bit(column::kAccountName);
     return red;
 }
 

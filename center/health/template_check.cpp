@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "center/editing/cell_checks.h"
 #include "center/editing/fault_text.h"
 #include "center/frame/status_line.h"
 #include "center/grid/columns.h"
@@ -28,6 +29,7 @@ std::string PatternOf(const EntryGrid& grid, const std::vector<int>& rows) {
 
 void AddFaults(const EntryGrid& grid, int row, std::vector<TemplateFinding>& findings) {
     for (const ColumnSpec& spec : Columns()) {
+        if (IsRedWithItsCode(grid, {row, spec.column})) continue;
         std::string reason = FaultText(grid, {row, spec.column});
         if (reason.empty()) continue;
         findings.push_back({Kind::Fault, row, spec.column, std::string(grid.Text(row, column::kNo)),

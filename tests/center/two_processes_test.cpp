@@ -251,6 +251,29 @@ TEST(KilledWindow, LeavesADraftThatTheNextOneOffers) {
 }
 #endif
 
+// What the window counts of all templates, in each of them, and what the program does.
+TEST_F(TwoProcesses, TheWindowAndTheProgramCountTheSameFaults) {
+    ASSERT_EQ(Elsewhere({"check", "--all"}), 1);
+    std::string counted = Said(folder_);
+    const std::size_t listed = static_cast<std::size_t>(std::count(counted.begin(), counted.end(), '\n')) - 1;
+    counted = counted.substr(counted.find("检查了"));
+    counted.erase(counted.find('\n'));
+    TakeMessages();
+    Window().Tree().NodeClick(std::string(kRootKey));
+    for (const TreeMenuItem& item : Window().Tree().MenuItems()) {
+        if (item.text.starts_with("检查全部模板")) item.run();
+    }
+    EXPECT_EQ(TakeMessages(), Texts{counted + "详见异常列表。"});
+    std::size_t cells = 0;
+    for (const TreeNode& node : Window().Nodes()) {
+        if (!node.key.starts_with("detail-")) continue;
+        Window().Tree().NodeClick(node.key);
+        cells += Window().Faults().Cells().size();
+    }
+    EXPECT_EQ(cells, listed);
+    EXPECT_NE(counted.find("异常 " + std::to_string(cells) + " 处"), std::string::npos) << counted;
+}
+
 // Whoever chose a version in a list may be too late: another command has let it go meanwhile.
 TEST_F(TwoProcesses, AVersionThatIsGoneEmptiesNothing) {
     const std::string id = NewTemplate("版本");
