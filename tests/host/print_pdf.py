@@ -78,6 +78,31 @@ def check_long_pattern(program, folder):
     assert sum(page.count("合计") for page in pages) == 1 and "合计" in pages[-1]
 
 
+TEXTS = ["购A4纸2包", "iPhone15手机3台", "2026年11月123元", "ＡＢＣ１２３全角", "Room 101 Wi-Fi 5G", "abc123def456",
+         "结转X1Y2Z3成本", "PO-2026/0017号", "3M胶带10卷", "H2O水费 50%", "office fi ffi fl", "Café é ü", "（1）【2】《3》",
+         "AVATAR To Te", "用户、丸、丹、角"]
+
+
+def check_texts(program, folder):
+    """What is copied out of the file is what stood in the cells."""
+    program.run("--yes", "new")
+    name = program.run("list").splitlines()[-1].split("\t")[1]
+    rows = []
+    for number, text in enumerate(TEXTS, 1):
+        side = {"FNo": number, "FExp": text, "FAmount": f"12345678.{number:02}"}
+        rows += [dict(side, FDC="借", FAccountNumber="1002.01", FAcctountName="工行A4户"),
+                 dict(side, FDC="贷", FAccountNumber=f"99{number}.A{number}", FAcctountName="3M胶")]
+    program.run("save", name, text=json.dumps({"lines": rows}))
+    file = os.path.join(folder, "texts.pdf")
+    program.run("print", name, file)
+    text = "\n".join(pages_of(file))
+    for number, wanted in enumerate(TEXTS, 1):
+        assert text.count(wanted) >= 2, (wanted, text)
+        assert f"99{number}.A{number} 3M胶" in text, (number, text)
+        assert text.count(f"12,345,678.{number:02}") == 4, (number, text)
+    assert text.count("1002.01 工行A4户") == len(TEXTS), text
+
+
 def check_voucher(program, folder):
     file = os.path.join(folder, "voucher.pdf")
     program.run("print", "外币业务（待核对）", file, "--number", "3")
@@ -113,6 +138,7 @@ def main():
         program = Program(sys.argv[1], folder)
         check_template(program, folder)
         check_long_pattern(program, folder)
+        check_texts(program, folder)
         check_voucher(program, folder)
         check_doctor(program, folder)
 

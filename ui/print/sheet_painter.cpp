@@ -45,6 +45,8 @@ QFont FontOf(double points, bool bold = false) {
     font.setPixelSize(static_cast<int>(points));
     font.setBold(bold);
     font.setHintingPreference(QFont::PreferNoHinting);
+    // A digit behind a letter, fi as one sign: glyphs that stand for no character have no text in the file.
+    font.setStyleStrategy(QFont::PreferNoShaping);
     return font;
 }
 
