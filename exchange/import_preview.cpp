@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 
 #include "automation/decimal.h"
-#include "exchange/import_reading.h"
 #include "store/cls_vi_data.h"
 
 namespace vicenter::exchange {
@@ -147,7 +145,8 @@ std::string ImportPreview::Summary() const {
 }
 
 ImportPreview PreviewImport(ExchangeTarget& window, const std::string& fileName,
-                            const ImportDestination& destination, bool tidily) {
+                            const ImportDestination& destination, bool tidily,
+                            std::optional<ImportBatch>* batch) {
     ImportPreview preview;
     preview.file = fileName;
     preview.destination = destination;
@@ -159,7 +158,9 @@ ImportPreview PreviewImport(ExchangeTarget& window, const std::string& fileName,
     preview.reason = std::move(workbook.reason);
     preview.faults = std::move(workbook.faults);
     preview.after = std::move(workbook.lines);
-    preview.inserts = std::move(workbook.inserts);
+    if (batch != nullptr && preview.refusal.empty())
+        *batch =
+            BatchOfRead(workbook.inserts, preview.after.size(), destination.existingId, destination.name);
     // As a template shows its lines.
     std::stable_sort(preview.after.begin(), preview.after.end(), [](const LineTexts& a, const LineTexts& b) {
         return NumberOrder()(Text(a, column::kNo), Text(b, column::kNo));

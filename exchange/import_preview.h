@@ -5,12 +5,14 @@
 // keeps the workbook out. A value, with the words in which it is shown. User-interface thread only.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "exchange/exchange_target.h"
 #include "exchange/import_destination.h"
 #include "exchange/import_outcome.h"
+#include "exchange/import_reading.h"
 #include "store/line_changes.h"
 
 namespace vicenter::exchange {
@@ -44,7 +46,6 @@ struct ImportPreview {
     std::string refusal;                // what an import would say; empty when it would be written
     std::string reason;
     std::vector<LineFault> faults;
-    std::string inserts;  // of the lines as they were read: what has been looked at is what is imported
 
     std::vector<store::LineChange> Changes() const { return store::ChangesOf(differences, before, after); }
     // One sentence: what becomes of which template, how many lines come, go and change.
@@ -54,9 +55,11 @@ struct ImportPreview {
 // More lines on either side are not compared line by line: they would be more than anybody reads.
 inline constexpr std::size_t kMostComparedLines = 100'000;
 
-// Shows the progress while it reads. Throws Cancelled, or automation::Error when the account set does not
-// answer.
+// Shows the progress while it reads. batch gets what an import would write, as it was read: what has been
+// looked at is what is imported; nothing of a workbook that is refused. Throws Cancelled, or
+// automation::Error when the account set does not answer.
 ImportPreview PreviewImport(ExchangeTarget& window, const std::string& fileName,
-                            const ImportDestination& destination, bool tidily = false);
+                            const ImportDestination& destination, bool tidily = false,
+                            std::optional<ImportBatch>* batch = nullptr);
 
 }  // namespace vicenter::exchange

@@ -155,11 +155,8 @@ bool LooksRight(ExchangeTarget& window, const ImportDestination& destination, bo
                 ImportOutcome& outcome, std::optional<ImportBatch>& seen) {
     try {
         return window.LookBeforeImport([&] {
-            ImportPreview preview = PreviewImport(window, outcome.file, destination, tidily);
+            ImportPreview preview = PreviewImport(window, outcome.file, destination, tidily, &seen);
             outcome.faults = preview.faults;
-            if (preview.refusal.empty())
-                seen = BatchOfRead(preview.inserts, preview.after.size(), destination.existingId,
-                                   destination.name);
             return preview;
         });
     } catch (const Cancelled&) {
