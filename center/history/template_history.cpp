@@ -60,6 +60,7 @@ bool TemplateHistory::Load() {
         return false;
     }
     versions_ = std::move(history.versions);
+    users_ = store::UserNames::Read();
     now_ = now.value_or(std::vector<LineTexts>());
     Choose(0);
     return true;

@@ -13,6 +13,7 @@
 #include "store/line_changes.h"
 #include "store/template_history.h"
 #include "store/template_outcome.h"
+#include "store/user_names.h"
 
 namespace vicenter::center {
 
@@ -40,6 +41,10 @@ class TemplateHistory {
     bool OfDeleted() const { return templateId_.empty(); }
     bool MayRestore() const { return mayRestore_ && !versions_.empty(); }
     const std::vector<store::HistoryVersion>& Versions() const { return versions_; }
+    // Who replaced it: number and name.
+    std::string UserText(const store::HistoryVersion& version) const {
+        return users_.WithNumber(version.keptBy);
+    }
 
     // Compares that version with what is there now; an index behind the list chooses none.
     void Choose(std::size_t index);
@@ -65,6 +70,7 @@ class TemplateHistory {
     bool mayRestore_;
     TemplateHistoryView* view_ = nullptr;
     std::vector<store::HistoryVersion> versions_;
+    store::UserNames users_;
     std::vector<store::LineTexts> now_;
     std::optional<std::size_t> chosen_;
     std::vector<HistoryChange> changes_;

@@ -39,7 +39,9 @@ std::string LogKindText(std::int32_t kind) {
 }
 
 bool OperationLog::Load() {
-    return Read({});
+    if (!Read({})) return false;
+    users_ = store::UserNames::Read();
+    return true;
 }
 
 bool OperationLog::Read(const store::LogFilter& filter) {
@@ -63,8 +65,12 @@ void OperationLog::Narrow(const store::LogFilter& given) {
         return;
     }
     if (!IsNumber(filter.user)) {
-        Tell("用户应为编号！");
-        return;
+        const auto number = users_.NumberOf(filter.user);
+        if (!number) {
+            Tell("没有用户“" + filter.user + "”，请录入用户的编号或姓名！");
+            return;
+        }
+        filter.user = std::to_string(*number);
     }
     Read(filter);
 }

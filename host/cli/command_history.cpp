@@ -14,6 +14,7 @@
 #include "store/cls_vi_data.h"
 #include "store/line_difference.h"
 #include "store/template_history.h"
+#include "store/user_names.h"
 
 namespace vicenter::host {
 
@@ -50,10 +51,12 @@ std::vector<LineTexts> LinesOfTemplate(const std::string& templateId) {
     return TextsOf(store::clsVIData().GetVchTemplateEntryInfo(templateId));
 }
 
-Variant VersionObject(const HistoryVersion& version, const store::DifferenceCounts& counts) {
+Variant VersionObject(const HistoryVersion& version, const store::UserNames& users,
+                      const store::DifferenceCounts& counts) {
     return JsonObject({{"version", Variant(version.id).ToInt32()},
                        {"replaced", version.keptAt},
                        {"by", version.keptBy},
+                       {"byName", users.NameOf(version.keptBy)},
                        {"command", store::CommandText(version.command)},
                        {"FName", version.name},
                        {"lines", version.lines},
@@ -62,14 +65,15 @@ Variant VersionObject(const HistoryVersion& version, const store::DifferenceCoun
                        {"changed", counts.changed}});
 }
 
-void PrintVersion(std::ostream& out, const HistoryVersion& version) {
-    out << version.id << "\t" << version.keptAt << "\t用户 " << version.keptBy << "\t"
+void PrintVersion(std::ostream& out, const HistoryVersion& version, const store::UserNames& users) {
+    out << version.id << "\t" << version.keptAt << "\t用户 " << users.WithNumber(version.keptBy) << "\t"
         << store::CommandText(version.command) << "\t" << version.lines << " 行\t" << version.name;
 }
 
 // What each version's command changed: the difference to the version behind it, or to what is there now.
 int ListVersions(const CliContext& context, const TemplateHead& head) {
     const std::vector<HistoryVersion> versions = Versions(store::ReadHistory(head.id));
+    const store::UserNames users = store::UserNames::Read();
     VariantArray list;
     std::vector<LineTexts> later = LinesOfTemplate(head.id);
     for (const HistoryVersion& version : versions) {
@@ -77,9 +81,9 @@ int ListVersions(const CliContext& context, const TemplateHead& head) {
         const store::DifferenceCounts counts = store::CountsOf(store::Differences(lines, later));
         later = std::move(lines);
         if (context.options.json) {
-            list.push_back(VersionObject(version, counts));
+            list.push_back(VersionObject(version, users, counts));
         } else {
-            PrintVersion(context.streams.out, version);
+            PrintVersion(context.streams.out, version, users);
             context.streams.out << "\t新增 " << counts.added << " 删除 " << counts.removed << " 修改 "
                                 << counts.changed << "\n";
         }
@@ -89,12 +93,13 @@ int ListVersions(const CliContext& context, const TemplateHead& head) {
 }
 
 int ListDeleted(const CliContext& context) {
+    const store::UserNames users = store::UserNames::Read();
     VariantArray list;
     for (const HistoryVersion& version :
          Versions(store::ReadDeleted(std::to_string(context.options.userId)))) {
-        list.push_back(VersionObject(version, {0, version.lines, 0}));
+        list.push_back(VersionObject(version, users, {0, version.lines, 0}));
         if (context.options.json) continue;
-        PrintVersion(context.streams.out, version);
+        PrintVersion(context.streams.out, version, users);
         context.streams.out << "\n";
     }
     if (context.options.json) PrintJson(context, list);

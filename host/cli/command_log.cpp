@@ -5,6 +5,7 @@
 
 #include "host/cli/context.h"
 #include "store/operation_log.h"
+#include "store/user_names.h"
 
 namespace vicenter::host {
 
@@ -12,6 +13,7 @@ int RunLog(const CliContext& context) {
     const ado::RecordsetRef rows = context.session->Execute(store::LogQuestion(context.options.log));
     // What the template of an entry held then, where it tells of one.
     const store::LogAnswer answer = store::ReadOperationLog(context.options.log);
+    const store::UserNames users = store::UserNames::Read();
     const auto countsAt = [&](std::size_t row) {
         return row < answer.entries.size() ? answer.entries[row].counts : std::string();
     };
@@ -21,6 +23,7 @@ int RunLog(const CliContext& context) {
             const auto object = std::make_shared<scripting::Dictionary>();
             for (std::size_t c = 0; c < rows->ColumnCount(); ++c)
                 object->Add(rows->Columns()[c].name, JsonValue(rows->ValueAt(r, c)));
+            object->Add("FUserName", users.NameOf(rows->ValueAt(r, rows->ColumnIndex("FUserID")).ToInt32()));
             if (const std::string counts = countsAt(r); !counts.empty()) object->Add("counts", counts);
             list.emplace_back(object);
         }
@@ -28,7 +31,9 @@ int RunLog(const CliContext& context) {
         return kExitDone;
     }
     for (std::size_t r = 0; !rows->AtEnd(); rows->MoveNext(), ++r) {
-        for (const char* field : {"FDate", "FUserID", "FFunctionID", "FKind"})
+        context.streams.out << rows->Value("FDate").ToTextOrEmpty() << "\t"
+                            << users.WithNumber(rows->Value("FUserID").ToInt32()) << "\t";
+        for (const char* field : {"FFunctionID", "FKind"})
             context.streams.out << rows->Value(field).ToTextOrEmpty() << "\t";
         const std::string counts = countsAt(r);
         context.streams.out << rows->Value("FDescription").ToTextOrEmpty()

@@ -55,8 +55,33 @@ TEST_F(Log, WhatIsNoDayAndNoUserIsToldAndChangesNothing) {
     log_.Narrow({"yesterday", "", "", "", ""});
     EXPECT_EQ(TakeMessages().back(), "日期应为 yyyy-mm-dd，例如 2026-01-31！");
     log_.Narrow({"", "", "1 or 1=1", "", ""});
-    EXPECT_EQ(TakeMessages().back(), "用户应为编号！");
+    EXPECT_EQ(TakeMessages().back(), "没有用户“1 or 1=1”，请录入用户的编号或姓名！");
     EXPECT_EQ(log_.Entries().size(), before);
+}
+
+TEST_F(Log, UsersAreShownWithTheirNamesAndFoundByThem) {
+    session_->Execute("delete from t_Log");
+    Write("20260101 10:00:00", 1, 3, "凭证模板-保存模板 甲 成功");
+    Write("20260102 10:00:00", 2, 3, "凭证模板-保存模板 乙 成功");
+    Write("20260103 10:00:00", 77, 3, "凭证模板-保存模板 丙 成功");
+    const auto users = [this] {
+        Texts texts;
+        for (const store::LogEntry& entry : log_.Entries())
+            texts.push_back(log_.UserText(entry));
+        return texts;
+    };
+    const std::string name = Value("select FName from t_User where FUserID = 1");
+    ASSERT_FALSE(name.empty());
+    ASSERT_TRUE(log_.Load());
+    EXPECT_THAT(users(),
+                ElementsAre("77", "2 " + Value("select FName from t_User where FUserID = 2"), "1 " + name));
+    log_.Narrow({"", "", " " + name, "", ""});
+    EXPECT_THAT(users(), ElementsAre("1 " + name));
+    EXPECT_THAT(TakeMessages(), IsEmpty());
+    // A ledger without users has numbers.
+    session_->Execute("drop table t_User");
+    ASSERT_TRUE(log_.Load());
+    EXPECT_THAT(users(), ElementsAre("77", "2", "1"));
 }
 
 TEST_F(Log, AnImportTellsHowManyLinesItBroughtEvenAfterLaterCommands) {

@@ -103,12 +103,16 @@ TEST_F(SearchWayTest, TheLogIsNarrowedInItsWindow) {
             dialog.findChild<QComboBox*>("kind")->setCurrentIndex(3);
             dialog.findChild<QLineEdit*>("template")->setText("日常费用");
             QTest::keyClick(dialog.findChild<QLineEdit*>("template"), Qt::Key_Return);
-            EXPECT_EQ(Rows(dialog, "entries", 1), QStringList{"1|成功|凭证模板-保存模板 日常费用 成功|"});
+            EXPECT_EQ(Rows(dialog, "entries", 1),
+                      QStringList{"1 林晓岚|成功|凭证模板-保存模板 日常费用 成功|"});
             EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "共 1 条");
         },
         "frmLog");
     EXPECT_TRUE(dialogShown_);
 }
+            dialog.findChild<QLineEdit*>("user")->setText("陈静宜");
+            QTest::keyClick(dialog.findChild<QLineEdit*>("user"), Qt::Key_Return);
+            EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "共 0 条");
 
 TEST_F(SearchWayTest, ATemplateIsSavedUnderTheNameThatIsTyped) {
     OpenTemplate("日常费用");

@@ -20,7 +20,7 @@ TEST_F(TreeMenuWayTest, ASavedOverLineIsComparedAndComesBack) {
     TakeMessages();
     ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "历史版本 - 日常费用");
-        EXPECT_EQ(Rows(dialog, "versions", 1), QStringList{"保存|1|11|日常费用"});
+        EXPECT_EQ(Rows(dialog, "versions", 1), QStringList{"保存|1 林晓岚|11|日常费用"});
         EXPECT_EQ(Rows(dialog, "changes", 0), QStringList{"修改|1|1|摘要|报销办公费|typed over"});
         EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "此版本之后：新增 0 行，删除 0 行，修改 1 行。");
         Answer(system::MessageResult::Yes);
@@ -33,7 +33,7 @@ TEST_F(TreeMenuWayTest, ASavedOverLineIsComparedAndComesBack) {
     EXPECT_EQ(TakeMessages().back(), "模板 日常费用 恢复成功！");
     // What was there is a version as well: nothing is lost by a restoration.
     ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
-        EXPECT_EQ(Rows(dialog, "versions", 1), (QStringList{"恢复|1|11|日常费用", "保存|1|11|日常费用"}));
+        EXPECT_EQ(Rows(dialog, "versions", 1), (QStringList{"恢复|1 林晓岚|11|日常费用", "保存|1 林晓岚|11|日常费用"}));
         auto* versions = dialog.findChild<QTableWidget*>("versions");
         QTest::mouseClick(versions->viewport(), Qt::LeftButton, {},
                           versions->visualItemRect(versions->item(1, 1)).center());
@@ -73,7 +73,7 @@ TEST_F(TreeMenuWayTest, ADeletedTemplateComesBackFromTheRootsMenu) {
     TakeMessages();
     ChooseInMenu("ROOT", "mnuDeletedTemplates", [&](QDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "已删除的模板");
-        EXPECT_EQ(Rows(dialog, "versions", 1), QStringList{"删除|1|11|日常费用"});
+        EXPECT_EQ(Rows(dialog, "versions", 1), QStringList{"删除|1 林晓岚|11|日常费用"});
         EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "删除时有 11 行分录。");
         EXPECT_FALSE(dialog.findChild<QPushButton*>("cmdRestore")->isVisible());
         EXPECT_EQ(dialog.findChild<QLineEdit*>("newName")->text(), "日常费用");
@@ -92,7 +92,7 @@ TEST_F(TreeMenuWayTest, UnsavedTypingIsAskedAboutBeforeAVersionTakesItsPlace) {
     TakeMessages();
     Answer(system::MessageResult::Yes);
     ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
-        EXPECT_EQ(Rows(dialog, "versions", 1), (QStringList{"保存|1|11|日常费用", "保存|1|11|日常费用"}));
+        EXPECT_EQ(Rows(dialog, "versions", 1), (QStringList{"保存|1 林晓岚|11|日常费用", "保存|1 林晓岚|11|日常费用"}));
         EXPECT_EQ(Rows(dialog, "changes", 0), QStringList{"修改|1|1|摘要|first|second"});
     });
     ASSERT_TRUE(dialogShown_);

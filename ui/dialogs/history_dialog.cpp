@@ -84,8 +84,8 @@ void HistoryDialog::FillVersions() {
     int row = 0;
     for (const store::HistoryVersion& version : versions) {
         Put(*versions_, row++,
-            {ToQt(version.keptAt), ToQt(store::CommandText(version.command)), QString::number(version.keptBy),
-             QString::number(version.lines), ToQt(version.name)});
+            {ToQt(version.keptAt), ToQt(store::CommandText(version.command)),
+             ToQt(history_.UserText(version)), QString::number(version.lines), ToQt(version.name)});
     }
     FitColumns(*versions_);
 }

@@ -69,30 +69,36 @@ QLineEdit* LogDialog::AddField(QLayout& row, const QString& label, const char* n
     return field;
 }
 
+// On two lines: one of them all would be wider than a small screen.
 QLayout* LogDialog::Filter() {
-    auto* row = new QHBoxLayout;
-    row->setSpacing(6);
-    from_ = AddField(*row, QStringLiteral("起(&S)："), "from", QStringLiteral("yyyy-mm-dd"));
-    to_ = AddField(*row, QStringLiteral("止(&E)："), "to", QStringLiteral("yyyy-mm-dd"));
-    user_ = AddField(*row, QStringLiteral("用户(&U)："), "user", QStringLiteral("编号"));
+    auto* when = new QHBoxLayout;
+    auto* what = new QHBoxLayout;
+    from_ = AddField(*when, QStringLiteral("起(&S)："), "from", QStringLiteral("yyyy-mm-dd"));
+    to_ = AddField(*when, QStringLiteral("止(&E)："), "to", QStringLiteral("yyyy-mm-dd"));
+    user_ = AddField(*when, QStringLiteral("用户(&U)："), "user", QStringLiteral("编号或姓名"));
     auto* words = new QLabel(QStringLiteral("结果(&K)："), this);
     words->setBuddy(kind_);
     kind_->setObjectName(QStringLiteral("kind"));
     kind_->addItem(QStringLiteral("全部"), 0);
     for (int kind = 1; kind <= kKinds; ++kind)
         kind_->addItem(ToQt(center::LogKindText(kind)), kind);
-    row->addWidget(words);
-    row->addWidget(kind_);
-    template_ = AddField(*row, QStringLiteral("模板(&T)："), "template", QStringLiteral("名称"));
+    what->addWidget(words);
+    what->addWidget(kind_);
+    template_ = AddField(*what, QStringLiteral("模板(&T)："), "template", QStringLiteral("名称"));
     auto* narrow = new QPushButton(QStringLiteral("筛选(&F)"), this);
     narrow->setObjectName(QStringLiteral("cmdNarrow"));
     narrow->setDefault(true);
     connect(narrow, &QPushButton::clicked, this, &LogDialog::Narrow);
-    row->addWidget(narrow);
-    // The name gets what the dates and the number leave.
-    for (QLineEdit* field : {from_, to_, user_})
+    what->addWidget(narrow);
+    // The user's name gets what the dates leave.
+    for (QLineEdit* field : {from_, to_})
         field->setMaximumWidth(field->minimumWidth());
-    return row;
+    auto* rows = new QVBoxLayout;
+    for (QHBoxLayout* row : {when, what}) {
+        row->setSpacing(6);
+        rows->addLayout(row);
+    }
+    return rows;
 }
 
 void LogDialog::Narrow() {
@@ -108,7 +114,7 @@ void LogDialog::ShowEntries() {
     entries_->setRowCount(static_cast<int>(entries.size()));
     int row = 0;
     for (const store::LogEntry& entry : entries) {
-        const QStringList texts = {ToQt(entry.date), QString::number(entry.userId),
+        const QStringList texts = {ToQt(entry.date), ToQt(log_.UserText(entry)),
                                    ToQt(center::LogKindText(entry.kind)), ToQt(entry.text),
                                    ToQt(entry.counts)};
         for (int field = 0; field < kFieldCount; ++field) {
