@@ -12,6 +12,7 @@
 #include "platform/system/files.h"
 #include "platform/system/os.h"
 #include "platform/system/whole_path.h"
+#include "text/ascii.h"
 
 namespace vicenter::system {
 
@@ -139,7 +140,11 @@ std::string WhyNotWritable(const std::string& target, const Replaceable& replace
                                    [head](std::string_view wanted) { return head.starts_with(wanted); });
     if (head == kDatabaseHead && !known) return "目标是账套或其他数据库文件，不能覆盖：" + text;
     if (HasExtension(file, replaceable.extensions)) return {};
-    return known ? std::string() : "目标文件已存在，且不是" + replaceable.what + "，不能覆盖：" + text;
+    // A blank parts Chinese from Latin letters.
+    const bool latin = !replaceable.what.empty() && text::IsLetter(replaceable.what.front());
+    return known ? std::string()
+                 : "目标文件已存在，且不是" + std::string(latin ? " " : "") + replaceable.what +
+                       "，不能覆盖：" + text;
 }
 
 std::error_code CopyOver(const std::string& source, const std::string& target, Durable durable) {

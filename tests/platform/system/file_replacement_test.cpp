@@ -89,6 +89,8 @@ TEST_F(FileReplacementTest, OnlyFilesOfTheKindOrOfItsNameMayBeWrittenOver) {
     EXPECT_EQ(WhyNotWritable(Write("letter.txt", "dear"), kWorkbooks),
               "目标文件已存在，且不是工作簿，不能覆盖：" + folder_.File("letter.txt"));
     EXPECT_FALSE(MayBeWritten(Write("empty", "")));
+    EXPECT_EQ(WhyNotWritable(Write("letter.txt", "dear"), {"PDF 文件", {"%PDF-"}, {"pdf"}}),
+              "目标文件已存在，且不是 PDF 文件，不能覆盖：" + folder_.File("letter.txt"));
 }
 
 TEST_F(FileReplacementTest, ADatabaseIsNeverWrittenOverWhateverItsName) {
