@@ -39,6 +39,10 @@ class SummingActions : public PlainActions {
         if (!shows || row != endRow) return std::nullopt;
         return totals;
     }
+    std::string ProposedText(const center::CellAddress& cell) override {
+        return cell == proposed ? "8" : std::string();
+    }
+    center::CellAddress proposed{0, 0};
     bool shows = false;
     int endRow = 3;
     center::NumberTotals totals{"1,000.00", "1,000.00", ""};
@@ -155,6 +159,39 @@ TEST_F(GridLookTest, ARepeatedNumberStepsBackAndAFaultyOneStaysRed) {
     EXPECT_EQ(grid->Look(2, column::kNo).foreColor, center::color::kBlack);
     grid->SetForeColor({3, column::kNo, 3, column::kNo}, center::color::kRed);
     EXPECT_EQ(model->IndexOf({3, column::kNo}).data(Qt::ForegroundRole).value<QColor>(), QColor(255, 0, 0));
+}
+
+// Both are grey: who sees no colours, too, is to know a proposal.
+TEST_F(GridLookTest, AProposalLooksOtherThanARepeatedNumber) {
+    for (const int row : {1, 2})
+        Line(row, "8", "借", "库存现金");
+    actions.proposed = {3, column::kNo};
+    const QImage picture = Picture();
+    const auto lettersOf = [&](int row) {
+        return picture.copy(Cell(row, column::kNo).adjusted(2, 2, -2, -2))
+            .convertToFormat(QImage::Format_Mono);
+    };
+    EXPECT_EQ(picture.copy(Cell(3, column::kNo)).size(), picture.copy(Cell(2, column::kNo)).size());
+    EXPECT_NE(lettersOf(2), lettersOf(3));
+    EXPECT_NE(lettersOf(3), lettersOf(5)) << "it is there";
+}
+
+TEST_F(GridLookTest, LettersOfAFaultyCellAreLighterWhereThePaperIsDark) {
+    Line(1, "8", "借", "库存现金");
+    grid->SetForeColor({1, column::kAccountName, 1, column::kAccountName}, center::color::kRed);
+    for (const bool dark : {false, true}) {
+        Theme::Process().SetDark(dark);
+        const QImage picture = Picture();
+        // Left of the mark in the corner.
+        const QRect cell = Cell(1, column::kAccountName).adjusted(2, 2, -20, -2);
+        bool found = false;
+        for (int y = cell.top(); y <= cell.bottom(); ++y) {
+            for (int x = cell.left(); x <= cell.right(); ++x)
+                found = found || picture.pixelColor(x, y) == colors::kFaulty();
+        }
+        EXPECT_TRUE(found) << dark;
+    }
+    Theme::Process().SetDark(false);
 }
 
 TEST_F(GridLookTest, TheNamesOfCreditLinesStandOneStepIn) {

@@ -16,6 +16,8 @@
 #include <fstream>
 #include <regex>
 #include <set>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -93,19 +95,49 @@ TEST_F(ThemeTest, AnOpenWindowChangesWithTheThemeAndBack) {
     EXPECT_EQ(PaperOfFirstCell(), light);
 }
 
+// Letters and every ground that they stand on.
+struct Letters {
+    const char* name;
+    ThemeColor ink;
+    std::vector<ThemeColor> grounds;
+    double least = 4.5;
+};
+
 TEST_F(ThemeTest, LettersCanBeReadOnEveryGroundOfBothThemes) {
+    using namespace colors;
+    const std::vector<ThemeColor> cells{kPaper, kPaperAlternate, kSelection};
+    const std::vector<ThemeColor> around{kBand, kWindow, kPanel, kHint, kPaper};
+    const std::vector<Letters> table{
+        {"kInk",
+         kInk,
+         {kPaper, kPaperAlternate, kSelection, kSelectionElsewhere, kFaultyPaper, kHeader, kHeaderActive,
+          kBand, kPanel, kWindow, kHint, kButton, kButtonHovered, kButtonPressed, kCellButton},
+         7},
+        {"kFaintInk",
+         kFaintInk,
+         {kPaper, kPaperAlternate, kSelection, kFaultyPaper, kHeader, kWindow, kPanel, kBand}},
+        {"kAccentInk", kAccentInk, {kPaper, kSelection, kBand, kWindow}},
+        {"kRefusal", kRefusal, around},
+        {"kRefusal, the tree", kRefusal, {kPaper, kSelectionElsewhere}},
+        {"kCaution", kCaution, around},
+        {"kCaution, sums in cells", kCaution, cells},
+        {"kDone", kDone, around},
+        {"kOnAccent", kOnAccent, {kAccent, kRefusal}},
+    };
     for (const bool dark : {false, true}) {
         Theme::Process().SetDark(dark);
-        for (const ThemeColor& paper :
-             {colors::kPaper, colors::kPaperAlternate, colors::kSelection, colors::kFaultyPaper,
-              colors::kHeader, colors::kPanel, colors::kWindow})
-            EXPECT_GT(Contrast(colors::kInk, paper), 7) << dark << " " << paper().name().toStdString();
-        for (const ThemeColor& words : {colors::kRefusal, colors::kCaution, colors::kDone})
-            EXPECT_GT(Contrast(words, colors::kWindow), 4) << dark << " " << words().name().toStdString();
-        EXPECT_GT(Contrast(colors::kOnAccent, colors::kAccent), 4) << dark;
-        // The ledger's red is red on whatever paper.
-        EXPECT_EQ(colors::kFaulty(), QColor(255, 0, 0));
+        for (const Letters& letters : table) {
+            for (const ThemeColor& ground : letters.grounds)
+                EXPECT_GE(Contrast(letters.ink, ground), letters.least)
+                    << letters.name << (dark ? " dark on " : " light on ") << ground().name().toStdString();
+        }
+        // The ledger's red is what it is, and as readable as that allows: its ground and a mark help. Where
+        // paper is dark the letters are lighter.
+        for (const ThemeColor& ground : {kFaultyPaper, kPaper, kPaperAlternate, kSelection})
+            EXPECT_GE(Contrast(kFaulty, ground), dark ? 4.5 : 3.3) << dark << ground().name().toStdString();
     }
+    Theme::Process().SetDark(false);
+    EXPECT_EQ(kFaulty(), QColor(255, 0, 0));
 }
 
 TEST_F(ThemeTest, FieldsAndTicksHaveEdgesThatAreSeen) {

@@ -108,11 +108,13 @@ QColor CellDelegate::Paper(const center::CellAddress& cell, const center::CellLo
 
 // A number that stands in the row above already steps back: the eye finds where the next one begins.
 QColor CellDelegate::Ink(const center::CellAddress& cell, const center::CellLook& look) const {
+    // What others coloured is light paper whatever the theme.
+    const bool themed = look.backColor == center::color::kWhite;
+    if (look.foreColor == center::color::kRed) return themed ? colors::kFaulty() : colors::kFaulty.OnLight();
     if (look.foreColor != center::color::kBlack) return FromGridColor(look.foreColor);
     const bool repeats = cell.column == center::column::kNo && view_.Model().Bands().Repeats(cell.row);
-    // What others coloured is light paper whatever the theme.
     const ThemeColor& ink = repeats ? colors::kFaintInk : colors::kInk;
-    return look.backColor != center::color::kWhite ? ink.OnLight() : ink();
+    return themed ? ink() : ink.OnLight();
 }
 
 void CellDelegate::DrawCellText(QPainter& painter, const QRect& room, const center::CellAddress& cell) const {
@@ -122,6 +124,10 @@ void CellDelegate::DrawCellText(QPainter& painter, const QRect& room, const cent
     if (text.isEmpty()) return;
     const center::CellLook look = view_.Model().Grid().Look(cell.row, cell.column);
     painter.setPen(plain.empty() ? colors::kFaintInk() : Ink(cell, look));
+    // A number that is repeated is grey as well: what is only proposed leans.
+    QFont font = painter.font();
+    font.setItalic(plain.empty());
+    painter.setFont(font);
     QRect inner = room;
     // As in a voucher: what is credited stands one step in.
     if (IsIndented(cell)) inner.setLeft(inner.left() + CreditIndent(painter.fontMetrics()));

@@ -41,7 +41,7 @@ QPalette Theme::Palette() {
     palette.setColor(QPalette::Midlight, colors::kBevel);
     palette.setColor(QPalette::Mid, colors::kLine);
     palette.setColor(QPalette::Dark, colors::kBevelShadow);
-    palette.setColor(QPalette::Link, colors::kAccent);
+    palette.setColor(QPalette::Link, colors::kAccentInk);
     palette.setColor(QPalette::Highlight, colors::kAccent);
     palette.setColor(QPalette::HighlightedText, colors::kOnAccent);
     palette.setColor(QPalette::Inactive, QPalette::Highlight, colors::kSelectionElsewhere);

@@ -38,7 +38,7 @@ class EntryDelegate : public QStyledItemDelegate {
         painter->setFont(option.font);
         int left = inner.left();
         if (!number.isEmpty()) {
-            painter->setPen(takeable ? colors::kAccent : colors::kFaintInk);
+            painter->setPen(takeable ? colors::kAccentInk : colors::kFaintInk);
             const int width = std::max(option.fontMetrics.horizontalAdvance(QStringLiteral("0000.00.00")),
                                        option.fontMetrics.horizontalAdvance(number));
             painter->drawText(QRect(left, inner.top(), width, inner.height()), Qt::AlignVCenter, number);

@@ -89,7 +89,8 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
         if (!index.data(Qt::ForegroundRole).isValid()) return;
         // The letters of a lit node have the selection's colour: its ground says that its numbers are faulty.
         option->palette.setColor(QPalette::Active, QPalette::Highlight, colors::kRefusal);
-        option->palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors::kFaulty);
+        option->palette.setColor(QPalette::Text, colors::kRefusal);
+        option->palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors::kRefusal);
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -239,7 +240,7 @@ bool TemplateTree::ShowsUnusable(const std::string& key) const {
 
 void TemplateTree::ShowUnusable(QTreeWidgetItem& item) const {
     const bool unusable = unusable_.contains(KeyOf(&item));
-    item.setData(0, Qt::ForegroundRole, unusable ? QVariant(colors::kFaulty()) : QVariant());
+    item.setData(0, Qt::ForegroundRole, unusable ? QVariant(colors::kRefusal()) : QVariant());
     item.setToolTip(
         0, ToolTipText(item.text(0) + (unusable ? QStringLiteral("（有不能使用的编号）") : QString())));
     ShowSpoken(item);

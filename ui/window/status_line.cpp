@@ -68,7 +68,7 @@ StatusLine::StatusLine(QWidget* parent)
 
 void StatusLine::ApplyColors() {
     QPalette faulty;
-    faulty.setColor(QPalette::ButtonText, colors::kFaulty);
+    faulty.setColor(QPalette::ButtonText, colors::kRefusal);
     faults_->setPalette(faulty);
     QPalette quiet;
     quiet.setColor(QPalette::WindowText, colors::kCaution);
