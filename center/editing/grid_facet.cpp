@@ -84,10 +84,12 @@ std::string GridFacet::DescribeFault(const CellAddress& cell) {
 // --- proposals
 
 int GridFacet::ProposedRow() {
+    parts_.proposals.Settle();
     return parts_.proposals.Row();
 }
 
 std::string GridFacet::ProposedText(const CellAddress& cell) {
+    parts_.proposals.Settle();
     return parts_.proposals.Text(cell);
 }
 
@@ -113,6 +115,7 @@ std::optional<CellAddress> GridFacet::TakeRow() {
 }
 
 bool GridFacet::RefuseProposals() {
+    parts_.proposals.Settle();
     return parts_.proposals.Refuse();
 }
 

@@ -199,11 +199,15 @@ bool IsNumberOpen(const EntryGrid& grid, int rowCount, int row) {
     return LinesOf(grid, rowCount, NumberOfRow(grid, row)).IsOpen();
 }
 
-int Proposals::Row() const {
-    if (!on_ || !state_.hasRight || !state_.open.IsOpen() || !state_.open.LinesKnown()) return 0;
+int Proposals::NextRow() const {
     const int used = state_.open.RowCount();
     const bool stillBegun = begun_ == used || begun_ == used + 1;
-    const int row = begun_ > 1 && stillBegun ? begun_ : used + 1;
+    return begun_ > 1 && stillBegun ? begun_ : used + 1;
+}
+
+int Proposals::Row() const {
+    if (!on_ || !state_.hasRight || !state_.open.IsOpen() || !state_.open.LinesKnown()) return 0;
+    const int row = NextRow();
     return row > 1 && row != refused_ && row <= state_.grid->RowTotal() ? row : 0;
 }
 
@@ -248,14 +252,35 @@ void Proposals::ActiveCellChanged() {
     Show();
 }
 
+void Proposals::Settle() {
+    const int used = state_.open.RowCount();
+    const bool counted = used == 0 || !state_.grid->IsBlankRow(used);
+    if (counted && NextRow() != refused_) refused_ = 0;
+}
+
+void Proposals::RowsInserted(int firstRow, int count) {
+    if (refused_ >= firstRow) refused_ += count;
+    RowsMoved(firstRow);
+}
+
+void Proposals::RowsRemoved(int firstRow, int count) {
+    if (refused_ >= firstRow) refused_ = refused_ < firstRow + count ? 0 : refused_ - count;
+    RowsMoved(firstRow);
+}
+
 void Proposals::RowsMoved(int firstRow) {
     line_.reset();
     // A blank row that comes below the one that is being filled changes nothing there.
-    if (firstRow > begun_ && firstRow > refused_) return;
-    begun_ = 0;
-    refused_ = 0;
-    jumped_ = 0;
+    if (firstRow <= begun_) {
+        begun_ = 0;
+        jumped_ = 0;
+    }
     ActiveCellChanged();
+}
+
+void Proposals::WasReset() {
+    refused_ = 0;
+    RowsMoved(0);
 }
 
 }  // namespace vicenter::center

@@ -48,6 +48,9 @@ class Proposals {
     std::string Text(const CellAddress& cell) const;
     // The user wants none in the cursor's row. False when there was none.
     bool Refuse();
+    // Refused is the row, not its number: one that is no longer the next is a row like all others. To be
+    // called before a look; in the midst of an undoing, when rows and their count differ, nothing happens.
+    void Settle();
     bool IsRefused(int row) const { return refused_ == row; }
 
     // The user has gone on to the account of that row by a key, past the cells before it.
@@ -61,10 +64,14 @@ class Proposals {
     // --- what the grid reports
     void ActiveCellChanged();
     void TextsChanged() { line_.reset(); }
-    void RowsMoved(int firstRow);  // came or went from that one on
-    void WasReset() { RowsMoved(0); }
+    void RowsInserted(int firstRow, int count);
+    void RowsRemoved(int firstRow, int count);
+    void WasReset();
 
   private:
+    // The row that would have proposals were it not refused.
+    int NextRow() const;
+    void RowsMoved(int firstRow);
     const ProposedLine& Line(int row) const;
 
     const WindowState& state_;

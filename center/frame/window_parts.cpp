@@ -184,7 +184,7 @@ void WindowParts::ContentChanged() {
 
 void WindowParts::RowsInserted(int firstRow, int count) {
     sums.reset();
-    proposals.RowsMoved(firstRow);
+    proposals.RowsInserted(firstRow, count);
     refused.RowsInserted(firstRow, count);
     faults.RowsInserted(firstRow, count);
     FaultsChanged();
@@ -193,7 +193,7 @@ void WindowParts::RowsInserted(int firstRow, int count) {
 
 void WindowParts::RowsRemoved(int firstRow, int count) {
     sums.reset();
-    proposals.RowsMoved(firstRow);
+    proposals.RowsRemoved(firstRow, count);
     refused.RowsRemoved(firstRow, count);
     faults.RowsRemoved(firstRow, count);
     FaultsChanged();

@@ -276,9 +276,9 @@ TEST_F(ProposalsTest, TheyStayInTheRowUntilTheCursorLeavesIt) {
 TEST_F(ProposalsTest, ABlankRowThatIsAddedBelowDisturbsNothing) {
     GoTo(2);
     Put(2, column::kNo, "3");
-    proposals_.RowsMoved(101);
+    proposals_.RowsInserted(101, 1);
     EXPECT_EQ(proposals_.Row(), 2);
-    proposals_.RowsMoved(1);
+    proposals_.RowsInserted(1, 1);
     EXPECT_EQ(proposals_.Row(), 3);
 }
 
@@ -291,6 +291,42 @@ TEST_F(ProposalsTest, OnceRefusedTheyAreGoneForThatRow) {
     EXPECT_EQ(proposals_.Text({2, column::kAmount}), "");
     GoTo(3);
     EXPECT_EQ(proposals_.Text({3, column::kNo}), "4");
+}
+
+// The row that was refused moves with the lines above it.
+TEST_F(ProposalsTest, ARefusalStaysWithItsRow) {
+    Line(2, "3", kCredit, "100");
+    GoTo(3);
+    EXPECT_TRUE(proposals_.Refuse());
+    Grid().InsertRows(1, 1);
+    proposals_.RowsInserted(1, 1);
+    ASSERT_EQ(state_.open.RowCount(), 3);
+    proposals_.Settle();
+    EXPECT_EQ(proposals_.Row(), 0);
+    Grid().RemoveRows(1, 1);
+    proposals_.RowsRemoved(1, 1);
+    proposals_.Settle();
+    EXPECT_EQ(proposals_.Row(), 0);
+    Grid().RemoveRows(1, 1);
+    proposals_.RowsRemoved(1, 1);
+    ASSERT_EQ(state_.open.RowCount(), 1);
+    proposals_.Settle();
+    EXPECT_EQ(proposals_.Row(), 0);
+}
+
+// A line that is undone: the row below the lines is another one, and so is that below it when it comes back.
+TEST_F(ProposalsTest, ARowThatIsNoLongerTheNextIsRefusedNoMore) {
+    Line(2, "3", kCredit, "100");
+    GoTo(3);
+    EXPECT_TRUE(proposals_.Refuse());
+    for (const int c : {column::kNo, column::kDirection, column::kAmount})
+        Put(2, c, "");
+    ASSERT_EQ(state_.open.RowCount(), 1);
+    proposals_.Settle();
+    EXPECT_EQ(proposals_.Row(), 2);
+    Line(2, "3", kCredit, "100");
+    proposals_.TextsChanged();
+    EXPECT_EQ(proposals_.Row(), 3);
 }
 
 TEST_F(ProposalsTest, SwitchedOffThereAreNone) {

@@ -154,6 +154,21 @@ TEST_F(ProposalsWayTest, EscapeRefusesItAndArrowsPassItBy) {
     EXPECT_EQ(ToolTip(2, column::kAmount), "");
 }
 
+// Esc means the row in which it was pressed, wherever that stands by then.
+TEST_F(ProposalsWayTest, ARefusalGoesAlongWithItsRow) {
+    OpenWithOneLine();
+    Key(Qt::Key_Escape);
+    ClickCell(1, column::kExplanation);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Plus, Qt::ControlModifier);
+    QApplication::processEvents();
+    ASSERT_EQ(window->Presenter().RowCount(), 2);
+    EXPECT_FALSE(HasInk(3, column::kAmount, colors::kFaintInk));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z, Qt::ControlModifier);
+    QApplication::processEvents();
+    ASSERT_EQ(window->Presenter().RowCount(), 1);
+    EXPECT_FALSE(HasInk(2, column::kAmount, colors::kFaintInk));
+}
+
 TEST_F(ProposalsWayTest, UntakenItIsNeitherStoredNorCopied) {
     OpenWithOneLine();
     window->Grid().selectAll();
