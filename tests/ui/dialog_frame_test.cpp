@@ -14,14 +14,20 @@
 #include "center/grid/entry_grid.h"
 #include "center/history/template_history.h"
 #include "center/print/voucher_preview.h"
+#include "center/search/code_replacement.h"
+#include "center/search/operation_log.h"
 #include "dialogs/frm_search.h"
 #include "dialogs/frm_set_colume.h"
 #include "tests/paths/source_folder.h"
 #include "tests/ui/scripted_ledger.h"
+#include "ui/dialogs/auto_vch_dialog.h"
 #include "ui/dialogs/column_dialog.h"
 #include "ui/dialogs/find_dialog.h"
 #include "ui/dialogs/history_dialog.h"
+#include "ui/dialogs/import_preview_dialog.h"
 #include "ui/dialogs/import_report_dialog.h"
+#include "ui/dialogs/log_dialog.h"
+#include "ui/dialogs/replacement_dialog.h"
 #include "ui/dialogs/voucher_dialog.h"
 #include "ui/run/long_work.h"
 #include "ui/run/qt_surroundings.h"
@@ -69,6 +75,12 @@ TEST(DialogFrame, IsThatOfEveryDialog) {
     center::SilentView view;
     ExpectFramed(VoucherDialog(preview, view));
     ExpectFramed(ImportReportDialog({}, nullptr));
+    center::OperationLog log;
+    ExpectFramed(LogDialog(log));
+    center::CodeReplacement replacement("1");
+    ExpectFramed(ReplacementDialog(replacement));
+    ExpectFramed(ImportPreviewDialog(exchange::ImportPreview()));
+    ExpectFramed(AutoVchDialog());
     ExpectFramed(LongWorkBox(nullptr));
 }
 

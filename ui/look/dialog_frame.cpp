@@ -27,11 +27,13 @@ void FrameDialog(QDialog& dialog, const QSize& wanted) {
     QSize size = wanted.isEmpty() ? dialog.sizeHint()
                                   : QSize(TwipsToPixels(wanted.width() * 15.0, dialog),
                                           TwipsToPixels(wanted.height() * 15.0, dialog));
-    if (const QScreen* screen = dialog.screen()) {
-        const QSize room = screen->availableSize() - QSize(kFrame, 2 * kFrame);
-        size = size.boundedTo(room);
-    }
-    dialog.resize(size);
+    dialog.resize(size.boundedTo(RoomOnScreen(dialog)));
+}
+
+QSize RoomOnScreen(const QWidget& window) {
+    const QScreen* screen = window.screen();
+    return screen == nullptr ? QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX)
+                             : screen->availableSize() - QSize(kFrame, 2 * kFrame);
 }
 
 }  // namespace vicenter::ui

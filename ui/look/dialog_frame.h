@@ -6,6 +6,7 @@
 #include <QSize>
 
 class QDialog;
+class QWidget;
 
 namespace vicenter::ui {
 
@@ -16,5 +17,7 @@ void FrameTitleBar(QDialog& dialog);
 // The title bar, and the size. wanted: at 96 dots an inch; empty: what the contents ask for. Before the
 // dialog is shown.
 void FrameDialog(QDialog& dialog, const QSize& wanted = {});
+// What a window may take of the screen that it is on, its frame beside.
+QSize RoomOnScreen(const QWidget& window);
 
 }  // namespace vicenter::ui

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "ui/look/dialog_frame.h"
+#include "ui/run/display.h"
 #include "ui/window/vicenter_window.h"
 
 namespace vicenter::ui {
@@ -11,6 +13,8 @@ QtWindowFactory::QtWindowFactory(std::shared_ptr<center::TemplateCommands> comma
 
 void QtWindowFactory::OpenVICenter() {
     auto window = std::make_unique<VICenterWindow>(commands_);
+    // On a small screen, or a large scale, it would end beyond the edge.
+    if (!IsDisplayUnseen()) window->resize(window->size().boundedTo(RoomOnScreen(*window)));
     window->Open();
     static_cast<void>(window.release());  // deletes itself when it is closed
 }
