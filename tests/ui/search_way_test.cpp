@@ -3,11 +3,15 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDockWidget>
+#include <QDrag>
 #include <QDropEvent>
+#include <QHeaderView>
 #include <QMimeData>
 
 #include "tests/ui/tree_menu_fixture.h"
+#include "ui/grid/rows_badge.h"
 #include "ui/grid/rows_format.h"
+#include "ui/look/theme.h"
 #include "ui/panels/tree_filter.h"
 
 namespace vicenter::ui {
@@ -106,13 +110,13 @@ TEST_F(SearchWayTest, TheLogIsNarrowedInItsWindow) {
             EXPECT_EQ(Rows(dialog, "entries", 1),
                       QStringList{"1 林晓岚|成功|凭证模板-保存模板 日常费用 成功|"});
             EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "共 1 条");
+            dialog.findChild<QLineEdit*>("user")->setText("陈静宜");
+            QTest::keyClick(dialog.findChild<QLineEdit*>("user"), Qt::Key_Return);
+            EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "共 0 条");
         },
         "frmLog");
     EXPECT_TRUE(dialogShown_);
 }
-            dialog.findChild<QLineEdit*>("user")->setText("陈静宜");
-            QTest::keyClick(dialog.findChild<QLineEdit*>("user"), Qt::Key_Return);
-            EXPECT_EQ(dialog.findChild<QLabel*>("note")->text(), "共 0 条");
 
 TEST_F(SearchWayTest, ATemplateIsSavedUnderTheNameThatIsTyped) {
     OpenTemplate("日常费用");
@@ -188,6 +192,66 @@ TEST_F(SearchWayTest, RowsAreDroppedOnANodeAndNothingElseIs) {
     EXPECT_FALSE(drop(KeyOf("日常费用")));
     EXPECT_FALSE(drop("ROOT"));
     EXPECT_EQ(window->Presenter().TemplateName(), "日常费用");
+}
+
+// What hangs at the cursor, and where it may be dropped. The platform of the tests ends every drag at once.
+TEST_F(SearchWayTest, DraggedRowsTellHowManyTheyAre) {
+    OpenTemplate("日常费用");
+    QHeaderView* header = window->Grid().verticalHeader();
+    const QPoint from(header->width() / 2, header->sectionViewportPosition(0) + header->sectionSize(0) / 2);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, from);
+    QTest::mousePress(header->viewport(), Qt::LeftButton, Qt::NoModifier, from);
+    const QPoint to = from + QPoint(-3 * QApplication::startDragDistance(), 0);
+    QMouseEvent move(QEvent::MouseMove, to, header->viewport()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(header->viewport(), &move);
+    const auto* drag = window->Grid().findChild<QDrag*>();
+    ASSERT_NE(drag, nullptr);
+    EXPECT_EQ(CountOfRows(*drag->mimeData()), 1);
+    EXPECT_EQ(drag->pixmap().toImage(), RowsBadge(1, window->Grid()).toImage());
+    EXPECT_NE(RowsBadge(2, window->Grid()).toImage(), RowsBadge(1, window->Grid()).toImage());
+}
+
+TEST_F(SearchWayTest, TheTreeShowsWhereDraggedRowsMayGo) {
+    OpenTemplate("日常费用");
+    const auto rows = window->Presenter().Cells().CopyBlock(center::CellSelection::Rows({{1, 2}}));
+    ASSERT_TRUE(rows.has_value());
+    QMimeData mime;
+    mime.setText(QString::fromStdString(rows->text));
+    mime.setData(RowsFormat(), QByteArray::fromStdString(rows->rows));
+    EXPECT_EQ(CountOfRows(mime), 2);
+    const TemplateTree& tree = window->Tree();
+    QWidget* port = tree.viewport();
+    const auto over = [&](const std::string& key) {
+        const QPoint at = tree.visualItemRect(tree.FindNode(key)).center();
+        QDragMoveEvent move(at, Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(port, &move);
+        return move.isAccepted();
+    };
+    // How many points of a node's row have that colour.
+    const auto points = [&](const std::string& key, const QColor& color) {
+        const QImage row = port->grab(tree.visualItemRect(tree.FindNode(key))).toImage();
+        int count = 0;
+        for (int y = 0; y < row.height(); ++y) {
+            for (int x = 0; x < row.width(); ++x)
+                count += row.pixelColor(x, y) == color ? 1 : 0;
+        }
+        return count;
+    };
+    const std::string taking = KeyOf("销售与收款");
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(port, &enter);
+    EXPECT_TRUE(over(taking));
+    EXPECT_GT(points(taking, colors::kAccent), 50);
+    // Neither the open template nor the root.
+    for (const std::string& refusing : {KeyOf("日常费用"), std::string("ROOT")}) {
+        EXPECT_FALSE(over(refusing));
+        EXPECT_GT(points(refusing, colors::kRefusal), 50) << refusing;
+        EXPECT_LT(points(taking, colors::kAccent), 10);
+    }
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(port, &leave);
+    EXPECT_LT(points("ROOT", colors::kRefusal), 10);
 }
 
 }  // namespace

@@ -33,6 +33,7 @@ constexpr int kModifiedRole = Qt::UserRole + 1;
 constexpr int kRootIcon = 7;
 constexpr int kIconSize = 18;
 constexpr int kRowPadding = 7;
+constexpr int kDropFrame = 2;
 
 QIcon IconOf(int index) {
     return NamedIcon(index == kRootIcon ? QStringLiteral("tree_root") : QStringLiteral("tree_template"));
@@ -48,7 +49,7 @@ std::string KeyOf(const QTreeWidgetItem* item) {
 // editor that loses its focus and is taken a second time.
 class TemplateTree::LabelDelegate : public QStyledItemDelegate {
   public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    explicit LabelDelegate(TemplateTree& tree) : QStyledItemDelegate(&tree), tree_(tree) {}
 
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override {
@@ -88,8 +89,8 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
         if (index.data(kModifiedRole).toBool()) option->text += QStringLiteral(" *");
         if (!index.data(Qt::ForegroundRole).isValid()) return;
         // The letters of a lit node have the selection's colour: its ground says that its numbers are faulty.
-        option->palette.setColor(QPalette::Active, QPalette::Highlight, colors::kRefusal);
         option->palette.setColor(QPalette::Text, colors::kRefusal);
+        option->palette.setColor(QPalette::Active, QPalette::Highlight, colors::kRefusal);
         option->palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors::kRefusal);
     }
 
@@ -104,7 +105,15 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
             painter->fillRect(QRect(QPoint(0, option.rect.top()), option.rect.bottomRight()),
                               own.palette.brush(group, QPalette::Highlight));
         }
+        const DropMark mark = tree_.MarkOf(index);
+        if (mark == DropMark::Takes && !lit) painter->fillRect(option.rect, colors::kButtonHovered);
         QStyledItemDelegate::paint(painter, option, index);
+        if (mark == DropMark::None) return;
+        const bool takes = mark == DropMark::Takes;
+        painter->setPen(QPen((takes ? colors::kAccent : colors::kRefusal)(), kDropFrame,
+                             takes ? Qt::SolidLine : Qt::DashLine));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
     }
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
@@ -114,12 +123,13 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
     }
 
   private:
+    const TemplateTree& tree_;
     mutable std::optional<QString> pending_;
     bool entered_ = false;
 };
 
 TemplateTree::TemplateTree(center::TreeActions& actions, QWidget* parent)
-    : QTreeWidget(parent), actions_(actions), labels_(new LabelDelegate(this)) {
+    : QTreeWidget(parent), actions_(actions), labels_(new LabelDelegate(*this)) {
     setObjectName(QStringLiteral("trv"));
     setAccessibleName(QStringLiteral("凭证模板列表"));
     setHeaderHidden(true);
@@ -401,16 +411,37 @@ void TemplateTree::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void TemplateTree::dragMoveEvent(QDragMoveEvent* event) {
-    if (DropTarget(*event) != nullptr) {
+    const bool takes = DropTarget(*event) != nullptr;
+    if (takes) {
         event->setDropAction(Qt::CopyAction);
         event->accept();
     } else {
         event->ignore();
     }
+    const bool rows = event->mimeData()->hasFormat(RowsFormat());
+    MarkDrop(rows ? indexAt(event->position().toPoint()) : QModelIndex(), takes);
+}
+
+void TemplateTree::dragLeaveEvent(QDragLeaveEvent* event) {
+    MarkDrop({}, false);
+    event->accept();
+}
+
+void TemplateTree::MarkDrop(const QModelIndex& index, bool takes) {
+    if (index == under_ && takes == takes_) return;
+    under_ = index;
+    takes_ = takes;
+    viewport()->update();
+}
+
+TemplateTree::DropMark TemplateTree::MarkOf(const QModelIndex& index) const {
+    if (!under_.isValid() || index != under_) return DropMark::None;
+    return takes_ ? DropMark::Takes : DropMark::Refuses;
 }
 
 void TemplateTree::dropEvent(QDropEvent* event) {
     const QTreeWidgetItem* target = DropTarget(*event);
+    MarkDrop({}, false);
     if (target == nullptr) {
         event->ignore();
         return;

@@ -40,6 +40,10 @@ class TemplateTree : public QTreeWidget {
     // Ends an open label edit as leaving it with the mouse does.
     void EndLabelEdit();
 
+    // What dragged rows are over: where they may be dropped, and where they may not.
+    enum class DropMark { None, Takes, Refuses };
+    DropMark MarkOf(const QModelIndex& index) const;
+
     std::string SelectedKey() const;
     QTreeWidgetItem* FindNode(const std::string& key) const;
 
@@ -53,6 +57,7 @@ class TemplateTree : public QTreeWidget {
     void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
@@ -67,6 +72,7 @@ class TemplateTree : public QTreeWidget {
     void Click(QTreeWidgetItem* item);
     // The node that rows may be dropped on there; none for anything else that is dragged.
     QTreeWidgetItem* DropTarget(const QDropEvent& event) const;
+    void MarkDrop(const QModelIndex& index, bool takes);
     void FinishLabel();
 
     center::TreeActions& actions_;
@@ -74,6 +80,8 @@ class TemplateTree : public QTreeWidget {
     std::set<std::string> unusable_;  // keys
     std::string modified_;            // key of the modified template; empty for none
     QPersistentModelIndex pressed_;   // by the left button
+    QPersistentModelIndex under_;     // dragged rows
+    bool takes_ = false;              // and they may be dropped there
     bool selecting_ = false;          // the selection is being set by the program
     bool doubleClicked_ = false;
 };

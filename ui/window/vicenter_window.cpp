@@ -11,6 +11,7 @@
 #include <QUrl>
 
 #include "ui/grid/key_codes.h"
+#include "ui/grid/rows_badge.h"
 #include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/twips.h"
@@ -20,6 +21,8 @@
 namespace vicenter::ui {
 
 namespace {
+
+constexpr QPoint kBesideTheCursor(-14, -14);  // of what is dragged
 
 constexpr int kDesignedWidth = 1180;  // pixels at 96 dots an inch
 constexpr int kDesignedHeight = 700;
@@ -242,6 +245,8 @@ void VICenterWindow::DragRows() {
     if (rows == nullptr) return;
     auto* drag = new QDrag(grid_);
     drag->setMimeData(rows);
+    drag->setPixmap(RowsBadge(CountOfRows(*rows), *grid_));
+    drag->setHotSpot(kBesideTheCursor);
     drag->exec(Qt::CopyAction);
 }
 

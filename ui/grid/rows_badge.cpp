@@ -1,0 +1,42 @@
+#include "ui/grid/rows_badge.h"
+
+#include <QMimeData>
+#include <QPainter>
+#include <QWidget>
+
+#include "ui/look/theme.h"
+
+namespace vicenter::ui {
+
+namespace {
+
+constexpr int kPadding = 6;
+constexpr double kRounding = 3;
+
+}  // namespace
+
+int CountOfRows(const QMimeData& rows) {
+    const QString text = rows.text();
+    const auto ends = static_cast<int>(text.count(u'\n'));
+    return text.isEmpty() || text.endsWith(u'\n') ? ends : ends + 1;
+}
+
+QPixmap RowsBadge(int rows, const QWidget& widget) {
+    const QString text = QStringLiteral("%1 行分录").arg(rows);
+    const QFontMetrics metrics = widget.fontMetrics();
+    const QSize size(metrics.horizontalAdvance(text) + 2 * kPadding, metrics.height() + kPadding);
+    QPixmap badge(size * widget.devicePixelRatioF());
+    badge.setDevicePixelRatio(widget.devicePixelRatioF());
+    badge.fill(QColor(0, 0, 0, 0));
+    QPainter painter(&badge);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colors::kAccent());
+    painter.drawRoundedRect(QRectF(QPointF(), QSizeF(size)), kRounding, kRounding);
+    painter.setFont(widget.font());
+    painter.setPen(colors::kOnAccent);
+    painter.drawText(QRect(QPoint(), size), Qt::AlignCenter, text);
+    return badge;
+}
+
+}  // namespace vicenter::ui
