@@ -192,6 +192,7 @@ class Executor {
     void Truncate(const TruncateStatement& statement);
     void CreateTable(const CreateTableStatement& statement);
     void AlterTable(const AlterTableStatement& statement);
+    void NumberRows(const TableInfo& table, const ColumnInfo& column);
     void AddColumnTo(const AlterTableStatement& statement, const ColumnDefinition& definition);
     void CheckRows(const TableInfo& table, const TableInfo& before, Position where);
     [[noreturn]] void FailDependent(std::string_view kind, std::string_view dependent, const Name& column);

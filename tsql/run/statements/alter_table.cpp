@@ -100,6 +100,24 @@ void Executor::FailDependent(std::string_view kind, std::string_view dependent, 
     throw MakeError(4922, column.position, {"ALTER TABLE DROP COLUMN", column.text});
 }
 
+// The rows that are there get the first values of a new identity column.
+void Executor::NumberRows(const TableInfo& table, const ColumnInfo& column) {
+    const std::string first = std::to_string(column.seed);
+    const std::string step = std::to_string(column.increment);
+    database_.Run("UPDATE " + table.Sql() + " AS own SET " + Quoted(column.name) + " = numbered.value FROM " +
+                  "(SELECT _rowid_ AS row, " + first + " + " + step +
+                  " * (row_number() OVER (ORDER BY _rowid_) - 1) AS value FROM " + table.Sql() +
+                  ") AS numbered WHERE own._rowid_ = numbered.row");
+    // As the type keeps it.
+    if (!column.type.IsInteger()) {
+        RunOnce(Translated([&](Translator& translator) {
+            return translator.RewriteColumn(table, column, SqlType::Of(TypeKind::kBigInt));
+        }));
+    }
+    const std::int64_t rows = NumberOf("SELECT count(*) FROM " + table.Sql(), {});
+    catalog_.SetLastIdentity(table, column.seed + column.increment * (rows - 1));
+}
+
 void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDefinition& definition) {
     TableInfo changed = DefinedTable(statement.table, 4902);
     TableInfo probe = changed;
@@ -120,6 +138,7 @@ void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDef
             return translator.FillColumn(now, *now.FindColumn(column.name), *value);
         }));
     }
+    if (column.identity) NumberRows(DefinedTable(statement.table, 4902), column);
     // Keys and checks that came with the column.
     TableInfo now = DefinedTable(statement.table, 4902);
     for (std::size_t i = changed.keys.size(); i < probe.keys.size(); ++i) {

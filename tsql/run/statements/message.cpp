@@ -70,6 +70,9 @@ void Executor::Raiserror(const RaiserrorStatement& statement) {
     }
     details.text = FilledMessage(message.IsNull() ? std::string() : message.Text(), arguments);
     if (details.severity > kHighestMessage) throw SqlError(details);
+    // A message is no error, unless @@ERROR is to tell of it.
+    if (std::find(statement.options.begin(), statement.options.end(), "seterror") != statement.options.end())
+        throw MakeError(40510, statement.position, {"RAISERROR … WITH SETERROR"});
     details.line += frame_->lineBase;
     details.procedure = frame_->procedure;
     sink_->Message(details);
