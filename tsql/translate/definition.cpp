@@ -60,13 +60,14 @@ SqlType Translator::ResolveType(const TypeName& name) {
 }
 
 // There is one collation; asking for another one by name changes nothing, unless it were to tell upper from
-// lower case.
+// lower case, or kana and widths, or not to tell accents.
 void Translator::CheckCollation(const Name& collation) {
     const std::string name = LowerAscii(collation.text) + "_";
-    if (name.find("_bin_") == std::string::npos && name.find("_bin2_") == std::string::npos &&
-        name.find("_cs_") == std::string::npos) {
-        return;
-    }
+    static constexpr std::string_view kOthers[] = {"_ai_", "_bin_", "_bin2_", "_cs_", "_ks_", "_ws_"};
+    const bool isOther = std::any_of(std::begin(kOthers), std::end(kOthers), [&](std::string_view mark) {
+        return name.find(mark) != std::string::npos;
+    });
+    if (!isOther) return;
     throw MakeError(40510, collation.position, {"COLLATE " + collation.text});
 }
 

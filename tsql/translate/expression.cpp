@@ -189,6 +189,13 @@ void Translator::CheckGrouped(const Scope& scope, const std::string& sql, Positi
 Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
     const std::string& name = column.name.Object();
     const std::string qualifier = column.name.parts.size() > 1 ? column.name.Schema() : std::string();
+    // schema.table.column: there is one schema, besides those of the server's views.
+    if (column.name.parts.size() > 2) {
+        const std::string& schema = column.name.Database();
+        const bool isKnown = schema.empty() || SameName(schema, "dbo") || SameName(schema, "sys") ||
+                             SameName(schema, "information_schema");
+        if (!isKnown || qualifier.empty()) throw MakeError(4104, column.position, {column.name.Text()});
+    }
     const bool isIdentity = column.IsIdentity();
     const auto isMeant = [&](const Source& source, const SourceColumn& candidate) {
         if (!isIdentity) return SameName(candidate.name, name);

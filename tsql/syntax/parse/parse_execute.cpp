@@ -92,10 +92,17 @@ StatementPtr Parser::ParseTransaction(Position start, TransactionAction action) 
     transaction->action = action;
     Take();
     const bool named = At(Keyword::kTran) || At(Keyword::kTransaction);
+    // When a commit is on the disk: here it is, always.
+    const auto skipDurability = [&] {
+        if (action != TransactionAction::kCommit || !At(Keyword::kWith) || !At(Op::kLeftParen, 1)) return;
+        Take();
+        SkipParentheses();
+    };
     if (!named) {
         if (action == TransactionAction::kBegin || action == TransactionAction::kSave) Fail();
         transaction->workKeyword = true;
         AcceptWord("work");
+        skipDurability();
         return transaction;
     }
     Take();
@@ -107,6 +114,7 @@ StatementPtr Parser::ParseTransaction(Position start, TransactionAction action) 
     } else if (action == TransactionAction::kSave) {
         Fail();
     }
+    skipDurability();
     if (action == TransactionAction::kBegin && At(Keyword::kWith) && AtWord("mark", 1)) {
         Take();
         Take();

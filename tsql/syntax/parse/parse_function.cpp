@@ -10,12 +10,16 @@ ExprPtr Parser::ParseNameOrCall() {
         if (AtWord("cast")) return ParseCast(false);
         if (AtWord("try_cast")) return ParseCast(true);
     }
-    ObjectName name = TakeObjectName();
+    ObjectName name = TakeNameParts();
     if (At(Op::kDot) && AtPseudoColumn(1)) {
         Take();
         return ParsePseudoColumn(std::move(name));
     }
-    if (At(Op::kLeftParen)) return ParseCall(std::move(name));
+    if (At(Op::kLeftParen)) {
+        CheckIsHere(name);
+        return ParseCall(std::move(name));
+    }
+    CheckColumnIsHere(name);
     return std::make_unique<ColumnExpr>(start, std::move(name));
 }
 

@@ -66,6 +66,7 @@ constexpr std::string_view kTableActions[] = {
 // What a column of a table may be besides, and what may stand in the place of a column.
 constexpr std::string_view kColumnForms[] = {"column_set", "encrypted", "filestream", "generated",
                                              "hidden",     "index",     "masked"};
+constexpr std::string_view kTableOptions[] = {"ignore_dup_key", "ledger", "system_versioning"};
 // Calls whose arguments have a grammar of their own.
 constexpr std::string_view kOwnGrammar[] = {"json_array",     "json_arrayagg", "json_object",
                                             "json_objectagg", "parse",         "try_parse"};
@@ -169,6 +170,13 @@ void Parser::RefuseRowset() {
     if (!At(Op::kLeftParen, 1)) return;
     const bool isOfServer = text::LowerAscii(token.text).starts_with("fn_") || IsOneOf(token.text, kRowsets);
     if (isOfServer) Refuse(token.position, Upper(token.text));
+}
+
+// How a table or an index is stored is skipped, but not what would change what it holds.
+void Parser::RefuseTableOption(const Token& option) {
+    const bool on = At(Op::kEqual) && At(Keyword::kOn, 1);
+    if (on && option.kind == TokenKind::kIdentifier && IsOneOf(option.text, kTableOptions))
+        Refuse(option.position, "WITH (" + Upper(option.text) + " = ON)");
 }
 
 // TRIM(characters FROM text)

@@ -37,6 +37,7 @@ QueryPtr Parser::ParseQuery(QueryPlace place) {
         query->orderBy = ParseOrderBy();
         ParseOffset(*query);
         const SelectBody* select = query->Select();
+        if (query->offset && select && select->top) throw MakeError(10741, select->position);
         if (place == QueryPlace::kNested && !query->offset && !(select && select->top))
             throw MakeError(1033, order);
     }
@@ -165,8 +166,9 @@ std::optional<AssignOp> Parser::AssignmentAhead(std::size_t n) {
 bool Parser::AcceptQualifiedStar(SelectItem& item) {
     if (!AtName() || !At(Op::kDot, 1)) return false;
     const State state = Save();
-    ObjectName qualifier = TakeObjectName();
+    ObjectName qualifier = TakeNameParts();
     if (At(Op::kDot) && At(Op::kStar, 1)) {
+        CheckIsHere(qualifier);
         Take();
         Take();
         item.kind = SelectItemKind::kStar;

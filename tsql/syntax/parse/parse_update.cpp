@@ -36,14 +36,14 @@ Assignment Parser::ParseAssignment() {
         if (At(Op::kEqual) && AtName(1)) {
             const State state = Save();
             Take();
-            assignment.column = TakeObjectName();
+            assignment.column = TakeColumnName();
             if (!AssignmentAhead(0)) {  // the value is a column
                 assignment.column = {};
                 Restore(state);
             }
         }
     } else {
-        assignment.column = TakeObjectName();
+        assignment.column = TakeColumnName();
     }
     // column.WRITE(text, from, length)
     if (At(Op::kLeftParen) && !assignment.column.IsEmpty() && IsWord(assignment.column.Object(), "write"))

@@ -134,8 +134,32 @@ std::vector<Name> Parser::TakeNamesInParentheses() {
     return names;
 }
 
-// Empty parts stand between dots: db..table.
 ObjectName Parser::TakeObjectName() {
+    ObjectName name = TakeNameParts();
+    CheckIsHere(name);
+    return name;
+}
+
+void Parser::CheckIsHere(const ObjectName& name) {
+    if (!IsHere(name)) throw MakeError(40515, name.Where(), {name.Text()});
+}
+
+// table.column, schema.table.column, database.schema.table.column
+ObjectName Parser::TakeColumnName() {
+    ObjectName name = TakeNameParts();
+    CheckColumnIsHere(name);
+    return name;
+}
+
+void Parser::CheckColumnIsHere(const ObjectName& name) {
+    if (name.parts.size() < kMostNameParts) return;
+    const std::string& database = name.parts.front().text;
+    if (!database.empty() && !IsWord(database, "accountset"))
+        throw MakeError(40515, name.Where(), {name.Text()});
+}
+
+// Empty parts stand between dots: db..table.
+ObjectName Parser::TakeNameParts() {
     ObjectName name;
     const Position start = Peek().position;
     name.parts.push_back(TakeName());
@@ -150,7 +174,6 @@ ObjectName Parser::TakeObjectName() {
     if (name.parts.size() > kMostNameParts) {
         throw MakeError(117, start, {"object", name.Text(), static_cast<int>(kMostNameParts) - 1});
     }
-    if (!IsHere(name)) throw MakeError(40515, start, {name.Text()});
     return name;
 }
 
@@ -195,6 +218,7 @@ void Parser::SkipParentheses() {
     for (int open = 1; open > 0;) {
         if (AtEnd()) Fail();
         const Token token = Take();
+        RefuseTableOption(token);
         if (token.op == Op::kLeftParen) ++open;
         if (token.op == Op::kRightParen) --open;
     }

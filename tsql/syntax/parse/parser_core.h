@@ -88,6 +88,10 @@ class Parser {
     std::vector<Name> TakeNames();  // a, b, c
     std::vector<Name> TakeNamesInParentheses();
     ObjectName TakeObjectName();
+    ObjectName TakeColumnName();
+    ObjectName TakeNameParts();
+    static void CheckIsHere(const ObjectName& name);
+    static void CheckColumnIsHere(const ObjectName& name);
     std::string TakeVariable();
     TypeName TakeType();
     // Skips ( … ) with whatever is in it.
@@ -118,6 +122,7 @@ class Parser {
     void RefuseStatement();
     void RefuseAlterTable(Position start);
     void RefuseColumnForm(std::string_view statement);
+    void RefuseTableOption(const Token& option);
     void RefuseTrim(const FunctionExpr& call);
     void RefuseCall(Position start);
     void SkipProcedureNumber();
