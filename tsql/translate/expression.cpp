@@ -112,6 +112,32 @@ Operand Translator::System(std::string name, SqlType type) {
     return operand;
 }
 
+namespace {
+
+// What only a server with its clients and its disks can tell.
+bool IsOfServer(std::string_view global) {
+    static constexpr std::string_view kNames[] = {"@@connections",
+                                                  "@@cpu_busy",
+                                                  "@@dbts",
+                                                  "@@def_sortorder_id",
+                                                  "@@idle",
+                                                  "@@io_busy",
+                                                  "@@max_connections",
+                                                  "@@microsoftversion",
+                                                  "@@pack_received",
+                                                  "@@pack_sent",
+                                                  "@@packet_errors",
+                                                  "@@remserver",
+                                                  "@@servicename",
+                                                  "@@timeticks",
+                                                  "@@total_errors",
+                                                  "@@total_read",
+                                                  "@@total_write"};
+    return std::find(std::begin(kNames), std::end(kNames), global) != std::end(kNames);
+}
+
+}  // namespace
+
 Operand Translator::Variable(const VariableExpr& variable) {
     const std::string name = LowerAscii(variable.name);
     if (variable.IsGlobal()) {
@@ -142,26 +168,7 @@ Operand Translator::Variable(const VariableExpr& variable) {
         for (const Global& global : kGlobals) {
             if (global.name == name) return System(name, global.type);
         }
-        // What only a server with its clients and its disks can tell.
-        static constexpr std::string_view kOfServer[] = {"@@connections",
-                                                         "@@cpu_busy",
-                                                         "@@dbts",
-                                                         "@@def_sortorder_id",
-                                                         "@@idle",
-                                                         "@@io_busy",
-                                                         "@@max_connections",
-                                                         "@@microsoftversion",
-                                                         "@@pack_received",
-                                                         "@@pack_sent",
-                                                         "@@packet_errors",
-                                                         "@@remserver",
-                                                         "@@servicename",
-                                                         "@@timeticks",
-                                                         "@@total_errors",
-                                                         "@@total_read",
-                                                         "@@total_write"};
-        if (std::find(std::begin(kOfServer), std::end(kOfServer), name) != std::end(kOfServer))
-            throw MakeError(40510, variable.position, {UpperAscii(name)});
+        if (IsOfServer(name)) throw MakeError(40510, variable.position, {UpperAscii(name)});
         throw MakeError(137, variable.position, {variable.name});
     }
     const auto type = context_.VariableType(name);
