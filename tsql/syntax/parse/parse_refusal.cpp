@@ -95,7 +95,24 @@ constexpr std::string_view kRowsets[] = {"containstable",
                                          "regexp_matches",
                                          "regexp_split_to_table",
                                          "semanticsimilaritydetailstable",
-                                         "semanticsimilaritytable"};
+                                         "semanticsimilaritytable",
+                                         "fn_builtin_permissions",
+                                         "fn_dblog",
+                                         "fn_dump_dblog",
+                                         "fn_get_audit_file",
+                                         "fn_get_sql",
+                                         "fn_helpcollations",
+                                         "fn_listextendedproperty",
+                                         "fn_my_permissions",
+                                         "fn_physloccracker",
+                                         "fn_servershareddrives",
+                                         "fn_trace_geteventinfo",
+                                         "fn_trace_getfilterinfo",
+                                         "fn_trace_getinfo",
+                                         "fn_trace_gettable",
+                                         "fn_virtualfilestats",
+                                         "fn_virtualservernodes",
+                                         "fn_xe_file_target_read_file"};
 constexpr std::string_view kPseudoColumns[] = {"$action",  "$cuid",      "$edge_id", "$from_id",
                                                "$node_id", "$partition", "$rowguid", "$to_id"};
 constexpr std::string_view kForms[] = {"xml", "json", "browse"};
@@ -168,8 +185,7 @@ void Parser::RefuseRowset() {
     if (AtWord("sys") && At(Op::kDot, 1) && At(Op::kLeftParen, 3))
         Refuse(token.position, "sys." + std::string(Peek(2).text));
     if (!At(Op::kLeftParen, 1)) return;
-    const bool isOfServer = text::LowerAscii(token.text).starts_with("fn_") || IsOneOf(token.text, kRowsets);
-    if (isOfServer) Refuse(token.position, Upper(token.text));
+    if (IsOneOf(token.text, kRowsets)) Refuse(token.position, Upper(token.text));
 }
 
 // How a table or an index is stored is skipped, but not what would change what it holds.
