@@ -169,6 +169,16 @@ TEST_F(DeepTextTest, Much_becomes_of_groups_and_windows) {
               "n:int\n62");
 }
 
+TEST_F(DeepTextTest, What_the_left_side_decides_leaves_the_right_side_alone) {
+    EXPECT_EQ(Run("declare @n int = 0 if @n <> 0 and 1 / @n > 2 select 1 as n else select 2 as n"),
+              "n:int\n2");
+    EXPECT_EQ(Run("declare @n int = 0 while @n = 0 or (@n < 3 and 6 / @n > 2) set @n += 1 select @n as n"),
+              "n:int\n3");
+    EXPECT_EQ(Run("declare @n int = 0 if " + Nested(60, "(@n = 3 or ", "@n = 0 or 1 / @n > 2", ")") +
+                  " select 1 as n"),
+              "n:int\n1");
+}
+
 TEST_F(DeepTextTest, Values_of_their_own_for_each_row_stay_so) {
     EXPECT_EQ(Run("declare @s varchar(8000) = '' select @s = @s + v" + Times(45, "+'.'") +
                   " from t select len(@s) as n"),

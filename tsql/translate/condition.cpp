@@ -46,7 +46,8 @@ std::string InARow(const std::vector<std::string>& parts, std::size_t from, std:
 Translation Translator::Condition(const Expr& condition) {
     Scope scope;
     translation_.columns.push_back({"", SqlType::Of(TypeKind::kBit)});
-    return Finished("SELECT " + ConditionText(condition, scope));
+    // As the condition of something: of a value SQLite works out both sides of AND and OR in any case.
+    return Finished("SELECT CASE WHEN " + ConditionText(condition, scope) + " THEN 1 ELSE 0 END");
 }
 
 std::string Translator::Compare(const char* op, const Operand& left, const Operand& right,

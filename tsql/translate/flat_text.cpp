@@ -3,111 +3,25 @@
 #include <algorithm>
 #include <set>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "text/ascii.h"
 #include "tsql/base/text_units.h"
-#include "tsql/functions/function.h"
+#include "tsql/translate/flat_frame.h"
 
 namespace vicenter::tsql::engine {
 
+namespace flat {
 namespace {
 
-// Places of SQLite's parser, each the most that such a step takes.
-constexpr int kPlain = 3;          // a name or a number
-constexpr int kByName = 8;         // (SELECT v$ FROM "deep$1")
-constexpr int kCallPlaces = 5;     // name ( DISTINCT argument ,
-constexpr int kParenPlaces = 1;    // (
-constexpr int kCasePlaces = 6;     // CASE operand branches WHEN condition THEN
-constexpr int kListPlaces = 7;     // IN ( members , or OVER ( PARTITION BY list ORDER BY list ,
-constexpr int kHeadPlaces = 10;    // SELECT DISTINCT list FROM …
-constexpr int kBehindPlaces = 16;  // … ON, GROUP BY, HAVING, ORDER BY, LIMIT
-constexpr int kOperatorPlaces = 2;
-constexpr int kMostPending = 3;  // operators that wait for their right sides at the same time
-
-// Around the number of what is put elsewhere, where it is not decided yet how it comes in: it may be worked
-// out before the rest of the text around it, as long as nothing comes before it there.
-constexpr char kHole = '\x01';
-
-enum class FrameKind { kStatement, kQuery, kJoin, kCall, kParen, kCase, kList };
-// What can be put by name in the place of a piece.
-enum class Role { kNone, kValue, kTable, kMembers };
-enum class Clause { kList, kFrom, kOn, kBehind, kNames, kRows, kWith };
-
-struct Piece {
-    std::size_t at = 0;  // in the text of its frame
-    std::size_t size = 0;
-    int before = 0;  // places that the frame takes up to here
-    int need = 0;    // places of its own
-    Role role = Role::kNone;
-    bool isFirst = false;  // evaluated before everything else of the frame that can fail
-    int hole = 0;          // in it; 0 for none
-};
-
-// A pair of parentheses with the name before it, or a CASE, while its text is read.
-struct Frame {
-    FrameKind kind = FrameKind::kStatement;
-    Role role = Role::kNone;
-    Clause clause = Clause::kList;
-    std::string name;  // of a call, in lower case
-    std::string text;
-    std::vector<Piece> pieces;
-    int need = kPlain;  // of what stays in any case
-    int operators = 0;  // since the last comma
-    int commas = 0;
-    bool isLazy = false;       // what follows may be left out
-    bool isAggregate = false;  // holds a value of the whole group or window: not to be had elsewhere
-    bool isVolatile = false;
-    bool hasColumn = false;     // of a table around
-    bool refersWithin = false;  // to a query that a WITH within the statement names
-    bool hasWith = false;       // which is here
-};
-
-bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
-    return std::find(words.begin(), words.end(), word) != words.end();
+bool IsWordCharacter(char c) {
+    return text::IsLetter(c) || text::IsDigit(c) || c == '_' || c == '$' ||
+           static_cast<unsigned char>(c) >= 0x80;
 }
 
-// Words behind which a parenthesis is no call.
-bool IsKeyword(std::string_view word) {
-    return IsOneOf(word, {"ALL",  "AND",    "AS",     "BETWEEN",  "BY",     "CASE",  "CONFLICT",  "DISTINCT",
-                          "ELSE", "ESCAPE", "EXCEPT", "FROM",     "HAVING", "IN",    "INTERSECT", "INTO",
-                          "IS",   "JOIN",   "LIKE",   "LIMIT",    "NOT",    "NULL",  "OFFSET",    "ON",
-                          "OR",   "OVER",   "SELECT", "SET",      "THEN",   "UNION", "USING",     "VALUES",
-                          "WHEN", "WHERE",  "WITH",   "RETURNING"});
-}
-
-struct Names {
-    std::set<std::string, std::less<>> aggregates{"count", "sum", "avg", "total", "group_concat"};
-    std::set<std::string, std::less<>> changing{"random", "randomblob", "changes", "last_insert_rowid"};
-
-    Names() {
-        for (const SqlFunction* body : AllSqlFunctions()) {
-            if (body->step != nullptr) aggregates.insert(body->name);
-            if (!body->deterministic) changing.insert(body->name);
-        }
-    }
-};
-
-const Names& KnownNames() {
-    static const Names names;
-    return names;
-}
-
-std::string Hole(int number) {
-    return kHole + std::to_string(number) + kHole;
-}
-
-std::string NameOf(int number) {
-    return "\"deep$" + std::to_string(number) + "\"";
-}
-
-std::string ByName(int number) {
-    return "(SELECT v$ FROM " + NameOf(number) + ")";
-}
-
-void Replace(std::string& text, const std::string& what, const std::string& by) {
-    const std::size_t at = text.find(what);
-    if (at != std::string::npos) text.replace(at, what.size(), by);
+bool IsBlank(char c) {
+    return c == ' ' || c == '\n';
 }
 
 class Flattener {
@@ -131,6 +45,7 @@ class Flattener {
     int Shorten(Frame& frame);
     std::string Moved(const std::string& text, const Piece& piece, bool isFirst);
     int Define(std::string text, int hole);
+    int DefineCondition(std::string_view text, int hole);
     std::string_view NextWord(std::size_t at) const;
     void Append(std::size_t from) { Top().text += sql_.substr(from, at_ - from); }
 
@@ -143,45 +58,6 @@ class Flattener {
     std::string definitions_;
     int count_ = 0;
 };
-
-bool IsWordCharacter(char c) {
-    return text::IsLetter(c) || text::IsDigit(c) || c == '_' || c == '$' ||
-           static_cast<unsigned char>(c) >= 0x80;
-}
-
-bool IsBlank(char c) {
-    return c == ' ' || c == '\n';
-}
-
-// How many places are taken where the frame has come to.
-int Places(const Frame& frame) {
-    const int pending = kOperatorPlaces * std::min(frame.operators, kMostPending);
-    const bool isBehind = frame.clause == Clause::kBehind || frame.clause == Clause::kOn;
-    switch (frame.kind) {
-        case FrameKind::kStatement:
-        case FrameKind::kQuery:
-        case FrameKind::kJoin:
-            return pending + (isBehind ? kBehindPlaces : kHeadPlaces);
-        case FrameKind::kCall:
-            return pending + kCallPlaces;
-        case FrameKind::kParen:
-            return pending + kParenPlaces;
-        case FrameKind::kCase:
-            return pending + kCasePlaces;
-        case FrameKind::kList:
-            return pending + kListPlaces;
-    }
-    return pending;
-}
-
-// Whether the frame's text means the same in another place.
-bool MayMove(const Frame& frame) {
-    if (frame.refersWithin && !frame.hasWith) return false;
-    if (frame.kind == FrameKind::kQuery) return true;
-    if (frame.isAggregate || frame.pieces.empty()) return false;
-    // What refers to no row would be worked out once for all rows.
-    return !frame.isVolatile || frame.hasColumn;
-}
 
 std::string_view Flattener::NextWord(std::size_t at) const {
     while (at < sql_.size() && IsBlank(sql_[at]))
@@ -263,7 +139,11 @@ void Flattener::TakeWord() {
         frames_.emplace_back();
         Top().kind = FrameKind::kCase;
     }
-    Append(from);
+    if (Top().kind == FrameKind::kParen && (upper == "AND" || upper == "OR")) {
+        Top().text += upper == "AND" ? kAnd : kOr;
+    } else {
+        Append(from);
+    }
     NoteName(word);
     if (upper == "END" && Top().kind == FrameKind::kCase) {
         Close();
@@ -322,10 +202,32 @@ int Flattener::Define(std::string text, int hole) {
     return ++count_;
 }
 
+// a AND b AND …: the first side is worked out first, and the others where it does not decide; within NOT and
+// parentheses, too.
+int Flattener::DefineCondition(std::string_view text, int hole) {
+    constexpr std::string_view kNot = "NOT ";
+    text = Trimmed(text);
+    const std::size_t at = MarkOf(text);
+    if (at != std::string_view::npos) {
+        const bool isAnd = text[at] == kAnd;
+        const int left = DefineCondition(text.substr(0, at), hole);
+        const int right = DefineCondition(text.substr(at + 1), 0);
+        return Define("CASE " + Hole(left) + (isAnd ? " WHEN 0 THEN 0 ELSE " : " WHEN 1 THEN 1 ELSE ") +
+                          NameOf(left) + ".v$" + (isAnd ? " AND " : " OR ") + ByName(right) + " END",
+                      left);
+    }
+    const bool holds = text.find_first_of(kEither) != std::string_view::npos;
+    if (holds && text.starts_with(kNot))
+        return Define("NOT " + ByName(DefineCondition(text.substr(kNot.size()), hole)), 0);
+    if (holds && EndOf(text) == text.size()) return DefineCondition(text.substr(1, text.size() - 2), hole);
+    return Define(InWords(text), hole);
+}
+
 // What stands in the place of a piece that is put elsewhere.
 std::string Flattener::Moved(const std::string& text, const Piece& piece, bool isFirst) {
     if (piece.role == Role::kValue) {
-        const int number = Define(text, piece.hole);
+        const bool isCondition = text.find_first_of(kEither) != std::string::npos;
+        const int number = isCondition ? DefineCondition(text, piece.hole) : Define(text, piece.hole);
         return isFirst ? Hole(number) : ByName(number);
     }
     definitions_ += (count_ == 0 ? "" : ", ") + NameOf(count_ + 1) + " AS " + text;
@@ -347,7 +249,9 @@ int Flattener::Shorten(Frame& frame) {
         if (piece.role != Role::kNone && piece.before + need > deepest_) {
             own = Moved(own, piece, isFirst);
             hole = isFirst && piece.role == Role::kValue ? count_ : 0;
-            need = kByName;
+            need = kByNamePlaces;
+        } else if (frame.kind != FrameKind::kParen) {
+            own = InWords(own);
         }
         if (hole > 0 && !isFirst) Replace(own, Hole(hole), ByName(hole));
         if (hole > 0 && isFirst) open = hole;
@@ -364,9 +268,8 @@ void Flattener::Close() {
     Frame frame = std::move(frames_.back());
     frames_.pop_back();
     if (frame.kind == FrameKind::kCall) {
-        const bool isExtreme = (frame.name == "min" || frame.name == "max") && frame.commas == 0;
-        if (isExtreme || KnownNames().aggregates.contains(frame.name)) frame.isAggregate = true;
-        if (KnownNames().changing.contains(frame.name)) frame.isVolatile = true;
+        if (IsAggregateCall(frame)) frame.isAggregate = true;
+        if (IsChangingCall(frame)) frame.isVolatile = true;
     }
     Frame& outer = Top();
     Piece piece;
@@ -427,9 +330,10 @@ std::string Flattener::Run() {
 }
 
 }  // namespace
+}  // namespace flat
 
 std::string Flattened(const std::string& sql, int deepest) {
-    return Flattener(sql, deepest).Run();
+    return flat::Flattener(sql, deepest).Run();
 }
 
 }  // namespace vicenter::tsql::engine
