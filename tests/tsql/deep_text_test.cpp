@@ -179,6 +179,35 @@ TEST_F(DeepTextTest, What_the_left_side_decides_leaves_the_right_side_alone) {
               "n:int\n1");
 }
 
+TEST_F(DeepTextTest, Deep_texts_stand_in_every_statement) {
+    const std::string ones = Times(60, "+1");
+    EXPECT_EQ(Run("merge t using (select 1" + ones + " as a) as u on t.a" + ones +
+                  " = u.a when matched then update set b = t.b" + ones +
+                  " when not matched by source then delete; select a, b from t"),
+              "a:int b:decimal(9,2)\n1|61.25");
+    EXPECT_EQ(Run("insert into t (a) output inserted.a" + ones + " as n values (5)"), "n:int\n65");
+    EXPECT_EQ(Run("select t.a, x.n from t cross apply (select t.a" + ones + " as n) as x"),
+              "a:int n:int\n1|61\n5|65");
+    EXPECT_EQ(Run("select a, sum(b)" + ones + " as n, grouping(a)" + ones +
+                  " as g from t where b is not null group by rollup(a)"),
+              "a:int n:decimal(38,2) g:int\n1|121.25|60\nNULL|121.25|61");
+    EXPECT_EQ(Run("declare c cursor for select sum(a)" + ones +
+                  " as n from t open c fetch next from c close c deallocate c"),
+              "n:int\n66");
+    EXPECT_EQ(Run("declare c cursor for select a, row_number() over (order by a)" + ones +
+                  " as n from t open c fetch next from c update t set s = N'y' where current of c close c "
+                  "deallocate c select s from t where a = 1"),
+              "a:int n:bigint\n1|61\n--\ns:nvarchar(20)\ny");
+    EXPECT_EQ(Run("with n as (select 1 as i union all select i" + ones + "-59 from n where i" + ones +
+                  " < 70) select count(*) as c from n"),
+              "c:int\n10");
+    EXPECT_EQ(Run("create table k (a int, c as a" + ones + ", d int default 1" + ones +
+                  ") insert into k (a) values (1) select c, d from k"),
+              "c:int d:int\n61|61");
+    // SQLite takes no query in a CHECK.
+    EXPECT_EQ(Run("create table m (a int check (a" + ones + " > 0))").substr(0, 9), "error 191");
+}
+
 TEST_F(DeepTextTest, Values_of_their_own_for_each_row_stay_so) {
     EXPECT_EQ(Run("declare @s varchar(8000) = '' select @s = @s + v" + Times(45, "+'.'") +
                   " from t select len(@s) as n"),

@@ -252,7 +252,8 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     Stage stage;
     bool hasHaving = select.having != nullptr;
     const bool windows = ways_.stages && HasWindows(select, orderFrom);
-    if (ways_.stages && !wantsRow && !ordersFirst && (groups || windows)) {
+    const bool mayStage = ways_.stages && !ordersFirst && (!wantsRow || changed_.isCursor);
+    if (mayStage && (groups || windows)) {
         // Windows see the groups that HAVING leaves.
         if (windows && hasHaving) parts.tail += " HAVING " + ConditionText(*select.having, scope);
         hasHaving = hasHaving && !windows;

@@ -136,7 +136,7 @@ void Translator::AddRowNumber(const SelectBody& select, const Scope& scope, Sele
         }
         changed_.columns.emplace_back(parts.names[i], behind);
     }
-    parts.items.push_back(Computed(source.alias + "._rowid_", SqlType::Of(TypeKind::kBigInt)));
+    parts.items.push_back(Staged(scope, Computed(source.alias + "._rowid_", SqlType::Of(TypeKind::kBigInt))));
     parts.names.emplace_back(kRowNumberName);
 }
 
