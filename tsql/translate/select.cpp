@@ -156,6 +156,10 @@ void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::strin
     std::string list;
     for (const ExprPtr& group : select.groupBy) {
         if (HasAggregate(*group)) throw MakeError(144, group->position);
+        const Names names = NamesOf(*group, scope);
+        if (names.outside && !names.own) throw MakeError(164, group->position);
+        if (names.outside)
+            throw MakeError(40510, group->position, {"GROUP BY of a column of the query around"});
         const Operand operand = Value(*group, scope);
         if (operand.column || group->kind == ExprKind::kColumn) scope.groupColumns.push_back(operand.sql);
         list += (list.empty() ? " GROUP BY " : ", ") + Sorted(operand);
@@ -281,8 +285,12 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
 // ORDER BY, and what is taken of the rows.
 void Translator::AddOrder(const SelectBody& select, const Query* orderFrom, bool ordersFirst, Scope& scope,
                           SelectParts& parts) {
-    if (select.top &&
-        (select.top->percent || select.top->withTies || MayAskOutside(*select.top->count, scope.outer))) {
+    // SQLite's ORDER BY knows nothing of the query around it either.
+    const bool asksOutside = OrdersByOutside(orderFrom, scope);
+    if (asksOutside && !select.top)
+        throw MakeError(40510, select.position, {"ORDER BY of a column of the query around"});
+    if (select.top && (select.top->percent || select.top->withTies || asksOutside ||
+                       MayAskOutside(*select.top->count, scope.outer))) {
         // A member of a set has no order of its own.
         const Query unordered;
         LimitByRank(select, orderFrom != nullptr ? *orderFrom : unordered, scope, parts);

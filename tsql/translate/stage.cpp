@@ -83,6 +83,23 @@ bool Translator::HasOwnAggregate(const Expr& expression, const Scope& scope) con
     return found;
 }
 
+Translator::Names Translator::NamesOf(const Expr& expression, const Scope& scope) {
+    Names names;
+    VisitAll(expression, [&](const Expr& one) {
+        const auto* column = TryAs<ColumnExpr>(&one);
+        const Scope* level = column != nullptr ? ScopeOf(*column, scope) : nullptr;
+        names.own = names.own || level == &scope;
+        names.outside = names.outside || (level != nullptr && level != &scope);
+    });
+    return names;
+}
+
+bool Translator::OrdersByOutside(const Query* orderFrom, const Scope& scope) {
+    return orderFrom != nullptr &&
+           std::any_of(orderFrom->orderBy.begin(), orderFrom->orderBy.end(),
+                       [&](const OrderItem& item) { return NamesOf(*item.expression, scope).outside; });
+}
+
 // An aggregate in a subquery is a value of the query around it, which is grouped by it.
 Operand Translator::OuterAggregate(const FunctionExpr& call, const Scope& owner) {
     if (!owner.isBehind) throw MakeError(147, call.position);

@@ -254,6 +254,13 @@ class Translator {
     // The scope whose query an aggregate belongs to: the nearest that one of its columns comes from.
     const Scope& OwnerOf(const FunctionExpr& call, const Scope& scope) const;
     bool HasOwnAggregate(const Expr& expression, const Scope& scope) const;
+    // Whether it names columns of a query around, and of its own one.
+    struct Names {
+        bool outside = false;
+        bool own = false;
+    };
+    static Names NamesOf(const Expr& expression, const Scope& scope);
+    static bool OrdersByOutside(const Query* orderFrom, const Scope& scope);
     Operand OuterAggregate(const FunctionExpr& call, const Scope& owner);
 
     // select.cpp
