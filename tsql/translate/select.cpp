@@ -246,8 +246,10 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     const bool wantsRow = std::exchange(changed_.wantsRow, false);
     const std::string assigningOutside = assigning_;
     const std::size_t assignedOutside = assigned_.size();
+    // Of one row no other can see what it assigns.
     for (const SelectItem& item : select.items) {
-        if (item.kind == SelectItemKind::kAssignment) assigning_ += " " + LowerAscii(item.variable) + " ";
+        if (item.kind == SelectItemKind::kAssignment && !select.from.empty())
+            assigning_ += " " + LowerAscii(item.variable) + " ";
     }
     const bool groups = AddRows(select, orderFrom, scope, parts);
     const bool isWhole = groups && select.groupBy.empty() && select.grouping.empty();
