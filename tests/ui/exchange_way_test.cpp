@@ -222,7 +222,7 @@ TEST_F(ExchangeWayTest, FaultsThatTheComparisonFindsStayInTheListOfFaults) {
     Drop({MakeWorkbook("Looked.xlsx", 1)});
     TakeMessages();
     InPreview([](QDialog& dialog) {
-        EXPECT_EQ(Rows(dialog, "faults"), QStringList{"2|附件数（F列）|x|必须是整数"});
+        EXPECT_EQ(Rows(dialog, "faults"), QStringList{"2|附件数（F 列）|x|必须是整数"});
         QTest::keyClick(&dialog, Qt::Key_Escape);
     });
     Drop({MakeWorkbook("Looked.xlsx", 1, "x")});

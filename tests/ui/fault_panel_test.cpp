@@ -148,7 +148,7 @@ TEST_F(FaultPanelTest, WhatWasReportedStandsThereWithItsSource) {
     EXPECT_EQ(Rows()[2], "4|附件数|1.5|必须是整数|当前模板");
     EXPECT_EQ(Rows()[3], "|||文件不完整|fault_panel_test.xlsx");
     EXPECT_EQ(Rows()[4], "3|摘要(*)|长|长度不能超过255个字符|凭证（十月）");
-    EXPECT_EQ(Rows()[5], "5|金额（F列）|x|必须是数字|fault_panel_test.xlsx");
+    EXPECT_EQ(Rows()[5], "5|金额（F 列）|x|必须是数字|fault_panel_test.xlsx");
     // A click leads to where it can be mended; gathering rows to copy them does not.
     QFile(file).open(QIODevice::WriteOnly);
     ClickRow(5);
@@ -160,7 +160,7 @@ TEST_F(FaultPanelTest, WhatWasReportedStandsThereWithItsSource) {
     QTest::keyClick(&table, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(),
               "行\t列\t内容\t原因\t来源\r\n\t\t\t文件不完整\tfault_panel_test.xlsx\r\n"
-              "5\t金额（F列）\tx\t必须是数字\tfault_panel_test.xlsx\r\n");
+              "5\t金额（F 列）\tx\t必须是数字\tfault_panel_test.xlsx\r\n");
     QTest::keyClick(&table, Qt::Key_Delete);
     EXPECT_EQ(Rows().size(), 4);
     table.selectAll();

@@ -132,7 +132,7 @@ void ImportPreviewDialog::AddFaults() {
         const exchange::LineFault& fault = preview_.faults[static_cast<std::size_t>(row)];
         QString column = ToQt(fault.header);
         if (fault.column > 0)
-            column += QStringLiteral("（%1列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
+            column += QStringLiteral("（%1 列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
         Put(*table, row,
             {fault.row > 0 ? QString::number(fault.row) : QString(), column, ToQt(fault.value),
              ToQt(fault.reason)});

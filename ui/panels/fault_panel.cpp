@@ -60,7 +60,7 @@ QString TextOfReported(const center::ReportedFault& reported, int field) {
         case kColumn: {
             const QString header = ToQt(fault.header).simplified();
             if (fault.column == 0 || reported.kind == center::FaultSource::Template) return header;
-            return header + QStringLiteral("（%1列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
+            return header + QStringLiteral("（%1 列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
         }
         case kValue:
             return ToQt(fault.value).simplified();
