@@ -2,11 +2,14 @@
 
 #include <QDialog>
 #include <QFileDialog>
+#include <QLayout>
 #include <QMessageBox>
 #include <QScreen>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -49,7 +52,36 @@ void ExpectTitleBar(const QDialog& dialog) {
     EXPECT_EQ(dialog.windowType(), Qt::Dialog) << name;
 }
 
+// Along the rows or down the columns, never back.
+void ExpectTabGoesByWhatIsSeen(const QDialog& dialog) {
+    dialog.layout()->activate();
+    std::vector<const QWidget*> stops;
+    for (QWidget* at = dialog.nextInFocusChain(); at != &dialog; at = at->nextInFocusChain()) {
+        if ((at->focusPolicy() & Qt::TabFocus) != 0 && at->isVisibleTo(&dialog) && at->isEnabled() &&
+            at->focusProxy() == nullptr)
+            stops.push_back(at);
+    }
+    const auto place = [&](const QWidget* stop) {
+        return QRect(stop->mapTo(&dialog, QPoint(0, 0)), stop->size());
+    };
+    // It is a ring: from its uppermost stop on.
+    const auto first = std::min_element(stops.begin(), stops.end(), [&](const QWidget* a, const QWidget* b) {
+        const QPoint one = place(a).center();
+        const QPoint other = place(b).center();
+        return one.y() / 8 != other.y() / 8 ? one.y() < other.y() : one.x() < other.x();
+    });
+    std::rotate(stops.begin(), first, stops.end());
+    for (std::size_t i = 1; i < stops.size(); ++i) {
+        const QRect from = place(stops[i - 1]);
+        const QRect to = place(stops[i]);
+        EXPECT_TRUE(to.center().y() >= from.top() || to.left() >= from.right())
+            << dialog.objectName().toStdString() << ": " << stops[i - 1]->objectName().toStdString() << " to "
+            << stops[i]->objectName().toStdString();
+    }
+}
+
 void ExpectFramed(const QDialog& dialog) {
+    ExpectTabGoesByWhatIsSeen(dialog);
     const std::string name = dialog.objectName().toStdString();
     ExpectTitleBar(dialog);
     EXPECT_TRUE(dialog.windowFlags() & Qt::WindowCloseButtonHint) << name;

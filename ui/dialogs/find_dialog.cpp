@@ -65,13 +65,14 @@ FindDialog::FindDialog(dialogs::FrmSearch& search, std::function<QRect()> foundR
     grid->addWidget(next, 0, 3);
     grid->addWidget(cancel, 1, 3);
     grid->setColumnMinimumWidth(3, 110);
+    FrameDialog(*this);
+    // Down the fields first.
     setTabOrder(txtExp_, txtAcct_);
     setTabOrder(txtAcct_, account);
     setTabOrder(account, txtBZ_);
     setTabOrder(txtBZ_, next);
     setTabOrder(next, cancel);
     layout()->setSizeConstraint(QLayout::SetFixedSize);
-    FrameDialog(*this);
 
     connect(next, &QPushButton::clicked, this, &FindDialog::FindNext);
     connect(account, &QToolButton::clicked, this, [this] { Guarded([this] { search_.cmdAcct_Click(); }); });
