@@ -1,10 +1,18 @@
 #include "ui/run/application.h"
 
+#include <QAbstractButton>
+#include <QApplication>
 #include <QFontDatabase>
 #include <QFontMetrics>
+#include <QGroupBox>
 #include <QImage>
+#include <QLabel>
 #include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QRawFont>
+#include <QRegularExpression>
+#include <QTabWidget>
 #include <QWidget>
 #include <QWindow>
 #include <set>
@@ -65,6 +73,33 @@ TEST(ChineseTexts, WordsQtsOwnButtonsInChineseAndLeavesTheRest) {
     EXPECT_EQ(texts.translate("QFileDialog", "&Save", nullptr, -1), "保存(&S)");
     EXPECT_TRUE(texts.translate("QLineEdit", "no such text", nullptr, -1).isNull());
 }
+
+#ifndef _WIN32
+// What the choice of a printer shows, its options unfolded.
+TEST(ChineseTexts, WordTheChoiceOfAPrinter) {
+    ChineseTexts texts;
+    QApplication::installTranslator(&texts);
+    QPrinter printer;
+    const QPrintDialog dialog(&printer);
+    QStringList shown;
+    for (const auto* label : dialog.findChildren<QLabel*>())
+        shown << label->text();
+    for (const auto* button : dialog.findChildren<QAbstractButton*>())
+        shown << button->text();
+    for (const auto* group : dialog.findChildren<QGroupBox*>())
+        shown << group->title();
+    for (const auto* tabs : dialog.findChildren<QTabWidget*>()) {
+        for (int page = 0; page < tabs->count(); ++page)
+            shown << tabs->tabText(page);
+    }
+    QApplication::removeTranslator(&texts);
+    EXPECT_GT(shown.size(), 20);
+    static const QRegularExpression letters(QStringLiteral("[A-Za-z]{2}"));
+    static const QRegularExpression chinese(QStringLiteral("[\\x{4e00}-\\x{9fff}]"));
+    for (const QString& text : shown)
+        EXPECT_TRUE(text.contains(chinese) || !text.contains(letters)) << text.toStdString();
+}
+#endif
 
 TEST(Twips, AreFifteenToAPixelAtNinetySixDotsAnInch) {
     EXPECT_EQ(TwipsToPixels(285, 96), 19);
