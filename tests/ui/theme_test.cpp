@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QFrame>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -157,6 +158,10 @@ TEST_F(ThemeTest, FieldsAndTicksHaveEdgesThatAreSeen) {
         Theme::Process().SetDark(dark);
         QLineEdit field;
         EXPECT_GT(seen(field), dark ? 1.4 : 1.1) << dark;
+        // Of what stands above others the edge is all that parts it from them.
+        QFrame panel;
+        panel.setFrameShape(QFrame::StyledPanel);
+        EXPECT_GT(seen(panel), dark ? 1.4 : 1.1) << dark;
         QCheckBox tick;
         EXPECT_GT(seen(tick), dark ? 1.4 : 1.1) << dark;
         QRadioButton choice;

@@ -39,8 +39,8 @@ void DrawToolFocus(const QStyleOption& option, QPainter& painter) {
     painter.restore();
 }
 
-// The style below takes the edges of fields and ticks from a darker shade of the window, which on a dark one
-// nobody sees. It is told of a window so light that what it makes of it is the colour of lines.
+// The style below takes the edges of panels, menus, fields and ticks from a darker shade of the window, which
+// on a dark one nobody sees. It is told of a window so light that what it makes of it is the colour of lines.
 constexpr int kEdgeShade = 140;  // per cent, the style's own
 
 template <class Option>
@@ -70,6 +70,8 @@ void CenterStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
             }
             QProxyStyle::drawPrimitive(element, option, painter, widget);
             return;
+        case PE_Frame:
+        case PE_FrameMenu:
         case PE_FrameLineEdit:
         case PE_IndicatorCheckBox:
         case PE_IndicatorRadioButton:
