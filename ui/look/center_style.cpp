@@ -62,6 +62,12 @@ void CenterStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
             return;
         case PE_PanelToolBar:
             return;
+        case PE_PanelMenu:
+            if (!Theme::Process().IsDark()) break;
+            painter->fillRect(option->rect, colors::kBand);
+            painter->setPen(colors::kLine);
+            painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+            return;
         case PE_FrameFocusRect:
             // A tool that the keyboard has reached.
             if (qobject_cast<const QToolButton*>(widget)) {
@@ -71,7 +77,6 @@ void CenterStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
             QProxyStyle::drawPrimitive(element, option, painter, widget);
             return;
         case PE_Frame:
-        case PE_FrameMenu:
         case PE_FrameLineEdit:
         case PE_IndicatorCheckBox:
         case PE_IndicatorRadioButton:
@@ -90,8 +95,9 @@ void CenterStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
             QProxyStyle::drawPrimitive(element, option, painter, widget);
             return;
         default:
-            QProxyStyle::drawPrimitive(element, option, painter, widget);
+            break;
     }
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
 }
 
 void CenterStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
