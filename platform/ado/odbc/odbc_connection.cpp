@@ -38,6 +38,7 @@ constexpr std::int32_t kFirstErrorSeverity = 11;
 // Three trips for a unit, one for what only reads or changes once. A transaction that a driver keeps open all
 // the time would save one of the three and cost one more for every question, and a question would hold on to
 // what it read.
+constexpr const char* kBeyondAscii = "账";
 constexpr const char* kBegin = "begin transaction";
 constexpr const char* kCommit = "if @@trancount > 0 commit transaction";
 constexpr const char* kRollback = "if @@trancount > 0 rollback transaction";
@@ -152,6 +153,8 @@ bool OdbcConnection::BeginUnit() {
     for (int attempt = 0; attempt < 2 && unitLost_; ++attempt) {
         try {
             if (!link_) Connect();
+            // Its code page is asked for beforehand: a victim of that question would lose the unit unseen.
+            Marked(kBeyondAscii);
             const OdbcOutcome begun = Run(kBegin);
             unitLost_ = begun.HasFailed();
             if (begun.HasStopped()) link_.reset();
@@ -174,7 +177,10 @@ bool OdbcConnection::CommitUnit() {
     // There is nothing to commit where the server has undone it.
     OdbcOutcome committed = Run("commit transaction", Stop::kMustNot);
     if (!committed.HasFailed()) return true;
-    Fail(std::move(committed), true);
+    const bool unknown = committed.HasStopped();
+    // A line with a transaction on it must not come to the next user.
+    if (!unknown && Run(kRollback, Stop::kMustNot).HasStopped()) committed.broken = true;
+    Fail(std::move(committed), unknown);
 }
 
 OdbcOutcome OdbcConnection::Run(std::string text, Stop stop) {
