@@ -213,7 +213,7 @@ TEST_F(DeepTextTest, Values_of_their_own_for_each_row_stay_so) {
                   " select len(@s) as n"),
               "n:int\n46");
     EXPECT_EQ(Run("declare @a int = 1, @b int = 5 select @a = @b + 1, @b = @a + 1 select @a as a, @b as b"),
-              "a:int b:int\n6|2");
+              "a:int b:int\n6|7");
     EXPECT_EQ(Run("declare @s varchar(8000) = '' select @s = @s + v" + Times(45, "+'.'") +
                   " from t select len(@s) as n"),
               "n:int\n96");
