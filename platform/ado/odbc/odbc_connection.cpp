@@ -270,7 +270,14 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
     if (!link_) Connect();
     const BatchNature nature = NatureOf(batch);
     if (nature.leavesTraces) link_->hasTraces = true;
+    link_->hasFailedToAsk = false;
     std::string text = Marked(batch);
+    if (inUnit_ && link_->hasFailedToAsk) {
+        // A deadlock's victim loses its transaction by a question as by anything else.
+        Run(kRollback, Stop::kMustNot);
+        unitLost_ = true;
+        throw Error(error_number::kProviderError, kUnitLostText, kSource);
+    }
     OdbcOutcome outcome = settings_.batchTransactions && nature.needsUnit && !inUnit_
                               ? RunAsUnit(std::move(text))
                               : Run(std::move(text));

@@ -151,11 +151,13 @@ std::vector<std::vector<std::string>> OdbcLink::Ask(const std::string& query) co
     std::u16string text = OdbcWide(query);
     if (!SQL_SUCCEEDED(SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
                                       static_cast<SQLINTEGER>(text.size())))) {
+        hasFailedToAsk = true;
         return rows;
     }
     SQLSMALLINT columns = 0;
     if (!SQL_SUCCEEDED(SQLNumResultCols(statement.Get(), &columns)) || columns == 0) return rows;
     const OdbcRows read = ReadOdbcResult(statement.Get(), columns);
+    if (read.end == SQL_ERROR) hasFailedToAsk = true;
     for (std::int64_t row = 0; row < read.recordset->RecordCount(); ++row) {
         std::vector<std::string>& cells = rows.emplace_back();
         for (std::size_t column = 0; column < read.recordset->ColumnCount(); ++column)

@@ -43,6 +43,8 @@ class OdbcLink {
 
     // Something has been left behind that the next user must not meet.
     bool hasTraces = false;
+    // A question failed: the transaction around it, if there was one, may be gone.
+    mutable bool hasFailedToAsk = false;
 
   private:
     SQLRETURN Connect(const OdbcSettings& settings, const std::string& driver, const std::string& server,
