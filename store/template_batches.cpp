@@ -117,6 +117,10 @@ void BeginTemplate(std::string& batch, std::int32_t existingId, std::string_view
     AppendLine(batch, " declare @MaxFID int ");
     AppendLine(batch, existingId == kNewTemplate ? " select @MaxFID = Max(FID)+1 from t_VchTemplate "
                                                  : " set @MaxFID = " + id);
+    AppendTemplateRow(batch, name, ownerId);
+}
+
+void AppendTemplateRow(std::string& batch, std::string_view name, std::string_view ownerId) {
     batch.append(" ").append(kTemplateInsert).append("@MaxFID,").append(SqlQuote(name, true, true));
     AppendLine(batch.append(",").append(ownerId), ",'',GetDate()) ");
 }

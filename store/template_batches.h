@@ -45,6 +45,8 @@ inline constexpr std::int32_t kNewTemplate = -1;
 // The statements up to the template's own row. Behind them @MaxFID is its id.
 void BeginTemplate(std::string& batch, std::int32_t existingId, std::string_view name,
                    std::string_view ownerId);
+// That row alone, of the id in @MaxFID.
+void AppendTemplateRow(std::string& batch, std::string_view name, std::string_view ownerId);
 
 // The inserts of its lines, all of the same fields (names joined by ",").
 class LineInserts {

@@ -113,6 +113,38 @@ void BeginRestoring(std::string& batch, const std::string& versionId) {
     AppendLine(batch, "begin");
 }
 
+// An id that no template has had of which versions are kept: those that come along do not fall among
+// another's.
+void BeginUnusedTemplate(std::string& batch, const std::string& name, const std::string& ownerId) {
+    AppendLine(batch, "declare @MaxFID int");
+    AppendLine(batch,
+               "select @MaxFID = Max(FID)+1 from (select FID from t_VchTemplate union all select FID from "
+               "t_VchTpHistory) a");
+    AppendTemplateRow(batch, name, ownerId);
+}
+
+// Where the version is the last one of a deleted template, all that was kept of that template goes over to
+// the new one, and the deletion is none any more. Earlier and later templates of the id keep theirs. One
+// statement, so that it stays whole without a unit as well.
+void AppendMovingOfDeleted(std::string& batch, const std::string& versionId, const std::string& userId) {
+    const auto number = [](HistoryCommand command) {
+        return std::to_string(static_cast<std::int32_t>(command));
+    };
+    const std::string isDeletion = "FCommand = " + number(HistoryCommand::Delete);
+    const auto change = [&](const std::string& field, const std::string& value) {
+        return field + " = case when h.FHistoryID = " + versionId + " then " + value + " else h." + field +
+               " end";
+    };
+    AppendLine(batch, "update h set FID = @MaxFID, " + change("FCommand", number(HistoryCommand::Restore)) +
+                          ", " + change("FKeptBy", userId) + ", " + change("FKeptAt", "GetDate()") +
+                          " from t_VchTpHistory h inner join t_VchTpHistory d on d.FID = h.FID where "
+                          "d.FHistoryID = " +
+                          versionId + " and d." + isDeletion + " and h.FHistoryID <= " + versionId +
+                          " and not exists(select 1 from t_VchTpHistory e where e.FID = h.FID and e." +
+                          isDeletion + " and e.FHistoryID >= h.FHistoryID and e.FHistoryID < " + versionId +
+                          ")");
+}
+
 HistoryVersion VersionOf(const ado::RecordsetRef& rows) {
     const auto text = [&](const char* field) { return rows->Value(field).ToTextOrEmpty(); };
     HistoryVersion version;
@@ -285,7 +317,7 @@ std::string RestoreAsNewBatch(const std::string& versionId, const std::string& n
     const std::string ofVersion = " where FHistoryID = " + versionId;
     std::string batch;
     BeginRestoring(batch, versionId);
-    BeginTemplate(batch, kNewTemplate, name, ownerId);
+    BeginUnusedTemplate(batch, name, ownerId);
     AppendLine(batch, "insert into t_VchTemplateEntry(FID,FEntryID" + LineFields() +
                           ") select @MaxFID,FEntryID" + LineFields() + " from t_VchTpHistoryEntry" +
                           ofVersion);
@@ -293,7 +325,8 @@ std::string RestoreAsNewBatch(const std::string& versionId, const std::string& n
                "insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) select "
                "@MaxFID,FNo,FUseFrequency,FKey,FFileCount,0 from t_VchTpHistoryControl" +
                    ofVersion);
-    AppendLine(batch, "exec pro_VchTpCanUsed @MaxFID");
+    AppendMovingOfDeleted(batch, versionId, ownerId);
+    AppendLine(batch, MarkUsable("@MaxFID"));
     AppendLine(batch, "end");
     return batch;
 }

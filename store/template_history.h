@@ -84,7 +84,7 @@ struct History {
 };
 
 // The versions of a template that is there. Ids are given again: what was kept of an earlier template of this
-// id, up to its deletion, is not among them.
+// id, up to its deletion, is not among them; those of a template that was brought back are.
 History ReadHistory(const std::string& templateId);
 // The last version of every template that the user's own commands or others have deleted, as long as it is
 // kept: the user's own ones.
@@ -109,7 +109,8 @@ bool SaveHistoryRule(const HistoryRule& rule);
 // Puts a version's lines into the place of those of a template, which keeps its name and, for numbers that
 // stay, how often they were used; then marks the usable numbers.
 std::string RestoreOverBatch(const std::string& versionId, const std::string& templateId);
-// Makes a template of a version.
+// Makes a template of a version, its owner's command. The last version of a deleted template brings that one
+// back: all its versions become the new template's, and it is a deleted one no more.
 std::string RestoreAsNewBatch(const std::string& versionId, const std::string& name,
                               const std::string& ownerId);
 

@@ -7,6 +7,7 @@
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/command_unit.h"
 #include "store/statements.h"
 #include "store/template_guard.h"
 
@@ -28,6 +29,15 @@ store::TemplateOutcome TellFailed(const std::string& name, State state) {
     Tell("模板 " + name + " 恢复失败！");
     entry::WriteOperationLog(LogKind::Failed, "凭证模板-恢复模板 " + name + " 失败");
     return {state};
+}
+
+// The template and the versions that come along are there together or not at all.
+bool RunAsOne(const std::string& sql) {
+    store::CommandUnit unit;
+    if (!store::RunSql(sql)) return false;
+    if (unit.Commit()) return true;
+    store::clsVIData::ShowFailure();
+    return false;
 }
 
 }  // namespace
@@ -65,7 +75,7 @@ store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const 
         return {};
     }
     store::ClearWayForNewTemplate();
-    if (!store::RunSql(store::RestoreAsNewBatch(version.id, name, userId)))
+    if (!RunAsOne(store::RestoreAsNewBatch(version.id, name, userId)))
         return TellFailed(name, State::Refused);
     const std::int32_t id = store::clsVIData().FindVchTemplate(name, userId);
     if (id < 0) return TellFailed(name, State::SavedUntold);

@@ -27,8 +27,8 @@ store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const s
 // Nothing when the account set does not answer.
 std::optional<std::string> NameForRestored(const std::string& versionName, const std::string& userId);
 
-// A new template of the user's, named so but for blanks around it. A name that the user has already, or that
-// no template can bear, is refused.
+// A new template of the user's, with all its versions where it was deleted; named so but for blanks around
+// it. A name that the user has already, or that no template can bear, is refused.
 store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const std::string& wished,
                                     const std::string& userId);
 

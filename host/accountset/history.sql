@@ -2,7 +2,8 @@
 -- have these tables: without them nothing is kept. Runs as it stands on SQL Server and on the embedded account set.
 
 -- One row for each version. FCommand: 1 saved, 2 imported over, 3 generated over, 4 renamed, 5 deleted, 6 restored
--- over, 7 codes replaced (those of one replacement have one FKeptAt); FKeptBy gave that command, FKeptAt is when. FName and FOwnerID are the version's own.
+-- over, or brought back after its deletion, 7 codes replaced (those of one replacement have one
+-- FKeptAt); FKeptBy gave that command, FKeptAt is when. FName and FOwnerID are the version's own.
 create table t_VchTpHistory (
     FHistoryID int identity(1,1) not null constraint PK_t_VchTpHistory primary key,
     FID int not null,

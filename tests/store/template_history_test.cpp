@@ -304,7 +304,8 @@ TEST_F(HistoryTest, AVersionBecomesATemplateOfItsOwn) {
         "if isnull((select FLines from t_VchTpHistory where FHistoryID = 41),-1) <> (select count(*) from "
         "t_VchTpHistoryEntry where FHistoryID = "
         "41)\r\nraiserror('历史版本已不存在，没有恢复！',16,1)\r\nelse\r\nbegin\r\n"
-        " declare @MaxFID int \r\n select @MaxFID = Max(FID)+1 from t_VchTemplate \r\n"
+        "declare @MaxFID int\r\nselect @MaxFID = Max(FID)+1 from (select FID from t_VchTemplate union all "
+        "select FID from t_VchTpHistory) a\r\n"
         " insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
         "values(@MaxFID,'O''Neil',7,'',GetDate()) \r\n"
         "insert into t_VchTemplateEntry(FID,FEntryID," +
@@ -312,7 +313,15 @@ TEST_F(HistoryTest, AVersionBecomesATemplateOfItsOwn) {
             " from t_VchTpHistoryEntry where FHistoryID = 41\r\n"
             "insert into t_VchTpControl(FID,FNo,FUseFrequency,FKey,FFileCount,FIsCanUsed) select "
             "@MaxFID,FNo,FUseFrequency,FKey,FFileCount,0 from t_VchTpHistoryControl where FHistoryID = "
-            "41\r\nexec pro_VchTpCanUsed @MaxFID\r\nend\r\n");
+            "41\r\n"
+            // Of a deleted template everything up to the deletion before it, in one statement.
+            "update h set FID = @MaxFID, FCommand = case when h.FHistoryID = 41 then 6 else h.FCommand end, "
+            "FKeptBy = case when h.FHistoryID = 41 then 7 else h.FKeptBy end, FKeptAt = case when "
+            "h.FHistoryID = 41 then GetDate() else h.FKeptAt end from t_VchTpHistory h inner join "
+            "t_VchTpHistory d on d.FID = h.FID where d.FHistoryID = 41 and d.FCommand = 5 and h.FHistoryID "
+            "<= 41 and not exists(select 1 from t_VchTpHistory e where e.FID = h.FID and e.FCommand = 5 and "
+            "e.FHistoryID >= h.FHistoryID and e.FHistoryID < 41)\r\n"
+            "exec pro_VchTpCanUsed @MaxFID\r\nend\r\n");
 }
 
 TEST_F(HistoryTest, EveryCommandHasAName) {
