@@ -122,18 +122,13 @@ VoucherPreview::VoucherPreview(const EntryGrid& grid, int rowCount, int row, con
     EntryGrid pattern;
     const int count = CopyRows(grid, rows, pattern);
     sheet_.blocks.push_back(VoucherBlock(grid, rows, number_));
-    questions_ = QuestionsOf(pattern, count);
+    std::vector<std::string>& notes = sheet_.blocks.front().notes;
+    for (std::string& question : QuestionsOf(pattern, count))
+        notes.push_back(std::move(question));
 }
 
 std::string VoucherPreview::Caption() const {
     return "生成的凭证 - " + sheet_.title + " " + number_ + " 号";
-}
-
-PrintSheet VoucherPreview::Sheet() const {
-    PrintSheet sheet = sheet_;
-    std::vector<std::string>& notes = sheet.blocks.front().notes;
-    notes.insert(notes.end(), questions_.begin(), questions_.end());
-    return sheet;
 }
 
 std::string VoucherPreview::ProposedName() const {

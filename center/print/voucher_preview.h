@@ -40,16 +40,16 @@ class VoucherPreview {
     std::string Caption() const;
     const PrintBlock& Voucher() const { return sheet_.blocks.front(); }
     const std::vector<PrintColumn>& Columns() const { return sheet_.columns; }
-    // What is still open, one a line; empty when the voucher can be made.
-    const std::vector<std::string>& Questions() const { return questions_; }
+    // What is still open, one a line: that its sums differ, and what its cells ask. Empty when the voucher can
+    // be made.
+    const std::vector<std::string>& Questions() const { return Voucher().notes; }
     // What is printed: the voucher with its questions as notes.
-    PrintSheet Sheet() const;
+    const PrintSheet& Sheet() const { return sheet_; }
     std::string ProposedName() const;
 
   private:
     PrintSheet sheet_;
     std::string number_;
-    std::vector<std::string> questions_;
 };
 
 }  // namespace vicenter::center
