@@ -35,15 +35,28 @@ class ReportedFaults {
   public:
     // In the place of what the same source has reported before.
     void Take(const FaultReport& report);
-    // By the order in which they came.
+    // By the order in which they came, but for what has stepped back.
     const std::vector<ReportedFault>& All() const { return all_; }
-    // The template of that name is in the grid now, whose own cells tell their faults; hints stay.
-    void DropShown(const std::string& templateName);
+    // Of All().
+    int HintCount() const;
+
+    // That template is in the grid now, whose own cells tell their faults: what has been reported of them
+    // steps back until another one is there. Hints stay. Under a new name the reports follow. Both are empty
+    // without a template.
+    void Show(const std::string& templateId, const std::string& templateName);
+    const std::string& ShownId() const { return shownId_; }
+    const std::string& ShownName() const { return shownName_; }
+    const std::vector<ReportedFault>& SteppedBack() const { return steppedBack_; }
+    // The faults of that template as it is stored now.
+    void ReplaceSteppedBack(const std::vector<store::LineFault>& faults);
     // places: of All().
     void Drop(const std::vector<std::size_t>& places);
 
   private:
     std::vector<ReportedFault> all_;
+    std::vector<ReportedFault> steppedBack_;
+    std::string shownId_;
+    std::string shownName_;
 };
 
 }  // namespace vicenter::center

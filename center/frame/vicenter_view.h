@@ -85,8 +85,8 @@ struct StatusState {
     std::vector<std::string> unbalanced;  // template numbers whose sums differ
     std::string selectionSum;             // empty without numbers in the selection
     std::string hint;                     // why the active cell is faulty and what is expected; else empty
-    int hints = 0;                        // cells that should be looked at
-    int faults = 0;                       // faulty cells of the whole grid, and what has been reported
+    int hints = 0;                        // cells that should be looked at, and reported hints
+    int faults = 0;                       // faulty cells of the whole grid, and reported faults
 };
 
 // A list of choices below the active cell while its text is typed; no dialog and never in the way of typing.

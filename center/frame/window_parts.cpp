@@ -38,8 +38,8 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
       tree(
           state, [this] { return save.ConfirmUnsavedChanges(); }, [this] { drafts.Leaving(); },
           [this] {
+              ReportsFollowTemplate();
               drafts.Opened();
-              reported.DropShown(state.open.Name());
               editing.Forget();
               state.accounts.Forget();
               state.uses.Forget();
@@ -117,8 +117,8 @@ void WindowParts::RefreshStatus() {
     if (status.hint.empty()) status.hint = FaultText(*state.grid, active);
     if (status.hint.empty()) status.hint = faults.HiddenFaultText(active.row);
     if (status.hint.empty()) status.hint = faults.HintText(active);
-    status.hints = faults.HintCount();
-    status.faults = faults.Count() + static_cast<int>(reported.All().size());
+    status.hints = faults.HintCount() + reported.HintCount();
+    status.faults = faults.Count() + static_cast<int>(reported.All().size()) - reported.HintCount();
     state.view.SetStatus(status);
 }
 
@@ -220,6 +220,25 @@ void WindowParts::FaultsChanged() {
 void WindowParts::ReportsChanged() {
     FaultsChanged();
     RefreshStatus();
+}
+
+void WindowParts::ReportsFollowTemplate() {
+    // What has been deleted has no faults left.
+    if (tree.KeyOfTemplate(reported.ShownId(), reported.ShownName()).empty() &&
+        reported.ShownId() != state.open.Id())
+        reported.ReplaceSteppedBack({});
+    reported.Show(state.open.Id(), state.open.Name());
+    if (!reported.SteppedBack().empty() && state.open.LinesKnown()) {
+        std::vector<store::LineFault> stored;
+        for (const CellAddress& cell : faults.Cells()) {
+            if (faults.IsHint(cell)) continue;
+            Fault fault = faults.Describe(cell);
+            stored.push_back({cell.row, cell.column, std::string(Column(cell.column).header),
+                              std::move(fault.value), std::move(fault.reason)});
+        }
+        reported.ReplaceSteppedBack(stored);
+    }
+    FaultsChanged();
 }
 
 void WindowParts::LooksChanged(const CellRange& range) {

@@ -51,6 +51,9 @@ struct WindowParts : public GridObserver {
     void RefreshStatus();
     const NumberSums& Sums();
     void ReportsChanged();
+    // The reports of the template that has just been read make room for its cells, those of the one that was
+    // there before come back. Before a draft of it is offered.
+    void ReportsFollowTemplate();
     // Of what is printed of the open template.
     SheetHead Head() const;
     // What windows that are gone have left: of the open template, or the newest of any. Nothing before the

@@ -223,7 +223,7 @@ void TreeFacet::CheckTemplates() {
         }
         parts_.reported.Take(report);
     }
-    parts_.reported.DropShown(parts_.state.open.Name());
+    parts_.reported.Show(parts_.state.open.Id(), parts_.state.open.Name());
     parts_.ReportsChanged();
     if (faults + hints > 0) parts_.state.view.ShowFaults();
     Tell("检查了 " + std::to_string(templates) + " 个模板：异常 " + std::to_string(faults) + " 处，提示 " +

@@ -201,6 +201,91 @@ TEST_F(Faults, OfVouchersLeadToTheTemplateThatWasToBeMade) {
     EXPECT_THAT(Messages(), ElementsAre("模板“十月”没有生成，请更正凭证后重新生成！"));
 }
 
+// --- of templates that were checked
+
+class CheckedTemplate : public Faults {
+  protected:
+    void SetUp() override {
+        Faults::SetUp();
+        name_ = TextOfNode("detail-5");
+        lines_["5"] = {Line(1, "收款", 1, "9999", "没有"), Line(1, "收款")};
+        Window().ReportFaults({FaultSource::Template,
+                               name_,
+                               {{1, column::kNo, "1 号", "", "提示：借贷金额不平", true},
+                                {1, column::kAccountNumber, "科目代码(*)", "9999", "科目代码不存在"}}});
+    }
+    std::string TextOfNode(const std::string& key) {
+        for (const TreeNode& node : view_.tree) {
+            if (node.key == key) return node.text;
+        }
+        return {};
+    }
+    // Of its lines as they are stored.
+    Texts Left(const std::string& source) {
+        Texts reasons;
+        for (const ReportedFault& fault : Window().Faults().Reported()) {
+            if (fault.source == source && !fault.fault.hint) reasons.push_back(fault.fault.reason);
+        }
+        return reasons;
+    }
+    std::string name_;
+};
+
+TEST_F(CheckedTemplate, CountsItsHintsAsHints) {
+    EXPECT_EQ(view_.status.faults, 1);
+    EXPECT_EQ(view_.status.hints, 1);
+}
+
+TEST_F(CheckedTemplate, HasItsFaultsBackWhenItIsLeftAsItWas) {
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_THAT(Left(name_), IsEmpty()) << "its cells tell them";
+    EXPECT_THAT(Listed(), ElementsAre("1,5 9999: 科目代码不存在"));
+    EXPECT_EQ(view_.status.faults, 1);
+    Window().Tree().NodeClick("detail-8");
+    EXPECT_THAT(Listed(), IsEmpty());
+    EXPECT_THAT(Left(name_), ElementsAre("科目代码不存在"));
+    EXPECT_EQ(view_.status.faults, 1);
+    EXPECT_EQ(view_.status.hints, 1);
+}
+
+TEST_F(CheckedTemplate, HasThemBackWhenWhatWasMendedIsNotSaved) {
+    Window().Tree().NodeClick("detail-5");
+    Give(1, column::kAccountNumber, "1001");
+    EXPECT_THAT(Listed(), IsEmpty());
+    surroundings_.messageBoxes->answers = {system::MessageResult::No};
+    Window().Tree().NodeClick("detail-8");
+    EXPECT_EQ(Window().TemplateId(), "8");
+    EXPECT_THAT(Left(name_), ElementsAre("科目代码不存在"));
+}
+
+TEST_F(CheckedTemplate, HasThoseThatAreStoredWhenItIsReadAgain) {
+    Window().Tree().NodeClick("detail-5");
+    lines_["5"] = {Line(1, "收款"), Line(1, "收款", 1, "9999", "没有"), Line(2, "收款", 1, "9999", "没有")};
+    Window().Tree().NodeClick("detail-5");
+    Window().Tree().NodeClick("detail-8");
+    EXPECT_THAT(Left(name_), ElementsAre("科目代码不存在", "科目代码不存在"));
+    lines_["5"] = {Line(1, "收款"), Line(1, "收款")};
+    Window().Tree().NodeClick("detail-5");
+    Window().Tree().NodeClick("detail-8");
+    EXPECT_THAT(Left(name_), IsEmpty()) << "mended meanwhile";
+}
+
+TEST_F(CheckedTemplate, TakesItsFaultsAlongWhenItIsDeleted) {
+    Window().Tree().NodeClick("detail-5");
+    surroundings_.messageBoxes->answers = {system::MessageResult::Yes};
+    Window().Tree().DeleteSelected();
+    ASSERT_EQ(TextOfNode("detail-5"), "") << "it is gone";
+    EXPECT_THAT(Left(name_), IsEmpty());
+}
+
+TEST_F(CheckedTemplate, KeepsItsFaultsUnderANewName) {
+    Window().Tree().NodeClick("detail-5");
+    ASSERT_TRUE(Window().Tree().AfterLabelEdit("新名称"));
+    Window().Tree().NodeClick("detail-8");
+    EXPECT_THAT(Left(name_), IsEmpty());
+    EXPECT_THAT(Left("新名称"), ElementsAre("科目代码不存在"));
+}
+
 // --- the tree
 
 TEST_F(Faults, TemplatesWithNumbersThatCannotBeUsedAreMarkedInTheTree) {
