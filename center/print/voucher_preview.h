@@ -40,8 +40,8 @@ class VoucherPreview {
     std::string Caption() const;
     const PrintBlock& Voucher() const { return sheet_.blocks.front(); }
     const std::vector<PrintColumn>& Columns() const { return sheet_.columns; }
-    // What is still open, one a line: that its sums differ, and what its cells ask. Empty when the voucher can
-    // be made.
+    // What is still open, one a line: that its sums differ, and what its cells ask. Empty when the voucher
+    // can be made.
     const std::vector<std::string>& Questions() const { return Voucher().notes; }
     // What is printed: the voucher with its questions as notes.
     const PrintSheet& Sheet() const { return sheet_; }
