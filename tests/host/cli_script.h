@@ -12,8 +12,9 @@
 //     = 1                      expected exit code, when it is not 0
 //     ~ on Babelfish: why      what that server answers otherwise
 //
-// "$FOLDER" stands for the test's folder, in commands, input and output, "$DEVICE" for the system's null device. Times of today are written as <now>.
-// With VICENTER_UPDATE_GOLDENS=1 in the environment the expectations are written anew instead of compared.
+// "$FOLDER" stands for the test's folder, in commands, input and output, "$DEVICE" for the system's null
+// device. Times of today are written as <now>. With VICENTER_UPDATE_GOLDENS=1 in the environment the
+// expectations are written anew instead of compared.
 
 #include <functional>
 #include <string>

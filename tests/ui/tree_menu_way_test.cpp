@@ -33,7 +33,8 @@ TEST_F(TreeMenuWayTest, ASavedOverLineIsComparedAndComesBack) {
     EXPECT_EQ(TakeMessages().back(), "模板 日常费用 恢复成功！");
     // What was there is a version as well: nothing is lost by a restoration.
     ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
-        EXPECT_EQ(Rows(dialog, "versions", 1), (QStringList{"恢复|1 林晓岚|11|日常费用", "保存|1 林晓岚|11|日常费用"}));
+        EXPECT_EQ(Rows(dialog, "versions", 1),
+                  (QStringList{"恢复|1 林晓岚|11|日常费用", "保存|1 林晓岚|11|日常费用"}));
         auto* versions = dialog.findChild<QTableWidget*>("versions");
         QTest::mouseClick(versions->viewport(), Qt::LeftButton, {},
                           versions->visualItemRect(versions->item(1, 1)).center());
@@ -92,7 +93,8 @@ TEST_F(TreeMenuWayTest, UnsavedTypingIsAskedAboutBeforeAVersionTakesItsPlace) {
     TakeMessages();
     Answer(system::MessageResult::Yes);
     ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
-        EXPECT_EQ(Rows(dialog, "versions", 1), (QStringList{"保存|1 林晓岚|11|日常费用", "保存|1 林晓岚|11|日常费用"}));
+        EXPECT_EQ(Rows(dialog, "versions", 1),
+                  (QStringList{"保存|1 林晓岚|11|日常费用", "保存|1 林晓岚|11|日常费用"}));
         EXPECT_EQ(Rows(dialog, "changes", 0), QStringList{"修改|1|1|摘要|first|second"});
     });
     ASSERT_TRUE(dialogShown_);
