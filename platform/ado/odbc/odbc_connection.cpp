@@ -38,7 +38,6 @@ constexpr std::int32_t kFirstErrorSeverity = 11;
 // Three trips for a unit, one for what only reads or changes once. A transaction that a driver keeps open all
 // the time would save one of the three and cost one more for every question, and a question would hold on to
 // what it read.
-constexpr const char* kBeyondAscii = "账";
 constexpr const char* kBegin = "begin transaction";
 constexpr const char* kCommit = "if @@trancount > 0 commit transaction";
 constexpr const char* kRollback = "if @@trancount > 0 rollback transaction";
@@ -153,8 +152,6 @@ bool OdbcConnection::BeginUnit() {
     for (int attempt = 0; attempt < 2 && unitLost_; ++attempt) {
         try {
             if (!link_) Connect();
-            // Its code page is asked for beforehand: a victim of that question would lose the unit unseen.
-            Marked(kBeyondAscii);
             const OdbcOutcome begun = Run(kBegin);
             unitLost_ = begun.HasFailed();
             if (begun.HasStopped()) link_.reset();
