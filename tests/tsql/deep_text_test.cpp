@@ -208,6 +208,21 @@ TEST_F(DeepTextTest, Deep_texts_stand_in_every_statement) {
     EXPECT_EQ(Run("create table m (a int check (a" + ones + " > 0))").substr(0, 9), "error 191");
 }
 
+// The marks of what has been put elsewhere are control characters.
+TEST_F(DeepTextTest, A_name_of_control_characters_is_refused_rather_than_read_as_a_mark) {
+    const std::string name =
+        "[\x01"
+        "1\x01 \x02 \x03]";
+    Run("create table u (" + name + " int, a int) insert into u values (7, 1)");
+    EXPECT_EQ(Run("select " + name + Times(10, "+1") + " as n from u"), "n:int\n17");
+    const std::string deep = Run("select " + Nested(40, "(" + name + " + abs(", "a", "))") + " as n from u");
+    EXPECT_TRUE(deep.starts_with("error 191 line 1")) << deep;
+    const std::string text =
+        "N'\x01"
+        "1\x01 \x02 \x03'";
+    EXPECT_EQ(Run("select len(s" + Times(40, "+" + text) + ") as n from t where a = 1"), "n:int\n281");
+}
+
 TEST_F(DeepTextTest, Values_of_their_own_for_each_row_stay_so) {
     EXPECT_EQ(Run("declare @s varchar(8000) = '' select @s = @s + 'a'" + Times(45, "+'.'") +
                   " select len(@s) as n"),

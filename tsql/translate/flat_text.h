@@ -15,6 +15,7 @@ namespace vicenter::tsql::engine {
 // Places of the parser that the text of one query may take, by an estimate that is never too low.
 inline constexpr int kDeepestText = 60;
 
+// As it stands when a name within holds one of the control characters 1 to 3.
 std::string Flattened(const std::string& sql, int deepest = kDeepestText);
 
 }  // namespace vicenter::tsql::engine
