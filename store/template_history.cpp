@@ -1,5 +1,7 @@
 #include "store/template_history.h"
 
+#include <utility>
+
 #include "automation/quietly.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
@@ -33,27 +35,6 @@ void AppendLine(std::string& batch, std::string_view text) {
     batch.append(text).append(kCrLf);
 }
 
-// What the rule lets go. Versions are looked through only when one of them is old enough.
-void AppendClearing(std::string& batch, const std::string& templateId) {
-    const HistoryRule usual;
-    AppendLine(batch, "declare @days int, @least int, @before datetime");
-    AppendLine(batch, "select @days = " + std::to_string(usual.days) +
-                          ", @least = " + std::to_string(usual.versions));
-    AppendLine(batch, "select @days = FDays, @least = FVersions from t_VchTpHistoryRule");
-    AppendLine(batch, "set @before = dateadd(day, -@days, GetDate())");
-    const std::string ofTemplate = "FID = " + templateId;
-    const std::string old = "select FHistoryID from t_VchTpHistory where " + ofTemplate +
-                            " and FKeptAt < @before and FHistoryID not in (select top (@least) FHistoryID "
-                            "from t_VchTpHistory where " +
-                            ofTemplate + " order by FHistoryID desc)";
-    AppendLine(batch,
-               "if exists(select 1 from t_VchTpHistory where " + ofTemplate + " and FKeptAt < @before)");
-    AppendLine(batch, "begin");
-    for (const char* table : {"t_VchTpHistoryEntry", "t_VchTpHistoryControl", "t_VchTpHistory"})
-        AppendLine(batch, std::string("delete from ") + table + " where FHistoryID in (" + old + ")");
-    AppendLine(batch, "end");
-}
-
 // Answers the version's id as FHistoryID; no row where nothing is kept.
 std::string KeepBatch(const std::string& templateId, HistoryCommand command, const std::string& userId,
                       const std::string& time) {
@@ -75,31 +56,123 @@ std::string KeepBatch(const std::string& templateId, HistoryCommand command, con
                "insert into t_VchTpHistoryControl(FHistoryID,FNo,FUseFrequency,FKey,FFileCount) select "
                "@kept,FNo,FUseFrequency,FKey,FFileCount from t_VchTpControl" +
                    ofTemplate);
-    // A version that is about to be brought back is not to be let go.
-    if (command != HistoryCommand::Restore) AppendClearing(batch, templateId);
     AppendLine(batch, "select @kept as FHistoryID");
     AppendLine(batch, "end");
     return batch;
 }
 
-// Nobody may know what became of a command whose line was cut: the version goes only where it is what stands
-// there.
-std::string GiveUpBatch(const std::string& templateId, const std::string& versionId) {
-    const std::string present =
-        "select FEntryID" + LineFields() + " from t_VchTemplateEntry where FID = " + templateId;
-    const std::string kept =
-        "select FEntryID" + LineFields() + " from t_VchTpHistoryEntry where FHistoryID = " + versionId;
+// A condition on two columns that holds where they hold the same: for the collation, which takes a text in
+// capitals or in wide letters for the same, or unit by unit.
+std::string Same(const std::string& field, bool byUnits) {
+    const std::string now = byUnits ? "cast(a." + field + " as varbinary(510))" : "a." + field;
+    const std::string then = byUnits ? "cast(h." + field + " as varbinary(510))" : "h." + field;
+    return "(" + now + " = " + then + " or a." + field + " is null and h." + field + " is null)";
+}
+
+// A table of templates and what a version holds of it.
+struct KeptTable {
+    std::string table;
+    std::string historyTable;
+    std::string key;           // of a template's rows
+    std::string alike;         // for the collation
+    std::string alikeByUnits;  // those that hold texts, once they are that
+
+    KeptTable(std::string ofTemplates, std::string ofVersions, std::string keyField)
+        : table(std::move(ofTemplates)), historyTable(std::move(ofVersions)), key(std::move(keyField)) {}
+    void AddField(const std::string& field, bool isText) {
+        alike.append(alike.empty() ? "" : " and ").append(Same(field, false));
+        if (isText) alikeByUnits.append(alikeByUnits.empty() ? "" : " and ").append(Same(field, true));
+    }
+};
+
+const KeptTable& KeptLines() {
+    static const KeptTable lines = [] {
+        KeptTable made("t_VchTemplateEntry", "t_VchTpHistoryEntry", "FEntryID");
+        for (const ColumnSpec& spec : Columns())
+            made.AddField(std::string(spec.field), spec.kind == CellKind::Text);
+        return made;
+    }();
+    return lines;
+}
+
+const KeptTable& KeptControlRows() {
+    static const KeptTable rows = [] {
+        KeptTable made("t_VchTpControl", "t_VchTpHistoryControl", "FNo");
+        made.AddField("FUseFrequency", false);
+        made.AddField("FKey", true);
+        made.AddField("FFileCount", false);
+        return made;
+    }();
+    return rows;
+}
+
+// Conditions: not as many rows as the version holds, or rows that it holds otherwise.
+std::string CountsOtherwise(const KeptTable& kept, const std::string& templateId,
+                            const std::string& versionId) {
+    return "(select count(*) from " + kept.table + " where FID = " + templateId +
+           ") <> (select count(*) from " + kept.historyTable + " where FHistoryID = " + versionId + ")";
+}
+
+std::string HoldsOtherwise(const KeptTable& kept, const std::string& alike, const std::string& templateId,
+                           const std::string& versionId) {
+    return "exists(select 1 from " + kept.table + " a left join " + kept.historyTable +
+           " h on h.FHistoryID = " + versionId + " and h." + kept.key + " = a." + kept.key +
+           " where a.FID = " + templateId + " and case when " + alike + " then 0 else 1 end = 1)";
+}
+
+// What the rule lets go. Versions are looked through only when one of them is old enough.
+void AppendElseClearing(std::string& batch, const std::string& templateId) {
+    const HistoryRule usual;
+    AppendLine(batch, "else");
+    AppendLine(batch, "begin");
+    AppendLine(batch, "declare @days int, @least int, @before datetime");
+    AppendLine(batch, "select @days = " + std::to_string(usual.days) +
+                          ", @least = " + std::to_string(usual.versions));
+    AppendLine(batch, "select @days = FDays, @least = FVersions from t_VchTpHistoryRule");
+    AppendLine(batch, "set @before = dateadd(day, -@days, GetDate())");
+    const std::string ofTemplate = "FID = " + templateId;
+    const std::string old = "select FHistoryID from t_VchTpHistory where " + ofTemplate +
+                            " and FKeptAt < @before and FHistoryID not in (select top (@least) FHistoryID "
+                            "from t_VchTpHistory where " +
+                            ofTemplate + " order by FHistoryID desc)";
+    AppendLine(batch,
+               "if exists(select 1 from t_VchTpHistory where " + ofTemplate + " and FKeptAt < @before)");
+    AppendLine(batch, "begin");
+    for (const char* table : {"t_VchTpHistoryEntry", "t_VchTpHistoryControl", "t_VchTpHistory"})
+        AppendLine(batch, std::string("delete from ") + table + " where FHistoryID in (" + old + ")");
+    AppendLine(batch, "end");
+    AppendLine(batch, "end");
+}
+
+// Answers a row when the lines may be what the version holds. Short, so that the account set knows it again
+// from one save to the next: most commands change something, and are done with it.
+std::string ChangedLinesBatch(const std::string& templateId, const std::string& versionId, bool clears) {
+    std::string batch;
+    AppendLine(batch, "if not (" + CountsOtherwise(KeptLines(), templateId, versionId));
+    AppendLine(batch, "or " + HoldsOtherwise(KeptLines(), KeptLines().alike, templateId, versionId) + ")");
+    AppendLine(batch, "select 1 as FAlike");
+    if (clears) AppendElseClearing(batch, templateId);
+    return batch;
+}
+
+// Lets the version go unless anything differs: name, owner, control rows, units of texts.
+std::string GiveUpBatch(const std::string& templateId, const std::string& versionId, bool clears) {
+    const KeptTable& lines = KeptLines();
+    const KeptTable& rows = KeptControlRows();
     std::string batch;
     AppendLine(batch,
-               "if exists(select 1 from t_VchTemplate a inner join t_VchTpHistory h on h.FID = a.FID and "
-               "h.FName = a.FName and h.FOwnerID = a.FUserID where h.FHistoryID = " +
-                   versionId + ")");
-    AppendLine(batch, "and not exists(" + present + " except " + kept + ")");
-    AppendLine(batch, "and not exists(" + kept + " except " + present + ")");
+               "if exists(select 1 from t_VchTemplate a inner join t_VchTpHistory h on h.FID = a.FID where "
+               "h.FHistoryID = " +
+                   versionId + " and " + Same("FName", true) + " and h.FOwnerID = a.FUserID)");
+    AppendLine(batch, "and not (" + CountsOtherwise(rows, templateId, versionId));
+    AppendLine(batch, "or " + HoldsOtherwise(rows, rows.alike, templateId, versionId));
+    AppendLine(batch, "or " + HoldsOtherwise(rows, rows.alikeByUnits, templateId, versionId));
+    AppendLine(batch, "or " + HoldsOtherwise(lines, lines.alikeByUnits, templateId, versionId) + ")");
     AppendLine(batch, "begin");
     for (const char* table : {"t_VchTpHistoryEntry", "t_VchTpHistoryControl", "t_VchTpHistory"})
         AppendLine(batch, std::string("delete from ") + table + " where FHistoryID = " + versionId);
     AppendLine(batch, "end");
+    if (clears) AppendElseClearing(batch, templateId);
     return batch;
 }
 
@@ -196,7 +269,9 @@ std::string CommandText(HistoryCommand command) {
     return {};
 }
 
-KeptVersions::KeptVersions(const std::vector<std::string>& templateIds, HistoryCommand command) {
+// A version that is about to be brought back is not to be let go.
+KeptVersions::KeptVersions(const std::vector<std::string>& templateIds, HistoryCommand command)
+    : clears_(command != HistoryCommand::Restore) {
     unit_.emplace();
     bool all = unit_->HasBegun();
     for (std::size_t i = 0; all && i < templateIds.size(); ++i)
@@ -225,15 +300,26 @@ bool KeptVersions::Keep(const std::string& templateId, HistoryCommand command) {
 KeptVersions::~KeptVersions() {
     // In a unit that is not kept there are none.
     if (unit_ && unit_->IsOne()) return;
-    for (const Version& version : kept_) {
+    // Nobody may know what became of a command whose line was cut: what it has replaced stays.
+    Settle();
+}
+
+// A version that is what stands there tells nobody anything, and pushes none out that does.
+void KeptVersions::Settle() {
+    for (const Version& version : std::exchange(kept_, {})) {
         // If not, it stays, the same as what is there: no harm but in the list.
-        automation::Quietly([&] { GetRecordset(GiveUpBatch(version.templateId, version.id)); });
+        automation::Quietly([&] {
+            const ado::RecordsetRef alike =
+                GetRecordset(ChangedLinesBatch(version.templateId, version.id, clears_));
+            if (alike == nullptr || alike->ColumnCount() == 0 || alike->AtEnd()) return;
+            GetRecordset(GiveUpBatch(version.templateId, version.id, clears_));
+        });
     }
 }
 
 bool KeptVersions::Commit() {
+    Settle();
     const bool committed = !unit_ || unit_->Commit();
-    kept_.clear();
     return committed;
 }
 

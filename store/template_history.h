@@ -30,10 +30,11 @@ enum class HistoryCommand : std::int32_t {
 std::string CommandText(HistoryCommand command);
 
 // The versions that are there now, kept before a command writes to them. Where the host's service can do
-// that, they and what the command writes are one unit, on the disk at once; elsewhere they are given up at
-// the end of the scope unless the command has replaced them, and one stays where something else stands there
-// all the same (a line was cut while it was stored). A failure to keep them is no reason to stop the command:
-// it goes on outside the unit, and the operation log tells. While one is in scope nobody is asked anything.
+// that, they and what the command writes are one unit, on the disk at once; elsewhere they are looked at once
+// more at the end of the scope. Either way a version that is still what stands there is given up: a command
+// that changed nothing leaves none, whatever it wrote, and lets none of before go. A failure to keep them is
+// no reason to stop the command: it goes on outside the unit, and the operation log tells. While one is in
+// scope nobody is asked anything.
 class KeptVersions {
   public:
     // The current user gives the command. A template that is not there has no version. What one command wrote
@@ -43,8 +44,8 @@ class KeptVersions {
     KeptVersions& operator=(const KeptVersions&) = delete;
     ~KeptVersions();
 
-    // The command has written: the versions are history. False when that and what was written has been undone
-    // instead, or nobody knows; clsVIData::LastFailure() says why.
+    // The command has written: the versions are history, but for those of what it left as it was. False when
+    // that and what was written has been undone instead, or nobody knows; clsVIData::LastFailure() says why.
     bool Commit();
     // The same; an error has been shown to the user like that of a batch.
     bool CommitOrShow();
@@ -57,7 +58,9 @@ class KeptVersions {
         std::string id;
     };
     bool Keep(const std::string& templateId, HistoryCommand command);
+    void Settle();
 
+    bool clears_;
     std::optional<CommandUnit> unit_;
     std::vector<Version> kept_;
 };

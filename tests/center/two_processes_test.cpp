@@ -25,6 +25,8 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* kOneLine =
     R"({"lines":[{"FNo":1,"FExp":"别处","FDC":"借","FAccountNumber":"1001","FAcctountName":"库存现金"}]})";
+constexpr const char* kAnotherLine =
+    R"({"lines":[{"FNo":1,"FExp":"他处","FDC":"借","FAccountNumber":"1001","FAcctountName":"库存现金"}]})";
 
 class TwoProcesses : public WindowOnSet {
   protected:
@@ -278,7 +280,7 @@ TEST_F(TwoProcesses, TheWindowAndTheProgramCountTheSameFaults) {
 TEST_F(TwoProcesses, AVersionThatIsGoneEmptiesNothing) {
     const std::string id = NewTemplate("版本");
     ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
-    ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
+    ASSERT_EQ(Elsewhere({"save", "版本"}, kAnotherLine), 0);
     const store::History history = store::ReadHistory(id);
     ASSERT_EQ(history.versions.size(), 3U);  // named, saved, saved again
     ASSERT_EQ(Elsewhere({"sql"}, "delete from t_VchTpHistoryEntry delete from t_VchTpHistory"), 0);
@@ -293,6 +295,19 @@ TEST_F(TwoProcesses, AVersionThatIsGoneEmptiesNothing) {
     ASSERT_GE(shown.size(), 2U);
     EXPECT_THAT(shown[1].text, HasSubstr("历史版本已不存在，没有恢复！"));
     EXPECT_EQ(shown.back().text, "模板 另一个 恢复失败！");
+}
+
+TEST_F(TwoProcesses, ASaveOfWhatIsStoredLeavesNoVersion) {
+    const std::string versions = "select count(*) from t_VchTpHistory where FID = 1";
+    Window().Tree().NodeClick("detail-1");
+    const std::string amount = Cell(1, column::kAmount);
+    Type(1, column::kAmount, "1");
+    Type(1, column::kAmount, amount + ".00");
+    EXPECT_TRUE(Window().Save());
+    EXPECT_EQ(Value(versions), "0");
+    Type(1, column::kAmount, "1");
+    EXPECT_TRUE(Window().Save());
+    EXPECT_EQ(Value(versions), "1");
 }
 
 // Between the list and the choice another may have deleted the template: lines without a template would be
