@@ -16,7 +16,7 @@ expect_same("Version" "${Version}" "${VERSION}\n")
 expect_contains("Maintainer" "${Maintainer}" "@")
 run(depends dpkg-deb -f "${package}" Depends)
 # By the libraries that are linked, and by what is loaded while running.
-foreach(name libc6 libstdc++6 libqt6widgets6 libqt6svg6 qt6-qpa-plugins libsqlite3-0 libicu fonts-noto-cjk)
+foreach(name libc6 libstdc++6 libqt6widgets6 qt6-qpa-plugins libsqlite3-0 libicu fonts-noto-cjk)
   expect_contains("Depends" "${depends}" "${name}")
 endforeach()
 foreach(name asan ubsan libgtest libbenchmark)

@@ -6,9 +6,9 @@
 #include <QPixmapCache>
 #include <QStyle>
 #include <QStyleOption>
-#include <QSvgRenderer>
 #include <utility>
 
+#include "ui/look/drawing.h"
 #include "ui/look/theme.h"
 
 namespace vicenter::ui {
@@ -54,10 +54,9 @@ QPixmap ThemedIconEngine::pixmap(const QSize& size, QIcon::Mode mode, QIcon::Sta
     if (!QPixmapCache::find(key, &image)) {
         image = QPixmap(size);
         image.fill(Qt::transparent);
-        if (QSvgRenderer renderer(ThemedDrawing(file_, dark)); renderer.isValid()) {
+        if (const auto drawing = Drawing::Read(ThemedDrawing(file_, dark))) {
             QPainter painter(&image);
-            renderer.setAspectRatioMode(Qt::KeepAspectRatio);
-            renderer.render(&painter);
+            drawing->Paint(painter, image.rect());
         }
         QPixmapCache::insert(key, image);
     }
