@@ -41,6 +41,27 @@ const automation::MemberTable<HostRegistrar>& HostRegistrar::Members() {
                          self.SetFramework(a[0].Value());
                          return Variant();
                      }),
+        Method<Self>("ProcessEvents", {"Milliseconds"},
+                     [](Self& self, Arguments& a) {
+                         self.Windows()->Process(a[0].Value().ToInt32());
+                         return Variant();
+                     }),
+        Method<Self>("RunWindows", {},
+                     [](Self& self, Arguments&) {
+                         self.Windows()->Run();
+                         return Variant();
+                     }),
+        Method<Self>("CloseWindows", {},
+                     [](Self& self, Arguments&) {
+                         self.Windows()->CloseAll();
+                         return Variant();
+                     }),
+        automation::Property<Self>(
+            "OpenWindows",
+            [](Self& self, Arguments&) {
+                return Variant(static_cast<std::int32_t>(self.Windows()->OpenWindows()));
+            },
+            nullptr),
     };
     return table;
 }
@@ -63,8 +84,19 @@ void HostRegistrar::SetFramework(const Variant& framework) {
     ado::HostFramework::SetProcess(object ? ado::MakeLateBoundFramework(std::move(object)) : nullptr);
 }
 
-void RegisterHostRegistrar() {
-    ClassRegistry::Process().Register("VelaVICenter.Host", [] { return std::make_shared<HostRegistrar>(); });
+std::shared_ptr<WindowLoop> HostRegistrar::Windows() const {
+    auto windows = windows_.lock();
+    if (!windows) {
+        throw Error(automation::error_number::kCannotCreateObject, "The template center has been shut down",
+                    TypeName());
+    }
+    return windows;
+}
+
+void RegisterHostRegistrar(const std::shared_ptr<WindowLoop>& windows) {
+    const std::weak_ptr<WindowLoop> given = windows;
+    ClassRegistry::Process().Register("VelaVICenter.Host",
+                                      [given] { return std::make_shared<HostRegistrar>(given); });
 }
 
 }  // namespace vicenter::front

@@ -47,7 +47,7 @@ LibrarySession::LibrarySession()
     store::RegisterComponentClasses();
     support::RegisterSupportClasses();
     RegisterAdoClasses();
-    RegisterHostRegistrar();
+    RegisterHostRegistrar(windows_);
     // For the workbooks of import and export; a host with a spreadsheet server of its own registers that, and
     // one that is installed is taken.
     constexpr const char* kExcel = "Excel.Application";

@@ -40,7 +40,7 @@ class LibrarySession {
     automation::ClassRegistry::Restore classes_;
     com::InstalledClasses installed_;
     system::SurroundingsScope surroundings_;
-    std::unique_ptr<WindowLoop> windows_;
+    std::shared_ptr<WindowLoop> windows_;
 };
 
 class LibrarySession::CallScope {

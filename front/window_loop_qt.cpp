@@ -6,10 +6,12 @@
 #include <QTimer>
 #include <QWidget>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "automation/error.h"
 #include "entry/window_factory.h"
+#include "front/kept_loaded.h"
 #include "front/lazy_message_boxes.h"
 #include "front/message_handler.h"
 #include "front/window_loop.h"
@@ -86,6 +88,8 @@ class QtWindowLoop : public WindowLoop {
     int argc_ = 1;
     char name_[9] = "vicenter";
     char* argv_[2] = {name_, nullptr};
+    // Behind the application, whose code must not go before it.
+    std::optional<KeptLoaded> loaded_;
     std::unique_ptr<QApplication> own_;
     std::shared_ptr<entry::WindowFactory> factory_;  // while it is the process's
     bool ready_ = false;
@@ -141,6 +145,7 @@ void QtWindowLoop::Ensure() {
             throw Error(automation::error_number::kCannotCreateObject,
                         "No display is available to show the template center.", kSource);
         }
+        loaded_.emplace();
         own_ = std::make_unique<QApplication>(argc_, argv_);
         QApplication::setQuitOnLastWindowClosed(false);
         ui::SetUpApplication(*own_);

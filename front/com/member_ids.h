@@ -40,6 +40,10 @@ inline constexpr const char* kMemberNames[] = {
     "Register",
     "Unregister",
     "SetFramework",
+    "ProcessEvents",
+    "RunWindows",
+    "CloseWindows",
+    "OpenWindows",
 };
 
 inline constexpr std::span<const char* const> MemberNames() {

@@ -116,6 +116,29 @@ TEST_F(FrontWindows, OpensIndependentWindowsAndClosesThem) {
     EXPECT_EQ(OpenWindows(), 0U);
 }
 
+// What a host that knows objects alone has in place of the functions.
+TEST_F(FrontWindows, ObjectsPumpAndCloseThemAsTheFunctionsDo) {
+    Handle host("VelaVICenter.Host");
+    const auto opened = [&] {
+        Value count;
+        EXPECT_EQ(vic_get(host.object, "OpenWindows", &count.variant), 0) << vic_error_description();
+        return count.variant.type == VIC_INT32 ? count.variant.value.int32 : -1;
+    };
+    EXPECT_EQ(opened(), 0);
+    ASSERT_EQ(Show(), 0);
+    ASSERT_EQ(Show(), 0);
+    EXPECT_EQ(host.Call("ProcessEvents", {Value::Int(1)}), 0);
+    EXPECT_EQ(opened(), 2);
+    EXPECT_EQ(host.Call("CloseWindows"), 0);
+    EXPECT_EQ(host.Call("RunWindows"), 0);
+    EXPECT_EQ(opened(), 0);
+    EXPECT_EQ(OpenWindows(), 0U);
+    // One that is held beyond the end finds no windows any more.
+    ASSERT_EQ(vic_shutdown(), 0) << vic_error_description();
+    EXPECT_EQ(host.Call("CloseWindows"), VIC_ERROR_NO_WINDOWS);
+    EXPECT_STREQ(vic_error_source(), "Host");
+}
+
 TEST_F(FrontWindows, RunReturnsWhenNoWindowIsOpen) {
     EXPECT_EQ(vic_run(), 0);
     ASSERT_EQ(Show(), 0);

@@ -73,6 +73,10 @@ struct Host {
         Register = 29,
         Unregister = 30,
         SetFramework = 31,
+        ProcessEvents = 32,
+        RunWindows = 33,
+        CloseWindows = 34,
+        OpenWindows = 35,
     };
 };
 
