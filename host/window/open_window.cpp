@@ -54,7 +54,7 @@ ui::WindowRun Run() {
 class FontsAlone {
   public:
     FontsAlone(int argc, char** argv) : argc_(argc) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        ui::ChooseUnseenDisplay();
         defaultHandler = qInstallMessageHandler(LeaveOutPlatformNotes);
         application_ = std::make_unique<QGuiApplication>(argc_, argv);
     }
@@ -88,7 +88,7 @@ int DriveWindow(int argc, char** argv, const std::string& folder, std::ostream& 
     std::error_code failed;
     std::filesystem::create_directories(system::PathFromUtf8(folder), failed);
     if (failed) throw Error(automation::error_number::kPathNotFound, failed.message() + "：" + folder);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    ui::ChooseUnseenDisplay();
     defaultHandler = qInstallMessageHandler(LeaveOutPlatformNotes);
     ui::WindowRun run = Run();
     run.drive = [&] {

@@ -37,6 +37,17 @@ class Display : public testing::Test {
     std::vector<Kept> kept_;
 };
 
+#ifdef _WIN32
+
+TEST_F(Display, BelongsToTheSystem) {
+    EXPECT_TRUE(HasDisplay());
+    EXPECT_FALSE(IsDisplayUnseen());
+    qputenv("QT_QPA_PLATFORM", "nosuchplatform;windows");
+    EXPECT_TRUE(HasDisplay());
+}
+
+#else
+
 TEST_F(Display, IsMissingWhereNothingNamesOne) {
     EXPECT_FALSE(HasDisplay());
 }
@@ -52,22 +63,30 @@ TEST_F(Display, IsMissingWhereTheOneNamedDoesNotAnswer) {
     EXPECT_FALSE(HasDisplay());
 }
 
-TEST_F(Display, IsThereForAPlatformWithoutAServer) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+TEST_F(Display, IsThereWhenOneOfSeveralPlatformsIs) {
+    qputenv("DISPLAY", ":30987");
+    qputenv("QT_QPA_PLATFORM", "nosuchplatform;xcb;offscreen");
     EXPECT_TRUE(HasDisplay());
     qputenv("QT_QPA_PLATFORM", "minimal:enable_fonts");
     EXPECT_TRUE(HasDisplay());
 }
 
+#endif
+
+TEST_F(Display, IsThereForAPlatformWithoutAServerAndNotSeen) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    EXPECT_TRUE(HasDisplay());
+    EXPECT_TRUE(IsDisplayUnseen());
+    qunsetenv("QT_QPA_PLATFORM");
+    EXPECT_FALSE(IsDisplayUnseen());
+    ChooseUnseenDisplay();
+    EXPECT_TRUE(HasDisplay());
+    EXPECT_TRUE(IsDisplayUnseen());
+}
+
 TEST_F(Display, IsMissingForAPlatformThatIsNotInstalled) {
     qputenv("QT_QPA_PLATFORM", "nosuchplatform");
     EXPECT_FALSE(HasDisplay());
-}
-
-TEST_F(Display, IsThereWhenOneOfSeveralPlatformsIs) {
-    qputenv("DISPLAY", ":30987");
-    qputenv("QT_QPA_PLATFORM", "nosuchplatform;xcb;offscreen");
-    EXPECT_TRUE(HasDisplay());
 }
 
 }  // namespace

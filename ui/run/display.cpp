@@ -11,32 +11,32 @@
 
 namespace vicenter::ui {
 
-#if defined(_WIN32) || defined(__APPLE__)
-
-bool HasDisplay() {
-    return true;  // the platform belongs to the system
-}
-
-bool IsDisplayUnseen() {
-    return false;
-}
-
-#else
-
 namespace {
 
 // The platforms to try, as the application will: those of QT_QPA_PLATFORM, else what the session offers.
 QByteArrayList Candidates() {
     const QByteArray asked = qgetenv("QT_QPA_PLATFORM");
     if (!asked.isEmpty()) return asked.split(';');
+#ifdef Q_OS_WIN
+    return {"windows"};
+#else
     QByteArrayList names;
     if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY") || qgetenv("XDG_SESSION_TYPE") == "wayland")
         names << "wayland";
     names << "xcb";
     return names;
+#endif
 }
 
-// The names that the installed platform plugins answer to.
+// The names that a platform plugin answers to.
+QSet<QString> NamesOf(const QJsonObject& plugin) {
+    QSet<QString> names;
+    for (const auto& key : plugin[QStringLiteral("MetaData")][QStringLiteral("Keys")].toArray())
+        names.insert(key.toString().toLower());
+    return names;
+}
+
+// Those of the plugins that are installed, or linked in.
 QSet<QString> InstalledPlatforms() {
     QStringList folders;
     const QString own = qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH");
@@ -47,13 +47,18 @@ QSet<QString> InstalledPlatforms() {
     for (const QString& folder : folders) {
         for (const QFileInfo& file : QDir(folder).entryInfoList(QDir::Files)) {
             if (!QLibrary::isLibrary(file.fileName())) continue;
-            const QJsonObject about = QPluginLoader(file.absoluteFilePath()).metaData();
-            for (const auto& key : about[QStringLiteral("MetaData")][QStringLiteral("Keys")].toArray())
-                names.insert(key.toString().toLower());
+            names += NamesOf(QPluginLoader(file.absoluteFilePath()).metaData());
         }
+    }
+    for (const QStaticPlugin& plugin : QPluginLoader::staticPlugins()) {
+        const QString kind = plugin.metaData()[QStringLiteral("IID")].toString();
+        if (kind.contains(QLatin1String("QPlatformIntegrationFactoryInterface")))
+            names += NamesOf(plugin.metaData());
     }
     return names;
 }
+
+#ifndef Q_OS_WIN
 
 // The client libraries themselves say whether their display can be reached, with everything that this takes:
 // sockets, hosts, permissions. They are there whenever the plugins are, which link them.
@@ -80,10 +85,14 @@ bool WaylandServerAnswers() {
     return true;
 }
 
-bool Answers(const QByteArray& platform) {
+#endif
+
+bool Answers([[maybe_unused]] const QByteArray& platform) {
+#ifndef Q_OS_WIN
     if (platform == "xcb") return XServerAnswers();
     if (platform.startsWith("wayland")) return WaylandServerAnswers();
-    return true;  // draws into memory, or on hardware of its own
+#endif
+    return true;  // draws into memory, on hardware of its own, or belongs to the system
 }
 
 }  // namespace
@@ -102,6 +111,13 @@ bool IsDisplayUnseen() {
     return name == "offscreen" || name.startsWith("minimal");
 }
 
+void ChooseUnseenDisplay() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+#ifdef Q_OS_WIN
+    if (!qEnvironmentVariableIsSet("QT_QPA_FONTDIR"))
+        qputenv("QT_QPA_FONTDIR",
+                QDir::fromNativeSeparators(qEnvironmentVariable("SystemRoot")).toUtf8() + "/Fonts");
 #endif
+}
 
 }  // namespace vicenter::ui

@@ -9,5 +9,8 @@ namespace vicenter::ui {
 bool HasDisplay();
 // It is one that nobody looks at: "offscreen" and its like.
 bool IsDisplayUnseen();
+// Chooses that one for the application to come. On Windows it reads its fonts from a folder: the system's,
+// unless QT_QPA_FONTDIR names another one.
+void ChooseUnseenDisplay();
 
 }  // namespace vicenter::ui
