@@ -86,7 +86,7 @@ void OdbcConnection::Connect() {
     };
     const auto attempt = std::make_shared<Attempt>(Attempt{settings_, connectString_, nullptr, {}});
     const auto connect = [attempt] {
-        OdbcPool* pool = attempt->settings.pooled ? OdbcPool::Process() : nullptr;
+        OdbcPool* pool = attempt->settings.pooled ? &OdbcPool::Process() : nullptr;
         if (pool != nullptr) attempt->link = pool->Take(attempt->key);
         if (attempt->link) return;
         attempt->link = std::make_shared<OdbcLink>(attempt->settings, attempt->errors);
@@ -113,8 +113,7 @@ void OdbcConnection::Close() {
     inUnit_ = false;
     unitLost_ = false;
     if (!link_) return;
-    OdbcPool* pool = settings_.pooled ? OdbcPool::Process() : nullptr;
-    if (pool != nullptr) pool->Keep(connectString_, std::move(link_));
+    if (settings_.pooled) OdbcPool::Process().Keep(connectString_, std::move(link_));
     link_.reset();
 }
 
@@ -319,7 +318,7 @@ void OdbcConnection::FailStopped(const OdbcOutcome& outcome, bool atCommit) {
         throw Error(error_number::kTimeoutExpired, (atCommit ? kUnknownAtCommitText : kTimeoutText) + said,
                     kSource);
     if (outcome.broken) {
-        if (OdbcPool* pool = OdbcPool::Process()) pool->Forget(connectString_);
+        OdbcPool::Process().Forget(connectString_);
         throw Error(error_number::kProviderError, (atCommit ? kLostAtCommitText : kLostText) + said, kSource);
     }
     throw Error(error_number::kOperationCancelled, atCommit ? kUnknownAtCommitText : kCancelledText, kSource);

@@ -1,5 +1,6 @@
 #include "platform/ado/odbc/odbc_handles.h"
 
+#include "automation/lasting.h"
 #include "platform/system/utf8.h"
 
 namespace vicenter::ado {
@@ -31,15 +32,16 @@ std::string WithoutOrigin(std::string text) {
 }  // namespace
 
 SQLHANDLE OdbcEnvironment() {
-    static const OdbcHandle<SQL_HANDLE_ENV> environment = [] {
+    // A link of whoever ends last still wants it.
+    static const automation::Lasting<OdbcHandle<SQL_HANDLE_ENV>> environment([] {
         OdbcHandle<SQL_HANDLE_ENV> made(SQL_NULL_HANDLE);
         if (made) {
             SQLSetEnvAttr(made.Get(), SQL_ATTR_ODBC_VERSION,
                           reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(SQL_OV_ODBC3)), 0);
         }
         return made;
-    }();
-    return environment.Get();
+    }());
+    return environment->Get();
 }
 
 std::u16string OdbcWide(std::string_view text) {

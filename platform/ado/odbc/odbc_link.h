@@ -10,9 +10,9 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "automation/error.h"
 #include "platform/ado/odbc/odbc_connect_string.h"
 #include "platform/ado/odbc/odbc_handles.h"
 #include "platform/ado/odbc/odbc_provider.h"
@@ -63,16 +63,15 @@ class OdbcLink {
     std::map<std::string, std::map<std::string, bool>> columns_;
 };
 
-// Idle links; bounded, closed when they have been idle for long and at the end of the process.
+// Idle links; bounded, closed when they have been idle for long. Those that are left at the end of the
+// process go with it.
 class OdbcPool {
   public:
-    // None once the process is ending.
-    static OdbcPool* Process();
+    static OdbcPool& Process();
 
-    OdbcPool();
+    OdbcPool() = default;
     OdbcPool(const OdbcPool&) = delete;
     OdbcPool& operator=(const OdbcPool&) = delete;
-    ~OdbcPool();
 
     // A kept link that still works, or none.
     std::shared_ptr<OdbcLink> Take(const std::string& key);
@@ -83,7 +82,7 @@ class OdbcPool {
     int PageOf(const std::string& key) const;
     // The server has gone away: what is kept of that connect string is as dead.
     void Forget(const std::string& key);
-    // Also ends the thread that watches the time.
+    // The thread that watches the time ends as well, in its own time.
     void Clear();
     OdbcPooling Limits() const;
     void SetLimits(const OdbcPooling& limits);
@@ -99,19 +98,18 @@ class OdbcPool {
     // What has been idle for too long or is too much, taken out: to be closed without the lock, since closing
     // may take its time.
     Links TakeOld();
-    // Closes what has been idle for long, whether or not anybody asks for a link.
+    // Has a thread watch what is idle, unless one does. Under the lock.
+    void StartWatching();
+    // Closes what has been idle for long, whether or not anybody asks for a link; ends when nothing is idle.
     void WatchTime();
-    void StopWatching();
 
-    static bool ended_;
     mutable std::mutex mutex_;
     OdbcPooling limits_;
     Links idle_;
     std::map<std::string, int> pages_;
     std::condition_variable changed_;
-    bool stopping_ = false;
-    std::mutex watchMutex_;  // of who starts and ends the thread
-    std::thread watch_;
+    bool watched_ = false;
+    bool closing_ = false;  // the thread closes links, without the lock
 };
 
 }  // namespace vicenter::ado

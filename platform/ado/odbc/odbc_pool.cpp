@@ -1,25 +1,15 @@
 #include <algorithm>
+#include <system_error>
 
+#include "automation/lasting.h"
 #include "platform/ado/odbc/odbc_link.h"
+#include "platform/system/unwaited_thread.h"
 
 namespace vicenter::ado {
 
-bool OdbcPool::ended_ = false;
-
-OdbcPool* OdbcPool::Process() {
-    if (ended_) return nullptr;
-    static OdbcPool pool;
-    return &pool;
-}
-
-OdbcPool::OdbcPool() {
-    // Made first, so that it goes last.
-    OdbcEnvironment();
-}
-
-OdbcPool::~OdbcPool() {
-    ended_ = true;
-    StopWatching();
+OdbcPool& OdbcPool::Process() {
+    static const automation::Lasting<OdbcPool> pool;
+    return *pool;
 }
 
 std::shared_ptr<OdbcLink> OdbcPool::Take(const std::string& key) {
@@ -50,10 +40,9 @@ void OdbcPool::Keep(const std::string& key, std::shared_ptr<OdbcLink> link) {
         if (link->hasTraces) return;
         idle_.push_back({key, std::move(link), Clock::now()});
         old = TakeOld();
+        StartWatching();
     }
     changed_.notify_all();
-    const std::lock_guard guard(watchMutex_);
-    if (!watch_.joinable()) watch_ = std::thread([this] { WatchTime(); });
 }
 
 std::size_t OdbcPool::Count(const std::string& key) const {
@@ -79,11 +68,12 @@ void OdbcPool::Forget(const std::string& key) {
 }
 
 void OdbcPool::Clear() {
-    StopWatching();
     Links all;
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     all.swap(idle_);
     pages_.clear();
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return !closing_; });
 }
 
 OdbcPooling OdbcPool::Limits() const {
@@ -112,46 +102,42 @@ OdbcPool::Links OdbcPool::TakeOld() {
     return old;
 }
 
+void OdbcPool::StartWatching() {
+    if (watched_ || idle_.empty()) return;
+    try {
+        system::StartUnwaited([this] { WatchTime(); }).detach();
+        watched_ = true;
+    } catch (const std::system_error&) {
+        // Whoever asks for a link closes what is old as well.
+    }
+}
+
 void OdbcPool::WatchTime() {
     std::unique_lock lock(mutex_);
-    while (!stopping_) {
-        if (idle_.empty()) {
-            changed_.wait(lock);
-        } else {
-            changed_.wait_until(lock, idle_.front().since + limits_.longestIdle);
-        }
+    while (!idle_.empty()) {
+        changed_.wait_until(lock, idle_.front().since + limits_.longestIdle);
         if (Links old = TakeOld(); !old.empty()) {
+            closing_ = true;
             lock.unlock();
             old.clear();
             lock.lock();
+            closing_ = false;
+            changed_.notify_all();
         }
     }
-}
-
-void OdbcPool::StopWatching() {
-    const std::lock_guard guard(watchMutex_);
-    if (!watch_.joinable()) return;
-    {
-        const std::lock_guard lock(mutex_);
-        stopping_ = true;
-    }
-    changed_.notify_all();
-    watch_.join();
-    const std::lock_guard lock(mutex_);
-    stopping_ = false;
+    watched_ = false;
 }
 
 void CloseIdleOdbcConnections() {
-    if (OdbcPool* pool = OdbcPool::Process()) pool->Clear();
+    OdbcPool::Process().Clear();
 }
 
 OdbcPooling CurrentOdbcPooling() {
-    OdbcPool* pool = OdbcPool::Process();
-    return pool != nullptr ? pool->Limits() : OdbcPooling();
+    return OdbcPool::Process().Limits();
 }
 
 void SetOdbcPooling(const OdbcPooling& pooling) {
-    if (OdbcPool* pool = OdbcPool::Process()) pool->SetLimits(pooling);
+    OdbcPool::Process().SetLimits(pooling);
 }
 
 }  // namespace vicenter::ado

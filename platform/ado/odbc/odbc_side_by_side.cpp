@@ -55,8 +55,7 @@ std::vector<RecordsetRef> AskOdbcSideBySide(const std::string& connectString,
     questions->texts = std::move(texts);
     const std::size_t count = questions->texts.size();
     const std::size_t most = std::max<std::size_t>(CurrentOdbcPooling().most, 1);
-    const OdbcPool* pool = OdbcPool::Process();
-    const std::size_t idle = pool != nullptr ? pool->Count(connectString) : 0;
+    const std::size_t idle = OdbcPool::Process().Count(connectString);
     const std::size_t lines = std::min({most, count, std::max(idle, count / kQuestionsForALine + 1)});
     std::vector<std::function<void()>> works(lines, [questions] { AskSome(*questions); });
     const bool ended = RunSideBySide(std::move(works), [questions] {

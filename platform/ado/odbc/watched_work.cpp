@@ -10,7 +10,9 @@
 #include <system_error>
 #include <thread>
 
+#include "automation/lasting.h"
 #include "platform/ado/long_work_watch.h"
+#include "platform/system/unwaited_thread.h"
 
 namespace vicenter::ado {
 
@@ -19,7 +21,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kBetweenLooks{20};
-constexpr std::chrono::seconds kWaitAtEnd{2};
 
 thread_local bool beside = false;
 
@@ -39,7 +40,7 @@ struct Errand {
 using ErrandRef = std::shared_ptr<Errand>;
 
 std::thread Start(const ErrandRef& errand, std::function<void()> work) {
-    return std::thread([errand, work = std::move(work)]() mutable {
+    return system::StartUnwaited([errand, work = std::move(work)]() mutable {
         beside = true;
         std::exception_ptr failure;
         try {
@@ -56,37 +57,28 @@ std::thread Start(const ErrandRef& errand, std::function<void()> work) {
     });
 }
 
-// Threads that nobody waits for any more; those that have ended meanwhile are joined.
+// Threads that nobody waits for any more; those that have ended meanwhile are joined. One that hangs in its
+// driver to the last goes with the process.
 class LeftBehind {
   public:
     static LeftBehind& Process() {
-        static LeftBehind threads;
-        return threads;
+        static const automation::Lasting<LeftBehind> threads;
+        return *threads;
     }
     void Keep(ErrandRef errand, std::thread thread) {
         const std::lock_guard lock(mutex_);
-        threads_.remove_if([](Left& left) { return left.JoinsWithin(std::chrono::milliseconds(0)); });
+        threads_.remove_if([](Left& left) {
+            if (!left.errand->WaitFor(std::chrono::milliseconds(0))) return false;
+            left.thread.join();
+            return true;
+        });
         threads_.push_back({std::move(errand), std::move(thread)});
-    }
-    LeftBehind() = default;
-    LeftBehind(const LeftBehind&) = delete;
-    LeftBehind& operator=(const LeftBehind&) = delete;
-    // One that hangs in its driver to the last cannot be ended by anybody.
-    ~LeftBehind() {
-        for (Left& left : threads_) {
-            if (!left.JoinsWithin(kWaitAtEnd)) left.thread.detach();
-        }
     }
 
   private:
     struct Left {
         ErrandRef errand;
         std::thread thread;
-        bool JoinsWithin(std::chrono::milliseconds time) {
-            if (!errand->WaitFor(time)) return false;
-            thread.join();
-            return true;
-        }
     };
     std::mutex mutex_;
     std::list<Left> threads_;
@@ -95,7 +87,7 @@ class LeftBehind {
 // Errands under way: joined, or left behind where that is said or an exception comes between.
 class UnderWay {
   public:
-    UnderWay() { LeftBehind::Process(); }
+    UnderWay() = default;
     UnderWay(const UnderWay&) = delete;
     UnderWay& operator=(const UnderWay&) = delete;
     ~UnderWay() {
