@@ -11,6 +11,18 @@ constexpr int kMostErrorsOfDriver = 3;
 
 }  // namespace
 
+void OdbcOutcome::Take(std::vector<DriverError> records) {
+    for (DriverError& record : records) {
+        if (IsBrokenLine(record)) broken = true;
+        if (record.sqlState == "HYT00" || record.sqlState == "HYT01") timedOut = true;
+        if (record.sqlState == "HY008") cancelled = true;
+        const bool isError = record.severity >= kFirstErrorSeverity;
+        // The driver's own remark that there was an error adds nothing.
+        if (isError && record.native == 0 && !errors.empty() && !IsBrokenLine(record)) continue;
+        (isError ? errors : messages).push_back(std::move(record));
+    }
+}
+
 // The statement that Cancel() may take back, for as long as it runs.
 class OdbcBatch::Running {
   public:
@@ -40,28 +52,16 @@ void OdbcBatch::Cancel() noexcept {
     if (lock && running_ != SQL_NULL_HSTMT) SQLCancel(running_);
 }
 
-// Errors and messages apart, as callers look for them.
-void OdbcBatch::Sort(std::vector<DriverError> records) {
-    for (DriverError& record : records) {
-        if (IsBrokenLine(record)) outcome_.broken = true;
-        if (record.sqlState == "HYT00" || record.sqlState == "HYT01") outcome_.timedOut = true;
-        if (record.sqlState == "HY008") outcome_.cancelled = true;
-        const bool isError = record.severity >= kFirstErrorSeverity;
-        // The driver's own remark that there was an error adds nothing.
-        if (isError && record.native == 0 && !outcome_.errors.empty() && !IsBrokenLine(record)) continue;
-        (isError ? outcome_.errors : outcome_.messages).push_back(std::move(record));
-    }
-}
-
 // Before any other call, which would clear them.
 void OdbcBatch::Note(SQLHSTMT statement, SQLRETURN code) {
-    if (code == SQL_ERROR || code == SQL_SUCCESS_WITH_INFO) Sort(OdbcDiagnostics(SQL_HANDLE_STMT, statement));
+    if (code == SQL_ERROR || code == SQL_SUCCESS_WITH_INFO)
+        outcome_.Take(OdbcDiagnostics(SQL_HANDLE_STMT, statement));
 }
 
 void OdbcBatch::Run() {
     const OdbcStatement statement(link_->Line());
     if (!statement) {
-        Sort(OdbcDiagnostics(SQL_HANDLE_DBC, link_->Line()));
+        outcome_.Take(OdbcDiagnostics(SQL_HANDLE_DBC, link_->Line()));
         outcome_.broken = true;
         return;
     }
@@ -80,9 +80,14 @@ void OdbcBatch::Run() {
 void OdbcBatch::Drain(SQLHSTMT statement, SQLRETURN code) {
     RecordsetRef last;
     int ofDriverInRow = 0;
-    for (;; code = SQLMoreResults(statement)) {
-        // No rows changed, nothing created that counts: all the same a batch that ran.
-        if (code == SQL_NO_DATA || code == SQL_INVALID_HANDLE) return;
+    for (bool more = false;; code = SQLMoreResults(statement), more = true) {
+        if (code == SQL_INVALID_HANDLE) {
+            outcome_.broken = true;
+            return;
+        }
+        // Said of the next result it is the end of the batch. Said of the batch itself it is a first
+        // statement that changed no row, and more may stand behind it.
+        if (code == SQL_NO_DATA && more) return;
         const std::size_t known = outcome_.errors.size();
         Note(statement, code);
         if (outcome_.HasStopped()) return;

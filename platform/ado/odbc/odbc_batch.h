@@ -26,6 +26,8 @@ struct OdbcOutcome {
     bool HasFailed() const { return !errors.empty() || HasStopped(); }
     // The line is not to be used any more; what ran on it in a transaction is undone with it.
     bool HasStopped() const { return broken || timedOut || cancelled; }
+    // Sorts what a driver says: errors and messages apart, as callers look for them.
+    void Take(std::vector<DriverError> records);
 };
 
 class OdbcBatch {
@@ -43,7 +45,6 @@ class OdbcBatch {
   private:
     class Running;
 
-    void Sort(std::vector<DriverError> records);
     void Note(SQLHSTMT statement, SQLRETURN code);
     void Drain(SQLHSTMT statement, SQLRETURN code);
 

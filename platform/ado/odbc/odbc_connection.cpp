@@ -228,10 +228,12 @@ std::string OdbcConnection::Marked(std::string_view batch) {
     const bool plain =
         std::all_of(batch.begin(), batch.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     if (plain) return std::string(batch);
-    // It may ask the server for its code page and its columns.
+    // It may ask the server for its code page and its columns. Without an answer nothing is sent: a server
+    // puts question marks for what it does not know.
     const auto marked = std::make_shared<std::string>(batch);
     const auto mark = [link = link_, marked] {
         const system::CodePage* page = link->Page();
+        link->ForgetUnknownTables();
         if (page == nullptr || page->FirstMissing(*marked) == std::string_view::npos) return;
         *marked = WithNationalMarks(*marked, *page, link->PageNumber(),
                                     [link](const std::string& table, const std::string& column) {
@@ -241,9 +243,12 @@ std::string OdbcConnection::Marked(std::string_view batch) {
     try {
         if (!RunWatched(mark, [] {})) {
             link_.reset();
+            unitLost_ = inUnit_;
             throw Error(error_number::kOperationCancelled, kCancelledText, kSource);
         }
         return std::move(*marked);
+    } catch (const UnansweredQuestion& question) {
+        FailUnanswered(question);
     } catch (const Error& error) {
         DriverError record;
         record.severity = kFirstErrorSeverity;
@@ -266,25 +271,11 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
     if (!link_) Connect();
     const BatchNature nature = NatureOf(batch);
     if (nature.leavesTraces) link_->hasTraces = true;
-    link_->hasFailedToAsk = false;
     std::string text = Marked(batch);
-    if (inUnit_ && link_->hasFailedToAsk) {
-        // A deadlock's victim loses its transaction by a question as by anything else.
-        Run(kRollback, Stop::kMustNot);
-        unitLost_ = true;
-        throw Error(error_number::kProviderError, kUnitLostText, kSource);
-    }
     OdbcOutcome outcome = settings_.batchTransactions && nature.needsUnit && !inUnit_
                               ? RunAsUnit(std::move(text))
                               : Run(std::move(text));
-    if (outcome.HasFailed()) {
-        // As on the embedded account set a batch that fails undoes the transaction that it runs in.
-        if (!outcome.HasStopped() && settings_.batchTransactions && (inUnit_ || link_->hasTraces)) {
-            if (Run(kRollback, Stop::kMustNot).HasStopped()) outcome.broken = true;
-        }
-        unitLost_ = inUnit_;
-        Fail(std::move(outcome), lostAtCommit_);
-    }
+    if (outcome.HasFailed()) FailBatch(std::move(outcome));
     errors_ = std::move(outcome.messages);
     if (recordsAffected != nullptr) {
         *recordsAffected = -1;
@@ -296,6 +287,28 @@ RecordsetRef OdbcConnection::Execute(std::string_view batch, std::int64_t* recor
         }
     }
     return outcome.first ? outcome.first : std::make_shared<Recordset>();
+}
+
+void OdbcConnection::FailUnanswered(const UnansweredQuestion& question) {
+    if (inUnit_) {
+        // A deadlock's victim loses its transaction by a question as by anything else.
+        Run(kRollback, Stop::kMustNot);
+        unitLost_ = true;
+        throw Error(error_number::kProviderError, kUnitLostText, kSource);
+    }
+    OdbcOutcome unanswered;
+    unanswered.Take(question.Records());
+    if (IsDead(link_->Line()) || !unanswered.HasFailed()) unanswered.broken = true;
+    FailBatch(std::move(unanswered));
+}
+
+void OdbcConnection::FailBatch(OdbcOutcome outcome) {
+    // As on the embedded account set a batch that fails undoes the transaction that it runs in.
+    if (!outcome.HasStopped() && settings_.batchTransactions && (inUnit_ || link_->hasTraces)) {
+        if (Run(kRollback, Stop::kMustNot).HasStopped()) outcome.broken = true;
+    }
+    unitLost_ = inUnit_;
+    Fail(std::move(outcome), lostAtCommit_);
 }
 
 void OdbcConnection::Fail(OdbcOutcome outcome, bool atCommit) {

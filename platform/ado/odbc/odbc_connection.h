@@ -42,6 +42,8 @@ class OdbcConnection final : public Connection {
     OdbcOutcome RunAsUnit(std::string batch);
     // The batch as it is sent.
     std::string Marked(std::string_view batch);
+    [[noreturn]] void FailUnanswered(const UnansweredQuestion& question);
+    [[noreturn]] void FailBatch(OdbcOutcome outcome);
     [[noreturn]] void Fail(OdbcOutcome outcome, bool atCommit);
     [[noreturn]] void FailStopped(const OdbcOutcome& outcome, bool atCommit);
 

@@ -84,6 +84,10 @@ std::string ConnectFailure(const std::vector<DriverError>& errors, [[maybe_unuse
 
 }  // namespace
 
+UnansweredQuestion::UnansweredQuestion(std::vector<DriverError> records)
+    : Error(error_number::kProviderError, records.empty() ? std::string() : records.front().text, kSource),
+      records_(std::move(records)) {}
+
 OdbcLink::OdbcLink(const OdbcSettings& settings, std::vector<DriverError>& errors)
     : line_(OdbcEnvironment()), answerSeconds_(settings.connectSeconds) {
     if (!line_) throw Error(error_number::kProviderNotFound, NoOdbcDriverText(), kSource);
@@ -141,23 +145,24 @@ bool OdbcLink::Did(const std::string& batch, std::vector<DriverError>& errors) c
     return false;
 }
 
-std::vector<std::vector<std::string>> OdbcLink::Ask(const std::string& query) const {
-    std::vector<std::vector<std::string>> rows;
+OdbcLink::Rows OdbcLink::Ask(const std::string& query) const {
+    Rows rows;
     const OdbcStatement statement(line_.Get());
     if (answerSeconds_ > 0) {
         SQLSetStmtAttrW(statement.Get(), SQL_ATTR_QUERY_TIMEOUT,
                         reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(answerSeconds_)), 0);
     }
     std::u16string text = OdbcWide(query);
+    const auto unanswered = [&] {
+        return UnansweredQuestion(OdbcDiagnostics(SQL_HANDLE_STMT, statement.Get()));
+    };
     if (!SQL_SUCCEEDED(SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
-                                      static_cast<SQLINTEGER>(text.size())))) {
-        hasFailedToAsk = true;
-        return rows;
-    }
+                                      static_cast<SQLINTEGER>(text.size()))))
+        throw unanswered();
     SQLSMALLINT columns = 0;
-    if (!SQL_SUCCEEDED(SQLNumResultCols(statement.Get(), &columns)) || columns == 0) return rows;
+    if (!SQL_SUCCEEDED(SQLNumResultCols(statement.Get(), &columns)) || columns == 0) throw unanswered();
     const OdbcRows read = ReadOdbcResult(statement.Get(), columns);
-    if (read.end == SQL_ERROR) hasFailedToAsk = true;
+    if (read.end != SQL_NO_DATA) throw unanswered();
     for (std::int64_t row = 0; row < read.recordset->RecordCount(); ++row) {
         std::vector<std::string>& cells = rows.emplace_back();
         for (std::size_t column = 0; column < read.recordset->ColumnCount(); ++column)
@@ -168,13 +173,17 @@ std::vector<std::vector<std::string>> OdbcLink::Ask(const std::string& query) co
 
 bool OdbcLink::Answers() const {
     if (IsDead(line_.Get())) return false;
-    return Ask("select 1").size() == 1;
+    try {
+        return Ask("select 1").size() == 1;
+    } catch (const UnansweredQuestion&) {
+        return false;
+    }
 }
 
 const system::CodePage* OdbcLink::Page() {
     if (!asked_) {
+        const Rows rows = Ask(kPageQuery);
         asked_ = true;
-        const auto rows = Ask(kPageQuery);
         KnowPage(rows.size() == 1 ? std::atoi(rows[0][0].c_str()) : 0);
     }
     return page_.get();
@@ -196,10 +205,11 @@ std::optional<bool> OdbcLink::TakesUnicode(const std::string& table, const std::
             name += c;
             if (c == '\'') name += c;
         }
+        const Rows rows =
+            Ask("select COLUMN_NAME, DATA_TYPE from INFORMATION_SCHEMA.COLUMNS where TABLE_NAME = N'" + name +
+                "'");
         known = columns_.emplace(key, std::map<std::string, bool>()).first;
-        for (const auto& row : Ask("select COLUMN_NAME, DATA_TYPE from INFORMATION_SCHEMA.COLUMNS where "
-                                   "TABLE_NAME = N'" +
-                                   name + "'")) {
+        for (const auto& row : rows) {
             const std::string& type = row[1];
             if (type == "nvarchar" || type == "nchar" || type == "ntext" || type == "xml") {
                 known->second[LowerAscii(row[0])] = true;
@@ -215,6 +225,10 @@ std::optional<bool> OdbcLink::TakesUnicode(const std::string& table, const std::
     }
     return std::all_of(known->second.begin(), known->second.end(),
                        [](const auto& entry) { return entry.second; });
+}
+
+void OdbcLink::ForgetUnknownTables() {
+    std::erase_if(columns_, [](const auto& table) { return table.second.empty(); });
 }
 
 }  // namespace vicenter::ado

@@ -20,6 +20,16 @@
 
 namespace vicenter::ado {
 
+// A question of ours that the server has not answered: what hangs on it must not be done.
+class UnansweredQuestion : public automation::Error {
+  public:
+    explicit UnansweredQuestion(std::vector<DriverError> records);
+    const std::vector<DriverError>& Records() const { return records_; }
+
+  private:
+    std::vector<DriverError> records_;
+};
+
 class OdbcLink {
   public:
     // Connects, to the failover partner when the server cannot be reached. Throws automation::Error; `errors`
@@ -33,18 +43,18 @@ class OdbcLink {
     // Whether the server answers.
     bool Answers() const;
 
-    // ---- asked of the server once
-    // None when it is not known: the server is trusted with every character then.
+    // ---- asked of the server until it has answered; throws UnansweredQuestion
+    // None when the server does not know it: it is trusted with every character then.
     const system::CodePage* Page();
     int PageNumber() const { return pageNumber_; }
     // As another line to the same database has learned it; 0 when none has.
     void KnowPage(int number);
     std::optional<bool> TakesUnicode(const std::string& table, const std::string& column);
+    // Before each batch: a table that was not there may be by now.
+    void ForgetUnknownTables();
 
     // Something has been left behind that the next user must not meet.
     bool hasTraces = false;
-    // A question failed: the transaction around it, if there was one, may be gone.
-    mutable bool hasFailedToAsk = false;
 
   private:
     SQLRETURN Connect(const OdbcSettings& settings, const std::string& driver, const std::string& server,
@@ -52,7 +62,8 @@ class OdbcLink {
     // Runs a batch that gives nothing.
     bool Did(const std::string& batch, std::vector<DriverError>& errors) const;
     // The texts of a small result, row by row.
-    std::vector<std::vector<std::string>> Ask(const std::string& query) const;
+    using Rows = std::vector<std::vector<std::string>>;
+    Rows Ask(const std::string& query) const;
 
     OdbcLine line_;
     int answerSeconds_;  // after which a server that does not answer a question of ours is given up

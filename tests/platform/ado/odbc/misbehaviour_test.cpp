@@ -1,6 +1,7 @@
 // A server that does wrong: nothing is half-saved, one clear message, and the next operation works.
 
 #include <chrono>
+#include <functional>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -302,6 +303,48 @@ TEST_F(LatinTest, UnicodeColumnsKeepWhatTheCodePageLacks) {
     EXPECT_EQ(rows->Value("a").ToText(), "库存现金");
     connection->Execute("update t set a = '银行'");
     EXPECT_EQ(connection->Execute("select a from t")->Value("a").ToText(), "银行");
+}
+
+// A server that is busy for a moment is no server that knows every character.
+TEST_F(LatinTest, WithoutAnAnswerToItsQuestionsABatchIsNotSentAndTheyAreAskedAgain) {
+    books_.Open()->Execute("create table t (a nvarchar(20), old varchar(20))");
+    ado::CloseIdleOdbcConnections();
+    const std::string insert = "insert into t(a,old) values('库存现金','abc')";
+    const std::pair<const char*, std::function<std::shared_ptr<tds_server::Misbehaviour>()>> kinds[] = {
+        {"the page, no answer", [] { return std::make_shared<StallAtBatch>(1); }},
+        {"the columns, no answer", [] { return std::make_shared<StallAtBatch>(2); }},
+        {"the page, locked", [] { return std::make_shared<FailBatch>(1, 1222); }},
+        {"the columns, locked", [] { return std::make_shared<FailBatch>(2, 1222); }},
+        {"the page, victim", [] { return std::make_shared<FailBatch>(1, 1205); }},
+        {"the page, cut", [] { return std::make_shared<DropAtPacket>(2); }},
+    };
+    for (const auto& [what, make] : kinds) {
+        const auto connection = books_.Open("Connect Timeout=1;Pooling=no");
+        books_.Server().ForgetBatches();
+        books_.Server().Behave(make());
+        std::string said;
+        try {
+            connection->Execute(insert);
+            ADD_FAILURE() << what;
+        } catch (const Error& error) {
+            said = error.Text();
+        }
+        EXPECT_NE(said, "") << what;
+        books_.Server().BehaveWell();
+        EXPECT_THAT(books_.Server().Batches(), Not(testing::Contains(HasSubstr("insert")))) << what;
+        connection->Execute(insert);
+        EXPECT_EQ(connection->Execute("select a from t")->Value("a").ToText(), "库存现金") << what;
+        EXPECT_EQ(connection->Execute("select a from t")->RecordCount(), 1) << what;
+        connection->Execute("delete from t");
+    }
+}
+
+TEST_F(LatinTest, ATableThatOthersMakeLaterIsAskedForAgain) {
+    const auto connection = books_.Open();
+    EXPECT_THROW(connection->Execute("insert into later(a) values('库存')"), Error);
+    books_.Open()->Execute("create table later (a nvarchar(20))");
+    connection->Execute("insert into later(a) values('库存')");
+    EXPECT_EQ(connection->Execute("select a from later")->Value("a").ToText(), "库存");
 }
 
 TEST_F(LatinTest, WhatWouldBecomeQuestionMarksIsNeverSent) {
