@@ -53,9 +53,12 @@ std::string MeantHeader(const std::string& header) {
 }
 
 // Why a header is refused, and what to do.
-std::string WhyNotHeader(const std::string& header) {
+std::string WhyNotHeader(const TemplateSheet& opened, std::int32_t column, const std::string& header) {
     if (FindColumn(header)) return "存在同名列，请删除其中一列";
-    if (header.empty()) return "没有列名，请填写列名或删除这一列";
+    if (header.empty()) {
+        return opened.IsBlankFrom(opened.HeaderRow(), column) ? "整列为空，请删除这一列，或者整理后引入"
+                                                              : "没有列名，请填写列名或删除这一列";
+    }
     const std::string meant = MeantHeader(header);
     return meant.empty() ? "列名错误，请改为模板的列名或删除这一列" : "列名错误，应为“" + meant + "”";
 }
@@ -63,7 +66,7 @@ std::string WhyNotHeader(const std::string& header) {
 // The headers are further down: one thing to mend instead of as many as there are columns.
 std::vector<LineFault> TitleFaults(const TemplateSheet& opened, std::int32_t headerRow) {
     std::string title;
-    for (std::int32_t column = 1; column <= opened.Columns() && title.empty(); ++column)
+    for (std::int32_t column = 1; column <= opened.LastColumn() && title.empty(); ++column)
         title = opened.HeaderAt(1, column);
     const std::string rows = headerRow == 2 ? "第 1 行" : "第 1 至 " + std::to_string(headerRow - 1) + " 行";
     return {{1, 0, "", title,
@@ -77,12 +80,13 @@ std::string ReadHeader(const TemplateSheet& opened) {
     std::string seen = "|";
     std::string fieldList;
     std::string header;
-    for (std::int32_t column = 1; column <= opened.Columns(); ++column) {
+    for (const std::int32_t column : opened.Columns()) {
         // A header counts as seen when the next one comes: the last one never does.
-        if (column > 1) seen.append(header).append("|");
+        if (column != opened.Columns().front()) seen.append(header).append("|");
         header = opened.HeaderAt(opened.HeaderRow(), column);
         if (!MapImportHeader(header, errorText, seen, column, fieldList))
-            faults.push_back({opened.HeaderRow(), column, header, header, WhyNotHeader(header)});
+            faults.push_back(
+                {opened.HeaderRow(), column, header, header, WhyNotHeader(opened, column, header)});
     }
     if (!errorText.empty()) {
         if (const std::int32_t row = opened.FindHeaderRow(); row > opened.HeaderRow())
@@ -103,7 +107,7 @@ void WalkRows(ExchangeTarget& window, const TemplateSheet& opened, ImportRows& r
               const std::function<bool()>& enough, const std::function<void(std::int32_t)>& take) {
     const std::int32_t header = opened.HeaderRow();
     std::int32_t firstBlank = 0;  // of the blank rows right above, 0 for none
-    for (std::int32_t row = header + 1; row <= opened.Rows() && !enough(); ++row) {
+    for (std::int32_t row = header + 1; row <= opened.LastRow() && !enough(); ++row) {
         if (rows.ReadRow(row)) {
             // Blank rows count as rows only when something follows them.
             if (firstBlank > 0 && !opened.Tidily()) {
@@ -117,8 +121,8 @@ void WalkRows(ExchangeTarget& window, const TemplateSheet& opened, ImportRows& r
         } else if (firstBlank == 0) {
             firstBlank = row;
         }
-        if ((row % kRowsBetweenReports == 0 || row == opened.Rows()) &&
-            !window.ReportRows(row - header, opened.Rows() - header)) {
+        if ((row % kRowsBetweenReports == 0 || row == opened.LastRow()) &&
+            !window.ReportRows(row - header, opened.LastRow() - header)) {
             throw Cancelled();
         }
     }

@@ -16,9 +16,8 @@ namespace {
 
 using automation::Variant;
 
-std::string ErrorPlace(std::int32_t row, std::size_t index) {
-    return "第" + std::to_string(row) + "行，第" + ColumnLetter(static_cast<std::int32_t>(index + 1)) +
-           "列值存在错误";
+std::string ErrorPlace(std::int32_t row, std::int32_t column) {
+    return "第" + std::to_string(row) + "行，第" + ColumnLetter(column) + "列值存在错误";
 }
 
 // A code shown with zeros before or behind ("0000", "0.00") is typed with them. What the format would round
@@ -82,8 +81,9 @@ std::string StoredText(const TemplateColumn& column, const std::string& text) {
 
 }  // namespace
 
-ImportRows::ImportRows(const ObjectRef& sheet, std::int32_t columnCount, const std::string& fieldList)
-    : cells_(sheet), texts_(static_cast<std::size_t>(columnCount)) {
+ImportRows::ImportRows(const ObjectRef& sheet, std::vector<std::int32_t> sheetColumns,
+                       const std::string& fieldList)
+    : cells_(sheet), sheetColumns_(std::move(sheetColumns)), texts_(sheetColumns_.size()) {
     std::string_view rest = fieldList;
     while (!rest.empty()) {
         const std::string_view field = rest.substr(0, rest.find(','));
@@ -121,7 +121,7 @@ void ImportRows::TakeFault(const Variant& value, CellType type, ReadText& read) 
 }
 
 ImportRows::ReadText ImportRows::ReadCell(std::int32_t row, std::size_t index) {
-    const auto column = static_cast<std::int32_t>(index + 1);
+    const std::int32_t column = sheetColumns_[index];
     const std::size_t place = columns_[index];
     const CellType type = kColumns[place].type;
     const Variant value = cells_.Value(row, column);
@@ -183,9 +183,9 @@ void ImportRows::ValidateImportRow(std::int32_t row, std::string& values, std::s
             values += SqlOf(column, texts_[i].text);
             continue;
         }
-        errorText += ErrorPlace(row, i) + (told ? "(" + why + ")，" : "，") + entry::kCrLf;
-        faults_.push_back({row, static_cast<std::int32_t>(i + 1), std::string(column.header), texts_[i].text,
-                           std::move(why)});
+        errorText += ErrorPlace(row, sheetColumns_[i]) + (told ? "(" + why + ")，" : "，") + entry::kCrLf;
+        faults_.push_back(
+            {row, sheetColumns_[i], std::string(column.header), texts_[i].text, std::move(why)});
     }
 }
 

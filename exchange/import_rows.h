@@ -19,8 +19,9 @@ namespace vicenter::exchange {
 
 class ImportRows {
   public:
-    // fieldList: the fields of the sheet's columns in their order, joined by ",".
-    ImportRows(const ObjectRef& sheet, std::int32_t columnCount, const std::string& fieldList);
+    // sheetColumns: the columns of the sheet that are read; fieldList: their fields in the same order, joined
+    // by ",".
+    ImportRows(const ObjectRef& sheet, std::vector<std::int32_t> sheetColumns, const std::string& fieldList);
 
     // Reads one row of the sheet; whether any of its cells holds something.
     bool ReadRow(std::int32_t row);
@@ -49,7 +50,8 @@ class ImportRows {
     std::string WhyNot(std::size_t index, bool& told);
 
     SheetCells cells_;
-    std::vector<std::size_t> columns_;  // places in kColumns, by the sheet's columns
+    std::vector<std::int32_t> sheetColumns_;
+    std::vector<std::size_t> columns_;  // places in kColumns, by sheetColumns_
     std::vector<ReadText> texts_;       // of the row read last
     std::int32_t row_ = 0;
     std::size_t numberIndex_ = 0;

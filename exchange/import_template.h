@@ -19,7 +19,8 @@ std::optional<std::vector<std::string>> ChooseWorkbooks(ImportOutcome& outcome);
 
 // The import command on a file that is already chosen (command line, drag and drop): the check for an
 // installed server, the file's kind, the question before an existing template is replaced, then the import.
-// tidily: rows above the header and blank rows between lines are passed over instead of refused.
+// tidily: rows above the header, blank rows between lines and blank columns are passed over instead of
+// refused.
 ImportOutcome ImportTemplateFile(ExchangeTarget& window, const std::string& fileName, bool tidily = false);
 
 // Imports the workbook as the template `name`, replacing the one with id existingId, or as a new one for -1.

@@ -65,8 +65,8 @@ void Tell(const std::string& text) {
 class Marker {
   public:
     explicit Marker(const TemplateSheet& opened)
-        : sheet_(opened.Sheet()), cells_(opened.Sheet()), reasons_(opened.Columns() + 1) {
-        if (opened.HasReasons()) ForgetMarks(opened.Rows());
+        : sheet_(opened.Sheet()), cells_(opened.Sheet()), reasons_(opened.LastColumn() + 1) {
+        if (opened.HasReasons()) ForgetMarks(opened.LastRow());
     }
 
     void Mark(const std::vector<LineFault>& faults) {

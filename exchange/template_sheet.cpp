@@ -40,6 +40,10 @@ ObjectRef FindTemplateSheet(const ObjectRef& workbook) {
                   {{0, 0, "", "", "没有名为“凭证模板”的工作表"}}};
 }
 
+std::string TextOf(const automation::Variant& value) {
+    return std::string(system::TrimBlanks(WithoutInvisibleMarks(value.ToTextOrEmpty())));
+}
+
 }  // namespace
 
 TemporaryCopy::TemporaryCopy(ObjectRef files, const std::string& fileName) : files_(std::move(files)) {
@@ -61,18 +65,50 @@ TemplateSheet::TemplateSheet(const std::string& fileName, bool tidily)
     workbook_ = Application()->Get("Workbooks").AsObject()->Call("Open", {copy_.Name()}).AsObject();
     sheet_ = FindTemplateSheet(workbook_);
     sheet_->Call("Activate");
+    ReadUsedRange();
+    hasReasons_ = lastColumn_ > firstColumn_ && IsReasons(lastColumn_);
+    if (hasReasons_) --lastColumn_;
+    if (tidily_) {
+        const std::int32_t found = FindHeaderRow();
+        headerRow_ = found > 0 ? found : firstRow_;
+    }
+    ChooseColumns();
+}
+
+// It begins where the first cell in use stands, which need not be the sheet's first: counts alone are no
+// places.
+void TemplateSheet::ReadUsedRange() {
     const ObjectRef used = sheet_->Get("UsedRange").AsObject();
-    columns_ = used->Get("Columns").AsObject()->Get("Count").ToInt32();
-    rows_ = used->Get("Rows").AsObject()->Get("Count").ToInt32();
-    hasReasons_ = columns_ > 1 && IsReasons(columns_);
-    if (hasReasons_) --columns_;
-    if (tidily_) headerRow_ = std::max(FindHeaderRow(), 1);
+    firstColumn_ = used->Get("Column").ToInt32();
+    firstRow_ = used->Get("Row").ToInt32();
+    lastColumn_ = firstColumn_ + used->Get("Columns").AsObject()->Get("Count").ToInt32() - 1;
+    lastRow_ = firstRow_ + used->Get("Rows").AsObject()->Get("Count").ToInt32() - 1;
+}
+
+void TemplateSheet::ChooseColumns() {
+    // Where columns in front are blank the sheet is refused by the first of them, and no further one is told.
+    const std::int32_t last = tidily_ ? lastColumn_ : lastColumn_ - firstColumn_ + 1;
+    for (std::int32_t column = 1; column <= last; ++column) {
+        if (!tidily_ || !IsBlankFrom(headerRow_, column)) columns_.push_back(column);
+    }
+}
+
+bool TemplateSheet::IsBlankFrom(std::int32_t firstRow, std::int32_t column) const {
+    if (column < firstColumn_) return true;
+    // A sheet formatted to its last column is no table: every cell of it would be looked at.
+    constexpr std::int64_t kMostCells = 4'000'000;
+    if (std::int64_t{lastRow_} * lastColumn_ > kMostCells) return false;
+    SheetCells cells(sheet_);
+    for (std::int32_t row = firstRow; row <= lastRow_; ++row) {
+        const automation::Variant value = cells.Value(row, column);
+        if (value.IsError() || !TextOf(value).empty()) return false;
+    }
+    return true;
 }
 
 std::string TemplateSheet::HeaderAt(std::int32_t row, std::int32_t column) const {
     const automation::Variant value = SheetCells(sheet_).Value(row, column);
-    if (value.IsError()) return {};
-    return std::string(system::TrimBlanks(WithoutInvisibleMarks(value.ToTextOrEmpty())));
+    return value.IsError() ? std::string() : TextOf(value);
 }
 
 bool TemplateSheet::IsReasons(std::int32_t column) const {
@@ -85,9 +121,9 @@ std::int32_t TemplateSheet::FindHeaderRow() const {
     const auto required = std::count_if(kColumns.begin(), kColumns.end(), [](const TemplateColumn& column) {
         return column.header.ends_with("(*)");
     });
-    for (std::int32_t row = 1; row <= std::min(rows_, kRowsToSearch); ++row) {
+    for (std::int32_t row = firstRow_; row <= lastRow_ && row < firstRow_ + kRowsToSearch; ++row) {
         std::set<std::size_t> found;
-        for (std::int32_t column = 1; column <= columns_; ++column) {
+        for (std::int32_t column = firstColumn_; column <= lastColumn_; ++column) {
             const auto place = FindColumn(HeaderAt(row, column));
             if (place && kColumns[*place].header.ends_with("(*)")) found.insert(*place);
         }

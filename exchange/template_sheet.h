@@ -1,13 +1,14 @@
 #pragma once
 
 // The template sheet of a workbook, opened in a copy of the file, so that a workbook that somebody has open
-// can still be read; copy and server go with the object. Read tidily, rows above the header and blank rows
-// between lines are passed over, which an import by itself refuses. Late bound throughout. User-interface
-// thread only.
+// can still be read; copy and server go with the object. Read tidily, rows above the header, blank rows
+// between lines and blank columns are passed over, which an import by itself refuses. Rows and columns are
+// numbers of the sheet, wherever its used range begins. Late bound throughout. User-interface thread only.
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "exchange/excel_access.h"
 #include "platform/system/unfinished_file.h"
@@ -38,28 +39,38 @@ class TemplateSheet {
     const ObjectRef& Application() const { return session_.Application(); }
     const ObjectRef& Workbook() const { return workbook_; }
     const ObjectRef& Sheet() const { return sheet_; }
-    // Of the used range, without the reasons of a marked copy.
-    std::int32_t Columns() const { return columns_; }
-    std::int32_t Rows() const { return rows_; }
+    // The columns that are read, in their order, without the reasons of a marked copy: as many from the first
+    // one on as the used range has, or, read tidily, all that hold something from the header on.
+    const std::vector<std::int32_t>& Columns() const { return columns_; }
+    // The last ones of the used range, without the reasons of a marked copy.
+    std::int32_t LastColumn() const { return lastColumn_; }
+    std::int32_t LastRow() const { return lastRow_; }
     // It is a marked copy of a workbook that was refused.
     bool HasReasons() const { return hasReasons_; }
     bool Tidily() const { return tidily_; }
     // The row of the headers: the first one, unless the sheet is read tidily and has another.
     std::int32_t HeaderRow() const { return headerRow_; }
-    // The first row that names all columns that must be there, 0 when none of the first ones does.
+    // The first row that names all columns that must be there, 0 when none of the first ones in use does.
     std::int32_t FindHeaderRow() const;
     // A header as it is compared.
     std::string HeaderAt(std::int32_t row, std::int32_t column) const;
+    // Whether the column holds nothing from that row on; false of a sheet too large to look.
+    bool IsBlankFrom(std::int32_t firstRow, std::int32_t column) const;
 
   private:
     bool IsReasons(std::int32_t column) const;
+    void ReadUsedRange();
+    void ChooseColumns();
 
     TemporaryCopy copy_;
     ExcelSession session_;
     ObjectRef workbook_;
     ObjectRef sheet_;
-    std::int32_t columns_ = 0;
-    std::int32_t rows_ = 0;
+    std::vector<std::int32_t> columns_;
+    std::int32_t firstColumn_ = 1;  // of the used range
+    std::int32_t firstRow_ = 1;
+    std::int32_t lastColumn_ = 0;
+    std::int32_t lastRow_ = 0;
     std::int32_t headerRow_ = 1;
     bool hasReasons_ = false;
     bool tidily_ = false;

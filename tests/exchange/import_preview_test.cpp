@@ -97,6 +97,21 @@ TEST_F(PreviewTest, TellsNewChangedAndMissingLinesCellByCell) {
     EXPECT_TRUE(TemporaryFiles().empty());
 }
 
+TEST_F(PreviewTest, ReadTidilyItShowsEveryLineWhereverTheTableBegins) {
+    Holds({{1, "a", 1, "1001", 5}, {1, "b", 0, "1002", 5}});
+    const std::string file = MakeWorkbook(
+        "旧模板.xlsx",
+        {{},
+         {},
+         {"", "模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)", "金额", "备注"},
+         {"", "#1", "a", "借", "1001", "名称", "#5", ""},
+         {"", "#1", "b", "贷", "1002", "名称", "#5", ""},
+         {"", "#2", "c", "借", "1001", "名称", "#9", "新的"}});
+    const ImportPreview preview = PreviewImport(window_, file, FindImportDestination(file), true);
+    EXPECT_EQ(preview.after.size(), 3U);
+    EXPECT_EQ(Totals(preview), (Lines{"1 2/5/5 2/5/5", "2 0/0/0 1/9/0"}));
+}
+
 TEST_F(PreviewTest, FindsNothingInWhatItself) {
     Holds({{1, "a", 1, "1001", 0.25, ""}});
     const ImportPreview preview = Preview({kHeaders, {"#1", " a ", "借", "#1001", "名称", "#0.25"}});

@@ -274,7 +274,7 @@ TEST_F(ImportTest, TellsEveryFaultyHeader) {
         "Orbis提示");
     EXPECT_EQ(Faults(), (Lines{"1,3 备注 [备注] 存在同名列，请删除其中一列",
                                "1,4 x [x] 列名错误，请改为模板的列名或删除这一列",
-                               "1,5  [] 没有列名，请填写列名或删除这一列"}));
+                               "1,5  [] 整列为空，请删除这一列，或者整理后引入"}));
 }
 
 TEST_F(ImportTest, NeverSeesTheLastHeaderAmongTheRequired) {

@@ -261,6 +261,121 @@ TEST_F(MarkedCopyTest, BlankRowsBetweenAreOneFaultEachAndTidiedAway) {
     EXPECT_EQ(Inserted(), (Lines{"2,1,'a',1,'1001','现金',1,''", "4,1,'',0,'1002','银行',1,''"}));
 }
 
+// Programs that lay out a report leave rows and columns free in front: the used range begins further in.
+std::vector<Lines> FurtherIn(std::size_t rows, std::size_t columns, std::vector<Lines> table) {
+    for (Lines& row : table)
+        row.insert(row.begin(), row.empty() ? 0 : columns, "");
+    table.insert(table.begin(), rows, Lines());
+    return table;
+}
+
+TEST_F(MarkedCopyTest, TidiedNoLineIsLostWhereverTheTableBegins) {
+    const std::vector<Lines> table = {kHeaders,
+                                      {"#1", "a", "借", "1001", "现金", "#1", "甲"},
+                                      {"#1", "", "贷", "1002", "银行", "#1", "乙"},
+                                      {},
+                                      {"#2", "b", "借", "1001", "现金", "#2", "丙"},
+                                      {"#2", "", "贷", "1002", "银行", "#2", "丁"}};
+    for (const char* name : {"坏的.xlsx", "坏的.xls"}) {
+        for (const std::size_t rows : {0U, 1U, 3U, 30U}) {
+            for (const std::size_t columns : {0U, 1U, 2U}) {
+                SCOPED_TRACE(std::string(name) + " " + std::to_string(rows) + " " + std::to_string(columns));
+                const std::string file = MakeWorkbook(name, FurtherIn(rows, columns, table));
+                EXPECT_TRUE(Import(file, true));
+                const auto at = [rows](std::size_t row) { return std::to_string(rows + row); };
+                EXPECT_EQ(
+                    Inserted(),
+                    (Lines{at(2) + ",1,'a',1,'1001','现金',1,'甲'", at(3) + ",1,'',0,'1002','银行',1,'乙'",
+                           at(5) + ",2,'b',1,'1001','现金',2,'丙'", at(6) + ",2,'',0,'1002','银行',2,'丁'"}));
+            }
+        }
+    }
+}
+
+TEST_F(MarkedCopyTest, ABlankColumnIsOneFaultAndTidiedAway) {
+    // A title stands above the blank column in front; another blank one is within the table.
+    const std::string file = MakeWorkbook(
+        "坏的.xlsx", {{"某某公司凭证模板"},
+                      {"", "模板编号(*)", "摘要(*)", "借/贷(*)", "", "科目代码(*)", "科目名称(*)", "金额"},
+                      {"", "#1", "a", "借", "", "1001", "现金", "#1"}});
+    EXPECT_TRUE(Import(file, true));
+    EXPECT_EQ(Inserted(), Lines{"3,1,'a',1,'1001','现金',1"});
+    // A column without a header that holds something is none to be passed over.
+    const std::string filled = MakeWorkbook(
+        "坏的.xlsx",
+        FurtherIn(1, 1,
+                  {{"模板编号(*)", "摘要(*)", "借/贷(*)", "", "科目代码(*)", "科目名称(*)", "金额"},
+                   {"#1", "a", "借", "?", "1001", "现金", "#1"}}));
+    const ImportOutcome refused = Import(filled, true);
+    EXPECT_EQ(Messages()[0], "引入模板失败！模板文件结构不正确: \r\n第E列[]列名错误！\r\n");
+    ASSERT_EQ(refused.faults.size(), 1U);
+    EXPECT_EQ(refused.faults[0].column, 5);
+    EXPECT_EQ(refused.faults[0].reason, "没有列名，请填写列名或删除这一列");
+    // By itself an import refuses both, in the words that it has always had.
+    const std::string plain = MakeWorkbook("坏的.xlsx", FurtherIn(0, 1, rows_));
+    const ImportOutcome outcome = Import(plain);
+    EXPECT_EQ(Messages()[0], "引入模板失败！模板文件结构不正确: \r\n第A列[]列名错误！\r\n");
+    ASSERT_EQ(outcome.faults.size(), 1U);
+    EXPECT_EQ(outcome.faults[0].reason, "整列为空，请删除这一列，或者整理后引入");
+}
+
+TEST_F(MarkedCopyTest, FaultsOfATableFurtherInAreToldByTheirPlaces) {
+    const std::string file = MakeWorkbook("坏的.xlsx", FurtherIn(2, 1, rows_));
+    const ImportOutcome outcome = Import(file, true);
+    EXPECT_EQ(Messages()[0],
+              "引入模板失败！模板文件数据存在以下错误: 第4行，第G列值存在错误，\r\n"
+              "第5行，第E列值存在错误，\r\n");
+    // A header that lacks a column is looked at where the table begins.
+    Lines lacking = kHeaders;
+    lacking[4] = "币别";
+    Import(MakeWorkbook("坏的.xlsx", FurtherIn(2, 1, {lacking, rows_[3]})), true);
+    EXPECT_EQ(Messages()[0], "引入模板失败！模板文件结构不正确,缺少必录列: 科目名称(*)");
+}
+
+TEST_F(MarkedCopyTest, TheReasonsStandBehindTheLastColumnWhereverTheTableBegins) {
+    for (const char* name : {"坏的.xlsx", "坏的.xls"}) {
+        for (const auto& [rows, columns] : {std::pair{0U, 1U}, {1U, 0U}, {2U, 2U}}) {
+            SCOPED_TRACE(std::string(name) + " " + std::to_string(rows) + " " + std::to_string(columns));
+            const std::string file = MakeWorkbook(name, FurtherIn(rows, columns, rows_));
+            const std::string copy = folder_.File(std::string("坏的(标错)") + (name + 6));
+            ASSERT_EQ(WriteMarkedCopy(file, Import(file, true).faults, copy), "");
+            // Every cell of the table is as it was, the reasons stand behind.
+            const auto last = static_cast<std::uint32_t>(columns + kHeaders.size());
+            for (std::uint32_t c = 0; c < kHeaders.size(); ++c)
+                EXPECT_EQ(TextAt(copy, rows, columns + c), kHeaders[c]);
+            EXPECT_EQ(TextAt(copy, rows + 1, last - 1), "留下");
+            EXPECT_EQ(TextAt(copy, 0, last), "原因");
+            EXPECT_EQ(TextAt(copy, rows + 1, last), "金额 必须是数字");
+            EXPECT_EQ(TextAt(copy, rows + 2, last), "科目代码(*) 不允许为空");
+            // Mended it comes in whole, as a copy of a copy does.
+            Change(copy, [&, r = rows, c = columns](office::Workbook& workbook, office::Sheet& sheet) {
+                SetText(workbook, sheet, r + 1, c + 5, "12");
+                SetText(workbook, sheet, r + 2, c + 3, "1002");
+            });
+            EXPECT_TRUE(Import(copy, true));
+            const auto at = [r = rows](std::size_t row) { return std::to_string(r + row); };
+            EXPECT_EQ(Inserted(),
+                      (Lines{at(2) + ",1,'a',1,'1001','现金',12,'留下'", at(3) + ",1,'',0,'1002','银行',5,''",
+                             at(4) + ",2,'b',1,'1002','银行',7,''"}));
+        }
+    }
+}
+
+TEST_F(MarkedCopyTest, ACopyOfATableBehindABlankColumnForgetsWhatIsMended) {
+    const std::string file = MakeWorkbook("坏的.xlsx", FurtherIn(0, 1, rows_));
+    const std::string copy = folder_.File("坏的(标错).xlsx");
+    // Refused without tidying, for the blank column.
+    ASSERT_EQ(WriteMarkedCopy(file, Import(file).faults, copy), "");
+    EXPECT_EQ(TextAt(copy, 0, 7), "备注");
+    EXPECT_EQ(TextAt(copy, 0, 8), "原因：整列为空，请删除这一列，或者整理后引入");
+    const std::string again = folder_.File("再来(标错).xlsx");
+    ASSERT_EQ(WriteMarkedCopy(copy, Import(copy, true).faults, again), "");
+    EXPECT_EQ(TextAt(again, 0, 7), "备注");
+    EXPECT_EQ(TextAt(again, 0, 8), "原因");
+    EXPECT_EQ(TextAt(again, 1, 8), "金额 必须是数字");
+    EXPECT_EQ(TextAt(again, 0, 9), "");
+}
+
 TEST_F(MarkedCopyTest, HiddenColumnsAreReadAndShownAgainWhereTheyAreFaulty) {
     const std::string file = MakeWorkbook("坏的.xlsx", rows_);
     Change(file, [](office::Workbook&, office::Sheet& sheet) {
