@@ -13,7 +13,7 @@ ExprPtr Parser::ParseCondition() {
 
 // OR over AND over NOT over predicates. A lone value passes, for the caller to refuse or to go on with.
 ExprPtr Parser::ParseAnyCondition() {
-    const Level level(*this);
+    const Level level(*this, 1);
     ExprPtr first = ParseAnd();
     if (!At(Keyword::kOr)) return first;
     RequireCondition(first);

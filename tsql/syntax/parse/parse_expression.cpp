@@ -135,7 +135,7 @@ ExprPtr Parser::ParsePrimary(bool conditionAllowed) {
 }
 
 ExprPtr Parser::ParseParentheses(bool conditionAllowed) {
-    const Level level(*this);
+    const Level level(*this, At(Keyword::kSelect, 1) ? kParenthesesOfLevel : 1);
     const Position start = Expect(Op::kLeftParen).position;
     if (At(Keyword::kSelect)) {
         auto subquery = std::make_unique<SubqueryExpr>(start);

@@ -100,7 +100,7 @@ TableSourcePtr Parser::ParseJoins(TableSourcePtr left) {
             join->on = ParseCondition();
         }
         const int depth = std::max(join->left->depth, join->right->depth) + 1;
-        if (depth > kDepthLimit) throw MakeError(191, start);
+        if (depth > kJoinLimit) throw MakeError(191, start);
         join->depth = static_cast<std::uint16_t>(depth);
         left = std::move(join);
     }

@@ -14,10 +14,14 @@
 
 namespace vicenter::tsql {
 
-// Levels of parentheses, subqueries, CASE, blocks and IFs within each other: deeper is error 191.
+// Levels of subqueries, calls, CASE, blocks and IFs within each other: deeper is error 191.
 inline constexpr int kNestingLimit = 200;
-// Nodes below each other in one expression or FROM clause, for instance the operands of a + b + …: as above.
-inline constexpr int kDepthLimit = 1000;
+// Parentheses around values in the place of one such level: they leave nothing behind.
+inline constexpr int kParenthesesOfLevel = 5;
+// Nodes below each other in one expression, for instance the operands of a + b + …: as above.
+inline constexpr int kDepthLimit = 2000;
+// The same for joins.
+inline constexpr int kJoinLimit = 1000;
 
 class Parser;
 

@@ -35,9 +35,10 @@ bool IsHere(const ObjectName& name) {
 
 }  // namespace
 
-Parser::Level::Level(Parser& parser) : parser_(parser) {
-    if (parser_.level_ >= kNestingLimit) throw MakeError(191, parser_.Peek().position);
-    ++parser_.level_;
+Parser::Level::Level(Parser& parser, int places) : parser_(parser), places_(places) {
+    if (parser_.level_ + places > kNestingLimit * kParenthesesOfLevel)
+        throw MakeError(191, parser_.Peek().position);
+    parser_.level_ += places;
 }
 
 const Token& Parser::Peek(std::size_t n) {

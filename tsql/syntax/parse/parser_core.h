@@ -36,16 +36,17 @@ class Parser {
     // Where a query stands decides what its select list may hold and whether it may be sorted.
     enum class QueryPlace { kStatement, kInsert, kCursor, kNested };
 
-    // Counts one level of nesting for its lifetime; throws 191 past the limit.
+    // Counts one level of nesting for its lifetime, or a part of one; throws 191 past the limit.
     class Level {
       public:
-        explicit Level(Parser& parser);
-        ~Level() { --parser_.level_; }
+        explicit Level(Parser& parser, int places = kParenthesesOfLevel);
+        ~Level() { parser_.level_ -= places_; }
         Level(const Level&) = delete;
         Level& operator=(const Level&) = delete;
 
       private:
         Parser& parser_;
+        int places_;
     };
     struct State {
         Lexer lexer;
