@@ -204,8 +204,55 @@ TEST_F(DeepTextTest, Deep_texts_stand_in_every_statement) {
     EXPECT_EQ(Run("create table k (a int, c as a" + ones + ", d int default 1" + ones +
                   ") insert into k (a) values (1) select c, d from k"),
               "c:int d:int\n61|61");
-    // SQLite takes no query in a CHECK.
-    EXPECT_EQ(Run("create table m (a int check (a" + ones + " > 0))").substr(0, 9), "error 191");
+}
+
+TEST_F(DeepTextTest, A_check_takes_as_many_operators_as_a_query) {
+    Run("create table m (a int check (a" + Times(1000, "+1") + " > 1000), b decimal(9,2) check (b" +
+        Times(100, "*1.0-0.5+0.5") + " < 5), v varchar(20) check (len(v" + Times(500, "+'.'") + ") < 510))");
+    EXPECT_EQ(Run("insert into m values (1, 4.5, 'abc') select a, b, v from m"),
+              "a:int b:decimal(9,2) v:varchar(20)\n1|4.50|abc");
+    EXPECT_EQ(Run("insert into m values (0, 4.5, 'abc')").substr(0, 9), "error 547");
+    EXPECT_EQ(Run("insert into m values (1, 5, 'abc')").substr(0, 9), "error 547");
+    EXPECT_EQ(Run("insert into m values (1, 4.5, '12345678901')").substr(0, 9), "error 547");
+    std::string all = "a <> 5000";
+    for (int i = 1; i < 2000; ++i)
+        all += " and a <> " + std::to_string(5000 + i);
+    Run("create table n (a int, check (" + all + "))");
+    EXPECT_EQ(Run("insert into n values (4999), (7000) select count(*) as c from n"), "c:int\n2");
+    EXPECT_EQ(Run("insert into n values (6999)").substr(0, 9), "error 547");
+    // What is no operator nests as deep as SQLite's parser lets it: it takes no query in a CHECK.
+    Run("create table o15 (a int check (" + Nested(15, "abs(", "a", ")") + " > 0))");
+    EXPECT_EQ(Run("insert into o15 values (0)").substr(0, 9), "error 547");
+    EXPECT_EQ(Run("create table o (a int check (" + Nested(40, "abs(", "a", ")") + " > 0))").substr(0, 9),
+              "error 191");
+}
+
+TEST_F(DeepTextTest, A_thousand_operators_stand_wherever_an_expression_may) {
+    const std::string ones = Times(1000, "+1");
+    EXPECT_EQ(Run("select a from t where a" + ones + " = 1002"), "a:int\n2");
+    EXPECT_EQ(Run("select sum(a" + ones + ") as n from t"), "n:int\n2003");
+    EXPECT_EQ(Run("declare c cursor for select a" + ones +
+                  " as n from t open c fetch next from c close c "
+                  "deallocate c"),
+              "n:int\n1001");
+    EXPECT_EQ(Run("merge t using (select 2 as a) as u on t.a" + ones + " = u.a" + ones +
+                  " when matched then update set b = 7" + ones + "; select b from t where a = 2"),
+              "b:decimal(9,2)\n1007.00");
+    EXPECT_EQ(Run("declare @s varchar(8000) = '' select @s = @s + v" + Times(60, "+'.'") +
+                  " from t select len(@s) as n"),
+              "n:int\n126");
+    EXPECT_EQ(Run("declare @n int = 0 select @n = @n + a" + ones + " from t select @n as n"), "n:int\n2003");
+    std::string all = "a <> 5000";
+    for (int i = 1; i < 5000; ++i)
+        all += " and a <> " + std::to_string(5000 + i);
+    EXPECT_EQ(Run("select a from t where " + all), "a:int\n1\n2");
+    EXPECT_EQ(Run("select a from t where a = " + Nested(900, "(", "2", ")")), "a:int\n2");
+    EXPECT_EQ(Run("select " + Nested(900, "(", "a", " + 1)") + " as n from t where " +
+                  Nested(400, "(", "a = 1", ")")),
+              "n:int\n901");
+    EXPECT_EQ(Run("select a" + Times(1990, "+1") + " as n from t where a = 1"), "n:int\n1991");
+    EXPECT_EQ(Run("select a" + Times(2100, "+1") + " from t").substr(0, 9), "error 191");
+    EXPECT_EQ(Run("select " + Nested(1100, "(", "1", ")")).substr(0, 9), "error 191");
 }
 
 // The marks of what has been put elsewhere are control characters.

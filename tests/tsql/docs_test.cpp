@@ -14,6 +14,7 @@
 #include "runner/test_file.h"
 #include "tests/paths/source_folder.h"
 #include "tsql/base/error_table.h"
+#include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::tsql_test {
 namespace {
@@ -148,6 +149,23 @@ std::string OnServers() {
     return text;
 }
 
+std::string Limits() {
+    const auto row = [](const std::string& limit, const char* number) {
+        return "| " + limit + " | " + number + " |\n";
+    };
+    const auto count = [](int number) { return std::to_string(number); };
+    return "\n## Limits\n\nBesides the server's own. What is written down here runs, what is more is that "
+           "error.\n\n| limit | error |\n|---|---|\n" +
+           row(count(tsql::kDepthLimit) + " operators in a row in one expression", "191") +
+           row(count(tsql::kNestingLimit) + " calls, CASEs, subqueries, blocks and IFs within each other, " +
+                   count(tsql::kNestingLimit * tsql::kParenthesesOfLevel) +
+                   " pairs of parentheses around a value, half as many around a condition",
+               "191") +
+           row("fifteen calls within each other in a CHECK; operators do not count", "191") +
+           row("10000 uses of views and of queries that WITH names, each with all uses within it", "8623") +
+           row("16000000 bytes of a query as SQLite gets it", "8623");
+}
+
 std::string SupportText() {
     const Coverage coverage = Collect();
     std::string statements;
@@ -171,7 +189,7 @@ std::string SupportText() {
            "this name and the line, before the\nbatch runs where the text alone says it. Made from the "
            "answers "
            "of the tests.\n\n| name in the message | tests |\n|---|---|\n" +
-           refused +
+           refused + Limits() +
            "\n## Over ODBC\n\n"
            "All of these tests run through an ODBC driver (FreeTDS) against the test server as well. What "
            "comes out\n"

@@ -45,8 +45,7 @@ Bound BindNullIf(Binding& call) {
     call.Pin(0);
     const SqlType type = call.Type(0);
     if (type.IsUnknown()) throw MakeError(4151, call.Where());
-    const std::string equal = call.Equal(0, 1);
-    return {"(CASE WHEN " + equal + " THEN NULL ELSE " + call.Plain(0) + " END)", type};
+    return {call.NullIf(0, 1), type};
 }
 
 Bound BindIif(Binding& call) {

@@ -61,12 +61,13 @@ int Binding::LiteralInt(std::size_t i, int otherwise) {
 
 namespace {
 
-std::array<FunctionSet, 19> Sets() {
-    return {AggregateFunctions(),   CatalogFunctions(),  ChoiceFunctions(),    ConversionFunctions(),
-            DateBuildFunctions(),   DateFunctions(),     DeviationFunctions(), FormatFunctions(),
-            HashFunctions(),        LimitFunctions(),    MathFunctions(),      MeasureFunctions(),
-            OrderedTextFunctions(), RowFunctions(),      SearchFunctions(),    SystemFunctions(),
-            TextFunctions(),        TextPartFunctions(), WindowFunctions()};
+std::array<FunctionSet, 21> Sets() {
+    return {AggregateFunctions(),  CatalogFunctions(),    ChainFunctions(),       ChoiceFunctions(),
+            ComparisonFunctions(), ConversionFunctions(), DateBuildFunctions(),   DateFunctions(),
+            DeviationFunctions(),  FormatFunctions(),     HashFunctions(),        LimitFunctions(),
+            MathFunctions(),       MeasureFunctions(),    OrderedTextFunctions(), RowFunctions(),
+            SearchFunctions(),     SystemFunctions(),     TextFunctions(),        TextPartFunctions(),
+            WindowFunctions()};
 }
 
 }  // namespace

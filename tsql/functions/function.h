@@ -93,7 +93,8 @@ class Binding {
     virtual std::string As(std::size_t i, const SqlType& type, bool isExplicit = false) = 0;
     virtual std::string Collated(std::size_t i) = 0;
     virtual std::string Condition(std::size_t i) = 0;
-    virtual std::string Equal(std::size_t i, std::size_t j) = 0;
+    // NULL where both are equal, else the first.
+    virtual std::string NullIf(std::size_t i, std::size_t j) = 0;
     // The literal that an argument is, or nothing.
     virtual const LiteralExpr* Literal(std::size_t i) const = 0;
     // The argument's value or length decides the type of the result: another literal needs another plan.
@@ -153,16 +154,20 @@ extern const SqlFunction kIdentityGivenCall;  // (number): it, told to the sessi
 extern const SqlFunction kIntegerCall;        // (operator, a, b, type)
 extern const SqlFunction kDecimalCall;        // (operator, a, b, type)
 extern const SqlFunction kRealCall;           // (operator, a, b)
+extern const SqlFunction kChainCall;          // (program, value, …): operators in a row, see chain.cpp
 extern const SqlFunction kNegateCall;         // (value, type)
-extern const SqlFunction kDatePlusCall;       // (date, days, sign)
-extern const SqlFunction kLikeCall;           // (text, pattern[, escape])
-extern const SqlFunction kUnicodeLikeCall;    // the same; trailing blanks count
-extern const SqlFunction kSingleCall;         // (value): of the only row, error 512 for a second one
-extern const SqlFunction kAtLeastCall;    // (number, least, error): the number; the error for a smaller one
-extern const SqlFunction kPercentCall;    // (rows, percent): how many rows TOP … PERCENT takes
-extern const SqlFunction kRecursionCall;  // (level, most): the level below; error 530 beyond the most
-extern const SqlFunction kSomeRowsCall;   // (row, name): -1; error 40510 of that name when the row is NULL
-extern const SqlFunction kRefuseCall;     // (name): error 40510 when it is evaluated
+// Each value with its type behind it, and each pair compared by the common type of its own.
+extern const SqlFunction kBetweenCall;      // (value, low, high): 1, 0 or NULL
+extern const SqlFunction kNullIfCall;       // (value, other): NULL where they are equal
+extern const SqlFunction kWhichCall;        // (value, first, second, …): the number of its equal
+extern const SqlFunction kDatePlusCall;     // (date, days, sign)
+extern const SqlFunction kLikeCall;         // (text, pattern[, escape])
+extern const SqlFunction kUnicodeLikeCall;  // the same; trailing blanks count
+extern const SqlFunction kSingleCall;       // (value): of the only row, error 512 for a second one
+extern const SqlFunction kAtLeastCall;      // (number, least, error): the number; the error for a smaller one
+extern const SqlFunction kPercentCall;      // (rows, percent): how many rows TOP … PERCENT takes
+extern const SqlFunction kRecursionCall;    // (level, most): the level below; error 530 beyond the most
+extern const SqlFunction kSomeRowsCall;     // (row, name): -1; error 40510 of that name when the row is NULL
 // Rows as one value and back: an aggregate of rows, and a table of its columns c1, c2, …; so a subquery can
 // refer to the row that it is joined to.
 extern const SqlFunction kOrderedTextsCall;  // (text, separator, kinds, key, …): STRING_AGG in an order
@@ -178,7 +183,9 @@ struct FunctionSet {
 };
 FunctionSet AggregateFunctions();
 FunctionSet CatalogFunctions();
+FunctionSet ChainFunctions();
 FunctionSet ChoiceFunctions();
+FunctionSet ComparisonFunctions();
 FunctionSet ConversionFunctions();
 FunctionSet DateBuildFunctions();
 FunctionSet DateFunctions();

@@ -48,13 +48,8 @@ void SomeRowsFunction(FunctionCall& call) {
     call.Return(std::int64_t{-1});
 }
 
-// ts_refuse(name)
-void RefuseFunction(FunctionCall& call) {
-    throw MakeError(40510, {}, {call.Text(0)});
-}
-
-constexpr const SqlFunction* kOthers[] = {&kRowCountCall,  &kAtLeastCall,  &kPercentCall,
-                                          &kRecursionCall, &kSomeRowsCall, &kRefuseCall};
+constexpr const SqlFunction* kOthers[] = {&kRowCountCall, &kAtLeastCall, &kPercentCall, &kRecursionCall,
+                                          &kSomeRowsCall};
 
 }  // namespace
 
@@ -63,7 +58,6 @@ const SqlFunction kAtLeastCall = Scalar<AtLeastFunction>("ts_at_least", 3);
 const SqlFunction kPercentCall = Scalar<PercentFunction>("ts_percent", 2);
 const SqlFunction kRecursionCall = Scalar<RecursionFunction>("ts_recursion", 2);
 const SqlFunction kSomeRowsCall = Scalar<SomeRowsFunction>("ts_some_rows", 2);
-const SqlFunction kRefuseCall = Scalar<RefuseFunction>("ts_refuse", 1, false);
 
 FunctionSet LimitFunctions() {
     return {{}, kOthers};

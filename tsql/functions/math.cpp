@@ -1,8 +1,8 @@
-// Arithmetic with SQL Server's overflow, scale and division rules. Operators are named by one letter: + - * /
-// % and, for integers, & | ^ as well.
+// The operators one by one, and functions of numbers.
 
 #include <cmath>
 
+#include "tsql/functions/arithmetic.h"
 #include "tsql/functions/call.h"
 #include "tsql/types/convert.h"
 
@@ -10,113 +10,27 @@ namespace vicenter::tsql::engine {
 
 namespace {
 
-[[noreturn]] void Overflow(const SqlType& type) {
-    throw MakeError(8115, {}, {"expression", MessageName(type)});
-}
-
-std::int64_t Calculated(char operation, std::int64_t a, std::int64_t b, const SqlType& type) {
-    std::int64_t result = 0;
-    switch (operation) {
-        case '+':
-            if (__builtin_add_overflow(a, b, &result)) Overflow(type);
-            return result;
-        case '-':
-            if (__builtin_sub_overflow(a, b, &result)) Overflow(type);
-            return result;
-        case '*':
-            if (__builtin_mul_overflow(a, b, &result)) Overflow(type);
-            return result;
-        case '/':
-        case '%':
-            if (b == 0) throw MakeError(8134, {});
-            if (b == -1) {
-                if (operation == '%') return 0;
-                if (__builtin_sub_overflow(std::int64_t{0}, a, &result)) Overflow(type);
-                return result;
-            }
-            return operation == '/' ? a / b : a % b;
-        case '&':
-            return a & b;
-        case '|':
-            return a | b;
-        default:
-            return a ^ b;
-    }
-}
-
 // ts_int(operator, a, b, type)
 void IntegerFunction(FunctionCall& call) {
     if (call.IsNull(1) || call.IsNull(2)) return;
-    const SqlType type = call.Type(3);
-    const std::int64_t result = Calculated(call.Text(0).front(), call.Int(1), call.Int(2), type);
-    static const SqlType kBigInt = SqlType::Of(TypeKind::kBigInt);
-    try {
-        call.Return(Convert(Value(result), kBigInt, type).Int());
-    } catch (const SqlError&) {
-        Overflow(type);
-    }
+    call.Return(OfIntegers(call.Text(0).front(), call.Int(1), call.Int(2), call.Type(3)));
 }
 
 // ts_dec(operator, a, b, type)
 void DecimalFunction(FunctionCall& call) {
     if (call.IsNull(1) || call.IsNull(2)) return;
-    const SqlType type = call.Type(3);
-    const Decimal a = call.Number(1);
-    const Decimal b = call.Number(2);
-    const char operation = call.Text(0).front();
-    if ((operation == '/' || operation == '%') && b.IsZero()) throw MakeError(8134, {});
-    try {
-        Decimal result;
-        switch (operation) {
-            case '+':
-                result = Decimal::Add(a, b);
-                break;
-            case '-':
-                result = Decimal::Subtract(a, b);
-                break;
-            case '*':
-                result = Decimal::Multiply(a, b);
-                break;
-            case '/':
-                result = Decimal::Divide(a, b, type.scale);
-                break;
-            default:
-                result = Decimal::Remainder(a, b);
-                break;
-        }
-        result = result.Rescaled(type.scale);
-        if (!FitsDecimal(result, type)) Overflow(type);
-        call.Return(result);
-    } catch (const SqlError&) {
-        throw;
-    } catch (const automation::Error&) {
-        Overflow(type);
-    }
+    call.Return(OfDecimals(call.Text(0).front(), call.Number(1), call.Number(2), call.Type(3)));
 }
 
 // ts_real(operator, a, b)
 void RealFunction(FunctionCall& call) {
     if (call.IsNull(1) || call.IsNull(2)) return;
-    const double a = call.Real(1);
-    const double b = call.Real(2);
-    double result = 0;
-    switch (call.Text(0).front()) {
-        case '+':
-            result = a + b;
-            break;
-        case '-':
-            result = a - b;
-            break;
-        case '*':
-            result = a * b;
-            break;
-        default:
-            if (b == 0) throw MakeError(8134, {});
-            result = a / b;
-            break;
-    }
-    if (!std::isfinite(result)) Overflow(SqlType::Float());
-    call.Return(result);
+    call.Return(OfReals(call.Text(0).front(), call.Real(1), call.Real(2)));
+}
+
+// ts_square(number)
+void SquareFunction(FunctionCall& call) {
+    if (!call.IsNull(0)) call.Return(OfReals('*', call.Real(0), call.Real(0)));
 }
 
 Decimal Zero(const Decimal& like) {
@@ -130,7 +44,7 @@ void NegateFunction(FunctionCall& call) {
     const Value value = call.Argument(0, type);
     if (type.IsExact()) return call.Return(value.Exact().IsZero() ? value.Exact() : value.Exact().Negated());
     if (type.IsFloat()) return call.Return(-value.Real());
-    call.Return(Calculated('-', 0, value.Int(), type));
+    call.Return(OfIntegers('-', 0, value.Int(), type));
 }
 
 // ts_abs(value, type)
@@ -141,7 +55,7 @@ void AbsFunction(FunctionCall& call) {
     if (type.IsExact())
         return call.Return(value.Exact().IsNegative() ? value.Exact().Negated() : value.Exact());
     if (type.IsFloat()) return call.Return(std::fabs(value.Real()));
-    call.Return(value.Int() < 0 ? Calculated('-', 0, value.Int(), type) : value.Int());
+    call.Return(value.Int() < 0 ? OfIntegers('-', 0, value.Int(), type) : value.Int());
 }
 
 // ts_sign(value, type)
@@ -314,11 +228,6 @@ Bound BindLog(Binding& call) {
     return {kRealCall.Call({"'/'", call.Call({call.Real(0)}), call.Call({call.Real(1)})}), SqlType::Float()};
 }
 
-Bound BindSquare(Binding& call) {
-    const std::string number = call.Real(0);
-    return {kRealCall.Call({"'*'", number, number}), SqlType::Float()};
-}
-
 Bound BindPi(Binding&) {
     return {"3.1415926535897931", SqlType::Float()};
 }
@@ -340,6 +249,7 @@ constexpr SqlFunction kLog = Scalar<RealToReal<Log>>("ts_log", 1);
 constexpr SqlFunction kLog10 = Scalar<RealToReal<Log10>>("ts_log10", 1);
 constexpr SqlFunction kSin = Scalar<RealToReal<Sin>>("ts_sin", 1);
 constexpr SqlFunction kCos = Scalar<RealToReal<Cos>>("ts_cos", 1);
+constexpr SqlFunction kSquare = Scalar<SquareFunction>("ts_square", 1);
 constexpr SqlFunction kTan = Scalar<RealToReal<Tan>>("ts_tan", 1);
 constexpr SqlFunction kRand = Scalar<RandFunction>("ts_rand", 0, false);
 
@@ -358,7 +268,7 @@ constexpr FunctionEntry kEntries[] = {
     {"sign", 1, 1, BindAbs, &kSign},
     {"sin", 1, 1, RealOfReal, &kSin},
     {"sqrt", 1, 1, RealOfReal, &kSqrt},
-    {"square", 1, 1, BindSquare},
+    {"square", 1, 1, RealOfReal, &kSquare},
     {"tan", 1, 1, RealOfReal, &kTan},
 };
 

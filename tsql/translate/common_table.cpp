@@ -1,5 +1,5 @@
-// Queries that WITH names. Each use of one stands for the query itself, as on the server; where that makes
-// too much text of it, it stands at the head of the statement once.
+// Queries that WITH names, and views. Each use of one stands for the query itself, as on the server; where
+// that makes too much text of it, it stands at the head of the statement once.
 
 #include <algorithm>
 #include <utility>
@@ -46,13 +46,18 @@ QueryText Translator::CommonQuery(const CommonTable& table, bool recursive) {
         throw MakeError(465, table.name.position);
     // What is used within a recursive query may see its level above.
     if (!recursions_.empty()) return OpenedQuery(table, recursive);
-    if (ways_.sharesQueries) return SharedText(table, recursive);
+    return UsedText(&table, [&] { return OpenedQuery(table, recursive); });
+}
+
+QueryText Translator::UsedText(const void* key, const std::function<QueryText()>& open) {
+    if (ways_.sharesQueries && recursions_.empty()) return SharedText(key, open);
     if (++uses_ > kMostInText) {
+        if (ways_.sharesQueries) throw MakeError(8623, {});
         Ways ways = ways_;
         ways.sharesQueries = true;
         throw NeedsWays{ways};
     }
-    return OpenedQuery(table, recursive);
+    return open();
 }
 
 // The query itself, which knows those before it.
@@ -76,18 +81,19 @@ QueryText Translator::OpenedQuery(const CommonTable& table, bool recursive) {
 }
 
 // By its name; its text stands at the head of the statement from now on.
-QueryText Translator::SharedText(const CommonTable& table, bool recursive) {
-    auto known = shared_.find(&table);
+QueryText Translator::SharedText(const void* key, const std::function<QueryText()>& open) {
+    auto known = shared_.find(key);
     if (known == shared_.end()) {
         const std::int64_t before = std::exchange(uses_, 1);
         SharedQuery shared;
-        shared.text = OpenedQuery(table, recursive);
+        shared.text = open();
         shared.uses = std::exchange(uses_, before);
         const std::string name = "\"with$" + std::to_string(shared_.size() + 1) + "\"";
         sharedTexts_ +=
             (sharedTexts_.empty() ? "" : ", ") + name + " AS MATERIALIZED (" + shared.text.sql + ")";
         shared.text.sql = "SELECT * FROM " + name;
-        known = shared_.emplace(&table, std::move(shared)).first;
+        shared.text.weights.clear();
+        known = shared_.emplace(key, std::move(shared)).first;
     }
     uses_ += known->second.uses;
     if (uses_ > kMostUses) throw MakeError(8623, {});

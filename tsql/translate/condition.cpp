@@ -50,29 +50,113 @@ Translation Translator::Condition(const Expr& condition) {
     return Finished("SELECT CASE WHEN " + ConditionText(condition, scope) + " THEN 1 ELSE 0 END");
 }
 
+// SQLite compares as the column on the left says, within a CAST as well: an integer column that is converted
+// would have decimals compared byte by byte. A converted column is no column any more.
+static std::string LeftCollation(const Operand& left, const SqlType& common) {
+    const bool isNatural =
+        left.column && left.type.IsText() == common.IsText() && left.type.IsExact() == common.IsExact();
+    if (isNatural || !(common.IsText() || common.IsExact())) return {};
+    return std::string(" COLLATE ") + (common.IsText() ? kTextCollationName : kNumberCollationName);
+}
+
 std::string Translator::Compare(const char* op, const Operand& left, const Operand& right,
                                 Position position) {
     const SqlType common = CommonType(left.type, right.type);
-    try {
+    return AtLine(position, [&] {
         const bool isMember = isAlternative_ && op[0] == '=';
         const std::string a =
             left.pending && isMember ? RenderMember(left, common) : RenderCompared(left, common);
         const std::string b = isMember ? RenderMember(right, common) : RenderCompared(right, common);
-        const bool needsCollation = common.IsText() || common.IsExact();
-        // A converted column is no column any more.
-        const auto natural = [&](const Operand& operand) {
-            return operand.column && operand.type.IsText() == common.IsText() &&
-                   operand.type.IsExact() == common.IsExact();
-        };
-        // SQLite compares as the column on the left says, within a CAST as well: an integer column that is
-        // converted would have decimals compared byte by byte.
-        if (!needsCollation || natural(left)) return a + " " + op + " " + b;
-        return a + " COLLATE " + (common.IsText() ? kTextCollationName : kNumberCollationName) + " " + op +
-               " " + b;
-    } catch (SqlError& error) {
-        error.SetLine(static_cast<std::int32_t>(position.line));
-        throw;
+        return a + LeftCollation(left, common) + " " + op + " " + b;
+    });
+}
+
+std::string Translator::ComparedLeft(const Operand& left, const SqlType& common) {
+    return RenderCompared(left, common) + LeftCollation(left, common);
+}
+
+// Integers are among decimals what they are among themselves.
+std::vector<SqlType> Translator::CommonTypes(const Operand& left, const std::vector<Operand>& others) {
+    std::vector<SqlType> commons;
+    SqlType exact;
+    bool areExact = true;
+    for (const Operand& other : others) {
+        const SqlType common = CommonType(left.type, other.type);
+        areExact = areExact && (common.IsExact() || common.IsInteger()) && !left.type.IsText();
+        if (common.IsExact()) exact = common;
+        commons.push_back(common);
     }
+    if (!areExact || exact.IsUnknown()) return commons;
+    for (SqlType& common : commons) {
+        if (common.IsInteger()) common = exact;
+    }
+    return commons;
+}
+
+std::optional<std::string> Translator::ComparedOnce(const Operand& left,
+                                                    const std::vector<SqlType>& commons) {
+    const SqlType& first = commons.front();
+    if (left.pending) {
+        // What it is converted to when it is bound.
+        for (const SqlType& common : commons) {
+            const bool isAsFirst = common.IsExact() && first.IsExact() && !left.type.IsText();
+            if (!(common == first) && !isAsFirst) return std::nullopt;
+        }
+        return ComparedLeft(left, first);
+    }
+    std::string text = ComparedLeft(left, first);
+    for (const SqlType& common : commons) {
+        if (!(common == first) && ComparedLeft(left, common) != text) return std::nullopt;
+    }
+    return text;
+}
+
+std::vector<std::string> Translator::ComparedApart(const Operand& left, const std::vector<Operand>& others) {
+    std::vector<std::string> arguments;
+    const auto add = [&](const Operand& operand) {
+        // The type stands in the text.
+        if (operand.literal != nullptr) context_.PinLiteral(*operand.literal);
+        arguments.push_back(Render(operand));
+        arguments.push_back(Code(operand.type));
+    };
+    add(left);
+    for (const Operand& other : others) {
+        const SqlType common = CommonType(left.type, other.type);
+        CheckConversion(left.type, common, false);
+        CheckConversion(other.type, common, false);
+        add(other);
+    }
+    return arguments;
+}
+
+std::string Translator::Between(const BetweenExpr& between, Scope& scope) {
+    const Operand operand = Value(*between.operand, scope);
+    const std::vector<Operand> bounds = {Value(*between.low, scope), Value(*between.high, scope)};
+    const std::vector<SqlType> commons = CommonTypes(operand, bounds);
+    return AtLine(between.position, [&]() -> std::string {
+        if (const auto once = ComparedOnce(operand, commons)) {
+            return "(" + *once + " BETWEEN " + RenderCompared(bounds[0], commons[0]) + " AND " +
+                   RenderCompared(bounds[1], commons[1]) + ")";
+        }
+        if (operand.pending || operand.isPlain) {
+            return "(" + Compare(">=", operand, bounds[0], between.position) + " AND " +
+                   Compare("<=", operand, bounds[1], between.position) + ")";
+        }
+        return kBetweenCall.Call(ComparedApart(operand, bounds));
+    });
+}
+
+std::string Translator::NullIf(const Operand& value, const Operand& other, Position position) {
+    const SqlType common = CommonType(value.type, other.type);
+    return AtLine(position, [&]() -> std::string {
+        if (value.pending || (value.isPlain && RenderCompared(value, common) != value.sql)) {
+            const std::string equal = Compare("=", value, other, position);
+            return "(CASE WHEN " + equal + " THEN NULL ELSE " + Render(value) + " END)";
+        }
+        if (RenderCompared(value, common) == value.sql)
+            return "nullif(" + ComparedLeft(value, common) + ", " + RenderCompared(other, common) + ")";
+        return kNullIfCall.Call(ComparedApart(value, {other}));
+    });
 }
 
 std::string Translator::ConditionText(const Expr& condition, Scope& scope) {
@@ -98,12 +182,7 @@ std::string Translator::ConditionText(const Expr& condition, Scope& scope) {
             return "NOT (" + ConditionText(*As<NotExpr>(condition).operand, scope) + ")";
         case ExprKind::kBetween: {
             const auto& between = As<BetweenExpr>(condition);
-            const Operand operand = Value(*between.operand, scope);
-            const Operand low = Value(*between.low, scope);
-            const Operand high = Value(*between.high, scope);
-            const std::string sql = "(" + Compare(">=", operand, low, condition.position) + " AND " +
-                                    Compare("<=", operand, high, condition.position) + ")";
-            return between.negated ? "NOT " + sql : sql;
+            return (between.negated ? "NOT " : "") + Between(between, scope);
         }
         case ExprKind::kLike:
             return Like(As<LikeExpr>(condition), scope);
@@ -170,12 +249,7 @@ std::string Translator::In(const InExpr& in, Scope& scope) {
     std::string list;
     for (const Operand& member : members)
         list += (list.empty() ? "" : ", ") + RenderMember(member, common);
-    std::string left = RenderCompared(operand, common);
-    const bool natural = operand.column && operand.type.IsText() == common.IsText() &&
-                         operand.type.IsExact() == common.IsExact();
-    if (!natural && common.IsText()) left += std::string(" COLLATE ") + kTextCollationName;
-    if (!natural && common.IsExact()) left += std::string(" COLLATE ") + kNumberCollationName;
-    return left + word + list + ")";
+    return ComparedLeft(operand, common) + word + list + ")";
 }
 
 // a > ALL (q): no member for which it is not so; a > ANY (q): a member for which it is so.
@@ -183,12 +257,18 @@ std::string Translator::Quantified(const QuantifiedExpr& quantified, Scope& scop
     const Operand operand = Value(*quantified.operand, scope);
     const QueryText query = QueryOf(*quantified.query, &scope, false);
     if (query.columns.size() != 1) throw MakeError(116, quantified.query->position);
-    const std::string comparison = Compare(Sign(quantified.op), operand,
-                                           Computed("q.c1", query.columns.front().type), quantified.position);
-    if (quantified.all) {
-        return "NOT EXISTS(SELECT 1 FROM (" + query.sql + ") AS q WHERE NOT coalesce(" + comparison + ", 0))";
-    }
-    return "EXISTS(SELECT 1 FROM (" + query.sql + ") AS q WHERE " + comparison + ")";
+    // Worked out once, and not for every member: the bound keeps SQLite from merging it with the query
+    // around.
+    const bool isOnce = !operand.pending && !operand.isPlain && !HasAggregate(*quantified.operand) &&
+                        !HasWindow(*quantified.operand);
+    const std::string once =
+        isOnce ? "(SELECT " + Render(operand) + " AS v LIMIT -1 OFFSET 0) AS \"once$\" CROSS JOIN " : "";
+    const Operand left = isOnce ? Computed("\"once$\".v", operand.type) : operand;
+    const std::string comparison =
+        Compare(Sign(quantified.op), left, Computed("q.c1", query.columns.front().type), quantified.position);
+    const std::string from = "EXISTS(SELECT 1 FROM " + once + "(" + query.sql + ") AS q WHERE ";
+    if (quantified.all) return "NOT " + from + "NOT coalesce(" + comparison + ", 0))";
+    return from + comparison + ")";
 }
 
 }  // namespace vicenter::tsql::engine

@@ -33,22 +33,43 @@ Translation Translator::Assignment(std::string_view variable, const SqlType& typ
 }
 
 Operand Translator::Value(const Expr& expression, Scope& scope) {
-    if (scope.grouped && aggregateDepth_ == 0) {
-        if (const Scope::SetMember* member = FindSetMember(scope, expression))
-            return Staged(scope, member->operand);
-    }
-    if (scope.grouped && aggregateDepth_ == 0 && scope.groupExpressions != nullptr) {
-        for (const ExprPtr& group : *scope.groupExpressions) {
-            if (!SameExpression(*group, expression)) continue;
-            scope.grouped = false;
-            ++scope.belowStage;
-            Operand operand = ValueInner(expression, scope);
-            --scope.belowStage;
-            scope.grouped = true;
-            return Staged(scope, std::move(operand));
-        }
-    }
+    if (std::optional<Operand> group = GroupValue(expression, scope)) return std::move(*group);
     return ValueInner(expression, scope);
+}
+
+std::optional<Operand> Translator::GroupValue(const Expr& expression, Scope& scope) {
+    if (!scope.grouped || aggregateDepth_ > 0) return std::nullopt;
+    if (const Scope::SetMember* member = FindSetMember(scope, expression))
+        return Staged(scope, member->operand);
+    if (scope.groupExpressions == nullptr) return std::nullopt;
+    for (const ExprPtr& group : *scope.groupExpressions) {
+        if (!SameExpression(*group, expression)) continue;
+        scope.grouped = false;
+        ++scope.belowStage;
+        Operand operand = ValueInner(expression, scope);
+        --scope.belowStage;
+        scope.grouped = true;
+        return Staged(scope, std::move(operand));
+    }
+    return std::nullopt;
+}
+
+// A long row of operators is a deep tree on its left side, which is walked without going deep.
+Operand Translator::Operators(const BinaryExpr& last, Scope& scope) {
+    std::vector<const BinaryExpr*> row;
+    std::optional<Operand> left;
+    const Expr* at = &last;
+    while (!left && at->kind == ExprKind::kBinary) {
+        row.push_back(&As<BinaryExpr>(*at));
+        at = row.back()->left.get();
+        left = GroupValue(*at, scope);
+    }
+    if (!left) left = ValueInner(*at, scope);
+    for (auto binary = row.rbegin(); binary != row.rend(); ++binary) {
+        const Operand right = Value(*(*binary)->right, scope);
+        left = Binary((*binary)->op, (*binary)->opPosition, *left, right);
+    }
+    return std::move(*left);
 }
 
 Operand Translator::ValueInner(const Expr& expression, Scope& scope) {
@@ -61,12 +82,8 @@ Operand Translator::ValueInner(const Expr& expression, Scope& scope) {
             return Column(As<ColumnExpr>(expression), scope);
         case ExprKind::kUnary:
             return Unary(As<UnaryExpr>(expression), scope);
-        case ExprKind::kBinary: {
-            const auto& binary = As<BinaryExpr>(expression);
-            const Operand left = Value(*binary.left, scope);
-            const Operand right = Value(*binary.right, scope);
-            return Binary(binary.op, binary.opPosition, left, right);
-        }
+        case ExprKind::kBinary:
+            return Operators(As<BinaryExpr>(expression), scope);
         case ExprKind::kCase:
             return Case(As<CaseExpr>(expression), scope);
         case ExprKind::kFunction:
@@ -234,6 +251,8 @@ Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
             operand.sql = found->sql;
             operand.type = found->type;
             operand.column = found->natural;
+            operand.isPlain = found->weight == 1;
+            weight_ += found->weight;
             return Staged(*level, std::move(operand));
         }
         for (const Source& source : level->sources) {
@@ -259,16 +278,43 @@ Operand Translator::Case(const CaseExpr& expression, Scope& scope) {
         if (result.literal != nullptr) context_.PinLiteral(*result.literal);
     }
     std::string sql = "CASE";
-    std::size_t next = 0;
-    for (const CaseExpr::Branch& branch : expression.branches) {
-        const std::string condition = expression.operand
-                                          ? Compare("=", Value(*expression.operand, scope),
-                                                    Value(*branch.when, scope), branch.when->position)
-                                          : ConditionText(*branch.when, scope);
-        sql += " WHEN " + condition + " THEN " + RenderAs(results[next++], type);
-    }
-    if (expression.otherwise) sql += " ELSE " + RenderAs(results[next], type);
+    const std::vector<std::string> whens = WhensOf(expression, scope, sql);
+    for (std::size_t i = 0; i < expression.branches.size(); ++i)
+        sql += " WHEN " + whens[i] + " THEN " + RenderAs(results[i], type);
+    if (expression.otherwise) sql += " ELSE " + RenderAs(results.back(), type);
     return Computed("(" + sql + " END)", type);
+}
+
+// What stands behind each WHEN; the value that is compared comes behind CASE where it stands there once.
+std::vector<std::string> Translator::WhensOf(const CaseExpr& expression, Scope& scope, std::string& head) {
+    std::vector<std::string> texts;
+    if (!expression.operand) {
+        for (const CaseExpr::Branch& branch : expression.branches)
+            texts.push_back(ConditionText(*branch.when, scope));
+        return texts;
+    }
+    const Operand value = Value(*expression.operand, scope);
+    std::vector<Operand> whens;
+    for (const CaseExpr::Branch& branch : expression.branches)
+        whens.push_back(Value(*branch.when, scope));
+    const std::vector<SqlType> commons = CommonTypes(value, whens);
+    if (const auto once = ComparedOnce(value, commons)) {
+        head += " " + *once;
+        for (std::size_t i = 0; i < whens.size(); ++i)
+            texts.push_back(AtLine(expression.branches[i].when->position,
+                                   [&] { return RenderCompared(whens[i], commons[i]); }));
+        return texts;
+    }
+    const bool isMany = 2 * whens.size() + 2 > kMostInOneCall;
+    if (value.pending || value.isPlain || isMany) {
+        for (std::size_t i = 0; i < whens.size(); ++i)
+            texts.push_back(Compare("=", value, whens[i], expression.branches[i].when->position));
+        return texts;
+    }
+    head += " " + kWhichCall.Call(ComparedApart(value, whens));
+    for (std::size_t i = 0; i < whens.size(); ++i)
+        texts.push_back(std::to_string(i + 1));
+    return texts;
 }
 
 Operand Translator::Cast(const CastExpr& expression, Scope& scope) {

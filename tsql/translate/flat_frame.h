@@ -50,6 +50,7 @@ struct Frame {
     int operators = 0;        // since the last comma
     int commas = 0;
     bool isLazy = false;       // what follows may be left out
+    bool isBetween = false;    // the next AND belongs to a BETWEEN
     bool isAggregate = false;  // holds a value of the whole group or window: not to be had elsewhere
     bool isVolatile = false;
     bool hasColumn = false;     // of a table around

@@ -120,7 +120,7 @@ void Flattener::TakeKeyword(std::string_view word) {
     if (IsOneOf(word, {"SELECT", "SET", "RETURNING"})) enter(Clause::kList);
     if (IsOneOf(word, {"FROM", "JOIN", "UPDATE"})) enter(Clause::kFrom);
     if (word == "ON") enter(Clause::kOn);
-    if (IsOneOf(word, {"WHERE", "GROUP", "HAVING", "ORDER", "LIMIT"})) enter(Clause::kBehind);
+    if (IsOneOf(word, {"WHERE", "GROUP", "HAVING", "WINDOW", "ORDER", "LIMIT"})) enter(Clause::kBehind);
     if (word == "INTO") enter(Clause::kNames);
     if (word == "VALUES") enter(Clause::kRows);
     if (word == "WITH") enter(Clause::kWith);
@@ -139,7 +139,9 @@ void Flattener::TakeWord() {
         frames_.emplace_back();
         Top().kind = FrameKind::kCase;
     }
-    if (Top().kind == FrameKind::kParen && (upper == "AND" || upper == "OR")) {
+    const bool isOfBetween = upper == "AND" && std::exchange(Top().isBetween, false);
+    if (upper == "BETWEEN") Top().isBetween = true;
+    if (Top().kind == FrameKind::kParen && (upper == "AND" || upper == "OR") && !isOfBetween) {
         Top().text += upper == "AND" ? kAnd : kOr;
     } else {
         Append(from);
@@ -178,7 +180,7 @@ void Flattener::Open(std::size_t from, std::string name) {
     } else if (isNamed) {
         frame.kind = FrameKind::kCall;
     } else if (last_ == "\"" || outer.clause == Clause::kNames || outer.clause == Clause::kRows ||
-               next == "VALUES" || IsOneOf(last_, {"IN", "OVER"})) {
+               next == "VALUES" || IsOneOf(last_, {"IN", "OVER", "AS"})) {
         frame.kind = FrameKind::kList;
     } else {
         const bool joins = outer.clause == Clause::kFrom;

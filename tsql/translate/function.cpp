@@ -39,8 +39,8 @@ class Translator::CallBinding final : public Binding {
     std::string Condition(std::size_t i) override {
         return translator_.ConditionText(*call_.arguments[i], scope_);
     }
-    std::string Equal(std::size_t i, std::size_t j) override {
-        return translator_.Compare("=", operands_[i], operands_[j], Where());
+    std::string NullIf(std::size_t i, std::size_t j) override {
+        return translator_.NullIf(operands_[i], operands_[j], Where());
     }
     const LiteralExpr* Literal(std::size_t i) const override { return operands_[i].literal; }
     void Pin(std::size_t i) override {

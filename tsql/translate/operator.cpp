@@ -128,12 +128,7 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
     if (common.IsFloat()) {
         if (op == BinaryOp::kModulo)
             throw MakeError(402, position, {MessageName(a), MessageName(b), "modulo"});
-        const std::string sql = kRealCall.Call(
-            {OperatorMark(op), RenderAs(left, SqlType::Float()), RenderAs(right, SqlType::Float())});
-        // A sum of two reals is worked out as a float and rounded once.
-        if (common.kind == TypeKind::kReal)
-            return Computed(ConvertCall(sql, SqlType::Float(), common), common);
-        return Computed(sql, common);
+        return OfFloats(op, common, left, right);
     }
     if (!common.IsInteger()) return OfDecimals(op, common, left, right);
     if (common.kind == TypeKind::kBit && !bitwise) {
@@ -141,9 +136,62 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
     }
     // SQLite goes on in floating point where an integer overflows, the server fails: so no operator of
     // SQLite's.
-    return Computed(
-        kIntegerCall.Call({OperatorMark(op), RenderAs(left, common), RenderAs(right, common), Code(common)}),
-        common);
+    const std::string leftText = RenderAs(left, common);
+    const std::string rightText = RenderAs(right, common);
+    return Chained('i', op, {left, leftText}, {right, rightText}, common,
+                   kIntegerCall.Call({OperatorMark(op), leftText, rightText, Code(common)}));
+}
+
+// Calls within each other are SQLite's to nest, up to this many; longer rows are one call, which takes so
+// many values.
+Operand Translator::Chained(char kind, BinaryOp op, const Side& left, const Side& right, const SqlType& type,
+                            std::string own, bool isTyped) {
+    constexpr int kMostNested = 4;
+    const auto chainOf = [kind](const Side& side) -> const Chain* {
+        const Chain* chain = side.operand.chain.get();
+        const bool goesOn = chain != nullptr && chain->kind == kind && side.text == side.operand.sql;
+        return goesOn ? chain : nullptr;
+    };
+    const auto levelsOf = [&](const Side& side) {
+        const Chain* chain = chainOf(side);
+        return chain != nullptr ? chain->levels : 0;
+    };
+    auto chain = std::make_shared<Chain>();
+    chain->kind = kind;
+    chain->levels = std::max(levelsOf(left), levelsOf(right)) + 1;
+    Operand result = Computed(std::move(own), type);
+    if (chain->levels > kMostNested) {
+        chain->levels = kMostNested;
+        const auto countOf = [&](const Side& side) {
+            const Chain* inner = chainOf(side);
+            return inner != nullptr && inner->count > 0 ? inner->count : 1;
+        };
+        const bool isFull = countOf(left) + countOf(right) >= kMostInOneCall;
+        const bool leftGoesOn = !isFull || countOf(left) < countOf(right);
+        const auto add = [&](const Side& side, bool goesOn) {
+            const Chain* inner = chainOf(side);
+            const bool isOpen = goesOn && inner != nullptr && inner->count > 0;
+            chain->program += isOpen ? inner->program : "#";
+            chain->values += (chain->values.empty() ? "" : ", ") + (isOpen ? inner->values : side.text);
+            chain->count += isOpen ? inner->count : 1;
+        };
+        add(left, leftGoesOn);
+        add(right, !isFull || !leftGoesOn);
+        chain->program += OperatorLetter(op);
+        chain->program += kind + (isTyped ? Code(type) : "0") + ";";
+        result.sql = kChainCall.Call({"'" + chain->program + "'", chain->values});
+    }
+    result.chain = std::move(chain);
+    return result;
+}
+
+Operand Translator::OfFloats(BinaryOp op, const SqlType& common, const Operand& left, const Operand& right) {
+    const std::string a = RenderAs(left, SqlType::Float());
+    const std::string b = RenderAs(right, SqlType::Float());
+    const std::string sql = kRealCall.Call({OperatorMark(op), a, b});
+    // A sum of two reals is worked out as a float and rounded once.
+    if (common.kind == TypeKind::kReal) return Computed(ConvertCall(sql, SqlType::Float(), common), common);
+    return Chained('r', op, {left, a}, {right, b}, common, sql);
 }
 
 // The type of the sum depends on the lengths of both, which for a literal are its own.
@@ -152,10 +200,13 @@ Operand Translator::SumOfTexts(const Operand& left, const Operand& right) {
         if (operand->literal != nullptr) context_.PinLiteral(*operand->literal);
     }
     const SqlType type = TextSum(left.type, right.type);
-    const std::string sql = "(" + Render(left) + " || " + Render(right) + ")";
+    const std::string a = Render(left);
+    const std::string b = Render(right);
+    const std::string sql = "(" + a + " || " + b + ")";
     // What is beyond the longest text of the type is cut.
     const bool isCut = !type.IsMax() && left.type.length + right.type.length > type.length;
-    return Computed(isCut ? ConvertCall(sql, SqlType::Of(type.kind, kMaxLength), type) : sql, type);
+    return Chained('t', BinaryOp::kAdd, {left, a}, {right, b}, type,
+                   isCut ? ConvertCall(sql, SqlType::Of(type.kind, kMaxLength), type) : sql, isCut);
 }
 
 Operand Translator::SumOfBytes(const Operand& left, const Operand& right) {
@@ -211,7 +262,8 @@ Operand Translator::OfDecimals(BinaryOp op, const SqlType& common, const Operand
                              : DecimalResult(kArithmetic[static_cast<std::size_t>(op)], leftType, rightType);
     const std::string leftText = exact(left);
     const std::string rightText = exact(right);
-    return Computed(kDecimalCall.Call({OperatorMark(op), leftText, rightText, Code(type)}), type);
+    return Chained('d', op, {left, leftText}, {right, rightText}, type,
+                   kDecimalCall.Call({OperatorMark(op), leftText, rightText, Code(type)}));
 }
 
 }  // namespace vicenter::tsql::engine

@@ -13,14 +13,16 @@ using automation::SameName;
 namespace {
 
 // DISTINCT leaves nothing to sort by but what it lists.
-bool IsListed(const Expr& expression, const Operand& operand, const SelectBody& select,
-              const SelectParts& parts) {
-    for (const SelectItem& item : select.items) {
-        if (item.expression && SameExpression(*item.expression, expression)) return true;
+std::optional<std::size_t> PlaceInList(const Expr& expression, const Operand& operand,
+                                       const SelectBody& select, const SelectParts& parts) {
+    for (std::size_t i = 0; i < parts.items.size(); ++i) {
+        // Behind a star the items are not those of the tree.
+        const bool isItem = parts.items.size() == select.items.size() && select.items[i].expression;
+        if (isItem && SameExpression(*select.items[i].expression, expression)) return i;
+        const Operand& item = parts.items[i];
+        if (!item.pending && !operand.pending && item.sql == operand.sql) return i;
     }
-    return std::any_of(parts.items.begin(), parts.items.end(), [&](const Operand& item) {
-        return !item.pending && !operand.pending && item.sql == operand.sql;
-    });
+    return std::nullopt;
 }
 
 }  // namespace
@@ -57,11 +59,16 @@ std::string Translator::OrderItemText(const OrderItem& item, const std::string& 
 }
 
 std::string Translator::OrderKey(const OrderItem& item, const Query& query, const SelectBody& select,
-                                 Scope& scope, const SelectParts& parts, bool spelt) {
+                                 Scope& scope, const SelectParts& parts, std::vector<Operand>* more) {
     const bool isSet = query.body->kind == QueryBodyKind::kSetOperation;
+    const auto ofColumn = [&](std::size_t place, Operand operand) {
+        operand.column = false;
+        return OrderItemText(item, "c" + std::to_string(place + 1), operand);
+    };
     const auto ofList = [&](std::size_t place) {
         const Operand& listed = parts.items[place];
-        const bool isSpelt = spelt || (listed.type.IsBinary() && !isSet);
+        if (more != nullptr) return ofColumn(place, listed);
+        const bool isSpelt = listed.type.IsBinary() && !isSet;
         return OrderItemText(item, isSpelt ? Render(listed) : std::to_string(place + 1), listed);
     };
     if (const auto* literal = TryAs<LiteralExpr>(item.expression.get());
@@ -87,17 +94,54 @@ std::string Translator::OrderKey(const OrderItem& item, const Query& query, cons
     }
     if (isSet) throw MakeError(104, item.expression->position);
     const Operand operand = Value(*item.expression, scope);
-    if (select.distinct && !IsListed(*item.expression, operand, select, parts))
-        throw MakeError(145, item.expression->position);
-    return OrderItemText(item, Render(operand), operand);
+    if (select.distinct) {
+        const std::optional<std::size_t> place = PlaceInList(*item.expression, operand, select, parts);
+        if (!place) throw MakeError(145, item.expression->position);
+        if (more != nullptr) return ofList(*place);
+    }
+    if (more == nullptr) return OrderItemText(item, Render(operand), operand);
+    more->push_back(operand);
+    return ofColumn(parts.items.size() + more->size() - 1, operand);
 }
 
 std::string Translator::OrderBy(const Query& query, const SelectBody& select, Scope& scope,
                                 const SelectParts& parts) {
     std::string sql;
     for (const OrderItem& item : query.orderBy)
-        sql += (sql.empty() ? " ORDER BY " : ", ") + OrderKey(item, query, select, scope, parts, false);
+        sql += (sql.empty() ? " ORDER BY " : ", ") + OrderKey(item, query, select, scope, parts, nullptr);
     return sql;
+}
+
+std::string Translator::RowsToSort(const Query& query, const SelectBody& select, Scope& scope,
+                                   SelectParts& parts, std::string& keys) {
+    std::vector<Operand> more;
+    for (const OrderItem& item : query.orderBy)
+        keys += (keys.empty() ? "ORDER BY " : ", ") + OrderKey(item, query, select, scope, parts, &more);
+    std::string list;
+    std::size_t number = 0;
+    const auto add = [&](const Operand& item) {
+        list += (number == 0 ? " " : ", ") + Collated(item) + " AS c" + std::to_string(number + 1);
+        ++number;
+    };
+    for (Operand& item : parts.items) {
+        add(item);
+        const std::int64_t weight = item.weight;
+        item = Computed("c" + std::to_string(number), item.type);
+        item.weight = weight;
+    }
+    for (const Operand& item : more)
+        add(item);
+    return parts.head + list + parts.tail;
+}
+
+// SQLite makes a second one of what an item of the list is sorted by: of a query within a query within … so
+// many that it takes forever. The bound keeps SQLite from merging the query with the one around it.
+void Translator::SortApart(const Query& query, const SelectBody& select, Scope& scope, SelectParts& parts) {
+    std::string keys;
+    const std::string rows = RowsToSort(query, select, scope, parts, keys);
+    parts.tail = " FROM (" + rows + " LIMIT -1 OFFSET 0)";
+    parts.head = "SELECT";
+    parts.order = " " + keys;
 }
 
 std::string Translator::RowCount(const Expr& expression, Scope& scope, RowLimit limit) {

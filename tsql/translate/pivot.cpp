@@ -86,11 +86,12 @@ std::string Translator::Pivoted(const PivotTable& pivot, Scope& scope) {
 
     QueryText query;
     std::string groups;
-    const auto add = [&](const std::string& name, const Operand& item) {
+    const auto add = [&](const std::string& name, const Operand& item, std::int64_t weight) {
         query.sql += (query.columns.empty() ? "SELECT " : ", ") + Collated(item) + " AS c" +
                      std::to_string(query.columns.size() + 1);
         query.columns.push_back({name, item.type.IsUnknown() ? SqlType::Int() : item.type});
         query.natural.push_back(false);
+        query.weights.push_back(weight);
     };
     for (const SourceColumn& column : columns) {
         if (SameName(column.name, pivot.value.Object()) || SameName(column.name, pivot.spread.Object()))
@@ -98,57 +99,66 @@ std::string Translator::Pivoted(const PivotTable& pivot, Scope& scope) {
         Operand item = Computed(column.sql, column.type);
         item.column = column.natural;
         groups += (groups.empty() ? " GROUP BY " : ", ") + Collated(item);
-        add(column.name, item);
+        add(column.name, item, column.weight);
     }
     const SqlType& spread = Find(columns, pivot.spread.Object(), pivot.spread.Where()).type;
     for (const Name& column : pivot.columns) {
         if (!IsValueOf(column.text, spread))
             throw MakeError(8114, column.position, {"nvarchar", spread.Name()});
         ownedExpressions_.push_back(AggregateOf(pivot, column));
+        const std::int64_t before = weight_;
         ++foreignDepth_;
-        Operand item = Value(*ownedExpressions_.back(), inner);
+        const Operand item = Value(*ownedExpressions_.back(), inner);
         --foreignDepth_;
-        // Whether there is one row of nothing or none at all is not known.
-        if (groups.empty()) {
-            item =
-                Computed("CASE WHEN count(*) = 0 THEN " + kRefuseCall.Call({QuotedText("PIVOT of no rows")}) +
-                             " ELSE " + Render(item) + " END",
-                         item.type);
-        }
-        add(column.text, item);
+        add(column.text, item, weight_ - before + static_cast<std::int64_t>(item.sql.size()));
     }
     query.sql += " FROM " + from + groups;
     return Derived(query.sql, query, pivot.alias.text, {}, scope, pivot.position);
 }
 
+// Each row beside the numbers of the listed columns, and of those the ones that are not NULL.
 std::string Translator::Unpivoted(const UnpivotTable& unpivot, Scope& scope) {
     Scope inner;
     inner.outer = scope.outer;
     const std::string from = SourceText(*unpivot.source, inner);
     const std::vector<SourceColumn> columns = AllColumns(inner, unpivot.position);
-    std::string others;
+    const std::string number = "\"pivot$" + std::to_string(++aliasNumber_) + "\"";
     QueryText query;
+    const auto add = [&](const std::string& name, const SqlType& type, const std::string& item,
+                         std::int64_t weight) {
+        query.sql += (query.columns.empty() ? "SELECT " : ", ") + item + " AS c" +
+                     std::to_string(query.columns.size() + 1);
+        query.columns.push_back({name, type});
+        query.natural.push_back(false);
+        query.weights.push_back(weight);
+    };
     for (const SourceColumn& column : columns) {
         if (IsListed(unpivot.columns, column.name)) continue;
         Operand item = Computed(column.sql, column.type);
         item.column = column.natural;
-        query.columns.push_back({column.name, column.type});
-        others += Collated(item) + " AS c" + std::to_string(query.columns.size()) + ", ";
+        add(column.name, column.type, Collated(item), column.weight);
     }
     const SqlType type = Find(columns, unpivot.columns.front().text, unpivot.columns.front().position).type;
-    const std::size_t value = query.columns.size() + 1;
-    query.columns.push_back({unpivot.value.text, type});
-    query.columns.push_back({unpivot.name.text, SqlType::NVarChar(128)});
-    query.natural.assign(query.columns.size(), false);
-    for (const Name& name : unpivot.columns) {
+    std::string values = "CASE " + number + ".column1";
+    std::string names = values;
+    std::string numbers;
+    std::int64_t weight = 0;
+    for (std::size_t i = 0; i < unpivot.columns.size(); ++i) {
+        const Name& name = unpivot.columns[i];
         const SourceColumn& column = Find(columns, name.text, name.position);
         if (!(column.type == type)) throw MakeError(8167, name.position, {name.text});
-        Operand item = Computed(column.sql, column.type);
-        item.column = column.natural;
-        query.sql += (query.sql.empty() ? "" : " UNION ALL ") + ("SELECT " + others) + Collated(item) +
-                     " AS c" + std::to_string(value) + ", " + QuotedText(column.name) + " AS c" +
-                     std::to_string(value + 1) + " FROM " + from + " WHERE " + column.sql + " IS NOT NULL";
+        const std::string when = " WHEN " + std::to_string(i) + " THEN ";
+        values += when + column.sql;
+        names += when + QuotedText(column.name);
+        numbers += (i == 0 ? "(" : ", (") + std::to_string(i) + ")";
+        weight += column.weight;
     }
+    const std::size_t value = query.columns.size() + 1;
+    add(unpivot.value.text, type, Collated(Computed(values + " END", type)), 2 * weight);
+    const SqlType nameType = SqlType::NVarChar(128);
+    add(unpivot.name.text, nameType, Collated(Computed(names + " END", nameType)), 2);
+    query.sql = "SELECT * FROM (" + query.sql + " FROM " + from + ", (VALUES " + numbers + ") AS " + number +
+                ") WHERE c" + std::to_string(value) + " IS NOT NULL";
     return Derived(query.sql, query, unpivot.alias.text, {}, scope, unpivot.position);
 }
 

@@ -15,6 +15,8 @@ using automation::SameName;
 namespace {
 
 constexpr std::size_t kLongestAssigned = 100'000;
+// Of a statement as SQLite gets it.
+constexpr std::size_t kLongestText = 16'000'000;
 
 // The identity column that $identity stands for.
 std::string IdentityName(const ColumnExpr& column, const Scope& scope) {
@@ -92,12 +94,14 @@ QueryText Translator::QueryOf(const Query& query, const Scope* outer, bool order
 QueryText Translator::Finish(SelectParts parts) {
     QueryText result;
     result.sql = Assemble(parts, nullptr);
+    if (result.sql.size() > kLongestText) throw MakeError(8623, {});
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
         // A NULL without a type of its own is an int.
         const SqlType& type = parts.items[i].type;
         result.columns.push_back({parts.names[i], type.IsUnknown() ? SqlType::Int() : type});
         // An item of its own has no collation that a column of it could pass on.
         result.natural.push_back(parts.items[i].column);
+        result.weights.push_back(parts.items[i].weight);
     }
     result.assignments = std::move(parts.assignments);
     result.singleRow = parts.singleRow;
@@ -120,8 +124,12 @@ void Translator::AddStar(const SelectItem& item, Scope& scope, SelectParts& part
             operand.sql = column.sql;
             operand.type = column.type;
             operand.column = column.natural;
+            operand.isPlain = column.weight == 1;
+            weight_ += column.weight;
+            const std::int64_t weight = column.weight;
             CheckGrouped(scope, operand.sql, item.position, source, column);
             parts.items.push_back(Staged(scope, std::move(operand)));
+            parts.items.back().weight = weight;
             parts.names.push_back(column.name);
         }
     }
@@ -130,7 +138,10 @@ void Translator::AddStar(const SelectItem& item, Scope& scope, SelectParts& part
 
 void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& parts) {
     if (item.kind == SelectItemKind::kStar) return AddStar(item, scope, parts);
+    const std::int64_t before = weight_;
     Operand operand = Value(*item.expression, scope);
+    if (!operand.pending && !operand.isPlain)
+        operand.weight = weight_ - before + static_cast<std::int64_t>(operand.sql.size());
     if (operand.literal != nullptr) context_.PinLiteral(*operand.literal);
     if (item.kind == SelectItemKind::kAssignment) {
         const std::string name = LowerAscii(item.variable);
@@ -284,6 +295,14 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     return parts;
 }
 
+// A query in the list, itself of some length.
+static bool HoldsLongQuery(const SelectParts& parts) {
+    constexpr std::size_t kLong = 500;
+    return std::any_of(parts.items.begin(), parts.items.end(), [](const Operand& item) {
+        return item.sql.size() > kLong && item.sql.find("(SELECT ") != std::string::npos;
+    });
+}
+
 // ORDER BY, and what is taken of the rows.
 void Translator::AddOrder(const SelectBody& select, const Query* orderFrom, bool ordersFirst, Scope& scope,
                           SelectParts& parts) {
@@ -297,7 +316,11 @@ void Translator::AddOrder(const SelectBody& select, const Query* orderFrom, bool
         const Query unordered;
         LimitByRank(select, orderFrom != nullptr ? *orderFrom : unordered, scope, parts);
     } else if (!ordersFirst) {
-        if (orderFrom != nullptr) parts.order = OrderBy(*orderFrom, select, scope, parts);
+        if (orderFrom != nullptr && scope.outer != nullptr && HoldsLongQuery(parts)) {
+            SortApart(*orderFrom, select, scope, parts);
+        } else if (orderFrom != nullptr) {
+            parts.order = OrderBy(*orderFrom, select, scope, parts);
+        }
         parts.limit = LimitOf(&select, orderFrom, scope);
     }
     if (!scope.someRows.empty()) {

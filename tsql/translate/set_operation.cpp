@@ -114,6 +114,8 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
     for (std::size_t i = 0; i < types.size(); ++i) {
         Operand item = Computed("c" + std::to_string(i + 1), types[i]);
         item.column = false;
+        for (const SelectParts& member : members)
+            item.weight = std::max(item.weight, member.items[i].weight);
         parts.items.push_back(std::move(item));
     }
     if (orderFrom != nullptr) {

@@ -1,5 +1,7 @@
 // FROM: tables, views, subqueries and joins.
 
+#include <algorithm>
+
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
@@ -87,6 +89,7 @@ QueryText Translator::ValuesQuery(const ValuesTable& values, const Scope* outer)
     for (const SqlType& type : types)
         query.columns.push_back({"", type});
     query.natural.assign(types.size(), false);
+    query.weights.assign(types.size(), static_cast<std::int64_t>(query.sql.size() / values.rows.size()));
     return query;
 }
 
@@ -141,6 +144,7 @@ Source Translator::SourceOf(const TableInfo& table, const std::string& exposedNa
             entry.sql = "(" + Render(computed) + ")";
             entry.type = computed.type;
             entry.natural = false;
+            entry.weight = static_cast<std::int64_t>(entry.sql.size());
         }
         source.columns.push_back(std::move(entry));
     }
@@ -209,8 +213,9 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         if (changes && view->withCheckOption)
             throw MakeError(40510, table.position,
                             {"UPDATE and DELETE of view " + name + " WITH CHECK OPTION"});
-        const QueryText query = changes ? ChangedQuery(*view->query, exposed, view->columns)
-                                        : QueryOf(*view->query, nullptr, false);
+        const QueryText query = changes
+                                    ? ChangedQuery(*view->query, exposed, view->columns)
+                                    : UsedText(view, [&] { return QueryOf(*view->query, nullptr, false); });
         --foreignDepth_;
         outside.swap(commonTables_);
         --viewDepth_;
@@ -232,6 +237,17 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
     }
     if (IsServerView(table.name)) throw MakeError(40510, table.position, {table.name.Text()});
     throw MakeError(208, table.position, {table.name.Text()});
+}
+
+// SQLite puts the expressions of a query in FROM wherever the query around it names its columns, and those of
+// queries within into these: a column used twice doubles at each level. Where the text of a column would so
+// become several times that of the whole query, the query stays apart.
+static bool IsCopiedTooOften(const QueryText& query) {
+    constexpr std::int64_t kMostCopied = 1000;
+    constexpr std::int64_t kMostTimes = 3;
+    if (query.weights.empty()) return false;
+    const std::int64_t most = *std::max_element(query.weights.begin(), query.weights.end());
+    return most > kMostCopied && most > kMostTimes * static_cast<std::int64_t>(query.sql.size());
 }
 
 std::string Translator::Derived(const std::string& sql, const QueryText& query, const std::string& alias,
@@ -257,7 +273,9 @@ std::string Translator::Derived(const std::string& sql, const QueryText& query, 
     }
     // Packed rows are a table by themselves: in a subquery they could not see the tables before them.
     const bool isTable = sql.starts_with(kRowsTable);
-    const bool isApart = ways_.separates && !isTable;
+    const bool isApart = !isTable && (ways_.separates || IsCopiedTooOften(query));
+    for (std::size_t i = 0; i < query.weights.size() && !isApart; ++i)
+        source.columns[i].weight = query.weights[i];
     std::string text = isApart   ? "(SELECT * FROM (" + sql + ") LIMIT -1 OFFSET 0)"
                        : isTable ? sql
                                  : "(" + sql + ")";

@@ -20,6 +20,7 @@
 #include "tsql/catalog/catalog.h"
 #include "tsql/catalog/system_views.h"
 #include "tsql/functions/function.h"
+#include "tsql/translate/query_parts.h"
 #include "tsql/translate/translation.h"
 
 namespace vicenter::tsql::engine {
@@ -44,98 +45,6 @@ class TranslateContext {
     virtual bool TakesIdentity(const TableInfo& table) const = 0;
     // The literal has decided how the statement was translated: another text needs another translation.
     virtual void PinLiteral(const LiteralExpr& literal) = 0;
-};
-
-// A translated expression.
-struct Operand {
-    std::string sql;
-    SqlType type;
-    bool column = false;               // a column, whose collation SQLite knows
-    std::optional<Parameter> pending;  // not yet in the text: its conversion happens when it is bound
-    const LiteralExpr* literal = nullptr;
-};
-
-struct SourceColumn {
-    std::string name;
-    SqlType type;
-    std::string sql;
-    bool natural = true;  // SQLite knows the collation
-};
-
-struct Source {
-    std::string exposedName;
-    std::string tableName;
-    const TableInfo* table = nullptr;
-    std::string alias;  // quoted
-    std::vector<SourceColumn> columns;
-    std::string viewSchema;  // of one of the server's views; empty for anything else
-};
-
-// A column that no text can name: the number of a row in the table behind a query.
-inline constexpr const char* kRowNumberName = "$row";
-
-// Groups and windows worked out in a query of their own, below the one that lists what becomes of them.
-struct Stage {
-    std::string alias;                // of the query below, quoted
-    std::vector<std::string> values;  // its columns k1, k2, …
-};
-
-// The names that an expression may use, innermost first.
-struct Scope {
-    const Scope* outer = nullptr;
-    const SelectBody* select = nullptr;  // whose names they are
-    bool isBehind = false;               // FROM and WHERE are translated
-    Stage* stage = nullptr;
-    int belowStage = 0;  // within what the query below works out
-    std::vector<Source> sources;
-    // Set while the select list, HAVING and ORDER BY of a grouped query are translated.
-    bool grouped = false;
-    std::vector<std::string> groupColumns;
-    const std::vector<ExprPtr>* groupExpressions = nullptr;
-    // With ROLLUP and its kin: the expressions of all sets, each with its text, which is NULL in the sets
-    // that leave it out, and the sets that it is in.
-    struct SetMember {
-        const Expr* expression = nullptr;
-        Operand operand;
-        std::string isIn;  // a condition of SQLite
-    };
-    std::vector<SetMember> setMembers;
-    std::size_t whereAt = 0;  // where WHERE begins in the text behind the list
-    std::string someRows;     // with ROLLUP: -1, or an error when there is no row at all
-};
-
-// A SELECT taken apart, so that a UNION can agree on types before the texts are made.
-struct SelectParts {
-    std::string head;  // SELECT, SELECT DISTINCT
-    std::vector<Operand> items;
-    std::vector<std::string> names;
-    std::string tail;   // FROM … HAVING …
-    std::string order;  // ORDER BY …
-    std::string limit;  // LIMIT …
-    std::vector<VariableAssignment> assignments;
-    bool singleRow = false;
-};
-
-// A query in parentheses, without them.
-struct QueryText {
-    std::string sql;
-    std::vector<ResultColumn> columns;
-    std::vector<bool> natural;
-    std::vector<VariableAssignment> assignments;
-    bool singleRow = false;
-};
-
-// How a statement has to be translated, where it is not as usual.
-struct Ways {
-    bool stages = false;                 // for all groups and windows
-    bool sharesQueries = false;          // those that WITH names stand in the text once, however often used
-    bool separates = false;              // no query in FROM is merged with the one around it
-    std::set<const SelectBody*> groups;  // queries that an aggregate within a subquery belongs to
-};
-
-// Thrown by a translation that finds out that it needs other ways: begin again.
-struct NeedsWays {
-    Ways ways;
 };
 
 class Translator {
@@ -185,6 +94,9 @@ class Translator {
 
     // expression.cpp
     Operand Value(const Expr& expression, Scope& scope);
+    // What the query is grouped by; nothing for any other expression.
+    std::optional<Operand> GroupValue(const Expr& expression, Scope& scope);
+    Operand Operators(const BinaryExpr& last, Scope& scope);
     Operand ValueInner(const Expr& expression, Scope& scope);
     Operand Literal(const LiteralExpr& literal);
     Operand Variable(const VariableExpr& variable);
@@ -194,12 +106,22 @@ class Translator {
     void CheckGrouped(const Scope& scope, const std::string& sql, Position position, const Source& source,
                       const SourceColumn& column) const;
     Operand Case(const CaseExpr& expression, Scope& scope);
+    std::vector<std::string> WhensOf(const CaseExpr& expression, Scope& scope, std::string& head);
     Operand Cast(const CastExpr& expression, Scope& scope);
     Operand Subquery(const SubqueryExpr& expression, Scope& scope);
 
     // operator.cpp
     Operand Unary(const UnaryExpr& unary, Scope& scope);
     Operand Binary(BinaryOp op, Position position, const Operand& left, const Operand& right);
+    // One side of an operator, with its text as the operator takes it.
+    struct Side {
+        const Operand& operand;
+        std::string text;
+    };
+    // The operator within the chain that its sides are, or as `own` says.
+    static Operand Chained(char kind, BinaryOp op, const Side& left, const Side& right, const SqlType& type,
+                           std::string own, bool isTyped = true);
+    Operand OfFloats(BinaryOp op, const SqlType& common, const Operand& left, const Operand& right);
     Operand SumOfTexts(const Operand& left, const Operand& right);
     Operand SumOfBytes(const Operand& left, const Operand& right);
     Operand DatePlus(BinaryOp op, Position position, const Operand& left, const Operand& right);
@@ -219,6 +141,16 @@ class Translator {
     // condition.cpp
     std::string ConditionText(const Expr& condition, Scope& scope);
     std::string Compare(const char* op, const Operand& left, const Operand& right, Position position);
+    // The left side of comparisons by that type.
+    std::string ComparedLeft(const Operand& left, const SqlType& common);
+    // The types by which one value is compared with each of several: one for all exact numbers.
+    static std::vector<SqlType> CommonTypes(const Operand& left, const std::vector<Operand>& others);
+    // The value as all these comparisons take it; nothing when there is no such text.
+    std::optional<std::string> ComparedOnce(const Operand& left, const std::vector<SqlType>& commons);
+    // The arguments of a call that compares each pair by itself.
+    std::vector<std::string> ComparedApart(const Operand& left, const std::vector<Operand>& others);
+    std::string Between(const BetweenExpr& between, Scope& scope);
+    std::string NullIf(const Operand& value, const Operand& other, Position position);
     std::string In(const InExpr& in, Scope& scope);
     // As RenderCompared, for what SQLite may put into a set.
     std::string RenderMember(const Operand& operand, const SqlType& common);
@@ -242,7 +174,10 @@ class Translator {
     std::string ConvertCall(const std::string& sql, const SqlType& from, const SqlType& to,
                             int style = 0) const;
     static Operand Computed(std::string sql, SqlType type) {
-        return {std::move(sql), type, false, {}, nullptr};
+        Operand operand;
+        operand.sql = std::move(sql);
+        operand.type = type;
+        return operand;
     }
 
     // stage.cpp
@@ -298,9 +233,14 @@ class Translator {
     std::string OrderBy(const Query& query, const SelectBody& select, Scope& scope, const SelectParts& parts);
     void OrderRowsFirst(const Query& query, const SelectBody& select, Scope& scope, SelectParts& parts);
     std::string OrderItemText(const OrderItem& item, const std::string& sql, const Operand& operand);
-    // One item of ORDER BY as SQLite sorts by it; with `spelt` not by the number of an item of the list.
+    // One item of ORDER BY as SQLite sorts by it: by the number of an item of the list, or by an expression;
+    // with `more` by the name of a column of a query in FROM, which lists these besides the items.
     std::string OrderKey(const OrderItem& item, const Query& query, const SelectBody& select, Scope& scope,
-                         const SelectParts& parts, bool spelt);
+                         const SelectParts& parts, std::vector<Operand>* more);
+    // The query that is to be sorted, as one for FROM; leaves its columns as the items.
+    std::string RowsToSort(const Query& query, const SelectBody& select, Scope& scope, SelectParts& parts,
+                           std::string& keys);
+    void SortApart(const Query& query, const SelectBody& select, Scope& scope, SelectParts& parts);
     // The number of rows that TOP, OFFSET or FETCH names.
     std::string RowCount(const Expr& expression, Scope& scope, RowLimit limit);
     std::string LimitOf(const SelectBody* select, const Query* query, Scope& scope);
@@ -337,7 +277,9 @@ class Translator {
     // The query, in the text once or wherever it is used.
     QueryText CommonQuery(const CommonTable& table, bool recursive);
     QueryText OpenedQuery(const CommonTable& table, bool recursive);
-    QueryText SharedText(const CommonTable& table, bool recursive);
+    // What `open` makes, wherever it is used, or at the head of the statement once and here by its name.
+    QueryText UsedText(const void* key, const std::function<QueryText()>& open);
+    QueryText SharedText(const void* key, const std::function<QueryText()>& open);
 
     // target.cpp
     void Begin(const TableInfo& table, const char* operation);
@@ -383,6 +325,16 @@ class Translator {
                                       const TableInfo& table, Scope& scope, const std::string& alias);
 
     Translation Finished(const std::string& sql);
+    // Errors of types are of the line where what is converted stands.
+    template <class Work>
+    static auto AtLine(Position position, const Work& work) {
+        try {
+            return work();
+        } catch (SqlError& error) {
+            error.SetLine(static_cast<std::int32_t>(position.line));
+            throw;
+        }
+    }
     static std::string Where(const std::string& condition) {
         return condition.empty() ? std::string() : " WHERE " + condition;
     }
@@ -398,12 +350,13 @@ class Translator {
     };
     std::vector<CommonTables> commonTables_;
     std::vector<const CommonTable*> open_;  // that are being translated
-    std::int64_t uses_ = 0;  // of queries that WITH names, counted as often as they would stand in the text
+    std::int64_t uses_ = 0;  // of views and queries that WITH names, as often as they would stand in the text
     struct SharedQuery {
         QueryText text;
         std::int64_t uses = 0;
     };
-    std::map<const CommonTable*, SharedQuery> shared_;
+    std::map<const void*, SharedQuery> shared_;
+    std::int64_t weight_ = 0;  // of the columns used so far, see Operand
     std::string sharedTexts_;
     std::vector<std::unique_ptr<Expr>> ownedExpressions_;  // defaults and the like, parsed here
     int aggregateDepth_ = 0;
