@@ -16,7 +16,8 @@ using automation::Variant;
 
 namespace {
 
-constexpr std::int32_t kUnspecified = -1;  // ADO's option for a text of any kind
+constexpr std::int32_t kUnspecified = -1;   // ADO's option for a text of any kind
+constexpr std::int32_t kNotCapable = 3251;  // ADO's answer of a provider that knows one result alone
 
 // What a member must answer.
 ObjectRef Required(const Variant& answer, const char* member) {
@@ -60,7 +61,11 @@ bool HasRows(automation::Object& recordset) {
     return !recordset.HasMember("State") || recordset.Get("State").ToInt32() != 0;
 }
 
-RecordsetRef ReadToEnd(const ObjectRef& foreign) {
+void CloseRead(automation::Object& recordset) {
+    if (recordset.HasMember("Close")) recordset.Call("Close");
+}
+
+RecordsetRef Rows(const ObjectRef& foreign) {
     const ObjectRef fields = Required(foreign->Get("Fields"), "Fields");
     const std::int32_t count = fields->Get("Count").ToInt32();
     const auto field = [&](std::int32_t i) { return Required(fields->Get("Item", {i}), "Item"); };
@@ -77,8 +82,38 @@ RecordsetRef ReadToEnd(const ObjectRef& foreign) {
             values.push_back(field(i)->Get("Value"));
         rows->AppendRow(std::move(values));
     }
-    if (foreign->HasMember("Close")) foreign->Call("Close");
     return rows;
+}
+
+// The result behind that one; no object at the end. What ADO answers for what fails behind the first result
+// is an error of this call.
+Variant Behind(automation::Object& recordset) {
+    try {
+        return recordset.Call("NextRecordset");
+    } catch (const Error& error) {
+        if (error.Number() == kNotCapable) return {};
+        throw;
+    }
+}
+
+// All results to the end of the batch; the first one that has columns, if any. A statement that only changes
+// gives a closed recordset of its own, and what stands behind it is done, or fails, no later than it is asked
+// for.
+RecordsetRef FirstRows(Variant answer) {
+    RecordsetRef first;
+    while (!IsNoObject(answer)) {
+        const ObjectRef recordset = answer.AsObject();
+        const bool open = HasRows(*recordset);
+        if (open && !first) first = Rows(recordset);
+        if (!recordset->HasMember("NextRecordset")) {
+            if (open) CloseRead(*recordset);
+            break;
+        }
+        answer = Behind(*recordset);
+        // The last one; those before it ADO closes when it goes on.
+        if (IsNoObject(answer) && recordset->HasMember("State") && HasRows(*recordset)) CloseRead(*recordset);
+    }
+    return first ? first : std::make_shared<Recordset>();
 }
 
 class LateBoundConnection final : public Connection {
@@ -93,17 +128,15 @@ class LateBoundConnection final : public Connection {
     RecordsetRef Execute(std::string_view batch, std::int64_t* recordsAffected) override {
         errors_.clear();
         Variant affected(std::int32_t{-1});
-        Variant answer;
         try {
-            answer = connection_->Call("Execute",
-                                       {std::string(batch), Argument::ByReference(affected), kUnspecified});
+            const Variant answer = connection_->Call(
+                "Execute", {std::string(batch), Argument::ByReference(affected), kUnspecified});
+            if (recordsAffected != nullptr) *recordsAffected = affected.IsNumeric() ? affected.ToInt64() : -1;
+            return FirstRows(answer);
         } catch (const Error& error) {
             TakeErrors(error);
             throw;
         }
-        if (recordsAffected != nullptr) *recordsAffected = affected.IsNumeric() ? affected.ToInt64() : -1;
-        if (IsNoObject(answer) || !HasRows(*answer.AsObject())) return std::make_shared<Recordset>();
-        return ReadToEnd(answer.AsObject());
     }
 
   private:

@@ -3,6 +3,8 @@
 
 #include "platform/ado/late_bound_framework.h"
 
+#include <optional>
+
 #include <gtest/gtest.h>
 
 #include "automation/error.h"
@@ -108,6 +110,96 @@ TEST_F(LateBound, AForwardOnlyRecordsetIsReadToItsEnd) {
     EXPECT_EQ(rows->ValueAt(0, 1).ToText(), "现金");
     EXPECT_EQ(rows->ValueAt(1, 0).ToInt32(), 1);
     EXPECT_EQ(foreign.Rows().Calls().back(), "Close()");
+}
+
+// ADO's way with a batch of several statements: a closed recordset for each that only changes.
+class LateBoundBatch : public LateBound {
+  protected:
+    // What the batch's results are, one behind the other; none where the server has failed.
+    void Gives(std::vector<std::optional<Variant>> results) {
+        results_ = std::move(results);
+        at_ = 0;
+        connection_->On("Execute", [this](Arguments&) { return Next(); });
+    }
+    Variant OfChange() {
+        auto closed = std::make_shared<ScriptedObject>("Recordset");
+        closed->Value("State", 0);
+        closed->On("NextRecordset", [this](Arguments&) { return Next(); });
+        closed->On("Close", [](Arguments&) -> Variant { throw Error(3704, "closed", "ADODB.Recordset"); });
+        return Variant(ObjectRef(closed));
+    }
+    Variant Of(ForeignRows& rows) {
+        auto state = std::make_shared<int>(1);
+        rows.Rows().On("State", [state](Arguments&) { return Variant(*state); });
+        rows.Rows().On("NextRecordset", [this, state](Arguments&) {
+            *state = 0;
+            return Next();
+        });
+        rows.Rows().On("Close",
+                       [](Arguments&) -> Variant { throw Error(3704, "closed", "ADODB.Recordset"); });
+        return rows.Answer();
+    }
+    std::size_t Asked() const { return at_; }
+
+  private:
+    Variant Next() {
+        if (at_ >= results_.size()) return Variant(ObjectRef());
+        const std::optional<Variant> result = results_[at_++];
+        if (!result) throw Error(-2147217873, "Cannot insert the value NULL", "Provider");
+        return *result;
+    }
+
+    std::vector<std::optional<Variant>> results_;
+    std::size_t at_ = 0;
+};
+
+TEST_F(LateBoundBatch, WhatFailsBehindItsFirstStatementIsToldAsFailed) {
+    Gives({OfChange(), OfChange(), std::nullopt});
+    const ConnectionRef connection = Connection();
+    EXPECT_EQ(NumberOf([&] { connection->Execute("delete … insert … insert …"); }), -2147217873);
+    ASSERT_EQ(connection->Errors().size(), 1U);
+    EXPECT_EQ(connection->Errors()[0].text, "Cannot insert the value NULL");
+}
+
+TEST_F(LateBoundBatch, TheFirstResultWithColumnsIsKeptAndAllAreAskedFor) {
+    ForeignRows first({"现金", "银行"});
+    ForeignRows second({"other"});
+    Gives({OfChange(), Of(first), OfChange(), Of(second), OfChange()});
+    const RecordsetRef rows = Connection()->Execute("delete … select … update … select … delete");
+    ASSERT_EQ(rows->RecordCount(), 2);
+    EXPECT_EQ(rows->ValueAt(1, 1).ToText(), "银行");
+    EXPECT_EQ(Asked(), 5U);
+    Gives({});
+    EXPECT_FALSE(Connection()->Execute("nothing")->IsOpen());
+}
+
+TEST_F(LateBoundBatch, WhatFailsBehindRowsOrWithinThemFails) {
+    ForeignRows rows({"现金"});
+    Gives({Of(rows), std::nullopt});
+    EXPECT_EQ(NumberOf([&] { Connection()->Execute("select … insert …"); }), -2147217873);
+    ForeignRows broken({"现金"});
+    broken.Rows().On("MoveNext", [](Arguments&) -> Variant { throw Error(11, "overflow", "Provider"); });
+    Answers(broken.Answer());
+    const ConnectionRef connection = Connection();
+    EXPECT_EQ(NumberOf([&] { connection->Execute("select"); }), 11);
+    EXPECT_EQ(connection->Errors().size(), 1U);
+}
+
+TEST_F(LateBoundBatch, AProviderThatKnowsOneResultAloneHasGivenIt) {
+    ForeignRows rows({"现金"});
+    const Variant answer = Of(rows);
+    bool closed = false;
+    rows.Rows().On("NextRecordset", [](Arguments&) -> Variant {
+        throw Error(3251, "Current provider does not support returning multiple recordsets",
+                    "ADODB.Recordset");
+    });
+    rows.Rows().On("Close", [&](Arguments&) {
+        closed = true;
+        return Variant();
+    });
+    Gives({answer});
+    EXPECT_EQ(Connection()->Execute("select")->RecordCount(), 1);
+    EXPECT_TRUE(closed);
 }
 
 TEST_F(LateBound, NoRowsNoObjectAndAClosedRecordsetAreToldApart) {
