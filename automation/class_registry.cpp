@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "automation/lasting.h"
 #include "text/ascii.h"
 
 namespace vicenter::automation {
@@ -14,8 +15,8 @@ bool ClassRegistry::NameLess::operator()(std::string_view a, std::string_view b)
 }
 
 ClassRegistry& ClassRegistry::Process() {
-    static ClassRegistry registry;
-    return registry;
+    static const Lasting<ClassRegistry> registry;
+    return *registry;
 }
 
 void ClassRegistry::Register(std::string progId, Factory factory) {
@@ -25,7 +26,9 @@ void ClassRegistry::Register(std::string progId, Factory factory) {
 
 void ClassRegistry::Unregister(std::string_view progId) {
     const auto found = classes_.find(progId);
-    if (found != classes_.end()) classes_.erase(found);
+    if (found == classes_.end()) return;
+    // What ends with it may call us: the registry is whole by then.
+    const auto last = classes_.extract(found);
 }
 
 bool ClassRegistry::IsRegistered(std::string_view progId) const {

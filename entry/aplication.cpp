@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "automation/lasting.h"
 #include "entry/window_factory.h"
 
 namespace vicenter::entry {
@@ -13,8 +14,8 @@ using automation::Variant;
 namespace {
 
 std::shared_ptr<WindowFactory>& Factory() {
-    static std::shared_ptr<WindowFactory> factory;
-    return factory;
+    static const automation::Lasting<std::shared_ptr<WindowFactory>> factory;
+    return *factory;
 }
 
 }  // namespace

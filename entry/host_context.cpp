@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "automation/class_registry.h"
+#include "automation/lasting.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
 
@@ -22,8 +23,8 @@ struct ModuleValues {
 };
 
 ModuleValues& Values() {
-    static ModuleValues values;
-    return values;
+    static const automation::Lasting<ModuleValues> values;
+    return *values;
 }
 
 }  // namespace

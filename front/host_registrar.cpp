@@ -4,7 +4,7 @@
 
 #include "automation/class_registry.h"
 #include "automation/error.h"
-#include "platform/ado/late_bound_framework.h"
+#include "front/host_things.h"
 
 namespace vicenter::front {
 
@@ -72,16 +72,15 @@ void HostRegistrar::Register(const std::string& progId, const Variant& component
         throw Error(automation::error_number::kInvalidProcedureCall,
                     "A component needs a ProgID and an object", TypeName());
     }
-    ClassRegistry::Process().Register(progId, [object = std::move(object)] { return object; });
+    RegisterForHost(progId, [object = std::move(object)] { return object; });
 }
 
 void HostRegistrar::Unregister(const std::string& progId) {
-    ClassRegistry::Process().Unregister(progId);
+    UnregisterForHost(progId);
 }
 
 void HostRegistrar::SetFramework(const Variant& framework) {
-    ObjectRef object = ObjectIn(framework);
-    ado::HostFramework::SetProcess(object ? ado::MakeLateBoundFramework(std::move(object)) : nullptr);
+    SetFrameworkOfHost(ObjectIn(framework));
 }
 
 std::shared_ptr<WindowLoop> HostRegistrar::Windows() const {

@@ -5,13 +5,15 @@
 #include <utility>
 
 #include "automation/error.h"
+#include "automation/lasting.h"
 #include "front/ado_connection.h"
 #include "front/host_registrar.h"
+#include "front/host_things.h"
 #include "front/include/vicenter/vicenter.h"
 #include "platform/ado/account_set/account_set_provider.h"
-#include "platform/ado/host_connection_service.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/office/excel_server.h"
+#include "platform/system/thread_value.h"
 #include "store/component_classes.h"
 #include "support/support_classes.h"
 
@@ -21,9 +23,20 @@ using automation::Error;
 
 namespace {
 
+// What is given back may put more there; who does so for ever is left with it.
+constexpr int kMostRounds = 8;
+
+[[noreturn]] void Refuse(const char* text) {
+    throw Error(automation::error_number::kInvalidProcedureCall, text, "VelaVICenter");
+}
+
+[[noreturn]] void RefuseDuringEnd() {
+    Refuse("The template center is being shut down.");
+}
+
 std::mutex& Lock() {
-    static std::mutex mutex;
-    return mutex;
+    static const automation::Lasting<std::mutex> mutex;
+    return *mutex;
 }
 
 // The system gives a thread's id again once it has ended; this number it never does.
@@ -33,6 +46,11 @@ std::uint64_t ThisThread() {
     return number;
 }
 
+// Ends with the thread.
+struct ThreadsLife {
+    std::shared_ptr<const void> mark = std::make_shared<int>();
+};
+
 // Kept to the end of the process unless it is ended before: what a window or a host object does last may
 // come after every static object is gone.
 LibrarySession*& Current() {
@@ -40,10 +58,46 @@ LibrarySession*& Current() {
     return session;
 }
 
+// The session is no more to be called and not yet gone.
+bool& IsGoing() {
+    static bool going = false;
+    return going;
+}
+
 }  // namespace
 
+// Puts the mark back when the session goes on.
+class LibrarySession::Ending {
+  public:
+    explicit Ending(LibrarySession& session) : session_(&session) {
+        if (std::exchange(session.ending_, true)) RefuseDuringEnd();
+    }
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+    ~Ending() {
+        if (session_ != nullptr) session_->ending_ = false;
+    }
+    // Takes the session out and ends it beyond the lock: the end of anything may call us.
+    void Complete() {
+        std::unique_ptr<LibrarySession> last;
+        {
+            const std::lock_guard guard(Lock());
+            last.reset(std::exchange(Current(), nullptr));
+            IsGoing() = true;
+        }
+        session_ = nullptr;
+        last.reset();
+        const std::lock_guard guard(Lock());
+        IsGoing() = false;
+    }
+
+  private:
+    LibrarySession* session_;
+};
+
 LibrarySession::LibrarySession()
-    : thread_(ThisThread()), surroundings_(system::Surroundings::Current()), windows_(WindowLoop::Create()) {
+    : surroundings_(system::Surroundings::Current()), windows_(WindowLoop::Create()) {
+    Belong();
     store::RegisterComponentClasses();
     support::RegisterSupportClasses();
     RegisterAdoClasses();
@@ -57,9 +111,19 @@ LibrarySession::LibrarySession()
 
 LibrarySession::~LibrarySession() = default;
 
+void LibrarySession::Belong() {
+    thread_ = ThisThread();
+    threadsLife_ = system::ValueOfThisThread<ThreadsLife>().mark;
+    calls_ = 0;
+    ending_ = false;
+}
+
 LibrarySession& LibrarySession::Enter() {
     const std::lock_guard guard(Lock());
+    if (IsGoing()) RefuseDuringEnd();
     if (Current() == nullptr) Current() = new LibrarySession();
+    // A thread that has ended calls no more; the host's things are still good.
+    if (Current()->thread_ != ThisThread() && Current()->threadsLife_.expired()) Current()->Belong();
     if (Current()->thread_ != ThisThread()) {
         throw Error(VIC_ERROR_WRONG_THREAD,
                     "The template center belongs to the thread that called it first; "
@@ -75,28 +139,23 @@ void LibrarySession::End() {
         if (Current() == nullptr) return;
     }
     LibrarySession& session = Enter();
-    if (session.calls_ != 0) {
-        throw Error(automation::error_number::kInvalidProcedureCall,
-                    "The template center cannot be shut down while a call is under way.", "VelaVICenter");
-    }
+    Ending ending(session);
+    if (session.calls_ != 0) Refuse("The template center cannot be shut down while a call is under way.");
     session.windows_->CloseAll();
-    if (session.windows_->OpenWindows() != 0) {
-        throw Error(automation::error_number::kInvalidProcedureCall,
-                    "A template center window is still open.", "VelaVICenter");
-    }
-    ado::HostFramework::SetProcess(nullptr);
+    if (session.windows_->OpenWindows() != 0) Refuse("A template center window is still open.");
+    for (int round = 0; round < kMostRounds && HasThingsOfHost(); ++round)
+        GiveBackThingsOfHost();
     ado::CloseIdleAccountSets();
     ado::CloseIdleOdbcConnections();
-    const std::lock_guard guard(Lock());
-    delete std::exchange(Current(), nullptr);
+    ending.Complete();
 }
 
 bool LibrarySession::EndIfUnused() {
     {
         const std::lock_guard guard(Lock());
-        if (Current() == nullptr) return true;
-        if (Current()->thread_ != ThisThread() || Current()->calls_ != 0 ||
-            Current()->windows_->OpenWindows() != 0)
+        if (Current() == nullptr) return !IsGoing();
+        if (Current()->thread_ != ThisThread() || Current()->calls_ != 0 || Current()->ending_ ||
+            HasThingsOfHost() || Current()->windows_->OpenWindows() != 0)
             return false;
     }
     End();

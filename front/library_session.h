@@ -17,11 +17,12 @@ class LibrarySession {
   public:
     // The session of the process, begun if need be. Error VIC_ERROR_WRONG_THREAD on another thread.
     static LibrarySession& Enter();
-    // Ends it, when it has begun: closes the windows and puts back what the process had before. Error 5 while
-    // a call is under way or a window stays open.
+    // Ends it, when it has begun: closes the windows, gives back what is the host's, which may call us
+    // meanwhile, and puts back what the process had before. Error 5 while a call is under way, a window stays
+    // open, or it is just being ended.
     static void End();
-    // Ends it when nothing needs it: false while a window is open or a call is under way, and on another
-    // thread.
+    // Ends it when nothing needs it: false while a window is open, a call is under way or something of the
+    // host's stands, and on another thread.
     static bool EndIfUnused();
 
     WindowLoop& Windows() { return *windows_; }
@@ -35,10 +36,17 @@ class LibrarySession {
     ~LibrarySession();
 
   private:
-    std::uint64_t thread_;
+    class Ending;
+
+    // The session is this thread's from now on.
+    void Belong();
+
+    std::uint64_t thread_ = 0;
+    std::weak_ptr<const void> threadsLife_;
     int calls_ = 0;
+    bool ending_ = false;
+    com::InstalledClasses installed_;  // outlives the objects that it has given
     automation::ClassRegistry::Restore classes_;
-    com::InstalledClasses installed_;
     system::SurroundingsScope surroundings_;
     std::shared_ptr<WindowLoop> windows_;
 };

@@ -11,12 +11,11 @@
 #include "front/guarded.h"
 #include "front/handles.h"
 #include "front/host_class.h"
+#include "front/host_things.h"
 #include "front/include/vicenter/vicenter.h"
 #include "front/message_handler.h"
 #include "front/variant_bridge.h"
 #include "platform/ado/connection.h"
-#include "platform/ado/host_connection_service.h"
-#include "platform/ado/late_bound_framework.h"
 
 namespace front = vicenter::front;
 namespace automation = vicenter::automation;
@@ -319,15 +318,14 @@ vic_status vic_register_class(const char* prog_id, const vic_class* definition) 
         Need(prog_id);
         if (prog_id[0] == '\0') throw Error(VIC_ERROR_INVALID_ARGUMENT, "A class needs a ProgID");
         const front::HostClass copy = front::CopyOf(definition);
-        automation::ClassRegistry::Process().Register(front::CleanText(prog_id),
-                                                      [copy] { return front::CreateInstance(copy); });
+        front::RegisterForHost(front::CleanText(prog_id), [copy] { return front::CreateInstance(copy); });
     });
 }
 
 vic_status vic_unregister_class(const char* prog_id) {
     return Guarded([&](LibrarySession&) {
         Need(prog_id);
-        automation::ClassRegistry::Process().Unregister(prog_id);
+        front::UnregisterForHost(prog_id);
     });
 }
 
@@ -341,9 +339,7 @@ vic_status vic_new_object(const vic_class* definition, void* instance, vic_objec
 
 vic_status vic_set_framework(vic_object* framework) {
     return Guarded([&](LibrarySession&) {
-        vicenter::ado::HostFramework::SetProcess(
-            framework == nullptr ? nullptr
-                                 : vicenter::ado::MakeLateBoundFramework(front::ObjectOf(framework)));
+        front::SetFrameworkOfHost(framework == nullptr ? nullptr : front::ObjectOf(framework));
     });
 }
 

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QPointer>
+#include <QThread>
 #include <QTimer>
 #include <QWidget>
 #include <memory>
@@ -31,9 +32,15 @@ namespace {
 
 constexpr const char* kSource = "VelaVICenter";
 
+// Windows live on the thread of the application object alone, also when that thread has ended.
+bool IsOnWindowsThread() {
+    const QCoreApplication* application = QCoreApplication::instance();
+    return application == nullptr || application->thread() == QThread::currentThread();
+}
+
 std::vector<QPointer<ui::VICenterWindow>> Windows() {
     std::vector<QPointer<ui::VICenterWindow>> windows;
-    if (qApp == nullptr) return windows;
+    if (qApp == nullptr || !IsOnWindowsThread()) return windows;
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         auto* window = dynamic_cast<ui::VICenterWindow*>(widget);
         if (window != nullptr && window->isVisible()) windows.emplace_back(window);
@@ -83,7 +90,9 @@ class QtWindowLoop : public WindowLoop {
 
   private:
     // Windows delete themselves by a posted event, which pumping alone never delivers.
-    static void DeleteClosed() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+    static void DeleteClosed() {
+        if (IsOnWindowsThread()) QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 
     int argc_ = 1;
     char name_[9] = "vicenter";
@@ -127,18 +136,27 @@ QtWindowLoop::QtWindowLoop() {
 QtWindowLoop::~QtWindowLoop() {
     if (factory_ && entry::WindowFactory::Process() == factory_) entry::WindowFactory::SetProcess(nullptr);
     if (!ready_) return;
+    if (!IsOnWindowsThread()) {
+        static_cast<void>(own_.release());  // nobody can end it any more
+        return;
+    }
     for (const QPointer<ui::VICenterWindow>& window : Windows())
         delete window;
     DeleteClosed();
 }
 
 bool QtWindowLoop::CanShow() const {
+    if (!IsOnWindowsThread()) return false;
     if (ready_) return true;
     if (QCoreApplication::instance() == nullptr) return ui::HasDisplay() && !ui::IsDisplayUnseen();
     return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
 }
 
 void QtWindowLoop::Ensure() {
+    if (!IsOnWindowsThread()) {
+        throw Error(automation::error_number::kCannotCreateObject,
+                    "Windows are shown on the thread of the application object alone.", kSource);
+    }
     if (ready_) return;
     if (QCoreApplication::instance() == nullptr) {
         if (!ui::HasDisplay()) {  // Qt would end the process

@@ -4,6 +4,7 @@
 
 #include "automation/class_registry.h"
 #include "automation/error.h"
+#include "automation/lasting.h"
 #include "automation/quietly.h"
 #include "platform/ado/side_by_side.h"
 
@@ -83,8 +84,8 @@ class PlainFramework : public HostFramework {
 };
 
 std::shared_ptr<HostFramework>& Current() {
-    static std::shared_ptr<HostFramework> framework;
-    return framework;
+    static const automation::Lasting<std::shared_ptr<HostFramework>> framework;
+    return *framework;
 }
 
 }  // namespace

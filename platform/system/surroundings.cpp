@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "automation/error.h"
+#include "automation/lasting.h"
 #include "platform/system/files.h"
 #include "platform/system/os.h"
 #include "platform/system/program.h"
@@ -165,8 +166,8 @@ Surroundings Surroundings::OfSystem() {
 }
 
 Surroundings& Surroundings::Current() {
-    static Surroundings current = OfSystem();
-    return current;
+    static const automation::Lasting<Surroundings> current(OfSystem());
+    return *current;
 }
 
 SurroundingsScope::SurroundingsScope(Surroundings replacement)
