@@ -8,12 +8,25 @@ members, its exceptions run-time errors. Everything runs on the thread that load
 import ctypes
 import datetime
 import decimal
+import math
 import os
 
 EMPTY, NULL, BOOLEAN, INT16, INT32, INT64, DOUBLE, DECIMAL, DATE, TEXT, ARRAY, OBJECT, ERROR = range(13)
 BYREF = 64
 GET, PUT, CALL = range(3)
 FIRST_DAY = datetime.datetime(1899, 12, 30)
+
+
+def _date_of(number):
+    """Days since the first one; the time of day is the fraction and counts forward before that day too."""
+    days = math.trunc(number)
+    return FIRST_DAY + datetime.timedelta(days=days) + datetime.timedelta(days=abs(number - days))
+
+
+def _number_of(date):
+    days = (date - FIRST_DAY).days  # whole ones, downward
+    fraction = (date - FIRST_DAY - datetime.timedelta(days=days)) / datetime.timedelta(days=1)
+    return days + fraction if days >= 0 else days - fraction
 
 
 class _Text(ctypes.Structure):
@@ -72,7 +85,7 @@ class Library:
         self._c.vic_error_description.restype = ctypes.c_char_p
         self._c.vic_error_source.restype = ctypes.c_char_p
         self._c.vic_version.restype = ctypes.c_char_p
-        self._classes = {}    # ProgID: definition and its functions, kept alive here
+        self._classes = {}    # Python class: its definition and that one's functions, kept alive here
         self._instances = {}  # key: Python object
         self._last_key = 0
         self._message = None
@@ -90,7 +103,6 @@ class Library:
         """Makes a Python class a component of that ProgID."""
         definition = self._definition(python_class)
         self._check(self._c.vic_register_class(prog_id.encode(), ctypes.byref(definition)))
-        self._classes[prog_id] = definition
 
     def set_framework(self, framework):
         """A Python object in the place of the data connections (docs/hosting.md); None puts those back."""
@@ -155,6 +167,11 @@ class Library:
         return self._last_key
 
     def _definition(self, python_class):
+        if python_class not in self._classes:
+            self._classes[python_class] = self._new_definition(python_class)
+        return self._classes[python_class]
+
+    def _new_definition(self, python_class):
         def create(_, instance):
             try:
                 instance[0] = self._keep(python_class())
@@ -210,7 +227,7 @@ class Library:
             self._check(self._c.vic_retain(ctypes.c_void_p(value.object)))
             return AutomationObject(self, ctypes.c_void_p(value.object))
         if variant.type == DATE:
-            return FIRST_DAY + datetime.timedelta(days=value.number)
+            return _date_of(value.number)
         return {BOOLEAN: value.boolean != 0, INT16: value.int16, INT32: value.int32, INT64: value.int64,
                 DOUBLE: value.number}.get(variant.type)
 
@@ -234,7 +251,7 @@ class Library:
             self._check(self._c.vic_set_decimal(reference, format(python_value, "f").encode()))
         elif isinstance(python_value, datetime.datetime):
             variant.type = DATE
-            variant.value.number = (python_value - FIRST_DAY) / datetime.timedelta(days=1)
+            variant.value.number = _number_of(python_value)
         elif isinstance(python_value, str):
             data = python_value.encode()
             self._check(self._c.vic_set_text(reference, data, ctypes.c_size_t(len(data))))
@@ -246,7 +263,6 @@ class Library:
                 self._to_c(item, Variant.from_address(variant.value.array.items + i * ctypes.sizeof(Variant)))
         else:  # an object of the host's own
             definition = self._definition(type(python_value))
-            self._classes.setdefault(type(python_value), []).append(definition)
             handle = ctypes.c_void_p()
             self._check(self._c.vic_new_object(ctypes.byref(definition),
                                                ctypes.c_void_p(self._keep(python_value)),

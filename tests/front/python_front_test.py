@@ -5,6 +5,7 @@
 
 import datetime
 import decimal
+import gc
 import os
 import subprocess
 import sys
@@ -135,6 +136,46 @@ class FrontTest(unittest.TestCase):
                       datetime.datetime(2026, 1, 31, 6), [1, "a", [True, []]], None):
             dictionary.put("Item", "key", value)
             self.assertEqual(dictionary.Item("key"), value)
+
+    def test_before_the_first_day_a_time_of_day_counts_forward(self):
+        dictionary = self.front.create("Scripting.Dictionary")
+        json = self.front.create("VelaVICenter.VbsJson")
+        for date in (datetime.datetime(1899, 12, 29, 6), datetime.datetime(1899, 12, 29),
+                     datetime.datetime(1899, 12, 30, 6), datetime.datetime(1899, 12, 28, 18, 30, 15),
+                     datetime.datetime(1753, 1, 1, 23, 59, 59)):
+            dictionary.put("Item", "key", date)
+            self.assertEqual(dictionary.Item("key"), date)
+            # What the library itself takes it for.
+            self.assertIn(date.strftime("%H:%M").lstrip("0"), json.Encode(date))
+
+    def test_objects_of_one_class_are_handed_over_at_no_lasting_cost(self):
+        dictionary = self.front.create("Scripting.Dictionary")
+
+        def hand_over():
+            for number in range(200):
+                dictionary.put("Item", "key", Echo())
+            dictionary.RemoveAll()
+            gc.collect()
+            return len(gc.get_objects())
+
+        before = hand_over()
+        self.assertLess(hand_over() - before, 200)
+
+    def test_a_host_may_end_without_a_shutdown(self):
+        script = """
+import vicenter_front
+
+class Component:
+    pass
+
+front = vicenter_front.Library(%r)
+front.register("Test.Class", Component)
+front.create("VelaVICenter.Host").Register("Test.Component", Component())
+front.set_framework(Component())
+print("ends")
+""" % LIBRARY
+        ended = subprocess.run([sys.executable, "-c", script], stdout=subprocess.PIPE, timeout=60)
+        self.assertEqual((ended.returncode, ended.stdout), (0, b"ends\n"))
 
     def test_json_objects_are_dictionaries(self):
         json = self.front.create("VelaVICenter.VbsJson")

@@ -83,7 +83,8 @@ typedef enum vic_type VIC_INT_ENUM {
     VIC_INT64 = 5,   /* value.int64 */
     VIC_DOUBLE = 6,  /* value.number */
     VIC_DECIMAL = 7, /* value.text: digits with a point, at most 38 of them */
-    VIC_DATE = 8,    /* value.number: days since 1899-12-30, the time of day as the fraction */
+    VIC_DATE = 8,    /* value.number: days since 1899-12-30, the time of day as the fraction, which counts
+                        forward before that day too: -1.25 is 06:00 of 1899-12-29 */
     VIC_TEXT = 9,    /* value.text */
     VIC_ARRAY = 10,  /* value.array */
     VIC_OBJECT = 11, /* value.object, NULL for no object */
