@@ -59,6 +59,8 @@ enum class Key {
     kWorkstation,
     kLanguage,
     kPacketSize,
+    kMultiSubnet,
+    kIntent,
     kConnectSeconds,
     kCommandSeconds,
     kLockMilliseconds,
@@ -107,6 +109,10 @@ constexpr Keyword kKeywords[] = {
     {"Language", Key::kLanguage},
     {"Packet Size", Key::kPacketSize},
     {"PacketSize", Key::kPacketSize},
+    {"MultiSubnetFailover", Key::kMultiSubnet},
+    {"Multi Subnet Failover", Key::kMultiSubnet},
+    {"Application Intent", Key::kIntent},
+    {"ApplicationIntent", Key::kIntent},
     {"Connect Timeout", Key::kConnectSeconds},
     {"Connection Timeout", Key::kConnectSeconds},
     {"Command Timeout", Key::kCommandSeconds},
@@ -129,8 +135,6 @@ constexpr Keyword kKeywords[] = {
     {"Prompt", Key::kNothing},
     {"MARS Connection", Key::kNothing},
     {"MultipleActiveResultSets", Key::kNothing},
-    {"MultiSubnetFailover", Key::kNothing},
-    {"Application Intent", Key::kNothing},
 };
 
 // "." and "(local)" are OLE DB's names of this machine; a protocol before the name is for Windows.
@@ -236,6 +240,14 @@ class SettingsReader {
             case Key::kPacketSize:
                 settings_.packetSize = std::to_string(ReadNumber(keyword, value));
                 break;
+            case Key::kMultiSubnet:
+                settings_.multiSubnet = ReadYes(keyword, value) ? "yes" : "no";
+                break;
+            case Key::kIntent:
+                if (!SameName(value, "ReadOnly") && !SameName(value, "ReadWrite") && !value.empty())
+                    RefuseValue(keyword);
+                settings_.intent = value;
+                break;
             case Key::kConnectSeconds:
                 settings_.connectSeconds = ReadNumber(keyword, value);
                 break;
@@ -299,6 +311,9 @@ bool MeansUnencrypted(const OdbcSettings& settings, const std::string& driver) {
     return false;
 }
 
+// The first driver that finds its way in a group of servers.
+constexpr int kFirstForGroups = 900;
+
 bool IsSaid(const std::vector<std::pair<std::string, std::string>>& pairs, std::string_view keyword) {
     for (const auto& pair : pairs) {
         if (SameName(pair.first, keyword)) return true;
@@ -344,6 +359,10 @@ std::string DriverConnectString(const OdbcSettings& settings, const std::string&
     } else {
         add("Encrypt", MeansUnencrypted(settings, driver) ? "no" : settings.encrypt);
         add("TrustServerCertificate", settings.trustCertificate);
+        if (driver.empty() || DriverRank(driver) >= kFirstForGroups) {
+            add("MultiSubnetFailover", settings.multiSubnet);
+            add("ApplicationIntent", settings.intent);
+        }
     }
     add("APP", settings.application);
     add("WSID", settings.workstation);

@@ -26,6 +26,8 @@ struct OdbcSettings {
     std::string workstation;
     std::string language;
     std::string packetSize;
+    std::string multiSubnet;  // yes or no; of the vendor's later drivers, as is the next
+    std::string intent;
     int connectSeconds = 15;
     int commandSeconds = 0;  // 0: no limit
     int lockMilliseconds = -1;

@@ -51,6 +51,23 @@ TEST(OdbcConnectStringTest, SpeaksEachDriversLanguage) {
               "DSN=books;ClientCharset=UTF-8;TDS_Version=7.3;UID=u;");
 }
 
+TEST(OdbcConnectStringTest, TellsTheVendorsDriversOfGroupsOfServers) {
+    const std::string host =
+        "Provider=MSOLEDBSQL;Data Source=h;UID=u;PWD=p;MultiSubnetFailover=True;Application Intent=ReadOnly";
+    EXPECT_EQ(Made(host),
+              "DRIVER={ODBC Driver 18 for SQL Server};SERVER=h;Encrypt=no;MultiSubnetFailover=yes;"
+              "ApplicationIntent=ReadOnly;UID=u;PWD=p;");
+    EXPECT_EQ(Made(host, "SQL Server Native Client 11.0"),
+              "DRIVER={SQL Server Native Client 11.0};SERVER=h;MultiSubnetFailover=yes;"
+              "ApplicationIntent=ReadOnly;UID=u;PWD=p;");
+    EXPECT_EQ(Made("DSN=books;UID=u;ApplicationIntent=readwrite;MultiSubnetFailover=no", ""),
+              "DSN=books;MultiSubnetFailover=no;ApplicationIntent=readwrite;UID=u;");
+    // Older ones and others do not know the words.
+    for (const std::string driver : {"SQL Server", "FreeTDS"})
+        EXPECT_EQ(Made(host, driver).find("ReadOnly"), std::string::npos) << driver;
+    EXPECT_NE(Refused("Provider=MSOLEDBSQL;Data Source=h;Application Intent=Both"), "not refused");
+}
+
 TEST(OdbcConnectStringTest, EncryptsByItselfOnlyWhereTheProviderDid) {
     const auto encrypts = [](const std::string& host, const std::string& driver) {
         const std::string made = Made(host + ";Data Source=h;UID=u", driver);
