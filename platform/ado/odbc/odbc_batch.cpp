@@ -113,6 +113,7 @@ void OdbcBatch::Drain(SQLHSTMT statement, SQLRETURN code) {
         }
         OdbcRows read = ReadOdbcResult(statement, columns);
         Note(statement, read.end);
+        outcome_.Take(std::move(read.unreadable));
         // The server goes on behind an error; what it gives from there on is undone with the rest.
         if (!hadFailed || keepsResultsBehindErrors_) {
             if (last) last->SetNext(read.recordset);

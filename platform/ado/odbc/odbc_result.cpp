@@ -1,6 +1,7 @@
 #include "platform/ado/odbc/odbc_result.h"
 
 #include <array>
+#include <optional>
 
 #include "automation/date_time.h"
 #include "automation/decimal.h"
@@ -18,6 +19,7 @@ constexpr SQLSMALLINT kTypeVariant = -150;
 constexpr SQLSMALLINT kTypeTime2 = -154;
 constexpr SQLSMALLINT kTypeTimeOffset = -155;
 
+constexpr std::int32_t kErrorSeverity = 16;
 constexpr SQLULEN kLongestFixed = 8000;
 constexpr SQLULEN kSmallMoneyDigits = 10;
 
@@ -174,7 +176,16 @@ class RowReader {
         return Text(column, value);
     }
 
+    // The text that was none of its column's type, behind a Read() that gave SQL_ERROR for it.
+    const std::optional<std::string>& Unreadable() const { return unreadable_; }
+
   private:
+    // Nothing in its place would pass for NULL.
+    SQLRETURN Unreadable(const char* text) {
+        unreadable_ = text;
+        return SQL_ERROR;
+    }
+
     template <class T, class Take>
     SQLRETURN Fixed(SQLUSMALLINT column, SQLSMALLINT type, Take take, Variant& value) {
         T data{};
@@ -195,8 +206,11 @@ class RowReader {
         SQLLEN length = 0;
         const SQLRETURN code = SQLGetData(statement_, column, SQL_C_CHAR, digits, sizeof digits, &length);
         if (!SQL_SUCCEEDED(code)) return code;
-        const auto number = length == SQL_NULL_DATA ? std::nullopt : Decimal::Parse(digits);
-        value = number ? Variant(*number) : Variant::Null();
+        value = Variant::Null();
+        if (length == SQL_NULL_DATA) return code;
+        const auto number = Decimal::Parse(digits);
+        if (!number) return Unreadable(digits);
+        value = Variant(*number);
         return code;
     }
 
@@ -212,7 +226,9 @@ class RowReader {
         if (const std::size_t blank = text.find(' '); blank != std::string::npos) text.erase(0, blank + 1);
         if (const std::size_t dot = text.find('.'); dot != std::string::npos && text.size() > dot + 4)
             text.resize(dot + 4);
-        if (const auto time = DateTime::Parse("1900-01-01 " + text)) value = Variant(*time);
+        const auto time = DateTime::Parse("1900-01-01 " + text);
+        if (!time) return Unreadable(digits);
+        value = Variant(*time);
         return code;
     }
 
@@ -266,7 +282,16 @@ class RowReader {
 
     SQLHSTMT statement_;
     std::vector<SQLWCHAR> piece_;
+    std::optional<std::string> unreadable_;
 };
+
+DriverError ErrorOfValue(const std::string& column, const std::string& text) {
+    DriverError error;
+    error.severity = kErrorSeverity;
+    error.sqlState = "22018";
+    error.text = "数据库驱动程序给出的字段“" + column + "”的值无法识别：" + text;
+    return error;
+}
 
 }  // namespace
 
@@ -285,6 +310,8 @@ OdbcRows ReadOdbcResult(SQLHSTMT statement, SQLSMALLINT columnCount) {
         const std::span<Variant> row = rows.recordset->AppendRow();
         for (std::size_t i = 0; i < row.size(); ++i) {
             rows.end = reader.Read(static_cast<SQLUSMALLINT>(i + 1), plans[i].reading, row[i]);
+            if (const auto& text = reader.Unreadable())
+                rows.unreadable.push_back(ErrorOfValue(rows.recordset->Columns()[i].name, *text));
             if (rows.end == SQL_ERROR || rows.end == SQL_INVALID_HANDLE) return rows;
         }
     }
