@@ -153,18 +153,50 @@ void Executor::RunBatch(std::string_view batch) {
     frame.options = setOptions_;
     if (run.isShaped)
         frame.literals = LiteralRun(run.literals, run.program->shapeOffsets, run.program->pinned);
-    // Known beforehand, since a reader that turns out to write may find that others have written since it
-    // began.
-    transactions_.StartBatch(WriteForecast(catalog_, programs_).MayWrite(run.program->statements));
     RunIn(frame, [&] {
+        const std::optional<const Statement*> chosen = ReadingBranch(*run.program);
+        // Known beforehand, since a reader that turns out to write may find that others have written since it
+        // began.
+        transactions_.StartBatch(!chosen &&
+                                 WriteForecast(catalog_, programs_).MayWrite(run.program->statements));
         // A variable is there from the batch's beginning, whichever branch it is declared in.
         DeclareAll(run.program->statements);
         // Those of a procedure are looked for when it is called.
         if (run.program->items.empty() ||
             run.program->items.front().statement->kind != StatementKind::kCreateProcedure)
             CheckVariables();
-        RunItems(*run.program);
+        if (!chosen) {
+            RunItems(*run.program);
+        } else if (*chosen != nullptr) {
+            RunStatement(**chosen);
+        } else {
+            lastError_ = 0;
+            rowCount_ = 0;
+        }
     });
+}
+
+// "IF NOT EXISTS(…) INSERT …" by itself, as a program sends it before each of its reads, hardly ever writes:
+// what its condition says now decides whether it takes the lock at all, so that no writer elsewhere keeps it
+// waiting. The branch that is to run where that reads, null where there is none; nothing for any other batch
+// and for a branch that may write: its condition is asked again under the lock.
+std::optional<const Statement*> Executor::ReadingBranch(const Program& program) {
+    if (program.statements.size() != 1 || program.statements.front()->kind != StatementKind::kIf ||
+        !options_.batchTransactions || transactions_.IsOpen() || transactions_.Count() > 0)
+        return std::nullopt;
+    const auto& statement = As<IfStatement>(*program.statements.front());
+    WriteForecast forecast(catalog_, programs_);
+    if (!forecast.MayWrite(statement)) return std::nullopt;
+    const Statement* branch = nullptr;
+    try {
+        branch = IsTrue(*statement.condition) ? statement.then.get() : statement.otherwise.get();
+    } catch (const SqlError&) {
+        return std::nullopt;  // it fails again where its error is told
+    } catch (const automation::Error&) {
+        return std::nullopt;
+    }
+    if (branch != nullptr && forecast.MayWrite(*branch)) return std::nullopt;
+    return branch;
 }
 
 // One more INSERT of a kind that has been seen before: its literals are bound to the statement of the first.

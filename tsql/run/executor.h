@@ -61,6 +61,7 @@ class Executor {
     bool RunReporting(std::string_view batch);
     void EndStopping(ExecutionReport& report, bool& failed);
     void RunBatch(std::string_view batch);
+    std::optional<const Statement*> ReadingBranch(const Program& program);
     Flow RunList(const std::vector<StatementPtr>& statements);
     Flow RunItems(const Program& program);
     Flow RunStatement(const Statement& statement);

@@ -5,8 +5,9 @@
 //
 // What may write takes the lock for writing before it reads: a batch that is one unit before its first
 // statement, BEGIN TRANSACTION at once, a statement that stands alone before itself. So what is written never
-// rests on what another process has changed since. What only reads never takes it. While a batch is one unit,
-// its transaction ends with it. One per session, used by its thread.
+// rests on what another process has changed since. What only reads never takes it, nor does an IF that is a
+// batch by itself and has nothing to write. While a batch is one unit, its transaction ends with it. One per
+// session, used by its thread.
 
 #include <cstdint>
 
