@@ -8,6 +8,7 @@
 #include "entry/single_line.h"
 #include "platform/system/collation.h"
 #include "store/cls_vi_data.h"
+#include "store/engine_text.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"
 #include "store/template_name.h"
@@ -23,6 +24,7 @@ constexpr int kRootIcon = 7;
 constexpr int kTemplateIcon = 2;
 constexpr const char* kRootText = "凭证模板";
 constexpr const char* kStandardKey = "detail-0";
+constexpr const char* kNotCreated = "新增模板失败！";
 
 bool IsTemplateKey(const std::string& key) {
     return key.find(kTemplateKeyHead) != std::string::npos;
@@ -283,8 +285,14 @@ bool TemplateTree::MayRename(const std::string& text, const std::string& id) {
 
 std::optional<TreeNode> TemplateTree::InsertTemplate() {
     std::int32_t largest = 0;
+    store::clsVIData::ForgetFailure();
     const std::int32_t id = store::clsVIData().InsertVchTemplateInfo(largest);
-    if (id <= 0) return std::nullopt;
+    if (id <= 0) {
+        // The account set keeps silent, and the user would take the command for done.
+        const std::string why = store::EngineTextInChinese(store::clsVIData::LastFailure());
+        Tell(why.empty() ? std::string(kNotCreated) : kNotCreated + ("\r\n\r\n" + why));
+        return std::nullopt;
+    }
     const TreeNode node{KeyOf(std::to_string(id)), store::CustomTemplateName(std::int64_t{largest} + 1),
                         kTemplateIcon};
     if (!store::ConfirmNewTemplate(std::to_string(id), state_.userId, node.text)) {

@@ -276,6 +276,18 @@ TEST_F(Tree, NewSelectsTheNodeAndStartsRenamingItBeforeItIsOpened) {
     EXPECT_TRUE(Window().Tree().EditsLabels());
 }
 
+TEST_F(Tree, ANewTemplateThatIsNotMadeIsToldWithTheReason) {
+    Open();
+    Forget();
+    set_.Fail("declare @MaxFID", "Lock request time out period exceeded.");
+    Window().ToolClick("mnuNew");
+    ASSERT_EQ(Messages().size(), 1U);
+    EXPECT_THAT(Messages()[0], HasSubstr("新增模板失败！\r\n\r\n"));
+    EXPECT_THAT(Messages()[0], HasSubstr("Lock request time out period exceeded."));
+    EXPECT_EQ(view_.Count("edit label"), 0);
+    EXPECT_EQ(Window().SelectedNode(), "detail-0");
+}
+
 TEST_F(Tree, NewAsksAboutUnsavedChangesOnce) {
     Open();
     MakeDirty();
