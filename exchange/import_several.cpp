@@ -27,15 +27,45 @@ constexpr const char* kReportName = "引入报告.xlsx";
 // Questions are asked; what only tells goes into the report.
 class QuestionsOnly : public system::MessageBoxes {
   public:
-    explicit QuestionsOnly(std::shared_ptr<system::MessageBoxes> boxes) : boxes_(std::move(boxes)) {}
+    explicit QuestionsOnly(system::Surroundings outside) : outside_(std::move(outside)) {}
     system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
                                system::MessageIcon icon, const std::string& title) override {
         if (buttons == system::MessageButtons::Ok) return system::MessageResult::Ok;
-        return boxes_->Show(text, buttons, icon, title);
+        const system::SurroundingsScope scope(outside_);
+        return outside_.messageBoxes->Show(text, buttons, icon, title);
     }
 
   private:
-    std::shared_ptr<system::MessageBoxes> boxes_;
+    system::Surroundings outside_;
+};
+
+// The window of an import that is quiet. While it lets events in, other windows of the process may be worked
+// in: what they tell is none of the import's.
+class QuietWindow : public ExchangeTarget {
+  public:
+    QuietWindow(ExchangeTarget& window, system::Surroundings outside)
+        : window_(window), outside_(std::move(outside)) {}
+    std::string CurrentTemplateId() const override { return window_.CurrentTemplateId(); }
+    std::string TemplateName() const override { return window_.TemplateName(); }
+    std::int32_t EntryLineCount() const override { return window_.EntryLineCount(); }
+    std::string EntryText(std::int32_t column, std::int32_t row) const override {
+        return window_.EntryText(column, row);
+    }
+    void ShowProgress(const std::string& label) override { window_.ShowProgress(label); }
+    void SetProgressLabel(const std::string& label) override { window_.SetProgressLabel(label); }
+    bool ReportRows(std::int64_t done, std::int64_t all) override {
+        const system::SurroundingsScope scope(outside_);
+        return window_.ReportRows(done, all);
+    }
+    void HideProgress() override { window_.HideProgress(); }
+    bool LookBeforeImport(const std::function<ImportPreview()>& read) override {
+        return window_.LookBeforeImport(read);
+    }
+    void RebuildTreeAndSelect(std::int32_t id) override { window_.RebuildTreeAndSelect(id); }
+
+  private:
+    ExchangeTarget& window_;
+    system::Surroundings outside_;
 };
 
 std::string NameOfFile(const std::string& file) {
@@ -150,8 +180,10 @@ std::vector<ImportOutcome> ImportTemplates(ExchangeTarget& window) {
 std::vector<ImportOutcome> ImportTemplateFiles(ExchangeTarget& window, std::vector<std::string> files) {
     if (files.size() == 1) return {ImportTemplateFile(window, files.front())};
     std::sort(files.begin(), files.end());
-    system::Surroundings surroundings = system::Surroundings::Current();
-    surroundings.messageBoxes = std::make_shared<QuestionsOnly>(surroundings.messageBoxes);
+    const system::Surroundings outside = system::Surroundings::Current();
+    QuietWindow quiet(window, outside);
+    system::Surroundings surroundings = outside;
+    surroundings.messageBoxes = std::make_shared<QuestionsOnly>(outside);
     const system::SurroundingsScope scope(surroundings);
     NamesOnce names;
     std::vector<ImportOutcome> outcomes;
@@ -159,7 +191,7 @@ std::vector<ImportOutcome> ImportTemplateFiles(ExchangeTarget& window, std::vect
         ImportOutcome outcome;
         outcome.file = file;
         outcome.refusal = names.WhyNot(file);
-        if (outcome.refusal.empty()) outcome = ImportTemplateFile(window, file);
+        if (outcome.refusal.empty()) outcome = ImportTemplateFile(quiet, file);
         outcomes.push_back(std::move(outcome));
     }
     return outcomes;

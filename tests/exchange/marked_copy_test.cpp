@@ -438,6 +438,25 @@ TEST_F(MarkedCopyTest, SeveralChosenFilesGiveOneReport) {
     EXPECT_EQ(text("异常", 2, 2), "D");
 }
 
+// While a row is reported, somebody works in another window of the process.
+class BesideAnother : public FakeWindow {
+  public:
+    bool ReportRows(std::int64_t done, std::int64_t all) override {
+        const auto& boxes = system::Surroundings::Current().messageBoxes;
+        boxes->Show("另一窗口的消息", system::MessageButtons::Ok, system::MessageIcon::Information,
+                    "信息提示");
+        return FakeWindow::ReportRows(done, all);
+    }
+};
+
+TEST_F(MarkedCopyTest, WhatAnotherWindowTellsWhileSeveralComeInIsShown) {
+    BesideAnother window;
+    const std::string first = MakeWorkbook("甲.xlsx", {kHeaders, {"#1", "a", "借", "1", "n", "#1", ""}});
+    const std::string second = MakeWorkbook("乙.xlsx", rows_);
+    EXPECT_EQ(ImportTemplateFiles(window, {first, second}).size(), 2U);
+    EXPECT_EQ(Messages(), (Lines{"另一窗口的消息", "另一窗口的消息"})) << "and nothing of the import's";
+}
+
 TEST_F(MarkedCopyTest, OneChosenFileIsToldAsEver) {
     const auto dialogs = std::make_shared<SeveralDialogs>();
     dialogs->several = {MakeWorkbook("丙.xlsx", rows_)};

@@ -341,6 +341,32 @@ TEST_F(ExchangeWayTest, SeveralChosenWorkbooksEndInOneReport) {
     EXPECT_EQ(window->Presenter().Faults().Reported().size(), 1U);
 }
 
+// Two windows of one process: while one reads its workbooks, the other refuses a save and says so.
+TEST_F(ExchangeWayTest, WhatAnotherWindowRefusesWhileSeveralComeInIsTold) {
+    const QPointer<VICenterWindow> other = window;
+    ClickCell(7, column::kExplanation);
+    Type("x");
+    Key(Qt::Key_Tab);
+    window = nullptr;
+    Open();
+    ASSERT_NE(other.data(), window.data());
+    bool clicked = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, window, [&] {
+        if (auto* report = window->findChild<QDialog*>(QStringLiteral("frmImportReport"));
+            report && report->isVisible())
+            QTest::keyClick(report, Qt::Key_Escape);
+        if (clicked || !PanelVisible()) return;
+        clicked = true;
+        QTest::mouseClick(other->findChild<QToolButton*>(QStringLiteral("mnuSaveButton")), Qt::LeftButton);
+    });
+    watch.start(0);
+    Drop({MakeWorkbook("One.xlsx", 5000), MakeWorkbook("Two.xlsx", 1, "x")});
+    EXPECT_TRUE(clicked);
+    EXPECT_THAT(TakeMessages(), ElementsAre(::testing::HasSubstr("不允许为空")));
+    if (other) other->close();
+}
+
 TEST_F(ExchangeWayTest, SeveralDroppedWorkbooksAreImportedAsSeveralChosenOnes) {
     const std::int64_t before = Templates();
     QStringList files;
