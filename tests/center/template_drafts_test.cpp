@@ -197,6 +197,34 @@ TEST_F(Drafts, OfATemplateThatIsGoneBecomeANewOne) {
     EXPECT_THAT(Messages(), ElementsAre("模板 自定义模板(3) 保存成功！"));
 }
 
+TEST_F(Drafts, OfATemplateThatWasRenamedComeBackIntoIt) {
+    TypeMine();
+    CloseByFrame();
+    templates_[1].name = "改过的名";
+    Answer(MessageResult::Yes);
+    OpenAgain();
+    EXPECT_THAT(Messages(), ElementsAre(Question("该模板已改名为 改过的名，是否恢复到改名后的模板？")));
+    EXPECT_EQ(Window().TemplateId(), "5");
+    EXPECT_EQ(Window().TemplateName(), "改过的名");
+    EXPECT_EQ(Cell(1, column::kExplanation), "我的");
+    Forget();
+    EXPECT_TRUE(Window().Save());
+    EXPECT_THAT(Messages(), ElementsAre("模板 改过的名 保存成功！"));
+    EXPECT_THAT(Sent("declare @MaxFID"), IsEmpty());
+    EXPECT_THAT(Files(), IsEmpty());
+}
+
+// Its id and nothing else: whose lines they are nobody can tell.
+TEST_F(Drafts, OfATemplateOfAnotherNameAndOtherLinesBecomeANewOne) {
+    TypeMine();
+    CloseByFrame();
+    templates_[1].name = "另一个";
+    lines_["5"] = {Line(1, "别人的")};
+    Answer(MessageResult::No);
+    OpenAgain();
+    EXPECT_THAT(Messages(), ElementsAre(Question("但该模板已不存在，或已改名并修改，是否恢复为新模板？")));
+}
+
 TEST_F(Drafts, AreOfferedWhenTheirTemplateIsOpened) {
     TypeMine();
     CloseByFrame();

@@ -78,6 +78,27 @@ TEST_F(DraftsWay, AWindowClosedByItsFrameLeavesADraftThatTheNextOneOffers) {
     EXPECT_THAT(Drafts(), IsEmpty());
 }
 
+TEST_F(DraftsWay, ADraftOfATemplateThatWasRenamedElsewhereIsRestoredIntoIt) {
+    OpenAndTell();
+    ClickNode("detail-1");
+    TypeRemark("mine");
+    Close();
+    ASSERT_EQ(Drafts().size(), 1U);
+    ado::OpenConnection(host::FileConnectString(file))
+        ->Execute("update t_VchTemplate set FName = '办公费用' where FID = 1");
+    const std::int64_t before = Number("select count(*) as n from t_VchTemplate");
+    surroundings.messageBoxes->answers = {MessageResult::Yes};
+    OpenAndTell();
+    const std::vector<std::string> messages = TakeMessages();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_THAT(messages[0], HasSubstr("该模板已改名为 办公费用，是否恢复到改名后的模板？"));
+    EXPECT_EQ(window->Presenter().TemplateId(), "1");
+    ClickTool("mnuSave");
+    EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("模板 办公费用 保存成功")));
+    EXPECT_EQ(Number("select count(*) as n from t_VchTemplateEntry where FID = 1 and FExp = 'mine'"), 1);
+    EXPECT_EQ(Number("select count(*) as n from t_VchTemplate"), before);
+}
+
 TEST_F(DraftsWay, ASaveThatIsRefusedIsTakenBackByOneKey) {
     OpenAndTell();
     ClickNode("detail-1");

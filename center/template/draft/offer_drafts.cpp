@@ -1,11 +1,48 @@
 // Offering what windows that are gone have left unsaved.
 
+#include <algorithm>
+
 #include "center/frame/window_parts.h"
+#include "store/template_guard.h"
 
 namespace vicenter::center {
 
 using system::MessageButtons;
 using system::MessageResult;
+
+namespace {
+
+// Where a draft's lines belong now.
+struct DraftPlace {
+    std::string key;       // of the node to restore into; empty: into a new template
+    std::string question;  // behind what there is to restore
+};
+
+bool HoldsWhatWasLoaded(const Draft& draft) {
+    // Any new template holds nothing.
+    if (draft.loaded.lines == 0) return false;
+    try {
+        const std::optional<store::TemplateRow> row = store::AskTemplateWithLines(draft.templateId);
+        return row && row->lines != nullptr && store::DigestOf(*row->lines) == draft.loaded;
+    } catch (const automation::Error&) {
+        return false;
+    }
+}
+
+// Names change, and ids are given again: one of the user's with that id and the lines that were typed upon is
+// the draft's template, whatever it is called now.
+DraftPlace PlaceOf(const Draft& draft, const TemplateTree& tree) {
+    const std::string key = tree.KeyOfTemplate(draft.templateId, draft.templateName);
+    if (!key.empty()) return {key, "是否恢复？"};
+    const std::string itsKey = std::string(kTemplateKeyHead) + draft.templateId;
+    const auto node = std::find_if(tree.Nodes().begin(), tree.Nodes().end(),
+                                   [&](const TreeNode& each) { return each.key == itsKey; });
+    if (node == tree.Nodes().end()) return {{}, "但该模板已不存在，是否恢复为新模板？"};
+    if (!HoldsWhatWasLoaded(draft)) return {{}, "但该模板已不存在，或已改名并修改，是否恢复为新模板？"};
+    return {itsKey, "该模板已改名为 " + node->text + "，是否恢复到改名后的模板？"};
+}
+
+}  // namespace
 
 void WindowParts::OfferDraftOfOpenTemplate() {
     if (!offersDrafts || !editing.CanEdit() || !state.open.IsOpen() || state.open.IsDirty()) return;
@@ -24,20 +61,19 @@ void WindowParts::OfferNewestDraft() {
 
 void WindowParts::OfferDraft(const FoundDraft& found) {
     const Draft& draft = found.draft;
-    const std::string key = tree.KeyOfTemplate(draft.templateId, draft.templateName);
+    const DraftPlace place = PlaceOf(draft, tree);
     const std::string what = "模板 " + draft.templateName + " 有上次未保存的修改（" + draft.written + "，" +
                              std::to_string(draft.lines.size()) + " 条分录），";
-    const std::string question =
-        key.empty() ? what + "但该模板已不存在，是否恢复为新模板？" : what + "是否恢复？";
-    if (Ask(question + "\r\n\r\n选择“否”将丢弃这些修改。", MessageButtons::YesNo) != MessageResult::Yes) {
+    if (Ask(what + place.question + "\r\n\r\n选择“否”将丢弃这些修改。", MessageButtons::YesNo) !=
+        MessageResult::Yes) {
         drafts.Discard(found);
         return;
     }
-    if (!OpenTemplateOf(draft, key)) return;
+    if (!OpenTemplateOf(draft, place.key)) return;
     kept.Take(draft.lines);
     kept.PutAsTyped();
     // What was typed was typed upon what the template held then: a save finds out whether it still does.
-    if (!key.empty()) state.open.TypedUpon(draft.loaded);
+    if (!place.key.empty()) state.open.TypedUpon(draft.loaded);
     drafts.Adopt(found);
     RefreshPanels();
 }
