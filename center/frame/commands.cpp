@@ -45,7 +45,7 @@ void WindowParts::RunTool(Tool tool) {
             break;
         case Tool::Del:
             LogRequest("凭证模板-删除模板");
-            if (!RefusedForRight() && gate()) tree.DeleteSelected();
+            if (!RefusedForRight() && tree.PassGate()) tree.DeleteSelected();
             break;
         case Tool::PrcFind:
             if (gate()) ShowFind();

@@ -194,7 +194,7 @@ void TemplateTree::LostFocus() {
 void TemplateTree::NodeClick(const std::string& key) {
     if (Find(key) == nullptr) return;
     Select(key);
-    if (!confirm_()) return;
+    if (!PassGate()) return;
     if (key == kRootKey) {
         state_.Enable({Tool::Del, Tool::Save, Tool::Exp}, false);
     } else if (IsTemplateKey(key)) {
@@ -202,6 +202,20 @@ void TemplateTree::NodeClick(const std::string& key) {
         OpenNode(key);
     }
     state_.Enable({Tool::AddRow, Tool::DelRow}, false);
+}
+
+bool TemplateTree::PassGate() {
+    const std::string key = selected_;
+    const std::string name = TextOf(key);
+    if (!confirm_()) return false;
+    if (selected_ == key) return true;
+    if (Find(key) == nullptr) {
+        TellGone(name);
+        return false;
+    }
+    Select(key);
+    if (IsTemplateKey(key)) OpenNode(key);
+    return selected_ == key;
 }
 
 void TemplateTree::OpenNode(const std::string& key) {
@@ -224,7 +238,7 @@ void TemplateTree::SetNodeText(const std::string& key, const std::string& text) 
 }
 
 void TemplateTree::DoubleClick() {
-    if (state_.hasRight && confirm_()) StartRenaming();
+    if (state_.hasRight && PassGate()) StartRenaming();
 }
 
 void TemplateTree::StartRenaming() {

@@ -38,6 +38,10 @@ class TemplateTree {
     void LostFocus();
     void NodeClick(const std::string& key);
     void DoubleClick();
+    // The unsaved-changes gate of whatever is to be done to the node that is lit. A save that became a new
+    // template lights that one: what the user meant is then lit and opened again. False when the gate says
+    // no, or when what was meant is gone, which the user has been told.
+    bool PassGate();
     bool BeforeLabelEdit();
     bool AfterLabelEdit(const std::string& label);
 

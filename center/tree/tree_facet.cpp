@@ -95,7 +95,7 @@ std::vector<TreeMenuItem> TreeFacet::MenuItems() {
 // What is brought back takes the place of what is in the grid: what was typed there is saved first or given
 // up.
 void TreeFacet::ShowHistory() {
-    if (!parts_.save.ConfirmUnsavedChanges()) return;
+    if (!parts_.tree.PassGate()) return;
     Show(TemplateHistory(parts_.state.open.Id(), parts_.state.open.Name(), parts_.state.userId,
                          parts_.state.hasRight));
 }
@@ -117,7 +117,7 @@ void TreeFacet::Duplicate() {
     parts_.edge.Command([this] {
         const OpenTemplate& open = parts_.state.open;
         entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-另存模板");
-        if (parts_.RefusedForRight() || !parts_.save.ConfirmUnsavedChanges()) return;
+        if (parts_.RefusedForRight() || !parts_.tree.PassGate()) return;
         // What is copied is what is stored.
         if (open.IsDirty()) parts_.Reload();
         if (!open.IsOpen() || !open.LinesKnown()) return;

@@ -99,6 +99,25 @@ TEST_F(DraftsWay, ADraftOfATemplateThatWasRenamedElsewhereIsRestoredIntoIt) {
     EXPECT_EQ(Number("select count(*) as n from t_VchTemplate"), before);
 }
 
+TEST_F(DraftsWay, TheNodeThatIsClickedIsLitAndOpenAlthoughTheSaveBecameANewTemplate) {
+    OpenAndTell();
+    ClickNode("detail-1");
+    TypeRemark("mine");
+    ado::OpenConnection(host::FileConnectString(file))
+        ->Execute("update t_VchTemplateEntry set FRemark = 'theirs' where FID = 1 and FEntryID = 2");
+    surroundings.messageBoxes->answers = {MessageResult::Yes, MessageResult::Yes};
+    ClickNode("detail-2");
+    EXPECT_EQ(window->Presenter().TemplateId(), "2");
+    EXPECT_EQ(window->Tree().currentItem(), window->Tree().FindNode("detail-2"));
+    EXPECT_EQ(window->Presenter().TemplateName(), "销售与收款");
+    TakeMessages();
+    surroundings.messageBoxes->answers = {MessageResult::No};
+    window->Tree().setFocus();
+    ClickTool("mnuDel");
+    EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("凭证模板：销售与收款")));
+    EXPECT_EQ(Number("select count(*) as n from t_VchTemplateEntry where FExp = 'mine'"), 1);
+}
+
 TEST_F(DraftsWay, ASaveThatIsRefusedIsTakenBackByOneKey) {
     OpenAndTell();
     ClickNode("detail-1");
