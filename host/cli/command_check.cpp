@@ -4,11 +4,11 @@
 #include <optional>
 #include <ostream>
 
-#include "center/editing/fault_text.h"
 #include "center/grid/columns.h"
 #include "center/health/template_check.h"
 #include "center/template/template_save.h"
 #include "host/cli/context.h"
+#include "host/cli/one_line.h"
 #include "host/cli/templates.h"
 
 namespace vicenter::host {
@@ -20,10 +20,10 @@ bool IsFault(const center::TemplateFinding& finding) {
 }
 
 std::string FindingText(const TemplateHead& head, const center::TemplateFinding& finding) {
-    std::string text = head.name + "\t" + (IsFault(finding) ? "异常" : "提示") + "\t" + finding.number +
-                       " 号\t行" + std::to_string(finding.row) + "\t";
+    std::string text = OneLine(head.name) + "\t" + (IsFault(finding) ? "异常" : "提示") + "\t" +
+                       finding.number + " 号\t行" + std::to_string(finding.row) + "\t";
     if (finding.column != 0) text.append(center::Column(finding.column).header);
-    if (!finding.value.empty()) text += " “" + finding.value + "”";
+    if (!finding.value.empty()) text += " “" + OneLine(finding.value) + "”";
     return text + "\t" + finding.reason + "\n";
 }
 
@@ -83,12 +83,10 @@ int RunCheck(const CliContext& context) {
     std::string text;
     for (int row = 1; row <= lines.count; ++row) {
         VariantArray faulty;
-        for (const center::ColumnSpec& spec : center::Columns()) {
-            const std::string reason = center::FaultText(lines.grid, {row, spec.column});
-            if (reason.empty()) continue;
-            faulty.emplace_back(spec.field);
-            text += "第 " + std::to_string(row) + " 行 " + std::string(spec.header) + " “" +
-                    std::string(lines.grid.Text(row, spec.column)) + "”：" + reason + "\n";
+        for (const FaultyCell& cell : FaultyCells(lines.grid, row)) {
+            faulty.emplace_back(cell.field);
+            text += "第 " + std::to_string(row) + " 行 " + std::string(center::Column(cell.column).header) +
+                    " “" + OneLine(lines.grid.Text(row, cell.column)) + "”：" + cell.reason + "\n";
         }
         if (faulty.empty()) continue;
         const auto record = static_cast<std::size_t>(row - 1);

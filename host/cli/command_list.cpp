@@ -5,6 +5,7 @@
 
 #include "entry/sql_text.h"
 #include "host/cli/context.h"
+#include "host/cli/one_line.h"
 #include "host/cli/templates.h"
 #include "store/cls_vi_data.h"
 
@@ -26,7 +27,7 @@ int RunList(const CliContext& context) {
 
     if (!context.options.json) {
         for (const TemplateHead& head : templates)
-            context.streams.out << head.id << "\t" << head.name << "\t"
+            context.streams.out << head.id << "\t" << OneLine(head.name) << "\t"
                                 << details[head.id].date.ToTextOrEmpty() << "\n";
         return kExitDone;
     }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/cli/context.h"
+#include "host/cli/one_line.h"
 #include "store/operation_log.h"
 #include "store/user_names.h"
 
@@ -32,11 +33,11 @@ int RunLog(const CliContext& context) {
     }
     for (std::size_t r = 0; !rows->AtEnd(); rows->MoveNext(), ++r) {
         context.streams.out << rows->Value("FDate").ToTextOrEmpty() << "\t"
-                            << users.WithNumber(rows->Value("FUserID").ToInt32()) << "\t";
+                            << OneLine(users.WithNumber(rows->Value("FUserID").ToInt32())) << "\t";
         for (const char* field : {"FFunctionID", "FKind"})
             context.streams.out << rows->Value(field).ToTextOrEmpty() << "\t";
         const std::string counts = countsAt(r);
-        context.streams.out << rows->Value("FDescription").ToTextOrEmpty()
+        context.streams.out << OneLine(rows->Value("FDescription").ToTextOrEmpty())
                             << (counts.empty() ? "" : "\t" + counts) << "\n";
     }
     return kExitDone;

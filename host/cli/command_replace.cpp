@@ -6,6 +6,7 @@
 #include "center/search/code_replacement.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
+#include "host/cli/one_line.h"
 #include "host/cli/rights.h"
 #include "store/template_guard.h"
 
@@ -40,8 +41,9 @@ const char* StateName(ReplacementLine::State state) {
 }
 
 std::string LineText(const ReplacementLine& line) {
-    std::string text = std::string(line.chosen ? "*" : " ") + "\t" + line.templateName + "\t" + line.number +
-                       " 号\t行" + std::to_string(line.row) + "\t" + line.before + " → " + line.after;
+    std::string text = std::string(line.chosen ? "*" : " ") + "\t" + OneLine(line.templateName) + "\t" +
+                       line.number + " 号\t行" + std::to_string(line.row) + "\t" + OneLine(line.before) +
+                       " → " + OneLine(line.after);
     if (!line.note.empty()) text += "\t" + line.note;
     return text + "\n";
 }

@@ -5,6 +5,7 @@
 #include "automation/error.h"
 #include "center/search/template_search.h"
 #include "host/cli/context.h"
+#include "host/cli/one_line.h"
 
 namespace vicenter::host {
 
@@ -15,10 +16,10 @@ namespace column = store::column;
 std::string HitText(const center::SearchHit& hit) {
     const auto text = [&](int gridColumn) { return hit.line[static_cast<std::size_t>(gridColumn - 1)]; };
     std::string line =
-        hit.templateName + "\t" + text(column::kNo) + " 号\t行" + std::to_string(hit.row) + "\t";
+        OneLine(hit.templateName) + "\t" + text(column::kNo) + " 号\t行" + std::to_string(hit.row) + "\t";
     for (const int c : {column::kExplanation, column::kDirection, column::kAccountNumber,
                         column::kAccountName, column::kItems, column::kAmount})
-        line += text(c) + " ";
+        line += OneLine(text(c)) + " ";
     return line + "\n";
 }
 

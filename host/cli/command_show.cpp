@@ -6,6 +6,7 @@
 #include "center/editing/cell_rules.h"
 #include "center/grid/columns.h"
 #include "host/cli/context.h"
+#include "host/cli/one_line.h"
 #include "host/cli/templates.h"
 
 namespace vicenter::host {
@@ -40,7 +41,7 @@ Variant LineObject(const TemplateLines& lines, int row) {
     const auto record = static_cast<std::size_t>(row - 1);
     for (std::size_t c = 0; c < lines.records->ColumnCount(); ++c)
         object->SetItem(lines.records->Columns()[c].name, LineValue(lines.records->ValueAt(record, c)));
-    const std::vector<std::string> seen = FaultyFields(lines.grid, row);
+    const std::vector<std::string> seen = FieldsToTakeBack(lines.grid, row);
     VariantArray faulty;
     for (const center::ColumnSpec& spec : center::Columns()) {
         const Variant& stored = lines.records->ValueAt(record, lines.records->ColumnIndex(spec.field));
@@ -59,11 +60,11 @@ void PrintTable(const CliContext& context, const TemplateLines& lines) {
     out << "异常\n";
     for (int row = 1; row <= lines.count; ++row) {
         for (const center::ColumnSpec& spec : center::Columns()) {
-            if (spec.kind != center::CellKind::Id) out << lines.grid.Text(row, spec.column) << "\t";
+            if (spec.kind != center::CellKind::Id) out << OneLine(lines.grid.Text(row, spec.column)) << "\t";
         }
         std::string separator;
-        for (const std::string& field : FaultyFields(lines.grid, row)) {
-            out << separator << field;
+        for (const FaultyCell& cell : FaultyCells(lines.grid, row)) {
+            out << separator << cell.field;
             separator = ",";
         }
         out << "\n";

@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include "host/cli/one_line.h"
+
 namespace vicenter::host {
 
 using store::LineDifference;
@@ -33,15 +35,15 @@ void PrintDifference(std::ostream& out, const LineDifference& difference, const 
     if (difference.kind == LineDifference::Kind::Changed) {
         std::string separator;
         for (const LineDifference::Cell& cell : difference.cells) {
-            out << separator << store::Column(cell.column).header << "：" << cell.before << " → "
-                << cell.after;
+            out << separator << store::Column(cell.column).header << "：" << OneLine(cell.before) << " → "
+                << OneLine(cell.after);
             separator = "；";
         }
     } else {
         for (const int column :
              {store::column::kExplanation, store::column::kDirection, store::column::kAccountNumber,
               store::column::kAccountName, store::column::kAmount})
-            out << line[static_cast<std::size_t>(column - 1)] << " ";
+            out << OneLine(line[static_cast<std::size_t>(column - 1)]) << " ";
     }
     out << "\n";
 }

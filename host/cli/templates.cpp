@@ -1,9 +1,10 @@
 #include "host/cli/templates.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "automation/error.h"
-#include "center/editing/cell_checks.h"
+#include "center/editing/fault_text.h"
 #include "center/frame/window_state.h"
 #include "center/grid/columns.h"
 #include "center/template/line_loader.h"
@@ -64,14 +65,21 @@ bool FitsColumn(const center::ColumnSpec& spec, std::string_view text) {
            system::CodeUnitCount(system::TrimBlanks(text)) <= static_cast<std::size_t>(spec.maxCharacters);
 }
 
-std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row) {
+std::vector<FaultyCell> FaultyCells(const center::EntryGrid& grid, int row) {
+    std::vector<FaultyCell> cells;
+    for (const center::ColumnSpec& spec : center::Columns()) {
+        if (std::string reason = center::FaultText(grid, {row, spec.column}); !reason.empty())
+            cells.push_back({std::string(spec.field), spec.column, std::move(reason)});
+    }
+    return cells;
+}
+
+std::vector<std::string> FieldsToTakeBack(const center::EntryGrid& grid, int row) {
     std::vector<std::string> fields;
     for (const center::ColumnSpec& spec : center::Columns()) {
-        const bool faulty =
-            grid.FaultyCheck(row, spec.column) != 0 ||
-            center::OwnVerdict(grid, {row, spec.column}) != center::TextVerdict::Taken ||
-            (spec.kind == center::CellKind::Text && !FitsColumn(spec, grid.Text(row, spec.column)));
-        if (faulty) fields.emplace_back(spec.field);
+        const bool untaken =
+            spec.kind == center::CellKind::Text && !FitsColumn(spec, grid.Text(row, spec.column));
+        if (untaken || !center::FaultText(grid, {row, spec.column}).empty()) fields.emplace_back(spec.field);
     }
     return fields;
 }

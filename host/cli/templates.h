@@ -35,8 +35,16 @@ void ReadLines(const std::string& templateId, TemplateLines& lines);
 // Whether a text column of the grid would take the text, apostrophes and bars aside.
 bool FitsColumn(const center::ColumnSpec& spec, std::string_view text);
 
-// The fields of a row's red cells and of values outside of what their column takes, in column order.
-std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row);
+// What is wrong with a row, in column order: what the window shows red, with its reason.
+struct FaultyCell {
+    std::string field;
+    int column = 0;
+    std::string reason;
+};
+std::vector<FaultyCell> FaultyCells(const center::EntryGrid& grid, int row);
+// The fields of those cells, and of texts that no cell takes although the account set holds them: a line that
+// names them is taken back with them.
+std::vector<std::string> FieldsToTakeBack(const center::EntryGrid& grid, int row);
 
 // Whether the user lets a file that is there be replaced.
 bool MayReplaceFile(const std::string& file);
