@@ -12,6 +12,7 @@
 #include "exchange/template_sheet.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
+#include "platform/system/utf8.h"
 #include "text/ascii.h"
 
 namespace vicenter::exchange {
@@ -131,7 +132,8 @@ std::string MarkedCopyName(const std::string& fileName) {
 }
 
 std::string TemplateNameOf(const std::string& fileName) {
-    const std::string base = PartsOf(fileName).base;
+    // As it is stored.
+    const std::string base(system::TrimBlanks(PartsOf(fileName).base));
     if (!base.ends_with(kMarkedMark) || base == kMarkedMark) return base;
     try {
         if (!TemplateSheet(fileName).HasReasons()) return base;
@@ -140,7 +142,8 @@ std::string TemplateNameOf(const std::string& fileName) {
     } catch (const Error&) {
         return base;  // the import says why it cannot be read
     }
-    return base.substr(0, base.size() - std::string_view(kMarkedMark).size());
+    const std::string_view original(base.data(), base.size() - std::string_view(kMarkedMark).size());
+    return std::string(system::TrimBlanks(original));
 }
 
 std::string WriteMarkedCopy(const std::string& fileName, const std::vector<LineFault>& faults,

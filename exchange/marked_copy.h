@@ -21,7 +21,8 @@ inline constexpr const char* kMarkedMark = "(标错)";
 
 // The name of a file's copy, beside it.
 std::string MarkedCopyName(const std::string& fileName);
-// The base name of a file, without the mark when the file is a copy that somebody has mended.
+// The base name of a file, without blanks around it, and without the mark when the file is a copy that
+// somebody has mended.
 std::string TemplateNameOf(const std::string& fileName);
 
 // Writes the copy over whatever is there; why it was not written, for users, or the empty text. Never throws.

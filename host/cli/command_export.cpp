@@ -51,14 +51,16 @@ int RunExport(const CliContext& context) {
     if (!options.emptyWorkbook.empty()) return RunExportEmpty(context);
     VariantArray written;
     bool ok = true;
+    const bool several = !options.exportFolder.empty();
     const auto take = [&](const TemplateHead& head, const std::string& file) {
+        if (several) context.messages.SpeakOf(file, head.name);
         if (Export(context, head, file)) {
             written.push_back(JsonObject({{"FName", head.name}, {"file", file}}));
         } else {
             ok = false;
         }
     };
-    if (options.exportFolder.empty()) {
+    if (!several) {
         take(FindTemplate(context, options.name), options.file);
     } else {
         std::error_code failed;

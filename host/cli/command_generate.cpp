@@ -8,6 +8,7 @@
 #include "center/frame/window_state.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
+#include "host/cli/one_line.h"
 #include "host/cli/templates.h"
 
 namespace vicenter::host {
@@ -21,6 +22,16 @@ autovch::VoucherFilter Filter(const GenerateOptions& options) {
     if (filter.from.empty()) filter.from = all.lowest;
     if (filter.to.empty()) filter.to = all.highest;
     return filter;
+}
+
+// "01" is the number 1.
+autovch::LeftOut NumbersOf(const std::vector<std::string>& given) {
+    autovch::LeftOut numbers;
+    for (const std::string& text : given) {
+        const std::size_t first = std::min(text.find_first_not_of('0'), text.empty() ? 0 : text.size() - 1);
+        numbers.insert(text.substr(first));
+    }
+    return numbers;
 }
 
 int PrintPreview(const CliContext& context, const autovch::VoucherFilter& filter) {
@@ -47,8 +58,8 @@ int PrintPreview(const CliContext& context, const autovch::VoucherFilter& filter
     if (!merged.numbers.empty()) out << "注意：" << merged.Warning() << "\n";
     for (const autovch::VoucherPattern& pattern : preview.patterns) {
         out << pattern.Occurrences() << " 次\t编号 " << autovch::ListOfNumbers(pattern.numbers) << "\t"
-            << pattern.explanation << "\t" << pattern.words;
-        if (!pattern.alike.empty()) out << "\t" << pattern.alike;
+            << OneLine(pattern.explanation) << "\t" << OneLine(pattern.words);
+        if (!pattern.alike.empty()) out << "\t" << OneLine(pattern.alike);
         out << "\n";
     }
     return kExitDone;
@@ -73,7 +84,7 @@ int RunGenerate(const CliContext& context) {
     const autovch::GenerationRequest request{filter,
                                              context.options.name,
                                              {options.fields.begin(), options.fields.end()},
-                                             {options.without.begin(), options.without.end()}};
+                                             NumbersOf(options.without)};
     const autovch::MergedNumbers merged = autovch::FindMergedNumbers(filter);
     if (!merged.numbers.empty() && !context.options.json)
         context.streams.err << "注意：" << merged.Warning() << "\n";
@@ -81,7 +92,7 @@ int RunGenerate(const CliContext& context) {
     Variant data = Variant::Null();
     if (result.outcome) {
         center::Tell(result.message);
-        data = JsonObject({{"FID", result.outcome.id}, {"FName", request.templateName}});
+        data = JsonObject({{"FID", result.outcome.id}, {"FName", result.templateName}});
     }
     return FinishWriting(context, result.outcome, data);
 }

@@ -8,9 +8,11 @@
 #include "entry/host_services.h"
 #include "host/cli/context.h"
 #include "host/cli/differences.h"
+#include "host/cli/one_line.h"
 #include "host/cli/rights.h"
 #include "host/cli/templates.h"
 #include "platform/system/collation.h"
+#include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/line_difference.h"
 #include "store/template_history.h"
@@ -66,8 +68,9 @@ Variant VersionObject(const HistoryVersion& version, const store::UserNames& use
 }
 
 void PrintVersion(std::ostream& out, const HistoryVersion& version, const store::UserNames& users) {
-    out << version.id << "\t" << version.keptAt << "\t用户 " << users.WithNumber(version.keptBy) << "\t"
-        << store::CommandText(version.command) << "\t" << version.lines << " 行\t" << version.name;
+    out << version.id << "\t" << version.keptAt << "\t用户 " << OneLine(users.WithNumber(version.keptBy))
+        << "\t" << store::CommandText(version.command) << "\t" << version.lines << " 行\t"
+        << OneLine(version.name);
 }
 
 // What each version's command changed: the difference to the version behind it, or to what is there now.
@@ -183,8 +186,9 @@ int FinishRestoring(const CliContext& context, const store::TemplateOutcome& out
 
 int RestoreNew(const CliContext& context, const HistoryVersion& version) {
     const std::string userId = std::to_string(context.options.userId);
-    std::optional<std::string> name = context.options.newName;
-    if (name->empty()) name = center::NameForRestored(version.name, userId);
+    // As it is stored.
+    std::optional<std::string> name(system::TrimBlanks(context.options.newName));
+    if (context.options.newName.empty()) name = center::NameForRestored(version.name, userId);
     if (!name) throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
     return FinishRestoring(context, center::RestoreAsNew(version, *name, userId), version, *name);
 }

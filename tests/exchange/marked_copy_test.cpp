@@ -457,6 +457,21 @@ TEST_F(MarkedCopyTest, WhatAnotherWindowTellsWhileSeveralComeInIsShown) {
     EXPECT_EQ(Messages(), (Lines{"另一窗口的消息", "另一窗口的消息"})) << "and nothing of the import's";
 }
 
+TEST_F(MarkedCopyTest, BlanksAroundAFilesNameAreNoPartOfTheTemplates) {
+    const std::vector<Lines> rows = {kHeaders, {"#1", "a", "借", "1", "n", "#1", ""}};
+    const std::string blank = MakeWorkbook("  空白 .xlsx", rows);
+    EXPECT_EQ(TemplateNameOf(blank), "空白");
+    const ImportOutcome outcome = Import(blank);
+    EXPECT_EQ(outcome.templateName, "空白");
+    EXPECT_EQ(Messages(), Lines{"引入模板 空白 成功！"});
+    // Both would be one template.
+    NoTemplateYet();
+    const std::vector<ImportOutcome> both =
+        ImportTemplateFiles(window_, {blank, MakeWorkbook("空白.xlsx", rows)});
+    ASSERT_EQ(both.size(), 2U);
+    EXPECT_EQ(ReportText(both[1]), "引入模板失败！文件夹中有同名的工作簿“  空白 .xlsx”，请分别引入或改名！");
+}
+
 TEST_F(MarkedCopyTest, OneChosenFileIsToldAsEver) {
     const auto dialogs = std::make_shared<SeveralDialogs>();
     dialogs->several = {MakeWorkbook("丙.xlsx", rows_)};
