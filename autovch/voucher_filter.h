@@ -3,7 +3,7 @@
 // Which posted vouchers are meant: the filter of the generation dialog and what the ledger knows of it.
 //
 // Values are texts as the dialog's boxes hold them; they go into the statements as they stand, so that
-// Problem() has to be empty before any statement is built. User-interface thread.
+// FilterProblem() has to be empty before any statement is built. User-interface thread.
 
 #include <cstdint>
 #include <string>

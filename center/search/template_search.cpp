@@ -126,7 +126,10 @@ int ColumnThatFits(const std::vector<Condition>& conditions, const LineTexts& li
 std::string WhyNotSearched(const SearchWish& wish) {
     if (!IsGiven(wish.text) && !IsGiven(wish.account) && !IsGiven(wish.item) && !IsGiven(wish.amount))
         return "请输入查找内容！";
-    if (IsGiven(wish.amount) && !RangeOf(wish.amount)) return "金额应为数字或范围，例如 860 或 100-200！";
+    if (!IsGiven(wish.amount)) return {};
+    const std::optional<AmountRange> range = RangeOf(wish.amount);
+    if (!range) return "金额应为数字或范围，例如 860 或 100-200！";
+    if (Decimal::Compare(range->most, range->least) < 0) return "金额范围应从小到大，例如 100-200！";
     return {};
 }
 

@@ -3,6 +3,7 @@
 // What an argument of the command line must be; each answers what is wrong in both languages, or nothing.
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -30,7 +31,16 @@ inline const CLI::Validator kDay(
     [](const std::string& given) {
         std::string form = given;
         std::replace_if(form.begin(), form.end(), text::IsDigit, '9');
-        return form == "9999-99-99" ? std::string() : "应为 yyyy-mm-dd / must be yyyy-mm-dd：" + given;
+        if (form != "9999-99-99") return "应为 yyyy-mm-dd / must be yyyy-mm-dd：" + given;
+        const auto part = [&](std::size_t at, std::size_t length) {
+            return std::stoi(given.substr(at, length));
+        };
+        constexpr int kFirstYear = 1753;  // that an account set's dates know
+        const std::chrono::year_month_day day(std::chrono::year(part(0, 4)),
+                                              std::chrono::month(static_cast<unsigned>(part(5, 2))),
+                                              std::chrono::day(static_cast<unsigned>(part(8, 2))));
+        const bool exists = day.ok() && static_cast<int>(day.year()) >= kFirstYear;
+        return exists ? std::string() : "没有这一天 / no such day：" + given;
     },
     "");
 

@@ -247,12 +247,18 @@ int RunSql(const CliContext& context) {
     watched.longWork = interruptKey;
     const system::SurroundingsScope scope(watched);
     int code = kExitDone;
-    while (const std::optional<ScriptBatch> batch = reader.Next()) {
-        for (int i = 0; i < batch->repeat && code != kExitCancelled; ++i) {
-            const Outcome outcome = RunBatch(connection, *batch, *interruptKey, answer);
-            if (outcome != Outcome::kDone) code = outcome == Outcome::kFailed ? kExitFailed : kExitCancelled;
+    try {
+        while (const std::optional<ScriptBatch> batch = reader.Next()) {
+            for (int i = 0; i < batch->repeat && code != kExitCancelled; ++i) {
+                const Outcome outcome = RunBatch(connection, *batch, *interruptKey, answer);
+                if (outcome != Outcome::kDone)
+                    code = outcome == Outcome::kFailed ? kExitFailed : kExitCancelled;
+            }
+            if (code == kExitCancelled) break;  // what follows may rest on what was not done
         }
-        if (code == kExitCancelled) break;  // what follows may rest on what was not done
+    } catch (...) {
+        answer.End();  // what has been answered is a whole document, wherever the script breaks off
+        throw;
     }
     answer.End();
     if (reading && code == kExitFailed)

@@ -9,7 +9,11 @@ namespace vicenter::host {
 void AddLogCommand(CLI::App& app, CliOptions& options) {
     store::LogFilter& log = options.log;
     CLI::App* added = app.add_subcommand("log", "操作日志 / print the operation log");
-    added->callback([&options] { options.command = CliCommand::Log; });
+    added->callback([&options, &log] {
+        if (!log.from.empty() && !log.to.empty() && log.to < log.from)
+            throw CLI::ValidationError("--to", "不能早于 --from / must not be before --from：" + log.to);
+        options.command = CliCommand::Log;
+    });
     added->add_option("--from", log.from, "起始日期 yyyy-mm-dd / first day")->check(kDay);
     added->add_option("--to", log.to, "终止日期 / last day")->check(kDay);
     added->add_option("--user", log.user, "操作的用户 / the user who acted")->check(kDigits);

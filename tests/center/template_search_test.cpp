@@ -60,6 +60,9 @@ TEST_F(Search, WhatCannotBeSearchedForIsToldAndClearsTheList) {
     EXPECT_EQ(TakeMessages().back(), "请输入查找内容！");
     EXPECT_THAT(Hits({"", "", "", "many"}), IsEmpty());
     EXPECT_EQ(TakeMessages().back(), "金额应为数字或范围，例如 860 或 100-200！");
+    EXPECT_THAT(Hits({"", "", "", "900-800"}), IsEmpty());
+    EXPECT_EQ(TakeMessages().back(), "金额范围应从小到大，例如 100-200！");
+    EXPECT_FALSE(Hits({"", "", "", "860-860"}).empty());
 }
 
 TEST_F(Search, AHitOpensItsTemplateAtTheLineAndShowsAHiddenColumn) {

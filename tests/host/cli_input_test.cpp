@@ -118,6 +118,29 @@ TEST_F(CliInput, AWorkbookThatCannotBeWrittenIsNamed) {
     EXPECT_THAT(Run({"--no", "export", "标准模板", there}).errors, testing::Not(HasSubstr("未能写入")));
 }
 
+// A script whose disk fails behind the first batch: what has been answered is a document all the same.
+TEST_F(CliInput, AScriptThatBreaksOffLeavesAWholeDocument) {
+    class Broken : public std::stringbuf {
+      public:
+        Broken() : std::stringbuf("select 1 as a\ngo\ndelete t_VchTemplate\n") {}
+
+      protected:
+        int_type underflow() override {
+            const int_type next = std::stringbuf::underflow();
+            if (traits_type::eq_int_type(next, traits_type::eof())) throw std::runtime_error("disk");
+            return next;
+        }
+    };
+    Broken buffer;
+    std::istream in(&buffer);
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunCli({"--account-set", file_, "--json", "sql"}, {in, out, err}), 1);
+    EXPECT_EQ(out.str(), "[{\"results\":[{\"columns\":[\"a\"],\"rows\":[[1]]}],\"error\":null}]\n");
+    EXPECT_THAT(err.str(), HasSubstr("脚本没有读完，其余部分没有执行！"));
+    EXPECT_GT(Number("select count(*) as n from t_VchTemplate"), 1);
+}
+
 // Takes nothing, as a full disk does.
 class FullBuffer : public std::streambuf {
   protected:
