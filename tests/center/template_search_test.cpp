@@ -40,7 +40,8 @@ TEST_F(Search, FindsByEveryKindAndOnlyInTheUsersTemplates) {
     EXPECT_THAT(Hits({"手续费", "", "", ""}), ElementsAre("标准模板:3:2"));
     EXPECT_THAT(Hits({"", "", "d02", ""}), ElementsAre("日常费用:1:11", "日常费用:6:11"));
     EXPECT_THAT(Hits({"", "", "", "1,260"}), ElementsAre("日常费用:8:20", "日常费用:9:20"));
-    EXPECT_THAT(Hits({"", "", "", "２３００－2380.5"}), ElementsAre("日常费用:3:20", "日常费用:4:20", "销售与收款:8:20"));
+    EXPECT_THAT(Hits({"", "", "", "２３００－2380.5"}),
+                ElementsAre("日常费用:3:20", "日常费用:4:20", "销售与收款:8:20"));
     EXPECT_THAT(Hits({"", "1001", "", "860"}), ElementsAre("日常费用:2:5"));
     EXPECT_THAT(Hits({"采购乌龙茶", "", "", ""}), IsEmpty());
     EXPECT_EQ(TakeMessages().back(), "没有查找到对应的分录，请重新录入查找条件！");
