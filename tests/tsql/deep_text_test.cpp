@@ -112,6 +112,18 @@ TEST_F(DeepTextTest, Queries_in_FROM_join_more_tables_than_one_may) {
     EXPECT_EQ(Run("select sum(x.a) as n from v40 as x left join v40 as y on x.a = y.a + 1"), "n:int\n3");
 }
 
+TEST_F(DeepTextTest, An_update_joins_as_many_tables_as_a_query) {
+    const auto joined = [](int count) {
+        std::string text = " from t";
+        for (int i = 1; i < count; ++i)
+            text += " join t as t" + std::to_string(i) + " on t" + std::to_string(i) + ".a = t.a";
+        return text;
+    };
+    EXPECT_EQ(Run("update t set b = t63.a" + joined(64) + " select b from t"), "b:decimal(9,2)\n1.00\n2.00");
+    EXPECT_EQ(Run("update t set b = 7" + joined(65)).substr(0, 11), "error 40510");
+    EXPECT_EQ(Run("delete t" + joined(64) + " where t63.a = 2 select a from t"), "a:int\n1");
+}
+
 TEST_F(DeepTextTest, Functions_take_as_many_arguments_as_the_server_s) {
     const auto list = [](int count, const std::string& item) {
         std::string text = item;

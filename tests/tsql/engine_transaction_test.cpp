@@ -251,5 +251,20 @@ TEST_F(EngineTransactionTest, A_reset_session_has_forgotten_everything) {
     EXPECT_EQ(Run("select @@trancount as n, count(*) as m from t"), "n:int m:int\n0|0");
 }
 
+TEST_F(EngineTransactionTest, A_unit_is_told_of_a_procedure_that_leaves_another_number_of_transactions) {
+    Run("create table t (a int)");
+    Run("create procedure opens as begin tran insert into t values (1)");
+    Run("create procedure closes as commit");
+    EXPECT_EQ(Run("insert into t values (7)\nexec opens select 1 as n"),
+              "error 266 line 2: Transaction count after EXECUTE indicates a mismatching number of BEGIN and "
+              "COMMIT statements. Previous count = 0, current count = 1.");
+    EXPECT_EQ(Run("select count(*) as n, @@trancount as c from t"), "n:int c:int\n0|0");
+    Run("begin tran insert into t values (2)");
+    EXPECT_EQ(Run("exec closes").substr(0, 9), "error 266");
+    EXPECT_EQ(Run("select count(*) as n, @@trancount as c from t"), "n:int c:int\n0|0");
+    EXPECT_EQ(Run("begin try exec opens end try begin catch end catch select @@trancount as c rollback"),
+              "c:int\n1");
+}
+
 }  // namespace
 }  // namespace vicenter::tsql::engine

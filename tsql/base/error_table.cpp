@@ -227,6 +227,11 @@ constexpr ErrorEntry kErrors[] = {
      "CREATE TABLE failed because column '%.*ls' in table '%.*ls' exceeds the maximum of %d columns."},
     {1750, 10, kStatement, "Could not create constraint or index. See previous errors."},
     {1752, 16, kText, "Column '%.*ls' in table '%.*ls' is invalid for creating a default constraint."},
+    {1753, 16, kText,
+     "Column '%.*ls.%.*ls' is not the same length or scale as referencing column '%.*ls.%.*ls' in foreign "
+     "key "
+     "'%.*ls'. Columns participating in a foreign key relationship must be defined with the same length and "
+     "scale."},
     {1754, 16, kText,
      "Defaults cannot be created on columns with an IDENTITY attribute. Table '%.*ls', column '%.*ls'."},
     {1759, 16, kText,
@@ -236,6 +241,9 @@ constexpr ErrorEntry kErrors[] = {
     {1776, 16, kText,
      "There are no primary or candidate keys in the referenced table '%.*ls' that match the referencing "
      "column list in the foreign key '%.*ls'."},
+    {1778, 16, kText,
+     "Column '%.*ls.%.*ls' is not the same data type as referencing column '%.*ls.%.*ls' in foreign key "
+     "'%.*ls'."},
     {1779, 16, kText, "Table '%.*ls' already has a primary key defined on it."},
     {1781, 16, kText, "Column already has a DEFAULT bound to it."},
     {1785, 16, kText,
@@ -296,6 +304,7 @@ constexpr ErrorEntry kErrors[] = {
      "Could not drop object '%.*ls' because it is referenced by a FOREIGN KEY constraint."},
     {3727, 10, kStatement, "Could not drop constraint. See previous errors."},
     {3728, 16, kStatement, "'%.*ls' is not a constraint."},
+    {3729, 16, kStatement, "Cannot %ls '%.*ls' because it is being referenced by object '%.*ls'."},
     {3902, 16, kStatement, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     {3903, 16, kStatement, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     {3906, 16, kBatch, "Failed to update database \"%.*ls\" because the database is read-only."},
@@ -388,10 +397,17 @@ constexpr ErrorEntry kErrors[] = {
     {8121, 16, kText,
      "Column '%.*ls.%.*ls' is invalid in the HAVING clause because it is not contained in either an "
      "aggregate function or the GROUP BY clause."},
+    {8124, 16, kText,
+     "Multiple columns are specified in an aggregated expression containing an outer reference. If an "
+     "expression being aggregated contains an outer reference, then that outer reference must be the only "
+     "column referenced in the expression."},
     {8127, 16, kText,
      "Column \"%.*ls.%.*ls\" is invalid in the ORDER BY clause because it is not contained in either an "
      "aggregate function or the GROUP BY clause."},
     {8134, 16, kStatement, "Divide by zero error encountered."},
+    {8139, 16, kText,
+     "Number of referencing columns in foreign key differs from number of referenced columns, table "
+     "'%.*ls'."},
     {8141, 16, kText, "Column %ls constraint for column '%.*ls' references another column, table '%.*ls'."},
     {8143, 16, kStatement, "Parameter '%.*ls' was supplied multiple times."},
     {8144, 16, kStatement, "Procedure or function %.*ls has too many arguments specified."},

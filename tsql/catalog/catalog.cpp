@@ -345,6 +345,13 @@ const ModuleInfo* Catalog::FindView(std::string_view name) const {
     return found == views_.end() ? nullptr : &found->second;
 }
 
+std::vector<const ModuleInfo*> Catalog::Views() const {
+    std::vector<const ModuleInfo*> views;
+    for (const auto& [name, view] : views_)
+        views.push_back(&view);
+    return views;
+}
+
 const ModuleInfo* Catalog::FindProcedure(std::string_view name) const {
     const auto found = procedures_.find(LowerAscii(name));
     return found == procedures_.end() ? nullptr : &found->second;

@@ -137,6 +137,7 @@ class Catalog {
     std::optional<std::int64_t> ConstraintId(std::string_view name, std::string_view type) const;
     bool HasConstraint(std::string_view name) const { return ConstraintId(name, {}).has_value(); }
     std::vector<const TableInfo*> Tables() const;
+    std::vector<const ModuleInfo*> Views() const;
     // The id of a table, view or procedure, or nothing. type is as in OBJECT_ID: "U", "V", "P" or empty.
     std::optional<std::int64_t> ObjectId(std::string_view name, std::string_view type) const;
 

@@ -80,6 +80,22 @@ SqlError ForeignKeyError(std::string_view operation, const ForeignKeyInfo& key) 
          single ? ", column '" : "", single ? key.referencedColumns.front() : "", single ? "'" : ""});
 }
 
+SqlError BrokenKeyError(std::string_view operation, const TableInfo& changed, const TableInfo& owner,
+                        const ForeignKeyInfo& key) {
+    const bool isOfItself = SameName(owner.name, key.referencedTable);
+    if (SameName(owner.name, changed.name) && operation != "DELETE" && !isOfItself)
+        return ForeignKeyError(operation, key);
+    const char* kind = !isOfItself             ? "REFERENCE"
+                       : operation == "DELETE" ? "SAME TABLE REFERENCE"
+                                               : "FOREIGN KEY SAME TABLE";
+    const bool refersFrom = !isOfItself || operation == "DELETE";
+    const std::vector<std::string>& columns = refersFrom ? key.columns : key.referencedColumns;
+    const bool single = columns.size() == 1;
+    return MakeError(547, {},
+                     {operation, kind, key.name, "accountset", owner.FullName(), single ? ", column '" : "",
+                      single ? columns.front() : "", single ? "'" : ""});
+}
+
 SqlError ConstraintError(const Catalog& catalog, const FunctionServices& services,
                          const Translation& translation, FailureKind kind, const std::string& text) {
     const TableInfo* table = catalog.FindTable(translation.table);
@@ -112,17 +128,12 @@ SqlError ConstraintError(const Catalog& catalog, const FunctionServices& service
         return CheckError(operation, *table, name);
     }
     if (kind == FailureKind::kForeignKey) {
-        if (operation != "DELETE" && !table->foreignKeys.empty()) {
-            return ForeignKeyError(operation, table->foreignKeys.front());
-        }
+        if (operation != "DELETE" && !table->foreignKeys.empty())
+            return BrokenKeyError(operation, *table, *table, table->foreignKeys.front());
         for (const TableInfo* other : catalog.Tables()) {
             for (const ForeignKeyInfo& key : other->foreignKeys) {
-                if (!SameName(key.referencedTable, table->name)) continue;
-                const bool single = key.columns.size() == 1;
-                return MakeError(
-                    547, {},
-                    {operation, "REFERENCE", key.name, "accountset", other->FullName(),
-                     single ? ", column '" : "", single ? key.columns.front() : "", single ? "'" : ""});
+                if (SameName(key.referencedTable, table->name))
+                    return BrokenKeyError(operation, *table, *other, key);
             }
         }
     }

@@ -19,6 +19,10 @@ SqlError ConstraintError(const Catalog& catalog, const FunctionServices& service
 // A row of the table refers to nothing.
 SqlError ForeignKeyError(std::string_view operation, const ForeignKeyInfo& key);
 
+// A change of a table has broken the key of that or of another table.
+SqlError BrokenKeyError(std::string_view operation, const TableInfo& changed, const TableInfo& owner,
+                        const ForeignKeyInfo& key);
+
 // A row that a CHECK of the table does not let in.
 SqlError CheckError(std::string_view operation, const TableInfo& table, std::string_view check);
 

@@ -117,7 +117,8 @@ class Executor {
     }
     const TableInfo* FindTable(std::string_view name) const { return frame_->FindTable(catalog_, name); }
     Value SystemValue(std::string_view name) const;  // system_value.cpp
-    void ServeFacts();                               // catalog_facts.cpp
+    std::int64_t CursorRows() const;
+    void ServeFacts();  // catalog_facts.cpp
 
     // plan.cpp: plans and their parameters
     using Make = std::function<Translation(Translator&)>;
@@ -147,6 +148,7 @@ class Executor {
                      const LiteralValue& literal) const;
     bool StepPlan(Plan& plan);
     [[noreturn]] void FailStep(const Plan& plan);
+    [[noreturn]] void FailForeignKey(Plan& plan);  // broken_key.cpp
     Value Evaluate(const Expr& expression, SqlType* type = nullptr);
     bool IsTrue(const Expr& condition);
     std::string EvaluateText(const Expr& expression);
@@ -161,6 +163,8 @@ class Executor {
     void InsertRows(const void* key, const ObjectName& table, const std::vector<Name>& columns,
                     const std::vector<SqlType>& types, std::vector<std::vector<Value>>& rows);
     void Update(const UpdateStatement& statement);
+    void UpdateColumns(const UpdateStatement& statement, bool temporary);
+    void UpdateVariables(const UpdateStatement& statement, bool temporary);
     // False when it cannot be done that way.
     bool RewriteRows(const UpdateStatement& statement, bool temporary);
     bool IsReferenced(const TableInfo& table) const;
@@ -196,7 +200,12 @@ class Executor {
     void NumberRows(const TableInfo& table, const ColumnInfo& column);
     void AddColumnTo(const AlterTableStatement& statement, const ColumnDefinition& definition);
     void CheckRows(const TableInfo& table, const TableInfo& before, Position where);
-    [[noreturn]] void FailDependent(std::string_view kind, std::string_view dependent, const Name& column);
+    [[noreturn]] void FailDependent(const char* operation, std::string_view kind, std::string_view dependent,
+                                    const Name& column);
+    void CheckDependents(const char* operation, const TableInfo& table, const ColumnInfo& column,
+                         const Name& name);
+    void CheckAlterable(const TableInfo& table, const ColumnInfo& column, const SqlType& type, bool nullable,
+                        const Name& name);
     void AddConstraintTo(const AlterTableStatement& statement, const Constraint& constraint);
     void AlterColumn(const AlterTableStatement& statement);
     void DropColumnOf(const AlterTableStatement& statement, const Name& name);
@@ -288,9 +297,10 @@ class Executor {
     bool toUndo_ = false;            // a failed batch is still to be undone: there was no memory for it
     SetOptions setOptions_;          // between batches; while one runs, its frame's count
     int tryDepth_ = 0;
-    std::string label_;            // that a GOTO is on its way to
-    std::int64_t currentRow_ = 0;  // of the cursor that UPDATE or DELETE names
-    bool unbound_ = false;         // the error on its way was found while a statement was translated
+    std::string label_;                       // that a GOTO is on its way to
+    std::int64_t currentRow_ = 0;             // of the cursor that UPDATE or DELETE names
+    std::weak_ptr<const Cursor> lastOpened_;  // that @@CURSOR_ROWS is about
+    bool unbound_ = false;  // the error on its way was found while a statement was translated
     std::int64_t rowCount_ = 0;
     std::int32_t lastError_ = 0;
     std::int32_t fetchStatus_ = 0;

@@ -33,6 +33,7 @@ struct Cursor {
     std::int64_t position = -1;
     bool open = false;
     bool scroll = true;
+    bool isCounted = false;  // @@CURSOR_ROWS tells its rows
     // Of a query of one table: that table, and the numbers of the rows, for WHERE CURRENT OF.
     std::int64_t table = 0;
     std::vector<std::int64_t> rowNumbers;

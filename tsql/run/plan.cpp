@@ -185,7 +185,11 @@ bool Executor::StepPlan(Plan& plan) {
     const StepResult result = plan.statement.Step();
     if (std::exchange(services_.failedComparison, false)) throw std::bad_alloc();
     // What failed is told before the next call on the connection makes it forget.
-    if (result == StepResult::kFailed) FailStep(plan);
+    if (result == StepResult::kFailed) {
+        if (!services_.pending && database_.LastFailureKind() == FailureKind::kForeignKey)
+            FailForeignKey(plan);
+        FailStep(plan);
+    }
     catalog_.EndSnapshot();
     return result == StepResult::kRow;
 }

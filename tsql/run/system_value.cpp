@@ -45,7 +45,7 @@ Value Executor::SystemValue(std::string_view name) const {
     if (name == "@@lock_timeout")
         return Value(frame_ != nullptr ? frame_->options.lockTimeoutMilliseconds : 0);
     if (name == "@@max_precision") return Value(kMaxPrecision);
-    if (name == "@@cursor_rows") return Value(0);
+    if (name == "@@cursor_rows") return Value(CursorRows());
     if (name == "@@options") return Value(OptionBits(frame_ != nullptr ? frame_->options : setOptions_));
     if (name == "@@langid") return Value(0);
     if (name == "@@textsize") return Value(std::int64_t{std::numeric_limits<std::int32_t>::max()});

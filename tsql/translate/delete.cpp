@@ -26,7 +26,7 @@ Translation Translator::Delete(const DeleteStatement& statement) {
     if (joined || statement.top) {
         std::string limit;
         if (statement.top) {
-            if (statement.top->percent) throw MakeError(40510, statement.position, {"TOP"});
+            if (statement.top->percent) throw MakeError(40510, statement.position, {"DELETE TOP … PERCENT"});
             Scope none;
             limit = " LIMIT " + RowCount(*statement.top->count, none, RowLimit::kTop);
         }

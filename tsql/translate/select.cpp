@@ -143,24 +143,28 @@ void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& part
     if (!operand.pending && !operand.isPlain)
         operand.weight = weight_ - before + static_cast<std::int64_t>(operand.sql.size());
     if (operand.literal != nullptr) context_.PinLiteral(*operand.literal);
-    if (item.kind == SelectItemKind::kAssignment) {
-        const std::string name = LowerAscii(item.variable);
-        const auto type = context_.VariableType(name);
-        if (!type) throw MakeError(137, item.position, {item.variable});
-        if (item.assign != AssignOp::kSet) {
-            const Operand current = Variable(VariableExpr(item.position, item.variable));
-            operand = Binary(static_cast<BinaryOp>(static_cast<int>(item.assign) - 1), item.position, current,
-                             operand);
-        }
-        const std::string text = RenderAs(operand, *type);
-        // Each may double what stands before it.
-        if (text.size() > kLongestAssigned) throw MakeError(8623, item.position);
-        operand = Computed(text, *type);
-        assigned_.emplace_back(name, text);
-        parts.assignments.push_back({name, AssignOp::kSet});
-    }
+    if (item.kind == SelectItemKind::kAssignment)
+        return AddAssignment(item.variable, item.assign, std::move(operand), item.position, parts);
     parts.items.push_back(std::move(operand));
     parts.names.push_back(ItemName(item, scope));
+}
+
+void Translator::AddAssignment(const std::string& variable, AssignOp op, Operand value, Position where,
+                               SelectParts& parts) {
+    const std::string name = LowerAscii(variable);
+    const auto type = context_.VariableType(name);
+    if (!type) throw MakeError(137, where, {variable});
+    if (op != AssignOp::kSet) {
+        const Operand current = Variable(VariableExpr(where, variable));
+        value = Binary(static_cast<BinaryOp>(static_cast<int>(op) - 1), where, current, value);
+    }
+    const std::string text = RenderAs(value, *type);
+    // Each may double what stands before it.
+    if (text.size() > kLongestAssigned) throw MakeError(8623, where);
+    assigned_.emplace_back(name, text);
+    parts.assignments.push_back({name, AssignOp::kSet});
+    parts.items.push_back(Computed(text, *type));
+    parts.names.emplace_back();
 }
 
 void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail) {

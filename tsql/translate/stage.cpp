@@ -59,12 +59,14 @@ void Translator::CloseStage(const Stage& stage, SelectParts& parts) {
 const Scope& Translator::OwnerOf(const FunctionExpr& call, const Scope& scope) const {
     const Scope* owner = nullptr;
     bool isOwn = false;
+    bool isMixed = false;
     for (const ExprPtr& argument : call.arguments) {
         VisitAll(*argument, [&](const Expr& one) {
             const auto* column = TryAs<ColumnExpr>(&one);
             const Scope* level = column != nullptr ? ScopeOf(*column, scope) : nullptr;
             if (level == nullptr) return;
             isOwn = isOwn || level == &scope;
+            isMixed = isMixed || (owner != nullptr && owner != level);
             if (owner == nullptr) owner = level;
             // The nearer one of two.
             for (const Scope* outer = level->outer; outer != nullptr; outer = outer->outer) {
@@ -72,6 +74,7 @@ const Scope& Translator::OwnerOf(const FunctionExpr& call, const Scope& scope) c
             }
         });
     }
+    if (isMixed) throw MakeError(8124, call.position);
     return isOwn || owner == nullptr ? scope : *owner;
 }
 

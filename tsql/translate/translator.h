@@ -77,6 +77,8 @@ class Translator {
     std::string CheckText(const TableInfo& table, const Expr& condition);
     // The rows that an UPDATE changes as they are to be: each row's number and every stored column.
     Translation UpdatedRows(const UpdateStatement& statement);
+    // What SET @v = e gives the variables, row by row, with the number of each row behind it.
+    Translation UpdatedVariables(const UpdateStatement& statement);
     // UPDATE t SET c = value [WHERE c IS NULL]: fills a new column or changes a column's type.
     Translation FillColumn(const TableInfo& table, const ColumnInfo& column, const Expr& value);
     Translation RewriteColumn(const TableInfo& table, const ColumnInfo& column, const SqlType& from);
@@ -204,6 +206,8 @@ class Translator {
     SelectParts SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer);
     SelectParts BodyOf(const QueryBody& body, const Query* orderFrom, const Scope* outer);
     void AddItem(const SelectItem& item, Scope& scope, SelectParts& parts);
+    void AddAssignment(const std::string& variable, AssignOp op, Operand value, Position where,
+                       SelectParts& parts);
     void AddIdentity(const FunctionExpr& call, const SelectItem& item, SelectParts& parts);
     std::string CurrentRow(const Name& cursor, const std::string& alias);
     void AddStar(const SelectItem& item, Scope& scope, SelectParts& parts);

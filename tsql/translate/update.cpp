@@ -16,13 +16,28 @@ constexpr const char* kUpdate = "UPDATE";
 
 }  // namespace
 
+// The server works a variable out row by row, and what is made of it in the same row as well.
+static void CheckVariableAlone(const tsql::Assignment& variable,
+                               const std::vector<tsql::Assignment>& assignments) {
+    for (const tsql::Assignment& other : assignments) {
+        if (other.column.IsEmpty()) continue;
+        VisitAll(*other.value, [&](const Expr& one) {
+            const auto* use = TryAs<VariableExpr>(&one);
+            if (use != nullptr && SameName(use->name, variable.variable))
+                throw MakeError(40510, use->position, {"UPDATE … SET column = @variable that it sets"});
+        });
+    }
+}
+
 std::vector<Translator::Assigned> Translator::Assignments(const std::vector<tsql::Assignment>& assignments,
                                                           const TableInfo& table, Scope& scope,
                                                           const std::string& alias) {
     std::vector<Assigned> result;
     for (const tsql::Assignment& assignment : assignments) {
-        if (assignment.column.IsEmpty())
-            throw MakeError(40510, assignment.position, {"UPDATE … SET @variable = expression"});
+        if (assignment.column.IsEmpty()) {
+            CheckVariableAlone(assignment, assignments);
+            continue;
+        }
         const std::string name = BehindName(assignment.column.Object(), assignment.position);
         const ColumnInfo* column = table.FindColumn(name);
         if (column == nullptr) throw MakeError(207, assignment.position, {name});
@@ -75,7 +90,7 @@ Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement) {
     if (statement.where) parts.condition = ConditionText(*statement.where, parts.scope);
     if (!statement.currentOf.IsEmpty()) parts.condition = CurrentRow(statement.currentOf, parts.alias);
     if (statement.top) {
-        if (statement.top->percent) throw MakeError(40510, statement.position, {"TOP"});
+        if (statement.top->percent) throw MakeError(40510, statement.position, {"UPDATE TOP … PERCENT"});
         Scope none;
         parts.limit = " LIMIT " + RowCount(*statement.top->count, none, RowLimit::kTop);
     }
@@ -101,6 +116,28 @@ Translation Translator::UpdatedRows(const UpdateStatement& statement) {
     return Finished(std::move(sql));
 }
 
+// SELECT the values of @v = e, and the number of the row: the last one's stay.
+Translation Translator::UpdatedVariables(const UpdateStatement& statement) {
+    UpdateParts parts = PartsOf(statement);
+    for (const tsql::Assignment& assignment : statement.assignments) {
+        if (assignment.column.IsEmpty()) assigning_ += " " + LowerAscii(assignment.variable) + " ";
+    }
+    std::string list;
+    SelectParts items;
+    for (const tsql::Assignment& assignment : statement.assignments) {
+        if (!assignment.column.IsEmpty()) continue;
+        if (HasAggregate(*assignment.value)) throw MakeError(157, assignment.position);
+        AddAssignment(assignment.variable, assignment.op, Value(*assignment.value, parts.scope),
+                      assignment.position, items);
+        translation_.columns.push_back({"", items.items.back().type});
+        list += items.items.back().sql + ", ";
+    }
+    translation_.assignments = std::move(items.assignments);
+    translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
+    return Finished("SELECT " + list + parts.alias + "._rowid_" + parts.from + Where(parts.condition) +
+                    parts.limit);
+}
+
 Translation Translator::Update(const UpdateStatement& statement) {
     const UpdateParts parts = PartsOf(statement);
     const TableInfo& table = *parts.table;
@@ -109,7 +146,7 @@ Translation Translator::Update(const UpdateStatement& statement) {
     // @v = column = e: SQLite gives the new value back, and the last row's stays.
     std::string variables;
     for (const tsql::Assignment& assignment : statement.assignments) {
-        if (assignment.variable.empty()) continue;
+        if (assignment.variable.empty() || assignment.column.IsEmpty()) continue;
         const ColumnInfo* column =
             table.FindColumn(BehindName(assignment.column.Object(), assignment.position));
         translation_.assignments.push_back({LowerAscii(assignment.variable), AssignOp::kSet});
@@ -146,8 +183,10 @@ Translation Translator::Update(const UpdateStatement& statement) {
             sql += (i == 0 ? "" : ", ") + Quoted(assigned[i].column->name) + " = " +
                    RenderStored(quoted, table, *assigned[i].column, kUpdate);
         }
+        // SQLite would join the target with all tables of FROM, which may be as many as it joins.
+        const std::string limit = ways_.separates && parts.limit.empty() ? " LIMIT -1 OFFSET 0" : parts.limit;
         sql = "UPDATE " + table.Sql() + " AS \"ts$t\" SET " + sql + " FROM (" + inner + parts.from +
-              Where(parts.condition) + parts.limit + ") AS \"ts$s\" WHERE \"ts$t\"._rowid_ = \"ts$s\".r";
+              Where(parts.condition) + limit + ") AS \"ts$s\" WHERE \"ts$t\"._rowid_ = \"ts$s\".r";
     }
     sql += variables;
     if (statement.output) {

@@ -2,8 +2,8 @@
 
 #include "automation/object.h"
 #include "tsql/run/constraint_error.h"
+#include "tsql/run/dependents.h"
 #include "tsql/run/executor.h"
-#include "tsql/syntax/lexer.h"
 #include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::tsql::engine {
@@ -20,17 +20,6 @@ bool IsEmpty(Database& database, const TableInfo& table) {
 bool Names(const std::vector<std::string>& columns, std::string_view name) {
     return std::any_of(columns.begin(), columns.end(),
                        [name](const std::string& column) { return SameName(column, name); });
-}
-
-// The expression uses a column of that name, as far as its words tell.
-bool Mentions(const std::string& expression, std::string_view name) {
-    Lexer lexer(expression);
-    for (Token token = lexer.Next(); token.kind != TokenKind::kEnd; token = lexer.Next()) {
-        const bool isName =
-            token.kind == TokenKind::kIdentifier || token.kind == TokenKind::kQuotedIdentifier;
-        if (isName && SameName(TokenValue(token), name)) return true;
-    }
-    return false;
 }
 
 }  // namespace
@@ -94,10 +83,56 @@ void Executor::CheckRows(const TableInfo& table, const TableInfo& before, Positi
 }
 
 // The server tells what depends on the column, and then that it stays.
-void Executor::FailDependent(std::string_view kind, std::string_view dependent, const Name& column) {
+void Executor::FailDependent(const char* operation, std::string_view kind, std::string_view dependent,
+                             const Name& column) {
     SqlError first = MakeError(5074, column.position, {kind, dependent, "column", column.text});
     if (tryDepth_ == 0) Report(Completed(first, static_cast<std::int32_t>(column.position.line)).Details());
-    throw MakeError(4922, column.position, {"ALTER TABLE DROP COLUMN", column.text});
+    throw MakeError(4922, column.position, {operation, column.text});
+}
+
+// What holds a column whatever becomes of it: foreign keys, computed columns and bound views.
+void Executor::CheckDependents(const char* operation, const TableInfo& table, const ColumnInfo& column,
+                               const Name& name) {
+    for (const TableInfo* other : catalog_.Tables()) {
+        for (const ForeignKeyInfo& key : other->foreignKeys) {
+            const bool own = SameName(other->name, table.name) && Names(key.columns, name.text);
+            if (own || (SameName(key.referencedTable, table.name) && Names(key.referencedColumns, name.text)))
+                FailDependent(operation, "object", key.name, name);
+        }
+    }
+    for (const ColumnInfo& other : table.columns) {
+        if (&other != &column && Mentions(other.computedText, name.text))
+            FailDependent(operation, "column", other.name, name);
+    }
+    if (table.temporary) return;
+    if (const ModuleInfo* view = BoundView(catalog_, programs_, table.name, name.text))
+        FailDependent(operation, "object", view->name, name);
+}
+
+// As the server has it, a varchar may grow under a check or an index, and under a check and a default what is
+// of the same type may have another length.
+void Executor::CheckAlterable(const TableInfo& table, const ColumnInfo& column, const SqlType& type,
+                              bool nullable, const Name& name) {
+    constexpr const char* kOperation = "ALTER TABLE ALTER COLUMN";
+    // Whether it may be NULL matters to the primary key alone.
+    const bool isSame = column.type == type;
+    const bool sameKind = column.type.kind == type.kind;
+    const bool varies =
+        sameKind && ((type.IsText() && !type.IsFixedText()) || type.kind == TypeKind::kVarBinary);
+    const bool grows =
+        varies && (type.IsMax() || (!column.type.IsMax() && type.length >= column.type.length));
+    for (const KeyInfo& key : table.keys) {
+        const bool isPrimary = key.kind == KeyKind::kPrimary;
+        if (!Names(key.columns, name.text) || (isPrimary ? isSame && !nullable : isSame || grows)) continue;
+        FailDependent(kOperation, key.IsConstraint() ? "object" : "index", key.name, name);
+    }
+    for (const CheckInfo& check : table.checks) {
+        if (Mentions(check.text, name.text) && !varies && !isSame)
+            FailDependent(kOperation, "object", check.name, name);
+    }
+    if (!column.defaultText.empty() && !sameKind)
+        FailDependent(kOperation, "object", column.defaultName, name);
+    if (!isSame) CheckDependents(kOperation, table, column, name);
 }
 
 // The rows that are there get the first values of a new identity column.
@@ -176,10 +211,8 @@ void Executor::AlterColumn(const AlterTableStatement& statement) {
         throw MakeError(4924, statement.position,
                         {"ALTER TABLE ALTER COLUMN", definition.name.text, before.name});
     }
-    if (before.IsRowNumber(column->name) && !Translator::ResolveType(definition.type).IsInteger()) {
-        throw MakeError(5074, statement.position,
-                        {"object", before.PrimaryKey()->name, "column", column->name});
-    }
+    CheckAlterable(before, *column, Translator::ResolveType(definition.type),
+                   definition.nullable.value_or(true), definition.name);
     const SqlType from = column->type;
     TableInfo changed = before;
     for (ColumnInfo& entry : changed.columns) {
@@ -202,25 +235,16 @@ void Executor::DropColumnOf(const AlterTableStatement& statement, const Name& na
         if (statement.ifExists) return;
         throw MakeError(4924, name.position, {"ALTER TABLE DROP COLUMN", name.text, now.name});
     }
-    if (!column->defaultText.empty()) FailDependent("object", column->defaultName, name);
+    constexpr const char* kOperation = "ALTER TABLE DROP COLUMN";
+    if (!column->defaultText.empty()) FailDependent(kOperation, "object", column->defaultName, name);
     for (const KeyInfo& key : now.keys) {
         if (Names(key.columns, name.text))
-            FailDependent(key.IsConstraint() ? "object" : "index", key.name, name);
-    }
-    for (const TableInfo* table : catalog_.Tables()) {
-        for (const ForeignKeyInfo& key : table->foreignKeys) {
-            const bool own = SameName(table->name, now.name) && Names(key.columns, name.text);
-            if (own || (SameName(key.referencedTable, now.name) && Names(key.referencedColumns, name.text)))
-                FailDependent("object", key.name, name);
-        }
+            FailDependent(kOperation, key.IsConstraint() ? "object" : "index", key.name, name);
     }
     for (const CheckInfo& check : now.checks) {
-        if (Mentions(check.text, name.text)) FailDependent("object", check.name, name);
+        if (Mentions(check.text, name.text)) FailDependent(kOperation, "object", check.name, name);
     }
-    for (const ColumnInfo& other : now.columns) {
-        if (&other != column && Mentions(other.computedText, name.text))
-            FailDependent("column", other.name, name);
-    }
+    CheckDependents(kOperation, now, *column, name);
     catalog_.DropColumn(now, column->name);
 }
 

@@ -176,6 +176,17 @@ void Executor::AddCheck(TableInfo& table, const Constraint& constraint) {
     table.checks.push_back(std::move(check));
 }
 
+static void CheckSameTypes(const TableInfo& table, const TableInfo& referenced, const ForeignKeyInfo& key,
+                           Position where) {
+    for (std::size_t i = 0; i < key.columns.size(); ++i) {
+        const ColumnInfo& own = *table.FindColumn(key.columns[i]);
+        const ColumnInfo& other = *referenced.FindColumn(key.referencedColumns[i]);
+        if (own.type == other.type) continue;
+        throw MakeError(own.type.kind == other.type.kind ? 1753 : 1778, where,
+                        {referenced.name, other.name, table.name, own.name, key.name});
+    }
+}
+
 // What is referred to is a key of the other table, by default its primary one. A table may refer to itself,
 // which is not in the catalog yet.
 void Executor::AddForeignKey(TableInfo& table, const Constraint& constraint) {
@@ -198,6 +209,9 @@ void Executor::AddForeignKey(TableInfo& table, const Constraint& constraint) {
         referenced->keys.begin(), referenced->keys.end(),
         [&](const KeyInfo& entry) { return entry.IsUnique() && entry.columns == key.referencedColumns; });
     if (!isKey) throw MakeError(1776, constraint.position, {referenced->name, key.name});
+    if (key.columns.size() != key.referencedColumns.size())
+        throw MakeError(8139, constraint.position, {table.name});
+    CheckSameTypes(table, *referenced, key, constraint.position);
     key.onDelete = constraint.onDelete;
     key.onUpdate = constraint.onUpdate;
     table.foreignKeys.push_back(std::move(key));

@@ -1,5 +1,7 @@
 // Cursors. All are static: OPEN reads the rows, FETCH goes through them.
 
+#include <algorithm>
+
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
 
@@ -18,7 +20,25 @@ bool Has(const std::vector<std::string>& options, std::string_view option) {
     return false;
 }
 
+// Its rows are those of tables: what is made of several rows the server has to keep as it is.
+bool IsOfRows(const Query& query) {
+    const SelectBody* select = query.Select();
+    if (select == nullptr || select->distinct || select->having || !select->groupBy.empty() ||
+        !select->grouping.empty())
+        return false;
+    return std::none_of(select->items.begin(), select->items.end(), [](const SelectItem& item) {
+        return item.expression && (HasAggregate(*item.expression) || HasWindow(*item.expression));
+    });
+}
+
 }  // namespace
+
+// -1 for a cursor that the server opens on rows that may still change; 0 when none is open.
+std::int64_t Executor::CursorRows() const {
+    const std::shared_ptr<const Cursor> last = lastOpened_.lock();
+    if (!last || !last->open) return 0;
+    return last->isCounted ? static_cast<std::int64_t>(last->rows.size()) : -1;
+}
 
 std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const CursorDefinition& definition) {
     auto cursor = std::make_shared<Cursor>();
@@ -34,6 +54,8 @@ std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const Curs
         return readOnly ? translator.Select(*definition.query) : translator.CursorQuery(*definition.query);
     });
     cursor->table = plan.translation.rowsOf;
+    cursor->isCounted = Has(definition.options, "static") || Has(definition.options, "insensitive") ||
+                        Has(definition.options, "keyset") || !IsOfRows(*definition.query);
     // Variables in the query have the values of this moment.
     Bind(plan);
     cursor->columns = plan.translation.columns;
@@ -73,7 +95,8 @@ void Executor::SetCursor(const SetCursorStatement& statement) {
 }
 
 void Executor::OpenCursor(const OpenCursorStatement& statement) {
-    Cursor& cursor = *CursorSlot(statement.cursor);
+    const std::shared_ptr<Cursor> slot = CursorSlot(statement.cursor);
+    Cursor& cursor = *slot;
     if (cursor.open) throw MakeError(16905, statement.position);
     cursor.rows.clear();
     cursor.rowNumbers.clear();
@@ -96,6 +119,7 @@ void Executor::OpenCursor(const OpenCursorStatement& statement) {
     cursor.statement = std::move(plan.statement);
     cursor.position = -1;
     cursor.open = true;
+    lastOpened_ = slot;
 }
 
 void Executor::Fetch(const FetchStatement& statement) {

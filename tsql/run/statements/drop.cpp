@@ -1,4 +1,5 @@
 #include "automation/object.h"
+#include "tsql/run/dependents.h"
 #include "tsql/run/executor.h"
 
 namespace vicenter::tsql::engine {
@@ -35,6 +36,10 @@ void Executor::Drop(const DropStatement& statement) {
             if (statement.ifExists) return;
             throw MakeError(3701, name.Where(), {"drop", Word(statement.object), name.Text()});
         };
+        const auto refuseBound = [&](const char* operation) {
+            if (const ModuleInfo* view = BoundView(catalog_, programs_, name.Object()))
+                throw MakeError(3729, name.Where(), {operation, name.Object(), view->name});
+        };
         transactions_.Change(temporary, [&] {
             switch (statement.object) {
                 case DropKind::kTable: {
@@ -47,6 +52,7 @@ void Executor::Drop(const DropStatement& statement) {
                             }
                         }
                     }
+                    if (!temporary) refuseBound("DROP TABLE");
                     catalog_.DropTable(*table);
                     break;
                 }
@@ -64,6 +70,7 @@ void Executor::Drop(const DropStatement& statement) {
                 }
                 case DropKind::kView:
                     if (catalog_.FindView(name.Object()) == nullptr) return missing();
+                    refuseBound("DROP VIEW");
                     catalog_.DropModule('V', name.Object());
                     break;
                 case DropKind::kProcedure:

@@ -143,11 +143,13 @@ void Executor::BindArguments(const CreateProcedureStatement& procedure, const Ex
     }
 }
 
-// A procedure that leaves another number of transactions is told so, and nothing comes of it.
+// A procedure that leaves another number of transactions is told so, and nothing comes of it, unless the batch
+// is one unit, which any error undoes.
 void Executor::CheckTransactionCount(int before, const ExecuteStatement& statement, const Frame& callee) {
     const int now = transactions_.Count();
-    if (now == before || callee.isSystem || options_.batchTransactions || tryDepth_ > 0) return;
+    if (now == before || callee.isSystem || tryDepth_ > 0) return;
     const SqlError error = MakeError(266, statement.position, {before, now});
+    if (options_.batchTransactions) throw error;
     lastError_ = error.Number();
     Report(Completed(error, static_cast<std::int32_t>(statement.position.line)).Details());
 }

@@ -1,4 +1,7 @@
 #include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
 
 #include "automation/object.h"
 #include "tsql/run/executor.h"
@@ -17,9 +20,19 @@ bool IsDuplicate(const SqlError& error) {
 bool TellsRows(const UpdateStatement& statement) {
     if (statement.output) return true;
     for (const Assignment& assignment : statement.assignments) {
-        if (!assignment.variable.empty()) return true;
+        if (!assignment.variable.empty() && !assignment.column.IsEmpty()) return true;
     }
     return false;
+}
+
+bool SetsColumns(const UpdateStatement& statement) {
+    return std::any_of(statement.assignments.begin(), statement.assignments.end(),
+                       [](const Assignment& assignment) { return !assignment.column.IsEmpty(); });
+}
+
+bool SetsVariables(const UpdateStatement& statement) {
+    return std::any_of(statement.assignments.begin(), statement.assignments.end(),
+                       [](const Assignment& assignment) { return assignment.column.IsEmpty(); });
 }
 
 }  // namespace
@@ -28,6 +41,15 @@ void Executor::Update(const UpdateStatement& statement) {
     const TableInfo* table = FindTable(statement.target.Object());
     const bool temporary = table != nullptr && table->temporary;
     if (!statement.currentOf.IsEmpty()) TakeCurrentRow(statement.currentOf, statement.target);
+    if (SetsVariables(statement)) {
+        UpdateVariables(statement, temporary);
+    } else {
+        UpdateColumns(statement, temporary);
+    }
+    if (!statement.currentOf.IsEmpty() && rowCount_ == 0) throw MakeError(16947, statement.position);
+}
+
+void Executor::UpdateColumns(const UpdateStatement& statement, bool temporary) {
     try {
         Modify(
             &statement, temporary, [&](Translator& translator) { return translator.Update(statement); },
@@ -37,7 +59,44 @@ void Executor::Update(const UpdateStatement& statement) {
         // duplicate.
         if (!IsDuplicate(error) || TellsRows(statement) || !RewriteRows(statement, temporary)) throw;
     }
-    if (!statement.currentOf.IsEmpty() && rowCount_ == 0) throw MakeError(16947, statement.position);
+}
+
+// SET @v = e: from the rows as they are before the change, which a SELECT of the same rows finds. The change
+// itself sees the variables as they were.
+void Executor::UpdateVariables(const UpdateStatement& statement, bool temporary) {
+    if (statement.output && !SetsColumns(statement))
+        throw MakeError(40510, statement.position, {"OUTPUT of UPDATE … SET @variable = expression"});
+    transactions_.Change(temporary, [&] {
+        Plan& plan = PlanFor(&statement.assignments.front(),
+                             [&](Translator& translator) { return translator.UpdatedVariables(statement); });
+        std::set<std::int64_t> rows;
+        std::map<Variable*, Value> before;
+        std::map<Variable*, Value> behind;
+        {
+            const ResetAtEnd reset(plan.statement);
+            Bind(plan);
+            const std::vector<VariableAssignment>& assignments = plan.translation.assignments;
+            std::vector<Value> row;
+            while (StepPlan(plan)) {
+                ReadRow(plan, row);
+                rows.insert(row.back().Int());
+                for (std::size_t i = 0; i < assignments.size(); ++i) {
+                    Variable& variable = FindVariable(assignments[i].variable, statement.position);
+                    before.emplace(&variable, variable.value);
+                    variable.value = std::move(row[i]);
+                }
+            }
+        }
+        for (auto& [variable, value] : before)
+            behind[variable] = std::exchange(variable->value, std::move(value));
+        if (SetsColumns(statement)) {
+            UpdateColumns(statement, temporary);
+        } else {
+            CountRows(static_cast<std::int64_t>(rows.size()));
+        }
+        for (auto& [variable, value] : behind)
+            variable->value = std::move(value);
+    });
 }
 
 bool Executor::IsReferenced(const TableInfo& table) const {

@@ -135,11 +135,15 @@ ExprPtr Parser::ParsePredicateTail(ExprPtr left) {
 ExprPtr Parser::ParseInTail(std::unique_ptr<InExpr> in) {
     const Level level(*this);
     Expect(Op::kLeftParen);
-    if (At(Keyword::kSelect) || (At(Op::kLeftParen) && AtQuery())) {
-        in->query = ParseNestedQuery();
-    } else {
-        in->list = ParseValueList();
+    const State state = Save();
+    if (At(Keyword::kSelect) || (At(Op::kLeftParen) && AtQuery())) in->query = ParseNestedQuery();
+    // (SELECT …), … are values, each by itself.
+    const bool isList = !in->query || !At(Op::kRightParen);
+    if (in->query && isList) {
+        in->query.reset();
+        Restore(state);
     }
+    if (isList) in->list = ParseValueList();
     Expect(Op::kRightParen);
     Deepen(*in, in->operand);
     for (const ExprPtr& value : in->list)
