@@ -16,11 +16,11 @@ using automation::Error;
 
 namespace {
 
-std::atomic<long> live{0};
+std::atomic<long> locks{0};
 
 class ClassFactory final : public com::ComObject<IClassFactory> {
   public:
-    explicit ClassFactory(const PublicClass& made) : class_(made) { ++live; }
+    explicit ClassFactory(const PublicClass& made) : class_(made) {}
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** result) override {
         if (result == nullptr) return E_POINTER;
@@ -40,12 +40,12 @@ class ClassFactory final : public com::ComObject<IClassFactory> {
         });
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
-        live += lock ? 1 : -1;
+        locks += lock ? 1 : -1;
         return S_OK;
     }
 
   private:
-    ~ClassFactory() override { --live; }
+    ~ClassFactory() override = default;
 
     const PublicClass& class_;
 };
@@ -59,8 +59,8 @@ HRESULT GetClassFactory(const PublicClass& made, REFIID id, void** result) {
     });
 }
 
-long LiveFactories() {
-    return live;
+long ServerLocks() {
+    return locks;
 }
 
 }  // namespace vicenter::front

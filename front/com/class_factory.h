@@ -10,7 +10,7 @@ namespace vicenter::front {
 // The interface `id` of a new factory.
 HRESULT GetClassFactory(const PublicClass& made, REFIID id, void** result);
 
-// Factories and LockServer() calls that keep the library loaded.
-long LiveFactories();
+// LockServer() calls that keep the library loaded.
+long ServerLocks();
 
 }  // namespace vicenter::front

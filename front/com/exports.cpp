@@ -9,6 +9,7 @@
 #include "front/handles.h"
 #include "front/library_session.h"
 #include "platform/com/com_error.h"
+#include "platform/com/com_object.h"
 #include "platform/com/dispatch_object.h"
 #include "platform/com/member_names.h"
 
@@ -32,6 +33,18 @@ HRESULT Install(bool install, front::RegisterFor whom) {
     });
 }
 
+// What early-bound clients know. With the library, since an object may be given out and asked for names
+// before any class is; again for a class, where there was no memory for it then.
+HRESULT MakeReady() {
+    return com::Guarded(nullptr, [] {
+        com::ReserveMemberNumbers(front::MemberNames());
+        com::AnswerAlsoAs(front::PublicInterfaces());
+        return S_OK;
+    });
+}
+
+const HRESULT kReady = MakeReady();
+
 }  // namespace
 
 extern "C" {
@@ -39,16 +52,14 @@ extern "C" {
 HRESULT STDMETHODCALLTYPE DllGetClassObject(REFCLSID clsid, REFIID id, void** result) {
     if (result == nullptr) return E_POINTER;
     *result = nullptr;
-    com::ReserveMemberNumbers(front::MemberNames());
-    com::AnswerAlsoAs(front::PublicInterfaces());
+    if (const HRESULT ready = FAILED(kReady) ? MakeReady() : S_OK; FAILED(ready)) return ready;
     const front::PublicClass* found = front::FindPublicClass(clsid);
     return found == nullptr ? CLASS_E_CLASSNOTAVAILABLE : front::GetClassFactory(*found, id, result);
 }
 
 HRESULT STDMETHODCALLTYPE DllCanUnloadNow() {
-    if (com::LiveDispatches() != 0 || front::LiveFactories() != 0 || front::LiveObjects() != 0)
-        return S_FALSE;
-    // A window may be open that nobody holds.
+    if (com::LiveComObjects() != 0 || front::ServerLocks() != 0 || front::LiveObjects() != 0) return S_FALSE;
+    // A window may be open that nobody holds, a component of the host's registered.
     return com::Guarded(nullptr, [] { return front::LibrarySession::EndIfUnused() ? S_OK : S_FALSE; });
 }
 

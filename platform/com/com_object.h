@@ -29,11 +29,18 @@ class ShareCount {
     std::atomic<ULONG> held_{1};
 };
 
+// How many there are at present of whichever kind, in the whole process: as long as clients hold one of them,
+// their code must stay.
+inline std::atomic<long>& LiveComObjects() {
+    static std::atomic<long> live{0};
+    return live;
+}
+
 // The first interface is the one that IUnknown is asked of, so that comparisons of identities hold.
 template <class... Interfaces>
 class ComObject : public Interfaces... {
   public:
-    ComObject() = default;
+    ComObject() { ++LiveComObjects(); }
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;
 
@@ -56,7 +63,7 @@ class ComObject : public Interfaces... {
   protected:
     using First = std::tuple_element_t<0, std::tuple<Interfaces...>>;
 
-    virtual ~ComObject() = default;
+    virtual ~ComObject() { --LiveComObjects(); }
 
     // What else the object answers to; none.
     virtual void* AlsoAs(REFIID) { return nullptr; }

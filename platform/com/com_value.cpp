@@ -1,5 +1,6 @@
 #include "platform/com/com_value.h"
 
+#include <cmath>
 #include <limits>
 #include <new>
 
@@ -24,6 +25,14 @@ constexpr int kMostScale = 28;
 constexpr int kMagnitudeBits = 96;
 constexpr int kCurrencyScale = 4;
 
+constexpr double kFirstDay = -657434;       // of the year 100
+constexpr double kBehindLastDay = 2958466;  // of the year 9999
+
+// A number that COM's dates have; none is no number.
+bool IsDate(double serial) {
+    return std::trunc(serial) >= kFirstDay && serial < kBehindLastDay;
+}
+
 bool Fits(const Decimal& number) {
     return number.Scale() <= kMostScale && (number.Magnitude() >> kMagnitudeBits) == 0;
 }
@@ -42,6 +51,17 @@ void PutDecimal(VARIANT& target, const Decimal& number) {
     decimal.Lo64 = static_cast<std::uint64_t>(shown.Magnitude());
     decimal.Hi32 = static_cast<ULONG>(shown.Magnitude() >> 64);
     target.vt = VT_DECIMAL;  // last: it shares its place with the number
+}
+
+// COM's dates begin with the year 100. One before it stays what it is, as a text.
+void PutDate(VARIANT& target, const DateTime& date) {
+    if (!IsDate(date.ToSerial())) {
+        target.bstrVal = NewText(date.ToText());
+        target.vt = VT_BSTR;
+        return;
+    }
+    target.date = date.ToSerial();
+    target.vt = VT_DATE;
 }
 
 void PutInteger(VARIANT& target, std::int64_t value) {
@@ -96,9 +116,7 @@ void Put(VARIANT& target, const Variant& value) {
         case VariantType::Decimal:
             return PutDecimal(target, value.ToDecimal());
         case VariantType::Date:
-            target.date = value.ToDate().ToSerial();
-            target.vt = VT_DATE;
-            return;
+            return PutDate(target, value.ToDate());
         case VariantType::Text:
             target.bstrVal = NewText(value.AsText());
             target.vt = VT_BSTR;
@@ -133,6 +151,36 @@ Variant FromCurrency(std::int64_t units) {
     const std::uint64_t magnitude =
         units < 0 ? ~static_cast<std::uint64_t>(units) + 1 : static_cast<std::uint64_t>(units);
     return Decimal::FromParts(units < 0, magnitude, kCurrencyScale);
+}
+
+// Whether a single value of that type is known: one that stands in an array, or that a reference leads to.
+bool IsKnown(VARTYPE type) {
+    switch (type) {
+        case VT_BOOL:
+        case VT_I1:
+        case VT_UI1:
+        case VT_I2:
+        case VT_UI2:
+        case VT_I4:
+        case VT_INT:
+        case VT_UI4:
+        case VT_UINT:
+        case VT_I8:
+        case VT_UI8:
+        case VT_R4:
+        case VT_R8:
+        case VT_CY:
+        case VT_DECIMAL:
+        case VT_DATE:
+        case VT_BSTR:
+        case VT_DISPATCH:
+        case VT_UNKNOWN:
+        case VT_ERROR:
+        case VT_VARIANT:
+            return true;
+        default:
+            return false;
+    }
 }
 
 // The elements of one dimension of an array, those behind it as arrays within. `place` holds the indexes so
@@ -172,7 +220,8 @@ VariantArray Elements(SAFEARRAY* array, VARTYPE type, std::vector<LONG>& place) 
 Variant FromArray(SAFEARRAY* array) {
     if (array == nullptr || SafeArrayGetDim(array) == 0) return VariantArray();
     VARTYPE type = VT_EMPTY;
-    if (FAILED(SafeArrayGetVartype(array, &type))) throw Error(error_number::kTypeMismatch);
+    // A record is as long as its type says, and would not fit in the place of a value.
+    if (FAILED(SafeArrayGetVartype(array, &type)) || !IsKnown(type)) throw Error(error_number::kTypeMismatch);
     std::vector<LONG> place;
     return Elements(array, type, place);
 }
@@ -185,11 +234,19 @@ Variant FromUnknown(IUnknown* object) {
     return ObjectOf(dispatch.Get());
 }
 
+// The type of the variable that a reference leads to.
+VARTYPE TypeBehind(const VARIANT& reference) {
+    const auto type = static_cast<VARTYPE>(reference.vt & ~VT_BYREF);
+    if (reference.byref == nullptr || ((type & VT_ARRAY) == 0 && !IsKnown(type)))
+        throw Error(error_number::kTypeMismatch);
+    return type;
+}
+
 // A plain VARIANT of what a reference leads to, sharing its content.
 VARIANT Dereferenced(const VARIANT& reference) {
     VARIANT plain;
     VariantInit(&plain);
-    const auto type = static_cast<VARTYPE>(reference.vt & ~VT_BYREF);
+    const VARTYPE type = TypeBehind(reference);
     if (type == VT_VARIANT) return *reference.pvarVal;
     if (type == VT_DECIMAL) {
         plain.decVal = *reference.pdecVal;
@@ -286,6 +343,7 @@ Variant FromCom(const VARIANT& value) {
         case VT_DECIMAL:
             return FromDecimal(value.decVal);
         case VT_DATE:
+            if (!IsDate(value.date)) throw Error(error_number::kOverflow);
             return DateTime::FromSerial(value.date);
         case VT_BSTR:
             return TextOf(value.bstrVal);
@@ -301,7 +359,7 @@ Variant FromCom(const VARIANT& value) {
 
 void AssignToReference(const VARIANT& reference, const Variant& value) {
     OwnVariant fresh(value);
-    const auto type = static_cast<VARTYPE>(reference.vt & ~VT_BYREF);
+    const VARTYPE type = TypeBehind(reference);
     if (type == VT_VARIANT) {
         // A reference to a variable that is one itself.
         if ((reference.pvarVal->vt & VT_BYREF) != 0) return AssignToReference(*reference.pvarVal, value);

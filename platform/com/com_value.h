@@ -5,6 +5,9 @@
 //   our value        as VARIANT                                  a VARIANT of          is
 //   Int64            VT_I4 when it fits, else VT_DECIMAL          any integer           the smallest of ours
 //   Decimal          VT_DECIMAL; past its 29 digits a text        VT_CY, VT_DECIMAL     a Decimal
+//   Date             VT_DATE; before the year 100 a text          VT_DATE               a Date; 6 for a
+//   number
+//                                                                                        that is none
 //   Text             VT_BSTR, U+0000 within it too                VT_BSTR               a Text
 //   Array            SAFEARRAY of VARIANT, one dimension from 0   any SAFEARRAY         an Array; of several
 //                                                                                        dimensions of Arrays

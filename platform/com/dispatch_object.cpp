@@ -29,6 +29,20 @@ std::atomic<long> live{0};
 // The ids of arguments' names are those of members of the same name, from here on. Below it an id is the
 // argument's place, as a type library has it.
 constexpr DISPID kArgumentNames = 0x100000;
+constexpr DISPID kMostPlaces = 64;
+
+// A call whose arguments cannot be told apart.
+HRESULT CheckArguments(const DISPPARAMS& given, bool put) {
+    if (given.cNamedArgs > given.cArgs) return DISP_E_BADPARAMCOUNT;
+    for (UINT i = 0; i < given.cNamedArgs; ++i) {
+        const DISPID id = given.rgdispidNamedArgs[i];
+        if (put && i == 0 && id == DISPID_PROPERTYPUT) continue;
+        const bool isPlace = id >= 0 && id < kMostPlaces;
+        if (!isPlace && (id < kArgumentNames || MemberNameOf(id - kArgumentNames).empty()))
+            return DISP_E_PARAMNOTFOUND;
+    }
+    return S_OK;
+}
 
 // Asked of an IDispatch to know our own; nobody else knows the number, which is made anew in each process.
 const IID& OwnInterface() {
@@ -64,7 +78,7 @@ class CallArguments {
             const VARIANT& argument = given.rgvarg[i];
             if (named && i == 0) continue;
             if (i < given.cNamedArgs) {
-                AddNamed(given.rgdispidNamedArgs[i], argument);
+                AddNamed(i, given.rgdispidNamedArgs[i], argument);
             } else {
                 arguments_.push_back(Bound(i, argument));
             }
@@ -76,8 +90,8 @@ class CallArguments {
 
     void WriteBack() {
         for (const Reference& reference : references_) {
-            if (values_[reference.index] == reference.before) continue;
-            AssignToReference(*reference.variable, values_[reference.index]);
+            const Variant& now = Now(reference);
+            if (!(now == reference.before)) AssignToReference(*reference.variable, now);
         }
     }
 
@@ -86,24 +100,37 @@ class CallArguments {
         UINT index;
         const VARIANT* variable;
         Variant before;
+        std::string name;
     };
 
-    void AddNamed(DISPID id, const VARIANT& argument) {
+    void AddNamed(UINT index, DISPID id, const VARIANT& argument) {
         if (id >= kArgumentNames) {
-            arguments_.push_back(Argument::Named(MemberNameOf(id - kArgumentNames), FromCom(argument)));
+            const std::string name = MemberNameOf(id - kArgumentNames);
+            Variant value = FromCom(argument);
+            if ((argument.vt & VT_BYREF) != 0) references_.push_back({index, &argument, value, name});
+            arguments_.push_back(Argument::Named(name, std::move(value)));
             return;
         }
         const auto place = static_cast<std::size_t>(id);
         while (arguments_.size() <= place)
             arguments_.emplace_back(Variant::Missing());
-        arguments_[place] = FromCom(argument);
+        arguments_[place] = Bound(index, argument);
     }
 
     Argument Bound(UINT index, const VARIANT& argument) {
         if ((argument.vt & VT_BYREF) == 0) return FromCom(argument);
         values_[index] = FromCom(argument);
-        references_.push_back({index, &argument, values_[index]});
+        references_.push_back({index, &argument, values_[index], {}});
         return Argument::ByReference(values_[index]);
+    }
+
+    // A named argument is found by its name, wherever the member has put it.
+    const Variant& Now(const Reference& reference) const {
+        if (reference.name.empty()) return values_[reference.index];
+        for (const Argument& argument : arguments_) {
+            if (argument.Name() == reference.name) return argument.Value();
+        }
+        return reference.before;
     }
 
     std::vector<Variant> values_;
@@ -168,6 +195,7 @@ class DispatchObject final : public ComObject<IDispatch, ISupportErrorInfo> {
             const std::string name = MemberNameOf(member);
             if (member != DISPID_VALUE && name.empty()) return DISP_E_MEMBERNOTFOUND;
             const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
+            if (const HRESULT code = CheckArguments(*given, put); FAILED(code)) return code;
             CallArguments call(*given, put);
             const InvokeKind kind = put                              ? InvokeKind::Put
                                     : (flags & DISPATCH_METHOD) != 0 ? InvokeKind::Call

@@ -3,6 +3,7 @@
 #include "platform/com/com_error.h"
 #include "platform/com/com_object.h"
 #include "platform/com/com_value.h"
+#include "platform/com/own_objects.h"
 
 namespace vicenter::com {
 
@@ -12,17 +13,21 @@ using automation::Variant;
 
 namespace {
 
+// Belongs to a thread as the collection's own IDispatch does.
 class EnumVariant final : public ComObject<IEnumVARIANT> {
   public:
-    explicit EnumVariant(ObjectRef collection)
-        : collection_(std::move(collection)), values_(collection_->NewEnumerator()) {}
+    explicit EnumVariant(ObjectRef collection) {
+        inside_->values = collection->NewEnumerator();
+        inside_->collection = std::move(collection);
+    }
 
     HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* values, ULONG* fetched) override {
         if (values == nullptr) return E_POINTER;
+        if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
         ULONG given = 0;
         const HRESULT code = Guarded(nullptr, [&]() -> HRESULT {
             for (; given < count; ++given) {
-                const auto value = values_->Next();
+                const auto value = inside_->values->Next();
                 if (!value) return S_FALSE;
                 OwnVariant(*value).MoveTo(values[given]);
                 ++taken_;
@@ -33,16 +38,18 @@ class EnumVariant final : public ComObject<IEnumVARIANT> {
         return code;
     }
     HRESULT STDMETHODCALLTYPE Skip(ULONG count) override {
+        if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
         return Guarded(nullptr, [&]() -> HRESULT {
             for (ULONG i = 0; i < count; ++i, ++taken_) {
-                if (!values_->Next()) return S_FALSE;
+                if (!inside_->values->Next()) return S_FALSE;
             }
             return S_OK;
         });
     }
     HRESULT STDMETHODCALLTYPE Reset() override {
+        if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
         return Guarded(nullptr, [&] {
-            values_ = collection_->NewEnumerator();
+            inside_->values = inside_->collection->NewEnumerator();
             taken_ = 0;
             return S_OK;
         });
@@ -50,8 +57,9 @@ class EnumVariant final : public ComObject<IEnumVARIANT> {
     HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** result) override {
         if (result == nullptr) return E_POINTER;
         *result = nullptr;
+        if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
         return Guarded(nullptr, [&]() -> HRESULT {
-            ComPointer<IEnumVARIANT> copy(new EnumVariant(collection_));
+            ComPointer<IEnumVARIANT> copy(new EnumVariant(inside_->collection));
             copy->Skip(taken_);
             *result = copy.Detach();
             return S_OK;
@@ -59,8 +67,17 @@ class EnumVariant final : public ComObject<IEnumVARIANT> {
     }
 
   private:
-    ObjectRef collection_;
-    std::unique_ptr<Enumerator> values_;
+    struct Inside {
+        ObjectRef collection;
+        std::unique_ptr<Enumerator> values;
+    };
+
+    ~EnumVariant() override { objects_->GiveUp(std::move(inside_)); }
+
+    bool OnOwnThread() const { return objects_ == OwnObjects::OfThisThread(); }
+
+    std::shared_ptr<Inside> inside_ = std::make_shared<Inside>();
+    std::shared_ptr<OwnObjects> objects_ = OwnObjects::OfThisThread();
     ULONG taken_ = 0;
 };
 

@@ -116,6 +116,22 @@ class CallParameters {
 
     DISPPARAMS* Given() { return &given_; }
 
+    // References to variables of their values' own types in place of VARIANTs: what a member with declared
+    // types takes whose server converts nothing. False when there is none.
+    bool GiveTypedReferences() {
+        bool any = false;
+        for (VARIANT& parameter : all_) {
+            if (parameter.vt != (VT_BYREF | VT_VARIANT)) continue;
+            VARIANT& variable = *parameter.pvarVal;
+            if (variable.vt == VT_EMPTY || variable.vt == VT_NULL || variable.vt == VT_ERROR) continue;
+            parameter.vt = static_cast<VARTYPE>(VT_BYREF | variable.vt);
+            parameter.byref = variable.vt == VT_DECIMAL ? static_cast<void*>(&variable.decVal)
+                                                        : static_cast<void*>(&variable.byref);
+            any = true;
+        }
+        return any;
+    }
+
     void WriteBack() {
         for (const auto& [argument, variable] : references_)
             argument->Assign(FromCom(variable->Value()));
@@ -209,6 +225,7 @@ Variant ForeignObject::Invoke(std::string_view name, InvokeKind kind, Arguments&
         flags = DISPATCH_PROPERTYPUT;
         code = Patiently(call);
     }
+    if (code == DISP_E_TYPEMISMATCH && parameters.GiveTypedReferences()) code = Patiently(call);
     if (FAILED(code)) throw ErrorOf(code, info);
     parameters.WriteBack();
     return FromCom(result.Value());

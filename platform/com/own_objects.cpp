@@ -39,16 +39,23 @@ void OwnObjects::Keep(const automation::Object* object, IDispatch* dispatch, Sha
 }
 
 void OwnObjects::Drop(automation::ObjectRef object, IDispatch* dispatch) {
+    {
+        const std::lock_guard guard(lock_);
+        const auto found = known_.find(object.get());
+        if (found != known_.end() && found->second.dispatch == dispatch) known_.erase(found);
+    }
+    GiveUp(std::move(object));
+}
+
+void OwnObjects::GiveUp(std::shared_ptr<const void> last) {
     const bool here = this == OfThisThread().get();
     // Where it ends, it does so beyond the lock: the argument is the caller's to destroy.
     const std::lock_guard guard(lock_);
-    const auto found = known_.find(object.get());
-    if (found != known_.end() && found->second.dispatch == dispatch) known_.erase(found);
-    if (!here && !ended_) waiting_.push_back(std::move(object));
+    if (!here && !ended_) waiting_.push_back(std::move(last));
 }
 
 void OwnObjects::EndWaiting() {
-    std::vector<automation::ObjectRef> ending;  // beyond the lock, since an object's end may end others
+    std::vector<std::shared_ptr<const void>> ending;  // beyond the lock, since an object's end may end others
     {
         const std::lock_guard guard(lock_);
         ending.swap(waiting_);

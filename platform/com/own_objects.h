@@ -1,7 +1,7 @@
 #pragma once
 
-// The objects of one thread that clients hold: which IDispatch each has, and those whose last share another
-// thread has given back. These wait for their own thread, since an object ends where it has lived.
+// The objects of one thread that clients hold: which IDispatch each has, and what has lost its last share on
+// another thread. That waits for its own thread, since an object ends where it has lived.
 
 #include <map>
 #include <memory>
@@ -23,6 +23,8 @@ class OwnObjects {
     void Keep(const automation::Object* object, IDispatch* dispatch, ShareCount& shares);
     // The IDispatch has lost its last share, on whatever thread.
     void Drop(automation::ObjectRef object, IDispatch* dispatch);
+    // Has what was given up, on whatever thread, wait for the own one.
+    void GiveUp(std::shared_ptr<const void> last);
     // Ends what waits for it. On the own thread.
     void EndWaiting();
 
@@ -35,7 +37,7 @@ class OwnObjects {
 
     std::mutex lock_;
     std::map<const automation::Object*, Known> known_;
-    std::vector<automation::ObjectRef> waiting_;
+    std::vector<std::shared_ptr<const void>> waiting_;
     bool ended_ = false;  // the thread has
 };
 

@@ -89,6 +89,50 @@ TEST_F(ComServer, StaysLoadedWhileAnObjectIsHeld) {
     EXPECT_EQ(builder->Get(""), Variant("甲"));
 }
 
+TEST_F(ComServer, StaysLoadedWhileAnEnumeratorOrATypeIsHeld) {
+    const auto dictionary = [] {
+        const ObjectRef decoded =
+            com::CreateForeign("VelaVICenter.VbsJson")->Call("Decode", {R"({"a":1})"}).AsObject();
+        return com::ComPointer<IDispatch>(com::NewDispatch(decoded));
+    };
+    com::ComPointer<IEnumVARIANT> each;
+    {
+        DISPPARAMS none{};
+        com::OwnVariant made;
+        ASSERT_EQ(dictionary()->Invoke(DISPID_NEWENUM, IID_NULL, 0, DISPATCH_PROPERTYGET, &none,
+                                       &made.Value(), nullptr, nullptr),
+                  S_OK);
+        ASSERT_EQ(made.Value().vt, VT_UNKNOWN);
+        ASSERT_EQ(made.Value().punkVal->QueryInterface(IID_IEnumVARIANT, each.ReceiveAny()), S_OK);
+    }
+    EXPECT_EQ(CanUnload(), S_FALSE);
+    com::OwnVariant first;
+    EXPECT_EQ(each->Next(1, &first.Value(), nullptr), S_OK);
+    EXPECT_EQ(com::FromCom(first.Value()), Variant("a"));
+    each = {};
+    EXPECT_EQ(CanUnload(), S_OK);
+    com::ComPointer<ITypeInfo> type;
+    ASSERT_EQ(dictionary()->GetTypeInfo(0, 0, type.Receive()), S_OK);
+    EXPECT_EQ(CanUnload(), S_FALSE);
+    type = {};
+    EXPECT_EQ(CanUnload(), S_OK);
+}
+
+// COM asks again and again whether the library may go.
+TEST_F(ComServer, WhatAHostHasRegisteredStandsUntilItIsTakenBack) {
+    const auto host = [] { return com::CreateForeign("VelaVICenter.Host"); };
+    const ObjectRef settings = com::CreateForeign("Scripting.Dictionary");
+    host()->Call("Register", {"VelaTest.Settings", settings});
+    EXPECT_EQ(CanUnload(), S_FALSE);
+    host()->Call("Register", {"velatest.settings", settings});
+    host()->Call("Unregister", {"VELATEST.Settings"});
+    EXPECT_EQ(CanUnload(), S_OK);
+    host()->Call("SetFramework", {settings});
+    EXPECT_EQ(CanUnload(), S_FALSE);
+    host()->Call("SetFramework", {ObjectRef()});
+    EXPECT_EQ(CanUnload(), S_OK);
+}
+
 // As a host in C++ that was compiled with the numbers of the header.
 class EarlyBound : public ComServer {
   protected:

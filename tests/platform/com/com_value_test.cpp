@@ -1,5 +1,8 @@
+#include <cmath>
+#include <functional>
 #include <limits>
 
+#include "platform/com/com_object.h"
 #include "tests/platform/com/com_fixture.h"
 
 namespace vicenter::com {
@@ -14,6 +17,15 @@ using automation::VariantArray;
 class ComValue : public ComTest {
   protected:
     static Variant ThereAndBack(const Variant& value) { return FromCom(OwnVariant(value).Value()); }
+    // Of the error; 0 where there is none.
+    static std::int32_t NumberOf(const std::function<void()>& call) {
+        try {
+            call();
+        } catch (const Error& error) {
+            return error.Number();
+        }
+        return 0;
+    }
     static VARTYPE TypeOf(const Variant& value) { return OwnVariant(value).Value().vt; }
 };
 
@@ -131,6 +143,95 @@ TEST_F(ComValue, ArraysOfTypesAndOfSeveralDimensionsAreArraysWithin) {
     ASSERT_EQ(SafeArrayPutElement(texts.Value().parray, &at, text), S_OK);
     SysFreeString(text);
     EXPECT_EQ(FromCom(texts.Value()), Variant(VariantArray{"五"}));
+}
+
+// A record type of 64 bytes that tells when one is copied.
+class LongRecord final : public ComObject<IRecordInfo> {
+  public:
+    explicit LongRecord(bool& copied) : copied_(copied) {}
+    LongRecord(const LongRecord&) = delete;
+    LongRecord& operator=(const LongRecord&) = delete;
+
+    HRESULT STDMETHODCALLTYPE GetSize(ULONG* size) override {
+        *size = 64;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE RecordInit(PVOID) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE RecordClear(PVOID) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE RecordCopy(PVOID, PVOID) override {
+        copied_ = true;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetGuid(GUID* id) override {
+        *id = GUID{};
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetName(BSTR*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetField(PVOID, LPCOLESTR, VARIANT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetFieldNoCopy(PVOID, LPCOLESTR, VARIANT*, PVOID*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE PutField(ULONG, PVOID, LPCOLESTR, VARIANT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE PutFieldNoCopy(ULONG, PVOID, LPCOLESTR, VARIANT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetFieldNames(ULONG*, BSTR*) override { return E_NOTIMPL; }
+    BOOL STDMETHODCALLTYPE IsMatchingType(IRecordInfo*) override { return FALSE; }
+    PVOID STDMETHODCALLTYPE RecordCreate() override { return nullptr; }
+    HRESULT STDMETHODCALLTYPE RecordCreateCopy(PVOID, PVOID*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE RecordDestroy(PVOID) override { return E_NOTIMPL; }
+
+  private:
+    ~LongRecord() override = default;
+    bool& copied_;
+};
+
+TEST_F(ComValue, AnArrayOfRecordsIsRefusedBeforeOneIsRead) {
+    bool copied = false;
+    const ComPointer<IRecordInfo> type(new LongRecord(copied));
+    SAFEARRAYBOUND bound{2, 0};
+    OwnVariant value;
+    value.Value().parray = SafeArrayCreateEx(VT_RECORD, 1, &bound, type.Get());
+    ASSERT_NE(value.Value().parray, nullptr);
+    value.Value().vt = VT_ARRAY | VT_RECORD;
+    EXPECT_EQ(NumberOf([&] { FromCom(value.Value()); }), 13);
+    EXPECT_FALSE(copied);
+}
+
+TEST_F(ComValue, AReferenceToWhatIsUnknownOrNowhereIsRefused) {
+    VARIANT reference;
+    VariantInit(&reference);
+    LONG room[16] = {};
+    for (const int type : {VT_RECORD, VT_EMPTY, VT_NULL, VT_FILETIME}) {
+        reference.vt = static_cast<VARTYPE>(VT_BYREF | type);
+        reference.byref = room;
+        EXPECT_EQ(NumberOf([&] { FromCom(reference); }), 13) << type;
+        EXPECT_EQ(NumberOf([&] { AssignToReference(reference, 1); }), 13) << type;
+    }
+    for (const int type :
+         std::initializer_list<int>{VT_I4, VT_BSTR, VT_VARIANT, VT_DECIMAL, VT_ARRAY | VT_I4}) {
+        reference.vt = static_cast<VARTYPE>(VT_BYREF | type);
+        reference.byref = nullptr;
+        EXPECT_EQ(NumberOf([&] { FromCom(reference); }), 13) << type;
+    }
+}
+
+TEST_F(ComValue, DatesKeepToTheYearsThatComKnows) {
+    const auto of = [](double serial) {
+        VARIANT value;
+        VariantInit(&value);
+        value.vt = VT_DATE;
+        value.date = serial;
+        return value;
+    };
+    EXPECT_EQ(FromCom(of(-657434)).ToText(), Variant(*DateTime::Parse("0100-01-01")).ToText());
+    EXPECT_EQ(FromCom(of(2958465.5)), Variant(*DateTime::Parse("9999-12-31 12:00")));
+    EXPECT_EQ(FromCom(of(-1.25)), Variant(*DateTime::Parse("1899-12-29 06:00")));
+    for (const double serial : {-657435.0, 2958466.0, 1e300, -1e300, std::nan("")})
+        EXPECT_EQ(NumberOf([&] { FromCom(of(serial)); }), 6) << serial;
+    EXPECT_EQ(TypeOf(*DateTime::Parse("0100-01-01 06:00")), VT_DATE);
+    EXPECT_EQ(TypeOf(*DateTime::Parse("0099-12-31")), VT_BSTR);
+    EXPECT_EQ(FromCom(OwnVariant(*DateTime::Parse("0099-12-31 06:00")).Value()),
+              Variant("0099-12-31 06:00:00"));
 }
 
 TEST_F(ComValue, AnObjectKeepsItsIdentity) {

@@ -1,5 +1,7 @@
 #include <thread>
 
+#include "platform/com/com_object.h"
+#include "platform/com/enum_variant.h"
 #include "tests/platform/com/com_fixture.h"
 
 namespace vicenter::com {
@@ -129,6 +131,34 @@ TEST_F(DispatchTest, TheCallersVariableIsWrittenTo) {
     EXPECT_EQ(variable.lVal, 2);
 }
 
+TEST_F(DispatchTest, TheCallersVariableIsWrittenToByItsName) {
+    std::wstring take(L"Take");
+    std::wstring amountName(L"Amount");
+    wchar_t* names[] = {take.data(), amountName.data()};
+    DISPID numbers[2] = {};
+    ASSERT_EQ(dispatch_->GetIDsOfNames(IID_NULL, names, 2, 0, numbers), S_OK);
+    for (const DISPID named : {numbers[1], DISPID{0}}) {  // by its name, by its place
+        LONG amount = 41;
+        VARIANT reference;
+        VariantInit(&reference);
+        reference.vt = VT_BYREF | VT_I4;
+        reference.plVal = &amount;
+        ASSERT_EQ(Call(numbers[0], DISPATCH_METHOD, {reference}, {named}), S_OK);
+        EXPECT_EQ(amount, 42) << named;
+    }
+}
+
+TEST_F(DispatchTest, AnArgumentThatCannotBeToldApartIsRefused) {
+    const DISPID take = NumberOf(L"Take");
+    for (const DISPID named : std::initializer_list<DISPID>{-1, DISPID_PROPERTYPUT, 64, 0xFFFFF, 0x7FFFFFFF})
+        EXPECT_EQ(Call(take, DISPATCH_METHOD, {Number(1)}, {named}), DISP_E_PARAMNOTFOUND) << named;
+    std::vector<DISPID> names{0, 1};
+    VARIANT one = Number(1);
+    DISPPARAMS given{&one, names.data(), 1, 2};
+    EXPECT_EQ(dispatch_->Invoke(take, IID_NULL, 0, DISPATCH_METHOD, &given, nullptr, nullptr, nullptr),
+              DISP_E_BADPARAMCOUNT);
+}
+
 TEST_F(DispatchTest, FailuresCarryNumberTextAndSource) {
     ASSERT_EQ(Call(NumberOf(L"Break"), DISPATCH_METHOD, {}), DISP_E_EXCEPTION);
     EXPECT_EQ(info_.scode, static_cast<HRESULT>(0x800A0009));
@@ -200,6 +230,12 @@ class Mortal final : public automation::TableObject<Mortal> {
         return table;
     }
     std::string TypeName() const override { return "Mortal"; }
+    std::unique_ptr<automation::Enumerator> NewEnumerator() override {
+        struct Nothing final : automation::Enumerator {
+            std::optional<Variant> Next() override { return std::nullopt; }
+        };
+        return std::make_unique<Nothing>();
+    }
 
   private:
     std::thread::id& ended_;
@@ -220,6 +256,27 @@ TEST_F(DispatchTest, WhatAnotherThreadGivesBackLastEndsOnItsOwn) {
     std::thread([&] { orphan = NewDispatch(std::make_shared<Mortal>(ended)); }).join();
     ended = {};
     EXPECT_EQ(orphan->Release(), 0U);
+    EXPECT_EQ(ended, std::this_thread::get_id());
+}
+
+TEST_F(DispatchTest, AnEnumeratorKeepsToTheThreadOfItsCollection) {
+    const long before = LiveComObjects();
+    std::thread::id ended;
+    IEnumVARIANT* each = NewEnumVariant(std::make_shared<Mortal>(ended));
+    EXPECT_EQ(LiveComObjects(), before + 1);
+    std::thread([&] {
+        VARIANT value;
+        VariantInit(&value);
+        IEnumVARIANT* copy = nullptr;
+        EXPECT_EQ(each->Next(1, &value, nullptr), RPC_E_WRONG_THREAD);
+        EXPECT_EQ(each->Skip(1), RPC_E_WRONG_THREAD);
+        EXPECT_EQ(each->Reset(), RPC_E_WRONG_THREAD);
+        EXPECT_EQ(each->Clone(&copy), RPC_E_WRONG_THREAD);
+        EXPECT_EQ(each->Release(), 0U);
+    }).join();
+    EXPECT_EQ(LiveComObjects(), before);
+    EXPECT_EQ(ended, std::thread::id());
+    DispatchOf(std::make_shared<CashBox>());
     EXPECT_EQ(ended, std::this_thread::get_id());
 }
 

@@ -77,6 +77,32 @@ class Untold final : public ComObject<IDispatch> {
     std::vector<std::wstring> members_;
 };
 
+// One with declared types whose server converts nothing: a look-up that writes to a text.
+class Typed final : public ComObject<IDispatch> {
+  public:
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* numbers) override {
+        *numbers = 1;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS* given, VARIANT*, EXCEPINFO*,
+                                     UINT*) override {
+        if (given->cArgs != 1 || given->rgvarg[0].vt != (VT_BYREF | VT_BSTR)) return DISP_E_TYPEMISMATCH;
+        BSTR& text = *given->rgvarg[0].pbstrVal;
+        const BSTR chosen = NewText(TextOf(text) + "，选中");
+        SysFreeString(text);
+        text = chosen;
+        return S_OK;
+    }
+
+  private:
+    ~Typed() = default;
+};
+
 class ForeignTest : public ComTest {
   protected:
     automation::ObjectRef Foreign(int busy = 0) {
@@ -118,6 +144,16 @@ TEST_F(ForeignTest, WritesToArgumentsByReference) {
     Variant amount(41);
     EXPECT_EQ(Foreign()->Call("Take", {Argument::ByReference(amount)}), Variant("41;-;-;"));
     EXPECT_EQ(amount, Variant(42));
+}
+
+TEST_F(ForeignTest, WritesToArgumentsOfDeclaredTypes) {
+    const auto typed = ObjectOf(ComPointer<IDispatch>(new Typed).Get());
+    Variant text("1001");
+    typed->Call("AccountLookup", {Argument::ByReference(text)});
+    EXPECT_EQ(text, Variant("1001，选中"));
+    Variant number(1001);
+    EXPECT_EQ(Failure([&] { typed->Call("AccountLookup", {Argument::ByReference(number)}); }).Number(), 13);
+    EXPECT_EQ(number, Variant(1001));
 }
 
 TEST_F(ForeignTest, ObjectsKeepTheirIdentityOnTheWay) {
