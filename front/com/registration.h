@@ -11,7 +11,7 @@ namespace vicenter::front {
 
 enum class RegisterFor { kUser, kMachine };
 
-// `library` is the path of this library. S_OK, or why not; what had been written by then is removed.
+// `library` is the path of this library. S_OK, or why not; all is as it was before then.
 HRESULT RegisterClasses(RegisterFor whom, const std::wstring& library);
 // Removes what RegisterClasses() writes and nothing else. S_OK as well where nothing was registered.
 HRESULT UnregisterClasses(RegisterFor whom);

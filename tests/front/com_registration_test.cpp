@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "front/include/vicenter/vicenter_com.h"
 #include "tests/front/com_server_fixture.h"
 
 namespace vicenter::front {
@@ -74,7 +75,10 @@ void ExpectOnlyOurs(const std::set<std::wstring>& added) {
             path.rfind(L"VelaVICenter.", 0) == 0 || path.rfind(L"TypeLib\\{FE125752-", 0) == 0 ||
             path.rfind(L"CLSID\\{CB676E64-", 0) == 0 || path.rfind(L"CLSID\\{E057ECA1-", 0) == 0 ||
             path.rfind(L"CLSID\\{DAF99C00-", 0) == 0 || path.rfind(L"CLSID\\{956C88A9-", 0) == 0 ||
-            path.rfind(L"CLSID\\{FA5C40F4-", 0) == 0 || path == L"TypeLib\\" || path == L"CLSID\\";
+            path.rfind(L"CLSID\\{FA5C40F4-", 0) == 0 || path.rfind(L"Interface\\{9867BA6C-", 0) == 0 ||
+            path.rfind(L"Interface\\{2C1010B2-", 0) == 0 || path.rfind(L"Interface\\{002A486B-", 0) == 0 ||
+            path.rfind(L"Interface\\{E946C532-", 0) == 0 || path.rfind(L"Interface\\{656D0DE9-", 0) == 0 ||
+            path == L"TypeLib\\" || path == L"CLSID\\" || path == L"Interface\\";
         EXPECT_TRUE(ours) << system::os::Narrow(path);
     }
 }
@@ -112,7 +116,8 @@ class Registration : public ComLibrary {
   protected:
     Registration() {
         // A user who has no classes of his own has not these keys either.
-        for (const wchar_t* key : {L"Software\\Classes\\CLSID", L"Software\\Classes\\TypeLib"})
+        for (const wchar_t* key :
+             {L"Software\\Classes\\CLSID", L"Software\\Classes\\Interface", L"Software\\Classes\\TypeLib"})
             RegDeleteKeyW(HKEY_CURRENT_USER, key);
         EXPECT_EQ(Failure([] { com::CreateForeign("VelaVICenter.VbsJson"); }).Number(), 429);
         user_ = Classes(HKEY_CURRENT_USER);
@@ -182,6 +187,48 @@ TEST_F(Registration, TheTypeLibraryIsFoundByItsNumber) {
     library = {};
     ASSERT_EQ(InstallForMachine(false), S_OK);
     EXPECT_NE(LoadRegTypeLib(id, 1, 0, 0, library.Receive()), S_OK);
+}
+
+// A host in another apartment is given a stand-in for the interface that it was compiled with.
+TEST_F(Registration, EachInterfaceHasTheSystemsOwnStandIn) {
+    CLSID standIn{};
+    EXPECT_NE(CoGetPSClsid(VelaVICenter::VbsJson::kInterface, &standIn), S_OK);
+    ASSERT_EQ(InstallForMachine(true), S_OK);
+    CLSID ofDispatch{};
+    ASSERT_EQ(CLSIDFromString(L"{00020420-0000-0000-C000-000000000046}", &ofDispatch), S_OK);
+    for (const IID& id : {VelaVICenter::aplication::kInterface, VelaVICenter::clsVIData::kInterface,
+                          VelaVICenter::VbsJson::kInterface, VelaVICenter::StringBuilder::kInterface,
+                          VelaVICenter::Host::kInterface}) {
+        EXPECT_EQ(CoGetPSClsid(id, &standIn), S_OK);
+        EXPECT_TRUE(IsEqualCLSID(standIn, ofDispatch));
+    }
+    ASSERT_EQ(InstallForMachine(false), S_OK);
+    ExpectNothingLeft();
+}
+
+// What was registered before is registered still when a newer library cannot be.
+TEST_F(Registration, OneThatFailsHalfwayChangesNothing) {
+    const std::wstring key = L"Software\\Classes\\VelaVICenter.Host";
+    const auto block = [&] {  // nothing that lasts can be written below a key that does not
+        HKEY made = nullptr;
+        ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_WRITE,
+                                  nullptr, &made, nullptr),
+                  ERROR_SUCCESS);
+        RegCloseKey(made);
+    };
+    block();
+    const Values blocked = Classes(HKEY_CURRENT_USER);
+    EXPECT_TRUE(FAILED(InstallForUser(true)));
+    EXPECT_EQ(Classes(HKEY_CURRENT_USER), blocked);
+    RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
+    ASSERT_EQ(InstallForUser(true), S_OK);
+    RegDeleteTreeW(HKEY_CURRENT_USER, key.c_str());
+    block();
+    const Values older = Classes(HKEY_CURRENT_USER);
+    EXPECT_TRUE(FAILED(InstallForUser(true)));
+    EXPECT_EQ(Classes(HKEY_CURRENT_USER), older);
+    ASSERT_EQ(InstallForUser(false), S_OK);
+    ExpectNothingLeft();
 }
 
 // The library of the other width, for programs of 32 bits beside those of 64, has its place in the same keys.
