@@ -34,12 +34,14 @@ def main():
         if code != 0:
             print("The library cannot be registered:", code, said)
             return 1
-        _, said = run("cscript.exe", "//nologo", "Z:" + SCRIPT,
+        scripted, said = run("cscript.exe", "//nologo", "Z:" + SCRIPT,
                       f"Provider=VelaAccountSet;Data Source=Z:{account_set}")
         print(said)
+        if scripted != 0:
+            print("The script's host ended with", scripted)
         code, _ = run("regsvr32", "/s", "/u", "Z:" + LIBRARY)
         verdict = re.search(r"verdict: (\d+) checks, 0 failures", said)
-        return 0 if code == 0 and verdict and int(verdict.group(1)) >= 30 else 1
+        return 0 if scripted == 0 and code == 0 and verdict and int(verdict.group(1)) >= 30 else 1
     finally:
         shutil.rmtree(work, ignore_errors=True)
 
