@@ -89,7 +89,12 @@ void frmVICenter::Load() {
 
 void frmVICenter::Shown() {
     parts_->edge.Look([&] {
-        if (!parts_->state.open.LinesKnown()) parts_->tree.TellUnreadable();
+        // The standard template is in every tree that has been read.
+        if (parts_->tree.KeyOfTemplate(std::to_string(store::kStandardTemplateId), {}).empty()) {
+            Tell("凭证模板未能读取，请检查账套连接后重新打开凭证模板！");
+        } else if (!parts_->state.open.LinesKnown()) {
+            parts_->tree.TellUnreadable();
+        }
         if (!RightsFailure().empty()) Tell(RightsFailure());
         parts_->offersDrafts = true;
         parts_->MarkUnusable();

@@ -21,7 +21,7 @@ class LockedSet : public WindowOnSet {
     void Lock() {
         writer_ = ado::OpenConnection(host::FileConnectString(set_) + ";Transactions=none;Pooling=no");
         writer_->Execute("begin transaction");
-        writer_->Execute("update t_VchTemplate set FName = FName where FID = 0");
+        writer_->Execute("update t_VchTemplate set FName = FName");
     }
     void LetGo() {
         writer_->Execute("rollback");
@@ -49,6 +49,21 @@ TEST_F(LockedSet, ReadingWaitsForNobody) {
     EXPECT_EQ(view_.name, "日常费用");
     EXPECT_EQ(Window().RowCount(), 11);
     EXPECT_THAT(TakeMessages(), IsEmpty());
+}
+
+// The standard template is not there yet, and cannot be made.
+TEST_F(LockedSet, ATreeThatCannotBeReadIsToldOnceTheWindowIsSeen) {
+    OpenWindow();
+    Window().Shown();
+    EXPECT_THAT(TakeMessages(), IsEmpty());
+    session_->Execute("delete t_VchTemplate where FID = 0");
+    window_.reset();
+    Lock();
+    OpenWindow();
+    EXPECT_EQ(view_.tree.size(), 1U);
+    EXPECT_THAT(TakeMessages(), IsEmpty());
+    Window().Shown();
+    EXPECT_THAT(TakeMessages(), ElementsAre("凭证模板未能读取，请检查账套连接后重新打开凭证模板！"));
 }
 
 TEST_F(LockedSet, ANewTemplateThatIsNotMadeIsTold) {
