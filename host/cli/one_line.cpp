@@ -1,13 +1,19 @@
 #include "host/cli/one_line.h"
 
-#include <cstdint>
+#include "text/hex.h"
+#include "text/utf8.h"
 
 namespace vicenter::host {
 
 namespace {
 
-std::string Escaped(std::uint32_t character) {
-    switch (character) {
+// Control characters, and what ends a line for programs that know more than ASCII.
+bool Separates(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x2028 || code == 0x2029;
+}
+
+std::string Escaped(char32_t code) {
+    switch (code) {
         case '\n':
             return "\\n";
         case '\r':
@@ -17,44 +23,24 @@ std::string Escaped(std::uint32_t character) {
         default:
             break;
     }
-    constexpr const char* kDigits = "0123456789abcdef";
-    std::string text = "\\u";
-    for (int shift = 12; shift >= 0; shift -= 4)
-        text += kDigits[(character >> static_cast<unsigned>(shift)) & 0xF];
-    return text;
-}
-
-// The control character or separator of lines that the text begins with, and its bytes; 0 for any other.
-std::uint32_t SeparatorAt(std::string_view text, std::size_t& bytes) {
-    const auto byte = [&](std::size_t at) -> std::uint32_t {
-        return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
-    };
-    bytes = 1;
-    if (byte(0) < 0x20 || byte(0) == 0x7F) return byte(0);
-    if (byte(0) == 0xC2 && byte(1) >= 0x80 && byte(1) < 0xA0) {
-        bytes = 2;
-        return byte(1);
-    }
-    if (byte(0) == 0xE2 && byte(1) == 0x80 && (byte(2) == 0xA8 || byte(2) == 0xA9)) {
-        bytes = 3;
-        return 0x2000 + (byte(2) - 0x80);
-    }
-    return 0;
+    std::string escaped = "\\u";
+    text::AppendHex(escaped, static_cast<unsigned char>(code >> 8));
+    text::AppendHex(escaped, static_cast<unsigned char>(code & 0xFF));
+    return escaped;
 }
 
 }  // namespace
 
-std::string OneLine(std::string_view text) {
+std::string OneLine(std::string_view given) {
     std::string line;
-    while (!text.empty()) {
-        std::size_t bytes = 1;
-        const std::uint32_t separator = SeparatorAt(text, bytes);
-        if (separator != 0 || text.front() == '\0') {
-            line += Escaped(separator);
+    for (std::size_t at = 0; at < given.size();) {
+        const text::CodePoint point = text::ReadUtf8(given, at);
+        if (point.valid && Separates(point.code)) {
+            line += Escaped(point.code);
         } else {
-            line += text.front();
+            line += given.substr(at, point.length);
         }
-        text.remove_prefix(bytes);
+        at += point.length;
     }
     return line;
 }

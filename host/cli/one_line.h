@@ -9,6 +9,6 @@
 
 namespace vicenter::host {
 
-std::string OneLine(std::string_view text);
+std::string OneLine(std::string_view given);
 
 }  // namespace vicenter::host
