@@ -14,6 +14,7 @@
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
+#include "store/new_template.h"
 #include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
@@ -89,7 +90,8 @@ std::optional<TemplateTarget> ChooseTarget(const std::string& name, const std::s
         return std::nullopt;
     }
     TemplateTarget target{name, existing.OwnerAfterwards(userId),
-                          existing.state == State::MayWrite ? existing.id : -1};
+                          existing.state == State::MayWrite ? existing.id : -1, std::nullopt};
+    if (target.overwriteId >= 0) target.seen = existing.seen;
     if (target.overwriteId >= 0 &&
         ShowMessage("凭证模板“" + name +
                         "”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？",
@@ -101,14 +103,25 @@ std::optional<TemplateTarget> ChooseTarget(const std::string& name, const std::s
 
 void WriteTemplate(const TemplateTarget& target, const std::string& batch, const std::string& userId,
                    GenerationResult& result) {
-    if (target.overwriteId < 0) store::ClearWayForNewTemplate();
+    constexpr const char* kNotMade = "没有生成";
     std::optional<store::KeptVersions> before;
-    if (target.overwriteId >= 0)
-        before.emplace(std::vector{std::to_string(target.overwriteId)}, store::HistoryCommand::Generate);
-    // With the lines come the flags of the numbers that can be used, or nothing does.
-    store::CommandUnit unit;
+    std::optional<store::NewTemplate> made;
+    std::string why;
+    if (target.seen) {
+        before.emplace(std::vector{*target.seen}, store::HistoryCommand::Generate);
+        why = before->WhyNot(kNotMade);
+    } else {
+        made.emplace(target.name);
+        why = made->WhyNot(kNotMade);
+    }
     using Outcome = store::TemplateOutcome::State;
     result.outcome.state = Outcome::Refused;
+    if (!why.empty()) {
+        ShowMessage(why);
+        return;
+    }
+    // With the lines come the flags of the numbers that can be used, or nothing does.
+    store::CommandUnit unit;
     if (!store::RunSql(batch)) return;
 
     result.outcome.state = Outcome::Failed;
@@ -119,7 +132,7 @@ void WriteTemplate(const TemplateTarget& target, const std::string& batch, const
     }
     const std::string templateId = std::to_string(id);
     store::RunSql(store::MarkUsable(templateId));
-    if (!unit.Commit() || (before && !before->Commit())) {
+    if (!unit.Commit() || !(before ? before->Commit() : made->Commit())) {
         ShowMessage("凭证模板生成失败！");
         return;
     }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "platform/ado/recordset.h"
 #include "store/line_fault.h"
 #include "store/template_columns.h"
+#include "store/template_guard.h"
 
 namespace vicenter::autovch {
 
@@ -33,7 +35,8 @@ using Progress = std::function<bool(std::int64_t done, std::int64_t all)>;
 struct TemplateTarget {
     std::string name;
     std::string userId;
-    std::int32_t overwriteId = -1;  // the template to replace; store::kNewTemplate: a new one
+    std::int32_t overwriteId = -1;                 // the template to replace; store::kNewTemplate: a new one
+    std::optional<store::SeenTemplate> seen = {};  // that one, as the user is asked about it
 };
 
 // The whole batch, or the empty text when the progress gave up or the account set has no room for some of the

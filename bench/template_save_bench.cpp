@@ -83,7 +83,9 @@ int main(int argc, char** argv) {
         grid.SetText(change * 37 % lines + 1, center::column::kAmount, std::to_string(change));
     };
     const auto save = [&] {
-        Require(static_cast<bool>(center::SendTemplate(grid, lines, kTemplateId, "bench")), "it is saved");
+        Require(
+            static_cast<bool>(center::SendTemplate(grid, lines, store::SeenAs(kTemplateId, "1", "bench"))),
+            "it is saved");
     };
     std::printf("%d lines saved, demo ledger, %d rounds; milliseconds\n", lines, rounds);
     std::vector<bench::Candidate> candidates{

@@ -7,7 +7,6 @@
 #include "entry/host_context.h"
 #include "exchange/marked_copy.h"
 #include "store/cls_vi_data.h"
-#include "store/template_guard.h"
 #include "store/template_name.h"
 #include "text/ascii.h"
 
@@ -50,7 +49,10 @@ ImportDestination FindImportDestination(const std::string& fileName) {
         destination.refusal = "模板[" + name + "]属于其他用户（用户编号 " + std::to_string(existing.ownerId) +
                               "），不允许覆盖，引入失败！";
     }
-    if (existing.state == State::MayWrite) destination.existingId = existing.id;
+    if (existing.state == State::MayWrite) {
+        destination.existingId = existing.id;
+        destination.seen = existing.seen;
+    }
     return destination;
 }
 

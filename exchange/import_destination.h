@@ -4,14 +4,18 @@
 // before an import and before a look at what it would change. User-interface thread only.
 
 #include <cstdint>
+#include <optional>
 #include <string>
+
+#include "store/template_guard.h"
 
 namespace vicenter::exchange {
 
 struct ImportDestination {
     std::string name = {};
-    std::int32_t existingId = -1;  // of the template that it would replace; -1: a new one
-    std::string refusal = {};      // why it can become none, as an import says it
+    std::int32_t existingId = -1;                  // of the template that it would replace; -1: a new one
+    std::optional<store::SeenTemplate> seen = {};  // that template, as the user is asked about it
+    std::string refusal = {};                      // why it can become none, as an import says it
 
     bool Replaces() const { return existingId >= 0; }
 };

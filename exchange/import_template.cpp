@@ -13,6 +13,7 @@
 #include "platform/system/surroundings.h"
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
+#include "store/new_template.h"
 #include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
@@ -73,27 +74,37 @@ bool ConfirmEmptying(std::int32_t existingId, const std::string& name, std::int3
 }
 
 // Writes what was read: the lines and the flags of the numbers that can be used, or nothing.
-void WriteBatch(ExchangeTarget& window, const ImportBatch& batch, std::int32_t existingId,
-                ImportOutcome& outcome) {
+// Nothing where the template is no longer what the user saw, or where there is one now.
+void WriteBatch(ExchangeTarget& window, const ImportBatch& batch,
+                const std::optional<store::SeenTemplate>& seen, ImportOutcome& outcome) {
     const std::string& name = outcome.templateName;
-    if (existingId == kNewTemplate) store::ClearWayForNewTemplate();
-    store::clsVIData::ForgetFailure();
+    constexpr const char* kNotImported = "没有引入";
     std::optional<store::KeptVersions> before;
-    if (existingId != kNewTemplate)
-        before.emplace(std::vector{std::to_string(existingId)}, store::HistoryCommand::Import);
+    std::optional<store::NewTemplate> made;
+    std::string why;
+    if (seen) {
+        before.emplace(std::vector{*seen}, store::HistoryCommand::Import);
+        why = before->WhyNot(kNotImported);
+    } else {
+        made.emplace(name);
+        why = made->WhyNot(kNotImported);
+    }
+    if (!why.empty()) throw Refused{kImportFailed + why, {}, entry::kMessageTitle};
+    store::clsVIData::ForgetFailure();
     store::CommandUnit unit;
     const auto check = [](bool done) {
         if (done) return;
         const std::string& silent = store::clsVIData::LastFailure();
         const std::string& shown = store::clsVIData::LastRefusal();
-        const std::string& why = shown.empty() ? silent : shown;
-        throw Error(automation::error_number::kInvalidProcedureCall, why.empty() ? "账套没有接受写入" : why);
+        const std::string& reason = shown.empty() ? silent : shown;
+        throw Error(automation::error_number::kInvalidProcedureCall,
+                    reason.empty() ? "账套没有接受写入" : reason);
     };
     check(store::RunSql(batch.text));
     window.SetProgressLabel("引入完毕...");
     const std::string id = ReadTemplateId(name);
     store::RunSql(store::MarkUsable(id));
-    check(unit.Commit() && (!before || before->Commit()));
+    check(unit.Commit() && (before ? before->Commit() : made->Commit()));
     outcome.templateId = Variant(id).ToInt32();
     outcome.lines = batch.lines;
     outcome.written = true;
@@ -119,16 +130,17 @@ bool CheckInstalled(ImportOutcome& outcome) {
 using BatchSource = std::function<ImportBatch()>;
 
 // Writes the batch and tells what became of it.
-ImportOutcome ImportFrom(ExchangeTarget& window, const std::string& fileName, std::int32_t existingId,
-                         const std::string& name, const BatchSource& read) {
+ImportOutcome ImportFrom(ExchangeTarget& window, const std::string& fileName,
+                         const ImportDestination& destination, const BatchSource& read) {
+    const std::string& name = destination.name;
     ImportOutcome outcome;
     outcome.file = fileName;
     outcome.templateName = name;
     window.ShowProgress("正在执行凭证模板引入，请稍后...");
     try {
         const ImportBatch batch = read();
-        if (!ConfirmEmptying(existingId, name, batch.lines)) throw Cancelled();
-        WriteBatch(window, batch, existingId, outcome);
+        if (!ConfirmEmptying(destination.existingId, name, batch.lines)) throw Cancelled();
+        WriteBatch(window, batch, destination.seen, outcome);
         TellWritten(window, outcome);
     } catch (const Refused& refused) {
         outcome.faults = refused.faults;
@@ -179,8 +191,10 @@ ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileNa
               entry::kMessageTitle, MessageButtons::OkCancel) != MessageResult::Ok)) {
         return outcome;
     }
-    if (!seen) return ImportTemplateWorkbook(window, fileName, destination.existingId, name, tidily);
-    return ImportFrom(window, fileName, destination.existingId, name, [&] { return std::move(*seen); });
+    return ImportFrom(window, fileName, destination, [&] {
+        if (seen) return std::move(*seen);
+        return ReadTemplateWorkbook(window, fileName, destination.existingId, name, tidily);
+    });
 }
 
 // Whatever the surroundings of the command throw ends like any failure of an import. fileName: as it is by
@@ -200,7 +214,14 @@ ImportOutcome Guarded(const std::string& fileName, const std::function<ImportOut
 
 ImportOutcome ImportTemplateWorkbook(ExchangeTarget& window, const std::string& fileName,
                                      std::int32_t existingId, const std::string& name, bool tidily) {
-    return ImportFrom(window, fileName, existingId, name,
+    ImportDestination destination{name, existingId, std::nullopt, {}};
+    if (destination.Replaces()) {
+        const std::string id = std::to_string(existingId);
+        const auto row = store::AskTemplateWithLines(id);
+        destination.seen = store::SeenAs(id, entry::CurrentUserId(), row ? row->name : name);
+        if (row) destination.seen->lines = store::Compare(*destination.seen, row).now.lines;
+    }
+    return ImportFrom(window, fileName, destination,
                       [&] { return ReadTemplateWorkbook(window, fileName, existingId, name, tidily); });
 }
 

@@ -14,6 +14,7 @@ using automation::Error;
 namespace {
 
 std::string lastFailure;
+bool lastFailureWasLock = false;
 std::string lastRefusal;
 
 void ShowRefusal(const std::string& text) {
@@ -50,7 +51,7 @@ RecordsetRef clsVIData::Query(const std::string& sql) {
     try {
         Open();
     } catch (const Error& error) {
-        lastFailure = error.Text();
+        NoteFailure(error);
         throw;
     }
     return QueryAgain(sql);
@@ -61,7 +62,7 @@ RecordsetRef clsVIData::QueryAgain(const std::string& sql) {
         broker_->Settle();
         return broker_->GiveConnection()->Execute(sql);
     } catch (const Error& error) {
-        lastFailure = error.Text();
+        NoteFailure(error);
         throw;
     }
 }
@@ -76,10 +77,17 @@ const std::string& clsVIData::LastRefusal() {
 
 void clsVIData::ForgetFailure() {
     lastFailure.clear();
+    lastFailureWasLock = false;
 }
 
-void clsVIData::NoteFailure(const std::string& text) {
-    lastFailure = text;
+bool clsVIData::LastFailureWasLock() {
+    return lastFailureWasLock;
+}
+
+void clsVIData::NoteFailure(const Error& error) {
+    lastFailure = error.Text();
+    // A question that is not answered in time waits for a lock, as far as anybody knows.
+    lastFailureWasLock = error.Number() == ado::error_number::kTimeoutExpired || SaysLocked(error.Text());
 }
 
 void clsVIData::ShowFailure() {

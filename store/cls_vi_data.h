@@ -101,8 +101,10 @@ class clsVIData : public automation::TableObject<clsVIData> {
     // What the user was shown of the last batch that was refused; empty when none was since the last one ran.
     static const std::string& LastRefusal();
     static void ForgetFailure();
-    // What failed beside a statement, at the end of a unit.
-    static void NoteFailure(const std::string& text);
+    // Others were in the way of that statement: they held a lock for longer than it waits.
+    static bool LastFailureWasLock();
+    // What failed beside a statement, at the beginning or the end of a unit.
+    static void NoteFailure(const automation::Error& error);
     // Shows the last failure to the user as that of a batch.
     static void ShowFailure();
 

@@ -10,8 +10,9 @@ namespace vicenter::store {
 CommandUnit::CommandUnit() {
     try {
         unit_ = ado::HostFramework::Process().BeginUnit(entry::GetPropsString());
-    } catch (const automation::Error&) {
+    } catch (const automation::Error& error) {
         // No property string, no account set: the first statement meets it and tells it in its own way.
+        clsVIData::NoteFailure(error);
         begun_ = false;
     }
 }
@@ -22,7 +23,7 @@ bool CommandUnit::Commit() {
         kept = unit_ == nullptr || unit_->Commit();
     } catch (const automation::Error& error) {
         entry::KeepError(error);
-        clsVIData::NoteFailure(error.Text());
+        clsVIData::NoteFailure(error);
         kept = false;
     }
     unit_.reset();

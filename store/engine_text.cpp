@@ -43,6 +43,12 @@ bool Says(const Refusal& refusal, std::string_view text) {
 
 }  // namespace
 
+bool SaysLocked(const std::string& text) {
+    return std::any_of(kRefusals.begin(), kRefusals.end(), [&](const Refusal& refusal) {
+        return (refusal.number == 1222 || refusal.number == 1205) && Says(refusal, text);
+    });
+}
+
 std::string EngineTextInChinese(const std::string& text) {
     const auto known = std::find_if(kRefusals.begin(), kRefusals.end(),
                                     [&](const Refusal& refusal) { return Says(refusal, text); });

@@ -10,4 +10,7 @@ namespace vicenter::store {
 // Any other text comes back as it is.
 std::string EngineTextInChinese(const std::string& text);
 
+// True when it says that others are in the way: what was asked or written may well be there.
+bool SaysLocked(const std::string& text);
+
 }  // namespace vicenter::store

@@ -20,7 +20,8 @@ std::int32_t UserNumber(const std::string& userId) {
     return static_cast<std::int32_t>(entry::LeadingNumber(userId));
 }
 
-// The first record as a template's row; no answer, or one without the columns asked for, is none.
+}  // namespace
+
 std::optional<TemplateRow> RowOf(const RecordsetRef& records) {
     if (records == nullptr) return std::nullopt;
     try {
@@ -37,10 +38,6 @@ std::optional<TemplateRow> RowOf(const RecordsetRef& records) {
     }
 }
 
-constexpr const char* kAboveTheLargest = " where FID > (select Max(FID) from t_VchTemplate)";
-
-}  // namespace
-
 std::optional<TemplateRow> AskTemplate(const std::string& id) {
     return RowOf(GetRecordset("select FUserID,FName as FTemplateName from t_VchTemplate where FID = " + id));
 }
@@ -54,6 +51,56 @@ std::optional<TemplateRow> AskTemplateWithLines(const std::string& id) {
     std::optional<TemplateRow> row = RowOf(records);
     if (row) row->lines = records;
     return row;
+}
+
+SeenTemplate SeenAs(const std::string& id, const std::string& userId, const std::string& name,
+                    std::optional<LinesDigest> lines) {
+    return {id, IsStandard(id) ? 0 : UserNumber(userId), name, lines};
+}
+
+// The standard template is known by its id, whatever its row says of name and owner.
+bool FoundTemplate::HasOtherName(const SeenTemplate& seen) const {
+    return !IsStandard(seen.id) && now.name != seen.name;
+}
+
+FoundTemplate Compare(const SeenTemplate& seen, const std::optional<TemplateRow>& row) {
+    FoundTemplate found;
+    if (!row) return found;
+    found.now = {seen.id, row->ownerId, row->name, std::nullopt};
+    try {
+        if (row->exists && row->lines != nullptr) found.now.lines = DigestOf(*row->lines);
+    } catch (const Error&) {
+        return found;
+    }
+    found.fate = TemplateFate::AsSeen;
+    if (!row->exists || (!IsStandard(seen.id) && row->ownerId != seen.ownerId)) {
+        found.fate = TemplateFate::Gone;
+    } else if (found.HasOtherName(seen) || (seen.lines && found.now.lines != seen.lines)) {
+        found.fate = TemplateFate::Changed;
+    }
+    return found;
+}
+
+FoundTemplate LookAgain(const SeenTemplate& seen) {
+    return Compare(seen, AskTemplateWithLines(seen.id));
+}
+
+std::string WhatHappened(const SeenTemplate& seen, const FoundTemplate& found) {
+    const std::string head = "模板 " + seen.name + " ";
+    switch (found.fate) {
+        case TemplateFate::Gone:
+            return head + "已在别处被删除";
+        case TemplateFate::Changed:
+            return head + (found.HasOtherName(seen) ? "已在别处被删除或改名" : "已在别处被修改");
+        case TemplateFate::Unknown:
+        case TemplateFate::AsSeen:
+            break;
+    }
+    return head + "无法读取";
+}
+
+std::string WhyNotWritten(const SeenTemplate& seen, const FoundTemplate& found, const std::string& undone) {
+    return WhatHappened(seen, found) + "，" + undone + "，账套保持原样！";
 }
 
 bool IsStandard(const std::string& templateId) {
@@ -79,17 +126,6 @@ bool ConfirmNewTemplate(const std::string& id, const std::string& userId, const 
            nullptr;
 }
 
-void ClearWayForNewTemplate() {
-    const RecordsetRef left = GetRecordset(
-        std::string("select (select count(*) from t_VchTemplateEntry") + kAboveTheLargest +
-        ") as FLines,(select count(*) from t_VchTpControl" + kAboveTheLargest + ") as FControls");
-    // Without an answer nothing is deleted: the batch then says itself what is in its way.
-    if (left == nullptr || left->RecordCount() < 1) return;
-    if (WholeNumber(left->Value("FLines")) == 0 && WholeNumber(left->Value("FControls")) == 0) return;
-    GetRecordset(std::string("delete t_VchTemplateEntry") + kAboveTheLargest + kCrLf +
-                 " delete t_VchTpControl" + kAboveTheLargest);
-}
-
 std::string NamedTemplate::OwnerAfterwards(const std::string& userId) const {
     return id == kStandardTemplateId ? "0" : userId;
 }
@@ -100,14 +136,20 @@ NamedTemplate FindTemplateToReplace(const std::string& name, const std::string& 
     if (found.id == clsVIData::kUnreadable) found.state = NamedTemplate::State::Unknown;
     if (found.id < 0) return found;
     const std::string id = std::to_string(found.id);
-    const std::optional<TemplateRow> row = AskTemplate(id);
+    const std::optional<TemplateRow> row = AskTemplateWithLines(id);
     if (!row || !row->exists) {
         found.state = NamedTemplate::State::Unknown;
         return found;
     }
     found.ownerId = row->ownerId;
+    if (!MayWrite(*row, id, userId)) {
+        found.state = NamedTemplate::State::Anothers;
+        return found;
+    }
+    const FoundTemplate now = Compare({id, row->ownerId, row->name}, row);
     found.state =
-        MayWrite(*row, id, userId) ? NamedTemplate::State::MayWrite : NamedTemplate::State::Anothers;
+        now.fate == TemplateFate::Unknown ? NamedTemplate::State::Unknown : NamedTemplate::State::MayWrite;
+    found.seen = now.now;
     return found;
 }
 

@@ -7,6 +7,7 @@
 #include "entry/host_services.h"
 #include "entry/sql_text.h"
 #include "store/cls_vi_data.h"
+#include "store/engine_text.h"
 #include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_columns.h"
@@ -35,14 +36,19 @@ void AppendLine(std::string& batch, std::string_view text) {
     batch.append(text).append(kCrLf);
 }
 
-// Answers the version's id as FHistoryID; no row where nothing is kept.
-std::string KeepBatch(const std::string& templateId, HistoryCommand command, const std::string& userId,
+// Where rows are locked, nobody else writes to them before the unit ends.
+constexpr const char* kLocked = " with (updlock, holdlock)";
+
+// Answers the template as AskTemplate and AskTemplateWithLines do, FHistoryID is the version's id beside it:
+// null where nothing is kept.
+std::string KeepBatch(const SeenTemplate& seen, HistoryCommand command, const std::string& userId,
                       const std::string& time) {
-    const std::string ofTemplate = " where FID = " + templateId;
+    const std::string ofTemplate = " where FID = " + seen.id;
     std::string batch;
-    AppendLine(batch, std::string(kIfKept) + " and exists(select 1 from t_VchTemplate" + ofTemplate + ")");
-    AppendLine(batch, "begin");
     AppendLine(batch, "declare @kept int");
+    AppendLine(batch,
+               std::string(kIfKept) + " and exists(select 1 from t_VchTemplate" + kLocked + ofTemplate + ")");
+    AppendLine(batch, "begin");
     AppendLine(batch,
                "insert into t_VchTpHistory(FID,FName,FOwnerID,FCommand,FKeptBy,FKeptAt,FLines) select "
                "FID,FName,FUserID," +
@@ -56,8 +62,16 @@ std::string KeepBatch(const std::string& templateId, HistoryCommand command, con
                "insert into t_VchTpHistoryControl(FHistoryID,FNo,FUseFrequency,FKey,FFileCount) select "
                "@kept,FNo,FUseFrequency,FKey,FFileCount from t_VchTpControl" +
                    ofTemplate);
-    AppendLine(batch, "select @kept as FHistoryID");
     AppendLine(batch, "end");
+    const std::string what = "select a.FUserID,a.FName as FTemplateName,@kept as FHistoryID";
+    const std::string from = std::string(" from t_VchTemplate a") + kLocked;
+    const std::string which = " where a.FID = " + seen.id;
+    if (seen.lines) {
+        AppendLine(batch, what + ",b.*" + from + " left join t_VchTemplateEntry b" + kLocked +
+                              " on a.FID = b.FID" + which + " order by b.FNo,b.FEntryID");
+    } else {
+        AppendLine(batch, what + from + which);
+    }
     return batch;
 }
 
@@ -218,6 +232,11 @@ void AppendMovingOfDeleted(std::string& batch, const std::string& versionId, con
                           ")");
 }
 
+// The question alone.
+FoundTemplate LookAt(const SeenTemplate& seen) {
+    return seen.lines ? LookAgain(seen) : Compare(seen, AskTemplate(seen.id));
+}
+
 HistoryVersion VersionOf(const ado::RecordsetRef& rows) {
     const auto text = [&](const char* field) { return rows->Value(field).ToTextOrEmpty(); };
     HistoryVersion version;
@@ -270,31 +289,85 @@ std::string CommandText(HistoryCommand command) {
 }
 
 // A version that is about to be brought back is not to be let go.
-KeptVersions::KeptVersions(const std::vector<std::string>& templateIds, HistoryCommand command)
-    : clears_(command != HistoryCommand::Restore) {
+KeptVersions::KeptVersions(const std::vector<SeenTemplate>& seen, HistoryCommand command)
+    : seen_(seen), clears_(command != HistoryCommand::Restore) {
+    clsVIData::ForgetFailure();
     unit_.emplace();
-    bool all = unit_->HasBegun();
-    for (std::size_t i = 0; all && i < templateIds.size(); ++i)
-        all = Keep(templateIds[i], command);
-    if (all) return;
+    if (!unit_->HasBegun() || !KeepAll(command)) {
+        const bool promised = command == HistoryCommand::Restore || command == HistoryCommand::Replace;
+        if (promised || clsVIData::LastFailureWasLock()) obstacle_ = Obstacle::NotKept;
+        if (unit_->IsOne()) kept_.clear();
+        const bool begun = unit_->HasBegun();
+        unit_.reset();
+        why_ = clsVIData::LastFailure();
+        entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-历史版本未能保留");
+        found_.clear();
+        if (begun && MayWrite()) unit_.emplace();
+        if (MayWrite()) LookAtAll();
+    }
+    if (MayWrite() || !unit_) return;
+    // Nobody else waits for it while the user reads why.
     if (unit_->IsOne()) kept_.clear();
     unit_.reset();
-    entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-历史版本未能保留");
+    Settle();
 }
 
-bool KeptVersions::Keep(const std::string& templateId, HistoryCommand command) {
+bool KeptVersions::KeepAll(HistoryCommand command) {
+    for (const SeenTemplate& seen : seen_) {
+        if (!Keep(seen, command)) return false;
+        if (!MayWrite()) break;
+    }
+    return true;
+}
+
+bool KeptVersions::Keep(const SeenTemplate& seen, HistoryCommand command) {
     const std::string time =
         kept_.empty() ? "GetDate()"
                       : "(select FKeptAt from t_VchTpHistory where FHistoryID = " + kept_.front().id + ")";
-    const ado::RecordsetRef kept = GetRecordset(KeepBatch(templateId, command, entry::CurrentUserId(), time));
-    try {
-        if (kept == nullptr) return false;
-        if (kept->ColumnCount() > 0 && !kept->AtEnd())
-            kept_.push_back({templateId, kept->Value("FHistoryID").ToText()});
+    const ado::RecordsetRef kept = GetRecordset(KeepBatch(seen, command, entry::CurrentUserId(), time));
+    if (kept == nullptr) return false;
+    std::optional<TemplateRow> row = RowOf(kept);
+    // Some hosts give a batch's first result alone, which is none where a version is kept.
+    if (!row) {
+        Take(LookAt(seen));
         return true;
-    } catch (const Error&) {
-        return false;
     }
+    if (seen.lines) row->lines = kept;
+    try {
+        if (row->exists && !kept->Value("FHistoryID").IsNull())
+            kept_.push_back({seen.id, kept->Value("FHistoryID").ToText()});
+    } catch (const Error&) {
+        // An answer to another question: nobody keeps anything there.
+    }
+    Take(Compare(seen, row));
+    return true;
+}
+
+void KeptVersions::LookAtAll() {
+    for (const SeenTemplate& seen : seen_) {
+        if (!Take(LookAt(seen))) return;
+    }
+}
+
+bool KeptVersions::Take(FoundTemplate found) {
+    const bool asSeen = found.fate == TemplateFate::AsSeen;
+    if (!asSeen) obstacle_ = Obstacle::NotAsSeen;
+    found_.push_back(std::move(found));
+    return asSeen;
+}
+
+std::string KeptVersions::WhyNot(const std::string& undone) const {
+    switch (obstacle_) {
+        case Obstacle::NotAsSeen:
+            return WhyNotWritten(seen_[found_.size() - 1], found_.back(), undone);
+        case Obstacle::NotKept: {
+            const std::string text = "现有分录未能保留为历史版本，" + undone + "，账套保持原样！";
+            return why_.empty() ? text : text + kCrLf + kCrLf + EngineTextInChinese(why_);
+        }
+        case Obstacle::None:
+            break;
+    }
+    return {};
 }
 
 KeptVersions::~KeptVersions() {
@@ -318,6 +391,7 @@ void KeptVersions::Settle() {
 }
 
 bool KeptVersions::Commit() {
+    if (!MayWrite()) return false;
     Settle();
     const bool committed = !unit_ || unit_->Commit();
     return committed;
@@ -330,7 +404,7 @@ bool KeptVersions::CommitOrShow() {
 }
 
 bool KeptVersions::RunAndCommit(const std::string& sql) {
-    return RunSql(sql) && CommitOrShow();
+    return MayWrite() && RunSql(sql) && CommitOrShow();
 }
 
 History ReadHistory(const std::string& templateId) {

@@ -13,6 +13,7 @@
 
 #include "platform/ado/recordset.h"
 #include "store/command_unit.h"
+#include "store/template_guard.h"
 
 namespace vicenter::store {
 
@@ -29,27 +30,45 @@ enum class HistoryCommand : std::int32_t {
 // For users; empty for a number that is none of ours.
 std::string CommandText(HistoryCommand command);
 
-// The versions that are there now, kept before a command writes to them. Where the host's service can do
-// that, they and what the command writes are one unit, on the disk at once; elsewhere they are looked at once
-// more at the end of the scope. Either way a version that is still what stands there is given up: a command
-// that changed nothing leaves none, whatever it wrote, and lets none of before go. A failure to keep them is
-// no reason to stop the command: it goes on outside the unit, and the operation log tells. While one is in
-// scope nobody is asked anything.
+// A command's writing to templates that are there: whether they still are what the user saw, and the versions
+// of them, kept before the command writes. Where the host's service can do that, both and what the command
+// writes are one unit, on the disk at once; elsewhere the versions are looked at once more at the end of the
+// scope. Either way a version that is still what stands there is given up: a command that changed nothing
+// leaves none, whatever it wrote, and lets none of before go.
+//
+// One batch a template keeps its version and asks what it is; where rows can be locked it stays that to the
+// end of the unit. When it is not what the user saw, nothing is kept and nothing may be written. A version
+// that cannot be kept ends a command that promises it (Restore, Replace), and any command where another one
+// holds a lock, since it could write no more than the version; for the others it is no reason to stop: they
+// go on without, and the operation log tells. While one is in scope nobody is asked anything, unless nothing
+// may be written.
 class KeptVersions {
   public:
-    // The current user gives the command. A template that is not there has no version. What one command wrote
-    // to several templates is known by their one time.
-    KeptVersions(const std::vector<std::string>& templateIds, HistoryCommand command);
+    // The current user gives the command. What one command wrote to several templates is known by their one
+    // time.
+    KeptVersions(const std::vector<SeenTemplate>& seen, HistoryCommand command);
     KeptVersions(const KeptVersions&) = delete;
     KeptVersions& operator=(const KeptVersions&) = delete;
     ~KeptVersions();
+
+    enum class Obstacle {
+        None,
+        NotAsSeen,  // the last of Found()
+        NotKept,
+    };
+    Obstacle InTheWay() const { return obstacle_; }
+    bool MayWrite() const { return obstacle_ == Obstacle::None; }
+    // What has become of the templates, up to the first that is not what the user saw.
+    const std::vector<FoundTemplate>& Found() const { return found_; }
+    // Why nothing may be written, for users, with what the command did not do: "没有引入".
+    std::string WhyNot(const std::string& undone) const;
 
     // The command has written: the versions are history, but for those of what it left as it was. False when
     // that and what was written has been undone instead, or nobody knows; clsVIData::LastFailure() says why.
     bool Commit();
     // The same; an error has been shown to the user like that of a batch.
     bool CommitOrShow();
-    // The command's batch, and that.
+    // The command's batch, and that; not where nothing may be written.
     bool RunAndCommit(const std::string& sql);
 
   private:
@@ -57,10 +76,19 @@ class KeptVersions {
         std::string templateId;
         std::string id;
     };
-    bool Keep(const std::string& templateId, HistoryCommand command);
+    // False: a version could not be kept.
+    bool KeepAll(HistoryCommand command);
+    bool Keep(const SeenTemplate& seen, HistoryCommand command);
+    void LookAtAll();
+    // True when it is what the user saw.
+    bool Take(FoundTemplate found);
     void Settle();
 
+    std::vector<SeenTemplate> seen_;
     bool clears_;
+    Obstacle obstacle_ = Obstacle::None;
+    std::string why_;  // they could not be kept
+    std::vector<FoundTemplate> found_;
     std::optional<CommandUnit> unit_;
     std::vector<Version> kept_;
 };

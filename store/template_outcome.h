@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "store/template_guard.h"
+
 namespace vicenter::store {
 
 struct TemplateOutcome {
@@ -17,11 +19,14 @@ struct TemplateOutcome {
         Failed,   // whatever else ended it, the user's own wish among it
         // Written, and told as failed, since what it makes unusable could not be asked.
         SavedUntold,
+        // Nothing was written: it is not what the user saw. Nobody has been told yet.
+        NotAsSeen,
     };
     State state = State::Failed;
     std::int32_t id = 0;                     // the template that was written
     std::vector<std::string> unusable = {};  // its numbers that cannot be used in this account set
     std::string untold = {};                 // why nothing was written, where no message has said so
+    FoundTemplate found = {};                // of NotAsSeen: what there is instead
 
     explicit operator bool() const { return state == State::Saved; }
 };

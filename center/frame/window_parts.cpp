@@ -74,7 +74,7 @@ WindowParts::~WindowParts() {
 TemplateSaveActions WindowParts::SaveActions() {
     TemplateSaveActions actions;
     actions.reload = [this] { return Reload(); };
-    actions.readTreeAgain = [this](const std::string& id) { tree.ReadAgain(id); };
+    actions.showAgain = [this](const std::string& id) { return tree.ShowAgain(id); };
     actions.insertTemplate = [this] { return tree.InsertTemplate(); };
     actions.undo = [this] { editing.Undo(); };
     actions.refused = [this] {

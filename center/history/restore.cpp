@@ -7,9 +7,7 @@
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
-#include "store/command_unit.h"
-#include "store/statements.h"
-#include "store/template_guard.h"
+#include "store/new_template.h"
 
 namespace vicenter::center {
 
@@ -31,34 +29,33 @@ store::TemplateOutcome TellFailed(const std::string& name, State state) {
     return {state};
 }
 
-// The template and the versions that come along are there together or not at all.
-bool RunAsOne(const std::string& sql) {
-    store::CommandUnit unit;
-    if (!store::RunSql(sql)) return false;
-    if (unit.Commit()) return true;
-    store::clsVIData::ShowFailure();
-    return false;
+constexpr const char* kNotRestored = "没有恢复";
+
+store::TemplateOutcome TellWhyNot(const std::string& name, const std::string& why) {
+    Tell(why);
+    entry::WriteOperationLog(LogKind::Failed, "凭证模板-恢复模板 " + name + " 失败");
+    return {};
 }
 
 }  // namespace
 
 store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const std::string& templateId,
                                    const std::string& name) {
+    const SeenTemplate listed = store::SeenAs(templateId, entry::CurrentUserId(), name);
+    const FoundTemplate seen = store::LookAgain(listed);
+    if (seen.fate != TemplateFate::AsSeen)
+        return TellWhyNot(name, store::WhyNotWritten(listed, seen, kNotRestored));
     if (Ask("模板 " + name + " 的现有分录将被 " + version.keptAt + " 之前的版本（" +
                 std::to_string(version.lines) + " 行）替换，现有分录会保留为历史版本。请确认是否恢复？",
             system::MessageButtons::YesNo) != system::MessageResult::Yes) {
         return {};
     }
-    // Asked once the user has agreed: what is written to is still there, and still the user's.
-    const TemplateFate fate = FateOfNode(templateId, name, entry::CurrentUserId()).fate;
-    if (fate == TemplateFate::Unknown) return TellFailed(name, State::Failed);
-    if (fate == TemplateFate::Gone) {
-        TellGone(name);
-        return {};
+    {
+        store::KeptVersions before({seen.now}, store::HistoryCommand::Restore);
+        if (!before.MayWrite()) return TellWhyNot(name, before.WhyNot(kNotRestored));
+        if (!before.RunAndCommit(store::RestoreOverBatch(version.id, templateId)))
+            return TellFailed(name, State::Refused);
     }
-    if (!store::KeptVersions({templateId}, store::HistoryCommand::Restore)
-             .RunAndCommit(store::RestoreOverBatch(version.id, templateId)))
-        return TellFailed(name, State::Refused);
     return TellRestored(templateId, name);
 }
 
@@ -74,9 +71,13 @@ store::TemplateOutcome RestoreAsNew(const store::HistoryVersion& version, const 
         Tell(why);
         return {};
     }
-    store::ClearWayForNewTemplate();
-    if (!RunAsOne(store::RestoreAsNewBatch(version.id, name, userId)))
-        return TellFailed(name, State::Refused);
+    {
+        // The template and the versions that come along are there together or not at all.
+        store::NewTemplate made(name, userId);
+        if (!made.MayWrite()) return TellWhyNot(name, made.WhyNot(kNotRestored));
+        if (!made.RunAndCommit(store::RestoreAsNewBatch(version.id, name, userId)))
+            return TellFailed(name, State::Refused);
+    }
     const std::int32_t id = store::clsVIData().FindVchTemplate(name, userId);
     if (id < 0) return TellFailed(name, State::SavedUntold);
     return TellRestored(std::to_string(id), name);

@@ -18,8 +18,8 @@ inline constexpr const char* kHistoryOff =
 inline constexpr const char* kHistoryUnreadable = "模板历史无法读取，请检查账套连接！";
 
 // Asks whether the lines of the template of that name are to give way to the version's; they are kept as a
-// version themselves. Failed without a further word when the user declines, and told when the template is
-// gone or another user's by then.
+// version themselves. Failed without a further word when the user declines, and told when the template is not
+// what the user was asked about by then, or when its lines cannot be kept.
 store::TemplateOutcome RestoreOver(const store::HistoryVersion& version, const std::string& templateId,
                                    const std::string& name);
 

@@ -14,6 +14,7 @@
 #include "center/editing/cell_checks.h"
 #include "center/lookups/cell_resolution.h"
 #include "store/stored_templates.h"
+#include "store/template_guard.h"
 
 namespace vicenter::center {
 
@@ -82,8 +83,16 @@ class CodeReplacement {
     bool ListTemplate(std::size_t index, const ReplacementWish& wish);
     // The chosen lines of the target in place of those that are stored; nothing when none is chosen.
     std::vector<store::LineTexts> LinesOf(const Target& target) const;
-    // Why the target is not to be written now; empty when nothing is in the way.
+    // What is sent of the targets, side by side.
+    struct Sent {
+        std::vector<const Target*> targets;
+        std::vector<store::SeenTemplate> seen;
+        std::vector<std::string> batches;
+    };
+    // Why the target cannot be saved so; empty when it can.
     std::string WhyNot(const Target& target, const std::vector<store::LineTexts>& lines) const;
+    Sent ToSend(std::vector<std::string>& told) const;
+    static bool Write(Sent& sent, std::vector<std::string>& told);
     bool Send(std::vector<std::string>& told);
     void Forget();
 

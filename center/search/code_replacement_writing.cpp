@@ -1,6 +1,7 @@
 // What a replacement writes, and how it is taken back.
 
 #include <algorithm>
+#include <optional>
 
 #include "center/frame/window_state.h"
 #include "center/grid/quiet_grid.h"
@@ -41,6 +42,37 @@ void Log(LogKind kind, const std::string& text) {
     entry::WriteOperationLog(kind, "凭证模板-" + text);
 }
 
+// What can be taken back of a replacement, side by side, as the user is asked about it.
+struct Undoable {
+    std::vector<const store::HistoryVersion*> open;
+    std::vector<store::SeenTemplate> seen;
+    std::vector<std::string> names;
+    std::string since;  // what cannot, for users
+};
+
+// Nothing when the account set does not answer.
+std::optional<Undoable> FindUndoable(const store::History& last, const std::string& userId) {
+    Undoable found;
+    for (const store::HistoryVersion& version : last.versions) {
+        const auto row = store::AskTemplateWithLines(version.templateId);
+        const store::History history = store::ReadHistory(version.templateId);
+        if (!row || history.state == store::History::State::Unreadable) return std::nullopt;
+        const store::FoundTemplate now =
+            store::Compare({version.templateId, row->ownerId, row->name, std::nullopt}, row);
+        if (now.fate == store::TemplateFate::Unknown) return std::nullopt;
+        const bool latest = !history.versions.empty() && history.versions.front().id == version.id;
+        if (store::MayWrite(*row, version.templateId, userId) && latest) {
+            found.open.push_back(&version);
+            found.seen.push_back(now.now);
+            found.names.push_back(row->name);
+        } else {
+            found.since +=
+                std::string(entry::kCrLf) + "模板 " + version.name + " 在替换之后又有改动，不在其中。";
+        }
+    }
+    return found;
+}
+
 }  // namespace
 
 std::vector<LineTexts> CodeReplacement::LinesOf(const Target& target) const {
@@ -55,29 +87,18 @@ std::vector<LineTexts> CodeReplacement::LinesOf(const Target& target) const {
 }
 
 std::string CodeReplacement::WhyNot(const Target& target, const std::vector<LineTexts>& lines) const {
-    const store::StoredTemplate& stored = templates_[target.stored];
-    const std::string head = "模板 " + stored.name + " ";
-    try {
-        const auto row = store::AskTemplateWithLines(stored.id);
-        if (!row) return head + "无法读取，没有替换！";
-        if (!store::MayWrite(*row, stored.id, userId_)) return head + "已在别处被删除，没有替换！";
-        if (store::DigestOf(*row->lines) != stored.digest) return head + "已在别处被修改，没有替换！";
-    } catch (const automation::Error&) {
-        return head + "无法读取，没有替换！";
-    }
     EntryGrid grid;
     const Unpainted quiet(grid);
     grid.SetRowTotal(static_cast<int>(lines.size()) + 1);
     for (std::size_t i = 0; i < lines.size(); ++i)
         grid.FillRow(static_cast<int>(i) + 1, lines[i]);
     const auto finding = ValidateLines(grid, static_cast<int>(lines.size()));
-    return finding ? head + "不能保存，没有替换：" + finding->text : std::string();
+    if (!finding) return {};
+    return "模板 " + templates_[target.stored].name + " 不能保存，没有替换：" + finding->text;
 }
 
-bool CodeReplacement::Send(std::vector<std::string>& told) {
-    std::string batch;
-    std::vector<const Target*> sent;
-    std::vector<std::string> ids;
+CodeReplacement::Sent CodeReplacement::ToSend(std::vector<std::string>& told) const {
+    Sent sent;
     for (const Target& target : targets_) {
         const std::vector<LineTexts> lines = LinesOf(target);
         if (lines.empty()) continue;
@@ -85,19 +106,45 @@ bool CodeReplacement::Send(std::vector<std::string>& told) {
             told.push_back(std::move(why));
             continue;
         }
-        const std::string& id = templates_[target.stored].id;
-        ids.push_back(id);
-        batch += store::SaveBatch(id, static_cast<int>(lines.size()), [&](int row, int gridColumn) {
-            return std::string_view(
-                lines[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(gridColumn - 1)]);
-        });
-        sent.push_back(&target);
+        const store::StoredTemplate& stored = templates_[target.stored];
+        sent.targets.push_back(&target);
+        sent.seen.push_back(store::SeenAs(stored.id, userId_, stored.name, stored.digest));
+        sent.batches.push_back(
+            store::SaveBatch(stored.id, static_cast<int>(lines.size()), [&](int row, int gridColumn) {
+                return std::string_view(
+                    lines[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(gridColumn - 1)]);
+            }));
     }
-    if (sent.empty()) return false;
-    const bool done = store::KeptVersions(ids, store::HistoryCommand::Replace).RunAndCommit(batch);
+    return sent;
+}
+
+// Those that are not what was listed any more stay as they are; the others are written together.
+bool CodeReplacement::Write(Sent& sent, std::vector<std::string>& told) {
+    using Obstacle = store::KeptVersions::Obstacle;
+    while (!sent.targets.empty()) {
+        store::KeptVersions before(sent.seen, store::HistoryCommand::Replace);
+        if (before.MayWrite()) return before.RunAndCommit(Joined(sent.batches, ""));
+        if (before.InTheWay() == Obstacle::NotKept) {
+            told.push_back(before.WhyNot("没有替换"));
+            return false;
+        }
+        const auto at = static_cast<std::ptrdiff_t>(before.Found().size()) - 1;
+        told.push_back(store::WhatHappened(sent.seen[before.Found().size() - 1], before.Found().back()) +
+                       "，没有替换！");
+        sent.targets.erase(sent.targets.begin() + at);
+        sent.seen.erase(sent.seen.begin() + at);
+        sent.batches.erase(sent.batches.begin() + at);
+    }
+    return false;
+}
+
+bool CodeReplacement::Send(std::vector<std::string>& told) {
+    Sent sent = ToSend(told);
+    const bool done = Write(sent, told);
+    if (sent.targets.empty()) return false;
     std::ptrdiff_t all = 0;
     std::string notes;
-    for (const Target* target : sent) {
+    for (const Target* target : sent.targets) {
         const store::StoredTemplate& stored = templates_[target->stored];
         const auto rows = std::count_if(target->rows.begin(), target->rows.end(),
                                         [&](const Changed& row) { return lines_[row.line].chosen; });
@@ -106,7 +153,7 @@ bool CodeReplacement::Send(std::vector<std::string>& told) {
             "替换代码 " + stored.name + (done ? " 成功，" + std::to_string(rows) + " 行" : " 失败"));
         if (done) AppendUnusable(notes, stored.id, stored.name);
     }
-    told.insert(told.begin(), done ? "替换成功：" + std::to_string(sent.size()) + " 个模板，" +
+    told.insert(told.begin(), done ? "替换成功：" + std::to_string(sent.targets.size()) + " 个模板，" +
                                          std::to_string(all) + " 行。" + notes
                                    : std::string("替换失败，没有模板被修改！"));
     return done;
@@ -121,6 +168,10 @@ bool CodeReplacement::Replace() {
         return false;
     }
     const bool undoable = store::ReadHistoryRule().has_value();
+    if (!undoable && store::ReadHistory("-1").state == store::History::State::Unreadable) {
+        Tell(kHistoryUnreadable);
+        return false;
+    }
     if (Ask(Note() + entry::kCrLf + entry::kCrLf +
                 (undoable ? "替换之前的分录会保留为历史版本，可以一次撤消。"
                           : "当前账套没有开启模板历史，替换后不能撤消。") +
@@ -153,20 +204,12 @@ bool CodeReplacement::UndoLast(const std::string& userId) {
         Tell(last.state == store::History::State::Off ? kHistoryOff : kHistoryUnreadable);
         return false;
     }
-    std::vector<const store::HistoryVersion*> open;
-    std::vector<std::string> names;
-    std::string since;
-    for (const store::HistoryVersion& version : last.versions) {
-        const auto row = store::AskTemplate(version.templateId);
-        const store::History history = store::ReadHistory(version.templateId);
-        const bool latest = !history.versions.empty() && history.versions.front().id == version.id;
-        if (row && store::MayWrite(*row, version.templateId, userId) && latest) {
-            open.push_back(&version);
-            names.push_back(row->name);
-        } else {
-            since += std::string(entry::kCrLf) + "模板 " + version.name + " 在替换之后又有改动，不在其中。";
-        }
+    const std::optional<Undoable> found = FindUndoable(last, userId);
+    if (!found) {
+        Tell(kHistoryUnreadable);
+        return false;
     }
+    const auto& [open, seen, names, since] = *found;
     if (open.empty()) {
         Tell(last.versions.empty() ? "没有可以撤消的替换。"
                                    : "上次替换已经撤消，或者所替换的模板之后都有改动，没有可以撤消的替换。");
@@ -178,19 +221,21 @@ bool CodeReplacement::UndoLast(const std::string& userId) {
         return false;
     }
     std::string batch;
-    std::vector<std::string> ids;
-    for (const store::HistoryVersion* version : open) {
-        ids.push_back(version->templateId);
+    for (const store::HistoryVersion* version : open)
         batch += store::RestoreOverBatch(version->id, version->templateId);
+    bool done = false;
+    std::string why = "撤消失败，模板保持原样！";
+    {
+        store::KeptVersions before(seen, store::HistoryCommand::Restore);
+        done = before.RunAndCommit(batch);
+        if (!before.MayWrite()) why = before.WhyNot("没有撤消替换");
     }
-    const bool done = store::KeptVersions(ids, store::HistoryCommand::Restore).RunAndCommit(batch);
     std::string notes;
     for (std::size_t i = 0; i < open.size(); ++i) {
         Log(done ? LogKind::Succeeded : LogKind::Failed, "撤消替换 " + names[i] + (done ? " 成功" : " 失败"));
         if (done) AppendUnusable(notes, open[i]->templateId, names[i]);
     }
-    Tell(done ? "撤消成功：" + std::to_string(open.size()) + " 个模板。" + notes
-              : "撤消失败，模板保持原样！");
+    Tell(done ? "撤消成功：" + std::to_string(open.size()) + " 个模板。" + notes : why);
     return done;
 }
 

@@ -5,9 +5,8 @@
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
-#include "store/statements.h"
+#include "store/new_template.h"
 #include "store/template_batches.h"
-#include "store/template_guard.h"
 
 namespace vicenter::center {
 
@@ -32,11 +31,17 @@ store::TemplateOutcome SaveLinesAs(const EntryGrid& grid, int rowCount, const st
         Tell(why);
         return {};
     }
-    store::ClearWayForNewTemplate();
     std::string batch;
     store::BeginTemplate(batch, store::kNewTemplate, name, userId);
     batch += store::SaveBatch("@MaxFID", rowCount, [&grid](int row, int c) { return grid.Text(row, c); });
-    if (!store::RunSql(batch)) return TellFailed(name, State::Refused);
+    {
+        store::NewTemplate made(name, userId);
+        if (!made.MayWrite()) {
+            Tell(made.WhyNot("没有保存"));
+            return TellFailed(name, State::Failed);
+        }
+        if (!made.RunAndCommit(batch)) return TellFailed(name, State::Refused);
+    }
     const std::int32_t id = store::clsVIData().FindVchTemplate(name, userId);
     if (id < 0) return TellFailed(name, State::SavedUntold);
     const auto unusable = store::ReadUnusableNumbers(std::to_string(id)).value_or(std::vector<std::string>());

@@ -10,28 +10,19 @@
 #include <string>
 
 #include "center/template/open_template.h"
+#include "store/template_guard.h"
 
 namespace vicenter::center {
 
-enum class TemplateFate {
-    AsLoaded,
-    Changed,  // its lines or its name
-    Gone,     // deleted, or its id belongs to another user's template now
-    Unknown,  // the account set does not answer
-};
+using store::FoundTemplate;
+using store::SeenTemplate;
+using store::TemplateFate;
 
-// The open template, its lines included.
-TemplateFate FateOfOpenTemplate(const OpenTemplate& open, const std::string& userId);
+// The open template as it was read, its lines included.
+SeenTemplate SeenOpen(const OpenTemplate& open, const std::string& userId);
 
-// The lines of a template as the account set holds them now; nothing when it does not answer.
-std::optional<LinesDigest> DigestOfStored(const std::string& templateId);
-
-struct NodeFate {
-    TemplateFate fate = TemplateFate::Unknown;
-    std::string name;  // as the account set has it
-};
 // A node of the tree: whether it still stands for the template that it names.
-NodeFate FateOfNode(const std::string& id, const std::string& name, const std::string& userId);
+FoundTemplate FateOfNode(const std::string& id, const std::string& name, const std::string& userId);
 
 enum class SaveChoice {
     Overwrite,
@@ -39,9 +30,9 @@ enum class SaveChoice {
     LookAtTheirs,  // the window shows what is stored; the user's lines are one step of undo away
     Leave,         // nothing happens, the user's lines stay
 };
-// Asks what is to happen to the user's lines; fate is Changed or Gone. Only the user's own template may be
+// Asks what is to happen to the user's lines; found is Changed or Gone. Only the user's own template may be
 // overwritten.
-SaveChoice AskHowToSave(TemplateFate fate, const std::string& name, bool own);
+SaveChoice AskHowToSave(const SeenTemplate& seen, const FoundTemplate& found);
 
 // What the user learns of a node that stands for nothing any more.
 void TellGone(const std::string& name);

@@ -83,21 +83,34 @@ std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::strin
     return store::SaveBatch(templateId, rowCount, [&grid](int row, int c) { return grid.Text(row, c); });
 }
 
-store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
-                                    const std::string& name) {
+store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const SeenTemplate& seen) {
     using State = store::TemplateOutcome::State;
+    using Obstacle = store::KeptVersions::Obstacle;
     bool stored = false;
     try {
+        store::KeptVersions before({seen}, store::HistoryCommand::Save);
+        const bool asked = before.InTheWay() == Obstacle::NotAsSeen;
+        if (asked && before.Found().back().fate != TemplateFate::Unknown)
+            return {State::NotAsSeen, 0, {}, {}, before.Found().back()};
+        if (!before.MayWrite()) {
+            if (!asked) Tell(before.WhyNot("没有保存"));
+            TellSaveFailed(seen.name);
+            return {State::Failed};
+        }
         // A rejected batch has been shown to the user by then; the messages of a success follow all the same.
-        stored = store::KeptVersions({templateId}, store::HistoryCommand::Save)
-                     .RunAndCommit(BuildSaveBatch(grid, rowCount, templateId));
-        const auto unusable = store::ReadUnusableNumbers(templateId);
-        if (!unusable) throw Error(automation::error_number::kObjectVariableNotSet);
-        Tell(store::WithUnusableNote("模板 " + name + " 保存成功！", *unusable));
-        entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 成功");
-        return {stored ? State::Saved : State::Refused, automation::Variant(templateId).ToInt32(), *unusable};
+        stored = before.RunAndCommit(BuildSaveBatch(grid, rowCount, seen.id));
     } catch (const Error&) {
-        TellSaveFailed(name);
+        TellSaveFailed(seen.name);
+        return {State::Failed};
+    }
+    try {
+        const auto unusable = store::ReadUnusableNumbers(seen.id);
+        if (!unusable) throw Error(automation::error_number::kObjectVariableNotSet);
+        Tell(store::WithUnusableNote("模板 " + seen.name + " 保存成功！", *unusable));
+        entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + seen.name + " 成功");
+        return {stored ? State::Saved : State::Refused, automation::Variant(seen.id).ToInt32(), *unusable};
+    } catch (const Error&) {
+        TellSaveFailed(seen.name);
         return {stored ? State::SavedUntold : State::Failed};
     }
 }
@@ -124,48 +137,53 @@ bool TemplateSave::Save() {
     }
     // After a save that was refused the window shows what is stored; what is tried again is what was typed.
     if (kept_.IsPending()) actions_.undo();
-    if (!Validate()) return false;
-    const TemplateFate fate = FateOfOpenTemplate(state_.open, state_.userId);
-    if (fate == TemplateFate::AsLoaded) return SendAndReload(false);
-    if (fate == TemplateFate::Unknown) {
-        TellSaveFailed(state_.open.Name());
-        return false;
-    }
-    switch (AskHowToSave(fate, state_.open.Name(), !store::IsStandard(state_.open.Id()))) {
-        case SaveChoice::Overwrite:
-            return SendAndReload(true);
-        case SaveChoice::KeepAsNew:
-            return SendAsNewTemplate();
-        case SaveChoice::LookAtTheirs:
-            LookAtTheirs();
-            return false;
-        case SaveChoice::Leave:
-            return false;
-    }
-    return false;
+    return Validate() && SendAs(SeenOpen(state_.open, state_.userId));
 }
 
-bool TemplateSave::SendAndReload(bool treeToo) {
+bool TemplateSave::SendAs(SeenTemplate seen) {
     using State = store::TemplateOutcome::State;
-    const State sent =
-        SendTemplate(*state_.grid, state_.open.RowCount(), state_.open.Id(), state_.open.Name()).state;
+    bool asked = false;
+    store::TemplateOutcome sent = SendTemplate(*state_.grid, state_.open.RowCount(), seen);
+    while (sent.state == State::NotAsSeen) {
+        // What the user is asked about is what there is: when it is not that either by then, once more.
+        switch (AskHowToSave(seen, sent.found)) {
+            case SaveChoice::Overwrite:
+                seen = sent.found.now;
+                asked = true;
+                sent = SendTemplate(*state_.grid, state_.open.RowCount(), seen);
+                break;
+            case SaveChoice::KeepAsNew:
+                return SendAsNewTemplate();
+            case SaveChoice::LookAtTheirs:
+                sent.found = LookAtTheirs(sent.found.now);
+                if (sent.found.fate == TemplateFate::AsSeen || sent.found.fate == TemplateFate::Unknown)
+                    return false;
+                break;
+            case SaveChoice::Leave:
+                return false;
+        }
+    }
+    return ShowSent(sent, asked);
+}
+
+bool TemplateSave::ShowSent(const store::TemplateOutcome& outcome, bool treeToo) {
+    using State = store::TemplateOutcome::State;
+    const State sent = outcome.state;
     // Nobody else has changed the template: the next save must not ask whether to overwrite it.
-    if (sent == State::SavedUntold)
-        state_.open.TypedUpon(DigestOfStored(state_.open.Id()).value_or(state_.open.Loaded()));
+    if (sent == State::SavedUntold) {
+        const FoundTemplate stored = store::LookAgain(SeenOpen(state_.open, state_.userId));
+        state_.open.TypedUpon(stored.now.lines.value_or(state_.open.Loaded()));
+    }
     if (sent == State::Failed || sent == State::SavedUntold) return false;
-    const std::string name = state_.open.Name();
     const LinesDigest loadedBefore = state_.open.Loaded();
     if (sent == State::Refused) kept_.Take();
     bool reloaded = true;
     {
         const TemplateDrafts::Hold hold(drafts_);
-        if (treeToo) {
-            actions_.readTreeAgain(state_.open.Id());
-            reloaded = state_.open.LinesKnown();
-        } else {
-            reloaded = actions_.reload();
-        }
+        treeToo = treeToo && actions_.showAgain(state_.open.Id());
+        reloaded = treeToo ? state_.open.LinesKnown() : actions_.reload();
     }
+    const std::string name = state_.open.Name();
     state_.open.Settle();
     if (sent == State::Refused) {
         KeepRefused(reloaded, loadedBefore);
@@ -198,14 +216,40 @@ bool TemplateSave::SendAsNewTemplate() {
     if (!node) return false;
     state_.open.Become(node->key.substr(kTemplateKeyHead.size()), node->text);
     state_.view.SetTemplateName(node->text);
-    return SendAndReload(true);
+    const SeenTemplate seen = SeenOpen(state_.open, state_.userId);
+    const store::TemplateOutcome sent = SendTemplate(*state_.grid, state_.open.RowCount(), seen);
+    if (sent.state != store::TemplateOutcome::State::NotAsSeen) return ShowSent(sent, true);
+    Tell(store::WhyNotWritten(seen, sent.found, "没有保存"));
+    return false;
 }
 
-void TemplateSave::LookAtTheirs() {
+FoundTemplate TemplateSave::LookAtTheirs(const SeenTemplate& theirs) {
+    FoundTemplate found = store::LookAgain(theirs);
+    // Other lines than a moment ago are still theirs.
+    if (found.fate == TemplateFate::Changed && !found.HasOtherName(theirs)) found.fate = TemplateFate::AsSeen;
+    if (found.fate == TemplateFate::Gone || found.fate == TemplateFate::Changed) return found;
+    const LinesDigest loadedBefore = state_.open.Loaded();
     kept_.Take();
-    actions_.readTreeAgain(state_.open.Id());
-    kept_.OfferUndo("按 Ctrl+Z 找回您修改的分录");
+    bool shown = false;
+    {
+        const TemplateDrafts::Hold hold(drafts_);
+        shown = found.fate == TemplateFate::AsSeen && actions_.showAgain(theirs.id);
+    }
+    if (shown && state_.open.LinesKnown()) {
+        drafts_.Drop();
+        kept_.OfferUndo("按 Ctrl+Z 找回您修改的分录");
+    } else {
+        if (shown) {
+            kept_.PutBack();
+            state_.open.TypedUpon(loadedBefore);
+        }
+        drafts_.Changed();
+        drafts_.Keep();
+        found.fate = TemplateFate::Unknown;
+        Tell("模板 " + theirs.name + " 无法读取，窗口中的分录保持不变，请稍后再试！");
+    }
     actions_.refreshStatus();
+    return found;
 }
 
 // What could not be read while it was typed is asked about once more before it is stored.

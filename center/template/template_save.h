@@ -33,10 +33,10 @@ std::vector<Finding> FindingsOfRow(const EntryGrid& grid, int row);
 // The batch that replaces the template's lines and brings its control rows up to date.
 std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::string& templateId);
 
-// Sends the batch and tells the user and the operation log how it went. When the account set refuses the
-// batch the message of success follows all the same; Refused tells the two apart.
-store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const std::string& templateId,
-                                    const std::string& name);
+// Sends the batch to the template that the user saw and tells the user and the operation log how it went.
+// When the account set refuses the batch the message of success follows all the same; Refused tells the two
+// apart. When it is not what the user saw any more nothing is sent and nothing told.
+store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const SeenTemplate& seen);
 
 // What the user and the operation log learn of a save that failed.
 void TellSaveFailed(const std::string& name);
@@ -48,8 +48,9 @@ bool ConfirmEmptyTemplate();
 struct TemplateSaveActions {
     // Reads the open template into the window again; false when its lines could not be read.
     std::function<bool()> reload;
-    // Reads the tree again and opens the template of that id, or the standard template when it is gone.
-    std::function<void(const std::string& id)> readTreeAgain;
+    // Reads the tree again and opens the template of that id; false, and nothing has changed, when it cannot
+    // be read or is not there.
+    std::function<bool(const std::string& id)> showAgain;
     // A new template of the user's in the tree; none when there is none, which the user has been told.
     std::function<std::optional<TreeNode>()> insertTemplate;
     std::function<void()> undo;
@@ -70,10 +71,14 @@ class TemplateSave {
     void GoToCell(const CellAddress& cell);
 
   private:
-    // Sends the grid to the open template and shows what is stored afterwards.
-    bool SendAndReload(bool treeToo);
+    // To the template that the user saw, and asks as long as it is another one by then.
+    bool SendAs(SeenTemplate seen);
+    // Shows what is stored after the grid was sent.
+    bool ShowSent(const store::TemplateOutcome& sent, bool treeToo);
     bool SendAsNewTemplate();
-    void LookAtTheirs();
+    // What there is instead of what the user saw is shown, with the user's lines one step of undo away; when
+    // it cannot be, the window stays as it is, and the user is asked or told.
+    FoundTemplate LookAtTheirs(const SeenTemplate& theirs);
     void KeepRefused(bool reloaded, const LinesDigest& loadedBefore);
 
     WindowState& state_;

@@ -20,6 +20,8 @@ using store::LineTexts;
 
 namespace {
 
+constexpr const char* kNotCopied = "没有复制";
+
 // The rows as they were copied; nothing for anything else, or when a text among them had been refused.
 std::optional<std::vector<LineTexts>> LinesOf(const CopiedBlock& rows) {
     std::vector<LineTexts> lines;
@@ -65,28 +67,20 @@ std::string Renumber(std::vector<LineTexts>& lines, const std::vector<LineTexts>
 
 struct Stored {
     std::vector<LineTexts> lines;
-    LinesDigest digest;
+    SeenTemplate seen;
 };
 
-std::optional<Stored> StoredLines(const std::string& templateId, const std::string& name,
-                                  const std::string& userId) {
-    if (FateOfNode(templateId, name, userId).fate == TemplateFate::Gone) {
-        TellGone(name);
+std::optional<Stored> StoredLines(const SeenTemplate& node) {
+    const auto row = store::AskTemplateWithLines(node.id);
+    const FoundTemplate found = store::Compare(node, row);
+    if (found.fate != TemplateFate::AsSeen) {
+        Tell(store::WhyNotWritten(node, found, kNotCopied));
         return std::nullopt;
     }
-    try {
-        const auto row = store::AskTemplateWithLines(templateId);
-        if (row && row->lines != nullptr) {
-            Stored stored{store::TextsOfLines(*row->lines), store::DigestOf(*row->lines)};
-            // A template without lines answers one record with nothing in it.
-            if (stored.lines.size() == 1 && stored.lines[0][column::kNo - 1].empty()) stored.lines.clear();
-            return stored;
-        }
-    } catch (const automation::Error&) {
-        // As unreadable as no answer.
-    }
-    Tell("模板 " + name + " 的分录未能读取，没有复制！");
-    return std::nullopt;
+    Stored stored{store::TextsOfLines(*row->lines), found.now};
+    // A template without lines answers one record with nothing in it.
+    if (found.now.lines->lines == 0) stored.lines.clear();
+    return stored;
 }
 
 }  // namespace
@@ -98,20 +92,13 @@ bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const st
         Tell(added ? "所选的行中没有分录，没有复制！" : "所选的行中有未更正的内容，没有复制！");
         return false;
     }
-    const std::optional<Stored> stored = StoredLines(templateId, name, userId);
+    const std::optional<Stored> stored = StoredLines(store::SeenAs(templateId, userId, name));
     if (!stored) return false;
     std::vector<LineTexts> lines = stored->lines;
     const std::string changes = Renumber(*added, lines);
     if (Ask("将 " + std::to_string(added->size()) + " 行分录复制到模板 " + name + " 的末尾" +
                 (changes.empty() ? "" : "（编号 " + changes + "）") + "，请确认？",
             system::MessageButtons::YesNo) != system::MessageResult::Yes) {
-        return false;
-    }
-    // Somebody may have saved it while the question stood there.
-    const std::optional<Stored> now = StoredLines(templateId, name, userId);
-    if (!now) return false;
-    if (now->digest != stored->digest) {
-        Tell("模板 " + name + " 已在别处被修改，没有复制！");
         return false;
     }
     lines.insert(lines.end(), added->begin(), added->end());
@@ -124,7 +111,11 @@ bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const st
         Tell("模板 " + name + " 不能保存，没有复制：\r\n\r\n" + finding->text);
         return false;
     }
-    return static_cast<bool>(SendTemplate(grid, count, templateId, name));
+    const store::TemplateOutcome sent = SendTemplate(grid, count, stored->seen);
+    // Somebody may have saved it while the question stood there.
+    if (sent.state == store::TemplateOutcome::State::NotAsSeen)
+        Tell(store::WhyNotWritten(stored->seen, sent.found, kNotCopied));
+    return static_cast<bool>(sent);
 }
 
 }  // namespace vicenter::center

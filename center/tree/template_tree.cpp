@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "center/template/line_loader.h"
-#include "center/template/template_fate.h"
 #include "entry/host_services.h"
 #include "entry/single_line.h"
 #include "platform/system/collation.h"
@@ -57,14 +56,22 @@ const char* NameFaultText(const std::string& name) {
     return nullptr;
 }
 
-bool RenameKeepingVersion(const std::string& id, const std::string& name) {
-    store::KeptVersions before({id}, store::HistoryCommand::Rename);
-    return store::RenameTemplate(id, name) && before.CommitOrShow();
+bool RenameKeepingVersion(const SeenTemplate& seen, const std::string& name) {
+    store::KeptVersions before({seen}, store::HistoryCommand::Rename);
+    if (!before.MayWrite()) {
+        Tell(before.WhyNot("名称没有修改"));
+        return false;
+    }
+    return store::RenameTemplate(seen.id, name) && before.CommitOrShow();
 }
 
-bool DeleteKeepingVersion(const std::string& id) {
-    store::KeptVersions before({id}, store::HistoryCommand::Delete);
-    return store::clsVIData().DeleteVchTemplateInfo(id) && before.Commit();
+bool DeleteKeepingVersion(const SeenTemplate& seen) {
+    store::KeptVersions before({seen}, store::HistoryCommand::Delete);
+    if (!before.MayWrite()) {
+        Tell(before.WhyNot("没有删除"));
+        return false;
+    }
+    return store::clsVIData().DeleteVchTemplateInfo(seen.id) && before.Commit();
 }
 
 }  // namespace
@@ -96,35 +103,49 @@ void TemplateTree::Select(const std::string& key) {
     state_.view.SelectTreeNode(key);
 }
 
-void TemplateTree::ReadNodes() {
-    nodes_.clear();
-    nodes_.push_back({std::string(kRootKey), kRootText, kRootIcon});
+std::optional<std::vector<TreeNode>> TemplateTree::AskNodes() const {
     store::clsVIData data;
-    if (const ado::RecordsetRef templates = data.GetVchTemplateByUserID(state_.userId)) {
-        for (; !templates->AtEnd(); templates->MoveNext()) {
-            nodes_.push_back({KeyOf(templates->Value("FID").ToText()),
-                              templates->Value("FName").ToTextOrEmpty(), kTemplateIcon});
-        }
+    const ado::RecordsetRef templates = data.GetVchTemplateByUserID(state_.userId);
+    if (templates == nullptr) return std::nullopt;
+    std::vector<TreeNode> nodes{{std::string(kRootKey), kRootText, kRootIcon}};
+    for (; !templates->AtEnd(); templates->MoveNext()) {
+        nodes.push_back({KeyOf(templates->Value("FID").ToText()), templates->Value("FName").ToTextOrEmpty(),
+                         kTemplateIcon});
     }
+    return nodes;
+}
+
+void TemplateTree::ShowNodes(std::vector<TreeNode> nodes) {
+    nodes_ = std::move(nodes);
     selected_ = kRootKey;
     state_.view.SetTree(nodes_);
 }
 
+bool TemplateTree::ReadNodes() {
+    if (auto nodes = AskNodes()) {
+        ShowNodes(std::move(*nodes));
+        return true;
+    }
+    Tell("凭证模板无法读取，模板树保持原样，请稍后再试！");
+    return false;
+}
+
 void TemplateTree::Build() {
-    ReadNodes();
+    ShowNodes(AskNodes().value_or(std::vector<TreeNode>{{std::string(kRootKey), kRootText, kRootIcon}}));
     Select(kStandardKey);
 }
 
 void TemplateTree::RebuildAndSelect(std::int32_t id) {
-    ReadNodes();
+    if (!ReadNodes()) return;
     Select(id < 1 ? nodes_.back().key : KeyOf(std::to_string(id)));
     OpenSelected();
 }
 
-void TemplateTree::ShowStored(std::int32_t id) {
-    ReadNodes();
+bool TemplateTree::ShowStored(std::int32_t id) {
+    if (!ReadNodes()) return false;
     Select(KeyOf(std::to_string(id)));
     OpenSelected();
+    return true;
 }
 
 // Whatever was lit before, a template that is open can be saved and exported.
@@ -134,10 +155,24 @@ void TemplateTree::OpenSelected() {
 }
 
 void TemplateTree::ReadAgain(const std::string& id) {
-    ReadNodes();
+    if (!ReadNodes()) {
+        Select(KeyOf(state_.open.Id()));
+        return;
+    }
     const std::string key = KeyOf(id);
     Select(Find(key) == nullptr ? kStandardKey : key);
     OpenSelected();
+}
+
+bool TemplateTree::ShowAgain(const std::string& id) {
+    auto nodes = AskNodes();
+    const auto isIt = [key = KeyOf(id)](const TreeNode& node) { return node.key == key; };
+    if (!nodes || std::none_of(nodes->begin(), nodes->end(), isIt)) return false;
+    ShowNodes(std::move(*nodes));
+    Select(KeyOf(id));
+    Read({}, {}, {});
+    state_.Enable({Tool::Save, Tool::Exp}, true);
+    return true;
 }
 
 void TemplateTree::Open(const std::string& name, const std::string& id, const std::string& displayName) {
@@ -220,13 +255,13 @@ bool TemplateTree::PassGate() {
 
 void TemplateTree::OpenNode(const std::string& key) {
     const std::string text = TextOf(key);
-    const NodeFate now = FateOfNode(IdOf(key), text, state_.userId);
-    if (now.fate == TemplateFate::Gone) {
+    const FoundTemplate found = FateOfNode(IdOf(key), text, state_.userId);
+    if (found.fate == TemplateFate::Gone) {
         TellGone(text);
         ReadAgain(IdOf(key));
         return;
     }
-    if (now.fate == TemplateFate::Changed) SetNodeText(key, now.name);
+    if (found.fate == TemplateFate::Changed) SetNodeText(key, found.now.name);
     Open(TextOf(key), IdOf(key), {});
 }
 
@@ -270,29 +305,32 @@ bool TemplateTree::AfterLabelEdit(const std::string& label) {
         return false;
     }
     const std::string id = IdOf(selected_);
-    if (!MayRename(TextOf(selected_), id)) return false;
-    if (!RenameKeepingVersion(id, newText)) return false;
+    const std::optional<SeenTemplate> seen = SeenForRenaming(TextOf(selected_), id);
+    if (!seen || !RenameKeepingVersion(*seen, newText)) return false;
     SetNodeText(selected_, newText);
     Open(newText, id, newText);
     return true;
 }
 
-bool TemplateTree::MayRename(const std::string& text, const std::string& id) {
-    const NodeFate now = FateOfNode(id, text, state_.userId);
-    switch (now.fate) {
-        case TemplateFate::AsLoaded:
-            return true;
+std::optional<SeenTemplate> TemplateTree::SeenForRenaming(const std::string& text, const std::string& id) {
+    const FoundTemplate found = FateOfNode(id, text, state_.userId);
+    switch (found.fate) {
+        case TemplateFate::AsSeen:
+            return found.now;
         case TemplateFate::Gone:
             TellGone(text);
-            return false;
+            return std::nullopt;
         case TemplateFate::Unknown:
             Tell("模板 " + text + " 无法读取，修改失败！");
-            return false;
+            return std::nullopt;
         case TemplateFate::Changed:
             break;
     }
-    return Ask("模板 " + text + " 已在别处改名为 " + now.name + "，是否仍要修改名称？",
-               system::MessageButtons::YesNo) == system::MessageResult::Yes;
+    if (Ask("模板 " + text + " 已在别处改名为 " + found.now.name + "，是否仍要修改名称？",
+            system::MessageButtons::YesNo) == system::MessageResult::Yes) {
+        return found.now;
+    }
+    return std::nullopt;
 }
 
 // --- new and delete
@@ -333,14 +371,14 @@ bool TemplateTree::CreateTemplate() {
 }
 
 // Asked once the user has agreed: what is deleted is what the user means.
-bool TemplateTree::MayDelete(const std::string& text) {
+std::optional<SeenTemplate> TemplateTree::SeenForDeletion(const std::string& text) {
     const std::string id = IdOf(selected_);
     const bool open = state_.open.Id() == id && state_.open.LinesKnown();
-    const TemplateFate fate =
-        open ? FateOfOpenTemplate(state_.open, state_.userId) : FateOfNode(id, text, state_.userId).fate;
-    switch (fate) {
-        case TemplateFate::AsLoaded:
-            return true;
+    const FoundTemplate found =
+        open ? store::LookAgain(SeenOpen(state_.open, state_.userId)) : FateOfNode(id, text, state_.userId);
+    switch (found.fate) {
+        case TemplateFate::AsSeen:
+            return found.now;
         case TemplateFate::Unknown:
             Tell("删除失败！");
             break;
@@ -351,13 +389,13 @@ bool TemplateTree::MayDelete(const std::string& text) {
             if (Ask("模板 " + text +
                         " 打开之后已在别处被修改，是否仍要删除？\r\n\r\n选择“否”将显示修改后的模板。",
                     system::MessageButtons::YesNo) == system::MessageResult::Yes) {
-                return true;
+                return found.now;
             }
             break;
     }
     entry::WriteOperationLog(LogKind::Failed, "凭证模板-删除模板 " + text + " 失败");
-    if (fate != TemplateFate::Unknown) ReadAgain(id);
-    return false;
+    if (found.fate != TemplateFate::Unknown) ReadAgain(id);
+    return std::nullopt;
 }
 
 void TemplateTree::DeleteSelected() {
@@ -371,8 +409,9 @@ void TemplateTree::DeleteSelected() {
         system::MessageResult::Yes) {
         return;
     }
-    if (!MayDelete(text)) return;
-    if (!DeleteKeepingVersion(IdOf(selected_))) {
+    const std::optional<SeenTemplate> seen = SeenForDeletion(text);
+    if (!seen) return;
+    if (!DeleteKeepingVersion(*seen)) {
         Tell("删除失败！");
         entry::WriteOperationLog(LogKind::Failed, "凭证模板-删除模板 " + text + " 失败");
         return;

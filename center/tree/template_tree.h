@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "center/frame/window_state.h"
+#include "center/template/template_fate.h"
 
 namespace vicenter::center {
 
@@ -21,16 +22,20 @@ class TemplateTree {
     void Build();
     void RebuildAndSelect(std::int32_t id);
     // Builds the tree anew, lights the template that has just been written and opens it; 0 is the standard
-    // one.
-    void ShowStored(std::int32_t id);
+    // one. False when the tree cannot be read: it and what is open stay, which the user has been told.
+    bool ShowStored(std::int32_t id);
     // Any of the three may be empty.
     void Open(const std::string& name, const std::string& id, const std::string& displayName);
     // The standard template under its own name, without a word when its lines cannot be read.
     void OpenAtLoad();
     // The open template once more; false when its lines could not be read, which nobody has been told then.
     bool Reload();
-    // Builds the tree anew and opens that template, or the standard template when it is gone.
+    // Builds the tree anew and opens that template, or the standard template when it is gone. A tree that
+    // cannot be read stays as it is, which the user has been told then, and nothing is opened.
     void ReadAgain(const std::string& id);
+    // Builds the tree anew and opens that template. False, and nothing has changed, when the tree cannot be
+    // read or holds it no more; lines that cannot be read are told to nobody.
+    bool ShowAgain(const std::string& id);
     // That the lines of the open template could not be read.
     void TellUnreadable() const;
 
@@ -64,12 +69,16 @@ class TemplateTree {
     void Read(const std::string& name, const std::string& id, const std::string& displayName);
     // Opens a node by what it stands for now.
     void OpenNode(const std::string& key);
-    // False when the template of the selected node is not to be deleted.
-    bool MayDelete(const std::string& text);
-    // False when the template of the selected node is not to be renamed.
-    bool MayRename(const std::string& text, const std::string& id);
+    // What the user wants deleted; nothing when the template of the selected node is not to be.
+    std::optional<SeenTemplate> SeenForDeletion(const std::string& text);
+    // What the user wants renamed; nothing when the template of the selected node is not to be.
+    std::optional<SeenTemplate> SeenForRenaming(const std::string& text, const std::string& id);
     void SetNodeText(const std::string& key, const std::string& text);
-    void ReadNodes();
+    // What the account set lists now; nothing when it does not answer.
+    std::optional<std::vector<TreeNode>> AskNodes() const;
+    void ShowNodes(std::vector<TreeNode> nodes);
+    // False: the tree cannot be read, stays as it is, and the user has been told.
+    bool ReadNodes();
     void Select(const std::string& key);
     const TreeNode* Find(const std::string& key) const;
     std::string TextOf(const std::string& key) const;

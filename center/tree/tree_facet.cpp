@@ -109,7 +109,11 @@ void TreeFacet::SaveAs() {
         if (parts_.RefusedForRight() || !open.IsOpen() || !open.LinesKnown()) return;
         const std::string proposed =
             FreeName(open.Name(), "副本", parts_.state.userId, true).value_or(std::string());
-        if (const auto name = parts_.state.view.AskName("另存为", proposed)) SaveUnder(*name);
+        const auto name = parts_.state.view.AskName("另存为", proposed);
+        if (!name) return;
+        // After a save that was refused the window shows what is stored; what is saved is what was typed.
+        if (parts_.kept.IsPending()) parts_.editing.Undo();
+        SaveUnder(*name);
     });
 }
 
@@ -134,7 +138,11 @@ void TreeFacet::SaveUnder(const std::string& name) {
     if (!saved) return;
     open.Settle();
     parts_.drafts.Drop();
-    parts_.tree.ShowStored(saved.id);
+    if (!parts_.tree.ShowStored(saved.id)) {
+        // The grid still shows the lines, and they are not those of the template whose name it bears.
+        open.Touch();
+        parts_.drafts.Changed();
+    }
     parts_.MarkUnusable();
 }
 

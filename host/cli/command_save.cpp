@@ -3,7 +3,6 @@
 #include <iterator>
 #include <optional>
 
-#include "center/template/template_fate.h"
 #include "center/template/template_save.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
@@ -23,18 +22,16 @@ bool Validate(const center::EntryGrid& grid, int count) {
     return !finding;
 }
 
-// False when the template has been deleted since its name was looked up; the user has been told.
-bool IsThere(const CliContext& context, const TemplateHead& head) {
-    const center::NodeFate now =
-        center::FateOfNode(head.id, head.name, std::to_string(context.options.userId));
-    if (now.fate == center::TemplateFate::Gone) center::TellGone(head.name);
-    return now.fate != center::TemplateFate::Gone;
-}
+constexpr const char* kNotSaved = "没有保存";
 
 }  // namespace
 
 int RunSave(const CliContext& context) {
     const TemplateHead head = FindTemplate(context, context.options.name);
+    const store::SeenTemplate listed =
+        store::SeenAs(head.id, std::to_string(context.options.userId), head.name);
+    // What the user means is what is there now. Whoever makes the lines may take his time.
+    const store::FoundTemplate seen = store::LookAgain(listed);
     const std::string input{std::istreambuf_iterator<char>(context.streams.in),
                             std::istreambuf_iterator<char>()};
     const Variant document = DecodeJson(input);
@@ -43,9 +40,15 @@ int RunSave(const CliContext& context) {
     if (!CheckRight()) return FinishSpeaking(context, false, Variant::Null());
     center::EntryGrid grid;
     const int count = ReadLines(document, grid);
+    using State = store::TemplateOutcome::State;
     store::TemplateOutcome outcome;
-    if (Validate(grid, count) && IsThere(context, head))
-        outcome = center::SendTemplate(grid, count, head.id, head.name);
+    if (Validate(grid, count)) {
+        outcome.state = State::NotAsSeen;
+        outcome.found = seen;
+        if (seen.fate == store::TemplateFate::AsSeen) outcome = center::SendTemplate(grid, count, seen.now);
+        if (outcome.state == State::NotAsSeen)
+            center::Tell(store::WhyNotWritten(listed, outcome.found, kNotSaved));
+    }
     const Variant data =
         outcome ? JsonObject({{"FID", outcome.id}, {"FName", head.name}, {"lines", count}}) : Variant::Null();
     return FinishWriting(context, outcome, data);

@@ -1,6 +1,7 @@
 #include "autovch/generation.h"
 
 #include "tests/autovch/autovch_fixture.h"
+#include "tests/fakes/template_answer.h"
 
 namespace vicenter::autovch {
 namespace {
@@ -29,7 +30,7 @@ class GenerateTest : public AutoVchTest {
 // A template of that name is there, and whose it is.
 void Exists(fakes::FakeAccountSet& set, int id, int owner) {
     set.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{id}}));
-    set.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{owner, "三月"}}));
+    set.Answer("as FTemplateName", fakes::TemplateAnswer(owner, "三月"));
 }
 
 // From the first insert on the template can be found by its name.
@@ -52,7 +53,7 @@ TEST_F(GenerateTest, WritesOneBatchAndReports) {
     EXPECT_EQ(sent[0], "select FID from t_VchTemplate where FName = '三月'");
     EXPECT_EQ(sent[1], VoucherQuery(request_.filter));
     // The one question about lines in a new template's way.
-    EXPECT_TRUE(sent[2].starts_with("select (select count(*) from t_VchTemplateEntry where FID > "));
+    EXPECT_TRUE(sent[2].starts_with("if exists(select 1 from t_VchTemplateEntry where FID > "));
     EXPECT_EQ(sent[4], "select FID from t_VchTemplate where FName = '三月'");
     EXPECT_EQ(sent[5], "exec pro_VchTpCanUsed 9");
     EXPECT_EQ(sent[6], "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = 9 order by fno");

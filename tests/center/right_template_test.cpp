@@ -65,6 +65,71 @@ TEST_F(RightTemplate, LookingAtTheirsShowsThemAndKeepsMineOneStepOfUndoAway) {
     EXPECT_THAT(Messages(), ElementsAre("模板 自定义模板(1) 保存成功！"));
 }
 
+TEST_F(RightTemplate, OverwritingIsAskedAboutAgainWhenItIsNotWhatWasAskedAbout) {
+    TypeMine();
+    SaveElsewhere();
+    // Saved once more while the second question stands, then deleted.
+    surroundings_.messageBoxes->meanwhile = {
+        {}, [this] { lines_["5"] = {Line(1, "再改")}; }, {}, [this] { gone_ = {"5"}; }};
+    for (const MessageResult answer :
+         {MessageResult::No, MessageResult::Yes, MessageResult::No, MessageResult::Yes, MessageResult::No})
+        Answer(answer);
+    EXPECT_FALSE(Window().Save());
+    EXPECT_THAT(Messages(), ElementsAre(kAskNew, kAskOverwrite, kAskNew, kAskOverwrite, kAskGone));
+    EXPECT_THAT(Sent("exec pro_VchTpCanUsed"), IsEmpty());
+    EXPECT_EQ(Cell(1, column::kExplanation), "我的");
+    EXPECT_TRUE(Window().IsDirty());
+}
+
+TEST_F(RightTemplate, TheirsThatAreGoneByThenLeaveMineWhereTheyAre) {
+    TypeMine();
+    SaveElsewhere();
+    surroundings_.messageBoxes->meanwhile = {{}, [this] {
+                                                 gone_ = {"5"};
+                                                 templates_ = {{0, "标准模板"}, {8, "自定义模板(2)"}};
+                                             }};
+    EXPECT_FALSE(Window().Save());
+    EXPECT_THAT(Messages(), ElementsAre(kAskNew, kAskOverwrite, kAskGone));
+    EXPECT_EQ(Window().TemplateId(), "5");
+    EXPECT_EQ(Cell(1, column::kExplanation), "我的");
+    EXPECT_TRUE(Window().IsDirty());
+    ExpectNothingWritten();
+}
+
+TEST_F(RightTemplate, TheirsThatCannotBeReadLeaveTreeLinesAndDraft) {
+    TypeMine();
+    SaveElsewhere();
+    const Texts keys = Keys();
+    for (const char* unread : {"select a.* from (select FID,FName", "select * from t_VchTemplateEntry"}) {
+        Forget();
+        set_.Fail(unread, "Lock request time out period exceeded.");
+        EXPECT_FALSE(Window().Save());
+        EXPECT_EQ(Messages().back(), "模板 自定义模板(1) 无法读取，窗口中的分录保持不变，请稍后再试！");
+        EXPECT_EQ(Keys(), keys);
+        EXPECT_EQ(Window().SelectedNode(), "detail-5");
+        EXPECT_EQ(Window().TemplateId(), "5");
+        EXPECT_EQ(Cell(1, column::kExplanation), "我的");
+        EXPECT_EQ(Window().RowCount(), 1);
+        EXPECT_TRUE(Window().IsDirty());
+        set_.Respond("select a.* from (select FID,FName", [](const std::string&) {
+            return Rows({"FID", "FName"}, {{0, "标准模板"}, {5, "自定义模板(1)"}, {8, "自定义模板(2)"}});
+        });
+    }
+}
+
+TEST_F(RightTemplate, ATreeThatCannotBeReadStaysAsItIs) {
+    const Texts keys = Keys();
+    Window().Tree().NodeClick("detail-8");
+    gone_ = {"5"};
+    set_.Fail("select a.* from (select FID,FName", "Lock request time out period exceeded.");
+    Forget();
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_THAT(Messages(), ElementsAre(kGone, "凭证模板无法读取，模板树保持原样，请稍后再试！"));
+    EXPECT_EQ(Keys(), keys);
+    EXPECT_EQ(Window().SelectedNode(), "detail-8");
+    EXPECT_EQ(Window().TemplateId(), "8");
+}
+
 TEST_F(RightTemplate, MineAsANewTemplateLeavesTheirsAlone) {
     TypeMine();
     SaveElsewhere();
@@ -93,7 +158,7 @@ TEST_F(RightTemplate, DeletedElsewhereIsNeverSavedUnderItsOldId) {
     Answer(MessageResult::No);
     EXPECT_FALSE(Window().Save());
     EXPECT_THAT(Messages(), ElementsAre(kAskGone));
-    EXPECT_THAT(Sent("insert into"), IsEmpty());
+    EXPECT_THAT(Sent("insert into t_VchTemplateEntry"), IsEmpty());
     EXPECT_TRUE(Window().IsDirty());
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
 }
@@ -104,7 +169,7 @@ TEST_F(RightTemplate, AnIdThatIsAnotherUsersNowCountsAsDeleted) {
     Answer(MessageResult::No);
     EXPECT_FALSE(Window().Save());
     EXPECT_THAT(Messages(), ElementsAre(kAskGone));
-    EXPECT_THAT(Sent("insert into"), IsEmpty());
+    EXPECT_THAT(Sent("insert into t_VchTemplateEntry"), IsEmpty());
 }
 
 TEST_F(RightTemplate, AnIdThatIsAnotherTemplateOfTheUsersCountsAsChanged) {
@@ -113,7 +178,12 @@ TEST_F(RightTemplate, AnIdThatIsAnotherTemplateOfTheUsersCountsAsChanged) {
     Answer(MessageResult::No);
     Answer(MessageResult::No);
     EXPECT_FALSE(Window().Save());
-    EXPECT_THAT(Messages(), ElementsAre(kAskNew, kAskOverwrite));
+    // Whoever overwrites it is told what it is.
+    const std::string changed =
+        "模板 自定义模板(1) 打开之后已在别处被删除或改名，原处现在是模板 自定义模板(7)，";
+    EXPECT_THAT(Messages(),
+                ElementsAre(changed + "是否将当前分录另存为新模板？",
+                            changed + "是否用当前分录覆盖？\r\n\r\n选择“否”将显示修改后的模板。"));
 }
 
 TEST_F(RightTemplate, TheStandardTemplateIsNotOverwritten) {
@@ -324,6 +394,23 @@ TEST_F(RefusedSave, SavingAgainSavesWhatWasTyped) {
     EXPECT_THAT(Sent("exec pro_VchTpCanUsed")[0], HasSubstr("'我的'"));
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
     EXPECT_FALSE(Window().IsDirty());
+}
+
+TEST_F(RefusedSave, SavingUnderAnotherNameSavesWhatWasTyped) {
+    TypeMine();
+    Window().Save();
+    Forget();
+    set_.Answer("select FID from t_VchTemplate where FName = '副本' and", Rows({"FID"}));
+    set_.Answer("select FID from t_VchTemplate where FName = '副本'", Rows({"FID"}, {{9}}));
+    set_.Answer("and FUserID = 7", Rows({"FID"}));
+    set_.Answer("as FNamed", Rows({"FNamed"}, {{0}}));
+    view_.onAskName = [](const std::string&, const std::string&) {
+        return std::optional<std::string>("副本");
+    };
+    refuse_ = false;
+    Window().Tree().SaveAs();
+    ASSERT_EQ(Sent("insert into t_VchTemplateEntry").size(), 1U);
+    EXPECT_THAT(Sent("insert into t_VchTemplateEntry")[0], HasSubstr("'我的'"));
 }
 
 TEST_F(RefusedSave, WhatIsTypedOverTheReloadedLinesIsWhatIsSaved) {

@@ -147,9 +147,20 @@ TEST_F(SaveAs, DroppedRowsNeverCoverWhatWasSavedMeanwhile) {
     replaced.messageBoxes = boxes;
     const system::SurroundingsScope scope(replaced);
     Window().Tree().DropRows(KeyOf("销售与收款"), *rows);
-    EXPECT_EQ(boxes->told.back(), "模板 销售与收款 已在别处被修改，没有复制！");
+    EXPECT_EQ(boxes->told.back(), "模板 销售与收款 已在别处被修改，没有复制，账套保持原样！");
     EXPECT_EQ(LinesOf("销售与收款"), "8");
     EXPECT_EQ(Value("select FExp from t_VchTemplateEntry where FID = 2 and FEntryID = 1"), "by another");
+}
+
+// An id is given again: another template of the user's stands behind the node by then.
+TEST_F(SaveAs, DroppedRowsReachNoOtherTemplateOfThatId) {
+    const auto rows = Window().Cells().CopyBlock(CellSelection::Rows({{1, 2}}));
+    session_->Execute("update t_VchTemplate set FName = 'another' where FID = 2");
+    Answer(MessageResult::Yes);
+    Window().Tree().DropRows(KeyOf("销售与收款"), *rows);
+    EXPECT_THAT(TakeMessages(),
+                ElementsAre("模板 销售与收款 已在别处被删除或改名，没有复制，账套保持原样！"));
+    EXPECT_EQ(LinesOf("another"), "8");
 }
 
 TEST_F(SaveAs, RowsThatAreRefusedOrDeclinedChangeNothing) {
@@ -168,7 +179,7 @@ TEST_F(SaveAs, RowsThatAreRefusedOrDeclinedChangeNothing) {
     EXPECT_EQ(TakeMessages().back(), "所选的行中有未更正的内容，没有复制！");
     session_->Execute("delete from t_VchTemplate where FID = 2");
     Window().Tree().DropRows(KeyOf("销售与收款"), *rows);
-    EXPECT_EQ(TakeMessages().back(), "模板 销售与收款 已在别处被删除！");
+    EXPECT_EQ(TakeMessages().back(), "模板 销售与收款 已在别处被删除，没有复制，账套保持原样！");
 }
 
 TEST_F(SaveAs, TheFilterIsOfferedFromTenTemplatesOnAndFitsByNameAndInitials) {

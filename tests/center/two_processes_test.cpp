@@ -93,6 +93,41 @@ TEST_F(TwoProcesses, ATemplateSavedElsewhereIsNotOverwrittenInSilence) {
     EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FID = 1"), "11");
 }
 
+// Between the question and its answer.
+TEST_F(TwoProcesses, WhatIsDeletedWhileItIsAskedAboutIsNotWrittenToNorTakenForTheStandardTemplate) {
+    const std::string id = NewTemplate("共用");
+    TypeLine();
+    EXPECT_TRUE(Window().Save());
+    const std::string standard = Value("select count(*) as n from t_VchTemplateEntry where FID = 0");
+    for (const MessageResult overwrite : {MessageResult::Yes, MessageResult::No}) {
+        Type(1, column::kRemark, overwrite == MessageResult::Yes ? "我的备注" : "再改");
+        ASSERT_EQ(Elsewhere({"sql"}, "if not exists(select 1 from t_VchTemplate where FID = " + id +
+                                         ") insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
+                                         "values(" +
+                                         id + ",'共用',1,'0',getdate())"),
+                  0);
+        ASSERT_EQ(Elsewhere({"save", "共用"}, overwrite == MessageResult::Yes ? kOneLine : kAnotherLine), 0);
+        surroundings_.messageBoxes->meanwhile = {{}, [this] {
+                                                     ASSERT_EQ(Elsewhere({"--yes", "delete", "共用"}), 0);
+                                                     ASSERT_EQ(ElsewhereAs(2, {"new"}), 0);
+                                                 }};
+        TakeMessages();
+        Answer(MessageResult::No);
+        Answer(overwrite);
+        Answer(MessageResult::No);
+        EXPECT_FALSE(Window().Save());
+        EXPECT_EQ(TakeMessages().back(), "模板 共用 已在别处被删除，是否将当前分录另存为新模板？");
+        EXPECT_EQ(Value("select FUserID from t_VchTemplate where FID = " + id), "2");
+        EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FID = " + id), "0");
+        EXPECT_EQ(Window().TemplateId(), id);
+        EXPECT_EQ(Window().RowCount(), 1);
+        EXPECT_EQ(Cell(1, column::kExplanation), "我的");
+        EXPECT_TRUE(Window().IsDirty());
+        ASSERT_EQ(ElsewhereAs(2, {"--yes", "delete", "自定义模板(1)"}), 0) << Said(folder_);
+    }
+    EXPECT_EQ(Value("select count(*) as n from t_VchTemplateEntry where FID = 0"), standard);
+}
+
 TEST_F(TwoProcesses, NothingIsAskedWhenNothingHappened) {
     Window().Tree().NodeClick("detail-3");  // foreign currency, rates and amounts of every kind
     Type(1, column::kRemark, "我的备注");
@@ -320,7 +355,8 @@ TEST_F(TwoProcesses, AVersionIsNotRestoredOverATemplateThatIsGone) {
     ASSERT_EQ(Elsewhere({"--yes", "delete", "版本"}), 0);
     surroundings_.messageBoxes->answers = {MessageResult::Yes};
     EXPECT_EQ(RestoreOver(history.versions.front(), id, "版本").state, store::TemplateOutcome::State::Failed);
-    EXPECT_EQ(surroundings_.messageBoxes->shown.back().text, "模板 版本 已在别处被删除！");
+    EXPECT_EQ(surroundings_.messageBoxes->shown.back().text,
+              "模板 版本 已在别处被删除，没有恢复，账套保持原样！");
     EXPECT_EQ(Value("select count(*) from t_VchTemplateEntry where FID = " + id), "0");
     EXPECT_EQ(Value("select count(*) from t_VchTpControl where FID = " + id), "0");
     // Nor is it whoever's template has the id now.
@@ -377,15 +413,18 @@ TEST_F(TwoProcesses, AVersionIsGivenUpOnlyWhereItIsWhatStandsThere) {
     ASSERT_EQ(Elsewhere({"save", "版本"}, kOneLine), 0);
     const std::string kept = "select count(*) from t_VchTpHistory where FCommand = 3 and FID = " + id;
     const WithoutUnits host;
-    { const store::KeptVersions nothingWritten({id}, store::HistoryCommand::Generate); }
+    {
+        const store::KeptVersions nothingWritten({store::SeenAs(id, "1", "版本")},
+                                                 store::HistoryCommand::Generate);
+    }
     EXPECT_EQ(Value(kept), "0");
     {
-        const store::KeptVersions written({id}, store::HistoryCommand::Generate);
+        const store::KeptVersions written({store::SeenAs(id, "1", "版本")}, store::HistoryCommand::Generate);
         session_->Execute("update t_VchTemplateEntry set FAmount = 5 where FID = " + id);
     }
     EXPECT_EQ(Value(kept), "1");
     {
-        const store::KeptVersions deleted({id}, store::HistoryCommand::Generate);
+        const store::KeptVersions deleted({store::SeenAs(id, "1", "版本")}, store::HistoryCommand::Generate);
         session_->Execute("delete t_VchTemplate where FID = " + id);
     }
     EXPECT_EQ(Value(kept), "2");

@@ -3,6 +3,7 @@
 #include "exchange/import_refusal.h"
 #include "exchange/import_template.h"
 #include "tests/exchange/exchange_fixture.h"
+#include "tests/fakes/template_answer.h"
 
 namespace vicenter::exchange {
 namespace {
@@ -37,7 +38,7 @@ class PreviewTest : public ExchangeTest {
     // remark.
     void Holds(const std::vector<std::vector<Variant>>& lines) {
         set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{5}}));
-        set_.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{16394, "旧模板"}}));
+        set_.Answer("as FTemplateName", fakes::TemplateAnswer(16394, "旧模板"));
         std::vector<std::string> fields;
         for (const store::ColumnSpec& spec : store::Columns())
             fields.emplace_back(spec.field);

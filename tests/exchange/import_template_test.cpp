@@ -3,6 +3,7 @@
 #include "exchange/export_template.h"
 #include "exchange/import_several.h"
 #include "tests/exchange/exchange_fixture.h"
+#include "tests/fakes/template_answer.h"
 #include "tests/paths/source_folder.h"
 #include "tests/platform/office/package.h"
 
@@ -14,9 +15,11 @@ const Lines kHeaders = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代
                         "计量单位",    "数量",    "单价",     "金额",        "备注"};
 const Lines kShortHeaders = {"模板编号(*)", "摘要(*)", "借/贷(*)", "科目代码(*)", "科目名称(*)", "备注"};
 const std::string kWayQuestion =
-    "select (select count(*) from t_VchTemplateEntry where FID > (select Max(FID) from t_VchTemplate)) as "
-    "FLines,(select count(*) from t_VchTpControl where FID > (select Max(FID) from t_VchTemplate)) as "
-    "FControls";
+    "if exists(select 1 from t_VchTemplateEntry where FID > (select Max(FID) from t_VchTemplate)) delete "
+    "t_VchTemplateEntry where FID > (select Max(FID) from t_VchTemplate)\r\n"
+    "if exists(select 1 from t_VchTpControl where FID > (select Max(FID) from t_VchTemplate)) delete "
+    "t_VchTpControl where FID > (select Max(FID) from t_VchTemplate)\r\n"
+    "select count(*) as FNamed from t_VchTemplate with (updlock, holdlock) where FName = '甲''s'";
 const std::string kControlHead =
     " declare @FNo int \r\n declare @Vch_cursor CURSOR \r\n Set @Vch_cursor = CURSOR FOR \r\n"
     "     select distinct FNo from t_VchTemplateEntry where FID = @MaxFID \r\n OPEN @Vch_cursor \r\n"
@@ -36,6 +39,7 @@ class ImportTest : public ExchangeTest {
         ExchangeTest::SetUp();
         set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{8}}));
         set_.Answer("from t_VchTpControl where FIsCanUsed", Rows({"FNo"}));
+        set_.Answer("as FTemplateName", fakes::TemplateAnswer(16394, "旧模板"));
     }
     bool Import(const std::string& file, std::int32_t existing = -1) {
         outcome_ = ImportTemplateWorkbook(window_, file, existing, "甲's");
@@ -106,7 +110,7 @@ TEST_F(ImportTest, RefusesOtherExtensions) {
 TEST_F(ImportTest, AsksBeforeItReplacesATemplate) {
     const std::string file = MakeWorkbook("旧模板.XLSX", {kShortHeaders, {"#1", "a", "借", "1001", "b"}});
     set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{5}}));
-    set_.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{16394, "旧模板"}}));
+    set_.Answer("as FTemplateName", fakes::TemplateAnswer(16394, "旧模板"));
     surroundings_.fileDialogs->choices = {file, file};
     ImportTemplates(window_);
     const std::string question =
@@ -133,7 +137,7 @@ class NameOfAnother : public ImportTest {
     }
     void Owned(int id, int owner) {
         set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{id}}));
-        set_.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{owner, "旧模板"}}));
+        set_.Answer("as FTemplateName", fakes::TemplateAnswer(owner, "旧模板"));
     }
 };
 
@@ -157,7 +161,7 @@ TEST_F(NameOfAnother, IsRefusedWhenNobodySaysWhoseItIs) {
 TEST_F(NameOfAnother, ComesAfterTheUsersOwn) {
     set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}, {{5}, {9}}));
     set_.Answer("and (FUserID = 16394 or FID = 0)", Rows({"FID"}, {{9}}));
-    set_.Answer("as FTemplateName", Rows({"FUserID", "FTemplateName"}, {{16394, "旧模板"}}));
+    set_.Answer("as FTemplateName", fakes::TemplateAnswer(16394, "旧模板"));
     surroundings_.messageBoxes->answers = {system::MessageResult::Ok};
     EXPECT_TRUE(ImportNamed("旧模板.xlsx"));
     EXPECT_NE(Batch().find(" set @MaxFID = 9"), std::string::npos);
@@ -172,18 +176,28 @@ TEST_F(NameOfAnother, TheStandardTemplateStaysEverybodys) {
 }
 
 TEST_F(ImportTest, ClearsTheWayOfANewTemplateAndOfNoOther) {
-    set_.Answer("as FLines", Rows({"FLines", "FControls"}, {{2, 0}}));
     const std::string file = MakeWorkbook("a.xlsx", {kShortHeaders, {"#1", "a", "借", "1001", "b"}});
     const auto deletions = [this] {
         int count = 0;
         for (const std::string& sql : set_.Statements())
-            count += sql.starts_with("delete t_VchTemplateEntry where FID > ") ? 1 : 0;
+            count += sql.find(" delete t_VchTemplateEntry where FID > ") != std::string::npos ? 1 : 0;
         return count;
     };
     EXPECT_TRUE(Import(file, 5));
     EXPECT_EQ(deletions(), 0);
     EXPECT_TRUE(Import(file));
     EXPECT_EQ(deletions(), 1);
+}
+
+TEST_F(ImportTest, MakesNoSecondTemplateOfAName) {
+    set_.Answer("as FNamed", Rows({"FNamed"}, {{1}}));
+    EXPECT_FALSE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1001", "b"}}));
+    EXPECT_EQ(Messages(), Lines{"引入模板失败！名为 甲's 的模板已在别处建立，没有引入，账套保持原样！"});
+    EXPECT_EQ(Batch(), "");
+    set_.Fail("as FNamed", "Lock request time out period exceeded.");
+    EXPECT_FALSE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1001", "b"}}));
+    EXPECT_NE(Messages().back().find("账套正被其他用户锁定，请稍后再试！"), std::string::npos);
+    EXPECT_EQ(Batch(), "");
 }
 
 TEST_F(ImportTest, WritesANewTemplateInOneBatch) {

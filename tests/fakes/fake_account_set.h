@@ -9,7 +9,7 @@
 //     EXPECT_EQ(set.Statements(), ...);
 //
 // The latest answer whose text occurs in a statement is given; a statement without an answer gives an empty
-// recordset with no columns.
+// recordset with no columns, but for the question whether a new template's name is free: it is.
 
 #include <functional>
 #include <optional>
@@ -42,6 +42,8 @@ class FakeAccountSet {
     FakeAccountSet() {
         state_ = std::make_shared<State>();
         ado::HostFramework::SetProcess(std::make_shared<Framework>(state_));
+        // Whoever makes a template finds its name free, and nothing in its way.
+        Answer("as FNamed", Rows({"FNamed"}, {{0}}));
     }
     FakeAccountSet(const FakeAccountSet&) = delete;
     FakeAccountSet& operator=(const FakeAccountSet&) = delete;

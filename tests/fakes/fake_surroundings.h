@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -28,6 +29,12 @@ class RecordingMessageBoxes : public system::MessageBoxes {
     system::MessageResult Show(const std::string& text, system::MessageButtons buttons,
                                system::MessageIcon icon, const std::string& title) override {
         shown.push_back({text, buttons, icon, title});
+        // What others do while the user reads: once.
+        if (buttons != system::MessageButtons::Ok && !meanwhile.empty()) {
+            const std::function<void()> act = meanwhile.front();
+            meanwhile.pop_front();
+            if (act) act();
+        }
         if (answers.empty()) {
             // Unscripted questions are declined, as a user who closes the box would.
             if (buttons == system::MessageButtons::YesNo) return system::MessageResult::No;
@@ -47,6 +54,7 @@ class RecordingMessageBoxes : public system::MessageBoxes {
 
     std::vector<ShownMessage> shown;
     std::deque<system::MessageResult> answers;
+    std::deque<std::function<void()>> meanwhile;  // one a question; none: nothing happens
 };
 
 class ScriptedFileDialogs : public system::FileDialogs {

@@ -5,6 +5,7 @@
 
 #include <sstream>
 
+#include "tests/fakes/template_answer.h"
 #include "tests/store/store_fixture.h"
 
 namespace vicenter::store {
@@ -16,7 +17,13 @@ constexpr const char* kFields =
 
 class HistoryTest : public StoreTest {
   protected:
-    HistoryTest() { set_.Answer("select @kept as FHistoryID", Rows({"FHistoryID"}, {{41}})); }
+    HistoryTest() {
+        set_.Answer("as FTemplateName,@kept as FHistoryID", fakes::TemplateAnswer(16394, "费用", 41));
+        set_.Answer("select FUserID,FName as FTemplateName", fakes::TemplateAnswer(16394, "费用"));
+    }
+    static SeenTemplate Seen(const std::string& id, const std::string& name = "费用") {
+        return SeenAs(id, "16394", name);
+    }
 
     // FHistoryID and FCommand of versions, the latest first.
     void AnswerVersions(const std::vector<std::pair<int, int>>& versions) {
@@ -36,13 +43,13 @@ class HistoryTest : public StoreTest {
 };
 
 TEST_F(HistoryTest, OneBatchKeepsAVersion) {
-    const KeptVersions kept({"5"}, HistoryCommand::Import);
+    const KeptVersions kept({Seen("5")}, HistoryCommand::Import);
     const std::string fields = kFields;
     EXPECT_EQ(
         set_.Statements(),
         (Statements{
-            "if object_id('t_VchTpHistory') is not null and exists(select 1 from t_VchTemplate where FID = "
-            "5)\r\nbegin\r\ndeclare @kept int\r\n"
+            "declare @kept int\r\nif object_id('t_VchTpHistory') is not null and exists(select 1 from "
+            "t_VchTemplate with (updlock, holdlock) where FID = 5)\r\nbegin\r\n"
             "insert into t_VchTpHistory(FID,FName,FOwnerID,FCommand,FKeptBy,FKeptAt,FLines) select "
             "FID,FName,FUserID,2,16394,GetDate(),(select count(*) from t_VchTemplateEntry where FID = 5) "
             "from "
@@ -52,7 +59,21 @@ TEST_F(HistoryTest, OneBatchKeepsAVersion) {
             " from t_VchTemplateEntry where FID = 5\r\n"
             "insert into t_VchTpHistoryControl(FHistoryID,FNo,FUseFrequency,FKey,FFileCount) select "
             "@kept,FNo,FUseFrequency,FKey,FFileCount from t_VchTpControl where FID = 5\r\n"
-            "select @kept as FHistoryID\r\nend\r\n"}));
+            "end\r\nselect a.FUserID,a.FName as FTemplateName,@kept as FHistoryID from t_VchTemplate a with "
+            "(updlock, holdlock) where a.FID = 5\r\n"}));
+}
+
+TEST_F(HistoryTest, TheSameBatchAsksForTheLinesThatTheUserSaw) {
+    SeenTemplate seen = Seen("5");
+    seen.lines.emplace();
+    EXPECT_TRUE(KeptVersions({seen}, HistoryCommand::Import).MayWrite());
+    const std::string batch = set_.Statements().front();
+    EXPECT_EQ(batch.substr(batch.find("end\r\nselect")),
+              "end\r\nselect a.FUserID,a.FName as FTemplateName,@kept as FHistoryID,b.* from t_VchTemplate a "
+              "with (updlock, holdlock) left join t_VchTemplateEntry b with (updlock, holdlock) on a.FID = "
+              "b.FID where a.FID = 5 order by b.FNo,b.FEntryID\r\n");
+    seen.lines->lines = 1;
+    EXPECT_FALSE(KeptVersions({seen}, HistoryCommand::Import).MayWrite());
 }
 
 // A condition on columns a and h, by the collation or by their units.
@@ -118,7 +139,7 @@ const std::string kIfNothingDiffersItGoes =
 TEST_F(HistoryTest, AVersionIsGivenUpWhenNothingHasReplacedIt) {
     set_.Answer("select 1 as FAlike", Rows({"FAlike"}, {{1}}));
     {
-        const KeptVersions kept({"5"}, HistoryCommand::Save);
+        const KeptVersions kept({Seen("5")}, HistoryCommand::Save);
         set_.Forget();
     }
     EXPECT_EQ(set_.Statements(),
@@ -126,7 +147,7 @@ TEST_F(HistoryTest, AVersionIsGivenUpWhenNothingHasReplacedIt) {
 }
 
 TEST_F(HistoryTest, OtherLinesAreAllThatIsAskedForBeforeAVersionIsHistory) {
-    KeptVersions kept({"5"}, HistoryCommand::Save);
+    KeptVersions kept({Seen("5")}, HistoryCommand::Save);
     set_.Forget();
     EXPECT_TRUE(kept.Commit());
     EXPECT_EQ(set_.Statements(), (Statements{kIfLinesAreAlike + kElseOldOnesGo}));
@@ -137,16 +158,16 @@ TEST_F(HistoryTest, OtherLinesAreAllThatIsAskedForBeforeAVersionIsHistory) {
 
 TEST_F(HistoryTest, WhatIsAboutToBeBroughtBackIsNotLetGo) {
     set_.Answer("select 1 as FAlike", Rows({"FAlike"}, {{1}}));
-    KeptVersions kept({"5"}, HistoryCommand::Restore);
+    KeptVersions kept({Seen("5")}, HistoryCommand::Restore);
     set_.Forget();
     EXPECT_TRUE(kept.Commit());
     EXPECT_EQ(set_.Statements(), (Statements{kIfLinesAreAlike, kIfNothingDiffersItGoes}));
 }
 
 TEST_F(HistoryTest, WhereNothingIsKeptNothingIsGivenUpAndNobodyIsTold) {
-    set_.Answer("select @kept as FHistoryID", Rows({}));
+    set_.Answer("as FTemplateName,@kept as FHistoryID", fakes::TemplateAnswer(16394, "费用"));
     {
-        const KeptVersions kept({"5"}, HistoryCommand::Save);
+        const KeptVersions kept({Seen("5")}, HistoryCommand::Save);
         set_.Forget();
     }
     EXPECT_TRUE(set_.Statements().empty());
@@ -155,7 +176,7 @@ TEST_F(HistoryTest, WhereNothingIsKeptNothingIsGivenUpAndNobodyIsTold) {
 
 TEST_F(HistoryTest, AFailureIsSilentAndStopsNothing) {
     set_.Fail("t_VchTpHistory", "disk full");
-    { const KeptVersions kept({"5"}, HistoryCommand::Delete); }
+    { const KeptVersions kept({Seen("5")}, HistoryCommand::Delete); }
     EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
 }
 
@@ -184,7 +205,7 @@ class UnitOfHistory : public HistoryTest {
         return texts;
     }
     static bool Update() {
-        return KeptVersions({"5"}, HistoryCommand::Save)
+        return KeptVersions({Seen("5")}, HistoryCommand::Save)
             .RunAndCommit("update t_VchTemplateEntry set FNo = 1");
     }
 };
@@ -192,7 +213,7 @@ class UnitOfHistory : public HistoryTest {
 TEST_F(UnitOfHistory, TheVersionAndTheCommandAreCommittedTogether) {
     set_.KnowUnits();
     EXPECT_TRUE(Update());
-    EXPECT_EQ(Order(), "begin unit;if;update;if;commit unit;end unit;");
+    EXPECT_EQ(Order(), "begin unit;declare;update;if;commit unit;end unit;");
     EXPECT_TRUE(Shown().empty());
 }
 
@@ -200,7 +221,7 @@ TEST_F(UnitOfHistory, ARefusedCommandTakesItsVersionAlongAndIsShown) {
     set_.KnowUnits();
     set_.Fail("update ", "disk full");
     EXPECT_FALSE(Update());
-    EXPECT_EQ(Order(), "begin unit;if;update;end unit;");
+    EXPECT_EQ(Order(), "begin unit;declare;update;end unit;");
     EXPECT_EQ(Shown(), Statements{"disk full"});
 }
 
@@ -208,42 +229,85 @@ TEST_F(UnitOfHistory, AVersionThatCannotBeKeptEndsTheUnitBeforeTheCommandRuns) {
     set_.KnowUnits();
     set_.Fail("t_VchTpHistory", "damaged");
     EXPECT_TRUE(Update());
-    EXPECT_EQ(Order(), "begin unit;if;end unit;update;");
+    EXPECT_EQ(Order(), "begin unit;declare;end unit;begin unit;select;update;commit unit;end unit;");
     EXPECT_TRUE(Shown().empty());
 }
 
 TEST_F(UnitOfHistory, AUnitThatCannotBeBegunIsNotAskedForAVersion) {
-    set_.KnowUnits("locked");
+    set_.KnowUnits("nobody there");
     EXPECT_TRUE(Update());
-    EXPECT_EQ(Order(), "begin unit;update;");
+    EXPECT_EQ(Order(), "begin unit;select;update;");
     EXPECT_TRUE(Shown().empty());
 }
 
 TEST_F(UnitOfHistory, ARefusedCommitIsShownAsARefusedBatch) {
     set_.KnowUnits({}, "nobody knows");
     EXPECT_FALSE(Update());
-    EXPECT_EQ(Order(), "begin unit;if;update;if;commit unit;end unit;");
+    EXPECT_EQ(Order(), "begin unit;declare;update;if;commit unit;end unit;");
     EXPECT_EQ(Shown(), Statements{"nobody knows"});
     EXPECT_EQ(clsVIData::LastRefusal(), "nobody knows");
+}
+
+// Where others hold a lock, and where the user has been promised a version, nothing is written without one.
+TEST_F(UnitOfHistory, ALockEndsTheCommand) {
+    set_.KnowUnits();
+    set_.Fail("t_VchTpHistory", "Lock request time out period exceeded.");
+    KeptVersions kept({Seen("5")}, HistoryCommand::Save);
+    EXPECT_FALSE(kept.RunAndCommit("update t_VchTemplateEntry set FNo = 1"));
+    EXPECT_EQ(Order(), "begin unit;declare;end unit;");
+    EXPECT_EQ(kept.WhyNot("没有保存"),
+              "现有分录未能保留为历史版本，没有保存，账套保持原样！\r\n\r\n账套正被其他用户锁定，请稍后再试！"
+              "\r\n\r\n（1222：Lock request time out period exceeded.）");
+    set_.Forget();
+    set_.KnowUnits("Lock request time out period exceeded.");
+    EXPECT_FALSE(Update());
+    EXPECT_EQ(Order(), "begin unit;");
 }
 
 TEST_F(UnitOfHistory, OneOfSeveralThatCannotBeKeptTakesTheOthersAlong) {
     set_.KnowUnits();
     set_.Fail("where FID = 6", "damaged");
-    {
-        KeptVersions kept({"5", "6", "7"}, HistoryCommand::Replace);
-        EXPECT_TRUE(kept.RunAndCommit("update t_VchTemplateEntry set FNo = 1"));
+    for (const HistoryCommand command : {HistoryCommand::Replace, HistoryCommand::Restore}) {
+        set_.Forget();
+        KeptVersions kept({Seen("5"), Seen("6"), Seen("7")}, command);
+        EXPECT_FALSE(kept.RunAndCommit("update t_VchTemplateEntry set FNo = 1"));
+        EXPECT_EQ(Order(), "begin unit;declare;declare;end unit;");
+        EXPECT_EQ(kept.WhyNot("没有替换"),
+                  "现有分录未能保留为历史版本，没有替换，账套保持原样！\r\n\r\ndamaged");
     }
-    EXPECT_EQ(Order(), "begin unit;if;if;end unit;update;");
+}
+
+TEST_F(UnitOfHistory, WhatTheUserDidNotSeeIsNotWrittenTo) {
+    set_.KnowUnits();
+    const auto why = [&](const SeenTemplate& seen, const std::string& order = "declare;") {
+        set_.Forget();
+        KeptVersions kept({seen}, HistoryCommand::Import);
+        EXPECT_FALSE(kept.RunAndCommit("update t_VchTemplateEntry set FNo = 1"));
+        EXPECT_EQ(Order(), "begin unit;" + order + "end unit;");
+        return kept.WhyNot("没有引入");
+    };
+    EXPECT_EQ(why(Seen("5", "别的")), "模板 别的 已在别处被删除或改名，没有引入，账套保持原样！");
+    EXPECT_EQ(why(SeenAs("5", "7", "费用")), "模板 费用 已在别处被删除，没有引入，账套保持原样！");
+    // A host that gives the first result alone is asked once more.
+    set_.Answer("as FTemplateName,@kept as FHistoryID", Rows({}));
+    EXPECT_EQ(why(Seen("5", "别的"), "declare;select;"),
+              "模板 别的 已在别处被删除或改名，没有引入，账套保持原样！");
+    set_.Fail("select FUserID,FName as FTemplateName", "gone");
+    EXPECT_EQ(why(Seen("5"), "declare;select;"), "模板 费用 无法读取，没有引入，账套保持原样！");
+}
+
+TEST_F(UnitOfHistory, WithoutUnitsWhatWasKeptInVainIsGivenUpAtOnce) {
+    KeptVersions kept({Seen("5", "别的")}, HistoryCommand::Import);
+    EXPECT_EQ(Order(), "declare;if;");
 }
 
 TEST_F(UnitOfHistory, WhereUnitsAreUnknownEachStandsForItself) {
     EXPECT_TRUE(Update());
-    EXPECT_EQ(Order(), "if;update;if;");
+    EXPECT_EQ(Order(), "declare;update;if;");
     set_.Forget();
     set_.Fail("update ", "disk full");
     EXPECT_FALSE(Update());
-    EXPECT_EQ(Order(), "if;update;if;");  // the version is given up
+    EXPECT_EQ(Order(), "declare;update;if;");  // the version is given up
 }
 
 TEST_F(HistoryTest, VersionsAreReadLatestFirst) {
@@ -280,7 +344,7 @@ TEST_F(HistoryTest, DeletedTemplatesAreTheUsersOwn) {
 }
 
 TEST_F(HistoryTest, WhatOneReplacementWroteToIsKnownByItsTime) {
-    const KeptVersions kept({"5", "6"}, HistoryCommand::Replace);
+    const KeptVersions kept({Seen("5"), Seen("6")}, HistoryCommand::Replace);
     ASSERT_EQ(set_.Statements().size(), 2U);
     EXPECT_NE(set_.Statements()[0].find(",7,16394,GetDate(),"), std::string::npos);
     EXPECT_NE(

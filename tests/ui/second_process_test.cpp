@@ -185,6 +185,47 @@ TEST_F(SecondProcessTest, WhatIsDeletedBesideTheAccountSetCostsNothingThatWasSav
     EXPECT_THAT(ado::FindAccountSetDamage(file), IsEmpty());
 }
 
+// --- what another process does while the window asks
+
+class WhileItAsks : public SecondProcessTest {
+  protected:
+    // The template was saved elsewhere and is deleted while the second question stands.
+    void SaveWhatIsDeletedMeanwhile(system::MessageResult overwrite) {
+        SaveTemplate();
+        ClickCell(1, column::kExplanation);
+        Type("other");
+        Key(Qt::Key_Return);
+        session->Execute("update t_VchTemplateEntry set FExp = 'theirs' where FExp = 'mine'");
+        surroundings.messageBoxes->meanwhile = {
+            {}, [this] {
+                host::test::RunningProgram program(
+                    VICENTER_PROGRAM, {"--account-set", file, "--yes", "delete", "自定义模板(1)"});
+                EXPECT_EQ(program.Wait().code, 0);
+            }};
+        surroundings.messageBoxes->answers = {system::MessageResult::No, overwrite,
+                                              system::MessageResult::No};
+        ClickTool("mnuSave");
+        EXPECT_EQ(TakeMessages().back(), "模板 自定义模板(1) 已在别处被删除，是否将当前分录另存为新模板？");
+        EXPECT_EQ(Text(1, column::kExplanation), "other");
+        EXPECT_EQ(window->Presenter().TemplateName(), "自定义模板(1)");
+        EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("凭证模板 * - ")));
+        EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FExp in ('other','theirs')"), 0);
+        // Undoing fills no other template with it, and there is a way to keep it.
+        surroundings.messageBoxes->answers = {system::MessageResult::Yes};
+        ClickTool("mnuSave");
+        EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FExp = 'other' and FID > 0"), 1);
+        EXPECT_FALSE(window->windowTitle().startsWith(QStringLiteral("凭证模板 * - ")));
+    }
+};
+
+TEST_F(WhileItAsks, OverwritingReachesNoTemplateThatIsGone) {
+    SaveWhatIsDeletedMeanwhile(system::MessageResult::Yes);
+}
+
+TEST_F(WhileItAsks, LookingAtWhatIsGoneOpensNoOther) {
+    SaveWhatIsDeletedMeanwhile(system::MessageResult::No);
+}
+
 // Presses Cancel as soon as the panel is shown.
 class Impatient : public QObject {
   public:
