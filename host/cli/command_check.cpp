@@ -44,7 +44,7 @@ int RunCheckAll(const CliContext& context) {
     int hints = 0;
     for (const TemplateHead& head : ReadTemplates(context)) {
         TemplateLines lines;
-        ReadLines(head.id, lines);
+        ReadLines(head, lines);
         VariantArray findings;
         for (const center::TemplateFinding& finding : check.Check(lines.grid, lines.count)) {
             (IsFault(finding) ? faults : hints) += 1;
@@ -75,7 +75,7 @@ int RunCheck(const CliContext& context) {
     if (context.options.all) return RunCheckAll(context);
     const TemplateHead head = FindTemplate(context, context.options.name);
     TemplateLines lines;
-    ReadLines(head.id, lines);
+    ReadLines(head, lines);
     const std::optional<center::Finding> finding = center::ValidateLines(lines.grid, lines.count);
     if (finding) center::Tell(finding->text);
 

@@ -33,9 +33,9 @@ std::string FileNameOf(const std::string& templateName, std::set<std::string>& t
 
 bool Export(const CliContext& context, const TemplateHead& head, const std::string& file) {
     entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-引出模板");
-    WindowlessTemplate window(head);
-    // What cannot be replaced is not asked about.
+    // What cannot be replaced is not asked about. What is written is what there is once the user has agreed.
     if (exchange::WhyNotWorkbookTarget(file).empty() && !MayReplaceFile(file)) return false;
+    WindowlessTemplate window(head);
     const exchange::ExportOutcome outcome = exchange::ExportTemplateTo(window, file);
     if (!outcome.untold.empty()) {
         Fail(context, "工作簿未能写入：" + file + "\n  " + outcome.untold);
@@ -60,6 +60,15 @@ int RunExport(const CliContext& context) {
             ok = false;
         }
     };
+    // One of many that cannot be read, or has gone meanwhile, keeps no other back.
+    const auto takeOne = [&](const TemplateHead& head, const std::string& file) {
+        try {
+            take(head, file);
+        } catch (const automation::Error& error) {
+            Fail(context, "模板 " + head.name + " 没有引出：" + error.Text());
+            ok = false;
+        }
+    };
     if (!several) {
         take(FindTemplate(context, options.name), options.file);
     } else {
@@ -71,8 +80,8 @@ int RunExport(const CliContext& context) {
         }
         std::set<std::string> taken;
         for (const TemplateHead& head : ReadTemplates(context)) {
-            take(head, PathToUtf8(PathFromUtf8(options.exportFolder) /
-                                  PathFromUtf8(FileNameOf(head.name, taken) + ".xlsx")));
+            takeOne(head, PathToUtf8(PathFromUtf8(options.exportFolder) /
+                                     PathFromUtf8(FileNameOf(head.name, taken) + ".xlsx")));
         }
     }
     return FinishSpeaking(context, ok, written);

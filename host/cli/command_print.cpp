@@ -25,7 +25,7 @@ int RunPrint(const CliContext& context) {
     const CliOptions& options = context.options;
     const TemplateHead head = FindTemplate(context, options.name);
     TemplateLines lines;
-    ReadLines(head.id, lines);
+    ReadLines(head, lines);
     context.session->ReadNames();
     const center::AccountNames whose = center::NamesOfAccount(context.session->PropsString());
     const center::SheetHead sheetHead{head.name, whose.accountSet, whose.user};

@@ -76,7 +76,7 @@ void PrintTable(const CliContext& context, const TemplateLines& lines) {
 int RunShow(const CliContext& context) {
     const TemplateHead head = FindTemplate(context, context.options.name);
     TemplateLines lines;
-    ReadLines(head.id, lines);
+    ReadLines(head, lines);
     if (!context.options.json) {
         PrintTable(context, lines);
         return kExitDone;

@@ -8,11 +8,13 @@
 #include "center/frame/window_state.h"
 #include "center/grid/columns.h"
 #include "center/template/line_loader.h"
+#include "entry/host_context.h"
 #include "entry/single_line.h"
 #include "platform/system/collation.h"
 #include "platform/system/files.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/template_guard.h"
 #include "store/template_rows.h"
 
 namespace vicenter::host {
@@ -25,6 +27,22 @@ namespace {
     Error error(automation::error_number::kElementNotFound, "无法读取凭证模板，请检查账套连接！");
     if (!store::clsVIData::LastFailure().empty()) error.While(store::clsVIData::LastFailure());
     throw error;
+}
+
+// The answer without what it says of the template itself.
+ado::RecordsetRef LinesAlone(const ado::Recordset& answer) {
+    constexpr std::ptrdiff_t kOfTemplate = 2;  // FUserID, FTemplateName
+    const std::size_t entry = answer.ColumnIndex("FEntryID");
+    auto lines = std::make_shared<ado::Recordset>(
+        std::vector<ado::Column>(answer.Columns().begin() + kOfTemplate, answer.Columns().end()));
+    for (std::size_t record = 0; record < static_cast<std::size_t>(answer.RecordCount()); ++record) {
+        if (answer.ValueAt(record, entry).IsNull()) continue;
+        std::vector<Variant> values;
+        for (std::size_t c = kOfTemplate; c < answer.ColumnCount(); ++c)
+            values.push_back(answer.ValueAt(record, c));
+        lines->AppendRow(std::move(values));
+    }
+    return lines;
 }
 
 }  // namespace
@@ -53,10 +71,18 @@ TemplateHead FindTemplate(const CliContext& context, const std::string& given) {
     throw Error(automation::error_number::kElementNotFound, "没有名为“" + name + "”的凭证模板！");
 }
 
-void ReadLines(const std::string& templateId, TemplateLines& lines) {
-    lines.records = store::clsVIData().GetVchTemplateEntryInfo(templateId);
-    const std::optional<int> loaded = center::LoadLines(lines.grid, templateId);
-    if (lines.records == nullptr || !loaded || *loaded != lines.records->RecordCount()) ThrowUnreadable();
+void ReadLines(const TemplateHead& head, TemplateLines& lines) {
+    const store::SeenTemplate listed = store::SeenAs(head.id, entry::CurrentUserId(), head.name);
+    const auto row = store::AskTemplateWithLines(head.id);
+    store::FoundTemplate found = store::Compare(listed, row);
+    store::LinesDigest digest;
+    const std::optional<int> loaded = center::LoadLines(lines.grid, head.id, &digest);
+    if (found.fate == store::TemplateFate::Unknown || !loaded) ThrowUnreadable();
+    if (found.fate == store::TemplateFate::AsSeen && found.now.lines != digest)
+        found.fate = store::TemplateFate::Changed;
+    if (found.fate != store::TemplateFate::AsSeen)
+        throw Error(automation::error_number::kElementNotFound, store::WhatHappened(listed, found) + "！");
+    lines.records = LinesAlone(*row->lines);
     lines.count = *loaded;
 }
 

@@ -25,12 +25,14 @@ std::vector<TemplateHead> ReadTemplates(const CliContext& context);
 TemplateHead FindTemplate(const CliContext& context, const std::string& name);
 
 // A template's lines as stored, and the grid that holds them with the checks' marks; the same order in both.
+// Others work on the same account set: lines of what is no longer the template that was listed are none of
+// its. Throws when they cannot be read, and when it is that no more.
 struct TemplateLines {
     ado::RecordsetRef records;
     center::EntryGrid grid;
     int count = 0;
 };
-void ReadLines(const std::string& templateId, TemplateLines& lines);
+void ReadLines(const TemplateHead& head, TemplateLines& lines);
 
 // Whether a text column of the grid would take the text, apostrophes and bars aside.
 bool FitsColumn(const center::ColumnSpec& spec, std::string_view text);

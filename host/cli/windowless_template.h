@@ -12,7 +12,7 @@ namespace vicenter::host {
 class WindowlessTemplate : public exchange::ExchangeTarget {
   public:
     WindowlessTemplate() = default;
-    explicit WindowlessTemplate(TemplateHead head) : head_(std::move(head)) { ReadLines(head_.id, lines_); }
+    explicit WindowlessTemplate(TemplateHead head) : head_(std::move(head)) { ReadLines(head_, lines_); }
 
     std::string CurrentTemplateId() const override { return head_.id; }
     std::string TemplateName() const override { return head_.name; }

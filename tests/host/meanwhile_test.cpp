@@ -150,6 +150,23 @@ TEST_F(Meanwhile, UndoingAReplacementDoesNotOverwriteWhatWasSavedSince) {
     EXPECT_EQ(Number("select count(*) as n from t_VchTpHistory where FCommand = 6"), 0);
 }
 
+TEST_F(Meanwhile, WhatIsGoneIsNotExportedAsATemplateWithoutLines) {
+    Make("甲");
+    const std::string folder = folder_.Path("out");
+    Elsewhere({"export", "--all", folder});
+    const auto sizeOf = [&](const std::string& name) {
+        return std::filesystem::file_size(system::PathFromUtf8(folder + "/" + name + ".xlsx"));
+    };
+    const auto before = sizeOf("甲");
+    const std::string yes = "y\ny\ny\ny\ny\ny\ny\ny\ny\ny\ny\ny\n";
+    const CliAnswer answer = RunAround({"export", "--all", folder}, Replaced("甲", "1"), yes);
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_THAT(answer.errors, HasSubstr("模板 甲 没有引出：模板 甲 已在别处被删除或改名！"));
+    EXPECT_EQ(sizeOf("甲"), before);
+    // The others have been.
+    EXPECT_THAT(answer.output + answer.errors, HasSubstr("模板引出成功！"));
+}
+
 // --- another one writes, and takes its time
 
 class Locked : public Meanwhile {
