@@ -225,6 +225,33 @@ TEST_F(Drafts, OfATemplateOfAnotherNameAndOtherLinesBecomeANewOne) {
     EXPECT_THAT(Messages(), ElementsAre(Question("但该模板已不存在，或已改名并修改，是否恢复为新模板？")));
 }
 
+// The tree then lights the standard template, which is everybody's.
+TEST_F(Drafts, AreRestoredIntoNoOtherTemplateWhenTheirNewOneIsGone) {
+    TypeMine();
+    CloseByFrame();
+    gone_ = {"5"};
+    templates_ = {{0, "标准模板"}, {8, "自定义模板(2)"}};
+    set_.Answer("select Max(FID)", Rows({"FID"}, {{9}}));
+    Answer(MessageResult::Yes);
+    OpenAgain();
+    EXPECT_EQ(Window().TemplateId(), "0");
+    EXPECT_EQ(Window().RowCount(), 0);
+    EXPECT_FALSE(Window().IsDirty());
+    EXPECT_EQ(Files().size(), 1U);
+}
+
+TEST_F(Drafts, StayWhenWhatWasSavedElsewhereCannotBeShown) {
+    TypeMine();
+    Window().KeepDraft();
+    lines_["5"] = {Line(1, "别人的")};
+    set_.Fail("select a.* from (select FID,FName", "Lock request time out period exceeded.");
+    EXPECT_FALSE(Window().Save());
+    EXPECT_EQ(Messages().back(), "模板 自定义模板(1) 无法读取，窗口中的分录保持不变，请稍后再试！");
+    EXPECT_EQ(Files().size(), 1U);
+    CloseByFrame();
+    EXPECT_EQ(Files().size(), 1U);
+}
+
 TEST_F(Drafts, AreOfferedWhenTheirTemplateIsOpened) {
     TypeMine();
     CloseByFrame();

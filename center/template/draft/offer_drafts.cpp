@@ -86,7 +86,10 @@ bool WindowParts::OpenTemplateOf(const Draft& draft, const std::string& key) {
     if (key.empty()) {
         const std::optional<TreeNode> node = tree.InsertTemplate();
         if (!node) return false;
-        tree.ReadAgain(node->key.substr(kTemplateKeyHead.size()));
+        const std::string id = node->key.substr(kTemplateKeyHead.size());
+        tree.ReadAgain(id);
+        // What was typed belongs in no other template.
+        if (state.open.Id() != id) return false;
         state.Enable({Tool::Del, Tool::Save, Tool::Exp}, true);
     } else if (state.open.Id() != draft.templateId) {
         tree.NodeClick(key);
