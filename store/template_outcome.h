@@ -17,7 +17,7 @@ struct TemplateOutcome {
         Saved,
         Refused,  // the account set refused the batch; the user has been shown why
         Failed,   // whatever else ended it, the user's own wish among it
-        // Written, and told as failed, since what it makes unusable could not be asked.
+        // Written, but what has become of it could not be asked; a save tells it as failed.
         SavedUntold,
         // Nothing was written: it is not what the user saw. Nobody has been told yet.
         NotAsSeen,

@@ -16,6 +16,12 @@ using State = store::TemplateOutcome::State;
 namespace {
 
 store::TemplateOutcome TellFailed(const std::string& name, State state) {
+    if (state == State::SavedUntold) {
+        // It is there: who took it for failed would make it twice.
+        Tell("模板 " + name + " 已另存，但未能重新读取，请重新打开凭证模板查看！");
+        entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-另存模板 " + name + " 成功");
+        return {state};
+    }
     Tell("模板 " + name + " 保存失败！");
     entry::WriteOperationLog(LogKind::Failed, "凭证模板-另存模板 " + name + " 失败");
     return {state};

@@ -3,6 +3,8 @@
 
 #include "center/template/template_save.h"
 
+#include "center/history/restore.h"
+#include "center/template/save_as.h"
 #include "entry/screen.h"
 #include "tests/center/center_fixture.h"
 
@@ -683,6 +685,29 @@ TEST_F(Confirm, ASaveThatIsRefusedOrFailsStopsTheCaller) {
     Answer(MessageResult::Yes);
     EXPECT_FALSE(Window().ConfirmUnsavedChanges());
     EXPECT_TRUE(Window().IsDirty());
+}
+
+// The batch has run, and the account set answers no more.
+TEST_F(Save, ATemplateThatIsThereIsNeverToldAsFailed) {
+    using State = store::TemplateOutcome::State;
+    const auto falls = [this] {
+        set_.Respond("declare @MaxFID", [this](const std::string&) {
+            set_.Fail("select FID from t_VchTemplate where FName", "down");
+            return Rows({});
+        });
+    };
+    FillLine(1, "1", "收款");
+    falls();
+    EXPECT_EQ(SaveLinesAs(Window().Grid(), 1, "另一个", "7").state, State::SavedUntold);
+    EXPECT_THAT(Messages(), ElementsAre("模板 另一个 已另存，但未能重新读取，请重新打开凭证模板查看！"));
+    EXPECT_EQ(Log().back(), "log 3 凭证模板-另存模板 另一个 成功");
+    set_.Answer("select FID from t_VchTemplate where FName", Rows({"FID"}));
+    Forget();
+    falls();
+    store::HistoryVersion version;
+    version.id = "41";
+    EXPECT_EQ(RestoreAsNew(version, "第三个", "7").state, State::SavedUntold);
+    EXPECT_THAT(Messages(), ElementsAre("模板 第三个 已恢复，但未能重新读取，请重新打开凭证模板查看！"));
 }
 
 }  // namespace
