@@ -85,7 +85,7 @@ TEST_F(LockedSet, LinesThatWereToBecomeANewTemplateStayWhenItIsNotMade) {
     Window().Tree().NodeClick("detail-1");
     Type(1, column::kRemark, "我的");
     session_->Execute("update t_VchTemplateEntry set FRemark = '别人的' where FID = 1 and FEntryID = 2");
-    Lock();
+    surroundings_.messageBoxes->meanwhile.emplace_back([this] { Lock(); });
     Answer(MessageResult::Yes);  // as a new template
     Window().ToolClick("mnuSave");
     const Texts told = TakeMessages();
