@@ -118,13 +118,22 @@ void LibrarySession::Belong() {
     ending_ = false;
 }
 
+bool LibrarySession::IsElsewhere() const {
+    return thread_ != ThisThread() && !threadsLife_.expired();
+}
+
+void LibrarySession::TakeOver() {
+    if (thread_ == ThisThread() || IsElsewhere()) return;
+    Belong();
+    installed_.BeginHere();
+}
+
 LibrarySession& LibrarySession::Enter() {
     const std::lock_guard guard(Lock());
     if (IsGoing()) RefuseDuringEnd();
     if (Current() == nullptr) Current() = new LibrarySession();
-    // A thread that has ended calls no more; the host's things are still good.
-    if (Current()->thread_ != ThisThread() && Current()->threadsLife_.expired()) Current()->Belong();
-    if (Current()->thread_ != ThisThread()) {
+    Current()->TakeOver();
+    if (Current()->IsElsewhere()) {
         throw Error(VIC_ERROR_WRONG_THREAD,
                     "The template center belongs to the thread that called it first; "
                     "call it from that thread only.",
@@ -154,8 +163,9 @@ bool LibrarySession::EndIfUnused() {
     {
         const std::lock_guard guard(Lock());
         if (Current() == nullptr) return !IsGoing();
-        if (Current()->thread_ != ThisThread() || Current()->calls_ != 0 || Current()->ending_ ||
-            HasThingsOfHost() || Current()->windows_->OpenWindows() != 0)
+        Current()->TakeOver();
+        if (Current()->IsElsewhere() || Current()->calls_ != 0 || Current()->ending_ || HasThingsOfHost() ||
+            Current()->windows_->OpenWindows() != 0)
             return false;
     }
     End();

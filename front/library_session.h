@@ -40,6 +40,10 @@ class LibrarySession {
 
     // The session is this thread's from now on.
     void Belong();
+    // The thread that it belongs to is another one, which lives.
+    bool IsElsewhere() const;
+    // Where that one has ended this thread goes on; it calls no more, and the host's things are still good.
+    void TakeOver();
 
     std::uint64_t thread_ = 0;
     std::weak_ptr<const void> threadsLife_;

@@ -35,7 +35,7 @@ HRESULT Install(bool install, front::RegisterFor whom) {
 
 // What early-bound clients know. With the library, since an object may be given out and asked for names
 // before any class is; again for a class, where there was no memory for it then.
-HRESULT MakeReady() {
+HRESULT MakeReady() noexcept {
     return com::Guarded(nullptr, [] {
         com::ReserveMemberNumbers(front::MemberNames());
         com::AnswerAlsoAs(front::PublicInterfaces());

@@ -16,16 +16,21 @@ bool HasCom() {
 
 }  // namespace
 
-InstalledClasses::InstalledClasses()
-    : begun_(!HasCom() &&
-             SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {
+InstalledClasses::InstalledClasses() {
+    BeginHere();
     automation::ClassRegistry::Process().LookFurtherIn(
         [](std::string_view progId) { return CreateForeign(progId); });
 }
 
 InstalledClasses::~InstalledClasses() {
     automation::ClassRegistry::Process().LookFurtherIn(nullptr);
-    if (begun_) CoUninitialize();
+    if (begun_ && thread_ == GetCurrentThreadId()) CoUninitialize();
+}
+
+void InstalledClasses::BeginHere() {
+    begun_ =
+        !HasCom() && SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE));
+    thread_ = GetCurrentThreadId();
 }
 
 bool InstalledClasses::Has(std::string_view progId) {

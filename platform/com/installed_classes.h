@@ -17,11 +17,16 @@ class InstalledClasses {
     InstalledClasses& operator=(const InstalledClasses&) = delete;
     ~InstalledClasses();
 
+    // The same for another thread, when the one before has ended.
+    void BeginHere();
+
     // Whether the system knows the class; it may fail to start all the same.
     static bool Has(std::string_view progId);
 
   private:
-    [[maybe_unused]] bool begun_ = false;  // by Windows alone
+    // By Windows alone.
+    [[maybe_unused]] bool begun_ = false;
+    [[maybe_unused]] unsigned long thread_ = 0;
 };
 
 }  // namespace vicenter::com

@@ -7,6 +7,8 @@ namespace vicenter::com {
 InstalledClasses::InstalledClasses() = default;
 InstalledClasses::~InstalledClasses() = default;
 
+void InstalledClasses::BeginHere() {}
+
 bool InstalledClasses::Has(std::string_view /*progId*/) {
     return false;
 }

@@ -118,6 +118,28 @@ TEST_F(ComServer, StaysLoadedWhileAnEnumeratorOrATypeIsHeld) {
     EXPECT_EQ(CanUnload(), S_OK);
 }
 
+// Neither made nor given back anywhere else.
+TEST_F(ComServer, AThreadThatHasEndedLeavesTheLibraryToTheNext) {
+    const auto use = [](HRESULT& made, const CLSID& id) {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        com::ComPointer<IDispatch> object;
+        made = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.ReceiveAny());
+        object = {};
+        CoUninitialize();
+    };
+    CLSID id{};
+    ASSERT_EQ(CLSIDFromProgID(L"VelaVICenter.StringBuilder", &id), S_OK);
+    for (int i = 0; i < 3; ++i) {
+        HRESULT made = E_FAIL;
+        std::thread([&] { use(made, id); }).join();
+        EXPECT_EQ(made, S_OK) << i;
+    }
+    EXPECT_EQ(CanUnload(), S_OK);
+    const ObjectRef builder = com::CreateForeign("VelaVICenter.StringBuilder");
+    builder->Call("Append", {"甲"});
+    EXPECT_EQ(builder->Get(""), Variant("甲"));
+}
+
 // COM asks again and again whether the library may go.
 TEST_F(ComServer, WhatAHostHasRegisteredStandsUntilItIsTakenBack) {
     const auto host = [] { return com::CreateForeign("VelaVICenter.Host"); };

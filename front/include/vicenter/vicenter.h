@@ -5,9 +5,9 @@
  * components as classes made of C functions, and the component then finds them by their ProgIDs.
  *
  * Threads: the first call binds the interface to its thread, the host's user-interface thread, until
- * vic_shutdown(). A call from any other thread does nothing but fail with VIC_ERROR_WRONG_THREAD. The
- * functions that tell about an error and the versions may be called from every thread, and so may
- * vic_cancel().
+ * vic_shutdown() or that thread's end, behind which the next one that calls takes its place. A call from any
+ * other thread does nothing but fail with VIC_ERROR_WRONG_THREAD. The functions that tell about an error and
+ * the versions may be called from every thread, and so may vic_cancel().
  *
  * Results: every function of type vic_status answers 0, or the number of a run-time error whose particulars
  * vic_error_...() then tell.
@@ -130,8 +130,9 @@ struct vic_variant {
 
 VIC_API const char* vic_version(void);
 VIC_API vic_int32 vic_abi_version(void);
-/* Closes the windows, forgets the host's classes and frees the thread. Fails with 5, and the rest is not
- * done, while a call is under way or when a window stays open. Handles still held must not be used. */
+/* Closes the windows, gives the host's classes and components back, which may call the library meanwhile, and
+ * frees the thread. Fails with 5, and the rest is not done, while a call or another shutdown is under way or
+ * when a window stays open. Handles still held must not be used. */
 VIC_API vic_status vic_shutdown(void);
 
 /* Ends the statements that run, as if they had failed: the call that waits for them answers
