@@ -19,7 +19,7 @@
 
 #include "vicenter/vicenter.h"
 
-enum { SECONDS_TO_END = 20, CALLED_WHEN_GONE = 3 };
+enum { SECONDS_TO_END = 60, CALLED_WHEN_GONE = 3 };
 
 static int failures = 0;
 static int gone = 0;

@@ -146,6 +146,29 @@ TEST_F(FrontWindows, RunReturnsWhenNoWindowIsOpen) {
     EXPECT_EQ(vic_run(), 0);
 }
 
+// Its rights are held as long as the window is: they are given back while the windows are closed.
+TEST_F(FrontWindows, AShutdownWithinTheClosingOfTheWindowsIsRefused) {
+    static std::vector<vic_status> answers;
+    vic_class rights{};
+    rights.size = sizeof rights;
+    rights.type_name = "SecurityInfo";
+    rights.create = [](void*, void**) -> vic_status { return 0; };
+    rights.invoke = [](void*, vic_kind, const char*, vic_variant*, size_t,
+                       vic_variant* result) -> vic_status {
+        result->type = VIC_BOOLEAN;
+        result->value.boolean = -1;
+        return 0;
+    };
+    rights.release = [](void*) { answers.push_back(vic_shutdown()); };
+    ASSERT_EQ(vic_register_class("VelaEBSBase.SecurityInfo", &rights), 0);
+    ASSERT_EQ(Show(), 0);
+    EXPECT_TRUE(answers.empty());
+    ASSERT_EQ(vic_shutdown(), 0) << vic_error_description();
+    EXPECT_EQ(answers, std::vector<vic_status>{VIC_ERROR_INVALID_ARGUMENT});
+    AnswerMessages();
+    EXPECT_EQ(OpenWindows(), 0U);
+}
+
 TEST_F(FrontWindows, ShutdownClosesTheWindows) {
     ASSERT_EQ(Show(), 0);
     ASSERT_EQ(Show(), 0);

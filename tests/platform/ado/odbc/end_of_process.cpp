@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr unsigned kSecondsToEnd = 20;
+constexpr unsigned kSecondsToEnd = 60;
 
 int Run() {
     vicenter::ado_test::ServedBooks books;

@@ -319,7 +319,7 @@ TEST_F(LatinTest, WithoutAnAnswerToItsQuestionsABatchIsNotSentAndTheyAreAskedAga
         {"the page, cut", [] { return std::make_shared<DropAtPacket>(2); }},
     };
     for (const auto& [what, make] : kinds) {
-        const auto connection = books_.Open("Connect Timeout=1;Pooling=no");
+        const auto connection = books_.Open("Connect Timeout=3;Pooling=no");
         books_.Server().ForgetBatches();
         books_.Server().Behave(make());
         std::string said;
