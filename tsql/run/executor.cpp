@@ -165,6 +165,11 @@ void Executor::RunBatch(std::string_view batch) {
         if (run.program->items.empty() ||
             run.program->items.front().statement->kind != StatementKind::kCreateProcedure)
             CheckVariables();
+        try {
+            CheckNames(*run.program, run.program->statements);
+        } catch (const SqlError& error) {
+            throw FailureOfText(error, frame);
+        }
         if (!chosen) {
             RunItems(*run.program);
         } else if (*chosen != nullptr) {

@@ -95,6 +95,7 @@ class Executor {
                 try {
                     DeclareAll(declarations);
                     CheckVariables();
+                    if (!callee.isSystem) CheckNames(*callee.program, declarations);
                 } catch (const SqlError& error) {
                     throw FailureOfText(error, callee);
                 }
@@ -106,6 +107,13 @@ class Executor {
             return false;
         }
     }
+    // name_check.cpp: names in a text before it runs
+    void CheckNames(Program& program, const std::vector<StatementPtr>& statements);
+    static bool IsPlain(const Statement& statement);
+    bool CheckNamesIn(const std::vector<StatementPtr>& statements);
+    bool CheckNamesOf(const Statement& statement);
+    template <class Work>
+    void CheckNamesBy(const Statement& statement, const Work& work);
     Abort FailureOfText(const SqlError& error, const Frame& callee);
     void EndCall(const Abort& abort);
     void LeaveFrame(Frame& frame);

@@ -1,0 +1,131 @@
+// Before anything of a text runs, its statements are translated: one that names a column or a function that
+// there is not keeps all of the text from running, as on the server. What names a table that there is not is
+// looked at when it is its turn; and what stands behind a definition, since that may be what it needs.
+
+#include <algorithm>
+
+#include "tsql/base/error_table.h"
+#include "tsql/run/executor.h"
+
+namespace vicenter::tsql::engine {
+
+namespace {
+
+// Errors of names, and of columns that stand where they may not.
+bool IsOfNames(std::int32_t number) {
+    constexpr std::int32_t kNumbers[] = {107, 144, 147,  157,  164,  174,  189, 195,
+                                         207, 209, 4104, 8120, 8121, 8124, 8127};
+    return std::find(std::begin(kNumbers), std::end(kNumbers), number) != std::end(kNumbers);
+}
+
+}  // namespace
+
+void Executor::CheckNames(Program& program, const std::vector<StatementPtr>& statements) {
+    if (program.namesCheckedAt == catalog_.Generation()) return;
+    // A statement by itself tells its errors when it runs.
+    const bool isAlone = statements.size() == 1 && frame_->caller == nullptr && IsPlain(*statements.front());
+    if (!isAlone) CheckNamesIn(statements);
+    program.namesCheckedAt = catalog_.Generation();
+}
+
+bool Executor::IsPlain(const Statement& statement) {
+    switch (statement.kind) {
+        case StatementKind::kIf:
+        case StatementKind::kWhile:
+        case StatementKind::kBlock:
+        case StatementKind::kTryCatch:
+            return false;
+        default:
+            return true;
+    }
+}
+
+// False when what follows may rest on what has been found.
+bool Executor::CheckNamesIn(const std::vector<StatementPtr>& statements) {
+    return std::ranges::all_of(statements,
+                               [this](const StatementPtr& statement) { return CheckNamesOf(*statement); });
+}
+
+template <class Work>
+void Executor::CheckNamesBy(const Statement& statement, const Work& work) {
+    try {
+        Translated(work);
+    } catch (SqlError& error) {
+        unbound_ = false;
+        if (!IsOfNames(error.Number())) return;
+        // The first place of all is no place.
+        if (error.Details().line <= 1 && error.Details().column <= 1)
+            error.SetLine(static_cast<std::int32_t>(statement.position.line));
+        throw;
+    }
+}
+
+bool Executor::CheckNamesOf(const Statement& statement) {
+    const auto check = [&](const auto& work) { CheckNamesBy(statement, work); };
+    const auto condition = [&](const Expr& one) {
+        check([&](Translator& translator) { return translator.Condition(one); });
+    };
+    switch (statement.kind) {
+        case StatementKind::kSelect: {
+            const Query& query = *As<SelectStatement>(statement).query;
+            const SelectBody* select = query.Select();
+            if (select != nullptr && !select->into.IsEmpty()) return false;
+            check([&](Translator& translator) { return translator.Select(query); });
+            return true;
+        }
+        case StatementKind::kInsert: {
+            const auto& insert = As<InsertStatement>(statement);
+            if (insert.source == InsertSource::kExecute) return false;
+            check([&](Translator& translator) { return translator.Insert(insert); });
+            return true;
+        }
+        case StatementKind::kUpdate:
+            check([&](Translator& translator) { return translator.Update(As<UpdateStatement>(statement)); });
+            return true;
+        case StatementKind::kDelete:
+            check([&](Translator& translator) { return translator.Delete(As<DeleteStatement>(statement)); });
+            return true;
+        case StatementKind::kSetVariable:
+            check([&](Translator& translator) {
+                return translator.Expression(*As<SetVariableStatement>(statement).value);
+            });
+            return true;
+        case StatementKind::kBlock:
+            return CheckNamesIn(As<BlockStatement>(statement).statements);
+        case StatementKind::kIf: {
+            const auto& branch = As<IfStatement>(statement);
+            condition(*branch.condition);
+            const bool goesOn = CheckNamesOf(*branch.then);
+            return goesOn && (!branch.otherwise || CheckNamesOf(*branch.otherwise));
+        }
+        case StatementKind::kWhile:
+            condition(*As<WhileStatement>(statement).condition);
+            return CheckNamesOf(*As<WhileStatement>(statement).body);
+        case StatementKind::kTryCatch:
+            return CheckNamesIn(As<TryCatchStatement>(statement).tried) &&
+                   CheckNamesIn(As<TryCatchStatement>(statement).caught);
+        case StatementKind::kMerge:
+        case StatementKind::kDeclare:
+        case StatementKind::kNoOperation:
+        case StatementKind::kSetCursor:
+        case StatementKind::kDeclareCursor:
+        case StatementKind::kOpenCursor:
+        case StatementKind::kFetch:
+        case StatementKind::kCloseCursor:
+        case StatementKind::kDeallocate:
+        case StatementKind::kBreak:
+        case StatementKind::kContinue:
+        case StatementKind::kReturn:
+        case StatementKind::kPrint:
+        case StatementKind::kRaiserror:
+        case StatementKind::kThrow:
+        case StatementKind::kTransaction:
+        case StatementKind::kTruncate:
+        case StatementKind::kWaitFor:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace vicenter::tsql::engine
