@@ -3,6 +3,7 @@
 #   vicenter_library(NAME SOURCES ... LINKS ...)   a static library, warnings as errors
 #   vicenter_program(NAME SOURCES ... LINKS ...)   an executable
 #   vicenter_gtest(NAME SOURCES ... LINKS ...)     a GoogleTest program, each test known to CTest
+#   vicenter_window_plugins(NAME)                  what a static Qt loads while running, linked in instead
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -74,11 +75,13 @@ set(VICENTER_TEST_DRIVE "")
 if(WIN32 AND CMAKE_CROSSCOMPILING)
   set(VICENTER_TEST_DRIVE "Z:")
 endif()
-# The tests' place and language. Windows knows time zones by their distance alone, and looks for libraries on a path.
+# The tests' place and language. Windows knows time zones by their distance alone, and looks for libraries on a path;
+# windows that are drawn into memory there take their fonts from a folder, which is the building machine's.
 set(VICENTER_TEST_ENVIRONMENT "TZ=Asia/Shanghai;LC_ALL=C.UTF-8;QT_QPA_PLATFORM=offscreen")
 if(WIN32)
-  set(VICENTER_TEST_ENVIRONMENT
-    "TZ=CST-8;QT_QPA_PLATFORM=offscreen;WINEPATH=${VICENTER_TEST_DRIVE}${CMAKE_BINARY_DIR}/front")
+  set(VICENTER_TEST_ENVIRONMENT "TZ=CST-8;QT_QPA_PLATFORM=offscreen"
+    "QT_QPA_FONTDIR=${VICENTER_TEST_DRIVE}/usr/share/fonts/opentype/noto"
+    "WINEPATH=${VICENTER_TEST_DRIVE}${CMAKE_BINARY_DIR}/front")
 endif()
 
 function(vicenter_library name)
@@ -110,4 +113,14 @@ function(vicenter_gtest name)
   # One line per test program: a process per test would cost more than the tests themselves.
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${VICENTER_TEST_ENVIRONMENT}")
+endfunction()
+
+# The system's windows, those that are drawn into memory, and paper; pictures in other formats than PNG are nowhere.
+function(vicenter_window_plugins name)
+  if(NOT WIN32)
+    return()
+  endif()
+  qt_import_plugins(${name}
+    INCLUDE_BY_TYPE platforms Qt6::QWindowsIntegrationPlugin Qt6::QOffscreenIntegrationPlugin
+    EXCLUDE_BY_TYPE imageformats generic)
 endfunction()

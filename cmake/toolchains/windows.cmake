@@ -1,19 +1,25 @@
 # Programs for Windows by Debian's mingw-w64 with POSIX threads; windows-x64.cmake and windows-x86.cmake set the
 # machine. The libraries come from the folder that VICENTER_WINDOWS_LIBRARIES names (cmake/windows/libraries.sh
-# builds them).
+# builds them), Qt from that of VICENTER_WINDOWS_QT (cmake/windows/qt.sh), its tools from the building machine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_C_COMPILER "${VICENTER_WINDOWS_MACHINE}-w64-mingw32-gcc-posix")
 set(CMAKE_CXX_COMPILER "${VICENTER_WINDOWS_MACHINE}-w64-mingw32-g++-posix")
 set(CMAKE_RC_COMPILER "${VICENTER_WINDOWS_MACHINE}-w64-mingw32-windres")
 
 # Checks of the compiler configure a project of their own, which knows none of our variables.
-list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VICENTER_WINDOWS_LIBRARIES)
-if(NOT VICENTER_WINDOWS_LIBRARIES)
-  set(VICENTER_WINDOWS_LIBRARIES "$ENV{VICENTER_WINDOWS_LIBRARIES}")
-endif()
-set(VICENTER_WINDOWS_LIBRARIES "${VICENTER_WINDOWS_LIBRARIES}" CACHE PATH "Static libraries for Windows")
+foreach(folder VICENTER_WINDOWS_LIBRARIES VICENTER_WINDOWS_QT)
+  list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ${folder})
+  if(NOT ${folder})
+    set(${folder} "$ENV{${folder}}")
+  endif()
+  set(${folder} "${${folder}}" CACHE PATH "Static libraries for Windows")
+endforeach()
 
 set(CMAKE_FIND_ROOT_PATH "${VICENTER_WINDOWS_LIBRARIES}" "/usr/${VICENTER_WINDOWS_MACHINE}-w64-mingw32")
+if(VICENTER_WINDOWS_QT)
+  list(APPEND CMAKE_FIND_ROOT_PATH "${VICENTER_WINDOWS_QT}")
+  set(QT_HOST_PATH /usr CACHE PATH "Where Qt's tools are")
+endif()
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

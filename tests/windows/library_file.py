@@ -14,8 +14,10 @@ import xml.etree.ElementTree
 LIBRARY, WIDTH, SOURCE = sys.argv[1:4]
 COM = ["DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer", "DllUnregisterServer"]
 # The system's own, on every Windows.
-SYSTEM = {"advapi32", "bcrypt", "kernel32", "msvcrt", "odbc32", "ole32", "oleaut32", "shell32", "shlwapi", "user32",
-          "version", "ws2_32"}
+SYSTEM = {"advapi32", "api-ms-win-core-synch-l1-2-0", "api-ms-win-core-winrt-l1-1-0", "api-ms-win-core-winrt-string-l1-1-0",
+          "authz", "bcrypt", "comdlg32", "d3d11", "d3d9", "dwmapi", "dxgi", "gdi32", "imm32", "kernel32", "msvcrt",
+          "netapi32", "odbc32", "ole32", "oleaut32", "shcore", "shell32", "shlwapi", "user32", "userenv", "uxtheme",
+          "version", "winmm", "winspool.drv", "ws2_32", "wtsapi32"}
 failures = []
 
 

@@ -33,6 +33,12 @@ Class ShareProps
     End Function
 End Class
 
+Class SecurityInfo
+    Public Function AccessCheck(properties, first, second, rights)
+        AccessCheck = True
+    End Function
+End Class
+
 Class OperationLog
     Public Lines
     Public Last
@@ -235,7 +241,7 @@ Sub CreateAndRelease()
     Check "1,000 of each class", True
 End Sub
 
-Dim host, properties, journal
+Dim host, properties, journal, security
 Set host = CreateObject("VelaVICenter.Host")
 Set properties = New ShareProps
 properties.ConnectString = WScript.Arguments(0)
@@ -244,6 +250,8 @@ Set journal = New OperationLog
 journal.Lines = 0
 host.Register "VelaPropsMgr.ShareProps", properties
 host.Register "VelaEBCGLView.GLData", journal
+Set security = New SecurityInfo
+host.Register "VelaEBSBase.SecurityInfo", security
 
 UseTheSupportClasses
 MakeSaveAndDelete
@@ -251,9 +259,19 @@ Check "the component asked its host", properties.Asked > 0
 RunOnConnectionsOfTheScript host
 CreateAndRelease
 
+' The window, where the library has been built with windows.
+Dim shown
 On Error Resume Next
 CreateObject("VelaVICenter.aplication").ShowVICenter
-WScript.Echo "window: " & CStr(Err.Number)
+shown = Err.Number
 On Error GoTo 0
+If shown = 0 Then
+    Same "windows open", host.OpenWindows, 1
+    host.ProcessEvents 10
+    host.CloseWindows
+    Same "windows left", host.OpenWindows, 0
+Else
+    Same "no windows", shown, 429
+End If
 
 WScript.Echo "verdict: " & CStr(checks) & " checks, " & CStr(failures) & " failures"
