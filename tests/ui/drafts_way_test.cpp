@@ -2,6 +2,7 @@
 // window's frame was closed, and what a save could not store is one key away.
 
 #include <QLabel>
+#include <QPushButton>
 #include <QTimer>
 #include <filesystem>
 
@@ -137,6 +138,38 @@ TEST_F(DraftsWay, ASaveThatIsRefusedIsTakenBackByOneKey) {
     EXPECT_EQ(Text(1, column::kExplanation), "mine");
     EXPECT_EQ(Hint(), QString());
     EXPECT_TRUE(window->Presenter().IsDirty());
+}
+
+// The grid shows what is stored then; what goes under the other name is what was typed.
+TEST_F(DraftsWay, SavingUnderAnotherNameAfterARefusalTakesWhatWasTyped) {
+    OpenAndTell();
+    ClickNode("detail-1");
+    TypeRemark("mine");
+    window->Presenter().Grid().SetText(2, column::kExplanation, std::string(256, 'x'));
+    ClickTool("mnuSave");
+    ASSERT_EQ(Text(1, column::kExplanation), "报销办公费");
+    const auto saveAs = [this] {
+        TakeMessages();
+        QTimer::singleShot(0, window, [] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            ASSERT_NE(dialog, nullptr);
+            auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("name"));
+            name->selectAll();
+            QTest::keyClicks(name, QStringLiteral("typed"));
+            QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+        });
+        window->Grid().setFocus();
+        QTest::keyClick(&window->Grid(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    };
+    saveAs();
+    EXPECT_EQ(TakeMessages().back(), "模板 typed 保存失败！");
+    EXPECT_EQ(Number("select count(*) as n from t_VchTemplate where FName = 'typed'"), 0);
+    EXPECT_EQ(Text(1, column::kExplanation), "mine");
+    window->Presenter().Grid().SetText(2, column::kExplanation, "short");
+    saveAs();
+    EXPECT_THAT(TakeMessages().back(), HasSubstr("模板 typed 保存成功"));
+    EXPECT_EQ(Number("select count(*) as n from t_VchTemplateEntry where FExp = 'mine' and FID > 1"), 1);
+    EXPECT_EQ(Number("select count(*) as n from t_VchTemplateEntry where FExp = 'mine' and FID = 1"), 0);
 }
 
 TEST_F(DraftsWay, ATemplateDeletedBesideAnOpenWindowIsToldAndLeavesTheTree) {

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
 
 #include "platform/ado/account_set/account_set_copies.h"
 #include "platform/system/files.h"
@@ -249,6 +250,34 @@ class Impatient : public QObject {
   private:
     QElapsedTimer waiting_;
 };
+
+TEST_F(WhileItAsks, WhatCannotBeReadLeavesTreeAndLinesAsTheyAre) {
+    system::Surroundings::Current().longWork = std::make_shared<QtLongWork>();
+    SaveTemplate();
+    ClickCell(1, column::kExplanation);
+    Type("other");
+    Key(Qt::Key_Return);
+    session->Execute("update t_VchTemplateEntry set FExp = 'theirs' where FExp = 'mine'");
+    const std::size_t nodes = window->Presenter().Nodes().size();
+    std::optional<fakes::HeldLog> held;
+    std::optional<Impatient> user;
+    surroundings.messageBoxes->meanwhile = {{}, [&] {
+                                                held.emplace(file);
+                                                user.emplace();
+                                            }};
+    surroundings.messageBoxes->answers = {system::MessageResult::No, system::MessageResult::No};
+    ClickTool("mnuSave");
+    EXPECT_EQ(TakeMessages().back(), "模板 自定义模板(1) 无法读取，窗口中的分录保持不变，请稍后再试！");
+    user.reset();
+    held.reset();
+    EXPECT_EQ(window->Presenter().Nodes().size(), nodes);
+    EXPECT_EQ(Text(1, column::kExplanation), "other");
+    EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("凭证模板 * - ")));
+    surroundings.messageBoxes->answers = {system::MessageResult::No, system::MessageResult::Yes};
+    ClickTool("mnuSave");
+    EXPECT_EQ(TakeMessages().back(), "模板 自定义模板(1) 保存成功！");
+    EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FExp = 'other'"), 1);
+}
 
 TEST_F(SecondProcessTest, ALogThatIsLockedForGoodShowsThePanelAndTheSaveCanBeStopped) {
     system::Surroundings::Current().longWork = std::make_shared<QtLongWork>();
