@@ -374,8 +374,10 @@ bool TemplateTree::CreateTemplate() {
 std::optional<SeenTemplate> TemplateTree::SeenForDeletion(const std::string& text) {
     const std::string id = IdOf(selected_);
     const bool open = state_.open.Id() == id && state_.open.LinesKnown();
+    const SeenTemplate shown =
+        open ? SeenOpen(state_.open, state_.userId) : store::SeenAs(id, state_.userId, text);
     const FoundTemplate found =
-        open ? store::LookAgain(SeenOpen(state_.open, state_.userId)) : FateOfNode(id, text, state_.userId);
+        open ? store::LookAgain(shown) : store::Compare(shown, store::AskTemplate(id));
     switch (found.fate) {
         case TemplateFate::AsSeen:
             return found.now;
@@ -386,8 +388,12 @@ std::optional<SeenTemplate> TemplateTree::SeenForDeletion(const std::string& tex
             TellGone(text);
             break;
         case TemplateFate::Changed:
+            // An id is given again: what stands there now may be another template of the user's.
             if (Ask("模板 " + text +
-                        " 打开之后已在别处被修改，是否仍要删除？\r\n\r\n选择“否”将显示修改后的模板。",
+                        (found.HasOtherName(shown)
+                             ? " 已在别处被删除或改名，原处现在是模板 " + found.now.name + "，是否删除它？"
+                             : " 打开之后已在别处被修改，是否仍要删除？") +
+                        "\r\n\r\n选择“否”将显示修改后的模板。",
                     system::MessageButtons::YesNo) == system::MessageResult::Yes) {
                 return found.now;
             }

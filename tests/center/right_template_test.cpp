@@ -292,6 +292,17 @@ TEST_F(RightDelete, WhatWasSavedElsewhereIsAskedAboutOnceMore) {
     EXPECT_EQ(Sent(" delete t_VchTemplate where FID = 5").size(), 1U);
 }
 
+TEST_F(RightDelete, AnotherTemplateUnderThatIdIsNamed) {
+    names_["5"] = "月末结转";
+    Answer(MessageResult::Yes);
+    Window().ToolClick("mnuDel");
+    EXPECT_THAT(Messages(),
+                ElementsAre(kQuestion,
+                            "模板 自定义模板(1) 已在别处被删除或改名，原处现在是模板 月末结转，是否删除它？"
+                            "\r\n\r\n选择“否”将显示修改后的模板。"));
+    ExpectNothingWritten();
+}
+
 TEST_F(RightDelete, AnotherUsersTemplateUnderThatIdStays) {
     owners_["5"] = 8;
     templates_ = {{0, "标准模板"}, {8, "自定义模板(2)"}};
