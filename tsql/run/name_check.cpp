@@ -23,7 +23,7 @@ bool IsOfNames(std::int32_t number) {
 void Executor::CheckNames(Program& program, const std::vector<StatementPtr>& statements) {
     if (program.namesCheckedAt == catalog_.Generation()) return;
     // A statement by itself tells its errors when it runs.
-    const bool isAlone = statements.size() == 1 && frame_->caller == nullptr && IsPlain(*statements.front());
+    const bool isAlone = statements.size() == 1 && IsPlain(*statements.front());
     if (!isAlone) CheckNamesIn(statements);
     program.namesCheckedAt = catalog_.Generation();
 }
@@ -105,10 +105,17 @@ bool Executor::CheckNamesOf(const Statement& statement) {
             return CheckNamesIn(As<TryCatchStatement>(statement).tried) &&
                    CheckNamesIn(As<TryCatchStatement>(statement).caught);
         case StatementKind::kMerge:
+            check(
+                [&](Translator& translator) { return translator.MergeRows(As<MergeStatement>(statement)); });
+            return true;
+        case StatementKind::kDeclareCursor:
+            check([&](Translator& translator) {
+                return translator.Select(*As<DeclareCursorStatement>(statement).cursor.query);
+            });
+            return true;
         case StatementKind::kDeclare:
         case StatementKind::kNoOperation:
         case StatementKind::kSetCursor:
-        case StatementKind::kDeclareCursor:
         case StatementKind::kOpenCursor:
         case StatementKind::kFetch:
         case StatementKind::kCloseCursor:
