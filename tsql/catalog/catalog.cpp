@@ -93,10 +93,7 @@ const KeyInfo* TableInfo::PrimaryKey() const {
 
 bool TableInfo::IsRowNumber(std::string_view columnName) const {
     const KeyInfo* key = PrimaryKey();
-    if (key == nullptr || key->columns.size() != 1 || !SameName(key->columns.front(), columnName))
-        return false;
-    const ColumnInfo* column = FindColumn(columnName);
-    return column != nullptr && column->type.IsInteger() && column->computedText.empty();
+    return key != nullptr && key->isRowNumber && SameName(key->columns.front(), columnName);
 }
 
 bool TableInfo::IsInUniqueKey(std::string_view columnName) const {
@@ -325,7 +322,10 @@ void Catalog::Load() {
             table.foreignKeys.push_back({name, SplitNames(keys.Text(3)), keys.Text(4),
                                          SplitNames(keys.Text(5)), keys.Text(6), keys.Text(7)});
         } else {
-            table.keys.push_back(KeyFromColumns(name, kind, SplitNames(keys.Text(3))));
+            KeyInfo key = KeyFromColumns(name, kind, SplitNames(keys.Text(3)));
+            key.isRowNumber = key.kind == KeyKind::kPrimary && key.columns.size() == 1 &&
+                              database_.IsRowNumber(table.physical, key.columns.front());
+            table.keys.push_back(std::move(key));
         }
     }
 }

@@ -42,6 +42,9 @@ struct KeyInfo {
     KeyKind kind = KeyKind::kIndex;
     std::vector<std::string> columns;
     std::vector<bool> descending;
+    // Its one integer column is SQLite's own number of the row; only a key that its table was made with can
+    // be that. What the file says holds: a key that came later is an index.
+    bool isRowNumber = false;
 
     bool IsUnique() const { return kind != KeyKind::kIndex; }
     bool IsConstraint() const { return kind == KeyKind::kPrimary || kind == KeyKind::kUnique; }
@@ -76,7 +79,7 @@ struct TableInfo {
     const ColumnInfo* FindColumn(std::string_view columnName) const;
     const ColumnInfo* IdentityColumn() const;
     const KeyInfo* PrimaryKey() const;
-    // The one integer column of the primary key, which SQLite then keeps as the row's own number.
+    // The column of a primary key that is the row's own number.
     bool IsRowNumber(std::string_view columnName) const;
     bool IsInUniqueKey(std::string_view columnName) const;
     // main."t_Account"

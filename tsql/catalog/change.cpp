@@ -169,6 +169,11 @@ std::int64_t Catalog::WriteTable(const TableInfo& table) {
 }
 
 void Catalog::CreateTable(TableInfo table) {
+    for (KeyInfo& key : table.keys) {
+        if (key.kind != KeyKind::kPrimary || key.columns.size() != 1) continue;
+        const ColumnInfo* column = table.FindColumn(key.columns.front());
+        key.isRowNumber = column->type.IsInteger() && column->computedText.empty();
+    }
     if (table.temporary) {
         database_.Run("CREATE TEMP TABLE" + PhysicalTable(table).substr(std::string("CREATE TABLE").size()));
     } else {
@@ -176,7 +181,7 @@ void Catalog::CreateTable(TableInfo table) {
         WriteTable(table);
     }
     for (const KeyInfo& key : table.keys) {
-        if (key.kind == KeyKind::kPrimary && table.IsRowNumber(key.columns.front())) continue;
+        if (key.isRowNumber) continue;
         MakeIndex(table, key);
     }
     if (table.temporary) {

@@ -29,7 +29,7 @@ void Catalog::DropPhysicalIndexes(const TableInfo& table) {
 
 void Catalog::MakePhysicalIndexes(const TableInfo& table) {
     for (const KeyInfo& key : table.keys) {
-        if (key.kind == KeyKind::kPrimary && table.IsRowNumber(key.columns.front())) continue;
+        if (key.isRowNumber) continue;
         MakeIndex(table, key);
     }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 #include "tsql/catalog/catalog.h"
 #include "tsql/functions/functions.h"
@@ -113,9 +114,36 @@ void CheckStructure(Database& database, std::vector<std::string>& findings) {
                            " 中不存在的行");
 }
 
+std::vector<std::string> NamesOf(Database& database, const std::string& type) {
+    std::vector<std::string> names;
+    PreparedStatement found =
+        database.Prepare("SELECT name FROM sqlite_schema WHERE type = " + QuotedText(type) +
+                         " AND sql IS NOT NULL ORDER BY name");
+    while (database.Step(found))
+        names.push_back(found.Text(0));
+    return names;
+}
+
+// The file's indexes against the catalog's keys, both ways: a key without its index is not kept, and an index
+// that nobody knows of may refuse rows.
+void CheckIndexes(Opened& set, std::vector<std::string>& findings) {
+    const std::vector<std::string> found = NamesOf(set.Data(), "index");
+    std::set<std::string> unknown(found.begin(), found.end());
+    for (const TableInfo* table : set.Definitions().Tables()) {
+        for (const KeyInfo& key : table->keys) {
+            unknown.erase(PhysicalNullIndexName(*table, key));
+            if (unknown.erase(PhysicalIndexName(*table, key)) == 0 && !key.isRowNumber)
+                findings.push_back("目录：表 " + table->name + " 缺少索引 " + key.name);
+        }
+    }
+    for (const std::string& name : unknown)
+        findings.push_back("目录：没有登记索引 " + name);
+}
+
 // The file's tables against the catalog's, both ways.
 void CheckCatalog(Opened& set, std::vector<std::string>& findings) {
     set.Definitions().Refresh();
+    CheckIndexes(set, findings);
     std::map<std::string, bool> known;
     for (const TableInfo* table : set.Definitions().Tables()) {
         if (table->temporary) continue;

@@ -283,6 +283,17 @@ std::int64_t Database::Changes() const {
     return sqlite3_changes64(handle_);
 }
 
+bool Database::IsRowNumber(const std::string& table, const std::string& column) const {
+    const char* type = nullptr;
+    int isKey = 0;
+    const int code = sqlite3_table_column_metadata(handle_, "main", table.c_str(), column.c_str(), &type,
+                                                   nullptr, nullptr, &isKey, nullptr);
+    // That there is no such table or column, others find.
+    if (code == SQLITE_ERROR) return false;
+    if (code != SQLITE_OK) throw Failure(code);
+    return isKey != 0 && type != nullptr && std::string_view(type) == "INTEGER";
+}
+
 FailureKind Database::LastFailureKind() const {
     const int code = sqlite3_extended_errcode(handle_);
     switch (code) {

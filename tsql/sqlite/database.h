@@ -109,6 +109,9 @@ class Database {
     bool Step(PreparedStatement& statement);
     bool InTransaction() const;
     std::int64_t Changes() const;
+    // The column is what the file numbers the rows of the table by (INTEGER PRIMARY KEY), as far as the
+    // statement that ran last has seen.
+    bool IsRowNumber(const std::string& table, const std::string& column) const;
     // The last failure of SQLite: what it was, what SQLite says, and the server's error for it. Which error a
     // broken constraint is, the caller knows.
     FailureKind LastFailureKind() const;

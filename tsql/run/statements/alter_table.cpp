@@ -258,8 +258,7 @@ void Executor::DropConstraintOf(const AlterTableStatement& statement, const Name
         throw MakeError(3728, name.position, {name.text});
     }
     for (const KeyInfo& key : now.keys) {
-        if (SameName(key.name, name.text) && now.IsRowNumber(key.columns.front()) &&
-            key.kind == KeyKind::kPrimary) {
+        if (SameName(key.name, name.text) && key.isRowNumber) {
             throw MakeError(40510, name.position, {"ALTER TABLE DROP CONSTRAINT " + name.text});
         }
     }
