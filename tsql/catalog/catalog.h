@@ -164,6 +164,15 @@ class Catalog {
 
     void AddTemporary(TableInfo table);
     void DropTemporary(const std::string& name);
+    // The temporary tables without the table variables, as the catalog knows them now; and as it knew them
+    // then, after what has become of them since was undone. Identity values are not handed out again.
+    struct KeptTable {
+        std::shared_ptr<TableInfo> table;
+        std::int64_t lastIdentity = 0;
+    };
+    using Temporaries = std::map<std::string, KeptTable, std::less<>>;
+    Temporaries KeepTemporaries() const;
+    void PutBack(const Temporaries& before);
     // Of all temporary tables and table variables, as the catalog knows them.
     std::vector<std::string> TemporaryNames() const;
     TableInfo* FindTemporary(std::string_view name);
@@ -189,7 +198,7 @@ class Catalog {
     std::int64_t version_ = -1;
     std::uint64_t generation_ = 1;
     std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> tables_;
-    std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> temporary_;
+    std::map<std::string, std::shared_ptr<TableInfo>, std::less<>> temporary_;
     std::map<std::string, ModuleInfo, std::less<>> views_;
     std::map<std::string, ModuleInfo, std::less<>> procedures_;
 };

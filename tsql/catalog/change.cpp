@@ -1,6 +1,7 @@
 // The definitions that change a catalog. Each runs in the session's transaction, so a failure leaves nothing
 // behind.
 
+#include <algorithm>
 #include <atomic>
 
 #include "automation/object.h"
@@ -317,11 +318,42 @@ void Catalog::AddTemporary(TableInfo table) {
     static std::atomic<std::int64_t> next = -1000000000;  // sessions run on threads of their own
     if (table.id == 0) table.id = next--;
     const std::string key = LowerAscii(table.name);
-    temporary_[key] = std::make_unique<TableInfo>(std::move(table));
+    temporary_[key] = std::make_shared<TableInfo>(std::move(table));
 }
 
 void Catalog::DropTemporary(const std::string& name) {
     temporary_.erase(LowerAscii(name));
+}
+
+Catalog::Temporaries Catalog::KeepTemporaries() const {
+    Temporaries kept;
+    for (const auto& [key, table] : temporary_) {
+        if (key.front() == '#') kept[key] = {table, table->lastIdentity};
+    }
+    return kept;
+}
+
+void Catalog::PutBack(const Temporaries& before) {
+    std::map<std::string, std::shared_ptr<TableInfo>, std::less<>> then;
+    for (const auto& [key, table] : temporary_) {
+        if (key.front() == '@') then[key] = table;
+    }
+    for (const auto& [key, kept] : before) {
+        then[key] = kept.table;
+        const ColumnInfo* identity = kept.table->IdentityColumn();
+        if (identity == nullptr) continue;
+        const auto handOut = [&](std::int64_t value) {
+            std::int64_t& last = kept.table->lastIdentity;
+            last = identity->increment < 0 ? std::min(last, value) : std::max(last, value);
+        };
+        handOut(kept.lastIdentity);
+        const auto now = temporary_.find(key);
+        if (now != temporary_.end() && now->second->physical == kept.table->physical)
+            handOut(now->second->lastIdentity);
+    }
+    if (then == temporary_) return;
+    temporary_.swap(then);
+    ++generation_;
 }
 
 }  // namespace vicenter::tsql::engine

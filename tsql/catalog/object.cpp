@@ -67,11 +67,14 @@ std::optional<Catalog::Object> Catalog::FindObject(std::int64_t id) const {
         }
         return std::nullopt;
     };
-    for (const auto* tables : {&tables_, &temporary_}) {
-        for (const auto& [key, table] : *tables) {
+    const auto found = [id](const auto& tables) -> std::optional<Object> {
+        for (const auto& [key, table] : tables) {
             if (table->id == id) return Object{table.get(), nullptr, "U", table->name, {}};
         }
-    }
+        return std::nullopt;
+    };
+    if (auto table = found(tables_)) return table;
+    if (auto table = found(temporary_)) return table;
     if (auto view = module(views_, "V")) return view;
     if (auto procedure = module(procedures_, "P")) return procedure;
     for (const auto& [key, table] : tables_) {

@@ -358,7 +358,7 @@ void Executor::LeaveFrame(Frame& frame) {
     if (now.lockTimeoutMilliseconds != frame.options.lockTimeoutMilliseconds)
         database_.SetLockTimeout(now.lockTimeoutMilliseconds);
     for (const std::string& name : frame.temporaries) {
-        if (const TableInfo* table = catalog_.FindTable(name)) catalog_.DropTable(*table);
+        if (const TableInfo* table = catalog_.FindTable(name)) transactions_.DropForGood(*table);
     }
     frame.temporaries.clear();
 }

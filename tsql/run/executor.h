@@ -180,6 +180,7 @@ class Executor {
     void Modify(const void* key, bool temporary, const Make& make, const OutputClause* output);
     void RunModification(Plan& plan, std::vector<std::vector<Value>>* output);
     void CountRows(std::int64_t count);
+    bool OutlivesFailure() const;
     void StartIdentity(const TableInfo& table);
     void HandIdentity(std::int64_t value);
     void KeepIdentity(const TableInfo& table);

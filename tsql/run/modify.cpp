@@ -1,5 +1,7 @@
 // What INSERT, UPDATE and DELETE share: the change itself, its atomicity, its counts and its identity values.
 
+#include <utility>
+
 #include "tsql/run/executor.h"
 #include "tsql/run/row_limit.h"
 #include "tsql/run/statement_guard.h"
@@ -31,14 +33,17 @@ void Executor::KeepIdentity(const TableInfo& table) {
     frame_->scopeIdentity = identity_;
 }
 
+// Where a failure ends the batch and undoes all of it, no statement needs undoing by itself.
+bool Executor::OutlivesFailure() const {
+    return tryDepth_ > 0 || !options_.batchTransactions || !transactions_.IsOpen();
+}
+
 void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* output) {
     const Translation& translation = plan.translation;
     const TableInfo* table = translation.table.empty() ? nullptr : catalog_.FindTable(translation.table);
     const bool identity = translation.FillsIdentity() && table != nullptr;
     if (identity) StartIdentity(*table);
-    // Where a failure ends the batch and undoes all of it, no statement needs undoing by itself.
-    const bool survivable = tryDepth_ > 0 || !options_.batchTransactions;
-    StatementGuard guard(database_, !translation.oneRow && survivable && database_.InTransaction());
+    StatementGuard guard(database_, !translation.oneRow && OutlivesFailure() && database_.InTransaction());
     std::int64_t changed = 0;
     {
         const ResetAtEnd reset(plan.statement);
@@ -59,18 +64,23 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
     CountRows(changed);
 }
 
-// The rows of OUTPUT are kept until the change has succeeded, since a failed statement gives no result.
+// The rows of OUTPUT are kept until the change has succeeded, since a failed statement gives no result. Those
+// that go into a table are part of the statement: all of it is done or nothing.
 void Executor::Modify(const void* key, bool temporary, const Make& make, const OutputClause* output) {
     std::vector<std::vector<Value>> rows;
     std::vector<ResultColumn> columns;
-    transactions_.Change(temporary, [&] {
+    const bool into = output != nullptr && !output->into.IsEmpty();
+    const TableInfo* target = into ? FindTable(output->into.Object()) : nullptr;
+    transactions_.Change(temporary && (target == nullptr || target->temporary), [&] {
+        StatementGuard guard(database_, into && OutlivesFailure());
+        const std::int64_t before = report_->rowsAffected;
         Plan& plan = PlanFor(key, make);
         RunModification(plan, output != nullptr ? &rows : nullptr);
         columns = plan.translation.columns;
-        if (output != nullptr && !output->into.IsEmpty()) {
+        if (into) {
             // The rows that go into the target of OUTPUT are not those of the statement.
             const std::int64_t changed = rowCount_;
-            const std::int64_t affected = report_->rowsAffected;
+            const std::int64_t affected = std::exchange(report_->rowsAffected, before);
             std::vector<SqlType> types;
             types.reserve(columns.size());
             for (const ResultColumn& column : columns)
@@ -79,8 +89,9 @@ void Executor::Modify(const void* key, bool temporary, const Make& make, const O
             rowCount_ = changed;
             report_->rowsAffected = affected;
         }
+        guard.Release();
     });
-    if (output == nullptr || !output->into.IsEmpty()) return;
+    if (output == nullptr || into) return;
     sink_->BeginResult(columns);
     for (std::vector<Value>& row : rows)
         sink_->AddRow(row);

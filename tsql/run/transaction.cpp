@@ -1,5 +1,6 @@
 #include "tsql/run/transaction.h"
 
+#include <utility>
 #include <vector>
 
 #include "automation/object.h"
@@ -14,13 +15,14 @@ void Transactions::Begin() {
     database_.CheckFile();
     database_.Run("BEGIN IMMEDIATE");
     open_ = true;
+    marks_ = {Now()};
     NoteBegin();
 }
 
 void Transactions::NoteBegin() {
     // Nobody else can change the catalog from here on.
     catalog_.Refresh();
-    generationAtBegin_ = catalog_.Generation();
+    marks_.front().generation = catalog_.Generation();
     // A backup that is worked on is no copy of anything any more.
     if (catalog_.MayBeSealed()) database_.Run("DELETE FROM main.\"ts$digest\"");
     broughtUp_ = catalog_.IsOfOlderForm();
@@ -31,7 +33,7 @@ void Transactions::BeginTemporary() {
     database_.Run("BEGIN");
     open_ = true;
     onlyTemporary_ = true;
-    generationAtBegin_ = catalog_.Generation();
+    marks_ = {Now()};
 }
 
 void Transactions::TakeLock() {
@@ -80,6 +82,8 @@ void Transactions::Commit() {
     open_ = false;
     onlyTemporary_ = false;
     broughtUp_ = false;
+    marks_.clear();
+    begin_ = 0;
 }
 
 void Transactions::Rollback() {
@@ -88,15 +92,77 @@ void Transactions::Rollback() {
     onlyTemporary_ = false;
     doomed_ = false;
     count_ = 0;
-    if (catalog_.Generation() != generationAtBegin_ || broughtUp_) {
-        broughtUp_ = false;
-        catalog_.Forget();
-        catalog_.Refresh();
-    }
-    ForgetTemporaries();
+    begin_ = 0;
+    if (marks_.empty()) return;
+    if (broughtUp_) marks_.front().generation = 0;
+    Restore(marks_.front());
+    // Last: where there was no memory for that, it is done before the next batch.
+    marks_.clear();
+    broughtUp_ = false;
 }
 
-// Temporary tables made since the beginning are gone with it.
+// To the outermost BEGIN TRANSACTION, which may have come in the middle of a unit.
+void Transactions::RollbackOutermost() {
+    if (begin_ == 0) return Rollback();
+    ReturnTo(begin_);
+    ReleaseMarks(begin_);
+    doomed_ = false;
+    count_ = 0;
+}
+
+bool Transactions::RollbackToSavepoint(const std::string& name) {
+    for (std::size_t mark = marks_.size(); mark > begin_ + 1; --mark) {
+        if (marks_[mark - 1].name != name) continue;
+        KeepingVariables([&] { ReturnTo(mark - 1); });
+        return true;
+    }
+    return false;
+}
+
+namespace {
+
+std::string SavepointOf(std::size_t mark) {
+    return "ts_mark_" + std::to_string(mark);
+}
+
+}  // namespace
+
+Transactions::Mark Transactions::Now(const std::string& name) const {
+    return {name, catalog_.Generation(), catalog_.KeepTemporaries()};
+}
+
+void Transactions::SetMark(const std::string& name) {
+    Mark mark = Now(name);
+    marks_.reserve(marks_.size() + 1);
+    database_.Run("SAVEPOINT " + SavepointOf(marks_.size()));
+    marks_.push_back(std::move(mark));
+}
+
+void Transactions::ReturnTo(std::size_t mark) {
+    catalog_.EndSnapshot();
+    database_.Run("ROLLBACK TO " + SavepointOf(mark));
+    marks_.resize(mark + 1);
+    Restore(marks_[mark]);
+}
+
+void Transactions::ReleaseMarks(std::size_t first) {
+    if (first == 0) first = 1;
+    if (marks_.size() > first) {
+        database_.Run("RELEASE " + SavepointOf(first));
+        marks_.resize(first);
+    }
+    begin_ = 0;
+}
+
+void Transactions::Restore(const Mark& mark) {
+    const bool changed = catalog_.Generation() != mark.generation;
+    if (changed) catalog_.Forget();
+    catalog_.PutBack(mark.temporaries);
+    ForgetTemporaries();
+    if (changed) catalog_.Refresh();
+}
+
+// What is there no more, such as a table variable that was declared in what is undone.
 void Transactions::ForgetTemporaries() {
     for (const std::string& name : catalog_.TemporaryNames()) {
         const TableInfo* table = catalog_.FindTable(name);
@@ -105,6 +171,28 @@ void Transactions::ForgetTemporaries() {
         exists.Bind(1, table->physical);
         if (!database_.Step(exists)) catalog_.DropTemporary(name);
     }
+}
+
+void Transactions::DropForGood(const TableInfo& table) {
+    for (Mark& mark : marks_) {
+        std::erase_if(mark.temporaries,
+                      [&](const auto& entry) { return entry.second.table->physical == table.physical; });
+    }
+    catalog_.DropTable(table);
+}
+
+Transactions::Mark Transactions::StartDefinition() {
+    Mark before = Now();
+    database_.Run("SAVEPOINT ts_definition");
+    return before;
+}
+
+void Transactions::UndoDefinition(const Mark& before) {
+    // A full disk has made SQLite undo everything; the executor sees to that.
+    if (!database_.InTransaction()) return;
+    catalog_.EndSnapshot();
+    database_.RunQuietly("ROLLBACK TO ts_definition; RELEASE ts_definition");
+    Restore(before);
 }
 
 bool Transactions::BeginChange(bool temporary) {
@@ -133,7 +221,7 @@ void Transactions::StartBatch(bool mayWrite) {
 }
 
 void Transactions::Reset() {
-    if (open_ || database_.InTransaction()) Rollback();
+    if (open_ || database_.InTransaction() || !marks_.empty()) Rollback();
     count_ = 0;
 }
 
@@ -157,6 +245,10 @@ void Transactions::Run(const TransactionStatement& statement) {
             if (batchMayWrite_ && !open_) {
                 catalog_.EndSnapshot();
                 Begin();
+            } else if (count_ == 0 && open_) {
+                // In the middle of a unit: what stands before it is none of its own.
+                SetMark({});
+                begin_ = marks_.size() - 1;
             }
             if (count_ == 0) name_ = statement.name.text;
             ++count_;
@@ -165,37 +257,30 @@ void Transactions::Run(const TransactionStatement& statement) {
             CheckNotDoomed();
             if (count_ == 0) throw MakeError(3902, statement.position);
             --count_;
+            if (count_ > 0) break;
             // A batch that is one unit commits at its end.
-            if (count_ == 0 && !batchIsUnit_) Commit();
+            if (batchIsUnit_) {
+                ReleaseMarks(begin_);
+            } else {
+                Commit();
+            }
             break;
         case TransactionAction::kRollback: {
-            if (!statement.name.IsEmpty() && open_) {
-                const std::string savepoint = Quoted("ts_save_" + statement.name.text);
-                try {
-                    KeepingVariables([&] {
-                        database_.Run("ROLLBACK TO " + savepoint);
-                        catalog_.Forget();
-                        catalog_.Refresh();
-                        ForgetTemporaries();
-                    });
-                    break;
-                } catch (const SqlError&) {
-                    // No savepoint of that name: the name of the transaction.
-                }
-            }
+            if (!statement.name.IsEmpty() && open_ && RollbackToSavepoint(statement.name.text)) break;
+            // Otherwise it is the name of the transaction.
             if (count_ == 0) throw MakeError(3903, statement.position);
             // By its name the outermost transaction alone is undone. A variable's value is not known here.
             if (!statement.name.IsEmpty() && statement.name.text != name_ &&
                 !statement.name.text.starts_with('@') && !name_.starts_with('@'))
                 throw MakeError(6401, statement.position, {statement.name.text});
-            KeepingVariables([&] { Rollback(); });
+            KeepingVariables([&] { RollbackOutermost(); });
             break;
         }
         case TransactionAction::kSave:
             if (count_ == 0) throw MakeError(628, statement.position);
             CheckNotDoomed();
             if (!open_) Begin();
-            database_.Run("SAVEPOINT " + Quoted("ts_save_" + statement.name.text));
+            SetMark(statement.name.text);
             break;
     }
 }

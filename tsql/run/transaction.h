@@ -6,10 +6,15 @@
 // What may write takes the lock for writing before it reads: a batch that is one unit before its first
 // statement, BEGIN TRANSACTION at once, a statement that stands alone before itself. So what is written never
 // rests on what another process has changed since. What only reads never takes it, nor does an IF that is a
-// batch by itself and has nothing to write. While a batch is one unit, its transaction ends with it. One per
-// session, used by its thread.
+// batch by itself and has nothing to write. While a batch is one unit, its transaction ends with it; a
+// transaction of the text that begins in the middle of one is a place in it that ROLLBACK returns to.
+// Whatever is undone, the catalog is as it was there, with its temporary tables. One per session, used by its
+// thread.
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "tsql/catalog/catalog.h"
 #include "tsql/sqlite/database.h"
@@ -45,6 +50,23 @@ class Transactions {
             throw;
         }
     }
+    // The same for a definition, which is several changes: one that fails leaves nothing behind, even where
+    // what is around it goes on.
+    template <class Body>
+    void Define(bool temporary, Body body) {
+        Change(temporary, [&] {
+            const Mark before = StartDefinition();
+            try {
+                body();
+            } catch (...) {
+                UndoDefinition(before);
+                throw;
+            }
+            database_.Run("RELEASE ts_definition");
+        });
+    }
+    // A temporary table whose frame is gone: no rollback brings it back.
+    void DropForGood(const TableInfo& table);
     // The batch is done, or has failed as a whole.
     void EndBatch(bool failed);
     void Rollback();
@@ -52,6 +74,14 @@ class Transactions {
     void Reset();
 
   private:
+    // What can be returned to: SQLite's transaction from its beginning, or a savepoint in it, which bears the
+    // number of its place among them all; and the catalog of that moment.
+    struct Mark {
+        std::string name;  // by SAVE TRANSACTION; its letters count
+        std::uint64_t generation = 0;
+        Catalog::Temporaries temporaries;
+    };
+
     // True when the change itself has to be committed.
     bool BeginChange(bool temporary);
     void Begin();
@@ -61,8 +91,20 @@ class Transactions {
     void NoteBegin();
     void CheckNotDoomed() const;
     void Commit();
-    // Table variables are no part of a transaction: they stay as they are while it is undone.
+    Mark Now(const std::string& name = {}) const;
+    Mark StartDefinition();
+    void UndoDefinition(const Mark& before);
+    void SetMark(const std::string& name);
+    void ReturnTo(std::size_t mark);
+    // The savepoints from this one on are no more; what has been done since stays.
+    void ReleaseMarks(std::size_t first);
+    void RollbackOutermost();
+    // False when there is no savepoint of that name.
+    bool RollbackToSavepoint(const std::string& name);
+    // The catalog as it was.
+    void Restore(const Mark& mark);
     void ForgetTemporaries();
+    // Table variables are no part of a transaction: they stay as they are while it is undone.
     template <class Undo>
     void KeepingVariables(Undo undo);
 
@@ -76,8 +118,9 @@ class Transactions {
     bool batchMayWrite_ = false;
     bool onlyTemporary_ = false;  // the open transaction has no lock yet
     bool doomed_ = false;
-    bool broughtUp_ = false;               // the set got the form of today in the transaction that is open
-    std::uint64_t generationAtBegin_ = 0;  // of the catalog
+    bool broughtUp_ = false;   // the set got the form of today in the transaction that is open
+    std::vector<Mark> marks_;  // the first is the beginning of SQLite's transaction
+    std::size_t begin_ = 0;    // the mark of the outermost BEGIN TRANSACTION
 };
 
 }  // namespace vicenter::tsql::engine

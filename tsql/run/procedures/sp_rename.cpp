@@ -59,7 +59,7 @@ void Executor::Rename() {
     std::vector<std::string> parts = PartsOf(name);
     const std::string last = parts.back();
     const std::string before = parts.size() > 1 ? parts[parts.size() - 2] : std::string();
-    transactions_.Change(false, [&] {
+    transactions_.Define(false, [&] {
         const TableInfo* owner = before.empty() ? nullptr : catalog_.FindTable(before);
         const bool isColumn = owner != nullptr && owner->FindColumn(last) != nullptr;
         const auto isIndex = [&](const TableInfo& table) {

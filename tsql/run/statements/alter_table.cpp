@@ -273,7 +273,7 @@ void Executor::DropConstraintOf(const AlterTableStatement& statement, const Name
 // Part by part: each sees the table as the one before it has left it.
 void Executor::AlterTable(const AlterTableStatement& statement) {
     const bool temporary = statement.table.Object().front() == '#';
-    transactions_.Change(temporary, [&] {
+    transactions_.Define(temporary, [&] {
         DefinedTable(statement.table, 4902);
         switch (statement.action) {
             case AlterTableAction::kAdd:

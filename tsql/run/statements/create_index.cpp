@@ -6,7 +6,7 @@ namespace vicenter::tsql::engine {
 
 void Executor::CreateIndex(const CreateIndexStatement& statement) {
     const bool temporary = statement.table.Object().front() == '#';
-    transactions_.Change(temporary, [&] {
+    transactions_.Define(temporary, [&] {
         const TableInfo& table = DefinedTable(statement.table, 1088);
         // Over all rows the index would refuse what its filter lets in.
         if (statement.unique && statement.where)

@@ -6,7 +6,7 @@ namespace vicenter::tsql::engine {
 
 void Executor::CreateView(const CreateViewStatement& statement) {
     const std::string& name = statement.name.Object();
-    transactions_.Change(false, [&] {
+    transactions_.Define(false, [&] {
         const bool exists = catalog_.FindView(name) != nullptr;
         if (statement.alter && !exists) throw MakeError(208, statement.name.Where(), {statement.name.Text()});
         if (!statement.alter && !(statement.createOrAlter && exists) && catalog_.ObjectId(name, "")) {
@@ -30,7 +30,7 @@ void Executor::CreateView(const CreateViewStatement& statement) {
 
 void Executor::CreateProcedure(const CreateProcedureStatement& statement) {
     const std::string& name = statement.name.Object();
-    transactions_.Change(false, [&] {
+    transactions_.Define(false, [&] {
         const bool exists = catalog_.FindProcedure(name) != nullptr;
         if (statement.alter && !exists) throw MakeError(208, statement.name.Where(), {statement.name.Text()});
         if (!statement.alter && !(statement.createOrAlter && exists) && catalog_.ObjectId(name, "")) {

@@ -275,7 +275,7 @@ TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& d
 void Executor::CreateTable(const CreateTableStatement& statement) {
     const std::string& name = statement.table.Object();
     const bool temporary = !name.empty() && name.front() == '#';
-    transactions_.Change(temporary, [&] {
+    transactions_.Define(temporary, [&] {
         if (temporary ? catalog_.FindTable(name) != nullptr
                       : catalog_.ObjectId(name, "").has_value() || catalog_.HasConstraint(name)) {
             throw MakeError(2714, statement.table.Where(), {name});

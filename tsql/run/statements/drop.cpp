@@ -40,7 +40,7 @@ void Executor::Drop(const DropStatement& statement) {
             if (const ModuleInfo* view = BoundView(catalog_, programs_, name.Object()))
                 throw MakeError(3729, name.Where(), {operation, name.Object(), view->name});
         };
-        transactions_.Change(temporary, [&] {
+        transactions_.Define(temporary, [&] {
             switch (statement.object) {
                 case DropKind::kTable: {
                     const TableInfo* table = FindTable(name.Object());

@@ -1,5 +1,6 @@
 #include "tsql/run/executor.h"
 #include "tsql/run/row_limit.h"
+#include "tsql/run/statement_guard.h"
 
 namespace vicenter::tsql::engine {
 
@@ -70,6 +71,8 @@ void Executor::InsertRows(const void* key, const ObjectName& name, const std::ve
     CheckRowLimit(frame_->options.rowCountLimit, static_cast<std::int64_t>(rows.size()));
     Plan& plan =
         PlanFor(key, [&](Translator& translator) { return translator.InsertRow(*table, columns, types); });
+    // All of them or none.
+    StatementGuard guard(database_, OutlivesFailure());
     std::int64_t count = 0;
     for (const std::vector<Value>& row : rows) {
         const ResetAtEnd reset(plan.statement);
@@ -80,6 +83,7 @@ void Executor::InsertRows(const void* key, const ObjectName& name, const std::ve
         if (plan.translation.FillsIdentity()) KeepIdentity(*table);
         ++count;
     }
+    guard.Release();
     CountRows(count);
 }
 
