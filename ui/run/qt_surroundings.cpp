@@ -1,6 +1,7 @@
 #include "ui/run/qt_surroundings.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileIconProvider>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -79,9 +80,14 @@ class SavingDialog : public QFileDialog {
     bool pathMustExist_;
 };
 
+// Users read and hosts take paths as their system writes them; Qt has slashes everywhere.
+std::string AsTheSystemWritesIt(const QString& path) {
+    return FromQt(QDir::toNativeSeparators(path));
+}
+
 std::optional<std::string> Chosen(QFileDialog& dialog) {
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-    return FromQt(dialog.selectedFiles().constFirst());
+    return AsTheSystemWritesIt(dialog.selectedFiles().constFirst());
 }
 
 // "xls" of "*.xls"; empty for "*.*" and for patterns of several kinds.
@@ -282,7 +288,7 @@ std::vector<std::string> QtFileDialogs::ChooseFilesToOpen(const system::FileRequ
     std::vector<std::string> chosen;
     if (dialog.exec() != QDialog::Accepted) return chosen;
     for (const QString& file : dialog.selectedFiles())
-        chosen.push_back(FromQt(file));
+        chosen.push_back(AsTheSystemWritesIt(file));
     return chosen;
 }
 
