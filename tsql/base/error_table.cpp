@@ -77,6 +77,8 @@ constexpr ErrorEntry kErrors[] = {
     {157, 15, kText, "An aggregate may not appear in the set list of an UPDATE statement."},
     {164, 15, kText,
      "Each GROUP BY expression must contain at least one column that is not an outer reference."},
+    {168, 15, kText,
+     "The floating point value '%.*ls' is out of the range of computer representation (%d bytes)."},
     {174, 15, kText, "The %.*ls function requires %d argument(s)."},
     {175, 15, kText, "An aggregate may not appear in a computed column expression or check constraint."},
     {177, 15, kText, "The IDENTITY function can only be used when the SELECT statement has an INTO clause."},
@@ -358,6 +360,10 @@ constexpr ErrorEntry kErrors[] = {
     {4902, 16, kText,
      "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},
     {4922, 16, kStatement, "%ls %.*ls failed because one or more objects access this column."},
+    {4923, 16, kStatement,
+     "%ls failed because '%.*ls' is the only data column in table '%.*ls'. A table must have at least one "
+     "data "
+     "column."},
     {4924, 16, kStatement, "%ls failed because column '%.*ls' does not exist in table '%.*ls'."},
     {5074, 16, kStatement, "The %S_MSG '%.*ls' is dependent on %S_MSG '%.*ls'."},
     {5120, 16, kBatch, "Unable to open the physical file \"%.*ls\": %ls."},

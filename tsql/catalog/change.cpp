@@ -8,6 +8,7 @@
 #include "tsql/base/error_table.h"
 #include "tsql/base/text_units.h"
 #include "tsql/catalog/catalog.h"
+#include "tsql/catalog/file_names.h"
 
 namespace vicenter::tsql::engine {
 
@@ -169,7 +170,25 @@ std::int64_t Catalog::WriteTable(const TableInfo& table) {
     return id;
 }
 
+namespace {
+
+// A table or an index of the file bears the name, in whatever letters.
+bool IsTaken(Database& database, const TableInfo& table, const std::string& name) {
+    PreparedStatement taken =
+        database.Prepare(std::string("SELECT 1 FROM ") + (table.temporary ? "temp" : "main") +
+                         ".sqlite_schema WHERE name = ?1 COLLATE NOCASE");
+    taken.Bind(1, name);
+    return database.Step(taken);
+}
+
+}  // namespace
+
 void Catalog::CreateTable(TableInfo table) {
+    CheckTableName(table.name);
+    if (IsTaken(database_, table, table.physical))
+        throw MakeError(40510, {}, {"a table named " + table.name});
+    for (const ColumnInfo& column : table.columns)
+        CheckColumnName(column.name);
     for (KeyInfo& key : table.keys) {
         if (key.kind != KeyKind::kPrimary || key.columns.size() != 1) continue;
         const ColumnInfo* column = table.FindColumn(key.columns.front());
@@ -210,6 +229,7 @@ void Catalog::DropTable(const TableInfo& table) {
 }
 
 void Catalog::AddColumn(const TableInfo& table, const ColumnInfo& column) {
+    CheckColumnName(column.name);
     TableInfo changed = table;
     changed.columns.push_back(column);
     if (column.computedText.empty()) {
@@ -264,7 +284,11 @@ void Catalog::CreateIndex(const TableInfo& table, const KeyInfo& key) {
     ChangeTable(changed, false);
 }
 
+// "b$c" of table "a" and "c" of table "a$b" have one name in the file.
 void Catalog::MakeIndex(const TableInfo& table, const KeyInfo& key) {
+    for (const std::string& name : {PhysicalIndexName(table, key), PhysicalNullIndexName(table, key)}) {
+        if (IsTaken(database_, table, name)) throw MakeError(40510, {}, {"an index named " + key.name});
+    }
     database_.Run(PhysicalIndex(table, key));
     if (const std::string nulls = PhysicalNullIndex(table, key); !nulls.empty()) database_.Run(nulls);
 }

@@ -4,6 +4,7 @@
 #include "automation/object.h"
 #include "tsql/base/error_table.h"
 #include "tsql/catalog/catalog.h"
+#include "tsql/catalog/file_names.h"
 
 namespace vicenter::tsql::engine {
 
@@ -35,6 +36,7 @@ void Catalog::MakePhysicalIndexes(const TableInfo& table) {
 }
 
 void Catalog::RenameTable(const TableInfo& table, const std::string& name) {
+    CheckTableName(name);
     TableInfo changed = table;
     std::vector<TableInfo> others;
     for (const auto& [key, other] : tables_) {
@@ -49,7 +51,14 @@ void Catalog::RenameTable(const TableInfo& table, const std::string& name) {
         }
     };
     DropPhysicalIndexes(table);
-    database_.Run("ALTER TABLE " + table.Sql() + " RENAME TO " + Quoted(name));
+    // To SQLite a name in other letters is taken.
+    std::string before = table.Sql();
+    if (SameName(table.name, name)) {
+        const std::string between = Quoted("ts$renamed");
+        database_.Run("ALTER TABLE " + before + " RENAME TO " + between);
+        before = "main." + between;
+    }
+    database_.Run("ALTER TABLE " + before + " RENAME TO " + Quoted(name));
     changed.name = name;
     changed.physical = name;
     follow(changed);
@@ -67,6 +76,7 @@ void Catalog::RenameTable(const TableInfo& table, const std::string& name) {
 }
 
 void Catalog::RenameColumn(const TableInfo& table, const std::string& from, const std::string& to) {
+    CheckColumnName(to);
     TableInfo changed = table;
     std::vector<TableInfo> others;
     for (const auto& [key, other] : tables_) {
@@ -101,7 +111,7 @@ void Catalog::RenameColumn(const TableInfo& table, const std::string& from, cons
 void Catalog::RenameConstraint(const TableInfo& table, const std::string& from, const std::string& to) {
     TableInfo changed = table;
     for (const KeyInfo& key : table.keys) {
-        if (SameName(key.name, to)) throw MakeError(15335, {}, {to, "INDEX"});
+        if (SameName(key.name, to) && !SameName(from, to)) throw MakeError(15335, {}, {to, "INDEX"});
     }
     bool isText = false;
     for (KeyInfo& key : changed.keys) {

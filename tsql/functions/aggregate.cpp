@@ -80,8 +80,9 @@ void ReturnSum(sqlite3_context* context, SumState& state) {
         }
     } else {
         const SqlType type = SqlType::Of(Kind == SumKind::kInt ? TypeKind::kInt : TypeKind::kBigInt);
-        const Decimal result = Average ? Decimal::Divide(state.sum, Decimal(state.count), 0) : state.sum;
-        call.Return(Convert(Value(result), SqlType::Decimal(38, 0), type).Int());
+        // An average is of a sum of its own type, which must hold it.
+        const std::int64_t sum = Convert(Value(state.sum), SqlType::Decimal(38, 0), type).Int();
+        call.Return(Average ? sum / state.count : sum);
     }
 }
 

@@ -59,6 +59,9 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
         changed = database_.Changes();
     }
     if (identity && changed > 0) KeepIdentity(*table);
+    // As the server has it of the last INSERT of the session.
+    if (table != nullptr && table->IdentityColumn() == nullptr && translation.operation == "INSERT")
+        identity_ = Value();
     CheckRowLimit(frame_->options.rowCountLimit, changed);
     guard.Release();
     CountRows(changed);

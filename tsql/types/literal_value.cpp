@@ -1,6 +1,7 @@
 #include "tsql/types/literal_value.h"
 
 #include <charconv>
+#include <cmath>
 
 #include "automation/variant.h"
 #include "text/hex.h"
@@ -89,6 +90,8 @@ Value ValueOfLiteral(LiteralKind kind, std::string_view text, bool negated) {
         case LiteralKind::kFloat: {
             const auto number = automation::ParseDouble(text);
             if (!number) throw MakeError(8115, {}, {"expression", "float"});
+            constexpr int kBytes = 8;
+            if (std::isinf(*number)) throw MakeError(168, {}, {text, kBytes});
             return Value(negated ? -*number : *number);
         }
         case LiteralKind::kString:

@@ -85,8 +85,10 @@ void Executor::Rename() {
         const auto object = constraint ? catalog_.FindObject(*constraint) : std::nullopt;
         if (!object || (object->table != nullptr && object->table->temporary))
             throw MakeError(15225, {}, {name, "accountset", kind.empty() ? "(null)" : kind});
-        if (catalog_.ObjectId(fresh, "") || catalog_.HasConstraint(fresh))
-            throw MakeError(15335, {}, {fresh, "OBJECT"});
+        // Its own name in other letters is free.
+        auto taken = catalog_.ObjectId(fresh, "");
+        if (!taken) taken = catalog_.ConstraintId(fresh, "");
+        if (taken && taken != constraint) throw MakeError(15335, {}, {fresh, "OBJECT"});
         if (object->module != nullptr) return catalog_.RenameModule(object->name, fresh);
         if (id) return catalog_.RenameTable(*object->table, fresh);
         catalog_.RenameConstraint(*object->table, last, fresh);
@@ -101,7 +103,8 @@ void Executor::Rename() {
 
 // What is computed from the column or checked by it holds its name.
 void Executor::RenameColumn(const TableInfo& table, const std::string& name, const std::string& fresh) {
-    if (table.FindColumn(fresh) != nullptr) throw MakeError(15335, {}, {fresh, "COLUMN"});
+    if (table.FindColumn(fresh) != nullptr && !SameName(name, fresh))
+        throw MakeError(15335, {}, {fresh, "COLUMN"});
     for (const CheckInfo& check : table.checks) {
         if (Mentions(check.text, name)) throw MakeError(15336, {}, {table.name + "." + name});
     }

@@ -245,6 +245,9 @@ void Executor::DropColumnOf(const AlterTableStatement& statement, const Name& na
         if (Mentions(check.text, name.text)) FailDependent(kOperation, "object", check.name, name);
     }
     CheckDependents(kOperation, now, *column, name);
+    const auto isStored = [](const ColumnInfo& other) { return other.computedText.empty(); };
+    if (isStored(*column) && std::ranges::count_if(now.columns, isStored) == 1)
+        throw MakeError(4923, name.position, {"ALTER TABLE DROP COLUMN", column->name, now.name});
     catalog_.DropColumn(now, column->name);
 }
 

@@ -22,10 +22,25 @@ std::string Executor::ExpressionText(const Expr& expression) const {
     return tsql::Print(expression);
 }
 
+namespace {
+
+// The table has it already, whether it is in the catalog yet or not.
+bool HasConstraintNamed(const TableInfo& table, std::string_view name) {
+    const auto isIt = [name](const auto& entry) { return SameName(entry.name, name); };
+    return std::ranges::any_of(table.keys, isIt) || std::ranges::any_of(table.foreignKeys, isIt) ||
+           std::ranges::any_of(table.checks, isIt) ||
+           std::ranges::any_of(table.columns, [name](const ColumnInfo& column) {
+               return !column.defaultName.empty() && SameName(column.defaultName, name);
+           });
+}
+
+}  // namespace
+
 std::string Executor::ConstraintName(const TableInfo& table, const Constraint& constraint, const char* prefix,
                                      const std::string& detail) {
     if (!constraint.name.IsEmpty()) {
-        if (!table.temporary && catalog_.HasConstraint(constraint.name.text)) {
+        if (HasConstraintNamed(table, constraint.name.text) ||
+            (!table.temporary && catalog_.HasConstraint(constraint.name.text))) {
             throw MakeError(2714, constraint.position, {constraint.name.text});
         }
         return constraint.name.text;
@@ -34,7 +49,8 @@ std::string Executor::ConstraintName(const TableInfo& table, const Constraint& c
     std::string name = std::string(prefix) + "__" + table.name;
     if (!detail.empty()) name += "__" + detail;
     std::string free = name;
-    for (int number = 2; !table.temporary && catalog_.HasConstraint(free); ++number) {
+    for (int number = 2;
+         HasConstraintNamed(table, free) || (!table.temporary && catalog_.HasConstraint(free)); ++number) {
         free = name + "_" + std::to_string(number);
     }
     return free;

@@ -59,6 +59,8 @@ void Executor::InsertExecute(const InsertStatement& statement) {
     const TableInfo* table = FindTable(statement.table.Object());
     transactions_.Change(table != nullptr && table->temporary, [&] {
         InsertRows(&statement, statement.table, statement.columns, types, rows.Rows());
+        const TableInfo* filled = FindTable(statement.table.Object());
+        if (filled->IdentityColumn() == nullptr) identity_ = Value();
     });
 }
 
