@@ -34,8 +34,8 @@ TEST_F(LaterKeyTest, Keeps_its_values_when_the_text_of_the_table_is_written_anew
     EXPECT_EQ(Run("select * from t order by id"), kRows);
     Reopen();
     EXPECT_EQ(Run("select * from t where id = 50"), "id:int a:int\n50|2");
-    EXPECT_EQ(Run("alter table t alter column a bigint"), "");
     EXPECT_EQ(Run("alter table t drop constraint ck"), "");
+    EXPECT_EQ(Run("alter table t alter column a bigint"), "");
     EXPECT_EQ(Run("select id from t where a = 1"), "id:int\n100");
     EXPECT_EQ(Run("insert t values (70, 9)").substr(0, 10), "error 2627");
 }
