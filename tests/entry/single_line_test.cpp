@@ -21,5 +21,16 @@ TEST(SingleLine, HasNoControlCharacters) {
         EXPECT_FALSE(HasControlCharacter(text)) << text;
 }
 
+TEST(SingleLine, ShowsWhatHasNoLookOfItsOwn) {
+    EXPECT_EQ(InOneLine("摘要 a  b"), "摘要 a  b");
+    EXPECT_EQ(InOneLine("a\r\nb\nc\rd"), "a↵b↵c↵d");
+    EXPECT_EQ(InOneLine("\u0085\u2028\u2029"), "↵↵↵");
+    EXPECT_EQ(InOneLine("a\tb"), "a b");
+    EXPECT_EQ(InOneLine("\x01\x7F\u009F\u202E\u2066"), "□□□□□");
+    EXPECT_EQ(InOneLine("\u00A0\u2027\u202F\u2065"), "\u00A0\u2027\u202F\u2065");
+    EXPECT_EQ(InOneLine("\xE2\x80"), "\xE2\x80") << "cut short";
+    EXPECT_EQ(InOneLine("\xC2"), "\xC2");
+}
+
 }  // namespace
 }  // namespace vicenter::entry

@@ -170,6 +170,14 @@ TEST_F(FaultPanelTest, WhatWasReportedStandsThereWithItsSource) {
     QFile::remove(file);
 }
 
+TEST_F(FaultPanelTest, AValueOfSeveralLinesIsOneLineOfTheListAndNothingOfItIsHidden) {
+    Open();
+    window->Presenter().ReportFaults(
+        {center::FaultSource::Workbook, "/a.xlsx", {{5, 6, "摘要", "a\r\nb\x01  c", "太长"}}});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Rows().size() == 1; }));
+    EXPECT_EQ(Rows()[0], "5|摘要（F 列）|a↵b□  c|太长|a.xlsx");
+}
+
 TEST_F(FaultPanelTest, F8ShowsTheListWhenNothingIsInACell) {
     Open();
     window->Presenter().ReportFaults(

@@ -8,6 +8,7 @@
 #include "store/template_columns.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -17,7 +18,7 @@ namespace {
 
 void Put(QTableWidget& table, int row, const QStringList& texts) {
     for (int column = 0; column < texts.size(); ++column) {
-        auto* item = new QTableWidgetItem(texts[column].simplified());
+        auto* item = new QTableWidgetItem(InOneLine(texts[column]));
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
         item->setToolTip(ToolTipText(texts[column]));
         table.setItem(row, column, item);

@@ -9,6 +9,7 @@
 #include "exchange/template_columns.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
 
@@ -21,7 +22,7 @@ constexpr std::size_t kMostRows = 5000;
 
 void Put(QTableWidget& table, int row, const QStringList& texts, bool warned = false) {
     for (int column = 0; column < texts.size(); ++column) {
-        auto* item = new QTableWidgetItem(texts[column].simplified());
+        auto* item = new QTableWidgetItem(InOneLine(texts[column]));
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
         item->setToolTip(ToolTipText(texts[column]));
         if (warned) item->setForeground(QColor(colors::kRefusal));
@@ -135,7 +136,7 @@ void ImportPreviewDialog::AddFaults() {
             column += QStringLiteral("（%1 列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
         Put(*table, row,
             {fault.row > 0 ? QString::number(fault.row) : QString(), column, ToQt(fault.value),
-             ToQt(fault.reason)});
+             ToQt(fault.reason).simplified()});
     }
     FitColumns(*table);
     pages_->addTab(table, QStringLiteral("异常（%1）").arg(preview_.faults.size()));

@@ -11,6 +11,7 @@
 #include "exchange/import_several.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
 #include "ui/run/slot_guard.h"
@@ -71,7 +72,7 @@ QWidget* ImportReportDialog::MakeTable() {
             ToQt(exchange::ReportState(outcome)),     QString::number(outcome.lines),
             QString::number(outcome.faults.size()),   ToQt(exchange::ReportText(outcome))};
         for (int column = 0; column < texts.size(); ++column) {
-            auto* item = new QTableWidgetItem(texts[column]);
+            auto* item = new QTableWidgetItem(InOneLine(texts[column].simplified()));
             item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
             item->setToolTip(ToolTipText(texts[column]));
             if (!outcome.written) item->setForeground(QColor(colors::kRefusal));

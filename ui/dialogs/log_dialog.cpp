@@ -7,6 +7,7 @@
 
 #include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -118,7 +119,7 @@ void LogDialog::ShowEntries() {
                                    ToQt(center::LogKindText(entry.kind)), ToQt(entry.text),
                                    ToQt(entry.counts)};
         for (int field = 0; field < kFieldCount; ++field) {
-            auto* item = new QTableWidgetItem(texts[field].simplified());
+            auto* item = new QTableWidgetItem(InOneLine(texts[field].simplified()));
             item->setToolTip(ToolTipText(texts[field]));
             entries_->setItem(row, field, item);
         }

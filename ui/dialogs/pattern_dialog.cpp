@@ -8,6 +8,7 @@
 
 #include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 
 namespace vicenter::ui {
@@ -66,7 +67,7 @@ void PatternDialog::Fill(const autovch::LeftOut& without) {
     for (const autovch::VoucherPattern& pattern : preview_.patterns) {
         const QStringList texts = {
             QString::number(pattern.Occurrences()), ToQt(autovch::ListOfNumbers(pattern.numbers)),
-            ToQt(pattern.explanation).simplified(), ToQt(pattern.alike), ToQt(pattern.words).simplified()};
+            ToQtLine(pattern.explanation), ToQtLine(pattern.alike), ToQtLine(pattern.words)};
         for (int column = 0; column < texts.size(); ++column) {
             auto* item = new QTableWidgetItem(texts[column]);
             item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);

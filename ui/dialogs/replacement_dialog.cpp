@@ -10,6 +10,7 @@
 #include "ui/look/center_style.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -157,7 +158,7 @@ void ReplacementDialog::ShowLines() {
                                    ToQt(line.note)};
         const bool possible = line.state != State::Impossible;
         for (int field = 0; field < kFieldCount; ++field) {
-            auto* item = new QTableWidgetItem(texts[field].simplified());
+            auto* item = new QTableWidgetItem(InOneLine(texts[field]));
             item->setToolTip(ToolTipText(texts[field]));
             item->setFlags(Qt::ItemIsSelectable | (possible ? Qt::ItemIsEnabled : Qt::NoItemFlags));
             if (field == kNote) item->setForeground(QColor(possible ? colors::kCaution : colors::kRefusal));

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "ui/look/dialog_frame.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -77,8 +78,8 @@ void VoucherDialog::FillLines(QTableWidget& table) const {
         const center::PrintColumn& column = columns[static_cast<std::size_t>(c)];
         table.setHorizontalHeaderItem(c, new QTableWidgetItem(ToQt(column.header)));
         for (int row = 0; row < table.rowCount(); ++row) {
-            auto* item =
-                new QTableWidgetItem(ToQt(rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(c)]));
+            auto* item = new QTableWidgetItem(
+                ToQtLine(rows[static_cast<std::size_t>(row)][static_cast<std::size_t>(c)]));
             item->setTextAlignment((column.figures ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
             item->setToolTip(ToolTipText(item->text()));
             if (row + 1 == table.rowCount()) {

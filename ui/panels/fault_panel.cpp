@@ -16,6 +16,7 @@
 
 #include "center/grid/columns.h"
 #include "exchange/template_columns.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -63,9 +64,9 @@ QString TextOfReported(const center::ReportedFault& reported, int field) {
             return header + QStringLiteral("（%1 列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
         }
         case kValue:
-            return ToQt(fault.value).simplified();
+            return ToQtLine(fault.value);
         case kReason:
-            return ToQt(fault.reason).simplified();
+            return InOneLine(ToQt(fault.reason).simplified());
         default:
             return SourceOf(reported);
     }
@@ -136,9 +137,9 @@ class FaultModel : public QAbstractTableModel {
                 return fault.hidden ? header + QStringLiteral("（隐藏列）") : header;
             }
             case kValue:
-                return ToQt(fault.value).simplified();
+                return ToQtLine(fault.value);
             case kReason:
-                return ToQt(fault.reason).simplified();
+                return InOneLine(ToQt(fault.reason).simplified());
             default:
                 return QStringLiteral("当前模板");
         }

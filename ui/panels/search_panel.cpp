@@ -10,6 +10,7 @@
 #include "store/cell_rules.h"
 #include "store/template_columns.h"
 #include "ui/look/list_table.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -124,7 +125,7 @@ void SearchPanel::ShowHits() {
         for (const int c : kShown)
             texts << ToQt(store::DisplayText(c, hit.line[static_cast<std::size_t>(c - 1)]));
         for (int field = 0; field < texts.size(); ++field) {
-            auto* item = new QTableWidgetItem(texts[field].simplified());
+            auto* item = new QTableWidgetItem(InOneLine(texts[field]));
             item->setToolTip(ToolTipText(texts[field]));
             const bool number = field >= kBefore && store::Column(kShown[field - kBefore]).rightAligned;
             if (number) item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
