@@ -83,6 +83,13 @@ std::optional<Stored> StoredLines(const SeenTemplate& node) {
     return stored;
 }
 
+void FillGrid(EntryGrid& grid, const std::vector<LineTexts>& lines) {
+    grid.SetRowTotal(static_cast<int>(lines.size()) + 1);
+    int row = 0;
+    for (const LineTexts& line : lines)
+        grid.FillRow(++row, line);
+}
+
 }  // namespace
 
 bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const std::string& name,
@@ -96,22 +103,21 @@ bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const st
     if (!stored) return false;
     std::vector<LineTexts> lines = stored->lines;
     const std::string changes = Renumber(*added, lines);
-    if (Ask("将 " + std::to_string(added->size()) + " 行分录复制到模板 " + name + " 的末尾" +
+    const std::string count = std::to_string(added->size());
+    lines.insert(lines.end(), added->begin(), added->end());
+    EntryGrid grid;
+    FillGrid(grid, lines);
+    // What cannot be is not asked about.
+    if (const auto finding = ValidateLines(grid, static_cast<int>(lines.size()))) {
+        Tell("模板 " + name + " 不能保存，没有复制：\r\n\r\n" + finding->text);
+        return false;
+    }
+    if (Ask("将 " + count + " 行分录复制到模板 " + name + " 的末尾" +
                 (changes.empty() ? "" : "（编号 " + changes + "）") + "，请确认？",
             system::MessageButtons::YesNo) != system::MessageResult::Yes) {
         return false;
     }
-    lines.insert(lines.end(), added->begin(), added->end());
-    EntryGrid grid;
-    const int count = static_cast<int>(lines.size());
-    grid.SetRowTotal(count + 1);
-    for (int row = 1; row <= count; ++row)
-        grid.FillRow(row, lines[static_cast<std::size_t>(row - 1)]);
-    if (const auto finding = ValidateLines(grid, count)) {
-        Tell("模板 " + name + " 不能保存，没有复制：\r\n\r\n" + finding->text);
-        return false;
-    }
-    const store::TemplateOutcome sent = SendTemplate(grid, count, stored->seen);
+    const store::TemplateOutcome sent = SendTemplate(grid, static_cast<int>(lines.size()), stored->seen);
     // Somebody may have saved it while the question stood there.
     if (sent.state == store::TemplateOutcome::State::NotAsSeen)
         Tell(store::WhyNotWritten(stored->seen, sent.found, kNotCopied));

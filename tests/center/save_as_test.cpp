@@ -182,6 +182,17 @@ TEST_F(SaveAs, RowsThatAreRefusedOrDeclinedChangeNothing) {
     EXPECT_EQ(TakeMessages().back(), "模板 销售与收款 已在别处被删除，没有复制，账套保持原样！");
 }
 
+// The second line of its number has no explanation, and is the first of its number there.
+TEST_F(SaveAs, RowsThatCannotBeSavedThereAreRefusedBeforeAnythingIsAsked) {
+    const auto rows = Window().Cells().CopyBlock(CellSelection::Rows({{2, 2}}));
+    Window().Tree().DropRows(KeyOf("销售与收款"), *rows);
+    const Texts told = TakeMessages();
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_THAT(told[0],
+                HasSubstr("模板 销售与收款 不能保存，没有复制：\r\n\r\n行9 凭证模板 4 号第一行摘要为空"));
+    EXPECT_EQ(LinesOf("销售与收款"), "8");
+}
+
 TEST_F(SaveAs, TheFilterIsOfferedFromTenTemplatesOnAndFitsByNameAndInitials) {
     EXPECT_FALSE(Window().Tree().OffersFilter());
     while (Window().Nodes().size() < 10) {
