@@ -243,7 +243,9 @@ bool Proposals::Refuse() {
 
 void Proposals::ActiveCellChanged() {
     const int row = state_.grid->ActiveCell().row;
-    if (row == state_.open.RowCount() + 1) {
+    const int used = state_.open.RowCount();
+    if (begun_ == used && row != begun_) left_ = begun_;
+    if (row == used + 1 || (row == left_ && row == used)) {
         begun_ = row;
     } else if (row != begun_) {
         begun_ = 0;
@@ -275,6 +277,7 @@ void Proposals::RowsMoved(int firstRow) {
         begun_ = 0;
         jumped_ = 0;
     }
+    if (firstRow <= left_) left_ = 0;
     ActiveCellChanged();
 }
 

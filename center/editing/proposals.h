@@ -76,7 +76,8 @@ class Proposals {
 
     const WindowState& state_;
     bool on_ = true;
-    int begun_ = 0;    // was blank when the cursor came, and the cursor is still there
+    int begun_ = 0;    // was blank when the cursor came, and the cursor is there
+    int left_ = 0;     // the last that was begun and left with something in it
     int refused_ = 0;  // the row in which the user wants none
     int jumped_ = 0;
     ProposedLine shown_;

@@ -85,6 +85,27 @@ TEST_F(ProposalsWayTest, TabAndEnterTakeItCellByCellAndTheLineIsStored) {
     EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FNo = 8 and FAmount = 750"), 2);
 }
 
+TEST_F(ProposalsWayTest, WhatWasPassedByIsProposedAgainWhereTheCursorComesBackToTheLine) {
+    OpenWithOneLine();
+    Key(Qt::Key_Tab);
+    Key(Qt::Key_Tab);
+    ASSERT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{2, column::kDirection}));
+    Key(Qt::Key_Right);
+    Type("1002.01");
+    Key(Qt::Key_Tab);
+    Type("750");
+    Key(Qt::Key_Return);
+    ASSERT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{3, column::kNo}));
+    EXPECT_EQ(Text(2, column::kDirection), "");
+    ClickCell(2, column::kDirection);
+    EXPECT_TRUE(ToolTip(2, column::kDirection).contains(QStringLiteral("建议“贷”")));
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(Text(2, column::kDirection), "贷");
+    // A line of before proposes nothing.
+    ClickCell(1, column::kAmount);
+    EXPECT_EQ(ToolTip(2, column::kRemark), "");
+}
+
 TEST_F(ProposalsWayTest, CtrlEnterTakesTheRowAndGoesToTheAccount) {
     OpenWithOneLine();
     CtrlEnter();
