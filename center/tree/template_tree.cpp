@@ -309,6 +309,11 @@ bool TemplateTree::AfterLabelEdit(const std::string& label) {
     if (!seen || !RenameKeepingVersion(*seen, newText)) return false;
     SetNodeText(selected_, newText);
     Open(newText, id, newText);
+    if (std::exchange(unnamed_, {}) == selected_) {
+        // What comes next are its lines.
+        state_.grid->SetActiveCell({1, column::kNo});
+        state_.view.FocusGrid();
+    }
     return true;
 }
 
@@ -364,6 +369,7 @@ bool TemplateTree::CreateTemplate() {
     const std::optional<TreeNode> node = InsertTemplate();
     if (!node) return false;
     // The command has been through the right and the gate already: no second question.
+    unnamed_ = node->key;
     StartRenaming();
     Open(node->text, IdOf(node->key), {});
     state_.Enable({Tool::Del, Tool::Save}, true);

@@ -89,6 +89,7 @@ class TemplateTree {
     std::function<void()> opened_;
     std::vector<TreeNode> nodes_;
     std::string selected_;
+    std::string unnamed_;  // the node that was made last, until it has got a name
     bool editsLabels_ = false;
 };
 

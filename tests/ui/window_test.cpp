@@ -366,7 +366,9 @@ TEST_F(WindowTest, PastedCellsThatCannotBeTakenAreListed) {
 class RecordingCommands : public center::TemplateCommands {
   public:
     void Import(center::CommandTarget&) override { run.emplace_back("import"); }
-    void ImportFiles(center::CommandTarget&, const std::vector<std::string>&) override { run.emplace_back("file"); }
+    void ImportFiles(center::CommandTarget&, const std::vector<std::string>&) override {
+        run.emplace_back("file");
+    }
     void ImportTidily(center::CommandTarget&, const std::string& fileName) override {
         run.push_back("tidily " + fileName);
     }
@@ -430,6 +432,31 @@ TEST_F(WindowTest, CtrlSSavesAndCtrlNMakesATemplateWhereverTheirToolsAreOn) {
     window->Tree().setFocus();
     Key(Qt::Key_N, Qt::ControlModifier);
     EXPECT_NE(window->Tree().FindNode("detail-9"), nullptr);
+}
+
+TEST_F(WindowTest, ANewTemplateThatHasBeenNamedIsReadyForItsLines) {
+    Open();
+    window->Tree().setFocus();
+    Key(Qt::Key_N, Qt::ControlModifier);
+    ASSERT_TRUE(window->Tree().IsEditingLabel());
+    Type("Rent");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Focused(), &Grid());
+    EXPECT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{1, center::column::kNo}));
+    Type("7");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Text(1, center::column::kNo), "7");
+}
+
+TEST_F(WindowTest, AnotherNameForATemplateLeavesTheKeyboardInTheTree) {
+    Open();
+    ClickNode("detail-5");
+    Key(Qt::Key_F2);
+    ASSERT_TRUE(window->Tree().IsEditingLabel());
+    Type("Rent");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(window->Tree().FindNode("detail-5")->text(0), "Rent");
+    EXPECT_EQ(Focused(), &window->Tree());
 }
 
 TEST_F(WindowTest, ProgressIsShownInItsFrame) {
