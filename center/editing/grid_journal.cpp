@@ -101,7 +101,6 @@ JournalMark GridJournal::Undo() {
     Step step = std::move(done_.back());
     done_.pop_back();
     JournalMark mark = step.before;
-    mark.leftDirty = step.after.dirty;
     {
         const Catcher catcher(grid_);
         for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
@@ -115,7 +114,6 @@ JournalMark GridJournal::Redo() {
     Step step = std::move(undone_.back());
     undone_.pop_back();
     JournalMark mark = step.after;
-    mark.leftDirty = step.before.dirty;
     {
         const Catcher catcher(grid_);
         for (Change& change : step.changes)

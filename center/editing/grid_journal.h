@@ -20,9 +20,6 @@ namespace vicenter::center {
 struct JournalMark {
     int rowCount = 0;
     CellAddress active{0, 0};
-    bool dirty = false;  // the template differs from what was loaded
-    // While a step is taken back or repeated: the flag on the side that is left.
-    bool leftDirty = false;
     // The rows whose texts a step changed. Rows that came or went as a whole bring their colours along.
     int firstRow = 1;
     int lastRow = 0;

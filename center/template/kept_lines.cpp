@@ -56,7 +56,6 @@ bool KeptLines::OfferUndo(const std::string& notice) {
     MakeRoom(grid, kept);
     JournalMark before = state_.open.Mark();
     before.rowCount = kept;
-    before.dirty = true;
     bool differs = kept != state_.open.RowCount();
     state_.open.Journal().Open(before);
     for (int row = 1; row <= std::max(kept, state_.open.RowCount()); ++row) {
@@ -68,10 +67,7 @@ bool KeptLines::OfferUndo(const std::string& notice) {
             differs = true;
         }
     }
-    // Taking the step back is a change of what was loaded.
-    JournalMark after = state_.open.Mark();
-    after.dirty = true;
-    state_.open.Journal().Close(after);
+    state_.open.Journal().Close(state_.open.Mark());
     pending_ = differs;
     if (differs) state_.open.SetNotice(notice);
     return differs;

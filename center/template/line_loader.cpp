@@ -35,6 +35,17 @@ std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId, Lin
     return count;
 }
 
+LinesDigest DigestOfRows(const EntryGrid& grid, int rowCount) {
+    LinesDigest digest;
+    store::LineTexts texts;
+    for (int row = 1; row <= rowCount; ++row) {
+        for (int c = 1; c <= kColumnCount; ++c)
+            texts[static_cast<std::size_t>(c - 1)] = grid.Text(row, c);
+        digest.Add(texts);
+    }
+    return digest;
+}
+
 int RowOnceSorted(const EntryGrid& grid, int rowCount, int row) {
     if (row < 1 || row > rowCount) return row;
     // "01" and "1" are one number.

@@ -19,6 +19,9 @@ using store::LinesDigest;
 // before them in the grid.
 std::optional<int> LoadLines(EntryGrid& grid, const std::string& templateId, LinesDigest* digest = nullptr);
 
+// Of the first rows of a grid, as of lines that were read.
+LinesDigest DigestOfRows(const EntryGrid& grid, int rowCount);
+
 // The row at which the line of a row will stand once the lines have been saved and read again: they come
 // sorted by template number. Rows outside of those in use stay where they are.
 int RowOnceSorted(const EntryGrid& grid, int rowCount, int row);

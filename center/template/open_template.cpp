@@ -78,11 +78,10 @@ void OpenTemplate::TypedUpon(const LinesDigest& loaded) {
     loaded_ = loaded;
 }
 
+// Back where it was read or saved the template is unmodified again, by whatever way it has come there.
 JournalMark OpenTemplate::Return(JournalMark mark) {
     rowCount_ = mark.rowCount;
-    // Back where it was read or saved the template is unmodified again. What has been saved since, by
-    // whatever way, is modified by going away from it.
-    SetDirty(dirty_ != mark.leftDirty || mark.dirty);
+    SetDirty(!linesKnown_ || !(DigestOfRows(grid_, rowCount_) == loaded_));
     return mark;
 }
 

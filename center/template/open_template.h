@@ -66,7 +66,7 @@ class OpenTemplate final : public GridRecorder {
     // --- undo
     const GridJournal& Journal() const { return journal_; }
     GridJournal& Journal() { return journal_; }
-    JournalMark Mark() const { return {rowCount_, grid_.ActiveCell(), dirty_}; }
+    JournalMark Mark() const { return {rowCount_, grid_.ActiveCell()}; }
     // Only when the journal can; the mark that has been gone back to.
     JournalMark Undo() { return Return(journal_.Undo()); }
     JournalMark Redo() { return Return(journal_.Redo()); }
