@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "center/editing/cell_checks.h"
 #include "center/editing/fault_text.h"
-#include "center/editing/line_amount.h"
+#include "center/health/line_hints.h"
 #include "center/template/template_save.h"
 
 namespace vicenter::center {
@@ -38,14 +39,22 @@ FaultList::Columns FaultList::MissingOf(int row) const {
 }
 
 FaultList::Columns FaultList::HintsOf(int row) const {
-    const EntryGrid& grid = *state_.grid;
     Columns hints = 0;
     if (row > state_.open.RowCount()) return hints;
-    if (!AmountHint(grid, row).empty()) hints |= Bit(column::kAmount);
-    for (const int c : {column::kSettleName, column::kItems}) {
-        if (!state_.accounts.MissingText(grid, {row, c}).empty()) hints |= Bit(c);
-    }
+    for (const CellHint& hint : HintsOfLine(*state_.grid, row, state_.accounts))
+        hints |= Bit(hint.column);
     return hints;
+}
+
+const std::map<int, std::string>& FaultList::NumberHints() const {
+    const int lines = state_.open.RowCount();
+    if (!numberHints_ || std::exchange(hintedRows_, lines) != lines) {
+        numberHints_ = HintsOfNumbers(*state_.grid, lines);
+        hintedRows_ = lines;
+        std::erase_if(*numberHints_,
+                      [this](const auto& hint) { return (At(hint.first).Faulty() & Bit(column::kNo)) != 0; });
+    }
+    return *numberHints_;
 }
 
 const FaultList::RowFaults& FaultList::At(int row) const {
@@ -74,7 +83,7 @@ void FaultList::Leave(const RowFaults& faults) {
 void FaultList::AccountLearned() {
     for (int row = 1; row <= state_.open.RowCount(); ++row) {
         RowFaults faults = At(row);
-        const Columns hints = HintsOf(row);
+        const Columns hints = HintsOf(row) & ~faults.Faulty();
         if (hints == faults.hints) continue;
         faults.hints = hints;
         Put(row, faults);
@@ -82,13 +91,15 @@ void FaultList::AccountLearned() {
 }
 
 void FaultList::CellsChanged(const CellRange& range) {
+    numberHints_.reset();
     const int last = std::min(range.lastRow, state_.grid->RowTotal());
     for (int row = std::max(1, range.firstRow); row <= last; ++row) {
         const auto index = static_cast<std::size_t>(row - 1);
         const bool hadMissing = index < rows_.size() && rows_[index].missing != 0;
         const Columns red = RedOf(row);
+        const Columns missing = hadMissing ? MissingOf(row) : 0;
         // What is wrong needs no hint.
-        Put(row, {red, hadMissing ? MissingOf(row) : 0, HintsOf(row) & ~red});
+        Put(row, {red, missing, HintsOf(row) & ~(red | missing)});
     }
 }
 
@@ -101,6 +112,7 @@ void FaultList::RowsInserted(int firstRow, int count) {
 }
 
 void FaultList::RowsRemoved(int firstRow, int count) {
+    numberHints_.reset();
     const auto first = std::min(static_cast<std::size_t>(firstRow - 1), rows_.size());
     const auto last = std::min(first + static_cast<std::size_t>(count), rows_.size());
     for (std::size_t i = first; i < last; ++i)
@@ -110,16 +122,19 @@ void FaultList::RowsRemoved(int firstRow, int count) {
 }
 
 void FaultList::WasReset() {
+    numberHints_.reset();
     rows_.clear();
     count_ = 0;
     hintCount_ = 0;
 }
 
 void FaultList::AddMissing() {
+    numberHints_.reset();
     for (const Finding& finding : AllFindings(*state_.grid, state_.open.RowCount())) {
         const auto index = static_cast<std::size_t>(finding.row - 1);
         RowFaults faults = index < rows_.size() ? rows_[index] : RowFaults();
         faults.missing |= Bit(finding.column);
+        faults.hints &= ~faults.missing;
         Put(finding.row, faults);
     }
 }
@@ -129,28 +144,41 @@ void FaultList::AddMissing() {
 std::vector<CellAddress> FaultList::Cells() const {
     std::vector<CellAddress> cells;
     cells.reserve(static_cast<std::size_t>(count_) + static_cast<std::size_t>(hintCount_));
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-        for (Columns left = rows_[i].All(); left != 0; left &= left - 1)
-            cells.push_back({static_cast<int>(i) + 1, std::countr_zero(left)});
+    const std::map<int, std::string>& numbers = NumberHints();
+    const int last = numbers.empty() ? 0 : numbers.rbegin()->first;
+    for (int row = 1; row <= std::max(static_cast<int>(rows_.size()), last); ++row) {
+        Columns left = At(row).All();
+        if (numbers.contains(row)) left |= Bit(column::kNo);
+        for (; left != 0; left &= left - 1)
+            cells.push_back({row, std::countr_zero(left)});
     }
     return cells;
 }
 
+int FaultList::HintCount() const {
+    return hintCount_ + static_cast<int>(NumberHints().size());
+}
+
 bool FaultList::IsHint(const CellAddress& cell) const {
+    if (cell.column == column::kNo) return NumberHints().contains(cell.row);
     return (At(cell.row).hints & Bit(cell.column)) != 0;
 }
 
 std::string FaultList::HintText(const CellAddress& cell) const {
     if (!IsHint(cell)) return {};
-    return cell.column == column::kAmount ? AmountHint(*state_.grid, cell.row)
-                                          : state_.accounts.MissingText(*state_.grid, cell);
+    if (cell.column == column::kNo) return NumberHints().at(cell.row);
+    for (CellHint& hint : HintsOfLine(*state_.grid, cell.row, state_.accounts)) {
+        if (hint.column == cell.column) return std::move(hint.text);
+    }
+    return {};
 }
 
 Fault FaultList::Describe(const CellAddress& cell) const {
     const EntryGrid& grid = *state_.grid;
     Fault fault{cell, std::string(grid.Text(cell.row, cell.column)), FaultText(grid, cell),
                 grid.Layout(cell.column).hidden};
-    if (!fault.reason.empty() || (At(cell.row).All() & Bit(cell.column)) == 0) return fault;
+    const bool faulty = (At(cell.row).Faulty() & Bit(cell.column)) != 0;
+    if (!fault.reason.empty() || (!faulty && !IsHint(cell))) return fault;
     for (const Finding& finding : FindingsOfRow(grid, cell.row)) {
         if (finding.column == cell.column) fault.reason = finding.reason;
     }

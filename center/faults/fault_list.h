@@ -5,6 +5,7 @@
 // until its cell is mended. Part of frmVICenter.
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,11 +35,12 @@ class FaultList {
     // What the accounts of the lines want may be known by now.
     void AccountLearned();
 
-    // A save has been refused: what is missing in the lines counts as faulty until it is there.
+    // A save has been refused, or the lines are what is stored: what is missing in them counts as faulty
+    // until it is there.
     void AddMissing();
 
     int Count() const { return count_; }
-    int HintCount() const { return hintCount_; }
+    int HintCount() const;
     // Faults and hints, by rows, then columns.
     std::vector<CellAddress> Cells() const;
     // Quick, for painting.
@@ -68,11 +70,15 @@ class FaultList {
     const RowFaults& At(int row) const;
     void Put(int row, const RowFaults& faults);
     void Leave(const RowFaults& faults);  // they no longer count
+    // By the first row of each number, unless its cell is faulty. Of the lines as they are.
+    const std::map<int, std::string>& NumberHints() const;
 
     const WindowState& state_;
     std::vector<RowFaults> rows_;  // as many as have ever had a fault
     int count_ = 0;
     int hintCount_ = 0;
+    mutable std::optional<std::map<int, std::string>> numberHints_;
+    mutable int hintedRows_ = 0;  // the lines of which numberHints_ are
 };
 
 }  // namespace vicenter::center

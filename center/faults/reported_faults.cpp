@@ -29,7 +29,7 @@ void ReportedFaults::Show(const std::string& templateId, const std::string& temp
     for (ReportedFault& known : all_) {
         const bool ofTemplate = known.kind == FaultSource::Template;
         if (renamed && ofTemplate && known.source == before) known.source = templateName;
-        const bool stepsBack = ofTemplate && known.source == templateName && !known.fault.hint;
+        const bool stepsBack = ofTemplate && known.source == templateName;
         (stepsBack ? steppedBack_ : left).push_back(std::move(known));
     }
     all_ = std::move(left);

@@ -40,14 +40,14 @@ class ReportedFaults {
     // Of All().
     int HintCount() const;
 
-    // That template is in the grid now, whose own cells tell their faults: what has been reported of them
-    // steps back until another one is there. Hints stay. Under a new name the reports follow. Both are empty
+    // That template is in the grid now, whose own cells tell their faults and hints: what has been reported
+    // of them steps back until another one is there. Under a new name the reports follow. Both are empty
     // without a template.
     void Show(const std::string& templateId, const std::string& templateName);
     const std::string& ShownId() const { return shownId_; }
     const std::string& ShownName() const { return shownName_; }
     const std::vector<ReportedFault>& SteppedBack() const { return steppedBack_; }
-    // The faults of that template as it is stored now.
+    // Faults and hints of that template as it is stored now.
     void ReplaceSteppedBack(const std::vector<store::LineFault>& faults);
     // places: of All().
     void Drop(const std::vector<std::size_t>& places);

@@ -1,5 +1,8 @@
 #include "center/frame/window_parts.h"
 
+#include <utility>
+
+#include "automation/quietly.h"
 #include "center/editing/fault_text.h"
 #include "center/frame/account_names.h"
 #include "center/template/line_loader.h"
@@ -38,11 +41,13 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
       tree(
           state, [this] { return save.ConfirmUnsavedChanges(); }, [this] { drafts.Leaving(); },
           [this] {
+              state.view.TellDone({}, {});  // what was done was done to another
+              state.accounts.Forget();
+              state.uses.Forget();
+              LookOverStored();
               ReportsFollowTemplate();
               drafts.Opened();
               editing.Forget();
-              state.accounts.Forget();
-              state.uses.Forget();
               RefreshPanels();
           }),
       refused(state),
@@ -59,7 +64,10 @@ WindowParts::WindowParts(VICenterView& view, TemplateCommands* theCommands, Comm
               state.view.CommitTyping();
               editing.FinishTyping();
           },
-          [this] { drafts.SetDeclined(false); }) {
+          [this] {
+              drafts.SetDeclined(false);
+              automation::Quietly([this] { AskOfNewAccounts(); });
+          }) {
     state.grid->AddObserver(*this);
     state.accounts.OnLearned([this] {
         faults.AccountLearned();
@@ -184,6 +192,7 @@ void WindowParts::ContentChanged() {
 
 void WindowParts::RowsInserted(int firstRow, int count) {
     sums.reset();
+    newAccounts = true;
     proposals.RowsInserted(firstRow, count);
     refused.RowsInserted(firstRow, count);
     faults.RowsInserted(firstRow, count);
@@ -213,6 +222,19 @@ void WindowParts::ColumnsChanged(int firstColumn, int lastColumn) {
     if (firstColumn <= column::kAmount && column::kAmount <= lastColumn) RefreshStatus();
 }
 
+// What is stored is what the user has finished: nothing that it lacks is still to come.
+void WindowParts::LookOverStored() {
+    if (!state.open.LinesKnown()) return;
+    newAccounts = true;
+    AskOfNewAccounts();
+    faults.AddMissing();
+}
+
+void WindowParts::AskOfNewAccounts() {
+    if (state.open.IsOpen() && std::exchange(newAccounts, false))
+        state.accounts.AskOfLines(*state.grid, state.open.RowCount());
+}
+
 void WindowParts::FaultsChanged() {
     state.view.FaultsChanged();
 }
@@ -231,10 +253,9 @@ void WindowParts::ReportsFollowTemplate() {
     if (!reported.SteppedBack().empty() && state.open.LinesKnown()) {
         std::vector<store::LineFault> stored;
         for (const CellAddress& cell : faults.Cells()) {
-            if (faults.IsHint(cell)) continue;
             Fault fault = faults.Describe(cell);
             stored.push_back({cell.row, cell.column, std::string(Column(cell.column).header),
-                              std::move(fault.value), std::move(fault.reason)});
+                              std::move(fault.value), std::move(fault.reason), fault.hint});
         }
         reported.ReplaceSteppedBack(stored);
     }
@@ -258,6 +279,8 @@ void WindowParts::MarkUnusable() {
 
 void WindowParts::TextsChanged(const CellRange& range) {
     sums.reset();
+    if (range.firstColumn <= column::kAccountNumber && column::kAccountNumber <= range.lastColumn)
+        newAccounts = true;
     ContentChanged();
     proposals.TextsChanged();
     refused.TextsChanged();

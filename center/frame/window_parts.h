@@ -111,6 +111,7 @@ struct WindowParts : public GridObserver {
     bool passesBy = true;            // cells that the account has no use for
     bool freezes = false;            // the first columns
     bool offersDrafts = false;       // the window is on the screen
+    bool newAccounts = false;        // what the lines' accounts want may not be known yet
 
     Edge edge;
     GridFacet gridFacet{*this};
@@ -126,6 +127,8 @@ struct WindowParts : public GridObserver {
     void OfferDraft(const FoundDraft& found);
     bool OpenTemplateOf(const Draft& draft, const std::string& key);
     void ContentChanged();
+    void LookOverStored();
+    void AskOfNewAccounts();
     void FaultsChanged();
     void ShowFind();
     void ShowColumns();

@@ -4,12 +4,11 @@
 // checks let pass but somebody should look at. Reads the ledger's master data, changes nothing. Needs no
 // window. User-interface thread.
 
-#include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "center/grid/entry_grid.h"
+#include "center/lookups/account_cells.h"
 
 namespace vicenter::center {
 
@@ -29,14 +28,12 @@ struct TemplateFinding {
 // Of many templates in turn: what has been asked of an account once is not asked again.
 class TemplateCheck {
   public:
-    // The lines of one template, loaded with their checks. Row by row; what is said of a number stands at its
-    // first row.
+    // The lines of one template, loaded with their checks: what its cells show once it is open, and what
+    // keeps it from being saved. Row by row; what is said of a number stands at its first row.
     std::vector<TemplateFinding> Check(const EntryGrid& grid, int rowCount);
 
   private:
-    bool TakesItems(const std::string& accountNumber);
-
-    std::unordered_map<std::string, bool> takesItems_;  // by account number
+    AccountCells accounts_;
 };
 
 }  // namespace vicenter::center

@@ -1,6 +1,7 @@
 #include "center/lookups/account_cells.h"
 
 #include <optional>
+#include <vector>
 
 #include "platform/system/utf8.h"
 
@@ -53,6 +54,20 @@ const store::AccountNeeds* AccountCells::Ask(std::string_view accountNumber) {
     const store::AccountNeeds* kept = &known_.emplace(accountNumber, *needs).first->second;
     if (learned_) learned_();
     return kept;
+}
+
+void AccountCells::AskOfLines(const EntryGrid& grid, int rowCount) {
+    std::vector<std::string> numbers;
+    for (int row = 1; row <= rowCount; ++row) {
+        const std::string_view number = AccountOf(grid, row);
+        if (number.empty() || known_.contains(number) || asked_.contains(number)) continue;
+        asked_.emplace(number);
+        numbers.emplace_back(number);
+    }
+    if (numbers.empty()) return;
+    const std::size_t before = known_.size();
+    known_.merge(store::ReadNeedsOfAccounts(numbers));
+    if (known_.size() != before && learned_) learned_();
 }
 
 bool AccountCells::IsPassedBy(const EntryGrid& grid, const CellAddress& cell) {

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -21,8 +22,13 @@ class AccountCells {
 
     // Asks the account set unless it is known. None for what is no detail account or could not be read.
     const store::AccountNeeds* Ask(std::string_view accountNumber);
+    // Those of the lines, by one question, unless they have been asked about before.
+    void AskOfLines(const EntryGrid& grid, int rowCount);
     const store::AccountNeeds* IfKnown(std::string_view accountNumber) const;
-    void Forget() { known_.clear(); }
+    void Forget() {
+        known_.clear();
+        asked_.clear();
+    }
 
     // The account of the row has no use for that cell, which is empty, or its code brings the text: the
     // cursor may pass it by.
@@ -33,6 +39,7 @@ class AccountCells {
 
   private:
     std::map<std::string, store::AccountNeeds, std::less<>> known_;
+    std::set<std::string, std::less<>> asked_;  // with others, answered or not
     std::function<void()> learned_;
 };
 

@@ -224,10 +224,12 @@ void TreeFacet::CheckTemplates() {
         for (const TemplateFinding& finding : check.Check(grid, *lines)) {
             const bool isFault = finding.kind == TemplateFinding::Kind::Fault;
             (isFault ? faults : hints) += 1;
-            report.faults.push_back(
-                {finding.row, finding.column,
-                 finding.column == 0 ? finding.number + " 号" : std::string(Column(finding.column).header),
-                 finding.value, isFault ? finding.reason : "提示：" + finding.reason, !isFault});
+            // As the cells of the template tell it once it is open: of a number as a whole, that of its name.
+            const bool ofNumber = finding.column == 0;
+            const int gridColumn = ofNumber ? column::kNo : finding.column;
+            report.faults.push_back({finding.row, gridColumn, std::string(Column(gridColumn).header),
+                                     ofNumber ? finding.number : finding.value,
+                                     isFault ? finding.reason : "提示：" + finding.reason, !isFault});
         }
         parts_.reported.Take(report);
     }

@@ -1,9 +1,10 @@
-// vicenter check NAME: the first line that keeps the template from being saved, and every cell that would be
-// red. check --all: every template against today's ledger, for a job at night.
+// vicenter check NAME: one template against today's ledger, and the message with which it would not be saved.
+// check --all: every template, for a job at night. Both by the rules of the window's list of faults.
 
 #include <optional>
 #include <ostream>
 
+#include "center/editing/fault_text.h"
 #include "center/grid/columns.h"
 #include "center/health/template_check.h"
 #include "center/template/template_save.h"
@@ -24,7 +25,7 @@ std::string FindingText(const TemplateHead& head, const center::TemplateFinding&
                        finding.number + " 号\t行" + std::to_string(finding.row) + "\t";
     if (finding.column != 0) text.append(center::Column(finding.column).header);
     if (!finding.value.empty()) text += " “" + OneLine(finding.value) + "”";
-    return text + "\t" + finding.reason + "\n";
+    return text + "\t" + OneLine(finding.reason) + "\n";
 }
 
 Variant FindingObject(const center::TemplateFinding& finding) {
@@ -44,7 +45,7 @@ int RunCheckAll(const CliContext& context) {
     int hints = 0;
     for (const TemplateHead& head : ReadTemplates(context)) {
         TemplateLines lines;
-        ReadLines(head, lines);
+        ReadLines(head.id, lines);
         VariantArray findings;
         for (const center::TemplateFinding& finding : check.Check(lines.grid, lines.count)) {
             (IsFault(finding) ? faults : hints) += 1;
@@ -69,24 +70,13 @@ int RunCheckAll(const CliContext& context) {
     return faults == 0 ? kExitDone : kExitFailed;
 }
 
-}  // namespace
-
-int RunCheck(const CliContext& context) {
-    if (context.options.all) return RunCheckAll(context);
-    const TemplateHead head = FindTemplate(context, context.options.name);
-    TemplateLines lines;
-    ReadLines(head, lines);
-    const std::optional<center::Finding> finding = center::ValidateLines(lines.grid, lines.count);
-    if (finding) center::Tell(finding->text);
-
+// The cells that are red, by lines, and the state of the numbers.
+Variant StoredState(const TemplateHead& head, const TemplateLines& lines, const VariantArray& findings) {
     VariantArray faultyLines;
-    std::string text;
     for (int row = 1; row <= lines.count; ++row) {
         VariantArray faulty;
-        for (const FaultyCell& cell : FaultyCells(lines.grid, row)) {
-            faulty.emplace_back(cell.field);
-            text += "第 " + std::to_string(row) + " 行 " + std::string(center::Column(cell.column).header) +
-                    " “" + OneLine(lines.grid.Text(row, cell.column)) + "”：" + cell.reason + "\n";
+        for (const center::ColumnSpec& spec : center::Columns()) {
+            if (!center::FaultText(lines.grid, {row, spec.column}).empty()) faulty.emplace_back(spec.field);
         }
         if (faulty.empty()) continue;
         const auto record = static_cast<std::size_t>(row - 1);
@@ -95,12 +85,47 @@ int RunCheck(const CliContext& context) {
                         {"FNo", lines.records->ValueAt(record, lines.records->ColumnIndex("FNo"))},
                         {"faulty", faulty}}));
     }
-    if (text.empty() && !finding) text = "模板 " + head.name + " 未发现异常。\n";
-    const Variant data = JsonObject({{"FID", Variant(head.id).ToInt32()},
-                                     {"FName", head.name},
-                                     {"lines", faultyLines},
-                                     {"control", ReadControlRows(head.id)}});
-    return FinishSpeaking(context, true, data, text);
+    return JsonObject({{"FID", Variant(head.id).ToInt32()},
+                       {"FName", head.name},
+                       {"lines", faultyLines},
+                       {"findings", findings},
+                       {"control", ReadControlRows(head.id)}});
+}
+
+std::string LineOf(const center::TemplateFinding& finding) {
+    std::string text = (IsFault(finding) ? "第 " : "提示：第 ") + std::to_string(finding.row) + " 行 ";
+    text += finding.column == 0 ? finding.number + " 号" : std::string(center::Column(finding.column).header);
+    if (!finding.value.empty()) text += " “" + OneLine(finding.value) + "”";
+    return text + "：" + OneLine(finding.reason) + "\n";
+}
+
+}  // namespace
+
+int RunCheck(const CliContext& context) {
+    if (context.options.all) return RunCheckAll(context);
+    const TemplateHead head = FindTemplate(context, context.options.name);
+    TemplateLines lines;
+    ReadLines(head.id, lines);
+    // What the save would refuse it with.
+    const std::optional<center::Finding> refusal = center::ValidateLines(lines.grid, lines.count);
+    if (refusal) center::Tell(refusal->text);
+
+    VariantArray findings;
+    std::string text;
+    int faults = 0;
+    int hints = 0;
+    for (const center::TemplateFinding& finding : center::TemplateCheck().Check(lines.grid, lines.count)) {
+        (IsFault(finding) ? faults : hints) += 1;
+        findings.push_back(FindingObject(finding));
+        const bool told = refusal && refusal->row == finding.row && refusal->column == finding.column;
+        if (!told) text += LineOf(finding);
+    }
+    text += findings.empty() ? "模板 " + head.name + " 未发现异常。\n"
+                             : "模板 " + head.name + "：异常 " + std::to_string(faults) + " 处，提示 " +
+                                   std::to_string(hints) + " 处。\n";
+    // Its findings are the answer, whatever they are; whoever reads a document asks it first.
+    FinishSpeaking(context, faults == 0 || !context.options.json, StoredState(head, lines, findings), text);
+    return faults == 0 ? kExitDone : kExitFailed;
 }
 
 }  // namespace vicenter::host

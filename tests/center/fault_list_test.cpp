@@ -26,11 +26,14 @@ class Faults : public CenterTest {
         Window().Cells().CommitText({row, gridColumn}, text);
         Window().Cells().MoveActiveCell({row, gridColumn < 21 ? gridColumn + 1 : 1});
     }
-    // "row,column value: reason"
-    Texts Listed() {
+    // Those that must be mended: "row,column value: reason"
+    Texts Listed() { return Listed(false); }
+    Texts Hints() { return Listed(true); }
+    Texts Listed(bool hints) {
         Texts listed;
         for (const CellAddress& cell : Window().Faults().Cells()) {
             const Fault fault = Window().Faults().Describe(cell);
+            if (fault.hint != hints) continue;
             listed.push_back(std::to_string(cell.row) + "," + std::to_string(cell.column) + " " +
                              fault.value + ": " + fault.reason + (fault.hidden ? " (hidden)" : ""));
         }
@@ -67,6 +70,23 @@ TEST_F(Faults, OfAPasteAreAllThereHoweverMany) {
     EXPECT_EQ(Window().Faults().Describe({40, column::kAmount}).value, "x39");
     Window().Cells().Undo();
     EXPECT_THAT(Listed(), IsEmpty());
+}
+
+// What is too long for any cell stays outside; what is left out and what must be mended are two things.
+TEST_F(Faults, ATextBeyondAllMeasureLeavesItsCellAsItWasAndIsToldOnce) {
+    Window().Cells().PasteBlock({1, column::kRemark}, CopiedBlock(std::string(1U << 20U, 'x')));
+    ASSERT_EQ(Messages().size(), 1U);
+    EXPECT_THAT(Messages()[0],
+                testing::StartsWith("以下 1 处内容没有取用，单元格保持原样：\r\n\r\n行1 备注：“xxx"));
+    EXPECT_THAT(Messages()[0], testing::Not(HasSubstr("更正后才能保存")));
+    EXPECT_THAT(Listed(), IsEmpty());
+    surroundings_.messageBoxes->shown.clear();
+    Window().Cells().PasteBlock({1, column::kAmount}, CopiedBlock("abc\t" + std::string(1U << 20U, 'x')));
+    ASSERT_EQ(Messages().size(), 1U);
+    EXPECT_THAT(
+        Messages()[0],
+        testing::AllOf(HasSubstr("以下 1 个单元格的内容不能使用，更正后才能保存：\r\n\r\n行1 金额：“abc”"),
+                       HasSubstr("\r\n\r\n以下 1 处内容没有取用，单元格保持原样：\r\n\r\n行1 备注：“xxx")));
 }
 
 TEST_F(Faults, OfATemplateThatIsOpenedAreThere) {
@@ -245,7 +265,35 @@ TEST_F(CheckedTemplate, HasItsFaultsBackWhenItIsLeftAsItWas) {
     EXPECT_THAT(Listed(), IsEmpty());
     EXPECT_THAT(Left(name_), ElementsAre("科目代码不存在"));
     EXPECT_EQ(view_.status.faults, 1);
+    EXPECT_EQ(view_.status.hints, 0) << "its numbers balance as they are stored now";
+}
+
+TEST_F(CheckedTemplate, SaysEachHintOnceWhetherItIsOpenOrNot) {
+    lines_["5"][1][19] = 12;  // its amount, on one side alone
+    const Texts unbalanced{"1,1 1: 提示：借贷金额不平"};
+    EXPECT_EQ(view_.status.hints, 1) << "as it was checked";
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_EQ(Hints(), unbalanced);
+    EXPECT_TRUE(Window().Cells().IsHint({1, column::kNo}));
+    EXPECT_EQ(Window().Cells().DescribeHint({1, column::kNo}), "借贷金额不平");
     EXPECT_EQ(view_.status.hints, 1);
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_EQ(Hints(), unbalanced) << "read again";
+    Window().Tree().NodeClick("detail-8");
+    EXPECT_THAT(Hints(), IsEmpty());
+    EXPECT_EQ(view_.status.hints, 1);
+    Window().Tree().NodeClick("detail-5");
+    Give(1, column::kAmount, "12");
+    Give(1, column::kDirection, "贷");
+    EXPECT_THAT(Hints(), IsEmpty());
+    EXPECT_EQ(view_.status.hints, 0);
+    EXPECT_FALSE(Window().Cells().IsHint({1, column::kNo}));
+}
+
+TEST_F(Faults, OfWhatIsStoredAreWhatItLacks) {
+    lines_["5"] = {Line(1, "")};
+    Window().Tree().NodeClick("detail-5");
+    EXPECT_THAT(Listed(), ElementsAre("1,2 : 凭证模板 1 号第一行摘要为空，请录入摘要！"));
 }
 
 TEST_F(CheckedTemplate, HasThemBackWhenWhatWasMendedIsNotSaved) {

@@ -1,7 +1,10 @@
 // A window on a real account set while the program works on the same set in a process of its own: what one
 // deletes, saves or creates never ends up in the other's template.
 
+#include <algorithm>
 #include <functional>
+#include <set>
+#include <sstream>
 
 #include <gmock/gmock.h>
 
@@ -20,7 +23,9 @@ namespace vicenter::center::test {
 namespace {
 
 using system::MessageResult;
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::IsSupersetOf;
 using Texts = std::vector<std::string>;
 
 constexpr const char* kOneLine =
@@ -309,6 +314,110 @@ TEST_F(TwoProcesses, TheWindowAndTheProgramCountTheSameFaults) {
     }
     EXPECT_EQ(cells, listed);
     EXPECT_NE(counted.find("异常 " + std::to_string(cells) + " 处"), std::string::npos) << counted;
+}
+
+// Whatever way leads there: what is stored bears no sign of changes, what is not does.
+TEST_F(TwoProcesses, AConflictThatWasAnsweredNoLeavesTheSignToWhatDiffers) {
+    Window().Tree().NodeClick("detail-1");
+    Type(1, column::kExplanation, "我的");
+    ASSERT_EQ(Elsewhere({"save", "日常费用"}, kOneLine), 0) << Said(folder_);
+    Answer(MessageResult::No);
+    Answer(MessageResult::No);
+    EXPECT_FALSE(Window().Save());
+    EXPECT_FALSE(Window().IsDirty());
+    for (int round = 0; round < 2; ++round) {
+        Window().Cells().Undo();
+        EXPECT_EQ(Cell(1, column::kExplanation), "我的");
+        EXPECT_TRUE(Window().IsDirty());
+        Window().Cells().Redo();
+        EXPECT_EQ(Cell(1, column::kExplanation), "别处");
+        EXPECT_FALSE(Window().IsDirty()) << "that is what is stored";
+    }
+}
+
+// One rule for all: what is reported of templates that are not open, the list of the open one's cells and the
+// program, whichever is open, read again or saved.
+class OneAnswer : public TwoProcesses {
+  protected:
+    void SetUp() override {
+        TwoProcesses::SetUp();
+        session_->Execute("update t_VchTemplateEntry set FAmount = 7 where FID = 1 and FEntryID = 3");
+        session_->Execute("update t_VchTemplateEntry set FItemsInfo = '' where FID = 1");
+        session_->Execute("update t_VchTemplateEntry set FExp = '' where FID = 2 and FEntryID = 1");
+        session_->Execute("update t_VchTemplateEntry set FQty = 2, FPrice = 3.5 where FID = 0");
+        session_->Execute("update t_VchTemplateEntry set FSettleName = '', FSettleID = 0");
+        Window().Tree().NodeClick("detail-0");
+    }
+    // "template|row|reason", a hint's behind its mark.
+    static std::string Key(const std::string& name, int row, const std::string& reason) {
+        return name + "|" + std::to_string(row) + "|" + reason;
+    }
+    std::multiset<std::string> OfWindow() {
+        std::multiset<std::string> keys;
+        for (const CellAddress& cell : Window().Faults().Cells()) {
+            const Fault fault = Window().Faults().Describe(cell);
+            keys.insert(Key(Window().TemplateName(), cell.row, fault.reason));
+            const std::string marked = Window().Cells().DescribeHint(cell);
+            EXPECT_EQ(Window().Cells().IsHint(cell) ? "提示：" + marked : marked,
+                      fault.hint ? fault.reason : "");
+        }
+        for (const ReportedFault& fault : Window().Faults().Reported())
+            keys.insert(Key(fault.source, fault.fault.row, fault.fault.reason));
+        return keys;
+    }
+    std::multiset<std::string> OfProgram() {
+        EXPECT_EQ(Elsewhere({"check", "--all"}), 1);
+        std::multiset<std::string> keys;
+        std::istringstream said(Said(folder_));
+        for (std::string line; std::getline(said, line);) {
+            std::vector<std::string> fields;
+            std::istringstream cut(line);
+            for (std::string field; std::getline(cut, field, '\t');)
+                fields.push_back(field);
+            if (fields.size() < 6) continue;
+            keys.insert(Key(fields[0], std::stoi(fields[3].substr(std::string("行").size())),
+                            (fields[1] == "提示" ? "提示：" : "") + fields[5]));
+        }
+        return keys;
+    }
+    void CheckAll() {
+        Window().Tree().NodeClick(std::string(kRootKey));
+        for (const TreeMenuItem& item : Window().Tree().MenuItems()) {
+            if (item.text.starts_with("检查全部模板")) item.run();
+        }
+        surroundings_.messageBoxes->shown.clear();
+    }
+};
+
+TEST_F(OneAnswer, OfListMarksReportsAndProgramIsTheSame) {
+    const std::multiset<std::string> program = OfProgram();
+    ASSERT_THAT(program,
+                IsSupersetOf({"日常费用|3|提示：借贷金额不平", "日常费用|1|提示：科目核算项目，尚未录入",
+                              "销售与收款|1|凭证模板 1 号第一行摘要为空，请录入摘要！"}));
+    CheckAll();
+    EXPECT_EQ(OfWindow(), program);
+    for (const TreeNode& node : Window().Nodes()) {
+        if (node.key == kRootKey) continue;
+        Window().Tree().NodeClick(node.key);
+        EXPECT_EQ(OfWindow(), program) << node.text << " is open";
+        Window().Tree().NodeClick(node.key);
+        EXPECT_EQ(OfWindow(), program) << node.text << " was read again";
+    }
+    Window().Tree().NodeClick("detail-1");
+    Type(1, column::kRemark, "改过");
+    ASSERT_TRUE(Window().Save());
+    EXPECT_EQ(OfWindow(), program) << "saved";
+}
+
+TEST_F(OneAnswer, OfOneTemplateIsWhatIsSaidOfItAmongAll) {
+    const std::multiset<std::string> all = OfProgram();
+    const auto hints = std::count_if(all.begin(), all.end(),
+                                     [](const std::string& key) { return key.starts_with("日常费用|"); });
+    EXPECT_EQ(Elsewhere({"check", "日常费用"}), 0);
+    EXPECT_THAT(Said(folder_),
+                EndsWith("模板 日常费用：异常 0 处，提示 " + std::to_string(hints) + " 处。\n"));
+    EXPECT_EQ(Elsewhere({"check", "销售与收款"}), 1);
+    EXPECT_THAT(Said(folder_), HasSubstr("：异常 1 处，"));
 }
 
 // Whoever chose a version in a list may be too late: another command has let it go meanwhile.

@@ -44,6 +44,19 @@ TEST_F(TitleTest, ASaveIsToldInTheStatusLineAsWell) {
     EXPECT_THAT(Hint().text().toStdString(), HasSubstr("✓ 模板 标准模板 已保存"));
 }
 
+TEST_F(TitleTest, WhatWasDoneToOneTemplateIsNotSaidOverAnother) {
+    Open();
+    ClickCell(1, 2);
+    Type("x");
+    Key(Qt::Key_Return);
+    Key(Qt::Key_S, Qt::ControlModifier);
+    ASSERT_THAT(Hint().text().toStdString(), HasSubstr("已保存"));
+    window->Tree().setFocus();
+    Key(Qt::Key_Down);
+    ASSERT_NE(window->Presenter().TemplateId(), "0");
+    EXPECT_EQ(Hint().text().toStdString(), "");
+}
+
 TEST_F(TitleTest, AFileThatWasMadeIsALinkThatOpensIt) {
     Open();
     window->Presenter().TellDone("模板 A&B 已引出", "/tmp/模板 <1>.xlsx");

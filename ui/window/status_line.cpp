@@ -115,6 +115,10 @@ void StatusLine::EndFlash() {
 }
 
 void StatusLine::TellDone(const QString& text, const QString& file) {
+    if (text.isEmpty()) {
+        if (!doneText_.isEmpty()) EndDone();
+        return;
+    }
     doneText_ = text.simplified();
     doneFile_ = file;
     done_.start();
