@@ -129,7 +129,8 @@ TEST_F(JobsOfEntryTest, ThreeHundredPastedRowsWithFaultsMended) {
     QApplication::clipboard()->setText(ThreeHundredRows());
     const auto check = [this] {
         ASSERT_EQ(window->Presenter().RowCount(), 300);
-        EXPECT_TRUE(window->Presenter().Faults().Cells().empty());
+        for (const center::CellAddress& cell : window->Presenter().Faults().Cells())
+            EXPECT_TRUE(window->Presenter().Faults().Describe(cell).hint) << cell.row << "," << cell.column;
         EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FAmount = 860 and FID = " +
                          window->Presenter().TemplateId()),
                   300);
