@@ -152,14 +152,15 @@ TEST_F(TreeMenuWayTest, AllTemplatesAreCheckedAndAFaultLeadsToItsCell) {
     };
     const center::ReportedFault fault = find("日常费用", "不是明细科目，请选择明细科目");
     EXPECT_EQ(fault.fault.header, "科目代码(*)");
-    EXPECT_EQ(find("销售与收款", "提示：借贷金额不平").fault.header, "1 号");
+    EXPECT_EQ(find("销售与收款", "提示：借贷金额不平").fault.header, "模板编号(*)");
+    EXPECT_EQ(find("销售与收款", "提示：借贷金额不平").fault.value, "1");
     EXPECT_TRUE(window->findChild<QWidget*>("faultPanel")->isVisible());
     list.OpenReported(fault);
     EXPECT_EQ(window->Presenter().TemplateName(), "日常费用");
     EXPECT_EQ(window->Presenter().Grid().ActiveCell(), (center::CellAddress{2, column::kAccountNumber}));
     // The cells of the open template tell their faults themselves: none stands there twice.
     for (const center::ReportedFault& left : list.Reported())
-        EXPECT_TRUE(left.source != "日常费用" || left.fault.hint) << left.fault.reason;
+        EXPECT_NE(left.source, "日常费用") << left.fault.reason;
     EXPECT_FALSE(list.Cells().empty());
     // What has been mended since goes with the next check.
     session->Execute("update t_Account set FDetail = 1 where FNumber = '1001'");
