@@ -4,7 +4,6 @@
 #include <optional>
 #include <ostream>
 
-#include "center/editing/fault_text.h"
 #include "center/grid/columns.h"
 #include "center/health/template_check.h"
 #include "center/template/template_save.h"
@@ -45,7 +44,7 @@ int RunCheckAll(const CliContext& context) {
     int hints = 0;
     for (const TemplateHead& head : ReadTemplates(context)) {
         TemplateLines lines;
-        ReadLines(head.id, lines);
+        ReadLines(head, lines);
         VariantArray findings;
         for (const center::TemplateFinding& finding : check.Check(lines.grid, lines.count)) {
             (IsFault(finding) ? faults : hints) += 1;
@@ -75,9 +74,8 @@ Variant StoredState(const TemplateHead& head, const TemplateLines& lines, const 
     VariantArray faultyLines;
     for (int row = 1; row <= lines.count; ++row) {
         VariantArray faulty;
-        for (const center::ColumnSpec& spec : center::Columns()) {
-            if (!center::FaultText(lines.grid, {row, spec.column}).empty()) faulty.emplace_back(spec.field);
-        }
+        for (const FaultyCell& cell : FaultyCells(lines.grid, row))
+            faulty.emplace_back(cell.field);
         if (faulty.empty()) continue;
         const auto record = static_cast<std::size_t>(row - 1);
         faultyLines.push_back(
@@ -105,7 +103,7 @@ int RunCheck(const CliContext& context) {
     if (context.options.all) return RunCheckAll(context);
     const TemplateHead head = FindTemplate(context, context.options.name);
     TemplateLines lines;
-    ReadLines(head.id, lines);
+    ReadLines(head, lines);
     // What the save would refuse it with.
     const std::optional<center::Finding> refusal = center::ValidateLines(lines.grid, lines.count);
     if (refusal) center::Tell(refusal->text);
@@ -120,9 +118,9 @@ int RunCheck(const CliContext& context) {
         const bool told = refusal && refusal->row == finding.row && refusal->column == finding.column;
         if (!told) text += LineOf(finding);
     }
-    text += findings.empty() ? "模板 " + head.name + " 未发现异常。\n"
-                             : "模板 " + head.name + "：异常 " + std::to_string(faults) + " 处，提示 " +
-                                   std::to_string(hints) + " 处。\n";
+    text += findings.empty() ? "模板 " + OneLine(head.name) + " 未发现异常。\n"
+                             : "模板 " + OneLine(head.name) + "：异常 " + std::to_string(faults) +
+                                   " 处，提示 " + std::to_string(hints) + " 处。\n";
     // Its findings are the answer, whatever they are; whoever reads a document asks it first.
     FinishSpeaking(context, faults == 0 || !context.options.json, StoredState(head, lines, findings), text);
     return faults == 0 ? kExitDone : kExitFailed;
