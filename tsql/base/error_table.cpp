@@ -239,6 +239,12 @@ constexpr ErrorEntry kErrors[] = {
     {1759, 16, kText,
      "Computed column '%.*ls' in table '%.*ls' is not allowed to be used in another computed-column "
      "definition."},
+    {1761, 16, kText,
+     "Cannot create the foreign key \"%.*ls\" with the SET NULL referential action, because one or more "
+     "referencing columns are not nullable."},
+    {1762, 16, kText,
+     "Cannot create the foreign key \"%.*ls\" with the SET DEFAULT referential action, because one or more "
+     "referencing not-nullable columns lack a default constraint."},
     {1767, 16, kText, "Foreign key '%.*ls' references invalid table '%.*ls'."},
     {1776, 16, kText,
      "There are no primary or candidate keys in the referenced table '%.*ls' that match the referencing "
@@ -300,6 +306,9 @@ constexpr ErrorEntry kErrors[] = {
     {3701, 11, kStatement,
      "Cannot %S_MSG the %S_MSG '%.*ls', because it does not exist or you do not have permission."},
     {3705, 16, kStatement, "Cannot use DROP %ls with '%.*ls' because '%.*ls' is a %S_MSG. Use %ls."},
+    {3723, 16, kStatement,
+     "An explicit DROP INDEX is not allowed on index '%.*ls'. It is being used for %ls constraint "
+     "enforcement."},
     {3725, 16, kStatement,
      "The constraint '%.*ls' is being referenced by table '%.*ls', foreign key constraint '%.*ls'."},
     {3726, 16, kStatement,
@@ -365,6 +374,7 @@ constexpr ErrorEntry kErrors[] = {
      "data "
      "column."},
     {4924, 16, kStatement, "%ls failed because column '%.*ls' does not exist in table '%.*ls'."},
+    {4928, 16, kStatement, "Cannot alter column '%.*ls' because it is '%ls'."},
     {5074, 16, kStatement, "The %S_MSG '%.*ls' is dependent on %S_MSG '%.*ls'."},
     {5120, 16, kBatch, "Unable to open the physical file \"%.*ls\": %ls."},
     {5172, 16, kBatch, "The file '%.*ls' is not an account set."},
@@ -419,6 +429,7 @@ constexpr ErrorEntry kErrors[] = {
     {8144, 16, kStatement, "Procedure or function %.*ls has too many arguments specified."},
     {8145, 16, kStatement, "%.*ls is not a parameter for procedure %.*ls."},
     {8146, 16, kStatement, "Procedure %.*ls has no parameters and arguments were supplied."},
+    {8147, 16, kText, "Could not create IDENTITY attribute on nullable column '%.*ls', table '%.*ls'."},
     {8148, 16, kText, "More than one column %ls constraint specified for column '%.*ls', table '%.*ls'."},
     {8152, 16, kStatement, "String or binary data would be truncated."},
     {8155, 15, kText, "No column name was specified for column %d of '%.*ls'."},
@@ -501,6 +512,8 @@ constexpr ErrorEntry kErrors[] = {
     {16933, 16, kStatement,
      "The cursor does not include the table being modified or the table is not updatable through the "
      "cursor."},
+    {16943, 16, kStatement,
+     "Could not complete cursor operation because the table schema changed after the cursor was declared."},
     {16947, 16, kStatement, "No rows were updated or deleted."},
     {16948, 16, kStatement,
      "The variable '%.*ls' is not a cursor variable, but it is used in a place where a cursor variable is "

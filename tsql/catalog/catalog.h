@@ -70,6 +70,7 @@ struct TableInfo {
     std::string name;      // as T-SQL knows it: "t_Account", "#t", "@t"
     std::string physical;  // as SQLite knows it
     bool temporary = false;
+    std::int64_t definition = 0;  // of temporary tables: another number after each change
     std::vector<ColumnInfo> columns;
     std::vector<KeyInfo> keys;
     std::vector<ForeignKeyInfo> foreignKeys;
@@ -110,6 +111,8 @@ class Catalog {
         versionStatement_.Reset();
         holding_ = false;
     }
+    // What is read next is of the moment of the catalog.
+    bool IsHolding() const { return holding_; }
     // After a rollback: what was read may never have been.
     void Forget();
     // Changes whenever a pointer into the catalog or a translated statement may be out of date; temporary
@@ -188,7 +191,7 @@ class Catalog {
     void DropPhysicalIndexes(const TableInfo& table);
     void MakePhysicalIndexes(const TableInfo& table);
     void Touch();
-    void TellSqlite();
+    void TellSqlite(const TableInfo& table);
 
     Database& database_;
     PreparedStatement versionStatement_;

@@ -248,11 +248,12 @@ void Catalog::DropColumn(const TableInfo& table, const std::string& column) {
 
 // Text that was replaced behind SQLite's back: every connection has to read the schema again, and does so
 // when SQLite's own number of it has moved.
-void Catalog::TellSqlite() {
-    PreparedStatement version = database_.Prepare("PRAGMA main.schema_version");
+void Catalog::TellSqlite(const TableInfo& table) {
+    const std::string pragma = table.temporary ? "PRAGMA temp.schema_version" : "PRAGMA main.schema_version";
+    PreparedStatement version = database_.Prepare(pragma);
     const std::int64_t number = database_.Step(version) ? version.Int(0) : 0;
     version.Reset();
-    database_.Run("PRAGMA main.schema_version = " + std::to_string(number + 1));
+    database_.Run(pragma + " = " + std::to_string(number + 1));
 }
 
 void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
@@ -268,13 +269,13 @@ void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
         update.Reset();
         database_.Run("PRAGMA writable_schema = OFF");
     }
+    if (!changed.temporary) WriteTable(changed);
+    if (rewriteSchema) TellSqlite(changed);
     if (changed.temporary) {
         AddTemporary(changed);
-        return;
+    } else {
+        Touch();
     }
-    WriteTable(changed);
-    if (rewriteSchema) TellSqlite();
-    Touch();
 }
 
 void Catalog::CreateIndex(const TableInfo& table, const KeyInfo& key) {
@@ -340,7 +341,9 @@ void Catalog::DropModule(char kind, const std::string& name) {
 void Catalog::AddTemporary(TableInfo table) {
     // Numbers of temporary tables lie below those of the account set, as on the server.
     static std::atomic<std::int64_t> next = -1000000000;  // sessions run on threads of their own
+    static std::atomic<std::int64_t> definitions = 0;
     if (table.id == 0) table.id = next--;
+    table.definition = ++definitions;
     const std::string key = LowerAscii(table.name);
     temporary_[key] = std::make_shared<TableInfo>(std::move(table));
 }

@@ -145,31 +145,38 @@ Value ColumnPropertyOf(const ColumnInfo& column, int ordinal, std::string_view p
 
 }  // namespace
 
+// Functions are asked where no table may be read beside them.
+const Catalog& Executor::CatalogNow() {
+    if (!transactions_.IsOpen() && !catalog_.IsHolding()) catalog_.Refresh();
+    return catalog_;
+}
+
 void Executor::ServeFacts() {
     services_.objectId = [this](std::string_view name, std::string_view type) {
         const std::string_view object = LastPart(name);
-        auto id = catalog_.ObjectId(object, type);
-        if (!id) id = catalog_.ConstraintId(object, type);
+        const Catalog& catalog = CatalogNow();
+        auto id = catalog.ObjectId(object, type);
+        if (!id) id = catalog.ConstraintId(object, type);
         return id ? Value(*id) : Value();
     };
     services_.columnLength = [this](std::string_view table, std::string_view column) {
-        const TableInfo* found = FindTable(LastPart(table));
+        const TableInfo* found = frame_->FindTable(CatalogNow(), LastPart(table));
         const ColumnInfo* entry = found != nullptr ? found->FindColumn(column) : nullptr;
         return entry != nullptr ? Value(StoredBytes(entry->type)) : Value();
     };
     services_.objectName = [this](std::int64_t id) {
-        const auto object = catalog_.FindObject(id);
+        const auto object = CatalogNow().FindObject(id);
         return object ? Value(object->name) : Value();
     };
     services_.objectText = [this](std::int64_t id) {
-        const auto object = catalog_.FindObject(id);
+        const auto object = CatalogNow().FindObject(id);
         return object && !object->text.empty() ? Value(object->text) : Value();
     };
     services_.objectProperty = [this](std::int64_t id, std::string_view property) {
-        return PropertyOf(catalog_.FindObject(id), property);
+        return PropertyOf(CatalogNow().FindObject(id), property);
     };
     services_.columnProperty = [this](std::int64_t id, std::string_view name, std::string_view property) {
-        const auto object = catalog_.FindObject(id);
+        const auto object = CatalogNow().FindObject(id);
         if (!object || object->kind != "U") return Value();
         int ordinal = 0;
         for (const ColumnInfo& column : object->table->columns) {
@@ -179,7 +186,7 @@ void Executor::ServeFacts() {
         return Value();
     };
     services_.columnName = [this](std::int64_t id, std::int64_t number) {
-        const auto object = catalog_.FindObject(id);
+        const auto object = CatalogNow().FindObject(id);
         if (!object || object->kind != "U" || number < 1) return Value();
         const auto& columns = object->table->columns;
         if (number > static_cast<std::int64_t>(columns.size())) return Value();

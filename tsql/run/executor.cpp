@@ -357,6 +357,8 @@ void Executor::LeaveFrame(Frame& frame) {
     const SetOptions& now = frame.caller != nullptr ? frame.caller->options : setOptions_;
     if (now.lockTimeoutMilliseconds != frame.options.lockTimeoutMilliseconds)
         database_.SetLockTimeout(now.lockTimeoutMilliseconds);
+    // No table goes while anything is read.
+    if (!frame.temporaries.empty()) catalog_.EndSnapshot();
     for (const std::string& name : frame.temporaries) {
         if (const TableInfo* table = catalog_.FindTable(name)) transactions_.DropForGood(*table);
     }

@@ -131,8 +131,11 @@ class Executor {
     // plan.cpp: plans and their parameters
     using Make = std::function<Translation(Translator&)>;
     Plan& PlanFor(const void* key, const Make& make);
+    bool RefreshForReading();
+    const Catalog& CatalogNow();
     PreparedStatement Prepared(const std::string& sql);
     void MakePlan(Plan& plan, FrameContext& context, const Make& make);
+    void MakePlan(std::unique_ptr<Plan>& slot, const Make& make);
     // A translation as the running frame sees its names.
     template <class Work>
     auto Translated(Work work) {
@@ -236,6 +239,11 @@ class Executor {
     void CloseCursor(const CloseCursorStatement& statement);
     void Deallocate(const DeallocateStatement& statement);
     std::shared_ptr<Cursor> MakeCursor(const std::string& name, const CursorDefinition& definition);
+    void PlanCursor(Cursor& cursor);
+    void PlanCursorAnew(Cursor& cursor);
+    void ReadKey(Cursor& cursor, PreparedStatement& statement, int first, std::size_t row) const;
+    bool IsSameRow(const Cursor& cursor, const TableInfo& table, std::size_t row, Position where);
+    void KeepCurrentRow(const Name& name, const ObjectName& target);
     std::shared_ptr<Cursor>& CursorSlot(const CursorName& name);
     Flow Block(const BlockStatement& statement) { return RunList(statement.statements); }
     Flow If(const IfStatement& statement);
@@ -279,6 +287,9 @@ class Executor {
     void AddDefault(TableInfo& table, const Constraint& constraint);
     void AddCheck(TableInfo& table, const Constraint& constraint);
     void AddForeignKey(TableInfo& table, const Constraint& constraint);
+    static void CheckIdentityType(const SqlType& type, const Name& column);
+    // Of the foreign keys from that place on.
+    static void CheckActions(const TableInfo& table, std::size_t first);
     static std::vector<std::string> KeyColumns(TableInfo& table, const Constraint& constraint,
                                                bool makeNotNull);
     void RefuseKeyOfBytes(const TableInfo& table, const KeyInfo& key, Position where) const;

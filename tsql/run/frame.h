@@ -23,11 +23,33 @@ namespace vicenter::tsql::engine {
 // Procedures within procedures.
 inline constexpr int kNestingLevels = 32;
 
+struct Cursor;
+
+struct Variable {
+    SqlType type;
+    Value value;
+    std::uint32_t declaredAt = 0;
+    bool isCursor = false;
+    std::shared_ptr<Cursor> cursor;
+    std::string table;  // the temporary table behind a table variable
+};
+
+// What the query of a cursor was declared with, for a catalog that has changed when it is opened.
+struct CursorSurroundings {
+    SetOptions options;
+    std::unordered_map<std::string, Variable> variables;
+    std::shared_ptr<const std::string> text;  // that the literals are in
+    LiteralRun places;
+    std::vector<LiteralValue> literals;
+};
+
 // A cursor reads all of its rows when it is opened.
 struct Cursor {
     std::string name;
     std::shared_ptr<Program> program;  // keeps the query's tree
-    PreparedStatement statement;  // with the variables' values of the moment when the cursor was declared
+    const CursorDefinition* definition = nullptr;
+    CursorSurroundings declared;
+    Plan plan;  // with the variables' values of the moment when the cursor was declared
     std::vector<ResultColumn> columns;
     std::vector<std::vector<Value>> rows;
     std::int64_t position = -1;
@@ -37,15 +59,10 @@ struct Cursor {
     // Of a query of one table: that table, and the numbers of the rows, for WHERE CURRENT OF.
     std::int64_t table = 0;
     std::vector<std::int64_t> rowNumbers;
-};
-
-struct Variable {
-    SqlType type;
-    Value value;
-    std::uint32_t declaredAt = 0;
-    bool isCursor = false;
-    std::shared_ptr<Cursor> cursor;
-    std::string table;  // the temporary table behind a table variable
+    // Columns that tell each row from another one that has got its number, and their values; none where the
+    // number is the key.
+    std::vector<ResultColumn> keyColumns;
+    std::vector<std::vector<Value>> keys;
 };
 
 struct Frame {

@@ -21,7 +21,7 @@ bool IsOfNames(std::int32_t number) {
 }  // namespace
 
 void Executor::CheckNames(Program& program, const std::vector<StatementPtr>& statements) {
-    if (program.namesCheckedAt == catalog_.Generation()) return;
+    if (program.namesCheckedAt == CatalogNow().Generation()) return;
     // A statement by itself tells its errors when it runs.
     const bool isAlone = statements.size() == 1 && IsPlain(*statements.front());
     if (!isAlone) CheckNamesIn(statements);

@@ -62,6 +62,8 @@ void Executor::MakePlan(Plan& plan, FrameContext& context, const Make& make) {
         plan.translation = Bound([&] { return TranslateAsNeeded(context, ways, make); });
         try {
             plan.statement = Prepared(plan.translation.sql);
+            plan.generation = catalog_.Generation();
+            plan.readsSet = plan.translation.sql.find("main.") != std::string::npos;
             return;
         } catch (const SqlError& error) {
             if (!FindWays(error, ways)) throw;
@@ -69,16 +71,39 @@ void Executor::MakePlan(Plan& plan, FrameContext& context, const Make& make) {
     }
 }
 
+// While nobody holds the lock, another process may have changed the catalog since it was read. Held until the
+// first row is read, so that this is of the same moment. True when the catalog is another one now.
+bool Executor::RefreshForReading() {
+    if (transactions_.HoldsLock() || catalog_.IsHolding()) return false;
+    const std::uint64_t before = catalog_.Generation();
+    catalog_.RefreshAndHold();
+    return catalog_.Generation() != before;
+}
+
 // The key is the address of the part of the tree that is translated: a tree lives as long as its program, and
 // the program holds the plans, so an address stands for one text only.
 Plan& Executor::PlanFor(const void* key, const Make& make) {
-    // Put there only when it is whole: a translation that fails leaves the place as it was.
     std::unique_ptr<Plan>& slot = frame_->program->plans[key];
-    if (slot && slot->IsCurrent(catalog_, frame_->options)) return *slot;
+    for (;;) {
+        if (!slot || !slot->IsCurrent(catalog_, frame_->options)) {
+            try {
+                MakePlan(slot, make);
+            } catch (const SqlError&) {
+                // What is not there may have been made in the meantime.
+                if (transactions_.IsOpen() || !RefreshForReading()) throw;
+                unbound_ = false;
+                continue;
+            }
+        }
+        if (!slot->readsSet || !RefreshForReading()) return *slot;
+    }
+}
+
+// Put into its place only when it is whole: a translation that fails leaves that as it was.
+void Executor::MakePlan(std::unique_ptr<Plan>& slot, const Make& make) {
     FrameContext context(catalog_, programs_, *frame_);
     auto plan = std::make_unique<Plan>();
     MakePlan(*plan, context, make);
-    plan->generation = catalog_.Generation();
     // A literal within an expression has given it its type; one that goes straight into a column has decided
     // nothing.
     plan->takesAnyLiterals = !context.HasPinned();
@@ -86,7 +111,6 @@ Plan& Executor::PlanFor(const void* key, const Make& make) {
         if (parameter.ordinal >= 0 && !parameter.forColumn) plan->takesAnyLiterals = false;
     }
     slot = std::move(plan);
-    return *slot;
 }
 
 Value Executor::ParameterValue(const Parameter& parameter, const std::vector<Value>* row) const {

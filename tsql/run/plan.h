@@ -19,6 +19,9 @@ struct Plan {
     // the plan was made, or goes elsewhere than into a column.
     bool takesAnyLiterals = false;
 
+    // It asks tables of the account set, so that they and the catalog must be of one moment.
+    bool readsSet = false;
+
     // What the plan was made from still holds: the catalog, the temporary tables by their numbers, and the
     // options that let it through.
     bool IsCurrent(const Catalog& catalog, const SetOptions& options) const;

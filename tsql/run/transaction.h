@@ -34,6 +34,8 @@ class Transactions {
     bool IsDoomed() const { return doomed_; }
     // A transaction of SQLite is open, as far as this program knows.
     bool IsOpen() const { return open_; }
+    // Nobody else can change the account set.
+    bool HoldsLock() const { return open_ && !onlyTemporary_; }
     // Before the first statement of a batch that may write, or may not.
     void StartBatch(bool mayWrite);
     void Run(const TransactionStatement& statement);

@@ -21,7 +21,8 @@ constexpr int kViewNesting = 32;
 
 const TableInfo* Translator::FindTable(std::string_view name) {
     const TableInfo* table = context_.FindTable(name);
-    if (table != nullptr && table->temporary) translation_.temporaries.emplace_back(table->name, table->id);
+    if (table != nullptr && table->temporary)
+        translation_.temporaries.emplace_back(table->name, table->definition);
     return table;
 }
 

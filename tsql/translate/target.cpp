@@ -1,5 +1,7 @@
 // The table that INSERT, UPDATE or DELETE changes, and the rows that they give back.
 
+#include <algorithm>
+
 #include "automation/object.h"
 #include "tsql/translate/translator.h"
 
@@ -36,7 +38,7 @@ void Translator::Begin(const TableInfo& table, const char* operation) {
     translation_.operation = operation;
     translation_.changesTemporary = table.temporary;
     // A later table of the same name is another one.
-    if (table.temporary) translation_.temporaries.emplace_back(table.name, table.id);
+    if (table.temporary) translation_.temporaries.emplace_back(table.name, table.definition);
 }
 
 // The table behind a view of plain columns of one table is changed through it. INSERT and MERGE are to name
@@ -122,6 +124,31 @@ QueryText Translator::ChangedQuery(const Query& query, const std::string& expose
     return text;
 }
 
+namespace {
+
+// What tells a row from one that has got its number after it: a key without NULL, or all that is stored;
+// nothing where the number is the key.
+std::vector<const ColumnInfo*> IdentifyingColumns(const TableInfo& table) {
+    std::vector<const ColumnInfo*> columns;
+    for (const KeyInfo& key : table.keys) {
+        if (!key.IsUnique()) continue;
+        columns.clear();
+        for (const std::string& name : key.columns)
+            columns.push_back(table.FindColumn(name));
+        if (key.kind == KeyKind::kPrimary && table.IsRowNumber(key.columns.front())) return {};
+        if (std::none_of(columns.begin(), columns.end(),
+                         [](const ColumnInfo* column) { return column->nullable; }))
+            return columns;
+    }
+    columns.clear();
+    for (const ColumnInfo& column : table.columns) {
+        if (column.computedText.empty()) columns.push_back(&column);
+    }
+    return columns;
+}
+
+}  // namespace
+
 void Translator::AddRowNumber(const SelectBody& select, const Scope& scope, SelectParts& parts) {
     const Source& source = scope.sources.front();
     const bool none = scope.grouped || source.table == nullptr;
@@ -138,6 +165,14 @@ void Translator::AddRowNumber(const SelectBody& select, const Scope& scope, Sele
     }
     parts.items.push_back(Staged(scope, Computed(source.alias + "._rowid_", SqlType::Of(TypeKind::kBigInt))));
     parts.names.emplace_back(kRowNumberName);
+    if (!changed_.isCursor) return;
+    // The number may be another row's later on, unless it is the key itself.
+    for (const ColumnInfo* column : IdentifyingColumns(*source.table)) {
+        parts.items.push_back(
+            Staged(scope, Computed(source.alias + "." + Quoted(column->name), column->type)));
+        parts.names.emplace_back();
+        translation_.rowKey.push_back({column->name, column->type});
+    }
 }
 
 Translation Translator::CursorQuery(const Query& query) {
@@ -150,7 +185,7 @@ Translation Translator::CursorQuery(const Query& query) {
     QueryText text = QueryOf(query, nullptr, true);
     if (changed_.table != nullptr) {
         translation_.rowsOf = changed_.table->id;
-        text.columns.pop_back();
+        text.columns.resize(text.columns.size() - 1 - translation_.rowKey.size());
     }
     translation_.columns = std::move(text.columns);
     return Finished(std::move(text.sql));

@@ -67,10 +67,12 @@ struct Translation {
     bool givesIdentity = false;  // the statement gives explicit values for an identity column
     bool FillsIdentity() const { return usesIdentity || givesIdentity; }
     bool hasOutput = false;  // rows come back from OUTPUT: `columns` describes them
-    // Temporary tables that the statement uses, with their numbers: made anew they need a new translation.
+    // Temporary tables that the statement uses, with the numbers of their definitions: made anew or altered
+    // they need a new translation.
     std::vector<std::pair<std::string, std::int64_t>> temporaries;
-    std::vector<MergeStep> steps;  // of MERGE
-    std::int64_t rowsOf = 0;       // the table whose row numbers stand behind the columns; 0 for none
+    std::vector<MergeStep> steps;      // of MERGE
+    std::int64_t rowsOf = 0;           // the table whose row numbers stand behind the columns; 0 for none
+    std::vector<ResultColumn> rowKey;  // its columns behind the number that tell the row from another one
     struct IdentityItem {
         std::size_t place = 0;
         SqlType type;

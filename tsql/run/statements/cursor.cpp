@@ -4,6 +4,7 @@
 
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
+#include "tsql/sqlite/stored_value.h"
 
 namespace vicenter::tsql::engine {
 
@@ -31,6 +32,25 @@ bool IsOfRows(const Query& query) {
     });
 }
 
+// Without the cursors among the variables: what a query uses are values and tables.
+CursorSurroundings SurroundingsOf(const Frame& frame) {
+    CursorSurroundings all;
+    all.options = frame.options;
+    for (const auto& [name, variable] : frame.variables) {
+        if (!variable.isCursor) all.variables.emplace(name, variable);
+    }
+    all.places = frame.literals;
+    if (frame.literals.IsEmpty()) return all;
+    all.text = std::make_shared<const std::string>(frame.text);
+    all.literals = frame.literals.Values();
+    for (LiteralValue& literal : all.literals) {
+        if (literal.text.empty()) continue;
+        const std::size_t at = static_cast<std::size_t>(literal.text.data() - frame.text.data());
+        literal.text = std::string_view(*all.text).substr(at, literal.text.size());
+    }
+    return all;
+}
+
 }  // namespace
 
 // -1 for a cursor that the server opens on rows that may still change; 0 when none is open.
@@ -44,23 +64,45 @@ std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const Curs
     auto cursor = std::make_shared<Cursor>();
     cursor->name = name;
     cursor->program = frame_->program;
+    cursor->definition = &definition;
     cursor->scroll = !Has(definition.options, "forward_only") && !Has(definition.options, "fast_forward");
-    Plan plan;
+    cursor->isCounted = Has(definition.options, "static") || Has(definition.options, "insensitive") ||
+                        Has(definition.options, "keyset") || !IsOfRows(*definition.query);
+    RefreshForReading();
+    PlanCursor(*cursor);
+    cursor->declared = SurroundingsOf(*frame_);
+    return cursor;
+}
+
+void Executor::PlanCursor(Cursor& cursor) {
+    const CursorDefinition& definition = *cursor.definition;
     const bool readOnly = definition.forReadOnly || Has(definition.options, "static") ||
                           Has(definition.options, "insensitive") || Has(definition.options, "fast_forward") ||
                           Has(definition.options, "read_only");
+    Plan plan;
     FrameContext context(catalog_, programs_, *frame_);
     MakePlan(plan, context, [&](Translator& translator) {
         return readOnly ? translator.Select(*definition.query) : translator.CursorQuery(*definition.query);
     });
-    cursor->table = plan.translation.rowsOf;
-    cursor->isCounted = Has(definition.options, "static") || Has(definition.options, "insensitive") ||
-                        Has(definition.options, "keyset") || !IsOfRows(*definition.query);
     // Variables in the query have the values of this moment.
     Bind(plan);
-    cursor->columns = plan.translation.columns;
-    cursor->statement = std::move(plan.statement);
-    return cursor;
+    cursor.table = plan.translation.rowsOf;
+    cursor.columns = plan.translation.columns;
+    cursor.keyColumns = plan.translation.rowKey;
+    cursor.plan = std::move(plan);
+}
+
+// The tables have changed since the cursor was declared: its query is translated again, with the variables
+// and literals that it was declared with.
+void Executor::PlanCursorAnew(Cursor& cursor) {
+    Frame frame;
+    frame.program = cursor.program;
+    if (cursor.declared.text) frame.text = *cursor.declared.text;
+    frame.options = cursor.declared.options;
+    frame.variables = cursor.declared.variables;
+    frame.literals = cursor.declared.places.With(cursor.declared.literals);
+    const FrameScope scope(frame_, frame);
+    PlanCursor(cursor);
 }
 
 std::shared_ptr<Cursor>& Executor::CursorSlot(const CursorName& name) {
@@ -100,23 +142,23 @@ void Executor::OpenCursor(const OpenCursorStatement& statement) {
     if (cursor.open) throw MakeError(16905, statement.position);
     cursor.rows.clear();
     cursor.rowNumbers.clear();
-    Plan plan;
-    plan.translation.columns = cursor.columns;
-    plan.statement = std::move(cursor.statement);
-    try {
+    cursor.keys.clear();
+    RefreshForReading();
+    if (!cursor.plan.IsCurrent(catalog_, frame_->options)) PlanCursorAnew(cursor);
+    Plan& plan = cursor.plan;
+    {
         const ResetAtEnd reset(plan.statement);
         std::vector<Value> row;
+        const auto number = static_cast<int>(cursor.columns.size());
         while (StepPlan(plan)) {
             ReadRow(plan, row);
             cursor.rows.push_back(std::move(row));
-            if (cursor.table != 0)
-                cursor.rowNumbers.push_back(plan.statement.Int(static_cast<int>(cursor.columns.size())));
+            if (cursor.table == 0) continue;
+            cursor.rowNumbers.push_back(plan.statement.Int(number));
+            if (!cursor.keyColumns.empty())
+                ReadKey(cursor, plan.statement, number + 1, cursor.rowNumbers.size() - 1);
         }
-    } catch (...) {
-        cursor.statement = std::move(plan.statement);
-        throw;
     }
-    cursor.statement = std::move(plan.statement);
     cursor.position = -1;
     cursor.open = true;
     lastOpened_ = slot;
@@ -182,7 +224,48 @@ void Executor::TakeCurrentRow(const Name& name, const ObjectName& target) {
     if (table == nullptr || table->id != cursor.table) throw MakeError(16933, name.position);
     if (cursor.position < 0 || cursor.position >= static_cast<std::int64_t>(cursor.rows.size()))
         throw MakeError(16931, name.position);
-    currentRow_ = cursor.rowNumbers[static_cast<std::size_t>(cursor.position)];
+    const auto row = static_cast<std::size_t>(cursor.position);
+    if (!IsSameRow(cursor, *table, row, name.position)) throw MakeError(16947, name.position);
+    currentRow_ = cursor.rowNumbers[row];
+}
+
+void Executor::ReadKey(Cursor& cursor, PreparedStatement& statement, int first, std::size_t row) const {
+    if (cursor.keys.size() <= row) cursor.keys.resize(row + 1);
+    std::vector<Value>& key = cursor.keys[row];
+    key.clear();
+    for (std::size_t i = 0; i < cursor.keyColumns.size(); ++i)
+        key.push_back(ReadColumn(statement.Handle(), first + static_cast<int>(i), cursor.keyColumns[i].type));
+}
+
+// SQLite gives the number of the last row, when that has gone, to the next one.
+bool Executor::IsSameRow(const Cursor& cursor, const TableInfo& table, std::size_t row, Position where) {
+    std::string sql = "SELECT 1 FROM " + table.Sql() + " WHERE _rowid_ = ?";
+    for (const ResultColumn& column : cursor.keyColumns) {
+        const ColumnInfo* now = table.FindColumn(column.name);
+        if (now == nullptr || now->type != column.type) throw MakeError(16943, where);
+        sql += " AND " + Quoted(column.name) + " IS ?";
+    }
+    PreparedStatement same = database_.Prepare(sql);
+    int parameter = 0;
+    same.Bind(++parameter, cursor.rowNumbers[row]);
+    for (std::size_t i = 0; i < cursor.keyColumns.size(); ++i)
+        BindValue(same.Handle(), ++parameter, cursor.keys[row][i], cursor.keyColumns[i].type);
+    return database_.Step(same);
+}
+
+// A row that the cursor itself has changed is still its row.
+void Executor::KeepCurrentRow(const Name& name, const ObjectName& target) {
+    CursorName wanted;
+    wanted.name = name;
+    Cursor& cursor = *CursorSlot(wanted);
+    if (cursor.keyColumns.empty()) return;
+    std::string list;
+    for (const ResultColumn& column : cursor.keyColumns)
+        list += (list.empty() ? "" : ", ") + Quoted(column.name);
+    PreparedStatement row = database_.Prepare("SELECT " + list + " FROM " +
+                                              FindTable(target.Object())->Sql() + " WHERE _rowid_ = ?");
+    row.Bind(1, currentRow_);
+    if (database_.Step(row)) ReadKey(cursor, row, 0, static_cast<std::size_t>(cursor.position));
 }
 
 void Executor::CloseCursor(const CloseCursorStatement& statement) {

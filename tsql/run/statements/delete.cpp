@@ -13,9 +13,11 @@ void Executor::Delete(const DeleteStatement& statement) {
 }
 
 void Executor::Truncate(const TruncateStatement& statement) {
-    const TableInfo* table = FindTable(statement.table.Object());
-    if (table == nullptr) throw MakeError(4701, statement.table.Where(), {statement.table.Object()});
-    transactions_.Change(table->temporary, [&] {
+    const TableInfo* known = FindTable(statement.table.Object());
+    transactions_.Change(known != nullptr && known->temporary, [&] {
+        // The change may have read the catalog anew.
+        const TableInfo* table = FindTable(statement.table.Object());
+        if (table == nullptr) throw MakeError(4701, statement.table.Where(), {statement.table.Object()});
         for (const TableInfo* other : catalog_.Tables()) {
             for (const ForeignKeyInfo& key : other->foreignKeys) {
                 if (catalog_.FindTable(key.referencedTable) == table && other != table) {

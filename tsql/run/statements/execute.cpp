@@ -35,7 +35,7 @@ void Executor::CallProcedure(const ExecuteStatement& statement, const std::strin
     // The server's own come before those of the account set.
     if (const SystemProcedure* system = FindSystemProcedure(LowerAscii(name)))
         return CallSystemProcedure(*system, statement);
-    const ModuleInfo* found = catalog_.FindProcedure(name);
+    const ModuleInfo* found = CatalogNow().FindProcedure(name);
     if (found == nullptr) {
         // Another process may have made it in the meantime.
         catalog_.Refresh();
@@ -143,8 +143,8 @@ void Executor::BindArguments(const CreateProcedureStatement& procedure, const Ex
     }
 }
 
-// A procedure that leaves another number of transactions is told so, and nothing comes of it, unless the batch
-// is one unit, which any error undoes.
+// A procedure that leaves another number of transactions is told so, and nothing comes of it, unless the
+// batch is one unit, which any error undoes.
 void Executor::CheckTransactionCount(int before, const ExecuteStatement& statement, const Frame& callee) {
     const int now = transactions_.Count();
     if (now == before || callee.isSystem || tryDepth_ > 0) return;

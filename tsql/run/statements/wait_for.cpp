@@ -33,6 +33,8 @@ void Executor::WaitFor(const WaitForStatement& statement) {
     if (!isTime) throw MakeError(148, statement.position, {text});
     milliseconds wait = TimeOfDay(*time);
     if (statement.untilTime) wait = (wait - TimeOfDay(options_.now()) + kDay) % kDay;
+    // What is read behind it is of that time.
+    catalog_.EndSnapshot();
     const auto end = std::chrono::steady_clock::now() + wait;
     for (;;) {
         database_.Stopping().Check();
