@@ -32,4 +32,23 @@ const ModuleInfo* BoundView(const Catalog& catalog, ProgramStore& programs, std:
     return nullptr;
 }
 
+Reference ReferenceTo(const Catalog& catalog, const TableInfo& table, const KeyInfo& key) {
+    const auto isOfKey = [&](const std::vector<std::string>& columns) {
+        return std::equal(
+            columns.begin(), columns.end(), key.columns.begin(), key.columns.end(),
+            [](const std::string& one, const std::string& other) { return SameName(one, other); });
+    };
+    if (table.temporary || !key.IsUnique()) return {};
+    for (const KeyInfo& other : table.keys) {
+        if (other.IsUnique() && !SameName(other.name, key.name) && isOfKey(other.columns)) return {};
+    }
+    for (const TableInfo* other : catalog.Tables()) {
+        for (const ForeignKeyInfo& foreign : other->foreignKeys) {
+            if (SameName(foreign.referencedTable, table.name) && isOfKey(foreign.referencedColumns))
+                return {other, &foreign};
+        }
+    }
+    return {};
+}
+
 }  // namespace vicenter::tsql::engine

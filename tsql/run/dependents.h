@@ -18,4 +18,12 @@ bool Mentions(const std::string& text, std::string_view name);
 const ModuleInfo* BoundView(const Catalog& catalog, ProgramStore& programs, std::string_view name,
                             std::string_view column = {});
 
+// The foreign key that refers to a table by a key of it, while the table has no other key of these columns;
+// the table is null where there is none.
+struct Reference {
+    const TableInfo* table = nullptr;
+    const ForeignKeyInfo* key = nullptr;
+};
+Reference ReferenceTo(const Catalog& catalog, const TableInfo& table, const KeyInfo& key);
+
 }  // namespace vicenter::tsql::engine

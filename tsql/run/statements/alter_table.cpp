@@ -130,6 +130,11 @@ void Executor::CheckAlterable(const TableInfo& table, const ColumnInfo& column, 
         if (Mentions(check.text, name.text) && !varies && !isSame)
             FailDependent(kOperation, "object", check.name, name);
     }
+    for (const ForeignKeyInfo& key : table.foreignKeys) {
+        const bool sets = key.onDelete.starts_with("set") || key.onUpdate.starts_with("set");
+        if (sets && column.nullable && !nullable && Names(key.columns, name.text))
+            FailDependent(kOperation, "object", key.name, name);
+    }
     if (!column.defaultText.empty() && !sameKind)
         FailDependent(kOperation, "object", column.defaultName, name);
     if (!isSame) CheckDependents(kOperation, table, column, name);
@@ -158,6 +163,7 @@ void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDef
     TableInfo probe = changed;
     AddColumn(probe, definition);
     FindComputedTypes(probe, statement.definition.columns);
+    CheckActions(probe, changed.foreignKeys.size());
     const ColumnInfo column = *probe.FindColumn(definition.name.text);
     const bool needsValue = !column.nullable && column.computedText.empty();
     if (needsValue && column.defaultText.empty() && !column.identity && !IsEmpty(database_, changed)) {
@@ -198,6 +204,8 @@ void Executor::AddConstraintTo(const AlterTableStatement& statement, const Const
     } else {
         const bool rewrite = changed.checks.size() > current.checks.size() ||
                              changed.foreignKeys.size() > current.foreignKeys.size();
+        const bool isDefault = constraint.kind == ConstraintKind::kDefault;
+        CheckActions(changed, isDefault ? 0 : current.foreignKeys.size());
         if (statement.withCheck.value_or(true)) CheckRows(changed, current, statement.position);
         catalog_.ChangeTable(changed, rewrite);
     }
@@ -211,14 +219,20 @@ void Executor::AlterColumn(const AlterTableStatement& statement) {
         throw MakeError(4924, statement.position,
                         {"ALTER TABLE ALTER COLUMN", definition.name.text, before.name});
     }
-    CheckAlterable(before, *column, Translator::ResolveType(definition.type),
-                   definition.nullable.value_or(true), definition.name);
+    if (!column->computedText.empty()) throw MakeError(4928, statement.position, {column->name, "COMPUTED"});
+    const SqlType type = Translator::ResolveType(definition.type);
+    // What numbers its rows goes on doing so.
+    if (column->identity) CheckIdentityType(type, definition.name);
+    if (column->identity && definition.nullable.value_or(false))
+        throw MakeError(8147, statement.position, {column->name, before.name});
+    const bool nullable = definition.nullable.value_or(!column->identity);
+    CheckAlterable(before, *column, type, nullable, definition.name);
     const SqlType from = column->type;
     TableInfo changed = before;
     for (ColumnInfo& entry : changed.columns) {
         if (!SameName(entry.name, definition.name.text)) continue;
-        entry.type = Translator::ResolveType(definition.type);
-        entry.nullable = definition.nullable.value_or(true);
+        entry.type = type;
+        entry.nullable = nullable;
     }
     catalog_.ChangeTable(changed, true);
     const TableInfo& now = DefinedTable(statement.table, 4902);
@@ -261,7 +275,10 @@ void Executor::DropConstraintOf(const AlterTableStatement& statement, const Name
         throw MakeError(3728, name.position, {name.text});
     }
     for (const KeyInfo& key : now.keys) {
-        if (SameName(key.name, name.text) && key.isRowNumber) {
+        if (!SameName(key.name, name.text) || !key.IsConstraint()) continue;
+        if (const Reference reference = ReferenceTo(catalog_, now, key); reference.table != nullptr)
+            throw MakeError(3725, name.position, {key.name, reference.table->name, reference.key->name});
+        if (key.isRowNumber) {
             throw MakeError(40510, name.position, {"ALTER TABLE DROP CONSTRAINT " + name.text});
         }
     }

@@ -56,6 +56,11 @@ std::string Executor::ConstraintName(const TableInfo& table, const Constraint& c
     return free;
 }
 
+void Executor::CheckIdentityType(const SqlType& type, const Name& column) {
+    const bool whole = type.IsInteger() || (type.kind == TypeKind::kDecimal && type.scale == 0);
+    if (!whole || type.kind == TypeKind::kBit) throw MakeError(2749, column.position, {column.text});
+}
+
 void Executor::AddColumn(TableInfo& table, const ColumnDefinition& definition) {
     if (table.FindColumn(definition.name.text) != nullptr) {
         throw MakeError(2705, definition.name.position, {definition.name.text, table.name});
@@ -73,11 +78,7 @@ void Executor::AddColumn(TableInfo& table, const ColumnDefinition& definition) {
     column.nullable = definition.nullable.value_or(true);
     if (definition.identity) {
         if (table.IdentityColumn() != nullptr) throw MakeError(2744, definition.name.position, {table.name});
-        const bool whole =
-            column.type.IsInteger() || (column.type.kind == TypeKind::kDecimal && column.type.scale == 0);
-        if (!whole || column.type.kind == TypeKind::kBit) {
-            throw MakeError(2749, definition.name.position, {definition.name.text});
-        }
+        CheckIdentityType(column.type, definition.name);
         column.identity = true;
         column.seed = definition.identity->seed;
         column.increment = definition.identity->increment;
@@ -230,7 +231,27 @@ void Executor::AddForeignKey(TableInfo& table, const Constraint& constraint) {
     CheckSameTypes(table, *referenced, key, constraint.position);
     key.onDelete = constraint.onDelete;
     key.onUpdate = constraint.onUpdate;
-    table.foreignKeys.push_back(std::move(key));
+    // The server passes over those of temporary tables, too.
+    if (!table.temporary) table.foreignKeys.push_back(std::move(key));
+}
+
+// What a foreign key is to put into its columns, they must take. SQLite knows of no DEFAULT, and would put
+// NULL there.
+void Executor::CheckActions(const TableInfo& table, std::size_t first) {
+    for (std::size_t i = first; i < table.foreignKeys.size(); ++i) {
+        const ForeignKeyInfo& key = table.foreignKeys[i];
+        for (const std::string& name : key.columns) {
+            const ColumnInfo& column = *table.FindColumn(name);
+            const bool hasDefault = !column.defaultText.empty() && !SameName(column.defaultText, "NULL");
+            for (const std::string& action : {key.onDelete, key.onUpdate}) {
+                if (action == "set null" && !column.nullable) throw MakeError(1761, {}, {key.name});
+                if (action != "set default") continue;
+                if (hasDefault)
+                    throw MakeError(40510, {}, {"FOREIGN KEY … SET DEFAULT of a column with a default"});
+                if (!column.nullable) throw MakeError(1762, {}, {key.name});
+            }
+        }
+    }
 }
 
 // The type of a computed column is that of its expression.
@@ -282,7 +303,7 @@ TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& d
     FindComputedTypes(table, definition.columns);
     for (const Constraint& constraint : definition.constraints)
         AddConstraint(table, constraint);
-    if (temporary) table.foreignKeys.clear();
+    CheckActions(table, 0);
     if (const ColumnInfo* identity = table.IdentityColumn())
         table.lastIdentity = identity->seed - identity->increment;
     return table;

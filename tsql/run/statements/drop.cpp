@@ -26,6 +26,13 @@ const char* Word(DropKind kind) {
     return "";
 }
 
+// The constraint that an index stands for; null where it may go.
+const char* UseOf(const Catalog& catalog, const TableInfo& table, const KeyInfo& key) {
+    if (key.kind == KeyKind::kPrimary) return "PRIMARY KEY";
+    if (key.kind == KeyKind::kUnique) return "UNIQUE KEY";
+    return ReferenceTo(catalog, table, key).table != nullptr ? "FOREIGN KEY" : nullptr;
+}
+
 }  // namespace
 
 void Executor::Drop(const DropStatement& statement) {
@@ -62,9 +69,10 @@ void Executor::Drop(const DropStatement& statement) {
                     const TableInfo* table = FindTable(owner);
                     if (table == nullptr) return missing();
                     for (const KeyInfo& key : table->keys) {
-                        if (SameName(key.name, name.Object()) && !key.IsConstraint()) {
-                            return catalog_.DropIndex(*table, key.name);
-                        }
+                        if (!SameName(key.name, name.Object())) continue;
+                        if (const char* use = UseOf(catalog_, *table, key))
+                            throw MakeError(3723, name.Where(), {table->name + "." + key.name, use});
+                        return catalog_.DropIndex(*table, key.name);
                     }
                     return missing();
                 }
