@@ -9,6 +9,7 @@
 #include "center/editing/cell_checks.h"
 #include "center/editing/cell_rules.h"
 #include "center/editing/row_order.h"
+#include "center/grid/whole_column.h"
 #include "center/lookups/cell_resolution.h"
 #include "platform/system/collation.h"
 #include "store/number_text.h"
@@ -94,6 +95,10 @@ class PasteProgress {
     VICenterView& view_;
     std::size_t rows_;
 };
+
+CellSelection Meant(const CellSelection& selection, const WindowState& state) {
+    return MeantCells(selection, *state.grid, state.open.RowCount());
+}
 
 // Verdicts travel with whole rows as one character each.
 constexpr char kFirstVerdict = 'a';
@@ -229,8 +234,9 @@ class BlockEditing::Entering {
 BlockEditing::BlockEditing(WindowState& state, std::function<void()> edited)
     : state_(state), edited_(std::move(edited)) {}
 
-std::optional<CopiedBlock> BlockEditing::Copy(const CellSelection& selection) const {
+std::optional<CopiedBlock> BlockEditing::Copy(const CellSelection& selected) const {
     const EntryGrid& grid = *state_.grid;
+    const CellSelection selection = Meant(selected, state_);
     const SelectedTable table = TableOf(selection, grid);
     if (table.IsEmpty()) {
         if (!selection.IsEmpty()) Tell(kNoTableToCopyText);
@@ -256,8 +262,9 @@ std::optional<CopiedBlock> BlockEditing::Copy(const CellSelection& selection) co
     return CopiedBlock{std::move(text), selection.wholeRows ? FormatBlock(rows) : std::string()};
 }
 
-PasteResult BlockEditing::Paste(const CellSelection& selection, const CopiedBlock& block) {
-    if (!state_.hasRight || selection.IsEmpty() || selection.Bounds().firstRow < 1) return {};
+PasteResult BlockEditing::Paste(const CellSelection& selected, const CopiedBlock& block) {
+    if (!state_.hasRight || selected.IsEmpty() || selected.Bounds().firstRow < 1) return {};
+    const CellSelection selection = Meant(selected, state_);
     const CellRange bounds = selection.Bounds();
     if (!block.rows.empty()) {
         const TextBlock rows = ParseBlock(block.rows);
@@ -359,7 +366,7 @@ PasteResult BlockEditing::PasteRows(int firstRow, const TextBlock& rows) {
 
 PasteResult BlockEditing::FillSelection(const CellSelection& selection, const std::string& text) {
     // One value is none of the columns that nobody sees.
-    CellSelection shown = selection;
+    CellSelection shown = Meant(selection, state_);
     shown.wholeRows = false;
     const std::vector<ColumnRuns> cells = SelectedCells(shown, *state_.grid);
     const std::vector<RowRun> runs = RowRuns(shown, *state_.grid);
@@ -402,7 +409,7 @@ void BlockEditing::FillDown(const CellSelection& selection) {
         int source;
         int last;
     };
-    CellSelection shown = selection;
+    CellSelection shown = Meant(selection, state_);
     shown.wholeRows = false;
     std::vector<Fill> fills;
     for (const ColumnRuns& column : SelectedCells(shown, *state_.grid)) {

@@ -3,11 +3,24 @@
 #include "center/editing/fault_text.h"
 #include "center/frame/key_code.h"
 #include "center/frame/window_parts.h"
+#include "center/grid/whole_column.h"
 #include "center/lookups/item_names.h"
 #include "center/print/voucher_preview.h"
 #include "platform/system/utf8.h"
 
 namespace vicenter::center {
+
+namespace {
+
+// False, and the user has been told, for a selection that row commands do not take: all lines would go, or
+// as many come as the grid has rows.
+bool NamesRows(const CellSelection& selection, const WindowParts& parts) {
+    if (!HoldsWholeColumn(selection, *parts.state.grid)) return true;
+    Tell("所选的是整列，请先选定要插入、删除或复制的行！");
+    return false;
+}
+
+}  // namespace
 
 void GridFacet::GotFocus() {
     parts_.state.Enable({Tool::AddRow, Tool::DelRow}, true);
@@ -180,19 +193,23 @@ void GridFacet::FillDown(const CellSelection& selection) {
 }
 
 void GridFacet::DuplicateRows(const CellSelection& selection) {
-    parts_.edge.Command([&] { parts_.blocks.DuplicateRows(selection); });
+    parts_.edge.Command([&] {
+        if (NamesRows(selection, parts_)) parts_.blocks.DuplicateRows(selection);
+    });
 }
 
 void GridFacet::InsertRows(const CellSelection& selection) {
     parts_.edge.Command([&] {
-        if (parts_.editing.CanEdit()) parts_.editing.InsertRows(RowRuns(selection, *parts_.state.grid));
+        if (parts_.editing.CanEdit() && NamesRows(selection, parts_))
+            parts_.editing.InsertRows(RowRuns(selection, *parts_.state.grid));
     });
     parts_.RefreshPanels();
 }
 
 void GridFacet::DeleteRows(const CellSelection& selection) {
     parts_.edge.Command([&] {
-        if (parts_.editing.CanEdit()) parts_.editing.DeleteRows(RowRuns(selection, *parts_.state.grid));
+        if (parts_.editing.CanEdit() && NamesRows(selection, parts_))
+            parts_.editing.DeleteRows(RowRuns(selection, *parts_.state.grid));
     });
     parts_.RefreshPanels();
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "center/grid/whole_column.h"
+
 namespace vicenter::center {
 
 namespace {
@@ -22,6 +24,10 @@ std::vector<RowRun> Joined(std::vector<RowRun> runs) {
 
 RowRun Clipped(const CellRange& piece, const EntryGrid& grid) {
     return {std::max(1, piece.firstRow), std::min(piece.lastRow, grid.RowTotal())};
+}
+
+bool IsWholeColumn(const CellRange& piece, const EntryGrid& grid) {
+    return grid.RowTotal() > 1 && piece.firstRow <= 1 && piece.lastRow >= grid.RowTotal();
 }
 
 }  // namespace
@@ -53,6 +59,21 @@ std::vector<RowRun> RowRuns(const CellSelection& selection, const EntryGrid& gri
         if (run.Count() > 0) runs.push_back(run);
     }
     return Joined(std::move(runs));
+}
+
+bool HoldsWholeColumn(const CellSelection& selection, const EntryGrid& grid) {
+    return !selection.wholeRows &&
+           std::any_of(selection.pieces.begin(), selection.pieces.end(),
+                       [&](const CellRange& piece) { return IsWholeColumn(piece, grid); });
+}
+
+CellSelection MeantCells(CellSelection selection, const EntryGrid& grid, int rowsInUse) {
+    if (selection.wholeRows) return selection;
+    for (CellRange& piece : selection.pieces) {
+        // The first row stays: that is where lines begin.
+        if (IsWholeColumn(piece, grid)) piece.lastRow = std::max(1, rowsInUse);
+    }
+    return selection;
 }
 
 std::vector<ColumnRuns> SelectedCells(const CellSelection& selection, const EntryGrid& grid) {

@@ -321,6 +321,34 @@ TEST_F(BlockEditingTest, AValueThatNoSelectedCellTakesIsListedForEach) {
     EXPECT_EQ(Color(2, 1), color::kRed);
 }
 
+// --- a column chosen by its header
+
+TEST_F(BlockEditingTest, AWholeColumnIsFilledAsFarAsThereAreLines) {
+    blocks_.Paste({1, 1}, "1\ta\r\n2\tb\r\n3\tc\r\n");
+    const CellSelection column{1, 2, Grid().RowTotal(), 2};
+    blocks_.FillDown(column);
+    EXPECT_EQ(state_.open.RowCount(), 3);
+    EXPECT_EQ(Text(3, 2), "a");
+    EXPECT_TRUE(Grid().IsBlankRow(4));
+    EXPECT_EQ(blocks_.Paste(column, "same").cells, 3);
+    EXPECT_EQ(state_.open.RowCount(), 3);
+    EXPECT_EQ(Text(3, 2), "same");
+    EXPECT_TRUE(Grid().IsBlankRow(4));
+    EXPECT_EQ(blocks_.Copy(column)->text, "same\r\nsame\r\nsame\r\n");
+    EXPECT_THAT(Messages(), IsEmpty());
+    // As far as the user went himself it still goes.
+    blocks_.FillDown({1, 2, 5, 2});
+    EXPECT_EQ(state_.open.RowCount(), 5);
+}
+
+TEST_F(BlockEditingTest, AWholeColumnOfNoLinesBeginsInTheFirstRow) {
+    blocks_.FillDown({1, 2, Grid().RowTotal(), 2});
+    EXPECT_EQ(state_.open.RowCount(), 0);
+    blocks_.Paste({1, 2, Grid().RowTotal(), 2}, "same");
+    EXPECT_EQ(state_.open.RowCount(), 1);
+    EXPECT_EQ(Text(1, 2), "same");
+}
+
 // --- selections in pieces, whole rows and hidden columns
 
 TEST_F(BlockEditingTest, OneValueGoesIntoTheSelectedPiecesOnly) {
@@ -437,13 +465,13 @@ TEST_F(BlockEditingTest, FillingDownIsOneStepAndMarksTheRows) {
 }
 
 TEST_F(BlockEditingTest, FillingDownToTheLastRowLeavesABlankOneBelow) {
-    UseRows(1);
+    UseRows(2);
     const int total = Grid().RowTotal();
-    blocks_.FillDown({1, 1, total, 1});
+    blocks_.FillDown({2, 1, total, 1});
     EXPECT_EQ(state_.open.RowCount(), total);
     EXPECT_EQ(Grid().RowTotal(), total + 1);
     editing_.Undo();
-    EXPECT_EQ(state_.open.RowCount(), 1);
+    EXPECT_EQ(state_.open.RowCount(), 2);
     EXPECT_EQ(Grid().RowTotal(), total);
     editing_.Redo();
     EXPECT_EQ(state_.open.RowCount(), total);

@@ -72,5 +72,21 @@ TEST_F(GridKeys, EveryOtherKeyIsLeftToTheEditor) {
     EXPECT_FALSE(Window().IsDirty());
 }
 
+TEST_F(GridKeys, AColumnChosenByItsHeaderNamesNoRows) {
+    auto& cells = Window().Cells();
+    const int total = Window().Grid().RowTotal();
+    const CellSelection column(std::vector<CellRange>{{1, 2, 1, 2}, {1, 5, total, 5}});
+    cells.DeleteRows(column);
+    cells.InsertRows(column);
+    cells.DuplicateRows(column);
+    EXPECT_EQ(cells.RowsInUse(), 3);
+    EXPECT_EQ(Window().Grid().RowTotal(), total);
+    EXPECT_FALSE(Window().IsDirty());
+    EXPECT_EQ(Messages(), Texts(3, "所选的是整列，请先选定要插入、删除或复制的行！"));
+    // All rows as rows are meant so.
+    cells.DeleteRows(CellSelection::Rows({{1, total - 2}}));
+    EXPECT_EQ(cells.RowsInUse(), 0);
+}
+
 }  // namespace
 }  // namespace vicenter::center::test
