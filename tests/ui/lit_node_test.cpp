@@ -1,6 +1,7 @@
 // The lit node of the tree and the open template: one and the same, whatever buttons and keys come.
 
 #include <QMenu>
+#include <QTimer>
 
 #include "tests/ui/window_fixture.h"
 
@@ -55,6 +56,25 @@ TEST_F(LitNodeTest, TheStandardTemplateIsNotRelabelledByAPressOnAnother) {
     Key(Qt::Key_F2);
     EXPECT_FALSE(window->Tree().IsEditingLabel());
     ExpectOpenAndLit("0");
+}
+
+TEST_F(LitNodeTest, AfterEscapeAClickOnTheLitNodeRenamesNothing) {
+    Open();
+    DoubleClickNode("detail-5");
+    ASSERT_TRUE(window->Tree().IsEditingLabel());
+    Key(Qt::Key_Escape);
+    ASSERT_FALSE(window->Tree().IsEditingLabel());
+    ClickNode("detail-5");
+    ClickCell(1, 2);
+    Type("zz");
+    bool over = false;
+    QTimer::singleShot(QApplication::doubleClickInterval() + 50, window, [&over] { over = true; });
+    ASSERT_TRUE(QTest::qWaitFor([&over] { return over; }));
+    EXPECT_FALSE(window->Tree().IsEditingLabel());
+    Key(Qt::Key_Return);
+    EXPECT_EQ(Text(1, 2), "zz");
+    EXPECT_TRUE(window->Presenter().IsDirty());
+    EXPECT_EQ(ledger->Sent("update t_VchTemplate set"), "");
 }
 
 TEST_F(LitNodeTest, DeletingAsksForTheLitOne) {

@@ -88,6 +88,12 @@ class TemplateTreeTest : public ::testing::Test {
         QTest::keyClick(Editor(), key);
         QApplication::processEvents();
     }
+    // Until a click can be no half of a double-click any more.
+    void LetTheClickStand() {
+        bool over = false;
+        QTimer::singleShot(QApplication::doubleClickInterval() + 50, &tree, [&over] { over = true; });
+        ASSERT_TRUE(QTest::qWaitFor([&over] { return over; }));
+    }
     QLineEdit* Editor() { return tree.findChild<QLineEdit*>("labelEditor"); }
 
     RecordedTreeActions actions;
@@ -221,6 +227,24 @@ TEST_F(TemplateTreeTest, WhileEditingIsAutomaticAClickOnTheSelectedNodeEditsIt) 
     EXPECT_FALSE(tree.IsEditingLabel());
     Click("detail-5");
     EXPECT_TRUE(QTest::qWaitFor([&] { return tree.IsEditingLabel(); }, 3000));
+}
+
+TEST_F(TemplateTreeTest, NoLabelOpensLateOverWhatTheUserDoesByThen) {
+    actions.automatic = true;
+    Click("detail-5");
+    Click("detail-5");
+    tree.clearFocus();
+    LetTheClickStand();
+    EXPECT_FALSE(tree.IsEditingLabel()) << "the keyboard is elsewhere";
+    tree.setFocus();
+    Click("detail-5");
+    tree.SelectNode("detail-6");
+    LetTheClickStand();
+    EXPECT_FALSE(tree.IsEditingLabel()) << "another node is lit";
+    Click("detail-6");
+    actions.automatic = false;
+    LetTheClickStand();
+    EXPECT_FALSE(tree.IsEditingLabel()) << "labels are edited no more";
 }
 
 TEST_F(TemplateTreeTest, F2RenamesAndDeleteAsksForDeletion) {

@@ -350,11 +350,15 @@ void TemplateTree::mouseReleaseEvent(QMouseEvent* event) {
     pressed_ = QPersistentModelIndex();
     if (!click) return;
     const bool wasLit = index == currentIndex();
+    const QPersistentModelIndex clicked(index);
     const QPointer<TemplateTree> alive(this);
     Click(itemFromIndex(index));
     if (!alive || !wasLit || !GuardedOr(false, [&] { return actions_.EditsLabels(); })) return;
-    QTimer::singleShot(QApplication::doubleClickInterval(), this, [this] {
-        if (!doubleClicked_) StartLabelEdit();
+    QTimer::singleShot(QApplication::doubleClickInterval(), this, [this, clicked] {
+        // By now the user may be elsewhere: what he types there is no name.
+        const bool asks = !doubleClicked_ && clicked.isValid() && clicked == currentIndex() && hasFocus() &&
+                          !pressed_.isValid() && GuardedOr(false, [&] { return actions_.EditsLabels(); });
+        if (asks) StartLabelEdit();
     });
 }
 
