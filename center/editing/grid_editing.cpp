@@ -197,7 +197,9 @@ void GridEditing::Return(const JournalMark& mark) {
     grid.SetReDraw(false);
     MarkRows(grid, mark.firstRow, std::min(mark.lastRow, grid.RowTotal()), checks);
     grid.SetReDraw(true);
-    if (mark.active.row >= 1) grid.SetActiveCell(mark.active);
+    if (mark.active.row < 1) return;
+    grid.SetActiveCell(mark.active);
+    grid.ScrollIntoView(mark.active);  // seen, wherever the user has scrolled to
 }
 
 void GridEditing::Undo() {

@@ -269,6 +269,16 @@ TEST_F(GridEditingTest, ABlankRowStaysBelowTheRowsInUse) {
     EXPECT_THAT(Messages(), IsEmpty());
 }
 
+TEST_F(GridEditingTest, WhatIsUndoneIsScrolledTo) {
+    editing_.MoveActiveCell({1, 2});
+    editing_.CommitText({1, 2}, "a");
+    GridDiary diary(Grid());
+    editing_.Undo();
+    EXPECT_THAT(diary.Take(), ::testing::Contains("scrolled 1 2"));
+    editing_.Redo();
+    EXPECT_THAT(diary.Take(), ::testing::Contains("scrolled 1 2"));
+}
+
 TEST_F(GridEditingTest, TheSpareRowIsNoChangeAndNothingToUndo) {
     Grid().SetRowTotal(4);
     UseRows(3);

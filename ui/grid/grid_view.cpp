@@ -375,6 +375,8 @@ bool GridView::StoodBelowRows() {
 bool GridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
     const bool asked = trigger == AnyKeyPressed || trigger == EditKeyPressed || trigger == DoubleClicked;
     if (asked && index == currentIndex() && StoodBelowRows()) return false;
+    // What is typed into a cell is seen, wherever the wheel has gone.
+    if (asked && index.isValid()) scrollTo(index, EnsureVisible);
     if (asked && index.isValid() && IsFrozen(index.column())) horizontalScrollBar()->setValue(0);
     bool opened = false;
     {

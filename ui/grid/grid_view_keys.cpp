@@ -181,7 +181,9 @@ void GridView::Paste() {
 }
 
 void GridView::ClearSelection() {
-    if (IsInteractive()) Guarded([&] { actions_.ClearCells(Selected()); });
+    if (!IsInteractive()) return;
+    scrollTo(currentIndex(), EnsureVisible);
+    Guarded([&] { actions_.ClearCells(Selected()); });
 }
 
 void GridView::DuplicateRows() {
@@ -205,6 +207,7 @@ void GridView::OpenLookUp() {
 }
 
 void GridView::SetDirection(const QString& text) {
+    scrollTo(currentIndex(), EnsureVisible);
     model_.setData(currentIndex(), text);
 }
 
