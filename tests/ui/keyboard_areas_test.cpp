@@ -5,6 +5,7 @@
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QPointer>
+#include <QScrollBar>
 #include <QTest>
 #include <QToolButton>
 #include <QToolTip>
@@ -106,6 +107,92 @@ TEST_F(KeyboardAreasTest, F10GivesTheKeyboardToTheCommandBarAndEscapeTakesItBack
     Key(Qt::Key_F10);
     Key(Qt::Key_F10);
     EXPECT_TRUE(Grid().hasFocus());
+}
+
+TEST_F(KeyboardAreasTest, F10OutOfAnOpenEditorGoesBackToTheGrid) {
+    MoveTo(1, 2);
+    Type("rent");
+    ASSERT_TRUE(Grid().IsEditing());
+    Key(Qt::Key_F10);
+    EXPECT_EQ(Focused()->objectName(), "mnuNewButton");
+    EXPECT_EQ(Text(1, 2), "rent");
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(Grid().hasFocus());
+    Key(Qt::Key_F2);
+    Key(Qt::Key_F10);
+    Key(Qt::Key_F10);
+    EXPECT_TRUE(Grid().hasFocus());
+    Key(Qt::Key_F6);
+    Key(Qt::Key_Down);
+    Key(Qt::Key_F2);
+    ASSERT_TRUE(window->Tree().IsEditingLabel());
+    Key(Qt::Key_F10);
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(window->Tree().hasFocus());
+}
+
+TEST_F(KeyboardAreasTest, F6GoesToTheListThatIsShownAsWell) {
+    MoveTo(1, 2);
+    Key(Qt::Key_F8, Qt::ControlModifier);
+    auto& faults = *window->findChild<FaultPanel*>("faultPanel");
+    ASSERT_TRUE(faults.isVisible());
+    Key(Qt::Key_F6);
+    EXPECT_TRUE(window->Tree().hasFocus());
+    Key(Qt::Key_F6);
+    EXPECT_TRUE(faults.Table().hasFocus());
+    Key(Qt::Key_F6);
+    EXPECT_TRUE(Grid().hasFocus());
+    Key(Qt::Key_F6, Qt::ShiftModifier);
+    EXPECT_TRUE(faults.Table().hasFocus());
+}
+
+TEST_F(KeyboardAreasTest, AListThatIsHiddenGivesTheKeyboardToTheGrid) {
+    MoveTo(1, 2);
+    Key(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_EQ(Focused()->objectName(), "searchText");
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(Grid().hasFocus());
+    Key(Qt::Key_F8, Qt::ControlModifier);
+    Key(Qt::Key_F6, Qt::ShiftModifier);
+    ASSERT_TRUE(window->findChild<FaultPanel*>("faultPanel")->Table().hasFocus());
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(Grid().hasFocus());
+    Key(Qt::Key_Down);
+    EXPECT_EQ(window->Presenter().TemplateId(), "0") << "nothing else was opened";
+}
+
+TEST_F(KeyboardAreasTest, AnItemPanelThatIsScrolledAwayGivesTheKeyboardToTheGrid) {
+    window->Presenter().GridObject()->SetColumnHidden(column::kItems, false);
+    MoveTo(1, column::kItems);
+    auto* items = window->findChild<QLineEdit*>("txtItem");
+    QTest::mouseClick(items, Qt::LeftButton);
+    ASSERT_TRUE(items->hasFocus());
+    Grid().verticalScrollBar()->setValue(Grid().verticalScrollBar()->maximum());
+    ASSERT_FALSE(items->isVisible());
+    EXPECT_TRUE(Grid().hasFocus());
+}
+
+TEST_F(KeyboardAreasTest, WhatIsTypedIntoACellIsSeen) {
+    const auto scrollAway = [this] {
+        Grid().verticalScrollBar()->setValue(Grid().verticalScrollBar()->maximum());
+    };
+    const auto seen = [this] {
+        return Grid().viewport()->rect().contains(Grid().visualRect(Grid().currentIndex()).center());
+    };
+    MoveTo(1, 2);
+    scrollAway();
+    ASSERT_FALSE(seen());
+    Type("8");
+    EXPECT_TRUE(seen());
+    Key(Qt::Key_Escape);
+    scrollAway();
+    Key(Qt::Key_Delete);
+    EXPECT_TRUE(seen());
+    EXPECT_EQ(Text(1, 2), "");
+    scrollAway();
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(seen());
+    EXPECT_EQ(Text(1, 2), "收到货款");
 }
 
 TEST_F(KeyboardAreasTest, EnterAndSpaceOnTheCommandBarActOnWhatHadTheFocus) {

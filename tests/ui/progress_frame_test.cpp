@@ -1,5 +1,10 @@
 #include "ui/panels/progress_frame.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QTest>
+
 #include <gtest/gtest.h>
 
 namespace vicenter::ui {
@@ -49,6 +54,28 @@ TEST_F(ProgressFrameTest, StaysInAWindowThatHasBecomeSmaller) {
     parent.resize(700, 280);
     frame.SetState({true, "正在执行凭证模板引入，请稍后...", 1, 2});
     ExpectNothingCutOff();
+}
+
+TEST_F(ProgressFrameTest, TheKeyboardStaysWhereItWasAndEscCancels) {
+    QLineEdit first(&parent);
+    QLineEdit field(&parent);
+    first.show();
+    field.show();
+    parent.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&parent));
+    field.setFocus();
+    ASSERT_TRUE(field.hasFocus());
+    frame.SetState({true, "正在执行凭证模板引出，请稍后...", 1, 2});
+    EXPECT_FALSE(frame.PollCancelled());
+    EXPECT_TRUE(field.hasFocus());
+    for (const int key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape}) {
+        QApplication::postEvent(&parent,
+                                new QKeyEvent(QEvent::KeyPress, key, Qt::NoModifier, QStringLiteral("x")));
+        EXPECT_EQ(frame.PollCancelled(), key == Qt::Key_Escape);
+    }
+    frame.SetState({});
+    EXPECT_TRUE(field.hasFocus());
+    EXPECT_EQ(field.text(), "");
 }
 
 }  // namespace

@@ -218,7 +218,15 @@ bool ItemPanel::HasFocusWithin() const {
 }
 
 void ItemPanel::Refresh() {
-    const bool over = state_.visible && interactive_ && !cell_.isEmpty();
+    const auto isOver = [this] { return state_.visible && interactive_ && !cell_.isEmpty(); };
+    // What hides gives the keyboard back before; what was typed is handed over by it, and the state is
+    // another.
+    const bool closes = !isOver() || cellEditing_;
+    const QWidget* focused = parent_->window()->focusWidget();
+    if (focused != nullptr &&
+        ((closes && Contains(focused)) || (!state_.expanded && picture_->isAncestorOf(focused))))
+        emit leaveRequested();
+    const bool over = isOver();
     const bool strip = over && !cellEditing_;
     if (over) {
         const int side = std::min(18, cell_.width() / 2);

@@ -1,15 +1,43 @@
 #include "ui/panels/progress_frame.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <limits>
 #include <vector>
 
 #include "ui/look/qt_text.h"
+#include "ui/run/keyboard_home.h"
 
 namespace vicenter::ui {
+
+namespace {
+
+// The one key that is taken while the rest of a window is shut.
+class EscapeWatch : public QObject {
+  public:
+    explicit EscapeWatch(const QWidget& window) : window_(window) { qApp->installEventFilter(this); }
+    bool Pressed() const { return pressed_; }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress || !watched->isWidgetType() ||
+            static_cast<QWidget*>(watched)->window() != &window_ ||
+            static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape) {
+            return false;
+        }
+        pressed_ = true;
+        return true;
+    }
+
+  private:
+    const QWidget& window_;
+    bool pressed_ = false;
+};
+
+}  // namespace
 
 ProgressFrame::ProgressFrame(QWidget* parent)
     : QFrame(parent),
@@ -26,6 +54,7 @@ ProgressFrame::ProgressFrame(QWidget* parent)
     bar_->setTextVisible(false);
     bar_->setFixedHeight(6);
     cancel_->setObjectName(QStringLiteral("cmdCancelProgress"));
+    cancel_->setFocusPolicy(Qt::NoFocus);  // no key that was meant for something else presses it
     connect(cancel_, &QPushButton::clicked, this, [this] { cancelled_ = true; });
     auto* row = new QHBoxLayout;
     row->addWidget(bar_, 1);
@@ -68,6 +97,7 @@ void ProgressFrame::Fit() {
 
 bool ProgressFrame::PollCancelled() {
     if (polling_ || !isVisible()) return cancelled_;
+    const QPointer<QWidget> before = LastingHolder(window()->focusWidget());
     // Everything beside the panel is shut for the moment in which events run.
     std::vector<QWidget*> shut;
     for (QObject* child : parentWidget()->children()) {
@@ -77,10 +107,15 @@ bool ProgressFrame::PollCancelled() {
         shut.push_back(widget);
     }
     polling_ = true;
-    QCoreApplication::processEvents();
+    {
+        EscapeWatch escape(*window());
+        QCoreApplication::processEvents();
+        cancelled_ = cancelled_ || (escape.Pressed() && cancel_->isVisible());
+    }
     polling_ = false;
     for (QWidget* widget : shut)
         widget->setEnabled(true);
+    if (before != nullptr && before != window()->focusWidget()) GiveKeyboardTo(before);
     return cancelled_;
 }
 

@@ -63,6 +63,7 @@ SearchPanel::SearchPanel(center::SearchActions& actions, QWidget* parent)
     layout->addLayout(Fields());
     layout->addWidget(hits_, 1);
     setWidget(inner);
+    setFocusProxy(text_);
     hide();
 }
 
@@ -133,6 +134,7 @@ void SearchPanel::ShowHits() {
         }
     }
     if (hits_->rowCount() > 0) FitColumns(*hits_);
+    setFocusProxy(hits_->rowCount() > 0 ? static_cast<QWidget*>(hits_) : text_);
     QString note = ToQt(GuardedOr(std::string(), [this] { return actions_.Note(); }));
     if (shown == kMostRows) note += QStringLiteral("，列出前 %1 行").arg(kMostRows);
     note_->setText(note);

@@ -6,6 +6,7 @@
 
 #include "ui/look/qt_text.h"
 #include "ui/run/application.h"
+#include "ui/run/keyboard_home.h"
 
 namespace vicenter::ui {
 
@@ -79,7 +80,7 @@ void ToolBand::SetStates(const center::ToolStates& states) {
 void ToolBand::TakeKeyboard() {
     QWidget* focus = QApplication::focusWidget();
     if (focus && isAncestorOf(focus)) return GiveKeyboardBack();
-    before_ = focus;
+    before_ = LastingHolder(focus);
     MoveFocus(-1, 1);
 }
 
@@ -95,7 +96,7 @@ void ToolBand::MoveFocus(int from, int step) {
 }
 
 void ToolBand::GiveKeyboardBack() {
-    if (before_) before_->setFocus(Qt::OtherFocusReason);
+    GiveKeyboardTo(before_);
 }
 
 bool ToolBand::HandleKey(QWidget& button, int key) {

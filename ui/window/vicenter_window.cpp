@@ -16,6 +16,7 @@
 #include "ui/look/qt_text.h"
 #include "ui/look/twips.h"
 #include "ui/run/application.h"
+#include "ui/run/keyboard_home.h"
 #include "ui/run/slot_guard.h"
 
 namespace vicenter::ui {
@@ -144,6 +145,9 @@ void VICenterWindow::BuildGrid() {
     });
     connect(status_, &StatusLine::faultsClicked, this,
             [this] { faults_->setVisible(!faults_->isVisible()); });
+    auto* home = new KeyboardHome(*grid_, this);
+    home->Watch(*faults_);
+    home->Watch(*search_);
     connect(grid_, &GridView::contentsMoved, this, &VICenterWindow::PlaceOverlays);
     connect(grid_, &GridView::rowsPulledOut, this, &VICenterWindow::DragRows);
     connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
@@ -301,21 +305,29 @@ VICenterWindow::Zone VICenterWindow::ZoneOf(const QWidget* widget) const {
     return Zone::Elsewhere;
 }
 
-// Tab stays within the grid, so that the tree and the command bar have keys of their own: F6 goes from one
-// area to the other, F10 to the bar.
+// Tab stays within the grid, so that the tree, the list below and the command bar have keys of their own: F6
+// goes from one area to the next, F10 to the bar.
 bool VICenterWindow::MoveBetweenAreas(const QKeyEvent& event) {
     if (!loaded_ || progress_->IsPolling()) return false;
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
     if (event.key() == Qt::Key_F10 && modifiers == Qt::NoModifier) {
+        CommitTyping();
         band_->TakeKeyboard();
         return true;
     }
     if (event.key() != Qt::Key_F6 || (modifiers & ~Qt::ShiftModifier) != Qt::NoModifier) return false;
-    if (ZoneOf(QApplication::focusWidget()) == Zone::Tree) {
-        grid_->setFocus(Qt::ShortcutFocusReason);
-    } else {
-        tree_->setFocus(Qt::ShortcutFocusReason);
-    }
+    const QWidget* focused = QApplication::focusWidget();
+    std::vector<QWidget*> round = {grid_, tree_};
+    std::size_t at = ZoneOf(focused) == Zone::Tree ? 1 : 0;
+    const auto addList = [&](const QWidget& panel, QWidget& entry) {
+        if (!panel.isVisible()) return;
+        if (panel.isAncestorOf(focused)) at = round.size();
+        round.push_back(&entry);
+    };
+    addList(*faults_, faults_->Table());
+    addList(*search_, *search_);
+    const std::size_t step = modifiers == Qt::ShiftModifier ? round.size() - 1 : 1;
+    round[(at + step) % round.size()]->setFocus(Qt::ShortcutFocusReason);
     return true;
 }
 
