@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QInputMethodEvent>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -50,6 +51,26 @@ TEST_F(ItemPanelTest, IsHiddenUntilTheItemsColumnIsActive) {
     EXPECT_FALSE(Find<QFrame>("picItem")->isVisible());
     panel.PlaceAt({});
     EXPECT_FALSE(Find<QLineEdit>("txtItem")->isVisible());
+}
+
+TEST_F(ItemPanelTest, ANumberThatIsStillBeingComposedIsHandedOver) {
+    panel.SetState(TwoClasses());
+    const QSignalSpy numbers(&panel, &ItemPanel::numberCommitted);
+    auto* second = Find<QLineEdit>("txtItemNumber2");
+    second->setFocus();
+    second->selectAll();
+    QInputMethodEvent composing("kh001", {});
+    QApplication::sendEvent(second, &composing);
+    panel.CommitTyping();
+    ASSERT_EQ(numbers.size(), 1);
+    EXPECT_EQ(numbers[0][1].toString(), "kh001");
+    auto* first = Find<QLineEdit>("txtItemNumber1");
+    first->setFocus();
+    first->selectAll();
+    QApplication::sendEvent(first, &composing);
+    QTest::mouseClick(Find<QToolButton>("cmdItemLookUp1"), Qt::LeftButton);
+    ASSERT_EQ(numbers.size(), 2);
+    EXPECT_EQ(numbers[1][1].toString(), "kh001");
 }
 
 TEST_F(ItemPanelTest, ShowsOneLabelledRowPerItemClass) {

@@ -86,6 +86,7 @@ ItemPanel::ItemPanel(QWidget* parent)
 
 // Hands a changed text over, once.
 void ItemPanel::Commit(QLineEdit& field) {
+    Composition::Finish(field);
     if (!field.isModified()) return;
     field.setModified(false);
     if (&field == text_) emit textCommitted(field.text());
@@ -97,7 +98,6 @@ void ItemPanel::Commit(QLineEdit& field) {
 }
 
 void ItemPanel::CommitTyping() {
-    Composition::Finish(*text_);
     Commit(*text_);
     // By index: a number that is handed over may build the rows anew.
     for (std::size_t i = 0; i < rows_.size(); ++i)
@@ -124,6 +124,7 @@ void ItemPanel::BuildRows(std::size_t count) {
         widgets.number->setObjectName(QStringLiteral("txtItemNumber") + suffix);
         widgets.number->installEventFilter(this);
         new SingleLine(*widgets.number, OneNumber());
+        new Composition(*widgets.number);
         widgets.lookUp->setObjectName(QStringLiteral("cmdItemLookUp") + suffix);
         widgets.lookUp->setText(QStringLiteral("…"));
         widgets.lookUp->setFocusPolicy(Qt::NoFocus);
