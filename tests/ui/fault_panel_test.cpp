@@ -48,9 +48,9 @@ class FaultPanelTest : public WindowTest {
         return rows;
     }
     center::CellAddress Active() { return window->Presenter().Grid().ActiveCell(); }
-    void ClickRow(int row) {
+    void ClickRow(int row, Qt::KeyboardModifiers modifiers = {}) {
         QTableView& table = Panel().Table();
-        QTest::mouseClick(table.viewport(), Qt::LeftButton, {},
+        QTest::mouseClick(table.viewport(), Qt::LeftButton, modifiers,
                           table.visualRect(table.model()->index(row, 3)).center());
     }
 };
@@ -132,6 +132,22 @@ TEST_F(FaultPanelTest, IsCopiedWithItsHeadings) {
     Panel().Table().selectRow(1);
     QTest::keyClick(&Panel().Table(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), "行\t列\t内容\t原因\r\n2\t附件数\t-3\t不能小于0\r\n");
+}
+
+TEST_F(FaultPanelTest, GatheringRowsStaysWithTheList) {
+    OpenWithFaults();
+    Show();
+    const center::CellAddress before = Active();
+    ClickRow(0);
+    ASSERT_FALSE(Active() == before);
+    Panel().Table().setFocus();
+    ClickRow(2, Qt::ControlModifier);
+    EXPECT_EQ(Active(), (center::CellAddress{1, column::kAccountNumber}));
+    EXPECT_EQ(Focused(), &Panel().Table());
+    Key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(),
+              "行\t列\t内容\t原因\r\n1\t科目代码(*)\t9999\t科目代码不存在\r\n"
+              "4\t附件数\t1.5\t必须是整数\r\n");
 }
 
 TEST_F(FaultPanelTest, WhatWasReportedStandsThereWithItsSource) {

@@ -204,10 +204,10 @@ FaultPanel::FaultPanel(center::FaultActions& actions, QWidget* parent)
     table_->installEventFilter(this);
     setWidget(table_);
     connect(table_, &QTableView::clicked, this, [this](const QModelIndex& index) {
-        // Who gathers rows to copy them opens no workbook by it.
+        // Who gathers rows to copy them stays with the list.
         const bool gathers =
             (QApplication::keyboardModifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) != 0;
-        if (!gathers || !index.isValid() || model_->CellAt(index.row())) GoTo(index);
+        if (!gathers) GoTo(index);
     });
     table_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(table_, &QTableView::customContextMenuRequested, this, &FaultPanel::ShowMenu);
