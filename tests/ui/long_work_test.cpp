@@ -77,6 +77,20 @@ TEST_F(LongWorkTest, CancelIsTakenAndTheBoxGoesWithTheWork) {
     work_.Done();
 }
 
+TEST_F(LongWorkTest, WhatIsPressedAheadForAMessageCancelsNothing) {
+    EXPECT_TRUE(work_.GoOn(kLong));
+    LongWorkBox* box = ShownBox();
+    ASSERT_NE(box, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(box));
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Tab, Qt::Key_Return}) {
+        QWidget* focused = QApplication::focusWidget();
+        QTest::keyClick(focused != nullptr ? focused : box, key);
+        EXPECT_TRUE(work_.GoOn(kLong)) << key;
+    }
+    EXPECT_TRUE(box->isVisible());
+    work_.Done();
+}
+
 TEST_F(LongWorkTest, EscapeCancelsToo) {
     EXPECT_TRUE(work_.GoOn(kLong));
     ASSERT_NE(ShownBox(), nullptr);

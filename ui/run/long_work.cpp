@@ -36,6 +36,9 @@ LongWorkBox::LongWorkBox(QWidget* parent) : QDialog(parent) {
     bar->setTextVisible(false);
     auto* cancel = new QPushButton(QStringLiteral("取消"), this);
     cancel->setObjectName(QStringLiteral("cmdCancelLongWork"));
+    // Enter and the space bar are pressed ahead for the message that is expected: they cancel nothing.
+    cancel->setAutoDefault(false);
+    cancel->setFocusPolicy(Qt::NoFocus);
     connect(cancel, &QPushButton::clicked, this, [this, cancel, label] {
         cancelled_ = true;
         cancel->setEnabled(false);
