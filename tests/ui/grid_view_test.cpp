@@ -474,6 +474,16 @@ TEST_F(GridViewTest, TheSelectionGoesAlongWithTheCursorHoweverItMoves) {
     EXPECT_TRUE(only());
 }
 
+TEST_F(GridViewTest, ArrowsWithAKeyHeldAreNoOthersOutOfAnOpenEditor) {
+    grid->SetActiveCell({2, 2});
+    Type("x");
+    ASSERT_TRUE(view->IsEditing());
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_FALSE(view->IsEditing());
+    EXPECT_EQ(grid->Text(2, 2), "x");
+    EXPECT_EQ(view->SelectedBlock(), (center::CellRange{2, 2, 3, 2}));
+}
+
 TEST_F(GridViewTest, ShiftSelectsFromTheCursorHoweverItCameThere) {
     Go(7, 7);
     Key(Qt::Key_Home, Qt::ControlModifier);

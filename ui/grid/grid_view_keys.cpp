@@ -431,6 +431,9 @@ bool GridView::EditorKeyPressed(QWidget& editor, QKeyEvent& event) {
         case Qt::Key_Down:
             if (!field) return false;  // the list's own keys
             FinishEditing(&editor);
+            // With a key held it is what it is in a cell that is not being edited.
+            if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+                return keyPressEvent(&event), true;
             MoveRows(event.key() == Qt::Key_Up ? -1 : 1);
             return true;
         case Qt::Key_Left:
