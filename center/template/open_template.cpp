@@ -24,6 +24,7 @@ void OpenTemplate::Blank() {
     grid_.Clear(0);
     grid_.Clear(kFirstRowTotal);
     rowCount_ = 0;
+    touched_ = false;
     SetDirty(false);
 }
 
@@ -68,6 +69,12 @@ void OpenTemplate::Become(const std::string& id, const std::string& name) {
     loaded_ = {};
 }
 
+void OpenTemplate::Settle() {
+    if (linesKnown_) loaded_ = DigestOfRows(grid_, rowCount_);
+    touched_ = false;
+    SetDirty(false);
+}
+
 void OpenTemplate::TakeRows(int rows) {
     rowCount_ = rows;
     SetDirty(true);
@@ -81,7 +88,7 @@ void OpenTemplate::TypedUpon(const LinesDigest& loaded) {
 // Back where it was read or saved the template is unmodified again, by whatever way it has come there.
 JournalMark OpenTemplate::Return(JournalMark mark) {
     rowCount_ = mark.rowCount;
-    SetDirty(!linesKnown_ || !(DigestOfRows(grid_, rowCount_) == loaded_));
+    SetDirty(touched_ || !linesKnown_ || !(DigestOfRows(grid_, rowCount_) == loaded_));
     return mark;
 }
 

@@ -55,9 +55,15 @@ class OpenTemplate final : public GridRecorder {
     void Become(const std::string& id, const std::string& name);
 
     // --- the lines against what the account set holds
-    void Touch() { SetDirty(true); }
-    // What was typed is stored, or given up.
-    void Settle() { SetDirty(false); }
+    // A change that no undo takes back.
+    void Touch() {
+        touched_ = true;
+        SetDirty(true);
+    }
+    // What the user may still want stands beside the lines, until something else is done to them.
+    void CountAsModified() { SetDirty(true); }
+    // What was typed is stored, or given up: the lines as they are now are those that were read.
+    void Settle();
     // The first rows of the grid are the lines now, by the user's will.
     void TakeRows(int rows);
     // The lines were typed upon what the account set held then.
@@ -91,6 +97,7 @@ class OpenTemplate final : public GridRecorder {
     LinesDigest loaded_;
     bool linesKnown_ = true;
     bool dirty_ = false;
+    bool touched_ = false;
 };
 
 // Everything that is changed while one of these lives is one step of undo.

@@ -200,7 +200,7 @@ bool TemplateSave::ShowSent(const store::TemplateOutcome& outcome, bool treeToo)
 // The typed lines are one step of undo away, and the template counts as modified as long as they are.
 void TemplateSave::KeepRefused(bool reloaded, const LinesDigest& loadedBefore) {
     if (reloaded) {
-        if (kept_.OfferUndo("保存被拒绝，按 Ctrl+Z 找回保存前的分录")) state_.open.Touch();
+        if (kept_.OfferUndo("保存被拒绝，按 Ctrl+Z 找回保存前的分录")) state_.open.CountAsModified();
     } else {
         // Nothing has been written and nothing read: the window is as it was before the save.
         kept_.PutBack();

@@ -260,7 +260,7 @@ TEST_F(ProposalsTest, ATemplateWithoutLinesHasNone) {
     EXPECT_EQ(proposals_.Text({1, column::kNo}), "");
 }
 
-TEST_F(ProposalsTest, TheyStayInTheRowUntilTheCursorLeavesIt) {
+TEST_F(ProposalsTest, TheyStayInTheRowAndComeBackToItUntilAnotherIsBegun) {
     GoTo(2);
     Put(2, column::kNo, "3");
     GoTo(2, column::kDirection);
@@ -269,6 +269,10 @@ TEST_F(ProposalsTest, TheyStayInTheRowUntilTheCursorLeavesIt) {
     EXPECT_EQ(proposals_.Text({2, column::kAmount}), "1200.5");
     GoTo(1);
     EXPECT_EQ(proposals_.Row(), 3);
+    GoTo(2);
+    EXPECT_EQ(proposals_.Text({2, column::kAmount}), "1200.5") << "what was passed by";
+    GoTo(3);
+    Put(3, column::kNo, "3");
     GoTo(2);
     EXPECT_EQ(proposals_.Text({2, column::kAmount}), "") << "a line like all others by now";
 }
