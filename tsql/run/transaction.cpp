@@ -15,6 +15,7 @@ void Transactions::Begin() {
     database_.CheckFile();
     database_.Run("BEGIN IMMEDIATE");
     open_ = true;
+    changed_ = false;
     marks_ = {Now()};
     NoteBegin();
 }
@@ -33,6 +34,7 @@ void Transactions::BeginTemporary() {
     database_.Run("BEGIN");
     open_ = true;
     onlyTemporary_ = true;
+    changed_ = false;
     marks_ = {Now()};
 }
 
@@ -183,6 +185,7 @@ void Transactions::DropForGood(const TableInfo& table) {
 
 Transactions::Mark Transactions::StartDefinition() {
     Mark before = Now();
+    changed_ = true;
     database_.Run("SAVEPOINT ts_definition");
     return before;
 }
@@ -198,15 +201,13 @@ void Transactions::UndoDefinition(const Mark& before) {
 bool Transactions::BeginChange(bool temporary) {
     CheckNotDoomed();
     catalog_.EndSnapshot();
-    if (temporary) {
-        // What ROLLBACK is to undo must be begun.
-        if (count_ > 0 && !open_) BeginTemporary();
-        return false;
-    }
-    if (open_ && onlyTemporary_) TakeLock();
-    if (open_) return false;
-    Begin();
-    return !batchIsUnit_ && count_ == 0;
+    // What ROLLBACK is to undo must be begun.
+    if (temporary && count_ > 0 && !open_) BeginTemporary();
+    if (!temporary && open_ && onlyTemporary_) TakeLock();
+    const bool begins = !temporary && !open_;
+    if (begins) Begin();
+    changed_ = true;
+    return begins && !batchIsUnit_ && count_ == 0;
 }
 
 void Transactions::StartBatch(bool mayWrite) {
@@ -245,8 +246,9 @@ void Transactions::Run(const TransactionStatement& statement) {
             if (batchMayWrite_ && !open_) {
                 catalog_.EndSnapshot();
                 Begin();
-            } else if (count_ == 0 && open_) {
-                // In the middle of a unit: what stands before it is none of its own.
+            } else if (count_ == 0 && open_ && changed_) {
+                // In the middle of a unit: what stands before it is none of its own. Where nothing does, the
+                // file is left as if nobody had begun.
                 SetMark({});
                 begin_ = marks_.size() - 1;
             }

@@ -119,6 +119,7 @@ class Transactions {
     bool open_ = false;
     bool batchMayWrite_ = false;
     bool onlyTemporary_ = false;  // the open transaction has no lock yet
+    bool changed_ = false;        // something since the open transaction's beginning
     bool doomed_ = false;
     bool broughtUp_ = false;   // the set got the form of today in the transaction that is open
     std::vector<Mark> marks_;  // the first is the beginning of SQLite's transaction
