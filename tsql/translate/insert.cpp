@@ -98,7 +98,8 @@ Translation Translator::Insert(const InsertStatement& statement) {
     AddCommonTables(statement.with);
     const bool ofQuery = statement.source == InsertSource::kQuery;
     if (statement.top && (statement.top->percent || !ofQuery))
-        throw MakeError(40510, statement.position, {statement.top->percent ? "INSERT TOP … PERCENT" : "INSERT TOP … VALUES"});
+        throw MakeError(40510, statement.position,
+                        {statement.top->percent ? "INSERT TOP … PERCENT" : "INSERT TOP … VALUES"});
     if (ofQuery) {
         Scope none;
         const std::string limit =

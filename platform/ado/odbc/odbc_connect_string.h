@@ -12,7 +12,7 @@ namespace vicenter::ado {
 
 struct OdbcSettings {
     std::string provider;  // of OLE DB, as named
-    std::string driver;  // as named; empty: to be chosen
+    std::string driver;    // as named; empty: to be chosen
     std::string dataSourceName;
     std::string server;  // host, host\instance or host,port
     std::string failoverPartner;
