@@ -244,19 +244,30 @@ std::optional<CopiedBlock> BlockEditing::Copy(const CellSelection& selected) con
     }
     TextBlock block;
     TextBlock rows;
+    std::vector<int> told = table.columns;
+    if (selection.wholeRows) {
+        // For others, and for us in another process: hidden columns find their places by the headings, and
+        // the ids of one account set mean nothing in another.
+        std::erase_if(told, [](int c) { return Column(c).locked; });
+        std::vector<std::string>& headings = block.emplace_back();
+        for (const int c : told)
+            headings.emplace_back(Column(c).header);
+    }
     for (const int row : table.rows) {
         std::vector<std::string>& texts = block.emplace_back();
-        for (const int c : table.columns)
+        for (const int c : told)
             texts.emplace_back(grid.Text(row, c));
         if (!selection.wholeRows) continue;
         std::string refusals;
         for (int c = 1; c <= kColumnCount; ++c)
             refusals += static_cast<char>(kFirstVerdict + static_cast<int>(grid.Refusal(row, c)));
-        rows.push_back(texts);
-        rows.back().push_back(std::move(refusals));
+        std::vector<std::string>& whole = rows.emplace_back();
+        for (const int c : table.columns)
+            whole.emplace_back(grid.Text(row, c));
+        whole.push_back(std::move(refusals));
     }
     // One cell goes into fields of other programs as well: it ends without a line end.
-    const bool one = block.size() == 1 && table.columns.size() == 1 && !block[0][0].empty();
+    const bool one = block.size() == 1 && told.size() == 1 && !block[0][0].empty();
     std::string text = FormatBlock(block);
     if (one) text.resize(text.size() - kLineEnd.size());
     return CopiedBlock{std::move(text), selection.wholeRows ? FormatBlock(rows) : std::string()};

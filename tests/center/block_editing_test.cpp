@@ -406,6 +406,31 @@ TEST_F(BlockEditingTest, WholeRowsMoveWithEverythingThatBelongsToThem) {
     EXPECT_TRUE(Grid().IsBlankRow(3));
 }
 
+TEST_F(BlockEditingTest, WholeRowsAsATextFindTheirColumnsByHeadings) {
+    ShowAll();
+    blocks_.Paste({1, 1},
+                  "1\t提货\t借\t\t1002\t\t2\t\t01\t00012\t\t\tUSD\t6.5\t100\t\t\t\t\t650.00\t备注\r\n2\r\n");
+    for (int c = 8; c <= 20; ++c)
+        Grid().SetColumnHidden(c, true);
+    Texts before;
+    for (int c = 1; c <= kColumnCount; ++c)
+        before.push_back(Text(1, c));
+    const std::optional<CopiedBlock> copied = blocks_.Copy(CellSelection::Rows({{1, 1}}));
+    ASSERT_TRUE(copied.has_value());
+    EXPECT_THAT(copied->text, ::testing::StartsWith("模板编号(*)\t摘要(*)\t"));
+    EXPECT_EQ(copied->text.find("内码"), std::string::npos);
+    // Without what is kept for this process: another one, or back from a spreadsheet.
+    const PasteResult result = blocks_.Paste({3, 2}, CopiedBlock(copied->text));
+    EXPECT_THAT(Messages(), IsEmpty());
+    EXPECT_THAT(result.refused, IsEmpty());
+    for (int c = 1; c <= kColumnCount; ++c) {
+        // As from any other program: a name comes without the id of this account set.
+        if (Column(c).locked) continue;
+        EXPECT_EQ(Text(3, c), before[static_cast<std::size_t>(c - 1)]) << c;
+    }
+    EXPECT_TRUE(Grid().IsBlankRow(4));
+}
+
 TEST_F(BlockEditingTest, FillingDownWorksOnEachPiece) {
     blocks_.Paste({1, 1}, "1\ta\r\n2\tb\r\n3\tc\r\n4\td\r\n5\te\r\n");
     blocks_.FillDown(CellSelection({{2, 2, 2, 2}, {4, 2, 5, 2}}));

@@ -42,7 +42,7 @@ TEST_F(ProposedRowTest, IsShownBesideTheGridAndIsInNothingThatReadsIt) {
     EXPECT_FALSE(Window().Cells().CanUndo());
     const auto copied = Window().Cells().CopyBlock(CellSelection::Rows({{1, 2}}));
     ASSERT_TRUE(copied.has_value());
-    EXPECT_EQ(copied->text.find("贷"), std::string::npos);
+    EXPECT_EQ(copied->text.find("\t贷\t"), std::string::npos);
     EXPECT_EQ(Window().Faults().Cells(), (std::vector<CellAddress>{{1, column::kNo}})) << "it is unbalanced";
 
     Type(1, column::kExplanation, "改过");

@@ -194,7 +194,7 @@ TEST_F(ProposalsWayTest, UntakenItIsNeitherStoredNorCopied) {
     OpenWithOneLine();
     window->Grid().selectAll();
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
-    EXPECT_FALSE(QApplication::clipboard()->text().contains(QStringLiteral("贷")));
+    EXPECT_FALSE(QApplication::clipboard()->text().contains(QStringLiteral("\t贷\t")));
     ClickTool("mnuSave");
     EXPECT_EQ(Number("select count(*) from t_VchTemplateEntry where FNo = 8"), 1);
     EXPECT_EQ(window->Presenter().RowCount(), 1);

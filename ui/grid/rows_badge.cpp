@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QWidget>
 
+#include "ui/grid/rows_format.h"
 #include "ui/look/theme.h"
 
 namespace vicenter::ui {
@@ -16,7 +17,9 @@ constexpr double kRounding = 3;
 }  // namespace
 
 int CountOfRows(const QMimeData& rows) {
-    const QString text = rows.text();
+    // The text of whole rows has a line of headings more.
+    const QString text =
+        rows.hasFormat(RowsFormat()) ? QString::fromUtf8(rows.data(RowsFormat())) : rows.text();
     const auto ends = static_cast<int>(text.count(u'\n'));
     return text.isEmpty() || text.endsWith(u'\n') ? ends : ends + 1;
 }
