@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "text/utf8.h"
+
 namespace vicenter::entry {
 
 std::string_view WithoutLineEnd(std::string_view text) {
@@ -17,37 +19,28 @@ bool HasControlCharacter(std::string_view text) {
     });
 }
 
-std::string InOneLine(std::string_view text) {
-    constexpr std::string_view kLineEnd = "\u21B5";
-    constexpr std::string_view kUnseen = "\u25A1";
+bool BreaksOrHides(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
+}
+
+std::string InOneLine(std::string_view given) {
     std::string shown;
-    shown.reserve(text.size());
-    const auto next = [&](std::size_t i, std::string_view what) {
-        return text.substr(i, what.size()) == what;
-    };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte == '\r' || byte == '\n') {
-            if (next(i, "\r\n")) ++i;
-            shown += kLineEnd;
-        } else if (byte == '\t') {
+    shown.reserve(given.size());
+    for (std::size_t at = 0; at < given.size();) {
+        const text::CodePoint point = text::ReadUtf8(given, at);
+        const std::string_view own = given.substr(at, point.length);
+        at += point.length;
+        if (!point.valid || !BreaksOrHides(point.code)) {
+            shown += own;
+        } else if (point.code == '\t') {
             shown += ' ';
-        } else if (byte < 0x20 || byte == 0x7F) {
-            shown += kUnseen;
-        } else if (byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0) {
-            shown += next(i, "\u0085") ? kLineEnd : kUnseen;  // U+0080 to U+009F
-            ++i;
-        } else if (next(i, "\u2028") || next(i, "\u2029")) {
-            shown += kLineEnd;
-            i += 2;
-        } else if ((next(i, "\xE2\x80") && i + 2 < text.size() && text[i + 2] >= '\xAA' &&
-                    text[i + 2] <= '\xAE') ||
-                   (next(i, "\xE2\x81") && i + 2 < text.size() && text[i + 2] >= '\xA6' &&
-                    text[i + 2] <= '\xA9')) {
-            shown += kUnseen;  // U+202A to U+202E, U+2066 to U+2069
-            i += 2;
+        } else if (point.code == '\r' || point.code == '\n' || point.code == 0x85 || point.code == 0x2028 ||
+                   point.code == 0x2029) {
+            if (point.code == '\r' && given.substr(at, 1) == "\n") ++at;
+            shown += "\u21B5";
         } else {
-            shown += text[i];
+            shown += "\u25A1";
         }
     }
     return shown;

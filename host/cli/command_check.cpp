@@ -74,8 +74,8 @@ Variant StoredState(const TemplateHead& head, const TemplateLines& lines, const 
     VariantArray faultyLines;
     for (int row = 1; row <= lines.count; ++row) {
         VariantArray faulty;
-        for (const FaultyCell& cell : FaultyCells(lines.grid, row))
-            faulty.emplace_back(cell.field);
+        for (const std::string& field : FaultyFields(lines.grid, row))
+            faulty.emplace_back(field);
         if (faulty.empty()) continue;
         const auto record = static_cast<std::size_t>(row - 1);
         faultyLines.push_back(

@@ -63,8 +63,8 @@ void PrintTable(const CliContext& context, const TemplateLines& lines) {
             if (spec.kind != center::CellKind::Id) out << OneLine(lines.grid.Text(row, spec.column)) << "\t";
         }
         std::string separator;
-        for (const FaultyCell& cell : FaultyCells(lines.grid, row)) {
-            out << separator << cell.field;
+        for (const std::string& field : FaultyFields(lines.grid, row)) {
+            out << separator << field;
             separator = ",";
         }
         out << "\n";

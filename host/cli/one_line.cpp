@@ -1,16 +1,12 @@
 #include "host/cli/one_line.h"
 
+#include "entry/single_line.h"
 #include "text/hex.h"
 #include "text/utf8.h"
 
 namespace vicenter::host {
 
 namespace {
-
-// Control characters, and what ends a line for programs that know more than ASCII.
-bool Separates(char32_t code) {
-    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x2028 || code == 0x2029;
-}
 
 std::string Escaped(char32_t code) {
     switch (code) {
@@ -35,7 +31,7 @@ std::string OneLine(std::string_view given) {
     std::string line;
     for (std::size_t at = 0; at < given.size();) {
         const text::CodePoint point = text::ReadUtf8(given, at);
-        if (point.valid && Separates(point.code)) {
+        if (point.valid && entry::BreaksOrHides(point.code)) {
             line += Escaped(point.code);
         } else {
             line += given.substr(at, point.length);

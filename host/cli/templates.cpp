@@ -91,13 +91,12 @@ bool FitsColumn(const center::ColumnSpec& spec, std::string_view text) {
            system::CodeUnitCount(system::TrimBlanks(text)) <= static_cast<std::size_t>(spec.maxCharacters);
 }
 
-std::vector<FaultyCell> FaultyCells(const center::EntryGrid& grid, int row) {
-    std::vector<FaultyCell> cells;
+std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row) {
+    std::vector<std::string> fields;
     for (const center::ColumnSpec& spec : center::Columns()) {
-        if (std::string reason = center::FaultText(grid, {row, spec.column}); !reason.empty())
-            cells.push_back({std::string(spec.field), spec.column, std::move(reason)});
+        if (!center::FaultText(grid, {row, spec.column}).empty()) fields.emplace_back(spec.field);
     }
-    return cells;
+    return fields;
 }
 
 std::vector<std::string> FieldsToTakeBack(const center::EntryGrid& grid, int row) {

@@ -37,14 +37,9 @@ void ReadLines(const TemplateHead& head, TemplateLines& lines);
 // Whether a text column of the grid would take the text, apostrophes and bars aside.
 bool FitsColumn(const center::ColumnSpec& spec, std::string_view text);
 
-// What is wrong with a row, in column order: what the window shows red, with its reason.
-struct FaultyCell {
-    std::string field;
-    int column = 0;
-    std::string reason;
-};
-std::vector<FaultyCell> FaultyCells(const center::EntryGrid& grid, int row);
-// The fields of those cells, and of texts that no cell takes although the account set holds them: a line that
+// The fields of a row's cells that the window shows red, in column order.
+std::vector<std::string> FaultyFields(const center::EntryGrid& grid, int row);
+// Those, and the fields of texts that no cell takes although the account set holds them: a line that
 // names them is taken back with them.
 std::vector<std::string> FieldsToTakeBack(const center::EntryGrid& grid, int row);
 
