@@ -369,8 +369,8 @@ void Catalog::PutBack(const Temporaries& before) {
         then[key] = kept.table;
         const ColumnInfo* identity = kept.table->IdentityColumn();
         if (identity == nullptr) continue;
-        const auto handOut = [&](std::int64_t value) {
-            std::int64_t& last = kept.table->lastIdentity;
+        std::int64_t& last = kept.table->lastIdentity;
+        const auto handOut = [&last, identity](std::int64_t value) {
             last = identity->increment < 0 ? std::min(last, value) : std::max(last, value);
         };
         handOut(kept.lastIdentity);
