@@ -1,6 +1,6 @@
 # Completion of vicenter's commands, options and files for bash.
 _vicenter() {
-    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command= set=no i
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command= set= i
     local commands="account-set check delete doctor drivers export generate history import list log new print rename
         replace restore save search show sql window"
     local options="--account-set --ask-password --connect --excel --help --json --no --password-env --password-file
@@ -15,27 +15,28 @@ _vicenter() {
             ;;
     esac
     for ((i = 1; i < COMP_CWORD; i++)); do
-        case ${COMP_WORDS[i]} in
-            account-set) set=yes ;;
-            backup | copy | new | restore | upgrade | verify)
-                if [ $set = yes ]; then set=chosen; else command=${COMP_WORDS[i]}; fi
-                ;;
-            -*) ;;
-            *) case " ${commands//$'\n'/ } " in *" ${COMP_WORDS[i]} "*) command=${COMP_WORDS[i]} ;; esac ;;
-        esac
+        case ${COMP_WORDS[i]} in -*) continue ;; esac
+        if [ -z "$command" ]; then
+            case " ${commands//$'\n'/ } " in *" ${COMP_WORDS[i]} "*) command=${COMP_WORDS[i]} ;; esac
+        elif [ "$command" = account-set ] && [ -z "$set" ]; then
+            set=${COMP_WORDS[i]}
+        fi
     done
-    if [ $set = yes ]; then
-        COMPREPLY=($(compgen -W "backup copy new restore upgrade verify" -- "$word"))
-    elif [ $set = chosen ]; then
-        COMPREPLY=($(compgen -W "--demo --dry-run --vouchers" -- "$word") $(compgen -f -- "$word"))
-    elif [ -z "$command" ]; then
+    if [ -z "$command" ]; then
         COMPREPLY=($(compgen -W "$commands $options" -- "$word"))
+    elif [ "$command" = account-set ] && [ -z "$set" ]; then
+        COMPREPLY=($(compgen -W "backup copy new restore upgrade verify $options" -- "$word"))
     else
         case $command in
+            account-set) [ "$set" != new ] || options="--demo --dry-run --vouchers $options" ;;
             check) options="--all $options" ;;
-            export) options="--all $options" ;;
-            generate) options="--fields --from --group --include-system --name --period --to --year $options" ;;
+            export) options="--all --empty $options" ;;
+            generate)
+                options="--dry-run --fields --from --group --include-system --name --period --to --without --year
+                    $options"
+                ;;
             history) options="--deleted --keep-days --keep-versions --version-id $options" ;;
+            import) options="--dry-run --marked-copy --report --tidy $options" ;;
             log) options="--from --kind --template --to $options" ;;
             print) options="--number $options" ;;
             replace) options="--column --dry-run --from --standard --to --undo $options" ;;

@@ -52,18 +52,11 @@ function(check_program prefix)
   run(findings "${VALIDATE}" "${prefix}/share/applications/vicenter.desktop")
   expect_same("the desktop entry's findings" "${findings}" "")
 
-  # The completion offers every command that the program knows.
-  run(help "${prefix}/bin/vicenter" --help)
-  file(READ "${prefix}/share/bash-completion/completions/vicenter" completion)
-  string(REGEX MATCHALL "\n  [a-z][a-z-]* " commands "${help}")
-  if(NOT commands)
-    message(FATAL_ERROR "No command in\n${help}")
-  endif()
-  foreach(command IN LISTS commands)
-    string(STRIP "${command}" command)
-    expect_contains("the completion" "${completion}" "${command}")
-  endforeach()
-  file(WRITE "${FOLDER}/complete.sh" "source '${prefix}/share/bash-completion/completions/vicenter'
+  # The completion offers every command and option that the program knows.
+  set(completion "${prefix}/share/bash-completion/completions/vicenter")
+  run(missing "${BASH}" "${SOURCE}/tests/packaging/completion.sh" "${prefix}/bin/vicenter" "${completion}")
+  expect_same("what completion does not offer" "${missing}" "")
+  file(WRITE "${FOLDER}/complete.sh" "source '${completion}'
 COMP_WORDS=(vicenter account-set up)
 COMP_CWORD=2
 _vicenter
