@@ -2,7 +2,7 @@
 #
 #   vicenter_library(NAME SOURCES ... LINKS ...)   a static library, warnings as errors
 #   vicenter_program(NAME SOURCES ... LINKS ...)   an executable
-#   vicenter_gtest(NAME SOURCES ... LINKS ...)     a GoogleTest program, each test known to CTest
+#   vicenter_gtest(NAME SOURCES ... LINKS ...)     a GoogleTest program, one test of CTest
 #   vicenter_window_plugins(NAME)                  what a static Qt loads while running, linked in instead
 
 set(CMAKE_CXX_STANDARD 20)
@@ -52,7 +52,7 @@ if(VICENTER_SANITIZE)
   target_link_options(vicenter_settings INTERFACE -fsanitize=address,undefined)
 endif()
 
-# A change in a low folder links two dozen test programs anew.
+# A change in a low folder links half of the programs anew (CONTRIBUTING.md).
 find_program(MOLD_PROGRAM mold)
 if(MOLD_PROGRAM AND NOT WIN32)  # it links no programs for Windows
   target_link_options(vicenter_settings INTERFACE -fuse-ld=mold)
@@ -99,7 +99,6 @@ endfunction()
 function(vicenter_gtest name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   find_package(GTest REQUIRED)
-  include(GoogleTest)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE vicenter_settings vicenter_test_paths ${ARG_LINKS} GTest::gmock GTest::gtest_main)
   if(VICENTER_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
@@ -110,7 +109,7 @@ function(vicenter_gtest name)
     # At -O3 GCC 12 takes the growth of a list of one argument for an overflow.
     target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-Wno-stringop-overflow>)
   endif()
-  # One line per test program: a process per test would cost more than the tests themselves.
+  # A process per test would cost more than the tests themselves.
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${VICENTER_TEST_ENVIRONMENT}")
 endfunction()
