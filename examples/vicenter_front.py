@@ -1,8 +1,8 @@
 """The C interface of the voucher template center for Python, by ctypes alone.
 
-Objects made by create() are called as they read: data.GetVchEntryCount(5), data.mTransMode, and
+Objects made by create() are called as they read: data.GetVchEntryCount(5), data.mTransMode.value, and
 dictionary.put("CompareMode", 1). A host's own component is any Python class: its public attributes become
-members, its exceptions run-time errors. Everything runs on the thread that loads the library first.
+members, its exceptions run-time errors. Everything but cancel() is called from one thread, the first that calls.
 """
 
 import ctypes
@@ -85,6 +85,7 @@ class Library:
         self._c.vic_error_description.restype = ctypes.c_char_p
         self._c.vic_error_source.restype = ctypes.c_char_p
         self._c.vic_version.restype = ctypes.c_char_p
+        self._c.vic_cancel.restype = None
         self._classes = {}    # Python class: its definition and that one's functions, kept alive here
         self._instances = {}  # key: Python object
         self._last_key = 0
@@ -103,6 +104,10 @@ class Library:
         """Makes a Python class a component of that ProgID."""
         definition = self._definition(python_class)
         self._check(self._c.vic_register_class(prog_id.encode(), ctypes.byref(definition)))
+
+    def unregister(self, prog_id):
+        """Forgets the component of that ProgID; an unknown one is no failure."""
+        self._check(self._c.vic_unregister_class(prog_id.encode()))
 
     def set_framework(self, framework):
         """A Python object in the place of the data connections (docs/hosting.md); None puts those back."""
@@ -140,6 +145,10 @@ class Library:
 
     def close_windows(self):
         self._check(self._c.vic_close_windows())
+
+    def cancel(self):
+        """Ends the statements that run, from any thread; their calls fail."""
+        self._c.vic_cancel()
 
     def shutdown(self):
         self._check(self._c.vic_shutdown())

@@ -210,6 +210,39 @@ print("ends")
             except AutomationError as error:
                 self.assertEqual(error.number, expected)
 
+    def test_a_component_that_is_forgotten_is_found_no_more(self):
+        self.front.register("Test.Echo", Echo)
+        self.front.unregister("Test.Echo")
+        self.front.unregister("Test.Echo")
+        with self.assertRaises(AutomationError) as caught:
+            self.front.create("Test.Echo")
+        self.assertEqual(caught.exception.number, 429)
+        caught.exception.__traceback__ = None
+
+    def test_another_thread_ends_a_statement_that_runs(self):
+        with tempfile.TemporaryDirectory() as folder:
+            connection = self.front.create("ADODB.Connection")
+            connection.Open('Provider=VelaAccountSet;Create=yes;Data Source="%s"' % os.path.join(folder, "a.vas"))
+            connection.put("CommandTimeout", 0)
+            ended = threading.Event()
+
+            def stop():
+                while not ended.wait(0.01):
+                    self.front.cancel()
+
+            stopping = threading.Thread(target=stop)
+            stopping.start()
+            try:
+                with self.assertRaises(AutomationError) as caught:
+                    connection.Execute("declare @i int = 0 while 1 = 1 set @i = 1 - @i")
+            finally:
+                ended.set()
+                stopping.join()
+            self.assertEqual(caught.exception.number, -2147217842)
+            caught.exception.__traceback__ = None
+            connection.Close()
+            connection.release()
+
     def test_another_thread_is_refused(self):
         self.front.live_objects()
         numbers = []
