@@ -21,9 +21,8 @@ inline const CLI::Validator kNotEmpty(
 
 inline const CLI::Validator kDigits(
     [](const std::string& given) {
-        return given.find_first_not_of("0123456789") == std::string::npos
-                   ? std::string()
-                   : "应为数字 / must be a number：" + given;
+        const bool isNumber = !given.empty() && std::all_of(given.begin(), given.end(), text::IsDigit);
+        return isNumber ? std::string() : "应为数字 / must be a number：" + given;
     },
     "");
 

@@ -35,19 +35,21 @@ void AddImportCommand(CLI::App& app, CliOptions& options) {
     importing->add_option("FILE", options.file, "工作簿或文件夹 / workbook or folder")
         ->required()
         ->check(kNotEmpty);
-    importing->add_flag("--dry-run", options.dryRun,
-                        "只显示将有哪些变化，不引入 / print what would change, import nothing");
+    auto* dryRun = importing->add_flag(
+        "--dry-run", options.dryRun, "只显示将有哪些变化，不引入 / print what would change, import nothing");
     importing->add_flag("--tidy", options.tidy,
                         "略过表头以上的行和空行 / pass over rows above the header and blank rows");
     importing
         ->add_option("--marked-copy", options.markedCopy,
                      "未引入时另存标错副本；引入文件夹时为文件夹 / a refused workbook's copy with its faults "
                      "marked; of a folder a folder")
-        ->check(kNotEmpty);
+        ->check(kNotEmpty)
+        ->excludes(dryRun);
     importing
         ->add_option("--report", options.report,
                      "把结果写入工作簿 / what became of every file, as a workbook")
-        ->check(kNotEmpty);
+        ->check(kNotEmpty)
+        ->excludes(dryRun);
     importing->callback([&options] { options.command = CliCommand::Import; });
 }
 
@@ -55,12 +57,13 @@ void AddGenerateCommand(CLI::App& app, CliOptions& options) {
     GenerateOptions& generate = options.generate;
     CLI::App* added =
         app.add_subcommand("generate", "根据凭证生成模板 / make a template from posted vouchers");
-    auto* name = added->add_option("--name", options.name, "模板名称 / template");
+    auto* name = added->add_option("--name", options.name, "模板名称 / template")->check(kNotEmpty);
     added->add_option("--year", generate.year, "年度 / year")->required()->check(kDigits);
     added->add_option("--period", generate.period, "期间 / period")->required()->check(kDigits);
-    auto* from = added->add_option("--from", generate.from, "起始凭证号 / first voucher number");
-    auto* to = added->add_option("--to", generate.to, "终止凭证号 / last voucher number");
-    added->add_option("--group", generate.group, "凭证类别 / voucher group");
+    auto* from =
+        added->add_option("--from", generate.from, "起始凭证号 / first voucher number")->check(kNotEmpty);
+    auto* to = added->add_option("--to", generate.to, "终止凭证号 / last voucher number")->check(kNotEmpty);
+    added->add_option("--group", generate.group, "凭证类别 / voucher group")->check(kNotEmpty);
     added->add_flag("--include-system", generate.includeSystem, "包括机制凭证 / with system-made vouchers");
     added->add_option("--fields", generate.fields, "模板字段列号 / columns of optional fields")
         ->delimiter(',')

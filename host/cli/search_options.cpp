@@ -34,10 +34,11 @@ void AddReplaceCommand(CLI::App& app, CliOptions& options) {
             ->check(CLI::IsMember({"account", "items", "settlement", "currency", "unit"}));
     auto* from = added->add_option("--from", replace.from, "原代码 / the former code")->check(kNotEmpty);
     auto* to = added->add_option("--to", replace.to, "新代码 / the new code")->check(kNotEmpty);
-    added->add_flag("--dry-run", options.dryRun, "只列出，不替换 / list, replace nothing");
-    added->add_flag("--standard", replace.standard, "标准模板也替换 / in the standard template as well");
+    auto* dryRun = added->add_flag("--dry-run", options.dryRun, "只列出，不替换 / list, replace nothing");
+    auto* standard =
+        added->add_flag("--standard", replace.standard, "标准模板也替换 / in the standard template as well");
     auto* undo = added->add_flag("--undo", replace.undo, "撤消上次替换 / take the last replacement back");
-    for (CLI::Option* option : {columnOption, from, to})
+    for (CLI::Option* option : {columnOption, from, to, dryRun, standard})
         option->excludes(undo);
     added->callback([&options, &replace] {
         const bool whole = !replace.column.empty() && !replace.from.empty() && !replace.to.empty();
