@@ -54,12 +54,16 @@ std::string RefusedName(const std::string& message) {
     return first < last ? message.substr(first + 1, last - first - 1) : message;
 }
 
+// Of a text test, as the pages call it.
+std::string NameOf(const fs::path& path) {
+    return fs::relative(path, kRoot / "tests/tsql").replace_extension().generic_string();
+}
+
 Coverage Collect() {
     Coverage coverage;
     for (const fs::path& path : FindTestFiles(kRoot / "tests/tsql")) {
         const TestFile file = ReadTestFile(path);
-        const std::string name =
-            fs::relative(path, kRoot / "tests/tsql").replace_extension().generic_string();
+        const std::string name = NameOf(path);
         for (const std::string& topic : file.covers) {
             if (!IsErrorNumber(topic)) coverage.topics[topic].insert(name);
         }
@@ -95,16 +99,24 @@ bool IsStatement(const std::string& topic) {
            std::any_of(topic.begin(), topic.end(), [](unsigned char c) { return std::isupper(c) != 0; });
 }
 
+// A test and the reasons why it comes out otherwise somewhere; nothing without one.
+std::string RowOf(const std::string& name, const std::set<std::string>& whys) {
+    if (whys.empty()) return {};
+    std::string list;
+    for (const std::string& why : whys)
+        list += (list.empty() ? "" : "; ") + Escaped(why);
+    return "| " + Links({name}) + " | " + list + " |\n";
+}
+
 std::string DifferencesOverOdbc() {
     std::string rows;
     for (const fs::path& path : FindTestFiles(kRoot / "tests/tsql")) {
         const TestFile file = ReadTestFile(path);
-        const std::string name =
-            fs::relative(path, kRoot / "tests/tsql").replace_extension().generic_string();
+        std::set<std::string> whys;
         for (const Step& step : file.steps) {
-            if (!step.overOdbcWhy.empty())
-                rows += "| " + Links({name}) + " | " + Escaped(step.overOdbcWhy) + " |\n";
+            if (!step.overOdbcWhy.empty()) whys.insert(step.overOdbcWhy);
         }
+        rows += RowOf(NameOf(path), whys);
     }
     return rows;
 }
@@ -114,8 +126,6 @@ std::map<std::string, std::string> DifferencesOnServers() {
     std::map<std::string, std::string> rows;
     for (const fs::path& path : FindTestFiles(kRoot / "tests/tsql")) {
         const TestFile file = ReadTestFile(path);
-        const std::string name =
-            fs::relative(path, kRoot / "tests/tsql").replace_extension().generic_string();
         std::map<std::string, std::set<std::string>> reasons;
         for (const auto& [server, why] : file.differsOn)
             reasons[server].insert(why);
@@ -123,12 +133,8 @@ std::map<std::string, std::string> DifferencesOnServers() {
             for (const auto& [server, why] : step.differsOn)
                 reasons[server].insert(why);
         }
-        for (const auto& [server, whys] : reasons) {
-            std::string list;
-            for (const std::string& why : whys)
-                list += (list.empty() ? "" : "; ") + Escaped(why);
-            rows[server] += "| " + Links({name}) + " | " + list + " |\n";
-        }
+        for (const auto& [server, whys] : reasons)
+            rows[server] += RowOf(NameOf(path), whys);
     }
     return rows;
 }
@@ -137,8 +143,8 @@ std::string AboutServer(const std::string& server) {
     if (server == "SQL Server")
         return "What an account set refuses or calls otherwise, and any server takes.";
     return "The same tests on a server of that name. Where it answers otherwise than SQL Server is "
-           "documented "
-           "to, the\ndocumentation's rule holds here; texts and lines of errors are not compared there.";
+           "documented to, the\ndocumentation's rule holds here; texts and lines of errors are not compared "
+           "there.";
 }
 
 std::string OnServers() {
