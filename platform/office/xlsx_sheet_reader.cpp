@@ -138,10 +138,7 @@ class SheetReader {
         const ValueKind kind = KindOfType(type);
         // From here on the views are gone: the scanner reads on.
         const Content content = ReadContent(kind);
-        // A 0 with the wish that everything be calculated is a writer's way to have no result.
-        const std::string_view result = Trim(text_);
-        if (content.isFormula && kind == ValueKind::Number &&
-            (result.empty() || (result == "0" && workbook_.calculatesOnLoad))) {
+        if (content.isFormula && HasNoResult(content, kind)) {
             formulas_.Add(place.row, place.column, formula_);
             sheet_.Append(place.row, place.column, format);
             return;
@@ -178,6 +175,18 @@ class SheetReader {
         bool anyValue = false;
         bool isFormula = false;
     };
+
+    // Of a formula: a value that is not there, whatever its cell says of the kind; an empty one of any kind
+    // but a text's; and, with the wish that everything be calculated, the 0 or the empty text of a writer
+    // that calculates nothing.
+    bool HasNoResult(const Content& content, ValueKind kind) const {
+        if (!content.anyValue) return true;
+        if (kind == ValueKind::InlineText) return false;
+        const std::string_view result = Trim(text_);
+        if (result.empty()) return kind != ValueKind::FormulaText || workbook_.calculatesOnLoad;
+        const bool mayBeNone = kind == ValueKind::Number || kind == ValueKind::FormulaText;
+        return mayBeNone && result == "0" && workbook_.calculatesOnLoad;
+    }
 
     // What stands within the element, into text_ and formula_: both are kept for their room.
     Content ReadContent(ValueKind kind) {
