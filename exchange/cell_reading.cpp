@@ -1,5 +1,6 @@
 #include "exchange/cell_reading.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "automation/typed_date.h"
@@ -36,7 +37,82 @@ std::string ErrorName(std::int32_t code) {
     }
 }
 
+// Languages and colours change no digit; conditions, currencies and other numerals do.
+bool ChangesWhatIsShown(std::string_view bracket) {
+    constexpr std::string_view kOtherNumerals = "DBNum";
+    if (bracket.starts_with("$-")) return false;
+    return bracket.empty() || std::string_view("$<>=").find(bracket.front()) != std::string_view::npos ||
+           bracket.starts_with(kOtherNumerals);
+}
+
+// The digits of a format's first section without all that only makes room beside them; nothing for one that
+// shows more.
+std::optional<std::string> DigitsOf(std::string_view format) {
+    std::string digits;
+    for (std::size_t at = 0; at < format.size() && format[at] != ';'; ++at) {
+        switch (const char c = format[at]) {
+            case '_':
+            case '*':
+                ++at;
+                break;
+            case '[': {
+                const std::size_t end = std::min(format.find(']', at), format.size());
+                if (ChangesWhatIsShown(format.substr(at + 1, end - at - 1))) return std::nullopt;
+                at = end;
+                break;
+            }
+            case '\\':
+            case '"': {
+                const std::size_t first = at + 1;
+                at = c == '"' ? std::min(format.find('"', first), format.size()) : first;
+                const std::string_view literal = format.substr(first, c == '"' ? at - first : 1);
+                if (literal.find_first_not_of(' ') != literal.npos) return std::nullopt;
+                break;
+            }
+            default:
+                digits += c;
+        }
+    }
+    return std::string(system::TrimBlanks(digits));
+}
+
+struct NumberParts {
+    std::string_view whole;
+    std::string_view decimals;
+};
+
+NumberParts PartsOf(std::string_view number) {
+    const std::size_t point = std::min(number.find('.'), number.size());
+    return {number.substr(0, point), number.substr(std::min(number.size(), point + 1))};
+}
+
+bool IsMadeOf(std::string_view text, std::string_view characters) {
+    return text.find_first_not_of(characters) == text.npos;
+}
+
 }  // namespace
+
+std::string WithZerosOf(std::string code, std::string_view format) {
+    constexpr std::string_view kOptional = "#?";
+    const std::optional<std::string> digits = DigitsOf(format);
+    if (!digits) return code;
+    auto [wholeZeros, decimalZeros] = PartsOf(*digits);
+    wholeZeros.remove_prefix(std::min(wholeZeros.find_first_not_of(kOptional), wholeZeros.size()));
+    const std::size_t mostDecimals = decimalZeros.size();
+    decimalZeros = decimalZeros.substr(0, decimalZeros.find_first_of(kOptional));
+    const std::string_view optionalDecimals = PartsOf(*digits).decimals.substr(decimalZeros.size());
+    const auto [whole, decimals] = PartsOf(code);
+    const bool zerosOnly = !wholeZeros.empty() && IsMadeOf(wholeZeros, "0") && IsMadeOf(decimalZeros, "0") &&
+                           IsMadeOf(optionalDecimals, kOptional);
+    const bool digitsOnly = !whole.empty() && IsMadeOf(code, "0123456789.");
+    // A third section is the one that zeros are shown by.
+    const bool ownZero = IsMadeOf(code, "0.") && std::count(format.begin(), format.end(), ';') > 1;
+    if (!zerosOnly || !digitsOnly || ownZero || decimals.size() > mostDecimals) return code;
+    const std::size_t before = wholeZeros.size() - std::min(wholeZeros.size(), whole.size());
+    const std::size_t behind = decimalZeros.size() - std::min(decimalZeros.size(), decimals.size());
+    if (decimals.empty() && behind > 0) code += '.';
+    return std::string(before, '0') + code + std::string(behind, '0');
+}
 
 std::string CellAsTyped(const Variant& value) {
     switch (value.Type()) {

@@ -15,6 +15,10 @@ namespace vicenter::exchange {
 // dropped.
 std::string CellAsTyped(const automation::Variant& value);
 
+// A code that is a number, as its cell's number format shows it: "1001.10" with "0.00", "0012" with "0000".
+// Left as it is where the format would round it or shows more than digits, which is how codes are typed.
+std::string WithZerosOf(std::string code, std::string_view format);
+
 // The text without the marks that nobody sees (zero-width blanks and joiners, soft hyphens, byte order and
 // direction marks), which web pages and chat programs leave in copied codes and names.
 std::string WithoutInvisibleMarks(std::string_view text);

@@ -20,27 +20,6 @@ std::string ErrorPlace(std::int32_t row, std::int32_t column) {
     return "第" + std::to_string(row) + "行，第" + ColumnLetter(column) + "列值存在错误";
 }
 
-// A code shown with zeros before or behind ("0000", "0.00") is typed with them. What the format would round
-// is left as it is.
-std::string WithZerosOf(std::string_view format, std::string text) {
-    constexpr std::string_view kDigits = "0123456789";
-    const auto parts = [](std::string_view number) {
-        const std::size_t point = std::min(number.find('.'), number.size());
-        return std::pair{number.substr(0, point), number.substr(std::min(number.size(), point + 1))};
-    };
-    const auto [wholeZeros, decimalZeros] = parts(format);
-    const auto [whole, decimals] = parts(text);
-    const bool zerosOnly = !wholeZeros.empty() && wholeZeros.find_first_not_of('0') == wholeZeros.npos &&
-                           decimalZeros.find_first_not_of('0') == decimalZeros.npos;
-    const bool digitsOnly = !whole.empty() && whole.find_first_not_of(kDigits) == whole.npos &&
-                            decimals.find_first_not_of(kDigits) == decimals.npos;
-    if (!zerosOnly || !digitsOnly || decimals.size() > decimalZeros.size()) return text;
-    const std::size_t before = wholeZeros.size() - std::min(wholeZeros.size(), whole.size());
-    const std::size_t behind = decimalZeros.size() - decimals.size();
-    if (decimals.empty() && behind > 0) text += '.';
-    return std::string(before, '0') + text + std::string(behind, '0');
-}
-
 // What an accepted cell becomes in the insert.
 std::string SqlOf(const TemplateColumn& column, const std::string& text) {
     switch (column.type) {
@@ -134,7 +113,7 @@ ImportRows::ReadText ImportRows::ReadCell(std::int32_t row, std::size_t index) {
     }
     if (value.Type() == automation::VariantType::Double && type == CellType::Text) {
         const std::string format = cells_.At(row, column)->Get("NumberFormat").ToTextOrEmpty();
-        read.text = WithZerosOf(format, std::move(read.text));
+        read.text = WithZerosOf(std::move(read.text), format);
     }
     return read;
 }

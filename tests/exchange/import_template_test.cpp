@@ -423,9 +423,35 @@ TEST_F(ImportTest, ReadsCodesAsTheyAreShown) {
 TEST_F(ImportTest, ReadsCodesWithTheDecimalsThatTheyAreShownWith) {
     office::Workbook workbook;
     office::Sheet& sheet = workbook.AddSheet(kSheetName);
-    const std::vector<std::pair<const char*, double>> shown = {{"0.00", 1001.1},     {"0.00", 1001},
-                                                               {"0.0", 1001.25},     {"00000.00", 12.5},
-                                                               {"#,##0.00", 1001.1}, {"0.00", -1}};
+    struct Shown {
+        const char* format;
+        double number;
+        const char* code;
+    };
+    const std::vector<Shown> shown = {
+        {"0.00", 1001.1, "1001.10"},
+        {"0.00", 1001, "1001.00"},
+        {"0.0", 1001.25, "1001.25"},
+        {"00000.00", 12.5, "00012.50"},
+        {"#,##0.00", 1001.1, "1001.1"},
+        {"0.00", -1, "-1"},
+        // Room for a bracket or a sign of the other numbers, colours, languages, further sections.
+        {"0.00_ ", 1001.1, "1001.10"},
+        {"0.00_);[Red]\\(0.00\\)", 1001.1, "1001.10"},
+        {"0000_ ;[红色]-0000\\ ", 12, "0012"},
+        {"0.00;-0.00;;@", 1001.1, "1001.10"},
+        {"[$-804]0.00\" \"", 1001.1, "1001.10"},
+        {"[Blue]* 0.00", 1001.1, "1001.10"},
+        {"#0.00", 1001.1, "1001.10"},
+        {"?0.0#", 1001, "1001.0"},
+        // What shows more than the digits or other ones, or depends on the number.
+        {"0.0#", 1001.125, "1001.125"},
+        {"0000\"号\"", 12, "12"},
+        {"[DBNum1]0000", 12, "12"},
+        {"[$￥-804]0.00", 1001.1, "1001.1"},
+        {"[>5]0.00;0", 1001.1, "1001.1"},
+        {"0.00;-0.00;-", 0, "0"},
+    };
     const auto setText = [&](std::uint32_t row, std::uint32_t column, const std::string& text) {
         office::Cell& cell = sheet.At(row, column);
         cell.kind = office::CellKind::Text;
@@ -439,22 +465,20 @@ TEST_F(ImportTest, ReadsCodesWithTheDecimalsThatTheyAreShownWith) {
             setText(i + 1, column, text);
         }
         office::CellFormat format;
-        format.numberFormat = shown[i].first;
+        format.numberFormat = shown[i].format;
         office::Cell& cell = sheet.At(i + 1, 3);
         cell.kind = office::CellKind::Number;
-        cell.number = shown[i].second;
+        cell.number = shown[i].number;
         cell.format = workbook.Formats().Intern(format);
     }
     for (const auto kind : {office::FileKind::Xls, office::FileKind::Xlsx}) {
         set_.Forget();
         office::WriteWorkbook(workbook, folder_.File("d"), kind);
         EXPECT_TRUE(Import(folder_.File("d")));
-        const Lines codes = {"1001.10", "1001.00", "1001.25", "00012.50", "1001.1", "-1"};
-        for (std::size_t i = 0; i < codes.size(); ++i) {
-            EXPECT_NE(Batch().find("," + std::to_string(i + 2) + ",1,'a',1,'" + codes[i] + "','n'"),
+        for (std::size_t i = 0; i < shown.size(); ++i) {
+            EXPECT_NE(Batch().find("," + std::to_string(i + 2) + ",1,'a',1,'" + shown[i].code + "','n'"),
                       std::string::npos)
-                << codes[i] << "\n"
-                << Batch();
+                << shown[i].format << " " << shown[i].code;
         }
     }
 }
