@@ -171,6 +171,14 @@ std::optional<double> ReadTypedNumber(std::string_view text) {
     return number;
 }
 
+std::optional<std::string> TypedNumberAsDecimal(std::string_view text) {
+    if (const std::optional<std::string> plain = store::ReadNumberText(text)) {
+        if (const auto exact = automation::Decimal::Parse(*plain)) return exact->ToShortText();
+    }
+    const std::optional<double> number = ReadTypedNumber(text);
+    return number ? std::optional(CanonicalNumber(*number)) : std::nullopt;
+}
+
 std::string CanonicalNumber(double value) {
     if (value == 0) return "0";
     const double size = std::fabs(value);

@@ -31,6 +31,10 @@ std::optional<bool> ReadDebit(std::string_view text);
 // any other text, dates and errors among them.
 std::optional<double> ReadTypedNumber(std::string_view text);
 
+// The same number as decimal text: digit for digit as it is typed, surplus zeros left out; of more digits
+// than an exact decimal has, the nearest number's. Nothing for any other text.
+std::optional<std::string> TypedNumberAsDecimal(std::string_view text);
+
 // The decimal digits that read back as the same number, without exponent as far as digits suffice.
 std::string CanonicalNumber(double value);
 

@@ -65,7 +65,7 @@ std::string WhyNotStored(const TemplateColumn& column, std::string_view text) {
     }
     const auto number = ReadTypedNumber(text);
     if (!number || std::fabs(*number) <= kFitsEveryColumn) return {};
-    return store::WhyNoRoom(spec, CanonicalNumber(*number));
+    return store::WhyNoRoom(spec, TypedNumberAsDecimal(text).value_or(std::string()));
 }
 
 std::string WhyNotInCell(std::string_view text, CellType type, bool required) {

@@ -28,7 +28,7 @@ std::string SqlOf(const TemplateColumn& column, const std::string& text) {
         case CellType::WholeNumber:
             return std::to_string(Variant(ReadTypedNumber(text).value_or(0)).ToInt16());
         case CellType::Number:
-            return CanonicalNumber(ReadTypedNumber(text).value_or(0));
+            return TypedNumberAsDecimal(text).value_or("0");
         case CellType::Text:
             break;
     }

@@ -680,6 +680,24 @@ TEST_F(ImportTest, TakesTemplatesOfEveryProgram) {
     }
 }
 
+TEST_F(ImportTest, NumbersTypedAsTextsKeepEveryDigit) {
+    Lines line = {"1", "a", "借", "1", "n", "", "", "", "", "", "1234567.0123456789"};
+    line.insert(line.end(), {"12345678901234567890123.4567", "", "1234567890123456.7891",
+                             "￥ 1,234,567,890.0123456789", "(99999999999999999.99)", ""});
+    EXPECT_TRUE(ImportRowsOf({kHeaders, line}));
+    EXPECT_NE(Batch().find("1234567.0123456789,12345678901234567890123.4567,'',1234567890123456.7891,"
+                           "1234567890.0123456789,-99999999999999999.99,'') "),
+              std::string::npos)
+        << Batch();
+    // The room of a column, too, is that of the digits as they are typed.
+    set_.Forget();
+    line[11] = "999999999999999999999999.9999";
+    EXPECT_TRUE(ImportRowsOf({kHeaders, line}));
+    EXPECT_NE(Batch().find(",999999999999999999999999.9999,"), std::string::npos) << Batch();
+    line[11] = "999999999999999999999999.99996";
+    EXPECT_FALSE(ImportRowsOf({kHeaders, line}));
+}
+
 TEST_F(ImportTest, ComesBackFromAnExportFieldByField) {
     window_.AddLine({"1", "提现 'x'", "借", "1001.10", "现金 01", "2", "支票", "0012", "01.01,02", "人民币",
                      "7.1234", "0.30000000000000004", "公斤", "3", "0.1", "-1234567.89", "=1+1"});
