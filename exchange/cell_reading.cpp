@@ -134,19 +134,6 @@ std::string CellAsTyped(const Variant& value) {
     }
 }
 
-std::string WithoutInvisibleMarks(std::string_view text) {
-    std::string plain(text);
-    // The bytes that they begin with; neither ASCII nor the common Chinese characters do.
-    if (text.find_first_of("\xC2\xE2\xEF") == std::string_view::npos) return plain;
-    for (const std::string_view mark :
-         {"\u00AD", "\u200B", "\u200C", "\u200D", "\u200E", "\u200F", "\u2060", "\uFEFF"}) {
-        for (std::size_t at = plain.find(mark); at != std::string::npos; at = plain.find(mark, at)) {
-            plain.erase(at, mark.size());
-        }
-    }
-    return plain;
-}
-
 std::optional<bool> ReadDebit(std::string_view text) {
     if (text == "借") return true;
     if (text == "贷") return false;

@@ -19,10 +19,6 @@ std::string CellAsTyped(const automation::Variant& value);
 // Left as it is where the format would round it or shows more than digits, which is how codes are typed.
 std::string WithZerosOf(std::string code, std::string_view format);
 
-// The text without the marks that nobody sees (zero-width blanks and joiners, soft hyphens, byte order and
-// direction marks), which web pages and chat programs leave in copied codes and names.
-std::string WithoutInvisibleMarks(std::string_view text);
-
 // The side that a cell names: true for 借, false for 贷, compared without width and case. Nothing for any
 // other text.
 std::optional<bool> ReadDebit(std::string_view text);

@@ -9,6 +9,7 @@
 #include "exchange/cell_reading.h"
 #include "exchange/import_checks.h"
 #include "platform/system/utf8.h"
+#include "store/number_text.h"
 
 namespace vicenter::exchange {
 
@@ -106,10 +107,10 @@ ImportRows::ReadText ImportRows::ReadCell(std::int32_t row, std::size_t index) {
     const Variant value = cells_.Value(row, column);
     ReadText read{CellAsTyped(value)};
     TakeFault(value, type, read);
-    // Explanations and remarks are prose, where such marks may join what belongs together.
+    // Explanations and remarks are prose, where such blanks and marks may belong to what is told.
     const bool isProse = place == kExplanationColumn || place == kRemarkColumn;
     if (value.Type() == automation::VariantType::Text && !isProse) {
-        read.text = system::TrimBlanks(WithoutInvisibleMarks(read.text));
+        read.text = store::TrimmedOfAnyBlanks(store::WithoutInvisibleMarks(read.text));
     }
     if (value.Type() == automation::VariantType::Double && type == CellType::Text) {
         const std::string format = cells_.At(row, column)->Get("NumberFormat").ToTextOrEmpty();

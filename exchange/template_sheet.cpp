@@ -7,12 +7,11 @@
 #include "automation/class_registry.h"
 #include "automation/quietly.h"
 #include "entry/names.h"
-#include "exchange/cell_reading.h"
 #include "exchange/import_refusal.h"
 #include "exchange/marked_copy.h"
 #include "exchange/template_columns.h"
 #include "platform/system/collation.h"
-#include "platform/system/utf8.h"
+#include "store/number_text.h"
 
 namespace vicenter::exchange {
 
@@ -41,7 +40,7 @@ ObjectRef FindTemplateSheet(const ObjectRef& workbook) {
 }
 
 std::string TextOf(const automation::Variant& value) {
-    return std::string(system::TrimBlanks(WithoutInvisibleMarks(value.ToTextOrEmpty())));
+    return store::TrimmedOfAnyBlanks(store::WithoutInvisibleMarks(value.ToTextOrEmpty()));
 }
 
 }  // namespace

@@ -24,15 +24,20 @@ bool AllDigits(std::string_view text) {
 }
 
 bool IsAnyBlank(char16_t c) {
-    return c == u' ' || c == u'\t' || c == u'\u00A0' || (c >= u'\u2000' && c <= u'\u200A') ||
-           c == u'\u202F' || c == u'\u205F' || c == u'\u3000';
+    return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n' || c == u'\u00A0' ||
+           (c >= u'\u2000' && c <= u'\u200A') || c == u'\u202F' || c == u'\u205F' || c == u'\u3000';
 }
 
 // Marks that other programs put beside a text and nobody sees.
 bool IsInvisible(char16_t c) {
     return c == u'\u00AD' || (c >= u'\u200B' && c <= u'\u200F') || (c >= u'\u202A' && c <= u'\u202E') ||
-           c == u'\u2060' || c == u'\uFEFF';
+           c == u'\u2060' || (c >= u'\u2066' && c <= u'\u2069') || c == u'\uFEFF';
 }
+
+// The bytes that blanks and marks begin with. Most texts hold none of those: ASCII without blanks, and
+// Chinese, whose common characters begin with others.
+constexpr std::string_view kFirstBytesOfMarks = "\xC2\xE2\xEF";
+constexpr std::string_view kFirstBytesOfBlanks = " \t\r\n\xC2\xE2\xE3\xEF";
 
 // The ASCII character that a character stands for in a number; '\0' for one that has no place there.
 char PlainCharacter(char16_t c) {
@@ -291,11 +296,19 @@ std::optional<Decimal> Calculate(std::string_view text) {
 }
 
 std::string TrimmedOfAnyBlanks(std::string_view text) {
+    if (text.find_first_of(kFirstBytesOfBlanks) == std::string_view::npos) return std::string(text);
     const std::u16string wide = system::ToUtf16(text);
     const auto seen = [](char16_t c) { return !IsAnyBlank(c) && !IsInvisible(c); };
     const auto first = std::find_if(wide.begin(), wide.end(), seen);
     const auto last = std::find_if(wide.rbegin(), wide.rend(), seen).base();
     return first < last ? system::FromUtf16(std::u16string(first, last)) : std::string();
+}
+
+std::string WithoutInvisibleMarks(std::string_view text) {
+    if (text.find_first_of(kFirstBytesOfMarks) == std::string_view::npos) return std::string(text);
+    std::u16string wide = system::ToUtf16(text);
+    std::erase_if(wide, IsInvisible);
+    return system::FromUtf16(wide);
 }
 
 }  // namespace vicenter::store

@@ -41,7 +41,10 @@ bool HasEqualsSign(std::string_view text);
 // least 18 digits behind the point. Nothing for what cannot be calculated.
 std::optional<automation::Decimal> Calculate(std::string_view text);
 
-// Without blanks of any width and invisible marks at both ends.
+// Without blanks of any width, line ends and invisible marks at both ends.
 std::string TrimmedOfAnyBlanks(std::string_view text);
+// The text without the marks that nobody sees (zero-width blanks and joiners, soft hyphens, byte order marks,
+// marks of direction), which web pages and chat programs leave in copied codes and names.
+std::string WithoutInvisibleMarks(std::string_view text);
 
 }  // namespace vicenter::store

@@ -6,8 +6,8 @@
 #include <fstream>
 #include <random>
 
-#include "exchange/cell_reading.h"
 #include "exchange/template_columns.h"
+#include "store/number_text.h"
 #include "tests/host/cli_fixture.h"
 
 namespace vicenter::host {
@@ -153,7 +153,8 @@ class ExchangeRoundTrip : public test::CliFixture {
                 // Codes and names come back without what nobody sees in them.
                 const bool isProse = i == exchange::kExplanationColumn || i == exchange::kRemarkColumn;
                 const std::string expected =
-                    isProse ? before[row][i] : exchange::WithoutInvisibleMarks(before[row][i]);
+                    isProse ? before[row][i]
+                            : store::TrimmedOfAnyBlanks(store::WithoutInvisibleMarks(before[row][i]));
                 EXPECT_EQ(expected, after[row][i]) << row + 1 << " " << exchange::kColumns[i].field;
             }
         }

@@ -91,6 +91,13 @@ TEST(Blanks, OfAnyWidthAreTrimmed) {
     EXPECT_EQ(TrimmedOfAnyBlanks("\uFEFF借\u200B"), "借");
     EXPECT_EQ(TrimmedOfAnyBlanks("a b"), "a b");
     EXPECT_EQ(TrimmedOfAnyBlanks(" 　"), "");
+    EXPECT_EQ(TrimmedOfAnyBlanks("\t1001\r\n"), "1001");
+}
+
+TEST(InvisibleMarks, AreTakenOutWhereverTheyStand) {
+    EXPECT_EQ(WithoutInvisibleMarks("\u202D10\u200B01\u202C"), "1001");
+    EXPECT_EQ(WithoutInvisibleMarks("\u2066a b\u2069　"), "a b　");
+    EXPECT_EQ(WithoutInvisibleMarks("科目é—"), "科目é—");
 }
 
 }  // namespace
