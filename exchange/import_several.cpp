@@ -12,6 +12,7 @@
 #include "platform/system/collation.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
+#include "platform/system/utf8.h"
 
 namespace vicenter::exchange {
 
@@ -93,6 +94,14 @@ void Tell(const std::string& text) {
 
 // --- the report's workbook
 
+// What a cell has no room for is cut off; every fault has a row of its own besides.
+std::string InACell(const std::string& text) {
+    constexpr std::size_t kMostUnits = 32'767;
+    constexpr std::size_t kMostCharacters = kMostUnits / 2;  // of two units at most
+    if (system::CodeUnitCount(text) <= kMostUnits) return text;
+    return std::string(system::Head(text, kMostCharacters - 2)) + "……";
+}
+
 class ReportSheet {
   public:
     ReportSheet(const ObjectRef& sheet, const std::string& name, const std::vector<const char*>& headers)
@@ -112,12 +121,14 @@ class ReportSheet {
             ++column;
             // Texts stay texts, whatever they look like.
             if (value.IsText() && !value.AsText().empty()) {
-                cells_.SetValue(row_, column, "'" + value.AsText());
+                cells_.SetValue(row_, column, "'" + InACell(value.AsText()));
             } else if (!value.IsText()) {
                 cells_.SetValue(row_, column, value);
             }
         }
     }
+    // The header among them.
+    std::int32_t Rows() const { return row_; }
     void Finish() {
         const std::string columns = "A:" + ColumnLetter(columns_);
         sheet_->Get("Columns", {columns}).AsObject()->Call("AutoFit");
@@ -130,6 +141,9 @@ class ReportSheet {
     std::int32_t columns_ = 0;
 };
 
+// More than anybody reads, and as many as a workbook of either kind has room for.
+constexpr std::int32_t kMostFaultRows = 60'000;
+
 void FillReport(const ObjectRef& workbook, const std::vector<ImportOutcome>& outcomes) {
     const ObjectRef sheets = workbook->Get("Worksheets").AsObject();
     while (sheets->Get("Count").ToInt32() < 2)
@@ -138,16 +152,22 @@ void FillReport(const ObjectRef& workbook, const std::vector<ImportOutcome>& out
                       {"文件", "模板", "结果", "分录", "异常", "说明"});
     ReportSheet faults(sheets->Get("Item", {2}).AsObject(), "异常",
                        {"文件", "行", "列", "列名", "内容", "原因"});
+    std::size_t untold = 0;
     for (const ImportOutcome& outcome : outcomes) {
         const std::string file = NameOfFile(outcome.file);
         files.Add({file, outcome.templateName, ReportState(outcome), outcome.lines,
                    static_cast<std::int32_t>(outcome.faults.size()), ReportText(outcome)});
         for (const LineFault& fault : outcome.faults) {
+            if (faults.Rows() >= kMostFaultRows) {
+                ++untold;
+                continue;
+            }
             const Variant row = fault.row > 0 ? Variant(fault.row) : Variant("");
             const std::string column = fault.column > 0 ? ColumnLetter(fault.column) : std::string();
             faults.Add({file, row, column, fault.header, fault.value, fault.reason});
         }
     }
+    if (untold > 0) faults.Add({"", "", "", "", "", "其余 " + std::to_string(untold) + " 处没有列出"});
     files.Finish();
     faults.Finish();
     sheets->Get("Item", {1}).AsObject()->Call("Select");

@@ -438,6 +438,35 @@ TEST_F(MarkedCopyTest, SeveralChosenFilesGiveOneReport) {
     EXPECT_EQ(text("异常", 2, 2), "D");
 }
 
+TEST_F(MarkedCopyTest, AReportTellsAWorkbookWithMoreFaultsThanACellHasRoomFor) {
+    std::vector<Lines> rows = {kHeaders};
+    constexpr std::size_t kFaults = 3000;
+    for (std::size_t i = 0; i < kFaults; ++i)
+        rows.push_back({"#1", "a", "借方", "1", "n", "#1", ""});
+    const ImportOutcome refused = ImportTemplateFile(window_, MakeWorkbook("多.xlsx", rows));
+    ASSERT_EQ(refused.faults.size(), kFaults);
+    for (const char* name : {"report.xlsx", "report.xls"}) {
+        const std::string report = folder_.File(name);
+        ASSERT_EQ(WriteImportReport({refused}, report), "");
+        const auto workbook = office::ReadWorkbook(report);
+        const office::Sheet& faults = *workbook->FindSheet("异常");
+        EXPECT_EQ(faults.Rows().size(), kFaults + 1);
+        const office::Sheet& files = *workbook->FindSheet("引入结果");
+        const std::string words = office::CellText(*workbook, *files.Find(1, 5));
+        EXPECT_TRUE(words.starts_with("引入模板失败！模板文件数据存在以下错误: 第2行，"))
+            << words.substr(0, 80);
+        EXPECT_TRUE(words.ends_with("……")) << words.substr(words.size() - 80);
+    }
+    ImportOutcome broken = refused;
+    broken.faults.assign(70'000, refused.faults.front());
+    const std::string report = folder_.File("long.xls");
+    ASSERT_EQ(WriteImportReport({broken}, report), "");
+    const auto workbook = office::ReadWorkbook(report);
+    const office::Sheet& faults = *workbook->FindSheet("异常");
+    const auto last = static_cast<std::uint32_t>(faults.Rows().size() - 1);
+    EXPECT_EQ(office::CellText(*workbook, *faults.Find(last, 5)), "其余 10001 处没有列出");
+}
+
 // While a row is reported, somebody works in another window of the process.
 class BesideAnother : public FakeWindow {
   public:
