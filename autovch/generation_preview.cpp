@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "autovch/alike_patterns.h"
 #include "entry/host_context.h"
 #include "store/statements.h"
 #include "store/template_columns.h"
@@ -19,30 +20,6 @@ std::string Join(const std::vector<std::string>& texts, const char* between) {
     for (const std::string& text : texts)
         joined += (joined.empty() ? "" : between) + text;
     return joined;
-}
-
-// Lines of one that the other has not, as often as each stands there.
-std::size_t LinesBeyond(std::vector<std::string> of, std::vector<std::string> other) {
-    std::sort(of.begin(), of.end());
-    std::sort(other.begin(), other.end());
-    std::vector<std::string> beyond;
-    std::set_difference(of.begin(), of.end(), other.begin(), other.end(), std::back_inserter(beyond));
-    return beyond.size();
-}
-
-// The same lines in any order, or all but one of three and more.
-std::string AlikeText(const VoucherPattern& pattern, const std::vector<store::KnownPattern>& known) {
-    std::string near;
-    for (const store::KnownPattern& other : known) {
-        const std::size_t here = LinesBeyond(pattern.lines, other.lines);
-        const std::size_t there = LinesBeyond(other.lines, pattern.lines);
-        const std::string place = "“" + other.templateName + "” " + other.number + " 号";
-        if (here == 0 && there == 0) return "与" + place + "相同";
-        const bool enough = std::min(pattern.lines.size(), other.lines.size()) >= 2 &&
-                            std::max(pattern.lines.size(), other.lines.size()) >= 3;
-        if (near.empty() && enough && here <= 1 && there <= 1) near = "与" + place + "相近";
-    }
-    return near;
 }
 
 // The vouchers of one template number, as the generation puts them together.
@@ -96,8 +73,9 @@ GenerationPreview PreviewGeneration(const VoucherFilter& filter) {
         preview.patterns[place->second].numbers.push_back(std::to_string(number));
     }
     const std::vector<store::KnownPattern> known = store::ReadKnownPatterns(entry::CurrentUserId());
+    const AlikePatterns alike(known);
     for (VoucherPattern& pattern : preview.patterns)
-        pattern.alike = AlikeText(pattern, known);
+        pattern.alike = alike.WordsFor(pattern.lines);
     std::stable_sort(
         preview.patterns.begin(), preview.patterns.end(),
         [](const VoucherPattern& a, const VoucherPattern& b) { return a.Occurrences() > b.Occurrences(); });
