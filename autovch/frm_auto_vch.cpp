@@ -124,11 +124,13 @@ void frmAutoVch::Describe() {
     const store::VoucherCount count = CountSelected(filter);
     state_.selected = Words(count);
     if (!without_.empty()) state_.selected += "，其中 " + std::to_string(without_.size()) + " 个不生成";
+    if (count.missing > 0) state_.warning = MissingLinesWarning(FindMissingLines(filter));
     // More vouchers than numbers: some share one.
     if (!filter.group.empty() || count.vouchers <= count.numbers) return;
     const MergedNumbers merged = FindMergedNumbers(filter);
-    state_.warning = merged.Warning();
-    if (!state_.warning.empty()) state_.oneGroup = merged.groups.front();
+    if (merged.numbers.empty()) return;
+    state_.warning += (state_.warning.empty() ? "" : "\n") + merged.Warning();
+    state_.oneGroup = merged.groups.front();
 }
 
 void frmAutoVch::ChoosePatterns() {

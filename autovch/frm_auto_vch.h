@@ -36,8 +36,9 @@ struct AutoVchState {
     bool includeSystem = false;  // chkJZVch
     std::string templateName;    // txtVchTpName
     std::string selected;        // what the filter selects, in words
-    std::string warning;         // that vouchers of several groups would be merged; empty: none would
-    std::string oneGroup;        // the group offered instead of all
+    // A line each: that lines of vouchers are left out, that vouchers of several groups would be merged.
+    std::string warning;
+    std::string oneGroup;  // the group offered instead of all
 };
 
 class AutoVchView {

@@ -102,6 +102,16 @@ MergedNumbers FindMergedNumbers(const VoucherFilter& filter) {
     return merged;
 }
 
+store::MissingLines FindMissingLines(const VoucherFilter& filter) {
+    return FilterProblem(filter).empty() ? store::ReadMissingLines(filter) : store::MissingLines();
+}
+
+std::string MissingLinesWarning(const store::MissingLines& missing) {
+    if (missing.lines == 0) return {};
+    return "凭证号 " + ListOfNumbers(missing.numbers) + " 的凭证中，有 " + std::to_string(missing.lines) +
+           " 条分录的科目或币别已不在账套中，这些分录不会生成。";
+}
+
 std::string MergedNumbers::Warning() const {
     if (numbers.empty()) return {};
     return "不同类别的凭证有相同的凭证号（" + ListOfNumbers(numbers) +

@@ -45,6 +45,11 @@ struct MergedNumbers {
 // None for a filter of one group or with a problem.
 MergedNumbers FindMergedNumbers(const VoucherFilter& filter);
 
+// Lines that a generation leaves out, because their account or currency is no longer in the ledger; none for
+// a filter with a problem. What users are told of them; empty when there are none.
+store::MissingLines FindMissingLines(const VoucherFilter& filter);
+std::string MissingLinesWarning(const store::MissingLines& missing);
+
 // "1、2、3 等 7 个" where there are more than a line holds.
 std::string ListOfNumbers(const std::vector<std::string>& numbers);
 

@@ -34,6 +34,15 @@ std::string Joins() {
            kCrLf;
 }
 
+// The lines that the joins above leave out.
+std::string MissingFrom(const VoucherFilter& filter) {
+    return std::string(" from t_Voucher a") + kCrLf +
+           " inner join t_VoucherEntry b on a.FVoucherID = b.FVoucherID" + kCrLf +
+           " left join t_Account c on b.FAccountID = c.FAccountID" + kCrLf +
+           " left join t_Currency e on b.FCurrencyID = e.FCurrencyID" + kCrLf + Conditions(filter) +
+           " and (c.FAccountID is null or e.FCurrencyID is null)";
+}
+
 }  // namespace
 
 bool IsWholeNumber(const std::string& text) {
@@ -63,8 +72,8 @@ std::string VoucherQuery(const VoucherFilter& filter) {
 std::string VoucherCountQuery(const VoucherFilter& filter) {
     std::string sql =
         "select count(distinct a.FNumber) as FNumbers,count(distinct a.FVoucherID) as FVouchers,"
-        "count(*) as FLines" +
-        std::string(kCrLf) + Joins() + Conditions(filter);
+        "count(*) as FLines,(select count(*)" +
+        MissingFrom(filter) + ") as FMissing" + kCrLf + Joins() + Conditions(filter);
     return sql;
 }
 
@@ -92,7 +101,7 @@ VoucherCount CountVouchers(const VoucherFilter& filter) {
     const ado::RecordsetRef counts = GetRecordset(VoucherCountQuery(filter));
     if (!counts || counts->AtEnd()) return {};
     return {counts->Value("FNumbers").ToInt64(), counts->Value("FVouchers").ToInt64(),
-            counts->Value("FLines").ToInt64()};
+            counts->Value("FLines").ToInt64(), counts->Value("FMissing").ToInt64()};
 }
 
 std::vector<GroupOfNumber> ReadGroupsOfNumbers(const VoucherFilter& filter) {
@@ -108,6 +117,19 @@ std::vector<GroupOfNumber> ReadGroupsOfNumbers(const VoucherFilter& filter) {
                          rows->Value("FVouchers").ToInt64()});
     }
     return found;
+}
+
+MissingLines ReadMissingLines(const VoucherFilter& filter) {
+    MissingLines missing;
+    const ado::RecordsetRef rows =
+        GetRecordset("select a.FNumber as FNo,count(*) as FMissing" + MissingFrom(filter) +
+                     " group by a.FNumber order by a.FNumber");
+    if (!rows) return missing;
+    for (; !rows->AtEnd(); rows->MoveNext()) {
+        missing.numbers.push_back(rows->Value("FNo").ToTextOrEmpty());
+        missing.lines += rows->Value("FMissing").ToInt64();
+    }
+    return missing;
 }
 
 }  // namespace vicenter::store

@@ -42,6 +42,7 @@ struct VoucherCount {
     std::int64_t numbers = 0;
     std::int64_t vouchers = 0;
     std::int64_t lines = 0;
+    std::int64_t missing = 0;  // lines that are not read, see MissingLines
 };
 VoucherCount CountVouchers(const VoucherFilter& filter);
 
@@ -52,5 +53,13 @@ struct GroupOfNumber {
     std::int64_t vouchers = 0;
 };
 std::vector<GroupOfNumber> ReadGroupsOfNumbers(const VoucherFilter& filter);
+
+// Lines of the selected vouchers whose account or currency is no longer in the ledger: the vouchers are read
+// without them.
+struct MissingLines {
+    std::vector<std::string> numbers;  // of their vouchers, ascending
+    std::int64_t lines = 0;
+};
+MissingLines ReadMissingLines(const VoucherFilter& filter);
 
 }  // namespace vicenter::store

@@ -34,10 +34,18 @@ autovch::LeftOut NumbersOf(const std::vector<std::string>& given) {
     return numbers;
 }
 
+void TellWarnings(std::ostream& to, const autovch::MergedNumbers& merged,
+                  const store::MissingLines& missing) {
+    for (const std::string& warning : {autovch::MissingLinesWarning(missing), merged.Warning()}) {
+        if (!warning.empty()) to << "注意：" << warning << "\n";
+    }
+}
+
 int PrintPreview(const CliContext& context, const autovch::VoucherFilter& filter) {
     const autovch::GenerationPreview preview = autovch::PreviewGeneration(filter);
     if (!preview.problem.empty()) return Fail(context, preview.problem);
     const autovch::MergedNumbers merged = autovch::FindMergedNumbers(filter);
+    const store::MissingLines missing = autovch::FindMissingLines(filter);
     if (context.options.json) {
         VariantArray patterns;
         for (const autovch::VoucherPattern& pattern : preview.patterns) {
@@ -51,11 +59,12 @@ int PrintPreview(const CliContext& context, const autovch::VoucherFilter& filter
         PrintJson(context,
                   JsonObject({{"patterns", patterns},
                               {"merged", VariantArray(merged.numbers.begin(), merged.numbers.end())},
-                              {"groups", VariantArray(merged.groups.begin(), merged.groups.end())}}));
+                              {"groups", VariantArray(merged.groups.begin(), merged.groups.end())},
+                              {"missing", VariantArray(missing.numbers.begin(), missing.numbers.end())}}));
         return kExitDone;
     }
     std::ostream& out = context.streams.out;
-    if (!merged.numbers.empty()) out << "注意：" << merged.Warning() << "\n";
+    TellWarnings(out, merged, missing);
     for (const autovch::VoucherPattern& pattern : preview.patterns) {
         out << pattern.Occurrences() << " 次\t编号 " << autovch::ListOfNumbers(pattern.numbers) << "\t"
             << OneLine(pattern.explanation) << "\t" << OneLine(pattern.words);
@@ -85,9 +94,10 @@ int RunGenerate(const CliContext& context) {
                                              context.options.name,
                                              {options.fields.begin(), options.fields.end()},
                                              NumbersOf(options.without)};
-    const autovch::MergedNumbers merged = autovch::FindMergedNumbers(filter);
-    if (!merged.numbers.empty() && !context.options.json)
-        context.streams.err << "注意：" << merged.Warning() << "\n";
+    if (!context.options.json) {
+        TellWarnings(context.streams.err, autovch::FindMergedNumbers(filter),
+                     autovch::FindMissingLines(filter));
+    }
     const autovch::GenerationResult result = autovch::Generate(request);
     Variant data = Variant::Null();
     if (result.outcome) {

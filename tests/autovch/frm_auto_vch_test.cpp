@@ -51,7 +51,7 @@ class FrmAutoVchTest : public AutoVchTest {
         set_.Answer(
             "FMinNum,isnull(MAX(FNumber),0) as FMaxNum from t_Voucher where FYear = 2024 and FPeriod = 3",
             Rows({"FMinNum", "FMaxNum"}, {{2, 31}}));
-        set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines"}, {{4, 6, 25}}));
+        set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines", "FMissing"}, {{4, 6, 25, 0}}));
         dialog_.Load();
     }
     std::string Box(autovch::Box box) const { return dialog_.State().boxes[box]; }
@@ -196,11 +196,25 @@ TEST_F(MergingTest, WarnsOfNumbersThatSeveralGroupsShareAndOffersTheOneWithTheMo
 }
 
 TEST_F(MergingTest, AsksNothingMoreWhereEveryVoucherHasANumberOfItsOwn) {
-    set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines"}, {{6, 6, 25}}));
+    set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines", "FMissing"}, {{6, 6, 25, 0}}));
     set_.Forget();
     dialog_.FilterSettled();
     EXPECT_EQ(set_.Statements().size(), 1U);
     EXPECT_EQ(view_.shown.warning, "");
+}
+
+TEST_F(MergingTest, TellsOfLinesWhoseAccountOrCurrencyIsGone) {
+    Merges();
+    set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines", "FMissing"}, {{4, 6, 25, 3}}));
+    set_.Answer("as FMissing from", Rows({"FNo", "FMissing"}, {{2, 1}, {5, 2}}));
+    dialog_.FilterSettled();
+    const std::string gone = "凭证号 2、5 的凭证中，有 3 条分录的科目或币别已不在账套中，这些分录不会生成。";
+    EXPECT_TRUE(view_.shown.warning.starts_with(gone + "\n不同类别的凭证有相同的凭证号"))
+        << view_.shown.warning;
+    EXPECT_EQ(view_.shown.oneGroup, "记");
+    dialog_.TakeOneGroup();
+    EXPECT_EQ(view_.shown.warning, gone);
+    EXPECT_EQ(view_.shown.oneGroup, "");
 }
 
 class PatternsTest : public FrmAutoVchTest {

@@ -82,7 +82,7 @@ TEST_F(AutoVchTest, WithoutAPeriodNothingIsAsked) {
 }
 
 TEST_F(AutoVchTest, TheSelectionIsCounted) {
-    set_.Answer("FLines", Rows({"FNumbers", "FVouchers", "FLines"}, {{4, 6, 25}}));
+    set_.Answer("FLines", Rows({"FNumbers", "FVouchers", "FLines", "FMissing"}, {{4, 6, 25, 0}}));
     const store::VoucherCount count = CountSelected(MarchFilter());
     EXPECT_EQ(count.numbers, 4);
     EXPECT_EQ(count.vouchers, 6);

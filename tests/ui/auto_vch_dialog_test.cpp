@@ -29,7 +29,7 @@ class AutoVchDialogTest : public autovch::AutoVchTest {
         });
         set_.Answer("t_VoucherGroup order", Rows({"FGroupID", "FName"}, {{1, "记"}, {2, "收"}}));
         set_.Answer("FMinNum", Rows({"FMinNum", "FMaxNum"}, {{2, 31}}));
-        set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines"}, {{4, 6, 25}}));
+        set_.Answer("as FLines", Rows({"FNumbers", "FVouchers", "FLines", "FMissing"}, {{4, 6, 25, 0}}));
         dialog_ = std::make_unique<AutoVchDialog>();
         dialog_->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog_.get()));
