@@ -72,6 +72,8 @@ void MakeAccountSetFile(const std::string& file, const std::function<void(ado::C
     const fs::path folder = system::WholePath(target, ignored).parent_path();
     if (!fs::is_directory(folder, ignored))
         throw Error(automation::error_number::kPathNotFound, "文件夹不存在：" + system::PathToUtf8(folder));
+    if (const std::string refusal = system::WhyNoPlaceForDatabase(file); !refusal.empty())
+        throw Error(automation::error_number::kPermissionDenied, refusal);
 
     system::FileReplacement whole(file);
     {

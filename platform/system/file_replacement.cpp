@@ -11,6 +11,7 @@
 #include "automation/object.h"
 #include "platform/system/files.h"
 #include "platform/system/os.h"
+#include "platform/system/utf8.h"
 #include "platform/system/whole_path.h"
 #include "text/ascii.h"
 
@@ -23,6 +24,10 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kMostLinks = 40;
+// Beside a database stand its logs and their index, under its name and one of these.
+constexpr std::array<std::string_view, 3> kLogTails = {"-wal", "-shm", "-journal"};
+constexpr std::size_t kLongestTail = 8;
+constexpr std::size_t kMostOfName = 255;  // what file systems take: bytes, on Windows UTF-16 units
 
 // The end of a chain of links, which need not exist.
 fs::path BehindLinks(fs::path path) {
@@ -50,6 +55,11 @@ std::string WhyNoPlace(const fs::path& file) {
     if (os::IsNameOfDevice(text) || (fs::exists(status) && !fs::is_regular_file(status)))
         return "目标不是普通文件（设备、管道等），不能覆盖：" + text;
     if (!file.has_filename()) return "没有给出文件名：" + text;
+    // Whoever opens the database of that name takes it for its own, and removes it.
+    const std::string name = text::LowerAscii(PathToUtf8(file.filename()));
+    if (std::any_of(kLogTails.begin(), kLogTails.end(),
+                    [&](std::string_view tail) { return name.ends_with(tail); }))
+        return "以 -wal、-shm、-journal 结尾的名称留给账套的日志，请另选文件名：" + text;
     const std::string folder = FolderOf(file);
     if (!fs::is_directory(PathFromUtf8(folder), failed)) return "文件夹不存在：" + folder;
     return {};
@@ -83,6 +93,22 @@ bool HasLogBeside(const fs::path& file) {
     return false;
 }
 
+bool IsDatabase(const fs::path& file) {
+    std::array<char, kDatabaseHead.size()> bytes{};
+    std::ifstream content(file, std::ios::binary);
+    content.read(bytes.data(), bytes.size());
+    return std::string_view(bytes.data(), static_cast<std::size_t>(content.gcount())) == kDatabaseHead;
+}
+
+std::size_t LengthOfName(const fs::path& file) {
+    const std::string name = PathToUtf8(file.filename());
+#ifdef _WIN32
+    return CodeUnitCount(name);
+#else
+    return name.size();
+#endif
+}
+
 std::string TargetBehind(const std::string& target) {
     const fs::path file = BehindLinks(PathFromUtf8(target));
     if (const std::string refusal = WhyNoPlace(file); !refusal.empty())
@@ -114,6 +140,10 @@ void FileReplacement::Finish(Durable durable, bool replace) {
     // It may have become something else meanwhile.
     if (const std::string refusal = WhyNoPlace(target); !refusal.empty())
         throw Error(error_number::kPathNotFound, refusal);
+    if (IsDatabase(PathFromUtf8(Path()))) {
+        if (const std::string refusal = WhyNoPlaceForDatabase(target_); !refusal.empty())
+            throw Error(error_number::kPermissionDenied, refusal);
+    }
     std::error_code ignored;
     if (const fs::file_status old = fs::status(target, ignored); replace && fs::exists(old))
         fs::permissions(PathFromUtf8(Path()), old.permissions() | fs::perms::owner_write, ignored);
@@ -145,6 +175,17 @@ std::string WhyNotWritable(const std::string& target, const Replaceable& replace
     return known ? std::string()
                  : "目标文件已存在，且不是" + std::string(latin ? " " : "") + replaceable.what +
                        "，不能覆盖：" + text;
+}
+
+std::string WhyNoPlaceForDatabase(const std::string& target) {
+    const fs::path file = BehindLinks(PathFromUtf8(target));
+    if (std::string refusal = WhyNoPlace(file); !refusal.empty()) return refusal;
+    if (LengthOfName(file) + kLongestTail > kMostOfName)
+        return "文件名太长，请另选文件名：" + PathToUtf8(file);
+    if (!HasLogBeside(file)) return {};
+    return "旁边有以前的账套留下的日志（-wal、-"
+           "journal），其中可能有已保存的内容；请先移走，或放回原来的账套旁边：" +
+           PathToUtf8(file);
 }
 
 std::error_code CopyOver(const std::string& source, const std::string& target, Durable durable) {

@@ -53,6 +53,11 @@ struct Replaceable {
 // process has open, or a file of another kind.
 std::string WhyNotWritable(const std::string& target, const Replaceable& replaceable);
 
+// Why a database that is made elsewhere cannot be moved to that name, for users; empty when it can. A log
+// that another database has left there would be taken for the new one's and mixed into it; and its own must
+// find room for their names. What is moved into place is asked for this at the end in any case.
+std::string WhyNoPlaceForDatabase(const std::string& target);
+
 // Copies a file over another, or to a new name; why it could not be done, or what is thrown above.
 std::error_code CopyOver(const std::string& source, const std::string& target, Durable durable);
 // The same for users: every failure is thrown with a text.

@@ -59,6 +59,16 @@ TEST(AccountSetFile, IsNotMadeBehindALinkThatLeadsNowhereYet) {
 }
 #endif
 
+TEST(AccountSetFile, IsNotMadeWhereTheLogOfAnotherLies) {
+    test::TestFolder folder;
+    const std::string file = folder.Path("set.vas");
+    const std::string log = file + "-wal";
+    std::ofstream(system::PathFromUtf8(log), std::ios::binary) << "saved lines";
+    EXPECT_THROW(CreateAccountSetFile(file, {}), Error);
+    EXPECT_FALSE(std::filesystem::exists(system::PathFromUtf8(file)));
+    EXPECT_EQ(std::filesystem::file_size(system::PathFromUtf8(log)), 11U);
+}
+
 TEST(AccountSetFile, MayHaveBlanksQuotesBracesAndChineseInItsName) {
     test::TestFolder folder;
 #ifdef _WIN32  // whose names have no quotation marks

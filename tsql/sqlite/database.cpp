@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <new>
 #include <thread>
 #include <utility>
@@ -121,6 +122,25 @@ const char* TextOf(FileState state) {
     return "";
 }
 
+constexpr const char* kLogWithoutFile =
+    "账套文件不存在，旁边却有它的日志（-wal、-"
+    "journal），其中可能有已保存的内容；请先移走，或放回账套文件旁边";
+
+// The log of a file that has been moved away or deleted. SQLite removes it when a new file is begun there.
+bool IsLogWithoutFile(const std::string& path) {
+    const auto file = [&](const char* tail) {
+        const std::string name = path + tail;
+        return std::filesystem::path(std::u8string(name.begin(), name.end()));
+    };
+    std::error_code failed;
+    if (std::filesystem::exists(file(""), failed)) return false;
+    return std::ranges::any_of(std::initializer_list<const char*>{"-wal", "-journal"}, [&](const char* tail) {
+        std::error_code none;
+        const std::uintmax_t bytes = std::filesystem::file_size(file(tail), none);
+        return !none && bytes > 0;
+    });
+}
+
 // Failures that a file which is no more the one that was opened may show itself by.
 bool MayComeOfLoss(int code) {
     return code == SQLITE_CANTOPEN || code == SQLITE_PERM || code == SQLITE_AUTH || code == SQLITE_NOTADB ||
@@ -145,6 +165,7 @@ void Database::Open(const std::string& path, bool create, int lockTimeoutMillise
                     const char* fileSystem) {
     path_ = path;
     if (path.empty()) throw MakeError(5120, {}, {path_, sqlite3_errstr(SQLITE_CANTOPEN)});
+    if (create && IsLogWithoutFile(path)) throw MakeError(5120, {}, {path_, kLogWithoutFile});
     const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0) | SQLITE_OPEN_NOMUTEX;
     const int code = sqlite3_open_v2(PlainPath(path).c_str(), &handle_, flags,
                                      fileSystem != nullptr ? fileSystem : AccountSetFileSystem());

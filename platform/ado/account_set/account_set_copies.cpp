@@ -48,7 +48,7 @@ void MustDiffer(const std::string& a, const std::string& b) {
 
 // Why a backup must not be written there; empty when it may.
 std::string WhyNotBackupTarget(const std::string& to) {
-    if (!Exists(to)) return {};
+    if (!Exists(to)) return system::WhyNoPlaceForDatabase(to);
     // Asked first: a file that this process has open is refused there without being opened once more.
     const std::string refusal = system::WhyNotWritable(to, {"备份文件", {system::kDatabaseHead}, {}});
     if (!refusal.empty()) return refusal;
@@ -90,6 +90,10 @@ void BackUpAccountSet(const std::string& file, const std::string& to) {
 void RestoreAccountSet(const std::string& from, const std::string& file) {
     MustExist(from);
     MustDiffer(from, file);
+    if (!Exists(file)) {
+        if (const std::string refusal = system::WhyNoPlaceForDatabase(file); !refusal.empty())
+            throw Error(number::kPermissionDenied, refusal);
+    }
     system::FileReplacement copy(file);
     try {
         engine::CopyAccountSet(from, copy.Path(), Options());

@@ -16,6 +16,7 @@
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/connection.h"
 #include "platform/ado/recordset.h"
+#include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/fakes/file_kinds.h"
@@ -141,6 +142,17 @@ TEST_F(CopiesTest, ABackupIsNeverWrittenOverAnythingElse) {
 }
 
 #ifndef _WIN32
+TEST_F(CopiesTest, ABackupHasNoNameUnderWhichItCouldNotBeRead) {
+    // 253 bytes: the file itself has room, its logs have none.
+    std::string name;
+    for (int i = 0; i < 83; ++i)
+        name += "备";
+    const std::string longest = folder_.File(name + ".vas");
+    EXPECT_EQ(Told([&] { BackUpAccountSet(set_, longest); }), "文件名太长，请另选文件名：" + longest);
+    EXPECT_NE(Told([&] { BackUpAccountSet(set_, set_ + "-wal"); }), "");
+    EXPECT_EQ(Names(), Lines{"set.vas"});
+}
+
 TEST_F(CopiesTest, WhatAKilledRestoreLeavesBesideABackupDoesNotKeepTheNextOneFromItsPlace) {
     BackUpAccountSet(set_, backup_);
     const pid_t child = fork();
@@ -155,6 +167,38 @@ TEST_F(CopiesTest, WhatAKilledRestoreLeavesBesideABackupDoesNotKeepTheNextOneFro
     EXPECT_EQ(Told([&] { BackUpAccountSet(set_, backup_); }), "");
     EXPECT_FALSE(fs::exists(system::PathFromUtf8(backup_ + "-shm")));
     EXPECT_EQ(FindAccountSetDamage(backup_), Lines{});
+}
+
+// A writer is killed, and the account set gets another name without its log.
+TEST_F(CopiesTest, TheLogOfASetThatWasRenamedAfterAKillIsMixedIntoNoOther) {
+    BackUpAccountSet(set_, backup_);
+    const pid_t child = fork();
+    if (child == 0) {
+        OpenConnection(Connect(set_))->Execute("insert into t values(3,N'三',1,null)");
+        const ConnectionRef writer = OpenConnection(Connect(set_));
+        writer->Execute("update t set FName = N'改' alter table t add FMore int");
+        kill(getpid(), SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    const std::string renamed = folder_.File("renamed.vas");
+    fs::rename(set_, renamed);
+    const std::string log = Read(set_ + "-wal");
+    ASSERT_NE(log, "");
+
+    const std::string refusal = system::WhyNoPlaceForDatabase(set_);
+    EXPECT_NE(refusal, "");
+    EXPECT_EQ(Told([&] { RestoreAccountSet(backup_, set_); }), refusal);
+    EXPECT_EQ(Told([&] { BackUpAccountSet(backup_, set_); }), refusal);
+    EXPECT_NE(Told([&] { OpenConnection(Connect(set_) + ";Create=yes"); }), "");
+    EXPECT_FALSE(fs::exists(set_));
+    EXPECT_EQ(Read(set_ + "-wal"), log);
+
+    // What was told as stored is there once its log has followed it, and the name is free.
+    fs::rename(set_ + "-wal", renamed + "-wal");
+    EXPECT_EQ(Content(renamed), "1|改|12.5|2026-01-31 00:00:00|\n2|改|-3||\n3|改|1||\n");
+    EXPECT_EQ(Told([&] { RestoreAccountSet(backup_, set_); }), "");
+    EXPECT_EQ(Content(set_), Content(backup_));
 }
 
 TEST_F(CopiesTest, ABackupThatAnotherProcessHasOpenIsNotReplaced) {

@@ -53,6 +53,39 @@ TEST_F(FileReplacementTest, ADatabaseWhoseLogIsNotHomeIsNotMovedWithoutIt) {
     EXPECT_EQ(Read(file), "new") << "an empty log says nothing";
 }
 
+TEST_F(FileReplacementTest, ADatabaseIsNotMovedToWhereTheLogOfAnotherLies) {
+    const std::string file = folder_.File("a.vas");
+    for (const char* log : {"-wal", "-journal"}) {
+        const std::string left = Write("a.vas" + std::string(log), "saved lines");
+        EXPECT_THROW(Replace(file, kDatabase), automation::Error) << log;
+        EXPECT_EQ(Names(), Lines{"a.vas" + std::string(log)});
+        EXPECT_EQ(Read(left), "saved lines");
+        fs::remove(PathFromUtf8(left));
+    }
+    Write("a.vas-wal", "");
+    Replace(file, kDatabase);
+    EXPECT_EQ(Read(file), kDatabase) << "an empty log says nothing";
+}
+
+TEST_F(FileReplacementTest, NamesOfLogsAreNoNamesOfFiles) {
+    for (const char* name : {"a.vas-wal", "a.vas-SHM", "a.vas-journal"}) {
+        EXPECT_FALSE(MayBeWritten(folder_.File(name))) << name;
+        EXPECT_THROW(FileReplacement{folder_.File(name)}, automation::Error) << name;
+    }
+    EXPECT_TRUE(MayBeWritten(folder_.File("-wal.xlsx")));
+}
+
+TEST_F(FileReplacementTest, ADatabaseWhoseLogsFindNoNameIsNotMovedThere) {
+    const std::string longest = folder_.File(std::string(243, 'x') + ".vas");
+    EXPECT_EQ(WhyNoPlaceForDatabase(longest), "");
+    Replace(longest, kDatabase);
+    EXPECT_EQ(Read(longest), kDatabase);
+    const std::string longer = folder_.File(std::string(244, 'x') + ".vas");
+    EXPECT_EQ(WhyNoPlaceForDatabase(longer), "文件名太长，请另选文件名：" + longer);
+    EXPECT_THROW(Replace(longer, kDatabase), automation::Error);
+    EXPECT_FALSE(fs::exists(PathFromUtf8(longer)));
+}
+
 TEST_F(FileReplacementTest, WhereItLiesMayBeAPathOfAnyLength) {
     std::string deep = folder_.Text();
     for (int i = 0; i < 4; ++i)
