@@ -136,6 +136,7 @@ void Executor::Reset() {
     for (const std::string& name : catalog_.TemporaryNames()) {
         if (const TableInfo* table = catalog_.FindTable(name)) catalog_.DropTable(*table);
     }
+    refused_.clear();
     setOptions_ = SetOptions();
     setOptions_.lockTimeoutMilliseconds = options_.lockTimeoutMilliseconds;
     rowCount_ = 0;
@@ -209,6 +210,7 @@ void Executor::RunRepeated(const ProgramItem& item) {
     const auto& insert = As<InsertStatement>(*item.statement);
     try {
         database_.Stopping().Check();
+        RefuseBehindSwitch(insert);
         const TableInfo* table = FindTable(insert.table.Object());
         bool fits = false;
         transactions_.Change(table != nullptr && table->temporary, [&] {
@@ -281,6 +283,7 @@ Flow Executor::RunStatement(const Statement& statement) {
     unbound_ = false;
     try {
         database_.Stopping().Check();
+        RefuseBehindSwitch(statement);
         return Dispatch(statement);
     } catch (const SqlError& error) {
         HandleError(error, line);

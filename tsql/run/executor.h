@@ -231,6 +231,9 @@ class Executor {
     void DeclareVariables(const DeclareStatement& statement);
     void SetVariable(const SetVariableStatement& statement);
     void SetOption(const SetOptionStatement& statement);
+    void SetFixedSwitch(const SetOptionStatement& statement, const std::string& option);
+    // Throws 40510 for any statement but SET as long as a switch is refused.
+    void RefuseBehindSwitch(const Statement& statement) const;
     void DeclareCursor(const DeclareCursorStatement& statement);
     void SetCursor(const SetCursorStatement& statement);
     void OpenCursor(const OpenCursorStatement& statement);
@@ -316,6 +319,7 @@ class Executor {
     bool keepsTransaction_ = false;  // the batch failed, but what BEGIN TRANSACTION began goes on
     bool toUndo_ = false;            // a failed batch is still to be undone: there was no memory for it
     SetOptions setOptions_;          // between batches; while one runs, its frame's count
+    std::set<std::string> refused_;  // switches that would have kept what follows from running, or undoable
     int tryDepth_ = 0;
     std::string label_;                       // that a GOTO is on its way to
     std::int64_t currentRow_ = 0;             // of the cursor that UPDATE or DELETE names

@@ -32,6 +32,8 @@ namespace {
 struct FixedSwitch {
     std::string_view option;
     bool on;
+    // What follows, in later batches too, is not to run, or is to wait for COMMIT.
+    bool holdsBack = false;
 };
 constexpr FixedSwitch kFixedSwitches[] = {
     {"ansi_null_dflt_off", false},
@@ -41,15 +43,15 @@ constexpr FixedSwitch kFixedSwitches[] = {
     {"ansi_warnings", true},
     {"concat_null_yields_null", true},
     {"cursor_close_on_commit", false},
-    {"fmtonly", false},
-    {"implicit_transactions", false},
-    {"noexec", false},
+    {"fmtonly", false, true},
+    {"implicit_transactions", false, true},
+    {"noexec", false, true},
     {"numeric_roundabort", false},
-    {"parseonly", false},
+    {"parseonly", false, true},
     {"quoted_identifier", true},
-    {"showplan_all", false},
-    {"showplan_text", false},
-    {"showplan_xml", false},
+    {"showplan_all", false, true},
+    {"showplan_text", false, true},
+    {"showplan_xml", false, true},
     {"statistics profile", false},
     {"statistics xml", false},
 };
@@ -62,23 +64,43 @@ constexpr std::string_view kLanguages[] = {"us_english", "english"};
     throw MakeError(40510, statement.position, {"SET " + UpperAscii(option) + " " + std::string(value)});
 }
 
-// What would be swallowed, and the next statement then run as it was not meant to, is refused at once.
-void RefuseWhatChangesAnswers(const SetOptionStatement& statement, std::string_view option) {
-    const bool on = statement.on.value_or(false);
-    // Either state of it sets several others.
-    if (option == "ansi_defaults") Refuse(statement, option, on ? "ON" : "OFF");
-    for (const FixedSwitch& fixed : kFixedSwitches) {
-        if (fixed.option == option && fixed.on != on) Refuse(statement, option, on ? "ON" : "OFF");
-    }
+std::string SwitchText(std::string_view option, bool on) {
+    return "SET " + UpperAscii(option) + (on ? " ON" : " OFF");
+}
+
+const FixedSwitch* FindFixed(std::string_view option) {
+    const auto* found = std::ranges::find(kFixedSwitches, option, &FixedSwitch::option);
+    return found == std::end(kFixedSwitches) ? nullptr : found;
 }
 
 }  // namespace
+
+// What would be swallowed, and what follows then run as it was not meant to, is refused at once.
+void Executor::SetFixedSwitch(const SetOptionStatement& statement, const std::string& option) {
+    const bool on = statement.on.value_or(false);
+    // Either state of it sets several others.
+    if (option == "ansi_defaults") throw MakeError(40510, statement.position, {SwitchText(option, on)});
+    const FixedSwitch* fixed = FindFixed(option);
+    if (fixed == nullptr) return;
+    if (fixed->on == on) {
+        refused_.erase(option);
+        return;
+    }
+    if (fixed->holdsBack) refused_.insert(option);
+    throw MakeError(40510, statement.position, {SwitchText(option, on)});
+}
+
+void Executor::RefuseBehindSwitch(const Statement& statement) const {
+    if (refused_.empty() || statement.kind == StatementKind::kSetOption) return;
+    const std::string& option = *refused_.begin();
+    throw MakeError(40510, statement.position, {SwitchText(option, true)});
+}
 
 // Options without a meaning here (isolation levels, priorities, …) are taken without a word.
 void Executor::SetOption(const SetOptionStatement& statement) {
     SetOptions& options = frame_->options;
     for (const std::string& option : statement.options) {
-        RefuseWhatChangesAnswers(statement, option);
+        SetFixedSwitch(statement, option);
         if (option == "nocount") {
             options.noCount = statement.on.value_or(false);
         } else if (option == "xact_abort") {
