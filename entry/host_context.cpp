@@ -1,9 +1,12 @@
 #include "entry/host_context.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "automation/class_registry.h"
 #include "automation/lasting.h"
+#include "platform/ado/connection.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
 
@@ -17,7 +20,7 @@ constexpr const char* kSharePropsClass = "VelaPropsMgr.ShareProps";
 constexpr const char* kNoShareProps = "宿主没有提供 VelaPropsMgr.ShareProps，无法取得账套的连接信息。";
 
 struct ModuleValues {
-    std::string userId;
+    WindowSession session;  // its user is that of the window that opened last
     automation::ObjectRef hostContext;
     std::string presetPropsString;
 };
@@ -27,9 +30,22 @@ ModuleValues& Values() {
     return *values;
 }
 
-}  // namespace
+// What tells account sets apart in a connect string; the rest says how to get there.
+constexpr const char* kPlaces[] = {
+    "Provider", "Data Source",     "Server",   "Address",         "Addr", "Network Address", "DSN",
+    "File DSN", "Initial Catalog", "Database", "AttachDBFilename"};
 
-std::string GetPropsString() {
+bool IsSameSession(const std::string& one, const std::string& other) {
+    const ado::ConnectString a(one);
+    const ado::ConnectString b(other);
+    if (a.Value("UserID") != b.Value("UserID")) return false;
+    const ado::ConnectString placeA(a.Value("ConnectString"));
+    const ado::ConnectString placeB(b.Value("ConnectString"));
+    return std::all_of(std::begin(kPlaces), std::end(kPlaces),
+                       [&](const char* key) { return placeA.Value(key) == placeB.Value(key); });
+}
+
+std::string PropsStringOfHost() {
     const ModuleValues& values = Values();
     if (values.hostContext) {
         if (!values.hostContext->Get("AcctID").ToTextOrEmpty().empty()) {
@@ -39,6 +55,16 @@ std::string GetPropsString() {
         return values.presetPropsString;
     }
     return GetShareProperty("PropsString").ToTextOrEmpty();
+}
+
+}  // namespace
+
+std::string GetPropsString() {
+    std::string now = PropsStringOfHost();
+    const std::string& own = Values().session.propsString;
+    // A host that names nothing any more has ended the session.
+    if (own.empty() || now.empty() || now == own || IsSameSession(now, own)) return now;
+    return own;
 }
 
 Variant GetShareProperty(std::string_view name) {
@@ -84,20 +110,22 @@ std::string GetKeyValue(std::string_view text, std::string_view key, std::string
 }
 
 std::string CurrentUserId() {
-    const std::string& kept = Values().userId;
+    const std::string& kept = Values().session.userId;
     return kept.empty() ? GetPropValue("UserID") : kept;
 }
 
 void SetCurrentUserId(std::string userId) {
-    Values().userId = std::move(userId);
+    Values().session.userId = std::move(userId);
 }
 
-UserScope::UserScope(const std::string& userId) : saved_(Values().userId) {
-    if (!userId.empty()) Values().userId = userId;
+SessionScope::SessionScope(const WindowSession& window) : saved_(Values().session) {
+    WindowSession& session = Values().session;
+    if (!window.userId.empty()) session.userId = window.userId;
+    session.propsString = window.propsString;
 }
 
-UserScope::~UserScope() {
-    Values().userId = std::move(saved_);
+SessionScope::~SessionScope() {
+    Values().session = std::move(saved_);
 }
 
 void AttachHostContext(automation::ObjectRef context) {

@@ -4,7 +4,9 @@
 //
 // The property string is fetched anew on every call; nothing of it is cached. What the module keeps for the
 // life of the process: the current user id (of the window that opened last), an attachable host context
-// object and a preset property string (the latter two empty unless a host sets them). User-interface thread.
+// object and a preset property string (the latter two empty unless a host sets them). A host may go to
+// another account set, or to another user, while windows stand open: what they ask and write is then still
+// their own (SessionScope). User-interface thread.
 
 #include <string>
 #include <string_view>
@@ -14,7 +16,8 @@
 namespace vicenter::entry {
 
 // The host property string: from the attached context object (when its AcctID is not empty), else the preset
-// string, else the shared property "PropsString". Errors of the host components pass.
+// string, else the shared property "PropsString". Errors of the host components pass. Within a SessionScope
+// the window's own where the host's names another user or account set by now.
 std::string GetPropsString();
 
 // What the host's shared property manager holds for this process under that name: an object or a value.
@@ -34,17 +37,25 @@ std::string GetKeyValue(std::string_view text, std::string_view key, std::string
 std::string CurrentUserId();
 void SetCurrentUserId(std::string userId);
 
-// The current user is that one until the end of the scope: windows of several users may live in one process,
-// and what a command writes belongs to the user of the window that asks. An empty id changes nothing.
-class UserScope {
+// Whose a window is, and on which account set it works: what the host said when it was opened.
+struct WindowSession {
+    std::string userId;
+    std::string propsString;
+};
+
+// Until the end of the scope the current user is the window's, and so is the account set: windows of several
+// users and account sets may live in one process, and what a command reads and writes belongs to the window
+// that asks. What a host renews within a property string, a password or a ticket, counts as soon as it is
+// there. An empty user changes nothing; an empty property string lets the host's count alone.
+class SessionScope {
   public:
-    explicit UserScope(const std::string& userId);
-    UserScope(const UserScope&) = delete;
-    UserScope& operator=(const UserScope&) = delete;
-    ~UserScope();
+    explicit SessionScope(const WindowSession& window);
+    SessionScope(const SessionScope&) = delete;
+    SessionScope& operator=(const SessionScope&) = delete;
+    ~SessionScope();
 
   private:
-    std::string saved_;
+    WindowSession saved_;
 };
 
 void AttachHostContext(automation::ObjectRef context);

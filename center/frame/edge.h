@@ -1,8 +1,8 @@
 #pragma once
 
 // The edge between the rules of a window and whoever calls them. Whatever a view asks for comes in by one of
-// two ways; both work for the window's own user, and an error of the component ends the work there and is
-// told. User-interface thread only.
+// two ways; both work for the window's own user and on its own account set, and an error of the component
+// ends the work there and is told. User-interface thread only.
 
 #include <functional>
 #include <type_traits>
@@ -26,7 +26,7 @@ class Edge {
     auto Look(Work work) const -> std::invoke_result_t<Work> {
         using Result = std::invoke_result_t<Work>;
         try {
-            const entry::UserScope user(state_.userId);
+            const entry::SessionScope session({state_.userId, state_.propsString});
             return work();
         } catch (const automation::Error& error) {
             Tell(store::EngineTextInChinese(error.Text()));

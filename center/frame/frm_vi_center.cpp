@@ -57,8 +57,18 @@ SearchActions& frmVICenter::Search() {
 
 void frmVICenter::Load() {
     WindowState& state = parts_->state;
-    state.userId = entry::GetPropValue("UserID");
+    {
+        // Another window's command may go on.
+        const entry::SessionScope ofHost({});
+        state.userId = entry::GetPropValue("UserID");
+        try {
+            state.propsString = entry::GetPropsString();
+        } catch (const automation::Error&) {
+            // Whatever asks the account set tells it.
+        }
+    }
     entry::SetCurrentUserId(state.userId);
+    const entry::SessionScope own({state.userId, state.propsString});
     const AccountNames names = NamesOfAccount();
     state.view.SetAccount(names.accountSet, names.user);
     parts_->drafts.Open();

@@ -31,6 +31,7 @@ struct WindowState {
     AccountUses uses;
 
     std::string userId;
+    std::string propsString;  // the host's when the window was opened
     bool hasRight = false;
     std::string rightsFailure;  // why the rights could not be asked for; then there are none
     ToolStates tools{};

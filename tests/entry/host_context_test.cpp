@@ -40,6 +40,24 @@ TEST_F(HostContextTest, ThePropertyStringIsFetchedAnewOnEveryCall) {
     EXPECT_EQ(GetPropValue("UserID"), "2");
 }
 
+TEST_F(HostContextTest, WithinAWindowsScopeTheHostsStringCountsAsLongAsItNamesTheWindowsSession) {
+    const WindowSession window{"16394", props_};
+    const SessionScope scope(window);
+    const std::string renewed = "Ticket=9;UserID=16394;ConnectString={Data Source=Y;Provider=X;Password=p};";
+    props_ = renewed;
+    EXPECT_EQ(GetPropsString(), renewed);
+    for (const char* other : {"UserID=2;ConnectString={Provider=X;Data Source=Y};",
+                              "UserID=16394;ConnectString={Provider=X;Data Source=Z};",
+                              "UserID=16394;ConnectString={Provider=X;Data Source=Y;Initial Catalog=N};"}) {
+        props_ = other;
+        EXPECT_EQ(GetPropsString(), window.propsString) << other;
+        const SessionScope ofHost({});
+        EXPECT_EQ(GetPropsString(), other);
+    }
+    props_ = "";
+    EXPECT_EQ(GetPropsString(), "") << "a host that has ended the session";
+}
+
 TEST_F(HostContextTest, AnAttachedContextWithAnAccountGivesTheString) {
     auto context = std::make_shared<fakes::ScriptedObject>();
     context->Value("AcctID", "7").Value("PropsString", "UserID=9;");
