@@ -120,6 +120,15 @@ void frmVICenter::Activate() {
     parts_->edge.Look([&] { parts_->profile.ApplyBillFont(); });
 }
 
+bool frmVICenter::StaysOpen() {
+    return parts_->edge.Command([&] {
+        if (parts_->drafts.Keep()) return false;
+        return Ask("当前凭证模板修改后未保存，也未能保留为草稿（磁盘可能已满），关闭后这些修改将丢失。请确认"
+                   "是否关闭？",
+                   system::MessageButtons::YesNo) != system::MessageResult::Yes;
+    });
+}
+
 void frmVICenter::Unload() {
     parts_->edge.Command([&] {
         parts_->drafts.Close();

@@ -48,6 +48,9 @@ class frmVICenter final : public CommandTarget {
     // Nothing has been typed for a moment: what is not saved is kept in a draft.
     void KeepDraft();
     void Activate();
+    // The user closes the window's frame. True when it stays: what was typed is neither saved nor kept in a
+    // draft, and the user does not want to lose it.
+    bool StaysOpen();
     void Unload();
     // The user does nothing for a while: what was saved is brought into the account set's own file.
     void BringHome();

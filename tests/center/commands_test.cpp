@@ -283,6 +283,7 @@ INSTANTIATE_TEST_SUITE_P(
         Request{"save", true, [](frmVICenter& window) { window.Save(); }},
         Request{"question", true, [](frmVICenter& window) { window.ConfirmUnsavedChanges(); }},
         Request{"close", true, [](frmVICenter& window) { window.Unload(); }},
+        Request{"frame", true, [](frmVICenter& window) { window.StaysOpen(); }},
         Request{"node", true, [](frmVICenter& window) { window.Tree().NodeClick("detail-5"); }},
         Request{"rename", true, [](frmVICenter& window) { window.Tree().DoubleClick(); }},
         Request{"deletekey", true,

@@ -403,6 +403,36 @@ TEST_F(Drafts, WhatARefusedSaveLeftNowhereButInTheWindowStopsWhateverWouldReplac
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
 }
 
+TEST_F(Drafts, AFrameIsNotClosedOverWhatCouldNotBeKeptUnlessTheUserSaysSo) {
+    const std::string drafts = surroundings_.folders->data;
+    fs::remove_all(system::PathFromUtf8(drafts));
+    std::ofstream(system::PathFromUtf8(drafts)) << "a file";
+    EXPECT_FALSE(Window().StaysOpen()) << "nothing has been typed";
+    TypeMine();
+    Forget();
+    surroundings_.messageBoxes->answers = {MessageResult::No, MessageResult::Yes};
+    EXPECT_TRUE(Window().StaysOpen());
+    EXPECT_FALSE(Window().StaysOpen());
+    const std::string question =
+        "当前凭证模板修改后未保存，也未能保留为草稿（磁盘可能已满），关闭后这些修改将丢失。请确认是否关闭？";
+    EXPECT_THAT(Messages(), ElementsAre(question, question));
+    fs::remove(system::PathFromUtf8(drafts));
+    EXPECT_FALSE(Window().StaysOpen());
+    EXPECT_EQ(Files().size(), 1U);
+}
+
+TEST_F(Drafts, ADraftOfAnotherAccountSetWhoseNameBeginsAlikeIsNotThisOnes) {
+    TypeMine();
+    CloseByFrame();
+    const fs::path own = system::PathFromUtf8(Files()[0]);
+    // As one of a set whose name is this one's, "-" and the user.
+    const std::string name = own.filename().string();
+    const std::size_t user = name.find('-');
+    fs::rename(own, own.parent_path() / (name.substr(0, user) + "-7" + name.substr(user)));
+    OpenAgain();
+    EXPECT_THAT(Messages(), IsEmpty());
+}
+
 TEST_F(Drafts, ADamagedDraftIsNotOffered) {
     TypeMine();
     CloseByFrame();

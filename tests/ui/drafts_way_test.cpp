@@ -1,10 +1,12 @@
 // The window, real keys and a real account set: what was typed and not saved is there again after the
 // window's frame was closed, and what a save could not store is one key away.
 
+#include <QCloseEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QTimer>
 #include <filesystem>
+#include <fstream>
 
 #include "platform/system/files.h"
 #include "tests/ui/demo_set_fixture.h"
@@ -36,6 +38,12 @@ class DraftsWay : public DemoSetTest {
         ClickCell(1, column::kExplanation);
         Type(text);
         Key(Qt::Key_Return);
+    }
+    // As the window's manager asks for it.
+    void CloseTheFrame() {
+        QCloseEvent asked;
+        QSpontaneKeyEvent::setSpontaneous(&asked);
+        qApp->notify(window, &asked);
     }
     QString Hint() { return window->findChild<QLabel*>(QStringLiteral("lblHint"))->text(); }
 };
@@ -77,6 +85,45 @@ TEST_F(DraftsWay, AWindowClosedByItsFrameLeavesADraftThatTheNextOneOffers) {
     EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("模板 日常费用 保存成功")));
     EXPECT_EQ(Number("select count(*) as n from t_VchTemplateEntry where FID = 1 and FExp = 'second'"), 1);
     EXPECT_THAT(Drafts(), IsEmpty());
+}
+
+TEST_F(DraftsWay, ADraftIsThatOfTheFileByWhateverLinkItIsOpened) {
+    const std::string itself = file;
+    file = folder.Path("link.vas");
+    fs::create_symlink(system::PathFromUtf8(itself), system::PathFromUtf8(file));
+    Enter(1);
+    OpenAndTell();
+    TypeRemark("mine");
+    Close();
+    ASSERT_EQ(Drafts().size(), 1U);
+    file = itself;
+    Enter(1);
+    TakeMessages();
+    surroundings.messageBoxes->answers = {MessageResult::Yes};
+    OpenAndTell();
+    EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("有上次未保存的修改")));
+    EXPECT_EQ(Text(1, column::kExplanation), "mine");
+}
+
+TEST_F(DraftsWay, TheFrameStaysWhenWhatWasTypedCanBeKeptNowhere) {
+    OpenAndTell();
+    ClickNode("detail-1");
+    TypeRemark("mine");
+    // Files stand where the account set's folder and the user's were.
+    const fs::path place = system::PathFromUtf8(file).parent_path();
+    const fs::path aside = place.string() + ".aside";
+    fs::rename(place, aside);
+    std::ofstream(place) << "no folder";
+    surroundings.folders->data = system::PathToUtf8(place);
+    TakeMessages();
+    surroundings.messageBoxes->answers = {MessageResult::No};
+    CloseTheFrame();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("未能保留为草稿")));
+    fs::remove(place);
+    fs::rename(aside, place);
+    CloseTheFrame();
+    EXPECT_EQ(Drafts().size(), 1U);
 }
 
 TEST_F(DraftsWay, ADraftOfATemplateThatWasRenamedElsewhereIsRestoredIntoIt) {

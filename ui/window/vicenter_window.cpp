@@ -237,6 +237,12 @@ void VICenterWindow::closeEvent(QCloseEvent* event) {
         event->ignore();  // a command is under way
         return;
     }
+    // The frame alone: the command has asked, and a host that closes its windows has nobody to ask.
+    if (event->spontaneous() && loaded_ && !unloaded_ &&
+        GuardedOr(false, [this] { return presenter_->StaysOpen(); })) {
+        event->ignore();
+        return;
+    }
     event->accept();
     if (unloaded_ || !loaded_) return;
     unloaded_ = true;

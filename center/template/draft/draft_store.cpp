@@ -7,6 +7,7 @@
 #include <functional>
 #include <iterator>
 #include <set>
+#include <string_view>
 #include <system_error>
 
 #include "automation/object.h"
@@ -51,22 +52,33 @@ std::string Plain(const std::string& text) {
     return plain;
 }
 
-// Beside the account set's file first, the user's data folder second.
+// The file itself, whatever link leads to it.
+fs::path FileBehind(const std::string& source) {
+    std::error_code failed;
+    const fs::path file = system::WholePath(system::PathFromUtf8(source), failed);
+    if (failed) throw fs::filesystem_error("", failed);
+    std::error_code none;
+    if (!fs::is_symlink(fs::symlink_status(file, none))) return file;
+    const fs::path behind = fs::canonical(file, none);
+    return none ? file : behind;
+}
+
+// Beside the account set's file first, the user's data folder second. An account set is known by its file, a
+// server's by its connect string.
 std::vector<Place> Places() {
     std::vector<Place> places;
     try {
         const std::string connect = ado::ConnectString(entry::GetPropsString()).Value("ConnectString");
         const ado::ConnectString settings(connect);
+        std::string set = ado::WithoutPassword(connect);
         const std::string source = settings.Value("Data Source");
         if (automation::SameName(settings.Value("Provider"), kEmbeddedProvider) && !source.empty()) {
-            std::error_code failed;
-            const fs::path file = system::WholePath(system::PathFromUtf8(source), failed);
-            if (failed) throw fs::filesystem_error("", failed);
+            const fs::path file = FileBehind(source);
             places.push_back({file.parent_path(), system::PathToUtf8(file.filename())});
+            set = system::PathToUtf8(file);
         }
         const fs::path data = system::PathFromUtf8(system::Surroundings::Current().folders->UserData());
-        places.push_back(
-            {data / "drafts", std::to_string(std::hash<std::string>()(ado::WithoutPassword(connect)))});
+        places.push_back({data / "drafts", std::to_string(std::hash<std::string>()(set))});
     } catch (const Error&) {
         // A host without a property string has no account set to draft for.
     } catch (const std::exception&) {
@@ -78,6 +90,12 @@ std::vector<Place> Places() {
 std::string ReadWhole(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// What follows the account set and the user in a draft's name: the template, "-", the window. Another account
+// set's name may begin with this one's.
+bool IsTemplateAndWindow(std::string_view rest) {
+    return rest.find('-') != std::string_view::npos && rest.find('-') == rest.rfind('-');
 }
 
 // Read by nobody before it is whole. A draft that a power cut takes is no loss of what was stored.
@@ -162,6 +180,7 @@ std::vector<FoundDraft> DraftStore::LeftBehind() const {
         const std::string head = place.head + "-" + Plain(userId_) + "-";
         for (const std::string& name : system::NamesIn(system::PathToUtf8(place.folder))) {
             if (!name.starts_with(head) || !name.ends_with(kTail)) continue;
+            if (!IsTemplateAndWindow(std::string_view(name).substr(head.size()))) continue;
             const fs::path path = place.folder / system::PathFromUtf8(name);
             std::string file = system::PathToUtf8(path);
             std::optional<Draft> draft = DecodeDraft(ReadWhole(path));
