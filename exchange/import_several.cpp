@@ -1,7 +1,9 @@
 #include "exchange/import_several.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "entry/sql_text.h"
 #include "exchange/excel_access.h"
@@ -243,8 +245,20 @@ std::string ReportText(const ImportOutcome& outcome) {
     return text;
 }
 
+std::string WhyNotOverImported(const std::vector<std::string>& files, const std::string& target) {
+    const bool isOne = std::any_of(files.begin(), files.end(), [&](const std::string& file) {
+        std::error_code failed;
+        return std::filesystem::equivalent(PathFromUtf8(file), PathFromUtf8(target), failed);
+    });
+    return isOne ? "目标是引入的工作簿，不能覆盖，请另选文件名：" + target : std::string();
+}
+
 std::string WriteImportReport(const std::vector<ImportOutcome>& outcomes, const std::string& target) {
     try {
+        std::vector<std::string> files;
+        for (const ImportOutcome& outcome : outcomes)
+            files.push_back(outcome.file);
+        if (std::string refusal = WhyNotOverImported(files, target); !refusal.empty()) return refusal;
         if (std::string refusal = WhyNotWorkbookTarget(target); !refusal.empty()) return refusal;
         const ExcelSession session;
         const ObjectRef workbook = session.Application()->Get("Workbooks").AsObject()->Call("Add").AsObject();

@@ -38,6 +38,10 @@ std::string ReportState(const ImportOutcome& outcome);
 // What was told of it, and why; one line.
 std::string ReportText(const ImportOutcome& outcome);
 
+// Why what an import writes, a report or a marked copy, must not be written there: it is a workbook that is
+// imported. Empty when it may.
+std::string WhyNotOverImported(const std::vector<std::string>& files, const std::string& target);
+
 // The report as a workbook: a sheet of files, one of their faults. Why it was not written, for users, or the
 // empty text. Never throws.
 std::string WriteImportReport(const std::vector<ImportOutcome>& outcomes, const std::string& target);

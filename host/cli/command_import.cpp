@@ -111,6 +111,11 @@ ImportOutcome ImportOne(const CliContext& context, const std::string& file, cons
 std::string MarkCopy(const CliContext& context, const FilesToImport& files, const ImportOutcome& outcome) {
     if (context.options.markedCopy.empty() || outcome.written || outcome.faults.empty()) return {};
     const std::string target = MarkedCopyOf(outcome.file, files, context.options.markedCopy);
+    // Of a folder it may be the copy that somebody is mending.
+    if (const std::string why = exchange::WhyNotOverImported(files.files, target); !why.empty()) {
+        Fail(context, "标错副本未能写入：" + why);
+        return {};
+    }
     const bool mayReplace = exchange::WhyNotWorkbookTarget(target).empty() ? MayReplaceFile(target) : true;
     if (!mayReplace) return {};
     const std::string why = exchange::WriteMarkedCopy(outcome.file, outcome.faults, target);
@@ -148,6 +153,8 @@ int RunImport(const CliContext& context) {
     // As the window does before any command: the first listing of an account set makes its standard template.
     ReadTemplates(context);
     if (options.dryRun) return RunImportPreview(context, files);
+    if (const std::string why = exchange::WhyNotOverImported(files.files, options.report); !why.empty())
+        throw automation::Error(automation::error_number::kPermissionDenied, "引入报告未能写入：" + why);
     if (files.folder && !options.markedCopy.empty()) MakeFolder(options.markedCopy);
     ImportReport report(files);
     exchange::NamesOnce names;
