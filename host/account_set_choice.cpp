@@ -8,6 +8,7 @@
 #include "automation/error.h"
 #include "host/account_set.h"
 #include "platform/ado/connection.h"
+#include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/whole_path.h"
@@ -96,9 +97,19 @@ void AccountSetChoice::Remember(const std::string& folder, const std::string& fi
     std::erase(files, path);
     files.insert(files.begin(), path);
     if (files.size() > kMost) files.resize(kMost);
-    std::ofstream list(ListOf(folder), std::ios::binary | std::ios::trunc);
-    for (const std::string& line : files)
-        list << line << '\n';
+    try {
+        system::FileReplacement list(system::PathToUtf8(ListOf(folder)));
+        {
+            std::ofstream out(system::PathFromUtf8(list.Path()), std::ios::binary | std::ios::trunc);
+            for (const std::string& line : files)
+                out << line << '\n';
+            out.close();
+            if (!out) return;
+        }
+        list.PutInPlace(system::Durable::No);
+    } catch (const Error&) {
+        // The list that was there stays.
+    }
 }
 
 }  // namespace vicenter::host

@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "tests/fakes/fake_surroundings.h"
+#ifndef _WIN32
+#include "tests/tsql/child_process.h"
+#endif
 #include "tests/host/demo_set.h"
 
 namespace vicenter::host {
@@ -51,6 +54,21 @@ TEST_F(AccountSetChoiceTest, AFolderThatTakesNoListIsNoError) {
     AccountSetChoice::Remember(folder.Path("nowhere"), MakeFile("a.vas"));
     EXPECT_THAT(AccountSetChoice(folder.Path("nowhere")).Recent(), IsEmpty());
 }
+
+#ifndef _WIN32
+TEST_F(AccountSetChoiceTest, AFullDiskLeavesTheListThatWasThere) {
+    const std::string a = MakeFile("a.vas");
+    const std::string b = MakeFile("b.vas");
+    AccountSetChoice::Remember(folder.Path(), a);
+    EXPECT_EQ(testing_support::RunWithFileLimit(8,
+                                                [&] {
+                                                    AccountSetChoice::Remember(folder.Path(), b);
+                                                    return 0;
+                                                }),
+              0);
+    EXPECT_THAT(AccountSetChoice(folder.Path()).Recent(), ElementsAre(a));
+}
+#endif
 
 TEST_F(AccountSetChoiceTest, TheUsersAreThoseOfTheChosenSet) {
     AccountSetChoice choice(folder.Path());
