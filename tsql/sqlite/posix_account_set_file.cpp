@@ -47,13 +47,30 @@ int AccountSetFile::Open(const char* path, int flags, std::unique_ptr<AccountSet
     bool readOnly = !write;
     int descriptor =
         OpenDescriptor(path, O_NOFOLLOW | (write ? O_RDWR : O_RDONLY) | (create ? O_CREAT : 0), kPermissions);
+    bool frozen = false;
     if (descriptor < 0 && write && existed && (errno == EACCES || errno == EPERM || errno == EROFS)) {
         readOnly = true;
+        frozen = errno == EROFS;
         descriptor = OpenDescriptor(path, O_NOFOLLOW | O_RDONLY, kPermissions);
     }
     if (descriptor < 0) return SQLITE_CANTOPEN;
     file = std::make_unique<AccountSetFile>(path, descriptor, readOnly, create && !existed);
+    if (frozen) file->Freeze();
     return SQLITE_OK;
+}
+
+bool AccountSetFile::HasLogOrJournal() const {
+    for (const char* tail : {"-wal", "-journal"}) {
+        struct stat log {};
+        if (stat((path_ + tail).c_str(), &log) == 0 && log.st_size > 0) return true;
+    }
+    return false;
+}
+
+// No log and no index can be made there, and without them SQLite would not read.
+void AccountSetFile::Freeze() {
+    struct stat file {};
+    if (!HasLogOrJournal() && fstat(descriptor_, &file) == 0) frozen_ = file;
 }
 
 AccountSetFile::AccountSetFile(std::string path, int descriptor, bool readOnly, bool created)
@@ -65,7 +82,7 @@ AccountSetFile::AccountSetFile(std::string path, int descriptor, bool readOnly, 
 
 AccountSetFile::~AccountSetFile() {
     index_.Close(false);
-    if (state_ == FileState::kOverwritten) automation::Quietly([this] { PutLogAside(); });
+    if (state_ == FileState::kOverwritten && !frozen_) automation::Quietly([this] { PutLogAside(); });
     RetireDescriptor(descriptor_);
 }
 
@@ -320,6 +337,10 @@ FileState AccountSetFile::State() {
         if (errno == ENOENT || errno == ENOTDIR) state_ = FileState::kGone;
     } else if (own.st_dev != there.st_dev || own.st_ino != there.st_ino) {
         state_ = FileState::kReplaced;
+    } else if (frozen_ && (!SameTime(frozen_->st_mtim, there.st_mtim) || frozen_->st_size != there.st_size ||
+                           HasLogOrJournal())) {
+        // By way of another place where the medium can be written.
+        state_ = FileState::kOverwritten;
     } else if (OverwrittenSince(there)) {
         state_ = FileState::kOverwritten;
     } else if (IsLogLost()) {

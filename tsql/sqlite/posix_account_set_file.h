@@ -28,6 +28,8 @@ class AccountSetFile {
     ~AccountSetFile();
 
     bool ReadOnly() const { return readOnly_; }
+    // It lies on a medium that nobody can write here, without a log: it is read as it stands.
+    bool IsFrozen() const { return frozen_.has_value(); }
     int LockLevel() const { return level_; }
     int LastError() const { return lastError_; }
     int Read(void* bytes, int count, std::int64_t offset);
@@ -70,6 +72,8 @@ class AccountSetFile {
     bool IsLogComplete() const;
     std::optional<Log> LogThere() const;
     bool IsLogLost() const;
+    bool HasLogOrJournal() const;
+    void Freeze();
     Content Sampled() const;
     bool OverwrittenSince(const struct stat& now);
     void PutLogAside();
@@ -88,6 +92,7 @@ class AccountSetFile {
     std::optional<Log> log_;  // the one that SQLite has opened
     FileState state_ = FileState::kSame;
     std::optional<Seen> seen_;
+    std::optional<struct stat> frozen_;  // as it was when it was opened
 };
 
 }  // namespace vicenter::tsql::engine

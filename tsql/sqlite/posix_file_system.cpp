@@ -101,7 +101,9 @@ const sqlite3_io_methods kMethods = {
     Control,
     [](sqlite3_file*) { return kSectorBytes; },
     // Writing some bytes does not harm their neighbours when the power fails.
-    [](sqlite3_file*) { return SQLITE_IOCAP_POWERSAFE_OVERWRITE; },
+    [](sqlite3_file* file) {
+        return SQLITE_IOCAP_POWERSAFE_OVERWRITE | (SetOf(file).IsFrozen() ? SQLITE_IOCAP_IMMUTABLE : 0);
+    },
     [](sqlite3_file* file, int region, int bytes, int extend, void volatile** memory) {
         return Guarded([&] { return SetOf(file).MapIndex(region, bytes, extend != 0, memory); });
     },
