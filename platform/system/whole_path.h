@@ -14,4 +14,13 @@ inline std::filesystem::path WholePath(const std::filesystem::path& path, std::e
     return std::filesystem::absolute(path, failed);
 }
 
+// The file that a path's links lead to, as a whole path; of links that lead nowhere, the first one's own.
+inline std::filesystem::path FileBehindLinks(const std::filesystem::path& path, std::error_code& failed) {
+    const std::filesystem::path file = WholePath(path, failed);
+    std::error_code none;
+    if (failed || !std::filesystem::is_symlink(std::filesystem::symlink_status(file, none))) return file;
+    const std::filesystem::path behind = std::filesystem::canonical(file, none);
+    return none ? file : behind;
+}
+
 }  // namespace vicenter::system

@@ -55,12 +55,9 @@ std::string Plain(const std::string& text) {
 // The file itself, whatever link leads to it.
 fs::path FileBehind(const std::string& source) {
     std::error_code failed;
-    const fs::path file = system::WholePath(system::PathFromUtf8(source), failed);
+    const fs::path file = system::FileBehindLinks(system::PathFromUtf8(source), failed);
     if (failed) throw fs::filesystem_error("", failed);
-    std::error_code none;
-    if (!fs::is_symlink(fs::symlink_status(file, none))) return file;
-    const fs::path behind = fs::canonical(file, none);
-    return none ? file : behind;
+    return file;
 }
 
 // Beside the account set's file first, the user's data folder second. An account set is known by its file, a
