@@ -149,7 +149,8 @@ void LibrarySession::End() {
     }
     LibrarySession& session = Enter();
     Ending ending(session);
-    if (session.calls_ != 0) Refuse("The template center cannot be shut down while a call is under way.");
+    if (session.calls_ != 0 || session.windows_->IsUnderWay())
+        Refuse("The template center cannot be shut down while a call is under way.");
     session.windows_->CloseAll();
     if (session.windows_->OpenWindows() != 0) Refuse("A template center window is still open.");
     for (int round = 0; round < kMostRounds && HasThingsOfHost(); ++round)
@@ -165,7 +166,7 @@ bool LibrarySession::EndIfUnused() {
         if (Current() == nullptr) return !IsGoing();
         Current()->TakeOver();
         if (Current()->IsElsewhere() || Current()->calls_ != 0 || Current()->ending_ || HasThingsOfHost() ||
-            Current()->windows_->OpenWindows() != 0)
+            Current()->windows_->OpenWindows() != 0 || Current()->windows_->IsUnderWay())
             return false;
     }
     End();

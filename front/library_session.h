@@ -18,8 +18,8 @@ class LibrarySession {
     // The session of the process, begun if need be. Error VIC_ERROR_WRONG_THREAD on another thread.
     static LibrarySession& Enter();
     // Ends it, when it has begun: closes the windows, gives back what is the host's, which may call us
-    // meanwhile, and puts back what the process had before. Error 5 while a call is under way, a window stays
-    // open, or it is just being ended.
+    // meanwhile, and puts back what the process had before. Error 5 while a call is under way, of the host's
+    // or of a window, a window stays open, or it is just being ended.
     static void End();
     // Ends it when nothing needs it: false while a window is open, a call is under way or something of the
     // host's stands, and on another thread.

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/system/unanswered.h"
+
 namespace vicenter::front {
 
 using system::MessageButtons;
@@ -52,9 +54,7 @@ MessageResult ResultOf(vic_int32 answer, MessageButtons buttons) {
         default:
             break;
     }
-    // An answer that is none: what closing the box would give.
-    if (buttons == MessageButtons::YesNo) return MessageResult::No;
-    return buttons == MessageButtons::OkCancel ? MessageResult::Cancel : MessageResult::Ok;
+    return system::UnansweredResult(buttons);
 }
 
 }  // namespace

@@ -22,6 +22,8 @@ class WindowLoop {
     virtual std::size_t OpenWindows() const = 0;
     // Asks every window to close.
     virtual void CloseAll() = 0;
+    // Events are being handled, or a window is on the stack: the windows and what they stand on must stay.
+    virtual bool IsUnderWay() const = 0;
 
     static std::unique_ptr<WindowLoop> Create();
 };

@@ -17,6 +17,7 @@ class NoWindowLoop : public WindowLoop {
     void Run() override { Process(0); }
     std::size_t OpenWindows() const override { return 0; }
     void CloseAll() override {}
+    bool IsUnderWay() const override { return false; }
 };
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include "ui/run/application.h"
 #include "ui/run/display.h"
 #include "ui/run/qt_surroundings.h"
+#include "ui/run/window_call.h"
 #include "ui/window/center_commands.h"
 #include "ui/window/vicenter_window.h"
 #include "ui/window/window_factory.h"
@@ -43,7 +44,7 @@ std::vector<QPointer<ui::VICenterWindow>> Windows() {
     if (qApp == nullptr || !IsOnWindowsThread()) return windows;
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         auto* window = dynamic_cast<ui::VICenterWindow*>(widget);
-        if (window != nullptr && window->isVisible()) windows.emplace_back(window);
+        if (window != nullptr && window->isVisible() && !window->IsClosed()) windows.emplace_back(window);
     }
     return windows;
 }
@@ -56,22 +57,19 @@ class QtWindowLoop : public WindowLoop {
     void Process(int milliseconds) override {
         Ensure();
         if (milliseconds <= 0) {
-            QCoreApplication::processEvents();
+            Pump(QEventLoop::AllEvents);
         } else {
             QTimer limit;
             limit.setSingleShot(true);
             limit.start(milliseconds);
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            Pump(QEventLoop::WaitForMoreEvents);
         }
-        DeleteClosed();
     }
 
     void Run() override {
         Ensure();
-        while (OpenWindows() != 0) {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-            DeleteClosed();
-        }
+        while (OpenWindows() != 0)
+            Pump(QEventLoop::WaitForMoreEvents);
     }
 
     std::size_t OpenWindows() const override { return Windows().size(); }
@@ -83,15 +81,23 @@ class QtWindowLoop : public WindowLoop {
         DeleteClosed();
     }
 
+    bool IsUnderWay() const override { return pumping_ != 0 || ui::WindowCall::IsUnderWay(); }
+
     // The application object: the host's, or one made here.
     void Ensure();
     // Somebody would see a box that is shown now.
     bool CanShow() const;
 
   private:
+    void Pump(QEventLoop::ProcessEventsFlags which) {
+        ++pumping_;
+        QCoreApplication::processEvents(which);
+        --pumping_;
+        DeleteClosed();
+    }
     // Windows delete themselves by a posted event, which pumping alone never delivers.
     static void DeleteClosed() {
-        if (IsOnWindowsThread()) QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        if (IsOnWindowsThread()) ui::DeleteClosed();
     }
 
     int argc_ = 1;
@@ -102,6 +108,7 @@ class QtWindowLoop : public WindowLoop {
     std::unique_ptr<QApplication> own_;
     std::shared_ptr<entry::WindowFactory> factory_;  // while it is the process's
     bool ready_ = false;
+    int pumping_ = 0;
 };
 
 // In place from the start; makes the application object when the first window is asked for.

@@ -38,10 +38,23 @@ class Edge {
     // until it ends, whichever way, with the commands that it runs itself.
     template <class Work>
     auto Command(Work work) const -> std::invoke_result_t<Work> {
-        return Look([&] {
+        using Result = std::invoke_result_t<Work>;
+        return Look([&]() -> Result {
             const Running running(*this);
             finishTyping_();
+            // The host, asked about what was typed, may have closed the window: nothing begins in it any
+            // more.
+            if (state_.closing) return Result();
             return work();
+        });
+    }
+
+    // What a window does last of all.
+    void Last(const std::function<void()>& work) const {
+        Look([&] {
+            const Running running(*this);
+            finishTyping_();
+            work();
         });
     }
 

@@ -129,8 +129,12 @@ bool frmVICenter::StaysOpen() {
     });
 }
 
+void frmVICenter::Closing() {
+    parts_->state.closing = true;
+}
+
 void frmVICenter::Unload() {
-    parts_->edge.Command([&] {
+    parts_->edge.Last([&] {
         parts_->drafts.Close();
         parts_->profile.Save();
         parts_->state.security.reset();

@@ -51,6 +51,8 @@ class frmVICenter final : public CommandTarget {
     // The user closes the window's frame. True when it stays: what was typed is neither saved nor kept in a
     // draft, and the user does not want to lose it.
     bool StaysOpen();
+    // The window is closed, and Unload() will come as soon as what is under way has ended.
+    void Closing();
     void Unload();
     // The user does nothing for a while: what was saved is brought into the account set's own file.
     void BringHome();

@@ -33,6 +33,7 @@ struct WindowState {
     std::string userId;
     std::string propsString;  // the host's when the window was opened
     bool hasRight = false;
+    bool closing = false;       // the window is closed: what is under way ends, and nothing begins
     std::string rightsFailure;  // why the rights could not be asked for; then there are none
     ToolStates tools{};
     automation::ObjectRef security;  // held until the window is unloaded

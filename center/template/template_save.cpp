@@ -276,6 +276,7 @@ bool TemplateSave::Validate() {
 }
 
 bool TemplateSave::ConfirmUnsavedChanges() {
+    if (state_.closing) return false;
     if (!state_.open.IsOpen() || !state_.open.IsDirty()) return true;
     if (Ask("当前凭证模板修改后未保存，您是否进行保存?", MessageButtons::YesNo) != MessageResult::Yes) {
         drafts_.SetDeclined(true);

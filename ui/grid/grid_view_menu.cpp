@@ -98,7 +98,7 @@ void GridView::contextMenuEvent(QContextMenuEvent* event) {
     AddColumns(menu);
     menu.addSeparator();
     AddAids(menu);
-    menu.exec(event->globalPos());
+    Guarded([&] { menu.exec(event->globalPos()); });
 }
 
 }  // namespace vicenter::ui

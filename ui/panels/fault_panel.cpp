@@ -304,7 +304,7 @@ void FaultPanel::ShowMenu(const QPoint& at) {
         &FaultPanel::SaveMarkedCopy);
     add(QStringLiteral("整理后引入(&T)"), "mnuImportTidily", Qt::CTRL | Qt::Key_T, ofWorkbook,
         &FaultPanel::ImportTidily);
-    menu.exec(table_->viewport()->mapToGlobal(at));
+    Guarded([&] { menu.exec(table_->viewport()->mapToGlobal(at)); });
 }
 
 // The selected rows, or all of them, with their headings: for a list that is worked off elsewhere.

@@ -393,7 +393,7 @@ void TemplateTree::contextMenuEvent(QContextMenuEvent* event) {
     for (const center::TreeMenuItem& item : items)
         menu.addAction(ToQt(item.text))->setObjectName(ToQt(item.name));
     // What was chosen runs when the menu is gone: it may ask for a file.
-    const QAction* chosen = menu.exec(at);
+    const QAction* chosen = GuardedOr<const QAction*>(nullptr, [&] { return menu.exec(at); });
     if (chosen == nullptr) return;
     const auto index = static_cast<std::size_t>(menu.actions().indexOf(chosen));
     Guarded([&] { items[index].run(); });

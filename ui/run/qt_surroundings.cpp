@@ -13,9 +13,11 @@
 #include <algorithm>
 
 #include "entry/sql_text.h"
+#include "platform/system/unanswered.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/long_work.h"
+#include "ui/run/window_call.h"
 
 namespace vicenter::ui {
 
@@ -260,6 +262,7 @@ void FillFileDialog(QFileDialog& dialog, const system::FileRequest& request, boo
 
 system::MessageResult QtMessageBoxes::Show(const std::string& text, system::MessageButtons buttons,
                                            system::MessageIcon icon, const std::string& title) {
+    const WindowCall call;
     QMessageBox box(DialogParent());
     FillMessageBox(box, text, buttons, icon, title);
     switch (box.exec()) {
@@ -269,19 +272,23 @@ system::MessageResult QtMessageBoxes::Show(const std::string& text, system::Mess
             return system::MessageResult::No;
         case QMessageBox::Cancel:
             return system::MessageResult::Cancel;
+        case QMessageBox::Ok:
+            return system::MessageResult::Ok;
         default:
             break;
     }
-    return system::MessageResult::Ok;
+    return system::UnansweredResult(buttons);
 }
 
 std::optional<std::string> QtFileDialogs::ChooseFileToOpen(const system::FileRequest& request) {
+    const WindowCall call;
     QFileDialog dialog(DialogParent());
     FillFileDialog(dialog, request, false);
     return Chosen(dialog);
 }
 
 std::vector<std::string> QtFileDialogs::ChooseFilesToOpen(const system::FileRequest& request) {
+    const WindowCall call;
     QFileDialog dialog(DialogParent());
     FillFileDialog(dialog, request, false);
     dialog.setFileMode(QFileDialog::ExistingFiles);
@@ -293,6 +300,7 @@ std::vector<std::string> QtFileDialogs::ChooseFilesToOpen(const system::FileRequ
 }
 
 std::optional<std::string> QtFileDialogs::ChooseFileToSave(const system::FileRequest& request) {
+    const WindowCall call;
     SavingDialog dialog(DialogParent(), (request.flags & kPathMustExist) != 0);
     FillFileDialog(dialog, request, true);
     return Chosen(dialog);

@@ -1,9 +1,12 @@
 #include "ui/run/run_window.h"
 
 #include <QApplication>
+#include <QPointer>
+#include <vector>
 
 #include "ui/run/application.h"
 #include "ui/run/qt_surroundings.h"
+#include "ui/run/window_call.h"
 #include "ui/window/window_factory.h"
 
 namespace vicenter::ui {
@@ -26,9 +29,13 @@ class FactoryScope {
 };
 
 void CloseAll() {
+    std::vector<QPointer<QWidget>> windows;
     for (QWidget* window : QApplication::topLevelWidgets())
-        window->close();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        windows.emplace_back(window);
+    for (const QPointer<QWidget>& window : windows) {
+        if (window) window->close();
+    }
+    DeleteClosed();
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "ui/look/twips.h"
 #include "ui/run/application.h"
 #include "ui/run/keyboard_home.h"
+#include "ui/run/long_work.h"
 #include "ui/run/slot_guard.h"
 
 namespace vicenter::ui {
@@ -199,6 +200,7 @@ void VICenterWindow::ConnectItemPanel() {
 }
 
 void VICenterWindow::Open() {
+    const WindowCall call;
     setAttribute(Qt::WA_DeleteOnClose);
     LayOutFrame();
     presenter_->Load();
@@ -246,18 +248,40 @@ void VICenterWindow::closeEvent(QCloseEvent* event) {
     event->accept();
     if (unloaded_ || !loaded_) return;
     unloaded_ = true;
-    Guarded([this] { presenter_->Unload(); });
+    presenter_->Closing();
+    GiveUpDialogs();
+    WindowCall::Afterwards(*this, [this] { Guarded([this] { presenter_->Unload(); }); });
+}
+
+// Whoever closes a window of a program does not wait for answers: what stands on it is given up.
+void VICenterWindow::GiveUpDialogs() {
+    for (QMenu* menu : findChildren<QMenu*>())
+        menu->close();
+    for (QDialog* dialog : findChildren<QDialog*>()) {
+        // What runs is not stopped by it.
+        if (dialog->isVisible() && qobject_cast<LongWorkBox*>(dialog) == nullptr) dialog->reject();
+    }
+}
+
+bool VICenterWindow::event(QEvent* event) {
+    if (event->type() == QEvent::DeferredDelete && WindowCall::IsUnderWay()) {
+        WindowCall::Afterwards(*this, [this] { deleteLater(); });
+        return true;
+    }
+    return QMainWindow::event(event);
 }
 
 // To a node of the tree; spreadsheets take the text.
 void VICenterWindow::DragRows() {
-    QMimeData* rows = GuardedOr<QMimeData*>(nullptr, [this] { return grid_->CopiedSelection(); });
-    if (rows == nullptr) return;
-    auto* drag = new QDrag(grid_);
-    drag->setMimeData(rows);
-    drag->setPixmap(RowsBadge(CountOfRows(*rows), *grid_));
-    drag->setHotSpot(kBesideTheCursor);
-    drag->exec(Qt::CopyAction);
+    Guarded([this] {
+        QMimeData* rows = grid_->CopiedSelection();
+        if (rows == nullptr) return;
+        auto* drag = new QDrag(grid_);
+        drag->setMimeData(rows);
+        drag->setPixmap(RowsBadge(CountOfRows(*rows), *grid_));
+        drag->setHotSpot(kBesideTheCursor);
+        drag->exec(Qt::CopyAction);
+    });
 }
 
 void VICenterWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -2,11 +2,13 @@
 
 // The main window `frmVICenter` on Qt.
 //
-// A window owns its presenter and its widgets and, once opened, itself: closing deletes it. Grid, tree, panel
-// and list ask the presenter's facets themselves; the window forwards its own events, shows what arrives
-// through VICenterView and lays out. The grid's contents it observes.
-// Several windows live side by side. No exception leaves it towards Qt. User-interface thread only.
+// A window owns its presenter and its widgets and, once opened, itself: closing deletes it, while something
+// of it is under way behind that (ui/run/window_call.h). Grid, tree, panel and list ask the presenter's
+// facets themselves; the window forwards its own events, shows what arrives through VICenterView and lays
+// out. The grid's contents it observes. Several windows live side by side. No exception leaves it towards Qt.
+// User-interface thread only.
 
+#include <QDialog>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
@@ -41,6 +43,8 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
 
     // Loads and shows the window. Throws what the presenter throws; the window is then to be deleted.
     void Open();
+    // It goes, and what is under way in it ends by itself.
+    bool IsClosed() const { return unloaded_; }
 
     center::frmVICenter& Presenter() { return *presenter_; }
     GridView& Grid() { return *grid_; }
@@ -48,6 +52,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     ItemPanel& Items() { return *items_; }
 
   protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -75,6 +80,8 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void KeepDraft();
     Zone ZoneOf(const QWidget* widget) const;
     void ClickTool(const QString& key);
+    void GiveUpDialogs();
+    void Show(QDialog& dialog) const;
     QRect CellOverlayRect(const center::CellAddress& cell) const;
     QRect ActiveRowOnScreen() const;
 

@@ -124,6 +124,10 @@ void VICenterWindow::SetNameList(const center::NameListState& state) {
     PlaceOverlays();
 }
 
+void VICenterWindow::Show(QDialog& dialog) const {
+    if (!unloaded_) dialog.exec();
+}
+
 void VICenterWindow::ShowFindDialog(dialogs::FrmSearch& dialog) {
     FindDialog window(
         dialog, [this] { return ActiveRowOnScreen(); }, this);
@@ -131,22 +135,22 @@ void VICenterWindow::ShowFindDialog(dialogs::FrmSearch& dialog) {
     // In the corner where it hides the fewest rows.
     const QPoint corner = mapToGlobal(QPoint(width() - window.width() - 30, height() - window.height() - 60));
     window.move(corner);
-    window.exec();
+    Show(window);
 }
 
 void VICenterWindow::ShowColumnDialog(dialogs::frmSetColume& dialog) {
     ColumnDialog window(dialog, this);
-    window.exec();
+    Show(window);
 }
 
 void VICenterWindow::ShowHistory(center::TemplateHistory& history) {
     HistoryDialog window(history, this);
-    window.exec();
+    Show(window);
 }
 
 void VICenterWindow::ShowReplacement(center::CodeReplacement& replacement) {
     ReplacementDialog window(replacement, this);
-    window.exec();
+    Show(window);
 }
 
 void VICenterWindow::ShowGridReplace(center::GridReplace& replace) {
@@ -154,12 +158,12 @@ void VICenterWindow::ShowGridReplace(center::GridReplace& replace) {
     window.adjustSize();
     // In the corner where it hides the fewest rows.
     window.move(mapToGlobal(QPoint(width() - window.width() - 30, height() - window.height() - 60)));
-    window.exec();
+    Show(window);
 }
 
 void VICenterWindow::ShowLog(center::OperationLog& log) {
     LogDialog window(log, this);
-    window.exec();
+    Show(window);
 }
 
 void VICenterWindow::ShowSearch() {
@@ -167,16 +171,16 @@ void VICenterWindow::ShowSearch() {
 }
 
 std::optional<std::string> VICenterWindow::AskName(const std::string& caption, const std::string& proposed) {
-    return AskForName(caption, proposed, this);
+    return unloaded_ ? std::nullopt : AskForName(caption, proposed, this);
 }
 
 void VICenterWindow::ShowVoucher(center::VoucherPreview& preview) {
     VoucherDialog window(preview, *this, this);
-    window.exec();
+    Show(window);
 }
 
 bool VICenterWindow::Print(const center::PrintSheet& sheet) {
-    return PrintOnPaper(sheet, this);
+    return !unloaded_ && PrintOnPaper(sheet, this);
 }
 
 void VICenterWindow::WritePdf(const center::PrintSheet& sheet, const std::string& file) {

@@ -131,8 +131,9 @@ struct vic_variant {
 VIC_API const char* vic_version(void);
 VIC_API vic_int32 vic_abi_version(void);
 /* Closes the windows, gives the host's classes and components back, which may call the library meanwhile, and
- * frees the thread. Fails with 5, and the rest is not done, while a call or another shutdown is under way or
- * when a window stays open. Handles still held must not be used. */
+ * frees the thread. Fails with 5, and the rest is not done, while a call, of the host's or of a window that
+ * asks the host, or another shutdown is under way, or when a window stays open. Handles still held must not
+ * be used. */
 VIC_API vic_status vic_shutdown(void);
 
 /* Ends the statements that run, as if they had failed: the call that waits for them answers
@@ -238,7 +239,8 @@ VIC_API vic_status vic_process_events(vic_int32 milliseconds);
 /* Handles events until no template center window is open. */
 VIC_API vic_status vic_run(void);
 VIC_API vic_status vic_open_windows(size_t* count);
-/* Closes the windows as their frames would; one that its user keeps stays open. */
+/* Closes the windows as their frames would; one that its user keeps stays open. While a window asks the host
+ * they are out of sight at once, and end when what asks has ended. */
 VIC_API vic_status vic_close_windows(void);
 
 #ifdef __cplusplus
