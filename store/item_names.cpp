@@ -52,7 +52,7 @@ std::string ItemNames(std::string_view accountNumber, std::string_view items) {
     return names;
 }
 
-std::string CodeOfName(int gridColumn, std::string_view name, std::string_view accountNumber) {
+std::optional<std::string> CodeOfName(int gridColumn, std::string_view name, std::string_view accountNumber) {
     const std::string quoted = entry::SqlQuote(name);
     std::string sql;
     switch (LookUpOf(gridColumn)) {
@@ -68,11 +68,11 @@ std::string CodeOfName(int gridColumn, std::string_view name, std::string_view a
                   entry::SqlQuote(accountNumber) + " and FDetail = 1)";
             break;
         default:
-            return {};
+            return std::string();
     }
     const ado::RecordsetRef found = GetRecordset(sql);
-    const bool one = found != nullptr && found->RecordCount() == 1;
-    return one ? found->Value("FNumber").ToTextOrEmpty() : std::string();
+    if (found == nullptr) return std::nullopt;
+    return found->RecordCount() == 1 ? found->Value("FNumber").ToTextOrEmpty() : std::string();
 }
 
 }  // namespace vicenter::store

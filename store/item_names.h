@@ -2,6 +2,7 @@
 
 // What codes stand for, and the codes behind names. Read only.
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +22,8 @@ std::vector<NamedItem> NamedItems(std::string_view accountNumber, std::string_vi
 // Class, code and name of each item that is entered, a line for each; a code that nobody knows stands alone.
 std::string ItemNames(std::string_view accountNumber, std::string_view items);
 // The code of what a cell of that column shows by its name: of a settlement type, a currency or a unit, the
-// unit among those of the account. Empty for other columns and for names that nobody knows.
-std::string CodeOfName(int gridColumn, std::string_view name, std::string_view accountNumber);
+// unit among those of the account. Empty for other columns, for names that nobody knows and for those that
+// several have; nothing when it could not be read.
+std::optional<std::string> CodeOfName(int gridColumn, std::string_view name, std::string_view accountNumber);
 
 }  // namespace vicenter::store

@@ -137,7 +137,7 @@ class BlockEditing::Entering {
         entered_.clear();
     }
 
-    // As if the cells had been typed from left to right, each left by Tab.
+    // As if the cells had been typed from left to right, each left by Tab; names stand for codes, too.
     void EnterRow(int row, const std::vector<int>& columns, const std::vector<std::string>& texts) {
         EntryGrid& grid = *state_.grid;
         const std::size_t count = std::min(columns.size(), texts.size());
@@ -169,7 +169,7 @@ class BlockEditing::Entering {
                 continue;
             }
             accountGiven = accountGiven || (c == column::kAccountNumber && !texts[i].empty());
-            if (ResolveGiven(grid, {row, c}, records_) == Resolution::Unreadable)
+            if (ResolveNew(grid, {row, c}, records_, TextOrigin::Given) == Resolution::Unreadable)
                 result.refused.push_back({{row, c}, texts[i], UnreadableText(texts[i]), true});
             ++result.cells;
         }

@@ -33,7 +33,7 @@ void GridEditing::Leave(const CellAddress& cell) {
     MasterRecords records;
     if (!given) {
         ResolveCell(grid, cell, records);
-    } else if (ResolveGiven(grid, cell, records) == Resolution::Unreadable) {
+    } else if (ResolveNew(grid, cell, records, TextOrigin::Typed) == Resolution::Unreadable) {
         state_.open.SetNotice(UnreadableText(grid.Text(cell.row, cell.column)));
     }
     CellChecks checks;

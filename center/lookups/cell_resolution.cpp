@@ -8,6 +8,7 @@
 #include "platform/ado/side_by_side.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/item_names.h"
 
 namespace vicenter::center {
 
@@ -67,6 +68,13 @@ void WriteFound(RowWriter& row, int gridColumn) {
     row.Put(spec.idColumn, spec.idField);
 }
 
+// Where the cell shows the name and the id column holds what it stands for.
+bool IsNamed(int gridColumn) {
+    const store::LookUp lookUp = store::LookUpOf(gridColumn);
+    return lookUp == store::LookUp::Settlement || lookUp == store::LookUp::Currency ||
+           lookUp == store::LookUp::Unit;
+}
+
 std::string KeyOf(int gridColumn, const std::string& number) {
     return std::to_string(gridColumn) + ":" + number;
 }
@@ -102,6 +110,17 @@ const MasterAnswer& MasterRecords::Find(int gridColumn, const std::string& numbe
     return at->second;
 }
 
+const MasterAnswer& MasterRecords::FindNamed(int gridColumn, const std::string& name,
+                                             const std::string& account) {
+    const std::string key = KeyOf(gridColumn, name) + "\n" + account;
+    if (const auto known = answers_.find(key); known != answers_.end()) return known->second;
+    const std::optional<std::string> code = store::CodeOfName(gridColumn, name, account);
+    MasterAnswer answer;
+    answer.wasRead = code.has_value();
+    if (code && !code->empty()) answer = Find(gridColumn, *code);
+    return answers_.emplace(key, answer).first->second;
+}
+
 void MasterRecords::AskAhead(const std::vector<TypedCode>& codes) {
     const std::string propsString = entry::GetPropsString();
     if (!ado::PaysToAskSideBySide(propsString)) return;
@@ -121,7 +140,19 @@ std::string UnreadableText(std::string_view what) {
     return why.empty() ? text : text + "（" + why + "）";
 }
 
-Resolution ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records) {
+namespace {
+
+// Nothing else than the account that stands in the row.
+const MasterAnswer& RecordOf(const EntryGrid& grid, const CellAddress& cell, const TypedCode& code,
+                             TextOrigin origin, MasterRecords& records) {
+    const MasterAnswer& byCode = records.Find(code.gridColumn, code.number);
+    if (origin == TextOrigin::Typed || !IsNamed(cell.column) || !byCode.wasRead || byCode.record != nullptr)
+        return byCode;
+    const std::string account(system::TrimBlanks(grid.Text(cell.row, column::kAccountNumber)));
+    return records.FindNamed(code.gridColumn, code.number, account);
+}
+
+Resolution Resolve(EntryGrid& grid, const CellAddress& cell, MasterRecords& records, TextOrigin origin) {
     const TextVerdict verdict = grid.Refusal(cell.row, cell.column);
     if (verdict != TextVerdict::Taken && verdict != TextVerdict::NotLookedUp) return Resolution::Done;
     const std::string text(system::TrimBlanks(grid.Text(cell.row, cell.column)));
@@ -136,19 +167,30 @@ Resolution ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& 
     }
     const std::optional<TypedCode> code = CodeIn(cell.column, text);
     if (!code) return Resolution::Done;
-    const MasterAnswer& answer = records.Find(code->gridColumn, code->number);
+    const MasterAnswer& answer = RecordOf(grid, cell, *code, origin, records);
     if (!answer.wasRead) return Resolution::Unreadable;
     if (verdict == TextVerdict::NotLookedUp) {
         grid.SetText(cell.row, cell.column, std::string(grid.Text(cell.row, cell.column)));
     }
-    if (answer.record == nullptr) return Resolution::Done;
+    if (answer.record == nullptr) {
+        // The id of what stood there before would be another's.
+        if (origin == TextOrigin::Given && IsNamed(cell.column))
+            RowWriter(grid, cell.row, nullptr).Clear(Column(cell.column).idColumn);
+        return Resolution::Done;
+    }
     RowWriter row(grid, cell.row, answer.record.get());
     WriteFound(row, cell.column);
     return Resolution::Done;
 }
 
-Resolution ResolveGiven(EntryGrid& grid, const CellAddress& cell, MasterRecords& records) {
-    const Resolution resolution = ResolveCell(grid, cell, records);
+}  // namespace
+
+Resolution ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records) {
+    return Resolve(grid, cell, records, TextOrigin::Typed);
+}
+
+Resolution ResolveNew(EntryGrid& grid, const CellAddress& cell, MasterRecords& records, TextOrigin origin) {
+    const Resolution resolution = Resolve(grid, cell, records, origin);
     if (resolution == Resolution::Unreadable) {
         grid.PutReading(cell.row, cell.column,
                         {TextVerdict::NotLookedUp, std::string(grid.Text(cell.row, cell.column))});
@@ -175,7 +217,8 @@ std::optional<CellAddress> AskAgain(EntryGrid& grid, int rowCount) {
         for (int c = 1; c <= kColumnCount; ++c) {
             if (grid.Refusal(row, c) != TextVerdict::NotLookedUp) continue;
             any = true;
-            const bool still = ResolveCell(grid, {row, c}, records) == Resolution::Unreadable;
+            // Whether it was typed or given, nobody knows by then.
+            const bool still = Resolve(grid, {row, c}, records, TextOrigin::Given) == Resolution::Unreadable;
             // An explanation is stored as it stands; behind the others there is an id.
             if (still && !unread && c != column::kExplanation) unread = {row, c};
         }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Typed codes against master data: what leaving a cell writes into its row. Needs no window.
+// Codes against master data: what leaving a cell writes into its row. Needs no window.
 
 #include <optional>
 #include <string>
@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "center/editing/cell_rules.h"
 #include "center/grid/entry_grid.h"
 #include "platform/ado/recordset.h"
 
@@ -31,6 +32,9 @@ std::optional<TypedCode> CodeIn(int gridColumn, std::string_view text);
 class MasterRecords {
   public:
     const MasterAnswer& Find(int gridColumn, const std::string& number);
+    // The record whose name stands there, when it is the only one of that name; a unit is one of the
+    // account's.
+    const MasterAnswer& FindNamed(int gridColumn, const std::string& name, const std::string& account);
     // Asks what Find will be asked, side by side where that pays.
     void AskAhead(const std::vector<TypedCode>& codes);
 
@@ -49,8 +53,10 @@ enum class Resolution { Done, Unreadable };
 // depend on it are filled or cleared. A code that is not found changes nothing, nor does one that could not
 // be read.
 Resolution ResolveCell(EntryGrid& grid, const CellAddress& cell, MasterRecords& records);
-// The same for a text that has just been given: one that could not be read stays in its cell as NotLookedUp.
-Resolution ResolveGiven(EntryGrid& grid, const CellAddress& cell, MasterRecords& records);
+// The same for a text that has just been typed or given: one that could not be read stays in its cell as
+// NotLookedUp. What is given may come from where names stand for codes: it has the id of its name behind it,
+// or none.
+Resolution ResolveNew(EntryGrid& grid, const CellAddress& cell, MasterRecords& records, TextOrigin origin);
 
 // Asks again about every text that is NotLookedUp, and about the rows' checks. The first cell whose id would
 // be stored without having been read, or nothing.

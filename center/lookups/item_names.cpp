@@ -14,7 +14,7 @@ std::string NamesBehind(const EntryGrid& grid, const CellAddress& cell) {
         return account.empty() || name.empty() ? std::string()
                                                : std::string(account) + " " + std::string(name);
     }
-    const std::string code = store::CodeOfName(cell.column, codes, account);
+    const std::string code = store::CodeOfName(cell.column, codes, account).value_or(std::string());
     return code.empty() ? std::string() : code + " " + std::string(codes);
 }
 

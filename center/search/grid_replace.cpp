@@ -121,7 +121,7 @@ int GridReplace::Replace(const std::vector<CellAddress>& cells) {
                 continue;
             }
             grid.PutReading(cell.row, cell.column, reading);
-            ResolveGiven(grid, cell, records);
+            ResolveNew(grid, cell, records, TextOrigin::Given);
             ++result.cells;
             if (rows.empty() || rows.back() != cell.row) rows.push_back(cell.row);
         }

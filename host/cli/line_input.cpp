@@ -131,7 +131,7 @@ class IdResolver {
         }
         records_.AskAhead(codes);
     }
-    // As leaving the cell would: the id, and the name where the code stands for it.
+    // As pasting would: the id, and the name where the code stands for it.
     void Resolve(Texts& texts) {
         ResolveAccount(texts);
         for (const int named : {column::kSettleName, column::kCurrencyName, column::kUnitName})
@@ -157,7 +157,8 @@ class IdResolver {
     void ResolveNamed(Texts& texts, int nameColumn) {
         const int idColumn = center::Column(nameColumn).idColumn;
         if (!At(texts, idColumn).empty()) return;
-        const ado::RecordsetRef record = Find(nameColumn, At(texts, nameColumn));
+        ado::RecordsetRef record = Find(nameColumn, At(texts, nameColumn));
+        if (!record) record = FindNamed(nameColumn, texts);
         if (!record) return;
         At(texts, idColumn) = IdIn(*record, nameColumn);
         At(texts, nameColumn) = NameIn(*record);
@@ -172,10 +173,19 @@ class IdResolver {
     ado::RecordsetRef Find(int gridColumn, const std::string& text) {
         const std::optional<center::TypedCode> code = center::CodeIn(gridColumn, text);
         if (!code) return nullptr;
-        const center::MasterAnswer& answer = records_.Find(gridColumn, code->number);
+        return RecordIn(records_.Find(gridColumn, code->number), code->number);
+    }
+    // The same for a name.
+    ado::RecordsetRef FindNamed(int gridColumn, Texts& texts) {
+        const std::optional<center::TypedCode> name = center::CodeIn(gridColumn, At(texts, gridColumn));
+        if (!name) return nullptr;
+        const std::string account(system::TrimBlanks(At(texts, column::kAccountNumber)));
+        return RecordIn(records_.FindNamed(gridColumn, name->number, account), name->number);
+    }
+    static ado::RecordsetRef RecordIn(const center::MasterAnswer& answer, const std::string& text) {
         // What cannot be read is not taken for a code that nobody knows: the line would be saved without it.
         if (!answer.wasRead) {
-            throw Error(automation::error_number::kElementNotFound, center::UnreadableText(code->number));
+            throw Error(automation::error_number::kElementNotFound, center::UnreadableText(text));
         }
         return answer.record;
     }

@@ -153,6 +153,35 @@ TEST_F(SelectionWayTest, ABlockThatHasNoPlaceIsRefusedAndOneWithHeadersFindsItsC
     EXPECT_THAT(TakeMessages(), IsEmpty());
 }
 
+TEST_F(SelectionWayTest, NamesThatArePastedHaveTheirIdsBehindThem) {
+    OpenTemplate("日常费用");
+    const int line = Rows() + 1;
+    Click(line, column::kNo);
+    Copied(
+        "模板编号\t摘要\t借/贷\t科目代码\t结算方式\t币别\t计量单位\r\n"
+        "9\tx\t借\t1405.01\t\t\t千克\r\n"
+        "9\t\t贷\t1002.02\t电汇\t美元\t\r\n");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    // Over another name, whose id would be the wrong one; and one that nobody knows.
+    ShowColumn(column::kSettleName);
+    ASSERT_EQ(Text(7, column::kSettleName), "转账支票");
+    Click(7, column::kSettleName);
+    Copied("电汇\r\n");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    ASSERT_EQ(Text(9, column::kSettleName), "信用卡");
+    Click(9, column::kSettleName);
+    Copied("以物易物\r\n");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    TakeMessages();
+    ClickTool("mnuSave");
+    EXPECT_EQ(Stored("FUnitID", line), "1");
+    EXPECT_EQ(Stored("FSettleID", line + 1), "3");
+    EXPECT_EQ(Stored("FCurrencyID", line + 1), "2");
+    EXPECT_EQ(Stored("FSettleID", 7), "3");
+    EXPECT_EQ(Stored("FSettleName", 9), "以物易物");
+    EXPECT_EQ(Stored("FSettleID", 9), "0");
+}
+
 TEST_F(SelectionWayTest, AmountsOfASpreadsheetComeInAndRefusedOnesStayUntilTheyAreMended) {
     OpenTemplate("日常费用");
     ShowColumn(column::kAmount);
