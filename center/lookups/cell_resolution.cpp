@@ -112,7 +112,8 @@ const MasterAnswer& MasterRecords::Find(int gridColumn, const std::string& numbe
 
 const MasterAnswer& MasterRecords::FindNamed(int gridColumn, const std::string& name,
                                              const std::string& account) {
-    const std::string key = KeyOf(gridColumn, name) + "\n" + account;
+    const bool ofAccount = store::LookUpOf(gridColumn) == store::LookUp::Unit;
+    const std::string key = KeyOf(gridColumn, name) + "\n" + (ofAccount ? account : std::string());
     if (const auto known = answers_.find(key); known != answers_.end()) return known->second;
     const std::optional<std::string> code = store::CodeOfName(gridColumn, name, account);
     MasterAnswer answer;
