@@ -9,6 +9,7 @@
 #include "automation/quietly.h"
 #include "platform/ado/odbc/batch_nature.h"
 #include "platform/ado/odbc/national_marks.h"
+#include "platform/ado/odbc/odbc_pool.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/ado/odbc/odbc_side_by_side.h"
 #include "platform/ado/odbc/watched_work.h"

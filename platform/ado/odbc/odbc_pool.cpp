@@ -1,8 +1,11 @@
+#include "platform/ado/odbc/odbc_pool.h"
+
 #include <algorithm>
+#include <iterator>
 #include <system_error>
+#include <utility>
 
 #include "automation/lasting.h"
-#include "platform/ado/odbc/odbc_link.h"
 #include "platform/system/unwaited_thread.h"
 
 namespace vicenter::ado {

@@ -7,6 +7,7 @@
 
 #include "automation/error.h"
 #include "platform/ado/odbc/odbc_connection.h"
+#include "platform/ado/odbc/odbc_pool.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/ado/odbc/watched_work.h"
 
