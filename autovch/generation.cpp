@@ -7,6 +7,7 @@
 
 #include "entry/host_context.h"
 #include "entry/host_services.h"
+#include "entry/message_box.h"
 #include "entry/single_line.h"
 #include "entry/sql_text.h"
 #include "platform/ado/side_by_side.h"
@@ -27,11 +28,6 @@ using system::MessageButtons;
 using system::MessageResult;
 
 namespace {
-
-MessageResult ShowMessage(const std::string& text, MessageButtons buttons = MessageButtons::Ok) {
-    return system::Surroundings::Current().messageBoxes->Show(text, buttons, system::MessageIcon::Information,
-                                                              entry::kMessageTitle);
-}
 
 // The items of a voucher line could not be read; they must not pass for none.
 struct Unreadable {};
@@ -81,11 +77,11 @@ std::optional<TemplateTarget> ChooseTarget(const std::string& name, const std::s
     using State = store::NamedTemplate::State;
     const store::NamedTemplate existing = store::FindTemplateToReplace(name, userId);
     if (existing.state == State::Unknown) {
-        ShowMessage("凭证模板“" + name + "”无法读取，凭证模板生成失败！");
+        entry::Tell("凭证模板“" + name + "”无法读取，凭证模板生成失败！");
         return std::nullopt;
     }
     if (existing.state == State::Anothers) {
-        ShowMessage("凭证模板“" + name + "”属于其他用户（用户编号 " + std::to_string(existing.ownerId) +
+        entry::Tell("凭证模板“" + name + "”属于其他用户（用户编号 " + std::to_string(existing.ownerId) +
                     "），不允许覆盖，凭证模板生成失败！");
         return std::nullopt;
     }
@@ -93,9 +89,9 @@ std::optional<TemplateTarget> ChooseTarget(const std::string& name, const std::s
                           existing.state == State::MayWrite ? existing.id : -1, std::nullopt};
     if (target.overwriteId >= 0) target.seen = existing.seen;
     if (target.overwriteId >= 0 &&
-        ShowMessage("凭证模板“" + name +
-                        "”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？",
-                    MessageButtons::YesNo) != MessageResult::Yes) {
+        entry::Ask("凭证模板“" + name +
+                       "”已存在，生成的凭证模板将覆盖原模板，建议先引出原模板备份。请确认是否生成？",
+                   MessageButtons::YesNo) != MessageResult::Yes) {
         return std::nullopt;
     }
     return target;
@@ -117,7 +113,7 @@ void WriteTemplate(const TemplateTarget& target, const std::string& batch, const
     using Outcome = store::TemplateOutcome::State;
     result.outcome.state = Outcome::Refused;
     if (!why.empty()) {
-        ShowMessage(why);
+        entry::Tell(why);
         return;
     }
     // With the lines come the flags of the numbers that can be used, or nothing does.
@@ -133,7 +129,7 @@ void WriteTemplate(const TemplateTarget& target, const std::string& batch, const
     const std::string templateId = std::to_string(id);
     store::RunSql(store::MarkUsable(templateId));
     if (!unit.Commit() || !(before ? before->Commit() : made->Commit())) {
-        ShowMessage("凭证模板生成失败！");
+        entry::Tell("凭证模板生成失败！");
         return;
     }
     result.outcome = {Outcome::Saved, id,
@@ -156,12 +152,12 @@ bool AllLeftOut(const ado::Recordset& vouchers, const LeftOut& without) {
 
 GenerationResult Generate(const GenerationRequest& request, const Progress& progress) {
     if (const std::string problem = FilterProblem(request.filter); !problem.empty()) {
-        ShowMessage(problem);
+        entry::Tell(problem);
         return {};
     }
     const std::string name(system::TrimBlanks(entry::WithoutLineEnd(request.templateName)));
     if (const std::string why = store::WhyNotName(name); !why.empty()) {
-        ShowMessage(why);
+        entry::Tell(why);
         return {};
     }
     entry::WriteFrameLog("C001C039", "AutoRunVch");
@@ -171,11 +167,11 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
     if (!target) return {};
     const auto vouchers = store::GetRecordset(VoucherQuery(request.filter));
     if (!vouchers || vouchers->AtEnd()) {
-        ShowMessage("没有查询到凭证信息，凭证模板生成失败，请重新设置过滤条件！");
+        entry::Tell("没有查询到凭证信息，凭证模板生成失败，请重新设置过滤条件！");
         return {};
     }
     if (AllLeftOut(*vouchers, request.without)) {
-        ShowMessage("没有选择要生成的凭证，凭证模板生成失败！");
+        entry::Tell("没有选择要生成的凭证，凭证模板生成失败！");
         return {};
     }
     ItemsTexts items;
@@ -189,10 +185,10 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
             [&](const std::string& detailId) { return items.Of(detailId); }, progress, result.faults,
             request.without);
     } catch (const Unreadable&) {
-        ShowMessage("凭证的核算项目无法读取，凭证模板生成失败！");
+        entry::Tell("凭证的核算项目无法读取，凭证模板生成失败！");
         return {};
     }
-    if (!result.faults.empty()) ShowMessage(NoRoomText(result.faults));
+    if (!result.faults.empty()) entry::Tell(NoRoomText(result.faults));
     if (!batch.empty()) WriteTemplate(*target, batch, userId, result);
     return result;
 }

@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "automation/class_registry.h"
+#include "entry/message_box.h"
 #include "entry/screen.h"
 #include "entry/single_line.h"
 #include "entry/sql_text.h"
@@ -35,11 +36,6 @@ bool IsEmpty(const SearchFields& filter) {
 automation::ObjectRef ObjectOrNone(const Variant& value) {
     const auto* object = std::get_if<automation::ObjectRef>(&value.Raw());
     return object == nullptr ? nullptr : *object;
-}
-
-void Tell(const std::string& text) {
-    system::Surroundings::Current().messageBoxes->Show(
-        text, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
 }
 
 }  // namespace
@@ -85,12 +81,12 @@ std::int32_t FrmSearch::HitCount() {
 
 void FrmSearch::cmdOK_Click() {
     if (entryCount_ < 1) {
-        Tell("当前模板没有可查找的模板信息！");
+        entry::Tell("当前模板没有可查找的模板信息！");
         return;
     }
     const SearchFields filter = Filter();
     if (IsEmpty(filter)) {
-        Tell("请输入过滤信息！");
+        entry::Tell("请输入过滤信息！");
         return;
     }
     const std::string key = filter.txtBZ + "|||" + filter.txtAcct + "|||" + filter.txtExp;
@@ -110,7 +106,7 @@ void FrmSearch::cmdOK_Click() {
         cmdOK_Click();
         return;
     }
-    Tell("没有查找到对应的数据，请重新录入查找条件！");
+    entry::Tell("没有查找到对应的数据，请重新录入查找条件！");
 }
 
 void FrmSearch::cmdAcct_Click() {

@@ -11,10 +11,6 @@ namespace vicenter::entry {
 
 using automation::Variant;
 
-// The title of the component's message boxes.
-inline constexpr const char* kMessageTitle = "信息提示";
-// The title that the exchange commands use for some of theirs.
-inline constexpr const char* kProductTitle = "Orbis提示";
 // Joins the statements of a batch.
 inline constexpr const char* kCrLf = "\r\n";
 

@@ -5,9 +5,9 @@
 #include "automation/class_registry.h"
 #include "automation/object.h"
 #include "entry/host_context.h"
+#include "entry/message_box.h"
 #include "entry/sql_text.h"
 #include "exchange/template_columns.h"
-#include "platform/system/surroundings.h"
 
 namespace vicenter::exchange {
 
@@ -35,9 +35,7 @@ Variant ResultValue(const ObjectRef& result, const char* key) {
 }  // namespace
 
 void UploadTemplateCommand() {
-    system::Surroundings::Current().messageBoxes->Show("此功能已停止使用！", system::MessageButtons::Ok,
-                                                       system::MessageIcon::Information,
-                                                       entry::kProductTitle);
+    entry::Tell("此功能已停止使用！", entry::kProductTitle);
 }
 
 void UploadTemplateFile(const std::string& filePath, const std::string& fileName, std::string& resultText) {

@@ -4,6 +4,7 @@
 
 #include "automation/class_registry.h"
 #include "automation/quietly.h"
+#include "entry/message_box.h"
 #include "entry/names.h"
 #include "entry/sql_text.h"
 #include "platform/system/file_replacement.h"
@@ -121,10 +122,7 @@ bool SaveWorkbookAs(const ObjectRef& excel, const ObjectRef& workbook, const std
         errorText = "保存文件失败，原因：" + error.Text();
         return false;
     }
-    if (!errorText.empty() && showMessage) {
-        system::Surroundings::Current().messageBoxes->Show(
-            errorText, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kProductTitle);
-    }
+    if (!errorText.empty() && showMessage) entry::Tell(errorText, entry::kProductTitle);
     return saved;
 }
 

@@ -8,12 +8,13 @@
 
 #include "automation/class_registry.h"
 #include "entry/host_services.h"
+#include "entry/message_box.h"
 #include "entry/screen.h"
-#include "entry/sql_text.h"
 #include "exchange/cell_reading.h"
 #include "exchange/excel_access.h"
 #include "exchange/template_columns.h"
 #include "platform/system/collation.h"
+#include "platform/system/file_dialog_flags.h"
 #include "platform/system/file_names.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
@@ -27,26 +28,17 @@ using automation::Error;
 using automation::Variant;
 
 constexpr std::int32_t kLinesBetweenReports = 200;
-constexpr std::uint32_t kExplorerStyle = 0x80000;
-constexpr std::uint32_t kPathMustExist = 0x800;
-constexpr std::uint32_t kHideReadOnly = 0x4;
-constexpr std::uint32_t kOverwritePrompt = 0x2;
 
 // The user's wish to stop; not an error.
 struct Cancelled {};
 
-void ShowMessage(const std::string& text) {
-    system::Surroundings::Current().messageBoxes->Show(
-        text, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
-}
-
 bool CheckReady(const ExchangeTarget& window) {
     if (window.CurrentTemplateId().empty()) {
-        ShowMessage("请选择要引出的模板！");
+        entry::Tell("请选择要引出的模板！");
         return false;
     }
     if (!IsExcelInstalled()) {
-        ShowMessage("检测当前系统未安装Excel，引出失败！");
+        entry::Tell("检测当前系统未安装Excel，引出失败！");
         return false;
     }
     return true;
@@ -278,14 +270,14 @@ ExportOutcome WriteTemplateWorkbook(ExchangeTarget& window, const std::string& f
         if (saved && interactive) window.SetProgressLabel("引出完毕...");
         endInteraction();
         if (!saved) return {false, errorText.empty() ? "工作簿未能写入：" + fileName : errorText};
-        if (interactive) ShowMessage("模板引出成功！");
+        if (interactive) entry::Tell("模板引出成功！");
         entry::WriteOperationLog(entry::LogKind::Succeeded, "凭证模板-引出模板 " + name + " 成功");
         return {true, {}, fileName};
     } catch (const Cancelled&) {
         endInteraction();
     } catch (const Error& error) {
         endInteraction();
-        if (interactive) ShowMessage(FailureText(error));
+        if (interactive) entry::Tell(FailureText(error));
         entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-引出模板 " + name + " 失败");
     }
     return {};
@@ -296,7 +288,7 @@ ExportOutcome ExportTemplate(ExchangeTarget& window) {
     const std::string name = window.TemplateName();
     system::FileRequest request;
     request.title = "指定引出文件名";
-    request.flags = kExplorerStyle | kPathMustExist | kHideReadOnly | kOverwritePrompt;
+    request.flags = system::file_dialog::kForSaving;
     request.filters = {{"Database File Excel File (*.xls)", "*.xls"}};
     if (ExcelVersion() >= kFirstXlsxVersion) {
         request.filters.push_back({"Database File Excel File (*.xlsx)", "*.xlsx"});
@@ -315,7 +307,7 @@ ExportOutcome ExportTemplateTo(ExchangeTarget& window, const std::string& fileNa
 
 void TellUnwritten(const ExchangeTarget& window, const ExportOutcome& outcome) {
     if (outcome.written || outcome.untold.empty()) return;
-    ShowMessage("模板引出失败！" + outcome.untold);
+    entry::Tell("模板引出失败！" + outcome.untold);
     LogUnwritten(window);
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "entry/host_context.h"
+#include "entry/sql_text.h"
 #include "exchange/import_checks.h"
 #include "exchange/import_rows.h"
 #include "exchange/template_sheet.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "entry/sql_text.h"
+#include "entry/message_box.h"
 #include "exchange/import_outcome.h"
 
 namespace vicenter::exchange {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <system_error>
 
-#include "entry/sql_text.h"
+#include "entry/message_box.h"
 #include "exchange/excel_access.h"
 #include "exchange/import_reading.h"
 #include "exchange/import_template.h"
@@ -87,11 +87,6 @@ std::string OneLine(std::string text) {
     while (!line.empty() && line.back() == ' ')
         line.pop_back();
     return line;
-}
-
-void Tell(const std::string& text) {
-    system::Surroundings::Current().messageBoxes->Show(
-        text, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
 }
 
 // --- the report's workbook
@@ -190,7 +185,7 @@ std::vector<ImportOutcome> ImportTemplates(ExchangeTarget& window) {
     try {
         files = ChooseWorkbooks(refused);
     } catch (const Error& error) {
-        Tell(kImportFailed);
+        entry::Tell(kImportFailed);
         refused.refusal = kImportFailed;
         refused.reason = ReasonOf(error);
         refused.faults.push_back({0, 0, "", "", refused.reason});
@@ -282,9 +277,9 @@ void SaveImportReport(const std::vector<ImportOutcome>& outcomes) {
         const auto target = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);
         if (!target || target->empty()) return;
         const std::string why = WriteImportReport(outcomes, *target);
-        Tell(why.empty() ? "引入报告已保存！\r\n\r\n" + *target : "引入报告保存失败！" + why);
+        entry::Tell(why.empty() ? "引入报告已保存！\r\n\r\n" + *target : "引入报告保存失败！" + why);
     } catch (const Error& error) {
-        Tell("引入报告保存失败！" + ReasonOf(error));
+        entry::Tell("引入报告保存失败！" + ReasonOf(error));
     }
 }
 

@@ -5,11 +5,12 @@
 
 #include "entry/host_context.h"
 #include "entry/host_services.h"
-#include "entry/sql_text.h"
+#include "entry/message_box.h"
 #include "exchange/excel_access.h"
 #include "exchange/import_destination.h"
 #include "exchange/import_preview.h"
 #include "exchange/import_reading.h"
+#include "platform/system/file_dialog_flags.h"
 #include "platform/system/surroundings.h"
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
@@ -29,17 +30,7 @@ using automation::Error;
 using automation::Variant;
 using store::kNewTemplate;
 using system::MessageButtons;
-using system::MessageIcon;
 using system::MessageResult;
-
-constexpr std::uint32_t kExplorerStyle = 0x80000;
-constexpr std::uint32_t kFileMustExist = 0x1000;
-constexpr std::uint32_t kReadOnlyTicked = 0x1;
-
-MessageResult Show(const std::string& text, const char* title = entry::kMessageTitle,
-                   MessageButtons buttons = MessageButtons::Ok, MessageIcon icon = MessageIcon::Information) {
-    return system::Surroundings::Current().messageBoxes->Show(text, buttons, icon, title);
-}
 
 std::string ReadTemplateId(const std::string& name) {
     const std::int32_t id = store::clsVIData().FindVchTemplate(name, entry::CurrentUserId());
@@ -50,7 +41,7 @@ std::string ReadTemplateId(const std::string& name) {
 // Tells the user why nothing is imported.
 ImportOutcome Refuse(ImportOutcome outcome, const std::string& text,
                      const char* title = entry::kMessageTitle) {
-    Show(text, title);
+    entry::Tell(text, title);
     outcome.refusal = text;
     return outcome;
 }
@@ -68,9 +59,9 @@ bool ConfirmEmptying(std::int32_t existingId, const std::string& name, std::int3
     const auto present = store::CountLines(std::to_string(existingId));
     if (!present) throw Error(automation::error_number::kObjectVariableNotSet);
     if (*present == 0) return true;
-    return Show("模板[" + name + "]现有 " + std::to_string(*present) +
-                    " 行分录，而引入文件中没有分录，引入后该模板将被清空。请确认是否引入？",
-                entry::kMessageTitle, MessageButtons::OkCancel) == MessageResult::Ok;
+    return entry::Ask("模板[" + name + "]现有 " + std::to_string(*present) +
+                          " 行分录，而引入文件中没有分录，引入后该模板将被清空。请确认是否引入？",
+                      MessageButtons::OkCancel) == MessageResult::Ok;
 }
 
 // Writes what was read: the lines and the flags of the numbers that can be used, or nothing.
@@ -115,7 +106,7 @@ void TellWritten(ExchangeTarget& window, ImportOutcome& outcome) {
     window.RebuildTreeAndSelect(outcome.templateId);
     outcome.told = store::WithUnusableNote("引入模板 " + outcome.templateName + " 成功！",
                                            unusable.value_or(std::vector<std::string>()));
-    Show(outcome.told);
+    entry::Tell(outcome.told);
     entry::WriteOperationLog(entry::LogKind::Succeeded,
                              "凭证模板-引入模板 " + outcome.templateName + " 成功");
 }
@@ -187,8 +178,9 @@ ImportOutcome ImportChosenFile(ExchangeTarget& window, const std::string& fileNa
     std::optional<ImportBatch> seen;
     if (destination.Replaces() &&
         (!LooksRight(window, destination, tidily, outcome, seen) ||
-         Show("模板[" + name + "]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？",
-              entry::kMessageTitle, MessageButtons::OkCancel) != MessageResult::Ok)) {
+         entry::Ask(
+             "模板[" + name + "]已存在，引入将覆盖所有凭证模板，建议先引出原模板备份。请确认是否引入？",
+             MessageButtons::OkCancel) != MessageResult::Ok)) {
         return outcome;
     }
     return ImportFrom(window, fileName, destination, [&] {
@@ -229,7 +221,8 @@ std::optional<std::vector<std::string>> ChooseWorkbooks(ImportOutcome& outcome) 
     if (!CheckInstalled(outcome)) return std::nullopt;
     system::FileRequest request;
     request.title = "选择引入文件";
-    request.flags = kExplorerStyle | kFileMustExist | kReadOnlyTicked;
+    namespace flags = system::file_dialog;
+    request.flags = flags::kExplorerStyle | flags::kFileMustExist | flags::kReadOnlyTicked;
     request.filters = {{"FormatIni File Excel File (*.xls)", "*.xls"}};
     if (ExcelVersion() >= kFirstXlsxVersion) {
         request.filters.push_back({"FormatIni File Excel File (*.xlsx)", "*.xlsx"});

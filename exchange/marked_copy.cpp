@@ -7,9 +7,10 @@
 #include <string_view>
 
 #include "automation/class_registry.h"
-#include "entry/sql_text.h"
+#include "entry/message_box.h"
 #include "exchange/import_reading.h"
 #include "exchange/template_sheet.h"
+#include "platform/system/file_dialog_flags.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
@@ -27,10 +28,6 @@ constexpr std::int32_t kFaultColor = 38;  // of the standard palette: rose
 constexpr std::int32_t kNoColor = -4142;
 constexpr double kReasonsWidth = 48;
 constexpr std::size_t kMostReasonBytes = 2000;  // of one row
-constexpr std::uint32_t kExplorerStyle = 0x80000;
-constexpr std::uint32_t kPathMustExist = 0x800;
-constexpr std::uint32_t kHideReadOnly = 0x4;
-constexpr std::uint32_t kOverwritePrompt = 0x2;
 
 // What servers leave out is no reason to write no copy.
 void IfKnown(const std::function<void()>& step) {
@@ -55,11 +52,6 @@ FileParts PartsOf(const std::string& fileName) {
     const std::size_t tail = parts.base.size() + parts.extension.size() + (parts.extension.empty() ? 0 : 1);
     parts.folder = fileName.substr(0, fileName.size() - std::min(fileName.size(), tail));
     return parts;
-}
-
-void Tell(const std::string& text) {
-    system::Surroundings::Current().messageBoxes->Show(
-        text, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
 }
 
 // Colours and reasons of one sheet.
@@ -179,12 +171,12 @@ void SaveMarkedCopy(ExchangeTarget& window, const std::string& fileName) {
         }
         window.HideProgress();
         if (workbook.refusal.empty()) {
-            Tell("工作簿已经没有错误，可以直接引入！");
+            entry::Tell("工作簿已经没有错误，可以直接引入！");
             return;
         }
         system::FileRequest request;
         request.title = "指定标错副本文件名";
-        request.flags = kExplorerStyle | kPathMustExist | kHideReadOnly | kOverwritePrompt;
+        request.flags = system::file_dialog::kForSaving;
         request.filters = {{"Excel File (*.xls)", "*.xls"}};
         if (ExcelVersion() >= kFirstXlsxVersion) {
             request.filters.push_back({"Excel File (*.xlsx)", "*.xlsx"});
@@ -194,12 +186,13 @@ void SaveMarkedCopy(ExchangeTarget& window, const std::string& fileName) {
         const auto target = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);
         if (!target || target->empty()) return;
         const std::string why = WriteMarkedCopy(fileName, workbook.faults, *target);
-        Tell(why.empty()
-                 ? "标错副本已保存，有错误的单元格已着色，原因在最后一列。更正后可以直接引入！\r\n\r\n" +
-                       *target
-                 : "标错副本保存失败！" + why);
+        entry::Tell(
+            why.empty()
+                ? "标错副本已保存，有错误的单元格已着色，原因在最后一列。更正后可以直接引入！\r\n\r\n" +
+                      *target
+                : "标错副本保存失败！" + why);
     } catch (const Error& error) {
-        Tell("标错副本保存失败！" + ReasonOf(error));
+        entry::Tell("标错副本保存失败！" + ReasonOf(error));
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include "automation/class_registry.h"
 #include "automation/quietly.h"
+#include "entry/message_box.h"
 #include "entry/names.h"
 #include "exchange/import_refusal.h"
 #include "exchange/marked_copy.h"

@@ -3,8 +3,7 @@
 #include "automation/class_registry.h"
 #include "entry/host_context.h"
 #include "entry/kept_error.h"
-#include "entry/sql_text.h"
-#include "platform/system/surroundings.h"
+#include "entry/message_box.h"
 #include "store/engine_text.h"
 
 namespace vicenter::store {
@@ -19,8 +18,7 @@ std::string lastRefusal;
 
 void ShowRefusal(const std::string& text) {
     lastRefusal = EngineTextInChinese(text);
-    system::Surroundings::Current().messageBoxes->Show(
-        lastRefusal, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+    entry::Tell(lastRefusal);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "entry/host_services.h"
 #include "platform/ado/connection.h"
 #include "platform/ado/file_care.h"
+#include "platform/system/file_dialog_flags.h"
 #include "platform/system/file_names.h"
 #include "platform/system/files.h"
 #include "platform/system/surroundings.h"
@@ -21,10 +22,6 @@ using entry::LogKind;
 
 namespace {
 
-constexpr std::uint32_t kExplorerStyle = 0x80000;
-constexpr std::uint32_t kPathMustExist = 0x800;
-constexpr std::uint32_t kHideReadOnly = 0x4;
-constexpr std::uint32_t kOverwritePrompt = 0x2;
 constexpr std::size_t kFindingsTold = 100;
 
 std::string ConnectStringOfHost() {
@@ -60,7 +57,7 @@ std::string AccountSetCare::BackUp(bool unsaved) {
     if (!file) return {};
     system::FileRequest request;
     request.title = "备份账套";
-    request.flags = kExplorerStyle | kPathMustExist | kHideReadOnly | kOverwritePrompt;
+    request.flags = system::file_dialog::kForSaving;
     request.filters = {{"账套备份 (*.vas)", "*.vas"}};
     request.proposedName = ProposedName(*file);
     const auto chosen = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);

@@ -1,16 +1,15 @@
 #include "center/frame/window_state.h"
 
-#include "entry/sql_text.h"
+#include "entry/message_box.h"
 
 namespace vicenter::center {
 
 void Tell(const std::string& text) {
-    Ask(text, system::MessageButtons::Ok);
+    entry::Tell(text);
 }
 
 system::MessageResult Ask(const std::string& text, system::MessageButtons buttons) {
-    return system::Surroundings::Current().messageBoxes->Show(text, buttons, system::MessageIcon::Information,
-                                                              entry::kMessageTitle);
+    return entry::Ask(text, buttons);
 }
 
 }  // namespace vicenter::center

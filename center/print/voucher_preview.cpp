@@ -6,6 +6,7 @@
 #include "center/grid/line_texts.h"
 #include "center/health/template_check.h"
 #include "center/print/voucher_sheet.h"
+#include "platform/system/file_dialog_flags.h"
 #include "platform/system/file_names.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/surroundings.h"
@@ -16,10 +17,6 @@ namespace vicenter::center {
 
 namespace {
 
-constexpr std::uint32_t kExplorerStyle = 0x80000;
-constexpr std::uint32_t kPathMustExist = 0x800;
-constexpr std::uint32_t kHideReadOnly = 0x4;
-constexpr std::uint32_t kOverwritePrompt = 0x2;
 constexpr const char* kPdfEnd = ".pdf";
 
 std::string TwoDigits(int value) {
@@ -89,7 +86,7 @@ std::string WhyNotPdfTarget(const std::string& file) {
 bool SaveAsPdf(VICenterView& view, const PrintSheet& sheet, const std::string& proposedName) {
     system::FileRequest request;
     request.title = "另存为 PDF";
-    request.flags = kExplorerStyle | kPathMustExist | kHideReadOnly | kOverwritePrompt;
+    request.flags = system::file_dialog::kForSaving;
     request.filters = {{"PDF 文件 (*.pdf)", "*.pdf"}};
     request.proposedName = system::SafeFileName(proposedName) + kPdfEnd;
     auto file = system::Surroundings::Current().fileDialogs->ChooseFileToSave(request);

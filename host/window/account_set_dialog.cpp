@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include "platform/system/file_dialog_flags.h"
 #include "platform/system/surroundings.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
@@ -18,8 +19,6 @@ using ui::ToQt;
 namespace {
 
 constexpr int kFileRole = Qt::UserRole;
-constexpr std::uint32_t kExplorerStyle = 0x80000;
-constexpr std::uint32_t kFileMustExist = 0x1000;
 
 QLabel* Caption(const QString& text, QWidget* buddy, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -91,7 +90,7 @@ void AccountSetDialog::Browse() {
     Guarded([this] {
         system::FileRequest request;
         request.title = "选择账套文件";
-        request.flags = kExplorerStyle | kFileMustExist;
+        request.flags = system::file_dialog::kExplorerStyle | system::file_dialog::kFileMustExist;
         request.filters = {{"账套 (*.vas)", "*.vas"}};
         const auto chosen = system::Surroundings::Current().fileDialogs->ChooseFileToOpen(request);
         if (!chosen || chosen->empty()) return;

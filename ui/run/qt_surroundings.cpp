@@ -12,7 +12,8 @@
 #include <QScreen>
 #include <algorithm>
 
-#include "entry/sql_text.h"
+#include "entry/message_box.h"
+#include "platform/system/file_dialog_flags.h"
 #include "platform/system/unanswered.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
@@ -24,8 +25,6 @@ namespace vicenter::ui {
 namespace {
 
 constexpr int kMostLines = 20;  // of a text that needs no scrolling
-constexpr std::uint32_t kOverwritePrompt = 0x2;
-constexpr std::uint32_t kPathMustExist = 0x800;
 
 QMessageBox::StandardButtons StandardButtons(system::MessageButtons buttons) {
     switch (buttons) {
@@ -235,7 +234,8 @@ void FillFileDialog(QFileDialog& dialog, const system::FileRequest& request, boo
     dialog.setWindowTitle(ToQt(request.title));
     dialog.setAcceptMode(saving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(saving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite, saving && (request.flags & kOverwritePrompt) == 0);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite,
+                     saving && (request.flags & system::file_dialog::kOverwritePrompt) == 0);
     const QStringList filters = NameFilters(request);
     if (!filters.isEmpty()) {
         dialog.setNameFilters(filters);
@@ -301,7 +301,7 @@ std::vector<std::string> QtFileDialogs::ChooseFilesToOpen(const system::FileRequ
 
 std::optional<std::string> QtFileDialogs::ChooseFileToSave(const system::FileRequest& request) {
     const WindowCall call;
-    SavingDialog dialog(DialogParent(), (request.flags & kPathMustExist) != 0);
+    SavingDialog dialog(DialogParent(), (request.flags & system::file_dialog::kPathMustExist) != 0);
     FillFileDialog(dialog, request, true);
     return Chosen(dialog);
 }

@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-#include "entry/sql_text.h"
+#include "entry/message_box.h"
 #include "exchange/cloud_upload.h"
 #include "exchange/export_template.h"
 #include "exchange/import_several.h"
@@ -136,8 +136,7 @@ void CenterCommands::GenerateFromVouchers(center::CommandTarget& window) {
     if (!result.outcome) return;
     window.ShowStoredTemplate(result.outcome.id);
     window.TellDone("模板 " + result.templateName + " 已生成", {});
-    system::Surroundings::Current().messageBoxes->Show(
-        result.message, system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+    entry::Tell(result.message);
 }
 
 }  // namespace vicenter::ui
