@@ -14,13 +14,11 @@
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
-#include "store/command_unit.h"
-#include "store/new_template.h"
 #include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
-#include "store/template_history.h"
 #include "store/template_name.h"
+#include "store/template_writing.h"
 
 namespace vicenter::autovch {
 
@@ -99,25 +97,14 @@ std::optional<TemplateTarget> ChooseTarget(const std::string& name, const std::s
 
 void WriteTemplate(const TemplateTarget& target, const std::string& batch, const std::string& userId,
                    GenerationResult& result) {
-    constexpr const char* kNotMade = "没有生成";
-    std::optional<store::KeptVersions> before;
-    std::optional<store::NewTemplate> made;
-    std::string why;
-    if (target.seen) {
-        before.emplace(std::vector{*target.seen}, store::HistoryCommand::Generate);
-        why = before->WhyNot(kNotMade);
-    } else {
-        made.emplace(target.name);
-        why = made->WhyNot(kNotMade);
-    }
     using Outcome = store::TemplateOutcome::State;
     result.outcome.state = Outcome::Refused;
-    if (!why.empty()) {
+    // With the lines come the flags of the numbers that can be used, or nothing does.
+    store::TemplateWriting writing(target.name, target.seen, store::HistoryCommand::Generate);
+    if (const std::string why = writing.WhyNot("没有生成"); !why.empty()) {
         entry::Tell(why);
         return;
     }
-    // With the lines come the flags of the numbers that can be used, or nothing does.
-    store::CommandUnit unit;
     if (!store::RunSql(batch)) return;
 
     result.outcome.state = Outcome::Failed;
@@ -128,7 +115,7 @@ void WriteTemplate(const TemplateTarget& target, const std::string& batch, const
     }
     const std::string templateId = std::to_string(id);
     store::RunSql(store::MarkUsable(templateId));
-    if (!unit.Commit() || !(before ? before->Commit() : made->Commit())) {
+    if (!writing.Commit()) {
         entry::Tell("凭证模板生成失败！");
         return;
     }

@@ -13,14 +13,12 @@
 #include "platform/system/file_dialog_flags.h"
 #include "platform/system/surroundings.h"
 #include "store/cls_vi_data.h"
-#include "store/command_unit.h"
-#include "store/new_template.h"
 #include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
-#include "store/template_history.h"
 #include "store/template_outcome.h"
 #include "store/template_rows.h"
+#include "store/template_writing.h"
 
 namespace vicenter::exchange {
 
@@ -69,20 +67,10 @@ bool ConfirmEmptying(std::int32_t existingId, const std::string& name, std::int3
 void WriteBatch(ExchangeTarget& window, const ImportBatch& batch,
                 const std::optional<store::SeenTemplate>& seen, ImportOutcome& outcome) {
     const std::string& name = outcome.templateName;
-    constexpr const char* kNotImported = "没有引入";
-    std::optional<store::KeptVersions> before;
-    std::optional<store::NewTemplate> made;
-    std::string why;
-    if (seen) {
-        before.emplace(std::vector{*seen}, store::HistoryCommand::Import);
-        why = before->WhyNot(kNotImported);
-    } else {
-        made.emplace(name);
-        why = made->WhyNot(kNotImported);
-    }
-    if (!why.empty()) throw Refused{kImportFailed + why, {}, entry::kMessageTitle};
+    store::TemplateWriting writing(name, seen, store::HistoryCommand::Import);
+    if (const std::string why = writing.WhyNot("没有引入"); !why.empty())
+        throw Refused{kImportFailed + why, {}, entry::kMessageTitle};
     store::clsVIData::ForgetFailure();
-    store::CommandUnit unit;
     const auto check = [](bool done) {
         if (done) return;
         const std::string& silent = store::clsVIData::LastFailure();
@@ -95,7 +83,7 @@ void WriteBatch(ExchangeTarget& window, const ImportBatch& batch,
     window.SetProgressLabel("引入完毕...");
     const std::string id = ReadTemplateId(name);
     store::RunSql(store::MarkUsable(id));
-    check(unit.Commit() && (before ? before->Commit() : made->Commit()));
+    check(writing.Commit());
     outcome.templateId = Variant(id).ToInt32();
     outcome.lines = batch.lines;
     outcome.written = true;
