@@ -7,6 +7,7 @@
 #include "automation/class_registry.h"
 #include "automation/lasting.h"
 #include "platform/ado/connection.h"
+#include "platform/ado/host_connection_service.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/utf8.h"
 
@@ -65,6 +66,10 @@ std::string GetPropsString() {
     // A host that names nothing any more has ended the session.
     if (own.empty() || now.empty() || now == own || IsSameSession(now, own)) return now;
     return own;
+}
+
+std::string ConnectStringOfHost() {
+    return ado::ConnectStringOf(GetPropsString());
 }
 
 Variant GetShareProperty(std::string_view name) {

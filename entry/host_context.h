@@ -19,6 +19,8 @@ namespace vicenter::entry {
 // string, else the shared property "PropsString". Errors of the host components pass. Within a SessionScope
 // the window's own where the host's names another user or account set by now.
 std::string GetPropsString();
+// Its ConnectString. Errors of the host components pass.
+std::string ConnectStringOfHost();
 
 // What the host's shared property manager holds for this process under that name: an object or a value.
 automation::Variant GetShareProperty(std::string_view name);

@@ -4,6 +4,7 @@
 #include "entry/host_context.h"
 #include "platform/ado/connection.h"
 #include "platform/ado/file_care.h"
+#include "platform/ado/host_connection_service.h"
 #include "platform/system/files.h"
 
 namespace vicenter::center {
@@ -11,10 +12,8 @@ namespace vicenter::center {
 namespace {
 
 std::string PlaceOf(const std::string& connectString) {
-    if (const ado::FileCare* care = ado::RegisteredFileCare()) {
-        if (const auto file = care->FileOf(connectString))
-            return system::PathToUtf8(system::PathFromUtf8(*file).stem());
-    }
+    if (const auto file = ado::FileOf(connectString))
+        return system::PathToUtf8(system::PathFromUtf8(*file).stem());
     const ado::ConnectString settings(connectString);
     for (const char* key : {"Initial Catalog", "Database"}) {
         if (std::string name = settings.Value(key); !name.empty()) return name;
@@ -31,7 +30,7 @@ AccountNames NamesOfAccount(const std::string& propsString) {
         names = {props.Value("AcctName"), props.Value("UserName")};
         const std::string id = props.Value("UserID");
         if (names.user.empty() && !id.empty()) names.user = "用户 " + id;
-        if (names.accountSet.empty()) names.accountSet = PlaceOf(props.Value("ConnectString"));
+        if (names.accountSet.empty()) names.accountSet = PlaceOf(ado::ConnectStringOf(propsString));
     } catch (const automation::Error&) {
         // A text of a form of its own: the window goes without what it would have said.
     }

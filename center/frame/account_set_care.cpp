@@ -24,15 +24,9 @@ namespace {
 
 constexpr std::size_t kFindingsTold = 100;
 
-std::string ConnectStringOfHost() {
-    return ado::ConnectString(entry::GetPropsString()).Value("ConnectString");
-}
-
 std::optional<std::string> File() {
     try {
-        const ado::FileCare* care = ado::RegisteredFileCare();
-        if (care == nullptr) return std::nullopt;
-        return care->FileOf(ConnectStringOfHost());
+        return ado::FileOf(entry::ConnectStringOfHost());
     } catch (const Error&) {
         return std::nullopt;
     }
@@ -82,7 +76,7 @@ void AccountSetCare::Verify() {
     try {
         findings = ado::RegisteredFileCare()->FindDamage(*file);
         if (findings.empty())
-            findings = store::FindTemplateFaults(*ado::OpenConnection(ConnectStringOfHost()));
+            findings = store::FindTemplateFaults(*ado::OpenConnection(entry::ConnectStringOfHost()));
     } catch (const Error& error) {
         findings.push_back(store::EngineTextInChinese(error.Text()));
     }

@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "automation/error.h"
-#include "automation/object.h"
+#include "platform/ado/account_set/account_set_copies.h"
 #include "platform/ado/connection.h"
 #include "platform/system/files.h"
 #include "platform/system/program.h"
@@ -66,8 +66,8 @@ std::string WithPassword(const CliContext& context, const std::string& connectSt
     const bool given =
         options.askPassword || !options.passwordVariable.empty() || !options.passwordFile.empty();
     const ado::ConnectString settings(connectString);
-    const bool embedded = automation::SameName(settings.Value("Provider"), "VelaAccountSet");
-    if (!given || embedded || settings.Has("Password") || settings.Has("PWD")) return connectString;
+    if (!given || ado::AccountSetFile(connectString) || settings.Has("Password") || settings.Has("PWD"))
+        return connectString;
     std::string quoted;
     for (const char c : GivenPassword(context)) {
         quoted += c;

@@ -19,4 +19,8 @@ void RegisterFileCare(const FileCare& care) {
     Registered() = &care;
 }
 
+std::optional<std::string> FileOf(const std::string& connectString) {
+    return Registered() == nullptr ? std::nullopt : Registered()->FileOf(connectString);
+}
+
 }  // namespace vicenter::ado

@@ -29,5 +29,7 @@ class FileCare {
 // Of the back end that keeps files, if one is registered; never destroyed.
 const FileCare* RegisteredFileCare();
 void RegisterFileCare(const FileCare& care);
+// What that one says of a connect string; nothing without one.
+std::optional<std::string> FileOf(const std::string& connectString);
 
 }  // namespace vicenter::ado

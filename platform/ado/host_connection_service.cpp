@@ -43,10 +43,6 @@ class PlainUnit : public UnitOfWork {
 
 PlainUnit* PlainUnit::current = nullptr;
 
-std::string ConnectStringOf(const std::string& propsString) {
-    return ConnectString(propsString).Value("ConnectString");
-}
-
 // A plain connection from the property string's ConnectString stands behind the default broker. Connections
 // are cheap to open again (the back ends pool their sessions), so that each statement gets its own.
 class PlainBroker : public Broker {
@@ -89,6 +85,10 @@ std::shared_ptr<HostFramework>& Current() {
 }
 
 }  // namespace
+
+std::string ConnectStringOf(const std::string& propsString) {
+    return ConnectString(propsString).Value("ConnectString");
+}
 
 HostFramework& HostFramework::Process() {
     if (!Current()) Current() = std::make_shared<PlainFramework>();

@@ -16,6 +16,9 @@
 
 namespace vicenter::ado {
 
+// The ConnectString that a host property string holds.
+std::string ConnectStringOf(const std::string& propsString);
+
 class Broker {
   public:
     Broker() = default;

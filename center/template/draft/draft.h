@@ -3,7 +3,7 @@
 // What a user has typed into a template and not saved, as a value and as a JSON text.
 //
 // The text is an object with "lines" as the command line's `show --json` and `save` have them, so that a
-// draft can be saved without a window, too.
+// draft can be saved without a window, too, unless a column has refused one of its texts ("refused").
 
 #include <optional>
 #include <string>
@@ -19,7 +19,7 @@ struct Draft {
     std::string userId;
     std::string templateId;
     std::string templateName;
-    std::string written;  // when, in words
+    std::string written;  // when, as a text
     std::string process;  // the process that wrote it, as text
     std::string mark;     // tells that process from a later one of the same number
     std::string window;   // the window of that process

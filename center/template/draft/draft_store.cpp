@@ -10,10 +10,10 @@
 #include <string_view>
 #include <system_error>
 
-#include "automation/object.h"
+#include "automation/error.h"
 #include "entry/host_context.h"
 #include "entry/names.h"
-#include "platform/ado/connection.h"
+#include "platform/ado/file_care.h"
 #include "platform/ado/passwords.h"
 #include "platform/system/file_names.h"
 #include "platform/system/file_replacement.h"
@@ -29,7 +29,6 @@ using automation::Error;
 
 namespace {
 
-constexpr const char* kEmbeddedProvider = "VelaAccountSet";
 constexpr const char* kTail = ".draft";
 
 // The windows of this process that are there.
@@ -65,12 +64,10 @@ fs::path FileBehind(const std::string& source) {
 std::vector<Place> Places() {
     std::vector<Place> places;
     try {
-        const std::string connect = ado::ConnectString(entry::GetPropsString()).Value("ConnectString");
-        const ado::ConnectString settings(connect);
+        const std::string connect = entry::ConnectStringOfHost();
         std::string set = ado::WithoutPassword(connect);
-        const std::string source = settings.Value("Data Source");
-        if (automation::SameName(settings.Value("Provider"), kEmbeddedProvider) && !source.empty()) {
-            const fs::path file = FileBehind(source);
+        if (const auto named = ado::FileOf(connect); named && !named->empty()) {
+            const fs::path file = FileBehind(*named);
             places.push_back({file.parent_path(), system::PathToUtf8(file.filename())});
             set = system::PathToUtf8(file);
         }

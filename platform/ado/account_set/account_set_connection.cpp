@@ -22,7 +22,6 @@ namespace engine = tsql::engine;
 
 namespace {
 
-constexpr const char* kProviderName = "VelaAccountSet";
 constexpr const char* kClosedText = "Operation is not allowed when the object is closed.";
 constexpr const char* kTimeoutText = "Query timeout expired";
 constexpr std::int32_t kFirstErrorSeverity = 11;
@@ -200,7 +199,7 @@ bool IsNo(const std::string& word) {
 [[noreturn]] void RefuseValue(const std::string& attribute) {
     throw Error(error_number::kProviderError,
                 "Invalid value specified for connection string attribute '" + attribute + "'.",
-                kProviderName);
+                kAccountSetProvider);
 }
 
 // Leaves the number as it is when the connect string has none.
@@ -252,21 +251,21 @@ void AccountSetConnection::Open(const std::string& connectString) {
         if (!session_) session_ = std::make_unique<engine::Session>(std::move(options));
     } catch (const tsql::SqlError& error) {
         errors_.push_back(RecordOf(error.Details()));
-        throw Error(error_number::kProviderError, error.Text(), kProviderName);
+        throw Error(error_number::kProviderError, error.Text(), kAccountSetProvider);
     }
     poolKey_ = pooled ? connectString : std::string();
 }
 
 RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t* recordsAffected) try {
-    if (!session_) throw Error(error_number::kObjectClosed, kClosedText, kProviderName);
+    if (!session_) throw Error(error_number::kObjectClosed, kClosedText, kAccountSetProvider);
     errors_.clear();
     despiteFailure_.reset();
     if (session_->IsRunning()) {
         throw Error(error_number::kStillExecuting,
-                    "Operation cannot be performed while executing asynchronously.", kProviderName);
+                    "Operation cannot be performed while executing asynchronously.", kAccountSetProvider);
     }
     // A batch of a unit that is gone must not be kept by itself.
-    if (unitLost_) throw Error(error_number::kProviderError, kUnitLostText, kProviderName);
+    if (unitLost_) throw Error(error_number::kProviderError, kUnitLostText, kAccountSetProvider);
     unitLost_ = inUnit_;  // until this one has come to its end
     RecordsetSink sink;
     engine::ExecutionLimits limits;
@@ -280,7 +279,7 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
     if (report.stopped == engine::StopReason::kTimeout) {
         errors_.push_back({0, kFirstErrorSeverity, 0, report.errors.front().line, {}, "HYT00", kTimeoutText});
         despiteFailure_ = sink.First();
-        throw Error(error_number::kTimeoutExpired, kTimeoutText, kProviderName);
+        throw Error(error_number::kTimeoutExpired, kTimeoutText, kAccountSetProvider);
     }
     for (const tsql::Diagnostic& diagnostic : report.errors)
         errors_.push_back(RecordOf(diagnostic));
@@ -293,13 +292,13 @@ RecordsetRef AccountSetConnection::Execute(std::string_view batch, std::int64_t*
         throw Error(first.number == kInsufficientMemory           ? automation::error_number::kOutOfMemory
                     : report.stopped != engine::StopReason::kNone ? error_number::kOperationCancelled
                                                                   : error_number::kProviderError,
-                    first.text, kProviderName);
+                    first.text, kAccountSetProvider);
     }
     unitLost_ = false;
     if (recordsAffected != nullptr) *recordsAffected = report.rowsAffected;
     return sink.First() ? sink.First() : std::make_shared<Recordset>();
 } catch (const std::bad_alloc&) {
-    throw Error(automation::error_number::kOutOfMemory, {}, kProviderName);
+    throw Error(automation::error_number::kOutOfMemory, {}, kAccountSetProvider);
 }
 
 void AccountSetConnection::Cancel() noexcept {
@@ -370,7 +369,7 @@ void RegisterAccountSetProvider() {
     static const AccountSetCare care;
     RegisterFileCare(care);
     RegisterProvider(
-        kProviderName, [] { return std::make_shared<AccountSetConnection>(); }, RestAccountSets);
+        kAccountSetProvider, [] { return std::make_shared<AccountSetConnection>(); }, RestAccountSets);
 }
 
 void CloseIdleAccountSets() {

@@ -6,6 +6,7 @@
 #include "automation/error.h"
 #include "automation/object.h"
 #include "platform/ado/account_set/account_set_collation.h"
+#include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/connection.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
@@ -69,7 +70,7 @@ std::string WhyNotBackupTarget(const std::string& to) {
 
 std::optional<std::string> AccountSetFile(const std::string& connectString) {
     const ConnectString settings(connectString);
-    if (!automation::SameName(settings.Value("Provider"), "VelaAccountSet")) return std::nullopt;
+    if (!automation::SameName(settings.Value("Provider"), kAccountSetProvider)) return std::nullopt;
     return settings.Value("Data Source");
 }
 

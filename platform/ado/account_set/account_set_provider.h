@@ -16,6 +16,8 @@
 
 namespace vicenter::ado {
 
+inline constexpr const char* kAccountSetProvider = "VelaAccountSet";
+
 // Registers the provider. Calling it again does no harm.
 void RegisterAccountSetProvider();
 
