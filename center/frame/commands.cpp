@@ -1,5 +1,6 @@
 // The command dispatcher: what each tool of the bar does, in which order, with which log entries.
 
+#include "center/frame/rights.h"
 #include "center/frame/window_parts.h"
 #include "dialogs/frm_search.h"
 #include "dialogs/frm_set_colume.h"
@@ -19,7 +20,7 @@ void LogRequest(const char* text) {
 
 bool WindowParts::RefusedForRight() {
     if (state.hasRight) return false;
-    Tell("对不起，你没有相应的权限！");
+    Tell(kNoRight);
     return true;
 }
 

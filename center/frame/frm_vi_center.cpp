@@ -1,28 +1,18 @@
 #include "center/frame/frm_vi_center.h"
 
-#include "automation/class_registry.h"
 #include "center/frame/account_names.h"
 #include "center/frame/help.h"
 #include "center/frame/key_code.h"
+#include "center/frame/rights.h"
 #include "center/frame/window_parts.h"
 #include "entry/host_context.h"
 #include "entry/host_services.h"
 #include "platform/ado/connection.h"
 #include "store/cls_vi_data.h"
-#include "store/engine_text.h"
 
 namespace vicenter::center {
 
-using automation::Argument;
-using automation::Variant;
 using entry::LogKind;
-
-namespace {
-
-// The voucher-template function to the host's rights system.
-constexpr std::int32_t kTemplateRight = 3145728;
-
-}  // namespace
 
 // --- the window system
 
@@ -82,18 +72,10 @@ void frmVICenter::Load() {
     parts_->tree.OpenAtLoad();
     state.view.PlaceProgressFrame(PlaceProgress(state.view.WindowSize()));
     entry::WriteOperationLog(LogKind::Requested, "凭证模板-打开");
-    try {
-        state.security = automation::CreateObject("VelaEBSBase.SecurityInfo");
-        state.hasRight =
-            state.security
-                ->Call("AccessCheck", {Argument(entry::GetPropsString()), Argument(std::int16_t{4}),
-                                       Argument(std::int16_t{4}), Argument(kTemplateRight)})
-                .ToBoolean();
-    } catch (const automation::Error& error) {
-        state.hasRight = false;
-        state.rightsFailure =
-            "未能取得当前用户的权限，不能修改模板！\r\n\r\n" + store::EngineTextInChinese(error.Text());
-    }
+    const TemplateRight right = AskTemplateRight();
+    state.security = right.security;
+    state.hasRight = right.granted;
+    state.rightsFailure = right.failure;
     if (!state.hasRight) state.view.SetGridInteractive(false);
 }
 

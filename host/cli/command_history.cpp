@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "automation/error.h"
+#include "center/frame/rights.h"
 #include "center/history/restore.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
@@ -11,7 +12,6 @@
 #include "host/cli/one_line.h"
 #include "host/cli/rights.h"
 #include "host/cli/templates.h"
-#include "platform/system/collation.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/line_difference.h"
@@ -141,7 +141,7 @@ int ShowRule(const CliContext& context) {
     if (!rule) throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
     if (context.options.keepDays || context.options.keepVersions) {
         if (!MayAdministrate(*context.session))
-            throw Error(automation::error_number::kPermissionDenied, "对不起，你没有相应的权限！");
+            throw Error(automation::error_number::kPermissionDenied, center::kNoRight);
         rule->days = context.options.keepDays.value_or(rule->days);
         rule->versions = context.options.keepVersions.value_or(rule->versions);
         if (!store::SaveHistoryRule(*rule)) return FinishSpeaking(context, false, Variant::Null());
@@ -155,21 +155,12 @@ int ShowRule(const CliContext& context) {
     return kExitDone;
 }
 
-// The user's template of that name; none when it is gone.
-std::optional<TemplateHead> PresentTemplate(const CliContext& context) {
-    const std::vector<TemplateHead> templates = ReadTemplates(context);
-    const auto found = std::find_if(templates.begin(), templates.end(), [&](const TemplateHead& head) {
-        return system::Collator::Chinese().Compare(head.name, context.options.name) == 0;
-    });
-    return found == templates.end() ? std::nullopt : std::optional(*found);
-}
-
 // The deleted template that the command means: by its version, else the latest of the name.
 HistoryVersion DeletedVersion(const CliContext& context) {
     const CliOptions& options = context.options;
     for (const HistoryVersion& version : Versions(store::ReadDeleted(std::to_string(options.userId)))) {
         const bool meant = options.version.empty() || version.id == options.version;
-        if (meant && system::Collator::Chinese().Compare(version.name, options.name) == 0) return version;
+        if (meant && IsNamed(version.name, options.name)) return version;
     }
     if (!options.version.empty()) ThrowNoVersion(context);
     throw Error(automation::error_number::kElementNotFound,
@@ -204,7 +195,7 @@ int RunHistory(const CliContext& context) {
 
 int RunRestore(const CliContext& context) {
     const CliOptions& options = context.options;
-    const std::optional<TemplateHead> head = PresentTemplate(context);
+    const std::optional<TemplateHead> head = FindTemplateIfAny(context, options.name);
     entry::WriteOperationLog(entry::LogKind::Requested, "凭证模板-恢复模板");
     if (!CheckRight()) return FinishSpeaking(context, false, Variant::Null());
     if (!head) return RestoreNew(context, DeletedVersion(context));

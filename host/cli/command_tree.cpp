@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string>
 
-#include "automation/error.h"
 #include "automation/quietly.h"
 #include "center/frame/frm_vi_center.h"
+#include "center/frame/rights.h"
 #include "center/frame/window_state.h"
 #include "host/cli/context.h"
 #include "host/cli/templates.h"
@@ -51,7 +51,7 @@ std::string KeyOf(const std::string& id) {
 
 // The window gives a user without the right no label to edit and says nothing; a terminal has to.
 void SayNoRight() {
-    center::Tell("对不起，你没有相应的权限！");
+    center::Tell(center::kNoRight);
 }
 
 // The window's tree commands are silent about some failures, and say no more than whether there was something

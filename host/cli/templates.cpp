@@ -47,6 +47,10 @@ ado::RecordsetRef LinesAlone(const ado::Recordset& answer) {
 
 }  // namespace
 
+bool IsNamed(std::string_view name, std::string_view given) {
+    return system::Collator::Chinese().Compare(name, entry::WithoutLineEnd(given)) == 0;
+}
+
 std::vector<TemplateHead> ReadTemplates(const CliContext& context) {
     // Opened first on its own, so that a missing account set is reported with its reason.
     context.session->Connection();
@@ -59,16 +63,22 @@ std::vector<TemplateHead> ReadTemplates(const CliContext& context) {
     return templates;
 }
 
-TemplateHead FindTemplate(const CliContext& context, const std::string& given) {
-    const std::string name(entry::WithoutLineEnd(given));
+std::optional<TemplateHead> FindTemplateIfAny(const CliContext& context, std::string_view given) {
+    const std::string_view name = entry::WithoutLineEnd(given);
     const std::vector<TemplateHead> templates = ReadTemplates(context);
     for (const TemplateHead& head : templates) {
         if (head.name == name) return head;
     }
     for (const TemplateHead& head : templates) {
-        if (system::Collator::Chinese().Compare(head.name, name) == 0) return head;
+        if (IsNamed(head.name, name)) return head;
     }
-    throw Error(automation::error_number::kElementNotFound, "没有名为“" + name + "”的凭证模板！");
+    return std::nullopt;
+}
+
+TemplateHead FindTemplate(const CliContext& context, const std::string& given) {
+    if (std::optional<TemplateHead> found = FindTemplateIfAny(context, given)) return std::move(*found);
+    throw Error(automation::error_number::kElementNotFound,
+                "没有名为“" + std::string(entry::WithoutLineEnd(given)) + "”的凭证模板！");
 }
 
 void ReadLines(const TemplateHead& head, TemplateLines& lines) {

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "center/grid/entry_grid.h"
@@ -20,9 +21,13 @@ struct TemplateHead {
 // The user's templates as the tree lists them, the standard template first. Throws when they cannot be read.
 std::vector<TemplateHead> ReadTemplates(const CliContext& context);
 
-// The template of that name among them: by its exact name, else without regard to case. Throws Error 32811
-// when there is none.
-TemplateHead FindTemplate(const CliContext& context, const std::string& name);
+// Whether a template is meant by what was given as its name: without regard to case and width, nor to line
+// ends behind it.
+bool IsNamed(std::string_view name, std::string_view given);
+// The template that is meant among them, by its exact name first; none when there is none.
+std::optional<TemplateHead> FindTemplateIfAny(const CliContext& context, std::string_view given);
+// Throws Error 32811 instead.
+TemplateHead FindTemplate(const CliContext& context, const std::string& given);
 
 // A template's lines as stored, and the grid that holds them with the checks' marks; the same order in both.
 // Others work on the same account set: lines of what is no longer the template that was listed are none of
