@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/system/utf8.h"
-
 namespace vicenter::autovch {
 
 namespace {

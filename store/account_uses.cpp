@@ -1,6 +1,5 @@
 #include "store/account_uses.h"
 
-#include "automation/error.h"
 #include "entry/sql_text.h"
 #include "store/statements.h"
 

@@ -6,7 +6,6 @@
 
 #include "entry/host_context.h"
 #include "platform/ado/side_by_side.h"
-#include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 
 namespace vicenter::center {

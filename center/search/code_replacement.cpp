@@ -6,7 +6,6 @@
 #include "center/editing/fault_text.h"
 #include "center/frame/window_state.h"
 #include "center/grid/quiet_grid.h"
-#include "center/history/restore.h"
 #include "center/template/template_save.h"
 #include "platform/system/collation.h"
 #include "platform/system/utf8.h"

@@ -10,7 +10,6 @@
 #include "center/template/template_save.h"
 #include "entry/host_services.h"
 #include "entry/sql_text.h"
-#include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"

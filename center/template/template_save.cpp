@@ -6,7 +6,6 @@
 #include "center/lookups/cell_resolution.h"
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
-#include "store/statements.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"

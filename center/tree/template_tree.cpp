@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "center/template/line_loader.h"
 #include "entry/host_services.h"
 #include "entry/single_line.h"
 #include "platform/system/collation.h"

@@ -3,11 +3,9 @@
 #include <map>
 #include <ostream>
 
-#include "entry/sql_text.h"
 #include "host/cli/context.h"
 #include "host/cli/one_line.h"
 #include "host/cli/templates.h"
-#include "store/cls_vi_data.h"
 
 namespace vicenter::host {
 

@@ -14,7 +14,6 @@
 #include "host/cli/context.h"
 #include "host/cli/rights.h"
 #include "platform/ado/account_set/account_set_copies.h"
-#include "platform/ado/account_set/account_set_provider.h"
 #include "platform/system/files.h"
 #include "platform/system/interrupt_key.h"
 #include "platform/system/surroundings.h"

@@ -7,9 +7,9 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "ui/look/center_style.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
 

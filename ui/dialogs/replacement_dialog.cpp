@@ -7,11 +7,11 @@
 #include <utility>
 
 #include "store/template_columns.h"
-#include "ui/look/center_style.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
 #include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
 

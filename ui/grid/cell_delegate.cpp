@@ -11,8 +11,8 @@
 #include "ui/grid/cell_editor.h"
 #include "ui/grid/figures.h"
 #include "ui/grid/grid_view.h"
-#include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 
 namespace vicenter::ui {
 

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "ui/look/center_style.h"
+#include "ui/look/theme.h"
 
 namespace vicenter::ui {
 

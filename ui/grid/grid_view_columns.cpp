@@ -10,7 +10,7 @@
 
 #include "ui/grid/frozen_columns.h"
 #include "ui/grid/grid_view.h"
-#include "ui/look/center_style.h"
+#include "ui/look/theme.h"
 #include "ui/run/slot_guard.h"
 
 namespace vicenter::ui {

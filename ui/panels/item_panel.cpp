@@ -8,8 +8,8 @@
 
 #include "center/editing/cell_rules.h"
 #include "center/grid/columns.h"
-#include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 #include "ui/run/composition.h"
 #include "ui/run/single_line.h"
 

@@ -6,8 +6,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 
 namespace vicenter::ui {
 

@@ -17,8 +17,8 @@
 #include <utility>
 
 #include "ui/grid/rows_format.h"
-#include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 #include "ui/run/application.h"
 #include "ui/run/composition.h"
 #include "ui/run/single_line.h"

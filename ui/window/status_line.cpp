@@ -1,7 +1,7 @@
 #include "ui/window/status_line.h"
 
-#include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 
 namespace vicenter::ui {
 

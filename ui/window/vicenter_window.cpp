@@ -12,8 +12,8 @@
 
 #include "ui/grid/key_codes.h"
 #include "ui/grid/rows_badge.h"
-#include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/theme.h"
 #include "ui/look/twips.h"
 #include "ui/run/application.h"
 #include "ui/run/keyboard_home.h"
