@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <set>
+#include <vector>
 
 #include "automation/error.h"
 #include "entry/host_services.h"
@@ -11,6 +12,7 @@
 #include "host/cli/empty_workbook.h"
 #include "host/cli/templates.h"
 #include "host/cli/windowless_template.h"
+#include "platform/system/collation.h"
 #include "platform/system/file_names.h"
 #include "platform/system/files.h"
 
@@ -22,13 +24,27 @@ using system::PathToUtf8;
 
 namespace {
 
-// A template's name as a file's that is not taken yet.
-std::string FileNameOf(const std::string& templateName, std::set<std::string>& taken) {
-    const std::string name = system::SafeFileName(templateName);
-    std::string result = name;
-    for (int n = 2; !taken.insert(result).second; ++n)
-        result = name + "(" + std::to_string(n) + ")";
-    return result;
+// The templates' names as files', each once, also where case makes no difference. An import reads a
+// template's name from its file's: the name of a template is given to no other one, whose own no file can
+// have.
+std::vector<std::string> FileNamesOf(const std::vector<TemplateHead>& templates) {
+    std::set<std::string> taken;
+    const auto take = [&taken](const std::string& name) {
+        return taken.insert(system::Collator::Chinese().Fold(name)).second;
+    };
+    std::vector<std::string> files(templates.size());
+    for (std::size_t i = 0; i < templates.size(); ++i) {
+        const std::string& name = templates[i].name;
+        if (system::SafeFileName(name) == name && take(name)) files[i] = name;
+    }
+    for (std::size_t i = 0; i < templates.size(); ++i) {
+        if (!files[i].empty()) continue;
+        const std::string name = system::SafeFileName(templates[i].name);
+        files[i] = name;
+        for (int n = 2; !take(files[i]); ++n)
+            files[i] = name + "(" + std::to_string(n) + ")";
+    }
+    return files;
 }
 
 bool Export(const CliContext& context, const TemplateHead& head, const std::string& file) {
@@ -78,10 +94,11 @@ int RunExport(const CliContext& context) {
             throw automation::Error(automation::error_number::kPathNotFound,
                                     "文件夹无法建立：" + options.exportFolder);
         }
-        std::set<std::string> taken;
-        for (const TemplateHead& head : ReadTemplates(context)) {
-            takeOne(head, PathToUtf8(PathFromUtf8(options.exportFolder) /
-                                     PathFromUtf8(FileNameOf(head.name, taken) + ".xlsx")));
+        const std::vector<TemplateHead> templates = ReadTemplates(context);
+        const std::vector<std::string> files = FileNamesOf(templates);
+        for (std::size_t i = 0; i < templates.size(); ++i) {
+            takeOne(templates[i],
+                    PathToUtf8(PathFromUtf8(options.exportFolder) / PathFromUtf8(files[i] + ".xlsx")));
         }
     }
     return FinishSpeaking(context, ok, written);
