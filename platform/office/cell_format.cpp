@@ -123,6 +123,9 @@ bool IsDateFormat(std::string_view numberFormat) {
                     i += 6;
                 }
                 break;
+            case 'a':  // three and four are a weekday
+                if (LowerAscii(numberFormat.substr(i, 3)) == "aaa") return true;
+                break;
             case 'y':
             case 'm':
             case 'd':
