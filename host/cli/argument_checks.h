@@ -26,6 +26,17 @@ inline const CLI::Validator kDigits(
     },
     "");
 
+// As Application.Version says it, or none and the system's own.
+inline const CLI::Validator kExcelVersion(
+    [](const std::string& given) {
+        const bool isVersion = !given.empty() && text::IsDigit(given.front()) &&
+                               given.find_first_not_of("0123456789.") == std::string::npos;
+        return isVersion || given == "none" || given == "installed"
+                   ? std::string()
+                   : "应为版本号、none 或 installed / must be a version, none or installed：" + given;
+    },
+    "");
+
 inline const CLI::Validator kDay(
     [](const std::string& given) {
         std::string form = given;

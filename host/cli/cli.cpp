@@ -38,12 +38,7 @@ constexpr const char* kInstalled = "installed";  // the workbook server that the
 std::string ChosenConnectString(const CliContext& context) {
     const CliOptions& options = context.options;
     if (!options.connectString.empty()) return WithPassword(context, options.connectString);
-    if (!options.accountSet.empty()) {
-        std::error_code ignored;
-        if (!fs::exists(system::PathFromUtf8(options.accountSet), ignored))
-            throw Error(automation::error_number::kFileNotFound, "账套文件不存在：" + options.accountSet);
-        return FileConnectString(options.accountSet);
-    }
+    if (!options.accountSet.empty()) return ExistingFileConnectString(options.accountSet);
     const std::string file = DemoSetFile();
     const fs::path path = system::PathFromUtf8(file);
     std::error_code failed;

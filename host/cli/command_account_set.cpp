@@ -19,7 +19,7 @@ namespace {
 
 ado::ConnectionRef OpenSource(const CliContext& context, const std::string& place) {
     return ado::OpenConnection(IsConnectString(place) ? WithPassword(context, place)
-                                                      : FileConnectString(place));
+                                                      : ExistingFileConnectString(place));
 }
 
 int MakeInDatabase(const CliContext& context) {
@@ -148,8 +148,6 @@ int RunAccountSetVerify(const CliContext& context) {
 
 int RunAccountSetUpgrade(const CliContext& context) {
     const CliOptions& options = context.options;
-    if (!options.file.empty() && !Exists(options.file))
-        throw automation::Error(automation::error_number::kFileNotFound, "账套文件不存在：" + options.file);
     const ado::ConnectionRef connection =
         OpenSource(context, options.file.empty() ? options.connectString : options.file);
     const SetupReport report = UpgradeAccountSet(*connection);

@@ -65,7 +65,8 @@ class CommandLine {
                         "工作簿服务的版本，none 表示没有，installed 表示系统中安装的 / version of the "
                         "workbook server, "
                         "none for none, installed for the system's own")
-            ->capture_default_str();
+            ->capture_default_str()
+            ->check(kExcelVersion);
         auto* yes = app_.add_flag_callback(
             "--yes", [this] { options_.answer = true; },
             "对所有提问回答“是” / answer every question with yes");

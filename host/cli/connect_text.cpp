@@ -1,10 +1,13 @@
 #include "host/cli/connect_text.h"
 
+#include <filesystem>
 #include <fstream>
 #include <istream>
 #include <ostream>
+#include <system_error>
 
 #include "automation/error.h"
+#include "host/account_set.h"
 #include "platform/ado/account_set/account_set_copies.h"
 #include "platform/ado/connection.h"
 #include "platform/system/files.h"
@@ -59,6 +62,13 @@ std::string DemoSetFile() {
 bool IsConnectString(const std::string& fileOrConnectString) {
     const ado::ConnectString settings(fileOrConnectString);
     return settings.Has("Provider") || settings.Has("Driver") || settings.Has("DSN");
+}
+
+std::string ExistingFileConnectString(const std::string& file) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(system::PathFromUtf8(file), ignored))
+        throw Error(automation::error_number::kFileNotFound, "账套文件不存在：" + file);
+    return FileConnectString(file);
 }
 
 std::string WithPassword(const CliContext& context, const std::string& connectString) {

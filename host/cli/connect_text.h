@@ -14,6 +14,9 @@ std::string DemoSetFile();
 
 bool IsConnectString(const std::string& fileOrConnectString);
 
+// Of a file, which must be there: throws Error 53 otherwise.
+std::string ExistingFileConnectString(const std::string& file);
+
 // The connect string with the password that the options name; as it is where it needs none. Throws Error when
 // the password cannot be had.
 std::string WithPassword(const CliContext& context, const std::string& connectString);
