@@ -28,9 +28,10 @@ struct AccountSetOptions {
     int vouchers = 0;  // at least so many in the demo ledger
 };
 
-// Makes a new file: `fill` gets a connection to an empty account set beside it under a temporary name, which is moved
-// to its place when whole. Throws Error 58 when the file exists, 76 when its folder does not.
-void MakeAccountSetFile(const std::string& file, const std::function<void(ado::Connection& connection)>& fill);
+// Makes a new file: `fill` gets a connection to an empty account set beside it under a temporary name, which
+// is moved to its place when whole. Throws Error 58 when the file exists, 76 when its folder does not.
+void MakeAccountSetFile(const std::string& file,
+                        const std::function<void(ado::Connection& connection)>& fill);
 
 // Makes an account set in a new file: written beside it under a temporary name and moved there when whole, so
 // that a process that ends half-way leaves nothing behind that looks like an account set.

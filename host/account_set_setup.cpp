@@ -100,8 +100,7 @@ bool HasIndex(ado::Connection& connection, const Made& made) {
         question +=
             " and exists (select 1 from sys.index_columns as k inner join sys.columns as c on c.object_id = "
             "k.object_id and c.column_id = k.column_id where k.object_id = i.object_id and k.index_id = "
-            "i.index_id "
-            "and k.key_ordinal = " +
+            "i.index_id and k.key_ordinal = " +
             std::to_string(++place) + " and c.name = " + SqlLiteral(column) + ")";
     }
     return HasRows(connection, question + "))");

@@ -23,8 +23,8 @@ struct SetupReport {
 SetupReport CompleteAccountSet(ado::Connection& connection, const AccountSetOptions& options,
                                std::ostream* script = nullptr);
 
-// Makes the tables that later versions of the component keep beside the templates, where they are missing: the
-// history of templates. Throws Error 32811 for a database that is no account set.
+// Makes the tables that later versions of the component keep beside the templates, where they are missing:
+// the history of templates. Throws Error 32811 for a database that is no account set.
 SetupReport UpgradeAccountSet(ado::Connection& connection);
 
 // What an account set lacks of what the scripts make, for users: tables, columns, indexes, procedures. Of

@@ -45,8 +45,7 @@ std::optional<TemplateRow> AskTemplate(const std::string& id) {
 std::optional<TemplateRow> AskTemplateWithLines(const std::string& id) {
     const RecordsetRef records = GetRecordset(
         "select a.FUserID,a.FName as FTemplateName,b.* from t_VchTemplate a left join t_VchTemplateEntry b "
-        "on "
-        "a.FID = b.FID where a.FID = " +
+        "on a.FID = b.FID where a.FID = " +
         id + " order by b.FNo,b.FEntryID ");
     std::optional<TemplateRow> row = RowOf(records);
     if (row) row->lines = records;

@@ -22,24 +22,19 @@ constexpr Question kQuestions[] = {
      "where t.FID = c.FID) group by c.FID order by c.FID"},
     {"凭证模板控制行没有分录",
      "select c.FID,count(*) as FCount from t_VchTpControl c where exists (select 1 from t_VchTemplate t "
-     "where "
-     "t.FID = c.FID) and not exists (select 1 from t_VchTemplateEntry e where e.FID = c.FID and e.FNo = "
-     "c.FNo) "
-     "group by c.FID order by c.FID"},
+     "where t.FID = c.FID) and not exists (select 1 from t_VchTemplateEntry e where e.FID = c.FID and e.FNo "
+     "= c.FNo) group by c.FID order by c.FID"},
     {"凭证模板内码重复",
      "select FID,count(*) as FCount from t_VchTemplate group by FID having count(*) > 1 order by FID"},
     {"凭证模板分录内码重复",
      "select FID,count(*) as FCount from t_VchTemplateEntry group by FID,FEntryID having count(*) > 1 order "
-     "by "
-     "FID"},
+     "by FID"},
     {"凭证模板名称重复",
      "select min(FID) as FID,count(*) as FCount from t_VchTemplate group by FName having count(*) > 1 order "
-     "by "
-     "min(FID)"},
+     "by min(FID)"},
     {"凭证模板的用户不存在",
      "select FID,1 as FCount from t_VchTemplate where FID <> 0 and FUserID not in (select FUserID from "
-     "t_User) "
-     "order by FID"},
+     "t_User) order by FID"},
     {"标准模板不属于所有用户", "select FID,1 as FCount from t_VchTemplate where FID = 0 and FUserID <> 0"},
     {"凭证模板分录的借贷方向既不是借也不是贷",
      "select FID,count(*) as FCount from t_VchTemplateEntry where FDC not in (0,1) group by FID order by "

@@ -127,8 +127,7 @@ bool clsVIData::DeleteVchTemplateInfo(const std::string& FID) {
 std::int32_t clsVIData::InsertVchTemplateInfo(std::int32_t& lMaxNum) {
     try {
         const RecordsetRef names = Query(
-            "select REPLACE(REPLACE(fname,')',''),'自定义模板(','') as FNum from t_VchTemplate where FName "
-            "like "
+            "select REPLACE(REPLACE(fname,')',''),'自定义模板(','') as FNum from t_VchTemplate where FName like "
             "'%自定义模板(%'");
         std::set<std::int64_t> taken;
         for (; !names->AtEnd(); names->MoveNext()) {

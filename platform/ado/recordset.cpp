@@ -19,8 +19,7 @@ constexpr const char* kItemNotFoundText =
     "Item cannot be found in the collection corresponding to the requested name or ordinal.";
 constexpr const char* kNoCurrentRecordText =
     "Either BOF or EOF is True, or the current record has been deleted. Requested operation requires a "
-    "current "
-    "record.";
+    "current record.";
 constexpr const char* kObjectClosedText = "Operation is not allowed when the object is closed.";
 constexpr const char* kSource = "ADODB.Recordset";
 

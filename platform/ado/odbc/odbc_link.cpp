@@ -75,8 +75,7 @@ std::string ConnectFailure(const std::vector<DriverError>& errors, [[maybe_unuse
     if (trusted) {
         text +=
             "\n集成验证（Integrated Security）使用当前用户的 Kerberos 票据：请先用 kinit 取得票据，或改用 "
-            "User ID "
-            "和 Password。";
+            "User ID 和 Password。";
     }
 #endif
     return text;

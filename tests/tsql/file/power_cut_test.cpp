@@ -111,9 +111,7 @@ const sqlite3_io_methods kPowerMethods = {
     Write,
     Truncate,
     Sync,
-    [](sqlite3_file* file, sqlite3_int64* size) {
-        return Real(file)->pMethods->xFileSize(Real(file), size);
-    },
+    [](sqlite3_file* file, sqlite3_int64* size) { return Real(file)->pMethods->xFileSize(Real(file), size); },
     [](sqlite3_file* file, int level) { return Real(file)->pMethods->xLock(Real(file), level); },
     [](sqlite3_file* file, int level) { return Real(file)->pMethods->xUnlock(Real(file), level); },
     [](sqlite3_file* file, int* reserved) {
@@ -198,7 +196,8 @@ TEST_F(PowerCutTest, A_save_that_was_acknowledged_survives_and_one_that_was_not_
     const auto save = [this](long version) {
         std::string batch = "delete from t\n";
         for (int i = 0; i < 40; ++i)
-            batch += "insert into t values(" + std::to_string(version) + ", '" + std::string(150, 'x') + "')\n";
+            batch +=
+                "insert into t values(" + std::to_string(version) + ", '" + std::string(150, 'x') + "')\n";
         return Run(batch);
     };
     ASSERT_EQ(save(1), "");

@@ -186,8 +186,8 @@ std::string BatchGenerator::Query() {
                    "c.total from "
                    "g_one as o left join c on c.one_id = o.id order by o.id";
         default:
-            return "select count(*) as n, avg(o.d) as a, min(0 + " + Number(1) + ") as m from g_one as o where " +
-                   Condition(2);
+            return "select count(*) as n, avg(o.d) as a, min(0 + " + Number(1) +
+                   ") as m from g_one as o where " + Condition(2);
     }
 }
 
