@@ -319,6 +319,10 @@ class Reader {
         }
         writerCalculates_ = true;
         if (kind == 0) {
+            // Until its text comes it has none.
+            Cell& cell = sheet.Append(place.row, place.column, place.format);
+            cell.kind = CellKind::Error;
+            cell.error = CellError::Calc;
             awaitsText_ = true;
             formulaPlace_ = place;
         } else {

@@ -171,6 +171,8 @@ void AddRecord(office::XlsParts& parts, const std::string& line) {
         parts.Error(row, column, static_cast<std::uint8_t>(std::stoi(rest, nullptr, 16)));
     } else if (kind == "hidden") {  // the row, whatever column is named
         parts.HiddenRow(row);
+    } else if (kind == "textless") {  // a formula with a text as its result, which does not follow
+        parts.Formula(row, column, std::string(6, '\0') + "\xFF\xFF", 0, Bytes("1E0100"));
     } else if (kind == "formula") {  // flags and tokens; there is no result
         const std::size_t blank = rest.find(' ');
         parts.Formula(row, column, std::string(8, '\0'),
