@@ -103,6 +103,29 @@ def check_texts(program, folder):
     assert text.count("1002.01 工行A4户") == len(TEXTS), text
 
 
+def check_what_is_read_wrongly(program, folder):
+    """A line end is one on paper, too; marks that turn what is behind them are seen; no amount is parted."""
+    program.run("sql", text="insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
+                "values(990,N'怪字',1,'',getdate())\n" + "".join(
+                    "insert into t_VchTemplateEntry(FID,FEntryID,FNo,FExp,FDC,FAccountNumber,FAcctountName,FAmount) "
+                    f"values(990,{line},1,{text},{line % 2},N'1001',N'库存现金',{amount})\n"
+                    for line, (text, amount) in enumerate([
+                        ("N'第一'+nchar(13)+nchar(10)+N'第二'", "12345678901.2345"),
+                        ("N'行首'+nchar(8232)+N'行尾'", "-1234567.8901"),
+                        ("N'转'+nchar(8238)+N'abc'", "999999999999.9999"),
+                        ("N'长摘要'", "1")])))
+    file = os.path.join(folder, "odd.pdf")
+    program.run("print", "怪字", file)
+    text = "\n".join(pages_of(file))
+    assert "第一第二" not in text and "第一" in text and "第二" in text, text
+    assert "行首行尾" not in text and "行首" in text and "行尾" in text, text
+    assert "abc" in text and "cba" not in text, text
+    # Those of the lines and the sums of either side.
+    for amount in ("12,345,678,901.2345", "-1,234,567.8901", "999,999,999,999.9999", "1,012,345,678,901.2344",
+                   "-1,234,566.8901"):
+        assert amount in text, (amount, text)
+
+
 def check_voucher(program, folder):
     file = os.path.join(folder, "voucher.pdf")
     program.run("print", "外币业务（待核对）", file, "--number", "3")
@@ -139,6 +162,7 @@ def main():
         check_template(program, folder)
         check_long_pattern(program, folder)
         check_texts(program, folder)
+        check_what_is_read_wrongly(program, folder)
         check_voucher(program, folder)
         check_doctor(program, folder)
 

@@ -1,8 +1,10 @@
 #pragma once
 
-// Values as the lists of the window show them: in one line, and nothing of them unseen. Stateless.
+// Values as the lists of the window show them: in one line, and nothing of them unseen; and as paper has
+// them, where a line end is one. Stateless.
 
 #include <QString>
+#include <QStringList>
 #include <string_view>
 
 #include "entry/single_line.h"
@@ -15,6 +17,19 @@ inline QString ToQtLine(std::string_view text) {
 }
 inline QString InOneLine(const QString& text) {
     return ToQtLine(FromQt(text));
+}
+
+// Lines parted for a text layout.
+inline QString ToPrintedLines(std::string_view text) {
+    QString all = ToQtLines(text);
+    for (QChar& c : all) {
+        if (c == u'\r' || c == QChar(0x85) || c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
+            c = u'\n';
+    }
+    QStringList lines = all.split(u'\n');
+    for (QString& line : lines)
+        line = InOneLine(line);
+    return lines.join(QChar(QChar::LineSeparator));
 }
 
 }  // namespace vicenter::ui

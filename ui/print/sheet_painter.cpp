@@ -16,6 +16,7 @@
 #include "center/print/voucher_preview.h"
 #include "platform/system/file_replacement.h"
 #include "ui/look/dialog_frame.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
 #include "ui/print/pdf_text.h"
@@ -54,7 +55,8 @@ QFont FontOf(double points, bool bold = false) {
 // than a line.
 class Wrapped {
   public:
-    Wrapped(const QString& text, const QFont& font, double width, Qt::Alignment side) : layout_(text, font) {
+    Wrapped(const std::string& text, const QFont& font, double width, Qt::Alignment side)
+        : layout_(ToPrintedLines(text), font) {
         QTextOption option(side);
         option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
         layout_.setTextOption(option);
@@ -102,27 +104,56 @@ class SheetPainter {
     }
 
   private:
+    // By their shares; but no amount is parted while the other columns can give it room.
     void MeasureColumns() {
         int shares = 0;
         for (const center::PrintColumn& column : sheet_.columns)
             shares += column.share;
         for (const center::PrintColumn& column : sheet_.columns)
             widths_.push_back(page_.width() * column.share / std::max(shares, 1));
+        constexpr double kLeastOfOthers = 0.4;  // of the page
+        double figures = 0;
+        double others = 0;
+        for (std::size_t c = 0; c < widths_.size(); ++c) {
+            const bool isFigures = sheet_.columns[c].figures;
+            if (isFigures) widths_[c] = std::max(widths_[c], WidestOf(c));
+            (isFigures ? figures : others) += widths_[c];
+        }
+        const double most = page_.width() - std::min(others, page_.width() * kLeastOfOthers);
+        const double forFigures = std::min(figures, most) / std::max(figures, 1.0);
+        const double forOthers = (page_.width() - std::min(figures, most)) / std::max(others, 1.0);
+        for (std::size_t c = 0; c < widths_.size(); ++c)
+            widths_[c] *= sheet_.columns[c].figures ? forFigures : forOthers;
     }
 
-    static double TextHeight(const QString& text, double width, const QFont& font) {
+    double WidestOf(std::size_t column) const {
+        constexpr double kRounding = 1;
+        double widest = 0;
+        const auto take = [&](const std::vector<std::string>& texts, const QFont& font) {
+            if (column < texts.size())
+                widest = std::max(widest, QFontMetricsF(font).horizontalAdvance(ToQt(texts[column])));
+        };
+        for (const PrintBlock& block : sheet_.blocks) {
+            for (const auto& row : block.rows)
+                take(row, text_);
+            take(block.foot, bold_);
+        }
+        return widest + 2 * kPadding + kRounding;
+    }
+
+    static double TextHeight(const std::string& text, double width, const QFont& font) {
         return Wrapped(text, font, width - 2 * kPadding, Qt::AlignLeft).Height();
     }
 
     double RowHeight(const std::vector<std::string>& texts, const QFont& font) const {
         double height = QFontMetricsF(font).height();
         for (std::size_t c = 0; c < texts.size() && c < widths_.size(); ++c)
-            height = std::max(height, TextHeight(ToQt(texts[c]), widths_[c], font));
+            height = std::max(height, TextHeight(texts[c], widths_[c], font));
         return height + 2 * kPadding;
     }
 
     double NoteHeight(const std::string& note) const {
-        return TextHeight(ToQt(note), page_.width(), small_) + kPadding;
+        return TextHeight(note, page_.width(), small_) + kPadding;
     }
 
     center::BlockHeights Measure(const PrintBlock& block) const {
@@ -140,7 +171,13 @@ class SheetPainter {
         return QFontMetricsF(title_).height() + QFontMetricsF(small_).height() + HeaderHeight() +
                4 * kPadding;
     }
-    double HeaderHeight() const { return QFontMetricsF(bold_).height() + 2 * kPadding; }
+    std::vector<std::string> Headers() const {
+        std::vector<std::string> headers;
+        for (const center::PrintColumn& column : sheet_.columns)
+            headers.push_back(column.header);
+        return headers;
+    }
+    double HeaderHeight() const { return RowHeight(Headers(), bold_); }
 
     void PaintPage(const center::PrintPage& page, const std::vector<center::BlockHeights>& heights,
                    std::size_t number, std::size_t count) {
@@ -163,7 +200,7 @@ class SheetPainter {
         const double titleHeight = QFontMetricsF(title_).height();
         painter_.drawText(
             QRectF(page_.left(), top, page_.width(), titleHeight), Qt::AlignHCenter,
-            QFontMetricsF(title_).elidedText(ToQt(sheet_.title).simplified(), Qt::ElideRight, page_.width()));
+            QFontMetricsF(title_).elidedText(ToQtLine(sheet_.title), Qt::ElideRight, page_.width()));
         top += titleHeight + kPadding;
         painter_.setFont(small_);
         const double line = QFontMetricsF(small_).height();
@@ -173,7 +210,7 @@ class SheetPainter {
             const QRectF place(left, top, page_.width() * share, line);
             left = place.right();
             if (value.empty()) return;
-            const QString text = name + ToQt(value).simplified();
+            const QString text = name + ToQtLine(value);
             painter_.drawText(place, static_cast<int>(side),
                               QFontMetricsF(small_).elidedText(text, Qt::ElideRight, place.width()));
         };
@@ -181,13 +218,10 @@ class SheetPainter {
         put(0.3, Qt::AlignLeft, QStringLiteral("用户："), sheet_.user);
         put(0.2, Qt::AlignRight, QStringLiteral("日期："), sheet_.date);
         top += line + kPadding;
-        std::vector<std::string> headers;
-        for (const center::PrintColumn& column : sheet_.columns)
-            headers.push_back(column.header);
-        painter_.fillRect(QRectF(page_.left(), top, page_.width(), HeaderHeight()),
-                          colors::kHeader.OnLight());
-        PaintRow(headers, top, HeaderHeight(), bold_);
-        return top + HeaderHeight() + 2 * kPadding;
+        const double header = HeaderHeight();
+        painter_.fillRect(QRectF(page_.left(), top, page_.width(), header), colors::kHeader.OnLight());
+        PaintRow(Headers(), top, header, bold_);
+        return top + header + 2 * kPadding;
     }
 
     double PaintPiece(const PrintPiece& piece, const center::BlockHeights& heights, double top) {
@@ -210,7 +244,7 @@ class SheetPainter {
         }
         for (const std::string& note : block.notes) {
             painter_.setPen(colors::kCaution.OnLight());
-            Wrapped(ToQt(note), small_, page_.width() - 2 * kPadding, Qt::AlignLeft)
+            Wrapped(note, small_, page_.width() - 2 * kPadding, Qt::AlignLeft)
                 .Draw(painter_, {page_.left() + kPadding, top + kPadding});
             top += NoteHeight(note);
         }
@@ -227,7 +261,7 @@ class SheetPainter {
             painter_.setPen(colors::kInk.OnLight());
             const auto side = sheet_.columns[c].figures ? Qt::AlignRight : Qt::AlignLeft;
             if (c < texts.size()) {
-                const Wrapped text(ToQt(texts[c]), font, widths_[c] - 2 * kPadding, side);
+                const Wrapped text(texts[c], font, widths_[c] - 2 * kPadding, side);
                 text.Draw(painter_, {left + kPadding, top + (height - text.Height()) / 2});
             }
             left += widths_[c];
@@ -265,7 +299,7 @@ QString TextOf(const PrintSheet& sheet) {
         add(block.foot);
         add(block.notes);
     }
-    return ToQt(text);
+    return ToPrintedLines(text);
 }
 
 }  // namespace
