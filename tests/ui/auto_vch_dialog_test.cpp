@@ -10,6 +10,7 @@
 #include <QToolButton>
 
 #include "tests/autovch/autovch_fixture.h"
+#include "ui/dialogs/pattern_dialog.h"
 
 namespace vicenter::ui {
 namespace {
@@ -160,6 +161,20 @@ TEST_F(AutoVchDialogTest, CancelDuringTheGenerationKeepsTheDialogAndWritesNothin
     EXPECT_TRUE(surroundings_.messageBoxes->shown.empty());
     for (const std::string& sql : set_.Statements())
         EXPECT_EQ(sql.find("insert into"), std::string::npos) << sql;
+}
+
+TEST_F(AutoVchDialogTest, AllOrNoneOfManyPatternsAreTickedAtOnce) {
+    constexpr int kPatterns = 20'000;
+    autovch::GenerationPreview preview;
+    for (int i = 1; i <= kPatterns; ++i)
+        preview.patterns.push_back({{std::to_string(i)}, "摘要", {"借1001"}, "借1001 现金", {}});
+    PatternDialog dialog(preview, {}, dialog_.get());
+    const auto* note = dialog.findChild<QLabel*>(QStringLiteral("note"));
+    QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdNone")), Qt::LeftButton);
+    EXPECT_EQ(note->text(), QStringLiteral("20000 种凭证，将生成 0 个编号，20000 个不生成"));
+    EXPECT_EQ(dialog.Without().size(), static_cast<std::size_t>(kPatterns));
+    QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdAll")), Qt::LeftButton);
+    EXPECT_EQ(note->text(), QStringLiteral("20000 种凭证，将生成 20000 个编号"));
 }
 
 TEST_F(AutoVchDialogTest, AMissingNameKeepsItOpen) {

@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -87,8 +88,13 @@ void PatternDialog::Fill(const autovch::LeftOut& without) {
 }
 
 void PatternDialog::TickAll(bool ticked) {
-    for (int row = 0; row < patterns_->rowCount(); ++row)
-        patterns_->item(row, 0)->setCheckState(ticked ? Qt::Checked : Qt::Unchecked);
+    {
+        // Counted once, not for every row anew.
+        const QSignalBlocker quiet(patterns_);
+        for (int row = 0; row < patterns_->rowCount(); ++row)
+            patterns_->item(row, 0)->setCheckState(ticked ? Qt::Checked : Qt::Unchecked);
+    }
+    ShowCount();
 }
 
 autovch::LeftOut PatternDialog::Without() const {
