@@ -254,18 +254,23 @@ class Calculation {
         return std::move(*value);
     }
 
-    // The numbers among a function's arguments: those of a range leave texts and blanks out, as a sheet does.
-    std::vector<double> Arguments() {
+    // The numbers among a function's arguments: those of a range leave texts and blanks out, as a sheet does,
+    // and of a function that takes a list so do cells by themselves.
+    std::vector<double> Arguments(bool takesList) {
         std::vector<double> numbers;
         if (Take(')')) return numbers;
         do {
             SkipBlanks();
             const std::string_view before = rest_;
             const auto first = TakePlace();
+            SkipBlanks();
+            const bool alone = rest_.starts_with(',') || rest_.starts_with(')');
             if (first && Take(':')) {
                 const auto last = TakePlace();
                 if (!last) throw NotSimple();
                 AppendRange(*first, *last, numbers);
+            } else if (first && takesList && alone) {
+                AppendRange(*first, *first, numbers);
             } else {
                 rest_ = before;
                 numbers.push_back(AsNumber(Joined()));
@@ -355,7 +360,7 @@ class Calculation {
 
     FormulaValue Function(const std::string& name) {
         if (name == "IF") return Choice();
-        const std::vector<double> numbers = Arguments();
+        const std::vector<double> numbers = Arguments(name == "SUM" || name == "MIN" || name == "MAX");
         if (name == "SUM") {
             double sum = 0;
             for (const double number : numbers)

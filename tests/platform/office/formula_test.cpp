@@ -48,6 +48,14 @@ TEST(Formula, CountsAsASheetDoes) {
              {"ROUND(-1250,-2)", "-1300"},
              {"MAX(A1:A3)-MIN(A1:A3)", "2"},
              {"ABS(-3)", "3"},
+             // A cell by itself among the arguments is a range of one: what is no number does not count.
+             {"SUM(A1,A6)", "1"},
+             {"SUM(A4, A2 ,$A$5)", "2"},
+             {"MIN(A3,A5)", "3"},
+             {"MAX(A5,-2)", "-2"},
+             {"SUM(A6*2,A1)", "4"},
+             {"ABS(A5)", "0"},
+             {"ROUND(A6,0)", "2"},
          }) {
         EXPECT_EQ(Calculated(formula), value) << formula;
     }
