@@ -281,7 +281,14 @@ void TemplateTree::StartRenaming() {
 }
 
 bool TemplateTree::BeforeLabelEdit() {
-    return selected_ != kRootKey && selected_ != kStandardKey;
+    const bool begins = selected_ != kRootKey && selected_ != kStandardKey;
+    if (!begins) LabelEditGivenUp();
+    return begins;
+}
+
+void TemplateTree::LabelEditGivenUp() {
+    editsLabels_ = false;
+    unnamed_.clear();
 }
 
 bool TemplateTree::AfterLabelEdit(const std::string& label) {

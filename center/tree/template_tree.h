@@ -49,6 +49,8 @@ class TemplateTree {
     bool PassGate();
     bool BeforeLabelEdit();
     bool AfterLabelEdit(const std::string& label);
+    // The edit that was asked for has ended without a new text, or never begun.
+    void LabelEditGivenUp();
 
     // True when a template was created.
     bool CreateTemplate();

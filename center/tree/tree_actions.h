@@ -27,6 +27,7 @@ class TreeActions {
     virtual void DoubleClick() = 0;
     virtual bool BeforeLabelEdit() = 0;                           // false: no edit
     virtual bool AfterLabelEdit(const std::string& newText) = 0;  // false: the old label comes back
+    virtual void LabelEditGivenUp() = 0;                          // it has ended without a new text
     virtual bool EditsLabels() = 0;  // a click on the selected node edits its label
     // The Delete key: the command of the bar, while it is enabled.
     virtual void DeleteSelected() = 0;

@@ -43,6 +43,10 @@ bool TreeFacet::AfterLabelEdit(const std::string& newText) {
     return parts_.edge.Look([&] { return parts_.tree.AfterLabelEdit(newText); });
 }
 
+void TreeFacet::LabelEditGivenUp() {
+    parts_.tree.LabelEditGivenUp();
+}
+
 bool TreeFacet::EditsLabels() {
     return parts_.tree.EditsLabels();
 }

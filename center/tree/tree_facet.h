@@ -22,6 +22,7 @@ class TreeFacet final : public TreeActions {
     void DoubleClick() override;
     bool BeforeLabelEdit() override;
     bool AfterLabelEdit(const std::string& newText) override;
+    void LabelEditGivenUp() override;
     bool EditsLabels() override;
     void DeleteSelected() override;
     void SaveAs() override;

@@ -77,6 +77,30 @@ TEST_F(LitNodeTest, AfterEscapeAClickOnTheLitNodeRenamesNothing) {
     EXPECT_EQ(ledger->Sent("update t_VchTemplate set"), "");
 }
 
+TEST_F(LitNodeTest, ALabelThatWasGivenUpLeavesNoClickBehindThatEdits) {
+    Open();
+    const auto clickTwiceAndWait = [this] {
+        ClickNode("detail-5");
+        ClickNode("detail-5");
+        bool over = false;
+        QTimer::singleShot(QApplication::doubleClickInterval() + 50, window, [&over] { over = true; });
+        ASSERT_TRUE(QTest::qWaitFor([&over] { return over; }));
+        EXPECT_FALSE(window->Tree().IsEditingLabel());
+    };
+    DoubleClickNode("detail-5");
+    ASSERT_TRUE(window->Tree().IsEditingLabel());
+    Key(Qt::Key_Escape);
+    clickTwiceAndWait();
+    DoubleClickNode("detail-5");
+    ASSERT_TRUE(window->Tree().IsEditingLabel());
+    ClickCell(1, 2);  // leaves it untouched
+    ASSERT_FALSE(window->Tree().IsEditingLabel());
+    clickTwiceAndWait();
+    DoubleClickNode("detail-0");  // may not be renamed
+    clickTwiceAndWait();
+    EXPECT_EQ(ledger->Sent("update t_VchTemplate set"), "");
+}
+
 TEST_F(LitNodeTest, DeletingAsksForTheLitOne) {
     Open();
     ClickNode("detail-5");

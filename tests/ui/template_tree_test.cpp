@@ -27,6 +27,7 @@ class RecordedTreeActions : public center::TreeActions {
         labels.push_back(newText);
         return accepts;
     }
+    void LabelEditGivenUp() override { ++givenUp; }
     bool EditsLabels() override { return automatic; }
     void DeleteSelected() override { ++deletes; }
     void SaveAs() override {}
@@ -49,6 +50,7 @@ class RecordedTreeActions : public center::TreeActions {
     bool offersFilter = false;
     int doubleClicks = 0;
     int deletes = 0;
+    int givenUp = 0;
     bool mayRename = true;
     bool mayEdit = true;
     bool accepts = true;
@@ -212,6 +214,39 @@ TEST_F(TemplateTreeTest, AnUntouchedLabelIsHandedOverOnEnterButNotOnEscapeOrOnLe
     ASSERT_NE(Editor(), nullptr);
     Key(Qt::Key_Return);
     EXPECT_EQ(actions.labels, std::vector<std::string>{"自定义模板(1)"});
+}
+
+TEST_F(TemplateTreeTest, EveryEndOfALabelIsToldOnceAsATextOrAsGivenUp) {
+    const auto edit = [this] {
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // the editor before
+        actions.givenUp = 0;
+        actions.labels.clear();
+        DoubleClick("detail-5");
+        ASSERT_NE(Editor(), nullptr);
+    };
+    edit();
+    QTest::keyClicks(Editor(), "x");
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(actions.givenUp, 1);
+    EXPECT_TRUE(actions.labels.empty());
+    edit();
+    QTest::keyClicks(Editor(), "x");
+    Key(Qt::Key_Return);
+    EXPECT_EQ(actions.givenUp, 0);
+    EXPECT_EQ(actions.labels.size(), 1U);
+    edit();
+    Click("detail-6");  // untouched
+    EXPECT_EQ(actions.givenUp, 1);
+    EXPECT_TRUE(actions.labels.empty());
+    edit();
+    tree.RemoveNode("detail-5");
+    EXPECT_EQ(actions.givenUp, 1);
+    EXPECT_FALSE(tree.IsEditingLabel());
+    tree.AddNode({"detail-5", "自定义模板(1)", 2});
+    edit();
+    tree.SetNodes({{"ROOT", "凭证模板", 7}, {"detail-5", "自定义模板(1)", 2}});
+    EXPECT_EQ(actions.givenUp, 1);
+    EXPECT_FALSE(tree.IsEditingLabel());
 }
 
 TEST_F(TemplateTreeTest, ALabelThatMayNotBeEditedIsNot) {

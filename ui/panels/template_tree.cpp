@@ -78,6 +78,12 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
         return QStyledItemDelegate::eventFilter(watched, event);
     }
 
+    // Whichever way the editor goes: its node may have been removed, or all of them.
+    void destroyEditor(QWidget* editor, const QModelIndex& index) const override {
+        QStyledItemDelegate::destroyEditor(editor, index);
+        if (!pending_) tree_.GiveUpLabel();
+    }
+
     std::optional<QString> TakePending() {
         entered_ = false;
         return std::exchange(pending_, std::nullopt);
@@ -123,7 +129,7 @@ class TemplateTree::LabelDelegate : public QStyledItemDelegate {
     }
 
   private:
-    const TemplateTree& tree_;
+    TemplateTree& tree_;
     mutable std::optional<QString> pending_;
     bool entered_ = false;
 };
@@ -285,6 +291,11 @@ void TemplateTree::StartLabelEdit() {
     if (!GuardedOr(false, [&] { return actions_.BeforeLabelEdit(); })) return;
     scrollToItem(item);
     editItem(item, 0);
+    if (!IsEditingLabel()) GiveUpLabel();
+}
+
+void TemplateTree::GiveUpLabel() {
+    Guarded([&] { actions_.LabelEditGivenUp(); });
 }
 
 void TemplateTree::EndLabelEdit() {

@@ -74,6 +74,7 @@ class TemplateTree : public QTreeWidget {
     QTreeWidgetItem* DropTarget(const QDropEvent& event) const;
     void MarkDrop(const QModelIndex& index, bool takes);
     void FinishLabel();
+    void GiveUpLabel();
 
     center::TreeActions& actions_;
     LabelDelegate* labels_;
