@@ -126,6 +126,26 @@ def check_what_is_read_wrongly(program, folder):
         assert amount in text, (amount, text)
 
 
+def check_large_amounts(program, folder):
+    """A number stands on one line, however many digits it has."""
+    program.run("--yes", "new")
+    name = program.run("list").splitlines()[-1].split("\t")[1]
+    largest = {"FAmount": "999999998.1234", "FAmountFor": "999999998.4321", "FCurrencyName": "美元",
+               "FRate": "1.0123456789", "FQty": "999999997.5678", "FPrice": "999999996.0987654321"}
+    line = {"FNo": 1, "FExp": "大额", "FAccountNumber": "1001", "FAcctountName": "库存现金"}
+    rows = [dict(line, FDC="借", **largest) for _ in range(1200)]
+    rows += [dict(line, FDC="贷", FAmount="999999999") for _ in range(2)]
+    program.run("save", name, text=json.dumps({"lines": rows}))
+    file = os.path.join(folder, "large.pdf")
+    program.run("print", name, file)
+    text = "\n".join(pages_of(file))
+    for number in ("999,999,998.1234", "999,999,998.4321", "1.0123456789", "999,999,997.5678",
+                   "999,999,996.0987654321"):
+        assert text.count(number) == 1200, (number, text.count(number))
+    for number in ("1,199,999,997,748.08", "1,999,999,998.00", "1,197,999,997,750.08"):
+        assert number in text, (number, text[-2000:])
+
+
 def check_voucher(program, folder):
     file = os.path.join(folder, "voucher.pdf")
     program.run("print", "外币业务（待核对）", file, "--number", "3")
@@ -163,6 +183,7 @@ def main():
         check_long_pattern(program, folder)
         check_texts(program, folder)
         check_what_is_read_wrongly(program, folder)
+        check_large_amounts(program, folder)
         check_voucher(program, folder)
         check_doctor(program, folder)
 

@@ -9,6 +9,7 @@
 #include <QPrinter>
 #include <QTextLayout>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -39,6 +40,7 @@ constexpr double kPadding = 3;
 constexpr double kGap = 12;
 constexpr double kFooter = 22;
 constexpr double kHairline = 0.4;
+constexpr double kMostOfPage = 0.5;  // for the columns of numbers together
 const std::string kFixedTexts = "账套用户日期第页共续";
 
 QFont FontOf(double points, bool bold = false) {
@@ -51,30 +53,61 @@ QFont FontOf(double points, bool bold = false) {
     return font;
 }
 
+// The widest number within a text.
+double WidestNumber(const QString& text, const QFontMetricsF& metrics) {
+    constexpr qsizetype kLongest = 32;  // what has more digits is none
+    double widest = 0;
+    qsizetype first = 0;
+    for (qsizetype i = 0; i <= text.size(); ++i) {
+        const bool inNumber = i < text.size() && (text[i].isDigit() || text[i] == u',' || text[i] == u'.');
+        if (inNumber) continue;
+        if (i > first && i - first <= kLongest)
+            widest = std::max(widest, metrics.horizontalAdvance(text.mid(first, i - first)));
+        first = i + 1;
+    }
+    return widest;
+}
+
 // A text on as many lines as its width asks for: parted between words, within one only where it is longer
-// than a line.
+// than a line. A number is never parted: where there is no room for it, the text is drawn smaller.
 class Wrapped {
   public:
-    Wrapped(const std::string& text, const QFont& font, double width, Qt::Alignment side)
-        : layout_(ToPrintedLines(text), font) {
-        QTextOption option(side);
-        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    enum class As { Words, Figure };
+
+    Wrapped(const QString& text, const QFont& font, double width, As as) : layout_(text, font) {
+        QTextOption option(as == As::Figure ? Qt::AlignRight : Qt::AlignLeft);
+        option.setWrapMode(as == As::Figure ? QTextOption::NoWrap
+                                            : QTextOption::WrapAtWordBoundaryOrAnywhere);
         layout_.setTextOption(option);
+        const QFontMetricsF metrics(font);
+        const double whole = as == As::Figure ? WidthOf(text, metrics) : WidestNumber(text, metrics);
+        if (whole > width) scale_ = width / whole;
         layout_.beginLayout();
         for (QTextLine line = layout_.createLine(); line.isValid(); line = layout_.createLine()) {
-            line.setLineWidth(width);
-            line.setPosition({0, height_});
-            height_ += line.height();
+            line.setLineWidth(width / scale_);
+            line.setPosition({0, height_ / scale_});
+            height_ += line.height() * scale_;
         }
         layout_.endLayout();
     }
 
+    static double WidthOf(const QString& text, const QFontMetricsF& metrics) {
+        return std::ceil(metrics.horizontalAdvance(text));
+    }
+
     double Height() const { return height_; }
-    void Draw(QPainter& painter, const QPointF& at) const { layout_.draw(&painter, at); }
+    void Draw(QPainter& painter, const QPointF& at) const {
+        painter.save();
+        painter.translate(at);
+        painter.scale(scale_, scale_);
+        layout_.draw(&painter, {0, 0});
+        painter.restore();
+    }
 
   private:
     QTextLayout layout_;
     double height_ = 0;
+    double scale_ = 1;
 };
 
 class SheetPainter {
@@ -104,57 +137,57 @@ class SheetPainter {
     }
 
   private:
-    // By their shares; but no amount is parted while the other columns can give it room.
+    // By their shares, but that numbers have the room that the widest of them needs, as far as the page goes.
     void MeasureColumns() {
+        int figureShares = 0;
         int shares = 0;
         for (const center::PrintColumn& column : sheet_.columns)
-            shares += column.share;
-        for (const center::PrintColumn& column : sheet_.columns)
-            widths_.push_back(page_.width() * column.share / std::max(shares, 1));
-        constexpr double kLeastOfOthers = 0.4;  // of the page
+            (column.figures ? figureShares : shares) += column.share;
+        const double unit = page_.width() / std::max(shares + figureShares, 1);
         double figures = 0;
-        double others = 0;
-        for (std::size_t c = 0; c < widths_.size(); ++c) {
-            const bool isFigures = sheet_.columns[c].figures;
-            if (isFigures) widths_[c] = std::max(widths_[c], WidestOf(c));
-            (isFigures ? figures : others) += widths_[c];
+        for (std::size_t c = 0; c < sheet_.columns.size(); ++c) {
+            const center::PrintColumn& column = sheet_.columns[c];
+            const double most = page_.width() * kMostOfPage * column.share / std::max(figureShares, 1);
+            const double wanted = std::max(unit * column.share, WidestIn(c) + 2 * kPadding);
+            widths_.push_back(column.figures ? std::min(wanted, most) : 0);
+            figures += widths_.back();
         }
-        const double most = page_.width() - std::min(others, page_.width() * kLeastOfOthers);
-        const double forFigures = std::min(figures, most) / std::max(figures, 1.0);
-        const double forOthers = (page_.width() - std::min(figures, most)) / std::max(others, 1.0);
-        for (std::size_t c = 0; c < widths_.size(); ++c)
-            widths_[c] *= sheet_.columns[c].figures ? forFigures : forOthers;
+        for (std::size_t c = 0; c < sheet_.columns.size(); ++c) {
+            if (sheet_.columns[c].figures) continue;
+            widths_[c] = (page_.width() - figures) * sheet_.columns[c].share / std::max(shares, 1);
+        }
     }
 
-    double WidestOf(std::size_t column) const {
-        constexpr double kRounding = 1;
+    double WidestIn(std::size_t column) const {
         double widest = 0;
-        const auto take = [&](const std::vector<std::string>& texts, const QFont& font) {
+        const auto see = [&](const std::vector<std::string>& texts, const QFont& font) {
             if (column < texts.size())
-                widest = std::max(widest, QFontMetricsF(font).horizontalAdvance(ToQt(texts[column])));
+                widest = std::max(widest, Wrapped::WidthOf(ToQt(texts[column]), QFontMetricsF(font)));
         };
         for (const PrintBlock& block : sheet_.blocks) {
             for (const auto& row : block.rows)
-                take(row, text_);
-            take(block.foot, bold_);
+                see(row, text_);
+            see(block.foot, bold_);
         }
-        return widest + 2 * kPadding + kRounding;
+        return widest;
     }
 
-    static double TextHeight(const std::string& text, double width, const QFont& font) {
-        return Wrapped(text, font, width - 2 * kPadding, Qt::AlignLeft).Height();
+    Wrapped InColumn(std::size_t column, const std::string& text, const QFont& font) const {
+        const auto as = sheet_.columns[column].figures ? Wrapped::As::Figure : Wrapped::As::Words;
+        return Wrapped(ToPrintedLines(text), font, widths_[column] - 2 * kPadding, as);
     }
 
     double RowHeight(const std::vector<std::string>& texts, const QFont& font) const {
         double height = QFontMetricsF(font).height();
         for (std::size_t c = 0; c < texts.size() && c < widths_.size(); ++c)
-            height = std::max(height, TextHeight(texts[c], widths_[c], font));
+            height = std::max(height, InColumn(c, texts[c], font).Height());
         return height + 2 * kPadding;
     }
 
-    double NoteHeight(const std::string& note) const {
-        return TextHeight(note, page_.width(), small_) + kPadding;
+    Wrapped Note(const std::string& note) const {
+        return Wrapped(ToPrintedLines(note), small_, page_.width() - 2 * kPadding, Wrapped::As::Words);
     }
+    double NoteHeight(const std::string& note) const { return Note(note).Height() + kPadding; }
 
     center::BlockHeights Measure(const PrintBlock& block) const {
         center::BlockHeights heights;
@@ -244,8 +277,7 @@ class SheetPainter {
         }
         for (const std::string& note : block.notes) {
             painter_.setPen(colors::kCaution.OnLight());
-            Wrapped(note, small_, page_.width() - 2 * kPadding, Qt::AlignLeft)
-                .Draw(painter_, {page_.left() + kPadding, top + kPadding});
+            Note(note).Draw(painter_, {page_.left() + kPadding, top + kPadding});
             top += NoteHeight(note);
         }
         return top;
@@ -259,9 +291,8 @@ class SheetPainter {
             painter_.setBrush(Qt::NoBrush);
             painter_.drawRect(cell);
             painter_.setPen(colors::kInk.OnLight());
-            const auto side = sheet_.columns[c].figures ? Qt::AlignRight : Qt::AlignLeft;
             if (c < texts.size()) {
-                const Wrapped text(texts[c], font, widths_[c] - 2 * kPadding, side);
+                const Wrapped text = InColumn(c, texts[c], font);
                 text.Draw(painter_, {left + kPadding, top + (height - text.Height()) / 2});
             }
             left += widths_[c];
