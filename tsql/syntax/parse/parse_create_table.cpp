@@ -1,5 +1,7 @@
 // CREATE TABLE, and the table definitions of DECLARE @t TABLE.
 
+#include <charconv>
+
 #include "tsql/base/error_table.h"
 #include "tsql/syntax/parse/parser_core.h"
 
@@ -116,10 +118,10 @@ Identity Parser::ParseIdentity() {
     const auto number = [&] {
         const bool negative = Accept(Op::kMinus);
         const Token token = Expect(TokenKind::kInteger);
-        constexpr std::size_t kDigits = 18;
-        if (token.text.size() > kDigits) FailAt(token);
-        const std::int64_t value = std::stoll(std::string(token.text));
-        return negative ? -value : value;
+        const std::string text = (negative ? "-" : "") + std::string(token.text);
+        std::int64_t value = 0;
+        if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc()) FailAt(token);
+        return value;
     };
     identity.seed = number();
     Expect(Op::kComma);

@@ -58,7 +58,8 @@ bool Parser::AtExecuteArgument() {
         case TokenKind::kOperator:
             return At(Op::kMinus) || At(Op::kPlus);
         case TokenKind::kIdentifier:
-            return Peek().keyword == Keyword::kNone || At(Keyword::kNull) || At(Keyword::kDefault);
+            return (Peek().keyword == Keyword::kNone && !AtLabel()) || At(Keyword::kNull) ||
+                   At(Keyword::kDefault);
         case TokenKind::kEnd:
         case TokenKind::kUnknown:
             return false;

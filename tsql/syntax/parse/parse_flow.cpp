@@ -43,7 +43,7 @@ StatementPtr Parser::ParseTryCatch(Position start) {
 
 // Of IF or WHILE. A label there would stand in no list.
 StatementPtr Parser::ParseBranch() {
-    if (AtName() && At(Op::kColon, 1)) throw MakeError(40510, Peek().position, {"a label as a branch"});
+    if (AtLabel()) throw MakeError(40510, Peek().position, {"a label as a branch"});
     return ParseStatement();
 }
 
@@ -82,8 +82,9 @@ StatementPtr Parser::ParseReturn() {
             hasValue = At(Op::kLeftParen) || At(Op::kMinus) || At(Op::kPlus) || At(Op::kTilde);
             break;
         case TokenKind::kIdentifier:
-            hasValue = Peek().keyword == Keyword::kNone || At(Keyword::kNull) || At(Keyword::kCase) ||
-                       At(Keyword::kConvert) || At(Keyword::kCoalesce) || At(Keyword::kNullif);
+            hasValue = (Peek().keyword == Keyword::kNone && !AtLabel()) || At(Keyword::kNull) ||
+                       At(Keyword::kCase) || At(Keyword::kConvert) || At(Keyword::kCoalesce) ||
+                       At(Keyword::kNullif);
             if (AtWord("throw")) hasValue = false;
             break;
         default:
@@ -129,7 +130,7 @@ void Parser::CheckJumps() const {
 
 StatementPtr Parser::ParseLabel() {
     auto label = Make<LabelStatement>(Peek().position);
-    label->label = TakeName();
+    label->label = NameFrom(Take());
     Expect(Op::kColon);
     for (const Place& other : labels_) {
         if (automation::SameName(other.label.text, label->label.text))

@@ -122,7 +122,7 @@ StatementPtr Parser::ParseStatementBody() {
     }
     if (At(Op::kLeftParen) && AtQuery()) return ParseSelect({});
     if (AtWord("throw")) return ParseThrow();
-    if (AtName() && At(Op::kColon, 1)) return ParseLabel();
+    if (AtLabel()) return ParseLabel();
     // The first statement of a batch may call a procedure by its bare name.
     if (first_ && !nested_ && AtName()) return ParseExecuteCall(start);
     Fail();

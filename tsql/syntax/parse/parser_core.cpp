@@ -76,12 +76,20 @@ bool Parser::AtWord(std::string_view lower, std::size_t n) {
            IsWord(token.text, lower);
 }
 
-bool Parser::AtName(std::size_t n) {
-    const Token& token = Peek(n);
+static bool IsName(const Token& token) {
     // PRECISION means something behind DOUBLE only, and the server's own views have a column of that name.
     return token.kind == TokenKind::kQuotedIdentifier ||
            (token.kind == TokenKind::kIdentifier &&
             (token.keyword == Keyword::kNone || token.keyword == Keyword::kPrecision));
+}
+
+// What stands before a label ends there, though a name could go on with it; two colons make no label.
+bool Parser::AtName(std::size_t n) {
+    return IsName(Peek(n)) && !AtLabel(n);
+}
+
+bool Parser::AtLabel(std::size_t n) {
+    return At(Op::kColon, n + 1) && !At(Op::kColon, n + 2) && IsName(Peek(n));
 }
 
 bool Parser::AcceptWord(std::string_view lower) {
@@ -111,7 +119,10 @@ void Parser::FailAt(const Token& token) {
 
 Name Parser::TakeName() {
     if (!AtName()) Fail();
-    const Token token = Take();
+    return NameFrom(Take());
+}
+
+Name Parser::NameFrom(const Token& token) {
     Name name{TokenValue(token), token.position, token.kind == TokenKind::kQuotedIdentifier};
     if (FirstCharacters(name.text, kLongestName).size() < name.text.size()) {
         throw MakeError(103, token.position, {"identifier", Shown(token), static_cast<int>(kLongestName)});

@@ -68,6 +68,7 @@ class Parser {
     bool AtEnd() { return At(TokenKind::kEnd); }
     // A name: an identifier that is no reserved word, or a quoted one.
     bool AtName(std::size_t n = 0);
+    bool AtLabel(std::size_t n = 0);
     bool AtString(std::size_t n = 0) { return At(TokenKind::kString, n) || At(TokenKind::kNString, n); }
     template <class T>
     bool Accept(T what) {
@@ -86,6 +87,7 @@ class Parser {
     [[noreturn]] void Fail();
     [[noreturn]] void FailAt(const Token& token);
     Name TakeName();
+    static Name NameFrom(const Token& token);
     std::vector<Name> TakeNames();  // a, b, c
     std::vector<Name> TakeNamesInParentheses();
     ObjectName TakeObjectName();
