@@ -191,7 +191,10 @@ Bound BindCount(Binding& call) {
     const SqlType type = SqlType::Of(Kind);
     if (call.IsStar()) return {"count(*)", type};
     if (call.Type(0).IsUnknown()) throw MakeError(8117, call.Where(), {"NULL", call.Name()});
-    return {"count(" + Distinct(call) + call.Collated(0) + ")", type};
+    // Zeros at the end of bytes count as nothing.
+    const std::string argument =
+        call.Type(0).IsBinary() ? kBytesCall.Call({call.Plain(0)}) : call.Collated(0);
+    return {"count(" + Distinct(call) + argument + ")", type};
 }
 
 Bound BindStringAgg(Binding& call) {

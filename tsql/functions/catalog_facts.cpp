@@ -82,9 +82,13 @@ Bound BindColumnLength(Binding& call) {
 }
 
 Bound BindIdentityOf(Binding& call) {
-    return {"(SELECT CAST(last AS TEXT) FROM main.\"ts$identity\" WHERE object = " +
-                call.Call({call.Text(0)}) + ")",
-            SqlType::Decimal(kMaxPrecision, 0)};
+    // Of a table that has had no rows since it was made or emptied: the seed.
+    return {
+        "(SELECT CAST(CASE WHEN i.last <> c.seed - c.increment THEN i.last ELSE c.seed END AS TEXT) "
+        "FROM main.\"ts$columns\" AS c LEFT JOIN main.\"ts$identity\" AS i ON i.object = c.object "
+        "WHERE c.identity = 1 AND c.object = " +
+            call.Call({call.Text(0)}) + ")",
+        SqlType::Decimal(kMaxPrecision, 0)};
 }
 
 // The last argument of OBJECT_NAME and its kin would name the database: there is no other.

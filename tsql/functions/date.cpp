@@ -85,6 +85,12 @@ void EndOfMonthFunction(FunctionCall& call) {
 
 // Type rules.
 
+// What parts are taken of: a text is read as a datetime2, which reaches further and is not rounded.
+std::string Moment(Binding& call, std::size_t i) {
+    const SqlType& type = call.Type(i);
+    return type.IsDate() || type.IsText() ? call.As(i, SqlType::Of(TypeKind::kDateTime2)) : call.Date(i);
+}
+
 // The session's clock.
 Bound BindGetDate(Binding&) {
     return {"getdate", SqlType::DateTime(), true};
@@ -104,20 +110,20 @@ Bound BindDateAdd(Binding& call) {
 }
 
 Bound BindDateDiff(Binding& call) {
-    return {call.Call({call.DatePartCode(0), call.Date(1), call.Date(2)}), SqlType::Int()};
+    return {call.Call({call.DatePartCode(0), Moment(call, 1), Moment(call, 2)}), SqlType::Int()};
 }
 
 Bound BindDatePart(Binding& call) {
-    return {call.Call({call.DatePartCode(0), call.Date(1)}), SqlType::Int()};
+    return {call.Call({call.DatePartCode(0), Moment(call, 1)}), SqlType::Int()};
 }
 
 Bound BindDateName(Binding& call) {
-    return {call.Call({call.DatePartCode(0), call.Date(1)}), SqlType::NVarChar(30)};
+    return {call.Call({call.DatePartCode(0), Moment(call, 1)}), SqlType::NVarChar(30)};
 }
 
 template <DatePart Part>
 Bound BindOnePart(Binding& call) {
-    return {call.Call({std::to_string(static_cast<int>(Part)), call.Date(0)}), SqlType::Int()};
+    return {call.Call({std::to_string(static_cast<int>(Part)), Moment(call, 0)}), SqlType::Int()};
 }
 
 Bound BindDateFromParts(Binding& call) {
@@ -125,7 +131,7 @@ Bound BindDateFromParts(Binding& call) {
 }
 
 Bound BindEndOfMonth(Binding& call) {
-    return {call.Call({call.Date(0), call.Count() > 1 ? call.Int(1) : "0"}), SqlType::Of(TypeKind::kDate)};
+    return {call.Call({Moment(call, 0), call.Count() > 1 ? call.Int(1) : "0"}), SqlType::Of(TypeKind::kDate)};
 }
 
 constexpr SqlFunction kDateAdd = Scalar<DateAddFunction>("ts_dateadd", 4);

@@ -1,11 +1,9 @@
 // HASHBYTES.
 
-#include <algorithm>
-
-#include "text/utf8.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/call.h"
 #include "tsql/functions/digest.h"
+#include "tsql/types/convert_binary.h"
 
 namespace vicenter::tsql::engine {
 
@@ -13,39 +11,13 @@ namespace {
 
 constexpr int kLongestHash = 8000;
 
-// The bytes that the server keeps a text as: two of each unit, or those of the code page, which is known here
-// for ASCII alone.
-std::string BytesOf(std::string_view characters, bool unicode) {
-    std::string bytes;
-    if (!unicode) {
-        const bool plain =
-            std::all_of(characters.begin(), characters.end(), [](char c) { return (c & 0x80) == 0; });
-        if (!plain) throw MakeError(40510, {}, {"HASHBYTES of varchar beyond ASCII"});
-        return std::string(characters);
-    }
-    const auto add = [&bytes](char32_t unit) {
-        bytes += static_cast<char>(unit & 0xFF);
-        bytes += static_cast<char>(unit >> 8);
-    };
-    for (std::size_t at = 0; at < characters.size();) {
-        const text::CodePoint point = text::ReadUtf8(characters, at);
-        at += point.length;
-        if (text::CodeUnits(point.code) == 2) {
-            add(0xD7C0 + (point.code >> 10));
-            add(0xDC00 + (point.code & 0x3FF));
-        } else {
-            add(point.code);
-        }
-    }
-    return bytes;
-}
-
 // ts_hash_bytes(algorithm, value, type)
 void HashFunction(FunctionCall& call) {
     if (call.AnyNull()) return;
     const SqlType type = call.Type(2);
     const std::string bytes =
-        type.IsBinary() ? std::string(call.Text(1)) : BytesOf(call.Text(1), type.IsUnicode());
+        type.IsBinary() ? std::string(call.Text(1))
+                        : BytesOfText(call.Text(1), type.IsUnicode(), "HASHBYTES of varchar beyond ASCII");
     const std::string name = LowerAscii(WithoutTrailingBlanks(call.Text(0)));
     if (name == "md2" || name == "md4" || name == "sha2_512")
         throw MakeError(40510, {}, {"HASHBYTES " + UpperAscii(name)});

@@ -49,6 +49,23 @@ void SubstringFunction(FunctionCall& call) {
     call.Return(HeadUnits(tail, static_cast<std::size_t>(length)));
 }
 
+// ts_sub_bytes(bytes, start, length)
+void SubBytesFunction(FunctionCall& call) {
+    if (call.AnyNull()) return;
+    std::int64_t start = call.Int(1);
+    std::int64_t length = call.Int(2);
+    if (length < 0) throw MakeError(537, {});
+    if (start < 1) {
+        length += start - 1;
+        start = 1;
+    }
+    const std::string_view bytes = call.Text(0);
+    const auto skipped = std::min(static_cast<std::size_t>(start - 1), bytes.size());
+    const std::string_view taken =
+        length <= 0 ? std::string_view() : bytes.substr(skipped, static_cast<std::size_t>(length));
+    call.Return(Value(Bytes{std::string(taken)}), SqlType::Of(TypeKind::kVarBinary, kMaxLength));
+}
+
 void LTrimFunction(FunctionCall& call) {
     if (!call.IsNull(0)) call.Return(WithoutLeadingBlanks(call.Text(0)));
 }
@@ -151,9 +168,16 @@ void StrFunction(FunctionCall& call) {
 
 void QuoteNameFunction(FunctionCall& call) {
     if (call.IsNull(0)) return;
+    if (call.Count() > 1 && call.IsNull(1)) return;
+    constexpr std::size_t kLongestName = 128;
+    constexpr std::string_view kOpening = "[({<'\"`";
+    constexpr std::string_view kClosing = "])}>'\"`";
     const std::string_view mark = call.Count() > 1 ? call.Text(1) : "[";
-    const char open = mark.empty() ? '[' : mark.front() == ']' ? '[' : mark.front();
-    const char close = open == '[' ? ']' : open == '(' ? ')' : open == '{' ? '}' : open == '<' ? '>' : open;
+    std::size_t pair = mark.empty() ? 0 : kOpening.find(mark.front());
+    if (pair == std::string_view::npos) pair = kClosing.find(mark.front());
+    if (pair == std::string_view::npos || UnitCount(call.Text(0)) > kLongestName) return;
+    const char open = kOpening[pair];
+    const char close = kClosing[pair];
     std::string text(1, open);
     for (const char c : call.Text(0)) {
         if (c == close) text += close;
@@ -175,7 +199,13 @@ Bound BindLeftRight(Binding& call) {
     return {call.Call({call.Text(0), call.Int(1)}), call.TextType(0, length)};
 }
 
+constexpr SqlFunction kSubBytes = Scalar<SubBytesFunction>("ts_sub_bytes", 3);
+
 Bound BindSubstring(Binding& call) {
+    if (call.Type(0).IsBinary()) {
+        const SqlType type = SqlType::Of(TypeKind::kVarBinary, call.Type(0).length);
+        return {kSubBytes.Call({call.Plain(0), call.Int(1), call.Int(2)}), type};
+    }
     const int length = call.LiteralInt(2, call.TextLength(0));
     return {call.Call({call.Text(0), call.Int(1), call.Int(2)}), call.TextType(0, length)};
 }
@@ -272,7 +302,8 @@ constexpr FunctionEntry kEntries[] = {
 }  // namespace
 
 FunctionSet TextFunctions() {
-    return {kEntries, {}};
+    static constexpr const SqlFunction* kOthers[] = {&kSubBytes};
+    return {kEntries, kOthers};
 }
 
 }  // namespace vicenter::tsql::engine

@@ -5,6 +5,7 @@
 #include "text/hex.h"
 #include "tsql/base/error_table.h"
 #include "tsql/base/text_units.h"
+#include "tsql/types/convert_binary.h"
 #include "tsql/types/convert_number.h"
 #include "tsql/types/convert_text.h"
 #include "tsql/types/date_part.h"
@@ -43,6 +44,7 @@ Value ToDate(const Value& value, const SqlType& from, const SqlType& to, int sty
             throw MakeError(529, {}, {from.Name(), to.Name()});
     }
     const auto rounded = RoundToType(*date, to);
+    if (!rounded && from.IsNumber()) throw MakeError(8115, {}, {"expression", to.Name()});
     if (!rounded) throw MakeError(242, {}, {from.Name(), to.Name()});
     return Value(*rounded);
 }
@@ -63,46 +65,6 @@ Value ToGuid(const Value& value, const SqlType& from, const SqlType& to) {
         throw MakeError(8169, {});
     }
     throw MakeError(529, {}, {from.Name(), to.Name()});
-}
-
-// "0x4142" by style 1, "4142" by style 2.
-std::string BytesOfHexadecimal(const std::string& text, const SqlType& from, const SqlType& to, int style) {
-    std::string_view digits = WithoutTrailingBlanks(text);
-    const bool isMarked = digits.starts_with("0x") || digits.starts_with("0X");
-    if (style == 1 && isMarked) digits.remove_prefix(2);
-    bool sound = digits.size() % 2 == 0 && isMarked == (style == 1);
-    for (const char c : digits)
-        sound = sound && text::IsHexDigit(c);
-    if (!sound) throw MakeError(8114, {}, {from.Name(), to.Name()});
-    std::string bytes;
-    for (std::size_t at = 0; at < digits.size(); at += 2)
-        bytes += static_cast<char>(text::HexValue(digits[at]) << 4 | text::HexValue(digits[at + 1]));
-    return bytes;
-}
-
-Value ToBinary(const Value& value, const SqlType& from, const SqlType& to, int style) {
-    std::string bytes;
-    if (from.IsText() && (style == 1 || style == 2)) {
-        bytes = BytesOfHexadecimal(value.Text(), from, to, style);
-    } else if (from.IsText()) {
-        bytes = value.Text();
-    } else if (from.IsBinary()) {
-        bytes = value.Blob();
-    } else if (from.IsInteger()) {
-        const auto number = static_cast<std::uint64_t>(value.Int());
-        const int size = from.kind == TypeKind::kBigInt ? 8 : from.kind == TypeKind::kInt ? 4 : 2;
-        for (int shift = (size - 1) * 8; shift >= 0; shift -= 8)
-            bytes += static_cast<char>(number >> shift & 0xFF);
-    } else {
-        throw MakeError(529, {}, {from.Name(), to.Name()});
-    }
-    if (to.length > 0) {
-        const auto size = static_cast<std::size_t>(to.length);
-        if (bytes.size() > size)
-            bytes = from.IsInteger() ? bytes.substr(bytes.size() - size) : bytes.substr(0, size);
-        if (to.kind == TypeKind::kBinary) bytes.resize(size, '\0');
-    }
-    return Value(Bytes{std::move(bytes)});
 }
 
 }  // namespace
@@ -166,7 +128,7 @@ Value ConvertForColumn(const Value& value, const SqlType& from, const ColumnTarg
     }
     const SqlType& to = target.type;
     if (to.IsText()) {
-        std::string text = ToPlainText(value, from, 0);
+        std::string text = ToPlainText(value, from, to, 0);
         if (IsTooLong(text, to)) {
             if (from.IsMoney()) throw MakeError(234, {}, {from.Name(), to.Name()});
             if (from.IsNumber()) {

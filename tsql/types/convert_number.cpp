@@ -164,8 +164,17 @@ Value ToInteger(const Value& value, const SqlType& from, const SqlType& to) {
             std::uint64_t number = 0;
             for (const char byte : value.Blob())
                 number = number << 8 | static_cast<unsigned char>(byte);
-            if (to.kind == TypeKind::kInt) return Value(std::int64_t{static_cast<std::int32_t>(number)});
-            return FitInteger(static_cast<std::int64_t>(number), to);
+            // The last bytes, as many as the type has.
+            switch (to.kind) {
+                case TypeKind::kTinyInt:
+                    return Value(std::int64_t{static_cast<std::uint8_t>(number)});
+                case TypeKind::kSmallInt:
+                    return Value(std::int64_t{static_cast<std::int16_t>(number)});
+                case TypeKind::kInt:
+                    return Value(std::int64_t{static_cast<std::int32_t>(number)});
+                default:
+                    return FitInteger(static_cast<std::int64_t>(number), to);
+            }
         }
     }
     return {};

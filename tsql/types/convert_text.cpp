@@ -6,6 +6,7 @@
 #include "tsql/base/error_table.h"
 #include "tsql/base/text_units.h"
 #include "tsql/types/convert.h"
+#include "tsql/types/convert_binary.h"
 #include "tsql/types/date_text.h"
 
 namespace vicenter::tsql::engine {
@@ -25,7 +26,8 @@ std::string FloatText(double number, int style) {
 }
 
 std::string MoneyText(const Decimal& number, int style) {
-    std::string text = number.Rescaled(style == 2 ? 4 : 2).ToText();
+    const bool isWhole = style == 2 || style == 126;
+    std::string text = number.Rescaled(isWhole ? 4 : 2).ToText();
     if (style != 1) return text;
     const std::size_t first = text.front() == '-' ? 1 : 0;
     for (std::size_t at = text.find('.'); at > first + 3;) {
@@ -37,7 +39,7 @@ std::string MoneyText(const Decimal& number, int style) {
 
 }  // namespace
 
-std::string ToPlainText(const Value& value, const SqlType& from, int style) {
+std::string ToPlainText(const Value& value, const SqlType& from, const SqlType& to, int style) {
     switch (from.Storage()) {
         case StorageClass::kInteger:
             return std::to_string(value.Int());
@@ -47,13 +49,20 @@ std::string ToPlainText(const Value& value, const SqlType& from, int style) {
             return from.IsMoney() ? MoneyText(value.Exact(), style) : value.Exact().ToText();
         case StorageClass::kDate: {
             auto text = FormatDate(value.Date(), from, style);
+            // By the calendar of the Hijra.
+            if (!text && (style == 130 || style == 131))
+                throw MakeError(40510, {}, {"CONVERT style " + std::to_string(style)});
             if (!text) throw MakeError(281, {}, {style, from.Name()});
             return *text;
         }
         case StorageClass::kText:
             return value.Text();
         case StorageClass::kBinary: {
-            if (style == 0) return value.Blob();
+            if (style == 0) {
+                return TextOfBytes(
+                    value.Blob(), to.IsUnicode(),
+                    "CONVERT of " + std::string(from.Name()) + " beyond ASCII to " + std::string(to.Name()));
+            }
             std::string text = style == 1 ? "0x" : "";
             for (const char byte : value.Blob())
                 text::AppendHex(text, static_cast<unsigned char>(byte));
@@ -77,7 +86,7 @@ bool IsTooLong(std::string_view text, const SqlType& to) {
 }
 
 Value ToText(const Value& value, const SqlType& from, const SqlType& to, int style) {
-    std::string text = ToPlainText(value, from, style);
+    std::string text = ToPlainText(value, from, to, style);
     if (IsTooLong(text, to)) {
         if (from.IsInteger() && !to.IsUnicode() && from.kind != TypeKind::kBigInt) {
             text = "*";

@@ -10,7 +10,7 @@
 namespace vicenter::tsql::engine {
 
 // As the server writes a value, however long that is.
-std::string ToPlainText(const Value& value, const SqlType& from, int style);
+std::string ToPlainText(const Value& value, const SqlType& from, const SqlType& to, int style);
 bool IsTooLong(std::string_view text, const SqlType& to);
 // With the blanks that fill a char or an nchar.
 std::string Padded(std::string text, const SqlType& to);

@@ -237,6 +237,9 @@ std::string DateName(DatePart part, const DateTime& date) {
     return std::to_string(DatePartOf(part, date));
 }
 
+// The last day of smalldatetime, counted from 1900-01-01: 2079-06-06.
+constexpr std::int64_t kLastSmallDay = 65535;
+
 std::optional<DateTime> RoundToType(const DateTime& date, const SqlType& type) {
     std::int64_t milliseconds = date.Milliseconds();
     const std::int64_t day = DayNumber(date);
@@ -252,7 +255,7 @@ std::optional<DateTime> RoundToType(const DateTime& date, const SqlType& type) {
             const std::int64_t minutes = (within + 30001) / 60000;
             const DateTime rounded = DateTime::FromMilliseconds(day * kMillisecondsPerDay + minutes * 60000);
             const int year = rounded.Parts().year;
-            if (year < 1900 || DayNumber(rounded) > 65382) return std::nullopt;
+            if (year < 1900 || DayNumber(rounded) > kZeroDay + kLastSmallDay) return std::nullopt;
             return rounded;
         }
         case TypeKind::kDateTime: {

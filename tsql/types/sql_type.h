@@ -64,6 +64,7 @@ struct SqlType {
 
     bool IsUnknown() const { return kind == TypeKind::kUnknown; }
     bool IsText() const { return kind >= TypeKind::kChar && kind <= TypeKind::kNText; }
+    bool IsGuid() const { return kind == TypeKind::kUniqueIdentifier; }
     bool IsUnicode() const { return kind >= TypeKind::kNChar && kind <= TypeKind::kNText; }
     bool IsFixedText() const { return kind == TypeKind::kChar || kind == TypeKind::kNChar; }
     bool IsBinary() const { return kind == TypeKind::kBinary || kind == TypeKind::kVarBinary; }

@@ -108,6 +108,17 @@ bool TakeApart(std::string_view text, PlainNumber& number) noexcept {
 
 }  // namespace
 
+int CompareGuids(std::string_view a, std::string_view b) noexcept {
+    constexpr std::size_t kLength = 36;
+    if (a.size() != kLength || b.size() != kLength) return a.compare(b);
+    // Where the bytes stand in the text, the one that decides most first.
+    static constexpr std::size_t kBytes[] = {24, 26, 28, 30, 32, 34, 19, 21, 16, 14, 11, 9, 6, 4, 2, 0};
+    for (const std::size_t at : kBytes) {
+        if (const int order = a.compare(at, 2, b, at, 2); order != 0) return order;
+    }
+    return 0;
+}
+
 int CompareStoredDecimals(std::string_view a, std::string_view b) noexcept {
     if (a == b) return 0;
     PlainNumber left;

@@ -64,6 +64,9 @@ std::string StoredDecimal(const Decimal& number);
 // Any spelling; throws Error when the account set holds a text that is no decimal.
 Decimal ReadStoredDecimal(std::string_view text);
 Decimal ReadStoredDecimal(std::string_view text, const SqlType& type);
+// The order of uniqueidentifiers by their texts: the last group comes first, and the first three count byte
+// by byte from their ends.
+int CompareGuids(std::string_view a, std::string_view b) noexcept;
 // The order of stored decimals by value, however they are spelt; what is no number comes first.
 int CompareStoredDecimals(std::string_view a, std::string_view b) noexcept;
 
