@@ -79,6 +79,9 @@ constexpr ErrorEntry kErrors[] = {
      "Each GROUP BY expression must contain at least one column that is not an outer reference."},
     {168, 15, kText,
      "The floating point value '%.*ls' is out of the range of computer representation (%d bytes)."},
+    {169, 15, kText,
+     "A column has been specified more than once in the order by list. Columns in the order by list must be "
+     "unique."},
     {174, 15, kText, "The %.*ls function requires %d argument(s)."},
     {175, 15, kText, "An aggregate may not appear in a computed column expression or check constraint."},
     {177, 15, kText, "The IDENTITY function can only be used when the SELECT statement has an INTO clause."},
@@ -152,6 +155,7 @@ constexpr ErrorEntry kErrors[] = {
     {313, 16, kText,
      "An insufficient number of arguments were supplied for the procedure or function %.*ls."},
     {402, 16, kText, "The data types %s and %s are incompatible in the %s operator."},
+    {408, 16, kText, "A constant expression was encountered in the ORDER BY list, position %d."},
     {460, 16, kText,
      "DISTINCT operator is not allowed in the recursive part of a recursive common table expression "
      "'%.*ls'."},
@@ -200,6 +204,11 @@ constexpr ErrorEntry kErrors[] = {
      "earlier. A downgrade path is not supported."},
     {1007, 15, kText,
      "The number '%.*ls' is out of the range for numeric representation (maximum precision 38)."},
+    {1008, 16, kText,
+     "The SELECT item identified by the ORDER BY number %d contains a variable as part of the expression "
+     "identifying a column position. Variables are only allowed when ordering by an expression referencing a "
+     "column name."},
+    {1011, 16, kText, "The correlation name '%.*ls' is specified multiple times in a FROM clause."},
     {1013, 16, kText,
      "The objects \"%.*ls\" and \"%.*ls\" in the FROM clause have the same exposed names. Use correlation "
      "names to distinguish them."},
@@ -324,6 +333,7 @@ constexpr ErrorEntry kErrors[] = {
      "Roll back the transaction."},
     {3998, 16, kBatch,
      "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back."},
+    {4103, 15, kText, "\"%.*ls\": Temporary views are not allowed."},
     {4104, 16, kText, "The multi-part identifier \"%.*ls\" could not be bound."},
     {4108, 15, kText, "Windowed functions can only appear in the SELECT or ORDER BY clauses."},
     {4109, 15, kText,

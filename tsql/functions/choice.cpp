@@ -35,7 +35,7 @@ Bound BindCoalesce(Binding& call) {
     std::string ends = ")";
     for (std::size_t i = 0; i < call.Count(); ++i) {
         const bool opens = i > 0 && i % kMostInOneCall == 0 && i + 1 < call.Count();
-        sql += (i == 0 ? "" : ", ") + std::string(opens ? "coalesce(" : "") + call.As(i, type);
+        sql += (i == 0 ? "" : ", ") + std::string(opens ? "coalesce(" : "") + call.Chosen(i, type);
         if (opens) ends += ")";
     }
     return {sql + ends, type};
@@ -53,8 +53,8 @@ Bound BindIif(Binding& call) {
     call.Pin(2);
     const SqlType type = CommonType(call.Type(1), call.Type(2));
     const std::string condition = call.Condition(0);
-    const std::string yes = call.As(1, type);
-    return {"(CASE WHEN " + condition + " THEN " + yes + " ELSE " + call.As(2, type) + " END)", type};
+    const std::string yes = call.Chosen(1, type);
+    return {"(CASE WHEN " + condition + " THEN " + yes + " ELSE " + call.Chosen(2, type) + " END)", type};
 }
 
 // CHOOSE(n, a, b, …): the n-th of them, NULL for any other n.
@@ -66,7 +66,7 @@ Bound BindChoose(Binding& call) {
     }
     std::string sql = "(CASE " + call.Int(0);
     for (std::size_t i = 1; i < call.Count(); ++i)
-        sql += " WHEN " + std::to_string(i) + " THEN " + call.As(i, type);
+        sql += " WHEN " + std::to_string(i) + " THEN " + call.Chosen(i, type);
     return {sql + " END)", type};
 }
 

@@ -54,6 +54,7 @@ std::optional<int> Compared(const FunctionCall& call, int a, int b) {
         case StorageClass::kDate:
             return Order(StoredDate(first.Date(), common), StoredDate(second.Date(), common));
         case StorageClass::kText:
+            if (common.IsGuid()) return CompareGuids(first.Text(), second.Text());
             return CompareTexts(call.Collation(), first.Text(), second.Text());
         case StorageClass::kBinary:
             return Order(Significant(first.Blob()), Significant(second.Blob()));

@@ -102,7 +102,7 @@ const SqlFunction kTryConvertCall = Scalar<TryConvertFunction>("ts_try_conv", 4)
 const SqlFunction kPutCall = Scalar<PutFunction>("ts_put", 8, false);
 const SqlFunction kBytesCall = Scalar<BytesFunction>("ts_bytes", 1);
 const SqlFunction kMemberCall = Scalar<MemberFunction>("ts_member", 1);
-const SqlFunction kVariableCall = Scalar<VariableFunction>("ts_variable", 2, false);
+const SqlFunction kVariableCall = Scalar<VariableFunction>("ts_variable", -1, false);
 const SqlFunction kNextIdentityCall = Scalar<NextIdentityFunction>("ts_next_identity", 0, false);
 const SqlFunction kIdentityGivenCall = Scalar<IdentityGivenFunction>("ts_identity_given", 1, false);
 

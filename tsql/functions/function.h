@@ -91,6 +91,8 @@ class Binding {
     // An argument as it is, as a value of another type, and with its collation.
     virtual std::string Plain(std::size_t i) = 0;
     virtual std::string As(std::size_t i, const SqlType& type, bool isExplicit = false) = 0;
+    // The same of one that may not come to be chosen.
+    virtual std::string Chosen(std::size_t i, const SqlType& type) = 0;
     virtual std::string Collated(std::size_t i) = 0;
     virtual std::string Condition(std::size_t i) = 0;
     // NULL where both are equal, else the first.
@@ -148,7 +150,7 @@ extern const SqlFunction
 // (number, RowLimit): the number; the errors of the server for NULL and for one that cannot be.
 enum class RowLimit { kTop, kOffset, kFetch };
 extern const SqlFunction kRowCountCall;
-extern const SqlFunction kVariableCall;       // (name, type): its value at this moment
+extern const SqlFunction kVariableCall;       // (name, type[, anything]): its value at this moment
 extern const SqlFunction kNextIdentityCall;   // ()
 extern const SqlFunction kIdentityGivenCall;  // (number): it, told to the session
 extern const SqlFunction kIntegerCall;        // (operator, a, b, type)

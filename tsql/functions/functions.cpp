@@ -28,6 +28,12 @@ int CompareNumberValues(void*, int sizeA, const void* a, int sizeB, const void* 
     return CompareStoredDecimals(left, right);
 }
 
+int CompareGuidValues(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
+    const std::string_view left(static_cast<const char*>(a), static_cast<std::size_t>(sizeA));
+    const std::string_view right(static_cast<const char*>(b), static_cast<std::size_t>(sizeB));
+    return CompareGuids(left, right);
+}
+
 }  // namespace
 
 void FunctionServices::RememberKey(std::string_view column, std::string text) {
@@ -70,6 +76,8 @@ void RegisterFunctions(sqlite3* database, FunctionServices& services) {
     sqlite3_create_collation_v2(database, kTextCollationName, SQLITE_UTF8, &services, CompareTextValues,
                                 nullptr);
     sqlite3_create_collation_v2(database, kNumberCollationName, SQLITE_UTF8, nullptr, CompareNumberValues,
+                                nullptr);
+    sqlite3_create_collation_v2(database, kGuidCollationName, SQLITE_UTF8, nullptr, CompareGuidValues,
                                 nullptr);
     RegisterRows(database);
     for (const SqlFunction* body : AllSqlFunctions()) {

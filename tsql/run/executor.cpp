@@ -31,7 +31,7 @@ Executor::Executor(Database& database, Catalog& catalog, FunctionServices& servi
     // Called for each row while SQLite runs the INSERT, so that INSERT … SELECT numbers its rows in their
     // order.
     services_.nextIdentity = [this] {
-        HandIdentity(furthestIdentity_ + identityStep_);
+        HandIdentity(NextIdentity());
         return lastIdentity_;
     };
     services_.identityGiven = [this](std::int64_t given) { HandIdentity(given); };

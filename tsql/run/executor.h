@@ -176,8 +176,12 @@ class Executor {
     void Update(const UpdateStatement& statement);
     void UpdateColumns(const UpdateStatement& statement, bool temporary);
     void UpdateVariables(const UpdateStatement& statement, bool temporary);
-    // False when it cannot be done that way.
-    bool RewriteRows(const UpdateStatement& statement, bool temporary);
+    void RewriteRows(const UpdateStatement& statement, bool temporary);
+    void ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
+                    const std::vector<std::vector<Value>>& rows, bool collides, Position where);
+    void PutAnew(const Plan& plan, const std::vector<ResultColumn>& columns,
+                 const std::vector<std::vector<Value>>& rows,
+                 const std::function<void(const std::vector<Value>&)>& tell);
     bool IsReferenced(const TableInfo& table) const;
     void Delete(const DeleteStatement& statement);
     void Modify(const void* key, bool temporary, const Make& make, const OutputClause* output);
@@ -185,6 +189,8 @@ class Executor {
     void CountRows(std::int64_t count);
     bool OutlivesFailure() const;
     void StartIdentity(const TableInfo& table);
+    // Error 8115 beyond what the column's type holds.
+    std::int64_t NextIdentity() const;
     void HandIdentity(std::int64_t value);
     void KeepIdentity(const TableInfo& table);
     struct MergeChanges {
@@ -332,6 +338,7 @@ class Executor {
     std::int64_t lastIdentity_ = 0;      // that a row of the statement has got
     std::int64_t furthestIdentity_ = 0;  // of them all, in the direction of the step
     std::int64_t identityStep_ = 1;
+    SqlType identityType_;
     std::vector<Diagnostic> caught_;  // of the CATCH blocks that run, innermost last
     std::int64_t tableVariables_ = 0;
 };

@@ -1,7 +1,9 @@
 // What INSERT, UPDATE and DELETE share: the change itself, its atomicity, its counts and its identity values.
 
+#include <limits>
 #include <utility>
 
+#include "tsql/base/error_table.h"
 #include "tsql/run/executor.h"
 #include "tsql/run/row_limit.h"
 #include "tsql/run/statement_guard.h"
@@ -19,6 +21,27 @@ void Executor::CountRows(std::int64_t count) {
 void Executor::StartIdentity(const TableInfo& table) {
     furthestIdentity_ = catalog_.LastIdentity(table);
     identityStep_ = table.IdentityColumn()->increment;
+    identityType_ = table.IdentityColumn()->type;
+}
+
+std::int64_t Executor::NextIdentity() const {
+    const auto range = [this]() -> std::pair<std::int64_t, std::int64_t> {
+        switch (identityType_.kind) {
+            case TypeKind::kTinyInt:
+                return {0, std::numeric_limits<std::uint8_t>::max()};
+            case TypeKind::kSmallInt:
+                return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()};
+            case TypeKind::kInt:
+                return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
+            default:
+                return {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()};
+        }
+    };
+    const auto [low, high] = range();
+    const bool isOver = identityStep_ < 0 ? furthestIdentity_ < low - identityStep_
+                                          : furthestIdentity_ > high - identityStep_;
+    if (isOver) throw MakeError(8115, {}, {"IDENTITY", identityType_.Name()});
+    return furthestIdentity_ + identityStep_;
 }
 
 void Executor::HandIdentity(std::int64_t value) {

@@ -21,6 +21,8 @@ namespace vicenter::tsql::engine {
 // The collations by which SQLite keeps texts and decimals in order.
 inline constexpr const char* kTextCollationName = "ts_text";
 inline constexpr const char* kNumberCollationName = "ts_number";
+// The order of uniqueidentifiers; whether they are equal their texts say.
+inline constexpr const char* kGuidCollationName = "ts_guid";
 
 // How long a batch waits for others who write, unless it is told otherwise; and what "for ever" means.
 inline constexpr int kLockTimeout = 5000;

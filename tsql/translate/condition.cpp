@@ -59,6 +59,11 @@ static std::string LeftCollation(const Operand& left, const SqlType& common) {
     return std::string(" COLLATE ") + (common.IsText() ? kTextCollationName : kNumberCollationName);
 }
 
+// The same where the order counts: that of uniqueidentifiers is not that of their texts.
+static std::string OrderCollation(const Operand& left, const SqlType& common) {
+    return common.IsGuid() ? std::string(" COLLATE ") + kGuidCollationName : LeftCollation(left, common);
+}
+
 std::string Translator::Compare(const char* op, const Operand& left, const Operand& right,
                                 Position position) {
     const SqlType common = CommonType(left.type, right.type);
@@ -67,7 +72,9 @@ std::string Translator::Compare(const char* op, const Operand& left, const Opera
         const std::string a =
             left.pending && isMember ? RenderMember(left, common) : RenderCompared(left, common);
         const std::string b = isMember ? RenderMember(right, common) : RenderCompared(right, common);
-        return a + LeftCollation(left, common) + " " + op + " " + b;
+        const bool isOrder = std::string_view(op) != "=" && std::string_view(op) != "<>";
+        return a + (isOrder ? OrderCollation(left, common) : LeftCollation(left, common)) + " " + op + " " +
+               b;
     });
 }
 
@@ -135,7 +142,9 @@ std::string Translator::Between(const BetweenExpr& between, Scope& scope) {
     const std::vector<SqlType> commons = CommonTypes(operand, bounds);
     return AtLine(between.position, [&]() -> std::string {
         if (const auto once = ComparedOnce(operand, commons)) {
-            return "(" + *once + " BETWEEN " + RenderCompared(bounds[0], commons[0]) + " AND " +
+            const std::string order =
+                commons.front().IsGuid() ? std::string(" COLLATE ") + kGuidCollationName : "";
+            return "(" + *once + order + " BETWEEN " + RenderCompared(bounds[0], commons[0]) + " AND " +
                    RenderCompared(bounds[1], commons[1]) + ")";
         }
         if (operand.pending || operand.isPlain) {

@@ -195,7 +195,15 @@ Operand Translator::Variable(const VariableExpr& variable) {
     }
     if (assigning_.find(" " + name + " ") != std::string::npos) {
         // SELECT @v = @v + …: each row sees what the row before it has assigned.
-        return Computed(kVariableCall.Call({QuotedText(name), Code(*type)}), *type);
+        std::vector<std::string> arguments{QuotedText(name), Code(*type)};
+        // SQLite works a subquery out once where it asks nothing of the row.
+        if (selectDepth_ > assigningDepth_ && assigningRow_) {
+            if (assigningRow_->empty())
+                throw MakeError(40510, variable.position,
+                                {"SELECT @variable = of groups that a subquery asks"});
+            arguments.push_back(*assigningRow_);
+        }
+        return Computed(kVariableCall.Call(arguments), *type);
     }
     Operand operand = System(name, *type);
     operand.pending->source = Parameter::Source::kVariable;
@@ -207,7 +215,7 @@ void Translator::CheckGrouped(const Scope& scope, const std::string& sql, Positi
     if (!scope.grouped || aggregateDepth_ > 0) return;
     const auto& groups = scope.groupColumns;
     if (std::find(groups.begin(), groups.end(), sql) == groups.end())
-        throw MakeError(8120, position, {source.exposedName, column.name});
+        throw MakeError(scope.ungrouped, position, {source.exposedName, column.name});
 }
 
 Operand Translator::Column(const ColumnExpr& column, Scope& scope) {
@@ -280,8 +288,8 @@ Operand Translator::Case(const CaseExpr& expression, Scope& scope) {
     std::string sql = "CASE";
     const std::vector<std::string> whens = WhensOf(expression, scope, sql);
     for (std::size_t i = 0; i < expression.branches.size(); ++i)
-        sql += " WHEN " + whens[i] + " THEN " + RenderAs(results[i], type);
-    if (expression.otherwise) sql += " ELSE " + RenderAs(results.back(), type);
+        sql += " WHEN " + whens[i] + " THEN " + RenderChosen(results[i], type);
+    if (expression.otherwise) sql += " ELSE " + RenderChosen(results.back(), type);
     return Computed("(" + sql + " END)", type);
 }
 

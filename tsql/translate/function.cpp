@@ -35,6 +35,9 @@ class Translator::CallBinding final : public Binding {
     std::string As(std::size_t i, const SqlType& type, bool isExplicit) override {
         return translator_.RenderAs(operands_[i], type, isExplicit);
     }
+    std::string Chosen(std::size_t i, const SqlType& type) override {
+        return translator_.RenderChosen(operands_[i], type);
+    }
     std::string Collated(std::size_t i) override { return translator_.Collated(operands_[i]); }
     std::string Condition(std::size_t i) override {
         return translator_.ConditionText(*call_.arguments[i], scope_);

@@ -2,6 +2,7 @@
 // out.
 
 #include "tsql/functions/function.h"
+#include "tsql/syntax/ast_children.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -121,7 +122,9 @@ void Translator::GroupBySets(const SelectBody& select, Scope& scope, std::string
             for (const Scope::SetMember& member : members)
                 known = known || SameExpression(*member.expression, *expression);
             if (known) continue;
-            if (HasAggregate(*expression)) throw MakeError(144, expression->position);
+            if (HasAggregate(*expression) || HoldsQuery(*expression))
+                throw MakeError(144, expression->position);
+            if (!NamesOf(*expression, scope).own) throw MakeError(164, expression->position);
             Scope::SetMember member;
             member.expression = expression;
             for (std::size_t other = i; other < sets.size(); ++other) {

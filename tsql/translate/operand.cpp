@@ -59,6 +59,14 @@ std::string Translator::RenderAs(const Operand& operand, const SqlType& type, bo
     return ConvertCall(Render(operand), operand.type, type);
 }
 
+std::string Translator::RenderChosen(const Operand& operand, const SqlType& type) {
+    // A literal by itself would be converted before it is known whether it is chosen.
+    const bool mayFail = operand.pending && operand.type.IsText() && !type.IsText() && !inlineLiterals_;
+    if (!mayFail) return RenderAs(operand, type);
+    CheckConversion(operand.type, type, false);
+    return ConvertCall(Render(operand), operand.type, type);
+}
+
 // Texts are compared whatever their length, decimals whatever their scale: the collations see to that.
 std::string Translator::RenderCompared(const Operand& operand, const SqlType& common) {
     if (operand.type.IsUnknown() && !operand.pending) return operand.sql;
@@ -125,6 +133,7 @@ void Translator::RefuseBytes(const std::vector<Operand>& items, const char* clau
 
 std::string Translator::Collated(const Operand& operand) {
     std::string sql = Render(operand);
+    if (operand.type.IsGuid()) return sql + " COLLATE " + kGuidCollationName;
     if (operand.column) return sql;
     if (operand.type.IsText()) return sql + " COLLATE " + kTextCollationName;
     if (operand.type.IsExact()) return sql + " COLLATE " + kNumberCollationName;

@@ -4,6 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/functions/function.h"
+#include "tsql/syntax/ast_children.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -23,6 +24,46 @@ std::optional<std::size_t> PlaceInList(const Expr& expression, const Operand& op
         if (!item.pending && !operand.pending && item.sql == operand.sql) return i;
     }
     return std::nullopt;
+}
+
+// Made of literals and variables alone, by operators.
+bool IsFixed(const Expr& expression, bool& hasVariable) {
+    switch (expression.kind) {
+        case ExprKind::kLiteral:
+            return true;
+        case ExprKind::kVariable:
+            hasVariable = true;
+            return true;
+        case ExprKind::kUnary:
+        case ExprKind::kBinary: {
+            bool fixed = true;
+            ForEachChild(expression,
+                         [&](const Expr& child) { fixed = IsFixed(child, hasVariable) && fixed; });
+            return fixed;
+        }
+        default:
+            return false;
+    }
+}
+
+bool IsPlace(const Expr& expression) {
+    const auto* literal = TryAs<LiteralExpr>(&expression);
+    return literal != nullptr && literal->literal == LiteralKind::kInteger;
+}
+
+// Each item tells rows apart that those before it do not.
+void CheckOrder(const Query& query) {
+    for (std::size_t i = 0; i < query.orderBy.size(); ++i) {
+        const Expr& item = *query.orderBy[i].expression;
+        const auto number = static_cast<int>(i) + 1;
+        bool hasVariable = false;
+        if (!IsPlace(item) && IsFixed(item, hasVariable))
+            throw MakeError(hasVariable ? 1008 : 408, item.position, {number});
+        if (!IsPlace(item) && item.kind != ExprKind::kColumn) continue;
+        for (std::size_t earlier = 0; earlier < i; ++earlier) {
+            if (SameExpression(*query.orderBy[earlier].expression, item)) throw MakeError(169, item.position);
+        }
+    }
 }
 
 }  // namespace
@@ -51,6 +92,7 @@ std::string Translator::OrderItemText(const OrderItem& item, const std::string& 
     std::string text = sql;
     const bool isPlace = !sql.empty() && sql.find_first_not_of("0123456789") == std::string::npos;
     if (operand.type.IsBinary() && !isPlace) text = kBytesCall.Call({text});
+    if (operand.type.IsGuid()) text += std::string(" COLLATE ") + kGuidCollationName;
     if (!operand.column) {
         if (operand.type.IsText()) text += std::string(" COLLATE ") + kTextCollationName;
         if (operand.type.IsExact()) text += std::string(" COLLATE ") + kNumberCollationName;
@@ -93,6 +135,7 @@ std::string Translator::OrderKey(const OrderItem& item, const Query& query, cons
         }
     }
     if (isSet) throw MakeError(104, item.expression->position);
+    const GroupedPlace inOrder(scope, kUngroupedInOrder);
     const Operand operand = Value(*item.expression, scope);
     if (select.distinct) {
         const std::optional<std::size_t> place = PlaceInList(*item.expression, operand, select, parts);
@@ -106,6 +149,7 @@ std::string Translator::OrderKey(const OrderItem& item, const Query& query, cons
 
 std::string Translator::OrderBy(const Query& query, const SelectBody& select, Scope& scope,
                                 const SelectParts& parts) {
+    CheckOrder(query);
     std::string sql;
     for (const OrderItem& item : query.orderBy)
         sql += (sql.empty() ? " ORDER BY " : ", ") + OrderKey(item, query, select, scope, parts, nullptr);
@@ -114,6 +158,7 @@ std::string Translator::OrderBy(const Query& query, const SelectBody& select, Sc
 
 std::string Translator::RowsToSort(const Query& query, const SelectBody& select, Scope& scope,
                                    SelectParts& parts, std::string& keys) {
+    CheckOrder(query);
     std::vector<Operand> more;
     for (const OrderItem& item : query.orderBy)
         keys += (keys.empty() ? "ORDER BY " : ", ") + OrderKey(item, query, select, scope, parts, &more);

@@ -66,6 +66,11 @@ struct Stage {
     std::vector<std::string> values;  // its columns k1, k2, …
 };
 
+// A column by which a query is not grouped: in its list, in HAVING and in ORDER BY.
+inline constexpr int kUngroupedInList = 8120;
+inline constexpr int kUngroupedInHaving = 8121;
+inline constexpr int kUngroupedInOrder = 8127;
+
 // The names that an expression may use, innermost first.
 struct Scope {
     const Scope* outer = nullptr;
@@ -86,8 +91,24 @@ struct Scope {
         std::string isIn;  // a condition of SQLite
     };
     std::vector<SetMember> setMembers;
-    std::size_t whereAt = 0;  // where WHERE begins in the text behind the list
-    std::string someRows;     // with ROLLUP: -1, or an error when there is no row at all
+    int ungrouped = kUngroupedInList;  // the error for a column by which it is not grouped
+    std::size_t whereAt = 0;           // where WHERE begins in the text behind the list
+    std::string someRows;              // with ROLLUP: -1, or an error when there is no row at all
+};
+
+// What stands in a place of its own is translated while it lasts.
+class GroupedPlace {
+  public:
+    GroupedPlace(Scope& scope, int error) : scope_(scope), saved_(scope.ungrouped) {
+        scope.ungrouped = error;
+    }
+    GroupedPlace(const GroupedPlace&) = delete;
+    GroupedPlace& operator=(const GroupedPlace&) = delete;
+    ~GroupedPlace() { scope_.ungrouped = saved_; }
+
+  private:
+    Scope& scope_;
+    int saved_;
 };
 
 // A SELECT taken apart, so that a UNION can agree on types before the texts are made.

@@ -6,6 +6,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
+#include "tsql/syntax/ast_children.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -149,30 +150,37 @@ void Translator::AddItem(const SelectItem& item, Scope& scope, SelectParts& part
     parts.names.push_back(ItemName(item, scope));
 }
 
-void Translator::AddAssignment(const std::string& variable, AssignOp op, Operand value, Position where,
-                               SelectParts& parts) {
+std::string Translator::AssignVariable(const std::string& variable, const Operand& value, Position where,
+                                       SelectParts& parts) {
     const std::string name = LowerAscii(variable);
     const auto type = context_.VariableType(name);
+    if (!type) throw MakeError(137, where, {variable});
+    std::string text = RenderAs(value, *type);
+    // Each may double what stands before it.
+    if (text.size() > kLongestAssigned) throw MakeError(8623, where);
+    assigned_.emplace_back(name, text);
+    parts.assignments.push_back({name, AssignOp::kSet});
+    return text;
+}
+
+void Translator::AddAssignment(const std::string& variable, AssignOp op, Operand value, Position where,
+                               SelectParts& parts) {
+    const auto type = context_.VariableType(LowerAscii(variable));
     if (!type) throw MakeError(137, where, {variable});
     if (op != AssignOp::kSet) {
         const Operand current = Variable(VariableExpr(where, variable));
         value = Binary(static_cast<BinaryOp>(static_cast<int>(op) - 1), where, current, value);
     }
-    const std::string text = RenderAs(value, *type);
-    // Each may double what stands before it.
-    if (text.size() > kLongestAssigned) throw MakeError(8623, where);
-    assigned_.emplace_back(name, text);
-    parts.assignments.push_back({name, AssignOp::kSet});
-    parts.items.push_back(Computed(text, *type));
+    parts.items.push_back(Computed(AssignVariable(variable, value, where, parts), *type));
     parts.names.emplace_back();
 }
 
 void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::string& tail) {
     std::string list;
     for (const ExprPtr& group : select.groupBy) {
-        if (HasAggregate(*group)) throw MakeError(144, group->position);
+        if (HasAggregate(*group) || HoldsQuery(*group)) throw MakeError(144, group->position);
         const Names names = NamesOf(*group, scope);
-        if (names.outside && !names.own) throw MakeError(164, group->position);
+        if (!names.own) throw MakeError(164, group->position);
         if (names.outside)
             throw MakeError(40510, group->position, {"GROUP BY of a column of the query around"});
         const Operand operand = Value(*group, scope);
@@ -225,6 +233,7 @@ void Translator::AddItems(const SelectBody& select, Scope& scope, SelectParts& p
 
 void Translator::AddHaving(const SelectBody& select, Scope& scope, SelectParts& parts) {
     const bool isWhole = select.groupBy.empty() && select.grouping.empty();
+    const GroupedPlace inHaving(scope, kUngroupedInHaving);
     if (scope.stage != nullptr) {
         parts.tail += " WHERE " + ConditionText(*select.having, scope);
         return;
@@ -235,16 +244,30 @@ void Translator::AddHaving(const SelectBody& select, Scope& scope, SelectParts& 
     if (isWhole) first = Computed("iif(count(*) >= 0, " + Render(first) + ", NULL)", first.type);
 }
 
+// What makes a subquery ask for each row anew what a variable is.
+void Translator::TakeAssigningRow(const Scope& scope) {
+    if (assigningDepth_ != selectDepth_ || assigning_.empty()) return;
+    const SourceColumn* taken = nullptr;
+    for (const Source& source : scope.sources) {
+        for (const SourceColumn& column : source.columns) {
+            if (taken == nullptr || column.weight < taken->weight) taken = &column;
+        }
+    }
+    if (taken != nullptr) assigningRow_ = taken->sql;
+}
+
 // FROM, WHERE and GROUP BY.
 bool Translator::AddRows(const SelectBody& select, const Query* orderFrom, Scope& scope, SelectParts& parts) {
     parts.tail = From(select.from, scope);
     scope.whereAt = parts.tail.size();
+    TakeAssigningRow(scope);
     if (select.where) {
         if (HasOwnAggregate(*select.where, scope)) throw MakeError(147, select.where->position);
         parts.tail += " WHERE " + ConditionText(*select.where, scope);
     }
     scope.isBehind = true;
     const bool groups = IsGrouped(select, orderFrom, scope);
+    if (groups && assigningDepth_ == selectDepth_) assigningRow_ = std::string();
     if (!select.grouping.empty()) {
         GroupBySets(select, scope, parts.tail);
     } else if (groups) {
@@ -261,10 +284,12 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     const bool wantsRow = std::exchange(changed_.wantsRow, false);
     const std::string assigningOutside = assigning_;
     const std::size_t assignedOutside = assigned_.size();
+    ++selectDepth_;
     // Of one row no other can see what it assigns.
     for (const SelectItem& item : select.items) {
-        if (item.kind == SelectItemKind::kAssignment && !select.from.empty())
-            assigning_ += " " + LowerAscii(item.variable) + " ";
+        if (item.kind != SelectItemKind::kAssignment || select.from.empty()) continue;
+        assigning_ += " " + LowerAscii(item.variable) + " ";
+        assigningDepth_ = selectDepth_;
     }
     const bool groups = AddRows(select, orderFrom, scope, parts);
     const bool isWhole = groups && select.groupBy.empty() && select.grouping.empty();
@@ -276,14 +301,20 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     const bool mayStage = ways_.stages && !ordersFirst && (!wantsRow || changed_.isCursor);
     if (mayStage && (groups || windows)) {
         // Windows see the groups that HAVING leaves.
-        if (windows && hasHaving) parts.tail += " HAVING " + ConditionText(*select.having, scope);
+        if (windows && hasHaving) {
+            const GroupedPlace inHaving(scope, kUngroupedInHaving);
+            parts.tail += " HAVING " + ConditionText(*select.having, scope);
+        }
         hasHaving = hasHaving && !windows;
         stage.alias = "\"stage$" + std::to_string(++aliasNumber_) + "\"";
         if (isWhole) stage.values = {"count(*)"};
         parts.tail = OpenStage(stage, parts.tail);
         scope.stage = &stage;
     }
-    if (ordersFirst) OrderRowsFirst(*orderFrom, select, scope, parts);
+    if (ordersFirst) {
+        OrderRowsFirst(*orderFrom, select, scope, parts);
+        TakeAssigningRow(scope);
+    }
     AddItems(select, scope, parts);
     if (wantsRow) AddRowNumber(select, scope, parts);
     if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size())
@@ -294,6 +325,7 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     parts.singleRow = select.from.empty() || isWhole;
     AddOrder(select, orderFrom, ordersFirst, scope, parts);
     if (scope.stage != nullptr) CloseStage(stage, parts);
+    --selectDepth_;
     assigning_ = assigningOutside;
     assigned_.resize(assignedOutside);
     return parts;

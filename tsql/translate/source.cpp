@@ -154,9 +154,10 @@ Source Translator::SourceOf(const TableInfo& table, const std::string& exposedNa
 
 void Translator::AddSource(Source source, Scope& scope, Position position) {
     for (const Source& other : scope.sources) {
-        if (SameName(other.exposedName, source.exposedName)) {
-            throw MakeError(1013, position, {source.exposedName, other.exposedName});
-        }
+        if (!SameName(other.exposedName, source.exposedName)) continue;
+        const auto isNamed = [](const Source& one) { return !SameName(one.exposedName, one.tableName); };
+        if (isNamed(other) && isNamed(source)) throw MakeError(1011, position, {source.exposedName});
+        throw MakeError(1013, position, {source.exposedName, other.exposedName});
     }
     scope.sources.push_back(std::move(source));
 }

@@ -43,6 +43,7 @@ struct Parameter {
 struct VariableAssignment {
     std::string variable;
     AssignOp op = AssignOp::kSet;
+    std::size_t place = 0;  // of UPDATE: of its value among the columns
 };
 
 // What MERGE does with the rows of one WHEN: each row gives the number of its WHEN and that of the row in the

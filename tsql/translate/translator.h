@@ -77,8 +77,11 @@ class Translator {
     std::string CheckText(const TableInfo& table, const Expr& condition);
     // The rows that an UPDATE changes as they are to be: each row's number and every stored column.
     Translation UpdatedRows(const UpdateStatement& statement);
-    // What SET @v = e gives the variables, row by row, with the number of each row behind it.
+    // What SET @v = e gives the variables, row by row, with the number of each row behind it and, where its
+    // columns take what the variables are, every stored column as it is to be.
     Translation UpdatedVariables(const UpdateStatement& statement);
+    // A column gets the value of a variable that the same UPDATE sets, or gives it its own.
+    static bool ChangesRowByRow(const std::vector<tsql::Assignment>& assignments);
     // UPDATE t SET c = value [WHERE c IS NULL]: fills a new column or changes a column's type.
     Translation FillColumn(const TableInfo& table, const ColumnInfo& column, const Expr& value);
     Translation RewriteColumn(const TableInfo& table, const ColumnInfo& column, const SqlType& from);
@@ -162,6 +165,8 @@ class Translator {
     // operand.cpp: the text of an operand, as it is or as a value of another type.
     std::string Render(const Operand& operand);
     std::string RenderAs(const Operand& operand, const SqlType& type, bool isExplicit = false);
+    // The same of what may not come to be asked for.
+    std::string RenderChosen(const Operand& operand, const SqlType& type);
     std::string RenderCompared(const Operand& operand, const SqlType& common);
     std::string RenderStored(const Operand& operand, const TableInfo& table, const ColumnInfo& column,
                              const char* operation);
@@ -206,6 +211,9 @@ class Translator {
     SelectParts SelectOf(const SelectBody& select, const Query* orderFrom, const Scope* outer);
     SelectParts BodyOf(const QueryBody& body, const Query* orderFrom, const Scope* outer);
     void AddItem(const SelectItem& item, Scope& scope, SelectParts& parts);
+    // What the variable is from here on in the row; gives the text.
+    std::string AssignVariable(const std::string& variable, const Operand& value, Position where,
+                               SelectParts& parts);
     void AddAssignment(const std::string& variable, AssignOp op, Operand value, Position where,
                        SelectParts& parts);
     void AddIdentity(const FunctionExpr& call, const SelectItem& item, SelectParts& parts);
@@ -216,6 +224,7 @@ class Translator {
     bool AddRows(const SelectBody& select, const Query* orderFrom, Scope& scope, SelectParts& parts);
     bool IsGrouped(const SelectBody& select, const Query* orderFrom, const Scope& scope) const;
     void AddItems(const SelectBody& select, Scope& scope, SelectParts& parts);
+    void TakeAssigningRow(const Scope& scope);
     void AddHaving(const SelectBody& select, Scope& scope, SelectParts& parts);
     void AddOrder(const SelectBody& select, const Query* orderFrom, bool ordersFirst, Scope& scope,
                   SelectParts& parts);
@@ -324,7 +333,11 @@ class Translator {
         Operand value;
     };
     struct UpdateParts;
-    UpdateParts PartsOf(const UpdateStatement& statement);
+    UpdateParts PartsOf(const UpdateStatement& statement, bool withColumns = true);
+    std::string StoredColumns(const UpdateParts& parts);
+    Assigned AssignedOf(const tsql::Assignment& assignment, const TableInfo& table, Scope& scope,
+                        const std::string& alias);
+    static void AddAssigned(Assigned assigned, Position where, std::vector<Assigned>& all);
     std::vector<Assigned> Assignments(const std::vector<tsql::Assignment>& assignments,
                                       const TableInfo& table, Scope& scope, const std::string& alias);
 
@@ -368,6 +381,9 @@ class Translator {
     bool aggregateAllowed_ = false;
     bool inlineLiterals_ = false;
     std::string assigning_;  // variables assigned by this SELECT, each between blanks
+    int selectDepth_ = 0;
+    int assigningDepth_ = 0;                   // of that SELECT; 0 for an UPDATE
+    std::optional<std::string> assigningRow_;  // a column of its rows; empty where they are groups
     // What the items of its list so far have assigned, for those behind them: each name with its text.
     std::vector<std::pair<std::string, std::string>> assigned_;
     bool isAlternative_ = false;  // one of several conditions with OR, of which SQLite may make a set

@@ -4,6 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
+#include "tsql/syntax/ast_children.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -16,17 +17,60 @@ constexpr const char* kUpdate = "UPDATE";
 
 }  // namespace
 
-// The server works a variable out row by row, and what is made of it in the same row as well.
-static void CheckVariableAlone(const tsql::Assignment& variable,
-                               const std::vector<tsql::Assignment>& assignments) {
-    for (const tsql::Assignment& other : assignments) {
-        if (other.column.IsEmpty()) continue;
-        VisitAll(*other.value, [&](const Expr& one) {
-            const auto* use = TryAs<VariableExpr>(&one);
-            if (use != nullptr && SameName(use->name, variable.variable))
-                throw MakeError(40510, use->position, {"UPDATE … SET column = @variable that it sets"});
-        });
+namespace {
+
+bool Uses(const Expr& expression, const std::string& variable) {
+    bool found = false;
+    VisitAll(expression, [&](const Expr& one) {
+        const auto* use = TryAs<VariableExpr>(&one);
+        found = found || (use != nullptr && SameName(use->name, variable));
+    });
+    return found;
+}
+
+}  // namespace
+
+bool Translator::ChangesRowByRow(const std::vector<tsql::Assignment>& assignments) {
+    for (const tsql::Assignment& setting : assignments) {
+        if (setting.variable.empty()) continue;
+        if (!setting.column.IsEmpty()) return true;
+        for (const tsql::Assignment& other : assignments) {
+            if (other.column.IsEmpty()) continue;
+            if (Uses(*other.value, setting.variable) || HoldsQuery(*other.value)) return true;
+        }
     }
+    return false;
+}
+
+Translator::Assigned Translator::AssignedOf(const tsql::Assignment& assignment, const TableInfo& table,
+                                            Scope& scope, const std::string& alias) {
+    const std::string name = BehindName(assignment.column.Object(), assignment.position);
+    const ColumnInfo* column = table.FindColumn(name);
+    if (column == nullptr) throw MakeError(207, assignment.position, {name});
+    if (column->identity) throw MakeError(8102, assignment.position, {name});
+    if (!column->computedText.empty()) throw MakeError(271, assignment.position, {name});
+    if (HasAggregate(*assignment.value)) throw MakeError(157, assignment.position);
+    const auto* literal = TryAs<LiteralExpr>(assignment.value.get());
+    Operand value = literal != nullptr && literal->literal == LiteralKind::kDefault
+                        ? DefaultOf(*column)
+                        : Value(*assignment.value, scope);
+    // column += e is column = column + e, with the types of that sum.
+    if (assignment.op != AssignOp::kSet) {
+        Operand current;
+        current.sql = alias + "." + Quoted(column->name);
+        current.type = column->type;
+        current.column = true;
+        value = Binary(static_cast<BinaryOp>(static_cast<int>(assignment.op) - 1), assignment.position,
+                       current, value);
+    }
+    return {column, std::move(value)};
+}
+
+void Translator::AddAssigned(Assigned assigned, Position where, std::vector<Assigned>& all) {
+    for (const Assigned& other : all) {
+        if (other.column == assigned.column) throw MakeError(264, where, {assigned.column->name});
+    }
+    all.push_back(std::move(assigned));
 }
 
 std::vector<Translator::Assigned> Translator::Assignments(const std::vector<tsql::Assignment>& assignments,
@@ -34,33 +78,8 @@ std::vector<Translator::Assigned> Translator::Assignments(const std::vector<tsql
                                                           const std::string& alias) {
     std::vector<Assigned> result;
     for (const tsql::Assignment& assignment : assignments) {
-        if (assignment.column.IsEmpty()) {
-            CheckVariableAlone(assignment, assignments);
-            continue;
-        }
-        const std::string name = BehindName(assignment.column.Object(), assignment.position);
-        const ColumnInfo* column = table.FindColumn(name);
-        if (column == nullptr) throw MakeError(207, assignment.position, {name});
-        if (column->identity) throw MakeError(8102, assignment.position, {name});
-        if (!column->computedText.empty()) throw MakeError(271, assignment.position, {name});
-        for (const Assigned& other : result) {
-            if (other.column == column) throw MakeError(264, assignment.position, {name});
-        }
-        if (HasAggregate(*assignment.value)) throw MakeError(157, assignment.position);
-        const auto* literal = TryAs<LiteralExpr>(assignment.value.get());
-        Operand value = literal != nullptr && literal->literal == LiteralKind::kDefault
-                            ? DefaultOf(*column)
-                            : Value(*assignment.value, scope);
-        // column += e is column = column + e, with the types of that sum.
-        if (assignment.op != AssignOp::kSet) {
-            Operand current;
-            current.sql = alias + "." + Quoted(column->name);
-            current.type = column->type;
-            current.column = true;
-            value = Binary(static_cast<BinaryOp>(static_cast<int>(assignment.op) - 1), assignment.position,
-                           current, value);
-        }
-        result.push_back({column, std::move(value)});
+        if (!assignment.column.IsEmpty())
+            AddAssigned(AssignedOf(assignment, table, scope, alias), assignment.position, result);
     }
     return result;
 }
@@ -78,7 +97,7 @@ struct Translator::UpdateParts {
     std::string limit;
 };
 
-Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement) {
+Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement, bool withColumns) {
     AddCommonTables(statement.with);
     UpdateParts parts;
     const Source& target =
@@ -86,7 +105,8 @@ Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement) {
     parts.table = target.table;
     parts.alias = target.alias;
     Begin(*parts.table, kUpdate);
-    parts.assigned = Assignments(statement.assignments, *parts.table, parts.scope, parts.alias);
+    if (withColumns)
+        parts.assigned = Assignments(statement.assignments, *parts.table, parts.scope, parts.alias);
     if (statement.where) parts.condition = ConditionText(*statement.where, parts.scope);
     if (!statement.currentOf.IsEmpty()) parts.condition = CurrentRow(statement.currentOf, parts.alias);
     if (statement.top) {
@@ -97,11 +117,9 @@ Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement) {
     return parts;
 }
 
-Translation Translator::UpdatedRows(const UpdateStatement& statement) {
-    const UpdateParts parts = PartsOf(statement);
-    std::string sql = "SELECT " + parts.alias + "._rowid_";
-    translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
-    // All columns, changed or not: the rows are deleted and put anew. What is computed comes by itself.
+// All columns, changed or not, since the rows may have to be put anew. What is computed comes by itself.
+std::string Translator::StoredColumns(const UpdateParts& parts) {
+    std::string sql;
     for (const ColumnInfo& column : parts.table->columns) {
         if (!column.computedText.empty()) continue;
         const auto entry = std::find_if(parts.assigned.begin(), parts.assigned.end(),
@@ -111,31 +129,67 @@ Translation Translator::UpdatedRows(const UpdateStatement& statement) {
                                                   : parts.alias + "." + Quoted(column.name));
         translation_.columns.push_back({column.name, column.type});
     }
+    return sql;
+}
+
+Translation Translator::UpdatedRows(const UpdateStatement& statement) {
+    const UpdateParts parts = PartsOf(statement);
+    std::string sql = "SELECT " + parts.alias + "._rowid_";
+    translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
+    sql += StoredColumns(parts);
     // A row that FROM finds twice is changed once.
     sql += parts.from + Where(parts.condition) + " GROUP BY " + parts.alias + "._rowid_" + parts.limit;
     return Finished(std::move(sql));
 }
 
-// SELECT the values of @v = e, and the number of the row: the last one's stay.
+// SELECT the values of @v = e, and the number of the row: the last one's stay. Where columns take what the
+// variables are in their row, all columns of the row as they are to be stand behind the number.
 Translation Translator::UpdatedVariables(const UpdateStatement& statement) {
-    UpdateParts parts = PartsOf(statement);
-    for (const tsql::Assignment& assignment : statement.assignments) {
-        if (assignment.column.IsEmpty()) assigning_ += " " + LowerAscii(assignment.variable) + " ";
+    const std::vector<tsql::Assignment>& assignments = statement.assignments;
+    const bool rowByRow = ChangesRowByRow(assignments);
+    UpdateParts parts = PartsOf(statement, !rowByRow);
+    for (const tsql::Assignment& assignment : assignments) {
+        if (!assignment.variable.empty()) assigning_ += " " + LowerAscii(assignment.variable) + " ";
     }
+    assigningRow_ = parts.alias + "._rowid_";
     std::string list;
     SelectParts items;
-    for (const tsql::Assignment& assignment : statement.assignments) {
-        if (!assignment.column.IsEmpty()) continue;
-        if (HasAggregate(*assignment.value)) throw MakeError(157, assignment.position);
-        AddAssignment(assignment.variable, assignment.op, Value(*assignment.value, parts.scope),
-                      assignment.position, items);
-        translation_.columns.push_back({"", items.items.back().type});
-        list += items.items.back().sql + ", ";
+    std::vector<const ColumnInfo*> taken;  // by each assignment of a variable; none for a value of its own
+    for (const tsql::Assignment& assignment : assignments) {
+        if (assignment.column.IsEmpty()) {
+            if (HasAggregate(*assignment.value)) throw MakeError(157, assignment.position);
+            AddAssignment(assignment.variable, assignment.op, Value(*assignment.value, parts.scope),
+                          assignment.position, items);
+            translation_.columns.push_back({"", items.items.back().type});
+            list += items.items.back().sql + ", ";
+            taken.push_back(nullptr);
+        } else if (rowByRow) {
+            const Assigned entry = AssignedOf(assignment, *parts.table, parts.scope, parts.alias);
+            AddAssigned(entry, assignment.position, parts.assigned);
+            if (assignment.variable.empty()) continue;
+            const SqlType& type = entry.column->type;
+            AssignVariable(assignment.variable, Computed(RenderAs(entry.value, type), type),
+                           assignment.position, items);
+            taken.push_back(entry.column);
+        }
     }
-    translation_.assignments = std::move(items.assignments);
     translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
-    return Finished("SELECT " + list + parts.alias + "._rowid_" + parts.from + Where(parts.condition) +
-                    parts.limit);
+    const std::string stored = rowByRow ? StoredColumns(parts) : std::string();
+    translation_.assignments = std::move(items.assignments);
+    std::size_t own = 0;
+    for (std::size_t i = 0; i < taken.size(); ++i) {
+        std::size_t& place = translation_.assignments[i].place;
+        if (taken[i] == nullptr) {
+            place = own++;
+            continue;
+        }
+        const auto column =
+            std::find_if(translation_.columns.begin(), translation_.columns.end(),
+                         [&](const ResultColumn& other) { return other.name == taken[i]->name; });
+        place = static_cast<std::size_t>(column - translation_.columns.begin());
+    }
+    return Finished("SELECT " + list + parts.alias + "._rowid_" + stored + parts.from +
+                    Where(parts.condition) + parts.limit);
 }
 
 Translation Translator::Update(const UpdateStatement& statement) {
@@ -143,16 +197,6 @@ Translation Translator::Update(const UpdateStatement& statement) {
     const TableInfo& table = *parts.table;
     const std::string& alias = parts.alias;
     const std::vector<Assigned>& assigned = parts.assigned;
-    // @v = column = e: SQLite gives the new value back, and the last row's stays.
-    std::string variables;
-    for (const tsql::Assignment& assignment : statement.assignments) {
-        if (assignment.variable.empty() || assignment.column.IsEmpty()) continue;
-        const ColumnInfo* column =
-            table.FindColumn(BehindName(assignment.column.Object(), assignment.position));
-        translation_.assignments.push_back({LowerAscii(assignment.variable), AssignOp::kSet});
-        translation_.columns.push_back({"", column->type});
-        variables += (variables.empty() ? " RETURNING " : ", ") + Quoted(column->name);
-    }
     // SQLite changes row after row: a value that asks the table itself has to be known before the first.
     const bool asksItself = std::any_of(assigned.begin(), assigned.end(), [&](const Assigned& entry) {
         return entry.value.sql.find(table.Sql()) != std::string::npos;
@@ -188,7 +232,6 @@ Translation Translator::Update(const UpdateStatement& statement) {
         sql = "UPDATE " + table.Sql() + " AS \"ts$t\" SET " + sql + " FROM (" + inner + parts.from +
               Where(parts.condition) + limit + ") AS \"ts$s\" WHERE \"ts$t\"._rowid_ = \"ts$s\".r";
     }
-    sql += variables;
     if (statement.output) {
         CheckOutputBehind(*statement.output);
         for (const SelectItem& item : statement.output->items) {

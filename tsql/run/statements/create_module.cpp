@@ -1,11 +1,16 @@
 // CREATE and ALTER of views and procedures: their texts go into the catalog as they are.
 
+#include <set>
+
+#include "tsql/base/error_table.h"
+#include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
 
 namespace vicenter::tsql::engine {
 
 void Executor::CreateView(const CreateViewStatement& statement) {
     const std::string& name = statement.name.Object();
+    if (name.starts_with('#')) throw MakeError(4103, statement.name.Where(), {name});
     transactions_.Define(false, [&] {
         const bool exists = catalog_.FindView(name) != nullptr;
         if (statement.alter && !exists) throw MakeError(208, statement.name.Where(), {statement.name.Text()});
@@ -24,12 +29,21 @@ void Executor::CreateView(const CreateViewStatement& statement) {
                 throw MakeError(4511, statement.position, {static_cast<std::int32_t>(i + 1)});
             }
         }
+        std::set<std::string> names;
+        for (std::size_t i = 0; i < translation.columns.size(); ++i) {
+            const std::string& column =
+                statement.columns.empty() ? translation.columns[i].name : statement.columns[i].text;
+            if (!names.insert(LowerAscii(column)).second)
+                throw MakeError(4506, statement.position, {column, name});
+        }
         catalog_.WriteModule('V', name, std::string(frame_->text));
     });
 }
 
 void Executor::CreateProcedure(const CreateProcedureStatement& statement) {
     const std::string& name = statement.name.Object();
+    // It would be there for all sessions, and stay.
+    if (name.starts_with('#')) throw MakeError(40510, statement.name.Where(), {"CREATE PROCEDURE " + name});
     transactions_.Define(false, [&] {
         const bool exists = catalog_.FindProcedure(name) != nullptr;
         if (statement.alter && !exists) throw MakeError(208, statement.name.Where(), {statement.name.Text()});

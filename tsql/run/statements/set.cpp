@@ -113,7 +113,7 @@ void Executor::SetOption(const SetOptionStatement& statement) {
             database_.SetLockTimeout(options.lockTimeoutMilliseconds);
         } else if (option == "identity_insert") {
             const TableInfo* table = FindTable(statement.table.Object());
-            if (table == nullptr) throw MakeError(208, statement.position, {statement.table.Text()});
+            if (table == nullptr) throw MakeError(1088, statement.position, {statement.table.Text()});
             if (table->IdentityColumn() == nullptr) throw MakeError(8106, statement.position, {table->name});
             if (!statement.on.value_or(false)) {
                 options.identityInsert.clear();

@@ -19,14 +19,6 @@ bool IsDuplicate(const SqlError& error) {
     return error.Number() == 2627 || error.Number() == 2601;
 }
 
-bool TellsRows(const UpdateStatement& statement) {
-    if (statement.output) return true;
-    for (const Assignment& assignment : statement.assignments) {
-        if (!assignment.variable.empty() && !assignment.column.IsEmpty()) return true;
-    }
-    return false;
-}
-
 bool SetsColumns(const UpdateStatement& statement) {
     return std::any_of(statement.assignments.begin(), statement.assignments.end(),
                        [](const Assignment& assignment) { return !assignment.column.IsEmpty(); });
@@ -34,7 +26,7 @@ bool SetsColumns(const UpdateStatement& statement) {
 
 bool SetsVariables(const UpdateStatement& statement) {
     return std::any_of(statement.assignments.begin(), statement.assignments.end(),
-                       [](const Assignment& assignment) { return assignment.column.IsEmpty(); });
+                       [](const Assignment& assignment) { return !assignment.variable.empty(); });
 }
 
 }  // namespace
@@ -61,42 +53,56 @@ void Executor::UpdateColumns(const UpdateStatement& statement, bool temporary) {
     } catch (const SqlError& error) {
         // SQLite looks at keys row by row, the server when all rows are changed: FNo = FNo + 1 is no
         // duplicate.
-        if (!IsDuplicate(error) || TellsRows(statement) || !RewriteRows(statement, temporary)) throw;
+        if (!IsDuplicate(error) || statement.output) throw;
+        RewriteRows(statement, temporary);
     }
 }
 
 // SET @v = e: from the rows as they are before the change, which a SELECT of the same rows finds. The change
-// itself sees the variables as they were.
+// itself sees the variables as they were, or, where columns take what the variables are in their row, has the
+// values of that SELECT.
 void Executor::UpdateVariables(const UpdateStatement& statement, bool temporary) {
-    if (statement.output && !SetsColumns(statement))
+    const bool rowByRow = Translator::ChangesRowByRow(statement.assignments);
+    if (statement.output && (rowByRow || !SetsColumns(statement)))
         throw MakeError(40510, statement.position, {"OUTPUT of UPDATE … SET @variable = expression"});
     transactions_.Change(temporary, [&] {
         Plan& plan = PlanFor(&statement.assignments.front(),
                              [&](Translator& translator) { return translator.UpdatedVariables(statement); });
-        std::set<std::int64_t> rows;
+        const std::vector<ResultColumn>& columns = plan.translation.columns;
+        const auto number = static_cast<std::size_t>(
+            std::find_if(columns.begin(), columns.end(),
+                         [](const ResultColumn& column) { return !column.name.empty(); }) -
+            columns.begin());
+        std::set<std::int64_t> numbers;
+        std::vector<std::vector<Value>> rows;
         std::map<Variable*, Value> before;
         std::map<Variable*, Value> behind;
         {
             const ResetAtEnd reset(plan.statement);
             Bind(plan);
-            const std::vector<VariableAssignment>& assignments = plan.translation.assignments;
             std::vector<Value> row;
             while (StepPlan(plan)) {
                 ReadRow(plan, row);
-                rows.insert(row.back().Int());
-                for (std::size_t i = 0; i < assignments.size(); ++i) {
-                    Variable& variable = FindVariable(assignments[i].variable, statement.position);
+                for (const VariableAssignment& assignment : plan.translation.assignments) {
+                    Variable& variable = FindVariable(assignment.variable, statement.position);
                     before.emplace(&variable, variable.value);
-                    variable.value = std::move(row[i]);
+                    variable.value = Convert(row[assignment.place], columns[assignment.place].type,
+                                             variable.type, 0, frame_->options.dateFormat);
                 }
+                // A row that FROM finds twice is changed once.
+                if (numbers.insert(row[number].Int()).second && rowByRow)
+                    rows.emplace_back(row.begin() + static_cast<std::ptrdiff_t>(number), row.end());
             }
         }
         for (auto& [variable, value] : before)
             behind[variable] = std::exchange(variable->value, std::move(value));
-        if (SetsColumns(statement)) {
+        if (rowByRow) {
+            ChangeRows(plan, {columns.begin() + static_cast<std::ptrdiff_t>(number), columns.end()}, rows,
+                       false, statement.position);
+        } else if (SetsColumns(statement)) {
             UpdateColumns(statement, temporary);
         } else {
-            CountRows(static_cast<std::int64_t>(rows.size()));
+            CountRows(static_cast<std::int64_t>(numbers.size()));
         }
         for (auto& [variable, value] : behind)
             variable->value = std::move(value);
@@ -115,10 +121,12 @@ bool Executor::IsReferenced(const TableInfo& table) const {
 
 namespace {
 
-enum class ShiftResult { kDone, kDuplicate, kCircle };
+enum class ShiftResult { kDone, kCircle };
 
 // Throws what the last step has run into.
 using Fail = std::function<void()>;
+// Hears of the row that is written next, whose keys a failure may have to name.
+using Tell = std::function<void(const std::vector<Value>&)>;
 
 // A foreign key of the table or to it, and how many rows break it.
 struct CountedKey {
@@ -174,15 +182,50 @@ bool WaitsForOther(Database& database, const TableInfo& table, const std::vector
     return false;
 }
 
+// Writes rows in the place where they are.
+class RowWriter {
+  public:
+    RowWriter(Database& database, const TableInfo& table, const std::vector<ResultColumn>& columns)
+        : columns_(columns) {
+        std::string list;
+        for (std::size_t i = 1; i < columns.size(); ++i)
+            list += (i == 1 ? "" : ", ") + Quoted(columns[i].name) + " = ?";
+        change_ = database.Prepare("UPDATE " + table.Sql() + " SET " + list + " WHERE _rowid_ = ?");
+    }
+    StepResult Put(const std::vector<Value>& row) {
+        change_.Reset();
+        const auto count = static_cast<int>(columns_.size());
+        for (int i = 1; i < count; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            BindValue(change_.Handle(), i, row[at], columns_[at].type);
+        }
+        change_.Bind(count, row.front().Int());
+        return change_.Step();
+    }
+    void Reset() { change_.Reset(); }
+
+  private:
+    const std::vector<ResultColumn>& columns_;
+    PreparedStatement change_;
+};
+
+// False when a key is another row's.
+bool PutInPlace(Database& database, const TableInfo& table, const std::vector<ResultColumn>& columns,
+                const std::vector<std::vector<Value>>& rows, const Fail& fail) {
+    RowWriter writer(database, table, columns);
+    for (const std::vector<Value>& row : rows) {
+        if (writer.Put(row) != StepResult::kFailed) continue;
+        if (database.LastFailureKind() == FailureKind::kUniqueKey) return false;
+        fail();
+    }
+    return true;
+}
+
 // Each row is changed where it is, and what refers to it follows, as soon as the key that it gets is free:
 // there and back over the rows, so that those that move on by one take two rounds.
 ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vector<ResultColumn>& columns,
-                      const std::vector<std::vector<Value>>& rows, const Fail& fail) {
-    std::string list;
-    for (std::size_t i = 1; i < columns.size(); ++i)
-        list += (i == 1 ? "" : ", ") + Quoted(columns[i].name) + " = ?";
-    PreparedStatement change =
-        database.Prepare("UPDATE " + table.Sql() + " SET " + list + " WHERE _rowid_ = ?");
+                      const std::vector<std::vector<Value>>& rows, const Tell& tell, const Fail& fail) {
+    RowWriter writer(database, table, columns);
     std::vector<const std::vector<Value>*> left;
     for (const std::vector<Value>& row : rows)
         left.push_back(&row);
@@ -190,17 +233,12 @@ ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vec
         std::reverse(left.begin(), left.end());
         std::vector<const std::vector<Value>*> kept;
         for (const std::vector<Value>* row : left) {
-            const auto count = static_cast<int>(columns.size());
-            for (int i = 1; i < count; ++i)
-                BindValue(change.Handle(), i, (*row)[static_cast<std::size_t>(i)],
-                          columns[static_cast<std::size_t>(i)].type);
-            change.Bind(count, row->front().Int());
-            const StepResult result = change.Step();
+            const StepResult result = writer.Put(*row);
             if (result == StepResult::kFailed && database.LastFailureKind() != FailureKind::kUniqueKey)
                 fail();
             if (result == StepResult::kFailed) kept.push_back(row);
-            change.Reset();
         }
+        writer.Reset();
         if (kept.size() == left.size()) {
             std::set<std::int64_t> waiting;
             for (const std::vector<Value>* row : left)
@@ -208,7 +246,10 @@ ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vec
             const bool circle = std::any_of(left.begin(), left.end(), [&](const std::vector<Value>* row) {
                 return WaitsForOther(database, table, columns, *row, waiting);
             });
-            return circle ? ShiftResult::kCircle : ShiftResult::kDuplicate;
+            if (circle) return ShiftResult::kCircle;
+            tell(*left.front());
+            writer.Put(*left.front());
+            fail();
         }
         left = std::move(kept);
     }
@@ -216,18 +257,18 @@ ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vec
 }
 
 ShiftResult ShiftedRows(Database& database, const Catalog& catalog, const TableInfo& table,
-                        const Translation& translation, const std::vector<std::vector<Value>>& rows,
-                        const Fail& fail) {
+                        const std::string& operation, const std::vector<ResultColumn>& columns,
+                        const std::vector<std::vector<Value>>& rows, const Tell& tell, const Fail& fail) {
     const std::vector<CountedKey> before = CountBroken(database, catalog, table);
     // On the way rows may refer to what is not there any more or not yet.
     database.Run("PRAGMA defer_foreign_keys = ON");
     ShiftResult result = ShiftResult::kDone;
     try {
-        result = ShiftRows(database, table, translation.columns, rows, fail);
+        result = ShiftRows(database, table, columns, rows, tell, fail);
         const std::vector<CountedKey> after = CountBroken(database, catalog, table);
         for (std::size_t i = 0; result == ShiftResult::kDone && i < after.size(); ++i) {
             if (after[i].broken > before[i].broken)
-                throw BrokenKeyError(translation.operation, table, *after[i].owner, *after[i].key);
+                throw BrokenKeyError(operation, table, *after[i].owner, *after[i].key);
         }
     } catch (...) {
         database.RunQuietly("PRAGMA defer_foreign_keys = OFF");
@@ -239,15 +280,11 @@ ShiftResult ShiftedRows(Database& database, const Catalog& catalog, const TableI
 
 }  // namespace
 
-// The rows as they are to be are read, the old ones deleted and the new ones inserted. Rows that others refer
-// to cannot be deleted on the way.
-bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
-    bool possible = false;
+// The rows as they are to be are read before the first of them is changed.
+void Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
     transactions_.Change(temporary, [&] {
         Plan& plan = PlanFor(&statement.assignments,
                              [&](Translator& translator) { return translator.UpdatedRows(statement); });
-        const TableInfo& table = *catalog_.FindTable(plan.translation.table);
-        possible = true;
         std::vector<std::vector<Value>> rows;
         {
             const ResetAtEnd reset(plan.statement);
@@ -255,54 +292,77 @@ bool Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
             while (StepPlan(plan))
                 ReadRow(plan, rows.emplace_back());
         }
-        StatementGuard guard(database_, true);
-        if (IsReferenced(table)) {
-            const ShiftResult result =
-                ShiftedRows(database_, catalog_, table, plan.translation, rows, [&] { FailStep(plan); });
-            if (result == ShiftResult::kCircle)
-                throw MakeError(40510, statement.position,
-                                {"UPDATE that exchanges keys that others refer to"});
-            possible = result == ShiftResult::kDone;
-            if (!possible) return;
-            CheckRowLimit(frame_->options.rowCountLimit, static_cast<std::int64_t>(rows.size()));
-            guard.Release();
-            return CountRows(static_cast<std::int64_t>(rows.size()));
-        }
-        PreparedStatement remove = database_.Prepare("DELETE FROM " + table.Sql() + " WHERE _rowid_ = ?1");
-        for (const std::vector<Value>& row : rows) {
-            remove.Bind(1, row.front().Int());
-            database_.Step(remove);
-            remove.Reset();
-        }
-        const std::vector<ResultColumn>& columns = plan.translation.columns;
-        // A key of one integer is the number of the row itself.
-        const bool named = std::any_of(columns.begin() + 1, columns.end(), [&](const ResultColumn& column) {
-            return table.IsRowNumber(column.name);
-        });
-        const std::size_t first = named ? 1 : 0;
-        std::string list;
-        std::string marks;
-        for (std::size_t i = first; i < columns.size(); ++i) {
-            list += (i == first ? "" : ", ") + Quoted(columns[i].name);
-            marks += i == first ? "?" : ", ?";
-        }
-        PreparedStatement add =
-            database_.Prepare("INSERT INTO " + table.Sql() + "(" + list + ") VALUES (" + marks + ")");
-        for (const std::vector<Value>& row : rows) {
-            for (std::size_t i = first; i < columns.size(); ++i) {
-                const ResultColumn& column = columns[i];
-                if (table.IsInUniqueKey(column.name))
-                    services_.RememberKey(column.name, KeyText(row[i], column.type));
-                BindValue(add.Handle(), static_cast<int>(i - first) + 1, row[i], column.type);
-            }
-            if (add.Step() == StepResult::kFailed) FailStep(plan);
-            add.Reset();
-        }
-        CheckRowLimit(frame_->options.rowCountLimit, static_cast<std::int64_t>(rows.size()));
-        guard.Release();
-        CountRows(static_cast<std::int64_t>(rows.size()));
+        ChangeRows(plan, plan.translation.columns, rows, true, statement.position);
     });
-    return possible;
+}
+
+// Each row is its number and all columns that are stored. Where keys collide on the way they may do so when
+// all rows are changed, or not.
+void Executor::ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
+                          const std::vector<std::vector<Value>>& rows, bool collides, Position where) {
+    const TableInfo& table = *catalog_.FindTable(plan.translation.table);
+    const Tell tell = [&](const std::vector<Value>& row) {
+        for (std::size_t i = 1; i < columns.size(); ++i) {
+            if (table.IsInUniqueKey(columns[i].name))
+                services_.RememberKey(columns[i].name, KeyText(row[i], columns[i].type));
+        }
+    };
+    const Fail fail = [&] { FailStep(plan); };
+    const auto count = static_cast<std::int64_t>(rows.size());
+    const auto change = [&](const std::function<bool()>& work) {
+        StatementGuard guard(database_, true);
+        if (!work()) return false;
+        CheckRowLimit(frame_->options.rowCountLimit, count);
+        guard.Release();
+        CountRows(count);
+        return true;
+    };
+    if (IsReferenced(table)) {
+        // Rows that others refer to cannot be deleted on the way.
+        const bool done = change([&] {
+            return ShiftedRows(database_, catalog_, table, plan.translation.operation, columns, rows, tell,
+                               fail) == ShiftResult::kDone;
+        });
+        if (!done) throw MakeError(40510, where, {"UPDATE that exchanges keys that others refer to"});
+        return;
+    }
+    if (!collides && change([&] { return PutInPlace(database_, table, columns, rows, fail); })) return;
+    change([&] {
+        PutAnew(plan, columns, rows, tell);
+        return true;
+    });
+}
+
+// The old rows are deleted and the new ones inserted.
+void Executor::PutAnew(const Plan& plan, const std::vector<ResultColumn>& columns,
+                       const std::vector<std::vector<Value>>& rows, const Tell& tell) {
+    const TableInfo& table = *catalog_.FindTable(plan.translation.table);
+    PreparedStatement remove = database_.Prepare("DELETE FROM " + table.Sql() + " WHERE _rowid_ = ?1");
+    for (const std::vector<Value>& row : rows) {
+        remove.Bind(1, row.front().Int());
+        database_.Step(remove);
+        remove.Reset();
+    }
+    // A key of one integer is the number of the row itself.
+    const bool named = std::any_of(columns.begin() + 1, columns.end(), [&](const ResultColumn& column) {
+        return table.IsRowNumber(column.name);
+    });
+    const std::size_t first = named ? 1 : 0;
+    std::string list;
+    std::string marks;
+    for (std::size_t i = first; i < columns.size(); ++i) {
+        list += (i == first ? "" : ", ") + Quoted(columns[i].name);
+        marks += i == first ? "?" : ", ?";
+    }
+    PreparedStatement add =
+        database_.Prepare("INSERT INTO " + table.Sql() + "(" + list + ") VALUES (" + marks + ")");
+    for (const std::vector<Value>& row : rows) {
+        tell(row);
+        for (std::size_t i = first; i < columns.size(); ++i)
+            BindValue(add.Handle(), static_cast<int>(i - first) + 1, row[i], columns[i].type);
+        if (add.Step() == StepResult::kFailed) FailStep(plan);
+        add.Reset();
+    }
 }
 
 }  // namespace vicenter::tsql::engine
