@@ -250,6 +250,10 @@ class Executor {
     std::shared_ptr<Cursor> MakeCursor(const std::string& name, const CursorDefinition& definition);
     void PlanCursor(Cursor& cursor);
     void PlanCursorAnew(Cursor& cursor);
+    void PlanReadingAgain(Cursor& cursor);
+    // False when the row is none of the query's any more.
+    bool ReadAgain(Cursor& cursor, std::size_t row);
+    bool HasGone(const Cursor& cursor, std::size_t row);
     void ReadKey(Cursor& cursor, PreparedStatement& statement, int first, std::size_t row) const;
     bool IsSameRow(const Cursor& cursor, const TableInfo& table, std::size_t row, Position where);
     void KeepCurrentRow(const Name& name, const ObjectName& target);

@@ -43,7 +43,8 @@ struct CursorSurroundings {
     std::vector<LiteralValue> literals;
 };
 
-// A cursor reads all of its rows when it is opened.
+// A cursor reads all of its rows when it is opened. Unless it is to keep them, a row of one table is read
+// once more when it is fetched: as it is by then, and not at all when it has gone.
 struct Cursor {
     std::string name;
     std::shared_ptr<Program> program;  // keeps the query's tree
@@ -55,10 +56,14 @@ struct Cursor {
     std::int64_t position = -1;
     bool open = false;
     bool scroll = true;
+    bool keepsPlaces = false;  // a row that has gone leaves a gap
+    bool isReadOnly = false;
     bool isCounted = false;  // @@CURSOR_ROWS tells its rows
-    // Of a query of one table: that table, and the numbers of the rows, for WHERE CURRENT OF.
+    // Of a query of one table: that table, and the numbers of the rows.
     std::int64_t table = 0;
     std::vector<std::int64_t> rowNumbers;
+    // The row of a number, the last parameter; no statement where the rows are kept.
+    Plan again;
     // Columns that tell each row from another one that has got its number, and their values; none where the
     // number is the key.
     std::vector<ResultColumn> keyColumns;

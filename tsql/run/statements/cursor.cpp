@@ -1,4 +1,5 @@
-// Cursors. All are static: OPEN reads the rows, FETCH goes through them.
+// Cursors. OPEN reads the rows, FETCH goes through them. What others insert meanwhile no cursor shows; what
+// they change and delete is seen in the rows of one table, unless the cursor is to keep them.
 
 #include <algorithm>
 
@@ -13,6 +14,7 @@ namespace {
 // What @@fetch_status says.
 constexpr std::int32_t kFetched = 0;
 constexpr std::int32_t kNoRow = -1;
+constexpr std::int32_t kGap = -2;
 
 bool Has(const std::vector<std::string>& options, std::string_view option) {
     for (const std::string& entry : options) {
@@ -65,7 +67,11 @@ std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const Curs
     cursor->name = name;
     cursor->program = frame_->program;
     cursor->definition = &definition;
-    cursor->scroll = !Has(definition.options, "forward_only") && !Has(definition.options, "fast_forward");
+    const bool isForward = Has(definition.options, "forward_only") || Has(definition.options, "fast_forward");
+    const bool isDynamic = Has(definition.options, "dynamic");
+    cursor->scroll = !isForward && (isDynamic || Has(definition.options, "scroll") ||
+                                    Has(definition.options, "static") || Has(definition.options, "keyset"));
+    cursor->keepsPlaces = Has(definition.options, "keyset") || (cursor->scroll && !isDynamic);
     cursor->isCounted = Has(definition.options, "static") || Has(definition.options, "insensitive") ||
                         Has(definition.options, "keyset") || !IsOfRows(*definition.query);
     RefreshForReading();
@@ -76,13 +82,13 @@ std::shared_ptr<Cursor> Executor::MakeCursor(const std::string& name, const Curs
 
 void Executor::PlanCursor(Cursor& cursor) {
     const CursorDefinition& definition = *cursor.definition;
-    const bool readOnly = definition.forReadOnly || Has(definition.options, "static") ||
-                          Has(definition.options, "insensitive") || Has(definition.options, "fast_forward") ||
-                          Has(definition.options, "read_only");
+    const bool isKept = Has(definition.options, "static") || Has(definition.options, "insensitive");
+    cursor.isReadOnly = definition.forReadOnly || isKept || Has(definition.options, "fast_forward") ||
+                        Has(definition.options, "read_only");
     Plan plan;
     FrameContext context(catalog_, programs_, *frame_);
     MakePlan(plan, context, [&](Translator& translator) {
-        return readOnly ? translator.Select(*definition.query) : translator.CursorQuery(*definition.query);
+        return isKept ? translator.Select(*definition.query) : translator.CursorQuery(*definition.query);
     });
     // Variables in the query have the values of this moment.
     Bind(plan);
@@ -90,6 +96,45 @@ void Executor::PlanCursor(Cursor& cursor) {
     cursor.columns = plan.translation.columns;
     cursor.keyColumns = plan.translation.rowKey;
     cursor.plan = std::move(plan);
+    PlanReadingAgain(cursor);
+}
+
+void Executor::PlanReadingAgain(Cursor& cursor) {
+    cursor.again = {};
+    const Query& query = *cursor.definition->query;
+    // The first rows of an order are others when one of them has gone.
+    if (cursor.table == 0 || !IsOfRows(query) || query.Select()->top || query.offset) return;
+    Plan again;
+    again.translation = cursor.plan.translation;
+    again.translation.sql = "SELECT * FROM (" + cursor.plan.translation.sql + ") WHERE c" +
+                            std::to_string(cursor.columns.size() + 1) + " = ?" +
+                            std::to_string(again.translation.parameters.size() + 1);
+    again.statement = database_.Prepare(again.translation.sql);
+    Bind(again);
+    cursor.again = std::move(again);
+}
+
+bool Executor::ReadAgain(Cursor& cursor, std::size_t row) {
+    RefreshForReading();
+    // The table is another one now: the rows stay those that were read.
+    if (!cursor.again.statement || !cursor.plan.IsCurrent(catalog_, frame_->options)) return true;
+    const ResetAtEnd reset(cursor.again.statement);
+    cursor.again.statement.Bind(static_cast<int>(cursor.again.translation.parameters.size()) + 1,
+                                cursor.rowNumbers[row]);
+    if (!StepPlan(cursor.again)) return cursor.keepsPlaces && !HasGone(cursor, row);
+    ReadRow(cursor.again, cursor.rows[row]);
+    if (!cursor.keyColumns.empty())
+        ReadKey(cursor, cursor.again.statement, static_cast<int>(cursor.columns.size()) + 1, row);
+    return true;
+}
+
+bool Executor::HasGone(const Cursor& cursor, std::size_t row) {
+    const auto* source = TryAs<TableRef>(cursor.definition->query->Select()->from.front().get());
+    const TableInfo* table = source != nullptr ? FindTable(source->name.Object()) : nullptr;
+    if (table == nullptr || table->id != cursor.table) return true;
+    PreparedStatement same = database_.Prepare("SELECT 1 FROM " + table->Sql() + " WHERE _rowid_ = ?");
+    same.Bind(1, cursor.rowNumbers[row]);
+    return !database_.Step(same);
 }
 
 // The tables have changed since the cursor was declared: its query is translated again, with the variables
@@ -193,8 +238,16 @@ void Executor::Fetch(const FetchStatement& statement) {
     if (statement.direction != FetchDirection::kNext && !cursor.scroll) {
         throw MakeError(16911, statement.position, {"fetch", "other than next"});
     }
+    const std::int64_t step = target < cursor.position ? -1 : 1;
+    const auto isWithin = [&] { return target >= 0 && target < count; };
+    bool isGap = false;
+    while (isWithin() && !ReadAgain(cursor, static_cast<std::size_t>(target))) {
+        isGap = cursor.keepsPlaces;
+        if (isGap) break;
+        target += step;
+    }
     cursor.position = target < -1 ? -1 : target > count ? count : target;
-    const bool found = target >= 0 && target < count;
+    const bool found = isWithin() && !isGap;
     if (!statement.into.empty()) {
         if (statement.into.size() != cursor.columns.size()) throw MakeError(16924, statement.position);
         for (std::size_t i = 0; found && i < statement.into.size(); ++i) {
@@ -209,7 +262,7 @@ void Executor::Fetch(const FetchStatement& statement) {
             sink_->AddRow(row);
         }
     }
-    fetchStatus_ = found ? kFetched : kNoRow;
+    fetchStatus_ = found ? kFetched : isGap ? kGap : kNoRow;
     rowCount_ = found ? 1 : 0;
 }
 
@@ -219,7 +272,7 @@ void Executor::TakeCurrentRow(const Name& name, const ObjectName& target) {
     wanted.name = name;
     const Cursor& cursor = *CursorSlot(wanted);
     if (!cursor.open) throw MakeError(16917, name.position);
-    if (cursor.table == 0) throw MakeError(16929, name.position);
+    if (cursor.table == 0 || cursor.isReadOnly) throw MakeError(16929, name.position);
     const TableInfo* table = FindTable(target.Object());
     if (table == nullptr || table->id != cursor.table) throw MakeError(16933, name.position);
     if (cursor.position < 0 || cursor.position >= static_cast<std::int64_t>(cursor.rows.size()))
