@@ -8,6 +8,8 @@
 #include <sqlite3.h>
 
 #include "engine_fixture.h"
+#include "tsql/catalog/catalog.h"
+#include "tsql/functions/functions.h"
 #include "tsql/run/care.h"
 
 namespace vicenter::tsql::engine {
@@ -71,6 +73,24 @@ TEST_F(CatalogChangesTest, LeaveTheFileSound) {
     EXPECT_EQ(Run("select id, r from c order by id"), "id:int r:int\n2|NULL\n3|3");
     session_.reset();
     EXPECT_EQ(FindDamage(Path(), CareOptions{&collation_}), std::vector<std::string>());
+}
+
+TEST_F(CatalogChangesTest, LeaveSqlitesTablesClosedWhenTheyFail) {
+    Run("create table t (a int)");
+    session_.reset();
+    FunctionServices services;
+    services.collation = &collation_;
+    Database database;
+    database.Open(Path(), false, 0);
+    RegisterFunctions(database.Handle(), services);
+    Catalog catalog(database);
+    catalog.Refresh();
+    const TableInfo table = *catalog.FindTable("t");
+    database.Run("PRAGMA query_only = ON");
+    EXPECT_THROW(catalog.ChangeTable(table, true), SqlError);
+    PreparedStatement open = database.Prepare("PRAGMA writable_schema");
+    ASSERT_TRUE(database.Step(open));
+    EXPECT_EQ(open.Int(0), 0);
 }
 
 // Hands on what a batch gives, and does something else when a result begins.

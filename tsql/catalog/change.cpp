@@ -256,10 +256,28 @@ void Catalog::TellSqlite(const TableInfo& table) {
     database_.Run(pragma + " = " + std::to_string(number + 1));
 }
 
+namespace {
+
+// What SQLite keeps of its tables may be written to, as long as this lasts.
+class WritableSchema {
+  public:
+    explicit WritableSchema(Database& database) : database_(database) {
+        database_.Run("PRAGMA writable_schema = ON");
+    }
+    WritableSchema(const WritableSchema&) = delete;
+    WritableSchema& operator=(const WritableSchema&) = delete;
+    ~WritableSchema() { database_.RunQuietly("PRAGMA writable_schema = OFF"); }
+
+  private:
+    Database& database_;
+};
+
+}  // namespace
+
 void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
     if (rewriteSchema) {
         // Constraints and types are nothing but text to SQLite's files, so the text alone is replaced.
-        database_.Run("PRAGMA writable_schema = ON");
+        const WritableSchema writable(database_);
         PreparedStatement update =
             database_.Prepare(std::string("UPDATE ") + (changed.temporary ? "temp" : "main") +
                               ".sqlite_schema SET sql = ?1 WHERE type = 'table' AND name = ?2");
@@ -267,7 +285,6 @@ void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
         update.Bind(2, changed.physical);
         database_.Step(update);
         update.Reset();
-        database_.Run("PRAGMA writable_schema = OFF");
     }
     if (!changed.temporary) WriteTable(changed);
     if (rewriteSchema) TellSqlite(changed);
