@@ -20,9 +20,9 @@ bool Plan::IsCurrent(const Catalog& catalog, const SetOptions& options) const {
     if (translation.givesIdentity && !SameName(options.identityInsert, translation.table)) return false;
     // And with it in error 545.
     if (translation.usesIdentity && SameName(options.identityInsert, translation.table)) return false;
-    for (const auto& [name, id] : translation.temporaries) {
+    for (const auto& [name, definition] : translation.temporaries) {
         const TableInfo* table = catalog.FindTable(name);
-        if (table == nullptr || table->id != id) return false;
+        if (table == nullptr || table->definition != definition) return false;
     }
     return true;
 }
