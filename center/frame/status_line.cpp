@@ -17,6 +17,11 @@ std::string AmountText(const Decimal& amount) {
     return DisplayText(column::kAmount, amount.ToText());
 }
 
+// Numbers of the column read with decimals even when those are zeros.
+bool ReadsWithDecimals(int gridColumn) {
+    return DisplayText(gridColumn, "0") != "0";
+}
+
 }  // namespace
 
 NumberTotals NumberSums::Sides::Totals() const {
@@ -74,6 +79,7 @@ std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection
         const char* name;
         Decimal sum;
         int count = 0;
+        int readsAs = column::kQuantity;  // as the numbers do that went into it
     };
     std::array<Side, 3> sides{{{"借 ", {}, 0}, {"贷 ", {}, 0}, {"其他 ", {}, 0}}};
     int count = 0;
@@ -81,6 +87,7 @@ std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection
         const CellKind kind = Column(column.column).kind;
         if (kind != CellKind::Decimal && kind != CellKind::Whole) continue;
         if (grid.Layout(column.column).hidden) continue;
+        const bool decimals = ReadsWithDecimals(column.column);
         const bool amount = column.column == column::kAmount || column.column == column::kAmountFor;
         for (const RowRun& run : column.rows) {
             for (int row = run.first; row <= run.last; ++row) {
@@ -91,6 +98,7 @@ std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection
                                          : amount && direction == kCredit ? 1
                                                                           : 2;
                 sides[side].sum = Decimal::Add(sides[side].sum, *number);
+                if (decimals) sides[side].readsAs = column.column;
                 ++sides[side].count;
                 ++count;
             }
@@ -100,7 +108,7 @@ std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection
     std::string text;
     for (const Side& side : sides) {
         if (side.count == 0) continue;
-        std::string sum = DisplayText(column::kQuantity, side.sum.ToText());
+        std::string sum = DisplayText(side.readsAs, side.sum.ToText());
         if (side.count == count) return sum;
         if (!text.empty()) text += "　";
         text += side.name + sum;

@@ -44,9 +44,9 @@ inline StatusState SumUp(const EntryGrid& grid, int rowCount, int activeRow) {
     return NumberSums(grid, rowCount).Status(grid, activeRow);
 }
 
-// The sum of the selected numbers as a display text; empty when there are fewer than two. Amounts of debit
-// and credit lines are never added up: where both are selected, each has its sum, and so have numbers that
-// are no amounts beside them.
+// The sum of the selected numbers as a display text, which reads as they do; empty when there are fewer than
+// two. Amounts of debit and credit lines are never added up: where both are selected, each has its sum, and
+// so have numbers that are no amounts beside them.
 std::string SumOfSelection(const EntryGrid& grid, const CellSelection& selection);
 
 }  // namespace vicenter::center

@@ -134,8 +134,9 @@ TEST(SelectionSum, CountsWhatIsSelectedAndNothingBetween) {
     grid.SetColumnHidden(column::kAmount, false);
     for (const auto& [row, text] : {std::pair{1, "30000"}, {2, "1900"}, {3, "2000"}, {4, "33900"}})
         grid.SetText(row, column::kAmount, text);
-    EXPECT_EQ(SumOfSelection(grid, CellSelection({{1, 20, 1, 20}, {4, 20, 4, 20}})), "63,900");
-    EXPECT_EQ(SumOfSelection(grid, CellSelection({{1, 20, 2, 20}, {2, 20, 3, 20}})), "33,900") << "once each";
+    EXPECT_EQ(SumOfSelection(grid, CellSelection({{1, 20, 1, 20}, {4, 20, 4, 20}})), "63,900.00");
+    EXPECT_EQ(SumOfSelection(grid, CellSelection({{1, 20, 2, 20}, {2, 20, 3, 20}})), "33,900.00")
+        << "once each";
 }
 
 TEST(SelectionSum, DebitAndCreditAreSummedApart) {
@@ -144,10 +145,26 @@ TEST(SelectionSum, DebitAndCreditAreSummedApart) {
     Line(grid, 1, "1", "借", "30000");
     Line(grid, 2, "1", "借", "3900.5");
     Line(grid, 3, "1", "贷", "33900");
-    EXPECT_EQ(SumOfSelection(grid, {1, 20, 2, 20}), "33,900.5");
-    EXPECT_EQ(SumOfSelection(grid, {1, 20, 3, 20}), "借 33,900.5　贷 33,900");
+    EXPECT_EQ(SumOfSelection(grid, {1, 20, 2, 20}), "33,900.50");
+    EXPECT_EQ(SumOfSelection(grid, {1, 20, 3, 20}), "借 33,900.50　贷 33,900.00");
     grid.SetText(1, column::kFileCount, "2");
-    EXPECT_EQ(SumOfSelection(grid, {1, 1, 3, 20}), "借 33,900.5　贷 33,900　其他 2");
+    EXPECT_EQ(SumOfSelection(grid, {1, 1, 3, 20}), "借 33,900.50　贷 33,900.00　其他 2");
+}
+
+TEST(SelectionSum, ReadsAsTheNumbersDoThatWentIntoIt) {
+    EntryGrid grid;
+    for (const int c : {column::kQuantity, column::kPrice, column::kAmount, column::kFileCount})
+        grid.SetColumnHidden(c, false);
+    for (int row = 1; row <= 2; ++row) {
+        grid.SetText(row, column::kFileCount, "3");
+        grid.SetText(row, column::kQuantity, "1.5");
+        grid.SetText(row, column::kPrice, "1234.5");
+    }
+    const auto sumOf = [&](int c) { return SumOfSelection(grid, {1, c, 2, c}); };
+    EXPECT_EQ(sumOf(column::kFileCount), "6");
+    EXPECT_EQ(sumOf(column::kQuantity), "3");
+    EXPECT_EQ(sumOf(column::kPrice), "2,469.00");
+    EXPECT_EQ(SumOfSelection(grid, {1, column::kQuantity, 2, column::kPrice}), "2,472.00");
 }
 
 }  // namespace vicenter::center

@@ -328,11 +328,11 @@ TEST_F(SelectionWayTest, SelectedAmountsAreSummedWithoutThoseBetween) {
     window->Grid().scrollTo(window->Grid().Model().IndexOf({1, column::kAmount}));
     Click(1, column::kAmount);
     Click(3, column::kAmount, Qt::ControlModifier);
-    EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 63,900");
+    EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 63,900.00");
     window->Presenter().Cells().CommitText({3, column::kDirection}, "贷");
     Click(3, column::kAmount, Qt::ControlModifier);
     Click(3, column::kAmount, Qt::ControlModifier);
-    EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 借 30,000　贷 33,900");
+    EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 借 30,000.00　贷 33,900.00");
 }
 
 TEST_F(SelectionWayTest, ALabelTakesACopiedCellWithoutItsLineEnd) {
