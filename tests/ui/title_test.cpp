@@ -1,6 +1,8 @@
 // Whose window it is stands in the title; what has been done stands in the status line.
 
+#include <QHelpEvent>
 #include <QLabel>
+#include <QToolTip>
 
 #include "entry/host_context.h"
 #include "tests/ui/window_fixture.h"
@@ -83,6 +85,46 @@ TEST_F(TitleTest, WhatIsWrongComesBeforeWhatHasBeenDone) {
     line.EndFlash();
     line.SetState({});
     EXPECT_EQ(hint->text(), "✓ 已保存");
+}
+
+TEST_F(TitleTest, ANarrowStatusLineCutsNoAmountWithoutASign) {
+    StatusLine line;
+    center::StatusState state;
+    state.lines = 12;
+    state.numbers = 3;
+    state.number = "3";
+    state.debit = "1,234,567,890.00";
+    state.credit = "1,234,567,891.00";
+    state.difference = "-1.00";
+    state.selectionSum = "借 1,234,567,890.00　贷 1,234,567,891.00";
+    state.unbalanced = {"3"};
+    line.SetState(state);
+    line.resize(500, line.sizeHint().height());
+    line.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&line));
+    int cut = 0;
+    int right = 0;
+    for (const char* name : {"lblUnbalanced", "lblSelection", "lblSums", "lblCounts"}) {
+        auto* label = line.findChild<QLabel*>(name);
+        EXPECT_GE(label->x(), right) << name << " covers another";
+        right = label->geometry().right();
+        EXPECT_LT(right, line.width()) << name;
+        const QRect room = label->contentsRect();
+        if (label->fontMetrics().horizontalAdvance(label->text()) <= room.width()) continue;
+        ++cut;
+        // As a label that holds the shortened text looks.
+        QLabel shortened(label->fontMetrics().elidedText(label->text(), Qt::ElideRight, room.width()), &line);
+        shortened.setContentsMargins(label->contentsMargins());
+        shortened.setPalette(label->palette());
+        shortened.setFont(label->font());
+        shortened.resize(label->size());
+        EXPECT_EQ(label->grab().toImage(), shortened.grab().toImage()) << name;
+        QHelpEvent help(QEvent::ToolTip, room.center(), label->mapToGlobal(room.center()));
+        QApplication::sendEvent(label, &help);
+        EXPECT_TRUE(QToolTip::text().contains(label->text().section(QChar(0x3000), 0, 0))) << name;
+        QToolTip::hideText();
+    }
+    EXPECT_GT(cut, 0);
 }
 
 TEST_F(TitleTest, TheStatusLineSaysWhenItsSumsStandInAHiddenColumn) {

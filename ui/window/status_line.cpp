@@ -1,5 +1,11 @@
 #include "ui/window/status_line.h"
 
+#include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QToolTip>
+
+#include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
 
@@ -10,6 +16,37 @@ namespace {
 constexpr int kFlashMilliseconds = 4000;
 constexpr int kDoneMilliseconds = 30000;
 constexpr std::size_t kNumbersNamed = 5;
+
+// A text that says by a sign where there is no room for all of it, and tells all of it then.
+class StatusText : public QLabel {
+  public:
+    using QLabel::QLabel;
+
+    QSize minimumSizeHint() const override {
+        const QMargins margins = contentsMargins();
+        return {fontMetrics().horizontalAdvance(QChar(0x2026)) + margins.left() + margins.right(),
+                QLabel::minimumSizeHint().height()};
+    }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        if (!IsCut()) return QLabel::paintEvent(event);
+        QPainter painter(this);
+        const QString shortened = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+        style()->drawItemText(&painter, contentsRect(),
+                              QStyle::visualAlignment(layoutDirection(), alignment()), palette(), isEnabled(),
+                              shortened, foregroundRole());
+    }
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::ToolTip) return QLabel::event(event);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                           IsCut() ? ToolTipText(text()) : QString(), this);
+        return true;
+    }
+
+  private:
+    bool IsCut() const { return fontMetrics().horizontalAdvance(text()) > contentsRect().width(); }
+};
 
 QString Join(const std::vector<std::string>& numbers) {
     QStringList named;
@@ -26,10 +63,10 @@ StatusLine::StatusLine(QWidget* parent)
     : QStatusBar(parent),
       hint_(new QLabel(this)),
       faults_(new QToolButton(this)),
-      unbalanced_(new QLabel(this)),
-      selection_(new QLabel(this)),
-      sums_(new QLabel(this)),
-      counts_(new QLabel(this)) {
+      unbalanced_(new StatusText(this)),
+      selection_(new StatusText(this)),
+      sums_(new StatusText(this)),
+      counts_(new StatusText(this)) {
     setObjectName(QStringLiteral("statusLine"));
     setSizeGripEnabled(false);
     setContentsMargins(4, 0, 4, 0);
