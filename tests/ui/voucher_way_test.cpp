@@ -61,6 +61,30 @@ TEST_F(VoucherWayTest, F9ShowsTheLinesTheSumsAndWhatIsOpen) {
     EXPECT_TRUE(shown_);
 }
 
+TEST_F(VoucherWayTest, EveryTextOfTheVoucherIsReadAtItsFirstSize) {
+    ClickNode("detail-3");
+    ClickCell(1, column::kExplanation);
+    InDialog([&](QDialog& dialog) {
+        auto* lines = dialog.findChild<QTableWidget*>(QStringLiteral("voucherLines"));
+        int broken = 0;
+        for (int row = 0; row < lines->rowCount(); ++row) {
+            for (int c = 0; c < lines->columnCount(); ++c) {
+                const QRect cell = lines->visualItemRect(lines->item(row, c));
+                const QString text = lines->item(row, c)->text();
+                const QFontMetrics metrics(lines->item(row, c)->font());
+                const QRect needed =
+                    metrics.boundingRect(QRect(0, 0, cell.width() - 6, 10000), Qt::TextWordWrap, text);
+                EXPECT_LE(needed.height(), cell.height()) << text.toStdString();
+                EXPECT_LE(needed.width(), cell.width()) << text.toStdString();
+                broken += needed.height() > metrics.height() + metrics.leading();
+            }
+        }
+        EXPECT_GT(broken, 0) << "nothing was long enough to tell";
+    });
+    QTest::keyClick(&window->Grid(), Qt::Key_F9);
+    EXPECT_TRUE(shown_);
+}
+
 TEST_F(VoucherWayTest, TheVoucherGoesIntoAPdfFileAndTheStatusLineLinksIt) {
     ClickCell(1, column::kExplanation);
     const std::string pdf = folder.Path("凭证.pdf");

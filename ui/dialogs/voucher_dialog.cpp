@@ -72,7 +72,11 @@ void VoucherDialog::FillLines(QTableWidget& table) const {
     table.setEditTriggers(QAbstractItemView::NoEditTriggers);
     table.setSelectionBehavior(QAbstractItemView::SelectRows);
     table.setTabKeyNavigation(false);
-    table.verticalHeader()->hide();
+    // Everything is to be read at once: what is longer than its column goes on below.
+    QHeaderView& heights = *table.verticalHeader();
+    heights.setMinimumSectionSize(heights.defaultSectionSize());
+    heights.setSectionResizeMode(QHeaderView::ResizeToContents);
+    heights.hide();
     table.horizontalHeader()->setHighlightSections(false);
     for (int c = 0; c < table.columnCount(); ++c) {
         const center::PrintColumn& column = columns[static_cast<std::size_t>(c)];
