@@ -335,6 +335,87 @@ TEST_F(SelectionWayTest, SelectedAmountsAreSummedWithoutThoseBetween) {
     EXPECT_EQ(window->findChild<QLabel*>("lblSelection")->text(), "选中合计 借 30,000.00　贷 33,900.00");
 }
 
+TEST_F(SelectionWayTest, AClickOnAHeaderSelectsItsColumnAsFarAsThereAreLines) {
+    OpenTemplate("日常费用");
+    const int lines = Rows();
+    QHeaderView* header = window->Grid().horizontalHeader();
+    const auto clickHeader = [&](int gridColumn, Qt::KeyboardModifiers modifiers) {
+        const int section = gridColumn - 1;
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, modifiers,
+                          {header->sectionViewportPosition(section) + header->sectionSize(section) / 2,
+                           header->height() / 2});
+    };
+    clickHeader(column::kExplanation, {});
+    const center::CellRange one = window->Grid().SelectedBlock();
+    EXPECT_EQ(one.firstColumn, column::kExplanation);
+    EXPECT_EQ(one.lastColumn, column::kExplanation);
+    EXPECT_EQ(one.firstRow, 1);
+    EXPECT_FALSE(window->Grid().Selected().wholeRows);
+    EXPECT_THAT(TakeMessages(), IsEmpty()) << "nobody goes to a row below the lines";
+    Press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().count(QStringLiteral("\r\n")), lines);
+    clickHeader(column::kAccountNumber, Qt::ShiftModifier);
+    EXPECT_EQ(window->Grid().SelectedBlock().lastColumn, column::kAccountNumber);
+    clickHeader(column::kRemark, {});
+    Copied("同一个备注");
+    Press(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Rows(), lines);
+    for (int row = 1; row <= lines; ++row)
+        EXPECT_EQ(Text(row, column::kRemark), "同一个备注") << row;
+    Press(Qt::Key_Delete);
+    EXPECT_EQ(Text(lines, column::kRemark), "");
+    EXPECT_EQ(Rows(), lines);
+}
+
+// A key that is held with another makes a command of it: known or not, it types nothing.
+TEST_F(SelectionWayTest, AltAndCtrlTypeNothingInTheGridAndInItsEditor) {
+    OpenTemplate("日常费用");
+    const std::vector<std::string> before = Contents();
+    const auto hold = [](char key, Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+        QApplication::processEvents();
+    };
+    const auto editor = [this] { return window->Grid().findChild<QLineEdit*>("cellEditor"); };
+    for (const int c : {column::kNo, column::kExplanation, column::kDirection, column::kAccountNumber}) {
+        Click(1, c);
+        for (const char key : {'x', 'j', '7', '\'', '|'}) {
+            hold(key, Qt::AltModifier);
+            hold(key, Qt::MetaModifier);
+        }
+        for (const char key : {'g', 'm', '7'})
+            hold(key, Qt::ControlModifier);
+        EXPECT_FALSE(window->Grid().IsEditing()) << c;
+    }
+    EXPECT_EQ(Contents(), before);
+    for (const int c : {column::kNo, column::kExplanation, column::kAccountNumber}) {
+        SCOPED_TRACE(c);
+        Click(1, c);
+        Type("12");
+        ASSERT_NE(editor(), nullptr);
+        for (const char key : {'x', '7', '\'', '|'}) {
+            hold(key, Qt::AltModifier);
+            hold(key, Qt::MetaModifier);
+        }
+        EXPECT_EQ(editor()->text(), "12");
+        Press(Qt::Key_A, Qt::ControlModifier);
+        EXPECT_EQ(editor()->selectedText(), "12");
+        Press(Qt::Key_C, Qt::ControlModifier);
+        EXPECT_EQ(QApplication::clipboard()->text(), "12");
+        Press(Qt::Key_End);
+        Press(Qt::Key_V, Qt::ControlModifier);
+        EXPECT_EQ(editor()->text(), "1212");
+        // As AltGr comes from some systems: it types, and the column's rule holds.
+        for (const char key : {'\'', '|'})
+            hold(key, Qt::ControlModifier | Qt::AltModifier);
+        EXPECT_EQ(editor()->text(), "1212");
+        hold('3', Qt::ControlModifier | Qt::AltModifier);
+        EXPECT_EQ(editor()->text(), "12123");
+        Press(Qt::Key_Escape);
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    EXPECT_EQ(Contents(), before);
+}
+
 TEST_F(SelectionWayTest, ALabelTakesACopiedCellWithoutItsLineEnd) {
     window->Tree().setFocus();
     ClickTool("mnuNew");

@@ -349,6 +349,7 @@ void GridView::PaintProposals() {
 
 // What the rules know the key for, and characters: true when nothing is left for an editor to do.
 bool GridView::HandleTyping(QKeyEvent& event) {
+    if (TypesNothing(event)) return false;
     const QModelIndex current = currentIndex();
     const center::CellAddress cell = model_.AddressOf(current);
     const int code = KeyCodeOf(event);
@@ -468,7 +469,9 @@ bool GridView::HandleFieldKey(CellEditor& field, QKeyEvent& event) {
         Guarded([&] { actions_.KeyDown(code, std::string(model_.Grid().Text(cell.row, cell.column))); });
         return true;
     }
-    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
+    if (TypesNothing(event)) return true;
+    const bool command = event.modifiers() & (Qt::ControlModifier | Qt::AltModifier);
+    if (command && TypedCharacter(event) == 0) return false;
     if (code != 0 && GuardedOr(true, [&] { return actions_.KeyDown(code, FromQt(field.text())); })) {
         // The rules wrote the cell themselves: the editor goes on from there.
         const center::CellAddress cell = model_.AddressOf(currentIndex());

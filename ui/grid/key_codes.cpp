@@ -38,6 +38,13 @@ constexpr KeyPair kKeypadPairs[] = {
     {Qt::Key_Period, 110},   {Qt::Key_Comma, 110}, {Qt::Key_Slash, 111},
 };
 
+// The character that the key has; 0 for none.
+char32_t Printable(const QKeyEvent& event) {
+    const auto characters = event.text().toUcs4();
+    if (characters.isEmpty() || characters.constFirst() < U' ' || characters.constFirst() == 0x7F) return 0;
+    return characters.constFirst();
+}
+
 }  // namespace
 
 int KeyCodeOf(const QKeyEvent& event) {
@@ -58,10 +65,16 @@ int KeyCodeOf(const QKeyEvent& event) {
 }
 
 char32_t TypedCharacter(const QKeyEvent& event) {
-    if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return 0;
-    const auto characters = event.text().toUcs4();
-    if (characters.isEmpty() || characters.constFirst() < U' ' || characters.constFirst() == 0x7F) return 0;
-    return characters.constFirst();
+    const Qt::KeyboardModifiers held =
+        event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    // Both together are AltGr, which types.
+    if (held != Qt::NoModifier && held != (Qt::ControlModifier | Qt::AltModifier)) return 0;
+    return Printable(event);
+}
+
+bool TypesNothing(const QKeyEvent& event) {
+    const bool held = event.modifiers() & (Qt::AltModifier | Qt::MetaModifier);
+    return held && !(event.modifiers() & Qt::ControlModifier) && Printable(event) != 0;
 }
 
 }  // namespace vicenter::ui
