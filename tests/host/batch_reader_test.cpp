@@ -1,12 +1,12 @@
 #include "host/batch_reader.h"
 
 #include <sstream>
-#include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "automation/error.h"
+#include "tests/host/broken_input.h"
 
 namespace vicenter::host {
 namespace {
@@ -65,19 +65,7 @@ TEST(BatchReader, AnApostropheInALineCommentOpensNoText) {
 }
 
 TEST(BatchReader, HalfABatchIsNone) {
-    // Gives its first lines, then its disk fails.
-    class Broken : public std::stringbuf {
-      public:
-        Broken() : std::stringbuf("select 1\ngo\ndelete t where a = 1\n") {}
-
-      protected:
-        int_type underflow() override {
-            const int_type next = std::stringbuf::underflow();
-            if (traits_type::eq_int_type(next, traits_type::eof())) throw std::runtime_error("disk");
-            return next;
-        }
-    };
-    Broken buffer;
+    test::BrokenInput buffer("select 1\ngo\ndelete t where a = 1\n");
     std::istream stream(&buffer);
     BatchReader reader(stream);
     EXPECT_EQ(reader.Next()->text, "select 1\n");

@@ -7,6 +7,7 @@
 
 #include "automation/error.h"
 #include "host/cli/json.h"
+#include "tests/host/broken_input.h"
 #include "tests/host/cli_fixture.h"
 
 namespace vicenter::host {
@@ -120,18 +121,7 @@ TEST_F(CliInput, AWorkbookThatCannotBeWrittenIsNamed) {
 
 // A script whose disk fails behind the first batch: what has been answered is a document all the same.
 TEST_F(CliInput, AScriptThatBreaksOffLeavesAWholeDocument) {
-    class Broken : public std::stringbuf {
-      public:
-        Broken() : std::stringbuf("select 1 as a\ngo\ndelete t_VchTemplate\n") {}
-
-      protected:
-        int_type underflow() override {
-            const int_type next = std::stringbuf::underflow();
-            if (traits_type::eq_int_type(next, traits_type::eof())) throw std::runtime_error("disk");
-            return next;
-        }
-    };
-    Broken buffer;
+    test::BrokenInput buffer("select 1 as a\ngo\ndelete t_VchTemplate\n");
     std::istream in(&buffer);
     std::ostringstream out;
     std::ostringstream err;
