@@ -52,6 +52,13 @@ void ForceDelete(const ObjectRef& files, const std::string& name) {
     }
 }
 
+// Saved under another name a workbook keeps its kind; the older one opens nowhere under a name of the newer.
+bool IsOfAnotherKindThanXlsx(const ObjectRef& workbook) {
+    if (!workbook->HasMember("FileFormat")) return false;
+    const std::int32_t format = workbook->Get("FileFormat").ToInt32();
+    return format != kFormatXlsx && format != kFormatStrictXlsx;
+}
+
 }  // namespace
 
 bool IsExcelInstalled() {
@@ -93,8 +100,11 @@ bool SaveWorkbookAs(const ObjectRef& excel, const ObjectRef& workbook, const std
                 errorText = "安装的Excel版本不支持xlsx格式！";
                 refused = true;
             } else {
-                workbook->Call("SaveAs", {Argument::Named("FileName", temporary),
-                                          Argument::Named("AccessMode", kAccessExclusive)});
+                Arguments arguments{Argument::Named("FileName", temporary),
+                                    Argument::Named("AccessMode", kAccessExclusive)};
+                if (IsOfAnotherKindThanXlsx(workbook))
+                    arguments.push_back(Argument::Named("FileFormat", kFormatXlsx));
+                workbook->Call("SaveAs", std::move(arguments));
             }
         } else {
             workbook->Call("SaveAs", {Argument::Named("FileName", temporary),

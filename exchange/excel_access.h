@@ -15,6 +15,8 @@ inline constexpr const char* kExcelProgId = "Excel.Application";
 // The first version with ".xlsx".
 inline constexpr std::int32_t kFirstXlsxVersion = 12;
 inline constexpr std::int32_t kFormatXls = -4143;
+inline constexpr std::int32_t kFormatXlsx = 51;
+inline constexpr std::int32_t kFormatStrictXlsx = 61;
 inline constexpr std::int32_t kAccessExclusive = 3;
 
 // Whether the server can be created. Keeps its version for ExcelVersion(), 0 after a failure.

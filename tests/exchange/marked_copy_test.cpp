@@ -229,6 +229,21 @@ TEST_F(MarkedCopyTest, IsOfferedAsTheKindOfItsWorkbookHoweverThatIsWritten) {
 
 // --- what people do to workbooks
 
+TEST_F(MarkedCopyTest, IsOfTheKindThatItsNameSaysWhateverItsWorkbookIs) {
+    for (const bool older : {true, false}) {
+        const std::string source = MakeWorkbook(older ? "旧.xls" : "新.xlsx", rows_);
+        for (const char* name : {"甲.xls", "乙.xlsx"}) {
+            const std::string target = folder_.File(name);
+            ASSERT_EQ(WriteMarkedCopy(source, {{2, 6, "金额", "x", "必须是数字"}}, target), "");
+            office::FileKind kind{};
+            office::ReadWorkbook(target, &kind);
+            EXPECT_EQ(kind == office::FileKind::Xls, std::string_view(name).ends_with(".xls"))
+                << source << name;
+            EXPECT_EQ(TextAt(target, 1, 7), "金额 必须是数字");
+        }
+    }
+}
+
 TEST_F(MarkedCopyTest, ATitleAboveIsRefusedWithItsTextAndTheListSaysWhatToDo) {
     const std::string file = MakeWorkbook(
         "坏的.xlsx", {{"某某公司凭证模板"}, {}, kHeaders, {"#1", "a", "借", "1001", "现金", "#1", ""}});
