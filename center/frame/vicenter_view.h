@@ -71,6 +71,7 @@ struct ItemPanelState {
     bool visible = false;   // column 11 of a usable row is active
     bool expanded = false;  // picItem, opened by cmdItem
     std::string text;       // txtItem: the whole items text
+    bool faulty = false;    // the cell is red
     std::vector<Row> rows;  // one per item class of the row's account; four fit, more scroll
 };
 

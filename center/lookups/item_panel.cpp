@@ -48,6 +48,7 @@ void ItemPanel::Refresh() {
     if (!panel_.visible || account != account_) ReadClasses(account);
     panel_.visible = true;
     panel_.text = std::string(state_.grid->Text(cell.row, column::kItems));
+    panel_.faulty = state_.grid->Look(cell.row, column::kItems).foreColor == color::kRed;
 
     const std::vector<std::string> numbers = SplitItems(panel_.text, panel_.rows.size());
     store::clsVIData data;

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 
 #include "tests/ui/window_fixture.h"
+#include "ui/panels/item_panel.h"
 
 namespace vicenter::ui {
 namespace {
@@ -83,6 +84,22 @@ TEST_F(AccessibleTest, EveryToolSaysItsCaption) {
         EXPECT_EQ(Name(Of(button)), std::string(spec.caption));
         EXPECT_EQ(Of(button)->state().disabled, !button->isEnabled());
     }
+}
+
+TEST_F(AccessibleTest, FieldsOfTheItemPanelSayTheirClasses) {
+    QWidget parent;
+    ItemPanel panel(&parent);
+    center::ItemPanelState state;
+    state.visible = true;
+    state.expanded = true;
+    state.rows = {{1, "客户", "C01", false}, {2, "部门", "D02", true}};
+    panel.SetState(state);
+    const auto name = [&](const char* of) { return Name(Of(parent.findChild<QWidget*>(of))); };
+    EXPECT_EQ(name("txtItem"), "核算项目");
+    EXPECT_EQ(name("cmdItem"), "打开或关闭核算项目面板");
+    EXPECT_EQ(name("txtItemNumber1"), "客户");
+    EXPECT_EQ(name("txtItemNumber2"), "部门");
+    EXPECT_EQ(name("cmdItemLookUp2"), "查看资料：部门");
 }
 
 TEST_F(AccessibleTest, TheNameFieldSaysWhatItIs) {

@@ -319,6 +319,60 @@ TEST_F(EntryAidsWayTest, TheFirstColumnsStayInSightWhenTheyAreAskedTo) {
     EXPECT_EQ(Text(1, column::kAccountNumber), "1002.01");
 }
 
+TEST_F(EntryAidsWayTest, NothingOfACellThatTheFirstColumnsCoverLiesOverThem) {
+    OpenNew(all);
+    window->resize(1100, 500);
+    QApplication::processEvents();
+    TypeLine(1, "1", "x", "j", "5602.05");
+    for (const int c :
+         {column::kExplanation, column::kAccountNumber, column::kAccountName, column::kDirection})
+        window->Presenter().Grid().SetColumnWidth(c, 900);
+    Choose("滚动时固定前六列");
+    ClickCell(1, column::kItems);
+    Grid().horizontalScrollBar()->setValue(0);
+    const auto* strip = window->findChild<QLineEdit*>("txtItem");
+    ASSERT_TRUE(strip->isVisible());
+    QScrollBar& bar = *Grid().horizontalScrollBar();
+    const QModelIndex items = Grid().Model().IndexOf({1, column::kItems});
+    bar.setValue(Grid().visualRect(items).left() - Grid().FrozenWidth() + 20);
+    ASSERT_TRUE(Grid().findChild<QWidget*>("frozenColumns")->isVisible());
+    EXPECT_FALSE(strip->isVisible());
+    // F4 brings it into sight.
+    Key(Qt::Key_F4);
+    EXPECT_TRUE(strip->isVisible());
+    EXPECT_TRUE(window->findChild<QWidget*>("picItem")->isVisible());
+    EXPECT_GE(Grid().visualRect(items).left(), Grid().FrozenWidth());
+}
+
+TEST_F(EntryAidsWayTest, EscapeClosesTheItemPanelAndWhatWasTypedIsGone) {
+    OpenNew(all);
+    TypeLine(1, "1", "x", "j", "5602.05");
+    ClickCell(1, column::kItems);
+    Type("D03,E004");
+    Key(Qt::Key_Tab);
+    ClickCell(1, column::kItems);
+    Key(Qt::Key_F4);
+    const auto* panel = window->findChild<QWidget*>("picItem");
+    ASSERT_TRUE(panel->isVisible());
+    Type("ZZ");
+    Key(Qt::Key_Escape);
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_EQ(QApplication::focusWidget(), &Grid());
+    EXPECT_EQ(Text(1, column::kItems), "D03,E004");
+    Key(Qt::Key_F4);
+    EXPECT_EQ(window->findChild<QLineEdit*>("txtItemNumber1")->text(), "D03");
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), "txtItemNumber1");
+    // Enter in the last row has nothing more to ask.
+    Type("D99");
+    Key(Qt::Key_Return);
+    Key(Qt::Key_Return);
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_EQ(QApplication::focusWidget(), &Grid());
+    EXPECT_EQ(Text(1, column::kItems), "D99,E004");
+    const auto* strip = window->findChild<QLineEdit*>("txtItem");
+    EXPECT_EQ(strip->palette().color(QPalette::Text), QColor(colors::kFaulty)) << "as the cell that it hides";
+}
+
 TEST_F(EntryAidsWayTest, CodesTellTheirNames) {
     OpenNew(all);
     TypeLine(1, "1", "x", "j", "5602.05");

@@ -60,6 +60,8 @@ class GridView : public QTableView {
     void ShowVoucher();
     // The room that the first columns take while they are kept in sight; 0 while they are not.
     int FrozenWidth() const;
+    // What of the other columns is below them as far as the grid has been scrolled.
+    int CoveredWidth() const;
     void PaintFrozen(QPainter& painter, const QSize& size);
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 

@@ -93,6 +93,10 @@ int GridView::FrozenWidth() const {
     return width < viewport()->width() * 3 / 4 ? width : 0;
 }
 
+int GridView::CoveredWidth() const {
+    return horizontalScrollBar()->value() > 0 ? FrozenWidth() : 0;
+}
+
 void GridView::ShowFrozen() {
     frozen_->Follow();
 }

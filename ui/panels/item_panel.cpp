@@ -44,7 +44,6 @@ void SetFaulty(QLineEdit& field, bool faulty) {
     QPalette own;
     if (faulty) own.setColor(QPalette::Text, colors::kFaulty);
     field.setPalette(own);
-    field.setToolTip(faulty ? QStringLiteral("该核算类别下没有此编号") : QString());
 }
 
 }  // namespace
@@ -68,6 +67,8 @@ ItemPanel::ItemPanel(QWidget* parent)
     button_->setArrowType(Qt::DownArrow);
     button_->setAutoFillBackground(true);
     button_->setToolTip(QStringLiteral("核算项目 (F4)"));
+    text_->setAccessibleName(QStringLiteral("核算项目"));
+    button_->setAccessibleName(QStringLiteral("打开或关闭核算项目面板"));
     picture_->setObjectName(QStringLiteral("picItem"));
     picture_->setFrameShape(QFrame::StyledPanel);
     picture_->setAutoFillBackground(true);
@@ -80,6 +81,7 @@ ItemPanel::ItemPanel(QWidget* parent)
 
     connect(button_, &QToolButton::clicked, this, &ItemPanel::toggled);
     connect(text_, &QLineEdit::editingFinished, this, [this] { Commit(*text_); });
+    connect(&Theme::Process(), &Theme::changed, this, &ItemPanel::ShowFaults);
     BuildRows(0);
     Refresh();
 }
@@ -167,8 +169,11 @@ void ItemPanel::SetState(const center::ItemPanelState& state) {
         rows_[i].name->setText(ToQt(from.className) + u'：');
         rows_[i].id->setText(QString::number(from.classId));
         if (!rows_[i].number->isModified()) rows_[i].number->setText(ToQt(from.number));
-        SetFaulty(*rows_[i].number, from.faulty);
+        const QString name = ToQt(from.className);
+        rows_[i].number->setAccessibleName(name);
+        rows_[i].lookUp->setAccessibleName(QStringLiteral("查看资料：") + name);
     }
+    ShowFaults();
     if (!state.visible) {
         text_->setModified(false);
         for (Row& row : rows_)
@@ -179,6 +184,29 @@ void ItemPanel::SetState(const center::ItemPanelState& state) {
         rows_.front().number->setFocus(Qt::OtherFocusReason);
         rows_.front().number->selectAll();
     }
+}
+
+// As the cell behind it, which it hides.
+void ItemPanel::ShowFaults() {
+    SetFaulty(*text_, state_.faulty);
+    if (state_.faulty) {
+        QPalette own = text_->palette();
+        own.setColor(QPalette::Base, colors::kFaultyPaper);
+        text_->setPalette(own);
+    }
+    for (std::size_t i = 0; i < rows_.size() && i < state_.rows.size(); ++i) {
+        const bool faulty = state_.rows[i].faulty;
+        SetFaulty(*rows_[i].number, faulty);
+        rows_[i].number->setToolTip(faulty ? QStringLiteral("该核算类别下没有此编号") : QString());
+    }
+}
+
+// What has been typed there and not been handed over is gone.
+void ItemPanel::GiveUp(QLineEdit& field) {
+    field.setModified(false);
+    if (&field == text_) text_->setText(ToQt(state_.text));
+    if (&field != text_ && state_.expanded) emit toggled();
+    emit leaveRequested();
 }
 
 void ItemPanel::SetNames(const std::vector<std::string>& names) {
@@ -256,9 +284,7 @@ bool ItemPanel::eventFilter(QObject* watched, QEvent* event) {
         const auto& key = static_cast<QKeyEvent&>(*event);
         auto* field = qobject_cast<QLineEdit*>(watched);
         if (key.key() == Qt::Key_Escape && field) {
-            field->setModified(false);
-            if (field == text_) text_->setText(ToQt(state_.text));
-            emit leaveRequested();
+            GiveUp(*field);
             return true;
         }
         const bool insert =
@@ -283,6 +309,7 @@ bool ItemPanel::eventFilter(QObject* watched, QEvent* event) {
                 rows_[next].number->selectAll();
                 return true;
             }
+            if (next > 0 && state_.expanded) emit toggled();
             emit leaveRequested();
             return true;
         }

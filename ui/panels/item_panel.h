@@ -58,6 +58,8 @@ class ItemPanel : public QObject {
 
     void Commit(QLineEdit& field);
     void BuildRows(std::size_t count);
+    void ShowFaults();
+    void GiveUp(QLineEdit& field);
     void Refresh();
 
     QWidget* parent_;

@@ -195,8 +195,10 @@ void VICenterWindow::ConnectItemPanel() {
     connect(items_, &ItemPanel::lookUpRequested, this,
             [this](int row) { Guarded([&] { presenter_->Items().LookUp(static_cast<std::size_t>(row)); }); });
     connect(items_, &ItemPanel::leaveRequested, this, [this] { grid_->setFocus(Qt::OtherFocusReason); });
-    connect(grid_, &GridView::itemPanelRequested, this,
-            [this] { Guarded([this] { presenter_->Items().Toggle(); }); });
+    connect(grid_, &GridView::itemPanelRequested, this, [this] {
+        grid_->scrollTo(grid_->currentIndex());  // the panel is where its cell is
+        Guarded([this] { presenter_->Items().Toggle(); });
+    });
 }
 
 void VICenterWindow::Open() {

@@ -70,7 +70,8 @@ QRect VICenterWindow::CellOverlayRect(const center::CellAddress& cell) const {
     const QModelIndex index = model_->IndexOf(cell);
     if (!index.isValid() || grid_->isColumnHidden(index.column())) return {};
     const QRect rect = grid_->CellRectIn(cell, *centralWidget());
-    const QRect port(grid_->viewport()->mapTo(centralWidget(), QPoint(0, 0)), grid_->viewport()->size());
+    QRect port(grid_->viewport()->mapTo(centralWidget(), QPoint(0, 0)), grid_->viewport()->size());
+    port.setLeft(port.left() + grid_->CoveredWidth());
     // A cell that has scrolled away takes what lies over it along.
     return port.contains(rect.topLeft()) && rect.bottom() <= port.bottom() ? rect.intersected(port) : QRect();
 }
