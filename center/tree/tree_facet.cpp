@@ -70,7 +70,7 @@ std::vector<TreeMenuItem> TreeFacet::MenuItems() {
                          [this] { parts_.searchFacet.ReplaceCodes(); }});
         items.push_back({"mnuDeletedTemplates", "已删除的模板(&R)…",
                          [this] { parts_.edge.Command([this] { ShowDeletedTemplates(); }); }});
-        items.push_back({"mnuLog", "操作日志(&O)…\tCtrl+Shift+L", [this] { parts_.searchFacet.ShowLog(); }});
+        items.push_back({"mnuLog", "操作日志(&G)…\tCtrl+Shift+L", [this] { parts_.searchFacet.ShowLog(); }});
     } else {
         items.push_back({"mnuDuplicate", "复制模板(&D)", [this] { Duplicate(); }});
         items.push_back(

@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QFile>
 #include <QHeaderView>
+#include <QKeySequence>
 #include <QRegularExpression>
 #include <QTableView>
 #include <map>
@@ -304,6 +305,20 @@ std::map<QString, OverviewTest::Probe> OverviewTest::ProbesOfRows() {
              return window->findChild<QWidget*>("picItem")->isVisible();
          }},
     };
+}
+
+TEST_F(OverviewTest, NoLetterLeadsToTwoEntriesOfATreeMenu) {
+    for (const std::string& key : {std::string("ROOT"), KeyOf("日常费用")}) {
+        ClickNode(key);
+        std::map<QString, std::string> letters;
+        for (const center::TreeMenuItem& item : window->Presenter().Tree().MenuItems()) {
+            const QString letter = QKeySequence::mnemonic(QString::fromStdString(item.text)).toString();
+            if (letter.isEmpty()) continue;
+            const auto [at, isNew] = letters.emplace(letter, item.name);
+            EXPECT_TRUE(isNew) << letter.toStdString() << " of " << item.name << " and " << at->second;
+        }
+        EXPECT_GT(letters.size(), 5U);
+    }
 }
 
 TEST_F(OverviewTest, AnswersTwentyFiveBehavioursAndNamesMenusThatAreThere) {

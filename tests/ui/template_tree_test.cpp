@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/panels/tree_filter.h"
+
 namespace vicenter::ui {
 namespace {
 
@@ -385,6 +387,45 @@ TEST_F(TemplateTreeTest, WithoutItemsThereIsNoMenu) {
                             tree.viewport()->mapToGlobal(At("detail-6")));
     QApplication::sendEvent(tree.viewport(), &event);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(TemplateTreeTest, EnterInTheFilterOpensTheFirstThatFitsAndEscapeEndsItInTheTreeToo) {
+    actions.offersFilter = true;
+    actions.fitting = {"ROOT", "detail-0", "detail-6"};
+    TreeFilter filter(actions, tree, &tree);
+    filter.NodesChanged();
+    ASSERT_TRUE(filter.TakeKeyboard());
+    QTest::keyClicks(&filter, "2");
+    ASSERT_TRUE(tree.FindNode("detail-5")->isHidden());
+    QTest::keyClick(&filter, Qt::Key_Return);
+    EXPECT_EQ(tree.SelectedKey(), "detail-6");
+    EXPECT_EQ(actions.clicks, std::vector<std::string>{"detail-6"});
+    EXPECT_TRUE(tree.hasFocus());
+    // The open template is one of those that are meant.
+    filter.TakeKeyboard();
+    QTest::keyClick(&filter, Qt::Key_Return);
+    EXPECT_EQ(actions.clicks.size(), 1U);
+    QTest::keyClick(&tree, Qt::Key_Escape);
+    EXPECT_EQ(filter.text(), "");
+    EXPECT_FALSE(tree.FindNode("detail-5")->isHidden());
+}
+
+TEST(TemplateTreeOpening, ShowsTheRootAboveTheLitNode) {
+    RecordedTreeActions actions;
+    TemplateTree tree(actions);
+    std::vector<center::TreeNode> nodes = {{"ROOT", "凭证模板", 7}};
+    for (int i = 0; i < 40; ++i)
+        nodes.push_back({"detail-" + std::to_string(i), "模板" + std::to_string(i), 2});
+    tree.resize(100, 20);
+    tree.SetNodes(nodes);
+    tree.SelectNode("detail-0");
+    tree.resize(220, 300);
+    tree.show();
+    EXPECT_EQ(tree.itemAt(20, 5), tree.FindNode("ROOT"));
+    tree.hide();
+    tree.SelectNode("detail-30");
+    tree.show();
+    EXPECT_TRUE(tree.viewport()->rect().contains(tree.visualItemRect(tree.FindNode("detail-30")).center()));
 }
 
 }  // namespace

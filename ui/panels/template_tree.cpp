@@ -471,6 +471,13 @@ void TemplateTree::dropEvent(QDropEvent* event) {
         Qt::QueuedConnection);
 }
 
+// Before it had a size, the lit node was scrolled to the edge of nothing.
+void TemplateTree::showEvent(QShowEvent* event) {
+    QTreeWidget::showEvent(event);
+    scrollToTop();
+    if (currentItem() != nullptr) scrollToItem(currentItem());
+}
+
 void TemplateTree::focusInEvent(QFocusEvent* event) {
     // Qt makes a node current when none is; that is not the user's click.
     const bool before = std::exchange(selecting_, true);

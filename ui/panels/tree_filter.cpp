@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 
+#include "center/tree/tree_filter.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/single_line.h"
 #include "ui/run/slot_guard.h"
@@ -15,6 +16,7 @@ TreeFilter::TreeFilter(center::TreeActions& actions, TemplateTree& tree, QWidget
     setAccessibleName(QStringLiteral("筛选模板"));
     setClearButtonEnabled(true);
     new SingleLine(*this);
+    tree.installEventFilter(this);
     connect(this, &QLineEdit::textChanged, this, &TreeFilter::Apply);
     hide();
 }
@@ -36,6 +38,28 @@ void TreeFilter::Apply() {
     tree_.ShowOnly(fitting);
 }
 
+// Unless the open template is one of those that are meant.
+void TreeFilter::OpenFirst() {
+    const std::string filter = FromQt(text());
+    const QTreeWidgetItem* open = tree_.currentItem();
+    if (filter.empty() || (open != nullptr && center::FitsFilter(FromQt(open->text(0)), filter))) return;
+    const QTreeWidgetItem* root = tree_.topLevelItem(0);
+    for (int i = 0; root != nullptr && i < root->childCount(); ++i) {
+        QTreeWidgetItem* node = root->child(i);
+        if (!node->isHidden() && node != open) return tree_.setCurrentItem(node);
+    }
+}
+
+// Where the hits are, too.
+bool TreeFilter::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && !text().isEmpty() &&
+        static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        clear();
+        return true;
+    }
+    return QLineEdit::eventFilter(watched, event);
+}
+
 bool TreeFilter::TakeKeyboard() {
     if (isHidden()) return false;
     setFocus(Qt::ShortcutFocusReason);
@@ -50,9 +74,12 @@ void TreeFilter::keyPressEvent(QKeyEvent* event) {
             tree_.setFocus(Qt::OtherFocusReason);
             return;
         case Qt::Key_Down:
+            tree_.setFocus(Qt::OtherFocusReason);
+            return;
         case Qt::Key_Return:
         case Qt::Key_Enter:
             tree_.setFocus(Qt::OtherFocusReason);
+            OpenFirst();
             return;
         default:
             QLineEdit::keyPressEvent(event);

@@ -1,7 +1,8 @@
 #pragma once
 
 // The box over the template tree in which a part of a name is typed: the tree then shows the templates that
-// fit. There from ten templates on; what fits is TreeActions' to say. User-interface thread only.
+// fit. Enter opens the first of them, Esc ends it, in the tree as well. There from ten templates on; what
+// fits is TreeActions' to say. User-interface thread only.
 
 #include <QLineEdit>
 
@@ -26,9 +27,11 @@ class TreeFilter : public QLineEdit {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void Apply();
+    void OpenFirst();
 
     center::TreeActions& actions_;
     TemplateTree& tree_;
