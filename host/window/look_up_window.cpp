@@ -41,9 +41,11 @@ LookUpWindow::LookUpWindow(const LookUpRequest& request, QWidget* parent)
     setWindowTitle(ToQt(request.title));
     text_->setObjectName(QStringLiteral("txtFilter"));
     text_->setPlaceholderText(QStringLiteral("按代码、名称或拼音首字母筛选"));
+    text_->setAccessibleName(QStringLiteral("筛选"));
     text_->setClearButtonEnabled(true);
     text_->installEventFilter(this);
     list_->setObjectName(QStringLiteral("lstRecords"));
+    list_->setAccessibleName(ToQt(request.title));
     list_->setRootIsDecorated(request.tree);
     list_->setUniformRowHeights(true);
     list_->setAlternatingRowColors(true);

@@ -41,6 +41,8 @@ TEST_F(LookUpWindowTest, ShowsAccountsAsATreeWithTheirFurtherColumns) {
 
 TEST_F(LookUpWindowTest, TypingNarrowsAndEnterTakesTheFirstThatFits) {
     LookUpWindow dialog(request_);
+    EXPECT_NE(Filter(dialog)->accessibleName(), "");
+    EXPECT_EQ(List(dialog)->accessibleName(), dialog.windowTitle());
     dialog.show();
     QTest::keyClicks(Filter(dialog), "gsyh");
     EXPECT_TRUE(List(dialog)->topLevelItem(0)->isHidden());

@@ -1,13 +1,18 @@
 // What every dialog has alike: no way to lose it behind its window, and room on a small screen.
 
+#include <QAbstractButton>
+#include <QAccessible>
 #include <QDialog>
 #include <QFileDialog>
+#include <QKeySequence>
+#include <QLabel>
 #include <QLayout>
 #include <QMessageBox>
 #include <QScreen>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <vector>
 
@@ -52,15 +57,48 @@ void ExpectTitleBar(const QDialog& dialog) {
     EXPECT_EQ(dialog.windowType(), Qt::Dialog) << name;
 }
 
-// Along the rows or down the columns, never back.
-void ExpectTabGoesByWhatIsSeen(const QDialog& dialog) {
-    dialog.layout()->activate();
-    std::vector<const QWidget*> stops;
+// Where Tab stops.
+std::vector<QWidget*> StopsOf(const QDialog& dialog) {
+    std::vector<QWidget*> stops;
     for (QWidget* at = dialog.nextInFocusChain(); at != &dialog; at = at->nextInFocusChain()) {
         if ((at->focusPolicy() & Qt::TabFocus) != 0 && at->isVisibleTo(&dialog) && at->isEnabled() &&
             at->focusProxy() == nullptr)
             stops.push_back(at);
     }
+    return stops;
+}
+
+// What a screen reader says of each.
+void ExpectStopsHaveNames(const QDialog& dialog) {
+    for (QWidget* stop : StopsOf(dialog)) {
+        QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(stop);
+        ASSERT_NE(spoken, nullptr);
+        EXPECT_NE(spoken->text(QAccessible::Name).toStdString(), "")
+            << dialog.objectName().toStdString() << ": " << stop->objectName().toStdString();
+    }
+}
+
+// With Alt each leads to one place.
+void ExpectLettersOnce(const QDialog& dialog) {
+    std::map<QString, std::string> seen;
+    const auto take = [&](const QString& text, const QWidget& widget) {
+        const QString letter = QKeySequence::mnemonic(text).toString();
+        if (letter.isEmpty()) return;
+        const std::string name = widget.objectName().toStdString();
+        const auto [at, isNew] = seen.emplace(letter, name);
+        EXPECT_TRUE(isNew) << dialog.objectName().toStdString() << ": " << letter.toStdString() << " of "
+                           << name << " and " << at->second;
+    };
+    for (const QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
+        take(button->text(), *button);
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+        take(label->buddy() == nullptr ? QString() : label->text(), *label);
+}
+
+// Along the rows or down the columns, never back.
+void ExpectTabGoesByWhatIsSeen(const QDialog& dialog) {
+    dialog.layout()->activate();
+    std::vector<QWidget*> stops = StopsOf(dialog);
     const auto place = [&](const QWidget* stop) {
         return QRect(stop->mapTo(&dialog, QPoint(0, 0)), stop->size());
     };
@@ -82,6 +120,8 @@ void ExpectTabGoesByWhatIsSeen(const QDialog& dialog) {
 
 void ExpectFramed(const QDialog& dialog) {
     ExpectTabGoesByWhatIsSeen(dialog);
+    ExpectStopsHaveNames(dialog);
+    ExpectLettersOnce(dialog);
     const std::string name = dialog.objectName().toStdString();
     ExpectTitleBar(dialog);
     EXPECT_TRUE(dialog.windowFlags() & Qt::WindowCloseButtonHint) << name;

@@ -1,6 +1,7 @@
 // The window by keyboard alone, and what is being typed when a command comes.
 
 #include <QApplication>
+#include <QHeaderView>
 #include <QHelpEvent>
 #include <QInputMethodEvent>
 #include <QLineEdit>
@@ -159,6 +160,36 @@ TEST_F(KeyboardAreasTest, AListThatIsHiddenGivesTheKeyboardToTheGrid) {
     EXPECT_TRUE(Grid().hasFocus());
     Key(Qt::Key_Down);
     EXPECT_EQ(window->Presenter().TemplateId(), "0") << "nothing else was opened";
+}
+
+TEST_F(KeyboardAreasTest, TheCommandBarGivesTheKeyboardToTheGridWhenItsListIsHidden) {
+    MoveTo(1, 2);
+    Key(Qt::Key_F8, Qt::ControlModifier);
+    Key(Qt::Key_F6, Qt::ShiftModifier);
+    ASSERT_TRUE(window->findChild<FaultPanel*>("faultPanel")->Table().hasFocus());
+    Key(Qt::Key_F10);
+    ASSERT_EQ(Focused()->objectName(), "mnuNewButton");
+    Key(Qt::Key_F8, Qt::ControlModifier);
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(Grid().hasFocus());
+}
+
+// 1366 x 768 at scale 2, less what a title bar and a panel take.
+TEST_F(KeyboardAreasTest, AListLeavesCellsInSightOnASmallScreen) {
+    constexpr int kRoom = 384 - 40;
+    window->resize(683, kRoom);
+    for (const Qt::Key key : {Qt::Key_F8, Qt::Key_F}) {
+        Key(key, key == Qt::Key_F ? Qt::ControlModifier | Qt::ShiftModifier : Qt::ControlModifier);
+        QApplication::processEvents();
+        const int row = Grid().verticalHeader()->defaultSectionSize();
+        EXPECT_GE(Grid().viewport()->height(), 2 * row);
+        const auto* list = window->findChild<QWidget*>(key == Qt::Key_F ? "searchPanel" : "faultPanel");
+        ASSERT_TRUE(list->isVisible());
+        EXPECT_LE(window->height(), kRoom);
+    }
+    Key(Qt::Key_Escape);
+    window->resize(300, 6);
+    EXPECT_LE(window->centralWidget()->minimumHeight(), 0) << "nothing keeps the window large";
 }
 
 TEST_F(KeyboardAreasTest, AnItemPanelThatIsScrolledAwayGivesTheKeyboardToTheGrid) {

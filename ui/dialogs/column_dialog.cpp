@@ -14,6 +14,7 @@ ColumnDialog::ColumnDialog(dialogs::frmSetColume& columns, QWidget* parent)
     : QDialog(parent), columns_(columns), list_(new QListWidget(this)) {
     setObjectName(QStringLiteral("frmSetColume"));
     list_->setObjectName(QStringLiteral("ColList"));
+    list_->setAccessibleName(QStringLiteral("显示的列"));
     Guarded([this] { columns_.Load(*this); });
     setWindowTitle(ToQt(columns_.Caption()));
 

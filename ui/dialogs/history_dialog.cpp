@@ -34,11 +34,12 @@ QString FieldText(int column) {
 HistoryDialog::HistoryDialog(center::TemplateHistory& history, QWidget* parent)
     : QDialog(parent),
       history_(history),
-      versions_(MakeTable("versions", {QStringLiteral("时间"), QStringLiteral("操作"), QStringLiteral("用户"),
-                                       QStringLiteral("之前的行数"), QStringLiteral("之前的名称")})),
-      changes_(
-          MakeTable("changes", {QStringLiteral("变化"), QStringLiteral("模板编号"), QStringLiteral("行"),
-                                QStringLiteral("字段"), QStringLiteral("此版本"), QStringLiteral("现在")})),
+      versions_(MakeTable("versions", QStringLiteral("版本"),
+                          {QStringLiteral("时间"), QStringLiteral("操作"), QStringLiteral("用户"),
+                           QStringLiteral("之前的行数"), QStringLiteral("之前的名称")})),
+      changes_(MakeTable("changes", QStringLiteral("所选版本与现在的差别"),
+                         {QStringLiteral("变化"), QStringLiteral("模板编号"), QStringLiteral("行"),
+                          QStringLiteral("字段"), QStringLiteral("此版本"), QStringLiteral("现在")})),
       note_(new QLabel(this)),
       newName_(new QLineEdit(this)) {
     setObjectName(QStringLiteral("frmHistory"));
@@ -70,11 +71,11 @@ void HistoryDialog::Unload() {
     accept();
 }
 
-QTableWidget* HistoryDialog::MakeTable(const char* name, const QStringList& headings) {
+QTableWidget* HistoryDialog::MakeTable(const char* name, const QString& spoken, const QStringList& headings) {
     auto* table = new QTableWidget(0, static_cast<int>(headings.size()), this);
     table->setObjectName(QString::fromLatin1(name));
     table->setHorizontalHeaderLabels(headings);
-    SetUpList(*table);
+    SetUpList(*table, spoken);
     table->setSelectionMode(QAbstractItemView::SingleSelection);
     return table;
 }

@@ -20,7 +20,7 @@ class HistoryDialog : public QDialog, private center::TemplateHistoryView {
 
   private:
     void Unload() override;
-    QTableWidget* MakeTable(const char* name, const QStringList& headings);
+    QTableWidget* MakeTable(const char* name, const QString& spoken, const QStringList& headings);
     void FillVersions();
     void ShowChosen();
     QLayout* Buttons();

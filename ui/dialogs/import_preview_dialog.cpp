@@ -76,18 +76,19 @@ ImportPreviewDialog::ImportPreviewDialog(const exchange::ImportPreview& preview,
     FrameDialog(*this, QSize(820, 540));
 }
 
-QTableWidget* ImportPreviewDialog::MakeTable(const char* name, const QStringList& headings) {
+QTableWidget* ImportPreviewDialog::MakeTable(const char* name, const QString& spoken,
+                                             const QStringList& headings) {
     auto* table = new QTableWidget(0, static_cast<int>(headings.size()), this);
     table->setObjectName(QString::fromLatin1(name));
     table->setHorizontalHeaderLabels(headings);
-    SetUpList(*table);
+    SetUpList(*table, spoken);
     return table;
 }
 
 void ImportPreviewDialog::AddChanges() {
-    auto* table =
-        MakeTable("changes", {QStringLiteral("变化"), QStringLiteral("模板编号"), QStringLiteral("行"),
-                              QStringLiteral("字段"), QStringLiteral("现有"), QStringLiteral("引入后")});
+    auto* table = MakeTable("changes", QStringLiteral("引入前后的变化"),
+                            {QStringLiteral("变化"), QStringLiteral("模板编号"), QStringLiteral("行"),
+                             QStringLiteral("字段"), QStringLiteral("现有"), QStringLiteral("引入后")});
     const std::vector<store::LineChange> changes = preview_.Changes();
     const auto shown = static_cast<int>(std::min(changes.size(), kMostRows));
     table->setRowCount(shown);
@@ -105,8 +106,8 @@ void ImportPreviewDialog::AddChanges() {
 }
 
 void ImportPreviewDialog::AddTotals() {
-    auto* table =
-        MakeTable("totals", {QStringLiteral("模板编号"), QStringLiteral("行数"), QStringLiteral("借方合计"),
+    auto* table = MakeTable("totals", QStringLiteral("按编号合计"),
+                            {QStringLiteral("模板编号"), QStringLiteral("行数"), QStringLiteral("借方合计"),
                              QStringLiteral("贷方合计"), QStringLiteral("说明")});
     table->setRowCount(static_cast<int>(preview_.totals.size()));
     int row = 0;
@@ -125,8 +126,9 @@ void ImportPreviewDialog::AddTotals() {
 
 void ImportPreviewDialog::AddFaults() {
     if (preview_.faults.empty()) return;
-    auto* table = MakeTable("faults", {QStringLiteral("行"), QStringLiteral("列"), QStringLiteral("内容"),
-                                       QStringLiteral("原因")});
+    auto* table = MakeTable(
+        "faults", QStringLiteral("工作簿中的异常"),
+        {QStringLiteral("行"), QStringLiteral("列"), QStringLiteral("内容"), QStringLiteral("原因")});
     const auto shown = static_cast<int>(std::min(preview_.faults.size(), kMostRows));
     table->setRowCount(shown);
     for (int row = 0; row < shown; ++row) {

@@ -19,7 +19,7 @@ class ImportPreviewDialog : public QDialog {
     explicit ImportPreviewDialog(const exchange::ImportPreview& preview, QWidget* parent = nullptr);
 
   private:
-    QTableWidget* MakeTable(const char* name, const QStringList& headings);
+    QTableWidget* MakeTable(const char* name, const QString& spoken, const QStringList& headings);
     void AddChanges();
     void AddTotals();
     void AddFaults();

@@ -64,7 +64,7 @@ QWidget* ImportReportDialog::MakeTable() {
         new QTableWidget(static_cast<int>(outcomes_.size()), static_cast<int>(headings.size()), this);
     table->setObjectName(QStringLiteral("files"));
     table->setHorizontalHeaderLabels(headings);
-    SetUpList(*table);
+    SetUpList(*table, QStringLiteral("引入的文件"));
     int row = 0;
     for (const exchange::ImportOutcome& outcome : outcomes_) {
         const QStringList texts = {

@@ -32,11 +32,10 @@ LogDialog::LogDialog(center::OperationLog& log, QWidget* parent)
     setWindowTitle(QStringLiteral("操作日志"));
     note_->setObjectName(QStringLiteral("note"));
     entries_->setObjectName(QStringLiteral("entries"));
-    entries_->setAccessibleName(QStringLiteral("操作日志"));
     entries_->setHorizontalHeaderLabels({QStringLiteral("时间"), QStringLiteral("用户"),
                                          QStringLiteral("结果"), QStringLiteral("操作"),
                                          QStringLiteral("数量")});
-    SetUpList(*entries_);
+    SetUpList(*entries_, QStringLiteral("操作日志"));
     entries_->setWordWrap(false);
     auto* close = new QPushButton(QStringLiteral("关闭(&C)"), this);
     close->setObjectName(QStringLiteral("cmdClose"));

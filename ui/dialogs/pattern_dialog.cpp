@@ -63,7 +63,7 @@ void PatternDialog::Fill(const autovch::LeftOut& without) {
     patterns_->setColumnCount(static_cast<int>(headings.size()));
     patterns_->setRowCount(static_cast<int>(preview_.patterns.size()));
     patterns_->setHorizontalHeaderLabels(headings);
-    SetUpList(*patterns_);
+    SetUpList(*patterns_, QStringLiteral("凭证的种类"));
     int row = 0;
     for (const autovch::VoucherPattern& pattern : preview_.patterns) {
         const QStringList texts = {

@@ -55,9 +55,8 @@ ReplacementDialog::ReplacementDialog(center::CodeReplacement& replacement, QWidg
     setWindowTitle(QStringLiteral("在全部模板中替换代码"));
     note_->setObjectName(QStringLiteral("note"));
     lines_->setObjectName(QStringLiteral("lines"));
-    lines_->setAccessibleName(QStringLiteral("将要替换的分录"));
     lines_->setHorizontalHeaderLabels(Headings());
-    SetUpList(*lines_);
+    SetUpList(*lines_, QStringLiteral("将要替换的分录"));
     connect(lines_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) { TickChanged(*item); });
 
     auto* layout = new QVBoxLayout(this);

@@ -10,7 +10,8 @@ constexpr int kRoom = 10;  // pixels between a text and the next column
 
 }  // namespace
 
-void SetUpList(QTableWidget& table) {
+void SetUpList(QTableWidget& table, const QString& name) {
+    table.setAccessibleName(name);
     table.setSelectionBehavior(QAbstractItemView::SelectRows);
     table.setEditTriggers(QAbstractItemView::NoEditTriggers);
     table.setTabKeyNavigation(false);

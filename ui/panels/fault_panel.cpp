@@ -189,6 +189,7 @@ FaultPanel::FaultPanel(center::FaultActions& actions, QWidget* parent)
     setFeatures(DockWidgetClosable);
     setAllowedAreas(Qt::BottomDockWidgetArea);
     table_->setObjectName(QStringLiteral("lstFaults"));
+    table_->setAccessibleName(QStringLiteral("异常列表"));
     table_->setModel(model_);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setSortingEnabled(true);
@@ -196,6 +197,7 @@ FaultPanel::FaultPanel(center::FaultActions& actions, QWidget* parent)
     table_->setWordWrap(false);
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 6);
+    table_->setMinimumHeight(2 * table_->verticalHeader()->defaultSectionSize());
     table_->horizontalHeader()->setSectionResizeMode(kReason, QHeaderView::Stretch);
     table_->setColumnWidth(kRow, kRowWidth);
     table_->setColumnWidth(kColumn, kNameWidth);

@@ -46,12 +46,12 @@ SearchPanel::SearchPanel(center::SearchActions& actions, QWidget* parent)
     setFeatures(DockWidgetClosable);
     setAllowedAreas(Qt::BottomDockWidgetArea);
     hits_->setObjectName(QStringLiteral("lstHits"));
-    hits_->setAccessibleName(QStringLiteral("查找到的分录"));
     hits_->setHorizontalHeaderLabels(Headings());
-    SetUpList(*hits_);
+    SetUpList(*hits_, QStringLiteral("查找到的分录"));
     hits_->setSelectionMode(QAbstractItemView::SingleSelection);
     hits_->setWordWrap(false);
     hits_->verticalHeader()->setDefaultSectionSize(hits_->fontMetrics().height() + 6);
+    hits_->setMinimumHeight(2 * hits_->verticalHeader()->defaultSectionSize());
     hits_->installEventFilter(this);
     note_->setObjectName(QStringLiteral("lblHits"));
     connect(hits_, &QTableWidget::cellClicked, this, [this](int row, int) { Open(row); });

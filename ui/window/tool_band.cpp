@@ -96,7 +96,7 @@ void ToolBand::MoveFocus(int from, int step) {
 }
 
 void ToolBand::GiveKeyboardBack() {
-    GiveKeyboardTo(before_);
+    if (!GiveKeyboardTo(before_)) emit keyboardLeft();
 }
 
 bool ToolBand::HandleKey(QWidget& button, int key) {

@@ -26,6 +26,8 @@ class ToolBand : public QToolBar {
 
   signals:
     void toolClicked(const QString& key);
+    // Who had the keyboard before is gone or hidden.
+    void keyboardLeft();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

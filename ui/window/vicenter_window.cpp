@@ -5,6 +5,7 @@
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QTimer>
@@ -31,6 +32,7 @@ constexpr int kDesignedHeight = 700;
 constexpr int kListMilliseconds = 30;  // shorter than a hand needs from one key to the next
 // How often what was saved is brought into the account set's own file; next to nothing when nothing was.
 constexpr int kHomeMilliseconds = 5000;
+constexpr int kRowsInSight = 3;  // above a list that is shown
 constexpr int kDraftMilliseconds = 1500;
 constexpr int kLongestTypingMilliseconds = 10000;  // without a rest
 
@@ -85,6 +87,7 @@ void VICenterWindow::BuildWidgets() {
     band_ = new ToolBand(this);
     addToolBar(Qt::TopToolBarArea, band_);
     connect(band_, &ToolBand::toolClicked, this, &VICenterWindow::ClickTool);
+    connect(band_, &ToolBand::keyboardLeft, this, [this] { grid_->setFocus(Qt::OtherFocusReason); });
     status_ = new StatusLine(this);
     setStatusBar(status_);
 
@@ -140,9 +143,11 @@ void VICenterWindow::BuildGrid() {
     // One list below the grid at a time.
     connect(search_, &QDockWidget::visibilityChanged, faults_, [this](bool shown) {
         if (shown) faults_->hide();
+        KeepCellsInSight();
     });
     connect(faults_, &QDockWidget::visibilityChanged, search_, [this](bool shown) {
         if (shown) search_->hide();
+        KeepCellsInSight();
     });
     connect(status_, &StatusLine::faultsClicked, this,
             [this] { faults_->setVisible(!faults_->isVisible()); });
@@ -183,6 +188,15 @@ void VICenterWindow::BuildGrid() {
             if (presenter_->Names().Take()) grid_->DropOpenEditor();
         });
     });
+}
+
+// What a list leads to is seen beside it, on a small screen as well.
+void VICenterWindow::KeepCellsInSight() {
+    if (unloaded_) return;
+    const bool listed = !faults_->isHidden() || !search_->isHidden();
+    const int above = grid_->mapTo(centralWidget(), QPoint(0, 0)).y() + grid_->horizontalHeader()->height();
+    const int cells = kRowsInSight * grid_->verticalHeader()->defaultSectionSize();
+    centralWidget()->setMinimumHeight(listed ? above + cells : 0);
 }
 
 void VICenterWindow::ConnectItemPanel() {

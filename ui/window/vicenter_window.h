@@ -65,6 +65,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     void BuildWidgets();
     void BuildGrid();
     void ConnectItemPanel();
+    void KeepCellsInSight();
     void DragRows();
     void LayOutFrame();
     void LayOutPanel();
