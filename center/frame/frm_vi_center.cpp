@@ -94,8 +94,8 @@ void frmVICenter::Shown() {
     });
 }
 
-void frmVICenter::KeepDraft() {
-    parts_->edge.Look([&] { parts_->drafts.Keep(); });
+void frmVICenter::KeepDraft(const std::optional<TypedText>& typed) {
+    parts_->edge.Look([&] { parts_->drafts.Keep(typed); });
 }
 
 void frmVICenter::Activate() {

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,7 @@
 #include "center/lookups/item_actions.h"
 #include "center/lookups/name_list_actions.h"
 #include "center/search/search_actions.h"
+#include "center/template/draft/typed_text.h"
 #include "center/tree/tree_actions.h"
 
 namespace vicenter::center {
@@ -45,8 +47,9 @@ class frmVICenter final : public CommandTarget {
     void Load();
     // The window is on the screen: what the user has to be told of its opening.
     void Shown();
-    // Nothing has been typed for a moment: what is not saved is kept in a draft.
-    void KeepDraft();
+    // Nothing has been typed for a moment: what is not saved is kept in a draft, what an editor still holds
+    // with it.
+    void KeepDraft(const std::optional<TypedText>& typed = std::nullopt);
     void Activate();
     // The user closes the window's frame. True when it stays: what was typed is neither saved nor kept in a
     // draft, and the user does not want to lose it.

@@ -272,7 +272,8 @@ TEST(KilledWindow, LeavesADraftThatTheNextOneOffers) {
         window->Tree().NodeClick("detail-1");
         window->Cells().MoveActiveCell({1, column::kRemark});
         window->Cells().CommitText({1, column::kRemark}, "未保存");
-        window->KeepDraft();
+        // Not yet left.
+        window->KeepDraft(TypedText{{12, column::kExplanation}, "还在录入"});
     });
     const auto session = host::RegisterHostComponents({host::FileConnectString(set), 1});
     frmVICenter window(view, nullptr);
@@ -283,7 +284,11 @@ TEST(KilledWindow, LeavesADraftThatTheNextOneOffers) {
     EXPECT_THAT(messages->Texts()[0], HasSubstr("模板 日常费用 有上次未保存的修改"));
     EXPECT_EQ(window.TemplateId(), "1");
     EXPECT_EQ(window.Grid().Text(1, column::kRemark), "未保存");
+    EXPECT_EQ(window.Grid().Text(12, column::kExplanation), "还在录入");
+    EXPECT_EQ(window.RowCount(), 12);
     EXPECT_TRUE(window.IsDirty());
+    window.Cells().MoveActiveCell({12, column::kExplanation});
+    window.Cells().CommitText({12, column::kExplanation}, "");
     EXPECT_TRUE(window.Save());
     EXPECT_EQ(session->Execute("select FRemark from t_VchTemplateEntry where FID = 1 and FEntryID = 1")
                   ->Value(std::size_t{0})

@@ -61,6 +61,30 @@ TEST_F(DraftsWay, WhatIsTypedIsKeptBesideTheAccountSetWhileTheUserRests) {
     EXPECT_EQ(Number("select count(*) as n from t_VchTemplateEntry where FID = 1 and FExp = 'mine'"), 1);
 }
 
+TEST_F(DraftsWay, WhatStandsInAnEditorIsKeptAndGoesWhenItIsGivenUpThere) {
+    OpenAndTell();
+    ClickNode("detail-1");
+    window->findChild<QTimer*>(QStringLiteral("draftTimer"))->setInterval(0);
+    ClickCell(2, column::kExplanation);
+    Type("half");
+    const auto draft = [this] {
+        std::ifstream in(system::PathFromUtf8(file).parent_path() / Drafts().at(0), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return Drafts().size() == 1 && draft().find("half") != std::string::npos; }));
+    EXPECT_TRUE(window->Grid().IsEditing());
+    EXPECT_FALSE(window->Presenter().IsDirty());
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Drafts().empty(); }));
+    // Taken, it is one of the cells.
+    Type("whole");
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return Drafts().size() == 1 && draft().find("whole") != std::string::npos; }));
+    EXPECT_EQ(draft().find("half"), std::string::npos);
+}
+
 TEST_F(DraftsWay, AWindowClosedByItsFrameLeavesADraftThatTheNextOneOffers) {
     OpenAndTell();
     ClickNode("detail-1");

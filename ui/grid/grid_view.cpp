@@ -135,6 +135,13 @@ bool GridView::IsEditing() const {
     return state() == EditingState;
 }
 
+std::optional<center::TypedText> GridView::TextInEditor() const {
+    const auto* field = qobject_cast<const CellEditor*>(OpenEditor());
+    if (field == nullptr || field->text() == currentIndex().data(Qt::EditRole).toString())
+        return std::nullopt;
+    return center::TypedText{model_.AddressOf(currentIndex()), FromQt(field->text())};
+}
+
 void GridView::CommitOpenEditor() {
     if (QWidget* editor = OpenEditor()) FinishEditing(editor);
 }

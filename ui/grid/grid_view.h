@@ -12,6 +12,7 @@
 
 #include "center/editing/grid_actions.h"
 #include "center/lookups/name_list_actions.h"
+#include "center/template/draft/typed_text.h"
 #include "ui/grid/grid_header.h"
 #include "ui/grid/grid_model.h"
 
@@ -36,6 +37,8 @@ class GridView : public QTableView {
     // True while an editor is being made because the user typed over the cell.
     bool IsOpeningByTyping() const { return openingByTyping_; }
 
+    // What an open editor holds and its cell does not.
+    std::optional<center::TypedText> TextInEditor() const;
     // Takes the text of an open editor into its cell and closes the editor.
     void CommitOpenEditor();
     void FinishEditing(QWidget* editor);

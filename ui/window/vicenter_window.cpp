@@ -181,6 +181,8 @@ void VICenterWindow::BuildGrid() {
             [this](const QString& file) { Guarded([&] { presenter_->OpenDocument(FromQt(file)); }); });
     connect(grid_, &GridView::textRefused, status_, &StatusLine::Flash);
     connect(grid_, &GridView::textTaken, status_, &StatusLine::EndFlash);
+    connect(grid_, &GridView::textTaken, this, &VICenterWindow::ContentChanged);
+    connect(grid_, &GridView::editingChanged, this, &VICenterWindow::ContentChanged);
     connect(model_, &GridModel::activeCellChanged, status_, &StatusLine::EndFlash);
     connect(nameList_, &NameListPopup::chosen, this, [this](int index) {
         Guarded([&] {
@@ -475,7 +477,7 @@ void VICenterWindow::KeepDraft() {
         draftTimer_->start();
         return;
     }
-    Guarded([this] { presenter_->KeepDraft(); });
+    Guarded([this] { presenter_->KeepDraft(grid_->TextInEditor()); });
 }
 
 }  // namespace vicenter::ui

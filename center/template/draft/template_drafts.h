@@ -3,10 +3,12 @@
 // The draft of the template that is open in a window: written while the user rests and when the window goes,
 // gone once the template is saved or its edits are given up. Part of frmVICenter.
 
+#include <optional>
 #include <vector>
 
 #include "center/frame/window_state.h"
 #include "center/template/draft/draft_store.h"
+#include "center/template/draft/typed_text.h"
 #include "center/template/kept_lines.h"
 
 namespace vicenter::center {
@@ -20,8 +22,9 @@ class TemplateDrafts {
     void Close();
 
     void Changed();
-    // Writes what has been typed since the last time; true when all of it is on the disk.
-    bool Keep();
+    // Writes what has been typed since the last time, with what stands in an editor still; true when all of
+    // it is on the disk.
+    bool Keep(const std::optional<TypedText>& typed = std::nullopt);
     // Saved, or given up.
     void Drop();
     // The user does not want the edits saved; the command that asked decides whether they go. With its end
@@ -31,7 +34,10 @@ class TemplateDrafts {
     // Around what replaces the grid's content: lines that a refused save has kept stay on the disk, others
     // go.
     void Leaving();
-    void Opened() { unwritten_ = false; }
+    void Opened() {
+        unwritten_ = false;
+        typed_.reset();
+    }
     // While one lives, the template is only read again, and its draft stays.
     class Hold {
       public:
@@ -54,6 +60,7 @@ class TemplateDrafts {
     const KeptLines& kept_;
     DraftStore store_;
     bool unwritten_ = false;
+    std::optional<TypedText> typed_;  // that the draft on the disk holds
     bool declined_ = false;
     bool held_ = false;
 };
