@@ -309,6 +309,8 @@ SetupReport UpgradeAccountSet(ado::Connection& connection) {
     if (!Exists(connection, {"table", "t_VchTemplate", ""}))
         throw Error(automation::error_number::kElementNotFound, "不是账套：没有表 t_VchTemplate。");
     Transaction transaction(connection);
+    // A batch that may write waits for others who upgrade: what is missing is asked behind them.
+    connection.Execute("update t_VchTemplate set FName = FName where 1 = 0");
     const SetupReport report = MakeObjects(connection, connection, {kHistory});
     transaction.Keep();
     return report;

@@ -34,5 +34,21 @@ TEST(ConcurrentCreation, GivesEachTemplateANumberOfItsOwn) {
     EXPECT_EQ(count(), before + rounds * kPrograms);
 }
 
+TEST(ConcurrentUpgrade, MakesEachTableOnceAndTellsNobodyOfAnError) {
+    constexpr int kPrograms = 4;
+    test::TestFolder folder;
+    const std::string set = test::CopySet(folder);
+    ado::OpenConnection(FileConnectString(set))
+        ->Execute(
+            "drop table t_VchTpHistoryEntry drop table t_VchTpHistoryControl drop table t_VchTpHistoryRule "
+            "drop table t_VchTpHistory");
+    std::vector<test::RunningProgram> programs;
+    for (int i = 0; i < kPrograms; ++i)
+        programs.emplace_back(VICENTER_PROGRAM, std::vector<std::string>{"account-set", "upgrade", set});
+    for (test::RunningProgram& program : programs)
+        EXPECT_EQ(0, program.Wait().code);
+    EXPECT_EQ(0, test::RunningProgram(VICENTER_PROGRAM, {"account-set", "verify", set}).Wait().code);
+}
+
 }  // namespace
 }  // namespace vicenter::host
