@@ -142,20 +142,23 @@ void CeilingFunction(FunctionCall& call) {
     Whole(call, true);
 }
 
+// What no float holds is an overflow, but for what has no value at all: log(0), sqrt(-1).
+double Checked(double result, double of) {
+    if (std::isinf(result) && of != 0) throw MakeError(8115, {}, {"expression", "float"});
+    if (!std::isfinite(result)) throw MakeError(3623, {});
+    return result;
+}
+
 // ts_power(base, exponent): both as float
 void PowerFunction(FunctionCall& call) {
     if (call.AnyNull()) return;
-    const double result = std::pow(call.Real(0), call.Real(1));
-    if (!std::isfinite(result)) throw MakeError(3623, {});
-    call.Return(result);
+    call.Return(Checked(std::pow(call.Real(0), call.Real(1)), call.Real(0)));
 }
 
 template <double (*F)(double)>
 void RealToReal(FunctionCall& call) {
     if (call.IsNull(0)) return;
-    const double result = F(call.Real(0));
-    if (!std::isfinite(result)) throw MakeError(3623, {});
-    call.Return(result);
+    call.Return(Checked(F(call.Real(0)), call.Real(0)));
 }
 
 double Sqrt(double x) {

@@ -238,6 +238,7 @@ Value ToReal(const Value& value, const SqlType& from, const SqlType& to) {
             }
             if (!parsed) throw MakeError(8114, {}, {from.Name(), to.Name()});
             number = *parsed;
+            if (!std::isfinite(number)) throw MakeError(8115, {}, {from.Name(), to.Name()});
             break;
         }
         case StorageClass::kDate:
