@@ -363,9 +363,41 @@ void Executor::LeaveFrame(Frame& frame) {
     // No table goes while anything is read.
     if (!frame.temporaries.empty()) catalog_.EndSnapshot();
     for (const std::string& name : frame.temporaries) {
-        if (const TableInfo* table = catalog_.FindTable(name)) transactions_.DropForGood(*table);
+        const TableInfo* table = catalog_.FindTable(name);
+        const auto outer = frame.shadowed.find(LowerAscii(name));
+        // A rollback may have brought it back already.
+        const bool isOuter =
+            table != nullptr && outer != frame.shadowed.end() && outer->second.physical == table->physical;
+        if (table != nullptr && !isOuter) transactions_.DropForGood(*table);
     }
     frame.temporaries.clear();
+    for (const auto& [name, outer] : frame.shadowed)
+        BringBack(outer);
+    frame.shadowed.clear();
+}
+
+bool Executor::Shadow(const std::string& name) {
+    const TableInfo* taken = catalog_.FindTable(name);
+    if (taken == nullptr) return true;
+    if (frame_->level == 0) return false;
+    const std::string key = LowerAscii(name);
+    const auto outer = frame_->shadowed.find(key);
+    const bool isOuter = outer != frame_->shadowed.end() && outer->second.physical == taken->physical;
+    const bool isOwn = std::any_of(frame_->temporaries.begin(), frame_->temporaries.end(),
+                                   [&](const std::string& own) { return automation::SameName(own, name); });
+    if (isOwn && !isOuter) return false;
+    frame_->shadowed.insert_or_assign(key, *taken);
+    catalog_.DropTemporary(name);
+    return true;
+}
+
+void Executor::BringBack(const TableInfo& shadowed) {
+    if (catalog_.FindTable(shadowed.name) != nullptr) return;
+    PreparedStatement exists =
+        database_.Prepare("SELECT 1 FROM temp.sqlite_schema WHERE type = 'table' AND name = ?1");
+    exists.Bind(1, shadowed.physical);
+    // One that was made in what has been undone is gone.
+    if (database_.Step(exists)) catalog_.AddTemporary(shadowed);
 }
 
 }  // namespace vicenter::tsql::engine

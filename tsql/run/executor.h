@@ -117,6 +117,9 @@ class Executor {
     Abort FailureOfText(const SqlError& error, const Frame& callee);
     void EndCall(const Abort& abort);
     void LeaveFrame(Frame& frame);
+    // Makes room for a temporary table of a call; false when the name is taken by one of its own.
+    bool Shadow(const std::string& name);
+    void BringBack(const TableInfo& shadowed);
     void DeclareAll(const std::vector<StatementPtr>& statements);
     void CheckVariables();
     void Declare(const Statement& statement);

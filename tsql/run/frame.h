@@ -83,6 +83,8 @@ struct Frame {
     std::unordered_map<std::string, Variable> variables;
     std::map<std::string, std::shared_ptr<Cursor>> cursors;
     std::vector<std::string> temporaries;  // dropped at the end
+    // The caller's temporary tables of the same names, in lower case, which come back then.
+    std::map<std::string, TableInfo, std::less<>> shadowed;
     std::string procedure;
     bool isSystem = false;  // one of the server's own procedures
     std::int64_t procedureId = 0;

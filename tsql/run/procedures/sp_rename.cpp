@@ -2,6 +2,7 @@
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
+#include "tsql/run/dependents.h"
 #include "tsql/run/executor.h"
 #include "tsql/run/system_procedures.h"
 
@@ -39,11 +40,6 @@ std::vector<std::string> PartsOf(const std::string& name) {
     return parts;
 }
 
-// A text of T-SQL names the column, in whatever way.
-bool Mentions(const std::string& text, const std::string& column) {
-    return !text.empty() && LowerAscii(text).find(LowerAscii(column)) != std::string::npos;
-}
-
 }  // namespace
 
 void Executor::Rename() {
@@ -59,6 +55,10 @@ void Executor::Rename() {
     std::vector<std::string> parts = PartsOf(name);
     const std::string last = parts.back();
     const std::string before = parts.size() > 1 ? parts[parts.size() - 2] : std::string();
+    // What a view WITH SCHEMABINDING names.
+    const auto refuseBound = [&](std::string_view object, std::string_view column) {
+        if (BoundView(catalog_, programs_, object, column) != nullptr) throw MakeError(15336, {}, {name});
+    };
     transactions_.Define(false, [&] {
         const TableInfo* owner = before.empty() ? nullptr : catalog_.FindTable(before);
         const bool isColumn = owner != nullptr && owner->FindColumn(last) != nullptr;
@@ -72,6 +72,7 @@ void Executor::Rename() {
             throw MakeError(40510, {}, {"sp_rename of a temporary table"});
         if (kind == "column" || (kind.empty() && isColumn)) {
             if (!isColumn) throw MakeError(15248, {}, {kind.empty() ? "(null)" : kind});
+            refuseBound(owner->name, last);
             return RenameColumn(*owner, last, fresh);
         }
         if (kind == "index" || (kind.empty() && owner != nullptr && isIndex(*owner))) {
@@ -89,6 +90,7 @@ void Executor::Rename() {
         auto taken = catalog_.ObjectId(fresh, "");
         if (!taken) taken = catalog_.ConstraintId(fresh, "");
         if (taken && taken != constraint) throw MakeError(15335, {}, {fresh, "OBJECT"});
+        if (id) refuseBound(object->name, {});
         if (object->module != nullptr) return catalog_.RenameModule(object->name, fresh);
         if (id) return catalog_.RenameTable(*object->table, fresh);
         catalog_.RenameConstraint(*object->table, last, fresh);

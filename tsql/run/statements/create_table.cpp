@@ -313,7 +313,7 @@ void Executor::CreateTable(const CreateTableStatement& statement) {
     const std::string& name = statement.table.Object();
     const bool temporary = !name.empty() && name.front() == '#';
     transactions_.Define(temporary, [&] {
-        if (temporary ? catalog_.FindTable(name) != nullptr
+        if (temporary ? !Shadow(name)
                       : catalog_.ObjectId(name, "").has_value() || catalog_.HasConstraint(name)) {
             throw MakeError(2714, statement.table.Where(), {name});
         }

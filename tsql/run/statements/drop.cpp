@@ -1,4 +1,5 @@
 #include "automation/object.h"
+#include "tsql/base/text_units.h"
 #include "tsql/run/dependents.h"
 #include "tsql/run/executor.h"
 
@@ -61,6 +62,8 @@ void Executor::Drop(const DropStatement& statement) {
                     }
                     if (!temporary) refuseBound("DROP TABLE");
                     catalog_.DropTable(*table);
+                    const auto outer = frame_->shadowed.find(LowerAscii(name.Object()));
+                    if (outer != frame_->shadowed.end()) BringBack(outer->second);
                     break;
                 }
                 case DropKind::kIndex: {

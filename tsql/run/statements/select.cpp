@@ -175,7 +175,8 @@ void Executor::SelectInto(const SelectStatement& statement) {
     transactions_.Define(temporary, [&] {
         // The columns and the rows are to be of one moment.
         RefreshForReading();
-        if (catalog_.ObjectId(name, "")) throw MakeError(2714, select.into.Where(), {name});
+        if (temporary ? !Shadow(name) : catalog_.ObjectId(name, "").has_value())
+            throw MakeError(2714, select.into.Where(), {name});
         Translation translation =
             Translated([&](Translator& translator) { return translator.SelectInto(*statement.query); });
         TableInfo table;
