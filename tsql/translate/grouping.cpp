@@ -124,7 +124,6 @@ void Translator::GroupBySets(const SelectBody& select, Scope& scope, std::string
             if (known) continue;
             if (HasAggregate(*expression) || HoldsQuery(*expression))
                 throw MakeError(144, expression->position);
-            if (!NamesOf(*expression, scope).own) throw MakeError(164, expression->position);
             Scope::SetMember member;
             member.expression = expression;
             for (std::size_t other = i; other < sets.size(); ++other) {
@@ -135,6 +134,7 @@ void Translator::GroupBySets(const SelectBody& select, Scope& scope, std::string
             }
             member.isIn = "\"set$\".column1 IN (" + member.isIn + ")";
             const Operand value = Value(*expression, scope);
+            if (!NamesOf(*expression, scope).own) throw MakeError(164, expression->position);
             member.operand =
                 Computed("(CASE WHEN " + member.isIn + " THEN " + Render(value) + " END)", value.type);
             members.push_back(std::move(member));

@@ -179,11 +179,11 @@ void Translator::CheckGroupBy(const SelectBody& select, Scope& scope, std::strin
     std::string list;
     for (const ExprPtr& group : select.groupBy) {
         if (HasAggregate(*group) || HoldsQuery(*group)) throw MakeError(144, group->position);
+        const Operand operand = Value(*group, scope);
         const Names names = NamesOf(*group, scope);
         if (!names.own) throw MakeError(164, group->position);
         if (names.outside)
             throw MakeError(40510, group->position, {"GROUP BY of a column of the query around"});
-        const Operand operand = Value(*group, scope);
         if (operand.column || group->kind == ExprKind::kColumn) scope.groupColumns.push_back(operand.sql);
         list += (list.empty() ? " GROUP BY " : ", ") + Sorted(operand);
     }
