@@ -449,11 +449,6 @@ void BlockEditing::FillDown(const CellSelection& selection) {
     edited_();
 }
 
-void BlockEditing::DuplicateRow() {
-    const int row = state_.grid->ActiveCell().row;
-    if (row >= 1) DuplicateRows(CellSelection::Rows({{row, row}}));
-}
-
 void BlockEditing::DuplicateRows(const CellSelection& selection) {
     EntryGrid& grid = *state_.grid;
     std::vector<RowRun> runs = RowRuns(selection, grid);

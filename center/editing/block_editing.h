@@ -37,7 +37,6 @@ class BlockEditing {
     PasteResult FillSelection(const CellSelection& selection, const std::string& text);
     void FillDown(const CellSelection& selection);
     void DuplicateRows(const CellSelection& selection);
-    void DuplicateRow();  // the active one
 
   private:
     class Entering;

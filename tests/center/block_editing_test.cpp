@@ -232,12 +232,16 @@ TEST_F(BlockEditingTest, CopiedRowsPasteAsTheyWere) {
     EXPECT_EQ(Text(4, 4), "2");
 }
 
-TEST_F(BlockEditingTest, WithoutTheRightNothingIsPasted) {
+TEST_F(BlockEditingTest, WithoutTheRightNothingIsPastedFilledOrDuplicated) {
+    UseRows(2);
+    edited_ = 0;
     state_.hasRight = false;
-    EXPECT_EQ(blocks_.Paste({1, 1}, "1").rows, 0);
-    blocks_.FillDown({1, 1, 5, 1});
-    blocks_.DuplicateRow();
-    EXPECT_TRUE(Grid().IsBlankRow(1));
+    EXPECT_EQ(blocks_.Paste({1, 1}, "9").rows, 0);
+    blocks_.FillDown({1, 1, 2, 1});
+    blocks_.DuplicateRows({1, 1});
+    EXPECT_EQ(Text(1, 1), "1");
+    EXPECT_EQ(Text(2, 1), "2");
+    EXPECT_EQ(state_.open.RowCount(), 2);
     EXPECT_EQ(edited_, 0);
 }
 
@@ -525,7 +529,7 @@ TEST_F(BlockEditingTest, ADuplicateStandsBelowItsRowWithEverythingInIt) {
     blocks_.Paste({1, 1}, "1\t提货\t借\t\t1002\t\t\t\t01\t00012\r\n2\r\n");
     Grid().SetColumnHidden(10, true);
     Grid().SetActiveCell({1, 3});
-    blocks_.DuplicateRow();
+    blocks_.DuplicateRows({1, 3});
     for (int c = 1; c <= kColumnCount; ++c)
         EXPECT_EQ(Text(2, c), Text(1, c)) << c;
     EXPECT_EQ(Text(2, 8), "51");
@@ -539,16 +543,14 @@ TEST_F(BlockEditingTest, ADuplicateStandsBelowItsRowWithEverythingInIt) {
 
 TEST_F(BlockEditingTest, TheLastRowInUseIsDuplicatedToo) {
     UseRows(2);
-    Grid().SetActiveCell({2, 1});
-    blocks_.DuplicateRow();
+    blocks_.DuplicateRows({2, 1});
     EXPECT_EQ(state_.open.RowCount(), 3);
     EXPECT_EQ(Text(3, 1), "2");
 }
 
 TEST_F(BlockEditingTest, ABlankRowBelowIsNotDuplicated) {
     UseRows(1);
-    Grid().SetActiveCell({2, 1});
-    blocks_.DuplicateRow();
+    blocks_.DuplicateRows({2, 1});
     EXPECT_EQ(state_.open.RowCount(), 1);
     EXPECT_EQ(Grid().RowTotal(), 100);
 }

@@ -70,10 +70,7 @@ TEST_F(UndoTest, StepsAreTakenBackOneByOneAndRepeatedInTheirOrder) {
     after([&] { editing_.ClearCells({1, 1, 1, 21}); });
     after([&] { blocks_.FillDown({4, 1, 6, 3}); });
     after([&] { editing_.DeleteRows(1, 3); });
-    after([&] {
-        Grid().SetActiveCell({1, 1});
-        blocks_.DuplicateRow();
-    });
+    after([&] { blocks_.DuplicateRows({1, 1}); });
     for (std::size_t i = seen.size() - 1; i-- > 0;) {
         ASSERT_TRUE(state_.open.Journal().CanUndo()) << i;
         editing_.Undo();
