@@ -273,7 +273,10 @@ class Calculation {
                 AppendRange(*first, *first, numbers);
             } else {
                 rest_ = before;
-                numbers.push_back(AsNumber(Joined()));
+                const FormulaValue value = Joined();
+                // Whether it stands for a cell, which would not count, is not known here.
+                if (takesList && value.kind != FormulaValue::Kind::Number) throw NotSimple();
+                numbers.push_back(AsNumber(value));
             }
         } while (Take(','));
         Expect(')');

@@ -80,6 +80,8 @@ TEST(Formula, WhatIsNotSimpleIsNotAnswered) {
                                 "A0",
                                 "A1048577",
                                 "ZZZZ1",
+                                "MAX(IF(A1>2,1,A6),0)",
+                                "MIN(IF(A1>2,1,A5),7)",
                                 "LOG10(1)",
                                 "ABS(1,2)",
                                 "1 2",
