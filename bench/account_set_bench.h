@@ -13,6 +13,7 @@
 
 #include <sqlite3.h>
 
+#include "bench/median.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/connection.h"
 
@@ -105,11 +106,7 @@ struct Candidate {
     std::function<void()> run;
     std::vector<double> times{};
 
-    double Median() const {
-        std::vector<double> sorted = times;
-        std::sort(sorted.begin(), sorted.end());
-        return sorted[sorted.size() / 2];
-    }
+    double Median() const { return bench::Median(times); }
     double Spread() const {
         const auto [low, high] = std::minmax_element(times.begin(), times.end());
         return *high - *low;

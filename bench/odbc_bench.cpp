@@ -128,11 +128,6 @@ double ProcessorMilliseconds() {
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
-double MedianOf(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 void Measure(const Beside& beside, int rounds) {
     std::array<std::vector<double>, 2> clock;
     std::array<std::vector<double>, 2> processor;
@@ -147,8 +142,8 @@ void Measure(const Beside& beside, int rounds) {
         }
     }
     const auto line = [&](const char* by, const std::array<std::vector<double>, 2>& times) {
-        const double base = MedianOf(times[0]);
-        const double ours = MedianOf(times[1]);
+        const double base = bench::Median(times[0]);
+        const double ours = bench::Median(times[1]);
         const auto [low, high] = std::minmax_element(times[1].begin(), times[1].end());
         std::printf("%-28s by the %-9s bare %9.3f %s, ours %9.3f (spread %.3f), %.2f x\n", beside.name, by,
                     base / beside.perRun, beside.unit, ours / beside.perRun, (*high - *low) / beside.perRun,

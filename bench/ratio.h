@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/median.h"
+
 namespace vicenter::bench {
 
 struct Candidate {
@@ -17,11 +19,7 @@ struct Candidate {
     std::function<void()> run;
     std::vector<double> milliseconds = {};
 
-    double Median() const {
-        std::vector<double> sorted = milliseconds;
-        std::sort(sorted.begin(), sorted.end());
-        return sorted[sorted.size() / 2];
-    }
+    double Median() const { return bench::Median(milliseconds); }
 };
 
 inline void TimeInTurn(std::vector<Candidate>& candidates, int rounds) {

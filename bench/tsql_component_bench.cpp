@@ -116,11 +116,6 @@ double Processor(const std::function<void()>& body) {
     return 1e6 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
-double Median(std::vector<double> times) {
-    std::sort(times.begin(), times.end());
-    return times[times.size() / 2];
-}
-
 int ReadAll(sqlite3_stmt* query) {
     int rows = 0;
     std::size_t read = 0;
@@ -155,8 +150,8 @@ void ShowStatements(ado::Connection& connection, bench::RawDatabase& raw, int re
             }));
         }
         sqlite3_finalize(query);
-        std::printf("%-28s %6d %12.2f %12.2f %7.2f x\n", pair.name, rows, Median(base) / repeats,
-                    Median(candidate) / repeats, Median(candidate) / Median(base));
+        std::printf("%-28s %6d %12.2f %12.2f %7.2f x\n", pair.name, rows, bench::Median(base) / repeats,
+                    bench::Median(candidate) / repeats, bench::Median(candidate) / bench::Median(base));
     }
 }
 
@@ -323,8 +318,9 @@ void ShowSaves(ado::Connection& connection, bench::RawDatabase& raw, int rounds)
             }));
         }
         Require(StoredTemplate(connection) == stored, "the same again");
-        std::printf("%-28s %6d %12.2f %12.2f %7.2f x\n", "a template's lines", lines, Median(base) / repeats,
-                    Median(candidate) / repeats, Median(candidate) / Median(base));
+        std::printf("%-28s %6d %12.2f %12.2f %7.2f x\n", "a template's lines", lines,
+                    bench::Median(base) / repeats, bench::Median(candidate) / repeats,
+                    bench::Median(candidate) / bench::Median(base));
     }
 }
 
@@ -357,10 +353,10 @@ void ShowJoins(ado::Connection& connection, bench::RawDatabase& raw, int rows, i
     }
     sqlite3_finalize(query);
     std::printf("\njoins of %d rows without an index\n%-28s %12.1f ms\n", rows, "SQLite on integers",
-                Median(base) / 1000);
+                bench::Median(base) / 1000);
     for (std::size_t i = 0; i < std::size(kColumns); ++i) {
-        std::printf("T-SQL on %-19s %12.1f ms %7.2f x\n", kColumns[i], Median(times[i]) / 1000,
-                    Median(times[i]) / Median(base));
+        std::printf("T-SQL on %-19s %12.1f ms %7.2f x\n", kColumns[i], bench::Median(times[i]) / 1000,
+                    bench::Median(times[i]) / bench::Median(base));
     }
 }
 
