@@ -109,7 +109,11 @@ void Executor::PlanReadingAgain(Cursor& cursor) {
     again.translation.sql = "SELECT * FROM (" + cursor.plan.translation.sql + ") WHERE c" +
                             std::to_string(cursor.columns.size() + 1) + " = ?" +
                             std::to_string(again.translation.parameters.size() + 1);
-    again.statement = database_.Prepare(again.translation.sql);
+    try {
+        again.statement = Prepared(again.translation.sql);
+    } catch (const SqlError&) {
+        return;  // what is just as deep as SQLite lets it be keeps its rows
+    }
     Bind(again);
     cursor.again = std::move(again);
 }
