@@ -286,10 +286,16 @@ class Reader {
     void ReadColumns(Sheet& sheet) {
         std::uint32_t column = in_.U16();
         const std::uint32_t last = std::min<std::uint32_t>(in_.U16(), kMaxXlsColumns - 1);
-        in_.Skip(4);
-        if ((in_.U16() & 1) == 0) return;
-        for (; column <= last; ++column)
-            sheet.ColumnAt(column).hidden = true;
+        constexpr double kPartsOfACharacter = 256;
+        constexpr double kMaxWidth = 255;
+        const double width = in_.U16() / kPartsOfACharacter;
+        in_.Skip(2);
+        const bool hidden = in_.U16() & 1;
+        for (; column <= last; ++column) {
+            ColumnSetting& setting = sheet.ColumnAt(column);
+            if (width <= kMaxWidth) setting.width = width;
+            if (hidden) setting.hidden = true;
+        }
     }
 
     std::uint32_t ReadFormula(Sheet& sheet) {

@@ -103,12 +103,15 @@ class SheetReader {
         nextColumn_ = 0;
     }
 
-    // Of a column only whether it is hidden counts. One element may stand for all 16,384 columns of a sheet:
-    // noted are as many as the older format has.
+    // Whether a column is hidden, and how wide it is. One element may stand for all 16,384 columns of a
+    // sheet: noted are as many as the older format has.
     void ReadColumn() {
-        if (!scanner_.HasAttribute("hidden")) return;
-        const std::string_view hidden = scanner_.RawAttribute("hidden");
-        if (hidden != "1" && hidden != "true") return;
+        const std::string_view hiddenText = scanner_.RawAttribute("hidden");
+        const bool hidden = hiddenText == "1" || hiddenText == "true";
+        const double width = automation::ParseDouble(scanner_.RawAttribute("width")).value_or(0);
+        constexpr double kMaxWidth = 255;
+        const bool wide = width > 0 && width <= kMaxWidth;
+        if (!hidden && !wide) return;
         std::uint32_t first = 0;
         std::uint32_t last = 0;
         const std::string_view min = scanner_.RawAttribute("min");
@@ -116,8 +119,11 @@ class SheetReader {
         std::from_chars(min.data(), min.data() + min.size(), first);
         std::from_chars(max.data(), max.data() + max.size(), last);
         if (first == 0) return;
-        for (; first <= last && first <= kMaxXlsColumns; ++first)
-            sheet_.ColumnAt(first - 1).hidden = true;
+        for (; first <= last && first <= kMaxXlsColumns; ++first) {
+            ColumnSetting& column = sheet_.ColumnAt(first - 1);
+            if (hidden) column.hidden = true;
+            if (wide) column.width = width;
+        }
     }
 
     void ReadCell() {

@@ -244,6 +244,25 @@ TEST_F(MarkedCopyTest, IsOfTheKindThatItsNameSaysWhateverItsWorkbookIs) {
     }
 }
 
+TEST_F(MarkedCopyTest, KeepsTheWidthsOfTheColumns) {
+    for (const char* name : {"宽.xls", "宽.xlsx"}) {
+        const std::string source = MakeWorkbook(name, rows_);
+        Change(source, [](office::Workbook&, office::Sheet& sheet) {
+            sheet.ColumnAt(1).width = 40;
+            sheet.ColumnAt(5).width = 22.5;
+            sheet.ColumnAt(5).hidden = true;
+        });
+        const std::string target = folder_.File(std::string("标") + name);
+        ASSERT_EQ(WriteMarkedCopy(source, {{2, 6, "金额", "x", "必须是数字"}}, target), "");
+        const auto workbook = office::ReadWorkbook(target);
+        const auto& columns = workbook->FindSheet(kSheetName)->Columns();
+        EXPECT_EQ(columns.at(1).width, 40) << name;
+        EXPECT_EQ(columns.at(5).width, 22.5) << name;
+        EXPECT_FALSE(columns.at(5).hidden);
+        EXPECT_EQ(columns.at(7).width, 48) << "of the reasons";
+    }
+}
+
 TEST_F(MarkedCopyTest, ATitleAboveIsRefusedWithItsTextAndTheListSaysWhatToDo) {
     const std::string file = MakeWorkbook(
         "坏的.xlsx", {{"某某公司凭证模板"}, {}, kHeaders, {"#1", "a", "借", "1001", "现金", "#1", ""}});
