@@ -3,15 +3,18 @@
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
+#include <QToolTip>
 #include <set>
 
 #include "tests/ui/demo_set_fixture.h"
 #include "ui/look/center_style.h"
 #include "ui/look/qt_text.h"
+#include "ui/look/twips.h"
 #include "ui/window/status_line.h"
 
 namespace vicenter::ui {
@@ -371,6 +374,65 @@ TEST_F(EntryAidsWayTest, EscapeClosesTheItemPanelAndWhatWasTypedIsGone) {
     EXPECT_EQ(Text(1, column::kItems), "D99,E004");
     const auto* strip = window->findChild<QLineEdit*>("txtItem");
     EXPECT_EQ(strip->palette().color(QPalette::Text), QColor(colors::kFaulty)) << "as the cell that it hides";
+}
+
+// What the header and the cells below do of themselves, they do where they are kept in sight as well.
+TEST_F(EntryAidsWayTest, FrozenColumnsHaveTheirTooltipsAndTheEdgesOfTheirHeader) {
+    OpenNew(all);
+    window->resize(1100, 500);
+    QApplication::processEvents();
+    TypeLine(1, "1", "A text that is longer than its column", "j", "1001");
+    for (const int c :
+         {column::kExplanation, column::kAccountNumber, column::kAccountName, column::kDirection})
+        window->Presenter().Grid().SetColumnWidth(c, 900);
+    Choose("滚动时固定前六列");
+    const int section = column::kExplanation - 1;
+    const QRect cell = Grid().visualRect(Grid().Model().IndexOf({1, column::kExplanation}));
+    const QPoint head(0, Header().height());
+    const QPoint edge(cell.right(), Header().height() / 2);
+    auto* frozen = Grid().findChild<QWidget*>("frozenColumns");
+    Grid().horizontalScrollBar()->setValue(Grid().horizontalScrollBar()->maximum() / 2);
+    const int scrolled = Grid().horizontalScrollBar()->value();
+    ASSERT_GT(scrolled, cell.right());
+    ASSERT_TRUE(frozen->isVisible());
+    const auto tipAt = [&](const QPoint& at) {
+        QToolTip::hideText();
+        QHelpEvent help(QEvent::ToolTip, at, frozen->mapToGlobal(at));
+        QApplication::sendEvent(frozen, &help);
+        return QToolTip::text().toStdString();
+    };
+    EXPECT_THAT(tipAt(cell.center() + head), ::testing::HasSubstr("A text that is longer than its column"));
+    const QRect account = Grid().visualRect(Grid().Model().IndexOf({1, column::kAccountNumber}));
+    EXPECT_EQ(tipAt({account.center().x() + scrolled, 5}), "科目代码(*)");
+
+    QTest::mouseMove(frozen, edge);
+    QMouseEvent hover(QEvent::MouseMove, edge, frozen->mapToGlobal(edge), Qt::NoButton, Qt::NoButton, {});
+    QApplication::sendEvent(frozen, &hover);
+    EXPECT_EQ(frozen->cursor().shape(), Qt::SplitHCursor);
+    const int before = Header().sectionSize(section);
+    QTest::mousePress(frozen, Qt::LeftButton, {}, edge);
+    for (const int by : {10, 30}) {
+        const QPoint at = edge + QPoint(by, 0);
+        QMouseEvent move(QEvent::MouseMove, at, frozen->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(frozen, &move);
+    }
+    QTest::mouseRelease(frozen, Qt::LeftButton, {}, edge + QPoint(30, 0));
+    EXPECT_EQ(Header().sectionSize(section), before + 30);
+    EXPECT_EQ(window->Presenter().Grid().Layout(column::kExplanation).width,
+              PixelsToTwips(before + 30, Grid()));
+    EXPECT_TRUE(frozen->isVisible());
+    EXPECT_EQ(Grid().horizontalScrollBar()->value(), scrolled) << "the grid stays where it is";
+    // Behind it the mouse drags nothing any more.
+    QMouseEvent after(QEvent::MouseMove, edge, frozen->mapToGlobal(edge), Qt::NoButton, Qt::NoButton, {});
+    QApplication::sendEvent(frozen, &after);
+    EXPECT_EQ(Header().sectionSize(section), before + 30);
+
+    const QPoint moved = edge + QPoint(30, 0);
+    QTest::mouseClick(frozen, Qt::LeftButton, {}, moved);
+    QTest::mouseDClick(frozen, Qt::LeftButton, {}, moved);
+    EXPECT_GE(Header().sectionSize(section),
+              Grid().fontMetrics().horizontalAdvance(ToQt(Text(1, column::kExplanation))));
+    EXPECT_EQ(Grid().horizontalScrollBar()->value(), scrolled);
 }
 
 TEST_F(EntryAidsWayTest, CodesTellTheirNames) {

@@ -2,10 +2,12 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QWheelEvent>
+#include <algorithm>
 
 #include "ui/grid/grid_view.h"
 #include "ui/run/slot_guard.h"
@@ -16,6 +18,7 @@ FrozenColumns::FrozenColumns(GridView& view) : QWidget(&view), view_(view) {
     setObjectName(QStringLiteral("frozenColumns"));
     setFocusPolicy(Qt::NoFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
     hide();
 }
 
@@ -54,12 +57,50 @@ void FrozenColumns::HandOver(QMouseEvent& event) {
     QApplication::sendEvent(target, &released);
 }
 
+int FrozenColumns::EdgeAt(const QPoint& at) const {
+    const GridHeader& header = view_.ColumnHeader();
+    return at.y() < header.height() ? header.EdgeAt(at.x() - header.offset()) : -1;
+}
+
+// The header takes no mouse where it has scrolled its own edge to, beyond its left end.
 void FrozenColumns::mousePressEvent(QMouseEvent* event) {
-    HandOver(*event);
+    const int edge = event->button() == Qt::LeftButton ? EdgeAt(event->pos()) : -1;
+    if (edge < 0) return HandOver(*event);
+    dragged_ = Drag{edge, event->pos().x(), view_.ColumnHeader().sectionSize(edge)};
+}
+
+void FrozenColumns::mouseMoveEvent(QMouseEvent* event) {
+    if (dragged_) {
+        GridHeader& header = view_.ColumnHeader();
+        const int width = dragged_->width + event->pos().x() - dragged_->from;
+        header.resizeSection(dragged_->section, std::max(width, header.minimumSectionSize()));
+    } else if (EdgeAt(event->pos()) >= 0) {
+        setCursor(Qt::SplitHCursor);
+    } else {
+        unsetCursor();
+    }
+}
+
+void FrozenColumns::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) dragged_.reset();
 }
 
 void FrozenColumns::mouseDoubleClickEvent(QMouseEvent* event) {
-    HandOver(*event);
+    const int edge = event->button() == Qt::LeftButton ? EdgeAt(event->pos()) : -1;
+    if (edge < 0) return HandOver(*event);
+    view_.resizeColumnToContents(edge);
+}
+
+// Columns that are dragged wide leave no room to keep them in sight.
+void FrozenColumns::hideEvent(QHideEvent* event) {
+    dragged_.reset();
+    QWidget::hideEvent(event);
+}
+
+bool FrozenColumns::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+    view_.ShowFrozenToolTip(static_cast<QHelpEvent&>(*event));
+    return true;
 }
 
 void FrozenColumns::wheelEvent(QWheelEvent* event) {

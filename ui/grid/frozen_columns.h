@@ -1,10 +1,13 @@
 #pragma once
 
 // The first columns of the entry grid, over its left edge while the grid is scrolled to the right: a picture
-// of cells, nothing more. A click brings the grid back to its beginning and goes to the cell. Owned by the
-// grid view. User-interface thread only.
+// of cells. A click brings the grid back to its beginning and goes to the cell; edges of the header are the
+// header's to drag, and tooltips the cells' own, where they are. Owned by the grid view. User-interface
+// thread only.
 
+#include <QEvent>
 #include <QWidget>
+#include <optional>
 
 namespace vicenter::ui {
 
@@ -20,16 +23,28 @@ class FrozenColumns : public QWidget {
     void Follow();
 
   protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
     void HandOver(QMouseEvent& event);
+    // The section whose edge is there; -1 for none.
+    int EdgeAt(const QPoint& at) const;
 
+    struct Drag {
+        int section = 0;
+        int from = 0;   // where the mouse took hold of its edge
+        int width = 0;  // of the section then
+    };
     GridView& view_;
+    std::optional<Drag> dragged_;
 };
 
 }  // namespace vicenter::ui

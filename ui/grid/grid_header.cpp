@@ -60,14 +60,32 @@ void GridHeader::paintSection(QPainter* painter, const QRect& rect, int logicalI
 bool GridHeader::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip && orientation() == Qt::Horizontal && model()) {
         const auto& help = static_cast<const QHelpEvent&>(*event);
-        const int section = logicalIndexAt(help.pos());
-        const QString text = model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
-        const bool cut =
-            section >= 0 && fontMetrics().horizontalAdvance(text) > sectionSize(section) - 2 * kTextMargin;
-        QToolTip::showText(help.globalPos(), cut ? text : QString(), viewport());
+        ShowToolTip(logicalIndexAt(help.pos()), help.globalPos());
         return true;
     }
     return QHeaderView::viewportEvent(event);
+}
+
+void GridHeader::ShowToolTip(int section, const QPoint& globalAt) {
+    const QString text = model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+    const bool cut =
+        section >= 0 && fontMetrics().horizontalAdvance(text) > sectionSize(section) - 2 * kTextMargin;
+    QToolTip::showText(globalAt, cut ? text : QString(), viewport());
+}
+
+// As the header itself finds the edge that a press takes hold of.
+int GridHeader::EdgeAt(int position) const {
+    int visual = visualIndexAt(position);
+    if (visual < 0) return -1;
+    const int section = logicalIndex(visual);
+    const int left = sectionViewportPosition(section);
+    const int grip = style()->pixelMetric(QStyle::PM_HeaderGripMargin, nullptr, this);
+    if (position > left + sectionSize(section) - grip) return section;
+    if (position >= left + grip) return -1;
+    while (--visual >= 0) {
+        if (!isSectionHidden(logicalIndex(visual))) return logicalIndex(visual);
+    }
+    return -1;
 }
 
 void GridHeader::mousePressEvent(QMouseEvent* event) {

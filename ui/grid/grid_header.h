@@ -23,6 +23,11 @@ class GridHeader : public QHeaderView {
     void PaintSection(QPainter& painter, const QRect& rect, int section) const {
         paintSection(&painter, rect, section);
     }
+    // The section whose width is changed by dragging there; -1 for none. In the viewport's coordinates, also
+    // beyond its edges.
+    int EdgeAt(int position) const;
+    // Names a column that is too narrow for its header.
+    void ShowToolTip(int section, const QPoint& globalAt);
     // A section is being pressed or dragged over: rows or columns are being selected.
     bool IsPressed() const { return pressed_; }
     // The mouse is elsewhere by now: a message may have swallowed its release.
@@ -40,7 +45,6 @@ class GridHeader : public QHeaderView {
   protected:
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
     QSize sizeHint() const override;
-    // Names a column that is too narrow for its header.
     bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;

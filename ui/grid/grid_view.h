@@ -7,6 +7,7 @@
 // cursor ends up is the grid's active cell, which the view follows. Shares nothing; model and actions outlive
 // it. User-interface thread only.
 
+#include <QHelpEvent>
 #include <QMenu>
 #include <QTableView>
 
@@ -66,6 +67,9 @@ class GridView : public QTableView {
     // What of the other columns is below them as far as the grid has been scrolled.
     int CoveredWidth() const;
     void PaintFrozen(QPainter& painter, const QSize& size);
+    // At a place of what PaintFrozen() has painted.
+    void ShowFrozenToolTip(QHelpEvent& event);
+    GridHeader& ColumnHeader() const { return *columnHeader_; }
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
     bool CopySelection();  // false when it cannot be copied

@@ -132,6 +132,18 @@ void GridView::PaintFrozen(QPainter& painter, const QSize& size) {
     painter.drawLine(size.width() - 1, 0, size.width() - 1, size.height());
 }
 
+// Rows stand as the grid has them, columns from its beginning.
+void GridView::ShowFrozenToolTip(QHelpEvent& event) {
+    const int head = columnHeader_->height();
+    const int column = columnHeader_->logicalIndexAt(event.x() - columnHeader_->offset());
+    if (event.y() < head) return columnHeader_->ShowToolTip(column, event.globalPos());
+    const QModelIndex index = model_.index(rowAt(event.y() - head), column);
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    option.rect = visualRect(index).translated(columnHeader_->offset(), 0);
+    itemDelegate()->helpEvent(&event, this, option, index);
+}
+
 void GridView::paintEvent(QPaintEvent* event) {
     QTableView::paintEvent(event);
     if (frozen_->isVisible()) frozen_->update();
