@@ -5,6 +5,7 @@
 #include "entry/kept_error.h"
 #include "entry/message_box.h"
 #include "store/engine_text.h"
+#include "store/stoppable_command.h"
 
 namespace vicenter::store {
 
@@ -47,8 +48,10 @@ void clsVIData::Open() {
 
 RecordsetRef clsVIData::Query(const std::string& sql) {
     try {
+        StoppableCommand::NeedGoingOn();
         Open();
     } catch (const Error& error) {
+        StoppableCommand::Note(error);
         NoteFailure(error);
         throw;
     }
@@ -57,9 +60,11 @@ RecordsetRef clsVIData::Query(const std::string& sql) {
 
 RecordsetRef clsVIData::QueryAgain(const std::string& sql) {
     try {
+        StoppableCommand::NeedGoingOn();
         broker_->Settle();
         return broker_->GiveConnection()->Execute(sql);
     } catch (const Error& error) {
+        StoppableCommand::Note(error);
         NoteFailure(error);
         throw;
     }
@@ -93,6 +98,8 @@ void clsVIData::ShowFailure() {
 }
 
 bool clsVIData::IsExecuteSql(const std::string& strsql) {
+    // Whoever has stopped the command has been told so already.
+    if (StoppableCommand::IsStopped()) return false;
     lastRefusal.clear();
     try {
         Open();
@@ -101,6 +108,7 @@ bool clsVIData::IsExecuteSql(const std::string& strsql) {
         broker_->Settle();
         return true;
     } catch (const Error& error) {
+        StoppableCommand::Note(error);
         entry::KeepError(error);
         ShowRefusal(error.Text());
         return false;

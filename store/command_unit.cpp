@@ -12,6 +12,7 @@ CommandUnit::CommandUnit() {
         unit_ = ado::HostFramework::Process().BeginUnit(entry::GetPropsString());
     } catch (const automation::Error& error) {
         // No property string, no account set: the first statement meets it and tells it in its own way.
+        StoppableCommand::Note(error);
         clsVIData::NoteFailure(error);
         begun_ = false;
     }
@@ -19,13 +20,18 @@ CommandUnit::CommandUnit() {
 
 bool CommandUnit::Commit() {
     bool kept = true;
+    bool begun = false;
     try {
+        if (unit_ != nullptr) StoppableCommand::NeedGoingOn();
+        begun = true;
         kept = unit_ == nullptr || unit_->Commit();
     } catch (const automation::Error& error) {
         entry::KeepError(error);
         clsVIData::NoteFailure(error);
         kept = false;
     }
+    // Who wished to stop by then is told what is known of it, not that nothing was stored.
+    if (begun && !kept) StoppableCommand::Forget();
     unit_.reset();
     return kept;
 }

@@ -1,12 +1,13 @@
 #pragma once
 
-// The statements of one command as one whole, where the host's service can do that: after a failure or a
-// killed process either all of them have happened or none. Nothing is shown to the user while one is open, or
-// others would wait for the user's answer. User-interface thread.
+// The statements of one command as one whole, where the host's service can do that: after a failure, a wish
+// of the user's to stop or a killed process either all of them have happened or none. Nothing is shown to the
+// user while one is open, or others would wait for the user's answer. User-interface thread.
 
 #include <memory>
 
 #include "platform/ado/host_connection_service.h"
+#include "store/stoppable_command.h"
 
 namespace vicenter::store {
 
@@ -25,6 +26,7 @@ class CommandUnit {
     bool Commit();
 
   private:
+    StoppableCommand command_;
     std::unique_ptr<ado::UnitOfWork> unit_;
     bool begun_ = true;
 };

@@ -295,12 +295,13 @@ KeptVersions::KeptVersions(const std::vector<SeenTemplate>& seen, HistoryCommand
     unit_.emplace();
     if (!unit_->HasBegun() || !KeepAll(command)) {
         const bool promised = command == HistoryCommand::Restore || command == HistoryCommand::Replace;
-        if (promised || clsVIData::LastFailureWasLock()) obstacle_ = Obstacle::NotKept;
+        const bool stopped = StoppableCommand::IsStopped();
+        if (promised || stopped || clsVIData::LastFailureWasLock()) obstacle_ = Obstacle::NotKept;
         if (unit_->IsOne()) kept_.clear();
         const bool begun = unit_->HasBegun();
         unit_.reset();
         why_ = clsVIData::LastFailure();
-        entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-历史版本未能保留");
+        if (!stopped) entry::WriteOperationLog(entry::LogKind::Failed, "凭证模板-历史版本未能保留");
         found_.clear();
         if (begun && MayWrite()) unit_.emplace();
         if (MayWrite()) LookAtAll();

@@ -38,10 +38,10 @@ std::string CommandText(HistoryCommand command);
 //
 // One batch a template keeps its version and asks what it is; where rows can be locked it stays that to the
 // end of the unit. When it is not what the user saw, nothing is kept and nothing may be written. A version
-// that cannot be kept ends a command that promises it (Restore, Replace), and any command where another one
-// holds a lock, since it could write no more than the version; for the others it is no reason to stop: they
-// go on without, and the operation log tells. While one is in scope nobody is asked anything, unless nothing
-// may be written.
+// that cannot be kept ends a command that promises it (Restore, Replace), any command where another one holds
+// a lock, since it could write no more than the version, and one that the user has stopped; for the others it
+// is no reason to stop: they go on without, and the operation log tells. While one is in scope nobody is
+// asked anything, unless nothing may be written.
 class KeptVersions {
   public:
     // The current user gives the command. What one command wrote to several templates is known by their one

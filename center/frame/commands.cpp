@@ -5,6 +5,7 @@
 #include "dialogs/frm_search.h"
 #include "dialogs/frm_set_colume.h"
 #include "entry/host_services.h"
+#include "store/stoppable_command.h"
 
 namespace vicenter::center {
 
@@ -26,6 +27,9 @@ bool WindowParts::RefusedForRight() {
 
 void WindowParts::ClickTool(Tool tool) {
     edge.Command([&] {
+        // Others have dialogs, where another try is no part of what was stopped.
+        std::optional<store::StoppableCommand> command;
+        if (tool == Tool::Save) command.emplace();
         RunTool(tool);
         if (tool != Tool::Quit) MarkUnusable();
     });

@@ -6,6 +6,7 @@
 #include "center/lookups/cell_resolution.h"
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
+#include "store/stoppable_command.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"
@@ -92,18 +93,28 @@ store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const S
         if (asked && before.Found().back().fate != TemplateFate::Unknown)
             return {State::NotAsSeen, 0, {}, {}, before.Found().back()};
         if (!before.MayWrite()) {
-            if (!asked) Tell(before.WhyNot("没有保存"));
+            if (!asked && !store::StoppableCommand::IsStopped()) Tell(before.WhyNot("没有保存"));
             TellSaveFailed(seen.name);
             return {State::Failed};
         }
         // A rejected batch has been shown to the user by then; the messages of a success follow all the same.
+        // The user has not rejected anything by stopping: that ends the save.
         stored = before.RunAndCommit(BuildSaveBatch(grid, rowCount, seen.id));
+        if (!stored && store::StoppableCommand::IsStopped()) {
+            TellSaveFailed(seen.name);
+            return {State::Failed};
+        }
     } catch (const Error&) {
         TellSaveFailed(seen.name);
         return {State::Failed};
     }
     try {
         const auto unusable = store::ReadUnusableNumbers(seen.id);
+        // It is stored, and whoever does not wait for what could be told of it is told that with the reload.
+        if (!unusable && stored && store::StoppableCommand::IsStopped()) {
+            entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + seen.name + " 成功");
+            return {State::Saved, automation::Variant(seen.id).ToInt32()};
+        }
         if (!unusable) throw Error(automation::error_number::kObjectVariableNotSet);
         Tell(store::WithUnusableNote("模板 " + seen.name + " 保存成功！", *unusable));
         entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + seen.name + " 成功");
@@ -115,7 +126,9 @@ store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const S
 }
 
 void TellSaveFailed(const std::string& name) {
-    Tell("模板 " + name + " 保存失败！");
+    const bool stopped = store::StoppableCommand::IsStopped();
+    Tell("模板 " + name + " 保存失败！" +
+         (stopped ? "\r\n\r\n操作已取消，没有保存任何内容，录入的分录保持不变。" : ""));
     entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 失败");
 }
 
@@ -128,8 +141,9 @@ TemplateSave::TemplateSave(WindowState& state, KeptLines& kept, TemplateDrafts& 
     : state_(state), kept_(kept), drafts_(drafts), refused_(refused), actions_(std::move(actions)) {}
 
 bool TemplateSave::Save() {
+    const store::StoppableCommand command;
     if (!state_.open.IsOpen() || !state_.open.IsDirty()) return false;
-    if (!state_.open.LinesKnown()) {
+    if (!state_.open.LinesKnown() || store::StoppableCommand::IsStopped()) {
         // The batch replaces every line: what nobody has seen is not to be lost to the few that were typed.
         TellSaveFailed(state_.open.Name());
         return false;
@@ -265,6 +279,10 @@ std::optional<Finding> TemplateSave::FindUnread() {
 bool TemplateSave::Validate() {
     if (state_.open.RowCount() == 0) return ConfirmEmptyTemplate();
     std::optional<Finding> finding = FindUnread();
+    if (store::StoppableCommand::IsStopped()) {
+        TellSaveFailed(state_.open.Name());
+        return false;
+    }
     if (!finding) finding = ValidateLines(*state_.grid, state_.open.RowCount());
     if (!finding) return true;
     Tell(finding->text);

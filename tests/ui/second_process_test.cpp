@@ -291,7 +291,11 @@ TEST_F(SecondProcessTest, ALogThatIsLockedForGoodShowsThePanelAndTheSaveCanBeSto
         ClickTool("mnuSave");
         EXPECT_GT(user.met, 0);
         EXPECT_LT(user.untilMet, 8000);  // by itself SQLite asks nobody for ten seconds
-        EXPECT_THAT(TakeMessages(), ElementsAre("模板 自定义模板(1) 保存失败！"));
+        EXPECT_THAT(
+            TakeMessages(),
+            ElementsAre(
+                "模板 自定义模板(1) 保存失败！\r\n\r\n操作已取消，没有保存任何内容，录入的分录保持不变。"));
+        EXPECT_EQ(user.met, 1) << "what would follow is not begun";
         EXPECT_EQ(Text(1, column::kExplanation), "other");
         EXPECT_TRUE(window->windowTitle().startsWith(QStringLiteral("凭证模板 * - ")));
         // Resting waits for nothing.

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "store/stoppable_command.h"
 #include "ui/look/dialog_frame.h"
 
 namespace vicenter::ui {
@@ -73,7 +74,10 @@ QtLongWork::QtLongWork() = default;
 QtLongWork::~QtLongWork() = default;
 
 bool QtLongWork::GoOn(std::chrono::milliseconds taken) {
-    if (polling_ || taken < kUntilShown) return true;
+    if (polling_) return true;
+    // What would follow in a command that has been stopped is not waited for.
+    if (store::StoppableCommand::IsStopped()) return false;
+    if (taken < kUntilShown) return true;
     if (!box_) {
         if (!IsAnyWindowShown()) return true;
         QWidget* parent = QApplication::activeModalWidget();
@@ -84,6 +88,7 @@ bool QtLongWork::GoOn(std::chrono::milliseconds taken) {
     polling_ = true;
     box_->Poll();
     polling_ = false;
+    if (box_->IsCancelled()) store::StoppableCommand::Stop();
     return !box_->IsCancelled();
 }
 
