@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QScrollBar>
+#include <QTableView>
 #include <QTest>
 #include <QToolButton>
 #include <QToolTip>
@@ -183,8 +184,9 @@ TEST_F(KeyboardAreasTest, AListLeavesCellsInSightOnASmallScreen) {
         QApplication::processEvents();
         const int row = Grid().verticalHeader()->defaultSectionSize();
         EXPECT_GE(Grid().viewport()->height(), 2 * row);
-        const auto* list = window->findChild<QWidget*>(key == Qt::Key_F ? "searchPanel" : "faultPanel");
+        const auto* list = window->findChild<QTableView*>(key == Qt::Key_F ? "lstHits" : "lstFaults");
         ASSERT_TRUE(list->isVisible());
+        EXPECT_GE(list->viewport()->height(), list->verticalHeader()->defaultSectionSize());
         EXPECT_LE(window->height(), kRoom);
     }
     Key(Qt::Key_Escape);

@@ -1,6 +1,7 @@
 #include "ui/look/list_table.h"
 
 #include <QHeaderView>
+#include <QScrollBar>
 
 namespace vicenter::ui {
 
@@ -19,6 +20,11 @@ void SetUpList(QTableWidget& table, const QString& name) {
     table.horizontalHeader()->setStretchLastSection(true);
     // Whole rows are selected, which says nothing of a heading; bold ones need more room than they have.
     table.horizontalHeader()->setHighlightSections(false);
+}
+
+int HeightOfOneRow(const QTableView& table) {
+    return table.horizontalHeader()->sizeHint().height() + table.verticalHeader()->defaultSectionSize() +
+           table.horizontalScrollBar()->sizeHint().height() + 2 * table.frameWidth();
 }
 
 void FitColumns(QTableWidget& table) {

@@ -9,6 +9,8 @@
 namespace vicenter::ui {
 
 void SetUpList(QTableWidget& table, const QString& name);
+// With its headings and what scrolls it.
+int HeightOfOneRow(const QTableView& table);
 // Columns as wide as their headings and texts, with room between them; after the rows have changed.
 void FitColumns(QTableWidget& table);
 

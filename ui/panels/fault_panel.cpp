@@ -16,6 +16,7 @@
 
 #include "center/grid/columns.h"
 #include "exchange/template_columns.h"
+#include "ui/look/list_table.h"
 #include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
@@ -197,7 +198,7 @@ FaultPanel::FaultPanel(center::FaultActions& actions, QWidget* parent)
     table_->setWordWrap(false);
     table_->verticalHeader()->hide();
     table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 6);
-    table_->setMinimumHeight(2 * table_->verticalHeader()->defaultSectionSize());
+    table_->setMinimumHeight(HeightOfOneRow(*table_));
     table_->horizontalHeader()->setSectionResizeMode(kReason, QHeaderView::Stretch);
     table_->setColumnWidth(kRow, kRowWidth);
     table_->setColumnWidth(kColumn, kNameWidth);

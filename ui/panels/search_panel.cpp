@@ -51,7 +51,7 @@ SearchPanel::SearchPanel(center::SearchActions& actions, QWidget* parent)
     hits_->setSelectionMode(QAbstractItemView::SingleSelection);
     hits_->setWordWrap(false);
     hits_->verticalHeader()->setDefaultSectionSize(hits_->fontMetrics().height() + 6);
-    hits_->setMinimumHeight(2 * hits_->verticalHeader()->defaultSectionSize());
+    hits_->setMinimumHeight(HeightOfOneRow(*hits_));
     hits_->installEventFilter(this);
     note_->setObjectName(QStringLiteral("lblHits"));
     connect(hits_, &QTableWidget::cellClicked, this, [this](int row, int) { Open(row); });

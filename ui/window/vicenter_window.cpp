@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QTimer>
 #include <QUrl>
 
@@ -32,7 +33,7 @@ constexpr int kDesignedHeight = 700;
 constexpr int kListMilliseconds = 30;  // shorter than a hand needs from one key to the next
 // How often what was saved is brought into the account set's own file; next to nothing when nothing was.
 constexpr int kHomeMilliseconds = 5000;
-constexpr int kRowsInSight = 3;  // above a list that is shown
+constexpr int kRowsInSight = 2;  // above a list that is shown
 constexpr int kDraftMilliseconds = 1500;
 constexpr int kLongestTypingMilliseconds = 10000;  // without a rest
 
@@ -196,9 +197,12 @@ void VICenterWindow::BuildGrid() {
 void VICenterWindow::KeepCellsInSight() {
     if (unloaded_) return;
     const bool listed = !faults_->isHidden() || !search_->isHidden();
-    const int above = grid_->mapTo(centralWidget(), QPoint(0, 0)).y() + grid_->horizontalHeader()->height();
-    const int cells = kRowsInSight * grid_->verticalHeader()->defaultSectionSize();
-    centralWidget()->setMinimumHeight(listed ? above + cells : 0);
+    const QRect grid(grid_->mapTo(centralWidget(), QPoint(0, 0)), grid_->size());
+    const int around = grid.top() + centralWidget()->height() - grid.bottom() + 2 * grid_->frameWidth() +
+                       grid_->horizontalHeader()->height();
+    const int cells = kRowsInSight * grid_->verticalHeader()->defaultSectionSize() +
+                      grid_->horizontalScrollBar()->sizeHint().height();
+    centralWidget()->setMinimumHeight(listed ? around + cells : 0);
 }
 
 void VICenterWindow::ConnectItemPanel() {
