@@ -175,6 +175,8 @@ void Database::Open(const std::string& path, bool create, int lockTimeoutMillise
         throw failure;
     }
     sqlite3_extended_result_codes(handle_, 1);
+    // A name that there is not is an error and no text.
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     Allow(QueryPlans::kUsual);
     sqlite3_progress_handler(
         handle_, kStepsPerQuestion,
@@ -302,6 +304,10 @@ bool Database::InTransaction() const {
 
 std::int64_t Database::Changes() const {
     return sqlite3_changes64(handle_);
+}
+
+std::int64_t Database::LastRowNumber() const {
+    return sqlite3_last_insert_rowid(handle_);
 }
 
 bool Database::IsRowNumber(const std::string& table, const std::string& column) const {

@@ -111,6 +111,8 @@ class Database {
     bool Step(PreparedStatement& statement);
     bool InTransaction() const;
     std::int64_t Changes() const;
+    // Of the row that was inserted last.
+    std::int64_t LastRowNumber() const;
     // The column is what the file numbers the rows of the table by (INTEGER PRIMARY KEY), as far as the
     // statement that ran last has seen.
     bool IsRowNumber(const std::string& table, const std::string& column) const;

@@ -234,8 +234,13 @@ std::string Translator::BehindName(const std::string& name, Position where) cons
 std::string Translator::Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable) {
     Scope scope;
     Source source = SourceOf(table, pseudoTable);
-    for (SourceColumn& column : source.columns)
-        column.sql = Quoted(column.name);
+    // What is computed names the columns of the pseudo table as well.
+    const std::string prefix = source.alias + ".";
+    for (SourceColumn& column : source.columns) {
+        for (std::size_t at = column.sql.find(prefix); at != std::string::npos;
+             at = column.sql.find(prefix, at))
+            column.sql.erase(at, prefix.size());
+    }
     scope.sources.push_back(std::move(source));
     SelectParts parts;
     for (const SelectItem& item : output.items)
