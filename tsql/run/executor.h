@@ -180,14 +180,18 @@ class Executor {
     void UpdateColumns(const UpdateStatement& statement, bool temporary);
     void UpdateVariables(const UpdateStatement& statement, bool temporary);
     void RewriteRows(const UpdateStatement& statement, bool temporary);
-    void ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
-                    const std::vector<std::vector<Value>>& rows, bool collides, Position where);
-    void PutAnew(const Plan& plan, const std::vector<ResultColumn>& columns,
-                 const std::vector<std::vector<Value>>& rows,
-                 const std::function<void(const std::vector<Value>&)>& tell);
+    // Both give the numbers that the rows have then.
+    std::vector<std::int64_t> ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
+                                         const std::vector<std::vector<Value>>& rows, bool collides,
+                                         Position where);
+    std::vector<std::int64_t> PutAnew(const Plan& plan, const std::vector<ResultColumn>& columns,
+                                      const std::vector<std::vector<Value>>& rows,
+                                      const std::function<void(const std::vector<Value>&)>& tell);
     bool IsReferenced(const TableInfo& table) const;
     void Delete(const DeleteStatement& statement);
     void Modify(const void* key, bool temporary, const Make& make, const OutputClause* output);
+    void OutputInto(const OutputClause& output, const std::vector<ResultColumn>& columns,
+                    std::vector<std::vector<Value>>& rows, std::int64_t affectedBefore);
     void RunModification(Plan& plan, std::vector<std::vector<Value>>* output);
     void CountRows(std::int64_t count);
     bool OutlivesFailure() const;

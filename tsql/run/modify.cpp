@@ -90,6 +90,20 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
     CountRows(changed);
 }
 
+// The rows that go into the target of OUTPUT are not those of the statement.
+void Executor::OutputInto(const OutputClause& output, const std::vector<ResultColumn>& columns,
+                          std::vector<std::vector<Value>>& rows, std::int64_t affectedBefore) {
+    const std::int64_t changed = rowCount_;
+    const std::int64_t affected = std::exchange(report_->rowsAffected, affectedBefore);
+    std::vector<SqlType> types;
+    types.reserve(columns.size());
+    for (const ResultColumn& column : columns)
+        types.push_back(column.type);
+    InsertRows(&output, output.into, output.columns, types, rows);
+    rowCount_ = changed;
+    report_->rowsAffected = affected;
+}
+
 // The rows of OUTPUT are kept until the change has succeeded, since a failed statement gives no result. Those
 // that go into a table are part of the statement: all of it is done or nothing.
 void Executor::Modify(const void* key, bool temporary, const Make& make, const OutputClause* output) {
@@ -103,18 +117,7 @@ void Executor::Modify(const void* key, bool temporary, const Make& make, const O
         Plan& plan = PlanFor(key, make);
         RunModification(plan, output != nullptr ? &rows : nullptr);
         columns = plan.translation.columns;
-        if (into) {
-            // The rows that go into the target of OUTPUT are not those of the statement.
-            const std::int64_t changed = rowCount_;
-            const std::int64_t affected = std::exchange(report_->rowsAffected, before);
-            std::vector<SqlType> types;
-            types.reserve(columns.size());
-            for (const ResultColumn& column : columns)
-                types.push_back(column.type);
-            InsertRows(output, output->into, output->columns, types, rows);
-            rowCount_ = changed;
-            report_->rowsAffected = affected;
-        }
+        if (into) OutputInto(*output, columns, rows, before);
         guard.Release();
     });
     if (output == nullptr || into) return;

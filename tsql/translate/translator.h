@@ -77,6 +77,8 @@ class Translator {
     std::string CheckText(const TableInfo& table, const Expr& condition);
     // The rows that an UPDATE changes as they are to be: each row's number and every stored column.
     Translation UpdatedRows(const UpdateStatement& statement);
+    // What OUTPUT tells of a row that has been changed; its number is the last parameter.
+    Translation OutputOfRow(const OutputClause& output, const TableInfo& table);
     // What SET @v = e gives the variables, row by row, with the number of each row behind it and, where its
     // columns take what the variables are, every stored column as it is to be.
     Translation UpdatedVariables(const UpdateStatement& statement);

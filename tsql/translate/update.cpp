@@ -142,6 +142,14 @@ Translation Translator::UpdatedRows(const UpdateStatement& statement) {
     return Finished(std::move(sql));
 }
 
+Translation Translator::OutputOfRow(const OutputClause& output, const TableInfo& table) {
+    constexpr std::string_view kReturning = " RETURNING ";
+    Begin(table, kUpdate);
+    const std::string list = Output(output, table, "inserted").substr(kReturning.size());
+    return Finished("SELECT " + list + " FROM " + table.Sql() + " WHERE _rowid_ = ?" +
+                    std::to_string(translation_.parameters.size() + 1));
+}
+
 // SELECT the values of @v = e, and the number of the row: the last one's stay. Where columns take what the
 // variables are in their row, all columns of the row as they are to be stand behind the number.
 Translation Translator::UpdatedVariables(const UpdateStatement& statement) {

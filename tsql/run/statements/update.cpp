@@ -53,7 +53,7 @@ void Executor::UpdateColumns(const UpdateStatement& statement, bool temporary) {
     } catch (const SqlError& error) {
         // SQLite looks at keys row by row, the server when all rows are changed: FNo = FNo + 1 is no
         // duplicate.
-        if (!IsDuplicate(error) || statement.output) throw;
+        if (!IsDuplicate(error)) throw;
         RewriteRows(statement, temporary);
     }
 }
@@ -221,6 +221,18 @@ bool PutInPlace(Database& database, const TableInfo& table, const std::vector<Re
     return true;
 }
 
+// A key of one integer that has changed is another number of the row.
+std::vector<std::int64_t> NumbersInPlace(const TableInfo& table, const std::vector<ResultColumn>& columns,
+                                         const std::vector<std::vector<Value>>& rows) {
+    const auto key = std::find_if(columns.begin() + 1, columns.end(),
+                                  [&](const ResultColumn& column) { return table.IsRowNumber(column.name); });
+    const std::size_t place = key == columns.end() ? 0 : static_cast<std::size_t>(key - columns.begin());
+    std::vector<std::int64_t> numbers;
+    for (const std::vector<Value>& row : rows)
+        numbers.push_back(row[place].Int());
+    return numbers;
+}
+
 // Each row is changed where it is, and what refers to it follows, as soon as the key that it gets is free:
 // there and back over the rows, so that those that move on by one take two rounds.
 ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vector<ResultColumn>& columns,
@@ -280,11 +292,20 @@ ShiftResult ShiftedRows(Database& database, const Catalog& catalog, const TableI
 
 }  // namespace
 
-// The rows as they are to be are read before the first of them is changed.
+// The rows as they are to be are read before the first of them is changed. What OUTPUT tells of them is read
+// when all are.
 void Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
-    transactions_.Change(temporary, [&] {
+    const OutputClause* output = statement.output ? &*statement.output : nullptr;
+    const bool into = output != nullptr && !output->into.IsEmpty();
+    const TableInfo* target = into ? FindTable(output->into.Object()) : nullptr;
+    std::vector<std::vector<Value>> told;
+    std::vector<ResultColumn> columns;
+    transactions_.Change(temporary && (target == nullptr || target->temporary), [&] {
+        StatementGuard guard(database_, into && OutlivesFailure());
+        const std::int64_t before = report_->rowsAffected;
         Plan& plan = PlanFor(&statement.assignments,
                              [&](Translator& translator) { return translator.UpdatedRows(statement); });
+        const TableInfo& table = *catalog_.FindTable(plan.translation.table);
         std::vector<std::vector<Value>> rows;
         {
             const ResetAtEnd reset(plan.statement);
@@ -292,14 +313,34 @@ void Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
             while (StepPlan(plan))
                 ReadRow(plan, rows.emplace_back());
         }
-        ChangeRows(plan, plan.translation.columns, rows, true, statement.position);
+        const std::vector<std::int64_t> numbers =
+            ChangeRows(plan, plan.translation.columns, rows, true, statement.position);
+        if (output != nullptr) {
+            Plan& changed = PlanFor(&output->columns, [&](Translator& translator) {
+                return translator.OutputOfRow(*output, table);
+            });
+            columns = changed.translation.columns;
+            Bind(changed);
+            for (const std::int64_t number : numbers) {
+                const ResetAtEnd reset(changed.statement);
+                changed.statement.Bind(static_cast<int>(changed.translation.parameters.size()) + 1, number);
+                if (StepPlan(changed)) ReadRow(changed, told.emplace_back());
+            }
+        }
+        if (into) OutputInto(*output, columns, told, before);
+        guard.Release();
     });
+    if (output == nullptr || into) return;
+    sink_->BeginResult(columns);
+    for (std::vector<Value>& row : told)
+        sink_->AddRow(row);
 }
 
 // Each row is its number and all columns that are stored. Where keys collide on the way they may do so when
 // all rows are changed, or not.
-void Executor::ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
-                          const std::vector<std::vector<Value>>& rows, bool collides, Position where) {
+std::vector<std::int64_t> Executor::ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
+                                               const std::vector<std::vector<Value>>& rows, bool collides,
+                                               Position where) {
     const TableInfo& table = *catalog_.FindTable(plan.translation.table);
     const Tell tell = [&](const std::vector<Value>& row) {
         for (std::size_t i = 1; i < columns.size(); ++i) {
@@ -324,18 +365,21 @@ void Executor::ChangeRows(const Plan& plan, const std::vector<ResultColumn>& col
                                fail) == ShiftResult::kDone;
         });
         if (!done) throw MakeError(40510, where, {"UPDATE that exchanges keys that others refer to"});
-        return;
+        return NumbersInPlace(table, columns, rows);
     }
-    if (!collides && change([&] { return PutInPlace(database_, table, columns, rows, fail); })) return;
+    if (!collides && change([&] { return PutInPlace(database_, table, columns, rows, fail); }))
+        return NumbersInPlace(table, columns, rows);
+    std::vector<std::int64_t> numbers;
     change([&] {
-        PutAnew(plan, columns, rows, tell);
+        numbers = PutAnew(plan, columns, rows, tell);
         return true;
     });
+    return numbers;
 }
 
 // The old rows are deleted and the new ones inserted.
-void Executor::PutAnew(const Plan& plan, const std::vector<ResultColumn>& columns,
-                       const std::vector<std::vector<Value>>& rows, const Tell& tell) {
+std::vector<std::int64_t> Executor::PutAnew(const Plan& plan, const std::vector<ResultColumn>& columns,
+                                            const std::vector<std::vector<Value>>& rows, const Tell& tell) {
     const TableInfo& table = *catalog_.FindTable(plan.translation.table);
     PreparedStatement remove = database_.Prepare("DELETE FROM " + table.Sql() + " WHERE _rowid_ = ?1");
     for (const std::vector<Value>& row : rows) {
@@ -356,13 +400,16 @@ void Executor::PutAnew(const Plan& plan, const std::vector<ResultColumn>& column
     }
     PreparedStatement add =
         database_.Prepare("INSERT INTO " + table.Sql() + "(" + list + ") VALUES (" + marks + ")");
+    std::vector<std::int64_t> numbers;
     for (const std::vector<Value>& row : rows) {
         tell(row);
         for (std::size_t i = first; i < columns.size(); ++i)
             BindValue(add.Handle(), static_cast<int>(i - first) + 1, row[i], columns[i].type);
         if (add.Step() == StepResult::kFailed) FailStep(plan);
         add.Reset();
+        numbers.push_back(database_.LastRowNumber());
     }
+    return numbers;
 }
 
 }  // namespace vicenter::tsql::engine
