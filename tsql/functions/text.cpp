@@ -35,8 +35,13 @@ void RightFunction(FunctionCall& call) {
     call.Return(wanted >= units ? text : TailUnits(text, units - wanted));
 }
 
-void SubstringFunction(FunctionCall& call) {
-    if (call.AnyNull()) return;
+// What the last two arguments name: from where, counted from 0, and how much.
+struct Part {
+    std::size_t skipped;
+    std::size_t length;
+};
+
+Part PartOf(const FunctionCall& call) {
     std::int64_t start = call.Int(1);
     std::int64_t length = call.Int(2);
     if (length < 0) throw MakeError(537, {});
@@ -44,25 +49,22 @@ void SubstringFunction(FunctionCall& call) {
         length += start - 1;
         start = 1;
     }
-    if (length <= 0) return call.Return(std::string_view());
-    const std::string_view tail = TailUnits(call.Text(0), static_cast<std::size_t>(start - 1));
-    call.Return(HeadUnits(tail, static_cast<std::size_t>(length)));
+    return {static_cast<std::size_t>(start - 1), static_cast<std::size_t>(std::max<std::int64_t>(length, 0))};
+}
+
+void SubstringFunction(FunctionCall& call) {
+    if (call.AnyNull()) return;
+    const Part part = PartOf(call);
+    if (part.length == 0) return call.Return(std::string_view());
+    call.Return(HeadUnits(TailUnits(call.Text(0), part.skipped), part.length));
 }
 
 // ts_sub_bytes(bytes, start, length)
 void SubBytesFunction(FunctionCall& call) {
     if (call.AnyNull()) return;
-    std::int64_t start = call.Int(1);
-    std::int64_t length = call.Int(2);
-    if (length < 0) throw MakeError(537, {});
-    if (start < 1) {
-        length += start - 1;
-        start = 1;
-    }
+    const Part part = PartOf(call);
     const std::string_view bytes = call.Text(0);
-    const auto skipped = std::min(static_cast<std::size_t>(start - 1), bytes.size());
-    const std::string_view taken =
-        length <= 0 ? std::string_view() : bytes.substr(skipped, static_cast<std::size_t>(length));
+    const std::string_view taken = bytes.substr(std::min(part.skipped, bytes.size()), part.length);
     call.Return(Value(Bytes{std::string(taken)}), SqlType::Of(TypeKind::kVarBinary, kMaxLength));
 }
 

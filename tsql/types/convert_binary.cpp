@@ -37,19 +37,12 @@ std::string BytesOfHexadecimal(const std::string& text, const SqlType& from, con
     return bytes;
 }
 
-// As many bytes as the type has.
-int SizeOf(TypeKind kind) {
-    switch (kind) {
-        case TypeKind::kBit:
-        case TypeKind::kTinyInt:
-            return 1;
-        case TypeKind::kSmallInt:
-            return 2;
-        case TypeKind::kInt:
-            return 4;
-        default:
-            return 8;
-    }
+bool IsLead(char32_t unit) {
+    return (unit & 0xFC00) == 0xD800;
+}
+
+bool IsTrail(char32_t unit) {
+    return (unit & 0xFC00) == 0xDC00;
 }
 
 }  // namespace
@@ -85,7 +78,7 @@ std::string TextOfBytes(std::string_view bytes, bool unicode, const std::string&
     std::string text;
     for (std::size_t at = 0; at < bytes.size(); at += 2) {
         char32_t unit = UnitAt(bytes, at);
-        const bool isPair = U16_IS_LEAD(unit) && at + 3 < bytes.size() && U16_IS_TRAIL(UnitAt(bytes, at + 2));
+        const bool isPair = IsLead(unit) && at + 3 < bytes.size() && IsTrail(UnitAt(bytes, at + 2));
         if (isPair) {
             unit = (unit - 0xD7C0) * 0x400 + UnitAt(bytes, at + 2) - 0xDC00;
             at += 2;
@@ -108,7 +101,7 @@ Value ToBinary(const Value& value, const SqlType& from, const SqlType& to, int s
         bytes = value.Blob();
     } else if (from.IsInteger()) {
         const auto number = static_cast<std::uint64_t>(value.Int());
-        for (int shift = (SizeOf(from.kind) - 1) * 8; shift >= 0; shift -= 8)
+        for (int shift = (StoredBytes(from) - 1) * 8; shift >= 0; shift -= 8)
             bytes += static_cast<char>(number >> shift & 0xFF);
     } else {
         throw MakeError(40510, {}, {name()});
