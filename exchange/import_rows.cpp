@@ -45,7 +45,7 @@ std::string StoredText(const TemplateColumn& column, const std::string& text) {
             return std::string(ReadDebit(text).value_or(false) ? store::kDebit : store::kCredit);
         case CellType::Number:
         case CellType::WholeNumber: {
-            const std::string plain = SqlOf(column, text);
+            std::string plain = SqlOf(column, text);
             if (spec.kind == store::CellKind::TemplateNumber) return plain;
             const auto number = automation::Decimal::Parse(plain);
             if (!number) return plain;

@@ -75,7 +75,7 @@ std::string NameOfFile(const std::string& file) {
     return PathToUtf8(PathFromUtf8(file).filename());
 }
 
-std::string OneLine(std::string text) {
+std::string OneLine(const std::string& text) {
     std::string line;
     for (const char c : text) {
         if (c == '\r' || c == '\n') {
@@ -251,6 +251,7 @@ std::string WhyNotOverImported(const std::vector<std::string>& files, const std:
 std::string WriteImportReport(const std::vector<ImportOutcome>& outcomes, const std::string& target) {
     try {
         std::vector<std::string> files;
+        files.reserve(outcomes.size());
         for (const ImportOutcome& outcome : outcomes)
             files.push_back(outcome.file);
         if (std::string refusal = WhyNotOverImported(files, target); !refusal.empty()) return refusal;

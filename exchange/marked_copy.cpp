@@ -125,7 +125,7 @@ std::string MarkedCopyName(const std::string& fileName) {
 
 std::string TemplateNameOf(const std::string& fileName) {
     // As it is stored.
-    const std::string base(system::TrimBlanks(PartsOf(fileName).base));
+    std::string base(system::TrimBlanks(PartsOf(fileName).base));
     if (!base.ends_with(kMarkedMark) || base == kMarkedMark) return base;
     try {
         if (!TemplateSheet(fileName).HasReasons()) return base;

@@ -44,7 +44,7 @@ bool CanBeQuoted(const std::string& text) {
 
 }  // namespace
 
-AccountSetChoice::AccountSetChoice(std::string folder) : recent_(ReadList(folder)) {
+AccountSetChoice::AccountSetChoice(const std::string& folder) : recent_(ReadList(folder)) {
     std::erase_if(recent_, [](const std::string& file) {
         std::error_code ignored;
         return !fs::is_regular_file(system::PathFromUtf8(file), ignored);

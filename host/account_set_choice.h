@@ -19,7 +19,7 @@ struct LedgerUser {
 class AccountSetChoice {
   public:
     // folder: the user's data, where the list is kept.
-    explicit AccountSetChoice(std::string folder);
+    explicit AccountSetChoice(const std::string& folder);
 
     // The newest first; files that are gone are left out.
     const std::vector<std::string>& Recent() const { return recent_; }

@@ -56,39 +56,39 @@ std::string ChosenConnectString(const CliContext& context) {
 
 // How a command runs.
 struct CommandEntry {
-    CliCommand command;
     int (*run)(const CliContext& context);
+    CliCommand command;
     bool speaks;      // answers with messages, and gives its document even when it ends in an error
     bool hasSession;  // on the account set that is chosen
 };
 
 constexpr CommandEntry kCommands[] = {
-    {CliCommand::Window, RunWindow, false, true},
-    {CliCommand::AccountSetNew, RunAccountSetNew, true, false},
-    {CliCommand::AccountSetCopy, RunAccountSetCopy, true, false},
-    {CliCommand::AccountSetBackup, RunAccountSetBackup, true, false},
-    {CliCommand::AccountSetRestore, RunAccountSetRestore, true, false},
-    {CliCommand::AccountSetVerify, RunAccountSetVerify, true, false},
-    {CliCommand::AccountSetUpgrade, RunAccountSetUpgrade, true, false},
-    {CliCommand::List, RunList, false, true},
-    {CliCommand::Show, RunShow, false, true},
-    {CliCommand::New, RunNew, true, true},
-    {CliCommand::Rename, RunRename, true, true},
-    {CliCommand::Delete, RunDelete, true, true},
-    {CliCommand::Check, RunCheck, true, true},
-    {CliCommand::Log, RunLog, false, true},
-    {CliCommand::History, RunHistory, false, true},
-    {CliCommand::Restore, RunRestore, true, true},
-    {CliCommand::Save, RunSave, true, true},
-    {CliCommand::Sql, RunSql, false, true},
-    {CliCommand::Export, RunExport, true, true},
-    {CliCommand::Import, RunImport, true, true},
-    {CliCommand::Generate, RunGenerate, true, true},
-    {CliCommand::Replace, RunReplace, true, true},
-    {CliCommand::Search, RunSearch, false, true},
-    {CliCommand::Drivers, RunDrivers, false, false},
-    {CliCommand::Doctor, RunDoctor, false, false},
-    {CliCommand::Print, RunPrint, true, true},
+    {RunWindow, CliCommand::Window, false, true},
+    {RunAccountSetNew, CliCommand::AccountSetNew, true, false},
+    {RunAccountSetCopy, CliCommand::AccountSetCopy, true, false},
+    {RunAccountSetBackup, CliCommand::AccountSetBackup, true, false},
+    {RunAccountSetRestore, CliCommand::AccountSetRestore, true, false},
+    {RunAccountSetVerify, CliCommand::AccountSetVerify, true, false},
+    {RunAccountSetUpgrade, CliCommand::AccountSetUpgrade, true, false},
+    {RunList, CliCommand::List, false, true},
+    {RunShow, CliCommand::Show, false, true},
+    {RunNew, CliCommand::New, true, true},
+    {RunRename, CliCommand::Rename, true, true},
+    {RunDelete, CliCommand::Delete, true, true},
+    {RunCheck, CliCommand::Check, true, true},
+    {RunLog, CliCommand::Log, false, true},
+    {RunHistory, CliCommand::History, false, true},
+    {RunRestore, CliCommand::Restore, true, true},
+    {RunSave, CliCommand::Save, true, true},
+    {RunSql, CliCommand::Sql, false, true},
+    {RunExport, CliCommand::Export, true, true},
+    {RunImport, CliCommand::Import, true, true},
+    {RunGenerate, CliCommand::Generate, true, true},
+    {RunReplace, CliCommand::Replace, true, true},
+    {RunSearch, CliCommand::Search, false, true},
+    {RunDrivers, CliCommand::Drivers, false, false},
+    {RunDoctor, CliCommand::Doctor, false, false},
+    {RunPrint, CliCommand::Print, true, true},
 };
 
 // The table is in the order of the commands.

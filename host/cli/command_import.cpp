@@ -110,7 +110,7 @@ ImportOutcome ImportOne(const CliContext& context, const std::string& file, cons
 // The copy that was written; empty when none was asked for, needed or possible.
 std::string MarkCopy(const CliContext& context, const FilesToImport& files, const ImportOutcome& outcome) {
     if (context.options.markedCopy.empty() || outcome.written || outcome.faults.empty()) return {};
-    const std::string target = MarkedCopyOf(outcome.file, files, context.options.markedCopy);
+    std::string target = MarkedCopyOf(outcome.file, files, context.options.markedCopy);
     // Of a folder it may be the copy that somebody is mending.
     if (const std::string why = exchange::WhyNotOverImported(files.files, target); !why.empty()) {
         Fail(context, "标错副本未能写入：" + why);

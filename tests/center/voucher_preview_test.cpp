@@ -31,8 +31,7 @@ TEST_F(VoucherPreviewTest, ThatItsSumsDifferIsOpenAndIsPrintedOnce) {
 
 TEST_F(VoucherPreviewTest, SumsThatAgreeLeaveNothingOpenOfThem) {
     Give(1, kDebit, "4321");
-    for (const std::string& question : Preview().Questions())
-        EXPECT_THAT(question, testing::Not(HasSubstr("借贷不平")));
+    EXPECT_THAT(Preview().Questions(), testing::Each(testing::Not(HasSubstr("借贷不平"))));
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ std::string Plain(const std::string& text) {
 // The file itself, whatever link leads to it.
 fs::path FileBehind(const std::string& source) {
     std::error_code failed;
-    const fs::path file = system::FileBehindLinks(system::PathFromUtf8(source), failed);
+    fs::path file = system::FileBehindLinks(system::PathFromUtf8(source), failed);
     if (failed) throw fs::filesystem_error("", failed);
     return file;
 }
