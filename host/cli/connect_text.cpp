@@ -47,7 +47,7 @@ std::string GivenPassword(const CliContext& context) {
     }
     context.streams.err << "密码 / password: " << std::flush;
     const system::HiddenTyping hidden;
-    const std::string password = FirstLine(context.streams.in);
+    std::string password = FirstLine(context.streams.in);
     context.streams.err << "\n";
     return password;
 }

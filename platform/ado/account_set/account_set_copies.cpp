@@ -51,7 +51,7 @@ void MustDiffer(const std::string& a, const std::string& b) {
 std::string WhyNotBackupTarget(const std::string& to) {
     if (!Exists(to)) return system::WhyNoPlaceForDatabase(to);
     // Asked first: a file that this process has open is refused there without being opened once more.
-    const std::string refusal = system::WhyNotWritable(to, {"备份文件", {system::kDatabaseHead}, {}});
+    std::string refusal = system::WhyNotWritable(to, {"备份文件", {system::kDatabaseHead}, {}});
     if (!refusal.empty()) return refusal;
     if (!engine::IsSealed(to, Options())) return "目标是账套或其他数据库文件，不是备份，不能覆盖：" + to;
     // That look has cleared what a process that was killed over the backup had left; what still stands there
