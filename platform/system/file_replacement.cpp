@@ -183,8 +183,7 @@ std::string WhyNoPlaceForDatabase(const std::string& target) {
     if (LengthOfName(file) + kLongestTail > kMostOfName)
         return "文件名太长，请另选文件名：" + PathToUtf8(file);
     if (!HasLogBeside(file)) return {};
-    return "旁边有以前的账套留下的日志（-wal、-"
-           "journal），其中可能有已保存的内容；请先移走，或放回原来的账套旁边：" +
+    return "旁边有以前的账套留下的日志（-wal、-journal），其中可能有已保存的内容；请先移走，或放回原来的账套旁边：" +
            PathToUtf8(file);
 }
 

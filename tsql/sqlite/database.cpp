@@ -123,8 +123,7 @@ const char* TextOf(FileState state) {
 }
 
 constexpr const char* kLogWithoutFile =
-    "账套文件不存在，旁边却有它的日志（-wal、-"
-    "journal），其中可能有已保存的内容；请先移走，或放回账套文件旁边";
+    "账套文件不存在，旁边却有它的日志（-wal、-journal），其中可能有已保存的内容；请先移走，或放回账套文件旁边";
 
 // The log of a file that has been moved away or deleted. SQLite removes it when a new file is begun there.
 bool IsLogWithoutFile(const std::string& path) {
