@@ -7,6 +7,7 @@
 #include "platform/system/file_dialog_flags.h"
 #include "platform/system/surroundings.h"
 #include "ui/look/dialog_frame.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/slot_guard.h"
 
@@ -81,7 +82,7 @@ AccountSetDialog::AccountSetDialog(AccountSetChoice& choice, QWidget* parent)
 }
 
 void AccountSetDialog::AddFile(const std::string& file) {
-    auto* item = new QListWidgetItem(ToQt(file).simplified(), files_);
+    auto* item = new QListWidgetItem(ui::ToSentence(file), files_);
     item->setData(kFileRole, ToQt(file));
     item->setToolTip(ui::ToolTipText(ToQt(file)));
 }
@@ -109,8 +110,8 @@ void AccountSetDialog::FileChosen() {
 void AccountSetDialog::ShowUsers() {
     users_->clear();
     for (const LedgerUser& user : choice_.Users()) {
-        QString text = QStringLiteral("%1　%2").arg(user.id).arg(ToQt(user.name).simplified());
-        if (!user.duty.empty()) text += QStringLiteral("（%1）").arg(ToQt(user.duty).simplified());
+        QString text = QStringLiteral("%1　%2").arg(user.id).arg(ui::ToSentence(user.name));
+        if (!user.duty.empty()) text += QStringLiteral("（%1）").arg(ui::ToSentence(user.duty));
         users_->addItem(text);
     }
     users_->setCurrentRow(users_->count() > 0 ? 0 : -1);

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/system/files.h"
 #include "tests/fakes/fake_surroundings.h"
 #include "tests/host/demo_set.h"
 
@@ -43,6 +44,17 @@ TEST_F(AccountSetDialogTest, ShowsTheLastSetWithItsUsersAndOpensItForTheChosenOn
     QTest::mouseClick(&Child<QPushButton>(dialog, "cmdOK"), Qt::LeftButton);
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
     EXPECT_THAT(surroundings.processes->started, ElementsAre(EndsWith(file + "\" --user 2 window")));
+}
+
+TEST_F(AccountSetDialogTest, AFilesNameCannotTurnTheDirectionOfText) {
+    const std::string turned = folder.Path("茶\u202Esav.vas");
+    std::filesystem::copy_file(system::PathFromUtf8(file), system::PathFromUtf8(turned));
+    AccountSetChoice::Remember(folder.Path(), turned);
+    AccountSetChoice choice(folder.Path());
+    AccountSetDialog dialog(choice);
+    EXPECT_TRUE(
+        Child<QListWidget>(dialog, "lstFiles").item(0)->text().endsWith(QStringLiteral("茶□sav.vas")));
+    EXPECT_EQ(Child<QListWidget>(dialog, "lstUsers").count(), 3);
 }
 
 TEST_F(AccountSetDialogTest, AFileFromElsewhereIsBrowsedForAndOneThatIsNoneSaysWhy) {

@@ -36,6 +36,17 @@ TEST_F(TitleTest, ANameWithQtsOwnSignForWhatIsNotSavedIsShownAsItStands) {
     EXPECT_EQ(Title(), "凭证模板 - A[*][*]B - 用户 16394");
 }
 
+TEST_F(TitleTest, ANameThatTurnsTheDirectionOfTextIsShownWithItsSigns) {
+    entry::PresetPropsString("UserID=16394;AcctName=茶\u202E礼;UserName=林\n晓\u2066岚;");
+    Open();
+    EXPECT_EQ(Title(), "凭证模板 - 茶□礼 - 林 晓□岚");
+    StatusLine line;
+    center::StatusState state;
+    state.hint = "编号 \u202E3";
+    line.SetState(state);
+    EXPECT_EQ(line.findChild<QLabel*>(QStringLiteral("lblHint"))->text().toStdString(), "编号 □3");
+}
+
 TEST_F(TitleTest, ASaveIsToldInTheStatusLineAsWell) {
     Open();
     ClickCell(1, 2);

@@ -138,7 +138,7 @@ void ImportPreviewDialog::AddFaults() {
             column += QStringLiteral("（%1 列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
         Put(*table, row,
             {fault.row > 0 ? QString::number(fault.row) : QString(), column, ToQt(fault.value),
-             ToQt(fault.reason).simplified()});
+             ToSentence(fault.reason)});
     }
     FitColumns(*table);
     pages_->addTab(table, QStringLiteral("异常（%1）").arg(preview_.faults.size()));

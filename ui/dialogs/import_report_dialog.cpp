@@ -72,7 +72,7 @@ QWidget* ImportReportDialog::MakeTable() {
             ToQt(exchange::ReportState(outcome)),     QString::number(outcome.lines),
             QString::number(outcome.faults.size()),   ToQt(exchange::ReportText(outcome))};
         for (int column = 0; column < texts.size(); ++column) {
-            auto* item = new QTableWidgetItem(InOneLine(texts[column].simplified()));
+            auto* item = new QTableWidgetItem(ToSentence(texts[column]));
             item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
             item->setToolTip(ToolTipText(texts[column]));
             if (!outcome.written) item->setForeground(QColor(colors::kRefusal));

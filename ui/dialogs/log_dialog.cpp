@@ -118,7 +118,7 @@ void LogDialog::ShowEntries() {
                                    ToQt(center::LogKindText(entry.kind)), ToQt(entry.text),
                                    ToQt(entry.counts)};
         for (int field = 0; field < kFieldCount; ++field) {
-            auto* item = new QTableWidgetItem(InOneLine(texts[field].simplified()));
+            auto* item = new QTableWidgetItem(ToSentence(texts[field]));
             item->setToolTip(ToolTipText(texts[field]));
             entries_->setItem(row, field, item);
         }

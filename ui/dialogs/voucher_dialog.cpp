@@ -34,7 +34,7 @@ VoucherDialog::VoucherDialog(const center::VoucherPreview& preview, center::VICe
     open->setObjectName(QStringLiteral("voucherQuestions"));
     open->setAccessibleName(QStringLiteral("待定的内容"));
     for (const std::string& question : questions)
-        open->addItem(ToQt(question).simplified());
+        open->addItem(ToSentence(question));
     open->setWordWrap(true);
     open->setVisible(!questions.empty());
 

@@ -18,6 +18,13 @@ inline QString ToQtLine(std::string_view text) {
 inline QString InOneLine(const QString& text) {
     return ToQtLine(FromQt(text));
 }
+// Names and sentences: what breaks or widens them is one blank, and nothing stands at their ends.
+inline QString ToSentence(const QString& text) {
+    return InOneLine(text.simplified());
+}
+inline QString ToSentence(std::string_view text) {
+    return ToSentence(ToQt(text));
+}
 
 // Lines parted for a text layout.
 inline QString ToPrintedLines(std::string_view text) {

@@ -60,14 +60,14 @@ QString TextOfReported(const center::ReportedFault& reported, int field) {
         case kRow:
             return Number(fault.row);
         case kColumn: {
-            const QString header = ToQt(fault.header).simplified();
+            const QString header = ToSentence(fault.header);
             if (fault.column == 0 || reported.kind == center::FaultSource::Template) return header;
             return header + QStringLiteral("（%1 列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
         }
         case kValue:
             return ToQtLine(fault.value);
         case kReason:
-            return InOneLine(ToQt(fault.reason).simplified());
+            return ToSentence(fault.reason);
         default:
             return SourceOf(reported);
     }
@@ -140,7 +140,7 @@ class FaultModel : public QAbstractTableModel {
             case kValue:
                 return ToQtLine(fault.value);
             case kReason:
-                return InOneLine(ToQt(fault.reason).simplified());
+                return ToSentence(fault.reason);
             default:
                 return QStringLiteral("当前模板");
         }

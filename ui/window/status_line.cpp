@@ -6,6 +6,7 @@
 #include <QToolTip>
 
 #include "ui/look/center_style.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
 
@@ -114,7 +115,7 @@ void StatusLine::ApplyColors() {
 }
 
 void StatusLine::SetState(const center::StatusState& state) {
-    hintText_ = ToQt(state.hint).simplified();
+    hintText_ = ToSentence(state.hint);
     unbalanced_->setText(
         state.unbalanced.empty() ? QString() : QStringLiteral("借贷不平：%1").arg(Join(state.unbalanced)));
     unbalanced_->setVisible(!state.unbalanced.empty());
@@ -139,7 +140,7 @@ void StatusLine::SetState(const center::StatusState& state) {
 
 void StatusLine::Flash(const QString& text) {
     if (text.isEmpty()) return;
-    flashText_ = text.simplified();
+    flashText_ = ToSentence(text);
     flash_.start();
     ShowHint();
 }
@@ -156,7 +157,7 @@ void StatusLine::TellDone(const QString& text, const QString& file) {
         if (!doneText_.isEmpty()) EndDone();
         return;
     }
-    doneText_ = text.simplified();
+    doneText_ = ToSentence(text);
     doneFile_ = file;
     done_.start();
     ShowHint();

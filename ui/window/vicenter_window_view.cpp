@@ -8,6 +8,7 @@
 #include "ui/dialogs/name_dialog.h"
 #include "ui/dialogs/replacement_dialog.h"
 #include "ui/dialogs/voucher_dialog.h"
+#include "ui/look/one_line.h"
 #include "ui/look/qt_text.h"
 #include "ui/print/sheet_painter.h"
 #include "ui/run/slot_guard.h"
@@ -53,7 +54,7 @@ void VICenterWindow::SetModified(const std::string& key, bool modified) {
 void VICenterWindow::SetAccount(const std::string& accountSet, const std::string& user) {
     account_.clear();
     for (const std::string& name : {accountSet, user}) {
-        if (!name.empty()) account_ += QStringLiteral(" - ") + ToQt(name).simplified();
+        if (!name.empty()) account_ += QStringLiteral(" - ") + ToSentence(name);
     }
     ShowTitle();
 }
