@@ -119,10 +119,9 @@ void WriteTemplate(const TemplateTarget& target, const std::string& batch, const
         entry::Tell("凭证模板生成失败！");
         return;
     }
-    result.outcome = {Outcome::Saved, id,
-                      store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>())};
-    result.message =
-        store::WithUnusableNote("凭证生成凭证模板 " + target.name + " 成功！", result.outcome.unusable);
+    result.outcome = {Outcome::Saved, id};
+    result.message = store::WithUnusableNote("凭证生成凭证模板 " + target.name + " 成功！",
+                                             store::ReadUnusableNumbers(templateId));
     entry::WriteOperationLog(entry::LogKind::Succeeded, "凭证模板-通过凭证生成模板 " + target.name + " 成功");
 }
 

@@ -92,8 +92,7 @@ void WriteBatch(ExchangeTarget& window, const ImportBatch& batch,
 void TellWritten(ExchangeTarget& window, ImportOutcome& outcome) {
     const auto unusable = store::ReadUnusableNumbers(std::to_string(outcome.templateId));
     window.RebuildTreeAndSelect(outcome.templateId);
-    outcome.told = store::WithUnusableNote("引入模板 " + outcome.templateName + " 成功！",
-                                           unusable.value_or(std::vector<std::string>()));
+    outcome.told = store::WithUnusableNote("引入模板 " + outcome.templateName + " 成功！", unusable);
     entry::Tell(outcome.told);
     entry::WriteOperationLog(entry::LogKind::Succeeded,
                              "凭证模板-引入模板 " + outcome.templateName + " 成功");

@@ -19,9 +19,20 @@ std::optional<std::vector<std::string>> ReadField(std::string_view field, const 
     return texts;
 }
 
+// What is to be known of the numbers of a template ("" for the one that is spoken of); "" when all are well.
+std::string UnusableNote(const std::string& whose, const UnusableNumbers& unusable) {
+    const std::string note = "注：" + whose;
+    if (!unusable) return note + "哪些编号无法在当前账套中使用未能读取，请重新打开凭证模板查看！";
+    if (unusable->empty()) return {};
+    std::string joined;
+    for (const std::string& number : *unusable)
+        joined.append(joined.empty() ? "" : "、").append(number);
+    return note + "编号为 " + joined + " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
+}
+
 }  // namespace
 
-std::optional<std::vector<std::string>> ReadUnusableNumbers(const std::string& templateId) {
+UnusableNumbers ReadUnusableNumbers(const std::string& templateId) {
     return ReadField("FNo", "select FNo from t_VchTpControl where FIsCanUsed = 0 and FID = " + templateId +
                                 " order by fno");
 }
@@ -33,13 +44,15 @@ std::optional<std::vector<std::string>> ReadTemplatesWithUnusableNumbers(const s
                          userId + " or b.FID = 0) order by a.FID");
 }
 
-std::string WithUnusableNote(std::string message, const std::vector<std::string>& unusable) {
-    if (unusable.empty()) return message;
-    std::string joined;
-    for (const std::string& number : unusable)
-        joined.append(joined.empty() ? "" : "、").append(number);
-    return message + entry::kCrLf + entry::kCrLf + "注：编号为 " + joined +
-           " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
+std::string WithUnusableNote(std::string message, const UnusableNumbers& unusable) {
+    const std::string note = UnusableNote("", unusable);
+    if (note.empty()) return message;
+    return message + entry::kCrLf + entry::kCrLf + note;
+}
+
+void AppendUnusableNote(std::string& message, const std::string& name, const UnusableNumbers& unusable) {
+    const std::string note = UnusableNote("模板 " + name + " ", unusable);
+    if (!note.empty()) message.append(entry::kCrLf).append(note);
 }
 
 }  // namespace vicenter::store

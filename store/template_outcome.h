@@ -23,22 +23,26 @@ struct TemplateOutcome {
         NotAsSeen,
     };
     State state = State::Failed;
-    std::int32_t id = 0;                     // the template that was written
-    std::vector<std::string> unusable = {};  // its numbers that cannot be used in this account set
-    std::string untold = {};                 // why nothing was written, where no message has said so
-    FoundTemplate found = {};                // of NotAsSeen: what there is instead
+    std::int32_t id = 0;       // the template that was written
+    std::string untold = {};   // why nothing was written, where no message has said so
+    FoundTemplate found = {};  // of NotAsSeen: what there is instead
 
     explicit operator bool() const { return state == State::Saved; }
 };
 
-// The numbers that the account set has marked unusable, ascending; nothing when they cannot be read.
-std::optional<std::vector<std::string>> ReadUnusableNumbers(const std::string& templateId);
+// Numbers that the account set has marked unusable, ascending; nothing when they cannot be read.
+using UnusableNumbers = std::optional<std::vector<std::string>>;
+
+UnusableNumbers ReadUnusableNumbers(const std::string& templateId);
 
 // The templates of a user, and the standard one, that have numbers marked unusable, ascending by id; nothing
 // when they cannot be read.
 std::optional<std::vector<std::string>> ReadTemplatesWithUnusableNumbers(const std::string& userId);
 
-// A message of success with the note about the unusable numbers below it, if there are any.
-std::string WithUnusableNote(std::string message, const std::vector<std::string>& unusable);
+// A message of success with the note about the unusable numbers below it, if there are any, or that they are
+// not known.
+std::string WithUnusableNote(std::string message, const UnusableNumbers& unusable);
+// The same of one among several templates, in a line of its own.
+void AppendUnusableNote(std::string& message, const std::string& name, const UnusableNumbers& unusable);
 
 }  // namespace vicenter::store

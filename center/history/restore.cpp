@@ -17,10 +17,9 @@ using State = store::TemplateOutcome::State;
 namespace {
 
 store::TemplateOutcome TellRestored(const std::string& id, const std::string& name) {
-    const auto unusable = store::ReadUnusableNumbers(id).value_or(std::vector<std::string>());
-    Tell(store::WithUnusableNote("模板 " + name + " 恢复成功！", unusable));
+    Tell(store::WithUnusableNote("模板 " + name + " 恢复成功！", store::ReadUnusableNumbers(id)));
     entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-恢复模板 " + name + " 成功");
-    return {State::Saved, automation::Variant(id).ToInt32(), unusable};
+    return {State::Saved, automation::Variant(id).ToInt32()};
 }
 
 store::TemplateOutcome TellFailed(const std::string& name, State state) {

@@ -29,14 +29,6 @@ std::string Joined(const std::vector<std::string>& texts, const char* separator)
     return joined;
 }
 
-// "模板 A 编号 1、2", of what the account set has marked since.
-void AppendUnusable(std::string& message, const std::string& templateId, const std::string& name) {
-    const auto unusable = store::ReadUnusableNumbers(templateId).value_or(std::vector<std::string>());
-    if (unusable.empty()) return;
-    message += std::string(entry::kCrLf) + "注：模板 " + name + " 编号为 " + Joined(unusable, "、") +
-               " 的凭证模板存在异常(标红)，无法在当前账套中使用！";
-}
-
 void Log(LogKind kind, const std::string& text) {
     entry::WriteOperationLog(kind, "凭证模板-" + text);
 }
@@ -150,7 +142,7 @@ bool CodeReplacement::Send(std::vector<std::string>& told) {
         all += rows;
         Log(done ? LogKind::Succeeded : LogKind::Failed,
             "替换代码 " + stored.name + (done ? " 成功，" + std::to_string(rows) + " 行" : " 失败"));
-        if (done) AppendUnusable(notes, stored.id, stored.name);
+        if (done) store::AppendUnusableNote(notes, stored.name, store::ReadUnusableNumbers(stored.id));
     }
     told.insert(told.begin(), done ? "替换成功：" + std::to_string(sent.targets.size()) + " 个模板，" +
                                          std::to_string(all) + " 行。" + notes
@@ -232,7 +224,7 @@ bool CodeReplacement::UndoLast(const std::string& userId) {
     std::string notes;
     for (std::size_t i = 0; i < open.size(); ++i) {
         Log(done ? LogKind::Succeeded : LogKind::Failed, "撤消替换 " + names[i] + (done ? " 成功" : " 失败"));
-        if (done) AppendUnusable(notes, open[i]->templateId, names[i]);
+        if (done) store::AppendUnusableNote(notes, names[i], store::ReadUnusableNumbers(open[i]->templateId));
     }
     Tell(done ? "撤消成功：" + std::to_string(open.size()) + " 个模板。" + notes : why);
     return done;

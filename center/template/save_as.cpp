@@ -50,10 +50,10 @@ store::TemplateOutcome SaveLinesAs(const EntryGrid& grid, int rowCount, const st
     }
     const std::int32_t id = store::clsVIData().FindVchTemplate(name, userId);
     if (id < 0) return TellFailed(name, State::SavedUntold);
-    const auto unusable = store::ReadUnusableNumbers(std::to_string(id)).value_or(std::vector<std::string>());
-    Tell(store::WithUnusableNote("模板 " + name + " 保存成功！", unusable));
+    Tell(store::WithUnusableNote("模板 " + name + " 保存成功！",
+                                 store::ReadUnusableNumbers(std::to_string(id))));
     entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-另存模板 " + name + " 成功");
-    return {State::Saved, id, unusable};
+    return {State::Saved, id};
 }
 
 }  // namespace vicenter::center

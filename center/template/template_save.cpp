@@ -91,7 +91,7 @@ store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const S
         store::KeptVersions before({seen}, store::HistoryCommand::Save);
         const bool asked = before.InTheWay() == Obstacle::NotAsSeen;
         if (asked && before.Found().back().fate != TemplateFate::Unknown)
-            return {State::NotAsSeen, 0, {}, {}, before.Found().back()};
+            return {State::NotAsSeen, 0, {}, before.Found().back()};
         if (!before.MayWrite()) {
             if (!asked && !store::StoppableCommand::IsStopped()) Tell(before.WhyNot("没有保存"));
             TellSaveFailed(seen.name);
@@ -116,9 +116,9 @@ store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const S
             return {State::Saved, automation::Variant(seen.id).ToInt32()};
         }
         if (!unusable) throw Error(automation::error_number::kObjectVariableNotSet);
-        Tell(store::WithUnusableNote("模板 " + seen.name + " 保存成功！", *unusable));
+        Tell(store::WithUnusableNote("模板 " + seen.name + " 保存成功！", unusable));
         entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + seen.name + " 成功");
-        return {stored ? State::Saved : State::Refused, automation::Variant(seen.id).ToInt32(), *unusable};
+        return {stored ? State::Saved : State::Refused, automation::Variant(seen.id).ToInt32()};
     } catch (const Error&) {
         TellSaveFailed(seen.name);
         return {stored ? State::SavedUntold : State::Failed};

@@ -68,6 +68,14 @@ TEST_F(GenerateTest, ReportsTheNumbersThatCannotBeUsed) {
               "的凭证模板存在异常(标红)，无法在当前账套中使用！");
 }
 
+TEST_F(GenerateTest, NumbersThatCannotBeReadAreNotPassedForUsable) {
+    ExistsAfterTheBatch(set_, 9);
+    set_.Fail("FIsCanUsed = 0", "no answer");
+    EXPECT_EQ(Generate(request_).message,
+              "凭证生成凭证模板 三月 成功！\r\n\r\n注：哪些编号无法在当前账套中使用未能读取，"
+              "请重新打开凭证模板查看！");
+}
+
 TEST_F(GenerateTest, InputProblemsStopBeforeAnything) {
     request_.filter.year = "";
     EXPECT_FALSE(Generate(request_).outcome);

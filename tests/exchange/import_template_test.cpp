@@ -260,6 +260,14 @@ TEST_F(ImportTest, NotesTheNumbersThatCannotBeUsed) {
                                 "无法在当前账套中使用！"});
 }
 
+TEST_F(ImportTest, NumbersThatCannotBeReadAreNotPassedForUsable) {
+    set_.Fail("from t_VchTpControl where FIsCanUsed", "no answer");
+    EXPECT_TRUE(ImportRowsOf({kShortHeaders, {"#1", "a", "借", "1", "n"}}));
+    EXPECT_EQ(Messages().back(),
+              "引入模板 甲's 成功！\r\n\r\n注：哪些编号无法在当前账套中使用未能读取，"
+              "请重新打开凭证模板查看！");
+}
+
 TEST_F(ImportTest, TakesTheColumnsInAnyOrder) {
     EXPECT_TRUE(
         ImportRowsOf({{"科目名称(*)", "借／贷（*）", " 摘要(*) ", "模板编号(*)", "科目代码(*)", "金额"},

@@ -28,11 +28,27 @@ TEST_F(StoreTest, NoUnusableNumberIsNotTheSameAsNoAnswer) {
 }
 
 TEST(UnusableNote, StandsBelowTheMessageAndNamesTheNumbers) {
-    EXPECT_EQ(WithUnusableNote("成功！", {}), "成功！");
-    EXPECT_EQ(WithUnusableNote("成功！", {"3"}),
+    EXPECT_EQ(WithUnusableNote("成功！", Statements()), "成功！");
+    EXPECT_EQ(WithUnusableNote("成功！", Statements{"3"}),
               "成功！\r\n\r\n注：编号为 3 的凭证模板存在异常(标红)，无法在当前账套中使用！");
-    EXPECT_EQ(WithUnusableNote("成功！", {"3", "12"}),
+    EXPECT_EQ(WithUnusableNote("成功！", Statements{"3", "12"}),
               "成功！\r\n\r\n注：编号为 3、12 的凭证模板存在异常(标红)，无法在当前账套中使用！");
+}
+
+TEST(UnusableNote, WhatCouldNotBeReadIsNotPassedForUsable) {
+    EXPECT_EQ(WithUnusableNote("成功！", std::nullopt),
+              "成功！\r\n\r\n注：哪些编号无法在当前账套中使用未能读取，请重新打开凭证模板查看！");
+}
+
+TEST(UnusableNote, NamesTheTemplateAmongSeveral) {
+    std::string told = "已替换";
+    AppendUnusableNote(told, "甲", Statements());
+    EXPECT_EQ(told, "已替换");
+    AppendUnusableNote(told, "乙", Statements{"3"});
+    AppendUnusableNote(told, "丙", std::nullopt);
+    EXPECT_EQ(told,
+              "已替换\r\n注：模板 乙 编号为 3 的凭证模板存在异常(标红)，无法在当前账套中使用！"
+              "\r\n注：模板 丙 哪些编号无法在当前账套中使用未能读取，请重新打开凭证模板查看！");
 }
 
 }  // namespace
