@@ -9,6 +9,7 @@ namespace vicenter::office {
 
 namespace {
 
+constexpr std::string_view kOldVersion = "不支持 Excel 95 及更早版本的文件";
 constexpr std::string_view kAdvice = "，请用 Excel 打开后另存为“Excel 工作簿（.xlsx）”！";
 
 bool Holds(const std::string& text, std::string_view part) {
@@ -41,7 +42,7 @@ bool IsText(std::string_view head) {
 
 std::string WhyNoWorkbook(std::string_view head) {
     if (head.empty()) return "文件是空的，没有任何内容！";
-    if (IsOldStream(head)) return "不支持 Excel 95 及更早版本的文件！";
+    if (IsOldStream(head)) return std::string(kOldVersion) + std::string(kAdvice);
     if (std::all_of(head.begin(), head.end(), [](char c) { return c == '\0'; })) {
         return "文件内容全部为零，可能没有下载或复制完，请重新取得该文件！";
     }
@@ -73,11 +74,12 @@ void FailOtherDocument(const std::string& what) {
 }
 
 void FailEncrypted() {
-    throw automation::Error(kExcelError, "文件已加密，无法打开！");
+    throw automation::Error(kExcelError,
+                            "文件已加密，请在 Excel 中取消打开密码（xls 文件还有工作簿保护）后另存！");
 }
 
 void FailOldVersion() {
-    throw automation::Error(kExcelError, "不支持 Excel 95 及更早版本的文件！");
+    throw automation::Error(kExcelError, std::string(kOldVersion) + std::string(kAdvice));
 }
 
 void FailTruncated() {

@@ -101,9 +101,9 @@ TEST_F(CompoundFile, OtherStreamsAreToldApart) {
     WriteStream(Content(5000), 5000, "WORKBOOK");
     EXPECT_EQ(Fault(), "");
     WriteStream(Content(5000), 5000, "EncryptedPackage");
-    EXPECT_EQ(Fault(), "文件已加密，无法打开！");
+    EXPECT_EQ(Fault(), "文件已加密，请在 Excel 中取消打开密码（xls 文件还有工作簿保护）后另存！");
     WriteStream(Content(5000), 5000, "Book");
-    EXPECT_EQ(Fault(), "不支持 Excel 95 及更早版本的文件！");
+    EXPECT_EQ(Fault(), "不支持 Excel 95 及更早版本的文件，请用 Excel 打开后另存为“Excel 工作簿（.xlsx）”！");
     WriteStream(Content(5000), 5000, "Picture");
     EXPECT_EQ(Fault(), "文件已损坏或不是有效的 Excel 文件：缺少工作簿");
 }

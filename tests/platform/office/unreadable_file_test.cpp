@@ -59,8 +59,9 @@ TEST_F(UnreadableFile, IsNamedForWhatItIs) {
 }
 
 TEST_F(UnreadableFile, OfOldVersionsAndEncryptedOnesAreTold) {
-    const std::string old = "不支持 Excel 95 及更早版本的文件！";
-    const std::string encrypted = "文件已加密，无法打开！";
+    const std::string old =
+        "不支持 Excel 95 及更早版本的文件，请用 Excel 打开后另存为“Excel 工作簿（.xlsx）”！";
+    const std::string encrypted = "文件已加密，请在 Excel 中取消打开密码（xls 文件还有工作簿保护）后另存！";
     EXPECT_EQ(ReasonOf("\x09\x04\x06\0\0\0\x10\0"s), old);
     EXPECT_EQ(ReasonOf("\x09\x08\x08\0\0\x05\x05\0"s), old);
     XlsParts parts;
