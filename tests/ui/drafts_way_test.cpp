@@ -111,6 +111,7 @@ TEST_F(DraftsWay, AWindowClosedByItsFrameLeavesADraftThatTheNextOneOffers) {
     EXPECT_THAT(Drafts(), IsEmpty());
 }
 
+#ifndef _WIN32  // where links take rights of their own and a folder stays that has an open file
 TEST_F(DraftsWay, ADraftIsThatOfTheFileByWhateverLinkItIsOpened) {
     const std::string itself = file;
     file = folder.Path("link.vas");
@@ -149,6 +150,7 @@ TEST_F(DraftsWay, TheFrameStaysWhenWhatWasTypedCanBeKeptNowhere) {
     CloseTheFrame();
     EXPECT_EQ(Drafts().size(), 1U);
 }
+#endif
 
 TEST_F(DraftsWay, ADraftOfATemplateThatWasRenamedElsewhereIsRestoredIntoIt) {
     OpenAndTell();

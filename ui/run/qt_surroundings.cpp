@@ -1,7 +1,6 @@
 #include "ui/run/qt_surroundings.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFileIconProvider>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -16,6 +15,7 @@
 #include "platform/system/file_dialog_flags.h"
 #include "platform/system/unanswered.h"
 #include "ui/look/dialog_frame.h"
+#include "ui/look/qt_path.h"
 #include "ui/look/qt_text.h"
 #include "ui/run/long_work.h"
 #include "ui/run/window_call.h"
@@ -69,9 +69,9 @@ class SavingDialog : public QFileDialog {
         const QStringList files = selectedFiles();
         const QString folder = files.isEmpty() ? QString() : QFileInfo(files.constFirst()).absolutePath();
         if (pathMustExist_ && !folder.isEmpty() && !QFileInfo(folder).isDir()) {
-            QtMessageBoxes().Show(
-                FromQt(QStringLiteral("文件夹不存在，请重新输入文件名！\r\n\r\n%1").arg(folder)),
-                system::MessageButtons::Ok, system::MessageIcon::Information, entry::kMessageTitle);
+            QtMessageBoxes().Show("文件夹不存在，请重新输入文件名！\r\n\r\n" + PathFromQt(folder),
+                                  system::MessageButtons::Ok, system::MessageIcon::Information,
+                                  entry::kMessageTitle);
             return;
         }
         QFileDialog::accept();
@@ -81,14 +81,9 @@ class SavingDialog : public QFileDialog {
     bool pathMustExist_;
 };
 
-// Users read and hosts take paths as their system writes them; Qt has slashes everywhere.
-std::string AsTheSystemWritesIt(const QString& path) {
-    return FromQt(QDir::toNativeSeparators(path));
-}
-
 std::optional<std::string> Chosen(QFileDialog& dialog) {
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-    return AsTheSystemWritesIt(dialog.selectedFiles().constFirst());
+    return PathFromQt(dialog.selectedFiles().constFirst());
 }
 
 // "xls" of "*.xls"; empty for "*.*" and for patterns of several kinds.
@@ -295,7 +290,7 @@ std::vector<std::string> QtFileDialogs::ChooseFilesToOpen(const system::FileRequ
     std::vector<std::string> chosen;
     if (dialog.exec() != QDialog::Accepted) return chosen;
     for (const QString& file : dialog.selectedFiles())
-        chosen.push_back(AsTheSystemWritesIt(file));
+        chosen.push_back(PathFromQt(file));
     return chosen;
 }
 

@@ -14,6 +14,7 @@
 
 #include "ui/grid/key_codes.h"
 #include "ui/grid/rows_badge.h"
+#include "ui/look/qt_path.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
 #include "ui/look/twips.h"
@@ -45,7 +46,7 @@ std::vector<std::string> DroppedWorkbooks(const QMimeData& data) {
         const bool workbook = file.endsWith(QLatin1String(".xls"), Qt::CaseInsensitive) ||
                               file.endsWith(QLatin1String(".xlsx"), Qt::CaseInsensitive);
         if (!workbook) return {};
-        files.push_back(FromQt(file));
+        files.push_back(PathFromQt(file));
     }
     return files;
 }
