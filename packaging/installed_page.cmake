@@ -1,0 +1,40 @@
+# A page as it is installed: links lead where the package has what they name, and are plain words where it has not.
+#
+#   cmake -DSOURCE=FOLDER -DPAGE=docs/x.md -DPLACES=README.md=README.md|docs/x.md=x.md|… -DOUT=FILE -P installed_page.cmake
+#
+# PLACES: what is installed, by its place in the sources and its place beside the page.
+cmake_minimum_required(VERSION 3.25)
+
+file(READ "${SOURCE}/${PAGE}" rest)
+get_filename_component(folder "${PAGE}" DIRECTORY)
+string(REPLACE "|" ";" places "${PLACES}")
+set(page "")
+while(TRUE)
+  string(REGEX MATCH "\\[[^]\n]*\\]\\([^)\n]+\\)" link "${rest}")
+  if(link STREQUAL "")
+    break()
+  endif()
+  string(FIND "${rest}" "${link}" at)
+  string(LENGTH "${link}" length)
+  string(SUBSTRING "${rest}" 0 ${at} before)
+  math(EXPR behind "${at} + ${length}")
+  string(SUBSTRING "${rest}" ${behind} -1 rest)
+  string(REGEX REPLACE "^\\[([^]]*)\\]\\(.*$" "\\1" words "${link}")
+  string(REGEX REPLACE "^\\[[^]]*\\]\\(([^)#]*)(#?[^)]*)\\)$" "\\1" target "${link}")
+  set(anchor "${CMAKE_MATCH_2}")
+  if(NOT target STREQUAL "" AND NOT target MATCHES "^[a-z]+:")
+    cmake_path(SET source NORMALIZE "${folder}/${target}")
+    cmake_path(IS_ABSOLUTE source absolute)
+    if(absolute)  # of a page at the top
+      cmake_path(SET source NORMALIZE "${target}")
+    endif()
+    set(link "${words}")
+    foreach(place IN LISTS places)
+      if(place MATCHES "^([^=]*)=(.*)$" AND CMAKE_MATCH_1 STREQUAL source)
+        set(link "[${words}](${CMAKE_MATCH_2}${anchor})")
+      endif()
+    endforeach()
+  endif()
+  string(APPEND page "${before}${link}")
+endwhile()
+file(WRITE "${OUT}" "${page}${rest}")
