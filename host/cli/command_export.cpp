@@ -15,6 +15,7 @@
 #include "platform/system/collation.h"
 #include "platform/system/file_names.h"
 #include "platform/system/files.h"
+#include "platform/system/path_in.h"
 
 namespace vicenter::host {
 
@@ -98,7 +99,7 @@ int RunExport(const CliContext& context) {
         const std::vector<std::string> files = FileNamesOf(templates);
         for (std::size_t i = 0; i < templates.size(); ++i) {
             takeOne(templates[i],
-                    PathToUtf8(PathFromUtf8(options.exportFolder) / PathFromUtf8(files[i] + ".xlsx")));
+                    PathToUtf8(system::PathIn(PathFromUtf8(options.exportFolder), files[i] + ".xlsx")));
         }
     }
     return FinishSpeaking(context, ok, written);

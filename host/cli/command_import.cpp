@@ -17,6 +17,7 @@
 #include "host/cli/templates.h"
 #include "host/cli/windowless_template.h"
 #include "platform/system/files.h"
+#include "platform/system/path_in.h"
 
 namespace vicenter::host {
 
@@ -39,7 +40,7 @@ void AddReasons(ConsoleMessages& messages, const ImportOutcome& outcome) {
 std::string MarkedCopyOf(const std::string& file, const FilesToImport& files, const std::string& given) {
     if (!files.folder) return given;
     const std::string name = PathToUtf8(PathFromUtf8(exchange::MarkedCopyName(file)).filename());
-    return PathToUtf8(PathFromUtf8(given) / PathFromUtf8(name));
+    return PathToUtf8(system::PathIn(PathFromUtf8(given), name));
 }
 
 // What became of the files, for the end of the command.

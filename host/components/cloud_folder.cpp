@@ -6,11 +6,13 @@
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
 #include "platform/system/line_file.h"
+#include "platform/system/path_in.h"
 
 namespace vicenter::host {
 
 namespace fs = std::filesystem;
 using system::PathFromUtf8;
+using system::PathIn;
 
 namespace {
 
@@ -27,6 +29,12 @@ bool IsPlainName(std::string_view name) {
     });
 }
 
+// Of long paths and of others the parts can be compared.
+fs::path Plain(const fs::path& path) {
+    const std::string text = system::PathToUtf8(path);
+    return std::u8string(text.begin(), text.end());
+}
+
 }  // namespace
 
 CloudFolder::CloudFolder(const std::string& place) : place_(PathFromUtf8(place)) {}
@@ -38,7 +46,7 @@ std::string CloudFolder::Index() const {
 std::optional<fs::path> CloudFolder::PlaceOf(std::int32_t id) const {
     std::optional<fs::path> found;
     system::ForEachLine(Index(), [&](std::string_view line, std::size_t at) {
-        if (kFirstId + static_cast<std::int32_t>(at) == id) found = place_ / PathFromUtf8(line);
+        if (kFirstId + static_cast<std::int32_t>(at) == id) found = PathIn(place_, line);
         return !found;
     });
     return found;
@@ -48,14 +56,16 @@ std::optional<fs::path> CloudFolder::Below(std::int32_t user, std::int32_t paren
                                            std::string_view name) const {
     if (!IsPlainName(name)) return std::nullopt;
     const fs::path own = place_ / std::to_string(user);
-    if (parent == 0) return own / PathFromUtf8(name);
+    if (parent == 0) return PathIn(own, name);
     const auto folder = PlaceOf(parent);
     std::error_code failed;
     if (!folder || !fs::is_directory(*folder, failed)) return std::nullopt;
     // A folder of somebody else is no parent.
-    const auto [end, ignored] = std::mismatch(own.begin(), own.end(), folder->begin(), folder->end());
-    if (end != own.end()) return std::nullopt;
-    return *folder / PathFromUtf8(name);
+    const fs::path mine = Plain(own);
+    const fs::path theirs = Plain(*folder);
+    const auto [end, ignored] = std::mismatch(mine.begin(), mine.end(), theirs.begin(), theirs.end());
+    if (end != mine.end()) return std::nullopt;
+    return PathIn(*folder, name);
 }
 
 std::int32_t CloudFolder::IdOf(const fs::path& path) {
@@ -99,7 +109,7 @@ std::optional<std::int32_t> CloudFolder::PutFile(std::int32_t folder, const std:
     const auto path = PlaceOf(folder);
     std::error_code failed;
     if (!path || !IsPlainName(name) || !fs::is_directory(*path, failed)) return std::nullopt;
-    const fs::path target = *path / PathFromUtf8(name);
+    const fs::path target = PathIn(*path, name);
     try {
         system::ReplaceWithCopy(file, system::PathToUtf8(target));
     } catch (const automation::Error&) {

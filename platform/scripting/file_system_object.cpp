@@ -7,6 +7,7 @@
 #include "platform/scripting/dictionary.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
+#include "platform/system/path_in.h"
 #include "platform/system/surroundings.h"
 
 namespace vicenter::scripting {
@@ -117,7 +118,7 @@ const MemberTable<FileEntry>& FileEntry::Members() {
 
 std::string FileSystemObject::BuildPath(const std::string& folder, const std::string& name) {
     if (folder.empty() || IsSeparator(folder.back())) return folder + name;
-    return PathToUtf8(PathFromUtf8(folder) / PathFromUtf8(name));
+    return PathToUtf8(system::PathIn(PathFromUtf8(folder), name));
 }
 
 std::string FileSystemObject::GetFileName(const std::string& path) {

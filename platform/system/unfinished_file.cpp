@@ -9,6 +9,7 @@
 #include "automation/quietly.h"
 #include "platform/system/files.h"
 #include "platform/system/os.h"
+#include "platform/system/path_in.h"
 #include "platform/system/surroundings.h"
 
 namespace vicenter::system {
@@ -24,7 +25,7 @@ constexpr std::string_view kMark = ".mark";
 fs::path MarkOf(const fs::path& file) {
     const std::string name = PathToUtf8(file.filename());
     const std::string core = name.starts_with(kHead) ? name.substr(kHead.size()) : name;
-    return file.parent_path() / PathFromUtf8(std::string(kHead) + core + std::string(kMark));
+    return PathIn(file.parent_path(), std::string(kHead) + core + std::string(kMark));
 }
 
 // Only names that this program gives: its own parts and `T_<GUID>` with any extension.
@@ -74,7 +75,7 @@ std::string UnfinishedFile::NewPath(const std::string& folder) {
     std::string unique = Surroundings::OfSystem().guids->New().value_or(std::string());
     std::erase_if(unique, [](char c) { return c == '{' || c == '}'; });
     if (unique.empty()) unique = std::to_string(os::ProcessId()) + "-" + std::to_string(++count);
-    return PathToUtf8(PathFromUtf8(folder) / PathFromUtf8(std::string(kHead) + unique + std::string(kPart)));
+    return PathToUtf8(PathIn(PathFromUtf8(folder), std::string(kHead) + unique + std::string(kPart)));
 }
 
 void RemoveLeftBehind(const std::string& folder) {
@@ -84,13 +85,13 @@ void RemoveLeftBehind(const std::string& folder) {
         if (name.starts_with(kHead) && name.ends_with(kMark)) marks.push_back(std::move(name));
     }
     for (const std::string& mark : marks) {
-        const std::string path = PathToUtf8(place / PathFromUtf8(mark));
+        const std::string path = PathToUtf8(PathIn(place, mark));
         const auto held = os::HeldFile::Take(path);
         if (!held) continue;
         const std::string core = mark.substr(kHead.size(), mark.size() - kHead.size() - kMark.size());
         if (IsOurs(core)) {
             const std::string name = core.ends_with(kPart) ? std::string(kHead) + core : core;
-            if (!Remove(place / PathFromUtf8(name))) continue;
+            if (!Remove(PathIn(place, name))) continue;
         }
         std::error_code ignored;
         fs::remove(PathFromUtf8(path), ignored);

@@ -134,6 +134,16 @@ def faults_of_paths(files):
             if path not in OWN_PATHS and ABSOLUTE.search(line.split("//")[0])]
 
 
+JOINED = re.compile(r"/ (system::)?PathFromUtf8\(")
+
+
+def faults_of_joins(files):
+    """Names that are made paths of their own before they are joined with their folder's."""
+    return [f"{path}:{number} wants PathIn(): {line.strip()}"
+            for path, text in sorted(files.items()) for number, line in enumerate(text.splitlines(), 1)
+            if JOINED.search(line.split("//")[0])]
+
+
 ROW = re.compile(r"\| `([\w/]+)/` \| (.*) \| (.*) \|$")
 NAMED = re.compile(r"`([\w./-]+)`")
 
@@ -240,6 +250,11 @@ class Project(unittest.TestCase):
         self.assertEqual(len(faults_of_paths({"a.cpp": "x = fs::absolute(y);\nif (p.is_absolute()) f();\nWholePath(y, z);"})), 2)
         files = self.sources({folder.split("/")[0] for folder, _, _ in self.floors})
         self.assertEqual(faults_of_paths(files), [])
+
+    def test_names_are_joined_with_their_folders_by_what_knows_long_ones(self):
+        self.assertEqual(len(faults_of_joins({"a.cpp": "x = a / PathFromUtf8(b);\nPathIn(a, b);\ny / system::PathFromUtf8(c);"})), 2)
+        files = self.sources({folder.split("/")[0] for folder, _, _ in self.floors})
+        self.assertEqual(faults_of_joins(files), [])
 
     def test_every_folder_of_sources_is_in_the_map(self):
         folders = {path.rpartition("/")[0] for path in self.sources({folder.split("/")[0] for folder, _, _ in self.floors})}

@@ -18,6 +18,7 @@
 #include "platform/system/file_names.h"
 #include "platform/system/file_replacement.h"
 #include "platform/system/files.h"
+#include "platform/system/path_in.h"
 #include "platform/system/running.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/whole_path.h"
@@ -149,7 +150,7 @@ bool DraftStore::Write(Draft draft) {
     for (const Place& place : Places()) {
         std::error_code ignored;
         fs::create_directories(place.folder, ignored);
-        std::string written = system::PathToUtf8(place.folder / system::PathFromUtf8(place.head + name));
+        std::string written = system::PathToUtf8(system::PathIn(place.folder, place.head + name));
         if (!WriteWhole(written, text)) continue;
         if (written != file_) Remove();
         file_ = std::move(written);
@@ -175,7 +176,7 @@ std::vector<FoundDraft> DraftStore::LeftBehind() const {
         for (const std::string& name : system::NamesIn(system::PathToUtf8(place.folder))) {
             if (!name.starts_with(head) || !name.ends_with(kTail)) continue;
             if (!IsTemplateAndWindow(std::string_view(name).substr(head.size()))) continue;
-            const fs::path path = place.folder / system::PathFromUtf8(name);
+            const fs::path path = system::PathIn(place.folder, name);
             std::string file = system::PathToUtf8(path);
             std::optional<Draft> draft = DecodeDraft(ReadWhole(path));
             if (!draft || draft->userId != userId_) continue;

@@ -5,6 +5,7 @@
 
 #include "automation/error.h"
 #include "platform/system/file_names.h"
+#include "platform/system/path_in.h"
 #include "platform/system/whole_path.h"
 #include "tests/platform/system/file_replacement_fixture.h"
 
@@ -76,11 +77,14 @@ TEST_F(FileReplacementTest, NamesOfLogsAreNoNamesOfFiles) {
 }
 
 TEST_F(FileReplacementTest, ADatabaseWhoseLogsFindNoNameIsNotMovedThere) {
-    const std::string longest = folder_.File(std::string(243, 'x') + ".vas");
+    const auto named = [this](std::size_t length) {
+        return PathToUtf8(PathIn(folder_.Path(), std::string(length, 'x') + ".vas"));
+    };
+    const std::string longest = named(243);
     EXPECT_EQ(WhyNoPlaceForDatabase(longest), "");
     Replace(longest, kDatabase);
     EXPECT_EQ(Read(longest), kDatabase);
-    const std::string longer = folder_.File(std::string(244, 'x') + ".vas");
+    const std::string longer = named(244);
     EXPECT_EQ(WhyNoPlaceForDatabase(longer), "文件名太长，请另选文件名：" + longer);
     EXPECT_THROW(Replace(longer, kDatabase), automation::Error);
     EXPECT_FALSE(fs::exists(PathFromUtf8(longer)));
