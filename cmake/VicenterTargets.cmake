@@ -123,3 +123,10 @@ function(vicenter_window_plugins name)
     INCLUDE_BY_TYPE platforms Qt6::QWindowsIntegrationPlugin Qt6::QOffscreenIntegrationPlugin
     EXCLUDE_BY_TYPE imageformats generic)
 endfunction()
+
+# Tests of what is otherwise where there are windows: `ctest --label-regex qt` runs them alone.
+function(vicenter_label_qt)
+  foreach(test ${ARGN})
+    set_property(TEST ${test} APPEND PROPERTY LABELS qt)
+  endforeach()
+endfunction()
