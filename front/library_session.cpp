@@ -12,6 +12,7 @@
 #include "front/include/vicenter/vicenter.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/odbc/odbc_provider.h"
+#include "platform/com/client_calls.h"
 #include "platform/office/excel_server.h"
 #include "platform/system/thread_value.h"
 #include "store/component_classes.h"
@@ -142,6 +143,10 @@ LibrarySession& LibrarySession::Enter() {
     return *Current();
 }
 
+bool LibrarySession::IsUnderWay() const {
+    return calls_ != 0 || com::ClientCallsUnderWay() != 0 || windows_->IsUnderWay();
+}
+
 void LibrarySession::End() {
     {
         const std::lock_guard guard(Lock());
@@ -149,8 +154,7 @@ void LibrarySession::End() {
     }
     LibrarySession& session = Enter();
     Ending ending(session);
-    if (session.calls_ != 0 || session.windows_->IsUnderWay())
-        Refuse("The template center cannot be shut down while a call is under way.");
+    if (session.IsUnderWay()) Refuse("The template center cannot be shut down while a call is under way.");
     session.windows_->CloseAll();
     if (session.windows_->OpenWindows() != 0) Refuse("A template center window is still open.");
     for (int round = 0; round < kMostRounds && HasThingsOfHost(); ++round)
@@ -165,8 +169,8 @@ bool LibrarySession::EndIfUnused() {
         const std::lock_guard guard(Lock());
         if (Current() == nullptr) return !IsGoing();
         Current()->TakeOver();
-        if (Current()->IsElsewhere() || Current()->calls_ != 0 || Current()->ending_ || HasThingsOfHost() ||
-            Current()->windows_->OpenWindows() != 0 || Current()->windows_->IsUnderWay())
+        if (Current()->IsElsewhere() || Current()->IsUnderWay() || Current()->ending_ || HasThingsOfHost() ||
+            Current()->windows_->OpenWindows() != 0)
             return false;
     }
     End();

@@ -27,7 +27,7 @@ class LibrarySession {
 
     WindowLoop& Windows() { return *windows_; }
 
-    // Counts the calls under way on the session's thread.
+    // Counts the calls under way on the session's thread, but for those by COM, which counts its own.
     class CallScope;
 
     LibrarySession();
@@ -42,6 +42,8 @@ class LibrarySession {
     void Belong();
     // The thread that it belongs to is another one, which lives.
     bool IsElsewhere() const;
+    // A call has not come back yet: of the host's, by the C interface or by COM, or of a window.
+    bool IsUnderWay() const;
     // Where that one has ended this thread goes on; it calls no more, and the host's things are still good.
     void TakeOver();
 

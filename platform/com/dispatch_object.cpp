@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/com/client_calls.h"
 #include "platform/com/com_error.h"
 #include "platform/com/com_object.h"
 #include "platform/com/com_value.h"
@@ -25,6 +26,15 @@ using automation::Variant;
 namespace {
 
 std::atomic<long> live{0};
+std::atomic<long> underWay{0};
+
+class UnderWay {
+  public:
+    UnderWay() { ++underWay; }
+    UnderWay(const UnderWay&) = delete;
+    UnderWay& operator=(const UnderWay&) = delete;
+    ~UnderWay() { --underWay; }
+};
 
 // The ids of arguments' names are those of members of the same name, from here on. Below it an id is the
 // argument's place, as a type library has it.
@@ -189,6 +199,7 @@ class DispatchObject final : public ComObject<IDispatch, ISupportErrorInfo> {
         if (!OnOwnThread()) return RPC_E_WRONG_THREAD;
         // A call may give back the last share in this very object.
         const auto self = ComPointer<DispatchObject>::Sharing(this);
+        const UnderWay scope;
         return Guarded(info, [&]() -> HRESULT {
             if (result != nullptr) VariantInit(result);
             if (member == DISPID_NEWENUM) return NewEnum(result);
@@ -261,6 +272,10 @@ void AnswerAlsoAs(std::span<const EarlyInterface> interfaces) {
 
 long LiveDispatches() {
     return live;
+}
+
+long ClientCallsUnderWay() {
+    return underWay;
 }
 
 }  // namespace vicenter::com

@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <deque>
+#include <memory>
+#include <set>
 #include <thread>
 
+#include "automation/member_table.h"
+#include "front/include/vicenter/vicenter.h"
 #include "front/include/vicenter/vicenter_com.h"
 #include "tests/front/com_server_fixture.h"
 
@@ -290,6 +294,36 @@ TEST_F(ComServer, AHostsObjectsServeAsComponentsAndAsConnectionService) {
     host->Call("Unregister", {"VelaPropsMgr.ShareProps"});
     EXPECT_EQ(Failure([&] { host->Call("Register", {"", settings}); }).Number(), 5);
     EXPECT_EQ(Failure([&] { host->Call("Register", {"A.B", 1}); }).Number(), 5);
+}
+
+// A property manager that wants the end of the component that asks it.
+class EndsWhenAsked final : public automation::TableObject<EndsWhenAsked> {
+  public:
+    explicit EndsWhenAsked(decltype(vic_shutdown)* end) : end_(end) {}
+    static const automation::MemberTable<EndsWhenAsked>& Members() {
+        static const automation::MemberTable<EndsWhenAsked> table{automation::Method<EndsWhenAsked>(
+            "GetProperty", {"Process", "Name"}, [](EndsWhenAsked& self, automation::Arguments&) {
+                self.answers.insert(self.end_());
+                return Variant("UserID=1;ConnectString={};");
+            })};
+        return table;
+    }
+    std::string TypeName() const override { return "ShareProps"; }
+
+    std::set<vic_status> answers;
+
+  private:
+    decltype(vic_shutdown)* end_;
+};
+
+TEST_F(ComServer, IsNotShutDownWhileItIsCalled) {
+    const auto shutDown = Export<decltype(vic_shutdown)>("vic_shutdown");
+    const auto properties = std::make_shared<EndsWhenAsked>(shutDown);
+    const ObjectRef host = com::CreateForeign("VelaVICenter.Host");
+    host->Call("Register", {"VelaPropsMgr.ShareProps", ObjectRef(properties)});
+    com::CreateForeign("VelaVICenter.clsVIData")->Call("CheckVchTemplateIsExist", {"甲"});
+    EXPECT_EQ(properties->answers, std::set<vic_status>{VIC_ERROR_INVALID_ARGUMENT});
+    EXPECT_EQ(shutDown(), 0) << "the call has come back";
 }
 
 TEST_F(ComServer, WhatIsNotOursIsRefused) {
