@@ -283,6 +283,15 @@ TEST(StatementShapeTest, HasNoneForOtherTexts) {
     EXPECT_FALSE(ShapeOf(""));
     EXPECT_FALSE(ShapeOf("select '" + std::string(kLongestShape, 'x') + "'"));
     EXPECT_TRUE(ShapeOf("select 1"));
+    EXPECT_TRUE(ShapeOf("declare @a int = 5 select @a"));
+}
+
+TEST(StatementShapeTest, HasNoneForDefinitions) {
+    EXPECT_FALSE(ShapeOf("if 1 = 1 create table t(a int default (5))"));
+    EXPECT_FALSE(ShapeOf("if 1 = 1 alter table t add a int default (5)"));
+    EXPECT_FALSE(ShapeOf("select 1 declare @t table(a int check (a > 5))"));
+    EXPECT_FALSE(ShapeOf("declare @t as table(a int check (a > 5))"));
+    EXPECT_TRUE(ShapeOf("select 1 as a into #t drop table #t"));
 }
 
 }  // namespace

@@ -110,6 +110,15 @@ void AppendMark(std::string& key, const LiteralValue& value) {
     key += kMark;
 }
 
+// What a definition says is kept as it stands, literals and all: the next one of its shape says another
+// thing.
+bool Defines(const Token& token, const Token& next) {
+    if (token.keyword == Keyword::kCreate || token.keyword == Keyword::kAlter) return true;
+    // DECLARE @t AS TABLE, but not DROP TABLE.
+    const bool isNamed = token.kind == TokenKind::kVariable || token.keyword == Keyword::kAs;
+    return isNamed && next.keyword == Keyword::kTable;
+}
+
 }  // namespace
 
 std::string LiteralValue::Text() const {
@@ -131,10 +140,11 @@ std::optional<StatementShape> ShapeOf(std::string_view text) {
         LiteralFinder finder;
         Token token = lexer.Next();
         // Only the first statement is looked at: what follows it in the text is part of the shape.
-        if (!StartsDataStatement(token)) return std::nullopt;
+        if (!StartsDataStatement(token) && token.keyword != Keyword::kDeclare) return std::nullopt;
         std::size_t from = 0;
         while (token.kind != TokenKind::kEnd) {
             const Token next = lexer.Next();
+            if (Defines(token, next)) return std::nullopt;
             if (finder.Look(token, next) != LiteralFinder::Answer::kFixed) {
                 shape.key += text.substr(from, token.position.offset - from);
                 shape.literals.push_back(ToValue(token));

@@ -40,8 +40,9 @@ struct StatementShape {
 // Texts longer than this have no shape: they do not come back.
 inline constexpr std::size_t kLongestShape = 4000;
 
-// The shape of a whole text, comments and all; nothing for long texts, for texts that are no data statement,
-// and for texts that are not well-formed. The mark tells int, larger integers by their digits, decimals by
+// The shape of a whole text, comments and all; nothing for long texts, for texts that begin with something
+// else than a data statement or a declaration, for those that define a table, and for texts that are not
+// well-formed. The mark tells int, larger integers by their digits, decimals by
 // precision and scale, texts and bytes by their length: equal keys mean equal types of all literals.
 std::optional<StatementShape> ShapeOf(std::string_view text);
 
