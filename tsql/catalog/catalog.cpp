@@ -366,9 +366,11 @@ std::vector<const TableInfo*> Catalog::Tables() const {
 
 std::int64_t Catalog::LastIdentity(const TableInfo& table) {
     if (table.temporary) return table.lastIdentity;
-    PreparedStatement read = database_.Prepare("SELECT last FROM \"ts$identity\" WHERE object = ?1");
-    read.Bind(1, table.id);
-    if (database_.Step(read)) return read.Int(0);
+    if (!readIdentity_)
+        readIdentity_ = database_.Prepare("SELECT last FROM main.\"ts$identity\" WHERE object = ?1");
+    const ResetAtEnd reset(readIdentity_);
+    readIdentity_.Bind(1, table.id);
+    if (database_.Step(readIdentity_)) return readIdentity_.Int(0);
     const ColumnInfo* column = table.IdentityColumn();
     return column->seed - column->increment;
 }
@@ -378,23 +380,14 @@ void Catalog::SetLastIdentity(const TableInfo& table, std::int64_t value) {
         if (TableInfo* own = FindTemporary(table.name)) own->lastIdentity = value;
         return;
     }
-    PreparedStatement write =
-        database_.Prepare("INSERT OR REPLACE INTO \"ts$identity\"(object, last) VALUES(?1, ?2)");
-    write.Bind(1, table.id);
-    write.Bind(2, value);
-    database_.Step(write);
-}
-
-TableInfo* Catalog::FindTemporary(std::string_view name) {
-    const auto found = temporary_.find(LowerAscii(name));
-    return found == temporary_.end() ? nullptr : found->second.get();
-}
-
-std::vector<std::string> Catalog::TemporaryNames() const {
-    std::vector<std::string> names;
-    for (const auto& [key, table] : temporary_)
-        names.push_back(table->name);
-    return names;
+    if (!writeIdentity_) {
+        writeIdentity_ =
+            database_.Prepare("INSERT OR REPLACE INTO main.\"ts$identity\"(object, last) VALUES(?1, ?2)");
+    }
+    const ResetAtEnd reset(writeIdentity_);
+    writeIdentity_.Bind(1, table.id);
+    writeIdentity_.Bind(2, value);
+    database_.Step(writeIdentity_);
 }
 
 }  // namespace vicenter::tsql::engine

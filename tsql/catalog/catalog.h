@@ -33,6 +33,8 @@ struct ColumnInfo {
     std::string defaultName;   // of the constraint
     std::string defaultText;   // T-SQL, empty for none
     std::string computedText;  // T-SQL of a computed column
+
+    friend bool operator==(const ColumnInfo&, const ColumnInfo&) = default;
 };
 
 enum class KeyKind { kPrimary, kUnique, kUniqueIndex, kIndex };
@@ -48,6 +50,7 @@ struct KeyInfo {
 
     bool IsUnique() const { return kind != KeyKind::kIndex; }
     bool IsConstraint() const { return kind == KeyKind::kPrimary || kind == KeyKind::kUnique; }
+    friend bool operator==(const KeyInfo&, const KeyInfo&) = default;
 };
 
 struct ForeignKeyInfo {
@@ -63,6 +66,8 @@ struct CheckInfo {
     std::string name;
     std::string text;     // T-SQL
     std::string sqlText;  // as SQLite keeps it
+
+    friend bool operator==(const CheckInfo&, const CheckInfo&) = default;
 };
 
 struct TableInfo {
@@ -71,6 +76,7 @@ struct TableInfo {
     std::string physical;  // as SQLite knows it
     bool temporary = false;
     std::int64_t definition = 0;  // of temporary tables: another number after each change
+    bool isAsMade = true;         // of temporary tables: no definition has changed it
     std::vector<ColumnInfo> columns;
     std::vector<KeyInfo> keys;
     std::vector<ForeignKeyInfo> foreignKeys;
@@ -165,17 +171,31 @@ class Catalog {
     void WriteModule(char kind, const std::string& name, const std::string& text);
     void DropModule(char kind, const std::string& name);
 
+    // temporary.cpp: #tables and table variables. A procedure makes its tables in each call, and SQLite
+    // prepares all statements of a connection anew after a change to its temporary schema. So a table that is
+    // dropped as it was made is emptied and put aside, and the next one of its name and form takes its place
+    // in SQLite's schema and in the plans; to T-SQL it is another table, with a number of its own.
     void AddTemporary(TableInfo table);
     void DropTemporary(const std::string& name);
-    // The temporary tables without the table variables, as the catalog knows them now; and as it knew them
-    // then, after what has become of them since was undone. Identity values are not handed out again.
+    // The temporary tables without the table variables, and those that are put aside, as the catalog knows
+    // them now; and as it knew them then, after what has become of them since was undone. Identity values are
+    // not handed out again.
     struct KeptTable {
         std::shared_ptr<TableInfo> table;
         std::int64_t lastIdentity = 0;
     };
-    using Temporaries = std::map<std::string, KeptTable, std::less<>>;
+    using Spares = std::vector<std::shared_ptr<const TableInfo>>;
+    struct Temporaries {
+        std::map<std::string, KeptTable, std::less<>> tables;
+        Spares spares;
+    };
     Temporaries KeepTemporaries() const;
     void PutBack(const Temporaries& before);
+    // SQLite has it, and not as one that is put aside.
+    bool IsThere(const TableInfo& temporary) const;
+    // The name of a table that is put aside and was made for a variable of this name; empty when there is
+    // none.
+    std::string SpareOfVariable(std::string_view variable) const;
     // Of all temporary tables and table variables, as the catalog knows them.
     std::vector<std::string> TemporaryNames() const;
     TableInfo* FindTemporary(std::string_view name);
@@ -192,9 +212,15 @@ class Catalog {
     void MakePhysicalIndexes(const TableInfo& table);
     void Touch();
     void TellSqlite(const TableInfo& table);
+    // False when there is none that fits; and when the table is to be dropped after all.
+    bool TakeSpare(const TableInfo& wanted);
+    bool PutAside(const TableInfo& table);
+    bool Empty(const TableInfo& temporary);
 
     Database& database_;
     PreparedStatement versionStatement_;
+    PreparedStatement readIdentity_;
+    PreparedStatement writeIdentity_;
     bool holding_ = false;  // versionStatement_ stands on its row
     bool mayBeSealed_ = false;
     bool isOfOlderForm_ = false;
@@ -202,10 +228,14 @@ class Catalog {
     std::uint64_t generation_ = 1;
     std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> tables_;
     std::map<std::string, std::shared_ptr<TableInfo>, std::less<>> temporary_;
+    Spares spares_;                                      // the one put aside last at the end
+    std::map<std::string, PreparedStatement> emptying_;  // by the physical names of what was put aside
     std::map<std::string, ModuleInfo, std::less<>> views_;
     std::map<std::string, ModuleInfo, std::less<>> procedures_;
 };
 
+// What stands in the text for the table of this name: "@t" for "@12@t", which is a variable's.
+std::string_view NameInText(std::string_view table);
 // The CREATE TABLE that SQLite gets, and the one column of it.
 std::string PhysicalTable(const TableInfo& table);
 std::string PhysicalColumn(const TableInfo& table, const ColumnInfo& column);

@@ -2,7 +2,6 @@
 // behind.
 
 #include <algorithm>
-#include <atomic>
 
 #include "automation/object.h"
 #include "tsql/base/error_table.h"
@@ -184,16 +183,17 @@ bool IsTaken(Database& database, const TableInfo& table, const std::string& name
 }  // namespace
 
 void Catalog::CreateTable(TableInfo table) {
-    CheckTableName(table.name);
-    if (IsTaken(database_, table, table.physical))
-        throw MakeError(40510, {}, {"a table named " + table.name});
-    for (const ColumnInfo& column : table.columns)
-        CheckColumnName(column.name);
     for (KeyInfo& key : table.keys) {
         if (key.kind != KeyKind::kPrimary || key.columns.size() != 1) continue;
         const ColumnInfo* column = table.FindColumn(key.columns.front());
         key.isRowNumber = column->type.IsInteger() && column->computedText.empty();
     }
+    if (table.temporary && TakeSpare(table)) return;
+    CheckTableName(table.name);
+    if (IsTaken(database_, table, table.physical))
+        throw MakeError(40510, {}, {"a table named " + table.name});
+    for (const ColumnInfo& column : table.columns)
+        CheckColumnName(column.name);
     if (table.temporary) {
         database_.Run("CREATE TEMP TABLE" + PhysicalTable(table).substr(std::string("CREATE TABLE").size()));
     } else {
@@ -216,7 +216,7 @@ void Catalog::DropTable(const TableInfo& table) {
     const std::int64_t id = table.id;
     if (table.temporary) {
         const std::string name = table.name;
-        database_.Run("DROP TABLE IF EXISTS " + sql);
+        if (!PutAside(table)) database_.Run("DROP TABLE IF EXISTS " + sql);
         DropTemporary(name);
         return;
     }
@@ -289,7 +289,10 @@ void Catalog::ChangeTable(const TableInfo& changed, bool rewriteSchema) {
     if (!changed.temporary) WriteTable(changed);
     if (rewriteSchema) TellSqlite(changed);
     if (changed.temporary) {
-        AddTemporary(changed);
+        TableInfo another = changed;
+        another.definition = 0;
+        another.isAsMade = false;
+        AddTemporary(std::move(another));
     } else {
         Touch();
     }
@@ -353,51 +356,6 @@ void Catalog::DropModule(char kind, const std::string& name) {
     database_.Step(erase);
     erase.Reset();
     Touch();
-}
-
-void Catalog::AddTemporary(TableInfo table) {
-    // Numbers of temporary tables lie below those of the account set, as on the server.
-    static std::atomic<std::int64_t> next = -1000000000;  // sessions run on threads of their own
-    static std::atomic<std::int64_t> definitions = 0;
-    if (table.id == 0) table.id = next--;
-    table.definition = ++definitions;
-    const std::string key = LowerAscii(table.name);
-    temporary_[key] = std::make_shared<TableInfo>(std::move(table));
-}
-
-void Catalog::DropTemporary(const std::string& name) {
-    temporary_.erase(LowerAscii(name));
-}
-
-Catalog::Temporaries Catalog::KeepTemporaries() const {
-    Temporaries kept;
-    for (const auto& [key, table] : temporary_) {
-        if (key.front() == '#') kept[key] = {table, table->lastIdentity};
-    }
-    return kept;
-}
-
-void Catalog::PutBack(const Temporaries& before) {
-    std::map<std::string, std::shared_ptr<TableInfo>, std::less<>> then;
-    for (const auto& [key, table] : temporary_) {
-        if (key.front() == '@') then[key] = table;
-    }
-    for (const auto& [key, kept] : before) {
-        then[key] = kept.table;
-        const ColumnInfo* identity = kept.table->IdentityColumn();
-        if (identity == nullptr) continue;
-        std::int64_t& last = kept.table->lastIdentity;
-        const auto handOut = [&last, identity](std::int64_t value) {
-            last = identity->increment < 0 ? std::min(last, value) : std::max(last, value);
-        };
-        handOut(kept.lastIdentity);
-        const auto now = temporary_.find(key);
-        if (now != temporary_.end() && now->second->physical == kept.table->physical)
-            handOut(now->second->lastIdentity);
-    }
-    if (then == temporary_) return;
-    temporary_.swap(then);
-    ++generation_;
 }
 
 }  // namespace vicenter::tsql::engine

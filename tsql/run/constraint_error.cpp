@@ -56,7 +56,7 @@ std::string OnlyColumn(const TableInfo& table, const std::string& condition) {
 // A table variable bears a number before its own name.
 std::string ShownName(const TableInfo& table) {
     if (table.name.front() != '@') return table.FullName();
-    return "dbo." + table.name.substr(table.name.find('@', 1));
+    return "dbo." + std::string(NameInText(table.name));
 }
 
 }  // namespace

@@ -367,7 +367,7 @@ void Executor::LeaveFrame(Frame& frame) {
         const auto outer = frame.shadowed.find(LowerAscii(name));
         // A rollback may have brought it back already.
         const bool isOuter =
-            table != nullptr && outer != frame.shadowed.end() && outer->second.physical == table->physical;
+            table != nullptr && outer != frame.shadowed.end() && outer->second.id == table->id;
         if (table != nullptr && !isOuter) transactions_.DropForGood(*table);
     }
     frame.temporaries.clear();
@@ -382,7 +382,7 @@ bool Executor::Shadow(const std::string& name) {
     if (frame_->level == 0) return false;
     const std::string key = LowerAscii(name);
     const auto outer = frame_->shadowed.find(key);
-    const bool isOuter = outer != frame_->shadowed.end() && outer->second.physical == taken->physical;
+    const bool isOuter = outer != frame_->shadowed.end() && outer->second.id == taken->id;
     const bool isOwn = std::any_of(frame_->temporaries.begin(), frame_->temporaries.end(),
                                    [&](const std::string& own) { return automation::SameName(own, name); });
     if (isOwn && !isOuter) return false;
@@ -393,11 +393,8 @@ bool Executor::Shadow(const std::string& name) {
 
 void Executor::BringBack(const TableInfo& shadowed) {
     if (catalog_.FindTable(shadowed.name) != nullptr) return;
-    PreparedStatement exists =
-        database_.Prepare("SELECT 1 FROM temp.sqlite_schema WHERE type = 'table' AND name = ?1");
-    exists.Bind(1, shadowed.physical);
     // One that was made in what has been undone is gone.
-    if (database_.Step(exists)) catalog_.AddTemporary(shadowed);
+    if (catalog_.IsThere(shadowed)) catalog_.AddTemporary(shadowed);
 }
 
 }  // namespace vicenter::tsql::engine

@@ -134,6 +134,7 @@ class Executor {
     // plan.cpp: plans and their parameters
     using Make = std::function<Translation(Translator&)>;
     Plan& PlanFor(const void* key, const Make& make);
+    bool IsOfThisFrame(const Plan& plan) const;
     bool RefreshForReading();
     const Catalog& CatalogNow();
     PreparedStatement Prepared(const std::string& sql);
@@ -258,6 +259,7 @@ class Executor {
     void PlanCursor(Cursor& cursor);
     void PlanCursorAnew(Cursor& cursor);
     void PlanReadingAgain(Cursor& cursor);
+    bool IsCurrent(const Cursor& cursor) const;
     // False when the row is none of the query's any more.
     bool ReadAgain(Cursor& cursor, std::size_t row);
     bool HasGone(const Cursor& cursor, std::size_t row);

@@ -1,5 +1,6 @@
 // Plans: translated statements, their parameters and their rows.
 
+#include <algorithm>
 #include <charconv>
 #include <new>
 #include <utility>
@@ -20,11 +21,17 @@ bool Plan::IsCurrent(const Catalog& catalog, const SetOptions& options) const {
     if (translation.givesIdentity && !SameName(options.identityInsert, translation.table)) return false;
     // And with it in error 545.
     if (translation.usesIdentity && SameName(options.identityInsert, translation.table)) return false;
-    for (const auto& [name, definition] : translation.temporaries) {
-        const TableInfo* table = catalog.FindTable(name);
-        if (table == nullptr || table->definition != definition) return false;
-    }
-    return true;
+    return std::ranges::all_of(translation.temporaries, [&](const Translation::TemporaryUse& use) {
+        const TableInfo* table = catalog.FindTable(use.name);
+        return table != nullptr && table->definition == use.definition;
+    });
+}
+
+bool Plan::IsOfTheseTables(const Catalog& catalog) const {
+    return std::ranges::all_of(translation.temporaries, [&](const Translation::TemporaryUse& use) {
+        const TableInfo* table = catalog.FindTable(use.name);
+        return table != nullptr && table->id == use.table;
+    });
 }
 
 namespace {
@@ -80,12 +87,20 @@ bool Executor::RefreshForReading() {
     return catalog_.Generation() != before;
 }
 
+// Calls of one procedure within each other share its plans, and each has variables of its own.
+bool Executor::IsOfThisFrame(const Plan& plan) const {
+    return std::ranges::all_of(plan.translation.temporaries, [&](const Translation::TemporaryUse& use) {
+        const TableInfo* table = FindTable(NameInText(use.name));
+        return table != nullptr && table->name == use.name;
+    });
+}
+
 // The key is the address of the part of the tree that is translated: a tree lives as long as its program, and
 // the program holds the plans, so an address stands for one text only.
 Plan& Executor::PlanFor(const void* key, const Make& make) {
     std::unique_ptr<Plan>& slot = frame_->program->plans[key];
     for (;;) {
-        if (!slot || !slot->IsCurrent(catalog_, frame_->options)) {
+        if (!slot || !slot->IsCurrent(catalog_, frame_->options) || !IsOfThisFrame(*slot)) {
             try {
                 MakePlan(slot, make);
             } catch (const SqlError&) {

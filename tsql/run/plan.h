@@ -25,6 +25,9 @@ struct Plan {
     // What the plan was made from still holds: the catalog, the temporary tables by their numbers, and the
     // options that let it through.
     bool IsCurrent(const Catalog& catalog, const SetOptions& options) const;
+    // No temporary table has been dropped and made again since: its rows are not those of another one, though
+    // the plan would read them.
+    bool IsOfTheseTables(const Catalog& catalog) const;
 };
 
 }  // namespace vicenter::tsql::engine

@@ -72,7 +72,7 @@ void Transactions::KeepingVariables(Undo undo) {
         } else {
             catalog_.CreateTable(entry.table);
         }
-        entry.rows.PutBack(database_, entry.table.Sql());
+        entry.rows.PutBack(database_, catalog_.FindTable(entry.table.name)->Sql());
     }
 }
 
@@ -167,18 +167,14 @@ void Transactions::Restore(const Mark& mark) {
 // What is there no more, such as a table variable that was declared in what is undone.
 void Transactions::ForgetTemporaries() {
     for (const std::string& name : catalog_.TemporaryNames()) {
-        const TableInfo* table = catalog_.FindTable(name);
-        PreparedStatement exists =
-            database_.Prepare("SELECT 1 FROM temp.sqlite_schema WHERE type = 'table' AND name = ?1");
-        exists.Bind(1, table->physical);
-        if (!database_.Step(exists)) catalog_.DropTemporary(name);
+        if (!catalog_.IsThere(*catalog_.FindTable(name))) catalog_.DropTemporary(name);
     }
 }
 
 void Transactions::DropForGood(const TableInfo& table) {
     for (Mark& mark : marks_) {
-        std::erase_if(mark.temporaries,
-                      [&](const auto& entry) { return entry.second.table->physical == table.physical; });
+        std::erase_if(mark.temporaries.tables,
+                      [&](const auto& entry) { return entry.second.table->id == table.id; });
     }
     catalog_.DropTable(table);
 }

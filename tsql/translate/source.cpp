@@ -21,8 +21,7 @@ constexpr int kViewNesting = 32;
 
 const TableInfo* Translator::FindTable(std::string_view name) {
     const TableInfo* table = context_.FindTable(name);
-    if (table != nullptr && table->temporary)
-        translation_.temporaries.emplace_back(table->name, table->definition);
+    if (table != nullptr && table->temporary) NoteTemporary(*table);
     return table;
 }
 

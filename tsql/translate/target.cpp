@@ -33,12 +33,16 @@ bool IsDistinctOrGrouped(const SelectBody& select) {
 
 }  // namespace
 
+void Translator::NoteTemporary(const TableInfo& table) {
+    translation_.temporaries.push_back({table.name, table.definition, table.id});
+}
+
 void Translator::Begin(const TableInfo& table, const char* operation) {
     translation_.table = table.name;
     translation_.operation = operation;
     translation_.changesTemporary = table.temporary;
     // A later table of the same name is another one.
-    if (table.temporary) translation_.temporaries.emplace_back(table.name, table.definition);
+    if (table.temporary) NoteTemporary(table);
 }
 
 // The table behind a view of plain columns of one table is changed through it. INSERT and MERGE are to name

@@ -68,9 +68,14 @@ struct Translation {
     bool givesIdentity = false;  // the statement gives explicit values for an identity column
     bool FillsIdentity() const { return usesIdentity || givesIdentity; }
     bool hasOutput = false;  // rows come back from OUTPUT: `columns` describes them
-    // Temporary tables that the statement uses, with the numbers of their definitions: made anew or altered
-    // they need a new translation.
-    std::vector<std::pair<std::string, std::int64_t>> temporaries;
+    // Temporary tables that the statement uses, with the numbers of their definitions, which another
+    // translation goes by, and their own.
+    struct TemporaryUse {
+        std::string name;
+        std::int64_t definition = 0;
+        std::int64_t table = 0;
+    };
+    std::vector<TemporaryUse> temporaries;
     std::vector<MergeStep> steps;      // of MERGE
     std::int64_t rowsOf = 0;           // the table whose row numbers stand behind the columns; 0 for none
     std::vector<ResultColumn> rowKey;  // its columns behind the number that tell the row from another one

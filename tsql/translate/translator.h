@@ -298,6 +298,7 @@ class Translator {
 
     // target.cpp
     void Begin(const TableInfo& table, const char* operation);
+    void NoteTemporary(const TableInfo& table);
     const TableInfo& TargetTable(const ObjectName& name);
     [[noreturn]] static void RefuseView(const ObjectName& name, const Query& query);
     // Translates the FROM with it.

@@ -118,10 +118,14 @@ void Executor::PlanReadingAgain(Cursor& cursor) {
     cursor.again = std::move(again);
 }
 
+bool Executor::IsCurrent(const Cursor& cursor) const {
+    return cursor.plan.IsCurrent(catalog_, frame_->options) && cursor.plan.IsOfTheseTables(catalog_);
+}
+
 bool Executor::ReadAgain(Cursor& cursor, std::size_t row) {
     RefreshForReading();
     // The table is another one now: the rows stay those that were read.
-    if (!cursor.again.statement || !cursor.plan.IsCurrent(catalog_, frame_->options)) return true;
+    if (!cursor.again.statement || !IsCurrent(cursor)) return true;
     const ResetAtEnd reset(cursor.again.statement);
     cursor.again.statement.Bind(static_cast<int>(cursor.again.translation.parameters.size()) + 1,
                                 cursor.rowNumbers[row]);
@@ -193,7 +197,7 @@ void Executor::OpenCursor(const OpenCursorStatement& statement) {
     cursor.rowNumbers.clear();
     cursor.keys.clear();
     RefreshForReading();
-    if (!cursor.plan.IsCurrent(catalog_, frame_->options)) PlanCursorAnew(cursor);
+    if (!IsCurrent(cursor)) PlanCursorAnew(cursor);
     Plan& plan = cursor.plan;
     {
         const ResetAtEnd reset(plan.statement);

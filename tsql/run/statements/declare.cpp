@@ -49,7 +49,8 @@ void Executor::Declare(const Statement& statement) {
                         variable.isCursor = true;
                         break;
                     case VariableDeclaration::Kind::kTable: {
-                        const std::string table = "@" + std::to_string(++tableVariables_) + name;
+                        std::string table = catalog_.SpareOfVariable(name);
+                        if (table.empty()) table = "@" + std::to_string(++tableVariables_) + name;
                         catalog_.CreateTable(BuildTable(table, declared.table, true));
                         frame_->temporaries.push_back(table);
                         variable.table = table;
