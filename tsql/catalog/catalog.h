@@ -199,6 +199,8 @@ class Catalog {
     // Of all temporary tables and table variables, as the catalog knows them.
     std::vector<std::string> TemporaryNames() const;
     TableInfo* FindTemporary(std::string_view name);
+    // By its number; null where it is gone, or another one has its name.
+    const TableInfo* FindTemporary(std::int64_t id) const;
 
     std::int64_t LastIdentity(const TableInfo& table);
     void SetLastIdentity(const TableInfo& table, std::int64_t value);

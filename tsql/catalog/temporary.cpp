@@ -142,6 +142,13 @@ TableInfo* Catalog::FindTemporary(std::string_view name) {
     return found == temporary_.end() ? nullptr : found->second.get();
 }
 
+const TableInfo* Catalog::FindTemporary(std::int64_t id) const {
+    for (const auto& [key, table] : temporary_) {
+        if (table->id == id) return table.get();
+    }
+    return nullptr;
+}
+
 std::vector<std::string> Catalog::TemporaryNames() const {
     std::vector<std::string> names;
     for (const auto& [key, table] : temporary_)

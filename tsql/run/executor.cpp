@@ -362,14 +362,8 @@ void Executor::LeaveFrame(Frame& frame) {
         database_.SetLockTimeout(now.lockTimeoutMilliseconds);
     // No table goes while anything is read.
     if (!frame.temporaries.empty()) catalog_.EndSnapshot();
-    for (const std::string& name : frame.temporaries) {
-        const TableInfo* table = catalog_.FindTable(name);
-        const auto outer = frame.shadowed.find(LowerAscii(name));
-        // A rollback may have brought it back already.
-        const bool isOuter =
-            table != nullptr && outer != frame.shadowed.end() && outer->second.id == table->id;
-        if (table != nullptr && !isOuter) transactions_.DropForGood(*table);
-    }
+    for (const std::int64_t id : frame.temporaries)
+        transactions_.DropForGood(id, frame.shadowed);
     frame.temporaries.clear();
     for (const auto& [name, outer] : frame.shadowed)
         BringBack(outer);
@@ -380,13 +374,9 @@ bool Executor::Shadow(const std::string& name) {
     const TableInfo* taken = catalog_.FindTable(name);
     if (taken == nullptr) return true;
     if (frame_->level == 0) return false;
-    const std::string key = LowerAscii(name);
-    const auto outer = frame_->shadowed.find(key);
-    const bool isOuter = outer != frame_->shadowed.end() && outer->second.id == taken->id;
-    const bool isOwn = std::any_of(frame_->temporaries.begin(), frame_->temporaries.end(),
-                                   [&](const std::string& own) { return automation::SameName(own, name); });
-    if (isOwn && !isOuter) return false;
-    frame_->shadowed.insert_or_assign(key, *taken);
+    const auto& own = frame_->temporaries;
+    if (std::find(own.begin(), own.end(), taken->id) != own.end()) return false;
+    frame_->shadowed.insert_or_assign(LowerAscii(name), *taken);
     catalog_.DropTemporary(name);
     return true;
 }

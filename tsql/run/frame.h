@@ -82,7 +82,9 @@ struct Frame {
     LiteralRun literals;
     std::unordered_map<std::string, Variable> variables;
     std::map<std::string, std::shared_ptr<Cursor>> cursors;
-    std::vector<std::string> temporaries;  // dropped at the end
+    // The numbers of its temporary tables and table variables, which are dropped at the end: a name may by
+    // then mean the caller's.
+    std::vector<std::int64_t> temporaries;
     // The caller's temporary tables of the same names, in lower case, which come back then.
     std::map<std::string, TableInfo, std::less<>> shadowed;
     std::string procedure;

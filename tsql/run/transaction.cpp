@@ -1,5 +1,7 @@
 #include "tsql/run/transaction.h"
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -171,12 +173,20 @@ void Transactions::ForgetTemporaries() {
     }
 }
 
-void Transactions::DropForGood(const TableInfo& table) {
+void Transactions::DropForGood(std::int64_t id, const ShadowedTables& shadowed) {
+    const auto isIt = [&](const auto& entry) { return entry.second.table->id == id; };
     for (Mark& mark : marks_) {
-        std::erase_if(mark.temporaries.tables,
-                      [&](const auto& entry) { return entry.second.table->id == table.id; });
+        auto& tables = mark.temporaries.tables;
+        const auto entry = std::find_if(tables.begin(), tables.end(), isIt);
+        if (entry == tables.end()) continue;
+        const auto outer = shadowed.find(entry->first);
+        if (outer == shadowed.end()) {
+            tables.erase(entry);
+        } else {
+            entry->second = {std::make_shared<TableInfo>(outer->second), outer->second.lastIdentity};
+        }
     }
-    catalog_.DropTable(table);
+    if (const TableInfo* table = catalog_.FindTemporary(id)) catalog_.DropTable(*table);
 }
 
 Transactions::Mark Transactions::StartDefinition() {

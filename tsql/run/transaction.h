@@ -13,6 +13,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -21,6 +23,9 @@
 #include "tsql/syntax/ast.h"
 
 namespace vicenter::tsql::engine {
+
+// Temporary tables of callers, in lower case, whose names mean a table of the call that runs.
+using ShadowedTables = std::map<std::string, TableInfo, std::less<>>;
 
 class Transactions {
   public:
@@ -67,8 +72,9 @@ class Transactions {
             database_.Run("RELEASE ts_definition");
         });
     }
-    // A temporary table whose frame is gone: no rollback brings it back.
-    void DropForGood(const TableInfo& table);
+    // A temporary table whose frame is gone, by its number: no rollback brings it back. Where its name meant
+    // it, the name means the caller's.
+    void DropForGood(std::int64_t id, const ShadowedTables& shadowed);
     // The batch is done, or has failed as a whole.
     void EndBatch(bool failed);
     void Rollback();

@@ -318,7 +318,7 @@ void Executor::CreateTable(const CreateTableStatement& statement) {
             throw MakeError(2714, statement.table.Where(), {name});
         }
         catalog_.CreateTable(BuildTable(name, statement.definition, temporary));
-        if (temporary && frame_->level > 0) frame_->temporaries.push_back(name);
+        if (temporary && frame_->level > 0) frame_->temporaries.push_back(catalog_.FindTable(name)->id);
     });
 }
 

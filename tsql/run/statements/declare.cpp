@@ -52,7 +52,7 @@ void Executor::Declare(const Statement& statement) {
                         std::string table = catalog_.SpareOfVariable(name);
                         if (table.empty()) table = "@" + std::to_string(++tableVariables_) + name;
                         catalog_.CreateTable(BuildTable(table, declared.table, true));
-                        frame_->temporaries.push_back(table);
+                        frame_->temporaries.push_back(catalog_.FindTable(table)->id);
                         variable.table = table;
                         variable.type = SqlType::Of(TypeKind::kTable);
                         break;

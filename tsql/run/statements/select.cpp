@@ -208,7 +208,7 @@ void Executor::SelectInto(const SelectStatement& statement) {
         TakeOver(
             *statement.query, [this](const ObjectName& source) { return FindTable(source.Object()); }, whole);
         catalog_.CreateTable(table);
-        if (temporary && frame_->level > 0) frame_->temporaries.push_back(name);
+        if (temporary && frame_->level > 0) frame_->temporaries.push_back(catalog_.FindTable(name)->id);
         Plan& plan = PlanFor(&statement, [&](Translator& translator) {
             return translator.FillInto(*catalog_.FindTable(name), names, *statement.query);
         });
