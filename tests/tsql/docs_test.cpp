@@ -172,6 +172,25 @@ std::string Limits() {
            row("16000000 bytes of a query as SQLite gets it", "8623");
 }
 
+std::string Otherwise() {
+    const auto row = [](const char* what, const char* here, const std::set<std::string>& tests) {
+        return std::string("| ") + what + " | " + here + " | " + Links(tests) + " |\n";
+    };
+    return "\n## Otherwise than on the server\n\n| what | here | tests |\n|---|---|---|\n" +
+           row("cursors that are not STATIC, over a join, a view, TOP",
+               "keep the rows that they had when they were opened; those over groups, DISTINCT and UNION do so "
+               "on the server, too",
+               {"cursor/keeps_its_rows"}) +
+           row("rows that are inserted while a cursor is open", "are not fetched",
+               {"cursor/sees_what_changes"}) +
+           row("datetime2 and time", "keep milliseconds; as texts they have all digits of their type",
+               {"convert/digits_of_dates"}) +
+           row("identity values handed out in what is undone", "are handed out again",
+               {"transactions/identity_is_handed_out_again"}) +
+           row("error 1750 behind the error of a constraint", "is not told",
+               {"definition/what_a_definition_breaks"});
+}
+
 std::string SupportText() {
     const Coverage coverage = Collect();
     std::string statements;
@@ -195,7 +214,7 @@ std::string SupportText() {
            "this name and the line, before the\nbatch runs where the text alone says it. Made from the "
            "answers "
            "of the tests.\n\n| name in the message | tests |\n|---|---|\n" +
-           refused + Limits() +
+           refused + Limits() + Otherwise() +
            "\n## Over ODBC\n\n"
            "All of these tests run through an ODBC driver (FreeTDS) against the test server as well. What "
            "comes out\n"

@@ -156,6 +156,7 @@ constexpr ErrorEntry kErrors[] = {
      "An insufficient number of arguments were supplied for the procedure or function %.*ls."},
     {402, 16, kText, "The data types %s and %s are incompatible in the %s operator."},
     {408, 16, kText, "A constant expression was encountered in the ORDER BY list, position %d."},
+    {421, 16, kText, "The %ls data type cannot be selected as DISTINCT because it is not comparable."},
     {460, 16, kText,
      "DISTINCT operator is not allowed in the recursive part of a recursive common table expression "
      "'%.*ls'."},
@@ -202,6 +203,7 @@ constexpr ErrorEntry kErrors[] = {
     {948, 20, kBatch,
      "The database '%.*ls' cannot be opened because it is version %d. This server supports version %d and "
      "earlier. A downgrade path is not supported."},
+    {1002, 16, kText, "Line %d: Specified scale %d is invalid."},
     {1007, 15, kText,
      "The number '%.*ls' is out of the range for numeric representation (maximum precision 38)."},
     {1008, 16, kText,
@@ -274,6 +276,8 @@ constexpr ErrorEntry kErrors[] = {
     {1913, 16, kText,
      "The operation failed because an index or statistics with name '%.*ls' already exists on %S_MSG "
      "'%.*ls'."},
+    {1919, 16, kText,
+     "Column '%.*ls' in table '%.*ls' is of a type that is invalid for use as a key column in an index."},
     {2601, 14, kStatement,
      "Cannot insert duplicate key row in object '%.*ls' with unique index '%.*ls'. The duplicate key value "
      "is %ls."},
@@ -290,6 +294,7 @@ constexpr ErrorEntry kErrors[] = {
     {2716, 16, kText,
      "Column, parameter, or variable #%d: Cannot specify a column width on data type %.*ls."},
     {2717, 16, kText, "The size (%d) given to the %S_MSG '%.*ls' exceeds the maximum allowed (%d)."},
+    {2739, 16, kText, "The text, ntext, and image data types are invalid for local variables."},
     {2741, 16, kStatement, "SET DATEFORMAT date order '%.*ls' is invalid."},
     {2742, 16, kStatement, "SET DATEFIRST %d is out of range."},
     {2744, 16, kText,
@@ -328,6 +333,9 @@ constexpr ErrorEntry kErrors[] = {
     {3902, 16, kStatement, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     {3903, 16, kStatement, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."},
     {3906, 16, kBatch, "Failed to update database \"%.*ls\" because the database is read-only."},
+    {3915, 16, kBatch, "Cannot use the ROLLBACK statement within an INSERT-EXEC statement."},
+    {3916, 16, kBatch,
+     "Cannot use the COMMIT statement within an INSERT-EXEC statement unless BEGIN TRANSACTION is used first."},
     {3930, 16, kBatch,
      "The current transaction cannot be committed and cannot support operations that write to the log file. "
      "Roll back the transaction."},
@@ -398,6 +406,9 @@ constexpr ErrorEntry kErrors[] = {
     {5324, 15, kText,
      "In a MERGE statement, a '%S_MSG' clause with a search condition cannot appear after a '%S_MSG' clause "
      "with no search condition."},
+    {5335, 16, kText,
+     "The data type %ls cannot be used as an operand to the UNION, INTERSECT or EXCEPT operators because it is "
+     "not comparable."},
     {6401, 16, kStatement, "Cannot roll back %.*ls. No transaction or savepoint of that name was found."},
     {8101, 16, kText,
      "An explicit value for the identity column in table '%.*ls' can only be specified when a column list is "
@@ -470,6 +481,8 @@ constexpr ErrorEntry kErrors[] = {
      "source row, or use the GROUP BY clause to group the source rows."},
     {8730, 16, kText, "Offset parameter for Lag and Lead functions cannot be a negative value."},
     {9002, 17, kBatch, "The transaction log for database '%.*ls' is full due to '%ls'."},
+    {9829, 16, kStatement,
+     "STRING_AGG aggregation result exceeded the limit of %d bytes. Use LOB types to avoid result truncation."},
     {10700, 16, kText, "The table-valued parameter \"%.*ls\" is READONLY and cannot be modified."},
     {10703, 15, kText, "Too many grouping sets. The maximum number is 4096."},
     {10704, 15, kText,
@@ -519,6 +532,8 @@ constexpr ErrorEntry kErrors[] = {
      "Cursorfetch: The number of variables declared in the INTO list must match that of selected columns."},
     {16929, 16, kStatement, "The cursor is READ ONLY."},
     {16931, 16, kStatement, "There are no rows in the current fetch buffer."},
+    {16932, 16, kStatement,
+     "The cursor has a FOR UPDATE list and the requested column to be updated is not in this list."},
     {16933, 16, kStatement,
      "The cursor does not include the table being modified or the table is not updatable through the "
      "cursor."},

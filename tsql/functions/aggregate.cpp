@@ -6,9 +6,11 @@
 #include <numeric>
 #include <string>
 
+#include "tsql/base/text_units.h"
 #include "tsql/functions/call.h"
 #include "tsql/sqlite/database.h"
 #include "tsql/types/convert.h"
+#include "tsql/types/old_text.h"
 
 namespace vicenter::tsql::engine {
 
@@ -169,6 +171,15 @@ constexpr SqlFunction kAvgBigInt = Sum<SumKind::kBigInt, true>("ts_avg_bigint");
 constexpr SqlFunction kAvgDecimal = Sum<SumKind::kDecimal, true>("ts_avg_decimal");
 constexpr SqlFunction kAvgMoney = Sum<SumKind::kMoney, true>("ts_avg_money");
 constexpr SqlFunction kAvgReal = Sum<SumKind::kReal, true>("ts_avg_real");
+// ts_joined(text, most)
+void JoinedFunction(FunctionCall& call) {
+    if (call.IsNull(0)) return;
+    if (UnitCount(call.Text(0)) > static_cast<std::size_t>(call.Int(1)))
+        throw MakeError(9829, {}, {kLongestVarChar});
+    call.ReturnArgument(0);
+}
+
+constexpr SqlFunction kJoined = Scalar<JoinedFunction>("ts_joined", 2);
 constexpr SqlFunction kStringAgg = {"ts_string_agg", 2, nullptr, false, StringAggStep, StringAggFinal};
 
 // ts_places(number, places): with all of its places, as nothing is kept
@@ -191,19 +202,27 @@ Bound BindCount(Binding& call) {
     const SqlType type = SqlType::Of(Kind);
     if (call.IsStar()) return {"count(*)", type};
     if (call.Type(0).IsUnknown()) throw MakeError(8117, call.Where(), {"NULL", call.Name()});
+    if (IsOldText(call.Type(0)))
+        throw MakeError(8117, call.Where(), {MessageName(call.Type(0)), call.Name()});
     // Zeros at the end of bytes count as nothing.
     const std::string argument =
         call.Type(0).IsBinary() ? kBytesCall.Call({call.Plain(0)}) : call.Collated(0);
     return {"count(" + Distinct(call) + argument + ")", type};
 }
 
+// Of texts without max the result is one, too; of anything else, the longest nvarchar.
 Bound BindStringAgg(Binding& call) {
-    return {call.Call({call.Text(0), call.Text(1)}), call.TextType(0, kMaxLength)};
+    const SqlType from = call.Type(0);
+    const std::string sql = call.Call({call.Text(0), call.Text(1)});
+    if (from.IsText() && from.IsMax()) return {sql, call.TextType(0, kMaxLength)};
+    const SqlType type = from.IsText() && !from.IsUnicode() ? SqlType::VarChar(kLongestVarChar)
+                                                            : SqlType::NVarChar(kLongestNVarChar);
+    return {sql, type, false, std::string(kJoined.name) + "(", ", " + std::to_string(type.length) + ")"};
 }
 
 Bound BindMaxMin(Binding& call) {
     const SqlType from = call.Type(0);
-    if (from.kind == TypeKind::kBit || from.IsUnknown())
+    if (from.kind == TypeKind::kBit || from.IsUnknown() || IsOldText(from))
         throw MakeError(8117, call.Where(), {MessageName(from), call.Name()});
     call.Pin(0);
     return {call.Name() + "(" + Distinct(call) + call.Collated(0) + ")", from};
@@ -255,7 +274,7 @@ constexpr FunctionEntry kEntries[] = {
 
 constexpr const SqlFunction* kOthers[] = {&kSumInt,  &kSumBigInt,  &kSumDecimal, &kSumReal,
                                           &kAvgInt,  &kAvgBigInt,  &kAvgDecimal, &kAvgMoney,
-                                          &kAvgReal, &kSingleCall, &kPlacesCall};
+                                          &kAvgReal, &kSingleCall, &kPlacesCall, &kJoined};
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "tsql/functions/function.h"
 
+#include <algorithm>
 #include <array>
 
 #include "tsql/base/error_table.h"
@@ -48,6 +49,11 @@ std::string Binding::DatePartCode(std::size_t i) const {
     const auto* word = TryAs<ColumnExpr>(call_.arguments[i].get());
     const auto part = word != nullptr ? DatePartByName(LowerAscii(word->name.Object())) : std::nullopt;
     if (part) return std::to_string(static_cast<int>(*part));
+    // Dates are kept to the millisecond, and without a zone.
+    constexpr std::string_view kFiner[] = {"nanosecond", "ns", "microsecond", "mcs", "tzoffset", "tz"};
+    const std::string lower = word != nullptr ? LowerAscii(word->name.Object()) : std::string();
+    if (std::find(std::begin(kFiner), std::end(kFiner), lower) != std::end(kFiner))
+        throw MakeError(40510, Where(), {UpperAscii(name_) + " of " + UpperAscii(lower)});
     throw MakeError(155, Where(), {word != nullptr ? word->name.Object() : std::string(), name_});
 }
 

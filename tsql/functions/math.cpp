@@ -4,6 +4,7 @@
 
 #include "tsql/functions/arithmetic.h"
 #include "tsql/functions/call.h"
+#include "tsql/functions/volatile.h"
 #include "tsql/types/convert.h"
 
 namespace vicenter::tsql::engine {
@@ -254,7 +255,7 @@ constexpr SqlFunction kSin = Scalar<RealToReal<Sin>>("ts_sin", 1);
 constexpr SqlFunction kCos = Scalar<RealToReal<Cos>>("ts_cos", 1);
 constexpr SqlFunction kSquare = Scalar<SquareFunction>("ts_square", 1);
 constexpr SqlFunction kTan = Scalar<RealToReal<Tan>>("ts_tan", 1);
-constexpr SqlFunction kRand = Scalar<RandFunction>("ts_rand", 0, false);
+constexpr SqlFunction kRand = Scalar<RandFunction>(kRandName, 0, false);
 
 constexpr FunctionEntry kEntries[] = {
     {"abs", 1, 1, BindAbs, &kAbs},

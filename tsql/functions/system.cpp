@@ -2,6 +2,7 @@
 
 #include "text/hex.h"
 #include "tsql/functions/call.h"
+#include "tsql/functions/volatile.h"
 
 namespace vicenter::tsql::engine {
 
@@ -41,7 +42,7 @@ Bound SystemDecimal(Binding& call) {
     return {call.Name(), SqlType::Decimal(kMaxPrecision, 0), true};
 }
 
-constexpr SqlFunction kNewId = Scalar<NewIdFunction>("ts_newid", 0, false);
+constexpr SqlFunction kNewId = Scalar<NewIdFunction>(kNewIdName, 0, false);
 
 constexpr FunctionEntry kEntries[] = {
     {"app_name", 0, 0, SystemName},      {"current_user", 0, 0, SystemName},

@@ -93,6 +93,12 @@ void NCharFunction(FunctionCall& call) {
     call.Return(std::string_view(text));
 }
 
+// ts_char(number): of one byte
+void CharFunction(FunctionCall& call) {
+    constexpr std::int64_t kMost = 255;
+    if (!call.IsNull(0) && call.Int(0) <= kMost) NCharFunction(call);
+}
+
 // ts_isnumeric(text): what could become an integer, decimal, money or float
 void IsNumericFunction(FunctionCall& call) {
     if (call.IsNull(0)) return call.Return(std::int64_t{0});
@@ -142,13 +148,14 @@ constexpr SqlFunction kLen = Scalar<LenFunction>("ts_len", 1);
 constexpr SqlFunction kDataLength = Scalar<DataLengthFunction>("ts_datalength", 2);
 constexpr SqlFunction kAscii = Scalar<AsciiFunction>("ts_ascii", 1);
 constexpr SqlFunction kUnicode = Scalar<UnicodeFunction>("ts_unicode", 1);
+constexpr SqlFunction kChar = Scalar<CharFunction>("ts_char", 1);
 constexpr SqlFunction kNChar = Scalar<NCharFunction>("ts_nchar", 1);
 constexpr SqlFunction kIsNumeric = Scalar<IsNumericFunction>("ts_isnumeric", 1);
 constexpr SqlFunction kIsDate = Scalar<IsDateFunction>("ts_isdate", 1);
 
 constexpr FunctionEntry kEntries[] = {
     {"ascii", 1, 1, IntOfText, &kAscii},
-    {"char", 1, 1, BindCharOf<TypeKind::kChar>, &kNChar},
+    {"char", 1, 1, BindCharOf<TypeKind::kChar>, &kChar},
     {"datalength", 1, 1, BindDataLength, &kDataLength},
     {"isdate", 1, 1, IntOfText, &kIsDate},
     {"isnumeric", 1, 1, IntOfText, &kIsNumeric},

@@ -110,7 +110,9 @@ void ReplaceFunction(FunctionCall& call) {
         at = found.second;
     }
     result += text.substr(at);
-    call.Return(std::string_view(result));
+    // Checks of older account sets do not say how long the text may grow.
+    const bool isCut = call.Count() > 3;
+    call.Return(isCut ? HeadUnits(result, static_cast<std::size_t>(call.Int(3))) : std::string_view(result));
 }
 
 template <TrailingBlanks Blanks>
@@ -137,14 +139,18 @@ Bound BindPatIndex(Binding& call) {
 }
 
 Bound BindReplace(Binding& call) {
-    const bool unicode = call.Type(0).IsUnicode() || call.Type(2).IsUnicode();
-    return {call.Call({call.Text(0), call.Text(1), call.Text(2)}),
-            unicode ? SqlType::NVarChar(kLongestNVarChar) : SqlType::VarChar(kLongestVarChar)};
+    const bool unicode = call.Type(0).IsUnicode() || call.Type(1).IsUnicode() || call.Type(2).IsUnicode();
+    const TypeKind kind = unicode ? TypeKind::kNVarChar : TypeKind::kVarChar;
+    std::vector<std::string> arguments{call.Text(0), call.Text(1), call.Text(2)};
+    if (call.Type(0).IsMax()) return {call.Call(arguments), SqlType::Of(kind, kMaxLength)};
+    const int longest = unicode ? kLongestNVarChar : kLongestVarChar;
+    arguments.push_back(std::to_string(longest));
+    return {call.Call(arguments), SqlType::Of(kind, longest)};
 }
 
 constexpr SqlFunction kCharIndex = Scalar<CharIndexFunction>("ts_charindex", -1);
 constexpr SqlFunction kPatIndex = Scalar<PatIndexFunction>("ts_patindex", 2);
-constexpr SqlFunction kReplace = Scalar<ReplaceFunction>("ts_replace", 3);
+constexpr SqlFunction kReplace = Scalar<ReplaceFunction>("ts_replace", -1);
 
 constexpr FunctionEntry kEntries[] = {
     {"charindex", 2, 3, BindCharIndex, &kCharIndex},

@@ -320,11 +320,13 @@ void Executor::HandleError(SqlError error, std::int32_t line) {
         transactions_.Rollback();
         throw Abort{error};
     }
-    if (tryDepth_ > 0) throw Abort{error, unboundIn, endsText};
-    const bool aborts = options_.batchTransactions || frame_->options.exactAbort ||
+    // What RAISERROR tells is none of XACT_ABORT's.
+    const bool exactAbort = frame_->options.exactAbort && error.Number() < kFirstUserError;
+    if (tryDepth_ > 0) throw Abort{error, unboundIn, endsText, exactAbort};
+    const bool aborts = options_.batchTransactions || exactAbort ||
                         (entry != nullptr && entry->ends != Ends::kStatement) ||
                         error.Details().severity >= 20;
-    if (aborts) throw Abort{error, unboundIn, endsText};
+    if (aborts) throw Abort{error, unboundIn, endsText, exactAbort};
     Report(error.Details());
 }
 
@@ -333,22 +335,21 @@ Abort Executor::FailureOfText(const SqlError& error, const Frame& callee) {
     const ErrorEntry* entry = FindError(error.Number());
     lastError_ = error.Number();
     rowCount_ = 0;
-    return {Completed(error, error.Details().line), &callee, entry != nullptr && entry->ends == Ends::kText};
+    return {Completed(error, error.Details().line), &callee, entry != nullptr && entry->ends == Ends::kText,
+            callee.options.exactAbort};
 }
 
 // An error of the text that was called ends that, and the caller goes on; unless somebody waits for the
 // error, or the batch is one unit.
 void Executor::EndCall(const Abort& abort) {
-    const bool goesOn =
-        abort.endsText && tryDepth_ == 0 && !options_.batchTransactions && !frame_->options.exactAbort;
+    const bool goesOn = abort.endsText && tryDepth_ == 0 && !options_.batchTransactions && !abort.exactAbort;
     if (!goesOn) throw abort;
     Report(abort.error.Details());
 }
 
 bool Executor::Dooms(const Abort& abort) const {
     const Diagnostic& details = abort.error.Details();
-    const SetOptions& options = frame_ != nullptr ? frame_->options : setOptions_;
-    if (options.exactAbort || details.severity >= 17 || details.number == kCancelledBatch) return true;
+    if (abort.exactAbort || details.severity >= 17 || details.number == kCancelledBatch) return true;
     if (abort.unboundIn != nullptr || details.number >= kFirstUserError) return false;
     const ErrorEntry* entry = FindError(details.number);
     return entry != nullptr && entry->ends != Ends::kStatement;

@@ -42,6 +42,8 @@ struct Abort {
     // The frame whose text names what there is not: no TRY of that frame takes the error.
     const Frame* unboundIn = nullptr;
     bool endsText = false;  // and no more than the text that it is in
+    // By XACT_ABORT as it was where the error came up, and which a call takes with it.
+    bool exactAbort = false;
 };
 
 class Executor {
@@ -180,7 +182,7 @@ class Executor {
     void Update(const UpdateStatement& statement);
     void UpdateColumns(const UpdateStatement& statement, bool temporary);
     void UpdateVariables(const UpdateStatement& statement, bool temporary);
-    void RewriteRows(const UpdateStatement& statement, bool temporary);
+    void RewriteRows(const UpdateStatement& statement, bool temporary, bool collides);
     // Both give the numbers that the rows have then.
     std::vector<std::int64_t> ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
                                          const std::vector<std::vector<Value>>& rows, bool collides,
@@ -253,6 +255,8 @@ class Executor {
     void OpenCursor(const OpenCursorStatement& statement);
     void Fetch(const FetchStatement& statement);
     void TakeCurrentRow(const Name& name, const ObjectName& target);
+    // Error 16932 for a column that the cursor is not FOR UPDATE OF.
+    void CheckUpdateColumns(const UpdateStatement& statement);
     void CloseCursor(const CloseCursorStatement& statement);
     void Deallocate(const DeallocateStatement& statement);
     std::shared_ptr<Cursor> MakeCursor(const std::string& name, const CursorDefinition& definition);
@@ -298,7 +302,7 @@ class Executor {
     void CheckTransactionCount(int before, const ExecuteStatement& statement, const Frame& callee);
     void RunProcedure(const CreateProcedureStatement& procedure, const ExecuteStatement& statement,
                       std::size_t firstArgument, Frame& callee);
-    void Transaction(const TransactionStatement& statement) { transactions_.Run(statement); }
+    void Transaction(const TransactionStatement& statement);
 
     // definitions: create_table.cpp
     TableInfo BuildTable(const std::string& name, const TableDefinition& definition, bool temporary);
@@ -314,7 +318,7 @@ class Executor {
     static void CheckActions(const TableInfo& table, std::size_t first);
     static std::vector<std::string> KeyColumns(TableInfo& table, const Constraint& constraint,
                                                bool makeNotNull);
-    void RefuseKeyOfBytes(const TableInfo& table, const KeyInfo& key, Position where) const;
+    void CheckKeyTypes(const TableInfo& table, const KeyInfo& key, Position where) const;
     // Makes a key of an existing table; error 1505 when its rows do not allow it.
     void MakeKey(const TableInfo& table, const KeyInfo& key, Position position);
     std::string FirstDuplicate(const TableInfo& table, const KeyInfo& key);
@@ -354,6 +358,7 @@ class Executor {
     SqlType identityType_;
     std::vector<Diagnostic> caught_;  // of the CATCH blocks that run, innermost last
     std::int64_t tableVariables_ = 0;
+    std::vector<int> countsBeforeInsert_;  // @@TRANCOUNT where each INSERT … EXEC that runs has begun
 };
 
 }  // namespace vicenter::tsql::engine

@@ -6,6 +6,8 @@
 
 #include "tsql/base/error_table.h"
 #include "tsql/run/executor.h"
+#include "tsql/syntax/ast_children.h"
+#include "tsql/translate/output_columns.h"
 
 namespace vicenter::tsql::engine {
 
@@ -68,8 +70,7 @@ bool Executor::CheckNamesOf(const Statement& statement) {
     switch (statement.kind) {
         case StatementKind::kSelect: {
             const Query& query = *As<SelectStatement>(statement).query;
-            const SelectBody* select = query.Select();
-            if (select != nullptr && !select->into.IsEmpty()) return false;
+            if (!FirstSelect(*query.body).into.IsEmpty()) return false;
             check([&](Translator& translator) { return translator.Select(query); });
             return true;
         }
@@ -79,9 +80,17 @@ bool Executor::CheckNamesOf(const Statement& statement) {
             check([&](Translator& translator) { return translator.Insert(insert); });
             return true;
         }
-        case StatementKind::kUpdate:
-            check([&](Translator& translator) { return translator.Update(As<UpdateStatement>(statement)); });
+        case StatementKind::kUpdate: {
+            const auto& update = As<UpdateStatement>(statement);
+            if (!update.output || !TellsOfOldRows(*update.output)) {
+                check([&](Translator& translator) { return translator.Update(update); });
+                return true;
+            }
+            check([&](Translator& translator) { return translator.UpdatedRows(update); });
+            if (const TableInfo* table = FindTable(update.target.Object()))
+                check([&](Translator& translator) { return translator.OutputOfRow(*update.output, *table); });
             return true;
+        }
         case StatementKind::kDelete:
             check([&](Translator& translator) { return translator.Delete(As<DeleteStatement>(statement)); });
             return true;

@@ -5,6 +5,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/system_procedures.h"
+#include "tsql/syntax/ast_children.h"
 
 namespace vicenter::tsql::engine {
 
@@ -36,8 +37,8 @@ bool TargetIsTemporary(const ObjectName& target, const std::vector<TableSourcePt
 }
 
 bool SelectsInto(const Query& query) {
-    const SelectBody* select = query.Select();
-    return select != nullptr && !select->into.IsEmpty() && !IsTemporary(select->into);
+    const ObjectName& into = FirstSelect(*query.body).into;
+    return !into.IsEmpty() && !IsTemporary(into);
 }
 
 }  // namespace

@@ -100,4 +100,11 @@ bool HoldsQuery(const Expr& expression) {
     return holds;
 }
 
+const SelectBody& FirstSelect(const QueryBody& body) {
+    const QueryBody* at = &body;
+    while (at->kind == QueryBodyKind::kSetOperation)
+        at = As<SetOperation>(*at).first.get();
+    return As<SelectBody>(*at);
+}
+
 }  // namespace vicenter::tsql

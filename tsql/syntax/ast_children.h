@@ -17,4 +17,9 @@ bool HasQuery(const Expr& expression);
 // It, or anything below it.
 bool HoldsQuery(const Expr& expression);
 
+struct QueryBody;
+struct SelectBody;
+// The SELECT that a query begins with: it names the columns, and the table of INTO.
+const SelectBody& FirstSelect(const QueryBody& body);
+
 }  // namespace vicenter::tsql

@@ -4,6 +4,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
+#include "tsql/functions/volatile.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -43,7 +44,15 @@ std::string Translator::Applied(const JoinedTable& join, Scope& scope) {
     std::vector<std::string> list;
     for (std::size_t i = 0; i < query.columns.size(); ++i)
         list.push_back("c" + std::to_string(i + 1));
-    const QueryText rows = Unpacked(query, "(SELECT " + kPackCall.Call(list) + " FROM (" + query.sql + "))");
+    // What asks nothing of the row before it is run once, unless it seems to.
+    std::string row;
+    for (const Source& source : scope.sources) {
+        if (row.empty() && !source.columns.empty()) row = source.columns.front().sql;
+    }
+    const std::string eachTime =
+        IsVolatile(query.sql) && !row.empty() ? " WHERE typeof(" + row + ") <> ''" : std::string();
+    const QueryText rows =
+        Unpacked(query, "(SELECT " + kPackCall.Call(list) + " FROM (" + query.sql + ")" + eachTime + ")");
     const Name& alias = derived != nullptr ? derived->alias : values->alias;
     const std::vector<Name>& names = derived != nullptr ? derived->columns : values->columns;
     return left + word + Derived(rows.sql, rows, alias.text, names, scope, right.position) + always;

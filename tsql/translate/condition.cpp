@@ -1,6 +1,7 @@
 // Search conditions: they become SQLite's own, which know the same three truth values.
 
 #include "tsql/functions/function.h"
+#include "tsql/translate/comparable.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -66,6 +67,7 @@ static std::string OrderCollation(const Operand& left, const SqlType& common) {
 
 std::string Translator::Compare(const char* op, const Operand& left, const Operand& right,
                                 Position position) {
+    CheckCompared(left.type, op, right.type, position);
     const SqlType common = CommonType(left.type, right.type);
     return AtLine(position, [&] {
         const bool isMember = isAlternative_ && op[0] == '=';
@@ -139,6 +141,8 @@ std::vector<std::string> Translator::ComparedApart(const Operand& left, const st
 std::string Translator::Between(const BetweenExpr& between, Scope& scope) {
     const Operand operand = Value(*between.operand, scope);
     const std::vector<Operand> bounds = {Value(*between.low, scope), Value(*between.high, scope)};
+    for (std::size_t i = 0; i < bounds.size(); ++i)
+        CheckCompared(operand.type, i == 0 ? ">=" : "<=", bounds[i].type, between.position);
     const std::vector<SqlType> commons = CommonTypes(operand, bounds);
     return AtLine(between.position, [&]() -> std::string {
         if (const auto once = ComparedOnce(operand, commons)) {
@@ -156,6 +160,7 @@ std::string Translator::Between(const BetweenExpr& between, Scope& scope) {
 }
 
 std::string Translator::NullIf(const Operand& value, const Operand& other, Position position) {
+    CheckCompared(value.type, "=", other.type, position);
     const SqlType common = CommonType(value.type, other.type);
     return AtLine(position, [&]() -> std::string {
         if (value.pending || (value.isPlain && RenderCompared(value, common) != value.sql)) {
@@ -235,6 +240,7 @@ std::string Translator::In(const InExpr& in, Scope& scope) {
         const QueryText query = QueryOf(*in.query, &scope, false);
         if (query.columns.size() != 1) throw MakeError(116, in.query->position);
         const SqlType member = query.columns.front().type;
+        CheckCompared(operand.type, "=", member, in.position);
         const SqlType common = CommonType(operand.type, member);
         const Operand column = Computed("c1", member);
         const std::string converted = RenderMember(column, common);
@@ -253,6 +259,7 @@ std::string Translator::In(const InExpr& in, Scope& scope) {
     SqlType common = operand.type;
     for (const ExprPtr& member : in.list) {
         members.push_back(Value(*member, scope));
+        CheckCompared(operand.type, "=", members.back().type, in.position);
         common = CommonType(common, members.back().type);
     }
     std::string list;

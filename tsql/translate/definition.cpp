@@ -5,6 +5,7 @@
 #include "tsql/base/text_units.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/translate/translator.h"
+#include "tsql/types/date_part.h"
 
 namespace vicenter::tsql::engine {
 
@@ -52,6 +53,13 @@ SqlType Translator::ResolveType(const TypeName& name) {
             const int length = name.length.value_or(1);
             if (length > limit) throw MakeError(2717, name.position, {length, "type", name.name, limit});
             return SqlType::Of(kind, length);
+        }
+        case TypeKind::kTime:
+        case TypeKind::kDateTime2: {
+            const int digits = name.length.value_or(kMostDateDigits);
+            if (digits > kMostDateDigits)
+                throw MakeError(1002, name.position, {static_cast<std::int32_t>(name.position.line), digits});
+            return WithDateDigits(kind, digits);
         }
         default:
             if (name.length && !type.IsDate()) throw MakeError(2716, name.position, {1, name.name});

@@ -1,5 +1,6 @@
 // DELETE.
 
+#include "tsql/translate/output_columns.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -34,7 +35,10 @@ Translation Translator::Delete(const DeleteStatement& statement) {
     } else {
         sql += " AS " + alias + where;
     }
-    if (statement.output) CheckOutputBehind(*statement.output);
+    if (statement.output) {
+        CheckOutputBehind(*statement.output);
+        RefuseColumnsOfFrom(*statement.output, scope);
+    }
     if (statement.output) sql += Output(*statement.output, table, "deleted");
     return Finished(std::move(sql));
 }

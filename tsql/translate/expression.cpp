@@ -5,6 +5,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
+#include "tsql/translate/comparable.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -305,6 +306,8 @@ std::vector<std::string> Translator::WhensOf(const CaseExpr& expression, Scope& 
     std::vector<Operand> whens;
     for (const CaseExpr::Branch& branch : expression.branches)
         whens.push_back(Value(*branch.when, scope));
+    for (std::size_t i = 0; i < whens.size(); ++i)
+        CheckCompared(value.type, "=", whens[i].type, expression.branches[i].when->position);
     const std::vector<SqlType> commons = CommonTypes(value, whens);
     if (const auto once = ComparedOnce(value, commons)) {
         head += " " + *once;

@@ -5,6 +5,7 @@
 #include "automation/object.h"
 #include "text/ascii.h"
 #include "tsql/base/text_units.h"
+#include "tsql/functions/volatile.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -148,6 +149,9 @@ Operand Translator::Call(const FunctionEntry& entry, const FunctionExpr& functio
         --aggregateDepth_;
         bound.sql = kOrderedTextsCall.Call({call.Text(0), call.Text(1), keys});
     }
+    // The same number in all rows; in a CHECK SQLite takes no query.
+    if (entry.body != nullptr && entry.body->name == std::string_view(kRandName) && !inlineLiterals_)
+        bound.sql = "(SELECT " + bound.sql + ")";
     if (function.over) bound.sql += " OVER (" + WindowText(*function.over, scope) + ")";
     if (bound.isSystem) return System(std::move(bound.sql), bound.type);
     return Computed(bound.before + bound.sql + bound.behind, bound.type);

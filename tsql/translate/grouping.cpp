@@ -2,7 +2,9 @@
 // out.
 
 #include "tsql/functions/function.h"
+#include "tsql/functions/volatile.h"
 #include "tsql/syntax/ast_children.h"
+#include "tsql/translate/rows_apart.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -107,6 +109,11 @@ void Translator::GroupBySets(const SelectBody& select, Scope& scope, std::string
         hasWhole = hasWhole || set.empty();
     if (hasWhole && scope.outer != nullptr) throw MakeError(40510, where, {"ROLLUP in a subquery"});
     if (select.from.empty()) throw MakeError(40510, where, {"ROLLUP without FROM"});
+    // Each row comes once for each set, with what it is.
+    if (IsVolatile(tail)) {
+        SetRowsApart(scope, tail, " LIMIT -1 OFFSET 0", "rows$");
+        scope.whereAt = tail.size();
+    }
     const std::string rows = tail;
 
     std::string numbers;

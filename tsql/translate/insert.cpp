@@ -10,6 +10,19 @@ namespace {
 
 constexpr const char* kInsert = "INSERT";
 
+bool IsDefault(const Expr& value) {
+    const auto* literal = TryAs<LiteralExpr>(&value);
+    return literal != nullptr && literal->literal == LiteralKind::kDefault;
+}
+
+// As a value of the type that it shares with other rows, the column would get another one: a number with
+// other places, or what was a text.
+bool ChangesAmong(const SqlType& type, const SqlType& common, const SqlType& column) {
+    if (type.IsUnknown() || common == type) return false;
+    const bool isAlike = type.IsText() == common.IsText() && type.IsNumber() == common.IsNumber();
+    return !isAlike || (column.IsText() && type.IsNumber());
+}
+
 // Values without a list of columns: one too many is meant for the identity column.
 [[noreturn]] void FailCount(const TableInfo& table, std::size_t values, std::size_t columns, Position where) {
     if (values == columns + 1 && table.IdentityColumn() != nullptr)
@@ -114,17 +127,27 @@ Translation Translator::Insert(const InsertStatement& statement) {
     if (statement.source != InsertSource::kDefaultValues) columns = TargetColumns(table, statement.columns);
     const std::size_t given = columns.size();
     std::vector<std::string> rows;
+    std::vector<std::vector<Operand>> operands;
+    // Several rows are what UNION ALL would make of them: values of one type in each column.
+    std::vector<SqlType> types(given);
     Scope scope;
     for (const auto& row : statement.rows) {
         if (row.size() != given) {
             if (statement.columns.empty()) FailCount(table, row.size(), given, statement.position);
             throw MakeError(row.size() < given ? 109 : 110, statement.position);
         }
+        operands.emplace_back();
+        for (std::size_t i = 0; i < given; ++i) {
+            operands.back().push_back(IsDefault(*row[i]) ? DefaultOf(*columns[i]) : Value(*row[i], scope));
+            if (!IsDefault(*row[i])) types[i] = CommonType(types[i], operands.back().back().type);
+        }
+    }
+    for (std::size_t r = 0; r < operands.size(); ++r) {
         std::string values;
         for (std::size_t i = 0; i < given; ++i) {
-            const auto* literal = TryAs<LiteralExpr>(row[i].get());
-            const bool isDefault = literal != nullptr && literal->literal == LiteralKind::kDefault;
-            const Operand value = isDefault ? DefaultOf(*columns[i]) : Value(*row[i], scope);
+            Operand& value = operands[r][i];
+            if (!IsDefault(*statement.rows[r][i]) && ChangesAmong(value.type, types[i], columns[i]->type))
+                value = Computed(RenderAs(value, types[i]), types[i]);
             values += (i == 0 ? "" : ", ") + RenderGiven(value, table, *columns[i], kInsert);
         }
         rows.push_back(std::move(values));

@@ -3,6 +3,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
+#include "tsql/syntax/ast_children.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -60,13 +61,13 @@ void Translator::AddIdentity(const FunctionExpr& call, const SelectItem& item, S
 }
 
 Translation Translator::SelectInto(const Query& query) {
-    into_ = query.Select();
+    into_ = &FirstSelect(*query.body);
     return Select(query);
 }
 
 Translation Translator::FillInto(const TableInfo& table, const std::vector<Name>& columns,
                                  const Query& query) {
-    into_ = query.Select();
+    into_ = &FirstSelect(*query.body);
     fillsInto_ = true;
     return InsertQuery(table, columns, query);
 }

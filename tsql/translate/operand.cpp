@@ -1,6 +1,7 @@
 // The text of an operand: as it is, as a value of another type, as a column keeps it.
 
 #include "tsql/functions/function.h"
+#include "tsql/translate/comparable.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -120,6 +121,7 @@ std::string Translator::RenderGiven(const Operand& operand, const TableInfo& tab
 // Bytes are sorted and grouped without the zeros at their end, though they stay what they are where they
 // show.
 std::string Translator::Sorted(const Operand& operand) {
+    CheckSorted(operand.type, {});
     return operand.type.IsBinary() ? kBytesCall.Call({Render(operand)}) : Collated(operand);
 }
 

@@ -131,6 +131,8 @@ Operand Translator::Binary(BinaryOp op, Position position, const Operand& left, 
         return OfFloats(op, common, left, right);
     }
     if (!common.IsInteger()) return OfDecimals(op, common, left, right);
+    if (common.kind == TypeKind::kBit && !bitwise && (a.IsText() || b.IsText()))
+        throw MakeError(402, position, {MessageName(a), MessageName(b), OperatorName(op)});
     if (common.kind == TypeKind::kBit && !bitwise) {
         throw MakeError(8117, position, {"bit", OperatorName(op)});
     }

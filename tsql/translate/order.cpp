@@ -5,6 +5,8 @@
 #include "automation/object.h"
 #include "tsql/functions/function.h"
 #include "tsql/syntax/ast_children.h"
+#include "tsql/translate/comparable.h"
+#include "tsql/translate/rows_apart.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -69,26 +71,18 @@ void CheckOrder(const Query& query) {
 }  // namespace
 
 // SELECT @v = @v + … ORDER BY: SQLite evaluates a select list before it sorts, so the sorted rows become a
-// table of their own. The offset keeps SQLite from merging it with the query around it.
+// table of their own.
 void Translator::OrderRowsFirst(const Query& query, const SelectBody& select, Scope& scope,
                                 SelectParts& parts) {
     const std::string order = OrderBy(query, select, scope, parts);
     std::string limit = LimitOf(&select, &query, scope);
     if (limit.empty()) limit = " LIMIT -1";
     if (!query.offset) limit += " OFFSET 0";
-    std::string columns;
-    int number = 0;
-    for (Source& source : scope.sources) {
-        for (SourceColumn& column : source.columns) {
-            const std::string name = "k" + std::to_string(++number);
-            columns += (columns.empty() ? "" : ", ") + column.sql + " AS " + name;
-            column.sql = "\"ordered$\"." + name;
-        }
-    }
-    parts.tail = " FROM (SELECT " + columns + parts.tail + order + limit + ") AS \"ordered$\"";
+    SetRowsApart(scope, parts.tail, order + limit, "ordered$");
 }
 
 std::string Translator::OrderItemText(const OrderItem& item, const std::string& sql, const Operand& operand) {
+    CheckSorted(operand.type, item.expression->position);
     std::string text = sql;
     const bool isPlace = !sql.empty() && sql.find_first_not_of("0123456789") == std::string::npos;
     if (operand.type.IsBinary() && !isPlace) text = kBytesCall.Call({text});

@@ -7,6 +7,7 @@
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
 #include "tsql/syntax/ast_children.h"
+#include "tsql/translate/comparable.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -320,7 +321,10 @@ SelectParts Translator::SelectOf(const SelectBody& select, const Query* orderFro
     if (!parts.assignments.empty() && parts.assignments.size() != parts.items.size())
         throw MakeError(141, select.position);
     if (hasHaving) AddHaving(select, scope, parts);
-    if (select.distinct) RefuseBytes(parts.items, "DISTINCT", select.position);
+    if (select.distinct) {
+        CheckDistinct(parts.items, select.position);
+        RefuseBytes(parts.items, "DISTINCT", select.position);
+    }
     parts.head = select.distinct ? "SELECT DISTINCT" : "SELECT";
     parts.singleRow = select.from.empty() || isWhole;
     AddOrder(select, orderFrom, ordersFirst, scope, parts);

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "tsql/functions/function.h"
+#include "tsql/syntax/ast_children.h"
+#include "tsql/translate/comparable.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -10,13 +12,6 @@ namespace vicenter::tsql::engine {
 namespace {
 
 constexpr std::size_t kMostTerms = 400;
-
-const SelectBody* FirstSelect(const QueryBody& body) {
-    const QueryBody* at = &body;
-    while (at->kind == QueryBodyKind::kSetOperation)
-        at = As<SetOperation>(*at).first.get();
-    return &As<SelectBody>(*at);
-}
 
 const char* OperationText(SetOp op) {
     switch (op) {
@@ -108,6 +103,7 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
         std::vector<Operand> columns;
         for (const SqlType& type : types)
             columns.push_back(Computed("", type));
+        CheckSetMembers(columns, operation.position);
         RefuseBytes(columns, "UNION, INTERSECT and EXCEPT", operation.position);
     }
     parts.names = members.front().names;
@@ -121,7 +117,7 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
     if (orderFrom != nullptr) {
         Scope named;
         named.outer = outer;
-        parts.order = OrderBy(*orderFrom, *FirstSelect(operation), named, parts);
+        parts.order = OrderBy(*orderFrom, FirstSelect(operation), named, parts);
         parts.limit = LimitOf(nullptr, orderFrom, named);
     }
     return parts;

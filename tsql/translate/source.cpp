@@ -5,6 +5,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
+#include "tsql/functions/volatile.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/translate/translator.h"
 
@@ -168,7 +169,7 @@ std::string Translator::CommonTableText(const CommonTable& table, const std::str
         Recursion& recursion = recursions_.back();
         Source source;
         source.exposedName = exposed;
-        source.tableName = exposed;
+        source.tableName = table.name.text;
         source.alias = Quoted(exposed);
         for (std::size_t i = 0; i < recursion.columns.size(); ++i) {
             const ResultColumn& column = recursion.columns[i];
@@ -183,7 +184,8 @@ std::string Translator::CommonTableText(const CommonTable& table, const std::str
     const bool changes = IsChanged(exposed) || IsChanged(table.name.text);
     const QueryText query = changes && !recursive ? ChangedQuery(*table.query, exposed, table.columns)
                                                   : CommonQuery(table, recursive);
-    return Derived(query.sql, query, exposed, recursive ? std::vector<Name>() : table.columns, scope, where);
+    return Derived(query.sql, query, exposed, recursive ? std::vector<Name>() : table.columns, scope, where,
+                   table.name.text);
 }
 
 std::string Translator::Table(const TableRef& table, Scope& scope) {
@@ -220,7 +222,7 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         --foreignDepth_;
         outside.swap(commonTables_);
         --viewDepth_;
-        return Derived(query.sql, query, exposed, view->columns, scope, table.position);
+        return Derived(query.sql, query, exposed, view->columns, scope, table.position, name);
     }
     if (const SystemView* view = FindSystemView(table.name)) {
         Source source;
@@ -252,10 +254,11 @@ static bool IsCopiedTooOften(const QueryText& query) {
 }
 
 std::string Translator::Derived(const std::string& sql, const QueryText& query, const std::string& alias,
-                                const std::vector<Name>& columns, Scope& scope, Position position) {
+                                const std::vector<Name>& columns, Scope& scope, Position position,
+                                const std::string& ownName) {
     Source source;
     source.exposedName = alias;
-    source.tableName = alias;
+    source.tableName = ownName;
     source.alias = Quoted(alias.empty() ? "d" + std::to_string(++aliasNumber_) : alias);
     // The number of the row behind has a name of its own in any case.
     const std::size_t hidden = !query.columns.empty() && query.columns.back().name == kRowNumberName ? 1 : 0;
@@ -274,7 +277,10 @@ std::string Translator::Derived(const std::string& sql, const QueryText& query, 
     }
     // Packed rows are a table by themselves: in a subquery they could not see the tables before them.
     const bool isTable = sql.starts_with(kRowsTable);
-    const bool isApart = !isTable && (ways_.separates || IsCopiedTooOften(query));
+    // Of a query that sorts SQLite would work out the values of the one around it before it sorts.
+    const bool isSortedFirst = !assigning_.empty() && sql.find(" ORDER BY ") != std::string::npos;
+    const bool isApart =
+        !isTable && (ways_.separates || IsCopiedTooOften(query) || IsVolatile(sql) || isSortedFirst);
     for (std::size_t i = 0; i < query.weights.size() && !isApart; ++i)
         source.columns[i].weight = query.weights[i];
     std::string text = isApart   ? "(SELECT * FROM (" + sql + ") LIMIT -1 OFFSET 0)"

@@ -246,12 +246,16 @@ std::string Translator::Output(const OutputClause& output, const TableInfo& tabl
             column.sql.erase(at, prefix.size());
     }
     scope.sources.push_back(std::move(source));
+    return " RETURNING " + OutputList(output, scope);
+}
+
+std::string Translator::OutputList(const OutputClause& output, Scope& scope) {
     SelectParts parts;
     for (const SelectItem& item : output.items)
         AddItem(item, scope, parts);
     std::string sql;
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
-        sql += (i == 0 ? " RETURNING " : ", ") + Render(parts.items[i]);
+        sql += (i == 0 ? "" : ", ") + Render(parts.items[i]);
         const SqlType& type = parts.items[i].type;
         translation_.columns.push_back({parts.names[i], type.IsUnknown() ? SqlType::Int() : type});
     }

@@ -77,7 +77,8 @@ class Translator {
     std::string CheckText(const TableInfo& table, const Expr& condition);
     // The rows that an UPDATE changes as they are to be: each row's number and every stored column.
     Translation UpdatedRows(const UpdateStatement& statement);
-    // What OUTPUT tells of a row that has been changed; its number is the last parameter.
+    // What OUTPUT tells of a row that has been changed. Behind all other parameters stand the stored columns
+    // as they were, and the number of the row.
     Translation OutputOfRow(const OutputClause& output, const TableInfo& table);
     // What SET @v = e gives the variables, row by row, with the number of each row behind it and, where its
     // columns take what the variables are, every stored column as it is to be.
@@ -283,7 +284,8 @@ class Translator {
     std::string Unpivoted(const UnpivotTable& unpivot, Scope& scope);
     std::string Table(const TableRef& table, Scope& scope);
     std::string Derived(const std::string& sql, const QueryText& query, const std::string& alias,
-                        const std::vector<Name>& columns, Scope& scope, Position position);
+                        const std::vector<Name>& columns, Scope& scope, Position position,
+                        const std::string& ownName = {});
     void AddSource(Source source, Scope& scope, Position position);
     Source SourceOf(const TableInfo& table, const std::string& exposedName);
     // What WITH names; error 239 for a name that stands there twice.
@@ -314,6 +316,7 @@ class Translator {
     std::string BehindName(const std::string& name, Position where) const;
     void CheckOutputBehind(const OutputClause& output) const;
     std::string Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable);
+    std::string OutputList(const OutputClause& output, Scope& scope);
 
     // insert.cpp
     std::vector<const ColumnInfo*> TargetColumns(const TableInfo& table, const std::vector<Name>& columns);

@@ -5,6 +5,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/syntax/ast_children.h"
+#include "tsql/translate/output_columns.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -134,6 +135,10 @@ std::string Translator::StoredColumns(const UpdateParts& parts) {
 
 Translation Translator::UpdatedRows(const UpdateStatement& statement) {
     const UpdateParts parts = PartsOf(statement);
+    if (statement.output) {
+        CheckOutputBehind(*statement.output);
+        RefuseColumnsOfFrom(*statement.output, parts.scope);
+    }
     std::string sql = "SELECT " + parts.alias + "._rowid_";
     translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
     sql += StoredColumns(parts);
@@ -143,11 +148,22 @@ Translation Translator::UpdatedRows(const UpdateStatement& statement) {
 }
 
 Translation Translator::OutputOfRow(const OutputClause& output, const TableInfo& table) {
-    constexpr std::string_view kReturning = " RETURNING ";
     Begin(table, kUpdate);
-    const std::string list = Output(output, table, "inserted").substr(kReturning.size());
-    return Finished("SELECT " + list + " FROM " + table.Sql() + " WHERE _rowid_ = ?" +
-                    std::to_string(translation_.parameters.size() + 1));
+    Scope scope;
+    scope.sources.push_back(SourceOf(table, "inserted"));
+    scope.sources.push_back(SourceOf(table, "deleted"));
+    const std::string list = OutputList(output, scope);
+    std::size_t parameter = translation_.parameters.size();
+    std::string before;
+    for (const ColumnInfo& column : table.columns) {
+        if (!column.computedText.empty()) continue;
+        before += (before.empty() ? "?" : ", ?") + std::to_string(++parameter);
+        if (column.type.IsText()) before += std::string(" COLLATE ") + kTextCollationName;
+        if (column.type.IsExact()) before += std::string(" COLLATE ") + kNumberCollationName;
+        before += " AS " + Quoted(column.name);
+    }
+    return Finished("SELECT " + list + " FROM " + table.Sql() + " AS \"inserted\", (SELECT " + before +
+                    ") AS \"deleted\" WHERE \"inserted\"._rowid_ = ?" + std::to_string(parameter + 1));
 }
 
 // SELECT the values of @v = e, and the number of the row: the last one's stay. Where columns take what the
@@ -242,12 +258,7 @@ Translation Translator::Update(const UpdateStatement& statement) {
     }
     if (statement.output) {
         CheckOutputBehind(*statement.output);
-        for (const SelectItem& item : statement.output->items) {
-            const auto* column = TryAs<ColumnExpr>(item.expression.get());
-            const std::string& qualifier =
-                column != nullptr ? column->name.Schema() : item.qualifier.Schema();
-            if (SameName(qualifier, "deleted")) throw MakeError(40510, item.position, {"OUTPUT deleted"});
-        }
+        RefuseColumnsOfFrom(*statement.output, parts.scope);
         sql += Output(*statement.output, table, "inserted");
     }
     return Finished(std::move(sql));

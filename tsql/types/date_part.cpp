@@ -240,6 +240,31 @@ std::string DateName(DatePart part, const DateTime& date) {
 // The last day of smalldatetime, counted from 1900-01-01: 2079-06-06.
 constexpr std::int64_t kLastSmallDay = 65535;
 
+SqlType WithDateDigits(TypeKind kind, int digits) {
+    SqlType type = SqlType::Of(kind);
+    if (digits == kMostDateDigits) return type;
+    // As the server counts the characters of it.
+    const int withoutDigits = kind == TypeKind::kTime ? 8 : 19;
+    type.precision = withoutDigits + (digits > 0 ? digits + 1 : 0);
+    type.scale = digits;
+    return type;
+}
+
+int DateDigits(const SqlType& type) {
+    if (type.kind != TypeKind::kTime && type.kind != TypeKind::kDateTime2) return 3;
+    return type.precision == 0 ? kMostDateDigits : type.scale;
+}
+
+namespace {
+
+// To tens, hundreds or thousands of milliseconds.
+std::int64_t RoundedTo(int digits, std::int64_t milliseconds) {
+    const std::int64_t unit = digits >= 3 ? 1 : digits == 2 ? 10 : digits == 1 ? 100 : 1000;
+    return (milliseconds + unit / 2) / unit * unit;
+}
+
+}  // namespace
+
 std::optional<DateTime> RoundToType(const DateTime& date, const SqlType& type) {
     std::int64_t milliseconds = date.Milliseconds();
     const std::int64_t day = DayNumber(date);
@@ -248,7 +273,15 @@ std::optional<DateTime> RoundToType(const DateTime& date, const SqlType& type) {
             return DateTime::FromMilliseconds(day * kMillisecondsPerDay);
         case TypeKind::kTime:
             // Kept on 1900-01-01.
-            return DateTime::FromMilliseconds(milliseconds - (day - kZeroDay) * kMillisecondsPerDay);
+            milliseconds = RoundedTo(DateDigits(type), milliseconds - day * kMillisecondsPerDay);
+            return DateTime::FromMilliseconds(kZeroDay * kMillisecondsPerDay +
+                                              milliseconds % kMillisecondsPerDay);
+        case TypeKind::kDateTime2: {
+            const std::int64_t within = RoundedTo(DateDigits(type), milliseconds - day * kMillisecondsPerDay);
+            const DateTime rounded = DateTime::FromMilliseconds(day * kMillisecondsPerDay + within);
+            if (DayNumber(rounded) > kLastDay) return std::nullopt;
+            return rounded;
+        }
         case TypeKind::kSmallDateTime: {
             const std::int64_t within = milliseconds - day * kMillisecondsPerDay;
             // 29.998 seconds and less go down.

@@ -40,6 +40,12 @@ int DatePartOf(DatePart part, const DateTime& date);
 // "January", "Saturday", else the number.
 std::string DateName(DatePart part, const DateTime& date);
 
+// datetime2 and time with their digits behind the second, of which the first three are kept: 7 where none are
+// said, which is how types of older account sets read. Of other types what they show.
+inline constexpr int kMostDateDigits = 7;
+SqlType WithDateDigits(TypeKind kind, int digits);
+int DateDigits(const SqlType& type);
+
 // "January" for 1.
 std::string_view MonthName(int month);
 // From the whole name or its first three letters; 0 for any other word.

@@ -65,7 +65,12 @@ std::optional<std::string> FormatDate(const DateTime& date, const SqlType& type,
     if (style == 0 && type.kind == TypeKind::kDateTime2) style = 121;
     const std::string iso = Print("%04d-%02d-%02d", p.year, p.month, p.day);
     const std::string clock = Print("%02d:%02d:%02d", p.hour, p.minute, p.second);
-    const std::string fine = Print("%03d", p.millisecond);
+    // Of the newer types as many digits as they have, behind a point.
+    const bool newer = type.kind == TypeKind::kDateTime2 || type.kind == TypeKind::kTime;
+    const std::string digits =
+        Print("%03d0000", p.millisecond).substr(0, static_cast<std::size_t>(DateDigits(type)));
+    const std::string fraction = digits.empty() ? std::string() : "." + digits;
+    const std::string fine = newer ? fraction : ":" + digits;
     const std::string name = std::string(MonthName(p.month).substr(0, 3));
     switch (style) {
         case 0:
@@ -80,18 +85,17 @@ std::optional<std::string> FormatDate(const DateTime& date, const SqlType& type,
             return clock;
         case 13:
         case 113:
-            return Print("%02d ", p.day) + name + Print(" %04d ", p.year) + clock + ":" + fine;
+            return Print("%02d ", p.day) + name + Print(" %04d ", p.year) + clock + fine;
         case 14:
-            return clock + ":" + fine;
         case 114:
-            return type.kind == TypeKind::kTime ? clock + "." + fine : clock + ":" + fine;
+            return clock + fine;
         case 20:
         case 120:
             return iso + " " + clock;
         case 21:
         case 25:
         case 121:
-            return iso + " " + clock + "." + fine;
+            return iso + " " + clock + fraction;
         case 22:
             return Print("%02d/%02d/%02d ", p.month, p.day, p.year % 100) +
                    Print("%2d:%02d:%02d", p.hour % 12 == 0 ? 12 : p.hour % 12, p.minute, p.second) +
@@ -100,7 +104,7 @@ std::optional<std::string> FormatDate(const DateTime& date, const SqlType& type,
             return iso;
         case 126:
         case 127:
-            return iso + "T" + clock + (p.millisecond != 0 ? "." + fine : "");
+            return iso + "T" + clock + (p.millisecond != 0 ? fraction : "");
         default: {
             std::string day = style > 0 && style < 113 ? DayText(p, style) : std::string();
             if (day.empty()) return std::nullopt;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tsql/types/date_part.h"
+
 namespace vicenter::tsql::engine {
 
 namespace {
@@ -130,6 +132,9 @@ std::string SqlType::FullName() const {
         case TypeKind::kBinary:
         case TypeKind::kVarBinary:
             return name + "(" + (IsMax() ? "max" : std::to_string(length)) + ")";
+        case TypeKind::kTime:
+        case TypeKind::kDateTime2:
+            return precision == 0 ? name : name + "(" + std::to_string(scale) + ")";
         default:
             return name;
     }
@@ -202,6 +207,10 @@ SqlType CommonType(const SqlType& a, const SqlType& b) {
         // char of different lengths, or char with varchar: the longer, variable one keeps every value.
         if (result.kind == TypeKind::kNChar && lower.kind == TypeKind::kVarChar)
             result.kind = TypeKind::kNVarChar;
+    } else if (higher.kind == TypeKind::kDateTime2 || higher.kind == TypeKind::kTime) {
+        const bool isShorter = higher.precision != 0 && lower.IsDate() && lower.kind != TypeKind::kDate &&
+                               lower.kind != TypeKind::kSmallDateTime;
+        if (isShorter) return WithDateDigits(higher.kind, std::max(DateDigits(higher), DateDigits(lower)));
     } else if (higher.kind == TypeKind::kDecimal && (lower.IsExact() || lower.IsInteger())) {
         const SqlType other = AsDecimal(lower);
         const int whole = std::max(higher.precision - higher.scale, other.precision - other.scale);

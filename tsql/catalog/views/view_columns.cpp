@@ -15,11 +15,12 @@ const char* const kColumnBytes =
 const char* const kColumnPrecision =
     "(CASE c.type WHEN 'bit' THEN 1 WHEN 'tinyint' THEN 3 WHEN 'smallint' THEN 5 WHEN 'int' THEN 10 WHEN "
     "'bigint' THEN 19 WHEN 'smallmoney' THEN 10 WHEN 'money' THEN 19 WHEN 'real' THEN 24 WHEN 'float' THEN "
-    "53 WHEN 'decimal' THEN c.precision WHEN 'time' THEN 16 WHEN 'date' THEN 10 WHEN 'smalldatetime' THEN "
-    "16 WHEN 'datetime' THEN 23 WHEN 'datetime2' THEN 27 ELSE 0 END)";
+    "53 WHEN 'decimal' THEN c.precision WHEN 'time' THEN ifnull(nullif(c.precision, 0), 16) WHEN 'date' THEN 10 WHEN 'smalldatetime' THEN "
+    "16 WHEN 'datetime' THEN 23 WHEN 'datetime2' THEN ifnull(nullif(c.precision, 0), 27) ELSE 0 END)";
 const char* const kColumnScale =
     "(CASE c.type WHEN 'smallmoney' THEN 4 WHEN 'money' THEN 4 WHEN 'decimal' THEN c.scale WHEN 'time' THEN "
-    "7 WHEN 'datetime' THEN 3 WHEN 'datetime2' THEN 7 ELSE 0 END)";
+    "iif(c.precision = 0, 7, c.scale) WHEN 'datetime' THEN 3 WHEN 'datetime2' THEN iif(c.precision = 0, 7, "
+    "c.scale) ELSE 0 END)";
 const char* const kColumnTypeId =
     "(CASE c.type WHEN 'text' THEN 35 WHEN 'uniqueidentifier' THEN 36 WHEN 'date' THEN 40 WHEN 'time' THEN "
     "41 WHEN 'datetime2' THEN 42 WHEN 'tinyint' THEN 48 WHEN 'smallint' THEN 52 WHEN 'int' THEN 56 WHEN "

@@ -9,6 +9,8 @@ const SystemProcedure kSpColumns = {"sp_columns", R"(create procedure sp_columns
 as
 if exists (select * from sys.views where name = @table_name)
     raiserror (40510, 16, 1, 'sp_columns of a view')
+if left(@table_name, 1) = '#'
+    raiserror (40510, 16, 1, 'sp_columns of a temporary table')
 select db_name() as TABLE_QUALIFIER, cast('dbo' as nvarchar(128)) as TABLE_OWNER, o.name as TABLE_NAME,
     c.name as COLUMN_NAME,
     cast(case t.name when 'bit' then -7 when 'tinyint' then -6 when 'smallint' then 5 when 'int' then 4

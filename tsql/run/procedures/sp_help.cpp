@@ -21,6 +21,11 @@ begin
     raiserror (15009, -1, -1, @objname, @database)
     return 1
 end
+if objectproperty(@id, 'TableIsTemporary') = 1
+begin
+    raiserror (40510, 16, 1, 'sp_help of a temporary table')
+    return 1
+end
 if objectproperty(@id, 'IsTable') = 0
 begin
     raiserror (40510, 16, 1, 'sp_help of what is no table')

@@ -11,6 +11,11 @@ begin
     raiserror (15009, -1, -1, @objname, @database)
     return 1
 end
+if objectproperty(@id, 'TableIsTemporary') = 1
+begin
+    raiserror (40510, 16, 1, 'sp_helpindex of a temporary table')
+    return 1
+end
 if not exists (select * from sys.indexes where object_id = @id and index_id > 0)
 begin
     print 'The object ''' + @objname + ''' does not have any indexes, or you do not have permissions.'

@@ -28,7 +28,7 @@ void Executor::CreateIndex(const CreateIndexStatement& statement) {
             key.columns.push_back(found->name);
             key.descending.push_back(column.descending);
         }
-        RefuseKeyOfBytes(table, key, statement.position);
+        CheckKeyTypes(table, key, statement.position);
         MakeKey(table, key, statement.position);
     });
 }

@@ -121,11 +121,13 @@ void Executor::AddConstraint(TableInfo& table, const Constraint& constraint) {
     }
 }
 
-// Equal bytes may differ in zeros at their end, which SQLite would tell apart.
-void Executor::RefuseKeyOfBytes(const TableInfo& table, const KeyInfo& key, Position where) const {
+void Executor::CheckKeyTypes(const TableInfo& table, const KeyInfo& key, Position where) const {
     for (const std::string& name : key.columns) {
         const ColumnInfo* column = table.FindColumn(name);
-        if (key.IsUnique() && column != nullptr && column->type.kind == TypeKind::kVarBinary)
+        if (column == nullptr) continue;
+        if (column->type.IsMax()) throw MakeError(1919, where, {column->name, table.name});
+        // Equal bytes may differ in zeros at their end, which SQLite would tell apart.
+        if (key.IsUnique() && column->type.kind == TypeKind::kVarBinary)
             throw MakeError(40510, where, {"a unique key of varbinary"});
     }
 }
@@ -140,7 +142,7 @@ void Executor::AddKey(TableInfo& table, const Constraint& constraint) {
     KeyInfo key;
     key.kind = primary ? KeyKind::kPrimary : KeyKind::kUnique;
     key.columns = KeyColumns(table, constraint, primary && isNew);
-    RefuseKeyOfBytes(table, key, constraint.position);
+    CheckKeyTypes(table, key, constraint.position);
     for (const IndexColumn& column : constraint.columns)
         key.descending.push_back(column.descending);
     if (primary) {

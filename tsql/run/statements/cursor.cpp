@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
 #include "tsql/sqlite/stored_value.h"
@@ -288,6 +289,20 @@ void Executor::TakeCurrentRow(const Name& name, const ObjectName& target) {
     const auto row = static_cast<std::size_t>(cursor.position);
     if (!IsSameRow(cursor, *table, row, name.position)) throw MakeError(16947, name.position);
     currentRow_ = cursor.rowNumbers[row];
+}
+
+void Executor::CheckUpdateColumns(const UpdateStatement& statement) {
+    CursorName wanted;
+    wanted.name = statement.currentOf;
+    const std::vector<Name>& columns = CursorSlot(wanted)->definition->updateColumns;
+    if (columns.empty()) return;
+    for (const Assignment& assignment : statement.assignments) {
+        const auto isIt = [&](const Name& name) {
+            return automation::SameName(name.text, assignment.column.Object());
+        };
+        if (!assignment.column.IsEmpty() && std::none_of(columns.begin(), columns.end(), isIt))
+            throw MakeError(16932, assignment.position);
+    }
 }
 
 void Executor::ReadKey(Cursor& cursor, PreparedStatement& statement, int first, std::size_t row) const {

@@ -1,6 +1,7 @@
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
 #include "tsql/sqlite/stored_value.h"
+#include "tsql/types/old_text.h"
 
 namespace vicenter::tsql::engine {
 
@@ -43,6 +44,7 @@ void Executor::Declare(const Statement& statement) {
                 switch (declared.kind) {
                     case VariableDeclaration::Kind::kScalar:
                         variable.type = Translator::ResolveType(declared.type);
+                        if (IsOldText(variable.type)) throw MakeError(2739, declared.position);
                         variable.isCursor = variable.type.kind == TypeKind::kCursor;
                         break;
                     case VariableDeclaration::Kind::kCursor:

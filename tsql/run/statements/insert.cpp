@@ -35,20 +35,36 @@ void Executor::Insert(const InsertStatement& statement) {
         statement.output ? &*statement.output : nullptr);
 }
 
+void Executor::Transaction(const TransactionStatement& statement) {
+    if (!countsBeforeInsert_.empty()) {
+        const bool undoes = statement.action == TransactionAction::kRollback && statement.name.IsEmpty();
+        if (undoes) throw MakeError(3915, statement.position);
+        const bool isOuters = transactions_.Count() <= countsBeforeInsert_.back();
+        if (statement.action == TransactionAction::kCommit && isOuters)
+            throw MakeError(3916, statement.position);
+    }
+    transactions_.Run(statement);
+}
+
 // INSERT … EXEC: all rows first, so that what runs may read the table that they go to.
 void Executor::InsertExecute(const InsertStatement& statement) {
     if (statement.top) throw MakeError(40510, statement.position, {"INSERT TOP … EXEC"});
     RowCollector rows(*sink_);
     ResultSink* outer = sink_;
     sink_ = &rows;
+    countsBeforeInsert_.push_back(transactions_.Count());
+    const auto end = [&] {
+        sink_ = outer;
+        countsBeforeInsert_.pop_back();
+    };
     try {
         // An error of the call itself is one of this statement.
         Dispatch(*statement.execute);
     } catch (...) {
-        sink_ = outer;
+        end();
         throw;
     }
-    sink_ = outer;
+    end();
     std::vector<SqlType> types;
     for (const ResultColumn& column : rows.Columns())
         types.push_back(column.type);

@@ -9,7 +9,8 @@
 namespace vicenter::tsql::engine {
 
 // All rows are known, with the values that they get, before the first of them is changed: rows to be deleted
-// go first, with them those whose keys change, which are then put anew among the others.
+// go first, with them those whose keys change, which are then put anew among the others, unless others refer
+// to them.
 void Executor::Merge(const MergeStatement& statement) {
     const TableInfo* named = FindTable(statement.target.Object());
     transactions_.Change(named != nullptr && named->temporary, [&] {
@@ -28,9 +29,6 @@ void Executor::Merge(const MergeStatement& statement) {
                                    [&](Translator& translator) { return translator.MissedRows(statement); });
             CollectMerge(missed, changes);
         }
-        const bool putsAnew = !changes.anew.empty();
-        if (putsAnew && IsReferenced(*changes.table))
-            throw MakeError(40510, statement.position, {"MERGE … UPDATE of a key that others refer to"});
         StatementGuard guard(database_, true);
         ApplyMerge(joined, changes);
         if (joined.translation.FillsIdentity() && !changes.inserted.empty()) KeepIdentity(*changes.table);
@@ -78,12 +76,31 @@ void Executor::CollectMerge(Plan& plan, MergeChanges& changes) {
 void Executor::ApplyMerge(const Plan& plan, const MergeChanges& changes) {
     const TableInfo& table = *changes.table;
     PreparedStatement remove = database_.Prepare("DELETE FROM " + table.Sql() + " WHERE _rowid_ = ?1");
-    for (const auto* list : {&changes.deleted, &changes.anew}) {
-        for (const MergeChanges::Row& change : *list) {
+    const auto removeAll = [&](const std::vector<MergeChanges::Row>& list) {
+        for (const MergeChanges::Row& change : list) {
             remove.Bind(1, change.row);
             if (remove.Step() == StepResult::kFailed) FailStep(plan);
             remove.Reset();
         }
+    };
+    // Rows that others refer to stay where they are while their keys change.
+    const bool staysInPlace = !changes.anew.empty() && IsReferenced(table);
+    removeAll(changes.deleted);
+    if (!staysInPlace) {
+        removeAll(changes.anew);
+    } else {
+        std::vector<ResultColumn> columns{{"_rowid_", SqlType::Of(TypeKind::kBigInt)}};
+        for (const std::string& name : changes.anew.front().columns)
+            columns.push_back({name, table.FindColumn(name)->type});
+        std::vector<std::vector<Value>> rows;
+        for (const MergeChanges::Row& change : changes.anew) {
+            std::vector<Value>& row = rows.emplace_back();
+            row.emplace_back(change.row);
+            row.insert(row.end(), change.values.begin(), change.values.end());
+        }
+        const std::int64_t affected = report_->rowsAffected;
+        ChangeRows(plan, columns, rows, false, {});
+        report_->rowsAffected = affected;
     }
     for (const MergeChanges::Row& change : changes.updated) {
         std::string sets;
@@ -94,6 +111,7 @@ void Executor::ApplyMerge(const Plan& plan, const MergeChanges& changes) {
             "UPDATE " + table.Sql() + " SET " + sets + " WHERE _rowid_ = " + std::to_string(change.row));
     }
     for (const auto* list : {&changes.anew, &changes.inserted}) {
+        if (list == &changes.anew && staysInPlace) continue;
         for (const MergeChanges::Row& change : *list) {
             std::string names;
             std::string marks;

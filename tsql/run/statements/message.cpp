@@ -81,7 +81,7 @@ void Executor::Raiserror(const RaiserrorStatement& statement) {
 void Executor::Throw(const ThrowStatement& statement) {
     if (!statement.number) {
         if (caught_.empty()) throw MakeError(10704, statement.position);
-        throw Abort{SqlError(caught_.back())};
+        throw Abort{SqlError(caught_.back()), nullptr, false, frame_->options.exactAbort};
     }
     Diagnostic details;
     details.number = static_cast<std::int32_t>(EvaluateInt(*statement.number));
@@ -93,7 +93,7 @@ void Executor::Throw(const ThrowStatement& statement) {
     if (details.number < kUserError) throw MakeError(35100, statement.position, {details.number});
     // THROW ends the batch in any mode.
     lastError_ = details.number;
-    throw Abort{SqlError(details)};
+    throw Abort{SqlError(details), nullptr, false, frame_->options.exactAbort};
 }
 
 }  // namespace vicenter::tsql::engine

@@ -4,13 +4,12 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
+#include "tsql/syntax/ast_children.h"
 
 namespace vicenter::tsql::engine {
 
 void Executor::Select(const SelectStatement& statement) {
-    if (const SelectBody* select = statement.query->Select(); select != nullptr && !select->into.IsEmpty()) {
-        return SelectInto(statement);
-    }
+    if (!FirstSelect(*statement.query->body).into.IsEmpty()) return SelectInto(statement);
     Plan& plan =
         PlanFor(&statement, [&](Translator& translator) { return translator.Select(*statement.query); });
     const ResetAtEnd reset(plan.statement);
@@ -169,7 +168,7 @@ void KeepTakenOver(Database& database, Catalog& catalog, const TableInfo& whole)
 
 // SELECT … INTO makes a table of the result's names and types.
 void Executor::SelectInto(const SelectStatement& statement) {
-    const SelectBody& select = *statement.query->Select();
+    const SelectBody& select = FirstSelect(*statement.query->body);
     const std::string& name = select.into.Object();
     const bool temporary = !name.empty() && name.front() == '#';
     transactions_.Define(temporary, [&] {

@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <deque>
 #include <functional>
+#include <limits>
 #include <map>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -10,6 +13,7 @@
 #include "tsql/run/row_limit.h"
 #include "tsql/run/statement_guard.h"
 #include "tsql/sqlite/stored_value.h"
+#include "tsql/translate/output_columns.h"
 
 namespace vicenter::tsql::engine {
 
@@ -34,7 +38,10 @@ bool SetsVariables(const UpdateStatement& statement) {
 void Executor::Update(const UpdateStatement& statement) {
     const TableInfo* table = FindTable(statement.target.Object());
     const bool temporary = table != nullptr && table->temporary;
-    if (!statement.currentOf.IsEmpty()) TakeCurrentRow(statement.currentOf, statement.target);
+    if (!statement.currentOf.IsEmpty()) {
+        TakeCurrentRow(statement.currentOf, statement.target);
+        CheckUpdateColumns(statement);
+    }
     if (SetsVariables(statement)) {
         UpdateVariables(statement, temporary);
     } else {
@@ -46,6 +53,9 @@ void Executor::Update(const UpdateStatement& statement) {
 }
 
 void Executor::UpdateColumns(const UpdateStatement& statement, bool temporary) {
+    // SQLite gives back what a row has become, not what it was.
+    if (statement.output && TellsOfOldRows(*statement.output))
+        return RewriteRows(statement, temporary, false);
     try {
         Modify(
             &statement, temporary, [&](Translator& translator) { return translator.Update(statement); },
@@ -54,7 +64,7 @@ void Executor::UpdateColumns(const UpdateStatement& statement, bool temporary) {
         // SQLite looks at keys row by row, the server when all rows are changed: FNo = FNo + 1 is no
         // duplicate.
         if (!IsDuplicate(error)) throw;
-        RewriteRows(statement, temporary);
+        RewriteRows(statement, temporary, true);
     }
 }
 
@@ -233,6 +243,58 @@ std::vector<std::int64_t> NumbersInPlace(const TableInfo& table, const std::vect
     return numbers;
 }
 
+// The rows as they are, by the numbers that stand first in others.
+std::vector<std::vector<Value>> StoredRows(Database& database, const TableInfo& table,
+                                           const std::vector<ResultColumn>& columns,
+                                           const std::vector<std::vector<Value>>& rows) {
+    std::string list;
+    for (std::size_t i = 1; i < columns.size(); ++i)
+        list += (i == 1 ? "" : ", ") + Quoted(columns[i].name);
+    PreparedStatement read =
+        database.Prepare("SELECT " + list + " FROM " + table.Sql() + " WHERE _rowid_ = ?1");
+    std::vector<std::vector<Value>> stored;
+    for (const std::vector<Value>& row : rows) {
+        read.Bind(1, row.front().Int());
+        std::vector<Value>& values = stored.emplace_back();
+        if (database.Step(read)) {
+            for (std::size_t i = 1; i < columns.size(); ++i)
+                values.push_back(ReadColumn(read.Handle(), static_cast<int>(i) - 1, columns[i].type));
+        }
+        values.resize(columns.size() - 1);
+        read.Reset();
+    }
+    return stored;
+}
+
+// A row of a circle gives up its key: a column of it gets, until its own value is free, one that no row has,
+// and what refers to it follows there. The number of the row then; nothing where it cannot be.
+std::optional<std::int64_t> PutAside(Database& database, const TableInfo& table, std::int64_t row) {
+    std::optional<std::int64_t> number;
+    for (const KeyInfo& key : table.keys) {
+        if (!key.IsUnique()) continue;
+        const auto name = std::ranges::find_if(key.columns, [&](const std::string& column) {
+            const SqlType& type = table.FindColumn(column)->type;
+            return type.IsText() || (type.IsInteger() && type.kind != TypeKind::kBit);
+        });
+        if (name == key.columns.end()) continue;
+        const bool isText = table.FindColumn(*name)->type.IsText();
+        PreparedStatement most =
+            database.Prepare(isText ? "SELECT max(_rowid_) FROM " + table.Sql()
+                                    : "SELECT max(" + Quoted(*name) + ") FROM " + table.Sql());
+        const std::int64_t last = database.Step(most) ? most.Int(0) : 0;
+        most.Reset();
+        if (last == std::numeric_limits<std::int64_t>::max()) return std::nullopt;
+        PreparedStatement change =
+            database.Prepare("UPDATE " + table.Sql() + " SET " + Quoted(*name) +
+                             (isText ? " = 'ts$' || ?1" : " = ?1") + " WHERE _rowid_ = ?2");
+        change.Bind(1, last + 1);
+        change.Bind(2, number.value_or(row));
+        if (change.Step() == StepResult::kFailed) return std::nullopt;
+        number = table.IsRowNumber(*name) ? last + 1 : number.value_or(row);
+    }
+    return number;
+}
+
 // Each row is changed where it is, and what refers to it follows, as soon as the key that it gets is free:
 // there and back over the rows, so that those that move on by one take two rounds.
 ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vector<ResultColumn>& columns,
@@ -241,6 +303,7 @@ ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vec
     std::vector<const std::vector<Value>*> left;
     for (const std::vector<Value>& row : rows)
         left.push_back(&row);
+    std::deque<std::vector<Value>> aside;
     while (!left.empty()) {
         std::reverse(left.begin(), left.end());
         std::vector<const std::vector<Value>*> kept;
@@ -255,10 +318,19 @@ ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vec
             std::set<std::int64_t> waiting;
             for (const std::vector<Value>* row : left)
                 waiting.insert(row->front().Int());
-            const bool circle = std::any_of(left.begin(), left.end(), [&](const std::vector<Value>* row) {
+            const auto waits = std::find_if(left.begin(), left.end(), [&](const std::vector<Value>* row) {
                 return WaitsForOther(database, table, columns, *row, waiting);
             });
-            if (circle) return ShiftResult::kCircle;
+            if (waits != left.end()) {
+                const auto isAside = [&](const std::vector<Value>& row) { return &row == *waits; };
+                if (std::any_of(aside.begin(), aside.end(), isAside)) return ShiftResult::kCircle;
+                const auto number = PutAside(database, table, (*waits)->front().Int());
+                if (!number) return ShiftResult::kCircle;
+                aside.push_back(**waits);
+                aside.back().front() = Value(*number);
+                *waits = &aside.back();
+                continue;
+            }
             tell(*left.front());
             writer.Put(*left.front());
             fail();
@@ -292,9 +364,9 @@ ShiftResult ShiftedRows(Database& database, const Catalog& catalog, const TableI
 
 }  // namespace
 
-// The rows as they are to be are read before the first of them is changed. What OUTPUT tells of them is read
-// when all are.
-void Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
+// The rows as they are and as they are to be are read before the first of them is changed. What OUTPUT tells
+// of them is worked out when all are.
+void Executor::RewriteRows(const UpdateStatement& statement, bool temporary, bool collides) {
     const OutputClause* output = statement.output ? &*statement.output : nullptr;
     const bool into = output != nullptr && !output->into.IsEmpty();
     const TableInfo* target = into ? FindTable(output->into.Object()) : nullptr;
@@ -313,17 +385,23 @@ void Executor::RewriteRows(const UpdateStatement& statement, bool temporary) {
             while (StepPlan(plan))
                 ReadRow(plan, rows.emplace_back());
         }
+        std::vector<std::vector<Value>> old;
+        if (output != nullptr) old = StoredRows(database_, table, plan.translation.columns, rows);
         const std::vector<std::int64_t> numbers =
-            ChangeRows(plan, plan.translation.columns, rows, true, statement.position);
+            ChangeRows(plan, plan.translation.columns, rows, collides, statement.position);
         if (output != nullptr) {
             Plan& changed = PlanFor(&output->columns, [&](Translator& translator) {
                 return translator.OutputOfRow(*output, table);
             });
             columns = changed.translation.columns;
             Bind(changed);
-            for (const std::int64_t number : numbers) {
+            const std::vector<ResultColumn>& stored = plan.translation.columns;
+            for (std::size_t i = 0; i < numbers.size(); ++i) {
                 const ResetAtEnd reset(changed.statement);
-                changed.statement.Bind(static_cast<int>(changed.translation.parameters.size()) + 1, number);
+                auto parameter = static_cast<int>(changed.translation.parameters.size());
+                for (std::size_t c = 1; c < stored.size(); ++c)
+                    BindValue(changed.statement.Handle(), ++parameter, old[i][c - 1], stored[c].type);
+                changed.statement.Bind(parameter + 1, numbers[i]);
                 if (StepPlan(changed)) ReadRow(changed, told.emplace_back());
             }
         }

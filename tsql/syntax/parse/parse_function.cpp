@@ -16,6 +16,7 @@ ExprPtr Parser::ParseNameOrCall() {
         return ParsePseudoColumn(std::move(name));
     }
     if (At(Op::kLeftParen)) {
+        RefuseMethod(name);
         CheckIsHere(name);
         return ParseCall(std::move(name));
     }

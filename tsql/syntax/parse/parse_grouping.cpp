@@ -70,7 +70,7 @@ GroupingItem Parser::ParseGroupingItem() {
     } else if (At(Op::kLeftParen) && At(Op::kRightParen, 1)) {
         Take();
         Take();
-    } else if (At(Op::kLeftParen)) {
+    } else if (At(Op::kLeftParen) && !At(Keyword::kSelect, 1)) {
         // (a, b) is a list, (a + b) * c a value that begins with a parenthesis.
         const State state = Save();
         Take();

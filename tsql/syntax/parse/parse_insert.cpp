@@ -82,6 +82,7 @@ OutputClause Parser::ParseOutput() {
             output.into = TakeObjectName();
         }
         if (At(Op::kLeftParen) && !AtQuery()) output.columns = TakeNamesInParentheses();
+        if (AtWord("output")) throw MakeError(40510, Peek().position, {"OUTPUT … INTO … OUTPUT"});
     }
     return output;
 }

@@ -81,6 +81,7 @@ constexpr std::string_view kObjects[] = {
     "signature",    "spatial",     "statistics", "symmetric",  "synonym",       "trigger",
     "type",         "user",        "workload",   "xml",        "primary",       "columnstore",
     "authorization"};
+constexpr std::string_view kMethodsOfXml[] = {"exist", "modify", "nodes", "query", "value"};
 constexpr std::string_view kRowsets[] = {"containstable",
                                          "freetexttable",
                                          "opendatasource",
@@ -236,7 +237,18 @@ void Parser::RefusePredicate() {
 }
 
 // x AT TIME ZONE 'China Standard Time'
+// x.value('(/a)[1]', 'int')
+void Parser::RefuseMethod(const ObjectName& name) {
+    if (name.parts.size() > 1 && IsOneOf(name.Object(), kMethodsOfXml))
+        Refuse(name.parts.back().position, "." + text::LowerAscii(name.Object()) + "()");
+}
+
 void Parser::RefuseBehindValue() {
+    if (At(Op::kDot) && At(Op::kLeftParen, 2) && IsOneOf(Peek(1).text, kMethodsOfXml))
+        Refuse(Peek(1).position, "." + text::LowerAscii(Peek(1).text) + "()");
+    // geometry::Point(1, 2, 0)
+    if (At(Op::kColon) && At(Op::kColon, 1) && AtName(2))
+        Refuse(previous_.position, std::string(previous_.text) + "::" + std::string(Peek(2).text));
     if (AtWord("at") && AtWord("time", 1) && AtWord("zone", 2)) Refuse(Peek().position, "AT TIME ZONE");
 }
 

@@ -164,6 +164,7 @@ TableSourcePtr Parser::ParseOneSource() {
     }
     ObjectName name = TakeObjectName();
     if (At(Op::kLeftParen) && !AtHints()) {
+        RefuseMethod(name);
         auto function = std::make_unique<FunctionTable>(start);
         function->name = std::move(name);
         Take();

@@ -153,6 +153,11 @@ ObjectName Parser::TakeObjectName() {
 }
 
 void Parser::CheckIsHere(const ObjectName& name) {
+    // The views here tell of the tables of the account set: there are no rows for those of a session.
+    const std::string object = text::LowerAscii(name.Object());
+    const bool isProcedure = object.starts_with("sp_") || object.starts_with("xp_");
+    if (IsWord(name.Database(), "tempdb") && !object.starts_with('#') && !isProcedure && IsHere(name))
+        throw MakeError(40510, name.Where(), {name.Text()});
     if (!IsHere(name)) throw MakeError(40515, name.Where(), {name.Text()});
 }
 

@@ -137,6 +137,8 @@ class Parser {
     void RefuseValue();
     void RefusePseudoColumn();
     void RefuseBehindValue();
+    // A call by a name of several parts, which may be that of a method.
+    void RefuseMethod(const ObjectName& name);
     void RefuseBehindCall();
 
     // ---- expressions (parse_expression.cpp, parse_condition.cpp, parse_function.cpp)
