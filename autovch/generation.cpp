@@ -15,6 +15,7 @@
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/statements.h"
+#include "store/stoppable_command.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
 #include "store/template_name.h"
@@ -146,6 +147,7 @@ GenerationResult Generate(const GenerationRequest& request, const Progress& prog
         entry::Tell(why);
         return {};
     }
+    const store::StoppableCommand command;
     entry::WriteFrameLog("C001C039", "AutoRunVch");
 
     const std::string userId = entry::CurrentUserId();

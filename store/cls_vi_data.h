@@ -73,6 +73,8 @@ class clsVIData : public automation::TableObject<clsVIData> {
     // Inserts a custom template of the current user and returns its FID. lMaxNum goes in as a lower bound and
     // comes back as the largest custom number found; the new template bears the next one.
     std::int32_t InsertVchTemplateInfo(std::int32_t& lMaxNum);
+    // The name that the next one would bear; empty when the account set does not answer.
+    std::string NewTemplateName();
     // All columns of the template's entry lines, ordered by FNo, FEntryID.
     RecordsetRef GetVchTemplateEntryInfo(const std::string& FID);
 
@@ -115,6 +117,8 @@ class clsVIData : public automation::TableObject<clsVIData> {
     RecordsetRef Query(const std::string& sql);
     // One more statement on the broker that Query opened.
     RecordsetRef QueryAgain(const std::string& sql);
+    // On which number a new template's name is built, that or a larger one. Errors pass.
+    std::int32_t AskBaseOfNewNumber(std::int32_t lowest);
     // (FID) of every user's templates of that name. Errors pass.
     RecordsetRef TemplatesOfName(const std::string& name);
     // The checks that take more than one question. Errors pass.

@@ -124,18 +124,30 @@ bool clsVIData::DeleteVchTemplateInfo(const std::string& FID) {
     }
 }
 
+std::int32_t clsVIData::AskBaseOfNewNumber(std::int32_t lowest) {
+    const RecordsetRef names = Query(
+        "select REPLACE(REPLACE(fname,')',''),'自定义模板(','') as FNum from t_VchTemplate where FName like "
+        "'%自定义模板(%'");
+    std::set<std::int64_t> taken;
+    for (; !names->AtEnd(); names->MoveNext()) {
+        const std::string text = names->Value("FNum").ToTextOrEmpty();
+        if (const auto number = WholeNumber(text)) taken.insert(*number);
+        lowest = std::max(lowest, CustomNumber(text));
+    }
+    return BaseOfNewNumber(lowest, taken);
+}
+
+std::string clsVIData::NewTemplateName() {
+    try {
+        return CustomTemplateName(std::int64_t{AskBaseOfNewNumber(0)} + 1);
+    } catch (const Error&) {
+        return {};
+    }
+}
+
 std::int32_t clsVIData::InsertVchTemplateInfo(std::int32_t& lMaxNum) {
     try {
-        const RecordsetRef names = Query(
-            "select REPLACE(REPLACE(fname,')',''),'自定义模板(','') as FNum from t_VchTemplate where FName like "
-            "'%自定义模板(%'");
-        std::set<std::int64_t> taken;
-        for (; !names->AtEnd(); names->MoveNext()) {
-            const std::string text = names->Value("FNum").ToTextOrEmpty();
-            if (const auto number = WholeNumber(text)) taken.insert(*number);
-            lMaxNum = std::max(lMaxNum, CustomNumber(text));
-        }
-        lMaxNum = BaseOfNewNumber(lMaxNum, taken);
+        lMaxNum = AskBaseOfNewNumber(lMaxNum);
         QueryAgain(std::string(" declare @MaxFID int ") + kCrLf +
                    " select @MaxFID = MAX(FID)+1 from t_VchTemplate " + kCrLf + " " + kTemplateInsert +
                    "@MaxFID,'" + CustomTemplateName(std::int64_t{lMaxNum} + 1) + "'," +

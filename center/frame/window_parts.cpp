@@ -83,7 +83,6 @@ TemplateSaveActions WindowParts::SaveActions() {
     TemplateSaveActions actions;
     actions.reload = [this] { return Reload(); };
     actions.showAgain = [this](const std::string& id) { return tree.ShowAgain(id); };
-    actions.insertTemplate = [this] { return tree.InsertTemplate(); };
     actions.undo = [this] { editing.Undo(); };
     actions.refused = [this] {
         faults.AddMissing();

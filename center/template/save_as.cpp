@@ -2,10 +2,12 @@
 
 #include "center/frame/window_state.h"
 #include "center/template/new_name.h"
+#include "center/template/template_save.h"
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
 #include "store/new_template.h"
+#include "store/stoppable_command.h"
 #include "store/template_batches.h"
 
 namespace vicenter::center {
@@ -22,7 +24,7 @@ store::TemplateOutcome TellFailed(const std::string& name, State state) {
         entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-另存模板 " + name + " 成功");
         return {state};
     }
-    Tell("模板 " + name + " 保存失败！");
+    Tell("模板 " + name + " 保存失败！" + StoppedNote());
     entry::WriteOperationLog(LogKind::Failed, "凭证模板-另存模板 " + name + " 失败");
     return {state};
 }
@@ -31,6 +33,7 @@ store::TemplateOutcome TellFailed(const std::string& name, State state) {
 
 store::TemplateOutcome SaveLinesAs(const EntryGrid& grid, int rowCount, const std::string& wished,
                                    const std::string& userId) {
+    const store::StoppableCommand command;
     // As the batch writes it.
     const std::string name(system::TrimBlanks(wished));
     if (const std::string why = WhyNotNewName(name, userId, "保存失败！"); !why.empty()) {
@@ -43,7 +46,7 @@ store::TemplateOutcome SaveLinesAs(const EntryGrid& grid, int rowCount, const st
     {
         store::NewTemplate made(name, userId);
         if (!made.MayWrite()) {
-            Tell(made.WhyNot("没有保存"));
+            if (!store::StoppableCommand::IsStopped()) Tell(made.WhyNot("没有保存"));
             return TellFailed(name, State::Failed);
         }
         if (!made.RunAndCommit(batch)) return TellFailed(name, State::Refused);

@@ -4,8 +4,10 @@
 
 #include "center/editing/cell_rules.h"
 #include "center/lookups/cell_resolution.h"
+#include "center/template/save_as.h"
 #include "entry/host_services.h"
 #include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
 #include "store/stoppable_command.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
@@ -125,10 +127,13 @@ store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const S
     }
 }
 
+std::string StoppedNote() {
+    return store::StoppableCommand::IsStopped() ? "\r\n\r\n操作已取消，没有保存任何内容，录入的分录保持不变。"
+                                                : "";
+}
+
 void TellSaveFailed(const std::string& name) {
-    const bool stopped = store::StoppableCommand::IsStopped();
-    Tell("模板 " + name + " 保存失败！" +
-         (stopped ? "\r\n\r\n操作已取消，没有保存任何内容，录入的分录保持不变。" : ""));
+    Tell("模板 " + name + " 保存失败！" + StoppedNote());
     entry::WriteOperationLog(LogKind::Succeeded, "凭证模板-保存模板 " + name + " 失败");
 }
 
@@ -224,16 +229,19 @@ void TemplateSave::KeepRefused(bool reloaded, const LinesDigest& loadedBefore) {
     actions_.refreshStatus();
 }
 
+// The template and its lines are there together or not at all.
 bool TemplateSave::SendAsNewTemplate() {
-    const std::optional<TreeNode> node = actions_.insertTemplate();
-    if (!node) return false;
-    state_.open.Become(node->key.substr(kTemplateKeyHead.size()), node->text);
-    state_.view.SetTemplateName(node->text);
-    const SeenTemplate seen = SeenOpen(state_.open, state_.userId);
-    const store::TemplateOutcome sent = SendTemplate(*state_.grid, state_.open.RowCount(), seen);
-    if (sent.state != store::TemplateOutcome::State::NotAsSeen) return ShowSent(sent, true);
-    Tell(store::WhyNotWritten(seen, sent.found, "没有保存"));
-    return false;
+    const std::string name = store::clsVIData().NewTemplateName();
+    if (name.empty()) {
+        TellSaveFailed(state_.open.Name());
+        return false;
+    }
+    const store::TemplateOutcome sent =
+        SaveLinesAs(*state_.grid, state_.open.RowCount(), name, state_.userId);
+    if (!sent) return false;
+    state_.open.Become(std::to_string(sent.id), name);
+    state_.view.SetTemplateName(name);
+    return ShowSent(sent, true);
 }
 
 FoundTemplate TemplateSave::LookAtTheirs(const SeenTemplate& theirs) {

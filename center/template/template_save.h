@@ -38,6 +38,9 @@ std::string BuildSaveBatch(const EntryGrid& grid, int rowCount, const std::strin
 // apart. When it is not what the user saw any more nothing is sent and nothing told.
 store::TemplateOutcome SendTemplate(const EntryGrid& grid, int rowCount, const SeenTemplate& seen);
 
+// Behind the message of a save that failed: that the user himself has stopped it; else empty.
+std::string StoppedNote();
+
 // What the user and the operation log learn of a save that failed.
 void TellSaveFailed(const std::string& name);
 
@@ -51,8 +54,6 @@ struct TemplateSaveActions {
     // Reads the tree again and opens the template of that id; false, and nothing has changed, when it cannot
     // be read or is not there.
     std::function<bool(const std::string& id)> showAgain;
-    // A new template of the user's in the tree; none when there is none, which the user has been told.
-    std::function<std::optional<TreeNode>()> insertTemplate;
     std::function<void()> undo;
     // The lines are not to be saved as they are.
     std::function<void()> refused;

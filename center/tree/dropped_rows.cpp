@@ -12,6 +12,7 @@
 #include "center/template/template_fate.h"
 #include "center/template/template_save.h"
 #include "store/line_difference.h"
+#include "store/stoppable_command.h"
 #include "store/template_guard.h"
 
 namespace vicenter::center {
@@ -117,7 +118,10 @@ bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const st
             system::MessageButtons::YesNo) != system::MessageResult::Yes) {
         return false;
     }
+    const store::StoppableCommand command;
     const store::TemplateOutcome sent = SendTemplate(grid, static_cast<int>(lines.size()), stored->seen);
+    if (sent && store::StoppableCommand::IsStopped())
+        Tell("模板 " + name + " 已保存，但未能重新读取，请重新打开该模板！");
     // Somebody may have saved it while the question stood there.
     if (sent.state == store::TemplateOutcome::State::NotAsSeen)
         Tell(store::WhyNotWritten(stored->seen, sent.found, kNotCopied));

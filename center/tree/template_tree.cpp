@@ -6,6 +6,7 @@
 #include "entry/single_line.h"
 #include "platform/system/collation.h"
 #include "store/cls_vi_data.h"
+#include "store/command_unit.h"
 #include "store/engine_text.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"
@@ -347,28 +348,39 @@ std::optional<SeenTemplate> TemplateTree::SeenForRenaming(const std::string& tex
 // --- new and delete
 
 std::optional<TreeNode> TemplateTree::InsertTemplate() {
-    std::int32_t largest = 0;
+    std::optional<TreeNode> node;
+    bool undone = true;
     store::clsVIData::ForgetFailure();
-    const std::int32_t id = store::clsVIData().InsertVchTemplateInfo(largest);
-    if (id <= 0) {
+    {
+        store::CommandUnit unit;
+        std::int32_t largest = 0;
+        std::int32_t number = 0;
+        // Whoever waited in vain for others to end would do so a second time.
+        if (unit.HasBegun() || !store::clsVIData::LastFailureWasLock())
+            number = store::clsVIData().InsertVchTemplateInfo(largest);
+        const std::string id = std::to_string(number);
+        const std::string name = store::CustomTemplateName(std::int64_t{largest} + 1);
+        undone = number <= 0 || unit.IsOne();
+        if (number > 0 && store::ConfirmNewTemplate(id, state_.userId, name) && unit.Commit())
+            node = TreeNode{KeyOf(id), name, kTemplateIcon};
+    }
+    if (node) {
+        nodes_.push_back(*node);
+        state_.view.AddTreeNode(*node);
+        Select(node->key);
+        return node;
+    }
+    if (undone) {
         // The account set keeps silent, and the user would take the command for done.
         const std::string why = store::EngineTextInChinese(store::clsVIData::LastFailure());
         Tell(why.empty() ? std::string(kNotCreated) : kNotCreated + ("\r\n\r\n" + why));
         return std::nullopt;
     }
-    const TreeNode node{KeyOf(std::to_string(id)), store::CustomTemplateName(std::int64_t{largest} + 1),
-                        kTemplateIcon};
-    if (!store::ConfirmNewTemplate(std::to_string(id), state_.userId, node.text)) {
-        Tell("新增的模板未能确认（其他用户可能同时新增了模板），请在重新读取的模板树中选择！");
-        const std::string before = selected_;
-        ReadNodes();
-        Select(before);
-        return std::nullopt;
-    }
-    nodes_.push_back(node);
-    state_.view.AddTreeNode(node);
-    Select(node.key);
-    return node;
+    Tell("新增的模板未能确认（其他用户可能同时新增了模板），请在重新读取的模板树中选择！");
+    const std::string before = selected_;
+    ReadNodes();
+    Select(before);
+    return std::nullopt;
 }
 
 bool TemplateTree::CreateTemplate() {

@@ -133,8 +133,12 @@ TEST_F(RightTemplate, ATreeThatCannotBeReadStaysAsItIs) {
 TEST_F(RightTemplate, MineAsANewTemplateLeavesTheirsAlone) {
     TypeMine();
     SaveElsewhere();
-    set_.Answer("select Max(FID)", Rows({"FID"}, {{9}}));
-    set_.Respond("exec pro_VchTpCanUsed 9", [this](const std::string&) {
+    bool made = false;
+    set_.Answer("as FNamed", Rows({"FNamed"}, {{0}}));
+    set_.Respond("select FID from t_VchTemplate where FName = '自定义模板(3)'",
+                 [&](const std::string&) { return made ? Rows({"FID"}, {{9}}) : Rows({"FID"}); });
+    set_.Respond("exec pro_VchTpCanUsed @MaxFID", [&](const std::string&) {
+        made = true;
         lines_["9"] = {Line(1, "我的")};
         templates_.push_back({9, "自定义模板(3)"});
         return Rows({});
@@ -144,8 +148,12 @@ TEST_F(RightTemplate, MineAsANewTemplateLeavesTheirsAlone) {
     EXPECT_TRUE(Window().Save());
     EXPECT_THAT(Messages(), ElementsAre(kAskNew, "模板 自定义模板(3) 保存成功！"));
     EXPECT_THAT(Sent("where FID = 5 \r\n"), IsEmpty());
-    ASSERT_EQ(Sent("exec pro_VchTpCanUsed 9").size(), 1U);
-    EXPECT_THAT(Sent("exec pro_VchTpCanUsed 9")[0], HasSubstr("'我的'"));
+    // The template and its lines in one batch.
+    ASSERT_EQ(Sent("exec pro_VchTpCanUsed @MaxFID").size(), 1U);
+    EXPECT_THAT(Sent("exec pro_VchTpCanUsed @MaxFID")[0], HasSubstr("'我的'"));
+    EXPECT_THAT(Sent("exec pro_VchTpCanUsed @MaxFID")[0],
+                HasSubstr("insert into t_VchTemplate(FID,FName,FUserID,FNXUserID,FDate) "
+                          "values(@MaxFID,'自定义模板(3)'"));
     EXPECT_EQ(Window().TemplateId(), "9");
     EXPECT_EQ(Window().SelectedNode(), "detail-9");
     EXPECT_EQ(Cell(1, column::kExplanation), "我的");
