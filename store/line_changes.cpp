@@ -1,5 +1,7 @@
 #include "store/line_changes.h"
 
+#include "store/cell_rules.h"
+
 namespace vicenter::store {
 
 namespace {
@@ -9,7 +11,8 @@ void Append(std::vector<LineChange>& changes, const LineDifference& difference,
     const std::string kind = KindText(difference.kind);
     const int row = static_cast<int>((difference.after ? *difference.after : *difference.before) + 1);
     for (const LineDifference::Cell& cell : difference.cells)
-        changes.push_back({kind, difference.number, row, cell.column, cell.before, cell.after});
+        changes.push_back({kind, difference.number, row, cell.column, DisplayText(cell.column, cell.before),
+                           DisplayText(cell.column, cell.after)});
     if (difference.kind == LineDifference::Kind::Changed) return;
     changes.push_back({kind, difference.number, row, 0,
                        difference.before ? WordsOfLine(before[*difference.before]) : std::string(),
@@ -33,7 +36,7 @@ std::string WordsOfLine(const LineTexts& line) {
         const std::string& text = line[static_cast<std::size_t>(c - 1)];
         if (text.empty()) continue;
         if (!words.empty()) words += " ";
-        words += text;
+        words += DisplayText(c, text);
     }
     return words;
 }

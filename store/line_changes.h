@@ -1,7 +1,7 @@
 #pragma once
 
 // Differences between two readings of a template's lines as lists show them: a row for each cell that
-// changed, one for each whole line that came or went. Pure functions.
+// changed, one for each whole line that came or went; numbers as the grid shows them. Pure functions.
 
 #include <string>
 #include <vector>

@@ -43,6 +43,17 @@ TEST_F(TreeMenuWayTest, ASavedOverLineIsComparedAndComesBack) {
     });
 }
 
+TEST_F(TreeMenuWayTest, AmountsOfAVersionReadAsInTheGrid) {
+    OpenTemplate("日常费用");
+    window->Presenter().Grid().SetColumnHidden(column::kAmount, false);
+    TypeInto(3, column::kAmount, "12345.6");
+    ClickTool("mnuSave");
+    ChooseInMenu(KeyOf("日常费用"), "mnuHistory", [&](QDialog& dialog) {
+        EXPECT_EQ(Rows(dialog, "changes", 0), QStringList{"修改|2|3|金额|2,380.50|12,345.60"});
+    });
+    EXPECT_TRUE(dialogShown_);
+}
+
 TEST_F(TreeMenuWayTest, AVersionBecomesANewTemplateUnderTheNameThatIsTyped) {
     OpenTemplate("日常费用");
     TypeInto(1, column::kExplanation, "typed over");

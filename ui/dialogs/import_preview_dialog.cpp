@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "exchange/template_columns.h"
+#include "store/cell_rules.h"
 #include "ui/look/dialog_frame.h"
 #include "ui/look/list_table.h"
 #include "ui/look/one_line.h"
@@ -36,6 +37,10 @@ QString FieldText(int column) {
 
 QString FromTo(const QString& before, const QString& after) {
     return before == after ? after : before + QStringLiteral(" → ") + after;
+}
+
+QString AmountText(const std::string& amount) {
+    return ToQt(store::DisplayText(store::column::kAmount, amount));
 }
 
 QLabel* MakeLabel(const QString& text, const char* name, QWidget* parent) {
@@ -116,8 +121,8 @@ void ImportPreviewDialog::AddTotals() {
         Put(*table, row++,
             {ToQt(total.number),
              FromTo(QString::number(total.before.lines), QString::number(total.after.lines)),
-             FromTo(ToQt(total.before.debit), ToQt(total.after.debit)),
-             FromTo(ToQt(total.before.credit), ToQt(total.after.credit)), note},
+             FromTo(AmountText(total.before.debit), AmountText(total.after.debit)),
+             FromTo(AmountText(total.before.credit), AmountText(total.after.credit)), note},
             total.Unbalanced());
     }
     FitColumns(*table);
