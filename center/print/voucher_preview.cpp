@@ -1,5 +1,8 @@
 #include "center/print/voucher_preview.h"
 
+#include <map>
+#include <utility>
+
 #include "automation/error.h"
 #include "center/frame/vicenter_view.h"
 #include "center/frame/window_state.h"
@@ -11,6 +14,7 @@
 #include "platform/system/file_replacement.h"
 #include "platform/system/surroundings.h"
 #include "store/engine_text.h"
+#include "store/item_names.h"
 #include "text/ascii.h"
 
 namespace vicenter::center {
@@ -71,11 +75,41 @@ std::vector<std::string> QuestionsOf(const EntryGrid& pattern, int rows) {
     return questions;
 }
 
+// Codes with their names, asked for once for an account and its items.
+class KnownItems {
+  public:
+    std::string Of(const EntryGrid& grid, int row) {
+        const std::string codes(grid.Text(row, column::kItems));
+        if (codes.empty()) return {};
+        const std::string account(grid.Text(row, column::kAccountNumber));
+        const auto [known, isNew] = texts_.try_emplace({account, codes}, codes);
+        if (isNew) known->second = Named(account, codes);
+        return known->second;
+    }
+
+  private:
+    // The codes alone where the account has no such items.
+    static std::string Named(const std::string& account, const std::string& codes) {
+        std::string text;
+        std::string found;
+        for (const store::NamedItem& item : store::NamedItems(account, codes)) {
+            found += (found.empty() ? "" : ",") + item.code;
+            if (item.code.empty()) continue;
+            text += (text.empty() ? "" : "、") + item.code + (item.name.empty() ? "" : " " + item.name);
+        }
+        return found == codes ? text : codes;
+    }
+
+    std::map<std::pair<std::string, std::string>, std::string> texts_;
+};
+
 }  // namespace
 
 PrintSheet TemplateSheet(const EntryGrid& grid, int rowCount, const SheetHead& head) {
     PrintSheet sheet = EmptySheet(head);
-    sheet.blocks = VoucherBlocks(grid, rowCount);
+    KnownItems items;
+    sheet.blocks =
+        VoucherBlocks(grid, rowCount, [&](const EntryGrid& from, int at) { return items.Of(from, at); });
     return sheet;
 }
 
@@ -118,7 +152,9 @@ VoucherPreview::VoucherPreview(const EntryGrid& grid, int rowCount, int row, con
     const std::vector<int> rows = RowsOfNumber(grid, rowCount, number_);
     EntryGrid pattern;
     const int count = CopyRows(grid, rows, pattern);
-    sheet_.blocks.push_back(VoucherBlock(grid, rows, number_));
+    KnownItems items;
+    sheet_.blocks.push_back(
+        VoucherBlock(grid, rows, number_, [&](const EntryGrid& from, int at) { return items.Of(from, at); }));
     std::vector<std::string>& notes = sheet_.blocks.front().notes;
     for (std::string& question : QuestionsOf(pattern, count))
         notes.push_back(std::move(question));

@@ -37,10 +37,10 @@ std::string Named(const char* name, const std::string& value) {
 }
 
 // What is kept of a line beside its amount.
-std::string Details(const EntryGrid& grid, int row) {
+std::string Details(const EntryGrid& grid, int row, const ItemsText& items) {
     std::string text;
     const auto add = [&text](const std::string& more) { Append(text, more, "；"); };
-    add(Named("项目 ", Shown(grid, row, column::kItems)));
+    add(Named("项目 ", items(grid, row)));
     add(Named("结算 ", Joined(grid, row, {column::kSettleName, column::kSettleNumber})));
     std::string foreign = Shown(grid, row, column::kCurrencyName);
     Append(foreign, Named("汇率 ", Shown(grid, row, column::kRate)), " ");
@@ -72,7 +72,8 @@ std::vector<int> RowsOfNumber(const EntryGrid& grid, int rowCount, std::string_v
     return rows;
 }
 
-PrintBlock VoucherBlock(const EntryGrid& grid, const std::vector<int>& rows, std::string_view number) {
+PrintBlock VoucherBlock(const EntryGrid& grid, const std::vector<int>& rows, std::string_view number,
+                        const ItemsText& items) {
     PrintBlock block;
     block.caption = number.empty() ? "没有模板编号" : "模板编号 " + std::string(number);
     Decimal debit;
@@ -81,7 +82,7 @@ PrintBlock VoucherBlock(const EntryGrid& grid, const std::vector<int>& rows, std
         std::vector<std::string> texts(kCreditPlace + 1);
         texts[0] = Shown(grid, row, column::kExplanation);
         texts[1] = Joined(grid, row, {column::kAccountNumber, column::kAccountName});
-        texts[2] = Details(grid, row);
+        texts[2] = Details(grid, row, items);
         const bool credited = grid.Text(row, column::kDirection) == kCredit;
         // As in a voucher: what is credited stands one step in.
         if (credited && !texts[1].empty()) texts[1] = "　　" + texts[1];
@@ -98,7 +99,7 @@ PrintBlock VoucherBlock(const EntryGrid& grid, const std::vector<int>& rows, std
     return block;
 }
 
-std::vector<PrintBlock> VoucherBlocks(const EntryGrid& grid, int rowCount) {
+std::vector<PrintBlock> VoucherBlocks(const EntryGrid& grid, int rowCount, const ItemsText& items) {
     std::vector<std::string> order;
     std::map<std::string, std::vector<int>> rowsOf;
     for (int row = 1; row <= rowCount; ++row) {
@@ -110,7 +111,7 @@ std::vector<PrintBlock> VoucherBlocks(const EntryGrid& grid, int rowCount) {
     std::vector<PrintBlock> blocks;
     blocks.reserve(order.size());
     for (const std::string& number : order)
-        blocks.push_back(VoucherBlock(grid, rowsOf[number], number));
+        blocks.push_back(VoucherBlock(grid, rowsOf[number], number, items));
     return blocks;
 }
 

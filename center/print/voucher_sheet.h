@@ -3,6 +3,7 @@
 // Patterns as the vouchers that they make: explanation, account with what is kept of it, debit and credit.
 // Stateless, on the texts of a grid; no database.
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,10 +18,14 @@ std::vector<PrintColumn> SheetColumns();
 // The rows of the grid with that number, as NumberOfRow knows it.
 std::vector<int> RowsOfNumber(const EntryGrid& grid, int rowCount, std::string_view number);
 
+// What a row's items are called on paper: codes with their names.
+using ItemsText = std::function<std::string(const EntryGrid& grid, int row)>;
+
 // One pattern: a row a line, the sums, and what does not balance.
-PrintBlock VoucherBlock(const EntryGrid& grid, const std::vector<int>& rows, std::string_view number);
+PrintBlock VoucherBlock(const EntryGrid& grid, const std::vector<int>& rows, std::string_view number,
+                        const ItemsText& items);
 
 // All patterns of a template, in the order of their first lines.
-std::vector<PrintBlock> VoucherBlocks(const EntryGrid& grid, int rowCount);
+std::vector<PrintBlock> VoucherBlocks(const EntryGrid& grid, int rowCount, const ItemsText& items);
 
 }  // namespace vicenter::center

@@ -14,6 +14,11 @@ using ::testing::SizeIs;
 
 constexpr PageHeights kPage{100, 5};
 
+// A ledger that knows no names.
+std::string Codes(const EntryGrid& grid, int row) {
+    return std::string(grid.Text(row, column::kItems));
+}
+
 BlockHeights Block(std::vector<double> rows) {
     return {10, std::move(rows), 10};
 }
@@ -86,7 +91,7 @@ TEST_F(VoucherSheetTest, EveryPatternIsABlockOfItsRowsInTheOrderOfTheirFirstLine
     Line(1, "2", "借", "1405", "10");
     Line(2, "1", "借", "1405", "7");
     Line(3, "02", "贷", "1002", "10");
-    const std::vector<PrintBlock> blocks = VoucherBlocks(grid, rows);
+    const std::vector<PrintBlock> blocks = VoucherBlocks(grid, rows, Codes);
     ASSERT_THAT(blocks, SizeIs(2));
     EXPECT_EQ(blocks[0].caption, "模板编号 2");
     EXPECT_THAT(blocks[0].rows, ElementsAre(ElementsAre("购茶叶", "1405", "", "10.00", ""),
@@ -109,7 +114,7 @@ TEST_F(VoucherSheetTest, WhatIsKeptOfALineStandsBesideIt) {
     grid.SetText(1, column::kUnitName, "箱");
     grid.SetText(1, column::kQuantity, "5");
     grid.SetText(1, column::kRemark, "待核对");
-    const PrintBlock block = VoucherBlock(grid, {1}, "1");
+    const PrintBlock block = VoucherBlock(grid, {1}, "1", Codes);
     EXPECT_EQ(block.rows[0][1], "1122 应收账款");
     EXPECT_THAT(block.rows[0][2], ::testing::HasSubstr("项目 C001,D02；结算 支票 0017；美元 汇率 7.1"));
     EXPECT_THAT(block.rows[0][2], ::testing::HasSubstr("原币 1,000.00；数量 5"));
@@ -119,7 +124,7 @@ TEST_F(VoucherSheetTest, WhatIsKeptOfALineStandsBesideIt) {
 
 TEST_F(VoucherSheetTest, EveryRowHasATextForEveryColumn) {
     Line(1, "", "", "", "");
-    for (const PrintBlock& block : VoucherBlocks(grid, rows)) {
+    for (const PrintBlock& block : VoucherBlocks(grid, rows, Codes)) {
         EXPECT_THAT(block.foot, SizeIs(SheetColumns().size()));
         for (const auto& row : block.rows)
             EXPECT_THAT(row, SizeIs(SheetColumns().size()));

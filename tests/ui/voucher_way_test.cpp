@@ -61,6 +61,18 @@ TEST_F(VoucherWayTest, F9ShowsTheLinesTheSumsAndWhatIsOpen) {
     EXPECT_TRUE(shown_);
 }
 
+TEST_F(VoucherWayTest, ItemsHaveTheirNamesBesideTheirCodes) {
+    ClickNode("detail-1");
+    ClickCell(3, column::kExplanation);
+    InDialog([&](QDialog& dialog) {
+        auto* lines = dialog.findChild<QTableWidget*>(QStringLiteral("voucherLines"));
+        EXPECT_THAT(lines->item(0, 2)->text().toStdString(),
+                    StartsWith("项目 D01 总经理办公室、E001 林晓岚"));
+    });
+    QTest::keyClick(&window->Grid(), Qt::Key_F9);
+    EXPECT_TRUE(shown_);
+}
+
 TEST_F(VoucherWayTest, EveryTextOfTheVoucherIsReadAtItsFirstSize) {
     ClickNode("detail-3");
     ClickCell(1, column::kExplanation);
