@@ -6,6 +6,7 @@
 #include <QFileSystemModel>
 #include <QPushButton>
 #include <QTimer>
+#include <QTreeView>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -104,6 +105,24 @@ TEST_F(SecondProcessTest, AFileDialogOpensNoFileOfTheAccountSetWhoseFolderItList
             std::vector<std::string> opened = watched.Opened();
             std::erase(opened, std::string(tool) + ".xlsx");  // by this test, to write it
             EXPECT_THAT(opened, IsEmpty()) << tool;
+        });
+    }
+}
+
+// A list of files whose every column is read, at its first size.
+TEST_F(SecondProcessTest, TheDateOfAFileIsReadWhole) {
+    for (const char* tool : {"mnuExp", "mnuImp"}) {
+        AtDialog(tool, [&](QFileDialog& dialog) {
+            List(dialog, std::string(tool) + ".xlsx");
+            auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+            ASSERT_NE(list, nullptr);
+            constexpr int kDate = 3;
+            ASSERT_TRUE(list->isVisible());
+            const QModelIndex listed = list->model()->index(0, kDate, list->rootIndex());
+            ASSERT_TRUE(listed.isValid());
+            EXPECT_GE(list->columnWidth(kDate),
+                      list->fontMetrics().horizontalAdvance(listed.data().toString()) + 6);
+            EXPECT_LE(list->visualRect(listed).right(), list->viewport()->width());
         });
     }
 }

@@ -3,12 +3,14 @@
 #include <QApplication>
 #include <QFileIconProvider>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QTreeView>
 #include <algorithm>
 
 #include "entry/message_box.h"
@@ -162,6 +164,14 @@ class IconsOfDialog : public QObject {
     PlainFileIcons icons_;
 };
 
+// As wide as its texts are, and the dialog as they need it. Qt's own dialog has the list by that name.
+void ShowWholeDates(QFileDialog& dialog) {
+    auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+    if (list == nullptr) return;
+    constexpr int kDate = 3;
+    list->header()->setSectionResizeMode(kDate, QHeaderView::ResizeToContents);
+}
+
 }  // namespace
 
 QSize ScrollingTextSize(const QFontMetrics& metrics, const QSize& screen) {
@@ -246,6 +256,7 @@ void FillFileDialog(QFileDialog& dialog, const system::FileRequest& request, boo
             QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, takeSuffix);
         }
     }
+    ShowWholeDates(dialog);
     if (!request.proposedName.empty()) dialog.selectFile(ToQt(request.proposedName));
     dialog.setLabelText(QFileDialog::LookIn, QStringLiteral("位置："));
     dialog.setLabelText(QFileDialog::FileName, QStringLiteral("文件名(&N)："));
