@@ -85,8 +85,9 @@ TEST_F(PreviewTest, TellsNewChangedAndMissingLinesCellByCell) {
                                            {"#2", "new", "借", "2001", "名称", "#7"},
                                            {"#1", "a", "借", "1001", "名称", "10.50", "r"},
                                            {"#1", "", "贷", "1002", "名称", "1,234.50"}});
-    EXPECT_EQ(Changes(preview), (Lines{"修改 1,2,20 [10.5][1234.5]", "删除 3,3,0 [gone 借 1001 名称 1][]",
-                                       "新增 2,3,0 [][new 借 2001 名称 7]"}));
+    EXPECT_EQ(Changes(preview),
+              (Lines{"修改 1,2,20 [10.50][1,234.50]", "删除 3,3,0 [gone 借 1001 名称 1.00][]",
+                     "新增 2,3,0 [][new 借 2001 名称 7.00]"}));
     EXPECT_EQ(Totals(preview), (Lines{"1 2/10.5/10.5 2/10.5/1234.5", "2 0/0/0 1/7/0", "3 1/1/0 0/0/0"}));
     EXPECT_EQ(preview.Summary(), "模板 旧模板 现有分录 3 行，引入后 3 行：新增 1 行，删除 1 行，修改 1 行。");
     EXPECT_TRUE(preview.totals[0].Unbalanced());
