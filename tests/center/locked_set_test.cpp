@@ -89,8 +89,9 @@ TEST_F(LockedSet, LinesThatWereToBecomeANewTemplateStayWhenItIsNotMade) {
     Answer(MessageResult::Yes);  // as a new template
     Window().ToolClick("mnuSave");
     const Texts told = TakeMessages();
-    ASSERT_FALSE(told.empty());
-    EXPECT_THAT(told.back(), HasSubstr("新增模板失败！\r\n\r\n"));
+    ASSERT_GE(told.size(), 2U);
+    EXPECT_THAT(told[told.size() - 2], HasSubstr("没有保存"));
+    EXPECT_EQ(told.back(), "模板 自定义模板(1) 保存失败！");
     EXPECT_EQ(Cell(1, column::kRemark), "我的");
     EXPECT_TRUE(Window().IsDirty());
 }

@@ -147,7 +147,7 @@ TEST_F(PreviewTest, TellsFaultsAndAllTheSameWhatWouldChange) {
         "引入模板失败！模板文件数据存在以下错误: 第2行，第C列值存在错误，\r\n第2行，第F列值存在错误，\r\n");
     ASSERT_EQ(preview.faults.size(), 2U);
     EXPECT_EQ(preview.faults[1].value, "y");
-    EXPECT_EQ(Changes(preview), (Lines{"修改 1,1,3 [借][x]", "修改 1,1,20 [1][y]"}));
+    EXPECT_EQ(Changes(preview), (Lines{"修改 1,1,3 [借][x]", "修改 1,1,20 [1.00][y]"}));
     EXPECT_EQ(preview.Summary(),
               "工作簿有 2 处错误，更正后才能引入。模板 旧模板 现有分录 1 行，引入后 1 "
               "行：新增 0 行，删除 0 行，修改 1 行。");
