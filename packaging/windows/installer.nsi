@@ -2,7 +2,8 @@
 ; compiles it over the staged files:
 ;   vicenter-setup.exe [/S] [/CurrentUser | /AllUsers] [/D=FOLDER]
 ;   uninstall.exe [/S] [/CurrentUser | /AllUsers]
-; It registers the COM server and unregisters it. What users have made of account sets, drafts and settings stays.
+; It registers the COM server and unregisters it, and puts the window into the start menu where there is one. What users
+; have made of account sets, drafts and settings stays.
 ; Exit codes: 0 done, 1 given up by the user, 2 a file is in use or cannot be written, 3 the registration failed.
 
 !define PRODUCT "VoucherTemplateCenter"
@@ -78,6 +79,9 @@ LangString NotRegistered ${LANG_SIMPCHINESE} "组件注册失败（regsvr32：$0
   ${EndIf}
 !macroend
 
+; The same name in each language: whoever takes it away may read another one than whoever put it there.
+!define SHORTCUT "$SMPROGRAMS\凭证模板中心 Voucher Template Center.lnk"
+
 Function .onInit
   SetRegView ${WIDTH}
   Push $INSTDIR ; empty without /D=
@@ -102,6 +106,9 @@ Section
   !insertmacro RegisterLibrary ""
   ${If} $0 != 0
     !insertmacro Fail 3 "$(NotRegistered)"
+  ${EndIf}
+  ${If} ${FileExists} "$INSTDIR\bin\vicenter-window.exe"
+    CreateShortcut "${SHORTCUT}" "$INSTDIR\bin\vicenter-window.exe"
   ${EndIf}
   WriteRegStr SHCTX "${OWN_KEY}" "Folder" "$INSTDIR"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayName" "$(ProductName)"
@@ -139,6 +146,7 @@ Section Uninstall
   ${EndIf}
   ; Delete and RMDir of what was installed and of nothing else: the folder may hold account sets.
   !include "${REMOVAL}"
+  Delete "${SHORTCUT}"
   Delete "$INSTDIR\uninstall.exe"
   RMDir "$INSTDIR"
   DeleteRegKey SHCTX "${UNINSTALL_KEY}"

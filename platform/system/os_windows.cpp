@@ -8,6 +8,7 @@
 #include "platform/system/os.h"
 #include "platform/system/program.h"
 #include "platform/system/windows_error.h"
+#include "platform/system/windows_handle.h"
 #include "platform/system/windows_text.h"
 
 namespace vicenter::system::os {
@@ -31,21 +32,6 @@ void AppendQuoted(std::wstring& line, const std::wstring& word) {
     line.append(backslashes, L'\\');
     line += L'"';
 }
-
-class Handle {
-  public:
-    explicit Handle(HANDLE handle) : handle_(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    ~Handle() {
-        if (handle_ != nullptr) CloseHandle(handle_);
-    }
-    explicit operator bool() const { return handle_ != nullptr; }
-    HANDLE Get() const { return handle_; }
-
-  private:
-    HANDLE handle_;
-};
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 

@@ -142,6 +142,11 @@ def packed(work, package):
     check("a script is host to its library", done.returncode == 0)
 
 
+def start_menus():
+    """The shortcuts of the machine and of its users."""
+    return sorted((PREFIX / "drive_c").glob("**/Start Menu/**/*.lnk"))
+
+
 def key_of(name):
     """What stands directly in one key of the registry; nothing where there is none."""
     said = run("reg", "query", name, check=False)
@@ -167,9 +172,13 @@ def installed(work, setup, mode, default):
     version = run(folder / "bin/vicenter.exe", "--version")
     check(f"{mode}: its program runs", "1.0.0" in version, version)
     in_use(work, folder, mode, setup)
+    window = folder / "bin/vicenter-window.exe"
+    shortcuts = [link for link in start_menus() if window.name.encode("utf-16-le") in link.read_bytes()]
+    check(f"{mode}: the window stands in the start menu where there is one", len(shortcuts) == window.exists(), shortcuts)
     foreign = folder / "我的 账套.vas"
     foreign.write_bytes(b"mine")
     uninstall(work, folder, mode)
+    check(f"{mode}: the shortcut is gone", not any(link.exists() for link in shortcuts), shortcuts)
     check(f"{mode}: what is not ours stays", tree(folder) == sorted([foreign.name, "uninstall.exe"]), tree(folder))
     shutil.rmtree(folder, ignore_errors=True)
 
