@@ -2,6 +2,8 @@
 
 #include "tsql/types/convert.h"
 
+#include <string>
+
 #include "tsql/base/text_units.h"
 #include "tsql/functions/call.h"
 
@@ -27,8 +29,21 @@ void TryConvertFunction(FunctionCall& call) {
     }
 }
 
+// An int that goes into an int: nothing to convert and nothing to refuse.
+bool IsStoredAsItIs(const FunctionCall& call) {
+    if (call.Int(1) != call.Int(2) || !call.IsInteger(0)) return false;
+    const TypeKind kind = call.Type(2).kind;
+    const std::int64_t number = call.Int(0);
+    return kind == TypeKind::kBigInt ||
+           (kind == TypeKind::kInt && number == static_cast<std::int32_t>(number));
+}
+
 // ts_put(value, from, to, nullable, table, column, operation, isKey)
 void PutFunction(FunctionCall& call) {
+    if (IsStoredAsItIs(call)) {
+        if (call.Int(7) != 0) call.Services().RememberKey(call.Text(5), std::to_string(call.Int(0)));
+        return call.ReturnArgument(0);
+    }
     const SqlType from = call.Type(1);
     const ColumnTarget target{call.Text(4), call.Text(5), call.Type(2), call.Int(3) != 0};
     const Value stored =
