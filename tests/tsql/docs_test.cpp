@@ -185,6 +185,8 @@ std::string Otherwise() {
                {"cursor/sees_what_changes"}) +
            row("datetime2 and time", "keep milliseconds; as texts they have all digits of their type",
                {"convert/digits_of_dates"}) +
+           row("lengths of varchar", "count characters, not the bytes of a code page",
+               {"functions/text_of_null_and_codes"}) +
            row("identity values handed out in what is undone", "are handed out again",
                {"transactions/identity_is_handed_out_again"}) +
            row("error 1750 behind the error of a constraint", "is not told",

@@ -462,6 +462,7 @@ constexpr ErrorEntry kErrors[] = {
     {8162, 16, kStatement,
      "The formal parameter \"%.*ls\" was not declared as an OUTPUT parameter, but the actual parameter "
      "passed in requested output."},
+    {8164, 16, kStatement, "An INSERT EXEC statement cannot be nested."},
     {8167, 16, kText,
      "The type of column \"%.*ls\" conflicts with the type of other columns specified in the UNPIVOT list."},
     {8169, 16, kBatch, "Conversion failed when converting from a character string to uniqueidentifier."},
@@ -481,6 +482,7 @@ constexpr ErrorEntry kErrors[] = {
      "source row, or use the GROUP BY clause to group the source rows."},
     {8730, 16, kText, "Offset parameter for Lag and Lead functions cannot be a negative value."},
     {9002, 17, kBatch, "The transaction log for database '%.*ls' is full due to '%ls'."},
+    {9810, 16, kText, "The datepart %.*ls is not supported by date function %.*ls for data type %.*ls."},
     {9829, 16, kStatement,
      "STRING_AGG aggregation result exceeded the limit of %d bytes. Use LOB types to avoid result truncation."},
     {10700, 16, kText, "The table-valued parameter \"%.*ls\" is READONLY and cannot be modified."},

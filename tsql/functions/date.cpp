@@ -91,9 +91,26 @@ std::string Moment(Binding& call, std::size_t i) {
     return type.IsDate() || type.IsText() ? call.As(i, SqlType::Of(TypeKind::kDateTime2)) : call.Date(i);
 }
 
+// A date has no hours, a time of day no days.
+std::string PartOf(Binding& call, const SqlType& type) {
+    static constexpr const char* kNames[] = {"year", "quarter", "month",    "dayofyear",
+                                             "day",  "week",    "iso_week", "weekday",
+                                             "hour", "minute",  "second",   "millisecond"};
+    const std::string code = call.DatePartCode(0);
+    const int part = std::stoi(code);
+    const bool isOfClock = part >= static_cast<int>(DatePart::kHour);
+    const bool lacks = isOfClock ? type.kind == TypeKind::kDate : type.kind == TypeKind::kTime;
+    if (lacks) throw MakeError(9810, call.Where(), {kNames[part], call.Name(), type.Name()});
+    return code;
+}
+
 // The session's clock.
 Bound BindGetDate(Binding&) {
     return {"getdate", SqlType::DateTime(), true};
+}
+
+Bound BindSysDateTime(Binding&) {
+    return {"getdate", SqlType::Of(TypeKind::kDateTime2), true};
 }
 
 // The clock of the session tells local time; SQLite's own is Greenwich's.
@@ -106,7 +123,7 @@ Bound BindGetUtcDate(Binding&) {
 Bound BindDateAdd(Binding& call) {
     SqlType type = call.Type(2);
     if (!type.IsDate()) type = SqlType::DateTime();
-    return {call.Call({call.DatePartCode(0), call.Int(1), call.As(2, type), Code(type)}), type};
+    return {call.Call({PartOf(call, type), call.Int(1), call.As(2, type), Code(type)}), type};
 }
 
 Bound BindDateDiff(Binding& call) {
@@ -114,11 +131,11 @@ Bound BindDateDiff(Binding& call) {
 }
 
 Bound BindDatePart(Binding& call) {
-    return {call.Call({call.DatePartCode(0), Moment(call, 1)}), SqlType::Int()};
+    return {call.Call({PartOf(call, call.Type(1)), Moment(call, 1)}), SqlType::Int()};
 }
 
 Bound BindDateName(Binding& call) {
-    return {call.Call({call.DatePartCode(0), Moment(call, 1)}), SqlType::NVarChar(30)};
+    return {call.Call({PartOf(call, call.Type(1)), Moment(call, 1)}), SqlType::NVarChar(30)};
 }
 
 template <DatePart Part>
@@ -153,7 +170,7 @@ constexpr FunctionEntry kEntries[] = {
     {"getdate", 0, 0, BindGetDate},
     {"getutcdate", 0, 0, BindGetUtcDate},
     {"month", 1, 1, BindOnePart<DatePart::kMonth>, &kDatePart},
-    {"sysdatetime", 0, 0, BindGetDate},
+    {"sysdatetime", 0, 0, BindSysDateTime},
     {"year", 1, 1, BindOnePart<DatePart::kYear>, &kDatePart},
 };
 

@@ -176,7 +176,9 @@ Translation Translator::InsertRow(const TableInfo& table, const std::vector<Name
                                   const std::vector<SqlType>& types) {
     Begin(table, kInsert);
     std::vector<const ColumnInfo*> columns = TargetColumns(table, names);
-    if (types.size() != columns.size()) FailCount(table, types.size(), columns.size(), Position{});
+    if (types.size() != columns.size() && names.empty())
+        FailCount(table, types.size(), columns.size(), Position{});
+    if (types.size() != columns.size()) throw MakeError(213, {});
     // Parameters without a value of their own: each run hands a row in.
     std::vector<std::string> values;
     for (std::size_t i = 0; i < columns.size(); ++i) {

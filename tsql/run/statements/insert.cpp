@@ -49,6 +49,7 @@ void Executor::Transaction(const TransactionStatement& statement) {
 // INSERT … EXEC: all rows first, so that what runs may read the table that they go to.
 void Executor::InsertExecute(const InsertStatement& statement) {
     if (statement.top) throw MakeError(40510, statement.position, {"INSERT TOP … EXEC"});
+    if (!countsBeforeInsert_.empty()) throw MakeError(8164, statement.position);
     RowCollector rows(*sink_);
     ResultSink* outer = sink_;
     sink_ = &rows;
