@@ -113,7 +113,13 @@ TopClause Parser::ParseTop() {
     Expect(Keyword::kTop);
     if (Accept(Op::kLeftParen)) {
         top.parentheses = true;
-        top.count = ParseValue();
+        if (At(Keyword::kSelect)) {
+            auto subquery = std::make_unique<SubqueryExpr>(Peek().position);
+            subquery->query = ParseNestedQuery();
+            top.count = std::move(subquery);
+        } else {
+            top.count = ParseValue();
+        }
         Expect(Op::kRightParen);
     } else {
         if (!At(TokenKind::kInteger) && !At(TokenKind::kDecimal) && !At(TokenKind::kFloat)) Fail();
