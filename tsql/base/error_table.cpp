@@ -374,6 +374,9 @@ constexpr ErrorEntry kErrors[] = {
     {4506, 16, kText,
      "Column names in each view or function must be unique. Column name '%.*ls' in view or function '%.*ls' "
      "is specified more than once."},
+    {4508, 16, kText,
+     "Views or functions are not allowed on temporary tables. Table names that begin with '#' denote temporary "
+     "tables."},
     {4511, 16, kText, "Create View or Function failed because no column name was specified for column %d."},
     {4701, 16, kText,
      "Cannot find the object \"%.*ls\" because it does not exist or you do not have permissions."},

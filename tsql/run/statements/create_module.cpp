@@ -20,6 +20,7 @@ void Executor::CreateView(const CreateViewStatement& statement) {
         // What it asks for must be there, and every column needs a name.
         const Translation translation =
             Translated([&](Translator& translator) { return translator.Select(*statement.query); });
+        if (!translation.temporaries.empty()) throw MakeError(4508, statement.position);
         if (!statement.columns.empty() && statement.columns.size() != translation.columns.size()) {
             throw MakeError(statement.columns.size() < translation.columns.size() ? 8158 : 8159,
                             statement.position, {name});
