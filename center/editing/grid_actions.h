@@ -18,7 +18,6 @@ namespace vicenter::center {
 enum class EntryAid {
     Proposals,  // of the next row
     PassingBy,  // cells that the account has no use for
-    Freezing,   // the first columns stay in sight
 };
 
 class GridActions {
@@ -75,6 +74,9 @@ class GridActions {
 
     // The user wants the columns in that order, and the next time again.
     virtual void SetColumnOrder(const ColumnOrder& /*order*/) {}
+    // How many of the first places stay in sight; remembered too.
+    virtual int FrozenPlaces() { return 0; }
+    virtual void SetFrozenPlaces(int /*places*/) {}
     virtual void EditPatterns(PatternCommand /*command*/) {}
 
     virtual void ClearCells(const CellSelection& selection) = 0;

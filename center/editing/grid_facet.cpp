@@ -167,6 +167,14 @@ void GridFacet::SetColumnOrder(const ColumnOrder& order) {
     parts_.edge.Look([&] { parts_.SetColumnOrder(order); });
 }
 
+int GridFacet::FrozenPlaces() {
+    return parts_.frozenPlaces;
+}
+
+void GridFacet::SetFrozenPlaces(int places) {
+    parts_.edge.Look([&] { parts_.SetFrozenPlaces(places); });
+}
+
 void GridFacet::EditPatterns(PatternCommand command) {
     parts_.edge.Command([&] { parts_.patterns.Run(command); });
 }

@@ -39,6 +39,8 @@ class GridFacet final : public GridActions {
     std::string DescribeHint(const CellAddress& cell) override;
     std::string NamesOf(const CellAddress& cell) override;
     void SetColumnOrder(const ColumnOrder& order) override;
+    int FrozenPlaces() override;
+    void SetFrozenPlaces(int places) override;
     void EditPatterns(PatternCommand command) override;
     void ClearCells(const CellSelection& selection) override;
     std::optional<CopiedBlock> CopyBlock(const CellSelection& selection) override;

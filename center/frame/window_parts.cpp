@@ -1,5 +1,7 @@
 #include "center/frame/window_parts.h"
 
+#include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include "automation/quietly.h"
@@ -13,6 +15,7 @@ namespace vicenter::center {
 namespace {
 
 constexpr const char* kOrderKey = "grid.order";
+constexpr const char* kFrozenKey = "grid.frozen-places";
 
 const char* KeyOf(EntryAid aid) {
     switch (aid) {
@@ -20,8 +23,6 @@ const char* KeyOf(EntryAid aid) {
             return "entry.proposals";
         case EntryAid::PassingBy:
             return "entry.passing-by";
-        case EntryAid::Freezing:
-            return "grid.frozen";
     }
     return "";
 }
@@ -138,9 +139,12 @@ void WindowParts::RefreshPanels() {
 void WindowParts::ReadSettings() {
     settings.Open(state.userId);
     showsTotals = settings.IsOn(kTotalsSetting, false);
-    for (const EntryAid aid : {EntryAid::Proposals, EntryAid::PassingBy, EntryAid::Freezing})
-        Switch(aid, settings.IsOn(KeyOf(aid), aid != EntryAid::Freezing));
+    for (const EntryAid aid : {EntryAid::Proposals, EntryAid::PassingBy})
+        Switch(aid, settings.IsOn(KeyOf(aid), true));
     ApplyColumnOrder(*state.grid, settings.Text(kOrderKey));
+    const std::string frozen = settings.Text(kFrozenKey);
+    std::from_chars(frozen.data(), frozen.data() + frozen.size(), frozenPlaces);
+    frozenPlaces = std::clamp(frozenPlaces, 0, kColumnCount);
 }
 
 bool WindowParts::IsOn(EntryAid aid) const {
@@ -149,8 +153,6 @@ bool WindowParts::IsOn(EntryAid aid) const {
             return proposals.IsOn();
         case EntryAid::PassingBy:
             return passesBy;
-        case EntryAid::Freezing:
-            return freezes;
     }
     return false;
 }
@@ -165,6 +167,11 @@ void WindowParts::SetColumnOrder(const ColumnOrder& order) {
     settings.Put(kOrderKey, ColumnOrderText(*state.grid));
 }
 
+void WindowParts::SetFrozenPlaces(int places) {
+    frozenPlaces = std::clamp(places, 0, kColumnCount);
+    settings.Put(kFrozenKey, frozenPlaces == 0 ? std::string() : std::to_string(frozenPlaces));
+}
+
 void WindowParts::Switch(EntryAid aid, bool on) {
     switch (aid) {
         case EntryAid::Proposals:
@@ -172,9 +179,6 @@ void WindowParts::Switch(EntryAid aid, bool on) {
             break;
         case EntryAid::PassingBy:
             passesBy = on;
-            break;
-        case EntryAid::Freezing:
-            freezes = on;
             break;
     }
 }

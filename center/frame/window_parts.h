@@ -71,6 +71,7 @@ struct WindowParts : public GridObserver {
     bool IsOn(EntryAid aid) const;
     void SetOn(EntryAid aid, bool on);
     void SetColumnOrder(const ColumnOrder& order);
+    void SetFrozenPlaces(int places);
     // fileNames: workbooks chosen already; none: the command asks for them. tidily, of one alone: what lies
     // above its header and between its lines is passed over.
     void RunImport(const std::vector<std::string>& fileNames, bool tidily = false);
@@ -109,7 +110,7 @@ struct WindowParts : public GridObserver {
     std::optional<NumberSums> sums;  // of the grid as it is
     bool showsTotals = false;        // the grid shows the sums of every number at its last row
     bool passesBy = true;            // cells that the account has no use for
-    bool freezes = false;            // the first columns
+    int frozenPlaces = 0;            // columns that stay in sight
     bool offersDrafts = false;       // the window is on the screen
     bool newAccounts = false;        // what the lines' accounts want may not be known yet
 

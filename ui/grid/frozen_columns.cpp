@@ -29,6 +29,12 @@ void FrozenColumns::Follow() {
         const QRect port = view_.viewport()->geometry();
         const int head = view_.horizontalHeader()->height();
         setGeometry(port.left(), port.top() - head, width, port.height() + head);
+        const QRect editor = view_.FrozenEditorRect();
+        if (editor.isEmpty()) {
+            clearMask();
+        } else {
+            setMask(QRegion(rect()).subtracted(editor.translated(0, head)));
+        }
         raise();
         update();
     }
@@ -40,21 +46,23 @@ void FrozenColumns::paintEvent(QPaintEvent* /*event*/) {
     Guarded([&] { view_.PaintFrozen(painter, size()); });
 }
 
-// At its beginning the grid shows the same cells in the same places.
-void FrozenColumns::HandOver(QMouseEvent& event) {
+// Cells are below where they are seen; the header has its sections where it has scrolled them to.
+void FrozenColumns::HandOn(QMouseEvent& event) {
     const int head = view_.horizontalHeader()->height();
-    const QPointF at = event.position();
-    QWidget* target = at.y() < head ? view_.horizontalHeader()->viewport() : view_.viewport();
-    const QPointF there = at.y() < head ? at : at - QPointF(0, head);
-    view_.horizontalScrollBar()->setValue(0);
-    QMouseEvent handed(event.type(), there, event.globalPosition(), event.button(), event.buttons(),
+    QPointF at = event.position();
+    if (event.type() != QEvent::MouseMove && event.type() != QEvent::MouseButtonRelease) {
+        onHeader_ = at.y() < head;
+        if (!onHeader_) view_.setFocus(Qt::MouseFocusReason);
+    }
+    QWidget* target = onHeader_ ? view_.horizontalHeader()->viewport() : view_.viewport();
+    if (!onHeader_) {
+        at -= QPointF(0, head);
+    } else if (at.x() < width()) {
+        at -= QPointF(view_.ColumnHeader().offset(), 0);
+    }
+    QMouseEvent handed(event.type(), at, event.globalPosition(), event.button(), event.buttons(),
                        event.modifiers());
     QApplication::sendEvent(target, &handed);
-    // Its release comes to whom it was pressed on, which is hidden by now.
-    if (event.type() != QEvent::MouseButtonPress) return;
-    QMouseEvent released(QEvent::MouseButtonRelease, there, event.globalPosition(), event.button(),
-                         Qt::NoButton, event.modifiers());
-    QApplication::sendEvent(target, &released);
 }
 
 int FrozenColumns::EdgeAt(const QPoint& at) const {
@@ -65,7 +73,7 @@ int FrozenColumns::EdgeAt(const QPoint& at) const {
 // The header takes no mouse where it has scrolled its own edge to, beyond its left end.
 void FrozenColumns::mousePressEvent(QMouseEvent* event) {
     const int edge = event->button() == Qt::LeftButton ? EdgeAt(event->pos()) : -1;
-    if (edge < 0) return HandOver(*event);
+    if (edge < 0) return HandOn(*event);
     dragged_ = Drag{edge, event->pos().x(), view_.ColumnHeader().sectionSize(edge)};
 }
 
@@ -74,6 +82,8 @@ void FrozenColumns::mouseMoveEvent(QMouseEvent* event) {
         GridHeader& header = view_.ColumnHeader();
         const int width = dragged_->width + event->pos().x() - dragged_->from;
         header.resizeSection(dragged_->section, std::max(width, header.minimumSectionSize()));
+    } else if (event->buttons() != Qt::NoButton) {
+        HandOn(*event);
     } else if (EdgeAt(event->pos()) >= 0) {
         setCursor(Qt::SplitHCursor);
     } else {
@@ -82,12 +92,13 @@ void FrozenColumns::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void FrozenColumns::mouseReleaseEvent(QMouseEvent* event) {
+    if (!dragged_) return HandOn(*event);
     if (event->button() == Qt::LeftButton) dragged_.reset();
 }
 
 void FrozenColumns::mouseDoubleClickEvent(QMouseEvent* event) {
     const int edge = event->button() == Qt::LeftButton ? EdgeAt(event->pos()) : -1;
-    if (edge < 0) return HandOver(*event);
+    if (edge < 0) return HandOn(*event);
     view_.resizeColumnToContents(edge);
 }
 
@@ -108,6 +119,8 @@ void FrozenColumns::wheelEvent(QWheelEvent* event) {
 }
 
 void FrozenColumns::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->pos().y() < view_.horizontalHeader()->height())
+        return view_.ShowColumnMenu(event->globalPos());
     QContextMenuEvent handed(event->reason(), view_.viewport()->mapFromGlobal(event->globalPos()),
                              event->globalPos(), event->modifiers());
     QApplication::sendEvent(view_.viewport(), &handed);

@@ -1,9 +1,9 @@
 #pragma once
 
 // The first columns of the entry grid, over its left edge while the grid is scrolled to the right: a picture
-// of cells. A click brings the grid back to its beginning and goes to the cell; edges of the header are the
-// header's to drag, and tooltips the cells' own, where they are. Owned by the grid view. User-interface
-// thread only.
+// of cells. What the mouse does there it does to the grid below, which knows where those cells are seen and
+// stays where it has been scrolled to; an editor of such a cell shows through. Edges of the header are
+// dragged here. Owned by the grid view. User-interface thread only.
 
 #include <QEvent>
 #include <QWidget>
@@ -34,7 +34,7 @@ class FrozenColumns : public QWidget {
     void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
-    void HandOver(QMouseEvent& event);
+    void HandOn(QMouseEvent& event);
     // The section whose edge is there; -1 for none.
     int EdgeAt(const QPoint& at) const;
 
@@ -45,6 +45,7 @@ class FrozenColumns : public QWidget {
     };
     GridView& view_;
     std::optional<Drag> dragged_;
+    bool onHeader_ = false;  // of what has been pressed
 };
 
 }  // namespace vicenter::ui

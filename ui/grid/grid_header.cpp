@@ -1,6 +1,7 @@
 #include "ui/grid/grid_header.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -97,10 +98,17 @@ void GridHeader::mousePressEvent(QMouseEvent* event) {
         event->accept();
         return;
     }
-    // A column that is selected is dragged to another place; any other press selects.
     const int section = logicalIndexAt(event->position().toPoint());
-    const bool selected = orientation() == Qt::Horizontal && section >= 0 && selectionModel() != nullptr &&
-                          selectionModel()->isColumnSelected(section, {});
+    // The menu that follows is of what is selected: of this one, unless it is among others.
+    if (event->button() == Qt::RightButton) {
+        event->accept();
+        pressed_ = section >= 0 && !IsSelected(section);
+        if (pressed_) emit sectionPressed(section);
+        pressed_ = false;
+        return;
+    }
+    // A column that is selected is dragged to another place; any other press selects.
+    const bool selected = orientation() == Qt::Horizontal && section >= 0 && IsSelected(section);
     setSectionsMovable(selected && event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier);
     QHeaderView::mousePressEvent(event);
 }
@@ -125,6 +133,16 @@ void GridHeader::mouseReleaseEvent(QMouseEvent* event) {
     QHeaderView::mouseReleaseEvent(event);
     pressed_ = false;
     emit released();
+}
+
+void GridHeader::contextMenuEvent(QContextMenuEvent* event) {
+    emit menuRequested(event->globalPos());
+}
+
+bool GridHeader::IsSelected(int section) const {
+    if (selectionModel() == nullptr) return false;
+    return orientation() == Qt::Horizontal ? selectionModel()->isColumnSelected(section, {})
+                                           : selectionModel()->isRowSelected(section, {});
 }
 
 void GridHeader::PressAfterAll() {

@@ -38,9 +38,8 @@ class GridHeader : public QHeaderView {
 
   signals:
     void pulledOut();
-
-  signals:
     void released();  // by the mouse
+    void menuRequested(const QPoint& globalAt);
 
   protected:
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
@@ -49,8 +48,10 @@ class GridHeader : public QHeaderView {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
+    bool IsSelected(int section) const;
     // The press that was held back is one after all.
     void PressAfterAll();
 

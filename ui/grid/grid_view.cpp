@@ -88,6 +88,10 @@ GridView::GridView(GridModel& model, center::GridActions& actions, center::NameL
     connect(&model_, &GridModel::columnOrderChanged, this, &GridView::ApplyOrder);
     connect(columnHeader_, &QHeaderView::sectionMoved, this, &GridView::HandInOrder);
     connect(this, &GridView::contentsMoved, this, &GridView::ShowFrozen);
+    connect(this, &GridView::editingChanged, this, &GridView::ShowFrozen);
+    connect(&model_, &GridModel::dataChanged, frozen_, qOverload<>(&QWidget::update));
+    connect(columnHeader_, &GridHeader::menuRequested, this, &GridView::ShowColumnMenu);
+    connect(rowHeader_, &GridHeader::menuRequested, this, &GridView::ShowGridMenu);
     for (const auto moved : {&GridModel::rowsInserted, &GridModel::rowsRemoved})
         connect(&model_, moved, this, &GridView::PaintProposals);
     connect(&model_, &GridModel::dataChanged, this, &GridView::PaintProposals);
@@ -270,6 +274,7 @@ void GridView::ApplyFont() {
 // By the view's own member: Shift with an arrow then selects from here.
 void GridView::Place(const QModelIndex& index) {
     const FlagScope scope(placing_);
+    anchor_ = index;
     setCurrentIndex(index);
 }
 
@@ -296,10 +301,13 @@ void GridView::ShowActiveSections() {
     const QModelIndex current = currentIndex();
     columnHeader_->SetActiveSection(current.isValid() ? current.column() : -1);
     rowHeader_->SetActiveSection(current.isValid() ? current.row() : -1);
+    frozen_->update();
 }
 
 void GridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QTableView::currentChanged(current, previous);
+    // The rows that it was among may have gone.
+    if (!selecting_ || !anchor_.isValid()) anchor_ = selecting_ ? previous : current;
     ShowActiveSections();
     if (following_ || model_.IsChangingRows() || !current.isValid()) return;
     const bool selecting = selecting_ || rowHeader_->IsPressed() || columnHeader_->IsPressed();
@@ -310,6 +318,7 @@ void GridView::currentChanged(const QModelIndex& current, const QModelIndex& pre
 
 void GridView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
     QTableView::selectionChanged(selected, deselected);
+    frozen_->update();
     if (model_.IsChangingRows()) return;
     Guarded([&] { actions_.SelectionChanged(Selected()); });
 }
@@ -331,28 +340,29 @@ center::CellSelection GridView::Selected() const {
     return selected;
 }
 
-// Blocks of cells hold what is shown; Qt's own would take the hidden columns between them along.
+// Blocks of cells hold what is shown; Qt's own would take the hidden columns between them along. Qt knows
+// where a block begins by a place on the screen, which may have been scrolled below other columns by now.
 void GridView::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) {
-    const QRect normal = rect.normalized();
-    const QModelIndex first = indexAt(normal.topLeft());
-    const QModelIndex last = indexAt(normal.bottomRight());
-    if (command & (QItemSelectionModel::Rows | QItemSelectionModel::Columns) || !first.isValid() ||
-        !last.isValid()) {
+    const bool extends = command & QItemSelectionModel::Current;
+    if (!extends) anchor_ = indexAt(rect.topLeft());
+    const QModelIndex end = !extends ? QModelIndex(anchor_) : pulling_ ? indexAt(pulledTo_) : currentIndex();
+    if (command & (QItemSelectionModel::Rows | QItemSelectionModel::Columns) || !anchor_.isValid() ||
+        !end.isValid()) {
         QTableView::setSelection(rect, command);
         return;
     }
     QItemSelection selection;
-    const int lastPlace = PlaceOf(last.column());
-    for (int place = PlaceOf(first.column()); place <= lastPlace; ++place) {
+    const auto [firstRow, lastRow] = std::minmax({anchor_.row(), end.row()});
+    const auto [firstPlace, lastPlace] = std::minmax({PlaceOf(anchor_.column()), PlaceOf(end.column())});
+    for (int place = firstPlace; place <= lastPlace; ++place) {
         const int column = ColumnAt(place);
         if (isColumnHidden(column)) continue;
-        int end = column;
-        while (place < lastPlace && ColumnAt(place + 1) == end + 1 && !isColumnHidden(end + 1)) {
-            ++end;
+        int last = column;
+        while (place < lastPlace && ColumnAt(place + 1) == last + 1 && !isColumnHidden(last + 1)) {
+            ++last;
             ++place;
         }
-        selection.append(
-            QItemSelectionRange(model_.index(first.row(), column), model_.index(last.row(), end)));
+        selection.append(QItemSelectionRange(model_.index(firstRow, column), model_.index(lastRow, last)));
     }
     selectionModel()->select(selection, command);
 }
@@ -384,7 +394,6 @@ bool GridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event
     if (asked && index == currentIndex() && StoodBelowRows()) return false;
     // What is typed into a cell is seen, wherever the wheel has gone.
     if (asked && index.isValid()) scrollTo(index, EnsureVisible);
-    if (asked && index.isValid() && IsFrozen(index.column())) horizontalScrollBar()->setValue(0);
     bool opened = false;
     {
         const bool before = std::exchange(openingByTyping_, trigger == AnyKeyPressed);
@@ -439,12 +448,15 @@ void GridView::mousePressEvent(QMouseEvent* event) {
     if (current.isValid() && pressed.isValid() && current != pressed &&
         event->modifiers() == Qt::NoModifier) {
         const FlagScope scope(following_);
+        anchor_ = current;
         selectionModel()->select(current, QItemSelectionModel::ClearAndSelect);
     }
 }
 
 void GridView::mouseMoveEvent(QMouseEvent* event) {
     const FlagScope scope(selecting_);
+    const FlagScope pulling(pulling_);
+    pulledTo_ = event->pos();
     QTableView::mouseMoveEvent(event);
 }
 
@@ -480,6 +492,8 @@ void GridView::inputMethodEvent(QInputMethodEvent* event) {
 
 void GridView::scrollContentsBy(int dx, int dy) {
     QTableView::scrollContentsBy(dx, dy);
+    // What has been scrolled along stays with the columns that have not.
+    if (dx != 0 && !FrozenEditorRect().isEmpty()) updateEditorGeometries();
     emit contentsMoved();
 }
 

@@ -62,6 +62,13 @@ class GridView : public QTableView {
     std::optional<center::NumberTotals> TotalsEndingAt(int row) const;
     void ToggleTotals();
     void ShowVoucher();
+    // Where a cell is seen, and which one is seen there: of columns that are kept in sight, over the others.
+    QRect visualRect(const QModelIndex& index) const override;
+    QModelIndex indexAt(const QPoint& point) const override;
+    // The open editor of a cell that is kept in sight; empty without one.
+    QRect FrozenEditorRect() const;
+    // Of the columns that are selected.
+    void ShowColumnMenu(const QPoint& globalAt);
     // The room that the first columns take while they are kept in sight; 0 while they are not.
     int FrozenWidth() const;
     // What of the other columns is below them as far as the grid has been scrolled.
@@ -148,7 +155,8 @@ class GridView : public QTableView {
     void AddAid(QMenu& menu, const QString& text, center::EntryAid aid);
     void AddAids(QMenu& menu);
     void AddPatterns(QMenu& menu);
-    void AddColumns(QMenu& menu);
+    void AddColumns(QMenu& columns);
+    void ShowGridMenu(const QPoint& globalAt);
     void EditPatterns(center::PatternCommand command);
     bool HandleOwnShortcut(const QKeyEvent& event);
     int PlaceOf(int column) const;
@@ -159,6 +167,9 @@ class GridView : public QTableView {
     void ResetOrder();
     void FitColumns();
     bool IsFrozen(int column) const;
+    int FrozenPlaces() const;
+    void Freeze(int places);
+    void ResetWidths();
     void ShowFrozen();
     int ShownColumnNear(int column) const;
     void OpenLookUp();
@@ -173,6 +184,9 @@ class GridView : public QTableView {
     GridHeader* rowHeader_;
     FrozenColumns* frozen_;
     bool following_ = false;        // the view follows the grid's active cell, not the other way round
+    QPersistentModelIndex anchor_;  // from where Shift selects
+    bool pulling_ = false;          // the mouse pulls a selection to where it is
+    QPoint pulledTo_;
     bool applyingColumns_ = false;  // widths come from the grid, not from the user
     bool openingByTyping_ = false;
     bool placing_ = false;    // the cursor goes to one cell, whatever keys are held

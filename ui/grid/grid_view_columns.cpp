@@ -15,12 +15,6 @@
 
 namespace vicenter::ui {
 
-namespace {
-
-constexpr int kFrozenPlaces = 6;
-
-}  // namespace
-
 // --- order
 
 int GridView::PlaceOf(int column) const {
@@ -67,6 +61,11 @@ void GridView::ResetOrder() {
     Guarded([&] { actions_.SetColumnOrder(center::DesignedOrder()); });
 }
 
+void GridView::ResetWidths() {
+    for (int column = 1; column <= center::kColumnCount; ++column)
+        model_.Grid().SetColumnWidth(column, center::Column(column).designedWidth);
+}
+
 void GridView::FitColumns() {
     std::set<int> columns;
     for (const center::CellRange& piece : Selected().pieces) {
@@ -80,14 +79,22 @@ void GridView::FitColumns() {
 
 // --- the first columns
 
+int GridView::FrozenPlaces() const {
+    return GuardedOr(0, [&] { return actions_.FrozenPlaces(); });
+}
+
+void GridView::Freeze(int places) {
+    Guarded([&] { actions_.SetFrozenPlaces(places); });
+    ShowFrozen();
+}
+
 bool GridView::IsFrozen(int column) const {
-    return PlaceOf(column) < kFrozenPlaces && FrozenWidth() > 0;
+    return PlaceOf(column) < FrozenPlaces() && FrozenWidth() > 0;
 }
 
 int GridView::FrozenWidth() const {
-    if (!GuardedOr(false, [&] { return actions_.IsOn(center::EntryAid::Freezing); })) return 0;
     int width = 0;
-    for (int place = 0; place < kFrozenPlaces; ++place)
+    for (int place = 0; place < FrozenPlaces(); ++place)
         width += columnWidth(ColumnAt(place));
     // In a narrow window the others need the room.
     return width < viewport()->width() * 3 / 4 ? width : 0;
@@ -108,7 +115,7 @@ void GridView::PaintFrozen(QPainter& painter, const QSize& size) {
     painter.fillRect(QRect(QPoint(0, 0), size), colors::kPaper);
     const int lastRow = rowAt(viewport()->height() - 1);
     int left = 0;
-    for (int place = 0; place < kFrozenPlaces; ++place) {
+    for (int place = 0; place < FrozenPlaces(); ++place) {
         const int column = ColumnAt(place);
         const int width = columnWidth(column);
         if (isColumnHidden(column)) continue;
@@ -140,7 +147,7 @@ void GridView::ShowFrozenToolTip(QHelpEvent& event) {
     const QModelIndex index = model_.index(rowAt(event.y() - head), column);
     QStyleOptionViewItem option;
     initViewItemOption(&option);
-    option.rect = visualRect(index).translated(columnHeader_->offset(), 0);
+    option.rect = visualRect(index);
     itemDelegate()->helpEvent(&event, this, option, index);
 }
 
@@ -149,13 +156,32 @@ void GridView::paintEvent(QPaintEvent* event) {
     if (frozen_->isVisible()) frozen_->update();
 }
 
-// A cell that the first columns cover is not in sight.
+QRect GridView::visualRect(const QModelIndex& index) const {
+    QRect rect = QTableView::visualRect(index);
+    if (rect.isValid() && CoveredWidth() > 0 && IsFrozen(index.column()))
+        rect.translate(columnHeader_->offset(), 0);
+    return rect;
+}
+
+QModelIndex GridView::indexAt(const QPoint& point) const {
+    const bool frozen = point.x() >= 0 && point.x() < CoveredWidth();
+    return QTableView::indexAt(frozen ? point - QPoint(columnHeader_->offset(), 0) : point);
+}
+
+QRect GridView::FrozenEditorRect() const {
+    const QWidget* editor = OpenEditor();
+    if (editor == nullptr || CoveredWidth() == 0 || !IsFrozen(currentIndex().column())) return {};
+    return editor->geometry();
+}
+
+// A cell that the first columns cover is not in sight; their own always are.
 void GridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    QScrollBar& bar = *horizontalScrollBar();
+    const int before = bar.value();
     QTableView::scrollTo(index, hint);
     const int frozen = index.isValid() ? FrozenWidth() : 0;
     if (frozen == 0) return;
-    QScrollBar& bar = *horizontalScrollBar();
-    if (IsFrozen(index.column())) return bar.setValue(0);
+    if (IsFrozen(index.column())) return bar.setValue(before);
     const int left = columnViewportPosition(index.column());
     if (left < frozen) bar.setValue(bar.value() - (frozen - left));
 }

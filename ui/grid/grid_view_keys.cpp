@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QScrollBar>
 #include <algorithm>
 #include <optional>
 #include <utility>
@@ -273,6 +274,8 @@ void GridView::keyPressEvent(QKeyEvent* event) {
     const bool before = selecting_;
     selecting_ = event->modifiers() & Qt::ShiftModifier && IsCursorKey(event->key());
     QTableView::keyPressEvent(event);
+    if (!(event->modifiers() & Qt::ShiftModifier)) anchor_ = currentIndex();
+    if (event->key() == Qt::Key_Home) horizontalScrollBar()->setValue(0);
     selecting_ = before;
 }
 

@@ -43,20 +43,40 @@ void GridView::AddPatterns(QMenu& menu) {
     add(QStringLiteral("分录按编号排序\tCtrl+Shift+O"), PatternCommand::Sort);
 }
 
-void GridView::AddColumns(QMenu& menu) {
-    QMenu* columns = menu.addMenu(QStringLiteral("列"));
-    columns->setObjectName(QStringLiteral("columnMenu"));
+// Of the cursor's column, and of those that are selected.
+void GridView::AddColumns(QMenu& columns) {
     const auto add = [&](const QString& text, auto&& run) {
-        connect(columns->addAction(text), &QAction::triggered, this, run);
+        connect(columns.addAction(text), &QAction::triggered, this, run);
     };
-    add(QStringLiteral("列宽适合内容\tCtrl+Shift+W"), [this] { FitColumns(); });
-    add(QStringLiteral("左移\tAlt+←"), [this] { MoveColumn(-1); });
-    add(QStringLiteral("右移\tAlt+→"), [this] { MoveColumn(1); });
-    add(QStringLiteral("恢复各列的顺序"), [this] { ResetOrder(); });
-    AddAid(*columns, QStringLiteral("滚动时固定前六列"), center::EntryAid::Freezing);
+    add(QStringLiteral("列宽适合内容(&W)\tCtrl+Shift+W"), [this] { FitColumns(); });
+    add(QStringLiteral("左移(&L)\tAlt+←"), [this] { MoveColumn(-1); });
+    add(QStringLiteral("右移(&R)\tAlt+→"), [this] { MoveColumn(1); });
+    columns.addSeparator();
+    constexpr int kUsualPlaces = 6;
+    const int frozen = FrozenPlaces();
+    const int here = currentIndex().isValid() ? PlaceOf(currentIndex().column()) + 1 : kUsualPlaces;
+    add(QStringLiteral("滚动时固定到此列(&F)"), [this, here] { Freeze(here); });
+    add(QStringLiteral("滚动时固定前六列(&S)"), [this] { Freeze(kUsualPlaces); });
+    if (frozen > 0) add(QStringLiteral("取消固定(&U)"), [this] { Freeze(0); });
+    columns.addSeparator();
+    add(QStringLiteral("恢复各列的顺序(&O)"), [this] { ResetOrder(); });
+    add(QStringLiteral("恢复各列的宽度(&D)"), [this] { ResetWidths(); });
+}
+
+void GridView::ShowColumnMenu(const QPoint& globalAt) {
+    if (!currentIndex().isValid()) return;
+    CommitOpenEditor();
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("columnMenu"));
+    AddColumns(menu);
+    Guarded([&] { menu.exec(globalAt); });
 }
 
 void GridView::contextMenuEvent(QContextMenuEvent* event) {
+    ShowGridMenu(event->globalPos());
+}
+
+void GridView::ShowGridMenu(const QPoint& globalAt) {
     const center::CellSelection selection = Selected();
     if (selection.IsEmpty()) return;
     CommitOpenEditor();
@@ -95,10 +115,12 @@ void GridView::contextMenuEvent(QContextMenuEvent* event) {
     connect(totals, &QAction::triggered, &menu, [this] { ToggleTotals(); });
     menu.addSeparator();
     AddPatterns(menu);
-    AddColumns(menu);
+    QMenu* columns = menu.addMenu(QStringLiteral("列(&C)"));
+    columns->setObjectName(QStringLiteral("columnMenu"));
+    AddColumns(*columns);
     menu.addSeparator();
     AddAids(menu);
-    Guarded([&] { menu.exec(event->globalPos()); });
+    Guarded([&] { menu.exec(globalAt); });
 }
 
 }  // namespace vicenter::ui
