@@ -101,6 +101,28 @@ TEST_F(TemplatePicturesTest, TheOperationLog) {
         [](QWidget& dialog) { EXPECT_GT(dialog.findChild<QTableWidget*>("entries")->rowCount(), 4); });
 }
 
+TEST_F(TemplatePicturesTest, TheMenuOfAColumn) {
+    Show({9, 11, 20});
+    bool seen = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, window, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu || seen) return;
+        seen = true;
+        watch.stop();
+        EXPECT_EQ(menu->objectName(), "columnMenu");
+        PictureWithMenus("column-menu", {window->width(), 620});
+        menu->close();
+    });
+    watch.start(0);
+    QHeaderView& header = *window->Grid().horizontalHeader();
+    const QPoint at(header.sectionViewportPosition(column::kAccountNumber - 1) + 30, header.height() / 2);
+    QTest::mouseClick(header.viewport(), Qt::RightButton, {}, at);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, header.viewport()->mapToGlobal(at));
+    QApplication::sendEvent(header.viewport(), &event);
+    EXPECT_TRUE(seen);
+}
+
 TEST_F(TemplatePicturesTest, TheMenuOfAWholeNumber) {
     Show({9, 11, 20});
     ClickCell(2, column::kNo);
