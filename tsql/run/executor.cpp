@@ -158,8 +158,8 @@ void Executor::RunBatch(std::string_view batch) {
         const std::optional<const Statement*> chosen = ReadingBranch(*run.program);
         // Known beforehand, since a reader that turns out to write may find that others have written since it
         // began.
-        transactions_.StartBatch(!chosen &&
-                                 WriteForecast(catalog_, programs_).MayWrite(run.program->statements));
+        transactions_.StartBatch(
+            !chosen && WriteForecast(catalog_, programs_, frame.literals).MayWrite(run.program->statements));
         // A variable is there from the batch's beginning, whichever branch it is declared in.
         DeclareAll(run.program->statements);
         // Those of a procedure are looked for when it is called.
@@ -191,7 +191,7 @@ std::optional<const Statement*> Executor::ReadingBranch(const Program& program) 
         !options_.batchTransactions || transactions_.IsOpen() || transactions_.Count() > 0)
         return std::nullopt;
     const auto& statement = As<IfStatement>(*program.statements.front());
-    WriteForecast forecast(catalog_, programs_);
+    WriteForecast forecast(catalog_, programs_, frame_->literals);
     if (!forecast.MayWrite(statement)) return std::nullopt;
     const Statement* branch = nullptr;
     try {

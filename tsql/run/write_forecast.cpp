@@ -1,6 +1,7 @@
 #include "tsql/run/write_forecast.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
@@ -35,6 +36,20 @@ bool TargetIsTemporary(const ObjectName& target, const std::vector<TableSourcePt
     }
     return IsTemporary(target);
 }
+
+// What is called runs with the literals of its own text.
+class CalleesLiterals {
+  public:
+    explicit CalleesLiterals(LiteralRun& literals)
+        : literals_(literals), callers_(std::exchange(literals, LiteralRun())) {}
+    CalleesLiterals(const CalleesLiterals&) = delete;
+    CalleesLiterals& operator=(const CalleesLiterals&) = delete;
+    ~CalleesLiterals() { literals_ = callers_; }
+
+  private:
+    LiteralRun& literals_;
+    const LiteralRun callers_;
+};
 
 bool SelectsInto(const Query& query) {
     const ObjectName& into = FirstSelect(*query.body).into;
@@ -113,6 +128,7 @@ bool WriteForecast::CallMayWrite(const ExecuteStatement& call) {
     const ModuleInfo* procedure = catalog_.FindProcedure(name);
     if (procedure == nullptr) return true;
     if (!procedures_.insert(name).second) return false;
+    const CalleesLiterals own(literals_);
     return std::ranges::any_of(programs_.ForProcedure(*procedure)->statements,
                                [this](const StatementPtr& statement) {
                                    const auto* made = TryAs<CreateProcedureStatement>(statement.get());
@@ -123,8 +139,11 @@ bool WriteForecast::CallMayWrite(const ExecuteStatement& call) {
 bool WriteForecast::TextMayWrite(const Expr* text) {
     const auto* literal = TryAs<LiteralExpr>(text);
     if (literal == nullptr) return true;
+    const int ordinal = literals_.IsEmpty() ? -1 : literals_.OrdinalOf(*literal);
+    const std::string called = ordinal < 0 ? literal->text : literals_.At(ordinal).Text();
+    const CalleesLiterals own(literals_);
     try {
-        return MayWrite(ParseProgram(literal->text, false)->statements);
+        return MayWrite(ParseProgram(called, false)->statements);
     } catch (const SqlError&) {
         // It will not run at all.
         return false;

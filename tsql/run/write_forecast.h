@@ -9,13 +9,16 @@
 #include <vector>
 
 #include "tsql/catalog/catalog.h"
+#include "tsql/run/literal_run.h"
 #include "tsql/run/program.h"
 
 namespace vicenter::tsql::engine {
 
 class WriteForecast {
   public:
-    WriteForecast(const Catalog& catalog, ProgramStore& programs) : catalog_(catalog), programs_(programs) {}
+    // literals: those with which the statements will run.
+    WriteForecast(const Catalog& catalog, ProgramStore& programs, const LiteralRun& literals)
+        : catalog_(catalog), programs_(programs), literals_(literals) {}
 
     bool MayWrite(const std::vector<StatementPtr>& statements);
     bool MayWrite(const Statement& statement);
@@ -26,6 +29,7 @@ class WriteForecast {
 
     const Catalog& catalog_;
     ProgramStore& programs_;
+    LiteralRun literals_;
     std::set<std::string, std::less<>> procedures_;  // looked at already
 };
 

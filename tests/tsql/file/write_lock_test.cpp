@@ -64,6 +64,20 @@ TEST_F(WriteLockTest, A_batch_that_only_reads_lets_others_write) {
         EXPECT_EQ(OthersMeanwhile(batch), "") << batch;
 }
 
+TEST_F(WriteLockTest, A_text_within_a_batch_counts_as_it_stands_there_and_not_as_in_the_one_before) {
+    MakeTable();
+    ASSERT_EQ(Run("insert into t values(1)"), "");
+    for (const std::string head : {"exec ('", "exec sp_executesql N'"}) {
+        const std::string tail = head.find('(') == std::string::npos ? "'" : "')";
+        const std::string reads = "select 1 as x " + head + "select max(a) as m from t" + tail;
+        const std::string writes = "select 1 as x " + head + "update t set a = a       " + tail;
+        ASSERT_EQ(reads.size(), writes.size());
+        EXPECT_EQ(OthersMeanwhile(reads), "");
+        EXPECT_EQ(OthersMeanwhile(writes), "error 1222");
+        EXPECT_EQ(OthersMeanwhile(reads), "");
+    }
+}
+
 // As a program sends it before each of its reads.
 TEST_F(WriteLockTest, A_row_put_in_where_it_is_missing_takes_no_lock_where_it_is_there) {
     MakeTable();
