@@ -185,6 +185,8 @@ void Translator::SortApart(const Query& query, const SelectBody& select, Scope& 
 
 std::string Translator::RowCount(const Expr& expression, Scope& scope, RowLimit limit) {
     const Operand count = Value(expression, scope);
+    const bool hasPlaces = count.type.IsNumber() && !count.type.IsInteger();
+    if (hasPlaces) throw MakeError(limit == RowLimit::kOffset ? 10743 : 1060, expression.position);
     std::string sql = RenderAs(count, SqlType::Of(TypeKind::kBigInt));
     // TOP (-1) has a sign before its literal.
     const auto* literal = TryAs<LiteralExpr>(&expression);
