@@ -24,13 +24,17 @@ std::optional<std::vector<LineTexts>> LinesOf(const ado::RecordsetRef& records) 
 }
 
 std::string CountsText(const std::vector<LineDifference>& differences) {
-    if (differences.empty()) return "与现在的分录相同。";
+    if (differences.empty()) return kSameAsNow;
     const store::DifferenceCounts counts = store::CountsOf(differences);
     return "此版本之后：新增 " + std::to_string(counts.added) + " 行，删除 " +
            std::to_string(counts.removed) + " 行，修改 " + std::to_string(counts.changed) + " 行。";
 }
 
 }  // namespace
+
+std::string NoVersionsText(const std::string& name) {
+    return "模板 " + name + " 还没有历史版本。";
+}
 
 TemplateHistory::TemplateHistory(std::string templateId, std::string name, std::string userId,
                                  bool mayRestore)
@@ -56,7 +60,7 @@ bool TemplateHistory::Load() {
         return false;
     }
     if (history.versions.empty()) {
-        Tell(OfDeleted() ? std::string("没有可以恢复的已删除模板。") : "模板 " + name_ + " 还没有历史版本。");
+        Tell(OfDeleted() ? std::string(kNoDeletedTemplates) : NoVersionsText(name_));
         return false;
     }
     versions_ = std::move(history.versions);

@@ -17,6 +17,11 @@
 
 namespace vicenter::center {
 
+// Lists that are empty, for users.
+inline constexpr const char* kNoDeletedTemplates = "没有可以恢复的已删除模板。";
+inline constexpr const char* kSameAsNow = "与现在的分录相同。";
+std::string NoVersionsText(const std::string& name);
+
 class TemplateHistoryView {
   public:
     virtual ~TemplateHistoryView() = default;

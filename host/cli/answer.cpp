@@ -19,6 +19,15 @@ void PrintJson(const CliContext& context, const Variant& document) {
     context.streams.out << EncodeJson(document) << "\n";
 }
 
+int FinishListing(const CliContext& context, const VariantArray& list, const std::string& none) {
+    if (context.options.json) {
+        PrintJson(context, list);
+    } else if (list.empty()) {
+        context.streams.err << none << "\n";
+    }
+    return kExitDone;
+}
+
 int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text,
                    const JsonMembers& more) {
     if (context.options.json) {

@@ -6,6 +6,7 @@
 #include "automation/error.h"
 #include "center/frame/rights.h"
 #include "center/history/restore.h"
+#include "center/history/template_history.h"
 #include "entry/host_services.h"
 #include "host/cli/context.h"
 #include "host/cli/differences.h"
@@ -83,16 +84,13 @@ int ListVersions(const CliContext& context, const TemplateHead& head) {
         std::vector<LineTexts> lines = LinesOfVersion(version);
         const store::DifferenceCounts counts = store::CountsOf(store::Differences(lines, later));
         later = std::move(lines);
-        if (context.options.json) {
-            list.push_back(VersionObject(version, users, counts));
-        } else {
-            PrintVersion(context.streams.out, version, users);
-            context.streams.out << "\t新增 " << counts.added << " 删除 " << counts.removed << " 修改 "
-                                << counts.changed << "\n";
-        }
+        list.push_back(VersionObject(version, users, counts));
+        if (context.options.json) continue;
+        PrintVersion(context.streams.out, version, users);
+        context.streams.out << "\t新增 " << counts.added << " 删除 " << counts.removed << " 修改 "
+                            << counts.changed << "\n";
     }
-    if (context.options.json) PrintJson(context, list);
-    return kExitDone;
+    return FinishListing(context, list, center::NoVersionsText(head.name));
 }
 
 int ListDeleted(const CliContext& context) {
@@ -105,8 +103,7 @@ int ListDeleted(const CliContext& context) {
         PrintVersion(context.streams.out, version, users);
         context.streams.out << "\n";
     }
-    if (context.options.json) PrintJson(context, list);
-    return kExitDone;
+    return FinishListing(context, list, center::kNoDeletedTemplates);
 }
 
 const HistoryVersion* FindVersion(const std::vector<HistoryVersion>& versions, const std::string& id) {
@@ -127,12 +124,8 @@ int ShowDifference(const CliContext& context, const TemplateHead& head) {
     const std::vector<LineTexts> before = LinesOfVersion(*version);
     const std::vector<LineTexts> now = LinesOfTemplate(head.id);
     const std::vector<store::LineDifference> differences = store::Differences(before, now);
-    if (context.options.json) {
-        PrintJson(context, DifferenceObjects(differences));
-    } else {
-        PrintDifferences(context.streams.out, differences, before, now);
-    }
-    return kExitDone;
+    if (!context.options.json) PrintDifferences(context.streams.out, differences, before, now);
+    return FinishListing(context, DifferenceObjects(differences), center::kSameAsNow);
 }
 
 int ShowRule(const CliContext& context) {

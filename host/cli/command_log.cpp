@@ -18,29 +18,25 @@ int RunLog(const CliContext& context) {
     const auto countsAt = [&](std::size_t row) {
         return row < answer.entries.size() ? answer.entries[row].counts : std::string();
     };
-    if (context.options.json) {
-        VariantArray list;
-        for (std::size_t r = 0; r < static_cast<std::size_t>(rows->RecordCount()); ++r) {
-            const auto object = std::make_shared<scripting::Dictionary>();
-            for (std::size_t c = 0; c < rows->ColumnCount(); ++c)
-                object->Add(rows->Columns()[c].name, JsonValue(rows->ValueAt(r, c)));
-            object->Add("FUserName", users.NameOf(rows->ValueAt(r, rows->ColumnIndex("FUserID")).ToInt32()));
-            if (const std::string counts = countsAt(r); !counts.empty()) object->Add("counts", counts);
-            list.emplace_back(object);
-        }
-        PrintJson(context, list);
-        return kExitDone;
-    }
+    VariantArray list;
     for (std::size_t r = 0; !rows->AtEnd(); rows->MoveNext(), ++r) {
-        context.streams.out << rows->Value("FDate").ToTextOrEmpty() << "\t"
-                            << OneLine(users.WithNumber(rows->Value("FUserID").ToInt32())) << "\t";
+        const std::int32_t user = rows->Value("FUserID").ToInt32();
+        const std::string counts = countsAt(r);
+        const auto object = std::make_shared<scripting::Dictionary>();
+        for (const ado::Column& column : rows->Columns())
+            object->Add(column.name, JsonValue(rows->Value(column.name)));
+        object->Add("FUserName", users.NameOf(user));
+        if (!counts.empty()) object->Add("counts", counts);
+        list.emplace_back(object);
+        if (context.options.json) continue;
+        context.streams.out << rows->Value("FDate").ToTextOrEmpty() << "\t" << OneLine(users.WithNumber(user))
+                            << "\t";
         for (const char* field : {"FFunctionID", "FKind"})
             context.streams.out << rows->Value(field).ToTextOrEmpty() << "\t";
-        const std::string counts = countsAt(r);
         context.streams.out << OneLine(rows->Value("FDescription").ToTextOrEmpty())
                             << (counts.empty() ? "" : "\t" + counts) << "\n";
     }
-    return kExitDone;
+    return FinishListing(context, list, "没有符合条件的操作日志。");
 }
 
 }  // namespace vicenter::host

@@ -52,8 +52,7 @@ int RunSearch(const CliContext& context) {
         list.push_back(HitObject(hit));
         if (!context.options.json) context.streams.out << HitText(hit);
     }
-    if (context.options.json) PrintJson(context, list);
-    return kExitDone;
+    return FinishListing(context, list, "没有符合条件的分录。");
 }
 
 }  // namespace vicenter::host

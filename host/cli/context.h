@@ -25,6 +25,10 @@ struct CliContext {
 // Prints one JSON document and a line break.
 void PrintJson(const CliContext& context, const Variant& document);
 
+// The end of a command that lists: one JSON array, or, where the list is empty, the words for that on `err`,
+// so that what is piped stays empty. What it holds has been printed. Returns the exit code.
+int FinishListing(const CliContext& context, const VariantArray& list, const std::string& none);
+
 // The end of a command that speaks to the user: one JSON document, or the messages (to `err` when it failed)
 // and, when it did not fail, the text. `more`: further members of the document. Returns the exit code.
 int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, const std::string& text = {},
