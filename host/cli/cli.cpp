@@ -135,7 +135,11 @@ int RunCommand(const CliOptions& options, const CliStreams& streams, const CliHo
     const auto messages = std::make_shared<ConsoleMessages>(
         streams.in, options.json ? streams.err : streams.out, options.answer, options.json);
     system::Surroundings surroundings = system::Surroundings::Current();
-    if (!windowed) surroundings.messageBoxes = messages;
+    if (!windowed) {
+        surroundings.messageBoxes = messages;
+        if (hooks.untilTold)
+            surroundings.longWork = std::make_shared<ConsoleWait>(streams.err, *hooks.untilTold);
+    }
     const system::SurroundingsScope scope(surroundings);
 
     std::optional<com::InstalledClasses> installed;  // beyond the session, which may hold objects of theirs

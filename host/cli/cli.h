@@ -6,8 +6,10 @@
 // commands go to `out`, errors to `err`; messages that a window would box are printed, questions are asked on
 // `out` and answered from `in` unless --yes or --no answers them.
 
+#include <chrono>
 #include <functional>
 #include <istream>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -32,6 +34,8 @@ struct CliHooks {
     std::function<int(const std::string& folder)> driveWindow;
     // Writes a PDF file. Throws automation::Error.
     std::function<void(const center::PrintSheet& sheet, const std::string& file)> writePdf;
+    // From when on the user is told that a command waits; never without one.
+    std::optional<std::chrono::milliseconds> untilTold;
     // The font family that Chinese is shown in; empty when none is installed.
     std::function<std::string()> chineseFont;
 };

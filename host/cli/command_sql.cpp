@@ -162,15 +162,17 @@ int FirstForeignLine(std::string_view text) {
 
 enum class Outcome { kDone, kFailed, kCancelled };
 
-// Ctrl+C ends the batch that runs, not the program.
+// Ctrl+C ends the batch that runs, not the program. Whoever watches besides is told as ever.
 class InterruptKey final : public system::LongWork {
   public:
-    InterruptKey() = default;
+    explicit InterruptKey(std::shared_ptr<system::LongWork> besides) : besides_(std::move(besides)) {}
     InterruptKey(const InterruptKey&) = delete;
     InterruptKey& operator=(const InterruptKey&) = delete;
     ~InterruptKey() override = default;
 
-    bool GoOn(std::chrono::milliseconds) override { return !pressed_; }
+    bool GoOn(std::chrono::milliseconds taken) override {
+        return !pressed_ && (besides_ == nullptr || besides_->GoOn(taken));
+    }
     void Done() noexcept override {}
 
     ado::RecordsetRef Execute(ado::Connection& connection, const std::string& batch, std::int64_t& affected) {
@@ -181,6 +183,7 @@ class InterruptKey final : public system::LongWork {
     }
 
   private:
+    std::shared_ptr<system::LongWork> besides_;
     std::atomic<bool> pressed_{false};
 };
 
@@ -241,8 +244,8 @@ int RunSql(const CliContext& context) {
     // Whoever sits before it decides how long a script may take, unless the connect string says it.
     if (!ado::ConnectString(context.session->Settings().connectString).Has("Command Timeout"))
         connection.SetCommandTimeout(0);
-    const auto interruptKey = std::make_shared<InterruptKey>();
     system::Surroundings watched = system::Surroundings::Current();
+    const auto interruptKey = std::make_shared<InterruptKey>(watched.longWork);
     watched.longWork = interruptKey;
     const system::SurroundingsScope scope(watched);
     int code = kExitDone;

@@ -22,6 +22,8 @@ class HiddenWindow {
     HiddenWindow(const HiddenWindow&) = delete;
     HiddenWindow& operator=(const HiddenWindow&) = delete;
     ~HiddenWindow() {
+        // Whoever waited in vain for others to end would do so once more.
+        if (store::clsVIData::LastFailureWasLock()) return;
         automation::Quietly([this] { presenter_.Unload(); });
     }
 

@@ -76,4 +76,12 @@ void ConsoleMessages::Print(std::ostream& out) {
         out << OnTerminal(shown_[printed_]) << "\n";
 }
 
+bool ConsoleWait::GoOn(std::chrono::milliseconds taken) {
+    if (!told_ && taken >= untilTold_) {
+        told_ = true;
+        err_ << "正在执行，请稍后...（按 Ctrl+C 中止）" << std::endl;
+    }
+    return true;
+}
+
 }  // namespace vicenter::host

@@ -2,6 +2,7 @@
 
 // Message boxes and the template center's view for a terminal.
 
+#include <chrono>
 #include <iosfwd>
 #include <memory>
 #include <optional>
@@ -55,6 +56,20 @@ class ConsoleMessages final : public system::MessageBoxes {
     std::string label_;
     std::vector<ShownMessage> shown_;
     std::size_t printed_ = 0;
+};
+
+// Says once that the command waits: for an account set that others have locked, for a server.
+class ConsoleWait final : public system::LongWork {
+  public:
+    ConsoleWait(std::ostream& err, std::chrono::milliseconds untilTold) : err_(err), untilTold_(untilTold) {}
+
+    bool GoOn(std::chrono::milliseconds taken) override;
+    void Done() noexcept override {}
+
+  private:
+    std::ostream& err_;
+    std::chrono::milliseconds untilTold_;
+    bool told_ = false;
 };
 
 // A window that shows nothing: what matters arrives as messages and in the account set.

@@ -52,6 +52,7 @@ void HideFromProcessList(int argc, char** argv) {
 int main(int argc, char** argv) {
     std::set_terminate(OnTerminate);
     vicenter::host::CliHooks hooks;
+    hooks.untilTold = std::chrono::seconds(1);
 #ifdef VICENTER_HAS_WINDOWS
     hooks.openWindow = [argc, argv] { return vicenter::host::OpenWindow(argc, argv); };
     hooks.driveWindow = [argc, argv](const std::string& folder) {

@@ -1,9 +1,12 @@
 // What others do while a command waits for its user: for an answer, for its lines. The command then finds
 // something else than the user was asked about, and writes nothing.
 
+#include <fstream>
 #include <functional>
 #include <memory>
+#include <sstream>
 #include <streambuf>
+#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -195,6 +198,37 @@ TEST_F(Locked, WhatIsPromisedToBeKeptIsKeptOrNothingIsRestored) {
     EXPECT_THAT(answer.errors, HasSubstr("账套正被其他用户锁定，请稍后再试！"));
     other_.reset();
     EXPECT_EQ(Text("select FExp from t_VchTemplateEntry where FID = 1"), "二");
+}
+
+// The user learns at once why nothing happens, and that it goes on when the others are through.
+TEST_F(Locked, WhoeverWaitsForOthersIsToldAndGetsWhatHeWaitedFor) {
+    Lock()();
+    const std::string said = folder_.Path("said.txt");
+    const auto text = [&] {
+        std::ostringstream read;
+        read << std::ifstream(system::PathFromUtf8(said)).rdbuf();
+        return read.str();
+    };
+    RunningProgram program(VICENTER_PROGRAM, {"--account-set", file_, "new"}, {}, said);
+    while (program.Runs() && text().find("正在执行") == std::string::npos)
+        std::this_thread::yield();
+    EXPECT_TRUE(program.Runs());
+    other_.reset();
+    EXPECT_EQ(program.Wait().code, 0);
+    EXPECT_THAT(text(), testing::StartsWith("正在执行，请稍后...（按 Ctrl+C 中止）\n"));
+    EXPECT_THAT(text(), testing::EndsWith("\t自定义模板(1)\n"));
+}
+
+// One wait and one message: nothing that comes behind the first waits once more.
+TEST_F(Locked, ANewTemplateIsWaitedForOnce) {
+    Lock()();
+    const CliAnswer answer = RunVicenter({"--connect", Connect(), "new"});
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_THAT(answer.errors, testing::StartsWith("新增模板失败！\n\n账套正被其他用户锁定，请稍后再试！"));
+    EXPECT_EQ(answer.errors.find("账套正被", answer.errors.find("账套正被") + 1), std::string::npos)
+        << answer.errors;
+    other_.reset();
+    EXPECT_EQ(Text("select count(*) as n from t_VchTemplate"), "10");
 }
 
 TEST_F(Locked, ASaveThatCannotKeepAVersionFails) {
