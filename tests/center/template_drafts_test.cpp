@@ -101,6 +101,7 @@ TEST_F(Drafts, GoWithASave) {
 }
 
 TEST_F(Drafts, StayWhenTheWindowIsClosedByItsFrameAndAreOfferedByTheNext) {
+    surroundings_.clock->now = *automation::DateTime::Parse("2026-01-31 08:00:00.250");
     TypeMine();
     CloseByFrame();
     ASSERT_EQ(Files().size(), 1U);

@@ -62,7 +62,8 @@ void WindowParts::OfferNewestDraft() {
 void WindowParts::OfferDraft(const FoundDraft& found) {
     const Draft& draft = found.draft;
     const DraftPlace place = PlaceOf(draft, tree);
-    const std::string what = "模板 " + draft.templateName + " 有上次未保存的修改（" + draft.written + "，" +
+    const std::string toTheSecond = draft.written.substr(0, draft.written.find('.'));
+    const std::string what = "模板 " + draft.templateName + " 有上次未保存的修改（" + toTheSecond + "，" +
                              std::to_string(draft.lines.size()) + " 条分录），";
     if (Ask(what + place.question + "\r\n\r\n选择“否”将丢弃这些修改。", MessageButtons::YesNo) !=
         MessageResult::Yes) {
