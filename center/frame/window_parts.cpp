@@ -16,6 +16,7 @@ namespace {
 
 constexpr const char* kOrderKey = "grid.order";
 constexpr const char* kFrozenKey = "grid.frozen-places";
+constexpr const char* kFirstSixKey = "grid.frozen";  // kept as on or off: the first six
 
 const char* KeyOf(EntryAid aid) {
     switch (aid) {
@@ -143,6 +144,7 @@ void WindowParts::ReadSettings() {
         Switch(aid, settings.IsOn(KeyOf(aid), true));
     ApplyColumnOrder(*state.grid, settings.Text(kOrderKey));
     const std::string frozen = settings.Text(kFrozenKey);
+    frozenPlaces = settings.IsOn(kFirstSixKey, false) ? 6 : 0;
     std::from_chars(frozen.data(), frozen.data() + frozen.size(), frozenPlaces);
     frozenPlaces = std::clamp(frozenPlaces, 0, kColumnCount);
 }
@@ -169,6 +171,7 @@ void WindowParts::SetColumnOrder(const ColumnOrder& order) {
 
 void WindowParts::SetFrozenPlaces(int places) {
     frozenPlaces = std::clamp(places, 0, kColumnCount);
+    settings.Put(kFirstSixKey, {});
     settings.Put(kFrozenKey, frozenPlaces == 0 ? std::string() : std::to_string(frozenPlaces));
 }
 

@@ -1,5 +1,6 @@
 // A row that is proposed, in the window's presenter: nothing but taking it makes it a line.
 
+#include "center/frame/own_settings.h"
 #include "tests/center/center_fixture.h"
 
 namespace vicenter::center::test {
@@ -205,6 +206,22 @@ TEST_F(ProposedRowTest, SwitchedOffItStaysOffInTheNextWindow) {
     Open();
     Window().Tree().NodeClick("detail-5");
     EXPECT_EQ(Window().Cells().ProposedRow(), 0);
+}
+
+TEST_F(ProposedRowTest, ColumnsThatStayInSightDoSoInTheNextWindow) {
+    EXPECT_EQ(Window().Cells().FrozenPlaces(), 0);
+    Window().Cells().SetFrozenPlaces(3);
+    Open();
+    EXPECT_EQ(Window().Cells().FrozenPlaces(), 3);
+    OwnSettings kept;
+    kept.Open("7");
+    kept.Put("grid.frozen-places", "");
+    kept.PutOn("grid.frozen", true);
+    Open();
+    EXPECT_EQ(Window().Cells().FrozenPlaces(), 6) << "by a setting that was on or off";
+    Window().Cells().SetFrozenPlaces(0);
+    Open();
+    EXPECT_EQ(Window().Cells().FrozenPlaces(), 0);
 }
 
 TEST_F(ProposedRowTest, WhoMayOnlyLookSeesNone) {
