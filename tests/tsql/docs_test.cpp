@@ -187,6 +187,8 @@ std::string Otherwise() {
                {"convert/digits_of_dates"}) +
            row("lengths of varchar", "count characters, not the bytes of a code page",
                {"functions/text_of_null_and_codes"}) +
+           row("GRANT, REVOKE", "change nothing: an account set has no users; DENY is refused",
+               {"system/rights_change_nothing"}) +
            row("identity values handed out in what is undone", "are handed out again",
                {"transactions/identity_is_handed_out_again"}) +
            row("error 1750 behind the error of a constraint", "is not told",

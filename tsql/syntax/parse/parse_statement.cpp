@@ -192,14 +192,12 @@ StatementPtr Parser::ParseNoOperation() {
     return statement;
 }
 
-// GRANT, DENY and REVOKE … TO (or FROM) names [WITH GRANT OPTION] [CASCADE]: an account set has no users to
-// ask.
+// GRANT, DENY and REVOKE … TO (or FROM) names [WITH GRANT OPTION] [CASCADE]: an account set has no users, and
+// everybody may do everything.
 StatementPtr Parser::ParseGrant() {
     const Token verb = Take();
     auto statement = Make<NoOperationStatement>(verb.position);
-    statement->verb = verb.keyword == Keyword::kGrant  ? "grant"
-                      : verb.keyword == Keyword::kDeny ? "deny"
-                                                       : "revoke";
+    statement->verb = verb.keyword == Keyword::kGrant ? "grant" : "revoke";
     while (!At(Keyword::kTo) && !At(Keyword::kFrom)) {
         if (AtEnd() || At(Op::kSemicolon)) Fail();
         Take();
@@ -215,6 +213,7 @@ StatementPtr Parser::ParseGrant() {
     }
     Accept(Keyword::kCascade);
     if (Accept(Keyword::kAs)) TakeName();
+    if (verb.keyword == Keyword::kDeny) throw MakeError(40510, verb.position, {"DENY"});
     const std::uint32_t from = verb.position.offset;
     statement->text = std::string(lexer_.Text().substr(from, previous_.EndOffset() - from));
     return statement;
