@@ -96,7 +96,7 @@ std::string PartOf(Binding& call, const SqlType& type) {
     static constexpr const char* kNames[] = {"year", "quarter", "month",    "dayofyear",
                                              "day",  "week",    "iso_week", "weekday",
                                              "hour", "minute",  "second",   "millisecond"};
-    const std::string code = call.DatePartCode(0);
+    std::string code = call.DatePartCode(0);
     const int part = std::stoi(code);
     const bool isOfClock = part >= static_cast<int>(DatePart::kHour);
     const bool lacks = isOfClock ? type.kind == TypeKind::kDate : type.kind == TypeKind::kTime;
