@@ -7,6 +7,7 @@
 // the text that SQLite gets. The body runs inside SQLite, see call.h. Constant data, readable from anywhere.
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -59,7 +60,7 @@ struct FunctionEntry {
     const SqlFunction* body = nullptr;
     FunctionKind kind = FunctionKind::kScalar;
     // Arguments from here on are values; those before it are words or conditions.
-    std::size_t firstValue = 0;
+    std::uint32_t firstValue = 0;
     bool takesStar = false;   // f(*) in place of an argument
     bool takesFrame = false;  // of a window function: OVER (… ROWS …); aggregates take one anyway
 };
