@@ -238,6 +238,7 @@ std::vector<std::int64_t> NumbersInPlace(const TableInfo& table, const std::vect
                                   [&](const ResultColumn& column) { return table.IsRowNumber(column.name); });
     const std::size_t place = key == columns.end() ? 0 : static_cast<std::size_t>(key - columns.begin());
     std::vector<std::int64_t> numbers;
+    numbers.reserve(rows.size());
     for (const std::vector<Value>& row : rows)
         numbers.push_back(row[place].Int());
     return numbers;
@@ -301,6 +302,7 @@ ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vec
                       const std::vector<std::vector<Value>>& rows, const Tell& tell, const Fail& fail) {
     RowWriter writer(database, table, columns);
     std::vector<const std::vector<Value>*> left;
+    left.reserve(rows.size());
     for (const std::vector<Value>& row : rows)
         left.push_back(&row);
     std::deque<std::vector<Value>> aside;
