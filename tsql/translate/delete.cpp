@@ -40,7 +40,7 @@ Translation Translator::Delete(const DeleteStatement& statement) {
         RefuseColumnsOfFrom(*statement.output, scope);
     }
     if (statement.output) sql += Output(*statement.output, table, "deleted");
-    return Finished(std::move(sql));
+    return Finished(sql);
 }
 
 }  // namespace vicenter::tsql::engine

@@ -169,7 +169,7 @@ Translation Translator::Insert(const InsertStatement& statement) {
     if (all.empty()) return Finished("INSERT INTO " + table.Sql() + " DEFAULT VALUES");
     sql = InsertHead(table, all) + sql;
     if (statement.output) sql += Output(*statement.output, table, "inserted");
-    return Finished(std::move(sql));
+    return Finished(sql);
 }
 
 Translation Translator::InsertRow(const TableInfo& table, const std::vector<Name>& names,

@@ -66,7 +66,7 @@ Translation Translator::Select(const Query& query) {
     QueryText text = QueryOf(query, nullptr, true);
     translation_.columns = std::move(text.columns);
     translation_.assignments = std::move(text.assignments);
-    return Finished(std::move(text.sql));
+    return Finished(text.sql);
 }
 
 // OPTION (MAXRECURSION n) holds for all recursive queries of the statement; 0 is no bound.

@@ -101,6 +101,7 @@ SelectParts Translator::SetOf(const SetOperation& operation, const Query* orderF
     if (isLong) parts.tail += ")";
     if (!keepsAll) {
         std::vector<Operand> columns;
+        columns.reserve(types.size());
         for (const SqlType& type : types)
             columns.push_back(Computed("", type));
         CheckSetMembers(columns, operation.position);

@@ -192,7 +192,7 @@ Translation Translator::CursorQuery(const Query& query) {
         text.columns.resize(text.columns.size() - 1 - translation_.rowKey.size());
     }
     translation_.columns = std::move(text.columns);
-    return Finished(std::move(text.sql));
+    return Finished(text.sql);
 }
 
 // WHERE CURRENT OF: the row's number comes from the cursor when the statement runs.

@@ -144,7 +144,7 @@ Translation Translator::UpdatedRows(const UpdateStatement& statement) {
     sql += StoredColumns(parts);
     // A row that FROM finds twice is changed once.
     sql += parts.from + Where(parts.condition) + " GROUP BY " + parts.alias + "._rowid_" + parts.limit;
-    return Finished(std::move(sql));
+    return Finished(sql);
 }
 
 Translation Translator::OutputOfRow(const OutputClause& output, const TableInfo& table) {
@@ -261,7 +261,7 @@ Translation Translator::Update(const UpdateStatement& statement) {
         RefuseColumnsOfFrom(*statement.output, parts.scope);
         sql += Output(*statement.output, table, "inserted");
     }
-    return Finished(std::move(sql));
+    return Finished(sql);
 }
 
 }  // namespace vicenter::tsql::engine
