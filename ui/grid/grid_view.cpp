@@ -154,7 +154,7 @@ void GridView::FinishEditing(QWidget* editor) {
     Composition::Finish(*editor);
     Guarded([&] { names_.Close(); });
     commitData(editor);
-    closeEditor(editor, QAbstractItemDelegate::NoHint);
+    GridView::closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
 void GridView::DropOpenEditor() {

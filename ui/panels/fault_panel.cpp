@@ -42,7 +42,7 @@ QString Number(std::int32_t number) {
 }
 
 QString SourceOf(const center::ReportedFault& fault) {
-    const QString source = ToQt(fault.source);
+    QString source = ToQt(fault.source);
     switch (fault.kind) {
         case center::FaultSource::Workbook:
             return QFileInfo(source).fileName();
@@ -60,7 +60,7 @@ QString TextOfReported(const center::ReportedFault& reported, int field) {
         case kRow:
             return Number(fault.row);
         case kColumn: {
-            const QString header = ToSentence(fault.header);
+            QString header = ToSentence(fault.header);
             if (fault.column == 0 || reported.kind == center::FaultSource::Template) return header;
             return header + QStringLiteral("（%1 列）").arg(ToQt(exchange::ColumnLetter(fault.column)));
         }
