@@ -34,9 +34,10 @@ class StatusText : public QLabel {
         if (!IsCut()) return QLabel::paintEvent(event);
         QPainter painter(this);
         const QString shortened = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
-        style()->drawItemText(&painter, contentsRect(),
-                              QStyle::visualAlignment(layoutDirection(), alignment()), palette(), isEnabled(),
-                              shortened, foregroundRole());
+        const auto aligned =
+            static_cast<int>(QStyle::visualAlignment(layoutDirection(), alignment()).toInt());
+        style()->drawItemText(&painter, contentsRect(), aligned, palette(), isEnabled(), shortened,
+                              foregroundRole());
     }
     bool event(QEvent* event) override {
         if (event->type() != QEvent::ToolTip) return QLabel::event(event);

@@ -56,7 +56,7 @@ std::vector<std::string> DroppedWorkbooks(const QMimeData& data) {
 VICenterWindow::VICenterWindow(std::shared_ptr<center::TemplateCommands> commands)
     : commands_(std::move(commands)) {
     setObjectName(QStringLiteral("frmVICenter"));
-    SetModified({}, false);
+    ShowTitle();
     setWindowIcon(NamedIcon(QStringLiteral("app")));
     setContextMenuPolicy(Qt::NoContextMenu);
     presenter_ = std::make_unique<center::frmVICenter>(*this, commands_.get());
