@@ -23,6 +23,25 @@ class HostCommands : public CenterCommands {
 
 class TemplatePicturesTest : public PicturesTest {
   protected:
+    // Asks for the menu of a place, looks at it and closes it.
+    template <class Look>
+    void AtMenu(QWidget& where, const QPoint& at, Look look) {
+        bool seen = false;
+        QTimer watch;
+        QObject::connect(&watch, &QTimer::timeout, window, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (!menu || seen) return;
+            seen = true;
+            watch.stop();
+            look(*menu);
+            menu->close();
+        });
+        watch.start(0);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, where.mapToGlobal(at));
+        QApplication::sendEvent(&where, &event);
+        EXPECT_TRUE(seen);
+    }
+
     void SaveWith(int row, int gridColumn, const QString& text) {
         surroundings.clock->now =
             *automation::DateTime::Parse("2026-11-0" + std::to_string(++saves_) + " 09:14:26");
@@ -103,51 +122,29 @@ TEST_F(TemplatePicturesTest, TheOperationLog) {
 
 TEST_F(TemplatePicturesTest, TheMenuOfAColumn) {
     Show({9, 11, 20});
-    bool seen = false;
-    QTimer watch;
-    QObject::connect(&watch, &QTimer::timeout, window, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu || seen) return;
-        seen = true;
-        watch.stop();
-        EXPECT_EQ(menu->objectName(), "columnMenu");
-        PictureWithMenus("column-menu", {window->width(), 620});
-        menu->close();
-    });
-    watch.start(0);
     QHeaderView& header = *window->Grid().horizontalHeader();
     const QPoint at(header.sectionViewportPosition(column::kAccountNumber - 1) + 30, header.height() / 2);
     QTest::mouseClick(header.viewport(), Qt::RightButton, {}, at);
-    QContextMenuEvent event(QContextMenuEvent::Mouse, at, header.viewport()->mapToGlobal(at));
-    QApplication::sendEvent(header.viewport(), &event);
-    EXPECT_TRUE(seen);
+    AtMenu(*header.viewport(), at, [&](QMenu& menu) {
+        EXPECT_EQ(menu.objectName(), "columnMenu");
+        PictureWithMenus("column-menu", {window->width(), 620});
+    });
 }
 
 TEST_F(TemplatePicturesTest, TheMenuOfAWholeNumber) {
     Show({9, 11, 20});
     ClickCell(2, column::kNo);
-    bool seen = false;
-    QTimer watch;
-    QObject::connect(&watch, &QTimer::timeout, window, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu || seen) return;
-        seen = true;
-        watch.stop();
+    const QPoint at = window->Grid().visualRect(window->Grid().currentIndex()).topLeft() + QPoint(2, 12);
+    AtMenu(*window->Grid().viewport(), at, [&](QMenu& menu) {
         auto* patterns = window->Grid().findChild<QMenu*>("patternMenu");
         ASSERT_NE(patterns, nullptr);
-        menu->setActiveAction(patterns->menuAction());
-        QTest::keyClick(menu, Qt::Key_Right);
+        menu.setActiveAction(patterns->menuAction());
+        QTest::keyClick(&menu, Qt::Key_Right);
         EXPECT_TRUE(patterns->isVisible());
         EXPECT_EQ(patterns->actions().size(), 6);
         PictureWithMenus("pattern-menu", {window->width(), 620});
         patterns->close();
-        menu->close();
     });
-    watch.start(0);
-    const QPoint at = window->Grid().visualRect(window->Grid().currentIndex()).topLeft() + QPoint(2, 12);
-    QContextMenuEvent event(QContextMenuEvent::Mouse, at, window->Grid().viewport()->mapToGlobal(at));
-    QApplication::sendEvent(window->Grid().viewport(), &event);
-    EXPECT_TRUE(seen);
 }
 
 TEST_F(TemplatePicturesTest, TheVersionsOfATemplate) {
