@@ -92,7 +92,7 @@ build() {  # NAME SOURCE [OPTION...]
   local name=$1 source=$2
   shift 2
   VICENTER_WINDOWS_LIBRARIES="$prefix" cmake -S "$source" -B "$work/build-$name" -G Ninja --toolchain "$toolchain" \
-    -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib "${launcher[@]}" "$@"
-  cmake --build "$work/build-$name"
-  cmake --install "$work/build-$name"
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib "${launcher[@]}" "$@" &&
+    cmake --build "$work/build-$name" &&
+    cmake --install "$work/build-$name"
 }
