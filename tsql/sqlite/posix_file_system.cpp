@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "tsql/sqlite/file_system.h"
+#include "tsql/sqlite/file_system_over.h"
 #include "tsql/sqlite/posix_account_set_file.h"
 
 namespace vicenter::tsql::engine {
@@ -20,11 +21,6 @@ namespace {
 
 constexpr const char* kName = "vicenter";
 constexpr int kSectorBytes = 4096;
-
-sqlite3_vfs* Base() {
-    static sqlite3_vfs* const base = sqlite3_vfs_find("unix");
-    return base;
-}
 
 struct OpenFile {
     sqlite3_file base;
@@ -130,11 +126,11 @@ void AllowWriting(const char* log) {
     if (chmod(log, (file.st_mode & 0777) | S_IRUSR | S_IWUSR) != 0) errno = 0;
 }
 
-int Open(sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* opened) {
+int Open(sqlite3_vfs* self, const char* path, sqlite3_file* file, int flags, int* opened) {
     file->pMethods = nullptr;
     if ((flags & SQLITE_OPEN_MAIN_DB) == 0 || path == nullptr) {
         if ((flags & SQLITE_OPEN_WAL) != 0 && path != nullptr) AllowWriting(path);
-        return Base()->xOpen(Base(), path, file, flags, opened);
+        return BaseOf(self)->xOpen(BaseOf(self), path, file, flags, opened);
     }
     return Guarded([&] {
         std::unique_ptr<AccountSetFile> set;
@@ -152,40 +148,10 @@ int Open(sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* ope
 }
 
 sqlite3_vfs MakeFileSystem() {
-    sqlite3_vfs made = *Base();
-    made.iVersion = 2;
-    made.szOsFile = std::max(Base()->szOsFile, static_cast<int>(sizeof(OpenFile)));
-    made.pNext = nullptr;
-    made.zName = kName;
-    made.pAppData = nullptr;
+    sqlite3_vfs made = FileSystemOver(*sqlite3_vfs_find("unix"), kName);
+    made.szOsFile = std::max(made.szOsFile, static_cast<int>(sizeof(OpenFile)));
     made.xOpen = Open;
-    made.xDelete = [](sqlite3_vfs*, const char* path, int sync) {
-        return Base()->xDelete(Base(), path, sync);
-    };
-    made.xAccess = [](sqlite3_vfs*, const char* path, int flags, int* result) {
-        return Base()->xAccess(Base(), path, flags, result);
-    };
-    made.xFullPathname = [](sqlite3_vfs*, const char* path, int bytes, char* full) {
-        return Base()->xFullPathname(Base(), path, bytes, full);
-    };
-    made.xDlOpen = [](sqlite3_vfs*, const char* path) { return Base()->xDlOpen(Base(), path); };
-    made.xDlError = [](sqlite3_vfs*, int bytes, char* text) { Base()->xDlError(Base(), bytes, text); };
-    made.xDlSym = [](sqlite3_vfs*, void* library, const char* name) {
-        return Base()->xDlSym(Base(), library, name);
-    };
-    made.xDlClose = [](sqlite3_vfs*, void* library) { Base()->xDlClose(Base(), library); };
-    made.xRandomness = [](sqlite3_vfs*, int count, char* bytes) {
-        return Base()->xRandomness(Base(), count, bytes);
-    };
-    made.xSleep = [](sqlite3_vfs*, int microseconds) {
-        if (NapRule::Apply(std::chrono::microseconds(microseconds))) return microseconds;
-        return Base()->xSleep(Base(), microseconds);
-    };
-    made.xCurrentTime = [](sqlite3_vfs*, double* now) { return Base()->xCurrentTime(Base(), now); };
     made.xGetLastError = [](sqlite3_vfs*, int, char*) { return errno; };
-    made.xCurrentTimeInt64 = [](sqlite3_vfs*, sqlite3_int64* now) {
-        return Base()->xCurrentTimeInt64(Base(), now);
-    };
     return made;
 }
 

@@ -9,6 +9,7 @@
 #include <sqlite3.h>
 
 #include "tsql/sqlite/file_system.h"
+#include "tsql/sqlite/file_system_over.h"
 
 namespace vicenter::tsql::engine {
 
@@ -16,18 +17,12 @@ namespace {
 
 constexpr const char* kName = "vicenter";
 
-// The one that takes paths of more than 260 characters.
-sqlite3_vfs* Base() {
-    static sqlite3_vfs* const base = sqlite3_vfs_find("win32-longpath");
-    return base;
-}
-
 // Longer ones the system takes only in their long form, whole and with backslashes alone.
-int FullPath(sqlite3_vfs*, const char* path, int bytes, char* full) {
+int FullPath(sqlite3_vfs* self, const char* path, int bytes, char* full) {
     constexpr std::string_view kLong = "\\\\?\\";
     constexpr std::string_view kLongOnServer = "\\\\?\\UNC\\";
     constexpr std::size_t kShortEnough = 240;
-    const int code = Base()->xFullPathname(Base(), path, bytes, full);
+    const int code = BaseOf(self)->xFullPathname(BaseOf(self), path, bytes, full);
     if (code != SQLITE_OK) return code;
     std::string_view found(full);
     if (found.size() < kShortEnough || found.starts_with(kLong)) return code;
@@ -43,42 +38,9 @@ int FullPath(sqlite3_vfs*, const char* path, int bytes, char* full) {
     return fits ? SQLITE_OK : SQLITE_CANTOPEN;
 }
 
-sqlite3_vfs MakeFileSystem() {
-    sqlite3_vfs made = *Base();
-    made.iVersion = 2;
-    made.pNext = nullptr;
-    made.zName = kName;
-    made.pAppData = nullptr;
-    made.xOpen = [](sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* opened) {
-        return Base()->xOpen(Base(), path, file, flags, opened);
-    };
-    made.xDelete = [](sqlite3_vfs*, const char* path, int sync) {
-        return Base()->xDelete(Base(), path, sync);
-    };
-    made.xAccess = [](sqlite3_vfs*, const char* path, int flags, int* result) {
-        return Base()->xAccess(Base(), path, flags, result);
-    };
+sqlite3_vfs MakeFileSystem(sqlite3_vfs& base) {
+    sqlite3_vfs made = FileSystemOver(base, kName);
     made.xFullPathname = FullPath;
-    made.xDlOpen = [](sqlite3_vfs*, const char* path) { return Base()->xDlOpen(Base(), path); };
-    made.xDlError = [](sqlite3_vfs*, int bytes, char* text) { Base()->xDlError(Base(), bytes, text); };
-    made.xDlSym = [](sqlite3_vfs*, void* library, const char* name) {
-        return Base()->xDlSym(Base(), library, name);
-    };
-    made.xDlClose = [](sqlite3_vfs*, void* library) { Base()->xDlClose(Base(), library); };
-    made.xRandomness = [](sqlite3_vfs*, int count, char* bytes) {
-        return Base()->xRandomness(Base(), count, bytes);
-    };
-    made.xSleep = [](sqlite3_vfs*, int microseconds) {
-        if (NapRule::Apply(std::chrono::microseconds(microseconds))) return microseconds;
-        return Base()->xSleep(Base(), microseconds);
-    };
-    made.xCurrentTime = [](sqlite3_vfs*, double* now) { return Base()->xCurrentTime(Base(), now); };
-    made.xGetLastError = [](sqlite3_vfs*, int bytes, char* text) {
-        return Base()->xGetLastError(Base(), bytes, text);
-    };
-    made.xCurrentTimeInt64 = [](sqlite3_vfs*, sqlite3_int64* now) {
-        return Base()->xCurrentTimeInt64(Base(), now);
-    };
     return made;
 }
 
@@ -87,8 +49,10 @@ sqlite3_vfs MakeFileSystem() {
 const char* AccountSetFileSystem() {
     static const bool registered = [] {
         sqlite3_initialize();
-        if (Base() == nullptr) return false;
-        static sqlite3_vfs system = MakeFileSystem();
+        // The one that takes paths of more than 260 characters.
+        sqlite3_vfs* const base = sqlite3_vfs_find("win32-longpath");
+        if (base == nullptr) return false;
+        static sqlite3_vfs system = MakeFileSystem(*base);
         return sqlite3_vfs_register(&system, 0) == SQLITE_OK;
     }();
     return registered ? kName : nullptr;
