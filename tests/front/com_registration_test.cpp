@@ -115,6 +115,10 @@ DWORD RunProgram(std::wstring command) {
 class Registration : public ComLibrary {
   protected:
     Registration() {
+        // Every user of Windows has this key; those of Wine have it once something was written there.
+        HKEY classes = nullptr;
+        EXPECT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, L"Software\\Classes", &classes), ERROR_SUCCESS);
+        RegCloseKey(classes);
         // A user who has no classes of his own has not these keys either.
         for (const wchar_t* key :
              {L"Software\\Classes\\CLSID", L"Software\\Classes\\Interface", L"Software\\Classes\\TypeLib"})
