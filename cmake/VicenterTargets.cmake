@@ -76,11 +76,12 @@ if(WIN32 AND CMAKE_CROSSCOMPILING)
   set(VICENTER_TEST_DRIVE "Z:")
 endif()
 # The tests' place and language. Windows knows time zones by their distance alone, and looks for libraries on a path;
-# windows that are drawn into memory there take their fonts from a folder, which is the building machine's.
+# windows that are drawn into memory there take their fonts from a folder, which under Wine is the building machine's.
+# Wine keeps the variables of Qt and the path for programs of that machine; those behind "WINE" it hands on instead.
 set(VICENTER_TEST_ENVIRONMENT "TZ=Asia/Shanghai;LC_ALL=C.UTF-8;QT_QPA_PLATFORM=offscreen")
 if(WIN32)
-  set(VICENTER_TEST_ENVIRONMENT "TZ=CST-8;QT_QPA_PLATFORM=offscreen"
-    "QT_QPA_FONTDIR=${VICENTER_TEST_DRIVE}/usr/share/fonts/opentype/noto"
+  set(VICENTER_TEST_ENVIRONMENT "TZ=CST-8;WINEQT_QPA_PLATFORM=offscreen"
+    "WINEQT_QPA_FONTDIR=${VICENTER_TEST_DRIVE}/usr/share/fonts/opentype/noto"
     "WINEPATH=${VICENTER_TEST_DRIVE}${CMAKE_BINARY_DIR}/front")
 endif()
 

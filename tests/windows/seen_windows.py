@@ -104,7 +104,7 @@ class Display:
 
 def environment(display):
     wanted = dict(os.environ, WINEPREFIX=str(HOME), DISPLAY=display)
-    for name in ("QT_QPA_PLATFORM", "QT_QPA_FONTDIR"):
+    for name in ("WINEQT_QPA_PLATFORM", "WINEQT_QPA_FONTDIR"):
         wanted.pop(name, None)
     return wanted
 
