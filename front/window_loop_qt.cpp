@@ -171,6 +171,7 @@ void QtWindowLoop::Ensure() {
                         "No display is available to show the template center.", kSource);
         }
         loaded_.emplace();
+        ui::PrepareDisplay();
         own_ = std::make_unique<QApplication>(argc_, argv_);
         QApplication::setQuitOnLastWindowClosed(false);
         ui::SetUpApplication(*own_);

@@ -1,6 +1,7 @@
 #include "ui/run/display.h"
 
 #include <QByteArray>
+#include <QString>
 #include <optional>
 #include <vector>
 
@@ -13,7 +14,8 @@ namespace {
 class Display : public testing::Test {
   protected:
     void SetUp() override {
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "QT_QPA_PLATFORM"}) {
+        for (const char* name :
+             {"DISPLAY", "WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "QT_QPA_PLATFORM", "QT_QPA_FONTDIR"}) {
             kept_.push_back(
                 {name, qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt});
             qunsetenv(name);
@@ -44,6 +46,18 @@ TEST_F(Display, BelongsToTheSystem) {
     EXPECT_FALSE(IsDisplayUnseen());
     qputenv("QT_QPA_PLATFORM", "nosuchplatform;windows");
     EXPECT_TRUE(HasDisplay());
+}
+
+TEST_F(Display, HasTheSystemsFontsWhereNobodyLooks) {
+    PrepareDisplay();
+    EXPECT_FALSE(qEnvironmentVariableIsSet("QT_QPA_FONTDIR")) << "the system's windows have them anyway";
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    PrepareDisplay();
+    EXPECT_EQ(qEnvironmentVariable("QT_QPA_FONTDIR").compare("C:/Windows/Fonts", Qt::CaseInsensitive), 0)
+        << qgetenv("QT_QPA_FONTDIR").constData();
+    qputenv("QT_QPA_FONTDIR", "C:/others");
+    PrepareDisplay();
+    EXPECT_EQ(qgetenv("QT_QPA_FONTDIR"), "C:/others");
 }
 
 #else

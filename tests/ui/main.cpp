@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include "ui/run/application.h"
+#include "ui/run/display.h"
 
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    vicenter::ui::PrepareDisplay();
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

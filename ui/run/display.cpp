@@ -111,13 +111,17 @@ bool IsDisplayUnseen() {
     return name == "offscreen" || name.startsWith("minimal");
 }
 
-void ChooseUnseenDisplay() {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+void PrepareDisplay() {
 #ifdef Q_OS_WIN
-    if (!qEnvironmentVariableIsSet("QT_QPA_FONTDIR"))
+    if (IsDisplayUnseen() && !qEnvironmentVariableIsSet("QT_QPA_FONTDIR"))
         qputenv("QT_QPA_FONTDIR",
                 QDir::fromNativeSeparators(qEnvironmentVariable("SystemRoot")).toUtf8() + "/Fonts");
 #endif
+}
+
+void ChooseUnseenDisplay() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    PrepareDisplay();
 }
 
 }  // namespace vicenter::ui

@@ -9,8 +9,10 @@ namespace vicenter::ui {
 bool HasDisplay();
 // It is one that nobody looks at: "offscreen" and its like.
 bool IsDisplayUnseen();
-// Chooses that one for the application to come. On Windows it reads its fonts from a folder: the system's,
-// unless QT_QPA_FONTDIR names another one.
+// What the display of the application to come needs: on Windows one that nobody looks at reads its fonts from
+// a folder, which is the system's unless QT_QPA_FONTDIR names another one.
+void PrepareDisplay();
+// Chooses one that nobody looks at, and prepares it.
 void ChooseUnseenDisplay();
 
 }  // namespace vicenter::ui

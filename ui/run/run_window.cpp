@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "ui/run/application.h"
+#include "ui/run/display.h"
 #include "ui/run/qt_surroundings.h"
 #include "ui/run/window_call.h"
 #include "ui/window/window_factory.h"
@@ -41,6 +42,7 @@ void CloseAll() {
 }  // namespace
 
 int RunWindow(int argc, char** argv, const WindowRun& run) {
+    PrepareDisplay();
     QApplication application(argc, argv);
     SetUpApplication(application);
     const system::SurroundingsScope surroundings(QtSurroundings(system::Surroundings::Current()));
