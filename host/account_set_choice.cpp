@@ -56,7 +56,8 @@ void AccountSetChoice::Choose(const std::string& file) {
     users_.clear();
     note_.clear();
     try {
-        const ado::ConnectionRef connection = ado::OpenConnection(FileConnectString(file));
+        // Kept for nobody: a file that is open can be neither moved nor deleted on Windows.
+        const ado::ConnectionRef connection = ado::OpenConnection(FileConnectString(file) + ";Pooling=no");
         const ado::RecordsetRef rows =
             connection->Execute("select FUserID,FName,FDescription from t_User order by FUserID");
         for (std::size_t row = 0; row < static_cast<std::size_t>(rows->RecordCount()); ++row)

@@ -84,6 +84,17 @@ TEST_F(AccountSetChoiceTest, TheUsersAreThoseOfTheChosenSet) {
     EXPECT_FALSE(choice.Open(0));
 }
 
+TEST_F(AccountSetChoiceTest, ASetThatWasLookedAtCanBeMovedAndDeleted) {
+    const std::string file = test::CopySet(folder);
+    AccountSetChoice choice(folder.Path());
+    choice.Choose(file);
+    std::error_code failed;
+    std::filesystem::rename(system::PathFromUtf8(file), system::PathFromUtf8(folder.Path("moved.vas")),
+                            failed);
+    EXPECT_FALSE(failed) << failed.message();
+    EXPECT_TRUE(std::filesystem::remove(system::PathFromUtf8(folder.Path("moved.vas")), failed));
+}
+
 TEST_F(AccountSetChoiceTest, OpensAWindowInAProcessOfItsOwn) {
     const std::string file = test::CopySet(folder);
     AccountSetChoice choice(folder.Path());
