@@ -43,8 +43,8 @@ std::string TextAlone(const std::string& shown) {
 
 class OnConsole : public testing::Test {
   protected:
-    // The program's exit code; what was shown is kept.
-    int Run(const std::vector<std::string>& arguments) {
+    // The program's exit code; what was shown is kept. The Return key is "\r".
+    int Run(const std::vector<std::string>& arguments, const std::string& typed = {}) {
         Pipe keys;
         Pipe screen;
         HPCON console = nullptr;
@@ -52,6 +52,8 @@ class OnConsole : public testing::Test {
         CloseHandle(keys.read);
         CloseHandle(screen.write);
         const HANDLE process = Start(console, arguments);
+        DWORD written = 0;
+        EXPECT_TRUE(WriteFile(keys.write, typed.data(), static_cast<DWORD>(typed.size()), &written, nullptr));
         EXPECT_EQ(WaitForSingleObject(process, INFINITE), WAIT_OBJECT_0);
         DWORD code = 0;
         EXPECT_TRUE(GetExitCodeProcess(process, &code));
@@ -62,6 +64,12 @@ class OnConsole : public testing::Test {
         return static_cast<int>(code);
     }
     bool Shows(const std::string& text) const { return shown_.find(text) != std::string::npos; }
+    std::string NameOfTheFirst() const {
+        return ado::OpenConnection(FileConnectString(set_))
+            ->Execute("select min(FName) as FName from t_VchTemplate where FID = 1")
+            ->Value("FName")
+            .ToTextOrEmpty();
+    }
 
     test::TestFolder folder_;
     std::string set_ = test::CopySet(folder_);
@@ -97,6 +105,22 @@ TEST_F(OnConsole, ChineseIsShown) {
     // What goes to the other stream as well.
     EXPECT_NE(Run({"--account-set", set_, "show", "没有的模板"}), 0);
     EXPECT_TRUE(Shows("没有的模板")) << shown_;
+}
+
+TEST_F(OnConsole, ChineseIsTyped) {
+    // Ctrl+Z at the beginning of a line ends what is typed. The last character is of two UTF-16 units.
+    ASSERT_EQ(Run({"--account-set", set_, "sql"},
+                  "update t_VchTemplate set FName = '差旅费𠮷' where FID = 1\rgo\r\x1a\r"),
+              0)
+        << shown_;
+    EXPECT_EQ(NameOfTheFirst(), "差旅费𠮷") << shown_;
+}
+
+TEST_F(OnConsole, AQuestionIsAnsweredInChinese) {
+    ASSERT_EQ(Run({"--account-set", set_, "delete", "日常费用"}, "否\r"), 1) << shown_;
+    EXPECT_EQ(NameOfTheFirst(), "日常费用") << shown_;
+    ASSERT_EQ(Run({"--account-set", set_, "delete", "日常费用"}, "是\r"), 0) << shown_;
+    EXPECT_EQ(NameOfTheFirst(), "") << shown_;
 }
 
 }  // namespace
