@@ -122,8 +122,9 @@ def main():
     check("the machine", file.machine == {"x64": 0x8664, "x86": 0x14C}[WIDTH], hex(file.machine))
     symbols = pathlib.Path(SOURCE, "tests/front/exported_symbols.txt").read_text(encoding="utf-8").splitlines()
     wanted = sorted(COM + [line.split("@@")[0] for line in symbols if "@@" in line])
-    check("it exports the C interface and what COM looks for, under plain names", sorted(file.exports()) == wanted,
-          set(file.exports()) ^ set(wanted))
+    exports = set(file.exports()) - {"qt_startup_hook"}  # a static Qt's own objects export that, for debuggers
+    check("it exports the C interface and what COM looks for, under plain names", sorted(exports) == wanted,
+          exports ^ set(wanted))
     strange = set(file.imports()) - SYSTEM
     check("it wants the system's libraries alone", not strange, strange)
     library, classes = declared()

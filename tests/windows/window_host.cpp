@@ -155,6 +155,12 @@ void Round(const std::string& connectString) {
     for (const HWND window : FramedWindows())
         PostMessageW(window, WM_CLOSE, 0, 0);
     Check("they close", Pump([] { return FramedWindows().empty(); }));
+    Check("it stays for the host's components", CanUnload() == S_FALSE);
+    {
+        const ObjectRef host = com::CreateForeign("VelaVICenter.Host");
+        for (const char* component : {kShareProps, kSecurity})
+            host->Call("Unregister", {component});
+    }
     Check("the library may go", CanUnload() == S_OK);
     CoFreeUnusedLibrariesEx(0, 0);
     // What it might have left in the thread's messages would be called now.
