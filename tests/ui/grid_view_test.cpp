@@ -111,7 +111,16 @@ TEST_F(GridViewTest, TypingReplacesWhatTheCellHeldAndF2GoesOnWithIt) {
     EXPECT_EQ(grid->Text(1, 2), "old");
     Key(Qt::Key_F2);
     ASSERT_NE(Field(), nullptr);
-    Key(Qt::Key_End);
+    Type("er");
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(grid->Text(1, 2), "older");
+}
+
+TEST_F(GridViewTest, ADoubleClickGoesOnWithWhatTheCellHolds) {
+    grid->SetText(1, 2, "old");
+    Click(1, 2);
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, Middle(1, 2));
+    ASSERT_NE(Field(), nullptr);
     Type("er");
     Key(Qt::Key_Tab);
     EXPECT_EQ(grid->Text(1, 2), "older");

@@ -402,6 +402,8 @@ bool GridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event
     }
     if (opened && trigger != AnyKeyPressed) {
         if (auto* list = qobject_cast<DirectionEditor*>(indexWidget(index))) list->showPopup();
+        // The text is gone on with, not typed over: nothing of it is selected.
+        if (auto* field = qobject_cast<CellEditor*>(indexWidget(index))) field->end(false);
     }
     if (opened) emit editingChanged(true);
     return opened;
