@@ -190,9 +190,7 @@ std::string Otherwise() {
            row("GRANT, REVOKE", "change nothing: an account set has no users; DENY is refused",
                {"system/rights_change_nothing"}) +
            row("identity values handed out in what is undone", "are handed out again",
-               {"transactions/identity_is_handed_out_again"}) +
-           row("error 1750 behind the error of a constraint", "is not told",
-               {"definition/what_a_definition_breaks"});
+               {"transactions/identity_is_handed_out_again"});
 }
 
 std::string SupportText() {

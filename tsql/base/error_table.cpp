@@ -238,7 +238,7 @@ constexpr ErrorEntry kErrors[] = {
      "'%.*ls' and the index name '%.*ls'.  The duplicate key value is %ls."},
     {1702, 16, kText,
      "CREATE TABLE failed because column '%.*ls' in table '%.*ls' exceeds the maximum of %d columns."},
-    {1750, 10, kStatement, "Could not create constraint or index. See previous errors."},
+    {1750, 16, kText, "Could not create constraint or index. See previous errors."},
     {1752, 16, kText, "Column '%.*ls' in table '%.*ls' is invalid for creating a default constraint."},
     {1753, 16, kText,
      "Column '%.*ls.%.*ls' is not the same length or scale as referencing column '%.*ls.%.*ls' in foreign "
@@ -257,6 +257,8 @@ constexpr ErrorEntry kErrors[] = {
      "Cannot create the foreign key \"%.*ls\" with the SET DEFAULT referential action, because one or more "
      "referencing not-nullable columns lack a default constraint."},
     {1767, 16, kText, "Foreign key '%.*ls' references invalid table '%.*ls'."},
+    {1769, 16, kText, "Foreign key '%.*ls' references invalid column '%.*ls' in referencing table '%.*ls'."},
+    {1770, 16, kText, "Foreign key '%.*ls' references invalid column '%.*ls' in referenced table '%.*ls'."},
     {1776, 16, kText,
      "There are no primary or candidate keys in the referenced table '%.*ls' that match the referencing "
      "column list in the foreign key '%.*ls'."},

@@ -133,6 +133,12 @@ std::string PhysicalColumn(const TableInfo& table, const ColumnInfo& column) {
             sql += " BLOB";
             break;
     }
+    for (const ForeignKeyInfo& key : table.foreignKeys) {
+        for (std::size_t i = 0; i < key.defaults.size() && i < key.columns.size(); ++i) {
+            if (!SameName(key.columns[i], column.name) || key.defaults[i].empty()) continue;
+            return sql + " DEFAULT (" + key.defaults[i] + ")";
+        }
+    }
     return sql;
 }
 
@@ -320,7 +326,8 @@ void Catalog::Load() {
             table.checks.push_back({name, keys.Text(8), keys.Text(9)});
         } else if (kind == "FK") {
             table.foreignKeys.push_back({name, SplitNames(keys.Text(3)), keys.Text(4),
-                                         SplitNames(keys.Text(5)), keys.Text(6), keys.Text(7)});
+                                         SplitNames(keys.Text(5)), keys.Text(6), keys.Text(7),
+                                         SplitNames(keys.Text(9))});
         } else {
             KeyInfo key = KeyFromColumns(name, kind, SplitNames(keys.Text(3)));
             key.isRowNumber = key.kind == KeyKind::kPrimary && key.columns.size() == 1 &&

@@ -60,6 +60,11 @@ struct ForeignKeyInfo {
     std::vector<std::string> referencedColumns;
     std::string onDelete;
     std::string onUpdate;
+    // With SET DEFAULT, what each column gets, as SQLite works it out; empty for NULL.
+    std::vector<std::string> defaults = {};
+
+    bool operator==(const ForeignKeyInfo& other) const = default;
+    bool SetsDefault() const { return onDelete == "set default" || onUpdate == "set default"; }
 };
 
 struct CheckInfo {

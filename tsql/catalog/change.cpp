@@ -19,10 +19,8 @@ constexpr char kSeparator = '\n';
 
 std::string Joined(const std::vector<std::string>& names) {
     std::string text;
-    for (const std::string& name : names) {
-        if (!text.empty()) text += kSeparator;
-        text += name;
-    }
+    for (std::size_t i = 0; i < names.size(); ++i)
+        text += (i == 0 ? std::string() : std::string(1, kSeparator)) + names[i];
     return text;
 }
 
@@ -71,7 +69,7 @@ std::vector<KeyRow> KeyRows(const TableInfo& table) {
                         key.onDelete,
                         key.onUpdate,
                         {},
-                        {}});
+                        Joined(key.defaults)});
     }
     for (const CheckInfo& check : table.checks) {
         rows.push_back({check.name, "CK", {}, {}, {}, {}, {}, check.text, check.sqlText});

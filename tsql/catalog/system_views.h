@@ -17,6 +17,9 @@ struct SystemView {
     std::vector<ResultColumn> columns;
 };
 const SystemView* FindSystemView(const ObjectName& name);
+// The same view over the tables of a session: `tables` is SQLite's text of them, as JSON makes them; without
+// the times at which they were made.
+SystemView OfTemporary(const SystemView& view, const std::string& tables);
 // A view of the server's that there is not: it is refused by its name, where an unknown one is an error.
 bool IsServerView(const ObjectName& name);
 // A column that the server's view of that name has, and ours has nothing to say in.

@@ -313,7 +313,8 @@ void Executor::HandleError(SqlError error, std::int32_t line) {
     lastError_ = error.Number();
     rowCount_ = 0;
     const Frame* unboundIn = std::exchange(unbound_, false) ? frame_ : nullptr;
-    const ErrorEntry* entry = FindError(error.Number());
+    const std::int32_t first = std::exchange(firstError_, 0);
+    const ErrorEntry* entry = FindError(first != 0 ? first : error.Number());
     const bool endsText = entry != nullptr && entry->ends == Ends::kText;
     if (transactions_.IsOpen() && !database_.InTransaction()) {
         // A full disk and its like make SQLite undo everything by itself.
@@ -352,7 +353,7 @@ bool Executor::Dooms(const Abort& abort) const {
     if (abort.exactAbort || details.severity >= 17 || details.number == kCancelledBatch) return true;
     if (abort.unboundIn != nullptr || details.number >= kFirstUserError) return false;
     const ErrorEntry* entry = FindError(details.number);
-    return entry != nullptr && entry->ends != Ends::kStatement;
+    return abort.endsText || (entry != nullptr && entry->ends == Ends::kBatch);
 }
 
 void Executor::LeaveFrame(Frame& frame) {

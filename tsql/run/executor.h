@@ -116,6 +116,8 @@ class Executor {
     bool CheckNamesOf(const Statement& statement);
     template <class Work>
     void CheckNamesBy(const Statement& statement, const Work& work);
+    template <class Work>
+    void CheckTold(const Statement& statement, const OutputClause& output, bool hasAction, const Work& rows);
     Abort FailureOfText(const SqlError& error, const Frame& callee);
     void EndCall(const Abort& abort);
     void LeaveFrame(Frame& frame);
@@ -130,6 +132,7 @@ class Executor {
     }
     const TableInfo* FindTable(std::string_view name) const { return frame_->FindTable(catalog_, name); }
     Value SystemValue(std::string_view name) const;  // system_value.cpp
+    std::string TemporaryTables() const;
     std::int64_t CursorRows() const;
     void ServeFacts();  // catalog_facts.cpp
 
@@ -186,16 +189,35 @@ class Executor {
     // Both give the numbers that the rows have then.
     std::vector<std::int64_t> ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
                                          const std::vector<std::vector<Value>>& rows, bool collides,
-                                         Position where);
+                                         Position where, bool areDeferred = false);
     std::vector<std::int64_t> PutAnew(const Plan& plan, const std::vector<ResultColumn>& columns,
                                       const std::vector<std::vector<Value>>& rows,
                                       const std::function<void(const std::vector<Value>&)>& tell);
     bool IsReferenced(const TableInfo& table) const;
     void Delete(const DeleteStatement& statement);
+    void DeleteTold(const DeleteStatement& statement, bool temporary);
     void Modify(const void* key, bool temporary, const Make& make, const OutputClause* output);
-    void OutputInto(const OutputClause& output, const std::vector<ResultColumn>& columns,
-                    std::vector<std::vector<Value>>& rows, std::int64_t affectedBefore);
-    void RunModification(Plan& plan, std::vector<std::vector<Value>>* output);
+    // What OUTPUT tells: the rows, whose first columns go into its target.
+    struct Told {
+        std::vector<ResultColumn> columns;
+        std::vector<std::vector<Value>> rows;
+        std::size_t goesInto = 0;
+    };
+    // A row that has been changed as OUTPUT sees it: all its columns afterwards and before, none where there
+    // was no row, and those of the sources beside it.
+    struct ChangedRow {
+        std::string action;
+        std::vector<Value> inserted;
+        std::vector<Value> deleted;
+        std::vector<Value> beside;
+    };
+    void Changing(bool temporary, const OutputClause* output, const std::function<void(Told& told)>& work);
+    void OutputInto(const OutputClause& output, Told& told, std::int64_t affectedBefore);
+    std::vector<Value> WholeRow(const OutputClause& output, const TableInfo& table, std::int64_t number);
+    void TellRows(const OutputClause& output, const TableInfo& table, const std::vector<ToldSource>& sources,
+                  const std::vector<ChangedRow>& rows, bool hasAction, Told& told);
+    void RunModification(Plan& plan, std::vector<std::vector<Value>>* output,
+                         const std::vector<Value>* given = nullptr);
     void CountRows(std::int64_t count);
     bool OutlivesFailure() const;
     void StartIdentity(const TableInfo& table);
@@ -208,6 +230,7 @@ class Executor {
             std::int64_t row = 0;
             std::vector<std::string> columns;
             std::vector<Value> values;
+            std::size_t place = 0;  // among what OUTPUT tells
         };
         const TableInfo* table = nullptr;
         std::set<std::int64_t> seen;
@@ -215,11 +238,15 @@ class Executor {
         std::vector<Row> updated;
         std::vector<Row> anew;  // updated in a key: deleted and inserted
         std::vector<Row> inserted;
+        std::vector<ChangedRow> told;       // of OUTPUT, in the order in which they were found
+        std::vector<std::int64_t> numbers;  // of these, as they are afterwards
     };
     void Merge(const MergeStatement& statement);
-    void CheckMergeable(const TableInfo& table, const MergeStatement& statement) const;
-    void CollectMerge(Plan& plan, MergeChanges& changes);
-    void ApplyMerge(const Plan& plan, const MergeChanges& changes);
+    void LimitMerge(const MergeStatement& statement, std::vector<std::vector<Value>>& matched,
+                    std::vector<std::vector<Value>>& missed);
+    void CollectMerge(Plan& plan, std::vector<std::vector<Value>>& rows);
+    void SortMerge(const Plan& plan, const std::vector<std::vector<Value>>& rows, MergeChanges& changes);
+    void ApplyMerge(const Plan& plan, MergeChanges& changes, bool areDeferred);
     void RunMergeRow(const Plan& plan, const TableInfo& table, const MergeChanges::Row& change,
                      const std::string& sql);
     void Truncate(const TruncateStatement& statement);
@@ -314,10 +341,12 @@ class Executor {
     void AddCheck(TableInfo& table, const Constraint& constraint);
     void AddForeignKey(TableInfo& table, const Constraint& constraint);
     static void CheckIdentityType(const SqlType& type, const Name& column);
-    // Of the foreign keys from that place on.
-    static void CheckActions(const TableInfo& table, std::size_t first);
+    // Checks the foreign keys from that place on.
+    void TakeActions(TableInfo& table, std::size_t first);
+    // Error 1750 behind what is wrong with a constraint.
+    void Constraining(Position where, const std::function<void()>& work);
     static std::vector<std::string> KeyColumns(TableInfo& table, const Constraint& constraint,
-                                               bool makeNotNull);
+                                               const std::string& name, bool makeNotNull);
     void CheckKeyTypes(const TableInfo& table, const KeyInfo& key, Position where) const;
     // Makes a key of an existing table; error 1505 when its rows do not allow it.
     void MakeKey(const TableInfo& table, const KeyInfo& key, Position position);
@@ -350,6 +379,7 @@ class Executor {
     bool unbound_ = false;  // the error on its way was found while a statement was translated
     std::int64_t rowCount_ = 0;
     std::int32_t lastError_ = 0;
+    std::int32_t firstError_ = 0;  // told before the one that is on its way, which ends what that ends
     std::int32_t fetchStatus_ = 0;
     Value identity_;
     std::int64_t lastIdentity_ = 0;      // that a row of the statement has got

@@ -61,7 +61,8 @@ bool Executor::OutlivesFailure() const {
     return tryDepth_ > 0 || !options_.batchTransactions || !transactions_.IsOpen();
 }
 
-void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* output) {
+void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* output,
+                               const std::vector<Value>* given) {
     const Translation& translation = plan.translation;
     const TableInfo* table = translation.table.empty() ? nullptr : catalog_.FindTable(translation.table);
     const bool identity = translation.FillsIdentity() && table != nullptr;
@@ -70,7 +71,7 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
     std::int64_t changed = 0;
     {
         const ResetAtEnd reset(plan.statement);
-        Bind(plan);
+        Bind(plan, given);
         std::vector<Value> row;
         while (StepPlan(plan)) {
             ReadRow(plan, row);
@@ -90,15 +91,23 @@ void Executor::RunModification(Plan& plan, std::vector<std::vector<Value>>* outp
     CountRows(changed);
 }
 
-// The rows that go into the target of OUTPUT are not those of the statement.
-void Executor::OutputInto(const OutputClause& output, const std::vector<ResultColumn>& columns,
-                          std::vector<std::vector<Value>>& rows, std::int64_t affectedBefore) {
+// The rows that go into the target of OUTPUT are not those of the statement. What is left of each row is the
+// result.
+void Executor::OutputInto(const OutputClause& output, Told& told, std::int64_t affectedBefore) {
     const std::int64_t changed = rowCount_;
     const std::int64_t affected = std::exchange(report_->rowsAffected, affectedBefore);
+    const auto count = static_cast<std::ptrdiff_t>(told.goesInto);
     std::vector<SqlType> types;
-    types.reserve(columns.size());
-    for (const ResultColumn& column : columns)
-        types.push_back(column.type);
+    types.reserve(told.goesInto);
+    for (std::size_t i = 0; i < told.goesInto; ++i)
+        types.push_back(told.columns[i].type);
+    std::vector<std::vector<Value>> rows;
+    rows.reserve(told.rows.size());
+    for (std::vector<Value>& row : told.rows) {
+        rows.emplace_back(row.begin(), row.begin() + count);
+        row.erase(row.begin(), row.begin() + count);
+    }
+    told.columns.erase(told.columns.begin(), told.columns.begin() + count);
     InsertRows(&output, output.into, output.columns, types, rows);
     rowCount_ = changed;
     report_->rowsAffected = affected;
@@ -106,24 +115,70 @@ void Executor::OutputInto(const OutputClause& output, const std::vector<ResultCo
 
 // The rows of OUTPUT are kept until the change has succeeded, since a failed statement gives no result. Those
 // that go into a table are part of the statement: all of it is done or nothing.
-void Executor::Modify(const void* key, bool temporary, const Make& make, const OutputClause* output) {
-    std::vector<std::vector<Value>> rows;
-    std::vector<ResultColumn> columns;
+void Executor::Changing(bool temporary, const OutputClause* output,
+                        const std::function<void(Told& told)>& work) {
+    Told told;
     const bool into = output != nullptr && !output->into.IsEmpty();
     const TableInfo* target = into ? FindTable(output->into.Object()) : nullptr;
     transactions_.Change(temporary && (target == nullptr || target->temporary), [&] {
         StatementGuard guard(database_, into && OutlivesFailure());
         const std::int64_t before = report_->rowsAffected;
-        Plan& plan = PlanFor(key, make);
-        RunModification(plan, output != nullptr ? &rows : nullptr);
-        columns = plan.translation.columns;
-        if (into) OutputInto(*output, columns, rows, before);
+        work(told);
+        if (into) OutputInto(*output, told, before);
         guard.Release();
     });
-    if (output == nullptr || into) return;
-    sink_->BeginResult(columns);
-    for (std::vector<Value>& row : rows)
+    if (output == nullptr || !output->GivesResult()) return;
+    sink_->BeginResult(told.columns);
+    for (std::vector<Value>& row : told.rows)
         sink_->AddRow(row);
+}
+
+void Executor::Modify(const void* key, bool temporary, const Make& make, const OutputClause* output) {
+    Changing(temporary, output, [&](Told& told) {
+        Plan& plan = PlanFor(key, make);
+        RunModification(plan, output != nullptr ? &told.rows : nullptr);
+        told.columns = plan.translation.columns;
+        told.goesInto = plan.translation.goesInto;
+    });
+}
+
+std::vector<Value> Executor::WholeRow(const OutputClause& output, const TableInfo& table,
+                                      std::int64_t number) {
+    Plan& plan = PlanFor(&output.into, [&](Translator& translator) { return translator.WholeRow(table); });
+    const ResetAtEnd reset(plan.statement);
+    const std::vector<Value> given{Value(number)};
+    Bind(plan, &given);
+    std::vector<Value> row(plan.translation.columns.size());
+    if (StepPlan(plan)) ReadRow(plan, row);
+    return row;
+}
+
+// Of rows that have been changed, in their order.
+void Executor::TellRows(const OutputClause& output, const TableInfo& table,
+                        const std::vector<ToldSource>& sources, const std::vector<ChangedRow>& rows,
+                        bool hasAction, Told& told) {
+    Plan& plan = PlanFor(&output.columns, [&](Translator& translator) {
+        return translator.OutputOfRow(output, table, sources, hasAction);
+    });
+    told.columns = plan.translation.columns;
+    told.goesInto = plan.translation.goesInto;
+    std::size_t beside = 0;
+    for (const ToldSource& source : sources)
+        beside += source.columns.size();
+    std::vector<Value> given;
+    for (const ChangedRow& row : rows) {
+        given.clear();
+        for (const auto* part : {&row.inserted, &row.deleted}) {
+            given.insert(given.end(), part->begin(), part->end());
+            if (part->empty()) given.resize(given.size() + table.columns.size());
+        }
+        given.insert(given.end(), row.beside.begin(), row.beside.end());
+        given.resize(2 * table.columns.size() + beside);
+        if (hasAction) given.emplace_back(row.action);
+        const ResetAtEnd reset(plan.statement);
+        Bind(plan, &given);
+        if (StepPlan(plan)) ReadRow(plan, told.rows.emplace_back());
+    }
 }
 
 }  // namespace vicenter::tsql::engine

@@ -62,6 +62,24 @@ void Executor::CheckNamesBy(const Statement& statement, const Work& work) {
     }
 }
 
+// OUTPUT names what the rows bring along.
+template <class Work>
+void Executor::CheckTold(const Statement& statement, const OutputClause& output, bool hasAction,
+                         const Work& rows) {
+    const TableInfo* table = nullptr;
+    std::vector<ToldSource> told;
+    CheckNamesBy(statement, [&](Translator& translator) {
+        Translation translation = rows(translator);
+        table = catalog_.FindTable(translation.table);
+        told = translation.told;
+        return translation;
+    });
+    if (table == nullptr) return;
+    CheckNamesBy(statement, [&](Translator& translator) {
+        return translator.OutputOfRow(output, *table, told, hasAction);
+    });
+}
+
 bool Executor::CheckNamesOf(const Statement& statement) {
     const auto check = [&](const auto& work) { CheckNamesBy(statement, work); };
     const auto condition = [&](const Expr& one) {
@@ -82,18 +100,24 @@ bool Executor::CheckNamesOf(const Statement& statement) {
         }
         case StatementKind::kUpdate: {
             const auto& update = As<UpdateStatement>(statement);
-            if (!update.output || !TellsOfOldRows(*update.output)) {
+            if (!update.output || TellsOnlyOf("inserted", *update.output, !update.from.empty())) {
                 check([&](Translator& translator) { return translator.Update(update); });
-                return true;
+            } else {
+                CheckTold(update, *update.output, false,
+                          [&](Translator& translator) { return translator.UpdatedRows(update); });
             }
-            check([&](Translator& translator) { return translator.UpdatedRows(update); });
-            if (const TableInfo* table = FindTable(update.target.Object()))
-                check([&](Translator& translator) { return translator.OutputOfRow(*update.output, *table); });
             return true;
         }
-        case StatementKind::kDelete:
-            check([&](Translator& translator) { return translator.Delete(As<DeleteStatement>(statement)); });
+        case StatementKind::kDelete: {
+            const auto& deletion = As<DeleteStatement>(statement);
+            if (!deletion.output || TellsOnlyOf("deleted", *deletion.output, !deletion.from.empty())) {
+                check([&](Translator& translator) { return translator.Delete(deletion); });
+            } else {
+                CheckTold(deletion, *deletion.output, false,
+                          [&](Translator& translator) { return translator.DeletedRows(deletion); });
+            }
             return true;
+        }
         case StatementKind::kSetVariable:
             check([&](Translator& translator) {
                 return translator.Expression(*As<SetVariableStatement>(statement).value);
@@ -113,10 +137,16 @@ bool Executor::CheckNamesOf(const Statement& statement) {
         case StatementKind::kTryCatch:
             return CheckNamesIn(As<TryCatchStatement>(statement).tried) &&
                    CheckNamesIn(As<TryCatchStatement>(statement).caught);
-        case StatementKind::kMerge:
-            check(
-                [&](Translator& translator) { return translator.MergeRows(As<MergeStatement>(statement)); });
+        case StatementKind::kMerge: {
+            const auto& merge = As<MergeStatement>(statement);
+            const auto rows = [&](Translator& translator) { return translator.MergeRows(merge); };
+            if (merge.output) {
+                CheckTold(merge, *merge.output, true, rows);
+            } else {
+                check(rows);
+            }
             return true;
+        }
         case StatementKind::kDeclareCursor:
             check([&](Translator& translator) {
                 return translator.Select(*As<DeclareCursorStatement>(statement).cursor.query);

@@ -1,7 +1,9 @@
 // What the session answers about itself: @@ROWCOUNT and its kin, the clock, the error of a CATCH block.
 
+#include <cstdio>
 #include <limits>
 
+#include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
 #include "tsql/types/date_part.h"
 
@@ -27,7 +29,65 @@ std::int64_t OptionBits(const SetOptions& options) {
 
 }  // namespace
 
+namespace {
+
+std::string JsonText(std::string_view text) {
+    std::string json = "\"";
+    for (const char c : text) {
+        constexpr std::string_view kDigits = "0123456789abcdef";
+        const auto code = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\') {
+            json += std::string("\\") + c;
+        } else if (code < 0x20) {
+            json += std::string("\\u00") + kDigits[code >> 4] + kDigits[code & 15];
+        } else {
+            json += c;
+        }
+    }
+    return json + '"';
+}
+
+// As the server spells it: 116 characters, filled up with '_', and twelve digits of its own.
+std::string NameOfTemporary(const TableInfo& table) {
+    constexpr std::size_t kNameLength = 116;
+    constexpr std::size_t kDigits = 12;
+    std::string name = table.name;
+    const std::size_t units = UnitCount(name);
+    if (units < kNameLength) name.append(kNameLength - units, '_');
+    char digits[kDigits + 1] = {};
+    std::snprintf(digits, sizeof digits, "%012llX", static_cast<unsigned long long>(-table.id));
+    return name + digits;
+}
+
+}  // namespace
+
+// The #tables of the session as the lists of rows that the server's views are made of.
+std::string Executor::TemporaryTables() const {
+    std::string objects;
+    std::string columns;
+    for (const std::string& name : catalog_.TemporaryNames()) {
+        if (name.front() != '#') continue;
+        const TableInfo& table = *catalog_.FindTable(name);
+        const std::string id = std::to_string(table.id);
+        objects += (objects.empty() ? "[" : ",[") + id + "," + JsonText(NameOfTemporary(table)) +
+                   ",\"U\",\"\",\"\"]";
+        int ordinal = 0;
+        for (const ColumnInfo& column : table.columns) {
+            columns += (columns.empty() ? "[" : ",[") + id + "," + std::to_string(++ordinal) + "," +
+                       JsonText(column.name) + "," + JsonText(column.type.Name());
+            for (const std::int64_t number :
+                 {std::int64_t{column.type.length}, std::int64_t{column.type.precision},
+                  std::int64_t{column.type.scale}, std::int64_t{column.nullable ? 1 : 0},
+                  std::int64_t{column.identity ? 1 : 0}, column.seed, column.increment})
+                columns += "," + std::to_string(number);
+            columns += ",\"\"," + JsonText(column.defaultText) + "," + JsonText(column.computedText) + "]";
+        }
+    }
+    return "{\"objects\":[" + objects + "],\"columns\":[" + columns + "]}";
+}
+
 Value Executor::SystemValue(std::string_view name) const {
+    if (name == "temporary tables") return Value(TemporaryTables());
     if (name == "current row") return Value(currentRow_);
     if (name == "@@rowcount") return Value(rowCount_);
     if (name == "@@error") return Value(std::int64_t{lastError_});

@@ -80,8 +80,10 @@ bool WriteForecast::MayWrite(const Statement& statement) {
             const auto& deletion = As<DeleteStatement>(statement);
             return !TargetIsTemporary(deletion.target, deletion.from) || Into(deletion.output);
         }
-        case StatementKind::kMerge:
-            return !IsTemporary(As<MergeStatement>(statement).target);
+        case StatementKind::kMerge: {
+            const auto& merge = As<MergeStatement>(statement);
+            return !IsTemporary(merge.target) || Into(merge.output);
+        }
         case StatementKind::kTruncate:
             return !IsTemporary(As<TruncateStatement>(statement).table);
         case StatementKind::kCreateTable:

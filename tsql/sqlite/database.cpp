@@ -301,6 +301,13 @@ bool Database::InTransaction() const {
     return sqlite3_get_autocommit(handle_) == 0;
 }
 
+bool Database::HasBrokenKeys() const {
+    int broken = 0;
+    int highest = 0;
+    sqlite3_db_status(handle_, SQLITE_DBSTATUS_DEFERRED_FKS, &broken, &highest, 0);
+    return broken != 0;
+}
+
 std::int64_t Database::Changes() const {
     return sqlite3_changes64(handle_);
 }

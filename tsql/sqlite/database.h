@@ -110,6 +110,8 @@ class Database {
     // Steps a statement: true for a row, false when it is done; throws for failures.
     bool Step(PreparedStatement& statement);
     bool InTransaction() const;
+    // Rows refer to what is not there, as far as the transaction that is open has made them so.
+    bool HasBrokenKeys() const;
     std::int64_t Changes() const;
     // Of the row that was inserted last.
     std::int64_t LastRowNumber() const;

@@ -37,11 +37,14 @@ struct SelectStatement : Statement {
 struct ExecuteStatement;
 struct ExecuteTextStatement;
 
-// OUTPUT inserted.a, deleted.b [INTO target (columns)]
+// OUTPUT inserted.a, deleted.b [INTO target (columns) [OUTPUT …]]
 struct OutputClause {
     std::vector<SelectItem> items;
     ObjectName into;
     std::vector<Name> columns;
+    std::vector<SelectItem> beside;  // of the second OUTPUT, which is a result
+
+    bool GivesResult() const { return into.IsEmpty() || !beside.empty(); }
 };
 
 // Where the rows of an INSERT come from.
@@ -121,12 +124,14 @@ struct MergeStatement : Statement {
     explicit MergeStatement(Position p) : Statement(kKind, p) {}
 
     std::vector<CommonTable> with;
+    std::optional<TopClause> top;
     ObjectName target;
     Name alias;
     std::vector<std::string> hints;
     TableSourcePtr source;
     ExprPtr on;
     std::vector<MergeClause> clauses;
+    std::optional<OutputClause> output;
 };
 
 struct TruncateStatement : Statement {

@@ -99,6 +99,12 @@ std::string Translator::CheckText(const TableInfo& table, const Expr& condition)
     return ConditionText(condition, scope);
 }
 
+std::string Translator::DefaultText(const TableInfo& table, const ColumnInfo& column) {
+    inlineLiterals_ = true;
+    const Operand value = DefaultOf(column);
+    return RenderStored(Computed(Render(value), value.type), table, column, kUpdate);
+}
+
 Translation Translator::FillColumn(const TableInfo& table, const ColumnInfo& column, const Expr& value) {
     Begin(table, kUpdate);
     Scope none;

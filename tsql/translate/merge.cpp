@@ -124,6 +124,7 @@ Translation Translator::MergeRows(const MergeStatement& statement) {
         Scope& scope = clause.match == MergeMatch::kMatched ? parts.both : parts.source;
         AddStep(clause, static_cast<int>(i), *parts.table, parts.alias, when, scope, list);
     }
+    if (statement.output) list += ToldColumns(*statement.output, parts.source, {});
     return Finished("SELECT " + when + ", " + row + list + " FROM " + parts.from + " LEFT JOIN " +
                     parts.target + " ON " + parts.on);
 }
@@ -142,6 +143,21 @@ Translation Translator::MissedRows(const MergeStatement& statement) {
     }
     return Finished("SELECT " + when + ", " + row + list + " FROM " + parts.target +
                     " WHERE NOT EXISTS(SELECT 1 FROM " + parts.from + " WHERE " + parts.on + ")");
+}
+
+Translation Translator::TopOf(const TopClause& top) {
+    Scope none;
+    std::string sql;
+    if (top.percent) {
+        Operand rows = System("", SqlType::Of(TypeKind::kBigInt));
+        rows.pending->source = Parameter::Source::kRow;
+        rows.pending->ordinal = 0;
+        sql = kPercentCall.Call({Render(rows), RenderAs(Value(*top.count, none), SqlType::Float())});
+    } else {
+        sql = RowCount(*top.count, none, RowLimit::kTop);
+    }
+    translation_.columns.push_back({"", SqlType::Of(TypeKind::kBigInt)});
+    return Finished("SELECT " + sql);
 }
 
 }  // namespace vicenter::tsql::engine

@@ -90,10 +90,6 @@ Operand Translator::Unary(const UnaryExpr& unary, Scope& scope) {
         return Computed("(~" + Render(operand) + ")", operand.type);
     }
     if (operand.type.IsUnknown()) return operand;
-    if (operand.type.IsText()) {
-        // A text is read as a number first.
-        operand = Computed(RenderAs(operand, SqlType::Int()), SqlType::Int());
-    }
     if (!operand.type.IsNumber() || operand.type.kind == TypeKind::kBit) {
         throw MakeError(8117, unary.position, {MessageName(operand.type), "minus"});
     }

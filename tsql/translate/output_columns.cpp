@@ -1,10 +1,8 @@
 #include "tsql/translate/output_columns.h"
 
-#include <algorithm>
 #include <functional>
 
 #include "automation/object.h"
-#include "tsql/base/error_table.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -13,38 +11,39 @@ using automation::SameName;
 
 namespace {
 
-using Look = std::function<void(const std::string& qualifier, Position where)>;
+using Look = std::function<void(const std::string& qualifier)>;
 
 void VisitQualifiers(const OutputClause& output, const Look& look) {
-    for (const SelectItem& item : output.items) {
-        if (!item.expression) {
-            if (!item.qualifier.IsEmpty()) look(item.qualifier.Object(), item.position);
-            continue;
+    for (const auto* items : {&output.items, &output.beside}) {
+        for (const SelectItem& item : *items) {
+            if (!item.expression) {
+                look(item.qualifier.IsEmpty() ? std::string() : item.qualifier.Object());
+                continue;
+            }
+            VisitAll(*item.expression, [&](const Expr& one) {
+                const auto* column = TryAs<ColumnExpr>(&one);
+                if (column != nullptr) look(column->name.Schema());
+            });
         }
-        VisitAll(*item.expression, [&](const Expr& one) {
-            const auto* column = TryAs<ColumnExpr>(&one);
-            if (column != nullptr) look(column->name.Schema(), column->position);
-        });
     }
 }
 
 }  // namespace
 
-bool TellsOfOldRows(const OutputClause& output) {
-    bool found = false;
-    VisitQualifiers(output, [&](const std::string& qualifier, Position) {
-        found = found || SameName(qualifier, "deleted");
+bool TellsOnlyOf(std::string_view pseudoTable, const OutputClause& output, bool hasFrom) {
+    bool only = true;
+    VisitQualifiers(output, [&](const std::string& qualifier) {
+        only = only && (qualifier.empty() ? !hasFrom : SameName(qualifier, pseudoTable));
     });
-    return found;
+    return only;
 }
 
-void RefuseColumnsOfFrom(const OutputClause& output, const Scope& scope) {
-    VisitQualifiers(output, [&](const std::string& qualifier, Position where) {
-        if (qualifier.empty() || SameName(qualifier, "inserted") || SameName(qualifier, "deleted")) return;
-        const bool isOfFrom = std::ranges::any_of(
-            scope.sources, [&](const Source& source) { return SameName(source.exposedName, qualifier); });
-        if (isOfFrom) throw MakeError(40510, where, {"OUTPUT of columns of FROM"});
+bool MayTellOf(const OutputClause& output, std::string_view source) {
+    bool may = false;
+    VisitQualifiers(output, [&](const std::string& qualifier) {
+        may = may || qualifier.empty() || SameName(qualifier, source);
     });
+    return may;
 }
 
 }  // namespace vicenter::tsql::engine

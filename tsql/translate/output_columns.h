@@ -1,14 +1,15 @@
 #pragma once
 
+#include <string_view>
+
 #include "tsql/syntax/ast_statement.h"
-#include "tsql/translate/query_parts.h"
 
 namespace vicenter::tsql::engine {
 
-// It names a column of deleted, or all of them.
-bool TellsOfOldRows(const OutputClause& output);
-// OUTPUT of UPDATE and DELETE tells of the rows of their table alone: error 40510 for a column of another one
-// in FROM.
-void RefuseColumnsOfFrom(const OutputClause& output, const Scope& scope);
+// OUTPUT names nothing but the columns of that pseudo table, inserted or deleted, which SQLite gives back by
+// itself. Names by themselves are its own where the statement has no other table.
+bool TellsOnlyOf(std::string_view pseudoTable, const OutputClause& output, bool hasFrom);
+// It names columns of that source, or some by themselves, which may be.
+bool MayTellOf(const OutputClause& output, std::string_view source);
 
 }  // namespace vicenter::tsql::engine

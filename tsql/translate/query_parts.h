@@ -60,6 +60,9 @@ struct Source {
 // A column that no text can name: the number of a row in the table behind a query.
 inline constexpr const char* kRowNumberName = "$row";
 
+// What $action names: a column of the row that OUTPUT of MERGE tells of.
+inline constexpr const char* kActionName = "$action";
+
 // Groups and windows worked out in a query of their own, below the one that lists what becomes of them.
 struct Stage {
     std::string alias;                // of the query below, quoted

@@ -224,7 +224,14 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         --viewDepth_;
         return Derived(query.sql, query, exposed, view->columns, scope, table.position, name);
     }
-    if (const SystemView* view = FindSystemView(table.name)) {
+    if (const SystemView* known = FindSystemView(table.name)) {
+        SystemView own;
+        const SystemView* view = known;
+        if (SameName(table.name.Database(), "tempdb")) {
+            const Operand tables = System("temporary tables", SqlType::NVarChar(kMaxLength));
+            own = OfTemporary(*known, Render(tables));
+            view = &own;
+        }
         Source source;
         source.exposedName = exposed;
         source.tableName = name;

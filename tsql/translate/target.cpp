@@ -235,32 +235,4 @@ std::string Translator::BehindName(const std::string& name, Position where) cons
     throw MakeError(207, where, {name});
 }
 
-std::string Translator::Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable) {
-    Scope scope;
-    Source source = SourceOf(table, pseudoTable);
-    // What is computed names the columns of the pseudo table as well.
-    const std::string prefix = source.alias + ".";
-    for (SourceColumn& column : source.columns) {
-        for (std::size_t at = column.sql.find(prefix); at != std::string::npos;
-             at = column.sql.find(prefix, at))
-            column.sql.erase(at, prefix.size());
-    }
-    scope.sources.push_back(std::move(source));
-    return " RETURNING " + OutputList(output, scope);
-}
-
-std::string Translator::OutputList(const OutputClause& output, Scope& scope) {
-    SelectParts parts;
-    for (const SelectItem& item : output.items)
-        AddItem(item, scope, parts);
-    std::string sql;
-    for (std::size_t i = 0; i < parts.items.size(); ++i) {
-        sql += (i == 0 ? "" : ", ") + Render(parts.items[i]);
-        const SqlType& type = parts.items[i].type;
-        translation_.columns.push_back({parts.names[i], type.IsUnknown() ? SqlType::Int() : type});
-    }
-    translation_.hasOutput = true;
-    return sql;
-}
-
 }  // namespace vicenter::tsql::engine

@@ -56,6 +56,12 @@ struct MergeStep {
     bool isWhole = false;              // all columns of the row, which is put anew
 };
 
+// A source of FROM whose columns OUTPUT may name.
+struct ToldSource {
+    std::string name;
+    std::vector<ResultColumn> columns;
+};
+
 struct Translation {
     std::string sql;
     std::vector<Parameter> parameters;
@@ -67,7 +73,15 @@ struct Translation {
     bool usesIdentity = false;   // rows get their identity values from the session
     bool givesIdentity = false;  // the statement gives explicit values for an identity column
     bool FillsIdentity() const { return usesIdentity || givesIdentity; }
-    bool hasOutput = false;  // rows come back from OUTPUT: `columns` describes them
+    bool hasOutput = false;    // rows come back from OUTPUT: `columns` describes them
+    std::size_t goesInto = 0;  // how many of these go into the target of OUTPUT … INTO; the rest is a result
+    std::vector<ToldSource> told;  // whose columns stand behind all others, for OUTPUT
+    std::size_t ToldColumns() const {
+        std::size_t count = 0;
+        for (const ToldSource& source : told)
+            count += source.columns.size();
+        return count;
+    }
     // Temporary tables that the statement uses, with the numbers of their definitions, which another
     // translation goes by, and their own.
     struct TemporaryUse {

@@ -68,6 +68,8 @@ class Translator {
     // The rows that MERGE joins, and those of its target that nothing is joined to.
     Translation MergeRows(const MergeStatement& statement);
     Translation MissedRows(const MergeStatement& statement);
+    // How many of `rows`, which the caller hands in, TOP leaves.
+    Translation TopOf(const TopClause& top);
     // One value, and one condition as 1, 0 or NULL.
     Translation Expression(const Expr& expression);
     Translation Assignment(std::string_view variable, const SqlType& type, AssignOp op,
@@ -75,11 +77,20 @@ class Translator {
     Translation Condition(const Expr& condition);
     // A condition over the columns of one table, as SQLite keeps it: without parameters.
     std::string CheckText(const TableInfo& table, const Expr& condition);
+    // What DEFAULT gives a column, as SQLite keeps it.
+    std::string DefaultText(const TableInfo& table, const ColumnInfo& column);
     // The rows that an UPDATE changes as they are to be: each row's number and every stored column.
     Translation UpdatedRows(const UpdateStatement& statement);
-    // What OUTPUT tells of a row that has been changed. Behind all other parameters stand the stored columns
-    // as they were, and the number of the row.
-    Translation OutputOfRow(const OutputClause& output, const TableInfo& table);
+    // The rows that a DELETE finds: each row's number.
+    Translation DeletedRows(const DeleteStatement& statement);
+    // DELETE of the rows whose numbers the caller hands in, as a list of JSON.
+    Translation DeleteByNumber(const TableInfo& table);
+    // All columns of the row whose number the caller hands in.
+    Translation WholeRow(const TableInfo& table);
+    // What OUTPUT tells of one row. The caller hands in all columns of the table as they are and as they
+    // were, those of the sources, and for MERGE what was done.
+    Translation OutputOfRow(const OutputClause& output, const TableInfo& table,
+                            const std::vector<ToldSource>& told, bool hasAction);
     // What SET @v = e gives the variables, row by row, with the number of each row behind it and, where its
     // columns take what the variables are, every stored column as it is to be.
     Translation UpdatedVariables(const UpdateStatement& statement);
@@ -315,6 +326,9 @@ class Translator {
     // The name in the table behind of a column of the query that is changed.
     std::string BehindName(const std::string& name, Position where) const;
     void CheckOutputBehind(const OutputClause& output) const;
+
+    // output.cpp
+    std::string ToldColumns(const OutputClause& output, const Scope& scope, const std::string& target);
     std::string Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable);
     std::string OutputList(const OutputClause& output, Scope& scope);
 
@@ -332,6 +346,10 @@ class Translator {
     std::string WhenText(const MergeStatement& statement, MergeMatch match, Scope& scope);
     void AddStep(const MergeClause& clause, int number, const TableInfo& table, const std::string& alias,
                  const std::string& when, Scope& scope, std::string& list);
+
+    // delete.cpp
+    struct DeleteParts;
+    DeleteParts PartsOf(const DeleteStatement& statement);
 
     // update.cpp
     struct Assigned {

@@ -5,7 +5,6 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/syntax/ast_children.h"
-#include "tsql/translate/output_columns.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -93,6 +92,7 @@ struct Translator::UpdateParts {
     std::string from;
     const TableInfo* table = nullptr;
     std::string alias;
+    std::string exposed;  // the name of the target in FROM
     std::vector<Assigned> assigned;
     std::string condition;
     std::string limit;
@@ -105,6 +105,7 @@ Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement, bo
         ChangedSource(statement.target, statement.from, statement.position, parts.scope, parts.from);
     parts.table = target.table;
     parts.alias = target.alias;
+    parts.exposed = target.exposedName;
     Begin(*parts.table, kUpdate);
     if (withColumns)
         parts.assigned = Assignments(statement.assignments, *parts.table, parts.scope, parts.alias);
@@ -135,35 +136,14 @@ std::string Translator::StoredColumns(const UpdateParts& parts) {
 
 Translation Translator::UpdatedRows(const UpdateStatement& statement) {
     const UpdateParts parts = PartsOf(statement);
-    if (statement.output) {
-        CheckOutputBehind(*statement.output);
-        RefuseColumnsOfFrom(*statement.output, parts.scope);
-    }
+    if (statement.output) CheckOutputBehind(*statement.output);
     std::string sql = "SELECT " + parts.alias + "._rowid_";
     translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
     sql += StoredColumns(parts);
+    if (statement.output) sql += ToldColumns(*statement.output, parts.scope, parts.exposed);
     // A row that FROM finds twice is changed once.
     sql += parts.from + Where(parts.condition) + " GROUP BY " + parts.alias + "._rowid_" + parts.limit;
     return Finished(sql);
-}
-
-Translation Translator::OutputOfRow(const OutputClause& output, const TableInfo& table) {
-    Begin(table, kUpdate);
-    Scope scope;
-    scope.sources.push_back(SourceOf(table, "inserted"));
-    scope.sources.push_back(SourceOf(table, "deleted"));
-    const std::string list = OutputList(output, scope);
-    std::size_t parameter = translation_.parameters.size();
-    std::string before;
-    for (const ColumnInfo& column : table.columns) {
-        if (!column.computedText.empty()) continue;
-        before += (before.empty() ? "?" : ", ?") + std::to_string(++parameter);
-        if (column.type.IsText()) before += std::string(" COLLATE ") + kTextCollationName;
-        if (column.type.IsExact()) before += std::string(" COLLATE ") + kNumberCollationName;
-        before += " AS " + Quoted(column.name);
-    }
-    return Finished("SELECT " + list + " FROM " + table.Sql() + " AS \"inserted\", (SELECT " + before +
-                    ") AS \"deleted\" WHERE \"inserted\"._rowid_ = ?" + std::to_string(parameter + 1));
 }
 
 // SELECT the values of @v = e, and the number of the row: the last one's stay. Where columns take what the
@@ -258,7 +238,6 @@ Translation Translator::Update(const UpdateStatement& statement) {
     }
     if (statement.output) {
         CheckOutputBehind(*statement.output);
-        RefuseColumnsOfFrom(*statement.output, parts.scope);
         sql += Output(*statement.output, table, "inserted");
     }
     return Finished(sql);

@@ -99,7 +99,7 @@ constexpr AbsentColumns kAbsent[] = {
     {"sysobjects",
      " base_schema_ver replinfo ftcatid schema_ver stats_schema_ver userstat sysstat indexdel refdate "
      "version "
-     "deltrig instrig updtrig seltrig category cache info "},
+     "deltrig instrig updtrig seltrig category cache info crdate "},
     {"syscolumns",
      " typestat xprec xscale xoffset bitpos reserved colstat domain number autoval offset collationid "
      "language "

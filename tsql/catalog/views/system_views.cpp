@@ -43,6 +43,44 @@ SystemView MakeUnion(const std::vector<ViewColumn>& columns, const std::vector<s
     return view;
 }
 
+namespace {
+
+void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+}
+
+// The members of a list within the tables' JSON as rows with these columns.
+std::string RowsOf(const std::string& tables, std::string_view list,
+                   const std::vector<std::string_view>& columns) {
+    std::string sql;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        sql += (i == 0 ? "(SELECT json_extract(value, '$[" : ", json_extract(value, '$[") +
+               std::to_string(i) + "]') AS " + std::string(columns[i]);
+    }
+    return sql + " FROM json_each(" + tables + ", '$." + std::string(list) + "'))";
+}
+
+}  // namespace
+
+SystemView OfTemporary(const SystemView& view, const std::string& tables) {
+    SystemView own = view;
+    std::erase_if(own.columns, [](const ResultColumn& column) { return column.type.IsDate(); });
+    ReplaceAll(own.sql, "'accountset'", "'tempdb'");
+    ReplaceAll(own.sql, "main.\"ts$objects\"",
+               RowsOf(tables, "objects", {"id", "name", "kind", "text", "created"}));
+    ReplaceAll(own.sql, "main.\"ts$columns\"",
+               RowsOf(tables, "columns",
+                      {"object", "ordinal", "name", "type", "length", "precision", "scale", "nullable",
+                       "identity", "seed", "increment", "default_name", "default_text", "computed_text"}));
+    ReplaceAll(own.sql, "main.\"ts$keys\"",
+               RowsOf(tables, "keys",
+                      {"object", "ordinal", "name", "kind", "columns", "referenced_table",
+                       "referenced_columns", "on_delete", "on_update", "text", "sql_text"}));
+    ReplaceAll(own.sql, "main.\"ts$identity\"", RowsOf(tables, "identities", {"object", "last"}));
+    return own;
+}
+
 const SystemView* FindSystemView(const ObjectName& name) {
     for (const NamedView& entry : Views()) {
         if (!SameName(entry.name, name.Object())) continue;

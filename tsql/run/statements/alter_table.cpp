@@ -163,7 +163,7 @@ void Executor::AddColumnTo(const AlterTableStatement& statement, const ColumnDef
     TableInfo probe = changed;
     AddColumn(probe, definition);
     FindComputedTypes(probe, statement.definition.columns);
-    CheckActions(probe, changed.foreignKeys.size());
+    TakeActions(probe, changed.foreignKeys.size());
     const ColumnInfo column = *probe.FindColumn(definition.name.text);
     const bool needsValue = !column.nullable && column.computedText.empty();
     if (needsValue && column.defaultText.empty() && !column.identity && !IsEmpty(database_, changed)) {
@@ -202,10 +202,9 @@ void Executor::AddConstraintTo(const AlterTableStatement& statement, const Const
     if (changed.keys.size() > current.keys.size()) {
         MakeKey(current, changed.keys.back(), statement.position);
     } else {
-        const bool rewrite = changed.checks.size() > current.checks.size() ||
-                             changed.foreignKeys.size() > current.foreignKeys.size();
-        const bool isDefault = constraint.kind == ConstraintKind::kDefault;
-        CheckActions(changed, isDefault ? 0 : current.foreignKeys.size());
+        TakeActions(changed, current.foreignKeys.size());
+        const bool rewrite =
+            changed.checks.size() > current.checks.size() || changed.foreignKeys != current.foreignKeys;
         if (statement.withCheck.value_or(true)) CheckRows(changed, current, statement.position);
         catalog_.ChangeTable(changed, rewrite);
     }
@@ -234,6 +233,7 @@ void Executor::AlterColumn(const AlterTableStatement& statement) {
         entry.type = type;
         entry.nullable = nullable;
     }
+    TakeActions(changed, changed.foreignKeys.size());
     catalog_.ChangeTable(changed, true);
     const TableInfo& now = DefinedTable(statement.table, 4902);
     RunOnce(Translated([&](Translator& translator) {
@@ -285,8 +285,9 @@ void Executor::DropConstraintOf(const AlterTableStatement& statement, const Name
     if (changed.keys.size() < now.keys.size()) {
         catalog_.DropIndex(now, name.text);
     } else {
-        catalog_.ChangeTable(changed, changed.checks.size() < now.checks.size() ||
-                                          changed.foreignKeys.size() < now.foreignKeys.size());
+        TakeActions(changed, changed.foreignKeys.size());
+        catalog_.ChangeTable(
+            changed, changed.checks.size() < now.checks.size() || changed.foreignKeys != now.foreignKeys);
     }
 }
 
@@ -297,10 +298,12 @@ void Executor::AlterTable(const AlterTableStatement& statement) {
         DefinedTable(statement.table, 4902);
         switch (statement.action) {
             case AlterTableAction::kAdd:
-                for (const ColumnDefinition& column : statement.definition.columns)
-                    AddColumnTo(statement, column);
-                for (const Constraint& constraint : statement.definition.constraints)
-                    AddConstraintTo(statement, constraint);
+                Constraining(statement.position, [&] {
+                    for (const ColumnDefinition& column : statement.definition.columns)
+                        AddColumnTo(statement, column);
+                    for (const Constraint& constraint : statement.definition.constraints)
+                        AddConstraintTo(statement, constraint);
+                });
                 break;
             case AlterTableAction::kAlterColumn:
                 AlterColumn(statement);

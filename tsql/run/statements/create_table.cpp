@@ -91,13 +91,15 @@ void Executor::AddColumn(TableInfo& table, const ColumnDefinition& definition) {
 
 // The columns of a key by the names of the table.
 std::vector<std::string> Executor::KeyColumns(TableInfo& table, const Constraint& constraint,
-                                              bool makeNotNull) {
+                                              const std::string& name, bool makeNotNull) {
     std::vector<std::string> names;
     for (const IndexColumn& entry : constraint.columns) {
         ColumnInfo* column = nullptr;
         for (ColumnInfo& candidate : table.columns) {
             if (SameName(candidate.name, entry.name.text)) column = &candidate;
         }
+        if (column == nullptr && constraint.kind == ConstraintKind::kForeignKey)
+            throw MakeError(1769, entry.name.position, {name, entry.name.text, table.name});
         if (column == nullptr) throw MakeError(1911, entry.name.position, {entry.name.text});
         if (!column->computedText.empty())
             throw MakeError(40510, entry.name.position, {"a key of computed column " + entry.name.text});
@@ -141,7 +143,7 @@ void Executor::AddKey(TableInfo& table, const Constraint& constraint) {
     }
     KeyInfo key;
     key.kind = primary ? KeyKind::kPrimary : KeyKind::kUnique;
-    key.columns = KeyColumns(table, constraint, primary && isNew);
+    key.columns = KeyColumns(table, constraint, {}, primary && isNew);
     CheckKeyTypes(table, key, constraint.position);
     for (const IndexColumn& column : constraint.columns)
         key.descending.push_back(column.descending);
@@ -210,15 +212,16 @@ static void CheckSameTypes(const TableInfo& table, const TableInfo& referenced, 
 // which is not in the catalog yet.
 void Executor::AddForeignKey(TableInfo& table, const Constraint& constraint) {
     ForeignKeyInfo key;
-    key.columns = KeyColumns(table, constraint, false);
     const std::string& name = constraint.referencedTable.Object();
     key.name = ConstraintName(table, constraint, "FK", name);
+    key.columns = KeyColumns(table, constraint, key.name, false);
     const TableInfo* referenced = SameName(name, table.name) ? &table : catalog_.FindTable(name);
     if (referenced == nullptr) throw MakeError(1767, constraint.position, {key.name, name});
     key.referencedTable = referenced->name;
     for (const Name& column : constraint.referencedColumns) {
         const ColumnInfo* found = referenced->FindColumn(column.text);
-        if (found == nullptr) throw MakeError(1911, column.position, {column.text});
+        if (found == nullptr)
+            throw MakeError(1770, column.position, {key.name, column.text, referenced->name});
         key.referencedColumns.push_back(found->name);
     }
     if (key.referencedColumns.empty() && referenced->PrimaryKey() != nullptr) {
@@ -237,21 +240,25 @@ void Executor::AddForeignKey(TableInfo& table, const Constraint& constraint) {
     if (!table.temporary) table.foreignKeys.push_back(std::move(key));
 }
 
-// What a foreign key is to put into its columns, they must take. SQLite knows of no DEFAULT, and would put
-// NULL there.
-void Executor::CheckActions(const TableInfo& table, std::size_t first) {
-    for (std::size_t i = first; i < table.foreignKeys.size(); ++i) {
-        const ForeignKeyInfo& key = table.foreignKeys[i];
+// What a foreign key is to put into its columns, they must take. SQLite has no defaults of its own but these.
+void Executor::TakeActions(TableInfo& table, std::size_t first) {
+    for (std::size_t i = 0; i < table.foreignKeys.size(); ++i) {
+        ForeignKeyInfo& key = table.foreignKeys[i];
+        key.defaults.clear();
         for (const std::string& name : key.columns) {
             const ColumnInfo& column = *table.FindColumn(name);
             const bool hasDefault = !column.defaultText.empty() && !SameName(column.defaultText, "NULL");
-            for (const std::string& action : {key.onDelete, key.onUpdate}) {
-                if (action == "set null" && !column.nullable) throw MakeError(1761, {}, {key.name});
-                if (action != "set default") continue;
-                if (hasDefault)
-                    throw MakeError(40510, {}, {"FOREIGN KEY … SET DEFAULT of a column with a default"});
-                if (!column.nullable) throw MakeError(1762, {}, {key.name});
-            }
+            const bool setsNull = key.onDelete == "set null" || key.onUpdate == "set null";
+            if (i >= first && setsNull && !column.nullable) throw MakeError(1761, {}, {key.name});
+            if (!key.SetsDefault()) continue;
+            if (i >= first && !hasDefault && !column.nullable) throw MakeError(1762, {}, {key.name});
+            key.defaults.emplace_back();
+            if (!hasDefault) continue;
+            key.defaults.back() =
+                Translated([&](Translator& translator) { return translator.DefaultText(table, column); });
+            // The catalog keeps one a line.
+            if (key.defaults.back().find('\n') != std::string::npos)
+                throw MakeError(40510, {}, {"SET DEFAULT of several lines"});
         }
     }
 }
@@ -305,10 +312,35 @@ TableInfo Executor::BuildTable(const std::string& name, const TableDefinition& d
     FindComputedTypes(table, definition.columns);
     for (const Constraint& constraint : definition.constraints)
         AddConstraint(table, constraint);
-    CheckActions(table, 0);
+    TakeActions(table, 0);
     if (const ColumnInfo* identity = table.IdentityColumn())
         table.lastIdentity = identity->seed - identity->increment;
     return table;
+}
+
+namespace {
+
+// Errors of a constraint that cannot be made: the server tells that after them.
+bool IsOfConstraint(std::int32_t number) {
+    constexpr std::int32_t kNumbers[] = {1505, 1752, 1753, 1754, 1761, 1762, 1767, 1769, 1770,
+                                         1776, 1778, 1779, 1781, 1785, 1911, 1919, 2714, 8111};
+    return std::ranges::find(kNumbers, number) != std::end(kNumbers);
+}
+
+}  // namespace
+
+void Executor::Constraining(Position where, const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const SqlError& error) {
+        if (!IsOfConstraint(error.Number())) throw;
+        const SqlError first = Completed(error, static_cast<std::int32_t>(where.line));
+        if (tryDepth_ == 0) Report(first.Details());
+        SqlError second = MakeError(1750, where);
+        second.SetLine(first.Details().line - frame_->lineBase);
+        firstError_ = first.Number();
+        throw second;
+    }
 }
 
 void Executor::CreateTable(const CreateTableStatement& statement) {
@@ -319,7 +351,9 @@ void Executor::CreateTable(const CreateTableStatement& statement) {
                       : catalog_.ObjectId(name, "").has_value() || catalog_.HasConstraint(name)) {
             throw MakeError(2714, statement.table.Where(), {name});
         }
-        catalog_.CreateTable(BuildTable(name, statement.definition, temporary));
+        TableInfo table;
+        Constraining(statement.position, [&] { table = BuildTable(name, statement.definition, temporary); });
+        catalog_.CreateTable(std::move(table));
         if (temporary && frame_->level > 0) frame_->temporaries.push_back(catalog_.FindTable(name)->id);
     });
 }

@@ -9,6 +9,7 @@
 
 #include "automation/object.h"
 #include "tsql/run/constraint_error.h"
+#include "tsql/run/deferred_keys.h"
 #include "tsql/run/executor.h"
 #include "tsql/run/row_limit.h"
 #include "tsql/run/statement_guard.h"
@@ -53,8 +54,8 @@ void Executor::Update(const UpdateStatement& statement) {
 }
 
 void Executor::UpdateColumns(const UpdateStatement& statement, bool temporary) {
-    // SQLite gives back what a row has become, not what it was.
-    if (statement.output && TellsOfOldRows(*statement.output))
+    // SQLite gives back what a row has become, not what it was, and nothing of other tables.
+    if (statement.output && !TellsOnlyOf("inserted", *statement.output, !statement.from.empty()))
         return RewriteRows(statement, temporary, false);
     try {
         Modify(
@@ -138,35 +139,6 @@ using Fail = std::function<void()>;
 // Hears of the row that is written next, whose keys a failure may have to name.
 using Tell = std::function<void(const std::vector<Value>&)>;
 
-// A foreign key of the table or to it, and how many rows break it.
-struct CountedKey {
-    const TableInfo* owner = nullptr;
-    const ForeignKeyInfo* key = nullptr;
-    std::int64_t broken = 0;
-};
-
-std::vector<CountedKey> CountBroken(Database& database, const Catalog& catalog, const TableInfo& table) {
-    std::vector<CountedKey> keys;
-    for (const TableInfo* owner : catalog.Tables()) {
-        for (const ForeignKeyInfo& key : owner->foreignKeys) {
-            if (owner != &table && !automation::SameName(key.referencedTable, table.name)) continue;
-            std::string given;
-            std::string met;
-            for (std::size_t i = 0; i < key.columns.size() && i < key.referencedColumns.size(); ++i) {
-                const std::string own = "child." + Quoted(key.columns[i]);
-                given += (i == 0 ? "" : " AND ") + own + " IS NOT NULL";
-                met += (i == 0 ? "" : " AND ") + ("parent." + Quoted(key.referencedColumns[i])) + " = " + own;
-            }
-            PreparedStatement count =
-                database.Prepare("SELECT count(*) FROM " + owner->Sql() + " AS child WHERE " + given +
-                                 " AND NOT EXISTS (SELECT 1 FROM main." + Quoted(key.referencedTable) +
-                                 " AS parent WHERE " + met + ")");
-            keys.push_back({owner, &key, database.Step(count) ? count.Int(0) : 0});
-        }
-    }
-    return keys;
-}
-
 // Whether the key that a row is to have is that of another row which has yet to give it up.
 bool WaitsForOther(Database& database, const TableInfo& table, const std::vector<ResultColumn>& columns,
                    const std::vector<Value>& row, const std::set<std::int64_t>& waiting) {
@@ -244,57 +216,43 @@ std::vector<std::int64_t> NumbersInPlace(const TableInfo& table, const std::vect
     return numbers;
 }
 
-// The rows as they are, by the numbers that stand first in others.
-std::vector<std::vector<Value>> StoredRows(Database& database, const TableInfo& table,
-                                           const std::vector<ResultColumn>& columns,
-                                           const std::vector<std::vector<Value>>& rows) {
-    std::string list;
-    for (std::size_t i = 1; i < columns.size(); ++i)
-        list += (i == 1 ? "" : ", ") + Quoted(columns[i].name);
-    PreparedStatement read =
-        database.Prepare("SELECT " + list + " FROM " + table.Sql() + " WHERE _rowid_ = ?1");
-    std::vector<std::vector<Value>> stored;
-    for (const std::vector<Value>& row : rows) {
-        read.Bind(1, row.front().Int());
-        std::vector<Value>& values = stored.emplace_back();
-        if (database.Step(read)) {
-            for (std::size_t i = 1; i < columns.size(); ++i)
-                values.push_back(ReadColumn(read.Handle(), static_cast<int>(i) - 1, columns[i].type));
-        }
-        values.resize(columns.size() - 1);
-        read.Reset();
-    }
-    return stored;
-}
-
 // A row of a circle gives up its key: a column of it gets, until its own value is free, one that no row has,
-// and what refers to it follows there. The number of the row then; nothing where it cannot be.
+// and what refers to it follows there. The number of the row is one more than all, anything else bytes, which
+// no key holds. The number of the row then; nothing where it cannot be.
 std::optional<std::int64_t> PutAside(Database& database, const TableInfo& table, std::int64_t row) {
-    std::optional<std::int64_t> number;
+    std::int64_t number = row;
     for (const KeyInfo& key : table.keys) {
         if (!key.IsUnique()) continue;
-        const auto name = std::ranges::find_if(key.columns, [&](const std::string& column) {
-            const SqlType& type = table.FindColumn(column)->type;
-            return type.IsText() || (type.IsInteger() && type.kind != TypeKind::kBit);
-        });
-        if (name == key.columns.end()) continue;
-        const bool isText = table.FindColumn(*name)->type.IsText();
-        PreparedStatement most =
-            database.Prepare(isText ? "SELECT max(_rowid_) FROM " + table.Sql()
-                                    : "SELECT max(" + Quoted(*name) + ") FROM " + table.Sql());
+        const std::string& name = key.columns.front();
+        const bool isNumber = key.columns.size() == 1 && table.IsRowNumber(name);
+        PreparedStatement most = database.Prepare("SELECT max(_rowid_) FROM " + table.Sql());
         const std::int64_t last = database.Step(most) ? most.Int(0) : 0;
         most.Reset();
-        if (last == std::numeric_limits<std::int64_t>::max()) return std::nullopt;
+        if (isNumber && last == std::numeric_limits<std::int64_t>::max()) return std::nullopt;
         PreparedStatement change =
-            database.Prepare("UPDATE " + table.Sql() + " SET " + Quoted(*name) +
-                             (isText ? " = 'ts$' || ?1" : " = ?1") + " WHERE _rowid_ = ?2");
-        change.Bind(1, last + 1);
-        change.Bind(2, number.value_or(row));
+            database.Prepare("UPDATE " + table.Sql() + " SET " + Quoted(name) +
+                             (isNumber ? " = ?1" : " = CAST('ts$' || ?1 AS BLOB)") + " WHERE _rowid_ = ?2");
+        change.Bind(1, isNumber ? last + 1 : number);
+        change.Bind(2, number);
         if (change.Step() == StepResult::kFailed) return std::nullopt;
-        number = table.IsRowNumber(*name) ? last + 1 : number.value_or(row);
+        if (isNumber) number = last + 1;
     }
     return number;
 }
+
+// Conditions hold when all rows have got their keys.
+class WithoutChecks {
+  public:
+    explicit WithoutChecks(Database& database) : database_(database) {
+        database_.Run("PRAGMA ignore_check_constraints = ON");
+    }
+    WithoutChecks(const WithoutChecks&) = delete;
+    WithoutChecks& operator=(const WithoutChecks&) = delete;
+    ~WithoutChecks() { database_.RunQuietly("PRAGMA ignore_check_constraints = OFF"); }
+
+  private:
+    Database& database_;
+};
 
 // Each row is changed where it is, and what refers to it follows, as soon as the key that it gets is free:
 // there and back over the rows, so that those that move on by one take two rounds.
@@ -326,6 +284,7 @@ ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vec
             if (waits != left.end()) {
                 const auto isAside = [&](const std::vector<Value>& row) { return &row == *waits; };
                 if (std::any_of(aside.begin(), aside.end(), isAside)) return ShiftResult::kCircle;
+                const WithoutChecks anyValue(database);
                 const auto number = PutAside(database, table, (*waits)->front().Int());
                 if (!number) return ShiftResult::kCircle;
                 aside.push_back(**waits);
@@ -342,85 +301,50 @@ ShiftResult ShiftRows(Database& database, const TableInfo& table, const std::vec
     return ShiftResult::kDone;
 }
 
-ShiftResult ShiftedRows(Database& database, const Catalog& catalog, const TableInfo& table,
-                        const std::string& operation, const std::vector<ResultColumn>& columns,
-                        const std::vector<std::vector<Value>>& rows, const Tell& tell, const Fail& fail) {
-    const std::vector<CountedKey> before = CountBroken(database, catalog, table);
-    // On the way rows may refer to what is not there any more or not yet.
-    database.Run("PRAGMA defer_foreign_keys = ON");
-    ShiftResult result = ShiftResult::kDone;
-    try {
-        result = ShiftRows(database, table, columns, rows, tell, fail);
-        const std::vector<CountedKey> after = CountBroken(database, catalog, table);
-        for (std::size_t i = 0; result == ShiftResult::kDone && i < after.size(); ++i) {
-            if (after[i].broken > before[i].broken)
-                throw BrokenKeyError(operation, table, *after[i].owner, *after[i].key);
-        }
-    } catch (...) {
-        database.RunQuietly("PRAGMA defer_foreign_keys = OFF");
-        throw;
-    }
-    database.Run("PRAGMA defer_foreign_keys = OFF");
-    return result;
-}
-
 }  // namespace
 
 // The rows as they are and as they are to be are read before the first of them is changed. What OUTPUT tells
 // of them is worked out when all are.
 void Executor::RewriteRows(const UpdateStatement& statement, bool temporary, bool collides) {
     const OutputClause* output = statement.output ? &*statement.output : nullptr;
-    const bool into = output != nullptr && !output->into.IsEmpty();
-    const TableInfo* target = into ? FindTable(output->into.Object()) : nullptr;
-    std::vector<std::vector<Value>> told;
-    std::vector<ResultColumn> columns;
-    transactions_.Change(temporary && (target == nullptr || target->temporary), [&] {
-        StatementGuard guard(database_, into && OutlivesFailure());
-        const std::int64_t before = report_->rowsAffected;
+    Changing(temporary, output, [&](Told& told) {
         Plan& plan = PlanFor(&statement.assignments,
                              [&](Translator& translator) { return translator.UpdatedRows(statement); });
-        const TableInfo& table = *catalog_.FindTable(plan.translation.table);
+        const Translation& translation = plan.translation;
+        const TableInfo& table = *catalog_.FindTable(translation.table);
+        const std::size_t stored = translation.columns.size() - translation.ToldColumns();
         std::vector<std::vector<Value>> rows;
+        std::vector<ChangedRow> changed;
         {
             const ResetAtEnd reset(plan.statement);
             Bind(plan);
-            while (StepPlan(plan))
-                ReadRow(plan, rows.emplace_back());
-        }
-        std::vector<std::vector<Value>> old;
-        if (output != nullptr) old = StoredRows(database_, table, plan.translation.columns, rows);
-        const std::vector<std::int64_t> numbers =
-            ChangeRows(plan, plan.translation.columns, rows, collides, statement.position);
-        if (output != nullptr) {
-            Plan& changed = PlanFor(&output->columns, [&](Translator& translator) {
-                return translator.OutputOfRow(*output, table);
-            });
-            columns = changed.translation.columns;
-            Bind(changed);
-            const std::vector<ResultColumn>& stored = plan.translation.columns;
-            for (std::size_t i = 0; i < numbers.size(); ++i) {
-                const ResetAtEnd reset(changed.statement);
-                auto parameter = static_cast<int>(changed.translation.parameters.size());
-                for (std::size_t c = 1; c < stored.size(); ++c)
-                    BindValue(changed.statement.Handle(), ++parameter, old[i][c - 1], stored[c].type);
-                changed.statement.Bind(parameter + 1, numbers[i]);
-                if (StepPlan(changed)) ReadRow(changed, told.emplace_back());
+            while (StepPlan(plan)) {
+                std::vector<Value>& row = rows.emplace_back();
+                ReadRow(plan, row);
+                if (output == nullptr) continue;
+                const auto beside = row.begin() + static_cast<std::ptrdiff_t>(stored);
+                changed.emplace_back().beside.assign(beside, row.end());
+                row.erase(beside, row.end());
             }
         }
-        if (into) OutputInto(*output, columns, told, before);
-        guard.Release();
+        for (std::size_t i = 0; i < changed.size(); ++i)
+            changed[i].deleted = WholeRow(*output, table, rows[i].front().Int());
+        const std::vector<ResultColumn> columns(
+            translation.columns.begin(), translation.columns.begin() + static_cast<std::ptrdiff_t>(stored));
+        const std::vector<std::int64_t> numbers =
+            ChangeRows(plan, columns, rows, collides, statement.position);
+        if (output == nullptr) return;
+        for (std::size_t i = 0; i < changed.size(); ++i)
+            changed[i].inserted = WholeRow(*output, table, numbers[i]);
+        TellRows(*output, table, translation.told, changed, false, told);
     });
-    if (output == nullptr || into) return;
-    sink_->BeginResult(columns);
-    for (std::vector<Value>& row : told)
-        sink_->AddRow(row);
 }
 
 // Each row is its number and all columns that are stored. Where keys collide on the way they may do so when
 // all rows are changed, or not.
 std::vector<std::int64_t> Executor::ChangeRows(const Plan& plan, const std::vector<ResultColumn>& columns,
                                                const std::vector<std::vector<Value>>& rows, bool collides,
-                                               Position where) {
+                                               Position where, bool areDeferred) {
     const TableInfo& table = *catalog_.FindTable(plan.translation.table);
     const Tell tell = [&](const std::vector<Value>& row) {
         for (std::size_t i = 1; i < columns.size(); ++i) {
@@ -441,8 +365,11 @@ std::vector<std::int64_t> Executor::ChangeRows(const Plan& plan, const std::vect
     if (IsReferenced(table)) {
         // Rows that others refer to cannot be deleted on the way.
         const bool done = change([&] {
-            return ShiftedRows(database_, catalog_, table, plan.translation.operation, columns, rows, tell,
-                               fail) == ShiftResult::kDone;
+            std::optional<DeferredKeys> keys;
+            if (!areDeferred) keys.emplace(database_, catalog_, table, plan.translation.operation);
+            if (ShiftRows(database_, table, columns, rows, tell, fail) == ShiftResult::kCircle) return false;
+            if (keys) keys->Check();
+            return true;
         });
         if (!done) throw MakeError(40510, where, {"UPDATE that exchanges keys that others refer to"});
         return NumbersInPlace(table, columns, rows);

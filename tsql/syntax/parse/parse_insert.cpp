@@ -67,13 +67,18 @@ void Parser::ParseInsertValues(InsertStatement& insert) {
         throw MakeError(10738, insert.position, {static_cast<int>(kMostRows)});
 }
 
-// OUTPUT inserted.a [, …] [INTO target [(columns)]]
+// OUTPUT inserted.a [, …] [INTO target [(columns)] [OUTPUT inserted.b [, …]]]
 OutputClause Parser::ParseOutput() {
+    const auto parseItems = [this] {
+        std::vector<SelectItem> items;
+        ExpectWord("output");
+        do {
+            items.push_back(ParseSelectItem(QueryPlace::kNested));
+        } while (Accept(Op::kComma));
+        return items;
+    };
     OutputClause output;
-    ExpectWord("output");
-    do {
-        output.items.push_back(ParseSelectItem(QueryPlace::kNested));
-    } while (Accept(Op::kComma));
+    output.items = parseItems();
     if (Accept(Keyword::kInto)) {
         if (At(TokenKind::kVariable)) {
             const Token variable = Take();
@@ -82,7 +87,7 @@ OutputClause Parser::ParseOutput() {
             output.into = TakeObjectName();
         }
         if (At(Op::kLeftParen) && !AtQuery()) output.columns = TakeNamesInParentheses();
-        if (AtWord("output")) throw MakeError(40510, Peek().position, {"OUTPUT … INTO … OUTPUT"});
+        if (AtWord("output")) output.beside = parseItems();
     }
     return output;
 }

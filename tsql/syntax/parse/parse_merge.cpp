@@ -9,7 +9,7 @@ StatementPtr Parser::ParseMerge(std::vector<CommonTable> with) {
     auto merge = Make<MergeStatement>(with.empty() ? Peek().position : with.front().name.position);
     merge->with = std::move(with);
     Expect(Keyword::kMerge);
-    if (At(Keyword::kTop)) throw MakeError(40510, merge->position, {"MERGE TOP"});
+    if (At(Keyword::kTop)) merge->top = ParseTop();
     Accept(Keyword::kInto);
     if (At(TokenKind::kVariable)) {
         const Token variable = Take();
@@ -29,7 +29,11 @@ StatementPtr Parser::ParseMerge(std::vector<CommonTable> with) {
         CheckMergeClause(merge->clauses, clause);
         merge->clauses.push_back(std::move(clause));
     }
-    if (AtWord("output")) throw MakeError(40510, Peek().position, {"MERGE … OUTPUT"});
+    if (AtWord("output")) {
+        inMergeOutput_ = true;
+        merge->output = ParseOutput();
+        inMergeOutput_ = false;
+    }
     SkipOptionClause();
     if (!At(Op::kSemicolon)) throw MakeError(10713, merge->position);
     return merge;

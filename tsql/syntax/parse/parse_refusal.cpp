@@ -264,10 +264,11 @@ void Parser::RefuseValue() {
         Refuse(token.position, "TRIM … FROM");
 }
 
-// Of the columns that have a sign instead of a name there is the identity column alone.
+// Of the columns that have a sign instead of a name there are the identity column and what MERGE has done.
 void Parser::RefusePseudoColumn() {
     const Token& token = Peek();
     if (At(Keyword::kIdentitycol) || IsWord(token.text, "$identity")) return;
+    if (inMergeOutput_ && IsWord(token.text, "$action")) return;
     if (At(Keyword::kRowguidcol) || IsOneOf(token.text, kPseudoColumns))
         Refuse(token.position, Upper(token.text));
     throw MakeError(126, token.position, {token.text});

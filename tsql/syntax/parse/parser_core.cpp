@@ -152,11 +152,19 @@ ObjectName Parser::TakeObjectName() {
     return name;
 }
 
+// The server's views that have rows for the tables of a session.
+static bool IsViewOfTemporary(const std::string& schema, std::string_view object) {
+    if (IsWord(schema, "information_schema")) return IsOneOf(object, {"tables", "columns"});
+    if (IsOneOf(object, {"sysobjects", "syscolumns"})) return true;
+    return IsWord(schema, "sys") &&
+           IsOneOf(object, {"objects", "all_objects", "tables", "columns", "all_columns"});
+}
+
 void Parser::CheckIsHere(const ObjectName& name) {
-    // The views here tell of the tables of the account set: there are no rows for those of a session.
     const std::string object = text::LowerAscii(name.Object());
     const bool isProcedure = object.starts_with("sp_") || object.starts_with("xp_");
-    if (IsWord(name.Database(), "tempdb") && !object.starts_with('#') && !isProcedure && IsHere(name))
+    const bool isKnown = object.starts_with('#') || isProcedure || IsViewOfTemporary(name.Schema(), object);
+    if (IsWord(name.Database(), "tempdb") && !isKnown && IsHere(name))
         throw MakeError(40510, name.Where(), {name.Text()});
     if (!IsHere(name)) throw MakeError(40515, name.Where(), {name.Text()});
 }

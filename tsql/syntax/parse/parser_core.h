@@ -288,6 +288,7 @@ class Parser {
     bool first_ = true;       // no statement of the batch parsed yet
     bool nested_ = false;     // inside a block, IF, WHILE or procedure
     bool procedure_ = false;  // inside CREATE PROCEDURE
+    bool inMergeOutput_ = false;
     std::vector<Name> usedVariables_;
     // Labels and the jumps to them, each with the blocks around it.
     struct Place {

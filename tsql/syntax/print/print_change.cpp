@@ -69,6 +69,7 @@ void Printer::PutAssignments(const std::vector<Assignment>& assignments) {
 void Printer::Put(const MergeStatement& merge) {
     PutWith(merge.with);
     Text("merge ");
+    if (merge.top) Put(*merge.top);
     Text("into ");
     Put(merge.target);
     PutHints(merge.hints);
@@ -82,6 +83,7 @@ void Printer::Put(const MergeStatement& merge) {
     Put(*merge.on);
     for (const MergeClause& clause : merge.clauses)
         Put(clause);
+    if (merge.output) Put(*merge.output);
     Text(";");  // belongs to the statement
 }
 

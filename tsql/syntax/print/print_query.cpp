@@ -291,15 +291,19 @@ void Printer::Put(const JoinedTable& join) {
 }
 
 void Printer::Put(const OutputClause& output) {
-    Text(" output ");
-    for (const SelectItem& item : output.items) {
-        if (&item != &output.items.front()) Text(", ");
-        Put(item);
-    }
+    const auto putItems = [this](const std::vector<SelectItem>& items) {
+        Text(" output ");
+        for (const SelectItem& item : items) {
+            if (&item != &items.front()) Text(", ");
+            Put(item);
+        }
+    };
+    putItems(output.items);
     if (output.into.IsEmpty()) return;
     Text(" into ");
     Put(output.into);
     PutNameList(output.columns);
+    if (!output.beside.empty()) putItems(output.beside);
 }
 
 }  // namespace vicenter::tsql
