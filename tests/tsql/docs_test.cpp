@@ -190,7 +190,9 @@ std::string Otherwise() {
            row("GRANT, REVOKE", "change nothing: an account set has no users; DENY is refused",
                {"system/rights_change_nothing"}) +
            row("identity values handed out in what is undone", "are handed out again",
-               {"transactions/identity_is_handed_out_again"});
+               {"transactions/identity_is_handed_out_again"}) +
+           row("indexes of computed columns", "are kept by name and make nothing faster",
+               {"definition/index_of_computed_column"});
 }
 
 std::string SupportText() {

@@ -195,6 +195,10 @@ constexpr ErrorEntry kErrors[] = {
     {547, 16, kStatement,
      "The %ls statement conflicted with the %ls constraint \"%.*ls\". The conflict occurred in database "
      "\"%.*ls\", table \"%.*ls\"%ls%.*ls%ls."},
+    {550, 16, kStatement,
+     "The attempted insert or update failed because the target view either specifies WITH CHECK OPTION or "
+     "spans a view that specifies WITH CHECK OPTION and one or more rows resulting from the operation did not "
+     "qualify under the CHECK OPTION constraint."},
     {628, 16, kStatement, "Cannot issue SAVE TRANSACTION when there is no active transaction."},
     {701, 17, kBatch, "There is insufficient system memory in resource pool 'default' to run this query."},
     {823, 24, kBatch, "The account set '%.*ls' cannot be read or written: %ls."},

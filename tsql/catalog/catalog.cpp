@@ -170,10 +170,13 @@ std::string PhysicalIndexName(const TableInfo& table, const KeyInfo& key) {
 std::string PhysicalIndex(const TableInfo& table, const KeyInfo& key) {
     std::string columns;
     for (std::size_t i = 0; i < key.columns.size(); ++i) {
+        // What is computed is in no row of the file. The index finds by what stands before it.
+        if (!table.FindColumn(key.columns[i])->computedText.empty()) break;
         if (!columns.empty()) columns += ", ";
         columns += Quoted(key.columns[i]);
         if (i < key.descending.size() && key.descending[i]) columns += " DESC";
     }
+    if (columns.empty()) return {};
     return std::string("CREATE ") + (key.IsUnique() ? "UNIQUE " : "") + "INDEX " +
            (table.temporary ? "temp." : "main.") + Quoted(PhysicalIndexName(table, key)) + " ON " +
            Quoted(table.physical) + "(" + columns + ")";

@@ -308,7 +308,7 @@ void Catalog::MakeIndex(const TableInfo& table, const KeyInfo& key) {
     for (const std::string& name : {PhysicalIndexName(table, key), PhysicalNullIndexName(table, key)}) {
         if (IsTaken(database_, table, name)) throw MakeError(40510, {}, {"an index named " + key.name});
     }
-    database_.Run(PhysicalIndex(table, key));
+    if (const std::string index = PhysicalIndex(table, key); !index.empty()) database_.Run(index);
     if (const std::string nulls = PhysicalNullIndex(table, key); !nulls.empty()) database_.Run(nulls);
 }
 

@@ -218,6 +218,7 @@ class Executor {
                   const std::vector<ChangedRow>& rows, bool hasAction, Told& told);
     void RunModification(Plan& plan, std::vector<std::vector<Value>>* output,
                          const std::vector<Value>* given = nullptr);
+    void CheckView(const std::string& view, const std::vector<std::int64_t>& numbers);
     void CountRows(std::int64_t count);
     bool OutlivesFailure() const;
     void StartIdentity(const TableInfo& table);

@@ -133,12 +133,41 @@ void Executor::Changing(bool temporary, const OutputClause* output,
         sink_->AddRow(row);
 }
 
+static std::string ListOf(const std::vector<std::int64_t>& numbers) {
+    std::string list = "[";
+    for (const std::int64_t number : numbers)
+        list += (list.size() == 1 ? "" : ",") + std::to_string(number);
+    return list + "]";
+}
+
+// WITH CHECK OPTION: rows that have been written through the view are its own.
+void Executor::CheckView(const std::string& view, const std::vector<std::int64_t>& numbers) {
+    ObjectName name;
+    name.parts.push_back(Name{view, {}, false});
+    Plan plan;
+    plan.translation = Translated([&](Translator& translator) { return translator.RowsBesideView(name); });
+    plan.statement = Prepared(plan.translation.sql);
+    const ResetAtEnd reset(plan.statement);
+    const std::vector<Value> given{Value(ListOf(numbers))};
+    Bind(plan, &given);
+    if (StepPlan(plan)) throw MakeError(550, {});
+}
+
 void Executor::Modify(const void* key, bool temporary, const Make& make, const OutputClause* output) {
     Changing(temporary, output, [&](Told& told) {
         Plan& plan = PlanFor(key, make);
-        RunModification(plan, output != nullptr ? &told.rows : nullptr);
         told.columns = plan.translation.columns;
         told.goesInto = plan.translation.goesInto;
+        if (plan.translation.checkedView.empty() || plan.translation.operation == "DELETE")
+            return RunModification(plan, output != nullptr ? &told.rows : nullptr);
+        StatementGuard guard(database_, OutlivesFailure());
+        std::vector<std::vector<Value>> rows;
+        RunModification(plan, &rows);
+        std::vector<std::int64_t> numbers;
+        for (const std::vector<Value>& row : rows)
+            numbers.push_back(row.front().Int());
+        CheckView(plan.translation.checkedView, numbers);
+        guard.Release();
     });
 }
 

@@ -106,7 +106,10 @@ std::string Translator::InsertHead(const TableInfo& table,
 }
 
 Translation Translator::Insert(const InsertStatement& statement) {
-    const TableInfo& table = TargetTable(statement.table);
+    std::vector<Name> names = statement.columns;
+    const TableInfo& table = FilledTable(statement.table, names);
+    if (statement.output && FindTable(statement.table.Object()) == nullptr)
+        throw MakeError(40510, statement.position, {"OUTPUT of query " + statement.table.Text()});
     Begin(table, kInsert);
     AddCommonTables(statement.with);
     const bool ofQuery = statement.source == InsertSource::kQuery;
@@ -117,14 +120,14 @@ Translation Translator::Insert(const InsertStatement& statement) {
         Scope none;
         const std::string limit =
             statement.top ? " LIMIT " + RowCount(*statement.top->count, none, RowLimit::kTop) : "";
-        Translation result = InsertQuery(table, statement.columns, *statement.query);
+        Translation result = InsertQuery(table, names, *statement.query);
         result.sql += limit;
-        if (!statement.output) return result;
         translation_ = std::move(result);
-        return Finished(translation_.sql + Output(*statement.output, table, "inserted"));
+        if (statement.output) translation_.sql += Output(*statement.output, table, "inserted");
+        return Finished(translation_.sql + NumbersToCheck());
     }
     std::vector<const ColumnInfo*> columns;
-    if (statement.source != InsertSource::kDefaultValues) columns = TargetColumns(table, statement.columns);
+    if (statement.source != InsertSource::kDefaultValues) columns = TargetColumns(table, names);
     const std::size_t given = columns.size();
     std::vector<std::string> rows;
     std::vector<std::vector<Operand>> operands;
@@ -133,7 +136,7 @@ Translation Translator::Insert(const InsertStatement& statement) {
     Scope scope;
     for (const auto& row : statement.rows) {
         if (row.size() != given) {
-            if (statement.columns.empty()) FailCount(table, row.size(), given, statement.position);
+            if (names.empty()) FailCount(table, row.size(), given, statement.position);
             throw MakeError(row.size() < given ? 109 : 110, statement.position);
         }
         operands.emplace_back();
@@ -166,10 +169,17 @@ Translation Translator::Insert(const InsertStatement& statement) {
         sql += (sql.empty() ? " VALUES (" : ", (") + values + ")";
     }
     translation_.oneRow = rows.size() == 1;
-    if (all.empty()) return Finished("INSERT INTO " + table.Sql() + " DEFAULT VALUES");
+    if (all.empty()) return Finished("INSERT INTO " + table.Sql() + " DEFAULT VALUES" + NumbersToCheck());
     sql = InsertHead(table, all) + sql;
     if (statement.output) sql += Output(*statement.output, table, "inserted");
-    return Finished(sql);
+    return Finished(sql + NumbersToCheck());
+}
+
+// The rows that have come through a view, for whoever looks whether they are the view's own.
+std::string Translator::NumbersToCheck() {
+    if (translation_.checkedView.empty()) return {};
+    translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
+    return " RETURNING _rowid_";
 }
 
 Translation Translator::InsertRow(const TableInfo& table, const std::vector<Name>& names,

@@ -122,6 +122,7 @@ void Translator::AddStar(const SelectItem& item, Scope& scope, SelectParts& part
         if (!qualifier.empty() && !SameName(source.exposedName, qualifier)) continue;
         found = true;
         for (const SourceColumn& column : source.columns) {
+            if (column.name == kRowNumberName) continue;
             Operand operand;
             operand.sql = column.sql;
             operand.type = column.type;

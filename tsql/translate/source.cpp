@@ -8,17 +8,11 @@
 #include "tsql/functions/volatile.h"
 #include "tsql/syntax/parse/parser.h"
 #include "tsql/translate/translator.h"
+#include "tsql/translate/view_nesting.h"
 
 namespace vicenter::tsql::engine {
 
 using automation::SameName;
-
-namespace {
-
-// Views that stand on views that stand on themselves end here.
-constexpr int kViewNesting = 32;
-
-}  // namespace
 
 const TableInfo* Translator::FindTable(std::string_view name) {
     const TableInfo* table = context_.FindTable(name);
@@ -163,7 +157,7 @@ void Translator::AddSource(Source source, Scope& scope, Position position) {
 }
 
 std::string Translator::CommonTableText(const CommonTable& table, const std::string& exposed, Scope& scope,
-                                        Position where) {
+                                        Position where, bool isInner) {
     if (!recursions_.empty() && recursions_.back().table == &table) {
         // A member of a recursive query sees the rows of the level above.
         Recursion& recursion = recursions_.back();
@@ -181,7 +175,7 @@ std::string Translator::CommonTableText(const CommonTable& table, const std::str
         return recursion.name + " AS " + Quoted(exposed);
     }
     const bool recursive = IsRecursive(table);
-    const bool changes = IsChanged(exposed) || IsChanged(table.name.text);
+    const bool changes = isInner || IsChanged(exposed) || IsChanged(table.name.text);
     const QueryText query = changes && !recursive ? ChangedQuery(*table.query, exposed, table.columns)
                                                   : CommonQuery(table, recursive);
     return Derived(query.sql, query, exposed, recursive ? std::vector<Name>() : table.columns, scope, where,
@@ -191,9 +185,11 @@ std::string Translator::CommonTableText(const CommonTable& table, const std::str
 std::string Translator::Table(const TableRef& table, Scope& scope) {
     const std::string& name = table.name.Object();
     const std::string exposed = table.alias.IsEmpty() ? name : table.alias.text;
+    const bool isInner = changed_.inner == &table;
+    if (isInner) changed_.inner = nullptr;
     if (table.name.parts.size() == 1) {
         if (const CommonTable* common = FindCommonTable(name))
-            return CommonTableText(*common, exposed, scope, table.position);
+            return CommonTableText(*common, exposed, scope, table.position, isInner);
     }
     if (const TableInfo* found = FindTable(name)) {
         const bool system =
@@ -212,10 +208,9 @@ std::string Translator::Table(const TableRef& table, Scope& scope) {
         outside.swap(commonTables_);
         ++foreignDepth_;
         const bool changes =
-            IsChanged(exposed) || (changed_.isOpen && SameName(changed_.name->Object(), name));
-        if (changes && view->withCheckOption)
-            throw MakeError(40510, table.position,
-                            {"UPDATE and DELETE of view " + name + " WITH CHECK OPTION"});
+            isInner || IsChanged(exposed) || (changed_.isOpen && SameName(changed_.name->Object(), name));
+        if (changes && view->withCheckOption && translation_.checkedView.empty())
+            translation_.checkedView = name;
         const QueryText query = changes
                                     ? ChangedQuery(*view->query, exposed, view->columns)
                                     : UsedText(view, [&] { return QueryOf(*view->query, nullptr, false); });

@@ -4,6 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/translate/translator.h"
+#include "tsql/translate/view_nesting.h"
 
 namespace vicenter::tsql::engine {
 
@@ -45,8 +46,8 @@ void Translator::Begin(const TableInfo& table, const char* operation) {
     if (table.temporary) NoteTemporary(table);
 }
 
-// The table behind a view of plain columns of one table is changed through it. INSERT and MERGE are to name
-// the table itself.
+// The table behind a view of plain columns of one table is changed through it. MERGE is to name the table
+// itself.
 void Translator::RefuseView(const ObjectName& name, const Query& query) {
     const SelectBody* select = query.Select();
     if (select != nullptr && IsDistinctOrGrouped(*select))
@@ -72,6 +73,99 @@ const TableInfo& Translator::TargetTable(const ObjectName& name) {
     if (const CreateViewStatement* view = context_.ViewDefinition(name.Object()))
         RefuseView(name, *view->query);
     throw MakeError(208, name.Where(), {name.Text()});
+}
+
+// The columns of a view by their names there and in the table behind it; without the latter what is derived.
+Translator::ColumnNames Translator::ColumnsBehind(const ObjectName& name, const CreateViewStatement& view,
+                                                  const TableInfo*& table) {
+    const SelectBody* select = view.query->Select();
+    if (select != nullptr && IsDistinctOrGrouped(*select))
+        throw MakeError(4403, name.Where(), {name.Object()});
+    if (select != nullptr && select->from.size() == 1 && select->from.front()->kind == SourceKind::kJoin)
+        throw MakeError(4405, name.Where(), {name.Object()});
+    const bool plain = select != nullptr && view.query->with.empty() && select->from.size() == 1 &&
+                       select->from.front()->kind == SourceKind::kTable;
+    if (!plain) RefuseView(name, *view.query);
+    if (view.withCheckOption && translation_.checkedView.empty()) translation_.checkedView = name.Object();
+    const ObjectName& source = As<TableRef>(*select->from.front()).name;
+    ColumnNames below;
+    if (const TableInfo* found = FindTable(source.Object())) {
+        table = found;
+        for (const ColumnInfo& column : found->columns)
+            below.emplace_back(column.name, column.name);
+    } else if (const CreateViewStatement* inner = context_.ViewDefinition(source.Object())) {
+        if (++viewDepth_ > kViewNesting) throw MakeError(4413, name.Where(), {name.Object()});
+        below = ColumnsBehind(source, *inner, table);
+        --viewDepth_;
+    } else {
+        throw MakeError(208, name.Where(), {source.Text()});
+    }
+    ColumnNames columns;
+    for (const SelectItem& item : select->items) {
+        if (item.kind == SelectItemKind::kStar) {
+            columns.insert(columns.end(), below.begin(), below.end());
+            continue;
+        }
+        const auto* column = item.expression ? TryAs<ColumnExpr>(item.expression.get()) : nullptr;
+        std::string behind;
+        for (const auto& [own, known] : below) {
+            if (column != nullptr && SameName(own, column->name.Object())) behind = known;
+        }
+        columns.emplace_back(
+            item.alias.IsEmpty() && column != nullptr ? column->name.Object() : item.alias.text, behind);
+    }
+    for (std::size_t i = 0; i < columns.size() && i < view.columns.size(); ++i)
+        columns[i].first = view.columns[i].text;
+    return columns;
+}
+
+const TableInfo& Translator::FilledTable(const ObjectName& name, std::vector<Name>& columns) {
+    const CreateViewStatement* view =
+        FindTable(name.Object()) == nullptr ? context_.ViewDefinition(name.Object()) : nullptr;
+    if (view == nullptr) return TargetTable(name);
+    const TableInfo* table = nullptr;
+    const ColumnNames known = ColumnsBehind(name, *view, table);
+    std::vector<Name> behind;
+    const auto add = [&](const std::string& column, Position where) {
+        if (column.empty()) throw MakeError(4406, where, {name.Object()});
+        behind.push_back(Name{column, where, false});
+    };
+    for (const Name& column : columns) {
+        const auto found = std::ranges::find_if(
+            known, [&](const auto& entry) { return SameName(entry.first, column.text); });
+        if (found == known.end()) throw MakeError(207, column.position, {column.text});
+        add(found->second, column.position);
+    }
+    if (columns.empty()) {
+        for (const auto& [own, column] : known) {
+            const ColumnInfo* behindIt = table->FindColumn(column);
+            const bool takesNone =
+                behindIt != nullptr && (behindIt->identity || !behindIt->computedText.empty());
+            if (!takesNone) add(column, name.Where());
+        }
+    }
+    columns = std::move(behind);
+    return *table;
+}
+
+Translation Translator::RowsBesideView(const ObjectName& view) {
+    changed_.name = &view;
+    changed_.isOpen = true;
+    Scope scope;
+    TableRef source(view.Where());
+    source.name = view;
+    const std::string from = Table(source, scope);
+    changed_.isOpen = false;
+    std::string row;
+    for (const SourceColumn& column : scope.sources.front().columns) {
+        if (column.name == kRowNumberName) row = column.sql;
+    }
+    Operand numbers = System("", SqlType::NVarChar(kMaxLength));
+    numbers.pending->source = Parameter::Source::kRow;
+    numbers.pending->ordinal = 0;
+    translation_.columns.push_back({"", SqlType::Int()});
+    return Finished("SELECT 1 FROM json_each(" + Render(numbers) + ") WHERE value NOT IN (SELECT " + row +
+                    " FROM " + from + ")");
 }
 
 // What UPDATE or DELETE changes: one of the sources of its FROM, or a table that is added to them.
@@ -122,6 +216,7 @@ QueryText Translator::ChangedQuery(const Query& query, const std::string& expose
         select != nullptr && select->from.size() == 1 && select->from.front()->kind == SourceKind::kTable;
     if (!plain) throw MakeError(40510, query.position, {"UPDATE and DELETE of query " + exposed});
     changed_.wantsRow = true;
+    changed_.inner = &As<TableRef>(*select->from.front());
     QueryText text = QueryOf(query, nullptr, false);
     for (std::size_t i = 0; i < columns.size() && i < changed_.columns.size(); ++i)
         changed_.columns[i].first = columns[i].text;
@@ -153,19 +248,35 @@ std::vector<const ColumnInfo*> IdentifyingColumns(const TableInfo& table) {
 
 }  // namespace
 
+// Of a query over a query the number is the one that comes from below.
 void Translator::AddRowNumber(const SelectBody& select, const Scope& scope, SelectParts& parts) {
     const Source& source = scope.sources.front();
-    const bool none = scope.grouped || source.table == nullptr;
+    const auto below = std::ranges::find_if(
+        source.columns, [](const SourceColumn& column) { return column.name == kRowNumberName; });
+    const bool isBelow = below != source.columns.end();
+    const bool none = scope.grouped || (source.table == nullptr && !isBelow);
     if (none && changed_.isCursor) return;
     if (none)
         throw MakeError(40510, select.position, {"UPDATE and DELETE of query " + changed_.name->Text()});
-    changed_.table = source.table;
+    const auto columnsBelow = std::exchange(changed_.columns, {});
+    if (!isBelow) changed_.table = source.table;
+    const auto behindOf = [&](const SourceColumn& column) {
+        if (!isBelow) return column.natural ? column.name : std::string();
+        const auto found = std::ranges::find_if(
+            columnsBelow, [&](const auto& entry) { return SameName(entry.first, column.name); });
+        return found == columnsBelow.end() ? std::string() : found->second;
+    };
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
         std::string behind;
         for (const SourceColumn& column : source.columns) {
-            if (column.natural && parts.items[i].sql == column.sql) behind = column.name;
+            if (parts.items[i].sql == column.sql) behind = behindOf(column);
         }
         changed_.columns.emplace_back(parts.names[i], behind);
+    }
+    if (isBelow) {
+        parts.items.push_back(Staged(scope, Computed(below->sql, SqlType::Of(TypeKind::kBigInt))));
+        parts.names.emplace_back(kRowNumberName);
+        return;
     }
     parts.items.push_back(Staged(scope, Computed(source.alias + "._rowid_", SqlType::Of(TypeKind::kBigInt))));
     parts.names.emplace_back(kRowNumberName);

@@ -90,6 +90,7 @@ struct Translation {
         std::int64_t table = 0;
     };
     std::vector<TemporaryUse> temporaries;
+    std::string checkedView;           // through which rows are written that must be its own then
     std::vector<MergeStep> steps;      // of MERGE
     std::int64_t rowsOf = 0;           // the table whose row numbers stand behind the columns; 0 for none
     std::vector<ResultColumn> rowKey;  // its columns behind the number that tell the row from another one

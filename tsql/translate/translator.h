@@ -81,6 +81,8 @@ class Translator {
     std::string DefaultText(const TableInfo& table, const ColumnInfo& column);
     // The rows that an UPDATE changes as they are to be: each row's number and every stored column.
     Translation UpdatedRows(const UpdateStatement& statement);
+    // A row for each that is none of a view's, by the numbers that the caller hands in as a list of JSON.
+    Translation RowsBesideView(const ObjectName& view);
     // The rows that a DELETE finds: each row's number.
     Translation DeletedRows(const DeleteStatement& statement);
     // DELETE of the rows whose numbers the caller hands in, as a list of JSON.
@@ -279,7 +281,7 @@ class Translator {
     std::string Joined(const JoinedTable& join, Scope& scope);
     QueryText ValuesQuery(const ValuesTable& values, const Scope* outer);
     std::string CommonTableText(const CommonTable& table, const std::string& exposed, Scope& scope,
-                                Position where);
+                                Position where, bool isInner = false);
 
     // apply.cpp
     std::string Applied(const JoinedTable& join, Scope& scope);
@@ -313,6 +315,12 @@ class Translator {
     void Begin(const TableInfo& table, const char* operation);
     void NoteTemporary(const TableInfo& table);
     const TableInfo& TargetTable(const ObjectName& name);
+    // The table that INSERT fills, and the names there of the columns that it lists; all of a view's, where
+    // it lists none.
+    const TableInfo& FilledTable(const ObjectName& name, std::vector<Name>& columns);
+    using ColumnNames = std::vector<std::pair<std::string, std::string>>;
+    ColumnNames ColumnsBehind(const ObjectName& name, const CreateViewStatement& view,
+                              const TableInfo*& table);
     [[noreturn]] static void RefuseView(const ObjectName& name, const Query& query);
     // Translates the FROM with it.
     const Source& ChangedSource(const ObjectName& name, const std::vector<TableSourcePtr>& sources,
@@ -338,6 +346,7 @@ class Translator {
     void AddDefaults(const TableInfo& table, std::vector<const ColumnInfo*>& columns,
                      std::vector<std::string>& values);
     Operand DefaultOf(const ColumnInfo& column);
+    std::string NumbersToCheck();
     std::string InsertHead(const TableInfo& table, const std::vector<const ColumnInfo*>& columns) const;
 
     // merge.cpp
@@ -416,9 +425,10 @@ class Translator {
     // name.
     struct Changed {
         const ObjectName* name = nullptr;
-        bool isOpen = false;    // its FROM is being translated
-        bool wantsRow = false;  // the SELECT that is translated next
-        bool isCursor = false;  // where there is none, none is needed
+        bool isOpen = false;              // its FROM is being translated
+        bool wantsRow = false;            // the SELECT that is translated next
+        bool isCursor = false;            // where there is none, none is needed
+        const TableRef* inner = nullptr;  // what the query is over, which may be one itself
         const TableInfo* table = nullptr;
         std::vector<std::pair<std::string, std::string>> columns;  // their names, and those in the table
         Source source;

@@ -22,9 +22,10 @@ void Executor::CreateIndex(const CreateIndexStatement& statement) {
         for (const IndexColumn& column : statement.columns) {
             const ColumnInfo* found = table.FindColumn(column.name.text);
             if (found == nullptr) throw MakeError(1911, column.name.position, {column.name.text});
-            if (!found->computedText.empty())
+            // Rows that are there would have to be looked through for equal ones by each change.
+            if (!found->computedText.empty() && statement.unique)
                 throw MakeError(40510, column.name.position,
-                                {"an index of computed column " + column.name.text});
+                                {"a unique index of computed column " + column.name.text});
             key.columns.push_back(found->name);
             key.descending.push_back(column.descending);
         }

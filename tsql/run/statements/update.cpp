@@ -57,6 +57,12 @@ void Executor::UpdateColumns(const UpdateStatement& statement, bool temporary) {
     // SQLite gives back what a row has become, not what it was, and nothing of other tables.
     if (statement.output && !TellsOnlyOf("inserted", *statement.output, !statement.from.empty()))
         return RewriteRows(statement, temporary, false);
+    // Whether the rows are the view's own is asked by their numbers.
+    const bool isOther = FindTable(statement.target.Object()) == nullptr;
+    if (isOther && !PlanFor(&statement, [&](Translator& translator) {
+                        return translator.Update(statement);
+                    }).translation.checkedView.empty())
+        return RewriteRows(statement, temporary, false);
     try {
         Modify(
             &statement, temporary, [&](Translator& translator) { return translator.Update(statement); },
@@ -331,8 +337,12 @@ void Executor::RewriteRows(const UpdateStatement& statement, bool temporary, boo
             changed[i].deleted = WholeRow(*output, table, rows[i].front().Int());
         const std::vector<ResultColumn> columns(
             translation.columns.begin(), translation.columns.begin() + static_cast<std::ptrdiff_t>(stored));
+        const bool isChecked = !translation.checkedView.empty();
+        StatementGuard guard(database_, isChecked && OutlivesFailure());
         const std::vector<std::int64_t> numbers =
             ChangeRows(plan, columns, rows, collides, statement.position);
+        if (isChecked) CheckView(translation.checkedView, numbers);
+        guard.Release();
         if (output == nullptr) return;
         for (std::size_t i = 0; i < changed.size(); ++i)
             changed[i].inserted = WholeRow(*output, table, numbers[i]);

@@ -38,8 +38,11 @@ QueryPtr Parser::ParseQuery(QueryPlace place) {
         ParseOffset(*query);
         const SelectBody* select = query->Select();
         if (query->offset && select && select->top) throw MakeError(10741, select->position);
-        if (place == QueryPlace::kNested && !query->offset && !(select && select->top))
+        if (place == QueryPlace::kNested && !query->offset && !(select && select->top)) {
+            // FOR XML lets a nested query have an order.
+            RefuseBehindQuery();
             throw MakeError(1033, order);
+        }
     }
     RefuseBehindQuery();
     return query;
