@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "text/hex.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
 #include "tsql/types/date_part.h"
@@ -31,15 +32,15 @@ std::int64_t OptionBits(const SetOptions& options) {
 
 namespace {
 
-std::string JsonText(std::string_view text) {
+std::string JsonText(std::string_view value) {
     std::string json = "\"";
-    for (const char c : text) {
-        constexpr std::string_view kDigits = "0123456789abcdef";
+    for (const char c : value) {
         const auto code = static_cast<unsigned char>(c);
         if (c == '"' || c == '\\') {
             json += std::string("\\") + c;
         } else if (code < 0x20) {
-            json += std::string("\\u00") + kDigits[code >> 4] + kDigits[code & 15];
+            json += "\\u00";
+            text::AppendHex(json, code);
         } else {
             json += c;
         }
