@@ -101,9 +101,10 @@ class ServerConnection::Retelling final : public tsql::engine::ResultSink {
         Continue();
         connection_.writer_.Said(reply_, message);
     }
-    void Failed(const tsql::Diagnostic& error) override {
+    void Failed(const tsql::Diagnostic& error, bool goesOn) override {
         Continue();
         connection_.writer_.Said(reply_, error);
+        if (goesOn) return;
         pending_ = {inCall_ ? done::kInProcToken : done::kToken, done::kError,
                     CommandOf(StatementKind::kSelect), 0};
         inResult_ = false;

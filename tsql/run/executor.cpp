@@ -88,9 +88,9 @@ ExecutionReport Executor::Run(std::string_view batch, ResultSink& sink) {
     return report;
 }
 
-void Executor::Report(const Diagnostic& error) {
+void Executor::Report(const Diagnostic& error, bool goesOn) {
     report_->errors.push_back(error);
-    sink_->Failed(error);
+    sink_->Failed(error, goesOn);
 }
 
 // False when the batch failed; the error is then in the report.

@@ -76,7 +76,7 @@ class Executor {
     // The transaction that is open can only be rolled back after this error.
     bool Dooms(const Abort& abort) const;
     SqlError Completed(const SqlError& error, std::int32_t line) const;
-    void Report(const Diagnostic& error);
+    void Report(const Diagnostic& error, bool goesOn = false);
     // Runs in a frame what a batch or a call is made of, and leaves it whichever way it ends.
     template <class Body>
     void RunIn(Frame& frame, Body body) {

@@ -63,8 +63,9 @@ class ResultSink {
     virtual void AddRow(std::vector<Value>& row) = 0;  // may move the values out
     virtual void Message(const Diagnostic& message) = 0;
     // For whoever retells a batch statement by statement, as a server does: an error, when it comes up and is
-    // not caught, and the end of each statement that did not fail.
-    virtual void Failed(const Diagnostic& /*error*/) {}
+    // not caught, whether another one of the same statement follows it, and the end of each statement that
+    // did not fail.
+    virtual void Failed(const Diagnostic& /*error*/, bool /*goesOn*/) {}
     virtual void StatementEnded(const StatementEnd& /*end*/) {}
 };
 

@@ -86,7 +86,8 @@ void Executor::CheckRows(const TableInfo& table, const TableInfo& before, Positi
 void Executor::FailDependent(const char* operation, std::string_view kind, std::string_view dependent,
                              const Name& column) {
     SqlError first = MakeError(5074, column.position, {kind, dependent, "column", column.text});
-    if (tryDepth_ == 0) Report(Completed(first, static_cast<std::int32_t>(column.position.line)).Details());
+    if (tryDepth_ == 0)
+        Report(Completed(first, static_cast<std::int32_t>(column.position.line)).Details(), true);
     throw MakeError(4922, column.position, {operation, column.text});
 }
 

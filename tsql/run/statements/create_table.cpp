@@ -335,7 +335,7 @@ void Executor::Constraining(Position where, const std::function<void()>& work) {
     } catch (const SqlError& error) {
         if (!IsOfConstraint(error.Number())) throw;
         const SqlError first = Completed(error, static_cast<std::int32_t>(where.line));
-        if (tryDepth_ == 0) Report(first.Details());
+        if (tryDepth_ == 0) Report(first.Details(), true);
         SqlError second = MakeError(1750, where);
         second.SetLine(first.Details().line - frame_->lineBase);
         firstError_ = first.Number();

@@ -13,7 +13,7 @@ class RowCollector final : public ResultSink {
     void BeginResult(const std::vector<ResultColumn>& columns) override { columns_ = columns; }
     void AddRow(std::vector<Value>& row) override { rows_.push_back(std::move(row)); }
     void Message(const Diagnostic& message) override { outer_.Message(message); }
-    void Failed(const Diagnostic& error) override { outer_.Failed(error); }
+    void Failed(const Diagnostic& error, bool goesOn) override { outer_.Failed(error, goesOn); }
 
     const std::vector<ResultColumn>& Columns() const { return columns_; }
     std::vector<std::vector<Value>>& Rows() { return rows_; }
