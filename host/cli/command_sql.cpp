@@ -40,7 +40,8 @@ Variant ColumnValue(const ado::Column& column, const Variant& value) {
 // What a batch says beside its tables: what it prints, and how many rows it has changed.
 struct BatchWords {
     std::vector<ado::DriverError> messages;
-    std::int64_t affected = -1;  // -1: it changes none
+    std::vector<ado::DriverError> errors;  // in the order in which they came up
+    std::int64_t affected = -1;            // -1: it changes none
 };
 
 constexpr std::int32_t kFirstErrorSeverity = 11;
@@ -48,9 +49,8 @@ constexpr std::int32_t kFirstErrorSeverity = 11;
 BatchWords WordsOf(const ado::Connection& connection, std::int64_t affected) {
     BatchWords words;
     words.affected = affected;
-    for (const ado::DriverError& record : connection.Errors()) {
-        if (record.severity < kFirstErrorSeverity) words.messages.push_back(record);
-    }
+    for (const ado::DriverError& record : connection.Errors())
+        (record.severity < kFirstErrorSeverity ? words.messages : words.errors).push_back(record);
     return words;
 }
 
@@ -69,17 +69,17 @@ class SqlAnswer {
         }
     }
     // The results are those that the batch gave all the same.
-    void Failure(const ado::RecordsetRef& first, const BatchWords& words, const ado::DriverError& error) {
+    void Failure(const ado::RecordsetRef& first, const BatchWords& words) {
         if (context_.options.json) {
-            PrintBatch(first, words,
-                       JsonObject({{"number", error.native}, {"line", error.line}, {"text", error.text}}));
+            PrintBatch(first, words, JsonRecord(words.errors.front()));
             return;
         }
         PrintTables(first);
         PrintWords(words);
         out_.flush();
-        context_.streams.err << "消息 " << error.native << "，第 " << error.line << " 行：" << error.text
-                             << "\n";
+        for (const ado::DriverError& error : words.errors)
+            context_.streams.err << "消息 " << error.native << "，第 " << error.line << " 行：" << error.text
+                                 << "\n";
     }
     void End() {
         if (context_.options.json) out_ << "]\n";
@@ -87,6 +87,16 @@ class SqlAnswer {
     }
 
   private:
+    static Variant JsonRecord(const ado::DriverError& record) {
+        return JsonObject({{"number", record.native}, {"line", record.line}, {"text", record.text}});
+    }
+    static VariantArray JsonRecords(const std::vector<ado::DriverError>& records) {
+        VariantArray list;
+        for (const ado::DriverError& record : records)
+            list.push_back(JsonRecord(record));
+        return list;
+    }
+
     void PrintWords(const BatchWords& words) {
         for (const ado::DriverError& message : words.messages)
             out_ << message.text << "\n";
@@ -110,16 +120,13 @@ class SqlAnswer {
             list.push_back(JsonObject({{"columns", columns}, {"rows", rows}}));
         }
         if (batches_++ > 0) out_ << ",";
-        VariantArray messages;
-        for (const ado::DriverError& message : words.messages)
-            messages.push_back(
-                JsonObject({{"number", message.native}, {"line", message.line}, {"text", message.text}}));
         auto document = std::make_shared<scripting::Dictionary>();
         document->Add("results", list);
         document->Add("error", error);
+        if (words.errors.size() > 1) document->Add("errors", JsonRecords(words.errors));
         // Most batches have nothing to say beside their tables.
         if (words.affected >= 0) document->Add("affected", words.affected);
-        if (!messages.empty()) document->Add("messages", messages);
+        if (!words.messages.empty()) document->Add("messages", JsonRecords(words.messages));
         out_ << EncodeJson(Variant(document));
     }
 
@@ -194,7 +201,7 @@ Outcome RunBatch(ado::Connection& connection, const ScriptBatch& batch, Interrup
         record.native = automation::error_number::kInvalidProcedureCall;
         record.line = line;
         record.text = "脚本不是 UTF-8 文本，请另存为 UTF-8 后再执行。";
-        answer.Failure(nullptr, {}, record);
+        answer.Failure(nullptr, {{}, {record}});
         return Outcome::kFailed;
     }
     try {
@@ -203,18 +210,20 @@ Outcome RunBatch(ado::Connection& connection, const ScriptBatch& batch, Interrup
         answer.Batch(results, WordsOf(connection, affected));
         return Outcome::kDone;
     } catch (const Error& error) {
-        ado::DriverError record;
-        if (connection.Errors().empty()) {
+        BatchWords words = WordsOf(connection, -1);
+        // A batch may fail without an error of the server: cut off, taken back.
+        if (words.errors.empty()) {
+            ado::DriverError& record = words.errors.emplace_back();
             record.native = error.Number();
             record.text = error.Text();
-        } else {
-            record = connection.Errors().front();
+            if (!connection.Errors().empty()) record = connection.Errors().front();
         }
         if (error.Number() == ado::error_number::kOperationCancelled) {
-            answer.Failure(nullptr, {}, record);  // whoever cancels wants to see no more of it
+            answer.Failure(nullptr,
+                           {{}, {words.errors.front()}});  // whoever cancels wants to see no more of it
             return Outcome::kCancelled;
         }
-        answer.Failure(connection.ResultsDespiteFailure(), WordsOf(connection, -1), record);
+        answer.Failure(connection.ResultsDespiteFailure(), words);
         return Outcome::kFailed;
     }
 }
