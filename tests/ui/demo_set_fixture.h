@@ -121,9 +121,10 @@ class DemoSetTest : public ::testing::Test {
     }
 
     fakes::FakeSurroundings surroundings;
-    automation::ClassRegistry::Restore restore;
+    // Behind all that has the account set open: Windows deletes no file that is.
     host::test::TestFolder folder;
     std::string file = host::test::CopySet(folder);
+    automation::ClassRegistry::Restore restore;
     host::HostSessionRef session;
     QPointer<VICenterWindow> window;
 };
