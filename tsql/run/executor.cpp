@@ -217,8 +217,9 @@ void Executor::RunRepeated(const ProgramItem& item) {
             const LiteralScope scope(*frame_,
                                      LiteralRun(frame_->program->literals, item.firstLiteral, *item.offsets));
             Plan& plan = PlanFor(&insert, [&](Translator& translator) { return translator.Insert(insert); });
-            // Not so where a literal decided something: a varchar's length in a sum of texts, say.
-            fits = plan.takesAnyLiterals;
+            // Not so where a literal decided something: a varchar's length in a sum of texts, say; or where
+            // the row is to be looked at.
+            fits = plan.takesAnyLiterals && plan.translation.checkedView.empty();
             if (!fits) return;
             RunModification(plan, nullptr);
             lastError_ = 0;
