@@ -42,7 +42,8 @@ void GridJournal::Open(const JournalMark& before, bool join) {
 }
 
 void GridJournal::Close(const JournalMark& after) {
-    if (--depth_ > 0 || current_.changes.empty()) return;
+    if (--depth_ > 0) return;
+    if (current_.changes.empty() && current_.before.rowCount == after.rowCount) return;
     if (joining_) {
         Step& last = done_.back();
         std::move(current_.changes.begin(), current_.changes.end(), std::back_inserter(last.changes));

@@ -31,8 +31,9 @@ class GridJournal {
 
     explicit GridJournal(EntryGrid& grid) : grid_(grid) {}
 
-    // Steps nest; the outermost pair counts. A step without changes leaves no trace. With `join` the changes
-    // are added to the last step: the resolution of a cell belongs to the typing that it follows.
+    // Steps nest; the outermost pair counts. A step without changes leaves no trace; blank lines that come
+    // into use are a change. With `join` the changes are added to the last step: the resolution of a cell
+    // belongs to the typing that it follows.
     void Open(const JournalMark& before, bool join = false);
     void Close(const JournalMark& after);
     bool IsOpen() const { return depth_ > 0; }
