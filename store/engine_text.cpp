@@ -18,7 +18,7 @@ struct Refusal {
     std::string_view told;
 };
 
-constexpr std::array<Refusal, 15> kRefusals{{
+constexpr std::array<Refusal, 22> kRefusals{{
     {515, "Cannot insert the value NULL into column", "", "必填的内容为空，没有写入账套！"},
     {2627, "Violation of ", "Cannot insert duplicate key", "账套中已有相同的记录，没有写入！"},
     {2601, "Cannot insert duplicate key row", "", "账套中已有相同的记录，没有写入！"},
@@ -32,6 +32,13 @@ constexpr std::array<Refusal, 15> kRefusals{{
     {948, "cannot be opened because it is version", "", "账套由更高版本的程序建立，不能打开！"},
     {4060, "Cannot open database", "requested by the login", "账套数据库不能打开！"},
     {3906, "Failed to update database", "read-only", "账套是只读的，没有写入！"},
+    {9002, "The transaction log for database", "is full due to", "账套所在的磁盘或其日志已满，没有写入！"},
+    {1105, "Could not allocate space for object", "is full", "账套所在的磁盘或其文件已满，没有写入！"},
+    {1101, "Could not allocate a new page for database", "", "账套所在的磁盘或其文件已满，没有写入！"},
+    {5120, "Unable to open the physical file", "", "账套文件不能打开！"},
+    {701, "There is insufficient system memory", "", "内存不足，本次操作没有完成！"},
+    {229, "permission was denied on the object", "", "数据库没有给您这项操作的权限！"},
+    {262, "permission denied in database", "", "数据库没有给您这项操作的权限！"},
     {8115, "Arithmetic overflow error converting", "", "数字太大，账套的字段放不下，没有写入！"},
     {220, "Arithmetic overflow error for data type", "", "数字太大，账套的字段放不下，没有写入！"},
 }};

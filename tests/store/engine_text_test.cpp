@@ -38,6 +38,19 @@ TEST(EngineText, EachIsKnownByItsOwnText) {
         {"The account set '/tmp/a.vas' cannot be read or written: disk I/O error.", "823"},
         {"The account set '/tmp/a.vas' is damaged: database disk image is malformed.", "824"},
         {"The file '/tmp/a.txt' is not an account set.", "5172"},
+        {"Failed to update database \"a.vset\" because the database is read-only.", "3906"},
+        {"The transaction log for database 'a.vset' is full due to 'DISK_FULL'.", "9002"},
+        {"Could not allocate space for object 'dbo.t_VchTemplateEntry' in database 'd' because the 'PRIMARY' "
+         "filegroup is full.",
+         "1105"},
+        {"Could not allocate a new page for database 'd' because of insufficient disk space in filegroup "
+         "'PRIMARY'.",
+         "1101"},
+        {"Unable to open the physical file \"a.vset\": 账套文件已被删除或移走，请重新打开账套.", "5120"},
+        {"There is insufficient system memory in resource pool 'default' to run this query.", "701"},
+        {"The INSERT permission was denied on the object 't_VchTemplate', database 'd', schema 'dbo'.",
+         "229"},
+        {"CREATE TABLE permission denied in database 'd'.", "262"},
         {"[Driver][Server]Lock request time out period exceeded.", "1222"},
     };
     for (const auto& [text, number] : expected) {
