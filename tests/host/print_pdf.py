@@ -1,7 +1,7 @@
 """Templates in PDF files, as another program reads them: every pattern on one page, sums, page numbers, account
 set, user and day. And what `doctor` says of the machine that this runs on.
 
-Usage: print_pdf.py PROGRAM
+Usage: print_pdf.py [EMULATOR] PROGRAM
 """
 
 import datetime
@@ -13,12 +13,17 @@ import tempfile
 
 
 class Program:
-    def __init__(self, path, home):
-        self.path = path
+    def __init__(self, command, home):
+        self.command = command
         self.environment = dict(os.environ, HOME=home, XDG_DATA_HOME=home)
+        self.account_set = []
+
+    def on_demo_set(self, file):
+        self.run("account-set", "new", file, "--demo")
+        self.account_set = ["--account-set", file]
 
     def run(self, *arguments, text="", code=0):
-        done = subprocess.run([self.path, *arguments], env=self.environment, input=text, capture_output=True,
+        done = subprocess.run([*self.command, *self.account_set, *arguments], env=self.environment, input=text, capture_output=True,
                               text=True, check=False)
         assert done.returncode == code, (arguments, done.returncode, done.stdout, done.stderr)
         return done.stdout
@@ -164,21 +169,22 @@ def check_doctor(program, folder):
     missing = ("Provider=SQLOLEDB;Data Source=127.0.0.1,1;Initial Catalog=x;User ID=sa;"
                f"Password={secret};Connect Timeout=1")
     for form in ([], ["--json"]):
-        done = subprocess.run([program.path, *form, "--connect", missing, "doctor"], env=program.environment,
+        done = subprocess.run([*program.command, *form, "--connect", missing, "doctor"], env=program.environment,
                               capture_output=True, text=True, check=False)
         assert done.returncode == 1, done
         assert secret not in done.stdout + done.stderr, done
         assert "账套不能打开" in done.stdout, done
     # It looks, and makes nothing.
     with tempfile.TemporaryDirectory() as empty:
-        fresh = Program(program.path, empty)
+        fresh = Program(program.command, empty)
         fresh.run("doctor")
         assert not any(name.endswith(".vas") for _, _, names in os.walk(empty) for name in names)
 
 
 def main():
     with tempfile.TemporaryDirectory() as folder:
-        program = Program(sys.argv[1], folder)
+        program = Program(sys.argv[1:], folder)
+        program.on_demo_set(os.path.join(folder, "demo.vas"))
         check_template(program, folder)
         check_long_pattern(program, folder)
         check_texts(program, folder)
