@@ -75,6 +75,10 @@ set(VICENTER_TEST_DRIVE "")
 if(WIN32 AND CMAKE_CROSSCOMPILING)
   set(VICENTER_TEST_DRIVE "Z:")
 endif()
+if(VICENTER_WINE)
+  configure_file("${CMAKE_CURRENT_LIST_DIR}/windows/wine.in" "${CMAKE_BINARY_DIR}/wine" @ONLY)
+  set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_BINARY_DIR}/wine")
+endif()
 # The tests' place and language. Windows knows time zones by their distance alone, and looks for libraries on a path;
 # windows that are drawn into memory there take their fonts from a folder, which under Wine is the building machine's.
 # Wine keeps the variables of Qt and the path for programs of that machine; those behind "WINE" it hands on instead.
