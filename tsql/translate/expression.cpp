@@ -6,6 +6,7 @@
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
 #include "tsql/translate/comparable.h"
+#include "tsql/translate/same_expression.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -44,7 +45,7 @@ std::optional<Operand> Translator::GroupValue(const Expr& expression, Scope& sco
         return Staged(scope, member->operand);
     if (scope.groupExpressions == nullptr) return std::nullopt;
     for (const ExprPtr& group : *scope.groupExpressions) {
-        if (!SameExpression(*group, expression)) continue;
+        if (!SameWithTheseLiterals(context_, *group, expression)) continue;
         scope.grouped = false;
         ++scope.belowStage;
         Operand operand = ValueInner(expression, scope);

@@ -6,6 +6,7 @@
 #include "text/ascii.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/volatile.h"
+#include "tsql/translate/same_expression.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -98,7 +99,7 @@ Operand Translator::Grouping(const FunctionExpr& function, Scope& scope) {
         } else {
             for (std::size_t i = 0; scope.groupExpressions != nullptr && i < scope.groupExpressions->size();
                  ++i) {
-                if (SameExpression(*(*scope.groupExpressions)[i], *argument)) isIn = "1";
+                if (SameWithTheseLiterals(context_, *(*scope.groupExpressions)[i], *argument)) isIn = "1";
             }
         }
         if (isIn.empty()) throw MakeError(8161, function.position, {function.name.Object()});

@@ -5,6 +5,7 @@
 #include "tsql/functions/volatile.h"
 #include "tsql/syntax/ast_children.h"
 #include "tsql/translate/rows_apart.h"
+#include "tsql/translate/same_expression.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -90,7 +91,7 @@ void CheckParts(const GroupingItem& item) {
 
 const Scope::SetMember* Translator::FindSetMember(const Scope& scope, const Expr& expression) const {
     for (const Scope::SetMember& member : scope.setMembers) {
-        if (SameExpression(*member.expression, expression)) return &member;
+        if (SameWithTheseLiterals(context_, *member.expression, expression)) return &member;
     }
     return nullptr;
 }
@@ -127,7 +128,7 @@ void Translator::GroupBySets(const SelectBody& select, Scope& scope, std::string
         for (const Expr* expression : sets[i]) {
             bool known = false;
             for (const Scope::SetMember& member : members)
-                known = known || SameExpression(*member.expression, *expression);
+                known = known || SameWithTheseLiterals(context_, *member.expression, *expression);
             if (known) continue;
             if (HasAggregate(*expression) || HoldsQuery(*expression))
                 throw MakeError(144, expression->position);
@@ -136,7 +137,7 @@ void Translator::GroupBySets(const SelectBody& select, Scope& scope, std::string
             for (std::size_t other = i; other < sets.size(); ++other) {
                 bool holds = false;
                 for (const Expr* one : sets[other])
-                    holds = holds || SameExpression(*one, *expression);
+                    holds = holds || SameWithTheseLiterals(context_, *one, *expression);
                 if (holds) member.isIn += (member.isIn.empty() ? "" : ", ") + std::to_string(other);
             }
             member.isIn = "\"set$\".column1 IN (" + member.isIn + ")";

@@ -7,6 +7,7 @@
 #include "tsql/syntax/ast_children.h"
 #include "tsql/translate/comparable.h"
 #include "tsql/translate/rows_apart.h"
+#include "tsql/translate/same_expression.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -16,12 +17,13 @@ using automation::SameName;
 namespace {
 
 // DISTINCT leaves nothing to sort by but what it lists.
-std::optional<std::size_t> PlaceInList(const Expr& expression, const Operand& operand,
-                                       const SelectBody& select, const SelectParts& parts) {
+std::optional<std::size_t> PlaceInList(TranslateContext& context, const Expr& expression,
+                                       const Operand& operand, const SelectBody& select,
+                                       const SelectParts& parts) {
     for (std::size_t i = 0; i < parts.items.size(); ++i) {
         // Behind a star the items are not those of the tree.
         const bool isItem = parts.items.size() == select.items.size() && select.items[i].expression;
-        if (isItem && SameExpression(*select.items[i].expression, expression)) return i;
+        if (isItem && SameWithTheseLiterals(context, *select.items[i].expression, expression)) return i;
         const Operand& item = parts.items[i];
         if (!item.pending && !operand.pending && item.sql == operand.sql) return i;
     }
@@ -54,7 +56,7 @@ bool IsPlace(const Expr& expression) {
 }
 
 // Each item tells rows apart that those before it do not.
-void CheckOrder(const Query& query) {
+void CheckOrder(TranslateContext& context, const Query& query) {
     for (std::size_t i = 0; i < query.orderBy.size(); ++i) {
         const Expr& item = *query.orderBy[i].expression;
         const auto number = static_cast<int>(i) + 1;
@@ -63,7 +65,8 @@ void CheckOrder(const Query& query) {
             throw MakeError(hasVariable ? 1008 : 408, item.position, {number});
         if (!IsPlace(item) && item.kind != ExprKind::kColumn) continue;
         for (std::size_t earlier = 0; earlier < i; ++earlier) {
-            if (SameExpression(*query.orderBy[earlier].expression, item)) throw MakeError(169, item.position);
+            if (SameWithTheseLiterals(context, *query.orderBy[earlier].expression, item))
+                throw MakeError(169, item.position);
         }
     }
 }
@@ -132,7 +135,8 @@ std::string Translator::OrderKey(const OrderItem& item, const Query& query, cons
     const GroupedPlace inOrder(scope, kUngroupedInOrder);
     const Operand operand = Value(*item.expression, scope);
     if (select.distinct) {
-        const std::optional<std::size_t> place = PlaceInList(*item.expression, operand, select, parts);
+        const std::optional<std::size_t> place =
+            PlaceInList(context_, *item.expression, operand, select, parts);
         if (!place) throw MakeError(145, item.expression->position);
         if (more != nullptr) return ofList(*place);
     }
@@ -143,7 +147,7 @@ std::string Translator::OrderKey(const OrderItem& item, const Query& query, cons
 
 std::string Translator::OrderBy(const Query& query, const SelectBody& select, Scope& scope,
                                 const SelectParts& parts) {
-    CheckOrder(query);
+    CheckOrder(context_, query);
     std::string sql;
     for (const OrderItem& item : query.orderBy)
         sql += (sql.empty() ? " ORDER BY " : ", ") + OrderKey(item, query, select, scope, parts, nullptr);
@@ -152,7 +156,7 @@ std::string Translator::OrderBy(const Query& query, const SelectBody& select, Sc
 
 std::string Translator::RowsToSort(const Query& query, const SelectBody& select, Scope& scope,
                                    SelectParts& parts, std::string& keys) {
-    CheckOrder(query);
+    CheckOrder(context_, query);
     std::vector<Operand> more;
     for (const OrderItem& item : query.orderBy)
         keys += (keys.empty() ? "ORDER BY " : ", ") + OrderKey(item, query, select, scope, parts, &more);

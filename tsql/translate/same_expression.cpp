@@ -1,8 +1,11 @@
 // Questions about trees that translation asks.
 
+#include "tsql/translate/same_expression.h"
+
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/functions/function.h"
+#include "tsql/syntax/ast_children.h"
 #include "tsql/translate/translator.h"
 
 namespace vicenter::tsql::engine {
@@ -11,17 +14,22 @@ using automation::SameName;
 
 namespace {
 
-bool SameLists(const std::vector<ExprPtr>& a, const std::vector<ExprPtr>& b) {
+// What literals say may be left out of it.
+enum class Literals { kCompared, kLeftOut };
+
+bool Same(const Expr& a, const Expr& b, Literals literals);
+
+bool SameLists(const std::vector<ExprPtr>& a, const std::vector<ExprPtr>& b, Literals literals) {
     if (a.size() != b.size()) return false;
     for (std::size_t i = 0; i < a.size(); ++i) {
-        if (!SameExpression(*a[i], *b[i])) return false;
+        if (!Same(*a[i], *b[i], literals)) return false;
     }
     return true;
 }
 
-bool SameOptional(const ExprPtr& a, const ExprPtr& b) {
+bool SameOptional(const ExprPtr& a, const ExprPtr& b, Literals literals) {
     if (!a || !b) return !a && !b;
-    return SameExpression(*a, *b);
+    return Same(*a, *b, literals);
 }
 
 bool IsAggregateName(std::string_view name) {
@@ -31,14 +39,12 @@ bool IsAggregateName(std::string_view name) {
     return SameName(name, "stdev") || SameName(name, "var");
 }
 
-}  // namespace
-
-bool SameExpression(const Expr& a, const Expr& b) {
+bool Same(const Expr& a, const Expr& b, Literals literals) {
     if (a.kind != b.kind) return false;
     switch (a.kind) {
         case ExprKind::kLiteral:
             return As<LiteralExpr>(a).literal == As<LiteralExpr>(b).literal &&
-                   As<LiteralExpr>(a).text == As<LiteralExpr>(b).text;
+                   (literals == Literals::kLeftOut || As<LiteralExpr>(a).text == As<LiteralExpr>(b).text);
         case ExprKind::kVariable:
             return SameName(As<VariableExpr>(a).name, As<VariableExpr>(b).name);
         case ExprKind::kColumn: {
@@ -50,48 +56,97 @@ bool SameExpression(const Expr& a, const Expr& b) {
         }
         case ExprKind::kUnary:
             return As<UnaryExpr>(a).op == As<UnaryExpr>(b).op &&
-                   SameExpression(*As<UnaryExpr>(a).operand, *As<UnaryExpr>(b).operand);
+                   Same(*As<UnaryExpr>(a).operand, *As<UnaryExpr>(b).operand, literals);
         case ExprKind::kBinary:
             return As<BinaryExpr>(a).op == As<BinaryExpr>(b).op &&
-                   SameExpression(*As<BinaryExpr>(a).left, *As<BinaryExpr>(b).left) &&
-                   SameExpression(*As<BinaryExpr>(a).right, *As<BinaryExpr>(b).right);
+                   Same(*As<BinaryExpr>(a).left, *As<BinaryExpr>(b).left, literals) &&
+                   Same(*As<BinaryExpr>(a).right, *As<BinaryExpr>(b).right, literals);
         case ExprKind::kComparison:
             return As<ComparisonExpr>(a).op == As<ComparisonExpr>(b).op &&
-                   SameExpression(*As<ComparisonExpr>(a).left, *As<ComparisonExpr>(b).left) &&
-                   SameExpression(*As<ComparisonExpr>(a).right, *As<ComparisonExpr>(b).right);
+                   Same(*As<ComparisonExpr>(a).left, *As<ComparisonExpr>(b).left, literals) &&
+                   Same(*As<ComparisonExpr>(a).right, *As<ComparisonExpr>(b).right, literals);
         case ExprKind::kIsNull:
             return As<IsNullExpr>(a).negated == As<IsNullExpr>(b).negated &&
-                   SameExpression(*As<IsNullExpr>(a).operand, *As<IsNullExpr>(b).operand);
+                   Same(*As<IsNullExpr>(a).operand, *As<IsNullExpr>(b).operand, literals);
         case ExprKind::kLogical:
             return As<LogicalExpr>(a).isAnd == As<LogicalExpr>(b).isAnd &&
-                   SameLists(As<LogicalExpr>(a).operands, As<LogicalExpr>(b).operands);
+                   SameLists(As<LogicalExpr>(a).operands, As<LogicalExpr>(b).operands, literals);
         case ExprKind::kFunction: {
             const auto& left = As<FunctionExpr>(a);
             const auto& right = As<FunctionExpr>(b);
             return SameName(left.name.Object(), right.name.Object()) && left.distinct == right.distinct &&
                    left.star == right.star && !left.over && !right.over &&
-                   SameLists(left.arguments, right.arguments);
+                   SameLists(left.arguments, right.arguments, literals);
         }
         case ExprKind::kCast: {
             const auto& left = As<CastExpr>(a);
             const auto& right = As<CastExpr>(b);
-            return left.type.name == right.type.name && left.type.length == right.type.length &&
-                   left.type.scale == right.type.scale && SameExpression(*left.operand, *right.operand) &&
-                   SameOptional(left.style, right.style);
+            return left.tryOnly == right.tryOnly && left.type.name == right.type.name &&
+                   left.type.length == right.type.length && left.type.scale == right.type.scale &&
+                   Same(*left.operand, *right.operand, literals) &&
+                   SameOptional(left.style, right.style, literals);
         }
         case ExprKind::kCase: {
             const auto& left = As<CaseExpr>(a);
             const auto& right = As<CaseExpr>(b);
             if (left.branches.size() != right.branches.size()) return false;
             for (std::size_t i = 0; i < left.branches.size(); ++i) {
-                if (!SameExpression(*left.branches[i].when, *right.branches[i].when)) return false;
-                if (!SameExpression(*left.branches[i].then, *right.branches[i].then)) return false;
+                if (!Same(*left.branches[i].when, *right.branches[i].when, literals)) return false;
+                if (!Same(*left.branches[i].then, *right.branches[i].then, literals)) return false;
             }
-            return SameOptional(left.operand, right.operand) && SameOptional(left.otherwise, right.otherwise);
+            return SameOptional(left.operand, right.operand, literals) &&
+                   SameOptional(left.otherwise, right.otherwise, literals);
         }
-        default:
+        case ExprKind::kNot:
+            return Same(*As<NotExpr>(a).operand, *As<NotExpr>(b).operand, literals);
+        case ExprKind::kBetween: {
+            const auto& left = As<BetweenExpr>(a);
+            const auto& right = As<BetweenExpr>(b);
+            return left.negated == right.negated && Same(*left.operand, *right.operand, literals) &&
+                   Same(*left.low, *right.low, literals) && Same(*left.high, *right.high, literals);
+        }
+        case ExprKind::kLike: {
+            const auto& left = As<LikeExpr>(a);
+            const auto& right = As<LikeExpr>(b);
+            return left.negated == right.negated && Same(*left.operand, *right.operand, literals) &&
+                   Same(*left.pattern, *right.pattern, literals) &&
+                   SameOptional(left.escape, right.escape, literals);
+        }
+        case ExprKind::kIn: {
+            const auto& left = As<InExpr>(a);
+            const auto& right = As<InExpr>(b);
+            return !left.query && !right.query && left.negated == right.negated &&
+                   Same(*left.operand, *right.operand, literals) &&
+                   SameLists(left.list, right.list, literals);
+        }
+        case ExprKind::kCollate:
+            return SameName(As<CollateExpr>(a).collation.text, As<CollateExpr>(b).collation.text) &&
+                   Same(*As<CollateExpr>(a).operand, *As<CollateExpr>(b).operand, literals);
+        // Queries are never the same.
+        case ExprKind::kExists:
+        case ExprKind::kQuantified:
+        case ExprKind::kSubquery:
             return false;
     }
+    return false;
+}
+
+}  // namespace
+
+bool SameExpression(const Expr& a, const Expr& b) {
+    return Same(a, b, Literals::kCompared);
+}
+
+static void Pin(TranslateContext& context, const Expr& expression) {
+    if (const auto* literal = TryAs<LiteralExpr>(&expression)) context.PinLiteral(*literal);
+    ForEachChild(expression, [&context](const Expr& child) { Pin(context, child); });
+}
+
+bool SameWithTheseLiterals(TranslateContext& context, const Expr& a, const Expr& b) {
+    if (!Same(a, b, Literals::kLeftOut)) return false;
+    Pin(context, a);
+    Pin(context, b);
+    return SameExpression(a, b);
 }
 
 void VisitAll(const Expr& expression, const std::function<void(const Expr&)>& visit) {
