@@ -34,11 +34,7 @@ Translator::DeleteParts Translator::PartsOf(const DeleteStatement& statement) {
     std::string condition = statement.where ? ConditionText(*statement.where, parts.scope) : std::string();
     if (!statement.currentOf.IsEmpty()) condition = CurrentRow(statement.currentOf, parts.alias);
     parts.tail = Where(condition);
-    if (statement.top) {
-        if (statement.top->percent) throw MakeError(40510, statement.position, {"DELETE TOP … PERCENT"});
-        Scope none;
-        parts.limit = " LIMIT " + RowCount(*statement.top->count, none, RowLimit::kTop);
-    }
+    if (statement.top) parts.limit = ChangeLimit(*statement.top, parts.from + parts.tail, parts.alias);
     if (statement.output) CheckOutputBehind(*statement.output);
     return parts;
 }

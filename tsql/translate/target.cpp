@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "automation/object.h"
+#include "tsql/functions/function.h"
 #include "tsql/translate/translator.h"
 #include "tsql/translate/view_nesting.h"
 
@@ -203,6 +204,13 @@ const Source& Translator::ChangedSource(const ObjectName& name, const std::vecto
     return *target;
 }
 
+std::string Translator::ChangeLimit(const TopClause& top, const std::string& rows, const std::string& alias) {
+    Scope none;
+    if (!top.percent) return " LIMIT " + RowCount(*top.count, none, RowLimit::kTop);
+    return " LIMIT " + kPercentCall.Call({"(SELECT count(DISTINCT " + alias + "._rowid_)" + rows + ")",
+                                          RenderAs(Value(*top.count, none), SqlType::Float())});
+}
+
 bool Translator::IsChanged(const std::string& exposed) const {
     return changed_.isOpen && changed_.name->parts.size() == 1 && SameName(changed_.name->Object(), exposed);
 }
@@ -214,9 +222,14 @@ QueryText Translator::ChangedQuery(const Query& query, const std::string& expose
     if (select != nullptr && IsDistinctOrGrouped(*select)) throw MakeError(4403, query.position, {exposed});
     const bool plain =
         select != nullptr && select->from.size() == 1 && select->from.front()->kind == SourceKind::kTable;
-    if (!plain) throw MakeError(40510, query.position, {"UPDATE and DELETE of query " + exposed});
+    const bool nested = changed_.levels++ > 0;
+    if (!plain && (select == nullptr || select->from.empty() || nested))
+        throw MakeError(40510, query.position, {"UPDATE and DELETE of query " + exposed});
+    if (!plain && !translation_.checkedView.empty())
+        throw MakeError(40510, query.position, {"UPDATE of join " + exposed + " WITH CHECK OPTION"});
     changed_.wantsRow = true;
-    changed_.inner = &As<TableRef>(*select->from.front());
+    changed_.inner = plain ? &As<TableRef>(*select->from.front()) : nullptr;
+    changed_.renames = plain ? nullptr : &columns;
     QueryText text = QueryOf(query, nullptr, false);
     for (std::size_t i = 0; i < columns.size() && i < changed_.columns.size(); ++i)
         changed_.columns[i].first = columns[i].text;
@@ -248,9 +261,31 @@ std::vector<const ColumnInfo*> IdentifyingColumns(const TableInfo& table) {
 
 }  // namespace
 
+// The table that has the columns that UPDATE names; error 4405 where they are of several, and for DELETE.
+const Source& Translator::ChangedOfJoin(const Scope& scope, const SelectParts& parts) const {
+    const Source* chosen = nullptr;
+    bool isOfSeveral = changed_.assigned.empty();
+    for (std::size_t i = 0; i < parts.items.size(); ++i) {
+        const bool isRenamed = changed_.renames != nullptr && i < changed_.renames->size();
+        const std::string& name = isRenamed ? (*changed_.renames)[i].text : parts.names[i];
+        const bool isAssigned = std::ranges::any_of(
+            changed_.assigned, [&](const std::string& other) { return SameName(other, name); });
+        for (const Source& source : scope.sources) {
+            const bool isOwn = std::ranges::any_of(source.columns, [&](const SourceColumn& column) {
+                return isAssigned && column.sql == parts.items[i].sql;
+            });
+            if (!isOwn) continue;
+            isOfSeveral = isOfSeveral || (chosen != nullptr && chosen != &source);
+            chosen = &source;
+        }
+    }
+    if (isOfSeveral) throw MakeError(4405, changed_.name->Where(), {changed_.name->Object()});
+    return chosen != nullptr ? *chosen : scope.sources.front();
+}
+
 // Of a query over a query the number is the one that comes from below.
 void Translator::AddRowNumber(const SelectBody& select, const Scope& scope, SelectParts& parts) {
-    const Source& source = scope.sources.front();
+    const Source& source = scope.sources.size() > 1 ? ChangedOfJoin(scope, parts) : scope.sources.front();
     const auto below = std::ranges::find_if(
         source.columns, [](const SourceColumn& column) { return column.name == kRowNumberName; });
     const bool isBelow = below != source.columns.end();

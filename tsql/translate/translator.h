@@ -331,6 +331,9 @@ class Translator {
     bool IsChanged(const std::string& exposed) const;
     QueryText ChangedQuery(const Query& query, const std::string& exposed, const std::vector<Name>& columns);
     void AddRowNumber(const SelectBody& select, const Scope& scope, SelectParts& parts);
+    const Source& ChangedOfJoin(const Scope& scope, const SelectParts& parts) const;
+    // LIMIT of the rows that a change finds, which begin with FROM.
+    std::string ChangeLimit(const TopClause& top, const std::string& rows, const std::string& alias);
     // The name in the table behind of a column of the query that is changed.
     std::string BehindName(const std::string& name, Position where) const;
     void CheckOutputBehind(const OutputClause& output) const;
@@ -425,10 +428,13 @@ class Translator {
     // name.
     struct Changed {
         const ObjectName* name = nullptr;
-        bool isOpen = false;              // its FROM is being translated
-        bool wantsRow = false;            // the SELECT that is translated next
-        bool isCursor = false;            // where there is none, none is needed
-        const TableRef* inner = nullptr;  // what the query is over, which may be one itself
+        bool isOpen = false;                         // its FROM is being translated
+        bool wantsRow = false;                       // the SELECT that is translated next
+        bool isCursor = false;                       // where there is none, none is needed
+        const TableRef* inner = nullptr;             // what the query is over, which may be one itself
+        int levels = 0;                              // of queries over queries
+        std::vector<std::string> assigned;           // the columns that UPDATE names
+        const std::vector<Name>* renames = nullptr;  // the names that a view gives its columns
         const TableInfo* table = nullptr;
         std::vector<std::pair<std::string, std::string>> columns;  // their names, and those in the table
         Source source;

@@ -100,6 +100,9 @@ struct Translator::UpdateParts {
 
 Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement, bool withColumns) {
     AddCommonTables(statement.with);
+    for (const tsql::Assignment& assignment : statement.assignments) {
+        if (!assignment.column.IsEmpty()) changed_.assigned.push_back(assignment.column.Object());
+    }
     UpdateParts parts;
     const Source& target =
         ChangedSource(statement.target, statement.from, statement.position, parts.scope, parts.from);
@@ -111,11 +114,8 @@ Translator::UpdateParts Translator::PartsOf(const UpdateStatement& statement, bo
         parts.assigned = Assignments(statement.assignments, *parts.table, parts.scope, parts.alias);
     if (statement.where) parts.condition = ConditionText(*statement.where, parts.scope);
     if (!statement.currentOf.IsEmpty()) parts.condition = CurrentRow(statement.currentOf, parts.alias);
-    if (statement.top) {
-        if (statement.top->percent) throw MakeError(40510, statement.position, {"UPDATE TOP … PERCENT"});
-        Scope none;
-        parts.limit = " LIMIT " + RowCount(*statement.top->count, none, RowLimit::kTop);
-    }
+    if (statement.top)
+        parts.limit = ChangeLimit(*statement.top, parts.from + Where(parts.condition), parts.alias);
     return parts;
 }
 

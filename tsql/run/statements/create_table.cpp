@@ -46,7 +46,7 @@ std::string Executor::ConstraintName(const TableInfo& table, const Constraint& c
         return constraint.name.text;
     }
     // As the server does, cut names with a number that is the same on every run.
-    std::string name = std::string(prefix) + "__" + table.name;
+    std::string name = std::string(prefix) + "__" + std::string(NameInText(table.name));
     if (!detail.empty()) name += "__" + detail;
     std::string free = name;
     for (int number = 2;

@@ -86,6 +86,8 @@ void Executor::InsertExecute(const InsertStatement& statement) {
 void Executor::InsertRows(const void* key, const ObjectName& name, const std::vector<Name>& columns,
                           const std::vector<SqlType>& types, std::vector<std::vector<Value>>& rows) {
     const TableInfo* table = FindTable(name.Object());
+    if (table == nullptr && catalog_.FindView(name.Object()) != nullptr)
+        throw MakeError(40510, name.Where(), {"INSERT … EXEC of view " + name.Object()});
     if (table == nullptr) throw MakeError(208, name.Where(), {name.Text()});
     CheckRowLimit(frame_->options.rowCountLimit, static_cast<std::int64_t>(rows.size()));
     Plan& plan =
