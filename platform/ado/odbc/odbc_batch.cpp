@@ -67,7 +67,7 @@ void OdbcBatch::Run() {
     }
     if (seconds_ > 0) {
         SQLSetStmtAttrW(statement.Get(), SQL_ATTR_QUERY_TIMEOUT,
-                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(seconds_)), 0);
+                        OdbcNumber(static_cast<std::uintptr_t>(seconds_)), 0);
     }
     std::u16string text = OdbcWide(text_);
     const Running running(*this, statement.Get());

@@ -36,12 +36,15 @@ SQLHANDLE OdbcEnvironment() {
     static const automation::Lasting<OdbcHandle<SQL_HANDLE_ENV>> environment([] {
         OdbcHandle<SQL_HANDLE_ENV> made(SQL_NULL_HANDLE);
         if (made) {
-            SQLSetEnvAttr(made.Get(), SQL_ATTR_ODBC_VERSION,
-                          reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(SQL_OV_ODBC3)), 0);
+            SQLSetEnvAttr(made.Get(), SQL_ATTR_ODBC_VERSION, OdbcNumber(SQL_OV_ODBC3), 0);
         }
         return made;
     }());
     return environment->Get();
+}
+
+SQLPOINTER OdbcNumber(std::uintptr_t number) {
+    return reinterpret_cast<SQLPOINTER>(number);  // NOLINT(performance-no-int-to-ptr): ODBC takes it so
 }
 
 std::u16string OdbcWide(std::string_view text) {

@@ -8,6 +8,7 @@
 #endif
 #include <windows.h>
 #endif
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -48,6 +49,9 @@ using OdbcStatement = OdbcHandle<SQL_HANDLE_STMT>;
 
 // The process's environment; made on first use.
 SQLHANDLE OdbcEnvironment();
+
+// An attribute's number, in the place of the pointer that ODBC declares for both.
+SQLPOINTER OdbcNumber(std::uintptr_t number);
 
 std::u16string OdbcWide(std::string_view text);
 std::string OdbcNarrow(const SQLWCHAR* text, std::size_t units);

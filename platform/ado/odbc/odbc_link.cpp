@@ -125,7 +125,7 @@ OdbcLink::~OdbcLink() {
 SQLRETURN OdbcLink::Connect(const OdbcSettings& settings, const std::string& driver,
                             const std::string& server, std::vector<DriverError>& errors) {
     SQLSetConnectAttrW(line_.Get(), SQL_ATTR_LOGIN_TIMEOUT,
-                       reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(settings.connectSeconds)), 0);
+                       OdbcNumber(static_cast<std::uintptr_t>(settings.connectSeconds)), 0);
     std::u16string text = OdbcWide(DriverConnectString(settings, driver, server));
     const SQLRETURN code =
         SQLDriverConnectW(line_.Get(), nullptr, reinterpret_cast<SQLWCHAR*>(text.data()),
@@ -149,7 +149,7 @@ OdbcLink::Rows OdbcLink::Ask(const std::string& query) const {
     const OdbcStatement statement(line_.Get());
     if (answerSeconds_ > 0) {
         SQLSetStmtAttrW(statement.Get(), SQL_ATTR_QUERY_TIMEOUT,
-                        reinterpret_cast<SQLPOINTER>(static_cast<std::uintptr_t>(answerSeconds_)), 0);
+                        OdbcNumber(static_cast<std::uintptr_t>(answerSeconds_)), 0);
     }
     std::u16string text = OdbcWide(query);
     const auto unanswered = [&] {
