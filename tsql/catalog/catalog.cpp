@@ -255,15 +255,29 @@ void Catalog::Refresh() {
 }
 
 void Catalog::RefreshAndHold() {
+    readFrom_.reset();
     const std::int64_t version = Version();
-    if (version == version_) return;
-    Load();
-    version_ = version;
-    ++generation_;
+    if (version != version_) {
+        Load();
+        version_ = version;
+        ++generation_;
+    }
+    // What a transaction has changed may be undone again.
+    if (!database_.InTransaction()) readFrom_ = database_.DataVersion();
+}
+
+bool Catalog::Trust() {
+    isTrusted_ = IsUnchanged();
+    return isTrusted_;
+}
+
+bool Catalog::IsUnchanged() const {
+    return readFrom_ == database_.DataVersion();
 }
 
 void Catalog::Forget() {
     version_ = -1;
+    readFrom_.reset();
     ++generation_;
 }
 

@@ -118,12 +118,20 @@ class Catalog {
     // its own. EndSnapshot must come before anything that changes the account set.
     void RefreshAndHold();
     void EndSnapshot() {
+        isTrusted_ = false;
         if (!holding_) return;
         versionStatement_.Reset();
         holding_ = false;
     }
     // What is read next is of the moment of the catalog.
-    bool IsHolding() const { return holding_; }
+    bool IsHolding() const { return holding_ || isTrusted_; }
+    // Instead of RefreshAndHold, without a look at the file: the catalog is taken for that of what is read
+    // next, as long as SQLite has noticed no change of the file since it was read; false where it has. SQLite
+    // notices when it begins to read, as it must for the pages that it keeps: whoever trusts asks IsUnchanged
+    // behind the first step, and takes nothing from it before.
+    bool Trust();
+    bool IsTrusted() const { return isTrusted_; }
+    bool IsUnchanged() const;
     // After a rollback: what was read may never have been.
     void Forget();
     // Changes whenever a pointer into the catalog or a translated statement may be out of date; temporary
@@ -229,6 +237,9 @@ class Catalog {
     PreparedStatement readIdentity_;
     PreparedStatement writeIdentity_;
     bool holding_ = false;  // versionStatement_ stands on its row
+    bool isTrusted_ = false;
+    // SQLite's number of the content that version_ was read from; none within a transaction.
+    std::optional<std::uint32_t> readFrom_;
     bool mayBeSealed_ = false;
     bool isOfOlderForm_ = false;
     std::int64_t version_ = -1;

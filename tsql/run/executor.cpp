@@ -8,6 +8,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/write_forecast.h"
+#include "tsql/syntax/ast_children.h"
 #include "tsql/syntax/parse/parser.h"
 
 namespace vicenter::tsql::engine {
@@ -100,9 +101,15 @@ bool Executor::RunReporting(std::string_view batch) {
         if (toUndo_) transactions_.Reset();
         toUndo_ = false;
         database_.CheckFileBeforeReading();
+        const ProgramStore::Batch* known = programs_.Known(batch);
         // Held until a first query reads, so that it sees tables and rows of one moment.
-        catalog_.RefreshAndHold();
-        RunBatch(batch);
+        if (known == nullptr || !IsPlannedQuery(*known->program) || !catalog_.Trust())
+            catalog_.RefreshAndHold();
+        if (known != nullptr) {
+            RunBatch(batch, *known);
+        } else {
+            RunBatch(batch, programs_.ForBatch(batch));
+        }
         return true;
     } catch (const Abort& abort) {
         Report(abort.error.Details());
@@ -146,14 +153,14 @@ void Executor::Reset() {
     database_.SetLockTimeout(options_.lockTimeoutMilliseconds);
 }
 
-void Executor::RunBatch(std::string_view batch) {
-    const ProgramStore::Batch run = programs_.ForBatch(batch);
+void Executor::RunBatch(std::string_view batch, const ProgramStore::Batch& run) {
     Frame frame;
     frame.program = run.program;
     frame.text = batch;
     frame.options = setOptions_;
-    if (run.isShaped)
-        frame.literals = LiteralRun(run.literals, run.program->shapeOffsets, run.program->pinned);
+    frame.sent = run.sent;
+    if (run.sent)
+        frame.literals = LiteralRun(run.sent->literals, run.program->shapeOffsets, run.program->pinned);
     RunIn(frame, [&] {
         const std::optional<const Statement*> chosen = ReadingBranch(*run.program);
         // Known beforehand, since a reader that turns out to write may find that others have written since it
@@ -180,6 +187,18 @@ void Executor::RunBatch(std::string_view batch) {
             rowCount_ = 0;
         }
     });
+}
+
+// A query that is all of its batch, with a plan of what the catalog knows: when SQLite has noticed no change
+// of the file since, the query itself finds out whether there was one, in its first step.
+bool Executor::IsPlannedQuery(const Program& program) const {
+    if (program.items.size() != 1 || transactions_.IsOpen() || transactions_.Count() > 0) return false;
+    const auto* select = TryAs<SelectStatement>(program.items.front().statement);
+    if (select == nullptr || !FirstSelect(*select->query->body).into.IsEmpty()) return false;
+    const auto found = program.plans.find(select);
+    if (found == program.plans.end() || !found->second) return false;
+    const Plan& plan = *found->second;
+    return plan.readsSet && plan.translation.temporaries.empty() && plan.IsCurrent(catalog_, setOptions_);
 }
 
 // "IF NOT EXISTS(…) INSERT …" by itself, as a program sends it before each of its reads, hardly ever writes:

@@ -62,7 +62,8 @@ class Executor {
     void RunRepeated(const ProgramItem& item);
     bool RunReporting(std::string_view batch);
     void EndStopping(ExecutionReport& report, bool& failed);
-    void RunBatch(std::string_view batch);
+    void RunBatch(std::string_view batch, const ProgramStore::Batch& run);
+    bool IsPlannedQuery(const Program& program) const;
     std::optional<const Statement*> ReadingBranch(const Program& program);
     Flow RunList(const std::vector<StatementPtr>& statements);
     Flow RunItems(const Program& program);
@@ -167,6 +168,8 @@ class Executor {
     bool BindLiteral(PreparedStatement& statement, int index, const Parameter& parameter,
                      const LiteralValue& literal) const;
     bool StepPlan(Plan& plan);
+    bool Stepped(Plan& plan, StepResult result);
+    std::optional<bool> Begin(Plan& plan);
     [[noreturn]] void FailStep(const Plan& plan);
     [[noreturn]] void FailForeignKey(Plan& plan);  // broken_key.cpp
     Value Evaluate(const Expr& expression, SqlType* type = nullptr);
@@ -177,6 +180,7 @@ class Executor {
 
     // statements, each in its own source
     void Select(const SelectStatement& statement);
+    bool Answer(const SelectStatement& statement);
     void SelectInto(const SelectStatement& statement);
     void Insert(const InsertStatement& statement);
     void InsertExecute(const InsertStatement& statement);

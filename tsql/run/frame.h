@@ -38,9 +38,8 @@ struct Variable {
 struct CursorSurroundings {
     SetOptions options;
     std::unordered_map<std::string, Variable> variables;
-    std::shared_ptr<const std::string> text;  // that the literals are in
-    LiteralRun places;
-    std::vector<LiteralValue> literals;
+    std::shared_ptr<const SentText> sent;
+    LiteralRun literals;
 };
 
 // A cursor reads all of its rows when it is opened. Unless it is to keep them, a row of one table is read
@@ -80,6 +79,7 @@ struct Frame {
     std::string_view text;  // what was sent, or the procedure's
     SetOptions options;
     LiteralRun literals;
+    std::shared_ptr<const SentText> sent;  // that the literals are in; none for one INSERT of many
     std::unordered_map<std::string, Variable> variables;
     std::map<std::string, std::shared_ptr<Cursor>> cursors;
     // The numbers of its temporary tables and table variables, which are dropped at the end: a name may by

@@ -36,15 +36,7 @@ class LiteralRun {
                const std::vector<std::uint32_t>& offsets)
         : values_(&values), first_(first), offsets_(&offsets), ownSigns_(true) {}
 
-    // The same places with values that live elsewhere; all of them, from the first on.
-    LiteralRun With(const std::vector<LiteralValue>& values) const {
-        LiteralRun run = *this;
-        if (!IsEmpty()) run.values_ = &values;
-        return run;
-    }
-
     bool IsEmpty() const { return values_ == nullptr; }
-    const std::vector<LiteralValue>& Values() const { return *values_; }
     // The number of a literal of the tree; -1 for one that is the same in every run.
     int OrdinalOf(const LiteralExpr& literal) const;
     const LiteralValue& At(int ordinal) const {

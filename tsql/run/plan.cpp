@@ -122,8 +122,11 @@ void Executor::MakePlan(std::unique_ptr<Plan>& slot, const Make& make) {
     // A literal within an expression has given it its type; one that goes straight into a column has decided
     // nothing.
     plan->takesAnyLiterals = !context.HasPinned();
+    plan->takesLiteralsAlone = true;
     for (const Parameter& parameter : plan->translation.parameters) {
         if (parameter.ordinal >= 0 && !parameter.forColumn) plan->takesAnyLiterals = false;
+        if (parameter.source != Parameter::Source::kLiteral || parameter.forColumn)
+            plan->takesLiteralsAlone = false;
     }
     slot = std::move(plan);
 }
@@ -207,6 +210,10 @@ void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
     services_.pending.reset();
     services_.dateFormat = frame_->options.dateFormat;
     const LiteralRun& literals = frame_->literals;
+    const bool lasts = plan.takesLiteralsAlone && (literals.IsEmpty() || frame_->sent);
+    const Plan::Bound bound{frame_->sent, frame_->options.dateFormat};
+    if (lasts && plan.bound == bound) return;
+    plan.bound.reset();
     int index = 0;
     for (const Parameter& parameter : plan.translation.parameters) {
         ++index;
@@ -218,10 +225,43 @@ void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
         }
         BindValue(plan.statement.Handle(), index, ParameterValue(parameter, row), parameter.to);
     }
+    if (lasts) plan.bound = bound;
 }
 
 bool Executor::StepPlan(Plan& plan) {
-    const StepResult result = plan.statement.Step();
+    return Stepped(plan, plan.statement.Step());
+}
+
+// A query with its values, brought to its first row: whether there is one. Nothing where the catalog was
+// taken on trust and others have changed it, so that the plan is to be made anew; nothing has been given of
+// it yet.
+std::optional<bool> Executor::Begin(Plan& plan) {
+    if (!catalog_.IsTrusted()) {
+        Bind(plan);
+        return StepPlan(plan);
+    }
+    try {
+        Bind(plan);
+    } catch (const automation::Error&) {
+        // A value may not be of its column's type, or may be of the type that the column has by now.
+        catalog_.EndSnapshot();
+        return std::nullopt;
+    }
+    const StepResult result = database_.TryStep(plan.statement);
+    if (catalog_.IsUnchanged()) return Stepped(plan, result);
+    if (result == StepResult::kFailed) {
+        if (!database_.IsLastFailureOfStatement()) return Stepped(plan, result);
+        catalog_.EndSnapshot();
+        return std::nullopt;
+    }
+    // Somebody has changed something, hardly ever the catalog.
+    const std::uint64_t before = catalog_.Generation();
+    catalog_.RefreshAndHold();
+    if (catalog_.Generation() != before) return std::nullopt;
+    return Stepped(plan, result);
+}
+
+bool Executor::Stepped(Plan& plan, StepResult result) {
     if (std::exchange(services_.failedComparison, false)) throw std::bad_alloc();
     // What failed is told before the next call on the connection makes it forget.
     if (result == StepResult::kFailed) {

@@ -3,6 +3,8 @@
 // A translated statement, prepared: made once for a place in a program, run many times.
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 
 #include "tsql/catalog/catalog.h"
 #include "tsql/run/options.h"
@@ -11,6 +13,8 @@
 
 namespace vicenter::tsql::engine {
 
+struct SentText;
+
 struct Plan {
     Translation translation;
     PreparedStatement statement;
@@ -18,6 +22,16 @@ struct Plan {
     // The statement takes any literals in the places of its own. False when one of them was looked at while
     // the plan was made, or goes elsewhere than into a column.
     bool takesAnyLiterals = false;
+
+    // All of its parameters are literals of expressions, converted by nothing but their types and DATEFORMAT.
+    bool takesLiteralsAlone = false;
+    // SQLite keeps what was bound: for the same text again there is nothing to bind.
+    struct Bound {
+        std::shared_ptr<const SentText> sent;  // none for the tree's own literals
+        DateFormat dateFormat = DateFormat::kMdy;
+        friend bool operator==(const Bound&, const Bound&) = default;
+    };
+    std::optional<Bound> bound;  // none when something else may have been
 
     // It asks tables of the account set, so that they and the catalog must be of one moment.
     bool readsSet = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <optional>
 
 #include "tsql/base/text_units.h"
@@ -124,6 +125,19 @@ bool Fits(const Program& program, const std::vector<LiteralValue>& literals) {
     });
 }
 
+// A copy that the literals refer to.
+std::shared_ptr<const SentText> Sent(std::string_view text, std::vector<LiteralValue>& literals) {
+    auto sent = std::make_shared<SentText>();
+    sent->text = text;
+    for (LiteralValue& literal : literals) {
+        if (literal.text.empty()) continue;
+        const auto at = static_cast<std::size_t>(literal.text.data() - text.data());
+        literal.text = std::string_view(sent->text).substr(at, literal.text.size());
+    }
+    sent->literals = std::move(literals);
+    return sent;
+}
+
 // The text of a module changes when it is altered.
 const std::shared_ptr<Program>& Current(std::shared_ptr<Program>& kept, const std::string& text) {
     if (!kept || kept->text != text) {
@@ -135,23 +149,40 @@ const std::shared_ptr<Program>& Current(std::shared_ptr<Program>& kept, const st
 
 }  // namespace
 
+std::size_t ProgramStore::PlaceOf(std::string_view text) {
+    return std::hash<std::string_view>()(text) % kKeptTexts;
+}
+
+const ProgramStore::Batch* ProgramStore::Known(std::string_view text) const {
+    const Batch& kept = texts_[PlaceOf(text)];
+    if (!kept.sent || kept.sent->text != text) return nullptr;
+    // A plan may have looked at a literal since.
+    return Fits(*kept.program, kept.sent->literals) ? &kept : nullptr;
+}
+
 ProgramStore::Batch ProgramStore::ForBatch(std::string_view text) {
     auto shape = ShapeOf(text);
-    if (!shape) return {ParseProgram(text, true), {}, false};
-    const auto known = shapes_.find(shape->key);
+    if (!shape) return {ParseProgram(text, true), nullptr};
+    Batch& kept = texts_[PlaceOf(text)];
+    kept = {ForShape(*shape, text), Sent(text, shape->literals)};
+    return kept;
+}
+
+std::shared_ptr<Program> ProgramStore::ForShape(StatementShape& shape, std::string_view text) {
+    const auto known = shapes_.find(shape.key);
     if (known != shapes_.end()) {
         for (const std::shared_ptr<Program>& program : known->second) {
-            if (Fits(*program, shape->literals)) return {program, std::move(shape->literals), true};
+            if (Fits(*program, shape.literals)) return program;
         }
     }
     std::shared_ptr<Program> program = ParseProgram(text, false);
-    for (const LiteralValue& literal : shape->literals)
+    for (const LiteralValue& literal : shape.literals)
         program->shapeOffsets.push_back(literal.offset);
     if (shapes_.size() >= kKeptShapes) shapes_.clear();
-    std::vector<std::shared_ptr<Program>>& programs = shapes_[std::move(shape->key)];
+    std::vector<std::shared_ptr<Program>>& programs = shapes_[std::move(shape.key)];
     if (programs.size() >= kKeptOfOneShape) programs.erase(programs.begin());
     programs.push_back(program);
-    return {std::move(program), std::move(shape->literals), true};
+    return program;
 }
 
 std::shared_ptr<Program> ProgramStore::ForProcedure(const ModuleInfo& procedure) {

@@ -3,6 +3,7 @@
 // A parsed batch, procedure or view with the plans of its statements, and the programs that a session keeps.
 // Owned by the session that made them.
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -46,6 +47,12 @@ struct Program {
     PinnedLiterals pinned;
 };
 
+// A text as it was sent, and its literals, which refer to it.
+struct SentText {
+    std::string text;
+    std::vector<LiteralValue> literals;
+};
+
 // Reads a text as a whole, so that a syntax error anywhere keeps all of it from running. With findRepeated
 // the repeated INSERTs of a long batch become runs of the first one; the text must outlive the program then.
 std::shared_ptr<Program> ParseProgram(std::string_view text, bool findRepeated);
@@ -55,17 +62,26 @@ class ProgramStore {
   public:
     struct Batch {
         std::shared_ptr<Program> program;
-        std::vector<LiteralValue> literals;  // of this text, when the program is kept by its shape
-        bool isShaped = false;
+        std::shared_ptr<const SentText> sent;  // when the program is kept by its shape
     };
     Batch ForBatch(std::string_view text);
+    // The batch of a text that has come before, word for word, which then need not be read again; null for
+    // any other. Holds until the next ForBatch.
+    const Batch* Known(std::string_view text) const;
     std::shared_ptr<Program> ForProcedure(const ModuleInfo& procedure);
     // A text that sp_executesql runs, as the procedure that it stands for.
     std::shared_ptr<Program> ForCall(const std::string& text);
     const CreateViewStatement* ForView(const ModuleInfo& view);
 
   private:
+    // Each has one place that it may stand in, by its hash; the next one that has the same takes it.
+    static constexpr std::size_t kKeptTexts = 256;
+
+    static std::size_t PlaceOf(std::string_view text);
+    std::shared_ptr<Program> ForShape(StatementShape& shape, std::string_view text);
+
     using Programs = std::unordered_map<std::string, std::shared_ptr<Program>>;
+    std::array<Batch, kKeptTexts> texts_;
     std::unordered_map<std::string, std::vector<std::shared_ptr<Program>>> shapes_;
     Programs procedures_;
     Programs calls_;

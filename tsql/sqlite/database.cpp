@@ -29,11 +29,18 @@ PreparedStatement::~PreparedStatement() {
     sqlite3_finalize(handle_);
 }
 
-StepResult PreparedStatement::Step() {
-    const int code = sqlite3_step(handle_);
+namespace {
+
+StepResult ResultOf(int code) {
     return code == SQLITE_ROW    ? StepResult::kRow
            : code == SQLITE_DONE ? StepResult::kDone
                                  : StepResult::kFailed;
+}
+
+}  // namespace
+
+StepResult PreparedStatement::Step() {
+    return ResultOf(sqlite3_step(handle_));
 }
 
 void PreparedStatement::Reset() {
@@ -289,9 +296,13 @@ void Database::RunQuietly(const std::string& sql) noexcept {
     sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr);
 }
 
+StepResult Database::TryStep(PreparedStatement& statement) {
+    return ResultOf(Patiently([&] { return sqlite3_step(statement.Handle()); }));
+}
+
 bool Database::Step(PreparedStatement& statement) {
-    const int code = Patiently([&] { return sqlite3_step(statement.Handle()); });
-    if (code == SQLITE_ROW || code == SQLITE_DONE) return code == SQLITE_ROW;
+    const StepResult result = TryStep(statement);
+    if (result != StepResult::kFailed) return result == StepResult::kRow;
     SqlError failure = LastFailure();
     statement.Reset();
     throw failure;
@@ -341,6 +352,11 @@ FailureKind Database::LastFailureKind() const {
         default:
             return (code & 0xFF) == SQLITE_CONSTRAINT ? FailureKind::kOtherConstraint : FailureKind::kOther;
     }
+}
+
+bool Database::IsLastFailureOfStatement() const {
+    const int code = sqlite3_errcode(handle_) & 0xFF;
+    return code == SQLITE_ERROR || code == SQLITE_SCHEMA;
 }
 
 std::string Database::LastMessage() const {

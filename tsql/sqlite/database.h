@@ -109,6 +109,8 @@ class Database {
     void RunQuietly(const std::string& sql) noexcept;
     // Steps a statement: true for a row, false when it is done; throws for failures.
     bool Step(PreparedStatement& statement);
+    // The same with the failure left to LastFailure.
+    StepResult TryStep(PreparedStatement& statement);
     bool InTransaction() const;
     // Rows refer to what is not there, as far as the transaction that is open has made them so.
     bool HasBrokenKeys() const;
@@ -121,6 +123,8 @@ class Database {
     // The last failure of SQLite: what it was, what SQLite says, and the server's error for it. Which error a
     // broken constraint is, the caller knows.
     FailureKind LastFailureKind() const;
+    // Of the statement, not of the file: something that it names is missing, or a function has failed.
+    bool IsLastFailureOfStatement() const;
     std::string LastMessage() const;
     SqlError LastFailure() const;
     // Another number whenever somebody has changed the file.

@@ -42,15 +42,8 @@ CursorSurroundings SurroundingsOf(const Frame& frame) {
     for (const auto& [name, variable] : frame.variables) {
         if (!variable.isCursor) all.variables.emplace(name, variable);
     }
-    all.places = frame.literals;
-    if (frame.literals.IsEmpty()) return all;
-    all.text = std::make_shared<const std::string>(frame.text);
-    all.literals = frame.literals.Values();
-    for (LiteralValue& literal : all.literals) {
-        if (literal.text.empty()) continue;
-        const std::size_t at = static_cast<std::size_t>(literal.text.data() - frame.text.data());
-        literal.text = std::string_view(*all.text).substr(at, literal.text.size());
-    }
+    all.sent = frame.sent;
+    all.literals = frame.literals;
     return all;
 }
 
@@ -151,10 +144,10 @@ bool Executor::HasGone(const Cursor& cursor, std::size_t row) {
 void Executor::PlanCursorAnew(Cursor& cursor) {
     Frame frame;
     frame.program = cursor.program;
-    if (cursor.declared.text) frame.text = *cursor.declared.text;
     frame.options = cursor.declared.options;
     frame.variables = cursor.declared.variables;
-    frame.literals = cursor.declared.places.With(cursor.declared.literals);
+    frame.sent = cursor.declared.sent;
+    frame.literals = cursor.declared.literals;
     const FrameScope scope(frame_, frame);
     PlanCursor(cursor);
 }

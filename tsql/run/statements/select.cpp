@@ -10,16 +10,23 @@ namespace vicenter::tsql::engine {
 
 void Executor::Select(const SelectStatement& statement) {
     if (!FirstSelect(*statement.query->body).into.IsEmpty()) return SelectInto(statement);
+    while (!Answer(statement)) {
+    }
+}
+
+// False when it must begin again, see Begin.
+bool Executor::Answer(const SelectStatement& statement) {
     Plan& plan =
         PlanFor(&statement, [&](Translator& translator) { return translator.Select(*statement.query); });
     const ResetAtEnd reset(plan.statement);
-    Bind(plan);
+    const std::optional<bool> first = Begin(plan);
+    if (!first) return false;
     const Translation& translation = plan.translation;
     std::int64_t rows = 0;
     std::vector<Value> row;
     if (!translation.assignments.empty()) {
         // The last row wins; no row leaves the variables as they are.
-        while (StepPlan(plan)) {
+        for (bool more = *first; more; more = StepPlan(plan)) {
             ReadRow(plan, row);
             for (std::size_t i = 0; i < row.size(); ++i) {
                 FindVariable(translation.assignments[i].variable, statement.position).value =
@@ -29,18 +36,18 @@ void Executor::Select(const SelectStatement& statement) {
             if (frame_->options.rowCountLimit > 0 && rows >= frame_->options.rowCountLimit) break;
         }
         rowCount_ = rows;
-        return;
+        return true;
     }
     // The columns go out with the first row, so that a statement that fails at once gives no result.
-    bool more = StepPlan(plan);
     sink_->BeginResult(translation.columns);
-    for (; more; more = StepPlan(plan)) {
+    for (bool more = *first; more; more = StepPlan(plan)) {
         ReadRow(plan, row);
         sink_->AddRow(row);
         ++rows;
         if (frame_->options.rowCountLimit > 0 && rows >= frame_->options.rowCountLimit) break;
     }
     rowCount_ = rows;
+    return true;
 }
 
 namespace {
