@@ -267,7 +267,7 @@ void Catalog::RefreshAndHold() {
 }
 
 bool Catalog::Trust() {
-    isTrusted_ = IsUnchanged();
+    isTrusted_ = readFrom_.has_value();
     return isTrusted_;
 }
 

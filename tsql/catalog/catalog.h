@@ -126,9 +126,9 @@ class Catalog {
     // What is read next is of the moment of the catalog.
     bool IsHolding() const { return holding_ || isTrusted_; }
     // Instead of RefreshAndHold, without a look at the file: the catalog is taken for that of what is read
-    // next, as long as SQLite has noticed no change of the file since it was read; false where it has. SQLite
-    // notices when it begins to read, as it must for the pages that it keeps: whoever trusts asks IsUnchanged
-    // behind the first step, and takes nothing from it before.
+    // next; false where it was read within a transaction. SQLite notices a change of the file when it begins
+    // to read, as it must for the pages that it keeps: whoever trusts asks IsUnchanged behind the first step,
+    // and takes nothing from it before.
     bool Trust();
     bool IsTrusted() const { return isTrusted_; }
     bool IsUnchanged() const;

@@ -189,8 +189,8 @@ void Executor::RunBatch(std::string_view batch, const ProgramStore::Batch& run) 
     });
 }
 
-// A query that is all of its batch, with a plan of what the catalog knows: when SQLite has noticed no change
-// of the file since, the query itself finds out whether there was one, in its first step.
+// A query that is all of its batch, with a plan of what the catalog knows: whether somebody has changed the
+// file since, the query itself finds out in its first step.
 bool Executor::IsPlannedQuery(const Program& program) const {
     if (program.items.size() != 1 || transactions_.IsOpen() || transactions_.Count() > 0) return false;
     const auto* select = TryAs<SelectStatement>(program.items.front().statement);

@@ -369,7 +369,8 @@ SqlError Database::LastFailure() const {
 
 std::uint32_t Database::DataVersion() const {
     std::uint32_t version = 0;
-    sqlite3_file_control(handle_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+    // Without a name it is the main file's.
+    sqlite3_file_control(handle_, nullptr, SQLITE_FCNTL_DATA_VERSION, &version);
     return version;
 }
 

@@ -116,7 +116,10 @@ class RecordsetSink final : public engine::ResultSink {
         types_.clear();
         types_.reserve(columns.size());
         for (const engine::ResultColumn& column : columns) {
-            fields.push_back({column.name, DataTypeOf(column.type), column.TypeName()});
+            Column& field = fields.emplace_back();
+            field.name = column.name;
+            field.type = DataTypeOf(column.type);
+            field.serverType = column.TypeName();
             types_.push_back(column.type);
         }
         auto next = std::make_shared<Recordset>(std::move(fields));
