@@ -114,8 +114,13 @@ void Executor::UpdateVariables(const UpdateStatement& statement, bool temporary)
         for (auto& [variable, value] : before)
             behind[variable] = std::exchange(variable->value, std::move(value));
         if (rowByRow) {
-            ChangeRows(plan, {columns.begin() + static_cast<std::ptrdiff_t>(number), columns.end()}, rows,
-                       false, statement.position);
+            const std::string& view = plan.translation.checkedView;
+            StatementGuard guard(database_, !view.empty() && OutlivesFailure());
+            const std::vector<std::int64_t> changed =
+                ChangeRows(plan, {columns.begin() + static_cast<std::ptrdiff_t>(number), columns.end()}, rows,
+                           false, statement.position);
+            if (!view.empty()) CheckView(view, changed);
+            guard.Release();
         } else if (SetsColumns(statement)) {
             UpdateColumns(statement, temporary);
         } else {
