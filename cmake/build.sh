@@ -1,5 +1,8 @@
 # Shell functions shared by ./run, ./test and ./test-windows; sourced from the project's root.
 
+# The user's, where nobody has logged in.
+export HOME="${HOME:-$(echo ~)}"
+
 install_packages() {
   bash cmake/install-packages.sh "$@"
 }
