@@ -36,11 +36,13 @@ RunningProgram::RunningProgram(const std::string& program, const std::vector<std
     how.hStdError = how.hStdOutput;
     PROCESS_INFORMATION started{};
     EXPECT_TRUE(CreateProcessW(system::os::WidePath(program).c_str(), line.data(), nullptr, nullptr, TRUE, 0,
-                               nullptr, nullptr, &how, &started));
+                               nullptr, nullptr, &how, &started))
+        << program << ": error " << GetLastError();
     CloseHandle(how.hStdInput);
     CloseHandle(how.hStdOutput);
-    CloseHandle(started.hThread);
     process_ = reinterpret_cast<std::intptr_t>(started.hProcess);
+    waited_ = process_ == 0;
+    if (!waited_) CloseHandle(started.hThread);
 }
 
 RunningProgram::RunningProgram(RunningProgram&& other) noexcept
@@ -61,6 +63,7 @@ void RunningProgram::Kill() {
 }
 
 HowItEnded RunningProgram::Wait() {
+    if (process_ == 0) return {-1, false};  // it has not begun
     const auto process = reinterpret_cast<HANDLE>(process_);
     DWORD code = 0;
     EXPECT_EQ(WaitForSingleObject(process, INFINITE), WAIT_OBJECT_0);
