@@ -164,6 +164,7 @@ void Executor::Modify(const void* key, bool temporary, const Make& make, const O
         std::vector<std::vector<Value>> rows;
         RunModification(plan, &rows);
         std::vector<std::int64_t> numbers;
+        numbers.reserve(rows.size());
         for (const std::vector<Value>& row : rows)
             numbers.push_back(row.front().Int());
         CheckView(plan.translation.checkedView, numbers);
