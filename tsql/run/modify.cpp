@@ -5,6 +5,7 @@
 
 #include "tsql/base/error_table.h"
 #include "tsql/run/executor.h"
+#include "tsql/run/number_list.h"
 #include "tsql/run/row_limit.h"
 #include "tsql/run/statement_guard.h"
 
@@ -133,13 +134,6 @@ void Executor::Changing(bool temporary, const OutputClause* output,
         sink_->AddRow(row);
 }
 
-static std::string ListOf(const std::vector<std::int64_t>& numbers) {
-    std::string list = "[";
-    for (const std::int64_t number : numbers)
-        list += (list.size() == 1 ? "" : ",") + std::to_string(number);
-    return list + "]";
-}
-
 // WITH CHECK OPTION: rows that have been written through the view are its own.
 void Executor::CheckView(const std::string& view, const std::vector<std::int64_t>& numbers) {
     ObjectName name;
@@ -148,7 +142,7 @@ void Executor::CheckView(const std::string& view, const std::vector<std::int64_t
     plan.translation = Translated([&](Translator& translator) { return translator.RowsBesideView(name); });
     plan.statement = Prepared(plan.translation.sql);
     const ResetAtEnd reset(plan.statement);
-    const std::vector<Value> given{Value(ListOf(numbers))};
+    const std::vector<Value> given{Value(NumberList(numbers))};
     Bind(plan, &given);
     if (StepPlan(plan)) throw MakeError(550, {});
 }

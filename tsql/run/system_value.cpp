@@ -28,10 +28,6 @@ std::int64_t OptionBits(const SetOptions& options) {
            (options.exactAbort ? kXactAbortOption : 0);
 }
 
-}  // namespace
-
-namespace {
-
 std::string JsonText(std::string_view value) {
     std::string json = "\"";
     for (const char c : value) {

@@ -1,4 +1,5 @@
 #include "tsql/run/executor.h"
+#include "tsql/run/number_list.h"
 #include "tsql/translate/output_columns.h"
 
 namespace vicenter::tsql::engine {
@@ -36,14 +37,11 @@ void Executor::DeleteTold(const DeleteStatement& statement, bool temporary) {
                 changed.emplace_back().beside.assign(row.begin() + 1, row.end());
             }
         }
-        std::string list;
-        for (std::size_t i = 0; i < numbers.size(); ++i) {
+        for (std::size_t i = 0; i < numbers.size(); ++i)
             changed[i].deleted = WholeRow(output, table, numbers[i]);
-            list += (list.empty() ? "[" : ",") + std::to_string(numbers[i]);
-        }
         Plan& removal = PlanFor(&statement.from,
                                 [&](Translator& translator) { return translator.DeleteByNumber(table); });
-        const std::vector<Value> given{Value(list.empty() ? "[]" : list + "]")};
+        const std::vector<Value> given{Value(NumberList(numbers))};
         RunModification(removal, nullptr, &given);
         TellRows(output, table, found.translation.told, changed, false, told);
     });
