@@ -160,6 +160,7 @@ void VICenterWindow::BuildGrid() {
     connect(grid_, &GridView::rowsPulledOut, this, &VICenterWindow::DragRows);
     connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
     listTimer_ = new QTimer(this);
+    listTimer_->setObjectName(QStringLiteral("listTimer"));
     listTimer_->setSingleShot(true);
     listTimer_->setInterval(kListMilliseconds);
     connect(listTimer_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
