@@ -28,10 +28,22 @@ bool IsBusy(HRESULT code) {
     return code == RPC_E_CALL_REJECTED || code == RPC_E_SERVERCALL_RETRYLATER;
 }
 
+// The server's process was about to end when it was asked: the next one starts another.
+bool IsEnding(HRESULT code) {
+    return code == CO_E_SERVER_STOPPING || code == RPC_E_SERVER_DIED || code == RPC_E_SERVER_DIED_DNE ||
+           code == RPC_E_DISCONNECTED || code == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
+           code == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED) || code == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE);
+}
+
+// Whoever has an object of a server that ends has lost it: that is asked of those alone that are made.
+bool IsBusyOrEnding(HRESULT code) {
+    return IsBusy(code) || IsEnding(code);
+}
+
 template <class Call>
-HRESULT Patiently(const Call& call) {
+HRESULT Patiently(const Call& call, bool (*passes)(HRESULT) = IsBusy) {
     HRESULT code = call();
-    for (int i = 1; i < kTries && IsBusy(code); ++i) {
+    for (int i = 1; i < kTries && passes(code); ++i) {
         Sleep(kPauseMilliseconds);
         code = call();
     }
@@ -249,8 +261,11 @@ std::unique_ptr<Enumerator> ForeignObject::NewEnumerator() {
 automation::ObjectRef CreateForeign(std::string_view progId) {
     CLSID id{};
     ComPointer<IDispatch> dispatch;
+    const auto create = [&] {
+        return CoCreateInstance(id, nullptr, CLSCTX_SERVER, IID_IDispatch, dispatch.ReceiveAny());
+    };
     if (FAILED(CLSIDFromProgID(system::os::Wide(progId).c_str(), &id)) ||
-        FAILED(CoCreateInstance(id, nullptr, CLSCTX_SERVER, IID_IDispatch, dispatch.ReceiveAny())))
+        FAILED(Patiently(create, IsBusyOrEnding)))
         throw Error(error_number::kCannotCreateObject, {}, std::string(progId));
     return ObjectOf(dispatch.Get());
 }

@@ -2,7 +2,8 @@
 
 // Somebody else's object, called late-bound at the point of use: GetIDsOfNames, then Invoke.
 //
-// A call that a busy server rejects is tried again for some seconds. User-interface thread.
+// A call that a busy server rejects is tried again for some seconds, and so is the making of an object by a
+// server that is just ending. User-interface thread.
 
 #include "automation/object.h"
 #include "platform/com/com_headers.h"

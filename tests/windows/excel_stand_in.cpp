@@ -4,6 +4,7 @@
 //
 //   excel_stand_in /regserver [OPTION...]   the options are those of the server that COM then starts
 //   excel_stand_in /unregserver
+//   excel_stand_in /ended                   waits until no server of it is there
 //   options: --version V       what it says of itself; 16.0
 //            --busy N          rejects the first N calls, as a program does in whose window somebody types
 //            --refuse-save     SaveAs fails
@@ -121,10 +122,21 @@ int Unregister() {
     return 0;
 }
 
+// Held by a server for as long as its process lives.
+HANDLE NewServerMutex() {
+    return CreateMutexW(nullptr, FALSE, L"VicenterExcelStandIn");
+}
+
+int WaitForEnd() {
+    constexpr DWORD kMostMilliseconds = 60'000;
+    return WaitForSingleObject(NewServerMutex(), kMostMilliseconds) == WAIT_TIMEOUT ? 1 : 0;
+}
+
 // Until the last object that was given out is gone; a client that has died gives nothing back.
 int Serve() {
     constexpr UINT kLookMilliseconds = 100;
     constexpr int kMostLooks = 6000;
+    WaitForSingleObject(NewServerMutex(), 0);
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const com::ComPointer<IMessageFilter> filter(new Busy);
     CoRegisterMessageFilter(filter.Get(), nullptr);
@@ -151,6 +163,7 @@ int Run(const std::vector<std::string>& arguments) {
     if (!arguments.empty() && arguments[0] == "/regserver")
         return Register({arguments.begin() + 1, arguments.end()});
     if (!arguments.empty() && arguments[0] == "/unregserver") return Unregister();
+    if (!arguments.empty() && arguments[0] == "/ended") return WaitForEnd();
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& option = arguments[i];
         const auto value = [&] { return i + 1 < arguments.size() ? arguments[++i] : std::string(); };

@@ -103,6 +103,45 @@ class Typed final : public ComObject<IDispatch> {
     ~Typed() = default;
 };
 
+// A class of this process, registered for the machine: Wine does not look into the user's own classes. Making
+// an object of it fails so often, with that code.
+class Refusing final : public ComObject<IClassFactory> {
+  public:
+    Refusing(HRESULT code, int times) : code_(code), times_(times) {}
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID id, void** result) override {
+        if (times_-- > 0) return code_;
+        return DispatchOf(std::make_shared<CashBox>())->QueryInterface(id, result);
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+
+  private:
+    ~Refusing() override = default;
+    const HRESULT code_;
+    int times_;
+};
+
+class Registered {
+  public:
+    Registered(HRESULT code, int times) {
+        constexpr wchar_t kText[] = L"{6A0C3F0E-7D0B-4F0A-9B64-2A4E0E0B7C11}";
+        CLSID id{};
+        CLSIDFromString(kText, &id);
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, kKey, nullptr, REG_SZ, kText, sizeof kText);
+        const ComPointer<IClassFactory> factory(new Refusing(code, times));
+        CoRegisterClassObject(id, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_);
+    }
+    ~Registered() {
+        CoRevokeClassObject(cookie_);
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\VicenterTest.CashBox");
+    }
+    Registered(const Registered&) = delete;
+    Registered& operator=(const Registered&) = delete;
+
+  private:
+    static constexpr const wchar_t* kKey = L"Software\\Classes\\VicenterTest.CashBox\\CLSID";
+    DWORD cookie_ = 0;
+};
+
 class ForeignTest : public ComTest {
   protected:
     automation::ObjectRef Foreign(int busy = 0) {
@@ -180,6 +219,18 @@ TEST_F(ForeignTest, FailuresComeWithNumberTextAndSource) {
 
 TEST_F(ForeignTest, ABusyServerIsAskedAgain) {
     EXPECT_EQ(Foreign(3)->Get("Count"), Variant(3));
+}
+
+TEST_F(ForeignTest, AServerThatIsEndingIsAskedForAnotherOne) {
+    for (const HRESULT code :
+         {CO_E_SERVER_STOPPING, RPC_E_SERVER_DIED, RPC_E_DISCONNECTED, RPC_E_CALL_REJECTED,
+          static_cast<HRESULT>(HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE))}) {
+        const Registered server(code, 2);
+        EXPECT_EQ(CreateForeign("VicenterTest.CashBox")->Get("Count"), Variant(3)) << code;
+    }
+    const Registered refused(E_ACCESSDENIED, 1);
+    EXPECT_EQ(Failure([] { CreateForeign("VicenterTest.CashBox"); }).Number(), 429);
+    EXPECT_EQ(CreateForeign("VicenterTest.CashBox")->Get("Count"), Variant(3));
 }
 
 TEST_F(ForeignTest, ForEachGoesThroughACollection) {
