@@ -90,6 +90,14 @@ TEST_F(Drafts, AreWrittenWhenTheUserRestsAndOnlyWhenSomethingIsUnsaved) {
     EXPECT_THAT(set_.Statements(), IsEmpty());
 }
 
+TEST_F(Drafts, OfAServersAccountSetBearOneNumberInEveryHost) {
+    TypeMine();
+    Window().KeepDraft();
+    ASSERT_EQ(Files().size(), 1U);
+    EXPECT_THAT(Files()[0], HasSubstr("15692531132975266388-7-5-"))
+        << "a host of 32 bit looks for that of one of 64";
+}
+
 TEST_F(Drafts, GoWithASave) {
     TypeMine();
     Window().KeepDraft();

@@ -1,10 +1,10 @@
 #include "center/template/draft/draft_store.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <set>
 #include <string_view>
@@ -60,6 +60,14 @@ fs::path FileBehind(const std::string& source) {
     return file;
 }
 
+// A number of a text, the same in hosts of 32 bit and of 64, which find each other's drafts.
+std::string NumberOf(std::string_view text) {
+    std::uint64_t number = 0xCBF29CE484222325U;
+    for (const char c : text)
+        number = (number ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
+    return std::to_string(number);
+}
+
 // Beside the account set's file first, the user's data folder second. An account set is known by its file, a
 // server's by its connect string.
 std::vector<Place> Places() {
@@ -73,7 +81,7 @@ std::vector<Place> Places() {
             set = system::PathToUtf8(file);
         }
         const fs::path data = system::PathFromUtf8(system::Surroundings::Current().folders->UserData());
-        places.push_back({data / "drafts", std::to_string(std::hash<std::string>()(set))});
+        places.push_back({data / "drafts", NumberOf(set)});
     } catch (const Error&) {
         // A host without a property string has no account set to draft for.
     } catch (const std::exception&) {
