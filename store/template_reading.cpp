@@ -1,5 +1,7 @@
 #include "store/template_reading.h"
 
+#include "text/fnv.h"
+
 namespace vicenter::store {
 
 using automation::Decimal;
@@ -29,11 +31,6 @@ std::string DirectionText(const Variant& value) {
 }
 
 constexpr unsigned kEndOfText = 0x100;  // no byte
-
-// One step of a 64-bit FNV-1a.
-void Mix(std::uint64_t& hash, unsigned value) {
-    hash = ((hash == 0 ? 0xcbf29ce484222325U : hash) ^ value) * 0x100000001b3U;
-}
 
 }  // namespace
 
@@ -72,12 +69,13 @@ const LineTexts& LineReader::Read(std::size_t record) {
 }
 
 void LinesDigest::Add(const LineTexts& line) {
-    ++lines;
+    text::Fnv all = lines == 0 ? text::Fnv() : text::Fnv(hash);
     for (const std::string& text : line) {
-        for (const char c : text)
-            Mix(hash, static_cast<unsigned char>(c));
-        Mix(hash, kEndOfText);
+        all.Add(text);
+        all.Add(kEndOfText);
     }
+    ++lines;
+    hash = all.Value();
 }
 
 LinesDigest DigestOf(const ado::Recordset& records) {

@@ -1,4 +1,4 @@
-// The ground floor: ASCII, blanks, hexadecimal digits and UTF-8.
+// The ground floor: ASCII, blanks, hexadecimal digits, numbers of texts and UTF-8.
 
 #include <string>
 
@@ -6,6 +6,7 @@
 
 #include "text/ascii.h"
 #include "text/blanks.h"
+#include "text/fnv.h"
 #include "text/hex.h"
 #include "text/utf8.h"
 
@@ -109,6 +110,21 @@ TEST(Utf8Test, HalvesOfPairsAreReplaced) {
     EXPECT_EQ(text, "\uFFFD\uFFFD");
     EXPECT_EQ(CodeUnits(U'凭'), 1U);
     EXPECT_EQ(CodeUnits(U'𠮷'), 2U);
+}
+
+TEST(FnvTest, GivesTheNumbersThatArePublishedForIt) {
+    const auto of = [](std::string_view text) {
+        Fnv number;
+        number.Add(text);
+        return number.Value();
+    };
+    EXPECT_EQ(of(""), 0xCBF29CE484222325U);
+    EXPECT_EQ(of("a"), 0xAF63DC4C8601EC8CU);
+    EXPECT_EQ(of("foobar"), 0x85944171F73967E8U);
+    EXPECT_EQ(of(std::string_view("\0", 1)), 0xAF63BD4C8601B7DFU);
+    Fnv gone(of("foo"));
+    gone.Add("bar");
+    EXPECT_EQ(gone.Value(), of("foobar"));
 }
 
 }  // namespace

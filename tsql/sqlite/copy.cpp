@@ -2,32 +2,30 @@
 
 #include <array>
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 
 #include <sqlite3.h>
+
+#include "text/fnv.h"
 
 namespace vicenter::tsql::engine {
 
 namespace {
 
-// FNV-1a of 64 bits: each step maps states one to one, so that two inputs of equal length that differ in one
-// byte can never meet again.
 class Hash {
   public:
     void Add(const void* data, std::size_t size) {
-        const auto* bytes = static_cast<const unsigned char*>(data);
-        for (std::size_t i = 0; i < size; ++i)
-            state_ = (state_ ^ bytes[i]) * 0x100000001B3ULL;
+        state_.Add(std::string_view(static_cast<const char*>(data), size));
     }
     void Add(std::uint64_t number) { Add(&number, sizeof number); }
     std::string Text() const {
         std::array<char, 17> text{};
-        std::snprintf(text.data(), text.size(), "%016llx", static_cast<unsigned long long>(state_));
+        std::snprintf(text.data(), text.size(), "%016llx", static_cast<unsigned long long>(state_.Value()));
         return text.data();
     }
 
   private:
-    std::uint64_t state_ = 0xCBF29CE484222325ULL;
+    text::Fnv state_;
 };
 
 void AddValue(Hash& hash, sqlite3_stmt* statement, int column) {

@@ -1,7 +1,6 @@
 #include "center/template/draft/draft_store.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -22,6 +21,7 @@
 #include "platform/system/running.h"
 #include "platform/system/surroundings.h"
 #include "platform/system/whole_path.h"
+#include "text/fnv.h"
 
 namespace vicenter::center {
 
@@ -62,10 +62,9 @@ fs::path FileBehind(const std::string& source) {
 
 // A number of a text, the same in hosts of 32 bit and of 64, which find each other's drafts.
 std::string NumberOf(std::string_view text) {
-    std::uint64_t number = 0xCBF29CE484222325U;
-    for (const char c : text)
-        number = (number ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
-    return std::to_string(number);
+    text::Fnv number;
+    number.Add(text);
+    return std::to_string(number.Value());
 }
 
 // Beside the account set's file first, the user's data folder second. An account set is known by its file, a

@@ -11,6 +11,7 @@
 
 #include "platform/system/collation.h"
 #include "tests/paths/source_folder.h"
+#include "text/fnv.h"
 #include "text/utf8.h"
 
 namespace vicenter::system {
@@ -26,15 +27,14 @@ constexpr std::uint64_t kInitials = 4274538478633816544U;
 class Hash {
   public:
     void Add(const std::string& text) {
-        for (const char c : text)
-            Add(static_cast<unsigned char>(c));
+        hash_.Add(text);
         Add(0xFF);  // no byte of UTF-8
     }
-    void Add(unsigned byte) { state_ = (state_ ^ byte) * 0x100000001B3U; }
-    std::uint64_t Value() const { return state_; }
+    void Add(unsigned byte) { hash_.Add(byte); }
+    std::uint64_t Value() const { return hash_.Value(); }
 
   private:
-    std::uint64_t state_ = 0xCBF29CE484222325U;
+    text::Fnv hash_;
 };
 
 // Each character of the first plane but halves of pairs, and of the next two those that fonts have.
