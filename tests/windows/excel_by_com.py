@@ -42,8 +42,6 @@ class Bench:
         return "Z:" + str(path)
 
     def vicenter(self, *arguments, excel="installed", expected=0):
-        # Of a server that is just ending Wine says that there is no class; Windows says what it is, and is asked again.
-        run(STAND_IN, "/ended")
         return run(VICENTER, "--excel", excel, "--account-set", self.drive(self.account_set), "--yes", *arguments,
                    expected=expected)
 
@@ -53,6 +51,7 @@ class Bench:
         return said, book.read_bytes() if book.exists() else None
 
     def server(self, *options):
+        run(STAND_IN, "/end")
         run(STAND_IN, "/regserver", *options)
 
 
@@ -68,6 +67,7 @@ def main():
         died(bench)
     finally:
         run(STAND_IN, "/unregserver")
+        run(STAND_IN, "/end")
         shutil.rmtree(work, ignore_errors=True)
     for failure in failures:
         print("FAILED:", failure)

@@ -4,7 +4,7 @@
 //
 //   excel_stand_in /regserver [OPTION...]   the options are those of the server that COM then starts
 //   excel_stand_in /unregserver
-//   excel_stand_in /ended                   waits until no server of it is there
+//   excel_stand_in /end                     ends the server, once nobody has an object of it
 //   options: --version V       what it says of itself; 16.0
 //            --busy N          rejects the first N calls, as a program does in whose window somebody types
 //            --refuse-save     SaveAs fails
@@ -127,16 +127,24 @@ HANDLE NewServerMutex() {
     return CreateMutexW(nullptr, FALSE, L"VicenterExcelStandIn");
 }
 
-int WaitForEnd() {
+HANDLE NewEndEvent() {
+    return CreateEventW(nullptr, TRUE, FALSE, L"VicenterExcelStandInEnd");
+}
+
+int EndServer() {
     constexpr DWORD kMostMilliseconds = 60'000;
+    SetEvent(NewEndEvent());
     return WaitForSingleObject(NewServerMutex(), kMostMilliseconds) == WAIT_TIMEOUT ? 1 : 0;
 }
 
-// Until the last object that was given out is gone; a client that has died gives nothing back.
+// Until it is told to end and the last object that was given out is gone; a client that has died gives
+// nothing back. A server that ended with its last object would meet the next client on its way out: of that
+// Wine says that there is no such class.
 int Serve() {
     constexpr UINT kLookMilliseconds = 100;
     constexpr int kMostLooks = 6000;
     WaitForSingleObject(NewServerMutex(), 0);
+    const HANDLE end = NewEndEvent();
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const com::ComPointer<IMessageFilter> filter(new Busy);
     CoRegisterMessageFilter(filter.Get(), nullptr);
@@ -146,13 +154,11 @@ int Serve() {
             CoRegisterClassObject(kClass, factory.Get(), CLSCTX_LOCAL_SERVER, REGCLS_MULTIPLEUSE, &cookie)))
         return 1;
     SetTimer(nullptr, 0, kLookMilliseconds, nullptr);
-    bool used = false;
     MSG message;
     for (int looks = 0; looks < kMostLooks && GetMessageW(&message, nullptr, 0, 0) > 0;) {
         if (message.message == WM_TIMER) ++looks;
         DispatchMessageW(&message);
-        used = used || com::LiveDispatches() != 0;
-        if (used && com::LiveDispatches() == 0) break;
+        if (com::LiveDispatches() == 0 && WaitForSingleObject(end, 0) == WAIT_OBJECT_0) break;
     }
     CoRevokeClassObject(cookie);
     CoUninitialize();
@@ -163,7 +169,7 @@ int Run(const std::vector<std::string>& arguments) {
     if (!arguments.empty() && arguments[0] == "/regserver")
         return Register({arguments.begin() + 1, arguments.end()});
     if (!arguments.empty() && arguments[0] == "/unregserver") return Unregister();
-    if (!arguments.empty() && arguments[0] == "/ended") return WaitForEnd();
+    if (!arguments.empty() && arguments[0] == "/end") return EndServer();
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& option = arguments[i];
         const auto value = [&] { return i + 1 < arguments.size() ? arguments[++i] : std::string(); };
