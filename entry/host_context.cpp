@@ -1,7 +1,5 @@
 #include "entry/host_context.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "automation/class_registry.h"
@@ -37,13 +35,8 @@ constexpr const char* kPlaces[] = {
     "File DSN", "Initial Catalog", "Database", "AttachDBFilename"};
 
 bool IsSameSession(const std::string& one, const std::string& other) {
-    const ado::ConnectString a(one);
-    const ado::ConnectString b(other);
-    if (a.Value("UserID") != b.Value("UserID")) return false;
-    const ado::ConnectString placeA(a.Value("ConnectString"));
-    const ado::ConnectString placeB(b.Value("ConnectString"));
-    return std::all_of(std::begin(kPlaces), std::end(kPlaces),
-                       [&](const char* key) { return placeA.Value(key) == placeB.Value(key); });
+    return ado::ConnectString(one).Value("UserID") == ado::ConnectString(other).Value("UserID") &&
+           AccountSetOf(one) == AccountSetOf(other);
 }
 
 std::string PropsStringOfHost() {
@@ -59,6 +52,14 @@ std::string PropsStringOfHost() {
 }
 
 }  // namespace
+
+std::string AccountSetOf(const std::string& propsString) {
+    const ado::ConnectString settings(ado::ConnectString(propsString).Value("ConnectString"));
+    std::string places;
+    for (const char* key : kPlaces)
+        places.append(key).append("={").append(settings.Value(key)).append("};");
+    return places;
+}
 
 std::string GetPropsString() {
     std::string now = PropsStringOfHost();

@@ -22,6 +22,10 @@ std::string GetPropsString();
 // Its ConnectString. Errors of the host components pass.
 std::string ConnectStringOfHost();
 
+// Which account set a property string names: equal for all that lead to the same one, however a password or a
+// ticket in them is renewed, and without these.
+std::string AccountSetOf(const std::string& propsString);
+
 // What the host's shared property manager holds for this process under that name: an object or a value.
 automation::Variant GetShareProperty(std::string_view name);
 

@@ -11,6 +11,7 @@
 #include "center/editing/row_order.h"
 #include "center/grid/whole_column.h"
 #include "center/lookups/cell_resolution.h"
+#include "entry/host_context.h"
 #include "platform/system/collation.h"
 #include "store/number_text.h"
 
@@ -104,6 +105,18 @@ CellSelection Meant(const CellSelection& selection, const WindowState& state) {
 constexpr char kFirstVerdict = 'a';
 
 }  // namespace
+
+std::optional<TextBlock> WholeRows(const CopiedBlock& block, const std::string& propsString) {
+    TextBlock rows = ParseBlock(block.rows);
+    if (rows.empty() || rows.front() != std::vector<std::string>{entry::AccountSetOf(propsString)})
+        return std::nullopt;
+    rows.erase(rows.begin());
+    const bool sound = std::all_of(rows.begin(), rows.end(), [](const std::vector<std::string>& row) {
+        return row.size() == kColumnCount + 1 && row.back().size() == kColumnCount;
+    });
+    if (!sound) return std::nullopt;
+    return rows;
+}
 
 // Everything that one block operation needs: one step of undo, one repaint, one memory of master data.
 class BlockEditing::Entering {
@@ -244,6 +257,7 @@ std::optional<CopiedBlock> BlockEditing::Copy(const CellSelection& selected) con
     }
     TextBlock block;
     TextBlock rows;
+    rows.push_back({entry::AccountSetOf(state_.propsString)});
     std::vector<int> told = table.columns;
     if (selection.wholeRows) {
         // For others, and for us in another process: hidden columns find their places by the headings, and
@@ -277,13 +291,8 @@ PasteResult BlockEditing::Paste(const CellSelection& selected, const CopiedBlock
     if (!state_.hasRight || selected.IsEmpty() || selected.Bounds().firstRow < 1) return {};
     const CellSelection selection = Meant(selected, state_);
     const CellRange bounds = selection.Bounds();
-    if (!block.rows.empty()) {
-        const TextBlock rows = ParseBlock(block.rows);
-        const bool sound = std::all_of(rows.begin(), rows.end(), [](const std::vector<std::string>& row) {
-            return row.size() == kColumnCount + 1 && row.back().size() == kColumnCount;
-        });
-        if (sound) return PasteRows(bounds.firstRow, rows);
-    }
+    if (const std::optional<TextBlock> rows = WholeRows(block, state_.propsString))
+        return PasteRows(bounds.firstRow, *rows);
     TextBlock texts = ParseBlock(block.text);
     if (texts.empty()) return {};
     const SelectedTable table = TableOf(selection, *state_.grid);

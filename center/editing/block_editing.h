@@ -23,6 +23,10 @@ using TextBlock = std::vector<std::vector<std::string>>;
 TextBlock ParseBlock(std::string_view text);
 std::string FormatBlock(const TextBlock& block);
 
+// The whole rows that a copy took along, every text of theirs and behind them a verdict for each. Nothing for
+// a text, and for rows of another account set: their ids mean others in the one of that property string.
+std::optional<TextBlock> WholeRows(const CopiedBlock& block, const std::string& propsString);
+
 class BlockEditing {
   public:
     // edited: the grid's rows have changed by more than one cell.

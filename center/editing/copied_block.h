@@ -18,7 +18,7 @@ struct CopiedBlock {
     CopiedBlock(const char* theText) : text(theText) {}  // NOLINT(google-explicit-constructor)
 
     std::string text;  // tab-separated, CR LF behind every row unless it is one cell alone
-    std::string rows;
+    std::string rows;  // nothing but for whole rows; read by WholeRows
 };
 
 // A text that a block operation could not take, by row and column of the grid.

@@ -8,7 +8,6 @@
 
 #include "automation/error.h"
 #include "center/editing/block_editing.h"
-#include "center/frame/window_state.h"
 #include "center/template/template_fate.h"
 #include "center/template/template_save.h"
 #include "store/line_difference.h"
@@ -23,12 +22,12 @@ namespace {
 
 constexpr const char* kNotCopied = "没有复制";
 
-// The rows as they were copied; nothing for anything else, or when a text among them had been refused.
-std::optional<std::vector<LineTexts>> LinesOf(const CopiedBlock& rows) {
+// The rows as they were copied; nothing when a text among them had been refused.
+std::optional<std::vector<LineTexts>> LinesOf(const TextBlock& rows) {
     std::vector<LineTexts> lines;
-    for (const std::vector<std::string>& row : ParseBlock(rows.rows)) {
+    for (const std::vector<std::string>& row : rows) {
         const std::string sound(kColumnCount, 'a');
-        if (row.size() != kColumnCount + 1 || row.back() != sound) return std::nullopt;
+        if (row.back() != sound) return std::nullopt;
         LineTexts line;
         std::copy_n(row.begin(), kColumnCount, line.begin());
         const bool blank =
@@ -94,13 +93,19 @@ void FillGrid(EntryGrid& grid, const std::vector<LineTexts>& lines) {
 }  // namespace
 
 bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const std::string& name,
-                const std::string& userId) {
-    std::optional<std::vector<LineTexts>> added = LinesOf(rows);
+                const WindowState& window) {
+    const std::optional<TextBlock> whole = WholeRows(rows, window.propsString);
+    if (!whole) {
+        Tell("所选的行来自另一个账套，没有复制！\r\n\r\n请复制这些行，打开模板 " + name +
+             " 后粘贴，各代码按这个账套的基础资料对应。");
+        return false;
+    }
+    std::optional<std::vector<LineTexts>> added = LinesOf(*whole);
     if (!added || added->empty()) {
         Tell(added ? "所选的行中没有分录，没有复制！" : "所选的行中有未更正的内容，没有复制！");
         return false;
     }
-    const std::optional<Stored> stored = StoredLines(store::SeenAs(templateId, userId, name));
+    const std::optional<Stored> stored = StoredLines(store::SeenAs(templateId, window.userId, name));
     if (!stored) return false;
     std::vector<LineTexts> lines = stored->lines;
     const std::string changes = Renumber(*added, lines);

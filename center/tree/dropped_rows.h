@@ -8,11 +8,12 @@
 #include <string>
 
 #include "center/editing/copied_block.h"
+#include "center/frame/window_state.h"
 
 namespace vicenter::center {
 
 // True when the template has been written; the user has been asked before.
 bool AppendRows(const CopiedBlock& rows, const std::string& templateId, const std::string& name,
-                const std::string& userId);
+                const WindowState& window);
 
 }  // namespace vicenter::center

@@ -158,7 +158,7 @@ void TreeFacet::DropRows(const std::string& key, const CopiedBlock& rows) {
         if (parts_.RefusedForRight()) return;
         for (const TreeNode& node : parts_.tree.Nodes()) {
             if (node.key != key) continue;
-            AppendRows(rows, id, node.text, parts_.state.userId);
+            AppendRows(rows, id, node.text, parts_.state);
             parts_.MarkUnusable();
             return;
         }

@@ -89,6 +89,66 @@ TEST_F(TwoAccountSets, ADraftLiesBesideTheSetThatItWasTypedFor) {
     EXPECT_THAT(drafts.front(), StartsWith("set.vas-"));
 }
 
+// --- rows that go from one to the other
+
+// The other set counts its accounts and settlement types by other ids, as every set that was begun anew does.
+class RowsBetweenAccountSets : public TwoAccountSets {
+  protected:
+    void SetUp() override {
+        TwoAccountSets::SetUp();
+        ado::OpenConnection(host::FileConnectString(other_))
+            ->Execute(
+                "update t_Account set FAccountID = FAccountID + 5000 "
+                "update t_Settle set FItemID = FItemID + 700");
+        OpenTheOther();
+        copied_ = Window().Cells().CopyBlock(CellSelection::Rows({{1, 2}})).value_or(CopiedBlock());
+    }
+    std::string OtherCell(int row, int gridColumn) {
+        return std::string(otherWindow_->Grid().Text(row, gridColumn));
+    }
+    std::string OtherId(const std::string& account) {
+        return ValueIn(other_, "select FAccountID from t_Account where FNumber = '" + account + "'");
+    }
+
+    CopiedBlock copied_;
+};
+
+TEST_F(RowsBetweenAccountSets, ArePastedByTheirCodes) {
+    const int row = otherWindow_->RowCount() + 1;
+    otherWindow_->Cells().PasteBlock(CellSelection::Rows({{row, row}}), copied_);
+    for (int i = 0; i < 2; ++i) {
+        for (const int c : {column::kExplanation, column::kAccountNumber, column::kAmount})
+            EXPECT_EQ(OtherCell(row + i, c), Cell(1 + i, c));
+        EXPECT_EQ(OtherCell(row + i, column::kAccountId), OtherId(Cell(1 + i, column::kAccountNumber)));
+    }
+    EXPECT_EQ(
+        OtherCell(row + 1, column::kSettleId),
+        ValueIn(other_, "select FItemID from t_Settle where FName = '" + Cell(2, column::kSettleName) + "'"));
+}
+
+TEST_F(RowsBetweenAccountSets, StayAsTheyAreInAnotherWindowOnTheSameSet) {
+    FakeVICenterView view;
+    session_ = host::RegisterHostComponents({host::FileConnectString(set_), 1});
+    frmVICenter second(view, nullptr);
+    second.Load();
+    const int row = second.RowCount() + 1;
+    second.Cells().PasteBlock(CellSelection::Rows({{row, row}}), copied_);
+    for (int c = 1; c <= kColumnCount; ++c)
+        EXPECT_EQ(second.Grid().Text(row, c), Cell(1, c)) << c;
+}
+
+TEST_F(RowsBetweenAccountSets, AreNotDroppedOnATemplate) {
+    const std::string lines = "select count(*) from t_VchTemplateEntry";
+    const std::string before = ValueIn(other_, lines);
+    Answer(system::MessageResult::Yes);
+    otherWindow_->Tree().DropRows("detail-1", copied_);
+    EXPECT_EQ(TakeMessages(), Texts{"所选的行来自另一个账套，没有复制！\r\n\r\n请复制这些行，打开模板 "
+                                    "日常费用 后粘贴，各代码按这个账套的基础资料对应。"});
+    EXPECT_EQ(ValueIn(other_, lines), before);
+}
+
+// ---
+
 TEST_F(TwoAccountSets, WhatAHostRenewsInItsConnectStringCounts) {
     // The same set, by other words: whoever may open it now does.
     session_ = host::RegisterHostComponents({host::FileConnectString(set_) + ";Access=read", 1});

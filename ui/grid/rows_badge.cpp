@@ -17,11 +17,8 @@ constexpr double kRounding = 3;
 }  // namespace
 
 int CountOfRows(const QMimeData& rows) {
-    // The text of whole rows has a line of headings more.
-    const QString text =
-        rows.hasFormat(RowsFormat()) ? QString::fromUtf8(rows.data(RowsFormat())) : rows.text();
-    const auto ends = static_cast<int>(text.count(u'\n'));
-    return text.isEmpty() || text.endsWith(u'\n') ? ends : ends + 1;
+    // The first line says where they come from.
+    return static_cast<int>(rows.data(RowsFormat()).count('\n')) - 1;
 }
 
 QPixmap RowsBadge(int rows, const QWidget& widget) {
