@@ -9,6 +9,7 @@
 #include "entry/host_services.h"
 #include "platform/ado/connection.h"
 #include "store/cls_vi_data.h"
+#include "store/failure_text.h"
 
 namespace vicenter::center {
 
@@ -63,6 +64,7 @@ void frmVICenter::Load() {
     state.view.SetAccount(names.accountSet, names.user);
     parts_->drafts.Open();
     parts_->ReadSettings();
+    store::clsVIData::ForgetFailure();
     parts_->tree.Build();
     state.Enable({Tool::Del, Tool::DelRow, Tool::AddRow, Tool::Share}, false);
     state.grid->SetRowHeights(RowHeights().header, RowHeights().data);
@@ -83,7 +85,7 @@ void frmVICenter::Shown() {
     parts_->edge.Look([&] {
         // The standard template is in every tree that has been read.
         if (parts_->tree.KeyOfTemplate(std::to_string(store::kStandardTemplateId), {}).empty()) {
-            Tell("凭证模板未能读取，请检查账套连接后重新打开凭证模板！");
+            Tell(store::WithReason("凭证模板未能读取，请检查账套连接后重新打开凭证模板！"));
         } else if (!parts_->state.open.LinesKnown()) {
             parts_->tree.TellUnreadable();
         }

@@ -5,6 +5,7 @@
 #include "center/history/restore.h"
 #include "entry/host_services.h"
 #include "store/cls_vi_data.h"
+#include "store/failure_text.h"
 
 namespace vicenter::center {
 
@@ -47,6 +48,7 @@ TemplateHistory::TemplateHistory(std::string userId, bool mayRestore)
     : userId_(std::move(userId)), mayRestore_(mayRestore) {}
 
 bool TemplateHistory::Load() {
+    store::clsVIData::ForgetFailure();
     History history = OfDeleted() ? store::ReadDeleted(userId_) : store::ReadHistory(templateId_);
     std::optional<std::vector<LineTexts>> now;
     if (history.state == History::State::Kept && !OfDeleted())
@@ -56,7 +58,7 @@ bool TemplateHistory::Load() {
         return false;
     }
     if (history.state == History::State::Unreadable || (!OfDeleted() && !now)) {
-        Tell(kHistoryUnreadable);
+        Tell(store::WithReason(kHistoryUnreadable));
         return false;
     }
     if (history.versions.empty()) {

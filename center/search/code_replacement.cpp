@@ -9,6 +9,8 @@
 #include "center/template/template_save.h"
 #include "platform/system/collation.h"
 #include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+#include "store/failure_text.h"
 #include "store/template_guard.h"
 
 namespace vicenter::center {
@@ -150,9 +152,10 @@ bool CodeReplacement::List(const ReplacementWish& given) {
     records_ = {};
     checks_ = {};
     if (!FindCode(wish)) return false;
+    store::clsVIData::ForgetFailure();
     auto stored = store::ReadStoredTemplates(userId_);
     if (!stored) {
-        Tell("凭证模板无法读取，请检查账套连接！");
+        Tell(store::WithReason("凭证模板无法读取，请检查账套连接！"));
         return false;
     }
     templates_ = std::move(*stored);

@@ -10,6 +10,8 @@
 #include "center/template/template_save.h"
 #include "entry/host_services.h"
 #include "entry/sql_text.h"
+#include "store/cls_vi_data.h"
+#include "store/failure_text.h"
 #include "store/template_batches.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"
@@ -158,9 +160,10 @@ bool CodeReplacement::Replace() {
         Tell("请先选择要替换的行！");
         return false;
     }
+    store::clsVIData::ForgetFailure();
     const bool undoable = store::ReadHistoryRule().has_value();
     if (!undoable && store::ReadHistory("-1").state == store::History::State::Unreadable) {
-        Tell(kHistoryUnreadable);
+        Tell(store::WithReason(kHistoryUnreadable));
         return false;
     }
     if (Ask(Note() + entry::kCrLf + entry::kCrLf +
@@ -190,14 +193,15 @@ bool CodeReplacement::Undo() {
 }
 
 bool CodeReplacement::UndoLast(const std::string& userId) {
+    store::clsVIData::ForgetFailure();
     const store::History last = store::ReadLastReplacement(userId);
     if (last.state != store::History::State::Kept) {
-        Tell(last.state == store::History::State::Off ? kHistoryOff : kHistoryUnreadable);
+        Tell(last.state == store::History::State::Off ? kHistoryOff : store::WithReason(kHistoryUnreadable));
         return false;
     }
     const std::optional<Undoable> found = FindUndoable(last, userId);
     if (!found) {
-        Tell(kHistoryUnreadable);
+        Tell(store::WithReason(kHistoryUnreadable));
         return false;
     }
     const auto& [open, seen, names, since] = *found;

@@ -4,6 +4,8 @@
 
 #include "center/frame/window_state.h"
 #include "platform/system/utf8.h"
+#include "store/cls_vi_data.h"
+#include "store/failure_text.h"
 #include "text/ascii.h"
 
 namespace vicenter::center {
@@ -45,10 +47,12 @@ bool OperationLog::Load() {
 }
 
 bool OperationLog::Read(const store::LogFilter& filter) {
+    store::clsVIData::ForgetFailure();
     store::LogAnswer answer = store::ReadOperationLog(filter);
     if (answer.state != store::LogAnswer::State::Read) {
-        Tell(answer.state == store::LogAnswer::State::Off ? "当前账套中没有可以查看的操作日志！"
-                                                          : "操作日志无法读取，请检查账套连接！");
+        Tell(answer.state == store::LogAnswer::State::Off
+                 ? "当前账套中没有可以查看的操作日志！"
+                 : store::WithReason("操作日志无法读取，请检查账套连接！"));
         return false;
     }
     entries_ = std::move(answer.entries);

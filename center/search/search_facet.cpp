@@ -8,6 +8,8 @@
 #include "center/search/grid_replace.h"
 #include "center/search/operation_log.h"
 #include "entry/host_services.h"
+#include "store/cls_vi_data.h"
+#include "store/failure_text.h"
 
 namespace vicenter::center {
 
@@ -36,8 +38,9 @@ bool SearchFacet::Find(const SearchWish& wish) {
         std::string why = WhyNotSearched(wish);
         std::optional<std::vector<store::StoredTemplate>> stored;
         if (why.empty()) {
+            store::clsVIData::ForgetFailure();
             stored = store::ReadStoredTemplates(parts_.state.userId);
-            if (!stored) why = "凭证模板无法读取，请检查账套连接！";
+            if (!stored) why = store::WithReason("凭证模板无法读取，请检查账套连接！");
         }
         if (stored) {
             for (store::StoredTemplate& one : *stored) {

@@ -7,7 +7,7 @@
 #include "platform/system/collation.h"
 #include "store/cls_vi_data.h"
 #include "store/command_unit.h"
-#include "store/engine_text.h"
+#include "store/failure_text.h"
 #include "store/template_guard.h"
 #include "store/template_history.h"
 #include "store/template_name.h"
@@ -122,11 +122,12 @@ void TemplateTree::ShowNodes(std::vector<TreeNode> nodes) {
 }
 
 bool TemplateTree::ReadNodes() {
+    store::clsVIData::ForgetFailure();
     if (auto nodes = AskNodes()) {
         ShowNodes(std::move(*nodes));
         return true;
     }
-    Tell("凭证模板无法读取，模板树保持原样，请稍后再试！");
+    Tell(store::WithReason("凭证模板无法读取，模板树保持原样，请稍后再试！"));
     return false;
 }
 
@@ -176,6 +177,7 @@ bool TemplateTree::ShowAgain(const std::string& id) {
 }
 
 void TemplateTree::Open(const std::string& name, const std::string& id, const std::string& displayName) {
+    store::clsVIData::ForgetFailure();
     Read(name, id, displayName);
     if (!state_.open.LinesKnown()) TellUnreadable();
 }
@@ -185,7 +187,8 @@ void TemplateTree::OpenAtLoad() {
 }
 
 void TemplateTree::TellUnreadable() const {
-    Tell("模板 " + state_.open.Name() + " 的分录未能读取，请检查账套连接后重新打开该模板！");
+    Tell(store::WithReason("模板 " + state_.open.Name() +
+                           " 的分录未能读取，请检查账套连接后重新打开该模板！"));
 }
 
 bool TemplateTree::Reload() {
@@ -372,8 +375,7 @@ std::optional<TreeNode> TemplateTree::InsertTemplate() {
     }
     if (undone) {
         // The account set keeps silent, and the user would take the command for done.
-        const std::string why = store::EngineTextInChinese(store::clsVIData::LastFailure());
-        Tell(why.empty() ? std::string(kNotCreated) : kNotCreated + ("\r\n\r\n" + why));
+        Tell(store::WithReason(kNotCreated));
         return std::nullopt;
     }
     Tell("新增的模板未能确认（其他用户可能同时新增了模板），请在重新读取的模板树中选择！");

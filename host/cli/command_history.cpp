@@ -15,6 +15,7 @@
 #include "host/cli/templates.h"
 #include "platform/system/utf8.h"
 #include "store/cls_vi_data.h"
+#include "store/failure_text.h"
 #include "store/line_difference.h"
 #include "store/template_history.h"
 #include "store/user_names.h"
@@ -34,7 +35,8 @@ std::vector<HistoryVersion> Versions(History history) {
         case History::State::Off:
             throw Error(automation::error_number::kElementNotFound, center::kHistoryOff);
         case History::State::Unreadable:
-            throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
+            throw Error(automation::error_number::kElementNotFound,
+                        store::WithReason(center::kHistoryUnreadable));
         case History::State::Kept:
             break;
     }
@@ -42,7 +44,9 @@ std::vector<HistoryVersion> Versions(History history) {
 }
 
 std::vector<LineTexts> TextsOf(const ado::RecordsetRef& lines) {
-    if (lines == nullptr) throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
+    if (lines == nullptr)
+        throw Error(automation::error_number::kElementNotFound,
+                    store::WithReason(center::kHistoryUnreadable));
     return store::TextsOfLines(*lines);
 }
 
@@ -131,7 +135,9 @@ int ShowDifference(const CliContext& context, const TemplateHead& head) {
 int ShowRule(const CliContext& context) {
     std::optional<store::HistoryRule> rule = store::ReadHistoryRule();
     if (!rule) Versions(store::ReadHistory("-1"));  // says why there is none
-    if (!rule) throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
+    if (!rule)
+        throw Error(automation::error_number::kElementNotFound,
+                    store::WithReason(center::kHistoryUnreadable));
     if (context.options.keepDays || context.options.keepVersions) {
         if (!MayAdministrate(*context.session))
             throw Error(automation::error_number::kPermissionDenied, center::kNoRight);
@@ -173,7 +179,9 @@ int RestoreNew(const CliContext& context, const HistoryVersion& version) {
     // As it is stored.
     std::optional<std::string> name(system::TrimBlanks(context.options.newName));
     if (context.options.newName.empty()) name = center::NameForRestored(version.name, userId);
-    if (!name) throw Error(automation::error_number::kElementNotFound, center::kHistoryUnreadable);
+    if (!name)
+        throw Error(automation::error_number::kElementNotFound,
+                    store::WithReason(center::kHistoryUnreadable));
     return FinishRestoring(context, center::RestoreAsNew(version, *name, userId), version, *name);
 }
 

@@ -6,6 +6,7 @@
 #include "center/search/template_search.h"
 #include "host/cli/context.h"
 #include "host/cli/one_line.h"
+#include "store/failure_text.h"
 
 namespace vicenter::host {
 
@@ -45,7 +46,7 @@ int RunSearch(const CliContext& context) {
     const auto templates = store::ReadStoredTemplates(std::to_string(context.options.userId));
     if (!templates) {
         throw automation::Error(automation::error_number::kElementNotFound,
-                                "无法读取凭证模板，请检查账套连接！");
+                                store::WithReason("无法读取凭证模板，请检查账套连接！"));
     }
     VariantArray list;
     for (const center::SearchHit& hit : center::SearchTemplates(*templates, context.options.search)) {

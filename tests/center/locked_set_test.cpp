@@ -12,6 +12,7 @@ using system::MessageResult;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 class LockedSet : public WindowOnSet {
   protected:
@@ -63,7 +64,9 @@ TEST_F(LockedSet, ATreeThatCannotBeReadIsToldOnceTheWindowIsSeen) {
     EXPECT_EQ(view_.tree.size(), 1U);
     EXPECT_THAT(TakeMessages(), IsEmpty());
     Window().Shown();
-    EXPECT_THAT(TakeMessages(), ElementsAre("凭证模板未能读取，请检查账套连接后重新打开凭证模板！"));
+    EXPECT_THAT(
+        TakeMessages(),
+        ElementsAre(StartsWith("凭证模板未能读取，请检查账套连接后重新打开凭证模板！\r\n\r\n账套正被")));
 }
 
 TEST_F(LockedSet, ANewTemplateThatIsNotMadeIsTold) {

@@ -124,7 +124,9 @@ TEST_F(RightTemplate, ATreeThatCannotBeReadStaysAsItIs) {
     set_.Fail("select a.* from (select FID,FName", "Lock request time out period exceeded.");
     Forget();
     Window().Tree().NodeClick("detail-5");
-    EXPECT_THAT(Messages(), ElementsAre(kGone, "凭证模板无法读取，模板树保持原样，请稍后再试！"));
+    EXPECT_THAT(Messages(),
+                ElementsAre(kGone, testing::StartsWith("凭证模板无法读取，模板树保持原样，请稍后再试！"
+                                                       "\r\n\r\n账套正被其他用户锁定")));
     EXPECT_EQ(Keys(), keys);
     EXPECT_EQ(Window().SelectedNode(), "detail-8");
     EXPECT_EQ(Window().TemplateId(), "8");
@@ -462,8 +464,9 @@ TEST_F(RefusedSave, LinesThatCannotBeReadAgainLeaveTheTypedOnesInTheGrid) {
 TEST_F(RightTemplate, LinesThatCannotBeReadAreTold) {
     set_.Fail("select * from t_VchTemplateEntry", "gone");
     Window().Tree().NodeClick("detail-8");
-    EXPECT_THAT(Messages(),
-                ElementsAre("模板 自定义模板(2) 的分录未能读取，请检查账套连接后重新打开该模板！"));
+    EXPECT_THAT(
+        Messages(),
+        ElementsAre("模板 自定义模板(2) 的分录未能读取，请检查账套连接后重新打开该模板！\r\n\r\ngone"));
 }
 
 TEST_F(RightTemplate, LinesThatCannotBeReadAtLoadAreToldOnceTheWindowIsThere) {
@@ -471,7 +474,8 @@ TEST_F(RightTemplate, LinesThatCannotBeReadAtLoadAreToldOnceTheWindowIsThere) {
     Open();
     EXPECT_THAT(Messages(), IsEmpty());
     Window().Shown();
-    EXPECT_THAT(Messages(), ElementsAre("模板 标准模板 的分录未能读取，请检查账套连接后重新打开该模板！"));
+    EXPECT_THAT(Messages(),
+                ElementsAre("模板 标准模板 的分录未能读取，请检查账套连接后重新打开该模板！\r\n\r\ngone"));
 }
 
 TEST_F(RightTemplate, LinesThatFailHalfWayAreUnknown) {
