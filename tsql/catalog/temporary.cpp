@@ -81,7 +81,9 @@ bool Catalog::PutAside(const TableInfo& table) {
 
 std::string Catalog::SpareOfVariable(std::string_view variable) const {
     for (auto spare = spares_.rbegin(); spare != spares_.rend(); ++spare) {
-        if (NameInText((*spare)->name) == variable) return (*spare)->name;
+        // Two that are put aside may bear one name, and a caller's variable has taken the other one.
+        const std::string& name = (*spare)->name;
+        if (NameInText(name) == variable && FindTable(name) == nullptr) return name;
     }
     return {};
 }

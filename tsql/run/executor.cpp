@@ -17,6 +17,16 @@ namespace {
 
 constexpr std::int32_t kFirstUserError = 50000;
 
+// A table variable bears a number before its own name, "@12@t", which no message tells.
+void NameVariable(std::string& text) {
+    constexpr std::string_view kBefore = "able '@";
+    const std::size_t found = text.find(kBefore);
+    if (found == std::string::npos) return;
+    const std::size_t at = found + kBefore.size();
+    const std::size_t end = text.find_first_not_of("0123456789", at);
+    if (end != std::string::npos && end > at && text[end] == '@') text.erase(at, end + 1 - at);
+}
+
 }  // namespace
 
 Executor::Executor(Database& database, Catalog& catalog, FunctionServices& services,
@@ -318,6 +328,7 @@ SqlError Executor::Completed(const SqlError& error, std::int32_t line) const {
     Diagnostic details = error.Details();
     // An error without a place of its own carries the first place of all, which then is its statement's.
     if (details.line <= 1 && details.column <= 1) details.line = line;
+    if (details.number < kFirstUserError) NameVariable(details.text);
     if (frame_ != nullptr) {
         details.line += frame_->lineBase;
         if (details.procedure.empty()) details.procedure = frame_->procedure;

@@ -1,5 +1,6 @@
 // What INSERT, UPDATE and DELETE share: the change itself, its atomicity, its counts and its identity values.
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -177,12 +178,30 @@ std::vector<Value> Executor::WholeRow(const OutputClause& output, const TableInf
     return row;
 }
 
+namespace {
+
+bool AreOfOneForm(const std::vector<ToldSource>& some, const std::vector<ToldSource>& others) {
+    return std::ranges::equal(some, others, [](const ToldSource& one, const ToldSource& other) {
+        const auto isSame = [](const ResultColumn& a, const ResultColumn& b) {
+            return a.name == b.name && a.type == b.type;
+        };
+        return one.name == other.name && std::ranges::equal(one.columns, other.columns, isSame);
+    });
+}
+
+}  // namespace
+
 // Of rows that have been changed, in their order.
 void Executor::TellRows(const OutputClause& output, const TableInfo& table,
                         const std::vector<ToldSource>& sources, const std::vector<ChangedRow>& rows,
                         bool hasAction, Told& told) {
+    // A source of the statement may be another one the next time, a temporary table of its name.
+    std::unique_ptr<Plan>& known = frame_->program->plans[&output.columns];
+    if (known && !AreOfOneForm(known->translation.told, sources)) known.reset();
     Plan& plan = PlanFor(&output.columns, [&](Translator& translator) {
-        return translator.OutputOfRow(output, table, sources, hasAction);
+        Translation translation = translator.OutputOfRow(output, table, sources, hasAction);
+        translation.told = sources;
+        return translation;
     });
     told.columns = plan.translation.columns;
     told.goesInto = plan.translation.goesInto;

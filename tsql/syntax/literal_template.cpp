@@ -120,6 +120,18 @@ std::size_t ScanLiteral(std::string_view text, std::size_t at, bool value, Liter
     return at < text.size() && Clings(text[at]) ? start : at;
 }
 
+// What a value ends with: a minus behind it takes away, any other one turns the value behind it around.
+bool EndsValue(const Token& token) {
+    switch (token.kind) {
+        case TokenKind::kOperator:
+            return token.op == Op::kRightParen;
+        case TokenKind::kIdentifier:
+            return token.keyword == Keyword::kNone || token.keyword == Keyword::kNull;
+        default:
+            return true;
+    }
+}
+
 // "… values (1) union …" begins as a repetition does: only what can follow a complete statement ends it.
 bool EndsWell(std::string_view text, std::size_t at) {
     while (at < text.size() && IsBlank(text[at]))
@@ -146,6 +158,9 @@ std::optional<LiteralTemplate> LiteralTemplate::Make(std::string_view statement)
         while (token.kind != TokenKind::kEnd) {
             const Token next = lexer.Next();
             const LiteralFinder::Answer answer = finder.Look(token, next);
+            // - 5 and -(5): the tree would hold the sign of a literal that is matched without it.
+            const bool turns = previous.op == Op::kMinus && !EndsValue(beforePrevious);
+            bool isSign = false;
             if (answer != LiteralFinder::Answer::kFixed) {
                 std::size_t begin = token.position.offset;
                 const std::size_t end = token.EndOffset();
@@ -156,6 +171,7 @@ std::optional<LiteralTemplate> LiteralTemplate::Make(std::string_view statement)
                 // A sign directly before the number belongs to it when it is no subtraction.
                 const bool sign = isNumber && previous.op == Op::kMinus && previous.EndOffset() == begin &&
                                   OpensValue(beforePrevious);
+                isSign = sign;
                 if (sign) {
                     begin = previous.position.offset;
                     slot.value = true;
@@ -166,6 +182,7 @@ std::optional<LiteralTemplate> LiteralTemplate::Make(std::string_view statement)
                 result.slots_.push_back(std::move(slot));
                 from = end;
             }
+            if (turns && !isSign) return std::nullopt;
             beforePrevious = previous;
             previous = token;
             token = next;

@@ -6,23 +6,42 @@ namespace vicenter::tsql::engine {
 
 namespace {
 
-// Keeps the first result of an executed procedure or text instead of sending it out.
+// Keeps the results of an executed procedure or text instead of sending them out.
 class RowCollector final : public ResultSink {
   public:
+    struct Result {
+        std::vector<SqlType> types;
+        std::vector<std::vector<Value>> rows;
+    };
+
     explicit RowCollector(ResultSink& outer) : outer_(outer) {}
-    void BeginResult(const std::vector<ResultColumn>& columns) override { columns_ = columns; }
-    void AddRow(std::vector<Value>& row) override { rows_.push_back(std::move(row)); }
+    void BeginResult(const std::vector<ResultColumn>& columns) override {
+        Result& result = results_.emplace_back();
+        for (const ResultColumn& column : columns)
+            result.types.push_back(column.type);
+    }
+    void AddRow(std::vector<Value>& row) override { results_.back().rows.push_back(std::move(row)); }
     void Message(const Diagnostic& message) override { outer_.Message(message); }
     void Failed(const Diagnostic& error, bool goesOn) override { outer_.Failed(error, goesOn); }
 
-    const std::vector<ResultColumn>& Columns() const { return columns_; }
-    std::vector<std::vector<Value>>& Rows() { return rows_; }
+    std::vector<Result>& Results() { return results_; }
 
   private:
     ResultSink& outer_;
-    std::vector<ResultColumn> columns_;
-    std::vector<std::vector<Value>> rows_;
+    std::vector<Result> results_;
 };
+
+// The plan takes rows of these types.
+bool TakesRowsOf(const Translation& translation, const std::vector<SqlType>& types) {
+    std::size_t count = 0;
+    for (const Parameter& parameter : translation.parameters) {
+        if (parameter.source != Parameter::Source::kRow) continue;
+        const auto place = static_cast<std::size_t>(parameter.ordinal);
+        if (place >= types.size() || parameter.from != types[place]) return false;
+        ++count;
+    }
+    return count == types.size();
+}
 
 }  // namespace
 
@@ -66,16 +85,22 @@ void Executor::InsertExecute(const InsertStatement& statement) {
         throw;
     }
     end();
-    std::vector<SqlType> types;
-    for (const ResultColumn& column : rows.Columns())
-        types.push_back(column.type);
-    if (rows.Columns().empty()) {
+    if (rows.Results().empty()) {
         rowCount_ = 0;
         return;
     }
     const TableInfo* table = FindTable(statement.table.Object());
     transactions_.Change(table != nullptr && table->temporary, [&] {
-        InsertRows(&statement, statement.table, statement.columns, types, rows.Rows());
+        StatementGuard guard(database_, OutlivesFailure());
+        const std::int64_t before = report_->rowsAffected;
+        std::int64_t count = 0;
+        for (RowCollector::Result& result : rows.Results()) {
+            InsertRows(&statement, statement.table, statement.columns, result.types, result.rows);
+            count += rowCount_;
+        }
+        report_->rowsAffected = before;
+        CountRows(count);
+        guard.Release();
         const TableInfo* filled = FindTable(statement.table.Object());
         if (filled->IdentityColumn() == nullptr) identity_ = Value();
     });
@@ -90,6 +115,9 @@ void Executor::InsertRows(const void* key, const ObjectName& name, const std::ve
         throw MakeError(40510, name.Where(), {"INSERT … EXEC of view " + name.Object()});
     if (table == nullptr) throw MakeError(208, name.Where(), {name.Text()});
     CheckRowLimit(frame_->options.rowCountLimit, static_cast<std::int64_t>(rows.size()));
+    // What gives the rows may give others the next time.
+    std::unique_ptr<Plan>& known = frame_->program->plans[key];
+    if (known && !TakesRowsOf(known->translation, types)) known.reset();
     Plan& plan =
         PlanFor(key, [&](Translator& translator) { return translator.InsertRow(*table, columns, types); });
     // All of them or none.
