@@ -35,7 +35,6 @@ Translator::DeleteParts Translator::PartsOf(const DeleteStatement& statement) {
     if (!statement.currentOf.IsEmpty()) condition = CurrentRow(statement.currentOf, parts.alias);
     parts.tail = Where(condition);
     if (statement.top) parts.limit = ChangeLimit(*statement.top, parts.from + parts.tail, parts.alias);
-    if (statement.output) CheckOutputBehind(*statement.output);
     return parts;
 }
 
@@ -56,7 +55,10 @@ Translation Translator::DeletedRows(const DeleteStatement& statement) {
     const DeleteParts parts = PartsOf(statement);
     translation_.columns.push_back({"_rowid_", SqlType::Of(TypeKind::kBigInt)});
     std::string list = parts.alias + "._rowid_";
-    if (statement.output) list += ToldColumns(*statement.output, parts.scope, parts.exposed);
+    if (statement.output) {
+        CheckOutputBehind(*statement.output);
+        list += ToldColumns(*statement.output, parts.scope, parts.exposed);
+    }
     // A row that FROM finds twice is deleted once.
     return Finished("SELECT " + list + parts.from + parts.tail + " GROUP BY " + parts.alias + "._rowid_" +
                     parts.limit);

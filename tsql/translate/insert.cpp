@@ -108,7 +108,7 @@ std::string Translator::InsertHead(const TableInfo& table,
 Translation Translator::Insert(const InsertStatement& statement) {
     std::vector<Name> names = statement.columns;
     const TableInfo& table = FilledTable(statement.table, names);
-    if (statement.output && FindTable(statement.table.Object()) == nullptr)
+    if (statement.output && !translation_.checkedView.empty())
         throw MakeError(40510, statement.position, {"OUTPUT of query " + statement.table.Text()});
     Begin(table, kInsert);
     AddCommonTables(statement.with);

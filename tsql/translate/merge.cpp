@@ -15,9 +15,10 @@ constexpr const char* kMerge = "MERGE";
 
 struct Translator::MergeParts {
     const TableInfo* table = nullptr;
-    std::string alias;
+    std::string alias;   // of the table
     std::string from;    // of the source
     std::string target;  // the target with its alias
+    std::string behind;  // JOIN of the table behind it where it is a view or a query
     std::string on;
     Scope source;  // the source alone
     Scope both;
@@ -27,17 +28,36 @@ struct Translator::MergeParts {
 Translator::MergeParts Translator::JoinOf(const MergeStatement& statement) {
     AddCommonTables(statement.with);
     MergeParts parts;
-    if (FindCommonTable(statement.target.Object()) != nullptr)
-        throw MakeError(40510, statement.target.Where(), {"MERGE of query " + statement.target.Text()});
-    parts.table = &TargetTable(statement.target);
+    const ObjectName& name = statement.target;
+    const bool isQuery =
+        (name.parts.size() == 1 && FindCommonTable(name.Object()) != nullptr) ||
+        (FindTable(name.Object()) == nullptr && context_.ViewDefinition(name.Object()) != nullptr);
+    if (isQuery) {
+        TableRef query(name.Where());
+        query.name = name;
+        query.alias = statement.alias;
+        changed_.name = &name;
+        changed_.isOpen = true;
+        parts.target = Table(query, parts.own);
+        changed_.isOpen = false;
+        // Which table of a join each WHEN changes, its columns would have to say.
+        if (changed_.table == nullptr || changed_.renames != nullptr)
+            throw MakeError(40510, name.Where(), {"MERGE of query " + name.Text()});
+        const Source& behind =
+            SourceBehind(parts.own.sources.front(), name, statement.position, parts.behind);
+        parts.table = changed_.table;
+        parts.alias = behind.alias;
+    } else {
+        parts.table = &TargetTable(name);
+        parts.own.sources.push_back(
+            SourceOf(*parts.table, statement.alias.IsEmpty() ? parts.table->name : statement.alias.text));
+        parts.alias = parts.own.sources.front().alias;
+        parts.target = parts.table->Sql() + " AS " + parts.alias;
+    }
     Begin(*parts.table, kMerge);
     parts.from = SourceText(*statement.source, parts.source);
-    const std::string exposed = statement.alias.IsEmpty() ? parts.table->name : statement.alias.text;
     parts.both.sources = parts.source.sources;
-    AddSource(SourceOf(*parts.table, exposed), parts.both, statement.position);
-    parts.own.sources.push_back(parts.both.sources.back());
-    parts.alias = parts.both.sources.back().alias;
-    parts.target = parts.table->Sql() + " AS " + parts.alias;
+    AddSource(parts.own.sources.front(), parts.both, statement.position);
     parts.on = ConditionText(*statement.on, parts.both);
     return parts;
 }
@@ -90,7 +110,16 @@ void Translator::AddStep(const MergeClause& clause, int number, const TableInfo&
         }
     } else if (clause.action == MergeAction::kInsert) {
         std::vector<const ColumnInfo*> columns;
-        if (!clause.defaultValues) columns = TargetColumns(table, clause.columns);
+        std::vector<Name> names = clause.columns;
+        for (Name& name : names)
+            name.text = BehindName(name.text, name.position);
+        for (std::size_t i = 0; i < changed_.columns.size() && clause.columns.empty(); ++i) {
+            const ColumnInfo* column = table.FindColumn(changed_.columns[i].second);
+            if (column == nullptr) throw MakeError(4406, clause.position, {changed_.name->Text()});
+            if (!column->identity && column->computedText.empty())
+                names.push_back(Name{column->name, clause.position, false});
+        }
+        if (!clause.defaultValues) columns = TargetColumns(table, names);
         if (clause.values.size() != columns.size()) {
             if (clause.columns.empty()) throw MakeError(213, clause.position);
             throw MakeError(clause.values.size() < columns.size() ? 109 : 110, clause.position);
@@ -124,9 +153,12 @@ Translation Translator::MergeRows(const MergeStatement& statement) {
         Scope& scope = clause.match == MergeMatch::kMatched ? parts.both : parts.source;
         AddStep(clause, static_cast<int>(i), *parts.table, parts.alias, when, scope, list);
     }
-    if (statement.output) list += ToldColumns(*statement.output, parts.source, {});
+    if (statement.output) {
+        CheckOutputBehind(*statement.output);
+        list += ToldColumns(*statement.output, parts.source, {});
+    }
     return Finished("SELECT " + when + ", " + row + list + " FROM " + parts.from + " LEFT JOIN " +
-                    parts.target + " ON " + parts.on);
+                    parts.target + " ON " + parts.on + (parts.behind.empty() ? "" : " LEFT" + parts.behind));
 }
 
 Translation Translator::MissedRows(const MergeStatement& statement) {
@@ -141,7 +173,7 @@ Translation Translator::MissedRows(const MergeStatement& statement) {
         if (clause.match == MergeMatch::kNotMatchedBySource)
             AddStep(clause, static_cast<int>(i), *parts.table, parts.alias, when, parts.own, list);
     }
-    return Finished("SELECT " + when + ", " + row + list + " FROM " + parts.target +
+    return Finished("SELECT " + when + ", " + row + list + " FROM " + parts.target + parts.behind +
                     " WHERE NOT EXISTS(SELECT 1 FROM " + parts.from + " WHERE " + parts.on + ")");
 }
 

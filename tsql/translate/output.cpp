@@ -1,5 +1,8 @@
 // OUTPUT: what INSERT, UPDATE, DELETE and MERGE tell of the rows that they change.
 
+#include <algorithm>
+#include <utility>
+
 #include "automation/object.h"
 #include "tsql/translate/output_columns.h"
 #include "tsql/translate/translator.h"
@@ -7,6 +10,29 @@
 namespace vicenter::tsql::engine {
 
 using automation::SameName;
+
+namespace {
+
+// A row that is changed through a view or query has its columns, by its names.
+void NameAsView(const OutputClause& output, const std::vector<std::pair<std::string, std::string>>& names,
+                const ObjectName& view, Source& source) {
+    const std::vector<SourceColumn> stored = std::exchange(source.columns, {});
+    for (const auto& [own, behind] : names) {
+        const auto found = std::ranges::find_if(
+            stored, [&](const SourceColumn& column) { return SameName(column.name, behind); });
+        if (found != stored.end()) {
+            source.columns.push_back(*found);
+            source.columns.back().name = own;
+            continue;
+        }
+        VisitTold(output, [&](const std::string&, const std::string& column, Position where) {
+            if (column.empty() || SameName(column, own))
+                throw MakeError(40510, where, {"OUTPUT of query " + view.Text()});
+        });
+    }
+}
+
+}  // namespace
 
 std::string Translator::Output(const OutputClause& output, const TableInfo& table, const char* pseudoTable) {
     Scope scope;
@@ -18,6 +44,7 @@ std::string Translator::Output(const OutputClause& output, const TableInfo& tabl
              at = column.sql.find(prefix, at))
             column.sql.erase(at, prefix.size());
     }
+    if (changed_.table != nullptr) NameAsView(output, changed_.columns, *changed_.name, source);
     scope.sources.push_back(std::move(source));
     return " RETURNING " + OutputList(output, scope);
 }

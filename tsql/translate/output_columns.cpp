@@ -1,7 +1,5 @@
 #include "tsql/translate/output_columns.h"
 
-#include <functional>
-
 #include "automation/object.h"
 #include "tsql/translate/translator.h"
 
@@ -9,30 +7,24 @@ namespace vicenter::tsql::engine {
 
 using automation::SameName;
 
-namespace {
-
-using Look = std::function<void(const std::string& qualifier)>;
-
-void VisitQualifiers(const OutputClause& output, const Look& look) {
+void VisitTold(const OutputClause& output, const LookAtTold& look) {
     for (const auto* items : {&output.items, &output.beside}) {
         for (const SelectItem& item : *items) {
             if (!item.expression) {
-                look(item.qualifier.IsEmpty() ? std::string() : item.qualifier.Object());
+                look(item.qualifier.IsEmpty() ? std::string() : item.qualifier.Object(), {}, item.position);
                 continue;
             }
             VisitAll(*item.expression, [&](const Expr& one) {
                 const auto* column = TryAs<ColumnExpr>(&one);
-                if (column != nullptr) look(column->name.Schema());
+                if (column != nullptr) look(column->name.Schema(), column->name.Object(), column->position);
             });
         }
     }
 }
 
-}  // namespace
-
 bool TellsOnlyOf(std::string_view pseudoTable, const OutputClause& output, bool hasFrom) {
     bool only = true;
-    VisitQualifiers(output, [&](const std::string& qualifier) {
+    VisitTold(output, [&](const std::string& qualifier, const std::string&, Position) {
         only = only && (qualifier.empty() ? !hasFrom : SameName(qualifier, pseudoTable));
     });
     return only;
@@ -40,7 +32,7 @@ bool TellsOnlyOf(std::string_view pseudoTable, const OutputClause& output, bool 
 
 bool MayTellOf(const OutputClause& output, std::string_view source) {
     bool may = false;
-    VisitQualifiers(output, [&](const std::string& qualifier) {
+    VisitTold(output, [&](const std::string& qualifier, const std::string&, Position) {
         may = may || qualifier.empty() || SameName(qualifier, source);
     });
     return may;

@@ -4,6 +4,7 @@
 
 #include "automation/object.h"
 #include "tsql/functions/function.h"
+#include "tsql/translate/output_columns.h"
 #include "tsql/translate/translator.h"
 #include "tsql/translate/view_nesting.h"
 
@@ -47,8 +48,7 @@ void Translator::Begin(const TableInfo& table, const char* operation) {
     if (table.temporary) NoteTemporary(table);
 }
 
-// The table behind a view of plain columns of one table is changed through it. MERGE is to name the table
-// itself.
+// The table behind a view of plain columns of one table is changed through it.
 void Translator::RefuseView(const ObjectName& name, const Query& query) {
     const SelectBody* select = query.Select();
     if (select != nullptr && IsDistinctOrGrouped(*select))
@@ -64,7 +64,7 @@ void Translator::RefuseView(const ObjectName& name, const Query& query) {
         }
     }
     if (derived) throw MakeError(4406, name.Where(), {name.Object()});
-    throw MakeError(40510, name.Where(), {"INSERT and MERGE of view " + name.Object()});
+    throw MakeError(40510, name.Where(), {"INSERT of view " + name.Object()});
 }
 
 const TableInfo& Translator::TargetTable(const ObjectName& name) {
@@ -146,6 +146,10 @@ const TableInfo& Translator::FilledTable(const ObjectName& name, std::vector<Nam
         }
     }
     columns = std::move(behind);
+    // For OUTPUT, which has the rows by the names of the view.
+    changed_.name = &name;
+    changed_.table = table;
+    changed_.columns = known;
     return *table;
 }
 
@@ -296,7 +300,7 @@ void Translator::AddRowNumber(const SelectBody& select, const Scope& scope, Sele
     const auto columnsBelow = std::exchange(changed_.columns, {});
     if (!isBelow) changed_.table = source.table;
     const auto behindOf = [&](const SourceColumn& column) {
-        if (!isBelow) return column.natural ? column.name : std::string();
+        if (!isBelow) return column.name;
         const auto found = std::ranges::find_if(
             columnsBelow, [&](const auto& entry) { return SameName(entry.first, column.name); });
         return found == columnsBelow.end() ? std::string() : found->second;
@@ -361,21 +365,33 @@ const Source& Translator::SourceBehind(const Source& query, const ObjectName& na
     return changed_.source;
 }
 
-// The rows that come back are those of the table.
+// OUTPUT that is worked out of whole rows has them by the names of the table.
 void Translator::CheckOutputBehind(const OutputClause& output) const {
     if (changed_.table == nullptr) return;
-    for (const auto& [own, behind] : changed_.columns) {
-        if (!SameName(own, behind))
-            throw MakeError(40510, output.items.front().position,
-                            {"OUTPUT of query " + changed_.name->Text()});
-    }
+    const std::vector<ColumnInfo>& columns = changed_.table->columns;
+    const bool isWhole =
+        std::equal(columns.begin(), columns.end(), changed_.columns.begin(), changed_.columns.end(),
+                   [](const ColumnInfo& column, const auto& entry) {
+                       return SameName(column.name, entry.first) && SameName(column.name, entry.second);
+                   });
+    if (isWhole) return;
+    VisitTold(output, [&](const std::string& qualifier, const std::string& name, Position where) {
+        if (!SameName(qualifier, "inserted") && !SameName(qualifier, "deleted")) return;
+        const auto found = std::ranges::find_if(
+            changed_.columns, [&](const auto& entry) { return SameName(entry.first, name); });
+        if (found == changed_.columns.end() && !name.empty()) throw MakeError(207, where, {name});
+        if (name.empty() || !SameName(found->first, found->second))
+            throw MakeError(40510, where, {"OUTPUT of query " + changed_.name->Text()});
+    });
 }
 
 std::string Translator::BehindName(const std::string& name, Position where) const {
     if (changed_.table == nullptr) return name;
     for (const auto& [own, behind] : changed_.columns) {
         if (!SameName(own, name)) continue;
-        if (behind.empty()) throw MakeError(4406, where, {changed_.name->Text()});
+        const ColumnInfo* column = changed_.table->FindColumn(behind);
+        if (column == nullptr || !column->computedText.empty())
+            throw MakeError(4406, where, {changed_.name->Text()});
         return behind;
     }
     throw MakeError(207, where, {name});

@@ -236,10 +236,7 @@ Translation Translator::Update(const UpdateStatement& statement) {
         sql = "UPDATE " + table.Sql() + " AS \"ts$t\" SET " + sql + " FROM (" + inner + parts.from +
               Where(parts.condition) + limit + ") AS \"ts$s\" WHERE \"ts$t\"._rowid_ = \"ts$s\".r";
     }
-    if (statement.output) {
-        CheckOutputBehind(*statement.output);
-        sql += Output(*statement.output, table, "inserted");
-    }
+    if (statement.output) sql += Output(*statement.output, table, "inserted");
     return Finished(sql);
 }
 

@@ -57,6 +57,13 @@ void Executor::Merge(const MergeStatement& statement) {
         ApplyMerge(joined, changes, areDeferred);
         if (keys) keys->Check();
         if (fillsIdentity && !changes.inserted.empty()) KeepIdentity(table);
+        if (!joined.translation.checkedView.empty()) {
+            std::vector<std::int64_t> written;
+            for (std::size_t i = 0; i < changes.told.size(); ++i) {
+                if (changes.told[i].action != "DELETE") written.push_back(changes.numbers[i]);
+            }
+            CheckView(joined.translation.checkedView, written);
+        }
         const auto changed = static_cast<std::int64_t>(changes.deleted.size() + changes.updated.size() +
                                                        changes.anew.size() + changes.inserted.size());
         CheckRowLimit(frame_->options.rowCountLimit, changed);
