@@ -6,7 +6,14 @@
 ; have made of account sets, drafts and settings stays.
 ; Exit codes: 0 done, 1 given up by the user, 2 a file is in use or cannot be written, 3 the registration failed.
 
-!define PRODUCT "VoucherTemplateCenter"
+; Hosts of both widths want the component beside the other's: a user's folder and keys are the same for programs of both.
+!if ${WIDTH} == 64
+  !define PRODUCT "VoucherTemplateCenter"
+  !define SHOWN_WIDTH ""
+!else
+  !define PRODUCT "VoucherTemplateCenter-x86"
+  !define SHOWN_WIDTH " (x86)"
+!endif
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${PRODUCT}"
 !define OWN_KEY "Software\${PRODUCT}"
 
@@ -22,7 +29,7 @@
 !endif
 !include MultiUser.nsh
 
-Name "$(ProductName)"
+Name "$(ProductName)${SHOWN_WIDTH}"
 OutFile "${OUTPUT}"
 BrandingText " "
 SetCompressor /SOLID lzma
@@ -80,7 +87,7 @@ LangString NotRegistered ${LANG_SIMPCHINESE} "组件注册失败（regsvr32：$0
 !macroend
 
 ; The same name in each language: whoever takes it away may read another one than whoever put it there.
-!define SHORTCUT "$SMPROGRAMS\凭证模板中心 Voucher Template Center.lnk"
+!define SHORTCUT "$SMPROGRAMS\凭证模板中心 Voucher Template Center${SHOWN_WIDTH}.lnk"
 
 Function .onInit
   SetRegView ${WIDTH}
@@ -111,7 +118,7 @@ Section
     CreateShortcut "${SHORTCUT}" "$INSTDIR\bin\vicenter-window.exe"
   ${EndIf}
   WriteRegStr SHCTX "${OWN_KEY}" "Folder" "$INSTDIR"
-  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayName" "$(ProductName)"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayName" "$(ProductName)${SHOWN_WIDTH}"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "InstallLocation" "$INSTDIR"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\uninstall.exe"

@@ -167,13 +167,15 @@ def installed(work, setup, mode, default):
     for name in PROGIDS:
         key = f"Software\\Classes\\VelaVICenter.{name}"
         check(f"{mode}: {name} is written for nobody else", key_of(f"{hive}\\{key}") and not key_of(f"{other}\\{key}"))
-    entry = key_of(f"{hive}\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\VoucherTemplateCenter")
+    entry = key_of(f"{hive}\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\{folder.name}")
     check(f"{mode}: named among the programs", "1.0.0" in entry, entry)
     version = run(folder / "bin/vicenter.exe", "--version")
     check(f"{mode}: its program runs", "1.0.0" in version, version)
     in_use(work, folder, mode, setup)
     window = folder / "bin/vicenter-window.exe"
     shortcuts = [link for link in start_menus() if window.name.encode("utf-16-le") in link.read_bytes()]
+    check(f"{mode}: its shortcut names its width", all(("(x86)" in link.name) == ("-x86" in folder.name)
+                                                       for link in shortcuts), shortcuts)
     check(f"{mode}: the window stands in the start menu where there is one", len(shortcuts) == window.exists(), shortcuts)
     foreign = folder / "我的 账套.vas"
     foreign.write_bytes(b"mine")
@@ -207,9 +209,11 @@ def main():
         package, setup = make(work)
         packed(work, package)
         before = registry(work)
-        installed(work, setup, "AllUsers", "Program Files/VoucherTemplateCenter")
+        # A user has one folder and one branch of the registry for both widths.
+        product = "VoucherTemplateCenter-x86" if "-x86-" in setup.name else "VoucherTemplateCenter"
+        installed(work, setup, "AllUsers", f"Program Files/{product}")
         (user,) = [home for home in (PREFIX / "drive_c/users").iterdir() if home.name != "Public"]
-        installed(work, setup, "CurrentUser", f"users/{user.name}/AppData/Local/Programs/VoucherTemplateCenter")
+        installed(work, setup, "CurrentUser", f"users/{user.name}/AppData/Local/Programs/{product}")
         same_registry("the registry is as it was", before, registry(work))
     finally:
         shutil.rmtree(work, ignore_errors=True)
