@@ -115,6 +115,8 @@ def prepare(display):
     HOME.mkdir(parents=True, exist_ok=True)
     fonts = r"HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink"
     for command in (["wineboot", "--init"],
+                    # In 32 bit it takes itself for an older Windows than it does in 64.
+                    ["winecfg", "-v", "win10"],
                     # Chinese in the frames, which Wine draws by a font that has none.
                     ["reg", "add", fonts, "/v", "Tahoma", "/t", "REG_MULTI_SZ", "/d",
                      "NotoSansCJK-Regular.ttc,Noto Sans CJK SC", "/f"],
