@@ -13,6 +13,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <malloc.h>
+#include <pwd.h>
 #include <spawn.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -42,6 +43,19 @@ std::optional<std::string> FindOnPath(const std::string& program) {
         rest.remove_prefix(colon + 1);
     }
     return std::nullopt;
+}
+
+constexpr std::size_t kRoomForPasswordEntry = 16384;
+
+std::string HomeFolder() {
+    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') return home;
+    // A timer's job may have no environment. The temporary folder is everybody's; the user's own is known.
+    std::vector<char> room(kRoomForPasswordEntry);
+    passwd entry{};
+    passwd* found = nullptr;
+    if (getpwuid_r(geteuid(), &entry, room.data(), room.size(), &found) != 0 || found == nullptr) return {};
+    std::error_code failed;
+    return std::filesystem::is_directory(found->pw_dir, failed) ? found->pw_dir : std::string();
 }
 
 }  // namespace
@@ -99,10 +113,8 @@ std::optional<std::vector<unsigned char>> RandomBytes() {
 }
 
 std::string UserDataFolder() {
-    if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data != '\0') return data;
-    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {
-        return std::string(home) + "/.local/share";
-    }
+    if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data == '/') return data;
+    if (const std::string home = HomeFolder(); !home.empty()) return home + "/.local/share";
     std::error_code failed;
     const auto temporary = std::filesystem::temp_directory_path(failed);
     return failed ? std::string("/tmp") : PathToUtf8(temporary);

@@ -1,11 +1,17 @@
 #include "platform/system/surroundings.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
 #include <gtest/gtest.h>
+
+#ifndef _WIN32
+#include <pwd.h>
+#include <unistd.h>
+#endif
 
 #include "automation/error.h"
 #include "platform/system/files.h"
@@ -78,6 +84,28 @@ TEST(Surroundings, FoldersHaveNoFinalSeparator) {
     }
     EXPECT_TRUE(std::filesystem::exists(PathFromUtf8(s.folders->Component())));
 }
+
+#ifndef _WIN32
+// A timer's job has no HOME; a path of a variable that begins in the current folder names none.
+TEST(Surroundings, WithoutAnEnvironmentTheDataLieInTheUsersHome) {
+    const auto without = [](const char* name) {
+        const char* value = std::getenv(name);
+        const std::string kept = value == nullptr ? "" : value;
+        unsetenv(name);
+        return kept;
+    };
+    const std::string home = without("HOME");
+    const std::string data = without("XDG_DATA_HOME");
+    setenv("XDG_DATA_HOME", "relative", 1);
+    const std::string folder = Surroundings::OfSystem().folders->UserData();
+    unsetenv("XDG_DATA_HOME");
+    if (!home.empty()) setenv("HOME", home.c_str(), 1);
+    if (!data.empty()) setenv("XDG_DATA_HOME", data.c_str(), 1);
+    const passwd* self = getpwuid(geteuid());
+    ASSERT_NE(self, nullptr);
+    EXPECT_EQ(folder, std::string(self->pw_dir) + "/.local/share/vicenter");
+}
+#endif
 
 TEST(Surroundings, AScopePutsTheOldOnesBack) {
     const auto before = Surroundings::Current().clock;
