@@ -98,6 +98,8 @@ void AccountSetChoice::Remember(const std::string& folder, const std::string& fi
     std::erase(files, path);
     files.insert(files.begin(), path);
     if (files.size() > kMost) files.resize(kMost);
+    // Nobody else has made it where no demo set was opened and no setting changed.
+    fs::create_directories(system::PathFromUtf8(folder), failed);
     try {
         system::FileReplacement list(system::PathToUtf8(ListOf(folder)));
         {

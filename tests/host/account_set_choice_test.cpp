@@ -50,9 +50,18 @@ TEST_F(AccountSetChoiceTest, FilesThatAreGoneAreLeftOutAndTheListHasAnEnd) {
     EXPECT_EQ(AccountSetChoice(folder.Path()).Recent().front(), folder.Path("29.vas"));
 }
 
+TEST_F(AccountSetChoiceTest, TheListNeedsNoFolderBeforeIt) {
+    const std::string a = MakeFile("a.vas");
+    const std::string data = folder.Path("data of a new user/vicenter");
+    AccountSetChoice::Remember(data, a);
+    EXPECT_THAT(AccountSetChoice(data).Recent(), ElementsAre(a));
+}
+
 TEST_F(AccountSetChoiceTest, AFolderThatTakesNoListIsNoError) {
-    AccountSetChoice::Remember(folder.Path("nowhere"), MakeFile("a.vas"));
-    EXPECT_THAT(AccountSetChoice(folder.Path("nowhere")).Recent(), IsEmpty());
+    const std::string a = MakeFile("a.vas");
+    const std::string nowhere = folder.Path("a.vas/nowhere");
+    AccountSetChoice::Remember(nowhere, a);
+    EXPECT_THAT(AccountSetChoice(nowhere).Recent(), IsEmpty());
 }
 
 #ifndef _WIN32
