@@ -1,5 +1,6 @@
 #include <ostream>
 
+#include "automation/error.h"
 #include "host/cli/context.h"
 #include "platform/ado/passwords.h"
 
@@ -46,14 +47,17 @@ int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, cons
 
 int FinishWriting(const CliContext& context, const store::TemplateOutcome& outcome, const Variant& data) {
     // The window leaves it at that; a terminal has to be told.
-    if (!outcome && !outcome.untold.empty()) Fail(context, "命令未能完成：" + outcome.untold);
+    if (!outcome && !outcome.untold.empty()) TellFailure(context, "命令未能完成：" + outcome.untold);
     return FinishSpeaking(context, !!outcome, data);
 }
 
-int Fail(const CliContext& context, const std::string& text) {
+void TellFailure(const CliContext& context, const std::string& text) {
     // A connect string that was taken for something else must not show what it holds.
     context.streams.err << "vicenter: " << ado::PasswordsHidden(text) << "\n";
-    return kExitFailed;
+}
+
+void Refuse(const std::string& text) {
+    throw automation::Error(automation::error_number::kInvalidProcedureCall, text);
 }
 
 }  // namespace vicenter::host

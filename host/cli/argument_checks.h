@@ -19,6 +19,18 @@ inline const CLI::Validator kNotEmpty(
     },
     "");
 
+// A file by its name. Commands have no stream in the place of one: whoever writes - means a pipe, and would
+// find a file of that name.
+inline const CLI::Validator kFileName(
+    [](const std::string& given) {
+        if (given.empty()) return kNotEmpty(given);
+        return given == "-" ? std::string(
+                                  "不能用标准输入或输出代替文件，名为 - 的文件请写作 ./- / no stream in "
+                                  "place of a file; one named - is ./-")
+                            : std::string();
+    },
+    "");
+
 inline const CLI::Validator kDigits(
     [](const std::string& given) {
         const bool isNumber = !given.empty() && std::all_of(given.begin(), given.end(), text::IsDigit);

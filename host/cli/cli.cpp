@@ -106,7 +106,8 @@ const CommandEntry& EntryOf(CliCommand command) {
 int FailWithDocument(const CliContext& context, const std::string& text) {
     store::clsVIData::ForgetFailure();  // the text has it
     if (EntryOf(context.options.command).speaks) FinishSpeaking(context, false, Variant::Null());
-    return Fail(context, text);
+    TellFailure(context, text);
+    return kExitFailed;
 }
 
 // What killed runs have left where this one works.

@@ -16,7 +16,7 @@ int RunDrivers(const CliContext& context) {
         listed.push_back(JsonObject({{"name", driver.name}, {"chosen", driver.chosen}}));
         text += (driver.chosen ? "* " : "  ") + driver.name + "\n";
     }
-    if (!chosen) return Fail(context, ado::NoOdbcDriverText());
+    if (!chosen) Refuse(ado::NoOdbcDriverText());
     if (context.options.json) {
         PrintJson(context, Variant(std::move(listed)));
     } else {

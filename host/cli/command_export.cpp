@@ -16,6 +16,7 @@
 #include "platform/system/file_names.h"
 #include "platform/system/files.h"
 #include "platform/system/path_in.h"
+#include "text/ascii.h"
 
 namespace vicenter::host {
 
@@ -55,7 +56,7 @@ bool Export(const CliContext& context, const TemplateHead& head, const std::stri
     WindowlessTemplate window(head);
     const exchange::ExportOutcome outcome = exchange::ExportTemplateTo(window, file);
     if (!outcome.untold.empty()) {
-        Fail(context, "工作簿未能写入：" + file + "\n  " + outcome.untold);
+        TellFailure(context, "工作簿未能写入：" + file + "\n  " + outcome.untold);
         exchange::LogUnwritten(window);
     }
     return outcome.written;
@@ -82,11 +83,15 @@ int RunExport(const CliContext& context) {
         try {
             take(head, file);
         } catch (const automation::Error& error) {
-            Fail(context, "模板 " + head.name + " 没有引出：" + error.Text());
+            TellFailure(context, "模板 " + head.name + " 没有引出：" + error.Text());
             ok = false;
         }
     };
     if (!several) {
+        // Whoever gives another ending expects something else than a workbook under it.
+        const std::string ending = text::LowerAscii(options.file);
+        if (!ending.ends_with(".xls") && !ending.ends_with(".xlsx"))
+            Refuse("工作簿的扩展名必须是 .xls 或 .xlsx：" + options.file);
         take(FindTemplate(context, options.name), options.file);
     } else {
         std::error_code failed;

@@ -43,7 +43,7 @@ void TellWarnings(std::ostream& to, const autovch::MergedNumbers& merged,
 
 int PrintPreview(const CliContext& context, const autovch::VoucherFilter& filter) {
     const autovch::GenerationPreview preview = autovch::PreviewGeneration(filter);
-    if (!preview.problem.empty()) return Fail(context, preview.problem);
+    if (!preview.problem.empty()) Refuse(preview.problem);
     const autovch::MergedNumbers merged = autovch::FindMergedNumbers(filter);
     const store::MissingLines missing = autovch::FindMissingLines(filter);
     if (context.options.json) {

@@ -114,7 +114,7 @@ std::string MarkCopy(const CliContext& context, const FilesToImport& files, cons
     std::string target = MarkedCopyOf(outcome.file, files, context.options.markedCopy);
     // Of a folder it may be the copy that somebody is mending.
     if (const std::string why = exchange::WhyNotOverImported(files.files, target); !why.empty()) {
-        Fail(context, "标错副本未能写入：" + why);
+        TellFailure(context, "标错副本未能写入：" + why);
         return {};
     }
     const bool mayReplace = exchange::WhyNotWorkbookTarget(target).empty() ? MayReplaceFile(target) : true;
@@ -124,7 +124,7 @@ std::string MarkCopy(const CliContext& context, const FilesToImport& files, cons
         context.messages.AddReason("标错副本：" + target);
         return target;
     }
-    Fail(context, "标错副本未能写入：" + target + "\n  " + why);
+    TellFailure(context, "标错副本未能写入：" + target + "\n  " + why);
     return {};
 }
 
@@ -142,7 +142,7 @@ bool WriteReport(const CliContext& context, const ImportReport& report) {
     if (target.empty()) return true;
     if (exchange::WhyNotWorkbookTarget(target).empty() && !MayReplaceFile(target)) return false;
     const std::string why = exchange::WriteImportReport(report.Outcomes(), target);
-    if (!why.empty()) Fail(context, "引入报告未能写入：" + target + "\n  " + why);
+    if (!why.empty()) TellFailure(context, "引入报告未能写入：" + target + "\n  " + why);
     return why.empty();
 }
 

@@ -43,7 +43,7 @@ class CommandLine {
         app_.allow_windows_style_options(false);  // a path may begin with a slash there, too
         app_.set_version_flag("--version", "vicenter " VICENTER_VERSION, "版本 / print the version");
         auto* file = app_.add_option("--account-set", options_.accountSet, "账套文件 / account set file")
-                         ->check(kNotEmpty);
+                         ->check(kFileName);
         connect_ = app_.add_option("--connect", options_.connectString, "连接字符串 / connect string")
                        ->check(kNotEmpty)
                        ->excludes(file);
@@ -52,7 +52,7 @@ class CommandLine {
                              ->check(kNotEmpty);
         auto* passwordFile = app_.add_option("--password-file", options_.passwordFile,
                                              "取密码的文件 / file whose first line is the password")
-                                 ->check(kNotEmpty)
+                                 ->check(kFileName)
                                  ->excludes(variable);
         app_.add_flag("--ask-password", options_.askPassword, "在终端上输入密码 / ask for the password")
             ->excludes(variable)
@@ -105,7 +105,8 @@ class CommandLine {
         AddNamedCommand("save", CliCommand::Save,
                         "从标准输入读入 JSON 并保存 / replace a template's lines from standard input");
         AddCommand(app_, "sql", CliCommand::Sql, "执行 T-SQL / run T-SQL, GO ends a batch")
-            ->add_option("FILE", options_.file, "脚本文件 / script; standard input without")
+            ->add_option("FILE", options_.file,
+                         "脚本文件；没有或 - 为标准输入 / script; standard input without, or for -")
             ->check(kNotEmpty);
         AddCommand(app_, "drivers", CliCommand::Drivers,
                    "SQL Server 的 ODBC 驱动程序 / ODBC drivers for SQL Server, and which one is taken");
@@ -122,12 +123,12 @@ class CommandLine {
     void AddWindow() {
         CLI::App* window =
             AddCommand(app_, "window", CliCommand::Window, "打开凭证模板窗口 / open the Template Center");
-        window->add_option("FILE", options_.windowFile, "账套文件 / account set file")->check(kNotEmpty);
+        window->add_option("FILE", options_.windowFile, "账套文件 / account set file")->check(kFileName);
         window
             ->add_option("--offscreen-session", options_.sessionFolder,
                          "不用显示器演示主要操作，图片存入文件夹 / drive the window without a display, "
                          "pictures into DIR")
-            ->check(kNotEmpty);
+            ->check(kFileName);
         window->callback([this] {
             options_.command = CliCommand::Window;
             if (options_.windowFile.empty()) return;
@@ -178,8 +179,8 @@ class CommandLine {
     void AddCopy(CLI::App& accountSet, const char* name, CliCommand command, const char* description,
                  const Place& from, const Place& to) {
         CLI::App* added = AddCommand(accountSet, name, command, description);
-        added->add_option(from.name, options_.file, from.description)->required()->check(kNotEmpty);
-        added->add_option(to.name, options_.target, to.description)->required()->check(kNotEmpty);
+        added->add_option(from.name, options_.file, from.description)->required()->check(kFileName);
+        added->add_option(to.name, options_.target, to.description)->required()->check(kFileName);
     }
 
     // On a file, or on the database of --connect.
@@ -187,7 +188,7 @@ class CommandLine {
                          const char* description) {
         CLI::App* added = AddCommand(accountSet, name, command, description);
         added->add_option("FILE", options_.file, "账套文件；用 --connect 时不写 / file; none with --connect")
-            ->check(kNotEmpty);
+            ->check(kFileName);
         added->callback([this, command] {
             if (options_.file.empty() == options_.connectString.empty())
                 throw CLI::RequiredError("FILE | --connect");
@@ -198,7 +199,7 @@ class CommandLine {
 
     void AddPrint() {
         CLI::App* print = AddNamedCommand("print", CliCommand::Print, "打印模板 / a template as a PDF file");
-        print->add_option("FILE", options_.file, ".pdf")->required()->check(kNotEmpty);
+        print->add_option("FILE", options_.file, ".pdf")->required()->check(kFileName);
         print->add_option("--number", options_.number, "只打印这个编号的凭证 / the voucher of one pattern")
             ->check(kDigits);
     }

@@ -31,16 +31,16 @@ int RunPrint(const CliContext& context) {
     const center::SheetHead sheetHead{head.name, whose.accountSet, whose.user};
     center::PrintSheet sheet;
     if (options.number.empty()) {
-        if (lines.count == 0) return Fail(context, "当前没有可打印的分录！");
+        if (lines.count == 0) Refuse("当前没有可打印的分录！");
         sheet = center::TemplateSheet(lines.grid, lines.count, sheetHead);
     } else {
         const int row = FirstRowOf(lines, options.number);
-        if (row == 0) return Fail(context, "模板 " + head.name + " 没有编号 " + options.number + "。");
+        if (row == 0) Refuse("模板 " + head.name + " 没有编号 " + options.number + "。");
         sheet = center::VoucherPreview(lines.grid, lines.count, row, sheetHead).Sheet();
     }
     if (const std::string why = center::WhyNotPdfTarget(options.file); !why.empty())
-        return Fail(context, "PDF 文件未能写入：" + options.file + "\n  " + why);
-    if (!context.hooks.writePdf) return Fail(context, "此版本不含窗口，不能生成 PDF 文件。");
+        Refuse("PDF 文件未能写入：" + options.file + "\n  " + why);
+    if (!context.hooks.writePdf) Refuse("此版本不含窗口，不能生成 PDF 文件。");
     if (!MayReplaceFile(options.file)) return FinishSpeaking(context, false, VariantArray());
     context.hooks.writePdf(sheet, options.file);
     return FinishSpeaking(

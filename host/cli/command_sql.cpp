@@ -228,27 +228,41 @@ Outcome RunBatch(ado::Connection& connection, const ScriptBatch& batch, Interrup
     }
 }
 
+void OpenScript(std::ifstream& file, const std::string& name) {
+    const std::filesystem::path path = system::PathFromUtf8(name);
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored))
+        throw Error(automation::error_number::kFileNotFound, "是文件夹，不是脚本文件：" + name);
+    file.open(path, std::ios::binary);
+    if (file) return;
+    const bool exists = std::filesystem::exists(path, ignored);
+    throw Error(automation::error_number::kFileNotFound,
+                (exists ? "文件不能读取，请检查权限：" : "文件不存在：") + name);
+}
+
+// What a script has begun and not committed goes with its connection.
+bool IsWithinTransaction(ado::Connection& connection) {
+    try {
+        return connection.Execute("select @@trancount")->Value(std::size_t{0}).ToInt32() > 0;
+    } catch (const Error&) {
+        return false;  // the connection is lost, which has been told
+    }
+}
+
 }  // namespace
 
 int RunSql(const CliContext& context) {
     std::ifstream file;
-    if (!context.options.file.empty()) {
-        const std::filesystem::path path = system::PathFromUtf8(context.options.file);
-        std::error_code ignored;
-        if (std::filesystem::is_directory(path, ignored))
-            throw Error(automation::error_number::kFileNotFound,
-                        "是文件夹，不是脚本文件：" + context.options.file);
-        file.open(path, std::ios::binary);
-        if (!file)
-            throw Error(automation::error_number::kFileNotFound, "文件不存在：" + context.options.file);
-    }
+    const std::string& script = context.options.file;
+    const bool piped = script.empty() || script == "-";
+    if (!piped) OpenScript(file, script);
     // A server knows itself what the login may do.
     const std::string& connectString = context.session->Settings().connectString;
     ado::ConnectionRef reading;
     if (ado::AccountSetFile(connectString) && !MayAdministrate(*context.session))
         reading = ado::OpenConnection(connectString + ";Access=read");
     ado::Connection& connection = reading ? *reading : context.session->Connection();
-    BatchReader reader(context.options.file.empty() ? context.streams.in : file);
+    BatchReader reader(piped ? context.streams.in : file);
     SqlAnswer answer(context);
     // Whoever sits before it decides how long a script may take, unless the connect string says it.
     if (!ado::ConnectString(context.session->Settings().connectString).Has("Command Timeout"))
@@ -272,9 +286,13 @@ int RunSql(const CliContext& context) {
         throw;
     }
     answer.End();
+    if (code != kExitCancelled && IsWithinTransaction(connection)) {
+        TellFailure(context, "脚本结束时还有未提交的事务，其中的修改已撤消；需要保留时请在脚本中写 COMMIT。");
+        code = kExitFailed;
+    }
     if (reading && code == kExitFailed)
-        Fail(context,
-             "用户 " + std::to_string(context.options.userId) + " 没有全部权限，只能查询，不能修改账套。");
+        TellFailure(context, "用户 " + std::to_string(context.options.userId) +
+                                 " 没有全部权限，只能查询，不能修改账套。");
     return code;
 }
 

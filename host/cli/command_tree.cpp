@@ -61,7 +61,7 @@ void SayNoRight() {
 int Finish(const CliContext& context, bool ok, const Variant& data, const std::string& text = {}) {
     const std::string& failure = store::clsVIData::LastFailure();
     if (!ok && context.messages.Shown().empty() && !failure.empty())
-        Fail(context, "命令未能完成：" + failure);
+        TellFailure(context, "命令未能完成：" + failure);
     return FinishSpeaking(context, ok, data, text);
 }
 

@@ -12,7 +12,7 @@ namespace vicenter::host {
 int RunWindow(const CliContext& context) {
     const std::string& folder = context.options.sessionFolder;
     if (folder.empty() ? !context.hooks.openWindow : !context.hooks.driveWindow)
-        return Fail(context, "此版本不含窗口，请使用 list、show、save 等命令（vicenter --help）。");
+        Refuse("此版本不含窗口，请使用 list、show、save 等命令（vicenter --help）。");
     context.session->ReadNames();
     if (const auto file = ado::AccountSetFile(context.session->Settings().connectString))
         AccountSetChoice::Remember(system::Surroundings::Current().folders->UserData(), *file);

@@ -37,8 +37,11 @@ int FinishSpeaking(const CliContext& context, bool ok, const Variant& data, cons
 // The end of a command that wrote a template: as above, and what no message has said of a failure on `err`.
 int FinishWriting(const CliContext& context, const store::TemplateOutcome& outcome, const Variant& data);
 
-// What went wrong, on `err`; the exit code of a failure.
-int Fail(const CliContext& context, const std::string& text);
+// What went wrong, on `err`, of a command that goes on to its answer.
+void TellFailure(const CliContext& context, const std::string& text);
+// Ends a command that cannot do what it was asked for, as every error does: with the text on `err`, and with
+// the document that --json promises.
+[[noreturn]] void Refuse(const std::string& text);
 
 // ---- commands, one source each
 int RunAccountSetNew(const CliContext& context);

@@ -80,10 +80,9 @@ office::FillInWorkbook EmptyWorkbook() {
 
 int RunExportEmpty(const CliContext& context) {
     const std::string& file = context.options.emptyWorkbook;
-    if (!text::LowerAscii(file).ends_with(".xlsx"))
-        return Fail(context, "空白工作簿的扩展名必须是 .xlsx：" + file);
+    if (!text::LowerAscii(file).ends_with(".xlsx")) Refuse("空白工作簿的扩展名必须是 .xlsx：" + file);
     if (const std::string why = exchange::WhyNotWorkbookTarget(file); !why.empty())
-        return Fail(context, "工作簿未能写入：" + file + "\n  " + why);
+        Refuse("工作簿未能写入：" + file + "\n  " + why);
     // The connection first, so that a missing account set is reported with its reason.
     context.session->Connection();
     if (!MayReplaceFile(file)) return FinishSpeaking(context, false, VariantArray());

@@ -10,18 +10,18 @@ namespace vicenter::host {
 void AddExportCommand(CLI::App& app, CliOptions& options) {
     CLI::App* exporting = app.add_subcommand("export", "引出模板 / export to a workbook");
     auto* name = exporting->add_option("NAME", options.name, "模板名称 / template");
-    auto* file = exporting->add_option("FILE", options.file, ".xls / .xlsx")->check(kNotEmpty);
+    auto* file = exporting->add_option("FILE", options.file, ".xls / .xlsx")->check(kFileName);
     name->needs(file);
     auto* all =
         exporting
             ->add_option("--all", options.exportFolder, "引出全部模板到文件夹 / every template into FOLDER")
-            ->check(kNotEmpty);
+            ->check(kFileName);
     all->excludes(name);
     auto* empty = exporting
                       ->add_option("--empty", options.emptyWorkbook,
                                    "空白工作簿，带表头、下拉列表和批注 / a workbook to start from: headers, "
                                    "drop-downs, notes")
-                      ->check(kNotEmpty);
+                      ->check(kFileName);
     empty->excludes(name)->excludes(all);
     exporting->callback([&options, name, all, empty] {
         if (name->count() == 0 && all->count() == 0 && empty->count() == 0)
@@ -34,7 +34,7 @@ void AddImportCommand(CLI::App& app, CliOptions& options) {
     CLI::App* importing = app.add_subcommand("import", "引入模板 / import a workbook, or those of a folder");
     importing->add_option("FILE", options.file, "工作簿或文件夹 / workbook or folder")
         ->required()
-        ->check(kNotEmpty);
+        ->check(kFileName);
     auto* dryRun = importing->add_flag(
         "--dry-run", options.dryRun, "只显示将有哪些变化，不引入 / print what would change, import nothing");
     importing->add_flag("--tidy", options.tidy,
@@ -43,12 +43,12 @@ void AddImportCommand(CLI::App& app, CliOptions& options) {
         ->add_option("--marked-copy", options.markedCopy,
                      "未引入时另存标错副本；引入文件夹时为文件夹 / a refused workbook's copy with its faults "
                      "marked; of a folder a folder")
-        ->check(kNotEmpty)
+        ->check(kFileName)
         ->excludes(dryRun);
     importing
         ->add_option("--report", options.report,
                      "把结果写入工作簿 / what became of every file, as a workbook")
-        ->check(kNotEmpty)
+        ->check(kFileName)
         ->excludes(dryRun);
     importing->callback([&options] { options.command = CliCommand::Import; });
 }

@@ -90,7 +90,7 @@ void Print(std::ostream& out, const ImportPreview& preview) {
 }  // namespace
 
 int RunImportPreview(const CliContext& context, const FilesToImport& files) {
-    if (!exchange::IsExcelInstalled()) return Fail(context, "检测当前系统未安装Excel，引入失败！");
+    if (!exchange::IsExcelInstalled()) Refuse("检测当前系统未安装Excel，引入失败！");
     VariantArray previews;
     exchange::NamesOnce names;
     bool ok = true;
