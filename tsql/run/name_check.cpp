@@ -3,6 +3,9 @@
 // looked at when it is its turn; and what stands behind a definition, since that may be what it needs.
 
 #include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <string>
 
 #include "tsql/base/error_table.h"
 #include "tsql/run/executor.h"
@@ -20,14 +23,27 @@ bool IsOfNames(std::int32_t number) {
     return std::find(std::begin(kNumbers), std::end(kNumbers), number) != std::end(kNumbers);
 }
 
+// The catalog and the #tables, as one number.
+std::uint64_t WhereNamesAre(const Catalog& catalog) {
+    constexpr std::uint64_t kStep = 0x9E3779B97F4A7C15;
+    std::uint64_t number = catalog.Generation();
+    for (const std::string& name : catalog.TemporaryNames()) {
+        if (name.front() != '#') continue;
+        number = number * kStep + std::hash<std::string>()(name);
+        number = number * kStep + static_cast<std::uint64_t>(catalog.FindTable(name)->definition);
+    }
+    return number;
+}
+
 }  // namespace
 
 void Executor::CheckNames(Program& program, const std::vector<StatementPtr>& statements) {
-    if (program.namesCheckedAt == CatalogNow().Generation()) return;
+    const std::uint64_t now = WhereNamesAre(CatalogNow());
+    if (program.namesCheckedAt == now) return;
     // A statement by itself tells its errors when it runs.
     const bool isAlone = statements.size() == 1 && IsPlain(*statements.front());
     if (!isAlone) CheckNamesIn(statements);
-    program.namesCheckedAt = catalog_.Generation();
+    program.namesCheckedAt = now;
 }
 
 bool Executor::IsPlain(const Statement& statement) {

@@ -39,7 +39,7 @@ struct Program {
     // Still to be looked for among those that are declared, before anything runs.
     std::vector<Name> usedVariables;
 
-    std::uint64_t namesCheckedAt = 0;  // the catalog's generation at which its names were looked up
+    std::uint64_t namesCheckedAt = 0;  // what its names were looked up in, see CheckNames
 
     // Of a program kept by the shape of its text: where its literals stand, and those that must stay as they
     // are.

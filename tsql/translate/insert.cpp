@@ -169,8 +169,7 @@ Translation Translator::Insert(const InsertStatement& statement) {
         sql += (sql.empty() ? " VALUES (" : ", (") + values + ")";
     }
     translation_.oneRow = rows.size() == 1;
-    if (all.empty()) return Finished("INSERT INTO " + table.Sql() + " DEFAULT VALUES" + NumbersToCheck());
-    sql = InsertHead(table, all) + sql;
+    sql = all.empty() ? "INSERT INTO " + table.Sql() + " DEFAULT VALUES" : InsertHead(table, all) + sql;
     if (statement.output) sql += Output(*statement.output, table, "inserted");
     return Finished(sql + NumbersToCheck());
 }
