@@ -6,13 +6,13 @@
 //
 // VICENTER_GENERATED_BATCHES says how many, VICENTER_FIRST_SEED from which seed on.
 
-#include <cstdlib>
 #include <functional>
 #include <map>
 #include <memory>
 
 #include "engine_fixture.h"
 #include "generator/batch_generator.h"
+#include "generator/seeds.h"
 #include "generator/shrink.h"
 #include "tree_dump/tree_dump.h"
 #include "tsql/syntax/parse/parser.h"
@@ -22,14 +22,11 @@ namespace vicenter::tsql::engine {
 namespace {
 
 using tsql_test::BatchGenerator;
+using tsql_test::FromEnvironment;
 using tsql_test::Statements;
 
 class GeneratedBatchesTest : public EngineTest {
   protected:
-    static std::uint32_t FromEnvironment(const char* name, std::uint32_t otherwise) {
-        const char* text = std::getenv(name);
-        return text != nullptr ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
-    }
     // The set before a batch, on a session of its own for each way to run one.
     void Prepare(int indexes, QueryPlans plans, bool batches, int deepest = 0) {
         const int kind = static_cast<int>(plans) * 4 + (batches ? 1 : 0) + (deepest > 0 ? 2 : 0);

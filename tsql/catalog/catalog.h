@@ -190,6 +190,8 @@ class Catalog {
     // in SQLite's schema and in the plans; to T-SQL it is another table, with a number of its own.
     void AddTemporary(TableInfo table);
     void DropTemporary(const std::string& name);
+    // What is dropped from here on is dropped in SQLite's schema, too.
+    void PutNothingAside() { putsAside_ = false; }
     // The temporary tables without the table variables, and those that are put aside, as the catalog knows
     // them now; and as it knew them then, after what has become of them since was undone. Identity values are
     // not handed out again.
@@ -246,6 +248,7 @@ class Catalog {
     std::uint64_t generation_ = 1;
     std::map<std::string, std::unique_ptr<TableInfo>, std::less<>> tables_;
     std::map<std::string, std::shared_ptr<TableInfo>, std::less<>> temporary_;
+    bool putsAside_ = true;
     Spares spares_;                                      // the one put aside last at the end
     std::map<std::string, PreparedStatement> emptying_;  // by the physical names of what was put aside
     std::map<std::string, ModuleInfo, std::less<>> views_;

@@ -68,7 +68,7 @@ bool Catalog::TakeSpare(const TableInfo& wanted) {
 }
 
 bool Catalog::PutAside(const TableInfo& table) {
-    if (!table.isAsMade || !Empty(table)) return false;
+    if (!putsAside_ || !table.isAsMade || !Empty(table)) return false;
     spares_.push_back(std::make_shared<const TableInfo>(table));
     if (spares_.size() > kMostSpares) {
         const std::shared_ptr<const TableInfo> oldest = spares_.front();

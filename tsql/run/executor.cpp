@@ -35,8 +35,10 @@ Executor::Executor(Database& database, Catalog& catalog, FunctionServices& servi
       catalog_(catalog),
       services_(services),
       options_(options),
+      programs_(options.keepsPlans),
       transactions_(database, catalog, options.batchTransactions, options.readOnly) {
     setOptions_.lockTimeoutMilliseconds = options_.lockTimeoutMilliseconds;
+    if (!options_.keepsPlans) catalog_.PutNothingAside();
     ServeFacts();
     services_.variable = [this](std::string_view name) { return FindVariable(name, {}).value; };
     // Called for each row while SQLite runs the INSERT, so that INSERT … SELECT numbers its rows in their

@@ -100,7 +100,8 @@ bool Executor::IsOfThisFrame(const Plan& plan) const {
 Plan& Executor::PlanFor(const void* key, const Make& make) {
     std::unique_ptr<Plan>& slot = frame_->program->plans[key];
     for (;;) {
-        if (!slot || !slot->IsCurrent(catalog_, frame_->options) || !IsOfThisFrame(*slot)) {
+        if (!slot || !options_.keepsPlans || !slot->IsCurrent(catalog_, frame_->options) ||
+            !IsOfThisFrame(*slot)) {
             try {
                 MakePlan(slot, make);
             } catch (const SqlError&) {

@@ -161,6 +161,7 @@ const ProgramStore::Batch* ProgramStore::Known(std::string_view text) const {
 }
 
 ProgramStore::Batch ProgramStore::ForBatch(std::string_view text) {
+    if (!keeps_) return {ParseProgram(text, false), nullptr};
     auto shape = ShapeOf(text);
     if (!shape) return {ParseProgram(text, true), nullptr};
     Batch& kept = texts_[PlaceOf(text)];
@@ -186,11 +187,13 @@ std::shared_ptr<Program> ProgramStore::ForShape(StatementShape& shape, std::stri
 }
 
 std::shared_ptr<Program> ProgramStore::ForProcedure(const ModuleInfo& procedure) {
-    return Current(procedures_[LowerAscii(procedure.name)], procedure.text);
+    std::shared_ptr<Program>& kept = procedures_[LowerAscii(procedure.name)];
+    if (!keeps_) kept.reset();
+    return Current(kept, procedure.text);
 }
 
 std::shared_ptr<Program> ProgramStore::ForCall(const std::string& text) {
-    if (calls_.size() >= kKeptCalls) calls_.clear();
+    if (!keeps_ || calls_.size() >= kKeptCalls) calls_.clear();
     return Current(calls_[text], text);
 }
 

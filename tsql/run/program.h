@@ -60,6 +60,9 @@ std::shared_ptr<Program> ParseProgram(std::string_view text, bool findRepeated);
 // What a session has parsed and may need again. A program that is running outlives its place here.
 class ProgramStore {
   public:
+    // Without keeping, each text is read anew.
+    explicit ProgramStore(bool keeps) : keeps_(keeps) {}
+
     struct Batch {
         std::shared_ptr<Program> program;
         std::shared_ptr<const SentText> sent;  // when the program is kept by its shape
@@ -80,6 +83,7 @@ class ProgramStore {
     static std::size_t PlaceOf(std::string_view text);
     std::shared_ptr<Program> ForShape(StatementShape& shape, std::string_view text);
 
+    const bool keeps_;
     using Programs = std::unordered_map<std::string, std::shared_ptr<Program>>;
     std::array<Batch, kKeptTexts> texts_;
     std::unordered_map<std::string, std::vector<std::shared_ptr<Program>>> shapes_;

@@ -42,6 +42,9 @@ struct SessionOptions {
     // Of tests: how deep a statement of SQLite may nest before it is taken apart, see Flattened; 0 for as
     // deep as SQLite lets it.
     int deepestText = 0;
+    // Of tests: false has every text read and every statement planned anew each time it runs, and no
+    // temporary table put aside.
+    bool keepsPlans = true;
 };
 
 // A statement that has run.

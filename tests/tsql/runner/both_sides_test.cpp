@@ -20,6 +20,7 @@
 #include "automation/error.h"
 #include "generator/batch_generator.h"
 #include "generator/forms.h"
+#include "generator/seeds.h"
 #include "generator/shrink.h"
 #include "platform/ado/account_set/account_set_provider.h"
 #include "runner/lane.h"
@@ -32,11 +33,6 @@ namespace fs = std::filesystem;
 
 // Told whole; those behind them are counted.
 constexpr int kMostTold = 40;
-
-std::uint32_t FromEnvironment(const char* name, std::uint32_t otherwise) {
-    const char* text = std::getenv(name);
-    return text != nullptr ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
-}
 
 std::string WithFifteenDigits(const std::string& text, const std::regex& numbers) {
     std::string rounded;
