@@ -75,4 +75,12 @@ std::optional<std::string> CodeOfName(int gridColumn, std::string_view name, std
     return found->RecordCount() == 1 ? found->Value("FNumber").ToTextOrEmpty() : std::string();
 }
 
+std::optional<bool> IsUnit(std::string_view id, std::string_view name) {
+    const ado::RecordsetRef found = GetRecordset(
+        "select FMeasureUnitID from t_MeasureUnit where FMeasureUnitID = " + entry::SqlQuote(id) +
+        " and FName = " + entry::SqlQuote(name));
+    if (found == nullptr) return std::nullopt;
+    return found->RecordCount() > 0;
+}
+
 }  // namespace vicenter::store

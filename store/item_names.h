@@ -25,5 +25,7 @@ std::string ItemNames(std::string_view accountNumber, std::string_view items);
 // unit among those of the account. Empty for other columns, for names that nobody knows and for those that
 // several have; nothing when it could not be read.
 std::optional<std::string> CodeOfName(int gridColumn, std::string_view name, std::string_view accountNumber);
+// Whether the unit of that id bears that name; nothing when it could not be read.
+std::optional<bool> IsUnit(std::string_view id, std::string_view name);
 
 }  // namespace vicenter::store

@@ -16,6 +16,7 @@
 #include "host/cli/templates.h"
 #include "platform/system/utf8.h"
 #include "store/column_room.h"
+#include "store/item_names.h"
 
 namespace vicenter::host {
 
@@ -123,15 +124,16 @@ class IdResolver {
         for (const Texts& texts : lines) {
             for (const int c :
                  {column::kAccountNumber, column::kSettleName, column::kCurrencyName, column::kUnitName}) {
-                const int idColumn =
-                    c == column::kAccountNumber ? column::kAccountId : center::Column(c).idColumn;
-                if (!TextAt(texts, idColumn).empty()) continue;
+                if (c != column::kAccountNumber && !TextAt(texts, center::Column(c).idColumn).empty())
+                    continue;
                 if (auto code = center::CodeIn(c, TextAt(texts, c))) codes.push_back(std::move(*code));
             }
         }
         records_.AskAhead(codes);
     }
-    // As pasting would: the id, and the name where the code stands for it.
+    // As pasting would: the id, and the name where the code stands for it. A line of another account set
+    // brings ids that mean others here: what the code or the name says counts, an id only where they say
+    // nothing.
     void Resolve(Texts& texts) {
         ResolveAccount(texts);
         for (const int named : {column::kSettleName, column::kCurrencyName, column::kUnitName})
@@ -147,7 +149,6 @@ class IdResolver {
     }
 
     void ResolveAccount(Texts& texts) {
-        if (!At(texts, column::kAccountId).empty()) return;
         const ado::RecordsetRef account = Find(column::kAccountNumber, At(texts, column::kAccountNumber));
         if (!account) return;
         At(texts, column::kAccountId) = IdIn(*account, column::kAccountNumber);
@@ -155,13 +156,23 @@ class IdResolver {
     }
 
     void ResolveNamed(Texts& texts, int nameColumn) {
-        const int idColumn = center::Column(nameColumn).idColumn;
-        if (!At(texts, idColumn).empty()) return;
-        ado::RecordsetRef record = Find(nameColumn, At(texts, nameColumn));
+        std::string& id = At(texts, center::Column(nameColumn).idColumn);
+        // Behind an id there is a name, whatever code it resembles.
+        const bool isName = !id.empty();
+        if (isName && nameColumn == column::kUnitName && HasOwnUnit(id, At(texts, nameColumn))) return;
+        ado::RecordsetRef record = isName ? nullptr : Find(nameColumn, At(texts, nameColumn));
         if (!record) record = FindNamed(nameColumn, texts);
         if (!record) return;
-        At(texts, idColumn) = IdIn(*record, nameColumn);
-        At(texts, nameColumn) = NameIn(*record);
+        id = IdIn(*record, nameColumn);
+        if (!isName) At(texts, nameColumn) = NameIn(*record);
+    }
+
+    // A unit's code finds the id of its group; a line from a voucher or a choice has the unit's own.
+    static bool HasOwnUnit(const std::string& id, const std::string& name) {
+        if (name.empty()) return false;
+        const std::optional<bool> isUnit = store::IsUnit(id, name);
+        if (!isUnit) throw Error(automation::error_number::kElementNotFound, center::UnreadableText(name));
+        return *isUnit;
     }
 
     static std::string IdIn(const ado::Recordset& record, int gridColumn) {
