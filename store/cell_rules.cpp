@@ -80,10 +80,19 @@ TextReading ReadBareNumber(const ColumnSpec& spec, std::string_view text) {
     return {verdict, verdict == TextVerdict::Taken ? std::move(cell) : std::string(text)};
 }
 
+// What the accounting format of spreadsheets shows for zero: a dash, a currency sign before it or not.
+bool IsDashForZero(std::string_view text) {
+    std::string number = TrimmedOfAnyBlanks(text);
+    if (!number.ends_with('-')) return false;
+    number.back() = '0';
+    return number.find_first_of("+-(") == std::string::npos && ReadNumberText(number) == "0";
+}
+
 TextReading ReadNumber(const ColumnSpec& spec, std::string_view text, TextOrigin origin) {
     const auto refused = [text](TextVerdict verdict) { return TextReading{verdict, std::string(text)}; };
     if (IsBareNumber(text)) return ReadBareNumber(spec, text);
     if (TrimmedOfAnyBlanks(text).empty()) return {};
+    if (origin == TextOrigin::Given && IsNumberKind(spec.kind) && IsDashForZero(text)) return {};
     const bool calculates =
         IsNumberKind(spec.kind) && (origin == TextOrigin::Typed ? IsCalculation(text) : HasEqualsSign(text));
     std::optional<std::string> plain;

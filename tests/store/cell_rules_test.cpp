@@ -211,11 +211,21 @@ TEST(CellTexts, AmountsAreReadAsSpreadsheetsShowThem) {
         ExpectRefused(column::kAmount, origin, TextVerdict::Negative,
                       {"-9", "(5)", "5-", "-¥1,234.50", "（5）"});
         ExpectRefused(column::kAmount, origin, TextVerdict::NotANumber,
-                      {"2,5", "1.2.3", "5e3", "abc", "2024-01-02", ".", "-"});
+                      {"2,5", "1.2.3", "5e3", "abc", "2024-01-02", ".", "--", "+-", "￥"});
         ExpectRefused(column::kAmount, origin, TextVerdict::TooLarge, {"1,000,000,000"});
         ExpectRefused(column::kAmount, origin, TextVerdict::TooManyDecimals, {"1.23456"});
         ExpectRefused(column::kAmount, origin, TextVerdict::BadCharacter, {"5'", "5|6", "5\t6"});
     }
+}
+
+// As the accounting format shows it; an empty cell is stored as zero.
+TEST(CellTexts, ADashOfASpreadsheetIsZero) {
+    for (const int gridColumn : {column::kAmount, column::kQuantity, column::kFileCount}) {
+        ExpectRead(gridColumn, TextOrigin::Given,
+                   {{"-", ""}, {" -   ", ""}, {" ￥ -   ", ""}, {"¥-", ""}, {"$ -\u00A0", ""}});
+        ExpectRefused(gridColumn, TextOrigin::Typed, TextVerdict::NotANumber, {"-"});
+    }
+    ExpectRefused(column::kNo, TextOrigin::Given, TextVerdict::BadCharacter, {"-"});
 }
 
 TEST(CellTexts, WholeNumbersMayBeWrittenWithZerosBehindThePoint) {
