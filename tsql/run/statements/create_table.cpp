@@ -6,6 +6,7 @@
 #include "tsql/base/text_units.h"
 #include "tsql/run/definition_check.h"
 #include "tsql/run/executor.h"
+#include "tsql/run/identity_insert.h"
 #include "tsql/syntax/print/printer.h"
 
 namespace vicenter::tsql::engine {
@@ -354,6 +355,7 @@ void Executor::CreateTable(const CreateTableStatement& statement) {
         TableInfo table;
         Constraining(statement.position, [&] { table = BuildTable(name, statement.definition, temporary); });
         catalog_.CreateTable(std::move(table));
+        BeginWithoutIdentityInsert(frame_, name);
         if (temporary && frame_->level > 0) frame_->temporaries.push_back(catalog_.FindTable(name)->id);
     });
 }

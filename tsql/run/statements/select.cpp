@@ -4,6 +4,7 @@
 #include "automation/object.h"
 #include "tsql/base/text_units.h"
 #include "tsql/run/executor.h"
+#include "tsql/run/identity_insert.h"
 #include "tsql/syntax/ast_children.h"
 
 namespace vicenter::tsql::engine {
@@ -214,6 +215,7 @@ void Executor::SelectInto(const SelectStatement& statement) {
         TakeOver(
             *statement.query, [this](const ObjectName& source) { return FindTable(source.Object()); }, whole);
         catalog_.CreateTable(table);
+        BeginWithoutIdentityInsert(frame_, name);
         if (temporary && frame_->level > 0) frame_->temporaries.push_back(catalog_.FindTable(name)->id);
         Plan& plan = PlanFor(&statement, [&](Translator& translator) {
             return translator.FillInto(*catalog_.FindTable(name), names, *statement.query);

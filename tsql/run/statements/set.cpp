@@ -115,10 +115,10 @@ void Executor::SetOption(const SetOptionStatement& statement) {
             const TableInfo* table = FindTable(statement.table.Object());
             if (table == nullptr) throw MakeError(1088, statement.position, {statement.table.Text()});
             if (table->IdentityColumn() == nullptr) throw MakeError(8106, statement.position, {table->name});
+            const bool isOwn = automation::SameName(options.identityInsert, table->name);
             if (!statement.on.value_or(false)) {
-                options.identityInsert.clear();
-            } else if (!options.identityInsert.empty() &&
-                       !automation::SameName(options.identityInsert, table->name)) {
+                if (isOwn) options.identityInsert.clear();
+            } else if (!isOwn && FindTable(options.identityInsert) != nullptr) {
                 throw MakeError(8107, statement.position,
                                 {"accountset", "dbo", options.identityInsert, table->name});
             } else {
