@@ -171,6 +171,11 @@ void DraftStore::Remove() {
     file_.clear();
 }
 
+bool DraftStore::IsLost() const {
+    std::error_code ignored;
+    return !file_.empty() && !fs::exists(system::PathFromUtf8(file_), ignored);
+}
+
 void DraftStore::Release() {
     file_.clear();
 }

@@ -39,6 +39,8 @@ class DraftStore {
     void Release();
     // The draft that was written last; empty when there is none.
     const std::string& File() const { return file_; }
+    // It was written and lies there no more: deleted beside the account set, or its folder is gone.
+    bool IsLost() const;
 
     // What windows that are gone have left of this user's, the newest first.
     std::vector<FoundDraft> LeftBehind() const;

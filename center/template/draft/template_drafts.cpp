@@ -28,7 +28,7 @@ bool TemplateDrafts::Keep(const std::optional<TypedText>& typed) {
         typed_.reset();
         return true;
     }
-    if (!unwritten_ && typed == typed_) return true;
+    if (!unwritten_ && typed == typed_ && !store_.IsLost()) return true;
     Draft draft;
     draft.userId = state_.userId;
     draft.templateId = state_.open.Id();
