@@ -10,6 +10,7 @@
 
 #include "platform/system/files.h"
 #include "tests/ui/demo_set_fixture.h"
+#include "tests/ui/rest.h"
 
 namespace vicenter::ui {
 namespace {
@@ -19,6 +20,7 @@ using system::MessageResult;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 class DraftsWay : public DemoSetTest {
   protected:
@@ -51,10 +53,10 @@ class DraftsWay : public DemoSetTest {
 TEST_F(DraftsWay, WhatIsTypedIsKeptBesideTheAccountSetWhileTheUserRests) {
     OpenAndTell();
     ClickNode("detail-1");
-    auto* rest = window->findChild<QTimer*>(QStringLiteral("draftTimer"));
-    rest->setInterval(0);
     TypeRemark("mine");
-    EXPECT_TRUE(QTest::qWaitFor([this] { return Drafts().size() == 1; }));
+    EXPECT_THAT(Drafts(), IsEmpty());
+    Rest(*window, "draftTimer");
+    ASSERT_EQ(Drafts().size(), 1U);
     EXPECT_THAT(Drafts()[0], HasSubstr("set.vas-1-1-"));
     ClickTool("mnuSave");
     EXPECT_THAT(Drafts(), IsEmpty());
@@ -64,25 +66,27 @@ TEST_F(DraftsWay, WhatIsTypedIsKeptBesideTheAccountSetWhileTheUserRests) {
 TEST_F(DraftsWay, WhatStandsInAnEditorIsKeptAndGoesWhenItIsGivenUpThere) {
     OpenAndTell();
     ClickNode("detail-1");
-    window->findChild<QTimer*>(QStringLiteral("draftTimer"))->setInterval(0);
     ClickCell(2, column::kExplanation);
     Type("half");
     const auto draft = [this] {
         std::ifstream in(system::PathFromUtf8(file).parent_path() / Drafts().at(0), std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(in), {});
     };
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return Drafts().size() == 1 && draft().find("half") != std::string::npos; }));
+    Rest(*window, "draftTimer");
+    ASSERT_EQ(Drafts().size(), 1U);
+    EXPECT_THAT(draft(), HasSubstr("half"));
     EXPECT_TRUE(window->Grid().IsEditing());
     EXPECT_FALSE(window->Presenter().IsDirty());
     Key(Qt::Key_Escape);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Drafts().empty(); }));
+    Rest(*window, "draftTimer");
+    EXPECT_THAT(Drafts(), IsEmpty());
     // Taken, it is one of the cells.
     Type("whole");
     Key(Qt::Key_Return);
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return Drafts().size() == 1 && draft().find("whole") != std::string::npos; }));
-    EXPECT_EQ(draft().find("half"), std::string::npos);
+    Rest(*window, "draftTimer");
+    ASSERT_EQ(Drafts().size(), 1U);
+    EXPECT_THAT(draft(), HasSubstr("whole"));
+    EXPECT_THAT(draft(), Not(HasSubstr("half")));
 }
 
 TEST_F(DraftsWay, AWindowClosedByItsFrameLeavesADraftThatTheNextOneOffers) {
@@ -131,24 +135,46 @@ TEST_F(DraftsWay, ADraftIsThatOfTheFileByWhateverLinkItIsOpened) {
 }
 
 TEST_F(DraftsWay, TheFrameStaysWhenWhatWasTypedCanBeKeptNowhere) {
+    for (const bool rested : {false, true}) {
+        SCOPED_TRACE(rested);
+        OpenAndTell();
+        ClickNode("detail-1");
+        TypeRemark("mine");
+        if (rested) Rest(*window, "draftTimer");
+        // Files stand where the account set's folder and the user's were.
+        const fs::path place = system::PathFromUtf8(file).parent_path();
+        const fs::path aside = place.string() + ".aside";
+        fs::rename(place, aside);
+        std::ofstream(place) << "no folder";
+        surroundings.folders->data = system::PathToUtf8(place);
+        TakeMessages();
+        surroundings.messageBoxes->answers = {MessageResult::No};
+        CloseTheFrame();
+        ASSERT_TRUE(window && window->isVisible());
+        EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("未能保留为草稿")));
+        fs::remove(place);
+        fs::rename(aside, place);
+        CloseTheFrame();
+        ASSERT_EQ(Drafts().size(), 1U);
+        Close();
+        fs::remove(place / Drafts()[0]);
+    }
+}
+
+// By somebody who tidies up files that he does not know.
+TEST_F(DraftsWay, ADraftThatIsDeletedWhileItsWindowIsOpenIsLeftAgainByTheFrame) {
     OpenAndTell();
     ClickNode("detail-1");
     TypeRemark("mine");
-    // Files stand where the account set's folder and the user's were.
-    const fs::path place = system::PathFromUtf8(file).parent_path();
-    const fs::path aside = place.string() + ".aside";
-    fs::rename(place, aside);
-    std::ofstream(place) << "no folder";
-    surroundings.folders->data = system::PathToUtf8(place);
-    TakeMessages();
-    surroundings.messageBoxes->answers = {MessageResult::No};
+    Rest(*window, "draftTimer");
+    ASSERT_EQ(Drafts().size(), 1U);
+    fs::remove(system::PathFromUtf8(file).parent_path() / Drafts()[0]);
     CloseTheFrame();
-    EXPECT_TRUE(window->isVisible());
-    EXPECT_THAT(TakeMessages(), ElementsAre(HasSubstr("未能保留为草稿")));
-    fs::remove(place);
-    fs::rename(aside, place);
-    CloseTheFrame();
-    EXPECT_EQ(Drafts().size(), 1U);
+    Close();
+    ASSERT_EQ(Drafts().size(), 1U);
+    surroundings.messageBoxes->answers = {MessageResult::Yes};
+    OpenAndTell();
+    EXPECT_EQ(Text(1, column::kExplanation), "mine");
 }
 #endif
 

@@ -20,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/ui/demo_set_fixture.h"
+#include "tests/ui/rest.h"
 
 namespace vicenter::ui {
 namespace {
@@ -94,10 +95,9 @@ void FillIn(QDialog& dialog) {
     EXPECT_EQ(groups->currentText(), QStringLiteral("收"));
     TypeInto(dialog, "txtVchTpName", "October");
     // The count follows once the filter has settled.
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-        return dialog.findChild<QLabel*>(QStringLiteral("lblSelected"))->text() ==
-               QStringLiteral("将生成 2 个凭证模板编号（2 张凭证，4 条分录）");
-    }));
+    Rest(dialog, "settledTimer");
+    EXPECT_EQ(dialog.findChild<QLabel*>(QStringLiteral("lblSelected"))->text(),
+              QStringLiteral("将生成 2 个凭证模板编号（2 张凭证，4 条分录）"));
 }
 
 void ChooseEveryField(QDialog& dialog) {
@@ -242,7 +242,8 @@ TEST_F(FilteredGenerationTest, VouchersThatWouldMergeAreWarnedOfAndOneGroupIsOff
     WithOctober([](QDialog& dialog) {
         auto* warning = dialog.findChild<QLabel*>("lblMerged");
         auto* oneGroup = dialog.findChild<QPushButton*>("cmdOneGroup");
-        EXPECT_TRUE(QTest::qWaitFor([&] { return warning->isVisible(); }));
+        Rest(dialog, "settledTimer");
+        EXPECT_TRUE(warning->isVisible());
         EXPECT_TRUE(warning->text().startsWith("不同类别的凭证有相同的凭证号（1"))
             << warning->text().toStdString();
         EXPECT_TRUE(oneGroup->isVisible());

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/ui/rest.h"
 #include "ui/run/application.h"
 #include "ui/run/display.h"
 
@@ -14,5 +15,7 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setEffectEnabled(Qt::UI_AnimateCombo, false);
     vicenter::ui::SetUpApplication(application);
+    vicenter::ui::NobodyRests nobody;
+    application.installEventFilter(&nobody);
     return RUN_ALL_TESTS();
 }

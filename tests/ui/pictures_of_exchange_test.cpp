@@ -8,6 +8,7 @@
 #include "exchange/template_columns.h"
 #include "platform/office/workbook_file.h"
 #include "tests/ui/pictures_fixture.h"
+#include "tests/ui/rest.h"
 
 namespace vicenter::ui {
 namespace {
@@ -101,7 +102,8 @@ TEST_F(ExchangePicturesTest, PatternsOfAGeneration) {
             Fill(dialog, "txtPeriod2", "1");
             Fill(dialog, "txtPeriod3", "12");
             auto* warning = dialog.findChild<QLabel*>("lblMerged");
-            EXPECT_TRUE(QTest::qWaitFor([&] { return warning->isVisible(); }));
+            Rest(dialog, "settledTimer");
+            EXPECT_TRUE(warning->isVisible());
             QApplication::processEvents();
             Picture("generation-warning", dialog);
             // One group, all of its vouchers.
@@ -110,7 +112,8 @@ TEST_F(ExchangePicturesTest, PatternsOfAGeneration) {
             while (groups->currentText() != "付" && groups->currentIndex() + 1 < groups->count())
                 QTest::keyClick(groups, Qt::Key_Down);
             Fill(dialog, "txtPeriod3", "40");
-            EXPECT_TRUE(QTest::qWaitFor([&] { return !warning->isVisible(); }));
+            Rest(dialog, "settledTimer");
+            EXPECT_FALSE(warning->isVisible());
             QApplication::processEvents();
             Dialog(
                 "generation-preview", [&] { Click(dialog, "cmdPatterns"); },

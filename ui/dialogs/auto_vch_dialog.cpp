@@ -29,7 +29,8 @@ constexpr const char* kUpDownNames[] = {"updBYear", "updBPeriod", "updEYear", "u
 
 }  // namespace
 
-AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
+AutoVchDialog::AutoVchDialog(QWidget* parent)
+    : QDialog(parent), settled_(QStringLiteral("settledTimer"), kSettleMilliseconds, this) {
     setObjectName(QStringLiteral("frmAutoVch"));
     setWindowTitle(QString::fromUtf8(autovch::kAutoVchCaption));
 
@@ -79,8 +80,6 @@ AutoVchDialog::AutoVchDialog(QWidget* parent) : QDialog(parent) {
     setMinimumWidth(460);
     FrameDialog(*this);
 
-    settled_.setSingleShot(true);
-    settled_.setInterval(kSettleMilliseconds);
     connect(&settled_, &QTimer::timeout, this, [this] { Guarded([this] { form_.FilterSettled(); }); });
     connect(name_, &QLineEdit::textEdited, this,
             [this](const QString& text) { Guarded([&] { form_.SetTemplateName(FromQt(text)); }); });

@@ -10,10 +10,10 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTimer>
 #include <array>
 
 #include "autovch/frm_auto_vch.h"
+#include "ui/run/rest_timer.h"
 
 namespace vicenter::ui {
 
@@ -61,7 +61,7 @@ class AutoVchDialog : public QDialog, private autovch::AutoVchView {
     QProgressBar* progress_ = nullptr;
     QWidget* filter_ = nullptr;
     QPushButton* generate_ = nullptr;
-    QTimer settled_;
+    RestTimer settled_;
     bool showing_ = false;     // the presenter's own texts are no edits of the user
     bool generating_ = false;  // Cancel then ends the generation, not the dialog
     bool cancelled_ = false;

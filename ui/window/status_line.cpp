@@ -68,7 +68,9 @@ StatusLine::StatusLine(QWidget* parent)
       unbalanced_(new StatusText(this)),
       selection_(new StatusText(this)),
       sums_(new StatusText(this)),
-      counts_(new StatusText(this)) {
+      counts_(new StatusText(this)),
+      flash_(QStringLiteral("flashTimer"), kFlashMilliseconds, this),
+      done_(QStringLiteral("doneTimer"), kDoneMilliseconds, this) {
     setObjectName(QStringLiteral("statusLine"));
     setSizeGripEnabled(false);
     setContentsMargins(4, 0, 4, 0);
@@ -94,11 +96,7 @@ StatusLine::StatusLine(QWidget* parent)
     hint_->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     hint_->setFocusPolicy(Qt::NoFocus);
     connect(hint_, &QLabel::linkActivated, this, [this] { emit fileClicked(doneFile_); });
-    flash_.setSingleShot(true);
-    flash_.setInterval(kFlashMilliseconds);
     connect(&flash_, &QTimer::timeout, this, &StatusLine::EndFlash);
-    done_.setSingleShot(true);
-    done_.setInterval(kDoneMilliseconds);
     connect(&done_, &QTimer::timeout, this, &StatusLine::EndDone);
     connect(&Theme::Process(), &Theme::changed, this, &StatusLine::ApplyColors);
     SetState({});

@@ -5,10 +5,10 @@
 
 #include <QLabel>
 #include <QStatusBar>
-#include <QTimer>
 #include <QToolButton>
 
 #include "center/frame/vicenter_view.h"
+#include "ui/run/rest_timer.h"
 
 namespace vicenter::ui {
 
@@ -43,10 +43,10 @@ class StatusLine : public QStatusBar {
     QLabel* selection_;
     QLabel* sums_;
     QLabel* counts_;
-    QTimer flash_;
+    RestTimer flash_;
     QString hintText_;
     QString flashText_;
-    QTimer done_;
+    RestTimer done_;
     QString doneText_;
     QString doneFile_;
 };

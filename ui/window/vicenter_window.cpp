@@ -9,7 +9,6 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QScrollBar>
-#include <QTimer>
 #include <QUrl>
 
 #include "ui/grid/key_codes.h"
@@ -21,6 +20,7 @@
 #include "ui/run/application.h"
 #include "ui/run/keyboard_home.h"
 #include "ui/run/long_work.h"
+#include "ui/run/rest_timer.h"
 #include "ui/run/slot_guard.h"
 
 namespace vicenter::ui {
@@ -159,22 +159,15 @@ void VICenterWindow::BuildGrid() {
     connect(grid_, &GridView::contentsMoved, this, &VICenterWindow::PlaceOverlays);
     connect(grid_, &GridView::rowsPulledOut, this, &VICenterWindow::DragRows);
     connect(model_, &GridModel::activeCellChanged, this, &VICenterWindow::PlaceOverlays);
-    listTimer_ = new QTimer(this);
-    listTimer_->setObjectName(QStringLiteral("listTimer"));
-    listTimer_->setSingleShot(true);
-    listTimer_->setInterval(kListMilliseconds);
+    listTimer_ = new RestTimer(QStringLiteral("listTimer"), kListMilliseconds, this);
     connect(listTimer_, &QTimer::timeout, this, &VICenterWindow::PrepareNameLists);
     connect(model_, &GridModel::activeCellChanged, listTimer_, qOverload<>(&QTimer::start));
-    homeTimer_ = new QTimer(this);
-    homeTimer_->setObjectName(QStringLiteral("homeTimer"));
-    homeTimer_->setInterval(kHomeMilliseconds);
+    homeTimer_ = new RestTimer(QStringLiteral("homeTimer"), kHomeMilliseconds, this);
+    homeTimer_->setSingleShot(false);
     connect(homeTimer_, &QTimer::timeout, this, [this] {
         if (!progress_->IsPolling()) Guarded([this] { presenter_->BringHome(); });
     });
-    draftTimer_ = new QTimer(this);
-    draftTimer_->setObjectName(QStringLiteral("draftTimer"));
-    draftTimer_->setSingleShot(true);
-    draftTimer_->setInterval(kDraftMilliseconds);
+    draftTimer_ = new RestTimer(QStringLiteral("draftTimer"), kDraftMilliseconds, this);
     connect(draftTimer_, &QTimer::timeout, this, &VICenterWindow::KeepDraft);
     for (const auto signal : {&GridModel::rowsInserted, &GridModel::rowsRemoved})
         connect(model_, signal, this, &VICenterWindow::ContentChanged);

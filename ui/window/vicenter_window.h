@@ -142,10 +142,10 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     SearchPanel* search_ = nullptr;
     GridModel* model_ = nullptr;
     GridView* grid_ = nullptr;
-    QTimer* listTimer_ = nullptr;   // runs out when the user rests on a cell: name lists are read
-    QTimer* homeTimer_ = nullptr;   // runs while no command does: what was saved comes home
-    QTimer* draftTimer_ = nullptr;  // runs out when nothing has been typed for a while: a draft is kept
-    QElapsedTimer typing_;          // since what is typed has last been kept
+    RestTimer* listTimer_ = nullptr;   // runs out when the user rests on a cell: name lists are read
+    RestTimer* homeTimer_ = nullptr;   // runs while no command does: what was saved comes home
+    RestTimer* draftTimer_ = nullptr;  // runs out when nothing has been typed for a while: a draft is kept
+    QElapsedTimer typing_;             // since what is typed has last been kept
     Zone zone_ = Zone::Elsewhere;
     QString account_;  // behind the title: account set and user
     bool modified_ = false;
