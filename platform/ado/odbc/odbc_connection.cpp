@@ -241,14 +241,22 @@ std::string OdbcConnection::Marked(std::string_view batch) {
                                         return link->TakesUnicode(table, column);
                                     });
     };
+    bool stopped = false;
+    const auto stop = [&stopped, link = link_] {
+        stopped = true;
+        link->StopAsking();
+    };
+    // A line with a transaction on it goes with whatever it has locked.
+    const auto fail = [this] {
+        link_.reset();
+        unitLost_ = inUnit_;
+        throw Error(error_number::kOperationCancelled, kCancelledText, kSource);
+    };
     try {
-        if (!RunWatched(mark, [] {})) {
-            link_.reset();
-            unitLost_ = inUnit_;
-            throw Error(error_number::kOperationCancelled, kCancelledText, kSource);
-        }
+        if (!RunWatched(mark, stop) || stopped) fail();
         return std::move(*marked);
     } catch (const UnansweredQuestion& question) {
+        if (stopped) fail();
         FailUnanswered(question);
     } catch (const Error& error) {
         DriverError record;

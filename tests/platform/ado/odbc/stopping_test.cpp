@@ -141,6 +141,28 @@ TEST_F(StoppingTest, TheSameConnectionWorksBehindABatchThatWasStopped) {
     EXPECT_EQ(connection->Execute("select a from t")->RecordCount(), 1);
 }
 
+// The line asks for the server's code page before it sends the first batch that is not ASCII.
+TEST_F(StoppingTest, AQuestionOfTheLineItselfIsTakenBackAndLeavesNothingLocked) {
+    const auto connection = books_.Open("Pooling=no");
+    connection->BeginUnit();
+    connection->Execute("delete from t");
+    books_.Server().ForgetBatches();
+    books_.Server().Behave(std::make_shared<StallAtBatch>(1));
+    StopAtBatch(1);
+    try {
+        connection->Execute("insert into t values (N'新')");
+        ADD_FAILURE();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.Number(), ado::error_number::kOperationCancelled) << error.Text();
+    }
+    EXPECT_THAT(books_.Server().Batches(), testing::ElementsAre(HasSubstr("collationproperty")));
+    EXPECT_FALSE(connection->CommitUnit());
+    EXPECT_EQ(Content(), "old;");
+    watcher_->stop = nullptr;
+    EXPECT_EQ(Try("insert into t values (N'next')").second, "");
+    EXPECT_EQ(Content(), "next;old;");
+}
+
 TEST_F(StoppingTest, AServerThatTakesNoWishIsLeftToItself) {
     books_.Server().Behave(std::make_shared<DeafFromBatch>(1));
     StopAtBatch(1);
