@@ -301,7 +301,10 @@ void ServerConnection::Answer(const Message& message) {
 bool ServerConnection::WaitAsLongAsBehaved() {
     if (behaviour_.IsDeafToBatches()) packets_.WaitForEnd();
     const int delay = behaviour_.DelayMilliseconds();
-    if (delay <= 0 || !packets_.WaitForInput(delay)) return true;
+    if (delay <= 0) return true;
+    const bool went = !packets_.WaitForInput(delay);
+    behaviour_.DelayEnded();
+    if (went) return true;
     // An attention, or the end of the line, which the next read finds.
     const Message message = packets_.Read();
     if (message.type != PacketType::kAttention) throw LineClosed();

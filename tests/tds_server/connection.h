@@ -45,12 +45,17 @@ class ServerConnection {
         }
         bool CutsBehindAnswer() override { return server_.Behaviour()->CutsBehindAnswer(); }
         void Sends(std::string_view tokens) override { server_.Behaviour()->Sends(tokens); }
-        int DelayMilliseconds() override { return server_.Behaviour()->DelayMilliseconds(); }
+        int DelayMilliseconds() override {
+            delaying_ = server_.Behaviour();
+            return delaying_->DelayMilliseconds();
+        }
+        void DelayEnded() override { delaying_->DelayEnded(); }
         bool IsDeafToLogins() override { return server_.Behaviour()->IsDeafToLogins(); }
         bool IsDeafToBatches() override { return server_.Behaviour()->IsDeafToBatches(); }
 
       private:
         const Server& server_;
+        std::shared_ptr<Misbehaviour> delaying_;
     };
     class Retelling;
     class Counted;

@@ -40,6 +40,7 @@ class Misbehaviour {
     virtual void Sends(std::string_view /*tokens*/) {}
     // How long a batch lets wait for its answer; an attention ends the waiting.
     virtual int DelayMilliseconds() { return 0; }
+    virtual void DelayEnded() {}
     // Asked at each login and each batch: it is not answered, whatever else comes, as behind a line that
     // leads nowhere.
     virtual bool IsDeafToLogins() { return false; }
@@ -78,11 +79,20 @@ class Slow final : public Misbehaviour {
 class StallAtBatch final : public Misbehaviour {
   public:
     explicit StallAtBatch(int n) : left_(n) {}
-    int DelayMilliseconds() override { return --left_ == 0 ? kVeryLong : 0; }
+    int DelayMilliseconds() override {
+        if (--left_ != 0) return 0;
+        hangs_ = true;
+        return kVeryLong;
+    }
+    void DelayEnded() override { hangs_ = false; }
+    bool HasCome() const { return left_ <= 0; }
+    // It has come, and nobody has ended it.
+    bool Hangs() const { return hangs_; }
 
   private:
     static constexpr int kVeryLong = 600'000;
     std::atomic<int> left_;
+    std::atomic<bool> hangs_{false};
 };
 
 class DeafToLogins final : public Misbehaviour {

@@ -4,7 +4,6 @@
 #include <QComboBox>
 #include <QMimeData>
 #include <QScopeGuard>
-#include <QTimer>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -19,8 +18,8 @@
 #include "tests/host/program_run.h"
 #include "tests/tds_server/server.h"
 #include "tests/ui/tree_menu_fixture.h"
+#include "tests/ui/work_at_once.h"
 #include "ui/grid/rows_format.h"
-#include "ui/run/long_work.h"
 
 namespace vicenter::ui {
 namespace {
@@ -28,29 +27,6 @@ namespace {
 using system::MessageResult;
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-// Hangs at the n-th batch only, and says so.
-class Stall final : public tds_server::Misbehaviour {
-  public:
-    explicit Stall(int n) : left_(n) {}
-    int DelayMilliseconds() override {
-        constexpr int kVeryLong = 600'000;
-        return --left_ == 0 ? kVeryLong : 0;
-    }
-    bool HasCome() const { return left_ <= 0; }
-
-  private:
-    std::atomic<int> left_;
-};
-
-// Nobody waits for the first second of what hangs.
-class WorkAtOnce final : public QtLongWork {
-  public:
-    bool GoOn(std::chrono::milliseconds taken) override {
-        return QtLongWork::GoOn(stall && stall->HasCome() ? taken + std::chrono::seconds(1) : taken);
-    }
-    std::shared_ptr<Stall> stall;
-};
 
 // Clicks Cancel as soon as the box is shown, once.
 class Impatient final : public QObject {
@@ -96,8 +72,6 @@ class CancelledWork : public TreeMenuTest {
         server_.AddDatabase(name, system::PathFromUtf8(file));
         session = host::RegisterHostComponents({server_.ConnectText(name), 1});
         Open();
-        // Nobody rests on a cell: the batches are the command's alone.
-        window->findChild<QTimer*>("listTimer")->blockSignals(true);
         TakeMessages();
     }
 
@@ -171,7 +145,7 @@ class CancelledWork : public TreeMenuTest {
             Begin();
             prepare();
             TakeMessages();
-            work_->stall = std::make_shared<Stall>(n);
+            work_->stall = std::make_shared<tds_server::StallAtBatch>(n);
             {
                 const Impatient user;
                 run([&] { server_.Behave(work_->stall); });

@@ -11,7 +11,7 @@
 #include "platform/system/files.h"
 #include "tests/tds_server/server.h"
 #include "tests/ui/demo_set_fixture.h"
-#include "ui/run/long_work.h"
+#include "tests/ui/work_at_once.h"
 
 namespace vicenter::ui {
 namespace {
@@ -31,7 +31,7 @@ class ServerWayTest : public DemoSetTest {
         ado::RegisterOdbcProviders();
         server_.AddDatabase("books", system::PathFromUtf8(file));
         session = host::RegisterHostComponents({server_.ConnectText("books"), 1});
-        system::Surroundings::Current().longWork = std::make_shared<QtLongWork>();
+        system::Surroundings::Current().longWork = work_;
     }
     ~ServerWayTest() override {
         Close();
@@ -116,7 +116,10 @@ class ServerWayTest : public DemoSetTest {
         EXPECT_EQ(Shown(), typed);
     }
 
+    std::shared_ptr<StallAtBatch> StallAt(int n) { return work_->stall = std::make_shared<StallAtBatch>(n); }
+
     tds_server::Server server_;
+    std::shared_ptr<WorkAtOnce> work_ = std::make_shared<WorkAtOnce>();
 };
 
 // Presses Cancel as soon as the box is shown, once: what the server has not let go of by the next try is
@@ -194,7 +197,7 @@ TEST_F(ServerWayTest, ABoxStandsOverTheWindowWhileTheServerWorks) {
     Open();
     ClickNode(kTemplate);
     Camera camera(*window);
-    server_.Behave(std::make_shared<StallAtBatch>(1));
+    server_.Behave(StallAt(1));
     ClickNode("detail-0");
     EXPECT_EQ(camera.looked, 1);
     server_.BehaveWell();
@@ -203,7 +206,7 @@ TEST_F(ServerWayTest, ABoxStandsOverTheWindowWhileTheServerWorks) {
 TEST_F(ServerWayTest, AQuestionThatHangsIsStoppedFromItsBoxAndTheWindowGoesOn) {
     Open();
     const Impatient user;
-    server_.Behave(std::make_shared<StallAtBatch>(1));
+    server_.Behave(StallAt(1));
     ClickNode(kTemplate);
     EXPECT_EQ(user.boxes, 1);
     server_.BehaveWell();
@@ -212,6 +215,29 @@ TEST_F(ServerWayTest, AQuestionThatHangsIsStoppedFromItsBoxAndTheWindowGoesOn) {
     ClickNode(kTemplate);
     EXPECT_GT(window->Presenter().RowCount(), 0);
     EXPECT_THAT(TakeMessages(), ::testing::IsEmpty());
+}
+
+TEST_F(ServerWayTest, ABoxThatGoesIsNoReasonToAskAnew) {
+    Open();
+    const auto comeBack = [&] {
+        server_.ForgetBatches();
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+        return server_.Batches().size();
+    };
+    const Impatient user;
+    server_.Behave(StallAt(1));
+    ClickNode(kTemplate);
+    server_.BehaveWell();
+    ASSERT_EQ(user.boxes, 1);
+    ASSERT_FALSE(window->isActiveWindow());
+    EXPECT_EQ(comeBack(), 0U);
+    // From a window of another program.
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    EXPECT_GT(comeBack(), 0U);
 }
 
 // Whichever of its statements it is that the user stops: none of the save is stored, or all of it, and that
@@ -234,7 +260,7 @@ TEST_F(ServerWayTest, AStoppedSaveIsStoredOrNotAsItIsTold) {
         std::vector<std::string> said;
         {
             const Impatient user;
-            server_.Behave(std::make_shared<StallAtBatch>(n));
+            server_.Behave(StallAt(n));
             ClickTool("mnuSave");
             server_.BehaveWell();
             said = TakeMessages();
@@ -271,7 +297,7 @@ TEST_F(ServerWayTest, ASaveThatHangsIsStoppedFromItsBoxAndNothingTypedIsLost) {
     const int saves = SaveWithEach(
         [&](int n) {
             user.presses = true;
-            return std::make_shared<StallAtBatch>(n);
+            return StallAt(n);
         },
         [&, boxes = 0]() mutable { return std::exchange(boxes, user.boxes) != user.boxes; }, "hang ", 8);
     EXPECT_GE(saves, 4);  // a guard, and a unit of three trips

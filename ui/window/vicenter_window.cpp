@@ -317,7 +317,11 @@ void VICenterWindow::dropEvent(QDropEvent* event) {
 
 void VICenterWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow() && loaded_ && !unloaded_) {
+    if (event->type() != QEvent::ActivationChange || !loaded_ || unloaded_) return;
+    if (!isActiveWindow()) {
+        // It comes and goes by itself: whatever asked the server behind it would bring the next one.
+        beneathLongWork_ = qobject_cast<LongWorkBox*>(QApplication::activeModalWidget()) != nullptr;
+    } else if (!std::exchange(beneathLongWork_, false)) {
         Guarded([this] { presenter_->Activate(); });
         listTimer_->start();
     }

@@ -151,6 +151,7 @@ class VICenterWindow : public QMainWindow, public center::VICenterView {
     bool modified_ = false;
     bool loaded_ = false;
     bool unloaded_ = false;
+    bool beneathLongWork_ = false;  // no window of the user's has taken the keyboard, but the box has
     std::optional<system::PinyinLoading> pinyin_;  // for the name lists, from the first pause on
     std::unique_ptr<center::frmVICenter> presenter_;
 };
