@@ -14,6 +14,7 @@
 #include <QToolButton>
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 #include "automation/error.h"
 #include "platform/system/file_replacement.h"
@@ -49,11 +50,6 @@ constexpr Line kLines[kLineCount] = {
     {"2", "报销市内交通费", "借", "1001", "2500.5"},
     {"2", "报销市内交通费", "贷", "9999", "2500.5"},
 };
-
-void Settle() {
-    QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
 
 }  // namespace
 
@@ -126,13 +122,18 @@ VICenterWindow* OffscreenSession::OpenWindow() {
         if (auto* window = qobject_cast<VICenterWindow*>(widget); window && window->isVisible())
             window_ = window;
     }
-    if (!window_) return nullptr;
-    Activate();
-    Settle();
+    if (window_) Settle();
     return window_;
 }
 
-// Without a window manager nobody gives the focus back when a dialog has closed.
+// Without a window manager nobody gives the focus back when a dialog has closed, or the box over a command
+// that took long.
+void OffscreenSession::Settle() {
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    if (window_ && !window_->isActiveWindow() && !QApplication::activeModalWidget()) Activate();
+}
+
 void OffscreenSession::Activate() {
     window_->activateWindow();
     QElapsedTimer waited;
@@ -143,9 +144,8 @@ void OffscreenSession::Activate() {
 }
 
 void OffscreenSession::CloseWindow() {
-    window_->close();
+    std::exchange(window_, nullptr)->close();
     Settle();
-    window_ = nullptr;
 }
 
 void OffscreenSession::Click(QWidget& widget, int x, int y) {
@@ -172,8 +172,13 @@ void OffscreenSession::ClickTool(const QString& key) {
     Click(*button, button->width() / 2, button->height() / 2);
 }
 
+QWidget* OffscreenSession::Keyboard() {
+    if (!QApplication::focusWidget()) Settle();
+    return QApplication::focusWidget() ? QApplication::focusWidget() : window_;
+}
+
 void OffscreenSession::Key(int key, int modifiers) {
-    QWidget* target = QApplication::focusWidget() ? QApplication::focusWidget() : window_;
+    QWidget* target = Keyboard();
     const auto keys = static_cast<Qt::KeyboardModifiers>(modifiers);
     QKeyEvent press(QEvent::KeyPress, key, keys);
     QKeyEvent release(QEvent::KeyRelease, key, keys);
@@ -184,7 +189,7 @@ void OffscreenSession::Key(int key, int modifiers) {
 
 void OffscreenSession::Type(const QString& text) {
     for (const QChar character : text) {
-        QWidget* target = QApplication::focusWidget() ? QApplication::focusWidget() : window_;
+        QWidget* target = Keyboard();
         if (character.unicode() > 0x7F) {
             // Chinese comes from an input method.
             QInputMethodEvent commit;
@@ -276,7 +281,6 @@ void OffscreenSession::ChooseColumns() {
         Click(*ok, ok->width() / 2, ok->height() / 2);
     });
     ClickTool(QStringLiteral("mnuShowCol"));
-    Activate();
     Expect(window_->Presenter().Grid().Layout(center::column::kFileCount).hidden,
            "the column of attachments is still shown");
 }

@@ -39,6 +39,7 @@ class OffscreenSession {
     void Picture(const std::string& stem, QWidget* of = nullptr);
 
     ui::VICenterWindow* OpenWindow();
+    void Settle();
     void Activate();
     void CloseWindow();
     void MakeTemplate();
@@ -49,6 +50,8 @@ class OffscreenSession {
 
     void Click(QWidget& widget, int x, int y);
     void ClickTool(const QString& key);
+    // Where keys go.
+    QWidget* Keyboard();
     void Key(int key, int modifiers = 0);
     void Type(const QString& text);
     // Types into the active cell and takes it with Tab.
