@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "tests/center/center_fixture.h"
+#include "tests/fakes/own_folder.h"
 
 namespace vicenter::center::test {
 namespace {
@@ -198,7 +199,8 @@ TEST_F(Faults, OfAWorkbookStayUntilItComesInOrBringsOthers) {
 }
 
 TEST_F(Faults, OfAWorkbookAreMendedThere) {
-    const ReportedFault fault{FaultSource::Workbook, testing::TempDir() + "fault_list_test.xlsx", {}};
+    const fakes::OwnFolder folder;
+    const ReportedFault fault{FaultSource::Workbook, (folder.Path() / "book.xlsx").string(), {}};
     std::ofstream(fault.source) << "x";
     Window().Faults().OpenReported(fault);
     EXPECT_THAT(surroundings_.processes->opened, ElementsAre(fault.source));

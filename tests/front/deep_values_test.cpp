@@ -1,10 +1,10 @@
 // Values within values, as many as a host likes: what is too deep is refused, and nothing is too deep to be
 // given back.
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "tests/fakes/own_folder.h"
 #include "tests/front/front_testing.h"
 
 namespace vicenter::front {
@@ -145,13 +145,13 @@ TEST_F(DeepValues, JsonOfADictionaryThatHoldsItselfIsRefused) {
 }
 
 TEST_F(DeepValues, ThousandsOfResultsOfOneBatchAreGivenBack) {
-    const std::filesystem::path file =
-        std::filesystem::path(::testing::TempDir()) / "deep_values_results.vas";
-    std::filesystem::remove(file);
+    const fakes::OwnFolder folder;
     {
         Handle connection("ADODB.Connection");
-        const std::string connect =
-            "Provider=VelaAccountSet;Create=yes;Pooling=no;Data Source=" + file.string();
+        const vic_variant endless = Value::Int(0);
+        ASSERT_EQ(vic_put(connection.object, "CommandTimeout", &endless), 0);
+        const std::string connect = "Provider=VelaAccountSet;Create=yes;Pooling=no;Data Source=" +
+                                    (folder.Path() / "set.vas").string();
         ASSERT_EQ(connection.Call("Open", {Value::Text(connect)}), 0) << vic_error_description();
         std::string batch;
         for (int i = 0; i < 120'000; ++i)
@@ -165,7 +165,6 @@ TEST_F(DeepValues, ThousandsOfResultsOfOneBatchAreGivenBack) {
         EXPECT_EQ(vic_clear(&second.variant), 0);
         ASSERT_EQ(connection.Call("Close"), 0);
     }
-    std::filesystem::remove(file);
 }
 
 }  // namespace

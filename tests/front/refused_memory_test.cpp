@@ -3,10 +3,10 @@
 
 #include "tests/fakes/refused_memory.h"
 
-#include <filesystem>
 #include <functional>
 #include <string>
 
+#include "tests/fakes/own_folder.h"
 #include "tests/front/front_testing.h"
 
 namespace vicenter::front {
@@ -107,11 +107,11 @@ TEST_F(RefusedMemory, InCreatingAndFailing) {
 }
 
 TEST_F(RefusedMemory, InStatements) {
-    const std::filesystem::path file = std::filesystem::path(::testing::TempDir()) / "refused_memory.vas";
-    std::filesystem::remove(file);
+    const fakes::OwnFolder folder;
     {
         Handle connection("ADODB.Connection");
-        const std::string connect = "Provider=VelaAccountSet;Create=yes;Data Source=" + file.string();
+        const std::string connect =
+            "Provider=VelaAccountSet;Create=yes;Data Source=" + (folder.Path() / "set.vas").string();
         ASSERT_EQ(connection.Call("Open", {Value::Text(connect)}), 0) << vic_error_description();
         ASSERT_EQ(
             connection.Call("Execute",
@@ -137,7 +137,6 @@ TEST_F(RefusedMemory, InStatements) {
         EXPECT_EQ(count(), 2);
         ASSERT_EQ(connection.Call("Close"), 0);
     }
-    std::filesystem::remove(file);
 }
 
 }  // namespace

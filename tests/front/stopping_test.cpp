@@ -2,11 +2,11 @@
 
 #include <atomic>
 #include <chrono>
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
 
+#include "tests/fakes/own_folder.h"
 #include "tests/front/front_testing.h"
 
 namespace vicenter::front {
@@ -16,15 +16,6 @@ constexpr const char* kEndless = "declare @i int set @i = 0 while 1 = 1 set @i =
 
 class Stopping : public FrontTest {
   protected:
-    Stopping() {
-        std::filesystem::remove(file_);
-        connect_ = "Provider=VelaAccountSet;Create=yes;Pooling=no;Data Source=" + file_.string();
-    }
-    ~Stopping() override {
-        std::error_code ignored;
-        std::filesystem::remove(file_, ignored);
-    }
-
     // Cancels from another thread for as long as the work takes.
     static void Cancelling(const std::function<void()>& work) {
         std::atomic<bool> done{false};
@@ -39,10 +30,9 @@ class Stopping : public FrontTest {
         other.join();
     }
 
-    const std::filesystem::path file_ =
-        std::filesystem::path(::testing::TempDir()) /
-        (std::string("stopping_") + ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".vas");
-    std::string connect_;
+    const fakes::OwnFolder folder_;
+    const std::string connect_ =
+        "Provider=VelaAccountSet;Create=yes;Pooling=no;Data Source=" + (folder_.Path() / "set.vas").string();
 };
 
 vic_int32 IntOf(Handle& object, const char* member) {

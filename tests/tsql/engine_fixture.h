@@ -3,12 +3,12 @@
 // A session on an account set in a folder of its own, and results as plain texts.
 
 #include <filesystem>
-#include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/fakes/own_folder.h"
 #include "tests/tsql/plain_collation.h"
 #include "tsql/run/session.h"
 #include "tsql/types/convert.h"
@@ -51,19 +51,7 @@ class TextSink : public ResultSink {
 
 class EngineTest : public testing::Test {
   protected:
-    EngineTest() {
-        // Of its own even when the same test runs in another process at the same time.
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        folder_ = std::filesystem::temp_directory_path() /
-                  ("vicenter_" + std::string(info->test_suite_name()) + "_" + info->name() + "_" +
-                   std::to_string(std::random_device()()));
-        std::filesystem::create_directories(folder_);
-    }
-    ~EngineTest() override {
-        session_.reset();
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
+    ~EngineTest() override { session_.reset(); }
 
     std::string Path() const { return (folder_ / "set.vas").string(); }
     SessionOptions Options() const {
@@ -108,7 +96,8 @@ class EngineTest : public testing::Test {
     }
 
     PlainCollation collation_;
-    std::filesystem::path folder_;
+    const fakes::OwnFolder own_;
+    const std::filesystem::path folder_ = own_.Path();
     std::unique_ptr<Session> session_;
 };
 

@@ -6,30 +6,21 @@
 #include "platform/ado/account_set/account_set_provider.h"
 #include "platform/ado/connection.h"
 #include "platform/system/collation.h"
+#include "tests/fakes/own_folder.h"
 
 namespace vicenter::ado {
 namespace {
 
 class AdoAccountSetTest : public testing::Test {
   protected:
-    AdoAccountSetTest() {
-        RegisterAccountSetProvider();
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        folder_ = std::filesystem::temp_directory_path() / (std::string("vicenter_ado_") + info->name());
-        std::filesystem::remove_all(folder_);
-        std::filesystem::create_directories(folder_);
-    }
-    ~AdoAccountSetTest() override {
-        CloseIdleAccountSets();
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-    std::string Path() const { return (folder_ / "set.vas").string(); }
+    AdoAccountSetTest() { RegisterAccountSetProvider(); }
+    ~AdoAccountSetTest() override { CloseIdleAccountSets(); }
+    std::string Path() const { return (folder_.Path() / "set.vas").string(); }
     std::string Connect(const std::string& more = "Create=yes") const {
         return "Provider=VelaAccountSet;Data Source=" + Path() + ";" + more;
     }
 
-    std::filesystem::path folder_;
+    const fakes::OwnFolder folder_;
 };
 
 TEST_F(AdoAccountSetTest, Values_arrive_as_automation_values_of_their_types) {
