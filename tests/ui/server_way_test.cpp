@@ -4,9 +4,12 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <chrono>
 #include <functional>
+#include <sstream>
 #include <utility>
 
+#include "host/window/offscreen_session.h"
 #include "platform/ado/odbc/odbc_provider.h"
 #include "platform/system/files.h"
 #include "tests/tds_server/server.h"
@@ -318,6 +321,27 @@ TEST_F(ServerWayTest, AVictimOfOthersIsToldSoAndCanSaveAgain) {
                                        [&] { return fail->HasFailed(); }, std::to_string(number) + " ", 12);
         EXPECT_GE(saves, 4) << number;
     }
+}
+
+// Whatever lets wait for an answer shows the box.
+class LongAtOnce final : public QtLongWork {
+  public:
+    bool GoOn(std::chrono::milliseconds) override { return QtLongWork::GoOn(std::chrono::seconds(1)); }
+};
+
+TEST_F(ServerWayTest, ASessionOffscreenHasItsKeyboardBackBehindEveryBox) {
+    Impatient user;
+    user.presses = false;
+    std::ostringstream told;
+    host::OffscreenSession driven(
+        [this] {
+            system::Surroundings::Current().longWork = std::make_shared<LongAtOnce>();
+            server_.Behave(std::make_shared<Slow>(30));
+            automation::CreateObject("VelaVICenter.aplication")->Call("ShowVICenter");
+        },
+        folder.Path("pictures"), told);
+    EXPECT_TRUE(driven.Run()) << told.str();
+    EXPECT_GT(user.boxes, 0);
 }
 
 TEST_F(ServerWayTest, ASlowServerIsWaitedForWhileTheWindowIsPainted) {

@@ -1,6 +1,7 @@
 #include "ui/grid/cell_delegate.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
@@ -13,6 +14,7 @@
 #include "ui/grid/grid_view.h"
 #include "ui/look/qt_text.h"
 #include "ui/look/theme.h"
+#include "ui/run/long_work.h"
 
 namespace vicenter::ui {
 
@@ -264,6 +266,10 @@ bool CellDelegate::eventFilter(QObject* watched, QEvent* event) {
         view_.EditorKeyPressed(*editor, static_cast<QKeyEvent&>(*event))) {
         return true;
     }
+    // The box over a command that typing itself has begun comes and goes: the editor is still at work there.
+    if (event->type() == QEvent::FocusOut &&
+        qobject_cast<LongWorkBox*>(QApplication::activeModalWidget()) != nullptr)
+        return false;
     return QStyledItemDelegate::eventFilter(watched, event);
 }
 
