@@ -62,6 +62,8 @@ std::string WhyNoPlace(const fs::path& file) {
         return "以 -wal、-shm、-journal 结尾的名称留给账套的日志，请另选文件名：" + text;
     const std::string folder = FolderOf(file);
     if (!fs::is_directory(PathFromUtf8(folder), failed)) return "文件夹不存在：" + folder;
+    // Else the file that is made beside the target would be what could not be opened.
+    if (!os::MayMakeFilesIn(folder)) return "没有写入权限：" + folder;
     return {};
 }
 

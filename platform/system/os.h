@@ -44,6 +44,8 @@ void SyncFolder(const std::string& path);
 std::error_code MoveOver(const std::string& from, const std::string& to);
 // The same, refused with file_exists when something is there.
 std::error_code MoveToNew(const std::string& from, const std::string& to);
+// This process may make files in that folder, as far as can be told.
+bool MayMakeFilesIn(const std::string& folder);
 // The name is a device's wherever it stands, as NUL and CON are on Windows.
 bool IsNameOfDevice(const std::string& path);
 // This process has the file open, by whatever name. Opening and closing it once more may then cost the locks

@@ -217,6 +217,11 @@ std::vector<std::string> NamesIn(const std::string& folder) {
     return names;
 }
 
+bool MayMakeFilesIn(const std::string& folder) {
+    return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ||
+           (errno != EACCES && errno != EROFS);
+}
+
 bool IsNameOfDevice(const std::string& /*path*/) {
     return false;  // devices are files, and known as what they are
 }

@@ -203,6 +203,12 @@ std::vector<std::string> NamesIn(const std::string& folder) {
     return names;
 }
 
+bool MayMakeFilesIn(const std::string& folder) {
+    const Handle opened(CreateFileW(WidePath(folder).c_str(), FILE_ADD_FILE, kShareAll, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    return opened || (GetLastError() != ERROR_ACCESS_DENIED && GetLastError() != ERROR_WRITE_PROTECT);
+}
+
 bool IsNameOfDevice(const std::string& path) {
     wchar_t whole[MAX_PATH] = {};
     const DWORD length = GetFullPathNameW(Wide(path).c_str(), MAX_PATH, whole, nullptr);

@@ -99,7 +99,7 @@ void RestoreAccountSet(const std::string& from, const std::string& file) {
     try {
         engine::CopyAccountSet(from, copy.Path(), Options());
     } catch (const tsql::SqlError& error) {
-        Tell("备份文件无法读取：", from, error);
+        Tell("账套恢复失败：", from, error);
     }
     const std::vector<std::string> damage = engine::FindDamage(copy.Path(), Options());
     if (!damage.empty()) {

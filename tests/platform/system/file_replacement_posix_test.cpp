@@ -47,6 +47,30 @@ TEST_F(FileReplacementOnPosix, ALinkIsJudgedByWhatItLeadsTo) {
     EXPECT_FALSE(MayBeWritten(Link("open.xlsx", "a.xlsx")));
 }
 
+// What is made beside the target must find room there, too: the folder's rights count, not the file's.
+TEST_F(FileReplacementOnPosix, AFolderThatTakesNoFilesIsNamed) {
+    constexpr uid_t kNobody = 65534;
+    const std::string folder = folder_.File("closed");
+    fs::create_directory(PathFromUtf8(folder));
+    const std::string file = Write("closed/a.xlsx", "old");
+    ASSERT_EQ(chmod(file.c_str(), 0666), 0);
+    ASSERT_EQ(chmod(folder_.Text().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(folder.c_str(), 0555), 0);
+    const bool administrator = geteuid() == 0;
+    EXPECT_EQ(administrator ? seteuid(kNobody) : 0, 0);
+    std::string told;
+    try {
+        const FileReplacement replacement(file);
+    } catch (const automation::Error& error) {
+        told = error.Text();
+    }
+    const std::string asked = WhyNotWritable(file, {});
+    EXPECT_EQ(administrator ? seteuid(0) : 0, 0);
+    ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
+    EXPECT_EQ(told, "没有写入权限：" + folder);
+    EXPECT_EQ(asked, "没有写入权限：" + folder);
+}
+
 TEST_F(FileReplacementOnPosix, DevicesAndPipesAreNeverWrittenOver) {
     const std::string pipe = folder_.File("pipe.xlsx");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
