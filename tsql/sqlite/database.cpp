@@ -4,6 +4,8 @@
 #include <chrono>
 #include <filesystem>
 #include <new>
+#include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -132,17 +134,17 @@ const char* TextOf(FileState state) {
 constexpr const char* kLogWithoutFile =
     "账套文件不存在，旁边却有它的日志（-wal、-journal），其中可能有已保存的内容；请先移走，或放回账套文件旁边";
 
+std::filesystem::path FileNamed(const std::string& name) {
+    return {std::u8string(name.begin(), name.end())};
+}
+
 // The log of a file that has been moved away or deleted. SQLite removes it when a new file is begun there.
 bool IsLogWithoutFile(const std::string& path) {
-    const auto file = [&](const char* tail) {
-        const std::string name = path + tail;
-        return std::filesystem::path(std::u8string(name.begin(), name.end()));
-    };
     std::error_code failed;
-    if (std::filesystem::exists(file(""), failed)) return false;
+    if (std::filesystem::exists(FileNamed(path), failed)) return false;
     return std::ranges::any_of(std::initializer_list<const char*>{"-wal", "-journal"}, [&](const char* tail) {
         std::error_code none;
-        const std::uintmax_t bytes = std::filesystem::file_size(file(tail), none);
+        const std::uintmax_t bytes = std::filesystem::file_size(FileNamed(path + tail), none);
         return !none && bytes > 0;
     });
 }
@@ -404,6 +406,21 @@ SqlError RefusedStatement(const std::string& text) {
     return MakeError(8624, {}, {text});
 }
 
+// SQLite says the same of every file that it cannot open. Looked at by its name alone: whoever opens and
+// closes a file that is open here loses its locks.
+std::optional<std::string> WhyNotOpened(const std::string& path, sqlite3* handle) {
+    const std::filesystem::path file = FileNamed(path);
+    std::error_code failed;
+    const std::filesystem::file_status status = std::filesystem::status(file, failed);
+    const std::error_code told(handle == nullptr ? 0 : sqlite3_system_errno(handle), std::system_category());
+    if (std::filesystem::is_directory(status)) return "是文件夹，不是账套文件";
+    if (failed == std::errc::permission_denied || told == std::errc::permission_denied)
+        return "没有读取或写入它的权限";
+    if (status.type() != std::filesystem::file_type::not_found) return std::nullopt;
+    const std::filesystem::path folder = file.parent_path();
+    return folder.empty() || std::filesystem::is_directory(folder, failed) ? "文件不存在" : "文件夹不存在";
+}
+
 }  // namespace
 
 bool Database::IsSound() const {
@@ -434,7 +451,7 @@ SqlError Database::Failure(int code) const {
         case SQLITE_CANTOPEN:
         case SQLITE_PERM:
         case SQLITE_AUTH:
-            return MakeError(5120, {}, {path_, text});
+            return MakeError(5120, {}, {path_, WhyNotOpened(path_, handle_).value_or(text)});
         case SQLITE_NOTADB:
             return MakeError(5172, {}, {path_});
         case SQLITE_CORRUPT:
