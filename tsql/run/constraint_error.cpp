@@ -112,7 +112,8 @@ SqlError ConstraintError(const Catalog& catalog, const FunctionServices& service
             std::string values;
             for (const std::string& column : key.columns) {
                 const std::string* value = services.FindKey(table->FindColumn(column)->name);
-                values += (values.empty() ? "(" : ", ") + (value != nullptr ? *value : std::string("?"));
+                // What a row is not given is NULL.
+                values += (values.empty() ? "(" : ", ") + (value != nullptr ? *value : std::string("<NULL>"));
             }
             values += ")";
             if (key.kind == KeyKind::kUniqueIndex)

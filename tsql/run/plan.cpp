@@ -209,6 +209,7 @@ bool Executor::BindLiteral(PreparedStatement& statement, int index, const Parame
 
 void Executor::Bind(Plan& plan, const std::vector<Value>* row) {
     services_.pending.reset();
+    services_.keyValues.clear();
     services_.dateFormat = frame_->options.dateFormat;
     const LiteralRun& literals = frame_->literals;
     const bool lasts = plan.takesLiteralsAlone && (literals.IsEmpty() || frame_->sent);

@@ -193,6 +193,7 @@ void Executor::ApplyMerge(const Plan& plan, MergeChanges& changes, bool areDefer
 void Executor::RunMergeRow(const Plan& plan, const TableInfo& table, const MergeChanges::Row& change,
                            const std::string& sql) {
     PreparedStatement statement = database_.Prepare(sql);
+    services_.keyValues.clear();
     for (std::size_t i = 0; i < change.columns.size(); ++i) {
         const ColumnInfo& column = *table.FindColumn(change.columns[i]);
         if (table.IsInUniqueKey(column.name))
