@@ -1,6 +1,8 @@
 // Where statements stop: what no TRY takes, what dooms a transaction, and limits by their names instead of an
 // internal error.
 
+#include <stdexcept>
+
 #include "engine_fixture.h"
 
 namespace vicenter::tsql::engine {
@@ -121,6 +123,20 @@ TEST_F(EngineEdgeTest, No_text_is_an_internal_error) {
         const std::string answer = Number(misplaced);
         EXPECT_NE(answer, "8624") << misplaced;
     }
+}
+
+TEST_F(EngineEdgeTest, A_batch_whose_rows_nobody_can_take_ends_as_any_that_fails) {
+    class FullSink : public TextSink {
+      public:
+        void AddRow(std::vector<Value>& /*row*/) override { throw std::length_error("full"); }
+    };
+    Run("create table t (a int)");
+    FullSink sink;
+    const ExecutionReport report = First().Execute("insert t values (1) select * from t", sink);
+    ASSERT_EQ(report.errors.size(), 1U);
+    EXPECT_EQ(report.errors.front().number, 8624);
+    EXPECT_EQ(Run("select count(*) as n, @@trancount as c from t"), "n:int c:int\n0|0");
+    EXPECT_EQ(RunOn(*Another(), "insert t values (2)"), "");
 }
 
 TEST_F(EngineEdgeTest, A_sound_set_is_not_called_damaged) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <exception>
 #include <new>
 #include <utility>
 
@@ -130,6 +131,11 @@ bool Executor::RunReporting(std::string_view batch) {
         Report(Completed(error, error.Details().line).Details());
     } catch (const automation::Error& error) {
         Report(MakeError(8624, {}, {error.Text()}).Details());
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        // Of whoever takes the rows: the session is to end its batch as after any other error.
+        Report(MakeError(8624, {}, {error.what()}).Details());
     }
     return false;
 }
