@@ -300,7 +300,7 @@ class KeptPlansTest : public EngineTest {
 
 TEST_F(KeptPlansTest, SequencesAnswerAsWithoutAnythingKept) {
     const std::uint32_t first = FromEnvironment("VICENTER_FIRST_SEED", 1);
-    const std::uint32_t count = FromEnvironment("VICENTER_KEPT_SEQUENCES", 150);
+    const std::uint32_t count = FromEnvironment("VICENTER_KEPT_SEQUENCES", 60);
     for (std::uint32_t seed = first; seed < first + count; ++seed) {
         Steps steps = TextGenerator(seed).Sequence();
         const bool batches = seed % 2 == 0;
