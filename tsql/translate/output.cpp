@@ -17,7 +17,10 @@ namespace {
 void NameAsView(const OutputClause& output, const std::vector<std::pair<std::string, std::string>>& names,
                 const ObjectName& view, Source& source) {
     const std::vector<SourceColumn> stored = std::exchange(source.columns, {});
-    for (const auto& [own, behind] : names) {
+    for (const auto& name : names) {
+        // No structured binding: Clang gives none of them to a lambda.
+        const std::string& own = name.first;
+        const std::string& behind = name.second;
         const auto found = std::ranges::find_if(
             stored, [&](const SourceColumn& column) { return SameName(column.name, behind); });
         if (found != stored.end()) {
