@@ -23,34 +23,12 @@ void OdbcOutcome::Take(std::vector<DriverError> records) {
     }
 }
 
-// The statement that Cancel() may take back, for as long as it runs.
-class OdbcBatch::Running {
-  public:
-    Running(OdbcBatch& batch, SQLHSTMT statement) : batch_(batch) { Set(statement); }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-    ~Running() { Set(SQL_NULL_HSTMT); }
-
-  private:
-    void Set(SQLHSTMT statement) {
-        const std::lock_guard guard(batch_.lock_);
-        batch_.running_ = statement;
-    }
-    OdbcBatch& batch_;
-};
-
 OdbcBatch::OdbcBatch(std::shared_ptr<OdbcLink> link, std::string text, int seconds,
                      bool keepsResultsBehindErrors)
     : link_(std::move(link)),
       text_(std::move(text)),
       seconds_(seconds),
       keepsResultsBehindErrors_(keepsResultsBehindErrors) {}
-
-void OdbcBatch::Cancel() noexcept {
-    // Where the lock is held a statement is just beginning or ending.
-    const std::unique_lock lock(lock_, std::try_to_lock);
-    if (lock && running_ != SQL_NULL_HSTMT) SQLCancel(running_);
-}
 
 // Before any other call, which would clear them.
 void OdbcBatch::Note(SQLHSTMT statement, SQLRETURN code) {
@@ -70,7 +48,7 @@ void OdbcBatch::Run() {
                         OdbcNumber(static_cast<std::uintptr_t>(seconds_)), 0);
     }
     std::u16string text = OdbcWide(text_);
-    const Running running(*this, statement.Get());
+    const OdbcRunning::Scope running(running_, statement.Get());
     Drain(statement.Get(), SQLExecDirectW(statement.Get(), reinterpret_cast<SQLWCHAR*>(text.data()),
                                           static_cast<SQLINTEGER>(text.size())));
     // A line that was cut may come out as the mere end of the results.

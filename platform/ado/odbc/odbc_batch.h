@@ -4,7 +4,6 @@
 // Cancel() from any.
 
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -39,12 +38,10 @@ class OdbcBatch {
 
     void Run();
     // Does nothing while no statement runs.
-    void Cancel() noexcept;
+    void Cancel() noexcept { running_.Cancel(); }
     OdbcOutcome& Outcome() { return outcome_; }
 
   private:
-    class Running;
-
     void Note(SQLHSTMT statement, SQLRETURN code);
     void Drain(SQLHSTMT statement, SQLRETURN code);
 
@@ -53,8 +50,7 @@ class OdbcBatch {
     int seconds_;
     bool keepsResultsBehindErrors_;
     OdbcOutcome outcome_;
-    std::mutex lock_;  // held for moments only
-    SQLHSTMT running_ = SQL_NULL_HSTMT;
+    OdbcRunning running_;
 };
 
 }  // namespace vicenter::ado

@@ -105,6 +105,17 @@ std::vector<DriverError> OdbcDiagnostics(SQLSMALLINT type, SQLHANDLE handle) {
     }
 }
 
+void OdbcRunning::Cancel() noexcept {
+    // Where the lock is held a statement is just beginning or ending.
+    const std::unique_lock lock(lock_, std::try_to_lock);
+    if (lock && statement_ != SQL_NULL_HSTMT) SQLCancel(statement_);
+}
+
+void OdbcRunning::Set(SQLHSTMT statement) {
+    const std::lock_guard guard(lock_);
+    statement_ = statement;
+}
+
 bool IsDead(SQLHANDLE line) {
     SQLUINTEGER dead = SQL_CD_FALSE;
     return SQL_SUCCEEDED(

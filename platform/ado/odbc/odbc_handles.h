@@ -9,6 +9,7 @@
 #include <windows.h>
 #endif
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -46,6 +47,29 @@ class OdbcHandle {
 
 using OdbcLine = OdbcHandle<SQL_HANDLE_DBC>;
 using OdbcStatement = OdbcHandle<SQL_HANDLE_STMT>;
+
+// The statement that runs, which any thread may take back for as long as it does.
+class OdbcRunning {
+  public:
+    class Scope {
+      public:
+        Scope(OdbcRunning& running, SQLHSTMT statement) : running_(running) { running_.Set(statement); }
+        Scope(const Scope&) = delete;
+        Scope& operator=(const Scope&) = delete;
+        ~Scope() { running_.Set(SQL_NULL_HSTMT); }
+
+      private:
+        OdbcRunning& running_;
+    };
+    // Does nothing while no statement runs.
+    void Cancel() noexcept;
+
+  private:
+    void Set(SQLHSTMT statement);
+
+    std::mutex lock_;  // held for moments only
+    SQLHSTMT statement_ = SQL_NULL_HSTMT;
+};
 
 // The process's environment; made on first use.
 SQLHANDLE OdbcEnvironment();

@@ -144,28 +144,6 @@ bool OdbcLink::Did(const std::string& batch, std::vector<DriverError>& errors) c
     return false;
 }
 
-// The statement that StopAsking() may take back, for as long as it runs.
-class OdbcLink::Asking {
-  public:
-    Asking(const OdbcLink& link, SQLHSTMT statement) : link_(link) { Set(statement); }
-    Asking(const Asking&) = delete;
-    Asking& operator=(const Asking&) = delete;
-    ~Asking() { Set(SQL_NULL_HSTMT); }
-
-  private:
-    void Set(SQLHSTMT statement) {
-        const std::lock_guard guard(link_.askingLock_);
-        link_.asking_ = statement;
-    }
-    const OdbcLink& link_;
-};
-
-void OdbcLink::StopAsking() noexcept {
-    // Where the lock is held a question is just beginning or ending.
-    const std::unique_lock lock(askingLock_, std::try_to_lock);
-    if (lock && asking_ != SQL_NULL_HSTMT) SQLCancel(asking_);
-}
-
 OdbcLink::Rows OdbcLink::Ask(const std::string& query) const {
     Rows rows;
     const OdbcStatement statement(line_.Get());
@@ -174,7 +152,7 @@ OdbcLink::Rows OdbcLink::Ask(const std::string& query) const {
                         OdbcNumber(static_cast<std::uintptr_t>(answerSeconds_)), 0);
     }
     std::u16string text = OdbcWide(query);
-    const Asking asking(*this, statement.Get());
+    const OdbcRunning::Scope asking(asking_, statement.Get());
     const auto unanswered = [&] {
         return UnansweredQuestion(OdbcDiagnostics(SQL_HANDLE_STMT, statement.Get()));
     };

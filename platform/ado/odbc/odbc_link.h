@@ -4,7 +4,6 @@
 
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,7 +48,7 @@ class OdbcLink {
     // Before each batch: a table that was not there may be by now.
     void ForgetUnknownTables();
     // Takes back the question that is being asked, which is unanswered then; from any thread.
-    void StopAsking() noexcept;
+    void StopAsking() noexcept { asking_.Cancel(); }
 
     // Something has been left behind that the next user must not meet.
     bool hasTraces = false;
@@ -62,11 +61,9 @@ class OdbcLink {
     // The texts of a small result, row by row.
     using Rows = std::vector<std::vector<std::string>>;
     Rows Ask(const std::string& query) const;
-    class Asking;
 
     OdbcLine line_;
-    mutable std::mutex askingLock_;
-    mutable SQLHSTMT asking_ = SQL_NULL_HSTMT;
+    mutable OdbcRunning asking_;
     int answerSeconds_;  // after which a server that does not answer a question of ours is given up
     bool asked_ = false;
     int pageNumber_ = 0;
